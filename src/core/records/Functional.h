@@ -1,0 +1,79 @@
+#pragma once
+
+#include "foundation/Date.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <functional>
+#include <optional>
+
+/// A colour of the palette of custom categories; components from 0 to 1.
+struct CategoryColor
+{
+    double r = 0;
+    double g = 0;
+    double b = 0;
+    double a = 1;
+    /// Its place in the palette, 6 to 20.
+    int index = 0;
+
+    bool operator==(const CategoryColor &) const = default;
+};
+
+/// Small operations that the rules share: words of the stored numbers, days and minutes of dates, messages.
+/// No state.
+class Functional
+{
+public:
+    /// The word of a status in the user's language; empty for a number that is none.
+    static QString statusStringFromType(int status);
+    /// The number of a status word; 0 (Open) for an unknown one.
+    static int statusTypeFromString(const QString &text);
+
+    /// The word of a priority; empty for a number that is none.
+    static QString priorityStringFromType(int priority);
+    /// 0, 1 and 2 as they are, all else 3 (No Priority).
+    static int priorityTypeFromNumber(int number);
+    /// The number of a priority word; 0 (High) for an unknown one.
+    static int priorityTypeFromString(const QString &text);
+
+    /// The word of a task type; empty for an absent number or one that is none.
+    static QString typeStringFromType(std::optional<int> type);
+    /// The number of a type word; 0 (ToDo) for an unknown one.
+    static int taskTypeFromString(const QString &text);
+
+    /// The title, with one blank appended if the titles hold it already. That too may be among them.
+    static QString getUnicalCategoryTitleWithArray(const QStringList &titles, const QString &newTitle);
+
+    /// The colour of a custom category; absent for an index outside 6 to 20.
+    static std::optional<CategoryColor> getCategoryColorByIndex(int index);
+
+    /// Replaces the first map of the list whose "Value" is `object` by one of "Value" and "Status"; gives the
+    /// list.
+    static QVariantList changeStatusElement(QVariantList elements, const QString &object,
+                                            const QVariant &status);
+
+    /// The date down to its minute, in absolute time.
+    static Date dateWithZeroSeconds(Date date);
+    /// Midnight of the date's day, by the pattern "dd-MM-yyyy" written and read back; absent if it cannot be
+    /// read.
+    static OptionalDate dateWithoutTimeOfDate(Date date);
+    /// Whether two dates fall in the same minute, by the pattern "YY:MM:DD:HH:mm" written and read back;
+    /// absent if one cannot be read.
+    static std::optional<bool> sameMinute(Date one, Date other);
+
+    /// Whether the dates of a part (a task) leave those of the whole (its project). Each test is made only if
+    /// both of its dates are present, and the first that is true answers: 1 the whole starts after the part's
+    /// start, 2 the whole is due before the part's start, 4 the whole is due before the part is, 3 the whole
+    /// starts after the part is due. 0 if none is.
+    static int dateValidationsMainStartDate(OptionalDate mainStartDate, OptionalDate mainDueDate,
+                                            OptionalDate additionalStartDate, OptionalDate addationalDueDate);
+
+    /// A modal message with the one button "OK".
+    static void messageAlertWithTitle(const QString &title, const QString &message);
+
+    /// Runs the block once on the main loop after that many seconds.
+    static void performDelayed(double seconds, std::function<void()> block);
+};

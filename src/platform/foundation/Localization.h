@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+/// The words of the program in the user's language. The key is the English text; a key without an entry is
+/// answered as it is. The language is the first of `Region::preferredLocalizations` that has an entry.
+QString localized(const QString &key);
+
+/// The same from a table of its own, for example "RepeatPicker": its files are named "RepeatPicker.de.json".
+QString localized(const QString &key, const QString &table);
+
+/// Where the tables come from: a JSON object of key and text for each language, "de.json", in the resource
+/// folder
+/// ":/translations" and any folders added. A table is read when the first word is asked of it.
+class LocalizationTable
+{
+public:
+    /// Adds a folder of tables. Entries of a folder added later win.
+    static void loadDirectory(const QString &path);
+    /// Takes a folder out again.
+    static void unloadDirectory(const QString &path);
+};
