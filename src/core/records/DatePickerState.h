@@ -10,7 +10,9 @@ class DatePickerState
 public:
     enum class Type { StartDate = 0, DueDate = 1, Alert = 2, SecondAlert = 3, EndRepeat = 4 };
 
-    explicit DatePickerState(Type type) : typePicker(type) {}
+    explicit DatePickerState(Type type)
+        : typePicker(type)
+    {}
 
     Type typePicker;
     bool showPopover = false;

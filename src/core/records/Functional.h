@@ -57,9 +57,8 @@ public:
 
     /// The date down to its minute, in absolute time.
     static Date dateWithZeroSeconds(Date date);
-    /// Midnight of the date's day, by the pattern "dd-MM-yyyy" written and read back; absent if it cannot be
-    /// read.
-    static OptionalDate dateWithoutTimeOfDate(Date date);
+    /// Midnight of the date's day, by the pattern "dd-MM-yyyy" written and read back.
+    static Date dateWithoutTimeOfDate(Date date);
     /// Whether two dates fall in the same minute, by the pattern "YY:MM:DD:HH:mm" written and read back;
     /// absent if one cannot be read.
     static std::optional<bool> sameMinute(Date one, Date other);
@@ -71,7 +70,7 @@ public:
     static int dateValidationsMainStartDate(OptionalDate mainStartDate, OptionalDate mainDueDate,
                                             OptionalDate additionalStartDate, OptionalDate addationalDueDate);
 
-    /// A modal message with the one button "OK".
+    /// A modal message with the one button "OK". The texts are keys of the words and are looked up here.
     static void messageAlertWithTitle(const QString &title, const QString &message);
 
     /// Runs the block once on the main loop after that many seconds.

@@ -12,7 +12,8 @@ enum class TaskType { ToDo = 0, Appointment = 1, EmailCall = 2 };
 enum class TaskStatus { Open = 0, InProgress = 1, Pending = 2, Done = 3 };
 enum class Priority { High = 0, Medium = 1, Low = 2, None = 3 };
 
-/// A working copy of a task: a screen fills it, changes it freely, and nothing reaches the store before `save`.
+/// A working copy of a task: a screen fills it, changes it freely, and nothing reaches the store before
+/// `save`.
 ///
 /// Absent numbers are empty optionals; absent texts are null or empty. Main thread only.
 class MVTask
@@ -81,7 +82,8 @@ public:
     QString priorityString() const;
     QString statusString() const;
 
-    /// Sets the status by its word or number; on request saved at once. Nothing while edits of repeats are barred.
+    /// Sets the status by its word or number; on request saved at once. Nothing while edits of repeats are
+    /// barred.
     void changeStatus(const QString &text, bool autoSaved);
     void changeStatusType(unsigned statusType, bool autoSaved);
     /// Set by the localised word; an unknown one changes nothing.
@@ -90,7 +92,8 @@ public:
 
     /// Whether the copy differs from its row in what an editor can change. Tags alone are no difference.
     bool isChangedTask() const;
-    /// Whether an appointment (or the moment of a mail or call) collides with another of that day; says so if it does.
+    /// Whether an appointment (or the moment of a mail or call) collides with another of that day; says so if
+    /// it does.
     bool isCrossTaskAppointmentForStartDate(Date startDate, Date dueDate) const;
 
     /// Whether `repeat` holds a rule in the program's own form, and that rule without what precedes it.

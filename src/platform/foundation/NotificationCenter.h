@@ -80,6 +80,7 @@ public:
     void post(NotificationName name, std::any object = {}, std::any userInfo = {});
 
 private:
+    friend class Observation;
     struct Registry;
-    std::unique_ptr<Registry> registry;
+    std::shared_ptr<Registry> registry;
 };

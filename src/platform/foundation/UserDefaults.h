@@ -7,6 +7,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <memory>
+
 Q_DECLARE_METATYPE(Date)
 
 /// The settings of the user: a persistent table of key and value, kept in one JSON file. Main thread.

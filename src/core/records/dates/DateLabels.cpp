@@ -1,0 +1,98 @@
+#include "records/dates/MVDate.h"
+
+#include "foundation/Calendar.h"
+#include "foundation/Clock.h"
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+
+#include <cmath>
+
+using Style = DateFormatter::Style;
+
+static QString word(QStringView key)
+{
+    return localized(key.toString());
+}
+
+static QString joined(const QString &one, const QString &other)
+{
+    return one + QLatin1Char(' ') + other;
+}
+
+/// The words that lead a label: by themselves, and before a date.
+struct LeadWords
+{
+    QString alone;
+    QString beforeDate;
+};
+
+static LeadWords leadWords(bool isStart)
+{
+    return isStart ? LeadWords{word(u"Start"), word(u"Start Date on")}
+                   : LeadWords{word(u"Due"), word(u"Due on")};
+}
+
+static QString atTime(Date date)
+{
+    return QLatin1Char(' ') + joined(word(u"at"), DateFormatter::string(date, Style::None, Style::Short));
+}
+
+static QString dateInWords(Date date, bool considerTime)
+{
+    if (!considerTime)
+        return DateFormatter::string(date, Style::Medium, Style::None);
+    const QString monthAndDay = DateFormatter::patternFromTemplate(QStringLiteral("MMMM d"));
+    return DateFormatter::string(date, monthAndDay) + atTime(date) +
+           DateFormatter::string(date, QStringLiteral(" ',' yyyy"));
+}
+
+/// "Yesterday", "Today", "Tomorrow" or nothing. Two midnights make neighbours only if exactly 86400 seconds
+/// lie between them, so beside a day of 23 or 25 hours the date itself is shown.
+static QString nameOfNearDay(Date date)
+{
+    static constexpr qint64 day = 86400;
+    const Calendar calendar = Calendar::current();
+    const Seconds distance = calendar.startOfDay(date) - calendar.startOfDay(Clock::now());
+    const double seconds = std::trunc(distance.count());
+    if (seconds == 0)
+        return QStringLiteral("Today");
+    if (seconds == -day)
+        return QStringLiteral("Yesterday");
+    return seconds == day ? QStringLiteral("Tomorrow") : QString();
+}
+
+QString MVDate::getLabelText(OptionalDate date, bool considerTime, bool inOrderToStartDate, bool isEmailCall)
+{
+    if (!date)
+        return {};
+    const LeadWords lead = leadWords(inOrderToStartDate || isEmailCall);
+    const QString nearDay = nameOfNearDay(*date);
+    if (nearDay.isEmpty())
+        return joined(lead.beforeDate, dateInWords(*date, considerTime));
+    if (!considerTime)
+        return joined(lead.alone, localized(nearDay));
+    const bool isToday = nearDay == QLatin1String("Today");
+    return (isToday ? lead.alone : joined(lead.alone, localized(nearDay))) + atTime(*date);
+}
+
+static QString creationLabelOfFarDay(Date date)
+{
+    const QString day = DateFormatter::string(date, QStringLiteral("d MMMM"));
+    const QString timeAndYear = DateFormatter::string(date, QStringLiteral("HH:mm, yyyy"));
+    return QStringLiteral("%1 %2 %3 %4").arg(word(u"Due Date on"), day, word(u"at"), timeAndYear);
+}
+
+std::optional<QString> MVDate::noteCreationLabel(OptionalDate creationDate)
+{
+    if (!creationDate)
+        return std::nullopt;
+    const Calendar calendar = Calendar::current();
+    if (calendar.isDateInTomorrow(*creationDate))
+        return QStringLiteral("%1, %2").arg(word(u"Due Date Tomorrow"),
+                                            DateFormatter::string(*creationDate, QStringLiteral("yyyy")));
+    if (calendar.isDateInYesterday(*creationDate))
+        return QStringLiteral("%1 %2 %3")
+            .arg(word(u"Due"), word(u"at"),
+                 DateFormatter::string(*creationDate, QStringLiteral("d MMMM yyyy")));
+    return calendar.isDateInToday(*creationDate) ? word(u"Due Today") : creationLabelOfFarDay(*creationDate);
+}

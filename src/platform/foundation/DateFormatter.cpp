@@ -1,0 +1,162 @@
+#include "foundation/DateFormatter.h"
+
+#include "foundation/CalendarEngine.h"
+#include "foundation/IcuDate.h"
+#include "foundation/IcuText.h"
+#include "foundation/Region.h"
+#include "foundation/RegionState.h"
+#include "foundation/ZoneRules.h"
+
+#include <QHash>
+
+#include <unicode/dtfmtsym.h>
+#include <unicode/dtptngen.h>
+#include <unicode/smpdtfmt.h>
+
+using FormatPointer = std::shared_ptr<icu::DateFormat>;
+using Style = DateFormatter::Style;
+
+static constexpr int mostFormatsKept = 64;
+
+/// The formatters of one thread for one state of the region.
+struct FormatCache
+{
+    quint64 generation = 0;
+    std::shared_ptr<const RegionState> region;
+    QHash<QString, FormatPointer> byPattern;
+    QHash<int, FormatPointer> byStyle;
+    QHash<QString, QString> patternsOfSkeletons;
+    std::unique_ptr<icu::DateTimePatternGenerator> generator;
+};
+
+/// ICU's formatters start out with ICU's default zone, which costs a search of the system unless it is set.
+static void useAsDefaultZone(const RegionState &region)
+{
+    icu::TimeZone::adoptDefault(sharedZoneRules(region.zoneIdentifier)->clone());
+}
+
+static FormatCache &formats()
+{
+    static thread_local FormatCache cache;
+    if (const quint64 present = Region::generation(); present != cache.generation) {
+        cache = FormatCache{present, currentRegionState(), {}, {}, {}, nullptr};
+        useAsDefaultZone(*cache.region);
+    }
+    return cache;
+}
+
+template <typename Key, typename Make>
+static auto kept(QHash<Key, FormatPointer> &formats, const Key &key, Make make)
+{
+    if (const auto known = formats.constFind(key); known != formats.constEnd())
+        return *known;
+    if (formats.size() >= mostFormatsKept)
+        formats.clear();
+    return *formats.insert(key, FormatPointer(make()));
+}
+
+static FormatPointer formatOfPattern(const QString &pattern)
+{
+    auto &cache = formats();
+    return kept(cache.byPattern, pattern, [&] {
+        UErrorCode status = U_ZERO_ERROR;
+        return new icu::SimpleDateFormat(icuText(pattern), cache.region->locale, status);
+    });
+}
+
+static icu::DateFormat::EStyle icuStyle(Style style)
+{
+    switch (style) {
+    case Style::None:
+        return icu::DateFormat::kNone;
+    case Style::Short:
+        return icu::DateFormat::kShort;
+    case Style::Medium:
+        return icu::DateFormat::kMedium;
+    case Style::Long:
+        return icu::DateFormat::kLong;
+    case Style::Full:
+        break;
+    }
+    return icu::DateFormat::kFull;
+}
+
+static FormatPointer formatOfStyles(Style dateStyle, Style timeStyle)
+{
+    auto &cache = formats();
+    const int key = static_cast<int>(dateStyle) * 8 + static_cast<int>(timeStyle);
+    return kept(cache.byStyle, key, [&] {
+        return icu::DateFormat::createDateTimeInstance(icuStyle(dateStyle), icuStyle(timeStyle),
+                                                       cache.region->locale);
+    });
+}
+
+/// Formats in the calendar given. Letting the formatter use its own would make it copy calendar and zone each
+/// time.
+static QString formatted(const icu::DateFormat &format, icu::Calendar &calendar, Date date)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    calendar.setTime(icuDate(date), status);
+    icu::UnicodeString text;
+    icu::FieldPosition position(icu::FieldPosition::DONT_CARE);
+    format.format(calendar, text, position);
+    return qtText(text);
+}
+
+QString DateFormatter::string(Date date, const QString &pattern)
+{
+    return formatted(*formatOfPattern(pattern), Calendar::current().engine->icuCalendar(), date);
+}
+
+QString DateFormatter::string(Date date, Style dateStyle, Style timeStyle)
+{
+    if (dateStyle == Style::None && timeStyle == Style::None)
+        return {};
+    return formatted(*formatOfStyles(dateStyle, timeStyle), Calendar::current().engine->icuCalendar(), date);
+}
+
+OptionalDate DateFormatter::date(const QString &text, const QString &pattern)
+{
+    const Calendar current = Calendar::current();
+    icu::Calendar &calendar = current.engine->icuCalendar();
+    calendar.clear();
+    icu::ParsePosition position(0);
+    formatOfPattern(pattern)->parse(icuText(text), calendar, position);
+    UErrorCode status = U_ZERO_ERROR;
+    const UDate instant = calendar.getTime(status);
+    current.engine->takeZoneBack();
+    return U_SUCCESS(status) && position.getIndex() > 0 ? OptionalDate(dateFromIcu(instant)) : std::nullopt;
+}
+
+QString DateFormatter::patternFromTemplate(const QString &skeleton)
+{
+    auto &cache = formats();
+    if (const auto known = cache.patternsOfSkeletons.constFind(skeleton);
+        known != cache.patternsOfSkeletons.constEnd())
+        return *known;
+    UErrorCode status = U_ZERO_ERROR;
+    if (!cache.generator)
+        cache.generator.reset(icu::DateTimePatternGenerator::createInstance(cache.region->locale, status));
+    const QString pattern = qtText(cache.generator->getBestPattern(icuText(skeleton), status));
+    cache.patternsOfSkeletons.insert(skeleton, pattern);
+    return pattern;
+}
+
+static QString halfDaySymbol(int index)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::DateFormatSymbols symbols(formats().region->locale, status);
+    int count = 0;
+    const icu::UnicodeString *texts = symbols.getAmPmStrings(count);
+    return index < count ? qtText(texts[index]) : QString();
+}
+
+QString DateFormatter::amSymbol()
+{
+    return halfDaySymbol(0);
+}
+
+QString DateFormatter::pmSymbol()
+{
+    return halfDaySymbol(1);
+}
