@@ -7,6 +7,8 @@
 #include <unicode/basictz.h>
 
 static constexpr double secondsPerDay = 86400;
+/// No clock has been set back by more. Until so long after a change, midnight may be one that came before already.
+static constexpr double longestRepetition = 3 * 3600;
 
 static std::unique_ptr<icu::Calendar> makeCalendar(const CalendarSettings &settings,
                                                    const icu::TimeZone &zone)
@@ -64,7 +66,7 @@ std::optional<double> Calendar::Engine::startOfUnchangedDay(Date date)
 {
     const OffsetSpan span = offsetAt(date);
     const double start = dayNumber(date) * secondsPerDay - span.offset;
-    if (start > span.from && start + secondsPerDay < span.to)
+    if (start > span.from + longestRepetition && start + secondsPerDay < span.to)
         return start;
     return std::nullopt;
 }

@@ -1,0 +1,100 @@
+#include <QDirIterator>
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+/// Includes run downwards only: what a floor may include is said here, once, and read off the sources.
+class FloorsTest : public testing::Test
+{
+protected:
+    const QString sources = QStringLiteral(MORVANE_SOURCES);
+    const QStringList platformFolders =
+        words(u"foundation objectstore eventkit contacts usernotifications ubiquity "
+              u"workspace");
+    const QStringList coreFolders = words(u"store records recurrence calendarsync cloud filters");
+    const QStringList uiFolders = words(u"widgets calendarviews filters shell");
+    const QStringList tradesOfPlatform =
+        words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");
+
+    static QStringList words(QStringView text) { return text.toString().split(u' '); }
+
+    static QStringList includesOf(const QString &path)
+    {
+        static const QRegularExpression include(QStringLiteral(R"(^\s*#\s*include\s*([<"][^>"]+))"),
+                                                QRegularExpression::MultilineOption);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+        QStringList found;
+        for (const auto &match : include.globalMatch(QString::fromUtf8(file.readAll())))
+            found.append(match.captured(1));
+        return found;
+    }
+
+    QStringList filesOf(const QString &floor) const
+    {
+        QStringList files;
+        QDirIterator iterator(sources + QLatin1Char('/') + floor,
+                              {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
+                              QDirIterator::Subdirectories);
+        while (iterator.hasNext())
+            files.append(iterator.next());
+        return files;
+    }
+
+    /// Own headers are included by folder and name, from these folders only.
+    void expectOwnIncludesFrom(const QString &floor, const QStringList &folders) const
+    {
+        for (const QString &file : filesOf(floor))
+            for (const QString &include : includesOf(file))
+                EXPECT_TRUE(include.startsWith(u'<') || folders.contains(include.mid(1).section(u'/', 0, 0)))
+                    << qPrintable(file) << " includes " << qPrintable(include.mid(1));
+    }
+
+    void expectNoSystemInclude(const QString &floor, const QStringList &beginnings) const
+    {
+        for (const QString &file : filesOf(floor))
+            for (const QString &include : includesOf(file))
+                for (const QString &beginning : beginnings)
+                    EXPECT_FALSE(include.startsWith(QLatin1Char('<') + beginning))
+                        << qPrintable(file) << " includes " << qPrintable(include.mid(1));
+    }
+};
+
+TEST_F(FloorsTest, PlatformKnowsNothingAboveIt)
+{
+    EXPECT_FALSE(filesOf(QStringLiteral("platform")).isEmpty());
+    expectOwnIncludesFrom(QStringLiteral("platform"), platformFolders);
+    expectNoSystemInclude(QStringLiteral("platform"),
+                          words(u"QtWidgets QtGui QWidget QApplication QGuiApplication"));
+}
+
+TEST_F(FloorsTest, CoreHasNoScreenAndNoTradeOfThePlatform)
+{
+    expectOwnIncludesFrom(QStringLiteral("core"), platformFolders + coreFolders);
+    expectNoSystemInclude(QStringLiteral("core"),
+                          words(u"QtWidgets QtGui QWidget QApplication QGuiApplication QColor"));
+    expectNoSystemInclude(QStringLiteral("core"), tradesOfPlatform);
+}
+
+TEST_F(FloorsTest, UiLeavesTheTradesToThePlatform)
+{
+    expectOwnIncludesFrom(QStringLiteral("ui"), platformFolders + coreFolders + uiFolders);
+    expectNoSystemInclude(QStringLiteral("ui"), tradesOfPlatform);
+}
+
+TEST_F(FloorsTest, HeadersUsedAbovePlatformShowNoneOfItsTrades)
+{
+    for (const QString &floor : {QStringLiteral("core"), QStringLiteral("ui")})
+        for (const QString &file : filesOf(floor))
+            for (const QString &include : includesOf(file)) {
+                const QString header = sources + QStringLiteral("/platform/") + include.mid(1);
+                if (!include.startsWith(u'"') || !QFile::exists(header))
+                    continue;
+                for (const QString &inner : includesOf(header))
+                    for (const QString &trade : tradesOfPlatform)
+                        EXPECT_FALSE(inner.startsWith(QLatin1Char('<') + trade))
+                            << qPrintable(file) << " includes " << qPrintable(include.mid(1));
+            }
+}
