@@ -7,7 +7,8 @@
 #include <unicode/basictz.h>
 
 static constexpr double secondsPerDay = 86400;
-/// No clock has been set back by more. Until so long after a change, midnight may be one that came before already.
+/// No clock has been set back by more. Until so long after a change, midnight may be one that came before
+/// already.
 static constexpr double longestRepetition = 3 * 3600;
 
 static std::unique_ptr<icu::Calendar> makeCalendar(const CalendarSettings &settings,

@@ -5,9 +5,10 @@
 #include "foundation/IcuText.h"
 #include "foundation/Region.h"
 #include "foundation/RegionState.h"
-#include "foundation/ZoneRules.h"
 
 #include <QHash>
+
+#include <mutex>
 
 #include <unicode/dtfmtsym.h>
 #include <unicode/dtptngen.h>
@@ -29,10 +30,13 @@ struct FormatCache
     std::unique_ptr<icu::DateTimePatternGenerator> generator;
 };
 
-/// ICU's formatters start out with ICU's default zone, which costs a search of the system unless it is set.
-static void useAsDefaultZone(const RegionState &region)
+/// Formatters are made with ICU's default zone but never used with it: each call passes a calendar in the
+/// user's zone. UTC costs nothing, whereas ICU would search the system for its default, and each formatter
+/// would copy its rules.
+static void setCheapDefaultZone()
 {
-    icu::TimeZone::adoptDefault(sharedZoneRules(region.zoneIdentifier)->clone());
+    static std::once_flag once;
+    std::call_once(once, [] { icu::TimeZone::adoptDefault(icu::TimeZone::getGMT()->clone()); });
 }
 
 static FormatCache &formats()
@@ -40,7 +44,7 @@ static FormatCache &formats()
     static thread_local FormatCache cache;
     if (const quint64 present = Region::generation(); present != cache.generation) {
         cache = FormatCache{present, currentRegionState(), {}, {}, {}, nullptr};
-        useAsDefaultZone(*cache.region);
+        setCheapDefaultZone();
     }
     return cache;
 }

@@ -8,8 +8,8 @@
 /// Day boundaries, comparisons and single fields of dates in one calendar that the whole process shares.
 ///
 /// Zone, locale, first weekday and first week of that calendar are those of the user at the first call and
-/// stay until `reset`, even if the user's zone changes meanwhile. All operations take one recursive lock; any
-/// thread.
+/// stay until `reset`, even if the user's zone changes meanwhile. What uses the calendar does so under one
+/// recursive lock of the process; any thread.
 class MTDates
 {
 public:
@@ -46,8 +46,8 @@ public:
     static bool isBetweenDate(Date date, Date one, Date andDate);
     static bool isWithinSameDay(Date date, Date other);
 
-    /// The date moved by the offset from GMT of `zone` minus that of the shared zone, both taken at `date`: another
-    /// instant, for a wall time that is to be read in another zone. An unknown zone counts as GMT.
+    /// The date moved by the offset from GMT of `zone` minus that of the shared zone, both taken at `date`:
+    /// another instant, for a wall time that is to be read in another zone. An unknown zone counts as GMT.
     static Date inTimeZone(Date date, const QByteArray &zone);
 
     /// A span in words, "1 days, 2 hours after". A month counts as 18144000 seconds here.
