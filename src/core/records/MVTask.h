@@ -116,7 +116,15 @@ public:
 
 private:
     OptionalDate baseDate() const { return isEmailCall() ? dueDate : startDate; }
-    void setStatusAndExpiration(int newStatus);
+    /// Whether the date is missing that an alert or a repetition hangs on; a message says so.
+    bool warnsOfMissingBaseDate(bool needsEnd) const;
+    void prepareStartPicker(DatePickerState &picker) const;
+    void prepareDuePicker(DatePickerState &picker) const;
+    void prepareAlertPicker(DatePickerState &picker) const;
+    void prepareEndRepeatPicker(DatePickerState &picker) const;
+    void makeRow();
+    void writeFields();
+    void changeStatusTo(std::optional<int> newStatus, bool autoSaved);
 
     TaskPtr row;
     bool isNew = false;

@@ -1,0 +1,140 @@
+#include "records/SearchIndex.h"
+
+#include "foundation/Localization.h"
+#include "store/entities/Entities.h"
+#include "store/entities/MainContext.h"
+
+#include <QStringList>
+
+namespace {
+
+template <typename T>
+QString titleOf(const std::shared_ptr<T> &object)
+{
+    return object ? object->title() : QString();
+}
+
+template <typename T>
+void addTitles(QStringList &texts, const std::vector<std::shared_ptr<T>> &objects)
+{
+    for (const auto &object : objects)
+        texts.append(object->title());
+}
+
+void addNames(QStringList &texts, const std::vector<ContactPtr> &contacts)
+{
+    for (const ContactPtr &contact : contacts)
+        texts.append(contact->fullName());
+}
+
+/// Numbers, addresses and links of a contact or a company.
+template <typename Holder>
+void addDetails(QStringList &texts, const Holder &holder)
+{
+    for (const auto &phone : holder.phone())
+        texts.append(phone->number());
+    for (const auto &email : holder.email())
+        texts.append(email->mail());
+    for (const auto &url : holder.url())
+        texts.append(url->url());
+    for (const auto &address : holder.address())
+        texts.append({address->city(), address->country(), address->state(), address->street1(), address->zip()});
+}
+
+QStringList textsOf(const EntityTask &task)
+{
+    const ContactPtr delegate = task.delegateToUser();
+    return {task.details(),
+            task.title(),
+            localized(titleOf(task.category())),
+            titleOf(task.project()),
+            delegate ? delegate->fullName() : QString(),
+            titleOf(task.company()),
+            titleOf(task.location())};
+}
+
+QStringList textsOf(const EntityProject &project)
+{
+    QStringList texts = {project.details(), project.title(), titleOf(project.category())};
+    addTitles(texts, project.task());
+    addNames(texts, project.delegateToUser());
+    return texts;
+}
+
+QStringList textsOf(const EntityContacts &contact)
+{
+    QStringList texts = {contact.fullName()};
+    addTitles(texts, contact.task());
+    texts.append(titleOf(contact.company()));
+    addTitles(texts, contact.project());
+    texts.append(titleOf(contact.contactCategory()));
+    for (const auto &note : contact.note())
+        texts.append({note->detail(), note->title()});
+    addDetails(texts, contact);
+    return texts;
+}
+
+QStringList textsOf(const EntityCompany &company)
+{
+    QStringList texts = {company.title()};
+    addTitles(texts, company.task());
+    addNames(texts, company.contact());
+    addDetails(texts, company);
+    return texts;
+}
+
+QStringList textsOf(const EntityNote &note)
+{
+    const ContactPtr contact = note.contact();
+    return {note.detail(), note.title(), contact ? contact->fullName() : QString()};
+}
+
+QStringList textsOf(const ManagedObject &object)
+{
+    if (const auto *task = dynamic_cast<const EntityTask *>(&object))
+        return textsOf(*task);
+    if (const auto *project = dynamic_cast<const EntityProject *>(&object))
+        return textsOf(*project);
+    if (const auto *contact = dynamic_cast<const EntityContacts *>(&object))
+        return textsOf(*contact);
+    if (const auto *company = dynamic_cast<const EntityCompany *>(&object))
+        return textsOf(*company);
+    if (const auto *note = dynamic_cast<const EntityNote *>(&object))
+        return textsOf(*note);
+    return {};
+}
+
+bool isIndexed(const ManagedObject &object)
+{
+    return object.entity().isFollowedUp();
+}
+
+} // namespace
+
+void SearchIndex::insertEntitySearchIndexString(const QString &string, const QString &atObjectId)
+{
+    if (string.isEmpty())
+        return;
+    const auto row = mainContext().insert<EntitySearchIndex>();
+    row->setString(string);
+    row->setObjectId(atObjectId);
+}
+
+void SearchIndex::addIndexWithObject(const ObjectPtr &object)
+{
+    if (!object || !object->context() || !isIndexed(*object))
+        return;
+    const QString uri = object->uri();
+    for (const QString &text : textsOf(*object))
+        insertEntitySearchIndexString(text, uri);
+}
+
+void SearchIndex::deleteIndexWithObjects(const ObjectPtr &object)
+{
+    if (!object || !isIndexed(*object))
+        return;
+    const QString uri = mainContext().uriOf(*object);
+    const FetchRequest rows = EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
+    for (const auto &row : mainContext().fetch<EntitySearchIndex>(rows))
+        mainContext().deleteObject(row);
+}

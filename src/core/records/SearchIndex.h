@@ -1,0 +1,19 @@
+#pragma once
+
+#include "objectstore/ManagedObject.h"
+
+#include <QString>
+
+/// Keeps the texts by which records are found: a row of the index for each text of a record.
+class SearchIndex
+{
+public:
+    SearchIndex() = delete;
+
+    /// Adds the texts of a task, project, contact, company or note; ignores any other object.
+    static void addIndexWithObject(const ObjectPtr &object);
+    /// Takes out all texts of such a record, also of one that is deleted already.
+    static void deleteIndexWithObjects(const ObjectPtr &object);
+    /// Adds one text; an empty one is left out.
+    static void insertEntitySearchIndexString(const QString &string, const QString &atObjectId);
+};

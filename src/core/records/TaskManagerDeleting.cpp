@@ -1,0 +1,106 @@
+#include "calendarsync/CalendarEvent.h"
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
+#include "foundation/Log.h"
+#include "records/TaskManager.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+
+// Deleting tasks and projects.
+
+namespace {
+
+struct Selection
+{
+    std::vector<TaskPtr> repeating;
+    std::vector<TaskPtr> plain;
+    std::vector<ProjectPtr> projects;
+};
+
+Selection sorted(const std::vector<ObjectPtr> &objects)
+{
+    Selection selection;
+    for (const ObjectPtr &object : objects) {
+        if (const auto task = std::dynamic_pointer_cast<EntityTask>(object))
+            (task->repeat().isEmpty() ? selection.plain : selection.repeating).push_back(task);
+        else if (const auto project = std::dynamic_pointer_cast<EntityProject>(object))
+            selection.projects.push_back(project);
+    }
+    return selection;
+}
+
+bool isDeletionWanted(size_t count)
+{
+    const QString message = count == 1 ? QStringLiteral("Are you sure you want to delete the selected item?")
+                                       : QStringLiteral("Are you sure you want to delete the selected items?");
+    return Alert::run({{},
+                       localized(message),
+                       {},
+                       {localized(QStringLiteral("Delete")), localized(QStringLiteral("Cancel"))}}) ==
+           Alert::firstButton;
+}
+
+/// How far the deletion of repeating tasks reaches; nothing if the user gives it up.
+std::optional<Span> askedSpan(size_t count)
+{
+    const bool isOne = count == 1;
+    const int answer = Alert::run(
+        {{},
+         localized(isOne ? QStringLiteral("This is a repeating task.") : QStringLiteral("This is a repeating tasks.")),
+         {},
+         {localized(isOne ? QStringLiteral("Delete This Task Only") : QStringLiteral("Delete This Tasks Only")),
+          localized(QStringLiteral("Delete All Future Tasks")), localized(QStringLiteral("Cancel"))}});
+    if (answer == Alert::firstButton)
+        return Span::ThisTask;
+    return answer == Alert::secondButton ? std::optional(Span::FutureTasks) : std::nullopt;
+}
+
+void deleteRepeating(const std::vector<TaskPtr> &tasks, Span span)
+{
+    const QString what =
+        span == Span::ThisTask ? QStringLiteral("delete This Task Only") : QStringLiteral("delete All Future Tasks");
+    Log::line(QStringLiteral("Start ") + what);
+    for (const TaskPtr &task : tasks) {
+        CalendarEvent::removeEventCalendarFromTask(task, span, true);
+        NotificationCenter::defaultCenter().post(notifications::reloadTasks, task);
+    }
+    Log::line(QStringLiteral("End ") + what);
+}
+
+void deletePlain(const Selection &selection, const std::function<void()> &block)
+{
+    for (const ProjectPtr &project : selection.projects)
+        mainContext().deleteObject(project);
+    for (const TaskPtr &task : selection.plain)
+        TaskManager::deleteTask(task);
+    DBWorker::saveContext();
+    if (block)
+        block();
+}
+
+} // namespace
+
+void TaskManager::deleteTask(const TaskPtr &task)
+{
+    task->removeNotifications();
+    CalendarEvent::removeEventCalendarFromTask(task, Span::ThisTask, true);
+    NotificationCenter::defaultCenter().post(notifications::reloadTasks, task);
+}
+
+void TaskManager::deleteTasks(const std::vector<ObjectPtr> &tasks, const std::function<void()> &compliteBlock)
+{
+    const Selection selection = sorted(tasks);
+    if (selection.repeating.empty()) {
+        if (isDeletionWanted(selection.plain.size() + selection.projects.size()))
+            deletePlain(selection, compliteBlock);
+        return;
+    }
+    if (CalendarEvent::isAccessChangeRepeatTaskWithMessage(true)) {
+        const std::optional<Span> span = askedSpan(selection.repeating.size());
+        if (!span)
+            return;
+        deleteRepeating(selection.repeating, *span);
+    }
+    deletePlain(selection, compliteBlock);
+}

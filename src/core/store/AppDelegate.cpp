@@ -1,0 +1,153 @@
+#include "store/AppDelegate.h"
+
+#include "calendarsync/CalendarEvent.h"
+#include "cloud/FileManager.h"
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "store/entities/MainContext.h"
+#include "store/entities/Model.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+#include "store/state/SettingsKeys.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+AppDelegate *runningDelegate = nullptr;
+
+constexpr int ownStack = 0;
+constexpr int sampleStack = 1;
+
+const QString &storeFileName(int stack)
+{
+    static const QString names[] = {QStringLiteral("Model0.sqlite"), QStringLiteral("Model11.sqlite")};
+    return names[stack];
+}
+
+} // namespace
+
+ManagedObjectContext &mainContext()
+{
+    return AppDelegate::shared()->managedObjectContext();
+}
+
+AppDelegate::AppDelegate(std::unique_ptr<ShellPort> shellPort) : shell(std::move(shellPort))
+{
+    runningDelegate = this;
+}
+
+AppDelegate::~AppDelegate()
+{
+    observations.clear();
+    badgeTimer.reset();
+    for (auto &context : contexts)
+        context.reset();
+    if (runningDelegate == this)
+        runningDelegate = nullptr;
+}
+
+AppDelegate *AppDelegate::shared()
+{
+    return runningDelegate;
+}
+
+QString AppDelegate::version()
+{
+    return QStringLiteral(MORVANE_VERSION);
+}
+
+// The store.
+
+int AppDelegate::selectedStack()
+{
+    return DBWorker::isSample() ? sampleStack : ownStack;
+}
+
+ManagedObjectContext &AppDelegate::managedObjectContext()
+{
+    const int stack = selectedStack();
+    auto &context = contexts[static_cast<size_t>(stack)];
+    if (!context)
+        context = openStore(storeFileName(stack));
+    return *context;
+}
+
+bool AppDelegate::hasManagedObjectContext() const
+{
+    return contexts[static_cast<size_t>(selectedStack())] != nullptr;
+}
+
+void AppDelegate::resetStack0()
+{
+    contexts[ownStack].reset();
+}
+
+std::unique_ptr<ManagedObjectContext> AppDelegate::openStore(const QString &fileName)
+{
+    FileManager::createAppFolder();
+    const QString path = FileManager::appFolderURL() + u'/' + fileName;
+    auto opened = ManagedObjectContext::open(path, organiserModel());
+    if (!opened)
+        endForStore(path, opened.error());
+    ManagedObjectContext *context = opened->get();
+    context->setMergePolicy(MergePolicy::PropertyObjectTrump);
+    context->setSaveHandler([context](const ChangeList &changes) {
+        NotificationCenter::defaultCenter().post(notifications::contextDidSave, context, changes);
+    });
+    return std::move(*opened);
+}
+
+void AppDelegate::endForStore(const QString &path, const Error &error)
+{
+    Log::line(QStringLiteral("Unresolved error %1, %2").arg(error.message, error.domain));
+    Alert::run({localized(QStringLiteral("Your data cannot be opened")),
+                localized(QStringLiteral("Your data cannot be opened")),
+                error.message + QStringLiteral("\n\n") +
+                    localized(QStringLiteral("The file was left as it is: %1")).arg(path),
+                {localized(QStringLiteral("Quit"))}});
+    std::fflush(nullptr);
+    std::_Exit(EXIT_FAILURE);
+}
+
+// Windows and refresh.
+
+void AppDelegate::startMainWindow()
+{
+    if (shell)
+        shell->showMainWindow();
+}
+
+void AppDelegate::startStartWindow()
+{
+    if (shell)
+        shell->showStartWindow();
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows)
+{
+    if (!hasVisibleWindows && shell)
+        shell->hasMainWindow() ? startMainWindow() : startStartWindow();
+    return true;
+}
+
+void AppDelegate::badgeUpdata()
+{
+    const int count = DBWorker::countStaleTasks();
+    if (shell)
+        shell->setBadgeLabel(count >= 1 ? QString::number(count) : QString());
+}
+
+void AppDelegate::reloadCalendarSetting()
+{
+    CalendarEvent::syncCalendarToAppWithTask(nullptr);
+}
+
+void AppDelegate::userNotificationCenterDidActivateNotification(const QString &taskId)
+{
+    if (const auto task = std::dynamic_pointer_cast<EntityTask>(DBWorker::getObjectFromId(taskId)))
+        NotificationCenter::defaultCenter().post(notifications::clickTableSearch, ObjectPtr(task));
+}

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "foundation/Error.h"
+#include "foundation/MainLoop.h"
+#include "foundation/NotificationCenter.h"
+#include "objectstore/ManagedObjectContext.h"
+#include "store/entities/Entities.h"
+#include "store/state/DataConteiner.h"
+
+#include <QString>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+/// What the root of the program needs of the screens. The shell gives an implementation, tests another.
+class ShellPort
+{
+public:
+    virtual ~ShellPort() = default;
+    /// Shows the main window, making it once; brings it to the front if it is visible.
+    virtual void showMainWindow() = 0;
+    virtual void showStartWindow() = 0;
+    virtual bool hasMainWindow() const = 0;
+    /// Ends an edit in progress; false if it cannot be ended.
+    virtual bool commitEditing() = 0;
+    /// Shows an error; true if it was dealt with.
+    virtual bool presentError(const Error &error) = 0;
+    /// The number beside the program's icon; an empty text for none.
+    virtual void setBadgeLabel(const QString &label) = 0;
+};
+
+/// The root of the running program: owner of the two store stacks and of what the screens share.
+///
+/// The order of calls is that of the program's life: `applicationWillFinishLaunching`, `applicationDidFinishLaunching`,
+/// then `applicationDidBecomeActive` and `applicationDidResignActive` in turn, then `applicationShouldTerminate` and
+/// `applicationWillTerminate`. Main thread only.
+class AppDelegate
+{
+public:
+    explicit AppDelegate(std::unique_ptr<ShellPort> shell = nullptr);
+    ~AppDelegate();
+    AppDelegate(const AppDelegate &) = delete;
+    AppDelegate &operator=(const AppDelegate &) = delete;
+
+    /// The running one, or null.
+    static AppDelegate *shared();
+
+    // Life of the program.
+    void applicationWillFinishLaunching();
+    void applicationDidFinishLaunching();
+    void applicationDidBecomeActive();
+    void applicationDidResignActive();
+    enum class TerminateReply { Cancel = 0, Now = 1 };
+    TerminateReply applicationShouldTerminate();
+    void applicationWillTerminate();
+    bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
+    bool applicationShouldHandleReopen(bool hasVisibleWindows);
+
+    // The store.
+    /// The context of the store in use, made at first need. A store that cannot be opened ends the process.
+    ManagedObjectContext &managedObjectContext();
+    /// Whether the context of the store in use was made already.
+    bool hasManagedObjectContext() const;
+    /// Forgets the stack of the user's own store, so that the next access opens it anew.
+    void resetStack0();
+    DataConteiner &dataConteiner() { return container; }
+    /// The program's version, for example "1.0.0".
+    static QString version();
+
+    // Windows and refresh.
+    void startMainWindow();
+    void startStartWindow();
+    void badgeUpdata();
+    void reloadCalendarSetting();
+
+    // What follows a change of the store.
+    void managedObjectContexLocalChangeData(const ChangeList &changes);
+    void mergeChanges(const ChangeList &imported);
+    void storesPersistentDidChange();
+    void persistentStoreUbiquitousContentNameKey();
+    /// The next save only reorders the Inbox: neither index nor badge follow it.
+    void positionInboxTask();
+
+    // Rows that exist twice.
+    void deleteDuplicateCategoryWith(const CategoryPtr &category);
+    void deleteDuplicateCategoryContactWith(const std::shared_ptr<EntityContactCategory> &category);
+    void deleteDuplicatePhoneTypeWith(const std::shared_ptr<EntityPhoneType> &type);
+    void deleteDuplicateEmailTypeWith(const std::shared_ptr<EntityEmailType> &type);
+    void deleteDuplicateAddressTypeWith(const std::shared_ptr<EntityAddressType> &type);
+    void deleteDuplicateUrlTypeWith(const std::shared_ptr<EntityURLType> &type);
+    void deleteDuplicateTaskTypeWith(const TaskPtr &task);
+
+    // User notifications.
+    bool userNotificationCenterShouldPresentNotification() const { return true; }
+    /// A notification of the program was clicked; `taskId` is the URI of its task.
+    void userNotificationCenterDidActivateNotification(const QString &taskId);
+
+private:
+    static int selectedStack();
+    std::unique_ptr<ManagedObjectContext> openStore(const QString &fileName);
+    [[noreturn]] static void endForStore(const QString &path, const Error &error);
+    void registerObservers();
+    void getAccsesToContact();
+    /// Compares what can be reached with the last activation, says so if the calendars and the records live in different
+    /// places, and tells whether a pass may go ahead.
+    static bool examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud);
+    void removeDuplicatesOf(const ObjectPtr &object);
+    /// Brings the search index up to date with saves whose follow-up a crash cut off.
+    void finishIndexOfUncleanEnd();
+
+    std::unique_ptr<ShellPort> shell;
+    /// The user's own store and the sample store.
+    std::array<std::unique_ptr<ManagedObjectContext>, 2> contexts;
+    DataConteiner container;
+    bool isPositionInbox = false;
+    std::vector<Observation> observations;
+    std::unique_ptr<RepeatingTimer> badgeTimer;
+};

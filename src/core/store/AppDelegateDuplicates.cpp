@@ -1,0 +1,205 @@
+#include "calendarsync/CalendarEvent.h"
+#include "foundation/Log.h"
+#include "records/MVTask.h"
+#include "records/dates/MTDates.h"
+#include "store/AppDelegate.h"
+
+#include <set>
+
+// Rows that exist twice, since two devices made them before they met.
+
+namespace {
+
+/// The children of several rows in one set, for one to-many relationship.
+class UnionOfChildren
+{
+public:
+    explicit UnionOfChildren(std::string relationshipName) : relationship(std::move(relationshipName)) {}
+
+    void add(const ManagedObject &row)
+    {
+        for (const ObjectPtr &child : row.relatedObjects(relationship))
+            children.insert(child);
+    }
+    void giveTo(ManagedObject &survivor) const
+    {
+        survivor.setRelatedObjects(relationship, {children.begin(), children.end()});
+    }
+
+private:
+    std::string relationship;
+    std::set<ObjectPtr> children;
+};
+
+std::int32_t indexOf(const EntityCategory &category)
+{
+    return static_cast<std::int32_t>(category.index().value_or(0));
+}
+
+void keepSmallerIndex(EntityCategory &survivor, const EntityCategory &row, const EntityCategory &other)
+{
+    survivor.setIndex(std::min(indexOf(row), indexOf(other)));
+}
+
+template <typename Entity>
+void keepSmallerIndex(Entity &, const Entity &, const Entity &)
+{
+}
+
+/// Joins the rows of one title into the newest one; on a tie the given row stays.
+template <typename Entity>
+void removeSeededDuplicates(ManagedObjectContext &context, const std::shared_ptr<Entity> &row,
+                            std::initializer_list<const char *> relationships)
+{
+    if (!row)
+        return;
+    std::vector<std::shared_ptr<Entity>> others;
+    for (const auto &one :
+         context.fetch<Entity>(Entity::fetchRequest().where(Predicate::format("title = %@", row->title())))) {
+        if (one && one != row)
+            others.push_back(one);
+    }
+    if (others.empty())
+        return;
+    std::vector<UnionOfChildren> unions(relationships.begin(), relationships.end());
+    const auto addChildren = [&unions](const Entity &from) {
+        for (UnionOfChildren &one : unions)
+            one.add(from);
+    };
+    addChildren(*row);
+    std::shared_ptr<Entity> survivor = row;
+    for (const auto &other : others) {
+        addChildren(*other);
+        // It is always the given row that is compared, never the survivor so far.
+        const bool isRowNewer = !(row->creationDate() < other->creationDate());
+        survivor = isRowNewer ? row : other;
+        keepSmallerIndex(*survivor, *row, *other);
+        context.deleteObject(isRowNewer ? other : row);
+    }
+    for (const UnionOfChildren &one : unions)
+        one.giveTo(*survivor);
+}
+
+/// The day or moment that a task's copies must share.
+struct Bounds
+{
+    Date start = Date::fromUnixSeconds(0);
+    Date end = Date::fromUnixSeconds(0);
+
+    explicit Bounds(OptionalDate date)
+    {
+        if (!date)
+            return;
+        start = MTDates::startOfCurrentDay(*date);
+        end = MTDates::endOfCurrentDay(*date);
+    }
+};
+
+Predicate sameDates(const EntityTask &task)
+{
+    const Bounds start(task.startDate());
+    const Bounds due(task.dueDate());
+    switch (static_cast<TaskType>(task.type().value_or(0))) {
+    case TaskType::Appointment:
+        return Predicate::format("title = %@ && startDate = %@ && dueDate = %@", task.title(), task.startDate(),
+                                 task.dueDate());
+    case TaskType::EmailCall:
+        return Predicate::format("title = %@ && dueDate = %@", task.title(), task.dueDate());
+    default:
+        return Predicate::format(
+            "title = %@ && (%@ <= startDate && startDate <= %@) && (%@ <= dueDate && dueDate <= %@)", task.title(),
+            start.start, start.end, due.start, due.end);
+    }
+}
+
+Predicate duplicatesOf(const EntityTask &task)
+{
+    if (task.calendarID().isNull())
+        return sameDates(task);
+    return Predicate::format("calendarID = %@", task.calendarID()) && sameDates(task);
+}
+
+/// A row without a date of creation loses against every other.
+void giveLateCreationDate(EntityTask &task)
+{
+    if (!task.creationDate())
+        task.setCreationDate(MTDates::dateFromYear(9999, 1, 1));
+}
+
+/// Whether the task itself stays rather than its duplicate: one with a category before one without, then the older one.
+bool staysBefore(const EntityTask &task, EntityTask &duplicate)
+{
+    const bool hasCategory = task.category() != nullptr;
+    if (hasCategory != (duplicate.category() != nullptr))
+        return hasCategory;
+    giveLateCreationDate(duplicate);
+    if (task.creationDate() == duplicate.creationDate())
+        return hasCategory;
+    return *task.creationDate() < *duplicate.creationDate();
+}
+
+void makeCalendarItem(EntityTask &task)
+{
+    const bool isOpen = task.status() != static_cast<int>(TaskStatus::Done);
+    if (task.calendarID().isEmpty() && task.dueDate() && isOpen)
+        CalendarEvent::initEventCalendarFromTask(task, Span::ThisTask, std::nullopt, false);
+}
+
+} // namespace
+
+void AppDelegate::deleteDuplicateCategoryWith(const CategoryPtr &category)
+{
+    removeSeededDuplicates(managedObjectContext(), category, {"task", "project"});
+}
+
+void AppDelegate::deleteDuplicateCategoryContactWith(const std::shared_ptr<EntityContactCategory> &category)
+{
+    removeSeededDuplicates(managedObjectContext(), category, {"contact", "contactGroup"});
+}
+
+void AppDelegate::deleteDuplicatePhoneTypeWith(const std::shared_ptr<EntityPhoneType> &type)
+{
+    removeSeededDuplicates(managedObjectContext(), type, {"phone"});
+}
+
+void AppDelegate::deleteDuplicateEmailTypeWith(const std::shared_ptr<EntityEmailType> &type)
+{
+    removeSeededDuplicates(managedObjectContext(), type, {"email"});
+}
+
+void AppDelegate::deleteDuplicateAddressTypeWith(const std::shared_ptr<EntityAddressType> &type)
+{
+    removeSeededDuplicates(managedObjectContext(), type, {"address"});
+}
+
+void AppDelegate::deleteDuplicateUrlTypeWith(const std::shared_ptr<EntityURLType> &type)
+{
+    removeSeededDuplicates(managedObjectContext(), type, {"url"});
+}
+
+void AppDelegate::deleteDuplicateTaskTypeWith(const TaskPtr &task)
+{
+    if (!task)
+        return;
+    Log::line(QStringLiteral("didImportStore: %1").arg(task->title()));
+    const auto found =
+        managedObjectContext().fetch<EntityTask>(EntityTask::fetchRequest().where(duplicatesOf(*task)));
+    Log::line(QStringLiteral("Dup:%1").arg(found.size()));
+    std::vector<TaskPtr> duplicates;
+    for (const TaskPtr &one : found) {
+        if (one && one != task)
+            duplicates.push_back(one);
+    }
+    if (duplicates.empty())
+        return;
+    giveLateCreationDate(*task);
+    TaskPtr survivor = task;
+    for (const TaskPtr &duplicate : duplicates) {
+        const bool stays = staysBefore(*task, *duplicate);
+        survivor = stays ? task : duplicate;
+        const TaskPtr deleted = stays ? duplicate : task;
+        Log::line(QStringLiteral("deleted: %1").arg(deleted->title()));
+        managedObjectContext().deleteObject(deleted);
+    }
+    makeCalendarItem(*survivor);
+}

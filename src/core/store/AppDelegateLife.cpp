@@ -1,0 +1,181 @@
+#include "calendarsync/CalendarEvent.h"
+#include "cloud/CloudUserDefaults.h"
+#include "cloud/FileManager.h"
+#include "cloud/IcloudManager.h"
+#include "contacts/CNContactStore.h"
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "store/AppDelegate.h"
+#include "store/StartWindowController.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+#include "store/state/SettingsKeys.h"
+#include "usernotifications/UserNotificationCenter.h"
+
+// Launch, activation, resignation, quit.
+
+namespace {
+
+constexpr Seconds badgeInterval{60.0};
+
+const QString yes = QStringLiteral("YES");
+const QString no = QStringLiteral("NO");
+
+const QString &yesOrNo(bool isYes)
+{
+    return isYes ? yes : no;
+}
+
+} // namespace
+
+void AppDelegate::applicationWillFinishLaunching()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.setObject(settings::calendarState, 0);
+    defaults.setObject(settings::selectSortCategoryIndex, -1);
+    defaults.removeObject(settings::calendarLastDate);
+    getAccsesToContact();
+    FileManager::createAppFolder();
+    startMainWindow();
+    isPositionInbox = false;
+    StartWindowController::startValueUserDefaults();
+    const AuthorScope cleaning(managedObjectContext(), ChangeAuthor::Program);
+    for (const CategoryPtr &category : DBWorker::allCategories()) {
+        if (category->context() && !category->isDeleted())
+            deleteDuplicateCategoryWith(category);
+    }
+}
+
+void AppDelegate::getAccsesToContact()
+{
+    const int status = CNContactStore::authorizationStatus();
+    if (status == CNContactStore::NotDetermined || status == CNContactStore::Authorized)
+        return;
+    Alert::run({{},
+                localized(QStringLiteral("To access Contacts change privacy settings on your device")),
+                localized(QStringLiteral("No access to contacts")),
+                {localized(QStringLiteral("OK"))}});
+}
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    CloudUserDefaults::registerForNotifications();
+    FileManager::createFolder(QStringLiteral("Orrelin Images"));
+    badgeUpdata();
+    badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] { badgeUpdata(); });
+    registerObservers();
+    finishIndexOfUncleanEnd();
+}
+
+void AppDelegate::registerObservers()
+{
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    observations.push_back(
+        center.addObserver(notifications::positionInboxTask, [this](const Notification &) { positionInboxTask(); }));
+    observations.push_back(
+        center.addObserver(notifications::preferences, [this](const Notification &) { reloadCalendarSetting(); }));
+    observations.push_back(center.addObserver(notifications::contextDidSave, [this](const Notification &notification) {
+        managedObjectContexLocalChangeData(std::any_cast<const ChangeList &>(notification.userInfo));
+    }));
+    // Changes of the calendars are picked up on activation.
+    observations.push_back(center.addObserver(notifications::eventStoreChanged, [](const Notification &) {}));
+}
+
+void AppDelegate::applicationDidResignActive()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    CalendarEvent::resetMessageForBanChangeRepeat();
+    const bool hasAccess = CalendarEvent::hasAccesToCalendar();
+    defaults.setObject(settings::isAccesToCalendarForDidEnterBackground, yesOrNo(hasAccess));
+    if (!hasAccess) {
+        UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
+        center.setScheduledNotifications({});
+        for (const TaskPtr &task : DBWorker::getAllTasksWithAlert()) {
+            std::vector<UserNotification> notifications = task->newLocalNotification();
+            if (!notifications.empty())
+                center.setScheduledNotifications(std::move(notifications));
+        }
+    }
+    badgeUpdata();
+    DBWorker::saveContext();
+}
+
+bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    const QString former = defaults.string(settings::sumStatuses);
+    const QString sum = QString::number(int(hasCalendar) + int(hasCloud) + int(isCalendarInCloud));
+    defaults.setObject(settings::sumStatuses, sum);
+    if (!hasCalendar || hasCloud == isCalendarInCloud)
+        return true;
+    const QString message =
+        hasCloud ? QStringLiteral("To sync app with Calendar an access to Calendars should be activated in iCloud!")
+                 : QStringLiteral("To sync app with Calendar an access to Morvane should be activated in iCloud!");
+    if (!former.isEmpty() && former != sum) {
+        Log::line(message);
+        Alert::run({{}, {}, localized(message), {localized(QStringLiteral("Continue"))}});
+    }
+    return false;
+}
+
+void AppDelegate::applicationDidBecomeActive()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    CalendarEvent::handleBeforeAllCalendarsSync();
+    const bool hasCloud = IcloudManager::connectIcloud();
+    Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCLOUD").arg(yesOrNo(hasCloud)));
+    const bool hasCalendar = CalendarEvent::hasAccesToAppleCalendar();
+    if (hasCalendar) {
+        CalendarEvent::refreshSourcesIfNecessary();
+        CalendarEvent::handleChangedCalendars();
+    }
+    Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCALENDAR").arg(yesOrNo(hasCalendar)));
+    const bool isCalendarInCloud = CalendarEvent::getSourceType() == 2;
+    Log::line(QStringLiteral("SYNC:%1 - iCLOUD CALENDARS").arg(yesOrNo(isCalendarInCloud)));
+    bool goesAhead = examineAccess(hasCalendar, hasCloud, isCalendarInCloud) && hasCalendar;
+    // The first activation after access was granted runs without the go-ahead.
+    const bool hadNoAccess = defaults.string(settings::isAccessToCalendar) == no;
+    defaults.setObject(settings::isAccessToCalendar, yesOrNo(goesAhead));
+    goesAhead = goesAhead && !hadNoAccess;
+    defaults.setObject(settings::isiCloudCalendars, yesOrNo(isCalendarInCloud));
+    CalendarEvent::tryCreateMessageForBanEditingRepeatTask();
+    if (!goesAhead && version() == QStringLiteral("3.0"))
+        CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(true);
+    CalendarEvent::syncCalendarToAppWithTask(nullptr);
+    DBWorker::saveContext();
+    defaults.setObject(settings::applicationDidBecomeActive, yes);
+    defaults.synchronize();
+}
+
+AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
+{
+    if (!hasManagedObjectContext())
+        return TerminateReply::Now;
+    if (shell && !shell->commitEditing()) {
+        Log::line(QStringLiteral("%1:%2 unable to commit editing to terminate")
+                      .arg(QStringLiteral("AppDelegate"), QStringLiteral("applicationShouldTerminate:")));
+        return TerminateReply::Cancel;
+    }
+    if (!managedObjectContext().hasChanges())
+        return TerminateReply::Now;
+    const OptionalError error = DBWorker::saveContext();
+    if (!error)
+        return TerminateReply::Now;
+    if (shell && shell->presentError(*error))
+        return TerminateReply::Cancel;
+    const int answer = Alert::run(
+        {{},
+         localized(QStringLiteral("Could not save changes while quitting. Quit anyway?")),
+         localized(QStringLiteral(
+             "Quitting now will lose any changes you have made since the last successful save")),
+         {localized(QStringLiteral("Quit anyway")), localized(QStringLiteral("Cancel"))}});
+    return answer == Alert::firstButton ? TerminateReply::Cancel : TerminateReply::Now;
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    DBWorker::saveContext();
+    UserDefaults::standard().synchronize();
+}

@@ -1,0 +1,37 @@
+#include "store/entities/EntityTask.h"
+
+#include "foundation/Clock.h"
+#include "foundation/Region.h"
+#include "store/entities/Entities.h"
+
+MANAGED_TO_ONE_DEFINITION(EntityTask, EntityCategory, category, setCategory)
+MANAGED_TO_ONE_DEFINITION(EntityTask, EntityCompany, company, setCompany)
+MANAGED_TO_ONE_DEFINITION(EntityTask, EntityContacts, delegateToUser, setDelegateToUser)
+MANAGED_TO_ONE_DEFINITION(EntityTask, EntityLocation, location, setLocation)
+MANAGED_TO_ONE_DEFINITION(EntityTask, EntityProject, project, setProject)
+MANAGED_TO_MANY_DEFINITION(EntityTask, EntityTags, tags, setTags)
+
+namespace {
+
+const QString taskIdKey = QStringLiteral("TASK_ID_KEY");
+
+} // namespace
+
+std::vector<UserNotification> EntityTask::newLocalNotification() const
+{
+    std::vector<UserNotification> notifications;
+    for (const OptionalDate &moment : {alert(), secondAlert()}) {
+        if (moment && *moment >= Clock::now())
+            notifications.push_back({QStringLiteral("Morvane"), title(), *moment, Region::zoneIdentifier(), true,
+                                     {{taskIdKey, uri()}}});
+    }
+    return notifications;
+}
+
+void EntityTask::removeNotifications() const
+{
+    UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
+    std::vector<UserNotification> kept = center.scheduledNotifications();
+    std::erase_if(kept, [this](const UserNotification &one) { return one.userInfo.value(taskIdKey) == uri(); });
+    center.setScheduledNotifications(std::move(kept));
+}

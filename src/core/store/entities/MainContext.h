@@ -1,0 +1,6 @@
+#pragma once
+
+#include "objectstore/ManagedObjectContext.h"
+
+/// The context of the store in use, which all records live in.
+ManagedObjectContext &mainContext();

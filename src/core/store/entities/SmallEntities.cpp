@@ -1,0 +1,9 @@
+#include "store/entities/SmallEntities.h"
+
+#include "store/entities/Entities.h"
+
+MANAGED_TO_MANY_DEFINITION(EntityTags, EntityTask, task, setTask)
+
+MANAGED_TO_MANY_DEFINITION(EntityLocation, EntityTask, task, setTask)
+
+MANAGED_TO_ONE_DEFINITION(EntityNote, EntityContacts, contact, setContact)

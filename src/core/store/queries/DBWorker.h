@@ -1,0 +1,150 @@
+#pragma once
+
+#include "foundation/Error.h"
+#include "objectstore/ObjectList.h"
+#include "objectstore/Predicate.h"
+#include "objectstore/SortDescriptor.h"
+#include "store/entities/Entities.h"
+#include "store/queries/TaskRows.h"
+
+#include <QVariantMap>
+
+#include <set>
+
+/// The saved filter of one list, as it stands in the defaults.
+using FilterEntry = QVariantMap;
+
+/// By what a task list is grouped. Any other number gives an empty list.
+enum class Grouping { None = -1, Category = 0, Project = 1, Priority = 2 };
+
+/// The two numbers beside a sidebar row; the left one counts what is overdue.
+struct Badge
+{
+    int left = 0;
+    int right = 0;
+    bool operator==(const Badge &) const = default;
+};
+
+/// The badges of the task rows of the sidebar.
+struct TaskBadges
+{
+    Badge inbox, today, scheduled, someday, categories, delegated, notDone, done;
+    bool operator==(const TaskBadges &) const = default;
+};
+
+/// The query layer: every list on the screen is one of its fetches. Stateless; main thread only.
+///
+/// Lists of tasks leave out what lies on calendars that the user cannot see, except in the sample store. A fetch that
+/// fails is an empty list, with a line in the log.
+class DBWorker
+{
+public:
+    DBWorker() = delete;
+
+    // The store.
+    /// Whether the sample store is in use. Writes "0" where the setting is absent.
+    static bool isSample();
+    /// Saves the main context: the only way the program saves. Gives the error of the save, or nothing.
+    static OptionalError saveContext();
+    /// The permanent URI of an object, or an empty text for null.
+    static QString getIdFromObject(const ObjectPtr &object);
+    /// The object of a URI, or null if there is none (any more).
+    static ObjectPtr getObjectFromId(const QString &uri);
+
+    // Task lists. A filter may be null.
+    static TaskList allInboxTasks(const FilterEntry *filter = nullptr);
+    static TaskList allTodayTasks(const FilterEntry *filter = nullptr);
+    static TaskList allScheduledTasks(const FilterEntry *filter = nullptr);
+    static TaskList allSomedayTasks(const FilterEntry *filter = nullptr);
+    static TaskList allNotDoneTasks(const FilterEntry *filter = nullptr);
+    /// Done tasks by the day on which they were done, the oldest day first; nothing at all if there are none.
+    static std::optional<TaskRows> allDoneTasks();
+    /// All open tasks under the contact they are delegated to, those without one last.
+    static TaskRows allTasksWithDelegates();
+
+    // Grouped task lists.
+    static TaskRows allTodayTasksGrouped(Grouping grouping);
+    static TaskRows allScheduledTasksGrouped(Grouping grouping);
+    static TaskRows allSomedayTasksGrouped(Grouping grouping);
+    static TaskRows allNotDoneTasksGrouped(Grouping grouping);
+    static TaskRows allDoneTasksGrouped(Grouping grouping);
+
+    // Other fetches of tasks.
+    static TaskList allTasks();
+    static TaskList getAllTasks();
+    static TaskList allDoneTasksNoGroup();
+    static TaskList allTasksWithDelegatesNoGroup();
+    static TaskList allTasksWithCategoryNoGroup();
+    static TaskList getTasksWithoutCategories();
+    static TaskList tasksHaveReminder();
+    static TaskList getAllTasksWithAlert();
+    static TaskPtr getFirstTaskByTitle(const QString &title);
+    static TaskList getSampleNotDoneTask();
+    static TaskList getAllTaskWithType(int type, Date atDay, bool includeDoneTasks);
+    static TaskList allDelayTasks();
+
+    // Other entities.
+    enum CategoryKind { WithTasks = 0, WithoutTasks = 1, EveryKind = -1 };
+    static std::vector<CategoryPtr> allCategories(int kind = EveryKind);
+    static ObjectList<EntityContactCategory> allContactCategories(int kind = EveryKind);
+    static bool categoryExists(const QString &title);
+    static std::vector<ContactPtr> allDelegateds(const FilterEntry *filter = nullptr);
+    static ObjectList<EntityContacts> selectContactsWithPredicates(const std::vector<Predicate> &predicates);
+    static ObjectList<EntityContactGroup> allContactPrivateGroup();
+    static ObjectList<EntityContactGroup> allContactPrivateList();
+    static ObjectList<EntityContacts> allContactWithImageName(const QString &name);
+    static ObjectList<EntityCompany> allCompany();
+    static ObjectList<EntityNote> allNote();
+    static ObjectList<EntityLocation> allLocations();
+    static ObjectList<EntityProject> allProjects();
+    static ObjectList<EntityURLType> allURLType();
+    static ObjectList<EntityPhoneType> allPhoneType();
+    static ObjectList<EntityAddressType> allAddressType();
+    static ObjectList<EntityEmailType> allEmailType();
+    static ObjectListBase allEntityWithName(const std::string &entity, const std::string &sort);
+    static std::vector<ProjectPtr> allProjectsSortDueDate(const FilterEntry *filter = nullptr);
+    /// The index rows whose text contains a text, case and diacritics ignored.
+    static ObjectList<EntitySearchIndex> searchEntityWithString(const QString &text);
+    /// Nothing for an empty entity name.
+    static std::optional<ObjectListBase> getAllObjectsOFEntity(const std::string &entity,
+                                                               const SortDescriptors &usingSortDescriptors,
+                                                               const std::vector<Predicate> &andPredicates);
+
+    // Writers.
+    /// The location of that title; a new one with these coordinates only if there is none yet.
+    static std::shared_ptr<EntityLocation> saveLocation(const QString &title, double latitude, double longitude);
+    /// Deletes all index rows and saves.
+    static void allSearchObjRemove();
+
+    // The order of the Inbox.
+    static int maxPositionTaskInbox();
+    /// Moves the tasks at some rows of the list on the screen to the place of the task at `toIndex` (one past the end
+    /// means the last), renumbers the whole Inbox from 1, and saves.
+    static void newPositionInboxTask(const std::set<int> &rows, int toIndex, const std::vector<TaskPtr> &currentTasks);
+
+    // Counts.
+    /// The number on the badge of the program: open tasks whose moment (a ToDo's day) has passed.
+    static int countStaleTasks();
+    /// All badges of the sidebar's task rows.
+    static TaskBadges taskBadges();
+
+    /// Takes out the tasks on calendars that the user cannot see.
+    static std::vector<TaskPtr> hideNotAccessTasksFromArray(std::vector<TaskPtr> tasks);
+
+    // Orders. Each leaves what it calls equal in the order in which it came.
+    static std::vector<TaskPtr> sortToday(std::vector<TaskPtr> tasks);
+    static std::vector<TaskPtr> dueDateArrayComparator(std::vector<TaskPtr> tasks);
+    static std::vector<TaskPtr> sortNotDone(std::vector<TaskPtr> tasks);
+    static std::vector<TaskPtr> dueDateWithSomedayArrayComparator(std::vector<TaskPtr> tasks);
+    static std::vector<TaskPtr> sortScheduled(std::vector<TaskPtr> tasks);
+    static std::vector<ProjectPtr> sortProjects(std::vector<ProjectPtr> projects);
+    static std::vector<ContactPtr> sortContacta(std::vector<ContactPtr> contacts);
+
+    // Saved filters.
+    /// The conditions that an entry puts on a task; none for null or an entry that is off.
+    static std::vector<Predicate> predicateTasks(const FilterEntry *filter);
+    static std::vector<Predicate> predicateProjects(const FilterEntry *filter);
+    static std::vector<Predicate> predicateContacts(const FilterEntry *filter);
+    /// The place of the first dictionary whose "Key" is the given one, or -1.
+    static int indexObject(const QString &key, const QVariantList &array);
+};

@@ -1,0 +1,198 @@
+#include "foundation/Localization.h"
+#include "foundation/TextFolding.h"
+#include "store/queries/DBWorker.h"
+#include "store/queries/ListDefinitions.h"
+
+// Fetches and writes of everything that is not a list of tasks.
+
+namespace {
+
+ManagedObjectContext &context()
+{
+    return tasklists::context();
+}
+
+template <typename T>
+ObjectList<T> allBy(const char *key)
+{
+    return context().fetch<T>(T::fetchRequest().sortedBy({ascending(key)}));
+}
+
+/// Seeded categories go by the word that is shown for them, those of the user by their own.
+QString shownTitle(const EntityCategory &category)
+{
+    constexpr int firstOwnIndex = 6;
+    return category.index().value_or(0) < firstOwnIndex ? localized(category.title()) : category.title();
+}
+
+template <typename T>
+std::vector<std::shared_ptr<T>> loaded(const ObjectList<T> &list)
+{
+    std::vector<std::shared_ptr<T>> objects;
+    for (auto object : list) {
+        if (object)
+            objects.push_back(std::move(object));
+    }
+    return objects;
+}
+
+} // namespace
+
+std::vector<CategoryPtr> DBWorker::allCategories(int kind)
+{
+    FetchRequest request = EntityCategory::fetchRequest();
+    if (kind == WithTasks)
+        request.where(Predicate::format("task != nil"));
+    else if (kind == WithoutTasks)
+        request.where(Predicate::format("task == nil"));
+    std::vector<std::pair<QString, CategoryPtr>> titled;
+    for (CategoryPtr &category : loaded(context().fetch<EntityCategory>(request)))
+        titled.emplace_back(shownTitle(*category), std::move(category));
+    std::stable_sort(titled.begin(), titled.end(), [](const auto &one, const auto &other) {
+        return caseInsensitiveCompare(one.first, other.first) < 0;
+    });
+    std::vector<CategoryPtr> categories;
+    for (auto &[title, category] : titled)
+        categories.push_back(std::move(category));
+    return categories;
+}
+
+ObjectList<EntityContactCategory> DBWorker::allContactCategories(int kind)
+{
+    // Contact categories know no tasks, so that nothing but all of them can be asked for.
+    if (kind != EveryKind)
+        return {};
+    return allBy<EntityContactCategory>("title");
+}
+
+bool DBWorker::categoryExists(const QString &title)
+{
+    return context().count(EntityCategory::fetchRequest().where(Predicate::format("title = %@", title))) != 0;
+}
+
+std::vector<ContactPtr> DBWorker::allDelegateds(const FilterEntry *filter)
+{
+    return sortContacta(loaded(context().fetch<EntityContacts>(
+        EntityContacts::fetchRequest().where(Predicate::allOf(predicateContacts(filter))))));
+}
+
+ObjectList<EntityContacts> DBWorker::selectContactsWithPredicates(const std::vector<Predicate> &predicates)
+{
+    return context().fetch<EntityContacts>(
+        EntityContacts::fetchRequest().where(Predicate::allOf(predicates)).sortedBy({ascending("firstName")}));
+}
+
+ObjectList<EntityContactGroup> DBWorker::allContactPrivateGroup()
+{
+    return context().fetch<EntityContactGroup>(
+        EntityContactGroup::fetchRequest()
+            .where(Predicate::format("useGeneralFilter != nil && useGeneralFilter == false"))
+            .sortedBy({ascending("title")}));
+}
+
+ObjectList<EntityContactGroup> DBWorker::allContactPrivateList()
+{
+    return context().fetch<EntityContactGroup>(
+        EntityContactGroup::fetchRequest()
+            .where(Predicate::format("useGeneralFilter == nil || useGeneralFilter == true"))
+            .sortedBy({ascending("title")}));
+}
+
+ObjectList<EntityContacts> DBWorker::allContactWithImageName(const QString &name)
+{
+    return context().fetch<EntityContacts>(
+        EntityContacts::fetchRequest().where(Predicate::format("photoName = %@", name)));
+}
+
+ObjectList<EntityCompany> DBWorker::allCompany()
+{
+    return allBy<EntityCompany>("title");
+}
+
+ObjectList<EntityNote> DBWorker::allNote()
+{
+    return allBy<EntityNote>("title");
+}
+
+ObjectList<EntityLocation> DBWorker::allLocations()
+{
+    return allBy<EntityLocation>("title");
+}
+
+ObjectList<EntityProject> DBWorker::allProjects()
+{
+    return allBy<EntityProject>("title");
+}
+
+ObjectList<EntityURLType> DBWorker::allURLType()
+{
+    return allBy<EntityURLType>("index");
+}
+
+ObjectList<EntityPhoneType> DBWorker::allPhoneType()
+{
+    return allBy<EntityPhoneType>("index");
+}
+
+ObjectList<EntityAddressType> DBWorker::allAddressType()
+{
+    return allBy<EntityAddressType>("index");
+}
+
+ObjectList<EntityEmailType> DBWorker::allEmailType()
+{
+    return allBy<EntityEmailType>("index");
+}
+
+ObjectListBase DBWorker::allEntityWithName(const std::string &entity, const std::string &sort)
+{
+    return context().fetchObjects(FetchRequest(entity).sortedBy({ascending(sort)}));
+}
+
+std::vector<ProjectPtr> DBWorker::allProjectsSortDueDate(const FilterEntry *filter)
+{
+    return sortProjects(loaded(context().fetch<EntityProject>(
+        EntityProject::fetchRequest()
+            .where(Predicate::allOf(predicateProjects(filter)))
+            .sortedBy({ascending("expirationDate"), descending("dueDate"), ascending("title")}))));
+}
+
+ObjectList<EntitySearchIndex> DBWorker::searchEntityWithString(const QString &text)
+{
+    return context().fetch<EntitySearchIndex>(
+        EntitySearchIndex::fetchRequest().where(Predicate::format("string CONTAINS[cd] %@", text)));
+}
+
+std::optional<ObjectListBase> DBWorker::getAllObjectsOFEntity(const std::string &entity,
+                                                              const SortDescriptors &usingSortDescriptors,
+                                                              const std::vector<Predicate> &andPredicates)
+{
+    if (entity.empty())
+        return std::nullopt;
+    std::vector<Predicate> all = andPredicates;
+    if (entity == EntityTask::entityName)
+        all.push_back(tasklists::visibleTasks());
+    return context().fetchObjects(
+        FetchRequest(entity).where(Predicate::allOf(all)).sortedBy(usingSortDescriptors));
+}
+
+std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, double latitude, double longitude)
+{
+    auto location = context().fetchFirst<EntityLocation>(
+        EntityLocation::fetchRequest().where(Predicate::format("title = %@", title)));
+    if (location)
+        return location;
+    location = context().insert<EntityLocation>();
+    location->setTitle(title);
+    location->setLatitude(latitude);
+    location->setLongitude(longitude);
+    saveContext();
+    return location;
+}
+
+void DBWorker::allSearchObjRemove()
+{
+    for (const auto &row : context().fetch<EntitySearchIndex>(EntitySearchIndex::fetchRequest()))
+        context().deleteObject(row);
+    saveContext();
+}

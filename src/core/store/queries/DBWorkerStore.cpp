@@ -1,0 +1,62 @@
+#include "calendarsync/CalendarEvent.h"
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "store/AppDelegate.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/SettingsKeys.h"
+
+#include <unordered_set>
+
+// The store behind the queries.
+
+bool DBWorker::isSample()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    if (!defaults.contains(settings::valueSwitchDatabase)) {
+        defaults.setObject(settings::valueSwitchDatabase, QStringLiteral("0"));
+        defaults.synchronize();
+    }
+    return defaults.integer(settings::valueSwitchDatabase) == 1;
+}
+
+OptionalError DBWorker::saveContext()
+{
+    AppDelegate *delegate = AppDelegate::shared();
+    if (!delegate)
+        return std::nullopt;
+    ManagedObjectContext &context = delegate->managedObjectContext();
+    if (!context.hasChanges())
+        return std::nullopt;
+    auto error = context.save();
+    if (error) {
+        Log::line(QStringLiteral("Unresolved error %1, %2").arg(error->message, error->domain));
+        // Rows changed elsewhere are merged while they are written, so that no conflict is ever left over.
+        Log::line(QStringLiteral("conflict array: %1").arg(QStringLiteral("()")));
+    }
+    return error;
+}
+
+QString DBWorker::getIdFromObject(const ObjectPtr &object)
+{
+    return object ? object->uri() : QString();
+}
+
+ObjectPtr DBWorker::getObjectFromId(const QString &uri)
+{
+    AppDelegate *delegate = AppDelegate::shared();
+    return delegate ? delegate->managedObjectContext().objectForUri(uri) : nullptr;
+}
+
+std::vector<TaskPtr> DBWorker::hideNotAccessTasksFromArray(std::vector<TaskPtr> tasks)
+{
+    if (isSample())
+        return tasks;
+    std::unordered_set<QString> references;
+    for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
+        references.insert(CalendarEvent::identifierOfCalendar(calendar));
+    std::erase_if(tasks, [&references](const TaskPtr &task) {
+        const QString reference = task->typeCalendarID();
+        return !reference.isEmpty() && references.count(reference) == 0;
+    });
+    return tasks;
+}

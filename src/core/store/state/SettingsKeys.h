@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+/// The keys of the user defaults.
+namespace settings {
+
+// Store and start.
+inline const QString valueSwitchDatabase = QStringLiteral("valueSwitchDatabase");
+inline const QString firstRun = QStringLiteral("FirstRun");
+inline const QString ubiquityIdentityToken = QStringLiteral("UbiquityIdentityToken");
+
+// Screens.
+inline const QString taskFilters = QStringLiteral("TaskFilters");
+inline const QString projectsFilters = QStringLiteral("ProjectsFilters");
+inline const QString contactsFilters = QStringLiteral("ContactsFilters");
+inline const QString taskGrouped = QStringLiteral("TaskGrouped");
+inline const QString calendarState = QStringLiteral("CalendarState");
+inline const QString calendarLastDate = QStringLiteral("CalendarLastDate");
+inline const QString selectSortCategoryIndex = QStringLiteral("SelectSortCategoryIndex");
+inline const QString needPopToRootDetailHome = QStringLiteral("needPopToRootDetailHome");
+inline const QString contactDisplayOrder = QStringLiteral("ContactDisplayOrder");
+
+// Calendar.
+inline const QString syncPeriodType = QStringLiteral("SyncPeriodType");
+inline const QString frequencyCalendarPeriod = QStringLiteral("FrequencyCalendarPeriod");
+inline const QString ownCalendarIdentifier = QStringLiteral("orrelin_calendar_identifier2");
+inline const QString defaultCalendar = QStringLiteral("defaultCalendar");
+inline const QString savedChooseCalendars = QStringLiteral("savedChooseCalendars");
+inline const QString dictionaryCalendarsData = QStringLiteral("dictionaryCalendarsData");
+inline const QString handleBeforeAllCalendarsSync = QStringLiteral("handleBeforeAllCalendarsSync");
+inline const QString statusRequestAccessToCalendar = QStringLiteral("statusRequestAccessToCalendar");
+inline const QString nowAccessToAppleCalendar = QStringLiteral("nowAccessToAppleCalendar");
+
+// What the last activation and resignation found.
+inline const QString sumStatuses = QStringLiteral("sumStatuses");
+inline const QString isAccessToCalendar = QStringLiteral("isAccessToCalendar");
+inline const QString isiCloudCalendars = QStringLiteral("isiCloudCalendars");
+inline const QString isAccesToCalendarForDidEnterBackground =
+    QStringLiteral("isAccesToCalendarForDidEnterBackground");
+inline const QString applicationDidBecomeActive = QStringLiteral("applicationDidBecomeActive");
+
+} // namespace settings

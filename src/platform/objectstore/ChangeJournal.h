@@ -1,0 +1,62 @@
+#pragma once
+
+#include "objectstore/ManagedObjectModel.h"
+#include "objectstore/Sqlite.h"
+
+#include <memory>
+#include <vector>
+
+struct sqlite3_session;
+struct sqlite3_changeset_iter;
+
+/// Which way along the saves of the user.
+enum class ChangeJournalDirection { Undo, Redo };
+
+/// One row that an undo or a redo changed.
+struct AppliedChange
+{
+    enum class Kind { Inserted, Updated, Deleted };
+    const EntityDescription *entity;
+    QString identifier;
+    Kind kind;
+};
+
+/// The changesets of the user's saves, kept in the store: what undo and redo work from.
+///
+/// An SQLite session captures the net change of each transaction. At most `maximumEntries` saves of the last `maximumAge`
+/// are kept. Entries that were undone are dropped by the next save of the user.
+class ChangeJournal
+{
+public:
+    using Direction = ChangeJournalDirection;
+    static constexpr qint64 maximumEntries = 1000;
+    static constexpr Seconds maximumAge = std::chrono::days(90);
+
+    ChangeJournal(sqlite::Database &connection, const ManagedObjectModel &model);
+    ~ChangeJournal();
+    ChangeJournal(const ChangeJournal &) = delete;
+    ChangeJournal &operator=(const ChangeJournal &) = delete;
+
+    /// Watches the transaction that was just begun.
+    void startCapture();
+    void stopCapture();
+    /// Adds what was captured as an entry, inside the transaction. A capture without a net change adds none.
+    OptionalError record();
+
+    bool hasEntry(Direction direction);
+    /// Applies the newest entry backwards, or the oldest undone one forwards, inside the open transaction, and marks it. A
+    /// field whose value is no longer the one that the entry left is not touched.
+    Result<std::vector<AppliedChange>> apply(Direction direction);
+
+private:
+    struct SessionDeleter
+    {
+        void operator()(sqlite3_session *session) const;
+    };
+    int isCaptured(const char *table) const;
+    QByteArray capturedChangeset();
+
+    sqlite::Database &database;
+    const ManagedObjectModel &objectModel;
+    std::unique_ptr<sqlite3_session, SessionDeleter> session;
+};

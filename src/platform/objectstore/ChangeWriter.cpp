@@ -1,0 +1,162 @@
+#include "objectstore/ChangeWriter.h"
+
+namespace {
+
+QByteArray quoted(std::string_view name)
+{
+    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
+}
+
+} // namespace
+
+bool ChangeWriter::write()
+{
+    std::vector<ObjectPtr> deletions;
+    // A deletion can change or delete further objects, which then wait behind it.
+    while (!context.waiting.empty()) {
+        const std::vector<ObjectPtr> batch = std::exchange(context.waiting, {});
+        const size_t firstDeletion = deletions.size();
+        for (const ObjectPtr &object : batch) {
+            object->isWaitingForWrite = false;
+            if (object->isDeleted())
+                deletions.push_back(object);
+            else if (!writeObject(*object))
+                return false;
+        }
+        for (size_t place = firstDeletion; place < deletions.size(); ++place)
+            applyDeleteRules(*deletions[place]);
+    }
+    return std::all_of(deletions.begin(), deletions.end(), [this](const ObjectPtr &one) { return deleteRow(*one); });
+}
+
+bool ChangeWriter::writeObject(ManagedObject &object)
+{
+    const bool isNewRow = object.isInserted() && !object.isRowWritten;
+    if (!(isNewRow ? insertRow(object) : updateRow(object)))
+        return false;
+    object.changedSinceWrite.reset();
+    return writeJoins(object);
+}
+
+RowId ChangeWriter::nextRow(const EntityDescription &entity)
+{
+    auto &population = context.population(entity);
+    const RowId greatest = context.database->queryInteger("SELECT MAX(rowid) FROM " + quoted(entity.name()));
+    population.lastRow = std::max(population.lastRow, greatest) + 1;
+    return population.lastRow;
+}
+
+const QByteArray &ChangeWriter::insertSql(const EntityDescription &entity)
+{
+    QByteArray &sql = context.insertStatements[&entity];
+    if (!sql.isEmpty())
+        return sql;
+    QByteArray names = "rowid, \"id\"";
+    QByteArray places = "?, ?";
+    for (int column = 0; column < entity.columnCount(); ++column) {
+        names += ", " + quoted(entity.columnName(column));
+        places += ", ?";
+    }
+    sql = "INSERT INTO " + quoted(entity.name()) + " (" + names + ") VALUES (" + places + ')';
+    return sql;
+}
+
+bool ChangeWriter::insertRow(ManagedObject &object)
+{
+    const EntityDescription &entity = object.entity();
+    auto &population = context.population(entity);
+    population.byRow.erase(object.row);
+    object.row = nextRow(entity);
+    sqlite::Statement statement = context.database->prepare(insertSql(entity));
+    statement.bind(object.row).bind(object.id).bind(object.values);
+    if (!statement.run())
+        return false;
+    population.byRow[object.row] = &object;
+    object.isRowWritten = true;
+    return true;
+}
+
+QByteArray ChangeWriter::updateSql(const EntityDescription &entity, const ManagedObject::ColumnSet &columns)
+{
+    QByteArray assignments;
+    for (int column = 0; column < entity.columnCount(); ++column) {
+        if (columns.test(static_cast<size_t>(column)))
+            assignments += (assignments.isEmpty() ? "" : ", ") + quoted(entity.columnName(column)) + " = ?";
+    }
+    return "UPDATE " + quoted(entity.name()) + " SET " + assignments + " WHERE \"id\" = ?";
+}
+
+bool ChangeWriter::updateRow(ManagedObject &object)
+{
+    ManagedObject::ColumnSet columns = object.changedSinceWrite;
+    if (columns.none())
+        return true;
+    const EntityDescription &entity = object.entity();
+    if (context.mergePolicy == MergePolicy::Overwrite && object.isLoaded) {
+        for (int column = 0; column < entity.columnCount(); ++column)
+            columns.set(static_cast<size_t>(column));
+    }
+    sqlite::Statement statement = context.database->prepare(updateSql(entity, columns));
+    for (size_t column = 0; column < object.values.size(); ++column) {
+        if (columns.test(column))
+            statement.bind(object.values[column]);
+    }
+    if (!statement.bind(object.id).run())
+        return false;
+    // Deleted elsewhere while it was changed here: what is in memory wins, and the row comes back.
+    return context.database->changes() > 0 || insertRow(object);
+}
+
+bool ChangeWriter::writeJoins(ManagedObject &object)
+{
+    for (auto &changes : object.joinChanges) {
+        if (changes.isWritten)
+            continue;
+        const QByteArray table = context.objectModel.joinTable(object.entity(), *changes.relationship).table;
+        sqlite::Statement insertion =
+            context.database->prepare("INSERT OR IGNORE INTO \"" + table + "\" (source, target) VALUES (?, ?)");
+        for (const QString &target : changes.added) {
+            insertion.reset();
+            if (!insertion.bind(object.id).bind(target).run())
+                return false;
+        }
+        sqlite::Statement removal =
+            context.database->prepare("DELETE FROM \"" + table + "\" WHERE source = ? AND target = ?");
+        for (const QString &target : changes.removed) {
+            removal.reset();
+            if (!removal.bind(object.id).bind(target).run())
+                return false;
+        }
+        changes.isWritten = true;
+    }
+    return true;
+}
+
+void ChangeWriter::applyDeleteRules(const ManagedObject &object)
+{
+    for (const RelationshipDescription &relationship : object.entity().relationships()) {
+        if (relationship.cardinality == Cardinality::ToMany ||
+            relationship.cardinality == Cardinality::ToManyThroughJoin)
+            releaseHolders(object, relationship);
+    }
+}
+
+/// Objects that name the deleted one lose it, or go with it.
+void ChangeWriter::releaseHolders(const ManagedObject &object, const RelationshipDescription &relationship)
+{
+    for (const ObjectPtr &holder : context.relatedObjects(object, relationship)) {
+        if (relationship.deleteRule == DeleteRule::Cascade)
+            context.deleteObject(holder);
+        else if (relationship.cardinality == Cardinality::ToMany)
+            holder->setValue(holder->entity().columnOf(relationship.inverse), Value());
+        else
+            holder->changeJoin(holder->requireRelationship(relationship.inverse), object.id, false);
+    }
+}
+
+bool ChangeWriter::deleteRow(const ManagedObject &object)
+{
+    sqlite::Statement statement =
+        context.database->prepare("DELETE FROM " + quoted(object.entity().name()) + " WHERE \"id\" = ?");
+    return statement.bind(object.id).run();
+}

@@ -1,0 +1,216 @@
+#include "objectstore/ChangesetApplier.h"
+
+#include <sqlite3.h>
+
+#include <memory>
+
+namespace {
+
+struct IteratorEnd
+{
+    void operator()(sqlite3_changeset_iter *iterator) const { sqlite3changeset_finalize(iterator); }
+};
+
+struct SqliteFree
+{
+    void operator()(void *memory) const { sqlite3_free(memory); }
+};
+
+QByteArray quoted(const QByteArray &name)
+{
+    return '"' + name + '"';
+}
+
+sqlite3_value *newValue(sqlite3_changeset_iter *iterator, int column)
+{
+    sqlite3_value *value = nullptr;
+    sqlite3changeset_new(iterator, column, &value);
+    return value;
+}
+
+sqlite3_value *oldValue(sqlite3_changeset_iter *iterator, int column)
+{
+    sqlite3_value *value = nullptr;
+    sqlite3changeset_old(iterator, column, &value);
+    return value;
+}
+
+QString textOf(sqlite3_value *value)
+{
+    return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_value_text(value)), sqlite3_value_bytes(value));
+}
+
+} // namespace
+
+const std::vector<QByteArray> &ChangesetApplier::columnsOf(const QByteArray &table)
+{
+    std::vector<QByteArray> &columns = tableColumns[table.toStdString()];
+    if (columns.empty()) {
+        sqlite::Statement statement = database.prepare("PRAGMA table_info(" + quoted(table) + ")");
+        while (statement.step())
+            columns.push_back(statement.text(1).toUtf8());
+    }
+    return columns;
+}
+
+Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &changeset, bool isInverted)
+{
+    const Error failure{QStringLiteral("journal"), 0, QStringLiteral("The undo journal cannot be read")};
+    int size = static_cast<int>(changeset.size());
+    void *bytes = nullptr;
+    if (isInverted && sqlite3changeset_invert(size, changeset.constData(), &size, &bytes) != SQLITE_OK)
+        return failure;
+    const std::unique_ptr<void, SqliteFree> inverted(bytes);
+    sqlite3_changeset_iter *opened = nullptr;
+    void *source = isInverted ? bytes : const_cast<char *>(changeset.constData());
+    if (sqlite3changeset_start(&opened, size, source) != SQLITE_OK)
+        return failure;
+    const std::unique_ptr<sqlite3_changeset_iter, IteratorEnd> iterator(opened);
+    while (sqlite3changeset_next(opened) == SQLITE_ROW) {
+        Operation operation;
+        operation.iterator = opened;
+        const char *table = nullptr;
+        int isIndirect = 0;
+        sqlite3changeset_op(opened, &table, &operation.columnCount, &operation.kind, &isIndirect);
+        operation.table = table;
+        touchedTables.insert(table);
+        if (!applyOperation(operation))
+            return database.lastError(QStringLiteral("Cannot change %1").arg(QString::fromUtf8(operation.table)));
+    }
+    if (!clearDanglingReferences() || !writeFollowUps())
+        return database.lastError(QStringLiteral("Cannot finish the change"));
+    return applied;
+}
+
+bool ChangesetApplier::applyOperation(const Operation &operation)
+{
+    switch (operation.kind) {
+    case SQLITE_INSERT:
+        return applyInsert(operation);
+    case SQLITE_DELETE:
+        return applyDelete(operation);
+    default:
+        return applyUpdate(operation);
+    }
+}
+
+void ChangesetApplier::note(const Operation &operation, bool hasNewKey, AppliedChange::Kind kind)
+{
+    const std::string table = operation.table.toStdString();
+    const std::string owner = table.substr(0, table.find('_'));
+    const QString id = textOf(hasNewKey ? newValue(operation.iterator, 0) : oldValue(operation.iterator, 0));
+    // A pair of a many-to-many relationship is a change of the object that owns it.
+    if (const auto *entity = objectModel.entity(owner))
+        applied.push_back({entity, id, owner == table ? kind : AppliedChange::Kind::Updated});
+}
+
+bool ChangesetApplier::applyInsert(const Operation &operation)
+{
+    const auto &columns = columnsOf(operation.table);
+    QByteArray names;
+    QByteArray places;
+    for (int column = 0; column < operation.columnCount; ++column) {
+        names += (column ? ", " : "") + quoted(columns[static_cast<size_t>(column)]);
+        places += column ? ", ?" : "?";
+    }
+    sqlite::Statement statement = database.prepare("INSERT OR IGNORE INTO " + quoted(operation.table) + " (" + names +
+                                                   ") VALUES (" + places + ')');
+    for (int column = 0; column < operation.columnCount; ++column)
+        statement.bindRaw(newValue(operation.iterator, column));
+    if (!statement.run())
+        return false;
+    if (database.changes() > 0)
+        note(operation, true, AppliedChange::Kind::Inserted);
+    return true;
+}
+
+bool ChangesetApplier::applyUpdate(const Operation &operation)
+{
+    const auto &columns = columnsOf(operation.table);
+    bool hasChanged = false;
+    for (int column = 1; column < operation.columnCount; ++column) {
+        sqlite3_value *value = newValue(operation.iterator, column);
+        if (!value)
+            continue;
+        const QByteArray name = quoted(columns[static_cast<size_t>(column)]);
+        sqlite::Statement statement = database.prepare("UPDATE " + quoted(operation.table) + " SET " + name +
+                                                       " = ? WHERE \"id\" = ? AND " + name + " IS ?");
+        statement.bindRaw(value);
+        statement.bindRaw(oldValue(operation.iterator, 0));
+        statement.bindRaw(oldValue(operation.iterator, column));
+        if (!statement.run())
+            return false;
+        hasChanged = hasChanged || database.changes() > 0;
+    }
+    if (hasChanged)
+        note(operation, false, AppliedChange::Kind::Updated);
+    return true;
+}
+
+bool ChangesetApplier::applyDelete(const Operation &operation)
+{
+    const auto &columns = columnsOf(operation.table);
+    QByteArray condition;
+    for (int column = 0; column < operation.columnCount; ++column)
+        condition += (column ? " AND " : "") + quoted(columns[static_cast<size_t>(column)]) + " IS ?";
+    sqlite::Statement statement =
+        database.prepare("DELETE FROM " + quoted(operation.table) + " WHERE " + condition);
+    for (int column = 0; column < operation.columnCount; ++column)
+        statement.bindRaw(oldValue(operation.iterator, column));
+    if (!statement.run())
+        return false;
+    if (database.changes() > 0)
+        note(operation, false, AppliedChange::Kind::Deleted);
+    return true;
+}
+
+/// A row that came back may name one that has gone since.
+bool ChangesetApplier::clearDanglingReferences()
+{
+    for (const AppliedChange &change : applied) {
+        for (const RelationshipDescription &relationship : change.entity->relationships()) {
+            if (relationship.cardinality != Cardinality::ToOne || change.kind == AppliedChange::Kind::Deleted)
+                continue;
+            const QByteArray name(relationship.name.data(), static_cast<qsizetype>(relationship.name.size()));
+            const QByteArray destination = objectModel.destinationOf(relationship).table();
+            sqlite::Statement statement = database.prepare(
+                "UPDATE " + quoted(change.entity->table()) + " SET " + quoted(name) + " = NULL WHERE \"id\" = ? AND " +
+                quoted(name) + " IS NOT NULL AND " + quoted(name) + " NOT IN (SELECT \"id\" FROM " +
+                quoted(destination) + ')');
+            if (!statement.bind(change.identifier).run())
+                return false;
+        }
+    }
+    return clearDanglingPairs();
+}
+
+bool ChangesetApplier::clearDanglingPairs()
+{
+    for (const EntityDescription &entity : objectModel.entities()) {
+        for (const RelationshipDescription &relationship : entity.relationships()) {
+            if (relationship.cardinality != Cardinality::ToManyOwningJoin)
+                continue;
+            const QByteArray table = objectModel.joinTable(entity, relationship).table;
+            if (touchedTables.find(table.toStdString()) == touchedTables.end())
+                continue;
+            const auto error = database.execute(
+                "DELETE FROM " + quoted(table) + " WHERE source NOT IN (SELECT \"id\" FROM " + quoted(entity.table()) +
+                ") OR target NOT IN (SELECT \"id\" FROM " + quoted(objectModel.destinationOf(relationship).table()) + ')');
+            if (error)
+                return false;
+        }
+    }
+    return true;
+}
+
+bool ChangesetApplier::writeFollowUps()
+{
+    for (const AppliedChange &change : applied) {
+        if (!change.entity->isFollowedUp())
+            continue;
+        sqlite::Statement statement = database.prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
+        if (!statement.bind(QString::fromUtf8(change.entity->table())).bind(change.identifier).run())
+            return false;
+    }
+    return true;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "objectstore/Predicate.h"
+#include "objectstore/SortDescriptor.h"
+
+#include <string>
+#include <string_view>
+
+/// What to look for: objects of an entity that pass a predicate, in an order.
+class FetchRequest
+{
+public:
+    explicit FetchRequest(std::string_view name) : entityName(name) {}
+
+    FetchRequest &where(Predicate condition)
+    {
+        predicate = std::move(condition);
+        return *this;
+    }
+    FetchRequest &sortedBy(SortDescriptors descriptors)
+    {
+        sortDescriptors = std::move(descriptors);
+        return *this;
+    }
+    FetchRequest &limitedTo(int count)
+    {
+        limit = count;
+        return *this;
+    }
+
+    std::string entityName;
+    Predicate predicate;
+    /// In order of weight. With none, rows come in the order in which they were inserted.
+    SortDescriptors sortDescriptors;
+    /// The greatest number of objects; negative for all.
+    int limit = -1;
+};

@@ -1,0 +1,347 @@
+#include "objectstore/ManagedObjectContext.h"
+
+#include "foundation/Log.h"
+#include "objectstore/ChangeJournal.h"
+#include "objectstore/StoreFile.h"
+
+#include <QUrl>
+#include <QUuid>
+
+namespace {
+
+QByteArray quoted(std::string_view name)
+{
+    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
+}
+
+} // namespace
+
+Result<std::unique_ptr<ManagedObjectContext>> ManagedObjectContext::open(const QString &path,
+                                                                         const ManagedObjectModel &model)
+{
+    auto opened = storefile::open(path, model);
+    if (!opened)
+        return opened.error();
+    return std::unique_ptr<ManagedObjectContext>(new ManagedObjectContext(std::move(*opened), model, path));
+}
+
+ManagedObjectContext::ManagedObjectContext(std::unique_ptr<sqlite::Database> opened, const ManagedObjectModel &model,
+                                           QString path)
+    : database(std::move(opened)), objectModel(model), filePath(std::move(path)),
+      identifier(storefile::storeIdentifier(*database)), populations(model.entities().size()),
+      self(std::make_shared<ManagedObjectContext *>(this)), dataVersion(database->queryInteger("PRAGMA data_version")),
+      journal(std::make_unique<ChangeJournal>(*database, model))
+{
+}
+
+ManagedObjectContext::~ManagedObjectContext()
+{
+    for (Population &one : populations) {
+        for (auto &[id, object] : one.byIdentifier) {
+            object->owner = nullptr;
+            object->state = ManagedObject::State::Detached;
+        }
+    }
+    journal.reset();
+}
+
+// Objects.
+
+ManagedObjectContext::Population &ManagedObjectContext::population(const EntityDescription &entity)
+{
+    return populations[static_cast<size_t>(&entity - objectModel.entities().data())];
+}
+
+ObjectPtr ManagedObjectContext::insertObject(std::string_view name)
+{
+    const EntityDescription &entity = objectModel.requireEntity(name);
+    ObjectPtr object = entity.makeObject();
+    object->description = &entity;
+    object->owner = this;
+    object->id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    object->state = ManagedObject::State::Inserted;
+    object->isLoaded = true;
+    object->values.resize(static_cast<size_t>(entity.columnCount()));
+    population(entity).byIdentifier.emplace(object->id, object.get());
+    noteChange(*object);
+    return object;
+}
+
+void ManagedObjectContext::deleteObject(const ObjectPtr &object)
+{
+    if (!object || object->owner != this || object->isDeleted())
+        return;
+    object->wasInserted = object->isInserted();
+    object->state = ManagedObject::State::Deleted;
+    noteChange(*object);
+}
+
+ObjectPtr ManagedObjectContext::object(std::string_view name, const QString &id)
+{
+    const EntityDescription *entity = objectModel.entity(name);
+    if (!entity)
+        return nullptr;
+    const auto &live = population(*entity).byIdentifier;
+    const auto found = live.find(id);
+    if (found != live.end())
+        return found->second->isDeleted() ? nullptr : found->second->shared_from_this();
+    sqlite::Statement statement = database->prepare(selectColumns(*entity) + " WHERE \"id\" = ?");
+    statement.bind(id);
+    return statement.step() ? adopt(*entity, statement) : nullptr;
+}
+
+ObjectPtr ManagedObjectContext::objectForUri(const QString &uri)
+{
+    const QString prefix = QStringLiteral("x-morvane://%1/").arg(identifier);
+    if (!uri.startsWith(prefix))
+        return nullptr;
+    const QString rest = uri.mid(prefix.size());
+    const qsizetype slash = rest.indexOf(u'/');
+    const QString id = QUrl::fromPercentEncoding(rest.mid(slash + 1).toUtf8());
+    const ObjectPtr found = slash < 0 ? nullptr : object(rest.left(slash).toStdString(), id);
+    return found && loadValues(*found) ? found : nullptr;
+}
+
+QString ManagedObjectContext::uriOf(const ManagedObject &object) const
+{
+    return QStringLiteral("x-morvane://%1/%2/%3")
+        .arg(identifier, QString::fromUtf8(object.entity().table()),
+             QString::fromUtf8(QUrl::toPercentEncoding(object.identifier())));
+}
+
+const QByteArray &ManagedObjectContext::selectColumns(const EntityDescription &entity)
+{
+    QByteArray &sql = columnLists[&entity];
+    if (sql.isEmpty()) {
+        sql = "SELECT rowid, \"id\"";
+        for (int column = 0; column < entity.columnCount(); ++column)
+            sql += ", " + quoted(entity.columnName(column));
+        sql += " FROM " + quoted(entity.name());
+    }
+    return sql;
+}
+
+void ManagedObjectContext::readValues(const ManagedObject &object, const sqlite::Statement &row)
+{
+    const EntityDescription &entity = object.entity();
+    object.values.resize(static_cast<size_t>(entity.columnCount()));
+    for (int column = 0; column < entity.columnCount(); ++column) {
+        if (!object.changedSinceSave.test(static_cast<size_t>(column)))
+            object.values[static_cast<size_t>(column)] = row.value(column + 2, entity.columnType(column));
+    }
+    object.isLoaded = true;
+}
+
+ObjectPtr ManagedObjectContext::adopt(const EntityDescription &entity, const sqlite::Statement &row)
+{
+    Population &living = population(entity);
+    const QString id = row.text(1);
+    const auto found = living.byIdentifier.find(id);
+    if (found != living.byIdentifier.end()) {
+        found->second->row = row.integer(0);
+        living.byRow[found->second->row] = found->second;
+        return found->second->shared_from_this();
+    }
+    ObjectPtr object = entity.makeObject();
+    object->description = &entity;
+    object->owner = this;
+    object->id = id;
+    object->row = row.integer(0);
+    object->state = ManagedObject::State::Persistent;
+    readValues(*object, row);
+    living.byIdentifier.emplace(id, object.get());
+    living.byRow[object->row] = object.get();
+    return object;
+}
+
+bool ManagedObjectContext::loadValues(const ManagedObject &object)
+{
+    if (object.isLoaded)
+        return true;
+    sqlite::Statement statement = database->prepare(selectColumns(object.entity()) + " WHERE \"id\" = ?");
+    statement.bind(object.id);
+    if (!statement.step())
+        return false;
+    readValues(object, statement);
+    return true;
+}
+
+std::vector<ObjectPtr> ManagedObjectContext::objectsOfRows(const EntityDescription &entity, std::span<const RowId> rows)
+{
+    std::vector<ObjectPtr> objects;
+    objects.reserve(rows.size());
+    const auto &living = population(entity).byRow;
+    sqlite::Statement statement = database->prepare(selectColumns(entity) + " WHERE rowid = ?");
+    for (const RowId row : rows) {
+        const auto found = living.find(row);
+        if (found != living.end()) {
+            objects.push_back(found->second->shared_from_this());
+            continue;
+        }
+        statement.reset();
+        statement.bind(row);
+        objects.push_back(statement.step() ? adopt(entity, statement) : nullptr);
+    }
+    return objects;
+}
+
+std::vector<ObjectPtr> ManagedObjectContext::relatedObjects(const ManagedObject &object,
+                                                            const RelationshipDescription &relationship)
+{
+    const EntityDescription &destination = objectModel.destinationOf(relationship);
+    QByteArray sql = "SELECT rowid FROM " + quoted(destination.name()) + " WHERE ";
+    if (relationship.cardinality == Cardinality::ToMany) {
+        sql += quoted(relationship.inverse) + " = ?";
+    } else {
+        const ManagedObjectModel::JoinTable join = objectModel.joinTable(object.entity(), relationship);
+        sql += "\"id\" IN (SELECT " + join.farColumn + " FROM \"" + join.table + "\" WHERE " + join.nearColumn + " = ?)";
+    }
+    write();
+    std::vector<RowId> rows;
+    sqlite::Statement statement = database->prepare(sql);
+    statement.bind(object.identifier());
+    while (statement.step())
+        rows.push_back(statement.integer(0));
+    std::vector<ObjectPtr> objects = objectsOfRows(destination, rows);
+    std::erase_if(objects, [](const ObjectPtr &one) { return !one || one->isDeleted(); });
+    return objects;
+}
+
+bool ManagedObjectContext::hasJoinRow(const ManagedObject &object, const RelationshipDescription &relationship,
+                                      const QString &target)
+{
+    for (const auto &changes : object.joinChanges) {
+        if (changes.relationship != &relationship)
+            continue;
+        if (std::find(changes.added.begin(), changes.added.end(), target) != changes.added.end())
+            return true;
+        if (std::find(changes.removed.begin(), changes.removed.end(), target) != changes.removed.end())
+            return false;
+    }
+    if (object.isInserted())
+        return false;
+    const ManagedObjectModel::JoinTable join = objectModel.joinTable(object.entity(), relationship);
+    sqlite::Statement statement =
+        database->prepare("SELECT 1 FROM \"" + join.table + "\" WHERE source = ? AND target = ?");
+    statement.bind(object.identifier()).bind(target);
+    return statement.step();
+}
+
+void ManagedObjectContext::forget(ManagedObject &object)
+{
+    Population &living = population(object.entity());
+    living.byIdentifier.erase(object.id);
+    const auto found = living.byRow.find(object.row);
+    if (found != living.byRow.end() && found->second == &object)
+        living.byRow.erase(found);
+}
+
+void ManagedObjectContext::detach(ManagedObject &object)
+{
+    forget(object);
+    object.owner = nullptr;
+    object.state = ManagedObject::State::Detached;
+}
+
+// Queries.
+
+QByteArray ManagedObjectContext::orderOf(const EntityDescription &entity, const SortDescriptors &descriptors) const
+{
+    QByteArray order;
+    for (const SortDescriptor &descriptor : descriptors) {
+        if (entity.columnOf(descriptor.key) < 0) {
+            Log::line(QStringLiteral("%1 cannot be sorted by %2")
+                          .arg(QString::fromUtf8(entity.table()), QString::fromStdString(descriptor.key)));
+            continue;
+        }
+        order += (order.isEmpty() ? " ORDER BY row." : ", row.") + quoted(descriptor.key);
+        if (descriptor.comparison == SortDescriptor::Comparison::LocalizedCaseInsensitive)
+            order += " COLLATE LOCALIZED";
+        if (!descriptor.isAscending)
+            order += " DESC";
+    }
+    return order.isEmpty() ? QByteArray(" ORDER BY row.rowid") : order;
+}
+
+ManagedObjectContext::Query ManagedObjectContext::query(const FetchRequest &request, const QByteArray &result)
+{
+    const EntityDescription &entity = objectModel.requireEntity(request.entityName);
+    Query made;
+    made.text = "SELECT " + result + " FROM " + quoted(entity.name()) + " row";
+    if (auto problem = request.predicate.problemFor(objectModel, entity))
+        Log::line(QStringLiteral("Wrong predicate for %1: %2").arg(QString::fromUtf8(entity.table()), *problem));
+    SqlFragment condition = request.predicate.sql(objectModel, entity);
+    if (!request.predicate.isAlwaysTrue())
+        made.text += " WHERE " + condition.text;
+    made.bindings = std::move(condition.bindings);
+    return made;
+}
+
+sqlite::Statement ManagedObjectContext::run(const Query &query)
+{
+    // What fails to be written stays in memory and is reported by the next save; the query still runs.
+    write();
+    if (database->isAutocommit())
+        takeInChangesFromElsewhere();
+    sqlite::Statement statement = database->prepare(query.text);
+    statement.bind(query.bindings);
+    return statement;
+}
+
+void ManagedObjectContext::logFailure(const sqlite::Statement &statement, const Query &query) const
+{
+    constexpr int done = 101; // SQLITE_DONE
+    constexpr int row = 100;  // SQLITE_ROW
+    if (!statement.isValid() || (statement.code() != done && statement.code() != row))
+        Log::line(database->lastError(QStringLiteral("Cannot fetch by %1").arg(QString::fromUtf8(query.text))).message);
+}
+
+ObjectListBase ManagedObjectContext::fetchObjects(const FetchRequest &request)
+{
+    const EntityDescription &entity = objectModel.requireEntity(request.entityName);
+    Query fetch = query(request, "row.rowid");
+    fetch.text += orderOf(entity, request.sortDescriptors);
+    if (request.limit >= 0)
+        fetch.text += " LIMIT " + QByteArray::number(request.limit);
+    std::vector<RowId> rows;
+    sqlite::Statement statement = run(fetch);
+    while (statement.step())
+        rows.push_back(statement.integer(0));
+    logFailure(statement, fetch);
+    return ObjectListBase(*this, entity, std::move(rows));
+}
+
+int ManagedObjectContext::count(const FetchRequest &request)
+{
+    const Query counting = query(request, "COUNT(*)");
+    sqlite::Statement statement = run(counting);
+    const bool hasRow = statement.step();
+    logFailure(statement, counting);
+    return hasRow ? static_cast<int>(statement.integer(0)) : 0;
+}
+
+void ManagedObjectContext::visit(const FetchRequest &request, const std::vector<std::string> &columns,
+                                 const std::function<void(const RowReader &)> &visitor)
+{
+    const EntityDescription &entity = objectModel.requireEntity(request.entityName);
+    QByteArray result = "row.rowid";
+    for (const std::string &column : columns)
+        result += ", row." + quoted(column);
+    Query visited = query(request, result);
+    if (!request.sortDescriptors.empty())
+        visited.text += orderOf(entity, request.sortDescriptors);
+    sqlite::Statement statement = run(visited);
+    const RowReader reader(statement);
+    while (statement.step())
+        visitor(reader);
+    logFailure(statement, visited);
+}
+
+std::optional<double> ManagedObjectContext::maximum(const FetchRequest &request, const std::string &column)
+{
+    const Query asked = query(request, "MAX(row." + quoted(column) + ")");
+    sqlite::Statement statement = run(asked);
+    const bool hasRow = statement.step();
+    logFailure(statement, asked);
+    return hasRow && !statement.isNull(0) ? std::optional(statement.number(0)) : std::nullopt;
+}

@@ -1,0 +1,237 @@
+#pragma once
+
+#include "foundation/Error.h"
+#include "objectstore/FetchRequest.h"
+#include "objectstore/ManagedObject.h"
+#include "objectstore/ManagedObjectModel.h"
+#include "objectstore/ObjectList.h"
+#include "objectstore/Sqlite.h"
+
+#include <functional>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+class ChangeJournal;
+enum class ChangeJournalDirection;
+struct AppliedChange;
+
+/// What a save, an undo or a redo did to the store, each object once and in the order of the first change.
+struct ChangeList
+{
+    std::vector<ObjectPtr> inserted;
+    std::vector<ObjectPtr> updated;
+    /// Objects that are gone; they still know their identifier and entity, but no values.
+    std::vector<ObjectPtr> deleted;
+
+    bool isEmpty() const { return inserted.empty() && updated.empty() && deleted.empty(); }
+};
+
+/// Whose changes a save holds. Only the user's own can be undone.
+enum class ChangeAuthor { User, Program, Elsewhere };
+
+/// What to do when a row was changed elsewhere since it was read. The numbers are those of the merge types.
+enum class MergePolicy {
+    /// The properties changed in memory win, one by one; all others are taken from the store.
+    PropertyObjectTrump = 2,
+    /// The whole object in memory overwrites the row.
+    Overwrite = 3,
+};
+
+/// One row's columns as a query passes them on, without an object.
+class RowReader
+{
+public:
+    explicit RowReader(const sqlite::Statement &source) : statement(source) {}
+    RowId rowId() const { return statement.integer(0); }
+    bool isNull(int column) const { return statement.isNull(column + 1); }
+    double number(int column) const { return statement.number(column + 1); }
+    qint64 integer(int column) const { return statement.integer(column + 1); }
+    QString text(int column) const { return statement.text(column + 1); }
+    OptionalDate date(int column) const
+    {
+        return isNull(column) ? std::nullopt : OptionalDate(Date::fromReferenceSeconds(number(column)));
+    }
+
+private:
+    const sqlite::Statement &statement;
+};
+
+/// A store and the objects that live in it: the unit of work between two saves.
+///
+/// Objects are changed in memory and written when a query needs to see them, inside one SQLite transaction that `save`
+/// commits. A crash at any moment leaves the last save, whole. One object stands for a row at any time. Main thread only.
+class ManagedObjectContext
+{
+public:
+    /// Opens the store at a path, making it if it is missing. A file that cannot be used is left as it is; the error
+    /// says why. The model must outlive the context.
+    static Result<std::unique_ptr<ManagedObjectContext>> open(const QString &path, const ManagedObjectModel &model);
+    /// What was not saved is given up.
+    ~ManagedObjectContext();
+    ManagedObjectContext(const ManagedObjectContext &) = delete;
+    ManagedObjectContext &operator=(const ManagedObjectContext &) = delete;
+
+    const ManagedObjectModel &model() const { return objectModel; }
+    const QString &storeIdentifier() const { return identifier; }
+    const QString &path() const { return filePath; }
+
+    // Objects.
+    /// A new object with a random identifier, in the store from the next save on.
+    ObjectPtr insertObject(std::string_view entity);
+    template <typename T>
+    std::shared_ptr<T> insert()
+    {
+        return std::static_pointer_cast<T>(insertObject(T::entityName));
+    }
+    /// Marks an object as deleted; what its relationships ask for happens with it. Null and a second call do nothing.
+    void deleteObject(const ObjectPtr &object);
+    /// The object of that identifier, or null if there is none.
+    ObjectPtr object(std::string_view entity, const QString &identifier);
+    /// The object of a URI of this store, or null.
+    ObjectPtr objectForUri(const QString &uri);
+    /// `x-morvane://<store uuid>/<Entity>/<id>`, also of an object that was deleted from this store.
+    QString uriOf(const ManagedObject &object) const;
+
+    // Queries. They see unsaved changes. One that fails gives nothing, with a line in the log.
+    ObjectListBase fetchObjects(const FetchRequest &request);
+    template <typename T>
+    ObjectList<T> fetch(const FetchRequest &request)
+    {
+        return ObjectList<T>(fetchObjects(request));
+    }
+    template <typename T>
+    std::shared_ptr<T> fetchFirst(FetchRequest request)
+    {
+        return fetch<T>(request.limitedTo(1)).first();
+    }
+    int count(const FetchRequest &request);
+    /// Passes the wanted columns of each row to a visitor, without making objects; in any order if none is asked for.
+    void visit(const FetchRequest &request, const std::vector<std::string> &columns,
+               const std::function<void(const RowReader &)> &visitor);
+    /// The greatest number in a column over the rows that pass, or absent without any.
+    std::optional<double> maximum(const FetchRequest &request, const std::string &column);
+
+    // The unit of work.
+    bool hasChanges() const;
+    /// Commits everything, or nothing: on an error the changes stay for the next save. Then tells the save handler.
+    OptionalError save();
+    /// Gives up all changes since the last save.
+    void reset();
+    /// Lets every unchanged object read its row anew at the next look.
+    void refreshAllObjects();
+    using SaveHandler = std::function<void(const ChangeList &)>;
+    /// Called after each save, undo or redo that changed something.
+    void setSaveHandler(SaveHandler handler) { saveHandler = std::move(handler); }
+    void setMergePolicy(MergePolicy policy) { mergePolicy = policy; }
+    ChangeAuthor author() const { return currentAuthor; }
+    void setAuthor(ChangeAuthor author) { currentAuthor = author; }
+
+    // What must be done after each save. Objects of entities that ask for it are remembered in the store with the save,
+    // until the follow-up says that it is done; after a crash the next start finds what was left.
+    std::vector<ObjectPtr> unfinishedFollowUps();
+    /// The follow-up of all former saves is done; remembered with the next thing that is written.
+    void finishFollowUps() { mustClearFollowUps = true; }
+    /// The next save needs no follow-up.
+    void skipNextFollowUp() { skipsNextFollowUp = true; }
+
+    // Undo of the user's saves, also those of former runs.
+    bool canUndo();
+    bool canRedo();
+    /// Takes back the last save of the user. Fields that were changed by another hand since stay as they are.
+    OptionalError undo();
+    OptionalError redo();
+
+private:
+    friend class ManagedObject;
+    friend class ObjectListBase;
+    friend class ChangeWriter;
+    friend class ChangeJournal;
+
+    /// The live objects of one entity.
+    struct Population
+    {
+        std::unordered_map<QString, ManagedObject *> byIdentifier;
+        std::unordered_map<RowId, ManagedObject *> byRow;
+        RowId lastRow = 0;
+    };
+
+    ManagedObjectContext(std::unique_ptr<sqlite::Database> opened, const ManagedObjectModel &model, QString path);
+
+    Population &population(const EntityDescription &entity);
+    ObjectPtr adopt(const EntityDescription &entity, const sqlite::Statement &row);
+    std::vector<ObjectPtr> objectsOfRows(const EntityDescription &entity, std::span<const RowId> rows);
+    const QByteArray &selectColumns(const EntityDescription &entity);
+    bool loadValues(const ManagedObject &object);
+    static void readValues(const ManagedObject &object, const sqlite::Statement &row);
+    std::vector<ObjectPtr> relatedObjects(const ManagedObject &object, const RelationshipDescription &relationship);
+    bool hasJoinRow(const ManagedObject &object, const RelationshipDescription &relationship, const QString &target);
+    void forget(ManagedObject &object);
+    void detach(ManagedObject &object);
+
+    struct Query
+    {
+        QByteArray text;
+        std::vector<Value> bindings;
+    };
+    Query query(const FetchRequest &request, const QByteArray &result);
+    QByteArray orderOf(const EntityDescription &entity, const SortDescriptors &descriptors) const;
+    sqlite::Statement run(const Query &query);
+    void logFailure(const sqlite::Statement &statement, const Query &query) const;
+
+    void noteChange(ManagedObject &object);
+    OptionalError begin();
+    OptionalError write();
+    OptionalError commit();
+    /// Ends the open transaction without a trace; what is changed in memory waits to be written again.
+    void rollBack();
+    OptionalError writeFollowUps();
+    void takeInChangesFromElsewhere();
+    ChangeList finishSave();
+    OptionalError revert(ChangeJournalDirection direction);
+    ChangeList changesOf(const std::vector<AppliedChange> &applied);
+    /// Stands for a row that is no longer there.
+    ObjectPtr goneObject(const EntityDescription &entity, const QString &id);
+
+    std::unique_ptr<sqlite::Database> database;
+    const ManagedObjectModel &objectModel;
+    QString filePath;
+    QString identifier;
+    std::vector<Population> populations;
+    std::unordered_map<const EntityDescription *, QByteArray> columnLists;
+    std::unordered_map<const EntityDescription *, QByteArray> insertStatements;
+    /// For lists that may outlive the context.
+    std::shared_ptr<ManagedObjectContext *> self;
+
+    // Objects changed since the last save, in the order of their first change, and those still to be written.
+    std::vector<ObjectPtr> changed;
+    std::vector<ObjectPtr> waiting;
+    bool isWriting = false;
+    qint64 dataVersion = 0;
+    quint64 refreshes = 0;
+
+    std::unique_ptr<ChangeJournal> journal;
+    SaveHandler saveHandler;
+    MergePolicy mergePolicy = MergePolicy::PropertyObjectTrump;
+    ChangeAuthor currentAuthor = ChangeAuthor::User;
+    bool mustClearFollowUps = false;
+    bool skipsNextFollowUp = false;
+};
+
+/// Says for a while whose changes the saves of a context hold.
+class AuthorScope
+{
+public:
+    AuthorScope(ManagedObjectContext &changedContext, ChangeAuthor author)
+        : context(changedContext), formerAuthor(changedContext.author())
+    {
+        context.setAuthor(author);
+    }
+    ~AuthorScope() { context.setAuthor(formerAuthor); }
+    AuthorScope(const AuthorScope &) = delete;
+    AuthorScope &operator=(const AuthorScope &) = delete;
+
+private:
+    ManagedObjectContext &context;
+    ChangeAuthor formerAuthor;
+};

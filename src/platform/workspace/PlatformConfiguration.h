@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+
+/// What is set for this machine rather than for the user's records: `platform.json` in the configuration folder.
+class PlatformConfiguration
+{
+public:
+    /// Read from the file at each construction; a missing or broken file has no values.
+    PlatformConfiguration();
+
+    /// What the user answered when asked for access to something: "events", "reminders" or "contacts".
+    /// 0 not asked yet, 2 denied, 3 granted.
+    int authorization(const QString &what) const;
+    /// A text value, or an empty text.
+    QString text(const QString &key) const;
+
+private:
+    QJsonObject values;
+};
