@@ -189,6 +189,12 @@ TEST(CalendarTest, DaysOfAnyZoneCoverTimeWithoutGapOrOverlap)
     }
 }
 
+TEST(CalendarTest, WallTimesInAGapMoveOnByItsLengthEvenAfterADaysStartWasAskedFor)
+{
+    EXPECT_EQ(Calendar::current().startOfDay(localDate(2024, 3, 31, 12)), utcDate(2024, 3, 30, 23));
+    EXPECT_EQ(localDate(2024, 3, 31, 2, 30), utcDate(2024, 3, 31, 1, 30));
+}
+
 TEST(CalendarTest, OffsetsAreThoseOfTheSystemsZoneDataInEveryZone)
 {
     const auto zones = QTimeZone::availableTimeZoneIds();
