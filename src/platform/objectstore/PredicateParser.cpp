@@ -178,6 +178,7 @@ private:
     NodePtr comparison()
     {
         auto node = std::make_shared<Node>();
+        node->kind = Node::Kind::Comparison;
         accept("any", ""); // A to-many key is asked for any of its objects with or without the word.
         node->left = operand();
         node->comparison = comparisonOperator();
