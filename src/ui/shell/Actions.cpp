@@ -1,0 +1,81 @@
+#include "shell/Actions.h"
+
+#include "foundation/Localization.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr std::array actionTable = {
+    ActionDescription{ActionId::NewTask, u"actionNewTask", u"New Task", u"Ctrl+N"},
+    ActionDescription{ActionId::CloseWindow, u"actionClose", u"Close", u"Ctrl+W"},
+    ActionDescription{ActionId::Quit, u"actionQuit", u"Quit", u"Ctrl+Q"},
+    ActionDescription{ActionId::Undo, u"actionUndo", u"Undo", u"Ctrl+Z"},
+    ActionDescription{ActionId::Redo, u"actionRedo", u"Redo", u"Ctrl+Shift+Z"},
+    ActionDescription{ActionId::Delete, u"actionDelete", u"Delete", u"Del"},
+    ActionDescription{ActionId::SelectAll, u"actionSelectAll", u"Select All", u"Ctrl+A"},
+    ActionDescription{ActionId::ShowHome, u"actionShowHome", u"Home", u"Ctrl+1"},
+    ActionDescription{ActionId::ShowInbox, u"actionShowInbox", u"Inbox", u"Ctrl+2"},
+    ActionDescription{ActionId::ShowToday, u"actionShowToday", u"Today", u"Ctrl+3"},
+    ActionDescription{ActionId::ShowScheduled, u"actionShowScheduled", u"Scheduled", u"Ctrl+4"},
+    ActionDescription{ActionId::ShowSomeday, u"actionShowSomeday", u"Someday", u"Ctrl+5"},
+    ActionDescription{ActionId::ShowCategories, u"actionShowCategories", u"Categories", u"Ctrl+6"},
+    ActionDescription{ActionId::ShowDelegated, u"actionShowDelegated", u"Delegated", u"Ctrl+7"},
+    ActionDescription{ActionId::ShowNotDone, u"actionShowNotDone", u"Not Done", u"Ctrl+8"},
+    ActionDescription{ActionId::ShowDone, u"actionShowDone", u"Done", u"Ctrl+9"},
+    ActionDescription{ActionId::ShowProjects, u"actionShowProjects", u"Projects", u"Ctrl+Shift+1"},
+    ActionDescription{ActionId::ShowPeople, u"actionShowPeople", u"People", u"Ctrl+Shift+2"},
+    ActionDescription{ActionId::ShowCompanies, u"actionShowCompanies", u"Companies", u"Ctrl+Shift+3"},
+    ActionDescription{ActionId::ShowCalendar, u"actionShowCalendar", u"Calendar", u"Ctrl+0"},
+    ActionDescription{ActionId::FullScreen, u"actionFullScreen", u"Enter Full Screen", u"F11"},
+    ActionDescription{ActionId::About, u"actionAbout", u"About Morvane", u""},
+};
+
+std::span<const ActionDescription> Actions::table()
+{
+    return actionTable;
+}
+
+std::optional<SidebarItem> Actions::listOf(ActionId id)
+{
+    static const QHash<ActionId, SidebarItem> lists = {
+        {ActionId::ShowHome, SidebarItem::Home},
+        {ActionId::ShowInbox, SidebarItem::Inbox},
+        {ActionId::ShowToday, SidebarItem::Today},
+        {ActionId::ShowScheduled, SidebarItem::Scheduled},
+        {ActionId::ShowSomeday, SidebarItem::Someday},
+        {ActionId::ShowCategories, SidebarItem::Categories},
+        {ActionId::ShowDelegated, SidebarItem::Delegated},
+        {ActionId::ShowNotDone, SidebarItem::NotDone},
+        {ActionId::ShowDone, SidebarItem::Done},
+        {ActionId::ShowProjects, SidebarItem::Projects},
+        {ActionId::ShowPeople, SidebarItem::People},
+        {ActionId::ShowCompanies, SidebarItem::Companies},
+        {ActionId::ShowCalendar, SidebarItem::Calendar},
+    };
+    const auto found = lists.constFind(id);
+    return found == lists.cend() ? std::nullopt : std::optional(*found);
+}
+
+Actions::Actions(QObject *parent)
+    : QObject(parent)
+{
+    for (const ActionDescription &description : actionTable) {
+        auto *action = new QAction(localized(QString::fromUtf16(description.text)), this);
+        action->setObjectName(QString::fromUtf16(description.name));
+        action->setShortcut(
+            QKeySequence(QString::fromUtf16(description.shortcut), QKeySequence::PortableText));
+        actions.insert(description.id, action);
+    }
+}
+
+void Actions::bind(ActionId id, const std::function<void()> &run, std::function<bool()> isPossible)
+{
+    connect(action(id), &QAction::triggered, this, run);
+    if (isPossible)
+        rules.insert(id, std::move(isPossible));
+}
+
+void Actions::updateEnabled()
+{
+    for (auto rule = rules.cbegin(); rule != rules.cend(); ++rule)
+        action(rule.key())->setEnabled(rule.value()());
+}

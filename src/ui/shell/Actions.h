@@ -1,0 +1,68 @@
+#pragma once
+
+#include "shell/SidebarModel.h"
+
+#include <QAction>
+#include <QHash>
+#include <QObject>
+
+#include <functional>
+#include <span>
+
+/// Every command of the program. Menus, shortcuts and tests look them up here.
+enum class ActionId {
+    NewTask,
+    CloseWindow,
+    Quit,
+    Undo,
+    Redo,
+    Delete,
+    SelectAll,
+    ShowHome,
+    ShowInbox,
+    ShowToday,
+    ShowScheduled,
+    ShowSomeday,
+    ShowCategories,
+    ShowDelegated,
+    ShowNotDone,
+    ShowDone,
+    ShowProjects,
+    ShowPeople,
+    ShowCompanies,
+    ShowCalendar,
+    FullScreen,
+    About,
+};
+
+/// A row of the table of commands.
+struct ActionDescription
+{
+    ActionId id;
+    const char16_t *name;
+    const char16_t *text;
+    /// In portable form; empty for none.
+    const char16_t *shortcut;
+};
+
+class Actions : public QObject
+{
+    Q_OBJECT
+public:
+    explicit Actions(QObject *parent = nullptr);
+
+    static std::span<const ActionDescription> table();
+    /// The list that a command of the View menu shows.
+    static std::optional<SidebarItem> listOf(ActionId id);
+
+    QAction *action(ActionId id) const { return actions.value(id); }
+    QList<QAction *> all() const { return actions.values(); }
+    /// Says what a command does and when it can be given; without a rule it always can.
+    void bind(ActionId id, const std::function<void()> &run, std::function<bool()> isPossible = {});
+    /// Asks the rules again.
+    void updateEnabled();
+
+private:
+    QHash<ActionId, QAction *> actions;
+    QHash<ActionId, std::function<bool()>> rules;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+
+/// The program as the desktop sees it on the message bus (freedesktop.org Desktop Entry Specification, "D-Bus
+/// Activation").
+class ApplicationBusObject : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+public:
+    using QObject::QObject;
+
+    static QString service();
+    static QString path();
+
+public Q_SLOTS:
+    Q_SCRIPTABLE void Activate(const QVariantMap &platformData);
+    Q_SCRIPTABLE void Open(const QStringList &uris, const QVariantMap &platformData);
+    Q_SCRIPTABLE void ActivateAction(const QString &name, const QVariantList &parameters,
+                                     const QVariantMap &platformData);
+
+Q_SIGNALS:
+    void activated();
+};

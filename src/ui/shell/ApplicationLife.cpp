@@ -1,0 +1,75 @@
+#include "shell/ApplicationLife.h"
+
+#include "shell/LauncherBadge.h"
+#include "shell/QuitSignals.h"
+#include "shell/SingleInstance.h"
+#include "store/AppDelegate.h"
+
+#include <QApplication>
+#include <QTimer>
+
+static ApplicationLife *theLife = nullptr;
+
+/// The bus takes a few milliseconds, which the user's first look should not wait for.
+constexpr int busDelay = 50;
+
+ApplicationLife::ApplicationLife(AppDelegate &appDelegate, SingleInstance *singleInstance)
+    : delegate(appDelegate)
+    , instance(singleInstance)
+{
+    theLife = this;
+    connect(new QuitSignals(this), &QuitSignals::received, this, &ApplicationLife::quit);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, &ApplicationLife::stateChanged);
+    if (instance)
+        connect(instance, &SingleInstance::activated, this, &ApplicationLife::reopen);
+}
+
+ApplicationLife::~ApplicationLife()
+{
+    theLife = nullptr;
+}
+
+ApplicationLife *ApplicationLife::shared()
+{
+    return theLife;
+}
+
+void ApplicationLife::windowWasPainted()
+{
+    wasPainted = true;
+    if (instance)
+        QTimer::singleShot(busDelay, instance, &SingleInstance::registerOnBus);
+    stateChanged(QGuiApplication::applicationState());
+}
+
+void ApplicationLife::stateChanged(Qt::ApplicationState state)
+{
+    const bool becomesActive = state == Qt::ApplicationActive;
+    if (!wasPainted || becomesActive == isActive || isQuitting)
+        return;
+    isActive = becomesActive;
+    if (becomesActive)
+        delegate.applicationDidBecomeActive();
+    else
+        delegate.applicationDidResignActive();
+}
+
+void ApplicationLife::reopen()
+{
+    delegate.startMainWindow();
+}
+
+void ApplicationLife::quit()
+{
+    // A second wish while the first one still asks its question changes nothing.
+    if (std::exchange(isQuitting, true))
+        return;
+    if (delegate.applicationShouldTerminate() == AppDelegate::TerminateReply::Cancel) {
+        isQuitting = false;
+        return;
+    }
+    delegate.applicationWillTerminate();
+    if (wasPainted)
+        LauncherBadge::show({});
+    QCoreApplication::exit();
+}

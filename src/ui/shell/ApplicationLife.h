@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+
+class AppDelegate;
+class SingleInstance;
+
+/// Leads the program through its life: activation, resignation, and the one road on which it quits.
+class ApplicationLife : public QObject
+{
+    Q_OBJECT
+public:
+    ApplicationLife(AppDelegate &appDelegate, SingleInstance *singleInstance);
+    ~ApplicationLife() override;
+
+    /// The one of the running program, or null.
+    static ApplicationLife *shared();
+
+    /// The first picture stands: what could wait until then begins.
+    void windowWasPainted();
+    bool isPainted() const { return wasPainted; }
+    /// Saves and ends the program, unless something is to stay open.
+    void quit();
+
+private:
+    void stateChanged(Qt::ApplicationState state);
+    void reopen();
+
+    AppDelegate &delegate;
+    SingleInstance *instance;
+    bool wasPainted = false;
+    bool isActive = false;
+    bool isQuitting = false;
+};

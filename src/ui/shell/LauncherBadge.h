@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+/// The number beside the program's icon in the desktop's docks (com.canonical.Unity.LauncherEntry).
+namespace LauncherBadge {
+
+/// Shows a number; an empty text for none. Without a message bus nothing happens.
+void show(const QString &label);
+
+} // namespace LauncherBadge

@@ -1,0 +1,42 @@
+#include "shell/MainMenu.h"
+
+#include "foundation/Localization.h"
+#include "shell/Actions.h"
+
+#include <QMenuBar>
+
+#include <initializer_list>
+#include <optional>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Nothing in place of a command is a separator.
+using Entries = std::initializer_list<std::optional<ActionId>>;
+
+static void addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, Entries entries)
+{
+    QMenu *menu = menuBar.addMenu(localized(title));
+    for (const std::optional<ActionId> &entry : entries) {
+        if (entry)
+            menu->addAction(actions.action(*entry));
+        else
+            menu->addSeparator();
+    }
+    QObject::connect(menu, &QMenu::aboutToShow, &actions, &Actions::updateEnabled);
+}
+
+void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
+{
+    constexpr auto separator = std::nullopt;
+    addMenu(menuBar, actions, u"File"_s,
+            {ActionId::NewTask, separator, ActionId::CloseWindow, ActionId::Quit});
+    addMenu(menuBar, actions, u"Edit"_s,
+            {ActionId::Undo, ActionId::Redo, separator, ActionId::Delete, ActionId::SelectAll});
+    addMenu(menuBar, actions, u"View"_s,
+            {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople,
+             ActionId::ShowCompanies, separator, ActionId::ShowInbox, ActionId::ShowToday,
+             ActionId::ShowScheduled, ActionId::ShowSomeday, ActionId::ShowCategories,
+             ActionId::ShowDelegated, ActionId::ShowNotDone, ActionId::ShowDone, separator,
+             ActionId::ShowCalendar, separator, ActionId::FullScreen});
+    addMenu(menuBar, actions, u"Help"_s, {ActionId::About});
+}

@@ -1,0 +1,88 @@
+#include "shell/MainWindow.h"
+
+#include "foundation/Localization.h"
+#include "shell/OutlineViewExtended.h"
+#include "shell/RightToolBar.h"
+#include "widgets/SplitPanes.h"
+#include "widgets/Theme.h"
+
+#include <QCloseEvent>
+#include <QPainter>
+#include <QTimer>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int sidebarMinimum = 170;
+constexpr int sidebarMaximum = 240;
+constexpr QSize firstSize(1080, 700);
+constexpr QSize leastSize(680, 420);
+
+/// A pane in one colour.
+class ColouredPane : public QWidget
+{
+public:
+    explicit ColouredPane(const QColor &paneColour)
+        : colour(paneColour)
+    {}
+
+protected:
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), colour); }
+
+private:
+    QColor colour;
+};
+
+MainWindow::MainWindow()
+    : split(new SplitPanes(this))
+    , outline(new OutlineViewExtended(this))
+    , toolBar(new RightToolBar(this))
+    , content(new ColouredPane(Theme::content))
+{
+    setObjectName(u"MainWindow"_s);
+    setWindowTitle(u"Morvane"_s);
+    setMinimumSize(leastSize);
+    resize(firstSize);
+    split->setPanes(makeSidebar(), makeRightSide());
+    split->setLeftBounds(sidebarMinimum, sidebarMaximum);
+    split->setSizes({sidebarMaximum, firstSize.width() - sidebarMaximum});
+    setCentralWidget(split);
+}
+
+QWidget *MainWindow::makeSidebar()
+{
+    auto *pane = new ColouredPane(Theme::sidebar);
+    auto *column = new QVBoxLayout(pane);
+    column->setContentsMargins(0, Theme::unit, 0, Theme::unit);
+    column->addWidget(outline);
+    outline->setObjectName(u"outlineViewListItem"_s);
+    outline->setAccessibleName(localized(u"Lists"_s));
+    return pane;
+}
+
+QWidget *MainWindow::makeRightSide()
+{
+    auto *pane = new QWidget;
+    auto *column = new QVBoxLayout(pane);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(toolBar);
+    column->addWidget(content, 1);
+    content->setObjectName(u"rightContentView"_s);
+    auto *filling = new QVBoxLayout(content);
+    filling->setContentsMargins({});
+    return pane;
+}
+
+void MainWindow::paintEvent(QPaintEvent *event)
+{
+    QMainWindow::paintEvent(event);
+    if (!std::exchange(wasPainted, true))
+        QTimer::singleShot(0, this, &MainWindow::firstPainted);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    Q_EMIT closed();
+}

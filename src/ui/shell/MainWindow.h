@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QMainWindow>
+
+class OutlineViewExtended;
+class RightToolBar;
+class SplitPanes;
+
+/// The one main window: the sidebar on the left, the toolbar and the content on the right.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    MainWindow();
+
+    OutlineViewExtended *outlineViewListItem() const { return outline; }
+    SplitPanes *splitViewMain() const { return split; }
+    RightToolBar *rightToolBarMain() const { return toolBar; }
+    QWidget *rightContentView() const { return content; }
+
+Q_SIGNALS:
+    /// The window is seen for the first time.
+    void firstPainted();
+    void closed();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    QWidget *makeSidebar();
+    QWidget *makeRightSide();
+
+    SplitPanes *split;
+    OutlineViewExtended *outline;
+    RightToolBar *toolBar;
+    QWidget *content;
+    bool wasPainted = false;
+};

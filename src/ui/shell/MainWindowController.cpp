@@ -1,0 +1,251 @@
+#include "shell/MainWindowController.h"
+
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
+#include "shell/Actions.h"
+#include "shell/MainMenu.h"
+#include "shell/MainWindow.h"
+#include "shell/OutlineViewExtended.h"
+#include "shell/RightToolBar.h"
+#include "shell/ScreenFactory.h"
+#include "shell/ShellAlerts.h"
+#include "shell/tasks/WindowNewTask.h"
+#include "store/AppDelegate.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/ScreenToolBar.h"
+
+#include <QLayout>
+#include <QMenuBar>
+#include <QMessageBox>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+constexpr auto badgeInterval = 60s;
+constexpr auto firstSelectionDelay = 300ms;
+
+MainWindowController::MainWindowController()
+    : mainWindow(std::make_unique<MainWindow>())
+    , sidebar(new SidebarModel(this))
+    , actions(new Actions(this))
+{
+    bindActions();
+    bindLists();
+    MainMenu::fill(*mainWindow->menuBar(), *actions);
+    mainWindow->addActions(actions->all());
+    windowDidLoad();
+}
+
+MainWindowController::~MainWindowController() = default;
+
+void MainWindowController::windowDidLoad()
+{
+    OutlineViewExtended &outline = *mainWindow->outlineViewListItem();
+    outline.setModel(sidebar);
+    loadContactsGroup();
+    connect(&outline, &OutlineViewExtended::selectionDidChange, this,
+            &MainWindowController::outlineViewSelectionDidChange);
+    connect(&outline, &OutlineViewExtended::didRemoveRow, this, &MainWindowController::didRemoveRow);
+    connect(mainWindow.get(), &MainWindow::closed, this, &MainWindowController::closeNewWindows);
+    badgeRecount.setSingleShot(true);
+    connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
+    connect(mainWindow.get(), &MainWindow::firstPainted, &badgeRecount, [this] { badgeRecount.start(0); });
+    badgeTimer.emplace(badgeInterval, [this] { countTasksBadge(); });
+    observe();
+    QTimer::singleShot(firstSelectionDelay, this, &MainWindowController::selectFirstRow);
+}
+
+void MainWindowController::selectFirstRow()
+{
+    if (!selectItem)
+        showList(SidebarItem::Home);
+}
+
+void MainWindowController::observe()
+{
+    for (const NotificationName name : {notifications::contextDidSave, notifications::iCloudChange})
+        observations.push_back(NotificationCenter::defaultCenter().addObserver(
+            name, [this](const Notification &) { storeChanged(); }));
+}
+
+void MainWindowController::storeChanged()
+{
+    badgeRecount.start(0);
+    actions->updateEnabled();
+}
+
+void MainWindowController::showWindow()
+{
+    mainWindow->show();
+    mainWindow->raise();
+    mainWindow->activateWindow();
+}
+
+// Commands
+
+static ManagedObjectContext *context()
+{
+    AppDelegate *delegate = AppDelegate::shared();
+    return delegate && delegate->hasManagedObjectContext() ? &delegate->managedObjectContext() : nullptr;
+}
+
+void MainWindowController::bindActions()
+{
+    actions->bind(ActionId::NewTask, [this] { buttonAdd(ToolBarButton::NewTask); });
+    actions->bind(ActionId::CloseWindow, [this] { mainWindow->close(); });
+    actions->bind(ActionId::Quit, [this] { Q_EMIT quitRequested(); });
+    actions->bind(
+        ActionId::Undo, [this] { undo(); }, [] { return context() && context()->canUndo(); });
+    actions->bind(
+        ActionId::Redo, [this] { redo(); }, [] { return context() && context()->canRedo(); });
+    actions->bind(
+        ActionId::Delete, [this] { removeSelected(); }, [this] { return screen && screen->hasSelection(); });
+    actions->bind(
+        ActionId::SelectAll, [this] { screen->selectAll(); }, [this] { return screen && screen->hasRows(); });
+    actions->bind(ActionId::FullScreen, [this] { toggleFullScreen(); });
+    actions->bind(ActionId::About, [this] { showAbout(); });
+}
+
+void MainWindowController::bindLists()
+{
+    for (const ActionDescription &description : Actions::table()) {
+        if (const auto list = Actions::listOf(description.id))
+            actions->bind(description.id, [this, list] { showList(*list); });
+    }
+}
+
+void MainWindowController::removeSelected()
+{
+    if (mainWindow->outlineViewListItem()->hasFocus())
+        didRemoveRow(mainWindow->outlineViewListItem()->currentIndex());
+    else if (screen)
+        screen->removeSelection();
+}
+
+static void present(const OptionalError &error)
+{
+    if (error)
+        Alert::run(
+            {.title = {}, .message = error->message, .informativeText = {}, .buttons = {localized(u"OK"_s)}});
+}
+
+void MainWindowController::undo()
+{
+    present(context()->undo());
+    if (screen)
+        screen->reloadData();
+    storeChanged();
+}
+
+void MainWindowController::redo()
+{
+    present(context()->redo());
+    if (screen)
+        screen->reloadData();
+    storeChanged();
+}
+
+void MainWindowController::toggleFullScreen()
+{
+    mainWindow->setWindowState(mainWindow->windowState() ^ Qt::WindowFullScreen);
+    const bool isFull = mainWindow->isFullScreen();
+    actions->action(ActionId::FullScreen)
+        ->setText(localized(isFull ? u"Exit Full Screen"_s : u"Enter Full Screen"_s));
+}
+
+void MainWindowController::showAbout()
+{
+    QMessageBox::about(mainWindow.get(), localized(u"About Morvane"_s),
+                       u"<h3>Morvane</h3><p>%1 %2</p><p>%3</p>"_s.arg(
+                           localized(u"Version"_s), AppDelegate::version(),
+                           localized(u"Tasks, projects, contacts and calendars in one place."_s)));
+}
+
+// The tree
+
+void MainWindowController::showList(SidebarItem item)
+{
+    mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOf(item));
+}
+
+void MainWindowController::loadContactsGroup()
+{
+    const bool isExpanded =
+        mainWindow->outlineViewListItem()->isExpanded(sidebar->indexOf(SidebarItem::Contacts));
+    const bool isTasksExpanded =
+        mainWindow->outlineViewListItem()->isExpanded(sidebar->indexOf(SidebarItem::Tasks));
+    sidebar->loadContactsGroup();
+    mainWindow->outlineViewListItem()->setExpanded(sidebar->indexOf(SidebarItem::Contacts), isExpanded);
+    mainWindow->outlineViewListItem()->setExpanded(sidebar->indexOf(SidebarItem::Tasks), isTasksExpanded);
+}
+
+void MainWindowController::countTasksBadge()
+{
+    sidebar->setBadges(DBWorker::taskBadges());
+}
+
+void MainWindowController::changeDataBase()
+{
+    const auto former = selectItem.value_or(SidebarItem::Home);
+    loadContactsGroup();
+    QTimer::singleShot(firstSelectionDelay, this, [this, former] { showList(former); });
+    countTasksBadge();
+}
+
+void MainWindowController::didRemoveRow(const QModelIndex &index)
+{
+    const auto group = sidebar->groupAt(index);
+    if (!group || !ShellAlerts::alertRemoveItem())
+        return;
+    context()->deleteObject(group);
+    present(DBWorker::saveContext());
+    loadContactsGroup();
+    showList(SidebarItem::People);
+}
+
+// Screens
+
+void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &index)
+{
+    selectItem = sidebar->itemAt(index);
+    show(ScreenFactory::make(*sidebar, index));
+}
+
+void MainWindowController::show(TabsViewController *newScreen)
+{
+    TabsViewController *const former = screen;
+    screen = newScreen;
+    connect(newScreen, &TabsViewController::buttonAdd, this, &MainWindowController::buttonAdd);
+    connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::updateEnabled);
+    newScreen->reloadData();
+    mainWindow->rightToolBarMain()->chengedToolBar()->addToolBar(newScreen->toolBarView());
+    mainWindow->rightContentView()->layout()->addWidget(newScreen);
+    if (former) {
+        former->clearController();
+        delete former;
+    }
+    newScreen->show();
+    actions->updateEnabled();
+}
+
+// New records
+
+void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
+{
+    if (type == ToolBarButton::NewTask || type == ToolBarButton::NewTaskOnStart)
+        showNewTask(screen ? screen->newTaskRequest() : NewTaskRequest());
+}
+
+void MainWindowController::showNewTask(const NewTaskRequest &request)
+{
+    if (!windowNewTask) {
+        windowNewTask = new WindowNewTask(request, mainWindow.get());
+        windowNewTask->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    windowNewTask->showWindow();
+}
+
+bool MainWindowController::closeNewWindows()
+{
+    return !windowNewTask || windowNewTask->close();
+}

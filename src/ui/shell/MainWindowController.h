@@ -1,0 +1,76 @@
+#pragma once
+
+#include "foundation/MainLoop.h"
+#include "foundation/NotificationCenter.h"
+#include "shell/SidebarModel.h"
+#include "shell/TabsViewController.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class Actions;
+class MainWindow;
+class WindowNewTask;
+
+/// The main window at work: the tree with its badges, the screen that is shown, the windows for new records.
+class MainWindowController : public QObject
+{
+    Q_OBJECT
+public:
+    MainWindowController();
+    ~MainWindowController() override;
+
+    MainWindow *window() const { return mainWindow.get(); }
+    Actions *commands() const { return actions; }
+    TabsViewController *currentScreen() const { return screen; }
+
+    /// Shows the window, or brings it to the front.
+    void showWindow();
+    /// Shows the screen of a list, opening what its row lies in.
+    void showList(SidebarItem item);
+    /// Opens the window for a new task; one that is open is brought to the front as it is.
+    void showNewTask(const NewTaskRequest &request);
+    /// Asks about every window with something typed. False if one of them is to stay.
+    bool closeNewWindows();
+
+    void loadContactsGroup();
+    /// Counts the numbers beside the rows of "Tasks".
+    void countTasksBadge();
+    /// Another store is in use: everything is fetched anew.
+    void changeDataBase();
+
+Q_SIGNALS:
+    void quitRequested();
+
+private:
+    void windowDidLoad();
+    void bindActions();
+    void bindLists();
+    void observe();
+    void outlineViewSelectionDidChange(const QModelIndex &index);
+    void didRemoveRow(const QModelIndex &index);
+    void show(TabsViewController *newScreen);
+    void selectFirstRow();
+    void buttonAdd(ToolBarButton::ActionType type);
+    void removeSelected();
+    void undo();
+    void redo();
+    void storeChanged();
+    void toggleFullScreen();
+    void showAbout();
+
+    std::unique_ptr<MainWindow> mainWindow;
+    SidebarModel *sidebar;
+    Actions *actions;
+    QPointer<TabsViewController> screen;
+    std::optional<SidebarItem> selectItem;
+    QPointer<WindowNewTask> windowNewTask;
+    QTimer badgeRecount;
+    std::optional<RepeatingTimer> badgeTimer;
+    std::vector<Observation> observations;
+};

@@ -1,0 +1,119 @@
+#include "shell/OutlineViewExtended.h"
+
+#include "shell/SidebarCell.h"
+#include "widgets/Theme.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScrollBar>
+
+OutlineViewExtended::OutlineViewExtended(QWidget *parent)
+    : QTreeView(parent)
+{
+    setFrameShape(NoFrame);
+    setHeaderHidden(true);
+    setIndentation(0);
+    setRootIsDecorated(false);
+    setExpandsOnDoubleClick(false);
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(SingleSelection);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTabKeyNavigation(false);
+    setMouseTracking(true);
+    viewport()->setAutoFillBackground(false);
+    setItemDelegate(new SidebarCell(this));
+}
+
+bool OutlineViewExtended::isHeading(const QModelIndex &index) const
+{
+    return index.isValid() && !index.flags().testFlag(Qt::ItemIsSelectable);
+}
+
+void OutlineViewExtended::selectIndex(const QModelIndex &index)
+{
+    if (!index.isValid())
+        return;
+    if (index.parent().isValid())
+        expand(index.parent());
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    scrollTo(index);
+}
+
+void OutlineViewExtended::toggle(const QModelIndex &heading)
+{
+    if (isExpanded(heading))
+        return collapse(heading);
+    expand(heading);
+    selectIndex(heading.model()->index(0, 0, heading));
+}
+
+QItemSelectionModel::SelectionFlags OutlineViewExtended::selectionCommand(const QModelIndex &index,
+                                                                          const QEvent *event) const
+{
+    // The screen stays while the keys pass over a heading or the press goes beside the rows.
+    if (!index.isValid() || isHeading(index))
+        return QItemSelectionModel::NoUpdate;
+    return QTreeView::selectionCommand(index, event);
+}
+
+void OutlineViewExtended::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    if (!selected.isEmpty())
+        Q_EMIT selectionDidChange(selected.indexes().first());
+}
+
+void OutlineViewExtended::mousePressEvent(QMouseEvent *event)
+{
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (event->button() != Qt::LeftButton || !isHeading(index))
+        return QTreeView::mousePressEvent(event);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    toggle(index);
+}
+
+void OutlineViewExtended::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    mousePressEvent(event);
+}
+
+bool OutlineViewExtended::event(QEvent *event)
+{
+    // The key removes what is selected here, not what the list on the right has selected.
+    const bool isDelete =
+        event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Delete;
+    if (!isDelete)
+        return QTreeView::event(event);
+    event->accept();
+    return true;
+}
+
+void OutlineViewExtended::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+        return selectionModel()->hasSelection() ? Q_EMIT didRemoveRow(currentIndex()) : QApplication::beep();
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return isHeading(currentIndex()) ? toggle(currentIndex()) : QTreeView::keyPressEvent(event);
+    default:
+        QTreeView::keyPressEvent(event);
+    }
+}
+
+void OutlineViewExtended::drawBranches(QPainter *, const QRect &, const QModelIndex &) const {}
+
+void OutlineViewExtended::drawRow(QPainter *painter, const QStyleOptionViewItem &option,
+                                  const QModelIndex &index) const
+{
+    QStyleOptionViewItem row = option;
+    row.state.setFlag(QStyle::State_Open, isExpanded(index));
+    row.state.setFlag(QStyle::State_Selected, selectionModel()->isSelected(index));
+    row.state.setFlag(QStyle::State_HasFocus, hasFocus() && index == currentIndex());
+    const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
+    row.state.setFlag(QStyle::State_MouseOver, underMouse() && option.rect.contains(pointer));
+    itemDelegate()->paint(painter, row, index);
+}

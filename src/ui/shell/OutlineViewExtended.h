@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QTreeView>
+
+/// The sidebar's tree. Headings are reached by the keys and opened by a press, but never selected.
+class OutlineViewExtended : public QTreeView
+{
+    Q_OBJECT
+public:
+    explicit OutlineViewExtended(QWidget *parent = nullptr);
+
+    /// Selects a row, opening what it lies in.
+    void selectIndex(const QModelIndex &index);
+    /// Opens or closes a heading; opening selects its first child.
+    void toggle(const QModelIndex &heading);
+
+Q_SIGNALS:
+    void didRemoveRow(const QModelIndex &index);
+    void selectionDidChange(const QModelIndex &index);
+
+protected:
+    bool event(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
+    void drawRow(QPainter *painter, const QStyleOptionViewItem &option,
+                 const QModelIndex &index) const override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event) const override;
+    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
+
+private:
+    bool isHeading(const QModelIndex &index) const;
+};

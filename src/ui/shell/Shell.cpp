@@ -1,0 +1,76 @@
+#include "shell/Shell.h"
+
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
+#include "shell/ApplicationLife.h"
+#include "shell/LauncherBadge.h"
+#include "shell/MainWindow.h"
+#include "shell/MainWindowController.h"
+#include "widgets/Icons.h"
+#include "widgets/MessageBoxPresenter.h"
+#include "widgets/MorvaneStyle.h"
+#include "widgets/Theme.h"
+
+#include <QApplication>
+
+using namespace Qt::Literals::StringLiterals;
+
+Shell::Shell() = default;
+Shell::~Shell() = default;
+
+void Shell::prepareApplication()
+{
+    QApplication::setStyle(new MorvaneStyle);
+    QApplication::setPalette(Theme::palette());
+    QApplication::setFont(Theme::applicationFont());
+    QApplication::setApplicationDisplayName(u"Morvane"_s);
+    QApplication::setDesktopFileName(u"com.halvern.morvane"_s);
+    QApplication::setQuitOnLastWindowClosed(false);
+    Alert::setPresenter(std::make_shared<MessageBoxPresenter>());
+}
+
+void Shell::showMainWindow()
+{
+    if (!controller) {
+        controller = std::make_unique<MainWindowController>();
+        QObject::connect(controller->window(), &MainWindow::firstPainted, controller->window(), [this] {
+            QApplication::setWindowIcon(Icons::application());
+            LauncherBadge::show(badgeLabel);
+            if (ApplicationLife *life = ApplicationLife::shared())
+                life->windowWasPainted();
+        });
+        QObject::connect(controller.get(), &MainWindowController::quitRequested, controller.get(), [] {
+            if (ApplicationLife *life = ApplicationLife::shared())
+                life->quit();
+        });
+    }
+    controller->showWindow();
+}
+
+/// The main window is also where the program begins.
+void Shell::showStartWindow()
+{
+    showMainWindow();
+}
+
+bool Shell::commitEditing()
+{
+    if (QWidget *focused = QApplication::focusWidget())
+        focused->clearFocus();
+    return !controller || controller->closeNewWindows();
+}
+
+bool Shell::presentError(const Error &error)
+{
+    Alert::run(
+        {.title = {}, .message = error.message, .informativeText = {}, .buttons = {localized(u"OK"_s)}});
+    return true;
+}
+
+void Shell::setBadgeLabel(const QString &label)
+{
+    badgeLabel = label;
+    // Before the first picture the message bus would only keep the window waiting.
+    if (controller && ApplicationLife::shared() && ApplicationLife::shared()->isPainted())
+        LauncherBadge::show(label);
+}

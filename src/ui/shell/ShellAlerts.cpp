@@ -1,0 +1,51 @@
+#include "shell/ShellAlerts.h"
+
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+static void tell(const QString &message, const QString &informativeText = {})
+{
+    Alert::run({.title = {},
+                .message = message,
+                .informativeText = informativeText,
+                .buttons = {localized(u"OK"_s)}});
+}
+
+ShellAlerts::DontSaveAnswer ShellAlerts::alertDontSave()
+{
+    const int answer =
+        Alert::run({.title = {},
+                    .message = localized(u"Do you want to save the changes you have made?"_s),
+                    .informativeText = localized(u"Your changes will be lost if you don't save them"_s),
+                    .buttons = {localized(u"Save"_s), localized(u"Cancel"_s), localized(u"Don't Save"_s)}});
+    switch (answer) {
+    case Alert::firstButton:
+        return DontSaveAnswer::Save;
+    case Alert::thirdButton:
+        return DontSaveAnswer::DontSave;
+    default:
+        return DontSaveAnswer::Cancel;
+    }
+}
+
+void ShellAlerts::alertSelectOneTask()
+{
+    tell(localized(u"Select one task"_s));
+}
+
+void ShellAlerts::alertEditingEvent(const QString &calendarTitle)
+{
+    QString message = localized(u"You can't change events in the %@ calendar"_s);
+    tell(message.replace(u"%@"_s, calendarTitle),
+         localized(u"Only the calendar administrator can make changes to read-only calendar"_s));
+}
+
+bool ShellAlerts::alertRemoveItem()
+{
+    return Alert::run({.title = {},
+                       .message = localized(u"Are you sure you want to delete the selected item?"_s),
+                       .informativeText = {},
+                       .buttons = {localized(u"Delete"_s), localized(u"Cancel"_s)}}) == Alert::firstButton;
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+/// The questions and messages that several screens share.
+namespace ShellAlerts {
+
+enum class DontSaveAnswer { Save, Cancel, DontSave };
+
+/// What to do with changes that would be lost.
+DontSaveAnswer alertDontSave();
+void alertSelectOneTask();
+/// An event of a calendar that cannot be written cannot be changed.
+void alertEditingEvent(const QString &calendarTitle);
+/// Whether the selected item is to be deleted.
+bool alertRemoveItem();
+
+} // namespace ShellAlerts

@@ -1,0 +1,94 @@
+#include "shell/SidebarCell.h"
+
+#include "shell/SidebarModel.h"
+#include "widgets/BadgePainter.h"
+#include "widgets/Icons.h"
+#include "widgets/MorvaneStyle.h"
+#include "widgets/Theme.h"
+
+#include <QPainter>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int topIconLeft = 18;
+constexpr int childIconLeft = 34;
+constexpr int iconSize = 20;
+constexpr int childIconSize = 18;
+constexpr int textGap = 11;
+constexpr int arrowSize = 14;
+constexpr int arrowMargin = 16;
+constexpr int plateMargin = 8;
+constexpr int plateRadius = 7;
+
+static void paintPlate(QPainter &painter, const QStyleOptionViewItem &option)
+{
+    const QRectF plate = QRectF(option.rect).adjusted(plateMargin, 1, -plateMargin, -1);
+    painter.setPen(Qt::NoPen);
+    if (option.state.testFlag(QStyle::State_Selected))
+        painter.setBrush(Theme::sidebarSelection);
+    else if (option.state.testFlag(QStyle::State_MouseOver))
+        painter.setBrush(Theme::sidebarHover);
+    else
+        painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(plate, plateRadius, plateRadius);
+    if (option.state.testFlag(QStyle::State_HasFocus))
+        MorvaneStyle::drawFocusRing(painter, plate, plateRadius, Theme::sidebarFocus);
+}
+
+static QColor textColour(const QStyleOptionViewItem &option, bool isTop)
+{
+    if (option.state.testFlag(QStyle::State_Selected))
+        return Theme::textOnAccent;
+    return isTop ? Theme::sidebarText : Theme::sidebarText.darker(108);
+}
+
+static void paintArrow(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    if (!index.model()->hasChildren(index))
+        return;
+    const QRect atEnd(option.rect.right() - arrowMargin - arrowSize, option.rect.top(), arrowSize,
+                      option.rect.height());
+    const bool isRightToLeft = option.direction == Qt::RightToLeft;
+    const QString closed = isRightToLeft ? u"chevron-left"_s : u"chevron-right"_s;
+    Icons::paint(painter, QStyle::visualRect(option.direction, option.rect, atEnd),
+                 option.state.testFlag(QStyle::State_Open) ? u"chevron-down"_s : closed, Theme::sidebarQuiet,
+                 arrowSize);
+}
+
+void SidebarCell::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const bool isTop = index.data(SidebarModel::IsTopLevelRole).toBool();
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    const auto placed = [&](const QRect &rect) {
+        return QStyle::visualRect(option.direction, option.rect, rect);
+    };
+    const int size = isTop ? iconSize : childIconSize;
+    const QRect icon(isTop ? topIconLeft : childIconLeft, option.rect.top(), size, option.rect.height());
+    const BadgePainter badge(index.data(SidebarModel::BadgeLeftRole).toInt(),
+                             index.data(SidebarModel::BadgeRightRole).toInt(),
+                             Theme::font(Theme::FontRole::SmallStrong));
+    const int textLeft = icon.right() + 1 + textGap;
+    const QRect text(textLeft, option.rect.top(),
+                     option.rect.right() - textLeft - badge.width() - plateMargin, option.rect.height());
+
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    paintPlate(*painter, option);
+    Icons::paint(*painter, placed(icon), index.data(SidebarModel::IconRole).toString(),
+                 isSelected ? Theme::sidebarAccent : Theme::sidebarQuiet, size);
+    const QFont font = Theme::font(isTop ? Theme::FontRole::SidebarTop : Theme::FontRole::SidebarChild);
+    painter->setFont(font);
+    painter->setPen(textColour(option, isTop));
+    const QString title =
+        QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, text.width());
+    painter->drawText(placed(text),
+                      QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter), title);
+    paintArrow(*painter, option, index);
+    badge.paint(*painter, option.rect, option.direction);
+    painter->restore();
+}
+
+QSize SidebarCell::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
+{
+    return {0, index.data(SidebarModel::IsTopLevelRole).toBool() ? topRowHeight : childRowHeight};
+}

@@ -1,0 +1,215 @@
+#include "shell/SidebarModel.h"
+
+#include "foundation/Localization.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct Description
+{
+    SidebarItem item;
+    const char16_t *title;
+    const char16_t *icon;
+};
+
+constexpr std::array descriptions = {
+    Description{SidebarItem::Home, u"Home", u"home"},
+    Description{SidebarItem::Projects, u"Projects", u"project"},
+    Description{SidebarItem::Contacts, u"Contacts", u"contacts"},
+    Description{SidebarItem::Tasks, u"Tasks", u"tasks"},
+    Description{SidebarItem::Calendar, u"Calendar", u"calendar"},
+    Description{SidebarItem::People, u"People", u"people"},
+    Description{SidebarItem::Companies, u"Companies", u"company"},
+    Description{SidebarItem::ContactGroup, u"", u"group"},
+    Description{SidebarItem::Inbox, u"Inbox", u"inbox"},
+    Description{SidebarItem::Today, u"Today", u"today"},
+    Description{SidebarItem::Scheduled, u"Scheduled", u"scheduled"},
+    Description{SidebarItem::Someday, u"Someday", u"tasks"},
+    Description{SidebarItem::Categories, u"Categories", u"categories"},
+    Description{SidebarItem::Delegated, u"Delegated", u"delegated"},
+    Description{SidebarItem::NotDone, u"Not Done", u"notdone"},
+    Description{SidebarItem::Done, u"Done", u"done"},
+};
+
+constexpr std::array dataKeyArray = {SidebarItem::Home, SidebarItem::Projects, SidebarItem::Contacts,
+                                     SidebarItem::Tasks, SidebarItem::Calendar};
+constexpr int contactsRow = 2;
+constexpr int tasksRow = 3;
+
+const Description &descriptionOf(SidebarItem item)
+{
+    return *std::ranges::find(descriptions, item, &Description::item);
+}
+
+/// A child's index holds the number of its top row plus one; a top row's holds 0.
+quintptr parentTag(int topRow)
+{
+    return static_cast<quintptr>(topRow) + 1;
+}
+
+} // namespace
+
+SidebarModel::SidebarModel(QObject *parent)
+    : QAbstractItemModel(parent)
+{
+    for (const SidebarItem item :
+         {SidebarItem::Inbox, SidebarItem::Today, SidebarItem::Scheduled, SidebarItem::Someday,
+          SidebarItem::Categories, SidebarItem::Delegated, SidebarItem::NotDone, SidebarItem::Done})
+        taskRows.push_back({item, nullptr, {}});
+    contactRows = {{SidebarItem::People, nullptr, {}}, {SidebarItem::Companies, nullptr, {}}};
+}
+
+void SidebarModel::loadContactsGroup()
+{
+    beginResetModel();
+    contactRows.resize(2);
+    for (const auto &groups : {DBWorker::allContactPrivateGroup(), DBWorker::allContactPrivateList()}) {
+        for (const auto &group : groups)
+            contactRows.push_back({SidebarItem::ContactGroup, group, {}});
+    }
+    endResetModel();
+}
+
+void SidebarModel::setBadges(const TaskBadges &badges)
+{
+    const std::array numbers = {badges.inbox,      badges.today,     badges.scheduled, badges.someday,
+                                badges.categories, badges.delegated, badges.notDone,   badges.done};
+    for (std::size_t row = 0; row < numbers.size(); ++row)
+        taskRows[row].badge = numbers[row];
+    const QModelIndex top = index(tasksRow, 0);
+    Q_EMIT dataChanged(index(0, 0, top), index(rowCount(top) - 1, 0, top), {BadgeLeftRole, BadgeRightRole});
+}
+
+const std::vector<SidebarModel::Child> &SidebarModel::childrenOf(int topRow) const
+{
+    static const std::vector<Child> none;
+    if (topRow == contactsRow)
+        return contactRows;
+    return topRow == tasksRow ? taskRows : none;
+}
+
+const SidebarModel::Child *SidebarModel::childAt(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.internalId() == 0)
+        return nullptr;
+    return &childrenOf(static_cast<int>(index.internalId()) - 1)[static_cast<std::size_t>(index.row())];
+}
+
+SidebarItem SidebarModel::itemAt(const QModelIndex &index) const
+{
+    const Child *child = childAt(index);
+    return child ? child->item : dataKeyArray[static_cast<std::size_t>(std::max(index.row(), 0))];
+}
+
+std::shared_ptr<EntityContactGroup> SidebarModel::groupAt(const QModelIndex &index) const
+{
+    const Child *child = childAt(index);
+    return child ? child->group : nullptr;
+}
+
+QModelIndex SidebarModel::indexOf(SidebarItem item) const
+{
+    for (int top = 0; top < rowCount(); ++top) {
+        if (dataKeyArray[static_cast<std::size_t>(top)] == item)
+            return index(top, 0);
+        const auto &children = childrenOf(top);
+        const auto found = std::ranges::find(children, item, &Child::item);
+        if (found != children.end() && item != SidebarItem::ContactGroup)
+            return index(static_cast<int>(found - children.begin()), 0, index(top, 0));
+    }
+    return {};
+}
+
+QModelIndex SidebarModel::indexOfGroup(const EntityContactGroup &group) const
+{
+    const auto isGroup = [&](const Child &child) { return child.group.get() == &group; };
+    const auto found = std::ranges::find_if(contactRows, isGroup);
+    if (found == contactRows.end())
+        return {};
+    return index(static_cast<int>(found - contactRows.begin()), 0, index(contactsRow, 0));
+}
+
+QString SidebarModel::titleOf(SidebarItem item)
+{
+    return localized(QString::fromUtf16(descriptionOf(item).title));
+}
+
+QModelIndex SidebarModel::index(int row, int column, const QModelIndex &parent) const
+{
+    if (column != 0 || row < 0 || row >= rowCount(parent))
+        return {};
+    return createIndex(row, column, parent.isValid() ? parentTag(parent.row()) : quintptr(0));
+}
+
+QModelIndex SidebarModel::parent(const QModelIndex &child) const
+{
+    if (!child.isValid() || child.internalId() == 0)
+        return {};
+    return createIndex(static_cast<int>(child.internalId()) - 1, 0, quintptr(0));
+}
+
+int SidebarModel::rowCount(const QModelIndex &parent) const
+{
+    if (!parent.isValid())
+        return static_cast<int>(dataKeyArray.size());
+    return parent.internalId() == 0 ? static_cast<int>(childrenOf(parent.row()).size()) : 0;
+}
+
+QString SidebarModel::titleAt(const QModelIndex &index) const
+{
+    const auto group = groupAt(index);
+    return group ? group->title() : titleOf(itemAt(index));
+}
+
+Badge SidebarModel::badgeAt(const QModelIndex &index) const
+{
+    const Child *child = childAt(index);
+    return child ? child->badge : Badge{};
+}
+
+QString SidebarModel::accessibleTextAt(const QModelIndex &index) const
+{
+    const Badge badge = badgeAt(index);
+    QString text = titleAt(index);
+    if (badge.right != 0)
+        text += u", %1"_s.arg(badge.right);
+    if (badge.left != 0)
+        text += u", %1 %2"_s.arg(badge.left).arg(localized(u"overdue"_s));
+    return text;
+}
+
+QVariant SidebarModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    const auto group = groupAt(index);
+    switch (role) {
+    case Qt::DisplayRole:
+        return titleAt(index);
+    case Qt::AccessibleTextRole:
+        return accessibleTextAt(index);
+    case IconRole:
+        if (group && group->useGeneralFilter().value_or(false))
+            return u"filter"_s;
+        return QString::fromUtf16(descriptionOf(itemAt(index)).icon);
+    case ItemRole:
+        return static_cast<int>(itemAt(index));
+    case IsTopLevelRole:
+        return isTopLevel(index);
+    case BadgeLeftRole:
+        return badgeAt(index).left;
+    case BadgeRightRole:
+        return badgeAt(index).right;
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags SidebarModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    const bool isHeading = isTopLevel(index) && rowCount(index) > 0;
+    return isHeading ? Qt::ItemIsEnabled : Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+}

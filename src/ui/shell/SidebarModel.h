@@ -1,0 +1,76 @@
+#pragma once
+
+#include "store/entities/Entities.h"
+#include "store/queries/DBWorker.h"
+
+#include <QAbstractItemModel>
+
+#include <array>
+#include <vector>
+
+/// What a row of the sidebar stands for.
+enum class SidebarItem {
+    Home,
+    Projects,
+    Contacts,
+    Tasks,
+    Calendar,
+    People,
+    Companies,
+    ContactGroup,
+    Inbox,
+    Today,
+    Scheduled,
+    Someday,
+    Categories,
+    Delegated,
+    NotDone,
+    Done,
+};
+
+/// The rows of the sidebar: five on top, those of "Contacts" and "Tasks" below theirs.
+class SidebarModel : public QAbstractItemModel
+{
+    Q_OBJECT
+public:
+    enum Role { IconRole = Qt::UserRole, ItemRole, IsTopLevelRole, BadgeLeftRole, BadgeRightRole };
+
+    explicit SidebarModel(QObject *parent = nullptr);
+
+    /// Takes the contact groups anew, first the groups, then the lists.
+    void loadContactsGroup();
+    /// The numbers beside the rows of "Tasks".
+    void setBadges(const TaskBadges &badges);
+
+    SidebarItem itemAt(const QModelIndex &index) const;
+    /// The group that a row stands for, or null.
+    std::shared_ptr<EntityContactGroup> groupAt(const QModelIndex &index) const;
+    /// The row of an item; an invalid index for `ContactGroup`, of which there may be many.
+    QModelIndex indexOf(SidebarItem item) const;
+    QModelIndex indexOfGroup(const EntityContactGroup &group) const;
+    bool isTopLevel(const QModelIndex &index) const { return index.isValid() && !index.parent().isValid(); }
+    static QString titleOf(SidebarItem item);
+
+    QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &) const override { return 1; }
+    QVariant data(const QModelIndex &index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+private:
+    struct Child
+    {
+        SidebarItem item;
+        std::shared_ptr<EntityContactGroup> group;
+        Badge badge;
+    };
+    const std::vector<Child> &childrenOf(int topRow) const;
+    const Child *childAt(const QModelIndex &index) const;
+    QString titleAt(const QModelIndex &index) const;
+    QString accessibleTextAt(const QModelIndex &index) const;
+    Badge badgeAt(const QModelIndex &index) const;
+
+    std::vector<Child> contactRows;
+    std::vector<Child> taskRows;
+};

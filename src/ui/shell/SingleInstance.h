@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QLockFile>
+#include <QObject>
+
+#include <memory>
+
+class QLocalServer;
+
+/// Keeps a second start on the same data from running: the first one is asked to show its window instead.
+///
+/// A lock file beside the data decides, since that is what two programs must not share. It costs no
+/// connection, so the window need not wait for the message bus; the program takes its name there afterwards,
+/// for the desktop to activate.
+class SingleInstance : public QObject
+{
+    Q_OBJECT
+public:
+    explicit SingleInstance(QObject *parent = nullptr);
+    ~SingleInstance() override;
+
+    /// Whether nobody else runs on this data.
+    bool isFirst() const { return first; }
+    /// Asks the running one to show its window. False if it does not answer.
+    bool activateOther() const;
+    /// Takes the program's name on the message bus, if there is one.
+    void registerOnBus();
+
+Q_SIGNALS:
+    /// Somebody wants to see the window.
+    void activated();
+
+private:
+    void listen();
+
+    QLockFile lock;
+    QString socketPath;
+    QLocalServer *server = nullptr;
+    bool first = false;
+};

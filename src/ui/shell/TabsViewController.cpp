@@ -1,0 +1,25 @@
+#include "shell/TabsViewController.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+TabsViewController::TabsViewController(const QString &title, QWidget *parent)
+    : QWidget(parent)
+    , bar(new ScreenToolBar(title))
+{
+    setAccessibleName(title);
+}
+
+TabsViewController::~TabsViewController()
+{
+    // The bar stands in the slot of the toolbar, but is a part of the screen.
+    delete bar;
+}
+
+ToolBarButton *TabsViewController::addButton(ToolBarButton::ActionType type)
+{
+    auto *button = new ToolBarButton(type);
+    button->setObjectName(u"buttonAdd"_s);
+    connect(button, &ToolBarButton::buttonAdd, this, &TabsViewController::buttonAdd);
+    bar->addControl(button);
+    return button;
+}

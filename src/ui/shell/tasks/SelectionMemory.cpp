@@ -1,0 +1,47 @@
+#include "shell/tasks/SelectionMemory.h"
+
+#include "shell/tasks/TaskListModel.h"
+#include "widgets/TableViewExtended.h"
+
+#include <QScrollBar>
+
+SelectionMemory SelectionMemory::of(const TableViewExtended &view, const TaskListModel &model)
+{
+    SelectionMemory memory;
+    const std::set<int> rows = view.selectedRows();
+    memory.scrollValue = view.verticalScrollBar()->value();
+    memory.currentTask = model.taskAt(view.currentRow());
+    if (rows.empty())
+        return memory;
+    memory.firstRow = *rows.begin();
+    if (rows.size() > mostTasks)
+        return memory;
+    for (const int row : rows)
+        memory.tasks.push_back(model.taskAt(row));
+    return memory;
+}
+
+static int rowNear(const TaskListModel &model, int row)
+{
+    const int inside = std::min(row, model.rowCount() - 1);
+    const int below = model.nearestItem(inside, 1);
+    return below >= 0 ? below : model.nearestItem(inside, -1);
+}
+
+void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &model) const
+{
+    view.verticalScrollBar()->setValue(scrollValue);
+    std::set<int> rows;
+    for (const TaskPtr &task : tasks) {
+        if (const int row = model.rowOf(task); row >= 0)
+            rows.insert(row);
+    }
+    if (rows.empty() && firstRow >= 0) {
+        if (const int row = rowNear(model, firstRow); row >= 0)
+            rows.insert(row);
+    }
+    if (!rows.empty())
+        view.selectRows(rows);
+    if (const int row = model.rowOf(currentTask); row >= 0)
+        view.selectionModel()->setCurrentIndex(model.index(row), QItemSelectionModel::NoUpdate);
+}

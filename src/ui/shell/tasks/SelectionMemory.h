@@ -1,0 +1,28 @@
+#pragma once
+
+#include "store/entities/Entities.h"
+
+#include <vector>
+
+class TableViewExtended;
+class TaskListModel;
+
+/// What was selected in a task list, so that it can be selected again after the list was fetched anew.
+class SelectionMemory
+{
+public:
+    static SelectionMemory of(const TableViewExtended &view, const TaskListModel &model);
+
+    /// Selects the tasks that are still in the list; if none is, the task at the row where the first of them
+    /// was.
+    void restore(TableViewExtended &view, const TaskListModel &model) const;
+
+private:
+    /// Beyond this many, looking each one up again would be felt.
+    static constexpr std::size_t mostTasks = 1000;
+
+    std::vector<TaskPtr> tasks;
+    TaskPtr currentTask;
+    int firstRow = -1;
+    int scrollValue = 0;
+};

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "foundation/NotificationCenter.h"
+#include "shell/TabsViewController.h"
+#include "shell/tasks/TaskListModel.h"
+#include "store/queries/DBWorker.h"
+#include "widgets/TableViewExtended.h"
+
+#include <QTimer>
+
+#include <vector>
+
+class EmptyState;
+class MVSegmentView;
+class TaskPopupMenu;
+
+/// What makes one task list differ from another.
+struct TaskListDescription
+{
+    ListType type;
+    QString title;
+    QString icon;
+    QString emptySentence;
+    /// The key of its grouping in the settings; -1 for a list without the control.
+    int groupedType = -1;
+};
+
+/// A screen of tasks. The lists differ by what they fetch.
+class TabTaskViewController : public TabsViewController
+{
+    Q_OBJECT
+public:
+    explicit TabTaskViewController(const TaskListDescription &description, QWidget *parent = nullptr);
+
+    ListType type() const { return description.type; }
+    TableViewExtended *tableViewTasks() const { return view; }
+
+    void reloadData() override;
+    NewTaskRequest newTaskRequest() const override;
+    bool hasSelection() const override;
+    bool hasRows() const override;
+    void removeSelection() override;
+    void selectAll() override;
+
+    /// Selects a task, scrolls to it and shows it; nothing if it is not in the list.
+    void selectItem(const TaskPtr &task);
+    void showDetailWithTask(const TaskPtr &task);
+
+Q_SIGNALS:
+    void detailRequested(const TaskPtr &task);
+
+protected:
+    /// The rows as they are now; `grouping` is None where the list has no grouping or none is chosen.
+    virtual TaskRows fetchRows(Grouping grouping) const = 0;
+
+    const TaskListModel &tasksModel() const { return *model; }
+    std::vector<TaskPtr> tasksAt(const std::set<int> &rows) const;
+    /// Fetches anew after a change that the user is to see first; changes in quick succession share one
+    /// fetch.
+    void reloadLater();
+    /// Runs a change of our own, which must not make the list fetch at once.
+    template <typename Change>
+    void editing(Change change)
+    {
+        isEditing = true;
+        change();
+        isEditing = false;
+        view->viewport()->update();
+        reloadLater();
+    }
+
+private:
+    void setUpView();
+    void setUpGrouping();
+    void setUpMenu();
+    void observe();
+    void changedElsewhere();
+    void saveGrouping(int index);
+    void tableViewDoubleAction(int row);
+    void removeRows(const std::set<int> &rows);
+    void selectAfterRemoval(int lastIndex);
+    void showMenu(const QPoint &globalPosition);
+    void updateEmptyState();
+
+    TaskListDescription description;
+    TaskListModel *model;
+    TableViewExtended *view;
+    EmptyState *emptyState;
+    MVSegmentView *tasksGroupedView = nullptr;
+    TaskPopupMenu *taskPopupMenu = nullptr;
+    QTimer delayedReload;
+    QTimer promptReload;
+    bool isEditing = false;
+    std::vector<Observation> observations;
+};

@@ -1,0 +1,132 @@
+#include "shell/tasks/TaskListModel.h"
+
+#include "foundation/Calendar.h"
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+#include "records/Functional.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+TaskListModel::TaskListModel(ListType list, QObject *parent)
+    : TableModel(parent)
+    , type(list)
+{}
+
+void TaskListModel::setRows(TaskRows rows)
+{
+    beginResetModel();
+    dataSourceTasks = std::move(rows);
+    endResetModel();
+}
+
+TaskPtr TaskListModel::taskAt(int row) const
+{
+    return row >= 0 && row < dataSourceTasks.size() ? dataSourceTasks.taskAt(row) : nullptr;
+}
+
+int TaskListModel::rowOf(const TaskPtr &task) const
+{
+    return task ? dataSourceTasks.rowOf(*task) : -1;
+}
+
+RowKind TaskListModel::kindOf(int row) const
+{
+    switch (dataSourceTasks.kindOf(row)) {
+    case TaskRows::Kind::Header:
+        return RowKind::Header;
+    case TaskRows::Kind::Separator:
+        return RowKind::Separator;
+    case TaskRows::Kind::Task:
+        break;
+    }
+    return RowKind::Item;
+}
+
+int TaskListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : dataSourceTasks.size();
+}
+
+namespace {
+
+struct HeaderText
+{
+    QString operator()(const CategoryPtr &category) const { return category ? category->title() : QString(); }
+    QString operator()(const ProjectPtr &project) const
+    {
+        return project ? localized(project->title()) : QString();
+    }
+    QString operator()(const ContactPtr &contact) const { return contact ? contact->fullName() : QString(); }
+    QString operator()(const PriorityHeader &header) const
+    {
+        return Functional::priorityStringFromType(header.priority);
+    }
+    QString operator()(const DayHeader &header) const
+    {
+        if (Calendar::current().isDateInToday(header.day))
+            return localized(u"Today"_s);
+        return DateFormatter::string(header.day, u"d MMMM yyyy"_s);
+    }
+    QString operator()(const EntityNotValue &header) const
+    {
+        switch (header.type) {
+        case EntityNotValue::NoCategory:
+            return localized(u"No Category"_s);
+        case EntityNotValue::NoProject:
+            return localized(u"No Project"_s);
+        case EntityNotValue::NoDelegate:
+            return localized(u"No Contact"_s);
+        case EntityNotValue::NoTasks:
+            return localized(u"No Tasks"_s);
+        }
+        return {};
+    }
+};
+
+/// What a screen reader says of a row.
+QString spoken(const TaskRowContent &content)
+{
+    QStringList parts = {content.title};
+    if (!content.dateLabel.isEmpty())
+        parts << content.dateLabel;
+    if (content.isOverdue)
+        parts << localized(u"overdue"_s);
+    if (content.hasCheckBox && content.priority < 3)
+        parts << Functional::priorityStringFromType(content.priority);
+    return parts.join(u", "_s);
+}
+
+} // namespace
+
+QString TaskListModel::headerText(const GroupHeader &header)
+{
+    return std::visit(HeaderText(), header);
+}
+
+QVariant TaskListModel::taskData(const EntityTask &task, int role) const
+{
+    switch (role) {
+    case Qt::DisplayRole:
+        return task.title();
+    case ContentRole:
+        return QVariant::fromValue(TaskRowContent::of(task, type));
+    case Qt::AccessibleTextRole:
+        return spoken(TaskRowContent::of(task, type));
+    case Qt::CheckStateRole:
+        return TaskRowContent::of(task, type).isChecked ? Qt::Checked : Qt::Unchecked;
+    default:
+        return {};
+    }
+}
+
+QVariant TaskListModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    const TaskRow row = dataSourceTasks.at(index.row());
+    if (const auto *task = std::get_if<TaskPtr>(&row))
+        return *task ? taskData(**task, role) : QVariant();
+    const auto *header = std::get_if<GroupHeader>(&row);
+    const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
+    return header && isText ? QVariant(headerText(*header)) : QVariant();
+}

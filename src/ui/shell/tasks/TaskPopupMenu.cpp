@@ -1,0 +1,91 @@
+#include "shell/tasks/TaskPopupMenu.h"
+
+#include "foundation/Localization.h"
+#include "records/Functional.h"
+#include "store/queries/DBWorker.h"
+#include "widgets/CategoryIcon.h"
+#include "widgets/Icons.h"
+#include "widgets/Theme.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+TaskPopupMenu::TaskPopupMenu(QWidget *parent)
+    : QMenu(parent)
+    , categoryMenu(addMenu(localized(u"Category"_s)))
+    , statusMenu(addMenu(localized(u"Status"_s)))
+    , priorityMenu(addMenu(localized(u"Priority"_s)))
+{
+    setObjectName(u"taskPopupMenu"_s);
+    addStatuses();
+    addPriorities();
+    addSeparator();
+    addAction(Icons::icon(u"trash"_s, Theme::text), localized(u"Delete"_s), this,
+              &TaskPopupMenu::deleteChosen);
+}
+
+static QAction *addChoice(QMenu &menu, const QString &text, const QVariant &value)
+{
+    QAction *action = menu.addAction(text);
+    action->setCheckable(true);
+    action->setData(value);
+    return action;
+}
+
+void TaskPopupMenu::addStatuses()
+{
+    for (const int status : {0, 1, 2, 3}) {
+        QAction *action = addChoice(*statusMenu, Functional::statusStringFromType(status), status);
+        connect(action, &QAction::triggered, this, [this, status] { Q_EMIT statusChosen(status); });
+    }
+}
+
+void TaskPopupMenu::addPriorities()
+{
+    for (const int priority : {3, 0, 1, 2}) {
+        QAction *action = addChoice(*priorityMenu, Functional::priorityStringFromType(priority), priority);
+        connect(action, &QAction::triggered, this, [this, priority] { Q_EMIT priorityChosen(priority); });
+    }
+}
+
+void TaskPopupMenu::rebuildCategories()
+{
+    categoryMenu->clear();
+    for (const CategoryPtr &category : DBWorker::allCategories()) {
+        QAction *action = addChoice(*categoryMenu, category->title(), category->identifier());
+        action->setIcon(CategoryIcon::of(*category));
+        connect(action, &QAction::triggered, this, [this, category] { Q_EMIT categoryChosen(category); });
+    }
+}
+
+/// The value that all tasks share; an invalid one if they differ.
+template <typename ValueOf>
+static QVariant shared(const std::vector<TaskPtr> &tasks, ValueOf valueOf)
+{
+    QVariant common;
+    for (const TaskPtr &task : tasks) {
+        const QVariant value = valueOf(*task);
+        if (common.isValid() && common != value)
+            return {};
+        common = value;
+    }
+    return common;
+}
+
+static void tick(QMenu &menu, const QVariant &value)
+{
+    for (QAction *action : menu.actions())
+        action->setChecked(value.isValid() && action->data() == value);
+}
+
+void TaskPopupMenu::setTasks(const std::vector<TaskPtr> &tasks)
+{
+    rebuildCategories();
+    tick(*categoryMenu, shared(tasks, [](const EntityTask &task) {
+        const CategoryPtr category = task.category();
+        return QVariant(category ? category->identifier() : QString());
+    }));
+    tick(*statusMenu,
+         shared(tasks, [](const EntityTask &task) { return QVariant(task.status().value_or(0)); }));
+    tick(*priorityMenu,
+         shared(tasks, [](const EntityTask &task) { return QVariant(task.priority().value_or(3)); }));
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "store/entities/Entities.h"
+
+#include <QMenu>
+
+#include <vector>
+
+/// The context menu of task rows: category, status and priority, with what all chosen tasks have in common
+/// ticked.
+class TaskPopupMenu : public QMenu
+{
+    Q_OBJECT
+public:
+    explicit TaskPopupMenu(QWidget *parent = nullptr);
+
+    /// The tasks that the menu is about.
+    void setTasks(const std::vector<TaskPtr> &tasks);
+
+Q_SIGNALS:
+    void categoryChosen(const CategoryPtr &category);
+    void statusChosen(int status);
+    void priorityChosen(int priority);
+    void deleteChosen();
+
+private:
+    void addStatuses();
+    void addPriorities();
+    void rebuildCategories();
+
+    QMenu *categoryMenu;
+    QMenu *statusMenu;
+    QMenu *priorityMenu;
+};

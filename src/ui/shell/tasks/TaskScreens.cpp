@@ -1,0 +1,143 @@
+#include "shell/tasks/TaskScreens.h"
+
+#include "foundation/Localization.h"
+#include "store/queries/DBWorker.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+// Inbox
+
+InboxViewController::InboxViewController(QWidget *parent)
+    : TabTaskViewController(
+          {.type = ListType::Inbox,
+           .title = localized(u"Inbox"_s),
+           .icon = u"inbox"_s,
+           .emptySentence = localized(u"Your inbox is empty. New ideas land here first."_s)},
+          parent)
+{
+    tableViewTasks()->setRowsMovable(true);
+    connect(tableViewTasks(), &TableViewExtended::rowsDropped, this,
+            [this](const std::set<int> &rows, int target) { moveRows(rows, target); });
+    connect(tableViewTasks(), &TableViewExtended::moveRequested, this, &InboxViewController::moveByKey);
+}
+
+TaskRows InboxViewController::fetchRows(Grouping) const
+{
+    return TaskRows::flat(DBWorker::allInboxTasks(), true);
+}
+
+void InboxViewController::moveRows(const std::set<int> &rows, int target)
+{
+    DBWorker::newPositionInboxTask(rows, target, tasksModel().rows().tasks());
+    reloadData();
+    if (const int current = tableViewTasks()->currentRow(); current >= 0)
+        tableViewTasks()->scrollToRow(current);
+}
+
+/// Rows fall above a target, so a row goes down by the one below it going up.
+void InboxViewController::moveByKey(int direction)
+{
+    const std::set<int> rows = tableViewTasks()->selectedRows();
+    if (rows.empty())
+        return;
+    const int first = *rows.begin();
+    const int below = *rows.rbegin() + 1;
+    if (direction < 0 && tasksModel().isItem(first - 1))
+        moveRows(rows, first - 1);
+    else if (direction > 0 && tasksModel().isItem(below))
+        moveRows({below}, first);
+}
+
+// Lists with a grouping
+
+TodayViewController::TodayViewController(QWidget *parent)
+    : TabTaskViewController({.type = ListType::Today,
+                             .title = localized(u"Today"_s),
+                             .icon = u"today"_s,
+                             .emptySentence = localized(u"Nothing is waiting for you today."_s),
+                             .groupedType = 0},
+                            parent)
+{}
+
+TaskRows TodayViewController::fetchRows(Grouping grouping) const
+{
+    if (grouping == Grouping::None)
+        return TaskRows::flat(DBWorker::allTodayTasks());
+    return DBWorker::allTodayTasksGrouped(grouping);
+}
+
+ScheduledViewController::ScheduledViewController(QWidget *parent)
+    : TabTaskViewController({.type = ListType::Scheduled,
+                             .title = localized(u"Scheduled"_s),
+                             .icon = u"scheduled"_s,
+                             .emptySentence = localized(u"Nothing is planned for the days to come."_s),
+                             .groupedType = 1},
+                            parent)
+{}
+
+TaskRows ScheduledViewController::fetchRows(Grouping grouping) const
+{
+    if (grouping == Grouping::None)
+        return TaskRows::flat(DBWorker::allScheduledTasks());
+    return DBWorker::allScheduledTasksGrouped(grouping);
+}
+
+SomedayViewController::SomedayViewController(QWidget *parent)
+    : TabTaskViewController({.type = ListType::Someday,
+                             .title = localized(u"Someday"_s),
+                             .icon = u"someday"_s,
+                             .emptySentence = localized(u"Plans without a date find their place here."_s),
+                             .groupedType = 2},
+                            parent)
+{}
+
+TaskRows SomedayViewController::fetchRows(Grouping grouping) const
+{
+    if (grouping == Grouping::None)
+        return TaskRows::flat(DBWorker::allSomedayTasks());
+    return DBWorker::allSomedayTasksGrouped(grouping);
+}
+
+NotDoneViewController::NotDoneViewController(QWidget *parent)
+    : TabTaskViewController({.type = ListType::NotDone,
+                             .title = localized(u"Not Done"_s),
+                             .icon = u"notdone"_s,
+                             .emptySentence = localized(u"Everything is done."_s),
+                             .groupedType = 3},
+                            parent)
+{}
+
+TaskRows NotDoneViewController::fetchRows(Grouping grouping) const
+{
+    if (grouping == Grouping::None)
+        return TaskRows::flat(DBWorker::allNotDoneTasks());
+    return DBWorker::allNotDoneTasksGrouped(grouping);
+}
+
+// Lists that come grouped
+
+UserDelegateViewController::UserDelegateViewController(QWidget *parent)
+    : TabTaskViewController({.type = ListType::Delegated,
+                             .title = localized(u"Delegated"_s),
+                             .icon = u"delegated"_s,
+                             .emptySentence = localized(u"No task is in other hands."_s)},
+                            parent)
+{}
+
+TaskRows UserDelegateViewController::fetchRows(Grouping) const
+{
+    return DBWorker::allTasksWithDelegates();
+}
+
+DoneViewController::DoneViewController(QWidget *parent)
+    : TabTaskViewController({.type = ListType::Done,
+                             .title = localized(u"Done"_s),
+                             .icon = u"done"_s,
+                             .emptySentence = localized(u"What you finish is kept here, day by day."_s)},
+                            parent)
+{}
+
+TaskRows DoneViewController::fetchRows(Grouping) const
+{
+    return DBWorker::allDoneTasks().value_or(TaskRows());
+}

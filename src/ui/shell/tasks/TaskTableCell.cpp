@@ -1,0 +1,161 @@
+#include "shell/tasks/TaskTableCell.h"
+
+#include "shell/tasks/TaskListModel.h"
+#include "shell/tasks/TaskTableRow.h"
+#include "widgets/Icons.h"
+#include "widgets/Theme.h"
+
+#include <QPainter>
+
+using namespace Qt::Literals::StringLiterals;
+
+static TaskRowContent contentOf(const QModelIndex &index)
+{
+    return index.data(TaskListModel::ContentRole).value<TaskRowContent>();
+}
+
+static const TableModel &modelOf(const QModelIndex &index)
+{
+    return static_cast<const TableModel &>(*index.model());
+}
+
+/// A press near the check box means it.
+static QRect generous(const QRect &rect)
+{
+    return rect.isEmpty() ? QRect() : rect.adjusted(-Theme::unit, -Theme::unit, Theme::unit, Theme::unit);
+}
+
+static int widthOf(const QString &text, const QFontMetrics &metrics)
+{
+    return text.isEmpty() ? 0 : metrics.horizontalAdvance(text) + 1;
+}
+
+TaskRowLayout TaskTableCell::layoutOf(const QRect &row, const TaskRowContent &content)
+{
+    const QFontMetrics title(Theme::font(Theme::FontRole::Body));
+    const QFontMetrics detail(Theme::font(Theme::FontRole::Small));
+    return TaskRowLayout::of({.row = row,
+                              .titleHeight = title.height(),
+                              .detailHeight = detail.height(),
+                              .dateWidth = widthOf(content.dateLabel, detail),
+                              .projectWidth = widthOf(content.project, detail),
+                              .hasCheckBox = content.hasCheckBox,
+                              .isOverdue = content.isOverdue});
+}
+
+QRect TaskTableCell::checkBoxRect(const QRect &row, Qt::LayoutDirection direction,
+                                  const QModelIndex &index) const
+{
+    if (modelOf(index).kindOf(index.row()) != RowKind::Item)
+        return {};
+    return generous(QStyle::visualRect(direction, row, layoutOf(row, contentOf(index)).checkBox));
+}
+
+void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const
+{
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const RowKind kind = modelOf(index).kindOf(index.row());
+    if (kind == RowKind::Item)
+        paintTask(*painter, option, index);
+    else if (kind == RowKind::Header)
+        paintHeader(*painter, option, index);
+    painter->restore();
+}
+
+void TaskTableCell::paintHeader(QPainter &painter, const QStyleOptionViewItem &option,
+                                const QModelIndex &index)
+{
+    const int inset = Theme::contentMargin + Theme::unit / 2;
+    const QFont font = Theme::font(Theme::FontRole::BodyStrong);
+    const QRect place = option.rect.adjusted(inset, 0, -inset, -Theme::unit);
+    painter.setFont(font);
+    painter.setPen(Theme::text);
+    painter.drawText(place, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignBottom),
+                     QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, place.width()));
+}
+
+static void paintCheckBox(QPainter &painter, const QRect &where, bool isChecked, bool isHovered)
+{
+    if (isChecked) {
+        Icons::paint(painter, where, u"check-done"_s, Theme::checkBoxDone, where.width());
+        Icons::paint(painter, where, u"check-mark"_s, Theme::textOnAccent, where.width());
+        return;
+    }
+    Icons::paint(painter, where, u"check-open"_s, isHovered ? Theme::accent : Theme::checkBox, where.width());
+}
+
+static void paintDot(QPainter &painter, const QRect &where, int priority)
+{
+    const QColor colour = Theme::priority(priority);
+    if (!colour.isValid())
+        return;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawEllipse(where);
+}
+
+namespace {
+
+/// Writes the texts of a row at their mirrored places, cut off where they do not fit.
+class RowWriter
+{
+public:
+    RowWriter(QPainter &usedPainter, const QStyleOptionViewItem &rowOption)
+        : painter(usedPainter)
+        , option(rowOption)
+    {}
+
+    QRect placed(const QRect &rect) const { return QStyle::visualRect(option.direction, option.rect, rect); }
+    void write(const QRect &where, Theme::FontRole role, const QColor &colour, const QString &text,
+               bool isStruckOut = false) const
+    {
+        if (where.isEmpty() || text.isEmpty())
+            return;
+        QFont font = Theme::font(role);
+        font.setStrikeOut(isStruckOut);
+        painter.setFont(font);
+        painter.setPen(colour);
+        painter.drawText(placed(where),
+                         QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
+                         QFontMetrics(font).elidedText(text, Qt::ElideRight, where.width()));
+    }
+
+private:
+    QPainter &painter;
+    const QStyleOptionViewItem &option;
+};
+
+QColor titleColour(const QStyleOptionViewItem &option, const TaskRowContent &content)
+{
+    if (content.isChecked)
+        return Theme::secondaryText;
+    const bool isMarked =
+        option.state.testFlag(QStyle::State_Selected) && option.state.testFlag(QStyle::State_Active);
+    return isMarked ? Theme::selectedText : Theme::text;
+}
+
+} // namespace
+
+void TaskTableCell::paintTask(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    const TaskRowContent content = contentOf(index);
+    const TaskRowLayout layout = layoutOf(option.rect, content);
+    const RowWriter writer(painter, option);
+    const TaskTableRow row = TaskTableRow::at(modelOf(index), index.row());
+    row.paint(painter, option, writer.placed(layout.card), writer.placed(layout.title));
+    if (content.hasCheckBox) {
+        paintCheckBox(painter, writer.placed(layout.checkBox), content.isChecked,
+                      option.state.testFlag(QStyle::State_MouseOver));
+        paintDot(painter, writer.placed(layout.priorityDot), content.priority);
+    }
+    writer.write(layout.title, Theme::FontRole::Body, titleColour(option, content), content.title,
+                 content.isChecked);
+    writer.write(layout.project, Theme::FontRole::Small, Theme::secondaryText, content.project);
+    writer.write(layout.date, Theme::FontRole::Small,
+                 content.isOverdue ? Theme::overdue : Theme::secondaryText, content.dateLabel);
+    if (content.isOverdue)
+        Icons::paint(painter, writer.placed(layout.overdueMark), u"overdue"_s, Theme::overdue,
+                     layout.overdueMark.width());
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "shell/tasks/TaskRowLayout.h"
+#include "widgets/TableCell.h"
+
+struct TaskRowContent;
+
+/// Paints the rows of a task list: tasks on cards, headers between them.
+class TaskTableCell : public TableCell
+{
+    Q_OBJECT
+public:
+    using TableCell::TableCell;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QRect checkBoxRect(const QRect &row, Qt::LayoutDirection direction,
+                       const QModelIndex &index) const override;
+
+private:
+    static TaskRowLayout layoutOf(const QRect &row, const TaskRowContent &content);
+    static void paintTask(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index);
+    static void paintHeader(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index);
+};

@@ -1,0 +1,34 @@
+#include "widgets/CategoryIcon.h"
+
+#include "store/entities/EntityCategory.h"
+
+#include <QPainter>
+
+constexpr int iconSize = 16;
+constexpr int circleSize = 10;
+constexpr int sharpness = 3;
+
+QIcon CategoryIcon::circle(const QColor &colour)
+{
+    QPixmap pixmap(iconSize * sharpness, iconSize * sharpness);
+    pixmap.setDevicePixelRatio(sharpness);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour.isValid() ? QBrush(colour) : QBrush(Qt::NoBrush));
+    constexpr int margin = (iconSize - circleSize) / 2;
+    painter.drawEllipse(margin, margin, circleSize, circleSize);
+    return QIcon(pixmap);
+}
+
+static float component(std::optional<double> stored, double otherwise)
+{
+    return static_cast<float>(stored.value_or(otherwise));
+}
+
+QIcon CategoryIcon::of(const EntityCategory &category)
+{
+    return circle(QColor::fromRgbF(component(category.colorR(), 0), component(category.colorG(), 0),
+                                   component(category.colorB(), 0), component(category.colorA(), 1)));
+}

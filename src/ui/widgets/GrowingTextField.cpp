@@ -1,0 +1,58 @@
+#include "widgets/GrowingTextField.h"
+
+#include "widgets/Theme.h"
+
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QtMath>
+
+constexpr int mostHeight = 180;
+constexpr int detailsRows = 3;
+
+GrowingTextField::GrowingTextField(Kind kind, QWidget *parent)
+    : QTextEdit(parent)
+    , fieldKind(kind)
+{
+    setAcceptRichText(false);
+    setFrameShape(NoFrame);
+    setTabChangesFocus(true);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(2);
+    setFont(Theme::font(kind == Kind::Title ? Theme::FontRole::Large : Theme::FontRole::Body));
+    connect(this, &QTextEdit::textChanged, this, &QWidget::updateGeometry);
+}
+
+int GrowingTextField::textHeight() const
+{
+    return qCeil(document()->size().height());
+}
+
+QSize GrowingTextField::sizeHint() const
+{
+    const int least = fontMetrics().height() * (fieldKind == Kind::Details ? detailsRows : 1) + 4;
+    return {120, std::clamp(textHeight(), least, std::max(least, mostHeight))};
+}
+
+void GrowingTextField::resizeEvent(QResizeEvent *event)
+{
+    QTextEdit::resizeEvent(event);
+    if (event->oldSize().width() != event->size().width())
+        updateGeometry();
+}
+
+void GrowingTextField::keyPressEvent(QKeyEvent *event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && (fieldKind == Kind::Title || event->modifiers() == Qt::ControlModifier))
+        return Q_EMIT accepted();
+    QTextEdit::keyPressEvent(event);
+}
+
+void GrowingTextField::insertFromMimeData(const QMimeData *source)
+{
+    const QString text = source->text();
+    insertPlainText(fieldKind == Kind::Title ? text.simplified() : text);
+}

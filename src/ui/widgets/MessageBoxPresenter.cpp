@@ -1,0 +1,56 @@
+#include "widgets/MessageBoxPresenter.h"
+
+#include "foundation/Localization.h"
+#include "widgets/Icons.h"
+#include "widgets/Theme.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int iconSize = 40;
+
+/// The button that Escape and the window's close button stand for: the one that does least.
+static qsizetype quietButton(const QStringList &buttons)
+{
+    const qsizetype cancel = buttons.indexOf(localized(u"Cancel"_s));
+    return cancel >= 0 ? cancel : buttons.size() - 1;
+}
+
+static void fillWords(QMessageBox &box, const AlertQuestion &question)
+{
+    const bool hasMessage = !question.message.isEmpty();
+    box.setWindowTitle(question.title.isEmpty() ? QGuiApplication::applicationDisplayName() : question.title);
+    box.setText(hasMessage ? question.message : question.title);
+    box.setInformativeText(question.informativeText);
+    box.setIconPixmap(Icons::pixmap(u"info"_s, Theme::accent, iconSize, box.devicePixelRatio()));
+    box.setTextFormat(Qt::PlainText);
+}
+
+/// The roles only decide the places of the buttons, not what they answer.
+static QMessageBox::ButtonRole roleOf(qsizetype index, qsizetype quiet)
+{
+    if (index == quiet)
+        return QMessageBox::RejectRole;
+    return index == 0 ? QMessageBox::AcceptRole : QMessageBox::DestructiveRole;
+}
+
+int MessageBoxPresenter::present(const AlertQuestion &question)
+{
+    QMessageBox box(QApplication::activeWindow());
+    box.setObjectName(u"alert"_s);
+    fillWords(box, question);
+    const QStringList titles =
+        question.buttons.isEmpty() ? QStringList{localized(u"OK"_s)} : question.buttons;
+    QList<QAbstractButton *> buttons;
+    for (const QString &title : titles)
+        buttons.append(box.addButton(title, roleOf(buttons.size(), quietButton(titles))));
+    box.setDefaultButton(qobject_cast<QPushButton *>(buttons.first()));
+    box.setEscapeButton(buttons.at(quietButton(titles)));
+    box.exec();
+    const qsizetype answer = buttons.indexOf(box.clickedButton());
+    return Alert::firstButton + static_cast<int>(answer >= 0 ? answer : quietButton(titles));
+}

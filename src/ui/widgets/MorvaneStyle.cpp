@@ -1,0 +1,311 @@
+#include "widgets/MorvaneStyle.h"
+
+#include "widgets/Icons.h"
+#include "widgets/Theme.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QPainter>
+#include <QStyleOption>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int scrollBarWidth = 10;
+constexpr int scrollHandleMinimum = 36;
+constexpr int menuItemHeight = 28;
+constexpr int buttonMinimumWidth = 84;
+constexpr qreal half = 0.5;
+
+MorvaneStyle::MorvaneStyle()
+    : QProxyStyle(u"Fusion"_s)
+{}
+
+static QRectF bounds(const QRect &rect)
+{
+    return QRectF(rect).adjusted(half, half, -half, -half);
+}
+
+static void drawRounded(QPainter *painter, const QRectF &rect, const QColor &fill, const QColor &border)
+{
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(border.isValid() ? QPen(border) : QPen(Qt::NoPen));
+    painter->setBrush(fill);
+    painter->drawRoundedRect(rect, Theme::controlRadius, Theme::controlRadius);
+    painter->restore();
+}
+
+void MorvaneStyle::drawFocusRing(QPainter &painter, const QRectF &around, qreal radius, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(colour, 2));
+    painter.drawRoundedRect(around.adjusted(1, 1, -1, -1), radius, radius);
+    painter.restore();
+}
+
+static bool isDefaultButton(const QStyleOption *option)
+{
+    const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
+    return button && button->features.testFlag(QStyleOptionButton::DefaultButton);
+}
+
+static QColor accentFill(const QStyleOption *option)
+{
+    if (!option->state.testFlag(QStyle::State_Enabled))
+        return Theme::divider;
+    if (option->state.testFlag(QStyle::State_Sunken))
+        return Theme::accentPressed;
+    return option->state.testFlag(QStyle::State_MouseOver) ? Theme::accentHover : Theme::accent;
+}
+
+static QColor plainFill(const QStyleOption *option)
+{
+    if (option->state.testFlag(QStyle::State_Sunken) || option->state.testFlag(QStyle::State_On))
+        return Theme::controlPressed;
+    return option->state.testFlag(QStyle::State_MouseOver) ? Theme::hover : Theme::control;
+}
+
+static void drawButton(const QStyleOption *option, QPainter *painter)
+{
+    const bool isDefault = isDefaultButton(option);
+    drawRounded(painter, bounds(option->rect), isDefault ? accentFill(option) : plainFill(option),
+                isDefault ? QColor() : Theme::controlBorder);
+    if (option->state.testFlag(QStyle::State_HasFocus))
+        MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius,
+                                    isDefault ? Theme::text : Theme::focusRing);
+}
+
+static void drawField(const QStyleOption *option, QPainter *painter)
+{
+    drawRounded(painter, bounds(option->rect), Theme::control, Theme::controlBorder);
+    if (option->state.testFlag(QStyle::State_HasFocus))
+        MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius, Theme::focusRing);
+}
+
+static void drawCheck(const QStyleOption *option, QPainter *painter)
+{
+    const bool isOn = option->state.testFlag(QStyle::State_On);
+    drawRounded(painter, bounds(option->rect).adjusted(1, 1, -1, -1), isOn ? Theme::accent : Theme::control,
+                isOn ? Theme::accent : Theme::checkBox);
+    if (isOn)
+        Icons::paint(*painter, option->rect, u"check-mark"_s, Theme::textOnAccent, option->rect.width());
+}
+
+void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                                 const QWidget *widget) const
+{
+    switch (element) {
+    case PE_PanelButtonCommand:
+        return drawButton(option, painter);
+    case PE_PanelLineEdit:
+        return drawField(option, painter);
+    case PE_IndicatorCheckBox:
+        return drawCheck(option, painter);
+    case PE_FrameFocusRect:
+        if (!qobject_cast<const QAbstractButton *>(widget))
+            return;
+        return drawFocusRing(*painter, option->rect.adjusted(-2, -1, 2, 1), Theme::controlRadius,
+                             Theme::focusRing);
+    case PE_FrameMenu:
+    case PE_PanelMenu:
+        painter->fillRect(option->rect, Theme::card);
+        painter->setPen(Theme::controlBorder);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        return;
+    default:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+static void drawMenuSelection(const QStyleOption *option, QPainter *painter)
+{
+    if (!option->state.testFlag(QStyle::State_Selected) || !option->state.testFlag(QStyle::State_Enabled))
+        return;
+    drawRounded(painter, QRectF(option->rect).adjusted(4, 1, -4, -1), Theme::selection, {});
+}
+
+static QStyleOptionMenuItem withoutSelection(const QStyleOptionMenuItem &item)
+{
+    QStyleOptionMenuItem plain(item);
+    plain.state.setFlag(QStyle::State_Selected, false);
+    plain.state.setFlag(QStyle::State_Sunken, false);
+    return plain;
+}
+
+void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                               const QWidget *widget) const
+{
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    if (element == CE_MenuItem && item) {
+        drawMenuSelection(option, painter);
+        const QStyleOptionMenuItem plain = withoutSelection(*item);
+        return QProxyStyle::drawControl(element, &plain, painter, widget);
+    }
+    if (element == CE_MenuBarItem && item) {
+        painter->fillRect(option->rect, Theme::card);
+        drawMenuSelection(option, painter);
+        return proxy()->drawItemText(painter, option->rect, Qt::AlignCenter | Qt::TextShowMnemonic,
+                                     item->palette, item->state.testFlag(State_Enabled), item->text,
+                                     QPalette::WindowText);
+    }
+    if (element == CE_MenuBarEmptyArea)
+        return painter->fillRect(option->rect, Theme::card);
+    if (element == CE_PushButtonLabel && isDefaultButton(option)) {
+        QStyleOptionButton button(*qstyleoption_cast<const QStyleOptionButton *>(option));
+        button.palette.setColor(QPalette::Active, QPalette::ButtonText, Theme::textOnAccent);
+        button.palette.setColor(QPalette::Inactive, QPalette::ButtonText, Theme::textOnAccent);
+        return QProxyStyle::drawControl(element, &button, painter, widget);
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+static void drawScrollBar(const QStyleOptionComplex *option, QPainter *painter, const QRect &handle)
+{
+    if (!handle.isValid())
+        return;
+    const bool isHot = option->state.testFlag(QStyle::State_MouseOver) || option->activeSubControls != 0;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(isHot ? Theme::scrollHandleHover : Theme::scrollHandle);
+    const QRectF thin = QRectF(handle).adjusted(2, 2, -2, -2);
+    const qreal radius = std::min(thin.width(), thin.height()) / 2;
+    painter->drawRoundedRect(thin, radius, radius);
+    painter->restore();
+}
+
+static void drawComboBox(const QStyleOptionComplex *option, QPainter *painter, const QRect &arrow)
+{
+    drawRounded(painter, bounds(option->rect), plainFill(option), Theme::controlBorder);
+    Icons::paint(*painter, arrow, u"chevron-down"_s, Theme::secondaryText, 16);
+    if (option->state.testFlag(QStyle::State_HasFocus))
+        MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius, Theme::focusRing);
+}
+
+void MorvaneStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                                      QPainter *painter, const QWidget *widget) const
+{
+    if (control == CC_ScrollBar)
+        return drawScrollBar(option, painter, subControlRect(control, option, SC_ScrollBarSlider, widget));
+    if (control == CC_ComboBox)
+        return drawComboBox(option, painter, subControlRect(control, option, SC_ComboBoxArrow, widget));
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+int MorvaneStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
+{
+    switch (metric) {
+    case PM_ScrollBarExtent:
+        return scrollBarWidth;
+    case PM_ScrollBarSliderMin:
+        return scrollHandleMinimum;
+    case PM_ScrollView_ScrollBarSpacing:
+    case PM_ButtonShiftHorizontal:
+    case PM_ButtonShiftVertical:
+    case PM_MenuBarPanelWidth:
+        return 0;
+    case PM_MenuVMargin:
+        return Theme::unit / 2;
+    case PM_MenuBarItemSpacing:
+        return Theme::unit / 4;
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight:
+        return 18;
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int MorvaneStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                            QStyleHintReturn *answer) const
+{
+    switch (hint) {
+    case SH_ScrollBar_LeftClickAbsolutePosition:
+    case SH_ItemView_ArrowKeysNavigateIntoChildren:
+        return 1;
+    case SH_ComboBox_Popup:
+    case SH_EtchDisabledText:
+    case SH_DialogButtonBox_ButtonsHaveIcons:
+    case SH_ScrollBar_Transient:
+        return 0;
+    default:
+        return QProxyStyle::styleHint(hint, option, widget, answer);
+    }
+}
+
+QSize MorvaneStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
+                                     const QWidget *widget) const
+{
+    QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    if (type == CT_PushButton)
+        size = size.expandedTo({buttonMinimumWidth, Theme::controlHeight});
+    else if (type == CT_LineEdit || type == CT_ComboBox || type == CT_SpinBox)
+        size.setHeight(std::max(size.height(), Theme::controlHeight));
+    else if (type == CT_MenuItem && item && item->menuItemType != QStyleOptionMenuItem::Separator)
+        size = QSize(size.width() + 2 * Theme::unit, std::max(size.height(), menuItemHeight));
+    else if (type == CT_MenuBarItem)
+        size += QSize(Theme::unit, Theme::unit / 2);
+    return size;
+}
+
+static QRect comboPart(const QStyleOptionComplex *option, QStyle::SubControl part)
+{
+    constexpr int arrowWidth = 28;
+    QRect rect = option->rect;
+    if (part == QStyle::SC_ComboBoxArrow)
+        rect.setLeft(rect.right() - arrowWidth);
+    else
+        rect.adjust(Theme::unit, 2, -arrowWidth, -2);
+    return QStyle::visualRect(option->direction, option->rect, rect);
+}
+
+/// The handle runs over the whole length: there are no arrow buttons.
+static QRect scrollPart(const QStyleOptionSlider &bar, QStyle::SubControl part)
+{
+    const bool isHorizontal = bar.orientation == Qt::Horizontal;
+    const int length = isHorizontal ? bar.rect.width() : bar.rect.height();
+    const qint64 range = qint64(bar.maximum) - bar.minimum;
+    if (range <= 0)
+        return part == QStyle::SC_ScrollBarGroove ? bar.rect : QRect();
+    const auto proportional = static_cast<int>(qint64(bar.pageStep) * length / (range + bar.pageStep));
+    const int handle = std::min(std::max(proportional, scrollHandleMinimum), length);
+    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
+                                                      length - handle, bar.upsideDown);
+    const auto slice = [&](int from, int to) {
+        return isHorizontal ? QRect(from, 0, to - from, bar.rect.height())
+                            : QRect(0, from, bar.rect.width(), to - from);
+    };
+    switch (part) {
+    case QStyle::SC_ScrollBarGroove:
+        return bar.rect;
+    case QStyle::SC_ScrollBarSlider:
+        return slice(start, start + handle);
+    case QStyle::SC_ScrollBarSubPage:
+        return slice(0, start);
+    case QStyle::SC_ScrollBarAddPage:
+        return slice(start + handle, length);
+    default:
+        return {};
+    }
+}
+
+QRect MorvaneStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option,
+                                   SubControl subControl, const QWidget *widget) const
+{
+    if (control == CC_ComboBox && (subControl == SC_ComboBoxArrow || subControl == SC_ComboBoxEditField))
+        return comboPart(option, subControl);
+    const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option);
+    if (control == CC_ScrollBar && slider)
+        return visualRect(option->direction, option->rect, scrollPart(*slider, subControl));
+    return QProxyStyle::subControlRect(control, option, subControl, widget);
+}
+
+void MorvaneStyle::polish(QWidget *widget)
+{
+    QProxyStyle::polish(widget);
+    if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QComboBox *>(widget))
+        widget->setAttribute(Qt::WA_Hover);
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QProxyStyle>
+
+/// How the controls look: Fusion with flat, rounded buttons and fields, thin scroll bars and one focus ring.
+class MorvaneStyle : public QProxyStyle
+{
+    Q_OBJECT
+public:
+    MorvaneStyle();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override;
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
+                            const QWidget *widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *answer) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
+                           const QWidget *widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl subControl,
+                         const QWidget *widget) const override;
+    void polish(QWidget *widget) override;
+    using QProxyStyle::polish;
+
+    /// The ring around what has the keyboard, for controls that draw themselves.
+    static void drawFocusRing(QPainter &painter, const QRectF &around, qreal radius, const QColor &colour);
+};

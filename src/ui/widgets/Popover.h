@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QWidget>
+
+/// A bubble beside a control: closes on Escape and on a press outside.
+class Popover : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit Popover(QWidget *parent = nullptr);
+
+    /// Shows the bubble below a control, or above it where there is no room.
+    void showBeside(const QWidget &anchor);
+
+Q_SIGNALS:
+    void closed();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+};

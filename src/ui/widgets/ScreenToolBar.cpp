@@ -1,0 +1,63 @@
+#include "widgets/ScreenToolBar.h"
+
+#include "widgets/Theme.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+
+/// A title that is cut off where the controls need its room.
+class ScreenToolBar::TitleLabel : public QWidget
+{
+public:
+    explicit TitleLabel(QWidget *parent)
+        : QWidget(parent)
+    {
+        setFont(Theme::font(Theme::FontRole::Title));
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    }
+    void setText(const QString &title)
+    {
+        text = title;
+        setAccessibleName(title);
+        updateGeometry();
+        update();
+    }
+    QSize sizeHint() const override
+    {
+        return {fontMetrics().horizontalAdvance(text) + 1, fontMetrics().height()};
+    }
+    QSize minimumSizeHint() const override { return {6 * Theme::unit, fontMetrics().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setPen(Theme::text);
+        painter.drawText(rect(), QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
+                         fontMetrics().elidedText(text, Qt::ElideRight, width()));
+    }
+
+private:
+    QString text;
+};
+
+ScreenToolBar::ScreenToolBar(const QString &title, QWidget *parent)
+    : QWidget(parent)
+    , titleLabel(new TitleLabel(this))
+    , row(new QHBoxLayout(this))
+{
+    row->setContentsMargins(Theme::contentMargin + Theme::unit / 2, 0, Theme::contentMargin, 0);
+    row->setSpacing(2 * Theme::unit);
+    row->addWidget(titleLabel, 1);
+    setTitle(title);
+}
+
+void ScreenToolBar::setTitle(const QString &title)
+{
+    titleLabel->setText(title);
+}
+
+void ScreenToolBar::addControl(QWidget *control)
+{
+    row->addWidget(control);
+}

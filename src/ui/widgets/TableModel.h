@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QAbstractListModel>
+
+/// What a row of a list is, apart from what it shows.
+enum class RowKind { Item, Header, Separator };
+
+/// The rows of a `TableViewExtended`: items under headers with gaps between.
+class TableModel : public QAbstractListModel
+{
+    Q_OBJECT
+public:
+    using QAbstractListModel::QAbstractListModel;
+
+    /// What a row is, without loading it.
+    virtual RowKind kindOf(int row) const = 0;
+    /// Only items can be selected.
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    bool isItem(int row) const { return row >= 0 && row < rowCount() && kindOf(row) == RowKind::Item; }
+    /// The next item from `row` on in a direction (1 or -1), `row` itself included, or -1.
+    int nearestItem(int row, int direction) const;
+};

@@ -1,0 +1,319 @@
+#include "widgets/TableViewExtended.h"
+
+#include "widgets/TableCell.h"
+#include "widgets/Theme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScrollBar>
+
+TableViewExtended::TableViewExtended(QWidget *parent)
+    : QAbstractItemView(parent)
+{
+    setFrameShape(NoFrame);
+    setSelectionMode(ExtendedSelection);
+    setSelectionBehavior(SelectRows);
+    setEditTriggers(NoEditTriggers);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTabKeyNavigation(false);
+    viewport()->setMouseTracking(true);
+    viewport()->setAutoFillBackground(false);
+    autoScrollTimer.setInterval(30);
+    connect(&autoScrollTimer, &QTimer::timeout, this, &TableViewExtended::autoScroll);
+}
+
+void TableViewExtended::setModel(QAbstractItemModel *newModel)
+{
+    rowsModel = qobject_cast<TableModel *>(newModel);
+    QAbstractItemView::setModel(newModel);
+}
+
+void TableViewExtended::setRowHeights(const RowHeights &newHeights)
+{
+    heights = newHeights;
+    rebuildGeometry();
+}
+
+std::set<int> TableViewExtended::selectedRows() const
+{
+    std::set<int> rows;
+    if (!selectionModel())
+        return rows;
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            if (rowsModel->isItem(row))
+                rows.insert(row);
+        }
+    }
+    return rows;
+}
+
+int TableViewExtended::selectedCount() const
+{
+    return static_cast<int>(selectedRows().size());
+}
+
+bool TableViewExtended::hasSelectedRows() const
+{
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        const int first = rowsModel->nearestItem(range.top(), 1);
+        if (first >= 0 && first <= range.bottom())
+            return true;
+    }
+    return false;
+}
+
+void TableViewExtended::selectRows(const std::set<int> &rows)
+{
+    QItemSelection selection;
+    for (const int row : rows) {
+        if (rowsModel->isItem(row))
+            selection.select(rowsModel->index(row), rowsModel->index(row));
+    }
+    if (!rows.empty())
+        selectionModel()->setCurrentIndex(rowsModel->index(*rows.begin()), QItemSelectionModel::NoUpdate);
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+}
+
+// Geometry
+
+void TableViewExtended::rebuildGeometry()
+{
+    const auto heightOf = [this](int row) {
+        switch (rowsModel->kindOf(row)) {
+        case RowKind::Header:
+            return heights.header;
+        case RowKind::Separator:
+            return heights.separator;
+        case RowKind::Item:
+            break;
+        }
+        return heights.item;
+    };
+    geometry = rowsModel ? RowGeometry(rowsModel->rowCount(), heightOf) : RowGeometry();
+    updateGeometries();
+    viewport()->update();
+}
+
+void TableViewExtended::reset()
+{
+    cancelDrag();
+    setHoverRow(-1);
+    QAbstractItemView::reset();
+    rebuildGeometry();
+}
+
+void TableViewExtended::rowsInserted(const QModelIndex &parent, int start, int end)
+{
+    QAbstractItemView::rowsInserted(parent, start, end);
+    rebuildGeometry();
+}
+
+void TableViewExtended::updateGeometries()
+{
+    const int page = viewport()->height();
+    verticalScrollBar()->setPageStep(page);
+    verticalScrollBar()->setSingleStep(heights.item / 2);
+    verticalScrollBar()->setRange(0, std::max(0, geometry.totalHeight() + Theme::unit - page));
+    QAbstractItemView::updateGeometries();
+}
+
+void TableViewExtended::resizeEvent(QResizeEvent *event)
+{
+    QAbstractItemView::resizeEvent(event);
+    updateGeometries();
+}
+
+int TableViewExtended::verticalOffset() const
+{
+    return verticalScrollBar()->value();
+}
+
+QRect TableViewExtended::rectOfRow(int row) const
+{
+    return {0, geometry.top(row) - verticalOffset(), viewport()->width(), geometry.heightOf(row)};
+}
+
+QRect TableViewExtended::visualRect(const QModelIndex &index) const
+{
+    return index.isValid() ? rectOfRow(index.row()) : QRect();
+}
+
+QModelIndex TableViewExtended::indexAt(const QPoint &point) const
+{
+    const int row = geometry.rowAt(point.y() + verticalOffset());
+    return row < 0 ? QModelIndex() : rowsModel->index(row);
+}
+
+void TableViewExtended::scrollTo(const QModelIndex &index, ScrollHint hint)
+{
+    if (!index.isValid())
+        return;
+    const int top = geometry.top(index.row());
+    const int bottom = top + geometry.heightOf(index.row());
+    const int page = viewport()->height();
+    QScrollBar &bar = *verticalScrollBar();
+    if (hint == PositionAtTop)
+        bar.setValue(top);
+    else if (hint == PositionAtCenter)
+        bar.setValue((top + bottom - page) / 2);
+    else if (top < bar.value())
+        bar.setValue(index.row() == 0 ? 0 : top - Theme::unit);
+    else if (bottom > bar.value() + page)
+        bar.setValue(bottom + Theme::unit - page);
+}
+
+// Selection
+
+void TableViewExtended::setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command)
+{
+    const int last = geometry.count() - 1;
+    const int from = std::min(rect.top(), rect.bottom()) + verticalOffset();
+    const int to = std::max(rect.top(), rect.bottom()) + verticalOffset();
+    if (last < 0 || to < 0 || from >= geometry.totalHeight()) {
+        selectionModel()->select(QItemSelection(), command);
+        return;
+    }
+    const int first = geometry.rowAt(std::max(from, 0));
+    const int end = to >= geometry.totalHeight() ? last : geometry.rowAt(to);
+    selectionModel()->select(QItemSelection(rowsModel->index(first), rowsModel->index(end)), command);
+}
+
+QRegion TableViewExtended::visualRegionForSelection(const QItemSelection &selection) const
+{
+    QRegion region;
+    for (const QItemSelectionRange &range : selection)
+        region += rectOfRow(range.top()).united(rectOfRow(range.bottom())).intersected(viewport()->rect());
+    return region;
+}
+
+void TableViewExtended::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QAbstractItemView::selectionChanged(selected, deselected);
+    Q_EMIT rowSelectionChanged();
+}
+
+void TableViewExtended::selectAll()
+{
+    const int last = geometry.count() - 1;
+    if (last >= 0)
+        selectionModel()->select(QItemSelection(rowsModel->index(0), rowsModel->index(last)),
+                                 QItemSelectionModel::ClearAndSelect);
+}
+
+// Painting
+
+void TableViewExtended::paintRow(QPainter &painter, QStyleOptionViewItem &option, int row) const
+{
+    const QModelIndex index = rowsModel->index(row);
+    const bool isCurrent = hasFocus() && index == currentIndex();
+    option.rect = rectOfRow(row);
+    option.state.setFlag(QStyle::State_Selected, selectionModel()->isSelected(index));
+    option.state.setFlag(QStyle::State_MouseOver, row == hoverRow && !drag.isActive());
+    option.state.setFlag(QStyle::State_HasFocus, isCurrent);
+    itemDelegateForIndex(index)->paint(&painter, option, index);
+}
+
+void TableViewExtended::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(viewport());
+    if (!rowsModel || geometry.count() == 0)
+        return;
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.state.setFlag(QStyle::State_Active, hasFocus());
+    const int bottom = event->rect().bottom() + verticalOffset();
+    int row = geometry.rowAt(std::max(event->rect().top() + verticalOffset(), 0));
+    for (; row >= 0 && row < geometry.count() && geometry.top(row) <= bottom; ++row)
+        paintRow(painter, option, row);
+    paintInsertionMark(painter);
+}
+
+void TableViewExtended::paintInsertionMark(QPainter &painter) const
+{
+    if (!drag.isActive() || drag.target() < 0)
+        return;
+    constexpr int knob = 4;
+    const int y = std::max(geometry.top(drag.target()) - verticalOffset(), knob);
+    const int left = Theme::contentMargin;
+    const int right = viewport()->width() - Theme::contentMargin;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Theme::accent, 2));
+    painter.setBrush(Theme::card);
+    painter.drawLine(left + knob, y, right, y);
+    painter.drawEllipse(QPoint(left, y), knob, knob);
+}
+
+// Keyboard
+
+int TableViewExtended::rowOnePageAway(int direction) const
+{
+    const int y = geometry.top(currentRow()) + direction * (viewport()->height() - heights.item);
+    const int row = geometry.rowAt(std::clamp(y, 0, std::max(geometry.totalHeight() - 1, 0)));
+    const int found = rowsModel->nearestItem(row, direction);
+    return found >= 0 ? found : rowsModel->nearestItem(row, -direction);
+}
+
+int TableViewExtended::rowInDirection(CursorAction action) const
+{
+    const int last = geometry.count() - 1;
+    const int row = currentRow();
+    switch (action) {
+    case MoveHome:
+        return rowsModel->nearestItem(0, 1);
+    case MoveEnd:
+        return rowsModel->nearestItem(last, -1);
+    case MovePageUp:
+        return rowOnePageAway(-1);
+    case MovePageDown:
+        return rowOnePageAway(1);
+    case MoveUp:
+    case MovePrevious:
+        return rowsModel->nearestItem(row < 0 ? last : row - 1, -1);
+    case MoveDown:
+    case MoveNext:
+        return rowsModel->nearestItem(row + 1, 1);
+    default:
+        return row;
+    }
+}
+
+QModelIndex TableViewExtended::moveCursor(CursorAction action, Qt::KeyboardModifiers)
+{
+    const int row = rowInDirection(action);
+    return row < 0 ? currentIndex() : rowsModel->index(row);
+}
+
+/// Keys that belong to the list although a menu may have them too.
+bool TableViewExtended::isEditKey(const QKeyEvent &event) const
+{
+    if (event.modifiers() == Qt::AltModifier)
+        return areRowsMovable && (event.key() == Qt::Key_Up || event.key() == Qt::Key_Down);
+    return event.key() == Qt::Key_Delete && event.modifiers() == Qt::NoModifier;
+}
+
+bool TableViewExtended::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && isEditKey(static_cast<QKeyEvent &>(*event))) {
+        event->accept();
+        return true;
+    }
+    return QAbstractItemView::event(event);
+}
+
+void TableViewExtended::keyPressEvent(QKeyEvent *event)
+{
+    const bool isPlain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;
+    if (event->key() == Qt::Key_Escape && drag.isPressed())
+        return cancelDrag();
+    if (isEditKey(*event) && event->key() != Qt::Key_Delete)
+        return Q_EMIT moveRequested(event->key() == Qt::Key_Up ? -1 : 1);
+    if (isEditKey(*event) || (isPlain && event->key() == Qt::Key_Backspace))
+        return Q_EMIT removeRequested();
+    if (isPlain && event->key() == Qt::Key_Space)
+        return Q_EMIT checkToggled(selectedRows());
+    if (isPlain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        return Q_EMIT doubleAction(currentRow());
+    QAbstractItemView::keyPressEvent(event);
+}

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "widgets/RowDrag.h"
+#include "widgets/RowGeometry.h"
+#include "widgets/TableModel.h"
+
+#include <QAbstractItemView>
+#include <QTimer>
+
+#include <set>
+
+/// The heights of the kinds of rows.
+struct RowHeights
+{
+    int item = 51;
+    int header = 51;
+    int separator = 10;
+};
+
+/// A list of any length that the delegate paints row by row, with several rows selectable.
+///
+/// Nothing is asked of the model but the kind of a row before that row comes into sight. Rows can be put in
+/// another order by dragging, if that is allowed.
+class TableViewExtended : public QAbstractItemView
+{
+    Q_OBJECT
+public:
+    explicit TableViewExtended(QWidget *parent = nullptr);
+
+    void setModel(QAbstractItemModel *newModel) override;
+    TableModel *tableModel() const { return rowsModel; }
+    void setRowHeights(const RowHeights &newHeights);
+    void setRowsMovable(bool movable) { areRowsMovable = movable; }
+
+    /// The selected items, from the top.
+    std::set<int> selectedRows() const;
+    int selectedCount() const;
+    bool hasSelectedRows() const;
+    /// Selects these rows and no others, and makes the first of them the current one.
+    void selectRows(const std::set<int> &rows);
+    void selectRow(int row) { selectRows({row}); }
+    int currentRow() const { return currentIndex().row(); }
+    int hoveredRow() const { return hoverRow; }
+    bool isDragging() const { return drag.isActive(); }
+    void scrollToRow(int row) { scrollTo(rowsModel->index(row)); }
+
+    QRect visualRect(const QModelIndex &index) const override;
+    QModelIndex indexAt(const QPoint &point) const override;
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+    void reset() override;
+    void selectAll() override;
+
+Q_SIGNALS:
+    /// Two presses on a row, or Return; whatever the row is.
+    void doubleAction(int row);
+    /// A press on the check box of a row, or the space key on the selected rows.
+    void checkToggled(const std::set<int> &rows);
+    void removeRequested();
+    /// The context menu is asked for, with the row already selected.
+    void menuRequested(const QPoint &globalPosition);
+    /// Rows were dropped on the place above `target`. `rowsAbove` of them came from above it.
+    void rowsDropped(const std::set<int> &rows, int target, int rowsAbove);
+    /// The selected rows are to go one place up (-1) or down (1).
+    void moveRequested(int direction);
+    void rowSelectionChanged();
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    int horizontalOffset() const override { return 0; }
+    int verticalOffset() const override;
+    bool isIndexHidden(const QModelIndex &) const override { return false; }
+    void setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command) override;
+    QRegion visualRegionForSelection(const QItemSelection &selection) const override;
+    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
+    void updateGeometries() override;
+    void rowsInserted(const QModelIndex &parent, int start, int end) override;
+
+private:
+    void rebuildGeometry();
+    QRect rectOfRow(int row) const;
+    void paintRow(QPainter &painter, QStyleOptionViewItem &option, int row) const;
+    void paintInsertionMark(QPainter &painter) const;
+    bool isOnCheckBox(const QPoint &point) const;
+    int rowInDirection(CursorAction action) const;
+    int rowOnePageAway(int direction) const;
+    void setHoverRow(int row);
+    bool isEditKey(const QKeyEvent &event) const;
+
+    void beginDrag();
+    void dragTo(const QPoint &point);
+    int dropTarget(const QPoint &point) const;
+    void drop();
+    void cancelDrag();
+    void autoScroll();
+
+    TableModel *rowsModel = nullptr;
+    RowHeights heights;
+    RowGeometry geometry;
+    RowDrag drag;
+    QTimer autoScrollTimer;
+    bool areRowsMovable = false;
+    bool isCheckPressed = false;
+    bool isSelectionPending = false;
+    int hoverRow = -1;
+};
