@@ -107,10 +107,14 @@ void MVTask::setTaskValues()
 MVTask &MVTask::save()
 {
     isNew = false;
-    if (!row)
+    if (!row) {
+        // Asked before the row is there: a query has to write what is unsaved.
+        const bool goesToInbox = !startDate && isToDo();
+        const int lastPosition = goesToInbox ? DBWorker::maxPositionTaskInbox() : 0;
         makeRow();
-    if (!startDate && isToDo() && isNew)
-        row->setPosition(DBWorker::maxPositionTaskInbox() + 1);
+        if (goesToInbox)
+            row->setPosition(lastPosition + 1);
+    }
     if (status == doneStatus)
         row->setExpirationDate(MVDate::date());
     lastModificationDate = MVDate::date();

@@ -15,25 +15,41 @@ EntityDescription describe()
         {Entity::relationshipTable.begin(), Entity::relationshipTable.end()}, [] { return std::make_shared<Entity>(); });
 }
 
-/// Each index holds all that its list asks of a row, so that the list is read from the index alone.
+/// Each index holds all that its list or count asks of a row, so that it is answered from the index alone; most leave out the
+/// tasks that are done. Their conditions are written as the queries write them, which is how SQLite knows them again.
 EntityDescription describeTask()
 {
+    constexpr std::string_view open = "\"status\" IS NOT 3";
     return describe<EntityTask>().followedUp().indexedBy({
-        {"EntityTask_byDueDate",
-         "\"dueDate\" DESC, \"title\", \"status\", \"type\", \"dueSomeDay\", \"startDate\", \"typeCalendarID\""},
-        {"EntityTask_byStartDate",
-         "\"startDate\", \"title\", \"status\", \"type\", \"dueSomeDay\", \"dueDate\", \"typeCalendarID\""},
-        {"EntityTask_inbox", "\"type\", \"position\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
-         "\"startDate\" IS NULL"},
-        {"EntityTask_someday", "\"title\", \"status\", \"type\", \"typeCalendarID\"", "\"dueSomeDay\" = 1"},
-        {"EntityTask_byStatus", "\"status\", \"expirationDate\", \"typeCalendarID\""},
+        // Not Done and Today in their order.
+        {"EntityTask_openByDueDate",
+         "\"dueDate\" DESC, \"title\", \"type\", \"status\", \"dueSomeDay\", \"startDate\", \"typeCalendarID\", \"priority\"",
+         open},
+        {"EntityTask_scheduled",
+         "\"startDate\", \"title\", \"type\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
+         "\"status\" IS NOT 3 AND \"dueSomeDay\" = 0"},
+        {"EntityTask_inbox", "\"position\", \"status\", \"dueSomeDay\", \"startDate\", \"type\", \"typeCalendarID\"",
+         "\"startDate\" IS NULL AND \"type\" = 0"},
+        {"EntityTask_someday", "\"title\", \"type\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
+         "\"status\" IS NOT 3 AND \"dueSomeDay\" = 1"},
+        // What the badges count: ranges within one type.
+        {"EntityTask_countsByStart",
+         "\"type\", \"startDate\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"", open},
+        {"EntityTask_countsByDue",
+         "\"type\", \"dueDate\", \"startDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"", open},
+        {"EntityTask_countsSomeday", "\"type\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
+         "\"status\" IS NOT 3 AND \"dueSomeDay\" = 1"},
+        {"EntityTask_done", "\"expirationDate\", \"status\", \"typeCalendarID\"",
+         "\"status\" = 3 AND \"expirationDate\" IS NOT NULL"},
+        // Look-ups.
         {"EntityTask_byTitle", "\"title\""},
         {"EntityTask_byCalendarItem", "\"calendarID\"", "\"calendarID\" IS NOT NULL"},
+        {"EntityTask_onCalendar", "\"typeCalendarID\"", "\"typeCalendarID\" IS NOT NULL"},
         {"EntityTask_withAlert", "\"alert\"", "\"alert\" IS NOT NULL"},
         {"EntityTask_withReminder", "\"remindID\"", "\"remindID\" IS NOT NULL"},
-        {"EntityTask_category", "\"category\", \"status\", \"typeCalendarID\""},
-        {"EntityTask_delegate", "\"delegateToUser\", \"status\", \"typeCalendarID\""},
-        {"EntityTask_project", "\"project\""},
+        {"EntityTask_category", "\"category\", \"status\", \"typeCalendarID\"", "\"category\" IS NOT NULL"},
+        {"EntityTask_delegate", "\"delegateToUser\", \"status\", \"typeCalendarID\"", "\"delegateToUser\" IS NOT NULL"},
+        {"EntityTask_project", "\"project\"", "\"project\" IS NOT NULL"},
         {"EntityTask_company", "\"company\"", "\"company\" IS NOT NULL"},
         {"EntityTask_location", "\"location\"", "\"location\" IS NOT NULL"},
     });

@@ -1,67 +1,109 @@
-#include "foundation/Clock.h"
 #include "records/MVTask.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/Lateness.h"
 #include "store/queries/ListDefinitions.h"
 
 // The numbers on badges.
 
 namespace {
 
-/// Tells which open tasks are late: a moment as soon as it has passed, a ToDo from the next day on.
-class Lateness
+constexpr int statusDone = static_cast<int>(TaskStatus::Done);
+
+/// Counts among the tasks that the user can see, which is found out once.
+class Counter
 {
 public:
-    bool isLate(bool isMoment, Date dueDate) const
+    int count(const Predicate &condition) const
     {
-        if (now <= dueDate)
-            return false;
-        if (isMoment)
-            return true;
-        const OptionalDate day = MVDate::dayByPattern(dueDate);
-        return today && day && *today > *day;
+        return tasklists::context().count(EntityTask::fetchRequest().where(condition && visible));
     }
-    bool isLate(const RowReader &row) const
+    /// How many pass one of several conditions that exclude each other. Each is counted for itself, along a range of an index.
+    int count(const std::vector<Predicate> &parts) const
     {
-        const bool isMoment = !row.isNull(0) && row.integer(0) != static_cast<int>(TaskType::ToDo);
-        return !row.isNull(1) && isLate(isMoment, *row.date(1));
+        int sum = 0;
+        for (const Predicate &part : parts)
+            sum += count(part);
+        return sum;
+    }
+    /// How many of those that pass are late, each asked for itself.
+    int countLate(const Lateness &lateness, const Predicate &condition) const
+    {
+        int sum = 0;
+        tasklists::context().visit(EntityTask::fetchRequest().where(condition && visible), {"type", "dueDate"},
+                                   [&](const RowReader &row) { sum += isLate(lateness, row) ? 1 : 0; });
+        return sum;
+    }
+    static bool isLate(const Lateness &lateness, const RowReader &row)
+    {
+        const std::optional<int> type = row.isNull(0) ? std::nullopt : std::optional(static_cast<int>(row.integer(0)));
+        return lateness.isLate(type, row.date(1));
     }
 
 private:
-    Date now = Clock::now();
-    OptionalDate today = MVDate::dayByPattern(now);
+    Predicate visible = tasklists::visibleTasks();
 };
 
-/// Open tasks whose due date lies before this moment: among them are the late ones.
-FetchRequest pastDue(const SortDescriptors &sorting = {})
+std::vector<Predicate> each(const std::vector<Predicate> &parts, const Predicate &condition)
 {
-    const auto statusDone = static_cast<int>(TaskStatus::Done);
-    return EntityTask::fetchRequest()
-        .where(Predicate::format("dueDate != nil and status != %d and dueDate < %@", statusDone, Clock::now()) &&
-               tasklists::visibleTasks())
-        .sortedBy(sorting);
+    std::vector<Predicate> all;
+    for (const Predicate &part : parts)
+        all.push_back(part && condition);
+    return all;
 }
 
-int countOf(const tasklists::Definition &definition)
+constexpr int toDo = static_cast<int>(TaskType::ToDo);
+constexpr int appointment = static_cast<int>(TaskType::Appointment);
+constexpr int emailCall = static_cast<int>(TaskType::EmailCall);
+
+Predicate openTasks()
 {
-    return tasklists::context().count(tasklists::request(definition));
+    return Predicate::format("status != %d", statusDone);
 }
 
-int countOf(Predicate base)
+Predicate openDated()
 {
-    return countOf({std::move(base), {}, tasklists::Order::Fetched});
+    return openTasks() && Predicate::format("dueSomeDay = %@", false);
 }
 
-Badge todayBadge()
+// The lists of dated tasks taken apart by type, in words that a range of an index can answer.
+
+struct TypePart
 {
-    tasklists::Definition today = tasklists::today();
-    today.sorting.clear();
-    Badge badge;
+    int type;
+    Predicate condition;
+};
+
+std::vector<TypePart> todayParts(Date end)
+{
+    return {{toDo, Predicate::format("type = %d and startDate <= %@", toDo, end) && openDated()},
+            {appointment, Predicate::format("type = %d and startDate <= %@", appointment, end) && openDated()},
+            {emailCall, Predicate::format("type = %d and dueDate <= %@", emailCall, end) && openDated()}};
+}
+
+std::vector<Predicate> scheduledParts(Date end)
+{
+    return each({Predicate::format("type = %d and startDate > %@ and dueDate <> nil", toDo, end),
+                 Predicate::format("type = %d and startDate > %@ and dueDate <> nil", appointment, end),
+                 Predicate::format("type = %d and dueDate > %@", emailCall, end)},
+                openDated());
+}
+
+std::vector<Predicate> somedayParts()
+{
+    return each({Predicate::format("type = %d", toDo), Predicate::format("type = %d", emailCall)},
+                openTasks() && Predicate::format("dueSomeDay = %@", true));
+}
+
+Badge todayBadge(const Counter &counter)
+{
     const Lateness lateness;
-    tasklists::context().visit(tasklists::request(today), {"type", "dueDate"}, [&](const RowReader &row) {
-        ++badge.right;
-        badge.left += lateness.isLate(row) ? 1 : 0;
-    });
+    Badge badge;
+    for (const TypePart &part : todayParts(MVDate::getEndOfDay(MVDate::date()))) {
+        badge.right += counter.count(part.condition);
+        badge.left += counter.count(each(lateness.recentlyLate(part.type), part.condition));
+    }
+    badge.left += counter.countLate(lateness, tasklists::today().base && lateness.longPast());
     return badge;
 }
 
@@ -69,10 +111,15 @@ Badge todayBadge()
 
 int DBWorker::countStaleTasks()
 {
-    int count = 0;
     const Lateness lateness;
-    tasklists::context().visit(pastDue(), {"type", "dueDate"},
-                               [&](const RowReader &row) { count += lateness.isLate(row) ? 1 : 0; });
+    const Counter counter;
+    int count = counter.countLate(lateness, openTasks() && lateness.longPast());
+    for (const int type : {toDo, appointment, emailCall})
+        count += counter.count(each(lateness.recentlyLate(type), openTasks() && Predicate::format("type = %d", type)));
+    // What is none of them counts as a ToDo.
+    for (const Predicate &other : {Predicate::format("type = nil"), Predicate::format("type < %d", toDo),
+                                   Predicate::format("type > %d", emailCall)})
+        count += counter.countLate(lateness, openTasks() && other && lateness.recentPast());
     return count;
 }
 
@@ -80,8 +127,12 @@ TaskList DBWorker::allDelayTasks()
 {
     std::vector<RowId> rows;
     const Lateness lateness;
-    tasklists::context().visit(pastDue({ascending("title")}), {"type", "dueDate"}, [&](const RowReader &row) {
-        if (lateness.isLate(row))
+    const FetchRequest dated =
+        EntityTask::fetchRequest()
+            .where(openTasks() && Predicate::format("dueDate != nil") && tasklists::visibleTasks())
+            .sortedBy({ascending("title")});
+    tasklists::context().visit(dated, {"type", "dueDate"}, [&](const RowReader &row) {
+        if (Counter::isLate(lateness, row))
             rows.push_back(row.rowId());
     });
     return tasklists::list(std::move(rows));
@@ -89,15 +140,15 @@ TaskList DBWorker::allDelayTasks()
 
 TaskBadges DBWorker::taskBadges()
 {
-    const auto statusDone = static_cast<int>(TaskStatus::Done);
+    const Counter counter;
     TaskBadges badges;
-    badges.inbox.right = countOf(tasklists::inbox());
-    badges.today = todayBadge();
-    badges.scheduled.right = countOf(tasklists::scheduled());
-    badges.someday.right = countOf(tasklists::someday());
-    badges.categories.right = countOf(Predicate::format("category != nil and status != %d", statusDone));
-    badges.delegated.right = countOf(Predicate::format("delegateToUser != nil and status != %d", statusDone));
-    badges.notDone.right = countOf(tasklists::notDone());
-    badges.done.right = countOf(Predicate::format("status = %d and expirationDate != nil", statusDone));
+    badges.inbox.right = counter.count(tasklists::inbox().base);
+    badges.today = todayBadge(counter);
+    badges.scheduled.right = counter.count(scheduledParts(MVDate::getEndOfDay(MVDate::date())));
+    badges.someday.right = counter.count(somedayParts());
+    badges.categories.right = counter.count(openTasks() && Predicate::format("category != nil"));
+    badges.delegated.right = counter.count(openTasks() && Predicate::format("delegateToUser != nil"));
+    badges.notDone.right = counter.count(openTasks());
+    badges.done.right = counter.count(Predicate::format("status = %d and expirationDate != nil", statusDone));
     return badges;
 }

@@ -15,6 +15,25 @@ constexpr int appointment = static_cast<int>(TaskType::Appointment);
 constexpr int emailCall = static_cast<int>(TaskType::EmailCall);
 constexpr int statusDone = static_cast<int>(TaskStatus::Done);
 
+/// The calendars that tasks name, each once. An index gives the next greater one, so that this takes a step for each calendar
+/// and none for each task.
+std::vector<QString> namedCalendars()
+{
+    std::vector<QString> references;
+    const auto nextAfter = [&references](const QString &last) {
+        const FetchRequest next = EntityTask::fetchRequest()
+                                      .where(Predicate::format("typeCalendarID != nil and typeCalendarID > %@", last))
+                                      .sortedBy({ascending("typeCalendarID")})
+                                      .limitedTo(1);
+        const size_t known = references.size();
+        context().visit(next, {"typeCalendarID"}, [&references](const RowReader &row) { references.push_back(row.text(0)); });
+        return references.size() > known;
+    };
+    while (nextAfter(references.empty() ? QStringLiteral("") : references.back())) {
+    }
+    return references;
+}
+
 Date endOfToday()
 {
     return MVDate::getEndOfDay(MVDate::date());
@@ -77,11 +96,16 @@ Predicate visibleTasks()
 {
     if (DBWorker::isSample())
         return Predicate();
-    std::vector<QString> references;
+    std::vector<QString> visible{QStringLiteral("")};
     for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
-        references.push_back(CalendarEvent::identifierOfCalendar(calendar));
-    return Predicate::format("typeCalendarID == nil or typeCalendarID == %@ or typeCalendarID in %@",
-                             QStringLiteral(""), references);
+        visible.push_back(CalendarEvent::identifierOfCalendar(calendar));
+    const std::vector<QString> named = namedCalendars();
+    const bool hidesNone = std::all_of(named.begin(), named.end(), [&visible](const QString &reference) {
+        return std::find(visible.begin(), visible.end(), reference) != visible.end();
+    });
+    if (hidesNone)
+        return Predicate();
+    return Predicate::format("typeCalendarID == nil or typeCalendarID in %@", visible);
 }
 
 FetchRequest request(const Definition &definition, const std::vector<Predicate> &filter)

@@ -32,7 +32,7 @@ Definition someday();
 Definition notDone();
 Definition done();
 
-/// Passes the tasks whose calendar the user can see: all of them in the sample store.
+/// Passes the tasks whose calendar the user can see: all of them in the sample store, and where no task lies on another.
 Predicate visibleTasks();
 
 /// A definition with a filter and the condition of visibility, ready to be fetched.

@@ -1,0 +1,43 @@
+#include "BenchHome.h"
+
+#include "StoreGenerator.h"
+#include "cloud/FileManager.h"
+
+#include <sqlite3.h>
+
+#include <QDir>
+
+namespace {
+
+constexpr int taskCount = 100000;
+constexpr unsigned seed = 1;
+
+} // namespace
+
+BenchHome &BenchHome::shared()
+{
+    static BenchHome home;
+    return home;
+}
+
+BenchHome::BenchHome()
+{
+    qputenv("XDG_DATA_HOME", folder.path().toUtf8() + "/data");
+    qputenv("XDG_CONFIG_HOME", folder.path().toUtf8() + "/config");
+    QDir().mkpath(FileManager::appFolderURL());
+    const QString store = FileManager::appFolderURL() + QStringLiteral("/Model0.sqlite");
+    generateStore(store, taskCount, seed);
+    delegate = std::make_unique<AppDelegate>();
+    delegate->applicationWillFinishLaunching();
+    delegate->applicationDidFinishLaunching();
+    sqlite3_open(store.toUtf8().constData(), &connection);
+    sqlite3_exec(connection, "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -8192;"
+                             "PRAGMA temp_store = MEMORY; PRAGMA foreign_keys = ON",
+                 nullptr, nullptr, nullptr);
+}
+
+BenchHome::~BenchHome()
+{
+    sqlite3_close(connection);
+    delegate.reset();
+}

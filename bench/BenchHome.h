@@ -1,0 +1,29 @@
+#pragma once
+
+#include "store/AppDelegate.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+struct sqlite3;
+
+/// A home of its own with a store of 100,000 tasks, a launched program on it, and a bare connection to the same file.
+class BenchHome
+{
+public:
+    /// The one of this run, made at first use.
+    static BenchHome &shared();
+    ~BenchHome();
+
+    ManagedObjectContext &context() { return delegate->managedObjectContext(); }
+    /// A connection that is set up as the program's own, without anything of the program.
+    sqlite3 *bare() { return connection; }
+
+private:
+    BenchHome();
+
+    QTemporaryDir folder;
+    std::unique_ptr<AppDelegate> delegate;
+    sqlite3 *connection = nullptr;
+};

@@ -1,0 +1,89 @@
+#include "BenchHome.h"
+#include "Ratio.h"
+#include "foundation/Clock.h"
+#include "records/MVTask.h"
+#include "store/queries/DBWorker.h"
+
+#include <sqlite3.h>
+
+#include <QUuid>
+
+namespace {
+
+const char *const title = "Write to the printer about the second proof";
+const char *const details = "The colours of the cover are too dark";
+
+void saveTask()
+{
+    MVTask task;
+    task.title = QString::fromLatin1(title);
+    task.details = QString::fromLatin1(details);
+    task.type = 0;
+    task.status = 0;
+    task.priority = 3;
+    task.save();
+    DBWorker::saveContext();
+}
+
+void run(sqlite3_stmt *statement)
+{
+    sqlite3_step(statement);
+    sqlite3_finalize(statement);
+}
+
+sqlite3_stmt *prepared(const char *sql)
+{
+    sqlite3_stmt *statement = nullptr;
+    sqlite3_prepare_v2(BenchHome::shared().bare(), sql, -1, &statement, nullptr);
+    return statement;
+}
+
+void bindText(sqlite3_stmt *statement, int place, const QByteArray &text)
+{
+    sqlite3_bind_text(statement, place, text.constData(), int(text.size()), SQLITE_TRANSIENT);
+}
+
+void insertIndexRow(const QByteArray &object, const char *text)
+{
+    sqlite3_stmt *row = prepared("INSERT INTO EntitySearchIndex (id, objectId, string) VALUES (?, ?, ?)");
+    bindText(row, 1, QUuid::createUuid().toByteArray(QUuid::WithoutBraces));
+    bindText(row, 2, object);
+    bindText(row, 3, text);
+    run(row);
+}
+
+/// The same rows in one transaction, with a session that captures them.
+void bareTransaction()
+{
+    sqlite3 *database = BenchHome::shared().bare();
+    sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    sqlite3_session *session = nullptr;
+    sqlite3session_create(database, "main", &session);
+    sqlite3session_attach(session, nullptr);
+    const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
+    sqlite3_stmt *task = prepared("INSERT INTO EntityTask (id, title, details, type, status, priority, creationDate, "
+                                  "lastModificationDate, position) VALUES (?, ?, ?, 0, 0, 3, ?4, ?4, (SELECT MAX(position) + 1 "
+                                  "FROM EntityTask WHERE startDate IS NULL AND type = 0))");
+    bindText(task, 1, id);
+    bindText(task, 2, title);
+    bindText(task, 3, details);
+    sqlite3_bind_double(task, 4, Clock::now().referenceSeconds());
+    run(task);
+    insertIndexRow("x-morvane://store/EntityTask/" + id, title);
+    insertIndexRow("x-morvane://store/EntityTask/" + id, details);
+    int size = 0;
+    void *changeset = nullptr;
+    sqlite3session_changeset(session, &size, &changeset);
+    sqlite3_free(changeset);
+    sqlite3session_delete(session);
+    sqlite3_exec(database, "COMMIT", nullptr, nullptr, nullptr);
+}
+
+void saveOneTask(benchmark::State &state)
+{
+    BenchHome::shared();
+    compare(state, saveTask, bareTransaction);
+}
+BENCHMARK(saveOneTask)->Unit(benchmark::kMillisecond)->Iterations(200);
+
+} // namespace
