@@ -31,7 +31,7 @@ Resting restingOf(SidebarItem item)
     case SidebarItem::Calendar:
         return {u"calendar"_s, localized(u"Your days, weeks and months."_s)};
     default:
-        return {u"home"_s, localized(u"Welcome. Choose a list on the left, or add a new task."_s)};
+        return {u"home"_s, localized(u"Welcome. Choose a list, or add a new task."_s)};
     }
 }
 

@@ -39,7 +39,10 @@ void Shell::showMainWindow()
             if (ApplicationLife *life = ApplicationLife::shared())
                 life->windowWasPainted();
         });
-        QObject::connect(controller.get(), &MainWindowController::quitRequested, controller.get(), [] {
+        QObject::connect(controller.get(), &MainWindowController::quitRequested, controller.get(), [this] {
+            // Only who asks for it by the menu can be asked back: a session that ends does not wait.
+            if (!controller->closeNewWindows())
+                return;
             if (ApplicationLife *life = ApplicationLife::shared())
                 life->quit();
         });
@@ -57,7 +60,7 @@ bool Shell::commitEditing()
 {
     if (QWidget *focused = QApplication::focusWidget())
         focused->clearFocus();
-    return !controller || controller->closeNewWindows();
+    return true;
 }
 
 bool Shell::presentError(const Error &error)

@@ -3,7 +3,6 @@
 #include "shell/SidebarModel.h"
 #include "widgets/BadgePainter.h"
 #include "widgets/Icons.h"
-#include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
 #include <QPainter>
@@ -31,8 +30,12 @@ static void paintPlate(QPainter &painter, const QStyleOptionViewItem &option)
     else
         painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(plate, plateRadius, plateRadius);
-    if (option.state.testFlag(QStyle::State_HasFocus))
-        MorvaneStyle::drawFocusRing(painter, plate, plateRadius, Theme::sidebarFocus);
+    if (!option.state.testFlag(QStyle::State_HasFocus))
+        return;
+    // On the selected row the plate shows where the focus is already.
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    painter.setPen(isSelected ? Theme::sidebarFocusQuiet : Theme::sidebarFocus);
+    painter.drawRoundedRect(plate.adjusted(0.5, 0.5, -0.5, -0.5), plateRadius, plateRadius);
 }
 
 static QColor textColour(const QStyleOptionViewItem &option, bool isTop)

@@ -20,7 +20,7 @@ GrowingTextField::GrowingTextField(Kind kind, QWidget *parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     viewport()->setAutoFillBackground(false);
-    document()->setDocumentMargin(2);
+    document()->setDocumentMargin(kind == Kind::Title ? 2 : Theme::unit);
     setFont(Theme::font(kind == Kind::Title ? Theme::FontRole::Large : Theme::FontRole::Body));
     connect(this, &QTextEdit::textChanged, this, &QWidget::updateGeometry);
 }

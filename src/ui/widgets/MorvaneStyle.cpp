@@ -10,7 +10,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int scrollBarWidth = 10;
 constexpr int scrollHandleMinimum = 36;
 constexpr int menuItemHeight = 28;
 constexpr int buttonMinimumWidth = 84;
@@ -198,7 +197,7 @@ int MorvaneStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, co
 {
     switch (metric) {
     case PM_ScrollBarExtent:
-        return scrollBarWidth;
+        return Theme::scrollBarWidth;
     case PM_ScrollBarSliderMin:
         return scrollHandleMinimum;
     case PM_ScrollView_ScrollBarSpacing:

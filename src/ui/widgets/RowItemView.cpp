@@ -47,9 +47,26 @@ void RowItemView::setControl(QWidget *control)
         control->setAccessibleName(label->text());
 }
 
+void RowItemView::setInset(int inset)
+{
+    QMargins margins = layout()->contentsMargins();
+    margins.setLeft(inset);
+    layout()->setContentsMargins(margins);
+}
+
+/// The label stands beside the first line of a text.
+void RowItemView::alignAtTop()
+{
+    label->setContentsMargins(0, Theme::unit, 0, 0);
+    for (int index = 0; index < layout()->count(); ++index)
+        layout()->itemAt(index)->setAlignment(Qt::AlignTop);
+}
+
 void RowItemView::setGrows()
 {
     grows = true;
+    if (!label->text().isEmpty())
+        alignAtTop();
     settle();
 }
 
@@ -85,5 +102,8 @@ void RowItemView::setRowHidden(bool hidden)
 
 void RowItemView::paintEvent(QPaintEvent *)
 {
-    QPainter(this).fillRect(QRect(sideMargin, height() - 1, width() - sideMargin, 1), Theme::divider);
+    const QLayout *chain = parentWidget()->layout();
+    const bool isLast = chain && chain->itemAt(chain->count() - 1)->widget() == this;
+    if (!isLast)
+        QPainter(this).fillRect(QRect(sideMargin, height() - 1, width() - sideMargin, 1), Theme::divider);
 }

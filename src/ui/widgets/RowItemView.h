@@ -20,6 +20,8 @@ public:
     void setControl(QWidget *control);
     /// Lets the row be higher than its least height, as high as its control asks for.
     void setGrows();
+    /// How far the content stands from the edges of the row.
+    void setInset(int inset);
 
     bool isRowHidden() const { return isCollapsed; }
     void setRowHidden(bool hidden);
@@ -30,6 +32,7 @@ protected:
 private:
     void setRowHeight(int height);
     void settle();
+    void alignAtTop();
 
     int number;
     int shownHeight;

@@ -16,6 +16,7 @@ TableViewExtended::TableViewExtended(QWidget *parent)
     setEditTriggers(NoEditTriggers);
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setTabKeyNavigation(false);
     viewport()->setMouseTracking(true);
     viewport()->setAutoFillBackground(false);

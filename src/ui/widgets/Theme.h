@@ -52,6 +52,7 @@ inline constexpr QColor sidebarSelection{255, 255, 255, 31};
 inline constexpr QColor sidebarHover{255, 255, 255, 13};
 inline constexpr QColor sidebarAccent{126, 172, 255};
 inline constexpr QColor sidebarFocus{126, 172, 255, 200};
+inline constexpr QColor sidebarFocusQuiet{255, 255, 255, 64};
 inline constexpr QColor badge{255, 255, 255, 31};
 inline constexpr QColor badgeText{214, 217, 221};
 inline constexpr QColor badgeOverdue{214, 72, 65};
@@ -63,6 +64,7 @@ inline constexpr int controlRadius = 7;
 inline constexpr int controlHeight = 32;
 inline constexpr int toolBarHeight = 64;
 inline constexpr int contentMargin = 24;
+inline constexpr int scrollBarWidth = 10;
 
 enum class FontRole { Body, BodyStrong, Small, SmallStrong, Title, Large, SidebarTop, SidebarChild };
 

@@ -51,7 +51,7 @@ void TaskPopupMenu::rebuildCategories()
 {
     categoryMenu->clear();
     for (const CategoryPtr &category : DBWorker::allCategories()) {
-        QAction *action = addChoice(*categoryMenu, category->title(), category->identifier());
+        QAction *action = addChoice(*categoryMenu, localized(category->title()), category->identifier());
         action->setIcon(CategoryIcon::of(*category));
         connect(action, &QAction::triggered, this, [this, category] { Q_EMIT categoryChosen(category); });
     }

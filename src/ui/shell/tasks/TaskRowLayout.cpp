@@ -58,7 +58,8 @@ static void placeInTwoLines(TaskRowLayout &layout, const TaskRowLayout::Input &i
 TaskRowLayout TaskRowLayout::of(const Input &input)
 {
     TaskRowLayout layout;
-    layout.card = input.row.adjusted(Theme::contentMargin, 0, -Theme::contentMargin, 0);
+    // The scroll bar stands in the margin, so that cards end where the toolbar does.
+    layout.card = input.row.adjusted(Theme::contentMargin, 0, Theme::scrollBarWidth - Theme::contentMargin, 0);
     const int boxLeft = layout.card.left() + checkBoxLeft;
     if (input.hasCheckBox)
         layout.checkBox = middle(layout.card, boxLeft, checkBoxSize, checkBoxSize);

@@ -60,7 +60,8 @@ void TaskTableRow::paint(QPainter &painter, const QStyleOptionViewItem &option, 
     }
     painter.strokePath(shape, QPen(Theme::cardBorder));
     painter.restore();
-    if (option.state.testFlag(QStyle::State_HasFocus))
+    // On a selected row the colours of the selection show where the focus is.
+    if (option.state.testFlag(QStyle::State_HasFocus) && !option.state.testFlag(QStyle::State_Selected))
         MorvaneStyle::drawFocusRing(painter, QRectF(card).adjusted(2, 2, -2, -2), Theme::controlRadius,
                                     Theme::focusRing);
 }

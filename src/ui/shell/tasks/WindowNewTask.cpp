@@ -22,10 +22,12 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr QSize firstSize(520, 560);
+constexpr int firstWidth = 520;
 constexpr int titleHeight = 50;
 constexpr int rowHeight = 44;
 constexpr int detailsHeight = 84;
+/// The circle stands above the labels, although its ring needs room around it.
+constexpr int checkBoxInset = 11;
 
 WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     : QWidget(parent, Qt::Window)
@@ -44,12 +46,14 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     connect(&form, &TaskForm::changed, this, &WindowNewTask::formChanged);
     connect(&form, &TaskForm::dueDateWanted, this, [this] { dueDateControl->open(); });
     showVisibleRows();
-    resize(firstSize);
+    resize(firstWidth, sizeHint().height());
     textFieldTitle->setFocus();
 }
 
 void WindowNewTask::showWindow()
 {
+    if (!isVisible() && parentWidget())
+        move(parentWidget()->geometry().center() - rect().center());
     show();
     raise();
     activateWindow();
@@ -70,7 +74,9 @@ RowItemView *WindowNewTask::addRow(int tag, const QString &textTag, int height, 
 
 void WindowNewTask::setUpRows()
 {
-    addRow(1, u"Title"_s, titleHeight, {}, makeTitle())->setGrows();
+    RowItemView *title = addRow(1, u"Title"_s, titleHeight, {}, makeTitle());
+    title->setGrows();
+    title->setInset(checkBoxInset);
     addRow(3, u"Type"_s, rowHeight, u"Type"_s, makeType());
     addRow(4, u"Category"_s, rowHeight, u"Category"_s, makeCategory());
     addRow(5, u"Status"_s, rowHeight, u"Status"_s, makeStatus());
@@ -120,7 +126,7 @@ QWidget *WindowNewTask::makeCategory()
     popUp->setObjectName(u"popUpButtonCategory"_s);
     const std::vector<CategoryPtr> categories = DBWorker::allCategories();
     for (const CategoryPtr &category : categories)
-        popUp->addItem(CategoryIcon::of(*category), category->title());
+        popUp->addItem(CategoryIcon::of(*category), localized(category->title()));
     const auto chosen = std::ranges::find(categories, form.currentTask().category);
     popUp->setCurrentIndex(chosen == categories.end() ? 0 : static_cast<int>(chosen - categories.begin()));
     connect(popUp, &QComboBox::activated, this,
