@@ -122,19 +122,22 @@ struct KeyedRow
 {
     listorder::Key key;
     QString group;
+    /// Only where the order falls back on it.
+    QString title;
 };
 
-/// What the order needs of each row; a column that only groups comes last.
-std::vector<std::string> columnsFor(Order order, const std::string &groupColumn)
+/// What the order needs of each row.
+std::vector<std::string> columnsFor(Order order)
 {
-    std::vector<std::string> columns;
-    if (order == Order::ByDue)
-        columns = {"type", "dueDate", "dueSomeDay"};
-    else if (order == Order::ByStart)
-        columns = {"type", "startDate", "dueDate"};
-    if (!groupColumn.empty())
-        columns.push_back(groupColumn);
-    return columns;
+    switch (order) {
+    case Order::ByDue:
+        return {"type", "dueDate", "dueSomeDay"};
+    case Order::ByStart:
+        return {"type", "startDate", "dueDate", "title"};
+    case Order::Fetched:
+        return {};
+    }
+    return {};
 }
 
 std::optional<int> optionalInteger(const RowReader &row, int column)
@@ -142,15 +145,39 @@ std::optional<int> optionalInteger(const RowReader &row, int column)
     return row.isNull(column) ? std::nullopt : std::optional(static_cast<int>(row.integer(column)));
 }
 
-listorder::Key keyOf(Order order, const RowReader &row, listorder::EffectiveDates &dates)
+KeyedRow keyedRow(Order order, const RowReader &row, listorder::EffectiveDates &dates)
 {
     switch (order) {
     case Order::ByDue:
-        return {row.rowId(), dates.due(optionalInteger(row, 0), row.date(1)), row.integer(2) != 0};
+        return {{row.rowId(), dates.due(optionalInteger(row, 0), row.date(1)), row.integer(2) != 0}, {}, {}};
     case Order::ByStart:
-        return {row.rowId(), dates.start(optionalInteger(row, 0), row.date(1), row.date(2)), false};
-    default:
-        return {row.rowId(), {}, false};
+        return {{row.rowId(), dates.start(optionalInteger(row, 0), row.date(1), row.date(2)), false}, {}, row.text(3)};
+    case Order::Fetched:
+        break;
+    }
+    return {{row.rowId(), {}, false}, {}, {}};
+}
+
+bool isTitleBefore(const QString &one, const QString &other)
+{
+    if (one.isNull() || other.isNull())
+        return one.isNull() && !other.isNull();
+    return std::is_lt(compareValues(Value(one), Value(other)));
+}
+
+/// The order after the fetch. By start, rows of one moment stand by title, however they were fetched.
+void sortRows(Order order, std::vector<KeyedRow> &rows)
+{
+    if (order == Order::ByDue) {
+        listorder::sortOneSided(rows, [](const KeyedRow &first, const KeyedRow &second) {
+            return listorder::isAfterByDue(first.key, second.key);
+        });
+    } else if (order == Order::ByStart) {
+        std::stable_sort(rows.begin(), rows.end(), [](const KeyedRow &one, const KeyedRow &other) {
+            if (one.key.date != other.key.date)
+                return one.key.date < other.key.date;
+            return isTitleBefore(one.title, other.title);
+        });
     }
 }
 
@@ -159,19 +186,18 @@ listorder::Key keyOf(Order order, const RowReader &row, listorder::EffectiveDate
 std::vector<PlacedRow> placedRows(const Definition &definition, const std::vector<Predicate> &filter,
                                   const std::string &groupColumn)
 {
-    const std::vector<std::string> columns = columnsFor(definition.order, groupColumn);
-    const int groupPlace = groupColumn.empty() ? -1 : static_cast<int>(columns.size()) - 1;
+    std::vector<std::string> columns = columnsFor(definition.order);
+    const int groupPlace = static_cast<int>(columns.size());
+    if (!groupColumn.empty())
+        columns.push_back(groupColumn);
     std::vector<KeyedRow> rows;
     listorder::EffectiveDates dates;
     context().visit(request(definition, filter), columns, [&](const RowReader &row) {
-        rows.push_back({keyOf(definition.order, row, dates), groupPlace < 0 ? QString() : row.text(groupPlace)});
+        rows.push_back(keyedRow(definition.order, row, dates));
+        if (!groupColumn.empty())
+            rows.back().group = row.text(groupPlace);
     });
-    if (definition.order != Order::Fetched) {
-        const auto isAfter = definition.order == Order::ByDue ? listorder::isAfterByDue : listorder::isAfterByStart;
-        listorder::sortOneSided(rows, [isAfter](const KeyedRow &first, const KeyedRow &second) {
-            return isAfter(first.key, second.key);
-        });
-    }
+    sortRows(definition.order, rows);
     std::vector<PlacedRow> placed;
     placed.reserve(rows.size());
     for (KeyedRow &row : rows)

@@ -1,0 +1,184 @@
+#include "CoreTest.h"
+
+#include "store/state/NotificationNames.h"
+#include "usernotifications/UserNotificationCenter.h"
+
+#include <sqlite3.h>
+
+namespace {
+
+/// A shell that keeps what it is told, and answers as it is set.
+class ToldShell : public ShellPort
+{
+public:
+    struct Record
+    {
+        QStringList calls;
+        QString badge;
+        bool hasMainWindow = true;
+        bool canCommit = true;
+        bool dealsWithErrors = false;
+    };
+    explicit ToldShell(Record &told) : record(told) {}
+    void showMainWindow() override { record.calls.append(u"main"_qs); }
+    void showStartWindow() override { record.calls.append(u"start"_qs); }
+    bool hasMainWindow() const override { return record.hasMainWindow; }
+    bool commitEditing() override { return record.canCommit; }
+    bool presentError(const Error &) override { return record.dealsWithErrors; }
+    void setBadgeLabel(const QString &label) override { record.badge = label; }
+
+private:
+    Record &record;
+};
+
+class Life : public CoreTest
+{
+protected:
+    void launchWithShell()
+    {
+        quit();
+        delegate = std::make_unique<AppDelegate>(std::make_unique<ToldShell>(told));
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+    }
+    static QString setting(const QString &key) { return UserDefaults::standard().string(key); }
+
+    ToldShell::Record told;
+};
+
+TEST_F(Life, LaunchForgetsWhatLastsForOneRunAndShowsTheMainWindow)
+{
+    UserDefaults::standard().setObject(settings::calendarState, 2);
+    UserDefaults::standard().setObject(settings::calendarLastDate, QVariant::fromValue(localDate(2020, 1, 1)));
+    launchWithShell();
+    EXPECT_EQ(UserDefaults::standard().integer(settings::calendarState), 0);
+    EXPECT_EQ(UserDefaults::standard().integer(settings::selectSortCategoryIndex), -1);
+    EXPECT_FALSE(UserDefaults::standard().contains(settings::calendarLastDate));
+    EXPECT_EQ(setting(settings::valueSwitchDatabase), u"0"_qs);
+    EXPECT_EQ(told.calls, QStringList(u"main"_qs));
+    EXPECT_TRUE(QDir(FileManager::appFolderURL() + u"/Orrelin Images"_qs).exists());
+    EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
+    EXPECT_EQ(told.calls.size(), 1);
+    told.hasMainWindow = false;
+    EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
+    EXPECT_EQ(told.calls.last(), u"start"_qs);
+}
+
+TEST_F(Life, TheBadgeFollowsEverySaveOfATask)
+{
+    launchWithShell();
+    EXPECT_EQ(told.badge, QString());
+    const TaskPtr task = add(u"missed"_qs, TaskType::Appointment, localDate(2026, 11, 20, 9), localDate(2026, 11, 20, 10));
+    EXPECT_EQ(told.badge, u"1"_qs);
+    MVTask(task).changeStatusType(3, true);
+    EXPECT_EQ(told.badge, QString());
+    EXPECT_EQ(task->expirationDate(), localDate(2026, 11, 21, 9, 15));
+}
+
+TEST_F(Life, ActivationWithoutCalendarsWritesDownThatThereAreNone)
+{
+    const LogCapture log;
+    delegate->applicationDidBecomeActive();
+    EXPECT_TRUE(log.lines().contains(u"SYNC:NO - ACCESS APP TO iCALENDAR"_qs));
+    EXPECT_EQ(setting(settings::sumStatuses), u"0"_qs);
+    EXPECT_EQ(setting(settings::isAccessToCalendar), u"NO"_qs);
+    EXPECT_EQ(setting(settings::applicationDidBecomeActive), u"YES"_qs);
+    const TaskPtr repeating = add(u"weekly"_qs);
+    repeating->setRepeat(u"RRULE FREQ=WEEKLY"_qs);
+    MVTask copy(repeating);
+    copy.changeStatusType(3, false);
+    EXPECT_EQ(copy.status, 0) << "A repeating task cannot be edited without its calendar";
+    delegate->applicationDidResignActive();
+    copy.changeStatusType(3, false);
+    EXPECT_EQ(copy.status, 3);
+}
+
+TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
+{
+    for (const QString &title : {u"one"_qs, u"two"_qs}) {
+        const TaskPtr task = add(title, TaskType::EmailCall, {}, localDate(2026, 11, title == u"one"_qs ? 22 : 23, 9));
+        task->setAlert(localDate(2026, 11, 21, 10));
+        task->setSecondAlert(localDate(2026, 11, 21, 9));
+    }
+    delegate->applicationDidResignActive();
+    const auto scheduled = UserNotificationCenter::defaultUserNotificationCenter().scheduledNotifications();
+    // Each task's list replaces the former one, the later due task's first; alerts in the past make none.
+    ASSERT_EQ(scheduled.size(), 1u);
+    EXPECT_EQ(scheduled[0].subtitle, u"one"_qs);
+    EXPECT_EQ(scheduled[0].deliveryDate, localDate(2026, 11, 21, 10));
+    ObjectPtr clicked;
+    const Observation observation =
+        NotificationCenter::defaultCenter().addObserver(notifications::clickTableSearch, [&clicked](const Notification &one) {
+            clicked = std::any_cast<ObjectPtr>(one.object);
+        });
+    delegate->userNotificationCenterDidActivateNotification(scheduled[0].userInfo.value(u"TASK_ID_KEY"_qs));
+    EXPECT_EQ(clicked, DBWorker::getFirstTaskByTitle(u"one"_qs));
+}
+
+TEST_F(Life, QuittingWithAStoreThatCannotBeWrittenAsksAndCancelQuits)
+{
+    launchWithShell();
+    told.canCommit = false;
+    EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::Cancel);
+    told.canCommit = true;
+    sqlite3 *other = nullptr;
+    sqlite3_open(storePath().toUtf8().constData(), &other);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    context().insert<EntityNote>()->setTitle(u"not lost"_qs);
+    {
+        const ScriptedAlerts alerts({1001});
+        EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::Now);
+        ASSERT_EQ(alerts.asked().size(), 1u);
+        EXPECT_EQ(alerts.asked()[0].message, u"Could not save changes while quitting. Quit anyway?"_qs);
+        EXPECT_EQ(alerts.asked()[0].buttons, QStringList({u"Quit anyway"_qs, u"Cancel"_qs}));
+    }
+    told.dealsWithErrors = true;
+    EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::Cancel);
+    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    quit();
+    launch();
+    EXPECT_EQ(DBWorker::allNote().first()->title(), u"not lost"_qs);
+}
+
+TEST_F(Life, TheSampleStoreIsAnotherFileThatHidesNothing)
+{
+    const auto addHidden = [this](const QString &title) {
+        const auto task = context().insert<EntityTask>();
+        task->setTitle(title);
+        task->setTypeCalendarID(u"gone"_qs);
+        DBWorker::saveContext();
+    };
+    addHidden(u"mine"_qs);
+    EXPECT_TRUE(DBWorker::allTasks().isEmpty());
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 1);
+    EXPECT_TRUE(DBWorker::isSample());
+    addHidden(u"sample"_qs);
+    EXPECT_EQ(titles(DBWorker::allTasks()), QStringList(u"sample"_qs));
+    EXPECT_TRUE(QFile::exists(FileManager::appFolderURL() + u"/Model11.sqlite"_qs));
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 0);
+    EXPECT_TRUE(DBWorker::allTasks().isEmpty());
+}
+
+TEST(LifeDeathTest, AStoreThatCannotBeOpenedEndsTheProgramAndIsLeftAsItIs)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    FileManager::createAppFolder();
+    const QString path = FileManager::appFolderURL() + u"/Model0.sqlite"_qs;
+    QFile::remove(path);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(4096, 'x'));
+    file.close();
+    EXPECT_EXIT(
+        {
+            AppDelegate delegate;
+            delegate.applicationWillFinishLaunching();
+        },
+        testing::ExitedWithCode(EXIT_FAILURE), "Unresolved error.*Model0.sqlite.*not a database");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray(4096, 'x'));
+    file.remove();
+}
+
+} // namespace

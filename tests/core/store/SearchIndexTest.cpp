@@ -1,0 +1,91 @@
+#include "CoreTest.h"
+
+#include "records/SearchIndex.h"
+
+namespace {
+
+class SearchIndexOfRecords : public CoreTest
+{
+protected:
+    QStringList textsOf(const ObjectPtr &object)
+    {
+        QStringList texts;
+        for (const auto &row : context().fetch<EntitySearchIndex>(
+                 EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", object->uri()))))
+            texts.append(row->string());
+        return texts;
+    }
+    static std::vector<ObjectPtr> found(const QString &text)
+    {
+        std::vector<ObjectPtr> objects;
+        for (const auto &row : DBWorker::searchEntityWithString(text))
+            objects.push_back(DBWorker::getObjectFromId(row->objectId()));
+        return objects;
+    }
+};
+
+TEST_F(SearchIndexOfRecords, FollowsSavesDeletesAndUndo)
+{
+    const auto contact = context().insert<EntityContacts>();
+    contact->setFirstName(u"Ann"_qs);
+    contact->setLastName(u"Lee"_qs);
+    const auto phone = context().insert<EntityPhone>();
+    phone->setNumber(u"+1 (312) 555-1212"_qs);
+    phone->setContact(contact);
+    MVTask copy;
+    copy.title = u"Café"_qs;
+    copy.details = u"with milk"_qs;
+    copy.type = 0;
+    copy.category = EntityCategory::title(u"HomeCategory"_qs);
+    copy.delegateToUser = contact;
+    copy.save();
+    const TaskPtr task = copy.task();
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(textsOf(task), QStringList({u"with milk"_qs, u"Café"_qs, u"Home"_qs, u"Ann Lee"_qs}));
+    EXPECT_EQ(textsOf(contact), QStringList({u"Ann Lee"_qs, u"Café"_qs, u"+1 (312) 555-1212"_qs}));
+    EXPECT_EQ(found(u"cafe"_qs).size(), 2u);
+    EXPECT_EQ(found(u"555-12"_qs), std::vector<ObjectPtr>({contact}));
+
+    task->setTitle(u"Tea"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(found(u"tea"_qs), std::vector<ObjectPtr>({task}));
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(textsOf(task).at(1), u"Café"_qs);
+    const QString uri = task->uri();
+    context().deleteObject(task);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_TRUE(found(u"milk"_qs).empty());
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(found(u"milk"_qs), std::vector<ObjectPtr>({DBWorker::getObjectFromId(uri)}));
+}
+
+TEST_F(SearchIndexOfRecords, IsBroughtUpToDateAfterAnEndBetweenTheTwoSaves)
+{
+    const TaskPtr task = add(u"first"_qs);
+    const QString uri = task->uri();
+    context().setSaveHandler({});
+    // As if the program had ended right after the save of the record.
+    task->setTitle(u"renamed"_qs);
+    EXPECT_FALSE(context().save());
+    EXPECT_TRUE(found(u"renamed"_qs).empty());
+    delegate.reset();
+    launch();
+    EXPECT_EQ(found(u"renamed"_qs), std::vector<ObjectPtr>({DBWorker::getObjectFromId(uri)}));
+    EXPECT_TRUE(found(u"first"_qs).empty());
+    EXPECT_TRUE(context().unfinishedFollowUps().empty());
+}
+
+TEST_F(SearchIndexOfRecords, IsLeftAloneWhenTheInboxIsReordered)
+{
+    add(u"a"_qs);
+    add(u"b"_qs);
+    DBWorker::allSearchObjRemove();
+    const TaskList inbox = DBWorker::allInboxTasks();
+    DBWorker::newPositionInboxTask({1}, 0, {inbox.at(0), inbox.at(1)});
+    EXPECT_TRUE(found(u"a"_qs).empty());
+    inbox.at(0)->setDetails(u"new"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(found(u"a"_qs).size(), 1u);
+}
+
+} // namespace
