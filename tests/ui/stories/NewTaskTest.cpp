@@ -1,0 +1,165 @@
+// A new task is written down.
+
+#include "ui/support/ShellTest.h"
+#include "widgets/DatePicker.h"
+#include "widgets/GrowingTextField.h"
+#include "widgets/RowItemView.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+class NewTaskTest : public ShellTest
+{
+protected:
+    static void type(const QString &text) { QTest::keyClicks(QApplication::focusWidget(), text); }
+    static void chooseType(WindowNewTask &form, int index)
+    {
+        auto &popUp = find<QComboBox>(form, "popUpButtonType");
+        popUp.setFocus();
+        QTest::keyClick(&popUp, Qt::Key_Home);
+        for (int step = 0; step < index; ++step)
+            QTest::keyClick(&popUp, Qt::Key_Down);
+    }
+    static DatePicker &startOf(WindowNewTask &form) { return find<DatePicker>(form, "datePickerStartDate"); }
+    static DatePicker &dueOf(WindowNewTask &form) { return find<DatePicker>(form, "datePickerDueDate"); }
+};
+
+TEST_F(NewTaskTest, TypingATitleAndReturnPutsItIntoTheInbox)
+{
+    showList(SidebarItem::Inbox);
+    openNewTask();
+    type(u"Buy bread"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(inboxTitles(), QStringList{u"Buy bread"_s});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow() && shownTitles().size() == 1; }));
+}
+
+TEST_F(NewTaskTest, TheListItIsMadeFromDecidesWithWhatItBegins)
+{
+    struct Case
+    {
+        SidebarItem list;
+        OptionalDate start;
+        OptionalDate due;
+        bool isSomeday;
+    };
+    const std::vector<Case> cases = {
+        {SidebarItem::Inbox, {}, {}, false},
+        {SidebarItem::Today, localDate(2026, 11, 21), localDate(2026, 11, 21, 23, 59, 59), false},
+        {SidebarItem::Scheduled, localDate(2026, 11, 22), localDate(2026, 11, 22, 23, 59, 59), false},
+        {SidebarItem::Someday, {}, {}, true},
+        {SidebarItem::NotDone, {}, {}, false},
+    };
+    for (const Case &expected : cases) {
+        showList(expected.list);
+        WindowNewTask &form = openNewTask();
+        const MVTask &task = form.taskForm()->currentTask();
+        EXPECT_EQ(task.startDate, expected.start);
+        EXPECT_EQ(task.dueDate, expected.due);
+        EXPECT_EQ(task.dueSomeDay.value_or(false), expected.isSomeday);
+        EXPECT_EQ(find<RowItemView>(form, "rowStartDate").isRowHidden(), expected.isSomeday);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow(); }));
+    }
+}
+
+TEST_F(NewTaskTest, SavingNeedsATitleAndClosingAsksOnlyWhenSomethingWasTyped)
+{
+    WindowNewTask &form = openNewTask();
+    EXPECT_FALSE(find<QPushButton>(form, "buttonSave").isEnabled());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(form.isVisible());
+    type(u"x"_s);
+    EXPECT_TRUE(find<QPushButton>(form, "buttonSave").isEnabled());
+    ScriptedAlerts alerts({Alert::secondButton, Alert::thirdButton});
+    QTest::keyClick(&form, Qt::Key_Escape);
+    EXPECT_TRUE(form.isVisible());
+    QTest::mouseClick(&find<QPushButton>(form, "buttonClose"), Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow(); }));
+    ASSERT_EQ(alerts.asked().size(), 2U);
+    EXPECT_EQ(alerts.asked().front().buttons, (QStringList{u"Save"_s, u"Cancel"_s, u"Don't Save"_s}));
+    EXPECT_EQ(stored(u"x"_s), nullptr);
+}
+
+TEST_F(NewTaskTest, AnsweringTheQuestionWithSaveStoresTheTask)
+{
+    openNewTask();
+    type(u"kept"_s);
+    ScriptedAlerts alerts({Alert::firstButton});
+    QTest::keyClick(newTaskWindow(), Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow(); }));
+    EXPECT_NE(stored(u"kept"_s), nullptr);
+}
+
+TEST_F(NewTaskTest, AnotherTypeClearsTheDatesAndShowsTheRowsOfThatType)
+{
+    showList(SidebarItem::Today);
+    WindowNewTask &form = openNewTask();
+    chooseType(form, 2);
+    const MVTask &task = form.taskForm()->currentTask();
+    EXPECT_TRUE(task.isEmailCall());
+    EXPECT_FALSE(task.startDate);
+    EXPECT_FALSE(task.dueDate);
+    EXPECT_TRUE(find<RowItemView>(form, "rowStartDate").isRowHidden());
+    EXPECT_EQ(dueOf(form).accessibleName(), u"Start Date"_s);
+    chooseType(form, 1);
+    EXPECT_FALSE(find<RowItemView>(form, "rowStartDate").isRowHidden());
+    EXPECT_EQ(dueOf(form).accessibleName(), u"Due Date"_s);
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(NewTaskTest, ADateIsPickedByTheKeysAlone)
+{
+    WindowNewTask &form = openNewTask();
+    type(u"dated"_s);
+    startOf(form).setFocus();
+    QTest::keyClick(&startOf(form), Qt::Key_Space);
+    QWidget *bubble = QApplication::activePopupWidget();
+    ASSERT_NE(bubble, nullptr);
+    QTest::keyClick(bubble->focusWidget(), Qt::Key_Down);
+    QTest::keyClick(bubble->focusWidget(), Qt::Key_Right);
+    QTest::keyClick(bubble->focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(form.taskForm()->currentTask().startDate, localDate(2026, 11, 29));
+    startOf(form).setFocus();
+    QTest::keyClick(&startOf(form), Qt::Key_Delete);
+    EXPECT_FALSE(form.taskForm()->currentTask().startDate);
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(NewTaskTest, DueSomedayHidesTheStartAndAnotherStartTakesItBack)
+{
+    WindowNewTask &form = openNewTask();
+    dueOf(form).setFocus();
+    QTest::keyClick(&dueOf(form), Qt::Key_Space);
+    QWidget *bubble = QApplication::activePopupWidget();
+    ASSERT_NE(bubble, nullptr);
+    for (QAbstractButton *button : bubble->findChildren<QAbstractButton *>()) {
+        if (button->isCheckable())
+            QTest::keyClick(button, Qt::Key_Space);
+    }
+    EXPECT_TRUE(form.taskForm()->isSomeday());
+    EXPECT_TRUE(find<RowItemView>(form, "rowStartDate").isRowHidden());
+    EXPECT_EQ(dueOf(form).text(), u"Someday"_s);
+    QTest::keyClick(&dueOf(form), Qt::Key_Delete);
+    EXPECT_FALSE(form.taskForm()->isSomeday());
+    EXPECT_FALSE(find<RowItemView>(form, "rowStartDate").isRowHidden());
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(NewTaskTest, TheWindowIsNeverDoubled)
+{
+    WindowNewTask &form = openNewTask();
+    type(u"draft"_s);
+    controller().showNewTask({});
+    EXPECT_EQ(newTaskWindow(), &form);
+    EXPECT_EQ(form.taskForm()->currentTask().title, u"draft"_s);
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    window().close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow(); }));
+}

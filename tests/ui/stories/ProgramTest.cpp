@@ -1,0 +1,133 @@
+// What the program does as a whole: asking, ending, starting twice, being read aloud.
+
+#include "shell/QuitSignals.h"
+#include "shell/SingleInstance.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/MessageBoxPresenter.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+
+#include <csignal>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Asks with three buttons and lets `answer` act on the box.
+static int ask(const std::function<void(QMessageBox &)> &answer)
+{
+    QTimer::singleShot(50, [&] { answer(*qobject_cast<QMessageBox *>(QApplication::activeModalWidget())); });
+    return MessageBoxPresenter().present({.title = {},
+                                          .message = u"Keep it?"_s,
+                                          .informativeText = {},
+                                          .buttons = {u"Save"_s, u"Cancel"_s, u"Don't Save"_s}});
+}
+
+TEST(AlertBoxTest, AnswersTheNumberOfTheButtonWhateverItsPlace)
+{
+    for (const auto &[text, number] :
+         {std::pair(u"Save"_s, 1000), std::pair(u"Cancel"_s, 1001), std::pair(u"Don't Save"_s, 1002)}) {
+        const int answer = ask([&](QMessageBox &box) {
+            for (QAbstractButton *button : box.buttons()) {
+                if (button->text() == text)
+                    button->click();
+            }
+        });
+        EXPECT_EQ(answer, number);
+    }
+}
+
+TEST(AlertBoxTest, EscapeMeansCancelAndReturnTheFirstButton)
+{
+    EXPECT_EQ(ask([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Escape); }), 1001);
+    EXPECT_EQ(ask([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Return); }), 1000);
+}
+
+TEST(QuitSignalsTest, ASignalArrivesOnTheMainLoop)
+{
+    const QuitSignals signals_;
+    QSignalSpy spy(&signals_, &QuitSignals::received);
+    std::raise(SIGTERM);
+    std::raise(SIGINT);
+    EXPECT_EQ(spy.count(), 0);
+    EXPECT_TRUE(spy.wait());
+}
+
+TEST(SingleInstanceTest, ASecondStartShowsTheWindowOfTheFirst)
+{
+    SingleInstance first;
+    ASSERT_TRUE(first.isFirst());
+    QSignalSpy activated(&first, &SingleInstance::activated);
+    const SingleInstance second;
+    EXPECT_FALSE(second.isFirst());
+    EXPECT_TRUE(second.activateOther());
+    EXPECT_TRUE(activated.wait());
+}
+
+TEST(SingleInstanceTest, AfterTheFirstHasEndedTheNextIsFirstAgain)
+{
+    {
+        const SingleInstance gone;
+    }
+    EXPECT_TRUE(SingleInstance().isFirst());
+}
+
+using WholeWindowTest = ShellTest;
+
+TEST_F(WholeWindowTest, EveryControlThatTakesTheKeyboardHasAName)
+{
+    showList(SidebarItem::Today);
+    WindowNewTask &form = openNewTask();
+    for (const QWidget *root : {static_cast<QWidget *>(&window()), static_cast<QWidget *>(&form)}) {
+        for (const QWidget *widget : root->findChildren<QWidget *>()) {
+            if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisible())
+                continue;
+            const auto *button = qobject_cast<const QAbstractButton *>(widget);
+            const bool isNamed = !widget->accessibleName().isEmpty() || (button && !button->text().isEmpty());
+            EXPECT_TRUE(isNamed) << widget->metaObject()->className() << " "
+                                 << qPrintable(widget->objectName());
+        }
+    }
+    form.close();
+}
+
+TEST_F(WholeWindowTest, ClosingTheWindowKeepsTheProgramAndTheWindowComesBack)
+{
+    showList(SidebarItem::Inbox);
+    run(ActionId::CloseWindow);
+    EXPECT_FALSE(window().isVisible());
+    delegate->startMainWindow();
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(screen().type(), ListType::Inbox);
+}
+
+TEST_F(WholeWindowTest, CommandsAreGreyWhereTheyWouldDoNothing)
+{
+    const auto isPossible = [this](ActionId id) {
+        controller().commands()->updateEnabled();
+        return controller().commands()->action(id)->isEnabled();
+    };
+    showList(SidebarItem::Inbox);
+    EXPECT_FALSE(isPossible(ActionId::Delete));
+    EXPECT_FALSE(isPossible(ActionId::SelectAll));
+    addInbox({u"a"_s});
+    EXPECT_TRUE(isPossible(ActionId::SelectAll));
+    clickRow(0);
+    EXPECT_TRUE(isPossible(ActionId::Delete));
+}
+
+TEST_F(WholeWindowTest, EveryCommandHasAnObjectNameAndAShortcutOfItsOwn)
+{
+    QSet<QString> shortcuts;
+    QSet<QString> names;
+    for (const ActionDescription &description : Actions::table()) {
+        const QAction *action = controller().commands()->action(description.id);
+        names.insert(action->objectName());
+        const QString keys = action->shortcut().toString();
+        EXPECT_TRUE(keys.isEmpty() || !shortcuts.contains(keys)) << qPrintable(keys);
+        shortcuts.insert(keys);
+    }
+    EXPECT_EQ(names.size(), static_cast<qsizetype>(Actions::table().size()));
+}

@@ -1,0 +1,154 @@
+// The user finds the way through the lists.
+
+#include "ui/support/ShellTest.h"
+#include "widgets/MVSegmentView.h"
+
+#include <QAbstractItemModelTester>
+
+using namespace Qt::Literals::StringLiterals;
+
+class SidebarTest : public ShellTest
+{
+protected:
+    QString selected()
+    {
+        const QModelIndexList indexes = outline().selectionModel()->selectedIndexes();
+        return indexes.isEmpty() ? QString() : indexes.first().data().toString();
+    }
+    Badge badgeOf(SidebarItem item)
+    {
+        const QModelIndex index = sidebar().indexOf(item);
+        return {index.data(SidebarModel::BadgeLeftRole).toInt(),
+                index.data(SidebarModel::BadgeRightRole).toInt()};
+    }
+    void sidebarKey(Qt::Key pressed) { QTest::keyClick(&outline(), pressed); }
+};
+
+TEST_F(SidebarTest, TheProgramBeginsOnHomeUnlessTheUserWasFaster)
+{
+    EXPECT_TRUE(QTest::qWaitFor([&] { return selected() == u"Home"_s; }));
+}
+
+TEST_F(SidebarTest, AQuickUserIsNotTakenBackToHome)
+{
+    pressSidebar(SidebarItem::Calendar);
+    QTest::qWait(400);
+    EXPECT_EQ(selected(), u"Calendar"_s);
+}
+
+TEST_F(SidebarTest, PressingTasksOpensItOnTheInboxAndPressingAgainClosesIt)
+{
+    pressSidebar(SidebarItem::Tasks);
+    EXPECT_TRUE(outline().isExpanded(sidebar().indexOf(SidebarItem::Tasks)));
+    EXPECT_EQ(selected(), u"Inbox"_s);
+    EXPECT_EQ(screen().type(), ListType::Inbox);
+    pressSidebar(SidebarItem::Tasks);
+    EXPECT_FALSE(outline().isExpanded(sidebar().indexOf(SidebarItem::Tasks)));
+    EXPECT_EQ(screen().type(), ListType::Inbox);
+}
+
+TEST_F(SidebarTest, TheKeysReachEveryRowAndHeadingsAreNeverSelected)
+{
+    pressSidebar(SidebarItem::Projects);
+    sidebarKey(Qt::Key_Down);
+    sidebarKey(Qt::Key_Down);
+    EXPECT_EQ(outline().currentIndex(), sidebar().indexOf(SidebarItem::Tasks));
+    EXPECT_EQ(selected(), u"Projects"_s);
+    sidebarKey(Qt::Key_Space);
+    EXPECT_EQ(selected(), u"Inbox"_s);
+    sidebarKey(Qt::Key_Down);
+    EXPECT_EQ(screen().type(), ListType::Today);
+    sidebarKey(Qt::Key_End);
+    EXPECT_EQ(selected(), u"Calendar"_s);
+    sidebarKey(Qt::Key_S);
+    EXPECT_EQ(selected(), u"Scheduled"_s);
+}
+
+TEST_F(SidebarTest, RowsAreAsHighAsTheirLevelAsksFor)
+{
+    controller().showList(SidebarItem::Today);
+    EXPECT_EQ(outline().visualRect(sidebar().indexOf(SidebarItem::Home)).height(), 45);
+    EXPECT_EQ(outline().visualRect(sidebar().indexOf(SidebarItem::Today)).height(), 33);
+}
+
+TEST_F(SidebarTest, BadgesFollowTheStoreAndShowWhatIsOverdueOnTheLeft)
+{
+    add(u"late"_s, [](MVTask &task) {
+        task.startDate = localDate(2026, 11, 19);
+        task.dueDate = localDate(2026, 11, 19, 23, 59);
+    });
+    add(u"today"_s, [](MVTask &task) {
+        task.startDate = localDate(2026, 11, 21);
+        task.dueDate = localDate(2026, 11, 21, 23, 59);
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return badgeOf(SidebarItem::Today) == Badge{1, 2}; }));
+    EXPECT_EQ(badgeOf(SidebarItem::NotDone), (Badge{0, 2}));
+    EXPECT_EQ(badgeOf(SidebarItem::People), Badge{});
+}
+
+TEST_F(SidebarTest, GroupsOfContactsStandBelowCompaniesAndCanBeDeleted)
+{
+    const auto group = context().insert<EntityContactGroup>();
+    group->setTitle(u"Book club"_s);
+    group->setUseGeneralFilter(false);
+    ASSERT_FALSE(DBWorker::saveContext());
+    controller().loadContactsGroup();
+    const QModelIndex index = sidebar().indexOfGroup(*group);
+    ASSERT_TRUE(index.isValid());
+    EXPECT_EQ(index.row(), 2);
+    outline().selectIndex(index);
+    ScriptedAlerts alerts({Alert::firstButton});
+    sidebarKey(Qt::Key_Delete);
+    EXPECT_EQ(sidebar().rowCount(sidebar().indexOf(SidebarItem::Contacts)), 2);
+    EXPECT_EQ(selected(), u"People"_s);
+}
+
+TEST_F(SidebarTest, TheDeleteKeyDoesNothingToListsOfTheProgram)
+{
+    addInbox({u"a"_s});
+    run(ActionId::SelectAll);
+    outline().setFocus();
+    const ScriptedAlerts alerts;
+    sidebarKey(Qt::Key_Delete);
+    EXPECT_TRUE(alerts.asked().empty());
+    EXPECT_EQ(inboxTitles(), QStringList{u"a"_s});
+}
+
+TEST_F(SidebarTest, GroupingShowsHeadersAndIsRememberedForTheList)
+{
+    add(u"urgent"_s, [](MVTask &task) {
+        task.dueSomeDay = true;
+        task.priority = 0;
+    });
+    add(u"idle"_s, [](MVTask &task) { task.dueSomeDay = true; });
+    showList(SidebarItem::Someday);
+    const auto control = [this]() -> MVSegmentView & {
+        return find<MVSegmentView>(*screen().toolBarView(), "tasksGroupedView");
+    };
+    const auto pressPriority = [&] {
+        QTest::mouseClick(&control(), Qt::LeftButton, {},
+                          control().rect().center() + QPoint(control().width() / 3, 0));
+    };
+    pressPriority();
+    EXPECT_EQ(shownTitles(), (QStringList{u"High"_s, u"urgent"_s, u"No Priority"_s, u"idle"_s}));
+    showList(SidebarItem::Inbox);
+    showList(SidebarItem::Someday);
+    EXPECT_EQ(control().selectedIndex(), 2);
+    clickRow(1);
+    pressPriority();
+    EXPECT_EQ(control().selectedIndex(), -1);
+    EXPECT_EQ(shownTitles().size(), 2);
+    EXPECT_EQ(selectedTitles(), QStringList{u"urgent"_s});
+}
+
+TEST_F(SidebarTest, ModelsKeepTheRulesOfModels)
+{
+    addInbox({u"a"_s, u"b"_s});
+    const QAbstractItemModelTester rows(list().model(),
+                                        QAbstractItemModelTester::FailureReportingMode::Warning);
+    const QAbstractItemModelTester tree(outline().model(),
+                                        QAbstractItemModelTester::FailureReportingMode::Warning);
+    screen().reloadData();
+    controller().loadContactsGroup();
+    controller().countTasksBadge();
+}

@@ -1,0 +1,142 @@
+// Tasks are ticked, changed in their rows and deleted.
+
+#include "shell/tasks/TaskPopupMenu.h"
+#include "ui/support/ShellTest.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+class WorkingOffTasksTest : public ShellTest
+{
+protected:
+    bool isShownTicked(int row)
+    {
+        return list().tableModel()->index(row).data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    }
+    /// Chooses an entry of a submenu of the context menu by its words.
+    void choose(const QString &menu, const QString &entry)
+    {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, middleOf(list().currentRow()),
+                                list().viewport()->mapToGlobal(middleOf(list().currentRow())));
+        QCoreApplication::sendEvent(list().viewport(), &event);
+        auto &popup = find<TaskPopupMenu>(screen(), "taskPopupMenu");
+        for (QMenu *submenu : popup.findChildren<QMenu *>()) {
+            for (QAction *action : submenu->actions()) {
+                if (submenu->title() == menu && action->text() == entry)
+                    action->trigger();
+            }
+        }
+        popup.close();
+    }
+};
+
+TEST_F(WorkingOffTasksTest, ATickIsStoredAndSeenAtOnceAndTheRowLeavesLater)
+{
+    addInbox({u"a"_s, u"b"_s, u"c"_s});
+    clickRow(1);
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, checkBoxOf(1));
+    EXPECT_EQ(stored(u"b"_s)->status(), 3);
+    EXPECT_TRUE(isShownTicked(1));
+    EXPECT_EQ(shownTitles().size(), 3);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles().size() == 2; }, 3000));
+    EXPECT_EQ(selectedTitles(), QStringList{u"c"_s});
+}
+
+TEST_F(WorkingOffTasksTest, TheSpaceKeyTicksAllSelectedTasksAndClearsThemAgain)
+{
+    addInbox({u"a"_s, u"b"_s, u"c"_s});
+    clickRow(0);
+    key(Qt::Key_Down, Qt::ShiftModifier);
+    key(Qt::Key_Space);
+    EXPECT_EQ(stored(u"a"_s)->status(), 3);
+    EXPECT_EQ(stored(u"b"_s)->status(), 3);
+    key(Qt::Key_Space);
+    EXPECT_EQ(stored(u"a"_s)->status(), 0);
+    EXPECT_EQ(stored(u"c"_s)->status(), 0);
+}
+
+TEST_F(WorkingOffTasksTest, APressBesideTheCheckBoxOnlySelects)
+{
+    addInbox({u"a"_s});
+    clickRow(0);
+    EXPECT_EQ(stored(u"a"_s)->status(), 0);
+    EXPECT_EQ(selectedTitles(), QStringList{u"a"_s});
+}
+
+TEST_F(WorkingOffTasksTest, DeletingAsksAndSelectsTheNewLastTaskAndNotTheEndMark)
+{
+    addInbox({u"a"_s, u"b"_s, u"c"_s});
+    clickRow(2);
+    ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
+    key(Qt::Key_Delete);
+    EXPECT_EQ(inboxTitles().size(), 3);
+    key(Qt::Key_Delete);
+    EXPECT_EQ(inboxTitles(), (QStringList{u"a"_s, u"b"_s}));
+    EXPECT_EQ(shownTitles(), inboxTitles());
+    EXPECT_EQ(selectedTitles(), QStringList{u"b"_s});
+    EXPECT_EQ(alerts.asked().size(), 2U);
+}
+
+TEST_F(WorkingOffTasksTest, ATaskOfAReadOnlyCalendarStaysAndSaysSoOnlyWhenAlone)
+{
+    add(u"read only"_s, [](MVTask &task) {
+        task.allowsContentModifications = false;
+        task.calendarTitle = u"Holidays"_s;
+    });
+    addInbox({u"mine"_s});
+    const int barred = static_cast<int>(shownTitles().indexOf(u"read only"_s));
+    ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+    clickRow(barred);
+    key(Qt::Key_Delete);
+    ASSERT_EQ(alerts.asked().size(), 1U);
+    EXPECT_TRUE(alerts.asked().front().message.contains(u"Holidays"_s));
+    run(ActionId::SelectAll);
+    key(Qt::Key_Delete);
+    EXPECT_EQ(inboxTitles(), QStringList{u"read only"_s});
+    EXPECT_EQ(alerts.asked().size(), 2U);
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, checkBoxOf(0));
+    EXPECT_EQ(stored(u"read only"_s)->status(), 0);
+}
+
+TEST_F(WorkingOffTasksTest, TheContextMenuChangesAllSelectedTasks)
+{
+    addInbox({u"a"_s, u"b"_s, u"c"_s});
+    clickRow(0);
+    clickRow(1, Qt::ControlModifier);
+    choose(u"Priority"_s, u"High"_s);
+    EXPECT_EQ(stored(u"a"_s)->priority(), 0);
+    EXPECT_EQ(stored(u"b"_s)->priority(), 0);
+    EXPECT_EQ(stored(u"c"_s)->priority(), 3);
+    choose(u"Status"_s, u"Pending"_s);
+    EXPECT_EQ(stored(u"b"_s)->status(), 2);
+}
+
+TEST_F(WorkingOffTasksTest, OpeningSeveralTasksAtOnceIsRefusedWithAMessage)
+{
+    addInbox({u"a"_s, u"b"_s});
+    run(ActionId::SelectAll);
+    ScriptedAlerts alerts({Alert::firstButton});
+    key(Qt::Key_Return);
+    ASSERT_EQ(alerts.asked().size(), 1U);
+    EXPECT_EQ(alerts.asked().front().message, u"Select one task"_s);
+}
+
+TEST_F(WorkingOffTasksTest, UndoBringsADeletedTaskBackIntoTheList)
+{
+    addInbox({u"a"_s, u"b"_s});
+    clickRow(0);
+    ScriptedAlerts alerts({Alert::firstButton});
+    key(Qt::Key_Delete);
+    EXPECT_EQ(shownTitles(), QStringList{u"b"_s});
+    run(ActionId::Undo);
+    EXPECT_EQ(shownTitles(), (QStringList{u"a"_s, u"b"_s}));
+    run(ActionId::Redo);
+    EXPECT_EQ(shownTitles(), QStringList{u"b"_s});
+}
+
+TEST_F(WorkingOffTasksTest, AChangeFromElsewhereReachesTheListThatIsShown)
+{
+    addInbox({u"a"_s});
+    add(u"b"_s);
+    NotificationCenter::defaultCenter().post(NotificationName(u"iCloudChange"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles().size() == 2; }));
+}
