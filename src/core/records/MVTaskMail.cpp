@@ -2,32 +2,67 @@
 #include "records/MVTask.h"
 #include "workspace/PlatformConfiguration.h"
 
+#include <QHash>
 #include <QStringList>
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 // A task as a mail draft.
 
 namespace {
 
-/// What an HTML reader would show of a text that ASCII can hold: tags are dropped, a line break ends a line, references to
-/// characters are resolved. A text that ASCII cannot hold shows nothing.
+/// What a reference such as "&amp;" or "&#38;" stands for, with the place behind it; nothing if it is none.
+std::optional<std::pair<QString, qsizetype>> characterReference(const QString &html, qsizetype place)
+{
+    static const QHash<QString, QChar> named = {{QStringLiteral("amp"), u'&'},
+                                                {QStringLiteral("lt"), u'<'},
+                                                {QStringLiteral("gt"), u'>'},
+                                                {QStringLiteral("quot"), u'"'},
+                                                {QStringLiteral("apos"), u'\''},
+                                                {QStringLiteral("nbsp"), QChar(0xA0)}};
+    const qsizetype end = html.indexOf(u';', place);
+    const QString name = end < 0 ? QString() : html.mid(place + 1, end - place - 1);
+    if (named.contains(name))
+        return std::pair(QString(named.value(name)), end + 1);
+    bool isNumber = false;
+    const bool isHexadecimal = name.startsWith(QStringLiteral("#x"));
+    const uint code = name.startsWith(u'#') ? name.mid(isHexadecimal ? 2 : 1).toUInt(&isNumber, isHexadecimal ? 16 : 10) : 0;
+    if (!isNumber || code == 0 || code > 0x10FFFF)
+        return std::nullopt;
+    return std::pair(QString::fromUcs4(reinterpret_cast<const char32_t *>(&code), 1), end + 1);
+}
+
+bool isTagStart(const QString &html, qsizetype place)
+{
+    const QChar next = place + 1 < html.size() ? html.at(place + 1) : QChar(u' ');
+    return html.at(place) == u'<' && (next.isLetter() || next == u'/' || next == u'!');
+}
+
+/// What an HTML reader would show of a text that ASCII can hold: tags are dropped, a line break ends a line, white space
+/// counts once, references to characters are resolved. A text that ASCII cannot hold shows nothing.
 QString plainText(const QString &html)
 {
     const bool isAscii = std::all_of(html.begin(), html.end(), [](QChar c) { return c.unicode() < 128; });
-    if (!isAscii)
-        return {};
     QString text;
-    for (qsizetype place = 0; place < html.size(); ++place) {
-        if (html.at(place) != u'<') {
-            text += html.at(place);
+    for (qsizetype place = 0; isAscii && place < html.size();) {
+        if (isTagStart(html, place)) {
+            const qsizetype end = html.indexOf(u'>', place);
+            text += html.mid(place + 1).startsWith(QStringLiteral("br")) ? QStringLiteral("\n") : QString();
+            place = end < 0 ? html.size() : end + 1;
             continue;
         }
-        const qsizetype end = html.indexOf(u'>', place);
-        const QString tag = html.mid(place + 1, end - place - 1);
-        if (tag.startsWith(QStringLiteral("br")))
-            text += u'\n';
-        place = end < 0 ? html.size() : end;
+        if (const auto reference = html.at(place) == u'&' ? characterReference(html, place) : std::nullopt) {
+            text += reference->first;
+            place = reference->second;
+            continue;
+        }
+        const QChar shown = html.at(place++);
+        if (!shown.isSpace())
+            text += shown;
+        else if (!text.isEmpty() && !text.back().isSpace())
+            text += u' ';
     }
     return text;
 }

@@ -6,6 +6,7 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
+#include "foundation/Region.h"
 #include "foundation/UserDefaults.h"
 #include "store/AppDelegate.h"
 #include "store/StartWindowController.h"
@@ -123,6 +124,8 @@ bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendar
 void AppDelegate::applicationDidBecomeActive()
 {
     UserDefaults &defaults = UserDefaults::standard();
+    // The user may have travelled, or changed the system's settings, while another program was in front.
+    Region::reload();
     CalendarEvent::handleBeforeAllCalendarsSync();
     const bool hasCloud = IcloudManager::connectIcloud();
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCLOUD").arg(yesOrNo(hasCloud)));

@@ -119,7 +119,7 @@ int DBWorker::countStaleTasks()
     // What is none of them counts as a ToDo.
     for (const Predicate &other : {Predicate::format("type = nil"), Predicate::format("type < %d", toDo),
                                    Predicate::format("type > %d", emailCall)})
-        count += counter.countLate(lateness, openTasks() && other && lateness.recentPast());
+        count += counter.countLate(lateness, openTasks() && other && lateness.notLongPast());
     return count;
 }
 

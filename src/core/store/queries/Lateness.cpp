@@ -77,7 +77,7 @@ bool Lateness::isLate(std::optional<int> type, OptionalDate dueDate) const
 std::vector<Predicate> Lateness::recentlyLate(std::optional<int> type) const
 {
     if (isMoment(type))
-        return {recentPast()};
+        return {Predicate::format("dueDate >= %@ and dueDate < %@", recentStart, now)};
     std::vector<Predicate> parts;
     for (const Span &span : recentSpans(recentStart, MVDate::getStartOfDay(now)))
         parts.push_back(Predicate::format("dueDate >= %@ and dueDate < %@", span.start, std::min(span.end, now)));
@@ -89,7 +89,7 @@ Predicate Lateness::longPast() const
     return Predicate::format("dueDate < %@", recentStart);
 }
 
-Predicate Lateness::recentPast() const
+Predicate Lateness::notLongPast() const
 {
-    return Predicate::format("dueDate >= %@ and dueDate < %@", recentStart, now);
+    return Predicate::format("not (dueDate < %@)", recentStart);
 }
