@@ -9,6 +9,10 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int patience = 2000;
@@ -31,17 +35,20 @@ static QString fileFor(const QString &ending)
 
 SingleInstance::SingleInstance(QObject *parent)
     : QObject(parent)
-    , lock(fileFor(u".lock"_s))
     , socketPath(fileFor(u".socket"_s))
+    , lockFile(::open(QFile::encodeName(fileFor(u".lock"_s)).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
 {
-    // The lock knows by itself whether its holder still runs; its age says nothing.
-    lock.setStaleLockTime(0);
-    first = lock.tryLock(0);
+    // Where no lock can be had at all, running is better than not running.
+    first = lockFile < 0 || ::flock(lockFile, LOCK_EX | LOCK_NB) == 0;
     if (first)
         listen();
 }
 
-SingleInstance::~SingleInstance() = default;
+SingleInstance::~SingleInstance()
+{
+    if (lockFile >= 0)
+        ::close(lockFile);
+}
 
 void SingleInstance::listen()
 {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QLockFile>
 #include <QObject>
 
 #include <memory>
@@ -33,8 +32,9 @@ Q_SIGNALS:
 private:
     void listen();
 
-    QLockFile lock;
     QString socketPath;
     QLocalServer *server = nullptr;
+    /// The open lock file; the system gives up the lock with the process, however that ends.
+    int lockFile = -1;
     bool first = false;
 };
