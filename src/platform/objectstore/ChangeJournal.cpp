@@ -6,9 +6,9 @@
 #include <sqlite3.h>
 
 ChangeJournal::ChangeJournal(sqlite::Database &connection, const ManagedObjectModel &model)
-    : database(connection), objectModel(model)
-{
-}
+    : database(connection)
+    , objectModel(model)
+{}
 
 ChangeJournal::~ChangeJournal() = default;
 
@@ -18,10 +18,9 @@ void ChangeJournal::SessionDeleter::operator()(sqlite3_session *ended) const
 }
 
 /// Rows of entities and their pairs, but nothing that can be made again and none of the store's own books.
-int ChangeJournal::isCaptured(const char *table) const
+int ChangeJournal::isCaptured(std::string_view table) const
 {
-    const std::string_view name(table);
-    const EntityDescription *entity = objectModel.entity(name.substr(0, name.find('_')));
+    const EntityDescription *entity = objectModel.entityOfTable(table);
     return entity && !entity->isDerived() ? 1 : 0;
 }
 
@@ -38,19 +37,41 @@ void ChangeJournal::startCapture()
     sqlite3session_attach(started, nullptr);
 }
 
+void ChangeJournal::pauseCapture()
+{
+    int size = 0;
+    void *bytes = nullptr;
+    if (session && sqlite3session_changeset(session.get(), &size, &bytes) == SQLITE_OK && size > 0)
+        captured.emplace_back(static_cast<const char *>(bytes), size);
+    sqlite3_free(bytes);
+    session.reset();
+}
+
 void ChangeJournal::stopCapture()
 {
     session.reset();
+    captured.clear();
 }
 
 QByteArray ChangeJournal::capturedChangeset()
 {
+    pauseCapture();
+    if (captured.size() < 2)
+        return captured.empty() ? QByteArray() : captured.front();
+    sqlite3_changegroup *group = nullptr;
+    if (sqlite3changegroup_new(&group) != SQLITE_OK)
+        return {};
     int size = 0;
     void *bytes = nullptr;
-    if (!session || sqlite3session_changeset(session.get(), &size, &bytes) != SQLITE_OK)
-        return {};
-    QByteArray changeset(static_cast<const char *>(bytes), size);
+    const bool isJoined = std::all_of(captured.begin(), captured.end(),
+                                      [group](QByteArray &one) {
+                                          return sqlite3changegroup_add(group, static_cast<int>(one.size()),
+                                                                        one.data()) == SQLITE_OK;
+                                      }) &&
+                          sqlite3changegroup_output(group, &size, &bytes) == SQLITE_OK;
+    const QByteArray changeset = isJoined ? QByteArray(static_cast<const char *>(bytes), size) : QByteArray();
     sqlite3_free(bytes);
+    sqlite3changegroup_delete(group);
     return changeset;
 }
 
@@ -59,37 +80,69 @@ OptionalError ChangeJournal::record()
     const QByteArray changeset = capturedChangeset();
     if (changeset.isEmpty())
         return std::nullopt;
-    const Date now = Clock::now();
-    sqlite::Statement dropped = database.prepare("DELETE FROM ObjectStoreJournal WHERE isUndone = 1 OR savedAt < ?");
     sqlite::Statement added =
         database.prepare("INSERT INTO ObjectStoreJournal (savedAt, isUndone, changeset) VALUES (?, 0, ?)");
-    sqlite::Statement trimmed = database.prepare(
-        "DELETE FROM ObjectStoreJournal WHERE sequence <= (SELECT MAX(sequence) FROM ObjectStoreJournal) - ?");
-    const bool isRecorded = dropped.bind(Value(now - maximumAge)).run() &&
-                            added.bind(Value(now)).bindBlob(changeset).run() && trimmed.bind(maximumEntries).run();
-    return isRecorded ? std::nullopt : OptionalError(database.lastError(QStringLiteral("Cannot keep the undo journal")));
+    const bool isRecorded =
+        dropUndone() && trim() && added.bind(Value(Clock::now())).bindBlob(changeset).run();
+    return isRecorded ? std::nullopt
+                      : OptionalError(database.lastError(QStringLiteral("Cannot keep the undo journal")));
+}
+
+bool ChangeJournal::dropUndone()
+{
+    return database.prepare("DELETE FROM ObjectStoreJournal WHERE isUndone = 1").run();
+}
+
+/// Entries leave one by one at the old end; the sequence tells the number, since it has no gaps but there.
+bool ChangeJournal::trim()
+{
+    sqlite::Statement oldest = database.prepare(
+        "SELECT savedAt, sequence, (SELECT MAX(sequence) FROM ObjectStoreJournal) FROM ObjectStoreJournal "
+        "ORDER BY sequence LIMIT 1");
+    if (!oldest.step())
+        return oldest.code() == SQLITE_DONE;
+    const Date expiry = Clock::now() - maximumAge;
+    const bool isExpired = Date::fromReferenceSeconds(oldest.number(0)) < expiry;
+    if (!isExpired && oldest.integer(2) - oldest.integer(1) + 1 < maximumEntries)
+        return true;
+    sqlite::Statement trimmed =
+        database.prepare("DELETE FROM ObjectStoreJournal WHERE savedAt < ? OR sequence <= (SELECT "
+                         "MAX(sequence) FROM ObjectStoreJournal) + 1 - ?");
+    return trimmed.bind(Value(expiry)).bind(maximumEntries).run();
+}
+
+sqlite::Statement ChangeJournal::nextEntry(Direction direction)
+{
+    sqlite::Statement entry = database.prepare(direction == Direction::Undo
+                                                   ? "SELECT sequence, savedAt >= ? FROM ObjectStoreJournal "
+                                                     "WHERE isUndone = 0 ORDER BY sequence DESC LIMIT 1"
+                                                   : "SELECT sequence, savedAt >= ? FROM ObjectStoreJournal "
+                                                     "WHERE isUndone = 1 ORDER BY sequence LIMIT 1");
+    entry.bind(Value(Clock::now() - maximumAge));
+    return entry;
 }
 
 bool ChangeJournal::hasEntry(Direction direction)
 {
-    return database.queryInteger(direction == Direction::Undo
-                                     ? "SELECT EXISTS(SELECT 1 FROM ObjectStoreJournal WHERE isUndone = 0)"
-                                     : "SELECT EXISTS(SELECT 1 FROM ObjectStoreJournal WHERE isUndone = 1)") != 0;
+    sqlite::Statement entry = nextEntry(direction);
+    return entry.step() && entry.integer(1) != 0;
 }
 
-Result<std::vector<AppliedChange>> ChangeJournal::apply(Direction direction)
+Result<std::vector<AppliedChange>> ChangeJournal::apply(Direction direction, const RowNumbering &nextRow)
 {
     const bool isUndo = direction == Direction::Undo;
-    sqlite::Statement entry = database.prepare(
-        isUndo ? "SELECT sequence, changeset FROM ObjectStoreJournal WHERE isUndone = 0 ORDER BY sequence DESC LIMIT 1"
-               : "SELECT sequence, changeset FROM ObjectStoreJournal WHERE isUndone = 1 ORDER BY sequence LIMIT 1");
-    if (!entry.step())
+    sqlite::Statement entry = nextEntry(direction);
+    if (!entry.step() || entry.integer(1) == 0)
         return std::vector<AppliedChange>();
     const qint64 sequence = entry.integer(0);
-    const QByteArray changeset = entry.blob(1);
     entry.reset();
-    auto applied = ChangesetApplier(database, objectModel).apply(changeset, isUndo);
-    sqlite::Statement marked = database.prepare("UPDATE ObjectStoreJournal SET isUndone = ? WHERE sequence = ?");
+    sqlite::Statement content =
+        database.prepare("SELECT changeset FROM ObjectStoreJournal WHERE sequence = ?");
+    const QByteArray changeset = content.bind(sequence).step() ? content.blob(0) : QByteArray();
+    content.reset();
+    auto applied = ChangesetApplier(database, objectModel, nextRow).apply(changeset, isUndo);
+    sqlite::Statement marked =
+        database.prepare("UPDATE ObjectStoreJournal SET isUndone = ? WHERE sequence = ?");
     if (applied && !marked.bind(Value(isUndo)).bind(sequence).run())
         return database.lastError(QStringLiteral("Cannot mark the undo journal"));
     return applied;

@@ -12,6 +12,9 @@ struct sqlite3_changeset_iter;
 /// Which way along the saves of the user.
 enum class ChangeJournalDirection { Undo, Redo };
 
+/// Gives a number for a row that comes into an entity's table.
+using RowNumbering = std::function<RowId(const EntityDescription &)>;
+
 /// One row that an undo or a redo changed.
 struct AppliedChange
 {
@@ -23,8 +26,8 @@ struct AppliedChange
 
 /// The changesets of the user's saves, kept in the store: what undo and redo work from.
 ///
-/// An SQLite session captures the net change of each transaction. At most `maximumEntries` saves of the last `maximumAge`
-/// are kept. Entries that were undone are dropped by the next save of the user.
+/// An SQLite session captures the net change of each transaction. At most `maximumEntries` saves of the last
+/// `maximumAge` are kept. Entries that were undone are dropped by the next save of the user.
 class ChangeJournal
 {
 public:
@@ -37,26 +40,34 @@ public:
     ChangeJournal(const ChangeJournal &) = delete;
     ChangeJournal &operator=(const ChangeJournal &) = delete;
 
-    /// Watches the transaction that was just begun.
+    /// Watches the open transaction from here on.
     void startCapture();
+    /// Keeps what was captured so far, and watches no further until the next start.
+    void pauseCapture();
+    /// Forgets what was captured.
     void stopCapture();
     /// Adds what was captured as an entry, inside the transaction. A capture without a net change adds none.
     OptionalError record();
 
     bool hasEntry(Direction direction);
-    /// Applies the newest entry backwards, or the oldest undone one forwards, inside the open transaction, and marks it. A
-    /// field whose value is no longer the one that the entry left is not touched.
-    Result<std::vector<AppliedChange>> apply(Direction direction);
+    /// Applies the newest entry backwards, or the oldest undone one forwards, inside the open transaction,
+    /// and marks it. A field whose value is no longer the one that the entry left is not touched.
+    Result<std::vector<AppliedChange>> apply(Direction direction, const RowNumbering &nextRow);
 
 private:
     struct SessionDeleter
     {
         void operator()(sqlite3_session *session) const;
     };
-    int isCaptured(const char *table) const;
+    int isCaptured(std::string_view table) const;
     QByteArray capturedChangeset();
+    sqlite::Statement nextEntry(Direction direction);
+    bool dropUndone();
+    bool trim();
 
     sqlite::Database &database;
     const ManagedObjectModel &objectModel;
     std::unique_ptr<sqlite3_session, SessionDeleter> session;
+    /// Of stretches of the transaction that were watched before.
+    std::vector<QByteArray> captured;
 };

@@ -9,7 +9,21 @@ QByteArray quoted(std::string_view name)
 
 } // namespace
 
-bool ChangeWriter::write()
+int ChangeWriter::write()
+{
+    return writeAll() ? sqlite::success : code;
+}
+
+/// Keeps the code of a failure, which the connection forgets as soon as another statement is put back.
+bool ChangeWriter::run(sqlite::Statement &statement)
+{
+    if (statement.run())
+        return true;
+    code = statement.isValid() ? statement.code() : context.database->lastCode();
+    return false;
+}
+
+bool ChangeWriter::writeAll()
 {
     std::vector<ObjectPtr> deletions;
     // A deletion can change or delete further objects, which then wait behind it.
@@ -26,7 +40,8 @@ bool ChangeWriter::write()
         for (size_t place = firstDeletion; place < deletions.size(); ++place)
             applyDeleteRules(*deletions[place]);
     }
-    return std::all_of(deletions.begin(), deletions.end(), [this](const ObjectPtr &one) { return deleteRow(*one); });
+    return std::all_of(deletions.begin(), deletions.end(),
+                       [this](const ObjectPtr &one) { return deleteRow(*one); });
 }
 
 bool ChangeWriter::writeObject(ManagedObject &object)
@@ -38,10 +53,12 @@ bool ChangeWriter::writeObject(ManagedObject &object)
     return writeJoins(object);
 }
 
-RowId ChangeWriter::nextRow(const EntityDescription &entity)
+RowId ChangeWriter::nextRow(const EntityDescription &entity, RowId wanted)
 {
     auto &population = context.population(entity);
     const RowId greatest = context.database->queryInteger("SELECT MAX(rowid) FROM " + quoted(entity.name()));
+    if (wanted > greatest)
+        return wanted;
     population.lastRow = std::max(population.lastRow, greatest) + 1;
     return population.lastRow;
 }
@@ -65,11 +82,15 @@ bool ChangeWriter::insertRow(ManagedObject &object)
 {
     const EntityDescription &entity = object.entity();
     auto &population = context.population(entity);
-    population.byRow.erase(object.row);
-    object.row = nextRow(entity);
+    // A row that is written again after a failure keeps its number, by which lists know it.
+    const RowId row = nextRow(entity, object.row);
+    const auto former = population.byRow.find(object.row);
+    if (former != population.byRow.end() && former->second == &object)
+        population.byRow.erase(former);
+    object.row = row;
     sqlite::Statement statement = context.database->prepare(insertSql(entity));
     statement.bind(object.row).bind(object.id).bind(object.values);
-    if (!statement.run())
+    if (!run(statement))
         return false;
     population.byRow[object.row] = &object;
     object.isRowWritten = true;
@@ -92,7 +113,7 @@ bool ChangeWriter::updateRow(ManagedObject &object)
     if (columns.none())
         return true;
     const EntityDescription &entity = object.entity();
-    if (context.mergePolicy == MergePolicy::Overwrite && object.isLoaded) {
+    if (context.mergePolicy == MergePolicy::Overwrite) {
         for (int column = 0; column < entity.columnCount(); ++column)
             columns.set(static_cast<size_t>(column));
     }
@@ -101,7 +122,8 @@ bool ChangeWriter::updateRow(ManagedObject &object)
         if (columns.test(column))
             statement.bind(object.values[column]);
     }
-    if (!statement.bind(object.id).run())
+    statement.bind(object.id);
+    if (!run(statement))
         return false;
     // Deleted elsewhere while it was changed here: what is in memory wins, and the row comes back.
     return context.database->changes() > 0 || insertRow(object);
@@ -113,18 +135,20 @@ bool ChangeWriter::writeJoins(ManagedObject &object)
         if (changes.isWritten)
             continue;
         const QByteArray table = context.objectModel.joinTable(object.entity(), *changes.relationship).table;
-        sqlite::Statement insertion =
-            context.database->prepare("INSERT OR IGNORE INTO \"" + table + "\" (source, target) VALUES (?, ?)");
+        sqlite::Statement insertion = context.database->prepare("INSERT OR IGNORE INTO \"" + table +
+                                                                "\" (source, target) VALUES (?, ?)");
         for (const QString &target : changes.added) {
             insertion.reset();
-            if (!insertion.bind(object.id).bind(target).run())
+            insertion.bind(object.id).bind(target);
+            if (!run(insertion))
                 return false;
         }
         sqlite::Statement removal =
             context.database->prepare("DELETE FROM \"" + table + "\" WHERE source = ? AND target = ?");
         for (const QString &target : changes.removed) {
             removal.reset();
-            if (!removal.bind(object.id).bind(target).run())
+            removal.bind(object.id).bind(target);
+            if (!run(removal))
                 return false;
         }
         changes.isWritten = true;
@@ -154,9 +178,22 @@ void ChangeWriter::releaseHolders(const ManagedObject &object, const Relationshi
     }
 }
 
+/// Pairs are deleted with the row also in a file whose tables were made without references.
 bool ChangeWriter::deleteRow(const ManagedObject &object)
 {
+    const EntityDescription &entity = object.entity();
+    for (const RelationshipDescription &relationship : entity.relationships()) {
+        if (relationship.cardinality != Cardinality::ToManyOwningJoin)
+            continue;
+        sqlite::Statement pairs = context.database->prepare(
+            "DELETE FROM \"" + context.objectModel.joinTable(entity, relationship).table +
+            "\" WHERE source = ?");
+        pairs.bind(object.id);
+        if (!run(pairs))
+            return false;
+    }
     sqlite::Statement statement =
-        context.database->prepare("DELETE FROM " + quoted(object.entity().name()) + " WHERE \"id\" = ?");
-    return statement.bind(object.id).run();
+        context.database->prepare("DELETE FROM " + quoted(entity.name()) + " WHERE \"id\" = ?");
+    statement.bind(object.id);
+    return run(statement);
 }

@@ -37,7 +37,8 @@ sqlite3_value *oldValue(sqlite3_changeset_iter *iterator, int column)
 
 QString textOf(sqlite3_value *value)
 {
-    return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_value_text(value)), sqlite3_value_bytes(value));
+    return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_value_text(value)),
+                             sqlite3_value_bytes(value));
 }
 
 } // namespace
@@ -73,9 +74,14 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
         int isIndirect = 0;
         sqlite3changeset_op(opened, &table, &operation.columnCount, &operation.kind, &isIndirect);
         operation.table = table;
+        operation.entity = objectModel.entityOfTable(table);
+        if (!operation.entity)
+            continue; // Of an entity that the model no longer has.
+        operation.isPair = operation.table != operation.entity->table();
         touchedTables.insert(table);
         if (!applyOperation(operation))
-            return database.lastError(QStringLiteral("Cannot change %1").arg(QString::fromUtf8(operation.table)));
+            return database.lastError(
+                QStringLiteral("Cannot change %1").arg(QString::fromUtf8(operation.table)));
     }
     if (!clearDanglingReferences() || !writeFollowUps())
         return database.lastError(QStringLiteral("Cannot finish the change"));
@@ -94,56 +100,67 @@ bool ChangesetApplier::applyOperation(const Operation &operation)
     }
 }
 
-void ChangesetApplier::note(const Operation &operation, bool hasNewKey, AppliedChange::Kind kind)
+/// Where the identifier stands, or the source of a pair. A table that was made by hand can have it in any
+/// place.
+int ChangesetApplier::keyColumn(const Operation &operation)
 {
-    const std::string table = operation.table.toStdString();
-    const std::string owner = table.substr(0, table.find('_'));
-    const QString id = textOf(hasNewKey ? newValue(operation.iterator, 0) : oldValue(operation.iterator, 0));
+    const auto &columns = columnsOf(operation.table);
+    const auto found = std::find(columns.begin(), columns.end(), operation.isPair ? "source" : "id");
+    return found == columns.end() ? 0 : static_cast<int>(found - columns.begin());
+}
+
+void ChangesetApplier::note(const Operation &operation, AppliedChange::Kind kind)
+{
+    const int column = keyColumn(operation);
+    const QString id = textOf(operation.kind == SQLITE_INSERT ? newValue(operation.iterator, column)
+                                                              : oldValue(operation.iterator, column));
     // A pair of a many-to-many relationship is a change of the object that owns it.
-    if (const auto *entity = objectModel.entity(owner))
-        applied.push_back({entity, id, owner == table ? kind : AppliedChange::Kind::Updated});
+    applied.push_back({operation.entity, id, operation.isPair ? AppliedChange::Kind::Updated : kind});
 }
 
 bool ChangesetApplier::applyInsert(const Operation &operation)
 {
     const auto &columns = columnsOf(operation.table);
-    QByteArray names;
-    QByteArray places;
+    QByteArray names = operation.isPair ? "" : "rowid";
+    QByteArray places = operation.isPair ? "" : "?";
     for (int column = 0; column < operation.columnCount; ++column) {
-        names += (column ? ", " : "") + quoted(columns[static_cast<size_t>(column)]);
-        places += column ? ", ?" : "?";
+        names += (names.isEmpty() ? "" : ", ") + quoted(columns[static_cast<size_t>(column)]);
+        places += places.isEmpty() ? "?" : ", ?";
     }
-    sqlite::Statement statement = database.prepare("INSERT OR IGNORE INTO " + quoted(operation.table) + " (" + names +
-                                                   ") VALUES (" + places + ')');
+    sqlite::Statement statement = database.prepare("INSERT OR IGNORE INTO " + quoted(operation.table) + " (" +
+                                                   names + ") VALUES (" + places + ')');
+    if (!operation.isPair)
+        statement.bind(nextRow(*operation.entity));
     for (int column = 0; column < operation.columnCount; ++column)
         statement.bindRaw(newValue(operation.iterator, column));
     if (!statement.run())
         return false;
     if (database.changes() > 0)
-        note(operation, true, AppliedChange::Kind::Inserted);
+        note(operation, AppliedChange::Kind::Inserted);
     return true;
 }
 
 bool ChangesetApplier::applyUpdate(const Operation &operation)
 {
     const auto &columns = columnsOf(operation.table);
+    const int key = keyColumn(operation);
     bool hasChanged = false;
-    for (int column = 1; column < operation.columnCount; ++column) {
+    for (int column = 0; column < operation.columnCount; ++column) {
         sqlite3_value *value = newValue(operation.iterator, column);
-        if (!value)
+        if (!value || column == key)
             continue;
         const QByteArray name = quoted(columns[static_cast<size_t>(column)]);
         sqlite::Statement statement = database.prepare("UPDATE " + quoted(operation.table) + " SET " + name +
                                                        " = ? WHERE \"id\" = ? AND " + name + " IS ?");
         statement.bindRaw(value);
-        statement.bindRaw(oldValue(operation.iterator, 0));
+        statement.bindRaw(oldValue(operation.iterator, key));
         statement.bindRaw(oldValue(operation.iterator, column));
         if (!statement.run())
             return false;
         hasChanged = hasChanged || database.changes() > 0;
     }
     if (hasChanged)
-        note(operation, false, AppliedChange::Kind::Updated);
+        note(operation, AppliedChange::Kind::Updated);
     return true;
 }
 
@@ -160,7 +177,7 @@ bool ChangesetApplier::applyDelete(const Operation &operation)
     if (!statement.run())
         return false;
     if (database.changes() > 0)
-        note(operation, false, AppliedChange::Kind::Deleted);
+        note(operation, AppliedChange::Kind::Deleted);
     return true;
 }
 
@@ -173,10 +190,10 @@ bool ChangesetApplier::clearDanglingReferences()
                 continue;
             const QByteArray name(relationship.name.data(), static_cast<qsizetype>(relationship.name.size()));
             const QByteArray destination = objectModel.destinationOf(relationship).table();
-            sqlite::Statement statement = database.prepare(
-                "UPDATE " + quoted(change.entity->table()) + " SET " + quoted(name) + " = NULL WHERE \"id\" = ? AND " +
-                quoted(name) + " IS NOT NULL AND " + quoted(name) + " NOT IN (SELECT \"id\" FROM " +
-                quoted(destination) + ')');
+            sqlite::Statement statement =
+                database.prepare("UPDATE " + quoted(change.entity->table()) + " SET " + quoted(name) +
+                                 " = NULL WHERE \"id\" = ? AND " + quoted(name) + " IS NOT NULL AND " +
+                                 quoted(name) + " NOT IN (SELECT \"id\" FROM " + quoted(destination) + ')');
             if (!statement.bind(change.identifier).run())
                 return false;
         }
@@ -194,8 +211,9 @@ bool ChangesetApplier::clearDanglingPairs()
             if (touchedTables.find(table.toStdString()) == touchedTables.end())
                 continue;
             const auto error = database.execute(
-                "DELETE FROM " + quoted(table) + " WHERE source NOT IN (SELECT \"id\" FROM " + quoted(entity.table()) +
-                ") OR target NOT IN (SELECT \"id\" FROM " + quoted(objectModel.destinationOf(relationship).table()) + ')');
+                "DELETE FROM " + quoted(table) + " WHERE source NOT IN (SELECT \"id\" FROM " +
+                quoted(entity.table()) + ") OR target NOT IN (SELECT \"id\" FROM " +
+                quoted(objectModel.destinationOf(relationship).table()) + ')');
             if (error)
                 return false;
         }
@@ -208,7 +226,8 @@ bool ChangesetApplier::writeFollowUps()
     for (const AppliedChange &change : applied) {
         if (!change.entity->isFollowedUp())
             continue;
-        sqlite::Statement statement = database.prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
+        sqlite::Statement statement =
+            database.prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
         if (!statement.bind(QString::fromUtf8(change.entity->table())).bind(change.identifier).run())
             return false;
     }

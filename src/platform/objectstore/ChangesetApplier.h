@@ -6,17 +6,19 @@
 #include <unordered_map>
 #include <unordered_set>
 
-/// Applies a changeset field by field: a field is set only where it still holds what the changeset expects, so that what
-/// another hand changed since stays.
+/// Applies a changeset field by field: a field is set only where it still holds what the changeset expects,
+/// so that what another hand changed since stays.
 class ChangesetApplier
 {
 public:
-    ChangesetApplier(sqlite::Database &connection, const ManagedObjectModel &model)
-        : database(connection), objectModel(model)
-    {
-    }
+    ChangesetApplier(sqlite::Database &connection, const ManagedObjectModel &model, RowNumbering numbering)
+        : database(connection)
+        , objectModel(model)
+        , nextRow(std::move(numbering))
+    {}
 
-    /// Applies all of it, inverted on request; gives the rows of entities that changed. The caller holds the transaction.
+    /// Applies all of it, inverted on request; gives the rows of entities that changed. The caller holds the
+    /// transaction.
     Result<std::vector<AppliedChange>> apply(const QByteArray &changeset, bool isInverted);
 
 private:
@@ -26,6 +28,9 @@ private:
         QByteArray table;
         int columnCount = 0;
         int kind = 0;
+        /// The table has rows of this entity, or pairs that it owns.
+        const EntityDescription *entity = nullptr;
+        bool isPair = false;
         sqlite3_changeset_iter *iterator = nullptr;
     };
     bool applyOperation(const Operation &operation);
@@ -35,11 +40,13 @@ private:
     bool clearDanglingReferences();
     bool clearDanglingPairs();
     bool writeFollowUps();
-    void note(const Operation &operation, bool hasNewKey, AppliedChange::Kind kind);
+    void note(const Operation &operation, AppliedChange::Kind kind);
+    int keyColumn(const Operation &operation);
     const std::vector<QByteArray> &columnsOf(const QByteArray &table);
 
     sqlite::Database &database;
     const ManagedObjectModel &objectModel;
+    RowNumbering nextRow;
     std::unordered_map<std::string, std::vector<QByteArray>> tableColumns;
     std::unordered_set<std::string> touchedTables;
     std::vector<AppliedChange> applied;

@@ -4,6 +4,17 @@
 #include "objectstore/ChangeWriter.h"
 #include "objectstore/ManagedObjectContext.h"
 
+#include <map>
+
+namespace {
+
+QByteArray quoted(std::string_view name)
+{
+    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
+}
+
+} // namespace
+
 // The unit of work of a context: from the first change to the commit, and what follows it.
 
 void ManagedObjectContext::noteChange(ManagedObject &object)
@@ -23,12 +34,41 @@ bool ManagedObjectContext::hasChanges() const
     return !changed.empty();
 }
 
+void ManagedObjectContext::processPendingChanges()
+{
+    // A failure stays with the changes and is reported by the next save.
+    if (std::exchange(mustApplyDeleteRules, false))
+        write();
+}
+
+void ManagedObjectContext::setAuthor(ChangeAuthor author)
+{
+    if (author == currentAuthor)
+        return;
+    // A failure stays with the changes and is reported by the next save.
+    write();
+    currentAuthor = author;
+    if (!isInTransaction)
+        return;
+    if (author == ChangeAuthor::User)
+        journal->startCapture();
+    else
+        journal->pauseCapture();
+}
+
+Error ManagedObjectContext::failure(const char *attempt) const
+{
+    return database->lastError(
+        QStringLiteral("Cannot %1 the store %2").arg(QLatin1String(attempt), filePath));
+}
+
 OptionalError ManagedObjectContext::begin()
 {
-    if (!database->isAutocommit())
+    if (isInTransaction)
         return std::nullopt;
-    if (auto error = database->execute("BEGIN IMMEDIATE"))
-        return error;
+    if (database->execute("BEGIN IMMEDIATE"))
+        return failure("write to");
+    isInTransaction = true;
     takeInChangesFromElsewhere();
     if (currentAuthor == ChangeAuthor::User)
         journal->startCapture();
@@ -37,16 +77,23 @@ OptionalError ManagedObjectContext::begin()
 
 OptionalError ManagedObjectContext::write()
 {
-    if (waiting.empty() || isWriting)
+    if (isWriting)
+        return std::nullopt;
+    // What was written before a transaction that ended by itself must be written again.
+    if (isInTransaction && database->isAutocommit())
+        rollBack();
+    if (waiting.empty())
         return std::nullopt;
     if (auto error = begin())
         return error;
     isWriting = true;
-    const bool isWritten = ChangeWriter(*this).write();
+    const int code = ChangeWriter(*this).write();
     isWriting = false;
-    if (isWritten)
+    if (code == sqlite::success) {
+        mustApplyDeleteRules = false;
         return std::nullopt;
-    const Error error = database->lastError(QStringLiteral("Cannot write to %1").arg(filePath));
+    }
+    const Error error = sqlite::error(code, QStringLiteral("Cannot write to the store %1").arg(filePath));
     rollBack();
     return error;
 }
@@ -56,6 +103,7 @@ void ManagedObjectContext::rollBack()
     journal->stopCapture();
     if (!database->isAutocommit())
         database->execute("ROLLBACK");
+    isInTransaction = false;
     waiting.clear();
     for (const ObjectPtr &object : changed) {
         object->isRowWritten = false;
@@ -78,9 +126,16 @@ OptionalError ManagedObjectContext::save()
         return error;
     }
     const ChangeList changes = finishSave();
-    if (saveHandler && !changes.isEmpty())
-        saveHandler(changes);
+    tell(changes);
     return std::nullopt;
+}
+
+void ManagedObjectContext::tell(const ChangeList &changes) const
+{
+    // The handler may set another one.
+    const SaveHandler handler = saveHandler;
+    if (handler && !changes.isEmpty())
+        handler(changes);
 }
 
 OptionalError ManagedObjectContext::commit()
@@ -91,7 +146,7 @@ OptionalError ManagedObjectContext::commit()
         return error;
     if (auto error = journal->record())
         return error;
-    if (auto error = database->execute("COMMIT"))
+    if (auto error = commitTransaction())
         return error;
     journal->stopCapture();
     mustClearFollowUps = false;
@@ -99,18 +154,61 @@ OptionalError ManagedObjectContext::commit()
     return std::nullopt;
 }
 
+OptionalError ManagedObjectContext::commitTransaction()
+{
+    bool isDone = !database->execute("COMMIT");
+    if (!isDone && database->lastCode() == sqlite::missingReference) {
+        // An object that is named here was deleted elsewhere. The name goes, and everything else is saved.
+        if (auto error = clearReferencesToMissing())
+            return error;
+        isDone = !database->execute("COMMIT");
+    }
+    if (!isDone)
+        return failure("save");
+    isInTransaction = false;
+    return std::nullopt;
+}
+
+OptionalError ManagedObjectContext::clearReferencesToMissing()
+{
+    for (const ObjectPtr &object : changed) {
+        if (object->isDeleted())
+            continue;
+        const EntityDescription &entity = object->entity();
+        for (const RelationshipDescription &relationship : entity.relationships()) {
+            const QByteArray missing =
+                " NOT IN (SELECT \"id\" FROM " + quoted(objectModel.destinationOf(relationship).name()) + ')';
+            QByteArray sql;
+            if (relationship.cardinality == Cardinality::ToOne) {
+                const QByteArray column = quoted(relationship.name);
+                sql = "UPDATE " + quoted(entity.name()) + " SET " + column + " = NULL WHERE \"id\" = ? AND " +
+                      column + missing;
+            } else if (relationship.cardinality == Cardinality::ToManyOwningJoin) {
+                sql = "DELETE FROM \"" + objectModel.joinTable(entity, relationship).table +
+                      "\" WHERE source = ? AND target" + missing;
+            } else {
+                continue;
+            }
+            sqlite::Statement statement = database->prepare(sql);
+            if (!statement.bind(object->id).run())
+                return failure("save");
+        }
+        object->isLoaded = object->isLoaded && object->isInserted();
+    }
+    return std::nullopt;
+}
+
 OptionalError ManagedObjectContext::writeFollowUps()
 {
-    if (mustClearFollowUps) {
-        if (auto error = database->execute("DELETE FROM ObjectStoreFollowUp"))
-            return error;
-    }
+    if (mustClearFollowUps && database->execute("DELETE FROM ObjectStoreFollowUp"))
+        return failure("write to");
     for (const ObjectPtr &object : changed) {
         if (skipsNextFollowUp || !object->entity().isFollowedUp())
             continue;
-        sqlite::Statement statement = database->prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
+        sqlite::Statement statement =
+            database->prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
         if (!statement.bind(QString::fromUtf8(object->entity().table())).bind(object->id).run())
-            return database->lastError(QStringLiteral("Cannot write to %1").arg(filePath));
+            return failure("write to");
     }
     return std::nullopt;
 }
@@ -152,6 +250,8 @@ void ManagedObjectContext::reset()
     journal->stopCapture();
     if (!database->isAutocommit())
         database->execute("ROLLBACK");
+    isInTransaction = false;
+    mustApplyDeleteRules = false;
     waiting.clear();
     for (const ObjectPtr &object : std::exchange(changed, {})) {
         const bool isNew = object->isInserted() || object->wasInserted;
@@ -171,12 +271,10 @@ void ManagedObjectContext::reset()
 
 void ManagedObjectContext::refreshAllObjects()
 {
-    for (Population &one : populations) {
-        for (auto &[id, object] : one.byIdentifier) {
-            if (!object->isInserted())
-                object->isLoaded = false;
-        }
-    }
+    forEachObject([](ManagedObject &object) {
+        if (!object.isInserted())
+            object.isLoaded = false;
+    });
 }
 
 void ManagedObjectContext::takeInChangesFromElsewhere()
@@ -185,8 +283,16 @@ void ManagedObjectContext::takeInChangesFromElsewhere()
     if (version == dataVersion)
         return;
     dataVersion = version;
-    // Changed objects keep what was changed in memory; everything else is read anew.
-    refreshAllObjects();
+    // Another process may have given a row's number to another row.
+    for (Population &one : populations)
+        one.byRow.clear();
+    // Changed objects keep what was changed in memory, or all of it if the whole object is to win; everything
+    // else is read anew.
+    const bool keepsChangedObjects = mergePolicy == MergePolicy::Overwrite;
+    forEachObject([keepsChangedObjects](ManagedObject &object) {
+        if (!object.isInserted() && !(keepsChangedObjects && object.hasChanges()))
+            object.isLoaded = false;
+    });
 }
 
 // Undo.
@@ -213,33 +319,52 @@ OptionalError ManagedObjectContext::redo()
 
 OptionalError ManagedObjectContext::revert(ChangeJournalDirection direction)
 {
-    if (auto error = save())
-        return error;
-    if (auto error = database->execute("BEGIN IMMEDIATE"))
-        return error;
+    // The save handler can leave changes of its own, but not for ever.
+    for (int round = 0; round < 2 && hasChanges(); ++round) {
+        if (auto error = save())
+            return error;
+    }
+    if (isInTransaction || database->execute("BEGIN IMMEDIATE"))
+        return failure("write to");
     takeInChangesFromElsewhere();
-    auto applied = journal->apply(direction);
-    OptionalError error = applied ? database->execute("COMMIT") : OptionalError(applied.error());
+    OptionalError error;
+    if (mustClearFollowUps)
+        error = database->execute("DELETE FROM ObjectStoreFollowUp");
+    const auto nextRow = [this](const EntityDescription &entity) {
+        return ChangeWriter(*this).nextRow(entity);
+    };
+    auto applied = error ? Result<std::vector<AppliedChange>>(*error) : journal->apply(direction, nextRow);
+    error = applied ? database->execute("COMMIT") : OptionalError(applied.error());
     if (error) {
         if (!database->isAutocommit())
             database->execute("ROLLBACK");
         return error;
     }
+    mustClearFollowUps = false;
     refreshAllObjects();
-    const ChangeList changes = changesOf(*applied);
-    if (saveHandler && !changes.isEmpty())
-        saveHandler(changes);
+    tell(changesOf(*applied));
     return std::nullopt;
 }
 
 ChangeList ManagedObjectContext::changesOf(const std::vector<AppliedChange> &applied)
 {
+    // A row comes once for itself and once for each of its pairs; what happened to itself counts.
+    std::map<std::pair<const EntityDescription *, QString>, AppliedChange::Kind> kinds;
+    for (const AppliedChange &one : applied) {
+        const auto [place, isNew] = kinds.try_emplace({one.entity, one.identifier}, one.kind);
+        if (!isNew && one.kind != AppliedChange::Kind::Updated)
+            place->second = one.kind;
+    }
     ChangeList changes;
     for (const AppliedChange &one : applied) {
-        if (one.kind == AppliedChange::Kind::Deleted)
+        const auto kind = kinds.extract({one.entity, one.identifier});
+        if (kind.empty())
+            continue;
+        if (kind.mapped() == AppliedChange::Kind::Deleted)
             changes.deleted.push_back(goneObject(*one.entity, one.identifier));
         else if (const ObjectPtr found = object(one.entity->name(), one.identifier))
-            (one.kind == AppliedChange::Kind::Inserted ? changes.inserted : changes.updated).push_back(found);
+            (kind.mapped() == AppliedChange::Kind::Inserted ? changes.inserted : changes.updated)
+                .push_back(found);
     }
     return changes;
 }

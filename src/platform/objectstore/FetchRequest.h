@@ -10,7 +10,9 @@
 class FetchRequest
 {
 public:
-    explicit FetchRequest(std::string_view name) : entityName(name) {}
+    explicit FetchRequest(std::string_view name)
+        : entityName(name)
+    {}
 
     FetchRequest &where(Predicate condition)
     {

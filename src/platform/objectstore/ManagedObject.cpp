@@ -9,7 +9,8 @@ namespace {
 
 [[noreturn]] void endForKey(const EntityDescription &entity, std::string_view key)
 {
-    std::fprintf(stderr, "%s has no property %s of that kind\n", entity.table().constData(), std::string(key).c_str());
+    std::fprintf(stderr, "%s has no property %s of that kind\n", entity.table().constData(),
+                 std::string(key).c_str());
     std::abort();
 }
 
@@ -42,7 +43,8 @@ void ManagedObject::load() const
 {
     if (!owner || !owner->loadValues(*this)) {
         // The row is gone. What was changed here is kept, so that a save can bring it back.
-        if (!hasChanges())
+        isGone = !hasChanges();
+        if (isGone)
             values.clear();
         values.resize(static_cast<size_t>(description->columnCount()));
     }
@@ -60,7 +62,8 @@ const Value &ManagedObject::value(int column) const
 
 void ManagedObject::setValue(int column, Value newValue)
 {
-    if (state == State::Detached || state == State::Deleted || value(column) == newValue)
+    newValue = fitted(std::move(newValue), description->columnType(column));
+    if (state == State::Detached || state == State::Deleted || value(column) == newValue || isGone)
         return;
     values[static_cast<size_t>(column)] = std::move(newValue);
     changedSinceSave.set(static_cast<size_t>(column));
@@ -95,8 +98,8 @@ ObjectPtr ManagedObject::related(int column) const
 
 void ManagedObject::setRelated(int column, const ObjectPtr &target)
 {
-    const bool isGone = !target || target->isDeleted() || !target->context();
-    setValue(column, isGone ? Value() : Value(target->identifier()));
+    const bool isHere = target && !target->isDeleted() && target->context() == owner;
+    setValue(column, isHere ? Value(target->identifier()) : Value());
 }
 
 const RelationshipDescription &ManagedObject::requireRelationship(std::string_view key) const
@@ -110,7 +113,10 @@ const RelationshipDescription &ManagedObject::requireRelationship(std::string_vi
 std::vector<ObjectPtr> ManagedObject::relatedObjects(std::string_view key) const
 {
     const RelationshipDescription &relationship = requireRelationship(key);
-    return owner ? owner->relatedObjects(*this, relationship) : std::vector<ObjectPtr>();
+    // A new object has no pairs but those that were added to it.
+    const bool hasNoPairs =
+        isInserted() && relationship.cardinality == Cardinality::ToManyOwningJoin && joinChanges.empty();
+    return owner && !hasNoPairs ? owner->relatedObjects(*this, relationship) : std::vector<ObjectPtr>();
 }
 
 void ManagedObject::setRelatedObjects(std::string_view key, const std::vector<ObjectPtr> &targets)
@@ -133,7 +139,8 @@ void ManagedObject::removeRelated(std::string_view key, const ObjectPtr &target)
     changeRelated(requireRelationship(key), target, false);
 }
 
-void ManagedObject::changeRelated(const RelationshipDescription &relationship, const ObjectPtr &target, bool isAdded)
+void ManagedObject::changeRelated(const RelationshipDescription &relationship, const ObjectPtr &target,
+                                  bool isAdded)
 {
     if (!owner || isDeleted() || !target || target->isDeleted() || target->context() != owner)
         return;
@@ -157,13 +164,14 @@ void ManagedObject::changeRelated(const RelationshipDescription &relationship, c
     }
 }
 
-void ManagedObject::changeJoin(const RelationshipDescription &relationship, const QString &target, bool isAdded)
+void ManagedObject::changeJoin(const RelationshipDescription &relationship, const QString &target,
+                               bool isAdded)
 {
     if (owner->hasJoinRow(*this, relationship, target) == isAdded)
         return;
-    auto found = std::find_if(joinChanges.begin(), joinChanges.end(), [&relationship](const JoinChanges &one) {
-        return one.relationship == &relationship;
-    });
+    auto found =
+        std::find_if(joinChanges.begin(), joinChanges.end(),
+                     [&relationship](const JoinChanges &one) { return one.relationship == &relationship; });
     if (found == joinChanges.end())
         found = joinChanges.insert(joinChanges.end(), JoinChanges{&relationship, {}, {}, true});
     eraseText(isAdded ? found->removed : found->added, target);

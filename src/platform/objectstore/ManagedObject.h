@@ -12,8 +12,8 @@
 
 /// One row of a store, live in a context. There is at most one object for a row in a context.
 ///
-/// An object starts as a fault that knows only which row it stands for; its values are read at the first look.
-/// A change is held here until the context writes it. All of this belongs to the main thread.
+/// An object starts as a fault that knows only which row it stands for; its values are read at the first
+/// look. A change is held here until the context writes it. All of this belongs to the main thread.
 class ManagedObject : public std::enable_shared_from_this<ManagedObject>
 {
 public:
@@ -39,9 +39,10 @@ public:
     /// Whether something was changed since the last save.
     bool hasChanges() const;
 
-    /// The value of a column; reads the row if that has not happened yet. Absent for a row that is gone.
+    /// The value of a column; reads the row if that has not happened yet. Absent for a row that was deleted
+    /// elsewhere, which takes no changes any more.
     const Value &value(int column) const;
-    /// Sets a column. Setting the value it already has is no change.
+    /// Sets a column, to the value as its type holds it. Setting the value it already has is no change.
     void setValue(int column, Value newValue);
     /// The same by name, for predicates and tools. An unknown key is a programming error.
     const Value &valueForKey(std::string_view key) const;
@@ -79,6 +80,8 @@ private:
     RowId row = 0;
     State state = State::Detached;
     mutable bool isLoaded = false;
+    /// The row was looked for and is not there.
+    mutable bool isGone = false;
     mutable std::vector<Value> values;
     ColumnSet changedSinceSave;
     ColumnSet changedSinceWrite;

@@ -25,14 +25,17 @@ Result<std::unique_ptr<ManagedObjectContext>> ManagedObjectContext::open(const Q
     return std::unique_ptr<ManagedObjectContext>(new ManagedObjectContext(std::move(*opened), model, path));
 }
 
-ManagedObjectContext::ManagedObjectContext(std::unique_ptr<sqlite::Database> opened, const ManagedObjectModel &model,
-                                           QString path)
-    : database(std::move(opened)), objectModel(model), filePath(std::move(path)),
-      identifier(storefile::storeIdentifier(*database)), populations(model.entities().size()),
-      self(std::make_shared<ManagedObjectContext *>(this)), dataVersion(database->queryInteger("PRAGMA data_version")),
-      journal(std::make_unique<ChangeJournal>(*database, model))
-{
-}
+ManagedObjectContext::ManagedObjectContext(std::unique_ptr<sqlite::Database> opened,
+                                           const ManagedObjectModel &model, QString path)
+    : database(std::move(opened))
+    , objectModel(model)
+    , filePath(std::move(path))
+    , identifier(storefile::storeIdentifier(*database))
+    , populations(model.entities().size())
+    , self(std::make_shared<ManagedObjectContext *>(this))
+    , dataVersion(database->queryInteger("PRAGMA data_version"))
+    , journal(std::make_unique<ChangeJournal>(*database, model))
+{}
 
 ManagedObjectContext::~ManagedObjectContext()
 {
@@ -43,6 +46,11 @@ ManagedObjectContext::~ManagedObjectContext()
         }
     }
     journal.reset();
+    if (isInTransaction)
+        database->execute("ROLLBACK");
+    // If this fails, the next start does again what was done.
+    if (mustClearFollowUps)
+        database->execute("DELETE FROM ObjectStoreFollowUp");
 }
 
 // Objects.
@@ -73,6 +81,7 @@ void ManagedObjectContext::deleteObject(const ObjectPtr &object)
         return;
     object->wasInserted = object->isInserted();
     object->state = ManagedObject::State::Deleted;
+    mustApplyDeleteRules = true;
     noteChange(*object);
 }
 
@@ -99,7 +108,7 @@ ObjectPtr ManagedObjectContext::objectForUri(const QString &uri)
     const qsizetype slash = rest.indexOf(u'/');
     const QString id = QUrl::fromPercentEncoding(rest.mid(slash + 1).toUtf8());
     const ObjectPtr found = slash < 0 ? nullptr : object(rest.left(slash).toStdString(), id);
-    return found && loadValues(*found) ? found : nullptr;
+    return found && loadValues(*found) && !found->isGone ? found : nullptr;
 }
 
 QString ManagedObjectContext::uriOf(const ManagedObject &object) const
@@ -130,6 +139,7 @@ void ManagedObjectContext::readValues(const ManagedObject &object, const sqlite:
             object.values[static_cast<size_t>(column)] = row.value(column + 2, entity.columnType(column));
     }
     object.isLoaded = true;
+    object.isGone = false;
 }
 
 ObjectPtr ManagedObjectContext::adopt(const EntityDescription &entity, const sqlite::Statement &row)
@@ -166,7 +176,8 @@ bool ManagedObjectContext::loadValues(const ManagedObject &object)
     return true;
 }
 
-std::vector<ObjectPtr> ManagedObjectContext::objectsOfRows(const EntityDescription &entity, std::span<const RowId> rows)
+std::vector<ObjectPtr> ManagedObjectContext::objectsOfRows(const EntityDescription &entity,
+                                                           std::span<const RowId> rows)
 {
     std::vector<ObjectPtr> objects;
     objects.reserve(rows.size());
@@ -194,7 +205,8 @@ std::vector<ObjectPtr> ManagedObjectContext::relatedObjects(const ManagedObject 
         sql += quoted(relationship.inverse) + " = ?";
     } else {
         const ManagedObjectModel::JoinTable join = objectModel.joinTable(object.entity(), relationship);
-        sql += "\"id\" IN (SELECT " + join.farColumn + " FROM \"" + join.table + "\" WHERE " + join.nearColumn + " = ?)";
+        sql += "\"id\" IN (SELECT " + join.farColumn + " FROM \"" + join.table + "\" WHERE " +
+               join.nearColumn + " = ?)";
     }
     write();
     std::vector<RowId> rows;
@@ -207,8 +219,8 @@ std::vector<ObjectPtr> ManagedObjectContext::relatedObjects(const ManagedObject 
     return objects;
 }
 
-bool ManagedObjectContext::hasJoinRow(const ManagedObject &object, const RelationshipDescription &relationship,
-                                      const QString &target)
+bool ManagedObjectContext::hasJoinRow(const ManagedObject &object,
+                                      const RelationshipDescription &relationship, const QString &target)
 {
     for (const auto &changes : object.joinChanges) {
         if (changes.relationship != &relationship)
@@ -245,7 +257,8 @@ void ManagedObjectContext::detach(ManagedObject &object)
 
 // Queries.
 
-QByteArray ManagedObjectContext::orderOf(const EntityDescription &entity, const SortDescriptors &descriptors) const
+QByteArray ManagedObjectContext::orderOf(const EntityDescription &entity,
+                                         const SortDescriptors &descriptors) const
 {
     QByteArray order;
     for (const SortDescriptor &descriptor : descriptors) {
@@ -268,8 +281,12 @@ ManagedObjectContext::Query ManagedObjectContext::query(const FetchRequest &requ
     const EntityDescription &entity = objectModel.requireEntity(request.entityName);
     Query made;
     made.text = "SELECT " + result + " FROM " + quoted(entity.name()) + " row";
-    if (auto problem = request.predicate.problemFor(objectModel, entity))
-        Log::line(QStringLiteral("Wrong predicate for %1: %2").arg(QString::fromUtf8(entity.table()), *problem));
+    if (auto problem = request.predicate.problemFor(objectModel, entity)) {
+        Log::line(
+            QStringLiteral("Wrong predicate for %1: %2").arg(QString::fromUtf8(entity.table()), *problem));
+        made.text += " WHERE 0";
+        return made;
+    }
     SqlFragment condition = request.predicate.sql(objectModel, entity);
     if (!request.predicate.isAlwaysTrue())
         made.text += " WHERE " + condition.text;
@@ -293,7 +310,8 @@ void ManagedObjectContext::logFailure(const sqlite::Statement &statement, const 
     constexpr int done = 101; // SQLITE_DONE
     constexpr int row = 100;  // SQLITE_ROW
     if (!statement.isValid() || (statement.code() != done && statement.code() != row))
-        Log::line(database->lastError(QStringLiteral("Cannot fetch by %1").arg(QString::fromUtf8(query.text))).message);
+        Log::line(database->lastError(QStringLiteral("Cannot fetch by %1").arg(QString::fromUtf8(query.text)))
+                      .message);
 }
 
 ObjectListBase ManagedObjectContext::fetchObjects(const FetchRequest &request)
@@ -330,6 +348,8 @@ void ManagedObjectContext::visit(const FetchRequest &request, const std::vector<
     Query visited = query(request, result);
     if (!request.sortDescriptors.empty())
         visited.text += orderOf(entity, request.sortDescriptors);
+    if (request.limit >= 0)
+        visited.text += " LIMIT " + QByteArray::number(request.limit);
     sqlite::Statement statement = run(visited);
     const RowReader reader(statement);
     while (statement.step())

@@ -42,7 +42,9 @@ enum class MergePolicy {
 class RowReader
 {
 public:
-    explicit RowReader(const sqlite::Statement &source) : statement(source) {}
+    explicit RowReader(const sqlite::Statement &source)
+        : statement(source)
+    {}
     RowId rowId() const { return statement.integer(0); }
     bool isNull(int column) const { return statement.isNull(column + 1); }
     double number(int column) const { return statement.number(column + 1); }
@@ -59,14 +61,16 @@ private:
 
 /// A store and the objects that live in it: the unit of work between two saves.
 ///
-/// Objects are changed in memory and written when a query needs to see them, inside one SQLite transaction that `save`
-/// commits. A crash at any moment leaves the last save, whole. One object stands for a row at any time. Main thread only.
+/// Objects are changed in memory and written when a query needs to see them, inside one SQLite transaction
+/// that `save` commits. A crash at any moment leaves the last save, whole. One object stands for a row at any
+/// time. Main thread only.
 class ManagedObjectContext
 {
 public:
-    /// Opens the store at a path, making it if it is missing. A file that cannot be used is left as it is; the error
-    /// says why. The model must outlive the context.
-    static Result<std::unique_ptr<ManagedObjectContext>> open(const QString &path, const ManagedObjectModel &model);
+    /// Opens the store at a path, making it if it is missing. A file that cannot be used is left as it is;
+    /// the error says why. The model must outlive the context.
+    static Result<std::unique_ptr<ManagedObjectContext>> open(const QString &path,
+                                                              const ManagedObjectModel &model);
     /// What was not saved is given up.
     ~ManagedObjectContext();
     ManagedObjectContext(const ManagedObjectContext &) = delete;
@@ -84,7 +88,8 @@ public:
     {
         return std::static_pointer_cast<T>(insertObject(T::entityName));
     }
-    /// Marks an object as deleted; what its relationships ask for happens with it. Null and a second call do nothing.
+    /// Marks an object as deleted; what its relationships ask for happens with it. Null and a second call do
+    /// nothing.
     void deleteObject(const ObjectPtr &object);
     /// The object of that identifier, or null if there is none.
     ObjectPtr object(std::string_view entity, const QString &identifier);
@@ -106,7 +111,8 @@ public:
         return fetch<T>(request.limitedTo(1)).first();
     }
     int count(const FetchRequest &request);
-    /// Passes the wanted columns of each row to a visitor, without making objects; in any order if none is asked for.
+    /// Passes the wanted columns of each row to a visitor, without making objects; in any order if none is
+    /// asked for.
     void visit(const FetchRequest &request, const std::vector<std::string> &columns,
                const std::function<void(const RowReader &)> &visitor);
     /// The greatest number in a column over the rows that pass, or absent without any.
@@ -114,7 +120,11 @@ public:
 
     // The unit of work.
     bool hasChanges() const;
-    /// Commits everything, or nothing: on an error the changes stay for the next save. Then tells the save handler.
+    /// Does what the relationships of deleted objects ask for, which otherwise waits for the next query or
+    /// save.
+    void processPendingChanges();
+    /// Commits everything, or nothing: on an error the changes stay for the next save. Then tells the save
+    /// handler.
     OptionalError save();
     /// Gives up all changes since the last save.
     void reset();
@@ -125,10 +135,11 @@ public:
     void setSaveHandler(SaveHandler handler) { saveHandler = std::move(handler); }
     void setMergePolicy(MergePolicy policy) { mergePolicy = policy; }
     ChangeAuthor author() const { return currentAuthor; }
-    void setAuthor(ChangeAuthor author) { currentAuthor = author; }
+    /// What was changed until now still counts as the former author's.
+    void setAuthor(ChangeAuthor author);
 
-    // What must be done after each save. Objects of entities that ask for it are remembered in the store with the save,
-    // until the follow-up says that it is done; after a crash the next start finds what was left.
+    // What must be done after each save. Objects of entities that ask for it are remembered in the store with
+    // the save, until the follow-up says that it is done; after a crash the next start finds what was left.
     std::vector<ObjectPtr> unfinishedFollowUps();
     /// The follow-up of all former saves is done; remembered with the next thing that is written.
     void finishFollowUps() { mustClearFollowUps = true; }
@@ -156,7 +167,8 @@ private:
         RowId lastRow = 0;
     };
 
-    ManagedObjectContext(std::unique_ptr<sqlite::Database> opened, const ManagedObjectModel &model, QString path);
+    ManagedObjectContext(std::unique_ptr<sqlite::Database> opened, const ManagedObjectModel &model,
+                         QString path);
 
     Population &population(const EntityDescription &entity);
     ObjectPtr adopt(const EntityDescription &entity, const sqlite::Statement &row);
@@ -164,8 +176,10 @@ private:
     const QByteArray &selectColumns(const EntityDescription &entity);
     bool loadValues(const ManagedObject &object);
     static void readValues(const ManagedObject &object, const sqlite::Statement &row);
-    std::vector<ObjectPtr> relatedObjects(const ManagedObject &object, const RelationshipDescription &relationship);
-    bool hasJoinRow(const ManagedObject &object, const RelationshipDescription &relationship, const QString &target);
+    std::vector<ObjectPtr> relatedObjects(const ManagedObject &object,
+                                          const RelationshipDescription &relationship);
+    bool hasJoinRow(const ManagedObject &object, const RelationshipDescription &relationship,
+                    const QString &target);
     void forget(ManagedObject &object);
     void detach(ManagedObject &object);
 
@@ -187,7 +201,19 @@ private:
     void rollBack();
     OptionalError writeFollowUps();
     void takeInChangesFromElsewhere();
+    Error failure(const char *attempt) const;
+    OptionalError commitTransaction();
+    OptionalError clearReferencesToMissing();
+    template <typename Visitor>
+    void forEachObject(Visitor visitor)
+    {
+        for (Population &one : populations) {
+            for (auto &[id, object] : one.byIdentifier)
+                visitor(*object);
+        }
+    }
     ChangeList finishSave();
+    void tell(const ChangeList &changes) const;
     OptionalError revert(ChangeJournalDirection direction);
     ChangeList changesOf(const std::vector<AppliedChange> &applied);
     /// Stands for a row that is no longer there.
@@ -207,8 +233,11 @@ private:
     std::vector<ObjectPtr> changed;
     std::vector<ObjectPtr> waiting;
     bool isWriting = false;
+    bool mustApplyDeleteRules = false;
+    /// Whether `begin` opened a transaction that nobody ended yet. SQLite ends one by itself when the disk is
+    /// full.
+    bool isInTransaction = false;
     qint64 dataVersion = 0;
-    quint64 refreshes = 0;
 
     std::unique_ptr<ChangeJournal> journal;
     SaveHandler saveHandler;
@@ -223,7 +252,8 @@ class AuthorScope
 {
 public:
     AuthorScope(ManagedObjectContext &changedContext, ChangeAuthor author)
-        : context(changedContext), formerAuthor(changedContext.author())
+        : context(changedContext)
+        , formerAuthor(changedContext.author())
     {
         context.setAuthor(author);
     }

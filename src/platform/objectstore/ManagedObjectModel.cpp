@@ -38,8 +38,11 @@ bool isInverseCardinality(Cardinality one, Cardinality other)
 
 EntityDescription::EntityDescription(std::string_view name, std::vector<AttributeDescription> attributes,
                                      std::vector<RelationshipDescription> relationships, Factory makeObject)
-    : entityName(name), tableName(bytes(name)), attributeList(std::move(attributes)),
-      relationshipList(std::move(relationships)), factory(std::move(makeObject))
+    : entityName(name)
+    , tableName(bytes(name))
+    , attributeList(std::move(attributes))
+    , relationshipList(std::move(relationships))
+    , factory(std::move(makeObject))
 {
     for (const AttributeDescription &attribute : attributeList)
         columnNames.push_back(attribute.name);
@@ -98,7 +101,8 @@ const RelationshipDescription *EntityDescription::relationshipOfColumn(int colum
 }
 
 ManagedObjectModel::ManagedObjectModel(int version, std::vector<EntityDescription> entities)
-    : modelVersion(version), entityList(std::move(entities))
+    : modelVersion(version)
+    , entityList(std::move(entities))
 {
     checkInverses();
 }
@@ -144,4 +148,20 @@ ManagedObjectModel::JoinTable ManagedObjectModel::joinTable(const EntityDescript
     if (relationship.cardinality == Cardinality::ToManyOwningJoin)
         return {entity.table() + '_' + bytes(relationship.name), "source", "target"};
     return {bytes(relationship.destination) + '_' + bytes(relationship.inverse), "target", "source"};
+}
+
+const EntityDescription *ManagedObjectModel::entityOfTable(std::string_view table) const
+{
+    for (const EntityDescription &entity : entityList) {
+        if (!table.starts_with(entity.name()))
+            continue;
+        if (table.size() == entity.name().size())
+            return &entity;
+        const std::string_view rest = table.substr(entity.name().size());
+        const RelationshipDescription *owned =
+            rest.front() == '_' ? entity.relationship(rest.substr(1)) : nullptr;
+        if (owned && owned->cardinality == Cardinality::ToManyOwningJoin)
+            return &entity;
+    }
+    return nullptr;
 }

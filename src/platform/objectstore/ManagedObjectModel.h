@@ -11,8 +11,6 @@
 class ManagedObjectContext;
 class EntityDescription;
 
-enum class AttributeType { Integer, Double, Boolean, String, Date };
-
 /// A plain value of an entity, kept in a column of the same name.
 struct AttributeDescription
 {
@@ -53,8 +51,8 @@ struct IndexDescription
     bool operator==(const IndexDescription &) const = default;
 };
 
-/// What an entity is made of. Columns are numbered: first the attributes, then the to-one relationships, each in
-/// the order of declaration; column n of a row stands at position n + 1 of its table, behind `id`.
+/// What an entity is made of. Columns are numbered: first the attributes, then the to-one relationships, each
+/// in the order of declaration; column n of a row stands at position n + 1 of its table, behind `id`.
 class EntityDescription
 {
 public:
@@ -66,7 +64,8 @@ public:
     EntityDescription &indexedBy(std::vector<IndexDescription> descriptions);
     /// Rows that can be made again from others: left out of captured changes, undo and follow-up lists.
     EntityDescription &derived();
-    /// Rows for which something must be done after each save; what was left undone is told at the next opening.
+    /// Rows for which something must be done after each save; what was left undone is told at the next
+    /// opening.
     EntityDescription &followedUp();
 
     std::string_view name() const { return entityName; }
@@ -127,6 +126,8 @@ public:
         QByteArray farColumn;
     };
     JoinTable joinTable(const EntityDescription &entity, const RelationshipDescription &relationship) const;
+    /// The entity whose rows, or whose owned pairs, a table holds; null for any other table.
+    const EntityDescription *entityOfTable(std::string_view table) const;
 
 private:
     void checkInverses() const;

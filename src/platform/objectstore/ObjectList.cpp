@@ -10,7 +10,8 @@ constexpr size_t keptPages = 8;
 
 } // namespace
 
-ObjectListBase::ObjectListBase(ManagedObjectContext &context, const EntityDescription &entity, std::vector<RowId> rows)
+ObjectListBase::ObjectListBase(ManagedObjectContext &context, const EntityDescription &entity,
+                               std::vector<RowId> rows)
     : storage(std::make_shared<Storage>())
 {
     storage->context = context.self;
@@ -40,7 +41,8 @@ ObjectListBase::Page &ObjectListBase::page(int number) const
     if (const auto context = storage->context.lock()) {
         const size_t first = static_cast<size_t>(number) * pageSize;
         const size_t count = std::min<size_t>(pageSize, storage->rows.size() - first);
-        fresh.objects = (*context)->objectsOfRows(*storage->entity, std::span(storage->rows).subspan(first, count));
+        fresh.objects =
+            (*context)->objectsOfRows(*storage->entity, std::span(storage->rows).subspan(first, count));
     }
     pages.push_back(std::move(fresh));
     return pages.back();

@@ -7,9 +7,11 @@
 #include <span>
 #include <vector>
 
-/// The result of a fetch: an ordered snapshot of rows whose objects are loaded, a page at a time, when looked at.
+/// The result of a fetch: an ordered snapshot of rows whose objects are loaded, a page at a time, when looked
+/// at.
 ///
-/// Copying shares the snapshot. A row deleted since answers null. A list whose context is gone answers null everywhere.
+/// Copying shares the snapshot. A row deleted since answers null. A list whose context is gone answers null
+/// everywhere.
 class ObjectListBase
 {
 public:
@@ -51,7 +53,9 @@ class ObjectList : public ObjectListBase
 {
 public:
     using ObjectListBase::ObjectListBase;
-    explicit ObjectList(ObjectListBase base) : ObjectListBase(std::move(base)) {}
+    explicit ObjectList(ObjectListBase base)
+        : ObjectListBase(std::move(base))
+    {}
 
     std::shared_ptr<T> at(int index) const { return std::static_pointer_cast<T>(objectAt(index)); }
     std::shared_ptr<T> operator[](int index) const { return at(index); }
@@ -67,7 +71,10 @@ public:
         using pointer = void;
         using reference = value_type;
 
-        Iterator(const ObjectList *objects, int place) : list(objects), index(place) {}
+        Iterator(const ObjectList *objects, int place)
+            : list(objects)
+            , index(place)
+        {}
         value_type operator*() const { return list->at(index); }
         Iterator &operator++()
         {

@@ -5,13 +5,23 @@
 using predicate::Node;
 
 PredicateArgument::PredicateArgument(const std::vector<QString> &texts)
-    : content(std::vector<Value>(texts.begin(), texts.end()))
+    : PredicateArgument(std::vector<Value>(texts.begin(), texts.end()))
+{}
+
+PredicateArgument::PredicateArgument(std::vector<Value> values)
 {
+    for (Value &value : values)
+        value = storable(std::move(value));
+    content = std::move(values);
 }
 
-Predicate::Predicate() : root(std::make_shared<Node>()) {}
+Predicate::Predicate()
+    : root(std::make_shared<Node>())
+{}
 
-Predicate::Predicate(std::shared_ptr<const Node> node) : root(std::move(node)) {}
+Predicate::Predicate(std::shared_ptr<const Node> node)
+    : root(std::move(node))
+{}
 
 bool Predicate::isAlwaysTrue() const
 {

@@ -20,26 +20,43 @@ class PredicateArgument
 {
 public:
     PredicateArgument(std::nullptr_t) {}
-    PredicateArgument(bool boolean) : content(Value(boolean)) {}
-    PredicateArgument(int number) : content(Value(qint64(number))) {}
-    PredicateArgument(qint64 number) : content(Value(number)) {}
-    PredicateArgument(double number) : content(Value(number)) {}
-    PredicateArgument(Date date) : content(Value(date)) {}
-    PredicateArgument(OptionalDate date) : content(date ? Value(*date) : Value()) {}
-    PredicateArgument(const QString &text) : content(text.isNull() ? Value() : Value(text)) {}
-    PredicateArgument(Value value) : content(std::move(value)) {}
+    PredicateArgument(bool boolean)
+        : content(Value(boolean))
+    {}
+    PredicateArgument(int number)
+        : content(Value(qint64(number)))
+    {}
+    PredicateArgument(qint64 number)
+        : content(Value(number))
+    {}
+    PredicateArgument(double number)
+        : content(storable(Value(number)))
+    {}
+    PredicateArgument(Date date)
+        : content(storable(Value(date)))
+    {}
+    PredicateArgument(OptionalDate date)
+        : content(date ? storable(Value(*date)) : Value())
+    {}
+    PredicateArgument(const QString &text)
+        : content(storable(Value(text)))
+    {}
+    PredicateArgument(Value value)
+        : content(storable(std::move(value)))
+    {}
+    /// A literal would be taken for a boolean.
+    PredicateArgument(const char *) = delete;
     template <typename T>
-        requires std::derived_from<T, ManagedObject>
-    PredicateArgument(const std::shared_ptr<T> &object)
+    requires std::derived_from<T, ManagedObject> PredicateArgument(const std::shared_ptr<T> &object)
         : content(object ? Value(object->identifier()) : Value())
-    {
-    }
+    {}
     PredicateArgument(const std::vector<QString> &texts);
+    PredicateArgument(std::vector<Value> values);
     template <typename T>
-        requires std::derived_from<T, ManagedObject>
-    PredicateArgument(const std::vector<std::shared_ptr<T>> &objects) : content(identifiersOf(objects))
-    {
-    }
+    requires std::derived_from<T, ManagedObject>
+    PredicateArgument(const std::vector<std::shared_ptr<T>> &objects)
+        : content(identifiersOf(objects))
+    {}
 
     bool isCollection() const { return std::holds_alternative<std::vector<Value>>(content); }
     const Value &value() const { return std::get<Value>(content); }
@@ -67,15 +84,18 @@ struct SqlFragment
     std::vector<Value> bindings;
 };
 
-/// A condition on objects, written as a format string and run either as SQL or on an object in memory; both agree.
+/// A condition on objects, written as a format string and run either as SQL or on an object in memory; both
+/// agree.
 ///
-/// Grammar: comparisons `=` `==` `!=` `<>` `<` `<=` `=<` `>` `>=` `=>` between keys, arguments (`%@`, `%d`, `%i`),
-/// numbers, quoted texts, `true`/`yes`, `false`/`no` and `nil`/`null`; `beginswith`, `endswith`, `contains` with an optional
+/// Grammar: comparisons `=` `==` `!=` `<>` `<` `<=` `=<` `>` `>=` `=>` between keys, arguments (`%@`, `%d`,
+/// `%i`), numbers, quoted texts, `true`/`yes`, `false`/`no` and `nil`/`null`; `beginswith`, `endswith`,
+/// `contains` with an optional
 /// `[cd]` (case and diacritics ignored, folded by ICU); `in`; `any` before a key; `key.@count`; dotted keys
-/// through to-one relationships; `and`/`&&`, `or`/`||`, `not`/`!`, parentheses. `and` binds tighter than `or`.
-/// Words are recognised in any case.
+/// through to-one relationships; `and`/`&&`, `or`/`||`, `not`/`!`, parentheses. `and` binds tighter than
+/// `or`. Words are recognised in any case.
 ///
-/// Absent values: equality with a value fails, inequality with a value passes, order comparisons fail; `== nil` and
+/// Absent values: equality with a value fails, inequality with a value passes, order comparisons fail; `==
+/// nil` and
 /// `!= nil` test presence, and emptiness on a to-many relationship.
 class Predicate
 {

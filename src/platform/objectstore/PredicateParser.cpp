@@ -28,7 +28,9 @@ std::string lowered(std::string_view text)
 class Lexer
 {
 public:
-    explicit Lexer(std::string_view source) : rest(source) {}
+    explicit Lexer(std::string_view source)
+        : rest(source)
+    {}
 
     Token next()
     {
@@ -42,10 +44,12 @@ public:
         if (first == '"' || first == '\'')
             return quoted(first);
         if (std::isdigit(static_cast<unsigned char>(first)) || (first == '-' && rest.size() > 1))
-            return takeWhile(Token::Kind::Number, [](char c) { return std::isdigit(c) || c == '.' || c == '-'; });
+            return takeWhile(Token::Kind::Number,
+                             [](unsigned char c) { return std::isdigit(c) || c == '.'; });
         if (std::isalpha(static_cast<unsigned char>(first)) || first == '_' || first == '@')
-            return takeWhile(Token::Kind::Word,
-                             [](char c) { return std::isalnum(c) || c == '_' || c == '.' || c == '@'; });
+            return takeWhile(Token::Kind::Word, [](unsigned char c) {
+                return std::isalnum(c) || c == '_' || c == '.' || c == '@';
+            });
         return symbol();
     }
 
@@ -97,7 +101,8 @@ class Parser
 {
 public:
     Parser(std::string_view source, std::vector<PredicateArgument> given)
-        : lexer(source), arguments(std::move(given))
+        : lexer(source)
+        , arguments(std::move(given))
     {
         advance();
     }
@@ -119,7 +124,8 @@ private:
     void fail(const char *reason)
     {
         if (failure.isEmpty())
-            failure = QStringLiteral("%1 at \"%2\"").arg(QLatin1String(reason), QString::fromStdString(current.text));
+            failure = QStringLiteral("%1 at \"%2\"")
+                          .arg(QLatin1String(reason), QString::fromStdString(current.text));
     }
     bool isWord(std::string_view word) const
     {
@@ -186,6 +192,8 @@ private:
             node->isFolded = current.text == "[cd]";
             if (!node->isFolded)
                 fail("only [cd] is known");
+            if (node->comparison == Operator::In)
+                fail("\"in\" compares as it is");
             advance();
         }
         node->right = operand();
@@ -194,16 +202,24 @@ private:
     Operator comparisonOperator()
     {
         static const std::vector<std::pair<std::string_view, Operator>> spellings = {
-            {"=", Operator::Equal},           {"==", Operator::Equal},
-            {"!=", Operator::NotEqual},       {"<>", Operator::NotEqual},
-            {"<", Operator::Less},            {"<=", Operator::LessOrEqual},
-            {"=<", Operator::LessOrEqual},    {">", Operator::Greater},
-            {">=", Operator::GreaterOrEqual}, {"=>", Operator::GreaterOrEqual},
-            {"in", Operator::In},             {"beginswith", Operator::BeginsWith},
-            {"contains", Operator::Contains}, {"endswith", Operator::EndsWith}};
+            {"=", Operator::Equal},
+            {"==", Operator::Equal},
+            {"!=", Operator::NotEqual},
+            {"<>", Operator::NotEqual},
+            {"<", Operator::Less},
+            {"<=", Operator::LessOrEqual},
+            {"=<", Operator::LessOrEqual},
+            {">", Operator::Greater},
+            {">=", Operator::GreaterOrEqual},
+            {"=>", Operator::GreaterOrEqual},
+            {"in", Operator::In},
+            {"beginswith", Operator::BeginsWith},
+            {"contains", Operator::Contains},
+            {"endswith", Operator::EndsWith}};
         const std::string spelling = lowered(current.text);
         for (const auto &[text, comparison] : spellings) {
-            if (text == spelling && (current.kind == Token::Kind::Word || current.kind == Token::Kind::Symbol)) {
+            if (text == spelling &&
+                (current.kind == Token::Kind::Word || current.kind == Token::Kind::Symbol)) {
                 advance();
                 return comparison;
             }
@@ -247,11 +263,15 @@ private:
         }
         return arguments[usedArguments++];
     }
-    static PredicateArgument number(const std::string &text)
+    PredicateArgument number(const std::string &text)
     {
-        if (text.find('.') == std::string::npos)
-            return PredicateArgument(qint64(std::strtoll(text.c_str(), nullptr, 10)));
-        return PredicateArgument(QString::fromStdString(text).toDouble());
+        const QByteArray digits = QByteArray::fromStdString(text);
+        bool isNumber = false;
+        PredicateArgument result = digits.contains('.') ? PredicateArgument(digits.toDouble(&isNumber))
+                                                        : PredicateArgument(digits.toLongLong(&isNumber));
+        if (!isNumber)
+            fail("a number is expected");
+        return result;
     }
     void readWord(const std::string &word, Operand &result)
     {
@@ -297,7 +317,8 @@ Predicate Predicate::parse(std::string_view text, std::vector<PredicateArgument>
     QString problem;
     auto parsed = tryParse(text, std::move(arguments), &problem);
     if (!parsed) {
-        std::fprintf(stderr, "Wrong predicate \"%s\": %s\n", std::string(text).c_str(), qUtf8Printable(problem));
+        std::fprintf(stderr, "Wrong predicate \"%s\": %s\n", std::string(text).c_str(),
+                     qUtf8Printable(problem));
         std::abort();
     }
     return *parsed;

@@ -5,11 +5,14 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <span>
+
 namespace predicate {
 
 namespace {
 
-/// Above this many elements a collection is bound as one JSON text, since SQLite limits the number of bindings.
+/// Above this many elements a collection is bound as one JSON text, since SQLite limits the number of
+/// bindings.
 constexpr size_t maximumBoundElements = 200;
 
 QByteArray quoted(std::string_view name)
@@ -47,11 +50,13 @@ const char *functionOf(Operator comparison)
     }
 }
 
-/// Writes SQL for one entity's rows. Each nested to-many key opens a subquery with an alias of its own.
+/// Writes SQL for one entity's rows. Each step to other objects opens a subquery with an alias of its own.
 class SqlWriter
 {
 public:
-    explicit SqlWriter(const ManagedObjectModel &objectModel) : model(objectModel) {}
+    explicit SqlWriter(const ManagedObjectModel &objectModel)
+        : model(objectModel)
+    {}
 
     SqlFragment result{};
 
@@ -65,6 +70,9 @@ public:
             writeJoined(node, entity, " AND ", "1");
             break;
         case Node::Kind::Or:
+            // Unless each alternative is a look-up, going through an index once beats merging several
+            // searches of it; the sign keeps the planner from the latter.
+            result.text += isChoiceOfLookUps(node) ? "" : "+";
             writeJoined(node, entity, " OR ", "0");
             break;
         case Node::Kind::Not:
@@ -80,55 +88,127 @@ public:
     }
 
 private:
-    void writeJoined(const Node &node, const EntityDescription &entity, const char *joint, const char *empty)
+    static bool isChoiceOfLookUps(const Node &node)
     {
-        result.text += node.children.empty() ? empty : "(";
-        for (size_t place = 0; place < node.children.size(); ++place) {
-            if (place > 0)
-                result.text += joint;
-            write(*node.children[place], entity);
-        }
-        if (!node.children.empty())
-            result.text += ')';
+        return std::all_of(node.children.begin(), node.children.end(), [](const NodePtr &child) {
+            return child->kind == Node::Kind::Comparison && child->comparison == Operator::Equal &&
+                   child->left.path.size() == 1 && child->right.kind == Operand::Kind::Argument &&
+                   !child->right.argument.isCollection() &&
+                   std::holds_alternative<QString>(child->right.argument.value());
+        });
     }
 
+    void writeJoined(const Node &node, const EntityDescription &entity, const char *joint, const char *empty)
+    {
+        if (node.children.empty())
+            result.text += empty;
+        else
+            writeHalves(node.children, entity, joint);
+    }
+
+    /// In halves of halves, since SQLite limits how deep a condition may be, and nests a plain row of them to
+    /// its length.
+    void writeHalves(std::span<const NodePtr> nodes, const EntityDescription &entity, const char *joint)
+    {
+        if (nodes.size() == 1)
+            return write(*nodes.front(), entity);
+        result.text += '(';
+        writeHalves(nodes.first(nodes.size() / 2), entity, joint);
+        result.text += joint;
+        writeHalves(nodes.subspan(nodes.size() / 2), entity, joint);
+        result.text += ')';
+    }
+
+    /// Whole numbers stand in the text, so that the planner can match them with partial indexes; all else is
+    /// bound.
     void bind(const Value &value)
     {
-        result.text += '?';
-        result.bindings.push_back(value);
+        if (const auto *integer = std::get_if<qint64>(&value)) {
+            result.text += QByteArray::number(*integer);
+        } else if (const auto *boolean = std::get_if<bool>(&value)) {
+            result.text += *boolean ? '1' : '0';
+        } else if (isAbsent(value)) {
+            result.text += "NULL";
+        } else {
+            result.text += '?';
+            result.bindings.push_back(value);
+        }
     }
 
     void writeComparison(const Node &node, const EntityDescription &entity)
     {
-        writeAlong("row", entity, node.left, 0, node);
-    }
-
-    /// Walks the left key; at a to-many step it goes on inside an EXISTS.
-    void writeAlong(const QByteArray &alias, const EntityDescription &entity, const Operand &left, size_t depth,
-                    const Node &node)
-    {
+        const Operand &left = node.left;
         if (left.kind == Operand::Kind::Argument) {
             writeTest(node, [this, &left] { bind(left.argument.value()); });
             return;
         }
-        const std::string &step = left.path[depth];
-        const bool isLast = depth + 1 == left.path.size();
-        const int column = entity.columnOf(step);
-        if (column < 0) {
-            writeToMany(alias, entity, *entity.relationship(step), left, depth, node);
+        if (left.kind == Operand::Kind::Count) {
+            writeTest(node, [&] {
+                result.text += "(SELECT COUNT(*)";
+                writeReached("row", entity, *entity.relationship(left.path.front()));
+                result.text += ')';
+            });
             return;
         }
-        if (isLast) {
-            writeTest(node, [this, &alias, &step] { result.text += alias + '.' + quoted(step); });
+        const size_t manySteps = stepsToMany(entity, left.path);
+        if (manySteps == 0) {
+            writeTest(node, [&] { writeScalar("row", entity, left.path, 0); });
             return;
         }
-        // A to-one step: what follows is read off the target row, or is absent with it.
-        writeTest(node, [&] { writeScalar(alias, entity, left.path, depth); });
+        const bool endsInMany = manySteps == left.path.size();
+        const bool isTestOfEmptiness = endsInMany && isNil(node.right);
+        if (isTestOfEmptiness && node.comparison == Operator::Equal)
+            result.text += "NOT ";
+        writeChain("row", entity, left.path, 0, manySteps,
+                   [&](const QByteArray &far, const EntityDescription &reached) {
+                       if (isTestOfEmptiness)
+                           return;
+                       result.text += " AND ";
+                       writeTest(node, [&] {
+                           if (endsInMany)
+                               result.text += far + ".\"id\"";
+                           else
+                               writeScalar(far, reached, left.path, manySteps);
+                       });
+                   });
+    }
+
+    /// How many steps of a path lead up to and over its last to-many relationship; 0 if it has none.
+    size_t stepsToMany(const EntityDescription &entity, const std::vector<std::string> &path) const
+    {
+        const EntityDescription *current = &entity;
+        size_t steps = 0;
+        for (size_t depth = 0; depth < path.size(); ++depth) {
+            if (current->columnOf(path[depth]) < 0)
+                steps = depth + 1;
+            if (const RelationshipDescription *relationship = current->relationship(path[depth]))
+                current = &model.destinationOf(*relationship);
+        }
+        return steps;
+    }
+
+    /// Opens an EXISTS for each step up to the last to-many one and writes the leaf into the innermost.
+    template <typename WriteLeaf>
+    void writeChain(const QByteArray &alias, const EntityDescription &entity,
+                    const std::vector<std::string> &path, size_t depth, size_t manySteps,
+                    const WriteLeaf &writeLeaf)
+    {
+        const RelationshipDescription &relationship = *entity.relationship(path[depth]);
+        const EntityDescription &destination = model.destinationOf(relationship);
+        result.text += "EXISTS(SELECT 1";
+        const QByteArray far = writeReached(alias, entity, relationship);
+        if (depth + 1 < manySteps) {
+            result.text += " AND ";
+            writeChain(far, destination, path, depth + 1, manySteps, writeLeaf);
+        } else {
+            writeLeaf(far, destination);
+        }
+        result.text += ')';
     }
 
     /// The value at the end of a path of to-one relationships.
-    void writeScalar(const QByteArray &alias, const EntityDescription &entity, const std::vector<std::string> &path,
-                     size_t depth)
+    void writeScalar(const QByteArray &alias, const EntityDescription &entity,
+                     const std::vector<std::string> &path, size_t depth)
     {
         if (depth + 1 == path.size()) {
             result.text += alias + '.' + quoted(path[depth]);
@@ -138,53 +218,28 @@ private:
         const QByteArray next = nextAlias();
         result.text += "(SELECT ";
         writeScalar(next, destination, path, depth + 1);
-        result.text += " FROM " + quoted(destination.name()) + ' ' + next + " WHERE " + next + ".\"id\" = " + alias +
-                       '.' + quoted(path[depth]) + ')';
+        result.text += " FROM " + quoted(destination.name()) + ' ' + next + " WHERE " + next +
+                       ".\"id\" = " + alias + '.' + quoted(path[depth]) + ')';
     }
 
-    void writeToMany(const QByteArray &alias, const EntityDescription &entity,
-                     const RelationshipDescription &relationship, const Operand &left, size_t depth, const Node &node)
-    {
-        if (left.kind == Operand::Kind::Count) {
-            writeTest(node, [&] {
-                result.text += "(SELECT COUNT(*)";
-                const QByteArray far = writeReached(alias, entity, relationship);
-                Q_UNUSED(far)
-                result.text += ')';
-            });
-            return;
-        }
-        const bool isLast = depth + 1 == left.path.size();
-        if (isLast && isNil(node.right)) {
-            result.text += node.comparison == Operator::Equal ? "NOT EXISTS(SELECT 1" : "EXISTS(SELECT 1";
-            writeReached(alias, entity, relationship);
-            result.text += ')';
-            return;
-        }
-        result.text += "EXISTS(SELECT 1";
-        const QByteArray far = writeReached(alias, entity, relationship);
-        result.text += " AND ";
-        if (isLast)
-            writeTest(node, [this, &far] { result.text += far + ".\"id\""; });
-        else
-            writeAlong(far, model.destinationOf(relationship), left, depth + 1, node);
-        result.text += ')';
-    }
-
-    /// Writes " FROM ... WHERE ..." for the objects that a to-many relationship reaches; gives their alias.
+    /// Writes " FROM ... WHERE ..." for the objects that a relationship reaches; gives their alias.
     QByteArray writeReached(const QByteArray &alias, const EntityDescription &entity,
                             const RelationshipDescription &relationship)
     {
         const QByteArray far = nextAlias();
         result.text += " FROM " + quoted(relationship.destination) + ' ' + far;
+        if (relationship.cardinality == Cardinality::ToOne) {
+            result.text += " WHERE " + far + ".\"id\" = " + alias + '.' + quoted(relationship.name);
+            return far;
+        }
         if (relationship.cardinality == Cardinality::ToMany) {
             result.text += " WHERE " + far + '.' + quoted(relationship.inverse) + " = " + alias + ".\"id\"";
             return far;
         }
         const ManagedObjectModel::JoinTable join = model.joinTable(entity, relationship);
         const QByteArray pair = nextAlias();
-        result.text += " JOIN \"" + join.table + "\" " + pair + " ON " + pair + '.' + join.farColumn + " = " + far +
-                       ".\"id\" WHERE " + pair + '.' + join.nearColumn + " = " + alias + ".\"id\"";
+        result.text += " JOIN \"" + join.table + "\" " + pair + " ON " + pair + '.' + join.farColumn + " = " +
+                       far + ".\"id\" WHERE " + pair + '.' + join.nearColumn + " = " + alias + ".\"id\"";
         return far;
     }
 
@@ -206,7 +261,10 @@ private:
             break;
         }
         writeFolded(node.isFolded, writeLeft);
-        result.text += symbolOf(node.comparison);
+        // With a value on the right, plain equality finds the same rows and leaves the planner more ways.
+        const bool isPlain = node.comparison == Operator::Equal &&
+                             node.right.kind == Operand::Kind::Argument && !isNil(node.right);
+        result.text += isPlain ? " = " : symbolOf(node.comparison);
         writeFolded(node.isFolded, [this, &node] { writeRight(node.right); });
     }
 
@@ -245,7 +303,8 @@ private:
 
     void writeCollection(const std::vector<Value> &collection)
     {
-        if (collection.size() > maximumBoundElements) {
+        const bool isLong = collection.size() > maximumBoundElements;
+        if (isLong && std::all_of(collection.begin(), collection.end(), isExactInJson)) {
             result.text += " IN (SELECT value FROM json_each(";
             bind(Value(jsonOf(collection)));
             result.text += "))";
@@ -259,21 +318,29 @@ private:
         result.text += ')';
     }
 
+    /// Whether SQLite reads the value out of JSON as it was: not so a text with a NUL, nor each fraction.
+    static bool isExactInJson(const Value &value)
+    {
+        const auto *text = std::get_if<QString>(&value);
+        return text ? !text->contains(QChar::Null) : std::holds_alternative<qint64>(value) || isAbsent(value);
+    }
+
     static QString jsonOf(const std::vector<Value> &collection)
     {
         QJsonArray array;
         for (const Value &value : collection) {
             if (const auto *text = std::get_if<QString>(&value))
                 array.append(*text);
-            else
-                array.append(numberOf(value).value_or(0));
+            else if (const auto *integer = std::get_if<qint64>(&value))
+                array.append(*integer);
         }
         return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
     }
 
     static bool isNil(const Operand &operand)
     {
-        return operand.kind == Operand::Kind::Argument && isAbsent(operand.argument.value());
+        return operand.kind == Operand::Kind::Argument && !operand.argument.isCollection() &&
+               isAbsent(operand.argument.value());
     }
     QByteArray nextAlias() { return "t" + QByteArray::number(++aliases); }
 
@@ -288,7 +355,9 @@ public:
 class Checker
 {
 public:
-    explicit Checker(const ManagedObjectModel &objectModel) : model(objectModel) {}
+    explicit Checker(const ManagedObjectModel &objectModel)
+        : model(objectModel)
+    {}
 
     std::optional<QString> check(const Node &node, const EntityDescription &entity) const
     {
@@ -368,7 +437,19 @@ private:
             return say("a collection goes with \"in\", and with nothing else", node.left.path);
         if (node.left.kind == Operand::Kind::Argument && node.left.argument.isCollection())
             return say("a collection cannot stand on the left", node.left.path);
+        if (hasCollection)
+            return checkElements(node, *left);
         return checkKinds(node, *left, *right);
+    }
+    static std::optional<QString> checkElements(const Node &node, Kind left)
+    {
+        const Kind wanted = left == Kind::ToMany ? Kind::Text : left;
+        const auto &elements = node.right.argument.collection();
+        const bool doFit = std::all_of(elements.begin(), elements.end(), [wanted](const Value &element) {
+            const Kind kind = kindOf(PredicateArgument(element));
+            return wanted == Kind::Any || kind == Kind::Any || kind == wanted;
+        });
+        return doFit ? std::nullopt : std::optional(say("the collection holds another kind", node.left.path));
     }
     static std::optional<QString> checkKinds(const Node &node, Kind left, Kind right)
     {
@@ -401,7 +482,8 @@ SqlFragment Predicate::sql(const ManagedObjectModel &model, const EntityDescript
     return writer.result;
 }
 
-std::optional<QString> Predicate::problemFor(const ManagedObjectModel &model, const EntityDescription &entity) const
+std::optional<QString> Predicate::problemFor(const ManagedObjectModel &model,
+                                             const EntityDescription &entity) const
 {
     return predicate::Checker(model).check(*root, entity);
 }

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-/// One key by which fetched rows are ordered. Absent values come first in ascending order, last in descending.
+/// One key by which fetched rows are ordered. Absent values come first in ascending order, last in
+/// descending.
 struct SortDescriptor
 {
     enum class Comparison {

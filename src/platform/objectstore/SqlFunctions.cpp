@@ -37,6 +37,9 @@ enum class Place { Anywhere, Start, End };
 template <Place place>
 bool hasPart(const auto &text, const auto &part)
 {
+    // Qt finds nothing at the ends of a null text, not even the empty part.
+    if (part.isEmpty())
+        return true;
     if constexpr (place == Place::Start)
         return text.startsWith(part);
     else if constexpr (place == Place::End)
@@ -51,7 +54,8 @@ void partTest(sqlite3_context *context, int, sqlite3_value **arguments)
     if (!hasText(arguments[0]) || !hasText(arguments[1]))
         return sqlite3_result_null(context);
     if constexpr (isFolded)
-        sqlite3_result_int(context, hasPart<place>(foldedForSearch(textOf(arguments[0])), textOf(arguments[1])));
+        sqlite3_result_int(context,
+                           hasPart<place>(foldedForSearch(textOf(arguments[0])), textOf(arguments[1])));
     else
         sqlite3_result_int(context, hasPart<place>(textOf(arguments[0]), textOf(arguments[1])));
 }
@@ -67,8 +71,8 @@ using Function = void (*)(sqlite3_context *, int, sqlite3_value **);
 
 void addFunction(sqlite3 *database, const char *name, int arguments, Function function)
 {
-    sqlite3_create_function_v2(database, name, arguments, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, function, nullptr,
-                               nullptr, nullptr);
+    sqlite3_create_function_v2(database, name, arguments, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                               function, nullptr, nullptr, nullptr);
 }
 
 } // namespace

@@ -16,11 +16,20 @@ constexpr int busyTimeout = 2000;
 
 } // namespace
 
-Statement::Statement(Statement &&other) noexcept
-    : handle(std::exchange(other.handle, nullptr)), onLoan(std::exchange(other.onLoan, nullptr)), bound(other.bound),
-      lastCode(other.lastCode)
+static_assert(missingReference == SQLITE_CONSTRAINT_FOREIGNKEY);
+
+Error error(int code, const QString &attempt)
 {
+    return {QStringLiteral("sqlite"), code,
+            QStringLiteral("%1: %2").arg(attempt, QString::fromUtf8(sqlite3_errstr(code)))};
 }
+
+Statement::Statement(Statement &&other) noexcept
+    : handle(std::exchange(other.handle, nullptr))
+    , onLoan(std::exchange(other.onLoan, nullptr))
+    , bound(other.bound)
+    , lastCode(other.lastCode)
+{}
 
 Statement::~Statement()
 {
@@ -37,9 +46,11 @@ Statement::~Statement()
 
 void Statement::reset()
 {
+    bound = 0;
+    if (!handle)
+        return;
     sqlite3_reset(handle);
     sqlite3_clear_bindings(handle);
-    bound = 0;
 }
 
 Statement &Statement::bind(const Value &value)
@@ -55,8 +66,8 @@ Statement &Statement::bind(const Value &value)
         sqlite3_bind_double(handle, bound, date->referenceSeconds());
     } else if (const auto *text = std::get_if<QString>(&value)) {
         const QByteArray utf8 = text->toUtf8();
-        sqlite3_bind_text64(handle, bound, utf8.constData(), static_cast<sqlite3_uint64>(utf8.size()), SQLITE_TRANSIENT,
-                            SQLITE_UTF8);
+        sqlite3_bind_text64(handle, bound, utf8.constData(), static_cast<sqlite3_uint64>(utf8.size()),
+                            SQLITE_TRANSIENT, SQLITE_UTF8);
     } else {
         sqlite3_bind_null(handle, bound);
     }
@@ -72,7 +83,8 @@ Statement &Statement::bind(const std::vector<Value> &values)
 
 Statement &Statement::bindBlob(const QByteArray &blob)
 {
-    sqlite3_bind_blob64(handle, ++bound, blob.constData(), static_cast<sqlite3_uint64>(blob.size()), SQLITE_TRANSIENT);
+    sqlite3_bind_blob64(handle, ++bound, blob.constData(), static_cast<sqlite3_uint64>(blob.size()),
+                        SQLITE_TRANSIENT);
     return *this;
 }
 
@@ -130,7 +142,7 @@ Value Statement::value(int column, AttributeType type) const
     if (stored == SQLITE_NULL || stored == SQLITE_BLOB)
         return {};
     if (type == AttributeType::String)
-        return Value(text(column));
+        return stored == SQLITE_TEXT ? Value(text(column)) : Value();
     if (stored != SQLITE_INTEGER && stored != SQLITE_FLOAT)
         return {};
     switch (type) {
@@ -153,9 +165,10 @@ Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode)
     const int code = sqlite3_open_v2(path.toUtf8().constData(), &connection, flags, nullptr);
     std::unique_ptr<Database> database(new Database(connection));
     if (code != SQLITE_OK)
-        return connection ? database->lastError(QStringLiteral("Cannot open %1").arg(path))
-                          : Error{QStringLiteral("sqlite"), code, QStringLiteral("Cannot open %1").arg(path)};
+        return Error{QStringLiteral("sqlite"), code, QString::fromUtf8(sqlite3_errstr(code))};
     sqlite3_busy_timeout(connection, busyTimeout);
+    // A misspelt column is an error, and no text.
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     registerSqlFunctions(connection);
     return database;
 }
@@ -176,8 +189,8 @@ Statement Database::prepare(const QByteArray &sql)
         return Statement(found->second->statement, &found->second->isOnLoan);
     }
     sqlite3_stmt *statement = nullptr;
-    sqlite3_prepare_v3(connection, sql.constData(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT, &statement,
-                       nullptr);
+    sqlite3_prepare_v3(connection, sql.constData(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
+                       &statement, nullptr);
     if (!statement || found != cache.end())
         return Statement(statement, nullptr);
     trimCache();
@@ -215,8 +228,12 @@ qint64 Database::queryInteger(const QByteArray &sql)
 
 Error Database::lastError(const QString &attempt) const
 {
-    return {QStringLiteral("sqlite"), lastCode(),
-            QStringLiteral("%1: %2").arg(attempt, QString::fromUtf8(sqlite3_errmsg(connection)))};
+    return {QStringLiteral("sqlite"), lastCode(), QStringLiteral("%1: %2").arg(attempt, lastMessage())};
+}
+
+QString Database::lastMessage() const
+{
+    return QString::fromUtf8(sqlite3_errmsg(connection));
 }
 
 int Database::lastCode() const
@@ -232,6 +249,11 @@ int Database::changes() const
 bool Database::isAutocommit() const
 {
     return sqlite3_get_autocommit(connection) != 0;
+}
+
+void Database::setCheckpointAtEnd(bool isOn)
+{
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, isOn ? 0 : 1, nullptr);
 }
 
 bool Database::isReadOnly() const

@@ -16,6 +16,13 @@ struct sqlite3_value;
 
 namespace sqlite {
 
+/// The codes of SQLite that callers tell apart.
+constexpr int success = 0;
+constexpr int missingReference = 787; // SQLITE_CONSTRAINT_FOREIGNKEY
+
+/// A failure by its code, introduced by what was being done.
+Error error(int code, const QString &attempt);
+
 /// A prepared statement on loan from its database's cache; it goes back, reset, when this object ends.
 class Statement
 {
@@ -54,7 +61,10 @@ public:
 
 private:
     friend class Database;
-    Statement(sqlite3_stmt *statement, bool *isOnLoan) : handle(statement), onLoan(isOnLoan) {}
+    Statement(sqlite3_stmt *statement, bool *isOnLoan)
+        : handle(statement)
+        , onLoan(isOnLoan)
+    {}
 
     sqlite3_stmt *handle = nullptr;
     bool *onLoan = nullptr;
@@ -81,11 +91,15 @@ public:
     /// What the last call that failed on this connection has to say, introduced by what was being done.
     Error lastError(const QString &attempt) const;
     int lastCode() const;
+    QString lastMessage() const;
     /// Rows changed by the last INSERT, UPDATE or DELETE.
     int changes() const;
     /// Whether no transaction is open.
     bool isAutocommit() const;
     bool isReadOnly() const;
+    /// Whether the log is written into the file when the connection ends, which is so until it is switched
+    /// off.
+    void setCheckpointAtEnd(bool isOn);
     sqlite3 *handle() const { return connection; }
 
 private:
@@ -94,7 +108,9 @@ private:
         sqlite3_stmt *statement;
         bool isOnLoan;
     };
-    explicit Database(sqlite3 *opened) : connection(opened) {}
+    explicit Database(sqlite3 *opened)
+        : connection(opened)
+    {}
     void trimCache();
 
     sqlite3 *connection;

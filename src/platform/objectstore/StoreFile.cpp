@@ -12,9 +12,9 @@ namespace storefile {
 
 namespace {
 
-Error refusal(const QString &path, const QString &reason)
+Error refusal(const QString &path, const QString &reason, int code = 0)
 {
-    return {QStringLiteral("store"), 0, QStringLiteral("Cannot open the store %1: %2").arg(path, reason)};
+    return {QStringLiteral("store"), code, QStringLiteral("Cannot open the store %1: %2").arg(path, reason)};
 }
 
 QByteArray quoted(std::string_view name)
@@ -54,15 +54,36 @@ QByteArray createTable(const EntityDescription &entity)
     return sql + ");";
 }
 
+QByteArray joinTableName(const EntityDescription &entity, const RelationshipDescription &relationship)
+{
+    return entity.table() + '_' +
+           QByteArray(relationship.name.data(), static_cast<qsizetype>(relationship.name.size()));
+}
+
 QByteArray createJoinTable(const EntityDescription &entity, const RelationshipDescription &relationship)
 {
-    const QByteArray table =
-        entity.table() + '_' + QByteArray(relationship.name.data(), static_cast<qsizetype>(relationship.name.size()));
+    const QByteArray table = joinTableName(entity, relationship);
     const QByteArray reference = "(\"id\") ON DELETE CASCADE DEFERRABLE INITIALLY DEFERRED";
-    return "CREATE TABLE IF NOT EXISTS \"" + table + "\" (source TEXT NOT NULL REFERENCES " + quoted(entity.name()) +
-           reference + ", target TEXT NOT NULL REFERENCES " + quoted(relationship.destination) + reference +
-           ", PRIMARY KEY (source, target)) WITHOUT ROWID;" + "CREATE INDEX IF NOT EXISTS \"" + table +
-           "_target\" ON \"" + table + "\" (target);";
+    return "CREATE TABLE IF NOT EXISTS \"" + table + "\" (source TEXT NOT NULL REFERENCES " +
+           quoted(entity.name()) + reference + ", target TEXT NOT NULL REFERENCES " +
+           quoted(relationship.destination) + reference + ", PRIMARY KEY (source, target)) WITHOUT ROWID;" +
+           "CREATE INDEX IF NOT EXISTS \"" + table + "_target\" ON \"" + table + "\" (target);";
+}
+
+/// A table of pairs that was made by hand may lack the key, without which a pair could stand there twice and
+/// undo would not see it.
+QByteArray missingJoinTable(sqlite::Database &database, const EntityDescription &entity,
+                            const RelationshipDescription &relationship)
+{
+    const QByteArray name = joinTableName(entity, relationship);
+    const QByteArray count = "SELECT COUNT(*) FROM pragma_table_info('" + name + "')";
+    if (database.queryInteger(count) == 0 || database.queryInteger(count + " WHERE pk > 0") == 2)
+        return createJoinTable(entity, relationship);
+    const QByteArray former = '"' + name + "_former\"";
+    return "ALTER TABLE \"" + name + "\" RENAME TO " + former + ';' + createJoinTable(entity, relationship) +
+           "INSERT OR IGNORE INTO \"" + name + "\" SELECT source, target FROM " + former +
+           " WHERE source IN (SELECT id FROM " + quoted(entity.name()) + ") AND target IN (SELECT id FROM " +
+           quoted(relationship.destination) + "); DROP TABLE " + former + ';';
 }
 
 QByteArray createIndexes(const EntityDescription &entity)
@@ -97,43 +118,27 @@ QByteArray missingParts(sqlite::Database &database, const EntityDescription &ent
     for (int column = 0; column < entity.columnCount(); ++column) {
         const std::string_view name = entity.columnName(column);
         const QByteArray bytes(name.data(), static_cast<qsizetype>(name.size()));
-        if (std::find(present.begin(), present.end(), bytes) == present.end())
-            sql += "ALTER TABLE " + quoted(entity.name()) + " ADD COLUMN " + columnDefinition(entity, column) + ';';
+        const bool isPresent = std::any_of(present.begin(), present.end(), [&bytes](const QByteArray &one) {
+            return one.compare(bytes, Qt::CaseInsensitive) == 0;
+        });
+        if (!isPresent)
+            sql += "ALTER TABLE " + quoted(entity.name()) + " ADD COLUMN " +
+                   columnDefinition(entity, column) + ';';
     }
     return sql;
 }
 
 QByteArray bookkeepingTables()
 {
-    return "CREATE TABLE IF NOT EXISTS ObjectStoreMetadata (key TEXT PRIMARY KEY NOT NULL, value TEXT) WITHOUT ROWID;"
-           "CREATE TABLE IF NOT EXISTS ObjectStoreJournal (sequence INTEGER PRIMARY KEY, savedAt REAL NOT NULL,"
+    return "CREATE TABLE IF NOT EXISTS ObjectStoreMetadata (key TEXT PRIMARY KEY NOT NULL, value TEXT) "
+           "WITHOUT ROWID;"
+           "CREATE TABLE IF NOT EXISTS ObjectStoreJournal (sequence INTEGER PRIMARY KEY, savedAt REAL NOT "
+           "NULL,"
            " isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB NOT NULL);"
+           "CREATE INDEX IF NOT EXISTS ObjectStoreJournal_undone ON ObjectStoreJournal (sequence) WHERE "
+           "isUndone = 1;"
            "CREATE TABLE IF NOT EXISTS ObjectStoreFollowUp (entity TEXT NOT NULL, id TEXT NOT NULL,"
            " PRIMARY KEY (entity, id)) WITHOUT ROWID;";
-}
-
-OptionalError migrate(sqlite::Database &database, const ManagedObjectModel &model)
-{
-    if (auto error = database.execute("BEGIN IMMEDIATE"))
-        return error;
-    QByteArray sql = bookkeepingTables();
-    for (const EntityDescription &entity : model.entities())
-        sql += missingParts(database, entity);
-    for (const EntityDescription &entity : model.entities()) {
-        for (const RelationshipDescription &relationship : entity.relationships()) {
-            if (relationship.cardinality == Cardinality::ToManyOwningJoin)
-                sql += createJoinTable(entity, relationship);
-        }
-        sql += createIndexes(entity);
-    }
-    sql += "INSERT OR IGNORE INTO ObjectStoreMetadata VALUES ('storeIdentifier', '" +
-           QUuid::createUuid().toByteArray(QUuid::WithoutBraces) + "');";
-    sql += "PRAGMA application_id = " + QByteArray::number(applicationId) + ';';
-    sql += "PRAGMA user_version = " + QByteArray::number(model.version()) + ";COMMIT;";
-    auto error = database.execute(sql);
-    if (error && !database.isAutocommit())
-        database.execute("ROLLBACK");
-    return error;
 }
 
 /// A number of the database header, which is big-endian.
@@ -143,6 +148,14 @@ quint32 headerNumber(const QByteArray &header, int offset)
     for (int place = 0; place < 4; ++place)
         number = number << 8 | static_cast<quint8>(header.at(offset + place));
     return number;
+}
+
+const QString tooShort = QStringLiteral("the file is shorter than it should be");
+
+bool hasLog(const QString &path)
+{
+    const QFileInfo log(path + QStringLiteral("-wal"));
+    return log.exists() && log.size() > 0;
 }
 
 /// What can be told from the bytes of the file before SQLite touches it.
@@ -157,17 +170,26 @@ std::optional<QString> problemOfBytes(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return file.errorString();
     const QByteArray header = file.read(100);
+    // SQLite would take an empty file with a log for a new store, and throw the log away.
     if (header.isEmpty())
-        return std::nullopt;
+        return hasLog(path) ? std::optional(tooShort) : std::nullopt;
     if (header.size() < 100 || !header.startsWith("SQLite format 3"))
         return QStringLiteral("the file is not a database");
     const quint32 storedSize = headerNumber(header, 16) >> 16;
     const qint64 pageSize = storedSize == 1 ? 65536 : storedSize;
-    const QFileInfo log(path + QStringLiteral("-wal"));
-    const bool hasLog = log.exists() && log.size() > 0;
-    if (!hasLog && file.size() < pageSize * qint64(headerNumber(header, 28)))
-        return QStringLiteral("the file is shorter than it should be");
+    // The count of pages is good only if it was written with the last change; with a log, later pages can
+    // stand there.
+    const bool isCountValid = headerNumber(header, 24) == headerNumber(header, 92);
+    if (isCountValid && !hasLog(path) && file.size() < pageSize * qint64(headerNumber(header, 28)))
+        return tooShort;
     return std::nullopt;
+}
+
+bool hasTableOf(sqlite::Database &database, const ManagedObjectModel &model)
+{
+    return std::any_of(
+        model.entities().begin(), model.entities().end(),
+        [&database](const EntityDescription &one) { return !existingColumns(database, one).empty(); });
 }
 
 bool isEmptyDatabase(sqlite::Database &database)
@@ -180,16 +202,62 @@ std::optional<QString> problemOfContent(sqlite::Database &database, const Manage
 {
     if (database.isReadOnly())
         return QStringLiteral("the file cannot be written");
+    const qint64 owner = database.queryInteger("PRAGMA application_id");
+    const bool isOurs =
+        owner == applicationId || (owner == 0 && (isEmptyDatabase(database) || hasTableOf(database, model)));
+    if (!isOurs)
+        return QStringLiteral("it belongs to another program");
     const qint64 version = database.queryInteger("PRAGMA user_version");
     if (version > model.version())
         return QStringLiteral("it was written by a newer version of the program (%1, this one knows %2)")
             .arg(version)
             .arg(model.version());
-    const qint64 owner = database.queryInteger("PRAGMA application_id");
-    const bool isOurs = owner == applicationId ||
-                        (owner == 0 && (isEmptyDatabase(database) ||
-                                        !existingColumns(database, model.entities().front()).empty()));
-    return isOurs ? std::nullopt : std::optional(QStringLiteral("it belongs to another program"));
+    return std::nullopt;
+}
+
+/// Whether pages beyond the end of the file, which should stand in the log, are missing there.
+bool isCutShort(sqlite::Database &database, const QString &path)
+{
+    const qint64 wanted =
+        database.queryInteger("PRAGMA page_count") * database.queryInteger("PRAGMA page_size");
+    if (QFileInfo(path).size() >= wanted)
+        return false;
+    sqlite::Statement check = database.prepare("PRAGMA quick_check(1)");
+    return !check.step() || check.text(0) != QLatin1String("ok");
+}
+
+Error failure(const sqlite::Database &database, const QString &path)
+{
+    return refusal(path, database.lastMessage(), database.lastCode());
+}
+
+OptionalError migrate(sqlite::Database &database, const ManagedObjectModel &model, const QString &path)
+{
+    if (database.execute("BEGIN IMMEDIATE"))
+        return failure(database, path);
+    // Another process may have been faster.
+    if (auto problem = problemOfContent(database, model))
+        return refusal(path, *problem);
+    QByteArray sql = bookkeepingTables();
+    for (const EntityDescription &entity : model.entities())
+        sql += missingParts(database, entity);
+    for (const EntityDescription &entity : model.entities()) {
+        for (const RelationshipDescription &relationship : entity.relationships()) {
+            if (relationship.cardinality == Cardinality::ToManyOwningJoin)
+                sql += missingJoinTable(database, entity, relationship);
+        }
+        sql += createIndexes(entity);
+    }
+    sql += "INSERT OR IGNORE INTO ObjectStoreMetadata VALUES ('storeIdentifier', '" +
+           QUuid::createUuid().toByteArray(QUuid::WithoutBraces) + "');";
+    sql += "PRAGMA application_id = " + QByteArray::number(applicationId) + ';';
+    sql += "PRAGMA user_version = " + QByteArray::number(model.version()) + ";COMMIT;";
+    if (!database.execute(sql))
+        return std::nullopt;
+    const Error error = failure(database, path);
+    if (!database.isAutocommit())
+        database.execute("ROLLBACK");
+    return error;
 }
 
 OptionalError configure(sqlite::Database &database)
@@ -209,20 +277,27 @@ Result<std::unique_ptr<sqlite::Database>> open(const QString &path, const Manage
         return refusal(path, QStringLiteral("the file cannot be written"));
     auto opened = sqlite::Database::open(path, sqlite::Database::Mode::ReadWriteCreate);
     if (!opened)
-        return refusal(path, opened.error().message);
+        return refusal(path, opened.error().message, opened.error().code);
     sqlite::Database &database = **opened;
+    // A refused file stays as it is: its log is not written into it at the end.
+    const bool isLogKept = hasLog(path);
+    if (isLogKept)
+        database.setCheckpointAtEnd(false);
     // The first read shows whether the file is sound and free.
-    if (auto error = database.execute("SELECT COUNT(*) FROM sqlite_master"))
-        return refusal(path, error->message);
+    if (database.execute("SELECT COUNT(*) FROM sqlite_master"))
+        return failure(database, path);
+    if (isLogKept && isCutShort(database, path))
+        return refusal(path, tooShort);
     if (auto problem = problemOfContent(database, model))
         return refusal(path, *problem);
-    if (auto error = configure(database))
-        return refusal(path, error->message);
+    if (configure(database))
+        return failure(database, path);
     if (database.queryInteger("PRAGMA user_version") < model.version() ||
         database.queryInteger("PRAGMA application_id") == 0) {
-        if (auto error = migrate(database, model))
-            return refusal(path, error->message);
+        if (auto error = migrate(database, model, path))
+            return *error;
     }
+    database.setCheckpointAtEnd(true);
     return opened;
 }
 

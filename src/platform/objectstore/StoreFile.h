@@ -12,9 +12,9 @@ namespace storefile {
 /// Written into the file's header, so that another program's database is not taken for a store ("MvSt").
 constexpr qint32 applicationId = 0x4D765374;
 
-/// The connection to a store file, which is made if it does not exist. What an older model left out is added in one
-/// transaction. A file that is no database, is damaged or cut short, cannot be written, belongs to another program or was
-/// written by a newer model is refused and left as it is.
+/// The connection to a store file, which is made if it does not exist. What an older model left out is added
+/// in one transaction. A file that is no database, is damaged or cut short, cannot be written, belongs to
+/// another program or was written by a newer model is refused and left as it is.
 Result<std::unique_ptr<sqlite::Database>> open(const QString &path, const ManagedObjectModel &model);
 
 /// The identity of a store, made with the file.

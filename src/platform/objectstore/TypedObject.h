@@ -20,8 +20,8 @@ struct Name
 
 /// Base of entity classes: typed access to columns whose numbers are found while compiling.
 ///
-/// A derived class declares `attributeTable` (an array of AttributeDescription) and `relationshipTable` (an array of
-/// RelationshipDescription); a name that is in neither, or has another type, does not compile.
+/// A derived class declares `attributeTable` (an array of AttributeDescription) and `relationshipTable` (an
+/// array of RelationshipDescription); a name that is in neither, or has another type, does not compile.
 template <typename Derived>
 class TypedObject : public ManagedObject
 {
@@ -80,14 +80,26 @@ protected:
     }
 };
 
-// Accessors of a column that are declared and defined in the class. An absent value is a null QString or an empty
-// optional.
+// Accessors of a column that are declared and defined in the class. An absent value is a null QString or an
+// empty optional.
 #define MANAGED_TEXT(name, setter)                                                                           \
-    QString name() const { return text<#name>(); }                                                           \
-    void setter(const QString &newValue) { setText<#name>(newValue); }
+    QString name() const                                                                                     \
+    {                                                                                                        \
+        return text<#name>();                                                                                \
+    }                                                                                                        \
+    void setter(const QString &newValue)                                                                     \
+    {                                                                                                        \
+        setText<#name>(newValue);                                                                            \
+    }
 #define MANAGED_PLAIN(name, setter, type, Held, Shown)                                                       \
-    std::optional<Shown> name() const { return plain<#name, AttributeType::type, Held, Shown>(); }           \
-    void setter(std::optional<Shown> newValue) { setPlain<#name, AttributeType::type, Held, Shown>(newValue); }
+    std::optional<Shown> name() const                                                                        \
+    {                                                                                                        \
+        return plain<#name, AttributeType::type, Held, Shown>();                                             \
+    }                                                                                                        \
+    void setter(std::optional<Shown> newValue)                                                               \
+    {                                                                                                        \
+        setPlain<#name, AttributeType::type, Held, Shown>(newValue);                                         \
+    }
 #define MANAGED_INTEGER(name, setter) MANAGED_PLAIN(name, setter, Integer, qint64, int)
 #define MANAGED_DOUBLE(name, setter) MANAGED_PLAIN(name, setter, Double, double, double)
 #define MANAGED_BOOLEAN(name, setter) MANAGED_PLAIN(name, setter, Boolean, bool, bool)
@@ -105,7 +117,10 @@ protected:
     {                                                                                                        \
         return std::static_pointer_cast<Target>(related(column<#name>()));                                   \
     }                                                                                                        \
-    void Class::setter(const std::shared_ptr<Target> &target) { setRelated(column<#name>(), target); }
+    void Class::setter(const std::shared_ptr<Target> &target)                                                \
+    {                                                                                                        \
+        setRelated(column<#name>(), target);                                                                 \
+    }
 #define MANAGED_TO_MANY_DEFINITION(Class, Target, name, setter)                                              \
     std::vector<std::shared_ptr<Target>> Class::name() const                                                 \
     {                                                                                                        \

@@ -2,6 +2,7 @@
 
 #include "foundation/Date.h"
 
+#include <QHash>
 #include <QString>
 
 #include <compare>
@@ -20,13 +21,25 @@ using RowId = qint64;
 /// `std::monostate` is the absent value.
 using Value = std::variant<std::monostate, qint64, double, bool, QString, Date>;
 
+/// What a column is declared to hold.
+enum class AttributeType { Integer, Double, Boolean, String, Date };
+
 /// Whether nothing is there.
 inline bool isAbsent(const Value &value)
 {
     return std::holds_alternative<std::monostate>(value);
 }
 
-/// The number in a value (a date counts as its seconds since the reference date), or absent for a text or nothing.
+/// The value as a store gives it back: what is no number becomes nothing, as does a null text, and half of a
+/// surrogate pair becomes U+FFFD.
+Value storable(Value value);
+
+/// The value as a column of that type holds it. Numbers become numbers of the column's kind; a text in the
+/// place of a number, or the other way round, is absent.
+Value fitted(Value value, AttributeType type);
+
+/// The number in a value (a date counts as its seconds since the reference date), or absent for a text or
+/// nothing.
 std::optional<double> numberOf(const Value &value);
 
 /// Orders two present values of comparable kinds: numbers, booleans and dates by their number, texts by their

@@ -1,0 +1,121 @@
+#include "Library.h"
+
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+#include <set>
+
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// A child process saves unit after unit and is killed at any moment. What it reported as saved must be there,
+// whole.
+
+namespace {
+
+constexpr int booksOfUnit = 3;
+
+/// Saves units, each an author with books, and reports the number of each when its save, and when its
+/// follow-up is done.
+[[noreturn]] void saveForEver(const QString &path, int report, int first)
+{
+    auto opened = ManagedObjectContext::open(path, libraryModel());
+    if (!opened)
+        _exit(1);
+    ManagedObjectContext &context = **opened;
+    for (int number = first;; ++number) {
+        const auto author = context.insert<Author>();
+        author->setName(QString::number(number));
+        for (int count = 0; count < booksOfUnit; ++count) {
+            const auto book = context.insert<Book>();
+            book->setTitle(QString::number(number));
+            book->setAuthor(author);
+        }
+        if (number % 2 == 0)
+            context.count(FetchRequest("Book"));
+        if (context.save() || ::write(report, &number, sizeof number) != sizeof number)
+            _exit(1);
+        // The follow-up of even units is done with the next save, that of odd ones with a save of its own.
+        context.finishFollowUps();
+        if (number % 2 != 0)
+            context.insert<CatalogLine>();
+        context.save();
+    }
+}
+
+struct Killed
+{
+    int lastReported = -1;
+    bool wasKilled = false;
+};
+
+Killed runAndKill(const QString &path, int first, std::chrono::microseconds life)
+{
+    int ends[2];
+    Killed result;
+    if (pipe(ends) != 0)
+        return result;
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);
+        saveForEver(path, ends[1], first);
+    }
+    close(ends[1]);
+    const timespec wait{0, life.count() * 1000};
+    pollfd nothing{-1, 0, 0};
+    ppoll(&nothing, 1, &wait, nullptr);
+    kill(child, SIGKILL);
+    int status = 0;
+    waitpid(child, &status, 0);
+    result.wasKilled = WIFSIGNALED(status);
+    int number = 0;
+    while (read(ends[0], &number, sizeof number) == sizeof number)
+        result.lastReported = number;
+    close(ends[0]);
+    return result;
+}
+
+} // namespace
+
+TEST(Crash, whatWasReportedAsSavedIsThereWholeAfterAKill)
+{
+    Library library;
+    library.close();
+    std::mt19937 random(testSeed());
+    std::uniform_int_distribution<int> life(500, 40000);
+    int saved = 0;
+    for (int round = 0; round < 200; ++round) {
+        const Killed killed = runAndKill(library.path(), saved, std::chrono::microseconds(life(random)));
+        ASSERT_TRUE(killed.wasKilled);
+        library.open();
+        const auto authors = library->fetch<Author>(FetchRequest("Author"));
+        ASSERT_GE(authors.size(), killed.lastReported + 1) << "round " << round;
+        ASSERT_LE(authors.size(), std::max(saved, killed.lastReported + 1) + 1) << "round " << round;
+        ASSERT_EQ(library->count(FetchRequest("Book")), authors.size() * booksOfUnit);
+        ASSERT_EQ(library->count(FetchRequest("Author").where(Predicate::format("books.@count != 3"))), 0);
+        const bool hasNew = authors.size() > saved;
+        saved = authors.size();
+
+        std::set<QString> unfinished;
+        for (const ObjectPtr &object : library->unfinishedFollowUps())
+            unfinished.insert(std::static_pointer_cast<Book>(object)->title());
+        if (!unfinished.empty()) {
+            ASSERT_EQ(unfinished, std::set<QString>({QString::number(saved - 1)}));
+            ASSERT_EQ(library->unfinishedFollowUps().size(), size_t(booksOfUnit));
+            if (hasNew)
+                library->finishFollowUps();
+        }
+        library.close();
+        if (round % 20 == 0) {
+            ASSERT_EQ(library.ask(QStringLiteral("PRAGMA integrity_check")),
+                      QStringList(QStringLiteral("ok")));
+        }
+    }
+    EXPECT_GT(saved, 50) << "the machine is too slow for this to mean anything";
+    EXPECT_EQ(library.ask(QStringLiteral("PRAGMA integrity_check")), QStringList(QStringLiteral("ok")));
+    EXPECT_TRUE(library.ask(QStringLiteral("PRAGMA foreign_key_check")).isEmpty());
+}

@@ -1,0 +1,149 @@
+#include "Library.h"
+
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <csignal>
+
+#include <sys/resource.h>
+
+// A save that fails keeps everything that was changed; the next one that succeeds saves each thing once.
+
+namespace {
+
+/// Holds the store as another program's transaction does.
+class Lock
+{
+public:
+    explicit Lock(const QString &path)
+    {
+        sqlite3_open(path.toUtf8().constData(), &connection);
+        EXPECT_EQ(sqlite3_exec(connection, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    }
+    ~Lock() { sqlite3_close(connection); }
+    Lock(const Lock &) = delete;
+    Lock &operator=(const Lock &) = delete;
+
+private:
+    sqlite3 *connection = nullptr;
+};
+
+/// Lets no file of this process grow beyond a size, as a full disk would.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t size)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &former);
+        const rlimit full{size, former.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &full);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &former); }
+    FullDisk(const FullDisk &) = delete;
+    FullDisk &operator=(const FullDisk &) = delete;
+
+private:
+    rlimit former{};
+};
+
+class FailingSaves : public testing::Test
+{
+protected:
+    /// Changes of every sort, of which some are written already when the save fails.
+    void changeAll()
+    {
+        const auto label = library->insert<Label>();
+        for (int number = 0; number < 300; ++number) {
+            const auto fresh = library.book("New");
+            fresh->setPages(number);
+            fresh->setLabels({label});
+        }
+        changed->setTitle(QStringLiteral("Changed"));
+    }
+    void expectOnce()
+    {
+        EXPECT_FALSE(library->hasChanges());
+        EXPECT_EQ(library.ask(
+                      QStringLiteral("SELECT COUNT(*), COUNT(DISTINCT pages) FROM Book WHERE title = 'New'")),
+                  QStringList(QStringLiteral("300|300")));
+        EXPECT_EQ(library.ask(QStringLiteral("SELECT COUNT(*) FROM Book_labels")),
+                  QStringList(QStringLiteral("300")));
+        EXPECT_EQ(library.ask(QStringLiteral("SELECT title FROM Book WHERE title <> 'New'")),
+                  QStringList(QStringLiteral("Changed")));
+        EXPECT_EQ(library.ask(QStringLiteral("SELECT COUNT(*) FROM ObjectStoreJournal")),
+                  QStringList(QStringLiteral("2")));
+        EXPECT_EQ(library.ask(QStringLiteral("PRAGMA integrity_check")), QStringList(QStringLiteral("ok")));
+    }
+
+    FailingSaves()
+    {
+        library->deleteObject(library.book("Never"));
+        library.save();
+    }
+
+    Library library;
+    std::shared_ptr<Book> changed = library.book("Old");
+    std::shared_ptr<Book> deleted = library.book("Deleted");
+};
+
+} // namespace
+
+TEST_F(FailingSaves, aStoreThatIsHeldElsewhereIsSavedLater)
+{
+    library.save();
+    int heard = 0;
+    library->setSaveHandler([&heard](const ChangeList &changes) {
+        ++heard;
+        EXPECT_EQ(changes.inserted.size(), 301u);
+    });
+    {
+        const Lock lock(library.path());
+        changeAll();
+        library->deleteObject(deleted);
+        const OptionalError error = library->save();
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->message,
+                  QStringLiteral("Cannot write to the store %1: database is locked").arg(library.path()));
+        EXPECT_TRUE(library->hasChanges());
+        const auto opened = ManagedObjectContext::open(library.path(), libraryModel());
+        EXPECT_TRUE(opened) << "reading is free while another writes";
+    }
+    EXPECT_EQ(heard, 0);
+    library.save();
+    EXPECT_EQ(heard, 1);
+    expectOnce();
+}
+
+TEST_F(FailingSaves, aStoreThatIsHeldWhileItIsMadeIsRefused)
+{
+    const Lock lock(library.file("new"));
+    const auto opened = ManagedObjectContext::open(library.file("new"), libraryModel());
+    ASSERT_FALSE(opened);
+    EXPECT_TRUE(opened.error().message.endsWith(QLatin1String("database is locked")))
+        << opened.error().message.toStdString();
+}
+
+TEST_F(FailingSaves, aFullDiskLosesNothing)
+{
+    library.save();
+    const LogCapture log;
+    changeAll();
+    const auto list = library->fetch<Book>(FetchRequest("Book").sortedBy({ascending("pages")}));
+    library->deleteObject(deleted);
+    for (const rlim_t size : {rlim_t(0), rlim_t(30000), rlim_t(60000)}) {
+        const FullDisk disk(size);
+        const OptionalError error = library->save();
+        ASSERT_TRUE(error) << size;
+        EXPECT_TRUE(error->message.contains(library.path())) << error->message.toStdString();
+        EXPECT_TRUE(library->hasChanges());
+        EXPECT_EQ(changed->title(), QStringLiteral("Changed"));
+    }
+    library.save();
+    expectOnce();
+    EXPECT_EQ(list.at(list.size() - 1)->pages(), 299) << "lists know the rows that were written again";
+    EXPECT_FALSE(library->undo());
+    EXPECT_NE(library.find("Deleted"), nullptr);
+}
