@@ -1,6 +1,7 @@
 #include "widgets/MorvaneStyle.h"
 
 #include "widgets/Icons.h"
+#include "widgets/ScrollBarLook.h"
 #include "widgets/Theme.h"
 
 #include <QAbstractButton>
@@ -10,7 +11,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int scrollHandleMinimum = 36;
 constexpr int menuItemHeight = 28;
 constexpr int buttonMinimumWidth = 84;
 constexpr qreal half = 0.5;
@@ -160,21 +160,6 @@ void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *optio
     QProxyStyle::drawControl(element, option, painter, widget);
 }
 
-static void drawScrollBar(const QStyleOptionComplex *option, QPainter *painter, const QRect &handle)
-{
-    if (!handle.isValid())
-        return;
-    const bool isHot = option->state.testFlag(QStyle::State_MouseOver) || option->activeSubControls != 0;
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(isHot ? Theme::scrollHandleHover : Theme::scrollHandle);
-    const QRectF thin = QRectF(handle).adjusted(2, 2, -2, -2);
-    const qreal radius = std::min(thin.width(), thin.height()) / 2;
-    painter->drawRoundedRect(thin, radius, radius);
-    painter->restore();
-}
-
 static void drawComboBox(const QStyleOptionComplex *option, QPainter *painter, const QRect &arrow)
 {
     drawRounded(painter, bounds(option->rect), plainFill(option), Theme::controlBorder);
@@ -187,7 +172,8 @@ void MorvaneStyle::drawComplexControl(ComplexControl control, const QStyleOption
                                       QPainter *painter, const QWidget *widget) const
 {
     if (control == CC_ScrollBar)
-        return drawScrollBar(option, painter, subControlRect(control, option, SC_ScrollBarSlider, widget));
+        return ScrollBarLook::draw(option, painter,
+                                   subControlRect(control, option, SC_ScrollBarSlider, widget));
     if (control == CC_ComboBox)
         return drawComboBox(option, painter, subControlRect(control, option, SC_ComboBoxArrow, widget));
     QProxyStyle::drawComplexControl(control, option, painter, widget);
@@ -199,7 +185,7 @@ int MorvaneStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, co
     case PM_ScrollBarExtent:
         return Theme::scrollBarWidth;
     case PM_ScrollBarSliderMin:
-        return scrollHandleMinimum;
+        return ScrollBarLook::handleMinimum;
     case PM_ScrollView_ScrollBarSpacing:
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
@@ -261,36 +247,6 @@ static QRect comboPart(const QStyleOptionComplex *option, QStyle::SubControl par
     return QStyle::visualRect(option->direction, option->rect, rect);
 }
 
-/// The handle runs over the whole length: there are no arrow buttons.
-static QRect scrollPart(const QStyleOptionSlider &bar, QStyle::SubControl part)
-{
-    const bool isHorizontal = bar.orientation == Qt::Horizontal;
-    const int length = isHorizontal ? bar.rect.width() : bar.rect.height();
-    const qint64 range = qint64(bar.maximum) - bar.minimum;
-    if (range <= 0)
-        return part == QStyle::SC_ScrollBarGroove ? bar.rect : QRect();
-    const auto proportional = static_cast<int>(qint64(bar.pageStep) * length / (range + bar.pageStep));
-    const int handle = std::min(std::max(proportional, scrollHandleMinimum), length);
-    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
-                                                      length - handle, bar.upsideDown);
-    const auto slice = [&](int from, int to) {
-        return isHorizontal ? QRect(from, 0, to - from, bar.rect.height())
-                            : QRect(0, from, bar.rect.width(), to - from);
-    };
-    switch (part) {
-    case QStyle::SC_ScrollBarGroove:
-        return bar.rect;
-    case QStyle::SC_ScrollBarSlider:
-        return slice(start, start + handle);
-    case QStyle::SC_ScrollBarSubPage:
-        return slice(0, start);
-    case QStyle::SC_ScrollBarAddPage:
-        return slice(start + handle, length);
-    default:
-        return {};
-    }
-}
-
 QRect MorvaneStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option,
                                    SubControl subControl, const QWidget *widget) const
 {
@@ -298,7 +254,7 @@ QRect MorvaneStyle::subControlRect(ComplexControl control, const QStyleOptionCom
         return comboPart(option, subControl);
     const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option);
     if (control == CC_ScrollBar && slider)
-        return visualRect(option->direction, option->rect, scrollPart(*slider, subControl));
+        return visualRect(option->direction, option->rect, ScrollBarLook::partOf(*slider, subControl));
     return QProxyStyle::subControlRect(control, option, subControl, widget);
 }
 

@@ -50,7 +50,7 @@ void RowItemView::setControl(QWidget *control)
 void RowItemView::setInset(int inset)
 {
     QMargins margins = layout()->contentsMargins();
-    margins.setLeft(inset);
+    isRightToLeft() ? margins.setRight(inset) : margins.setLeft(inset);
     layout()->setContentsMargins(margins);
 }
 

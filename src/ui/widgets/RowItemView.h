@@ -20,7 +20,7 @@ public:
     void setControl(QWidget *control);
     /// Lets the row be higher than its least height, as high as its control asks for.
     void setGrows();
-    /// How far the content stands from the edges of the row.
+    /// How far the content stands from the leading edge of the row.
     void setInset(int inset);
 
     bool isRowHidden() const { return isCollapsed; }

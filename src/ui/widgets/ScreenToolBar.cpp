@@ -5,6 +5,9 @@
 #include <QHBoxLayout>
 #include <QPainter>
 
+/// Wide enough for the names of all lists; a longer one is the user's own.
+constexpr int leastWidth = 160;
+
 /// A title that is cut off where the controls need its room.
 class ScreenToolBar::TitleLabel : public QWidget
 {
@@ -26,7 +29,10 @@ public:
     {
         return {fontMetrics().horizontalAdvance(text) + 1, fontMetrics().height()};
     }
-    QSize minimumSizeHint() const override { return {6 * Theme::unit, fontMetrics().height()}; }
+    QSize minimumSizeHint() const override
+    {
+        return {std::min(sizeHint().width(), leastWidth), sizeHint().height()};
+    }
 
 protected:
     void paintEvent(QPaintEvent *) override

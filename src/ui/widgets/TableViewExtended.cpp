@@ -3,7 +3,6 @@
 #include "widgets/TableCell.h"
 #include "widgets/Theme.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -244,77 +243,4 @@ void TableViewExtended::paintInsertionMark(QPainter &painter) const
     painter.setBrush(Theme::card);
     painter.drawLine(left + knob, y, right, y);
     painter.drawEllipse(QPoint(left, y), knob, knob);
-}
-
-// Keyboard
-
-int TableViewExtended::rowOnePageAway(int direction) const
-{
-    const int y = geometry.top(currentRow()) + direction * (viewport()->height() - heights.item);
-    const int row = geometry.rowAt(std::clamp(y, 0, std::max(geometry.totalHeight() - 1, 0)));
-    const int found = rowsModel->nearestItem(row, direction);
-    return found >= 0 ? found : rowsModel->nearestItem(row, -direction);
-}
-
-int TableViewExtended::rowInDirection(CursorAction action) const
-{
-    const int last = geometry.count() - 1;
-    const int row = currentRow();
-    switch (action) {
-    case MoveHome:
-        return rowsModel->nearestItem(0, 1);
-    case MoveEnd:
-        return rowsModel->nearestItem(last, -1);
-    case MovePageUp:
-        return rowOnePageAway(-1);
-    case MovePageDown:
-        return rowOnePageAway(1);
-    case MoveUp:
-    case MovePrevious:
-        return rowsModel->nearestItem(row < 0 ? last : row - 1, -1);
-    case MoveDown:
-    case MoveNext:
-        return rowsModel->nearestItem(row + 1, 1);
-    default:
-        return row;
-    }
-}
-
-QModelIndex TableViewExtended::moveCursor(CursorAction action, Qt::KeyboardModifiers)
-{
-    const int row = rowInDirection(action);
-    return row < 0 ? currentIndex() : rowsModel->index(row);
-}
-
-/// Keys that belong to the list although a menu may have them too.
-bool TableViewExtended::isEditKey(const QKeyEvent &event) const
-{
-    if (event.modifiers() == Qt::AltModifier)
-        return areRowsMovable && (event.key() == Qt::Key_Up || event.key() == Qt::Key_Down);
-    return event.key() == Qt::Key_Delete && event.modifiers() == Qt::NoModifier;
-}
-
-bool TableViewExtended::event(QEvent *event)
-{
-    if (event->type() == QEvent::ShortcutOverride && isEditKey(static_cast<QKeyEvent &>(*event))) {
-        event->accept();
-        return true;
-    }
-    return QAbstractItemView::event(event);
-}
-
-void TableViewExtended::keyPressEvent(QKeyEvent *event)
-{
-    const bool isPlain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;
-    if (event->key() == Qt::Key_Escape && drag.isPressed())
-        return cancelDrag();
-    if (isEditKey(*event) && event->key() != Qt::Key_Delete)
-        return Q_EMIT moveRequested(event->key() == Qt::Key_Up ? -1 : 1);
-    if (isEditKey(*event) || (isPlain && event->key() == Qt::Key_Backspace))
-        return Q_EMIT removeRequested();
-    if (isPlain && event->key() == Qt::Key_Space)
-        return Q_EMIT checkToggled(selectedRows());
-    if (isPlain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
-        return Q_EMIT doubleAction(currentRow());
-    QAbstractItemView::keyPressEvent(event);
 }

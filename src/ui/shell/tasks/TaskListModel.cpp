@@ -51,7 +51,10 @@ namespace {
 
 struct HeaderText
 {
-    QString operator()(const CategoryPtr &category) const { return category ? localized(category->title()) : QString(); }
+    QString operator()(const CategoryPtr &category) const
+    {
+        return category ? localized(category->title()) : QString();
+    }
     QString operator()(const ProjectPtr &project) const
     {
         return project ? localized(project->title()) : QString();

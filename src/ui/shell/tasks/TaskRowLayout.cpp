@@ -59,7 +59,8 @@ TaskRowLayout TaskRowLayout::of(const Input &input)
 {
     TaskRowLayout layout;
     // The scroll bar stands in the margin, so that cards end where the toolbar does.
-    layout.card = input.row.adjusted(Theme::contentMargin, 0, Theme::scrollBarWidth - Theme::contentMargin, 0);
+    layout.card =
+        input.row.adjusted(Theme::contentMargin, 0, Theme::scrollBarWidth - Theme::contentMargin, 0);
     const int boxLeft = layout.card.left() + checkBoxLeft;
     if (input.hasCheckBox)
         layout.checkBox = middle(layout.card, boxLeft, checkBoxSize, checkBoxSize);
