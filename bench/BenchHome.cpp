@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 
 #include <QDir>
+#include <QFile>
 
 namespace {
 
@@ -27,10 +28,13 @@ BenchHome::BenchHome()
     QDir().mkpath(FileManager::appFolderURL());
     const QString store = FileManager::appFolderURL() + QStringLiteral("/Model0.sqlite");
     generateStore(store, taskCount, seed);
+    // A file of its own: writes of one connection would empty the cache of the other.
+    const QString copy = folder.filePath(QStringLiteral("bare.sqlite"));
+    QFile::copy(store, copy);
     delegate = std::make_unique<AppDelegate>();
     delegate->applicationWillFinishLaunching();
     delegate->applicationDidFinishLaunching();
-    sqlite3_open(store.toUtf8().constData(), &connection);
+    sqlite3_open(copy.toUtf8().constData(), &connection);
     sqlite3_exec(connection, "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -8192;"
                              "PRAGMA temp_store = MEMORY; PRAGMA foreign_keys = ON",
                  nullptr, nullptr, nullptr);
