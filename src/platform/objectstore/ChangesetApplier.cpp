@@ -83,7 +83,7 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
             return database.lastError(
                 QStringLiteral("Cannot change %1").arg(QString::fromUtf8(operation.table)));
     }
-    if (!clearDanglingReferences() || !writeFollowUps())
+    if (!deleteMarked() || !clearDanglingReferences() || !writeFollowUps())
         return database.lastError(QStringLiteral("Cannot finish the change"));
     return applied;
 }
@@ -164,6 +164,8 @@ bool ChangesetApplier::applyUpdate(const Operation &operation)
     return true;
 }
 
+/// Only marks the row: deleting it now would empty the references to it in rows that are still to be compared
+/// with what the changeset expects.
 bool ChangesetApplier::applyDelete(const Operation &operation)
 {
     const auto &columns = columnsOf(operation.table);
@@ -171,14 +173,28 @@ bool ChangesetApplier::applyDelete(const Operation &operation)
     for (int column = 0; column < operation.columnCount; ++column)
         condition += (column ? " AND " : "") + quoted(columns[static_cast<size_t>(column)]) + " IS ?";
     sqlite::Statement statement =
-        database.prepare("DELETE FROM " + quoted(operation.table) + " WHERE " + condition);
+        database.prepare(QByteArray("SELECT ") + (operation.isPair ? "source, target" : "\"id\", NULL") +
+                         " FROM " + quoted(operation.table) + " WHERE " + condition);
     for (int column = 0; column < operation.columnCount; ++column)
         statement.bindRaw(oldValue(operation.iterator, column));
-    if (!statement.run())
-        return false;
-    if (database.changes() > 0)
-        note(operation, AppliedChange::Kind::Deleted);
+    if (!statement.step())
+        return statement.code() == SQLITE_DONE;
+    deletions.push_back({operation.table, operation.isPair, statement.text(0), statement.text(1)});
+    note(operation, AppliedChange::Kind::Deleted);
     return true;
+}
+
+bool ChangesetApplier::deleteMarked()
+{
+    return std::all_of(deletions.begin(), deletions.end(), [this](const Deletion &one) {
+        sqlite::Statement statement =
+            database.prepare("DELETE FROM " + quoted(one.table) +
+                             (one.isPair ? " WHERE source = ? AND target = ?" : " WHERE \"id\" = ?"));
+        statement.bind(one.key);
+        if (one.isPair)
+            statement.bind(one.target);
+        return statement.run();
+    });
 }
 
 /// A row that came back may name one that has gone since.

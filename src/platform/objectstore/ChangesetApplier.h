@@ -33,10 +33,19 @@ private:
         bool isPair = false;
         sqlite3_changeset_iter *iterator = nullptr;
     };
+    /// A row that goes when all other changes are made.
+    struct Deletion
+    {
+        QByteArray table;
+        bool isPair;
+        QString key;
+        QString target;
+    };
     bool applyOperation(const Operation &operation);
     bool applyInsert(const Operation &operation);
     bool applyUpdate(const Operation &operation);
     bool applyDelete(const Operation &operation);
+    bool deleteMarked();
     bool clearDanglingReferences();
     bool clearDanglingPairs();
     bool writeFollowUps();
@@ -49,5 +58,6 @@ private:
     RowNumbering nextRow;
     std::unordered_map<std::string, std::vector<QByteArray>> tableColumns;
     std::unordered_set<std::string> touchedTables;
+    std::vector<Deletion> deletions;
     std::vector<AppliedChange> applied;
 };

@@ -193,7 +193,7 @@ OptionalError ManagedObjectContext::clearReferencesToMissing()
             if (!statement.bind(object->id).run())
                 return failure("save");
         }
-        object->isLoaded = object->isLoaded && object->isInserted();
+        object->isLoaded = false;
     }
     return std::nullopt;
 }

@@ -1,0 +1,278 @@
+#include "Library.h"
+
+#include "support/TestSupport.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+class Undo : public testing::Test
+{
+protected:
+    void undo() { EXPECT_FALSE(library->undo()); }
+    void redo() { EXPECT_FALSE(library->redo()); }
+    template <typename Change>
+    void saveAs(ChangeAuthor author, Change change)
+    {
+        const AuthorScope scope(library.context(), author);
+        change();
+        library.save();
+    }
+
+    Library library;
+};
+
+} // namespace
+
+TEST_F(Undo, reachesBackBeyondTheStartOfTheProgram)
+{
+    EXPECT_FALSE(library->canUndo());
+    const auto author = library.author("Austen");
+    library.book("Emma")->setAuthor(author);
+    library.save();
+    library.find("Emma")->setTitle(QStringLiteral("Emma II"));
+    library.save();
+    library.reopen();
+    undo();
+    EXPECT_NE(library.find("Emma"), nullptr);
+    undo();
+    EXPECT_FALSE(library->canUndo());
+    EXPECT_EQ(library->count(FetchRequest("Author")), 0);
+    library.reopen();
+    EXPECT_TRUE(library->canRedo());
+    redo();
+    redo();
+    EXPECT_FALSE(library->canRedo());
+    EXPECT_EQ(library.find("Emma II")->author()->name(), QStringLiteral("Austen"));
+    redo();
+}
+
+TEST_F(Undo, tellsEachRowOnceAndRemembersItsFollowUp)
+{
+    const auto label = library->insert<Label>();
+    const auto emma = library.book("Emma");
+    emma->setLabels({label});
+    library.save();
+    library->finishFollowUps();
+    std::vector<ChangeList> heard;
+    library->setSaveHandler([&heard](const ChangeList &changes) { heard.push_back(changes); });
+    undo();
+    redo();
+    ASSERT_EQ(heard.size(), 2u);
+    EXPECT_THAT(heard[0].deleted, UnorderedElementsAre(emma, label));
+    EXPECT_THAT(heard[0].updated, IsEmpty());
+    EXPECT_EQ(heard[1].inserted.size(), 2u);
+    EXPECT_THAT(heard[1].updated, IsEmpty());
+    EXPECT_EQ(emma->context(), nullptr);
+    EXPECT_THAT(library->unfinishedFollowUps(), ElementsAre(library.find("Emma")));
+}
+
+TEST_F(Undo, neverTakesBackWhatCameFromElsewhere)
+{
+    const auto emma = library.book("Emma");
+    emma->setPages(1);
+    library.save();
+    emma->setPages(2);
+    emma->setPrice(2);
+    library.save();
+    saveAs(ChangeAuthor::Elsewhere, [&] {
+        emma->setPages(3);
+        library.book("Imported");
+    });
+    undo();
+    EXPECT_EQ(emma->pages(), 3) << "another hand was here since";
+    EXPECT_EQ(emma->price(), std::nullopt);
+    undo();
+    EXPECT_EQ(library.find("Emma"), emma) << "the row is no longer as the user made it";
+    EXPECT_FALSE(library->canUndo());
+    EXPECT_NE(library.find("Imported"), nullptr);
+    redo();
+    redo();
+    EXPECT_EQ(emma->pages(), 3);
+    EXPECT_EQ(emma->price(), 2);
+}
+
+TEST_F(Undo, tellsAuthorsApartWithinOneSave)
+{
+    const auto emma = library.book("Emma");
+    library.save();
+    emma->setPages(10);
+    {
+        const AuthorScope scope(library.context(), ChangeAuthor::Program);
+        library.book("Made by the program");
+        emma->setPrice(1);
+    }
+    emma->setIsLent(true);
+    library.save();
+    undo();
+    EXPECT_EQ(emma->pages(), std::nullopt);
+    EXPECT_EQ(emma->isLent(), std::nullopt);
+    EXPECT_EQ(emma->price(), 1);
+    EXPECT_NE(library.find("Made by the program"), nullptr);
+
+    emma->setPages(20);
+    saveAs(ChangeAuthor::Program, [] {});
+    undo();
+    EXPECT_EQ(emma->pages(), std::nullopt) << "the user's, though the program saved it";
+}
+
+TEST_F(Undo, bringsBackWhatWasDeletedWithItsRelations)
+{
+    const auto shelf = library->insert<Shelf>();
+    const auto author = library.author("Austen");
+    const auto kept = library->insert<Label>();
+    const auto vanished = library->insert<Label>();
+    const auto emma = library.book("Emma");
+    emma->setShelf(shelf);
+    emma->setAuthor(author);
+    emma->setLabels({kept, vanished});
+    library.save();
+    const QStringList before = library.dump();
+    library->deleteObject(shelf);
+    library.save();
+    undo();
+    EXPECT_EQ(library.dump(), before);
+
+    redo();
+    saveAs(ChangeAuthor::Elsewhere, [&] {
+        library->deleteObject(author);
+        library->deleteObject(vanished);
+    });
+    undo();
+    const auto back = library.find("Emma");
+    ASSERT_NE(back, nullptr);
+    EXPECT_NE(back->shelf(), nullptr);
+    EXPECT_EQ(back->author(), nullptr);
+    EXPECT_THAT(back->labels(), ElementsAre(kept));
+    EXPECT_TRUE(library.ask(QStringLiteral("PRAGMA foreign_key_check")).isEmpty());
+}
+
+TEST_F(Undo, savesWhatIsPendingFirstAndANewSaveCutsRedoOff)
+{
+    const auto emma = library.book("Emma");
+    library.save();
+    emma->setPages(1);
+    library->setSaveHandler([this](const ChangeList &) {
+        if (library->count(FetchRequest("CatalogLine")) == 0)
+            library->insert<CatalogLine>();
+        library->count(FetchRequest("CatalogLine"));
+    });
+    undo();
+    EXPECT_EQ(emma->pages(), std::nullopt);
+    EXPECT_TRUE(library->canRedo());
+    saveAs(ChangeAuthor::Program, [&] { emma->setPrice(1); });
+    EXPECT_TRUE(library->canRedo()) << "only the user's own saves cut it off";
+    emma->setIsLent(true);
+    library.save();
+    EXPECT_FALSE(library->canRedo());
+    undo();
+    undo();
+    EXPECT_EQ(library.find("Emma"), emma) << "its price came from another hand";
+}
+
+TEST_F(Undo, leavesNewNumbersToRowsThatComeBack)
+{
+    library.book("First");
+    library.save();
+    library.book("Second");
+    library.save();
+    const auto list = library->fetch<Book>(FetchRequest("Book"));
+    undo();
+    undo();
+    EXPECT_EQ(list.at(1), nullptr);
+    redo();
+    EXPECT_EQ(list.at(1), nullptr) << "the place of another row";
+    EXPECT_NE(library.find("First"), nullptr);
+}
+
+TEST_F(Undo, keepsAThousandSavesOfNinetyDays)
+{
+    const Date start = utcDate(2024, 1, 1);
+    const auto emma = library.book("Emma");
+    {
+        const FrozenClock clock(start);
+        library.save();
+        emma->setPages(0);
+        library.save();
+    }
+    {
+        const FrozenClock clock(start + std::chrono::days(91));
+        EXPECT_FALSE(library->canUndo());
+        undo();
+        EXPECT_EQ(emma->pages(), 0);
+        for (int number = 1; number <= 1003; ++number) {
+            emma->setPages(number);
+            library.save();
+        }
+        EXPECT_EQ(library.ask(QStringLiteral("SELECT COUNT(*) FROM ObjectStoreJournal")),
+                  QStringList(QStringLiteral("1000")));
+        int undone = 0;
+        for (; library->canUndo(); ++undone)
+            undo();
+        EXPECT_EQ(undone, 1000);
+        EXPECT_EQ(emma->pages(), 3);
+    }
+}
+
+TEST_F(Undo, walksAnyHistoryBackAndForth)
+{
+    std::mt19937 random(testSeed());
+    const auto below = [&random](size_t bound) {
+        return std::uniform_int_distribution<size_t>(0, bound - 1)(random);
+    };
+    const auto someOf = [&](const char *entity) -> ObjectPtr {
+        const auto all = library->fetchObjects(FetchRequest(entity));
+        return all.isEmpty() ? nullptr
+                             : all.objectAt(static_cast<int>(below(static_cast<size_t>(all.size()))));
+    };
+    std::vector<QStringList> states = {library.dump()};
+    for (int save = 0; save < 60; ++save) {
+        for (size_t count = 1 + below(6); count > 0; --count) {
+            const char *const entities[] = {"Author", "Book", "Book", "Shelf", "Label"};
+            const char *const entity = entities[below(5)];
+            const ObjectPtr object = someOf(entity);
+            if (!object || below(3) == 0) {
+                library->insertObject(entity);
+            } else if (below(5) == 0) {
+                library->deleteObject(object);
+            } else {
+                const int attribute = static_cast<int>(below(object->entity().attributes().size()));
+                const bool isText = object->entity().columnType(attribute) == AttributeType::String;
+                const auto number = static_cast<qint64>(below(4));
+                object->setValue(attribute, isText ? Value(QString::number(number)) : Value(number));
+            }
+            if (const auto book = std::static_pointer_cast<Book>(someOf("Book"))) {
+                book->setRelated(Book::column<"author">(), someOf("Author"));
+                book->setRelated(Book::column<"shelf">(), someOf("Shelf"));
+                if (below(2) == 0)
+                    book->addRelated("labels", someOf("Label"));
+                else
+                    book->removeRelated("labels", someOf("Label"));
+            }
+        }
+        library.save();
+        const QStringList state = library.dump();
+        if (state != states.back())
+            states.push_back(state);
+    }
+    for (int round = 0; round < 2; ++round) {
+        for (size_t place = states.size() - 1; place > 0; --place) {
+            undo();
+            ASSERT_EQ(library.dump(), states[place - 1]) << "undo to " << place - 1;
+        }
+        EXPECT_FALSE(library->canUndo());
+        if (round == 0)
+            library.reopen();
+        for (size_t place = 1; place < states.size(); ++place) {
+            redo();
+            ASSERT_EQ(library.dump(), states[place]) << "redo to " << place;
+        }
+        EXPECT_FALSE(library->canRedo());
+    }
+}
