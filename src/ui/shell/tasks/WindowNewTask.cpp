@@ -124,9 +124,16 @@ QWidget *WindowNewTask::makeCategory()
 {
     auto *popUp = new QComboBox;
     popUp->setObjectName(u"popUpButtonCategory"_s);
-    const std::vector<CategoryPtr> categories = DBWorker::allCategories();
-    for (const CategoryPtr &category : categories)
-        popUp->addItem(CategoryIcon::of(*category), localized(category->title()));
+    std::vector<CategoryPtr> categories = DBWorker::allCategories();
+    // Every task of the sample has a category; everywhere else a task can do without.
+    if (!DBWorker::isSample())
+        categories.insert(categories.begin(), nullptr);
+    for (const CategoryPtr &category : categories) {
+        if (category)
+            popUp->addItem(CategoryIcon::of(*category), localized(category->title()));
+        else
+            popUp->addItem(localized(u"None"_s));
+    }
     const auto chosen = std::ranges::find(categories, form.currentTask().category);
     popUp->setCurrentIndex(chosen == categories.end() ? 0 : static_cast<int>(chosen - categories.begin()));
     connect(popUp, &QComboBox::activated, this,
