@@ -9,7 +9,8 @@
 
 /// The only bridge between the organiser and the calendar store.
 ///
-/// Without access to a store every operation does what it does offline: tasks are kept, nothing is written elsewhere.
+/// Without access to a store every operation does what it does offline: tasks are kept, nothing is written
+/// elsewhere.
 class CalendarEvent
 {
 public:
@@ -22,7 +23,8 @@ public:
     static bool hasAccesToAppleCalendar();
     /// The calendars that the user has chosen, in the store's order.
     static std::vector<EKCalendar> getAllAccessCalendars();
-    /// How a task names a calendar: the title of a writable one; title, "[<±>]" and identifier of a read-only one.
+    /// How a task names a calendar: the title of a writable one; title, "[<±>]" and identifier of a read-only
+    /// one.
     static QString identifierOfCalendar(const EKCalendar &calendar);
     /// 2 if the calendars lie in the cloud, else 0.
     static int getSourceType();
@@ -36,7 +38,8 @@ public:
     static bool isAccessChangeRepeatTaskWithMessage(bool showsMessage);
 
     // Tasks to events.
-    static void initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue, bool wasRepeatRule);
+    static void initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
+                                          bool wasRepeatRule);
     static void removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks);
 
     // Events to tasks.

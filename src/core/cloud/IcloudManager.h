@@ -6,6 +6,7 @@ class IcloudManager
 public:
     IcloudManager() = delete;
 
-    /// Whether the shared folder of the cloud is set and can be reached. Nothing sets one yet, so that it is not.
+    /// Whether the shared folder of the cloud is set and can be reached. Nothing sets one yet, so that it is
+    /// not.
     static bool connectIcloud() { return false; }
 };

@@ -31,19 +31,21 @@ QVariantMap entry(const QVariantList &criteria)
 
 QVariantMap pristineTaskEntry()
 {
-    return entry({criterion(QStringLiteral("Title"), QString(QLatin1String(""))),
-                  criterion(QStringLiteral("Type"), allMarker), criterion(QStringLiteral("Category"), allMarker),
-                  criterion(QStringLiteral("Status"), allMarker, true),
-                  criterion(QStringLiteral("Priority"), allMarker), criterion(QStringLiteral("Tags"), allMarker),
-                  period(), criterion(QStringLiteral("Location"), allMarker),
-                  criterion(QStringLiteral("Delegate"), allMarker), criterion(QStringLiteral("Company"), allMarker),
-                  criterion(QStringLiteral("Project"), allMarker)});
+    return entry(
+        {criterion(QStringLiteral("Title"), QString(QLatin1String(""))),
+         criterion(QStringLiteral("Type"), allMarker), criterion(QStringLiteral("Category"), allMarker),
+         criterion(QStringLiteral("Status"), allMarker, true),
+         criterion(QStringLiteral("Priority"), allMarker), criterion(QStringLiteral("Tags"), allMarker),
+         period(), criterion(QStringLiteral("Location"), allMarker),
+         criterion(QStringLiteral("Delegate"), allMarker), criterion(QStringLiteral("Company"), allMarker),
+         criterion(QStringLiteral("Project"), allMarker)});
 }
 
 QVariantMap pristineProjectEntry()
 {
     return entry({criterion(QStringLiteral("Title"), QString(QLatin1String(""))),
-                  criterion(QStringLiteral("Priority"), allMarker), criterion(QStringLiteral("Category"), allMarker),
+                  criterion(QStringLiteral("Priority"), allMarker),
+                  criterion(QStringLiteral("Category"), allMarker),
                   criterion(QStringLiteral("Status"), allMarker), period(),
                   criterion(QStringLiteral("Delegate"), allMarker)});
 }

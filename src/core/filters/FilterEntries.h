@@ -3,7 +3,8 @@
 #include <QString>
 #include <QVariantMap>
 
-/// The shape of saved filters: an entry has "Enabled" and "Array", a list of criteria with "Key", "Value" and "Enabled".
+/// The shape of saved filters: an entry has "Enabled" and "Array", a list of criteria with "Key", "Value" and
+/// "Enabled".
 namespace filters {
 
 /// Stands in a value for "no constraint".

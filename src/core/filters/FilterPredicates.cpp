@@ -36,7 +36,6 @@ private:
     QVariantList array;
 };
 
-
 void addTitle(const Criteria &criteria, std::vector<Predicate> &predicates)
 {
     const QString title = criteria.value(QStringLiteral("Title")).toString();
@@ -45,7 +44,8 @@ void addTitle(const Criteria &criteria, std::vector<Predicate> &predicates)
 }
 
 /// A number: type, status or priority.
-void addNumber(const Criteria &criteria, const QString &criterion, const char *key, std::vector<Predicate> &predicates)
+void addNumber(const Criteria &criteria, const QString &criterion, const char *key,
+               std::vector<Predicate> &predicates)
 {
     const QVariant value = criteria.value(criterion);
     bool isNumber = false;
@@ -55,7 +55,8 @@ void addNumber(const Criteria &criteria, const QString &criterion, const char *k
 }
 
 /// One linked object, or none.
-void addObject(const Criteria &criteria, const QString &criterion, const char *key, std::vector<Predicate> &predicates)
+void addObject(const Criteria &criteria, const QString &criterion, const char *key,
+               std::vector<Predicate> &predicates)
 {
     const QString value = criteria.value(criterion).toString();
     if (value == filters::noneMarker)
@@ -65,7 +66,8 @@ void addObject(const Criteria &criteria, const QString &criterion, const char *k
 }
 
 /// Any of several linked objects, or none at all. A text constrains nothing.
-void addObjects(const Criteria &criteria, const QString &criterion, const char *key, std::vector<Predicate> &predicates)
+void addObjects(const Criteria &criteria, const QString &criterion, const char *key,
+                std::vector<Predicate> &predicates)
 {
     const QVariant value = criteria.value(criterion);
     if (value.typeId() != QMetaType::QVariantList && value.typeId() != QMetaType::QStringList)
@@ -101,8 +103,7 @@ Period periodOf(const QVariantMap &criterion)
     const QVariant to = criterion.value(QStringLiteral("To"));
     const bool isOpenStart = from.toString() == filters::allMarker;
     Period period;
-    period.from =
-        throughText(isOpenStart ? UserDefaults::standard().object(settings::firstRun) : from);
+    period.from = throughText(isOpenStart ? UserDefaults::standard().object(settings::firstRun) : from);
     period.to = to.toString() == filters::allMarker ? MVDate::date() : throughText(to);
     if (!period.from)
         period.from = MTDates::oneWeekPrevious(MVDate::date());
@@ -134,11 +135,13 @@ std::vector<Predicate> DBWorker::predicateTasks(const FilterEntry *filter)
         const auto [from, to] = periodOf(period);
         const OptionalDate dayStart = from ? OptionalDate(MVDate::getStartOfDay(*from)) : std::nullopt;
         const OptionalDate dayEnd = to ? OptionalDate(MVDate::getEndOfDay(*to)) : std::nullopt;
-        predicates.push_back(Predicate::format(
-            "(creationDate >= %@ and creationDate <= %@) or (dueDate >= %@ and dueDate <= %@) or (startDate >= %@ and "
-            "startDate <= %@) or (type = %d and ((dueDate >= %@ and dueDate <= %@) or (startDate >= %@ and startDate <= "
-            "%@)))",
-            from, to, from, to, from, to, static_cast<int>(TaskType::ToDo), dayStart, dayEnd, dayStart, dayEnd));
+        predicates.push_back(Predicate::format("(creationDate >= %@ and creationDate <= %@) or (dueDate >= "
+                                               "%@ and dueDate <= %@) or (startDate >= %@ and "
+                                               "startDate <= %@) or (type = %d and ((dueDate >= %@ and "
+                                               "dueDate <= %@) or (startDate >= %@ and startDate <= "
+                                               "%@)))",
+                                               from, to, from, to, from, to, static_cast<int>(TaskType::ToDo),
+                                               dayStart, dayEnd, dayStart, dayEnd));
     }
     addObject(criteria, QStringLiteral("Location"), "location", predicates);
     addObjects(criteria, QStringLiteral("Delegate"), "delegateToUser", predicates);
@@ -157,10 +160,10 @@ std::vector<Predicate> DBWorker::predicateProjects(const FilterEntry *filter)
     addNumber(criteria, QStringLiteral("Priority"), "priority", predicates);
     if (const QVariantMap period = criteria.enabled(QStringLiteral("Period")); !period.isEmpty()) {
         const auto [from, to] = periodOf(period);
-        predicates.push_back(
-            Predicate::format("(creationDate >= %@ and creationDate <= %@) or (dueDate >= %@ and dueDate <= %@) or "
-                              "(startDate >= %@ and startDate <= %@)",
-                              from, to, from, to, from, to));
+        predicates.push_back(Predicate::format(
+            "(creationDate >= %@ and creationDate <= %@) or (dueDate >= %@ and dueDate <= %@) or "
+            "(startDate >= %@ and startDate <= %@)",
+            from, to, from, to, from, to));
     }
     addObjects(criteria, QStringLiteral("Delegate"), "delegateToUser", predicates);
     return predicates;

@@ -241,20 +241,22 @@ bool MVTask::isChangedTask() const
 {
     if (!row)
         return true;
-    const bool isSameDates = lastModificationDate == row->lastModificationDate() && startDate == row->startDate() &&
-                             dueDate == row->dueDate() && alert == row->alert() && secondAlert == row->secondAlert() &&
+    const bool isSameDates = lastModificationDate == row->lastModificationDate() &&
+                             startDate == row->startDate() && dueDate == row->dueDate() &&
+                             alert == row->alert() && secondAlert == row->secondAlert() &&
                              endRepeat == row->endRepeat();
     const bool isSameTexts = isSameText(title, row->title()) && isSameText(details, row->details()) &&
                              isSameText(repeat, row->repeat()) && isSameText(calendarID, row->calendarID()) &&
                              isSameText(calendarTitle, row->calendarTitle()) &&
-                             isSameText(typeCalendarID, row->typeCalendarID()) && isSameText(remindID, row->remindID()) &&
+                             isSameText(typeCalendarID, row->typeCalendarID()) &&
+                             isSameText(remindID, row->remindID()) &&
                              isSameText(repeatInfoUser, row->repeatInfoUser());
-    const bool isSameNumbers = position == row->position() &&
-                               allowsContentModifications == row->allowsContentModifications() &&
-                               colorCalendarR == row->colorCalendarR() && colorCalendarG == row->colorCalendarG() &&
-                               colorCalendarB == row->colorCalendarB() && colorCalendarA == row->colorCalendarA() &&
-                               type == row->type() && status == row->status() && priority == row->priority() &&
-                               dueSomeDay == row->dueSomeDay() && wasCreatedOffCalendar == row->wasCreatedOffCalendar();
+    const bool isSameNumbers =
+        position == row->position() && allowsContentModifications == row->allowsContentModifications() &&
+        colorCalendarR == row->colorCalendarR() && colorCalendarG == row->colorCalendarG() &&
+        colorCalendarB == row->colorCalendarB() && colorCalendarA == row->colorCalendarA() &&
+        type == row->type() && status == row->status() && priority == row->priority() &&
+        dueSomeDay == row->dueSomeDay() && wasCreatedOffCalendar == row->wasCreatedOffCalendar();
     const bool isSameLinks = category == row->category() && company == row->company() &&
                              delegateToUser == row->delegateToUser() && location == row->location() &&
                              project == row->project();

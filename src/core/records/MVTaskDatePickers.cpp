@@ -19,8 +19,8 @@ constexpr Seconds hour{3600};
 
 const QString needsStart = QStringLiteral("You should fill in Start Date to open this alert!");
 const QString needsDue = QStringLiteral("You should fill in Due Date to open this alert!");
-const QString noAccess = QStringLiteral(
-    "To access local repeat events, please go to device Settings -> Private -> Calendars and enable access for Morvane app.");
+const QString noAccess = QStringLiteral("To access local repeat events, please go to device Settings -> "
+                                        "Private -> Calendars and enable access for Morvane app.");
 
 void warn(const QString &title, const QString &information)
 {
@@ -86,7 +86,8 @@ void MVTask::prepareStartPicker(DatePickerState &picker) const
 
 void MVTask::prepareDuePicker(DatePickerState &picker) const
 {
-    picker.titlePopover = localized(isEmailCall() ? QStringLiteral("Edit Start Date") : QStringLiteral("Edit Due Date"));
+    picker.titlePopover =
+        localized(isEmailCall() ? QStringLiteral("Edit Start Date") : QStringLiteral("Edit Due Date"));
     picker.showClock = !isToDo();
     picker.showCheckBox = isToDo();
     picker.checkBoxTitle = localized(QStringLiteral("Due Someday"));

@@ -16,19 +16,19 @@ namespace {
 /// What a reference such as "&amp;" or "&#38;" stands for, with the place behind it; nothing if it is none.
 std::optional<std::pair<QString, qsizetype>> characterReference(const QString &html, qsizetype place)
 {
-    static const QHash<QString, QChar> named = {{QStringLiteral("amp"), u'&'},
-                                                {QStringLiteral("lt"), u'<'},
-                                                {QStringLiteral("gt"), u'>'},
-                                                {QStringLiteral("quot"), u'"'},
-                                                {QStringLiteral("apos"), u'\''},
-                                                {QStringLiteral("nbsp"), QChar(0xA0)}};
+    static const QHash<QString, QChar> named = {
+        {QStringLiteral("amp"), u'&'},   {QStringLiteral("lt"), u'<'},
+        {QStringLiteral("gt"), u'>'},    {QStringLiteral("quot"), u'"'},
+        {QStringLiteral("apos"), u'\''}, {QStringLiteral("nbsp"), QChar(0xA0)}};
     const qsizetype end = html.indexOf(u';', place);
     const QString name = end < 0 ? QString() : html.mid(place + 1, end - place - 1);
     if (named.contains(name))
         return std::pair(QString(named.value(name)), end + 1);
     bool isNumber = false;
     const bool isHexadecimal = name.startsWith(QStringLiteral("#x"));
-    const uint code = name.startsWith(u'#') ? name.mid(isHexadecimal ? 2 : 1).toUInt(&isNumber, isHexadecimal ? 16 : 10) : 0;
+    const uint code = name.startsWith(u'#')
+                          ? name.mid(isHexadecimal ? 2 : 1).toUInt(&isNumber, isHexadecimal ? 16 : 10)
+                          : 0;
     if (!isNumber || code == 0 || code > 0x10FFFF)
         return std::nullopt;
     return std::pair(QString::fromUcs4(reinterpret_cast<const char32_t *>(&code), 1), end + 1);
@@ -40,8 +40,9 @@ bool isTagStart(const QString &html, qsizetype place)
     return html.at(place) == u'<' && (next.isLetter() || next == u'/' || next == u'!');
 }
 
-/// What an HTML reader would show of a text that ASCII can hold: tags are dropped, a line break ends a line, white space
-/// counts once, references to characters are resolved. A text that ASCII cannot hold shows nothing.
+/// What an HTML reader would show of a text that ASCII can hold: tags are dropped, a line break ends a line,
+/// white space counts once, references to characters are resolved. A text that ASCII cannot hold shows
+/// nothing.
 QString plainText(const QString &html)
 {
     const bool isAscii = std::all_of(html.begin(), html.end(), [](QChar c) { return c.unicode() < 128; });
@@ -94,7 +95,8 @@ QString recipientsOf(const ContactPtr &contact)
 QString footer()
 {
     const QString address = PlatformConfiguration().text(QStringLiteral("productPage"));
-    return QStringLiteral("<span><br><span>Sent with Morvane. Available for your Mac - <a href=\"%1\">%1</a></span></span>")
+    return QStringLiteral("<span><br><span>Sent with Morvane. Available for your Mac - <a "
+                          "href=\"%1\">%1</a></span></span>")
         .arg(address);
 }
 
@@ -103,7 +105,9 @@ QString footer()
 QString MVTask::htmlBody() const
 {
     const auto timeStyle = isToDo() ? DateFormatter::Style::None : DateFormatter::Style::Short;
-    const auto shown = [timeStyle](Date date) { return DateFormatter::string(date, DateFormatter::Style::Short, timeStyle); };
+    const auto shown = [timeStyle](Date date) {
+        return DateFormatter::string(date, DateFormatter::Style::Short, timeStyle);
+    };
     QString html = QStringLiteral("<html><body><br/>") +
                    line(QStringLiteral("Project"), project ? project->title() : QString()) +
                    QStringLiteral("<span><b>Task:</b> %1 <span><br>").arg(title);

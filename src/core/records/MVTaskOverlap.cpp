@@ -33,7 +33,8 @@ std::vector<TaskPtr> timedTasksOf(Date day)
 
 QString shortTime(OptionalDate date)
 {
-    return date ? DateFormatter::string(*date, DateFormatter::Style::None, DateFormatter::Style::Short) : QString();
+    return date ? DateFormatter::string(*date, DateFormatter::Style::None, DateFormatter::Style::Short)
+                : QString();
 }
 
 QString collisionText(const EntityTask &other)
@@ -44,7 +45,8 @@ QString collisionText(const EntityTask &other)
     if (isOfType(other, TaskType::EmailCall))
         return lead + QStringLiteral("  '%1'  ").arg(shortTime(other.dueDate()));
     return lead + QStringLiteral("  '%1'  ").arg(shortTime(other.startDate())) +
-           localized(QStringLiteral("and Due Date")) + QStringLiteral(" '%1'  ").arg(shortTime(other.dueDate()));
+           localized(QStringLiteral("and Due Date")) +
+           QStringLiteral(" '%1'  ").arg(shortTime(other.dueDate()));
 }
 
 } // namespace

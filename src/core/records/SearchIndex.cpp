@@ -38,7 +38,8 @@ void addDetails(QStringList &texts, const Holder &holder)
     for (const auto &url : holder.url())
         texts.append(url->url());
     for (const auto &address : holder.address())
-        texts.append({address->city(), address->country(), address->state(), address->street1(), address->zip()});
+        texts.append(
+            {address->city(), address->country(), address->state(), address->street1(), address->zip()});
 }
 
 QStringList textsOf(const EntityTask &task)
@@ -134,7 +135,8 @@ void SearchIndex::deleteIndexWithObjects(const ObjectPtr &object)
     if (!object || !isIndexed(*object))
         return;
     const QString uri = mainContext().uriOf(*object);
-    const FetchRequest rows = EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
+    const FetchRequest rows =
+        EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
     for (const auto &row : mainContext().fetch<EntitySearchIndex>(rows))
         mainContext().deleteObject(row);
 }

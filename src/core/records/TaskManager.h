@@ -12,14 +12,15 @@ class MVTask;
 /// What an edit of one occurrence of a series reaches. The numbers are those of the calendar store.
 enum class Span { ThisTask = 0, FutureTasks = 1 };
 
-/// The rules that decide whether a task may be stored, and what storing or deleting it does. Stateless; main thread only.
+/// The rules that decide whether a task may be stored, and what storing or deleting it does. Stateless; main
+/// thread only.
 class TaskManager
 {
 public:
     TaskManager() = delete;
 
-    /// Validates and stores a working copy; `autoSave` commits. True: it was handled (also when the user gave up the
-    /// question about a series); false: a message or a failed commit stopped it.
+    /// Validates and stores a working copy; `autoSave` commits. True: it was handled (also when the user gave
+    /// up the question about a series); false: a message or a failed commit stopped it.
     static bool saveTaskTemp(MVTask &task, bool autoSave);
     /// The calendar side of a save of one occurrence or of the rest of a series.
     static void saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat);
@@ -31,8 +32,10 @@ public:
     /// False, with a message, for an Appointment whose two dates fall into the same minute.
     static bool dateVerefications(OptionalDate startDate, OptionalDate dueDate, std::optional<int> taskType);
     /// True, with a message, if a task's dates leave those of its project.
-    static bool incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate, OptionalDate projectDueDate,
-                                                         OptionalDate taskStartDate, OptionalDate taskDueDate);
+    static bool incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate,
+                                                         OptionalDate projectDueDate,
+                                                         OptionalDate taskStartDate,
+                                                         OptionalDate taskDueDate);
     /// A start or due date was picked for a copy; alerts that would lie behind their base date move or go.
     static void saveStartDate(OptionalDate date, MVTask &task);
     static void saveDueDate(OptionalDate date, MVTask &task);

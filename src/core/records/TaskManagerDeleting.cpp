@@ -32,8 +32,9 @@ Selection sorted(const std::vector<ObjectPtr> &objects)
 
 bool isDeletionWanted(size_t count)
 {
-    const QString message = count == 1 ? QStringLiteral("Are you sure you want to delete the selected item?")
-                                       : QStringLiteral("Are you sure you want to delete the selected items?");
+    const QString message = count == 1
+                                ? QStringLiteral("Are you sure you want to delete the selected item?")
+                                : QStringLiteral("Are you sure you want to delete the selected items?");
     return Alert::run({{},
                        localized(message),
                        {},
@@ -47,9 +48,11 @@ std::optional<Span> askedSpan(size_t count)
     const bool isOne = count == 1;
     const int answer = Alert::run(
         {{},
-         localized(isOne ? QStringLiteral("This is a repeating task.") : QStringLiteral("This is a repeating tasks.")),
+         localized(isOne ? QStringLiteral("This is a repeating task.")
+                         : QStringLiteral("This is a repeating tasks.")),
          {},
-         {localized(isOne ? QStringLiteral("Delete This Task Only") : QStringLiteral("Delete This Tasks Only")),
+         {localized(isOne ? QStringLiteral("Delete This Task Only")
+                          : QStringLiteral("Delete This Tasks Only")),
           localized(QStringLiteral("Delete All Future Tasks")), localized(QStringLiteral("Cancel"))}});
     if (answer == Alert::firstButton)
         return Span::ThisTask;
@@ -58,8 +61,8 @@ std::optional<Span> askedSpan(size_t count)
 
 void deleteRepeating(const std::vector<TaskPtr> &tasks, Span span)
 {
-    const QString what =
-        span == Span::ThisTask ? QStringLiteral("delete This Task Only") : QStringLiteral("delete All Future Tasks");
+    const QString what = span == Span::ThisTask ? QStringLiteral("delete This Task Only")
+                                                : QStringLiteral("delete All Future Tasks");
     Log::line(QStringLiteral("Start ") + what);
     for (const TaskPtr &task : tasks) {
         CalendarEvent::removeEventCalendarFromTask(task, span, true);

@@ -53,7 +53,8 @@ constexpr DateRule dateRules[] = {
      u"Due Date can't be the same as Start Date!", notifications::taskChange},
     {[](const MVTask &task) { return task.isEmailCall() && lacksDueDate(task); }, u"Invalid Start Date",
      u"Since task type is Email/Call - Start Date can't be empty!", notifications::taskChange},
-    {[](const MVTask &task) { return task.isToDo() && task.startDate && lacksDueDate(task); }, u"Invalid Due Date",
+    {[](const MVTask &task) { return task.isToDo() && task.startDate && lacksDueDate(task); },
+     u"Invalid Due Date",
      u"Since task type is ToDo and Start Date is not empty - Due Date can't be empty too!",
      notifications::taskChange},
 };
@@ -126,7 +127,8 @@ void replaceNotifications(const EntityTask &task)
     task.removeNotifications();
     std::vector<UserNotification> notifications = task.newLocalNotification();
     if (!notifications.empty())
-        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(std::move(notifications));
+        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(
+            std::move(notifications));
 }
 
 bool commit(const MVTask &task)
@@ -142,8 +144,9 @@ bool commit(const MVTask &task)
 
 bool leavesProject(const MVTask &task)
 {
-    if (!task.project || !TaskManager::incorrectTaskTimeMessageProjectStartDate(
-                             task.project->startDate(), task.project->dueDate(), task.startDate, task.dueDate))
+    if (!task.project || !TaskManager::incorrectTaskTimeMessageProjectStartDate(task.project->startDate(),
+                                                                                task.project->dueDate(),
+                                                                                task.startDate, task.dueDate))
         return false;
     post(notifications::taskChange, task.task());
     return true;
@@ -183,15 +186,19 @@ void TaskManager::saveWithDate(OptionalDate date, const TaskPtr &task, Span span
     post(notifications::reloadTasks, task);
 }
 
-bool TaskManager::incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate, OptionalDate projectDueDate,
-                                                           OptionalDate taskStartDate, OptionalDate taskDueDate)
+bool TaskManager::incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate,
+                                                           OptionalDate projectDueDate,
+                                                           OptionalDate taskStartDate,
+                                                           OptionalDate taskDueDate)
 {
     const OptionalDate projectEnd =
         projectDueDate ? OptionalDate(MTDates::endOfCurrentDay(*projectDueDate)) : std::nullopt;
-    switch (Functional::dateValidationsMainStartDate(projectStartDate, projectEnd, taskStartDate, taskDueDate)) {
+    switch (
+        Functional::dateValidationsMainStartDate(projectStartDate, projectEnd, taskStartDate, taskDueDate)) {
     case 1:
-        Functional::messageAlertWithTitle(QStringLiteral("Invalid Start Date"),
-                                          QStringLiteral("Start Date can't be less than project Start Date!"));
+        Functional::messageAlertWithTitle(
+            QStringLiteral("Invalid Start Date"),
+            QStringLiteral("Start Date can't be less than project Start Date!"));
         return true;
     case 2:
         Functional::messageAlertWithTitle(QStringLiteral("Invalid Start Date"),

@@ -35,7 +35,8 @@ ManagedObjectContext &mainContext()
     return AppDelegate::shared()->managedObjectContext();
 }
 
-AppDelegate::AppDelegate(std::unique_ptr<ShellPort> shellPort) : shell(std::move(shellPort))
+AppDelegate::AppDelegate(std::unique_ptr<ShellPort> shellPort)
+    : shell(std::move(shellPort))
 {
     runningDelegate = this;
 }

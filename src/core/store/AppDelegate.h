@@ -32,9 +32,9 @@ public:
 
 /// The root of the running program: owner of the two store stacks and of what the screens share.
 ///
-/// The order of calls is that of the program's life: `applicationWillFinishLaunching`, `applicationDidFinishLaunching`,
-/// then `applicationDidBecomeActive` and `applicationDidResignActive` in turn, then `applicationShouldTerminate` and
-/// `applicationWillTerminate`. Main thread only.
+/// The order of calls is that of the program's life: `applicationWillFinishLaunching`,
+/// `applicationDidFinishLaunching`, then `applicationDidBecomeActive` and `applicationDidResignActive` in
+/// turn, then `applicationShouldTerminate` and `applicationWillTerminate`. Main thread only.
 class AppDelegate
 {
 public:
@@ -102,8 +102,8 @@ private:
     [[noreturn]] static void endForStore(const QString &path, const Error &error);
     void registerObservers();
     void getAccsesToContact();
-    /// Compares what can be reached with the last activation, says so if the calendars and the records live in different
-    /// places, and tells whether a pass may go ahead.
+    /// Compares what can be reached with the last activation, says so if the calendars and the records live
+    /// in different places, and tells whether a pass may go ahead.
     static bool examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud);
     void removeDuplicatesOf(const ObjectPtr &object);
     /// Brings the search index up to date with saves whose follow-up a crash cut off.

@@ -14,7 +14,9 @@ namespace {
 class UnionOfChildren
 {
 public:
-    explicit UnionOfChildren(std::string relationshipName) : relationship(std::move(relationshipName)) {}
+    explicit UnionOfChildren(std::string relationshipName)
+        : relationship(std::move(relationshipName))
+    {}
 
     void add(const ManagedObject &row)
     {
@@ -43,8 +45,7 @@ void keepSmallerIndex(EntityCategory &survivor, const EntityCategory &row, const
 
 template <typename Entity>
 void keepSmallerIndex(Entity &, const Entity &, const Entity &)
-{
-}
+{}
 
 /// Joins the rows of one title into the newest one; on a tie the given row stays.
 template <typename Entity>
@@ -101,14 +102,14 @@ Predicate sameDates(const EntityTask &task)
     const Bounds due(task.dueDate());
     switch (static_cast<TaskType>(task.type().value_or(0))) {
     case TaskType::Appointment:
-        return Predicate::format("title = %@ && startDate = %@ && dueDate = %@", task.title(), task.startDate(),
-                                 task.dueDate());
+        return Predicate::format("title = %@ && startDate = %@ && dueDate = %@", task.title(),
+                                 task.startDate(), task.dueDate());
     case TaskType::EmailCall:
         return Predicate::format("title = %@ && dueDate = %@", task.title(), task.dueDate());
     default:
         return Predicate::format(
-            "title = %@ && (%@ <= startDate && startDate <= %@) && (%@ <= dueDate && dueDate <= %@)", task.title(),
-            start.start, start.end, due.start, due.end);
+            "title = %@ && (%@ <= startDate && startDate <= %@) && (%@ <= dueDate && dueDate <= %@)",
+            task.title(), start.start, start.end, due.start, due.end);
     }
 }
 
@@ -126,7 +127,8 @@ void giveLateCreationDate(EntityTask &task)
         task.setCreationDate(MTDates::dateFromYear(9999, 1, 1));
 }
 
-/// Whether the task itself stays rather than its duplicate: one with a category before one without, then the older one.
+/// Whether the task itself stays rather than its duplicate: one with a category before one without, then the
+/// older one.
 bool staysBefore(const EntityTask &task, EntityTask &duplicate)
 {
     const bool hasCategory = task.category() != nullptr;

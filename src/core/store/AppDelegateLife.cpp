@@ -73,13 +73,14 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::registerObservers()
 {
     NotificationCenter &center = NotificationCenter::defaultCenter();
+    observations.push_back(center.addObserver(notifications::positionInboxTask,
+                                              [this](const Notification &) { positionInboxTask(); }));
+    observations.push_back(center.addObserver(notifications::preferences,
+                                              [this](const Notification &) { reloadCalendarSetting(); }));
     observations.push_back(
-        center.addObserver(notifications::positionInboxTask, [this](const Notification &) { positionInboxTask(); }));
-    observations.push_back(
-        center.addObserver(notifications::preferences, [this](const Notification &) { reloadCalendarSetting(); }));
-    observations.push_back(center.addObserver(notifications::contextDidSave, [this](const Notification &notification) {
-        managedObjectContexLocalChangeData(std::any_cast<const ChangeList &>(notification.userInfo));
-    }));
+        center.addObserver(notifications::contextDidSave, [this](const Notification &notification) {
+            managedObjectContexLocalChangeData(std::any_cast<const ChangeList &>(notification.userInfo));
+        }));
     // Changes of the calendars are picked up on activation.
     observations.push_back(center.addObserver(notifications::eventStoreChanged, [](const Notification &) {}));
 }
@@ -112,8 +113,10 @@ bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendar
     if (!hasCalendar || hasCloud == isCalendarInCloud)
         return true;
     const QString message =
-        hasCloud ? QStringLiteral("To sync app with Calendar an access to Calendars should be activated in iCloud!")
-                 : QStringLiteral("To sync app with Calendar an access to Morvane should be activated in iCloud!");
+        hasCloud
+            ? QStringLiteral(
+                  "To sync app with Calendar an access to Calendars should be activated in iCloud!")
+            : QStringLiteral("To sync app with Calendar an access to Morvane should be activated in iCloud!");
     if (!former.isEmpty() && former != sum) {
         Log::line(message);
         Alert::run({{}, {}, localized(message), {localized(QStringLiteral("Continue"))}});
@@ -168,12 +171,12 @@ AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
         return TerminateReply::Now;
     if (shell && shell->presentError(*error))
         return TerminateReply::Cancel;
-    const int answer = Alert::run(
-        {{},
-         localized(QStringLiteral("Could not save changes while quitting. Quit anyway?")),
-         localized(QStringLiteral(
-             "Quitting now will lose any changes you have made since the last successful save")),
-         {localized(QStringLiteral("Quit anyway")), localized(QStringLiteral("Cancel"))}});
+    const int answer =
+        Alert::run({{},
+                    localized(QStringLiteral("Could not save changes while quitting. Quit anyway?")),
+                    localized(QStringLiteral(
+                        "Quitting now will lose any changes you have made since the last successful save")),
+                    {localized(QStringLiteral("Quit anyway")), localized(QStringLiteral("Cancel"))}});
     return answer == Alert::firstButton ? TerminateReply::Cancel : TerminateReply::Now;
 }
 

@@ -28,7 +28,8 @@ template <typename Entity>
 std::set<QString> presentTitles()
 {
     std::set<QString> titles;
-    mainContext().visit(Entity::fetchRequest(), {"title"}, [&titles](const RowReader &row) { titles.insert(row.text(0)); });
+    mainContext().visit(Entity::fetchRequest(), {"title"},
+                        [&titles](const RowReader &row) { titles.insert(row.text(0)); });
     return titles;
 }
 
@@ -70,7 +71,7 @@ constexpr SeededColor taskCategories[] = {{"Sport", 64, 92, 196},
                                           {"General", 74, 137, 220}};
 
 constexpr SeededColor contactCategories[] = {
-    {"Administrative", 218, 68, 83}, {"Classmate", 233, 87, 63}, {"Client", 140, 193, 82},
+    {"Administrative", 218, 68, 83}, {"Classmate", 233, 87, 63},  {"Client", 140, 193, 82},
     {"Competitor", 218, 174, 220},   {"Coworker", 241, 106, 107}, {"Employee", 246, 187, 66},
     {"Friend", 59, 175, 218},        {"Lead", 110, 220, 188},     {"Personal", 64, 92, 196},
     {"Vendor", 26, 188, 156},        {"Owner", 46, 204, 113},     {"Trainer", 52, 152, 219}};

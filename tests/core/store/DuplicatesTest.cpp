@@ -80,7 +80,8 @@ TEST_F(Duplicates, OfTasksAreFoundByTypeAndKeepTheOlderOne)
     EXPECT_EQ(older->title(), u"call"_qs);
     EXPECT_EQ(count<EntityTask>(u"meet"_qs), 2);
 
-    // ToDos without dates have none; a category decides before the age; a row without a date of creation loses.
+    // ToDos without dates have none; a category decides before the age; a row without a date of creation
+    // loses.
     copy(u"plain"_qs, TaskType::ToDo, {}, {}, january);
     delegate->deleteDuplicateTaskTypeWith(copy(u"plain"_qs, TaskType::ToDo, {}, {}, february));
     EXPECT_FALSE(DBWorker::saveContext());
@@ -90,14 +91,17 @@ TEST_F(Duplicates, OfTasksAreFoundByTypeAndKeepTheOlderOne)
     filed->setCreationDate(std::nullopt);
     delegate->deleteDuplicateTaskTypeWith(older);
     EXPECT_FALSE(DBWorker::saveContext());
-    EXPECT_EQ(context().fetchFirst<EntityTask>(EntityTask::fetchRequest().where(Predicate::format("title = %@", u"call"_qs))),
+    EXPECT_EQ(context().fetchFirst<EntityTask>(
+                  EntityTask::fetchRequest().where(Predicate::format("title = %@", u"call"_qs))),
               filed);
 }
 
 TEST_F(Duplicates, AreRemovedFromWhatIsImported)
 {
-    const TaskPtr mine = copy(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 9), localDate(2026, 1, 1));
-    const TaskPtr theirs = copy(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 9), localDate(2026, 2, 1));
+    const TaskPtr mine =
+        copy(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 9), localDate(2026, 1, 1));
+    const TaskPtr theirs =
+        copy(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 9), localDate(2026, 2, 1));
     ChangeList imported;
     imported.inserted = {theirs};
     delegate->mergeChanges(imported);

@@ -28,7 +28,8 @@ TEST_F(Inbox, KeepsNewTasksInTheOrderTheyWereWrittenDown)
     EXPECT_EQ(DBWorker::maxPositionTaskInbox(), 0);
     add(u"first"_qs);
     add(u"second"_qs);
-    EXPECT_FALSE(add(u"started"_qs, TaskType::ToDo, localDate(2026, 11, 22), localDate(2026, 11, 22, 23, 59))->position());
+    EXPECT_FALSE(add(u"started"_qs, TaskType::ToDo, localDate(2026, 11, 22), localDate(2026, 11, 22, 23, 59))
+                     ->position());
     EXPECT_FALSE(add(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 22, 10))->position());
     // A ToDo that is only due stays in the Inbox.
     add(u"due"_qs, TaskType::ToDo, {}, localDate(2026, 11, 22, 23, 59));

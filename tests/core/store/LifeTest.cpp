@@ -19,7 +19,9 @@ public:
         bool canCommit = true;
         bool dealsWithErrors = false;
     };
-    explicit ToldShell(Record &told) : record(told) {}
+    explicit ToldShell(Record &told)
+        : record(told)
+    {}
     void showMainWindow() override { record.calls.append(u"main"_qs); }
     void showStartWindow() override { record.calls.append(u"start"_qs); }
     bool hasMainWindow() const override { return record.hasMainWindow; }
@@ -49,7 +51,8 @@ protected:
 TEST_F(Life, LaunchForgetsWhatLastsForOneRunAndShowsTheMainWindow)
 {
     UserDefaults::standard().setObject(settings::calendarState, 2);
-    UserDefaults::standard().setObject(settings::calendarLastDate, QVariant::fromValue(localDate(2020, 1, 1)));
+    UserDefaults::standard().setObject(settings::calendarLastDate,
+                                       QVariant::fromValue(localDate(2020, 1, 1)));
     launchWithShell();
     EXPECT_EQ(UserDefaults::standard().integer(settings::calendarState), 0);
     EXPECT_EQ(UserDefaults::standard().integer(settings::selectSortCategoryIndex), -1);
@@ -68,7 +71,8 @@ TEST_F(Life, TheBadgeFollowsEverySaveOfATask)
 {
     launchWithShell();
     EXPECT_EQ(told.badge, QString());
-    const TaskPtr task = add(u"missed"_qs, TaskType::Appointment, localDate(2026, 11, 20, 9), localDate(2026, 11, 20, 10));
+    const TaskPtr task =
+        add(u"missed"_qs, TaskType::Appointment, localDate(2026, 11, 20, 9), localDate(2026, 11, 20, 10));
     EXPECT_EQ(told.badge, u"1"_qs);
     MVTask(task).changeStatusType(3, true);
     EXPECT_EQ(told.badge, QString());
@@ -96,7 +100,8 @@ TEST_F(Life, ActivationWithoutCalendarsWritesDownThatThereAreNone)
 TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
 {
     for (const QString &title : {u"one"_qs, u"two"_qs}) {
-        const TaskPtr task = add(title, TaskType::EmailCall, {}, localDate(2026, 11, title == u"one"_qs ? 22 : 23, 9));
+        const TaskPtr task =
+            add(title, TaskType::EmailCall, {}, localDate(2026, 11, title == u"one"_qs ? 22 : 23, 9));
         task->setAlert(localDate(2026, 11, 21, 10));
         task->setSecondAlert(localDate(2026, 11, 21, 9));
     }
@@ -107,10 +112,9 @@ TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
     EXPECT_EQ(scheduled[0].subtitle, u"one"_qs);
     EXPECT_EQ(scheduled[0].deliveryDate, localDate(2026, 11, 21, 10));
     ObjectPtr clicked;
-    const Observation observation =
-        NotificationCenter::defaultCenter().addObserver(notifications::clickTableSearch, [&clicked](const Notification &one) {
-            clicked = std::any_cast<ObjectPtr>(one.object);
-        });
+    const Observation observation = NotificationCenter::defaultCenter().addObserver(
+        notifications::clickTableSearch,
+        [&clicked](const Notification &one) { clicked = std::any_cast<ObjectPtr>(one.object); });
     delegate->userNotificationCenterDidActivateNotification(scheduled[0].userInfo.value(u"TASK_ID_KEY"_qs));
     EXPECT_EQ(clicked, DBWorker::getFirstTaskByTitle(u"one"_qs));
 }

@@ -34,7 +34,10 @@ class Lists : public CoreTest
 protected:
     const Date end = localDate(2026, 11, 21, 23, 59, 59);
 
-    static bool isOnInbox(const Plain &task) { return task.isOpen() && task.someday != true && !task.start && task.type == 0; }
+    static bool isOnInbox(const Plain &task)
+    {
+        return task.isOpen() && task.someday != true && !task.start && task.type == 0;
+    }
     bool isOnToday(const Plain &task) const
     {
         if (!task.isOpen() || task.someday != false)
@@ -47,7 +50,8 @@ protected:
     {
         if (!task.isOpen() || task.someday != false || !task.due)
             return false;
-        return task.type == 2 ? *task.due > end : (task.type == 0 || task.type == 1) && task.start && *task.start > end;
+        return task.type == 2 ? *task.due > end
+                              : (task.type == 0 || task.type == 1) && task.start && *task.start > end;
     }
     static bool isOnSomeday(const Plain &task)
     {
@@ -64,7 +68,9 @@ protected:
     std::vector<Plain> generate(int count)
     {
         std::mt19937 random(testSeed());
-        const auto pick = [&random](int below) { return std::uniform_int_distribution<>(0, below - 1)(random); };
+        const auto pick = [&random](int below) {
+            return std::uniform_int_distribution<>(0, below - 1)(random);
+        };
         const std::vector<OptionalDate> dates = {std::nullopt,
                                                  std::nullopt,
                                                  localDate(2026, 11, 3, 8),
@@ -85,7 +91,8 @@ protected:
             task.someday = pick(4) == 0 ? std::nullopt : std::optional(pick(4) == 0);
             task.start = dates[size_t(pick(int(dates.size())))];
             task.due = dates[size_t(pick(int(dates.size())))];
-            task.expiration = pick(3) ? OptionalDate(localDate(2026, 11, 1 + pick(20), pick(24))) : std::nullopt;
+            task.expiration =
+                pick(3) ? OptionalDate(localDate(2026, 11, 1 + pick(20), pick(24))) : std::nullopt;
             task.calendar = pick(6) == 0 ? u"Nobody's calendar"_qs : pick(2) ? QString() : u""_qs;
             task.hasCategory = pick(2);
             task.hasDelegate = pick(3) == 0;
@@ -118,7 +125,10 @@ protected:
     static QString line(const Task &title, std::optional<int> type, OptionalDate start, OptionalDate due)
     {
         const auto shown = [](OptionalDate date) { return date ? wallClock(*date) : u"-"_qs; };
-        return QStringLiteral("%1 type %2 from %3 to %4").arg(title).arg(type.value_or(-1)).arg(shown(start), shown(due));
+        return QStringLiteral("%1 type %2 from %3 to %4")
+            .arg(title)
+            .arg(type.value_or(-1))
+            .arg(shown(start), shown(due));
     }
     static QStringList lines(const TaskList &list)
     {
@@ -144,10 +154,12 @@ protected:
     template <typename IsOn>
     static int countOf(const std::vector<Plain> &tasks, IsOn isOn)
     {
-        return int(std::count_if(tasks.begin(), tasks.end(), [&](const Plain &task) { return task.isVisible() && isOn(task); }));
+        return int(std::count_if(tasks.begin(), tasks.end(),
+                                 [&](const Plain &task) { return task.isVisible() && isOn(task); }));
     }
 
-    /// Earlier first; undated ones last, of these the ones for some day first; then later due first, then by title.
+    /// Earlier first; undated ones last, of these the ones for some day first; then later due first, then by
+    /// title.
     static bool byDue(const Plain &one, const Plain &other)
     {
         const auto key = [](const Plain &task) {
@@ -159,7 +171,8 @@ protected:
     }
     static bool byStart(const Plain &one, const Plain &other)
     {
-        return std::tuple(*one.effectiveStart(), one.title) < std::tuple(*other.effectiveStart(), other.title);
+        return std::tuple(*one.effectiveStart(), one.title) <
+               std::tuple(*other.effectiveStart(), other.title);
     }
 };
 
@@ -181,7 +194,8 @@ TEST_F(Lists, HoldWhatASecondReadingOfTheRulesGives)
             result.append(one.left(2));
         return result;
     };
-    // Rows that tie in every key may come in any order, so that what is compared tells these keys and no more.
+    // Rows that tie in every key may come in any order, so that what is compared tells these keys and no
+    // more.
     EXPECT_EQ(lines(DBWorker::allTodayTasks()).size(), expected(tasks, onToday, byDue).size());
     const auto keysOf = [](const QStringList &list) {
         QStringList keys;
@@ -191,7 +205,8 @@ TEST_F(Lists, HoldWhatASecondReadingOfTheRulesGives)
     };
     EXPECT_EQ(keysOf(lines(DBWorker::allTodayTasks())), keysOf(expected(tasks, onToday, byDue)));
     EXPECT_EQ(keysOf(lines(DBWorker::allNotDoneTasks())), keysOf(expected(tasks, onNotDone, byDue)));
-    EXPECT_EQ(titlesOf(lines(DBWorker::allScheduledTasks())), titlesOf(expected(tasks, onScheduled, byStart)));
+    EXPECT_EQ(titlesOf(lines(DBWorker::allScheduledTasks())),
+              titlesOf(expected(tasks, onScheduled, byStart)));
     EXPECT_EQ(titlesOf(lines(DBWorker::allSomedayTasks())), titlesOf(expected(tasks, isOnSomeday, byTitle)));
     EXPECT_EQ(sorted(lines(DBWorker::allInboxTasks())), sorted(expected(tasks, isOnInbox, byTitle)));
 }
@@ -203,15 +218,19 @@ TEST_F(Lists, AreAsLongAsTheirBadgesSay)
     const auto onToday = [this](const Plain &task) { return isOnToday(task); };
     const TaskBadges badges = DBWorker::taskBadges();
     EXPECT_EQ(badges.inbox, (Badge{0, DBWorker::allInboxTasks().size()}));
-    EXPECT_EQ(badges.today, (Badge{countOf(tasks, [&](const Plain &task) { return onToday(task) && isLate(task); }),
-                                   DBWorker::allTodayTasks().size()}));
+    EXPECT_EQ(badges.today,
+              (Badge{countOf(tasks, [&](const Plain &task) { return onToday(task) && isLate(task); }),
+                     DBWorker::allTodayTasks().size()}));
     EXPECT_EQ(badges.scheduled, (Badge{0, DBWorker::allScheduledTasks().size()}));
     EXPECT_EQ(badges.someday, (Badge{0, DBWorker::allSomedayTasks().size()}));
-    EXPECT_EQ(badges.categories, (Badge{0, countOf(tasks, [](const Plain &one) { return one.isOpen() && one.hasCategory; })}));
-    EXPECT_EQ(badges.delegated, (Badge{0, countOf(tasks, [](const Plain &one) { return one.isOpen() && one.hasDelegate; })}));
+    EXPECT_EQ(badges.categories,
+              (Badge{0, countOf(tasks, [](const Plain &one) { return one.isOpen() && one.hasCategory; })}));
+    EXPECT_EQ(badges.delegated,
+              (Badge{0, countOf(tasks, [](const Plain &one) { return one.isOpen() && one.hasDelegate; })}));
     EXPECT_EQ(badges.notDone, (Badge{0, DBWorker::allNotDoneTasks().size()}));
     EXPECT_EQ(badges.done, (Badge{0, DBWorker::allDoneTasksNoGroup().size()}));
-    EXPECT_EQ(DBWorker::countStaleTasks(), countOf(tasks, [](const Plain &one) { return one.isOpen() && isLate(one); }));
+    EXPECT_EQ(DBWorker::countStaleTasks(),
+              countOf(tasks, [](const Plain &one) { return one.isOpen() && isLate(one); }));
     EXPECT_EQ(DBWorker::allDelayTasks().size(), DBWorker::countStaleTasks());
 }
 
@@ -259,12 +278,13 @@ TEST_F(Lists, AreGroupedUnderHeadersWithOneGapBetween)
     };
     // "HomeCategory" is shown as "Home", and sorts as that.
     EXPECT_EQ(described(DBWorker::allNotDoneTasksGrouped(Grouping::Category)),
-              QStringList({u"# HomeCategory"_qs, u"home"_qs, u"--"_qs, u"# Work"_qs, u"work"_qs, u"--"_qs, u"# none 0"_qs,
-                           u"plain"_qs, u"--"_qs}));
+              QStringList({u"# HomeCategory"_qs, u"home"_qs, u"--"_qs, u"# Work"_qs, u"work"_qs, u"--"_qs,
+                           u"# none 0"_qs, u"plain"_qs, u"--"_qs}));
     EXPECT_EQ(described(DBWorker::allNotDoneTasksGrouped(Grouping::Project)),
               QStringList({u"# none 1"_qs, u"home"_qs, u"plain"_qs, u"work"_qs, u"--"_qs}));
-    EXPECT_EQ(described(DBWorker::allNotDoneTasksGrouped(Grouping::Priority)),
-              QStringList({u"# priority 0"_qs, u"work"_qs, u"--"_qs, u"# priority 3"_qs, u"home"_qs, u"--"_qs}));
+    EXPECT_EQ(
+        described(DBWorker::allNotDoneTasksGrouped(Grouping::Priority)),
+        QStringList({u"# priority 0"_qs, u"work"_qs, u"--"_qs, u"# priority 3"_qs, u"home"_qs, u"--"_qs}));
     EXPECT_TRUE(DBWorker::allNotDoneTasksGrouped(Grouping::None).isEmpty());
     EXPECT_EQ(described(DBWorker::allTasksWithDelegates()),
               QStringList({u"# none 2"_qs, u"home"_qs, u"plain"_qs, u"work"_qs, u"--"_qs}));
@@ -293,7 +313,8 @@ TEST_F(Lists, SortLoadedTasksByTheSameRules)
 {
     const TaskPtr late = add(u"b 17:00"_qs, TaskType::ToDo, {}, localDate(2026, 11, 25, 17));
     const TaskPtr early = add(u"a 09:00"_qs, TaskType::ToDo, {}, localDate(2026, 11, 25, 9));
-    const TaskPtr noon = add(u"noon"_qs, TaskType::Appointment, localDate(2026, 11, 25, 11), localDate(2026, 11, 25, 12));
+    const TaskPtr noon =
+        add(u"noon"_qs, TaskType::Appointment, localDate(2026, 11, 25, 11), localDate(2026, 11, 25, 12));
     const TaskPtr undated = add(u"undated"_qs);
     EXPECT_EQ(DBWorker::sortToday({early, noon, late}), std::vector<TaskPtr>({noon, late, early}));
     // What has no date is equal to everything and stays where it stands.

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "support/TestSupport.h"
 #include "cloud/FileManager.h"
 #include "foundation/UserDefaults.h"
 #include "records/MVTask.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/SettingsKeys.h"
+#include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -25,9 +25,10 @@ protected:
     {
         quit();
         QDir(FileManager::appFolderURL()).removeRecursively();
-        for (const QString &key : {settings::valueSwitchDatabase, settings::firstRun, settings::taskFilters,
-                                   settings::sumStatuses, settings::isAccessToCalendar, settings::contactDisplayOrder,
-                                   settings::syncPeriodType, settings::frequencyCalendarPeriod})
+        for (const QString &key :
+             {settings::valueSwitchDatabase, settings::firstRun, settings::taskFilters, settings::sumStatuses,
+              settings::isAccessToCalendar, settings::contactDisplayOrder, settings::syncPeriodType,
+              settings::frequencyCalendarPeriod})
             UserDefaults::standard().removeObject(key);
         launch();
     }
@@ -51,7 +52,8 @@ protected:
     static QString storePath() { return FileManager::appFolderURL() + QStringLiteral("/Model0.sqlite"); }
 
     /// A saved task of the given fields.
-    TaskPtr add(const QString &title, TaskType type = TaskType::ToDo, OptionalDate start = {}, OptionalDate due = {})
+    TaskPtr add(const QString &title, TaskType type = TaskType::ToDo, OptionalDate start = {},
+                OptionalDate due = {})
     {
         MVTask task;
         task.title = title;

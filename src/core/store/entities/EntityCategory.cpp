@@ -9,12 +9,14 @@ MANAGED_TO_MANY_DEFINITION(EntityCategory, EntityProject, project, setProject)
 
 CategoryPtr EntityCategory::title(const QString &title)
 {
-    return mainContext().fetchFirst<EntityCategory>(fetchRequest().where(Predicate::format("title = %@", title)));
+    return mainContext().fetchFirst<EntityCategory>(
+        fetchRequest().where(Predicate::format("title = %@", title)));
 }
 
 CategoryPtr EntityCategory::getCustom()
 {
-    return mainContext().fetchFirst<EntityCategory>(fetchRequest().where(Predicate::format("defaultCategory = true")));
+    return mainContext().fetchFirst<EntityCategory>(
+        fetchRequest().where(Predicate::format("defaultCategory = true")));
 }
 
 void EntityCategory::setCustom()
@@ -27,10 +29,13 @@ void EntityCategory::setCustom()
 std::vector<TaskPtr> EntityCategory::tasksSorts() const
 {
     const Predicate open = Predicate::format("status != %d", 3);
-    const Predicate own = Predicate::format("category == %@", std::const_pointer_cast<ManagedObject>(shared_from_this()));
+    const Predicate own =
+        Predicate::format("category == %@", std::const_pointer_cast<ManagedObject>(shared_from_this()));
     std::vector<TaskPtr> tasks;
-    for (TaskPtr task : mainContext().fetch<EntityTask>(
-             EntityTask::fetchRequest().where(own && open).sortedBy({descending("dueDate"), ascending("title")})))
+    for (TaskPtr task :
+         mainContext().fetch<EntityTask>(EntityTask::fetchRequest()
+                                             .where(own && open)
+                                             .sortedBy({descending("dueDate"), ascending("title")})))
         tasks.push_back(std::move(task));
     return DBWorker::sortNotDone(std::move(tasks));
 }

@@ -19,5 +19,6 @@ QString EntityCompany::employees() const
 
 CompanyPtr EntityCompany::name(const QString &title)
 {
-    return mainContext().fetchFirst<EntityCompany>(fetchRequest().where(Predicate::format("title = %@", title)));
+    return mainContext().fetchFirst<EntityCompany>(
+        fetchRequest().where(Predicate::format("title = %@", title)));
 }

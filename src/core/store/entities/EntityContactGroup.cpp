@@ -37,7 +37,8 @@ std::vector<Predicate> EntityContactGroup::predicateContactsArray() const
 
 ObjectList<EntityContacts> EntityContactGroup::allDelegateds() const
 {
-    return mainContext().fetch<EntityContacts>(EntityContacts::fetchRequest()
-                                                   .where(Predicate::allOf(predicateContactsArray()))
-                                                   .sortedBy({ascending("firstName"), ascending("lastName")}));
+    return mainContext().fetch<EntityContacts>(
+        EntityContacts::fetchRequest()
+            .where(Predicate::allOf(predicateContactsArray()))
+            .sortedBy({ascending("firstName"), ascending("lastName")}));
 }

@@ -42,7 +42,8 @@ public:
 
     /// A request for all of them.
     static FetchRequest fetchRequest() { return FetchRequest(entityName); }
-    /// First and last name in the order that the user prefers; one alone if the other is empty; empty without either.
+    /// First and last name in the order that the user prefers; one alone if the other is empty; empty without
+    /// either.
     QString fullName() const;
     /// The first contact with both names exactly so, or null.
     static std::shared_ptr<EntityContacts> firstName(const QString &firstName, const QString &lastName);

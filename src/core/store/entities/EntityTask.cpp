@@ -22,7 +22,11 @@ std::vector<UserNotification> EntityTask::newLocalNotification() const
     std::vector<UserNotification> notifications;
     for (const OptionalDate &moment : {alert(), secondAlert()}) {
         if (moment && *moment >= Clock::now())
-            notifications.push_back({QStringLiteral("Morvane"), title(), *moment, Region::zoneIdentifier(), true,
+            notifications.push_back({QStringLiteral("Morvane"),
+                                     title(),
+                                     *moment,
+                                     Region::zoneIdentifier(),
+                                     true,
                                      {{taskIdKey, uri()}}});
     }
     return notifications;
@@ -32,6 +36,7 @@ void EntityTask::removeNotifications() const
 {
     UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
     std::vector<UserNotification> kept = center.scheduledNotifications();
-    std::erase_if(kept, [this](const UserNotification &one) { return one.userInfo.value(taskIdKey) == uri(); });
+    std::erase_if(kept,
+                  [this](const UserNotification &one) { return one.userInfo.value(taskIdKey) == uri(); });
     center.setScheduledNotifications(std::move(kept));
 }

@@ -10,25 +10,29 @@ constexpr int modelVersion = 1;
 template <typename Entity>
 EntityDescription describe()
 {
-    return EntityDescription(
-        Entity::entityName, {Entity::attributeTable.begin(), Entity::attributeTable.end()},
-        {Entity::relationshipTable.begin(), Entity::relationshipTable.end()}, [] { return std::make_shared<Entity>(); });
+    return EntityDescription(Entity::entityName,
+                             {Entity::attributeTable.begin(), Entity::attributeTable.end()},
+                             {Entity::relationshipTable.begin(), Entity::relationshipTable.end()},
+                             [] { return std::make_shared<Entity>(); });
 }
 
-/// Each index holds all that its list or count asks of a row, so that it is answered from the index alone; most leave out the
-/// tasks that are done. Their conditions are written as the queries write them, which is how SQLite knows them again.
+/// Each index holds all that its list or count asks of a row, so that it is answered from the index alone;
+/// most leave out the tasks that are done. Their conditions are written as the queries write them, which is
+/// how SQLite knows them again.
 EntityDescription describeTask()
 {
     constexpr std::string_view open = "\"status\" IS NOT 3";
     return describe<EntityTask>().followedUp().indexedBy({
         // Not Done and Today in their order.
         {"EntityTask_openByDueDate",
-         "\"dueDate\" DESC, \"title\", \"type\", \"status\", \"dueSomeDay\", \"startDate\", \"typeCalendarID\", \"priority\"",
+         "\"dueDate\" DESC, \"title\", \"type\", \"status\", \"dueSomeDay\", \"startDate\", "
+         "\"typeCalendarID\", \"priority\"",
          open},
         {"EntityTask_scheduled",
          "\"startDate\", \"title\", \"type\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
          "\"status\" IS NOT 3 AND \"dueSomeDay\" = 0"},
-        {"EntityTask_inbox", "\"position\", \"status\", \"dueSomeDay\", \"startDate\", \"type\", \"typeCalendarID\"",
+        {"EntityTask_inbox",
+         "\"position\", \"status\", \"dueSomeDay\", \"startDate\", \"type\", \"typeCalendarID\"",
          "\"startDate\" IS NULL AND \"type\" = 0"},
         {"EntityTask_someday", "\"title\", \"type\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
          "\"status\" IS NOT 3 AND \"dueSomeDay\" = 1"},
@@ -48,7 +52,8 @@ EntityDescription describeTask()
         {"EntityTask_withAlert", "\"alert\"", "\"alert\" IS NOT NULL"},
         {"EntityTask_withReminder", "\"remindID\"", "\"remindID\" IS NOT NULL"},
         {"EntityTask_category", "\"category\", \"status\", \"typeCalendarID\"", "\"category\" IS NOT NULL"},
-        {"EntityTask_delegate", "\"delegateToUser\", \"status\", \"typeCalendarID\"", "\"delegateToUser\" IS NOT NULL"},
+        {"EntityTask_delegate", "\"delegateToUser\", \"status\", \"typeCalendarID\"",
+         "\"delegateToUser\" IS NOT NULL"},
         {"EntityTask_project", "\"project\"", "\"project\" IS NOT NULL"},
         {"EntityTask_company", "\"company\"", "\"company\" IS NOT NULL"},
         {"EntityTask_location", "\"location\"", "\"location\" IS NOT NULL"},

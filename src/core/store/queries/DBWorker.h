@@ -34,8 +34,8 @@ struct TaskBadges
 
 /// The query layer: every list on the screen is one of its fetches. Stateless; main thread only.
 ///
-/// Lists of tasks leave out what lies on calendars that the user cannot see, except in the sample store. A fetch that
-/// fails is an empty list, with a line in the log.
+/// Lists of tasks leave out what lies on calendars that the user cannot see, except in the sample store. A
+/// fetch that fails is an empty list, with a line in the log.
 class DBWorker
 {
 public:
@@ -112,15 +112,17 @@ public:
 
     // Writers.
     /// The location of that title; a new one with these coordinates only if there is none yet.
-    static std::shared_ptr<EntityLocation> saveLocation(const QString &title, double latitude, double longitude);
+    static std::shared_ptr<EntityLocation> saveLocation(const QString &title, double latitude,
+                                                        double longitude);
     /// Deletes all index rows and saves.
     static void allSearchObjRemove();
 
     // The order of the Inbox.
     static int maxPositionTaskInbox();
-    /// Moves the tasks at some rows of the list on the screen to the place of the task at `toIndex` (one past the end
-    /// means the last), renumbers the whole Inbox from 1, and saves.
-    static void newPositionInboxTask(const std::set<int> &rows, int toIndex, const std::vector<TaskPtr> &currentTasks);
+    /// Moves the tasks at some rows of the list on the screen to the place of the task at `toIndex` (one past
+    /// the end means the last), renumbers the whole Inbox from 1, and saves.
+    static void newPositionInboxTask(const std::set<int> &rows, int toIndex,
+                                     const std::vector<TaskPtr> &currentTasks);
 
     // Counts.
     /// The number on the badge of the program: open tasks whose moment (a ToDo's day) has passed.

@@ -18,7 +18,8 @@ public:
     {
         return tasklists::context().count(EntityTask::fetchRequest().where(condition && visible));
     }
-    /// How many pass one of several conditions that exclude each other. Each is counted for itself, along a range of an index.
+    /// How many pass one of several conditions that exclude each other. Each is counted for itself, along a
+    /// range of an index.
     int count(const std::vector<Predicate> &parts) const
     {
         int sum = 0;
@@ -30,13 +31,15 @@ public:
     int countLate(const Lateness &lateness, const Predicate &condition) const
     {
         int sum = 0;
-        tasklists::context().visit(EntityTask::fetchRequest().where(condition && visible), {"type", "dueDate"},
+        tasklists::context().visit(EntityTask::fetchRequest().where(condition && visible),
+                                   {"type", "dueDate"},
                                    [&](const RowReader &row) { sum += isLate(lateness, row) ? 1 : 0; });
         return sum;
     }
     static bool isLate(const Lateness &lateness, const RowReader &row)
     {
-        const std::optional<int> type = row.isNull(0) ? std::nullopt : std::optional(static_cast<int>(row.integer(0)));
+        const std::optional<int> type =
+            row.isNull(0) ? std::nullopt : std::optional(static_cast<int>(row.integer(0)));
         return lateness.isLate(type, row.date(1));
     }
 
@@ -76,9 +79,10 @@ struct TypePart
 
 std::vector<TypePart> todayParts(Date end)
 {
-    return {{toDo, Predicate::format("type = %d and startDate <= %@", toDo, end) && openDated()},
-            {appointment, Predicate::format("type = %d and startDate <= %@", appointment, end) && openDated()},
-            {emailCall, Predicate::format("type = %d and dueDate <= %@", emailCall, end) && openDated()}};
+    return {
+        {toDo, Predicate::format("type = %d and startDate <= %@", toDo, end) && openDated()},
+        {appointment, Predicate::format("type = %d and startDate <= %@", appointment, end) && openDated()},
+        {emailCall, Predicate::format("type = %d and dueDate <= %@", emailCall, end) && openDated()}};
 }
 
 std::vector<Predicate> scheduledParts(Date end)
@@ -115,7 +119,8 @@ int DBWorker::countStaleTasks()
     const Counter counter;
     int count = counter.countLate(lateness, openTasks() && lateness.longPast());
     for (const int type : {toDo, appointment, emailCall})
-        count += counter.count(each(lateness.recentlyLate(type), openTasks() && Predicate::format("type = %d", type)));
+        count += counter.count(
+            each(lateness.recentlyLate(type), openTasks() && Predicate::format("type = %d", type)));
     // What is none of them counts as a ToDo.
     for (const Predicate &other : {Predicate::format("type = nil"), Predicate::format("type < %d", toDo),
                                    Predicate::format("type > %d", emailCall)})

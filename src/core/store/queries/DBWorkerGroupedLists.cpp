@@ -6,8 +6,8 @@
 #include <map>
 #include <unordered_map>
 
-// Lists with headers. A list is read once, in its order, and dealt out to its groups: each group then holds what a fetch
-// of its own would give, in the same order.
+// Lists with headers. A list is read once, in its order, and dealt out to its groups: each group then holds
+// what a fetch of its own would give, in the same order.
 
 using tasklists::Definition;
 using tasklists::Order;
@@ -101,7 +101,8 @@ TaskRows DBWorker::allDoneTasksGrouped(Grouping grouping)
 
 TaskRows DBWorker::allTasksWithDelegates()
 {
-    return groupedByObject(tasklists::notDone(), "delegateToUser", allDelegateds(), EntityNotValue::NoDelegate);
+    return groupedByObject(tasklists::notDone(), "delegateToUser", allDelegateds(),
+                           EntityNotValue::NoDelegate);
 }
 
 std::optional<TaskRows> DBWorker::allDoneTasks()
@@ -114,8 +115,8 @@ std::optional<TaskRows> DBWorker::allDoneTasks()
     tasklists::context().visit(tasklists::request(done), {"expirationDate"}, [&days](const RowReader &row) {
         // Rows come in order, so that nearly always the day is the last one.
         const Date moment = *row.date(0);
-        const bool isLastDay =
-            !days.empty() && moment >= days.rbegin()->first && moment <= MVDate::getEndOfDay(days.rbegin()->first);
+        const bool isLastDay = !days.empty() && moment >= days.rbegin()->first &&
+                               moment <= MVDate::getEndOfDay(days.rbegin()->first);
         days[isLastDay ? days.rbegin()->first : MVDate::getStartOfDay(moment)].push_back(row.rowId());
     });
     if (days.empty())

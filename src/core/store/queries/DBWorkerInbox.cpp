@@ -14,8 +14,8 @@ int DBWorker::maxPositionTaskInbox()
 
 namespace {
 
-/// Moves the tasks at some places to the place of a target. What lay below the target pushes it down by one as it is taken
-/// out; what lay behind it is put in at it, one by one.
+/// Moves the tasks at some places to the place of a target. What lay below the target pushes it down by one
+/// as it is taken out; what lay behind it is put in at it, one by one.
 void moveTo(std::vector<TaskPtr> &tasks, const std::set<size_t> &places, size_t target)
 {
     size_t offset = 0;
@@ -34,7 +34,8 @@ void moveTo(std::vector<TaskPtr> &tasks, const std::set<size_t> &places, size_t 
 
 } // namespace
 
-void DBWorker::newPositionInboxTask(const std::set<int> &rows, int toIndex, const std::vector<TaskPtr> &currentTasks)
+void DBWorker::newPositionInboxTask(const std::set<int> &rows, int toIndex,
+                                    const std::vector<TaskPtr> &currentTasks)
 {
     if (currentTasks.empty() || toIndex < 0)
         return;

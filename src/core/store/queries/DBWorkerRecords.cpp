@@ -78,8 +78,9 @@ std::vector<ContactPtr> DBWorker::allDelegateds(const FilterEntry *filter)
 
 ObjectList<EntityContacts> DBWorker::selectContactsWithPredicates(const std::vector<Predicate> &predicates)
 {
-    return context().fetch<EntityContacts>(
-        EntityContacts::fetchRequest().where(Predicate::allOf(predicates)).sortedBy({ascending("firstName")}));
+    return context().fetch<EntityContacts>(EntityContacts::fetchRequest()
+                                               .where(Predicate::allOf(predicates))
+                                               .sortedBy({ascending("firstName")}));
 }
 
 ObjectList<EntityContactGroup> DBWorker::allContactPrivateGroup()
@@ -176,7 +177,8 @@ std::optional<ObjectListBase> DBWorker::getAllObjectsOFEntity(const std::string 
         FetchRequest(entity).where(Predicate::allOf(all)).sortedBy(usingSortDescriptors));
 }
 
-std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, double latitude, double longitude)
+std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, double latitude,
+                                                       double longitude)
 {
     auto location = context().fetchFirst<EntityLocation>(
         EntityLocation::fetchRequest().where(Predicate::format("title = %@", title)));

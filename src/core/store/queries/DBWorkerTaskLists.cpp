@@ -15,7 +15,8 @@ constexpr int statusDone = static_cast<int>(TaskStatus::Done);
 TaskList listOf(const Definition &definition, const FilterEntry *filter = nullptr)
 {
     std::vector<RowId> rows;
-    for (const tasklists::PlacedRow &placed : tasklists::placedRows(definition, DBWorker::predicateTasks(filter)))
+    for (const tasklists::PlacedRow &placed :
+         tasklists::placedRows(definition, DBWorker::predicateTasks(filter)))
         rows.push_back(placed.row);
     return tasklists::list(std::move(rows));
 }
@@ -94,13 +95,16 @@ TaskList DBWorker::getAllTasksWithAlert()
 
 TaskPtr DBWorker::getFirstTaskByTitle(const QString &title)
 {
-    return visible(Predicate::format("title = %@ && status != %i", title, statusDone), {ascending("startDate")}).first();
+    return visible(Predicate::format("title = %@ && status != %i", title, statusDone),
+                   {ascending("startDate")})
+        .first();
 }
 
 TaskList DBWorker::getSampleNotDoneTask()
 {
-    return tasklists::context().fetch<EntityTask>(
-        EntityTask::fetchRequest().where(Predicate::format("status <> %d", statusDone)).sortedBy({ascending("startDate")}));
+    return tasklists::context().fetch<EntityTask>(EntityTask::fetchRequest()
+                                                      .where(Predicate::format("status <> %d", statusDone))
+                                                      .sortedBy({ascending("startDate")}));
 }
 
 TaskList DBWorker::getAllTaskWithType(int type, Date atDay, bool includeDoneTasks)
@@ -108,8 +112,8 @@ TaskList DBWorker::getAllTaskWithType(int type, Date atDay, bool includeDoneTask
     const Date start = MVDate::getStartOfDay(atDay);
     const Date end = MVDate::getEndOfDay(atDay);
     const Predicate onDay = Predicate::format(
-        "(type = %d) and ((startDate >= %@ and startDate <= %@) || (dueDate >= %@ and dueDate <= %@))", type, start, end,
-        start, end);
+        "(type = %d) and ((startDate >= %@ and startDate <= %@) || (dueDate >= %@ and dueDate <= %@))", type,
+        start, end, start, end);
     const Predicate open = Predicate::format("status <> %d", statusDone);
     return visible(includeDoneTasks ? onDay : open && onDay, {ascending("startDate")});
 }

@@ -15,7 +15,8 @@ bool isMoment(std::optional<int> type)
     return type == static_cast<int>(TaskType::Appointment) || type == static_cast<int>(TaskType::EmailCall);
 }
 
-/// Days on which a ToDo was due and is late now, from the start of the first to the start of the one behind the last.
+/// Days on which a ToDo was due and is late now, from the start of the first to the start of the one behind
+/// the last.
 struct Span
 {
     Date start;
@@ -62,10 +63,10 @@ const std::vector<Span> &recentSpans(Date firstDay, Date startOfToday)
 } // namespace
 
 Lateness::Lateness()
-    : now(Clock::now()), today(MVDate::dayByPattern(now)),
-      recentStart(MVDate::getStartOfDay(MVDate::addDay(-recentDays, MVDate::getStartOfDay(now))))
-{
-}
+    : now(Clock::now())
+    , today(MVDate::dayByPattern(now))
+    , recentStart(MVDate::getStartOfDay(MVDate::addDay(-recentDays, MVDate::getStartOfDay(now))))
+{}
 
 bool Lateness::isLate(std::optional<int> type, OptionalDate dueDate) const
 {
@@ -80,7 +81,8 @@ std::vector<Predicate> Lateness::recentlyLate(std::optional<int> type) const
         return {Predicate::format("dueDate >= %@ and dueDate < %@", recentStart, now)};
     std::vector<Predicate> parts;
     for (const Span &span : recentSpans(recentStart, MVDate::getStartOfDay(now)))
-        parts.push_back(Predicate::format("dueDate >= %@ and dueDate < %@", span.start, std::min(span.end, now)));
+        parts.push_back(
+            Predicate::format("dueDate >= %@ and dueDate < %@", span.start, std::min(span.end, now)));
     return parts;
 }
 

@@ -15,18 +15,20 @@ constexpr int appointment = static_cast<int>(TaskType::Appointment);
 constexpr int emailCall = static_cast<int>(TaskType::EmailCall);
 constexpr int statusDone = static_cast<int>(TaskStatus::Done);
 
-/// The calendars that tasks name, each once. An index gives the next greater one, so that this takes a step for each calendar
-/// and none for each task.
+/// The calendars that tasks name, each once. An index gives the next greater one, so that this takes a step
+/// for each calendar and none for each task.
 std::vector<QString> namedCalendars()
 {
     std::vector<QString> references;
     const auto nextAfter = [&references](const QString &last) {
-        const FetchRequest next = EntityTask::fetchRequest()
-                                      .where(Predicate::format("typeCalendarID != nil and typeCalendarID > %@", last))
-                                      .sortedBy({ascending("typeCalendarID")})
-                                      .limitedTo(1);
+        const FetchRequest next =
+            EntityTask::fetchRequest()
+                .where(Predicate::format("typeCalendarID != nil and typeCalendarID > %@", last))
+                .sortedBy({ascending("typeCalendarID")})
+                .limitedTo(1);
         const size_t known = references.size();
-        context().visit(next, {"typeCalendarID"}, [&references](const RowReader &row) { references.push_back(row.text(0)); });
+        context().visit(next, {"typeCalendarID"},
+                        [&references](const RowReader &row) { references.push_back(row.text(0)); });
         return references.size() > known;
     };
     while (nextAfter(references.empty() ? QStringLiteral("") : references.back())) {
@@ -48,7 +50,8 @@ ManagedObjectContext &context()
 
 Definition inbox()
 {
-    return {Predicate::format("status != %d and dueSomeDay != true and startDate ==  nil and type == %d", statusDone, toDo),
+    return {Predicate::format("status != %d and dueSomeDay != true and startDate ==  nil and type == %d",
+                              statusDone, toDo),
             {ascending("position")},
             Order::Fetched};
 }
@@ -56,9 +59,10 @@ Definition inbox()
 Definition today()
 {
     const Date end = endOfToday();
-    return {Predicate::format("((type = %d and dueDate <= %@) or ( (type = %d or type = %d) and startDate <> nil and "
-                              "startDate <= %@)) and (status <> %d) and (dueSomeDay = %@)",
-                              emailCall, end, toDo, appointment, end, statusDone, 0),
+    return {Predicate::format(
+                "((type = %d and dueDate <= %@) or ( (type = %d or type = %d) and startDate <> nil and "
+                "startDate <= %@)) and (status <> %d) and (dueSomeDay = %@)",
+                emailCall, end, toDo, appointment, end, statusDone, 0),
             {descending("dueDate"), ascending("title")},
             Order::ByDue};
 }
@@ -66,25 +70,28 @@ Definition today()
 Definition scheduled()
 {
     const Date end = endOfToday();
-    return {Predicate::format(
-                "(((type = %d or type = %d) and startDate <> nil and dueDate <> nil and startDate > %@) or (type = %d "
-                "and dueDate <> nil and dueDate > %@)) and (status <> %d) and (dueSomeDay = %@)",
-                toDo, appointment, end, emailCall, end, statusDone, false),
-            {ascending("startDate"), ascending("title")},
-            Order::ByStart};
+    return {
+        Predicate::format("(((type = %d or type = %d) and startDate <> nil and dueDate <> nil and startDate "
+                          "> %@) or (type = %d "
+                          "and dueDate <> nil and dueDate > %@)) and (status <> %d) and (dueSomeDay = %@)",
+                          toDo, appointment, end, emailCall, end, statusDone, false),
+        {ascending("startDate"), ascending("title")},
+        Order::ByStart};
 }
 
 Definition someday()
 {
-    return {Predicate::format("(type = %d or type = %d) and (status <> %d) and (dueSomeDay = %@)", toDo, emailCall,
-                              statusDone, true),
+    return {Predicate::format("(type = %d or type = %d) and (status <> %d) and (dueSomeDay = %@)", toDo,
+                              emailCall, statusDone, true),
             {ascending("title")},
             Order::Fetched};
 }
 
 Definition notDone()
 {
-    return {Predicate::format("status != %d", statusDone), {descending("dueDate"), ascending("title")}, Order::ByDue};
+    return {Predicate::format("status != %d", statusDone),
+            {descending("dueDate"), ascending("title")},
+            Order::ByDue};
 }
 
 Definition done()
@@ -151,7 +158,9 @@ KeyedRow keyedRow(Order order, const RowReader &row, listorder::EffectiveDates &
     case Order::ByDue:
         return {{row.rowId(), dates.due(optionalInteger(row, 0), row.date(1)), row.integer(2) != 0}, {}, {}};
     case Order::ByStart:
-        return {{row.rowId(), dates.start(optionalInteger(row, 0), row.date(1), row.date(2)), false}, {}, row.text(3)};
+        return {{row.rowId(), dates.start(optionalInteger(row, 0), row.date(1), row.date(2)), false},
+                {},
+                row.text(3)};
     case Order::Fetched:
         break;
     }

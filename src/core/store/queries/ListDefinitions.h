@@ -32,7 +32,8 @@ Definition someday();
 Definition notDone();
 Definition done();
 
-/// Passes the tasks whose calendar the user can see: all of them in the sample store, and where no task lies on another.
+/// Passes the tasks whose calendar the user can see: all of them in the sample store, and where no task lies
+/// on another.
 Predicate visibleTasks();
 
 /// A definition with a filter and the condition of visibility, ready to be fetched.

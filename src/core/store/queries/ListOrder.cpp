@@ -62,8 +62,9 @@ std::vector<TaskPtr> sortedTasks(std::vector<TaskPtr> tasks, MakeDate makeDate, 
     keyed.reserve(tasks.size());
     for (TaskPtr &task : tasks)
         keyed.emplace_back(Key{0, makeDate(*task), task->dueSomeDay().value_or(false)}, std::move(task));
-    listorder::sortOneSided(
-        keyed, [isAfter](const auto &first, const auto &second) { return isAfter(first.first, second.first); });
+    listorder::sortOneSided(keyed, [isAfter](const auto &first, const auto &second) {
+        return isAfter(first.first, second.first);
+    });
     for (size_t place = 0; place < keyed.size(); ++place)
         tasks[place] = std::move(keyed[place].second);
     return tasks;

@@ -6,7 +6,8 @@
 #include <optional>
 #include <vector>
 
-/// The orders of task lists, on keys rather than on tasks, so that a list can be put in order without loading it.
+/// The orders of task lists, on keys rather than on tasks, so that a list can be put in order without loading
+/// it.
 namespace listorder {
 
 /// What one task's place depends on.
@@ -18,13 +19,14 @@ struct Key
     bool isSomeday = false;
 };
 
-/// Turns due dates into effective ones: the end of its day for a ToDo (also one without a type), else the moment itself.
-/// Remembers the last day, since rows come day by day.
+/// Turns due dates into effective ones: the end of its day for a ToDo (also one without a type), else the
+/// moment itself. Remembers the last day, since rows come day by day.
 class EffectiveDates
 {
 public:
     OptionalDate due(std::optional<int> type, OptionalDate dueDate);
-    /// The effective start: the due date of an Email/Call, the start of an Appointment, else the end of the start day.
+    /// The effective start: the due date of an Email/Call, the start of an Appointment, else the end of the
+    /// start day.
     OptionalDate start(std::optional<int> type, OptionalDate startDate, OptionalDate dueDate);
 
 private:
@@ -34,7 +36,8 @@ private:
     Date dayEnd;
 };
 
-/// Whether the first row comes after the second by due date. False also where the two are equal or cannot be compared.
+/// Whether the first row comes after the second by due date. False also where the two are equal or cannot be
+/// compared.
 bool isAfterByDue(const Key &first, const Key &second);
 /// The same by start, for which undated rows never come after another.
 bool isAfterByStart(const Key &first, const Key &second);

@@ -23,8 +23,9 @@ TaskRows TaskRows::flat(TaskList tasks, bool alwaysEnds)
 /// The group that a row of a header or task lies in, or null for a separator.
 const TaskRows::Group *TaskRows::groupAt(int row) const
 {
-    const auto next = std::upper_bound(groups.begin(), groups.end(), row,
-                                       [](int wanted, const Group &group) { return wanted < group.firstRow; });
+    const auto next = std::upper_bound(groups.begin(), groups.end(), row, [](int wanted, const Group &group) {
+        return wanted < group.firstRow;
+    });
     if (next == groups.begin())
         return nullptr;
     const Group &group = *(next - 1);

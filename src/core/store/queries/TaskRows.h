@@ -38,13 +38,15 @@ struct DayHeader
 };
 
 /// What stands above a group of tasks.
-using GroupHeader = std::variant<CategoryPtr, ProjectPtr, ContactPtr, PriorityHeader, DayHeader, EntityNotValue>;
+using GroupHeader =
+    std::variant<CategoryPtr, ProjectPtr, ContactPtr, PriorityHeader, DayHeader, EntityNotValue>;
 
-/// One row of a task list: a task, a header or a gap. A task that was deleted since the list was made is null.
+/// One row of a task list: a task, a header or a gap. A task that was deleted since the list was made is
+/// null.
 using TaskRow = std::variant<TaskPtr, GroupHeader, EntitySeperator>;
 
-/// The rows of a task list: groups of tasks under headers, a separator between groups and one at the end. A flat list
-/// is a single group without a header. Tasks are loaded when their row is looked at.
+/// The rows of a task list: groups of tasks under headers, a separator between groups and one at the end. A
+/// flat list is a single group without a header. Tasks are loaded when their row is looked at.
 class TaskRows
 {
 public:
@@ -52,8 +54,8 @@ public:
     void appendGroup(std::optional<GroupHeader> header, TaskList tasks);
     /// The gap after the last row.
     void appendSeparator() { hasTrailingSeparator = true; }
-    /// What a screen shows of an ungrouped list: the tasks, and a separator as the last row. An empty list gets
-    /// none, unless `alwaysEnds` asks for it.
+    /// What a screen shows of an ungrouped list: the tasks, and a separator as the last row. An empty list
+    /// gets none, unless `alwaysEnds` asks for it.
     static TaskRows flat(TaskList tasks, bool alwaysEnds = false);
 
     int size() const { return taskAndHeaderRows + (hasTrailingSeparator ? 1 : 0); }

@@ -12,7 +12,8 @@ public:
     qint64 rightIntervalAccessCalendar() const;
     /// How many future occurrences of a repeated event become tasks: 1, 3 or 7.
     qint64 calendarFrequencyDay() const;
-    /// 0: first name first; otherwise last name first. Chinese, Japanese and Korean decide before the setting.
+    /// 0: first name first; otherwise last name first. Chinese, Japanese and Korean decide before the
+    /// setting.
     qint64 contactsDisplayOrder() const;
     /// Rows of the time grid of a day: half an hour each.
     qint64 rowCount() const { return 48; }

@@ -21,7 +21,8 @@ protected:
                     name, [this](const Notification &one) { names.append(one.name.toString()); }));
         }
     };
-    static MVTask copyOf(TaskType type, OptionalDate start, OptionalDate due, std::optional<bool> someday = {})
+    static MVTask copyOf(TaskType type, OptionalDate start, OptionalDate due,
+                         std::optional<bool> someday = {})
     {
         MVTask copy;
         copy.title = u"  task \n"_qs;
@@ -45,17 +46,34 @@ TEST_F(DateRules, RefuseInTheirOrderWithTheirWords)
         QString title, message, posted;
     };
     const std::vector<Case> cases = {
-        {TaskType::ToDo, ten, nine, u"Invalid Due Date"_qs, u"Due Date can't be less than Start Date!"_qs, u"ReloadTasks"_qs},
-        {TaskType::Appointment, {}, ten, u"Invalid Start Date"_qs,
-         u"Since task type is Appointment - Start Date can't be empty!"_qs, u"TaskChange"_qs},
-        {TaskType::Appointment, nine, {}, u"Invalid Due Date"_qs,
-         u"Since task type is Appointment - Due Date can't be empty!"_qs, u"TaskChange"_qs},
+        {TaskType::ToDo, ten, nine, u"Invalid Due Date"_qs, u"Due Date can't be less than Start Date!"_qs,
+         u"ReloadTasks"_qs},
+        {TaskType::Appointment,
+         {},
+         ten,
+         u"Invalid Start Date"_qs,
+         u"Since task type is Appointment - Start Date can't be empty!"_qs,
+         u"TaskChange"_qs},
+        {TaskType::Appointment,
+         nine,
+         {},
+         u"Invalid Due Date"_qs,
+         u"Since task type is Appointment - Due Date can't be empty!"_qs,
+         u"TaskChange"_qs},
         {TaskType::Appointment, nine + Seconds(30), nine + Seconds(50), u"Invalid Date"_qs,
          u"Due Date can't be the same as Start Date!"_qs, u"TaskChange"_qs},
-        {TaskType::EmailCall, nine, {}, u"Invalid Start Date"_qs,
-         u"Since task type is Email/Call - Start Date can't be empty!"_qs, u"TaskChange"_qs},
-        {TaskType::ToDo, nine, {}, u"Invalid Due Date"_qs,
-         u"Since task type is ToDo and Start Date is not empty - Due Date can't be empty too!"_qs, u"TaskChange"_qs}};
+        {TaskType::EmailCall,
+         nine,
+         {},
+         u"Invalid Start Date"_qs,
+         u"Since task type is Email/Call - Start Date can't be empty!"_qs,
+         u"TaskChange"_qs},
+        {TaskType::ToDo,
+         nine,
+         {},
+         u"Invalid Due Date"_qs,
+         u"Since task type is ToDo and Start Date is not empty - Due Date can't be empty too!"_qs,
+         u"TaskChange"_qs}};
     for (const Case &one : cases) {
         const ScriptedAlerts alerts({1000});
         const Posted posted;
@@ -71,8 +89,9 @@ TEST_F(DateRules, RefuseInTheirOrderWithTheirWords)
 
 TEST_F(DateRules, PassWhatIsWhole)
 {
-    for (MVTask copy : {copyOf(TaskType::ToDo, {}, {}), copyOf(TaskType::ToDo, {}, ten),
-                        copyOf(TaskType::Appointment, nine, {}, true), copyOf(TaskType::EmailCall, {}, {}, true)}) {
+    for (MVTask copy :
+         {copyOf(TaskType::ToDo, {}, {}), copyOf(TaskType::ToDo, {}, ten),
+          copyOf(TaskType::Appointment, nine, {}, true), copyOf(TaskType::EmailCall, {}, {}, true)}) {
         const Posted posted;
         EXPECT_TRUE(TaskManager::saveTaskTemp(copy, true));
         EXPECT_EQ(copy.title, u"task"_qs);

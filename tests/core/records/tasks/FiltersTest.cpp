@@ -21,7 +21,10 @@ protected:
         entry.insert(u"Enabled"_qs, 1);
         return entry;
     }
-    static QStringList filtered(const FilterEntry &entry) { return titles(DBWorker::allNotDoneTasks(&entry)); }
+    static QStringList filtered(const FilterEntry &entry)
+    {
+        return titles(DBWorker::allNotDoneTasks(&entry));
+    }
     static QStringList filtered(const QString &key, const QVariant &value)
     {
         return filtered(with(key, {{u"Value"_qs, value}}));
@@ -42,7 +45,8 @@ TEST_F(Filters, AreSeededOffAndConstrainNothing)
 
 TEST_F(Filters, NarrowAListByEachCriterion)
 {
-    const TaskPtr cafe = add(u"Café visit"_qs, TaskType::ToDo, localDate(2026, 11, 25), localDate(2026, 11, 25, 23, 59));
+    const TaskPtr cafe =
+        add(u"Café visit"_qs, TaskType::ToDo, localDate(2026, 11, 25), localDate(2026, 11, 25, 23, 59));
     const TaskPtr call = add(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 12, 24, 9));
     cafe->setCategory(EntityCategory::title(u"Work"_qs));
     cafe->setTags({context().insert<EntityTags>()});
@@ -61,7 +65,8 @@ TEST_F(Filters, NarrowAListByEachCriterion)
     EXPECT_EQ(filtered(u"Tags"_qs, QVariantList()), onlyCall);
     EXPECT_EQ(filtered(u"Tags"_qs, u"a text"_qs).size(), 2);
     const auto period = [](Date from, Date to) {
-        return with(u"Period"_qs, {{u"From"_qs, QVariant::fromValue(from)}, {u"To"_qs, QVariant::fromValue(to)}});
+        return with(u"Period"_qs,
+                    {{u"From"_qs, QVariant::fromValue(from)}, {u"To"_qs, QVariant::fromValue(to)}});
     };
     // The start of a day counts for a ToDo that starts with it, though the period begins at noon.
     cafe->setCreationDate(localDate(2020, 1, 1));

@@ -19,8 +19,10 @@ protected:
 
 TEST_F(RowContent, SaysWhenInTheWordsOfItsListAndType)
 {
-    const TaskPtr toDo = add(u"a"_qs, TaskType::ToDo, localDate(2026, 11, 22), localDate(2026, 11, 24, 23, 59));
-    const TaskPtr meeting = add(u"b"_qs, TaskType::Appointment, localDate(2026, 11, 22, 9), localDate(2026, 11, 22, 10));
+    const TaskPtr toDo =
+        add(u"a"_qs, TaskType::ToDo, localDate(2026, 11, 22), localDate(2026, 11, 24, 23, 59));
+    const TaskPtr meeting =
+        add(u"b"_qs, TaskType::Appointment, localDate(2026, 11, 22, 9), localDate(2026, 11, 22, 10));
     const TaskPtr call = add(u"c"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 21, 15));
     EXPECT_EQ(label(toDo), u"Due on Nov 24, 2026"_qs);
     EXPECT_EQ(label(toDo, ListType::Scheduled), u"Start Tomorrow"_qs);
@@ -36,7 +38,8 @@ TEST_F(RowContent, MarksWhatIsOverdue)
 {
     const TaskPtr today = add(u"a"_qs, TaskType::ToDo, {}, localDate(2026, 11, 21));
     const TaskPtr yesterday = add(u"b"_qs, TaskType::ToDo, {}, localDate(2026, 11, 20, 23, 59));
-    const TaskPtr ended = add(u"c"_qs, TaskType::Appointment, localDate(2026, 11, 21, 8), localDate(2026, 11, 21, 9));
+    const TaskPtr ended =
+        add(u"c"_qs, TaskType::Appointment, localDate(2026, 11, 21, 8), localDate(2026, 11, 21, 9));
     EXPECT_FALSE(isOverdue(today));
     EXPECT_TRUE(isOverdue(yesterday));
     EXPECT_TRUE(isOverdue(yesterday, ListType::Scheduled));

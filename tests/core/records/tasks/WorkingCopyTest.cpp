@@ -7,8 +7,7 @@
 namespace {
 
 class WorkingCopy : public CoreTest
-{
-};
+{};
 
 TEST_F(WorkingCopy, FillsOnlyWhatIsStillEmpty)
 {
@@ -74,8 +73,9 @@ TEST_F(WorkingCopy, TellsWhetherAnEditorChangedIt)
     EXPECT_FALSE(copy.isChangedTask()) << "An empty text and none are the same";
     for (const auto &change : std::vector<std::function<void(MVTask &)>>{
              [](MVTask &task) { task.title = u"x"_qs; }, [](MVTask &task) { task.alert = Clock::now(); },
-             [](MVTask &task) { task.endRepeat = Clock::now(); }, [](MVTask &task) { task.colorCalendarA = 0.5; },
-             [](MVTask &task) { task.dueSomeDay = true; }, [](MVTask &task) { task.position = 9; },
+             [](MVTask &task) { task.endRepeat = Clock::now(); },
+             [](MVTask &task) { task.colorCalendarA = 0.5; }, [](MVTask &task) { task.dueSomeDay = true; },
+             [](MVTask &task) { task.position = 9; },
              [](MVTask &task) { task.category = EntityCategory::title(u"Work"_qs); }}) {
         MVTask changed(row);
         change(changed);
@@ -111,7 +111,8 @@ TEST_F(WorkingCopy, MeasuresAlertsFromTheBaseDate)
     EXPECT_EQ(MVTask::timeIntervalAlertOfTask(*meeting), 0.0);
     meeting->setAlert(localDate(2026, 11, 25, 8, 45));
     EXPECT_EQ(MVTask::timeIntervalAlertOfTask(*meeting), -900.0);
-    const TaskPtr call = add(u"call"_qs, TaskType::EmailCall, localDate(2026, 11, 1), localDate(2026, 11, 25, 10));
+    const TaskPtr call =
+        add(u"call"_qs, TaskType::EmailCall, localDate(2026, 11, 1), localDate(2026, 11, 25, 10));
     call->setSecondAlert(localDate(2026, 11, 25, 10, 1));
     EXPECT_EQ(MVTask::timeIntervalSecondAlertOfTask(*call), 60.0);
 }
@@ -137,7 +138,8 @@ TEST_F(WorkingCopy, SeesWhatItCollidesWith)
               u"There is task 'lunch' with Start Date '12:00 PM' and Due Date '1:00 PM'"_qs);
     copy.type = 2;
     EXPECT_TRUE(collides(10, 0, 15, 0));
-    EXPECT_EQ(alerts.asked()[2].informativeText, u"There is task  'ring'  with Start Date  '3:00\u202fPM'  "_qs);
+    EXPECT_EQ(alerts.asked()[2].informativeText,
+              u"There is task  'ring'  with Start Date  '3:00\u202fPM'  "_qs);
 }
 
 TEST_F(WorkingCopy, BecomesAMailDraft)
