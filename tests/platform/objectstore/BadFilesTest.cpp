@@ -81,6 +81,8 @@ TEST_F(BadFiles, whatIsNoStoreIsRefusedAndLeftAsItIs)
 TEST_F(BadFiles, aFileOfAnotherProgramOrANewerVersionIsRefused)
 {
     library.elsewhere("PRAGMA user_version = 4");
+    copyWithLog(library.file("crashed"));
+    expectRefusal(library.file("crashed"), "newer version");
     library.close();
     expectRefusal(library.path(), "newer version");
     library.elsewhere("PRAGMA user_version = 3; PRAGMA application_id = 77");

@@ -143,7 +143,8 @@ TEST_F(FailingSaves, aFullDiskLosesNothing)
     }
     library.save();
     expectOnce();
-    EXPECT_EQ(list.at(list.size() - 1)->pages(), 299) << "lists know the rows that were written again";
+    ASSERT_NE(list.last(), nullptr);
+    EXPECT_EQ(list.last()->pages(), 299) << "lists know the rows that were written again";
     EXPECT_FALSE(library->undo());
     EXPECT_NE(library.find("Deleted"), nullptr);
 }
