@@ -110,7 +110,7 @@ void MainWindowController::bindLists()
 {
     for (const ActionDescription &description : Actions::table()) {
         if (const auto list = Actions::listOf(description.id))
-            actions->bind(description.id, [this, list] { showList(*list); });
+            actions->bind(description.id, [this, list] { goToList(*list); });
     }
 }
 
@@ -166,6 +166,14 @@ void MainWindowController::showAbout()
 void MainWindowController::showList(SidebarItem item)
 {
     mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOf(item));
+}
+
+/// By command one goes to a list to work in it: its rows take the keys. Walking through the sidebar leaves them there.
+void MainWindowController::goToList(SidebarItem item)
+{
+    showList(item);
+    if (screen && screen->focusProxy())
+        screen->setFocus(Qt::ShortcutFocusReason);
 }
 
 void MainWindowController::loadContactsGroup()

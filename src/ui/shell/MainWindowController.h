@@ -33,6 +33,8 @@ public:
     void showWindow();
     /// Shows the screen of a list, opening what its row lies in.
     void showList(SidebarItem item);
+    /// The same, and puts the focus into its rows.
+    void goToList(SidebarItem item);
     /// Opens the window for a new task; one that is open is brought to the front as it is.
     void showNewTask(const NewTaskRequest &request);
     /// Asks about every window with something typed. False if one of them is to stay.

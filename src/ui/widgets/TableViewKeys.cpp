@@ -59,6 +59,19 @@ bool TableViewExtended::event(QEvent *event)
     return QAbstractItemView::event(event);
 }
 
+/// Whoever comes by key finds a row selected, so that the next key has something to act on.
+void TableViewExtended::focusInEvent(QFocusEvent *event)
+{
+    QAbstractItemView::focusInEvent(event);
+    const bool isByKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
+                         event->reason() == Qt::ShortcutFocusReason;
+    if (!isByKey || hasSelectedRows() || !rowsModel)
+        return;
+    const int row = rowsModel->nearestItem(std::max(currentRow(), 0), 1);
+    if (row >= 0)
+        selectRow(row);
+}
+
 void TableViewExtended::keyPressEvent(QKeyEvent *event)
 {
     const bool isPlain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;

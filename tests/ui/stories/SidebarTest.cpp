@@ -47,6 +47,20 @@ TEST_F(SidebarTest, PressingTasksOpensItOnTheInboxAndPressingAgainClosesIt)
     EXPECT_EQ(screen().type(), ListType::Inbox);
 }
 
+TEST_F(SidebarTest, ACommandGoesToAListAndGivesItTheKeys)
+{
+    addInbox({u"First"_s, u"Second"_s});
+    outline().setFocus();
+    run(ActionId::ShowInbox);
+    EXPECT_EQ(QApplication::focusWidget(), &list());
+    EXPECT_EQ(selectedTitles(), QStringList(u"First"_s));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    EXPECT_EQ(selectedTitles(), QStringList(u"Second"_s));
+    outline().setFocus();
+    run(ActionId::ShowCalendar);
+    EXPECT_EQ(QApplication::focusWidget(), &outline()) << "A screen without rows takes no keys";
+}
+
 TEST_F(SidebarTest, TheKeysReachEveryRowAndHeadingsAreNeverSelected)
 {
     pressSidebar(SidebarItem::Projects);
