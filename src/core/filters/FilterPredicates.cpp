@@ -1,7 +1,6 @@
 #include "filters/FilterEntries.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/UserDefaults.h"
-#include "records/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/DBWorker.h"

@@ -1,7 +1,6 @@
 #include "records/MVTask.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "foundation/Localization.h"
 #include "records/Functional.h"
 #include "records/TaskManager.h"
 #include "records/dates/MVDate.h"

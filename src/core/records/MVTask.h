@@ -7,11 +7,6 @@
 
 class DatePickerState;
 
-/// The type of a task; its rules for dates hang on it.
-enum class TaskType { ToDo = 0, Appointment = 1, EmailCall = 2 };
-enum class TaskStatus { Open = 0, InProgress = 1, Pending = 2, Done = 3 };
-enum class Priority { High = 0, Medium = 1, Low = 2, None = 3 };
-
 /// A working copy of a task: a screen fills it, changes it freely, and nothing reaches the store before
 /// `save`.
 ///
@@ -74,7 +69,8 @@ public:
 
     /// True from the save that made the row until the next one.
     bool isNewTask() const { return isNew; }
-    bool isToDo() const { return type == static_cast<int>(TaskType::ToDo); }
+    /// What has no type is a ToDo.
+    bool isToDo() const { return type.value_or(0) == static_cast<int>(TaskType::ToDo); }
     bool isAppointment() const { return type == static_cast<int>(TaskType::Appointment); }
     bool isEmailCall() const { return type == static_cast<int>(TaskType::EmailCall); }
 

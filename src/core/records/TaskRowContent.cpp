@@ -1,7 +1,6 @@
 #include "records/TaskRowContent.h"
 
 #include "foundation/Localization.h"
-#include "records/MVTask.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/Entities.h"
 
@@ -12,18 +11,13 @@ bool isOfType(const EntityTask &task, TaskType type)
     return task.type() == static_cast<int>(type);
 }
 
-bool isToDo(const EntityTask &task)
-{
-    return !isOfType(task, TaskType::Appointment) && !isOfType(task, TaskType::EmailCall);
-}
-
 bool isLate(const EntityTask &task, ListType list)
 {
     const OptionalDate due = task.dueDate();
     if (list == ListType::Done || !due)
         return false;
     const Date now = MVDate::date();
-    return isToDo(task) ? *due < MVDate::getStartOfDay(now) : *due < now;
+    return *due < (isMoment(task.type()) ? now : MVDate::getStartOfDay(now));
 }
 
 QString label(OptionalDate date, bool considerTime, bool inOrderToStartDate, bool isEmailCall)

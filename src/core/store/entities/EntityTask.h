@@ -3,6 +3,7 @@
 #include "objectstore/FetchRequest.h"
 #include "objectstore/ObjectList.h"
 #include "objectstore/TypedObject.h"
+#include "store/entities/TaskValues.h"
 #include "usernotifications/UserNotificationCenter.h"
 
 class EntityCategory;

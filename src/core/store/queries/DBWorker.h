@@ -81,6 +81,8 @@ public:
     static TaskPtr getFirstTaskByTitle(const QString &title);
     static TaskList getSampleNotDoneTask();
     static TaskList getAllTaskWithType(int type, Date atDay, bool includeDoneTasks);
+    /// The Appointments, mails and calls due on a day, done ones included.
+    static TaskList getTimeItemsForDate(Date date);
     static TaskList allDelayTasks();
 
     // Other entities.

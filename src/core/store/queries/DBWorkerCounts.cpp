@@ -1,5 +1,5 @@
-#include "records/MVTask.h"
 #include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/Lateness.h"
 #include "store/queries/ListDefinitions.h"
@@ -16,7 +16,7 @@ class Counter
 public:
     int count(const Predicate &condition) const
     {
-        return tasklists::context().count(EntityTask::fetchRequest().where(condition && visible));
+        return mainContext().count(EntityTask::fetchRequest().where(condition && visible));
     }
     /// How many pass one of several conditions that exclude each other. Each is counted for itself, along a
     /// range of an index.
@@ -31,9 +31,8 @@ public:
     int countLate(const Lateness &lateness, const Predicate &condition) const
     {
         int sum = 0;
-        tasklists::context().visit(EntityTask::fetchRequest().where(condition && visible),
-                                   {"type", "dueDate"},
-                                   [&](const RowReader &row) { sum += isLate(lateness, row) ? 1 : 0; });
+        mainContext().visit(EntityTask::fetchRequest().where(condition && visible), {"type", "dueDate"},
+                            [&](const RowReader &row) { sum += isLate(lateness, row) ? 1 : 0; });
         return sum;
     }
     static bool isLate(const Lateness &lateness, const RowReader &row)
@@ -136,7 +135,7 @@ TaskList DBWorker::allDelayTasks()
         EntityTask::fetchRequest()
             .where(openTasks() && Predicate::format("dueDate != nil") && tasklists::visibleTasks())
             .sortedBy({ascending("title")});
-    tasklists::context().visit(dated, {"type", "dueDate"}, [&](const RowReader &row) {
+    mainContext().visit(dated, {"type", "dueDate"}, [&](const RowReader &row) {
         if (Counter::isLate(lateness, row))
             rows.push_back(row.rowId());
     });

@@ -1,5 +1,5 @@
-#include "records/MVTask.h"
 #include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListDefinitions.h"
 
@@ -112,7 +112,7 @@ std::optional<TaskRows> DBWorker::allDoneTasks()
         {ascending("expirationDate")},
         Order::Fetched};
     std::map<Date, std::vector<RowId>> days;
-    tasklists::context().visit(tasklists::request(done), {"expirationDate"}, [&days](const RowReader &row) {
+    mainContext().visit(tasklists::request(done), {"expirationDate"}, [&days](const RowReader &row) {
         // Rows come in order, so that nearly always the day is the last one.
         const Date moment = *row.date(0);
         const bool isLastDay = !days.empty() && moment >= days.rbegin()->first &&

@@ -1,4 +1,4 @@
-#include "records/MVTask.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListDefinitions.h"
 #include "store/state/NotificationNames.h"
@@ -9,7 +9,7 @@ int DBWorker::maxPositionTaskInbox()
 {
     const FetchRequest all = EntityTask::fetchRequest().where(
         Predicate::format("startDate ==  nil and type == %d", static_cast<int>(TaskType::ToDo)));
-    return static_cast<int>(tasklists::context().maximum(all, "position").value_or(0));
+    return static_cast<int>(mainContext().maximum(all, "position").value_or(0));
 }
 
 namespace {

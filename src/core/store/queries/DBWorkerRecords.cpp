@@ -1,5 +1,6 @@
 #include "foundation/Localization.h"
 #include "foundation/TextFolding.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListDefinitions.h"
 
@@ -7,15 +8,10 @@
 
 namespace {
 
-ManagedObjectContext &context()
-{
-    return tasklists::context();
-}
-
 template <typename T>
 ObjectList<T> allBy(const char *key)
 {
-    return context().fetch<T>(T::fetchRequest().sortedBy({ascending(key)}));
+    return mainContext().fetch<T>(T::fetchRequest().sortedBy({ascending(key)}));
 }
 
 /// Seeded categories go by the word that is shown for them, those of the user by their own.
@@ -46,7 +42,7 @@ std::vector<CategoryPtr> DBWorker::allCategories(int kind)
     else if (kind == WithoutTasks)
         request.where(Predicate::format("task == nil"));
     std::vector<std::pair<QString, CategoryPtr>> titled;
-    for (CategoryPtr &category : loaded(context().fetch<EntityCategory>(request)))
+    for (CategoryPtr &category : loaded(mainContext().fetch<EntityCategory>(request)))
         titled.emplace_back(shownTitle(*category), std::move(category));
     std::stable_sort(titled.begin(), titled.end(), [](const auto &one, const auto &other) {
         return caseInsensitiveCompare(one.first, other.first) < 0;
@@ -67,25 +63,26 @@ ObjectList<EntityContactCategory> DBWorker::allContactCategories(int kind)
 
 bool DBWorker::categoryExists(const QString &title)
 {
-    return context().count(EntityCategory::fetchRequest().where(Predicate::format("title = %@", title))) != 0;
+    return mainContext().count(
+               EntityCategory::fetchRequest().where(Predicate::format("title = %@", title))) != 0;
 }
 
 std::vector<ContactPtr> DBWorker::allDelegateds(const FilterEntry *filter)
 {
-    return sortContacta(loaded(context().fetch<EntityContacts>(
+    return sortContacta(loaded(mainContext().fetch<EntityContacts>(
         EntityContacts::fetchRequest().where(Predicate::allOf(predicateContacts(filter))))));
 }
 
 ObjectList<EntityContacts> DBWorker::selectContactsWithPredicates(const std::vector<Predicate> &predicates)
 {
-    return context().fetch<EntityContacts>(EntityContacts::fetchRequest()
-                                               .where(Predicate::allOf(predicates))
-                                               .sortedBy({ascending("firstName")}));
+    return mainContext().fetch<EntityContacts>(EntityContacts::fetchRequest()
+                                                   .where(Predicate::allOf(predicates))
+                                                   .sortedBy({ascending("firstName")}));
 }
 
 ObjectList<EntityContactGroup> DBWorker::allContactPrivateGroup()
 {
-    return context().fetch<EntityContactGroup>(
+    return mainContext().fetch<EntityContactGroup>(
         EntityContactGroup::fetchRequest()
             .where(Predicate::format("useGeneralFilter != nil && useGeneralFilter == false"))
             .sortedBy({ascending("title")}));
@@ -93,7 +90,7 @@ ObjectList<EntityContactGroup> DBWorker::allContactPrivateGroup()
 
 ObjectList<EntityContactGroup> DBWorker::allContactPrivateList()
 {
-    return context().fetch<EntityContactGroup>(
+    return mainContext().fetch<EntityContactGroup>(
         EntityContactGroup::fetchRequest()
             .where(Predicate::format("useGeneralFilter == nil || useGeneralFilter == true"))
             .sortedBy({ascending("title")}));
@@ -101,7 +98,7 @@ ObjectList<EntityContactGroup> DBWorker::allContactPrivateList()
 
 ObjectList<EntityContacts> DBWorker::allContactWithImageName(const QString &name)
 {
-    return context().fetch<EntityContacts>(
+    return mainContext().fetch<EntityContacts>(
         EntityContacts::fetchRequest().where(Predicate::format("photoName = %@", name)));
 }
 
@@ -147,12 +144,12 @@ ObjectList<EntityEmailType> DBWorker::allEmailType()
 
 ObjectListBase DBWorker::allEntityWithName(const std::string &entity, const std::string &sort)
 {
-    return context().fetchObjects(FetchRequest(entity).sortedBy({ascending(sort)}));
+    return mainContext().fetchObjects(FetchRequest(entity).sortedBy({ascending(sort)}));
 }
 
 std::vector<ProjectPtr> DBWorker::allProjectsSortDueDate(const FilterEntry *filter)
 {
-    return sortProjects(loaded(context().fetch<EntityProject>(
+    return sortProjects(loaded(mainContext().fetch<EntityProject>(
         EntityProject::fetchRequest()
             .where(Predicate::allOf(predicateProjects(filter)))
             .sortedBy({ascending("expirationDate"), descending("dueDate"), ascending("title")}))));
@@ -160,7 +157,7 @@ std::vector<ProjectPtr> DBWorker::allProjectsSortDueDate(const FilterEntry *filt
 
 ObjectList<EntitySearchIndex> DBWorker::searchEntityWithString(const QString &text)
 {
-    return context().fetch<EntitySearchIndex>(
+    return mainContext().fetch<EntitySearchIndex>(
         EntitySearchIndex::fetchRequest().where(Predicate::format("string CONTAINS[cd] %@", text)));
 }
 
@@ -173,18 +170,18 @@ std::optional<ObjectListBase> DBWorker::getAllObjectsOFEntity(const std::string 
     std::vector<Predicate> all = andPredicates;
     if (entity == EntityTask::entityName)
         all.push_back(tasklists::visibleTasks());
-    return context().fetchObjects(
+    return mainContext().fetchObjects(
         FetchRequest(entity).where(Predicate::allOf(all)).sortedBy(usingSortDescriptors));
 }
 
 std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, double latitude,
                                                        double longitude)
 {
-    auto location = context().fetchFirst<EntityLocation>(
+    auto location = mainContext().fetchFirst<EntityLocation>(
         EntityLocation::fetchRequest().where(Predicate::format("title = %@", title)));
     if (location)
         return location;
-    location = context().insert<EntityLocation>();
+    location = mainContext().insert<EntityLocation>();
     location->setTitle(title);
     location->setLatitude(latitude);
     location->setLongitude(longitude);
@@ -194,7 +191,7 @@ std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, dou
 
 void DBWorker::allSearchObjRemove()
 {
-    for (const auto &row : context().fetch<EntitySearchIndex>(EntitySearchIndex::fetchRequest()))
-        context().deleteObject(row);
+    for (const auto &row : mainContext().fetch<EntitySearchIndex>(EntitySearchIndex::fetchRequest()))
+        mainContext().deleteObject(row);
     saveContext();
 }

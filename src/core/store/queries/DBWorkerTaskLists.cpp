@@ -1,5 +1,5 @@
-#include "records/MVTask.h"
 #include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListDefinitions.h"
 
@@ -102,9 +102,9 @@ TaskPtr DBWorker::getFirstTaskByTitle(const QString &title)
 
 TaskList DBWorker::getSampleNotDoneTask()
 {
-    return tasklists::context().fetch<EntityTask>(EntityTask::fetchRequest()
-                                                      .where(Predicate::format("status <> %d", statusDone))
-                                                      .sortedBy({ascending("startDate")}));
+    return mainContext().fetch<EntityTask>(EntityTask::fetchRequest()
+                                               .where(Predicate::format("status <> %d", statusDone))
+                                               .sortedBy({ascending("startDate")}));
 }
 
 TaskList DBWorker::getAllTaskWithType(int type, Date atDay, bool includeDoneTasks)
@@ -116,4 +116,14 @@ TaskList DBWorker::getAllTaskWithType(int type, Date atDay, bool includeDoneTask
         start, end, start, end);
     const Predicate open = Predicate::format("status <> %d", statusDone);
     return visible(includeDoneTasks ? onDay : open && onDay, {ascending("startDate")});
+}
+
+TaskList DBWorker::getTimeItemsForDate(Date date)
+{
+    constexpr Seconds upToTheLastSecond{86399};
+    const Date start = MVDate::getStartOfDay(date);
+    return visible(Predicate::format("(type = %d or type = %d) and dueDate >= %@ and dueDate <= %@",
+                                     static_cast<int>(TaskType::Appointment),
+                                     static_cast<int>(TaskType::EmailCall), start,
+                                     start + upToTheLastSecond));
 }

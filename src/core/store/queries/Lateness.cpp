@@ -2,18 +2,13 @@
 
 #include "foundation/Clock.h"
 #include "foundation/Region.h"
-#include "records/MVTask.h"
 #include "records/dates/MVDate.h"
+#include "store/entities/TaskValues.h"
 
 namespace {
 
 /// So many days back the verdict on each day is worked out beforehand; whatever is older is asked one by one.
 constexpr int recentDays = 1500;
-
-bool isMoment(std::optional<int> type)
-{
-    return type == static_cast<int>(TaskType::Appointment) || type == static_cast<int>(TaskType::EmailCall);
-}
 
 /// Days on which a ToDo was due and is late now, from the start of the first to the start of the one behind
 /// the last.

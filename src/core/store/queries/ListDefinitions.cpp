@@ -1,9 +1,8 @@
 #include "store/queries/ListDefinitions.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "records/MVTask.h"
 #include "records/dates/MVDate.h"
-#include "store/AppDelegate.h"
+#include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 
 namespace tasklists {
@@ -27,8 +26,8 @@ std::vector<QString> namedCalendars()
                 .sortedBy({ascending("typeCalendarID")})
                 .limitedTo(1);
         const size_t known = references.size();
-        context().visit(next, {"typeCalendarID"},
-                        [&references](const RowReader &row) { references.push_back(row.text(0)); });
+        mainContext().visit(next, {"typeCalendarID"},
+                            [&references](const RowReader &row) { references.push_back(row.text(0)); });
         return references.size() > known;
     };
     while (nextAfter(references.empty() ? QStringLiteral("") : references.back())) {
@@ -42,11 +41,6 @@ Date endOfToday()
 }
 
 } // namespace
-
-ManagedObjectContext &context()
-{
-    return AppDelegate::shared()->managedObjectContext();
-}
 
 Definition inbox()
 {
@@ -201,7 +195,7 @@ std::vector<PlacedRow> placedRows(const Definition &definition, const std::vecto
         columns.push_back(groupColumn);
     std::vector<KeyedRow> rows;
     listorder::EffectiveDates dates;
-    context().visit(request(definition, filter), columns, [&](const RowReader &row) {
+    mainContext().visit(request(definition, filter), columns, [&](const RowReader &row) {
         rows.push_back(keyedRow(definition.order, row, dates));
         if (!groupColumn.empty())
             rows.back().group = row.text(groupPlace);
@@ -217,7 +211,7 @@ std::vector<PlacedRow> placedRows(const Definition &definition, const std::vecto
 TaskList list(std::vector<RowId> rows)
 {
     static const EntityDescription &entity = organiserModel().requireEntity(EntityTask::entityName);
-    return TaskList(context(), entity, std::move(rows));
+    return TaskList(mainContext(), entity, std::move(rows));
 }
 
 } // namespace tasklists

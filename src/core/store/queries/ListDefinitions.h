@@ -1,6 +1,5 @@
 #pragma once
 
-#include "objectstore/ManagedObjectContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListOrder.h"
 
@@ -52,8 +51,5 @@ std::vector<PlacedRow> placedRows(const Definition &definition, const std::vecto
 
 /// The list of rows that were placed.
 TaskList list(std::vector<RowId> rows);
-
-/// The main context.
-ManagedObjectContext &context();
 
 } // namespace tasklists

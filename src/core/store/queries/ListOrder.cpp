@@ -1,19 +1,9 @@
 #include "store/queries/ListOrder.h"
 
-#include "records/MVTask.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/DBWorker.h"
 
 namespace listorder {
-
-namespace {
-
-bool isMoment(std::optional<int> type)
-{
-    return type == static_cast<int>(TaskType::Appointment) || type == static_cast<int>(TaskType::EmailCall);
-}
-
-} // namespace
 
 Date EffectiveDates::endOfDay(Date date)
 {

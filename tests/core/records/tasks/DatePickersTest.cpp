@@ -96,6 +96,11 @@ TEST_F(DatePickers, GiveTheirDateToTheCopy)
     EXPECT_EQ(pick(toDo, Type::Alert, ten + Seconds(30)).dateValue, ten);
     EXPECT_EQ(toDo.alert, ten);
 
+    MVTask untyped;
+    pick(untyped, Type::StartDate, nine);
+    EXPECT_EQ(untyped.startDate, localDate(2026, 11, 25)) << "what has no type is a ToDo";
+    EXPECT_FALSE(shown(untyped, Type::StartDate).showClock);
+
     DatePickerState due(Type::DueDate);
     due.isChecked = true;
     toDo.datePickerChangeStateCheck(due);
