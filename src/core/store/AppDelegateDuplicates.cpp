@@ -1,6 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
 #include "foundation/Log.h"
-#include "records/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "store/AppDelegate.h"
 
@@ -71,9 +70,13 @@ void removeSeededDuplicates(ManagedObjectContext &context, const std::shared_ptr
     std::shared_ptr<Entity> survivor = row;
     for (const auto &other : others) {
         addChildren(*other);
-        // It is always the given row that is compared, never the survivor so far.
+        // It is always the given row that is compared, never the survivor so far. One that lost already takes
+        // no children any more: they stay with the row that it lost to.
         const bool isRowNewer = !(row->creationDate() < other->creationDate());
-        survivor = isRowNewer ? row : other;
+        if (!isRowNewer)
+            survivor = other;
+        else if (!row->isDeleted())
+            survivor = row;
         keepSmallerIndex(*survivor, *row, *other);
         context.deleteObject(isRowNewer ? other : row);
     }
@@ -198,7 +201,10 @@ void AppDelegate::deleteDuplicateTaskTypeWith(const TaskPtr &task)
     TaskPtr survivor = task;
     for (const TaskPtr &duplicate : duplicates) {
         const bool stays = staysBefore(*task, *duplicate);
-        survivor = stays ? task : duplicate;
+        if (!stays)
+            survivor = duplicate;
+        else if (!task->isDeleted())
+            survivor = task;
         const TaskPtr deleted = stays ? duplicate : task;
         Log::line(QStringLiteral("deleted: %1").arg(deleted->title()));
         managedObjectContext().deleteObject(deleted);

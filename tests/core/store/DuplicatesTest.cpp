@@ -49,6 +49,33 @@ TEST_F(Duplicates, OfCategoriesJoinInTheNewestWithAllTheirTasks)
     EXPECT_EQ(tied->index(), 7);
 }
 
+TEST_F(Duplicates, LeaveNoChildBehindWithARowThatLostAlready)
+{
+    // The row of February loses to that of March, and still beats that of January.
+    const CategoryPtr row = category(localDate(2026, 2, 1), 7);
+    const CategoryPtr newest = category(localDate(2026, 3, 1), 8);
+    const CategoryPtr oldest = category(localDate(2026, 1, 1), 9);
+    const TaskPtr one = add(u"one"_qs);
+    one->setCategory(row);
+    const TaskPtr other = add(u"other"_qs);
+    other->setCategory(oldest);
+    delegate->deleteDuplicateCategoryWith(row);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(count<EntityCategory>(u"Garden"_qs), 1);
+    EXPECT_EQ(one->category(), newest);
+    EXPECT_EQ(other->category(), newest);
+
+    const Date nine = localDate(2026, 11, 25, 9);
+    const TaskPtr task = copy(u"call"_qs, TaskType::EmailCall, {}, nine, localDate(2026, 2, 1));
+    const TaskPtr older = copy(u"call"_qs, TaskType::EmailCall, {}, nine, localDate(2026, 1, 1));
+    copy(u"call"_qs, TaskType::EmailCall, {}, nine, localDate(2026, 3, 1));
+    older->setRepeat(u"RRULE FREQ=DAILY"_qs);
+    delegate->deleteDuplicateTaskTypeWith(task);
+    EXPECT_TRUE(older->repeat().isEmpty()) << "what is left is put on the calendar, as a task of its own";
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(DBWorker::getFirstTaskByTitle(u"call"_qs), older);
+}
+
 TEST_F(Duplicates, OfTypesAndContactCategoriesGoAlike)
 {
     const auto type = context().insert<EntityPhoneType>();
