@@ -105,8 +105,10 @@ QString footer()
 QString MVTask::htmlBody() const
 {
     const auto timeStyle = isToDo() ? DateFormatter::Style::None : DateFormatter::Style::Short;
+    // Some languages set a narrow blank in a time, on which the whole draft would be lost.
     const auto shown = [timeStyle](Date date) {
-        return DateFormatter::string(date, DateFormatter::Style::Short, timeStyle);
+        return DateFormatter::string(date, DateFormatter::Style::Short, timeStyle)
+            .replace(QChar(0x202F), u' ');
     };
     QString html = QStringLiteral("<html><body><br/>") +
                    line(QStringLiteral("Project"), project ? project->title() : QString()) +

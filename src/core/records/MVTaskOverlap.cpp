@@ -2,8 +2,6 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "records/MVTask.h"
-#include "records/dates/MVDate.h"
-#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
 // Whether an appointment collides with another.
@@ -16,19 +14,6 @@ constexpr int statusDone = static_cast<int>(TaskStatus::Done);
 bool isOfType(const EntityTask &task, TaskType type)
 {
     return task.type() == static_cast<int>(type);
-}
-
-/// The appointments, mails and calls of a day that have a time.
-std::vector<TaskPtr> timedTasksOf(Date day)
-{
-    std::vector<TaskPtr> timed;
-    for (const TaskType type : {TaskType::Appointment, TaskType::EmailCall}) {
-        for (TaskPtr task : DBWorker::getAllTaskWithType(static_cast<int>(type), day, false)) {
-            if (task && task->dueDate())
-                timed.push_back(std::move(task));
-        }
-    }
-    return timed;
 }
 
 QString shortTime(OptionalDate date)
@@ -54,7 +39,7 @@ QString collisionText(const EntityTask &other)
 bool MVTask::isCrossTaskAppointmentForStartDate(Date start, Date due) const
 {
     const Date end = due - Seconds(1);
-    for (const TaskPtr &other : timedTasksOf(end)) {
+    for (const TaskPtr &other : DBWorker::getTimeItemsForDate(end)) {
         if (other == row || other->status() == statusDone)
             continue;
         const Date otherEnd = *other->dueDate() - Seconds(1);

@@ -121,6 +121,8 @@ TEST_F(WorkingCopy, SeesWhatItCollidesWith)
 {
     add(u"lunch"_qs, TaskType::Appointment, localDate(2026, 11, 25, 12), localDate(2026, 11, 25, 13));
     add(u"ring"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 15));
+    // What runs on into another day is looked for on the day of its end.
+    add(u"trip"_qs, TaskType::Appointment, localDate(2026, 11, 25, 8), localDate(2026, 11, 26, 18));
     MVTask copy;
     copy.type = 1;
     const auto collides = [&copy](int fromHour, int fromMinute, int toHour, int toMinute) {
@@ -164,6 +166,10 @@ TEST_F(WorkingCopy, BecomesAMailDraft)
     EXPECT_TRUE(body.contains(u"Task: Fish & chips"_qs)) << qPrintable(body);
     EXPECT_TRUE(body.contains(u"Due date: 11/25/26"_qs)) << qPrintable(body);
     EXPECT_FALSE(body.contains(u"Start date"_qs));
+    copy.type = 1;
+    copy.startDate = localDate(2026, 11, 25, 9);
+    const QString timed = copy.htmlBody();
+    EXPECT_TRUE(QUrl::fromPercentEncoding(timed.toLatin1()).contains(u"Start date: 11/25/26, 9:00 AM"_qs));
     copy.title = u"Käse"_qs;
     EXPECT_TRUE(copy.htmlBody().endsWith(u"&body="_qs)) << "What ASCII cannot hold gives no body";
 }
