@@ -70,6 +70,9 @@ public:
     static int dateValidationsMainStartDate(OptionalDate mainStartDate, OptionalDate mainDueDate,
                                             OptionalDate additionalStartDate, OptionalDate addationalDueDate);
 
+    /// Whether a photo is that of exactly one contact.
+    static bool testOrPhotosNameUsed(const QString &photoName);
+
     /// A modal message with the one button "OK". The texts are keys of the words and are looked up here.
     static void messageAlertWithTitle(const QString &title, const QString &message);
 

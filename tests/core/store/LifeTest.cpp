@@ -119,6 +119,23 @@ TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
     EXPECT_EQ(clicked, DBWorker::getFirstTaskByTitle(u"one"_qs));
 }
 
+TEST_F(Life, SettingsAreComputedAtEachRead)
+{
+    const DataConteiner &shared = delegate->dataConteiner();
+    UserDefaults &defaults = UserDefaults::standard();
+    EXPECT_EQ(shared.leftIntervalAccessCalendar(), -2678400);
+    for (const auto &[setting, seconds] :
+         {std::pair(0, 8035200), std::pair(1, 16070400), std::pair(2, 31536000), std::pair(7, 16070400)}) {
+        defaults.setObject(settings::syncPeriodType, setting);
+        EXPECT_EQ(shared.rightIntervalAccessCalendar(), seconds);
+    }
+    for (const auto &[setting, occurrences] :
+         {std::pair(0, 1), std::pair(1, 3), std::pair(2, 7), std::pair(5, 7)}) {
+        defaults.setObject(settings::frequencyCalendarPeriod, setting);
+        EXPECT_EQ(shared.calendarFrequencyDay(), occurrences);
+    }
+}
+
 TEST_F(Life, QuittingWithAStoreThatCannotBeWrittenAsksAndCancelQuits)
 {
     launchWithShell();
