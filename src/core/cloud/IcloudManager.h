@@ -6,7 +6,6 @@ class IcloudManager
 public:
     IcloudManager() = delete;
 
-    /// Whether the shared folder of the cloud is set and can be reached. Nothing sets one yet, so that it is
-    /// not.
+    /// Whether the folder that the cloud shares can be reached. Records stay on this machine: there is none.
     static bool connectIcloud() { return false; }
 };

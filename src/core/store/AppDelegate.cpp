@@ -5,12 +5,10 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
-#include "foundation/UserDefaults.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
-#include "store/state/SettingsKeys.h"
 
 #include <cstdio>
 #include <cstdlib>

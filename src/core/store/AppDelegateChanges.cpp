@@ -1,4 +1,3 @@
-#include "foundation/Log.h"
 #include "records/SearchIndex.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"

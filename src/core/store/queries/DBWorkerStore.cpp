@@ -27,11 +27,11 @@ OptionalError DBWorker::saveContext()
     ManagedObjectContext &context = delegate->managedObjectContext();
     if (!context.hasChanges())
         return std::nullopt;
-    auto error = context.save();
+    OptionalError error = context.save();
     if (error) {
         Log::line(QStringLiteral("Unresolved error %1, %2").arg(error->message, error->domain));
         // Rows changed elsewhere are merged while they are written, so that no conflict is ever left over.
-        Log::line(QStringLiteral("conflict array: %1").arg(QStringLiteral("()")));
+        Log::line(QStringLiteral("conflict array: (null)"));
     }
     return error;
 }
