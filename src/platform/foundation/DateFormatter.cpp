@@ -141,7 +141,7 @@ QString DateFormatter::patternFromTemplate(const QString &skeleton)
     UErrorCode status = U_ZERO_ERROR;
     if (!cache.generator)
         cache.generator.reset(icu::DateTimePatternGenerator::createInstance(cache.region->locale, status));
-    const QString pattern = qtText(cache.generator->getBestPattern(icuText(skeleton), status));
+    QString pattern = qtText(cache.generator->getBestPattern(icuText(skeleton), status));
     cache.patternsOfSkeletons.insert(skeleton, pattern);
     return pattern;
 }
