@@ -1,13 +1,5 @@
 #include "objectstore/ChangeWriter.h"
-
-namespace {
-
-QByteArray quoted(std::string_view name)
-{
-    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
-}
-
-} // namespace
+#include "objectstore/SqlText.h"
 
 int ChangeWriter::write()
 {

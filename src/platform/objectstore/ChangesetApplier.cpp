@@ -1,4 +1,5 @@
 #include "objectstore/ChangesetApplier.h"
+#include "objectstore/SqlText.h"
 
 #include <sqlite3.h>
 
@@ -15,11 +16,6 @@ struct SqliteFree
 {
     void operator()(void *memory) const { sqlite3_free(memory); }
 };
-
-QByteArray quoted(const QByteArray &name)
-{
-    return '"' + name + '"';
-}
 
 sqlite3_value *newValue(sqlite3_changeset_iter *iterator, int column)
 {

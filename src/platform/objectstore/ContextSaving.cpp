@@ -3,17 +3,9 @@
 #include "objectstore/ChangeJournal.h"
 #include "objectstore/ChangeWriter.h"
 #include "objectstore/ManagedObjectContext.h"
+#include "objectstore/SqlText.h"
 
 #include <map>
-
-namespace {
-
-QByteArray quoted(std::string_view name)
-{
-    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
-}
-
-} // namespace
 
 // The unit of work of a context: from the first change to the commit, and what follows it.
 

@@ -2,19 +2,11 @@
 
 #include "foundation/Log.h"
 #include "objectstore/ChangeJournal.h"
+#include "objectstore/SqlText.h"
 #include "objectstore/StoreFile.h"
 
 #include <QUrl>
 #include <QUuid>
-
-namespace {
-
-QByteArray quoted(std::string_view name)
-{
-    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
-}
-
-} // namespace
 
 Result<std::unique_ptr<ManagedObjectContext>> ManagedObjectContext::open(const QString &path,
                                                                          const ManagedObjectModel &model)

@@ -1,6 +1,7 @@
 #include "foundation/TextFolding.h"
 #include "objectstore/PredicateNode.h"
 #include "objectstore/SqlFunctions.h"
+#include "objectstore/SqlText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -14,11 +15,6 @@ namespace {
 /// Above this many elements a collection is bound as one JSON text, since SQLite limits the number of
 /// bindings.
 constexpr size_t maximumBoundElements = 200;
-
-QByteArray quoted(std::string_view name)
-{
-    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
-}
 
 const char *symbolOf(Operator comparison)
 {

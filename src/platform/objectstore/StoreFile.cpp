@@ -1,4 +1,5 @@
 #include "objectstore/StoreFile.h"
+#include "objectstore/SqlText.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,11 +16,6 @@ namespace {
 Error refusal(const QString &path, const QString &reason, int code = 0)
 {
     return {QStringLiteral("store"), code, QStringLiteral("Cannot open the store %1: %2").arg(path, reason)};
-}
-
-QByteArray quoted(std::string_view name)
-{
-    return '"' + QByteArray(name.data(), static_cast<qsizetype>(name.size())) + '"';
 }
 
 QByteArray sqlType(AttributeType type)

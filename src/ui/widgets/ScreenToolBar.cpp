@@ -4,6 +4,7 @@
 
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QStyle>
 
 /// Wide enough for the names of all lists; a longer one is the user's own.
 constexpr int leastWidth = 160;
