@@ -70,8 +70,10 @@ ManagedObjectContext &AppDelegate::managedObjectContext()
 {
     const int stack = selectedStack();
     auto &context = contexts[static_cast<size_t>(stack)];
-    if (!context)
+    if (!context) {
         context = openStore(storeFileName(stack));
+        finishIndexOfUncleanEnd();
+    }
     return *context;
 }
 

@@ -67,7 +67,6 @@ void AppDelegate::applicationDidFinishLaunching()
     badgeUpdata();
     badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] { badgeUpdata(); });
     registerObservers();
-    finishIndexOfUncleanEnd();
 }
 
 void AppDelegate::registerObservers()

@@ -3,6 +3,8 @@
 #include "objectstore/Predicate.h"
 #include "objectstore/SortDescriptor.h"
 
+#include <QString>
+
 #include <string>
 #include <string_view>
 
@@ -30,10 +32,18 @@ public:
         return *this;
     }
 
+    /// What the log says before the error if the fetch fails.
+    FetchRequest &reportedAs(QString text)
+    {
+        failureText = std::move(text);
+        return *this;
+    }
+
     std::string entityName;
     Predicate predicate;
     /// In order of weight. With none, rows come in the order in which they were inserted.
     SortDescriptors sortDescriptors;
     /// The greatest number of objects; negative for all.
     int limit = -1;
+    QString failureText = QStringLiteral("Cannot fetch");
 };

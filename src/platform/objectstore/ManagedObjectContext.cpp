@@ -297,13 +297,14 @@ sqlite::Statement ManagedObjectContext::run(const Query &query)
     return statement;
 }
 
-void ManagedObjectContext::logFailure(const sqlite::Statement &statement, const Query &query) const
+void ManagedObjectContext::logFailure(const sqlite::Statement &statement, const FetchRequest &request) const
 {
     constexpr int done = 101; // SQLITE_DONE
     constexpr int row = 100;  // SQLITE_ROW
-    if (!statement.isValid() || (statement.code() != done && statement.code() != row))
-        Log::line(database->lastError(QStringLiteral("Cannot fetch by %1").arg(QString::fromUtf8(query.text)))
-                      .message);
+    if (statement.isValid() && (statement.code() == done || statement.code() == row))
+        return;
+    const Error error = database->lastError(QString::fromStdString(request.entityName));
+    Log::line(QStringLiteral("%1 %2 %3").arg(request.failureText, error.message, error.domain));
 }
 
 ObjectListBase ManagedObjectContext::fetchObjects(const FetchRequest &request)
@@ -317,7 +318,7 @@ ObjectListBase ManagedObjectContext::fetchObjects(const FetchRequest &request)
     sqlite::Statement statement = run(fetch);
     while (statement.step())
         rows.push_back(statement.integer(0));
-    logFailure(statement, fetch);
+    logFailure(statement, request);
     return ObjectListBase(*this, entity, std::move(rows));
 }
 
@@ -326,7 +327,7 @@ int ManagedObjectContext::count(const FetchRequest &request)
     const Query counting = query(request, "COUNT(*)");
     sqlite::Statement statement = run(counting);
     const bool hasRow = statement.step();
-    logFailure(statement, counting);
+    logFailure(statement, request);
     return hasRow ? static_cast<int>(statement.integer(0)) : 0;
 }
 
@@ -346,7 +347,7 @@ void ManagedObjectContext::visit(const FetchRequest &request, const std::vector<
     const RowReader reader(statement);
     while (statement.step())
         visitor(reader);
-    logFailure(statement, visited);
+    logFailure(statement, request);
 }
 
 std::optional<double> ManagedObjectContext::maximum(const FetchRequest &request, const std::string &column)
@@ -354,6 +355,6 @@ std::optional<double> ManagedObjectContext::maximum(const FetchRequest &request,
     const Query asked = query(request, "MAX(row." + quoted(column) + ")");
     sqlite::Statement statement = run(asked);
     const bool hasRow = statement.step();
-    logFailure(statement, asked);
+    logFailure(statement, request);
     return hasRow && !statement.isNull(0) ? std::optional(statement.number(0)) : std::nullopt;
 }

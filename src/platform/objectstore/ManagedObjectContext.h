@@ -191,7 +191,7 @@ private:
     Query query(const FetchRequest &request, const QByteArray &result);
     QByteArray orderOf(const EntityDescription &entity, const SortDescriptors &descriptors) const;
     sqlite::Statement run(const Query &query);
-    void logFailure(const sqlite::Statement &statement, const Query &query) const;
+    void logFailure(const sqlite::Statement &statement, const FetchRequest &request) const;
 
     void noteChange(ManagedObject &object);
     OptionalError begin();

@@ -181,6 +181,23 @@ TEST_F(Life, TheSampleStoreIsAnotherFileThatHidesNothing)
     EXPECT_TRUE(DBWorker::allTasks().isEmpty());
 }
 
+TEST_F(Life, AFetchThatFailsIsAnEmptyListAndALine)
+{
+    add(u"task"_qs);
+    sqlite3 *other = nullptr;
+    sqlite3_open(storePath().toUtf8().constData(), &other);
+    ASSERT_EQ(sqlite3_exec(other, "ALTER TABLE EntityTask RENAME TO Gone", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    const LogCapture log;
+    EXPECT_TRUE(DBWorker::getTasksWithoutCategories().isEmpty());
+    EXPECT_TRUE(log.lines().join(u'\n').contains(u"Can't get task EntityTask: no such table"_qs))
+        << qPrintable(log.lines().join(u'\n'));
+    EXPECT_EQ(sqlite3_exec(other, "ALTER TABLE Gone RENAME TO EntityTask", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(other);
+    EXPECT_EQ(titles(DBWorker::getTasksWithoutCategories()), QStringList(u"task"_qs));
+}
+
 TEST(LifeDeathTest, AStoreThatCannotBeOpenedEndsTheProgramAndIsLeftAsItIs)
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe";

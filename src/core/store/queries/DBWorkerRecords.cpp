@@ -77,7 +77,8 @@ ObjectList<EntityContacts> DBWorker::selectContactsWithPredicates(const std::vec
 {
     return mainContext().fetch<EntityContacts>(EntityContacts::fetchRequest()
                                                    .where(Predicate::allOf(predicates))
-                                                   .sortedBy({ascending("firstName")}));
+                                                   .sortedBy({ascending("firstName")})
+                                                   .reportedAs(QStringLiteral("Can't get Contacts")));
 }
 
 ObjectList<EntityContactGroup> DBWorker::allContactPrivateGroup()
@@ -170,8 +171,10 @@ std::optional<ObjectListBase> DBWorker::getAllObjectsOFEntity(const std::string 
     std::vector<Predicate> all = andPredicates;
     if (entity == EntityTask::entityName)
         all.push_back(tasklists::visibleTasks());
-    return mainContext().fetchObjects(
-        FetchRequest(entity).where(Predicate::allOf(all)).sortedBy(usingSortDescriptors));
+    return mainContext().fetchObjects(FetchRequest(entity)
+                                          .where(Predicate::allOf(all))
+                                          .sortedBy(usingSortDescriptors)
+                                          .reportedAs(QStringLiteral("Can't get objects")));
 }
 
 std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, double latitude,

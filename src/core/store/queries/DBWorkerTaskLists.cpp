@@ -26,6 +26,14 @@ TaskList visible(Predicate base, SortDescriptors sorting = {})
     return listOf({std::move(base), std::move(sorting), Order::Fetched});
 }
 
+const QString cannotGetTask = QStringLiteral("Can't get task");
+
+/// The same, with a failure in the log under the words for it.
+TaskList reported(Predicate base, SortDescriptors sorting)
+{
+    return listOf({std::move(base), std::move(sorting), Order::Fetched, cannotGetTask});
+}
+
 } // namespace
 
 TaskList DBWorker::allInboxTasks(const FilterEntry *filter)
@@ -80,7 +88,7 @@ TaskList DBWorker::allTasksWithCategoryNoGroup()
 
 TaskList DBWorker::getTasksWithoutCategories()
 {
-    return visible(Predicate::format("category == nil"), {ascending("startDate")});
+    return reported(Predicate::format("category == nil"), {ascending("startDate")});
 }
 
 TaskList DBWorker::tasksHaveReminder()
@@ -90,7 +98,7 @@ TaskList DBWorker::tasksHaveReminder()
 
 TaskList DBWorker::getAllTasksWithAlert()
 {
-    return visible(Predicate::format("alert != nil"), {descending("dueDate")});
+    return reported(Predicate::format("alert != nil"), {descending("dueDate")});
 }
 
 TaskPtr DBWorker::getFirstTaskByTitle(const QString &title)
@@ -104,7 +112,8 @@ TaskList DBWorker::getSampleNotDoneTask()
 {
     return mainContext().fetch<EntityTask>(EntityTask::fetchRequest()
                                                .where(Predicate::format("status <> %d", statusDone))
-                                               .sortedBy({ascending("startDate")}));
+                                               .sortedBy({ascending("startDate")})
+                                               .reportedAs(cannotGetTask));
 }
 
 TaskList DBWorker::getAllTaskWithType(int type, Date atDay, bool includeDoneTasks)
@@ -115,7 +124,7 @@ TaskList DBWorker::getAllTaskWithType(int type, Date atDay, bool includeDoneTask
         "(type = %d) and ((startDate >= %@ and startDate <= %@) || (dueDate >= %@ and dueDate <= %@))", type,
         start, end, start, end);
     const Predicate open = Predicate::format("status <> %d", statusDone);
-    return visible(includeDoneTasks ? onDay : open && onDay, {ascending("startDate")});
+    return reported(includeDoneTasks ? onDay : open && onDay, {ascending("startDate")});
 }
 
 TaskList DBWorker::getTimeItemsForDate(Date date)

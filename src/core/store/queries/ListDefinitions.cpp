@@ -114,7 +114,10 @@ FetchRequest request(const Definition &definition, const std::vector<Predicate> 
     std::vector<Predicate> all{definition.base};
     all.insert(all.end(), filter.begin(), filter.end());
     all.push_back(visibleTasks());
-    return EntityTask::fetchRequest().where(Predicate::allOf(all)).sortedBy(definition.sorting);
+    return EntityTask::fetchRequest()
+        .where(Predicate::allOf(all))
+        .sortedBy(definition.sorting)
+        .reportedAs(definition.failureText);
 }
 
 namespace {

@@ -22,6 +22,8 @@ struct Definition
     Predicate base;
     SortDescriptors sorting;
     Order order;
+    /// What the log says before the error of a fetch that fails.
+    QString failureText = QStringLiteral("Cannot fetch");
 };
 
 Definition inbox();
