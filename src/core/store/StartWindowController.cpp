@@ -54,7 +54,7 @@ void seedTypes(std::initializer_list<const char *> titles)
 template <typename Category>
 std::shared_ptr<Category> insertColored(const SeededColor &seed)
 {
-    const auto category = mainContext().insert<Category>();
+    auto category = mainContext().insert<Category>();
     category->setTitle(QString::fromLatin1(seed.title));
     category->setColorR(seed.red / fullComponent);
     category->setColorG(seed.green / fullComponent);

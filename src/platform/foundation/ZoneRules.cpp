@@ -15,7 +15,7 @@
 static constexpr qint64 firstMoment = -6'000'000'000;     // 1779: local mean time everywhere
 static constexpr qint64 endOfTransitions = 2'145'916'800; // 2038: QTimeZone lists transitions until here
 static constexpr qint64 horizon = 3'408'220'800;          // 2078
-static constexpr qint64 probeStep = 30 * 86'400;
+static constexpr qint64 probeStep = qint64(30) * 86'400;
 
 /// Instants of change in milliseconds since 1970, by what the standard and the daylight offset become then.
 using Changes = std::map<std::pair<int, int>, std::vector<UDate>>;
