@@ -12,6 +12,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -140,6 +141,18 @@ void AppDelegate::badgeUpdata()
     const int count = DBWorker::countStaleTasks();
     if (shell)
         shell->setBadgeLabel(count >= 1 ? QString::number(count) : QString());
+}
+
+void AppDelegate::badgeUpdataSoon()
+{
+    if (std::exchange(*isBadgeDue, true))
+        return;
+    // The weak reference tells whether this object is still there when the time comes.
+    MainLoop::performDelayed(Seconds(0), [this, due = std::weak_ptr(isBadgeDue)] {
+        const auto isDue = due.lock();
+        if (isDue && std::exchange(*isDue, false))
+            badgeUpdata();
+    });
 }
 
 void AppDelegate::reloadCalendarSetting()

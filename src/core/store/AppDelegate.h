@@ -72,6 +72,8 @@ public:
     void startMainWindow();
     void startStartWindow();
     void badgeUpdata();
+    /// The same once for all saves of one turn of the main loop.
+    void badgeUpdataSoon();
     void reloadCalendarSetting();
 
     // What follows a change of the store.
@@ -116,4 +118,6 @@ private:
     bool isPositionInbox = false;
     std::vector<Observation> observations;
     std::unique_ptr<RepeatingTimer> badgeTimer;
+    /// Whether the badge is to be brought up to date when the main loop comes round.
+    std::shared_ptr<bool> isBadgeDue = std::make_shared<bool>(false);
 };

@@ -49,7 +49,7 @@ void AppDelegate::managedObjectContexLocalChangeData(const ChangeList &changes)
         }
         managedObjectContext().finishFollowUps();
         if (tasks != 0)
-            badgeUpdata();
+            badgeUpdataSoon();
         if (!changes.isEmpty())
             DBWorker::saveContext();
     }

@@ -3,6 +3,8 @@
 #include "store/state/NotificationNames.h"
 #include "usernotifications/UserNotificationCenter.h"
 
+#include <QCoreApplication>
+
 #include <sqlite3.h>
 
 namespace {
@@ -73,8 +75,10 @@ TEST_F(Life, TheBadgeFollowsEverySaveOfATask)
     EXPECT_EQ(told.badge, QString());
     const TaskPtr task =
         add(u"missed"_qs, TaskType::Appointment, localDate(2026, 11, 20, 9), localDate(2026, 11, 20, 10));
+    QCoreApplication::processEvents();
     EXPECT_EQ(told.badge, u"1"_qs);
     MVTask(task).changeStatusType(3, true);
+    QCoreApplication::processEvents();
     EXPECT_EQ(told.badge, QString());
     EXPECT_EQ(task->expirationDate(), localDate(2026, 11, 21, 9, 15));
 }
