@@ -222,7 +222,7 @@ private:
     QByteArray writeReached(const QByteArray &alias, const EntityDescription &entity,
                             const RelationshipDescription &relationship)
     {
-        const QByteArray far = nextAlias();
+        QByteArray far = nextAlias();
         result.text += " FROM " + quoted(relationship.destination) + ' ' + far;
         if (relationship.cardinality == Cardinality::ToOne) {
             result.text += " WHERE " + far + ".\"id\" = " + alias + '.' + quoted(relationship.name);

@@ -25,6 +25,7 @@ template <typename T>
 std::vector<std::shared_ptr<T>> loaded(const ObjectList<T> &list)
 {
     std::vector<std::shared_ptr<T>> objects;
+    objects.reserve(static_cast<size_t>(list.size()));
     for (auto object : list) {
         if (object)
             objects.push_back(std::move(object));
