@@ -12,6 +12,7 @@
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/BusyCursor.h"
 #include "widgets/ScreenToolBar.h"
 
 #include <QLayout>
@@ -131,6 +132,7 @@ static void present(const OptionalError &error)
 
 void MainWindowController::undo()
 {
+    const BusyCursor busy;
     present(context()->undo());
     if (screen)
         screen->reloadData();
@@ -139,6 +141,7 @@ void MainWindowController::undo()
 
 void MainWindowController::redo()
 {
+    const BusyCursor busy;
     present(context()->redo());
     if (screen)
         screen->reloadData();
@@ -168,7 +171,8 @@ void MainWindowController::showList(SidebarItem item)
     mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOf(item));
 }
 
-/// By command one goes to a list to work in it: its rows take the keys. Walking through the sidebar leaves them there.
+/// By command one goes to a list to work in it: its rows take the keys. Walking through the sidebar leaves
+/// them there.
 void MainWindowController::goToList(SidebarItem item)
 {
     showList(item);

@@ -5,9 +5,12 @@
 #include "widgets/Theme.h"
 
 #include <QApplication>
+#include <QEventLoop>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -30,6 +33,14 @@ static void fillWords(QMessageBox &box, const AlertQuestion &question)
     box.setTextFormat(Qt::PlainText);
 }
 
+/// Wide enough for a sentence or the path of a file.
+static void widen(QMessageBox &box)
+{
+    constexpr int leastWidth = 420;
+    if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))
+        grid->addItem(new QSpacerItem(leastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
+}
+
 /// The roles only decide the places of the buttons, not what they answer.
 static QMessageBox::ButtonRole roleOf(qsizetype index, qsizetype quiet)
 {
@@ -38,11 +49,43 @@ static QMessageBox::ButtonRole roleOf(qsizetype index, qsizetype quiet)
     return index == 0 ? QMessageBox::AcceptRole : QMessageBox::DestructiveRole;
 }
 
+/// What the answer sets going may take a while; the box is not to be seen meanwhile.
+static void clearScreen(QMessageBox &box)
+{
+    constexpr int untilRepainted = 40;
+    box.hide();
+    QEventLoop loop;
+    QTimer::singleShot(untilRepainted, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+/// While a question waits the program does not work.
+class PlainCursor
+{
+public:
+    PlainCursor()
+    {
+        if (isNeeded)
+            QApplication::setOverrideCursor(Qt::ArrowCursor);
+    }
+    ~PlainCursor()
+    {
+        if (isNeeded)
+            QApplication::restoreOverrideCursor();
+    }
+    Q_DISABLE_COPY_MOVE(PlainCursor)
+
+private:
+    bool isNeeded = QGuiApplication::overrideCursor() != nullptr;
+};
+
 int MessageBoxPresenter::present(const AlertQuestion &question)
 {
+    const PlainCursor cursor;
     QMessageBox box(QApplication::activeWindow());
     box.setObjectName(u"alert"_s);
     fillWords(box, question);
+    widen(box);
     const QStringList titles =
         question.buttons.isEmpty() ? QStringList{localized(u"OK"_s)} : question.buttons;
     QList<QAbstractButton *> buttons;
@@ -51,6 +94,7 @@ int MessageBoxPresenter::present(const AlertQuestion &question)
     box.setDefaultButton(qobject_cast<QPushButton *>(buttons.first()));
     box.setEscapeButton(buttons.at(quietButton(titles)));
     box.exec();
+    clearScreen(box);
     const qsizetype answer = buttons.indexOf(box.clickedButton());
     return Alert::firstButton + static_cast<int>(answer >= 0 ? answer : quietButton(titles));
 }

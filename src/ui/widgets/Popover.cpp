@@ -26,7 +26,9 @@ static QPainterPath shapeOf(const QRectF &rect)
 void Popover::resizeEvent(QResizeEvent *)
 {
     QPainterPath path;
-    path.addRoundedRect(QRectF(rect()), Theme::cardRadius, Theme::cardRadius);
+    // A little rounder than the shape, whose soft edge would be dark there.
+    constexpr qreal rounder = 1.5;
+    path.addRoundedRect(QRectF(rect()), Theme::cardRadius + rounder, Theme::cardRadius + rounder);
     setMask(QRegion(path.toFillPolygon().toPolygon()));
 }
 

@@ -11,6 +11,7 @@
 #include "shell/tasks/TaskRowEditor.h"
 #include "shell/tasks/TaskTableCell.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/BusyCursor.h"
 #include "widgets/EmptyState.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/ScreenToolBar.h"
@@ -204,6 +205,7 @@ void TabTaskViewController::removeRows(const std::set<int> &rows)
     if (removable.empty())
         return;
     const int lastIndex = *rows.rbegin();
+    const BusyCursor busy;
     TaskManager::deleteTasks(removable, [this, lastIndex] { selectAfterRemoval(lastIndex); });
 }
 

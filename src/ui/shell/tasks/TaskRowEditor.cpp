@@ -3,6 +3,7 @@
 #include "records/Functional.h"
 #include "records/MVTask.h"
 #include "records/TaskManager.h"
+#include "widgets/LongWork.h"
 
 #include <algorithm>
 
@@ -16,35 +17,49 @@ static bool isDone(const TaskPtr &task)
     return task->status() == static_cast<int>(TaskStatus::Done);
 }
 
+/// Each task is saved by itself, so that a failure of one keeps the others.
+template <typename Change>
+static void changeEach(const std::vector<TaskPtr> &tasks, Change change)
+{
+    LongWork work(static_cast<int>(tasks.size()));
+    for (const TaskPtr &task : tasks) {
+        change(task);
+        if (!work.step())
+            return;
+    }
+}
+
 void TaskRowEditor::toggleDone(const std::vector<TaskPtr> &tasks)
 {
     std::vector<TaskPtr> writable;
     std::ranges::copy_if(tasks, std::back_inserter(writable), isWritable);
     const auto status = std::ranges::all_of(writable, isDone) ? TaskStatus::Open : TaskStatus::Done;
-    for (const TaskPtr &task : writable)
+    changeEach(writable, [status](const TaskPtr &task) {
         MVTask(task).changeStatusType(static_cast<unsigned>(status), true);
+    });
 }
 
 void TaskRowEditor::setStatus(const std::vector<TaskPtr> &tasks, int status)
 {
-    for (const TaskPtr &task : tasks)
-        MVTask(task).changeStatus(Functional::statusStringFromType(status), true);
+    changeEach(tasks, [word = Functional::statusStringFromType(status)](const TaskPtr &task) {
+        MVTask(task).changeStatus(word, true);
+    });
 }
 
 void TaskRowEditor::setPriority(const std::vector<TaskPtr> &tasks, int priority)
 {
-    for (const TaskPtr &task : tasks) {
+    changeEach(tasks, [&](const TaskPtr &task) {
         MVTask copy(task);
         copy.priority = priority;
         TaskManager::saveTaskTemp(copy, true);
-    }
+    });
 }
 
 void TaskRowEditor::setCategory(const std::vector<TaskPtr> &tasks, const CategoryPtr &category)
 {
-    for (const TaskPtr &task : tasks) {
+    changeEach(tasks, [&](const TaskPtr &task) {
         MVTask copy(task);
         copy.category = category;
         TaskManager::saveTaskTemp(copy, true);
-    }
+    });
 }

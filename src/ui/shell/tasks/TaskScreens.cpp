@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "store/queries/DBWorker.h"
+#include "widgets/BusyCursor.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -28,6 +29,7 @@ TaskRows InboxViewController::fetchRows(Grouping) const
 
 void InboxViewController::moveRows(const std::set<int> &rows, int target)
 {
+    const BusyCursor busy;
     DBWorker::newPositionInboxTask(rows, target, tasksModel().rows().tasks());
     reloadData();
     if (const int current = tableViewTasks()->currentRow(); current >= 0)

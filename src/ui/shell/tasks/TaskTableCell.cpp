@@ -64,6 +64,12 @@ void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->restore();
 }
 
+/// A title reads in the direction of its own script, whatever the direction of the window.
+static void followScript(QPainter &painter, const QString &text)
+{
+    painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+}
+
 void TaskTableCell::paintHeader(QPainter &painter, const QStyleOptionViewItem &option,
                                 const QModelIndex &index)
 {
@@ -72,6 +78,7 @@ void TaskTableCell::paintHeader(QPainter &painter, const QStyleOptionViewItem &o
     const QRect place = option.rect.adjusted(inset, 0, -inset, -Theme::unit);
     painter.setFont(font);
     painter.setPen(Theme::text);
+    followScript(painter, index.data().toString());
     painter.drawText(place, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignBottom),
                      QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, place.width()));
 }
@@ -117,6 +124,7 @@ public:
         font.setStrikeOut(isStruckOut);
         painter.setFont(font);
         painter.setPen(colour);
+        followScript(painter, text);
         painter.drawText(placed(where),
                          QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
                          QFontMetrics(font).elidedText(text, Qt::ElideRight, where.width()));

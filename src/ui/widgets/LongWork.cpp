@@ -1,0 +1,45 @@
+#include "widgets/LongWork.h"
+
+#include "foundation/Localization.h"
+
+#include <QApplication>
+#include <QProgressDialog>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Milliseconds of silence that nobody minds, and between two looks at what the user does.
+constexpr int patience = 400;
+constexpr int interval = 100;
+
+LongWork::LongWork(int steps)
+    : count(steps)
+{
+    timer.start();
+}
+
+LongWork::~LongWork() = default;
+
+void LongWork::show()
+{
+    dialog = std::make_unique<QProgressDialog>(QApplication::activeWindow());
+    dialog->setObjectName(u"longWork"_s);
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->setLabelText(localized(u"Changing the selected tasks"_s));
+    dialog->setCancelButtonText(localized(u"Cancel"_s));
+    dialog->setRange(0, count);
+    dialog->setMinimumDuration(0);
+}
+
+bool LongWork::step()
+{
+    ++done;
+    const qint64 now = timer.elapsed();
+    if (done >= count || now < patience || now - lastShown < interval)
+        return true;
+    lastShown = now;
+    if (!dialog)
+        show();
+    // Here the user's press on the button is heard.
+    dialog->setValue(done);
+    return !dialog->wasCanceled();
+}
