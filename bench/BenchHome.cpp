@@ -35,8 +35,9 @@ BenchHome::BenchHome()
     delegate->applicationWillFinishLaunching();
     delegate->applicationDidFinishLaunching();
     sqlite3_open(copy.toUtf8().constData(), &connection);
-    sqlite3_exec(connection, "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -8192;"
-                             "PRAGMA temp_store = MEMORY; PRAGMA foreign_keys = ON",
+    sqlite3_exec(connection,
+                 "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -8192;"
+                 "PRAGMA temp_store = MEMORY; PRAGMA foreign_keys = ON",
                  nullptr, nullptr, nullptr);
 }
 

@@ -8,7 +8,8 @@
 
 struct sqlite3;
 
-/// A home of its own with a store of 100,000 tasks, a launched program on it, and a bare connection to a copy of the store.
+/// A home of its own with a store of 100,000 tasks, a launched program on it, and a bare connection to a copy
+/// of the store.
 class BenchHome
 {
 public:

@@ -24,9 +24,11 @@ void bareCounts()
 {
     const double end = MVDate::getEndOfDay(Clock::now()).referenceSeconds();
     bareCount("status IS NOT 3 AND dueSomeDay IS NOT 1 AND startDate IS NULL AND type = 0", end);
-    bareCount("((type = 2 AND dueDate <= ?1) OR (type IN (0, 1) AND startDate <= ?1)) AND status <> 3 AND dueSomeDay = 0",
+    bareCount("((type = 2 AND dueDate <= ?1) OR (type IN (0, 1) AND startDate <= ?1)) AND status <> 3 AND "
+              "dueSomeDay = 0",
               end);
-    bareCount("((type IN (0, 1) AND dueDate IS NOT NULL AND startDate > ?1) OR (type = 2 AND dueDate > ?1)) AND status <> 3 "
+    bareCount("((type IN (0, 1) AND dueDate IS NOT NULL AND startDate > ?1) OR (type = 2 AND dueDate > ?1)) "
+              "AND status <> 3 "
               "AND dueSomeDay = 0",
               end);
     bareCount("type IN (0, 2) AND status <> 3 AND dueSomeDay = 1", end);
@@ -39,7 +41,8 @@ void bareCounts()
 void sidebarCounts(benchmark::State &state)
 {
     BenchHome::shared();
-    compare(state, [] { benchmark::DoNotOptimize(DBWorker::taskBadges()); }, bareCounts);
+    compare(
+        state, [] { benchmark::DoNotOptimize(DBWorker::taskBadges()); }, bareCounts);
 }
 BENCHMARK(sidebarCounts)->Unit(benchmark::kMillisecond)->MinTime(1);
 

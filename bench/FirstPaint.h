@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <unistd.h>
 
-/// Writes one byte to standard output as soon as a window of the application stands painted, and then holds still until its
-/// standard input is closed, so that whoever started it can look at it.
+/// Writes one byte to standard output as soon as a window of the application stands painted, and then holds
+/// still until its standard input is closed, so that whoever started it can look at it.
 class FirstPaint : public QObject
 {
 public:

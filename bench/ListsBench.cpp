@@ -45,7 +45,8 @@ void today(benchmark::State &state)
     compare(
         state, [] { showFirstScreen(DBWorker::allTodayTasks(), ListType::Today); },
         [] {
-            bareIdentifiers("SELECT id FROM EntityTask WHERE ((type = 2 AND dueDate <= ?1) OR (type IN (0, 1) AND startDate "
+            bareIdentifiers("SELECT id FROM EntityTask WHERE ((type = 2 AND dueDate <= ?1) OR (type IN (0, "
+                            "1) AND startDate "
                             "<= ?1)) AND status <> 3 AND dueSomeDay = 0 ORDER BY dueDate DESC, title",
                             endOfToday());
         });
@@ -58,9 +59,11 @@ void scheduled(benchmark::State &state)
     compare(
         state, [] { showFirstScreen(DBWorker::allScheduledTasks(), ListType::Scheduled); },
         [] {
-            bareIdentifiers("SELECT id FROM EntityTask WHERE ((type IN (0, 1) AND dueDate IS NOT NULL AND startDate > ?1) OR "
-                            "(type = 2 AND dueDate > ?1)) AND status <> 3 AND dueSomeDay = 0 ORDER BY startDate, title",
-                            endOfToday());
+            bareIdentifiers(
+                "SELECT id FROM EntityTask WHERE ((type IN (0, 1) AND dueDate IS NOT NULL AND startDate > "
+                "?1) OR "
+                "(type = 2 AND dueDate > ?1)) AND status <> 3 AND dueSomeDay = 0 ORDER BY startDate, title",
+                endOfToday());
         });
 }
 BENCHMARK(scheduled)->Unit(benchmark::kMillisecond)->MinTime(1);
@@ -70,7 +73,10 @@ void notDone(benchmark::State &state)
     BenchHome::shared();
     compare(
         state, [] { showFirstScreen(DBWorker::allNotDoneTasks(), ListType::NotDone); },
-        [] { bareIdentifiers("SELECT id FROM EntityTask WHERE status IS NOT 3 ORDER BY dueDate DESC, title", 0); });
+        [] {
+            bareIdentifiers("SELECT id FROM EntityTask WHERE status IS NOT 3 ORDER BY dueDate DESC, title",
+                            0);
+        });
 }
 BENCHMARK(notDone)->Unit(benchmark::kMillisecond)->MinTime(1);
 

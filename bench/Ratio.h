@@ -6,8 +6,8 @@
 #include <chrono>
 #include <vector>
 
-/// Runs the program's way and the bare way in turn, so that a noisy machine troubles both alike, and reports the median of each
-/// in milliseconds and their ratio.
+/// Runs the program's way and the bare way in turn, so that a noisy machine troubles both alike, and reports
+/// the median of each in milliseconds and their ratio.
 template <typename Ours, typename Bare>
 void compare(benchmark::State &state, Ours ours, Bare bare)
 {

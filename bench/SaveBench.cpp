@@ -61,9 +61,10 @@ void bareTransaction()
     sqlite3session_create(database, "main", &session);
     sqlite3session_attach(session, nullptr);
     const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
-    sqlite3_stmt *task = prepared("INSERT INTO EntityTask (id, title, details, type, status, priority, creationDate, "
-                                  "lastModificationDate, position) VALUES (?, ?, ?, 0, 0, 3, ?4, ?4, (SELECT MAX(position) + 1 "
-                                  "FROM EntityTask WHERE startDate IS NULL AND type = 0))");
+    sqlite3_stmt *task = prepared(
+        "INSERT INTO EntityTask (id, title, details, type, status, priority, creationDate, "
+        "lastModificationDate, position) VALUES (?, ?, ?, 0, 0, 3, ?4, ?4, (SELECT MAX(position) + 1 "
+        "FROM EntityTask WHERE startDate IS NULL AND type = 0))");
     bindText(task, 1, id);
     bindText(task, 2, title);
     bindText(task, 3, details);

@@ -43,7 +43,8 @@ Reading start(const QString &program, const QString &home)
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/data"));
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/config"));
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home);
-    if (!environment.contains(QStringLiteral("DISPLAY")) && !environment.contains(QStringLiteral("WAYLAND_DISPLAY")))
+    if (!environment.contains(QStringLiteral("DISPLAY")) &&
+        !environment.contains(QStringLiteral("WAYLAND_DISPLAY")))
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     process.setProcessEnvironment(environment);
     process.setStandardErrorFile(QProcess::nullDevice());
@@ -66,8 +67,9 @@ Reading start(const QString &program, const QString &home)
 Reading median(std::vector<Reading> readings)
 {
     const auto middle = [&readings](double Reading::*field) {
-        std::nth_element(readings.begin(), readings.begin() + std::ptrdiff_t(readings.size() / 2), readings.end(),
-                         [field](const Reading &one, const Reading &other) { return one.*field < other.*field; });
+        std::nth_element(
+            readings.begin(), readings.begin() + std::ptrdiff_t(readings.size() / 2), readings.end(),
+            [field](const Reading &one, const Reading &other) { return one.*field < other.*field; });
         return readings[readings.size() / 2].*field;
     };
     Reading result;
@@ -79,13 +81,15 @@ Reading median(std::vector<Reading> readings)
 
 void print(const char *what, const Reading &reading, const Reading &trivial)
 {
-    std::printf("%-22s %7.1f ms  ratio %4.2f  resident %6.1f MB  proportional %6.1f MB\n", what, reading.milliseconds,
-                reading.milliseconds / trivial.milliseconds, reading.residentMegabytes, reading.proportionalMegabytes);
+    std::printf("%-22s %7.1f ms  ratio %4.2f  resident %6.1f MB  proportional %6.1f MB\n", what,
+                reading.milliseconds, reading.milliseconds / trivial.milliseconds, reading.residentMegabytes,
+                reading.proportionalMegabytes);
 }
 
 } // namespace
 
-/// Start to painted window of the program with an empty store and with 100,000 tasks, against a trivial window, in turn.
+/// Start to painted window of the program with an empty store and with 100,000 tasks, against a trivial
+/// window, in turn.
 int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);

@@ -31,7 +31,8 @@ constexpr double secondsPerDay = 86400;
 class Generator
 {
 public:
-    Generator(const QString &path, unsigned seed) : random(seed)
+    Generator(const QString &path, unsigned seed)
+        : random(seed)
     {
         auto opened = ManagedObjectContext::open(path, organiserModel());
         if (!opened)
@@ -64,8 +65,8 @@ public:
         addDates(row, type, isDated);
         row.integer(isDated ? 0 : chance(0.2)).real(now - pick(1000) * secondsPerDay);
         isDone ? row.real(now - pick(700) * secondsPerDay) : row.null();
-        !isDated && type == 0 ? row.integer(number) : row.null();
-        isDated && chance(0.05) ? row.text(u"RRULE FREQ=WEEKLY;INTERVAL=1"_qs) : row.null();
+        !isDated &&type == 0 ? row.integer(number) : row.null();
+        isDated &&chance(0.05) ? row.text(u"RRULE FREQ=WEEKLY;INTERVAL=1"_qs) : row.null();
         const int category = pick(categoryCount + 5);
         const int project = pick(projectCount * 3);
         const int contact = pick(contactCount * 4);
@@ -81,7 +82,9 @@ private:
     class Row
     {
     public:
-        explicit Row(sqlite3_stmt *prepared) : statement(prepared) {}
+        explicit Row(sqlite3_stmt *prepared)
+            : statement(prepared)
+        {}
         Row &text(const QString &value)
         {
             const QByteArray bytes = value.toUtf8();
@@ -146,7 +149,8 @@ private:
         const double day = now + (pick(yearsOfDates * 365) - yearsOfDates * 365 / 2) * secondsPerDay;
         const Date start = MTDates::startOfCurrentDay(Date::fromReferenceSeconds(day));
         if (type == 0) {
-            row.real(start.referenceSeconds()).real((MTDates::endOfCurrentDay(start) - Seconds(59)).referenceSeconds());
+            row.real(start.referenceSeconds())
+                .real((MTDates::endOfCurrentDay(start) - Seconds(59)).referenceSeconds());
             return;
         }
         const double moment = start.referenceSeconds() + 8 * 3600 + pick(40) * 900;
@@ -157,20 +161,26 @@ private:
     {
         for (const QString &text : texts) {
             if (!text.isEmpty())
-                Row(index()).text(uuid()).text(u"x-morvane://%1/EntityTask/%2"_qs.arg(storeIdentifier, id)).text(text).run();
+                Row(index())
+                    .text(uuid())
+                    .text(u"x-morvane://%1/EntityTask/%2"_qs.arg(storeIdentifier, id))
+                    .text(text)
+                    .run();
         }
     }
 
     sqlite3_stmt *task()
     {
-        return prepared(taskStatement,
-                        "INSERT INTO EntityTask (id, title, details, type, status, priority, startDate, dueDate, "
-                        "dueSomeDay, creationDate, expirationDate, position, repeat, category, project, delegateToUser) "
-                        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        return prepared(
+            taskStatement,
+            "INSERT INTO EntityTask (id, title, details, type, status, priority, startDate, dueDate, "
+            "dueSomeDay, creationDate, expirationDate, position, repeat, category, project, delegateToUser) "
+            "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     }
     sqlite3_stmt *index()
     {
-        return prepared(indexStatement, "INSERT INTO EntitySearchIndex (id, objectId, string) VALUES (?, ?, ?)");
+        return prepared(indexStatement,
+                        "INSERT INTO EntitySearchIndex (id, objectId, string) VALUES (?, ?, ?)");
     }
     sqlite3_stmt *prepared(sqlite3_stmt *&statement, const char *sql)
     {
@@ -191,12 +201,14 @@ private:
         static const char digits[] = "0123456789abcdef";
         QString text;
         for (int place = 0; place < 36; ++place)
-            text += place == 8 || place == 13 || place == 18 || place == 23 ? QChar(u'-') : QLatin1Char(digits[pick(16)]);
+            text += place == 8 || place == 13 || place == 18 || place == 23 ? QChar(u'-')
+                                                                            : QLatin1Char(digits[pick(16)]);
         return text;
     }
     QString word()
     {
-        static const char16_t *const syllables[] = {u"ka", u"lo", u"mi", u"ren", u"tu", u"sel", u"ba", u"dor", u"né", u"ßi"};
+        static const char16_t *const syllables[] = {u"ka",  u"lo", u"mi",  u"ren", u"tu",
+                                                    u"sel", u"ba", u"dor", u"né",  u"ßi"};
         QString text;
         for (int count = 1 + pick(3); count >= 0; --count)
             text += QString::fromUtf16(syllables[pick(10)]);

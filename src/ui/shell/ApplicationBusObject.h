@@ -4,8 +4,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
-/// The program as the desktop sees it on the message bus (freedesktop.org Desktop Entry Specification, "D-Bus
-/// Activation").
+/// The program as the desktop sees it on the message bus: the interface org.freedesktop.Application of D-Bus
+/// activation.
 class ApplicationBusObject : public QObject
 {
     Q_OBJECT
