@@ -1,4 +1,4 @@
-// What the program does as a whole: asking, ending, starting twice, being read aloud.
+// What the program does as a whole: asking, ending, starting twice.
 
 #include "shell/QuitSignals.h"
 #include "shell/SingleInstance.h"
@@ -75,23 +75,6 @@ TEST(SingleInstanceTest, AfterTheFirstHasEndedTheNextIsFirstAgain)
 }
 
 using WholeWindowTest = ShellTest;
-
-TEST_F(WholeWindowTest, EveryControlThatTakesTheKeyboardHasAName)
-{
-    showList(SidebarItem::Today);
-    WindowNewTask &form = openNewTask();
-    for (const QWidget *root : {static_cast<QWidget *>(&window()), static_cast<QWidget *>(&form)}) {
-        for (const QWidget *widget : root->findChildren<QWidget *>()) {
-            if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisible())
-                continue;
-            const auto *button = qobject_cast<const QAbstractButton *>(widget);
-            const bool isNamed = !widget->accessibleName().isEmpty() || (button && !button->text().isEmpty());
-            EXPECT_TRUE(isNamed) << widget->metaObject()->className() << " "
-                                 << qPrintable(widget->objectName());
-        }
-    }
-    form.close();
-}
 
 TEST_F(WholeWindowTest, ClosingTheWindowKeepsTheProgramAndTheWindowComesBack)
 {

@@ -18,6 +18,8 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QScreen>
+#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -50,10 +52,21 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     textFieldTitle->setFocus();
 }
 
+/// Over the middle of the main window, with the title bar where it can be reached.
+void WindowNewTask::placeOverParent()
+{
+    const QRect room = parentWidget()->screen()->availableGeometry();
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const QPoint wanted = parentWidget()->geometry().center() - rect().center();
+    move(std::clamp(wanted.x(), room.left(), std::max(room.left(), room.right() - width())),
+         std::clamp(wanted.y(), room.top() + titleBar,
+                    std::max(room.top() + titleBar, room.bottom() - height())));
+}
+
 void WindowNewTask::showWindow()
 {
     if (!isVisible() && parentWidget())
-        move(parentWidget()->geometry().center() - rect().center());
+        placeOverParent();
     show();
     raise();
     activateWindow();

@@ -32,6 +32,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void placeOverParent();
     void setUpRows();
     RowItemView *addRow(int tag, const QString &textTag, int height, const QString &label, QWidget *control);
     QWidget *makeTitle();

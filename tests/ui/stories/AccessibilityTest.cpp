@@ -1,0 +1,118 @@
+// The program is read aloud: whatever takes the keyboard says what it is.
+
+#include "records/Functional.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/DatePicker.h"
+#include "widgets/MessageBoxPresenter.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// The focusable controls below an element that would be read as nothing, by the way that leads to them.
+QStringList namelessIn(QAccessibleInterface &element, const QString &path)
+{
+    QStringList nameless;
+    const QObject *object = element.object();
+    const QString here =
+        path + u'/' + (object ? QString::fromLatin1(object->metaObject()->className()) : u"item"_s);
+    const QAccessible::State state = element.state();
+    if (state.focusable && !state.invisible && element.text(QAccessible::Name).isEmpty())
+        nameless << here;
+    for (int index = 0; index < element.childCount(); ++index) {
+        if (QAccessibleInterface *child = element.child(index))
+            nameless << namelessIn(*child, here);
+    }
+    return nameless;
+}
+
+void expectNamed(QWidget &window)
+{
+    QAccessibleInterface *root = QAccessible::queryAccessibleInterface(&window);
+    ASSERT_NE(root, nullptr);
+    EXPECT_GT(root->childCount(), 0);
+    EXPECT_EQ(namelessIn(*root, {}).join(u'\n'), QString());
+}
+
+class AccessibilityTest : public ShellTest
+{
+protected:
+    AccessibilityTest() { addInbox({u"first"_s, u"second"_s}); }
+};
+
+} // namespace
+
+TEST_F(AccessibilityTest, ANamelessControlWouldBeFound)
+{
+    QToolButton nameless;
+    QWidget &content = *window().rightContentView();
+    nameless.setParent(&content);
+    nameless.setFocusPolicy(Qt::StrongFocus);
+    nameless.show();
+    const QStringList found = namelessIn(*QAccessible::queryAccessibleInterface(&window()), {});
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_TRUE(found.first().endsWith(u"/QToolButton"_s)) << qPrintable(found.first());
+}
+
+TEST_F(AccessibilityTest, EveryScreenNamesItsControls)
+{
+    for (const ActionDescription &description : Actions::table()) {
+        if (const auto item = Actions::listOf(description.id)) {
+            SCOPED_TRACE(qPrintable(SidebarModel::titleOf(*item)));
+            controller().showList(*item);
+            expectNamed(window());
+        }
+    }
+}
+
+TEST_F(AccessibilityTest, TheNewTaskWindowNamesItsControlsForEachType)
+{
+    WindowNewTask &form = openNewTask();
+    for (const int index : {0, 1, 2}) {
+        form.taskForm()->setType(Functional::typeStringFromType(index));
+        expectNamed(form);
+    }
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(AccessibilityTest, TheDateBubbleAndTheQuestionNameTheirControls)
+{
+    WindowNewTask &form = openNewTask();
+    form.taskForm()->setType(Functional::typeStringFromType(1));
+    auto &start = find<DatePicker>(form, "datePickerStartDate");
+    start.setFocus();
+    QTest::keyClick(&start, Qt::Key_Space);
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    expectNamed(*QApplication::activePopupWidget());
+    QApplication::activePopupWidget()->close();
+
+    QTimer::singleShot(50, [] {
+        QWidget *box = QApplication::activeModalWidget();
+        expectNamed(*box);
+        box->close();
+    });
+    MessageBoxPresenter().present(
+        {.title = {}, .message = u"Sure?"_s, .informativeText = {}, .buttons = {u"Yes"_s, u"No"_s}});
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(AccessibilityTest, ARowSaysWhatItsColoursAndMarksSay)
+{
+    add(u"report"_s, [](MVTask &task) {
+        task.startDate = localDate(2026, 11, 19);
+        task.dueDate = localDate(2026, 11, 19, 23, 59);
+        task.priority = 0;
+    });
+    showList(SidebarItem::Today);
+    const QString row = list().tableModel()->index(0).data(Qt::AccessibleTextRole).toString();
+    for (const QString &part : {u"report"_s, u"overdue"_s, u"High"_s})
+        EXPECT_TRUE(row.contains(part)) << qPrintable(row);
+}
