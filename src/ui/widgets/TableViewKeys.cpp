@@ -86,4 +86,9 @@ void TableViewExtended::keyPressEvent(QKeyEvent *event)
     if (isPlain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
         return Q_EMIT doubleAction(currentRow());
     QAbstractItemView::keyPressEvent(event);
+    // A row that was current without being selected does not change by such a key, and would stay unselected.
+    const bool isMove = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down ||
+                        event->key() == Qt::Key_Home || event->key() == Qt::Key_End;
+    if (isPlain && isMove && !hasSelectedRows() && currentRow() >= 0)
+        selectRow(currentRow());
 }

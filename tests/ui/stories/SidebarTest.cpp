@@ -56,6 +56,11 @@ TEST_F(SidebarTest, ACommandGoesToAListAndGivesItTheKeys)
     EXPECT_EQ(selectedTitles(), QStringList(u"First"_s));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
     EXPECT_EQ(selectedTitles(), QStringList(u"Second"_s));
+    // A row can be current without being selected, as when the window comes back to the front.
+    list().clearSelection();
+    list().selectionModel()->setCurrentIndex(list().model()->index(0, 0), QItemSelectionModel::NoUpdate);
+    key(Qt::Key_Home);
+    EXPECT_EQ(selectedTitles(), QStringList(u"First"_s));
     outline().setFocus();
     run(ActionId::ShowCalendar);
     EXPECT_EQ(QApplication::focusWidget(), &outline()) << "A screen without rows takes no keys";
