@@ -2,9 +2,9 @@
 
 #include <QString>
 
-/// The user's folders as freedesktop.org lays them out (XDG base directories). The environment is read at each call; a
-/// variable that is unset, empty or a relative path means the default below the home folder. Folders need not
-/// exist.
+/// The user's folders as freedesktop.org lays them out (XDG base directories). The environment is read at
+/// each call; a variable that is unset, empty or a relative path means the default below the home folder.
+/// Folders need not exist.
 class ApplicationPaths
 {
 public:

@@ -29,7 +29,10 @@ public:
 
     const std::vector<UserNotification> &scheduledNotifications() const { return scheduled; }
     /// Replaces the whole list.
-    void setScheduledNotifications(std::vector<UserNotification> notifications) { scheduled = std::move(notifications); }
+    void setScheduledNotifications(std::vector<UserNotification> notifications)
+    {
+        scheduled = std::move(notifications);
+    }
     /// Takes out the equal one, if it is there.
     void removeScheduledNotification(const UserNotification &notification);
 

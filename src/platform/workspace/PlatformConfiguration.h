@@ -3,7 +3,8 @@
 #include <QJsonObject>
 #include <QString>
 
-/// What is set for this machine rather than for the user's records: `platform.json` in the configuration folder.
+/// What is set for this machine rather than for the user's records: `platform.json` in the configuration
+/// folder.
 class PlatformConfiguration
 {
 public:
