@@ -1,0 +1,164 @@
+#include "records/MVProject.h"
+
+#include "records/Functional.h"
+#include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace {
+
+constexpr int openStatus = static_cast<int>(TaskStatus::Open);
+constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
+constexpr int noPriority = static_cast<int>(Priority::None);
+
+void fill(QString &field, const QString &value)
+{
+    if (field.isEmpty())
+        field = value;
+}
+
+/// For optional values and links.
+template <typename T>
+void fill(T &field, const T &value)
+{
+    if (!field)
+        field = value;
+}
+
+template <typename T>
+void fill(std::vector<T> &field, const std::vector<T> &value)
+{
+    if (field.empty())
+        field = value;
+}
+
+} // namespace
+
+MVProject::MVProject(ProjectPtr project)
+{
+    setProject(std::move(project));
+}
+
+MVProject MVProject::startEntityProjectValue()
+{
+    MVProject copy;
+    copy.status = openStatus;
+    copy.priority = noPriority;
+    copy.stage = 0;
+    copy.category = EntityCategory::getCustom();
+    return copy;
+}
+
+void MVProject::setProject(ProjectPtr project)
+{
+    row = std::move(project);
+    if (!row)
+        return;
+    isNew = false;
+    fill(title, row->title());
+    fill(dueDate, row->dueDate());
+    fill(startDate, row->startDate());
+    fill(stage, row->stage());
+    fill(status, row->status());
+    fill(details, row->details());
+    fill(priority, row->priority());
+    fill(category, row->category());
+    fill(delegateToUser, row->delegateToUser());
+    fill(expirationDate, row->expirationDate());
+    fill(rowIndex, row->rowIndex());
+    fill(task, row->task());
+    fill(creationDate, row->creationDate());
+}
+
+void MVProject::setProjectValues()
+{
+    if (!row)
+        return;
+    const bool wasNew = isNew;
+    *this = MVProject(row);
+    isNew = wasNew;
+}
+
+MVProject &MVProject::save()
+{
+    isNew = false;
+    if (!row)
+        makeRow();
+    writeFields();
+    return *this;
+}
+
+void MVProject::makeRow()
+{
+    status = status.value_or(openStatus);
+    priority = priority.value_or(noPriority);
+    stage = stage.value_or(0);
+    row = mainContext().insert<EntityProject>();
+    row->setCreationDate(MVDate::date());
+    isNew = true;
+}
+
+void MVProject::writeFields()
+{
+    row->setTitle(title);
+    row->setDueDate(dueDate);
+    row->setStartDate(startDate);
+    row->setStage(stage);
+    row->setStatus(status);
+    row->setDetails(details);
+    row->setPriority(priority);
+    row->setCategory(category);
+    row->setTask(task);
+    row->setDelegateToUser(delegateToUser);
+    row->setExpirationDate(expirationDate);
+    row->setRowIndex(rowIndex);
+}
+
+std::vector<TaskPtr> MVProject::sortedTasks() const
+{
+    std::vector<TaskPtr> open;
+    std::vector<TaskPtr> done;
+    for (const TaskPtr &one : task)
+        (one->status() == doneStatus ? done : open).push_back(one);
+    std::stable_sort(done.begin(), done.end(), [](const TaskPtr &one, const TaskPtr &other) {
+        return one->expirationDate() < other->expirationDate();
+    });
+    std::stable_sort(open.begin(), open.end(), [](const TaskPtr &one, const TaskPtr &other) {
+        const OptionalDate due = one->dueDate();
+        const OptionalDate otherDue = other->dueDate();
+        return due == otherDue ? one->title() < other->title() : due > otherDue;
+    });
+    std::vector<TaskPtr> sorted = DBWorker::dueDateWithSomedayArrayComparator(std::move(open));
+    sorted.insert(sorted.end(), done.begin(), done.end());
+    return sorted;
+}
+
+std::vector<ContactPtr> MVProject::sortedContacts() const
+{
+    std::vector<ContactPtr> sorted = delegateToUser;
+    std::stable_sort(sorted.begin(), sorted.end(), [](const ContactPtr &one, const ContactPtr &other) {
+        return std::tuple(one->firstName(), one->lastName()) <
+               std::tuple(other->firstName(), other->lastName());
+    });
+    return sorted;
+}
+
+void MVProject::changeStatus(const QString &text)
+{
+    for (int number = openStatus; number <= doneStatus; ++number) {
+        if (text == Functional::statusStringFromType(number))
+            status = number;
+    }
+    expirationDate = status == doneStatus ? OptionalDate(MVDate::date()) : std::nullopt;
+}
+
+void MVProject::changePriority(const QString &text)
+{
+    for (int number = 0; number <= noPriority; ++number) {
+        if (text == Functional::priorityStringFromType(number))
+            priority = number;
+    }
+}

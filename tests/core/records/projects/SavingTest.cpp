@@ -1,0 +1,135 @@
+#include "CoreTest.h"
+
+#include "records/MVProject.h"
+#include "records/ProjectManager.h"
+#include "records/dates/MVDate.h"
+#include "store/state/NotificationNames.h"
+#include "support/FullDisk.h"
+
+namespace {
+
+class SavingProjects : public CoreTest
+{
+protected:
+    TaskPtr task(OptionalDate start, OptionalDate due, int status = 0)
+    {
+        const TaskPtr one = context().insert<EntityTask>();
+        one->setStatus(status);
+        one->setStartDate(start);
+        one->setDueDate(due);
+        return one;
+    }
+    static Date june(int day, int hour = 0) { return localDate(2026, 6, day, hour); }
+    using Bounds = std::array<OptionalDate, 2>;
+
+    /// Saves a project of these dates and gives the title and the text of the message that stopped it.
+    QStringList saveWith(MVProject &project, OptionalDate start, OptionalDate due)
+    {
+        project.startDate = start;
+        project.dueDate = due;
+        const ScriptedAlerts alerts({1000});
+        const bool isSaved = ProjectManager::saveProjectTemp(project);
+        EXPECT_EQ(isSaved, alerts.asked().empty());
+        if (isSaved)
+            return {};
+        return {alerts.asked().front().title, alerts.asked().front().informativeText};
+    }
+
+    int added = 0;
+    int changed = 0;
+    Observation additions = NotificationCenter::defaultCenter().addObserver(
+        notifications::coreDataAddNewProject, [this](const Notification &) { ++added; });
+    Observation changes = NotificationCenter::defaultCenter().addObserver(
+        notifications::projectChange, [this](const Notification &) { ++changed; });
+};
+
+TEST_F(SavingProjects, FindsTheBoundsOfOpenTasks)
+{
+    const Bounds none{};
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({}), none);
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task({}, {}), task(june(1), june(9), 3)}), none);
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates(
+                  {task(june(1), june(9), 3), task(june(4), june(5)), task(june(3), june(8))}),
+              Bounds({june(3), june(8)}));
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task({}, june(5)), task({}, june(3)), task({}, june(4))}),
+              Bounds({june(3), june(5)}))
+        << "Without any start the first due date begins";
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task(june(5), {}), task(june(3), {})}),
+              Bounds({june(3), std::nullopt}));
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task(june(5), june(6)), task({}, june(2))}),
+              Bounds({june(2), june(6)}));
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task(june(5), june(6)), task(june(9), {})}),
+              Bounds({june(5), june(9)}));
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task({}, june(2)), task(june(5), june(6))}),
+              Bounds({june(5), june(6)}))
+        << "A lone due date before any start is passed over";
+}
+
+TEST_F(SavingProjects, RefusesDatesThatLeaveOutOpenTasks)
+{
+    MVProject project;
+    project.title = u"House"_qs;
+    project.task = {task(june(2), june(2, 12)), task(june(3), june(5, 18))};
+    EXPECT_EQ(saveWith(project, june(3), {}),
+              QStringList({u"Invalid Start Date"_qs,
+                           u"Start Date can't be more than minimum Start Date of Tasks!"_qs}));
+    EXPECT_EQ(saveWith(project, {}, june(1)),
+              QStringList(
+                  {u"Invalid Due Date"_qs, u"Due Date can't be less than minimum Start Date of Tasks!"_qs}));
+    EXPECT_EQ(
+        saveWith(project, {}, june(4)),
+        QStringList({u"Invalid Due Date"_qs, u"Due Date can't be less than maximum Due Date of Tasks!"_qs}));
+    EXPECT_EQ(saveWith(project, june(5), june(4)),
+              QStringList({u"Invalid Due Date"_qs, u"Due Date can't be less than Start Date!"_qs}));
+    EXPECT_FALSE(project.project()) << "Nothing was stored";
+    project.task[0]->setStatus(3);
+    EXPECT_EQ(saveWith(project, june(3), june(5)), QStringList())
+        << "A due date counts to the end of its day";
+}
+
+TEST_F(SavingProjects, SpeaksOfTheLatestDateWhenAProjectStartsAfterIt)
+{
+    // A task that is due before it starts is the only way to this message.
+    MVProject project(context().insert<EntityProject>());
+    project.task = {task(june(9), june(4))};
+    EXPECT_EQ(saveWith(project, june(8), {}),
+              QStringList({u"Invalid Start Date"_qs,
+                           u"Start Date can't be more than maximum Due Date of Tasks!"_qs}));
+}
+
+TEST_F(SavingProjects, TellsNewProjectsFromChangedOnes)
+{
+    MVProject project = MVProject::startEntityProjectValue();
+    EXPECT_EQ(saveWith(project, {}, {}), QStringList());
+    EXPECT_EQ(project.project()->title(), u"NewProject"_qs);
+    EXPECT_EQ(project.creationDate, Clock::now());
+    EXPECT_EQ(added, 1);
+    EXPECT_EQ(changed, 0);
+    EXPECT_FALSE(context().hasChanges());
+
+    // Right after it was made nobody looks at its tasks; later they count.
+    project.task = {task(june(2), june(5))};
+    EXPECT_EQ(saveWith(project, june(3), {}), QStringList());
+    EXPECT_EQ(added, 1);
+    EXPECT_EQ(changed, 1);
+    EXPECT_EQ(saveWith(project, june(4), {}).size(), 2);
+    EXPECT_EQ(project.project()->startDate(), june(3));
+}
+
+TEST_F(SavingProjects, ReloadsTheCopyWhenTheCommitFails)
+{
+    MVProject project = MVProject::startEntityProjectValue();
+    project.title = u"House"_qs;
+    const LogCapture log;
+    {
+        const FullDisk disk;
+        EXPECT_FALSE(ProjectManager::saveProjectTemp(project));
+    }
+    EXPECT_EQ(log.lines().filter(u"Can't Save Project! "_qs).size(), 1);
+    EXPECT_EQ(project.creationDate, Clock::now()) << "It was read from the row";
+    EXPECT_EQ(added + changed, 0);
+    EXPECT_TRUE(ProjectManager::saveProjectTemp(project));
+    EXPECT_EQ(DBWorker::allProjects().size(), 1);
+}
+
+} // namespace
