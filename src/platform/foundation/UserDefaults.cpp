@@ -1,6 +1,7 @@
 #include "foundation/UserDefaults.h"
 
 #include "foundation/ApplicationPaths.h"
+#include "foundation/AtomicFile.h"
 #include "foundation/Clock.h"
 #include "foundation/DefaultsCoding.h"
 #include "foundation/Log.h"
@@ -12,7 +13,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 static constexpr Seconds delayOfWrites{0.2};
 
@@ -180,9 +180,8 @@ bool UserDefaults::write()
 {
     const QByteArray text = QJsonDocument(values).toJson();
     QDir().mkpath(QFileInfo(path).path());
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
-        reportWriteFailure(file.errorString());
+    if (const OptionalError error = writeFileAtomically(path, text)) {
+        reportWriteFailure(error->message);
         return false;
     }
     isFailureReported = false;

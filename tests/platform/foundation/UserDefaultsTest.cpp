@@ -243,10 +243,11 @@ TEST_F(UserDefaultsTest, AFullDiskLeavesTheLastWholeFile)
     writeFile(R"({"key": "old"})");
     const LogCapture log;
     UserDefaults defaults(path);
-    defaults.setObject(u"key"_qs, QString(100'000, u'x'));
-    {
-        const FullDisk disk(4096);
-        EXPECT_FALSE(defaults.synchronize());
+    // Small settings and large ones: both in one piece or not at all.
+    for (const int size : {1'000, 100'000}) {
+        defaults.setObject(u"key"_qs, QString(size, u'x'));
+        const FullDisk disk(400);
+        EXPECT_FALSE(defaults.synchronize()) << size;
     }
     EXPECT_EQ(fileText(path), QByteArray(R"({"key": "old"})"));
     EXPECT_EQ(filesBeside(), QStringList{u"defaults.json"_qs}) << "no half-written file stays behind";
