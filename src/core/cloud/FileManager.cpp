@@ -1,14 +1,26 @@
 #include "cloud/FileManager.h"
 
+#include "cloud/IcloudManager.h"
 #include "foundation/ApplicationPaths.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 namespace {
 
 bool makeIfMissing(const QString &path)
 {
     return !QDir(path).exists() && QDir().mkdir(path);
+}
+
+/// Only a file of the same length is read.
+bool holds(const QString &path, const QByteArray &data)
+{
+    const QFileInfo info(path);
+    QFile file(path);
+    return info.isFile() && info.size() == data.size() && file.open(QIODevice::ReadOnly) &&
+           file.readAll() == data;
 }
 
 } // namespace
@@ -28,4 +40,38 @@ bool FileManager::createAppFolder()
 bool FileManager::createFolder(const QString &name)
 {
     return makeIfMissing(appFolderURL() + u'/' + name);
+}
+
+bool FileManager::fileExists(const QString &url)
+{
+    return QFileInfo::exists(url);
+}
+
+bool FileManager::isDictionary(const QString &url)
+{
+    return QFileInfo(url).isDir();
+}
+
+bool FileManager::deleteFileFromPath(const QString &path)
+{
+    return QFile::remove(path);
+}
+
+QString FileManager::imageFolderURL()
+{
+    return IcloudManager::imageUrl();
+}
+
+QStringList FileManager::listFileDevice()
+{
+    return IcloudManager::listImageURL();
+}
+
+std::optional<QString> FileManager::existPhotoData(const QByteArray &data)
+{
+    for (const QString &path : listFileDevice()) {
+        if (holds(path, data))
+            return QFileInfo(path).fileName();
+    }
+    return std::nullopt;
 }

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <QStringList>
 
-/// The folders of the program.
+#include <optional>
+
+/// The folders of the program and the files in them. Locations are paths.
 class FileManager
 {
 public:
@@ -14,4 +18,17 @@ public:
     static bool createAppFolder();
     /// The same for a folder inside it.
     static bool createFolder(const QString &name);
+
+    static bool fileExists(const QString &url);
+    /// Whether it is a folder.
+    static bool isDictionary(const QString &url);
+    /// Removes a file; whether that worked.
+    static bool deleteFileFromPath(const QString &path);
+
+    /// The folder of the pictures in use, and what it holds, hidden files left out.
+    static QString imageFolderURL();
+    static QStringList listFileDevice();
+    /// The name of the picture that is the same byte for byte, or nothing if there is none. Pictures that
+    /// cannot be read are passed over.
+    static std::optional<QString> existPhotoData(const QByteArray &data);
 };

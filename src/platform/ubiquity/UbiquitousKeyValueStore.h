@@ -1,0 +1,63 @@
+#pragma once
+
+#include "foundation/NotificationCenter.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <memory>
+#include <optional>
+
+class QFileSystemWatcher;
+
+/// What the other devices of the user changed in the shared settings.
+struct UbiquitousChange
+{
+    /// 0 a change of the server, 1 the first reading, 2 the quota is used up, 3 another account.
+    std::optional<int> reason;
+    QStringList keys;
+};
+
+/// User info: an `UbiquitousChange`.
+inline constexpr NotificationName ubiquitousStoreDidChangeExternally{
+    u"NSUbiquitousKeyValueStoreDidChangeExternallyNotification"};
+
+/// A few settings that the user's devices share: a table of key and value in one file of the ubiquity
+/// container, "KeyValueStore.json", with the values in the form of `DefaultsCoding`. Main thread.
+///
+/// The file is read again before each write, so that keys of other devices stay; a file that holds no JSON
+/// object counts as empty. A write that fails leaves the file as it was; the value is then kept until the
+/// file is read again.
+class UbiquitousKeyValueStore
+{
+public:
+    /// The store of the container in use, or null if there is no container.
+    static UbiquitousKeyValueStore *defaultStore();
+
+    explicit UbiquitousKeyValueStore(const QString &folder);
+    ~UbiquitousKeyValueStore();
+    UbiquitousKeyValueStore(const UbiquitousKeyValueStore &) = delete;
+    UbiquitousKeyValueStore &operator=(const UbiquitousKeyValueStore &) = delete;
+
+    /// The value as it was last read or written here; an invalid variant if there is none.
+    QVariant object(const QString &key) const;
+    QStringList keys() const { return values.keys(); }
+    /// Stores a value; an invalid variant removes the key. False if the file could not be written.
+    bool setObject(const QString &key, const QVariant &value);
+    bool removeObject(const QString &key) { return setObject(key, {}); }
+
+    /// Reads the file and tells by a notification what changed since it was last read.
+    void synchronize();
+    /// From now on the same happens whenever the file changes.
+    void watch();
+
+private:
+    QJsonObject read() const;
+    bool write(const QJsonObject &newValues) const;
+
+    QString path;
+    QJsonObject values;
+    std::unique_ptr<QFileSystemWatcher> watcher;
+};
