@@ -2,6 +2,7 @@
 
 #include "store/AppDelegate.h"
 #include "store/entities/Entities.h"
+#include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
 
 MANAGED_TO_ONE_DEFINITION(EntityContacts, EntityCompany, company, setCompany)
@@ -15,14 +16,17 @@ MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityNote, note, setNote)
 MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityProject, project, setProject)
 MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityTask, task, setTask)
 
+QString fullNameWith(const QString &firstName, const QString &lastName)
+{
+    if (firstName.isEmpty() || lastName.isEmpty())
+        return firstName + lastName;
+    const bool isFirstNameFirst = AppDelegate::shared()->dataConteiner().contactsDisplayOrder() == 0;
+    return isFirstNameFirst ? firstName + u' ' + lastName : lastName + u' ' + firstName;
+}
+
 QString EntityContacts::fullName() const
 {
-    const QString first = firstName();
-    const QString last = lastName();
-    if (first.isEmpty() || last.isEmpty())
-        return first + last;
-    const bool isFirstNameFirst = AppDelegate::shared()->dataConteiner().contactsDisplayOrder() == 0;
-    return isFirstNameFirst ? first + u' ' + last : last + u' ' + first;
+    return fullNameWith(firstName(), lastName());
 }
 
 ContactPtr EntityContacts::firstName(const QString &firstName, const QString &lastName)

@@ -1,0 +1,21 @@
+#include "records/people/NoteForm.h"
+
+#include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+
+MissingField NoteForm::clickButtonSave()
+{
+    if (values.title.isEmpty())
+        return MissingField::Title;
+    values.creationDate = MVDate::date();
+    row = mainContext().insert<EntityNote>();
+    row->setCreationDate(values.creationDate);
+    row->setTitle(values.title);
+    row->setDetail(values.detail);
+    row->setContact(values.contact);
+    DBWorker::saveContext();
+    NotificationCenter::defaultCenter().post(notifications::coreDataAddNewNote);
+    return MissingField::None;
+}

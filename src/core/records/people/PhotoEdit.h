@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class EntityContacts;
+
+/// The picture of a contact or a company while it is edited: what the user dropped or removed, and what
+/// becomes of the files when the edit is saved.
+///
+/// A picture that is in the image store already, byte for byte, is shared by its name.
+class PhotoEdit
+{
+public:
+    /// `photoName` as it is when editing begins; empty without a picture.
+    explicit PhotoEdit(const QString &photoName = {});
+
+    /// The user dropped a picture; `tiffRepresentation` is what its file will hold.
+    void dropPicture(const QByteArray &tiffRepresentation);
+    void removePicture();
+
+    /// The name that the record is to be saved with; empty without a picture.
+    const QString &photoName() const { return name; }
+    /// The picture that was dropped, or else the stored one; empty if there is none or its file cannot be
+    /// read.
+    QByteArray pictureData() const;
+    /// Whether the file of the earlier picture goes when the edit is saved: it goes unless exactly one
+    /// contact held it when the picture was changed.
+    bool deleteOldPhoto() const { return deletesOldPhoto; }
+
+    /// The record was committed: writes a picture that is new and removes the earlier one if it is to go.
+    /// Failures are in the log only.
+    void finish();
+
+    /// A contact is about to be deleted: its picture goes with it unless another contact holds it too.
+    /// Whether a file was removed.
+    static bool removePictureWith(const EntityContacts &contact);
+
+private:
+    void replaceName(const QString &newName);
+
+    QString formerName;
+    QString name;
+    QByteArray dropped;
+    bool isNewPicture = false;
+    bool deletesOldPhoto = false;
+};

@@ -1,0 +1,176 @@
+#include "CoreTest.h"
+
+#include "records/people/CompanyForm.h"
+#include "records/people/ContactForm.h"
+#include "records/people/NoteForm.h"
+#include "store/state/NotificationNames.h"
+#include "support/FullDisk.h"
+
+namespace {
+
+class Forms : public CoreTest
+{
+protected:
+    /// Counts the posts of one name.
+    struct Counter
+    {
+        explicit Counter(NotificationName name)
+            : observation(NotificationCenter::defaultCenter().addObserver(
+                  name, [this](const Notification &) { ++count; }))
+        {}
+        int count = 0;
+        Observation observation;
+    };
+    template <typename T>
+    int rows()
+    {
+        return context().count(T::fetchRequest());
+    }
+
+    Counter newContacts{notifications::coreDataAddNewContact};
+    Counter newCompanies{notifications::coreDataAddNewCompany};
+    Counter changedContacts{notifications::changeContactStatus};
+    Counter newNotes{notifications::coreDataAddNewNote};
+};
+
+TEST_F(Forms, StopAtAMissingNameWithoutAWord)
+{
+    const ScriptedAlerts none;
+    ContactForm contact;
+    contact.items.phones[0].setPhoneNumber(u"1"_qs);
+    contact.items.controlTextDidChange();
+    EXPECT_EQ(contact.clickButtonSave(), MissingField::FirstName);
+    EXPECT_EQ(contact.items.phones.size(), 2u) << "Nothing was dropped";
+    EXPECT_EQ(CompanyForm().clickButtonSave(), MissingField::Title);
+    EXPECT_EQ(NoteForm().clickButtonSave(), MissingField::Title);
+    EXPECT_FALSE(context().hasChanges());
+    EXPECT_EQ(newContacts.count + newCompanies.count + newNotes.count, 0);
+}
+
+TEST_F(Forms, StoreAContactWithWhatWasTyped)
+{
+    const auto company = context().insert<EntityCompany>();
+    const auto project = context().insert<EntityProject>();
+    ContactForm form;
+    form.values.firstName = u"  Ann\n"_qs;
+    form.values.birthday = localDate(1990, 2, 3);
+    form.values.keyPhoto = 4;
+    form.values.company = company;
+    form.values.contactCategory = DBWorker::allContactCategories().first();
+    form.values.project = {project};
+    form.items.phones[0].setPhoneNumber(u"123"_qs);
+    form.items.controlTextDidChange();
+    form.items.controlTextDidChange();
+    ASSERT_EQ(form.items.phones.size(), 2u) << "One free row, not more";
+    form.items.phones[1].setPhoneNumber(QString());
+    form.items.controlTextDidChange();
+    form.items.emails[0].setEmailString(u"a@b.org"_qs);
+    form.items.addresses[0].values().zip = u"89073"_qs;
+    form.items.urls[0].setURLString(u"not yet left"_qs);
+    form.items.emails.push_back({});
+    form.items.emails.push_back({});
+    form.items.addresses.push_back({});
+
+    EXPECT_EQ(form.clickButtonSave(), MissingField::None);
+    EXPECT_FALSE(context().hasChanges());
+    const ContactPtr contact = form.contact();
+    EXPECT_EQ(contact->firstName(), u"Ann"_qs);
+    EXPECT_EQ(contact->birthday(), localDate(1990, 2, 3));
+    EXPECT_EQ(contact->keyPhoto(), 4);
+    EXPECT_EQ(contact->company(), company);
+    EXPECT_EQ(company->contact(), std::vector<ContactPtr>({contact}));
+    EXPECT_EQ(contact->contactCategory(), DBWorker::allContactCategories().first());
+    EXPECT_EQ(contact->project(), std::vector<ProjectPtr>({project}));
+    ASSERT_EQ(contact->phone().size(), 1u);
+    EXPECT_EQ(contact->phone()[0]->number(), u"123"_qs);
+    EXPECT_EQ(contact->phone()[0]->type()->title(), u"home"_qs);
+    EXPECT_EQ(contact->email().size(), 1u) << "Rows left empty are not stored";
+    EXPECT_EQ(contact->address()[0]->zip(), u"89073"_qs);
+    EXPECT_TRUE(contact->url().empty()) << "The last row of a list is never stored";
+    EXPECT_EQ(newContacts.count, 1);
+    EXPECT_EQ(changedContacts.count, 0);
+}
+
+TEST_F(Forms, ChangeAContactAndItsRows)
+{
+    ContactForm form;
+    form.values.lastName = u"Lee"_qs;
+    for (const QString &number : {u"1"_qs, u"2"_qs, u"3"_qs}) {
+        form.items.phones.back().setPhoneNumber(number);
+        form.items.controlTextDidChange();
+    }
+    form.clickButtonSave();
+    ContactForm edit(form.contact());
+    EXPECT_EQ(edit.values.lastName, u"Lee"_qs);
+    ASSERT_EQ(edit.items.phones.size(), 4u);
+    EXPECT_EQ(std::static_pointer_cast<EntityPhoneType>(edit.items.phones[3].type())->title(), u"mobile"_qs)
+        << "The free row takes the first type that is left";
+    const ObjectPtr changed = edit.items.phones[0].entity();
+    edit.items.phones[0].setPhoneNumber(u"10"_qs);
+    edit.items.phones[1].setPhoneNumber(QString());
+    edit.items.phones.erase(edit.items.phones.begin() + 2);
+    edit.values.lastName = u"Kay"_qs;
+    EXPECT_EQ(edit.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(form.contact()->lastName(), u"Kay"_qs);
+    ASSERT_EQ(form.contact()->phone().size(), 1u);
+    EXPECT_EQ(form.contact()->phone()[0], changed);
+    EXPECT_EQ(form.contact()->phone()[0]->number(), u"10"_qs);
+    EXPECT_EQ(rows<EntityPhone>(), 1);
+    EXPECT_EQ(changedContacts.count, 1);
+    EXPECT_EQ(newContacts.count, 1);
+    EXPECT_EQ(edit.items.phones.size(), 2u) << "It can be edited on";
+
+    context().deleteObject(edit.contact());
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(edit.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(rows<EntityContacts>(), 1) << "What was deleted meanwhile is stored anew";
+    EXPECT_EQ(edit.contact()->phone().size(), 1u);
+}
+
+TEST_F(Forms, StoreCompaniesAndNotes)
+{
+    const auto ann = context().insert<EntityContacts>();
+    CompanyForm company;
+    company.values.title = u" Works "_qs;
+    company.values.details = u"tools"_qs;
+    company.values.contact = {ann};
+    company.items.urls[0].setURLString(u"works.org"_qs);
+    company.items.controlTextDidChange();
+    EXPECT_EQ(company.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(company.company()->title(), u"Works"_qs);
+    EXPECT_EQ(company.company()->url()[0]->url(), u"works.org"_qs);
+    EXPECT_EQ(ann->company(), company.company());
+    EXPECT_EQ(newCompanies.count, 1);
+    CompanyForm edit(company.company());
+    EXPECT_EQ(edit.values.contact, std::vector<ContactPtr>({ann}));
+    edit.values.contact.clear();
+    edit.clickButtonSave();
+    EXPECT_EQ(ann->company(), nullptr);
+    EXPECT_EQ(company.company()->details(), u"tools"_qs);
+    EXPECT_EQ(newCompanies.count, 1);
+
+    NoteForm note;
+    note.values.title = u"Remember"_qs;
+    note.values.detail = u"the milk"_qs;
+    note.values.contact = ann;
+    EXPECT_EQ(note.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(note.note()->creationDate(), Clock::now());
+    EXPECT_EQ(ann->note(), std::vector<std::shared_ptr<EntityNote>>({note.note()}));
+    EXPECT_EQ(newNotes.count, 1);
+}
+
+TEST_F(Forms, KeepWhatACommitCouldNotStore)
+{
+    ContactForm form;
+    form.values.firstName = u"Ann"_qs;
+    const LogCapture log;
+    {
+        const FullDisk disk;
+        EXPECT_EQ(form.clickButtonSave(), MissingField::None);
+    }
+    EXPECT_EQ(log.lines().filter(u"Unresolved error"_qs).size(), 1);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(rows<EntityContacts>(), 1);
+}
+
+} // namespace

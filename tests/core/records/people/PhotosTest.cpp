@@ -1,0 +1,139 @@
+#include "CoreTest.h"
+
+#include "cloud/IcloudManager.h"
+#include "records/people/CompanyForm.h"
+#include "records/people/ContactForm.h"
+#include "support/FullDisk.h"
+
+namespace {
+
+/// The frozen moment of all tests as a name.
+const QString nameOfNow = u"21-11-2026 09:15:00.png"_qs;
+
+class Photos : public CoreTest
+{
+protected:
+    static ContactPtr contactWith(const QByteArray &picture)
+    {
+        ContactForm form;
+        form.values.firstName = u"Ann"_qs;
+        form.photo.dropPicture(picture);
+        form.clickButtonSave();
+        return form.contact();
+    }
+    static QStringList files() { return IcloudManager::listImageName(); }
+    static QByteArray picture(const EntityContacts &contact)
+    {
+        return IcloudManager::imageData(contact.photoName());
+    }
+};
+
+TEST_F(Photos, AreNamedByTheMomentAndSharedIfTheyAreTheSame)
+{
+    const ContactPtr first = contactWith("face");
+    EXPECT_EQ(first->photoName(), nameOfNow);
+    EXPECT_EQ(picture(*first), "face");
+    const FrozenClock later(localDate(2026, 11, 21, 9, 16));
+    const ContactPtr second = contactWith("face");
+    EXPECT_EQ(second->photoName(), nameOfNow);
+    EXPECT_EQ(files(), QStringList(nameOfNow));
+    const ContactPtr other = contactWith("faces");
+    EXPECT_EQ(other->photoName(), u"21-11-2026 09:16:00.png"_qs);
+    EXPECT_EQ(files().size(), 2);
+}
+
+TEST_F(Photos, AreWrittenOnlyWhenTheRecordIsSaved)
+{
+    ContactForm form;
+    form.photo.dropPicture("face");
+    EXPECT_EQ(form.photo.photoName(), nameOfNow);
+    EXPECT_EQ(form.photo.pictureData(), "face");
+    EXPECT_EQ(form.clickButtonSave(), MissingField::FirstName);
+    EXPECT_EQ(files(), QStringList());
+    form.photo.removePicture();
+    EXPECT_FALSE(form.photo.photoName().isNull());
+    EXPECT_EQ(form.photo.pictureData(), QByteArray());
+    form.values.firstName = u"Ann"_qs;
+    form.clickButtonSave();
+    EXPECT_EQ(files(), QStringList());
+    EXPECT_EQ(form.contact()->photoName(), QString());
+}
+
+TEST_F(Photos, StayWithTheirOnlyHolderAndGoFromSeveral)
+{
+    const ContactPtr only = contactWith("face");
+    const FrozenClock later(localDate(2026, 11, 21, 10));
+    ContactForm edit(only);
+    EXPECT_EQ(edit.photo.pictureData(), "face");
+    edit.photo.dropPicture("new face");
+    EXPECT_FALSE(edit.photo.deleteOldPhoto());
+    edit.clickButtonSave();
+    EXPECT_EQ(only->photoName(), u"21-11-2026 10:00:00.png"_qs);
+    EXPECT_EQ(files().size(), 2) << "The earlier picture of its only holder stays";
+
+    const ContactPtr second = contactWith("new face");
+    ContactForm removal(second);
+    removal.photo.removePicture();
+    EXPECT_TRUE(removal.photo.deleteOldPhoto());
+    EXPECT_EQ(files().size(), 2);
+    removal.clickButtonSave();
+    EXPECT_EQ(files(), QStringList(nameOfNow)) << "One that two contacts hold goes";
+    EXPECT_EQ(second->photoName(), QString());
+    EXPECT_EQ(picture(*only), QByteArray());
+}
+
+TEST_F(Photos, StayWhenTheSamePictureIsDroppedAgain)
+{
+    contactWith("face");
+    ContactForm edit(contactWith("face"));
+    edit.photo.dropPicture("face");
+    edit.clickButtonSave();
+    EXPECT_EQ(picture(*edit.contact()), "face");
+}
+
+TEST_F(Photos, OfCompaniesTakeTheSameSteps)
+{
+    CompanyForm form;
+    form.values.title = u"Works"_qs;
+    form.photo.dropPicture("logo");
+    form.clickButtonSave();
+    EXPECT_EQ(form.company()->photoName(), nameOfNow);
+    CompanyForm edit(form.company());
+    edit.photo.removePicture();
+    EXPECT_TRUE(edit.photo.deleteOldPhoto()) << "No contact holds it";
+    edit.clickButtonSave();
+    EXPECT_EQ(files(), QStringList());
+}
+
+TEST_F(Photos, DoNoHarmWhenTheirFileIsMissingOrCannotBeWritten)
+{
+    const LogCapture log;
+    ContactForm form;
+    form.values.firstName = u"Ann"_qs;
+    form.clickButtonSave();
+    form.contact()->setPhotoName(u"../../gone.png"_qs);
+    ContactForm edit(form.contact());
+    EXPECT_EQ(edit.photo.pictureData(), QByteArray());
+    edit.photo.removePicture();
+    edit.photo.dropPicture("face");
+    {
+        const FullDisk disk;
+        edit.clickButtonSave();
+    }
+    EXPECT_EQ(edit.contact()->photoName(), nameOfNow);
+    EXPECT_EQ(files(), QStringList());
+    EXPECT_EQ(ContactForm(edit.contact()).photo.pictureData(), QByteArray());
+}
+
+TEST_F(Photos, GoWithTheLastContactThatHoldsThem)
+{
+    const ContactPtr first = contactWith("face");
+    const ContactPtr second = contactWith("face");
+    EXPECT_FALSE(PhotoEdit::removePictureWith(*first));
+    context().deleteObject(first);
+    EXPECT_EQ(picture(*second), "face");
+    EXPECT_TRUE(PhotoEdit::removePictureWith(*second));
+    EXPECT_EQ(files(), QStringList());
+}
+
+} // namespace
