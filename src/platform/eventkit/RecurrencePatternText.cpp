@@ -1,0 +1,205 @@
+#include "eventkit/RecurrencePattern.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <span>
+
+#include <libical/ical.h>
+
+namespace {
+
+constexpr int codesOfAPosition = 8;
+
+/// As many values as the list of the library holds; the first unused place ends it.
+void fill(std::span<short> list, const std::vector<int> &values)
+{
+    const std::size_t size = std::min(values.size(), list.size() - 1);
+    std::transform(values.begin(), values.begin() + std::ptrdiff_t(size), list.begin(),
+                   [](int value) { return static_cast<short>(value); });
+    list[size] = ICAL_RECURRENCE_ARRAY_MAX;
+}
+
+std::vector<int> valuesOf(std::span<const short> list)
+{
+    return {list.begin(), std::find(list.begin(), list.end(), short(ICAL_RECURRENCE_ARRAY_MAX))};
+}
+
+/// The library keeps weekday and position in one number: 8 times the position plus the weekday; its sign is
+/// that of the position.
+int codeOf(const EKRecurrenceDayOfWeek &day)
+{
+    const int code = std::abs(day.weekNumber) * codesOfAPosition + static_cast<int>(day.dayOfTheWeek);
+    return day.weekNumber < 0 ? -code : code;
+}
+
+std::vector<int> codesOf(const std::vector<EKRecurrenceDayOfWeek> &days)
+{
+    std::vector<int> codes;
+    std::transform(days.begin(), days.end(), std::back_inserter(codes), codeOf);
+    return codes;
+}
+
+std::vector<EKRecurrenceDayOfWeek> daysOf(std::span<const short> list)
+{
+    std::vector<EKRecurrenceDayOfWeek> days;
+    for (const int code : valuesOf(list)) {
+        const auto day = static_cast<short>(code);
+        days.push_back({static_cast<EKWeekday>(icalrecurrencetype_day_day_of_week(day)),
+                        icalrecurrencetype_day_position(day)});
+    }
+    return days;
+}
+
+icaltimetype icalTime(const WallClock &clock, bool isDate)
+{
+    icaltimetype time = icaltime_null_time();
+    time.year = clock.year;
+    time.month = clock.month;
+    time.day = clock.day;
+    time.is_date = isDate ? 1 : 0;
+    if (isDate)
+        return time;
+    time.hour = clock.hour;
+    time.minute = clock.minute;
+    time.second = clock.second;
+    return time;
+}
+
+icaltimetype untilOf(const RecurrencePattern &pattern)
+{
+    if (pattern.localUntil)
+        return icalTime(*pattern.localUntil, pattern.isUntilDate);
+    if (!pattern.until)
+        return icaltime_null_time();
+    const auto seconds = static_cast<std::int64_t>(std::floor(pattern.until->unixSeconds()));
+    icaltimetype time = icalTime(WallClock::fromSeconds(seconds), false);
+    time.zone = icaltimezone_get_utc_timezone();
+    return time;
+}
+
+icalrecurrencetype icalRule(const RecurrencePattern &pattern)
+{
+    icalrecurrencetype rule;
+    icalrecurrencetype_clear(&rule);
+    rule.freq = static_cast<icalrecurrencetype_frequency>(pattern.frequency);
+    rule.interval = static_cast<short>(std::min<int>(pattern.interval, std::numeric_limits<short>::max()));
+    rule.week_start = static_cast<icalrecurrencetype_weekday>(pattern.weekStart);
+    rule.count = pattern.count;
+    if (rule.count == 0)
+        rule.until = untilOf(pattern);
+    fill(rule.by_set_pos, pattern.bySetPos);
+    fill(rule.by_year_day, pattern.byYearDay);
+    fill(rule.by_month, pattern.byMonth);
+    fill(rule.by_week_no, pattern.byWeekNo);
+    fill(rule.by_month_day, pattern.byMonthDay);
+    fill(rule.by_day, codesOf(pattern.byDay));
+    fill(rule.by_hour, pattern.byHour);
+    fill(rule.by_minute, pattern.byMinute);
+    fill(rule.by_second, pattern.bySecond);
+    return rule;
+}
+
+void takeUntil(RecurrencePattern &pattern, const icaltimetype &written)
+{
+    if (icaltime_is_null_time(written))
+        return;
+    const icaltimetype until = icaltime_normalize(written);
+    const WallClock clock{until.year, until.month, until.day, until.hour, until.minute, until.second};
+    if (icaltime_is_utc(until)) {
+        pattern.until = Date::fromUnixSeconds(static_cast<double>(clock.seconds()));
+        return;
+    }
+    pattern.localUntil = clock;
+    pattern.isUntilDate = until.is_date != 0;
+}
+
+RecurrencePattern patternOf(const icalrecurrencetype &rule)
+{
+    RecurrencePattern pattern;
+    pattern.frequency = static_cast<RecurrenceUnit>(rule.freq);
+    pattern.interval = rule.interval;
+    if (rule.week_start != ICAL_NO_WEEKDAY)
+        pattern.weekStart = static_cast<EKWeekday>(rule.week_start);
+    pattern.count = rule.count;
+    takeUntil(pattern, rule.until);
+    pattern.bySetPos = valuesOf(rule.by_set_pos);
+    pattern.byYearDay = valuesOf(rule.by_year_day);
+    pattern.byMonth = valuesOf(rule.by_month);
+    pattern.byWeekNo = valuesOf(rule.by_week_no);
+    pattern.byMonthDay = valuesOf(rule.by_month_day);
+    pattern.byDay = daysOf(rule.by_day);
+    pattern.byHour = valuesOf(rule.by_hour);
+    pattern.byMinute = valuesOf(rule.by_minute);
+    pattern.bySecond = valuesOf(rule.by_second);
+    return pattern.withoutInvalidValues();
+}
+
+icalrecurrencetype readRule(const QString &body)
+{
+    return icalrecurrencetype_from_string(body.toLatin1().constData());
+}
+
+/// Whether the library takes a value on its own. It refuses a whole rule for one value out of range.
+bool isReadable(const QString &key, const QString &value)
+{
+    if (key == QStringLiteral("COUNT") || key == QStringLiteral("INTERVAL")) {
+        // The library lets these overflow.
+        bool fits = false;
+        if (value.toInt(&fits) < 1 || !fits)
+            return false;
+    }
+    const bool isFrequency = key == QStringLiteral("FREQ");
+    const QString rule = QStringLiteral("%1=%2").arg(key, value);
+    return readRule(isFrequency ? rule : QStringLiteral("FREQ=YEARLY;") + rule).freq != ICAL_NO_RECURRENCE;
+}
+
+/// The rule without the parts and values that nobody can read. A key that comes twice counts once, and of
+/// COUNT and UNTIL the first.
+QString withoutUnreadable(const QString &body)
+{
+    static const QStringList keys =
+        QStringLiteral("FREQ UNTIL COUNT INTERVAL WKST BYSECOND BYMINUTE BYHOUR BYDAY BYMONTHDAY BYYEARDAY "
+                       "BYWEEKNO BYMONTH BYSETPOS")
+            .split(u' ');
+    QStringList seen;
+    QStringList parts;
+    for (const QString &part : body.toUpper().split(u';')) {
+        const QString key = part.section(u'=', 0, 0).trimmed();
+        if (!keys.contains(key) || seen.contains(key))
+            continue;
+        QStringList values;
+        for (const QString &value : part.section(u'=', 1).split(u',', Qt::SkipEmptyParts))
+            if (isReadable(key, value.trimmed()))
+                values.append(value.trimmed());
+        values.removeDuplicates();
+        if (values.isEmpty())
+            continue;
+        seen.append(key);
+        if (key == QStringLiteral("COUNT") || key == QStringLiteral("UNTIL"))
+            seen << QStringLiteral("COUNT") << QStringLiteral("UNTIL");
+        parts.append(key + u'=' + values.join(u','));
+    }
+    return parts.join(u';');
+}
+
+} // namespace
+
+std::optional<RecurrencePattern> RecurrencePattern::fromText(const QString &body)
+{
+    const icalrecurrencetype rule = readRule(withoutUnreadable(body));
+    if (rule.freq == ICAL_NO_RECURRENCE)
+        return std::nullopt;
+    return patternOf(rule);
+}
+
+QString RecurrencePattern::text() const
+{
+    icalrecurrencetype rule = icalRule(withoutInvalidValues());
+    char *text = icalrecurrencetype_as_string_r(&rule);
+    const QString body = QString::fromLatin1(text);
+    icalmemory_free_buffer(text);
+    return body;
+}
