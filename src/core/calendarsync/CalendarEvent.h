@@ -7,6 +7,8 @@
 
 #include <vector>
 
+struct EKEvent;
+
 /// The only bridge between the organiser and the calendar store.
 ///
 /// Without access to a store every operation does what it does offline: tasks are kept, nothing is written
@@ -41,6 +43,10 @@ public:
     static void initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
                                           bool wasRepeatRule);
     static void removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks);
+    /// Puts the task's repetition on the event, adapted to the task's own date and ended by `endRepeat`, and
+    /// writes back to both fields what became of them. A task without a readable rule takes the repetition
+    /// off the event.
+    static void setRecurrenceRuleFromEvent(EKEvent &event, EntityTask &task);
 
     // Events to tasks.
     static void handleBeforeAllCalendarsSync();

@@ -1,0 +1,74 @@
+#include "calendarsync/CalendarEvent.h"
+#include "eventkit/EKEvent.h"
+#include "records/dates/MTDates.h"
+
+namespace {
+
+/// The end of the task's repetition as an end of the day, not before that of the task itself.
+OptionalDate endOfRule(const EntityTask &task)
+{
+    if (!task.endRepeat())
+        return std::nullopt;
+    const Date end = MTDates::inTimeZone(MTDates::endOfCurrentDay(*task.endRepeat()), "UTC");
+    const bool isEmailCall = task.type() == static_cast<int>(TaskType::EmailCall);
+    const OptionalDate first = isEmailCall ? task.dueDate() : task.startDate();
+    if (!first)
+        return end;
+    return std::max(end, MTDates::endOfCurrentDay(*first));
+}
+
+std::optional<EKRecurrenceRule> ruleOf(const EntityTask &task)
+{
+    auto rule = EKRecurrenceRule::recurrenceRuleFromString(task.repeat());
+    if (rule)
+        rule->setRecurrenceEnd(
+            task.endRepeat() ? std::optional(EKRecurrenceEnd::recurrenceEndWithEndDate(*task.endRepeat()))
+                             : std::nullopt);
+    return rule;
+}
+
+/// A rule may have been made for another date than the one it is used for.
+EKRecurrenceRule fittedTo(Date base, const EKRecurrenceRule &rule)
+{
+    std::vector<EKRecurrenceDayOfWeek> daysOfTheWeek = rule.daysOfTheWeek();
+    std::vector<int> daysOfTheMonth = rule.daysOfTheMonth();
+    std::vector<int> monthsOfTheYear = rule.monthsOfTheYear();
+    switch (rule.frequency()) {
+    case EKRecurrenceFrequency::Daily:
+        return rule;
+    case EKRecurrenceFrequency::Weekly:
+        // Without a day the rule takes the weekday of the event.
+        if (daysOfTheWeek.size() == 1)
+            daysOfTheWeek.clear();
+        break;
+    case EKRecurrenceFrequency::Monthly:
+        if (daysOfTheMonth.size() == 1)
+            daysOfTheMonth = {MTDates::dayOfMonth(base)};
+        break;
+    case EKRecurrenceFrequency::Yearly:
+        if (rule.daysOfTheYear().size() == 1)
+            monthsOfTheYear = {MTDates::monthOfYear(base)};
+        break;
+    }
+    EKRecurrenceRule fitted = EKRecurrenceRule::initRecurrenceWithFrequency(
+        rule.frequency(), rule.interval(), daysOfTheWeek, daysOfTheMonth, monthsOfTheYear,
+        rule.weeksOfTheYear(), rule.daysOfTheYear(), rule.setPositions(), rule.recurrenceEnd());
+    fitted.setFirstDayOfTheWeek(rule.firstDayOfTheWeek());
+    return fitted;
+}
+
+} // namespace
+
+void CalendarEvent::setRecurrenceRuleFromEvent(EKEvent &event, EntityTask &task)
+{
+    if (const OptionalDate end = endOfRule(task))
+        task.setEndRepeat(end);
+    auto rule = ruleOf(task);
+    const OptionalDate base = task.startDate() ? task.startDate() : task.dueDate();
+    if (rule && base)
+        rule = fittedTo(*base, *rule);
+    task.setRepeat(rule ? rule->stringForICalendar() : QString());
+    event.recurrenceRules.clear();
+    if (rule)
+        event.recurrenceRules.push_back(*rule);
+}
