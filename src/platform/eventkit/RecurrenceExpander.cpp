@@ -105,13 +105,12 @@ static void putInOrder(std::vector<RecurrenceInstance> &instances)
 
 RecurrenceExpander::Bounds RecurrenceExpander::boundsOf(const Window &window) const
 {
-    Bounds bounds{window.from, window.to, startSeconds, endOfTime};
+    Bounds bounds{std::max(startDate, window.from.value_or(startDate)), window.to, startSeconds, endOfTime};
     if (until && (!bounds.to || *until < *bounds.to))
         bounds.to = until;
     if (bounds.to)
         bounds.lastMoment = wallSecondsOf(*bounds.to, calendar) + slack;
-    if (bounds.from)
-        bounds.firstMoment = std::max(startSeconds, wallSecondsOf(*bounds.from, calendar) - slack);
+    bounds.firstMoment = std::max(startSeconds, wallSecondsOf(bounds.from, calendar) - slack);
     return bounds;
 }
 
@@ -127,7 +126,7 @@ bool RecurrenceExpander::take(const WallSeconds &moments, const Bounds &bounds, 
         if (moment < bounds.firstMoment)
             continue;
         const Date date = dateOf(moment);
-        if ((!bounds.from || date >= *bounds.from) && (!bounds.to || date <= *bounds.to))
+        if (date >= bounds.from && (!bounds.to || date <= *bounds.to))
             progress.found.push_back({WallClock::fromSeconds(moment), date});
     }
     return !moments.empty();

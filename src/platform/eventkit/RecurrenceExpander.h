@@ -50,10 +50,10 @@ public:
     static OptionalDate untilInstant(const RecurrencePattern &pattern, const Calendar &calendar);
 
 private:
-    /// A window with the end of the rule put in, and wall times that lie a little outside of it.
+    /// A window with start and end of the rule put in, and wall times that lie a little outside of it.
     struct Bounds
     {
-        OptionalDate from;
+        Date from;
         OptionalDate to;
         std::int64_t firstMoment;
         std::int64_t lastMoment;

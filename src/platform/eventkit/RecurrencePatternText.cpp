@@ -175,6 +175,9 @@ QString withoutUnreadable(const QString &body)
             if (isReadable(key, value.trimmed()))
                 values.append(value.trimmed());
         values.removeDuplicates();
+        // A list may be longer than the library has room for.
+        while (!values.isEmpty() && !isReadable(key, values.join(u',')))
+            values.removeLast();
         if (values.isEmpty())
             continue;
         seen.append(key);

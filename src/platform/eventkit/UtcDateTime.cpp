@@ -27,9 +27,8 @@ QString UtcDateTime::string(Date date)
 
 OptionalDate UtcDateTime::date(const QString &text)
 {
-    icu::ParsePosition position(0);
-    const UDate instant = format().parse(icuText(text), position);
-    if (position.getErrorIndex() >= 0 || position.getIndex() != static_cast<int>(text.size()))
-        return std::nullopt;
-    return text.isEmpty() ? std::nullopt : OptionalDate(dateFromIcu(instant));
+    UErrorCode status = U_ZERO_ERROR;
+    const Date date = dateFromIcu(format().parse(icuText(text), status));
+    // The formatter takes a text that ends before the "Z" or goes on behind it.
+    return U_SUCCESS(status) && string(date) == text ? OptionalDate(date) : std::nullopt;
 }
