@@ -57,6 +57,13 @@ QVariantMap pristineContactEntry()
                   criterion(QStringLiteral("Categories"), allMarker, true)});
 }
 
+std::optional<bool> activityOf(const QVariant &value)
+{
+    bool isNumber = false;
+    const double number = value.toDouble(&isNumber);
+    return isNumber ? std::optional<bool>(number != 0) : std::nullopt;
+}
+
 QVariantMap seedOfTaskFilters()
 {
     QVariantMap seed;

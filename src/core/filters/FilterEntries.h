@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <optional>
+
 /// The shape of saved filters: an entry has "Enabled" and "Array", a list of criteria with "Key", "Value" and
 /// "Enabled".
 namespace filters {
@@ -16,6 +18,9 @@ inline const QString noneMarker = QStringLiteral("#±");
 QVariantMap pristineTaskEntry();
 QVariantMap pristineProjectEntry();
 QVariantMap pristineContactEntry();
+
+/// What the criterion "Active" of contacts asks for: with tasks or without. Absent for anything but a number.
+std::optional<bool> activityOf(const QVariant &value);
 
 /// What the defaults are seeded with where a key is missing.
 QVariantMap seedOfTaskFilters();

@@ -1,5 +1,5 @@
 #include "filters/FilterEntries.h"
-#include "foundation/DateFormatter.h"
+#include "filters/FilterPeriod.h"
 #include "foundation/UserDefaults.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
@@ -9,8 +9,6 @@
 // From a saved filter to conditions.
 
 namespace {
-
-const QString periodPattern = QStringLiteral("YYYY-MM-dd HH:mm:ss ZZZ");
 
 /// The criteria of an entry that are to be applied, found by their key.
 class Criteria
@@ -88,22 +86,15 @@ struct Period
     OptionalDate to;
 };
 
-/// A date goes through its text form, as it is shown and read by one and the same pattern.
-OptionalDate throughText(const QVariant &value)
-{
-    const QString text = value.canConvert<Date>() ? DateFormatter::string(value.value<Date>(), periodPattern)
-                                                  : value.toString();
-    return DateFormatter::date(text, periodPattern);
-}
-
 Period periodOf(const QVariantMap &criterion)
 {
     const QVariant from = criterion.value(QStringLiteral("From"));
     const QVariant to = criterion.value(QStringLiteral("To"));
     const bool isOpenStart = from.toString() == filters::allMarker;
     Period period;
-    period.from = throughText(isOpenStart ? UserDefaults::standard().object(settings::firstRun) : from);
-    period.to = to.toString() == filters::allMarker ? MVDate::date() : throughText(to);
+    period.from =
+        filters::dateThroughText(isOpenStart ? UserDefaults::standard().object(settings::firstRun) : from);
+    period.to = to.toString() == filters::allMarker ? MVDate::date() : filters::dateThroughText(to);
     if (!period.from)
         period.from = MTDates::oneWeekPrevious(MVDate::date());
     return period;
@@ -172,9 +163,8 @@ std::vector<Predicate> DBWorker::predicateContacts(const FilterEntry *filter)
 {
     const Criteria criteria(filter);
     std::vector<Predicate> predicates;
-    const QVariant active = criteria.value(QStringLiteral("Active"));
-    if (active.isValid() && active.toString() != filters::allMarker)
-        predicates.push_back(Predicate::format(active.toBool() ? "task != nil" : "task == nil"));
+    if (const std::optional<bool> active = filters::activityOf(criteria.value(QStringLiteral("Active"))))
+        predicates.push_back(Predicate::format(*active ? "task != nil" : "task == nil"));
     addObjects(criteria, QStringLiteral("Companies"), "company", predicates);
     addObjects(criteria, QStringLiteral("Categories"), "contactCategory", predicates);
     return predicates;

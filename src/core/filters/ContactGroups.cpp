@@ -1,0 +1,72 @@
+#include "filters/ContactGroups.h"
+
+#include "foundation/Localization.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+
+bool ContactGroups::isGroup(const EntityContactGroup &group)
+{
+    return !group.useGeneralFilter().value_or(true);
+}
+
+std::vector<ContactPtr> ContactGroups::contactsOf(const EntityContactGroup *group)
+{
+    if (!group)
+        return DBWorker::allDelegateds();
+    if (isGroup(*group))
+        return DBWorker::sortContacta(group->contacts());
+    std::vector<ContactPtr> contacts;
+    for (ContactPtr contact : group->allDelegateds()) {
+        if (contact)
+            contacts.push_back(std::move(contact));
+    }
+    return contacts;
+}
+
+ContactFilterButtons ContactGroups::activeFilterButtons(const EntityContactGroup *group)
+{
+    ContactFilterButtons buttons{{localized(QStringLiteral("Filter"))}, {localized(QStringLiteral("Group"))}};
+    if (!group)
+        return buttons;
+    if (isGroup(*group)) {
+        buttons.filter.isEnabled = false;
+        buttons.group = {localized(QStringLiteral("Grouped")), true, true};
+    } else {
+        buttons.filter = {localized(QStringLiteral("Filtered")), true, true};
+        buttons.group.isEnabled = false;
+    }
+    return buttons;
+}
+
+void ContactGroups::saveListFilterContacts(const MVContactGroup &list,
+                                           const std::shared_ptr<EntityContactGroup> &contactGroup,
+                                           const std::function<void()> &reloadData)
+{
+    if (!contactGroup) {
+        NotificationCenter::defaultCenter().post(notifications::saveNewContactGroup, list);
+        return;
+    }
+    contactGroup->setAllCategories(list.allCategories);
+    contactGroup->setAllCompanies(list.allCompanies);
+    contactGroup->setCriteria(list.criteria);
+    contactGroup->setCategories(list.categories);
+    contactGroup->setCompanies(list.companies);
+    DBWorker::saveContext();
+    reloadData();
+}
+
+std::shared_ptr<EntityContactGroup> ContactGroups::saveContactGroup(const MVContactGroup &values)
+{
+    const auto group = mainContext().insert<EntityContactGroup>();
+    group->setTitle(values.title);
+    group->setContacts(values.contacts);
+    group->setUseGeneralFilter(values.useGeneralFilter);
+    group->setAllCategories(values.allCategories);
+    group->setAllCompanies(values.allCompanies);
+    group->setCategories(values.categories);
+    group->setCompanies(values.companies);
+    group->setCriteria(values.criteria);
+    DBWorker::saveContext();
+    return group;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "records/people/MVContactGroup.h"
+
+#include <QString>
+
+#include <functional>
+
+/// The two buttons of the bar above the contacts.
+struct ContactFilterButtons
+{
+    struct Button
+    {
+        QString label;
+        bool isEnabled = true;
+        bool isOn = false;
+        bool operator==(const Button &) const = default;
+    };
+    Button filter;
+    Button group;
+    bool operator==(const ContactFilterButtons &) const = default;
+};
+
+/// What the contact screen does with groups (members picked by hand) and lists (stored criteria). A null
+/// group stands for all people. Stateless; main thread only.
+class ContactGroups
+{
+public:
+    ContactGroups() = delete;
+
+    /// Whether it is a group; one that does not tell is a list.
+    static bool isGroup(const EntityContactGroup &group);
+    /// Whom the screen shows: all people, who meets the criteria of a list, or the members of a group, which
+    /// stand as people do.
+    static std::vector<ContactPtr> contactsOf(const EntityContactGroup *group);
+    static ContactFilterButtons activeFilterButtons(const EntityContactGroup *group);
+
+    /// The filter is to be kept: as a new list that others are told of, or in the shown one, which is saved;
+    /// then `reloadData` is called.
+    static void saveListFilterContacts(const MVContactGroup &list,
+                                       const std::shared_ptr<EntityContactGroup> &contactGroup,
+                                       const std::function<void()> &reloadData);
+    /// Stores the values of a new group or list and saves.
+    static std::shared_ptr<EntityContactGroup> saveContactGroup(const MVContactGroup &values);
+};

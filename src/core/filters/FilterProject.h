@@ -1,0 +1,10 @@
+#pragma once
+
+#include "filters/ListFilter.h"
+
+/// The filter of the projects.
+class FilterProject : public ListFilter
+{
+public:
+    FilterProject();
+};

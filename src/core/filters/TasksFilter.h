@@ -1,0 +1,17 @@
+#pragma once
+
+#include "filters/ListFilter.h"
+
+/// The filter of a task list. There is no row for "Tags": the popover cannot set them.
+class TasksFilter : public ListFilter
+{
+public:
+    explicit TasksFilter(int tasksType = 0);
+
+    /// The `type` of the list whose filter this is.
+    void setTasksType(int type);
+    int tasksType() const { return listType; }
+
+private:
+    int listType;
+};

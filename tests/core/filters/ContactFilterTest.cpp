@@ -1,0 +1,206 @@
+#include "FilterSteps.h"
+
+#include "filters/ContactGroups.h"
+#include "filters/FilterContact.h"
+#include "filters/WindowAddContactsGroup.h"
+#include "store/state/NotificationNames.h"
+
+namespace {
+
+class ContactFilters : public FilterTest
+{
+protected:
+    using Names = QStringList;
+    template <typename List>
+    static Names names(const List &contacts)
+    {
+        Names result;
+        for (const ContactPtr &contact : contacts)
+            result.append(contact->firstName());
+        return result;
+    }
+    Names filtered() { return names(DBWorker::allDelegateds(&filter.dictionaryComponent())); }
+    static QVariant value(const QString &key)
+    {
+        return criterion(defaults().object(settings::contactsFilters).toMap(), key).value(u"Value"_qs);
+    }
+
+    std::vector<MVContactGroup> told;
+    int reloaded = 0;
+    Observation newGroups = NotificationCenter::defaultCenter().addObserver(
+        notifications::saveNewContactGroup, [this](const Notification &notification) {
+            told.push_back(std::any_cast<MVContactGroup>(notification.object));
+        });
+    Observation reloads = NotificationCenter::defaultCenter().addObserver(
+        notifications::reloadContactGroup, [this](const Notification &) { ++reloaded; });
+
+    const ContactPtr ann = person(u"Ann"_qs, u"Lee"_qs);
+    const ContactPtr bo = person(u"Bo"_qs);
+    const CompanyPtr works = company(u"Works"_qs);
+    FilterContact filter;
+};
+
+TEST_F(ContactFilters, NarrowTheList)
+{
+    ann->setCompany(works);
+    add(u"task"_qs)->setDelegateToUser(ann);
+    EXPECT_EQ(filtered(), Names({u"Ann"_qs, u"Bo"_qs}));
+    const std::vector<std::pair<QVariant, Names>> segments = {
+        {filters::allMarker, {u"Ann"_qs, u"Bo"_qs}}, {1, {u"Ann"_qs}}, {0, {u"Bo"_qs}}};
+    for (int segment = 0; segment < 3; ++segment) {
+        filter.setSegmentControllerActivity(segment);
+        EXPECT_EQ(value(u"Active"_qs), segments[static_cast<size_t>(segment)].first);
+        EXPECT_EQ(filtered(), segments[static_cast<size_t>(segment)].second);
+        EXPECT_EQ(FilterContact().segmentControllerActivity(), segment);
+    }
+    filter.setSegmentControllerActivity(0);
+    filter.toPopUp(u"Companies"_qs, {false, {works}});
+    EXPECT_EQ(filter.popUpCompanyTitle(), u"\u0421hoose 1 item"_qs);
+    EXPECT_EQ(filtered(), Names({u"Ann"_qs}));
+    filter.toPopUp(u"Companies"_qs, {false, {}});
+    EXPECT_EQ(filtered(), Names({u"Bo"_qs}));
+    EXPECT_EQ(filter.popUpCategoryTitle(), u"All"_qs);
+
+    filter.viewWillAppear(context().insert<EntityContactGroup>().get());
+    EXPECT_EQ(value(u"Companies"_qs), QVariantList());
+    filter.viewWillAppear(nullptr);
+    EXPECT_EQ(defaults().object(settings::contactsFilters).toMap(), filters::pristineContactEntry());
+    EXPECT_EQ(filtered().size(), 2);
+}
+
+TEST_F(ContactFilters, BecomeListsAndComeBackFromThem)
+{
+    const MVContactGroup pristine = filter.getContactGroup();
+    EXPECT_EQ(pristine.title, u"Private List"_qs);
+    EXPECT_EQ(pristine.allCompanies, true);
+    EXPECT_EQ(pristine.allCategories, true);
+    EXPECT_EQ(pristine.criteria, 0);
+    EXPECT_FALSE(pristine.useGeneralFilter);
+
+    const auto category = DBWorker::allContactCategories().first();
+    filter.setSegmentControllerActivity(2);
+    filter.toPopUp(u"Companies"_qs, {false, {works}});
+    filter.toPopUp(u"Categories"_qs, {false, {}});
+    bool isReloaded = false;
+    const auto reload = [&isReloaded] { isReloaded = true; };
+    ContactGroups::saveListFilterContacts(filter.getContactGroup(), nullptr, reload);
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_FALSE(isReloaded);
+    const auto list = ContactGroups::saveContactGroup(told[0]);
+    EXPECT_FALSE(ContactGroups::isGroup(*list));
+    EXPECT_EQ(list->criteria(), 2);
+    EXPECT_EQ(list->allCompanies(), false);
+    EXPECT_EQ(list->companies(), std::vector<CompanyPtr>({works}));
+    EXPECT_EQ(DBWorker::allContactPrivateList().size(), 1);
+    EXPECT_FALSE(context().hasChanges());
+
+    filter.clear();
+    filter.setFilter(*list);
+    EXPECT_EQ(value(u"Active"_qs), 0);
+    EXPECT_EQ(value(u"Companies"_qs), QVariantList({works->uri()}));
+    EXPECT_EQ(value(u"Categories"_qs), filters::noneMarker);
+    EXPECT_EQ(filter.popUpCategoryTitle(), u"None"_qs);
+    EXPECT_EQ(filter.getContactGroup().allCategories, false) << "None of them is not all of them";
+
+    filter.setSegmentControllerActivity(1);
+    filter.toPopUp(u"Companies"_qs, {true, {}});
+    filter.toPopUp(u"Categories"_qs, {false, {category}});
+    ContactGroups::saveListFilterContacts(filter.getContactGroup(), list, reload);
+    EXPECT_TRUE(isReloaded);
+    EXPECT_EQ(told.size(), 1u);
+    EXPECT_EQ(list->criteria(), 1);
+    EXPECT_EQ(list->allCompanies(), true);
+    EXPECT_TRUE(list->companies().empty());
+    EXPECT_EQ(list->categories().size(), 1u);
+    list->setCriteria({});
+    filter.setFilter(*list);
+    EXPECT_EQ(value(u"Active"_qs), filters::allMarker);
+    EXPECT_EQ(value(u"Companies"_qs), filters::allMarker);
+}
+
+TEST_F(ContactFilters, ShowWhomAListOrAGroupHolds)
+{
+    ann->setCompany(works);
+    add(u"task"_qs)->setDelegateToUser(ann);
+    const auto group = context().insert<EntityContactGroup>();
+    EXPECT_EQ(names(ContactGroups::contactsOf(nullptr)), Names({u"Ann"_qs, u"Bo"_qs}));
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs}))
+        << "Nothing set: who has neither company nor category";
+    bo->setContactCategory(DBWorker::allContactCategories().first());
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names());
+    group->setAllCategories(true);
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs})) << "Without a company";
+    group->setAllCompanies(true);
+    group->setCriteria(2);
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs}));
+    group->setCriteria(1);
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Ann"_qs}));
+    group->setUseGeneralFilter(true);
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Ann"_qs}));
+    group->setUseGeneralFilter(false);
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names()) << "A group has its members only";
+    group->setContacts({bo});
+    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs}));
+}
+
+TEST_F(ContactFilters, SetTheButtonsOfTheBar)
+{
+    const auto group = context().insert<EntityContactGroup>();
+    EXPECT_EQ(ContactGroups::activeFilterButtons(nullptr),
+              (ContactFilterButtons{{u"Filter"_qs, true, false}, {u"Group"_qs, true, false}}));
+    EXPECT_EQ(ContactGroups::activeFilterButtons(group.get()),
+              (ContactFilterButtons{{u"Filtered"_qs, true, true}, {u"Group"_qs, false, false}}));
+    group->setUseGeneralFilter(false);
+    EXPECT_EQ(ContactGroups::activeFilterButtons(group.get()),
+              (ContactFilterButtons{{u"Filter"_qs, false, false}, {u"Grouped"_qs, true, true}}));
+}
+
+TEST_F(ContactFilters, PickTheMembersOfAGroup)
+{
+    WindowAddContactsGroup adding(nullptr);
+    EXPECT_EQ(adding.title(), u"Add contacts group"_qs);
+    adding.toggle(ann);
+    adding.toggle(bo);
+    adding.toggle(ann);
+    EXPECT_TRUE(adding.isMarked(bo));
+    EXPECT_FALSE(adding.isMarked(ann));
+    adding.clickButtonDone();
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_EQ(told[0].title, u"Private Group"_qs);
+    EXPECT_EQ(told[0].useGeneralFilter, false);
+    EXPECT_EQ(reloaded, 0);
+
+    const auto group = ContactGroups::saveContactGroup(told[0]);
+    EXPECT_EQ(DBWorker::allContactPrivateGroup().size(), 1);
+    group->setTitle(u"Friends"_qs);
+    WindowAddContactsGroup editing(group);
+    EXPECT_EQ(editing.title(), u"Edit contacts group"_qs);
+    EXPECT_EQ(editing.values().title, u"Friends"_qs);
+    EXPECT_TRUE(editing.isMarked(bo));
+    editing.toggle(ann);
+    context().deleteObject(bo);
+    EXPECT_FALSE(DBWorker::saveContext());
+    editing.clickButtonDone();
+    EXPECT_EQ(group->contacts(), std::vector<ContactPtr>({ann}));
+    EXPECT_EQ(reloaded, 1);
+    EXPECT_EQ(told.size(), 1u);
+}
+
+TEST_F(ContactFilters, StandUnderTheirInitials)
+{
+    person(u"Ärmel"_qs);
+    person(u"anton"_qs);
+    person(u"7 Up"_qs);
+    person(QString());
+    const WindowAddContactsGroup window(nullptr);
+    QStringList shown;
+    for (const WindowAddContactsGroup::Row &row : window.rows())
+        shown.append(row.contact ? row.contact->fullName() : u"["_qs + row.header + u"]"_qs);
+    EXPECT_EQ(shown, QStringList({u"[#]"_qs, QString(), u"7 Up"_qs, u"[A]"_qs, u"Ann Lee"_qs, u"anton"_qs,
+                                  u"Ärmel"_qs, u"[B]"_qs, u"Bo"_qs}));
+    const auto found = window.rows(u"LEE"_qs);
+    ASSERT_EQ(found.size(), 1u) << "No headers while something is searched for";
+    EXPECT_EQ(found[0].contact, ann);
+}
+
+} // namespace
