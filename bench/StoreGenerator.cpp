@@ -21,6 +21,9 @@ constexpr int categoryCount = 20;
 constexpr int contactCount = 200;
 constexpr int yearsOfDates = 4;
 constexpr double secondsPerDay = 86400;
+/// A word of few titles, for searches that find up to two hundred records.
+const QString rareWord = QStringLiteral("quvexizowafy");
+constexpr double rareShare = 0.0015;
 
 [[noreturn]] void endFor(const QString &reason)
 {
@@ -58,7 +61,7 @@ public:
         const bool isDated = chance(0.6);
         const int type = chance(0.6) ? 0 : chance(0.5) ? 1 : 2;
         const QString id = uuid();
-        const QString title = sentence(3 + pick(5));
+        const QString title = sentence(3 + pick(5)) + (chance(rareShare) ? u' ' + rareWord : QString());
         const QString details = chance(0.4) ? sentence(8 + pick(20)) : QString();
         Row row(task());
         row.text(id).text(title).text(details).integer(type).integer(isDone ? 3 : pick(3)).integer(pick(4));
@@ -235,7 +238,14 @@ private:
 
 void generateStore(const QString &path, int tasks, unsigned seed)
 {
-    Generator generator(path, seed);
-    for (int number = 1; number <= tasks; ++number)
-        generator.addTask(number);
+    {
+        Generator generator(path, seed);
+        for (int number = 1; number <= tasks; ++number)
+            generator.addTask(number);
+    }
+    auto opened = ManagedObjectContext::open(path, organiserModel());
+    if (!opened)
+        endFor(opened.error().message);
+    while ((*opened)->tendSubstringIndexes()) {
+    }
 }

@@ -3,8 +3,6 @@
 #include "cloud/IcloudManager.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
-#include "store/entities/MainContext.h"
-#include "store/queries/DBWorker.h"
 #include "store/state/SettingsKeys.h"
 #include "workspace/PlatformConfiguration.h"
 
@@ -82,53 +80,6 @@ void CalendarEvent::resetMessageForBanChangeRepeat()
 bool CalendarEvent::isAccessChangeRepeatTaskWithMessage(bool)
 {
     return banMessage.isEmpty();
-}
-
-void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate, bool)
-{
-    if (span != Span::ThisTask)
-        return;
-    // An occurrence that is edited alone leaves its series.
-    task.setRepeat(QString());
-    task.setEndRepeat(std::nullopt);
-}
-
-namespace {
-
-/// Whether a row of the same series lies after another.
-bool isLaterInSeries(const EntityTask &row, const EntityTask &task)
-{
-    if (row.startDate() && task.startDate()) {
-        if (*row.startDate() != *task.startDate())
-            return *row.startDate() > *task.startDate();
-        return row.dueDate() && task.dueDate() && *row.dueDate() >= *task.dueDate();
-    }
-    return row.dueDate() && task.dueDate() && *row.dueDate() > *task.dueDate();
-}
-
-void deleteRestOfSeries(const TaskPtr &task)
-{
-    if (task->calendarID().isEmpty())
-        return;
-    const FetchRequest series =
-        EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", task->calendarID()));
-    for (const TaskPtr &row : mainContext().fetch<EntityTask>(series)) {
-        if (row && row != task && isLaterInSeries(*row, *task))
-            mainContext().deleteObject(row);
-    }
-}
-
-} // namespace
-
-void CalendarEvent::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
-{
-    if (DBWorker::isSample() && !isDeleteTasks)
-        return;
-    if (!isDeleteTasks)
-        return initEventCalendarFromTask(*task, span, std::nullopt, true);
-    if (span == Span::FutureTasks)
-        deleteRestOfSeries(task);
-    mainContext().deleteObject(task);
 }
 
 void CalendarEvent::handleBeforeAllCalendarsSync() {}

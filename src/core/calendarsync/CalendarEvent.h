@@ -42,6 +42,9 @@ public:
     // Tasks to events.
     static void initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
                                           bool wasRepeatRule);
+    /// What a change of status alone does to the event: none without a due date.
+    static void changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
+                                                  OptionalDate withChangeStartDue);
     static void removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks);
     /// Puts the task's repetition on the event, adapted to the task's own date and ended by `endRepeat`, and
     /// writes back to both fields what became of them. A task without a readable rule takes the repetition

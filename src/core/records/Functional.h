@@ -7,7 +7,10 @@
 #include <QVariant>
 
 #include <functional>
+#include <memory>
 #include <optional>
+
+class EntityLocation;
 
 /// A colour of the palette of custom categories; components from 0 to 1.
 struct CategoryColor
@@ -75,6 +78,9 @@ public:
 
     /// A modal message with the one button "OK". The texts are keys of the words and are looked up here.
     static void messageAlertWithTitle(const QString &title, const QString &message);
+
+    /// Shows a place on a map in the web, by its title; nothing without one.
+    static void openLocationWithEntityLocation(const std::shared_ptr<EntityLocation> &location);
 
     /// Runs the block once on the main loop after that many seconds.
     static void performDelayed(double seconds, std::function<void()> block);

@@ -21,6 +21,19 @@ void addTitles(QStringList &texts, const std::vector<std::shared_ptr<T>> &object
         texts.append(object->title());
 }
 
+/// The titles of the tasks that name a record, which can be thousands, without making objects of them.
+void addTaskTitles(QStringList &texts, const char *condition, const ObjectPtr &record)
+{
+    mainContext().visit(EntityTask::fetchRequest().where(Predicate::format(condition, record)), {"title"},
+                        [&texts](const RowReader &row) { texts.append(row.text(0)); });
+}
+
+template <typename T>
+ObjectPtr shared(const T &record)
+{
+    return std::const_pointer_cast<ManagedObject>(record.shared_from_this());
+}
+
 void addNames(QStringList &texts, const std::vector<ContactPtr> &contacts)
 {
     for (const ContactPtr &contact : contacts)
@@ -57,7 +70,7 @@ QStringList textsOf(const EntityTask &task)
 QStringList textsOf(const EntityProject &project)
 {
     QStringList texts = {project.details(), project.title(), titleOf(project.category())};
-    addTitles(texts, project.task());
+    addTaskTitles(texts, "project = %@", shared(project));
     addNames(texts, project.delegateToUser());
     return texts;
 }
@@ -65,7 +78,7 @@ QStringList textsOf(const EntityProject &project)
 QStringList textsOf(const EntityContacts &contact)
 {
     QStringList texts = {contact.fullName()};
-    addTitles(texts, contact.task());
+    addTaskTitles(texts, "delegateToUser = %@", shared(contact));
     texts.append(titleOf(contact.company()));
     addTitles(texts, contact.project());
     texts.append(titleOf(contact.contactCategory()));
@@ -78,7 +91,7 @@ QStringList textsOf(const EntityContacts &contact)
 QStringList textsOf(const EntityCompany &company)
 {
     QStringList texts = {company.title()};
-    addTitles(texts, company.task());
+    addTaskTitles(texts, "company = %@", shared(company));
     addNames(texts, company.contact());
     addDetails(texts, company);
     return texts;
@@ -139,4 +152,31 @@ void SearchIndex::deleteIndexWithObjects(const ObjectPtr &object)
         EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
     for (const auto &row : mainContext().fetch<EntitySearchIndex>(rows))
         mainContext().deleteObject(row);
+}
+
+void SearchIndex::updateIndexWithObject(const ObjectPtr &object)
+{
+    if (!object || !object->context() || !isIndexed(*object))
+        return;
+    const QString uri = object->uri();
+    std::unordered_map<QString, int> missing;
+    for (const QString &text : textsOf(*object)) {
+        if (!text.isEmpty())
+            ++missing[text];
+    }
+    const FetchRequest rows =
+        EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
+    bool isAnyStale = false;
+    mainContext().visit(rows, {"string"}, [&](const RowReader &row) {
+        const auto found = missing.find(row.text(0));
+        isAnyStale = isAnyStale || found == missing.end() || --found->second < 0;
+    });
+    if (isAnyStale) {
+        deleteIndexWithObjects(object);
+        return addIndexWithObject(object);
+    }
+    for (const auto &[text, count] : missing) {
+        for (int number = 0; number < count; ++number)
+            insertEntitySearchIndexString(text, uri);
+    }
 }

@@ -14,6 +14,8 @@ public:
     static void addIndexWithObject(const ObjectPtr &object);
     /// Takes out all texts of such a record, also of one that is deleted already.
     static void deleteIndexWithObjects(const ObjectPtr &object);
+    /// Gives a record that changed the rows of its present texts. What it would write again stays untouched.
+    static void updateIndexWithObject(const ObjectPtr &object);
     /// Adds one text; an empty one is left out.
     static void insertEntitySearchIndexString(const QString &string, const QString &atObjectId);
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Date.h"
+#include "records/PaletteColor.h"
 #include "store/entities/Entities.h"
 
 #include <functional>
@@ -24,6 +25,8 @@ public:
     static bool saveTaskTemp(MVTask &task, bool autoSave);
     /// The calendar side of a save of one occurrence or of the rest of a series.
     static void saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat);
+    /// The same for a working copy that has a row.
+    static void saveActionWithDate(OptionalDate date, Span span, const MVTask &task, bool wasRepeat);
     /// Deletes one task and what hangs on it, without a question and without saving.
     static void deleteTask(const TaskPtr &task);
     /// Deletes tasks and projects after asking once; `compliteBlock` runs only if something was deleted.
@@ -39,4 +42,7 @@ public:
     /// A start or due date was picked for a copy; alerts that would lie behind their base date move or go.
     static void saveStartDate(OptionalDate date, MVTask &task);
     static void saveDueDate(OptionalDate date, MVTask &task);
+
+    /// The colour of a priority; absent for a number that is none.
+    static std::optional<PaletteColor> priorityColor(int priority);
 };

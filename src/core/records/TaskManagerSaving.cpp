@@ -186,6 +186,17 @@ void TaskManager::saveWithDate(OptionalDate date, const TaskPtr &task, Span span
     post(notifications::reloadTasks, task);
 }
 
+void TaskManager::saveActionWithDate(OptionalDate date, Span span, const MVTask &task, bool wasRepeat)
+{
+    if (!task.task())
+        return;
+    if (isOffCalendar(task))
+        CalendarEvent::removeEventCalendarFromTask(task.task(), span, false);
+    else
+        CalendarEvent::initEventCalendarFromTask(*task.task(), span, date, wasRepeat);
+    post(notifications::reloadTasks, task.task());
+}
+
 bool TaskManager::incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate,
                                                            OptionalDate projectDueDate,
                                                            OptionalDate taskStartDate,

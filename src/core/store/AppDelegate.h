@@ -110,6 +110,8 @@ private:
     void removeDuplicatesOf(const ObjectPtr &object);
     /// Brings the search index up to date with saves whose follow-up a crash cut off.
     void finishIndexOfUncleanEnd();
+    /// Brings the index of substrings up to date with what other programs wrote, a little at each turn.
+    void tendSearchIndex();
 
     std::unique_ptr<ShellPort> shell;
     /// The user's own store and the sample store.

@@ -12,12 +12,6 @@ bool isTask(const ObjectPtr &object)
     return object->entity().name() == EntityTask::entityName;
 }
 
-void reindex(const ObjectPtr &object)
-{
-    SearchIndex::deleteIndexWithObjects(object);
-    SearchIndex::addIndexWithObject(object);
-}
-
 } // namespace
 
 void AppDelegate::positionInboxTask()
@@ -44,7 +38,7 @@ void AppDelegate::managedObjectContexLocalChangeData(const ChangeList &changes)
             tasks += isTask(object);
         }
         for (const ObjectPtr &object : changes.updated) {
-            reindex(object);
+            SearchIndex::updateIndexWithObject(object);
             tasks += isTask(object);
         }
         managedObjectContext().finishFollowUps();
@@ -64,9 +58,17 @@ void AppDelegate::finishIndexOfUncleanEnd()
         return;
     const AuthorScope indexing(context, ChangeAuthor::Program);
     for (const ObjectPtr &object : unfinished)
-        reindex(object);
+        SearchIndex::updateIndexWithObject(object);
     context.finishFollowUps();
     DBWorker::saveContext();
+}
+
+void AppDelegate::tendSearchIndex()
+{
+    MainLoop::performDelayed(Seconds(0.05), [this, alive = std::weak_ptr(isBadgeDue)] {
+        if (!alive.expired() && managedObjectContext().tendSubstringIndexes())
+            tendSearchIndex();
+    });
 }
 
 void AppDelegate::mergeChanges(const ChangeList &imported)
@@ -74,7 +76,7 @@ void AppDelegate::mergeChanges(const ChangeList &imported)
     for (const ObjectPtr &object : imported.deleted)
         SearchIndex::deleteIndexWithObjects(object);
     for (const ObjectPtr &object : imported.updated)
-        reindex(object);
+        SearchIndex::updateIndexWithObject(object);
     if (imported.inserted.empty()) {
         DBWorker::saveContext();
         return;

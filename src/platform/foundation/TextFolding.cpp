@@ -10,6 +10,7 @@
 #include <unicode/coll.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
+#include <unicode/uversion.h>
 
 static bool isAscii(QStringView text)
 {
@@ -78,6 +79,17 @@ QString foldedForSearch(QStringView text)
     icu::UnicodeString folded = decomposed(icuText(text));
     folded.foldCase(U_FOLD_CASE_DEFAULT);
     return withoutMarks(decomposed(folded));
+}
+
+QString textFoldingVersion()
+{
+    // Grows with what is done here beside ICU.
+    constexpr int ownVersion = 1;
+    UVersionInfo version;
+    u_getVersion(version);
+    char text[U_MAX_VERSION_STRING_LENGTH];
+    u_versionToString(version, text);
+    return QStringLiteral("%1-%2").arg(QLatin1String(text)).arg(ownVersion);
 }
 
 bool containsFolded(QStringView text, QStringView foldedNeedle)

@@ -9,6 +9,9 @@
 /// and case is folded in full. Positions in the answer are not positions in the text.
 QString foldedForSearch(QStringView text);
 
+/// Changes whenever `foldedForSearch` may give something else for a text; what was kept folded is then stale.
+QString textFoldingVersion();
+
 /// Whether the text, folded, holds a needle that is folded already. An empty needle is in every text.
 bool containsFolded(QStringView text, QStringView foldedNeedle);
 bool beginsWithFolded(QStringView text, QStringView foldedNeedle);

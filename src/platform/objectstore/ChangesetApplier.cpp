@@ -112,6 +112,41 @@ void ChangesetApplier::note(const Operation &operation, AppliedChange::Kind kind
                                                               : oldValue(operation.iterator, column));
     // A pair of a many-to-many relationship is a change of the object that owns it.
     applied.push_back({operation.entity, id, operation.isPair ? AppliedChange::Kind::Updated : kind});
+    noteTargets(operation);
+}
+
+/// What was or is named by a changed reference counts as updated, if something follows from that.
+void ChangesetApplier::noteTargets(const Operation &operation)
+{
+    const auto &columns = columnsOf(operation.table);
+    for (int column = 0; column < operation.columnCount; ++column) {
+        const QByteArray &name = columns[static_cast<size_t>(column)];
+        const RelationshipDescription *relationship =
+            operation.isPair ? pairOf(operation, name)
+                             : operation.entity->relationshipOfColumn(operation.entity->columnOf(
+                                   std::string_view(name.constData(), static_cast<size_t>(name.size()))));
+        if (!relationship || !objectModel.destinationOf(*relationship).isFollowedUp())
+            continue;
+        for (sqlite3_value *value :
+             {operation.kind == SQLITE_INSERT ? nullptr : oldValue(operation.iterator, column),
+              operation.kind == SQLITE_DELETE ? nullptr : newValue(operation.iterator, column)}) {
+            if (value && sqlite3_value_type(value) == SQLITE_TEXT)
+                applied.push_back(
+                    {&objectModel.destinationOf(*relationship), textOf(value), AppliedChange::Kind::Updated});
+        }
+    }
+}
+
+/// The relationship whose far ends stand in that column of a table of pairs, or null.
+const RelationshipDescription *ChangesetApplier::pairOf(const Operation &operation,
+                                                        const QByteArray &column) const
+{
+    for (const RelationshipDescription &relationship : operation.entity->relationships()) {
+        if (relationship.cardinality == Cardinality::ToManyOwningJoin && column == "target" &&
+            objectModel.joinTable(*operation.entity, relationship).table == operation.table)
+            return &relationship;
+    }
+    return nullptr;
 }
 
 bool ChangesetApplier::applyInsert(const Operation &operation)

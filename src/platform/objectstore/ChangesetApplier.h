@@ -50,6 +50,8 @@ private:
     bool clearDanglingPairs();
     bool writeFollowUps();
     void note(const Operation &operation, AppliedChange::Kind kind);
+    void noteTargets(const Operation &operation);
+    const RelationshipDescription *pairOf(const Operation &operation, const QByteArray &column) const;
     int keyColumn(const Operation &operation);
     const std::vector<QByteArray> &columnsOf(const QByteArray &table);
 

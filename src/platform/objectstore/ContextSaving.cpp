@@ -4,6 +4,7 @@
 #include "objectstore/ChangeWriter.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "objectstore/SqlText.h"
+#include "objectstore/SubstringIndex.h"
 
 #include <map>
 
@@ -19,6 +20,14 @@ void ManagedObjectContext::noteChange(ManagedObject &object)
         object.isWaitingForWrite = true;
         waiting.push_back(object.shared_from_this());
     }
+}
+
+void ManagedObjectContext::noteTouched(std::string_view entityName, const Value &id)
+{
+    const EntityDescription &entity = objectModel.requireEntity(entityName);
+    const auto *identifierText = std::get_if<QString>(&id);
+    if (identifierText && entity.isFollowedUp())
+        touched.emplace(&entity, *identifierText);
 }
 
 bool ManagedObjectContext::hasChanges() const
@@ -138,6 +147,8 @@ OptionalError ManagedObjectContext::commit()
         return error;
     if (auto error = journal->record())
         return error;
+    if (auto error = writeSubstringIndexes())
+        return error;
     if (auto error = commitTransaction())
         return error;
     journal->stopCapture();
@@ -194,15 +205,60 @@ OptionalError ManagedObjectContext::writeFollowUps()
 {
     if (mustClearFollowUps && database->execute("DELETE FROM ObjectStoreFollowUp"))
         return failure("write to");
+    if (skipsNextFollowUp)
+        return std::nullopt;
+    sqlite::Statement statement =
+        database->prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
+    const auto remember = [&statement](const EntityDescription &entity, const QString &id) {
+        statement.reset();
+        return statement.bind(QString::fromUtf8(entity.table())).bind(id).run();
+    };
     for (const ObjectPtr &object : changed) {
-        if (skipsNextFollowUp || !object->entity().isFollowedUp())
-            continue;
-        sqlite::Statement statement =
-            database->prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
-        if (!statement.bind(QString::fromUtf8(object->entity().table())).bind(object->id).run())
+        if (object->entity().isFollowedUp() && !remember(object->entity(), object->id))
+            return failure("write to");
+    }
+    for (const auto &[entity, id] : touched) {
+        if (!remember(*entity, id))
             return failure("write to");
     }
     return std::nullopt;
+}
+
+/// So many rows at a time are not felt.
+static constexpr int substringRowsAtOnce = 1000;
+
+OptionalError ManagedObjectContext::writeSubstringIndexes()
+{
+    for (const EntityDescription &entity : objectModel.entities()) {
+        const auto index = SubstringIndex::of(entity);
+        const bool isTouched =
+            index && std::any_of(changed.begin(), changed.end(), [&entity](const auto &one) {
+                return &one->entity() == &entity && !one->isDeleted();
+            });
+        if (!isTouched)
+            continue;
+        if (auto taken = index->takeIn(*database, substringRowsAtOnce); !taken)
+            return taken.error();
+    }
+    return std::nullopt;
+}
+
+bool ManagedObjectContext::tendSubstringIndexes()
+{
+    if (isInTransaction || isWriting)
+        return true;
+    bool isMoreLeft = false;
+    for (const EntityDescription &entity : objectModel.entities()) {
+        const auto index = SubstringIndex::of(entity);
+        if (!index || !index->hasWaitingRows(*database) || database->execute("BEGIN IMMEDIATE"))
+            continue;
+        auto taken = index->takeIn(*database, substringRowsAtOnce);
+        const bool isDone = taken && !database->execute("COMMIT");
+        if (!isDone && !database->isAutocommit())
+            database->execute("ROLLBACK");
+        isMoreLeft = isMoreLeft || (isDone && *taken == substringRowsAtOnce);
+    }
+    return isMoreLeft;
 }
 
 std::vector<ObjectPtr> ManagedObjectContext::unfinishedFollowUps()
@@ -233,6 +289,11 @@ ChangeList ManagedObjectContext::finishSave()
         object->joinChanges.clear();
         object->isRowWritten = false;
         object->isNotedAsChanged = false;
+        touched.erase({&object->entity(), object->id});
+    }
+    for (const auto &[entity, id] : std::exchange(touched, {})) {
+        if (const ObjectPtr found = object(entity->name(), id))
+            changes.updated.push_back(found);
     }
     return changes;
 }
@@ -245,6 +306,7 @@ void ManagedObjectContext::reset()
     isInTransaction = false;
     mustApplyDeleteRules = false;
     waiting.clear();
+    touched.clear();
     for (const ObjectPtr &object : std::exchange(changed, {})) {
         const bool isNew = object->isInserted() || object->wasInserted;
         object->changedSinceSave.reset();

@@ -65,6 +65,10 @@ void ManagedObject::setValue(int column, Value newValue)
     newValue = fitted(std::move(newValue), description->columnType(column));
     if (state == State::Detached || state == State::Deleted || value(column) == newValue || isGone)
         return;
+    if (const RelationshipDescription *relationship = description->relationshipOfColumn(column)) {
+        owner->noteTouched(relationship->destination, values[static_cast<size_t>(column)]);
+        owner->noteTouched(relationship->destination, newValue);
+    }
     values[static_cast<size_t>(column)] = std::move(newValue);
     changedSinceSave.set(static_cast<size_t>(column));
     changedSinceWrite.set(static_cast<size_t>(column));
@@ -177,5 +181,6 @@ void ManagedObject::changeJoin(const RelationshipDescription &relationship, cons
     eraseText(isAdded ? found->removed : found->added, target);
     (isAdded ? found->added : found->removed).push_back(target);
     found->isWritten = false;
+    owner->noteTouched(relationship.destination, Value(target));
     owner->noteChange(*this);
 }

@@ -71,10 +71,25 @@ void ManagedObjectContext::deleteObject(const ObjectPtr &object)
 {
     if (!object || object->owner != this || object->isDeleted())
         return;
+    noteTargetsAsTouched(*object);
     object->wasInserted = object->isInserted();
     object->state = ManagedObject::State::Deleted;
     mustApplyDeleteRules = true;
     noteChange(*object);
+}
+
+void ManagedObjectContext::noteTargetsAsTouched(const ManagedObject &object)
+{
+    for (const RelationshipDescription &relationship : object.entity().relationships()) {
+        if (!objectModel.destinationOf(relationship).isFollowedUp())
+            continue;
+        if (relationship.cardinality == Cardinality::ToOne) {
+            noteTouched(relationship.destination, object.valueForKey(relationship.name));
+        } else if (relationship.cardinality == Cardinality::ToManyOwningJoin) {
+            for (const ObjectPtr &target : object.relatedObjects(relationship.name))
+                noteTouched(relationship.destination, Value(target->identifier()));
+        }
+    }
 }
 
 ObjectPtr ManagedObjectContext::object(std::string_view name, const QString &id)

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -20,6 +21,7 @@ struct AppliedChange;
 struct ChangeList
 {
     std::vector<ObjectPtr> inserted;
+    /// Also, of entities with follow-ups, those to which something was linked or unlinked from its other end.
     std::vector<ObjectPtr> updated;
     /// Objects that are gone; they still know their identifier and entity, but no values.
     std::vector<ObjectPtr> deleted;
@@ -146,6 +148,11 @@ public:
     /// The next save needs no follow-up.
     void skipNextFollowUp() { skipsNextFollowUp = true; }
 
+    // Indexes of substrings follow a save at once, and what was written by other hands bit by bit.
+    /// Brings some of what waits into them, outside of a unit of work; true if there is more. Queries are
+    /// right at any time; they are only slower the more waits.
+    bool tendSubstringIndexes();
+
     // Undo of the user's saves, also those of former runs.
     bool canUndo();
     bool canRedo();
@@ -194,12 +201,17 @@ private:
     void logFailure(const sqlite::Statement &statement, const FetchRequest &request) const;
 
     void noteChange(ManagedObject &object);
+    /// An object is told as updated although only its relationships changed at their other end.
+    void noteTouched(std::string_view entity, const Value &id);
+    /// What a deleted object named loses it.
+    void noteTargetsAsTouched(const ManagedObject &object);
     OptionalError begin();
     OptionalError write();
     OptionalError commit();
     /// Ends the open transaction without a trace; what is changed in memory waits to be written again.
     void rollBack();
     OptionalError writeFollowUps();
+    OptionalError writeSubstringIndexes();
     void takeInChangesFromElsewhere();
     Error failure(const char *attempt) const;
     OptionalError commitTransaction();
@@ -232,6 +244,8 @@ private:
     // Objects changed since the last save, in the order of their first change, and those still to be written.
     std::vector<ObjectPtr> changed;
     std::vector<ObjectPtr> waiting;
+    /// Objects that gained or lost something at the other end of a relationship, of entities with follow-ups.
+    std::set<std::pair<const EntityDescription *, QString>> touched;
     bool isWriting = false;
     bool mustApplyDeleteRules = false;
     /// Whether `begin` opened a transaction that nobody ended yet. SQLite ends one by itself when the disk is

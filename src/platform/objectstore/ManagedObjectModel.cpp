@@ -74,6 +74,12 @@ EntityDescription &EntityDescription::followedUp()
     return *this;
 }
 
+EntityDescription &EntityDescription::substringIndexed(std::string_view attribute)
+{
+    indexedText = attribute;
+    return *this;
+}
+
 int EntityDescription::columnOf(std::string_view key) const
 {
     const auto found = std::find(columnNames.begin(), columnNames.end(), key);

@@ -67,6 +67,8 @@ public:
     /// Rows for which something must be done after each save; what was left undone is told at the next
     /// opening.
     EntityDescription &followedUp();
+    /// Keeps an index of one text attribute for "contains, case and diacritics ignored".
+    EntityDescription &substringIndexed(std::string_view attribute);
 
     std::string_view name() const { return entityName; }
     const QByteArray &table() const { return tableName; }
@@ -75,6 +77,8 @@ public:
     const std::vector<IndexDescription> &indexes() const { return indexList; }
     bool isDerived() const { return isDerivedEntity; }
     bool isFollowedUp() const { return isFollowedUpEntity; }
+    /// Empty without such an index.
+    std::string_view substringAttribute() const { return indexedText; }
     ObjectPtr makeObject() const { return factory(); }
 
     int columnCount() const { return static_cast<int>(columnNames.size()); }
@@ -100,6 +104,7 @@ private:
     Factory factory;
     bool isDerivedEntity = false;
     bool isFollowedUpEntity = false;
+    std::string_view indexedText;
 };
 
 /// All entities of a store, with a version that grows whenever something is added.

@@ -1,7 +1,7 @@
 #include "foundation/TextFolding.h"
 #include "objectstore/PredicateNode.h"
-#include "objectstore/SqlFunctions.h"
 #include "objectstore/SqlText.h"
+#include "objectstore/SubstringIndex.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -148,7 +148,9 @@ private:
         }
         const size_t manySteps = stepsToMany(entity, left.path);
         if (manySteps == 0) {
+            const bool isNarrowed = writeProposedRows(node, entity);
             writeTest(node, [&] { writeScalar("row", entity, left.path, 0); });
+            result.text += isNarrowed ? ")" : "";
             return;
         }
         const bool endsInMany = manySteps == left.path.size();
@@ -167,6 +169,25 @@ private:
                                writeScalar(far, reached, left.path, manySteps);
                        });
                    });
+    }
+
+    /// Where an index of trigrams knows which rows can pass, opens a parenthesis with the condition to be one
+    /// of them.
+    bool writeProposedRows(const Node &node, const EntityDescription &entity)
+    {
+        const auto *part = node.right.kind == Operand::Kind::Argument && !node.right.argument.isCollection()
+                               ? std::get_if<QString>(&node.right.argument.value())
+                               : nullptr;
+        const bool isSought = node.comparison == Operator::Contains && node.isFolded && part &&
+                              node.left.path.size() == 1 &&
+                              node.left.path.front() == entity.substringAttribute();
+        const std::optional<QString> match =
+            isSought ? SubstringIndex::matchFor(foldedForSearch(*part)) : std::nullopt;
+        if (!match)
+            return false;
+        result.text += "(row.rowid IN (" + SubstringIndex(entity).proposedRows() + ") AND ";
+        result.bindings.emplace_back(*match);
+        return true;
     }
 
     /// How many steps of a path lead up to and over its last to-many relationship; 0 if it has none.

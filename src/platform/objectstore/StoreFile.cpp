@@ -1,5 +1,7 @@
 #include "objectstore/StoreFile.h"
+#include "foundation/TextFolding.h"
 #include "objectstore/SqlText.h"
+#include "objectstore/SubstringIndex.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -243,11 +245,44 @@ OptionalError migrate(sqlite::Database &database, const ManagedObjectModel &mode
                 sql += missingJoinTable(database, entity, relationship);
         }
         sql += createIndexes(entity);
+        if (const auto index = SubstringIndex::of(entity))
+            sql += index->create(database);
     }
     sql += "INSERT OR IGNORE INTO ObjectStoreMetadata VALUES ('storeIdentifier', '" +
            QUuid::createUuid().toByteArray(QUuid::WithoutBraces) + "');";
     sql += "PRAGMA application_id = " + QByteArray::number(applicationId) + ';';
     sql += "PRAGMA user_version = " + QByteArray::number(model.version()) + ";COMMIT;";
+    if (!database.execute(sql))
+        return std::nullopt;
+    const Error error = failure(database, path);
+    if (!database.isAutocommit())
+        database.execute("ROLLBACK");
+    return error;
+}
+
+/// On what the substring indexes rest: how texts are folded, and the numbers of rows, which a vacuum by other
+/// hands can change (it changes the schema's version, too).
+QString basisOfSubstringIndexes(sqlite::Database &database)
+{
+    return textFoldingVersion() + u'/' + QString::number(database.queryInteger("PRAGMA schema_version"));
+}
+
+OptionalError checkSubstringIndexes(sqlite::Database &database, const ManagedObjectModel &model,
+                                    const QString &path)
+{
+    const QString basis = basisOfSubstringIndexes(database);
+    sqlite::Statement known =
+        database.prepare("SELECT value FROM ObjectStoreMetadata WHERE key = 'substringIndexes'");
+    if (known.step() && known.text(0) == basis)
+        return std::nullopt;
+    known.reset();
+    QByteArray sql = "BEGIN IMMEDIATE;";
+    for (const EntityDescription &entity : model.entities()) {
+        if (const auto index = SubstringIndex::of(entity))
+            sql += index->startAnew();
+    }
+    sql += "INSERT OR REPLACE INTO ObjectStoreMetadata VALUES ('substringIndexes', '" + basis.toUtf8() +
+           "');COMMIT;";
     if (!database.execute(sql))
         return std::nullopt;
     const Error error = failure(database, path);
@@ -293,6 +328,8 @@ Result<std::unique_ptr<sqlite::Database>> open(const QString &path, const Manage
         if (auto error = migrate(database, model, path))
             return *error;
     }
+    if (auto error = checkSubstringIndexes(database, model, path))
+        return *error;
     database.setCheckpointAtEnd(true);
     return opened;
 }

@@ -15,6 +15,12 @@ protected:
             texts.append(row->string());
         return texts;
     }
+    QStringList sortedTextsOf(const ObjectPtr &object)
+    {
+        QStringList texts = textsOf(object);
+        texts.sort();
+        return texts;
+    }
     static std::vector<ObjectPtr> found(const QString &text)
     {
         std::vector<ObjectPtr> objects;
@@ -57,6 +63,42 @@ TEST_F(SearchIndexOfRecords, FollowsSavesDeletesAndUndo)
     EXPECT_TRUE(found(u"milk"_qs).empty());
     EXPECT_FALSE(context().undo());
     EXPECT_EQ(found(u"milk"_qs), std::vector<ObjectPtr>({DBWorker::getObjectFromId(uri)}));
+}
+
+TEST_F(SearchIndexOfRecords, FollowsWhatIsLinkedAndUnlinked)
+{
+    const auto contact = context().insert<EntityContacts>();
+    contact->setFirstName(u"Ann"_qs);
+    const auto project = context().insert<EntityProject>();
+    project->setTitle(u"House"_qs);
+    const TaskPtr task = add(u"Paint"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    task->setDelegateToUser(contact);
+    task->setProject(project);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"Ann"_qs, u"Paint"_qs}));
+    EXPECT_EQ(sortedTextsOf(project), QStringList({u"House"_qs, u"Paint"_qs}));
+    project->setTitle(u"Garden"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(sortedTextsOf(task), QStringList({u"Ann"_qs, u"House"_qs, u"Paint"_qs}))
+        << "another title reaches the tasks when they change themselves";
+    EXPECT_FALSE(context().undo());
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"Ann"_qs}));
+    EXPECT_FALSE(context().redo());
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"Ann"_qs, u"Paint"_qs}));
+    context().deleteObject(task);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"Ann"_qs}));
+    EXPECT_EQ(sortedTextsOf(project), QStringList({u"House"_qs}));
+    const auto phone = context().insert<EntityPhone>();
+    phone->setNumber(u"555"_qs);
+    phone->setContact(contact);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"555"_qs, u"Ann"_qs}));
+    project->setDelegateToUser({contact});
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"555"_qs, u"Ann"_qs, u"House"_qs}));
 }
 
 TEST_F(SearchIndexOfRecords, IsBroughtUpToDateAfterAnEndBetweenTheTwoSaves)

@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 1;
+constexpr int modelVersion = 2;
 
 template <typename Entity>
 EntityDescription describe()
@@ -90,7 +90,8 @@ std::vector<EntityDescription> describeEntities()
         describe<EntityTags>(),
         describe<EntityLocation>(),
         describe<EntityNote>().followedUp().indexedBy({{"EntityNote_contact", "\"contact\""}}),
-        describe<EntitySearchIndex>().derived().indexedBy({{"EntitySearchIndex_object", "\"objectId\""}}),
+        describe<EntitySearchIndex>().derived().substringIndexed("string").indexedBy(
+            {{"EntitySearchIndex_object", "\"objectId\""}}),
     };
 }
 

@@ -157,10 +157,22 @@ std::vector<ProjectPtr> DBWorker::allProjectsSortDueDate(const FilterEntry *filt
             .sortedBy({ascending("expirationDate"), descending("dueDate"), ascending("title")}))));
 }
 
+static FetchRequest indexRowsWith(const QString &text)
+{
+    return EntitySearchIndex::fetchRequest().where(Predicate::format("string CONTAINS[cd] %@", text));
+}
+
 ObjectList<EntitySearchIndex> DBWorker::searchEntityWithString(const QString &text)
 {
-    return mainContext().fetch<EntitySearchIndex>(
-        EntitySearchIndex::fetchRequest().where(Predicate::format("string CONTAINS[cd] %@", text)));
+    return mainContext().fetch<EntitySearchIndex>(indexRowsWith(text));
+}
+
+std::vector<QString> DBWorker::searchObjectIdsWithString(const QString &text)
+{
+    std::vector<QString> ids;
+    mainContext().visit(indexRowsWith(text), {"objectId"},
+                        [&ids](const RowReader &row) { ids.push_back(row.text(0)); });
+    return ids;
 }
 
 std::optional<ObjectListBase> DBWorker::getAllObjectsOFEntity(const std::string &entity,

@@ -1,0 +1,153 @@
+#include "calendarsync/SeriesRows.h"
+
+#include "records/MVTask.h"
+#include "records/dates/MTDates.h"
+#include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
+
+namespace series {
+
+namespace {
+
+constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
+constexpr Seconds secondsPerDay{86400};
+
+bool isOfType(const EntityTask &task, TaskType type)
+{
+    return task.type().value_or(0) == static_cast<int>(type);
+}
+
+Date withTimeOf(Date date, Date time)
+{
+    return MVDate::setHour(static_cast<unsigned>(MTDates::hourOfDay(time)),
+                           static_cast<unsigned>(MTDates::minuteOfHour(time)), date);
+}
+
+Date withDayOf(Date date, Date day)
+{
+    return MVDate::setDay(static_cast<unsigned>(MTDates::dayOfMonth(day)),
+                          static_cast<unsigned>(MTDates::monthOfYear(day)),
+                          static_cast<unsigned>(MTDates::year(day)), date);
+}
+
+void copyFields(const EntityTask &from, EntityTask &row)
+{
+    row.setTitle(from.title());
+    row.setType(from.type());
+    row.setCategory(from.category());
+    row.setStatus(from.status());
+    if (from.status() == doneStatus && !row.expirationDate())
+        row.setExpirationDate(MVDate::date());
+    row.setPriority(from.priority());
+    row.setLocation(from.location());
+    row.setDetails(from.details());
+    row.setProject(from.project());
+    row.setDelegateToUser(from.delegateToUser());
+    row.setCompany(from.company());
+    row.setLastModificationDate(from.lastModificationDate());
+    row.setTypeCalendarID(from.typeCalendarID());
+    row.setCalendarTitle(from.calendarTitle());
+    row.setColorCalendarR(from.colorCalendarR());
+    row.setColorCalendarG(from.colorCalendarG());
+    row.setColorCalendarB(from.colorCalendarB());
+    row.setColorCalendarA(from.colorCalendarA());
+    row.setAllowsContentModifications(from.allowsContentModifications());
+}
+
+void copyTimeOfMoment(const EntityTask &from, EntityTask &row)
+{
+    if (!from.dueDate())
+        return;
+    OptionalDate due = row.dueDate();
+    if (due)
+        due = withTimeOf(*due, *from.dueDate());
+    if (due && row.startDate())
+        due = withDayOf(*due, *row.startDate());
+    row.setDueDate(due);
+}
+
+void copyTimesOfAppointment(const EntityTask &from, EntityTask &row)
+{
+    if (!row.startDate())
+        return;
+    if (row.dueDate() && from.dueDate())
+        row.setDueDate(withDayOf(withTimeOf(*row.dueDate(), *from.dueDate()), *row.startDate()));
+    if (from.startDate())
+        row.setStartDate(withTimeOf(*row.startDate(), *from.startDate()));
+}
+
+void copyLengthOfToDo(const EntityTask &from, EntityTask &row)
+{
+    if (!row.startDate())
+        return;
+    const int days =
+        from.startDate() && from.dueDate() ? MTDates::daysSinceDate(*from.dueDate(), *from.startDate()) : 0;
+    row.setDueDate(*row.startDate() + secondsPerDay * days);
+}
+
+OptionalDate moved(OptionalDate base, OptionalDate alert, double offset)
+{
+    return base && alert ? OptionalDate(*base + Seconds(offset)) : std::nullopt;
+}
+
+OptionalDate onDayOf(OptionalDate alert, Date day)
+{
+    return alert ? OptionalDate(withDayOf(*alert, day)) : std::nullopt;
+}
+
+void copyAlerts(const EntityTask &from, EntityTask &row, const AlertOffsets &offsets)
+{
+    if (!isOfType(from, TaskType::ToDo)) {
+        const OptionalDate base = isOfType(from, TaskType::Appointment) ? row.startDate() : row.dueDate();
+        row.setAlert(moved(base, from.alert(), offsets.alert));
+        row.setSecondAlert(moved(base, from.secondAlert(), offsets.secondAlert));
+    } else if (row.startDate()) {
+        row.setAlert(onDayOf(from.alert(), *row.startDate()));
+        row.setSecondAlert(onDayOf(from.secondAlert(), *row.startDate()));
+    }
+}
+
+} // namespace
+
+AlertOffsets AlertOffsets::of(const EntityTask &task)
+{
+    return {MVTask::timeIntervalAlertOfTask(task), MVTask::timeIntervalSecondAlertOfTask(task)};
+}
+
+std::vector<TaskPtr> otherRows(const EntityTask &task)
+{
+    if (task.calendarID().isEmpty())
+        return {};
+    std::vector<TaskPtr> rows;
+    const FetchRequest request =
+        EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", task.calendarID()));
+    for (const TaskPtr &row : mainContext().fetch<EntityTask>(request)) {
+        if (row && row.get() != &task)
+            rows.push_back(row);
+    }
+    return rows;
+}
+
+bool isLater(const EntityTask &row, const EntityTask &task)
+{
+    if (row.startDate() && task.startDate()) {
+        if (*row.startDate() != *task.startDate())
+            return *row.startDate() > *task.startDate();
+        return row.dueDate() && task.dueDate() && *row.dueDate() >= *task.dueDate();
+    }
+    return row.dueDate() && task.dueDate() && *row.dueDate() > *task.dueDate();
+}
+
+void copyEdit(const EntityTask &from, EntityTask &row, const AlertOffsets &offsets)
+{
+    copyFields(from, row);
+    if (isOfType(from, TaskType::EmailCall))
+        copyTimeOfMoment(from, row);
+    else if (isOfType(from, TaskType::Appointment))
+        copyTimesOfAppointment(from, row);
+    else
+        copyLengthOfToDo(from, row);
+    copyAlerts(from, row, offsets);
+}
+
+} // namespace series
