@@ -46,6 +46,10 @@ public:
         if (sqlite3_open(path.toUtf8().constData(), &database) != SQLITE_OK)
             endFor(path);
         run("PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF; BEGIN");
+        for (int number = 0; number < projectCount; ++number)
+            addIndex(EntityProject::entityName, projects[size_t(number)], {u"Project %1"_qs.arg(number)});
+        for (size_t number = 0; number < names.size(); ++number)
+            addIndex(EntityContacts::entityName, contacts[number], {names[number]});
     }
     ~Generator()
     {
@@ -77,7 +81,18 @@ public:
         project < projectCount ? row.text(projects[size_t(project)]) : row.null();
         contact < contactCount ? row.text(contacts[size_t(contact)]) : row.null();
         row.run();
-        addIndex(id, {title, details});
+        QStringList texts = {title, details};
+        if (category < categoryCount)
+            texts.append(u"Category %1"_qs.arg(category));
+        if (project < projectCount) {
+            texts.append(u"Project %1"_qs.arg(project));
+            addIndex(EntityProject::entityName, projects[size_t(project)], {title});
+        }
+        if (contact < contactCount) {
+            texts.append(names[size_t(contact)]);
+            addIndex(EntityContacts::entityName, contacts[size_t(contact)], {title});
+        }
+        addIndex(EntityTask::entityName, id, texts);
     }
 
 private:
@@ -139,6 +154,7 @@ private:
             contact->setFirstName(word());
             contact->setLastName(word());
             contacts.push_back(contact->identifier());
+            names.push_back(contact->firstName() + u' ' + contact->lastName());
         }
         if (auto error = context.save())
             endFor(error->message);
@@ -160,13 +176,15 @@ private:
         type == 1 ? row.real(moment) : row.null();
         row.real(moment + (type == 1 ? 3600 : 0));
     }
-    void addIndex(const QString &id, const QStringList &texts)
+    /// The texts by which a record is found, as the program writes them.
+    void addIndex(std::string_view entity, const QString &id, const QStringList &texts)
     {
         for (const QString &text : texts) {
             if (!text.isEmpty())
                 Row(index())
                     .text(uuid())
-                    .text(u"x-morvane://%1/EntityTask/%2"_qs.arg(storeIdentifier, id))
+                    .text(u"x-morvane://%1/%2/%3"_qs.arg(
+                        storeIdentifier, QLatin1String(entity.data(), qsizetype(entity.size())), id))
                     .text(text)
                     .run();
         }
@@ -228,7 +246,7 @@ private:
     std::mt19937 random;
     double now = Clock::now().referenceSeconds();
     QString storeIdentifier;
-    std::vector<QString> categories, projects, contacts;
+    std::vector<QString> categories, projects, contacts, names;
     sqlite3 *database = nullptr;
     sqlite3_stmt *taskStatement = nullptr;
     sqlite3_stmt *indexStatement = nullptr;

@@ -123,6 +123,11 @@ bool isIndexed(const ManagedObject &object)
     return object.entity().isFollowedUp();
 }
 
+FetchRequest rowsOf(const QString &uri)
+{
+    return EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
+}
+
 } // namespace
 
 void SearchIndex::insertEntitySearchIndexString(const QString &string, const QString &atObjectId)
@@ -147,11 +152,7 @@ void SearchIndex::deleteIndexWithObjects(const ObjectPtr &object)
 {
     if (!object || !isIndexed(*object))
         return;
-    const QString uri = mainContext().uriOf(*object);
-    const FetchRequest rows =
-        EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
-    for (const auto &row : mainContext().fetch<EntitySearchIndex>(rows))
-        mainContext().deleteObject(row);
+    mainContext().deleteRows(rowsOf(mainContext().uriOf(*object)));
 }
 
 void SearchIndex::updateIndexWithObject(const ObjectPtr &object)
@@ -164,17 +165,16 @@ void SearchIndex::updateIndexWithObject(const ObjectPtr &object)
         if (!text.isEmpty())
             ++missing[text];
     }
-    const FetchRequest rows =
-        EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
-    bool isAnyStale = false;
-    mainContext().visit(rows, {"string"}, [&](const RowReader &row) {
-        const auto found = missing.find(row.text(0));
-        isAnyStale = isAnyStale || found == missing.end() || --found->second < 0;
+    std::vector<QString> stale;
+    mainContext().visit(rowsOf(uri), {"id", "string"}, [&](const RowReader &row) {
+        const auto found = missing.find(row.text(1));
+        if (found == missing.end() || found->second == 0)
+            stale.push_back(row.text(0));
+        else
+            --found->second;
     });
-    if (isAnyStale) {
-        deleteIndexWithObjects(object);
-        return addIndexWithObject(object);
-    }
+    for (const QString &row : stale)
+        mainContext().deleteObject(mainContext().object(EntitySearchIndex::entityName, row));
     for (const auto &[text, count] : missing) {
         for (int number = 0; number < count; ++number)
             insertEntitySearchIndexString(text, uri);

@@ -32,7 +32,7 @@ void ManagedObjectContext::noteTouched(std::string_view entityName, const Value 
 
 bool ManagedObjectContext::hasChanges() const
 {
-    return !changed.empty();
+    return !changed.empty() || !rowDeletions.empty();
 }
 
 void ManagedObjectContext::processPendingChanges()
@@ -83,10 +83,17 @@ OptionalError ManagedObjectContext::write()
     // What was written before a transaction that ended by itself must be written again.
     if (isInTransaction && database->isAutocommit())
         rollBack();
-    if (waiting.empty())
+    const bool hasRowDeletions = std::any_of(rowDeletions.begin(), rowDeletions.end(),
+                                             [](const RowDeletion &one) { return !one.isWritten; });
+    if (waiting.empty() && !hasRowDeletions)
         return std::nullopt;
     if (auto error = begin())
         return error;
+    // After a failure all of them come again, and before what was written behind them.
+    if (auto error = deleteWaitingRows()) {
+        rollBack();
+        return error;
+    }
     isWriting = true;
     const int code = ChangeWriter(*this).write();
     isWriting = false;
@@ -99,8 +106,23 @@ OptionalError ManagedObjectContext::write()
     return error;
 }
 
+OptionalError ManagedObjectContext::deleteWaitingRows()
+{
+    for (RowDeletion &one : rowDeletions) {
+        if (one.isWritten)
+            continue;
+        sqlite::Statement statement = database->prepare(one.query.text);
+        if (!statement.bind(one.query.bindings).run())
+            return failure("write to");
+        one.isWritten = true;
+    }
+    return std::nullopt;
+}
+
 void ManagedObjectContext::rollBack()
 {
+    for (RowDeletion &one : rowDeletions)
+        one.isWritten = false;
     journal->stopCapture();
     if (!database->isAutocommit())
         database->execute("ROLLBACK");
@@ -118,7 +140,7 @@ void ManagedObjectContext::rollBack()
 
 OptionalError ManagedObjectContext::save()
 {
-    if (changed.empty())
+    if (!hasChanges())
         return std::nullopt;
     if (auto error = write())
         return error;
@@ -275,6 +297,7 @@ std::vector<ObjectPtr> ManagedObjectContext::unfinishedFollowUps()
 ChangeList ManagedObjectContext::finishSave()
 {
     ChangeList changes;
+    rowDeletions.clear();
     for (const ObjectPtr &object : std::exchange(changed, {})) {
         const bool wasInserted = object->isInserted();
         if (object->isDeleted()) {
@@ -306,6 +329,7 @@ void ManagedObjectContext::reset()
     isInTransaction = false;
     mustApplyDeleteRules = false;
     waiting.clear();
+    rowDeletions.clear();
     touched.clear();
     for (const ObjectPtr &object : std::exchange(changed, {})) {
         const bool isNew = object->isInserted() || object->wasInserted;

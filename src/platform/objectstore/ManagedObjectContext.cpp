@@ -92,6 +92,22 @@ void ManagedObjectContext::noteTargetsAsTouched(const ManagedObject &object)
     }
 }
 
+void ManagedObjectContext::deleteRows(const FetchRequest &request)
+{
+    const EntityDescription &entity = objectModel.requireEntity(request.entityName);
+    Query deletion = query(request, "row.rowid");
+    deletion.text = "DELETE FROM " + quoted(entity.name()) + " WHERE rowid IN (" + deletion.text + ')';
+    // What was written to such rows before goes with them.
+    write();
+    rowDeletions.push_back({std::move(deletion)});
+    // A failure stays with the changes and is reported by the next save.
+    write();
+    for (auto &[id, object] : population(entity).byIdentifier) {
+        if (!object->isInserted())
+            object->isLoaded = false;
+    }
+}
+
 ObjectPtr ManagedObjectContext::object(std::string_view name, const QString &id)
 {
     const EntityDescription *entity = objectModel.entity(name);

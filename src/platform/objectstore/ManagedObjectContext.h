@@ -93,6 +93,9 @@ public:
     /// Marks an object as deleted; what its relationships ask for happens with it. Null and a second call do
     /// nothing.
     void deleteObject(const ObjectPtr &object);
+    /// Deletes the rows of a derived entity that pass, without making objects of them; a part of the unit of
+    /// work like any other change. Its sort order and limit do not count.
+    void deleteRows(const FetchRequest &request);
     /// The object of that identifier, or null if there is none.
     ObjectPtr object(std::string_view entity, const QString &identifier);
     /// The object of a URI of this store, or null.
@@ -198,6 +201,7 @@ private:
     Query query(const FetchRequest &request, const QByteArray &result);
     QByteArray orderOf(const EntityDescription &entity, const SortDescriptors &descriptors) const;
     sqlite::Statement run(const Query &query);
+    OptionalError deleteWaitingRows();
     void logFailure(const sqlite::Statement &statement, const FetchRequest &request) const;
 
     void noteChange(ManagedObject &object);
@@ -244,6 +248,13 @@ private:
     // Objects changed since the last save, in the order of their first change, and those still to be written.
     std::vector<ObjectPtr> changed;
     std::vector<ObjectPtr> waiting;
+    /// Deletions of rows without objects since the last save.
+    struct RowDeletion
+    {
+        Query query;
+        bool isWritten = false;
+    };
+    std::vector<RowDeletion> rowDeletions;
     /// Objects that gained or lost something at the other end of a relationship, of entities with follow-ups.
     std::set<std::pair<const EntityDescription *, QString>> touched;
     bool isWriting = false;

@@ -63,13 +63,13 @@ public:
             result.text += '1';
             break;
         case Node::Kind::And:
-            writeJoined(node, entity, " AND ", "1");
+            writeJoined(cheapestFirst(node.children), entity, " AND ", "1");
             break;
         case Node::Kind::Or:
             // Unless each alternative is a look-up, going through an index once beats merging several
             // searches of it; the sign keeps the planner from the latter.
             result.text += isChoiceOfLookUps(node) ? "" : "+";
-            writeJoined(node, entity, " OR ", "0");
+            writeJoined(node.children, entity, " OR ", "0");
             break;
         case Node::Kind::Not:
             // What is unknown to SQL is false here, and so true once negated.
@@ -94,12 +94,29 @@ private:
         });
     }
 
-    void writeJoined(const Node &node, const EntityDescription &entity, const char *joint, const char *empty)
+    /// Whether a test calls a function for each row, which costs more than all comparisons together.
+    static bool isCostly(const Node &node)
     {
-        if (node.children.empty())
+        if (node.kind != Node::Kind::Comparison)
+            return std::any_of(node.children.begin(), node.children.end(),
+                               [](const NodePtr &child) { return isCostly(*child); });
+        return node.isFolded || node.comparison == Operator::BeginsWith ||
+               node.comparison == Operator::EndsWith || node.comparison == Operator::Contains;
+    }
+
+    static std::vector<NodePtr> cheapestFirst(std::vector<NodePtr> nodes)
+    {
+        std::stable_partition(nodes.begin(), nodes.end(), [](const NodePtr &one) { return !isCostly(*one); });
+        return nodes;
+    }
+
+    void writeJoined(const std::vector<NodePtr> &nodes, const EntityDescription &entity, const char *joint,
+                     const char *empty)
+    {
+        if (nodes.empty())
             result.text += empty;
         else
-            writeHalves(node.children, entity, joint);
+            writeHalves(nodes, entity, joint);
     }
 
     /// In halves of halves, since SQLite limits how deep a condition may be, and nests a plain row of them to

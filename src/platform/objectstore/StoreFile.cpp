@@ -294,7 +294,7 @@ OptionalError checkSubstringIndexes(sqlite::Database &database, const ManagedObj
 OptionalError configure(sqlite::Database &database)
 {
     return database.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON;"
-                            "PRAGMA temp_store = MEMORY; PRAGMA cache_size = -8192;");
+                            "PRAGMA temp_store = MEMORY; PRAGMA cache_size = -32768;");
 }
 
 } // namespace

@@ -23,13 +23,14 @@ EntityDescription describeTask()
 {
     constexpr std::string_view open = "\"status\" IS NOT 3";
     return describe<EntityTask>().followedUp().indexedBy({
-        // Not Done and Today in their order.
+        // Not Done and Today in their order, with what a filter by a period or a priority asks.
         {"EntityTask_openByDueDate",
          "\"dueDate\" DESC, \"title\", \"type\", \"status\", \"dueSomeDay\", \"startDate\", "
-         "\"typeCalendarID\", \"priority\"",
+         "\"typeCalendarID\", \"priority\", \"creationDate\"",
          open},
         {"EntityTask_scheduled",
-         "\"startDate\", \"title\", \"type\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
+         "\"startDate\", \"title\", \"type\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\", "
+         "\"creationDate\", \"priority\"",
          "\"status\" IS NOT 3 AND \"dueSomeDay\" = 0"},
         {"EntityTask_inbox",
          "\"position\", \"status\", \"dueSomeDay\", \"startDate\", \"type\", \"typeCalendarID\"",

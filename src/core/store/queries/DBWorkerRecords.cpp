@@ -207,7 +207,6 @@ std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, dou
 
 void DBWorker::allSearchObjRemove()
 {
-    for (const auto &row : mainContext().fetch<EntitySearchIndex>(EntitySearchIndex::fetchRequest()))
-        mainContext().deleteObject(row);
+    mainContext().deleteRows(EntitySearchIndex::fetchRequest());
     saveContext();
 }
