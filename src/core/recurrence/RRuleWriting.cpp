@@ -3,6 +3,8 @@
 #include "eventkit/UtcDateTime.h"
 #include "recurrence/RuleParts.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include "eventkit/RecurrenceExpander.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <limits>
 

@@ -12,13 +12,17 @@
 namespace {
 
 constexpr int codesOfAPosition = 8;
+constexpr int daysOfAWeek = 7;
 
-/// As many values as the list of the library holds; the first unused place ends it.
+/// Each value once, as many as the list of the library holds; the first unused place ends it.
 void fill(std::span<short> list, const std::vector<int> &values)
 {
-    const std::size_t size = std::min(values.size(), list.size() - 1);
-    std::transform(values.begin(), values.begin() + std::ptrdiff_t(size), list.begin(),
-                   [](int value) { return static_cast<short>(value); });
+    std::size_t size = 0;
+    for (const int value : values) {
+        const auto end = list.begin() + std::ptrdiff_t(size);
+        if (size + 1 < list.size() && std::find(list.begin(), end, static_cast<short>(value)) == end)
+            list[size++] = static_cast<short>(value);
+    }
     list[size] = ICAL_RECURRENCE_ARRAY_MAX;
 }
 
@@ -42,7 +46,8 @@ std::vector<int> codesOf(const std::vector<EKRecurrenceDayOfWeek> &days)
     return codes;
 }
 
-std::vector<EKRecurrenceDayOfWeek> daysOf(std::span<const short> list)
+/// In the order of the week: the library puts long lists into no order that could be relied on.
+std::vector<EKRecurrenceDayOfWeek> daysOf(std::span<const short> list, EKWeekday weekStart)
 {
     std::vector<EKRecurrenceDayOfWeek> days;
     for (const int code : valuesOf(list)) {
@@ -50,6 +55,12 @@ std::vector<EKRecurrenceDayOfWeek> daysOf(std::span<const short> list)
         days.push_back({static_cast<EKWeekday>(icalrecurrencetype_day_day_of_week(day)),
                         icalrecurrencetype_day_position(day)});
     }
+    const auto place = [weekStart](const EKRecurrenceDayOfWeek &day) {
+        const int daysIntoWeek = static_cast<int>(day.dayOfTheWeek) - static_cast<int>(weekStart);
+        return std::pair((daysIntoWeek + daysOfAWeek) % daysOfAWeek, day.weekNumber);
+    };
+    std::sort(days.begin(), days.end(),
+              [&](const auto &one, const auto &other) { return place(one) < place(other); });
     return days;
 }
 
@@ -130,7 +141,7 @@ RecurrencePattern patternOf(const icalrecurrencetype &rule)
     pattern.byMonth = valuesOf(rule.by_month);
     pattern.byWeekNo = valuesOf(rule.by_week_no);
     pattern.byMonthDay = valuesOf(rule.by_month_day);
-    pattern.byDay = daysOf(rule.by_day);
+    pattern.byDay = daysOf(rule.by_day, pattern.weekStart);
     pattern.byHour = valuesOf(rule.by_hour);
     pattern.byMinute = valuesOf(rule.by_minute);
     pattern.bySecond = valuesOf(rule.by_second);

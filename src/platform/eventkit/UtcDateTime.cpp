@@ -3,6 +3,7 @@
 #include "foundation/IcuDate.h"
 #include "foundation/IcuText.h"
 
+#include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 
 static const icu::SimpleDateFormat &format()
@@ -11,7 +12,11 @@ static const icu::SimpleDateFormat &format()
         UErrorCode status = U_ZERO_ERROR;
         auto made = std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString("yyyyMMdd'T'HHmmss'Z'"),
                                                             icu::Locale::getEnglish(), status);
-        made->adoptTimeZone(icu::TimeZone::getGMT()->clone());
+        // iCalendar counts in the Gregorian calendar at all times, ICU in the Julian one before 1582.
+        auto calendar = std::make_unique<icu::GregorianCalendar>(*icu::TimeZone::getGMT(),
+                                                                 icu::Locale::getEnglish(), status);
+        calendar->setGregorianChange(-furthestSeconds * 1000, status);
+        made->adoptCalendar(calendar.release());
         made->setLenient(false);
         return made;
     }();
