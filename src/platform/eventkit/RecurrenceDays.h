@@ -56,8 +56,8 @@ private:
         explicit Positions(const std::vector<int> &values);
         bool matches(int position, int last) const
         {
-            return fromBeginning.test(std::size_t(position)) ||
-                   fromEnd.test(std::size_t(last - position + 1));
+            const int positionFromEnd = last - position + 1;
+            return fromBeginning.test(std::size_t(position)) || fromEnd.test(std::size_t(positionFromEnd));
         }
 
         bool isUsed;

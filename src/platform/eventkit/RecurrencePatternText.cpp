@@ -213,7 +213,7 @@ QString RecurrencePattern::text() const
 {
     icalrecurrencetype rule = icalRule(withoutInvalidValues());
     char *text = icalrecurrencetype_as_string_r(&rule);
-    const QString body = QString::fromLatin1(text);
+    QString body = QString::fromLatin1(text);
     icalmemory_free_buffer(text);
     return body;
 }
