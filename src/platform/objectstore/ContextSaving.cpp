@@ -267,16 +267,20 @@ OptionalError ManagedObjectContext::writeSubstringIndexes()
 
 bool ManagedObjectContext::tendSubstringIndexes()
 {
-    if (isInTransaction || isWriting)
-        return true;
+    if (isWriting)
+        return false;
     bool isMoreLeft = false;
     for (const EntityDescription &entity : objectModel.entities()) {
         const auto index = SubstringIndex::of(entity);
-        if (!index || !index->hasWaitingRows(*database) || database->execute("BEGIN IMMEDIATE"))
+        if (!index || !index->hasWaitingRows(*database))
+            continue;
+        // Within an open unit of work it becomes a part of that.
+        const bool isOwn = database->isAutocommit();
+        if (isOwn && database->execute("BEGIN IMMEDIATE"))
             continue;
         auto taken = index->takeIn(*database, substringRowsAtOnce);
-        const bool isDone = taken && !database->execute("COMMIT");
-        if (!isDone && !database->isAutocommit())
+        const bool isDone = taken && (!isOwn || !database->execute("COMMIT"));
+        if (!isDone && isOwn && !database->isAutocommit())
             database->execute("ROLLBACK");
         isMoreLeft = isMoreLeft || (isDone && *taken == substringRowsAtOnce);
     }

@@ -152,8 +152,8 @@ public:
     void skipNextFollowUp() { skipsNextFollowUp = true; }
 
     // Indexes of substrings follow a save at once, and what was written by other hands bit by bit.
-    /// Brings some of what waits into them, outside of a unit of work; true if there is more. Queries are
-    /// right at any time; they are only slower the more waits.
+    /// Brings some of what waits into them; true if there is more. Queries are right at any time; they are
+    /// only slower the more waits.
     bool tendSubstringIndexes();
 
     // Undo of the user's saves, also those of former runs.
