@@ -125,10 +125,9 @@ void saveMemberOfSeries(MVTask &task, OptionalDate oldDate)
 void replaceNotifications(const EntityTask &task)
 {
     task.removeNotifications();
-    std::vector<UserNotification> notifications = task.newLocalNotification();
+    const std::vector<UserNotification> notifications = task.newLocalNotification();
     if (!notifications.empty())
-        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(
-            std::move(notifications));
+        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(notifications);
 }
 
 bool commit(const MVTask &task)

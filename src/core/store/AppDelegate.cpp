@@ -10,6 +10,7 @@
 #include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
+#include "usernotifications/UserNotificationCenter.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -45,6 +46,7 @@ AppDelegate::~AppDelegate()
 {
     observations.clear();
     badgeTimer.reset();
+    UserNotificationCenter::defaultUserNotificationCenter().close();
     for (auto &context : contexts)
         context.reset();
     if (runningDelegate == this)

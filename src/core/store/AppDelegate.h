@@ -6,6 +6,7 @@
 #include "objectstore/ManagedObjectContext.h"
 #include "store/entities/Entities.h"
 #include "store/state/DataConteiner.h"
+#include "usernotifications/NotificationPresenter.h"
 
 #include <QString>
 
@@ -98,6 +99,8 @@ public:
     void deleteDuplicateTaskTypeWith(const TaskPtr &task);
 
     // User notifications.
+    /// From now on messages appear when they are due; what was missed appears now.
+    void startUserNotifications(std::unique_ptr<NotificationPresenter> presenter);
     bool userNotificationCenterShouldPresentNotification() const { return true; }
     /// A notification of the program was clicked; `taskId` is the URI of its task.
     void userNotificationCenterDidActivateNotification(const QString &taskId);

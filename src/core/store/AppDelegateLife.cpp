@@ -68,6 +68,40 @@ void AppDelegate::applicationDidFinishLaunching()
     badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] { badgeUpdata(); });
     registerObservers();
     tendSearchIndexSoon();
+    UserNotificationCenter::defaultUserNotificationCenter().open(FileManager::appFolderURL() +
+                                                                 QStringLiteral("/Notifications.json"));
+}
+
+namespace {
+
+/// What stands for several messages that nobody saw.
+UserNotification digestOf(const std::vector<UserNotification> &missed)
+{
+    constexpr qsizetype namesShown = 5;
+    QStringList names;
+    for (const UserNotification &one : missed)
+        names.append(one.subtitle);
+    names.removeDuplicates();
+    if (names.size() > namesShown)
+        names = names.first(namesShown) << QStringLiteral("…");
+    UserNotification digest = missed.back();
+    digest.subtitle = localized(QStringLiteral("%1 alerts came while Morvane was closed: %2"))
+                          .arg(QString::number(missed.size()), names.join(QStringLiteral(", ")));
+    digest.hasActionButton = false;
+    return digest;
+}
+
+} // namespace
+
+void AppDelegate::startUserNotifications(std::unique_ptr<NotificationPresenter> presenter)
+{
+    UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
+    center.setActivationHandler([this](const UserNotification &clicked) {
+        startMainWindow();
+        userNotificationCenterDidActivateNotification(clicked.userInfo.value(QStringLiteral("TASK_ID_KEY")));
+    });
+    center.setPresenter(std::move(presenter));
+    center.deliverMissed(digestOf);
 }
 
 void AppDelegate::registerObservers()
@@ -93,12 +127,13 @@ void AppDelegate::applicationDidResignActive()
     defaults.setObject(settings::isAccesToCalendarForDidEnterBackground, yesOrNo(hasAccess));
     if (!hasAccess) {
         UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
-        center.setScheduledNotifications({});
+        std::vector<UserNotification> notifications;
         for (const TaskPtr &task : DBWorker::getAllTasksWithAlert()) {
-            std::vector<UserNotification> notifications = task->newLocalNotification();
-            if (!notifications.empty())
-                center.setScheduledNotifications(std::move(notifications));
+            for (UserNotification &one : task->newLocalNotification())
+                notifications.push_back(std::move(one));
         }
+        center.removeAllScheduledNotifications();
+        center.setScheduledNotifications(notifications);
     }
     badgeUpdata();
     DBWorker::saveContext();

@@ -1,6 +1,20 @@
 #include "usernotifications/UserNotificationCenter.h"
 
+#include "foundation/Clock.h"
+#include "foundation/Log.h"
+#include "foundation/MainLoop.h"
+#include "usernotifications/NotificationsFile.h"
+
+#include <QFile>
+
 #include <algorithm>
+
+namespace {
+
+/// The clock can be set and the machine can sleep, which no timer notices.
+constexpr Seconds longestWait{60.0};
+
+} // namespace
 
 UserNotificationCenter &UserNotificationCenter::defaultUserNotificationCenter()
 {
@@ -8,7 +22,137 @@ UserNotificationCenter &UserNotificationCenter::defaultUserNotificationCenter()
     return center;
 }
 
+void UserNotificationCenter::setScheduledNotifications(const std::vector<UserNotification> &notifications)
+{
+    for (const UserNotification &one : notifications) {
+        if (std::find(scheduled.begin(), scheduled.end(), one) == scheduled.end())
+            scheduled.push_back(one);
+    }
+    changed();
+}
+
 void UserNotificationCenter::removeScheduledNotification(const UserNotification &notification)
 {
-    std::erase(scheduled, notification);
+    removeScheduledNotifications([&](const UserNotification &one) { return one == notification; });
+}
+
+void UserNotificationCenter::removeScheduledNotifications(
+    const std::function<bool(const UserNotification &)> &condition)
+{
+    if (std::erase_if(scheduled, condition) > 0)
+        changed();
+}
+
+void UserNotificationCenter::removeAllScheduledNotifications()
+{
+    removeScheduledNotifications([](const UserNotification &) { return true; });
+}
+
+void UserNotificationCenter::open(const QString &path)
+{
+    filePath = path;
+    auto kept = notificationsfile::read(path);
+    if (!kept) {
+        Log::line(kept.error().message);
+        const QString aside = path + QStringLiteral(".unreadable");
+        QFile::remove(aside);
+        QFile::rename(path, aside);
+    } else {
+        scheduled = std::move(*kept);
+    }
+    arm();
+}
+
+void UserNotificationCenter::close()
+{
+    scheduled.clear();
+    filePath.clear();
+    presenter.reset();
+    activated = nullptr;
+    armed.reset();
+}
+
+void UserNotificationCenter::setPresenter(std::unique_ptr<NotificationPresenter> newPresenter)
+{
+    presenter = std::move(newPresenter);
+    arm();
+}
+
+void UserNotificationCenter::changed()
+{
+    if (!filePath.isEmpty()) {
+        if (const auto error = notificationsfile::write(filePath, scheduled))
+            Log::line(
+                QStringLiteral("Cannot keep the scheduled messages %1: %2").arg(filePath, error->message));
+    }
+    arm();
+}
+
+void UserNotificationCenter::arm()
+{
+    armed.reset();
+    if (!presenter || scheduled.empty())
+        return;
+    const auto next =
+        std::min_element(scheduled.begin(), scheduled.end(), [](const auto &one, const auto &other) {
+            return one.deliveryDate < other.deliveryDate;
+        });
+    const Seconds wait = std::clamp(Seconds(next->deliveryDate - Clock::now()), Seconds(0), longestWait);
+    armed = std::make_shared<int>();
+    MainLoop::performDelayed(wait, [this, timer = std::weak_ptr(armed)] {
+        if (!timer.expired())
+            deliverDue();
+    });
+}
+
+std::vector<UserNotification> UserNotificationCenter::takeDue()
+{
+    const Date now = Clock::now();
+    const auto firstDue = std::stable_partition(scheduled.begin(), scheduled.end(),
+                                                [now](const auto &one) { return one.deliveryDate > now; });
+    std::vector<UserNotification> due(firstDue, scheduled.end());
+    scheduled.erase(firstDue, scheduled.end());
+    std::stable_sort(due.begin(), due.end(), [](const auto &one, const auto &other) {
+        return one.deliveryDate < other.deliveryDate;
+    });
+    return due;
+}
+
+void UserNotificationCenter::present(const UserNotification &notification, const UserNotification &clicked)
+{
+    presenter->present(
+        notification,
+        {.activated =
+             [this, clicked] {
+                 if (activated)
+                     activated(clicked);
+             },
+         .failed =
+             [notification] {
+                 Log::line(QStringLiteral("No desktop showed the message %1").arg(notification.subtitle));
+             }});
+}
+
+void UserNotificationCenter::deliverDue()
+{
+    if (!presenter)
+        return;
+    const std::vector<UserNotification> due = takeDue();
+    for (const UserNotification &one : due)
+        present(one, one);
+    due.empty() ? arm() : changed();
+}
+
+void UserNotificationCenter::deliverMissed(
+    const std::function<UserNotification(const std::vector<UserNotification> &)> &digest)
+{
+    if (!presenter)
+        return;
+    const std::vector<UserNotification> missed = takeDue();
+    if (missed.size() == 1)
+        present(missed.front(), missed.front());
+    else if (!missed.empty())
+        present(digest(missed), {});
+    if (!missed.empty())
+        changed();
 }

@@ -1,41 +1,55 @@
 #pragma once
 
-#include "foundation/Date.h"
+#include "usernotifications/NotificationPresenter.h"
+#include "usernotifications/UserNotification.h"
 
-#include <QByteArray>
-#include <QMap>
-#include <QString>
-
+#include <functional>
+#include <memory>
 #include <vector>
 
-/// A message to the user that is to appear at a moment.
-struct UserNotification
-{
-    QString title;
-    QString subtitle;
-    Date deliveryDate;
-    QByteArray deliveryTimeZone;
-    bool hasActionButton = false;
-    QMap<QString, QString> userInfo;
-
-    bool operator==(const UserNotification &) const = default;
-};
-
-/// The list of messages that are still to appear.
+/// The messages that are still to appear. They are kept in a file, appear on time while the program lives,
+/// and those that were missed appear as one when it starts again. Main thread only.
 class UserNotificationCenter
 {
 public:
     static UserNotificationCenter &defaultUserNotificationCenter();
 
     const std::vector<UserNotification> &scheduledNotifications() const { return scheduled; }
-    /// Replaces the whole list.
-    void setScheduledNotifications(std::vector<UserNotification> notifications)
-    {
-        scheduled = std::move(notifications);
-    }
+    /// Adds messages to those that are to appear. One that is equal to another one is there once.
+    void setScheduledNotifications(const std::vector<UserNotification> &notifications);
     /// Takes out the equal one, if it is there.
     void removeScheduledNotification(const UserNotification &notification);
+    /// Takes out all that the condition passes.
+    void removeScheduledNotifications(const std::function<bool(const UserNotification &)> &condition);
+    void removeAllScheduledNotifications();
+
+    /// Takes the list from a file and keeps it there from now on. An unreadable file counts as empty and is
+    /// put aside.
+    void open(const QString &path);
+    /// Forgets list, file, presenter and handler.
+    void close();
+    /// Who shows messages; without one they stay scheduled.
+    void setPresenter(std::unique_ptr<NotificationPresenter> presenter);
+    /// Called when the user clicks a message; with an empty one when it is the one for several missed ones.
+    using ActivationHandler = std::function<void(const UserNotification &)>;
+    void setActivationHandler(ActivationHandler handler) { activated = std::move(handler); }
+
+    /// Shows what is due by the clock. Calls itself in time.
+    void deliverDue();
+    /// Shows what should have appeared before now: one message as it is, several as one.
+    /// \param digest makes the one message of several.
+    void deliverMissed(const std::function<UserNotification(const std::vector<UserNotification> &)> &digest);
 
 private:
+    void changed();
+    void arm();
+    std::vector<UserNotification> takeDue();
+    void present(const UserNotification &notification, const UserNotification &clicked);
+
     std::vector<UserNotification> scheduled;
+    QString filePath;
+    std::unique_ptr<NotificationPresenter> presenter;
+    ActivationHandler activated;
+    /// Lives for as long as the timer that was set last is the right one.
+    std::shared_ptr<int> armed;
 };

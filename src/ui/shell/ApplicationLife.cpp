@@ -1,9 +1,11 @@
 #include "shell/ApplicationLife.h"
 
+#include "foundation/Localization.h"
 #include "shell/LauncherBadge.h"
 #include "shell/QuitSignals.h"
 #include "shell/SingleInstance.h"
 #include "store/AppDelegate.h"
+#include "usernotifications/DesktopNotifications.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -39,7 +41,17 @@ void ApplicationLife::windowWasPainted()
     wasPainted = true;
     if (instance)
         QTimer::singleShot(busDelay, instance, &SingleInstance::registerOnBus);
+    QTimer::singleShot(busDelay, this, &ApplicationLife::startUserNotifications);
     stateChanged(QGuiApplication::applicationState());
+}
+
+void ApplicationLife::startUserNotifications()
+{
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        return;
+    delegate.startUserNotifications(std::make_unique<DesktopNotifications>(
+        QDBusConnection::sessionBus(), QStringLiteral("com.halvern.morvane"),
+        localized(QStringLiteral("Show"))));
 }
 
 void ApplicationLife::stateChanged(Qt::ApplicationState state)

@@ -24,6 +24,7 @@ public:
 
 private:
     void stateChanged(Qt::ApplicationState state);
+    void startUserNotifications();
     void reopen();
 
     AppDelegate &delegate;

@@ -3,6 +3,7 @@
 #include "foundation/Clock.h"
 #include "foundation/Region.h"
 #include "store/entities/Entities.h"
+#include "usernotifications/UserNotificationCenter.h"
 
 MANAGED_TO_ONE_DEFINITION(EntityTask, EntityCategory, category, setCategory)
 MANAGED_TO_ONE_DEFINITION(EntityTask, EntityCompany, company, setCompany)
@@ -35,8 +36,8 @@ std::vector<UserNotification> EntityTask::newLocalNotification() const
 void EntityTask::removeNotifications() const
 {
     UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
-    std::vector<UserNotification> kept = center.scheduledNotifications();
-    std::erase_if(kept,
-                  [this](const UserNotification &one) { return one.userInfo.value(taskIdKey) == uri(); });
-    center.setScheduledNotifications(std::move(kept));
+    if (center.scheduledNotifications().empty())
+        return;
+    center.removeScheduledNotifications(
+        [id = uri()](const UserNotification &one) { return one.userInfo.value(taskIdKey) == id; });
 }

@@ -4,7 +4,7 @@
 #include "objectstore/ObjectList.h"
 #include "objectstore/TypedObject.h"
 #include "store/entities/TaskValues.h"
-#include "usernotifications/UserNotificationCenter.h"
+#include "usernotifications/UserNotification.h"
 
 class EntityCategory;
 class EntityCompany;

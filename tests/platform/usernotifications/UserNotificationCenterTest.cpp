@@ -1,0 +1,132 @@
+#include "NotificationServer.h"
+
+#include "support/TestSupport.h"
+#include "usernotifications/DesktopNotifications.h"
+#include "usernotifications/UserNotificationCenter.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+/// Messages from the list to a desktop that shows them.
+class UserNotifications : public testing::Test
+{
+protected:
+    ~UserNotifications() override { center.close(); }
+
+    static UserNotification message(const QString &text, Date date)
+    {
+        return {u"Program"_qs, text, date, "Europe/Berlin", true, {{u"ID"_qs, text}}};
+    }
+    static UserNotification digest(const std::vector<UserNotification> &missed)
+    {
+        UserNotification one = missed.front();
+        one.subtitle = u"%1 missed"_qs.arg(missed.size());
+        return one;
+    }
+    void connectToDesktop()
+    {
+        center.setActivationHandler([this](const UserNotification &one) { clicked.append(one.subtitle); });
+        center.setPresenter(std::make_unique<DesktopNotifications>(QDBusConnection::sessionBus(),
+                                                                   u"org.example.program"_qs, u"Show"_qs));
+    }
+    template <typename Condition>
+    static bool becomes(Condition condition)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!condition() && timer.elapsed() < 5000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+        return condition();
+    }
+    QStringList bodies() const
+    {
+        QStringList texts;
+        for (const auto &one : server.shown)
+            texts.append(one.body);
+        return texts;
+    }
+
+    const Date now = localDate(2026, 11, 21, 9);
+    QTemporaryDir folder;
+    const QString file = folder.filePath(u"list.json"_qs);
+    NotificationServer server;
+    UserNotificationCenter center;
+    QStringList clicked;
+};
+
+TEST_F(UserNotifications, AppearOnTimeAndTellOfTheirClick)
+{
+    const FrozenClock clock(now);
+    connectToDesktop();
+    center.setScheduledNotifications(
+        {message(u"soon <b>"_qs, now), message(u"later"_qs, now + Seconds(600))});
+    ASSERT_TRUE(becomes([this] { return server.shown.size() == 1; }));
+    const auto &shown = server.shown.first();
+    EXPECT_EQ(shown.application, u"Program"_qs);
+    EXPECT_EQ(shown.summary, u"Program"_qs);
+    EXPECT_EQ(shown.body, u"soon &lt;b&gt;"_qs);
+    EXPECT_EQ(shown.actions, QStringList({u"default"_qs, u"Show"_qs, u"open"_qs, u"Show"_qs}));
+    EXPECT_EQ(shown.hints.value(u"desktop-entry"_qs), u"org.example.program"_qs);
+    EXPECT_EQ(shown.hints.value(u"urgency"_qs).typeId(), QMetaType::UChar);
+    EXPECT_EQ(center.scheduledNotifications().size(), 1u);
+
+    server.click(0, u"elsewhere"_qs);
+    server.click(7, u"default"_qs);
+    server.click(0, u"default"_qs);
+    ASSERT_TRUE(becomes([this] { return !clicked.isEmpty(); }));
+    EXPECT_EQ(clicked, QStringList(u"soon <b>"_qs));
+    const FrozenClock tenMinutesLater(now + Seconds(601));
+    center.deliverDue();
+    EXPECT_TRUE(becomes([this] { return bodies().contains(u"later"_qs); }));
+}
+
+TEST_F(UserNotifications, AreKeptInTheirFileAndMissedOnesAppearAsOne)
+{
+    const FrozenClock clock(now);
+    center.open(file);
+    const std::vector<UserNotification> list = {message(u"one"_qs, now + Seconds(10.5)),
+                                                message(u"two"_qs, now + Seconds(20)),
+                                                message(u"three"_qs, now + Seconds(3000))};
+    center.setScheduledNotifications(list);
+    center.setScheduledNotifications({list.front()});
+    center.close();
+    center.open(file);
+    EXPECT_EQ(center.scheduledNotifications(), list);
+    const FrozenClock later(now + Seconds(100));
+    connectToDesktop();
+    center.deliverMissed(digest);
+    ASSERT_TRUE(becomes([this] { return server.shown.size() == 1; }));
+    EXPECT_EQ(bodies(), QStringList(u"2 missed"_qs));
+    center.removeScheduledNotification(list.back());
+    center.close();
+    center.open(file);
+    EXPECT_TRUE(center.scheduledNotifications().empty());
+}
+
+TEST_F(UserNotifications, BearABrokenFileAndADesktopThatShowsNone)
+{
+    QFile broken(file);
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("[{\"title\": \"no date\"}, 7, nothing");
+    broken.close();
+    const LogCapture log;
+    center.open(file);
+    EXPECT_TRUE(center.scheduledNotifications().empty());
+    EXPECT_EQ(log.lines().size(), 1);
+    EXPECT_TRUE(QFile::exists(file + u".unreadable"_qs)) << "what was there is not lost";
+
+    const QDBusConnection nowhere(u"nowhere"_qs);
+    center.setPresenter(
+        std::make_unique<DesktopNotifications>(nowhere, u"org.example.program"_qs, u"Show"_qs));
+    center.setScheduledNotifications({message(u"unseen"_qs, now)});
+    ASSERT_TRUE(becomes([&log] { return log.lines().size() == 2; }));
+    EXPECT_TRUE(log.lines().last().contains(u"unseen"_qs));
+}
+
+} // namespace
