@@ -19,8 +19,6 @@ public:
         Storage,
         /// What is to be saved is not complete or makes no sense.
         Invalid,
-        /// The user has not given access.
-        NoAccess,
     };
 
     static Error make(Code code, const QString &message)

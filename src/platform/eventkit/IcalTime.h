@@ -13,7 +13,7 @@ struct IcalTime
 {
     enum class Form { Date, Floating, Utc, Zoned };
 
-    WallClock clock;
+    WallClock clock = {};
     Form form = Form::Floating;
     /// What the text calls the zone of a zoned time.
     QByteArray tzid = {};
