@@ -2,12 +2,23 @@
 
 #include <QSaveFile>
 
-OptionalError writeFileAtomically(const QString &path, const QByteArray &contents)
+#include <unistd.h>
+
+OptionalError writeFileAtomically(const QString &path, const QByteArray &contents, const LastCheck &lastCheck)
 {
     QSaveFile file(path);
     // With a buffer a disk that fills up while it is flushed passes for a success.
-    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                           file.write(contents) == contents.size() && file.commit();
+    bool isWritten =
+        file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(contents) == contents.size();
+    if (isWritten && lastCheck) {
+        // What takes long is done before the check: little time is left between it and the exchange.
+        fdatasync(file.handle());
+        if (auto error = lastCheck()) {
+            file.cancelWriting();
+            return error;
+        }
+    }
+    isWritten = isWritten && file.commit();
     if (isWritten)
         return std::nullopt;
     const bool isCutShort = file.error() == QFileDevice::NoError;

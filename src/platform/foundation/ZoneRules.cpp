@@ -56,18 +56,12 @@ static void addLaterChanges(Changes &changes, const QTimeZone &zone)
     }
 }
 
-static std::shared_ptr<const icu::BasicTimeZone> zoneFrom(const QTimeZone &zone)
+static std::shared_ptr<const icu::BasicTimeZone> zoneFrom(const QByteArray &identifier, int firstOffset,
+                                                          const Changes &changes)
 {
-    const auto name = icu::UnicodeString::fromUTF8(zone.id().toStdString());
-    const int firstOffset = zone.offsetFromUtc(utc(firstMoment));
+    const auto name = icu::UnicodeString::fromUTF8(identifier.toStdString());
     auto rules = std::make_shared<icu::RuleBasedTimeZone>(
         name, new icu::InitialTimeZoneRule(name, firstOffset * 1000, 0));
-
-    Changes changes;
-    addListedChanges(changes, zone);
-    if (zone.hasTransitions())
-        addLaterChanges(changes, zone);
-
     UErrorCode status = U_ZERO_ERROR;
     for (const auto &[offsets, instants] : changes)
         rules->addTransitionRule(
@@ -78,16 +72,48 @@ static std::shared_ptr<const icu::BasicTimeZone> zoneFrom(const QTimeZone &zone)
     return rules;
 }
 
+static std::shared_ptr<const icu::BasicTimeZone> zoneFrom(const QTimeZone &zone)
+{
+    Changes changes;
+    addListedChanges(changes, zone);
+    if (zone.hasTransitions())
+        addLaterChanges(changes, zone);
+    return zoneFrom(zone.id(), zone.offsetFromUtc(utc(firstMoment)), changes);
+}
+
+/// The zones that were made so far, and who may look at them.
+struct BuiltZones
+{
+    std::mutex mutex;
+    QHash<QByteArray, std::shared_ptr<const icu::BasicTimeZone>> zones;
+};
+
+static BuiltZones &builtZones()
+{
+    static BuiltZones built;
+    return built;
+}
+
 std::shared_ptr<const icu::BasicTimeZone> sharedZoneRules(const QByteArray &identifier)
 {
-    static std::mutex mutex;
-    static QHash<QByteArray, std::shared_ptr<const icu::BasicTimeZone>> built;
-
-    const std::lock_guard lock(mutex);
-    auto &rules = built[identifier];
+    BuiltZones &built = builtZones();
+    const std::lock_guard lock(built.mutex);
+    auto &rules = built.zones[identifier];
     if (!rules) {
         const QTimeZone zone(identifier);
         rules = zoneFrom(zone.isValid() ? zone : QTimeZone::utc());
     }
     return rules;
+}
+
+void registerZoneRules(const QByteArray &identifier, int firstOffset, const std::vector<ZoneChange> &changes)
+{
+    Changes sorted;
+    for (const ZoneChange &change : changes)
+        sorted[{change.offset, 0}].push_back(static_cast<UDate>(change.unixSeconds) * 1000);
+    BuiltZones &built = builtZones();
+    const std::lock_guard lock(built.mutex);
+    auto &rules = built.zones[identifier];
+    if (!rules)
+        rules = zoneFrom(identifier, firstOffset, sorted);
 }

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "eventkit/CalendarItem.h"
+#include "eventkit/EKEvent.h"
+
+#include <vector>
+
+/// One occurrence of an item in time.
+struct ItemOccurrence
+{
+    /// The component that describes it: null for the series itself, else an edited occurrence.
+    const ItemPart *detached = nullptr;
+    /// `CalendarItem::keyOf` its original start.
+    qint64 key = 0;
+    Date start;
+    /// The first moment that is no longer part of it.
+    Date end;
+};
+
+/// Where occurrences are asked for: those that overlap it, `to` itself not included. A moment without length
+/// overlaps if it lies inside.
+struct DateWindow
+{
+    Date from;
+    Date to;
+
+    bool overlaps(Date start, Date end) const
+    {
+        return start < to && (end > from || (start == end && start >= from));
+    }
+};
+
+/// Expands items as RFC 5545 (section 3.8.5) has it: the start, the rules and the dates together, without
+/// what is excluded, and with edited occurrences in place of the ones they stand for, wherever they were
+/// moved.
+class ItemExpansion
+{
+public:
+    /// In the order of their start.
+    static std::vector<ItemOccurrence> occurrences(const CalendarItem &item, const DateWindow &window);
+    /// The one with that key, even if it has been excluded meanwhile.
+    static std::optional<ItemOccurrence> occurrence(const CalendarItem &item, qint64 key);
+    /// The first of all; absent for a series without any.
+    static std::optional<ItemOccurrence> first(const CalendarItem &item);
+    /// Whether there are any with a lower key.
+    static bool hasOccurrenceBefore(const CalendarItem &item, qint64 key);
+    /// Whether the series itself has that occurrence, edited or not.
+    static bool contains(const CalendarItem &item, qint64 key);
+    /// How often a rule of the series matches before the occurrence, excluded matches too.
+    static int matchesBefore(const CalendarItem &item, const RecurrencePattern &rule, qint64 key);
+};
