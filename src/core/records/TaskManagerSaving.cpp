@@ -125,9 +125,10 @@ void saveMemberOfSeries(MVTask &task, OptionalDate oldDate)
 void replaceNotifications(const EntityTask &task)
 {
     task.removeNotifications();
-    const std::vector<UserNotification> notifications = task.newLocalNotification();
+    std::vector<UserNotification> notifications = task.newLocalNotification();
     if (!notifications.empty())
-        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(notifications);
+        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(
+            std::move(notifications));
 }
 
 bool commit(const MVTask &task)

@@ -127,13 +127,12 @@ void AppDelegate::applicationDidResignActive()
     defaults.setObject(settings::isAccesToCalendarForDidEnterBackground, yesOrNo(hasAccess));
     if (!hasAccess) {
         UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
-        std::vector<UserNotification> notifications;
+        center.setScheduledNotifications({});
         for (const TaskPtr &task : DBWorker::getAllTasksWithAlert()) {
-            for (UserNotification &one : task->newLocalNotification())
-                notifications.push_back(std::move(one));
+            std::vector<UserNotification> notifications = task->newLocalNotification();
+            if (!notifications.empty())
+                center.setScheduledNotifications(std::move(notifications));
         }
-        center.removeAllScheduledNotifications();
-        center.setScheduledNotifications(notifications);
     }
     badgeUpdata();
     DBWorker::saveContext();

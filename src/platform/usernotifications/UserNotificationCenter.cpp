@@ -22,12 +22,11 @@ UserNotificationCenter &UserNotificationCenter::defaultUserNotificationCenter()
     return center;
 }
 
-void UserNotificationCenter::setScheduledNotifications(const std::vector<UserNotification> &notifications)
+void UserNotificationCenter::setScheduledNotifications(std::vector<UserNotification> notifications)
 {
-    for (const UserNotification &one : notifications) {
-        if (std::find(scheduled.begin(), scheduled.end(), one) == scheduled.end())
-            scheduled.push_back(one);
-    }
+    if (notifications == scheduled)
+        return;
+    scheduled = std::move(notifications);
     changed();
 }
 
@@ -41,11 +40,6 @@ void UserNotificationCenter::removeScheduledNotifications(
 {
     if (std::erase_if(scheduled, condition) > 0)
         changed();
-}
-
-void UserNotificationCenter::removeAllScheduledNotifications()
-{
-    removeScheduledNotifications([](const UserNotification &) { return true; });
 }
 
 void UserNotificationCenter::open(const QString &path)

@@ -15,13 +15,12 @@ public:
     static UserNotificationCenter &defaultUserNotificationCenter();
 
     const std::vector<UserNotification> &scheduledNotifications() const { return scheduled; }
-    /// Adds messages to those that are to appear. One that is equal to another one is there once.
-    void setScheduledNotifications(const std::vector<UserNotification> &notifications);
+    /// Replaces the whole list.
+    void setScheduledNotifications(std::vector<UserNotification> notifications);
     /// Takes out the equal one, if it is there.
     void removeScheduledNotification(const UserNotification &notification);
     /// Takes out all that the condition passes.
     void removeScheduledNotifications(const std::function<bool(const UserNotification &)> &condition);
-    void removeAllScheduledNotifications();
 
     /// Takes the list from a file and keeps it there from now on. An unreadable file counts as empty and is
     /// put aside.

@@ -101,7 +101,7 @@ TEST_F(Life, ActivationWithoutCalendarsWritesDownThatThereAreNone)
     EXPECT_EQ(copy.status, 3);
 }
 
-TEST_F(Life, ResignationSchedulesTheAlertsOfAllTasks)
+TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
 {
     for (const QString &title : {u"one"_qs, u"two"_qs}) {
         const TaskPtr task =
@@ -111,16 +111,15 @@ TEST_F(Life, ResignationSchedulesTheAlertsOfAllTasks)
     }
     delegate->applicationDidResignActive();
     const auto scheduled = UserNotificationCenter::defaultUserNotificationCenter().scheduledNotifications();
-    // The later due task's first; alerts in the past make none.
-    ASSERT_EQ(scheduled.size(), 2u);
-    EXPECT_EQ(scheduled[0].subtitle, u"two"_qs);
-    EXPECT_EQ(scheduled[1].subtitle, u"one"_qs);
-    EXPECT_EQ(scheduled[1].deliveryDate, localDate(2026, 11, 21, 10));
+    // Each task's list replaces the former one, the later due task's first; alerts in the past make none.
+    ASSERT_EQ(scheduled.size(), 1u);
+    EXPECT_EQ(scheduled[0].subtitle, u"one"_qs);
+    EXPECT_EQ(scheduled[0].deliveryDate, localDate(2026, 11, 21, 10));
     ObjectPtr clicked;
     const Observation observation = NotificationCenter::defaultCenter().addObserver(
         notifications::clickTableSearch,
         [&clicked](const Notification &one) { clicked = std::any_cast<ObjectPtr>(one.object); });
-    delegate->userNotificationCenterDidActivateNotification(scheduled[1].userInfo.value(u"TASK_ID_KEY"_qs));
+    delegate->userNotificationCenterDidActivateNotification(scheduled[0].userInfo.value(u"TASK_ID_KEY"_qs));
     EXPECT_EQ(clicked, DBWorker::getFirstTaskByTitle(u"one"_qs));
 }
 

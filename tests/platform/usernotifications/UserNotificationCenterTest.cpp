@@ -94,7 +94,6 @@ TEST_F(UserNotifications, AreKeptInTheirFileAndMissedOnesAppearAsOne)
                                                 message(u"two"_qs, now + Seconds(20)),
                                                 message(u"three"_qs, now + Seconds(3000))};
     center.setScheduledNotifications(list);
-    center.setScheduledNotifications({list.front()});
     center.close();
     center.open(file);
     EXPECT_EQ(center.scheduledNotifications(), list);
