@@ -101,6 +101,7 @@ protected:
             contacts.push_back(context().insert<EntityContacts>());
         EXPECT_FALSE(DBWorker::saveContext());
         model.saved = model.live;
+        CalendarEvent::resetMessageForBanChangeRepeat();
     }
     ~Replay() override
     {
@@ -331,8 +332,9 @@ protected:
     {
         const QString series = u"series %1"_qs.arg(pick(1000));
         const int type = pick(3);
+        const int rowsOfADay = 1 + pick(2);
         for (int number = 0; number < 4; ++number) {
-            const Date day = month + Seconds(86400 * (3 + 3 * number));
+            const Date day = month + Seconds(86400 * (3 + 3 * (number / rowsOfADay)));
             const Seconds start(type == 0 ? 0 : 32400);
             Row row;
             row.title = series;
