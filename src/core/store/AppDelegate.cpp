@@ -2,6 +2,7 @@
 
 #include "calendarsync/CalendarEvent.h"
 #include "cloud/FileManager.h"
+#include "cloud/IcloudManager.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -141,6 +142,13 @@ void AppDelegate::badgeUpdata()
     const int count = DBWorker::countStaleTasks();
     if (shell)
         shell->setBadgeLabel(count >= 1 ? QString::number(count) : QString());
+}
+
+IcloudManager &AppDelegate::icloud()
+{
+    if (!cloud)
+        cloud = std::make_unique<IcloudManager>();
+    return *cloud;
 }
 
 void AppDelegate::badgeUpdataSoon()

@@ -13,6 +13,8 @@
 #include <memory>
 #include <vector>
 
+class IcloudManager;
+
 /// What the root of the program needs of the screens. The shell gives an implementation, tests another.
 class ShellPort
 {
@@ -65,6 +67,8 @@ public:
     /// Forgets the stack of the user's own store, so that the next access opens it anew.
     void resetStack0();
     DataConteiner &dataConteiner() { return container; }
+    /// The cloud behind the store, made at first need.
+    IcloudManager &icloud();
     /// The program's version, for example "1.0.0".
     static QString version();
 
@@ -110,16 +114,18 @@ private:
     void removeDuplicatesOf(const ObjectPtr &object);
     /// Brings the search index up to date with saves whose follow-up a crash cut off.
     void finishIndexOfUncleanEnd();
-    /// Brings the index of substrings up to date with what other programs wrote, a little at each turn.
-    void tendSearchIndex();
+    /// Brings the index of substrings up to date, a little at each turn.
+    void tendSearchIndexSoon();
 
     std::unique_ptr<ShellPort> shell;
     /// The user's own store and the sample store.
     std::array<std::unique_ptr<ManagedObjectContext>, 2> contexts;
     DataConteiner container;
+    std::unique_ptr<IcloudManager> cloud;
     bool isPositionInbox = false;
     std::vector<Observation> observations;
     std::unique_ptr<RepeatingTimer> badgeTimer;
     /// Whether the badge is to be brought up to date when the main loop comes round.
     std::shared_ptr<bool> isBadgeDue = std::make_shared<bool>(false);
+    std::shared_ptr<bool> isIndexDue = std::make_shared<bool>(false);
 };

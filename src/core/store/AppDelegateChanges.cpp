@@ -7,6 +7,9 @@
 
 namespace {
 
+/// Long enough not to come between the steps of one action.
+constexpr Seconds restAfterSaves{0.3};
+
 bool isTask(const ObjectPtr &object)
 {
     return object->entity().name() == EntityTask::entityName;
@@ -47,6 +50,7 @@ void AppDelegate::managedObjectContexLocalChangeData(const ChangeList &changes)
         if (!changes.isEmpty())
             DBWorker::saveContext();
     }
+    tendSearchIndexSoon();
     isPositionInbox = false;
 }
 
@@ -63,11 +67,15 @@ void AppDelegate::finishIndexOfUncleanEnd()
     DBWorker::saveContext();
 }
 
-void AppDelegate::tendSearchIndex()
+void AppDelegate::tendSearchIndexSoon()
 {
-    MainLoop::performDelayed(Seconds(0.05), [this, alive = std::weak_ptr(isBadgeDue)] {
-        if (!alive.expired() && managedObjectContext().tendSubstringIndexes())
-            tendSearchIndex();
+    if (std::exchange(*isIndexDue, true))
+        return;
+    MainLoop::performDelayed(restAfterSaves, [this, due = std::weak_ptr(isIndexDue)] {
+        if (const auto isDue = due.lock(); isDue && std::exchange(*isDue, false)) {
+            if (managedObjectContext().tendSubstringIndexes())
+                tendSearchIndexSoon();
+        }
     });
 }
 

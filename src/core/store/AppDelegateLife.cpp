@@ -67,7 +67,7 @@ void AppDelegate::applicationDidFinishLaunching()
     badgeUpdata();
     badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] { badgeUpdata(); });
     registerObservers();
-    tendSearchIndex();
+    tendSearchIndexSoon();
 }
 
 void AppDelegate::registerObservers()

@@ -54,7 +54,8 @@ std::vector<EKRecurrenceDayOfWeek> weekdays(const QString &text)
     static const QStringList names = QStringLiteral("SU MO TU WE TH FR SA").split(u' ');
     static const QRegularExpression form(QStringLiteral("^([+-]?\\d*)([A-Z]{2})$"));
     std::vector<EKRecurrenceDayOfWeek> found;
-    for (const QString &entry : captured(text, QStringLiteral("BYDAY=([\\w,]*)")).split(u',')) {
+    // The sign is captured too: "the last Friday" is a rule that people have in their calendars.
+    for (const QString &entry : captured(text, QStringLiteral("BYDAY=([\\w,+-]*)")).split(u',')) {
         const QRegularExpressionMatch match = form.match(entry);
         const qsizetype index = names.indexOf(match.captured(2));
         bool isReadable = false;

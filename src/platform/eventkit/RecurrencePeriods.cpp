@@ -2,6 +2,7 @@
 
 #include "eventkit/CalendarPeriods.h"
 #include "eventkit/ClockPeriods.h"
+#include "eventkit/IcalPeriods.h"
 
 #include <algorithm>
 
@@ -13,6 +14,15 @@ const std::int64_t endOfTime = WallClock{9999, 12, 31, 23, 59, 59}.seconds();
 
 std::unique_ptr<RecurrencePeriods> RecurrencePeriods::create(const RecurrencePattern &pattern,
                                                              std::int64_t start, std::int64_t last)
+{
+    const std::int64_t end = std::min(last, endOfTime);
+    if (IcalPeriods::isRightFor(pattern, start, end))
+        return std::make_unique<IcalPeriods>(pattern, start, end);
+    return createOwn(pattern, start, end);
+}
+
+std::unique_ptr<RecurrencePeriods> RecurrencePeriods::createOwn(const RecurrencePattern &pattern,
+                                                                std::int64_t start, std::int64_t last)
 {
     const std::int64_t end = std::min(last, endOfTime);
     if (pattern.frequency < RecurrenceUnit::Daily)

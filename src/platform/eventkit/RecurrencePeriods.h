@@ -20,6 +20,9 @@ public:
     /// For a pattern without invalid values; nothing comes after `last`, nor after the year 9999.
     static std::unique_ptr<RecurrencePeriods> create(const RecurrencePattern &pattern, std::int64_t start,
                                                      std::int64_t last);
+    /// The same without the library, for every rule.
+    static std::unique_ptr<RecurrencePeriods> createOwn(const RecurrencePattern &pattern, std::int64_t start,
+                                                        std::int64_t last);
 
     /// Leaves out the periods that end before a moment.
     virtual void skipTo(std::int64_t moment) = 0;

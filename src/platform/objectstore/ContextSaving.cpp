@@ -140,7 +140,7 @@ void ManagedObjectContext::rollBack()
 
 OptionalError ManagedObjectContext::save()
 {
-    if (!hasChanges())
+    if (!hasChanges() || saveGroups > 0)
         return std::nullopt;
     if (auto error = write())
         return error;
@@ -168,8 +168,6 @@ OptionalError ManagedObjectContext::commit()
     if (auto error = writeFollowUps())
         return error;
     if (auto error = journal->record())
-        return error;
-    if (auto error = writeSubstringIndexes())
         return error;
     if (auto error = commitTransaction())
         return error;
@@ -249,34 +247,22 @@ OptionalError ManagedObjectContext::writeFollowUps()
 /// So many rows at a time are not felt.
 static constexpr int substringRowsAtOnce = 1000;
 
-OptionalError ManagedObjectContext::writeSubstringIndexes()
-{
-    for (const EntityDescription &entity : objectModel.entities()) {
-        const auto index = SubstringIndex::of(entity);
-        const bool isTouched =
-            index && std::any_of(changed.begin(), changed.end(), [&entity](const auto &one) {
-                return &one->entity() == &entity && !one->isDeleted();
-            });
-        if (!isTouched)
-            continue;
-        if (auto taken = index->takeIn(*database, substringRowsAtOnce); !taken)
-            return taken.error();
-    }
-    return std::nullopt;
-}
-
 bool ManagedObjectContext::tendSubstringIndexes()
 {
-    if (isInTransaction || isWriting)
-        return true;
+    if (isWriting)
+        return false;
     bool isMoreLeft = false;
     for (const EntityDescription &entity : objectModel.entities()) {
         const auto index = SubstringIndex::of(entity);
-        if (!index || !index->hasWaitingRows(*database) || database->execute("BEGIN IMMEDIATE"))
+        if (!index || !index->hasWaitingRows(*database))
+            continue;
+        // Within an open unit of work it becomes a part of that.
+        const bool isOwn = database->isAutocommit();
+        if (isOwn && database->execute("BEGIN IMMEDIATE"))
             continue;
         auto taken = index->takeIn(*database, substringRowsAtOnce);
-        const bool isDone = taken && !database->execute("COMMIT");
-        if (!isDone && !database->isAutocommit())
+        const bool isDone = taken && (!isOwn || !database->execute("COMMIT"));
+        if (!isDone && isOwn && !database->isAutocommit())
             database->execute("ROLLBACK");
         isMoreLeft = isMoreLeft || (isDone && *taken == substringRowsAtOnce);
     }

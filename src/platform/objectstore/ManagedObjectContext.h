@@ -129,7 +129,7 @@ public:
     /// save.
     void processPendingChanges();
     /// Commits everything, or nothing: on an error the changes stay for the next save. Then tells the save
-    /// handler.
+    /// handler. While a `SaveGroup` lives it does nothing.
     OptionalError save();
     /// Gives up all changes since the last save.
     void reset();
@@ -151,9 +151,9 @@ public:
     /// The next save needs no follow-up.
     void skipNextFollowUp() { skipsNextFollowUp = true; }
 
-    // Indexes of substrings follow a save at once, and what was written by other hands bit by bit.
-    /// Brings some of what waits into them, outside of a unit of work; true if there is more. Queries are
-    /// right at any time; they are only slower the more waits.
+    // Indexes of substrings follow the saves when there is time for it.
+    /// Brings some of what was written since into them; true if there is more. Queries are right at any time;
+    /// they are only slower the more waits.
     bool tendSubstringIndexes();
 
     // Undo of the user's saves, also those of former runs.
@@ -165,6 +165,7 @@ public:
 
 private:
     friend class ManagedObject;
+    friend class SaveGroup;
     friend class ObjectListBase;
     friend class ChangeWriter;
     friend class ChangeJournal;
@@ -219,7 +220,6 @@ private:
     /// Ends the open transaction without a trace; what is changed in memory waits to be written again.
     void rollBack();
     OptionalError writeFollowUps();
-    OptionalError writeSubstringIndexes();
     void takeInChangesFromElsewhere();
     Error failure(const char *attempt) const;
     OptionalError commitTransaction();
@@ -274,6 +274,25 @@ private:
     ChangeAuthor currentAuthor = ChangeAuthor::User;
     bool mustClearFollowUps = false;
     bool skipsNextFollowUp = false;
+    int saveGroups = 0;
+};
+
+/// Joins the saves of many small changes into the first one after its end, which is written and undone as a
+/// whole.
+class SaveGroup
+{
+public:
+    explicit SaveGroup(ManagedObjectContext &groupedContext)
+        : context(groupedContext)
+    {
+        ++context.saveGroups;
+    }
+    ~SaveGroup() { --context.saveGroups; }
+    SaveGroup(const SaveGroup &) = delete;
+    SaveGroup &operator=(const SaveGroup &) = delete;
+
+private:
+    ManagedObjectContext &context;
 };
 
 /// Says for a while whose changes the saves of a context hold.

@@ -10,8 +10,11 @@
 #include "widgets/MessageBoxPresenter.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
+#include "workspace/Workspace.h"
 
 #include <QApplication>
+#include <QDesktopServices>
+#include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,6 +30,7 @@ void Shell::prepareApplication()
     QApplication::setDesktopFileName(u"com.halvern.morvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);
     Alert::setPresenter(std::make_shared<MessageBoxPresenter>());
+    Workspace::setUrlOpener([](const QString &url) { return QDesktopServices::openUrl(QUrl(url)); });
 }
 
 void Shell::showMainWindow()

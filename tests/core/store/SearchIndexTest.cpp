@@ -56,7 +56,7 @@ TEST_F(SearchIndexOfRecords, FollowsSavesDeletesAndUndo)
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(found(u"tea"_qs), std::vector<ObjectPtr>({task}));
     EXPECT_FALSE(context().undo());
-    EXPECT_EQ(textsOf(task).at(1), u"Café"_qs);
+    EXPECT_TRUE(textsOf(task).contains(u"Café"_qs));
     const QString uri = task->uri();
     context().deleteObject(task);
     EXPECT_FALSE(DBWorker::saveContext());

@@ -35,13 +35,14 @@ TEST_F(EKRecurrenceRuleTest, TheLastIntervalCountsAndOneThatCannotBeReadIsOne)
         EXPECT_EQ(rule(text).interval(), 1) << text;
 }
 
-TEST_F(EKRecurrenceRuleTest, ReadsWeekdaysUpToTheFirstMinusSign)
+TEST_F(EKRecurrenceRuleTest, ReadsWeekdaysWithTheirSignedPositions)
 {
     EXPECT_EQ(rule("FREQ=WEEKLY;BYDAY=MO,WE").daysOfTheWeek(),
               (Days{{EKWeekday::Monday}, {EKWeekday::Wednesday}}));
     EXPECT_EQ(rule("FREQ=MONTHLY;BYDAY=1MO,3SU").daysOfTheWeek(),
               (Days{{EKWeekday::Monday, 1}, {EKWeekday::Sunday, 3}}));
-    EXPECT_EQ(rule("FREQ=MONTHLY;BYDAY=SA,-1FR").daysOfTheWeek(), (Days{{EKWeekday::Saturday}}));
+    EXPECT_EQ(rule("FREQ=MONTHLY;BYDAY=SA,-1FR,+2TU").daysOfTheWeek(),
+              (Days{{EKWeekday::Saturday}, {EKWeekday::Friday, -1}, {EKWeekday::Tuesday, 2}}));
     EXPECT_EQ(rule("FREQ=MONTHLY;BYDAY=XX,MONDAY,2,54TU,,FR;BYHOUR=3").daysOfTheWeek(),
               (Days{{EKWeekday::Friday}}));
     EXPECT_TRUE(rule("FREQ=MONTHLY;BYDAY=").daysOfTheWeek().empty());

@@ -137,6 +137,8 @@ TEST_F(SubstringSearch, KnowsWhatOtherProgramsWrote)
 {
     library.book("Ann's Café");
     library.save();
+    EXPECT_FALSE(isUpToDate());
+    tend();
     EXPECT_TRUE(isUpToDate());
     library.elsewhere("INSERT INTO Book (id, title) VALUES ('stranger', 'Blue CAFÉ in Łódź');"
                       "UPDATE Book SET title = 'Tea house' WHERE title LIKE 'Ann%'");

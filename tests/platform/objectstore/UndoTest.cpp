@@ -30,6 +30,28 @@ protected:
 
 } // namespace
 
+TEST_F(Undo, takesBackAllSavesOfAGroupAtOnce)
+{
+    library.book("before");
+    library.save();
+    {
+        const SaveGroup outer(library.context());
+        {
+            const SaveGroup inner(library.context());
+            library.book("one");
+            library.save();
+        }
+        library.book("two");
+        library.save();
+        EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"before"_qs));
+        EXPECT_NE(library.find("one"), nullptr) << "queries see it already";
+    }
+    library.save();
+    EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs).size(), 3);
+    undo();
+    EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"before"_qs));
+}
+
 TEST_F(Undo, reachesBackBeyondTheStartOfTheProgram)
 {
     EXPECT_FALSE(library->canUndo());

@@ -3,6 +3,8 @@
 #include "records/Functional.h"
 #include "records/MVTask.h"
 #include "records/TaskManager.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
 #include "widgets/LongWork.h"
 
 #include <algorithm>
@@ -17,16 +19,21 @@ static bool isDone(const TaskPtr &task)
     return task->status() == static_cast<int>(TaskStatus::Done);
 }
 
-/// Each task is saved by itself, so that a failure of one keeps the others.
+/// All tasks are saved together, and one undo takes all of it back. What was changed when the user stops it
+/// is kept.
 template <typename Change>
 static void changeEach(const std::vector<TaskPtr> &tasks, Change change)
 {
-    LongWork work(static_cast<int>(tasks.size()));
-    for (const TaskPtr &task : tasks) {
-        change(task);
-        if (!work.step())
-            return;
+    {
+        LongWork work(static_cast<int>(tasks.size()));
+        const SaveGroup together(mainContext());
+        for (const TaskPtr &task : tasks) {
+            change(task);
+            if (!work.step())
+                break;
+        }
     }
+    DBWorker::saveContext();
 }
 
 void TaskRowEditor::toggleDone(const std::vector<TaskPtr> &tasks)

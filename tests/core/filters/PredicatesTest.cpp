@@ -4,7 +4,7 @@
 
 namespace {
 
-class Filters : public CoreTest
+class FilterPredicates : public CoreTest
 {
 protected:
     /// A pristine entry that is on, with one criterion set.
@@ -31,7 +31,7 @@ protected:
     }
 };
 
-TEST_F(Filters, AreSeededOffAndConstrainNothing)
+TEST_F(FilterPredicates, AreSeededOffAndConstrainNothing)
 {
     const QVariantMap seed = UserDefaults::standard().object(settings::taskFilters).toMap();
     EXPECT_EQ(seed.keys(), QStringList({u"0"_qs, u"1"_qs, u"2"_qs, u"3"_qs, u"6"_qs}));
@@ -43,7 +43,7 @@ TEST_F(Filters, AreSeededOffAndConstrainNothing)
     EXPECT_TRUE(DBWorker::predicateTasks(nullptr).empty());
 }
 
-TEST_F(Filters, NarrowAListByEachCriterion)
+TEST_F(FilterPredicates, NarrowAListByEachCriterion)
 {
     const TaskPtr cafe =
         add(u"Café visit"_qs, TaskType::ToDo, localDate(2026, 11, 25), localDate(2026, 11, 25, 23, 59));
