@@ -49,6 +49,11 @@ bool leavesOutTasks(const MVProject &project)
 
 bool ProjectManager::saveProjectTemp(MVProject &project)
 {
+    const ProjectPtr row = project.project();
+    if (row && DBWorker::getObjectFromId(DBWorker::getIdFromObject(row)) != row) {
+        Log::line(QStringLiteral("Can't Save Project! It was deleted."));
+        return false;
+    }
     if (isDueBeforeStart(project) || (!project.isNewProject() && leavesOutTasks(project)))
         return false;
     if (project.title.isEmpty())

@@ -160,11 +160,10 @@ void SearchIndex::updateIndexWithObject(const ObjectPtr &object)
     if (!object || !object->context() || !isIndexed(*object))
         return;
     const QString uri = object->uri();
+    const QStringList texts = textsOf(*object);
     std::unordered_map<QString, int> missing;
-    for (const QString &text : textsOf(*object)) {
-        if (!text.isEmpty())
-            ++missing[text];
-    }
+    for (const QString &text : texts)
+        ++missing[text];
     std::vector<QString> stale;
     mainContext().visit(rowsOf(uri), {"id", "string"}, [&](const RowReader &row) {
         const auto found = missing.find(row.text(1));
@@ -175,8 +174,8 @@ void SearchIndex::updateIndexWithObject(const ObjectPtr &object)
     });
     for (const QString &row : stale)
         mainContext().deleteObject(mainContext().object(EntitySearchIndex::entityName, row));
-    for (const auto &[text, count] : missing) {
-        for (int number = 0; number < count; ++number)
+    for (const QString &text : texts) {
+        if (missing[text]-- > 0)
             insertEntitySearchIndexString(text, uri);
     }
 }

@@ -7,6 +7,8 @@
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
 
+#include <set>
+
 // Deleting tasks and projects.
 
 namespace {
@@ -18,10 +20,14 @@ struct Selection
     std::vector<ProjectPtr> projects;
 };
 
+/// Each object once, however often it was selected.
 Selection sorted(const std::vector<ObjectPtr> &objects)
 {
     Selection selection;
+    std::set<ObjectPtr> known;
     for (const ObjectPtr &object : objects) {
+        if (!known.insert(object).second)
+            continue;
         if (const auto task = std::dynamic_pointer_cast<EntityTask>(object))
             (task->repeat().isEmpty() ? selection.plain : selection.repeating).push_back(task);
         else if (const auto project = std::dynamic_pointer_cast<EntityProject>(object))

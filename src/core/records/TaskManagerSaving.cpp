@@ -71,6 +71,13 @@ bool meetsDateRules(const MVTask &task)
     return true;
 }
 
+/// Whether the row of the copy was deleted, here or elsewhere. To write to it, and to read it again, would
+/// lose what the user has typed.
+bool hasLostRow(const MVTask &task)
+{
+    return task.task() && DBWorker::getObjectFromId(DBWorker::getIdFromObject(task.task())) != task.task();
+}
+
 void prepareFields(MVTask &task)
 {
     task.title = task.title.trimmed();
@@ -156,6 +163,10 @@ bool leavesProject(const MVTask &task)
 
 bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
 {
+    if (hasLostRow(task)) {
+        Log::line(QStringLiteral("Can't Save Task! It was deleted."));
+        return false;
+    }
     prepareFields(task);
     if (!meetsDateRules(task) || leavesProject(task))
         return false;

@@ -301,6 +301,8 @@ QByteArray ManagedObjectContext::orderOf(const EntityDescription &entity,
 
 ManagedObjectContext::Query ManagedObjectContext::query(const FetchRequest &request, const QByteArray &result)
 {
+    // What fails to be written stays in memory and is reported by the next save; the query still runs.
+    write();
     const EntityDescription &entity = objectModel.requireEntity(request.entityName);
     Query made;
     made.text = "SELECT " + result + " FROM " + quoted(entity.name()) + " row";
@@ -311,16 +313,27 @@ ManagedObjectContext::Query ManagedObjectContext::query(const FetchRequest &requ
         return made;
     }
     SqlFragment condition = request.predicate.sql(objectModel, entity);
-    if (!request.predicate.isAlwaysTrue())
-        made.text += " WHERE " + condition.text;
+    const QByteArray kept = keptRows(entity);
+    if (!request.predicate.isAlwaysTrue() && !kept.isEmpty())
+        made.text += " WHERE (" + condition.text + ") AND " + kept;
+    else if (!request.predicate.isAlwaysTrue() || !kept.isEmpty())
+        made.text += " WHERE " + (kept.isEmpty() ? condition.text : kept);
     made.bindings = std::move(condition.bindings);
     return made;
 }
 
+QByteArray ManagedObjectContext::keptRows(const EntityDescription &entity) const
+{
+    QByteArrayList rows;
+    for (const ObjectPtr &object : waiting) {
+        if (object->isDeleted() && &object->entity() == &entity)
+            rows.append(QByteArray::number(object->rowId()));
+    }
+    return rows.isEmpty() ? QByteArray() : "row.rowid NOT IN (" + rows.join(',') + ')';
+}
+
 sqlite::Statement ManagedObjectContext::run(const Query &query)
 {
-    // What fails to be written stays in memory and is reported by the next save; the query still runs.
-    write();
     if (database->isAutocommit())
         takeInChangesFromElsewhere();
     sqlite::Statement statement = database->prepare(query.text);

@@ -199,7 +199,11 @@ private:
         QByteArray text;
         std::vector<Value> bindings;
     };
+    /// Writes what waits, so that the query sees it.
     Query query(const FetchRequest &request, const QByteArray &result);
+    /// The condition that leaves out what is deleted but still stands in a store that takes no changes; empty
+    /// if there is nothing of the kind.
+    QByteArray keptRows(const EntityDescription &entity) const;
     QByteArray orderOf(const EntityDescription &entity, const SortDescriptors &descriptors) const;
     sqlite::Statement run(const Query &query);
     OptionalError deleteWaitingRows();

@@ -172,6 +172,38 @@ TEST_F(DamagedFilters, HarmNeitherProjectsNorContacts)
     }
 }
 
+TEST_F(DamagedFilters, NameWhatIsGoneOrOfAnotherKind)
+{
+    const auto gone = person(u"Ann"_qs);
+    const CompanyPtr firm = company(u"Firm"_qs);
+    const auto project = context().insert<EntityProject>();
+    project->setTitle(u"project"_qs);
+    person(u"Lee"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    const QString dead = gone->uri();
+    const QString category = EntityCategory::title(u"Work"_qs)->uri();
+    context().deleteObject(gone);
+    EXPECT_FALSE(DBWorker::saveContext());
+    const auto counts = [&](const QString &key, const QVariant &value) {
+        const FilterEntry entry = {
+            {u"Enabled"_qs, 1},
+            {u"Array"_qs,
+             QVariantList{QVariantMap{{u"Key"_qs, key}, {u"Enabled"_qs, 1}, {u"Value"_qs, value}}}}};
+        const TaskPtr task = DBWorker::getFirstTaskByTitle(u"task"_qs);
+        const auto predicates = DBWorker::predicateTasks(&entry);
+        const bool isFound = !DBWorker::allNotDoneTasks(&entry).isEmpty();
+        EXPECT_EQ(Predicate::allOf(predicates).evaluate(*task), isFound) << "in memory as in the store";
+        return std::tuple(isFound, DBWorker::allProjectsSortDueDate(&entry).size(),
+                          DBWorker::allDelegateds(&entry).size());
+    };
+    EXPECT_EQ(counts(u"Category"_qs, dead), std::tuple(true, 1u, 1u)) << "no constraint";
+    EXPECT_EQ(counts(u"Category"_qs, firm->uri()), std::tuple(false, 0u, 1u)) << "nobody's category";
+    EXPECT_EQ(counts(u"Delegate"_qs, QVariantList{dead, category}), std::tuple(false, 0u, 1u));
+    EXPECT_EQ(counts(u"Companies"_qs, QVariantList{dead}), std::tuple(true, 1u, 0u));
+    EXPECT_EQ(counts(u"Categories"_qs, QVariantList()), std::tuple(true, 1u, 1u));
+    EXPECT_EQ(counts(u"Status"_qs, 1e300), std::tuple(false, 0u, 1u));
+}
+
 TEST_F(DamagedFilters, WithAnythingAnywhereAreSurvived)
 {
     std::mt19937 random(testSeed());

@@ -140,6 +140,8 @@ TEST_F(FailingSaves, aFullDiskLosesNothing)
         EXPECT_TRUE(error->message.contains(library.path())) << error->message.toStdString();
         EXPECT_TRUE(library->hasChanges());
         EXPECT_EQ(changed->title(), QStringLiteral("Changed"));
+        EXPECT_EQ(library->count(FetchRequest("Book").where(Predicate::format("title = 'Deleted'"))), 0)
+            << "what is deleted is in no list, although it still stands in the file";
     }
     library.save();
     expectOnce();

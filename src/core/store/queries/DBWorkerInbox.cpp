@@ -3,13 +3,19 @@
 #include "store/queries/ListDefinitions.h"
 #include "store/state/NotificationNames.h"
 
+#include <algorithm>
+#include <limits>
+
 // The order that the user gives the Inbox by hand.
 
 int DBWorker::maxPositionTaskInbox()
 {
     const FetchRequest all = EntityTask::fetchRequest().where(
         Predicate::format("startDate ==  nil and type == %d", static_cast<int>(TaskType::ToDo)));
-    return static_cast<int>(mainContext().maximum(all, "position").value_or(0));
+    // Another program may have left any number there; the next position must be one, too.
+    constexpr double lowest = std::numeric_limits<int>::min();
+    constexpr double greatest = std::numeric_limits<int>::max() - 1;
+    return static_cast<int>(std::clamp(mainContext().maximum(all, "position").value_or(0), lowest, greatest));
 }
 
 namespace {

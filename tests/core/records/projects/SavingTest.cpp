@@ -132,4 +132,21 @@ TEST_F(SavingProjects, ReloadsTheCopyWhenTheCommitFails)
     EXPECT_EQ(DBWorker::allProjects().size(), 1);
 }
 
+TEST_F(SavingProjects, KeepsWhatWasTypedIntoADeletedProject)
+{
+    MVProject project = MVProject::startEntityProjectValue();
+    project.task = {task(june(2), june(5)), task(june(1), june(9))};
+    EXPECT_TRUE(ProjectManager::saveProjectTemp(project));
+    context().deleteObject(project.task.back());
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(saveWith(project, june(2), june(6)), QStringList()) << "a task that is gone bounds nothing";
+    context().deleteObject(project.project());
+    project.title = u"typed"_qs;
+    const LogCapture log;
+    EXPECT_FALSE(ProjectManager::saveProjectTemp(project));
+    EXPECT_EQ(log.lines(), QStringList(u"Can't Save Project! It was deleted."_qs));
+    EXPECT_EQ(project.title, u"typed"_qs);
+    EXPECT_EQ(changed, 1);
+}
+
 } // namespace

@@ -1,0 +1,295 @@
+#include "TaskModel.h"
+
+static QString operator""_text(const char16_t *text, size_t size)
+{
+    return QString::fromUtf16(text, static_cast<qsizetype>(size));
+}
+
+/// The notification of the first rule that the dates break, or nothing.
+QString TaskModel::refusal(const Copy &copy)
+{
+    const bool lacksDue = !copy.dueDate && copy.dueSomeDay != true;
+    const bool hasBoth = copy.startDate && copy.dueDate;
+    if (hasBoth && *copy.dueDate < *copy.startDate) {
+        says(u"Invalid Due Date"_text, u"Due Date can't be less than Start Date!"_text);
+        return u"ReloadTasks"_text;
+    }
+    const bool isRefused =
+        (copy.type == appointment && !copy.startDate &&
+         says(u"Invalid Start Date"_text,
+              u"Since task type is Appointment - Start Date can't be empty!"_text)) ||
+        (copy.type == appointment && lacksDue &&
+         says(u"Invalid Due Date"_text, u"Since task type is Appointment - Due Date can't be empty!"_text)) ||
+        (copy.type == appointment && hasBoth && wholeMinute(*copy.startDate) == wholeMinute(*copy.dueDate) &&
+         says(u"Invalid Date"_text, u"Due Date can't be the same as Start Date!"_text)) ||
+        (copy.type == emailCall && lacksDue &&
+         says(u"Invalid Start Date"_text,
+              u"Since task type is Email/Call - Start Date can't be empty!"_text)) ||
+        (copy.type == toDo && copy.startDate && lacksDue &&
+         says(u"Invalid Due Date"_text, u"Since task type is ToDo and Start Date is not empty - Due Date "
+                                        "can't be empty too!"_text));
+    return isRefused ? u"TaskChange"_text : QString();
+}
+
+bool TaskModel::leavesProject(const Copy &copy)
+{
+    if (!live.projects.count(copy.project))
+        return false;
+    const Project &project = live.projects[copy.project];
+    const OptionalDate end = project.dueDate ? OptionalDate(endOfDay(*project.dueDate)) : std::nullopt;
+    const auto isBefore = [](OptionalDate one, OptionalDate other) { return one && other && *one < *other; };
+    if (isBefore(copy.startDate, project.startDate))
+        return says(u"Invalid Start Date"_text, u"Start Date can't be less than project Start Date!"_text);
+    if (isBefore(end, copy.startDate))
+        return says(u"Invalid Start Date"_text, u"Start Date can't be more than project Due Date!"_text);
+    if (isBefore(end, copy.dueDate))
+        return says(u"Invalid Due Date"_text, u"Due Date can't be more than project Due Date!"_text);
+    return isBefore(copy.dueDate, project.startDate) &&
+           says(u"Invalid Due Date"_text, u"Due Date can't be less than project Start Date!"_text);
+}
+
+bool TaskModel::saveTaskTemp(Copy &copy)
+{
+    copy.title = copy.title.trimmed();
+    for (OptionalDate *date : {&copy.startDate, &copy.dueDate}) {
+        if (*date)
+            *date = wholeMinute(**date);
+    }
+    QString posted = refusal(copy);
+    if (posted.isEmpty() && leavesProject(copy))
+        posted = u"TaskChange"_text;
+    if (!posted.isEmpty()) {
+        post(posted, copy.id);
+        return false;
+    }
+    if (!copy.delegateToUser.isEmpty() && live.projects.count(copy.project))
+        live.projects[copy.project].members.insert(copy.delegateToUser);
+    if (copy.id.isEmpty() || live.tasks[copy.id].repeat.isEmpty()) {
+        write(copy);
+        spread(copy.id, false);
+        post(u"TaskChange"_text, copy.id);
+    } else {
+        asks(u"This is a repeating task."_text,
+             {u"Save This Task Only"_text, u"Save All Future Tasks"_text, u"Cancel"_text});
+        if (answer != Alert::thirdButton) {
+            write(copy);
+            spread(copy.id, answer == Alert::firstButton);
+            post(u"ReloadTasks"_text, copy.id);
+        }
+    }
+    commit();
+    if (copy.isNew)
+        post(u"CoreDataAddNewTask"_text, {});
+    static_cast<Row &>(copy) = live.tasks[copy.id];
+    post(u"TaskChange"_text, copy.id);
+    return true;
+}
+
+void TaskModel::write(Copy &copy)
+{
+    copy.isNew = copy.id.isEmpty();
+    Row row = copy;
+    if (copy.isNew) {
+        copy.id = newRow();
+        row.creationDate = now;
+        row.wasCreatedOffCalendar = true;
+        row.position.reset();
+        row.expirationDate.reset();
+        if (copy.type == toDo && !copy.startDate) {
+            row.position = 1;
+            for (const auto &[id, other] : live.tasks) {
+                if (other.type == toDo && !other.startDate)
+                    row.position = std::max(row.position, std::optional(other.position.value_or(0) + 1));
+            }
+        }
+    } else {
+        const Row &former = live.tasks[copy.id];
+        row.creationDate = former.creationDate;
+        row.position = former.position;
+        row.expirationDate = former.expirationDate;
+    }
+    row.lastModificationDate = now;
+    if (row.status == done)
+        row.expirationDate = now;
+    live.tasks[copy.id] = row;
+}
+
+void TaskModel::spread(const QString &id, bool isThisOnly)
+{
+    Row &row = live.tasks[id];
+    if (isThisOnly) {
+        row.repeat.clear();
+        row.endRepeat.reset();
+    }
+    if (row.repeat.isEmpty() || row.calendarID.isEmpty())
+        return;
+    for (auto &[other, to] : live.tasks) {
+        if (other != id && to.calendarID == row.calendarID)
+            copyEdit(row, to);
+    }
+}
+
+/// The others of a series take an edit, each on its own day. What has no date to be moved keeps what it has.
+void TaskModel::copyEdit(const Row &from, Row &to) const
+{
+    to.title = from.title;
+    to.details = from.details;
+    to.type = from.type;
+    to.status = from.status;
+    to.priority = from.priority;
+    to.project = from.project;
+    to.delegateToUser = from.delegateToUser;
+    to.lastModificationDate = from.lastModificationDate;
+    if (from.status == done && !to.expirationDate)
+        to.expirationDate = now;
+    const auto at = [this](Date ofDay, Date time) { return startOfDay(ofDay) + (time - startOfDay(time)); };
+    if (from.type == emailCall && to.dueDate && from.dueDate)
+        to.dueDate = at(to.startDate.value_or(*to.dueDate), *from.dueDate);
+    if (from.type == appointment && to.startDate) {
+        if (to.dueDate && from.dueDate)
+            to.dueDate = at(*to.startDate, *from.dueDate);
+        if (from.startDate)
+            to.startDate = at(*to.startDate, *from.startDate);
+    }
+    if (from.type == toDo && to.startDate) {
+        const bool hasLength = from.startDate && from.dueDate;
+        to.dueDate = *to.startDate +
+                     (hasLength ? day * std::floor((*from.dueDate - *from.startDate) / day) : Seconds(0));
+    }
+    const auto base = [](const Row &row) { return row.type == emailCall ? row.dueDate : row.startDate; };
+    const auto moved = [&](OptionalDate own) -> OptionalDate {
+        if (from.type == toDo)
+            return own ? OptionalDate(at(*to.startDate, *own)) : std::nullopt;
+        const Seconds offset = own && base(from) ? *own - *base(from) : Seconds(0);
+        return own && base(to) ? OptionalDate(*base(to) + offset) : std::nullopt;
+    };
+    if (from.type != toDo || to.startDate) {
+        to.alert = moved(from.alert);
+        to.secondAlert = moved(from.secondAlert);
+    }
+}
+
+void TaskModel::changeStatus(Copy &copy, int status)
+{
+    if (!copy.repeat.isEmpty() && isBanned)
+        return;
+    copy.status = status;
+    copy.expirationDate = status == done ? OptionalDate(now) : std::nullopt;
+    if (status == done)
+        live.tasks[copy.id].expirationDate = now;
+    copy.lastModificationDate = now;
+    saveTaskTemp(copy);
+}
+
+void TaskModel::removeFrom(const QString &id, bool withFuture)
+{
+    if (!live.tasks.count(id))
+        return;
+    const Row row = live.tasks[id];
+    live.tasks.erase(id);
+    const auto isLater = [&row](const Row &other) {
+        const bool hasStarts = row.startDate && other.startDate;
+        if (hasStarts && *row.startDate != *other.startDate)
+            return *other.startDate > *row.startDate;
+        if (!row.dueDate || !other.dueDate)
+            return false;
+        return hasStarts ? *other.dueDate >= *row.dueDate : *other.dueDate > *row.dueDate;
+    };
+    std::erase_if(live.tasks, [&](const auto &one) {
+        return withFuture && !row.calendarID.isEmpty() && one.second.calendarID == row.calendarID &&
+               isLater(one.second);
+    });
+}
+
+/// True if the caller was told that something was deleted.
+bool TaskModel::deleteTasks(const QStringList &selection)
+{
+    QStringList repeating, plain, projects;
+    for (const QString &id : selection) {
+        if (live.projects.count(id))
+            projects.append(id);
+        else
+            (live.tasks[id].repeat.isEmpty() ? plain : repeating).append(id);
+    }
+    if (repeating.isEmpty()) {
+        asks(selection.size() == 1 ? u"Are you sure you want to delete the selected item?"_text
+                                   : u"Are you sure you want to delete the selected items?"_text,
+             {u"Delete"_text, u"Cancel"_text});
+        if (answer != Alert::firstButton)
+            return false;
+    } else if (!isBanned) {
+        const bool isOne = repeating.size() == 1;
+        asks(isOne ? u"This is a repeating task."_text : u"This is a repeating tasks."_text,
+             {isOne ? u"Delete This Task Only"_text : u"Delete This Tasks Only"_text,
+              u"Delete All Future Tasks"_text, u"Cancel"_text});
+        if (answer == Alert::thirdButton)
+            return false;
+        const bool withFuture = answer == Alert::secondButton;
+        const QString what = withFuture ? u"delete All Future Tasks"_text : u"delete This Task Only"_text;
+        effects.log = {u"Start "_text + what, u"End "_text + what};
+        for (const QString &id : repeating) {
+            removeFrom(id, withFuture);
+            post(u"ReloadTasks"_text, id);
+        }
+    }
+    for (const QString &id : projects) {
+        live.projects.erase(id);
+        for (auto &[task, row] : live.tasks)
+            row.project = row.project == id ? QString() : row.project;
+    }
+    for (const QString &id : plain) {
+        live.tasks.erase(id);
+        post(u"ReloadTasks"_text, id);
+    }
+    commit();
+    return true;
+}
+
+bool TaskModel::isSameMinute(const Copy &copy, OptionalDate start, OptionalDate due)
+{
+    return copy.type == appointment && start && due && wholeMinute(*start) == wholeMinute(*due) &&
+           says(u"Invalid Date"_text, u"Due Date can't be the same as Start Date!"_text);
+}
+
+void TaskModel::saveStartDate(OptionalDate date, Copy &copy)
+{
+    if (date)
+        date = wholeMinute(copy.type == toDo ? startOfDay(*date) : *date);
+    if (isSameMinute(copy, date, copy.dueDate))
+        return;
+    copy.startDate = date;
+    if (copy.type == toDo && date && !copy.dueDate && copy.dueSomeDay != true)
+        copy.dueDate = endOfDay(*date);
+    if (copy.type == appointment && date) {
+        if (copy.secondAlert && *copy.secondAlert > *date)
+            copy.secondAlert.reset();
+        if (copy.alert && *copy.alert > *date && copy.secondAlert)
+            copy.alert = std::exchange(copy.secondAlert, std::nullopt);
+    }
+}
+
+void TaskModel::saveDueDate(OptionalDate date, Copy &copy)
+{
+    if (date)
+        date = wholeMinute(copy.type == toDo ? endOfDay(*date) : *date);
+    if (isSameMinute(copy, copy.startDate, date))
+        return;
+    const OptionalDate alert = copy.alert;
+    OptionalDate second = copy.secondAlert;
+    if (copy.dueSomeDay == true) {
+        copy.alert.reset();
+        copy.secondAlert.reset();
+    }
+    copy.dueDate = date;
+    if (!date)
+        return;
+    const Date end = copy.type == toDo ? endOfDay(*date) : *date;
+    if (second && *second > end) {
+        second.reset();
+        copy.secondAlert.reset();
+    }
+    if (alert && copy.startDate && *alert > *copy.startDate) {
+        copy.alert = second ? second : copy.alert;
+        copy.secondAlert.reset();
+    }
+}
