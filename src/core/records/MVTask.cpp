@@ -168,10 +168,15 @@ void MVTask::writeFields()
 
 bool MVTask::saveStatus()
 {
+    const OptionalDate formerExpiration = row ? row->expirationDate() : std::nullopt;
     if (status == doneStatus && row)
         row->setExpirationDate(MVDate::date());
     lastModificationDate = MVDate::date();
-    return TaskManager::saveTaskTemp(*this, true);
+    const bool isSaved = TaskManager::saveTaskTemp(*this, true);
+    // A rule that refuses the change leaves the row as it was.
+    if (!isSaved && row && row->status() != doneStatus)
+        row->setExpirationDate(formerExpiration);
+    return isSaved;
 }
 
 QString MVTask::priorityString() const

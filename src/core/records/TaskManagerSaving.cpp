@@ -87,11 +87,16 @@ void prepareFields(MVTask &task)
         task.dueDate = Functional::dateWithZeroSeconds(*task.dueDate);
 }
 
-/// Every delegate of a task of a project belongs to the project.
-void joinDelegateToProject(const MVTask &task)
+/// Every delegate of a task of a project belongs to the project. Whether this one did not before.
+bool joinDelegateToProject(const MVTask &task)
 {
-    if (task.project && task.delegateToUser)
-        task.project->addRelated("delegateToUser", task.delegateToUser);
+    if (!task.project || !task.delegateToUser)
+        return false;
+    const std::vector<ContactPtr> members = task.project->delegateToUser();
+    if (std::find(members.begin(), members.end(), task.delegateToUser) != members.end())
+        return false;
+    task.project->addRelated("delegateToUser", task.delegateToUser);
+    return true;
 }
 
 /// Whether the calendar holds no item for such a task: it is done, or has no date to stand at.
@@ -116,17 +121,19 @@ void saveSingle(MVTask &task, OptionalDate oldDate)
     post(notifications::taskChange, task.task());
 }
 
-void saveMemberOfSeries(MVTask &task, OptionalDate oldDate)
+/// False if the user gives it up.
+bool saveMemberOfSeries(MVTask &task, OptionalDate oldDate)
 {
     const QStringList buttons = {localized(QStringLiteral("Save This Task Only")),
                                  localized(QStringLiteral("Save All Future Tasks")),
                                  localized(QStringLiteral("Cancel"))};
     const int answer = Alert::run({{}, localized(QStringLiteral("This is a repeating task.")), {}, buttons});
     if (answer != Alert::firstButton && answer != Alert::secondButton)
-        return;
+        return false;
     task.save();
     const Span span = answer == Alert::firstButton ? Span::ThisTask : Span::FutureTasks;
     TaskManager::saveWithDate(oldDate, task.task(), span, true);
+    return true;
 }
 
 void replaceNotifications(const EntityTask &task)
@@ -170,15 +177,15 @@ bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
     prepareFields(task);
     if (!meetsDateRules(task) || leavesProject(task))
         return false;
-    joinDelegateToProject(task);
+    const bool isDelegateNew = joinDelegateToProject(task);
     const TaskPtr row = task.task();
     const bool isMemberOfSeries = row && !row->repeat().isEmpty();
     const bool wasEmailCall = row && row->type() == static_cast<int>(TaskType::EmailCall);
     const OptionalDate oldDate = !row ? std::nullopt : wasEmailCall ? row->dueDate() : row->startDate();
-    if (isMemberOfSeries)
-        saveMemberOfSeries(task, oldDate);
-    else
+    if (!isMemberOfSeries)
         saveSingle(task, oldDate);
+    else if (!saveMemberOfSeries(task, oldDate) && isDelegateNew)
+        task.project->removeRelated("delegateToUser", task.delegateToUser);
     if ((autoSave || !CalendarEvent::hasAccesToCalendar()) && !commit(task))
         return false;
     if (task.isNewTask())

@@ -1,5 +1,7 @@
 #include "TaskModel.h"
 
+#include "foundation/Calendar.h"
+
 static QString operator""_text(const char16_t *text, size_t size)
 {
     return QString::fromUtf16(text, static_cast<qsizetype>(size));
@@ -62,8 +64,9 @@ bool TaskModel::saveTaskTemp(Copy &copy)
         post(posted, copy.id);
         return false;
     }
+    bool isDelegateNew = false;
     if (!copy.delegateToUser.isEmpty() && live.projects.count(copy.project))
-        live.projects[copy.project].members.insert(copy.delegateToUser);
+        isDelegateNew = live.projects[copy.project].members.insert(copy.delegateToUser).second;
     if (copy.id.isEmpty() || live.tasks[copy.id].repeat.isEmpty()) {
         write(copy);
         spread(copy.id, false);
@@ -75,6 +78,9 @@ bool TaskModel::saveTaskTemp(Copy &copy)
             write(copy);
             spread(copy.id, answer == Alert::firstButton);
             post(u"ReloadTasks"_text, copy.id);
+        } else if (isDelegateNew) {
+            // Given up, the store is as it was.
+            live.projects[copy.project].members.erase(copy.delegateToUser);
         }
     }
     commit();
@@ -142,7 +148,16 @@ void TaskModel::copyEdit(const Row &from, Row &to) const
     to.lastModificationDate = from.lastModificationDate;
     if (from.status == done && !to.expirationDate)
         to.expirationDate = now;
-    const auto at = [this](Date ofDay, Date time) { return startOfDay(ofDay) + (time - startOfDay(time)); };
+    // What the clock shows, also where one of the days is longer.
+    const auto at = [](Date ofDay, Date time) {
+        const Calendar calendar = Calendar::current();
+        DateComponents fields = calendar.shortComponents(time);
+        const DateComponents daysFields = calendar.shortComponents(ofDay);
+        fields.year = daysFields.year;
+        fields.month = daysFields.month;
+        fields.day = daysFields.day;
+        return calendar.dateFromComponents(fields);
+    };
     if (from.type == emailCall && to.dueDate && from.dueDate)
         to.dueDate = at(to.startDate.value_or(*to.dueDate), *from.dueDate);
     if (from.type == appointment && to.startDate) {
@@ -175,10 +190,12 @@ void TaskModel::changeStatus(Copy &copy, int status)
         return;
     copy.status = status;
     copy.expirationDate = status == done ? OptionalDate(now) : std::nullopt;
+    const OptionalDate former = live.tasks[copy.id].expirationDate;
     if (status == done)
         live.tasks[copy.id].expirationDate = now;
     copy.lastModificationDate = now;
-    saveTaskTemp(copy);
+    if (!saveTaskTemp(copy) && live.tasks[copy.id].status != done)
+        live.tasks[copy.id].expirationDate = former;
 }
 
 void TaskModel::removeFrom(const QString &id, bool withFuture)
