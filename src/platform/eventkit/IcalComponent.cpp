@@ -124,6 +124,13 @@ void IcalComponent::addChild(const IcalComponent &child)
     entries.push_back(IcalEntry{child});
 }
 
+void IcalComponent::prependChild(const IcalComponent &child)
+{
+    const auto first = std::find_if(entries.begin(), entries.end(),
+                                    [](const IcalEntry &entry) { return entry.child() != nullptr; });
+    entries.insert(first, IcalEntry{child});
+}
+
 void IcalComponent::replaceChildren(const std::function<bool(const IcalComponent &)> &isChosen,
                                     const std::vector<IcalComponent> &replacements)
 {
@@ -133,6 +140,13 @@ void IcalComponent::replaceChildren(const std::function<bool(const IcalComponent
     std::erase_if(entries, isMeant);
     for (std::size_t index = 0; index < replacements.size(); ++index)
         entries.insert(entries.begin() + std::ptrdiff_t(place + index), IcalEntry{replacements[index]});
+}
+
+void IcalComponent::removeChildrenAt(const std::set<std::size_t> &indexes)
+{
+    std::size_t index = 0;
+    std::erase_if(entries,
+                  [&](const IcalEntry &entry) { return entry.child() && indexes.contains(index++); });
 }
 
 void IcalComponent::append(IcalEntry entry)

@@ -3,6 +3,7 @@
 #include "eventkit/ContentLine.h"
 
 #include <functional>
+#include <set>
 #include <vector>
 
 struct IcalEntry;
@@ -49,9 +50,13 @@ public:
     std::vector<const IcalComponent *> children() const;
     IcalComponent *childAt(std::size_t index);
     void addChild(const IcalComponent &child);
+    /// Adds one before all others.
+    void prependChild(const IcalComponent &child);
     /// Puts these where the first chosen inner component stands, or behind all, and takes out the chosen.
     void replaceChildren(const std::function<bool(const IcalComponent &)> &isChosen,
                          const std::vector<IcalComponent> &replacements);
+
+    void removeChildrenAt(const std::set<std::size_t> &indexes);
 
     /// For the parser: what follows in the text.
     void append(IcalEntry entry);

@@ -1,14 +1,22 @@
 #include "workspace/PlatformConfiguration.h"
 
 #include "foundation/ApplicationPaths.h"
+#include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
+
+static QString configurationPath()
+{
+    return ApplicationPaths::configFolder() + QStringLiteral("/Morvane/platform.json");
+}
 
 PlatformConfiguration::PlatformConfiguration()
 {
-    QFile file(ApplicationPaths::configFolder() + QStringLiteral("/Morvane/platform.json"));
+    QFile file(configurationPath());
     if (!file.open(QIODevice::ReadOnly))
         return;
     QJsonParseError error{};
@@ -21,6 +29,19 @@ PlatformConfiguration::PlatformConfiguration()
 int PlatformConfiguration::authorization(const QString &what) const
 {
     return values.value(QStringLiteral("authorization")).toObject().value(what).toInt(0);
+}
+
+void PlatformConfiguration::setAuthorization(const QString &what, int answer)
+{
+    static const QString key = QStringLiteral("authorization");
+    QJsonObject values = PlatformConfiguration().values;
+    QJsonObject answers = values.value(key).toObject();
+    answers.insert(what, answer);
+    values.insert(key, answers);
+    const QString path = configurationPath();
+    QDir().mkpath(QFileInfo(path).path());
+    if (const auto error = writeFileAtomically(path, QJsonDocument(values).toJson()))
+        Log::line(QStringLiteral("Cannot write %1: %2").arg(path, error->message));
 }
 
 QString PlatformConfiguration::text(const QString &key) const

@@ -14,6 +14,8 @@ public:
     /// What the user answered when asked for access to something: "events", "reminders" or "contacts".
     /// 0 not asked yet, 2 denied, 3 granted.
     int authorization(const QString &what) const;
+    /// Keeps such an answer in the file; everything else in it stays. A failure is logged.
+    static void setAuthorization(const QString &what, int answer);
     /// A text value, or an empty text.
     QString text(const QString &key) const;
 

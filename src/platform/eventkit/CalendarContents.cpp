@@ -1,0 +1,198 @@
+#include "eventkit/CalendarContents.h"
+
+#include "eventkit/CalendarError.h"
+#include "foundation/Log.h"
+
+#include <algorithm>
+
+CalendarContents::CalendarContents(std::shared_ptr<CalendarBackend> backend)
+    : storage(std::move(backend))
+{}
+
+void CalendarContents::reportOnce(const QString &calendarIdentifier, const CalendarObject &object,
+                                  const QString &reason)
+{
+    const QString key = calendarIdentifier + u'/' + object.name + u'\n' + reason;
+    if (reported.contains(key))
+        return;
+    reported.insert(key);
+    Log::line(QStringLiteral("Cannot use %1/%2: %3.").arg(calendarIdentifier, object.name, reason));
+}
+
+CalendarItemPointer CalendarContents::parsed(const QString &calendarIdentifier, const CalendarObject &object)
+{
+    const auto &former = known[calendarIdentifier];
+    const auto same = former.constFind(object.name);
+    if (same != former.constEnd() && same->etag == object.etag)
+        return same->item;
+    const auto item = CalendarItem::fromText(object.text);
+    if (item)
+        return item.value();
+    reportOnce(calendarIdentifier, object, item.error().message);
+    return nullptr;
+}
+
+Result<std::vector<StoredItem>> CalendarContents::storedItems(const QString &calendarIdentifier)
+{
+    auto objects = storage->objects(calendarIdentifier);
+    if (!objects)
+        return objects.error();
+    std::sort(objects->begin(), objects->end(),
+              [](const CalendarObject &one, const CalendarObject &other) { return one.name < other.name; });
+    QHash<QString, Parsed> present;
+    QSet<QString> uids;
+    std::vector<StoredItem> items;
+    for (const CalendarObject &object : objects.value()) {
+        const CalendarItemPointer item = parsed(calendarIdentifier, object);
+        present.insert(object.name, {object.etag, item});
+        if (!item)
+            continue;
+        if (uids.contains(item->uid())) {
+            reportOnce(calendarIdentifier, object, QStringLiteral("its UID is that of another object"));
+            continue;
+        }
+        uids.insert(item->uid());
+        items.push_back({object.name, object.etag, item});
+    }
+    known[calendarIdentifier] = std::move(present);
+    return items;
+}
+
+Result<std::vector<EKCalendar>> CalendarContents::calendars()
+{
+    auto found = storage->calendars();
+    if (!found)
+        return found;
+    for (const Pending &change : pending) {
+        const auto isMeant = [&](const EKCalendar &calendar) {
+            return calendar.calendarIdentifier == change.calendarIdentifier;
+        };
+        if (change.change == Change::RemoveCalendar)
+            std::erase_if(found.value(), isMeant);
+        else if (change.change == Change::UpdateCalendar)
+            std::replace_if(found->begin(), found->end(), isMeant, change.calendar);
+    }
+    return found;
+}
+
+Result<std::vector<StoredItem>> CalendarContents::items(const QString &calendarIdentifier)
+{
+    auto items = storedItems(calendarIdentifier);
+    if (!items)
+        return items;
+    for (const Pending &change : pending) {
+        if (change.calendarIdentifier != calendarIdentifier || change.change == Change::UpdateCalendar)
+            continue;
+        if (change.change == Change::RemoveCalendar)
+            return std::vector<StoredItem>();
+        const QString uid = (change.item ? change.item : change.former.item)->uid();
+        std::erase_if(items.value(), [&](const StoredItem &item) { return item.item->uid() == uid; });
+        if (change.item)
+            items->push_back({change.former.name, change.former.etag, change.item});
+    }
+    return items;
+}
+
+Result<std::optional<StoredItem>> CalendarContents::item(const QString &calendarIdentifier,
+                                                         const QString &uid)
+{
+    const auto items = this->items(calendarIdentifier);
+    if (!items)
+        return items.error();
+    for (const StoredItem &stored : items.value())
+        if (stored.item->uid() == uid)
+            return std::optional(stored);
+    return std::optional<StoredItem>();
+}
+
+std::vector<CalendarContents::Pending>::iterator
+CalendarContents::pendingFor(const QString &calendarIdentifier, const QString &uid)
+{
+    return std::find_if(pending.begin(), pending.end(), [&](const Pending &change) {
+        const CalendarItemPointer &item = change.item ? change.item : change.former.item;
+        return change.calendarIdentifier == calendarIdentifier && item && item->uid() == uid;
+    });
+}
+
+void CalendarContents::stage(Pending change, const QString &uid)
+{
+    const auto earlier = pendingFor(change.calendarIdentifier, uid);
+    if (earlier == pending.end()) {
+        pending.push_back(std::move(change));
+        return;
+    }
+    // What was to become of the object is no longer of interest, only what the backend has of it.
+    change.former.name = earlier->former.name;
+    change.former.etag = earlier->former.etag;
+    if (earlier->group == change.group) {
+        *earlier = std::move(change);
+    } else {
+        pending.erase(earlier);
+        pending.push_back(std::move(change));
+    }
+}
+
+OptionalError CalendarContents::stagePut(const QString &calendarIdentifier, const StoredItem &former,
+                                         const QByteArray &text)
+{
+    const auto item = CalendarItem::fromText(text);
+    if (!item)
+        return item.error();
+    if (!item.value())
+        return CalendarError::make(CalendarError::Invalid, QStringLiteral("The event has no start."));
+    stage({Change::Put, group, calendarIdentifier, former, item.value()}, item.value()->uid());
+    return std::nullopt;
+}
+
+void CalendarContents::stageRemoval(const QString &calendarIdentifier, const StoredItem &item)
+{
+    stage({Change::Remove, group, calendarIdentifier, item}, item.item->uid());
+}
+
+void CalendarContents::stageCalendar(const EKCalendar &calendar)
+{
+    pending.push_back({Change::UpdateCalendar, group, calendar.calendarIdentifier, {}, {}, calendar});
+}
+
+void CalendarContents::stageCalendarRemoval(const QString &calendarIdentifier)
+{
+    pending.push_back({Change::RemoveCalendar, group, calendarIdentifier});
+}
+
+OptionalError CalendarContents::write(const Pending &change)
+{
+    switch (change.change) {
+    case Change::UpdateCalendar:
+        return storage->updateCalendar(change.calendar);
+    case Change::RemoveCalendar:
+        return storage->removeCalendar(change.calendarIdentifier);
+    case Change::Remove:
+        // An object that was made and removed again before it was written.
+        if (change.former.name.isEmpty())
+            return std::nullopt;
+        return storage->remove(change.calendarIdentifier, change.former.name, change.former.etag);
+    case Change::Put:
+        break;
+    }
+    const auto written =
+        storage->put(change.calendarIdentifier, {change.former.name, change.former.etag, change.item->text()},
+                     change.item->uid());
+    return written ? OptionalError() : written.error();
+}
+
+OptionalError CalendarContents::commit()
+{
+    OptionalError firstError;
+    QSet<int> failedGroups;
+    for (const Pending &change : std::exchange(pending, {})) {
+        const bool isHeldBack =
+            failedGroups.contains(change.group) || (firstError && change.change == Change::RemoveCalendar);
+        if (isHeldBack)
+            continue;
+        if (auto error = write(change)) {
+            failedGroups.insert(change.group);
+            firstError = firstError ? firstError : error;
+        }
+    }
+    return firstError;
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "eventkit/CalendarBackend.h"
+#include "eventkit/CalendarItem.h"
+
+#include <QHash>
+#include <QSet>
+
+#include <memory>
+#include <vector>
+
+/// An object of a calendar that was understood.
+struct StoredItem
+{
+    QString name;
+    QByteArray etag;
+    CalendarItemPointer item;
+};
+
+/// What calendars hold, parsed once for each version of an object, and the changes that are not yet written
+/// to the backend, as if they were.
+///
+/// Objects that cannot be understood, and all but the first by name of those that share a UID in a calendar,
+/// are left out, reported once and never written.
+class CalendarContents
+{
+public:
+    explicit CalendarContents(std::shared_ptr<CalendarBackend> storage);
+
+    CalendarBackend &backend() { return *storage; }
+
+    Result<std::vector<EKCalendar>> calendars();
+    /// Empty for a calendar whose removal is pending.
+    Result<std::vector<StoredItem>> items(const QString &calendarIdentifier);
+    /// Absent if the calendar has none with that UID.
+    Result<std::optional<StoredItem>> item(const QString &calendarIdentifier, const QString &uid);
+
+    /// Changes that belong together: if one of a group cannot be written, those behind it are not either.
+    void beginGroup() { ++group; }
+    /// Puts a text in place of an item; with an empty name it is a new one. The error says why the text makes
+    /// no object.
+    OptionalError stagePut(const QString &calendarIdentifier, const StoredItem &former,
+                           const QByteArray &text);
+    void stageRemoval(const QString &calendarIdentifier, const StoredItem &item);
+    void stageCalendar(const EKCalendar &calendar);
+    /// A calendar stays if anything before it could not be written.
+    void stageCalendarRemoval(const QString &calendarIdentifier);
+
+    /// Writes what is pending, in order. What cannot be written is given up; the first error is answered.
+    OptionalError commit();
+    /// Gives up what is pending.
+    void reset() { pending.clear(); }
+
+private:
+    enum class Change { Put, Remove, UpdateCalendar, RemoveCalendar };
+    struct Pending
+    {
+        Change change = Change::Put;
+        int group = 0;
+        QString calendarIdentifier = {};
+        StoredItem former = {};
+        CalendarItemPointer item = {};
+        EKCalendar calendar = {};
+    };
+    struct Parsed
+    {
+        QByteArray etag;
+        /// Null for an object that is left out.
+        CalendarItemPointer item;
+    };
+
+    CalendarItemPointer parsed(const QString &calendarIdentifier, const CalendarObject &object);
+    Result<std::vector<StoredItem>> storedItems(const QString &calendarIdentifier);
+    void reportOnce(const QString &calendarIdentifier, const CalendarObject &object, const QString &reason);
+    std::vector<Pending>::iterator pendingFor(const QString &calendarIdentifier, const QString &uid);
+    /// Adds a change in place of an earlier one of the same object.
+    void stage(Pending change, const QString &uid);
+    OptionalError write(const Pending &change);
+
+    std::shared_ptr<CalendarBackend> storage;
+    QHash<QString, QHash<QString, Parsed>> known;
+    QSet<QString> reported;
+    std::vector<Pending> pending;
+    int group = 0;
+};

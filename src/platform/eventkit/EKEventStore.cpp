@@ -1,0 +1,192 @@
+#include "eventkit/EKEventStore.h"
+
+#include "eventkit/CalendarContents.h"
+#include "eventkit/CalendarError.h"
+#include "eventkit/EmptyBackend.h"
+#include "eventkit/EventReading.h"
+#include "eventkit/SharedEventStore.h"
+
+#include <algorithm>
+
+EKEventStore::EKEventStore()
+    : EKEventStore(sharedCalendarBackend())
+{}
+
+EKEventStore::EKEventStore(std::shared_ptr<CalendarBackend> backend)
+    : contents(
+          std::make_unique<CalendarContents>(backend ? std::move(backend) : std::make_shared<EmptyBackend>()))
+{}
+
+EKEventStore::~EKEventStore() = default;
+
+Result<std::vector<EKSource>> EKEventStore::sources() const
+{
+    return contents->backend().sources();
+}
+
+Result<std::vector<EKCalendar>> EKEventStore::allCalendars() const
+{
+    return contents->calendars();
+}
+
+Result<std::vector<EKCalendar>> EKEventStore::calendarsForEntityType(EKEntityType entityType) const
+{
+    auto calendars = allCalendars();
+    if (calendars)
+        std::erase_if(calendars.value(), [entityType](const EKCalendar &calendar) {
+            return !calendar.allowedEntityTypes.contains(entityType);
+        });
+    return calendars;
+}
+
+Result<std::optional<EKCalendar>> EKEventStore::calendarWithIdentifier(const QString &identifier) const
+{
+    const auto calendars = allCalendars();
+    if (!calendars)
+        return calendars.error();
+    for (const EKCalendar &calendar : calendars.value())
+        if (calendar.calendarIdentifier == identifier)
+            return std::optional(calendar);
+    return std::optional<EKCalendar>();
+}
+
+std::optional<EKCalendar> EKEventStore::defaultCalendar(EKEntityType entityType) const
+{
+    const auto identifier = contents->backend().defaultCalendar(entityType);
+    if (!identifier)
+        return std::nullopt;
+    const auto calendar = calendarWithIdentifier(*identifier);
+    return calendar ? calendar.value() : std::nullopt;
+}
+
+std::optional<EKCalendar> EKEventStore::defaultCalendarForNewEvents() const
+{
+    return defaultCalendar(EKEntityType::Event);
+}
+
+std::optional<EKCalendar> EKEventStore::defaultCalendarForNewReminders() const
+{
+    return defaultCalendar(EKEntityType::Reminder);
+}
+
+OptionalError EKEventStore::saveCalendar(EKCalendar &calendar, bool commit)
+{
+    if (calendar.title.trimmed().isEmpty())
+        return CalendarError::make(CalendarError::Invalid,
+                                   QStringLiteral("Cannot save a calendar without a title."));
+    if (calendar.calendarIdentifier.isEmpty()) {
+        const auto made = contents->backend().createCalendar(calendar);
+        if (!made)
+            return made.error();
+        calendar = made.value();
+        return commit ? this->commit() : std::nullopt;
+    }
+    contents->beginGroup();
+    contents->stageCalendar(calendar);
+    return commit ? this->commit() : std::nullopt;
+}
+
+OptionalError EKEventStore::removeCalendar(const EKCalendar &calendar, bool commit)
+{
+    contents->beginGroup();
+    contents->stageCalendarRemoval(calendar.calendarIdentifier);
+    return commit ? this->commit() : std::nullopt;
+}
+
+EKEventPredicate
+EKEventStore::predicateForEventsWithStartDate(Date startDate, Date endDate,
+                                              const std::optional<std::vector<EKCalendar>> &calendars) const
+{
+    EKEventPredicate predicate{startDate, endDate, {}};
+    const auto all = calendars ? *calendars : calendarsForEntityType(EKEntityType::Event);
+    if (all)
+        for (const EKCalendar &calendar : all.value())
+            predicate.calendarIdentifiers.push_back(calendar.calendarIdentifier);
+    return predicate;
+}
+
+Result<std::vector<EKEvent>> EKEventStore::eventsMatchingPredicate(const EKEventPredicate &predicate) const
+{
+    const auto calendars = allCalendars();
+    if (!calendars)
+        return calendars.error();
+    std::vector<EKEvent> events;
+    for (const EKCalendar &calendar : calendars.value()) {
+        const auto &wanted = predicate.calendarIdentifiers;
+        if (std::find(wanted.begin(), wanted.end(), calendar.calendarIdentifier) == wanted.end())
+            continue;
+        const auto items = contents->items(calendar.calendarIdentifier);
+        if (!items)
+            return items.error();
+        const auto firstOfCalendar = static_cast<std::ptrdiff_t>(events.size());
+        for (const StoredItem &stored : items.value())
+            if (stored.item->entityType() == EKEntityType::Event)
+                for (const ItemOccurrence &occurrence :
+                     ItemExpansion::occurrences(*stored.item, {predicate.startDate, predicate.endDate}))
+                    events.push_back(eventOf(stored.item, occurrence, calendar));
+        std::stable_sort(
+            events.begin() + firstOfCalendar, events.end(),
+            [](const EKEvent &one, const EKEvent &other) { return one.startDate < other.startDate; });
+    }
+    return events;
+}
+
+/// The first occurrence of a series and those that were edited.
+static std::vector<ItemOccurrence> representativesOf(const CalendarItem &item)
+{
+    std::vector<ItemOccurrence> found;
+    const auto first = ItemExpansion::first(item);
+    if (first)
+        found.push_back(*first);
+    for (const ItemPart &part : item.detached())
+        if (!first || part.key != first->key)
+            found.push_back(*ItemExpansion::occurrence(item, part.key));
+    return found;
+}
+
+Result<std::vector<EKEvent>>
+EKEventStore::calendarItemsWithExternalIdentifier(const QString &externalIdentifier) const
+{
+    const auto calendars = calendarsForEntityType(EKEntityType::Event);
+    if (!calendars)
+        return calendars.error();
+    std::vector<EKEvent> events;
+    for (const EKCalendar &calendar : calendars.value()) {
+        const auto stored = contents->item(calendar.calendarIdentifier, externalIdentifier);
+        if (!stored)
+            return stored.error();
+        if (!stored.value() || stored.value()->item->entityType() != EKEntityType::Event)
+            continue;
+        for (const ItemOccurrence &occurrence : representativesOf(*stored.value()->item))
+            events.push_back(eventOf(stored.value()->item, occurrence, calendar));
+    }
+    return events;
+}
+
+Result<std::optional<EKEvent>> EKEventStore::eventWithIdentifier(const QString &identifier) const
+{
+    const auto events =
+        calendarItemsWithExternalIdentifier(identifier.section(QStringLiteral("/RID="), 0, 0));
+    if (!events)
+        return events.error();
+    const bool isOfDetached = identifier.contains(QStringLiteral("/RID="));
+    for (const EKEvent &event : events.value())
+        if (!isOfDetached || event.eventIdentifier == identifier)
+            return std::optional(event);
+    return std::optional<EKEvent>();
+}
+
+OptionalError EKEventStore::commit()
+{
+    return contents->commit();
+}
+
+void EKEventStore::reset()
+{
+    contents->reset();
+}
+
+void EKEventStore::refreshSourcesIfNecessary()
+{
+    contents->backend().refresh();
+}

@@ -1,0 +1,8 @@
+#include "eventkit/EmptyBackend.h"
+
+#include "eventkit/CalendarError.h"
+
+Error EmptyBackend::nothing()
+{
+    return CalendarError::make(CalendarError::NotFound, QStringLiteral("There are no calendars."));
+}

@@ -1,0 +1,171 @@
+#include "eventkit/RuleLines.h"
+
+#include "eventkit/RecurrenceExpander.h"
+#include "eventkit/UtcDateTime.h"
+#include "eventkit/WallClockZone.h"
+
+#include <QDate>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr std::int64_t secondsOfADay = 86400;
+
+std::int64_t dayNumber(const IcalTime &time)
+{
+    return time.day().clock.seconds() / secondsOfADay;
+}
+
+EKWeekday weekdayOf(const QDate &date)
+{
+    return static_cast<EKWeekday>(date.dayOfWeek() % 7 + 1);
+}
+
+EKWeekday weekdayAfter(EKWeekday day, std::int64_t days)
+{
+    const auto index = (static_cast<int>(day) - 1 + static_cast<int>(days % 7) + 7) % 7;
+    return static_cast<EKWeekday>(index + 1);
+}
+
+QDate dateOf(const IcalTime &time)
+{
+    return {time.clock.year, time.clock.month, time.clock.day};
+}
+
+void replace(std::vector<int> &values, int former, int present)
+{
+    std::replace(values.begin(), values.end(), former, present);
+}
+
+/// Which such weekday of the month it is, counted as the rule counts.
+int ordinalOf(const QDate &date, bool isFromEnd)
+{
+    return isFromEnd ? -((date.daysInMonth() - date.day()) / 7 + 1) : (date.day() - 1) / 7 + 1;
+}
+
+void moveWeekdays(RecurrencePattern &pattern, const QDate &former, const QDate &present)
+{
+    const std::int64_t days = former.daysTo(present);
+    for (EKRecurrenceDayOfWeek &day : pattern.byDay) {
+        const bool isMeant = day.weekNumber == 0 || pattern.byDay.size() == 1;
+        if (!isMeant)
+            continue;
+        day.dayOfTheWeek = day.weekNumber == 0 ? weekdayAfter(day.dayOfTheWeek, days) : weekdayOf(present);
+        const bool isOfMonth = pattern.frequency == RecurrenceUnit::Monthly || !pattern.byMonth.empty();
+        if (day.weekNumber != 0 && isOfMonth)
+            day.weekNumber = ordinalOf(present, day.weekNumber < 0);
+    }
+}
+
+/// A rule that names the day on which the occurrence was names the one on which it is now. A rule of every
+/// day of a set (a daily rule on weekdays, or BYDAY with BYSETPOS) is left alone.
+RecurrencePattern movedDays(RecurrencePattern pattern, const QDate &former, const QDate &present)
+{
+    if (former == present)
+        return pattern;
+    if (pattern.frequency >= RecurrenceUnit::Weekly && pattern.bySetPos.empty() && pattern.byDay.size() < 7)
+        moveWeekdays(pattern, former, present);
+    if (pattern.frequency >= RecurrenceUnit::Monthly)
+        replace(pattern.byMonthDay, former.day(), present.day());
+    if (pattern.frequency == RecurrenceUnit::Yearly) {
+        replace(pattern.byMonth, former.month(), present.month());
+        replace(pattern.byYearDay, former.dayOfYear(), present.dayOfYear());
+    }
+    return pattern;
+}
+
+/// UNTIL for a series of that form, for which occurrences at this moment still count.
+QByteArray untilText(const IcalTime &last, const IcalTime &start)
+{
+    if (start.form == IcalTime::Form::Date || start.form == IcalTime::Form::Floating)
+        return last.text();
+    return UtcDateTime::string(last.instant()).toLatin1();
+}
+
+/// The last moment of a rule in the form of its series; a date that ends a timed series is its whole day.
+std::optional<IcalTime> lastTime(const RecurrencePattern &pattern, const IcalTime &start)
+{
+    const auto last = RecurrenceExpander::untilInstant(pattern, calendarOfZone(start.clockZone()));
+    return last ? std::optional(IcalTime::of(*last, start)) : std::nullopt;
+}
+
+} // namespace
+
+bool SeriesMove::isNone() const
+{
+    return delta == 0 && formerStart.form == newForm.form && formerStart.tzid == newForm.tzid;
+}
+
+IcalTime SeriesMove::moved(const IcalTime &time) const
+{
+    if (newForm.isDate())
+        return time.day().shifted(delta);
+    return IcalTime::of(time.instant(), newForm).shifted(delta);
+}
+
+QByteArray withRulePart(const QByteArray &rule, const QByteArray &key, const QByteArray &value)
+{
+    QList<QByteArray> parts = rule.split(';');
+    for (QByteArray &part : parts)
+        if (part.toUpper().startsWith(key + '=')) {
+            part = key + '=' + value;
+            return parts.join(';');
+        }
+    return rule + ';' + key + '=' + value;
+}
+
+QByteArray textOfRule(const EKRecurrenceRule &rule, const IcalTime &start)
+{
+    QByteArray text = rule.pattern().text().toLatin1();
+    if (const auto last = lastTime(rule.pattern(), start))
+        text = withRulePart(text, "UNTIL", untilText(*last, start));
+    return text;
+}
+
+std::optional<QByteArray> ruleFrom(const QByteArray &rule, int matchesBefore, const IcalTime &occurrence,
+                                   const SeriesMove &move)
+{
+    const auto pattern = RecurrencePattern::fromText(QString::fromLatin1(rule));
+    if (!pattern)
+        return rule;
+    QByteArray text = rule;
+    const QDate former = dateOf(occurrence);
+    const QDate present = dateOf(move.moved(occurrence));
+    if (const RecurrencePattern moved = movedDays(*pattern, former, present); !(moved == *pattern))
+        text = moved.text().toLatin1();
+    if (pattern->count > 0 && matchesBefore > 0) {
+        if (pattern->count <= matchesBefore)
+            return std::nullopt;
+        text = withRulePart(text, "COUNT", QByteArray::number(pattern->count - matchesBefore));
+    }
+    const auto last = lastTime(*pattern, move.formerStart);
+    if (last && !move.isNone()) {
+        IcalTime moved = move.moved(*last);
+        // From days to hours: the last day counts whole.
+        if (move.formerStart.isDate() && !move.newForm.isDate())
+            moved = moved.shifted(secondsOfADay - 1);
+        text = withRulePart(text, "UNTIL", untilText(moved, move.newForm));
+    }
+    if (last && dayNumber(*last) < dayNumber(occurrence))
+        return std::nullopt;
+    return text;
+}
+
+std::optional<QByteArray> ruleUpTo(const QByteArray &rule, int matchesBefore, const IcalTime &occurrence)
+{
+    const auto pattern = RecurrencePattern::fromText(QString::fromLatin1(rule));
+    if (!pattern)
+        return rule;
+    if (matchesBefore == 0)
+        return std::nullopt;
+    if (pattern->count > 0)
+        return withRulePart(rule, "COUNT", QByteArray::number(std::min(pattern->count, matchesBefore)));
+    const IcalTime last = occurrence.isDate() ? occurrence.shifted(-secondsOfADay)
+                                              : IcalTime::of(occurrence.instant() - Seconds(1), occurrence);
+    const auto present = lastTime(*pattern, occurrence);
+    if (present && present->instant() <= last.instant())
+        return rule;
+    return withRulePart(rule, "UNTIL", untilText(last, occurrence));
+}

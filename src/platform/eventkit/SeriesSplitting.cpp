@@ -1,0 +1,205 @@
+#include "eventkit/EventPeriod.h"
+#include "eventkit/EventWriting.h"
+#include "eventkit/SeriesEditing.h"
+#include "eventkit/SeriesParts.h"
+
+namespace {
+
+/// How the rest of the series follows its first occurrence.
+SeriesMove moveOf(const CalendarItem &item, const EKEvent &before, const EKEvent &after)
+{
+    const IcalTime &formerStart = item.master()->times.start;
+    const IcalTime form = timeFormOf(before, after, formerStart);
+    const std::int64_t from = IcalTime::of(*before.startDate, form).clock.seconds();
+    const std::int64_t to = IcalTime::of(*after.startDate, form).clock.seconds();
+    return {formerStart, form, to - from};
+}
+
+/// The making of the object that begins with an occurrence.
+class LaterPart
+{
+public:
+    LaterPart(const CalendarItem &source, const ItemOccurrence &from, const EKEvent &before,
+              const EKEvent &after)
+        : item(source)
+        , occurrence(from)
+        , formerEvent(before)
+        , newEvent(after)
+        , document(source.document())
+        , start(source.timeOfKey(from.key))
+        , move(moveOf(source, before, after))
+        , areRulesChanged(before.recurrenceRules != after.recurrenceRules)
+    {}
+
+    SeriesEditing::Edited make(const QString &uid)
+    {
+        changeMaster(uid);
+        for (const ItemPart &part : item.detached())
+            changeDetached(part, uid);
+        document.calendar().removeChildrenAt(dropped);
+        if (areRulesChanged)
+            dropStrayDetached();
+        if (document.text() != item.text() && move.moved(start) != item.master()->times.start)
+            describeZone(document.calendar(), move.moved(start));
+        const CalendarItemPointer made = itemOf(document);
+        return {document.text(), made ? made->keyOf(move.moved(start)) : occurrence.key};
+    }
+
+private:
+    bool isWholeAsItWas() const { return move.isNone() && occurrence.key == item.master()->key; }
+
+    void changeMaster(const QString &uid)
+    {
+        IcalComponent &master = *document.calendar().childAt(item.master()->childIndex);
+        newPeriod().writeTo(master, item.master()->times);
+        changeRules(master);
+        if (!isWholeAsItWas())
+            for (const char *name : {"EXDATE", "RDATE"})
+                rewriteDates(
+                    master, name, item, [this](qint64 key) { return key >= occurrence.key; }, move);
+        writeFields(master, formerEvent, newEvent);
+        master.setValue("UID", uid.toUtf8());
+        markIfChanged(master, item.component(*item.master()));
+    }
+
+    EventPeriod newPeriod() const
+    {
+        const EventPeriod present = EventPeriod::of(item.master()->times);
+        const EventPeriod before = EventPeriod::of(formerEvent, move.newForm);
+        const EventPeriod after = EventPeriod::of(newEvent, move.newForm);
+        const bool keepsLength = before.length == after.length && formerEvent.allDay == newEvent.allDay;
+        return {move.moved(start), keepsLength ? present.length : after.length};
+    }
+
+    void changeRules(IcalComponent &master)
+    {
+        if (areRulesChanged) {
+            std::vector<ContentLine> lines;
+            for (const EKRecurrenceRule &rule : newEvent.recurrenceRules)
+                lines.push_back(master.makeLine("RRULE", textOfRule(rule, move.moved(start))));
+            master.replaceLines("RRULE", lines);
+            if (lines.empty())
+                for (const char *name : {"RDATE", "EXDATE", "EXRULE"})
+                    master.removeLines(name);
+            return;
+        }
+        if (isWholeAsItWas())
+            return;
+        for (const char *name : {"RRULE", "EXRULE"})
+            rewriteRules(master, name, [this](const QByteArray &body) {
+                const auto pattern = RecurrencePattern::fromText(QString::fromLatin1(body));
+                const int before = pattern ? ItemExpansion::matchesBefore(item, *pattern, occurrence.key) : 0;
+                return ruleFrom(body, before, start, move);
+            });
+    }
+
+    void changeDetached(const ItemPart &part, const QString &uid)
+    {
+        const bool isPast = part.key < occurrence.key;
+        if (isPast || (areRulesChanged && newEvent.recurrenceRules.empty())) {
+            dropped.insert(part.childIndex);
+            return;
+        }
+        IcalComponent &component = *document.calendar().childAt(part.childIndex);
+        component.setValue("UID", uid.toUtf8());
+        if (!move.isNone()) {
+            const IcalTime moved = move.moved(*part.recurrenceId);
+            component.replaceLines("RECURRENCE-ID", {moved.line("RECURRENCE-ID", component.lineEnd())});
+        }
+        if (occurrence.detached && occurrence.detached->childIndex == part.childIndex) {
+            const IcalTime form = timeFormOf(formerEvent, newEvent, part.times.start);
+            if (!(EventPeriod::of(formerEvent, form) == EventPeriod::of(newEvent, form)) ||
+                formerEvent.allDay != newEvent.allDay)
+                EventPeriod::of(newEvent, form).writeTo(component, part.times);
+            writeFields(component, formerEvent, newEvent);
+        }
+        markIfChanged(component, item.component(part));
+    }
+
+    /// A new rule may no longer have what was edited.
+    void dropStrayDetached()
+    {
+        const CalendarItemPointer made = itemOf(document);
+        std::set<std::size_t> strays;
+        for (const ItemPart &part : made->detached())
+            if (!ItemExpansion::contains(*made, part.key))
+                strays.insert(part.childIndex);
+        document.calendar().removeChildrenAt(strays);
+    }
+
+    const CalendarItem &item;
+    const ItemOccurrence &occurrence;
+    const EKEvent &formerEvent;
+    const EKEvent &newEvent;
+    IcalDocument document;
+    /// The original start of the occurrence.
+    IcalTime start;
+    SeriesMove move;
+    bool areRulesChanged;
+    std::set<std::size_t> dropped;
+};
+
+/// An edited occurrence as an event of its own in place of its series.
+SeriesEditing::Edited alone(const CalendarItem &item, const ItemPart &part, const EKEvent &before,
+                            const EKEvent &after, const QString &uid)
+{
+    SeriesEditing::Edited edited = SeriesEditing::withOccurrence(
+        item, {&part, part.key, part.times.start.instant(), part.times.endOf(part.times.start)}, before,
+        after);
+    IcalDocument document = *IcalDocument::fromText(edited.text);
+    std::set<std::size_t> dropped;
+    const auto components = document.calendar().children();
+    for (std::size_t index = 0; index < components.size(); ++index) {
+        const bool isOwn =
+            components[index]->value("RECURRENCE-ID") == item.component(part).value("RECURRENCE-ID");
+        if (components[index]->name() == "VEVENT" && !isOwn)
+            dropped.insert(index);
+    }
+    document.calendar().removeChildrenAt(dropped);
+    for (std::size_t index = 0; IcalComponent *component = document.calendar().childAt(index); ++index)
+        if (component->name() == "VEVENT") {
+            component->removeLines("RECURRENCE-ID");
+            component->setValue("UID", uid.toUtf8());
+            markChanged(*component, ChangeWeight::Significant);
+        }
+    const CalendarItemPointer made = itemOf(document);
+    return {document.text(), made ? made->master()->key : part.key};
+}
+
+} // namespace
+
+SeriesEditing::Edited SeriesEditing::from(const CalendarItem &item, const ItemOccurrence &occurrence,
+                                          const EKEvent &before, const EKEvent &after, const QString &uid)
+{
+    if (!item.master())
+        return withOccurrence(item, occurrence, before, after);
+    const bool endsSeries = before.recurrenceRules != after.recurrenceRules && after.recurrenceRules.empty();
+    if (occurrence.detached && endsSeries)
+        return alone(item, *occurrence.detached, before, after, uid);
+    return LaterPart(item, occurrence, before, after).make(uid);
+}
+
+std::optional<QByteArray> SeriesEditing::upTo(const CalendarItem &item, qint64 key)
+{
+    IcalDocument document = item.document();
+    const IcalTime occurrence = item.timeOfKey(key);
+    if (const ItemPart *part = item.master()) {
+        IcalComponent &master = *document.calendar().childAt(part->childIndex);
+        rewriteRules(master, "RRULE", [&](const QByteArray &body) {
+            const auto pattern = RecurrencePattern::fromText(QString::fromLatin1(body));
+            const int before = pattern ? ItemExpansion::matchesBefore(item, *pattern, key) : 0;
+            return ruleUpTo(body, before, occurrence);
+        });
+        for (const char *name : {"EXDATE", "RDATE"})
+            rewriteDates(master, name, item, [key](qint64 other) { return other < key; },
+                         {part->times.start, part->times.start});
+        markIfChanged(master, item.component(*part));
+    }
+    std::set<std::size_t> dropped;
+    for (const ItemPart &part : item.detached())
+        if (part.key >= key)
+            dropped.insert(part.childIndex);
+    document.calendar().removeChildrenAt(dropped);
+    const CalendarItemPointer rest = itemOf(document);
+    return rest && ItemExpansion::first(*rest) ? std::optional(document.text()) : std::nullopt;
+}
