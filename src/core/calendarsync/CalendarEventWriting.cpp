@@ -1,5 +1,8 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/SeriesRows.h"
+#include "calendarsync/StoreReach.h"
+#include "foundation/Log.h"
+#include "records/dates/MTDates.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
@@ -7,36 +10,146 @@
 
 namespace {
 
-bool isOffline()
+constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
+
+EKSpan storeSpan(Span span)
 {
-    return !CalendarEvent::hasAccesToCalendar() || CalendarEvent::getAllAccessCalendars().empty();
+    return span == Span::ThisTask ? EKSpan::ThisEvent : EKSpan::FutureEvents;
 }
 
-void deleteOffline(const TaskPtr &task, Span span)
+OptionalDate dateOf(const EntityTask &task)
 {
-    if (span == Span::FutureTasks) {
-        for (const TaskPtr &row : series::otherRows(*task)) {
-            if (series::isLater(*row, *task))
-                mainContext().deleteObject(row);
-        }
+    return task.startDate() ? task.startDate() : task.dueDate();
+}
+
+/// The event of a row that stands alone: its only one, or of several that of a day.
+EKEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
+{
+    std::vector<EKEvent> events;
+    if (!task.calendarID().isEmpty())
+        events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    std::optional<EKEvent> found;
+    if (events.size() == 1)
+        found = events.front();
+    else
+        found = CalendarEvent::eventByStartDateOfTask(formerDate, events);
+    return found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore());
+}
+
+EKEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
+{
+    std::vector<EKEvent> events;
+    if (!task.calendarID().isEmpty())
+        events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const auto found = CalendarEvent::eventByStartDateOfTask(formerDate, events);
+    return found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore());
+}
+
+/// Saves the event and takes its identifier. What a store adds by itself as an alarm is taken off again.
+bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
+{
+    EKEventStore &store = CalendarEvent::eventStore();
+    if (const auto error = store.saveEvent(event, storeSpan(span), true)) {
+        Log::line(error->message);
+        return false;
     }
-    mainContext().deleteObject(task);
+    task.setCalendarID(event.calendarItemExternalIdentifier);
+    if (event.hasAlarms() && !task.alert()) {
+        event.alarms.clear();
+        if (const auto error = store.saveEvent(event, storeSpan(span), true))
+            Log::line(error->message);
+    }
+    return true;
+}
+
+void writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
+{
+    EKEvent event = eventOfSingle(task, formerDate);
+    CalendarEvent::syncTask(task, event);
+    if (saveEventOf(task, event, span))
+        CalendarEvent::setEventToDictionaryChangedEventsOfNow(event);
+}
+
+/// The rows of a series from a date on, one excepted, which the store is about to give anew.
+void deleteRowsFrom(OptionalDate date, const QString &calendarID, const EntityTask &kept)
+{
+    if (!date || calendarID.isEmpty())
+        return;
+    for (const TaskPtr &row : mainContext().fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", calendarID)))) {
+        const OptionalDate own = row ? dateOf(*row) : std::nullopt;
+        const bool isFromThenOn = own && (*own > *date || MTDates::isWithinSameDay(*own, *date));
+        if (isFromThenOn && row.get() != &kept)
+            mainContext().deleteObject(row);
+    }
+}
+
+TaskPtr shared(EntityTask &task)
+{
+    return std::static_pointer_cast<EntityTask>(task.shared_from_this());
+}
+
+void rebuildSeries(EntityTask &task)
+{
+    const series::SharedFields fields(task);
+    CalendarEvent::syncCalendarToAppWithTask(shared(task));
+    fields.writeTo(task);
+    for (const TaskPtr &row : series::otherRows(task))
+        fields.writeTo(*row);
+    const DateInterval seen = CalendarEvent::window();
+    if (task.startDate() && (*task.startDate() < seen.start || *task.startDate() > seen.end))
+        mainContext().deleteObject(shared(task));
+}
+
+void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
+{
+    const QString formerIdentifier = task.calendarID();
+    EKEvent event = eventOfOccurrence(task, formerDate);
+    if (span == Span::FutureTasks)
+        CalendarEvent::setRecurrenceRuleFromEvent(event, task);
+    CalendarEvent::syncTask(task, event);
+    saveEventOf(task, event, span);
+    if (span == Span::ThisTask)
+        return;
+    deleteRowsFrom(formerDate, formerIdentifier, task);
+    rebuildSeries(task);
+}
+
+void copyToSeries(const EntityTask &task)
+{
+    const auto offsets = series::AlertOffsets::of(task);
+    for (const TaskPtr &row : series::otherRows(task))
+        series::copyEdit(task, *row, offsets);
 }
 
 } // namespace
 
-void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate, bool)
+bool calendarstore::isOffline()
+{
+    return !CalendarEvent::hasAccesToCalendar() || CalendarEvent::getAllAccessCalendars().empty();
+}
+
+void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
+                                              bool wasRepeatRule)
 {
     if (span == Span::ThisTask) {
         // An occurrence that is edited alone leaves its series.
         task.setRepeat(QString());
         task.setEndRepeat(std::nullopt);
     }
-    if (DBWorker::isSample() || task.repeat().isEmpty() || !isOffline())
+    if (DBWorker::isSample())
         return;
-    const auto offsets = series::AlertOffsets::of(task);
-    for (const TaskPtr &row : series::otherRows(task))
-        series::copyEdit(task, *row, offsets);
+    if (calendarstore::isOffline()) {
+        if (!task.repeat().isEmpty())
+            copyToSeries(task);
+        return;
+    }
+    if (task.status() == doneStatus || !task.dueDate())
+        return;
+    if (wasRepeatRule || !task.repeat().isEmpty())
+        writeOccurrence(task, span, changeStartDue);
+    else
+        writeSingle(task, span, changeStartDue);
 }
 
 void CalendarEvent::changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
@@ -44,18 +157,8 @@ void CalendarEvent::changeEventCalendarStatusFromTask(const TaskPtr &task, Span 
 {
     if (DBWorker::isSample() || !task->dueDate())
         return;
-    if (task->status() == static_cast<int>(TaskStatus::Done))
+    if (task->status() == doneStatus)
         removeEventCalendarFromTask(task, withSpan, false);
     else
         initEventCalendarFromTask(*task, withSpan, withChangeStartDue, !task->repeat().isEmpty());
-}
-
-void CalendarEvent::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
-{
-    // Examples are on no calendar, but they can be deleted.
-    if (DBWorker::isSample() && !isDeleteTasks)
-        return;
-    if (!isDeleteTasks)
-        return initEventCalendarFromTask(*task, span, std::nullopt, true);
-    deleteOffline(task, span);
 }

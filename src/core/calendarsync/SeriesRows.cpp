@@ -95,6 +95,13 @@ OptionalDate onDayOf(OptionalDate alert, Date day)
     return alert ? OptionalDate(withDayOf(*alert, day)) : std::nullopt;
 }
 
+} // namespace
+
+AlertOffsets AlertOffsets::of(const EntityTask &task)
+{
+    return {MVTask::timeIntervalAlertOfTask(task), MVTask::timeIntervalSecondAlertOfTask(task)};
+}
+
 void copyAlerts(const EntityTask &from, EntityTask &row, const AlertOffsets &offsets)
 {
     if (!isOfType(from, TaskType::ToDo)) {
@@ -107,11 +114,47 @@ void copyAlerts(const EntityTask &from, EntityTask &row, const AlertOffsets &off
     }
 }
 
-} // namespace
+SharedFields::SharedFields(const EntityTask &task)
+    : category(task.category())
+    , type(task.type())
+    , status(task.status())
+    , priority(task.priority())
+    , location(task.location())
+    , project(task.project())
+    , delegateToUser(task.delegateToUser())
+    , company(task.company())
+    , calendarID(task.calendarID())
+    , typeCalendarID(task.typeCalendarID())
+    , calendarTitle(task.calendarTitle())
+    , allowsContentModifications(task.allowsContentModifications())
+    , red(task.colorCalendarR())
+    , green(task.colorCalendarG())
+    , blue(task.colorCalendarB())
+    , alpha(task.colorCalendarA())
+    , lastModificationDate(task.lastModificationDate())
+{}
 
-AlertOffsets AlertOffsets::of(const EntityTask &task)
+void SharedFields::writeTo(EntityTask &row) const
 {
-    return {MVTask::timeIntervalAlertOfTask(task), MVTask::timeIntervalSecondAlertOfTask(task)};
+    row.setCategory(category);
+    row.setType(type);
+    row.setStatus(status);
+    if (status == doneStatus && !row.expirationDate())
+        row.setExpirationDate(MVDate::date());
+    row.setPriority(priority);
+    row.setLocation(location);
+    row.setProject(project);
+    row.setDelegateToUser(delegateToUser);
+    row.setCompany(company);
+    row.setCalendarID(calendarID);
+    row.setTypeCalendarID(typeCalendarID);
+    row.setCalendarTitle(calendarTitle);
+    row.setAllowsContentModifications(allowsContentModifications);
+    row.setColorCalendarR(red);
+    row.setColorCalendarG(green);
+    row.setColorCalendarB(blue);
+    row.setColorCalendarA(alpha);
+    row.setLastModificationDate(lastModificationDate);
 }
 
 std::vector<TaskPtr> otherRows(const EntityTask &task)

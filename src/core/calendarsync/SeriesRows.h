@@ -22,6 +22,30 @@ std::vector<TaskPtr> otherRows(const EntityTask &task);
 /// Whether a row of the same series lies after another.
 bool isLater(const EntityTask &row, const EntityTask &task);
 
+/// What all rows of a series share and no calendar keeps, as one row has it.
+class SharedFields
+{
+public:
+    explicit SharedFields(const EntityTask &task);
+    /// A row that thereby becomes done and does not say when was done now.
+    void writeTo(EntityTask &row) const;
+
+private:
+    CategoryPtr category;
+    std::optional<int> type, status, priority;
+    std::shared_ptr<EntityLocation> location;
+    ProjectPtr project;
+    ContactPtr delegateToUser;
+    CompanyPtr company;
+    QString calendarID, typeCalendarID, calendarTitle;
+    std::optional<bool> allowsContentModifications;
+    std::optional<double> red, green, blue, alpha;
+    OptionalDate lastModificationDate;
+};
+
+/// Copies alerts to a row by their distance from its own base date; those of a ToDo by their time of day.
+void copyAlerts(const EntityTask &from, EntityTask &row, const AlertOffsets &offsets);
+
 /// Copies an edit of one occurrence to a row of its series, which keeps its own day.
 void copyEdit(const EntityTask &from, EntityTask &row, const AlertOffsets &offsets);
 

@@ -103,6 +103,12 @@ void MVTask::setTaskValues()
     isNew = wasNew;
 }
 
+void MVTask::moveToRow(TaskPtr task)
+{
+    row = std::move(task);
+    setTaskValues();
+}
+
 MVTask &MVTask::save()
 {
     isNew = false;

@@ -23,8 +23,9 @@ public:
     /// Validates and stores a working copy; `autoSave` commits. True: it was handled (also when the user gave
     /// up the question about a series); false: a message or a failed commit stopped it.
     static bool saveTaskTemp(MVTask &task, bool autoSave);
-    /// The calendar side of a save of one occurrence or of the rest of a series.
-    static void saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat);
+    /// The calendar side of a save of one occurrence or of the rest of a series. Gives the row that stands
+    /// for the task from now on; null if it was deleted.
+    static TaskPtr saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat);
     /// The same for a working copy that has a row.
     static void saveActionWithDate(OptionalDate date, Span span, const MVTask &task, bool wasRepeat);
     /// Deletes one task and what hangs on it, without a question and without saving.

@@ -111,11 +111,18 @@ bool isOffCalendar(const EntityTask &task)
            (!task.startDate() && task.type() != static_cast<int>(TaskType::EmailCall));
 }
 
+/// The row can have been replaced, or have gone with what the calendars no longer show.
+void followRow(MVTask &task, const TaskPtr &row)
+{
+    if (row && row != task.task())
+        task.moveToRow(row);
+}
+
 void saveSingle(MVTask &task, OptionalDate oldDate)
 {
     task.save();
     if (isOffCalendar(task))
-        CalendarEvent::removeEventCalendarFromTask(task.task(), Span::FutureTasks, false);
+        followRow(task, CalendarEvent::removeEventCalendarFromTask(task.task(), Span::FutureTasks, false));
     else
         CalendarEvent::initEventCalendarFromTask(*task.task(), Span::FutureTasks, oldDate, false);
     post(notifications::taskChange, task.task());
@@ -132,7 +139,7 @@ bool saveMemberOfSeries(MVTask &task, OptionalDate oldDate)
         return false;
     task.save();
     const Span span = answer == Alert::firstButton ? Span::ThisTask : Span::FutureTasks;
-    TaskManager::saveWithDate(oldDate, task.task(), span, true);
+    followRow(task, TaskManager::saveWithDate(oldDate, task.task(), span, true));
     return true;
 }
 
@@ -195,13 +202,15 @@ bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
     return true;
 }
 
-void TaskManager::saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat)
+TaskPtr TaskManager::saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat)
 {
+    TaskPtr row = task;
     if (isOffCalendar(*task))
-        CalendarEvent::removeEventCalendarFromTask(task, span, false);
+        row = CalendarEvent::removeEventCalendarFromTask(task, span, false);
     else
         CalendarEvent::initEventCalendarFromTask(*task, span, date, wasRepeat);
     post(notifications::reloadTasks, task);
+    return row;
 }
 
 void TaskManager::saveActionWithDate(OptionalDate date, Span span, const MVTask &task, bool wasRepeat)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "eventkit/EKEvent.h"
 #include "foundation/Error.h"
 #include "objectstore/ObjectList.h"
 #include "objectstore/Predicate.h"
@@ -84,6 +85,27 @@ public:
     /// The Appointments, mails and calls due on a day, done ones included.
     static TaskList getTimeItemsForDate(Date date);
     static TaskList allDelayTasks();
+
+    // Tasks and the calendars.
+    /// The row of an event: of its title or identifier, not done, and at its times within a minute.
+    static TaskPtr getTaskByEvent(const EKEvent &event);
+    /// Visible rows of one identifier, or of any, by start.
+    static TaskList getAllTasksWithCalendarID(const std::optional<QString> &calendarID);
+    static TaskList getAllTasksWithOnlyCalendarIDs();
+    /// In spite of its name: those that do lie on a calendar.
+    static TaskList getAllTasksWithTypeCalendarIDIsNil();
+    static TaskList getAllTasksWithCalendarTitle(const QString &title);
+    /// Groups of one identifier, each by start. A dated row without an identifier is a group of its own.
+    static std::vector<std::vector<TaskPtr>>
+    getTasksGroupedCalendarIDfromTasks(const std::vector<TaskPtr> &tasks);
+    /// With access to calendars only those that may be changed.
+    static std::vector<TaskPtr> getAllModifyTasksFromTasks(const std::vector<TaskPtr> &tasks);
+    /// Deletes the rows of a calendar whose events the store no longer has, and saves.
+    static void removeAllTasksByCalendarIdentifier(const QString &identifier);
+    /// Unlinks all rows from the calendars; of a series one row stays.
+    static void setNilForCalendarIDTasks();
+    static ObjectList<EntityLocation> getLocationsByLatitude(double latitude, double andLongitude,
+                                                             const QString &andTitle);
 
     // Other entities.
     enum CategoryKind { WithTasks = 0, WithoutTasks = 1, EveryKind = -1 };

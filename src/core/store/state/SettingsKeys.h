@@ -29,6 +29,7 @@ inline const QString defaultCalendar = QStringLiteral("defaultCalendar");
 inline const QString savedChooseCalendars = QStringLiteral("savedChooseCalendars");
 inline const QString dictionaryCalendarsData = QStringLiteral("dictionaryCalendarsData");
 inline const QString handleBeforeAllCalendarsSync = QStringLiteral("handleBeforeAllCalendarsSync");
+inline const QString eventsAtLastPass = QStringLiteral("eventsAtLastPass");
 inline const QString statusRequestAccessToCalendar = QStringLiteral("statusRequestAccessToCalendar");
 inline const QString nowAccessToAppleCalendar = QStringLiteral("nowAccessToAppleCalendar");
 

@@ -1,0 +1,297 @@
+#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarStoreState.h"
+#include "foundation/Localization.h"
+#include "foundation/Log.h"
+#include "foundation/TextFolding.h"
+#include "foundation/UserDefaults.h"
+#include "store/AppDelegate.h"
+#include "store/state/SettingsKeys.h"
+
+#include <algorithm>
+#include <map>
+
+// The calendars that the store has, by the names that the organiser gives them.
+
+namespace {
+
+using calendarstore::state;
+
+const QString ownTitle = QStringLiteral("Morvane Pro");
+const QString readOnlyMark = QStringLiteral("[<±>]");
+const QString separator = QStringLiteral("Ω");
+const QString cloudSource = QStringLiteral("icloud");
+
+bool isCloud(const EKSource &source)
+{
+    return source.sourceType == EKSourceType::CalDAV && source.title.toLower() == cloudSource;
+}
+
+std::vector<EKCalendar> ownCalendars()
+{
+    std::vector<EKCalendar> own = CalendarEvent::getAllCalendars();
+    std::erase_if(own, [](const EKCalendar &one) { return one.title != ownTitle; });
+    return own;
+}
+
+bool isSameCalendar(const EKCalendar &one, const EKCalendar &other)
+{
+    return one.calendarIdentifier == other.calendarIdentifier;
+}
+
+bool isChosen(const EKCalendar &calendar)
+{
+    const std::vector<EKCalendar> chosen = CalendarEvent::getAllAccessCalendars();
+    return std::any_of(chosen.begin(), chosen.end(),
+                       [&](const EKCalendar &one) { return isSameCalendar(one, calendar); });
+}
+
+/// Of calendars with the program's own title the first takes the events of the others.
+void removeDuplicateCalendars(const std::vector<EKCalendar> &calendars)
+{
+    EKEventStore &store = CalendarEvent::eventStore();
+    for (size_t place = 1; place < calendars.size(); ++place) {
+        for (EKEvent &event :
+             CalendarEvent::eventsForCalendars({calendars[place]}).value_or(std::vector<EKEvent>())) {
+            event.calendar = calendars.front();
+            if (const auto error = store.saveEvent(event, EKSpan::FutureEvents, false))
+                Log::line(error->message);
+        }
+        if (const auto error = store.removeCalendar(calendars[place], false))
+            Log::line(QStringLiteral("removing calendar %1: %2").arg(calendars[place].title, error->message));
+    }
+    store.commit();
+    state().calendars.reset();
+}
+
+std::optional<EKSource> sourceOfOwnCalendar()
+{
+    const auto sources = CalendarEvent::eventStore().sources();
+    if (!sources)
+        return std::nullopt;
+    const std::vector<EKSource> &all = sources.value();
+    auto found = std::find_if(all.begin(), all.end(), isCloud);
+    if (found == all.end())
+        found = std::find_if(all.begin(), all.end(),
+                             [](const EKSource &one) { return one.sourceType == EKSourceType::Local; });
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+/// What is shown for titles that every desktop has in English.
+QString localizedIfOneOf(const QString &title, const std::vector<std::pair<QString, QString>> &words)
+{
+    for (const auto &[name, shown] : words) {
+        if (title.compare(name, Qt::CaseInsensitive) == 0)
+            return localized(shown);
+    }
+    return title;
+}
+
+} // namespace
+
+std::vector<EKCalendar> CalendarEvent::getAllCalendars()
+{
+    EKEventStore &store = eventStore();
+    if (!state().calendars) {
+        auto found = store.calendarsForEntityType(EKEntityType::Event);
+        if (!found) {
+            Log::line(found.error().message);
+            return {};
+        }
+        state().calendars = std::move(*found);
+    }
+    return *state().calendars;
+}
+
+std::vector<EKCalendar> CalendarEvent::getAllAccessCalendars()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    if (!defaults.contains(settings::savedChooseCalendars) &&
+        AppDelegate::version() == QStringLiteral("3.0") && isOurCalendar()) {
+        if (const auto own = getCalendar()) {
+            defaults.setObject(settings::savedChooseCalendars, identifierOfCalendar(*own));
+            defaults.setObject(settings::defaultCalendar, identifierOfCalendar(*own));
+        }
+    }
+    const QString saved = defaults.string(settings::savedChooseCalendars);
+    if (saved.isEmpty())
+        return {};
+    const QStringList references = saved.split(separator);
+    std::vector<EKCalendar> chosen = getAllCalendars();
+    std::erase_if(chosen, [&references](const EKCalendar &one) {
+        return !references.contains(identifierOfCalendar(one));
+    });
+    return chosen;
+}
+
+std::vector<EKCalendar>
+CalendarEvent::getAllModifiedCalendarsFromCalendars(const std::vector<EKCalendar> &calendars)
+{
+    std::vector<EKCalendar> writable = calendars;
+    std::erase_if(writable, [](const EKCalendar &one) { return !one.allowsContentModifications; });
+    return writable;
+}
+
+std::optional<EKCalendar> CalendarEvent::getCalendar()
+{
+    if (!hasAccesToCalendar())
+        return std::nullopt;
+    const auto keep = [](const EKCalendar &calendar) {
+        UserDefaults::standard().setObject(settings::ownCalendarIdentifier, identifierOfCalendar(calendar));
+        UserDefaults::standard().synchronize();
+    };
+    if (const std::vector<EKCalendar> own = ownCalendars(); !own.empty()) {
+        keep(own.front());
+        return own.front();
+    }
+    const std::optional<EKSource> source = sourceOfOwnCalendar();
+    if (!source)
+        return std::nullopt;
+    EKCalendar made = EKCalendar::calendarForEntityType(EKEntityType::Event, eventStore());
+    made.title = ownTitle;
+    made.source = *source;
+    if (!eventStore().saveCalendar(made, true)) {
+        Log::line(QStringLiteral("Calendar saved!"));
+        keep(made);
+    }
+    state().calendars.reset();
+    return made;
+}
+
+bool CalendarEvent::isOurCalendar()
+{
+    if (!hasAccesToAppleCalendar())
+        return false;
+    const std::vector<EKCalendar> own = ownCalendars();
+    if (own.size() > 1)
+        removeDuplicateCalendars(own);
+    return !own.empty();
+}
+
+std::optional<EKCalendar> CalendarEvent::setDefaultCalendarFromAppleCalendar()
+{
+    const std::optional<EKCalendar> calendar = eventStore().defaultCalendarForNewEvents();
+    if (calendar) {
+        UserDefaults::standard().setObject(settings::defaultCalendar, identifierOfCalendar(*calendar));
+        UserDefaults::standard().synchronize();
+    }
+    return calendar;
+}
+
+std::optional<EKCalendar> CalendarEvent::getDefaultCalendar()
+{
+    if (!hasAccesToCalendar())
+        return std::nullopt;
+    const QString reference = UserDefaults::standard().string(settings::defaultCalendar);
+    return reference.isEmpty() ? setDefaultCalendarFromAppleCalendar() : calendarOfIdentifier(reference);
+}
+
+std::optional<EKCalendar> CalendarEvent::getDefaultAccessCalendar()
+{
+    if (!hasAccesToCalendar())
+        return std::nullopt;
+    const QString reference = UserDefaults::standard().string(settings::defaultCalendar);
+    if (reference.isEmpty())
+        return setDefaultCalendarFromAppleCalendar();
+    const std::optional<EKCalendar> calendar = calendarOfIdentifier(reference);
+    return calendar && isChosen(*calendar) ? calendar : std::nullopt;
+}
+
+QString CalendarEvent::identifierOfCalendar(const EKCalendar &calendar)
+{
+    if (calendar.allowsContentModifications)
+        return calendar.title;
+    return calendar.title + readOnlyMark + calendar.calendarIdentifier;
+}
+
+std::optional<EKCalendar> CalendarEvent::calendarOfIdentifier(const QString &identifier)
+{
+    if (identifier.isNull())
+        return std::nullopt;
+    const qsizetype mark = identifier.indexOf(readOnlyMark);
+    if (mark < 0)
+        return calendarOfTitle(identifier);
+    const QString wanted = identifier.mid(mark + readOnlyMark.size());
+    for (const EKCalendar &one : getAllCalendars()) {
+        if (one.calendarIdentifier == wanted)
+            return one;
+    }
+    return std::nullopt;
+}
+
+std::optional<EKCalendar> CalendarEvent::calendarOfTitle(const QString &title)
+{
+    for (const EKCalendar &one : getAllAccessCalendars()) {
+        if (one.title == title)
+            return one;
+    }
+    return std::nullopt;
+}
+
+bool CalendarEvent::calendarAccessOfCalendarTypeIdentifier(const QString &identifier)
+{
+    const std::optional<EKCalendar> calendar = calendarOfIdentifier(identifier);
+    return calendar && isChosen(*calendar);
+}
+
+bool CalendarEvent::calendarAccessOfTitle(const QString &title)
+{
+    return calendarOfTitle(title).has_value();
+}
+
+EKColor CalendarEvent::getColorOfCalendar(const EKCalendar &calendar)
+{
+    constexpr EKColor quiet{0.3059, 0.4196, 0.5686, 1};
+    EKColor color = calendar.color.value_or(quiet);
+    color.alpha = 1;
+    return color;
+}
+
+QString CalendarEvent::localizedTitleCalendar(const EKCalendar &calendar)
+{
+    if (calendar.allowsContentModifications)
+        return calendar.title;
+    static const QString birthdays = QStringLiteral("Birthdays");
+    static const QString foundInMail = QStringLiteral("Found in Mail");
+    static const QString contacts = QStringLiteral("Contacts");
+    return localizedIfOneOf(calendar.title,
+                            {{birthdays, birthdays}, {foundInMail, foundInMail}, {contacts, contacts}});
+}
+
+QString CalendarEvent::localizedTitleSource(const EKSource &source)
+{
+    static const QString subscribed = QStringLiteral("Subscribed Calendars");
+    return localizedIfOneOf(source.title, {{QStringLiteral("Other"), QStringLiteral("Other calendar")},
+                                           {subscribed, subscribed}});
+}
+
+int CalendarEvent::getSourceType()
+{
+    const auto sources = eventStore().sources();
+    const bool hasCloud = sources && std::any_of(sources.value().begin(), sources.value().end(), isCloud);
+    return hasCloud ? static_cast<int>(EKSourceType::CalDAV) : 0;
+}
+
+CalendarChooserData CalendarEvent::sortingAndGroupingByTitleForData(bool onlyAccessModified)
+{
+    const std::vector<EKCalendar> calendars =
+        onlyAccessModified ? getAllModifiedCalendarsFromCalendars(getAllAccessCalendars())
+                           : getAllCalendars();
+    const QStringList references =
+        UserDefaults::standard().string(settings::savedChooseCalendars).split(separator);
+    CalendarChooserData result;
+    // From the high end of the alphabet down, as titles of sources go.
+    std::map<QString, std::vector<EKCalendar>, std::greater<>> groups;
+    for (const EKCalendar &one : calendars) {
+        groups[one.source.title].push_back(one);
+        if (references.contains(identifierOfCalendar(one)))
+            result.selected.push_back(one);
+    }
+    for (auto &[title, group] : groups) {
+        std::stable_sort(group.begin(), group.end(), [](const EKCalendar &one, const EKCalendar &other) {
+            return one.title < other.title;
+        });
+        result.data.emplace_back(localizedTitleSource(group.front().source));
+        result.data.insert(result.data.end(), group.begin(), group.end());
+    }
+    return result;
+}

@@ -1,0 +1,178 @@
+#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/PassBrake.h"
+#include "calendarsync/PassRows.h"
+#include "calendarsync/RowFate.h"
+#include "foundation/Log.h"
+#include "records/dates/MVDate.h"
+#include "store/AppDelegate.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+
+#include <unordered_set>
+
+// A pass from the calendars to the rows: the calendars are right about what they hold.
+
+namespace {
+
+bool isOff(const EntityTask &row, const EKEvent &event)
+{
+    // A row that may not be changed and has another title is not trusted to be the event's.
+    return !row.allowsContentModifications().value_or(true) && row.title() != event.title;
+}
+
+/// One pass; it keeps which rows an event has claimed.
+class Pass
+{
+public:
+    explicit Pass(const std::vector<EKEvent> &events)
+        : rows(events)
+    {}
+
+    void take(const std::vector<EKEvent> &group)
+    {
+        if (group.size() == 1 && !group.front().hasRecurrenceRules())
+            takeSingle(group.front());
+        else
+            takeSeries(group);
+    }
+    std::vector<TaskPtr> unclaimed() const
+    {
+        std::vector<TaskPtr> left;
+        for (const TaskPtr &row : rows.linked()) {
+            if (!claimed.contains(row.get()) && row->context() && !row->isDeleted())
+                left.push_back(row);
+        }
+        return left;
+    }
+    size_t linkedCount() const { return rows.linked().size(); }
+
+private:
+    void claim(const TaskPtr &row, const EKEvent &event)
+    {
+        const QString title = row->title();
+        const QString item = row->calendarID();
+        row->setCalendarID(event.calendarItemExternalIdentifier);
+        CalendarEvent::syncEvent(event, *row);
+        if (title != row->title() || item != row->calendarID())
+            rows.note(row);
+        claimed.insert(row.get());
+    }
+    void takeSingle(const EKEvent &event)
+    {
+        TaskPtr row = rows.firstOfCalendarItem(event.calendarItemExternalIdentifier);
+        if (!row || isOff(*row, event))
+            row = rows.rowOf(event);
+        if (row && isOff(*row, event))
+            row = nullptr;
+        claim(row ? row : newRow(event, nullptr), event);
+    }
+    void takeSeries(const std::vector<EKEvent> &group)
+    {
+        const Date last =
+            MVDate::date() + Seconds(static_cast<double>(
+                                 AppDelegate::shared()->dataConteiner().rightIntervalAccessCalendar()));
+        for (size_t place = 0; place < group.size(); ++place) {
+            if (place > 0 && group[place - 1].startDate && *group[place - 1].startDate >= last)
+                break;
+            const EKEvent &event = group[place];
+            TaskPtr row = rows.rowOf(event);
+            if (!row)
+                row = newRow(event, rows.firstOfTitle(event.title));
+            claim(row, event);
+            takeRule(event, *row);
+        }
+    }
+    static void takeRule(const EKEvent &event, EntityTask &row)
+    {
+        if (!event.hasRecurrenceRules())
+            row.setRepeat(QString());
+        for (const EKRecurrenceRule &rule : event.recurrenceRules) {
+            row.setRepeat(rule.stringForICalendar());
+            if (rule.recurrenceEnd() && rule.recurrenceEnd()->endDate())
+                row.setEndRepeat(rule.recurrenceEnd()->endDate());
+        }
+    }
+    /// What only the organiser knows comes from a row of the same title, if there is one.
+    static TaskPtr newRow(const EKEvent &event, const TaskPtr &model)
+    {
+        const TaskPtr row = mainContext().insert<EntityTask>();
+        if (model) {
+            row->setCategory(model->category());
+            row->setProject(model->project());
+            row->setCompany(model->company());
+            row->setDelegateToUser(model->delegateToUser());
+            row->setLocation(model->location());
+            row->setType(model->type());
+            row->setStatus(model->status());
+            row->setPriority(model->priority());
+        } else {
+            if (event.calendar && event.calendar->allowsContentModifications)
+                row->setCategory(EntityCategory::getCustom());
+            row->setType(static_cast<int>(TaskType::ToDo));
+            row->setStatus(static_cast<int>(TaskStatus::Open));
+            row->setPriority(static_cast<int>(Priority::None));
+        }
+        row->setCreationDate(MVDate::date());
+        row->setLastModificationDate(MVDate::date());
+        return row;
+    }
+
+    PassRows rows;
+    std::unordered_set<const EntityTask *> claimed;
+};
+
+bool hasItemOutside(const EntityTask &row, const DateInterval &window)
+{
+    if (!row.repeat().isEmpty())
+        return false;
+    const auto items = CalendarEvent::eventStore().calendarItemsWithExternalIdentifier(row.calendarID());
+    // What cannot be asked for may be there.
+    if (!items)
+        return true;
+    return std::any_of(items.value().begin(), items.value().end(), [&window](const EKEvent &item) {
+        return item.startDate && (*item.startDate < window.start || *item.startDate > window.end);
+    });
+}
+
+bool goes(const TaskPtr &row, const TaskPtr &onlyTask, const DateInterval &window)
+{
+    rowfate::Facts facts;
+    facts.isDone = row->status() == static_cast<int>(TaskStatus::Done);
+    facts.hasCalendarItem = !row->calendarID().isEmpty();
+    facts.dueDate = row->dueDate();
+    facts.date = row->startDate() ? row->startDate() : row->dueDate();
+    facts.window = window;
+    facts.allowsChanges = row->allowsContentModifications().value_or(true);
+    facts.isOutsideOfPass = onlyTask && row != onlyTask;
+    if (const auto decision = rowfate::decideAtOnce(facts))
+        return decision->fate == rowfate::Fate::Goes;
+    facts.isCalendarChosen = CalendarEvent::calendarAccessOfCalendarTypeIdentifier(row->typeCalendarID());
+    facts.wasCreatedOffCalendar = row->wasCreatedOffCalendar().value_or(false);
+    facts.hasItemOutsideOfWindow = facts.isCalendarChosen && hasItemOutside(*row, window);
+    return rowfate::decide(facts).fate == rowfate::Fate::Goes;
+}
+
+} // namespace
+
+void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
+{
+    if (DBWorker::isSample() || !hasAccesToCalendar())
+        return;
+    const auto events = eventsForCalendars(getAllAccessCalendars());
+    // Calendars that cannot be reached are not empty ones.
+    if (!events)
+        return;
+    Pass pass(*events);
+    for (const std::vector<EKEvent> &group : getEventsGroupedCalendarIDfromAllEvents(*events))
+        pass.take(group);
+    const DateInterval seen = window();
+    std::vector<TaskPtr> going;
+    for (const TaskPtr &row : pass.unclaimed()) {
+        if (goes(row, task, seen))
+            going.push_back(row);
+    }
+    if (!task && !passbrake::mayDelete(going, pass.linkedCount(), events->size()))
+        return;
+    for (const TaskPtr &row : going)
+        mainContext().deleteObject(row);
+}

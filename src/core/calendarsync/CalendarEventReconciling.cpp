@@ -1,0 +1,152 @@
+#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarStoreState.h"
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/SettingsKeys.h"
+
+#include <QStringList>
+#include <QVariantMap>
+
+#include <algorithm>
+#include <map>
+
+// Following calendars that were renamed or removed, and keeping the titles of writable ones apart.
+
+namespace {
+
+using calendarstore::state;
+
+const QString separator = QStringLiteral("Ω");
+
+std::map<QString, int> countOfTitles(const std::vector<EKCalendar> &calendars)
+{
+    std::map<QString, int> counts;
+    for (const EKCalendar &one : calendars)
+        ++counts[one.title];
+    return counts;
+}
+
+bool isInCloud(const EKSource &source)
+{
+    return source.sourceType == EKSourceType::CalDAV && source.title.toLower() == QStringLiteral("icloud");
+}
+
+bool isBirthdaysOfExchange(const EKCalendar &calendar)
+{
+    return calendar.source.sourceType == EKSourceType::Exchange &&
+           calendar.title == QStringLiteral("Birthdays");
+}
+
+void saveTitle(EKCalendar calendar, const QString &title)
+{
+    calendar.title = title;
+    if (const auto error = CalendarEvent::eventStore().saveCalendar(calendar, true))
+        Log::line(error->message);
+    state().calendars.reset();
+}
+
+/// A task names its calendar by title, so that no two writable ones may share it.
+void keepTitlesApart()
+{
+    const std::vector<EKCalendar> calendars = CalendarEvent::getAllCalendars();
+    std::map<QString, int> counts = countOfTitles(calendars);
+    int number = 0;
+    for (const EKCalendar &one : calendars) {
+        if (counts[one.title] < 2 || !one.allowsContentModifications || isBirthdaysOfExchange(one))
+            continue;
+        if (one.source.sourceType == EKSourceType::Local || isInCloud(one.source)) {
+            saveTitle(one, one.title + QString::number(++number));
+            counts = countOfTitles(CalendarEvent::getAllCalendars());
+        } else {
+            saveTitle(one, QStringLiteral("%1 (%2)").arg(one.title, one.source.title));
+        }
+    }
+}
+
+const EKCalendar *find(const std::vector<EKCalendar> &calendars, const QString &identifier)
+{
+    const auto found = std::find_if(calendars.begin(), calendars.end(), [&](const EKCalendar &one) {
+        return one.calendarIdentifier == identifier;
+    });
+    return found == calendars.end() ? nullptr : &*found;
+}
+
+void followRename(const QString &formerTitle, const QString &title)
+{
+    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(formerTitle)) {
+        if (task)
+            task->setCalendarTitle(title);
+    }
+    UserDefaults &defaults = UserDefaults::standard();
+    if (defaults.string(settings::defaultCalendar) == formerTitle)
+        defaults.setObject(settings::defaultCalendar, title);
+}
+
+/// Whether something changed since the titles were last written down.
+bool followCalendars(const std::vector<EKCalendar> &calendars)
+{
+    const QVariantMap known = UserDefaults::standard().object(settings::dictionaryCalendarsData).toMap();
+    bool isChanged = false;
+    for (auto entry = known.begin(); entry != known.end(); ++entry) {
+        if (entry.key().isEmpty())
+            continue;
+        const QString formerTitle = entry.value().toString();
+        const EKCalendar *calendar = find(calendars, entry.key());
+        if (!calendar) {
+            DBWorker::removeAllTasksByCalendarIdentifier(formerTitle);
+            isChanged = true;
+        } else if (!formerTitle.isEmpty() && !calendar->title.isEmpty() && calendar->title != formerTitle) {
+            followRename(formerTitle, calendar->title);
+            isChanged = true;
+        }
+    }
+    return isChanged;
+}
+
+/// Of a renamed calendar the former name stands in the old text.
+void rebuildChosen(const std::vector<EKCalendar> &calendars, const QVariantMap &formerTitles)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    const QString former = defaults.string(settings::savedChooseCalendars);
+    const QStringList formerReferences = former.split(separator);
+    QStringList chosen;
+    for (const EKCalendar &one : calendars) {
+        const QString reference = CalendarEvent::identifierOfCalendar(one);
+        const QString formerTitle = formerTitles.value(one.calendarIdentifier).toString();
+        EKCalendar before = one;
+        before.title = formerTitle;
+        const bool wasChosen =
+            !formerTitle.isEmpty() && formerReferences.contains(CalendarEvent::identifierOfCalendar(before));
+        if (former.contains(reference) || wasChosen)
+            chosen.append(reference);
+    }
+    defaults.setObject(settings::savedChooseCalendars, chosen.join(separator));
+}
+
+} // namespace
+
+void CalendarEvent::handleChangedCalendars()
+{
+    if (!hasAccesToCalendar())
+        return;
+    // Calendars that cannot be asked for were not removed.
+    state().calendars.reset();
+    const auto reached = eventStore().calendarsForEntityType(EKEntityType::Event);
+    if (!reached)
+        return Log::line(reached.error().message);
+    UserDefaults &defaults = UserDefaults::standard();
+    const QVariantMap formerTitles = defaults.object(settings::dictionaryCalendarsData).toMap();
+    if (reached.value().empty() && !formerTitles.isEmpty())
+        return Log::line(QStringLiteral("All calendars are gone; their tasks are kept."));
+    keepTitlesApart();
+    const std::vector<EKCalendar> calendars = getAllCalendars();
+    const bool isChanged = followCalendars(calendars);
+    QVariantMap titles;
+    for (const EKCalendar &one : calendars)
+        titles.insert(one.calendarIdentifier, one.title);
+    defaults.setObject(settings::dictionaryCalendarsData, titles);
+    if (isChanged)
+        rebuildChosen(calendars, formerTitles);
+    defaults.synchronize();
+}

@@ -1,0 +1,205 @@
+#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/SeriesRows.h"
+#include "calendarsync/StoreReach.h"
+#include "foundation/Log.h"
+#include "records/MVTask.h"
+#include "records/dates/MTDates.h"
+#include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+
+// Taking tasks out of the calendars.
+
+namespace {
+
+constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
+
+TaskPtr leftOf(const TaskPtr &task)
+{
+    return task->context() && !task->isDeleted() ? task : nullptr;
+}
+
+void removeOffline(const TaskPtr &task, Span span, bool isDeleteTasks)
+{
+    if (!isDeleteTasks)
+        return CalendarEvent::initEventCalendarFromTask(*task, span, std::nullopt, true);
+    if (span == Span::FutureTasks) {
+        for (const TaskPtr &row : series::otherRows(*task)) {
+            if (series::isLater(*row, *task))
+                mainContext().deleteObject(row);
+        }
+    }
+    mainContext().deleteObject(task);
+}
+
+bool removeFromStore(const EKEvent &event, EKSpan span)
+{
+    const auto error = CalendarEvent::eventStore().removeEvent(event, span, true);
+    if (error)
+        Log::line(error->message);
+    return !error;
+}
+
+/// A task that leaves the calendar gets a row of its own, so that no later pass pairs it with its old event.
+TaskPtr replaceRow(const TaskPtr &task)
+{
+    task->setCalendarID(QString());
+    MVTask copy(task);
+    copy.detach();
+    copy.save();
+    mainContext().deleteObject(task);
+    return copy.task();
+}
+
+TaskPtr removeSingle(const TaskPtr &task, bool isDeleteTasks)
+{
+    const std::vector<EKEvent> events = CalendarEvent::eventsWithExternalIdentifier(task->calendarID());
+    std::optional<EKEvent> event;
+    if (events.size() == 1)
+        event = events.front();
+    else
+        event = CalendarEvent::eventByStartDateOfTask(task->startDate() ? task->startDate() : task->dueDate(),
+                                                      events);
+    if (event)
+        removeFromStore(*event, EKSpan::FutureEvents);
+    if (!isDeleteTasks)
+        return replaceRow(task);
+    mainContext().deleteObject(task);
+    return nullptr;
+}
+
+/// The days of a task, by which its occurrence is found.
+struct OccurrenceDays
+{
+    OptionalDate start;
+    OptionalDate end;
+
+    explicit OccurrenceDays(const EntityTask &task)
+        : start(task.startDate())
+        , end(task.dueDate())
+    {
+        if (end && task.type().value_or(0) == static_cast<int>(TaskType::ToDo))
+            end = MTDates::endOfCurrentDay(*end);
+    }
+    bool isOf(const EKEvent &event) const
+    {
+        const bool hasSameEnd = end && MTDates::isWithinSameDay(lastMomentOf(event), *end);
+        return hasSameEnd && (!start || MTDates::isWithinSameDay(*event.startDate, *start));
+    }
+    bool isBefore(const EKEvent &event) const
+    {
+        return start ? *event.startDate > *start : end && lastMomentOf(event) > *end;
+    }
+    static Date lastMomentOf(const EKEvent &event)
+    {
+        // A moment has no second before its end that would still be its own.
+        return event.allDay || event.startDate == event.endDate ? *event.endDate
+                                                                : *event.endDate - Seconds(1);
+    }
+};
+
+std::vector<EKEvent> occurrencesOf(const EntityTask &task)
+{
+    const std::vector<EKEvent> known = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    std::vector<EKEvent> dated;
+    for (const EKEvent &one : known) {
+        if (one.startDate && one.endDate)
+            dated.push_back(one);
+    }
+    return dated;
+}
+
+/// A series of which one event is left is none.
+void endSeriesOfOne(const QString &identifier)
+{
+    std::vector<EKEvent> left = CalendarEvent::eventsWithExternalIdentifier(identifier);
+    if (left.size() != 1 || !left.front().hasRecurrenceRules())
+        return;
+    left.front().recurrenceRules.clear();
+    if (const auto error = CalendarEvent::eventStore().saveEvent(left.front(), EKSpan::FutureEvents, true))
+        Log::line(error->message);
+}
+
+void keepAsDone(const EntityTask &task, EntityTask &row, OptionalDate endOfRule,
+                const series::AlertOffsets &offsets)
+{
+    series::SharedFields(task).writeTo(row);
+    row.setTitle(task.title());
+    row.setDetails(task.details());
+    row.setEndRepeat(endOfRule);
+    if (task.status() == doneStatus)
+        row.setExpirationDate(MVDate::date());
+    series::copyAlerts(task, row, offsets);
+}
+
+void removeFuture(const TaskPtr &task, bool isDeleteTasks, OptionalDate endOfRule)
+{
+    const auto offsets = series::AlertOffsets::of(*task);
+    std::vector<TaskPtr> future = {task};
+    std::vector<TaskPtr> earlier;
+    for (const TaskPtr &row : series::otherRows(*task))
+        (series::isLater(*row, *task) ? future : earlier).push_back(row);
+    const OptionalDate day = task->startDate() ? task->startDate() : task->dueDate();
+    for (const TaskPtr &row : earlier)
+        row->setEndRepeat(day ? OptionalDate(MTDates::endOfCurrentDay(*day)) : std::nullopt);
+    for (const TaskPtr &row : future) {
+        if (isDeleteTasks)
+            mainContext().deleteObject(row);
+        else if (row != task)
+            keepAsDone(*task, *row, endOfRule, offsets);
+    }
+    if (isDeleteTasks && earlier.size() == 1) {
+        earlier.front()->setRepeat(QString());
+        earlier.front()->setEndRepeat(std::nullopt);
+    }
+}
+
+void removeOne(const TaskPtr &task, bool isDeleteTasks)
+{
+    task->setCalendarID(QString());
+    task->setRepeat(QString());
+    task->setEndRepeat(std::nullopt);
+    if (!isDeleteTasks)
+        return;
+    CalendarEvent::syncCalendarToAppWithTask(task);
+    mainContext().deleteObject(task);
+}
+
+void removeOccurrences(const TaskPtr &task, Span span, bool isDeleteTasks)
+{
+    const OccurrenceDays days(*task);
+    const QString identifier = task->calendarID();
+    const bool isFuture = span == Span::FutureTasks;
+    OptionalDate endOfRule;
+    for (const EKEvent &event : occurrencesOf(*task)) {
+        if (!days.isOf(event) && !(isFuture && days.isBefore(event)))
+            continue;
+        if (event.hasRecurrenceRules() && event.recurrenceRules.front().recurrenceEnd())
+            endOfRule = event.recurrenceRules.front().recurrenceEnd()->endDate();
+        if (removeFromStore(event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent))
+            endSeriesOfOne(identifier);
+        break;
+    }
+    if (isFuture)
+        removeFuture(task, isDeleteTasks, endOfRule);
+    else
+        removeOne(task, isDeleteTasks);
+}
+
+} // namespace
+
+TaskPtr CalendarEvent::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
+{
+    if (DBWorker::isSample()) {
+        // Examples are on no calendar, but they can be deleted.
+        if (isDeleteTasks)
+            removeOffline(task, span, true);
+    } else if (calendarstore::isOffline() || task->calendarID().isEmpty()) {
+        removeOffline(task, span, isDeleteTasks);
+    } else if (task->repeat().isEmpty()) {
+        return removeSingle(task, isDeleteTasks);
+    } else {
+        removeOccurrences(task, span, isDeleteTasks);
+    }
+    return leftOf(task);
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "eventkit/EKEventStore.h"
+#include "foundation/Date.h"
+#include "foundation/NotificationCenter.h"
+
+#include <QString>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// What `CalendarEvent` keeps while the program runs. For its own source files.
+namespace calendarstore {
+
+struct State
+{
+    std::unique_ptr<EKEventStore> store;
+    /// The calendars for events as they were last seen; absent when they must be asked for again.
+    std::optional<std::vector<EKCalendar>> calendars;
+    Observation storeChanged;
+    /// Why repeating tasks may not be edited; empty while they may.
+    QString banMessage;
+    /// Events that this program wrote, by identifier, with the moment of the change.
+    std::map<QString, Date> changedEvents;
+    /// Whether the user was asked about a pass that would take away much, and what the answer was.
+    std::optional<bool> mayRemoveMany;
+};
+
+State &state();
+
+} // namespace calendarstore

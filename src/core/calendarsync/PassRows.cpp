@@ -1,0 +1,116 @@
+#include "calendarsync/PassRows.h"
+
+#include "calendarsync/CalendarEvent.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/EventMatching.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
+
+bool isLive(const TaskPtr &row)
+{
+    return row && row->context() && !row->isDeleted();
+}
+
+void addOnce(std::vector<TaskPtr> &rows, const TaskPtr &row)
+{
+    if (std::find(rows.begin(), rows.end(), row) == rows.end())
+        rows.push_back(row);
+}
+
+/// The first by start, absent starts before all others.
+template <typename Condition>
+TaskPtr firstByStart(const std::vector<TaskPtr> &rows, Condition condition)
+{
+    TaskPtr first;
+    for (const TaskPtr &row : rows) {
+        if (isLive(row) && condition(*row) && (!first || row->startDate() < first->startDate()))
+            first = row;
+    }
+    return first;
+}
+
+} // namespace
+
+PassRows::PassRows(const std::vector<EKEvent> &events)
+{
+    for (const EKCalendar &one : CalendarEvent::getAllAccessCalendars())
+        visibleCalendars.push_back(CalendarEvent::identifierOfCalendar(one));
+    for (const TaskPtr &row : mainContext().fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("calendarID != nil")))) {
+        if (!row)
+            continue;
+        note(row);
+        if (isVisible(*row))
+            linkedRows.push_back(row);
+    }
+    std::vector<QString> titles;
+    for (const EKEvent &event : events)
+        titles.push_back(event.title);
+    std::sort(titles.begin(), titles.end());
+    titles.erase(std::unique(titles.begin(), titles.end()), titles.end());
+    for (const TaskPtr &row : mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(
+             Predicate::format("title in %@ and calendarID == nil and status != %d", titles, doneStatus)))) {
+        if (row)
+            note(row);
+    }
+}
+
+bool PassRows::isVisible(const EntityTask &row) const
+{
+    const QString reference = row.typeCalendarID();
+    return reference.isEmpty() ||
+           std::find(visibleCalendars.begin(), visibleCalendars.end(), reference) != visibleCalendars.end();
+}
+
+void PassRows::note(const TaskPtr &row)
+{
+    addOnce(byTitle[row->title()], row);
+    if (!row->calendarID().isEmpty())
+        addOnce(byItem[row->calendarID()], row);
+}
+
+TaskPtr PassRows::rowOf(const EKEvent &event) const
+{
+    Rows candidates;
+    const auto take = [&candidates](const auto &index, const QString &key, const auto &hasStill) {
+        const auto found = index.find(key);
+        if (found == index.end())
+            return;
+        for (const TaskPtr &row : found->second) {
+            if (isLive(row) && row->status() != doneStatus && hasStill(*row))
+                candidates.push_back(row);
+        }
+    };
+    const QString &identifier = event.calendarItemExternalIdentifier;
+    take(byTitle, event.title, [&](const EntityTask &row) { return row.title() == event.title; });
+    take(byItem, identifier,
+         [&](const EntityTask &row) { return row.calendarID() == identifier && row.title() != event.title; });
+    std::stable_sort(candidates.begin(), candidates.end(), [](const TaskPtr &one, const TaskPtr &other) {
+        return one->dueDate() < other->dueDate();
+    });
+    return matching::rowOf(event, candidates);
+}
+
+TaskPtr PassRows::firstOfCalendarItem(const QString &identifier) const
+{
+    const auto found = byItem.find(identifier);
+    if (found == byItem.end())
+        return nullptr;
+    return firstByStart(found->second, [&](const EntityTask &row) {
+        return row.calendarID() == identifier && isVisible(row);
+    });
+}
+
+TaskPtr PassRows::firstOfTitle(const QString &title) const
+{
+    const auto found = byTitle.find(title);
+    if (found == byTitle.end())
+        return nullptr;
+    return firstByStart(found->second, [&](const EntityTask &row) {
+        return row.title() == title && row.status() != doneStatus && isVisible(row);
+    });
+}

@@ -1,0 +1,44 @@
+#include "store/queries/EventMatching.h"
+
+#include "records/dates/MTDates.h"
+
+#include <cmath>
+
+namespace matching {
+
+namespace {
+
+constexpr double tolerance = 60;
+
+bool isNear(Date date, OptionalDate other)
+{
+    return other && std::abs((date - *other).count()) <= tolerance;
+}
+
+bool isAtTimesOf(const EntityTask &row, const EKEvent &event)
+{
+    if (!row.dueDate())
+        return false;
+    const bool isToDo = row.type().value_or(0) == static_cast<int>(TaskType::ToDo);
+    const Date due = isToDo ? MTDates::endOfCurrentDay(*row.dueDate()) : *row.dueDate();
+    return isNear(due, event.endDate) && (!row.startDate() || isNear(*row.startDate(), event.startDate));
+}
+
+} // namespace
+
+TaskPtr rowOf(const EKEvent &event, const std::vector<TaskPtr> &candidates)
+{
+    TaskPtr best;
+    for (const TaskPtr &row : candidates) {
+        if (!row || !isAtTimesOf(*row, event))
+            continue;
+        if (event.hasRecurrenceRules())
+            return row;
+        const OptionalDate modified = row->lastModificationDate();
+        if (modified && (!best || *modified > *best->lastModificationDate()))
+            best = row;
+    }
+    return best;
+}
+
+} // namespace matching

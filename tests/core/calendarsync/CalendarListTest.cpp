@@ -1,0 +1,124 @@
+#include "CalendarTest.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class CalendarList : public CalendarTest
+{
+protected:
+    static QStringList titlesOf(const std::vector<EKCalendar> &calendars)
+    {
+        QStringList titles;
+        for (const EKCalendar &one : calendars)
+            titles.append(one.title);
+        titles.sort();
+        return titles;
+    }
+    void rename(const QString &folder, const QString &title) const
+    {
+        QFile file(folderOf(folder) + u"/displayname"_qs);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(title.toUtf8());
+    }
+};
+
+TEST_F(CalendarList, NamesWritableOnesByTitleAndReadOnlyOnesByIdentifier)
+{
+    EKCalendar writable;
+    writable.title = u"Home"_qs;
+    EKCalendar readOnly;
+    readOnly.title = u"Feast days"_qs;
+    readOnly.calendarIdentifier = u"id 7"_qs;
+    readOnly.allowsContentModifications = false;
+    EXPECT_EQ(CalendarEvent::identifierOfCalendar(writable), u"Home"_qs);
+    EXPECT_EQ(CalendarEvent::identifierOfCalendar(readOnly), u"Feast days[<±>]id 7"_qs);
+    EXPECT_FALSE(CalendarEvent::calendarOfIdentifier(QString()));
+    choose({u"Work"_qs});
+    EXPECT_FALSE(CalendarEvent::calendarOfIdentifier(u"Home"_qs))
+        << "only a chosen one is found by its title";
+    const QString identifier = CalendarEvent::getAllCalendars().at(0).calendarIdentifier;
+    EXPECT_TRUE(CalendarEvent::calendarOfIdentifier(u"any[<±>]"_qs + identifier));
+    EXPECT_EQ(CalendarEvent::localizedTitleCalendar(readOnly), u"Feast days"_qs);
+    EXPECT_EQ(CalendarEvent::localizedTitleSource({u"other"_qs, EKSourceType::Local, {}}),
+              u"Other calendar"_qs);
+}
+
+TEST_F(CalendarList, IsEmptyWithNothingChosenOrWithoutAccess)
+{
+    EXPECT_EQ(titlesOf(CalendarEvent::getAllAccessCalendars()), QStringList({u"Home"_qs, u"Work"_qs}));
+    UserDefaults::standard().removeObject(settings::savedChooseCalendars);
+    EXPECT_THAT(CalendarEvent::getAllAccessCalendars(), IsEmpty());
+    for (const int answer : {0, 2}) {
+        PlatformConfiguration::setAuthorization(u"events"_qs, answer);
+        EXPECT_FALSE(CalendarEvent::hasAccesToCalendar());
+        EXPECT_FALSE(CalendarEvent::getCalendar());
+        EXPECT_FALSE(CalendarEvent::isOurCalendar());
+    }
+}
+
+TEST_F(CalendarList, MakesItsOwnCalendarOnceAndJoinsSeveral)
+{
+    EXPECT_FALSE(CalendarEvent::isOurCalendar());
+    const auto own = CalendarEvent::getCalendar();
+    ASSERT_TRUE(own);
+    EXPECT_EQ(own->title, u"Morvane Pro"_qs);
+    EXPECT_EQ(CalendarEvent::getCalendar()->calendarIdentifier, own->calendarIdentifier);
+    EXPECT_EQ(UserDefaults::standard().string(settings::ownCalendarIdentifier), u"Morvane Pro"_qs);
+    write(u"Work"_qs, u"one"_qs, u"SUMMARY:One\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\n"_qs);
+    rename(u"Work"_qs, u"Morvane Pro"_qs);
+    connectStore();
+    EXPECT_TRUE(CalendarEvent::isOurCalendar());
+    connectStore();
+    EXPECT_EQ(titlesOf(CalendarEvent::getAllCalendars()), QStringList({u"Home"_qs, u"Morvane Pro"_qs}));
+}
+
+TEST_F(CalendarList, TitlesAreKeptApart)
+{
+    rename(u"Work"_qs, u"Home"_qs);
+    connectStore();
+    CalendarEvent::handleChangedCalendars();
+    EXPECT_EQ(titlesOf(CalendarEvent::getAllCalendars()), QStringList({u"Home"_qs, u"Home1"_qs}));
+}
+
+TEST_F(CalendarList, RenamedAndRemovedCalendarsAreFollowed)
+{
+    write(u"Home"_qs, u"one"_qs, u"SUMMARY:One\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\n"_qs);
+    UserDefaults::standard().setObject(settings::defaultCalendar, u"Work"_qs);
+    CalendarEvent::handleChangedCalendars();
+    pass();
+    rename(u"Home"_qs, u"House"_qs);
+    rename(u"Work"_qs, u"Job"_qs);
+    connectStore();
+    CalendarEvent::handleChangedCalendars();
+    EXPECT_EQ(titlesOf(CalendarEvent::getAllAccessCalendars()), QStringList({u"House"_qs, u"Job"_qs}))
+        << "a renamed calendar stays chosen";
+    EXPECT_EQ(rows().at(0)->calendarTitle(), u"House"_qs);
+    EXPECT_EQ(UserDefaults::standard().string(settings::defaultCalendar), u"Job"_qs);
+    pass();
+    ASSERT_THAT(rows(), SizeIs(1));
+    QDir(folderOf(u"Home"_qs)).removeRecursively();
+    connectStore();
+    CalendarEvent::handleChangedCalendars();
+    EXPECT_THAT(rows(), IsEmpty()) << "a removed calendar takes its tasks with it";
+}
+
+TEST_F(CalendarList, IsShownBySourcesFromTheEndOfTheAlphabet)
+{
+    QDir().mkpath(root.filePath(u"Cloud/Team"_qs));
+    connectStore();
+    choose({u"Team"_qs});
+    const CalendarChooserData chooser = CalendarEvent::sortingAndGroupingByTitleForData(false);
+    QStringList lines;
+    for (const CalendarChooserRow &row : chooser.data)
+        lines.append(std::holds_alternative<QString>(row) ? std::get<QString>(row)
+                                                          : u"- "_qs + std::get<EKCalendar>(row).title);
+    EXPECT_EQ(lines, QStringList({u"Local"_qs, u"- Home"_qs, u"- Work"_qs, u"Cloud"_qs, u"- Team"_qs}));
+    EXPECT_EQ(titlesOf(chooser.selected), QStringList(u"Team"_qs));
+}
+
+} // namespace

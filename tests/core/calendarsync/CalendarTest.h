@@ -1,0 +1,83 @@
+#pragma once
+
+#include "CoreTest.h"
+
+#include "calendarsync/CalendarEvent.h"
+#include "eventkit/FolderBackend.h"
+#include "store/entities/MainContext.h"
+#include "workspace/PlatformConfiguration.h"
+
+#include <QTemporaryDir>
+
+/// A program with access to a tree of calendars: "Home" and "Work" of the source "Local", both chosen.
+class CalendarTest : public CoreTest
+{
+protected:
+    CalendarTest()
+    {
+        for (const QString &title : {u"Home"_qs, u"Work"_qs})
+            makeCalendar(title);
+        PlatformConfiguration::setAuthorization(u"events"_qs, 3);
+        connectStore();
+        choose({u"Home"_qs, u"Work"_qs});
+    }
+    ~CalendarTest() override
+    {
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(nullptr);
+        PlatformConfiguration::setAuthorization(u"events"_qs, 0);
+        for (const QString &key : {settings::savedChooseCalendars, settings::defaultCalendar,
+                                   settings::dictionaryCalendarsData, settings::eventsAtLastPass})
+            UserDefaults::standard().removeObject(key);
+    }
+
+    QString folderOf(const QString &title) const { return root.filePath(u"Local/"_qs + title); }
+    void makeCalendar(const QString &title) const { QDir().mkpath(folderOf(title)); }
+    void connectStore() const
+    {
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(root.path()));
+    }
+    static void choose(const QStringList &references)
+    {
+        UserDefaults::standard().setObject(settings::savedChooseCalendars, references.join(u"Ω"_qs));
+    }
+
+    /// Writes the file of an event as another program would.
+    void write(const QString &calendar, const QString &uid, const QString &lines) const
+    {
+        QFile file(folderOf(calendar) + u'/' + uid + u".ics"_qs);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        QString text = u"BEGIN:VCALENDAR\nVERSION:2.0\nPRODID:-//other//EN\nBEGIN:VEVENT\nUID:%1\n"
+                       u"DTSTAMP:20260101T000000Z\n%2END:VEVENT\nEND:VCALENDAR\n"_qs.arg(uid, lines);
+        file.write(text.replace(u'\n', u"\r\n"_qs).toUtf8());
+    }
+    /// The files of a calendar with their text, as another program reads them.
+    QMap<QString, QString> files(const QString &calendar) const
+    {
+        QMap<QString, QString> texts;
+        const QDir folder(folderOf(calendar));
+        for (const QString &name : folder.entryList({u"*.ics"_qs}, QDir::Files)) {
+            QFile file(folder.filePath(name));
+            EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+            texts.insert(name, QString::fromUtf8(file.readAll()));
+        }
+        return texts;
+    }
+    /// A pass as an activation starts it.
+    void pass()
+    {
+        CalendarEvent::syncCalendarToAppWithTask(nullptr);
+        EXPECT_FALSE(DBWorker::saveContext());
+    }
+    static std::vector<TaskPtr> rows()
+    {
+        std::vector<TaskPtr> all;
+        for (const TaskPtr &row : mainContext().fetch<EntityTask>(
+                 EntityTask::fetchRequest().sortedBy({ascending("dueDate"), ascending("title")})))
+            all.push_back(row);
+        return all;
+    }
+
+    QTemporaryDir root;
+};

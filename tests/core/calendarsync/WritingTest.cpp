@@ -1,0 +1,154 @@
+#include "CalendarTest.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::SizeIs;
+
+class WritingTasksToEvents : public CalendarTest
+{
+protected:
+    static MVTask draft(TaskType type, OptionalDate start, OptionalDate due)
+    {
+        MVTask copy;
+        copy.title = u"Task"_qs;
+        copy.type = int(type);
+        copy.status = 0;
+        copy.priority = 2;
+        copy.startDate = start;
+        copy.dueDate = due;
+        copy.typeCalendarID = u"Home"_qs;
+        return copy;
+    }
+    QString onlyFile(const QString &calendar = u"Home"_qs) const
+    {
+        const auto all = files(calendar);
+        EXPECT_EQ(all.size(), 1);
+        return all.isEmpty() ? QString() : all.first();
+    }
+};
+
+TEST_F(WritingTasksToEvents, ByTheirType)
+{
+    MVTask call = draft(TaskType::EmailCall, {}, localDate(2026, 11, 24, 9));
+    call.alert = localDate(2026, 11, 24, 8, 45);
+    ASSERT_TRUE(TaskManager::saveTaskTemp(call, true));
+    const QString text = onlyFile();
+    EXPECT_TRUE(text.contains(u"SUMMARY:Task"_qs)) << text.toStdString();
+    EXPECT_TRUE(text.contains(u"TRIGGER:-PT15M"_qs)) << text.toStdString();
+    EXPECT_TRUE(text.contains(call.task()->calendarID()));
+    const auto event = CalendarEvent::eventsWithExternalIdentifier(call.task()->calendarID()).at(0);
+    EXPECT_EQ(event.startDate, event.endDate);
+    EXPECT_FALSE(event.allDay);
+
+    MVTask day = draft(TaskType::ToDo, localDate(2026, 11, 23), localDate(2026, 11, 25, 23, 59));
+    day.typeCalendarID = u"Work"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(day, true));
+    EXPECT_TRUE(onlyFile(u"Work"_qs).contains(u"DTEND;VALUE=DATE:20261126"_qs))
+        << onlyFile(u"Work"_qs).toStdString();
+    // What was written comes back as it was.
+    pass();
+    EXPECT_THAT(rows(), SizeIs(2));
+    EXPECT_EQ(call.task()->dueDate(), localDate(2026, 11, 24, 9));
+    EXPECT_EQ(day.task()->startDate(), localDate(2026, 11, 23));
+}
+
+TEST_F(WritingTasksToEvents, DoneTasksLeaveTheCalendarAndComeBackAsNewOnes)
+{
+    MVTask copy = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));
+    ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    const QString formerRow = copy.task()->identifier();
+    const QString formerEvent = copy.task()->calendarID();
+    copy.changeStatusType(3, true);
+    EXPECT_THAT(files(u"Home"_qs), SizeIs(0));
+    ASSERT_THAT(rows(), SizeIs(1));
+    EXPECT_EQ(copy.task(), rows()[0]) << "the copy goes on with the row that took its place";
+    EXPECT_NE(copy.task()->identifier(), formerRow);
+    EXPECT_EQ(copy.title, u"Task"_qs);
+    EXPECT_EQ(copy.status, 3);
+    copy.changeStatusType(0, true);
+    EXPECT_THAT(files(u"Home"_qs), SizeIs(1));
+    EXPECT_NE(copy.task()->calendarID(), formerEvent);
+}
+
+TEST_F(WritingTasksToEvents, AnEditKeepsWhatOtherProgramsWrote)
+{
+    write(
+        u"Home"_qs, u"rich"_qs,
+        u"SUMMARY:Rich\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\nX-OTHER;P=1:kept\nCATEGORIES:A,B\n"_qs);
+    pass();
+    MVTask copy(rows().at(0));
+    copy.title = u"Richer"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    const QString text = onlyFile();
+    EXPECT_TRUE(text.contains(u"SUMMARY:Richer"_qs));
+    EXPECT_TRUE(text.contains(u"X-OTHER;P=1:kept"_qs));
+    EXPECT_TRUE(text.contains(u"CATEGORIES:A,B"_qs));
+    EXPECT_TRUE(text.contains(u"DTSTART:20261124T080000Z"_qs));
+}
+
+TEST_F(WritingTasksToEvents, ASeriesIsEditedFromADayOnOrOnThatDayAlone)
+{
+    UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 2);
+    MVTask copy = draft(TaskType::Appointment, localDate(2026, 11, 21, 9), localDate(2026, 11, 21, 10));
+    copy.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;
+    copy.endRepeat = localDate(2026, 11, 25);
+    ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    ASSERT_THAT(rows(), SizeIs(5));
+    EXPECT_EQ(copy.task()->endRepeat(), rows().back()->endRepeat());
+
+    MVTask third(rows().at(2));
+    third.title = u"Alone"_qs;
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        ASSERT_TRUE(TaskManager::saveTaskTemp(third, true));
+    }
+    pass();
+    ASSERT_THAT(rows(), SizeIs(5));
+    EXPECT_EQ(rows().at(2)->title(), u"Alone"_qs);
+    EXPECT_EQ(rows().at(3)->title(), u"Task"_qs);
+
+    MVTask fourth(rows().at(3));
+    fourth.title = u"Later"_qs;
+    {
+        const ScriptedAlerts alerts({Alert::secondButton});
+        ASSERT_TRUE(TaskManager::saveTaskTemp(fourth, true));
+    }
+    pass();
+    QStringList titles;
+    for (const TaskPtr &row : rows())
+        titles.append(row->title());
+    EXPECT_EQ(titles, QStringList({u"Task"_qs, u"Task"_qs, u"Alone"_qs, u"Later"_qs, u"Later"_qs}));
+}
+
+TEST_F(WritingTasksToEvents, DeletingReachesTheCalendar)
+{
+    UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 2);
+    write(u"Home"_qs, u"daily"_qs,
+          u"SUMMARY:Daily\nDTSTART;TZID=Europe/Berlin:20261121T090000\nDTEND;TZID=Europe/"
+          u"Berlin:20261121T093000\n"
+          u"RRULE:FREQ=DAILY;COUNT=5\n"_qs);
+    pass();
+    ASSERT_THAT(rows(), SizeIs(5));
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        TaskManager::deleteTasks({rows().at(1)}, {});
+    }
+    pass();
+    EXPECT_THAT(rows(), SizeIs(4));
+    {
+        const ScriptedAlerts alerts({Alert::secondButton});
+        TaskManager::deleteTasks({rows().at(2)}, {});
+    }
+    pass();
+    EXPECT_THAT(rows(), SizeIs(2));
+    EXPECT_EQ(rows().back()->dueDate(), localDate(2026, 11, 23, 9, 30));
+    MVTask single = draft(TaskType::Appointment, localDate(2026, 12, 1, 9), localDate(2026, 12, 1, 10));
+    ASSERT_TRUE(TaskManager::saveTaskTemp(single, true));
+    const ScriptedAlerts alerts({Alert::firstButton});
+    TaskManager::deleteTasks({single.task()}, {});
+    EXPECT_THAT(files(u"Home"_qs), SizeIs(1));
+}
+
+} // namespace
