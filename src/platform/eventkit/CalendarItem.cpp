@@ -150,8 +150,14 @@ IcalTime CalendarItem::timeOfKey(qint64 key) const
         form = series->times.start;
     else if (!edited.empty())
         form = *edited.front().recurrenceId;
-    if (!form.isDate())
-        return IcalTime::of(Date::fromUnixSeconds(double(key)), form);
+    if (!form.isDate()) {
+        const IcalTime shown = IcalTime::of(Date::fromUnixSeconds(double(key)), form);
+        // Where clocks were set forward the series may mean a time that they did not show.
+        const std::int64_t timeOfDay = form.clock.seconds() - form.day().clock.seconds();
+        IcalTime meant = form;
+        meant.clock = WallClock::fromSeconds(shown.day().clock.seconds() + timeOfDay);
+        return secondsOf(meant.instant()) == key ? meant : shown;
+    }
     form.clock = WallClock::fromSeconds(key);
     return form;
 }

@@ -12,6 +12,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace {
 
@@ -19,9 +20,30 @@ const QString localFolder = QStringLiteral("local");
 const QString nameFile = QStringLiteral("displayname");
 const QString colorFile = QStringLiteral("color");
 
-QStringList foldersIn(const QString &path)
+/// The folders in a folder that are not hidden, by name. None in one that does not exist; one that cannot be
+/// read is an error, and never an empty one.
+Result<QStringList> foldersIn(const QString &path)
 {
-    return QDir(path).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    std::error_code error;
+    QStringList names;
+    std::filesystem::directory_iterator entry(QFile::encodeName(path).toStdString(), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const QString name = QFile::decodeName(QByteArray::fromStdString(entry->path().filename().string()));
+        if (!name.startsWith(u'.') && QFileInfo(path + u'/' + name).isDir())
+            names.append(name);
+    }
+    if (error && error != std::errc::no_such_file_or_directory)
+        return CalendarError::make(CalendarError::Storage,
+                                   QStringLiteral("Cannot read the calendars in %1: %2")
+                                       .arg(path, QString::fromStdString(error.message())));
+    names.sort();
+    return names;
+}
+
+QStringList readableFoldersIn(const QString &path)
+{
+    const auto folders = foldersIn(path);
+    return folders ? folders.value() : QStringList();
 }
 
 /// The trimmed contents of a small file; empty without one.
@@ -88,22 +110,17 @@ EKSource FolderTree::sourceOf(const QString &folder) const
     const EKSourceType sourceType = type == QStringLiteral("caldav")     ? EKSourceType::CalDAV
                                     : type == QStringLiteral("exchange") ? EKSourceType::Exchange
                                                                          : EKSourceType::Local;
-    const bool isMadeLater = folder == localFolder && !QFileInfo::exists(path);
-    return {isMadeLater ? QStringLiteral("Local") : titleOf(path), sourceType, folder};
-}
-
-QStringList FolderTree::sourceFolders() const
-{
-    return foldersIn(root);
+    const bool isUnnamedLocal = folder == localFolder && contentsOf(path, nameFile).isEmpty();
+    return {isUnnamedLocal ? QStringLiteral("Local") : titleOf(path), sourceType, folder};
 }
 
 Result<std::vector<EKSource>> FolderTree::sources() const
 {
-    if (QFileInfo::exists(root) && !QDir(root).isReadable())
-        return CalendarError::make(CalendarError::Storage,
-                                   QStringLiteral("Cannot read the calendars in %1.").arg(root));
+    const auto folders = foldersIn(root);
+    if (!folders)
+        return folders.error();
     std::vector<EKSource> found;
-    for (const QString &folder : sourceFolders())
+    for (const QString &folder : folders.value())
         found.push_back(sourceOf(folder));
     const bool hasLocal = std::any_of(found.begin(), found.end(), [](const EKSource &source) {
         return source.sourceType == EKSourceType::Local;
@@ -138,8 +155,11 @@ Result<std::vector<EKCalendar>> FolderTree::calendars() const
         return present.error();
     std::vector<EKCalendar> found;
     for (const EKSource &source : present.value()) {
+        const auto folders = foldersIn(pathOf(source.sourceIdentifier));
+        if (!folders)
+            return folders.error();
         std::vector<EKCalendar> ofSource;
-        for (const QString &folder : foldersIn(pathOf(source.sourceIdentifier)))
+        for (const QString &folder : folders.value())
             ofSource.push_back(calendarOf(source, folder));
         sortBy(ofSource, [](const EKCalendar &calendar) { return calendar.title; });
         found.insert(found.end(), ofSource.begin(), ofSource.end());
@@ -199,9 +219,9 @@ OptionalError FolderTree::remove(const QString &identifier) const
 QStringList FolderTree::folders() const
 {
     QStringList found = {root};
-    for (const QString &source : sourceFolders()) {
+    for (const QString &source : readableFoldersIn(root)) {
         found.append(pathOf(source));
-        for (const QString &calendar : foldersIn(pathOf(source)))
+        for (const QString &calendar : readableFoldersIn(pathOf(source)))
             found.append(pathOf(source) + u'/' + calendar);
     }
     return found;

@@ -37,7 +37,6 @@ public:
     QHash<QString, QByteArray> stampsOf(const QStringList &watchedFolders) const;
 
 private:
-    QStringList sourceFolders() const;
     EKSource sourceOf(const QString &folder) const;
     EKCalendar calendarOf(const EKSource &source, const QString &folder) const;
 

@@ -189,6 +189,20 @@ bool ItemExpansion::contains(const CalendarItem &item, qint64 key)
     return startsOf(item, {.from = start, .to = start}).contains(key);
 }
 
+std::optional<qint64> ItemExpansion::nextMatch(const CalendarItem &item, qint64 key)
+{
+    std::optional<qint64> next;
+    for (const RecurrencePattern &rule : item.recurrence().rules) {
+        // One may lie a little before the occurrence, where the clocks are set back.
+        const auto instances =
+            instancesOf(*item.master(), rule, {.from = dateOfKey(item, key), .mostInstances = 2});
+        for (const RecurrenceInstance &instance : instances)
+            if (const qint64 own = keyOf(*item.master(), instance); own >= key && (!next || own < *next))
+                next = own;
+    }
+    return next;
+}
+
 int ItemExpansion::matchesBefore(const CalendarItem &item, const RecurrencePattern &rule, qint64 key)
 {
     const ItemPart &master = *item.master();

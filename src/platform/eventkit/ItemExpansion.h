@@ -46,6 +46,9 @@ public:
     static bool hasOccurrenceBefore(const CalendarItem &item, qint64 key);
     /// Whether the series itself has that occurrence, edited or not.
     static bool contains(const CalendarItem &item, qint64 key);
+    /// The first match of any of the rules from an occurrence on, which is its own key if a rule has it.
+    /// Absent without any.
+    static std::optional<qint64> nextMatch(const CalendarItem &item, qint64 key);
     /// How often a rule of the series matches before the occurrence, excluded matches too.
     static int matchesBefore(const CalendarItem &item, const RecurrencePattern &rule, qint64 key);
 };

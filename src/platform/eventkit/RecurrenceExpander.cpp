@@ -75,7 +75,10 @@ RecurrenceExpander::RecurrenceExpander(const RecurrencePattern &rule, Date start
 RecurrenceExpander::RecurrenceExpander(const RecurrencePattern &rule, const WallClock &start,
                                        const Calendar &zoneCalendar)
     : RecurrenceExpander(rule, instantOf(start, zoneCalendar), zoneCalendar)
-{}
+{
+    // A start that the clocks leave out is moved on alone; the others keep its time.
+    startSeconds = start.seconds();
+}
 
 OptionalDate RecurrenceExpander::untilInstant(const RecurrencePattern &pattern, const Calendar &calendar)
 {

@@ -102,6 +102,9 @@ IcalTime SeriesMove::moved(const IcalTime &time) const
 {
     if (newForm.isDate())
         return time.day().shifted(delta);
+    // Not by way of the instant, which cannot tell a time that the clocks have left out.
+    if (time.form == newForm.form && time.tzid == newForm.tzid)
+        return time.shifted(delta);
     return IcalTime::of(time.instant(), newForm).shifted(delta);
 }
 

@@ -68,7 +68,17 @@ private:
         const EventPeriod before = EventPeriod::of(formerEvent, move.newForm);
         const EventPeriod after = EventPeriod::of(newEvent, move.newForm);
         const bool keepsLength = before.length == after.length && formerEvent.allDay == newEvent.allDay;
-        return {move.moved(start), keepsLength ? present.length : after.length};
+        return {move.moved(newStart()), keepsLength ? present.length : after.length};
+    }
+
+    /// The rest must begin where its rule does, since intervals are counted from there. An occurrence that is
+    /// none of the rule's, but a date beside it, stays such a date.
+    IcalTime newStart() const
+    {
+        if (areRulesChanged || occurrence.key == item.master()->key)
+            return start;
+        const auto match = ItemExpansion::nextMatch(item, occurrence.key);
+        return match ? item.timeOfKey(*match) : start;
     }
 
     void changeRules(IcalComponent &master)

@@ -139,3 +139,10 @@ TEST_F(RecurrenceExpanderTest, SurvivesDatesBeyondAnyCalendar)
     wide.byDay = {{static_cast<EKWeekday>(9), 0}, {EKWeekday::Friday, 54}};
     EXPECT_EQ(RecurrenceExpander(wide, WallClock{2024, 1, 1, 9, 0, 0}, berlin).instances({}).size(), 1U);
 }
+
+TEST_F(RecurrenceExpanderTest, AStartInTheGapOfAClockChangeIsMovedOnAlone)
+{
+    const RecurrenceExpander expander(rule("FREQ=DAILY;COUNT=3"), WallClock{2024, 3, 31, 2, 30, 0}, berlin);
+    EXPECT_EQ(dates(expander, {}), (std::vector{utcDate(2024, 3, 31, 1, 30), utcDate(2024, 4, 1, 0, 30),
+                                                utcDate(2024, 4, 2, 0, 30)}));
+}

@@ -1,0 +1,97 @@
+#include "eventkit/EKEventStore.h"
+#include "foundation/ApplicationPaths.h"
+#include "support/TestSupport.h"
+#include "workspace/PlatformConfiguration.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+/// How the user is asked for access, and what becomes of the answer.
+class AuthorizationTest : public testing::Test
+{
+protected:
+    AuthorizationTest() { QFile::remove(path); }
+    ~AuthorizationTest() override
+    {
+        EKEventStore::setAccessQuestion({});
+        QFile::remove(path);
+    }
+
+    void request(EKEntityType type = EKEntityType::Event)
+    {
+        store.requestAccessToEntityType(type, [this](bool isGranted) { answers.push_back(isGranted); });
+    }
+    static EKAuthorizationStatus status(EKEntityType type = EKEntityType::Event)
+    {
+        return EKEventStore::authorizationStatusForEntityType(type);
+    }
+    static void runLoop()
+    {
+        for (int turn = 0; turn < 20; ++turn)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+
+    const QString path = ApplicationPaths::configFolder() + u"/Morvane/platform.json"_qs;
+    EKEventStore store;
+    std::vector<bool> answers;
+};
+
+TEST_F(AuthorizationTest, TheUserIsAskedOnceAndTheAnswerKept)
+{
+    PlatformConfiguration::setAuthorization(u"contacts"_qs, 3);
+    int questions = 0;
+    std::function<void(bool)> answer;
+    EKEventStore::setAccessQuestion([&](EKEntityType, std::function<void(bool)> taken) {
+        ++questions;
+        answer = std::move(taken);
+    });
+    EXPECT_EQ(status(), EKAuthorizationStatus::NotDetermined);
+    request();
+    EXPECT_EQ(questions, 0) << "never inside the call";
+    request();
+    runLoop();
+    EXPECT_EQ(questions, 1);
+    EXPECT_TRUE(answers.empty());
+    answer(true);
+    EXPECT_EQ(answers, (std::vector{true, true}));
+    EXPECT_EQ(status(), EKAuthorizationStatus::Authorized);
+    EXPECT_EQ(status(EKEntityType::Reminder), EKAuthorizationStatus::NotDetermined);
+    EXPECT_EQ(PlatformConfiguration().authorization(u"contacts"_qs), 3);
+
+    request();
+    EXPECT_EQ(answers.size(), 2U);
+    runLoop();
+    EXPECT_EQ(answers, (std::vector{true, true, true}));
+    EXPECT_EQ(questions, 1);
+}
+
+TEST_F(AuthorizationTest, ARefusalIsKeptToo)
+{
+    EKEventStore::setAccessQuestion(
+        [](EKEntityType, const std::function<void(bool)> &taken) { taken(false); });
+    request(EKEntityType::Reminder);
+    runLoop();
+    EXPECT_EQ(answers, (std::vector{false}));
+    EXPECT_EQ(status(EKEntityType::Reminder), EKAuthorizationStatus::Denied);
+    EXPECT_EQ(status(), EKAuthorizationStatus::NotDetermined);
+}
+
+TEST_F(AuthorizationTest, WithoutAnyoneToAskNothingIsGrantedOrKept)
+{
+    request();
+    runLoop();
+    EXPECT_EQ(answers, (std::vector{false}));
+    EXPECT_EQ(status(), EKAuthorizationStatus::NotDetermined);
+}
+
+TEST_F(AuthorizationTest, AStoreWithoutABackendHasNothing)
+{
+    EXPECT_TRUE(store.calendarsForEntityType(EKEntityType::Event).value().empty());
+    EXPECT_TRUE(store.sources().value().empty());
+    EXPECT_FALSE(store.defaultCalendarForNewEvents());
+    EKCalendar calendar;
+    calendar.title = u"Mine"_qs;
+    EXPECT_TRUE(store.saveCalendar(calendar, true));
+}
