@@ -1,3 +1,4 @@
+#include "CalendarBackends.h"
 #include "shell/ApplicationLife.h"
 #include "shell/Shell.h"
 #include "shell/SingleInstance.h"
@@ -24,6 +25,7 @@ int main(int argc, char *argv[])
     if (!instance.isFirst())
         return instance.activateOther() ? 0 : 1;
     Shell::prepareApplication();
+    connectCalendars();
     AppDelegate delegate(std::make_unique<Shell>());
     ApplicationLife life(delegate, &instance);
     delegate.applicationWillFinishLaunching();

@@ -43,7 +43,7 @@ public:
     static bool hasAccesToAppleCalendar();
 
     // Calendars.
-    /// All calendars for events; none if the store cannot be reached.
+    /// All calendars for events; those last known if the store cannot be reached.
     static std::vector<EKCalendar> getAllCalendars();
     /// The calendars that the user has chosen, in the store's order.
     static std::vector<EKCalendar> getAllAccessCalendars();

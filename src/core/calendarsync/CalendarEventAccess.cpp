@@ -1,6 +1,7 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "cloud/IcloudManager.h"
+#include "eventkit/SharedEventStore.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "records/dates/MTDates.h"
@@ -51,6 +52,9 @@ bool CalendarEvent::hasAccesToCalendar()
 
 bool CalendarEvent::hasAccesToAppleCalendar()
 {
+    // Where there are no calendars there is nothing to ask for.
+    if (!sharedCalendarBackend())
+        return false;
     const EKAuthorizationStatus status = EKEventStore::authorizationStatusForEntityType(EKEntityType::Event);
     if (status == EKAuthorizationStatus::Authorized)
         return true;

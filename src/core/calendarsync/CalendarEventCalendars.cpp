@@ -93,10 +93,13 @@ std::vector<EKCalendar> CalendarEvent::getAllCalendars()
     EKEventStore &store = eventStore();
     if (!state().calendars) {
         auto found = store.calendarsForEntityType(EKEntityType::Event);
+        state().isReachable = found.hasValue();
         if (!found) {
+            // Their tasks are still shown.
             Log::line(found.error().message);
-            return {};
+            return state().knownCalendars;
         }
+        state().knownCalendars = *found;
         state().calendars = std::move(*found);
     }
     return *state().calendars;

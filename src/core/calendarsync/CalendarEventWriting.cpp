@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
@@ -126,7 +127,8 @@ void copyToSeries(const EntityTask &task)
 
 bool calendarstore::isOffline()
 {
-    return !CalendarEvent::hasAccesToCalendar() || CalendarEvent::getAllAccessCalendars().empty();
+    return !CalendarEvent::hasAccesToCalendar() || CalendarEvent::getAllAccessCalendars().empty() ||
+           !state().isReachable;
 }
 
 void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,

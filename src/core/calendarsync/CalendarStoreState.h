@@ -19,6 +19,9 @@ struct State
     std::unique_ptr<EKEventStore> store;
     /// The calendars for events as they were last seen; absent when they must be asked for again.
     std::optional<std::vector<EKCalendar>> calendars;
+    /// What the store had when it could last be reached, and whether it could be the last time.
+    std::vector<EKCalendar> knownCalendars;
+    bool isReachable = true;
     Observation storeChanged;
     /// Why repeating tasks may not be edited; empty while they may.
     QString banMessage;

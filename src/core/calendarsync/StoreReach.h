@@ -2,7 +2,7 @@
 
 namespace calendarstore {
 
-/// Whether there is no access to the calendars, or none is chosen.
+/// Whether there is no access to the calendars, none is chosen, or they cannot be reached.
 bool isOffline();
 
 } // namespace calendarstore

@@ -1,6 +1,7 @@
 #include "store/AppDelegate.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/Reminder.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
 #include "foundation/Alert.h"
@@ -144,6 +145,13 @@ void AppDelegate::badgeUpdata()
     const int count = DBWorker::countStaleTasks();
     if (shell)
         shell->setBadgeLabel(count >= 1 ? QString::number(count) : QString());
+}
+
+Reminder &AppDelegate::reminderManager()
+{
+    if (!reminders)
+        reminders = std::make_unique<Reminder>();
+    return *reminders;
 }
 
 IcloudManager &AppDelegate::icloud()

@@ -15,6 +15,7 @@
 #include <vector>
 
 class IcloudManager;
+class Reminder;
 
 /// What the root of the program needs of the screens. The shell gives an implementation, tests another.
 class ShellPort
@@ -59,6 +60,11 @@ public:
     void applicationWillTerminate();
     bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
+
+    /// Whether the program was in front at the last word of it.
+    bool isActive() const { return isInFront; }
+    /// The link to the desktop's reminders, made at first need.
+    Reminder &reminderManager();
 
     // The store.
     /// The context of the store in use, made at first need. A store that cannot be opened ends the process.
@@ -125,6 +131,8 @@ private:
     std::array<std::unique_ptr<ManagedObjectContext>, 2> contexts;
     DataConteiner container;
     std::unique_ptr<IcloudManager> cloud;
+    std::unique_ptr<Reminder> reminders;
+    bool isInFront = false;
     bool isPositionInbox = false;
     std::vector<Observation> observations;
     std::unique_ptr<RepeatingTimer> badgeTimer;

@@ -121,6 +121,7 @@ void AppDelegate::registerObservers()
 
 void AppDelegate::applicationDidResignActive()
 {
+    isInFront = false;
     UserDefaults &defaults = UserDefaults::standard();
     CalendarEvent::resetMessageForBanChangeRepeat();
     const bool hasAccess = CalendarEvent::hasAccesToCalendar();
@@ -160,6 +161,7 @@ bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendar
 
 void AppDelegate::applicationDidBecomeActive()
 {
+    isInFront = true;
     UserDefaults &defaults = UserDefaults::standard();
     // The user may have travelled, or changed the system's settings, while another program was in front.
     Region::reload();

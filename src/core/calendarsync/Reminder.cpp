@@ -1,0 +1,205 @@
+#include "calendarsync/Reminder.h"
+
+#include "eventkit/SharedEventStore.h"
+#include "foundation/Localization.h"
+#include "foundation/MainLoop.h"
+#include "records/dates/MVDate.h"
+#include "store/AppDelegate.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+
+namespace {
+
+/// How long the pairing of tasks and reminders is given.
+constexpr Seconds pairingTime{0.5};
+
+struct Pair
+{
+    TaskPtr task;
+    EKReminder reminder;
+};
+
+void takeAlarms(const EKReminder &reminder, EntityTask &task)
+{
+    if (!reminder.alarms.empty())
+        task.setAlert(reminder.alarms[0].absoluteDate());
+    if (reminder.alarms.size() > 1)
+        task.setSecondAlert(reminder.alarms[1].absoluteDate());
+}
+
+void apply(const Pair &pair)
+{
+    EntityTask &task = *pair.task;
+    const EKReminder &reminder = pair.reminder;
+    if (reminder.completionDate && *reminder.completionDate < MVDate::date())
+        task.setExpirationDate(reminder.completionDate);
+    task.setPriority(Reminder::taskPriorityOf(reminder.priority));
+    task.setStatus(static_cast<int>(reminder.isCompleted ? TaskStatus::Done : TaskStatus::Open));
+    takeAlarms(reminder, task);
+    task.setDetails(reminder.notes);
+    NotificationCenter::defaultCenter().post(notifications::taskChange, pair.task);
+}
+
+std::vector<Pair> pairsIn(const EKEventStore &store)
+{
+    std::vector<Pair> pairs;
+    for (const TaskPtr &task : DBWorker::tasksHaveReminder()) {
+        if (!task)
+            continue;
+        if (auto reminder = store.calendarItemWithIdentifier(task->remindID()); reminder && *reminder)
+            pairs.push_back({task, std::move(**reminder)});
+    }
+    return pairs;
+}
+
+/// Runs a block with a store of its own once reminders may be used; never if they may not.
+void withAccess(const std::function<void(EKEventStore &)> &block)
+{
+    if (!sharedCalendarBackend())
+        return;
+    const auto store = std::make_shared<EKEventStore>();
+    if (EKEventStore::authorizationStatusForEntityType(EKEntityType::Reminder) ==
+        EKAuthorizationStatus::Authorized)
+        return block(*store);
+    store->requestAccessToEntityType(EKEntityType::Reminder, [store, block](bool isGranted) {
+        if (isGranted)
+            block(*store);
+    });
+}
+
+void removeReminder(EKEventStore &store, EntityTask &task)
+{
+    if (task.remindID().isEmpty())
+        return;
+    if (const auto reminder = store.calendarItemWithIdentifier(task.remindID()); reminder && reminder.value())
+        store.removeReminder(*reminder.value(), true);
+    task.setRemindID(QString());
+}
+
+EKReminder reminderOf(const EntityTask &task, const EKEventStore &store)
+{
+    EKReminder reminder = EKReminder::reminderWithEventStore(store);
+    reminder.title = QStringLiteral("%1 %2 %3")
+                         .arg(task.title(), localized(QStringLiteral("from")), QStringLiteral("Morvane"));
+    if (!task.details().isEmpty())
+        reminder.notes = task.details();
+    reminder.priority = Reminder::reminderPriorityOf(task.priority());
+    reminder.calendar = store.defaultCalendarForNewReminders();
+    for (const OptionalDate &alert : {task.alert(), task.secondAlert()}) {
+        if (alert)
+            reminder.addAlarm(EKAlarm::alarmWithAbsoluteDate(*alert));
+    }
+    return reminder;
+}
+
+} // namespace
+
+Reminder::Reminder()
+    : store(std::make_shared<EKEventStore>())
+{
+    updataWithReminder();
+    if (!sharedCalendarBackend())
+        return;
+    store->requestAccessToEntityType(
+        EKEntityType::Event, [this, living = std::weak_ptr(alive)](bool isGranted) {
+            if (!isGranted || living.expired())
+                return;
+            storeChanged = NotificationCenter::defaultCenter().addObserver(
+                EKEventStoreChangedNotification, [this](const Notification &) { reminderChange(); });
+        });
+}
+
+void Reminder::reminderChange()
+{
+    // A program in front is the source of the change.
+    const AppDelegate *delegate = AppDelegate::shared();
+    if (delegate && !delegate->isActive())
+        updataWithReminder();
+}
+
+void Reminder::updataWithReminder()
+{
+    const auto pairs = std::make_shared<std::vector<Pair>>();
+    withAccess([pairs](const EKEventStore &accessible) { *pairs = pairsIn(accessible); });
+    if (!sharedCalendarBackend())
+        return;
+    MainLoop::performDelayed(pairingTime, [pairs, living = std::weak_ptr(alive)] {
+        if (living.expired() || pairs->empty())
+            return;
+        for (const Pair &pair : *pairs) {
+            if (pair.task->context() && !pair.task->isDeleted())
+                apply(pair);
+        }
+        DBWorker::saveContext();
+    });
+}
+
+bool Reminder::hasAccesToReminder()
+{
+    if (!sharedCalendarBackend())
+        return false;
+    constexpr int rounds = 2;
+    for (int round = 0; round < rounds; ++round) {
+        switch (EKEventStore::authorizationStatusForEntityType(EKEntityType::Reminder)) {
+        case EKAuthorizationStatus::Authorized:
+            return true;
+        case EKAuthorizationStatus::Restricted:
+        case EKAuthorizationStatus::Denied:
+            return false;
+        case EKAuthorizationStatus::NotDetermined:
+            EKEventStore().requestAccessToEntityType(EKEntityType::Reminder, [](bool) {});
+        }
+    }
+    return false;
+}
+
+void Reminder::initReminderFromTask(const TaskPtr &task)
+{
+    withAccess([task](EKEventStore &accessible) {
+        removeReminder(accessible, *task);
+        const bool isDone = task->status() == static_cast<int>(TaskStatus::Done);
+        if (isDone || (!task->alert() && !task->secondAlert()))
+            return;
+        EKReminder reminder = reminderOf(*task, accessible);
+        accessible.saveReminder(reminder, true);
+        task->setRemindID(reminder.calendarItemIdentifier);
+        DBWorker::saveContext();
+    });
+}
+
+void Reminder::deleteReminderFromTask(const TaskPtr &task)
+{
+    withAccess([task](EKEventStore &accessible) { removeReminder(accessible, *task); });
+}
+
+void Reminder::changeReminderStatusFromTask(const TaskPtr &task)
+{
+    if (task->status() == static_cast<int>(TaskStatus::Done))
+        deleteReminderFromTask(task);
+    else
+        initReminderFromTask(task);
+    DBWorker::saveContext();
+}
+
+int Reminder::reminderPriorityOf(std::optional<int> taskPriority)
+{
+    switch (taskPriority.value_or(-1)) {
+    case 3:
+        return 0;
+    case 2:
+        return 7;
+    case 1:
+        return 5;
+    default:
+        return 2;
+    }
+}
+
+int Reminder::taskPriorityOf(int reminderPriority)
+{
+    if (reminderPriority >= 1 && reminderPriority <= 4)
+        return 0;
+    if (reminderPriority == 5)
+        return 1;
+    return reminderPriority >= 6 && reminderPriority <= 9 ? 2 : 3;
+}

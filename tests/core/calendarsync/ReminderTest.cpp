@@ -1,0 +1,99 @@
+#include "CalendarTest.h"
+
+#include "calendarsync/Reminder.h"
+
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+namespace {
+
+using testing::SizeIs;
+
+class Reminders : public CalendarTest
+{
+protected:
+    Reminders() { PlatformConfiguration::setAuthorization(u"reminders"_qs, 3); }
+    ~Reminders() override { PlatformConfiguration::setAuthorization(u"reminders"_qs, 0); }
+
+    TaskPtr taskWithAlerts()
+    {
+        const TaskPtr task = add(u"Water the plants"_qs);
+        task->setAlert(localDate(2026, 11, 22, 9));
+        task->setSecondAlert(localDate(2026, 11, 23, 9));
+        task->setPriority(1);
+        task->setDetails(u"all of them"_qs);
+        return task;
+    }
+    static std::optional<EKReminder> reminderOf(const TaskPtr &task)
+    {
+        auto found = EKEventStore().calendarItemWithIdentifier(task->remindID());
+        return found ? *found : std::nullopt;
+    }
+    template <typename Condition>
+    static bool becomes(Condition condition)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!condition() && timer.elapsed() < 5000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+        return condition();
+    }
+};
+
+TEST_F(Reminders, GoOutWithTheirTask)
+{
+    const TaskPtr task = taskWithAlerts();
+    Reminder::initReminderFromTask(task);
+    const auto reminder = reminderOf(task);
+    ASSERT_TRUE(reminder);
+    EXPECT_EQ(reminder->title, u"Water the plants from Morvane"_qs);
+    EXPECT_EQ(reminder->notes, u"all of them"_qs);
+    EXPECT_EQ(reminder->priority, 5);
+    ASSERT_THAT(reminder->alarms, SizeIs(2));
+    EXPECT_EQ(reminder->alarms[1].absoluteDate(), localDate(2026, 11, 23, 9));
+    const QString former = task->remindID();
+    Reminder::initReminderFromTask(task);
+    EXPECT_NE(task->remindID(), former) << "a change makes a new one";
+    task->setStatus(3);
+    Reminder::changeReminderStatusFromTask(task);
+    EXPECT_EQ(task->remindID(), QString());
+    task->setStatus(0);
+    task->setAlert(std::nullopt);
+    task->setSecondAlert(std::nullopt);
+    Reminder::changeReminderStatusFromTask(task);
+    EXPECT_EQ(task->remindID(), QString()) << "without an alert there is nothing to be reminded of";
+}
+
+TEST_F(Reminders, ComeBackIntoTheirTask)
+{
+    const TaskPtr task = taskWithAlerts();
+    Reminder::initReminderFromTask(task);
+    EKReminder reminder = reminderOf(task).value();
+    reminder.isCompleted = true;
+    reminder.completionDate = localDate(2026, 11, 21, 8);
+    reminder.notes = u"done elsewhere"_qs;
+    reminder.priority = 0;
+    reminder.alarms = {EKAlarm::alarmWithAbsoluteDate(localDate(2026, 11, 30, 7))};
+    ASSERT_FALSE(EKEventStore().saveReminder(reminder, true));
+    Reminder manager;
+    ASSERT_TRUE(becomes([&task] { return task->status() == 3; }));
+    EXPECT_EQ(task->expirationDate(), localDate(2026, 11, 21, 8));
+    EXPECT_EQ(task->details(), u"done elsewhere"_qs);
+    EXPECT_EQ(task->priority(), 3);
+    EXPECT_EQ(task->alert(), localDate(2026, 11, 30, 7));
+    EXPECT_EQ(task->secondAlert(), localDate(2026, 11, 23, 9));
+}
+
+TEST_F(Reminders, TranslatePrioritiesEachWayByItsOwnTable)
+{
+    const std::vector<std::pair<int, int>> out = {{3, 0}, {2, 7}, {1, 5}, {0, 2}, {9, 2}};
+    for (const auto &[task, reminder] : out)
+        EXPECT_EQ(Reminder::reminderPriorityOf(task), reminder);
+    const std::vector<int> in = {3, 0, 0, 0, 0, 1, 2, 2, 2, 2, 3};
+    for (int reminder = 0; reminder < int(in.size()); ++reminder)
+        EXPECT_EQ(Reminder::taskPriorityOf(reminder), in[size_t(reminder)]);
+}
+
+} // namespace
