@@ -113,7 +113,7 @@ Result<const CalendarContents::Held *> CalendarContents::heldItems(const QString
     Held taken{std::move(items.value()), {}};
     for (std::size_t index = 0; index < taken.items.size(); ++index)
         taken.byUid.insert(taken.items[index].item->uid(), index);
-    return &*held.insert(calendarIdentifier, std::move(taken));
+    return &*held.insert(calendarIdentifier, taken);
 }
 
 Result<std::vector<StoredItem>> CalendarContents::items(const QString &calendarIdentifier)

@@ -170,12 +170,14 @@ SeriesEditing::Edited alone(const CalendarItem &item, const ItemPart &part, cons
     document.calendar().removeChildrenAt(dropped);
     for (std::size_t index = 0; IcalComponent *component = document.calendar().childAt(index); ++index)
         if (component->name() == "VEVENT") {
+            if (!component->line("DTSTART"))
+                component->addLine(part.times.start.line("DTSTART", component->lineEnd()));
             component->removeLines("RECURRENCE-ID");
             component->setValue("UID", uid.toUtf8());
             markChanged(*component, ChangeWeight::Significant);
         }
     const CalendarItemPointer made = itemOf(document);
-    return {document.text(), made ? made->master()->key : part.key};
+    return {document.text(), made && made->master() ? made->master()->key : part.key};
 }
 
 } // namespace
