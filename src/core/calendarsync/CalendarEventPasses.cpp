@@ -158,20 +158,28 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
 {
     if (DBWorker::isSample() || !hasAccesToCalendar())
         return;
-    const auto events = eventsForCalendars(getAllAccessCalendars());
-    // Calendars that cannot be reached are not empty ones.
-    if (!events)
-        return;
-    Pass pass(*events);
-    for (const std::vector<EKEvent> &group : getEventsGroupedCalendarIDfromAllEvents(*events))
-        pass.take(group);
-    const DateInterval seen = window();
     std::vector<TaskPtr> going;
-    for (const TaskPtr &row : pass.unclaimed()) {
-        if (goes(row, task, seen))
-            going.push_back(row);
+    size_t linkedCount = 0;
+    size_t eventCount = 0;
+    {
+        // All questions of a pass are about the same moment.
+        const auto held = eventStore().holdContents();
+        const auto events = eventsForCalendars(getAllAccessCalendars());
+        // Calendars that cannot be reached are not empty ones.
+        if (!events)
+            return;
+        Pass pass(*events);
+        for (const std::vector<EKEvent> &group : getEventsGroupedCalendarIDfromAllEvents(*events))
+            pass.take(group);
+        const DateInterval seen = window();
+        for (const TaskPtr &row : pass.unclaimed()) {
+            if (goes(row, task, seen))
+                going.push_back(row);
+        }
+        linkedCount = pass.linkedCount();
+        eventCount = events->size();
     }
-    if (!task && !passbrake::mayDelete(going, pass.linkedCount(), events->size()))
+    if (!task && !passbrake::mayDelete(going, linkedCount, eventCount))
         return;
     for (const TaskPtr &row : going)
         mainContext().deleteObject(row);
