@@ -52,6 +52,8 @@ EdsCalendar *EdsBackend::openCalendar(const QString &identifier)
         entry = std::make_unique<EdsCalendar>(
             std::move(source), kind, *patience, [this] { checkSoon(); },
             [this] { delay.start(firstAttempt); });
+        if (changed)
+            entry->listen();
     }
     return entry.get();
 }
@@ -181,12 +183,15 @@ void EdsBackend::refresh()
     checkSoon();
 }
 
-/// Calendars tell of changes once they are connected to.
 void EdsBackend::setChangedCallback(std::function<void()> callback)
 {
     changed = std::move(callback);
-    if (changed)
-        static_cast<void>(calendars());
+    if (!changed)
+        return;
+    for (const auto &[identifier, calendar] : calendarsByIdentifier)
+        calendar->listen();
+    // Calendars tell of changes once they are connected to.
+    static_cast<void>(calendars());
 }
 
 void EdsBackend::check()

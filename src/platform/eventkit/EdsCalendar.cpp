@@ -12,13 +12,17 @@ EdsCalendar::EdsCalendar(GlibObject<ESource> source, EdsClient::Kind kind, EdsPa
                       isStale = true;
                       died();
                   },
-              .accessChanged =
-                  [this] {
-                      hasNews = true;
-                      tellChange();
-                  }})
+              .accessMayHaveChanged = [this] { tellChange(); }})
     , tellChange(std::move(mayHaveChanged))
 {}
+
+OptionalError EdsCalendar::connect()
+{
+    auto error = client.connect();
+    if (!error && !toldWritable)
+        toldWritable = client.isWritable();
+    return error;
+}
 
 /// The VTIMEZONE of a zone that only the daemon knows; empty for others.
 Result<QByteArray> EdsCalendar::zoneText(const QByteArray &tzid)
@@ -92,10 +96,18 @@ OptionalError EdsCalendar::load()
     return std::nullopt;
 }
 
+/// Calendars without a revision tell of changes by news only.
+bool EdsCalendar::isCurrent()
+{
+    if (!isLoaded || isStale || !client.isConnected())
+        return false;
+    const QByteArray revision = client.revision();
+    return revision == knownRevision && (!revision.isEmpty() || client.isListening());
+}
+
 Result<std::vector<CalendarObject>> EdsCalendar::objects()
 {
-    const bool isCurrent = isLoaded && !isStale && client.isConnected() && client.revision() == knownRevision;
-    if (!isCurrent)
+    if (!isCurrent())
         if (auto error = load())
             return *error;
     std::vector<CalendarObject> found;
@@ -114,27 +126,32 @@ void EdsCalendar::hear(const EdsComponents &components)
                std::any_of(entry->components.begin(), entry->components.end(),
                            [&](const EdsComponent &own) { return own.fingerprint == component.fingerprint; });
     };
-    if (std::all_of(components.begin(), components.end(), isOwn))
-        return;
-    isStale = true;
-    tellChange();
+    if (!std::all_of(components.begin(), components.end(), isOwn))
+        noteNews();
 }
 
 /// Said of a series, too, when only one of its edited occurrences has gone.
 void EdsCalendar::hearRemoved(const QByteArray &uid)
 {
-    if (isLoaded && !known.contains(uid))
-        return;
+    if (!isLoaded || known.contains(uid))
+        noteNews();
+}
+
+/// What is known is compared when it is read again; where nothing is known, anything is new.
+void EdsCalendar::noteNews()
+{
     isStale = true;
+    hasNews = hasNews || !isLoaded;
     tellChange();
 }
 
 EdsCalendar::News EdsCalendar::takeNews()
 {
-    const bool isUnread = isStale && !isLoaded;
-    const OptionalError error = isStale && isLoaded ? load() : client.connect();
+    const OptionalError error = isStale && isLoaded ? load() : connect();
     if (error)
         return News::Unreachable;
     isStale = false;
-    return std::exchange(hasNews, false) || isUnread ? News::Changed : News::None;
+    const bool hasOtherAccess = toldWritable && *toldWritable != client.isWritable();
+    toldWritable = client.isWritable();
+    return std::exchange(hasNews, false) || hasOtherAccess ? News::Changed : News::None;
 }

@@ -16,7 +16,9 @@ public:
     EdsCalendar(GlibObject<ESource> source, EdsClient::Kind kind, EdsPatience &patience,
                 std::function<void()> mayHaveChanged, std::function<void()> died);
 
-    OptionalError connect() { return client.connect(); }
+    OptionalError connect();
+    /// Lets `mayHaveChanged` be called for changes of objects, too.
+    void listen() { client.listen(); }
     bool isWritable() { return client.isWritable(); }
     QStringList addresses() { return client.addresses(); }
     void refresh() { client.refresh(); }
@@ -36,11 +38,13 @@ private:
         CalendarObject object;
     };
 
+    bool isCurrent();
     OptionalError load();
     Result<Known> described(EdsComponents components);
     Result<QByteArray> zoneText(const QByteArray &tzid);
     void hear(const EdsComponents &components);
     void hearRemoved(const QByteArray &uid);
+    void noteNews();
 
     OptionalError checkWritable();
     /// What is stored under a UID, if that is what the caller last saw.
@@ -57,6 +61,7 @@ private:
     QHash<QByteArray, Known> known;
     QHash<QByteArray, QByteArray> zones;
     QByteArray knownRevision;
+    std::optional<bool> toldWritable;
     bool isLoaded = false;
     bool isStale = false;
     bool hasNews = false;

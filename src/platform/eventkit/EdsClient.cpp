@@ -41,17 +41,25 @@ OptionalError EdsClient::connect()
     }
     connectSignal(client.get(), "backend-died", &EdsClient::onDied, this);
     connectSignal(client.get(), "notify::readonly", &EdsClient::onReadOnly, this);
-    wasWritable = isWritable();
-    watch(limit.cancellable());
+    if (wantsNews)
+        watch();
     return std::nullopt;
 }
 
+void EdsClient::listen()
+{
+    wantsNews = true;
+    if (client && !view)
+        watch();
+}
+
 /// Without a view changes by others are seen only when the calendar is asked for.
-void EdsClient::watch(GCancellable *cancellable)
+void EdsClient::watch()
 {
     ECalClientView *made = nullptr;
     GlibFailure failure;
-    if (!e_cal_client_get_view_sync(client.get(), "#t", &made, cancellable, failure.out())) {
+    const EdsTimeLimit limit(EdsTimeLimit::forReading);
+    if (!e_cal_client_get_view_sync(client.get(), "#t", &made, limit.cancellable(), failure.out())) {
         Log::line(failure.told(sentence(QStringLiteral("watch"))).message);
         return;
     }
@@ -73,21 +81,22 @@ void EdsClient::disconnect()
     client.reset();
 }
 
+/// Of those that the library keeps and the daemon is not asked for.
 QByteArray EdsClient::property(const char *name)
 {
     if (!client)
         return {};
     char *value = nullptr;
-    const EdsTimeLimit limit(EdsTimeLimit::forReading);
-    e_client_get_backend_property_sync(glibCast<EClient>(client.get()), name, &value, limit.cancellable(),
-                                       nullptr);
+    e_client_get_backend_property_sync(glibCast<EClient>(client.get()), name, &value, nullptr, nullptr);
     const GlibText text(value);
     return text.get();
 }
 
 bool EdsClient::isWritable()
 {
-    return client ? !e_client_is_readonly(glibCast<EClient>(client.get())) : wasWritable;
+    if (client)
+        wasWritable = !e_client_is_readonly(glibCast<EClient>(client.get()));
+    return wasWritable;
 }
 
 QStringList EdsClient::addresses()
@@ -131,9 +140,5 @@ void EdsClient::onDied(EClient *, gpointer self)
 
 void EdsClient::onReadOnly(GObject *, GParamSpec *, gpointer self)
 {
-    auto &client = *static_cast<EdsClient *>(self);
-    if (client.wasWritable == client.isWritable())
-        return;
-    client.wasWritable = client.isWritable();
-    client.listener.accessChanged();
+    static_cast<EdsClient *>(self)->listener.accessMayHaveChanged();
 }

@@ -14,15 +14,17 @@ class EdsClient
 {
 public:
     enum class Kind { Events, Tasks };
-    /// What is told, on the main loop, after anybody has changed objects.
+    /// What is told on the main loop. The first two after anybody has changed objects, once `listen` was
+    /// called.
     struct Listener
     {
         std::function<void(const EdsComponents &components)> changed;
         std::function<void(const QByteArray &uid)> removed;
         /// The connection is lost.
         std::function<void()> died;
-        /// Whether the calendar may be written to is no longer what it was.
-        std::function<void()> accessChanged;
+        /// Whether the calendar may be written to is perhaps no longer what it was. While a calendar is
+        /// opened it changes to and fro.
+        std::function<void()> accessMayHaveChanged;
     };
 
     EdsClient(GlibObject<ESource> calendarSource, Kind calendarKind, EdsPatience &sharedPatience,
@@ -33,6 +35,9 @@ public:
 
     OptionalError connect();
     bool isConnected() const { return client != nullptr; }
+    /// Lets changes of objects be told from now on, also after the connection was lost and made again.
+    void listen();
+    bool isListening() const { return view != nullptr; }
     /// As it was when the calendar was last connected to; false before.
     bool isWritable();
     /// Under which the owner is invited, where the account knows.
@@ -55,8 +60,9 @@ public:
     OptionalError replaceMaster(const EdsComponent &component);
     /// Adds or replaces edited occurrences.
     OptionalError replaceDetached(const EdsComponents &components);
-    /// Gives an edited occurrence up. False in the answer's place of an error: this calendar cannot.
+    /// Whether `removeDetached` does no harm to other occurrences here.
     bool canRemoveDetached() const;
+    /// Puts the occurrence back that was edited.
     OptionalError removeDetached(const EdsComponent &component);
     /// Removes all of a UID. NotFound if there is nothing.
     OptionalError removeAll(const QByteArray &uid);
@@ -64,7 +70,7 @@ public:
 private:
     using Call = std::function<bool(ECalClient *client, GCancellable *cancellable, GError **error)>;
 
-    void watch(GCancellable *cancellable);
+    void watch();
     void disconnect();
     OptionalError read(const Call &call);
     OptionalError write(const Call &call);
@@ -83,5 +89,6 @@ private:
     Listener listener;
     GlibObject<ECalClient> client;
     GlibObject<ECalClientView> view;
+    bool wantsNews = false;
     bool wasWritable = false;
 };

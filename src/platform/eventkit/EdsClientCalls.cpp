@@ -1,10 +1,8 @@
 #include "eventkit/EdsClient.h"
 
-#include <thread>
-
 namespace {
 
-/// As long as anybody's object is not known to have changed on the server, it is not overwritten.
+/// What has changed on a server since it was read is not overwritten.
 constexpr ECalOperationFlags operationFlags = E_CAL_OPERATION_FLAG_CONFLICT_FAIL;
 
 /// Components as the library takes them, for the length of a call.

@@ -4,6 +4,7 @@
 
 #include <QByteArrayList>
 
+#include <optional>
 #include <vector>
 
 /// One component of an object as the daemon has it: an event or reminder, or an edited occurrence of one.

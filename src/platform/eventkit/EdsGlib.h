@@ -9,6 +9,7 @@
 #include <libedataserver/libedataserver.h>
 
 #include <memory>
+#include <vector>
 
 // What all that talks to the calendar daemon needs of GLib. Included by the sources and private headers of
 // the daemon's backend only.

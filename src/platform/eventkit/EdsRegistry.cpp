@@ -21,9 +21,13 @@ OptionalError EdsRegistry::update()
 {
     if (patience.isExhausted())
         return EdsPatience::error();
+    const auto begin = std::chrono::steady_clock::now();
     auto sources = bus.sources();
-    if (!sources)
+    if (!sources) {
+        if (std::chrono::steady_clock::now() - begin >= EdsTimeLimit::forReading)
+            patience.exhaust();
         return sources.error();
+    }
     present = std::move(sources.value());
     return registry ? std::nullopt : connect();
 }

@@ -107,7 +107,6 @@ QByteArray edsFingerprint(ESource *source)
                             backendOf(source)};
     if (ESourceBackend *extension = edsCalendarExtension(source))
         parts.append(e_source_selectable_get_color(glibCast<ESourceSelectable>(extension)));
-    parts.append(e_source_get_writable(source) ? "w" : "r");
     return parts.join('\n');
 }
 
