@@ -19,13 +19,15 @@ std::optional<EKAlarm> alarmOf(const IcalComponent &component, double lengthInSe
     if (!duration)
         return std::nullopt;
     const bool isFromEnd = trigger->parameter("RELATED").toUpper() == "END";
-    return EKAlarm::alarmWithRelativeOffset(duration->totalSeconds() + (isFromEnd ? lengthInSeconds : 0));
+    return EKAlarm::alarmWithRelativeOffset(double(duration->totalSeconds()) +
+                                            (isFromEnd ? lengthInSeconds : 0));
 }
 
 ContentLine triggerLine(const EKAlarm &alarm, const QByteArray &lineEnd)
 {
     if (!alarm.absoluteDate()) {
-        const int seconds = static_cast<int>(std::lround(alarm.relativeOffset()));
+        constexpr double most = 2e9;
+        const int seconds = static_cast<int>(std::lround(std::clamp(alarm.relativeOffset(), -most, most)));
         return ContentLine::make("TRIGGER", IcalDuration::text(seconds), lineEnd);
     }
     const IcalTime utc = IcalTime::of(*alarm.absoluteDate(), {.form = IcalTime::Form::Utc});

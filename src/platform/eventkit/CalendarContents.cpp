@@ -58,7 +58,7 @@ Result<std::vector<StoredItem>> CalendarContents::storedItems(const QString &cal
     return items;
 }
 
-Result<std::vector<EKCalendar>> CalendarContents::calendars()
+Result<std::vector<EKCalendar>> CalendarContents::presentCalendars()
 {
     auto found = storage->calendars();
     if (!found)
@@ -75,7 +75,7 @@ Result<std::vector<EKCalendar>> CalendarContents::calendars()
     return found;
 }
 
-Result<std::vector<StoredItem>> CalendarContents::items(const QString &calendarIdentifier)
+Result<std::vector<StoredItem>> CalendarContents::presentItems(const QString &calendarIdentifier)
 {
     auto items = storedItems(calendarIdentifier);
     if (!items)
@@ -93,16 +93,73 @@ Result<std::vector<StoredItem>> CalendarContents::items(const QString &calendarI
     return items;
 }
 
+Result<std::vector<EKCalendar>> CalendarContents::calendars()
+{
+    if (heldCalendars)
+        return *heldCalendars;
+    auto found = presentCalendars();
+    if (found && holds > 0)
+        heldCalendars = found.value();
+    return found;
+}
+
+Result<const CalendarContents::Held *> CalendarContents::heldItems(const QString &calendarIdentifier)
+{
+    if (const auto present = held.constFind(calendarIdentifier); present != held.constEnd())
+        return &*present;
+    auto items = presentItems(calendarIdentifier);
+    if (!items)
+        return items.error();
+    Held taken{std::move(items.value()), {}};
+    for (std::size_t index = 0; index < taken.items.size(); ++index)
+        taken.byUid.insert(taken.items[index].item->uid(), index);
+    return &*held.insert(calendarIdentifier, taken);
+}
+
+Result<std::vector<StoredItem>> CalendarContents::items(const QString &calendarIdentifier)
+{
+    if (holds == 0)
+        return presentItems(calendarIdentifier);
+    const auto found = heldItems(calendarIdentifier);
+    return found ? Result<std::vector<StoredItem>>(found.value()->items) : found.error();
+}
+
 Result<std::optional<StoredItem>> CalendarContents::item(const QString &calendarIdentifier,
                                                          const QString &uid)
 {
-    const auto items = this->items(calendarIdentifier);
+    if (holds > 0) {
+        const auto found = heldItems(calendarIdentifier);
+        if (!found)
+            return found.error();
+        const auto index = found.value()->byUid.constFind(uid);
+        return index == found.value()->byUid.constEnd() ? std::optional<StoredItem>()
+                                                        : std::optional(found.value()->items[*index]);
+    }
+    const auto items = presentItems(calendarIdentifier);
     if (!items)
         return items.error();
     for (const StoredItem &stored : items.value())
         if (stored.item->uid() == uid)
             return std::optional(stored);
     return std::optional<StoredItem>();
+}
+
+void CalendarContents::release()
+{
+    if (--holds == 0)
+        forgetHeld();
+}
+
+void CalendarContents::reset()
+{
+    pending.clear();
+    forgetHeld();
+}
+
+void CalendarContents::forgetHeld()
+{
+    held.clear();
+    heldCalendars.reset();
 }
 
 std::vector<CalendarContents::Pending>::iterator
@@ -116,6 +173,7 @@ CalendarContents::pendingFor(const QString &calendarIdentifier, const QString &u
 
 void CalendarContents::stage(Pending change, const QString &uid)
 {
+    held.remove(change.calendarIdentifier);
     const auto earlier = pendingFor(change.calendarIdentifier, uid);
     if (earlier == pending.end()) {
         pending.push_back(std::move(change));
@@ -151,11 +209,13 @@ void CalendarContents::stageRemoval(const QString &calendarIdentifier, const Sto
 
 void CalendarContents::stageCalendar(const EKCalendar &calendar)
 {
+    forgetHeld();
     pending.push_back({Change::UpdateCalendar, group, calendar.calendarIdentifier, {}, {}, calendar});
 }
 
 void CalendarContents::stageCalendarRemoval(const QString &calendarIdentifier)
 {
+    forgetHeld();
     pending.push_back({Change::RemoveCalendar, group, calendarIdentifier});
 }
 
@@ -184,6 +244,7 @@ OptionalError CalendarContents::commit()
 {
     OptionalError firstError;
     QSet<int> failedGroups;
+    forgetHeld();
     for (const Pending &change : std::exchange(pending, {})) {
         const bool isHeldBack =
             failedGroups.contains(change.group) || (firstError && change.change == Change::RemoveCalendar);

@@ -35,6 +35,12 @@ public:
     /// Absent if the calendar has none with that UID.
     Result<std::optional<StoredItem>> item(const QString &calendarIdentifier, const QString &uid);
 
+    /// Reads from the backend again at the next question.
+    void forgetHeld();
+    /// From now on calendars are read from the backend once, until `release` was called as often.
+    void hold() { ++holds; }
+    void release();
+
     /// Changes that belong together: if one of a group cannot be written, those behind it are not either.
     void beginGroup() { ++group; }
     /// Puts a text in place of an item; with an empty name it is a new one. The error says why the text makes
@@ -49,7 +55,7 @@ public:
     /// Writes what is pending, in order. What cannot be written is given up; the first error is answered.
     OptionalError commit();
     /// Gives up what is pending.
-    void reset() { pending.clear(); }
+    void reset();
 
 private:
     enum class Change { Put, Remove, UpdateCalendar, RemoveCalendar };
@@ -69,6 +75,16 @@ private:
         CalendarItemPointer item;
     };
 
+    /// What was read while it is held.
+    struct Held
+    {
+        std::vector<StoredItem> items;
+        QHash<QString, std::size_t> byUid;
+    };
+
+    Result<std::vector<EKCalendar>> presentCalendars();
+    Result<std::vector<StoredItem>> presentItems(const QString &calendarIdentifier);
+    Result<const Held *> heldItems(const QString &calendarIdentifier);
     CalendarItemPointer parsed(const QString &calendarIdentifier, const CalendarObject &object);
     Result<std::vector<StoredItem>> storedItems(const QString &calendarIdentifier);
     void reportOnce(const QString &calendarIdentifier, const CalendarObject &object, const QString &reason);
@@ -82,4 +98,7 @@ private:
     QSet<QString> reported;
     std::vector<Pending> pending;
     int group = 0;
+    int holds = 0;
+    QHash<QString, Held> held;
+    std::optional<std::vector<EKCalendar>> heldCalendars;
 };

@@ -79,11 +79,14 @@ OptionalError CalendarItem::take(std::size_t childIndex, const IcalComponent &co
     if (!isFirst && kind != type)
         return unreadable(QStringLiteral("it holds an event and a reminder with one UID"));
     identifier = uid;
+    const ContentLine *recurrenceLine = component.line("RECURRENCE-ID");
+    if (recurrenceLine && !zoneReader.time(recurrenceLine))
+        return unreadable(QStringLiteral("an edited occurrence in it does not say which one it is"));
     const auto times = timesOf(component);
     if (!times && type == EKEntityType::Event)
         return std::nullopt;
     kind = type;
-    ItemPart part{childIndex, times.value_or(ItemTimes()), zoneReader.time(component.line("RECURRENCE-ID"))};
+    ItemPart part{childIndex, times.value_or(ItemTimes()), zoneReader.time(recurrenceLine)};
     if (part.recurrenceId) {
         edited.push_back(std::move(part));
         return std::nullopt;
@@ -96,7 +99,10 @@ OptionalError CalendarItem::take(std::size_t childIndex, const IcalComponent &co
 
 std::optional<ItemTimes> CalendarItem::timesOf(const IcalComponent &component) const
 {
-    const auto start = zoneReader.time(component.line("DTSTART"));
+    auto start = zoneReader.time(component.line("DTSTART"));
+    // An edited occurrence that does not say when it is has not been moved.
+    if (!start)
+        start = zoneReader.time(component.line("RECURRENCE-ID"));
     if (!start)
         return std::nullopt;
     const auto end = zoneReader.time(component.line("DTEND"));

@@ -78,6 +78,7 @@ OptionalError EKEventStore::saveCalendar(EKCalendar &calendar, bool commit)
         const auto made = contents->backend().createCalendar(calendar);
         if (!made)
             return made.error();
+        contents->forgetHeld();
         calendar = made.value();
         return commit ? this->commit() : std::nullopt;
     }
@@ -176,6 +177,13 @@ Result<std::optional<EKEvent>> EKEventStore::eventWithIdentifier(const QString &
     return std::optional<EKEvent>();
 }
 
+std::shared_ptr<void> EKEventStore::holdContents() const
+{
+    CalendarContents *held = contents.get();
+    held->hold();
+    return {held, [](CalendarContents *released) { released->release(); }};
+}
+
 OptionalError EKEventStore::commit()
 {
     return contents->commit();
@@ -188,5 +196,6 @@ void EKEventStore::reset()
 
 void EKEventStore::refreshSourcesIfNecessary()
 {
+    contents->forgetHeld();
     contents->backend().refresh();
 }

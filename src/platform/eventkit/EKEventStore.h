@@ -97,6 +97,10 @@ public:
     OptionalError saveReminder(EKReminder &reminder, bool commit);
     OptionalError removeReminder(const EKReminder &reminder, bool commit);
 
+    /// For many questions in a row, such as a pass over all events: while the answer lives, calendars are
+    /// read once, and changes that others make meanwhile are not seen. It may not outlive the store.
+    [[nodiscard]] std::shared_ptr<void> holdContents() const;
+
     /// Writes what is pending. What cannot be written is given up; the first error is answered.
     OptionalError commit();
     /// Gives up what is pending.

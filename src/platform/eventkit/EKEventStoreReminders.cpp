@@ -56,7 +56,11 @@ OptionalError EKEventStore::stageReminder(const EKReminder &reminder, const QStr
     if (from == target)
         return text == source.value().item->text() ? std::nullopt
                                                    : contents->stagePut(target, source.value(), text);
-    if (auto error = contents->stagePut(target, {}, text))
+    // There already after an attempt that could not be finished.
+    const auto present = contents->item(target, uid);
+    if (!present)
+        return present.error();
+    if (auto error = contents->stagePut(target, present.value().value_or(StoredItem()), text))
         return error;
     contents->stageRemoval(from, source.value());
     return std::nullopt;

@@ -101,7 +101,7 @@ OptionalError EKEventStore::takeBack(EKEvent &event, const QString &uid, qint64 
 
 Result<StoredItem> EKEventStore::stagePlacement(const EKEvent &event, SavedAs &saved)
 {
-    const auto source = storedItem(event.origin->calendarIdentifier, event.origin->item->uid());
+    auto source = storedItem(event.origin->calendarIdentifier, event.origin->item->uid());
     const QString &target = event.calendar->calendarIdentifier;
     if (!source || event.origin->calendarIdentifier == target)
         return source;

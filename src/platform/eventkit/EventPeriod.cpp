@@ -20,7 +20,7 @@ bool isSameForm(const IcalTime &one, const IcalTime &other)
 void writeTime(IcalComponent &component, const QByteArray &name, const IcalTime &time,
                const std::optional<IcalTime> &former)
 {
-    if (former && isSameForm(*former, time))
+    if (former && isSameForm(*former, time) && component.line(name))
         component.setValue(name, time.text());
     else
         component.replaceLines(name, {time.line(name, component.lineEnd())});

@@ -141,7 +141,7 @@ OptionalError FolderCalendar::checkUnchanged(const QString &name, const QByteArr
 
 QString FolderCalendar::freeNameFor(const QString &uid) const
 {
-    const QString wished = uid + extension;
+    QString wished = uid + extension;
     if (isPlainName(uid) && !FileStamp::of(pathOf(wished)))
         return wished;
     return QUuid::createUuid().toString(QUuid::WithoutBraces) + extension;

@@ -92,13 +92,13 @@ ContentLine IcalTime::line(const QByteArray &name, const QByteArray &lineEnd) co
 std::optional<IcalDuration> IcalDuration::fromText(const QByteArray &value)
 {
     const icaldurationtype read = icaldurationtype_from_string(value.trimmed().constData());
-    constexpr unsigned most = 1'000'000;
-    if (icaldurationtype_is_bad_duration(read) || read.weeks > most / 7 || read.days > most ||
-        read.hours > most || read.minutes > most || read.seconds > most * 1000)
+    constexpr unsigned mostDays = 3'000'000;
+    const auto seconds = std::int64_t(read.hours) * 3600 + std::int64_t(read.minutes) * 60 + read.seconds;
+    if (icaldurationtype_is_bad_duration(read) || read.weeks > mostDays / 7 || read.days > mostDays ||
+        seconds > std::int64_t(mostDays) * 86400)
         return std::nullopt;
     const int sign = read.is_neg ? -1 : 1;
-    return IcalDuration{sign * int(read.weeks * 7 + read.days),
-                        sign * int(read.hours * 3600 + read.minutes * 60 + read.seconds)};
+    return IcalDuration{sign * static_cast<int>(read.weeks * 7 + read.days), sign * seconds};
 }
 
 QByteArray IcalDuration::text(int totalSeconds)

@@ -48,10 +48,11 @@ struct IcalTime
 struct IcalDuration
 {
     int days = 0;
-    int seconds = 0;
+    std::int64_t seconds = 0;
 
+    /// Absent for anything else and for more than some thousand years.
     static std::optional<IcalDuration> fromText(const QByteArray &value);
     /// As a property value; whole days and the rest.
     static QByteArray text(int totalSeconds);
-    int totalSeconds() const { return days * 86400 + seconds; }
+    std::int64_t totalSeconds() const { return std::int64_t(days) * 86400 + seconds; }
 };

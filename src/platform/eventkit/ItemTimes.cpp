@@ -26,5 +26,5 @@ Date ItemTimes::endOf(const IcalTime &occurrence) const
     if (!duration)
         return begin;
     const Date sameClock = occurrence.shifted(duration->days * secondsOfADay).instant();
-    return std::max(begin, sameClock + Seconds(duration->seconds));
+    return std::max(begin, sameClock + Seconds(double(duration->seconds)));
 }

@@ -52,7 +52,7 @@ SeriesEditing::Edited SeriesEditing::withOccurrence(const CalendarItem &item,
         IcalComponent &component = *document.calendar().childAt(occurrence.detached->childIndex);
         change(component, occurrence.detached->times, before, after);
         markIfChanged(component, item.component(*occurrence.detached));
-        start = timesOf(item, component).start;
+        start = IcalTime::of(*after.startDate, timeFormOf(before, after, occurrence.detached->times.start));
     } else {
         const IcalComponent original = detachedComponent(item, occurrence);
         IcalComponent component = original;

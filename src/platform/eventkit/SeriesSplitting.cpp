@@ -33,9 +33,13 @@ public:
 
     SeriesEditing::Edited make(const QString &uid)
     {
-        changeMaster(uid);
+        // Whatever else is in it goes along.
+        for (std::size_t index = 0; IcalComponent *component = document.calendar().childAt(index); ++index)
+            if (component->name() == "VEVENT")
+                component->setValue("UID", uid.toUtf8());
+        changeMaster();
         for (const ItemPart &part : item.detached())
-            changeDetached(part, uid);
+            changeDetached(part);
         document.calendar().removeChildrenAt(dropped);
         if (areRulesChanged)
             dropStrayDetached();
@@ -48,7 +52,7 @@ public:
 private:
     bool isWholeAsItWas() const { return move.isNone() && occurrence.key == item.master()->key; }
 
-    void changeMaster(const QString &uid)
+    void changeMaster()
     {
         IcalComponent &master = *document.calendar().childAt(item.master()->childIndex);
         newPeriod().writeTo(master, item.master()->times);
@@ -58,7 +62,6 @@ private:
                 rewriteDates(
                     master, name, item, [this](qint64 key) { return key >= occurrence.key; }, move);
         writeFields(master, formerEvent, newEvent);
-        master.setValue("UID", uid.toUtf8());
         markIfChanged(master, item.component(*item.master()));
     }
 
@@ -103,7 +106,7 @@ private:
             });
     }
 
-    void changeDetached(const ItemPart &part, const QString &uid)
+    void changeDetached(const ItemPart &part)
     {
         const bool isPast = part.key < occurrence.key;
         if (isPast || (areRulesChanged && newEvent.recurrenceRules.empty())) {
@@ -111,7 +114,6 @@ private:
             return;
         }
         IcalComponent &component = *document.calendar().childAt(part.childIndex);
-        component.setValue("UID", uid.toUtf8());
         if (!move.isNone()) {
             const IcalTime moved = move.moved(*part.recurrenceId);
             component.replaceLines("RECURRENCE-ID", {moved.line("RECURRENCE-ID", component.lineEnd())});
@@ -168,12 +170,14 @@ SeriesEditing::Edited alone(const CalendarItem &item, const ItemPart &part, cons
     document.calendar().removeChildrenAt(dropped);
     for (std::size_t index = 0; IcalComponent *component = document.calendar().childAt(index); ++index)
         if (component->name() == "VEVENT") {
+            if (!component->line("DTSTART"))
+                component->addLine(part.times.start.line("DTSTART", component->lineEnd()));
             component->removeLines("RECURRENCE-ID");
             component->setValue("UID", uid.toUtf8());
             markChanged(*component, ChangeWeight::Significant);
         }
     const CalendarItemPointer made = itemOf(document);
-    return {document.text(), made ? made->master()->key : part.key};
+    return {document.text(), made && made->master() ? made->master()->key : part.key};
 }
 
 } // namespace

@@ -142,3 +142,31 @@ TEST_P(EventStoreContract, AStaleObjectIsNotWritten)
                                   CalendarError::Conflict));
     EXPECT_EQ(list(3), (QStringList{u"Two 03-04 09:00-10:00"_qs}));
 }
+
+TEST_P(EventStoreContract, HeldContentsShowOwnChangesAndNoOthers)
+{
+    EKEvent event = newEvent(u"One"_qs);
+    save(event);
+    EKEventStore other(place->open());
+    EKEvent theirs = newEvent(u"Theirs"_qs);
+    const auto count = [&] {
+        return store
+            .eventsMatchingPredicate(
+                store.predicateForEventsWithStartDate(localDate(2024, 3, 1), localDate(2024, 4, 1)))
+            .value()
+            .size();
+    };
+    {
+        const auto held = store.holdContents();
+        EXPECT_EQ(count(), 1U);
+        expectNoError(other.saveEvent(theirs, EKSpan::ThisEvent, true));
+        EXPECT_EQ(count(), 1U);
+        EXPECT_TRUE(store.calendarItemsWithExternalIdentifier(theirs.eventIdentifier).value().empty());
+        event.title = u"Two"_qs;
+        expectNoError(store.saveEvent(event, EKSpan::ThisEvent, false));
+        EXPECT_EQ(store.eventWithIdentifier(event.eventIdentifier).value()->title, u"Two"_qs);
+        store.reset();
+        EXPECT_EQ(store.eventWithIdentifier(event.eventIdentifier).value()->title, u"One"_qs);
+    }
+    EXPECT_EQ(count(), 2U);
+}

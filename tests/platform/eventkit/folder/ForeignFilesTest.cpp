@@ -205,3 +205,10 @@ TEST_F(ForeignFilesTest, ATimeIsWrittenWithItsZone)
     EXPECT_TRUE(
         read(names().at(0)).contains("\r\nDTSTART;VALUE=DATE:20240704\r\nDTEND;VALUE=DATE:20240705\r\n"));
 }
+
+TEST_F(ForeignFilesTest, AHugeFileIsAnEventLikeAnyOther)
+{
+    write(u"huge.ics"_qs, eventText("huge", "SUMMARY:Huge\nDTSTART:20240304T090000\nDESCRIPTION:" +
+                                                QByteArray(5'000'000, 'x') + "\n"));
+    EXPECT_EQ(events().at(0).notes.size(), 5'000'000);
+}
