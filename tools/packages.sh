@@ -5,6 +5,10 @@ build_packages=(g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-base-de
 run_packages=(libqt6svg6 fonts-inter fonts-dejavu-core)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 dbus)
 
+# For a build with MORVANE_EDS, which nothing does by itself yet.
+# shellcheck disable=SC2034
+eds_packages=(libecal2.0-dev evolution-data-server dconf-gsettings-backend)
+
 # Installs those of the given packages that are missing, and says which.
 install_missing() {
     local missing=() package

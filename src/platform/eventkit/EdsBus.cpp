@@ -1,0 +1,95 @@
+#include "eventkit/EdsBus.h"
+
+#include "eventkit/EdsTimeLimit.h"
+
+static const QString action = QStringLiteral("Cannot reach the calendar service");
+
+static Error unreachable(const QString &reason)
+{
+    return CalendarError::make(CalendarError::Storage, action + QStringLiteral(": ") + reason);
+}
+
+OptionalError EdsBus::connect()
+{
+    if (!connection) {
+        GlibFailure failure;
+        const EdsTimeLimit limit(EdsTimeLimit::forReading);
+        connection.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, limit.cancellable(), failure.out()));
+        if (!connection)
+            return failure.told(action);
+        // Else the program would end with the bus.
+        g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
+    }
+    if (g_dbus_connection_is_closed(connection.get())) {
+        connection.reset();
+        return unreachable(QStringLiteral("the session bus has gone"));
+    }
+    return std::nullopt;
+}
+
+GlibVariant EdsBus::call(const QByteArray &service, const char *path, const char *interfaceName,
+                         const char *method, const char *replyType, GlibFailure &failure)
+{
+    constexpr int limit = static_cast<int>(EdsTimeLimit::forReading.count());
+    const std::unique_ptr<GVariantType, void (*)(GVariantType *)> type(g_variant_type_new(replyType),
+                                                                       g_variant_type_free);
+    return GlibVariant(g_dbus_connection_call_sync(connection.get(), service.constData(), path, interfaceName,
+                                                   method, nullptr, type.get(), G_DBUS_CALL_FLAGS_NONE, limit,
+                                                   nullptr, failure.out()));
+}
+
+/// The name ends with a number that changes with the version of the daemon.
+QByteArray EdsBus::findRegistry()
+{
+    static const QByteArray beginning = "org.gnome.evolution.dataserver.Sources";
+    for (const char *method : {"ListNames", "ListActivatableNames"}) {
+        GlibFailure failure;
+        const GlibVariant reply = call("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                       "org.freedesktop.DBus", method, "(as)", failure);
+        if (!reply)
+            continue;
+        const GlibVariant names(g_variant_get_child_value(reply.get(), 0));
+        for (gsize index = 0; index < g_variant_n_children(names.get()); ++index) {
+            const GlibVariant name(g_variant_get_child_value(names.get(), index));
+            const QByteArray text = g_variant_get_string(name.get(), nullptr);
+            if (text.startsWith(beginning))
+                return text;
+        }
+    }
+    return {};
+}
+
+/// Of what stands at one path of the daemon, by interface and property; empty if that is no source.
+static QString uidOfSource(GVariant *interfaces)
+{
+    const GlibVariant source(
+        g_variant_lookup_value(interfaces, "org.gnome.evolution.dataserver.Source", nullptr));
+    const GlibVariant uid(source ? g_variant_lookup_value(source.get(), "UID", nullptr) : nullptr);
+    return uid ? QString::fromUtf8(g_variant_get_string(uid.get(), nullptr)) : QString();
+}
+
+Result<QSet<QString>> EdsBus::sources()
+{
+    if (auto error = connect())
+        return *error;
+    if (registry.isEmpty())
+        registry = findRegistry();
+    if (registry.isEmpty())
+        return unreachable(QStringLiteral("there is none"));
+    GlibFailure failure;
+    const GlibVariant reply =
+        call(registry, "/org/gnome/evolution/dataserver/SourceManager", "org.freedesktop.DBus.ObjectManager",
+             "GetManagedObjects", "(a{oa{sa{sv}}})", failure);
+    if (!reply)
+        return failure.told(action);
+    QSet<QString> found;
+    const GlibVariant objects(g_variant_get_child_value(reply.get(), 0));
+    for (gsize index = 0; index < g_variant_n_children(objects.get()); ++index) {
+        const GlibVariant object(g_variant_get_child_value(objects.get(), index));
+        const GlibVariant interfaces(g_variant_get_child_value(object.get(), 1));
+        if (const QString uid = uidOfSource(interfaces.get()); !uid.isEmpty())
+            found.insert(uid);
+    }
+    // A daemon that works has some of its own.
+    return found.isEmpty() ? Result<QSet<QString>>(unreachable(QStringLiteral("it has nothing"))) : found;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "eventkit/EdsGlib.h"
+
+#include <QSet>
+
+/// What is asked of the daemon that knows the calendars directly, because the library answers such questions
+/// out of what it was told before, also when the daemon has gone. Each question ends after a few seconds.
+class EdsBus
+{
+public:
+    /// The identifiers of all sources that the daemon has now; it is started if it does not run. Storage if
+    /// that cannot be done, or there is no such daemon.
+    Result<QSet<QString>> sources();
+
+private:
+    OptionalError connect();
+    GlibVariant call(const QByteArray &service, const char *path, const char *interfaceName,
+                     const char *method, const char *replyType, GlibFailure &failure);
+    QByteArray findRegistry();
+
+    GlibObject<GDBusConnection> connection;
+    QByteArray registry;
+};
