@@ -20,8 +20,8 @@ bool isAnswered(size_t count)
         const QString message =
             localized(QStringLiteral("%1 tasks are no longer found in your calendars.")).arg(count);
         const QString information =
-            localized(QStringLiteral("If a calendar is only missing for now, keep them. If you removed their "
-                                     "events, remove them too."));
+            localized(QStringLiteral("If a calendar is only missing at the moment, keep them. If you removed "
+                                     "their events, remove them too."));
         answer = Alert::run({{},
                              message,
                              information,

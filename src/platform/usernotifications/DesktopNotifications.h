@@ -7,8 +7,8 @@
 
 #include <map>
 
-/// Messages through the desktop's notification server (org.freedesktop.Notifications, Desktop Notifications
-/// Specification 1.2). Never waits for the server.
+/// Messages through the desktop's notification server (org.freedesktop.Notifications, version 1.2 of that
+/// protocol). Never waits for the server.
 class DesktopNotifications : public QObject, public NotificationPresenter
 {
     Q_OBJECT

@@ -1,13 +1,10 @@
 #include "Library.h"
 
+#include "support/FullDisk.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-
-#include <csignal>
-
-#include <sys/resource.h>
 
 // A save that fails keeps everything that was changed; the next one that succeeds saves each thing once.
 
@@ -28,25 +25,6 @@ public:
 
 private:
     sqlite3 *connection = nullptr;
-};
-
-/// Lets no file of this process grow beyond a size, as a full disk would.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t size)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &former);
-        const rlimit full{size, former.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &full);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &former); }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit former{};
 };
 
 class FailingSaves : public testing::Test
