@@ -51,7 +51,7 @@ QByteArray EdsBus::findRegistry()
         const GlibVariant names(g_variant_get_child_value(reply.get(), 0));
         for (gsize index = 0; index < g_variant_n_children(names.get()); ++index) {
             const GlibVariant name(g_variant_get_child_value(names.get(), index));
-            const QByteArray text = g_variant_get_string(name.get(), nullptr);
+            QByteArray text = g_variant_get_string(name.get(), nullptr);
             if (text.startsWith(beginning))
                 return text;
         }

@@ -8,9 +8,9 @@ EdsCalendar::EdsCalendar(GlibObject<ESource> source, EdsClient::Kind kind, EdsPa
              {.changed = [this](const EdsComponents &components) { hear(components); },
               .removed = [this](const QByteArray &uid) { hearRemoved(uid); },
               .died =
-                  [this, died] {
+                  [this, tellDeath = std::move(died)] {
                       isStale = true;
-                      died();
+                      tellDeath();
                   },
               .accessMayHaveChanged = [this] { tellChange(); }})
     , tellChange(std::move(mayHaveChanged))
