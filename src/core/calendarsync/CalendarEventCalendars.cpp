@@ -14,17 +14,12 @@
 
 namespace {
 
+using calendarstore::isCloud;
+using calendarstore::separator;
 using calendarstore::state;
 
 const QString ownTitle = QStringLiteral("Morvane Pro");
 const QString readOnlyMark = QStringLiteral("[<±>]");
-const QString separator = QStringLiteral("Ω");
-const QString cloudSource = QStringLiteral("icloud");
-
-bool isCloud(const EKSource &source)
-{
-    return source.sourceType == EKSourceType::CalDAV && source.title.toLower() == cloudSource;
-}
 
 std::vector<EKCalendar> ownCalendars()
 {
@@ -87,6 +82,11 @@ QString localizedIfOneOf(const QString &title, const std::vector<std::pair<QStri
 }
 
 } // namespace
+
+bool calendarstore::isCloud(const EKSource &source)
+{
+    return source.sourceType == EKSourceType::CalDAV && source.title.toLower() == QStringLiteral("icloud");
+}
 
 std::vector<EKCalendar> CalendarEvent::getAllCalendars()
 {

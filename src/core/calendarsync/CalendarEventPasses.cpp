@@ -134,7 +134,7 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
     });
 }
 
-bool goes(const TaskPtr &row, const TaskPtr &onlyTask, const DateInterval &window)
+rowfate::Decision fateOf(const TaskPtr &row, const TaskPtr &onlyTask, const DateInterval &window)
 {
     rowfate::Facts facts;
     facts.isDone = row->status() == static_cast<int>(TaskStatus::Done);
@@ -145,11 +145,11 @@ bool goes(const TaskPtr &row, const TaskPtr &onlyTask, const DateInterval &windo
     facts.allowsChanges = row->allowsContentModifications().value_or(true);
     facts.isOutsideOfPass = onlyTask && row != onlyTask;
     if (const auto decision = rowfate::decideAtOnce(facts))
-        return decision->fate == rowfate::Fate::Goes;
+        return *decision;
     facts.isCalendarChosen = CalendarEvent::calendarAccessOfCalendarTypeIdentifier(row->typeCalendarID());
     facts.wasCreatedOffCalendar = row->wasCreatedOffCalendar().value_or(false);
     facts.hasItemOutsideOfWindow = facts.isCalendarChosen && hasItemOutside(*row, window);
-    return rowfate::decide(facts).fate == rowfate::Fate::Goes;
+    return rowfate::decide(facts);
 }
 
 } // namespace
@@ -173,8 +173,11 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
             pass.take(group);
         const DateInterval seen = window();
         for (const TaskPtr &row : pass.unclaimed()) {
-            if (goes(row, task, seen))
-                going.push_back(row);
+            const rowfate::Decision decision = fateOf(row, task, seen);
+            if (decision.fate != rowfate::Fate::Goes)
+                continue;
+            Log::line(QStringLiteral("%1: %2").arg(row->title(), QLatin1String(decision.reason)));
+            going.push_back(row);
         }
         linkedCount = pass.linkedCount();
         eventCount = events->size();

@@ -15,9 +15,9 @@
 
 namespace {
 
+using calendarstore::isCloud;
+using calendarstore::separator;
 using calendarstore::state;
-
-const QString separator = QStringLiteral("Ω");
 
 std::map<QString, int> countOfTitles(const std::vector<EKCalendar> &calendars)
 {
@@ -25,11 +25,6 @@ std::map<QString, int> countOfTitles(const std::vector<EKCalendar> &calendars)
     for (const EKCalendar &one : calendars)
         ++counts[one.title];
     return counts;
-}
-
-bool isInCloud(const EKSource &source)
-{
-    return source.sourceType == EKSourceType::CalDAV && source.title.toLower() == QStringLiteral("icloud");
 }
 
 bool isBirthdaysOfExchange(const EKCalendar &calendar)
@@ -55,7 +50,7 @@ void keepTitlesApart()
     for (const EKCalendar &one : calendars) {
         if (counts[one.title] < 2 || !one.allowsContentModifications || isBirthdaysOfExchange(one))
             continue;
-        if (one.source.sourceType == EKSourceType::Local || isInCloud(one.source)) {
+        if (one.source.sourceType == EKSourceType::Local || isCloud(one.source)) {
             saveTitle(one, one.title + QString::number(++number));
             counts = countOfTitles(CalendarEvent::getAllCalendars());
         } else {

@@ -33,4 +33,10 @@ struct State
 
 State &state();
 
+/// Between the references of the chosen calendars.
+inline const QString separator = QStringLiteral("Ω");
+
+/// Whether an account is the one that replicates the user's calendars between devices.
+bool isCloud(const EKSource &source);
+
 } // namespace calendarstore

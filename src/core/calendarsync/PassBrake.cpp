@@ -43,8 +43,8 @@ bool mayDelete(const std::vector<TaskPtr> &rows, size_t linkedCount, size_t even
     const bool isMuch = rows.size() > alwaysAllowed && rows.size() * 3 > linkedCount;
     if (rows.empty() || (!isMuch && !isSuddenlyEmpty))
         return true;
-    for (const TaskPtr &row : rows)
-        Log::line(QStringLiteral("No longer found in the calendars: %1").arg(row->title()));
+    Log::line(QStringLiteral("The pass would remove %1 tasks, which is much; nothing is removed unasked.")
+                  .arg(rows.size()));
     if (!isAnswered(rows.size()))
         return false;
     defaults.setObject(settings::eventsAtLastPass, static_cast<int>(eventCount));

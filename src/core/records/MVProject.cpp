@@ -1,5 +1,6 @@
 #include "records/MVProject.h"
 
+#include "records/FillEmpty.h"
 #include "records/Functional.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
@@ -13,27 +14,6 @@ namespace {
 constexpr int openStatus = static_cast<int>(TaskStatus::Open);
 constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
 constexpr int noPriority = static_cast<int>(Priority::None);
-
-void fill(QString &field, const QString &value)
-{
-    if (field.isEmpty())
-        field = value;
-}
-
-/// For optional values and links.
-template <typename T>
-void fill(T &field, const T &value)
-{
-    if (!field)
-        field = value;
-}
-
-template <typename T>
-void fill(std::vector<T> &field, const std::vector<T> &value)
-{
-    if (field.empty())
-        field = value;
-}
 
 } // namespace
 

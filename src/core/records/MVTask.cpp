@@ -1,6 +1,7 @@
 #include "records/MVTask.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "records/FillEmpty.h"
 #include "records/Functional.h"
 #include "records/TaskManager.h"
 #include "records/dates/MVDate.h"
@@ -10,33 +11,6 @@
 namespace {
 
 constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
-
-void fill(QString &field, const QString &value)
-{
-    if (field.isEmpty())
-        field = value;
-}
-
-template <typename T>
-void fill(std::optional<T> &field, const std::optional<T> &value)
-{
-    if (!field)
-        field = value;
-}
-
-template <typename T>
-void fill(std::shared_ptr<T> &field, const std::shared_ptr<T> &value)
-{
-    if (!field)
-        field = value;
-}
-
-template <typename T>
-void fill(std::vector<T> &field, const std::vector<T> &value)
-{
-    if (field.empty())
-        field = value;
-}
 
 /// A copy of texts in which null and empty are the same.
 bool isSameText(const QString &one, const QString &other)

@@ -209,7 +209,7 @@ TaskPtr TaskManager::saveWithDate(OptionalDate date, const TaskPtr &task, Span s
         row = CalendarEvent::removeEventCalendarFromTask(task, span, false);
     else
         CalendarEvent::initEventCalendarFromTask(*task, span, date, wasRepeat);
-    post(notifications::reloadTasks, task);
+    post(notifications::reloadTasks, row ? row : task);
     return row;
 }
 

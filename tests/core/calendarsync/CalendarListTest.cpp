@@ -75,6 +75,10 @@ TEST_F(CalendarList, MakesItsOwnCalendarOnceAndJoinsSeveral)
     EXPECT_TRUE(CalendarEvent::isOurCalendar());
     connectStore();
     EXPECT_EQ(titlesOf(CalendarEvent::getAllCalendars()), QStringList({u"Home"_qs, u"Morvane Pro"_qs}));
+    const auto moved = CalendarEvent::eventStore().calendarItemsWithExternalIdentifier(u"one"_qs);
+    ASSERT_TRUE(moved);
+    ASSERT_THAT(moved.value(), SizeIs(1));
+    EXPECT_EQ(moved.value()[0].calendar->title, u"Morvane Pro"_qs);
 }
 
 TEST_F(CalendarList, TitlesAreKeptApart)
