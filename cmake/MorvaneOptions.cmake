@@ -8,8 +8,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
 option(MORVANE_WERROR "Treat compiler warnings as errors" OFF)
 option(MORVANE_BENCHMARKS "Build the benchmarks" ON)
-# Linked in, it costs every start the loading of the daemon's libraries; until it is loaded on demand it is built on wish.
-option(MORVANE_EDS "Build the calendar backend for evolution-data-server, with its tests" OFF)
+option(MORVANE_EDS "Build the library for the calendars of evolution-data-server, with its tests" ON)
 option(MORVANE_TIDY "Run clang-tidy on every source file" OFF)
 set(MORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 option(MORVANE_COVERAGE "Instrument for coverage with gcov" OFF)

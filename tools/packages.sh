@@ -1,13 +1,9 @@
 # What the project needs of Debian, by what it is needed for. Sourced by ./run and ./check.
 
 build_packages=(g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev libicu-dev libsqlite3-dev
-    libical-dev libgl-dev)
-run_packages=(libqt6svg6 fonts-inter fonts-dejavu-core)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 dbus)
-
-# For a build with MORVANE_EDS, which nothing does by itself yet.
-# shellcheck disable=SC2034
-eds_packages=(libecal2.0-dev evolution-data-server dconf-gsettings-backend)
+    libical-dev libecal2.0-dev libgl-dev)
+run_packages=(libqt6svg6 fonts-inter fonts-dejavu-core evolution-data-server)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 dbus dconf-gsettings-backend)
 
 # Installs those of the given packages that are missing, and says which.
 install_missing() {

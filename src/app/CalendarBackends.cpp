@@ -1,11 +1,18 @@
 #include "CalendarBackends.h"
 
 #include "cloud/FileManager.h"
+#include "eventkit/DesktopCalendars.h"
 #include "eventkit/EKEventStore.h"
 #include "eventkit/FolderBackend.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "shell/ApplicationLife.h"
 #include "workspace/PlatformConfiguration.h"
+
+#include <QCoreApplication>
+
+static const QString eds = QStringLiteral("eds");
+static const QString folder = QStringLiteral("folder");
 
 static bool isAllowedByUser(EKEntityType entityType)
 {
@@ -20,13 +27,35 @@ static bool isAllowedByUser(EKEntityType entityType)
            Alert::firstButton;
 }
 
+/// What the configuration says, or what is found here; that is then written down, so that a daemon which is
+/// late one morning does not show other calendars.
+static QString chosenStore(DesktopCalendars &desktop)
+{
+    static const QString key = QStringLiteral("calendarStore");
+    const QString configured = PlatformConfiguration().text(key);
+    if (configured == eds || configured == folder)
+        return configured;
+    const QString found = desktop.isAvailable() ? eds : folder;
+    PlatformConfiguration::setText(key, found);
+    return found;
+}
+
+static std::shared_ptr<CalendarBackend> makeBackend()
+{
+    DesktopCalendars desktop(QCoreApplication::applicationDirPath() +
+                             QStringLiteral("/" MORVANE_LIBRARIES "/morvane-eds"));
+    if (chosenStore(desktop) == eds)
+        return desktop.backend();
+    return std::make_shared<FolderBackend>(FileManager::appFolderURL() + QStringLiteral("/Calendars"));
+}
+
 void connectCalendars()
 {
-    if (PlatformConfiguration().text(QStringLiteral("calendarStore")) != QStringLiteral("folder"))
-        return;
-    EKEventStore::setSharedBackend(
-        std::make_shared<FolderBackend>(FileManager::appFolderURL() + QStringLiteral("/Calendars")));
+    EKEventStore::setSharedBackendSource(makeBackend);
     EKEventStore::setAccessQuestion([](EKEntityType entityType, const std::function<void(bool)> &answer) {
-        answer(isAllowedByUser(entityType));
+        const bool isAllowed = isAllowedByUser(entityType);
+        // A question that goes down with the program was not answered.
+        if (!ApplicationLife::isEnding())
+            answer(isAllowed);
     });
 }

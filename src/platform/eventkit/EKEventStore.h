@@ -43,12 +43,16 @@ struct EKEventPredicate
 class EKEventStore
 {
 public:
-    /// How the user is asked for access. The answer may come at once or later, on the main thread.
+    using BackendSource = std::function<std::shared_ptr<CalendarBackend>()>;
+    /// How the user is asked for access. The answer may come at once or later, on the main thread; without
+    /// one the user is asked again when the program runs the next time.
     using AccessQuestion =
         std::function<void(EKEntityType entityType, std::function<void(bool isGranted)> answer)>;
 
     /// What stores made from now on work on; also starts the notifications of changes. Null for none.
     static void setSharedBackend(std::shared_ptr<CalendarBackend> backend);
+    /// The same with a backend that is made when a store is first needed.
+    static void setSharedBackendSource(BackendSource source);
     static void setAccessQuestion(AccessQuestion question);
 
     static EKAuthorizationStatus authorizationStatusForEntityType(EKEntityType entityType);

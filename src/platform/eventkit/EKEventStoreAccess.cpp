@@ -5,14 +5,22 @@
 #include "workspace/PlatformConfiguration.h"
 
 #include <map>
+#include <utility>
 
 namespace {
 
 using Completion = std::function<void(bool)>;
 
-std::shared_ptr<CalendarBackend> &sharedBackend()
+struct Shared
 {
-    static std::shared_ptr<CalendarBackend> backend;
+    std::shared_ptr<CalendarBackend> backend;
+    /// Makes it when it is first asked for.
+    EKEventStore::BackendSource source;
+};
+
+Shared &shared()
+{
+    static Shared backend;
     return backend;
 }
 
@@ -51,17 +59,25 @@ void takeAnswer(EKEntityType entityType, bool isGranted)
 
 std::shared_ptr<CalendarBackend> sharedCalendarBackend()
 {
-    return sharedBackend();
+    if (const auto source = std::exchange(shared().source, {}))
+        EKEventStore::setSharedBackend(source());
+    return shared().backend;
 }
 
 void EKEventStore::setSharedBackend(std::shared_ptr<CalendarBackend> backend)
 {
-    if (sharedBackend())
-        sharedBackend()->setChangedCallback({});
-    sharedBackend() = std::move(backend);
-    if (sharedBackend())
-        sharedBackend()->setChangedCallback(
+    if (shared().backend)
+        shared().backend->setChangedCallback({});
+    shared() = {std::move(backend), {}};
+    if (shared().backend)
+        shared().backend->setChangedCallback(
             [] { NotificationCenter::defaultCenter().post(EKEventStoreChangedNotification); });
+}
+
+void EKEventStore::setSharedBackendSource(BackendSource source)
+{
+    setSharedBackend(nullptr);
+    shared().source = std::move(source);
 }
 
 void EKEventStore::setAccessQuestion(AccessQuestion question)

@@ -21,7 +21,8 @@ PlatformConfiguration::PlatformConfiguration()
         return;
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
-    if (!document.isObject())
+    isBroken = !document.isObject();
+    if (isBroken)
         Log::line(QStringLiteral("Cannot read %1: %2").arg(file.fileName(), error.errorString()));
     values = document.object();
 }
@@ -34,14 +35,26 @@ int PlatformConfiguration::authorization(const QString &what) const
 void PlatformConfiguration::setAuthorization(const QString &what, int answer)
 {
     static const QString key = QStringLiteral("authorization");
-    QJsonObject values = PlatformConfiguration().values;
-    QJsonObject answers = values.value(key).toObject();
+    QJsonObject answers = PlatformConfiguration().values.value(key).toObject();
     answers.insert(what, answer);
-    values.insert(key, answers);
+    write(key, answers);
+}
+
+void PlatformConfiguration::write(const QString &key, const QJsonValue &value)
+{
+    PlatformConfiguration configuration;
     const QString path = configurationPath();
+    if (configuration.isBroken)
+        QFile::rename(path, path + QStringLiteral(".broken"));
+    configuration.values.insert(key, value);
     QDir().mkpath(QFileInfo(path).path());
-    if (const auto error = writeFileAtomically(path, QJsonDocument(values).toJson()))
+    if (const auto error = writeFileAtomically(path, QJsonDocument(configuration.values).toJson()))
         Log::line(QStringLiteral("Cannot write %1: %2").arg(path, error->message));
+}
+
+void PlatformConfiguration::setText(const QString &key, const QString &value)
+{
+    write(key, value);
 }
 
 QString PlatformConfiguration::text(const QString &key) const

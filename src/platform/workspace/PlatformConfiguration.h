@@ -18,7 +18,13 @@ public:
     static void setAuthorization(const QString &what, int answer);
     /// A text value, or an empty text.
     QString text(const QString &key) const;
+    /// Keeps a text value in the file; everything else in it stays. A failure is logged.
+    static void setText(const QString &key, const QString &value);
 
 private:
+    /// Writes the value; a file that could not be read is put aside first.
+    static void write(const QString &key, const QJsonValue &value);
+
     QJsonObject values;
+    bool isBroken = false;
 };

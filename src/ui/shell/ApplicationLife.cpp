@@ -36,6 +36,11 @@ ApplicationLife *ApplicationLife::shared()
     return theLife;
 }
 
+bool ApplicationLife::isEnding()
+{
+    return !theLife || theLife->isQuitting;
+}
+
 void ApplicationLife::windowWasPainted()
 {
     wasPainted = true;

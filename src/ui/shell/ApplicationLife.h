@@ -16,6 +16,9 @@ public:
     /// The one of the running program, or null.
     static ApplicationLife *shared();
 
+    /// Whether the program is quitting; what is answered then is not the user's word.
+    static bool isEnding();
+
     /// The first picture stands: what could wait until then begins.
     void windowWasPainted();
     bool isPainted() const { return wasPainted; }

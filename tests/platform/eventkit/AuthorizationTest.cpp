@@ -1,4 +1,7 @@
+#include "eventkit/DesktopCalendars.h"
 #include "eventkit/EKEventStore.h"
+#include "eventkit/EmptyBackend.h"
+#include "eventkit/SharedEventStore.h"
 #include "foundation/ApplicationPaths.h"
 #include "support/TestSupport.h"
 #include "workspace/PlatformConfiguration.h"
@@ -94,4 +97,51 @@ TEST_F(AuthorizationTest, AStoreWithoutABackendHasNothing)
     EKCalendar calendar;
     calendar.title = u"Mine"_qs;
     EXPECT_TRUE(store.saveCalendar(calendar, true));
+}
+
+TEST_F(AuthorizationTest, WhatIsWrittenLeavesTheRestOfTheConfigurationAlone)
+{
+    PlatformConfiguration::setText(u"calendarStore"_qs, u"folder"_qs);
+    PlatformConfiguration::setAuthorization(u"events"_qs, 3);
+    PlatformConfiguration::setText(u"tiles"_qs, u"none"_qs);
+    EXPECT_EQ(PlatformConfiguration().text(u"calendarStore"_qs), u"folder"_qs);
+    EXPECT_EQ(PlatformConfiguration().authorization(u"events"_qs), 3);
+
+    const QByteArray broken = "{\"cloudFolder\": \"/somewhere\",";
+    const auto write = [](const QString &name, const QByteArray &text) {
+        QFile file(name);
+        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
+    };
+    ASSERT_TRUE(write(path, broken));
+    const LogCapture log;
+    PlatformConfiguration::setText(u"calendarStore"_qs, u"eds"_qs);
+    EXPECT_EQ(PlatformConfiguration().text(u"calendarStore"_qs), u"eds"_qs);
+    QFile kept(path + u".broken"_qs);
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly)) << "what the user had written is put aside";
+    EXPECT_EQ(kept.readAll(), broken);
+    EXPECT_TRUE(kept.remove());
+}
+
+TEST_F(AuthorizationTest, ASharedBackendIsMadeWhenAStoreNeedsIt)
+{
+    int made = 0;
+    EKEventStore::setSharedBackendSource([&made] {
+        ++made;
+        return std::make_shared<EmptyBackend>();
+    });
+    EXPECT_EQ(made, 0);
+    const EKEventStore first;
+    const EKEventStore second;
+    EXPECT_EQ(made, 1);
+    EKEventStore::setSharedBackend(nullptr);
+    EXPECT_FALSE(sharedCalendarBackend());
+}
+
+TEST_F(AuthorizationTest, TheDesktopsCalendarsAreNotThereWithoutTheirLibrary)
+{
+    const LogCapture log;
+    DesktopCalendars desktop(ApplicationPaths::dataFolder() + u"/no-such-library"_qs);
+    EXPECT_FALSE(desktop.isAvailable());
+    EXPECT_EQ(desktop.backend(), nullptr);
+    EXPECT_EQ(log.lines().size(), 1);
 }

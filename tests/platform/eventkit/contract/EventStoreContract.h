@@ -20,6 +20,8 @@ public:
     virtual EKSource source() = 0;
     /// Lets a calendar be read only from now on, for stores that are opened later too.
     virtual void makeReadOnly(const EKCalendar &calendar) = 0;
+    /// How many generated series a run has the time for.
+    virtual int generatedSeries() const { return 120; }
 };
 
 using BackendFactory = std::unique_ptr<BackendUnderTest> (*)();

@@ -1,7 +1,7 @@
 #include "../contract/EventStoreContract.h"
 
 #include "DesktopDaemon.h"
-#include "eventkit/EdsBackend.h"
+#include "eventkit/eds/EdsBackend.h"
 
 /// Calendars of the daemon. Those that a test makes are removed after it.
 class EdsUnderTest : public BackendUnderTest
@@ -38,6 +38,9 @@ public:
                                        file + u"\n"_qs);
         DesktopDaemon::kill(DesktopDaemon::Part::Calendars);
     }
+
+    /// Each call goes through the bus.
+    int generatedSeries() const override { return 30; }
 
 private:
     const QStringList before = DesktopDaemon::sources();

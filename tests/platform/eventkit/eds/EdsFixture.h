@@ -3,7 +3,7 @@
 #include "DesktopDaemon.h"
 #include "Waiting.h"
 #include "eventkit/CalendarError.h"
-#include "eventkit/EdsBackend.h"
+#include "eventkit/eds/EdsBackend.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>

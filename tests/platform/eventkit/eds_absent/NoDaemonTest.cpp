@@ -1,5 +1,5 @@
 #include "eventkit/CalendarError.h"
-#include "eventkit/EdsBackend.h"
+#include "eventkit/eds/EdsBackend.h"
 
 #include <gtest/gtest.h>
 

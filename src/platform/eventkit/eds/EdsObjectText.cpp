@@ -1,4 +1,4 @@
-#include "eventkit/EdsObjectText.h"
+#include "eventkit/eds/EdsObjectText.h"
 
 #include "eventkit/IcalDocument.h"
 #include "eventkit/IcalZones.h"

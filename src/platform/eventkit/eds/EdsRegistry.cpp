@@ -1,6 +1,6 @@
-#include "eventkit/EdsRegistry.h"
+#include "eventkit/eds/EdsRegistry.h"
 
-#include "eventkit/EdsSources.h"
+#include "eventkit/eds/EdsSources.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "eventkit/EdsSources.h"
+#include "eventkit/eds/EdsSources.h"
 
 #include "eventkit/ColorText.h"
 

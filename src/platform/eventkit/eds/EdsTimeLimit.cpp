@@ -1,4 +1,4 @@
-#include "eventkit/EdsTimeLimit.h"
+#include "eventkit/eds/EdsTimeLimit.h"
 
 #include <condition_variable>
 #include <mutex>

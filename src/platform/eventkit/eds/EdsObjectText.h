@@ -1,6 +1,6 @@
 #pragma once
 
-#include "eventkit/EdsComponent.h"
+#include "eventkit/eds/EdsComponent.h"
 
 // The components of a UID, as the daemon has them, and the iCalendar texts that are made of them.
 

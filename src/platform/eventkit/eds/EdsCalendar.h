@@ -1,8 +1,8 @@
 #pragma once
 
 #include "eventkit/CalendarBackend.h"
-#include "eventkit/EdsClient.h"
-#include "eventkit/EdsObjectText.h"
+#include "eventkit/eds/EdsClient.h"
+#include "eventkit/eds/EdsObjectText.h"
 
 #include <QHash>
 

@@ -1,4 +1,4 @@
-#include "eventkit/EdsClient.h"
+#include "eventkit/eds/EdsClient.h"
 
 #include "foundation/Log.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "eventkit/EdsGlib.h"
+#include "eventkit/eds/EdsGlib.h"
 
 #include <QSet>
 

@@ -1,4 +1,4 @@
-#include "eventkit/EdsCalendar.h"
+#include "eventkit/eds/EdsCalendar.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "eventkit/EdsComponent.h"
+#include "eventkit/eds/EdsComponent.h"
 
 #include <QCryptographicHash>
 

@@ -1,8 +1,8 @@
-#include "eventkit/EdsBackend.h"
+#include "eventkit/eds/EdsBackend.h"
 
-#include "eventkit/EdsCalendar.h"
-#include "eventkit/EdsRegistry.h"
-#include "eventkit/EdsSources.h"
+#include "eventkit/eds/EdsCalendar.h"
+#include "eventkit/eds/EdsRegistry.h"
+#include "eventkit/eds/EdsSources.h"
 
 using Milliseconds = std::chrono::milliseconds;
 
@@ -190,8 +190,8 @@ void EdsBackend::setChangedCallback(std::function<void()> callback)
         return;
     for (const auto &[identifier, calendar] : calendarsByIdentifier)
         calendar->listen();
-    // Calendars tell of changes once they are connected to.
-    static_cast<void>(calendars());
+    // Calendars tell of changes once they are connected to, which may take a while.
+    QTimer::singleShot(0, &delay, [this] { static_cast<void>(calendars()); });
 }
 
 void EdsBackend::check()

@@ -1,6 +1,6 @@
-#include "eventkit/EdsBus.h"
+#include "eventkit/eds/EdsBus.h"
 
-#include "eventkit/EdsTimeLimit.h"
+#include "eventkit/eds/EdsTimeLimit.h"
 
 static const QString action = QStringLiteral("Cannot reach the calendar service");
 

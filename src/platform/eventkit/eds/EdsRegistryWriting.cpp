@@ -1,7 +1,7 @@
-#include "eventkit/EdsRegistry.h"
+#include "eventkit/eds/EdsRegistry.h"
 
 #include "eventkit/ColorText.h"
-#include "eventkit/EdsSources.h"
+#include "eventkit/eds/EdsSources.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "eventkit/EKCalendar.h"
-#include "eventkit/EdsGlib.h"
+#include "eventkit/eds/EdsGlib.h"
 
 // How sources of the daemon are shown as accounts and calendars.
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "eventkit/EKCalendar.h"
-#include "eventkit/EdsBus.h"
-#include "eventkit/EdsTimeLimit.h"
+#include "eventkit/eds/EdsBus.h"
+#include "eventkit/eds/EdsTimeLimit.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,4 +1,4 @@
-#include "eventkit/EdsGlib.h"
+#include "eventkit/eds/EdsGlib.h"
 
 void disconnectSignals(gpointer object, gpointer receiver)
 {

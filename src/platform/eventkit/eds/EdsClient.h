@@ -1,7 +1,7 @@
 #pragma once
 
-#include "eventkit/EdsComponent.h"
-#include "eventkit/EdsTimeLimit.h"
+#include "eventkit/eds/EdsComponent.h"
+#include "eventkit/eds/EdsTimeLimit.h"
 
 #include <QStringList>
 
