@@ -1,13 +1,10 @@
+#include "BenchEvents.h"
 #include "BenchHome.h"
 #include "Ratio.h"
 #include "calendarsync/CalendarEvent.h"
 #include "eventkit/FolderBackend.h"
-#include "foundation/Clock.h"
-#include "foundation/UserDefaults.h"
-#include "records/dates/MTDates.h"
+#include "foundation/AtomicFile.h"
 #include "store/queries/DBWorker.h"
-#include "store/state/SettingsKeys.h"
-#include "workspace/PlatformConfiguration.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,44 +23,18 @@ public:
         QDir().mkpath(folder.filePath(QStringLiteral("Local/Bench")));
         for (int number = 0; number < count; ++number)
             write(number);
-        PlatformConfiguration::setAuthorization(QStringLiteral("events"), 3);
-        UserDefaults::standard().setObject(settings::savedChooseCalendars, QStringLiteral("Bench"));
-        EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(folder.path()));
-        CalendarEvent::resetEventStore();
+        BenchEvents::useCalendars(std::make_shared<FolderBackend>(folder.path()));
     }
-    ~CalendarFolder()
-    {
-        EKEventStore::setSharedBackend(nullptr);
-        CalendarEvent::resetEventStore();
-        PlatformConfiguration::setAuthorization(QStringLiteral("events"), 0);
-    }
+    ~CalendarFolder() { BenchEvents::useCalendars(nullptr); }
     QStringList files() const { return QDir(path()).entryList({QStringLiteral("*.ics")}, QDir::Files); }
     QString path() const { return folder.filePath(QStringLiteral("Local/Bench")); }
 
 private:
     void write(int number) const
     {
-        const Date day = Clock::now() + Seconds((number % 120 - 30) * 86400.0);
-        const QString date = QStringLiteral("%1%2%3")
-                                 .arg(MTDates::year(day), 4, 10, QLatin1Char('0'))
-                                 .arg(MTDates::monthOfYear(day), 2, 10, QLatin1Char('0'))
-                                 .arg(MTDates::dayOfMonth(day), 2, 10, QLatin1Char('0'));
-        const QString rule = number % 10 == 0 ? QStringLiteral("RRULE:FREQ=WEEKLY;COUNT=8\r\n") : QString();
         QFile file(path() + QStringLiteral("/event%1.ics").arg(number));
-        if (!file.open(QIODevice::WriteOnly))
-            return;
-        file.write(
-            QStringLiteral("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//bench//EN\r\nBEGIN:VEVENT\r\n"
-                           "UID:event%1\r\nDTSTAMP:20260101T000000Z\r\nSUMMARY:Event number %1\r\n"
-                           "DTSTART:%2T%3%4500Z\r\nDTEND:%2T%3%5900Z\r\n%6DESCRIPTION:What it is about\r\n"
-                           "END:VEVENT\r\nEND:VCALENDAR\r\n")
-                .arg(number)
-                .arg(date)
-                .arg(8 + number % 9, 2, 10, QLatin1Char('0'))
-                .arg(number % 3)
-                .arg(3 + number % 3)
-                .arg(rule)
-                .toUtf8());
+        if (file.open(QIODevice::WriteOnly))
+            file.write(BenchEvents::calendarText(number));
     }
 
     QTemporaryDir folder;
@@ -121,5 +92,21 @@ void firstPass(benchmark::State &state)
     }
 }
 BENCHMARK(firstPass)->ArgName("events")->Arg(5000)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+/// A task with a new title, written to its event, against writing a file of that size whole.
+void taskToEvent(benchmark::State &state)
+{
+    BenchHome::shared();
+    const CalendarFolder calendar(static_cast<int>(state.range(0)));
+    CalendarEvent::syncCalendarToAppWithTask(nullptr);
+    DBWorker::saveContext();
+    const TaskPtr task = BenchEvents::plainLinkedTask();
+    const QString bareFile = calendar.path() + QStringLiteral("/../bare.ics");
+    const QByteArray text = BenchEvents::calendarText(1);
+    compare(
+        state, [&task] { BenchEvents::writeToEvent(*task); },
+        [&] { benchmark::DoNotOptimize(writeFileAtomically(bareFile, text)); });
+}
+BENCHMARK(taskToEvent)->ArgName("events")->Arg(5000)->Unit(benchmark::kMillisecond)->Iterations(40);
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "CalendarBackends.h"
 #include "FirstPaint.h"
 
 #include "shell/ApplicationLife.h"
@@ -14,6 +15,7 @@ int main(int argc, char *argv[])
     if (!instance.isFirst())
         return 1;
     Shell::prepareApplication();
+    connectCalendars();
     AppDelegate delegate(std::make_unique<Shell>());
     ApplicationLife life(delegate, &instance);
     delegate.applicationWillFinishLaunching();

@@ -41,6 +41,14 @@ public:
     /// only what has changed since. NotFound for an unknown calendar.
     virtual Result<std::vector<CalendarObject>> objects(const QString &calendarIdentifier) = 0;
 
+    /// One object of a calendar as it is now; absent if there is none of that name. Much quicker than all of
+    /// them. NotFound for an unknown calendar.
+    virtual Result<std::optional<CalendarObject>> object(const QString &calendarIdentifier,
+                                                         const QString &name) = 0;
+    /// Differs after objects were added to a calendar, by whomever: while it stays, there are no more names
+    /// than `objects` gave. Empty where that cannot be told quickly.
+    virtual QByteArray stampOfNames(const QString &calendarIdentifier) = 0;
+
     /// Stores an object and answers it with its name and etag of now, or with the text that the backend made
     /// of it. Without a name it is a new one, for which `uid` may give the name; else `object.etag` must be
     /// that of the stored one, or the answer is Conflict and nothing is written. ReadOnly, Storage, NotFound.

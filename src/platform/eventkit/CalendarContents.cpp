@@ -21,7 +21,7 @@ void CalendarContents::reportOnce(const QString &calendarIdentifier, const Calen
 
 CalendarItemPointer CalendarContents::parsed(const QString &calendarIdentifier, const CalendarObject &object)
 {
-    const auto &former = known[calendarIdentifier];
+    const auto &former = known[calendarIdentifier].byName;
     const auto same = former.constFind(object.name);
     if (same != former.constEnd() && same->etag == object.etag)
         return same->item;
@@ -34,28 +34,58 @@ CalendarItemPointer CalendarContents::parsed(const QString &calendarIdentifier, 
 
 Result<std::vector<StoredItem>> CalendarContents::storedItems(const QString &calendarIdentifier)
 {
+    const QByteArray stampOfNames = storage->stampOfNames(calendarIdentifier);
     auto objects = storage->objects(calendarIdentifier);
     if (!objects)
         return objects.error();
     std::sort(objects->begin(), objects->end(),
               [](const CalendarObject &one, const CalendarObject &other) { return one.name < other.name; });
-    QHash<QString, Parsed> present;
-    QSet<QString> uids;
+    Known present{{}, {}, stampOfNames};
+    present.byName.reserve(static_cast<qsizetype>(objects->size()));
+    present.namesByUid.reserve(static_cast<qsizetype>(objects->size()));
     std::vector<StoredItem> items;
+    items.reserve(objects->size());
     for (const CalendarObject &object : objects.value()) {
         const CalendarItemPointer item = parsed(calendarIdentifier, object);
-        present.insert(object.name, {object.etag, item});
+        present.byName.insert(object.name, {object.etag, item});
         if (!item)
             continue;
-        if (uids.contains(item->uid())) {
+        if (present.namesByUid.contains(item->uid())) {
             reportOnce(calendarIdentifier, object, QStringLiteral("its UID is that of another object"));
             continue;
         }
-        uids.insert(item->uid());
+        present.namesByUid.insert(item->uid(), object.name);
         items.push_back({object.name, object.etag, item});
     }
     known[calendarIdentifier] = std::move(present);
     return items;
+}
+
+Result<std::optional<StoredItem>> CalendarContents::storedItem(const QString &calendarIdentifier,
+                                                               const QString &uid)
+{
+    const auto &calendar = known[calendarIdentifier];
+    const QString name = calendar.namesByUid.value(uid);
+    if (!name.isEmpty()) {
+        const auto object = storage->object(calendarIdentifier, name);
+        if (!object)
+            return object.error();
+        const auto item = object.value() ? parsed(calendarIdentifier, *object.value()) : nullptr;
+        if (item && item->uid() == uid) {
+            known[calendarIdentifier].byName.insert(name, {object.value()->etag, item});
+            return std::optional(StoredItem{name, object.value()->etag, item});
+        }
+    } else if (!calendar.stampOfNames.isEmpty() &&
+               calendar.stampOfNames == storage->stampOfNames(calendarIdentifier)) {
+        return std::optional<StoredItem>();
+    }
+    const auto items = storedItems(calendarIdentifier);
+    if (!items)
+        return items.error();
+    for (const StoredItem &stored : items.value())
+        if (stored.item->uid() == uid)
+            return std::optional(stored);
+    return std::optional<StoredItem>();
 }
 
 Result<std::vector<EKCalendar>> CalendarContents::presentCalendars()
@@ -135,13 +165,17 @@ Result<std::optional<StoredItem>> CalendarContents::item(const QString &calendar
         return index == found.value()->byUid.constEnd() ? std::optional<StoredItem>()
                                                         : std::optional(found.value()->items[*index]);
     }
-    const auto items = presentItems(calendarIdentifier);
-    if (!items)
-        return items.error();
-    for (const StoredItem &stored : items.value())
-        if (stored.item->uid() == uid)
-            return std::optional(stored);
-    return std::optional<StoredItem>();
+    for (auto change = pending.rbegin(); change != pending.rend(); ++change) {
+        if (change->calendarIdentifier != calendarIdentifier || change->change == Change::UpdateCalendar)
+            continue;
+        if (change->change == Change::RemoveCalendar)
+            return std::optional<StoredItem>();
+        if (change->item && change->item->uid() == uid)
+            return std::optional(StoredItem{change->former.name, change->former.etag, change->item});
+        if (change->former.item && change->former.item->uid() == uid)
+            return std::optional<StoredItem>();
+    }
+    return storedItem(calendarIdentifier, uid);
 }
 
 void CalendarContents::release()
@@ -237,7 +271,19 @@ OptionalError CalendarContents::write(const Pending &change)
     const auto written =
         storage->put(change.calendarIdentifier, {change.former.name, change.former.etag, change.item->text()},
                      change.item->uid());
-    return written ? OptionalError() : written.error();
+    if (!written)
+        return written.error();
+    noteWritten(change, written.value());
+    return std::nullopt;
+}
+
+/// What was written need not be searched for.
+void CalendarContents::noteWritten(const Pending &change, const CalendarObject &written)
+{
+    Known &calendar = known[change.calendarIdentifier];
+    calendar.namesByUid.insert(change.item->uid(), written.name);
+    if (written.text == change.item->text())
+        calendar.byName.insert(written.name, {written.etag, change.item});
 }
 
 OptionalError CalendarContents::commit()

@@ -74,6 +74,13 @@ private:
         /// Null for an object that is left out.
         CalendarItemPointer item;
     };
+    /// A calendar as it was last read.
+    struct Known
+    {
+        QHash<QString, Parsed> byName;
+        QHash<QString, QString> namesByUid;
+        QByteArray stampOfNames;
+    };
 
     /// What was read while it is held.
     struct Held
@@ -84,6 +91,8 @@ private:
 
     Result<std::vector<EKCalendar>> presentCalendars();
     Result<std::vector<StoredItem>> presentItems(const QString &calendarIdentifier);
+    /// Of what the backend has, without reading more than this object where the calendar is known already.
+    Result<std::optional<StoredItem>> storedItem(const QString &calendarIdentifier, const QString &uid);
     Result<const Held *> heldItems(const QString &calendarIdentifier);
     CalendarItemPointer parsed(const QString &calendarIdentifier, const CalendarObject &object);
     Result<std::vector<StoredItem>> storedItems(const QString &calendarIdentifier);
@@ -92,9 +101,10 @@ private:
     /// Adds a change in place of an earlier one of the same object.
     void stage(Pending change, const QString &uid);
     OptionalError write(const Pending &change);
+    void noteWritten(const Pending &change, const CalendarObject &written);
 
     std::shared_ptr<CalendarBackend> storage;
-    QHash<QString, QHash<QString, Parsed>> known;
+    QHash<QString, Known> known;
     QSet<QString> reported;
     std::vector<Pending> pending;
     int group = 0;

@@ -10,6 +10,11 @@ public:
     Result<std::vector<EKCalendar>> calendars() override { return std::vector<EKCalendar>(); }
     std::optional<QString> defaultCalendar(EKEntityType) override { return std::nullopt; }
     Result<std::vector<CalendarObject>> objects(const QString &) override { return nothing(); }
+    Result<std::optional<CalendarObject>> object(const QString &, const QString &) override
+    {
+        return nothing();
+    }
+    QByteArray stampOfNames(const QString &) override { return {}; }
     Result<CalendarObject> put(const QString &, const CalendarObject &, const QString &) override
     {
         return nothing();

@@ -57,6 +57,20 @@ Result<std::vector<CalendarObject>> FolderBackend::objects(const QString &calend
     return hasGone(calendarIdentifier);
 }
 
+Result<std::optional<CalendarObject>> FolderBackend::object(const QString &calendarIdentifier,
+                                                            const QString &name)
+{
+    if (tree.has(calendarIdentifier))
+        return folder(calendarIdentifier).object(name);
+    return hasGone(calendarIdentifier);
+}
+
+QByteArray FolderBackend::stampOfNames(const QString &calendarIdentifier)
+{
+    const auto stamp = FileStamp::of(tree.pathOf(calendarIdentifier));
+    return stamp && stamp->isSettled() ? stamp->text() : QByteArray();
+}
+
 Result<CalendarObject> FolderBackend::put(const QString &calendarIdentifier, const CalendarObject &object,
                                           const QString &uid)
 {

@@ -132,6 +132,12 @@ Result<std::vector<CalendarObject>> FolderCalendar::objects()
     return found;
 }
 
+std::optional<CalendarObject> FolderCalendar::object(const QString &name)
+{
+    const Known *entry = look(name);
+    return entry && !entry->object.etag.isEmpty() ? std::optional(entry->object) : std::nullopt;
+}
+
 OptionalError FolderCalendar::checkUnchanged(const QString &name, const QByteArray &etag)
 {
     const Known *present = look(name);

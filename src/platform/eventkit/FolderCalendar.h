@@ -14,6 +14,7 @@ public:
 
     /// Files that cannot be opened, and hidden ones, are left out; the former are reported once.
     Result<std::vector<CalendarObject>> objects();
+    std::optional<CalendarObject> object(const QString &name);
     Result<CalendarObject> put(const CalendarObject &object, const QString &uid);
     OptionalError remove(const QString &name, const QByteArray &etag);
 

@@ -128,6 +128,19 @@ Result<std::vector<CalendarObject>> EdsBackend::objects(const QString &calendarI
     return found ? found.value()->objects() : found.error();
 }
 
+Result<std::optional<CalendarObject>> EdsBackend::object(const QString &calendarIdentifier,
+                                                         const QString &name)
+{
+    const auto found = calendar(calendarIdentifier);
+    return found ? found.value()->object(name) : found.error();
+}
+
+QByteArray EdsBackend::stampOfNames(const QString &calendarIdentifier)
+{
+    const auto found = calendar(calendarIdentifier);
+    return found ? found.value()->stampOfNames() : QByteArray();
+}
+
 /// The UID is read from the text.
 Result<CalendarObject> EdsBackend::put(const QString &calendarIdentifier, const CalendarObject &object,
                                        const QString &)

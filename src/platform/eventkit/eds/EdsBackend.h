@@ -31,6 +31,9 @@ public:
     Result<std::vector<EKCalendar>> calendars() override;
     std::optional<QString> defaultCalendar(EKEntityType entityType) override;
     Result<std::vector<CalendarObject>> objects(const QString &calendarIdentifier) override;
+    Result<std::optional<CalendarObject>> object(const QString &calendarIdentifier,
+                                                 const QString &name) override;
+    QByteArray stampOfNames(const QString &calendarIdentifier) override;
     Result<CalendarObject> put(const QString &calendarIdentifier, const CalendarObject &object,
                                const QString &uid) override;
     OptionalError remove(const QString &calendarIdentifier, const QString &name,

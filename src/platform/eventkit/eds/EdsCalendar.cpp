@@ -87,6 +87,7 @@ OptionalError EdsCalendar::load()
         present.insert(entry.key(), read.value());
     }
     known = std::move(present);
+    ++loads;
     knownRevision = revision;
     isStale = false;
     if (std::exchange(isLoaded, true) && !isSame) {
@@ -115,6 +116,30 @@ Result<std::vector<CalendarObject>> EdsCalendar::objects()
     for (const Known &entry : std::as_const(known))
         found.push_back(entry.object);
     return found;
+}
+
+/// Where something has changed, the daemon is asked for this one; the others can wait.
+Result<std::optional<CalendarObject>> EdsCalendar::object(const QString &name)
+{
+    const QByteArray uid = name.toUtf8();
+    if (!isCurrent()) {
+        auto stored = client.ofUid(uid);
+        if (!stored)
+            return stored.error();
+        sortComponents(stored.value());
+        const auto former = known.constFind(uid);
+        const QByteArray etag = stored->empty() ? QByteArray() : edsEtag(stored.value());
+        if (former == known.constEnd() || former->object.etag != etag)
+            noteChanged(uid, std::move(stored.value()));
+    }
+    const auto found = known.constFind(uid);
+    return found == known.constEnd() ? std::optional<CalendarObject>() : std::optional(found->object);
+}
+
+/// The object that this program adds itself is known to who adds it.
+QByteArray EdsCalendar::stampOfNames()
+{
+    return isCurrent() ? QByteArray::number(loads) : QByteArray();
 }
 
 /// What this program has written itself comes back as news, too, and is told apart by what it says.

@@ -24,6 +24,8 @@ public:
     void refresh() { client.refresh(); }
 
     Result<std::vector<CalendarObject>> objects();
+    Result<std::optional<CalendarObject>> object(const QString &name);
+    QByteArray stampOfNames();
     Result<CalendarObject> put(const CalendarObject &object);
     OptionalError remove(const QString &name, const QByteArray &etag);
 
@@ -55,12 +57,15 @@ private:
     Result<CalendarObject> readBack(const QByteArray &uid, const QByteArray &revisionBefore);
     void settle(const QByteArray &revisionBefore);
     void note(const QByteArray &uid, EdsComponents components);
+    void noteChanged(const QByteArray &uid, EdsComponents components);
 
     EdsClient client;
     std::function<void()> tellChange;
     QHash<QByteArray, Known> known;
     QHash<QByteArray, QByteArray> zones;
     QByteArray knownRevision;
+    /// How often all objects were read.
+    int loads = 0;
     std::optional<bool> toldWritable;
     bool isLoaded = false;
     bool isStale = false;

@@ -67,6 +67,14 @@ void EdsCalendar::note(const QByteArray &uid, EdsComponents components)
         isStale = true;
 }
 
+/// The same where somebody else has changed it.
+void EdsCalendar::noteChanged(const QByteArray &uid, EdsComponents components)
+{
+    note(uid, std::move(components));
+    hasNews = true;
+    tellChange();
+}
+
 Result<EdsComponents> EdsCalendar::unchanged(const QByteArray &uid, const QByteArray &etag)
 {
     auto stored = client.ofUid(uid);
@@ -76,9 +84,7 @@ Result<EdsComponents> EdsCalendar::unchanged(const QByteArray &uid, const QByteA
     const QByteArray storedEtag = stored->empty() ? QByteArray() : edsEtag(stored.value());
     if (storedEtag == etag)
         return stored;
-    note(uid, stored.value());
-    hasNews = true;
-    tellChange();
+    noteChanged(uid, std::move(stored.value()));
     return conflict();
 }
 

@@ -178,3 +178,36 @@ TEST_P(EventStoreContract, PeopleAreReadAndStay)
     EXPECT_EQ(event.attendees[0].participantStatus, EKParticipantStatus::Declined);
     EXPECT_EQ(event.attendees[1].participantStatus, EKParticipantStatus::Pending);
 }
+
+/// A look-up by identifier does not read the whole calendar again, and still misses nothing.
+TEST_P(EventStoreContract, ALookUpSeesWhatOthersAddedChangedAndRemoved)
+{
+    const auto titleOf = [this](const QString &uid) {
+        const auto found = store.calendarItemsWithExternalIdentifier(uid);
+        EXPECT_TRUE(found);
+        return found && !found.value().empty() ? found.value().front().title : QString();
+    };
+    const auto text = [](const QByteArray &uid, const QByteArray &title) {
+        return "BEGIN:VEVENT\nUID:" + uid +
+               "\nDTSTAMP:20240101T000000Z\nDTSTART:20240304T080000Z\nSUMMARY:" + title + "\nEND:VEVENT\n";
+    };
+    EKEvent own = newEvent(u"Own"_qs);
+    save(own);
+    EXPECT_EQ(titleOf(own.calendarItemExternalIdentifier), u"Own"_qs);
+    EXPECT_EQ(titleOf(u"later"_qs), QString());
+    putForeign(text("later", "Added"), u"later"_qs);
+    EXPECT_EQ(titleOf(u"later"_qs), u"Added"_qs);
+    EXPECT_EQ(titleOf(own.calendarItemExternalIdentifier), u"Own"_qs);
+
+    EKEventStore other(place->open());
+    const auto theirs = other.calendarItemsWithExternalIdentifier(u"later"_qs);
+    ASSERT_TRUE(theirs && theirs.value().size() == 1);
+    EKEvent changed = theirs.value().front();
+    changed.title = u"Changed"_qs;
+    expectNoError(other.saveEvent(changed, EKSpan::ThisEvent, true));
+    EXPECT_EQ(titleOf(u"later"_qs), u"Changed"_qs);
+    expectNoError(other.removeEvent(changed, EKSpan::ThisEvent, true));
+    EXPECT_EQ(titleOf(u"later"_qs), QString());
+    putForeign(text("later", "Again"), u"later"_qs);
+    EXPECT_EQ(titleOf(u"later"_qs), u"Again"_qs);
+}
