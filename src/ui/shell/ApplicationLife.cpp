@@ -1,11 +1,11 @@
 #include "shell/ApplicationLife.h"
 
 #include "foundation/Localization.h"
-#include "shell/LauncherBadge.h"
 #include "shell/QuitSignals.h"
 #include "shell/SingleInstance.h"
 #include "store/AppDelegate.h"
 #include "usernotifications/DesktopNotifications.h"
+#include "workspace/LauncherBadge.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -87,6 +87,6 @@ void ApplicationLife::quit()
     }
     delegate.applicationWillTerminate();
     if (wasPainted)
-        LauncherBadge::show({});
+        LauncherBadge::show({}, QGuiApplication::desktopFileName());
     QCoreApplication::exit();
 }

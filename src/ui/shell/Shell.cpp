@@ -3,13 +3,13 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "shell/ApplicationLife.h"
-#include "shell/LauncherBadge.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "widgets/Icons.h"
 #include "widgets/MessageBoxPresenter.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
+#include "workspace/LauncherBadge.h"
 #include "workspace/Workspace.h"
 
 #include <QApplication>
@@ -39,7 +39,7 @@ void Shell::showMainWindow()
         controller = std::make_unique<MainWindowController>();
         QObject::connect(controller->window(), &MainWindow::firstPainted, controller->window(), [this] {
             QApplication::setWindowIcon(Icons::application());
-            LauncherBadge::show(badgeLabel);
+            LauncherBadge::show(badgeLabel, QGuiApplication::desktopFileName());
             if (ApplicationLife *life = ApplicationLife::shared())
                 life->windowWasPainted();
         });
@@ -79,5 +79,5 @@ void Shell::setBadgeLabel(const QString &label)
     badgeLabel = label;
     // Before the first picture the message bus would only keep the window waiting.
     if (controller && ApplicationLife::shared() && ApplicationLife::shared()->isPainted())
-        LauncherBadge::show(label);
+        LauncherBadge::show(label, QGuiApplication::desktopFileName());
 }

@@ -20,6 +20,7 @@ inline const QString calendarLastDate = QStringLiteral("CalendarLastDate");
 inline const QString selectSortCategoryIndex = QStringLiteral("SelectSortCategoryIndex");
 inline const QString needPopToRootDetailHome = QStringLiteral("needPopToRootDetailHome");
 inline const QString contactDisplayOrder = QStringLiteral("ContactDisplayOrder");
+inline const QString displayOrderDescription = QStringLiteral("DisplayOrderDescription");
 
 // Calendar.
 inline const QString syncPeriodType = QStringLiteral("SyncPeriodType");
