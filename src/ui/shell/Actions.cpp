@@ -6,6 +6,8 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr std::array actionTable = {
     ActionDescription{ActionId::NewTask, u"actionNewTask", u"New Task", u"Ctrl+N"},
+    ActionDescription{ActionId::Calendars, u"actionCalendars", u"Calendars…", u"Ctrl+Shift+C"},
+    ActionDescription{ActionId::Settings, u"actionSettings", u"Settings…", u"Ctrl+,"},
     ActionDescription{ActionId::CloseWindow, u"actionClose", u"Close", u"Ctrl+W"},
     ActionDescription{ActionId::Quit, u"actionQuit", u"Quit", u"Ctrl+Q"},
     ActionDescription{ActionId::Undo, u"actionUndo", u"Undo", u"Ctrl+Z"},

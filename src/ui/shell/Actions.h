@@ -12,6 +12,8 @@
 /// Every command of the program. Menus, shortcuts and tests look them up here.
 enum class ActionId {
     NewTask,
+    Calendars,
+    Settings,
     CloseWindow,
     Quit,
     Undo,

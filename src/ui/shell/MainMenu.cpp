@@ -29,7 +29,8 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
 {
     constexpr auto separator = std::nullopt;
     addMenu(menuBar, actions, u"File"_s,
-            {ActionId::NewTask, separator, ActionId::CloseWindow, ActionId::Quit});
+            {ActionId::NewTask, separator, ActionId::Calendars, ActionId::Settings, separator,
+             ActionId::CloseWindow, ActionId::Quit});
     addMenu(menuBar, actions, u"Edit"_s,
             {ActionId::Undo, ActionId::Redo, separator, ActionId::Delete, ActionId::SelectAll});
     addMenu(menuBar, actions, u"View"_s,

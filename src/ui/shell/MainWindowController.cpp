@@ -9,6 +9,8 @@
 #include "shell/RightToolBar.h"
 #include "shell/ScreenFactory.h"
 #include "shell/ShellAlerts.h"
+#include "shell/calendars/CalendarsAppleWindowController.h"
+#include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
@@ -93,6 +95,9 @@ static ManagedObjectContext *context()
 void MainWindowController::bindActions()
 {
     actions->bind(ActionId::NewTask, [this] { buttonAdd(ToolBarButton::NewTask); });
+    actions->bind(
+        ActionId::Calendars, [this] { showCalendars(); }, [] { return !DBWorker::isSample(); });
+    actions->bind(ActionId::Settings, [this] { showSettings(); });
     actions->bind(ActionId::CloseWindow, [this] { mainWindow->close(); });
     actions->bind(ActionId::Quit, [this] { Q_EMIT quitRequested(); });
     actions->bind(
@@ -246,6 +251,8 @@ void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
 {
     if (type == ToolBarButton::NewTask || type == ToolBarButton::NewTaskOnStart)
         showNewTask(screen ? screen->newTaskRequest() : NewTaskRequest());
+    else if (type == ToolBarButton::Calendars)
+        showCalendars();
 }
 
 void MainWindowController::showNewTask(const NewTaskRequest &request)
@@ -255,6 +262,20 @@ void MainWindowController::showNewTask(const NewTaskRequest &request)
         windowNewTask->setAttribute(Qt::WA_DeleteOnClose);
     }
     windowNewTask->showWindow();
+}
+
+void MainWindowController::showCalendars()
+{
+    if (!windowCalendars)
+        windowCalendars = new CalendarsAppleWindowController(mainWindow.get());
+    windowCalendars->showWindow();
+}
+
+void MainWindowController::showSettings()
+{
+    if (!windowSettings)
+        windowSettings = new MVSetiingsCalendarController(mainWindow.get());
+    windowSettings->showWindow();
 }
 
 bool MainWindowController::closeNewWindows()

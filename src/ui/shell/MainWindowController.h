@@ -15,6 +15,8 @@
 
 class Actions;
 class MainWindow;
+class CalendarsAppleWindowController;
+class MVSetiingsCalendarController;
 class WindowNewTask;
 
 /// The main window at work: the tree with its badges, the screen that is shown, the windows for new records.
@@ -37,6 +39,8 @@ public:
     void goToList(SidebarItem item);
     /// Opens the window for a new task; one that is open is brought to the front as it is.
     void showNewTask(const NewTaskRequest &request);
+    void showCalendars();
+    void showSettings();
     /// Asks about every window with something typed. False if one of them is to stay.
     bool closeNewWindows();
 
@@ -72,6 +76,8 @@ private:
     QPointer<TabsViewController> screen;
     std::optional<SidebarItem> selectItem;
     QPointer<WindowNewTask> windowNewTask;
+    QPointer<CalendarsAppleWindowController> windowCalendars;
+    QPointer<MVSetiingsCalendarController> windowSettings;
     QTimer badgeRecount;
     std::optional<RepeatingTimer> badgeTimer;
     std::vector<Observation> observations;

@@ -1,5 +1,7 @@
 #include "shell/TabsViewController.h"
 
+#include "store/queries/DBWorker.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 TabsViewController::TabsViewController(const QString &title, QWidget *parent)
@@ -18,7 +20,10 @@ TabsViewController::~TabsViewController()
 ToolBarButton *TabsViewController::addButton(ToolBarButton::ActionType type)
 {
     auto *button = new ToolBarButton(type);
-    button->setObjectName(u"buttonAdd"_s);
+    const bool isCalendars = type == ToolBarButton::Calendars;
+    button->setObjectName(isCalendars ? u"buttonCalendars"_s : u"buttonAdd"_s);
+    if (isCalendars && DBWorker::isSample())
+        button->setUnseen();
     connect(button, &ToolBarButton::buttonAdd, this, &TabsViewController::buttonAdd);
     bar->addControl(button);
     return button;

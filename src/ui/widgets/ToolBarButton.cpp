@@ -90,18 +90,47 @@ QRect ToolBarButton::popupSection() const
                               QRect(width() - sectionWidth, 0, sectionWidth, height()));
 }
 
+void ToolBarButton::setUnseen()
+{
+    setEnabled(false);
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
+    hide();
+}
+
+QString ToolBarButton::iconName() const
+{
+    if (shownType == Calendars)
+        return u"calendars"_s;
+    return shownType == ImportContacts ? u"people"_s : u"add"_s;
+}
+
+void ToolBarButton::paintBack(QPainter &painter) const
+{
+    if (isQuiet()) {
+        painter.setPen(Theme::controlBorder);
+        painter.setBrush(isPressed ? Theme::controlPressed : isHovered ? Theme::hover : Theme::control);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::controlRadius,
+                                Theme::controlRadius);
+        return;
+    }
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isPressed ? Theme::accentPressed : isHovered ? Theme::accentHover : Theme::accent);
+    painter.drawRoundedRect(rect(), Theme::controlRadius, Theme::controlRadius);
+}
+
 void ToolBarButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(isPressed ? Theme::accentPressed : isHovered ? Theme::accentHover : Theme::accent);
-    painter.drawRoundedRect(rect(), Theme::controlRadius, Theme::controlRadius);
+    paintBack(painter);
+    const QColor ink = isQuiet() ? Theme::text : Theme::textOnAccent;
     const auto placed = [this](int left, int wide) {
         return QStyle::visualRect(layoutDirection(), rect(), QRect(left, 0, wide, height()));
     };
-    Icons::paint(painter, placed(padding, iconSize), u"add"_s, Theme::textOnAccent, iconSize);
-    painter.setPen(Theme::textOnAccent);
+    Icons::paint(painter, placed(padding, iconSize), iconName(), ink, iconSize);
+    painter.setPen(ink);
     const int textLeft = padding + iconSize + iconGap;
     painter.drawText(placed(textLeft, fontMetrics().horizontalAdvance(title()) + 1), Qt::AlignCenter,
                      title());

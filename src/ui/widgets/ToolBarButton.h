@@ -29,6 +29,8 @@ public:
     ActionType actionType() const { return shownType; }
     /// The kinds whose window can be opened; the menu shows the others greyed.
     void setAvailableTypes(const QList<ActionType> &types) { availableTypes = types; }
+    /// Keeps the place of the button, which is neither seen nor pressed.
+    void setUnseen();
     QString title() const;
     bool hasPopupSection() const;
     /// The records that the menu offers: all that can be added less the button's own.
@@ -50,6 +52,10 @@ protected:
     void leaveEvent(QEvent *event) override;
 
 private:
+    /// Whether it opens something rather than adds a record: then it steps back behind the button that does.
+    bool isQuiet() const { return !hasPopupSection() && shownType != NewCategory; }
+    QString iconName() const;
+    void paintBack(QPainter &painter) const;
     QRect popupSection() const;
     void showMenu();
     void addMenuItem(QMenu &menu, ActionType type);

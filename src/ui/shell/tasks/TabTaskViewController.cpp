@@ -33,6 +33,7 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
     setUpView();
     setUpGrouping();
     addButton(ToolBarButton::NewTask);
+    addButton(ToolBarButton::Calendars);
     for (QTimer *timer : {&delayedReload, &promptReload}) {
         timer->setSingleShot(true);
         connect(timer, &QTimer::timeout, this, &TabTaskViewController::reloadData);

@@ -1,0 +1,88 @@
+#include "shell/calendars/CalendarCell.h"
+
+#include "shell/calendars/CalendarListModel.h"
+#include "widgets/Icons.h"
+#include "widgets/MorvaneStyle.h"
+#include "widgets/Theme.h"
+
+#include <QPainter>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int rowHeight = 36;
+constexpr int headingHeight = 40;
+constexpr int inset = 2 * Theme::unit;
+constexpr int dotHeight = 11;
+constexpr int widthOfDefault = 19;
+constexpr int widthOfOthers = 11;
+constexpr int checkSize = 20;
+
+void write(QPainter &painter, const QRect &where, Qt::LayoutDirection direction, Qt::Alignment alignment,
+           const QFont &font, const QColor &color, const QString &text)
+{
+    painter.setFont(font);
+    painter.setPen(color);
+    painter.drawText(where, QStyle::visualAlignment(direction, alignment),
+                     QFontMetrics(font).elidedText(text, Qt::ElideRight, where.width()));
+}
+
+void paintHeading(QPainter &painter, const QStyleOptionViewItem &option, const QString &title)
+{
+    write(painter, option.rect.adjusted(inset, 0, -inset, -Theme::unit), option.direction,
+          Qt::AlignLeft | Qt::AlignBottom, Theme::font(Theme::FontRole::SmallStrong), Theme::secondaryText,
+          title);
+}
+
+void paintCalendar(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    const QRect row = option.rect.adjusted(Theme::unit / 2, 1, -Theme::unit / 2, -1);
+    painter.setPen(Qt::NoPen);
+    if (option.state & QStyle::State_MouseOver) {
+        painter.setBrush(Theme::inactiveSelection);
+        painter.drawRoundedRect(row, Theme::controlRadius, Theme::controlRadius);
+    }
+    const auto placed = [&](const QRect &rect) {
+        return QStyle::visualRect(option.direction, option.rect, rect);
+    };
+    const QRect line = option.rect.adjusted(inset, 0, -inset, 0);
+    const int dotWidth =
+        index.data(CalendarListModel::IsDefaultRole).toBool() ? widthOfDefault : widthOfOthers;
+    QRect dot(line.left() + (widthOfDefault - dotWidth) / 2, 0, dotWidth, dotHeight);
+    dot.moveTop(line.center().y() - dotHeight / 2);
+    painter.setBrush(index.data(CalendarListModel::ColorRole).value<QColor>());
+    painter.drawRoundedRect(placed(dot), dotHeight / 2.0, dotHeight / 2.0);
+    const QRect check(line.right() - checkSize + 1, line.top(), checkSize, line.height());
+    const QRect title(line.left() + widthOfDefault + Theme::unit + 4, line.top(),
+                      line.width() - widthOfDefault - 2 * Theme::unit - checkSize - 4, line.height());
+    const bool isSelected = index.data(CalendarListModel::IsSelectedRole).toBool();
+    write(painter, placed(title), option.direction, Qt::AlignLeft | Qt::AlignVCenter,
+          Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body), Theme::text,
+          index.data().toString());
+    if (isSelected)
+        Icons::paint(painter, placed(check), u"check-mark"_s, Theme::accent, checkSize);
+    if (option.state & QStyle::State_HasFocus)
+        MorvaneStyle::drawFocusRing(painter, row, Theme::controlRadius, Theme::focusRing);
+}
+
+} // namespace
+
+void CalendarCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                         const QModelIndex &index) const
+{
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    if (index.data(CalendarListModel::IsHeadingRole).toBool())
+        paintHeading(*painter, option, index.data().toString());
+    else
+        paintCalendar(*painter, option, index);
+    painter->restore();
+}
+
+QSize CalendarCell::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const bool isHeading = index.data(CalendarListModel::IsHeadingRole).toBool();
+    const int text = QFontMetrics(Theme::font(Theme::FontRole::Body)).height() + Theme::unit;
+    return {option.rect.width(), std::max(text, isHeading ? headingHeight : rowHeight)};
+}

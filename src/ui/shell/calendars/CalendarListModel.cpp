@@ -1,0 +1,74 @@
+#include "shell/calendars/CalendarListModel.h"
+
+#include "foundation/Localization.h"
+
+#include <QColor>
+
+using namespace Qt::Literals::StringLiterals;
+
+int CalendarListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(chooser.rows().size());
+}
+
+/// What a screen reader says of a row.
+QString CalendarListModel::spokenText(int row) const
+{
+    QStringList words = {chooser.titleAt(row)};
+    if (chooser.calendarAt(row))
+        words.append(localized(chooser.isSelected(row) ? u"chosen"_s : u"not chosen"_s));
+    if (chooser.isDefault(row))
+        words.append(localized(u"default calendar"_s));
+    return words.join(u", "_s);
+}
+
+QVariant CalendarListModel::data(const QModelIndex &index, int role) const
+{
+    const int row = index.row();
+    const EKCalendar *calendar = chooser.calendarAt(row);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::ToolTipRole:
+        return chooser.titleAt(row);
+    case Qt::AccessibleTextRole:
+        return spokenText(row);
+    case IsHeadingRole:
+        return calendar == nullptr;
+    case IsDefaultRole:
+        return chooser.isDefault(row);
+    case IsSelectedRole:
+        return chooser.isSelected(row);
+    case ColorRole: {
+        if (!calendar)
+            return {};
+        const EKColor color = CalendarEvent::getColorOfCalendar(*calendar);
+        return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                                static_cast<float>(color.blue));
+    }
+    default:
+        return {};
+    }
+}
+
+/// A heading cannot be picked.
+Qt::ItemFlags CalendarListModel::flags(const QModelIndex &index) const
+{
+    return chooser.calendarAt(index.row()) ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
+}
+
+void CalendarListModel::changed()
+{
+    Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+}
+
+void CalendarListModel::toggle(const QModelIndex &index)
+{
+    if (chooser.toggle(index.row()))
+        changed();
+}
+
+void CalendarListModel::setDefault(const QModelIndex &index)
+{
+    if (chooser.setDefault(index.row()))
+        changed();
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "calendarsync/CalendarChooser.h"
+
+#include <QAbstractListModel>
+
+/// The calendars of the chooser under the headings of their accounts.
+class CalendarListModel : public QAbstractListModel
+{
+    Q_OBJECT
+public:
+    enum Role { ColorRole = Qt::UserRole, IsHeadingRole, IsDefaultRole, IsSelectedRole };
+
+    using QAbstractListModel::QAbstractListModel;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    void toggle(const QModelIndex &index);
+    void setDefault(const QModelIndex &index);
+
+private:
+    QString spokenText(int row) const;
+    void changed();
+
+    CalendarChooser chooser;
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QWidget>
+
+class CalendarListModel;
+class QLabel;
+class QListView;
+
+/// The window in which the calendars are chosen that tasks are kept in step with. A choice is kept at once;
+/// the tasks follow when the window is closed.
+class CalendarsAppleWindowController : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit CalendarsAppleWindowController(QWidget *parent = nullptr);
+
+    /// Shows the window, or brings it to the front.
+    void showWindow();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void windowDidLoad();
+    void setUpTable();
+    void showMenu(const QPoint &position);
+    void clickSubMenuItemSetDefault(const QModelIndex &index);
+    void clickButtonSave();
+
+    CalendarListModel *model;
+    QListView *table;
+    bool isDone = false;
+};

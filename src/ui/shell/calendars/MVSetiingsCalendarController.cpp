@@ -1,0 +1,175 @@
+#include "shell/calendars/MVSetiingsCalendarController.h"
+
+#include "calendarsync/SyncSettings.h"
+#include "foundation/Localization.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/BusyCursor.h"
+#include "widgets/FormCard.h"
+#include "widgets/TextLabel.h"
+#include "widgets/WindowPlace.h"
+
+#include <QButtonGroup>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int width = 480;
+
+MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
+    : QWidget(parent, Qt::Window)
+    , column(new QVBoxLayout(this))
+{
+    setObjectName(u"SettingsWindow"_s);
+    setWindowTitle(localized(u"Settings"_s));
+    setAttribute(Qt::WA_DeleteOnClose);
+    column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
+    column->setSpacing(2 * Theme::unit);
+    column->setSizeConstraint(QLayout::SetFixedSize);
+    setUpSync();
+    setUpContacts();
+    refresh();
+    preferences = NotificationCenter::defaultCenter().addObserver(
+        notifications::preferences, [this](const Notification &) { refresh(); });
+}
+
+static QLabel *makeLabel(const QString &text, Theme::FontRole role, const QColor &color)
+{
+    QLabel *label = makeTextLabel(text, role, color);
+    label->setFixedWidth(width);
+    return label;
+}
+
+QVBoxLayout *MVSetiingsCalendarController::addCard(const QString &title, const QString &description)
+{
+    auto *card = new FormCard;
+    auto *rows = static_cast<QVBoxLayout *>(card->layout());
+    rows->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
+    rows->setSpacing(Theme::unit);
+    rows->addWidget(makeLabel(title, Theme::FontRole::BodyStrong, Theme::text));
+    if (!description.isEmpty())
+        rows->addWidget(makeLabel(description, Theme::FontRole::Small, Theme::secondaryText));
+    column->addWidget(card);
+    return rows;
+}
+
+QButtonGroup *MVSetiingsCalendarController::addChoice(QVBoxLayout &card, const Choice &choice)
+{
+    QLabel *heading = makeLabel(choice.heading, Theme::FontRole::Body, Theme::text);
+    card.addSpacing(Theme::unit);
+    card.addWidget(heading);
+    auto *group = new QButtonGroup(this);
+    auto *line = new QHBoxLayout;
+    line->setSpacing(3 * Theme::unit);
+    for (int number = 0; number < choice.titles.size(); ++number) {
+        auto *button = new QRadioButton(choice.titles.at(number));
+        button->setObjectName(choice.objectNames.at(number));
+        button->setAccessibleName(choice.heading + u": "_s + choice.titles.at(number));
+        group->addButton(button, number);
+        line->addWidget(button);
+    }
+    line->addStretch(1);
+    card.addLayout(line);
+    return group;
+}
+
+QLabel *MVSetiingsCalendarController::addDescription(QVBoxLayout &card, const QString &text)
+{
+    QLabel *label = makeLabel(text, Theme::FontRole::Small, Theme::secondaryText);
+    card.addWidget(label);
+    return label;
+}
+
+void MVSetiingsCalendarController::setUpSync()
+{
+    QVBoxLayout &card = *addCard(localized(u"Calendar Sync Options"_s),
+                                 localized(u"To access Calendar"_s) + u' ' +
+                                     localized(u"Sync Options enable Calendars for Morvane app"_s));
+    period = addChoice(card, {localized(u"Choose sync period"_s),
+                              {u"radioButtonThreeMonthPeriod"_s, u"radioButtonSixMonthPeriod"_s,
+                               u"radioButtonTwelveMonthPeriod"_s},
+                              SyncSettings::syncPeriodTitles()});
+    periodDescription = addDescription(card, {});
+    frequency = addChoice(
+        card, {localized(u"Choose sync frequency for repeated tasks"_s),
+               {u"radioButtonFrequencyDay"_s, u"radioButtonFrequencyWeek"_s, u"radioButtonFrequencyMonth"_s},
+               SyncSettings::syncFrequencyTitles()});
+    frequencyDescription = addDescription(card, {});
+    connect(period, &QButtonGroup::idClicked, this,
+            &MVSetiingsCalendarController::actionRadioButtonSyncPeriod);
+    connect(frequency, &QButtonGroup::idClicked, this,
+            &MVSetiingsCalendarController::actionRadioButtonSyncFrequency);
+}
+
+void MVSetiingsCalendarController::setUpContacts()
+{
+    QVBoxLayout &card = *addCard(localized(u"Contacts Display Order"_s), {});
+    order = addChoice(card, {localized(u"Choose contacts display order"_s),
+                             {u"radioButtonFirstLast"_s, u"radioButtonLastFirst"_s},
+                             SyncSettings::displayOrderTitles()});
+    addDescription(card, localized(u"Choose the display order for contacts lists. Names in some languages "
+                                   "such as Chinese, Japanese and Korean follow a fixed order and will not "
+                                   "be affected."_s));
+    connect(order, &QButtonGroup::idClicked, this,
+            &MVSetiingsCalendarController::actionRadioButtonDisplayOrder);
+}
+
+/// The choices may have changed on another device.
+void MVSetiingsCalendarController::refresh()
+{
+    period->button(static_cast<int>(SyncSettings::syncPeriod()))->setChecked(true);
+    frequency->button(static_cast<int>(SyncSettings::syncFrequency()))->setChecked(true);
+    order->button(static_cast<int>(SyncSettings::displayOrder()))->setChecked(true);
+    periodDescription->setText(SyncSettings::syncPeriodDescription(SyncSettings::syncPeriod()));
+    frequencyDescription->setText(SyncSettings::syncFrequencyDescription(SyncSettings::syncFrequency()));
+}
+
+void MVSetiingsCalendarController::actionRadioButtonSyncPeriod(int choice)
+{
+    SyncSettings::setSyncPeriod(static_cast<CalendarSyncPeriod>(choice));
+    refresh();
+}
+
+void MVSetiingsCalendarController::actionRadioButtonSyncFrequency(int choice)
+{
+    SyncSettings::setSyncFrequency(static_cast<CalendarFrequencyDay>(choice));
+    refresh();
+}
+
+void MVSetiingsCalendarController::actionRadioButtonDisplayOrder(int choice)
+{
+    SyncSettings::setDisplayOrder(static_cast<ContactsDisplayOrder>(choice));
+}
+
+void MVSetiingsCalendarController::showWindow()
+{
+    if (!isVisible()) {
+        adjustSize();
+        placeOverParent(*this);
+    }
+    show();
+    raise();
+    activateWindow();
+}
+
+void MVSetiingsCalendarController::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    if (!preferences)
+        return;
+    preferences.reset();
+    hide();
+    const BusyCursor busy;
+    SyncSettings::finish();
+}
+
+void MVSetiingsCalendarController::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}

@@ -1,0 +1,133 @@
+// Which calendars are followed, and how far: the two windows, worked with mouse and keys.
+
+#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/SyncSettings.h"
+#include "cloud/CloudUserDefaults.h"
+#include "eventkit/FolderBackend.h"
+#include "store/state/NotificationNames.h"
+#include "store/state/SettingsKeys.h"
+#include "ui/support/ShellTest.h"
+#include "workspace/PlatformConfiguration.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QListView>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class CalendarsTest : public ShellTest
+{
+protected:
+    CalendarsTest()
+    {
+        for (const QString &title : {u"Home"_s, u"Work"_s})
+            QDir().mkpath(root.filePath(u"Local/"_s + title));
+        writeEvent(u"Work"_s, u"Meeting"_s, u"20261122T090000Z"_s);
+        writeEvent(u"Work"_s, u"Far away"_s, u"20270401T090000Z"_s);
+        PlatformConfiguration::setAuthorization(u"events"_s, 3);
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(root.path()));
+        UserDefaults::standard().removeObject(settings::savedChooseCalendars);
+        UserDefaults::standard().removeObject(settings::defaultCalendar);
+    }
+    ~CalendarsTest() override
+    {
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(nullptr);
+        PlatformConfiguration::setAuthorization(u"events"_s, 0);
+        CloudUserDefaults::removeObjectForKey(settings::syncPeriodType);
+    }
+
+    void writeEvent(const QString &calendar, const QString &title, const QString &start) const
+    {
+        QFile file(root.filePath(u"Local/%1/%2.ics"_s.arg(calendar, title)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:%1\r\n"
+                   "DTSTAMP:20260101T000000Z\r\nSUMMARY:%1\r\nDTSTART:%2\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n"_s
+                       .arg(title, start)
+                       .toUtf8());
+    }
+    QWidget &open(ActionId command, const char *name)
+    {
+        run(command);
+        auto *window = this->window().findChild<QWidget *>(QString::fromLatin1(name));
+        EXPECT_NE(window, nullptr);
+        return *window;
+    }
+    static void click(QListView &table, int row, Qt::MouseButton button = Qt::LeftButton)
+    {
+        const QPoint place = table.visualRect(table.model()->index(row, 0)).center();
+        QTest::mouseClick(table.viewport(), button, {}, place);
+    }
+    static QString stored(const QString &key) { return UserDefaults::standard().string(key); }
+
+    QTemporaryDir root;
+};
+
+TEST_F(CalendarsTest, ChosenCalendarsBringTheirEventsWhenTheWindowCloses)
+{
+    QWidget &chooser = open(ActionId::Calendars, "CalendarsAppleWindow");
+    auto &table = find<QListView>(chooser, "tableCalendars");
+    click(table, 0);
+    EXPECT_EQ(stored(settings::savedChooseCalendars), QString()) << "a heading cannot be picked";
+    click(table, 2);
+    EXPECT_EQ(stored(settings::savedChooseCalendars), u"Work"_s);
+    QTest::keyClick(&table, Qt::Key_Up);
+    QTest::keyClick(&table, Qt::Key_Space);
+    EXPECT_EQ(stored(settings::savedChooseCalendars), u"WorkΩHome"_s);
+    click(table, 1);
+    EXPECT_EQ(stored(settings::savedChooseCalendars), u"Work"_s);
+
+    QTimer::singleShot(0, &chooser, [] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        EXPECT_EQ(menu->actions().front()->text(), u"Set Default"_s);
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    Q_EMIT table.customContextMenuRequested(table.visualRect(table.model()->index(2, 0)).center());
+    EXPECT_EQ(stored(settings::defaultCalendar), u"Work"_s);
+
+    EXPECT_EQ(ShellTest::stored(u"Meeting"_s), nullptr) << "not while one is still choosing";
+    QTest::mouseClick(&find<QPushButton>(chooser, "buttonSave"), Qt::LeftButton);
+    EXPECT_FALSE(chooser.isVisible());
+    EXPECT_NE(ShellTest::stored(u"Meeting"_s), nullptr);
+}
+
+TEST_F(CalendarsTest, TheSettingsReachFurtherAheadOnceThePanelIsClosed)
+{
+    UserDefaults::standard().setObject(settings::savedChooseCalendars, u"Work"_s);
+    QWidget &panel = open(ActionId::Settings, "SettingsWindow");
+    auto &half = find<QRadioButton>(panel, "radioButtonSixMonthPeriod");
+    EXPECT_FALSE(half.isChecked());
+    EXPECT_TRUE(find<QRadioButton>(panel, "radioButtonThreeMonthPeriod").isChecked());
+    QTest::mouseClick(&half, Qt::LeftButton, {}, {8, half.height() / 2});
+    EXPECT_EQ(SyncSettings::syncPeriod(), CalendarSyncPeriod::SixMonths);
+    EXPECT_EQ(ShellTest::stored(u"Far away"_s), nullptr);
+    // Another device changes its mind meanwhile.
+    CloudUserDefaults::setInteger(2, settings::frequencyCalendarPeriod);
+    NotificationCenter::defaultCenter().post(notifications::preferences);
+    EXPECT_TRUE(find<QRadioButton>(panel, "radioButtonFrequencyMonth").isChecked());
+    CloudUserDefaults::removeObjectForKey(settings::frequencyCalendarPeriod);
+    QTest::keyClick(&panel, Qt::Key_Escape);
+    EXPECT_NE(ShellTest::stored(u"Far away"_s), nullptr);
+}
+
+TEST_F(CalendarsTest, WithoutAccessTheWindowSaysSo)
+{
+    PlatformConfiguration::setAuthorization(u"events"_s, 2);
+    QWidget &chooser = open(ActionId::Calendars, "CalendarsAppleWindow");
+    EXPECT_TRUE(chooser.findChild<QWidget *>(u"labelNoAccess"_s));
+    QTest::keyClick(&chooser, Qt::Key_Escape);
+    EXPECT_FALSE(chooser.isVisible());
+}
+
+} // namespace
