@@ -9,6 +9,7 @@
 #include "shell/RightToolBar.h"
 #include "shell/ScreenFactory.h"
 #include "shell/ShellAlerts.h"
+#include "shell/details/DetailStack.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
@@ -29,6 +30,7 @@ MainWindowController::MainWindowController()
     : mainWindow(std::make_unique<MainWindow>())
     , sidebar(new SidebarModel(this))
     , actions(new Actions(this))
+    , details(std::make_unique<DetailStack>(*mainWindow->rightContentView()))
 {
     bindActions();
     bindLists();
@@ -226,7 +228,9 @@ void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &inde
 void MainWindowController::show(TabsViewController *newScreen)
 {
     TabsViewController *const former = screen;
+    details->removeAllDetail();
     screen = newScreen;
+    newScreen->setDetailStack(details.get());
     connect(newScreen, &TabsViewController::buttonAdd, this, &MainWindowController::buttonAdd);
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::updateEnabled);
     newScreen->reloadData();
