@@ -3,10 +3,77 @@
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
+#include <QPainter>
 #include <QStandardItemModel>
 #include <QStylePainter>
+#include <QStyledItemDelegate>
 
 constexpr int leastLetters = 6;
+constexpr int lineHeight = 30;
+constexpr int separatorHeight = 9;
+constexpr int iconRoom = 24;
+
+namespace {
+
+/// The lines of the list look like those of a menu.
+class PopUpDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return {size.width() + 2 * Theme::unit,
+                isSeparator(index) ? separatorHeight : std::max(lineHeight, size.height())};
+    }
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const bool isEnabled = index.flags().testFlag(Qt::ItemIsEnabled);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        if (isSeparator(index)) {
+            painter->fillRect(QRect(option.rect.left(), option.rect.center().y(), option.rect.width(), 1),
+                              Theme::divider);
+        } else {
+            if (isEnabled && option.state.testFlag(QStyle::State_Selected)) {
+                painter->setPen(Qt::NoPen);
+                painter->setBrush(Theme::selection);
+                painter->drawRoundedRect(option.rect.adjusted(4, 1, -4, -1), Theme::controlRadius,
+                                         Theme::controlRadius);
+            }
+            paintText(*painter, option, index, isEnabled);
+        }
+        painter->restore();
+    }
+
+private:
+    static bool isSeparator(const QModelIndex &index)
+    {
+        return index.data(Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
+    }
+
+    static void paintText(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index,
+                          bool isEnabled)
+    {
+        QRect place = option.rect.adjusted(Theme::unit + 4, 0, -Theme::unit, 0);
+        const auto icon = index.data(Qt::DecorationRole).value<QIcon>();
+        if (!icon.isNull()) {
+            const QRect at(place.left(), place.top(), option.decorationSize.width(), place.height());
+            icon.paint(&painter, QStyle::visualRect(option.direction, option.rect, at));
+            place.setLeft(place.left() + iconRoom);
+        }
+        painter.setFont(isEnabled ? option.font : Theme::font(Theme::FontRole::Small));
+        painter.setPen(isEnabled ? Theme::text : Theme::secondaryText);
+        painter.drawText(
+            QStyle::visualRect(option.direction, option.rect, place),
+            QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
+            painter.fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, place.width()));
+    }
+};
+
+} // namespace
 
 PopUpButton::PopUpButton(const QString &name, QWidget *parent)
     : QComboBox(parent)
@@ -15,6 +82,7 @@ PopUpButton::PopUpButton(const QString &name, QWidget *parent)
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(leastLetters);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setItemDelegate(new PopUpDelegate(this));
 }
 
 void PopUpButton::addHeading(const QString &text)
@@ -22,7 +90,6 @@ void PopUpButton::addHeading(const QString &text)
     addItem(text);
     QStandardItem *item = static_cast<QStandardItemModel *>(model())->item(count() - 1);
     item->setFlags(Qt::NoItemFlags);
-    item->setForeground(Theme::secondaryText);
 }
 
 /// A text that is too long ends in dots.
@@ -34,9 +101,9 @@ void PopUpButton::paintEvent(QPaintEvent *)
     painter.drawComplexControl(QStyle::CC_ComboBox, option);
     const QRect place =
         style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
-    const int iconRoom = option.currentIcon.isNull() ? 0 : option.iconSize.width() + Theme::unit / 2;
+    const int iconWidth = option.currentIcon.isNull() ? 0 : option.iconSize.width() + Theme::unit / 2;
     option.currentText = fontMetrics().elidedText(option.currentText, Qt::ElideRight,
-                                                  place.width() - iconRoom - Theme::unit / 2);
+                                                  place.width() - iconWidth - Theme::unit / 2);
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }
 

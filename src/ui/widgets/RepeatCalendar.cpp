@@ -40,10 +40,29 @@ void RepeatCalendar::setItems(const std::vector<RepeatCalendarCell> &cells)
         item->setChecked(cell.isSelected);
         connect(item, &QAbstractButton::toggled, this,
                 [this, item](bool selected) { Q_EMIT selectedChange(item->number(), selected); });
+        item->installEventFilter(this);
+        if (!cellItems.empty())
+            setTabOrder(cellItems.back(), item);
         cellItems.push_back(item);
         item->show();
     }
     place();
+    const auto selected = std::ranges::find_if(cellItems, [](const auto *item) { return item->selected(); });
+    if (!cellItems.empty())
+        setTabStop(selected == cellItems.end() ? cellItems.front() : *selected);
+}
+
+void RepeatCalendar::setTabStop(const RepeatCalendarItem *stop)
+{
+    for (RepeatCalendarItem *item : cellItems)
+        item->setFocusPolicy(item == stop ? Qt::StrongFocus : Qt::ClickFocus);
+}
+
+bool RepeatCalendar::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::FocusIn)
+        setTabStop(qobject_cast<RepeatCalendarItem *>(watched));
+    return QWidget::eventFilter(watched, event);
 }
 
 void RepeatCalendar::place()

@@ -15,8 +15,8 @@ struct RepeatCalendarCell
     bool isSelected;
 };
 
-/// A grid of weekdays, days or months of which any number can be selected. The arrows walk through it, the
-/// space key selects.
+/// A grid of weekdays, days or months of which any number can be selected. It is one stop of the Tab key; the
+/// arrows walk through it, the space key selects.
 class RepeatCalendar : public QWidget
 {
     Q_OBJECT
@@ -38,9 +38,11 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void place();
+    void setTabStop(const RepeatCalendarItem *stop);
 
     int gridWidth;
     std::vector<RepeatCalendarItem *> cellItems;

@@ -3,10 +3,10 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "recurrence/RRule.h"
+#include "widgets/PopUpButton.h"
 #include "widgets/RepeatCalendar.h"
 #include "widgets/Theme.h"
 
-#include <QComboBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -66,8 +66,7 @@ QWidget *RepeatWindow::makeFrequency()
 {
     auto *widget = new QWidget;
     QHBoxLayout *line = lineIn(*widget);
-    popUpFrequency = new QComboBox;
-    popUpFrequency->setObjectName(u"popUpFrequency"_s);
+    popUpFrequency = new PopUpButton(u"popUpFrequency"_s);
     popUpFrequency->addItems(repeat.frequencyTitles());
     popUpFrequency->setCurrentIndex(repeat.frequencyIndex());
     connect(popUpFrequency, &QComboBox::activated, this, &RepeatWindow::frequencyChange);
@@ -157,6 +156,8 @@ void RepeatWindow::rebuildGrid()
     for (const int item : repeat.items())
         cells.push_back({item, repeat.titleOf(item), repeat.nameOf(item), repeat.isSelected(item)});
     grid->setItems(cells);
+    if (grid->itemsCount() > 0)
+        setTabOrder(fieldInterval, grid->items().front());
     labelUnit->setText(repeat.unitLabel());
     showOutcome();
 }
@@ -200,8 +201,10 @@ void RepeatWindow::closeEvent(QCloseEvent *event)
 
 void RepeatWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        okClick();
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto *button = qobject_cast<QPushButton *>(focusWidget());
+    if (isReturn)
+        button ? button->click() : okClick();
     else
         Popover::keyPressEvent(event);
 }

@@ -3,7 +3,7 @@
 #include "recurrence/CustomRepeat.h"
 #include "widgets/Popover.h"
 
-class QComboBox;
+class PopUpButton;
 class QLabel;
 class QSpinBox;
 class RepeatCalendar;
@@ -40,7 +40,7 @@ private:
 
     CustomRepeat repeat;
     bool isAccepted = false;
-    QComboBox *popUpFrequency = nullptr;
+    PopUpButton *popUpFrequency = nullptr;
     QSpinBox *fieldInterval = nullptr;
     QLabel *labelUnit = nullptr;
     RepeatCalendar *grid = nullptr;

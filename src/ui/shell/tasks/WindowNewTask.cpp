@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "shell/ShellAlerts.h"
 #include "shell/tasks/TaskFormView.h"
+#include "widgets/Animations.h"
 #include "widgets/FormScroll.h"
 #include "widgets/Theme.h"
 
@@ -36,11 +37,26 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     column->addWidget(new FormScroll(body), 1);
     column->addWidget(makeButtons());
     connect(view, &TaskFormView::changed, this, [this] { buttonSave->setEnabled(form.canSave()); });
+    growth.setSingleShot(true);
+    growth.setInterval(Animations::duration(Animations::rowCollapse));
+    connect(view, &TaskFormView::changed, &growth, qOverload<>(&QTimer::start));
+    connect(&growth, &QTimer::timeout, this, &WindowNewTask::growToForm);
     connect(view, &TaskFormView::accepted, this, &WindowNewTask::clickButtonSave);
     connect(view, &TaskFormView::doneToggled, this, [this](bool done) { form.setDone(done); });
-    const int room = screen()->availableGeometry().height() - style()->pixelMetric(QStyle::PM_TitleBarHeight);
-    resize(firstWidth, std::min(sizeHint().height(), room - margin));
+    resize(firstWidth, 0);
+    growToForm();
     view->focusTitle();
+}
+
+/// Rows that appear make the window higher while the screen has room; then the form scrolls.
+void WindowNewTask::growToForm()
+{
+    const QRect room = screen()->availableGeometry();
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const int most = isVisible() ? room.bottom() - y() - titleBar : room.height() - titleBar - margin;
+    const int wanted = std::min(layout()->totalSizeHint().height(), most);
+    if (wanted > height())
+        resize(width(), wanted);
 }
 
 /// Over the middle of the main window, with the title bar where it can be reached.

@@ -2,6 +2,7 @@
 
 #include "records/TaskFormState.h"
 
+#include <QTimer>
 #include <QWidget>
 
 class QPushButton;
@@ -28,11 +29,13 @@ protected:
 
 private:
     void placeOverParent();
+    void growToForm();
     QWidget *makeButtons();
     bool mayClose();
 
     TaskFormState form;
     TaskFormView *view = nullptr;
     QPushButton *buttonSave = nullptr;
+    QTimer growth;
     bool isClosingAgreed = false;
 };
