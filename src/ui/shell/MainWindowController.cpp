@@ -11,6 +11,7 @@
 #include "shell/ShellAlerts.h"
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
+#include "shell/details/DetailStack.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
@@ -31,6 +32,7 @@ MainWindowController::MainWindowController()
     : mainWindow(std::make_unique<MainWindow>())
     , sidebar(new SidebarModel(this))
     , actions(new Actions(this))
+    , details(std::make_unique<DetailStack>(*mainWindow->rightContentView()))
 {
     bindActions();
     bindLists();
@@ -231,7 +233,9 @@ void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &inde
 void MainWindowController::show(TabsViewController *newScreen)
 {
     TabsViewController *const former = screen;
+    details->removeAllDetail();
     screen = newScreen;
+    newScreen->setDetailStack(details.get());
     connect(newScreen, &TabsViewController::buttonAdd, this, &MainWindowController::buttonAdd);
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::updateEnabled);
     newScreen->reloadData();

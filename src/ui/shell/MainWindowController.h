@@ -14,6 +14,7 @@
 #include <vector>
 
 class Actions;
+class DetailStack;
 class MainWindow;
 class CalendarsAppleWindowController;
 class MVSetiingsCalendarController;
@@ -30,6 +31,7 @@ public:
     MainWindow *window() const { return mainWindow.get(); }
     Actions *commands() const { return actions; }
     TabsViewController *currentScreen() const { return screen; }
+    DetailStack *detailStack() const { return details.get(); }
 
     /// Shows the window, or brings it to the front.
     void showWindow();
@@ -73,6 +75,7 @@ private:
     std::unique_ptr<MainWindow> mainWindow;
     SidebarModel *sidebar;
     Actions *actions;
+    std::unique_ptr<DetailStack> details;
     QPointer<TabsViewController> screen;
     std::optional<SidebarItem> selectItem;
     QPointer<WindowNewTask> windowNewTask;

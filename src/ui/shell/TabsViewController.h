@@ -1,26 +1,14 @@
 #pragma once
 
-#include "records/MVTask.h"
-#include "records/TaskRowContent.h"
+#include "records/NewTaskRequest.h"
+#include "shell/details/DetailViewController.h"
 #include "widgets/ScreenToolBar.h"
 #include "widgets/ToolBarButton.h"
 
 #include <QPointer>
 #include <QWidget>
 
-#include <optional>
-
-/// With what a new task begins.
-struct NewTaskRequest
-{
-    /// The list it is made from.
-    std::optional<ListType> typeTask;
-    OptionalDate createWithStartDate;
-    OptionalDate createWithDueDate;
-    TaskType type = TaskType::ToDo;
-    /// Whether it may be a ToDo.
-    bool showTodo = true;
-};
+class DetailStack;
 
 /// A screen of the content area with its bar. Only one of them lives at a time.
 class TabsViewController : public QWidget
@@ -41,6 +29,15 @@ public:
     /// What the add button gives a new task of this screen.
     virtual NewTaskRequest newTaskRequest() const { return {}; }
 
+    // Details over the screen.
+    /// Where a detail that the screen opens lies.
+    virtual DetailPlace detailPlace() const { return {}; }
+    /// A detail covers so many pixels at the trailing edge.
+    virtual void setDetailSpace(int width) { Q_UNUSED(width) }
+    /// Where the screen shows its details; null while it is in no window.
+    DetailStack *detailStack() const { return details; }
+    void setDetailStack(DetailStack *stack) { details = stack; }
+
     // The commands of the Edit menu.
     virtual bool hasSelection() const { return false; }
     virtual bool hasRows() const { return false; }
@@ -57,4 +54,5 @@ protected:
 
 private:
     QPointer<ScreenToolBar> bar;
+    DetailStack *details = nullptr;
 };

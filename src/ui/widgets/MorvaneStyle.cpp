@@ -5,6 +5,7 @@
 #include "widgets/Theme.h"
 
 #include <QAbstractButton>
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QPainter>
 #include <QStyleOption>
@@ -92,6 +93,11 @@ static void drawCheck(const QStyleOption *option, QPainter *painter)
         Icons::paint(*painter, option->rect, u"check-mark"_s, Theme::textOnAccent, option->rect.width());
 }
 
+static bool isInSpinBox(const QWidget *widget)
+{
+    return widget && qobject_cast<const QAbstractSpinBox *>(widget->parentWidget());
+}
+
 void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                  const QWidget *widget) const
 {
@@ -99,7 +105,8 @@ void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *o
     case PE_PanelButtonCommand:
         return drawButton(option, painter);
     case PE_PanelLineEdit:
-        return drawField(option, painter);
+        // The text of a number field stands in a field already.
+        return isInSpinBox(widget) ? void() : drawField(option, painter);
     case PE_IndicatorCheckBox:
         return drawCheck(option, painter);
     case PE_FrameFocusRect:
@@ -168,6 +175,24 @@ static void drawComboBox(const QStyleOptionComplex *option, QPainter *painter, c
         MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius, Theme::focusRing);
 }
 
+static void drawStep(QPainter *painter, const QRect &place, const QString &icon, bool isPossible)
+{
+    constexpr int iconSize = 12;
+    Icons::paint(*painter, place, icon, isPossible ? Theme::secondaryText : Theme::disabledText, iconSize);
+}
+
+void MorvaneStyle::drawSpinBox(const QStyleOptionSpinBox &option, QPainter *painter,
+                               const QWidget *widget) const
+{
+    drawField(&option, painter);
+    if (option.buttonSymbols == QAbstractSpinBox::NoButtons)
+        return;
+    drawStep(painter, subControlRect(CC_SpinBox, &option, SC_SpinBoxUp, widget), u"chevron-up"_s,
+             option.stepEnabled.testFlag(QAbstractSpinBox::StepUpEnabled));
+    drawStep(painter, subControlRect(CC_SpinBox, &option, SC_SpinBoxDown, widget), u"chevron-down"_s,
+             option.stepEnabled.testFlag(QAbstractSpinBox::StepDownEnabled));
+}
+
 void MorvaneStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
                                       QPainter *painter, const QWidget *widget) const
 {
@@ -176,6 +201,9 @@ void MorvaneStyle::drawComplexControl(ComplexControl control, const QStyleOption
                                    subControlRect(control, option, SC_ScrollBarSlider, widget));
     if (control == CC_ComboBox)
         return drawComboBox(option, painter, subControlRect(control, option, SC_ComboBoxArrow, widget));
+    const auto *spinBox = qstyleoption_cast<const QStyleOptionSpinBox *>(option);
+    if (control == CC_SpinBox && spinBox)
+        return drawSpinBox(*spinBox, painter, widget);
     QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 

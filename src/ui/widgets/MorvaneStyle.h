@@ -2,6 +2,8 @@
 
 #include <QProxyStyle>
 
+class QStyleOptionSpinBox;
+
 /// How the controls look: Fusion with flat, rounded buttons and fields, thin scroll bars and one focus ring.
 class MorvaneStyle : public QProxyStyle
 {
@@ -27,4 +29,7 @@ public:
 
     /// The ring around what has the keyboard, for controls that draw themselves.
     static void drawFocusRing(QPainter &painter, const QRectF &around, qreal radius, const QColor &colour);
+
+private:
+    void drawSpinBox(const QStyleOptionSpinBox &option, QPainter *painter, const QWidget *widget) const;
 };

@@ -30,6 +30,8 @@ void Popover::resizeEvent(QResizeEvent *)
     constexpr qreal rounder = 1.5;
     path.addRoundedRect(QRectF(rect()), Theme::cardRadius + rounder, Theme::cardRadius + rounder);
     setMask(QRegion(path.toFillPolygon().toPolygon()));
+    if (anchor && isVisible())
+        place();
 }
 
 void Popover::paintEvent(QPaintEvent *)
@@ -41,18 +43,24 @@ void Popover::paintEvent(QPaintEvent *)
     painter.strokePath(shape, QPen(Theme::controlBorder));
 }
 
-void Popover::showBeside(const QWidget &anchor)
+void Popover::showBeside(const QWidget &control)
 {
+    anchor = &control;
     adjustSize();
-    const QRect room = anchor.screen()->availableGeometry();
-    const QRect around(anchor.mapToGlobal(QPoint(0, 0)), anchor.size());
+    place();
+    show();
+}
+
+void Popover::place()
+{
+    const QRect room = anchor->screen()->availableGeometry();
+    const QRect around(anchor->mapToGlobal(QPoint(0, 0)), anchor->size());
     int top = around.bottom() + gap;
     if (top + height() > room.bottom() && around.top() - gap - height() >= room.top())
         top = around.top() - gap - height();
-    const int wanted = anchor.isRightToLeft() ? around.right() - width() : around.left();
+    const int wanted = anchor->isRightToLeft() ? around.right() - width() : around.left();
     const int left = std::clamp(wanted, room.left(), std::max(room.left(), room.right() - width()));
     move(left, std::clamp(top, room.top(), std::max(room.top(), room.bottom() - height())));
-    show();
 }
 
 void Popover::closeEvent(QCloseEvent *event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 /// A bubble beside a control: closes on Escape and on a press outside.
@@ -9,8 +10,9 @@ class Popover : public QWidget
 public:
     explicit Popover(QWidget *parent = nullptr);
 
-    /// Shows the bubble below a control, or above it where there is no room.
-    void showBeside(const QWidget &anchor);
+    /// Shows the bubble below a control, or above it where there is no room. It stays on the screen when it
+    /// grows.
+    void showBeside(const QWidget &control);
 
 Q_SIGNALS:
     void closed();
@@ -20,4 +22,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void place();
+
+    QPointer<const QWidget> anchor;
 };

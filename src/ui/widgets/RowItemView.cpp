@@ -1,15 +1,27 @@
 #include "widgets/RowItemView.h"
 
+#include "foundation/Localization.h"
 #include "widgets/Animations.h"
+#include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QPropertyAnimation>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
 
 constexpr int labelWidth = 132;
 constexpr int sideMargin = 16;
+constexpr int topMargin = 3;
+constexpr int bottomMargin = 4;
+constexpr int iconSize = 16;
+constexpr int deleteSize = 24;
+/// Left of what a control paints at its own end.
+constexpr int deleteInset = 30;
 
 RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget *parent)
     : QWidget(parent)
@@ -17,9 +29,9 @@ RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget 
     , shownHeight(minHeigt)
     , label(new QLabel(this))
 {
-    setObjectName(QStringLiteral("row") + textTag);
+    setObjectName(u"row"_s + textTag);
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(sideMargin, 3, sideMargin, 4);
+    row->setContentsMargins(sideMargin, topMargin, sideMargin, bottomMargin);
     row->setSpacing(Theme::unit);
     row->addWidget(label);
     label->setFixedWidth(labelWidth);
@@ -39,12 +51,14 @@ void RowItemView::setLabel(const QString &text)
         label->buddy()->setAccessibleName(text);
 }
 
-void RowItemView::setControl(QWidget *control)
+void RowItemView::setControl(QWidget *newControl)
 {
+    control = newControl;
     layout()->addWidget(control);
     label->setBuddy(control);
     if (control->accessibleName().isEmpty())
         control->setAccessibleName(label->text());
+    settle();
 }
 
 void RowItemView::setInset(int inset)
@@ -70,12 +84,17 @@ void RowItemView::setGrows()
     settle();
 }
 
-/// The height of a row at rest: fixed, or what its content asks for.
+// Heights
+
+/// The height of a row at rest: fixed, or what its content asks for. Large fonts may need more.
 void RowItemView::settle()
 {
-    setMinimumHeight(isCollapsed ? 0 : shownHeight);
-    setMaximumHeight(isCollapsed ? 0 : grows ? QWIDGETSIZE_MAX : shownHeight);
-    setSizePolicy(QSizePolicy::Preferred, grows ? QSizePolicy::Minimum : QSizePolicy::Fixed);
+    const bool isFree = grows || isPreviewing;
+    const int needed = control ? control->minimumSizeHint().height() + topMargin + bottomMargin : 0;
+    const int least = std::max(shownHeight, isFree ? 0 : needed);
+    setMinimumHeight(isCollapsed ? 0 : least);
+    setMaximumHeight(isCollapsed ? 0 : isFree ? QWIDGETSIZE_MAX : least);
+    setSizePolicy(QSizePolicy::Preferred, isFree ? QSizePolicy::Minimum : QSizePolicy::Fixed);
     setVisible(!isCollapsed);
 }
 
@@ -89,7 +108,7 @@ void RowItemView::setRowHidden(bool hidden)
     if (hidden == isCollapsed)
         return;
     isCollapsed = hidden;
-    if (!isVisibleTo(window()) && hidden)
+    if (!window()->isVisible())
         return settle();
     setVisible(true);
     auto *animation = new QPropertyAnimation(this, "rowHeight");
@@ -100,10 +119,120 @@ void RowItemView::setRowHidden(bool hidden)
     Animations::start(animation);
 }
 
-void RowItemView::paintEvent(QPaintEvent *)
+// Preview
+
+QLabel *RowItemView::previewLabel()
+{
+    if (previewText)
+        return previewText;
+    preview = new QWidget(this);
+    auto *line = new QHBoxLayout(preview);
+    line->setContentsMargins(0, Theme::unit / 2, 0, Theme::unit / 2);
+    line->setSpacing(Theme::unit);
+    previewIcon = new QLabel;
+    previewText = new QLabel;
+    previewText->setObjectName(u"label"_s + objectName().mid(3) + u"Preview"_s);
+    previewText->setTextFormat(Qt::PlainText);
+    previewText->setWordWrap(true);
+    previewText->setMinimumWidth(1);
+    line->addWidget(previewIcon);
+    line->addWidget(previewText, 1);
+    preview->hide();
+    layout()->addWidget(preview);
+    return previewText;
+}
+
+void RowItemView::setPreview(const QString &text, const QIcon &icon)
+{
+    previewLabel()->setText(text);
+    previewText->setAccessibleName(label->text() + u": "_s + text);
+    previewIcon->setVisible(!icon.isNull());
+    previewIcon->setPixmap(icon.pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
+}
+
+void RowItemView::setPreviewing(bool isNowPreviewing)
+{
+    if (!preview)
+        return;
+    isPreviewing = isNowPreviewing;
+    preview->setVisible(isPreviewing);
+    control->setVisible(!isPreviewing);
+    visibleOrInvisibleButtonDelete();
+    settle();
+}
+
+// Clearing
+
+void RowItemView::setDeletable()
+{
+    buttonDelete = new QToolButton(this);
+    buttonDelete->setObjectName(u"buttonDelete"_s + objectName().mid(3));
+    buttonDelete->setIcon(Icons::icon(u"clear"_s, Theme::secondaryText));
+    buttonDelete->setIconSize({iconSize, iconSize});
+    buttonDelete->setAutoRaise(true);
+    buttonDelete->setFocusPolicy(Qt::NoFocus);
+    buttonDelete->setCursor(Qt::ArrowCursor);
+    buttonDelete->setAccessibleName(localized(u"Delete"_s) + u" "_s + label->text());
+    buttonDelete->resize(deleteSize, deleteSize);
+    buttonDelete->hide();
+    connect(buttonDelete, &QToolButton::clicked, this, &RowItemView::deleteClicked);
+}
+
+void RowItemView::setHasValue(bool value)
+{
+    hasValue = value;
+    visibleOrInvisibleButtonDelete();
+}
+
+void RowItemView::visibleOrInvisibleButtonDelete()
+{
+    if (!buttonDelete)
+        return;
+    buttonDelete->setVisible(hasValue && !isPreviewing && control->isEnabled() && underMouse());
+    buttonDelete->raise();
+    placeDeleteButton();
+}
+
+void RowItemView::placeDeleteButton()
+{
+    if (!buttonDelete)
+        return;
+    const QRect around = control->geometry();
+    const int y = around.top() + std::min(around.height(), Theme::controlHeight) / 2 - deleteSize / 2;
+    const int x = isRightToLeft() ? around.left() + deleteInset - deleteSize / 2
+                                  : around.right() - deleteInset - deleteSize / 2;
+    buttonDelete->move(x, y);
+}
+
+bool RowItemView::event(QEvent *event)
+{
+    const bool answer = QWidget::event(event);
+    if (event->type() == QEvent::Enter || event->type() == QEvent::Leave)
+        visibleOrInvisibleButtonDelete();
+    return answer;
+}
+
+void RowItemView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    layout()->activate();
+    placeDeleteButton();
+}
+
+/// Whether no row is shown below this one.
+bool RowItemView::isLastShown() const
 {
     const QLayout *chain = parentWidget()->layout();
-    const bool isLast = chain && chain->itemAt(chain->count() - 1)->widget() == this;
-    if (!isLast)
+    for (int index = chain ? chain->count() - 1 : -1; index >= 0; --index) {
+        const QWidget *row = chain->itemAt(index)->widget();
+        if (row && !row->isHidden())
+            return row == this;
+    }
+    return true;
+}
+
+void RowItemView::paintEvent(QPaintEvent *)
+{
+    if (!isLastShown())
         QPainter(this).fillRect(QRect(sideMargin, height() - 1, width() - sideMargin, 1), Theme::divider);
 }

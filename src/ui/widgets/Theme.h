@@ -39,6 +39,7 @@ inline constexpr QColor priorityHigh{255, 93, 85};
 inline constexpr QColor priorityMedium{255, 191, 41};
 inline constexpr QColor priorityLow{38, 206, 63};
 inline constexpr QColor overdue{214, 58, 49};
+inline constexpr QColor warning{158, 92, 8};
 inline constexpr QColor checkBox{158, 170, 184};
 inline constexpr QColor checkBoxDone{43, 99, 201};
 inline constexpr QColor emptyIcon{150, 163, 179};

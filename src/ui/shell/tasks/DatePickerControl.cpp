@@ -1,10 +1,12 @@
 #include "shell/tasks/DatePickerControl.h"
 
-#include "shell/tasks/TaskForm.h"
+#include "records/TaskFormState.h"
 #include "widgets/DatePicker.h"
 #include "widgets/DatePickerPopover.h"
 
-DatePickerControl::DatePickerControl(TaskForm &usedForm, DatePicker &usedPicker)
+using Type = DatePickerState::Type;
+
+DatePickerControl::DatePickerControl(TaskFormState &usedForm, DatePicker &usedPicker)
     : QObject(&usedPicker)
     , form(usedForm)
     , picker(usedPicker)
@@ -12,16 +14,15 @@ DatePickerControl::DatePickerControl(TaskForm &usedForm, DatePicker &usedPicker)
 {
     connect(&picker, &DatePicker::pressed, this, &DatePickerControl::open);
     connect(&picker, &DatePicker::cleared, this, [this] { form.clearDate(picker.typePicker()); });
-    connect(&form, &TaskForm::changed, this, &DatePickerControl::showValue);
     showValue();
 }
 
 void DatePickerControl::showValue()
 {
-    const MVTask &task = form.currentTask();
-    const bool isStart = picker.typePicker() == DatePickerState::Type::StartDate;
-    picker.setDate(isStart ? task.startDate : task.dueDate, form.hasClock());
-    picker.setIsSomeday(form.isSomeday());
+    const Type type = picker.typePicker();
+    const bool isAlert = type == Type::Alert || type == Type::SecondAlert;
+    picker.setDate(form.dateOf(type), isAlert || (type != Type::EndRepeat && form.hasClock()));
+    picker.setIsSomeday(form.isSomeday() && (type == Type::StartDate || type == Type::DueDate));
 }
 
 void DatePickerControl::open()
@@ -43,8 +44,12 @@ void DatePickerControl::toggled(bool isChecked)
 {
     const OptionalDate shown = state.dateValue;
     form.toggleCheck(state, isChecked);
+    const OptionalDate chosen = form.dateOf(state.typePicker);
+    const bool isAlert = state.typePicker == Type::Alert || state.typePicker == Type::SecondAlert;
     if (!state.showPopover)
         popover->close();
+    else if (isAlert && isChecked && chosen)
+        popover->setDate(*chosen);
     else if (state.dateValue && state.dateValue != shown)
         popover->setDate(*state.dateValue);
 }

@@ -7,22 +7,22 @@
 
 class DatePicker;
 class DatePickerPopover;
-class TaskForm;
+class TaskFormState;
 
 /// Leads one date picker of a task's form: shows the value, opens the bubble, hands its answers to the form.
 class DatePickerControl : public QObject
 {
     Q_OBJECT
 public:
-    DatePickerControl(TaskForm &form, DatePicker &picker);
+    DatePickerControl(TaskFormState &form, DatePicker &picker);
 
     void open();
+    void showValue();
 
 private:
-    void showValue();
     void toggled(bool isChecked);
 
-    TaskForm &form;
+    TaskFormState &form;
     DatePicker &picker;
     DatePickerState state;
     QPointer<DatePickerPopover> popover;

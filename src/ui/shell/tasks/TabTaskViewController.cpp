@@ -5,6 +5,8 @@
 #include "records/TaskManager.h"
 #include "records/dates/MVDate.h"
 #include "shell/ShellAlerts.h"
+#include "shell/details/DetailStack.h"
+#include "shell/details/TaskDetailViewController.h"
 #include "shell/tasks/GroupingSetting.h"
 #include "shell/tasks/SelectionMemory.h"
 #include "shell/tasks/TaskPopupMenu.h"
@@ -170,7 +172,13 @@ void TabTaskViewController::selectItem(const TaskPtr &task)
 
 void TabTaskViewController::showDetailWithTask(const TaskPtr &task)
 {
-    Q_EMIT detailRequested(task);
+    if (detailStack())
+        TaskDetailViewController::showTask(task, *this, *detailStack(), type());
+}
+
+void TabTaskViewController::setDetailSpace(int width)
+{
+    setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
 }
 
 void TabTaskViewController::tableViewDoubleAction(int row)
@@ -206,6 +214,8 @@ void TabTaskViewController::removeRows(const std::set<int> &rows)
     if (removable.empty())
         return;
     const int lastIndex = *rows.rbegin();
+    if (detailStack())
+        detailStack()->removeAllDetailFromTasks(tasksAt(rows));
     const BusyCursor busy;
     TaskManager::deleteTasks(removable, [this, lastIndex] { selectAfterRemoval(lastIndex); });
 }

@@ -23,6 +23,7 @@ struct TaskListDescription
     QString emptySentence;
     /// The key of its grouping in the settings; -1 for a list without the control.
     int groupedType = -1;
+    DetailPlace detailPlace = {};
 };
 
 /// A screen of tasks. The lists differ by what they fetch.
@@ -41,13 +42,12 @@ public:
     bool hasRows() const override;
     void removeSelection() override;
     void selectAll() override;
+    DetailPlace detailPlace() const override { return description.detailPlace; }
+    void setDetailSpace(int width) override;
 
     /// Selects a task, scrolls to it and shows it; nothing if it is not in the list.
     void selectItem(const TaskPtr &task);
     void showDetailWithTask(const TaskPtr &task);
-
-Q_SIGNALS:
-    void detailRequested(const TaskPtr &task);
 
 protected:
     /// The rows as they are now; `grouping` is None where the list has no grouping or none is chosen.

@@ -118,11 +118,15 @@ TaskRows NotDoneViewController::fetchRows(Grouping grouping) const
 
 // Lists that come grouped
 
+/// These two begin with a header, beside which a detail begins.
+constexpr int lowInset = 10;
+
 UserDelegateViewController::UserDelegateViewController(QWidget *parent)
     : TabTaskViewController({.type = ListType::Delegated,
                              .title = localized(u"Delegated"_s),
                              .icon = u"delegated"_s,
-                             .emptySentence = localized(u"No task is in other hands."_s)},
+                             .emptySentence = localized(u"No task is in other hands."_s),
+                             .detailPlace = {.topInset = lowInset}},
                             parent)
 {}
 
@@ -135,7 +139,8 @@ DoneViewController::DoneViewController(QWidget *parent)
     : TabTaskViewController({.type = ListType::Done,
                              .title = localized(u"Done"_s),
                              .icon = u"done"_s,
-                             .emptySentence = localized(u"What you finish is kept here, day by day."_s)},
+                             .emptySentence = localized(u"What you finish is kept here, day by day."_s),
+                             .detailPlace = {.topInset = lowInset}},
                             parent)
 {}
 

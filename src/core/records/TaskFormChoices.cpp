@@ -1,0 +1,47 @@
+#include "records/TaskFormChoices.h"
+
+#include "foundation/Localization.h"
+#include "records/MVTask.h"
+#include "store/queries/DBWorker.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+std::vector<CategoryPtr> TaskFormChoices::categories()
+{
+    std::vector<CategoryPtr> choices = DBWorker::allCategories();
+    if (!DBWorker::isSample())
+        choices.insert(choices.begin(), nullptr);
+    return choices;
+}
+
+std::vector<ContactPtr> TaskFormChoices::contacts()
+{
+    const auto found = DBWorker::selectContactsWithPredicates({});
+    return DBWorker::sortContacta({found.begin(), found.end()});
+}
+
+std::vector<CompanyPtr> TaskFormChoices::companies()
+{
+    const auto found = DBWorker::allCompany();
+    return {found.begin(), found.end()};
+}
+
+std::vector<ProjectPtr> TaskFormChoices::projects(const ProjectPtr &chosen)
+{
+    std::vector<ProjectPtr> choices = DBWorker::allProjectsSortDueDate();
+    std::erase_if(choices, [&](const ProjectPtr &project) {
+        return project != chosen && project->status() == static_cast<int>(TaskStatus::Done);
+    });
+    return choices;
+}
+
+std::vector<CalendarChooserRow> TaskFormChoices::calendars()
+{
+    return CalendarEvent::sortingAndGroupingByTitleForData(true).data;
+}
+
+QString TaskFormChoices::calendarsHeader(bool hasAccess)
+{
+    return localized(hasAccess ? u"Choose calendars to sync with Apple calendar"_s
+                               : u"The app does not have access to the Apple calendar"_s);
+}

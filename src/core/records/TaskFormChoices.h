@@ -1,0 +1,22 @@
+#pragma once
+
+#include "calendarsync/CalendarEvent.h"
+#include "store/entities/Entities.h"
+
+#include <vector>
+
+/// What the pop-ups of a task's form offer.
+namespace TaskFormChoices {
+
+/// In the sample every task has a category; elsewhere null, for none, comes first.
+std::vector<CategoryPtr> categories();
+std::vector<ContactPtr> contacts();
+std::vector<CompanyPtr> companies();
+/// Open projects, and the one that is chosen already in any state.
+std::vector<ProjectPtr> projects(const ProjectPtr &chosen);
+/// The calendars that a task can be written to, under the titles of their accounts.
+std::vector<CalendarChooserRow> calendars();
+/// What stands above them: what they are for, or that there is no access to them.
+QString calendarsHeader(bool hasAccess);
+
+} // namespace TaskFormChoices

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "records/DatePickerState.h"
+#include "records/MVTask.h"
+#include "records/NewTaskRequest.h"
+#include "records/TaskFields.h"
+#include "records/TaskInvitation.h"
+#include "recurrence/CustomRepeat.h"
+#include "recurrence/RepeatPicker.h"
+
+#include <functional>
+
+/// A task while it is edited in a form: the working copy, and what the change of one field does to others and
+/// to the rows that are shown. Main thread only.
+class TaskFormState
+{
+public:
+    /// A new task with what it begins with.
+    explicit TaskFormState(const NewTaskRequest &request);
+    /// A stored task.
+    explicit TaskFormState(const TaskPtr &task);
+
+    TaskFormState(const TaskFormState &) = delete;
+    TaskFormState &operator=(const TaskFormState &) = delete;
+
+    /// Called after each change, once for each field that it reached; not while a save runs.
+    std::function<void(TaskField)> fieldChanged;
+    /// The due picker is to open, since an appointment needs both dates.
+    std::function<void()> dueDateWanted;
+
+    const MVTask &currentTask() const { return task; }
+
+    void setTitle(const QString &title);
+    void setDetails(const QString &details);
+    /// The calendar by the name that tasks have for it.
+    void setCalendar(const QString &typeCalendarID);
+    void setType(const QString &word);
+    void setCategory(const CategoryPtr &category);
+    void setStatus(int status);
+    void setDone(bool done);
+    void setPriority(int priority);
+    void setLocation(const std::shared_ptr<EntityLocation> &location);
+    /// The company follows that of the contact.
+    void setDelegate(const ContactPtr &contact);
+    void setCompany(const CompanyPtr &company);
+    /// False, with a message, for a project whose dates the task leaves; the old one stays then.
+    bool setProject(const ProjectPtr &project);
+
+    // The date pickers; what they do to the copy is the copy's own rule.
+    /// What a bubble is to show; it stays closed unless `showPopover` is set. No date outside those of the
+    /// project is offered.
+    DatePickerState openPicker(DatePickerState::Type picker);
+    void acceptDate(DatePickerState &picker, Date date);
+    void toggleCheck(DatePickerState &picker, bool isChecked);
+    /// Clears a date. A second alert takes the place of the first.
+    void clearDate(DatePickerState::Type picker);
+    OptionalDate dateOf(DatePickerState::Type picker) const;
+
+    // Repetition.
+    /// A preset of the pop-up.
+    void setRepeatPreset(int index);
+    /// A rule of the user's own.
+    void setRepeat(const QString &rule);
+    /// The controller of the pop-up with the rule of the task.
+    RepeatPicker repeatPicker() const;
+    /// The custom window's state, beginning with the rule of the task.
+    CustomRepeat customRepeat() const;
+
+    // What is shown.
+    bool isRowShown(TaskFormRow row) const;
+    /// Without the rows that have nothing to say.
+    bool isRowShownInPreview(TaskFormRow row) const;
+    bool hasValue(TaskFormRow row) const;
+    QString label(TaskFormRow row) const;
+    /// The value of a row in words; empty without one.
+    QString previewText(TaskFormRow row) const;
+    bool isSomeday() const { return task.dueSomeDay.value_or(false); }
+    bool hasClock() const { return !task.isToDo(); }
+    bool hasCalendarAccess() const { return calendarAccess; }
+    const TaskInvitation &invitation() const { return invited; }
+
+    // Editing and saving.
+    /// Whether its calendar lets the task be changed.
+    bool allowsModifyEvent() const { return task.allowsContentModifications.value_or(true); }
+    /// A task that is done, that lies on a read-only calendar, or that repeats while edits of repeats are
+    /// barred cannot be edited.
+    bool canEdit() const;
+    bool canSave() const { return !task.title.isEmpty(); }
+    /// Whether the user has put in anything that would be missed.
+    bool isTouched() const { return touched; }
+    /// Stores the task through the rules. False if they stopped it; their message was shown then.
+    bool save();
+
+    enum class EditEnd { Unchanged, Saved, Removed, Refused };
+    /// Ends the edit of a stored task: saves if something changed.
+    EditEnd finishEdit();
+    /// Ticks a stored task off, or opens it again, at once.
+    void changeStatusNow(bool done);
+    /// Whether the stored task was deleted, here or elsewhere.
+    bool isGone() const;
+    /// Reads everything from the row again.
+    void rollback();
+
+private:
+    template <typename Edit>
+    void editDates(Edit edit);
+    void startEntityTaskValue(const NewTaskRequest &request);
+    void startDateChanged();
+    void dueDateChanged();
+    void dropRepeatAndAlerts();
+    void takeCalendar();
+    void keepInsideProject(DatePickerState &picker) const;
+    OptionalDate baseDate() const { return task.isEmailCall() ? task.dueDate : task.startDate; }
+    QString dateText(OptionalDate date, bool withTime) const;
+    QString repeatText() const;
+    void note(TaskField field);
+
+    MVTask task;
+    TaskInvitation invited;
+    bool calendarAccess;
+    bool touched = false;
+    bool savePause = false;
+};

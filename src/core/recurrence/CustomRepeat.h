@@ -1,0 +1,61 @@
+#pragma once
+
+#include "recurrence/RecurrencePickerTexts.h"
+#include "recurrence/RecurrenceRule.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+/// A rule of the user's own while it is put together: how often, and on which weekdays, days or months.
+class CustomRepeat
+{
+public:
+    static constexpr int mostInterval = 999;
+
+    /// Begins with a rule, or with every week if there is none. `occurrenceDate` is the date of the task, by
+    /// which the series goes; without one that is now.
+    CustomRepeat(const std::optional<RecurrenceRule> &rule, OptionalDate occurrenceDate,
+                 OptionalDate endRepeat, RecurrencePickerLanguage language);
+
+    const RecurrenceRule &rule() const { return edited; }
+
+    /// "Daily" to "Yearly", and which of them it is.
+    QStringList frequencyTitles() const;
+    int frequencyIndex() const;
+    /// Another frequency; what was selected in the grid of the former one is given up.
+    void frequencyChange(int index);
+    /// Below 1 it counts as 1, above the limit as the limit.
+    void setInterval(int interval);
+    /// What is counted by the interval: "week (s)".
+    QString unitLabel() const;
+
+    // The grid: weekdays from the user's first one on, days of the month, or months; empty for days.
+    std::vector<int> items() const;
+    /// The short text of a cell, and the one that is read aloud.
+    QString titleOf(int item) const;
+    QString nameOf(int item) const;
+    bool isSelected(int item) const;
+    void setSelected(int item, bool selected);
+
+    // What comes of it.
+    QString sentence() const;
+    /// The next dates from today on, as many as asked for or as there are.
+    std::vector<Date> nextDates(std::size_t count) const;
+    /// What the user may not expect: months or years that are left out, or that there is no date at all.
+    /// Empty if there is nothing to say.
+    QString warning() const;
+    /// Texts of the window by their keys.
+    QString text(const QString &key) const { return texts.text(key); }
+
+private:
+    std::vector<int> selectedItems() const;
+    bool lacksDay(int day) const;
+
+    RecurrenceRule edited;
+    Date start;
+    OptionalDate end;
+    RecurrencePickerLanguage language;
+    RecurrencePickerTexts texts;
+};

@@ -1,0 +1,224 @@
+#include "shell/details/DetailStack.h"
+
+#include "shell/TabsViewController.h"
+#include "widgets/Animations.h"
+
+#include <QEvent>
+#include <QPropertyAnimation>
+
+#include <algorithm>
+
+/// The part of the screen's width that a list keeps beside a detail.
+constexpr double narrowList = 0.405;
+
+DetailStack::DetailStack(QWidget &rightContentView)
+    : content(rightContentView)
+{
+    content.installEventFilter(this);
+}
+
+DetailStack::~DetailStack() = default;
+
+DetailViewController *DetailStack::top() const
+{
+    return panes.empty() ? nullptr : panes.back();
+}
+
+DetailViewController *DetailStack::paneOf(const ObjectPtr &record) const
+{
+    const auto found =
+        std::find_if(panes.rbegin(), panes.rend(), [&](const auto *pane) { return pane->shows(record); });
+    return found == panes.rend() ? nullptr : *found;
+}
+
+// Places
+
+QRect DetailStack::restingPlace() const
+{
+    const int width = qRound(content.width() * place.width);
+    const int left = content.isRightToLeft() ? 0 : content.width() - width;
+    return {left, place.topInset, width, content.height() - place.topInset};
+}
+
+QPoint DetailStack::outsidePlace() const
+{
+    const QRect rest = restingPlace();
+    return {content.isRightToLeft() ? -rest.width() : content.width(), rest.top()};
+}
+
+/// Everything at its place at once, as after a change of the window's size.
+void DetailStack::settle()
+{
+    for (DetailViewController *pane : panes) {
+        // One that is on its way out goes on.
+        if (pane->isEnabled())
+            pane->setGeometry(restingPlace());
+    }
+    if (panes.empty() || !panes.front()->isEnabled())
+        return;
+    delete listMove;
+    setListSpace(qRound(content.width() * (1 - narrowList)));
+}
+
+bool DetailStack::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize)
+        settle();
+    return QObject::eventFilter(watched, event);
+}
+
+void DetailStack::setListSpace(int width)
+{
+    listSpace = width;
+    if (screen)
+        screen->setDetailSpace(width);
+}
+
+void DetailStack::moveListSpace(int width, int duration)
+{
+    delete listMove;
+    listMove = new QVariantAnimation(this);
+    listMove->setDuration(duration);
+    listMove->setStartValue(listSpace);
+    listMove->setEndValue(width);
+    listMove->setEasingCurve(QEasingCurve::OutCubic);
+    connect(listMove, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant &value) { setListSpace(value.toInt()); });
+    Animations::start(listMove);
+}
+
+template <typename Matches>
+void DetailStack::removeWhere(Matches matches)
+{
+    std::vector<DetailViewController *> going;
+    std::copy_if(panes.begin(), panes.end(), std::back_inserter(going), matches);
+    for (DetailViewController *pane : going)
+        drop(pane);
+    if (!going.empty())
+        leave();
+}
+
+// Coming
+
+void DetailStack::showDetail(DetailViewController *detail, QWidget *controller)
+{
+    setNotActiveLastDeteil();
+    if (panes.empty()) {
+        screen = qobject_cast<TabsViewController *>(controller);
+        place = screen ? screen->detailPlace() : DetailPlace();
+        moveListSpace(qRound(content.width() * (1 - narrowList)),
+                      Animations::duration(Animations::detailSlideIn));
+    }
+    panes.push_back(detail);
+    detail->setParent(&content);
+    connect(detail, &DetailViewController::backRequested, this, [this, detail] { goBack(detail); });
+    connect(detail, &DetailViewController::recordRemoved, this,
+            [this, detail] { removeWhere([detail](const auto *pane) { return pane == detail; }); });
+    slideIn(*detail);
+}
+
+void DetailStack::slideIn(DetailViewController &detail)
+{
+    detail.resize(restingPlace().size());
+    detail.move(outsidePlace());
+    detail.show();
+    detail.raise();
+    detail.setActive(true);
+    detail.setFocus();
+    auto *animation = new QPropertyAnimation(&detail, "pos");
+    animation->setDuration(Animations::duration(Animations::detailSlideIn));
+    animation->setEndValue(restingPlace().topLeft());
+    animation->setEasingCurve(QEasingCurve::OutCubic);
+    connect(animation, &QAbstractAnimation::finished, this, &DetailStack::settle);
+    Animations::start(animation);
+}
+
+void DetailStack::showAgain(DetailViewController *detail)
+{
+    const auto found = std::find(panes.begin(), panes.end(), detail);
+    if (found == panes.end() || detail == top())
+        return;
+    setNotActiveLastDeteil();
+    std::rotate(found, found + 1, panes.end());
+    slideIn(*detail);
+}
+
+void DetailStack::setNotActiveLastDeteil()
+{
+    if (!panes.empty())
+        panes.back()->setActive(false);
+}
+
+void DetailStack::setActiveLastDeteil()
+{
+    if (panes.empty())
+        return;
+    panes.back()->setActive(true);
+    panes.back()->setFocus();
+}
+
+// Going
+
+void DetailStack::goBack(DetailViewController *detail)
+{
+    detail->setEnabled(false);
+    const int duration = Animations::duration(Animations::detailSlideOut);
+    auto *animation = new QPropertyAnimation(detail, "pos");
+    animation->setDuration(duration);
+    animation->setEndValue(outsidePlace());
+    animation->setEasingCurve(QEasingCurve::InOutCubic);
+    connect(animation, &QAbstractAnimation::finished, this, [this, detail] {
+        drop(detail);
+        leave();
+    });
+    Animations::start(animation);
+    if (panes.size() == 1 && duration > 0)
+        moveListSpace(0, duration);
+}
+
+/// Takes a pane out of the stack; it is deleted when its own events have been handled.
+void DetailStack::drop(DetailViewController *detail)
+{
+    if (std::erase(panes, detail) == 0)
+        return;
+    detail->setActive(false);
+    Q_EMIT detail->dismissDeteilViewController();
+    detail->clearController();
+    detail->hide();
+    detail->deleteLater();
+}
+
+/// After panes have gone the one on top, or else the screen, takes over.
+void DetailStack::leave()
+{
+    if (!panes.empty())
+        return setActiveLastDeteil();
+    setListSpace(0);
+    if (screen)
+        screen->setFocus();
+}
+
+void DetailStack::removeAllDetail()
+{
+    while (!panes.empty())
+        drop(panes.back());
+    delete listMove;
+    setListSpace(0);
+    screen = nullptr;
+}
+
+void DetailStack::removeAllDetailFromTasks(const std::vector<TaskPtr> &tasks)
+{
+    removeWhere([&](const DetailViewController *pane) {
+        return std::any_of(tasks.begin(), tasks.end(),
+                           [&](const TaskPtr &task) { return pane->shows(task); });
+    });
+}
+
+void DetailStack::removeAllDetailFromProjects(const std::vector<ProjectPtr> &projects)
+{
+    removeWhere([&](const DetailViewController *pane) {
+        return std::any_of(projects.begin(), projects.end(),
+                           [&](const ProjectPtr &project) { return pane->shows(project); });
+    });
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "shell/details/DetailViewController.h"
+#include "store/entities/Entities.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <vector>
+
+class QVariantAnimation;
+class TabsViewController;
+
+/// The detail panes over the screen that is shown, the last one on top. They slide in from the trailing edge
+/// of the content area, and a list below them makes room.
+class DetailStack : public QObject
+{
+    Q_OBJECT
+public:
+    /// Panes lie in `rightContentView`, which has to outlive the stack.
+    explicit DetailStack(QWidget &rightContentView);
+    ~DetailStack() override;
+
+    bool isEmpty() const { return panes.empty(); }
+    /// The pane on top, or null.
+    DetailViewController *top() const;
+    /// The uppermost pane about a record, or null.
+    DetailViewController *paneOf(const ObjectPtr &record) const;
+
+    /// Slides a pane in, which is owned by the stack from now on. `controller` is the screen or the pane that
+    /// opens it; only a screen below an empty stack says where it lies, any other pane covers the top one
+    /// exactly.
+    void showDetail(DetailViewController *detail, QWidget *controller);
+    /// Brings a pane that lies lower in the stack to the top.
+    void showAgain(DetailViewController *detail);
+    /// Slides the pane out and drops it; what lies below is active again.
+    void goBack(DetailViewController *detail);
+
+    void setNotActiveLastDeteil();
+    void setActiveLastDeteil();
+
+    /// Drops all panes at once, without a question.
+    void removeAllDetail();
+    /// Drops the panes about these records, wherever they lie in the stack.
+    void removeAllDetailFromTasks(const std::vector<TaskPtr> &tasks);
+    void removeAllDetailFromProjects(const std::vector<ProjectPtr> &projects);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QRect restingPlace() const;
+    QPoint outsidePlace() const;
+    void slideIn(DetailViewController &detail);
+    void settle();
+    void drop(DetailViewController *detail);
+    void leave();
+    void setListSpace(int width);
+    void moveListSpace(int width, int duration);
+    template <typename Matches>
+    void removeWhere(Matches matches);
+
+    QWidget &content;
+    QPointer<TabsViewController> screen;
+    DetailPlace place;
+    int listSpace = 0;
+    QPointer<QVariantAnimation> listMove;
+    std::vector<DetailViewController *> panes;
+};

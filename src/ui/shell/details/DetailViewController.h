@@ -1,0 +1,47 @@
+#pragma once
+
+#include "objectstore/ManagedObject.h"
+
+#include <QWidget>
+
+#include <memory>
+
+/// Where the detail of a record lies in the content area.
+struct DetailPlace
+{
+    /// The part of the content's width that it covers.
+    double width = 0.595;
+    /// How far it stays below the upper edge of the content.
+    int topInset = 40;
+};
+
+/// A pane about one record that slides in over a screen.
+class DetailViewController : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit DetailViewController(QWidget *parent = nullptr);
+
+    /// Whether the pane is about that record.
+    virtual bool shows(const std::shared_ptr<ManagedObject> &record) const = 0;
+    /// The pane is about to be left for good.
+    virtual void clearController() {}
+
+    /// The pane on top is active; those that it covers are not, and take no keys.
+    virtual void setActive(bool isNowActive);
+    bool isActive() const { return active; }
+
+Q_SIGNALS:
+    /// The user wants back to what lies below.
+    void backRequested();
+    /// The record is no more: the pane is to go at once.
+    void recordRemoved();
+    /// The pane has gone.
+    void dismissDeteilViewController();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    bool active = false;
+};

@@ -1,0 +1,276 @@
+#include "shell/details/TaskDetailViewController.h"
+
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+#include "shell/ShellAlerts.h"
+#include "shell/details/DetailStack.h"
+#include "shell/tasks/TaskFormView.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/FormScroll.h"
+#include "widgets/Icons.h"
+#include "widgets/Theme.h"
+#include "workspace/Workspace.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int margin = 2 * Theme::unit;
+/// Below this width the mail button is its icon alone.
+constexpr int roomForWords = 420;
+
+TaskDetailViewController::TaskDetailViewController(const TaskPtr &task, QWidget *parent)
+    : DetailViewController(parent)
+    , form(task)
+    , view(new TaskFormView(form))
+{
+    setObjectName(u"TaskDetailViewController"_s);
+    setAccessibleName(form.currentTask().title);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(1, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(makeHeader());
+    column->addWidget(makeBody(), 1);
+    connect(view, &TaskFormView::accepted, this, &TaskDetailViewController::clickButtonEdit);
+    connect(view, &TaskFormView::doneToggled, this, &TaskDetailViewController::changeCheckBoxDone);
+    connect(view, &TaskFormView::editWanted, this, &TaskDetailViewController::editAttempted);
+    observe();
+    setPreviewMode();
+}
+
+void TaskDetailViewController::showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
+                                        std::optional<ListType> typeTask)
+{
+    if (DetailViewController *open = stack.paneOf(task))
+        return stack.showAgain(open);
+    auto *pane = new TaskDetailViewController(task);
+    pane->setTypeTask(typeTask);
+    stack.showDetail(pane, &controller);
+}
+
+// The parts
+
+static QToolButton *makeHeaderButton(const QString &name, const QString &icon, const QString &text)
+{
+    auto *button = new QToolButton;
+    button->setObjectName(name);
+    button->setIcon(Icons::icon(icon, Theme::accent));
+    button->setText(text);
+    button->setAccessibleName(text);
+    button->setToolTip(text);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::StrongFocus);
+    return button;
+}
+
+QWidget *TaskDetailViewController::makeHeader()
+{
+    auto *header = new QWidget;
+    auto *line = new QHBoxLayout(header);
+    line->setContentsMargins(margin, Theme::unit, margin, Theme::unit);
+    line->setSpacing(Theme::unit);
+    const bool isMirrored = isRightToLeft();
+    buttonBack = makeHeaderButton(u"buttonBack"_s, isMirrored ? u"chevron-right"_s : u"chevron-left"_s,
+                                  localized(u"Back"_s));
+    connect(buttonBack, &QToolButton::clicked, this, &TaskDetailViewController::clickButtonBack);
+    buttonSendEmail = makeHeaderButton(u"buttonSendEmail"_s, u"mail"_s, localized(u"Send Email"_s));
+    connect(buttonSendEmail, &QToolButton::clicked, this, &TaskDetailViewController::clickButtonSendEmail);
+    buttonEdit = new QPushButton;
+    buttonEdit->setObjectName(u"buttonEdit"_s);
+    buttonEdit->setAutoDefault(false);
+    connect(buttonEdit, &QPushButton::clicked, this, &TaskDetailViewController::clickButtonEdit);
+    line->addWidget(buttonBack);
+    line->addStretch(1);
+    line->addWidget(buttonSendEmail);
+    line->addWidget(buttonEdit);
+    return header;
+}
+
+QWidget *TaskDetailViewController::makeBody()
+{
+    labelCreated = new QLabel;
+    labelCreated->setObjectName(u"labelCreated"_s);
+    labelCreated->setFont(Theme::font(Theme::FontRole::Small));
+    labelCreated->setAlignment(Qt::AlignCenter);
+    QPalette palette = labelCreated->palette();
+    palette.setColor(QPalette::WindowText, Theme::secondaryText);
+    labelCreated->setPalette(palette);
+    auto *body = new QWidget;
+    auto *column = new QVBoxLayout(body);
+    column->setContentsMargins(margin, 0, margin, margin);
+    column->setSpacing(margin);
+    column->addWidget(view);
+    column->addWidget(labelCreated);
+    column->addStretch(1);
+    return new FormScroll(body);
+}
+
+// What happens elsewhere
+
+void TaskDetailViewController::observe()
+{
+    refreshTimer.setSingleShot(true);
+    connect(&refreshTimer, &QTimer::timeout, this, &TaskDetailViewController::taskChanged);
+    for (const NotificationName name :
+         {notifications::taskChange, notifications::contextDidSave, notifications::iCloudChange})
+        observations.push_back(NotificationCenter::defaultCenter().addObserver(
+            name, [this](const Notification &) { refreshTimer.start(0); }));
+}
+
+/// What the user is typing stays, unless its task is gone.
+void TaskDetailViewController::taskChanged()
+{
+    if (form.isGone()) {
+        Q_EMIT recordRemoved();
+    } else if (!isEditing() && form.currentTask().isChangedTask()) {
+        form.rollback();
+        statusChanged();
+    }
+}
+
+bool TaskDetailViewController::shows(const ObjectPtr &record) const
+{
+    return record && form.currentTask().task() == record;
+}
+
+void TaskDetailViewController::setActive(bool isNowActive)
+{
+    DetailViewController::setActive(isNowActive);
+    // What is covered takes no keys.
+    for (QWidget *part : findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
+        part->setEnabled(isNowActive);
+}
+
+// Modes
+
+bool TaskDetailViewController::isEditing() const
+{
+    return view->isEditing();
+}
+
+void TaskDetailViewController::setEditMode()
+{
+    if (!form.canEdit())
+        return;
+    modeChanged(true);
+    view->focusTitle();
+}
+
+void TaskDetailViewController::setPreviewMode()
+{
+    modeChanged(false);
+}
+
+void TaskDetailViewController::modeChanged(bool editing)
+{
+    view->setEditing(editing);
+    statusChanged();
+}
+
+void TaskDetailViewController::statusChanged()
+{
+    using Style = DateFormatter::Style;
+    buttonEdit->setText(localized(isEditing() ? u"Done"_s : u"Edit"_s));
+    buttonEdit->setDefault(isEditing());
+    buttonEdit->setVisible(form.allowsModifyEvent());
+    buttonEdit->setEnabled(isEditing() || form.canEdit());
+    setFocusProxy(buttonEdit->isVisibleTo(this) && buttonEdit->isEnabled()
+                      ? static_cast<QWidget *>(buttonEdit)
+                      : buttonBack);
+    const OptionalDate created = form.currentTask().creationDate;
+    labelCreated->setVisible(created.has_value());
+    if (created)
+        labelCreated->setText(localized(u"Created on"_s) + u" "_s +
+                              DateFormatter::string(*created, Style::Medium, Style::Short));
+}
+
+// What the user does
+
+void TaskDetailViewController::clickButtonEdit()
+{
+    if (isEditing())
+        finishEdit();
+    else
+        setEditMode();
+}
+
+void TaskDetailViewController::finishEdit()
+{
+    if (!form.canSave())
+        return view->focusTitle();
+    switch (form.finishEdit()) {
+    case TaskFormState::EditEnd::Refused:
+        return;
+    case TaskFormState::EditEnd::Removed:
+        Q_EMIT recordRemoved();
+        return;
+    case TaskFormState::EditEnd::Unchanged:
+    case TaskFormState::EditEnd::Saved:
+        setPreviewMode();
+        setFocus();
+    }
+}
+
+void TaskDetailViewController::clickButtonBack()
+{
+    Q_EMIT backRequested();
+}
+
+void TaskDetailViewController::clickButtonSendEmail()
+{
+    Workspace::openUrl(form.currentTask().htmlBody());
+}
+
+void TaskDetailViewController::changeCheckBoxDone(bool done)
+{
+    form.changeStatusNow(done);
+    // A task that is done is only looked at.
+    if (isEditing() && !form.canEdit())
+        setPreviewMode();
+    statusChanged();
+}
+
+void TaskDetailViewController::editAttempted()
+{
+    if (form.allowsModifyEvent())
+        setEditMode();
+    else
+        ShellAlerts::alertEditingEvent(localized(form.currentTask().calendarTitle));
+}
+
+/// Escape gives up an edit; what was changed is lost only with the user's word.
+void TaskDetailViewController::giveUpEdit()
+{
+    const auto answer = form.currentTask().isChangedTask() ? ShellAlerts::alertDontSave()
+                                                           : ShellAlerts::DontSaveAnswer::DontSave;
+    if (answer == ShellAlerts::DontSaveAnswer::Save)
+        return finishEdit();
+    if (answer == ShellAlerts::DontSaveAnswer::Cancel)
+        return;
+    form.rollback();
+    setPreviewMode();
+    setFocus();
+}
+
+void TaskDetailViewController::keyPressEvent(QKeyEvent *event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (event->key() == Qt::Key_Escape)
+        isEditing() ? giveUpEdit() : clickButtonBack();
+    else if (isReturn && (!isEditing() || event->modifiers().testFlag(Qt::ControlModifier)))
+        clickButtonEdit();
+    else
+        DetailViewController::keyPressEvent(event);
+}
+
+void TaskDetailViewController::resizeEvent(QResizeEvent *event)
+{
+    DetailViewController::resizeEvent(event);
+    buttonSendEmail->setToolButtonStyle(width() < roomForWords ? Qt::ToolButtonIconOnly
+                                                               : Qt::ToolButtonTextBesideIcon);
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "foundation/NotificationCenter.h"
+#include "records/TaskFormState.h"
+#include "shell/details/DetailViewController.h"
+
+#include <QTimer>
+
+#include <optional>
+#include <vector>
+
+class DetailStack;
+class QLabel;
+class QPushButton;
+class QToolButton;
+class TaskFormView;
+
+/// The pane about one stored task: first in words, then, on "Edit", as a form.
+class TaskDetailViewController : public DetailViewController
+{
+    Q_OBJECT
+public:
+    explicit TaskDetailViewController(const TaskPtr &task, QWidget *parent = nullptr);
+
+    /// Shows a task over a screen or another pane. One that is open already comes to the top.
+    static void showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
+                         std::optional<ListType> typeTask);
+
+    TaskFormState *taskForm() { return &form; }
+    bool isEditing() const;
+    /// The list that the task is seen from.
+    void setTypeTask(std::optional<ListType> type) { typeTask = type; }
+
+    bool shows(const ObjectPtr &record) const override;
+    void setActive(bool isNowActive) override;
+
+    void setEditMode();
+    void setPreviewMode();
+    void clickButtonEdit();
+    void clickButtonBack();
+    void clickButtonSendEmail();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    QWidget *makeHeader();
+    QWidget *makeBody();
+    void observe();
+    void taskChanged();
+    void modeChanged(bool editing);
+    void statusChanged();
+    void changeCheckBoxDone(bool done);
+    void editAttempted();
+    void finishEdit();
+    void giveUpEdit();
+
+    TaskFormState form;
+    std::optional<ListType> typeTask;
+    TaskFormView *view = nullptr;
+    QPushButton *buttonEdit = nullptr;
+    QToolButton *buttonBack = nullptr;
+    QToolButton *buttonSendEmail = nullptr;
+    QLabel *labelCreated = nullptr;
+    QTimer refreshTimer;
+    std::vector<Observation> observations;
+};

@@ -1,0 +1,174 @@
+#include "foundation/Localization.h"
+#include "records/Functional.h"
+#include "records/TaskFormChoices.h"
+#include "shell/tasks/RepeatControl.h"
+#include "shell/tasks/TaskFormView.h"
+#include "widgets/CategoryIcon.h"
+#include "widgets/PopUpButton.h"
+#include "widgets/Theme.h"
+
+#include <QLabel>
+
+// The pop-ups of a task's form.
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+QIcon iconOf(const EKColor &color)
+{
+    return CategoryIcon::circle(QColor::fromRgbF(
+        static_cast<float>(color.red), static_cast<float>(color.green), static_cast<float>(color.blue)));
+}
+
+/// Adds words, each with its number.
+void addNumbers(PopUpButton &popUp, std::initializer_list<int> numbers, QString (*wordOf)(int))
+{
+    for (const int number : numbers)
+        popUp.addItem(wordOf(number), number);
+}
+
+} // namespace
+
+/// A pop-up of records with "None" above them.
+template <typename Pointer, typename Choose>
+PopUpButton *TaskFormView::makeChoice(const QString &name, std::vector<Pointer> choices,
+                                      Pointer (*current)(const MVTask &), QString (*titleOf)(const Pointer &),
+                                      Choose choose)
+{
+    auto *popUp = new PopUpButton(name);
+    popUp->addItem(localized(u"None"_s));
+    for (const Pointer &choice : choices)
+        popUp->addItem(titleOf(choice));
+    connect(popUp, &QComboBox::activated, this, [this, choices, choose](int index) {
+        choose(state, index == 0 ? nullptr : choices[static_cast<std::size_t>(index - 1)]);
+    });
+    syncs.push_back([this, popUp, choices, current] {
+        const Pointer chosen = current(state.currentTask());
+        const auto found = std::ranges::find(choices, chosen);
+        popUp->setCurrentIndex(!chosen                  ? 0
+                               : found == choices.end() ? -1
+                                                        : static_cast<int>(found - choices.begin()) + 1);
+    });
+    return popUp;
+}
+
+QWidget *TaskFormView::makeCalendar()
+{
+    auto *popUp = new PopUpButton(u"popUpButtonCalendar"_s);
+    popUp->addHeading(TaskFormChoices::calendarsHeader(state.hasCalendarAccess()));
+    popUp->setToolTip(popUp->itemText(0));
+    if (state.hasCalendarAccess()) {
+        for (const CalendarChooserRow &row : TaskFormChoices::calendars()) {
+            if (const auto *heading = std::get_if<QString>(&row)) {
+                popUp->addHeading(*heading);
+                continue;
+            }
+            const auto &calendar = std::get<EKCalendar>(row);
+            popUp->addItem(iconOf(CalendarEvent::getColorOfCalendar(calendar)),
+                           CalendarEvent::localizedTitleCalendar(calendar),
+                           CalendarEvent::identifierOfCalendar(calendar));
+        }
+    }
+    popUp->setEnabled(popUp->count() > 1);
+    connect(popUp, &QComboBox::activated, this,
+            [this, popUp] { state.setCalendar(popUp->currentData().toString()); });
+    syncs.push_back([this, popUp] {
+        const QString &chosen = state.currentTask().typeCalendarID;
+        popUp->setCurrentIndex(chosen.isEmpty() ? 0 : std::max(0, popUp->findData(chosen)));
+    });
+    return popUp;
+}
+
+QWidget *TaskFormView::makeType()
+{
+    auto *popUp = new PopUpButton(u"popUpButtonType"_s);
+    for (const int type : {0, 1, 2})
+        popUp->addItem(Functional::typeStringFromType(type));
+    connect(popUp, &QComboBox::textActivated, this, [this](const QString &word) { state.setType(word); });
+    syncs.push_back([this, popUp] { popUp->setCurrentIndex(state.currentTask().type.value_or(0)); });
+    return popUp;
+}
+
+QWidget *TaskFormView::makeCategory()
+{
+    auto *popUp = new PopUpButton(u"popUpButtonCategory"_s);
+    const std::vector<CategoryPtr> categories = TaskFormChoices::categories();
+    for (const CategoryPtr &category : categories) {
+        if (category)
+            popUp->addItem(CategoryIcon::of(*category), localized(category->title()));
+        else
+            popUp->addItem(localized(u"None"_s));
+    }
+    connect(popUp, &QComboBox::activated, this, [this, categories](int index) {
+        state.setCategory(categories[static_cast<std::size_t>(index)]);
+    });
+    syncs.push_back([this, popUp, categories] {
+        const auto chosen = std::ranges::find(categories, state.currentTask().category);
+        popUp->setCurrentIndex(chosen == categories.end() ? 0
+                                                          : static_cast<int>(chosen - categories.begin()));
+    });
+    return popUp;
+}
+
+QWidget *TaskFormView::makeStatus()
+{
+    auto *popUp = new PopUpButton(u"popUpButtonStatus"_s);
+    addNumbers(*popUp, {0, 1, 2, 3}, &Functional::statusStringFromType);
+    connect(popUp, &QComboBox::activated, this, [this](int index) { state.setStatus(index); });
+    syncs.push_back([this, popUp] { popUp->setCurrentIndex(state.currentTask().status.value_or(0)); });
+    return popUp;
+}
+
+QWidget *TaskFormView::makePriority()
+{
+    auto *popUp = new PopUpButton(u"popUpButtonPriority"_s);
+    for (const int priority : {3, 0, 1, 2})
+        popUp->addItem(CategoryIcon::circle(Theme::priority(priority)),
+                       Functional::priorityStringFromType(priority), priority);
+    connect(popUp, &QComboBox::activated, this,
+            [this, popUp] { state.setPriority(popUp->currentData().toInt()); });
+    syncs.push_back(
+        [this, popUp] { popUp->setCurrentIndex(popUp->findData(state.currentTask().priority.value_or(3))); });
+    return popUp;
+}
+
+QWidget *TaskFormView::makeDelegate()
+{
+    return makeChoice<ContactPtr>(
+        u"popUpButtonDelegate"_s, TaskFormChoices::contacts(),
+        [](const MVTask &task) { return task.delegateToUser; },
+        [](const ContactPtr &contact) { return contact->fullName(); },
+        [](TaskFormState &form, const ContactPtr &contact) { form.setDelegate(contact); });
+}
+
+QWidget *TaskFormView::makeCompany()
+{
+    return makeChoice<CompanyPtr>(
+        u"popUpButtonCompany"_s, TaskFormChoices::companies(),
+        [](const MVTask &task) { return task.company; },
+        [](const CompanyPtr &company) { return company->title(); },
+        [](TaskFormState &form, const CompanyPtr &company) { form.setCompany(company); });
+}
+
+QWidget *TaskFormView::makeProject()
+{
+    return makeChoice<ProjectPtr>(
+        u"popUpButtonProject"_s, TaskFormChoices::projects(state.currentTask().project),
+        [](const MVTask &task) { return task.project; },
+        [](const ProjectPtr &project) { return localized(project->title()); },
+        [](TaskFormState &form, const ProjectPtr &project) { form.setProject(project); });
+}
+
+QWidget *TaskFormView::makeRepeat()
+{
+    auto *popUp = new PopUpButton(u"popUpButtonRepeat"_s);
+    auto *control = new RepeatControl(state, *popUp);
+    syncs.push_back([control] { control->showValue(); });
+    return popUp;
+}
+
+QWidget *TaskFormView::makeLocation()
+{
+    return new QLabel;
+}

@@ -1,0 +1,121 @@
+#include "widgets/PopUpButton.h"
+
+#include "widgets/Theme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QStandardItemModel>
+#include <QStylePainter>
+#include <QStyledItemDelegate>
+
+constexpr int leastLetters = 6;
+constexpr int lineHeight = 30;
+constexpr int separatorHeight = 9;
+constexpr int iconRoom = 24;
+
+namespace {
+
+/// The lines of the list look like those of a menu.
+class PopUpDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return {size.width() + 2 * Theme::unit,
+                isSeparator(index) ? separatorHeight : std::max(lineHeight, size.height())};
+    }
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const bool isEnabled = index.flags().testFlag(Qt::ItemIsEnabled);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        if (isSeparator(index)) {
+            painter->fillRect(QRect(option.rect.left(), option.rect.center().y(), option.rect.width(), 1),
+                              Theme::divider);
+        } else {
+            if (isEnabled && option.state.testFlag(QStyle::State_Selected)) {
+                painter->setPen(Qt::NoPen);
+                painter->setBrush(Theme::selection);
+                painter->drawRoundedRect(option.rect.adjusted(4, 1, -4, -1), Theme::controlRadius,
+                                         Theme::controlRadius);
+            }
+            paintText(*painter, option, index, isEnabled);
+        }
+        painter->restore();
+    }
+
+private:
+    static bool isSeparator(const QModelIndex &index)
+    {
+        return index.data(Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
+    }
+
+    static void paintText(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index,
+                          bool isEnabled)
+    {
+        QRect place = option.rect.adjusted(Theme::unit + 4, 0, -Theme::unit, 0);
+        const auto icon = index.data(Qt::DecorationRole).value<QIcon>();
+        if (!icon.isNull()) {
+            const QRect at(place.left(), place.top(), option.decorationSize.width(), place.height());
+            icon.paint(&painter, QStyle::visualRect(option.direction, option.rect, at));
+            place.setLeft(place.left() + iconRoom);
+        }
+        painter.setFont(isEnabled ? option.font : Theme::font(Theme::FontRole::Small));
+        painter.setPen(isEnabled ? Theme::text : Theme::secondaryText);
+        painter.drawText(
+            QStyle::visualRect(option.direction, option.rect, place),
+            QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
+            painter.fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, place.width()));
+    }
+};
+
+} // namespace
+
+PopUpButton::PopUpButton(const QString &name, QWidget *parent)
+    : QComboBox(parent)
+{
+    setObjectName(name);
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(leastLetters);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setItemDelegate(new PopUpDelegate(this));
+}
+
+void PopUpButton::addHeading(const QString &text)
+{
+    addItem(text);
+    QStandardItem *item = static_cast<QStandardItemModel *>(model())->item(count() - 1);
+    item->setFlags(Qt::NoItemFlags);
+}
+
+/// A text that is too long ends in dots.
+void PopUpButton::paintEvent(QPaintEvent *)
+{
+    QStylePainter painter(this);
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    const QRect place =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    const int iconWidth = option.currentIcon.isNull() ? 0 : option.iconSize.width() + Theme::unit / 2;
+    option.currentText = fontMetrics().elidedText(option.currentText, Qt::ElideRight,
+                                                  place.width() - iconWidth - Theme::unit / 2);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
+
+void PopUpButton::wheelEvent(QWheelEvent *event)
+{
+    event->ignore();
+}
+
+void PopUpButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
+        Q_EMIT deletePressed();
+    else
+        QComboBox::keyPressEvent(event);
+}

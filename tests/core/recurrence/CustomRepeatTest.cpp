@@ -1,0 +1,93 @@
+// A rule of the user's own is put together.
+
+#include "recurrence/CustomRepeat.h"
+#include "recurrence/RRule.h"
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class CustomRepeatTest : public testing::Test
+{
+protected:
+    static CustomRepeat of(const QString &rule, Date date, OptionalDate end = {})
+    {
+        return CustomRepeat(RRule::ruleFromString(u"RRULE:"_s + rule), date, end,
+                            RecurrencePickerLanguage::english);
+    }
+    static QStringList days(const CustomRepeat &repeat, std::size_t count = 4)
+    {
+        QStringList texts;
+        for (const Date date : repeat.nextDates(count))
+            texts << wallClock(date).left(10);
+        return texts;
+    }
+
+    FrozenClock clock{localDate(2026, 11, 21, 9, 15)};
+};
+
+} // namespace
+
+TEST_F(CustomRepeatTest, TheGridShowsAndTakesWhatBelongsToTheFrequency)
+{
+    CustomRepeat repeat = of(u"FREQ=WEEKLY;INTERVAL=3;BYDAY=WE"_s, localDate(2026, 11, 23));
+    EXPECT_EQ(repeat.items().size(), 7U);
+    EXPECT_EQ(repeat.items().front(), Calendar::current().firstWeekday());
+    EXPECT_TRUE(repeat.isSelected(static_cast<int>(EKWeekday::Wednesday)));
+    repeat.setSelected(static_cast<int>(EKWeekday::Monday), true);
+    EXPECT_EQ(repeat.sentence(), u"Repeats every 3 weeks on Monday and Wednesday"_s);
+    EXPECT_EQ(repeat.unitLabel(), u"week (s)"_s);
+
+    repeat.frequencyChange(2);
+    EXPECT_TRUE(repeat.rule().byweekday.empty());
+    EXPECT_EQ(repeat.items().size(), 31U);
+    for (const int day : {31, 2})
+        repeat.setSelected(day, true);
+    repeat.setSelected(31, false);
+    EXPECT_EQ(repeat.rule().bymonthday, std::vector{2});
+
+    repeat.frequencyChange(3);
+    EXPECT_EQ(repeat.items().size(), 12U);
+    EXPECT_EQ(repeat.titleOf(1), u"Jan"_s);
+    EXPECT_EQ(repeat.nameOf(1), u"January"_s);
+    repeat.frequencyChange(0);
+    EXPECT_TRUE(repeat.items().empty());
+    repeat.setInterval(0);
+    EXPECT_EQ(repeat.rule().interval, 1);
+    repeat.setInterval(5000);
+    EXPECT_EQ(repeat.rule().interval, CustomRepeat::mostInterval);
+}
+
+TEST_F(CustomRepeatTest, TheNextDatesFollowTheTasksOwnDateAndEndWithTheSeries)
+{
+    EXPECT_EQ(days(of(u"FREQ=WEEKLY;INTERVAL=2"_s, localDate(2026, 11, 24, 8)), 3),
+              (QStringList{u"2026-11-24"_s, u"2026-12-08"_s, u"2026-12-22"_s}));
+    // Counted from a date in the past, shown from today.
+    EXPECT_EQ(days(of(u"FREQ=DAILY;INTERVAL=10"_s, localDate(2026, 11, 2)), 2),
+              (QStringList{u"2026-11-22"_s, u"2026-12-02"_s}));
+    EXPECT_EQ(days(of(u"FREQ=DAILY"_s, localDate(2026, 11, 24), localDate(2026, 11, 25, 23, 59, 59))),
+              (QStringList{u"2026-11-24"_s, u"2026-11-25"_s}));
+    EXPECT_EQ(days(of(u"FREQ=YEARLY"_s, localDate(2028, 2, 29)), 2),
+              (QStringList{u"2028-02-29"_s, u"2032-02-29"_s}));
+}
+
+TEST_F(CustomRepeatTest, ItSaysWhatTheUserMayNotExpect)
+{
+    const Date lastOfMay = localDate(2027, 5, 31);
+    EXPECT_EQ(of(u"FREQ=MONTHLY"_s, lastOfMay).warning(), u"Months without a day 31 are skipped."_s);
+    EXPECT_EQ(days(of(u"FREQ=MONTHLY"_s, lastOfMay), 3),
+              (QStringList{u"2027-05-31"_s, u"2027-07-31"_s, u"2027-08-31"_s}));
+    EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=28,-1"_s, lastOfMay).warning(), QString());
+    EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=1,30"_s, lastOfMay).warning(),
+              u"Months without a day 30 are skipped."_s);
+    EXPECT_EQ(of(u"FREQ=YEARLY"_s, localDate(2028, 2, 29)).warning(),
+              u"Years without a February 29 are skipped."_s);
+    EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=4,5"_s, lastOfMay).warning(),
+              u"Months without a day 31 are skipped."_s);
+    EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=2"_s, lastOfMay).warning(), u"This never comes round."_s);
+    EXPECT_EQ(of(u"FREQ=YEARLY"_s, lastOfMay).warning(), QString());
+    EXPECT_EQ(of(u"FREQ=WEEKLY"_s, lastOfMay).warning(), QString());
+}

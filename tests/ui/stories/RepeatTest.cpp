@@ -1,0 +1,140 @@
+// A task is made to repeat, by a preset or by a rule of the user's own.
+
+#include "calendarsync/CalendarEvent.h"
+#include "eventkit/FolderBackend.h"
+#include "shell/tasks/RepeatWindow.h"
+#include "store/state/SettingsKeys.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/RepeatCalendar.h"
+#include "widgets/RowItemView.h"
+#include "workspace/PlatformConfiguration.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// A program that may use calendars.
+class RepeatTest : public ShellTest
+{
+protected:
+    RepeatTest()
+    {
+        EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(folder.path()));
+        PlatformConfiguration::setAuthorization(u"events"_s, 3);
+        CalendarEvent::resetEventStore();
+        UserDefaults::standard().removeObject(settings::isAccessToCalendar);
+    }
+    ~RepeatTest() override
+    {
+        const ScriptedAlerts alerts({Alert::thirdButton, Alert::thirdButton});
+        if (newTaskWindow())
+            newTaskWindow()->close();
+        PlatformConfiguration::setAuthorization(u"events"_s, 2);
+        EKEventStore::setSharedBackend(nullptr);
+        CalendarEvent::resetEventStore();
+    }
+
+    /// The form of a new task for today, and its repeat pop-up.
+    QComboBox &openForm()
+    {
+        showList(SidebarItem::Today);
+        return find<QComboBox>(openNewTask(), "popUpButtonRepeat");
+    }
+    static void choose(QComboBox &popUp, int index)
+    {
+        popUp.setFocus();
+        popUp.showPopup();
+        QTest::keyClick(popUp.view(), Qt::Key_Home);
+        // The separator is passed over.
+        for (int step = 0; step < index - (index > RepeatPicker::EveryWeekday ? 1 : 0); ++step)
+            QTest::keyClick(popUp.view(), Qt::Key_Down);
+        QTest::keyClick(popUp.view(), Qt::Key_Return);
+    }
+    RepeatWindow *customWindow() { return newTaskWindow()->findChild<RepeatWindow *>(); }
+    RepeatWindow &openCustom(QComboBox &popUp)
+    {
+        choose(popUp, RepeatPicker::EveryWeekday + 2);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return customWindow(); }));
+        return *customWindow();
+    }
+    QString repeat() { return newTaskWindow()->taskForm()->currentTask().repeat; }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(RepeatTest, APresetShowsTheEndOfTheSeriesAndNeverTakesItAway)
+{
+    QComboBox &popUp = openForm();
+    const auto &end = find<RowItemView>(*newTaskWindow(), "rowEndRepeat");
+    EXPECT_TRUE(end.isRowHidden());
+    choose(popUp, RepeatPicker::EveryTwoWeeks);
+    EXPECT_TRUE(repeat().startsWith(u"RRULE:FREQ=WEEKLY;INTERVAL=2;"_s)) << qPrintable(repeat());
+    EXPECT_EQ(popUp.currentText(), u"Every 2 Weeks"_s);
+    EXPECT_FALSE(end.isRowHidden());
+    choose(popUp, RepeatPicker::Never);
+    EXPECT_EQ(repeat(), QString());
+    EXPECT_TRUE(end.isRowHidden());
+}
+
+TEST_F(RepeatTest, ARuleOfOnesOwnIsPutTogetherByTheKeys)
+{
+    QComboBox &popUp = openForm();
+    RepeatWindow &custom = openCustom(popUp);
+    auto &frequency = find<QComboBox>(custom, "popUpFrequency");
+    QTest::keyClick(&frequency, Qt::Key_Down);
+    QTest::keyClick(&frequency, Qt::Key_Tab);
+    auto &interval = find<QSpinBox>(custom, "fieldInterval");
+    ASSERT_TRUE(interval.hasFocus());
+    QTest::keyClick(&interval, Qt::Key_Up);
+    QTest::keyClick(&interval, Qt::Key_Tab);
+    auto *cell = qobject_cast<RepeatCalendarItem *>(QApplication::focusWidget());
+    ASSERT_NE(cell, nullptr);
+    EXPECT_EQ(cell->number(), 1);
+    QTest::keyClick(cell, Qt::Key_Down);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_EQ(find<QLabel>(custom, "labelSentence").text(), u"Repeats every 2 months on the 9th"_s);
+    EXPECT_TRUE(find<QLabel>(custom, "labelDates").text().contains(u"Jan 9, 2027"_s));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(repeat().contains(u"FREQ=MONTHLY;INTERVAL=2;"_s)) << qPrintable(repeat());
+    EXPECT_TRUE(repeat().endsWith(u"BYMONTHDAY=9"_s));
+    EXPECT_EQ(popUp.currentText(), u"Repeats every 2 months on the 9th"_s);
+}
+
+TEST_F(RepeatTest, TheMouseSelectsDaysAndAShortMonthIsWarnedOf)
+{
+    QComboBox &popUp = openForm();
+    RepeatWindow &custom = openCustom(popUp);
+    custom.frequencyChange(2);
+    const auto &warning = find<QLabel>(custom, "labelWarning");
+    EXPECT_FALSE(warning.isVisible());
+    const auto &items = custom.findChild<RepeatCalendar *>()->items();
+    QTest::mouseClick(items.at(30), Qt::LeftButton);
+    EXPECT_TRUE(warning.isVisible());
+    EXPECT_EQ(warning.text(), u"Months without a day 31 are skipped."_s);
+    QTest::mouseClick(items.at(30), Qt::LeftButton);
+    EXPECT_FALSE(warning.isVisible());
+    QTest::mouseClick(&find<QPushButton>(custom, "buttonCancel"), Qt::LeftButton);
+    EXPECT_EQ(repeat(), QString());
+    EXPECT_EQ(popUp.currentIndex(), 0);
+}
+
+TEST_F(RepeatTest, ClearingTheDatesTakesTheRowAway)
+{
+    QComboBox &popUp = openForm();
+    choose(popUp, RepeatPicker::EveryDay);
+    newTaskWindow()->taskForm()->clearDate(DatePickerState::Type::StartDate);
+    EXPECT_TRUE(find<RowItemView>(*newTaskWindow(), "rowRepeat").isRowHidden());
+    EXPECT_EQ(repeat(), QString());
+    EXPECT_EQ(popUp.currentIndex(), RepeatPicker::Never);
+}

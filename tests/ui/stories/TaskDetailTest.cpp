@@ -1,0 +1,208 @@
+// A task is looked at and edited in the pane that slides in over its list.
+
+#include "shell/details/DetailStack.h"
+#include "shell/details/TaskDetailViewController.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/GrowingTextField.h"
+#include "widgets/RowItemView.h"
+#include "workspace/Workspace.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+class TaskDetailTest : public ShellTest
+{
+protected:
+    DetailStack &stack() { return *controller().detailStack(); }
+    TaskDetailViewController &pane() { return *static_cast<TaskDetailViewController *>(stack().top()); }
+    QPushButton &buttonEdit() { return find<QPushButton>(pane(), "buttonEdit"); }
+    GrowingTextField &title() { return find<GrowingTextField>(pane(), "textFieldTitle"); }
+    bool isShown(const char *row) { return !find<RowItemView>(pane(), row).isRowHidden(); }
+    /// Two presses, as a window gets them.
+    void doubleClickRow(int row)
+    {
+        const QPoint place = list().viewport()->mapTo(&window(), middleOf(row));
+        QTest::mouseDClick(window().windowHandle(), Qt::LeftButton, {}, place);
+    }
+    void openDetail(int row)
+    {
+        clickRow(row);
+        key(Qt::Key_Return);
+        ASSERT_FALSE(stack().isEmpty());
+    }
+    void edit(const QString &text)
+    {
+        QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+        QTest::keyClick(&title(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(&title(), text);
+    }
+};
+
+TEST_F(TaskDetailTest, ADoubleClickSlidesThePaneInAndTheListMakesRoom)
+{
+    addInbox({u"first"_s, u"second"_s});
+    const QWidget &content = *window().rightContentView();
+    doubleClickRow(1);
+    ASSERT_FALSE(stack().isEmpty());
+    EXPECT_EQ(pane().taskForm()->currentTask().title, u"second"_s);
+    EXPECT_EQ(pane().width(), qRound(content.width() * 0.595));
+    EXPECT_EQ(pane().y(), 40);
+    EXPECT_EQ(pane().geometry().right(), content.rect().right());
+    EXPECT_EQ(list().width(), content.width() - qRound(content.width() * 0.595));
+    window().resize(window().width() + 200, window().height());
+    EXPECT_EQ(pane().width(), qRound(content.width() * 0.595));
+    EXPECT_EQ(pane().geometry().bottom(), content.rect().bottom());
+    QTest::mouseClick(&find<QToolButton>(pane(), "buttonBack"), Qt::LeftButton);
+    EXPECT_TRUE(stack().isEmpty());
+    EXPECT_EQ(list().width(), content.width());
+    EXPECT_TRUE(list().hasFocus());
+}
+
+TEST_F(TaskDetailTest, AnotherTaskStacksAboveAndTheSameOneComesUpAgain)
+{
+    addInbox({u"first"_s, u"second"_s});
+    openDetail(0);
+    TaskDetailViewController *const first = &pane();
+    openDetail(0);
+    EXPECT_EQ(&pane(), first);
+    openDetail(1);
+    EXPECT_NE(&pane(), first);
+    EXPECT_EQ(pane().geometry(), first->geometry());
+    EXPECT_FALSE(first->isActive());
+    openDetail(0);
+    EXPECT_EQ(&pane(), first);
+    EXPECT_TRUE(first->isActive());
+    QTest::keyClick(&pane(), Qt::Key_Escape);
+    EXPECT_EQ(pane().taskForm()->currentTask().title, u"second"_s);
+    showList(SidebarItem::Today);
+    EXPECT_TRUE(stack().isEmpty());
+}
+
+TEST_F(TaskDetailTest, TheDelegatedAndDoneListsLeaveLessRoomAboveThePane)
+{
+    add(u"over"_s, [](MVTask &task) { task.status = 3; });
+    showList(SidebarItem::Done);
+    openDetail(list().tableModel()->nearestItem(0, 1));
+    EXPECT_EQ(pane().y(), 10);
+}
+
+TEST_F(TaskDetailTest, AnEditIsSavedByDoneAndShownInTheList)
+{
+    addInbox({u"first"_s});
+    openDetail(0);
+    EXPECT_FALSE(isShown("rowCategory"));
+    edit(u"renamed"_s);
+    EXPECT_TRUE(isShown("rowCategory"));
+    auto &popUp = find<QComboBox>(pane(), "popUpButtonPriority");
+    popUp.setFocus();
+    QTest::keyClick(&popUp, Qt::Key_Down);
+    EXPECT_EQ(buttonEdit().text(), u"Done"_s);
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    EXPECT_FALSE(pane().isEditing());
+    EXPECT_EQ(find<QLabel>(pane(), "labelPriorityPreview").text(), u"High"_s);
+    ASSERT_NE(stored(u"renamed"_s), nullptr);
+    EXPECT_EQ(stored(u"renamed"_s)->priority(), 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles() == QStringList{u"renamed"_s}; }));
+}
+
+TEST_F(TaskDetailTest, EscapeGivesUpAnEditAfterAQuestionAndBackDoesNotAsk)
+{
+    addInbox({u"first"_s});
+    openDetail(0);
+    edit(u"lost"_s);
+    {
+        const ScriptedAlerts alerts({Alert::secondButton, Alert::thirdButton});
+        QTest::keyClick(&title(), Qt::Key_Escape);
+        EXPECT_TRUE(pane().isEditing());
+        QTest::keyClick(&title(), Qt::Key_Escape);
+        EXPECT_FALSE(pane().isEditing());
+        EXPECT_EQ(title().text(), u"first"_s);
+    }
+    edit(u"lost too"_s);
+    QTest::mouseClick(&find<QToolButton>(pane(), "buttonBack"), Qt::LeftButton);
+    EXPECT_EQ(inboxTitles(), QStringList{u"first"_s});
+}
+
+TEST_F(TaskDetailTest, TickingOffSavesAtOnceAndADoneTaskIsOnlyLookedAt)
+{
+    addInbox({u"first"_s});
+    openDetail(0);
+    auto &check = find<QAbstractButton>(pane(), "checkDone");
+    QTest::mouseClick(&check, Qt::LeftButton);
+    EXPECT_EQ(stored(u"first"_s)->status(), 3);
+    EXPECT_FALSE(buttonEdit().isEnabled());
+    QTest::keyClick(&check, Qt::Key_Space);
+    EXPECT_EQ(stored(u"first"_s)->status(), 0);
+    EXPECT_TRUE(buttonEdit().isEnabled());
+}
+
+TEST_F(TaskDetailTest, AReadOnlyTaskHasNoEditButtonAndSaysWhy)
+{
+    add(u"match"_s, [](MVTask &task) {
+        task.allowsContentModifications = false;
+        task.calendarTitle = u"Club"_s;
+    });
+    showList(SidebarItem::NotDone);
+    openDetail(list().tableModel()->nearestItem(0, 1));
+    EXPECT_FALSE(buttonEdit().isVisible());
+    ScriptedAlerts alerts({Alert::firstButton});
+    auto &type = find<RowItemView>(pane(), "rowType");
+    const QPoint place = type.mapTo(&window(), type.rect().center());
+    QTest::mouseDClick(window().windowHandle(), Qt::LeftButton, {}, place);
+    ASSERT_EQ(alerts.asked().size(), 1U);
+    EXPECT_EQ(alerts.asked().front().message, u"You can't change events in the Club calendar"_s);
+    EXPECT_FALSE(pane().isEditing());
+}
+
+TEST_F(TaskDetailTest, ThePaneOfADeletedTaskGoesAndOneChangedElsewhereFollows)
+{
+    addInbox({u"first"_s, u"second"_s});
+    openDetail(0);
+    clickRow(0);
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, checkBoxOf(0));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return find<QLabel>(pane(), "labelStatusPreview").text() == u"Done"_s; }));
+    openDetail(1);
+    context().deleteObject(stored(u"second"_s));
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pane().taskForm()->currentTask().title == u"first"_s; }));
+    const ScriptedAlerts alerts({Alert::firstButton});
+    clickRow(0);
+    key(Qt::Key_Delete);
+    EXPECT_TRUE(stack().isEmpty());
+}
+
+TEST_F(TaskDetailTest, TheMailButtonOpensADraft)
+{
+    QStringList opened;
+    Workspace::setUrlOpener([&](const QString &url) {
+        opened << url;
+        return true;
+    });
+    addInbox({u"first"_s});
+    openDetail(0);
+    QTest::mouseClick(&find<QToolButton>(pane(), "buttonSendEmail"), Qt::LeftButton);
+    Workspace::setUrlOpener({});
+    EXPECT_EQ(opened, QStringList{pane().taskForm()->currentTask().htmlBody()});
+}
+
+TEST_F(TaskDetailTest, TheMouseOverARowOffersToClearItsValue)
+{
+    add(u"first"_s, [](MVTask &task) { task.details = u"two pages"_s; });
+    showList(SidebarItem::Inbox);
+    openDetail(0);
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    auto &row = find<RowItemView>(pane(), "rowDetails");
+    auto &button = find<QToolButton>(pane(), "buttonDeleteDetails");
+    EXPECT_FALSE(button.isVisible());
+    QTest::mouseMove(window().windowHandle(), row.mapTo(&window(), QPoint(20, 20)));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return button.isVisible(); }));
+    QTest::mouseClick(&button, Qt::LeftButton);
+    EXPECT_FALSE(button.isVisible());
+    EXPECT_EQ(pane().taskForm()->currentTask().details, QString());
+}
