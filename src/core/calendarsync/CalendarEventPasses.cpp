@@ -8,8 +8,6 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
-#include <unordered_set>
-
 // A pass from the calendars to the rows: the calendars are right about what they hold.
 
 namespace {
@@ -17,10 +15,10 @@ namespace {
 bool isOff(const EntityTask &row, const EKEvent &event)
 {
     // A row that may not be changed and has another title is not trusted to be the event's.
-    return !row.allowsContentModifications().value_or(true) && row.title() != event.title;
+    return !row.allowsContentModifications().value_or(true) && row.title() != event.title.trimmed();
 }
 
-/// One pass; it keeps which rows an event has claimed.
+/// One pass.
 class Pass
 {
 public:
@@ -35,16 +33,8 @@ public:
         else
             takeSeries(group);
     }
-    std::vector<TaskPtr> unclaimed() const
-    {
-        std::vector<TaskPtr> left;
-        for (const TaskPtr &row : rows.linked()) {
-            if (!claimed.contains(row.get()) && row->context() && !row->isDeleted())
-                left.push_back(row);
-        }
-        return left;
-    }
-    size_t linkedCount() const { return rows.linked().size(); }
+    std::vector<TaskPtr> unclaimed() const { return rows.unclaimed(); }
+    size_t linkedCount() const { return rows.linkedCount(); }
 
 private:
     void claim(const TaskPtr &row, const EKEvent &event)
@@ -55,11 +45,11 @@ private:
         CalendarEvent::syncEvent(event, *row);
         if (title != row->title() || item != row->calendarID())
             rows.note(row);
-        claimed.insert(row.get());
+        rows.claim(row);
     }
     void takeSingle(const EKEvent &event)
     {
-        TaskPtr row = rows.firstOfCalendarItem(event.calendarItemExternalIdentifier);
+        TaskPtr row = rows.firstOf(event);
         if (!row || isOff(*row, event))
             row = rows.rowOf(event);
         if (row && isOff(*row, event))
@@ -84,13 +74,16 @@ private:
     }
     static void takeRule(const EKEvent &event, EntityTask &row)
     {
-        if (!event.hasRecurrenceRules())
-            row.setRepeat(QString());
+        QString repeat;
+        // An end that was taken off the series must not come back with the next edit of the row.
+        OptionalDate end;
         for (const EKRecurrenceRule &rule : event.recurrenceRules) {
-            row.setRepeat(rule.stringForICalendar());
+            repeat = rule.stringForICalendar();
             if (rule.recurrenceEnd() && rule.recurrenceEnd()->endDate())
-                row.setEndRepeat(rule.recurrenceEnd()->endDate());
+                end = rule.recurrenceEnd()->endDate();
         }
+        row.setRepeat(repeat);
+        row.setEndRepeat(end);
     }
     /// What only the organiser knows comes from a row of the same title, if there is one.
     static TaskPtr newRow(const EKEvent &event, const TaskPtr &model)
@@ -118,7 +111,6 @@ private:
     }
 
     PassRows rows;
-    std::unordered_set<const EntityTask *> claimed;
 };
 
 bool hasItemOutside(const EntityTask &row, const DateInterval &window)
@@ -182,8 +174,11 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
         linkedCount = pass.linkedCount();
         eventCount = events->size();
     }
-    if (!task && !passbrake::mayDelete(going, linkedCount, eventCount))
+    if (!task && !passbrake::mayDelete(going.size(), linkedCount, eventCount))
         return;
-    for (const TaskPtr &row : going)
-        mainContext().deleteObject(row);
+    for (const TaskPtr &row : going) {
+        // A question to the user takes its time.
+        if (row->context() && !row->isDeleted())
+            mainContext().deleteObject(row);
+    }
 }

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
-
 TaskPtr leftOf(const TaskPtr &task)
 {
     return task->context() && !task->isDeleted() ? task : nullptr;
@@ -53,7 +51,7 @@ TaskPtr replaceRow(const TaskPtr &task)
 
 TaskPtr removeSingle(const TaskPtr &task, bool isDeleteTasks)
 {
-    const std::vector<EKEvent> events = CalendarEvent::eventsWithExternalIdentifier(task->calendarID());
+    const std::vector<EKEvent> events = series::eventsOf(*task);
     std::optional<EKEvent> event;
     if (events.size() == 1)
         event = events.front();
@@ -100,20 +98,25 @@ struct OccurrenceDays
 
 std::vector<EKEvent> occurrencesOf(const EntityTask &task)
 {
-    const std::vector<EKEvent> known = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const std::vector<EKEvent> known = series::eventsOf(task);
     std::vector<EKEvent> dated;
     for (const EKEvent &one : known) {
-        if (one.startDate && one.endDate)
+        // Another calendar can have a copy of the series.
+        const bool isOfFirst = one.calendar && known.front().calendar &&
+                               one.calendar->calendarIdentifier == known.front().calendar->calendarIdentifier;
+        if (isOfFirst && one.startDate && one.endDate)
             dated.push_back(one);
     }
     return dated;
 }
 
 /// A series of which one event is left is none.
-void endSeriesOfOne(const QString &identifier)
+void endSeriesOfOne(const EntityTask &task)
 {
-    std::vector<EKEvent> left = CalendarEvent::eventsWithExternalIdentifier(identifier);
-    if (left.size() != 1 || !left.front().hasRecurrenceRules())
+    std::vector<EKEvent> left = series::eventsOf(task);
+    // The window shows one of a yearly series too.
+    if (left.size() != 1 || !left.front().hasRecurrenceRules() ||
+        !CalendarEvent::eventStore().isOnlyOccurrence(left.front()))
         return;
     left.front().recurrenceRules.clear();
     if (const auto error = CalendarEvent::eventStore().saveEvent(left.front(), EKSpan::FutureEvents, true))
@@ -127,8 +130,7 @@ void keepAsDone(const EntityTask &task, EntityTask &row, OptionalDate endOfRule,
     row.setTitle(task.title());
     row.setDetails(task.details());
     row.setEndRepeat(endOfRule);
-    if (task.status() == doneStatus)
-        row.setExpirationDate(MVDate::date());
+    row.setExpirationDate(MVDate::date());
     series::copyAlerts(task, row, offsets);
 }
 
@@ -145,7 +147,7 @@ void removeFuture(const TaskPtr &task, bool isDeleteTasks, OptionalDate endOfRul
     for (const TaskPtr &row : future) {
         if (isDeleteTasks)
             mainContext().deleteObject(row);
-        else if (row != task)
+        else
             keepAsDone(*task, *row, endOfRule, offsets);
     }
     if (isDeleteTasks && earlier.size() == 1) {
@@ -168,7 +170,6 @@ void removeOne(const TaskPtr &task, bool isDeleteTasks)
 void removeOccurrences(const TaskPtr &task, Span span, bool isDeleteTasks)
 {
     const OccurrenceDays days(*task);
-    const QString identifier = task->calendarID();
     const bool isFuture = span == Span::FutureTasks;
     OptionalDate endOfRule;
     for (const EKEvent &event : occurrencesOf(*task)) {
@@ -177,7 +178,7 @@ void removeOccurrences(const TaskPtr &task, Span span, bool isDeleteTasks)
         if (event.hasRecurrenceRules() && event.recurrenceRules.front().recurrenceEnd())
             endOfRule = event.recurrenceRules.front().recurrenceEnd()->endDate();
         if (removeFromStore(event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent))
-            endSeriesOfOne(identifier);
+            endSeriesOfOne(*task);
         break;
     }
     if (isFuture)

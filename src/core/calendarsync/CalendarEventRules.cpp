@@ -57,10 +57,23 @@ EKRecurrenceRule fittedTo(Date base, const EKRecurrenceRule &rule)
     return fitted;
 }
 
+/// Whether the row still has the event's rule, one that ends after a number of times. A row cannot say this
+/// end otherwise, and the number of what is left is known only where the series is divided.
+bool keepsCount(const EKEvent &event, const EntityTask &task)
+{
+    if (event.recurrenceRules.size() != 1 || task.endRepeat())
+        return false;
+    const EKRecurrenceRule &rule = event.recurrenceRules.front();
+    const auto end = rule.recurrenceEnd();
+    return end && end->occurrenceCount() > 0 && rule.stringForICalendar() == task.repeat();
+}
+
 } // namespace
 
 void CalendarEvent::setRecurrenceRuleFromEvent(EKEvent &event, EntityTask &task)
 {
+    if (keepsCount(event, task))
+        return;
     if (const OptionalDate end = endOfRule(task))
         task.setEndRepeat(end);
     auto rule = ruleOf(task);

@@ -26,9 +26,7 @@ OptionalDate dateOf(const EntityTask &task)
 /// The event of a row that stands alone: its only one, or of several that of a day.
 EKEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
 {
-    std::vector<EKEvent> events;
-    if (!task.calendarID().isEmpty())
-        events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const std::vector<EKEvent> events = series::eventsOf(task);
     std::optional<EKEvent> found;
     if (events.size() == 1)
         found = events.front();
@@ -39,9 +37,7 @@ EKEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
 
 EKEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
 {
-    std::vector<EKEvent> events;
-    if (!task.calendarID().isEmpty())
-        events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const std::vector<EKEvent> events = series::eventsOf(task);
     const auto found = CalendarEvent::eventByStartDateOfTask(formerDate, events);
     return found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore());
 }
@@ -50,12 +46,13 @@ EKEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
 bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
 {
     EKEventStore &store = CalendarEvent::eventStore();
+    const std::vector<EKAlarm> wanted = event.alarms;
     if (const auto error = store.saveEvent(event, storeSpan(span), true)) {
         Log::line(error->message);
         return false;
     }
     task.setCalendarID(event.calendarItemExternalIdentifier);
-    if (event.hasAlarms() && !task.alert()) {
+    if (event.hasAlarms() && !task.alert() && event.alarms != wanted) {
         event.alarms.clear();
         if (const auto error = store.saveEvent(event, storeSpan(span), true))
             Log::line(error->message);
@@ -85,6 +82,11 @@ void deleteRowsFrom(OptionalDate date, const QString &calendarID, const EntityTa
     }
 }
 
+bool canReadEvents()
+{
+    return CalendarEvent::eventsForCalendars(CalendarEvent::getAllAccessCalendars()).has_value();
+}
+
 TaskPtr shared(EntityTask &task)
 {
     return std::static_pointer_cast<EntityTask>(task.shared_from_this());
@@ -109,8 +111,11 @@ void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
     if (span == Span::FutureTasks)
         CalendarEvent::setRecurrenceRuleFromEvent(event, task);
     CalendarEvent::syncTask(task, event);
-    saveEventOf(task, event, span);
-    if (span == Span::ThisTask)
+    if (!saveEventOf(task, event, span) || span == Span::ThisTask)
+        return;
+    // Rows go only where the store can give them anew, and it can fall silent at any time.
+    const auto held = CalendarEvent::eventStore().holdContents();
+    if (!canReadEvents())
         return;
     deleteRowsFrom(formerDate, formerIdentifier, task);
     rebuildSeries(task);

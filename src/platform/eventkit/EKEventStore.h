@@ -84,6 +84,8 @@ public:
     Result<std::vector<EKEvent>> calendarItemsWithExternalIdentifier(const QString &externalIdentifier) const;
     /// The first of these; absent if there is none.
     Result<std::optional<EKEvent>> eventWithIdentifier(const QString &identifier) const;
+    /// Whether a saved event has no other occurrence, however far away. Of the event as it was read.
+    static bool isOnlyOccurrence(const EKEvent &event);
 
     /// Saves a new or changed event, which then is as the store has it. Of a series with the span ThisEvent
     /// only that occurrence, which is detached from the rule; recurrence rules are then not looked at. With
