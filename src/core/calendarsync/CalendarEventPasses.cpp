@@ -54,7 +54,11 @@ private:
             row = rows.rowOf(event);
         if (row && isOff(*row, event))
             row = nullptr;
-        claim(row ? row : newRow(event, nullptr), event);
+        if (!row)
+            row = newRow(event, nullptr);
+        claim(row, event);
+        // Else an edit of the row would bring back a repetition that has ended.
+        takeRule(event, *row);
     }
     void takeSeries(const std::vector<EKEvent> &group)
     {
