@@ -52,6 +52,8 @@ bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
         return false;
     }
     task.setCalendarID(event.calendarItemExternalIdentifier);
+    if (task.alert() || task.secondAlert())
+        calendarstore::state().hiddenAlarms.erase(task.calendarID());
     if (event.hasAlarms() && !task.alert() && event.alarms != wanted) {
         event.alarms.clear();
         if (const auto error = store.saveEvent(event, storeSpan(span), true))
