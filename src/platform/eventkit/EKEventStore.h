@@ -73,6 +73,9 @@ public:
     /// at once, whatever `commit` says.
     OptionalError saveCalendar(EKCalendar &calendar, bool commit);
     OptionalError removeCalendar(const EKCalendar &calendar, bool commit);
+    /// Moves everything to another calendar, or nothing: Invalid if an object cannot be read, or is there
+    /// already.
+    OptionalError moveContents(const EKCalendar &from, const EKCalendar &to, bool commit);
 
     /// Without calendars: all. Calendars that do not exist are not looked at.
     EKEventPredicate
