@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventDates.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
@@ -58,8 +59,9 @@ TaskPtr removeSingle(const TaskPtr &task, bool isDeleteTasks)
     else
         event = CalendarEvent::eventByStartDateOfTask(task->startDate() ? task->startDate() : task->dueDate(),
                                                       events);
+    // An occurrence that was edited alone stands in its series still, of which the rest stays.
     if (event)
-        removeFromStore(*event, EKSpan::FutureEvents);
+        removeFromStore(*event, event->hasRecurrenceRules() ? EKSpan::ThisEvent : EKSpan::FutureEvents);
     if (!isDeleteTasks)
         return replaceRow(task);
     mainContext().deleteObject(task);
@@ -120,7 +122,14 @@ void endSeriesOfOne(const EntityTask &task)
         return;
     left.front().recurrenceRules.clear();
     if (const auto error = CalendarEvent::eventStore().saveEvent(left.front(), EKSpan::FutureEvents, true))
-        Log::line(error->message);
+        return Log::line(error->message);
+    // Nor is its row one of a series, which an edit would begin again.
+    for (const TaskPtr &row : series::otherRows(task)) {
+        if (!eventdates::areShownBy(*row, left.front()))
+            continue;
+        row->setRepeat(QString());
+        row->setEndRepeat(std::nullopt);
+    }
 }
 
 void keepAsDone(const EntityTask &task, EntityTask &row, OptionalDate endOfRule,

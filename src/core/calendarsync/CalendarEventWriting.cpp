@@ -66,7 +66,8 @@ void writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
 {
     EKEvent event = eventOfSingle(task, formerDate);
     CalendarEvent::syncTask(task, event);
-    if (saveEventOf(task, event, span))
+    // An occurrence that was edited alone stands in its series still, which the next edit leaves alone too.
+    if (saveEventOf(task, event, event.hasRecurrenceRules() ? Span::ThisTask : span))
         CalendarEvent::setEventToDictionaryChangedEventsOfNow(event);
 }
 

@@ -1,6 +1,7 @@
 #include "calendarsync/PassRows.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventDates.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/EventMatching.h"
 
@@ -104,9 +105,14 @@ TaskPtr PassRows::rowOf(const EKEvent &event) const
     std::stable_sort(candidates.begin(), candidates.end(), [](const TaskPtr &one, const TaskPtr &other) {
         return one->dueDate() < other->dueDate();
     });
-    if (const TaskPtr own = matching::rowOf(event, ofCalendarItem(candidates, event)))
-        return own;
-    return matching::rowOf(event, candidates);
+    // Who has exactly what the event gives comes first, so that none goes away empty-handed.
+    const Rows own = ofCalendarItem(candidates, event);
+    const auto exact = std::find_if(
+        own.begin(), own.end(), [&event](const TaskPtr &row) { return eventdates::areShownBy(*row, event); });
+    if (exact != own.end())
+        return *exact;
+    const TaskPtr near = matching::rowOf(event, own);
+    return near ? near : matching::rowOf(event, candidates);
 }
 
 TaskPtr PassRows::firstOf(const EKEvent &event) const

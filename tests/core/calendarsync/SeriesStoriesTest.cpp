@@ -135,6 +135,24 @@ TEST_F(SeriesStories, OccurrencesMovedHereStayInTheirSeries)
     expectSettled();
 }
 
+TEST_F(SeriesStories, OccurrencesThatWereEditedAloneAreEditedAndDeletedAlone)
+{
+    pass();
+    const TaskPtr row = rows().at(2);
+    editSeries(row, Span::ThisTask, [](MVTask &task) { task.title = u"Alone"_qs; });
+    MVTask again(row);
+    again.title = u"Still alone"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(again, true));
+    EXPECT_EQ(calendar().filter(u"Standup"_qs).size(), 5);
+    EXPECT_TRUE(calendar().contains(u"11-22 09:00 Still alone"_qs));
+    const ScriptedAlerts alerts({Alert::firstButton});
+    TaskManager::deleteTasks({row}, {});
+    EXPECT_EQ(calendar().size(), 5);
+    pass();
+    EXPECT_THAT(rows(), SizeIs(5));
+    expectSettled();
+}
+
 TEST_F(SeriesStories, AnEndAfterSomeTimesOutlivesEditsOfTheRest)
 {
     pass();
