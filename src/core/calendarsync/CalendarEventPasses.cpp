@@ -8,6 +8,8 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
+#include <algorithm>
+
 // A pass from the calendars to the rows: the calendars are right about what they hold.
 
 namespace {
@@ -130,6 +132,15 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
     });
 }
 
+/// Whether an object that cannot be read names the item: it is damaged, not gone.
+bool isNamedIn(const std::vector<QByteArray> &texts, const QString &calendarItem)
+{
+    const QByteArray name = calendarItem.toUtf8();
+    return std::any_of(texts.begin(), texts.end(), [&name](QByteArray text) {
+        return text.replace("\r\n ", "").replace("\n ", "").contains("UID:" + name);
+    });
+}
+
 rowfate::Decision fateOf(const TaskPtr &row, const TaskPtr &onlyTask, const DateInterval &window)
 {
     rowfate::Facts facts;
@@ -168,9 +179,14 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
         for (const std::vector<EKEvent> &group : getEventsGroupedCalendarIDfromAllEvents(*events))
             pass.take(group);
         const DateInterval seen = window();
+        std::optional<std::vector<QByteArray>> unusable;
         for (const TaskPtr &row : pass.unclaimed()) {
             const rowfate::Decision decision = fateOf(row, task, seen);
             if (decision.fate != rowfate::Fate::Goes)
+                continue;
+            if (!unusable)
+                unusable = eventStore().unusableTexts();
+            if (isNamedIn(*unusable, row->calendarID()))
                 continue;
             Log::line(QStringLiteral("%1: %2").arg(row->title(), QLatin1String(decision.reason)));
             going.push_back(row);

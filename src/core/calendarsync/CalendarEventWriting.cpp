@@ -62,12 +62,39 @@ bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
     return true;
 }
 
+/// Whether one occurrence is to lie on another calendar than its series.
+bool leavesCalendar(const EKEvent &event, const EntityTask &task, Span span)
+{
+    const auto target = CalendarEvent::calendarOfIdentifier(task.typeCalendarID());
+    return span == Span::ThisTask && event.hasRecurrenceRules() && event.calendar && target &&
+           target->calendarIdentifier != event.calendar->calendarIdentifier;
+}
+
+/// There it becomes an event of its own, and its series goes without it.
+bool moveAlone(EntityTask &task, const EKEvent &occurrence)
+{
+    EKEvent alone = EKEvent::eventWithEventStore(CalendarEvent::eventStore());
+    CalendarEvent::syncTask(task, alone);
+    if (!saveEventOf(task, alone, Span::ThisTask))
+        return false;
+    if (const auto error = CalendarEvent::eventStore().removeEvent(occurrence, EKSpan::ThisEvent, true))
+        Log::line(error->message);
+    return true;
+}
+
+bool write(EntityTask &task, EKEvent &event, Span span)
+{
+    if (leavesCalendar(event, task, span))
+        return moveAlone(task, event);
+    CalendarEvent::syncTask(task, event);
+    return saveEventOf(task, event, span);
+}
+
 void writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
 {
     EKEvent event = eventOfSingle(task, formerDate);
-    CalendarEvent::syncTask(task, event);
     // An occurrence that was edited alone stands in its series still, which the next edit leaves alone too.
-    if (saveEventOf(task, event, event.hasRecurrenceRules() ? Span::ThisTask : span))
+    if (write(task, event, event.hasRecurrenceRules() ? Span::ThisTask : span))
         CalendarEvent::setEventToDictionaryChangedEventsOfNow(event);
 }
 
@@ -113,8 +140,7 @@ void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
     EKEvent event = eventOfOccurrence(task, formerDate);
     if (span == Span::FutureTasks)
         CalendarEvent::setRecurrenceRuleFromEvent(event, task);
-    CalendarEvent::syncTask(task, event);
-    if (!saveEventOf(task, event, span) || span == Span::ThisTask)
+    if (!write(task, event, span) || span == Span::ThisTask)
         return;
     // Rows go only where the store can give them anew, and it can fall silent at any time.
     const auto held = CalendarEvent::eventStore().holdContents();

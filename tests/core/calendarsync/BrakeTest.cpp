@@ -96,6 +96,30 @@ TEST_F(BrakedPasses, TakeNothingFromAStoreThatRefuses)
     EXPECT_THAT(rows(), SizeIs(3));
 }
 
+TEST_F(BrakedPasses, KeepTheRowOfADamagedFile)
+{
+    const QString hour = u"SUMMARY:One\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\n"_qs;
+    write(u"Home"_qs, u"one"_qs, hour);
+    write(u"Home"_qs, u"two"_qs, hour);
+    pass();
+    const TaskPtr row = rows().at(0)->calendarID() == u"one"_qs ? rows().at(0) : rows().at(1);
+    row->setPriority(0);
+    write(u"Home"_qs, u"one"_qs, hour + u"BEGIN:VALARM\n"_qs);
+    const auto damaged = files(u"Home"_qs);
+    QFile::remove(folderOf(u"Home"_qs) + u"/two.ics"_qs);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        pass();
+    }
+    ASSERT_EQ(rows(), std::vector<TaskPtr>{row}) << "what is gone goes, what cannot be read stays";
+    EXPECT_EQ(files(u"Home"_qs).value(u"one.ics"_qs), damaged.value(u"one.ics"_qs));
+    write(u"Home"_qs, u"one"_qs, hour);
+    pass();
+    ASSERT_EQ(rows(), std::vector<TaskPtr>{row});
+    EXPECT_EQ(row->priority(), 0);
+    expectSettled();
+}
+
 TEST_F(BrakedPasses, ARefusedEditOfASeriesKeepsItsRows)
 {
     UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 2);

@@ -224,6 +224,27 @@ TEST_F(SeriesStories, DeletingTheRestOrAllOfIt)
     EXPECT_THAT(rows(), IsEmpty());
 }
 
+TEST_F(SeriesStories, OneOccurrenceGoesToAnotherCalendarAlone)
+{
+    pass();
+    editSeries(rows().at(2), Span::ThisTask, [](MVTask &task) { task.typeCalendarID = u"Work"_qs; });
+    EXPECT_TRUE(
+        files(u"Home"_qs).value(u"standup.ics"_qs).contains(u"EXDATE;TZID=Europe/Berlin:20261122T0900"_qs));
+    ASSERT_THAT(files(u"Work"_qs), SizeIs(1));
+    EXPECT_FALSE(files(u"Work"_qs).first().contains(u"RRULE:FREQ=DAILY"_qs));
+    EXPECT_THAT(calendar(), SizeIs(6));
+    pass();
+    EXPECT_THAT(rows(), SizeIs(6));
+    EXPECT_EQ(rows().at(2)->typeCalendarID(), u"Work"_qs);
+    EXPECT_EQ(rows().at(3)->typeCalendarID(), u"Home"_qs);
+    expectSettled();
+    // With all later ones it takes them along.
+    editSeries(rows().at(3), Span::FutureTasks, [](MVTask &task) { task.typeCalendarID = u"Work"_qs; });
+    pass();
+    EXPECT_THAT(calendar(), SizeIs(6));
+    expectSettled();
+}
+
 TEST_F(SeriesStories, CopiesInTwoCalendarsAreEditedEachOnItsOwn)
 {
     write(u"Work"_qs, u"standup"_qs,
