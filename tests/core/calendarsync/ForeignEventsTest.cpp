@@ -110,6 +110,45 @@ TEST_F(ForeignEvents, KeepTheirPlaceAsItIsWritten)
         << "nobody said that it lies at zero degrees";
 }
 
+TEST_F(ForeignEvents, KeepZonesOfTheirOwnAndEditedOccurrences)
+{
+    const QString text =
+        u"BEGIN:VCALENDAR\nVERSION:2.0\nPRODID:-//other//EN\nX-WR-CALNAME:Team\nBEGIN:VTIMEZONE\n"
+        u"TZID:W. Europe Standard Time\nBEGIN:STANDARD\nDTSTART:16010101T030000\nTZOFFSETFROM:+0200\n"
+        u"TZOFFSETTO:+0100\nRRULE:FREQ=YEARLY;BYDAY=-1SU;BYMONTH=10\nEND:STANDARD\nBEGIN:DAYLIGHT\n"
+        u"DTSTART:16010101T020000\nTZOFFSETFROM:+0100\nTZOFFSETTO:+0200\n"
+        u"RRULE:FREQ=YEARLY;BYDAY=-1SU;BYMONTH=3\nEND:DAYLIGHT\nEND:VTIMEZONE\nBEGIN:VEVENT\nUID:odd\n"
+        u"DTSTAMP:20261101T000000Z\nSUMMARY;LANGUAGE=de:Old\n"
+        u"DTSTART;TZID=\"W. Europe Standard Time\":20261123T090000\n"
+        u"DTEND;TZID=\"W. Europe Standard Time\":20261123T100000\n"
+        u"RRULE:FREQ=WEEKLY;UNTIL=20270117T080000Z;INTERVAL=1;BYDAY=MO;WKST=SU\n"
+        u"EXDATE;TZID=\"W. Europe Standard Time\":20261207T090000\n"
+        u"X-ALT-DESC;FMTTYPE=text/html:<b>a\\, b</b>\nDESCRIPTION:Eins\\nZwei\\, und drei mit einer Zeile\\, "
+        u"die\n  umgebrochen ist – ä\nATTACH;FMTTYPE=application/pdf;FILENAME=\"a, "
+        u"b.pdf\":https://example.org/a\n"
+        u"X-APPLE-STRUCTURED-LOCATION;VALUE=URI;X-TITLE=\"A, B\":geo:48.1,11.5\nEND:VEVENT\n"
+        u"BEGIN:VEVENT\nUID:odd\nDTSTAMP:20261101T000000Z\n"
+        u"RECURRENCE-ID;RANGE=THISANDFUTURE;TZID=\"W. Europe Standard Time\":20261214T090000\nSUMMARY:Moved\n"
+        u"DTSTART;TZID=\"W. Europe Standard Time\":20261214T110000\nDURATION:PT1H\nX-ODD:1\nEND:VEVENT\n"
+        u"END:VCALENDAR\n"_qs;
+    QFile file(folderOf(u"Home"_qs) + u"/odd.ics"_qs);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QString(text).replace(u'\n', u"\r\n"_qs).toUtf8());
+    file.close();
+    UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 1);
+    pass();
+    EXPECT_EQ(table(), QStringList({u"11-23 10:00 Old"_qs, u"11-30 10:00 Old"_qs, u"12-14 12:00 Moved"_qs}));
+    editSeries(rows().at(0), Span::FutureTasks, rename);
+    QString expected = text;
+    expected.replace(u"LANGUAGE=de:Old"_qs, u"LANGUAGE=de:New"_qs)
+        .replace(expected.indexOf(u"DTSTAMP:20261101T000000Z"_qs), 24, u"DTSTAMP:20261121T081500Z"_qs)
+        .replace(u"X-TITLE=\"A, B\":geo:48.1,11.5\n"_qs,
+                 u"X-TITLE=\"A, B\":geo:48.1,11.5\nLAST-MODIFIED:20261121T081500Z\n"_qs);
+    EXPECT_EQ(files(u"Home"_qs).first().remove(u'\r'), expected);
+    pass();
+    expectSettled();
+}
+
 TEST_F(ForeignEvents, KeepTheirRule)
 {
     const QStringList rules = {u"FREQ=WEEKLY;INTERVAL=2;WKST=SU;BYDAY=TU,SU;COUNT=20"_qs,
