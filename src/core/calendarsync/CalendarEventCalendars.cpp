@@ -40,21 +40,20 @@ bool isChosen(const EKCalendar &calendar)
                        [&](const EKCalendar &one) { return isSameCalendar(one, calendar); });
 }
 
-/// Of calendars with the program's own title the first takes the events of the others.
+/// Of calendars with the program's own title the first takes what the others hold. One that holds what cannot
+/// be moved stays, with all of it.
 void removeDuplicateCalendars(const std::vector<EKCalendar> &calendars)
 {
     EKEventStore &store = CalendarEvent::eventStore();
     for (size_t place = 1; place < calendars.size(); ++place) {
-        for (EKEvent &event :
-             CalendarEvent::eventsForCalendars({calendars[place]}).value_or(std::vector<EKEvent>())) {
-            event.calendar = calendars.front();
-            if (const auto error = store.saveEvent(event, EKSpan::FutureEvents, false))
-                Log::line(error->message);
-        }
-        if (const auto error = store.removeCalendar(calendars[place], false))
+        auto error = store.moveContents(calendars[place], calendars.front(), false);
+        if (!error)
+            error = store.removeCalendar(calendars[place], false);
+        if (error)
             Log::line(QStringLiteral("removing calendar %1: %2").arg(calendars[place].title, error->message));
     }
-    store.commit();
+    if (const auto error = store.commit())
+        Log::line(error->message);
     state().calendars.reset();
 }
 

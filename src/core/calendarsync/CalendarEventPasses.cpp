@@ -8,7 +8,7 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
-#include <unordered_set>
+#include <algorithm>
 
 // A pass from the calendars to the rows: the calendars are right about what they hold.
 
@@ -17,10 +17,10 @@ namespace {
 bool isOff(const EntityTask &row, const EKEvent &event)
 {
     // A row that may not be changed and has another title is not trusted to be the event's.
-    return !row.allowsContentModifications().value_or(true) && row.title() != event.title;
+    return !row.allowsContentModifications().value_or(true) && row.title() != event.title.trimmed();
 }
 
-/// One pass; it keeps which rows an event has claimed.
+/// One pass.
 class Pass
 {
 public:
@@ -35,16 +35,8 @@ public:
         else
             takeSeries(group);
     }
-    std::vector<TaskPtr> unclaimed() const
-    {
-        std::vector<TaskPtr> left;
-        for (const TaskPtr &row : rows.linked()) {
-            if (!claimed.contains(row.get()) && row->context() && !row->isDeleted())
-                left.push_back(row);
-        }
-        return left;
-    }
-    size_t linkedCount() const { return rows.linked().size(); }
+    std::vector<TaskPtr> unclaimed() const { return rows.unclaimed(); }
+    size_t linkedCount() const { return rows.linkedCount(); }
 
 private:
     void claim(const TaskPtr &row, const EKEvent &event)
@@ -55,16 +47,20 @@ private:
         CalendarEvent::syncEvent(event, *row);
         if (title != row->title() || item != row->calendarID())
             rows.note(row);
-        claimed.insert(row.get());
+        rows.claim(row);
     }
     void takeSingle(const EKEvent &event)
     {
-        TaskPtr row = rows.firstOfCalendarItem(event.calendarItemExternalIdentifier);
+        TaskPtr row = rows.firstOf(event);
         if (!row || isOff(*row, event))
             row = rows.rowOf(event);
         if (row && isOff(*row, event))
             row = nullptr;
-        claim(row ? row : newRow(event, nullptr), event);
+        if (!row)
+            row = newRow(event, nullptr);
+        claim(row, event);
+        // Else an edit of the row would bring back a repetition that has ended.
+        takeRule(event, *row);
     }
     void takeSeries(const std::vector<EKEvent> &group)
     {
@@ -84,13 +80,16 @@ private:
     }
     static void takeRule(const EKEvent &event, EntityTask &row)
     {
-        if (!event.hasRecurrenceRules())
-            row.setRepeat(QString());
+        QString repeat;
+        // An end that was taken off the series must not come back with the next edit of the row.
+        OptionalDate end;
         for (const EKRecurrenceRule &rule : event.recurrenceRules) {
-            row.setRepeat(rule.stringForICalendar());
+            repeat = rule.stringForICalendar();
             if (rule.recurrenceEnd() && rule.recurrenceEnd()->endDate())
-                row.setEndRepeat(rule.recurrenceEnd()->endDate());
+                end = rule.recurrenceEnd()->endDate();
         }
+        row.setRepeat(repeat);
+        row.setEndRepeat(end);
     }
     /// What only the organiser knows comes from a row of the same title, if there is one.
     static TaskPtr newRow(const EKEvent &event, const TaskPtr &model)
@@ -118,7 +117,6 @@ private:
     }
 
     PassRows rows;
-    std::unordered_set<const EntityTask *> claimed;
 };
 
 bool hasItemOutside(const EntityTask &row, const DateInterval &window)
@@ -131,6 +129,15 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
         return true;
     return std::any_of(items.value().begin(), items.value().end(), [&window](const EKEvent &item) {
         return item.startDate && (*item.startDate < window.start || *item.startDate > window.end);
+    });
+}
+
+/// Whether an object that cannot be read names the item: it is damaged, not gone.
+bool isNamedIn(const std::vector<QByteArray> &texts, const QString &calendarItem)
+{
+    const QByteArray name = calendarItem.toUtf8();
+    return std::any_of(texts.begin(), texts.end(), [&name](QByteArray text) {
+        return text.replace("\r\n ", "").replace("\n ", "").contains("UID:" + name);
     });
 }
 
@@ -172,9 +179,14 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
         for (const std::vector<EKEvent> &group : getEventsGroupedCalendarIDfromAllEvents(*events))
             pass.take(group);
         const DateInterval seen = window();
+        std::optional<std::vector<QByteArray>> unusable;
         for (const TaskPtr &row : pass.unclaimed()) {
             const rowfate::Decision decision = fateOf(row, task, seen);
             if (decision.fate != rowfate::Fate::Goes)
+                continue;
+            if (!unusable)
+                unusable = eventStore().unusableTexts();
+            if (isNamedIn(*unusable, row->calendarID()))
                 continue;
             Log::line(QStringLiteral("%1: %2").arg(row->title(), QLatin1String(decision.reason)));
             going.push_back(row);
@@ -182,8 +194,11 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
         linkedCount = pass.linkedCount();
         eventCount = events->size();
     }
-    if (!task && !passbrake::mayDelete(going, linkedCount, eventCount))
+    if (!task && !passbrake::mayDelete(going.size(), linkedCount, eventCount))
         return;
-    for (const TaskPtr &row : going)
-        mainContext().deleteObject(row);
+    for (const TaskPtr &row : going) {
+        // A question to the user takes its time.
+        if (row->context() && !row->isDeleted())
+            mainContext().deleteObject(row);
+    }
 }

@@ -1,7 +1,9 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/PassBrake.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/SettingsKeys.h"
 
@@ -78,29 +80,50 @@ void followRename(const QString &formerTitle, const QString &title)
         defaults.setObject(settings::defaultCalendar, title);
 }
 
-/// Whether something changed since the titles were last written down.
-bool followCalendars(const std::vector<EKCalendar> &calendars)
+/// Whether the tasks of a calendar that has gone may go.
+bool mayRemoveTasksOf(const QString &formerTitle)
 {
-    const QVariantMap known = UserDefaults::standard().object(settings::dictionaryCalendarsData).toMap();
+    const auto countOf = [](const Predicate &predicate) {
+        return static_cast<size_t>(
+            mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(predicate)).size());
+    };
+    return passbrake::mayDeleteRowsOfCalendar(countOf(Predicate::format("typeCalendarID == %@", formerTitle)),
+                                              countOf(Predicate::format("calendarID != nil")));
+}
+
+/// What became of the calendars since their titles were last written down.
+struct Followed
+{
     bool isChanged = false;
+    /// Gone, but the user keeps their tasks; by identifier.
+    QVariantMap missed;
+};
+
+Followed followCalendars(const std::vector<EKCalendar> &calendars, const QVariantMap &known)
+{
+    Followed followed;
     for (auto entry = known.begin(); entry != known.end(); ++entry) {
-        if (entry.key().isEmpty())
-            continue;
         const QString formerTitle = entry.value().toString();
+        // Tasks without a calendar have an empty title there.
+        if (entry.key().isEmpty() || formerTitle.isEmpty())
+            continue;
         const EKCalendar *calendar = find(calendars, entry.key());
-        if (!calendar) {
+        if (!calendar && !mayRemoveTasksOf(formerTitle)) {
+            followed.missed.insert(entry.key(), formerTitle);
+        } else if (!calendar) {
             DBWorker::removeAllTasksByCalendarIdentifier(formerTitle);
-            isChanged = true;
-        } else if (!formerTitle.isEmpty() && !calendar->title.isEmpty() && calendar->title != formerTitle) {
+            followed.isChanged = true;
+        } else if (!calendar->title.isEmpty() && calendar->title != formerTitle) {
             followRename(formerTitle, calendar->title);
-            isChanged = true;
+            followed.isChanged = true;
         }
     }
-    return isChanged;
+    return followed;
 }
 
 /// Of a renamed calendar the former name stands in the old text.
-void rebuildChosen(const std::vector<EKCalendar> &calendars, const QVariantMap &formerTitles)
+void rebuildChosen(const std::vector<EKCalendar> &calendars, const QVariantMap &formerTitles,
+                   const QVariantMap &missed)
 {
     UserDefaults &defaults = UserDefaults::standard();
     const QString former = defaults.string(settings::savedChooseCalendars);
@@ -115,6 +138,10 @@ void rebuildChosen(const std::vector<EKCalendar> &calendars, const QVariantMap &
             !formerTitle.isEmpty() && formerReferences.contains(CalendarEvent::identifierOfCalendar(before));
         if (former.contains(reference) || wasChosen)
             chosen.append(reference);
+    }
+    for (const QVariant &title : missed) {
+        if (formerReferences.contains(title.toString()))
+            chosen.append(title.toString());
     }
     defaults.setObject(settings::savedChooseCalendars, chosen.join(separator));
 }
@@ -136,12 +163,12 @@ void CalendarEvent::handleChangedCalendars()
         return Log::line(QStringLiteral("All calendars are gone; their tasks are kept."));
     keepTitlesApart();
     const std::vector<EKCalendar> calendars = getAllCalendars();
-    const bool isChanged = followCalendars(calendars);
-    QVariantMap titles;
+    const Followed followed = followCalendars(calendars, formerTitles);
+    QVariantMap titles = followed.missed;
     for (const EKCalendar &one : calendars)
         titles.insert(one.calendarIdentifier, one.title);
     defaults.setObject(settings::dictionaryCalendarsData, titles);
-    if (isChanged)
-        rebuildChosen(calendars, formerTitles);
+    if (followed.isChanged)
+        rebuildChosen(calendars, formerTitles, followed.missed);
     defaults.synchronize();
 }

@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventDates.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
@@ -11,8 +12,6 @@
 // Taking tasks out of the calendars.
 
 namespace {
-
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
 
 TaskPtr leftOf(const TaskPtr &task)
 {
@@ -53,15 +52,16 @@ TaskPtr replaceRow(const TaskPtr &task)
 
 TaskPtr removeSingle(const TaskPtr &task, bool isDeleteTasks)
 {
-    const std::vector<EKEvent> events = CalendarEvent::eventsWithExternalIdentifier(task->calendarID());
+    const std::vector<EKEvent> events = series::eventsOf(*task);
     std::optional<EKEvent> event;
     if (events.size() == 1)
         event = events.front();
     else
         event = CalendarEvent::eventByStartDateOfTask(task->startDate() ? task->startDate() : task->dueDate(),
                                                       events);
+    // An occurrence that was edited alone stands in its series still, of which the rest stays.
     if (event)
-        removeFromStore(*event, EKSpan::FutureEvents);
+        removeFromStore(*event, event->hasRecurrenceRules() ? EKSpan::ThisEvent : EKSpan::FutureEvents);
     if (!isDeleteTasks)
         return replaceRow(task);
     mainContext().deleteObject(task);
@@ -100,24 +100,36 @@ struct OccurrenceDays
 
 std::vector<EKEvent> occurrencesOf(const EntityTask &task)
 {
-    const std::vector<EKEvent> known = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const std::vector<EKEvent> known = series::eventsOf(task);
     std::vector<EKEvent> dated;
     for (const EKEvent &one : known) {
-        if (one.startDate && one.endDate)
+        // Another calendar can have a copy of the series.
+        const bool isOfFirst = one.calendar && known.front().calendar &&
+                               one.calendar->calendarIdentifier == known.front().calendar->calendarIdentifier;
+        if (isOfFirst && one.startDate && one.endDate)
             dated.push_back(one);
     }
     return dated;
 }
 
 /// A series of which one event is left is none.
-void endSeriesOfOne(const QString &identifier)
+void endSeriesOfOne(const EntityTask &task)
 {
-    std::vector<EKEvent> left = CalendarEvent::eventsWithExternalIdentifier(identifier);
-    if (left.size() != 1 || !left.front().hasRecurrenceRules())
+    std::vector<EKEvent> left = series::eventsOf(task);
+    // The window shows one of a yearly series too.
+    if (left.size() != 1 || !left.front().hasRecurrenceRules() ||
+        !CalendarEvent::eventStore().isOnlyOccurrence(left.front()))
         return;
     left.front().recurrenceRules.clear();
     if (const auto error = CalendarEvent::eventStore().saveEvent(left.front(), EKSpan::FutureEvents, true))
-        Log::line(error->message);
+        return Log::line(error->message);
+    // Nor is its row one of a series, which an edit would begin again.
+    for (const TaskPtr &row : series::otherRows(task)) {
+        if (!eventdates::areShownBy(*row, left.front()))
+            continue;
+        row->setRepeat(QString());
+        row->setEndRepeat(std::nullopt);
+    }
 }
 
 void keepAsDone(const EntityTask &task, EntityTask &row, OptionalDate endOfRule,
@@ -127,8 +139,7 @@ void keepAsDone(const EntityTask &task, EntityTask &row, OptionalDate endOfRule,
     row.setTitle(task.title());
     row.setDetails(task.details());
     row.setEndRepeat(endOfRule);
-    if (task.status() == doneStatus)
-        row.setExpirationDate(MVDate::date());
+    row.setExpirationDate(MVDate::date());
     series::copyAlerts(task, row, offsets);
 }
 
@@ -145,7 +156,7 @@ void removeFuture(const TaskPtr &task, bool isDeleteTasks, OptionalDate endOfRul
     for (const TaskPtr &row : future) {
         if (isDeleteTasks)
             mainContext().deleteObject(row);
-        else if (row != task)
+        else
             keepAsDone(*task, *row, endOfRule, offsets);
     }
     if (isDeleteTasks && earlier.size() == 1) {
@@ -168,7 +179,6 @@ void removeOne(const TaskPtr &task, bool isDeleteTasks)
 void removeOccurrences(const TaskPtr &task, Span span, bool isDeleteTasks)
 {
     const OccurrenceDays days(*task);
-    const QString identifier = task->calendarID();
     const bool isFuture = span == Span::FutureTasks;
     OptionalDate endOfRule;
     for (const EKEvent &event : occurrencesOf(*task)) {
@@ -177,7 +187,7 @@ void removeOccurrences(const TaskPtr &task, Span span, bool isDeleteTasks)
         if (event.hasRecurrenceRules() && event.recurrenceRules.front().recurrenceEnd())
             endOfRule = event.recurrenceRules.front().recurrenceEnd()->endDate();
         if (removeFromStore(event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent))
-            endSeriesOfOne(identifier);
+            endSeriesOfOne(*task);
         break;
     }
     if (isFuture)

@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventDates.h"
 #include "eventkit/EKEvent.h"
 #include "records/dates/MTDates.h"
 
@@ -57,10 +58,25 @@ EKRecurrenceRule fittedTo(Date base, const EKRecurrenceRule &rule)
     return fitted;
 }
 
+/// Whether an edit left the event's rule alone. It stays as it is then, with what a row cannot say of it: an
+/// end after a number of times, or on what day its weeks begin.
+bool keepsRule(const EKEvent &event, const EntityTask &task)
+{
+    if (event.recurrenceRules.empty() || event.recurrenceRules.back().stringForICalendar() != task.repeat())
+        return false;
+    const auto end = event.recurrenceRules.back().recurrenceEnd();
+    // How many occurrences are left is known only where the series is divided.
+    if (end && end->occurrenceCount() > 0)
+        return !task.endRepeat();
+    return eventdates::areShownBy(task, event) && task.endRepeat() == (end ? end->endDate() : std::nullopt);
+}
+
 } // namespace
 
 void CalendarEvent::setRecurrenceRuleFromEvent(EKEvent &event, EntityTask &task)
 {
+    if (keepsRule(event, task))
+        return;
     if (const OptionalDate end = endOfRule(task))
         task.setEndRepeat(end);
     auto rule = ruleOf(task);

@@ -26,9 +26,7 @@ OptionalDate dateOf(const EntityTask &task)
 /// The event of a row that stands alone: its only one, or of several that of a day.
 EKEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
 {
-    std::vector<EKEvent> events;
-    if (!task.calendarID().isEmpty())
-        events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const std::vector<EKEvent> events = series::eventsOf(task);
     std::optional<EKEvent> found;
     if (events.size() == 1)
         found = events.front();
@@ -39,9 +37,7 @@ EKEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
 
 EKEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
 {
-    std::vector<EKEvent> events;
-    if (!task.calendarID().isEmpty())
-        events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const std::vector<EKEvent> events = series::eventsOf(task);
     const auto found = CalendarEvent::eventByStartDateOfTask(formerDate, events);
     return found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore());
 }
@@ -50,12 +46,15 @@ EKEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
 bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
 {
     EKEventStore &store = CalendarEvent::eventStore();
+    const std::vector<EKAlarm> wanted = event.alarms;
     if (const auto error = store.saveEvent(event, storeSpan(span), true)) {
         Log::line(error->message);
         return false;
     }
     task.setCalendarID(event.calendarItemExternalIdentifier);
-    if (event.hasAlarms() && !task.alert()) {
+    if (task.alert() || task.secondAlert())
+        calendarstore::state().hiddenAlarms.erase(task.calendarID());
+    if (event.hasAlarms() && !task.alert() && event.alarms != wanted) {
         event.alarms.clear();
         if (const auto error = store.saveEvent(event, storeSpan(span), true))
             Log::line(error->message);
@@ -63,11 +62,39 @@ bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
     return true;
 }
 
+/// Whether one occurrence is to lie on another calendar than its series.
+bool leavesCalendar(const EKEvent &event, const EntityTask &task, Span span)
+{
+    const auto target = CalendarEvent::calendarOfIdentifier(task.typeCalendarID());
+    return span == Span::ThisTask && event.hasRecurrenceRules() && event.calendar && target &&
+           target->calendarIdentifier != event.calendar->calendarIdentifier;
+}
+
+/// There it becomes an event of its own, and its series goes without it.
+bool moveAlone(EntityTask &task, const EKEvent &occurrence)
+{
+    EKEvent alone = EKEvent::eventWithEventStore(CalendarEvent::eventStore());
+    CalendarEvent::syncTask(task, alone);
+    if (!saveEventOf(task, alone, Span::ThisTask))
+        return false;
+    if (const auto error = CalendarEvent::eventStore().removeEvent(occurrence, EKSpan::ThisEvent, true))
+        Log::line(error->message);
+    return true;
+}
+
+bool write(EntityTask &task, EKEvent &event, Span span)
+{
+    if (leavesCalendar(event, task, span))
+        return moveAlone(task, event);
+    CalendarEvent::syncTask(task, event);
+    return saveEventOf(task, event, span);
+}
+
 void writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
 {
     EKEvent event = eventOfSingle(task, formerDate);
-    CalendarEvent::syncTask(task, event);
-    if (saveEventOf(task, event, span))
+    // An occurrence that was edited alone stands in its series still, which the next edit leaves alone too.
+    if (write(task, event, event.hasRecurrenceRules() ? Span::ThisTask : span))
         CalendarEvent::setEventToDictionaryChangedEventsOfNow(event);
 }
 
@@ -83,6 +110,11 @@ void deleteRowsFrom(OptionalDate date, const QString &calendarID, const EntityTa
         if (isFromThenOn && row.get() != &kept)
             mainContext().deleteObject(row);
     }
+}
+
+bool canReadEvents()
+{
+    return CalendarEvent::eventsForCalendars(CalendarEvent::getAllAccessCalendars()).has_value();
 }
 
 TaskPtr shared(EntityTask &task)
@@ -108,9 +140,11 @@ void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
     EKEvent event = eventOfOccurrence(task, formerDate);
     if (span == Span::FutureTasks)
         CalendarEvent::setRecurrenceRuleFromEvent(event, task);
-    CalendarEvent::syncTask(task, event);
-    saveEventOf(task, event, span);
-    if (span == Span::ThisTask)
+    if (!write(task, event, span) || span == Span::ThisTask)
+        return;
+    // Rows go only where the store can give them anew, and it can fall silent at any time.
+    const auto held = CalendarEvent::eventStore().holdContents();
+    if (!canReadEvents())
         return;
     deleteRowsFrom(formerDate, formerIdentifier, task);
     rebuildSeries(task);

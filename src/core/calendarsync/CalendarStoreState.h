@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 /// What `CalendarEvent` keeps while the program runs. For its own source files.
@@ -27,7 +28,10 @@ struct State
     QString banMessage;
     /// Events that this program wrote, by identifier, with the moment of the change.
     std::map<QString, Date> changedEvents;
-    /// Whether the user was asked about a pass that would take away much, and what the answer was.
+    /// External identifiers of moments with alarms that their rows do not show, since a row of a moment has
+    /// no start to count from. An edit of such a row says nothing about them.
+    std::set<QString> hiddenAlarms;
+    /// The user's answer about taking away much, while it holds.
     std::optional<bool> mayRemoveMany;
 };
 

@@ -1,73 +1,62 @@
 #include "calendarsync/CalendarEvent.h"
-#include "records/dates/MTDates.h"
+#include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventDates.h"
+#include "calendarsync/EventPlace.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
-
-#include <algorithm>
-#include <cmath>
 
 // What a row takes of its event. What only the organiser knows stays.
 
 namespace {
 
-constexpr double oneInSixDecimals = 1000000;
-
-double cutToSixDecimals(double degrees)
+/// The first of several alike; what lay at the others lies there from now on.
+std::shared_ptr<EntityLocation> joined(const ObjectList<EntityLocation> &alike)
 {
-    return std::trunc(degrees * oneInSixDecimals) / oneInSixDecimals;
+    const auto kept = alike.at(0);
+    std::vector<std::shared_ptr<EntityLocation>> extras;
+    for (int place = 1; place < alike.size(); ++place)
+        extras.push_back(alike.at(place));
+    for (const auto &extra : extras) {
+        for (const TaskPtr &task : extra->task())
+            task->setLocation(kept);
+        mainContext().deleteObject(extra);
+    }
+    return kept;
 }
 
 std::shared_ptr<EntityLocation> locationOf(const EKStructuredLocation &place)
 {
-    const GeoLocation position = place.geoLocation.value_or(GeoLocation{});
-    const double latitude = cutToSixDecimals(position.latitude);
-    const double longitude = cutToSixDecimals(position.longitude);
-    const auto found = DBWorker::getLocationsByLatitude(latitude, longitude, place.title);
-    if (!found.isEmpty()) {
-        for (int extra = 1; extra < found.size(); ++extra)
-            mainContext().deleteObject(found.at(extra));
-        return found.at(0);
-    }
+    const GeoLocation position = eventplace::positionOf(place);
+    const auto found = DBWorker::getLocationsByLatitude(position.latitude, position.longitude, place.title);
+    if (!found.isEmpty())
+        return joined(found);
     const auto made = mainContext().insert<EntityLocation>();
     made->setTitle(place.title);
-    made->setLatitude(latitude);
-    made->setLongitude(longitude);
+    made->setLatitude(position.latitude);
+    made->setLongitude(position.longitude);
     return made;
 }
 
 void takeDates(const EKEvent &event, EntityTask &task)
 {
-    if (!event.startDate || !event.endDate)
+    const auto taken = eventdates::of(event);
+    if (!taken)
         return;
-    const Date start = *event.startDate;
-    Date end = *event.endDate;
-    TaskType type = start == end ? TaskType::EmailCall : TaskType::Appointment;
-    if (event.allDay) {
-        type = TaskType::ToDo;
-        if (MTDates::secondOfMinute(end) == 0)
-            end = end - Seconds(1);
-    }
-    const bool isOnOneDay = MTDates::isWithinSameDay(start, end);
-    if (!isOnOneDay)
-        type = TaskType::ToDo;
-    task.setType(static_cast<int>(type));
-    if (type == TaskType::EmailCall)
-        task.setStartDate(std::nullopt);
-    else
-        task.setStartDate(isOnOneDay ? start : MTDates::startOfCurrentDay(start));
-    task.setDueDate(end);
+    task.setType(static_cast<int>(taken->type));
+    task.setStartDate(taken->start);
+    task.setDueDate(taken->due);
 }
 
-OptionalDate alertOf(const EKEvent &event, size_t place, const EntityTask &task)
+void takeAlarms(const EKEvent &event, EntityTask &task)
 {
-    if (event.alarms.size() <= place)
-        return std::nullopt;
-    const EKAlarm &alarm = event.alarms[place];
-    if (alarm.absoluteDate())
-        return alarm.absoluteDate();
-    return task.startDate() ? OptionalDate(*task.startDate() + Seconds(alarm.relativeOffset()))
-                            : std::nullopt;
+    task.setAlert(eventdates::momentOfAlarm(event, 0, task));
+    task.setSecondAlert(eventdates::momentOfAlarm(event, 1, task));
+    auto &hidden = calendarstore::state().hiddenAlarms;
+    if (event.hasAlarms() && !task.alert() && !task.secondAlert())
+        hidden.insert(event.calendarItemExternalIdentifier);
+    else
+        hidden.erase(event.calendarItemExternalIdentifier);
 }
 
 void takeCalendar(const EKEvent &event, EntityTask &task)
@@ -96,8 +85,7 @@ void CalendarEvent::syncEvent(const EKEvent &event, EntityTask &toTask)
     toTask.setLocation(hasPlace ? locationOf(*event.structuredLocation) : nullptr);
     toTask.setDetails(event.notes);
     takeDates(event, toTask);
-    toTask.setAlert(alertOf(event, 0, toTask));
-    toTask.setSecondAlert(alertOf(event, 1, toTask));
+    takeAlarms(event, toTask);
     toTask.setDueSomeDay(false);
     takeCalendar(event, toTask);
 }

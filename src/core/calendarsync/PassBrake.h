@@ -1,15 +1,17 @@
 #pragma once
 
-#include "store/entities/Entities.h"
+#include <cstddef>
 
-#include <vector>
-
-/// Keeps a pass from taking away much because a calendar went missing.
+/// Keeps the organiser from taking away much because a calendar went missing. Beyond that the user decides:
+/// who keeps the rows is not asked again until a pass finds nothing unusual or the program starts anew; who
+/// removes them decides about these alone.
 namespace passbrake {
 
-/// Whether so many rows may go: also if there are more than 25 and more than a third of all linked ones, or
-/// if no event is left where there were some at the last pass, provided that the user says so. The user is
-/// asked once while the program runs.
-bool mayDelete(const std::vector<TaskPtr> &rows, size_t linkedCount, size_t eventCount);
+/// Whether a pass may take away so many rows: unasked, unless they are more than 25 and more than a third of
+/// all linked ones, or no event is left where there were some at the last pass.
+bool mayDelete(size_t rowCount, size_t linkedCount, size_t eventCount);
+
+/// The same for the rows of a calendar that has gone.
+bool mayDeleteRowsOfCalendar(size_t rowCount, size_t linkedCount);
 
 } // namespace passbrake

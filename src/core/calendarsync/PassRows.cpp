@@ -1,6 +1,7 @@
 #include "calendarsync/PassRows.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventDates.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/EventMatching.h"
 
@@ -19,6 +20,18 @@ void addOnce(std::vector<TaskPtr> &rows, const TaskPtr &row)
 {
     if (std::find(rows.begin(), rows.end(), row) == rows.end())
         rows.push_back(row);
+}
+
+/// Those that were on the very calendar of an event: several calendars can have the same item.
+std::vector<TaskPtr> ofCalendarItem(std::vector<TaskPtr> rows, const EKEvent &event)
+{
+    const QString reference =
+        event.calendar ? CalendarEvent::identifierOfCalendar(*event.calendar) : QString();
+    std::erase_if(rows, [&](const TaskPtr &row) {
+        return row->calendarID() != event.calendarItemExternalIdentifier ||
+               row->typeCalendarID() != reference;
+    });
+    return rows;
 }
 
 /// The first by start, absent starts before all others.
@@ -76,12 +89,12 @@ void PassRows::note(const TaskPtr &row)
 TaskPtr PassRows::rowOf(const EKEvent &event) const
 {
     Rows candidates;
-    const auto take = [&candidates](const auto &index, const QString &key, const auto &hasStill) {
+    const auto take = [this, &candidates](const auto &index, const QString &key, const auto &hasStill) {
         const auto found = index.find(key);
         if (found == index.end())
             return;
         for (const TaskPtr &row : found->second) {
-            if (isLive(row) && row->status() != doneStatus && hasStill(*row))
+            if (isFree(row) && row->status() != doneStatus && hasStill(*row))
                 candidates.push_back(row);
         }
     };
@@ -92,17 +105,46 @@ TaskPtr PassRows::rowOf(const EKEvent &event) const
     std::stable_sort(candidates.begin(), candidates.end(), [](const TaskPtr &one, const TaskPtr &other) {
         return one->dueDate() < other->dueDate();
     });
-    return matching::rowOf(event, candidates);
+    // Who has exactly what the event gives comes first, so that none goes away empty-handed.
+    const Rows own = ofCalendarItem(candidates, event);
+    const auto exact = std::find_if(
+        own.begin(), own.end(), [&event](const TaskPtr &row) { return eventdates::areShownBy(*row, event); });
+    if (exact != own.end())
+        return *exact;
+    const TaskPtr near = matching::rowOf(event, own);
+    return near ? near : matching::rowOf(event, candidates);
 }
 
-TaskPtr PassRows::firstOfCalendarItem(const QString &identifier) const
+TaskPtr PassRows::firstOf(const EKEvent &event) const
 {
-    const auto found = byItem.find(identifier);
+    const auto found = byItem.find(event.calendarItemExternalIdentifier);
     if (found == byItem.end())
         return nullptr;
-    return firstByStart(found->second, [&](const EntityTask &row) {
-        return row.calendarID() == identifier && isVisible(row);
-    });
+    const auto isMeant = [&](const EntityTask &row) {
+        return row.calendarID() == event.calendarItemExternalIdentifier && isVisible(row);
+    };
+    Rows free = found->second;
+    std::erase_if(free, [this](const TaskPtr &row) { return !isFree(row); });
+    const TaskPtr own = firstByStart(ofCalendarItem(free, event), isMeant);
+    return own ? own : firstByStart(free, isMeant);
+}
+
+void PassRows::claim(const TaskPtr &row)
+{
+    claimed.insert(row.get());
+}
+
+bool PassRows::isFree(const TaskPtr &row) const
+{
+    return isLive(row) && !claimed.contains(row.get());
+}
+
+std::vector<TaskPtr> PassRows::unclaimed() const
+{
+    Rows left;
+    std::copy_if(linkedRows.begin(), linkedRows.end(), std::back_inserter(left),
+                 [this](const TaskPtr &row) { return isFree(row); });
+    return left;
 }
 
 TaskPtr PassRows::firstOfTitle(const QString &title) const

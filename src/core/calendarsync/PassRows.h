@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 /// The rows that a pass can pair with events, read once and kept up to date by it. It answers what the
@@ -16,12 +17,16 @@ public:
     /// All rows that name a calendar item, and the open ones that have the title of an event.
     explicit PassRows(const std::vector<EKEvent> &events);
 
-    /// Every visible row that named a calendar item at the start.
-    const std::vector<TaskPtr> &linked() const { return linkedRows; }
-    /// The row at the times of an event, by title or identifier; null if there is none.
+    /// How many visible rows named a calendar item at the start, and which of them no event has claimed.
+    size_t linkedCount() const { return linkedRows.size(); }
+    std::vector<TaskPtr> unclaimed() const;
+    /// The unclaimed row at the times of an event, by title or identifier; null if there is none.
     TaskPtr rowOf(const EKEvent &event) const;
-    /// The first visible row of an identifier by start, done ones included; null if there is none.
-    TaskPtr firstOfCalendarItem(const QString &identifier) const;
+    /// The first visible unclaimed row of the event's identifier by start, done ones included; null if there
+    /// is none.
+    TaskPtr firstOf(const EKEvent &event) const;
+    /// A row is the event's: in this pass it is no other's.
+    void claim(const TaskPtr &row);
     /// The first visible open row of a title by start; null if there is none.
     TaskPtr firstOfTitle(const QString &title) const;
     /// A row that is new, or has another title or identifier now.
@@ -34,5 +39,7 @@ private:
     std::unordered_map<QString, Rows> byTitle;
     std::unordered_map<QString, Rows> byItem;
     std::vector<QString> visibleCalendars;
+    std::unordered_set<const EntityTask *> claimed;
+    bool isFree(const TaskPtr &row) const;
     bool isVisible(const EntityTask &row) const;
 };

@@ -1,9 +1,12 @@
 #include "calendarsync/SeriesRows.h"
 
+#include "calendarsync/CalendarEvent.h"
 #include "records/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
+
+#include <algorithm>
 
 namespace series {
 
@@ -169,6 +172,20 @@ std::vector<TaskPtr> otherRows(const EntityTask &task)
             rows.push_back(row);
     }
     return rows;
+}
+
+std::vector<EKEvent> eventsOf(const EntityTask &task)
+{
+    if (task.calendarID().isEmpty())
+        return {};
+    std::vector<EKEvent> events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const auto isElsewhere = [&task](const EKEvent &event) {
+        return !event.calendar ||
+               CalendarEvent::identifierOfCalendar(*event.calendar) != task.typeCalendarID();
+    };
+    if (!std::all_of(events.begin(), events.end(), isElsewhere))
+        std::erase_if(events, isElsewhere);
+    return events;
 }
 
 bool isLater(const EntityTask &row, const EntityTask &task)

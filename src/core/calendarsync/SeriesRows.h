@@ -1,5 +1,6 @@
 #pragma once
 
+#include "eventkit/EKEvent.h"
 #include "store/entities/Entities.h"
 
 #include <vector>
@@ -18,6 +19,10 @@ struct AlertOffsets
 
 /// All other rows that name the same calendar item; none for a task that names none.
 std::vector<TaskPtr> otherRows(const EntityTask &task);
+
+/// The events of a row's identifier inside the window. Where several calendars have it, those of the row's
+/// own calendar, unless it has none there.
+std::vector<EKEvent> eventsOf(const EntityTask &task);
 
 /// Whether a row of the same series lies after another.
 bool isLater(const EntityTask &row, const EntityTask &task);

@@ -1,34 +1,82 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventDates.h"
+#include "calendarsync/EventPlace.h"
 #include "calendarsync/SeriesRows.h"
 
-// What an event shows of its task.
+#include <cmath>
+
+// What an event shows of its task. What the event says already stays as it is there: it can hold more than a
+// row can show, such as the hours of an event over midnight or the sound of an alarm.
+
+namespace {
+
+constexpr size_t alarmsOfARow = 2;
+
+void putPlace(const EntityTask &task, EKEvent &event)
+{
+    const auto place = task.location();
+    if (!place || place->title().isEmpty()) {
+        event.location.clear();
+        event.structuredLocation.reset();
+    } else if (!eventplace::isShownBy(*place, event)) {
+        event.location = place->title();
+        event.structuredLocation = EKStructuredLocation::locationWithTitle(place->title());
+        event.structuredLocation->geoLocation =
+            GeoLocation{place->latitude().value_or(0), place->longitude().value_or(0)};
+    }
+}
+
+void putDates(const EntityTask &task, EKEvent &event)
+{
+    if (eventdates::areShownBy(task, event))
+        return;
+    event.allDay = task.type().value_or(0) == static_cast<int>(TaskType::ToDo);
+    if (task.type() == static_cast<int>(TaskType::EmailCall))
+        event.startDate = task.dueDate();
+    else if (task.startDate())
+        event.startDate = task.startDate();
+    event.endDate = task.dueDate();
+}
+
+/// Whether the row has what it would take of that alarm.
+bool isShown(OptionalDate alert, size_t place, const EKEvent &event, const EntityTask &task)
+{
+    constexpr double lessThanASecond = 0.5;
+    const OptionalDate moment = eventdates::momentOfAlarm(event, place, task);
+    return alert && moment && std::abs((*alert - *moment).count()) <= lessThanASecond;
+}
+
+void putAlarms(const EntityTask &task, EKEvent &event)
+{
+    const bool isSilent = !task.alert() && !task.secondAlert();
+    const auto &hidden = calendarstore::state().hiddenAlarms;
+    if (isSilent && hidden.contains(event.calendarItemExternalIdentifier))
+        return;
+    const auto offsets = series::AlertOffsets::of(task);
+    const auto alarmFor = [&](size_t place, const Date &alert, double offset) {
+        return isShown(alert, place, event, task) ? event.alarms[place]
+                                                  : EKAlarm::alarmWithRelativeOffset(offset);
+    };
+    std::vector<EKAlarm> alarms;
+    if (task.alert())
+        alarms.push_back(alarmFor(0, *task.alert(), offsets.alert));
+    if (task.secondAlert())
+        alarms.push_back(alarmFor(1, *task.secondAlert(), offsets.secondAlert));
+    // No row shows the others. They go only with all of them.
+    if (!isSilent && event.alarms.size() > alarmsOfARow)
+        alarms.insert(alarms.end(), event.alarms.begin() + alarmsOfARow, event.alarms.end());
+    event.alarms = std::move(alarms);
+}
+
+} // namespace
 
 void CalendarEvent::syncTask(const EntityTask &task, EKEvent &toEvent)
 {
     toEvent.title = task.title();
-    const auto place = task.location();
-    if (place && !place->title().isEmpty()) {
-        toEvent.location = place->title();
-        toEvent.structuredLocation = EKStructuredLocation::locationWithTitle(place->title());
-        toEvent.structuredLocation->geoLocation =
-            GeoLocation{place->latitude().value_or(0), place->longitude().value_or(0)};
-    } else {
-        toEvent.location.clear();
-        toEvent.structuredLocation.reset();
-    }
+    putPlace(task, toEvent);
     toEvent.notes = task.details();
-    toEvent.allDay = task.type().value_or(0) == static_cast<int>(TaskType::ToDo);
-    const bool isMoment = task.type() == static_cast<int>(TaskType::EmailCall);
-    if (isMoment)
-        toEvent.startDate = task.dueDate();
-    else if (task.startDate())
-        toEvent.startDate = task.startDate();
-    toEvent.endDate = task.dueDate();
-    toEvent.alarms.clear();
-    const auto offsets = series::AlertOffsets::of(task);
-    if (task.alert())
-        toEvent.addAlarm(EKAlarm::alarmWithRelativeOffset(offsets.alert));
-    if (task.secondAlert())
-        toEvent.addAlarm(EKAlarm::alarmWithRelativeOffset(offsets.secondAlert));
+    putDates(task, toEvent);
+    putAlarms(task, toEvent);
     toEvent.calendar = calendarOfIdentifier(task.typeCalendarID());
 }

@@ -178,6 +178,21 @@ Result<std::optional<StoredItem>> CalendarContents::item(const QString &calendar
     return storedItem(calendarIdentifier, uid);
 }
 
+std::vector<QByteArray> CalendarContents::unusableTexts()
+{
+    std::vector<QByteArray> texts;
+    const auto all = calendars();
+    for (const EKCalendar &calendar : all ? all.value() : std::vector<EKCalendar>()) {
+        const auto objects = storage->objects(calendar.calendarIdentifier);
+        if (!objects)
+            continue;
+        for (const CalendarObject &object : objects.value())
+            if (!parsed(calendar.calendarIdentifier, object))
+                texts.push_back(object.text);
+    }
+    return texts;
+}
+
 void CalendarContents::release()
 {
     if (--holds == 0)

@@ -34,6 +34,8 @@ public:
     Result<std::vector<StoredItem>> items(const QString &calendarIdentifier);
     /// Absent if the calendar has none with that UID.
     Result<std::optional<StoredItem>> item(const QString &calendarIdentifier, const QString &uid);
+    /// The texts that cannot be used, of all calendars that answer: nobody knows what became of their items.
+    std::vector<QByteArray> unusableTexts();
 
     /// Reads from the backend again at the next question.
     void forgetHeld();

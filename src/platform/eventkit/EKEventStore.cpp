@@ -177,6 +177,16 @@ Result<std::optional<EKEvent>> EKEventStore::eventWithIdentifier(const QString &
     return std::optional<EKEvent>();
 }
 
+std::vector<QByteArray> EKEventStore::unusableTexts() const
+{
+    return contents->unusableTexts();
+}
+
+bool EKEventStore::isOnlyOccurrence(const EKEvent &event)
+{
+    return event.origin && !ItemExpansion::hasOther(*event.origin->item, event.origin->occurrence.key);
+}
+
 std::shared_ptr<void> EKEventStore::holdContents() const
 {
     CalendarContents *held = contents.get();

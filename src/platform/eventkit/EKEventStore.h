@@ -77,6 +77,9 @@ public:
     /// at once, whatever `commit` says.
     OptionalError saveCalendar(EKCalendar &calendar, bool commit);
     OptionalError removeCalendar(const EKCalendar &calendar, bool commit);
+    /// Moves everything to another calendar, or nothing: Invalid if an object cannot be read, or is there
+    /// already.
+    OptionalError moveContents(const EKCalendar &from, const EKCalendar &to, bool commit);
 
     /// Without calendars: all. Calendars that do not exist are not looked at.
     EKEventPredicate
@@ -88,6 +91,11 @@ public:
     Result<std::vector<EKEvent>> calendarItemsWithExternalIdentifier(const QString &externalIdentifier) const;
     /// The first of these; absent if there is none.
     Result<std::optional<EKEvent>> eventWithIdentifier(const QString &identifier) const;
+    /// The texts of objects that cannot be read, or have no event that can be used. What they hold is not
+    /// gone.
+    std::vector<QByteArray> unusableTexts() const;
+    /// Whether a saved event has no other occurrence, however far away. Of the event as it was read.
+    static bool isOnlyOccurrence(const EKEvent &event);
 
     /// Saves a new or changed event, which then is as the store has it. Of a series with the span ThisEvent
     /// only that occurrence, which is detached from the rule; recurrence rules are then not looked at. With

@@ -102,6 +102,12 @@ void putInOrder(std::vector<ItemOccurrence> &found)
                      [](const auto &one, const auto &other) { return one.start < other.start; });
 }
 
+/// As far as series are looked at.
+Date lastDate()
+{
+    return Date::fromUnixSeconds(WallClock{9999, 12, 31}.seconds());
+}
+
 Date dateOfKey(const CalendarItem &item, qint64 key)
 {
     return item.timeOfKey(key).instant();
@@ -154,7 +160,7 @@ std::optional<ItemOccurrence> ItemExpansion::first(const CalendarItem &item)
     if (item.master()) {
         // Ever more of the series, until one is found that nobody has edited or excluded.
         Date to = item.master()->times.start.instant();
-        const Date end = Date::fromUnixSeconds(WallClock{9999, 12, 31}.seconds());
+        const Date end = lastDate();
         for (double days = 1; candidates.size() == item.detached().size(); days *= 8) {
             Starts starts = startsOf(item, {.to = to});
             for (const ItemPart &part : item.detached())
@@ -179,6 +185,25 @@ bool ItemExpansion::hasOccurrenceBefore(const CalendarItem &item, qint64 key)
         return false;
     const Starts starts = startsOf(item, {.to = dateOfKey(item, key)});
     return !starts.empty() && starts.begin()->first < key;
+}
+
+bool ItemExpansion::hasOther(const CalendarItem &item, qint64 key)
+{
+    const auto isOther = [key](const auto &part) { return part.key != key; };
+    if (std::any_of(item.detached().begin(), item.detached().end(), isOther) ||
+        hasOccurrenceBefore(item, key))
+        return true;
+    if (!item.master() || item.recurrence().isEmpty())
+        return false;
+    const Date from = dateOfKey(item, key);
+    for (double days = 1;; days *= 8) {
+        const Date to = std::min(lastDate(), from + Seconds(days * secondsOfADay));
+        const Starts starts = startsOf(item, {.from = from, .to = to});
+        if (!starts.empty() && starts.rbegin()->first > key)
+            return true;
+        if (to >= lastDate())
+            return false;
+    }
 }
 
 bool ItemExpansion::contains(const CalendarItem &item, qint64 key)

@@ -44,6 +44,8 @@ public:
     static std::optional<ItemOccurrence> first(const CalendarItem &item);
     /// Whether there are any with a lower key.
     static bool hasOccurrenceBefore(const CalendarItem &item, qint64 key);
+    /// Whether there are any with another key.
+    static bool hasOther(const CalendarItem &item, qint64 key);
     /// Whether the series itself has that occurrence, edited or not.
     static bool contains(const CalendarItem &item, qint64 key);
     /// The first match of any of the rules from an occurrence on, which is its own key if a rule has it.

@@ -70,7 +70,9 @@ private:
         const EventPeriod present = EventPeriod::of(item.master()->times);
         const EventPeriod before = EventPeriod::of(formerEvent, move.newForm);
         const EventPeriod after = EventPeriod::of(newEvent, move.newForm);
-        const bool keepsLength = before.length == after.length && formerEvent.allDay == newEvent.allDay;
+        // Days and seconds: an occurrence edited alone can be of whole days where its series has hours.
+        const bool keepsLength = before.length == after.length && formerEvent.allDay == newEvent.allDay &&
+                                 item.master()->times.isAllDay() == newEvent.allDay;
         return {move.moved(newStart()), keepsLength ? present.length : after.length};
     }
 

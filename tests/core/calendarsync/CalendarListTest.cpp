@@ -81,6 +81,25 @@ TEST_F(CalendarList, MakesItsOwnCalendarOnceAndJoinsSeveral)
     EXPECT_EQ(moved.value()[0].calendar->title, u"Morvane Pro"_qs);
 }
 
+TEST_F(CalendarList, NothingIsLostWhenSeveralAreJoined)
+{
+    const QString hour = u"SUMMARY:One\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\n"_qs;
+    makeCalendar(u"Third"_qs);
+    write(u"Work"_qs, u"far"_qs, u"SUMMARY:Far\nDTSTART:20310101T080000Z\nRRULE:FREQ=DAILY\n"_qs);
+    write(u"Third"_qs, u"broken"_qs, hour + u"BEGIN:VALARM\n"_qs);
+    write(u"Third"_qs, u"whole"_qs, hour);
+    for (const QString &folder : {u"Home"_qs, u"Work"_qs, u"Third"_qs})
+        rename(folder, u"Morvane Pro"_qs);
+    const auto third = files(u"Third"_qs);
+    connectStore();
+    EXPECT_TRUE(CalendarEvent::isOurCalendar());
+    EXPECT_FALSE(QDir(folderOf(u"Work"_qs)).exists());
+    EXPECT_EQ(files(u"Home"_qs).keys() + files(u"Third"_qs).keys(),
+              QStringList({u"far.ics"_qs, u"broken.ics"_qs, u"whole.ics"_qs}))
+        << "also what lies beyond the window, and what cannot be read";
+    EXPECT_EQ(files(u"Third"_qs), third);
+}
+
 TEST_F(CalendarList, TitlesAreKeptApart)
 {
     rename(u"Work"_qs, u"Home"_qs);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "CoreTest.h"
+#include "MoodyBackend.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "eventkit/FolderBackend.h"
 #include "store/entities/MainContext.h"
 #include "workspace/PlatformConfiguration.h"
 
@@ -38,6 +38,14 @@ protected:
         CalendarEvent::resetEventStore();
         EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(root.path()));
     }
+    /// The same calendars, but their answers are for the test to decide.
+    std::shared_ptr<MoodyBackend> connectMoodyStore() const
+    {
+        CalendarEvent::resetEventStore();
+        auto backend = std::make_shared<MoodyBackend>(root.path());
+        EKEventStore::setSharedBackend(backend);
+        return backend;
+    }
     static void choose(const QStringList &references)
     {
         UserDefaults::standard().setObject(settings::savedChooseCalendars, references.join(u"Ω"_qs));
@@ -70,6 +78,19 @@ protected:
         CalendarEvent::syncCalendarToAppWithTask(nullptr);
         EXPECT_FALSE(DBWorker::saveContext());
     }
+    /// A pass that finds nothing to do: no row changes and no file is written.
+    void expectSettled()
+    {
+        const auto filesBefore = QList{files(u"Home"_qs), files(u"Work"_qs)};
+        const std::vector<TaskPtr> rowsBefore = rows();
+        for (int round = 0; round < 2; ++round) {
+            CalendarEvent::syncCalendarToAppWithTask(nullptr);
+            EXPECT_FALSE(context().hasChanges());
+            EXPECT_FALSE(DBWorker::saveContext());
+        }
+        EXPECT_EQ(rows(), rowsBefore);
+        EXPECT_EQ(QList({files(u"Home"_qs), files(u"Work"_qs)}), filesBefore);
+    }
     static std::vector<TaskPtr> rows()
     {
         std::vector<TaskPtr> all;
@@ -77,6 +98,24 @@ protected:
                  EntityTask::fetchRequest().sortedBy({ascending("dueDate"), ascending("title")})))
             all.push_back(row);
         return all;
+    }
+
+    /// Edits the row of a series as the user does, and answers how far the edit reaches.
+    static MVTask editSeries(const TaskPtr &row, Span span, const std::function<void(MVTask &)> &edit)
+    {
+        MVTask copy(row);
+        edit(copy);
+        const ScriptedAlerts alerts({span == Span::ThisTask ? Alert::firstButton : Alert::secondButton});
+        EXPECT_TRUE(TaskManager::saveTaskTemp(copy, true));
+        return copy;
+    }
+    /// "11-24 09:30 Title", one for each row.
+    static QStringList table()
+    {
+        QStringList lines;
+        for (const TaskPtr &row : rows())
+            lines.append(wallClock(*row->dueDate()).mid(5, 11) + u' ' + row->title());
+        return lines;
     }
 
     QTemporaryDir root;

@@ -139,6 +139,21 @@ TEST_P(EventStoreContract, ARemainingEditedOccurrenceCanStandAlone)
     EXPECT_EQ(list(3).size(), 1);
 }
 
+TEST_P(EventStoreContract, AWholeDayWithinASeriesOfHoursKeepsItsLengthForTheRest)
+{
+    addSeries(u"Daily"_qs, u"FREQ=DAILY;COUNT=3"_qs);
+    EKEvent first = eventAt(localDate(2024, 3, 4, 9));
+    first.allDay = true;
+    first.startDate = localDate(2024, 3, 4);
+    first.endDate = localDate(2024, 3, 4, 23, 59, 59);
+    save(first);
+    first.startDate = localDate(2024, 3, 5);
+    first.endDate = localDate(2024, 3, 5, 23, 59, 59);
+    save(first, EKSpan::FutureEvents);
+    EXPECT_EQ(list(3), (QStringList{u"Daily 03-05 00:00-23:59"_qs, u"Daily 03-06 00:00-23:59"_qs,
+                                    u"Daily 03-07 00:00-23:59"_qs}));
+}
+
 TEST_P(EventStoreContract, LookingUpByIdentifierGivesTheFirstAndTheEdited)
 {
     const QString uid = addSeries(u"Daily"_qs, u"FREQ=DAILY;COUNT=4"_qs).calendarItemExternalIdentifier;

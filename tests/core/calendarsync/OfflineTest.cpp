@@ -1,0 +1,142 @@
+#include "CalendarTest.h"
+#include "usernotifications/UserNotificationCenter.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::SizeIs;
+
+/// Without access to the calendars the rows of a series are kept alike, and alerts are the program's own.
+class OfflineTasks : public CalendarTest
+{
+protected:
+    OfflineTasks() { PlatformConfiguration::setAuthorization(u"events"_qs, 2); }
+    ~OfflineTasks() override
+    {
+        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications({});
+    }
+
+    static QStringList scheduled()
+    {
+        QStringList found;
+        for (const auto &one :
+             UserNotificationCenter::defaultUserNotificationCenter().scheduledNotifications())
+            found.append(wallClock(one.deliveryDate).mid(11, 5) + u' ' + one.subtitle);
+        found.sort();
+        return found;
+    }
+    static TaskPtr appointment(const QString &title, OptionalDate alert, OptionalDate secondAlert = {})
+    {
+        MVTask task;
+        task.title = title;
+        task.type = int(TaskType::Appointment);
+        task.status = 0;
+        task.startDate = localDate(2026, 11, 24, 9);
+        task.dueDate = localDate(2026, 11, 24, 10);
+        task.alert = alert;
+        task.secondAlert = secondAlert;
+        EXPECT_TRUE(TaskManager::saveTaskTemp(task, true));
+        return task.task();
+    }
+    /// Rows of one series on the days given, an hour from nine o'clock on.
+    static void addSeries(TaskType type, const std::vector<Date> &days)
+    {
+        for (const Date &day : days) {
+            const auto row = mainContext().insert<EntityTask>();
+            row->setTitle(u"Series"_qs);
+            row->setType(int(type));
+            row->setStatus(0);
+            row->setCalendarID(u"series"_qs);
+            row->setTypeCalendarID(u"Home"_qs);
+            row->setRepeat(u"RRULE:FREQ=DAILY;INTERVAL=1"_qs);
+            if (type != TaskType::EmailCall)
+                row->setStartDate(type == TaskType::ToDo ? day : day + Seconds(9 * 3600));
+            row->setDueDate(day + Seconds(type == TaskType::ToDo ? 24 * 3600 - 1 : 10 * 3600));
+        }
+    }
+};
+
+TEST_F(OfflineTasks, AlertsOfAllTasksAreScheduled)
+{
+    const TaskPtr first =
+        appointment(u"First"_qs, localDate(2026, 11, 24, 8, 45), localDate(2026, 11, 24, 8, 55));
+    appointment(u"Second"_qs, localDate(2026, 11, 24, 8, 30));
+    appointment(u"Past"_qs, localDate(2026, 11, 20, 8, 30));
+    const QStringList all = {u"08:30 Second"_qs, u"08:45 First"_qs, u"08:55 First"_qs};
+    EXPECT_EQ(scheduled(), all) << "one task does not silence another";
+    delegate->applicationDidResignActive();
+    EXPECT_EQ(scheduled(), all);
+    MVTask copy(first);
+    copy.alert = localDate(2026, 11, 24, 8, 40);
+    copy.secondAlert = std::nullopt;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    EXPECT_EQ(scheduled(), QStringList({u"08:30 Second"_qs, u"08:40 First"_qs}));
+    const ScriptedAlerts alerts({Alert::firstButton});
+    TaskManager::deleteTasks({first}, {});
+    EXPECT_EQ(scheduled(), QStringList(u"08:30 Second"_qs));
+    // With the calendars the alarm rides on the event.
+    PlatformConfiguration::setAuthorization(u"events"_qs, 3);
+    UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications({});
+    appointment(u"Online"_qs, localDate(2026, 11, 24, 8, 45));
+    EXPECT_EQ(scheduled(), QStringList());
+}
+
+TEST_F(OfflineTasks, AnEditReachesEveryRowOfItsSeriesOnItsOwnDay)
+{
+    // Over the end of summer time.
+    const std::vector<Date> days = {localDate(2026, 10, 24), localDate(2026, 10, 25),
+                                    localDate(2026, 10, 26)};
+    addSeries(TaskType::Appointment, days);
+    editSeries(rows().at(1), Span::FutureTasks, [](MVTask &task) {
+        task.title = u"Later"_qs;
+        task.startDate = localDate(2026, 10, 25, 11);
+        task.dueDate = localDate(2026, 10, 25, 12, 30);
+        task.alert = localDate(2026, 10, 25, 10, 45);
+    });
+    EXPECT_EQ(table(),
+              QStringList({u"10-24 12:30 Later"_qs, u"10-25 12:30 Later"_qs, u"10-26 12:30 Later"_qs}));
+    for (size_t place = 0; place < days.size(); ++place) {
+        const TaskPtr row = rows().at(place);
+        EXPECT_EQ(wallClock(*row->startDate()).mid(8, 8), wallClock(days[place]).mid(8, 2) + u" 11:00"_qs);
+        EXPECT_EQ(row->alert(), *row->startDate() + Seconds(-900));
+        EXPECT_EQ(row->calendarID(), u"series"_qs);
+    }
+    editSeries(rows().at(0), Span::FutureTasks, [](MVTask &task) { task.changeStatusType(3, false); });
+    for (const TaskPtr &row : rows()) {
+        EXPECT_EQ(row->status(), 3);
+        EXPECT_TRUE(row->expirationDate().has_value());
+    }
+}
+
+TEST_F(OfflineTasks, WholeDaysAndMomentsKeepTheirDaysToo)
+{
+    addSeries(TaskType::ToDo, {localDate(2026, 10, 24), localDate(2026, 11, 24)});
+    editSeries(rows().at(1), Span::FutureTasks, [](MVTask &task) {
+        task.dueDate = localDate(2026, 11, 26, 23, 59);
+        task.alert = localDate(2026, 11, 24, 7, 30);
+    });
+    // Two times 86400 seconds from the start, in the night of the clock change one hour less than two days.
+    EXPECT_EQ(rows().at(0)->dueDate(), localDate(2026, 10, 24) + Seconds(2 * 86400));
+    EXPECT_EQ(rows().at(0)->alert(), localDate(2026, 10, 24, 7, 30));
+    startAnew();
+    PlatformConfiguration::setAuthorization(u"events"_qs, 2);
+    addSeries(TaskType::EmailCall, {localDate(2026, 11, 24), localDate(2026, 11, 25)});
+    editSeries(rows().at(0), Span::FutureTasks, [](MVTask &task) {
+        task.dueDate = localDate(2026, 11, 24, 17, 5);
+        task.alert = localDate(2026, 11, 24, 17);
+    });
+    EXPECT_EQ(rows().at(1)->dueDate(), localDate(2026, 11, 25, 17, 5));
+    EXPECT_EQ(rows().at(1)->alert(), localDate(2026, 11, 25, 17));
+}
+
+TEST_F(OfflineTasks, DeletingTheRestLeavesWhatIsEarlier)
+{
+    addSeries(TaskType::Appointment,
+              {localDate(2026, 11, 23), localDate(2026, 11, 24), localDate(2026, 11, 25)});
+    const ScriptedAlerts alerts({Alert::secondButton});
+    TaskManager::deleteTasks({rows().at(1)}, {});
+    EXPECT_EQ(table(), QStringList(u"11-23 10:00 Series"_qs));
+}
+
+} // namespace
