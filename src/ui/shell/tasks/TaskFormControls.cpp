@@ -1,13 +1,12 @@
 #include "foundation/Localization.h"
 #include "records/Functional.h"
 #include "records/TaskFormChoices.h"
+#include "shell/tasks/LocationPopup.h"
 #include "shell/tasks/RepeatControl.h"
 #include "shell/tasks/TaskFormView.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/Theme.h"
-
-#include <QLabel>
 
 // The pop-ups of a task's form.
 
@@ -170,5 +169,9 @@ QWidget *TaskFormView::makeRepeat()
 
 QWidget *TaskFormView::makeLocation()
 {
-    return new QLabel;
+    auto *popup = new LocationPopup;
+    connect(popup, &LocationPopup::labelLocationClickButtonDone, this,
+            [this](const LocationPtr &location) { state.setLocation(location); });
+    syncs.push_back([this, popup] { popup->setLocation(state.currentTask().location); });
+    return popup;
 }

@@ -74,7 +74,6 @@ void TaskFormView::setUpRows()
     addRow(TaskFormRow::Project, u"Project"_s, rowHeight, makeProject());
     if (!DBWorker::isSample())
         makeDeletable(TaskFormRow::Category, [this] { state.setCategory(nullptr); });
-    makeDeletable(TaskFormRow::Location, [this] { state.setLocation(nullptr); });
     makeDeletable(TaskFormRow::Details, [this] { state.setDetails({}); });
     makeDeletable(TaskFormRow::Contacts, [this] { state.setDelegate(nullptr); });
     makeDeletable(TaskFormRow::Company, [this] { state.setCompany(nullptr); });
