@@ -13,6 +13,7 @@ using PickerType = DatePickerState::Type;
 
 TaskFormState::TaskFormState(const NewTaskRequest &request)
     : calendarAccess(CalendarEvent::hasAccesToCalendar())
+    , mayBeToDo(request.showTodo)
 {
     startEntityTaskValue(request);
 }

@@ -52,6 +52,7 @@ private:
     void answered(QNetworkReply &reply);
 
     QString service;
-    QNetworkAccessManager network;
     QPointer<QNetworkReply> pending;
+    /// Last, so that nothing is answered while the rest goes.
+    QNetworkAccessManager network;
 };

@@ -39,9 +39,10 @@ private:
     void fetch(const MapTile &wanted);
 
     QString address;
-    QNetworkAccessManager network;
     QCache<MapTile, QPixmap> pictures;
     QSet<MapTile> underWay;
     QSet<MapTile> missing;
     bool outOfReach = false;
+    /// Last, so that nothing is answered while the rest goes.
+    QNetworkAccessManager network;
 };

@@ -13,7 +13,7 @@ BubbleHeader::BubbleHeader(const QString &title, QWidget *parent)
     : QWidget(parent)
     , cancel(new QPushButton(localized(u"Cancel"_s)))
     , label(new QLabel)
-    , done(new QPushButton(localized(u"Done"_s)))
+    , done(new QPushButton(localized(u"DoneButton"_s)))
 {
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins({});

@@ -23,6 +23,12 @@ constexpr int deleteSize = 24;
 /// Left of what a control paints at its own end.
 constexpr int deleteInset = 30;
 
+/// The words of a label begin where the row does, whatever language they are in.
+static Qt::Alignment leading(const QWidget &widget)
+{
+    return Qt::AlignAbsolute | Qt::AlignVCenter | (widget.isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft);
+}
+
 RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget *parent)
     : QWidget(parent)
     , number(tag)
@@ -36,6 +42,7 @@ RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget 
     row->addWidget(label);
     label->setFixedWidth(labelWidth);
     label->setWordWrap(true);
+    label->setAlignment(leading(*this));
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, Theme::secondaryText);
     label->setPalette(palette);
@@ -134,6 +141,7 @@ QLabel *RowItemView::previewLabel()
     previewText->setObjectName(u"label"_s + objectName().mid(3) + u"Preview"_s);
     previewText->setTextFormat(Qt::PlainText);
     previewText->setWordWrap(true);
+    previewText->setAlignment(leading(*this));
     previewText->setMinimumWidth(1);
     line->addWidget(previewIcon);
     line->addWidget(previewText, 1);

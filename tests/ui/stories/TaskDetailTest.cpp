@@ -150,6 +150,7 @@ TEST_F(TaskDetailTest, AReadOnlyTaskHasNoEditButtonAndSaysWhy)
     showList(SidebarItem::NotDone);
     openDetail(list().tableModel()->nearestItem(0, 1));
     EXPECT_FALSE(buttonEdit().isVisible());
+    EXPECT_FALSE(find<QAbstractButton>(pane(), "checkDone").isVisible());
     ScriptedAlerts alerts({Alert::firstButton});
     auto &type = find<RowItemView>(pane(), "rowType");
     const QPoint place = type.mapTo(&window(), type.rect().center());

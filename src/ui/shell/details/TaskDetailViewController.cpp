@@ -175,7 +175,7 @@ void TaskDetailViewController::modeChanged(bool editing)
 void TaskDetailViewController::statusChanged()
 {
     using Style = DateFormatter::Style;
-    buttonEdit->setText(localized(isEditing() ? u"Done"_s : u"Edit"_s));
+    buttonEdit->setText(localized(isEditing() ? u"DoneButton"_s : u"Edit"_s));
     buttonEdit->setDefault(isEditing());
     buttonEdit->setVisible(form.allowsModifyEvent());
     buttonEdit->setEnabled(isEditing() || form.canEdit());

@@ -82,10 +82,11 @@ QWidget *TaskFormView::makeCalendar()
 QWidget *TaskFormView::makeType()
 {
     auto *popUp = new PopUpButton(u"popUpButtonType"_s);
-    for (const int type : {0, 1, 2})
-        popUp->addItem(Functional::typeStringFromType(type));
+    for (const int type : state.types())
+        popUp->addItem(Functional::typeStringFromType(type), type);
     connect(popUp, &QComboBox::textActivated, this, [this](const QString &word) { state.setType(word); });
-    syncs.push_back([this, popUp] { popUp->setCurrentIndex(state.currentTask().type.value_or(0)); });
+    syncs.push_back(
+        [this, popUp] { popUp->setCurrentIndex(popUp->findData(state.currentTask().type.value_or(0))); });
     return popUp;
 }
 

@@ -98,6 +98,9 @@ QWidget *TaskFormView::makeTitle()
     checkDone = new CheckButton;
     checkDone->setObjectName(u"checkDone"_s);
     checkDone->setAccessibleName(localized(u"Done"_s));
+    QSizePolicy policy = checkDone->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    checkDone->setSizePolicy(policy);
     connect(checkDone, &QAbstractButton::clicked, this, &TaskFormView::doneToggled);
     textFieldTitle = new GrowingTextField(GrowingTextField::Kind::Title);
     textFieldTitle->setObjectName(u"textFieldTitle"_s);
@@ -115,6 +118,7 @@ QWidget *TaskFormView::makeDetails()
 {
     textFieldDetails = new GrowingTextField(GrowingTextField::Kind::Details);
     textFieldDetails->setObjectName(u"textFieldDetails"_s);
+    textFieldDetails->setFramed(true);
     textFieldDetails->setPlaceholderText(localized(u"Notes, links, whatever helps"_s));
     connect(textFieldDetails, &QTextEdit::textChanged, this,
             [this] { state.setDetails(textFieldDetails->text()); });
@@ -147,6 +151,7 @@ void TaskFormView::setEditing(bool isNowEditing)
         field->setReadOnly(!editing);
         field->setFocusPolicy(editing ? Qt::StrongFocus : Qt::ClickFocus);
     }
+    textFieldDetails->setFramed(editing);
     refresh();
 }
 
@@ -162,6 +167,9 @@ void TaskFormView::refresh()
     showText(*textFieldTitle, state.currentTask().title);
     showText(*textFieldDetails, state.currentTask().details);
     checkDone->setChecked(state.currentTask().status == static_cast<int>(TaskStatus::Done));
+    // A task that cannot be changed cannot be ticked off.
+    if (!state.allowsModifyEvent())
+        checkDone->hide();
     for (const auto &sync : syncs)
         sync();
     for (const auto &[row, view] : rows)

@@ -69,6 +69,8 @@ TEST_F(TaskFormTest, ANewTaskBeginsWithWhatItIsGiven)
     EXPECT_EQ(given.currentTask().company, company);
     EXPECT_TRUE(given.currentTask().isAppointment());
     EXPECT_EQ(given.currentTask().startDate, noon);
+    EXPECT_EQ(given.types(), (std::vector{0, 1, 2}));
+    EXPECT_EQ(TaskFormState({.type = TaskType::Appointment, .showTodo = false}).types(), (std::vector{1, 2}));
 }
 
 TEST_F(TaskFormTest, ClearingTheStartOfARepeatingToDoClearsWhatHangsOnIt)
