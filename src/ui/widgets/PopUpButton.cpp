@@ -8,7 +8,7 @@
 #include <QStylePainter>
 #include <QStyledItemDelegate>
 
-constexpr int leastLetters = 6;
+constexpr int leastLetters = 4;
 constexpr int lineHeight = 30;
 constexpr int separatorHeight = 9;
 constexpr int iconRoom = 24;

@@ -15,6 +15,9 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int labelWidth = 132;
+/// In a narrow row the control gets more of the room.
+constexpr int narrowRow = 380;
+constexpr int narrowLabelWidth = 88;
 constexpr int sideMargin = 16;
 constexpr int topMargin = 3;
 constexpr int bottomMargin = 4;
@@ -223,6 +226,7 @@ bool RowItemView::event(QEvent *event)
 void RowItemView::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    label->setFixedWidth(width() < narrowRow ? narrowLabelWidth : labelWidth);
     layout()->activate();
     placeDeleteButton();
 }

@@ -74,11 +74,13 @@ TEST_F(TaskDetailTest, AnotherTaskStacksAboveAndTheSameOneComesUpAgain)
     EXPECT_NE(&pane(), first);
     EXPECT_EQ(pane().geometry(), first->geometry());
     EXPECT_FALSE(first->isActive());
+    EXPECT_FALSE(first->isVisible());
     openDetail(0);
     EXPECT_EQ(&pane(), first);
     EXPECT_TRUE(first->isActive());
     QTest::keyClick(&pane(), Qt::Key_Escape);
     EXPECT_EQ(pane().taskForm()->currentTask().title, u"second"_s);
+    EXPECT_TRUE(pane().isVisible());
     showList(SidebarItem::Today);
     EXPECT_TRUE(stack().isEmpty());
 }

@@ -138,14 +138,6 @@ bool TaskDetailViewController::shows(const ObjectPtr &record) const
     return record && form.currentTask().task() == record;
 }
 
-void TaskDetailViewController::setActive(bool isNowActive)
-{
-    DetailViewController::setActive(isNowActive);
-    // What is covered takes no keys.
-    for (QWidget *part : findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
-        part->setEnabled(isNowActive);
-}
-
 // Modes
 
 bool TaskDetailViewController::isEditing() const

@@ -21,6 +21,8 @@ constexpr int titleHeight = 50;
 constexpr int rowHeight = 40;
 constexpr int priorityHeight = 55;
 constexpr int detailsHeight = 84;
+/// One bubble has to be gone, and the window active again, before the next one can stay open.
+constexpr auto betweenBubbles = std::chrono::milliseconds(60);
 /// The circle stands above the labels, although its ring needs room around it.
 constexpr int checkBoxInset = 11;
 
@@ -33,7 +35,9 @@ TaskFormView::TaskFormView(TaskFormState &usedState, QWidget *parent)
         refresh();
         Q_EMIT changed(field);
     };
-    state.dueDateWanted = [this] { QTimer::singleShot(0, dueDateControl, &DatePickerControl::open); };
+    state.dueDateWanted = [this] {
+        QTimer::singleShot(betweenBubbles, dueDateControl, &DatePickerControl::open);
+    };
     refresh();
 }
 
