@@ -1,5 +1,6 @@
 #include "widgets/PickerField.h"
 
+#include "widgets/ClearKey.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -81,16 +82,20 @@ void PickerField::mousePressEvent(QMouseEvent *event)
         Q_EMIT pressed();
 }
 
+/// The Delete key belongs to the field although a menu has it too.
+bool PickerField::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && ClearKey::is(static_cast<QKeyEvent &>(*event)))
+        event->accept();
+    return QWidget::event(event);
+}
+
 void PickerField::keyPressEvent(QKeyEvent *event)
 {
-    switch (event->key()) {
-    case Qt::Key_Space:
-    case Qt::Key_Down:
-        return Q_EMIT pressed();
-    case Qt::Key_Delete:
-    case Qt::Key_Backspace:
-        return hasValue() ? Q_EMIT cleared() : void();
-    default:
+    if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Down)
+        Q_EMIT pressed();
+    else if (!ClearKey::is(*event))
         QWidget::keyPressEvent(event);
-    }
+    else if (hasValue())
+        Q_EMIT cleared();
 }

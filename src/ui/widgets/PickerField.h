@@ -22,6 +22,7 @@ Q_SIGNALS:
 protected:
     void setValue(const QString &words, const QString &wordsForNone);
 
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;

@@ -3,6 +3,7 @@
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/DatePicker.h"
 #include "widgets/GrowingTextField.h"
 #include "widgets/RowItemView.h"
 #include "workspace/Workspace.h"
@@ -192,6 +193,25 @@ TEST_F(TaskDetailTest, TheMailButtonOpensADraft)
     QTest::mouseClick(&find<QToolButton>(pane(), "buttonSendEmail"), Qt::LeftButton);
     Workspace::setUrlOpener({});
     EXPECT_EQ(opened, QStringList{pane().taskForm()->currentTask().htmlBody()});
+}
+
+/// Keys go through the window, where the menu would take them.
+TEST_F(TaskDetailTest, TheDeleteKeyClearsAFieldAndNeverReachesTheList)
+{
+    const ScriptedAlerts none;
+    const CategoryPtr category = DBWorker::allCategories().front();
+    add(u"first"_s, [&](MVTask &task) { task.category = category; });
+    showList(SidebarItem::Inbox);
+    openDetail(0);
+    QTest::keyClick(window().windowHandle(), Qt::Key_Delete);
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    find<QComboBox>(pane(), "popUpButtonCategory").setFocus();
+    QTest::keyClick(window().windowHandle(), Qt::Key_Delete);
+    EXPECT_EQ(pane().taskForm()->currentTask().category, nullptr);
+    find<DatePicker>(pane(), "datePickerStartDate").setFocus();
+    QTest::keyClick(window().windowHandle(), Qt::Key_Delete);
+    EXPECT_NE(stored(u"first"_s), nullptr);
+    EXPECT_TRUE(none.asked().empty());
 }
 
 TEST_F(TaskDetailTest, TheMouseOverARowOffersToClearItsValue)

@@ -40,6 +40,7 @@ Q_SIGNALS:
     void dismissDeteilViewController();
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

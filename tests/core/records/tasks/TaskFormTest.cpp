@@ -228,6 +228,17 @@ TEST_F(TaskFormTest, TheEndOfAnEditSavesOnlyWhatChangedAndKeepsARefusedOne)
     EXPECT_FALSE(form.canEdit());
 }
 
+TEST_F(TaskFormTest, ATickThatTheRulesRefuseIsTakenBack)
+{
+    const TaskPtr row = add(u"visit"_s, TaskType::Appointment, localDate(2026, 11, 23, 9));
+    TaskFormState form(row);
+    const ScriptedAlerts alerts({Alert::firstButton});
+    form.changeStatusNow(true);
+    EXPECT_EQ(alerts.asked().size(), 1U);
+    EXPECT_EQ(row->status(), 0);
+    EXPECT_EQ(form.currentTask().status, 0);
+}
+
 TEST_F(TaskFormTest, ThePreviewLeavesOutWhatHasNothingToSay)
 {
     TaskFormState form{NewTaskRequest()};
