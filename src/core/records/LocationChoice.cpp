@@ -48,7 +48,7 @@ std::optional<LocationPtr> LocationChoice::made() const
 
 LocationPtr LocationChoice::remove(int row)
 {
-    const LocationPtr location = locationAt(row);
+    LocationPtr location = locationAt(row);
     if (!location)
         return nullptr;
     const LocationPtr before = chosen();
