@@ -77,6 +77,8 @@ public:
     bool isSomeday() const { return task.dueSomeDay.value_or(false); }
     bool hasClock() const { return !task.isToDo(); }
     bool hasCalendarAccess() const { return calendarAccess; }
+    /// The numbers of the types that the task may have.
+    std::vector<int> types() const;
     const TaskInvitation &invitation() const { return invited; }
 
     // Editing and saving.
@@ -118,6 +120,7 @@ private:
     MVTask task;
     TaskInvitation invited;
     bool calendarAccess;
+    bool mayBeToDo = true;
     bool touched = false;
     bool savePause = false;
 };

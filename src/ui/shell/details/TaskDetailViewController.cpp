@@ -138,14 +138,6 @@ bool TaskDetailViewController::shows(const ObjectPtr &record) const
     return record && form.currentTask().task() == record;
 }
 
-void TaskDetailViewController::setActive(bool isNowActive)
-{
-    DetailViewController::setActive(isNowActive);
-    // What is covered takes no keys.
-    for (QWidget *part : findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
-        part->setEnabled(isNowActive);
-}
-
 // Modes
 
 bool TaskDetailViewController::isEditing() const
@@ -175,7 +167,7 @@ void TaskDetailViewController::modeChanged(bool editing)
 void TaskDetailViewController::statusChanged()
 {
     using Style = DateFormatter::Style;
-    buttonEdit->setText(localized(isEditing() ? u"Done"_s : u"Edit"_s));
+    buttonEdit->setText(localized(isEditing() ? u"DoneButton"_s : u"Edit"_s));
     buttonEdit->setDefault(isEditing());
     buttonEdit->setVisible(form.allowsModifyEvent());
     buttonEdit->setEnabled(isEditing() || form.canEdit());
