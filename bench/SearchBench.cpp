@@ -5,7 +5,10 @@
 
 #include <sqlite3.h>
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QString>
+#include <QThread>
 
 #include <string>
 
@@ -39,6 +42,36 @@ void search(benchmark::State &state)
     state.counters["hits"] = static_cast<double>(results.rows().size());
 }
 BENCHMARK(search)->ArgName("letters")->Arg(3)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond)->Iterations(8);
+
+/// A search beside the main loop: how long the answer takes, and how long the loop was kept from a key.
+void searchLater(benchmark::State &state)
+{
+    BenchHome::shared();
+    SearchViewController results;
+    qint64 longestWait = 0;
+    for (auto _ : state) {
+        QElapsedTimer wait;
+        wait.start();
+        results.changeFileterStringLater(QStringLiteral("karen").left(state.range(0)), [] {});
+        while (results.isSearching()) {
+            longestWait = std::max(longestWait, wait.nsecsElapsed());
+            QThread::msleep(1);
+            wait.start();
+            QCoreApplication::processEvents();
+        }
+        longestWait = std::max(longestWait, wait.nsecsElapsed());
+    }
+    state.counters["hits"] = static_cast<double>(results.rows().size());
+    state.counters["longestWaitMs"] = static_cast<double>(longestWait) / 1e6;
+}
+BENCHMARK(searchLater)
+    ->ArgName("letters")
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(3)
+    ->Arg(5)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(4);
 
 /// What finds thousands of records.
 void searchOfMany(benchmark::State &state)

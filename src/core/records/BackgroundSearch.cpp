@@ -22,28 +22,31 @@ void BackgroundSearch::cancel()
         *isCancelled = true;
 }
 
+void BackgroundSearch::letGo(SearchRows rows)
+{
+    thread.start([held = std::move(rows)]() mutable { held.reset(); });
+}
+
 namespace {
 
 struct Search
 {
     QString path;
     const ManagedObjectModel &model;
-    QString storeIdentifier;
-    QString text;
-    NameOrder order;
+    searchhits::Query query;
     std::shared_ptr<const std::atomic<bool>> isCancelled;
 
-    std::vector<SearchHit> run() const
+    SearchRows run() const
     {
         auto reader = StoreReader::open(path, model, *isCancelled);
         if (!reader) {
             Log::line(QStringLiteral("Cannot search: %1").arg(reader.error().message));
-            return {};
+            return searchhits::rows({}, query.headings);
         }
-        auto hits = searchhits::read(**reader, storeIdentifier, text, order);
+        auto hits = searchhits::read(**reader, query);
         if (!hits && !*isCancelled)
             Log::line(QStringLiteral("Cannot search the store"));
-        return hits.value_or(std::vector<SearchHit>());
+        return searchhits::rows(hits ? std::move(*hits) : std::vector<SearchHit>(), query.headings);
     }
 };
 
@@ -54,15 +57,17 @@ void BackgroundSearch::find(const QString &text, Found found)
     cancel();
     isCancelled = std::make_shared<std::atomic<bool>>(false);
     const ManagedObjectContext &context = mainContext();
-    const Search search{context.path(), context.model(),      context.storeIdentifier(),
-                        text,           preferredNameOrder(), isCancelled};
+    const Search search{context.path(),
+                        context.model(),
+                        {context.storeIdentifier(), text, preferredNameOrder(), searchhits::headings()},
+                        isCancelled};
     thread.start([search, found = std::move(found)] {
         if (*search.isCancelled)
             return;
-        auto hits = std::make_shared<std::vector<SearchHit>>(search.run());
-        MainLoop::performDelayed(Seconds(0), [search, found, hits] {
-            if (!*search.isCancelled)
-                found(std::move(*hits));
+        const SearchRows rows = search.run();
+        MainLoop::performDelayed(Seconds(0), [isGivenUp = search.isCancelled, found, rows] {
+            if (!*isGivenUp)
+                found(rows);
         });
     });
 }

@@ -13,7 +13,7 @@
 class BackgroundSearch
 {
 public:
-    using Found = std::function<void(std::vector<SearchHit> hits)>;
+    using Found = std::function<void(SearchRows rows)>;
 
     BackgroundSearch();
     /// Ends what runs.
@@ -25,6 +25,8 @@ public:
     /// search that fails finds nothing, with a line in the log.
     void find(const QString &text, Found found);
     void cancel();
+    /// Gives up former rows elsewhere: letting go of tens of thousands takes its time too.
+    void letGo(SearchRows rows);
 
 private:
     QThreadPool thread;

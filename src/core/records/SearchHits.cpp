@@ -1,16 +1,22 @@
 #include "records/SearchHits.h"
 
-#include "foundation/TextFolding.h"
+#include "foundation/Localization.h"
 #include "objectstore/StoreReader.h"
 #include "store/entities/Entities.h"
+#include "store/queries/DBWorker.h"
 
 #include <QUrl>
 
 #include <algorithm>
 #include <array>
+#include <numeric>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace {
+
+/// From so many records of a kind on, reading all of its rows once is quicker than looking for each.
+constexpr std::size_t manyRecords = 400;
 
 /// Where the name of a kind of record stands.
 struct Kind
@@ -30,59 +36,126 @@ const std::array<Kind, searchhits::kindCount> &kinds()
     return all;
 }
 
-QString nameOf(const RowReader &row, const Kind &kind, NameOrder order)
+/// The records of one kind that are named in the index, in the order of the index.
+struct Named
 {
-    return kind.nameColumns.size() == 1 ? row.text(0) : fullNameIn(order, row.text(0), row.text(1));
+    std::vector<QString> uris;
+    std::unordered_map<QString, std::size_t> places;
+};
+
+using NamedByKind = std::array<Named, searchhits::kindCount>;
+
+/// Takes in a URI of this store; those of others, and of kinds that are not searched, are left out.
+void add(NamedByKind &named, const QString &uri, const QString &store)
+{
+    const QStringList parts = uri.startsWith(store) ? uri.mid(store.size()).split(u'/') : QStringList();
+    if (parts.size() != 2)
+        return;
+    const std::string entity = parts[0].toStdString();
+    const auto kind =
+        std::find_if(kinds().begin(), kinds().end(), [&](const Kind &one) { return one.entity == entity; });
+    if (kind == kinds().end())
+        return;
+    Named &of = named[static_cast<std::size_t>(kind - kinds().begin())];
+    if (of.places.emplace(QUrl::fromPercentEncoding(parts[1].toUtf8()), of.uris.size()).second)
+        of.uris.push_back(uri);
+}
+
+std::optional<NamedByKind> namedIn(StoreReader &reader, const searchhits::Query &query)
+{
+    NamedByKind named;
+    std::unordered_set<QString> seen;
+    const QString store = QStringLiteral("x-morvane://%1/").arg(query.storeIdentifier);
+    const FetchRequest containing =
+        EntitySearchIndex::fetchRequest().where(Predicate::format("string CONTAINS[cd] %@", query.text));
+    const bool isRead = reader.visit(containing, {"objectId"}, [&](const RowReader &row) {
+        const auto [uri, isNew] = seen.insert(row.text(0));
+        if (isNew)
+            add(named, *uri, store);
+    });
+    return isRead ? std::optional(std::move(named)) : std::nullopt;
+}
+
+/// The names of the records, by their places; absent for a record that is gone.
+bool readNames(StoreReader &reader, const Kind &kind, const Named &named, NameOrder order,
+               std::vector<std::optional<QString>> &names)
+{
+    std::vector<std::string> columns = kind.nameColumns;
+    columns.emplace_back("id");
+    const int idColumn = static_cast<int>(kind.nameColumns.size());
+    const auto take = [&](const RowReader &row) {
+        const auto place = named.places.find(row.text(idColumn));
+        if (place != named.places.end())
+            names[place->second] = idColumn == 1 ? row.text(0) : fullNameIn(order, row.text(0), row.text(1));
+    };
+    if (named.uris.size() >= manyRecords)
+        return reader.visit(FetchRequest(kind.entity), columns, take);
+    return std::all_of(named.places.begin(), named.places.end(), [&](const auto &place) {
+        return reader.visitRow(kind.entity, place.first, columns, take);
+    });
+}
+
+/// The places of hits in the order of their kinds and names.
+std::vector<std::size_t> sortedPlaces(const std::vector<SearchHit> &hits)
+{
+    std::vector<QString> folded;
+    folded.reserve(hits.size());
+    for (const SearchHit &hit : hits)
+        folded.push_back(hit.name.toCaseFolded());
+    std::vector<std::size_t> places(hits.size());
+    std::iota(places.begin(), places.end(), std::size_t(0));
+    std::stable_sort(places.begin(), places.end(), [&](std::size_t one, std::size_t other) {
+        return hits[one].kind != hits[other].kind ? hits[one].kind < hits[other].kind
+                                                  : folded[one] < folded[other];
+    });
+    return places;
 }
 
 } // namespace
 
-void searchhits::sort(std::vector<SearchHit> &hits)
+ObjectPtr SearchRow::record() const
 {
-    std::stable_sort(hits.begin(), hits.end(), [](const SearchHit &one, const SearchHit &other) {
-        return one.kind != other.kind ? one.kind < other.kind
-                                      : caseInsensitiveCompare(one.name, other.name) < 0;
-    });
+    return isHeading() ? nullptr : DBWorker::getObjectFromId(uri);
 }
 
-/// The identifiers of records in the rows of the index that contain a text, each once and in their order.
-static std::optional<std::vector<QString>> urisWith(StoreReader &reader, const QString &text)
+QStringList searchhits::headings()
 {
-    std::vector<QString> uris;
-    std::unordered_set<QString> seen;
-    const FetchRequest containing =
-        EntitySearchIndex::fetchRequest().where(Predicate::format("string CONTAINS[cd] %@", text));
-    const bool isRead = reader.visit(containing, {"objectId"}, [&](const RowReader &row) {
-        if (seen.insert(row.text(0)).second)
-            uris.push_back(row.text(0));
-    });
-    return isRead ? std::optional(std::move(uris)) : std::nullopt;
+    QStringList words;
+    for (const QString &word : {QStringLiteral("Task"), QStringLiteral("Project"), QStringLiteral("Contact"),
+                                QStringLiteral("Company"), QStringLiteral("Note")})
+        words.append(localized(word).toUpper());
+    return words;
 }
 
-std::optional<std::vector<SearchHit>> searchhits::read(StoreReader &reader, const QString &storeIdentifier,
-                                                       const QString &text, NameOrder order)
+SearchRows searchhits::rows(std::vector<SearchHit> hits, const QStringList &headings)
 {
-    const auto uris = urisWith(reader, text);
-    if (!uris)
+    auto made = std::make_shared<std::vector<SearchRow>>();
+    made->reserve(hits.size() + kindCount);
+    int lastKind = -1;
+    for (const std::size_t place : sortedPlaces(hits)) {
+        SearchHit &hit = hits[place];
+        if (hit.kind != std::exchange(lastKind, hit.kind))
+            made->push_back({headings.at(hit.kind), {}, {}});
+        made->push_back({{}, std::move(hit.uri), std::move(hit.name)});
+    }
+    return made;
+}
+
+std::optional<std::vector<SearchHit>> searchhits::read(StoreReader &reader, const Query &query)
+{
+    const auto named = namedIn(reader, query);
+    if (!named)
         return std::nullopt;
     std::vector<SearchHit> hits;
-    hits.reserve(uris->size());
-    const QString store = QStringLiteral("x-morvane://%1/").arg(storeIdentifier);
-    for (const QString &uri : *uris) {
-        const QStringList parts = uri.startsWith(store) ? uri.mid(store.size()).split(u'/') : QStringList();
-        const auto kind = std::find_if(kinds().begin(), kinds().end(), [&parts](const Kind &one) {
-            return parts.size() == 2 && parts[0].toStdString() == one.entity;
-        });
-        if (kind == kinds().end())
-            continue;
-        const int number = static_cast<int>(kind - kinds().begin());
-        const QString id = QUrl::fromPercentEncoding(parts[1].toUtf8());
-        const auto add = [&](const RowReader &row) {
-            hits.push_back({number, uri, nameOf(row, *kind, order)});
-        };
-        if (!reader.visitRow(kind->entity, id, kind->nameColumns, add))
+    for (int kind = 0; kind < kindCount; ++kind) {
+        const Named &of = (*named)[static_cast<std::size_t>(kind)];
+        std::vector<std::optional<QString>> names(of.uris.size());
+        if (!readNames(reader, kinds()[static_cast<std::size_t>(kind)], of, query.order, names))
             return std::nullopt;
+        for (std::size_t place = 0; place < names.size(); ++place) {
+            if (names[place])
+                hits.push_back({kind, of.uris[place], std::move(*names[place])});
+        }
     }
-    sort(hits);
     return hits;
 }

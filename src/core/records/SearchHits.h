@@ -1,9 +1,12 @@
 #pragma once
 
+#include "objectstore/ManagedObject.h"
 #include "store/entities/FullName.h"
 
 #include <QString>
+#include <QStringList>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -20,18 +23,47 @@ struct SearchHit
     QString name;
 };
 
-/// Finding records by the rows of the search index that contain a text.
+/// A line of the results: a heading (a localised word in capitals), or a record.
+struct SearchRow
+{
+    QString heading;
+    /// The permanent URI of the record; empty for a heading.
+    QString uri;
+    /// What the list shows of the record.
+    QString name;
+
+    bool isHeading() const { return uri.isEmpty(); }
+    /// Null for a heading, and for a record that is gone since. Main thread only.
+    ObjectPtr record() const;
+};
+
+/// What a search gives. It may hold a line for every record there is, so it is handed on without a copy.
+using SearchRows = std::shared_ptr<const std::vector<SearchRow>>;
+
+/// Finding records by the rows of the search index that contain a text. Any thread, but for `headings`.
 namespace searchhits {
 
 inline constexpr int kindCount = 5;
 
-/// By kind, and within a kind by name, whatever the case.
-void sort(std::vector<SearchHit> &hits);
+/// What a search has to know before it starts.
+struct Query
+{
+    /// The identity of the store, which its URIs begin with.
+    QString storeIdentifier;
+    QString text;
+    NameOrder order;
+    /// The headings in the user's language, by kind.
+    QStringList headings;
+};
 
-/// What the last save of a store holds, sorted, each record once. Any thread.
-/// \param storeIdentifier the identity of the store, which its URIs begin with.
+/// The localised words in capitals. Main thread only.
+QStringList headings();
+
+/// The lines for records: by kind and, whatever the case, by name, each kind under its heading.
+SearchRows rows(std::vector<SearchHit> hits, const QStringList &headings);
+
+/// What the last save of a store holds, each record once.
 /// \return nothing if the reading was cancelled or failed.
-std::optional<std::vector<SearchHit>> read(StoreReader &reader, const QString &storeIdentifier,
-                                           const QString &text, NameOrder order);
+std::optional<std::vector<SearchHit>> read(StoreReader &reader, const Query &query);
 
 } // namespace searchhits

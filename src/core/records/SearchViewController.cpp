@@ -1,6 +1,5 @@
 #include "records/SearchViewController.h"
 
-#include "foundation/Localization.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/TextFolding.h"
 #include "records/BackgroundSearch.h"
@@ -16,8 +15,6 @@ namespace {
 
 constexpr double minimumHeight = 40.0;
 constexpr double maximumHeight = 466.0;
-
-constexpr std::array<const char16_t *, 5> headings = {u"Task", u"Project", u"Contact", u"Company", u"Note"};
 
 } // namespace
 
@@ -65,11 +62,6 @@ std::vector<ObjectPtr> SearchViewController::sortetArray(std::vector<ObjectPtr> 
 SearchViewController::SearchViewController() = default;
 SearchViewController::~SearchViewController() = default;
 
-ObjectPtr SearchViewController::Row::record() const
-{
-    return isHeading() ? nullptr : DBWorker::getObjectFromId(uri);
-}
-
 void SearchViewController::changeFileterString(const QString &text)
 {
     std::vector<SearchHit> hits;
@@ -83,8 +75,7 @@ void SearchViewController::changeFileterString(const QString &text)
         if (kind < searchhits::kindCount)
             hits.push_back({kind, uri, getStringWithObject(record)});
     }
-    searchhits::sort(hits);
-    show(std::move(hits));
+    resultRows = searchhits::rows(std::move(hits), searchhits::headings());
 }
 
 void SearchViewController::changeFileterStringLater(const QString &text, std::function<void()> done)
@@ -92,44 +83,30 @@ void SearchViewController::changeFileterStringLater(const QString &text, std::fu
     if (!background)
         background = std::make_unique<BackgroundSearch>();
     searching = !text.isEmpty();
-    if (searching) {
-        background->find(text, [this, done = std::move(done)](std::vector<SearchHit> hits) {
-            searching = false;
-            show(std::move(hits));
-            done();
-        });
-        return;
-    }
+    const auto take = [this, done = std::move(done)](SearchRows rows) {
+        searching = false;
+        background->letGo(std::exchange(resultRows, std::move(rows)));
+        done();
+    };
+    if (searching)
+        return background->find(text, take);
     background->cancel();
-    show({});
-    done();
-}
-
-void SearchViewController::show(std::vector<SearchHit> hits)
-{
-    resultRows.clear();
-    int lastKind = -1;
-    for (SearchHit &hit : hits) {
-        if (hit.kind != std::exchange(lastKind, hit.kind))
-            resultRows.push_back(
-                {localized(QString::fromUtf16(headings[static_cast<size_t>(hit.kind)])).toUpper(), {}, {}});
-        resultRows.push_back({{}, std::move(hit.uri), std::move(hit.name)});
-    }
+    take(std::make_shared<const std::vector<Row>>());
 }
 
 double SearchViewController::popoverHeight(double rowHeight, double headerHeight) const
 {
     double height = 0;
-    for (const Row &row : resultRows)
+    for (const Row &row : *resultRows)
         height += row.isHeading() ? headerHeight : rowHeight;
     return std::clamp(height, minimumHeight, maximumHeight);
 }
 
 bool SearchViewController::doubleClick(int row) const
 {
-    if (row < 0 || row >= static_cast<int>(resultRows.size()))
+    if (row < 0 || row >= static_cast<int>(resultRows->size()))
         return false;
-    const ObjectPtr record = resultRows[static_cast<size_t>(row)].record();
+    const ObjectPtr record = (*resultRows)[static_cast<size_t>(row)].record();
     if (!record)
         return false;
     NotificationCenter::defaultCenter().post(notifications::clickTableSearch, record);

@@ -15,18 +15,7 @@ class BackgroundSearch;
 class SearchViewController
 {
 public:
-    /// A heading (a localised word in capitals), or a record.
-    struct Row
-    {
-        QString heading;
-        /// The permanent URI of the record; empty for a heading.
-        QString uri;
-        /// What the list shows of the record.
-        QString name;
-        bool isHeading() const { return uri.isEmpty(); }
-        /// Null for a heading, and for a record that is gone since.
-        ObjectPtr record() const;
-    };
+    using Row = SearchRow;
 
     SearchViewController();
     ~SearchViewController();
@@ -40,7 +29,7 @@ public:
     /// Whether an answer is still to come.
     bool isSearching() const { return searching; }
 
-    const std::vector<Row> &rows() const { return resultRows; }
+    const std::vector<Row> &rows() const { return *resultRows; }
     /// The height that the list takes, within the limits of the popover.
     double popoverHeight(double rowHeight, double headerHeight) const;
     /// Takes a record to the screen that shows it; false for a heading or a row that is none.
@@ -54,9 +43,7 @@ public:
     static std::vector<ObjectPtr> sortetArray(std::vector<ObjectPtr> objects);
 
 private:
-    void show(std::vector<SearchHit> hits);
-
-    std::vector<Row> resultRows;
+    SearchRows resultRows = std::make_shared<const std::vector<Row>>();
     std::unique_ptr<BackgroundSearch> background;
     bool searching = false;
 };
