@@ -70,3 +70,13 @@ std::shared_ptr<EntityContactGroup> ContactGroups::saveContactGroup(const MVCont
     DBWorker::saveContext();
     return group;
 }
+
+bool ContactGroups::rename(EntityContactGroup &group, const QString &title)
+{
+    const QString wanted = title.trimmed();
+    if (wanted.isEmpty() || wanted == group.title())
+        return false;
+    group.setTitle(wanted);
+    DBWorker::saveContext();
+    return true;
+}

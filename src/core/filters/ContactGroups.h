@@ -40,6 +40,8 @@ public:
     static void saveListFilterContacts(const MVContactGroup &list,
                                        const std::shared_ptr<EntityContactGroup> &contactGroup,
                                        const std::function<void()> &reloadData);
+    /// Gives a group another title and saves. Nothing for a blank one; false if nothing was changed.
+    static bool rename(EntityContactGroup &group, const QString &title);
     /// Stores the values of a new group or list and saves.
     static std::shared_ptr<EntityContactGroup> saveContactGroup(const MVContactGroup &values);
 };

@@ -5,6 +5,16 @@
 
 #include <optional>
 
+/// What was marked in a calendar for a new task.
+struct MarkedSpan
+{
+    Date start;
+    Date due;
+};
+
+/// In which part of a calendar it was marked; the numbers are those by which calendars ask.
+enum class TimePeriod { Timed = 0, AllDay = 1 };
+
 /// With what a new task begins.
 struct NewTaskRequest
 {
@@ -21,4 +31,7 @@ struct NewTaskRequest
     TaskType type = TaskType::ToDo;
     /// Whether it may be a ToDo.
     bool showTodo = true;
+
+    /// What was marked among whole days begins as a ToDo; among hours it can be anything else.
+    static NewTaskRequest ofCalendar(const MarkedSpan &span, TimePeriod period);
 };

@@ -1,6 +1,7 @@
 #include "filters/TaskFilterController.h"
 
 #include "filters/ListFilter.h"
+#include "filters/MultiPickField.h"
 #include "foundation/Localization.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/DatePicker.h"
@@ -44,6 +45,7 @@ Popover *TaskFilterController::makePopover(ListFilter &filter, QWidget *parent)
     column->setContentsMargins(1, Theme::unit, 1, Theme::unit);
     auto *rows = new TaskFilterController(filter, bubble);
     auto *scroll = new FormScroll(rows);
+    scroll->setFixedWidth(contentWidth);
     column->addWidget(scroll);
     const int room = parent->screen()->availableGeometry().height() - 4 * Theme::unit;
     bubble->setMaximumHeight(room);
@@ -56,8 +58,6 @@ Popover *TaskFilterController::makePopover(ListFilter &filter, QWidget *parent)
 void TaskFilterController::addRow(const FilterRow &description)
 {
     QWidget *control = makeControl(description);
-    if (!control)
-        return;
     auto *row = new RowItemView(description.tag, description.key, rowHeight, this);
     if (!description.label.isEmpty())
         row->setLabel(description.label);
@@ -74,7 +74,7 @@ QWidget *TaskFilterController::makeControl(const FilterRow &description)
     if (description.key == u"Period"_s)
         return makePeriod();
     if (description.key == u"Delegate"_s || description.key == u"Company"_s)
-        return nullptr;
+        return new MultiPickField(filter, description.key);
     return makePopUp(description.key);
 }
 
@@ -115,9 +115,11 @@ QWidget *TaskFilterController::makePeriod()
     fromPicker = new DatePicker(PickerType::StartDate);
     fromPicker->setObjectName(u"pickerFrom"_s);
     fromPicker->setAccessibleName(localized(u"From"_s));
+    fromPicker->setClearable(false);
     toPicker = new DatePicker(PickerType::DueDate);
     toPicker->setObjectName(u"pickerTo"_s);
     toPicker->setAccessibleName(localized(u"To"_s));
+    toPicker->setClearable(false);
     clearButton = new QToolButton;
     clearButton->setObjectName(u"buttonClearPeriod"_s);
     clearButton->setIcon(Icons::icon(u"clear"_s, Theme::secondaryText));
@@ -128,10 +130,8 @@ QWidget *TaskFilterController::makePeriod()
     row->addWidget(new QLabel(u"-"_s));
     row->addWidget(toPicker, 1);
     row->addWidget(clearButton);
-    for (DatePicker *picker : {fromPicker, toPicker}) {
+    for (DatePicker *picker : {fromPicker, toPicker})
         connect(picker, &DatePicker::pressed, this, [this, picker] { pickDate(*picker); });
-        connect(picker, &DatePicker::cleared, this, &TaskFilterController::clearPeriod);
-    }
     connect(clearButton, &QToolButton::clicked, this, &TaskFilterController::clearPeriod);
     line->setFocusProxy(fromPicker);
     setDataPeriod();

@@ -1,7 +1,6 @@
 #include "filters/TasksFilterButton.h"
 
 #include "filters/TaskFilterController.h"
-#include "foundation/Localization.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Popover.h"
@@ -25,38 +24,18 @@ TasksFilterButton::TasksFilterButton(QWidget *parent)
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, this, &TasksFilterButton::togglePopover);
-    describe();
 }
 
-void TasksFilterButton::setShowing(bool isShowing)
+void TasksFilterButton::setState(const FilterState &state)
 {
-    setEnabled(isShowing);
-    if (!isShowing)
+    setEnabled(state.isButtonEnabled());
+    if (!isEnabled())
         closePopover();
-    describe();
-}
-
-void TasksFilterButton::setState(int newState)
-{
-    shownState = newState;
-    describe();
-}
-
-/// The words beside the icon.
-void TasksFilterButton::describe()
-{
-    setText(localized(!isEnabled()      ? u"Filter inactive, grouping is activated"_s
-                      : shownState == 1 ? u"Filtered"_s
-                                        : u"Filter"_s));
+    label = state.label();
+    setText(state.labelText());
     setAccessibleName(text());
     updateGeometry();
     update();
-}
-
-void TasksFilterButton::clearFilter()
-{
-    closePopover();
-    filter.clear();
 }
 
 Popover *TasksFilterButton::popover() const
@@ -68,9 +47,9 @@ void TasksFilterButton::togglePopover()
 {
     if (bubble)
         return closePopover();
-    if (!isEnabled())
+    if (!isEnabled() || !filter)
         return;
-    bubble = TaskFilterController::makePopover(filter, this);
+    bubble = TaskFilterController::makePopover(*filter, this);
     connect(bubble, &Popover::closed, this, [this] { update(); });
     bubble->showBeside(*this);
     update();
@@ -95,9 +74,15 @@ QSize TasksFilterButton::minimumSizeHint() const
 
 QColor TasksFilterButton::ink() const
 {
-    if (!isEnabled())
+    switch (label) {
+    case FilterState::Label::Inactive:
         return Theme::filterInactive;
-    return shownState == 1 ? Theme::selectedText : Theme::filterOff;
+    case FilterState::Label::Filtered:
+        return Theme::selectedText;
+    case FilterState::Label::Filter:
+        break;
+    }
+    return Theme::filterOff;
 }
 
 void TasksFilterButton::paintEvent(QPaintEvent *)
@@ -115,7 +100,7 @@ void TasksFilterButton::paintEvent(QPaintEvent *)
     };
     const int iconLeft = width() - padding - iconSide;
     Icons::paint(painter, placed({iconLeft, 0, iconSide, height()}),
-                 shownState == 1 ? u"filtered"_s : u"filter"_s, ink(), iconSide);
+                 label == FilterState::Label::Filtered ? u"filtered"_s : u"filter"_s, ink(), iconSide);
     painter.setPen(ink());
     const QRect words(padding, 0, iconLeft - iconGap - padding, height());
     if (words.width() > 0)

@@ -29,11 +29,12 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
 {
     constexpr auto separator = std::nullopt;
     addMenu(menuBar, actions, u"File"_s,
-            {ActionId::NewTask, separator, ActionId::Calendars, ActionId::Settings, separator,
-             ActionId::CloseWindow, ActionId::Quit});
+            {ActionId::NewTask, separator, ActionId::Save, separator, ActionId::Calendars, ActionId::Settings,
+             separator, ActionId::OpenMainWindow, ActionId::CloseWindow, ActionId::Quit});
     addMenu(menuBar, actions, u"Edit"_s,
-            {ActionId::Undo, ActionId::Redo, separator, ActionId::Delete, ActionId::SelectAll, separator,
-             ActionId::Search, ActionId::FilterTasks, ActionId::ClearFilter, ActionId::WhyIsItHere});
+            {ActionId::Undo, ActionId::Redo, separator, ActionId::Cut, ActionId::Copy, ActionId::Paste,
+             ActionId::Delete, ActionId::SelectAll, separator, ActionId::Search, ActionId::FilterTasks,
+             ActionId::ClearFilter, ActionId::WhyIsItHere});
     addMenu(menuBar, actions, u"View"_s,
             {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople,
              ActionId::ShowCompanies, separator, ActionId::ShowInbox, ActionId::ShowToday,

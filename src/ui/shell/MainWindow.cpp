@@ -81,6 +81,13 @@ void MainWindow::paintEvent(QPaintEvent *event)
         QTimer::singleShot(0, this, &MainWindow::firstPainted);
 }
 
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        Q_EMIT didBecomeKey();
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->accept();

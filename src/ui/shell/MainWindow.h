@@ -22,9 +22,12 @@ Q_SIGNALS:
     /// The window is seen for the first time.
     void firstPainted();
     void closed();
+    /// The window takes the keys.
+    void didBecomeKey();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "shell/MainWindowController.h"
 
+#include "filters/ContactGroups.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "shell/Actions.h"
@@ -9,6 +10,7 @@
 #include "shell/RightToolBar.h"
 #include "shell/ScreenFactory.h"
 #include "shell/ShellAlerts.h"
+#include "shell/TextCommands.h"
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/details/DetailStack.h"
@@ -20,6 +22,7 @@
 #include "widgets/ScreenToolBar.h"
 #include "widgets/TextBubble.h"
 
+#include <QApplication>
 #include <QLayout>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -29,6 +32,7 @@ using namespace std::chrono_literals;
 
 constexpr auto badgeInterval = 60s;
 constexpr auto firstSelectionDelay = 300ms;
+constexpr auto groupFocusDelay = 200ms;
 
 MainWindowController::MainWindowController()
     : mainWindow(std::make_unique<MainWindow>())
@@ -43,7 +47,11 @@ MainWindowController::MainWindowController()
     windowDidLoad();
 }
 
-MainWindowController::~MainWindowController() = default;
+/// While the parts go one by one, nobody asks them what is possible.
+MainWindowController::~MainWindowController()
+{
+    disconnect(qApp, nullptr, actions, nullptr);
+}
 
 void MainWindowController::windowDidLoad()
 {
@@ -58,8 +66,13 @@ void MainWindowController::windowDidLoad()
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
     connect(mainWindow.get(), &MainWindow::firstPainted, &badgeRecount, [this] { badgeRecount.start(0); });
     badgeTimer.emplace(badgeInterval, [this] { countTasksBadge(); });
+    connect(mainWindow.get(), &MainWindow::closed, this, &MainWindowController::stopObserving);
+    connect(mainWindow.get(), &MainWindow::didBecomeKey, this, &MainWindowController::observe);
+    connect(mainWindow->rightToolBarMain(), &RightToolBar::currentResultChanged, actions,
+            &Actions::updateEnabled);
+    connect(sidebar, &SidebarModel::groupRenamed, this, &MainWindowController::groupRenamed);
+    connect(qApp, &QApplication::focusChanged, actions, &Actions::updateEnabled);
     observe();
-    observeSearch();
     QTimer::singleShot(firstSelectionDelay, this, &MainWindowController::selectFirstRow);
 }
 
@@ -69,8 +82,20 @@ void MainWindowController::selectFirstRow()
         showList(SidebarItem::Home);
 }
 
+void MainWindowController::stopObserving()
+{
+    observations.clear();
+}
+
+/// A window that was closed and comes back has missed what was saved in between.
 void MainWindowController::observe()
 {
+    if (!observations.empty())
+        return;
+    badgeRecount.start(0);
+    observeSearch();
+    observeCalendar();
+    observeGroups();
     for (const NotificationName name : {notifications::contextDidSave, notifications::iCloudChange})
         observations.push_back(NotificationCenter::defaultCenter().addObserver(
             name, [this](const Notification &) { storeChanged(); }));
@@ -78,8 +103,6 @@ void MainWindowController::observe()
 
 void MainWindowController::observeSearch()
 {
-    connect(mainWindow->rightToolBarMain(), &RightToolBar::currentResultChanged, actions,
-            &Actions::updateEnabled);
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
         notifications::searchMorvane,
         [this](const Notification &) { mainWindow->rightToolBarMain()->focusSearch(); }));
@@ -87,6 +110,28 @@ void MainWindowController::observeSearch()
         notifications::clickTableSearch, [this](const Notification &notification) {
             if (const auto *record = std::any_cast<ObjectPtr>(&notification.object))
                 searchSelectItem(*record);
+        }));
+}
+
+void MainWindowController::observeCalendar()
+{
+    const auto create = [this](NotificationName name, TimePeriod period) {
+        observations.push_back(NotificationCenter::defaultCenter().addObserver(
+            name, [this, period](const Notification &notification) {
+                if (const auto *dates = std::any_cast<MarkedSpan>(&notification.object))
+                    newTask(*dates, period);
+            }));
+    };
+    create(notifications::dayCalendarCreateTask, TimePeriod::Timed);
+    create(notifications::allDayCalendarCreateTask, TimePeriod::AllDay);
+}
+
+void MainWindowController::observeGroups()
+{
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(
+        notifications::saveNewContactGroup, [this](const Notification &notification) {
+            if (const auto *values = std::any_cast<MVContactGroup>(&notification.object))
+                saveContactGroup(*values);
         }));
 }
 
@@ -133,6 +178,14 @@ void MainWindowController::bindActions()
         [this] { return screen && screen->canClearFilter(); });
     actions->bind(
         ActionId::WhyIsItHere, [this] { explainPlace(); }, [this] { return taskInQuestion() != nullptr; });
+    actions->bind(ActionId::Cut, TextCommands::cut, TextCommands::canCut);
+    actions->bind(ActionId::Copy, TextCommands::copy, TextCommands::canCopy);
+    actions->bind(ActionId::Paste, TextCommands::paste, TextCommands::canPaste);
+    actions->bind(
+        ActionId::Save, [] { NotificationCenter::defaultCenter().post(notifications::keySave); },
+        [this] { return details->top() && details->top()->canSave(); });
+    actions->bind(
+        ActionId::OpenMainWindow, [this] { showWindow(); }, [this] { return !mainWindow->isVisible(); });
     actions->bind(
         ActionId::Delete, [this] { removeSelected(); }, [this] { return screen && screen->hasSelection(); });
     actions->bind(
@@ -223,6 +276,33 @@ void MainWindowController::loadContactsGroup()
     sidebar->loadContactsGroup();
     mainWindow->outlineViewListItem()->setExpanded(sidebar->indexOf(SidebarItem::Contacts), isExpanded);
     mainWindow->outlineViewListItem()->setExpanded(sidebar->indexOf(SidebarItem::Tasks), isTasksExpanded);
+}
+
+void MainWindowController::saveContactGroup(const MVContactGroup &values)
+{
+    newGroupEntity = ContactGroups::saveContactGroup(values);
+    loadContactsGroup();
+    QTimer::singleShot(firstSelectionDelay, this, [this] {
+        if (!newGroupEntity)
+            return;
+        mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOfGroup(*newGroupEntity));
+        QTimer::singleShot(groupFocusDelay, this, &MainWindowController::nameNewGroup);
+    });
+}
+
+void MainWindowController::nameNewGroup()
+{
+    if (const auto group = std::exchange(newGroupEntity, nullptr))
+        mainWindow->outlineViewListItem()->rename(sidebar->indexOfGroup(*group));
+}
+
+/// The row may stand elsewhere by its new title. It moves once the field over it has gone.
+void MainWindowController::groupRenamed(const std::shared_ptr<EntityContactGroup> &group)
+{
+    QTimer::singleShot(0, this, [this, group] {
+        loadContactsGroup();
+        mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOfGroup(*group));
+    });
 }
 
 void MainWindowController::countTasksBadge()
@@ -332,6 +412,11 @@ void MainWindowController::showNewTask(const NewTaskRequest &request)
         windowNewTask->setAttribute(Qt::WA_DeleteOnClose);
     }
     windowNewTask->showWindow();
+}
+
+void MainWindowController::newTask(const MarkedSpan &dates, TimePeriod timePeriod)
+{
+    showNewTask(NewTaskRequest::ofCalendar(dates, timePeriod));
 }
 
 void MainWindowController::showCalendars()

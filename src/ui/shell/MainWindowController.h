@@ -2,6 +2,7 @@
 
 #include "foundation/MainLoop.h"
 #include "foundation/NotificationCenter.h"
+#include "records/people/MVContactGroup.h"
 #include "shell/SidebarModel.h"
 #include "shell/TabsViewController.h"
 
@@ -41,12 +42,16 @@ public:
     void goToList(SidebarItem item);
     /// Opens the window for a new task; one that is open is brought to the front as it is.
     void showNewTask(const NewTaskRequest &request);
+    /// The same with what was marked in a calendar.
+    void newTask(const MarkedSpan &dates, TimePeriod timePeriod);
     void showCalendars();
     void showSettings();
     /// Asks about every window with something typed. False if one of them is to stay.
     bool closeNewWindows();
 
     void loadContactsGroup();
+    /// Stores a new group and lets the user name it in its row.
+    void saveContactGroup(const MVContactGroup &values);
     /// Counts the numbers beside the rows of "Tasks".
     void countTasksBadge();
     /// A result of the search was chosen: goes to the screen that shows it.
@@ -65,6 +70,11 @@ private:
     void bindLists();
     void observe();
     void observeSearch();
+    void observeCalendar();
+    void observeGroups();
+    void stopObserving();
+    void nameNewGroup();
+    void groupRenamed(const std::shared_ptr<EntityContactGroup> &group);
     void outlineViewSelectionDidChange(const QModelIndex &index);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);
@@ -86,6 +96,8 @@ private:
     std::optional<SidebarItem> selectItem;
     /// The URI of the record that a search led here for; empty once another row was selected.
     QString searchedRecord;
+    /// The group just made, until its row has taken the focus.
+    std::shared_ptr<EntityContactGroup> newGroupEntity;
     QPointer<WindowNewTask> windowNewTask;
     QPointer<CalendarsAppleWindowController> windowCalendars;
     QPointer<MVSetiingsCalendarController> windowSettings;

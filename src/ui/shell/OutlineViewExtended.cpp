@@ -15,7 +15,7 @@ OutlineViewExtended::OutlineViewExtended(QWidget *parent)
     setIndentation(0);
     setRootIsDecorated(false);
     setExpandsOnDoubleClick(false);
-    setEditTriggers(NoEditTriggers);
+    setEditTriggers(EditKeyPressed);
     setSelectionMode(SingleSelection);
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -73,9 +73,19 @@ void OutlineViewExtended::mousePressEvent(QMouseEvent *event)
     toggle(index);
 }
 
+/// What has a title of its own is renamed, anything else is pressed twice.
 void OutlineViewExtended::mouseDoubleClickEvent(QMouseEvent *event)
 {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && index.isValid() && index.flags().testFlag(Qt::ItemIsEditable))
+        return rename(index);
     mousePressEvent(event);
+}
+
+void OutlineViewExtended::rename(const QModelIndex &index)
+{
+    if (index.isValid() && index.flags().testFlag(Qt::ItemIsEditable))
+        edit(index);
 }
 
 bool OutlineViewExtended::event(QEvent *event)

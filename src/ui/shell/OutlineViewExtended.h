@@ -11,6 +11,8 @@ public:
 
     /// Selects a row, opening what it lies in.
     void selectIndex(const QModelIndex &index);
+    /// Lets the user type another title for a row that has one of its own.
+    void rename(const QModelIndex &index);
     /// Opens or closes a heading; opening selects its first child.
     void toggle(const QModelIndex &heading);
 

@@ -1,10 +1,12 @@
 #include "shell/SidebarCell.h"
 
+#include "foundation/Localization.h"
 #include "shell/SidebarModel.h"
 #include "widgets/BadgePainter.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
+#include <QLineEdit>
 #include <QPainter>
 
 using namespace Qt::Literals::StringLiterals;
@@ -94,4 +96,23 @@ void SidebarCell::paint(QPainter *painter, const QStyleOptionViewItem &option, c
 QSize SidebarCell::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
 {
     return {0, index.data(SidebarModel::IsTopLevelRole).toBool() ? topRowHeight : childRowHeight};
+}
+
+QWidget *SidebarCell::createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const
+{
+    auto *field = new QLineEdit(parent);
+    field->setObjectName(u"fieldGroupTitle"_s);
+    field->setAccessibleName(localized(u"Name of the group"_s));
+    return field;
+}
+
+/// Over the title, so that the icon stays in sight.
+void SidebarCell::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                                       const QModelIndex &) const
+{
+    constexpr int paddingOfField = 6;
+    const int left = childIconLeft + childIconSize + textGap - paddingOfField;
+    const QRect place(left, option.rect.top() + 1, option.rect.right() - left - plateMargin,
+                      option.rect.height() - 2);
+    editor->setGeometry(QStyle::visualRect(option.direction, option.rect, place));
 }

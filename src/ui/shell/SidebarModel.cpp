@@ -1,5 +1,6 @@
 #include "shell/SidebarModel.h"
 
+#include "filters/ContactGroups.h"
 #include "foundation/Localization.h"
 #include "records/TaskPlacement.h"
 
@@ -209,6 +210,7 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     const auto group = groupAt(index);
     switch (role) {
     case Qt::DisplayRole:
+    case Qt::EditRole:
         return titleAt(index);
     case Qt::AccessibleTextRole:
         return accessibleTextAt(index);
@@ -229,10 +231,22 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     }
 }
 
+bool SidebarModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    const auto group = groupAt(index);
+    if (role != Qt::EditRole || !group || !ContactGroups::rename(*group, value.toString()))
+        return false;
+    Q_EMIT dataChanged(index, index);
+    Q_EMIT groupRenamed(group);
+    return true;
+}
+
 Qt::ItemFlags SidebarModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid())
         return Qt::NoItemFlags;
+    if (groupAt(index))
+        return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable;
     const bool isHeading = isTopLevel(index) && rowCount(index) > 0;
     return isHeading ? Qt::ItemIsEnabled : Qt::ItemIsEnabled | Qt::ItemIsSelectable;
 }

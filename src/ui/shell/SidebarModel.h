@@ -61,7 +61,12 @@ public:
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &) const override { return 1; }
     QVariant data(const QModelIndex &index, int role) const override;
+    /// Only the titles of groups can be changed.
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+Q_SIGNALS:
+    void groupRenamed(const std::shared_ptr<EntityContactGroup> &group);
 
 private:
     struct Child

@@ -23,6 +23,7 @@ EmptyState::EmptyState(const QString &iconName, const QString &sentence, QWidget
 void EmptyState::setAction(const QString &title)
 {
     action = new QPushButton(title, this);
+    action->setFont(Theme::font(Theme::FontRole::Body));
     action->setObjectName(QStringLiteral("buttonOfEmptyState"));
     setAttribute(Qt::WA_TransparentForMouseEvents, false);
     connect(action, &QPushButton::clicked, this, &EmptyState::actionClicked);

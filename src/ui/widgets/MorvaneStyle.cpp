@@ -306,6 +306,13 @@ QRect MorvaneStyle::subElementRect(SubElement element, const QStyleOption *optio
     return rect.adjusted(fieldInset, 0, -fieldInset, 0);
 }
 
+QIcon MorvaneStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
+{
+    if (icon == SP_LineEditClearButton)
+        return Icons::icon(u"clear"_s, Theme::secondaryText);
+    return QProxyStyle::standardIcon(icon, option, widget);
+}
+
 void MorvaneStyle::polish(QWidget *widget)
 {
     QProxyStyle::polish(widget);

@@ -26,6 +26,7 @@ public:
                          const QWidget *widget) const override;
     QRect subElementRect(SubElement element, const QStyleOption *option,
                          const QWidget *widget) const override;
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const override;
     void polish(QWidget *widget) override;
     using QProxyStyle::polish;
 

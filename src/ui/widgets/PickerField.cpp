@@ -34,6 +34,12 @@ QSize PickerField::minimumSizeHint() const
     return {leastWidth, sizeHint().height()};
 }
 
+void PickerField::setClearable(bool clearable)
+{
+    isClearable = clearable;
+    update();
+}
+
 void PickerField::setValue(const QString &words, const QString &wordsForNone)
 {
     value = words;
@@ -45,7 +51,7 @@ void PickerField::setValue(const QString &words, const QString &wordsForNone)
 QRect PickerField::crossRect() const
 {
     const QRect atEnd(width() - iconWidth, 0, iconWidth, height());
-    return hasValue() ? QStyle::visualRect(layoutDirection(), rect(), atEnd) : QRect();
+    return canClear() ? QStyle::visualRect(layoutDirection(), rect(), atEnd) : QRect();
 }
 
 void PickerField::paintEvent(QPaintEvent *)
@@ -62,11 +68,12 @@ void PickerField::paintEvent(QPaintEvent *)
     Icons::paint(painter, placed(QRect(0, 0, iconWidth, height())), icon,
                  hasValue() ? Theme::accent : Theme::secondaryText, iconSize);
     painter.setPen(hasValue() ? Theme::text : Theme::disabledText);
-    const QRect place(iconWidth, 0, width() - 2 * iconWidth, height());
+    const QRect place(iconWidth, 0, width() - (isClearable ? 2 * iconWidth : iconWidth + Theme::unit),
+                      height());
     painter.drawText(placed(place),
                      QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
                      fontMetrics().elidedText(text(), Qt::ElideRight, place.width()));
-    if (hasValue())
+    if (canClear())
         Icons::paint(painter, crossRect(), u"clear"_s, Theme::secondaryText, iconSize);
     if (hasFocus())
         MorvaneStyle::drawFocusRing(painter, rect(), Theme::controlRadius, Theme::focusRing);
@@ -96,6 +103,6 @@ void PickerField::keyPressEvent(QKeyEvent *event)
         Q_EMIT pressed();
     else if (!ClearKey::is(*event))
         QWidget::keyPressEvent(event);
-    else if (hasValue())
+    else if (canClear())
         Q_EMIT cleared();
 }

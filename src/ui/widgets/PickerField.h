@@ -12,6 +12,9 @@ public:
     /// The value in words; `placeholder` where there is none.
     QString text() const { return value.isEmpty() ? placeholder : value; }
 
+    /// Whether there is a cross for a value; there is one until it is said otherwise.
+    void setClearable(bool clearable);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -29,9 +32,11 @@ protected:
 
 private:
     bool hasValue() const { return !value.isEmpty(); }
+    bool canClear() const { return isClearable && hasValue(); }
     QRect crossRect() const;
 
     QString icon;
     QString value;
     QString placeholder;
+    bool isClearable = true;
 };

@@ -57,6 +57,20 @@ void Popover::showBeside(const QWidget &control, const QRect &partOfControl)
     show();
 }
 
+/// The bubble begins where the control does, or ends there if it would leave the window otherwise.
+int Popover::leadingEdge(const QRect &around) const
+{
+    const QWidget &whole = *anchor->window();
+    const int windowLeft = whole.mapToGlobal(QPoint(0, 0)).x();
+    const int fromLeft = around.left();
+    const int fromRight = around.right() + 1 - width();
+    const bool fitsFromLeft = fromLeft + width() <= windowLeft + whole.width();
+    const bool fitsFromRight = fromRight >= windowLeft;
+    if (anchor->isRightToLeft())
+        return fitsFromRight || !fitsFromLeft ? fromRight : fromLeft;
+    return fitsFromLeft || !fitsFromRight ? fromLeft : fromRight;
+}
+
 void Popover::place()
 {
     const QRect room = anchor->screen()->availableGeometry();
@@ -64,7 +78,7 @@ void Popover::place()
     int top = around.bottom() + gap;
     if (top + height() > room.bottom() && around.top() - gap - height() >= room.top())
         top = around.top() - gap - height();
-    const int wanted = anchor->isRightToLeft() ? around.right() - width() : around.left();
+    const int wanted = leadingEdge(around);
     const int left = std::clamp(wanted, room.left(), std::max(room.left(), room.right() - width()));
     move(left, std::clamp(top, room.top(), std::max(room.top(), room.bottom() - height())));
 }

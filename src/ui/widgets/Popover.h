@@ -27,6 +27,7 @@ protected:
 
 private:
     void place();
+    int leadingEdge(const QRect &around) const;
 
     QPointer<const QWidget> anchor;
     QRect part;

@@ -155,6 +155,18 @@ TEST_F(ContactFilters, SetTheButtonsOfTheBar)
               (ContactFilterButtons{{u"Filter"_qs, false, false}, {u"Grouped"_qs, true, true}}));
 }
 
+TEST_F(ContactFilters, RenameAGroupButNeverToNothing)
+{
+    MVContactGroup values;
+    values.title = u"Choir"_qs;
+    const auto group = ContactGroups::saveContactGroup(values);
+    EXPECT_TRUE(ContactGroups::rename(*group, u"  Band "_qs));
+    EXPECT_FALSE(ContactGroups::rename(*group, u" \t"_qs));
+    EXPECT_FALSE(ContactGroups::rename(*group, u"Band"_qs));
+    EXPECT_EQ(group->title(), u"Band"_qs);
+    EXPECT_FALSE(context().hasChanges());
+}
+
 TEST_F(ContactFilters, PickTheMembersOfAGroup)
 {
     WindowAddContactsGroup adding(nullptr);

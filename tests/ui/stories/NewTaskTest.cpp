@@ -1,5 +1,6 @@
 // A new task is written down.
 
+#include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"
 #include "widgets/GrowingTextField.h"
@@ -224,4 +225,29 @@ TEST_F(NewTaskTest, TheWindowIsNeverDoubled)
     const ScriptedAlerts alerts({Alert::thirdButton});
     window().close();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow(); }));
+}
+
+TEST_F(NewTaskTest, AMarkInACalendarOpensTheWindowWithItsDates)
+{
+    const MarkedSpan hour = {localDate(2026, 11, 23, 10), localDate(2026, 11, 23, 11)};
+    const MarkedSpan days = {localDate(2026, 11, 24), localDate(2026, 11, 25, 23, 59, 59)};
+    const auto post = [this](NotificationName name, const MarkedSpan &span) {
+        NotificationCenter::defaultCenter().post(name, span);
+        return newTaskWindow() ? &newTaskWindow()->taskForm()->currentTask() : nullptr;
+    };
+    const MVTask *task = post(notifications::dayCalendarCreateTask, hour);
+    ASSERT_NE(task, nullptr);
+    EXPECT_EQ(task->type, static_cast<int>(TaskType::Appointment));
+    EXPECT_EQ(task->startDate, hour.start);
+    EXPECT_EQ(task->dueDate, hour.due);
+    // One that is open is only brought to the front.
+    EXPECT_EQ(post(notifications::allDayCalendarCreateTask, days)->startDate, hour.start);
+    delete newTaskWindow();
+    task = post(notifications::allDayCalendarCreateTask, days);
+    ASSERT_NE(task, nullptr);
+    EXPECT_EQ(task->type, static_cast<int>(TaskType::ToDo));
+    EXPECT_EQ(task->dueDate, days.due);
+    delete newTaskWindow();
+    window().close();
+    EXPECT_EQ(post(notifications::dayCalendarCreateTask, hour), nullptr);
 }

@@ -106,6 +106,25 @@ TEST_F(SearchTest, ADoubleClickShowsARecordAndAHeadingDoesNothing)
     EXPECT_EQ(shownItem(), SidebarItem::Companies);
 }
 
+TEST_F(SearchTest, WhatIsTypedIsCopiedAndPastedByTheCommandsOfTheMenu)
+{
+    const auto command = [this](ActionId id) {
+        QAction &action = *controller().commands()->action(id);
+        controller().commands()->updateEnabled();
+        EXPECT_TRUE(action.isEnabled()) << qPrintable(action.text());
+        action.trigger();
+    };
+    showList(SidebarItem::Inbox);
+    EXPECT_FALSE(controller().commands()->action(ActionId::Copy)->isEnabled());
+    search(u"bread"_s);
+    field().selectAll();
+    command(ActionId::Cut);
+    EXPECT_TRUE(field().text().isEmpty());
+    command(ActionId::Paste);
+    command(ActionId::Paste);
+    EXPECT_EQ(field().text(), u"breadbread"_s);
+}
+
 TEST_F(SearchTest, TheBubbleSaysWhatItIsForAndThatNothingIsFound)
 {
     add(u"apple"_s);

@@ -1,9 +1,12 @@
 // The user finds the way through the lists.
 
+#include "records/people/MVContactGroup.h"
+#include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/MVSegmentView.h"
 
 #include <QAbstractItemModelTester>
+#include <QLineEdit>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -120,6 +123,43 @@ TEST_F(SidebarTest, GroupsOfContactsStandBelowCompaniesAndCanBeDeleted)
     sidebarKey(Qt::Key_Delete);
     EXPECT_EQ(sidebar().rowCount(sidebar().indexOf(SidebarItem::Contacts)), 2);
     EXPECT_EQ(selected(), u"People"_s);
+}
+
+TEST_F(SidebarTest, ANewGroupIsNamedInItsRowAndRenamedLater)
+{
+    MVContactGroup values;
+    values.title = u"New group"_s;
+    values.useGeneralFilter = false;
+    NotificationCenter::defaultCenter().post(notifications::saveNewContactGroup, values);
+    const auto field = [this] { return outline().findChild<QLineEdit *>(u"fieldGroupTitle"_s); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return field() && field()->hasFocus(); }, 3000));
+    EXPECT_EQ(field()->selectedText(), u"New group"_s);
+    const auto title = [] { return DBWorker::allContactPrivateGroup().first()->title(); };
+    const auto type = [&](const QString &text, Qt::Key last) {
+        QTest::keyClicks(field(), text);
+        QTest::keyClick(field(), last);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !field(); }));
+        // A row that was renamed finds its place after the field has gone.
+        QTest::qWait(20);
+    };
+    type(u"Choir"_s, Qt::Key_Return);
+    EXPECT_EQ(title(), u"Choir"_s);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return selected() == u"Choir"_s; }));
+    sidebarKey(Qt::Key_F2);
+    type(u"   "_s, Qt::Key_Return);
+    sidebarKey(Qt::Key_F2);
+    type(u"given up"_s, Qt::Key_Escape);
+    EXPECT_EQ(title(), u"Choir"_s);
+    const QModelIndex row = outline().currentIndex();
+    QTest::mouseDClick(window().windowHandle(), Qt::LeftButton, {},
+                       outline().viewport()->mapTo(&window(), outline().visualRect(row).center()));
+    ASSERT_NE(field(), nullptr);
+    type(u"Band"_s, Qt::Key_Return);
+    EXPECT_EQ(title(), u"Band"_s);
+    controller().showList(SidebarItem::People);
+    sidebarKey(Qt::Key_F2);
+    EXPECT_EQ(field(), nullptr);
 }
 
 TEST_F(SidebarTest, TheDeleteKeyDoesNothingToListsOfTheProgram)

@@ -113,6 +113,19 @@ TEST_F(TaskDetailTest, AnEditIsSavedByDoneAndShownInTheList)
     EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles() == QStringList{u"renamed"_s}; }));
 }
 
+TEST_F(TaskDetailTest, TheSaveCommandEndsAnEditAsDoneDoes)
+{
+    addInbox({u"draft"_s});
+    openDetail(0);
+    const QAction &save = *controller().commands()->action(ActionId::Save);
+    EXPECT_FALSE(save.isEnabled());
+    edit(u"final"_s);
+    EXPECT_TRUE(save.isEnabled());
+    run(ActionId::Save);
+    EXPECT_FALSE(pane().isEditing());
+    EXPECT_NE(stored(u"final"_s), nullptr);
+}
+
 TEST_F(TaskDetailTest, EscapeGivesUpAnEditAfterAQuestionAndBackDoesNotAsk)
 {
     addInbox({u"first"_s});

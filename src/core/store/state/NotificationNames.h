@@ -19,7 +19,7 @@ inline constexpr NotificationName coreDataAddNewCompany{u"CoreDataAddNewCompany"
 inline constexpr NotificationName changeContactStatus{u"ChangeContactStatus"};
 inline constexpr NotificationName coreDataAddNewNote{u"CoreDataAddNewNote"};
 inline constexpr NotificationName coreDataChangeNote{u"CoreDataChangeNote"};
-/// Object: the values of the group that is to be saved.
+/// Object: the values of the group that is to be saved (MVContactGroup).
 inline constexpr NotificationName saveNewContactGroup{u"SaveNewContactGroup"};
 inline constexpr NotificationName reloadContactGroup{u"ReloadContactGroup"};
 inline constexpr NotificationName addCurrentTasksWindowDone{u"AddCurrentTasksWindowDone"};
@@ -35,7 +35,9 @@ inline constexpr NotificationName clickTableSearch{u"ClickTableSearch"};
 inline constexpr NotificationName searchMorvane{u"SearchMorvane"};
 inline constexpr NotificationName keySave{u"KeySave"};
 inline constexpr NotificationName keyDown{u"KeyDown"};
+/// Object: what was marked among the hours (MarkedSpan).
 inline constexpr NotificationName dayCalendarCreateTask{u"DayCalendarCreateTask"};
+/// Object: what was marked among the whole days (MarkedSpan).
 inline constexpr NotificationName allDayCalendarCreateTask{u"AllDayCalendarCreateTask"};
 
 // Calendar items and window chrome.

@@ -26,6 +26,8 @@ public:
     virtual bool shows(const std::shared_ptr<ManagedObject> &record) const = 0;
     /// That record, or null.
     virtual std::shared_ptr<ManagedObject> record() const { return nullptr; }
+    /// Whether "KeySave" has something to do: the pane is being edited.
+    virtual bool canSave() const { return false; }
     /// The pane is about to be left for good.
     virtual void clearController() {}
 

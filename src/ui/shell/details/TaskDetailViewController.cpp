@@ -120,6 +120,11 @@ void TaskDetailViewController::observe()
          {notifications::taskChange, notifications::contextDidSave, notifications::iCloudChange})
         observations.push_back(NotificationCenter::defaultCenter().addObserver(
             name, [this](const Notification &) { refreshTimer.start(0); }));
+    observations.push_back(
+        NotificationCenter::defaultCenter().addObserver(notifications::keySave, [this](const Notification &) {
+            if (canSave())
+                finishEdit();
+        }));
 }
 
 /// What the user is typing stays, unless its task is gone.

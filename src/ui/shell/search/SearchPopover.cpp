@@ -159,12 +159,11 @@ void SearchPopover::hideEvent(QHideEvent *event)
 bool SearchPopover::eventFilter(QObject *watched, QEvent *event)
 {
     auto *widget = qobject_cast<QWidget *>(watched);
-    if (event->type() == QEvent::MouseButtonPress && widget && widget != &field && widget != this &&
-        !isAncestorOf(widget) && !field.isAncestorOf(widget))
+    if (event->type() == QEvent::MouseButtonPress && !QApplication::activePopupWidget() && widget &&
+        widget != &field && widget != this && !isAncestorOf(widget) && !field.isAncestorOf(widget))
         hide();
-    else if (event->type() == QEvent::FocusOut && watched == &field &&
-             static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason &&
-             static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason)
+    else if (event->type() == QEvent::FocusOut && watched == &field && !QApplication::activePopupWidget() &&
+             static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason)
         hide();
     else if (event->type() == QEvent::Resize && watched == parentWidget())
         place();

@@ -1,9 +1,7 @@
 #include "shell/tasks/TabTaskViewController.h"
 
 #include "filters/FilterButtonCancelView.h"
-#include "filters/SavedFilter.h"
 #include "filters/TaskGrouping.h"
-#include "filters/TasksFilter.h"
 #include "filters/TasksFilterButton.h"
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
@@ -89,7 +87,7 @@ void TabTaskViewController::setUpTopView()
     filteredState->hide();
     connect(filteredState, &EmptyState::actionClicked, this, &TabTaskViewController::clearFilter);
     setUpGrouping();
-    filterStartSettings();
+    setUpFilter();
 }
 
 void TabTaskViewController::setUpGrouping()
@@ -132,9 +130,9 @@ void TabTaskViewController::reloadData()
     delayedReload.stop();
     promptReload.stop();
     const SelectionMemory memory = SelectionMemory::of(*view, *model);
+    showFilterState();
     model->setRows(fetchRows(grouping()));
     memory.restore(*view, *model);
-    showFilterState();
     updateEmptyState();
     if (std::exchange(mustCloseHidden, false))
         closeHiddenDetails();
@@ -157,37 +155,29 @@ Grouping TabTaskViewController::grouping() const
 
 // The filter
 
-void TabTaskViewController::filterStartSettings()
+void TabTaskViewController::setUpFilter()
 {
-    const int list = static_cast<int>(type());
-    topView->buttonFilter()->setTasksType(list);
-    const FilterEntry entry = SavedFilter::ofTasks(list).entry();
-    if (SavedFilter::isEnabled(entry))
-        filterDictionary = entry;
-    topView->buttonFilter()->setReloadBlock([this](const FilterEntry &changed) { applyFilter(changed); });
+    tasksFilter.setTasksType(static_cast<int>(type()));
+    // Keys that come in quick succession share one fetch.
+    filterState = std::make_unique<FilterState>(tasksFilter, [this] {
+        mustCloseHidden = true;
+        showFilterState();
+        promptReload.start(0);
+    });
+    filterState->filterStartSettings();
+    topView->buttonFilter()->setFilter(&tasksFilter);
     connect(topView->cancelFilterView(), &QAbstractButton::clicked, this,
             &TabTaskViewController::clearFilter);
     showFilterState();
 }
 
-/// While a grouping is chosen the filter waits.
 void TabTaskViewController::showFilterState()
 {
-    if (!topView)
+    if (!filterState)
         return;
-    const bool isUngrouped = grouping() == Grouping::None;
-    topView->cancelFilterView()->setVisible(isUngrouped && filterDictionary);
-    topView->buttonFilter()->setShowing(isUngrouped);
-    topView->buttonFilter()->setState(isUngrouped && filterDictionary ? 1 : 0);
-}
-
-/// Keys that come in quick succession share one fetch.
-void TabTaskViewController::applyFilter(const FilterEntry &entry)
-{
-    filterDictionary = entry;
-    mustCloseHidden = true;
-    showFilterState();
-    promptReload.start(0);
+    filterState->setSelectedIndex(static_cast<int>(grouping()));
+    topView->cancelFilterView()->setVisible(filterState->isCancelViewVisible());
+    topView->buttonFilter()->setState(*filterState);
 }
 
 void TabTaskViewController::closeHiddenDetails()
@@ -201,12 +191,12 @@ void TabTaskViewController::closeHiddenDetails()
 
 bool TabTaskViewController::canFilter() const
 {
-    return topView && grouping() == Grouping::None;
+    return filterState && filterState->isButtonEnabled();
 }
 
 bool TabTaskViewController::canClearFilter() const
 {
-    return canFilter() && filterDictionary;
+    return filterState && filterState->isCancelViewVisible();
 }
 
 void TabTaskViewController::openFilter()
@@ -217,11 +207,12 @@ void TabTaskViewController::openFilter()
 
 void TabTaskViewController::clearFilter()
 {
-    if (!topView)
+    if (!filterState)
         return;
-    filterDictionary.reset();
-    topView->buttonFilter()->clearFilter();
+    topView->buttonFilter()->closePopover();
+    filterState->clickDeactiveFilter();
     reloadData();
+    // What was pressed may have gone.
     if (!view->hasFocus() && !topView->isAncestorOf(QApplication::focusWidget()))
         view->setFocus();
 }
@@ -294,7 +285,7 @@ TaskPtr TabTaskViewController::selectedTask() const
 
 QString TabTaskViewController::explanationOf(const TaskPtr &task) const
 {
-    return TaskPlacement(task).explanation(type(), canFilter() ? filter() : nullptr);
+    return TaskPlacement(task).explanation(type(), filter());
 }
 
 QRect TabTaskViewController::placeOf(const TaskPtr &task) const

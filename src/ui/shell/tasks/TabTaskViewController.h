@@ -1,5 +1,7 @@
 #pragma once
 
+#include "filters/FilterState.h"
+#include "filters/TasksFilter.h"
 #include "foundation/NotificationCenter.h"
 #include "shell/TabsViewController.h"
 #include "shell/tasks/TaskListModel.h"
@@ -48,8 +50,6 @@ public:
     void clearController() override;
 
     // The filter.
-    bool hasFilter() const { return topView != nullptr; }
-    bool isFiltered() const { return filterDictionary.has_value(); }
     void openFilter() override;
     void clearFilter() override;
     bool canFilter() const override;
@@ -66,7 +66,7 @@ protected:
     /// The rows as they are now; `grouping` is None where the list has no grouping or none is chosen.
     virtual TaskRows fetchRows(Grouping grouping) const = 0;
     /// What the query of an ungrouped list is to leave out; null for nothing.
-    const FilterEntry *filter() const { return filterDictionary ? &*filterDictionary : nullptr; }
+    const FilterEntry *filter() const { return filterState ? filterState->filterOfList() : nullptr; }
 
     const TaskListModel &tasksModel() const { return *model; }
     std::vector<TaskPtr> tasksAt(const std::set<int> &rows) const;
@@ -88,8 +88,7 @@ private:
     void setUpView();
     void setUpTopView();
     void setUpGrouping();
-    void filterStartSettings();
-    void applyFilter(const FilterEntry &entry);
+    void setUpFilter();
     void showFilterState();
     Grouping grouping() const;
     void closeHiddenDetails();
@@ -110,7 +109,9 @@ private:
     EmptyState *filteredState = nullptr;
     QWidget *listLayer;
     TasksTabTopView *topView = nullptr;
-    std::optional<FilterEntry> filterDictionary;
+    TasksFilter tasksFilter;
+    /// Null for a list without a filter.
+    std::unique_ptr<FilterState> filterState;
     /// A filter changed since the rows were fetched.
     bool mustCloseHidden = false;
     MVSegmentView *tasksGroupedView = nullptr;

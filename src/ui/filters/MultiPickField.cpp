@@ -1,0 +1,41 @@
+#include "filters/MultiPickField.h"
+
+#include "filters/MVPopUp.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+static bool isOfContacts(const QString &criterion)
+{
+    return criterion == u"Delegate"_s;
+}
+
+MultiPickField::MultiPickField(ListFilter &listFilter, const QString &criterion, QWidget *parent)
+    : PickerField(isOfContacts(criterion) ? u"people"_s : u"company"_s, parent)
+    , filter(listFilter)
+    , key(criterion)
+{
+    setObjectName(u"popUp"_s + key);
+    setClearable(false);
+    connect(this, &PickerField::pressed, this, &MultiPickField::openBubble);
+    showTitle();
+}
+
+void MultiPickField::showTitle()
+{
+    setValue(filter.selection(key).title(), {});
+}
+
+void MultiPickField::openBubble()
+{
+    MVPopUp *bubble = nullptr;
+    if (isOfContacts(key))
+        bubble = new PopUpContact(filter.selection(key), this);
+    else
+        bubble = new PopUpCompany(filter.selection(key), this);
+    bubble->setAttribute(Qt::WA_DeleteOnClose);
+    connect(bubble, &MVPopUp::toPopUp, this, [this](const FilterSelection &selected) {
+        filter.toPopUp(key, selected);
+        showTitle();
+    });
+    bubble->showBeside(*this);
+}

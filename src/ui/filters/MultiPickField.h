@@ -1,0 +1,23 @@
+#pragma once
+
+#include "filters/ListFilter.h"
+#include "widgets/PickerField.h"
+
+class MVPopUp;
+
+/// The row of a filter from which several contacts or companies are picked: says how many, and opens their
+/// bubble when pressed.
+class MultiPickField : public PickerField
+{
+    Q_OBJECT
+public:
+    /// \param criterion "Delegate" for contacts, "Company" for companies.
+    MultiPickField(ListFilter &filter, const QString &criterion, QWidget *parent = nullptr);
+
+private:
+    void showTitle();
+    void openBubble();
+
+    ListFilter &filter;
+    QString key;
+};
