@@ -1,6 +1,10 @@
 #include "filters/MultiPickField.h"
 
 #include "filters/MVPopUp.h"
+#include "widgets/Icons.h"
+#include "widgets/Theme.h"
+
+#include <QPainter>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -23,6 +27,18 @@ MultiPickField::MultiPickField(ListFilter &listFilter, const QString &criterion,
 void MultiPickField::showTitle()
 {
     setValue(filter.selection(key).title(), {});
+}
+
+/// The arrow of the pop-ups that it stands among.
+void MultiPickField::paintEvent(QPaintEvent *event)
+{
+    constexpr int arrowSize = 16;
+    constexpr int arrowRoom = 28;
+    PickerField::paintEvent(event);
+    QPainter painter(this);
+    const QRect atEnd(width() - arrowRoom, 0, arrowRoom, height());
+    Icons::paint(painter, QStyle::visualRect(layoutDirection(), rect(), atEnd), u"chevron-down"_s,
+                 Theme::secondaryText, arrowSize);
 }
 
 void MultiPickField::openBubble()

@@ -14,6 +14,9 @@ public:
     /// \param criterion "Delegate" for contacts, "Company" for companies.
     MultiPickField(ListFilter &filter, const QString &criterion, QWidget *parent = nullptr);
 
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
 private:
     void showTitle();
     void openBubble();

@@ -5,6 +5,7 @@
 #include "widgets/MVSegmentView.h"
 #include "widgets/Theme.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 
 TasksTabTopView::TasksTabTopView(QWidget *parent)
@@ -20,6 +21,25 @@ TasksTabTopView::TasksTabTopView(QWidget *parent)
     row->addWidget(cancelView);
     row->addWidget(filterButton);
     cancelView->hide();
+}
+
+bool TasksTabTopView::event(QEvent *event)
+{
+    if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)
+        shareRoom();
+    return QWidget::event(event);
+}
+
+/// Where the words of both do not fit, the one that clears keeps its cross and the state its words.
+void TasksTabTopView::shareRoom()
+{
+    int wanted = row->contentsMargins().left() + row->contentsMargins().right();
+    for (const QWidget *part : findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+        if (!part->isHidden())
+            wanted += part->sizeHint().width() + row->spacing();
+    }
+    cancelView->setMaximumWidth(wanted > width() ? cancelView->minimumSizeHint().width()
+                                                 : cancelView->sizeHint().width());
 }
 
 void TasksTabTopView::setGrouping(MVSegmentView *grouping)

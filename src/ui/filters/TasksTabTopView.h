@@ -22,7 +22,12 @@ public:
     TasksFilterButton *buttonFilter() const { return filterButton; }
     FilterButtonCancelView *cancelFilterView() const { return cancelView; }
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
+    void shareRoom();
+
     QHBoxLayout *row;
     FilterButtonCancelView *cancelView;
     TasksFilterButton *filterButton;

@@ -8,6 +8,7 @@
 
 #include <QCloseEvent>
 #include <QPainter>
+#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -42,7 +43,7 @@ MainWindow::MainWindow()
     setObjectName(u"MainWindow"_s);
     setWindowTitle(u"Morvane"_s);
     setMinimumSize(leastSize);
-    resize(firstSize);
+    resize(firstSize.boundedTo(screen()->availableSize()));
     split->setPanes(makeSidebar(), makeRightSide());
     split->setLeftBounds(sidebarMinimum, sidebarMaximum);
     split->setSizes({sidebarMaximum, firstSize.width() - sidebarMaximum});

@@ -30,6 +30,8 @@ void ToolBarButton::setActionType(ActionType type)
 {
     shownType = type;
     setAccessibleName(title());
+    setToolTip(isQuiet() ? title() : QString());
+    setSizePolicy(isQuiet() ? QSizePolicy::Maximum : QSizePolicy::Fixed, QSizePolicy::Fixed);
     updateGeometry();
     update();
 }
@@ -82,6 +84,11 @@ QSize ToolBarButton::sizeHint() const
             std::max(Theme::controlHeight + 2, fontMetrics().height() + 14)};
 }
 
+QSize ToolBarButton::minimumSizeHint() const
+{
+    return isQuiet() ? QSize(2 * padding + iconSize, sizeHint().height()) : sizeHint();
+}
+
 QRect ToolBarButton::popupSection() const
 {
     if (!hasPopupSection())
@@ -129,11 +136,14 @@ void ToolBarButton::paintEvent(QPaintEvent *)
     const auto placed = [this](int left, int wide) {
         return QStyle::visualRect(layoutDirection(), rect(), QRect(left, 0, wide, height()));
     };
-    Icons::paint(painter, placed(padding, iconSize), iconName(), ink, iconSize);
+    const bool hasWords = width() >= sizeHint().width();
+    Icons::paint(painter, placed(hasWords ? padding : (width() - iconSize) / 2, iconSize), iconName(), ink,
+                 iconSize);
     painter.setPen(ink);
     const int textLeft = padding + iconSize + iconGap;
-    painter.drawText(placed(textLeft, fontMetrics().horizontalAdvance(title()) + 1), Qt::AlignCenter,
-                     title());
+    if (hasWords)
+        painter.drawText(placed(textLeft, fontMetrics().horizontalAdvance(title()) + 1), Qt::AlignCenter,
+                         title());
     if (hasPopupSection()) {
         const QRect section = popupSection();
         const int line = isRightToLeft() ? section.right() : section.left();

@@ -38,7 +38,8 @@ public:
     static QString titleOf(ActionType type);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    /// A quiet button keeps only its icon where there is no room for the words.
+    QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
     void buttonAdd(ToolBarButton::ActionType type);

@@ -9,7 +9,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int usualWidth = 208;
-constexpr int leastWidth = 96;
+constexpr int leastWidth = 116;
 
 SearchField::SearchField(QWidget *parent)
     : QLineEdit(parent)
