@@ -34,7 +34,7 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
 {
     setUpView();
     setUpGrouping();
-    addButton(ToolBarButton::NewTask);
+    addButton(description.addType);
     addButton(ToolBarButton::Calendars);
     for (QTimer *timer : {&delayedReload, &promptReload}) {
         timer->setSingleShot(true);

@@ -24,6 +24,7 @@ struct TaskListDescription
     /// The key of its grouping in the settings; -1 for a list without the control.
     int groupedType = -1;
     DetailPlace detailPlace = {};
+    ToolBarButton::ActionType addType = ToolBarButton::NewTask;
 };
 
 /// A screen of tasks. The lists differ by what they fetch.
@@ -46,7 +47,7 @@ public:
     void setDetailSpace(int width) override;
 
     /// Selects a task, scrolls to it and shows it; nothing if it is not in the list.
-    void selectItem(const TaskPtr &task);
+    virtual void selectItem(const TaskPtr &task);
     void showDetailWithTask(const TaskPtr &task);
 
 protected:
