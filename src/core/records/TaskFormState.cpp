@@ -17,7 +17,6 @@ TaskFormState::TaskFormState(const NewTaskRequest &request)
 
 TaskFormState::TaskFormState(const TaskPtr &storedTask)
     : task(storedTask)
-    , invited(TaskInvitation::of(task))
     , calendarAccess(CalendarEvent::hasAccesToCalendar())
 {}
 
@@ -221,6 +220,11 @@ bool TaskFormState::isGone() const
 void TaskFormState::rollback()
 {
     task.rollback();
-    invited = TaskInvitation::of(task);
     note(TaskField::Title);
+}
+
+void TaskFormState::findInvitation()
+{
+    invited = TaskInvitation::of(task);
+    note(TaskField::Delegate);
 }

@@ -74,6 +74,7 @@ void MVPopUp::showRows()
     table->setLines(lines);
     table->setVisible(!lines.empty());
     labelEmpty->setVisible(lines.empty());
+    buttonAll->setEnabled(!lines.empty());
     showMarks();
 }
 

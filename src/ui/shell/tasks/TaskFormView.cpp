@@ -20,7 +20,7 @@ using PickerType = DatePickerState::Type;
 constexpr int titleHeight = 50;
 constexpr int rowHeight = 40;
 constexpr int priorityHeight = 55;
-constexpr int detailsHeight = 84;
+constexpr int detailsHeight = 64;
 /// One bubble has to be gone, and the window active again, before the next one can stay open.
 constexpr auto betweenBubbles = std::chrono::milliseconds(60);
 /// The circle stands above the labels, although its ring needs room around it.
