@@ -1,7 +1,7 @@
 // A task is given a place.
 
-#include "maps/Geocoder.h"
-#include "maps/MapView.h"
+#include "shell/maps/Geocoder.h"
+#include "shell/maps/MapView.h"
 #include "shell/tasks/LocationBubble.h"
 #include "shell/tasks/LocationPopup.h"
 #include "ui/support/HttpServer.h"
