@@ -7,6 +7,15 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+std::vector<int> TaskFormState::types() const
+{
+    const auto numberOf = [](TaskType type) { return static_cast<int>(type); };
+    std::vector<int> numbers = {numberOf(TaskType::Appointment), numberOf(TaskType::EmailCall)};
+    if (mayBeToDo)
+        numbers.insert(numbers.begin(), numberOf(TaskType::ToDo));
+    return numbers;
+}
+
 bool TaskFormState::isRowShown(TaskFormRow row) const
 {
     switch (row) {

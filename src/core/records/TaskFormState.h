@@ -77,7 +77,11 @@ public:
     bool isSomeday() const { return task.dueSomeDay.value_or(false); }
     bool hasClock() const { return !task.isToDo(); }
     bool hasCalendarAccess() const { return calendarAccess; }
+    /// The numbers of the types that the task may have.
+    std::vector<int> types() const;
     const TaskInvitation &invitation() const { return invited; }
+    /// Looks up who is invited. It asks the calendar, so a screen does it when it is in sight.
+    void findInvitation();
 
     // Editing and saving.
     /// Whether its calendar lets the task be changed.
@@ -118,6 +122,7 @@ private:
     MVTask task;
     TaskInvitation invited;
     bool calendarAccess;
+    bool mayBeToDo = true;
     bool touched = false;
     bool savePause = false;
 };

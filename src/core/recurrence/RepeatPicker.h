@@ -6,7 +6,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -26,10 +25,6 @@ public:
     RecurrencePickerLanguage language;
     /// The date that the rule is meant for: the start of the task, else its due date.
     OptionalDate occurrenceDate;
-    /// Called with the text of the rule when a rule of one's own is accepted.
-    std::function<void(const QString &)> customRepeatChanged;
-    /// Called when it is given up.
-    std::function<void()> customRepeatCancel;
 
     // Between the pop-up, the rule and its text.
     /// Takes the rule of a preset; none for `Never`. The date is not looked at: the rule starts now.

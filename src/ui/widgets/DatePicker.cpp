@@ -2,30 +2,14 @@
 
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
-#include "widgets/Icons.h"
-#include "widgets/MorvaneStyle.h"
-#include "widgets/Theme.h"
-
-#include <QKeyEvent>
-#include <QPainter>
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int iconWidth = 32;
-constexpr int iconSize = 16;
-
 DatePicker::DatePicker(DatePickerState::Type pickerType, QWidget *parent)
-    : QWidget(parent)
+    : PickerField(u"calendar"_s, parent)
     , type(pickerType)
 {
-    setFocusPolicy(Qt::StrongFocus);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setAttribute(Qt::WA_Hover);
-}
-
-QSize DatePicker::sizeHint() const
-{
-    return {200, std::max(Theme::controlHeight, fontMetrics().height() + 10)};
+    changed();
 }
 
 void DatePicker::setDate(OptionalDate newDate, bool showClock)
@@ -43,69 +27,11 @@ void DatePicker::setIsSomeday(bool someday)
 
 void DatePicker::changed()
 {
-    setAccessibleDescription(text());
-    update();
-}
-
-QString DatePicker::text() const
-{
     using Style = DateFormatter::Style;
+    QString words;
     if (isSomeday)
-        return localized(u"Someday"_s);
-    return date ? DateFormatter::string(*date, Style::Medium, hasClock ? Style::Short : Style::None)
-                : localized(u"None"_s);
-}
-
-QRect DatePicker::crossRect() const
-{
-    const QRect atEnd(width() - iconWidth, 0, iconWidth, height());
-    return hasValue() ? QStyle::visualRect(layoutDirection(), rect(), atEnd) : QRect();
-}
-
-void DatePicker::paintEvent(QPaintEvent *)
-{
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Theme::controlBorder);
-    painter.setBrush(underMouse() ? Theme::hover : Theme::control);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::controlRadius,
-                            Theme::controlRadius);
-    const auto placed = [this](const QRect &rect) {
-        return QStyle::visualRect(layoutDirection(), this->rect(), rect);
-    };
-    Icons::paint(painter, placed(QRect(0, 0, iconWidth, height())), u"calendar"_s,
-                 hasValue() ? Theme::accent : Theme::secondaryText, iconSize);
-    painter.setPen(hasValue() ? Theme::text : Theme::disabledText);
-    const QRect place(iconWidth, 0, width() - 2 * iconWidth, height());
-    painter.drawText(placed(place),
-                     QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
-                     fontMetrics().elidedText(text(), Qt::ElideRight, place.width()));
-    if (hasValue())
-        Icons::paint(painter, crossRect(), u"clear"_s, Theme::secondaryText, iconSize);
-    if (hasFocus())
-        MorvaneStyle::drawFocusRing(painter, rect(), Theme::controlRadius, Theme::focusRing);
-}
-
-void DatePicker::mousePressEvent(QMouseEvent *event)
-{
-    if (event->button() != Qt::LeftButton)
-        return;
-    if (crossRect().contains(event->position().toPoint()))
-        Q_EMIT cleared();
-    else
-        Q_EMIT pressed();
-}
-
-void DatePicker::keyPressEvent(QKeyEvent *event)
-{
-    switch (event->key()) {
-    case Qt::Key_Space:
-    case Qt::Key_Down:
-        return Q_EMIT pressed();
-    case Qt::Key_Delete:
-    case Qt::Key_Backspace:
-        return hasValue() ? Q_EMIT cleared() : void();
-    default:
-        QWidget::keyPressEvent(event);
-    }
+        words = localized(u"Someday"_s);
+    else if (date)
+        words = DateFormatter::string(*date, Style::Medium, hasClock ? Style::Short : Style::None);
+    setValue(words, localized(u"None"_s));
 }

@@ -70,7 +70,7 @@ QWidget *DatePickerPopover::makeButtons()
     auto *row = new QHBoxLayout(line);
     row->setContentsMargins(0, Theme::unit / 2, 0, 0);
     auto *cancel = new QPushButton(localized(u"Cancel"_s));
-    auto *done = new QPushButton(localized(u"Done"_s));
+    auto *done = new QPushButton(localized(u"DoneButton"_s));
     done->setObjectName(u"buttonDone"_s);
     done->setDefault(true);
     connect(cancel, &QPushButton::clicked, this, &QWidget::close);

@@ -1,5 +1,7 @@
 #include "widgets/FormScroll.h"
 
+#include <QEvent>
+
 FormScroll::FormScroll(QWidget *body, QWidget *parent)
     : QScrollArea(parent)
 {
@@ -16,4 +18,12 @@ FormScroll::FormScroll(QWidget *body, QWidget *parent)
 QSize FormScroll::sizeHint() const
 {
     return widget()->sizeHint();
+}
+
+/// Who stands around the form hears that it needs another height.
+bool FormScroll::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == widget() && event->type() == QEvent::LayoutRequest)
+        updateGeometry();
+    return QScrollArea::eventFilter(watched, event);
 }

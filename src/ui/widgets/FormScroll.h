@@ -10,4 +10,7 @@ public:
     explicit FormScroll(QWidget *body, QWidget *parent = nullptr);
 
     QSize sizeHint() const override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 };

@@ -25,6 +25,29 @@ GrowingTextField::GrowingTextField(Kind kind, QWidget *parent)
     connect(this, &QTextEdit::textChanged, this, &QWidget::updateGeometry);
 }
 
+void GrowingTextField::setFramed(bool framed)
+{
+    setFrameStyle(framed ? StyledPanel : NoFrame);
+    // Text that is read begins where the words of other rows do.
+    const int above = framed ? 0 : Theme::unit;
+    document()->setDocumentMargin(framed ? Theme::unit - frameWidth() : 0);
+    setViewportMargins(0, above, 0, above);
+    updateGeometry();
+}
+
+/// The ring around the frame follows the focus.
+void GrowingTextField::focusInEvent(QFocusEvent *event)
+{
+    QTextEdit::focusInEvent(event);
+    update();
+}
+
+void GrowingTextField::focusOutEvent(QFocusEvent *event)
+{
+    QTextEdit::focusOutEvent(event);
+    update();
+}
+
 int GrowingTextField::textHeight() const
 {
     return qCeil(document()->size().height());
@@ -33,7 +56,9 @@ int GrowingTextField::textHeight() const
 QSize GrowingTextField::sizeHint() const
 {
     const int least = fontMetrics().height() * (fieldKind == Kind::Details ? detailsRows : 1) + 4;
-    return {120, std::clamp(textHeight(), least, std::max(least, mostHeight))};
+    const QMargins around = viewportMargins();
+    return {120, std::clamp(textHeight(), least, std::max(least, mostHeight)) + 2 * frameWidth() +
+                     around.top() + around.bottom()};
 }
 
 void GrowingTextField::resizeEvent(QResizeEvent *event)

@@ -13,6 +13,8 @@ public:
     explicit GrowingTextField(Kind kind, QWidget *parent = nullptr);
 
     QString text() const { return toPlainText(); }
+    /// Whether it looks like the other fields. Text that is only read has no frame.
+    void setFramed(bool framed);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -22,6 +24,8 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
 
 private:

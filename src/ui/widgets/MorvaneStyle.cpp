@@ -9,11 +9,13 @@
 #include <QComboBox>
 #include <QPainter>
 #include <QStyleOption>
+#include <QTextEdit>
 
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int menuItemHeight = 28;
 constexpr int buttonMinimumWidth = 84;
+constexpr int fieldInset = 5;
 constexpr qreal half = 0.5;
 
 MorvaneStyle::MorvaneStyle()
@@ -114,6 +116,11 @@ void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *o
             return;
         return drawFocusRing(*painter, option->rect.adjusted(-2, -1, 2, 1), Theme::controlRadius,
                              Theme::focusRing);
+    case PE_Frame:
+        // The frame of a text that is written in; no other frames are drawn with this shape.
+        return qobject_cast<const QTextEdit *>(widget)
+                   ? drawField(option, painter)
+                   : QProxyStyle::drawPrimitive(element, option, painter, widget);
     case PE_FrameMenu:
     case PE_PanelMenu:
         painter->fillRect(option->rect, Theme::card);
@@ -283,7 +290,20 @@ QRect MorvaneStyle::subControlRect(ComplexControl control, const QStyleOptionCom
     const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option);
     if (control == CC_ScrollBar && slider)
         return visualRect(option->direction, option->rect, ScrollBarLook::partOf(*slider, subControl));
-    return QProxyStyle::subControlRect(control, option, subControl, widget);
+    const QRect rect = QProxyStyle::subControlRect(control, option, subControl, widget);
+    if (control == CC_SpinBox && subControl == SC_SpinBoxEditField)
+        return rect.adjusted(fieldInset, 0, 0, 0);
+    return rect;
+}
+
+/// Texts in fields stand a little away from the edge.
+QRect MorvaneStyle::subElementRect(SubElement element, const QStyleOption *option,
+                                   const QWidget *widget) const
+{
+    const QRect rect = QProxyStyle::subElementRect(element, option, widget);
+    if (element != SE_LineEditContents || isInSpinBox(widget))
+        return rect;
+    return rect.adjusted(fieldInset, 0, -fieldInset, 0);
 }
 
 void MorvaneStyle::polish(QWidget *widget)

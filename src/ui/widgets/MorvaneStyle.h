@@ -24,6 +24,8 @@ public:
                            const QWidget *widget) const override;
     QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl subControl,
                          const QWidget *widget) const override;
+    QRect subElementRect(SubElement element, const QStyleOption *option,
+                         const QWidget *widget) const override;
     void polish(QWidget *widget) override;
     using QProxyStyle::polish;
 

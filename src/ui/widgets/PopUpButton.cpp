@@ -1,5 +1,6 @@
 #include "widgets/PopUpButton.h"
 
+#include "widgets/ClearKey.h"
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
@@ -8,7 +9,7 @@
 #include <QStylePainter>
 #include <QStyledItemDelegate>
 
-constexpr int leastLetters = 6;
+constexpr int leastLetters = 4;
 constexpr int lineHeight = 30;
 constexpr int separatorHeight = 9;
 constexpr int iconRoom = 24;
@@ -112,9 +113,17 @@ void PopUpButton::wheelEvent(QWheelEvent *event)
     event->ignore();
 }
 
+/// The Delete key belongs to the field although a menu has it too.
+bool PopUpButton::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && ClearKey::is(static_cast<QKeyEvent &>(*event)))
+        event->accept();
+    return QComboBox::event(event);
+}
+
 void PopUpButton::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
+    if (ClearKey::is(*event))
         Q_EMIT deletePressed();
     else
         QComboBox::keyPressEvent(event);

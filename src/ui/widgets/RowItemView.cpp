@@ -15,6 +15,9 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int labelWidth = 132;
+/// In a narrow row the control gets more of the room.
+constexpr int narrowRow = 380;
+constexpr int narrowLabelWidth = 88;
 constexpr int sideMargin = 16;
 constexpr int topMargin = 3;
 constexpr int bottomMargin = 4;
@@ -22,6 +25,12 @@ constexpr int iconSize = 16;
 constexpr int deleteSize = 24;
 /// Left of what a control paints at its own end.
 constexpr int deleteInset = 30;
+
+/// The words of a label begin where the row does, whatever language they are in.
+static Qt::Alignment leading(const QWidget &widget)
+{
+    return Qt::AlignAbsolute | Qt::AlignVCenter | (widget.isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft);
+}
 
 RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget *parent)
     : QWidget(parent)
@@ -36,6 +45,7 @@ RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget 
     row->addWidget(label);
     label->setFixedWidth(labelWidth);
     label->setWordWrap(true);
+    label->setAlignment(leading(*this));
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, Theme::secondaryText);
     label->setPalette(palette);
@@ -134,6 +144,7 @@ QLabel *RowItemView::previewLabel()
     previewText->setObjectName(u"label"_s + objectName().mid(3) + u"Preview"_s);
     previewText->setTextFormat(Qt::PlainText);
     previewText->setWordWrap(true);
+    previewText->setAlignment(leading(*this));
     previewText->setMinimumWidth(1);
     line->addWidget(previewIcon);
     line->addWidget(previewText, 1);
@@ -215,6 +226,7 @@ bool RowItemView::event(QEvent *event)
 void RowItemView::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    label->setFixedWidth(width() < narrowRow ? narrowLabelWidth : labelWidth);
     layout()->activate();
     placeDeleteButton();
 }

@@ -77,16 +77,16 @@ TEST_F(CustomRepeatTest, TheNextDatesFollowTheTasksOwnDateAndEndWithTheSeries)
 TEST_F(CustomRepeatTest, ItSaysWhatTheUserMayNotExpect)
 {
     const Date lastOfMay = localDate(2027, 5, 31);
-    EXPECT_EQ(of(u"FREQ=MONTHLY"_s, lastOfMay).warning(), u"Months without a day 31 are skipped."_s);
+    EXPECT_EQ(of(u"FREQ=MONTHLY"_s, lastOfMay).warning(), u"In months without a day 31, this date is skipped."_s);
     EXPECT_EQ(days(of(u"FREQ=MONTHLY"_s, lastOfMay), 3),
               (QStringList{u"2027-05-31"_s, u"2027-07-31"_s, u"2027-08-31"_s}));
     EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=28,-1"_s, lastOfMay).warning(), QString());
     EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=1,30"_s, lastOfMay).warning(),
-              u"Months without a day 30 are skipped."_s);
+              u"In months without a day 30, this date is skipped."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY"_s, localDate(2028, 2, 29)).warning(),
               u"Years without a February 29 are skipped."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=4,5"_s, lastOfMay).warning(),
-              u"Months without a day 31 are skipped."_s);
+              u"In months without a day 31, this date is skipped."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=2"_s, lastOfMay).warning(), u"This never comes round."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY"_s, lastOfMay).warning(), QString());
     EXPECT_EQ(of(u"FREQ=WEEKLY"_s, lastOfMay).warning(), QString());

@@ -1,6 +1,11 @@
 // The program is read aloud: whatever takes the keyboard says what it is.
 
+#include "filters/MVPopUp.h"
 #include "records/Functional.h"
+#include "shell/details/DetailStack.h"
+#include "shell/details/TaskDetailViewController.h"
+#include "shell/tasks/LocationBubble.h"
+#include "shell/tasks/RepeatWindow.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"
 #include "widgets/MessageBoxPresenter.h"
@@ -102,6 +107,38 @@ TEST_F(AccessibilityTest, TheDateBubbleAndTheQuestionNameTheirControls)
         {.title = {}, .message = u"Sure?"_s, .informativeText = {}, .buttons = {u"Yes"_s, u"No"_s}});
     const ScriptedAlerts alerts({Alert::thirdButton});
     form.close();
+}
+
+TEST_F(AccessibilityTest, TheDetailPaneNamesItsControlsInWordsAndAsAForm)
+{
+    clickRow(0);
+    key(Qt::Key_Return);
+    auto &pane = *static_cast<TaskDetailViewController *>(controller().detailStack()->top());
+    expectNamed(window());
+    pane.clickButtonEdit();
+    expectNamed(window());
+}
+
+TEST_F(AccessibilityTest, TheBubblesNameTheirControls)
+{
+    RepeatWindow repeat(CustomRepeat(std::nullopt, {}, {}, RecurrencePickerLanguage::english), &window());
+    repeat.showBeside(window());
+    for (const int frequency : {0, 1, 2, 3}) {
+        repeat.frequencyChange(frequency);
+        expectNamed(repeat);
+    }
+    repeat.close();
+    DBWorker::saveLocation(u"Office"_s, 52.5, 13.4);
+    LocationBubble location(nullptr, &window());
+    location.showBeside(window());
+    expectNamed(location);
+    QTest::keyClick(location.focusWidget(), Qt::Key_Space);
+    expectNamed(location);
+    location.close();
+    PopUpContact contacts({.selectedAll = true, .objects = {}}, &window());
+    contacts.showBeside(window());
+    expectNamed(contacts);
+    contacts.close();
 }
 
 TEST_F(AccessibilityTest, ARowSaysWhatItsColoursAndMarksSay)

@@ -5,6 +5,7 @@
 #include "widgets/GrowingTextField.h"
 #include "widgets/RowItemView.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QPushButton>
@@ -149,6 +150,67 @@ TEST_F(NewTaskTest, DueSomedayHidesTheStartAndAnotherStartTakesItBack)
     EXPECT_FALSE(form.taskForm()->isSomeday());
     EXPECT_FALSE(find<RowItemView>(form, "rowStartDate").isRowHidden());
     const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(NewTaskTest, TheStartOfAnAppointmentOpensTheBubbleOfItsEnd)
+{
+    WindowNewTask &form = openNewTask();
+    chooseType(form, 1);
+    startOf(form).setFocus();
+    QTest::keyClick(&startOf(form), Qt::Key_Space);
+    QTest::keyClick(QApplication::activePopupWidget()->focusWidget(), Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        QWidget *bubble = QApplication::activePopupWidget();
+        return bubble && bubble->parent() == &dueOf(form);
+    }));
+    QTest::keyClick(QApplication::activePopupWidget()->focusWidget(), Qt::Key_Return);
+    const MVTask &task = form.taskForm()->currentTask();
+    ASSERT_TRUE(task.startDate && task.dueDate);
+    EXPECT_EQ(*task.dueDate - *task.startDate, Seconds(3600));
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(NewTaskTest, RowsThatAppearMakeTheWindowHigher)
+{
+    WindowNewTask &form = openNewTask();
+    const int before = form.height();
+    DatePickerState picker = form.taskForm()->openPicker(DatePickerState::Type::StartDate);
+    form.taskForm()->acceptDate(picker, localDate(2026, 11, 23));
+    ASSERT_LT(before + 40, form.screen()->availableGeometry().height());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return form.height() > before; }));
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
+}
+
+TEST_F(NewTaskTest, AProjectOutsideTheDatesIsRefusedAndThePopUpFallsBack)
+{
+    for (const auto &[title, day] : {std::pair(u"now"_s, 1), std::pair(u"later"_s, 30)}) {
+        const auto project = context().insert<EntityProject>();
+        project->setTitle(title);
+        project->setStatus(0);
+        project->setStartDate(localDate(2026, 11, day));
+    }
+    EXPECT_FALSE(DBWorker::saveContext());
+    showList(SidebarItem::Today);
+    WindowNewTask &form = openNewTask();
+    auto &popUp = find<QComboBox>(form, "popUpButtonProject");
+    const auto choose = [&](const QString &title) {
+        popUp.setFocus();
+        popUp.showPopup();
+        QTest::keyClicks(popUp.view(), title);
+        QTest::keyClick(popUp.view(), Qt::Key_Return);
+    };
+    choose(u"now"_s);
+    EXPECT_EQ(popUp.currentText(), u"now"_s);
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::thirdButton});
+    choose(u"later"_s);
+    EXPECT_EQ(popUp.currentText(), u"now"_s);
+    EXPECT_EQ(form.taskForm()->currentTask().project->title(), u"now"_s);
+    QTest::keyClick(&popUp, Qt::Key_Delete);
+    EXPECT_EQ(popUp.currentIndex(), 0);
+    EXPECT_EQ(form.taskForm()->currentTask().project, nullptr);
     form.close();
 }
 

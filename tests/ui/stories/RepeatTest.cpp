@@ -121,7 +121,7 @@ TEST_F(RepeatTest, TheMouseSelectsDaysAndAShortMonthIsWarnedOf)
     const auto &items = custom.findChild<RepeatCalendar *>()->items();
     QTest::mouseClick(items.at(30), Qt::LeftButton);
     EXPECT_TRUE(warning.isVisible());
-    EXPECT_EQ(warning.text(), u"Months without a day 31 are skipped."_s);
+    EXPECT_EQ(warning.text(), u"In months without a day 31, this date is skipped."_s);
     QTest::mouseClick(items.at(30), Qt::LeftButton);
     EXPECT_FALSE(warning.isVisible());
     QTest::mouseClick(&find<QPushButton>(custom, "buttonCancel"), Qt::LeftButton);

@@ -3,6 +3,7 @@
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/DatePicker.h"
 #include "widgets/GrowingTextField.h"
 #include "widgets/RowItemView.h"
 #include "workspace/Workspace.h"
@@ -74,11 +75,13 @@ TEST_F(TaskDetailTest, AnotherTaskStacksAboveAndTheSameOneComesUpAgain)
     EXPECT_NE(&pane(), first);
     EXPECT_EQ(pane().geometry(), first->geometry());
     EXPECT_FALSE(first->isActive());
+    EXPECT_FALSE(first->isVisible());
     openDetail(0);
     EXPECT_EQ(&pane(), first);
     EXPECT_TRUE(first->isActive());
     QTest::keyClick(&pane(), Qt::Key_Escape);
     EXPECT_EQ(pane().taskForm()->currentTask().title, u"second"_s);
+    EXPECT_TRUE(pane().isVisible());
     showList(SidebarItem::Today);
     EXPECT_TRUE(stack().isEmpty());
 }
@@ -150,6 +153,7 @@ TEST_F(TaskDetailTest, AReadOnlyTaskHasNoEditButtonAndSaysWhy)
     showList(SidebarItem::NotDone);
     openDetail(list().tableModel()->nearestItem(0, 1));
     EXPECT_FALSE(buttonEdit().isVisible());
+    EXPECT_FALSE(find<QAbstractButton>(pane(), "checkDone").isVisible());
     ScriptedAlerts alerts({Alert::firstButton});
     auto &type = find<RowItemView>(pane(), "rowType");
     const QPoint place = type.mapTo(&window(), type.rect().center());
@@ -189,6 +193,25 @@ TEST_F(TaskDetailTest, TheMailButtonOpensADraft)
     QTest::mouseClick(&find<QToolButton>(pane(), "buttonSendEmail"), Qt::LeftButton);
     Workspace::setUrlOpener({});
     EXPECT_EQ(opened, QStringList{pane().taskForm()->currentTask().htmlBody()});
+}
+
+/// Keys go through the window, where the menu would take them.
+TEST_F(TaskDetailTest, TheDeleteKeyClearsAFieldAndNeverReachesTheList)
+{
+    const ScriptedAlerts none;
+    const CategoryPtr category = DBWorker::allCategories().front();
+    add(u"first"_s, [&](MVTask &task) { task.category = category; });
+    showList(SidebarItem::Inbox);
+    openDetail(0);
+    QTest::keyClick(window().windowHandle(), Qt::Key_Delete);
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    find<QComboBox>(pane(), "popUpButtonCategory").setFocus();
+    QTest::keyClick(window().windowHandle(), Qt::Key_Delete);
+    EXPECT_EQ(pane().taskForm()->currentTask().category, nullptr);
+    find<DatePicker>(pane(), "datePickerStartDate").setFocus();
+    QTest::keyClick(window().windowHandle(), Qt::Key_Delete);
+    EXPECT_NE(stored(u"first"_s), nullptr);
+    EXPECT_TRUE(none.asked().empty());
 }
 
 TEST_F(TaskDetailTest, TheMouseOverARowOffersToClearItsValue)

@@ -46,15 +46,27 @@ QPoint DetailStack::outsidePlace() const
     return {content.isRightToLeft() ? -rest.width() : content.width(), rest.top()};
 }
 
+static bool isLeaving(const DetailViewController &pane)
+{
+    return pane.testAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+/// What is covered is not painted and takes no keys.
+void DetailStack::hideCovered()
+{
+    for (DetailViewController *pane : panes)
+        pane->setVisible(pane == panes.back());
+}
+
 /// Everything at its place at once, as after a change of the window's size.
 void DetailStack::settle()
 {
     for (DetailViewController *pane : panes) {
         // One that is on its way out goes on.
-        if (pane->isEnabled())
+        if (!isLeaving(*pane))
             pane->setGeometry(restingPlace());
     }
-    if (panes.empty() || !panes.front()->isEnabled())
+    if (panes.empty() || isLeaving(*panes.front()))
         return;
     delete listMove;
     setListSpace(qRound(content.width() * (1 - narrowList)));
@@ -129,7 +141,10 @@ void DetailStack::slideIn(DetailViewController &detail)
     animation->setDuration(Animations::duration(Animations::detailSlideIn));
     animation->setEndValue(restingPlace().topLeft());
     animation->setEasingCurve(QEasingCurve::OutCubic);
-    connect(animation, &QAbstractAnimation::finished, this, &DetailStack::settle);
+    connect(animation, &QAbstractAnimation::finished, this, [this] {
+        settle();
+        hideCovered();
+    });
     Animations::start(animation);
 }
 
@@ -153,6 +168,7 @@ void DetailStack::setActiveLastDeteil()
 {
     if (panes.empty())
         return;
+    panes.back()->show();
     panes.back()->setActive(true);
     panes.back()->setFocus();
 }
@@ -161,7 +177,11 @@ void DetailStack::setActiveLastDeteil()
 
 void DetailStack::goBack(DetailViewController *detail)
 {
-    detail->setEnabled(false);
+    if (detail != top() || isLeaving(*detail))
+        return;
+    detail->setAttribute(Qt::WA_TransparentForMouseEvents);
+    if (panes.size() > 1)
+        panes[panes.size() - 2]->show();
     const int duration = Animations::duration(Animations::detailSlideOut);
     auto *animation = new QPropertyAnimation(detail, "pos");
     animation->setDuration(duration);

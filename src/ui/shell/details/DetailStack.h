@@ -53,6 +53,7 @@ private:
     QPoint outsidePlace() const;
     void slideIn(DetailViewController &detail);
     void settle();
+    void hideCovered();
     void drop(DetailViewController *detail);
     void leave();
     void setListSpace(int width);

@@ -1,5 +1,6 @@
 #include "shell/details/DetailViewController.h"
 
+#include "widgets/ClearKey.h"
 #include "widgets/Theme.h"
 
 #include <QPainter>
@@ -11,6 +12,14 @@ DetailViewController::DetailViewController(QWidget *parent)
 void DetailViewController::setActive(bool isNowActive)
 {
     active = isNowActive;
+}
+
+/// The Delete key in a pane must not reach the selection of the list below it.
+bool DetailViewController::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && ClearKey::is(static_cast<QKeyEvent &>(*event)))
+        event->accept();
+    return QWidget::event(event);
 }
 
 /// The screen below is of the same colour; a line keeps the two apart.

@@ -27,8 +27,8 @@ public:
     /// The pane is about to be left for good.
     virtual void clearController() {}
 
-    /// The pane on top is active; those that it covers are not, and take no keys.
-    virtual void setActive(bool isNowActive);
+    /// The pane on top is active; those that it covers are not.
+    void setActive(bool isNowActive);
     bool isActive() const { return active; }
 
 Q_SIGNALS:
@@ -40,6 +40,7 @@ Q_SIGNALS:
     void dismissDeteilViewController();
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

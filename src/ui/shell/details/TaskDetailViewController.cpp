@@ -6,6 +6,7 @@
 #include "shell/details/DetailStack.h"
 #include "shell/tasks/TaskFormView.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Animations.h"
 #include "widgets/FormScroll.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
@@ -40,6 +41,9 @@ TaskDetailViewController::TaskDetailViewController(const TaskPtr &task, QWidget 
     connect(view, &TaskFormView::editWanted, this, &TaskDetailViewController::editAttempted);
     observe();
     setPreviewMode();
+    // Once the pane stands still, nobody sees that the calendar takes its time.
+    QTimer::singleShot(Animations::duration(Animations::detailSlideIn), this,
+                       [this] { form.findInvitation(); });
 }
 
 void TaskDetailViewController::showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
@@ -129,6 +133,7 @@ void TaskDetailViewController::taskChanged()
         Q_EMIT recordRemoved();
     } else if (!isEditing() && form.currentTask().isChangedTask()) {
         form.rollback();
+        form.findInvitation();
         statusChanged();
     }
 }
@@ -136,14 +141,6 @@ void TaskDetailViewController::taskChanged()
 bool TaskDetailViewController::shows(const ObjectPtr &record) const
 {
     return record && form.currentTask().task() == record;
-}
-
-void TaskDetailViewController::setActive(bool isNowActive)
-{
-    DetailViewController::setActive(isNowActive);
-    // What is covered takes no keys.
-    for (QWidget *part : findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
-        part->setEnabled(isNowActive);
 }
 
 // Modes
@@ -175,7 +172,7 @@ void TaskDetailViewController::modeChanged(bool editing)
 void TaskDetailViewController::statusChanged()
 {
     using Style = DateFormatter::Style;
-    buttonEdit->setText(localized(isEditing() ? u"Done"_s : u"Edit"_s));
+    buttonEdit->setText(localized(isEditing() ? u"DoneButton"_s : u"Edit"_s));
     buttonEdit->setDefault(isEditing());
     buttonEdit->setVisible(form.allowsModifyEvent());
     buttonEdit->setEnabled(isEditing() || form.canEdit());

@@ -29,10 +29,10 @@ public:
     TaskFormState *taskForm() { return &form; }
     bool isEditing() const;
     /// The list that the task is seen from.
-    void setTypeTask(std::optional<ListType> type) { typeTask = type; }
+    void setTypeTask(std::optional<ListType> type) { listType = type; }
+    std::optional<ListType> typeTask() const { return listType; }
 
     bool shows(const ObjectPtr &record) const override;
-    void setActive(bool isNowActive) override;
 
     void setEditMode();
     void setPreviewMode();
@@ -57,7 +57,7 @@ private:
     void giveUpEdit();
 
     TaskFormState form;
-    std::optional<ListType> typeTask;
+    std::optional<ListType> listType;
     TaskFormView *view = nullptr;
     QPushButton *buttonEdit = nullptr;
     QToolButton *buttonBack = nullptr;

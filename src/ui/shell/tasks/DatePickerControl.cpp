@@ -37,6 +37,7 @@ void DatePickerControl::open()
     connect(popover, &DatePickerPopover::doneClicked, this,
             [this](Date date) { form.acceptDate(state, date); });
     connect(popover, &DatePickerPopover::checkToggled, this, &DatePickerControl::toggled);
+    picker.setFocus();
     popover->showBeside(picker);
 }
 

@@ -1,13 +1,12 @@
 #include "foundation/Localization.h"
 #include "records/Functional.h"
 #include "records/TaskFormChoices.h"
+#include "shell/tasks/LocationPopup.h"
 #include "shell/tasks/RepeatControl.h"
 #include "shell/tasks/TaskFormView.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/Theme.h"
-
-#include <QLabel>
 
 // The pop-ups of a task's form.
 
@@ -83,10 +82,11 @@ QWidget *TaskFormView::makeCalendar()
 QWidget *TaskFormView::makeType()
 {
     auto *popUp = new PopUpButton(u"popUpButtonType"_s);
-    for (const int type : {0, 1, 2})
-        popUp->addItem(Functional::typeStringFromType(type));
+    for (const int type : state.types())
+        popUp->addItem(Functional::typeStringFromType(type), type);
     connect(popUp, &QComboBox::textActivated, this, [this](const QString &word) { state.setType(word); });
-    syncs.push_back([this, popUp] { popUp->setCurrentIndex(state.currentTask().type.value_or(0)); });
+    syncs.push_back(
+        [this, popUp] { popUp->setCurrentIndex(popUp->findData(state.currentTask().type.value_or(0))); });
     return popUp;
 }
 
@@ -170,5 +170,9 @@ QWidget *TaskFormView::makeRepeat()
 
 QWidget *TaskFormView::makeLocation()
 {
-    return new QLabel;
+    auto *popup = new LocationPopup;
+    connect(popup, &LocationPopup::labelLocationClickButtonDone, this,
+            [this](const LocationPtr &location) { state.setLocation(location); });
+    syncs.push_back([this, popup] { popup->setLocation(state.currentTask().location); });
+    return popup;
 }

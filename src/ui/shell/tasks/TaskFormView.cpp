@@ -20,7 +20,9 @@ using PickerType = DatePickerState::Type;
 constexpr int titleHeight = 50;
 constexpr int rowHeight = 40;
 constexpr int priorityHeight = 55;
-constexpr int detailsHeight = 84;
+constexpr int detailsHeight = 64;
+/// One bubble has to be gone, and the window active again, before the next one can stay open.
+constexpr auto betweenBubbles = std::chrono::milliseconds(60);
 /// The circle stands above the labels, although its ring needs room around it.
 constexpr int checkBoxInset = 11;
 
@@ -33,7 +35,9 @@ TaskFormView::TaskFormView(TaskFormState &usedState, QWidget *parent)
         refresh();
         Q_EMIT changed(field);
     };
-    state.dueDateWanted = [this] { QTimer::singleShot(0, dueDateControl, &DatePickerControl::open); };
+    state.dueDateWanted = [this] {
+        QTimer::singleShot(betweenBubbles, dueDateControl, &DatePickerControl::open);
+    };
     refresh();
 }
 
@@ -74,7 +78,6 @@ void TaskFormView::setUpRows()
     addRow(TaskFormRow::Project, u"Project"_s, rowHeight, makeProject());
     if (!DBWorker::isSample())
         makeDeletable(TaskFormRow::Category, [this] { state.setCategory(nullptr); });
-    makeDeletable(TaskFormRow::Location, [this] { state.setLocation(nullptr); });
     makeDeletable(TaskFormRow::Details, [this] { state.setDetails({}); });
     makeDeletable(TaskFormRow::Contacts, [this] { state.setDelegate(nullptr); });
     makeDeletable(TaskFormRow::Company, [this] { state.setCompany(nullptr); });
@@ -99,6 +102,9 @@ QWidget *TaskFormView::makeTitle()
     checkDone = new CheckButton;
     checkDone->setObjectName(u"checkDone"_s);
     checkDone->setAccessibleName(localized(u"Done"_s));
+    QSizePolicy policy = checkDone->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    checkDone->setSizePolicy(policy);
     connect(checkDone, &QAbstractButton::clicked, this, &TaskFormView::doneToggled);
     textFieldTitle = new GrowingTextField(GrowingTextField::Kind::Title);
     textFieldTitle->setObjectName(u"textFieldTitle"_s);
@@ -116,6 +122,7 @@ QWidget *TaskFormView::makeDetails()
 {
     textFieldDetails = new GrowingTextField(GrowingTextField::Kind::Details);
     textFieldDetails->setObjectName(u"textFieldDetails"_s);
+    textFieldDetails->setFramed(true);
     textFieldDetails->setPlaceholderText(localized(u"Notes, links, whatever helps"_s));
     connect(textFieldDetails, &QTextEdit::textChanged, this,
             [this] { state.setDetails(textFieldDetails->text()); });
@@ -148,6 +155,7 @@ void TaskFormView::setEditing(bool isNowEditing)
         field->setReadOnly(!editing);
         field->setFocusPolicy(editing ? Qt::StrongFocus : Qt::ClickFocus);
     }
+    textFieldDetails->setFramed(editing);
     refresh();
 }
 
@@ -163,6 +171,9 @@ void TaskFormView::refresh()
     showText(*textFieldTitle, state.currentTask().title);
     showText(*textFieldDetails, state.currentTask().details);
     checkDone->setChecked(state.currentTask().status == static_cast<int>(TaskStatus::Done));
+    // A task that cannot be changed cannot be ticked off.
+    if (!state.allowsModifyEvent())
+        checkDone->hide();
     for (const auto &sync : syncs)
         sync();
     for (const auto &[row, view] : rows)

@@ -17,6 +17,8 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int firstWidth = 520;
 constexpr int margin = 2 * Theme::unit;
+/// The rows have come to rest by then.
+constexpr auto afterRows = std::chrono::milliseconds(40);
 
 WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     : QWidget(parent, Qt::Window)
@@ -37,7 +39,7 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     column->addWidget(makeButtons());
     connect(view, &TaskFormView::changed, this, [this] { buttonSave->setEnabled(form.canSave()); });
     growth.setSingleShot(true);
-    growth.setInterval(Animations::duration(Animations::rowCollapse));
+    growth.setInterval(Animations::duration(Animations::rowCollapse + afterRows));
     connect(view, &TaskFormView::changed, &growth, qOverload<>(&QTimer::start));
     connect(&growth, &QTimer::timeout, this, &WindowNewTask::growToForm);
     connect(view, &TaskFormView::accepted, this, &WindowNewTask::clickButtonSave);

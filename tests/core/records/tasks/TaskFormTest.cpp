@@ -69,6 +69,8 @@ TEST_F(TaskFormTest, ANewTaskBeginsWithWhatItIsGiven)
     EXPECT_EQ(given.currentTask().company, company);
     EXPECT_TRUE(given.currentTask().isAppointment());
     EXPECT_EQ(given.currentTask().startDate, noon);
+    EXPECT_EQ(given.types(), (std::vector{0, 1, 2}));
+    EXPECT_EQ(TaskFormState({.type = TaskType::Appointment, .showTodo = false}).types(), (std::vector{1, 2}));
 }
 
 TEST_F(TaskFormTest, ClearingTheStartOfARepeatingToDoClearsWhatHangsOnIt)
@@ -224,6 +226,17 @@ TEST_F(TaskFormTest, TheEndOfAnEditSavesOnlyWhatChangedAndKeepsARefusedOne)
     form.changeStatusNow(true);
     EXPECT_EQ(row->status(), 3);
     EXPECT_FALSE(form.canEdit());
+}
+
+TEST_F(TaskFormTest, ATickThatTheRulesRefuseIsTakenBack)
+{
+    const TaskPtr row = add(u"visit"_s, TaskType::Appointment, localDate(2026, 11, 23, 9));
+    TaskFormState form(row);
+    const ScriptedAlerts alerts({Alert::firstButton});
+    form.changeStatusNow(true);
+    EXPECT_EQ(alerts.asked().size(), 1U);
+    EXPECT_EQ(row->status(), 0);
+    EXPECT_EQ(form.currentTask().status, 0);
 }
 
 TEST_F(TaskFormTest, ThePreviewLeavesOutWhatHasNothingToSay)

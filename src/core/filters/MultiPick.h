@@ -1,0 +1,43 @@
+#pragma once
+
+#include "filters/ListFilter.h"
+
+#include <set>
+
+/// Objects of which any number are marked: all of them, or those that the user marks one by one. A search
+/// narrows what is shown; marks outside of it stay.
+class MultiPick
+{
+public:
+    struct Entry
+    {
+        ObjectPtr object;
+        QString title;
+    };
+
+    MultiPick(std::vector<Entry> entries, const FilterSelection &selected);
+
+    /// What is shown, in order.
+    const std::vector<Entry> &allData() const { return all; }
+    int rowCount() const { return static_cast<int>(dataSource.size()); }
+    QString titleOf(int row) const { return all[indexOf(row)].title; }
+    bool isMarked(int row) const { return selectRows.contains(indexOf(row)); }
+    bool selectedAll() const { return everything; }
+
+    /// Shows what holds the text, case and diacritics ignored; an empty text shows everything.
+    void search(const QString &text);
+    /// A press on a shown row.
+    void toggle(int row);
+    /// Marks everything that is shown, or unmarks it.
+    void toggleAll();
+    /// What is handed over.
+    FilterSelection selection() const;
+
+private:
+    std::size_t indexOf(int row) const { return dataSource[static_cast<std::size_t>(row)]; }
+
+    std::vector<Entry> all;
+    std::vector<std::size_t> dataSource;
+    std::set<std::size_t> selectRows;
+    bool everything;
+};

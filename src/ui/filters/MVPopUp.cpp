@@ -1,0 +1,127 @@
+#include "filters/MVPopUp.h"
+
+#include "foundation/Localization.h"
+#include "records/TaskFormChoices.h"
+#include "widgets/BubbleHeader.h"
+#include "widgets/CheckList.h"
+#include "widgets/Theme.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr QSize bubbleSize(350, 223);
+constexpr int margin = 12;
+
+MVPopUp::MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, const FilterSelection &selected,
+                 QWidget *parent)
+    : Popover(parent)
+    , pick(std::move(entries), selected)
+    , header(new BubbleHeader(title))
+    , fieldSearch(new QLineEdit)
+    , buttonAll(new QPushButton)
+    , table(new CheckList)
+    , labelEmpty(new QLabel(localized(u"Nothing matches."_s)))
+{
+    setObjectName(u"MVPopUp"_s);
+    setAccessibleName(title);
+    setFixedSize(bubbleSize);
+    fieldSearch->setObjectName(u"fieldSearch"_s);
+    fieldSearch->setPlaceholderText(localized(u"Search"_s));
+    fieldSearch->setAccessibleName(localized(u"Search"_s));
+    fieldSearch->setClearButtonEnabled(true);
+    buttonAll->setObjectName(u"buttonAll"_s);
+    table->setAccessibleName(title);
+    labelEmpty->setAlignment(Qt::AlignCenter);
+    auto *line = new QHBoxLayout;
+    line->setSpacing(Theme::unit);
+    line->addWidget(fieldSearch, 1);
+    line->addWidget(buttonAll);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(margin, margin, margin, margin);
+    column->setSpacing(Theme::unit);
+    column->addWidget(header);
+    column->addLayout(line);
+    column->addWidget(table, 1);
+    column->addWidget(labelEmpty, 1);
+    connect(fieldSearch, &QLineEdit::textChanged, this, [this](const QString &text) {
+        pick.search(text);
+        showRows();
+    });
+    connect(buttonAll, &QPushButton::clicked, this, [this] {
+        pick.toggleAll();
+        showMarks();
+    });
+    connect(table, &CheckList::linePressed, this, [this](int row) {
+        pick.toggle(row);
+        showMarks();
+    });
+    connect(header, &BubbleHeader::doneClicked, this, &MVPopUp::clickDone);
+    connect(header, &BubbleHeader::cancelClicked, this, &QWidget::close);
+    showRows();
+    fieldSearch->setFocus();
+}
+
+void MVPopUp::showRows()
+{
+    std::vector<CheckList::Line> lines;
+    for (int row = 0; row < pick.rowCount(); ++row)
+        lines.push_back({pick.titleOf(row)});
+    table->setLines(lines);
+    table->setVisible(!lines.empty());
+    labelEmpty->setVisible(lines.empty());
+    buttonAll->setEnabled(!lines.empty());
+    showMarks();
+}
+
+void MVPopUp::showMarks()
+{
+    for (int row = 0; row < pick.rowCount(); ++row)
+        table->setMarked(row, pick.isMarked(row));
+    buttonAll->setText(localized(pick.selectedAll() ? u"Unmark all"_s : u"Mark all"_s));
+}
+
+void MVPopUp::clickDone()
+{
+    close();
+    Q_EMIT toPopUp(pick.selection());
+}
+
+void MVPopUp::keyPressEvent(QKeyEvent *event)
+{
+    auto *button = qobject_cast<QPushButton *>(focusWidget());
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        button ? button->click() : clickDone();
+    else if (event->key() == Qt::Key_Down && fieldSearch->hasFocus())
+        table->setFocus();
+    else
+        Popover::keyPressEvent(event);
+}
+
+static std::vector<MultiPick::Entry> contactEntries()
+{
+    std::vector<MultiPick::Entry> entries;
+    for (const ContactPtr &contact : TaskFormChoices::contacts())
+        entries.push_back({contact, contact->fullName()});
+    return entries;
+}
+
+static std::vector<MultiPick::Entry> companyEntries()
+{
+    std::vector<MultiPick::Entry> entries;
+    for (const CompanyPtr &company : TaskFormChoices::companies())
+        entries.push_back({company, company->title()});
+    return entries;
+}
+
+PopUpContact::PopUpContact(const FilterSelection &selected, QWidget *parent)
+    : MVPopUp(localized(u"Contacts"_s), contactEntries(), selected, parent)
+{}
+
+PopUpCompany::PopUpCompany(const FilterSelection &selected, QWidget *parent)
+    : MVPopUp(localized(u"Companies"_s), companyEntries(), selected, parent)
+{}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "filters/MultiPick.h"
+#include "widgets/Popover.h"
+
+class BubbleHeader;
+class CheckList;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+/// A bubble from which several objects are picked, with a search field above them.
+class MVPopUp : public Popover
+{
+    Q_OBJECT
+public:
+    MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, const FilterSelection &selected,
+            QWidget *parent = nullptr);
+
+    void clickDone();
+
+Q_SIGNALS:
+    /// "Done": what is marked. The bubble has closed.
+    void toPopUp(const FilterSelection &selected);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void showRows();
+    void showMarks();
+
+    MultiPick pick;
+    BubbleHeader *header;
+    QLineEdit *fieldSearch;
+    QPushButton *buttonAll;
+    CheckList *table;
+    QLabel *labelEmpty;
+};
+
+/// All contacts.
+class PopUpContact : public MVPopUp
+{
+    Q_OBJECT
+public:
+    explicit PopUpContact(const FilterSelection &selected, QWidget *parent = nullptr);
+};
+
+/// All companies.
+class PopUpCompany : public MVPopUp
+{
+    Q_OBJECT
+public:
+    explicit PopUpCompany(const FilterSelection &selected, QWidget *parent = nullptr);
+};

@@ -1,0 +1,132 @@
+#include "shell/tasks/LocationBubble.h"
+
+#include "foundation/Localization.h"
+#include "shell/ShellAlerts.h"
+#include "shell/tasks/LocationMap.h"
+#include "widgets/BubbleHeader.h"
+#include "widgets/CheckList.h"
+#include "widgets/Theme.h"
+
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QStackedLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr QSize bubbleSize(350, 250);
+constexpr int margin = 12;
+
+LocationBubble::LocationBubble(const LocationPtr &current, QWidget *parent)
+    : Popover(parent)
+    , choice(current)
+    , header(new BubbleHeader(localized(u"Location"_s)))
+    , table(new CheckList)
+{
+    setObjectName(u"LocationBubble"_s);
+    setAccessibleName(localized(u"Location"_s));
+    setFixedSize(bubbleSize);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(margin, margin, margin, margin);
+    column->setSpacing(Theme::unit);
+    column->addWidget(header);
+    pages = new QStackedLayout;
+    // A page that is added while the layout belongs to nobody would be a window for a moment.
+    column->addLayout(pages, 1);
+    pages->addWidget(table);
+    table->setAccessibleName(localized(u"Location"_s));
+    connect(table, &CheckList::linePressed, this, &LocationBubble::press);
+    connect(table, &CheckList::deletePressed, this, &LocationBubble::removeRow);
+    connect(header, &BubbleHeader::doneClicked, this, &LocationBubble::clickDone);
+    connect(header, &BubbleHeader::cancelClicked, this,
+            [this] { choice.isAdding() ? leaveMap() : void(close()); });
+    reload();
+    table->setFocus();
+}
+
+void LocationBubble::reload()
+{
+    std::vector<CheckList::Line> lines = {{localized(u"Add New Location"_s), u"add"_s}};
+    for (const LocationPtr &location : choice.locations())
+        lines.push_back({location->title(), u"location"_s});
+    table->setLines(lines);
+    table->setMarked(choice.selectedRow(), true);
+}
+
+void LocationBubble::press(int row)
+{
+    table->setMarked(choice.selectedRow(), false);
+    choice.press(row);
+    table->setMarked(choice.selectedRow(), true);
+    if (choice.isAdding())
+        loadMap();
+}
+
+/// The question cannot be answered below an open bubble.
+void LocationBubble::removeRow(int row)
+{
+    if (!choice.locationAt(row))
+        return;
+    hide();
+    if (ShellAlerts::alertRemoveItem()) {
+        const LocationPtr gone = choice.remove(row);
+        reload();
+        Q_EMIT removed(gone);
+    }
+    show();
+    table->setFocus();
+}
+
+void LocationBubble::loadMap()
+{
+    if (!map) {
+        map = new LocationMap;
+        pages->addWidget(map);
+        setTabOrder(header->buttonDone(), map);
+    }
+    const bool hasLocations = !choice.locations().empty();
+    map->begin(hasLocations ? std::optional(choice.locations().back()) : std::nullopt);
+    header->setTitle(localized(u"Add New Location"_s));
+    header->setCancelText(localized(u"Back"_s));
+    pages->setCurrentWidget(map);
+    map->focusTitle();
+}
+
+void LocationBubble::leaveMap()
+{
+    choice.stopAdding();
+    header->setTitle(localized(u"Location"_s));
+    header->setCancelText(localized(u"Cancel"_s));
+    pages->setCurrentWidget(table);
+    table->setFocus();
+}
+
+void LocationBubble::clickDone()
+{
+    if (!choice.isAdding())
+        return finish(choice.chosen());
+    const auto typed = map->locationTemp();
+    if (!typed)
+        return;
+    choice.locationTemp = *typed;
+    if (const auto made = choice.made())
+        finish(*made);
+    else
+        map->focusTitle();
+}
+
+void LocationBubble::finish(const LocationPtr &location)
+{
+    close();
+    Q_EMIT chosen(location);
+}
+
+void LocationBubble::keyPressEvent(QKeyEvent *event)
+{
+    auto *button = qobject_cast<QPushButton *>(focusWidget());
+    if (event->key() == Qt::Key_Escape && choice.isAdding())
+        leaveMap();
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        button ? button->click() : clickDone();
+    else
+        Popover::keyPressEvent(event);
+}

@@ -1,0 +1,101 @@
+#include "widgets/PickerField.h"
+
+#include "widgets/ClearKey.h"
+#include "widgets/Icons.h"
+#include "widgets/MorvaneStyle.h"
+#include "widgets/Theme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int iconWidth = 32;
+constexpr int iconSize = 16;
+constexpr int usualWidth = 200;
+constexpr int leastWidth = 96;
+
+PickerField::PickerField(const QString &iconName, QWidget *parent)
+    : QWidget(parent)
+    , icon(iconName)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAttribute(Qt::WA_Hover);
+}
+
+QSize PickerField::sizeHint() const
+{
+    return {usualWidth, std::max(Theme::controlHeight, fontMetrics().height() + 10)};
+}
+
+QSize PickerField::minimumSizeHint() const
+{
+    return {leastWidth, sizeHint().height()};
+}
+
+void PickerField::setValue(const QString &words, const QString &wordsForNone)
+{
+    value = words;
+    placeholder = wordsForNone;
+    setAccessibleDescription(text());
+    update();
+}
+
+QRect PickerField::crossRect() const
+{
+    const QRect atEnd(width() - iconWidth, 0, iconWidth, height());
+    return hasValue() ? QStyle::visualRect(layoutDirection(), rect(), atEnd) : QRect();
+}
+
+void PickerField::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Theme::controlBorder);
+    painter.setBrush(underMouse() ? Theme::hover : Theme::control);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::controlRadius,
+                            Theme::controlRadius);
+    const auto placed = [this](const QRect &rect) {
+        return QStyle::visualRect(layoutDirection(), this->rect(), rect);
+    };
+    Icons::paint(painter, placed(QRect(0, 0, iconWidth, height())), icon,
+                 hasValue() ? Theme::accent : Theme::secondaryText, iconSize);
+    painter.setPen(hasValue() ? Theme::text : Theme::disabledText);
+    const QRect place(iconWidth, 0, width() - 2 * iconWidth, height());
+    painter.drawText(placed(place),
+                     QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
+                     fontMetrics().elidedText(text(), Qt::ElideRight, place.width()));
+    if (hasValue())
+        Icons::paint(painter, crossRect(), u"clear"_s, Theme::secondaryText, iconSize);
+    if (hasFocus())
+        MorvaneStyle::drawFocusRing(painter, rect(), Theme::controlRadius, Theme::focusRing);
+}
+
+void PickerField::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (crossRect().contains(event->position().toPoint()))
+        Q_EMIT cleared();
+    else
+        Q_EMIT pressed();
+}
+
+/// The Delete key belongs to the field although a menu has it too.
+bool PickerField::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && ClearKey::is(static_cast<QKeyEvent &>(*event)))
+        event->accept();
+    return QWidget::event(event);
+}
+
+void PickerField::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Down)
+        Q_EMIT pressed();
+    else if (!ClearKey::is(*event))
+        QWidget::keyPressEvent(event);
+    else if (hasValue())
+        Q_EMIT cleared();
+}

@@ -1,0 +1,105 @@
+// A task in a form, where there are calendars.
+
+#include "CalendarTest.h"
+
+#include "records/TaskFormChoices.h"
+#include "records/TaskFormState.h"
+
+namespace {
+
+class TaskFormCalendarTest : public CalendarTest
+{
+protected:
+    /// The row of an event that came with a pass.
+    TaskPtr rowOf(const QString &title)
+    {
+        pass();
+        for (const TaskPtr &row : rows()) {
+            if (row->title() == title)
+                return row;
+        }
+        return nullptr;
+    }
+    void writeInvitation(const QString &organizer)
+    {
+        write(u"Work"_qs, u"meeting"_qs,
+              u"SUMMARY:Meeting\nDTSTART:20261123T090000Z\nDTEND:20261123T100000Z\n"
+              u"ORGANIZER%1\nATTENDEE;CN=Bob:mailto:bob@example.org\n"_qs.arg(organizer));
+    }
+};
+
+} // namespace
+
+TEST_F(TaskFormCalendarTest, AnInvitationNamesTheOrganiserWhetherKnownOrNot)
+{
+    writeInvitation(u";CN=Ada Maria Bright:mailto:ada@example.org"_qs);
+    const TaskPtr row = rowOf(u"Meeting"_qs);
+    ASSERT_NE(row, nullptr);
+    TaskFormState stranger(row);
+    stranger.findInvitation();
+    EXPECT_TRUE(stranger.invitation().hasAttendees);
+    EXPECT_EQ(stranger.label(TaskFormRow::Contacts), u"Invitation from"_qs);
+    EXPECT_EQ(stranger.previewText(TaskFormRow::Contacts), u"Ada Maria Bright"_qs);
+    EXPECT_TRUE(stranger.isRowShownInPreview(TaskFormRow::Contacts));
+
+    const ContactPtr ada = mainContext().insert<EntityContacts>();
+    ada->setFirstName(u"Ada Maria"_qs);
+    ada->setLastName(u"Bright"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    TaskFormState known(row);
+    known.findInvitation();
+    EXPECT_EQ(known.invitation().entityContactOrganizer, ada);
+
+    writeInvitation(u":mailto:ada@example.org"_qs);
+    connectStore();
+    known.findInvitation();
+    EXPECT_EQ(known.previewText(TaskFormRow::Contacts), u"ada@example.org"_qs);
+}
+
+TEST_F(TaskFormCalendarTest, ATaskWithoutGuestsIsNoInvitation)
+{
+    write(
+        u"Work"_qs, u"alone"_qs,
+        u"SUMMARY:Alone\nDTSTART:20261123T090000Z\nDTEND:20261123T100000Z\nORGANIZER:mailto:a@example.org\n"_qs);
+    const TaskPtr row = rowOf(u"Alone"_qs);
+    ASSERT_NE(row, nullptr);
+    TaskFormState form(row);
+    form.findInvitation();
+    EXPECT_FALSE(form.invitation().hasAttendees);
+    EXPECT_EQ(form.label(TaskFormRow::Contacts), u"Delegate to user"_qs);
+    EXPECT_FALSE(form.isRowShownInPreview(TaskFormRow::Contacts));
+}
+
+TEST_F(TaskFormCalendarTest, TheChosenCalendarGivesATaskItsTitleAndColourOnSaving)
+{
+    UserDefaults::standard().setObject(settings::defaultCalendar, u"Work"_qs);
+    std::vector<QString> offered;
+    for (const CalendarChooserRow &row : TaskFormChoices::calendars()) {
+        if (const auto *calendar = std::get_if<EKCalendar>(&row))
+            offered.push_back(calendar->title);
+    }
+    EXPECT_EQ(offered, (std::vector{u"Home"_qs, u"Work"_qs}));
+    TaskFormState form({.createWithStartDate = localDate(2026, 11, 23),
+                        .createWithDueDate = localDate(2026, 11, 23, 23, 59)});
+    EXPECT_EQ(form.currentTask().typeCalendarID, u"Work"_qs);
+    EXPECT_TRUE(form.isRowShown(TaskFormRow::Repeat));
+    form.setTitle(u"report"_qs);
+    form.setCalendar(u"Home"_qs);
+    form.setRepeatPreset(RepeatPicker::EveryMonth);
+    EXPECT_TRUE(form.save());
+    EXPECT_EQ(form.currentTask().calendarTitle, u"Home"_qs);
+    EXPECT_EQ(form.currentTask().colorCalendarA, 1.0);
+    const auto written = files(u"Home"_qs);
+    ASSERT_EQ(written.size(), 1);
+    EXPECT_TRUE(written.first().contains(u"FREQ=MONTHLY"_qs)) << qPrintable(written.first());
+    EXPECT_EQ(TaskFormState(form.currentTask().task()).previewText(TaskFormRow::Repeat), u"Every Month"_qs);
+}
+
+TEST_F(TaskFormCalendarTest, WithoutAccessThereIsNoRepetitionAndTheHeaderSaysSo)
+{
+    PlatformConfiguration::setAuthorization(u"events"_qs, 2);
+    const TaskFormState form({.createWithStartDate = localDate(2026, 11, 23)});
+    EXPECT_FALSE(form.isRowShown(TaskFormRow::Repeat));
+    EXPECT_EQ(TaskFormChoices::calendarsHeader(form.hasCalendarAccess()),
+              u"The app does not have access to the Apple calendar"_qs);
+}

@@ -1,0 +1,66 @@
+// Several contacts or companies are picked in a bubble.
+
+#include "filters/MVPopUp.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/CheckList.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+
+using namespace Qt::Literals::StringLiterals;
+
+class PopUpTest : public ShellTest
+{
+protected:
+    PopUpTest()
+    {
+        for (const QString &title : {u"Bank"_s, u"Bakery"_s, u"School"_s}) {
+            companies.push_back(context().insert<EntityCompany>());
+            companies.back()->setTitle(title);
+        }
+        EXPECT_FALSE(DBWorker::saveContext());
+    }
+
+    std::vector<CompanyPtr> companies;
+};
+
+TEST_F(PopUpTest, CompaniesAreSearchedMarkedAndHandedOver)
+{
+    PopUpCompany popUp({.selectedAll = false, .objects = {}}, &window());
+    FilterSelection taken;
+    QObject::connect(&popUp, &MVPopUp::toPopUp, &popUp,
+                     [&](const FilterSelection &selected) { taken = selected; });
+    popUp.showBeside(window());
+    EXPECT_EQ(popUp.size(), QSize(350, 223));
+    auto &table = *popUp.findChild<CheckList *>();
+    const int before = table.lineCount();
+    QTest::keyClicks(popUp.focusWidget(), u"ba"_s);
+    EXPECT_LT(table.lineCount(), before);
+    QTest::keyClick(popUp.focusWidget(), Qt::Key_Down);
+    int bakery = 0;
+    while (table.textOf(bakery) != u"Bakery"_s)
+        QTest::keyClick(&table, Qt::Key_Down), ++bakery;
+    QTest::keyClick(&table, Qt::Key_Space);
+    EXPECT_TRUE(table.isMarked(bakery));
+    QTest::keyClick(&table, Qt::Key_Return);
+    EXPECT_FALSE(popUp.isVisible());
+    EXPECT_EQ(taken.objects, std::vector<ObjectPtr>{companies[1]});
+    EXPECT_FALSE(taken.selectedAll);
+}
+
+TEST_F(PopUpTest, AllAreMarkedAndUnmarkedByOneButton)
+{
+    PopUpCompany popUp({.selectedAll = false, .objects = {}}, &window());
+    popUp.showBeside(window());
+    auto &table = *popUp.findChild<CheckList *>();
+    auto &button = find<QPushButton>(popUp, "buttonAll");
+    EXPECT_EQ(button.text(), u"Mark all"_s);
+    QTest::mouseClick(&button, Qt::LeftButton);
+    EXPECT_EQ(button.text(), u"Unmark all"_s);
+    for (int line = 0; line < table.lineCount(); ++line)
+        EXPECT_TRUE(table.isMarked(line));
+    QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, QPoint(30, 20));
+    EXPECT_FALSE(table.isMarked(0));
+    EXPECT_EQ(button.text(), u"Mark all"_s);
+}
