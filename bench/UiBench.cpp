@@ -7,6 +7,7 @@
 #include "widgets/Animations.h"
 #include "widgets/TableViewExtended.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -122,7 +123,9 @@ int main(int argc, char *argv[])
     MainWindow &window = mainWindow();
     QApplication::processEvents();
     const auto run = [&window](const char *action) {
-        window.findChild<QAction *>(QString::fromLatin1(action))->trigger();
+        for (QAction *command : window.actions())
+            if (command->objectName() == QLatin1String(action))
+                command->trigger();
         QApplication::processEvents();
     };
     const double shown = measured([&] {

@@ -34,8 +34,8 @@ void TaskFormState::startEntityTaskValue(const NewTaskRequest &request)
     task.project = request.createWithProject;
     task.startDate = request.createWithStartDate;
     task.dueDate = request.createWithDueDate;
-    if (request.typeTask == ListType::Someday)
-        task.dueSomeDay = true;
+    // Said either way: a task that says nothing is on no list of days.
+    task.dueSomeDay = request.typeTask == ListType::Someday;
 }
 
 void TaskFormState::note(TaskField field)
