@@ -1,5 +1,6 @@
 #include "filters/TasksFilter.h"
 
+#include "filters/FilterEntries.h"
 #include "foundation/Localization.h"
 
 namespace {
@@ -24,6 +25,11 @@ TasksFilter::TasksFilter(int tasksType)
     : ListFilter(SavedFilter::ofTasks(tasksType), popoverRows())
     , listType(tasksType)
 {}
+
+bool TasksFilter::isFilterable(int type)
+{
+    return filters::seedOfTaskFilters().contains(QString::number(type));
+}
 
 void TasksFilter::setTasksType(int type)
 {

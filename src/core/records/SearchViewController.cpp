@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/TextFolding.h"
+#include "records/BackgroundSearch.h"
 #include "store/entities/Entities.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -61,25 +62,58 @@ std::vector<ObjectPtr> SearchViewController::sortetArray(std::vector<ObjectPtr> 
     return objects;
 }
 
+SearchViewController::SearchViewController() = default;
+SearchViewController::~SearchViewController() = default;
+
+ObjectPtr SearchViewController::Row::record() const
+{
+    return isHeading() ? nullptr : DBWorker::getObjectFromId(uri);
+}
+
 void SearchViewController::changeFileterString(const QString &text)
 {
-    resultRows.clear();
-    std::array<std::vector<ObjectPtr>, headings.size()> groups;
+    std::vector<SearchHit> hits;
     std::unordered_set<QString> seen;
-    for (const QString &id : DBWorker::searchObjectIdsWithString(text)) {
-        if (!seen.insert(id).second)
+    for (const QString &uri :
+         text.isEmpty() ? std::vector<QString>() : DBWorker::searchObjectIdsWithString(text)) {
+        if (!seen.insert(uri).second)
             continue;
-        const ObjectPtr record = DBWorker::getObjectFromId(id);
-        const auto kind = static_cast<size_t>(getEntityIndex(record));
-        if (kind < groups.size())
-            groups[kind].push_back(record);
+        const ObjectPtr record = DBWorker::getObjectFromId(uri);
+        const int kind = getEntityIndex(record);
+        if (kind < searchhits::kindCount)
+            hits.push_back({kind, uri, getStringWithObject(record)});
     }
-    for (size_t kind = 0; kind < groups.size(); ++kind) {
-        if (groups[kind].empty())
-            continue;
-        resultRows.push_back({localized(QString::fromUtf16(headings[kind])).toUpper(), nullptr});
-        for (ObjectPtr &record : sortetArray(std::move(groups[kind])))
-            resultRows.push_back({{}, std::move(record)});
+    searchhits::sort(hits);
+    show(std::move(hits));
+}
+
+void SearchViewController::changeFileterStringLater(const QString &text, std::function<void()> done)
+{
+    if (!background)
+        background = std::make_unique<BackgroundSearch>();
+    searching = !text.isEmpty();
+    if (searching) {
+        background->find(text, [this, done = std::move(done)](std::vector<SearchHit> hits) {
+            searching = false;
+            show(std::move(hits));
+            done();
+        });
+        return;
+    }
+    background->cancel();
+    show({});
+    done();
+}
+
+void SearchViewController::show(std::vector<SearchHit> hits)
+{
+    resultRows.clear();
+    int lastKind = -1;
+    for (SearchHit &hit : hits) {
+        if (hit.kind != std::exchange(lastKind, hit.kind))
+            resultRows.push_back(
+                {localized(QString::fromUtf16(headings[static_cast<size_t>(hit.kind)])).toUpper(), {}, {}});
+        resultRows.push_back({{}, std::move(hit.uri), std::move(hit.name)});
     }
 }
 
@@ -93,10 +127,11 @@ double SearchViewController::popoverHeight(double rowHeight, double headerHeight
 
 bool SearchViewController::doubleClick(int row) const
 {
-    if (row < 0 || row >= static_cast<int>(resultRows.size()) ||
-        resultRows[static_cast<size_t>(row)].isHeading())
+    if (row < 0 || row >= static_cast<int>(resultRows.size()))
         return false;
-    NotificationCenter::defaultCenter().post(notifications::clickTableSearch,
-                                             resultRows[static_cast<size_t>(row)].record);
+    const ObjectPtr record = resultRows[static_cast<size_t>(row)].record();
+    if (!record)
+        return false;
+    NotificationCenter::defaultCenter().post(notifications::clickTableSearch, record);
     return true;
 }

@@ -1,10 +1,15 @@
 #pragma once
 
 #include "objectstore/ManagedObject.h"
+#include "records/SearchHits.h"
 
 #include <QString>
 
+#include <functional>
+#include <memory>
 #include <vector>
+
+class BackgroundSearch;
 
 /// What a search through all records found: a list of headings and the records under them, ready to be shown.
 class SearchViewController
@@ -14,13 +19,27 @@ public:
     struct Row
     {
         QString heading;
-        ObjectPtr record;
-        bool isHeading() const { return !record; }
+        /// The permanent URI of the record; empty for a heading.
+        QString uri;
+        /// What the list shows of the record.
+        QString name;
+        bool isHeading() const { return uri.isEmpty(); }
+        /// Null for a heading, and for a record that is gone since.
+        ObjectPtr record() const;
     };
 
+    SearchViewController();
+    ~SearchViewController();
+
     /// Searches anew. A record that is found through several texts stands once; groups stand in the order
-    /// task, project, contact, company, note, and only those with members.
+    /// task, project, contact, company, note, and only those with members. Nothing is found by no text.
     void changeFileterString(const QString &text);
+    /// The same for the last save of the store, without keeping the caller waiting: until `done` is called
+    /// from the main loop the former rows stand. Only the last of several calls is answered.
+    void changeFileterStringLater(const QString &text, std::function<void()> done);
+    /// Whether an answer is still to come.
+    bool isSearching() const { return searching; }
+
     const std::vector<Row> &rows() const { return resultRows; }
     /// The height that the list takes, within the limits of the popover.
     double popoverHeight(double rowHeight, double headerHeight) const;
@@ -35,5 +54,9 @@ public:
     static std::vector<ObjectPtr> sortetArray(std::vector<ObjectPtr> objects);
 
 private:
+    void show(std::vector<SearchHit> hits);
+
     std::vector<Row> resultRows;
+    std::unique_ptr<BackgroundSearch> background;
+    bool searching = false;
 };

@@ -2,6 +2,7 @@
 
 #include "foundation/Log.h"
 #include "objectstore/ChangeJournal.h"
+#include "objectstore/FetchSql.h"
 #include "objectstore/SqlText.h"
 #include "objectstore/StoreFile.h"
 
@@ -283,20 +284,7 @@ void ManagedObjectContext::detach(ManagedObject &object)
 QByteArray ManagedObjectContext::orderOf(const EntityDescription &entity,
                                          const SortDescriptors &descriptors) const
 {
-    QByteArray order;
-    for (const SortDescriptor &descriptor : descriptors) {
-        if (entity.columnOf(descriptor.key) < 0) {
-            Log::line(QStringLiteral("%1 cannot be sorted by %2")
-                          .arg(QString::fromUtf8(entity.table()), QString::fromStdString(descriptor.key)));
-            continue;
-        }
-        order += (order.isEmpty() ? " ORDER BY row." : ", row.") + quoted(descriptor.key);
-        if (descriptor.comparison == SortDescriptor::Comparison::LocalizedCaseInsensitive)
-            order += " COLLATE LOCALIZED";
-        if (!descriptor.isAscending)
-            order += " DESC";
-    }
-    return order.isEmpty() ? QByteArray(" ORDER BY row.rowid") : order;
+    return fetchsql::order(entity, descriptors);
 }
 
 ManagedObjectContext::Query ManagedObjectContext::query(const FetchRequest &request, const QByteArray &result)
@@ -304,22 +292,8 @@ ManagedObjectContext::Query ManagedObjectContext::query(const FetchRequest &requ
     // What fails to be written stays in memory and is reported by the next save; the query still runs.
     write();
     const EntityDescription &entity = objectModel.requireEntity(request.entityName);
-    Query made;
-    made.text = "SELECT " + result + " FROM " + quoted(entity.name()) + " row";
-    if (auto problem = request.predicate.problemFor(objectModel, entity)) {
-        Log::line(
-            QStringLiteral("Wrong predicate for %1: %2").arg(QString::fromUtf8(entity.table()), *problem));
-        made.text += " WHERE 0";
-        return made;
-    }
-    SqlFragment condition = request.predicate.sql(objectModel, entity);
-    const QByteArray kept = keptRows(entity);
-    if (!request.predicate.isAlwaysTrue() && !kept.isEmpty())
-        made.text += " WHERE (" + condition.text + ") AND " + kept;
-    else if (!request.predicate.isAlwaysTrue() || !kept.isEmpty())
-        made.text += " WHERE " + (kept.isEmpty() ? condition.text : kept);
-    made.bindings = std::move(condition.bindings);
-    return made;
+    SqlFragment made = fetchsql::select(objectModel, request, result, keptRows(entity));
+    return {std::move(made.text), std::move(made.bindings)};
 }
 
 QByteArray ManagedObjectContext::keptRows(const EntityDescription &entity) const
@@ -379,10 +353,7 @@ void ManagedObjectContext::visit(const FetchRequest &request, const std::vector<
                                  const std::function<void(const RowReader &)> &visitor)
 {
     const EntityDescription &entity = objectModel.requireEntity(request.entityName);
-    QByteArray result = "row.rowid";
-    for (const std::string &column : columns)
-        result += ", row." + quoted(column);
-    Query visited = query(request, result);
+    Query visited = query(request, fetchsql::rowResult(columns));
     if (!request.sortDescriptors.empty())
         visited.text += orderOf(entity, request.sortDescriptors);
     if (request.limit >= 0)

@@ -6,6 +6,9 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr std::array actionTable = {
     ActionDescription{ActionId::NewTask, u"actionNewTask", u"New Task", u"Ctrl+N"},
+    ActionDescription{ActionId::Save, u"actionSave", u"Save", u"Ctrl+S"},
+    ActionDescription{ActionId::OpenMainWindow, u"actionOpenMainWindow", u"Open Main Window",
+                      u"Ctrl+Shift+N"},
     ActionDescription{ActionId::Calendars, u"actionCalendars", u"Calendars…", u"Ctrl+Shift+C"},
     ActionDescription{ActionId::Settings, u"actionSettings", u"Settings…", u"Ctrl+,"},
     ActionDescription{ActionId::CloseWindow, u"actionClose", u"Close", u"Ctrl+W"},
@@ -14,6 +17,10 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::Redo, u"actionRedo", u"Redo", u"Ctrl+Shift+Z"},
     ActionDescription{ActionId::Delete, u"actionDelete", u"Delete", u"Del"},
     ActionDescription{ActionId::SelectAll, u"actionSelectAll", u"Select All", u"Ctrl+A"},
+    ActionDescription{ActionId::Search, u"actionSearch", u"Search Morvane", u"Ctrl+F"},
+    ActionDescription{ActionId::FilterTasks, u"actionFilterTasks", u"Filter…", u"Ctrl+Shift+F"},
+    ActionDescription{ActionId::ClearFilter, u"actionClearFilter", u"Clear filter", u"Ctrl+Shift+Backspace"},
+    ActionDescription{ActionId::WhyIsItHere, u"actionWhyIsItHere", u"Why Is It Here?", u"Ctrl+I"},
     ActionDescription{ActionId::ShowHome, u"actionShowHome", u"Home", u"Ctrl+1"},
     ActionDescription{ActionId::ShowInbox, u"actionShowInbox", u"Inbox", u"Ctrl+2"},
     ActionDescription{ActionId::ShowToday, u"actionShowToday", u"Today", u"Ctrl+3"},

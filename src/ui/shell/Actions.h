@@ -12,12 +12,18 @@
 /// Every command of the program. Menus, shortcuts and tests look them up here.
 enum class ActionId {
     NewTask,
+    Save,
+    OpenMainWindow,
     Calendars,
     Settings,
     CloseWindow,
     Quit,
     Undo,
     Redo,
+    Search,
+    FilterTasks,
+    ClearFilter,
+    WhyIsItHere,
     Delete,
     SelectAll,
     ShowHome,

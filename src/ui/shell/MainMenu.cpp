@@ -32,7 +32,8 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
             {ActionId::NewTask, separator, ActionId::Calendars, ActionId::Settings, separator,
              ActionId::CloseWindow, ActionId::Quit});
     addMenu(menuBar, actions, u"Edit"_s,
-            {ActionId::Undo, ActionId::Redo, separator, ActionId::Delete, ActionId::SelectAll});
+            {ActionId::Undo, ActionId::Redo, separator, ActionId::Delete, ActionId::SelectAll, separator,
+             ActionId::Search, ActionId::FilterTasks, ActionId::ClearFilter, ActionId::WhyIsItHere});
     addMenu(menuBar, actions, u"View"_s,
             {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople,
              ActionId::ShowCompanies, separator, ActionId::ShowInbox, ActionId::ShowToday,

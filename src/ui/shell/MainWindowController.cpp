@@ -12,11 +12,13 @@
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/details/DetailStack.h"
+#include "shell/search/SearchPopover.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/ScreenToolBar.h"
+#include "widgets/TextBubble.h"
 
 #include <QLayout>
 #include <QMenuBar>
@@ -57,6 +59,7 @@ void MainWindowController::windowDidLoad()
     connect(mainWindow.get(), &MainWindow::firstPainted, &badgeRecount, [this] { badgeRecount.start(0); });
     badgeTimer.emplace(badgeInterval, [this] { countTasksBadge(); });
     observe();
+    observeSearch();
     QTimer::singleShot(firstSelectionDelay, this, &MainWindowController::selectFirstRow);
 }
 
@@ -71,6 +74,20 @@ void MainWindowController::observe()
     for (const NotificationName name : {notifications::contextDidSave, notifications::iCloudChange})
         observations.push_back(NotificationCenter::defaultCenter().addObserver(
             name, [this](const Notification &) { storeChanged(); }));
+}
+
+void MainWindowController::observeSearch()
+{
+    connect(mainWindow->rightToolBarMain(), &RightToolBar::currentResultChanged, actions,
+            &Actions::updateEnabled);
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(
+        notifications::searchMorvane,
+        [this](const Notification &) { mainWindow->rightToolBarMain()->focusSearch(); }));
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(
+        notifications::clickTableSearch, [this](const Notification &notification) {
+            if (const auto *record = std::any_cast<ObjectPtr>(&notification.object))
+                searchSelectItem(*record);
+        }));
 }
 
 void MainWindowController::storeChanged()
@@ -106,6 +123,16 @@ void MainWindowController::bindActions()
         ActionId::Undo, [this] { undo(); }, [] { return context() && context()->canUndo(); });
     actions->bind(
         ActionId::Redo, [this] { redo(); }, [] { return context() && context()->canRedo(); });
+    actions->bind(ActionId::Search,
+                  [] { NotificationCenter::defaultCenter().post(notifications::searchMorvane); });
+    actions->bind(
+        ActionId::FilterTasks, [this] { screen->openFilter(); },
+        [this] { return screen && screen->canFilter(); });
+    actions->bind(
+        ActionId::ClearFilter, [this] { screen->clearFilter(); },
+        [this] { return screen && screen->canClearFilter(); });
+    actions->bind(
+        ActionId::WhyIsItHere, [this] { explainPlace(); }, [this] { return taskInQuestion() != nullptr; });
     actions->bind(
         ActionId::Delete, [this] { removeSelected(); }, [this] { return screen && screen->hasSelection(); });
     actions->bind(
@@ -222,11 +249,49 @@ void MainWindowController::didRemoveRow(const QModelIndex &index)
     showList(SidebarItem::People);
 }
 
+// Search
+
+void MainWindowController::searchSelectItem(const ObjectPtr &record)
+{
+    const auto item = SidebarModel::itemShowing(record);
+    if (!item)
+        return;
+    goToList(*item);
+    screen->selectItem(record);
+    searchedRecord = DBWorker::getIdFromObject(record);
+    actions->updateEnabled();
+}
+
+/// The result that the keys are on, the selected task, the one in the pane, or the one that was searched for.
+TaskPtr MainWindowController::taskInQuestion() const
+{
+    const auto found = std::dynamic_pointer_cast<EntityTask>(mainWindow->rightToolBarMain()->currentResult());
+    if (found)
+        return found;
+    const TaskPtr selected = screen ? screen->selectedTask() : nullptr;
+    return selected ? selected
+                    : std::dynamic_pointer_cast<EntityTask>(DBWorker::getObjectFromId(searchedRecord));
+}
+
+void MainWindowController::explainPlace()
+{
+    const TaskPtr task = taskInQuestion();
+    if (!task || !screen)
+        return;
+    RightToolBar &bar = *mainWindow->rightToolBarMain();
+    const QString text = screen->explanationOf(task);
+    if (bar.currentResult())
+        TextBubble::show(text, *bar.searchPopover(), bar.searchPopover()->currentPlace());
+    else
+        TextBubble::show(text, *screen, screen->placeOf(task));
+}
+
 // Screens
 
 void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &index)
 {
     selectItem = sidebar->itemAt(index);
+    searchedRecord.clear();
     show(ScreenFactory::make(*sidebar, index));
 }
 
@@ -237,6 +302,7 @@ void MainWindowController::show(TabsViewController *newScreen)
     screen = newScreen;
     newScreen->setDetailStack(details.get());
     connect(newScreen, &TabsViewController::buttonAdd, this, &MainWindowController::buttonAdd);
+    connect(newScreen, &TabsViewController::whyRequested, this, &MainWindowController::explainPlace);
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::updateEnabled);
     newScreen->reloadData();
     mainWindow->rightToolBarMain()->chengedToolBar()->addToolBar(newScreen->toolBarView());

@@ -49,6 +49,10 @@ public:
     void loadContactsGroup();
     /// Counts the numbers beside the rows of "Tasks".
     void countTasksBadge();
+    /// A result of the search was chosen: goes to the screen that shows it.
+    void searchSelectItem(const ObjectPtr &record);
+    /// Says by which rule the task in question is on the shown list, or why it is not.
+    void explainPlace();
     /// Another store is in use: everything is fetched anew.
     void changeDataBase();
 
@@ -60,12 +64,14 @@ private:
     void bindActions();
     void bindLists();
     void observe();
+    void observeSearch();
     void outlineViewSelectionDidChange(const QModelIndex &index);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
     void removeSelected();
+    TaskPtr taskInQuestion() const;
     void undo();
     void redo();
     void storeChanged();
@@ -78,6 +84,8 @@ private:
     std::unique_ptr<DetailStack> details;
     QPointer<TabsViewController> screen;
     std::optional<SidebarItem> selectItem;
+    /// The URI of the record that a search led here for; empty once another row was selected.
+    QString searchedRecord;
     QPointer<WindowNewTask> windowNewTask;
     QPointer<CalendarsAppleWindowController> windowCalendars;
     QPointer<MVSetiingsCalendarController> windowSettings;

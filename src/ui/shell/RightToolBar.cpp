@@ -1,5 +1,7 @@
 #include "shell/RightToolBar.h"
 
+#include "shell/search/SearchField.h"
+#include "shell/search/SearchPopover.h"
 #include "widgets/Theme.h"
 
 #include <QApplication>
@@ -31,11 +33,58 @@ void ChengedToolBar::addToolBar(QWidget *bar)
 RightToolBar::RightToolBar(QWidget *parent)
     : QWidget(parent)
     , slot(new ChengedToolBar(this))
+    , field(new SearchField(this))
 {
     setFixedHeight(Theme::toolBarHeight);
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins({});
-    row->addWidget(slot);
+    row->setContentsMargins(0, 0, Theme::contentMargin, 0);
+    row->setSpacing(0);
+    row->addWidget(slot, 1);
+    row->addWidget(field);
+    // A key or a press makes the popover, which then follows the field by itself.
+    const auto openFirst = [this] {
+        if (!popover)
+            searchPopover()->open();
+    };
+    connect(field, &SearchField::pressed, this, openFirst);
+    connect(field, &SearchField::textChanged, this, openFirst);
+    connect(field, &SearchField::escaped, this, &RightToolBar::leaveSearch);
+}
+
+SearchPopover *RightToolBar::searchPopover()
+{
+    if (!popover) {
+        popover = new SearchPopover(*field);
+        connect(popover, &SearchPopover::currentChanged, this, &RightToolBar::currentResultChanged);
+    }
+    return popover;
+}
+
+ObjectPtr RightToolBar::currentResult() const
+{
+    return popover ? popover->currentRecord() : nullptr;
+}
+
+void RightToolBar::focusSearch()
+{
+    if (!field->hasFocus())
+        focusBefore = window()->focusWidget();
+    field->setFocus(Qt::ShortcutFocusReason);
+    field->selectAll();
+}
+
+/// The first Escape closes the results, the next one goes back to where the keys were before.
+void RightToolBar::leaveSearch()
+{
+    if (popover && popover->isVisible())
+        return popover->hide();
+    field->clear();
+    if (popover)
+        popover->hide();
+    if (focusBefore)
+        focusBefore->setFocus(Qt::OtherFocusReason);
+    else
+        field->clearFocus();
 }
 
 void RightToolBar::paintEvent(QPaintEvent *)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "objectstore/ManagedObject.h"
+
 #include <QPointer>
 #include <QWidget>
 
@@ -17,7 +19,10 @@ private:
     QPointer<QWidget> shownBar;
 };
 
-/// The toolbar over the content. The window can be moved by it.
+class SearchField;
+class SearchPopover;
+
+/// The toolbar over the content, with the search at its end. The window can be moved by it.
 class RightToolBar : public QWidget
 {
     Q_OBJECT
@@ -25,6 +30,16 @@ public:
     explicit RightToolBar(QWidget *parent = nullptr);
 
     ChengedToolBar *chengedToolBar() const { return slot; }
+    SearchField *searchField() const { return field; }
+    /// The results, made when they are first wanted.
+    SearchPopover *searchPopover();
+    /// The result that the keys are on, or null.
+    ObjectPtr currentResult() const;
+    /// Puts the focus into the field, with what stands there selected.
+    void focusSearch();
+
+Q_SIGNALS:
+    void currentResultChanged();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -33,6 +48,11 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
+    void leaveSearch();
+
     ChengedToolBar *slot;
+    SearchField *field;
+    SearchPopover *popover = nullptr;
+    QPointer<QWidget> focusBefore;
     std::optional<QPoint> pressedAt;
 };

@@ -1,6 +1,7 @@
 #include "shell/SidebarModel.h"
 
 #include "foundation/Localization.h"
+#include "records/TaskPlacement.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -133,6 +134,28 @@ QModelIndex SidebarModel::indexOfGroup(const EntityContactGroup &group) const
 QString SidebarModel::titleOf(SidebarItem item)
 {
     return localized(QString::fromUtf16(descriptionOf(item).title));
+}
+
+std::optional<SidebarItem> SidebarModel::itemOf(ListType list)
+{
+    const auto number = static_cast<std::size_t>(list);
+    constexpr std::array items = {SidebarItem::Inbox,   SidebarItem::Today,      SidebarItem::Scheduled,
+                                  SidebarItem::Someday, SidebarItem::Categories, SidebarItem::Delegated,
+                                  SidebarItem::NotDone, SidebarItem::Done};
+    return number < items.size() ? std::optional(items[number]) : std::nullopt;
+}
+
+std::optional<SidebarItem> SidebarModel::itemShowing(const ObjectPtr &record)
+{
+    if (const auto task = std::dynamic_pointer_cast<EntityTask>(record))
+        return itemOf(TaskPlacement::searchList(*task));
+    if (std::dynamic_pointer_cast<EntityProject>(record))
+        return SidebarItem::Projects;
+    if (std::dynamic_pointer_cast<EntityContacts>(record))
+        return SidebarItem::People;
+    if (std::dynamic_pointer_cast<EntityCompany>(record))
+        return SidebarItem::Companies;
+    return std::nullopt;
 }
 
 QModelIndex SidebarModel::index(int row, int column, const QModelIndex &parent) const

@@ -2,6 +2,7 @@
 
 #include "store/entities/Entities.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/ListType.h"
 
 #include <QAbstractItemModel>
 
@@ -50,6 +51,10 @@ public:
     QModelIndex indexOfGroup(const EntityContactGroup &group) const;
     bool isTopLevel(const QModelIndex &index) const { return index.isValid() && !index.parent().isValid(); }
     static QString titleOf(SidebarItem item);
+    /// The row whose screen shows a record that was searched for; absent where there is none.
+    static std::optional<SidebarItem> itemShowing(const ObjectPtr &record);
+    /// The row of a task list; absent for a list that has no row.
+    static std::optional<SidebarItem> itemOf(ListType list);
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;

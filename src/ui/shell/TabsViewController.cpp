@@ -1,5 +1,6 @@
 #include "shell/TabsViewController.h"
 
+#include "records/TaskPlacement.h"
 #include "store/queries/DBWorker.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -15,6 +16,16 @@ TabsViewController::~TabsViewController()
 {
     // The bar stands in the slot of the toolbar, but is a part of the screen.
     delete bar;
+}
+
+QString TabsViewController::explanationOf(const TaskPtr &task) const
+{
+    return TaskPlacement(task).explanation(listType());
+}
+
+QRect TabsViewController::placeOf(const TaskPtr &) const
+{
+    return {rect().topLeft(), QSize(width(), 1)};
 }
 
 ToolBarButton *TabsViewController::addButton(ToolBarButton::ActionType type)

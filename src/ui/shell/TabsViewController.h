@@ -29,6 +29,17 @@ public:
     /// What the add button gives a new task of this screen.
     virtual NewTaskRequest newTaskRequest() const { return {}; }
 
+    /// Selects a record, scrolls to it and shows it; nothing if it is not on the screen.
+    virtual void selectItem(const ObjectPtr &record) { Q_UNUSED(record) }
+    /// The task list that it is; absent for any other screen.
+    virtual std::optional<ListType> listType() const { return std::nullopt; }
+    /// The one task that is selected, or null.
+    virtual TaskPtr selectedTask() const { return nullptr; }
+    /// Why a task is on this screen, or why not, in a sentence.
+    virtual QString explanationOf(const TaskPtr &task) const;
+    /// Where on the screen the sentence about a task belongs.
+    virtual QRect placeOf(const TaskPtr &task) const;
+
     // Details over the screen.
     /// Where a detail that the screen opens lies.
     virtual DetailPlace detailPlace() const { return {}; }
@@ -38,6 +49,12 @@ public:
     DetailStack *detailStack() const { return details; }
     void setDetailStack(DetailStack *stack) { details = stack; }
 
+    // The filter of the screen, if it has one.
+    virtual void openFilter() {}
+    virtual void clearFilter() {}
+    virtual bool canFilter() const { return false; }
+    virtual bool canClearFilter() const { return false; }
+
     // The commands of the Edit menu.
     virtual bool hasSelection() const { return false; }
     virtual bool hasRows() const { return false; }
@@ -46,6 +63,8 @@ public:
 
 Q_SIGNALS:
     void buttonAdd(ToolBarButton::ActionType type);
+    /// The user wants to know why the selected task is here.
+    void whyRequested();
     /// What the commands can do may have changed.
     void commandsChanged();
 

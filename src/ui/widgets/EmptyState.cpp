@@ -4,6 +4,7 @@
 #include "widgets/Theme.h"
 
 #include <QPainter>
+#include <QPushButton>
 
 constexpr int discSize = 96;
 constexpr int iconSize = 44;
@@ -19,22 +20,48 @@ EmptyState::EmptyState(const QString &iconName, const QString &sentence, QWidget
     setFont(Theme::font(Theme::FontRole::Large));
 }
 
+void EmptyState::setAction(const QString &title)
+{
+    action = new QPushButton(title, this);
+    action->setObjectName(QStringLiteral("buttonOfEmptyState"));
+    setAttribute(Qt::WA_TransparentForMouseEvents, false);
+    connect(action, &QPushButton::clicked, this, &EmptyState::actionClicked);
+}
+
+/// Everything in a column, a little above the middle.
+EmptyState::Places EmptyState::places() const
+{
+    const int usableWidth = std::min(textWidth, width() - 2 * Theme::contentMargin);
+    const QRect words = fontMetrics().boundingRect(QRect(0, 0, usableWidth, height()),
+                                                   Qt::AlignHCenter | Qt::TextWordWrap, text);
+    const QSize button = action ? action->sizeHint() : QSize();
+    const int buttonPart = action ? 2 * Theme::unit + button.height() : 0;
+    const int total = discSize + 2 * Theme::unit + words.height() + buttonPart;
+    const int top = std::max(0, (height() - total) * 2 / 5);
+    Places result;
+    result.disc = QRect((width() - discSize) / 2, top, discSize, discSize);
+    result.words = QRect((width() - usableWidth) / 2, result.disc.bottom() + 2 * Theme::unit, usableWidth,
+                         words.height() + 2);
+    result.action =
+        QRect(QPoint((width() - button.width()) / 2, result.words.bottom() + 2 * Theme::unit), button);
+    return result;
+}
+
+void EmptyState::resizeEvent(QResizeEvent *)
+{
+    if (action)
+        action->setGeometry(places().action);
+}
+
 void EmptyState::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const int usableWidth = std::min(textWidth, width() - 2 * Theme::contentMargin);
-    const QRect words = fontMetrics().boundingRect(QRect(0, 0, usableWidth, height()),
-                                                   Qt::AlignHCenter | Qt::TextWordWrap, text);
-    const int total = discSize + 2 * Theme::unit + words.height();
-    const int top = std::max(0, (height() - total) * 2 / 5);
-    const QRect disc((width() - discSize) / 2, top, discSize, discSize);
+    const Places at = places();
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::emptyDisc);
-    painter.drawEllipse(disc);
-    Icons::paint(painter, disc, icon, Theme::emptyIcon, iconSize);
+    painter.drawEllipse(at.disc);
+    Icons::paint(painter, at.disc, icon, Theme::emptyIcon, iconSize);
     painter.setPen(Theme::secondaryText);
-    const QRect place((width() - usableWidth) / 2, disc.bottom() + 2 * Theme::unit, usableWidth,
-                      words.height() + 2);
-    painter.drawText(place, Qt::AlignHCenter | Qt::TextWordWrap, text);
+    painter.drawText(at.words, Qt::AlignHCenter | Qt::TextWordWrap, text);
 }

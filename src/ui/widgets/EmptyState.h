@@ -2,7 +2,9 @@
 
 #include <QWidget>
 
-/// What an empty list shows: an icon in a disc and one sentence.
+class QPushButton;
+
+/// What an empty list shows: an icon in a disc and one sentence; on request with a button that helps.
 class EmptyState : public QWidget
 {
     Q_OBJECT
@@ -10,11 +12,26 @@ public:
     EmptyState(const QString &iconName, const QString &sentence, QWidget *parent = nullptr);
 
     QString sentence() const { return text; }
+    /// Puts a button below the sentence.
+    void setAction(const QString &title);
+
+Q_SIGNALS:
+    void actionClicked();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
+    struct Places
+    {
+        QRect disc;
+        QRect words;
+        QRect action;
+    };
+    Places places() const;
+
     QString icon;
     QString text;
+    QPushButton *action = nullptr;
 };

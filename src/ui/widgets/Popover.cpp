@@ -45,7 +45,13 @@ void Popover::paintEvent(QPaintEvent *)
 
 void Popover::showBeside(const QWidget &control)
 {
+    showBeside(control, control.rect());
+}
+
+void Popover::showBeside(const QWidget &control, const QRect &partOfControl)
+{
     anchor = &control;
+    part = partOfControl;
     adjustSize();
     place();
     show();
@@ -54,7 +60,7 @@ void Popover::showBeside(const QWidget &control)
 void Popover::place()
 {
     const QRect room = anchor->screen()->availableGeometry();
-    const QRect around(anchor->mapToGlobal(QPoint(0, 0)), anchor->size());
+    const QRect around(anchor->mapToGlobal(part.topLeft()), part.size());
     int top = around.bottom() + gap;
     if (top + height() > room.bottom() && around.top() - gap - height() >= room.top())
         top = around.top() - gap - height();

@@ -13,6 +13,8 @@ public:
     /// Shows the bubble below a control, or above it where there is no room. It stays on the screen when it
     /// grows.
     void showBeside(const QWidget &control);
+    /// The same for a part of a widget, in its own coordinates.
+    void showBeside(const QWidget &control, const QRect &partOfControl);
 
 Q_SIGNALS:
     void closed();
@@ -27,4 +29,5 @@ private:
     void place();
 
     QPointer<const QWidget> anchor;
+    QRect part;
 };

@@ -53,7 +53,7 @@ ScreenToolBar::ScreenToolBar(const QString &title, QWidget *parent)
     , titleLabel(new TitleLabel(this))
     , row(new QHBoxLayout(this))
 {
-    row->setContentsMargins(Theme::contentMargin + Theme::unit / 2, 0, Theme::contentMargin, 0);
+    row->setContentsMargins(Theme::contentMargin + Theme::unit / 2, 0, 2 * Theme::unit, 0);
     row->setSpacing(2 * Theme::unit);
     row->addWidget(titleLabel, 1);
     setTitle(title);

@@ -34,6 +34,11 @@ inline constexpr QColor selection{43, 99, 201, 30};
 inline constexpr QColor inactiveSelection{15, 30, 45, 16};
 inline constexpr QColor focusRing{43, 99, 201, 190};
 
+// The filter of a list: its words while it is off, and while a grouping keeps it from acting.
+inline constexpr QColor filterOff{130, 133, 140};
+inline constexpr QColor filterInactive{199, 200, 203};
+inline constexpr QColor filterPillHover{43, 99, 201, 48};
+
 // Marks.
 inline constexpr QColor priorityHigh{255, 93, 85};
 inline constexpr QColor priorityMedium{255, 191, 41};

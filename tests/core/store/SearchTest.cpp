@@ -4,6 +4,9 @@
 #include "records/SearchViewController.h"
 #include "store/state/NotificationNames.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
 namespace {
 
 class Searching : public CoreTest
@@ -20,8 +23,7 @@ protected:
     {
         QStringList lines;
         for (const auto &row : search.rows())
-            lines.append(row.isHeading() ? row.heading
-                                         : u"- "_qs + SearchViewController::getStringWithObject(row.record));
+            lines.append(row.isHeading() ? row.heading : u"- "_qs + row.name);
         return lines;
     }
     QStringList search(const QString &text)
@@ -63,7 +65,7 @@ TEST_F(Searching, GroupsWhatItFindsInAFixedOrder)
     EXPECT_FALSE(results.doubleClick(0));
     EXPECT_FALSE(results.doubleClick(7));
     EXPECT_TRUE(results.doubleClick(1));
-    EXPECT_EQ(clicked, std::vector<ObjectPtr>({results.rows().at(1).record}));
+    EXPECT_EQ(clicked, std::vector<ObjectPtr>({results.rows().at(1).record()}));
 }
 
 TEST_F(Searching, KnowsNumbersAndShownCategories)
@@ -96,6 +98,74 @@ TEST_F(Searching, SkipsRowsWhoseRecordIsGone)
     EXPECT_EQ(SearchViewController::getEntityIndex(nullptr), 5);
     DBWorker::allSearchObjRemove();
     EXPECT_TRUE(search(u"here"_qs).isEmpty());
+}
+
+/// The answer of a search that runs beside the main loop.
+class SearchingLater : public Searching
+{
+protected:
+    template <typename Condition>
+    static bool waitFor(Condition condition)
+    {
+        const QDeadlineTimer end(5000);
+        while (!condition() && !end.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+        return condition();
+    }
+    QStringList searchLater(const QString &text)
+    {
+        bool isDone = false;
+        results.changeFileterStringLater(text, [&isDone] { isDone = true; });
+        EXPECT_TRUE(waitFor([&] { return isDone; }));
+        return shown(results);
+    }
+};
+
+TEST_F(SearchingLater, FindsWhatASearchAtOnceFinds)
+{
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_qs);
+    ann->setLastName(u"Blüebell"_qs);
+    titled<EntityCompany>(u"Blue/Ltd"_qs);
+    titled<EntityNote>(u"blue"_qs);
+    titled<EntityProject>(u"Blue house"_qs);
+    titled<EntityProject>(u"a blue boat"_qs);
+    const TaskPtr twice = add(u"Blue"_qs);
+    twice->setDetails(u"all blue"_qs);
+    SearchIndex::insertEntitySearchIndexString(u"blue"_qs, u"x-morvane://other/EntityTask/none"_qs);
+    SearchIndex::insertEntitySearchIndexString(
+        u"blue"_qs, u"x-morvane://%1/EntityTask/none"_qs.arg(context().storeIdentifier()));
+    EXPECT_FALSE(DBWorker::saveContext());
+    const QStringList found = search(u"blue"_qs);
+    EXPECT_EQ(found.size(), 11);
+    EXPECT_EQ(searchLater(u"blue"_qs), found);
+    EXPECT_EQ(results.rows().at(1).record(), twice);
+    for (const QString &text : {u"b"_qs, u"ue"_qs, u"E/L"_qs, u"nowhere"_qs, u""_qs})
+        EXPECT_EQ(searchLater(text), search(text)) << qPrintable(text);
+    UserDefaults::standard().setObject(settings::contactDisplayOrder, 1);
+    EXPECT_EQ(searchLater(u"bell"_qs), search(u"bell"_qs));
+}
+
+TEST_F(SearchingLater, AnswersOnlyTheLastOfSeveralSearches)
+{
+    add(u"apple"_qs);
+    add(u"banana"_qs);
+    QStringList answers;
+    for (const QString &text : {u"app"_qs, u"ban"_qs, u"apple"_qs, u"banana"_qs})
+        results.changeFileterStringLater(text, [&answers, text] { answers << text; });
+    EXPECT_TRUE(results.isSearching());
+    EXPECT_TRUE(waitFor([&] { return !results.isSearching(); }));
+    results.changeFileterStringLater(u"apple"_qs, [&answers] { answers << u"given up"_qs; });
+    results.changeFileterStringLater({}, [&answers] { answers << u"empty"_qs; });
+    EXPECT_FALSE(results.isSearching());
+    {
+        SearchViewController closed;
+        closed.changeFileterStringLater(u"apple"_qs, [&answers] { answers << u"closed"_qs; });
+    }
+    const QDeadlineTimer late(300);
+    waitFor([&] { return late.hasExpired(); });
+    EXPECT_EQ(answers, QStringList({u"banana"_qs, u"empty"_qs}));
+    EXPECT_TRUE(results.rows().empty());
 }
 
 } // namespace

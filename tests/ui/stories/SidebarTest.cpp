@@ -142,7 +142,7 @@ TEST_F(SidebarTest, GroupingShowsHeadersAndIsRememberedForTheList)
     add(u"idle"_s, [](MVTask &task) { task.dueSomeDay = true; });
     showList(SidebarItem::Someday);
     const auto control = [this]() -> MVSegmentView & {
-        return find<MVSegmentView>(*screen().toolBarView(), "tasksGroupedView");
+        return find<MVSegmentView>(screen(), "tasksGroupedView");
     };
     const auto pressPriority = [&] {
         QTest::mouseClick(&control(), Qt::LeftButton, {},

@@ -16,12 +16,22 @@ MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityNote, note, setNote)
 MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityProject, project, setProject)
 MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityTask, task, setTask)
 
-QString fullNameWith(const QString &firstName, const QString &lastName)
+NameOrder preferredNameOrder()
+{
+    const bool isFirstNameFirst = AppDelegate::shared()->dataConteiner().contactsDisplayOrder() == 0;
+    return isFirstNameFirst ? NameOrder::FirstNameFirst : NameOrder::LastNameFirst;
+}
+
+QString fullNameIn(NameOrder order, const QString &firstName, const QString &lastName)
 {
     if (firstName.isEmpty() || lastName.isEmpty())
         return firstName + lastName;
-    const bool isFirstNameFirst = AppDelegate::shared()->dataConteiner().contactsDisplayOrder() == 0;
-    return isFirstNameFirst ? firstName + u' ' + lastName : lastName + u' ' + firstName;
+    return order == NameOrder::FirstNameFirst ? firstName + u' ' + lastName : lastName + u' ' + firstName;
+}
+
+QString fullNameWith(const QString &firstName, const QString &lastName)
+{
+    return fullNameIn(preferredNameOrder(), firstName, lastName);
 }
 
 QString EntityContacts::fullName() const

@@ -107,18 +107,15 @@ TaskRows DBWorker::allTasksWithDelegates()
 
 std::optional<TaskRows> DBWorker::allDoneTasks()
 {
-    const Definition done{
-        Predicate::format("status = %d and expirationDate != nil", static_cast<int>(TaskStatus::Done)),
-        {ascending("expirationDate")},
-        Order::Fetched};
     std::map<Date, std::vector<RowId>> days;
-    mainContext().visit(tasklists::request(done), {"expirationDate"}, [&days](const RowReader &row) {
-        // Rows come in order, so that nearly always the day is the last one.
-        const Date moment = *row.date(0);
-        const bool isLastDay = !days.empty() && moment >= days.rbegin()->first &&
-                               moment <= MVDate::getEndOfDay(days.rbegin()->first);
-        days[isLastDay ? days.rbegin()->first : MVDate::getStartOfDay(moment)].push_back(row.rowId());
-    });
+    mainContext().visit(
+        tasklists::request(tasklists::doneByDay()), {"expirationDate"}, [&days](const RowReader &row) {
+            // Rows come in order, so that nearly always the day is the last one.
+            const Date moment = *row.date(0);
+            const bool isLastDay = !days.empty() && moment >= days.rbegin()->first &&
+                                   moment <= MVDate::getEndOfDay(days.rbegin()->first);
+            days[isLastDay ? days.rbegin()->first : MVDate::getStartOfDay(moment)].push_back(row.rowId());
+        });
     if (days.empty())
         return std::nullopt;
     TaskRows rows;

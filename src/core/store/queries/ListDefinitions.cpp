@@ -42,55 +42,140 @@ Date endOfToday()
 
 } // namespace
 
+namespace {
+
+Predicate byToday(Date end)
+{
+    return Predicate::format("(type = %d and dueDate <= %@) or ( (type = %d or type = %d) and startDate <> "
+                             "nil and startDate <= %@)",
+                             emailCall, end, toDo, appointment, end);
+}
+
+Predicate afterToday(Date end)
+{
+    return Predicate::format(
+        "((type = %d or type = %d) and startDate <> nil and dueDate <> nil and startDate > %@) or (type = %d "
+        "and dueDate <> nil and dueDate > %@)",
+        toDo, appointment, end, emailCall, end);
+}
+
+Predicate predicateOf(Condition condition)
+{
+    switch (condition) {
+    case Condition::NotDone:
+        return Predicate::format("status != %d", statusDone);
+    case Condition::Done:
+        return Predicate::format("status = %d", statusDone);
+    case Condition::HasDoneDate:
+        return Predicate::format("expirationDate != nil");
+    case Condition::NotSomeday:
+        return Predicate::format("dueSomeDay = %@", false);
+    case Condition::Someday:
+        return Predicate::format("dueSomeDay = %@", true);
+    case Condition::IsToDo:
+        return Predicate::format("type == %d", toDo);
+    case Condition::IsToDoOrEmailCall:
+        return Predicate::format("type = %d or type = %d", toDo, emailCall);
+    case Condition::HasNoStart:
+        return Predicate::format("startDate == nil");
+    case Condition::ByToday:
+        return byToday(endOfToday());
+    case Condition::AfterToday:
+        return afterToday(endOfToday());
+    case Condition::HasCategory:
+        return Predicate::format("category != nil");
+    case Condition::IsVisible:
+        return visibleTasks();
+    }
+    return Predicate();
+}
+
+std::vector<Condition> conditionsOf(ListType list)
+{
+    using enum Condition;
+    switch (list) {
+    case ListType::Inbox:
+        return {NotDone, NotSomeday, IsToDo, HasNoStart};
+    case ListType::Today:
+        return {NotDone, NotSomeday, ByToday};
+    case ListType::Scheduled:
+        return {NotDone, NotSomeday, AfterToday};
+    case ListType::Someday:
+        return {NotDone, Someday, IsToDoOrEmailCall};
+    case ListType::Categories:
+        return {NotDone, HasCategory};
+    case ListType::Delegated:
+    case ListType::NotDone:
+        return {NotDone};
+    case ListType::Done:
+        return {Done, HasDoneDate};
+    case ListType::Home:
+    case ListType::ProjectDetail:
+        break;
+    }
+    return {};
+}
+
+/// What the Inbox asks here is that the day is not known to be left open.
+Predicate predicateOf(Condition condition, ListType list)
+{
+    if (list == ListType::Inbox && condition == Condition::NotSomeday)
+        return Predicate::format("dueSomeDay != true");
+    return predicateOf(condition);
+}
+
+Predicate baseOf(ListType list)
+{
+    std::vector<Predicate> all;
+    for (const Condition condition : conditionsOf(list))
+        all.push_back(predicateOf(condition, list));
+    return Predicate::allOf(all);
+}
+
+} // namespace
+
+std::vector<Requirement> requirements(ListType list)
+{
+    std::vector<Requirement> all;
+    for (const Condition condition : conditionsOf(list))
+        all.push_back({condition, predicateOf(condition, list)});
+    all.push_back({Condition::IsVisible, visibleTasks()});
+    return all;
+}
+
 Definition inbox()
 {
-    return {Predicate::format("status != %d and dueSomeDay != true and startDate ==  nil and type == %d",
-                              statusDone, toDo),
-            {ascending("position")},
-            Order::Fetched};
+    return {baseOf(ListType::Inbox), {ascending("position")}, Order::Fetched};
 }
 
 Definition today()
 {
-    const Date end = endOfToday();
-    return {Predicate::format(
-                "((type = %d and dueDate <= %@) or ( (type = %d or type = %d) and startDate <> nil and "
-                "startDate <= %@)) and (status <> %d) and (dueSomeDay = %@)",
-                emailCall, end, toDo, appointment, end, statusDone, 0),
-            {descending("dueDate"), ascending("title")},
-            Order::ByDue};
+    return {baseOf(ListType::Today), {descending("dueDate"), ascending("title")}, Order::ByDue};
 }
 
 Definition scheduled()
 {
-    const Date end = endOfToday();
-    return {
-        Predicate::format("(((type = %d or type = %d) and startDate <> nil and dueDate <> nil and startDate "
-                          "> %@) or (type = %d "
-                          "and dueDate <> nil and dueDate > %@)) and (status <> %d) and (dueSomeDay = %@)",
-                          toDo, appointment, end, emailCall, end, statusDone, false),
-        {ascending("startDate"), ascending("title")},
-        Order::ByStart};
+    return {baseOf(ListType::Scheduled), {ascending("startDate"), ascending("title")}, Order::ByStart};
 }
 
 Definition someday()
 {
-    return {Predicate::format("(type = %d or type = %d) and (status <> %d) and (dueSomeDay = %@)", toDo,
-                              emailCall, statusDone, true),
-            {ascending("title")},
-            Order::Fetched};
+    return {baseOf(ListType::Someday), {ascending("title")}, Order::Fetched};
 }
 
 Definition notDone()
 {
-    return {Predicate::format("status != %d", statusDone),
-            {descending("dueDate"), ascending("title")},
-            Order::ByDue};
+    return {baseOf(ListType::NotDone), {descending("dueDate"), ascending("title")}, Order::ByDue};
 }
 
 Definition done()
 {
-    return {Predicate::format("status = %d", statusDone), {ascending("title")}, Order::Fetched};
+    return {predicateOf(Condition::Done), {ascending("title")}, Order::Fetched};
+}
+
+Definition doneByDay()
+{
+    return {baseOf(ListType::Done), {ascending("expirationDate")}, Order::Fetched};
 }
 
 Predicate visibleTasks()

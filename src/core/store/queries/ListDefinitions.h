@@ -2,6 +2,7 @@
 
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListOrder.h"
+#include "store/queries/ListType.h"
 
 #include <vector>
 
@@ -26,12 +27,46 @@ struct Definition
     QString failureText = QStringLiteral("Cannot fetch");
 };
 
+/// One thing that a list asks of a task.
+enum class Condition {
+    NotDone,
+    Done,
+    /// The day on which it was done is known.
+    HasDoneDate,
+    NotSomeday,
+    Someday,
+    IsToDo,
+    /// What can wait for some day: anything but an Appointment.
+    IsToDoOrEmailCall,
+    HasNoStart,
+    /// It starts, or as an Email/Call is due, by the end of today.
+    ByToday,
+    /// It starts after today and is due, or as an Email/Call is due after today.
+    AfterToday,
+    HasCategory,
+    /// Its calendar can be seen.
+    IsVisible,
+};
+
+struct Requirement
+{
+    Condition condition;
+    Predicate predicate;
+};
+
+/// All that a list asks of a task: it shows the tasks that meet every one of them, less what its filter
+/// leaves out. Visibility comes last. Nothing but visibility for `Home` and `ProjectDetail`, which are no
+/// lists of one rule.
+std::vector<Requirement> requirements(ListType list);
+
 Definition inbox();
 Definition today();
 Definition scheduled();
 Definition someday();
 Definition notDone();
 Definition done();
+/// Those of which it is known when they were done.
+Definition doneByDay();
 
 /// Passes the tasks whose calendar the user can see: all of them in the sample store, and where no task lies
 /// on another.

@@ -174,10 +174,11 @@ NewTaskRequest CategoriesViewController::newTaskRequest() const
     return request;
 }
 
-void CategoriesViewController::selectItem(const TaskPtr &task)
+void CategoriesViewController::selectItem(const ObjectPtr &record)
 {
-    selectCategoryRow(categories->rowOf(task->category()));
-    TabTaskViewController::selectItem(task);
+    if (const auto task = std::dynamic_pointer_cast<EntityTask>(record))
+        selectCategoryRow(categories->rowOf(task->category()));
+    TabTaskViewController::selectItem(record);
 }
 
 // Commands

@@ -23,7 +23,7 @@ public:
     bool hasSelection() const override;
     void removeSelection() override;
     /// Selects the category of a task, then the task.
-    void selectItem(const TaskPtr &task) override;
+    void selectItem(const ObjectPtr &record) override;
 
 protected:
     TaskRows fetchRows(Grouping grouping) const override;

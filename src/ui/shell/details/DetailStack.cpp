@@ -31,6 +31,16 @@ DetailViewController *DetailStack::paneOf(const ObjectPtr &record) const
     return found == panes.rend() ? nullptr : *found;
 }
 
+std::vector<TaskPtr> DetailStack::shownTasks() const
+{
+    std::vector<TaskPtr> tasks;
+    for (const DetailViewController *pane : panes) {
+        if (auto task = std::dynamic_pointer_cast<EntityTask>(pane->record()))
+            tasks.push_back(std::move(task));
+    }
+    return tasks;
+}
+
 // Places
 
 QRect DetailStack::restingPlace() const

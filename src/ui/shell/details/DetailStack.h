@@ -24,6 +24,8 @@ public:
     bool isEmpty() const { return panes.empty(); }
     /// The pane on top, or null.
     DetailViewController *top() const;
+    /// The tasks that panes are about.
+    std::vector<TaskPtr> shownTasks() const;
     /// The uppermost pane about a record, or null.
     DetailViewController *paneOf(const ObjectPtr &record) const;
 

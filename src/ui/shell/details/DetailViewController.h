@@ -24,6 +24,8 @@ public:
 
     /// Whether the pane is about that record.
     virtual bool shows(const std::shared_ptr<ManagedObject> &record) const = 0;
+    /// That record, or null.
+    virtual std::shared_ptr<ManagedObject> record() const { return nullptr; }
     /// The pane is about to be left for good.
     virtual void clearController() {}
 

@@ -33,6 +33,7 @@ public:
     std::optional<ListType> typeTask() const { return listType; }
 
     bool shows(const ObjectPtr &record) const override;
+    ObjectPtr record() const override { return form.currentTask().task(); }
 
     void setEditMode();
     void setPreviewMode();

@@ -1,13 +1,19 @@
 #include "shell/tasks/TabTaskViewController.h"
 
+#include "filters/FilterButtonCancelView.h"
+#include "filters/SavedFilter.h"
+#include "filters/TaskGrouping.h"
+#include "filters/TasksFilter.h"
+#include "filters/TasksFilterButton.h"
+#include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/TaskManager.h"
+#include "records/TaskPlacement.h"
 #include "records/dates/MVDate.h"
 #include "shell/ShellAlerts.h"
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
-#include "shell/tasks/GroupingSetting.h"
 #include "shell/tasks/SelectionMemory.h"
 #include "shell/tasks/TaskPopupMenu.h"
 #include "shell/tasks/TaskRowEditor.h"
@@ -17,8 +23,11 @@
 #include "widgets/EmptyState.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/ScreenToolBar.h"
+#include "widgets/Theme.h"
 
+#include <QApplication>
 #include <QStackedLayout>
+#include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -31,9 +40,11 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
     , model(new TaskListModel(listDescription.type, this))
     , view(new TableViewExtended(this))
     , emptyState(new EmptyState(listDescription.icon, listDescription.emptySentence, this))
+    , listLayer(new QWidget(this))
 {
     setUpView();
-    setUpGrouping();
+    if (TasksFilter::isFilterable(static_cast<int>(type())))
+        setUpTopView();
     addButton(description.addType);
     addButton(ToolBarButton::Calendars);
     for (QTimer *timer : {&delayedReload, &promptReload}) {
@@ -46,7 +57,11 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
 
 void TabTaskViewController::setUpView()
 {
-    auto *layers = new QStackedLayout(this);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(listLayer, 1);
+    auto *layers = new QStackedLayout(listLayer);
     layers->setStackingMode(QStackedLayout::StackAll);
     layers->addWidget(view);
     layers->addWidget(emptyState);
@@ -64,6 +79,19 @@ void TabTaskViewController::setUpView()
     });
 }
 
+void TabTaskViewController::setUpTopView()
+{
+    topView = new TasksTabTopView;
+    static_cast<QVBoxLayout *>(layout())->insertWidget(0, topView);
+    filteredState = new EmptyState(u"filtered"_s, localized(u"No task passes the filter."_s), listLayer);
+    filteredState->setAction(localized(u"Clear filter"_s));
+    listLayer->layout()->addWidget(filteredState);
+    filteredState->hide();
+    connect(filteredState, &EmptyState::actionClicked, this, &TabTaskViewController::clearFilter);
+    setUpGrouping();
+    filterStartSettings();
+}
+
 void TabTaskViewController::setUpGrouping()
 {
     if (description.groupedType < 0)
@@ -73,10 +101,10 @@ void TabTaskViewController::setUpGrouping()
     tasksGroupedView->setObjectName(u"tasksGroupedView"_s);
     tasksGroupedView->setAccessibleName(localized(u"Group by"_s));
     tasksGroupedView->setHaveNotSelect(true);
-    tasksGroupedView->setSelectedIndex(GroupingSetting::read(description.groupedType));
+    tasksGroupedView->setSelectedIndex(TaskGrouping(description.groupedType).selectedIndex());
     connect(tasksGroupedView, &MVSegmentView::selectedIndexChanged, this,
             &TabTaskViewController::saveGrouping);
-    toolBarView()->addControl(tasksGroupedView);
+    topView->setGrouping(tasksGroupedView);
 }
 
 void TabTaskViewController::observe()
@@ -104,21 +132,109 @@ void TabTaskViewController::reloadData()
     delayedReload.stop();
     promptReload.stop();
     const SelectionMemory memory = SelectionMemory::of(*view, *model);
-    const int index = tasksGroupedView ? tasksGroupedView->selectedIndex() : -1;
-    model->setRows(fetchRows(static_cast<Grouping>(index)));
+    model->setRows(fetchRows(grouping()));
     memory.restore(*view, *model);
+    showFilterState();
     updateEmptyState();
+    if (std::exchange(mustCloseHidden, false))
+        closeHiddenDetails();
     Q_EMIT commandsChanged();
 }
 
 void TabTaskViewController::updateEmptyState()
 {
-    emptyState->setVisible(model->nearestItem(0, 1) < 0);
+    const bool isEmpty = model->nearestItem(0, 1) < 0;
+    const bool isByFilter = isEmpty && canClearFilter();
+    emptyState->setVisible(isEmpty && !isByFilter);
+    if (filteredState)
+        filteredState->setVisible(isByFilter);
+}
+
+Grouping TabTaskViewController::grouping() const
+{
+    return tasksGroupedView ? static_cast<Grouping>(tasksGroupedView->selectedIndex()) : Grouping::None;
+}
+
+// The filter
+
+void TabTaskViewController::filterStartSettings()
+{
+    const int list = static_cast<int>(type());
+    topView->buttonFilter()->setTasksType(list);
+    const FilterEntry entry = SavedFilter::ofTasks(list).entry();
+    if (SavedFilter::isEnabled(entry))
+        filterDictionary = entry;
+    topView->buttonFilter()->setReloadBlock([this](const FilterEntry &changed) { applyFilter(changed); });
+    connect(topView->cancelFilterView(), &QAbstractButton::clicked, this,
+            &TabTaskViewController::clearFilter);
+    showFilterState();
+}
+
+/// While a grouping is chosen the filter waits.
+void TabTaskViewController::showFilterState()
+{
+    if (!topView)
+        return;
+    const bool isUngrouped = grouping() == Grouping::None;
+    topView->cancelFilterView()->setVisible(isUngrouped && filterDictionary);
+    topView->buttonFilter()->setShowing(isUngrouped);
+    topView->buttonFilter()->setState(isUngrouped && filterDictionary ? 1 : 0);
+}
+
+/// Keys that come in quick succession share one fetch.
+void TabTaskViewController::applyFilter(const FilterEntry &entry)
+{
+    filterDictionary = entry;
+    mustCloseHidden = true;
+    showFilterState();
+    promptReload.start(0);
+}
+
+void TabTaskViewController::closeHiddenDetails()
+{
+    if (!detailStack())
+        return;
+    std::vector<TaskPtr> hidden = detailStack()->shownTasks();
+    std::erase_if(hidden, [this](const TaskPtr &task) { return model->rowOf(task) >= 0; });
+    detailStack()->removeAllDetailFromTasks(hidden);
+}
+
+bool TabTaskViewController::canFilter() const
+{
+    return topView && grouping() == Grouping::None;
+}
+
+bool TabTaskViewController::canClearFilter() const
+{
+    return canFilter() && filterDictionary;
+}
+
+void TabTaskViewController::openFilter()
+{
+    if (canFilter())
+        topView->buttonFilter()->togglePopover();
+}
+
+void TabTaskViewController::clearFilter()
+{
+    if (!topView)
+        return;
+    filterDictionary.reset();
+    topView->buttonFilter()->clearFilter();
+    reloadData();
+    if (!view->hasFocus() && !topView->isAncestorOf(QApplication::focusWidget()))
+        view->setFocus();
+}
+
+void TabTaskViewController::clearController()
+{
+    if (topView)
+        topView->buttonFilter()->closePopover();
 }
 
 void TabTaskViewController::saveGrouping(int index)
 {
-    GroupingSetting::write(description.groupedType, index);
+    TaskGrouping(description.groupedType).setSelectedIndex(index);
     reloadData();
 }
 
@@ -160,14 +276,34 @@ void TabTaskViewController::selectAll()
     view->selectAll();
 }
 
-void TabTaskViewController::selectItem(const TaskPtr &task)
+void TabTaskViewController::selectItem(const ObjectPtr &record)
 {
+    const auto task = std::dynamic_pointer_cast<EntityTask>(record);
     const int row = model->rowOf(task);
     if (row < 0)
         return;
     view->selectRow(row);
     view->scrollToRow(row);
     showDetailWithTask(task);
+}
+
+TaskPtr TabTaskViewController::selectedTask() const
+{
+    return view->selectedCount() == 1 ? model->taskAt(*view->selectedRows().begin()) : nullptr;
+}
+
+QString TabTaskViewController::explanationOf(const TaskPtr &task) const
+{
+    return TaskPlacement(task).explanation(type(), canFilter() ? filter() : nullptr);
+}
+
+QRect TabTaskViewController::placeOf(const TaskPtr &task) const
+{
+    const int row = model->rowOf(task);
+    if (row < 0)
+        return TabsViewController::placeOf(task);
+    const QRect inView = view->visualRect(model->index(row));
+    return {view->viewport()->mapTo(this, inView.topLeft()) + QPoint(Theme::contentMargin, 0), inView.size()};
 }
 
 void TabTaskViewController::showDetailWithTask(const TaskPtr &task)
@@ -178,7 +314,7 @@ void TabTaskViewController::showDetailWithTask(const TaskPtr &task)
 
 void TabTaskViewController::setDetailSpace(int width)
 {
-    setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
+    listLayer->setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
 }
 
 void TabTaskViewController::tableViewDoubleAction(int row)
@@ -244,6 +380,7 @@ void TabTaskViewController::setUpMenu()
             [this, selected](const CategoryPtr &category) {
                 editing([&] { TaskRowEditor::setCategory(selected(), category); });
             });
+    connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TabTaskViewController::whyRequested);
     connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TabTaskViewController::removeSelection);
 }
 

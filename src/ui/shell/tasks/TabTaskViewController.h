@@ -13,6 +13,7 @@
 class EmptyState;
 class MVSegmentView;
 class TaskPopupMenu;
+class TasksTabTopView;
 
 /// What makes one task list differ from another.
 struct TaskListDescription
@@ -45,14 +46,28 @@ public:
     void selectAll() override;
     DetailPlace detailPlace() const override { return description.detailPlace; }
     void setDetailSpace(int width) override;
+    void clearController() override;
 
-    /// Selects a task, scrolls to it and shows it; nothing if it is not in the list.
-    virtual void selectItem(const TaskPtr &task);
+    // The filter.
+    bool hasFilter() const { return topView != nullptr; }
+    bool isFiltered() const { return filterDictionary.has_value(); }
+    void openFilter() override;
+    void clearFilter() override;
+    bool canFilter() const override;
+    bool canClearFilter() const override;
+
+    void selectItem(const ObjectPtr &record) override;
+    std::optional<ListType> listType() const override { return description.type; }
+    TaskPtr selectedTask() const override;
+    QString explanationOf(const TaskPtr &task) const override;
+    QRect placeOf(const TaskPtr &task) const override;
     void showDetailWithTask(const TaskPtr &task);
 
 protected:
     /// The rows as they are now; `grouping` is None where the list has no grouping or none is chosen.
     virtual TaskRows fetchRows(Grouping grouping) const = 0;
+    /// What the query of an ungrouped list is to leave out; null for nothing.
+    const FilterEntry *filter() const { return filterDictionary ? &*filterDictionary : nullptr; }
 
     const TaskListModel &tasksModel() const { return *model; }
     std::vector<TaskPtr> tasksAt(const std::set<int> &rows) const;
@@ -72,7 +87,13 @@ protected:
 
 private:
     void setUpView();
+    void setUpTopView();
     void setUpGrouping();
+    void filterStartSettings();
+    void applyFilter(const FilterEntry &entry);
+    void showFilterState();
+    Grouping grouping() const;
+    void closeHiddenDetails();
     void setUpMenu();
     void observe();
     void changedElsewhere();
@@ -87,6 +108,12 @@ private:
     TaskListModel *model;
     TableViewExtended *view;
     EmptyState *emptyState;
+    EmptyState *filteredState = nullptr;
+    QWidget *listLayer;
+    TasksTabTopView *topView = nullptr;
+    std::optional<FilterEntry> filterDictionary;
+    /// A filter changed since the rows were fetched.
+    bool mustCloseHidden = false;
     MVSegmentView *tasksGroupedView = nullptr;
     TaskPopupMenu *taskPopupMenu = nullptr;
     QTimer delayedReload;

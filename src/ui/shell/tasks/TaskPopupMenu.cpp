@@ -19,6 +19,8 @@ TaskPopupMenu::TaskPopupMenu(QWidget *parent)
     addStatuses();
     addPriorities();
     addSeparator();
+    whyAction = addAction(Icons::icon(u"info"_s, Theme::text), localized(u"Why Is It Here?"_s), this,
+                          &TaskPopupMenu::whyChosen);
     addAction(Icons::icon(u"trash"_s, Theme::text), localized(u"Delete"_s), this,
               &TaskPopupMenu::deleteChosen);
 }
@@ -80,6 +82,7 @@ static void tick(QMenu &menu, const QVariant &value)
 void TaskPopupMenu::setTasks(const std::vector<TaskPtr> &tasks)
 {
     rebuildCategories();
+    whyAction->setEnabled(tasks.size() == 1);
     tick(*categoryMenu, shared(tasks, [](const EntityTask &task) {
         const CategoryPtr category = task.category();
         return QVariant(category ? category->identifier() : QString());

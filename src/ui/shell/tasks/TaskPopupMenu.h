@@ -22,12 +22,14 @@ Q_SIGNALS:
     void statusChosen(int status);
     void priorityChosen(int priority);
     void deleteChosen();
+    void whyChosen();
 
 private:
     void addStatuses();
     void addPriorities();
     void rebuildCategories();
 
+    QAction *whyAction = nullptr;
     QMenu *categoryMenu;
     QMenu *statusMenu;
     QMenu *priorityMenu;

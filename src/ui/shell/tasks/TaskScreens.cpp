@@ -24,7 +24,7 @@ InboxViewController::InboxViewController(QWidget *parent)
 
 TaskRows InboxViewController::fetchRows(Grouping) const
 {
-    return TaskRows::flat(DBWorker::allInboxTasks(), true);
+    return TaskRows::flat(DBWorker::allInboxTasks(filter()), true);
 }
 
 void InboxViewController::moveRows(const std::set<int> &rows, int target)
@@ -64,7 +64,7 @@ TodayViewController::TodayViewController(QWidget *parent)
 TaskRows TodayViewController::fetchRows(Grouping grouping) const
 {
     if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allTodayTasks());
+        return TaskRows::flat(DBWorker::allTodayTasks(filter()));
     return DBWorker::allTodayTasksGrouped(grouping);
 }
 
@@ -80,7 +80,7 @@ ScheduledViewController::ScheduledViewController(QWidget *parent)
 TaskRows ScheduledViewController::fetchRows(Grouping grouping) const
 {
     if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allScheduledTasks());
+        return TaskRows::flat(DBWorker::allScheduledTasks(filter()));
     return DBWorker::allScheduledTasksGrouped(grouping);
 }
 
@@ -96,7 +96,7 @@ SomedayViewController::SomedayViewController(QWidget *parent)
 TaskRows SomedayViewController::fetchRows(Grouping grouping) const
 {
     if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allSomedayTasks());
+        return TaskRows::flat(DBWorker::allSomedayTasks(filter()));
     return DBWorker::allSomedayTasksGrouped(grouping);
 }
 
@@ -112,7 +112,7 @@ NotDoneViewController::NotDoneViewController(QWidget *parent)
 TaskRows NotDoneViewController::fetchRows(Grouping grouping) const
 {
     if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allNotDoneTasks());
+        return TaskRows::flat(DBWorker::allNotDoneTasks(filter()));
     return DBWorker::allNotDoneTasksGrouped(grouping);
 }
 

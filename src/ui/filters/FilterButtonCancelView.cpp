@@ -1,0 +1,71 @@
+#include "filters/FilterButtonCancelView.h"
+
+#include "foundation/Localization.h"
+#include "widgets/Icons.h"
+#include "widgets/MorvaneStyle.h"
+#include "widgets/Theme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int iconSide = 14;
+constexpr int padding = 10;
+constexpr int iconGap = 4;
+constexpr int pillHeight = 24;
+
+FilterButtonCancelView::FilterButtonCancelView(QWidget *parent)
+    : QAbstractButton(parent)
+{
+    setObjectName(u"cancelFilterView"_s);
+    setText(localized(u"Clear filter"_s));
+    setAccessibleName(text());
+    setFont(Theme::font(Theme::FontRole::Small));
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+}
+
+QSize FilterButtonCancelView::sizeHint() const
+{
+    return {2 * padding + iconSide + iconGap + fontMetrics().horizontalAdvance(text()) + 1,
+            std::max(pillHeight, fontMetrics().height() + Theme::unit)};
+}
+
+/// Where there is no room for the words, the cross stays.
+QSize FilterButtonCancelView::minimumSizeHint() const
+{
+    return {2 * padding + iconSide, sizeHint().height()};
+}
+
+void FilterButtonCancelView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isDown() || underMouse() ? Theme::filterPillHover : Theme::selection);
+    painter.drawRoundedRect(rect(), height() / 2.0, height() / 2.0);
+    const bool hasWords = width() >= sizeHint().width();
+    const auto placed = [this](const QRect &where) {
+        return QStyle::visualRect(layoutDirection(), rect(), where);
+    };
+    const int iconLeft = hasWords ? padding : (width() - iconSide) / 2;
+    Icons::paint(painter, placed({iconLeft, 0, iconSide, height()}), u"close"_s, Theme::selectedText,
+                 iconSide);
+    painter.setPen(Theme::selectedText);
+    if (hasWords)
+        painter.drawText(placed({iconLeft + iconSide + iconGap, 0, width(), height()}),
+                         QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
+                         text());
+    if (hasFocus())
+        MorvaneStyle::drawFocusRing(painter, rect(), height() / 2, Theme::focusRing);
+}
+
+void FilterButtonCancelView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
+}

@@ -1,0 +1,174 @@
+#include "filters/TaskFilterController.h"
+
+#include "filters/ListFilter.h"
+#include "foundation/Localization.h"
+#include "widgets/CategoryIcon.h"
+#include "widgets/DatePicker.h"
+#include "widgets/DatePickerPopover.h"
+#include "widgets/FormScroll.h"
+#include "widgets/Icons.h"
+#include "widgets/PopUpButton.h"
+#include "widgets/RowItemView.h"
+#include "widgets/Theme.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScreen>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+using PickerType = DatePickerState::Type;
+
+TaskFilterController::TaskFilterController(ListFilter &usedFilter, QWidget *parent)
+    : QWidget(parent)
+    , filter(usedFilter)
+{
+    setFixedWidth(contentWidth);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    filter.reloadEntry();
+    for (const FilterRow &row : filter.enabledRows())
+        addRow(row);
+}
+
+Popover *TaskFilterController::makePopover(ListFilter &filter, QWidget *parent)
+{
+    auto *bubble = new Popover(parent);
+    bubble->setObjectName(u"filterPopover"_s);
+    bubble->setAccessibleName(localized(u"Filter"_s));
+    bubble->setAttribute(Qt::WA_DeleteOnClose);
+    auto *column = new QVBoxLayout(bubble);
+    column->setContentsMargins(1, Theme::unit, 1, Theme::unit);
+    auto *rows = new TaskFilterController(filter, bubble);
+    auto *scroll = new FormScroll(rows);
+    column->addWidget(scroll);
+    const int room = parent->screen()->availableGeometry().height() - 4 * Theme::unit;
+    bubble->setMaximumHeight(room);
+    scroll->setMinimumHeight(std::min(rows->sizeHint().height(), room - 2 * Theme::unit));
+    if (!rows->enabledRows.empty())
+        rows->enabledRows.front()->setFocus();
+    return bubble;
+}
+
+void TaskFilterController::addRow(const FilterRow &description)
+{
+    QWidget *control = makeControl(description);
+    if (!control)
+        return;
+    auto *row = new RowItemView(description.tag, description.key, rowHeight, this);
+    if (!description.label.isEmpty())
+        row->setLabel(description.label);
+    row->setControl(control);
+    row->setFocusProxy(control);
+    layout()->addWidget(row);
+    enabledRows.push_back(row);
+}
+
+QWidget *TaskFilterController::makeControl(const FilterRow &description)
+{
+    if (description.key == u"Title"_s)
+        return makeTitle();
+    if (description.key == u"Period"_s)
+        return makePeriod();
+    if (description.key == u"Delegate"_s || description.key == u"Company"_s)
+        return nullptr;
+    return makePopUp(description.key);
+}
+
+QLineEdit *TaskFilterController::makeTitle()
+{
+    auto *field = new QLineEdit(filter.value(u"Title"_s).toString());
+    field->setObjectName(u"fieldTitle"_s);
+    field->setPlaceholderText(localized(u"Type Task title"_s));
+    field->setAccessibleName(localized(u"Title"_s));
+    field->setClearButtonEnabled(true);
+    connect(field, &QLineEdit::textChanged, this,
+            [this](const QString &text) { filter.changeValueForKey(text, u"Title"_s); });
+    return field;
+}
+
+PopUpButton *TaskFilterController::makePopUp(const QString &key)
+{
+    auto *popUp = new PopUpButton(u"popUp"_s + key);
+    const FilterPopUp content = filter.popUp(key);
+    popUp->addItems(content.items);
+    for (std::size_t place = 0; place < content.objects.size(); ++place) {
+        if (const auto category = std::dynamic_pointer_cast<EntityCategory>(content.objects[place]))
+            popUp->setItemIcon(content.wordCount + static_cast<int>(place), CategoryIcon::of(*category));
+    }
+    popUp->setCurrentIndex(content.selectedIndex);
+    connect(popUp, &QComboBox::activated, this, [this, key](int item) { filter.chooseItem(item, key); });
+    return popUp;
+}
+
+// The period
+
+QWidget *TaskFilterController::makePeriod()
+{
+    auto *line = new QWidget;
+    auto *row = new QHBoxLayout(line);
+    row->setContentsMargins({});
+    row->setSpacing(Theme::unit);
+    fromPicker = new DatePicker(PickerType::StartDate);
+    fromPicker->setObjectName(u"pickerFrom"_s);
+    fromPicker->setAccessibleName(localized(u"From"_s));
+    toPicker = new DatePicker(PickerType::DueDate);
+    toPicker->setObjectName(u"pickerTo"_s);
+    toPicker->setAccessibleName(localized(u"To"_s));
+    clearButton = new QToolButton;
+    clearButton->setObjectName(u"buttonClearPeriod"_s);
+    clearButton->setIcon(Icons::icon(u"clear"_s, Theme::secondaryText));
+    clearButton->setAutoRaise(true);
+    clearButton->setAccessibleName(localized(u"Clear the period"_s));
+    clearButton->setToolTip(clearButton->accessibleName());
+    row->addWidget(fromPicker, 1);
+    row->addWidget(new QLabel(u"-"_s));
+    row->addWidget(toPicker, 1);
+    row->addWidget(clearButton);
+    for (DatePicker *picker : {fromPicker, toPicker}) {
+        connect(picker, &DatePicker::pressed, this, [this, picker] { pickDate(*picker); });
+        connect(picker, &DatePicker::cleared, this, &TaskFilterController::clearPeriod);
+    }
+    connect(clearButton, &QToolButton::clicked, this, &TaskFilterController::clearPeriod);
+    line->setFocusProxy(fromPicker);
+    setDataPeriod();
+    return line;
+}
+
+void TaskFilterController::setDataPeriod()
+{
+    const FilterPeriodPickers &dates = filter.setDataPeriod();
+    fromPicker->setDate(dates.from, false);
+    toPicker->setDate(dates.to, false);
+}
+
+void TaskFilterController::pickDate(DatePicker &picker)
+{
+    const bool isFrom = &picker == fromPicker;
+    const FilterPeriodPickers &dates = filter.periodPickers();
+    DatePickerState state(picker.typePicker());
+    state.showClock = false;
+    state.titlePopover = picker.accessibleName();
+    state.dateValue = isFrom ? dates.from : dates.to;
+    if (isFrom)
+        state.maxDate = dates.maximumOfFrom;
+    else
+        state.minDate = dates.minimumOfTo;
+    auto *bubble = new DatePickerPopover(state, &picker);
+    bubble->setAttribute(Qt::WA_DeleteOnClose);
+    connect(bubble, &DatePickerPopover::doneClicked, this, [this, isFrom](Date date) {
+        isFrom ? filter.setDateFrom(date) : filter.setDateTo(date);
+        fromPicker->setDate(filter.periodPickers().from, false);
+        toPicker->setDate(filter.periodPickers().to, false);
+    });
+    bubble->showBeside(picker);
+}
+
+void TaskFilterController::clearPeriod()
+{
+    filter.buttonClearPeriod();
+    setDataPeriod();
+}

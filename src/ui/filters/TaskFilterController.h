@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QWidget>
+
+#include <vector>
+
+class DatePicker;
+class ListFilter;
+class PopUpButton;
+class Popover;
+class QLineEdit;
+class QToolButton;
+class RowItemView;
+struct FilterRow;
+
+/// The rows in which a filter is set. What is changed is in force at once.
+class TaskFilterController : public QWidget
+{
+    Q_OBJECT
+public:
+    static constexpr int contentWidth = 563;
+    static constexpr int rowHeight = 45;
+
+    /// Reads the saved entry of the filter, which has to outlive the rows.
+    explicit TaskFilterController(ListFilter &filter, QWidget *parent = nullptr);
+
+    /// A bubble with the rows in it, ready to be shown; it goes when it is closed.
+    static Popover *makePopover(ListFilter &filter, QWidget *parent);
+
+private:
+    void addRow(const FilterRow &description);
+    QWidget *makeControl(const FilterRow &description);
+    QLineEdit *makeTitle();
+    PopUpButton *makePopUp(const QString &key);
+    QWidget *makePeriod();
+    void setDataPeriod();
+    void pickDate(DatePicker &picker);
+    void clearPeriod();
+
+    ListFilter &filter;
+    std::vector<RowItemView *> enabledRows;
+    DatePicker *fromPicker = nullptr;
+    DatePicker *toPicker = nullptr;
+    QToolButton *clearButton = nullptr;
+};

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "widgets/TableCell.h"
+
+/// Paints the rows of search results: headings, and records a little further in.
+class CellViewSearchDeteil : public TableCell
+{
+    Q_OBJECT
+public:
+    static constexpr int rowHeight = 32;
+    static constexpr int headerHeight = 32;
+
+    using TableCell::TableCell;
+
+    QRect checkBoxRect(const QRect &, Qt::LayoutDirection, const QModelIndex &) const override { return {}; }
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+};

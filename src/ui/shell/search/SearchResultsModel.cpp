@@ -1,0 +1,38 @@
+#include "shell/search/SearchResultsModel.h"
+
+SearchResultsModel::SearchResultsModel(QObject *parent)
+    : TableModel(parent)
+{}
+
+void SearchResultsModel::search(const QString &text)
+{
+    results.changeFileterStringLater(text, [this] {
+        beginResetModel();
+        shownRows = static_cast<int>(results.rows().size());
+        endResetModel();
+        Q_EMIT changed();
+    });
+}
+
+ObjectPtr SearchResultsModel::recordAt(int row) const
+{
+    return row >= 0 && row < shownRows ? results.rows()[static_cast<std::size_t>(row)].record() : nullptr;
+}
+
+RowKind SearchResultsModel::kindOf(int row) const
+{
+    return results.rows()[static_cast<std::size_t>(row)].isHeading() ? RowKind::Header : RowKind::Item;
+}
+
+int SearchResultsModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : shownRows;
+}
+
+QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::AccessibleTextRole))
+        return {};
+    const auto &row = results.rows()[static_cast<std::size_t>(index.row())];
+    return row.isHeading() ? row.heading : row.name;
+}

@@ -1,0 +1,203 @@
+// A list of tasks is narrowed by its filter.
+
+#include "filters/FilterButtonCancelView.h"
+#include "filters/FilterEntries.h"
+#include "filters/SavedFilter.h"
+#include "filters/TasksFilterButton.h"
+#include "shell/details/DetailStack.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/EmptyState.h"
+#include "widgets/MVSegmentView.h"
+#include "widgets/PickerField.h"
+#include "widgets/PopUpButton.h"
+#include "widgets/Popover.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+class FilterTest : public ShellTest
+{
+protected:
+    FilterTest()
+    {
+        for (const int list : {0, 1, 2, 3, 6})
+            SavedFilter::ofTasks(list).storePristine();
+    }
+    TasksFilterButton &button() { return find<TasksFilterButton>(screen(), "buttonFilter"); }
+    FilterButtonCancelView &cancel() { return find<FilterButtonCancelView>(screen(), "cancelFilterView"); }
+    MVSegmentView &groupingControl() { return find<MVSegmentView>(screen(), "tasksGroupedView"); }
+    Popover &open()
+    {
+        QTest::mouseClick(&button(), Qt::LeftButton);
+        EXPECT_NE(button().popover(), nullptr);
+        return *button().popover();
+    }
+    void close()
+    {
+        QTest::keyClick(button().popover(), Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(button().popover(), nullptr);
+    }
+    QLineEdit &titleField() { return find<QLineEdit>(*button().popover(), "fieldTitle"); }
+    /// Chooses an item of a pop-up of the bubble with the keys.
+    void choose(const char *popUp, const QString &item)
+    {
+        auto &control = find<PopUpButton>(*button().popover(), popUp);
+        control.setFocus();
+        const int place = control.findText(item);
+        ASSERT_GE(place, 0) << qPrintable(item);
+        for (int step = control.currentIndex(); step != place; step += step < place ? 1 : -1)
+            QTest::keyClick(&control, step < place ? Qt::Key_Down : Qt::Key_Up);
+    }
+    bool shows(const QStringList &titles)
+    {
+        return QTest::qWaitFor([&] { return shownTitles() == titles; });
+    }
+    static FilterEntry entry(int list) { return SavedFilter::ofTasks(list).entry(); }
+    static QVariant storedValue(int list, const QString &key)
+    {
+        const QVariantList array = entry(list).value(u"Array"_s).toList();
+        return array.at(DBWorker::indexObject(key, array)).toMap().value(u"Value"_s);
+    }
+};
+
+TEST_F(FilterTest, EveryKeystrokeNarrowsTheListAndOnePressClearsIt)
+{
+    addInbox({u"Buy apples"_s, u"buy bread"_s, u"Sell car"_s});
+    EXPECT_EQ(button().text(), u"Filter"_s);
+    EXPECT_FALSE(cancel().isVisible());
+    open();
+    EXPECT_TRUE(titleField().hasFocus());
+    QTest::keyClicks(&titleField(), u"bUy"_s);
+    EXPECT_TRUE(shows({u"Buy apples"_s, u"buy bread"_s}));
+    EXPECT_EQ(storedValue(0, u"Title"_s), u"bUy"_s);
+    EXPECT_EQ(button().state(), 1);
+    EXPECT_EQ(button().text(), u"Filtered"_s);
+    QTest::keyClicks(&titleField(), u" b"_s);
+    EXPECT_TRUE(shows({u"buy bread"_s}));
+    QTest::keyClick(&titleField(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&titleField(), Qt::Key_Backspace);
+    EXPECT_TRUE(shows({u"Buy apples"_s, u"buy bread"_s, u"Sell car"_s}));
+    close();
+    EXPECT_EQ(button().state(), 1);
+    QTest::mouseClick(&cancel(), Qt::LeftButton);
+    EXPECT_EQ(button().text(), u"Filter"_s);
+    EXPECT_FALSE(cancel().isVisible());
+    EXPECT_EQ(entry(0), filters::pristineTaskEntry());
+}
+
+TEST_F(FilterTest, RowsOfTheBubbleSetTheirCriteriaAndComeBackWithThem)
+{
+    const CategoryPtr work = EntityCategory::title(u"Work"_s);
+    add(u"report"_s, [&](MVTask &task) {
+        task.category = work;
+        task.priority = 0;
+    });
+    add(u"lunch"_s, [](MVTask &task) { task.priority = 2; });
+    showList(SidebarItem::NotDone);
+    Popover *bubble = &open();
+    QStringList rows;
+    for (const QWidget *row : bubble->findChildren<QWidget *>(QRegularExpression(u"^row[A-Z]\\w+$"_s))) {
+        rows << row->objectName().mid(3);
+        EXPECT_EQ(row->height(), 45) << qPrintable(row->objectName());
+    }
+    EXPECT_EQ(rows, QStringList({u"Title"_s, u"Type"_s, u"Category"_s, u"Status"_s, u"Priority"_s,
+                                 u"Period"_s, u"Location"_s, u"Project"_s}));
+    choose("popUpCategory", u"Work"_s);
+    EXPECT_TRUE(shows({u"report"_s}));
+    EXPECT_EQ(storedValue(6, u"Category"_s), work->uri());
+    choose("popUpCategory", u"All"_s);
+    choose("popUpPriority", u"Low"_s);
+    EXPECT_TRUE(shows({u"lunch"_s}));
+    EXPECT_EQ(storedValue(6, u"Priority"_s), 2);
+    close();
+    showList(SidebarItem::Inbox);
+    showList(SidebarItem::NotDone);
+    EXPECT_EQ(shownTitles(), QStringList{u"lunch"_s});
+    EXPECT_EQ(button().state(), 1);
+    bubble = &open();
+    EXPECT_EQ(find<PopUpButton>(*bubble, "popUpPriority").currentText(), u"Low"_s);
+    EXPECT_EQ(find<PopUpButton>(*bubble, "popUpStatus").currentText(), u"All"_s);
+    choose("popUpPriority", u"All"_s);
+    EXPECT_TRUE(shows({u"report"_s, u"lunch"_s}) || shows({u"lunch"_s, u"report"_s}));
+    EXPECT_EQ(button().state(), 1);
+    close();
+    run(ActionId::ClearFilter);
+    EXPECT_EQ(button().state(), 0);
+}
+
+TEST_F(FilterTest, AListThatTheFilterEmptiesSaysSoAndTakesItBack)
+{
+    addInbox({u"apple"_s});
+    clickRow(0);
+    key(Qt::Key_Return);
+    EXPECT_FALSE(controller().detailStack()->isEmpty());
+    run(ActionId::FilterTasks);
+    QTest::keyClicks(&titleField(), u"pear"_s);
+    EXPECT_TRUE(shows({}));
+    EXPECT_TRUE(controller().detailStack()->isEmpty());
+    close();
+    auto &help = find<QPushButton>(screen(), "buttonOfEmptyState");
+    ASSERT_TRUE(help.isVisible());
+    int visible = 0;
+    for (const EmptyState *state : screen().findChildren<EmptyState *>())
+        visible += state->isVisible() ? 1 : 0;
+    EXPECT_EQ(visible, 1);
+    QTest::mouseClick(&help, Qt::LeftButton);
+    EXPECT_EQ(shownTitles(), QStringList{u"apple"_s});
+    EXPECT_FALSE(help.isVisible());
+    EXPECT_TRUE(list().hasFocus());
+}
+
+TEST_F(FilterTest, AGroupingKeepsTheFilterWaiting)
+{
+    add(u"apple"_s);
+    add(u"pear"_s);
+    showList(SidebarItem::NotDone);
+    open();
+    QTest::keyClicks(&titleField(), u"pe"_s);
+    EXPECT_TRUE(shows({u"pear"_s}));
+    close();
+    groupingControl().setFocus();
+    QTest::keyClick(&groupingControl(), Qt::Key_Space);
+    EXPECT_EQ(groupingControl().selectedIndex(), 0);
+    EXPECT_EQ(shownTitles().size(), 3);
+    EXPECT_EQ(button().text(), u"Filter inactive, grouping is activated"_s);
+    EXPECT_FALSE(button().isEnabled());
+    EXPECT_FALSE(cancel().isVisible());
+    EXPECT_FALSE(controller().commands()->action(ActionId::FilterTasks)->isEnabled());
+    QTest::mouseClick(&button(), Qt::LeftButton);
+    EXPECT_EQ(button().popover(), nullptr);
+    QTest::keyClick(&groupingControl(), Qt::Key_Space);
+    EXPECT_EQ(shownTitles(), QStringList{u"pear"_s});
+    EXPECT_EQ(button().text(), u"Filtered"_s);
+    EXPECT_TRUE(cancel().isVisible());
+}
+
+TEST_F(FilterTest, APeriodIsPickedAndTakenBack)
+{
+    add(u"old"_s);
+    stored(u"old"_s)->setCreationDate(localDate(2026, 3, 1));
+    add(u"new"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    showList(SidebarItem::NotDone);
+    EXPECT_EQ(shownTitles().size(), 2);
+    open();
+    auto *from = &find<PickerField>(*button().popover(), "pickerFrom");
+    const QString untouched = from->text();
+    QTest::mouseClick(from, Qt::LeftButton, {}, QPoint(20, 15));
+    auto &days = find<Popover>(*button().popover(), "datePickerPopover");
+    QTest::mouseClick(&find<QPushButton>(days, "buttonDone"), Qt::LeftButton);
+    EXPECT_TRUE(shows({u"new"_s}));
+    // This platform takes the lower bubble away with the upper one.
+    if (!button().popover())
+        open();
+    from = &find<PickerField>(*button().popover(), "pickerFrom");
+    QTest::mouseClick(&find<QToolButton>(*button().popover(), "buttonClearPeriod"), Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shownTitles().size() == 2; }));
+    EXPECT_EQ(from->text(), untouched);
+    close();
+}
