@@ -55,7 +55,10 @@ void connectCalendars()
     EKEventStore::setAccessQuestion([](EKEntityType entityType, const std::function<void(bool)> &answer) {
         const bool isAllowed = isAllowedByUser(entityType);
         // A question that goes down with the program was not answered.
-        if (!ApplicationLife::isEnding())
-            answer(isAllowed);
+        if (ApplicationLife::isEnding())
+            return;
+        answer(isAllowed);
+        if (isAllowed && entityType == EKEntityType::Event)
+            ApplicationLife::shared()->calendarsWereAllowed();
     });
 }

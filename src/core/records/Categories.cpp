@@ -4,6 +4,7 @@
 #include "foundation/UserDefaults.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/ListDefinitions.h"
 #include "store/state/SettingsKeys.h"
 
 #include <QSet>
@@ -71,14 +72,14 @@ int Categories::openTaskCount(const CategoryPtr &category)
     return static_cast<int>(mainContext().count(EntityTask::fetchRequest().where(own && open)));
 }
 
-std::vector<TaskPtr> Categories::tasks(const CategoryPtr &category)
+TaskList Categories::tasks(const CategoryPtr &category)
 {
-    if (category)
-        return DBWorker::hideNotAccessTasksFromArray(category->tasksSorts());
-    std::vector<TaskPtr> found;
-    for (const TaskPtr &task : DBWorker::getTasksWithoutCategories())
-        found.push_back(task);
-    return found;
+    if (!category)
+        return DBWorker::getTasksWithoutCategories();
+    std::vector<RowId> rows;
+    for (const TaskPtr &task : DBWorker::hideNotAccessTasksFromArray(category->tasksSorts()))
+        rows.push_back(task->rowId());
+    return tasklists::list(std::move(rows));
 }
 
 bool Categories::canAdd()

@@ -2,6 +2,7 @@
 
 #include "records/Functional.h"
 #include "store/entities/Entities.h"
+#include "store/queries/TaskRows.h"
 
 #include <QString>
 
@@ -28,7 +29,7 @@ QString shownTitle(const CategoryPtr &category);
 /// How many of its tasks are not done.
 int openTaskCount(const CategoryPtr &category);
 /// Its tasks that are not done and whose calendar may be seen, in the order of the list.
-std::vector<TaskPtr> tasks(const CategoryPtr &category);
+TaskList tasks(const CategoryPtr &category);
 
 bool canAdd();
 /// The colour and number of the next new category: the lowest that is free. Absent if there can be none.

@@ -17,7 +17,6 @@ TaskFormState::TaskFormState(const NewTaskRequest &request)
 
 TaskFormState::TaskFormState(const TaskPtr &storedTask)
     : task(storedTask)
-    , invited(TaskInvitation::of(task))
     , calendarAccess(CalendarEvent::hasAccesToCalendar())
 {}
 
@@ -35,8 +34,8 @@ void TaskFormState::startEntityTaskValue(const NewTaskRequest &request)
     task.project = request.createWithProject;
     task.startDate = request.createWithStartDate;
     task.dueDate = request.createWithDueDate;
-    if (request.typeTask == ListType::Someday)
-        task.dueSomeDay = true;
+    // Said either way: a task that says nothing is on no list of days.
+    task.dueSomeDay = request.typeTask == ListType::Someday;
 }
 
 void TaskFormState::note(TaskField field)
@@ -221,6 +220,11 @@ bool TaskFormState::isGone() const
 void TaskFormState::rollback()
 {
     task.rollback();
-    invited = TaskInvitation::of(task);
     note(TaskField::Title);
+}
+
+void TaskFormState::findInvitation()
+{
+    invited = TaskInvitation::of(task);
+    note(TaskField::Delegate);
 }

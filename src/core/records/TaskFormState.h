@@ -80,6 +80,8 @@ public:
     /// The numbers of the types that the task may have.
     std::vector<int> types() const;
     const TaskInvitation &invitation() const { return invited; }
+    /// Looks up who is invited. It asks the calendar, so a screen does it when it is in sight.
+    void findInvitation();
 
     // Editing and saving.
     /// Whether its calendar lets the task be changed.

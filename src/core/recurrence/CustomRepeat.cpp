@@ -173,10 +173,31 @@ QString CustomRepeat::sentence() const
     return RecurrenceSentence::of(edited, language);
 }
 
+/// The rule as it is put on an event: one day alone gives way to the date of the task.
+RecurrenceRule CustomRepeat::followedRule() const
+{
+    RecurrenceRule series = edited;
+    if (edited.frequency == RecurrenceFrequency::weekly && edited.byweekday.size() == 1)
+        series.byweekday.clear();
+    else if (edited.frequency == RecurrenceFrequency::monthly && edited.bymonthday.size() == 1)
+        series.bymonthday = {edited.calendar.day(start)};
+    return series;
+}
+
+/// Whether that gives other dates than those that were chosen.
+bool CustomRepeat::followsDate() const
+{
+    if (edited.frequency == RecurrenceFrequency::weekly)
+        return edited.byweekday.size() == 1 &&
+               static_cast<int>(edited.byweekday.front()) != edited.calendar.weekday(start);
+    return edited.frequency == RecurrenceFrequency::monthly && edited.bymonthday.size() == 1 &&
+           edited.bymonthday.front() != edited.calendar.day(start);
+}
+
 std::vector<Date> CustomRepeat::nextDates(std::size_t count) const
 {
     const Calendar calendar = Calendar::current();
-    RecurrenceRule series = edited;
+    RecurrenceRule series = followedRule();
     series.startDate = start;
     const Date from = std::max(start, calendar.startOfDay(Clock::now()));
     std::vector<Date> dates;
@@ -203,6 +224,8 @@ QString CustomRepeat::warning() const
 {
     if (nextDates(1).empty())
         return texts.text(u"RepeatPicker.noDates"_s);
+    if (followsDate())
+        return texts.text(u"RepeatPicker.followsDate"_s);
     const int dayOfStart = edited.calendar.day(start);
     const auto shortMonths = [this](int day) { return texts.text(u"RepeatPicker.shortMonths"_s, {day}); };
     if (edited.frequency == RecurrenceFrequency::monthly) {

@@ -41,7 +41,8 @@ public:
 
     // What comes of it.
     QString sentence() const;
-    /// The next dates from today on, as many as asked for or as there are.
+    /// The next dates from today on, as many as asked for or as there are. A single weekday or day of the
+    /// month does not count beside the date of the task, as it does not when the rule is put on an event.
     std::vector<Date> nextDates(std::size_t count) const;
     /// What the user may not expect: months or years that are left out, or that there is no date at all.
     /// Empty if there is nothing to say.
@@ -52,6 +53,8 @@ public:
 private:
     std::vector<int> selectedItems() const;
     bool lacksDay(int day) const;
+    RecurrenceRule followedRule() const;
+    bool followsDate() const;
 
     RecurrenceRule edited;
     Date start;

@@ -122,7 +122,7 @@ QString RecurrenceSentence::of(const RecurrenceRule &rule, RecurrencePickerLangu
     if (isEveryWeekday(rule))
         return texts.text(prefix + u"everyWeekday"_s);
     const QString unit = unitPhrase(rule, texts);
-    const QString basic = texts.text(prefix + u"basicRecurrence"_s, {unit});
+    QString basic = texts.text(prefix + u"basicRecurrence"_s, {unit});
     const QStringList words = listWords(rule, texts);
     if (words.isEmpty())
         return basic;

@@ -16,6 +16,7 @@ QString MessageFormat::format(const QString &pattern, const QString &locale,
                               const std::vector<Argument> &arguments)
 {
     std::vector<icu::Formattable> values;
+    values.reserve(arguments.size());
     for (const Argument &argument : arguments)
         values.push_back(formattable(argument));
     UErrorCode status = U_ZERO_ERROR;

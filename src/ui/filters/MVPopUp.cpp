@@ -69,11 +69,13 @@ MVPopUp::MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, co
 void MVPopUp::showRows()
 {
     std::vector<CheckList::Line> lines;
+    lines.reserve(static_cast<std::size_t>(pick.rowCount()));
     for (int row = 0; row < pick.rowCount(); ++row)
         lines.push_back({pick.titleOf(row)});
     table->setLines(lines);
     table->setVisible(!lines.empty());
     labelEmpty->setVisible(lines.empty());
+    buttonAll->setEnabled(!lines.empty());
     showMarks();
 }
 

@@ -71,6 +71,12 @@ void ApplicationLife::stateChanged(Qt::ApplicationState state)
         delegate.applicationDidResignActive();
 }
 
+void ApplicationLife::calendarsWereAllowed()
+{
+    delegate.applicationDidBecomeActive();
+    Q_EMIT calendarsAllowed();
+}
+
 void ApplicationLife::reopen()
 {
     delegate.startMainWindow();

@@ -22,8 +22,14 @@ public:
     /// The first picture stands: what could wait until then begins.
     void windowWasPainted();
     bool isPainted() const { return wasPainted; }
+    /// The user has let the program use the calendars: it begins to, as at an activation.
+    void calendarsWereAllowed();
     /// Saves and ends the program, unless something is to stay open.
     void quit();
+
+Q_SIGNALS:
+    /// There are calendars to choose from now.
+    void calendarsAllowed();
 
 private:
     void stateChanged(Qt::ApplicationState state);

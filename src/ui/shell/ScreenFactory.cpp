@@ -2,6 +2,7 @@
 
 #include "shell/RestingScreen.h"
 #include "shell/SidebarModel.h"
+#include "shell/categories/CategoriesViewController.h"
 #include "shell/tasks/TaskScreens.h"
 
 TabsViewController *ScreenFactory::make(const SidebarModel &sidebar, const QModelIndex &row)
@@ -16,6 +17,8 @@ TabsViewController *ScreenFactory::make(const SidebarModel &sidebar, const QMode
         return new ScheduledViewController;
     case SidebarItem::Someday:
         return new SomedayViewController;
+    case SidebarItem::Categories:
+        return new CategoriesViewController;
     case SidebarItem::Delegated:
         return new UserDelegateViewController;
     case SidebarItem::NotDone:

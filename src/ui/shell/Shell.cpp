@@ -40,8 +40,11 @@ void Shell::showMainWindow()
         QObject::connect(controller->window(), &MainWindow::firstPainted, controller->window(), [this] {
             QApplication::setWindowIcon(Icons::application());
             LauncherBadge::show(badgeLabel, QGuiApplication::desktopFileName());
-            if (ApplicationLife *life = ApplicationLife::shared())
+            if (ApplicationLife *life = ApplicationLife::shared()) {
+                QObject::connect(life, &ApplicationLife::calendarsAllowed, controller.get(),
+                                 &MainWindowController::showCalendars);
                 life->windowWasPainted();
+            }
         });
         QObject::connect(controller.get(), &MainWindowController::quitRequested, controller.get(), [this] {
             // Only who asks for it by the menu can be asked back: a session that ends does not wait.

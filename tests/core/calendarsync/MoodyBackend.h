@@ -38,6 +38,13 @@ public:
             return refusal();
         return tree.objects(calendar);
     }
+    Result<std::optional<CalendarObject>> object(const QString &calendar, const QString &name) override
+    {
+        if (refusesReading || answersLeft-- <= 0)
+            return refusal();
+        return tree.object(calendar, name);
+    }
+    QByteArray stampOfNames(const QString &calendar) override { return tree.stampOfNames(calendar); }
     Result<CalendarObject> put(const QString &calendar, const CalendarObject &object,
                                const QString &uid) override
     {

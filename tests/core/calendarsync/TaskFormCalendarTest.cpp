@@ -35,7 +35,8 @@ TEST_F(TaskFormCalendarTest, AnInvitationNamesTheOrganiserWhetherKnownOrNot)
     writeInvitation(u";CN=Ada Maria Bright:mailto:ada@example.org"_qs);
     const TaskPtr row = rowOf(u"Meeting"_qs);
     ASSERT_NE(row, nullptr);
-    const TaskFormState stranger(row);
+    TaskFormState stranger(row);
+    stranger.findInvitation();
     EXPECT_TRUE(stranger.invitation().hasAttendees);
     EXPECT_EQ(stranger.label(TaskFormRow::Contacts), u"Invitation from"_qs);
     EXPECT_EQ(stranger.previewText(TaskFormRow::Contacts), u"Ada Maria Bright"_qs);
@@ -45,11 +46,14 @@ TEST_F(TaskFormCalendarTest, AnInvitationNamesTheOrganiserWhetherKnownOrNot)
     ada->setFirstName(u"Ada Maria"_qs);
     ada->setLastName(u"Bright"_qs);
     EXPECT_FALSE(DBWorker::saveContext());
-    EXPECT_EQ(TaskFormState(row).invitation().entityContactOrganizer, ada);
+    TaskFormState known(row);
+    known.findInvitation();
+    EXPECT_EQ(known.invitation().entityContactOrganizer, ada);
 
     writeInvitation(u":mailto:ada@example.org"_qs);
     connectStore();
-    EXPECT_EQ(TaskFormState(row).previewText(TaskFormRow::Contacts), u"ada@example.org"_qs);
+    known.findInvitation();
+    EXPECT_EQ(known.previewText(TaskFormRow::Contacts), u"ada@example.org"_qs);
 }
 
 TEST_F(TaskFormCalendarTest, ATaskWithoutGuestsIsNoInvitation)
@@ -59,7 +63,8 @@ TEST_F(TaskFormCalendarTest, ATaskWithoutGuestsIsNoInvitation)
         u"SUMMARY:Alone\nDTSTART:20261123T090000Z\nDTEND:20261123T100000Z\nORGANIZER:mailto:a@example.org\n"_qs);
     const TaskPtr row = rowOf(u"Alone"_qs);
     ASSERT_NE(row, nullptr);
-    const TaskFormState form(row);
+    TaskFormState form(row);
+    form.findInvitation();
     EXPECT_FALSE(form.invitation().hasAttendees);
     EXPECT_EQ(form.label(TaskFormRow::Contacts), u"Delegate to user"_qs);
     EXPECT_FALSE(form.isRowShownInPreview(TaskFormRow::Contacts));

@@ -77,7 +77,8 @@ TEST_F(CustomRepeatTest, TheNextDatesFollowTheTasksOwnDateAndEndWithTheSeries)
 TEST_F(CustomRepeatTest, ItSaysWhatTheUserMayNotExpect)
 {
     const Date lastOfMay = localDate(2027, 5, 31);
-    EXPECT_EQ(of(u"FREQ=MONTHLY"_s, lastOfMay).warning(), u"In months without a day 31, this date is skipped."_s);
+    EXPECT_EQ(of(u"FREQ=MONTHLY"_s, lastOfMay).warning(),
+              u"In months without a day 31, this date is skipped."_s);
     EXPECT_EQ(days(of(u"FREQ=MONTHLY"_s, lastOfMay), 3),
               (QStringList{u"2027-05-31"_s, u"2027-07-31"_s, u"2027-08-31"_s}));
     EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=28,-1"_s, lastOfMay).warning(), QString());
@@ -90,4 +91,21 @@ TEST_F(CustomRepeatTest, ItSaysWhatTheUserMayNotExpect)
     EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=2"_s, lastOfMay).warning(), u"This never comes round."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY"_s, lastOfMay).warning(), QString());
     EXPECT_EQ(of(u"FREQ=WEEKLY"_s, lastOfMay).warning(), QString());
+}
+
+/// As it happens once the rule is put on an event.
+TEST_F(CustomRepeatTest, ASingleDayGivesWayToTheDateOfTheTask)
+{
+    const Date saturday = localDate(2026, 11, 21, 10);
+    const QString warning = u"A single day follows the date of the task."_s;
+    const CustomRepeat onSundays = of(u"FREQ=WEEKLY;BYDAY=SU"_s, saturday);
+    EXPECT_EQ(days(onSundays, 2), (QStringList{u"2026-11-21"_s, u"2026-11-28"_s}));
+    EXPECT_EQ(onSundays.warning(), warning);
+    EXPECT_EQ(of(u"FREQ=WEEKLY;BYDAY=SA"_s, saturday).warning(), QString());
+    const CustomRepeat onTwoDays = of(u"FREQ=WEEKLY;BYDAY=MO,SU"_s, saturday);
+    EXPECT_EQ(days(onTwoDays, 2), (QStringList{u"2026-11-22"_s, u"2026-11-23"_s}));
+    EXPECT_EQ(onTwoDays.warning(), QString());
+    const CustomRepeat onTheFifth = of(u"FREQ=MONTHLY;BYMONTHDAY=5"_s, saturday);
+    EXPECT_EQ(days(onTheFifth, 2), (QStringList{u"2026-11-21"_s, u"2026-12-21"_s}));
+    EXPECT_EQ(onTheFifth.warning(), warning);
 }

@@ -1,6 +1,6 @@
 // Where places stand on a web map.
 
-#include "maps/MapProjection.h"
+#include "shell/maps/MapProjection.h"
 
 #include <gtest/gtest.h>
 

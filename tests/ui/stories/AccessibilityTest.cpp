@@ -119,6 +119,17 @@ TEST_F(AccessibilityTest, TheDetailPaneNamesItsControlsInWordsAndAsAForm)
     expectNamed(window());
 }
 
+TEST_F(AccessibilityTest, TheWindowsOfTheCalendarsNameTheirControls)
+{
+    for (const auto &[command, name] : {std::pair(ActionId::Calendars, "CalendarsAppleWindow"),
+                                        std::pair(ActionId::Settings, "SettingsWindow")}) {
+        run(command);
+        auto &opened = find<QWidget>(window(), name);
+        expectNamed(opened);
+        opened.close();
+    }
+}
+
 TEST_F(AccessibilityTest, TheBubblesNameTheirControls)
 {
     RepeatWindow repeat(CustomRepeat(std::nullopt, {}, {}, RecurrencePickerLanguage::english), &window());

@@ -1,7 +1,7 @@
 // A task is given a place.
 
-#include "maps/Geocoder.h"
-#include "maps/MapView.h"
+#include "shell/maps/Geocoder.h"
+#include "shell/maps/MapView.h"
 #include "shell/tasks/LocationBubble.h"
 #include "shell/tasks/LocationPopup.h"
 #include "ui/support/HttpServer.h"
@@ -16,8 +16,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QToolButton>
 #include <QUrlQuery>
+#include <QWheelEvent>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -229,4 +231,31 @@ TEST_F(LocationTest, TheAddressOfAServiceTakesTheTextOrIsGivenIt)
               "https://a.example/find?q=1.500000%2C-2.000000&format=json&limit=1");
     for (const QByteArray &useless : {"[]"_ba, "{}"_ba, "nonsense"_ba, R"([{"lat":"x","lon":"1"}])"_ba})
         EXPECT_FALSE(Geocoder::read(useless)) << useless.constData();
+}
+
+TEST_F(LocationTest, TheMapIsLedByKeysAndWheel)
+{
+    MapView map(u"http://127.0.0.1:9/{z}/{x}/{y}.png"_s);
+    map.resize(300, 200);
+    map.showPin({52.5, 13.4}, 10);
+    QSignalSpy moved(&map, &MapView::pinMoved);
+    QTest::keyClick(&map, Qt::Key_Plus);
+    EXPECT_EQ(map.zoom(), 11);
+    EXPECT_TRUE(moved.isEmpty());
+    QTest::keyClick(&map, Qt::Key_Up);
+    QTest::keyClick(&map, Qt::Key_Right);
+    EXPECT_EQ(moved.size(), 2);
+    EXPECT_GT(map.pin().latitude, 52.5);
+    EXPECT_GT(map.pin().longitude, 13.4);
+    // What is under the mouse stays there while the wheel zooms.
+    const QPointF under = map.pinPoint();
+    QWheelEvent wheel(under, map.mapToGlobal(under), {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase,
+                      false);
+    QApplication::sendEvent(&map, &wheel);
+    EXPECT_EQ(map.zoom(), 12);
+    EXPECT_NEAR(map.pinPoint().x(), under.x(), 0.01);
+    EXPECT_NEAR(map.pinPoint().y(), under.y(), 0.01);
+    for (int step = 0; step < 40; ++step)
+        QTest::keyClick(&map, Qt::Key_Minus);
+    EXPECT_EQ(map.zoom(), MapProjection::leastZoom);
 }

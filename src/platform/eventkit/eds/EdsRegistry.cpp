@@ -37,20 +37,50 @@ OptionalError EdsRegistry::open()
     return registry ? std::nullopt : update();
 }
 
+/// Whether the library knows every source that the daemon has.
+bool EdsRegistry::isComplete() const
+{
+    return std::all_of(present.begin(), present.end(), [this](const QString &uid) {
+        const GlibObject<ESource> source(
+            e_source_registry_ref_source(registry.get(), uid.toUtf8().constData()));
+        return source != nullptr;
+    });
+}
+
+/// The library shares one list among all who ask for it, and hands it out also when its last user is just
+/// leaving, and it is empty already.
 OptionalError EdsRegistry::connect()
 {
-    GlibFailure failure;
-    const EdsTimeLimit limit(EdsTimeLimit::forReading);
-    registry.reset(e_source_registry_new_sync(limit.cancellable(), failure.out()));
-    if (limit.isExceeded())
-        patience.exhaust();
-    if (!registry)
-        return failure.told(QStringLiteral("Cannot reach the calendar service"));
+    constexpr int mostAttempts = 5;
+    constexpr std::chrono::milliseconds pause{20};
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        GlibFailure failure;
+        const EdsTimeLimit limit(EdsTimeLimit::forReading);
+        registry.reset(e_source_registry_new_sync(limit.cancellable(), failure.out()));
+        if (limit.isExceeded())
+            patience.exhaust();
+        if (!registry)
+            return failure.told(QStringLiteral("Cannot reach the calendar service"));
+        if (isComplete()) {
+            listen();
+            return std::nullopt;
+        }
+        registry.reset();
+        std::this_thread::sleep_for(pause);
+        // Meanwhile there may be others.
+        if (auto sources = bus.sources())
+            present = std::move(sources.value());
+    }
+    return CalendarError::make(CalendarError::Storage,
+                               QStringLiteral("The calendar service has not told all of its calendars."));
+}
+
+void EdsRegistry::listen()
+{
     for (const char *signal :
          {"source-added", "source-changed", "source-removed", "source-enabled", "source-disabled"})
         connectSignal(registry.get(), signal, &EdsRegistry::onSource, this);
     known = fingerprints();
-    return std::nullopt;
 }
 
 std::vector<GlibObject<ESource>> EdsRegistry::list(const char *extension) const

@@ -47,6 +47,8 @@ public:
 
 private:
     OptionalError connect();
+    bool isComplete() const;
+    void listen();
     std::vector<GlibObject<ESource>> list(const char *extension) const;
     std::vector<GlibObject<ESource>> calendarSources() const;
     QHash<QString, QByteArray> fingerprints() const;

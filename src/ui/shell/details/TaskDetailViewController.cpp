@@ -6,6 +6,7 @@
 #include "shell/details/DetailStack.h"
 #include "shell/tasks/TaskFormView.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Animations.h"
 #include "widgets/FormScroll.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
@@ -40,6 +41,9 @@ TaskDetailViewController::TaskDetailViewController(const TaskPtr &task, QWidget 
     connect(view, &TaskFormView::editWanted, this, &TaskDetailViewController::editAttempted);
     observe();
     setPreviewMode();
+    // Once the pane stands still, nobody sees that the calendar takes its time.
+    QTimer::singleShot(Animations::duration(Animations::detailSlideIn), this,
+                       [this] { form.findInvitation(); });
 }
 
 void TaskDetailViewController::showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
@@ -134,6 +138,7 @@ void TaskDetailViewController::taskChanged()
         Q_EMIT recordRemoved();
     } else if (!isEditing() && form.currentTask().isChangedTask()) {
         form.rollback();
+        form.findInvitation();
         statusChanged();
     }
 }

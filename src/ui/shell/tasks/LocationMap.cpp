@@ -1,7 +1,7 @@
 #include "shell/tasks/LocationMap.h"
 
 #include "foundation/Localization.h"
-#include "maps/MapView.h"
+#include "shell/maps/MapView.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 #include "workspace/PlatformConfiguration.h"

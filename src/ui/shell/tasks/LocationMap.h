@@ -1,7 +1,7 @@
 #pragma once
 
-#include "maps/Geocoder.h"
 #include "records/LocationChoice.h"
+#include "shell/maps/Geocoder.h"
 
 #include <QWidget>
 

@@ -43,7 +43,7 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
     setUpView();
     if (TasksFilter::isFilterable(static_cast<int>(type())))
         setUpTopView();
-    addButton(ToolBarButton::NewTask);
+    addButton(description.addType);
     addButton(ToolBarButton::Calendars);
     for (QTimer *timer : {&delayedReload, &promptReload}) {
         timer->setSingleShot(true);

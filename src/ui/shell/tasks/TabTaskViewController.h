@@ -27,6 +27,7 @@ struct TaskListDescription
     /// The key of its grouping in the settings; -1 for a list without the control.
     int groupedType = -1;
     DetailPlace detailPlace = {};
+    ToolBarButton::ActionType addType = ToolBarButton::NewTask;
 };
 
 /// A screen of tasks. The lists differ by what they fetch.

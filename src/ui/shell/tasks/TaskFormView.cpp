@@ -11,7 +11,9 @@
 #include "widgets/RowItemView.h"
 #include "widgets/Theme.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QPointer>
 #include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,9 +22,7 @@ using PickerType = DatePickerState::Type;
 constexpr int titleHeight = 50;
 constexpr int rowHeight = 40;
 constexpr int priorityHeight = 55;
-constexpr int detailsHeight = 84;
-/// One bubble has to be gone, and the window active again, before the next one can stay open.
-constexpr auto betweenBubbles = std::chrono::milliseconds(60);
+constexpr int detailsHeight = 64;
 /// The circle stands above the labels, although its ring needs room around it.
 constexpr int checkBoxInset = 11;
 
@@ -35,10 +35,18 @@ TaskFormView::TaskFormView(TaskFormState &usedState, QWidget *parent)
         refresh();
         Q_EMIT changed(field);
     };
-    state.dueDateWanted = [this] {
-        QTimer::singleShot(betweenBubbles, dueDateControl, &DatePickerControl::open);
-    };
+    state.dueDateWanted = [this] { QTimer::singleShot(0, this, &TaskFormView::openDueDate); };
     refresh();
+}
+
+/// The bubble of the start has just closed. What the window system still has to say about that would close
+/// the next one too, so it is heard first.
+void TaskFormView::openDueDate()
+{
+    const QPointer<DatePickerControl> control = dueDateControl;
+    QGuiApplication::sync();
+    if (control)
+        control->open();
 }
 
 RowItemView *TaskFormView::addRow(TaskFormRow row, const QString &textTag, int height, QWidget *control)

@@ -43,6 +43,7 @@ protected:
 private:
     RowItemView *addRow(TaskFormRow row, const QString &textTag, int height, QWidget *control);
     void setUpRows();
+    void openDueDate();
     QWidget *makeTitle();
     QWidget *makeDetails();
     QWidget *makeDate(DatePickerState::Type type, const QString &name);

@@ -108,9 +108,9 @@ TEST_F(CategoriesTest, RowsCountTheirOpenTasks)
     dig->setStatus(3);
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(Categories::openTaskCount(own), 1);
-    ASSERT_EQ(Categories::tasks(own).size(), 1U);
-    EXPECT_EQ(Categories::tasks(own).front()->title(), u"Water"_qs);
-    ASSERT_EQ(Categories::tasks(nullptr).size(), 1U);
+    ASSERT_EQ(Categories::tasks(own).size(), 1);
+    EXPECT_EQ(Categories::tasks(own).first()->title(), u"Water"_qs);
+    ASSERT_EQ(Categories::tasks(nullptr).size(), 1);
 
     EXPECT_EQ(Categories::shown(), Categories::Shown::All);
     EXPECT_EQ(shownTitles().last(), u"None"_qs);

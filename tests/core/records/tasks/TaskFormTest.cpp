@@ -73,6 +73,31 @@ TEST_F(TaskFormTest, ANewTaskBeginsWithWhatItIsGiven)
     EXPECT_EQ(TaskFormState({.type = TaskType::Appointment, .showTodo = false}).types(), (std::vector{1, 2}));
 }
 
+TEST_F(TaskFormTest, ANewTaskIsOnTheListItIsMadeFrom)
+{
+    const auto save = [](const NewTaskRequest &request, const QString &title) {
+        TaskFormState form(request);
+        form.setTitle(title);
+        EXPECT_TRUE(form.save()) << qPrintable(title);
+    };
+    const Date today = localDate(2026, 11, 21);
+    const Date tomorrow = localDate(2026, 11, 22);
+    save({.typeTask = ListType::Inbox}, u"Inbox"_s);
+    save({.typeTask = ListType::Today,
+          .createWithStartDate = today,
+          .createWithDueDate = today + Seconds(86399)},
+         u"Today"_s);
+    save({.typeTask = ListType::Scheduled,
+          .createWithStartDate = tomorrow,
+          .createWithDueDate = tomorrow + Seconds(86399)},
+         u"Scheduled"_s);
+    save({.typeTask = ListType::Someday}, u"Someday"_s);
+    EXPECT_EQ(titles(DBWorker::allInboxTasks()), QStringList(u"Inbox"_s));
+    EXPECT_EQ(titles(DBWorker::allTodayTasks()), QStringList(u"Today"_s));
+    EXPECT_EQ(titles(DBWorker::allScheduledTasks()), QStringList(u"Scheduled"_s));
+    EXPECT_EQ(titles(DBWorker::allSomedayTasks()), QStringList(u"Someday"_s));
+}
+
 TEST_F(TaskFormTest, ClearingTheStartOfARepeatingToDoClearsWhatHangsOnIt)
 {
     TaskFormState form{NewTaskRequest()};

@@ -1,4 +1,4 @@
-#include "maps/MapView.h"
+#include "shell/maps/MapView.h"
 
 #include "foundation/Localization.h"
 #include "widgets/Icons.h"

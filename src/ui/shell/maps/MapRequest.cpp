@@ -1,4 +1,4 @@
-#include "maps/MapRequest.h"
+#include "shell/maps/MapRequest.h"
 
 #include "store/AppDelegate.h"
 

@@ -1,6 +1,6 @@
-#include "maps/Geocoder.h"
+#include "shell/maps/Geocoder.h"
 
-#include "maps/MapRequest.h"
+#include "shell/maps/MapRequest.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

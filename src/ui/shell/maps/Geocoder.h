@@ -1,6 +1,6 @@
 #pragma once
 
-#include "maps/MapProjection.h"
+#include "shell/maps/MapProjection.h"
 
 #include <QNetworkAccessManager>
 #include <QObject>

@@ -1,6 +1,6 @@
-#include "maps/TileSource.h"
+#include "shell/maps/TileSource.h"
 
-#include "maps/MapRequest.h"
+#include "shell/maps/MapRequest.h"
 
 #include <QNetworkReply>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "maps/MapProjection.h"
-#include "maps/TileSource.h"
+#include "shell/maps/MapProjection.h"
+#include "shell/maps/TileSource.h"
 
 #include <QWidget>
 

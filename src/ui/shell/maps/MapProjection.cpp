@@ -1,4 +1,4 @@
-#include "maps/MapProjection.h"
+#include "shell/maps/MapProjection.h"
 
 #include <QtMath>
 

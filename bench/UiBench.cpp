@@ -1,0 +1,149 @@
+#include "StoreGenerator.h"
+#include "cloud/FileManager.h"
+#include "shell/MainWindow.h"
+#include "shell/MainWindowController.h"
+#include "shell/Shell.h"
+#include "store/AppDelegate.h"
+#include "widgets/Animations.h"
+#include "widgets/TableViewExtended.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QListView>
+#include <QScrollBar>
+#include <QStringListModel>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+constexpr int taskCount = 100'000;
+constexpr int rounds = 60;
+
+double measured(const std::function<void()> &work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+struct Times
+{
+    double median = 0;
+    double longest = 0;
+};
+
+Times timesOf(const std::function<void(int)> &work)
+{
+    std::vector<double> times;
+    for (int round = 0; round < rounds; ++round)
+        times.push_back(measured([&] { work(round); }));
+    std::sort(times.begin(), times.end());
+    return {times[times.size() / 2], times.back()};
+}
+
+void print(const char *what, const Times &ours, const Times &bare = {})
+{
+    std::printf("%-34s median %7.2f ms  longest %7.2f ms", what, ours.median, ours.longest);
+    if (bare.median > 0)
+        std::printf("  bare list %6.2f ms  ratio %4.2f", bare.median, ours.median / bare.median);
+    std::printf("\n");
+}
+
+void press(QWidget &widget, Qt::Key key)
+{
+    QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &down);
+}
+
+/// A frame after a key press, and one after a jump of the scroll bar.
+std::pair<Times, Times> framesOf(QAbstractItemView &view)
+{
+    const Times keys = timesOf([&](int) {
+        press(view, Qt::Key_Down);
+        view.viewport()->repaint();
+    });
+    const Times jumps = timesOf([&](int round) {
+        view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum() / rounds * round);
+        view.viewport()->repaint();
+    });
+    return {keys, jumps};
+}
+
+std::pair<Times, Times> framesOfBareList()
+{
+    QStringList rows;
+    for (int row = 0; row < taskCount; ++row)
+        rows.append(QStringLiteral("Row number %1").arg(row));
+    QStringListModel model(rows);
+    QListView view;
+    view.setUniformItemSizes(true);
+    view.setModel(&model);
+    view.resize(800, 640);
+    view.show();
+    view.setCurrentIndex(model.index(0));
+    QApplication::processEvents();
+    return framesOf(view);
+}
+
+MainWindow &mainWindow()
+{
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (auto *found = qobject_cast<MainWindow *>(window))
+            return *found;
+    std::abort();
+}
+
+} // namespace
+
+/// How long the window takes for what is done in it most, with 100,000 tasks: a key press and a jump in the
+/// longest list, and the opening of a task, each up to the painted picture.
+int main(int argc, char *argv[])
+{
+    if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const QTemporaryDir home;
+    qputenv("XDG_DATA_HOME", home.path().toUtf8() + "/data");
+    qputenv("XDG_CONFIG_HOME", home.path().toUtf8() + "/config");
+    QDir().mkpath(FileManager::appFolderURL());
+    generateStore(FileManager::appFolderURL() + QStringLiteral("/Model0.sqlite"), taskCount, 1);
+    Shell::prepareApplication();
+    Animations::setEnabled(false);
+    AppDelegate delegate(std::make_unique<Shell>());
+    delegate.applicationWillFinishLaunching();
+    delegate.applicationDidFinishLaunching();
+    MainWindow &window = mainWindow();
+    QApplication::processEvents();
+    const auto run = [&window](const char *action) {
+        for (QAction *command : window.actions())
+            if (command->objectName() == QLatin1String(action))
+                command->trigger();
+        QApplication::processEvents();
+    };
+    const double shown = measured([&] {
+        run("actionShowNotDone");
+        window.repaint();
+    });
+    std::printf("%-34s        %7.2f ms\n", "Not Done shown", shown);
+
+    auto &list = *window.findChild<TableViewExtended *>(QStringLiteral("tableViewTasks"));
+    list.selectRow(0);
+    const auto ours = framesOf(list);
+    const auto bare = framesOfBareList();
+    print("A key press in the list", ours.first, bare.first);
+    print("A jump of the list", ours.second, bare.second);
+    print("A task opened over the list", timesOf([&](int round) {
+              list.selectRow(round * 3 + 1);
+              press(list, Qt::Key_Return);
+              window.repaint();
+          }));
+    return 0;
+}

@@ -1,0 +1,301 @@
+#include "shell/categories/CategoriesViewController.h"
+
+#include "foundation/Localization.h"
+#include "shell/ShellAlerts.h"
+#include "shell/categories/CategoryTasksCell.h"
+#include "store/entities/EntityCategory.h"
+#include "widgets/BusyCursor.h"
+#include "widgets/TextLabel.h"
+
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int panelWidth = 264;
+constexpr int leastListWidth = 280;
+constexpr int titleHeight = 44;
+constexpr int categoryRowHeight = 40;
+constexpr int topInsetOfDetail = 20;
+
+CategoriesViewController::CategoriesViewController(QWidget *parent)
+    : TabTaskViewController({.type = ListType::Categories,
+                             .title = localized(u"Categories"_s),
+                             .icon = u"categories"_s,
+                             .emptySentence = localized(u"No events"_s),
+                             .detailPlace = {.topInset = topInsetOfDetail},
+                             .addType = ToolBarButton::NewCategory},
+                            parent)
+    , categories(new CategoryListModel(this))
+    , panel(new QWidget(this))
+    , table(new TableViewExtended)
+    , labelTitleCategory(makeTextLabel({}, Theme::FontRole::BodyStrong, Theme::text))
+    , buttonAddCategory(toolBarView()->findChild<ToolBarButton *>(u"buttonAdd"_s))
+{
+    labelTitleCategory->setParent(this);
+    labelTitleCategory->setObjectName(u"labelTitleCategory"_s);
+    labelTitleCategory->setWordWrap(false);
+    setUpTable();
+    setUpPanel();
+    setFocusProxy(table);
+    connect(this, &TabsViewController::buttonAdd, this, [this](ToolBarButton::ActionType type) {
+        if (type == ToolBarButton::NewCategory)
+            addCategory();
+    });
+    reloadDataCategory();
+    selectCategoryRow(0);
+}
+
+// Layout
+
+void CategoriesViewController::setUpPanel()
+{
+    panel->setObjectName(u"categoryPanel"_s);
+    auto *column = new QVBoxLayout(panel);
+    column->setContentsMargins(Theme::contentMargin - Theme::unit, 0, 0, Theme::unit);
+    column->setSpacing(Theme::unit);
+    column->addWidget(makeTopView());
+    column->addWidget(table, 1);
+}
+
+QWidget *CategoriesViewController::makeTopView()
+{
+    auto *popUp = new QComboBox;
+    popUp->setObjectName(u"popUpButtonSort"_s);
+    popUp->setAccessibleName(localized(u"Show"_s));
+    popUp->addItem(localized(u"Alphabetical"_s), static_cast<int>(Categories::Shown::All));
+    popUp->addItem(localized(u"Active"_s), static_cast<int>(Categories::Shown::WithTasks));
+    popUp->addItem(localized(u"Inactive"_s), static_cast<int>(Categories::Shown::WithoutTasks));
+    popUp->setCurrentIndex(popUp->findData(static_cast<int>(Categories::shown())));
+    connect(popUp, &QComboBox::activated, this, [this, popUp] {
+        Categories::setShown(static_cast<Categories::Shown>(popUp->currentData().toInt()));
+        reloadDataCategory();
+        selectCategoryRow(std::max(0, categories->rowOf(selectCategory)));
+    });
+    auto *line = new QWidget;
+    auto *row = new QHBoxLayout(line);
+    row->setContentsMargins(Theme::unit, 0, Theme::unit, 0);
+    row->addWidget(popUp);
+    line->setFixedHeight(titleHeight);
+    return line;
+}
+
+void CategoriesViewController::setUpTable()
+{
+    table->setObjectName(u"tableViewCategory"_s);
+    table->setAccessibleName(localized(u"Categories"_s));
+    table->setSelectionMode(QAbstractItemView::SingleSelection);
+    table->setRowHeights({.item = categoryRowHeight});
+    table->setItemDelegate(new CategoryTasksCell(table));
+    table->setModel(categories);
+    connect(table, &TableViewExtended::rowSelectionChanged, this,
+            &CategoriesViewController::categorySelectionChanged);
+    connect(table, &TableViewExtended::doubleAction, this, &CategoriesViewController::editTitle);
+    connect(table, &TableViewExtended::removeRequested, this, &CategoriesViewController::removeCategory);
+    connect(table, &TableViewExtended::menuRequested, this, &CategoriesViewController::showCategoryMenu);
+}
+
+/// Beside a detail there may be no room for both lists; then the tasks stay.
+void CategoriesViewController::placeChildren()
+{
+    const int room = width() - detailSpace;
+    const bool hasPanel = detailSpace == 0 || room >= panelWidth + leastListWidth;
+    const int leading = hasPanel ? panelWidth : 0;
+    const bool isMirrored = isRightToLeft();
+    panel->setVisible(hasPanel);
+    panel->setGeometry(QStyle::visualRect(layoutDirection(), rect(), QRect(0, 0, panelWidth, height())));
+    const int inset = Theme::contentMargin + Theme::unit / 2;
+    labelTitleCategory->setGeometry(QStyle::visualRect(
+        layoutDirection(), rect(), QRect(leading + inset, 0, room - leading - 2 * inset, titleHeight)));
+    setContentsMargins(isMirrored ? detailSpace : leading, titleHeight, isMirrored ? leading : detailSpace,
+                       0);
+}
+
+void CategoriesViewController::setDetailSpace(int width)
+{
+    detailSpace = width;
+    placeChildren();
+}
+
+void CategoriesViewController::resizeEvent(QResizeEvent *event)
+{
+    TabTaskViewController::resizeEvent(event);
+    endEditing(false);
+    placeChildren();
+}
+
+// Rows
+
+void CategoriesViewController::reloadDataCategory(const std::optional<CategoryColor> &newCategory)
+{
+    categories->reload(newCategory);
+    buttonAddCategory->setEnabled(Categories::canAdd());
+}
+
+void CategoriesViewController::selectCategoryRow(int row)
+{
+    if (categories->rowCount() > 0)
+        table->selectRow(std::min(row, categories->rowCount() - 1));
+}
+
+void CategoriesViewController::categorySelectionChanged()
+{
+    const std::set<int> rows = table->selectedRows();
+    if (rows.empty() || *rows.begin() == categories->newRow())
+        return;
+    selectCategory = categories->categoryAt(*rows.begin());
+    labelTitleCategory->setText(Categories::shownTitle(selectCategory));
+    TabTaskViewController::reloadData();
+}
+
+/// What was written elsewhere may have changed the categories, too.
+void CategoriesViewController::reloadData()
+{
+    if (editor)
+        return TabTaskViewController::reloadData();
+    reloadDataCategory();
+    const int row = categories->rowOf(selectCategory);
+    selectCategoryRow(row >= 0 ? row : 0);
+}
+
+TaskRows CategoriesViewController::fetchRows(Grouping) const
+{
+    return TaskRows::flat(Categories::tasks(selectCategory));
+}
+
+NewTaskRequest CategoriesViewController::newTaskRequest() const
+{
+    NewTaskRequest request = TabTaskViewController::newTaskRequest();
+    request.createWithCategory = selectCategory;
+    return request;
+}
+
+void CategoriesViewController::selectItem(const ObjectPtr &record)
+{
+    if (const auto task = std::dynamic_pointer_cast<EntityTask>(record))
+        selectCategoryRow(categories->rowOf(task->category()));
+    TabTaskViewController::selectItem(record);
+}
+
+// Commands
+
+bool CategoriesViewController::hasSelection() const
+{
+    if (!table->hasFocus())
+        return TabTaskViewController::hasSelection();
+    const CategoryPtr category = categories->categoryAt(table->currentRow());
+    return category && !Categories::isBuiltIn(*category);
+}
+
+void CategoriesViewController::removeSelection()
+{
+    if (table->hasFocus())
+        removeCategory();
+    else
+        TabTaskViewController::removeSelection();
+}
+
+void CategoriesViewController::addCategory()
+{
+    endEditing(false);
+    const auto color = Categories::next();
+    if (!color)
+        return;
+    reloadDataCategory(color);
+    selectCategoryRow(categories->newRow());
+    table->scrollToRow(categories->newRow());
+    editTitle(categories->newRow());
+}
+
+void CategoriesViewController::showCategoryMenu(const QPoint &globalPosition)
+{
+    const int row = table->currentRow();
+    if (row < 0)
+        return;
+    QMenu menu(this);
+    menu.addAction(localized(u"Set Default"_s), this, [this, row] {
+        Categories::setDefault(categories->categoryAt(row));
+        reloadDataCategory();
+        selectCategoryRow(row);
+    });
+    menu.addAction(localized(u"Edit Title"_s), this, [this, row] { editTitle(row); })
+        ->setEnabled(categories->isTitleEditable(row));
+    menu.exec(globalPosition);
+}
+
+void CategoriesViewController::removeCategory()
+{
+    const int row = table->currentRow();
+    const CategoryPtr category = categories->categoryAt(row);
+    if (!category || Categories::isBuiltIn(*category) || !ShellAlerts::alertRemoveItem())
+        return;
+    const BusyCursor busy;
+    Categories::remove(category);
+    reloadDataCategory();
+    selectCategoryRow(row);
+}
+
+// Titles
+
+void CategoriesViewController::editTitle(int row)
+{
+    if (!categories->isTitleEditable(row))
+        return;
+    endEditing(true);
+    editedRow = row;
+    editor = new QLineEdit(table->viewport());
+    editor->setObjectName(u"categoryTitleEditor"_s);
+    editor->setAccessibleName(localized(u"Title"_s));
+    editor->setPlaceholderText(localized(u"New Category"_s));
+    editor->setText(categories->index(row).data().toString());
+    editor->selectAll();
+    editor->installEventFilter(this);
+    const QRect place =
+        CategoryTasksCell::titleRect(table->visualRect(categories->index(row)), layoutDirection());
+    editor->setGeometry(place.adjusted(-Theme::unit, 2, 0, -2));
+    connect(editor, &QLineEdit::returnPressed, this, [this] { endEditing(true); });
+    editor->show();
+    editor->setFocus();
+}
+
+bool CategoriesViewController::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == editor && event->type() == QEvent::FocusOut)
+        QMetaObject::invokeMethod(
+            this, [this] { endEditing(true); }, Qt::QueuedConnection);
+    const bool isEscape =
+        event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape;
+    if (watched == editor && isEscape) {
+        endEditing(false);
+        return true;
+    }
+    return TabTaskViewController::eventFilter(watched, event);
+}
+
+/// An empty title, and one that there is already, is given up without a word.
+void CategoriesViewController::endEditing(bool isAccepted)
+{
+    if (!editor)
+        return;
+    QLineEdit *const ended = std::exchange(editor, nullptr);
+    const QString title = ended->text().trimmed();
+    // It may be one of its own signals that ends it.
+    ended->removeEventFilter(this);
+    ended->disconnect(this);
+    ended->hide();
+    ended->setParent(nullptr);
+    ended->deleteLater();
+    CategoryPtr kept = categories->categoryAt(editedRow);
+    if (editedRow == categories->newRow() && isAccepted)
+        kept = Categories::add(title, *categories->newCategoryDictionary());
+    else if (isAccepted)
+        Categories::rename(kept, title);
+    reloadDataCategory();
+    const int row = categories->rowOf(kept ? kept : selectCategory);
+    selectCategoryRow(std::max(row, 0));
+    table->setFocus();
+}

@@ -1,0 +1,79 @@
+#include "shell/categories/CategoryListModel.h"
+
+#include "foundation/Localization.h"
+#include "store/entities/EntityCategory.h"
+#include "widgets/Theme.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+static QColor colorFrom(double red, double green, double blue)
+{
+    return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
+}
+
+void CategoryListModel::reload(const std::optional<CategoryColor> &newCategory)
+{
+    beginResetModel();
+    newColor = newCategory;
+    dataAllCategory.clear();
+    for (const CategoryPtr &category : Categories::rows())
+        dataAllCategory.push_back({category, Categories::openTaskCount(category)});
+    endResetModel();
+}
+
+int CategoryListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(dataAllCategory.size()) + (newColor ? 1 : 0);
+}
+
+CategoryPtr CategoryListModel::categoryAt(int row) const
+{
+    if (row < 0 || row >= static_cast<int>(dataAllCategory.size()))
+        return nullptr;
+    return dataAllCategory[static_cast<std::size_t>(row)].category;
+}
+
+int CategoryListModel::rowOf(const CategoryPtr &category) const
+{
+    const auto found = std::ranges::find(dataAllCategory, category, &Row::category);
+    return found == dataAllCategory.end() ? -1 : static_cast<int>(found - dataAllCategory.begin());
+}
+
+bool CategoryListModel::isTitleEditable(int row) const
+{
+    const CategoryPtr category = categoryAt(row);
+    return row == newRow() || (category && !Categories::isBuiltIn(*category));
+}
+
+QColor CategoryListModel::colorOf(int row) const
+{
+    if (row == newRow())
+        return colorFrom(newColor->r, newColor->g, newColor->b);
+    const CategoryPtr category = categoryAt(row);
+    if (!category || !category->colorR())
+        return Theme::disabledText;
+    return colorFrom(*category->colorR(), category->colorG().value_or(0), category->colorB().value_or(0));
+}
+
+QVariant CategoryListModel::data(const QModelIndex &index, int role) const
+{
+    const int row = index.row();
+    const bool isNew = row == newRow();
+    const int count = isNew ? 0 : dataAllCategory[static_cast<std::size_t>(row)].openTasks;
+    const QString title = isNew ? QString() : Categories::shownTitle(categoryAt(row));
+    const CategoryPtr category = categoryAt(row);
+    switch (role) {
+    case Qt::DisplayRole:
+        return title;
+    case Qt::AccessibleTextRole:
+        return count > 0 ? u"%1, %2"_s.arg(title).arg(count) : title;
+    case ColorRole:
+        return colorOf(row);
+    case CountRole:
+        return count;
+    case IsDefaultRole:
+        return category && category->defaultCategory().value_or(false);
+    default:
+        return {};
+    }
+}

@@ -1,0 +1,73 @@
+#include "shell/categories/CategoryTasksCell.h"
+
+#include "shell/categories/CategoryListModel.h"
+#include "widgets/Icons.h"
+#include "widgets/MorvaneStyle.h"
+#include "widgets/Theme.h"
+
+#include <QPainter>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int inset = 12;
+constexpr int dotSize = 12;
+constexpr int markSize = 18;
+constexpr int countWidth = 40;
+
+static QRect cardOf(const QRect &row)
+{
+    return row.adjusted(Theme::unit, 1, -Theme::unit, -1);
+}
+
+QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection direction)
+{
+    const QRect card = cardOf(row);
+    const QRect title = card.adjusted(inset + dotSize + inset, 0, -(inset + countWidth + markSize), 0);
+    return QStyle::visualRect(direction, row, title);
+}
+
+static void paintCount(QPainter &painter, const QRect &where, Qt::LayoutDirection direction, int count)
+{
+    if (count == 0)
+        return;
+    painter.setFont(Theme::font(Theme::FontRole::Small));
+    painter.setPen(Theme::secondaryText);
+    painter.drawText(where, QStyle::visualAlignment(direction, Qt::AlignRight | Qt::AlignVCenter),
+                     QString::number(count));
+}
+
+void CategoryTasksCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const
+{
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const QRect card = cardOf(option.rect);
+    const bool isSelected = option.state & QStyle::State_Selected;
+    const bool isActive = option.state & QStyle::State_Active;
+    const bool isHovered = option.state & QStyle::State_MouseOver;
+    painter->setPen(Qt::NoPen);
+    if (isSelected || isHovered) {
+        painter->setBrush(isSelected && isActive ? Theme::selection : Theme::inactiveSelection);
+        painter->drawRoundedRect(card, Theme::controlRadius, Theme::controlRadius);
+    }
+    const auto placed = [&](const QRect &rect) {
+        return QStyle::visualRect(option.direction, option.rect, rect);
+    };
+    painter->setBrush(index.data(CategoryListModel::ColorRole).value<QColor>());
+    painter->drawEllipse(
+        placed({card.left() + inset, card.center().y() - dotSize / 2 + 1, dotSize, dotSize}));
+    const QFont font = Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body);
+    const QRect title = titleRect(option.rect, option.direction);
+    painter->setFont(font);
+    painter->setPen(isSelected ? Theme::selectedText : Theme::text);
+    painter->drawText(title, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
+                      QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, title.width()));
+    const QRect count(card.right() - inset - countWidth, card.top(), countWidth, card.height());
+    paintCount(*painter, placed(count), option.direction, index.data(CategoryListModel::CountRole).toInt());
+    if (index.data(CategoryListModel::IsDefaultRole).toBool())
+        Icons::paint(*painter, placed({count.left() - markSize, card.top(), markSize, card.height()}),
+                     u"default"_s, Theme::accent, markSize);
+    if (option.state & QStyle::State_HasFocus)
+        MorvaneStyle::drawFocusRing(*painter, card, Theme::controlRadius, Theme::focusRing);
+    painter->restore();
+}

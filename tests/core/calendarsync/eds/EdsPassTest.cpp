@@ -1,0 +1,141 @@
+// Passes over the calendars of the real daemon, which dies in the middle of them.
+
+#include "CoreTest.h"
+
+#include "DesktopDaemon.h"
+#include "calendarsync/CalendarEvent.h"
+#include "eventkit/eds/EdsBackend.h"
+#include "store/entities/MainContext.h"
+#include "store/state/SettingsKeys.h"
+#include "workspace/PlatformConfiguration.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+
+namespace {
+
+/// The daemon's calendars; something happens to the daemon before each question about objects.
+class InterruptedBackend : public EdsBackend
+{
+public:
+    Result<std::vector<CalendarObject>> objects(const QString &calendarIdentifier) override
+    {
+        if (interruption && questionsBefore-- == 0)
+            std::exchange(interruption, {})();
+        return EdsBackend::objects(calendarIdentifier);
+    }
+
+    int questionsBefore = 0;
+    std::function<void()> interruption;
+};
+
+class EdsPassTest : public CoreTest
+{
+protected:
+    EdsPassTest()
+        : backend(std::make_shared<InterruptedBackend>())
+    {
+        PlatformConfiguration::setAuthorization(u"events"_qs, 3);
+        QStringList references;
+        for (const QString &title : {u"First"_qs, u"Second"_qs, u"Third"_qs}) {
+            EKCalendar wanted;
+            wanted.title = title;
+            wanted.source.sourceIdentifier = u"local-stub"_qs;
+            const auto made = backend->createCalendar(wanted);
+            EXPECT_TRUE(made) << (made ? "" : qPrintable(made.error().message));
+            identifiers.append(made ? made.value().calendarIdentifier : QString());
+            references.append(title);
+            for (int number = 0; number < 12; ++number)
+                put(identifiers.last(), u"%1-%2"_qs.arg(title).arg(number));
+        }
+        UserDefaults::standard().setObject(settings::savedChooseCalendars, references.join(u"Ω"_qs));
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(backend);
+        pass();
+    }
+    ~EdsPassTest() override
+    {
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(nullptr);
+        PlatformConfiguration::setAuthorization(u"events"_qs, 0);
+        UserDefaults::standard().removeObject(settings::savedChooseCalendars);
+        for (const QString &identifier : identifiers)
+            EXPECT_FALSE(EdsBackend().removeCalendar(identifier));
+    }
+
+    void put(const QString &calendar, const QString &uid)
+    {
+        const QByteArray text =
+            u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:%1\r\n"
+            "DTSTAMP:20260101T000000Z\r\nSUMMARY:%1\r\nDTSTART:20261122T090000Z\r\n"
+            "DTEND:20261122T100000Z\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n"_qs.arg(uid)
+                .toUtf8();
+        const auto written = backend->put(calendar, {{}, {}, text}, uid);
+        EXPECT_TRUE(written) << (written ? "" : qPrintable(written.error().message));
+    }
+    static void pass()
+    {
+        CalendarEvent::syncCalendarToAppWithTask(nullptr);
+        EXPECT_FALSE(DBWorker::saveContext());
+    }
+    static int linkedRows()
+    {
+        return mainContext().count(EntityTask::fetchRequest().where(Predicate::format("calendarID != nil")));
+    }
+    /// A program that is started anew knows nothing yet.
+    void connectAnew()
+    {
+        backend = std::make_shared<InterruptedBackend>();
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(backend);
+        // The library needs a while to see that its former user has left.
+        for (int attempt = 0; attempt < 100 && !backend->calendars(); ++attempt)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        ASSERT_TRUE(backend->calendars());
+    }
+    void interruptNextPass(int questionsBefore, std::function<void()> what)
+    {
+        backend->questionsBefore = questionsBefore;
+        backend->interruption = std::move(what);
+    }
+
+    std::shared_ptr<InterruptedBackend> backend;
+    QStringList identifiers;
+    int late = 0;
+};
+
+TEST_F(EdsPassTest, ADaemonThatIsKilledInAPassCostsNoRow)
+{
+    const int before = linkedRows();
+    EXPECT_EQ(before, 36);
+    for (const int questions : {0, 1, 2}) {
+        put(identifiers.at(2), u"late-%1"_qs.arg(++late));
+        connectAnew();
+        interruptNextPass(questions, [] { DesktopDaemon::kill(DesktopDaemon::Part::Calendars); });
+        pass();
+        EXPECT_GE(linkedRows(), before) << questions;
+        connectAnew();
+        interruptNextPass(questions, [] { DesktopDaemon::killAll(); });
+        pass();
+        EXPECT_GE(linkedRows(), before) << questions;
+    }
+    pass();
+    EXPECT_EQ(linkedRows(), before + late) << "started again, it has lost nothing either";
+}
+
+TEST_F(EdsPassTest, ADaemonThatHangsInAPassIsNoAccess)
+{
+    const int before = linkedRows();
+    put(identifiers.at(0), u"late"_qs);
+    connectAnew();
+    interruptNextPass(1, [] { DesktopDaemon::signal(DesktopDaemon::Part::Calendars, SIGSTOP); });
+    pass();
+    EXPECT_EQ(linkedRows(), before);
+    DesktopDaemon::signal(DesktopDaemon::Part::Calendars, SIGCONT);
+    connectAnew();
+    pass();
+    EXPECT_EQ(linkedRows(), before + 1) << "a new start finds all";
+}
+
+} // namespace

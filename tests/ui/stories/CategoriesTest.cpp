@@ -1,0 +1,168 @@
+// Categories on their screen: made, named, chosen, deleted, with the tasks of the selected one beside them.
+
+#include "records/Categories.h"
+#include "shell/categories/CategoriesViewController.h"
+#include "shell/categories/CategoryTasksCell.h"
+#include "shell/details/DetailStack.h"
+#include "store/entities/EntityCategory.h"
+#include "ui/support/ShellTest.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTimer>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class CategoriesScreen : public ShellTest
+{
+protected:
+    CategoriesScreen()
+    {
+        add(u"Mow the lawn"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Personal"_s); });
+        add(u"Loose end"_s, [](MVTask &task) { task.category = nullptr; });
+        showList(SidebarItem::Categories);
+    }
+
+    CategoriesViewController &categories() { return static_cast<CategoriesViewController &>(screen()); }
+    TableViewExtended &table() { return *categories().tableViewCategory(); }
+    QStringList titles()
+    {
+        QStringList found;
+        for (int row = 0; row < table().model()->rowCount(); ++row)
+            found.append(table().model()->index(row, 0).data().toString());
+        return found;
+    }
+    QPoint middle(const QString &title)
+    {
+        const int row = static_cast<int>(titles().indexOf(title));
+        EXPECT_GE(row, 0) << qPrintable(title);
+        return table().visualRect(table().model()->index(row, 0)).center();
+    }
+    void select(const QString &title)
+    {
+        QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, middle(title));
+    }
+    QLineEdit *editor() { return table().viewport()->findChild<QLineEdit *>(u"categoryTitleEditor"_s); }
+    void press(QWidget &button) { QTest::mouseClick(&button, Qt::LeftButton, {}, {20, button.height() / 2}); }
+    void addCategory(const QString &title)
+    {
+        press(find<ToolBarButton>(window(), "buttonAdd"));
+        ASSERT_NE(editor(), nullptr);
+        QTest::keyClicks(editor(), title);
+        QTest::keyClick(editor(), Qt::Key_Return);
+    }
+};
+
+TEST_F(CategoriesScreen, ShowsTheTasksOfTheSelectedOne)
+{
+    select(u"Personal"_s);
+    EXPECT_EQ(shownTitles(), QStringList(u"Mow the lawn"_s));
+    EXPECT_EQ(find<QLabel>(categories(), "labelTitleCategory").text(), u"Personal"_s);
+    EXPECT_EQ(categories().newTaskRequest().createWithCategory, EntityCategory::title(u"Personal"_s));
+    select(u"None"_s);
+    EXPECT_EQ(shownTitles(), QStringList(u"Loose end"_s));
+    select(u"Work"_s);
+    EXPECT_EQ(shownTitles(), QStringList());
+
+    select(u"Personal"_s);
+    add(u"Paint the fence"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Personal"_s); });
+    QTRY_COMPARE(shownTitles().size(), 2);
+    EXPECT_EQ(find<QLabel>(categories(), "labelTitleCategory").text(), u"Personal"_s);
+}
+
+TEST_F(CategoriesScreen, ANewOneIsNamedInPlace)
+{
+    addCategory(u"Garden"_s);
+    const CategoryPtr made = EntityCategory::title(u"Garden"_s);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->index(), 6);
+    EXPECT_TRUE(titles().contains(u"Garden"_s));
+    EXPECT_EQ(categories().newTaskRequest().createWithCategory, made) << "it is selected";
+    const qsizetype count = titles().size();
+    addCategory(u"Garden"_s);
+    EXPECT_EQ(titles().size(), count) << "there is one of that name";
+    addCategory(QString());
+    EXPECT_EQ(titles().size(), count);
+    press(find<ToolBarButton>(window(), "buttonAdd"));
+    QTest::keyClicks(editor(), u"Given up"_s);
+    QTest::keyClick(editor(), Qt::Key_Escape);
+    EXPECT_FALSE(EntityCategory::title(u"Given up"_s));
+    EXPECT_EQ(titles().size(), count);
+
+    while (Categories::canAdd())
+        Categories::add(u"Filler %1"_s.arg(titles().size() + Categories::next()->index), *Categories::next());
+    categories().reloadData();
+    EXPECT_FALSE(find<ToolBarButton>(window(), "buttonAdd").isEnabled());
+}
+
+TEST_F(CategoriesScreen, ADoubleClickNamesAnOwnOneAnew)
+{
+    addCategory(u"Garden"_s);
+    QTest::mouseDClick(table().viewport(), Qt::LeftButton, {}, middle(u"Personal"_s));
+    EXPECT_EQ(editor(), nullptr) << "a built-in one keeps its name";
+    QTest::mouseDClick(table().viewport(), Qt::LeftButton, {}, middle(u"Garden"_s));
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->text(), u"Garden"_s);
+    QTest::keyClicks(editor(), u"Allotment"_s);
+    // Leaving the field keeps what was written.
+    list().setFocus();
+    QTRY_VERIFY(EntityCategory::title(u"Allotment"_s) != nullptr);
+    EXPECT_FALSE(EntityCategory::title(u"Garden"_s));
+}
+
+TEST_F(CategoriesScreen, TheDeleteKeyAsksAndLeavesTheTasksToGeneral)
+{
+    addCategory(u"Garden"_s);
+    add(u"Dig"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Garden"_s); });
+    select(u"Personal"_s);
+    QTest::keyClick(&table(), Qt::Key_Delete);
+    EXPECT_TRUE(EntityCategory::title(u"Personal"_s));
+
+    ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
+    select(u"Garden"_s);
+    QTest::keyClick(&table(), Qt::Key_Delete);
+    EXPECT_TRUE(EntityCategory::title(u"Garden"_s)) << "the user thought better of it";
+    QTest::keyClick(&table(), Qt::Key_Delete);
+    EXPECT_FALSE(EntityCategory::title(u"Garden"_s));
+    EXPECT_EQ(stored(u"Dig"_s)->category(), EntityCategory::title(u"General"_s));
+    EXPECT_EQ(alerts.asked().size(), 2U);
+    EXPECT_TRUE(table().hasSelectedRows());
+}
+
+TEST_F(CategoriesScreen, TheMenuMakesADefault)
+{
+    const auto choose = [this](const QString &title) {
+        select(title);
+        QTimer::singleShot(0, &table(), [] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            ASSERT_EQ(menu->actions().front()->text(), u"Set Default"_s);
+            QTest::keyClick(menu, Qt::Key_Down);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        Q_EMIT table().menuRequested(table().viewport()->mapToGlobal(middle(title)));
+    };
+    choose(u"Work"_s);
+    EXPECT_EQ(EntityCategory::getCustom(), EntityCategory::title(u"Work"_s));
+    choose(u"None"_s);
+    EXPECT_FALSE(EntityCategory::getCustom());
+}
+
+TEST_F(CategoriesScreen, BesideADetailTheTasksKeepTheirRoom)
+{
+    select(u"Personal"_s);
+    auto &panel = find<QWidget>(categories(), "categoryPanel");
+    EXPECT_TRUE(panel.isVisible());
+    clickRow(0);
+    key(Qt::Key_Return);
+    EXPECT_FALSE(panel.isVisible());
+    EXPECT_GT(list().width(), 250);
+    categories().detailStack()->removeAllDetail();
+    EXPECT_TRUE(panel.isVisible());
+}
+
+} // namespace
