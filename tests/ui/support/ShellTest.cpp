@@ -31,6 +31,8 @@ ShellTest::ShellTest()
     delegate->applicationWillFinishLaunching();
     delegate->applicationDidFinishLaunching();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+    // The screen of the tests is smaller than that of a desk.
+    window().resize(1080, 700);
 }
 
 ShellTest::~ShellTest()
