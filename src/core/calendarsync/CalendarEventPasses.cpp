@@ -132,15 +132,6 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
     });
 }
 
-/// Whether an object that cannot be read names the item: it is damaged, not gone.
-bool isNamedIn(const std::vector<QByteArray> &texts, const QString &calendarItem)
-{
-    const QByteArray name = calendarItem.toUtf8();
-    return std::any_of(texts.begin(), texts.end(), [&name](QByteArray text) {
-        return text.replace("\r\n ", "").replace("\n ", "").contains("UID:" + name);
-    });
-}
-
 rowfate::Decision fateOf(const TaskPtr &row, const TaskPtr &onlyTask, const DateInterval &window)
 {
     rowfate::Facts facts;
@@ -179,14 +170,12 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
         for (const std::vector<EKEvent> &group : getEventsGroupedCalendarIDfromAllEvents(*events))
             pass.take(group);
         const DateInterval seen = window();
-        std::optional<std::vector<QByteArray>> unusable;
         for (const TaskPtr &row : pass.unclaimed()) {
             const rowfate::Decision decision = fateOf(row, task, seen);
             if (decision.fate != rowfate::Fate::Goes)
                 continue;
-            if (!unusable)
-                unusable = eventStore().unusableTexts();
-            if (isNamedIn(*unusable, row->calendarID()))
+            // It is damaged, not gone.
+            if (eventStore().mayBeUnusable(row->calendarID()))
                 continue;
             Log::line(QStringLiteral("%1: %2").arg(row->title(), QLatin1String(decision.reason)));
             going.push_back(row);

@@ -38,7 +38,8 @@ public:
     virtual std::optional<QString> defaultCalendar(EKEntityType entityType) = 0;
 
     /// All objects of a calendar as they are now. Asked again and again: a backend remembers texts and reads
-    /// only what has changed since. NotFound for an unknown calendar.
+    /// only what has changed since. One that is there and cannot be read comes without etag and text.
+    /// NotFound for an unknown calendar.
     virtual Result<std::vector<CalendarObject>> objects(const QString &calendarIdentifier) = 0;
 
     /// One object of a calendar as it is now; absent if there is none of that name. Much quicker than all of

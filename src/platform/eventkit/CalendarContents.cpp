@@ -19,8 +19,20 @@ void CalendarContents::reportOnce(const QString &calendarIdentifier, const Calen
     Log::line(QStringLiteral("Cannot use %1/%2: %3.").arg(calendarIdentifier, object.name, reason));
 }
 
+bool CalendarContents::Unusable::mayHold(const QString &uid) const
+{
+    if (isUnknown())
+        return true;
+    QByteArray unfolded = text + '\n';
+    unfolded.replace("\r", "").replace("\n ", "").replace("\n\t", "");
+    return formerUid == uid || unfolded.contains(':' + uid.toUtf8() + '\n');
+}
+
+/// The backend itself reports what it cannot read.
 CalendarItemPointer CalendarContents::parsed(const QString &calendarIdentifier, const CalendarObject &object)
 {
+    if (object.etag.isEmpty())
+        return nullptr;
     const auto &former = known[calendarIdentifier].byName;
     const auto same = former.constFind(object.name);
     if (same != former.constEnd() && same->etag == object.etag)
@@ -32,6 +44,14 @@ CalendarItemPointer CalendarContents::parsed(const QString &calendarIdentifier, 
     return nullptr;
 }
 
+CalendarContents::Unusable CalendarContents::unusable(const QString &calendarIdentifier,
+                                                      const CalendarObject &object)
+{
+    const Known &former = known[calendarIdentifier];
+    const CalendarItemPointer item = former.byName.value(object.name).item;
+    return {object.text, item ? item->uid() : former.unusable.value(object.name).formerUid};
+}
+
 Result<std::vector<StoredItem>> CalendarContents::storedItems(const QString &calendarIdentifier)
 {
     const QByteArray stampOfNames = storage->stampOfNames(calendarIdentifier);
@@ -40,7 +60,7 @@ Result<std::vector<StoredItem>> CalendarContents::storedItems(const QString &cal
         return objects.error();
     std::sort(objects->begin(), objects->end(),
               [](const CalendarObject &one, const CalendarObject &other) { return one.name < other.name; });
-    Known present{{}, {}, stampOfNames};
+    Known present{{}, {}, stampOfNames, {}};
     present.byName.reserve(static_cast<qsizetype>(objects->size()));
     present.namesByUid.reserve(static_cast<qsizetype>(objects->size()));
     std::vector<StoredItem> items;
@@ -48,8 +68,10 @@ Result<std::vector<StoredItem>> CalendarContents::storedItems(const QString &cal
     for (const CalendarObject &object : objects.value()) {
         const CalendarItemPointer item = parsed(calendarIdentifier, object);
         present.byName.insert(object.name, {object.etag, item});
-        if (!item)
+        if (!item) {
+            present.unusable.insert(object.name, unusable(calendarIdentifier, object));
             continue;
+        }
         if (present.namesByUid.contains(item->uid())) {
             reportOnce(calendarIdentifier, object, QStringLiteral("its UID is that of another object"));
             continue;
@@ -75,7 +97,7 @@ Result<std::optional<StoredItem>> CalendarContents::storedItem(const QString &ca
             known[calendarIdentifier].byName.insert(name, {object.value()->etag, item});
             return std::optional(StoredItem{name, object.value()->etag, item});
         }
-    } else if (!calendar.stampOfNames.isEmpty() &&
+    } else if (calendar.unusable.isEmpty() && !calendar.stampOfNames.isEmpty() &&
                calendar.stampOfNames == storage->stampOfNames(calendarIdentifier)) {
         return std::optional<StoredItem>();
     }
@@ -157,6 +179,20 @@ Result<std::vector<StoredItem>> CalendarContents::items(const QString &calendarI
 Result<std::optional<StoredItem>> CalendarContents::item(const QString &calendarIdentifier,
                                                          const QString &uid)
 {
+    auto found = presentItem(calendarIdentifier, uid);
+    const auto &unusable = known[calendarIdentifier].unusable;
+    const bool isDamaged = std::any_of(unusable.begin(), unusable.end(), [&uid](const Unusable &object) {
+        return !object.isUnknown() && object.mayHold(uid);
+    });
+    if (found && !found.value() && isDamaged)
+        return CalendarError::make(CalendarError::Unreadable,
+                                   QStringLiteral("The event cannot be read at present."));
+    return found;
+}
+
+Result<std::optional<StoredItem>> CalendarContents::presentItem(const QString &calendarIdentifier,
+                                                                const QString &uid)
+{
     if (holds > 0) {
         const auto found = heldItems(calendarIdentifier);
         if (!found)
@@ -178,19 +214,18 @@ Result<std::optional<StoredItem>> CalendarContents::item(const QString &calendar
     return storedItem(calendarIdentifier, uid);
 }
 
-std::vector<QByteArray> CalendarContents::unusableTexts()
+bool CalendarContents::mayBeUnusable(const QString &uid)
 {
-    std::vector<QByteArray> texts;
     const auto all = calendars();
-    for (const EKCalendar &calendar : all ? all.value() : std::vector<EKCalendar>()) {
-        const auto objects = storage->objects(calendar.calendarIdentifier);
-        if (!objects)
-            continue;
-        for (const CalendarObject &object : objects.value())
-            if (!parsed(calendar.calendarIdentifier, object))
-                texts.push_back(object.text);
-    }
-    return texts;
+    if (!all)
+        return true;
+    return std::any_of(all.value().begin(), all.value().end(), [&](const EKCalendar &calendar) {
+        if (!items(calendar.calendarIdentifier))
+            return true;
+        const auto &unusable = known[calendar.calendarIdentifier].unusable;
+        return std::any_of(unusable.begin(), unusable.end(),
+                           [&uid](const Unusable &object) { return object.mayHold(uid); });
+    });
 }
 
 void CalendarContents::release()

@@ -32,10 +32,10 @@ public:
     Result<std::vector<EKCalendar>> calendars();
     /// Empty for a calendar whose removal is pending.
     Result<std::vector<StoredItem>> items(const QString &calendarIdentifier);
-    /// Absent if the calendar has none with that UID.
+    /// Absent if the calendar has none with that UID; Unreadable if an object that cannot be used names it.
     Result<std::optional<StoredItem>> item(const QString &calendarIdentifier, const QString &uid);
-    /// The texts that cannot be used, of all calendars that answer: nobody knows what became of their items.
-    std::vector<QByteArray> unusableTexts();
+    /// Whether an item that no calendar gives may be in an object that cannot be used.
+    bool mayBeUnusable(const QString &uid);
 
     /// Reads from the backend again at the next question.
     void forgetHeld();
@@ -73,8 +73,19 @@ private:
     struct Parsed
     {
         QByteArray etag;
-        /// Null for an object that is left out.
+        /// Null for an object that cannot be used.
         CalendarItemPointer item;
+    };
+    /// An object that cannot be used.
+    struct Unusable
+    {
+        /// Empty if it cannot even be read.
+        QByteArray text;
+        /// What an object of its name was before, if that was ever seen.
+        QString formerUid;
+
+        bool isUnknown() const { return text.isEmpty() && formerUid.isEmpty(); }
+        bool mayHold(const QString &uid) const;
     };
     /// A calendar as it was last read.
     struct Known
@@ -82,6 +93,8 @@ private:
         QHash<QString, Parsed> byName;
         QHash<QString, QString> namesByUid;
         QByteArray stampOfNames;
+        /// By name, as they were when all were read.
+        QHash<QString, Unusable> unusable;
     };
 
     /// What was read while it is held.
@@ -95,8 +108,10 @@ private:
     Result<std::vector<StoredItem>> presentItems(const QString &calendarIdentifier);
     /// Of what the backend has, without reading more than this object where the calendar is known already.
     Result<std::optional<StoredItem>> storedItem(const QString &calendarIdentifier, const QString &uid);
+    Result<std::optional<StoredItem>> presentItem(const QString &calendarIdentifier, const QString &uid);
     Result<const Held *> heldItems(const QString &calendarIdentifier);
     CalendarItemPointer parsed(const QString &calendarIdentifier, const CalendarObject &object);
+    Unusable unusable(const QString &calendarIdentifier, const CalendarObject &object);
     Result<std::vector<StoredItem>> storedItems(const QString &calendarIdentifier);
     void reportOnce(const QString &calendarIdentifier, const CalendarObject &object, const QString &reason);
     std::vector<Pending>::iterator pendingFor(const QString &calendarIdentifier, const QString &uid);

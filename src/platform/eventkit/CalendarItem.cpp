@@ -18,12 +18,13 @@ Error unreadable(const QString &reason)
     return CalendarError::make(CalendarError::Unreadable, reason);
 }
 
-std::vector<RecurrencePattern> rulesOf(const IcalComponent &component, const QByteArray &name)
+std::vector<RecurrencePattern> rulesOf(const IcalComponent &component, const QByteArray &name,
+                                       const ItemTimes &times)
 {
     std::vector<RecurrencePattern> rules;
     for (const ContentLine *line : component.lines(name))
         if (const auto rule = RecurrencePattern::fromText(QString::fromLatin1(line->value())))
-            rules.push_back(*rule);
+            rules.push_back(times.isAllDay() ? rule->ofWholeDays() : *rule);
     return rules;
 }
 
@@ -115,8 +116,8 @@ void CalendarItem::takeRecurrence()
     if (!series || kind != EKEntityType::Event)
         return;
     const IcalComponent &component = this->component(*series);
-    repetition.rules = rulesOf(component, "RRULE");
-    repetition.exclusionRules = rulesOf(component, "EXRULE");
+    repetition.rules = rulesOf(component, "RRULE", series->times);
+    repetition.exclusionRules = rulesOf(component, "EXRULE", series->times);
     for (const ContentLine *line : component.lines("RDATE"))
         for (const IcalRecurrenceDate &date : zoneReader.recurrenceDates(*line))
             repetition.dates.push_back(date);

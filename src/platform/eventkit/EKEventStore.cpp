@@ -177,9 +177,9 @@ Result<std::optional<EKEvent>> EKEventStore::eventWithIdentifier(const QString &
     return std::optional<EKEvent>();
 }
 
-std::vector<QByteArray> EKEventStore::unusableTexts() const
+bool EKEventStore::mayBeUnusable(const QString &externalIdentifier) const
 {
-    return contents->unusableTexts();
+    return contents->mayBeUnusable(externalIdentifier);
 }
 
 bool EKEventStore::isOnlyOccurrence(const EKEvent &event)

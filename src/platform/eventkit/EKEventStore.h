@@ -91,9 +91,8 @@ public:
     Result<std::vector<EKEvent>> calendarItemsWithExternalIdentifier(const QString &externalIdentifier) const;
     /// The first of these; absent if there is none.
     Result<std::optional<EKEvent>> eventWithIdentifier(const QString &identifier) const;
-    /// The texts of objects that cannot be read, or have no event that can be used. What they hold is not
-    /// gone.
-    std::vector<QByteArray> unusableTexts() const;
+    /// Whether an item that is not found may be in an object that cannot be read or used, and is not gone.
+    bool mayBeUnusable(const QString &externalIdentifier) const;
     /// Whether a saved event has no other occurrence, however far away. Of the event as it was read.
     static bool isOnlyOccurrence(const EKEvent &event);
 

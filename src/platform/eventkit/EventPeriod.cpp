@@ -16,16 +16,6 @@ bool isSameForm(const IcalTime &one, const IcalTime &other)
     return one.form == other.form && one.tzid == other.tzid;
 }
 
-/// Sets a time and keeps the parameters that the line has, if they still hold.
-void writeTime(IcalComponent &component, const QByteArray &name, const IcalTime &time,
-               const std::optional<IcalTime> &former)
-{
-    if (former && isSameForm(*former, time) && component.line(name))
-        component.setValue(name, time.text());
-    else
-        component.replaceLines(name, {time.line(name, component.lineEnd())});
-}
-
 qint64 wholeSeconds(Date date)
 {
     return static_cast<qint64>(std::floor(date.unixSeconds()));
@@ -37,6 +27,15 @@ bool isUtcName(const QByteArray &zone)
 }
 
 } // namespace
+
+void writeTime(IcalComponent &component, const QByteArray &name, const IcalTime &time,
+               const std::optional<IcalTime> &former)
+{
+    if (former && isSameForm(*former, time) && component.line(name))
+        component.setValue(name, time.text());
+    else
+        component.replaceLines(name, {time.line(name, component.lineEnd())});
+}
 
 EventPeriod EventPeriod::of(const EKEvent &event, const IcalTime &form)
 {

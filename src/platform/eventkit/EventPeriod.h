@@ -24,6 +24,10 @@ struct EventPeriod
     bool operator==(const EventPeriod &) const = default;
 };
 
+/// Sets a time in a component and keeps the parameters that its line has, if they still hold.
+/// \param former what is written there, if anything.
+void writeTime(IcalComponent &component, const QByteArray &name, const IcalTime &time,
+               const std::optional<IcalTime> &former);
 /// The form of times by the clock of a zone: zoned for a zone that others know by its name, else UTC.
 IcalTime timeFormOfZone(const QByteArray &zone);
 /// The form in which the times of a changed event are written: that of before, unless all-day or zone were

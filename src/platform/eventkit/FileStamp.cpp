@@ -1,5 +1,6 @@
 #include "eventkit/FileStamp.h"
 
+#include <QByteArrayList>
 #include <QFile>
 
 #include <chrono>
@@ -11,25 +12,32 @@
 static constexpr qint64 nanosecondsOfASecond = 1'000'000'000;
 static constexpr qint64 longestStep = nanosecondsOfASecond / 20;
 
+static qint64 nanosecondsOf(const timespec &time)
+{
+    return time.tv_sec * nanosecondsOfASecond + time.tv_nsec;
+}
+
 std::optional<FileStamp> FileStamp::of(const QString &path)
 {
     struct stat found = {};
     if (::stat(QFile::encodeName(path).constData(), &found) != 0)
         return std::nullopt;
-    return FileStamp{found.st_mtim.tv_sec * nanosecondsOfASecond + found.st_mtim.tv_nsec, found.st_ino,
-                     found.st_size, S_ISDIR(found.st_mode)};
+    return FileStamp{nanosecondsOf(found.st_mtim), nanosecondsOf(found.st_ctim), found.st_ino, found.st_size,
+                     S_ISDIR(found.st_mode)};
 }
 
 QByteArray FileStamp::text() const
 {
-    return QByteArray::number(nanoseconds) + ';' + QByteArray::number(inode) + ';' + QByteArray::number(size);
+    const QByteArrayList parts = {QByteArray::number(date), QByteArray::number(recorded),
+                                  QByteArray::number(inode), QByteArray::number(size)};
+    return parts.join(';');
 }
 
 bool FileStamp::isSettled() const
 {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     const auto present = std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
-    return present - nanoseconds > longestStep || present < nanoseconds;
+    return present - recorded > longestStep || present < recorded;
 }
 
 bool isWritablePath(const QString &path)

@@ -5,11 +5,12 @@
 
 #include <optional>
 
-/// What tells whether a file was exchanged or written since: its time of change in nanoseconds, inode and
-/// size.
+/// What tells whether a file was exchanged or written since, also by those who set its date back: its time
+/// of change in nanoseconds, by its date and by the system's own record, inode and size.
 struct FileStamp
 {
-    qint64 nanoseconds = 0;
+    qint64 date = 0;
+    qint64 recorded = 0;
     quint64 inode = 0;
     qint64 size = 0;
     bool isFolder = false;

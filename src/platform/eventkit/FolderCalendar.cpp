@@ -79,20 +79,23 @@ QString FolderCalendar::pathOf(const QString &name) const
     return path + u'/' + name;
 }
 
-std::optional<FolderCalendar::Known> FolderCalendar::read(const QString &name, const FileStamp &stamp) const
+/// One that cannot be read, maybe only now, is tried again each time and reported once.
+FolderCalendar::Known FolderCalendar::read(const QString &name, const FileStamp &stamp) const
 {
     QFile file(pathOf(name));
+    const Known former = known.value(name);
     Known found{stamp, stamp.isSettled(), {name, {}, {}}};
     const bool isTooLarge = stamp.size > largestFile;
-    if (stamp.isFolder)
-        return std::nullopt;
-    if (isTooLarge || !file.open(QIODevice::ReadOnly)) {
-        Log::line(
-            QStringLiteral("Cannot read %1: %2")
-                .arg(file.fileName(), isTooLarge ? QStringLiteral("it is too large") : file.errorString()));
-        return found;
+    const bool isOpen = !isTooLarge && file.open(QIODevice::ReadOnly);
+    if (isOpen)
+        found.object.text = file.readAll();
+    if (!isOpen || file.error() != QFileDevice::NoError) {
+        if (former.object.name.isEmpty() || !former.object.etag.isEmpty())
+            Log::line(QStringLiteral("Cannot read %1: %2")
+                          .arg(file.fileName(),
+                               isTooLarge ? QStringLiteral("it is too large") : file.errorString()));
+        return {stamp, false, {name, {}, {}}};
     }
-    found.object.text = file.readAll();
     const QByteArray hash = QCryptographicHash::hash(found.object.text, QCryptographicHash::Sha1).toHex();
     found.object.etag = stamp.text() + ';' + hash.left(16);
     return found;
@@ -102,17 +105,14 @@ std::optional<FolderCalendar::Known> FolderCalendar::read(const QString &name, c
 const FolderCalendar::Known *FolderCalendar::look(const QString &name)
 {
     const auto stamp = FileStamp::of(pathOf(name));
-    if (!stamp) {
+    if (!stamp || stamp->isFolder) {
         known.remove(name);
         return nullptr;
     }
     const auto former = known.constFind(name);
-    const bool isSame = former != known.constEnd() && former->stamp == *stamp &&
-                        (former->isSettled || former->object.etag.isEmpty());
-    if (isSame)
+    if (former != known.constEnd() && former->stamp == *stamp && former->isSettled)
         return &*former;
-    const auto found = read(name, *stamp);
-    return found ? &*known.insert(name, *found) : nullptr;
+    return &*known.insert(name, read(name, *stamp));
 }
 
 Result<std::vector<CalendarObject>> FolderCalendar::objects()
@@ -125,8 +125,7 @@ Result<std::vector<CalendarObject>> FolderCalendar::objects()
     for (const QString &name : names.value())
         if (const Known *entry = look(name)) {
             present.insert(name, *entry);
-            if (!entry->object.etag.isEmpty())
-                found.push_back(entry->object);
+            found.push_back(entry->object);
         }
     known = std::move(present);
     return found;
@@ -135,7 +134,7 @@ Result<std::vector<CalendarObject>> FolderCalendar::objects()
 std::optional<CalendarObject> FolderCalendar::object(const QString &name)
 {
     const Known *entry = look(name);
-    return entry && !entry->object.etag.isEmpty() ? std::optional(entry->object) : std::nullopt;
+    return entry ? std::optional(entry->object) : std::nullopt;
 }
 
 OptionalError FolderCalendar::checkUnchanged(const QString &name, const QByteArray &etag)

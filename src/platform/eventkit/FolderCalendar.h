@@ -12,7 +12,7 @@ class FolderCalendar
 public:
     explicit FolderCalendar(const QString &folder);
 
-    /// Files that cannot be opened, and hidden ones, are left out; the former are reported once.
+    /// Hidden files are left out; those that cannot be read are reported once.
     Result<std::vector<CalendarObject>> objects();
     std::optional<CalendarObject> object(const QString &name);
     Result<CalendarObject> put(const CalendarObject &object, const QString &uid);
@@ -29,7 +29,7 @@ private:
     };
 
     const Known *look(const QString &name);
-    std::optional<Known> read(const QString &name, const FileStamp &stamp) const;
+    Known read(const QString &name, const FileStamp &stamp) const;
     OptionalError checkUnchanged(const QString &name, const QByteArray &etag);
     QString freeNameFor(const QString &uid) const;
 

@@ -23,6 +23,16 @@ bool isInRange(const EKRecurrenceDayOfWeek &day)
 
 } // namespace
 
+RecurrencePattern RecurrencePattern::ofWholeDays() const
+{
+    RecurrencePattern pattern = *this;
+    if (until)
+        pattern.localUntil = WallClock::fromSeconds(static_cast<std::int64_t>(until->unixSeconds()));
+    pattern.until.reset();
+    pattern.isUntilDate = pattern.localUntil.has_value();
+    return pattern;
+}
+
 RecurrencePattern RecurrencePattern::withoutInvalidValues() const
 {
     RecurrencePattern valid = *this;

@@ -43,6 +43,9 @@ struct RecurrencePattern
     /// The body of an RRULE. Values out of their range are left out, and an interval is at most 32767.
     QString text() const;
 
+    /// The same for a series of whole days, whose end some write as a moment: the day that is written counts.
+    RecurrencePattern ofWholeDays() const;
+
     /// The pattern without values that are out of their range, and with an interval of at least 1.
     RecurrencePattern withoutInvalidValues() const;
 

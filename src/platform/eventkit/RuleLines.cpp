@@ -91,6 +91,13 @@ std::optional<IcalTime> lastTime(const RecurrencePattern &pattern, const IcalTim
     return last ? std::optional(IcalTime::of(*last, start)) : std::nullopt;
 }
 
+/// Reads the rule of a series that begins at such a time.
+std::optional<RecurrencePattern> patternOf(const QByteArray &rule, const IcalTime &start)
+{
+    const auto pattern = RecurrencePattern::fromText(QString::fromLatin1(rule));
+    return pattern && start.isDate() ? pattern->ofWholeDays() : pattern;
+}
+
 } // namespace
 
 bool SeriesMove::isNone() const
@@ -130,7 +137,7 @@ QByteArray textOfRule(const EKRecurrenceRule &rule, const IcalTime &start)
 std::optional<QByteArray> ruleFrom(const QByteArray &rule, int matchesBefore, const IcalTime &occurrence,
                                    const SeriesMove &move)
 {
-    const auto pattern = RecurrencePattern::fromText(QString::fromLatin1(rule));
+    const auto pattern = patternOf(rule, move.formerStart);
     if (!pattern)
         return rule;
     QByteArray text = rule;
@@ -158,7 +165,7 @@ std::optional<QByteArray> ruleFrom(const QByteArray &rule, int matchesBefore, co
 
 std::optional<QByteArray> ruleUpTo(const QByteArray &rule, int matchesBefore, const IcalTime &occurrence)
 {
-    const auto pattern = RecurrencePattern::fromText(QString::fromLatin1(rule));
+    const auto pattern = patternOf(rule, occurrence);
     if (!pattern)
         return rule;
     if (matchesBefore == 0)

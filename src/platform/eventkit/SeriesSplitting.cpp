@@ -117,8 +117,7 @@ private:
         }
         IcalComponent &component = *document.calendar().childAt(part.childIndex);
         if (!move.isNone()) {
-            const IcalTime moved = move.moved(*part.recurrenceId);
-            component.replaceLines("RECURRENCE-ID", {moved.line("RECURRENCE-ID", component.lineEnd())});
+            writeTime(component, "RECURRENCE-ID", move.moved(*part.recurrenceId), part.recurrenceId);
         }
         if (occurrence.detached && occurrence.detached->childIndex == part.childIndex) {
             const IcalTime form = timeFormOf(formerEvent, newEvent, part.times.start);

@@ -24,10 +24,16 @@ UserNotificationCenter &UserNotificationCenter::defaultUserNotificationCenter()
 
 void UserNotificationCenter::setScheduledNotifications(std::vector<UserNotification> notifications)
 {
-    if (notifications == scheduled)
-        return;
+    const std::vector<UserNotification> former = scheduled;
+    // Such as what came while the machine slept.
+    const std::vector<UserNotification> due = takeDue();
     scheduled = std::move(notifications);
-    changed();
+    if (presenter)
+        presentEach(due);
+    else
+        scheduled.insert(scheduled.begin(), due.begin(), due.end());
+    if (scheduled != former)
+        changed();
 }
 
 void UserNotificationCenter::removeScheduledNotification(const UserNotification &notification)
@@ -63,12 +69,15 @@ void UserNotificationCenter::close()
     filePath.clear();
     presenter.reset();
     activated = nullptr;
+    isUnseen = false;
+    reported.clear();
     armed.reset();
 }
 
 void UserNotificationCenter::setPresenter(std::unique_ptr<NotificationPresenter> newPresenter)
 {
     presenter = std::move(newPresenter);
+    isUnseen = false;
     arm();
 }
 
@@ -91,7 +100,8 @@ void UserNotificationCenter::arm()
         std::min_element(scheduled.begin(), scheduled.end(), [](const auto &one, const auto &other) {
             return one.deliveryDate < other.deliveryDate;
         });
-    const Seconds wait = std::clamp(Seconds(next->deliveryDate - Clock::now()), Seconds(0), longestWait);
+    const Seconds shortestWait = isUnseen ? longestWait : Seconds(0);
+    const Seconds wait = std::clamp(Seconds(next->deliveryDate - Clock::now()), shortestWait, longestWait);
     armed = std::make_shared<int>();
     MainLoop::performDelayed(wait, [this, timer = std::weak_ptr(armed)] {
         if (!timer.expired())
@@ -112,19 +122,35 @@ std::vector<UserNotification> UserNotificationCenter::takeDue()
     return due;
 }
 
-void UserNotificationCenter::present(const UserNotification &notification, const UserNotification &clicked)
+void UserNotificationCenter::present(const UserNotification &notification, const UserNotification &clicked,
+                                     const std::vector<UserNotification> &meant)
 {
-    presenter->present(
-        notification,
-        {.activated =
-             [this, clicked] {
-                 if (activated)
-                     activated(clicked);
-             },
-         .failed =
-             [notification] {
-                 Log::line(QStringLiteral("No desktop showed the message %1").arg(notification.subtitle));
-             }});
+    presenter->present(notification, {.activated =
+                                          [this, clicked] {
+                                              if (activated)
+                                                  activated(clicked);
+                                          },
+                                      .failed = [this, meant] { keepForLater(meant); }});
+}
+
+void UserNotificationCenter::presentEach(const std::vector<UserNotification> &due)
+{
+    isUnseen = false;
+    for (const UserNotification &one : due)
+        present(one, one, {one});
+}
+
+/// They are tried again after a while, and else are missed ones at the next start.
+void UserNotificationCenter::keepForLater(const std::vector<UserNotification> &notifications)
+{
+    for (const UserNotification &one : notifications)
+        if (!reported.contains(one.subtitle)) {
+            reported.insert(one.subtitle);
+            Log::line(QStringLiteral("No desktop showed the message %1").arg(one.subtitle));
+        }
+    isUnseen = true;
+    scheduled.insert(scheduled.end(), notifications.begin(), notifications.end());
+    changed();
 }
 
 void UserNotificationCenter::deliverDue()
@@ -132,8 +158,7 @@ void UserNotificationCenter::deliverDue()
     if (!presenter)
         return;
     const std::vector<UserNotification> due = takeDue();
-    for (const UserNotification &one : due)
-        present(one, one);
+    presentEach(due);
     due.empty() ? arm() : changed();
 }
 
@@ -143,10 +168,10 @@ void UserNotificationCenter::deliverMissed(
     if (!presenter)
         return;
     const std::vector<UserNotification> missed = takeDue();
-    if (missed.size() == 1)
-        present(missed.front(), missed.front());
-    else if (!missed.empty())
-        present(digest(missed), {});
+    if (missed.size() <= 1)
+        presentEach(missed);
+    else
+        present(digest(missed), {}, missed);
     if (!missed.empty())
         changed();
 }

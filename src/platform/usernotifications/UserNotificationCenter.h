@@ -3,6 +3,8 @@
 #include "usernotifications/NotificationPresenter.h"
 #include "usernotifications/UserNotification.h"
 
+#include <QSet>
+
 #include <functional>
 #include <memory>
 #include <vector>
@@ -15,7 +17,7 @@ public:
     static UserNotificationCenter &defaultUserNotificationCenter();
 
     const std::vector<UserNotification> &scheduledNotifications() const { return scheduled; }
-    /// Replaces the whole list.
+    /// Replaces the whole list, of which what is due by now appears, or stays until it can.
     void setScheduledNotifications(std::vector<UserNotification> notifications);
     /// Takes out the equal one, if it is there.
     void removeScheduledNotification(const UserNotification &notification);
@@ -27,7 +29,7 @@ public:
     void open(const QString &path);
     /// Forgets list, file, presenter and handler.
     void close();
-    /// Who shows messages; without one they stay scheduled.
+    /// Who shows messages; without one, and when nobody could show them, they stay scheduled.
     void setPresenter(std::unique_ptr<NotificationPresenter> presenter);
     /// Called when the user clicks a message; with an empty one when it is the one for several missed ones.
     using ActivationHandler = std::function<void(const UserNotification &)>;
@@ -43,12 +45,19 @@ private:
     void changed();
     void arm();
     std::vector<UserNotification> takeDue();
-    void present(const UserNotification &notification, const UserNotification &clicked);
+    void presentEach(const std::vector<UserNotification> &due);
+    void present(const UserNotification &notification, const UserNotification &clicked,
+                 const std::vector<UserNotification> &meant);
+    void keepForLater(const std::vector<UserNotification> &notifications);
 
     std::vector<UserNotification> scheduled;
     QString filePath;
     std::unique_ptr<NotificationPresenter> presenter;
     ActivationHandler activated;
+    /// Whether nobody could show what was due last.
+    bool isUnseen = false;
+    /// The texts that the log has told of as not shown.
+    QSet<QString> reported;
     /// Lives for as long as the timer that was set last is the right one.
     std::shared_ptr<int> armed;
 };

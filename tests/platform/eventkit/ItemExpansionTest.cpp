@@ -153,6 +153,18 @@ TEST_F(ItemExpansionTest, SeriesKeepTheirWallClockOverClockChanges)
     }
 }
 
+TEST_F(ItemExpansionTest, AnAllDaySeriesEndsOnTheDayThatIsWritten)
+{
+    for (const char *zone : {"Europe/Berlin", "America/New_York", "Pacific/Auckland"}) {
+        Region::setZone(zone);
+        for (const char *until : {"20240303", "20240303T000000Z", "20240303T235959Z", "20240303T000000"})
+            EXPECT_EQ(inMarch(event(
+                          "DTSTART;VALUE=DATE:20240302\nRRULE:FREQ=DAILY;UNTIL=" + QByteArray(until) + "\n")),
+                      (QStringList{u"03-02 00:00-03-03 00:00"_qs, u"03-03 00:00-03-04 00:00"_qs}))
+                << zone << ' ' << until;
+    }
+}
+
 TEST_F(ItemExpansionTest, ZonesAreFoundByNameElseByDescription)
 {
     const QByteArray described =

@@ -126,6 +126,38 @@ TEST_F(UserNotifications, BearABrokenFileAndADesktopThatShowsNone)
     center.setScheduledNotifications({message(u"unseen"_qs, now)});
     ASSERT_TRUE(becomes([&log] { return log.lines().size() == 2; }));
     EXPECT_TRUE(log.lines().last().contains(u"unseen"_qs));
+    center.deliverDue();
+    EXPECT_EQ(log.lines().size(), 2) << "told once";
+    center.close();
+    center.open(file);
+    EXPECT_EQ(center.scheduledNotifications().size(), 1u);
+    connectToDesktop();
+    center.deliverMissed(digest);
+    EXPECT_TRUE(becomes([this] { return !server.shown.isEmpty(); }));
+    EXPECT_EQ(bodies(), QStringList(u"unseen"_qs));
+    EXPECT_TRUE(center.scheduledNotifications().empty());
+}
+
+TEST_F(UserNotifications, ThatCameDueUnnoticedOutliveANewList)
+{
+    center.open(file);
+    {
+        const FrozenClock clock(now);
+        center.setScheduledNotifications(
+            {message(u"asleep"_qs, now + Seconds(60)), message(u"ahead"_qs, now + Seconds(7200))});
+    }
+    const FrozenClock awake(now + Seconds(3600));
+    center.setScheduledNotifications({message(u"new"_qs, now + Seconds(9000))});
+    EXPECT_EQ(center.scheduledNotifications().size(), 2u) << "nobody shows them yet";
+    connectToDesktop();
+    center.setScheduledNotifications({});
+    ASSERT_TRUE(becomes([this] { return !server.shown.isEmpty(); }));
+    center.close();
+    center.open(file);
+    connectToDesktop();
+    center.deliverMissed(digest);
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    EXPECT_EQ(bodies(), QStringList(u"asleep"_qs));
 }
 
 } // namespace

@@ -127,9 +127,11 @@ Result<std::optional<CalendarObject>> EdsCalendar::object(const QString &name)
         if (!stored)
             return stored.error();
         sortComponents(stored.value());
-        const auto former = known.constFind(uid);
+        // What was never asked for is no news.
         const QByteArray etag = stored->empty() ? QByteArray() : edsEtag(stored.value());
-        if (former == known.constEnd() || former->object.etag != etag)
+        if (!isLoaded)
+            note(uid, std::move(stored.value()));
+        else if (known.value(uid).object.etag != etag)
             noteChanged(uid, std::move(stored.value()));
     }
     const auto found = known.constFind(uid);

@@ -30,6 +30,26 @@ TEST_F(EdsChangesTest, WhatAnotherProgramWritesIsSeenAtOnceAndToldOnce)
     EXPECT_EQ(written.error().code, CalendarError::Conflict);
 }
 
+TEST_F(EdsChangesTest, ALookAtWhatWasNeverReadIsNoNews)
+{
+    put(other, calendar, {{}, {}, plainEvent("foreign")});
+    backend.setChangedCallback([this] { ++changes; });
+    letNewsArrive();
+    changes = 0;
+    const auto found = backend.object(calendar, u"foreign"_qs);
+    ASSERT_TRUE(found && found.value());
+    EXPECT_FALSE(backend.object(calendar, u"nobody"_qs).value());
+    letNewsArrive();
+    EXPECT_EQ(changes, 0);
+    ASSERT_EQ(objects(backend, calendar).size(), 1);
+    EXPECT_FALSE(other.remove(calendar, u"foreign"_qs, found.value()->etag));
+    EXPECT_TRUE(waitUntil([this] { return changes > 0; }));
+    EXPECT_FALSE(backend.object(calendar, u"foreign"_qs).value());
+    EXPECT_FALSE(backend.object(calendar, u"foreign"_qs).value());
+    letNewsArrive();
+    EXPECT_EQ(changes, 1);
+}
+
 TEST_F(EdsChangesTest, OwnChangesAreNoNews)
 {
     put(backend, calendar, {{}, {}, plainEvent("other")});

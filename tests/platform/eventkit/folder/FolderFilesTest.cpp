@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QThread>
 
 /// The tree of files itself, and others who write in it at the same time.
 class FolderFilesTest : public FolderFixture
@@ -104,6 +105,49 @@ TEST_F(FolderFilesTest, FilesThatOthersWriteAreSeenAtTheNextQuestion)
     EXPECT_EQ(titles().size(), 1);
     QFile::remove(path(u"b.ics"_qs));
     EXPECT_TRUE(titles().isEmpty());
+}
+
+TEST_F(FolderFilesTest, AFileThatIsBeingWrittenAnewIsNotGone)
+{
+    const auto lookUp = [this] { return store.calendarItemsWithExternalIdentifier(u"good"_qs); };
+    write(u"a.ics"_qs, good);
+    // Its folder then no longer looks as if somebody were at work.
+    QThread::msleep(80);
+    const LogCapture log;
+    const QByteArray tooMuch(65 * 1024 * 1024, ' ');
+    for (const QByteArray &beginning : {QByteArray(), good.left(20), good.left(60), tooMuch}) {
+        EXPECT_EQ(titles(), (QStringList{u"Good"_qs}));
+        write(u"a.ics"_qs, beginning);
+        EXPECT_EQ(titles(), QStringList());
+        EXPECT_TRUE(store.mayBeUnusable(u"good"_qs)) << beginning.size();
+        EXPECT_FALSE(store.mayBeUnusable(u"other"_qs)) << beginning.size();
+        const auto whileAway = lookUp();
+        ASSERT_FALSE(whileAway) << beginning.size();
+        EXPECT_EQ(whileAway.error().code, CalendarError::Unreadable);
+        write(u"a.ics"_qs, good);
+        const auto found = lookUp();
+        ASSERT_TRUE(found) << beginning.size();
+        EXPECT_EQ(found.value().size(), 1u) << beginning.size();
+        EXPECT_FALSE(store.mayBeUnusable(u"good"_qs));
+    }
+    EXPECT_EQ(log.lines(), (QStringList{u"Cannot use home/work/a.ics: there is no calendar in it."_qs,
+                                        u"Cannot use home/work/a.ics: it is cut off."_qs,
+                                        u"Cannot read %1: it is too large"_qs.arg(path(u"a.ics"_qs))}))
+        << "each once";
+    write(u"new.ics"_qs, {});
+    EXPECT_TRUE(store.mayBeUnusable(u"other"_qs)) << "nobody knows what it will be";
+}
+
+TEST_F(FolderFilesTest, AnEditThatSetsTheDateBackIsSeen)
+{
+    const QDateTime longAgo(QDate(2020, 1, 1), QTime(12, 0));
+    for (const QByteArray title : {"Good", "Fine", "Well"}) {
+        write(u"a.ics"_qs, QByteArray(good).replace("Good", title));
+        QFile file(path(u"a.ics"_qs));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(longAgo, QFileDevice::FileModificationTime));
+        EXPECT_EQ(titles(), (QStringList{QString::fromLatin1(title)}));
+    }
 }
 
 TEST_F(FolderFilesTest, AWriteThatComesInBetweenIsNotLost)

@@ -116,6 +116,18 @@ TEST_F(ForeignFilesTest, ADividedSeriesKeepsEverythingInBothParts)
     }
 }
 
+TEST_F(ForeignFilesTest, AMovedSeriesKeepsWhatIsSaidOfItsEditedOccurrences)
+{
+    write(u"a.ics"_qs,
+          calendarText("BEGIN:VEVENT\nUID:u\nDTSTART:20240304T090000\nRRULE:FREQ=DAILY;COUNT=4\nEND:VEVENT\n"
+                       "BEGIN:VEVENT\nUID:u\nRECURRENCE-ID;RANGE=THISANDFUTURE;X-P=1:20240306T090000\n"
+                       "DTSTART:20240306T150000\nEND:VEVENT\n"));
+    EKEvent first = events().at(0);
+    first.startDate = first.endDate = localDate(2024, 3, 4, 10);
+    save(first, EKSpan::FutureEvents);
+    EXPECT_TRUE(read(u"a.ics"_qs).contains("RECURRENCE-ID;RANGE=THISANDFUTURE;X-P=1:20240306T100000\n"));
+}
+
 TEST_F(ForeignFilesTest, WhatCannotBeUnderstoodIsReportedOnceAndLeftAlone)
 {
     const QByteArray good = eventText("good", "DTSTART:20240304T090000\nSUMMARY:Good\n");
