@@ -148,109 +148,6 @@ void MainWindowController::showWindow()
     mainWindow->activateWindow();
 }
 
-// Commands
-
-static ManagedObjectContext *context()
-{
-    AppDelegate *delegate = AppDelegate::shared();
-    return delegate && delegate->hasManagedObjectContext() ? &delegate->managedObjectContext() : nullptr;
-}
-
-void MainWindowController::bindActions()
-{
-    actions->bind(ActionId::NewTask, [this] { buttonAdd(ToolBarButton::NewTask); });
-    actions->bind(
-        ActionId::Calendars, [this] { showCalendars(); }, [] { return !DBWorker::isSample(); });
-    actions->bind(ActionId::Settings, [this] { showSettings(); });
-    actions->bind(ActionId::CloseWindow, [this] { mainWindow->close(); });
-    actions->bind(ActionId::Quit, [this] { Q_EMIT quitRequested(); });
-    actions->bind(
-        ActionId::Undo, [this] { undo(); }, [] { return context() && context()->canUndo(); });
-    actions->bind(
-        ActionId::Redo, [this] { redo(); }, [] { return context() && context()->canRedo(); });
-    actions->bind(ActionId::Search,
-                  [] { NotificationCenter::defaultCenter().post(notifications::searchMorvane); });
-    actions->bind(
-        ActionId::FilterTasks, [this] { screen->openFilter(); },
-        [this] { return screen && screen->canFilter(); });
-    actions->bind(
-        ActionId::ClearFilter, [this] { screen->clearFilter(); },
-        [this] { return screen && screen->canClearFilter(); });
-    actions->bind(
-        ActionId::WhyIsItHere, [this] { explainPlace(); }, [this] { return taskInQuestion() != nullptr; });
-    actions->bind(ActionId::Cut, TextCommands::cut, TextCommands::canCut);
-    actions->bind(ActionId::Copy, TextCommands::copy, TextCommands::canCopy);
-    actions->bind(ActionId::Paste, TextCommands::paste, TextCommands::canPaste);
-    actions->bind(
-        ActionId::Save, [] { NotificationCenter::defaultCenter().post(notifications::keySave); },
-        [this] { return details->top() && details->top()->canSave(); });
-    actions->bind(
-        ActionId::OpenMainWindow, [this] { showWindow(); }, [this] { return !mainWindow->isVisible(); });
-    actions->bind(
-        ActionId::Delete, [this] { removeSelected(); }, [this] { return screen && screen->hasSelection(); });
-    actions->bind(
-        ActionId::SelectAll, [this] { screen->selectAll(); }, [this] { return screen && screen->hasRows(); });
-    actions->bind(ActionId::FullScreen, [this] { toggleFullScreen(); });
-    actions->bind(ActionId::About, [this] { showAbout(); });
-}
-
-void MainWindowController::bindLists()
-{
-    for (const ActionDescription &description : Actions::table()) {
-        if (const auto list = Actions::listOf(description.id))
-            actions->bind(description.id, [this, list] { goToList(*list); });
-    }
-}
-
-void MainWindowController::removeSelected()
-{
-    if (mainWindow->outlineViewListItem()->hasFocus())
-        didRemoveRow(mainWindow->outlineViewListItem()->currentIndex());
-    else if (screen)
-        screen->removeSelection();
-}
-
-static void present(const OptionalError &error)
-{
-    if (error)
-        Alert::run(
-            {.title = {}, .message = error->message, .informativeText = {}, .buttons = {localized(u"OK"_s)}});
-}
-
-void MainWindowController::undo()
-{
-    const BusyCursor busy;
-    present(context()->undo());
-    if (screen)
-        screen->reloadData();
-    storeChanged();
-}
-
-void MainWindowController::redo()
-{
-    const BusyCursor busy;
-    present(context()->redo());
-    if (screen)
-        screen->reloadData();
-    storeChanged();
-}
-
-void MainWindowController::toggleFullScreen()
-{
-    mainWindow->setWindowState(mainWindow->windowState() ^ Qt::WindowFullScreen);
-    const bool isFull = mainWindow->isFullScreen();
-    actions->action(ActionId::FullScreen)
-        ->setText(localized(isFull ? u"Exit Full Screen"_s : u"Enter Full Screen"_s));
-}
-
-void MainWindowController::showAbout()
-{
-    QMessageBox::about(mainWindow.get(), localized(u"About Morvane"_s),
-                       u"<h3>Morvane</h3><p>%1 %2</p><p>%3</p>"_s.arg(
-                           localized(u"Version"_s), AppDelegate::version(),
-                           localized(u"Tasks, projects, contacts and calendars in one place."_s)));
-}
-
 // The tree
 
 void MainWindowController::showList(SidebarItem item)
@@ -323,8 +220,8 @@ void MainWindowController::didRemoveRow(const QModelIndex &index)
     const auto group = sidebar->groupAt(index);
     if (!group || !ShellAlerts::alertRemoveItem())
         return;
-    context()->deleteObject(group);
-    present(DBWorker::saveContext());
+    AppDelegate::shared()->managedObjectContext().deleteObject(group);
+    ShellAlerts::presentError(DBWorker::saveContext());
     loadContactsGroup();
     showList(SidebarItem::People);
 }
@@ -393,47 +290,4 @@ void MainWindowController::show(TabsViewController *newScreen)
     }
     newScreen->show();
     actions->updateEnabled();
-}
-
-// New records
-
-void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
-{
-    if (type == ToolBarButton::NewTask || type == ToolBarButton::NewTaskOnStart)
-        showNewTask(screen ? screen->newTaskRequest() : NewTaskRequest());
-    else if (type == ToolBarButton::Calendars)
-        showCalendars();
-}
-
-void MainWindowController::showNewTask(const NewTaskRequest &request)
-{
-    if (!windowNewTask) {
-        windowNewTask = new WindowNewTask(request, mainWindow.get());
-        windowNewTask->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    windowNewTask->showWindow();
-}
-
-void MainWindowController::newTask(const MarkedSpan &dates, TimePeriod timePeriod)
-{
-    showNewTask(NewTaskRequest::ofCalendar(dates, timePeriod));
-}
-
-void MainWindowController::showCalendars()
-{
-    if (!windowCalendars)
-        windowCalendars = new CalendarsAppleWindowController(mainWindow.get());
-    windowCalendars->showWindow();
-}
-
-void MainWindowController::showSettings()
-{
-    if (!windowSettings)
-        windowSettings = new MVSetiingsCalendarController(mainWindow.get());
-    windowSettings->showWindow();
-}
-
-bool MainWindowController::closeNewWindows()
-{
-    return !windowNewTask || windowNewTask->close();
 }

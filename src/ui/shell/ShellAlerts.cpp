@@ -49,3 +49,10 @@ bool ShellAlerts::alertRemoveItem()
                        .informativeText = {},
                        .buttons = {localized(u"Delete"_s), localized(u"Cancel"_s)}}) == Alert::firstButton;
 }
+
+void ShellAlerts::presentError(const OptionalError &error)
+{
+    if (error)
+        Alert::run(
+            {.title = {}, .message = error->message, .informativeText = {}, .buttons = {localized(u"OK"_s)}});
+}

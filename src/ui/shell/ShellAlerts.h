@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Error.h"
+
 #include <QString>
 
 /// The questions and messages that several screens share.
@@ -12,6 +14,8 @@ DontSaveAnswer alertDontSave();
 void alertSelectOneTask();
 /// An event of a calendar that cannot be written cannot be changed.
 void alertEditingEvent(const QString &calendarTitle);
+/// Says what went wrong, if anything did.
+void presentError(const OptionalError &error);
 /// Whether the selected item is to be deleted.
 bool alertRemoveItem();
 
