@@ -83,6 +83,20 @@ Result<std::vector<StoredItem>> CalendarContents::storedItems(const QString &cal
     return items;
 }
 
+/// Whether a calendar can have no UID that it had not when it was read. Objects that could not be used are
+/// looked at again: they may have been mended in their places.
+bool CalendarContents::hasSameNames(const QString &calendarIdentifier)
+{
+    const Known &calendar = known[calendarIdentifier];
+    if (calendar.stampOfNames.isEmpty() || calendar.stampOfNames != storage->stampOfNames(calendarIdentifier))
+        return false;
+    const QStringList unusable = calendar.unusable.keys();
+    return std::all_of(unusable.begin(), unusable.end(), [&](const QString &name) {
+        const auto object = storage->object(calendarIdentifier, name);
+        return object && object.value() && object.value()->etag == calendar.byName.value(name).etag;
+    });
+}
+
 Result<std::optional<StoredItem>> CalendarContents::storedItem(const QString &calendarIdentifier,
                                                                const QString &uid)
 {
@@ -97,8 +111,7 @@ Result<std::optional<StoredItem>> CalendarContents::storedItem(const QString &ca
             known[calendarIdentifier].byName.insert(name, {object.value()->etag, item});
             return std::optional(StoredItem{name, object.value()->etag, item});
         }
-    } else if (calendar.unusable.isEmpty() && !calendar.stampOfNames.isEmpty() &&
-               calendar.stampOfNames == storage->stampOfNames(calendarIdentifier)) {
+    } else if (hasSameNames(calendarIdentifier)) {
         return std::optional<StoredItem>();
     }
     const auto items = storedItems(calendarIdentifier);

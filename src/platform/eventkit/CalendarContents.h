@@ -109,6 +109,7 @@ private:
     /// Of what the backend has, without reading more than this object where the calendar is known already.
     Result<std::optional<StoredItem>> storedItem(const QString &calendarIdentifier, const QString &uid);
     Result<std::optional<StoredItem>> presentItem(const QString &calendarIdentifier, const QString &uid);
+    bool hasSameNames(const QString &calendarIdentifier);
     Result<const Held *> heldItems(const QString &calendarIdentifier);
     CalendarItemPointer parsed(const QString &calendarIdentifier, const CalendarObject &object);
     Unusable unusable(const QString &calendarIdentifier, const CalendarObject &object);
