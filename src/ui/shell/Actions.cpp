@@ -10,7 +10,7 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::OpenMainWindow, u"actionOpenMainWindow", u"Open Main Window",
                       u"Ctrl+Shift+N"},
     ActionDescription{ActionId::Calendars, u"actionCalendars", u"Calendars…", u"Ctrl+Shift+C"},
-    ActionDescription{ActionId::Settings, u"actionSettings", u"Settings…", u"Ctrl+,"},
+    ActionDescription{ActionId::Preferences, u"actionPreferences", u"Preferences", u"Ctrl+,"},
     ActionDescription{ActionId::CloseWindow, u"actionClose", u"Close", u"Ctrl+W"},
     ActionDescription{ActionId::Quit, u"actionQuit", u"Quit", u"Ctrl+Q"},
     ActionDescription{ActionId::Undo, u"actionUndo", u"Undo", u"Ctrl+Z"},

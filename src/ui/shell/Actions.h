@@ -15,7 +15,7 @@ enum class ActionId {
     Save,
     OpenMainWindow,
     Calendars,
-    Settings,
+    Preferences,
     CloseWindow,
     Quit,
     Undo,

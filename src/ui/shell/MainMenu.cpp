@@ -28,9 +28,12 @@ static void addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, E
 void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
 {
     constexpr auto separator = std::nullopt;
+    addMenu(
+        menuBar, actions, u"Morvane"_s,
+        {ActionId::About, separator, ActionId::Preferences, ActionId::Calendars, separator, ActionId::Quit});
     addMenu(menuBar, actions, u"File"_s,
-            {ActionId::NewTask, separator, ActionId::Save, separator, ActionId::Calendars, ActionId::Settings,
-             separator, ActionId::OpenMainWindow, ActionId::CloseWindow, ActionId::Quit});
+            {ActionId::NewTask, separator, ActionId::Save, separator, ActionId::OpenMainWindow,
+             ActionId::CloseWindow});
     addMenu(menuBar, actions, u"Edit"_s,
             {ActionId::Undo, ActionId::Redo, separator, ActionId::Cut, ActionId::Copy, ActionId::Paste,
              ActionId::Delete, ActionId::SelectAll, separator, ActionId::Search, ActionId::FilterTasks,
@@ -41,5 +44,4 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
              ActionId::ShowScheduled, ActionId::ShowSomeday, ActionId::ShowCategories,
              ActionId::ShowDelegated, ActionId::ShowNotDone, ActionId::ShowDone, separator,
              ActionId::ShowCalendar, separator, ActionId::FullScreen});
-    addMenu(menuBar, actions, u"Help"_s, {ActionId::About});
 }

@@ -29,7 +29,7 @@ void MainWindowController::bindActions()
     actions->bind(ActionId::NewTask, [this] { buttonAdd(ToolBarButton::NewTask); });
     actions->bind(
         ActionId::Calendars, [this] { showCalendars(); }, [] { return !DBWorker::isSample(); });
-    actions->bind(ActionId::Settings, [this] { showSettings(); });
+    actions->bind(ActionId::Preferences, [this] { showSettings(); });
     actions->bind(ActionId::CloseWindow, [this] { mainWindow->close(); });
     actions->bind(ActionId::Quit, [this] { Q_EMIT quitRequested(); });
     actions->bind(

@@ -26,8 +26,6 @@ Resting restingOf(SidebarItem item)
         return {u"company"_s, localized(u"Companies and the people who work there."_s)};
     case SidebarItem::ContactGroup:
         return {u"group"_s, localized(u"The people of this group."_s)};
-    case SidebarItem::Categories:
-        return {u"categories"_s, localized(u"Categories sort your tasks by areas of life."_s)};
     case SidebarItem::Calendar:
         return {u"calendar"_s, localized(u"Your days, weeks and months."_s)};
     default:
@@ -44,4 +42,6 @@ RestingScreen::RestingScreen(const QString &title, SidebarItem item, QWidget *pa
     auto *column = new QVBoxLayout(this);
     column->addWidget(new EmptyState(resting.icon, resting.sentence));
     addButton(ToolBarButton::NewTask);
+    if (item == SidebarItem::Home || item == SidebarItem::Calendar)
+        addButton(ToolBarButton::Calendars);
 }

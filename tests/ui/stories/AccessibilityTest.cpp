@@ -122,7 +122,7 @@ TEST_F(AccessibilityTest, TheDetailPaneNamesItsControlsInWordsAndAsAForm)
 TEST_F(AccessibilityTest, TheWindowsOfTheCalendarsNameTheirControls)
 {
     for (const auto &[command, name] : {std::pair(ActionId::Calendars, "CalendarsAppleWindow"),
-                                        std::pair(ActionId::Settings, "SettingsWindow")}) {
+                                        std::pair(ActionId::Preferences, "PreferencesWindow")}) {
         run(command);
         auto &opened = find<QWidget>(window(), name);
         expectNamed(opened);

@@ -105,7 +105,7 @@ TEST_F(CalendarsTest, ChosenCalendarsBringTheirEventsWhenTheWindowCloses)
 TEST_F(CalendarsTest, TheSettingsReachFurtherAheadOnceThePanelIsClosed)
 {
     UserDefaults::standard().setObject(settings::savedChooseCalendars, u"Work"_s);
-    QWidget &panel = open(ActionId::Settings, "SettingsWindow");
+    QWidget &panel = open(ActionId::Preferences, "PreferencesWindow");
     auto &half = find<QRadioButton>(panel, "radioButtonSixMonthPeriod");
     EXPECT_FALSE(half.isChecked());
     EXPECT_TRUE(find<QRadioButton>(panel, "radioButtonThreeMonthPeriod").isChecked());

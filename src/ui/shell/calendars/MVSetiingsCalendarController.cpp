@@ -23,8 +23,8 @@ MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
     : QWidget(parent, Qt::Window)
     , column(new QVBoxLayout(this))
 {
-    setObjectName(u"SettingsWindow"_s);
-    setWindowTitle(localized(u"Settings"_s));
+    setObjectName(u"PreferencesWindow"_s);
+    setWindowTitle(localized(u"Preferences"_s));
     setAttribute(Qt::WA_DeleteOnClose);
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(2 * Theme::unit);
