@@ -2,7 +2,6 @@
 
 #include "eventkit/AlarmComponents.h"
 #include "eventkit/EventPeriod.h"
-#include "eventkit/IcalText.h"
 #include "eventkit/RuleLines.h"
 #include "eventkit/UtcDateTime.h"
 #include "foundation/Clock.h"
@@ -10,16 +9,6 @@
 #include <QLocale>
 
 namespace {
-
-void writeText(IcalComponent &component, const QByteArray &name, const QString &before, const QString &after)
-{
-    if (before == after)
-        return;
-    if (after.isEmpty())
-        component.removeLines(name);
-    else
-        component.setValue(name, IcalText::encoded(after));
-}
 
 QString titleOfPlace(const EKEvent &event)
 {
@@ -45,7 +34,7 @@ void writePlace(IcalComponent &component, const EKEvent &before, const EKEvent &
     const QString title = isPlainChanged                                ? after.location
                           : titleOfPlace(before) != titleOfPlace(after) ? titleOfPlace(after)
                                                                         : before.location;
-    writeText(component, "LOCATION", before.location, title);
+    component.changeText("LOCATION", before.location, title);
     const auto position = positionOf(after);
     if (position == positionOf(before))
         return;
@@ -70,8 +59,8 @@ QByteArray presentUtc()
 
 void writeFields(IcalComponent &component, const EKEvent &before, const EKEvent &after)
 {
-    writeText(component, "SUMMARY", before.title, after.title);
-    writeText(component, "DESCRIPTION", before.notes, after.notes);
+    component.changeText("SUMMARY", before.title, after.title);
+    component.changeText("DESCRIPTION", before.notes, after.notes);
     writePlace(component, before, after);
     if (before.availability != after.availability)
         component.setValue("TRANSP",

@@ -1,6 +1,7 @@
 #include "eventkit/IcalComponent.h"
 
 #include "eventkit/IcalEntry.h"
+#include "eventkit/IcalText.h"
 
 #include <algorithm>
 
@@ -84,6 +85,16 @@ std::size_t IcalComponent::placeOfNewLine() const
         if (entries[index].line())
             place = index + 1;
     return place;
+}
+
+void IcalComponent::changeText(const QByteArray &lineName, const QString &before, const QString &after)
+{
+    if (before == after)
+        return;
+    if (after.isEmpty())
+        removeLines(lineName);
+    else
+        setValue(lineName, IcalText::encoded(after));
 }
 
 void IcalComponent::addLine(const ContentLine &added)

@@ -41,6 +41,8 @@ public:
     /// others of the name.
     void replaceLines(const QByteArray &lineName, const std::vector<ContentLine> &replacements);
     void removeLines(const QByteArray &lineName) { replaceLines(lineName, {}); }
+    /// Sets a property of the type TEXT where it has changed; an empty text takes it out.
+    void changeText(const QByteArray &lineName, const QString &before, const QString &after);
     /// Adds a property behind all others.
     void addLine(const ContentLine &added);
     /// A line as this component would write it.

@@ -17,16 +17,6 @@ namespace {
 constexpr double noLength = 0;
 constexpr int lowestPriority = 9;
 
-void writeText(IcalComponent &component, const QByteArray &name, const QString &before, const QString &after)
-{
-    if (before == after)
-        return;
-    if (after.isEmpty())
-        component.removeLines(name);
-    else
-        component.setValue(name, IcalText::encoded(after));
-}
-
 void writeDue(IcalComponent &component, const OptionalDate &due)
 {
     if (!due) {
@@ -56,8 +46,8 @@ void writeCompletion(IcalComponent &component, const EKReminder &after)
 
 void writeReminder(IcalComponent &component, const EKReminder &before, const EKReminder &after)
 {
-    writeText(component, "SUMMARY", before.title, after.title);
-    writeText(component, "DESCRIPTION", before.notes, after.notes);
+    component.changeText("SUMMARY", before.title, after.title);
+    component.changeText("DESCRIPTION", before.notes, after.notes);
     if (before.priority != after.priority)
         component.setValue("PRIORITY", QByteArray::number(std::clamp(after.priority, 0, lowestPriority)));
     if (before.dueDate != after.dueDate)
