@@ -117,8 +117,10 @@ void TaskFormState::keepInsideProject(DatePickerState &picker) const
         return;
     OptionalDate least = picker.minDate;
     OptionalDate most = picker.maxDate;
-    if (const OptionalDate start = task.project->startDate())
-        least = std::max(least.value_or(*start), MVDate::getStartOfDay(*start));
+    if (const OptionalDate start = task.project->startDate()) {
+        const Date begin = MVDate::getStartOfDay(*start);
+        least = std::max(least.value_or(begin), begin);
+    }
     if (const OptionalDate due = task.project->dueDate()) {
         const Date end = MTDates::endOfCurrentDay(*due);
         most = std::min(most.value_or(end), end);

@@ -195,7 +195,7 @@ TaskFormState::EditEnd TaskFormState::finishEdit()
         return EditEnd::Unchanged;
     if (!save())
         return EditEnd::Refused;
-    return task.title.isEmpty() ? EditEnd::Removed : EditEnd::Saved;
+    return isGone() ? EditEnd::Removed : EditEnd::Saved;
 }
 
 void TaskFormState::changeStatusNow(bool done)

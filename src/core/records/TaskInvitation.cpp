@@ -4,16 +4,18 @@
 #include "records/MVTask.h"
 #include "store/queries/DBWorker.h"
 
-/// The last word of a name is the family name.
+/// Where the family name begins is not said: its last word is the likeliest, then the last two and so on.
 static ContactPtr contactNamed(const QString &name)
 {
     const QString simplified = name.simplified();
-    const qsizetype blank = simplified.lastIndexOf(u' ');
-    if (blank < 0)
-        return nullptr;
-    const auto contacts = DBWorker::selectContactsWithPredicates({Predicate::format(
-        "firstName = %@ && lastName = %@", simplified.left(blank), simplified.mid(blank + 1))});
-    return contacts.isEmpty() ? nullptr : *contacts.begin();
+    for (qsizetype blank = simplified.lastIndexOf(u' '); blank > 0;
+         blank = simplified.lastIndexOf(u' ', blank - 1)) {
+        const auto contacts = DBWorker::selectContactsWithPredicates({Predicate::format(
+            "firstName = %@ && lastName = %@", simplified.left(blank), simplified.mid(blank + 1))});
+        if (!contacts.isEmpty())
+            return *contacts.begin();
+    }
+    return nullptr;
 }
 
 static QString nameOrAddress(const EKParticipant &participant)

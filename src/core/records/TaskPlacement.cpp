@@ -3,6 +3,7 @@
 #include "foundation/Calendar.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/Functional.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/ListDefinitions.h"
@@ -133,7 +134,7 @@ QString onCategories(const EntityTask &task)
 {
     const CategoryPtr category = task.category();
     return words(QStringLiteral("it is not done and has the category “%1”"),
-                 category ? localized(category->title()) : QString());
+                 category ? Categories::shownTitle(category) : QString());
 }
 
 QString onDelegated(const EntityTask &task)

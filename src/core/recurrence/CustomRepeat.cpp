@@ -69,6 +69,11 @@ int CustomRepeat::frequencyIndex() const
     return found == frequencies().end() ? 0 : static_cast<int>(found - frequencies().begin());
 }
 
+bool CustomRepeat::isFrequencyKnown() const
+{
+    return std::ranges::count(frequencies(), edited.frequency, &FrequencyWords::frequency) > 0;
+}
+
 void CustomRepeat::frequencyChange(int index)
 {
     edited.frequency = frequencies().at(static_cast<std::size_t>(index)).frequency;

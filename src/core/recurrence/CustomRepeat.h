@@ -24,6 +24,8 @@ public:
     /// "Daily" to "Yearly", and which of them it is.
     QStringList frequencyTitles() const;
     int frequencyIndex() const;
+    /// False for a rule by hours or less, which the window can only replace.
+    bool isFrequencyKnown() const;
     /// Another frequency; what was selected in the grid of the former one is given up.
     void frequencyChange(int index);
     /// Below 1 it counts as 1, above the limit as the limit.

@@ -233,7 +233,10 @@ void MainWindowController::searchSelectItem(const ObjectPtr &record)
     const auto item = SidebarModel::itemShowing(record);
     if (!item)
         return;
-    goToList(*item);
+    showList(*item);
+    // Not by command: a list that a filter has emptied of it must not offer another row instead.
+    if (screen->focusProxy())
+        screen->setFocus(Qt::OtherFocusReason);
     screen->selectItem(record);
     searchedRecord = DBWorker::getIdFromObject(record);
     actions->updateEnabled();

@@ -215,7 +215,7 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleTextRole:
         return accessibleTextAt(index);
     case IconRole:
-        if (group && group->useGeneralFilter().value_or(false))
+        if (group && group->useGeneralFilter().value_or(true))
             return u"filter"_s;
         return QString::fromUtf16(descriptionOf(itemAt(index)).icon);
     case ItemRole:

@@ -93,6 +93,15 @@ TEST_F(CustomRepeatTest, ItSaysWhatTheUserMayNotExpect)
     EXPECT_EQ(of(u"FREQ=WEEKLY"_s, lastOfMay).warning(), QString());
 }
 
+TEST_F(CustomRepeatTest, ARuleByHoursCanBeReplaced)
+{
+    CustomRepeat repeat = of(u"FREQ=HOURLY;INTERVAL=2"_s, localDate(2026, 11, 23));
+    EXPECT_FALSE(repeat.isFrequencyKnown());
+    repeat.frequencyChange(repeat.frequencyIndex());
+    EXPECT_TRUE(repeat.isFrequencyKnown());
+    EXPECT_EQ(repeat.rule().frequency, RecurrenceFrequency::daily);
+}
+
 /// As it happens once the rule is put on an event.
 TEST_F(CustomRepeatTest, ASingleDayGivesWayToTheDateOfTheTask)
 {

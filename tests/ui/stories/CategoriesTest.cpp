@@ -99,6 +99,18 @@ TEST_F(CategoriesScreen, ANewOneIsNamedInPlace)
     EXPECT_FALSE(find<ToolBarButton>(window(), "buttonAdd").isEnabled());
 }
 
+TEST_F(CategoriesScreen, AnotherOneKeepsTheNameThatWasJustWritten)
+{
+    press(find<ToolBarButton>(window(), "buttonAdd"));
+    QTest::keyClicks(editor(), u"First"_s);
+    press(find<ToolBarButton>(window(), "buttonAdd"));
+    ASSERT_NE(editor(), nullptr);
+    QTest::keyClicks(editor(), u"Second"_s);
+    QTest::keyClick(editor(), Qt::Key_Return);
+    EXPECT_TRUE(EntityCategory::title(u"First"_s));
+    EXPECT_TRUE(EntityCategory::title(u"Second"_s));
+}
+
 TEST_F(CategoriesScreen, ADoubleClickNamesAnOwnOneAnew)
 {
     addCategory(u"Garden"_s);

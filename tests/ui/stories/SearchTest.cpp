@@ -177,6 +177,7 @@ TEST_F(SearchTest, TypingDoesNotWaitForTheAnswer)
 TEST_F(SearchTest, AFilterMayHideWhatWasFoundAndTheReasonIsTold)
 {
     add(u"apple"_s);
+    add(u"pear tree"_s);
     QVariantMap entry = filters::pristineTaskEntry();
     QVariantList array = entry.value(u"Array"_s).toList();
     QVariantMap title = array.first().toMap();

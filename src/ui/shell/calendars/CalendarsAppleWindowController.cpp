@@ -38,7 +38,7 @@ void CalendarsAppleWindowController::windowDidLoad()
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(2 * Theme::unit);
     auto *card = new FormCard;
-    if (CalendarEvent::hasAccesToCalendar() && model->rowCount() > 0) {
+    if (CalendarEvent::hasAccesToCalendar()) {
         setUpTable();
         card->layout()->addWidget(table);
     } else {

@@ -124,7 +124,7 @@ void CategoriesViewController::setDetailSpace(int width)
 void CategoriesViewController::resizeEvent(QResizeEvent *event)
 {
     TabTaskViewController::resizeEvent(event);
-    endEditing(false);
+    endEditing(true);
     placeChildren();
 }
 
@@ -201,7 +201,7 @@ void CategoriesViewController::removeSelection()
 
 void CategoriesViewController::addCategory()
 {
-    endEditing(false);
+    endEditing(true);
     const auto color = Categories::next();
     if (!color)
         return;
@@ -213,17 +213,20 @@ void CategoriesViewController::addCategory()
 
 void CategoriesViewController::showCategoryMenu(const QPoint &globalPosition)
 {
-    const int row = table->currentRow();
-    if (row < 0)
+    endEditing(true);
+    if (table->currentRow() < 0)
         return;
+    // While the menu stands the rows may change.
+    const CategoryPtr category = categories->categoryAt(table->currentRow());
     QMenu menu(this);
-    menu.addAction(localized(u"Set Default"_s), this, [this, row] {
-        Categories::setDefault(categories->categoryAt(row));
+    menu.addAction(localized(u"Set Default"_s), this, [this, category] {
+        Categories::setDefault(category);
         reloadDataCategory();
-        selectCategoryRow(row);
+        selectCategoryRow(categories->rowOf(category));
     });
-    menu.addAction(localized(u"Edit Title"_s), this, [this, row] { editTitle(row); })
-        ->setEnabled(categories->isTitleEditable(row));
+    menu.addAction(localized(u"Edit Title"_s), this,
+                   [this, category] { editTitle(categories->rowOf(category)); })
+        ->setEnabled(category && !Categories::isBuiltIn(*category));
     menu.exec(globalPosition);
 }
 

@@ -26,8 +26,9 @@ DetailViewController *DetailStack::top() const
 
 DetailViewController *DetailStack::paneOf(const ObjectPtr &record) const
 {
-    const auto found =
-        std::find_if(panes.rbegin(), panes.rend(), [&](const auto *pane) { return pane->shows(record); });
+    const auto found = std::find_if(panes.rbegin(), panes.rend(), [&](const auto *pane) {
+        return pane->isEnabled() && pane->shows(record);
+    });
     return found == panes.rend() ? nullptr : *found;
 }
 

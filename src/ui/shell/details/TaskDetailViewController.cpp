@@ -230,6 +230,12 @@ void TaskDetailViewController::clickButtonSendEmail()
 
 void TaskDetailViewController::changeCheckBoxDone(bool done)
 {
+    // The tick keeps all that stands in the form, which needs a title for it.
+    if (isEditing() && !form.canSave()) {
+        statusChanged();
+        view->refresh();
+        return view->focusTitle();
+    }
     form.changeStatusNow(done);
     // A task that is done is only looked at.
     if (isEditing() && !form.canEdit())

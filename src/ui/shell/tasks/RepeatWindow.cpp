@@ -145,7 +145,7 @@ QWidget *RepeatWindow::makeButtons()
 
 void RepeatWindow::frequencyChange(int index)
 {
-    if (index != repeat.frequencyIndex())
+    if (index != repeat.frequencyIndex() || !repeat.isFrequencyKnown())
         repeat.frequencyChange(index);
     rebuildGrid();
 }

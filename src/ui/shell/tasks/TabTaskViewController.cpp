@@ -328,21 +328,22 @@ void TabTaskViewController::removeSelection()
 
 void TabTaskViewController::removeRows(const std::set<int> &rows)
 {
-    std::vector<ObjectPtr> removable;
+    std::vector<TaskPtr> going;
     TaskPtr barred;
     for (const TaskPtr &task : tasksAt(rows)) {
         if (task->allowsContentModifications().value_or(true))
-            removable.push_back(task);
+            going.push_back(task);
         else
             barred = task;
     }
     if (rows.size() == 1 && barred)
         return ShellAlerts::alertEditingEvent(localized(barred->calendarTitle()));
-    if (removable.empty())
+    if (going.empty())
         return;
+    const std::vector<ObjectPtr> removable(going.begin(), going.end());
     const int lastIndex = *rows.rbegin();
     if (detailStack())
-        detailStack()->removeAllDetailFromTasks(tasksAt(rows));
+        detailStack()->removeAllDetailFromTasks(going);
     const BusyCursor busy;
     TaskManager::deleteTasks(removable, [this, lastIndex] { selectAfterRemoval(lastIndex); });
 }

@@ -3,6 +3,7 @@
 #include "foundation/Calendar.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/Functional.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -53,7 +54,7 @@ struct HeaderText
 {
     QString operator()(const CategoryPtr &category) const
     {
-        return category ? localized(category->title()) : QString();
+        return category ? Categories::shownTitle(category) : QString();
     }
     QString operator()(const ProjectPtr &project) const
     {

@@ -1,6 +1,7 @@
 #include "shell/tasks/TaskPopupMenu.h"
 
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/Functional.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/CategoryIcon.h"
@@ -53,7 +54,7 @@ void TaskPopupMenu::rebuildCategories()
 {
     categoryMenu->clear();
     for (const CategoryPtr &category : DBWorker::allCategories()) {
-        QAction *action = addChoice(*categoryMenu, localized(category->title()), category->identifier());
+        QAction *action = addChoice(*categoryMenu, Categories::shownTitle(category), category->identifier());
         action->setIcon(CategoryIcon::of(*category));
         connect(action, &QAction::triggered, this, [this, category] { Q_EMIT categoryChosen(category); });
     }

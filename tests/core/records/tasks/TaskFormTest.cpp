@@ -253,6 +253,23 @@ TEST_F(TaskFormTest, TheEndOfAnEditSavesOnlyWhatChangedAndKeepsARefusedOne)
     EXPECT_FALSE(form.canEdit());
 }
 
+TEST_F(TaskFormTest, ATitleOfBlanksDoesNotMeanThatTheTaskHasGone)
+{
+    TaskFormState form(add(u"Call"_s));
+    form.setTitle(u"   "_s);
+    EXPECT_EQ(form.finishEdit(), TaskFormState::EditEnd::Saved);
+    EXPECT_FALSE(form.isGone());
+}
+
+TEST_F(TaskFormTest, NoDateOfAProjectThatBeginsInTheDayIsLost)
+{
+    const Date morning = localDate(2026, 11, 24, 9, 30);
+    TaskFormState form({.createWithProject = project(morning, std::nullopt)});
+    const DatePickerState picker = form.openPicker(Picker::StartDate);
+    ASSERT_TRUE(picker.minDate);
+    EXPECT_LE(*picker.minDate, localDate(2026, 11, 24));
+}
+
 TEST_F(TaskFormTest, ATickThatTheRulesRefuseIsTakenBack)
 {
     const TaskPtr row = add(u"visit"_s, TaskType::Appointment, localDate(2026, 11, 23, 9));
