@@ -91,6 +91,7 @@ void MainWindow::changeEvent(QEvent *event)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    event->accept();
-    Q_EMIT closed();
+    event->setAccepted(!closeQuestion || closeQuestion());
+    if (event->isAccepted())
+        Q_EMIT closed();
 }

@@ -2,6 +2,8 @@
 
 #include <QMainWindow>
 
+#include <functional>
+
 class OutlineViewExtended;
 class RightToolBar;
 class SplitPanes;
@@ -17,6 +19,9 @@ public:
     SplitPanes *splitViewMain() const { return split; }
     RightToolBar *rightToolBarMain() const { return toolBar; }
     QWidget *rightContentView() const { return content; }
+
+    /// Asked before the window closes; false keeps it open.
+    void setCloseQuestion(std::function<bool()> question) { closeQuestion = std::move(question); }
 
 Q_SIGNALS:
     /// The window is seen for the first time.
@@ -38,5 +43,6 @@ private:
     OutlineViewExtended *outline;
     RightToolBar *toolBar;
     QWidget *content;
+    std::function<bool()> closeQuestion;
     bool wasPainted = false;
 };

@@ -72,8 +72,10 @@ void MainWindowController::bindLists()
 
 void MainWindowController::removeSelected()
 {
-    if (mainWindow->outlineViewListItem()->hasFocus())
-        didRemoveRow(mainWindow->outlineViewListItem()->currentIndex());
+    const OutlineViewExtended &outline = *mainWindow->outlineViewListItem();
+    const QModelIndexList selected = outline.selectionModel()->selectedIndexes();
+    if (outline.hasFocus() && !selected.isEmpty())
+        didRemoveRow(selected.first());
     else if (screen)
         screen->removeSelection();
 }

@@ -61,7 +61,7 @@ void MainWindowController::windowDidLoad()
     connect(&outline, &OutlineViewExtended::selectionDidChange, this,
             &MainWindowController::outlineViewSelectionDidChange);
     connect(&outline, &OutlineViewExtended::didRemoveRow, this, &MainWindowController::didRemoveRow);
-    connect(mainWindow.get(), &MainWindow::closed, this, &MainWindowController::closeNewWindows);
+    mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     badgeRecount.setSingleShot(true);
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
     connect(mainWindow.get(), &MainWindow::firstPainted, &badgeRecount, [this] { badgeRecount.start(0); });

@@ -104,7 +104,8 @@ void OutlineViewExtended::keyPressEvent(QKeyEvent *event)
     switch (event->key()) {
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
-        return selectionModel()->hasSelection() ? Q_EMIT didRemoveRow(currentIndex()) : QApplication::beep();
+        return selectionModel()->hasSelection() ? Q_EMIT didRemoveRow(selectedIndexes().first())
+                                                : QApplication::beep();
     case Qt::Key_Space:
     case Qt::Key_Return:
     case Qt::Key_Enter:

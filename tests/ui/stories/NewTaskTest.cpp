@@ -222,8 +222,11 @@ TEST_F(NewTaskTest, TheWindowIsNeverDoubled)
     controller().showNewTask({});
     EXPECT_EQ(newTaskWindow(), &form);
     EXPECT_EQ(form.taskForm()->currentTask().title, u"draft"_s);
-    const ScriptedAlerts alerts({Alert::thirdButton});
+    const ScriptedAlerts alerts({Alert::secondButton, Alert::thirdButton});
     window().close();
+    EXPECT_TRUE(window().isVisible()) << "what was typed is not to stay behind alone";
+    window().close();
+    EXPECT_FALSE(window().isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow(); }));
 }
 
