@@ -80,10 +80,21 @@ void MainWindowController::removeSelected()
         screen->removeSelection();
 }
 
+/// What was taken back may have been a contact group.
+void MainWindowController::groupsMayHaveChanged()
+{
+    if (sidebar->refreshGroups())
+        return;
+    const SidebarItem former = selectItem.value_or(SidebarItem::Home);
+    loadContactsGroup();
+    showList(former == SidebarItem::ContactGroup ? SidebarItem::People : former);
+}
+
 void MainWindowController::undo()
 {
     const BusyCursor busy;
     ShellAlerts::presentError(context()->undo());
+    groupsMayHaveChanged();
     if (screen)
         screen->reloadData();
     storeChanged();
@@ -93,6 +104,7 @@ void MainWindowController::redo()
 {
     const BusyCursor busy;
     ShellAlerts::presentError(context()->redo());
+    groupsMayHaveChanged();
     if (screen)
         screen->reloadData();
     storeChanged();

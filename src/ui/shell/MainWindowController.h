@@ -82,6 +82,7 @@ private:
     void buttonAdd(ToolBarButton::ActionType type);
     void removeSelected();
     TaskPtr taskInQuestion() const;
+    void groupsMayHaveChanged();
     void undo();
     void redo();
     void storeChanged();

@@ -73,6 +73,20 @@ void SidebarModel::loadContactsGroup()
     endResetModel();
 }
 
+bool SidebarModel::refreshGroups()
+{
+    std::size_t row = 2;
+    for (const auto &groups : {DBWorker::allContactPrivateGroup(), DBWorker::allContactPrivateList()})
+        for (const auto &group : groups)
+            if (row >= contactRows.size() || contactRows[row++].group != group)
+                return false;
+    if (row != contactRows.size())
+        return false;
+    const QModelIndex top = index(contactsRow, 0);
+    Q_EMIT dataChanged(index(0, 0, top), index(rowCount(top) - 1, 0, top));
+    return true;
+}
+
 void SidebarModel::setBadges(const TaskBadges &badges)
 {
     const std::array numbers = {badges.inbox,      badges.today,     badges.scheduled, badges.someday,

@@ -162,6 +162,33 @@ TEST_F(SidebarTest, ANewGroupIsNamedInItsRowAndRenamedLater)
     EXPECT_EQ(field(), nullptr);
 }
 
+TEST_F(SidebarTest, AGroupThatIsTakenBackComesBackIntoTheTree)
+{
+    const auto group = context().insert<EntityContactGroup>();
+    group->setTitle(u"Book club"_s);
+    group->setUseGeneralFilter(false);
+    ASSERT_FALSE(DBWorker::saveContext());
+    controller().loadContactsGroup();
+    const auto rows = [this] {
+        const QModelIndex contacts = sidebar().indexOf(SidebarItem::Contacts);
+        QStringList titles;
+        for (int row = 0; row < sidebar().rowCount(contacts); ++row)
+            titles.append(sidebar().index(row, 0, contacts).data().toString());
+        return titles;
+    };
+    ASSERT_TRUE(rows().contains(u"Book club"_s));
+    outline().setExpanded(sidebar().indexOf(SidebarItem::Contacts), true);
+    outline().selectIndex(sidebar().indexOfGroup(*group));
+    const ScriptedAlerts alerts({Alert::firstButton});
+    sidebarKey(Qt::Key_Delete);
+    EXPECT_FALSE(rows().contains(u"Book club"_s));
+    run(ActionId::Undo);
+    EXPECT_TRUE(rows().contains(u"Book club"_s));
+    EXPECT_EQ(selected(), u"People"_s);
+    run(ActionId::Redo);
+    EXPECT_FALSE(rows().contains(u"Book club"_s));
+}
+
 TEST_F(SidebarTest, TheDeleteKeyDoesNothingToListsOfTheProgram)
 {
     addInbox({u"a"_s});
