@@ -154,6 +154,26 @@ TEST_F(FilterTest, AListThatTheFilterEmptiesSaysSoAndTakesItBack)
     EXPECT_TRUE(list().hasFocus());
 }
 
+TEST_F(FilterTest, ClearingItLeavesAPaneOpenWhoseTaskHasMovedToAnotherList)
+{
+    addInbox({u"apple"_s, u"apricot"_s});
+    run(ActionId::FilterTasks);
+    QTest::keyClicks(&titleField(), u"ap"_s);
+    // Both fit from the beginning, so that the fetch of the filter must be waited for.
+    QTest::qWait(50);
+    EXPECT_TRUE(shows({u"apple"_s, u"apricot"_s}));
+    close();
+    clickRow(0);
+    key(Qt::Key_Return);
+    stored(u"apple"_s)->setDueSomeDay(true);
+    ASSERT_FALSE(DBWorker::saveContext());
+    screen().reloadData();
+    ASSERT_EQ(shownTitles(), QStringList{u"apricot"_s});
+    ASSERT_FALSE(controller().detailStack()->isEmpty());
+    run(ActionId::ClearFilter);
+    EXPECT_FALSE(controller().detailStack()->isEmpty()) << "what is being written there is not lost";
+}
+
 TEST_F(FilterTest, AGroupingKeepsTheFilterWaiting)
 {
     add(u"apple"_s);

@@ -211,6 +211,8 @@ void TabTaskViewController::clearFilter()
         return;
     topView->buttonFilter()->closePopover();
     filterState->clickDeactiveFilter();
+    // Without a filter nothing is hidden: what is open stays so.
+    mustCloseHidden = false;
     reloadData();
     // What was pressed may have gone.
     if (!view->hasFocus() && !topView->isAncestorOf(QApplication::focusWidget()))
