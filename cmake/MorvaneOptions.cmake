@@ -14,11 +14,13 @@ set(MORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= t
 option(MORVANE_COVERAGE "Instrument for coverage with gcov" OFF)
 option(MORVANE_FUZZ "Build the fuzzers; needs Clang" OFF)
 
-# Precompiled headers make the cached object depend on them; ccache needs these to reuse it.
+# Precompiled headers make the cached object depend on them; ccache needs the sloppiness to reuse it. With paths relative
+# to the checkout, and without its place in the key, one checkout finds what another has compiled.
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER
-    "${CMAKE_COMMAND};-E;env;CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime;${CCACHE_PROGRAM}")
+    "${CMAKE_COMMAND};-E;env;CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime"
+    "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR};CCACHE_NOHASHDIR=1;${CCACHE_PROGRAM}")
 endif()
 
 add_library(morvane_options INTERFACE)
