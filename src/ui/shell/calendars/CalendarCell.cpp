@@ -60,8 +60,11 @@ void paintCalendar(QPainter &painter, const QStyleOptionViewItem &option, const 
     write(painter, placed(title), option.direction, Qt::AlignLeft | Qt::AlignVCenter,
           Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body), Theme::text,
           index.data().toString());
+    // An empty circle says that the calendar can be chosen.
+    Icons::paint(painter, placed(check), isSelected ? u"check-done"_s : u"check-open"_s,
+                 isSelected ? Theme::accent : Theme::checkBox, checkSize);
     if (isSelected)
-        Icons::paint(painter, placed(check), u"check-mark"_s, Theme::accent, checkSize);
+        Icons::paint(painter, placed(check), u"check-mark"_s, Theme::textOnAccent, checkSize);
     if (option.state & QStyle::State_HasFocus)
         MorvaneStyle::drawFocusRing(painter, row, Theme::controlRadius, Theme::focusRing);
 }

@@ -5,9 +5,9 @@
 #include "shell/categories/CategoryTasksCell.h"
 #include "store/entities/EntityCategory.h"
 #include "widgets/BusyCursor.h"
+#include "widgets/PopUpButton.h"
 #include "widgets/TextLabel.h"
 
-#include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -64,8 +64,7 @@ void CategoriesViewController::setUpPanel()
 
 QWidget *CategoriesViewController::makeTopView()
 {
-    auto *popUp = new QComboBox;
-    popUp->setObjectName(u"popUpButtonSort"_s);
+    auto *popUp = new PopUpButton(u"popUpButtonSort"_s);
     popUp->setAccessibleName(localized(u"Show"_s));
     popUp->addItem(localized(u"Alphabetical"_s), static_cast<int>(Categories::Shown::All));
     popUp->addItem(localized(u"Active"_s), static_cast<int>(Categories::Shown::WithTasks));
@@ -78,7 +77,8 @@ QWidget *CategoriesViewController::makeTopView()
     });
     auto *line = new QWidget;
     auto *row = new QHBoxLayout(line);
-    row->setContentsMargins(Theme::unit, 0, Theme::unit, 0);
+    // As wide as the rows, beside which a scroll bar has its place.
+    row->setContentsMargins(Theme::unit, 0, Theme::unit + Theme::scrollBarWidth, 0);
     row->addWidget(popUp);
     line->setFixedHeight(titleHeight);
     return line;
@@ -257,8 +257,8 @@ void CategoriesViewController::editTitle(int row)
     editor->setText(categories->index(row).data().toString());
     editor->selectAll();
     editor->installEventFilter(this);
-    const QRect place =
-        CategoryTasksCell::titleRect(table->visualRect(categories->index(row)), layoutDirection());
+    const QRect place = CategoryTasksCell::titleRect(table->visualRect(categories->index(row)),
+                                                     layoutDirection(), categories->index(row));
     editor->setGeometry(place.adjusted(-Theme::unit, 2, 0, -2));
     connect(editor, &QLineEdit::returnPressed, this, [this] { endEditing(true); });
     editor->show();

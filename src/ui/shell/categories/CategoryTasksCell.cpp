@@ -19,10 +19,14 @@ static QRect cardOf(const QRect &row)
     return row.adjusted(Theme::unit, 1, -Theme::unit, -1);
 }
 
-QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection direction)
+/// The title has the room that neither a count nor a mark needs.
+QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index)
 {
     const QRect card = cardOf(row);
-    const QRect title = card.adjusted(inset + dotSize + inset, 0, -(inset + countWidth + markSize), 0);
+    const bool hasMark = index.data(CategoryListModel::IsDefaultRole).toBool();
+    const bool hasCount = hasMark || index.data(CategoryListModel::CountRole).toInt() > 0;
+    const int trailing = inset + (hasCount ? countWidth : 0) + (hasMark ? markSize : 0);
+    const QRect title = card.adjusted(inset + dotSize + inset, 0, -trailing, 0);
     return QStyle::visualRect(direction, row, title);
 }
 
@@ -57,7 +61,7 @@ void CategoryTasksCell::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->drawEllipse(
         placed({card.left() + inset, card.center().y() - dotSize / 2 + 1, dotSize, dotSize}));
     const QFont font = Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body);
-    const QRect title = titleRect(option.rect, option.direction);
+    const QRect title = titleRect(option.rect, option.direction, index);
     painter->setFont(font);
     painter->setPen(isSelected ? Theme::selectedText : Theme::text);
     painter->drawText(title, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
