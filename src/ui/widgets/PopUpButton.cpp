@@ -1,6 +1,7 @@
 #include "widgets/PopUpButton.h"
 
 #include "widgets/ClearKey.h"
+#include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
@@ -74,10 +75,8 @@ private:
             place.setLeft(place.left() + iconRoom);
         painter.setFont(isEnabled ? option.font : Theme::font(Theme::FontRole::Small));
         painter.setPen(isEnabled ? Theme::text : Theme::secondaryText);
-        painter.drawText(
-            QStyle::visualRect(option.direction, option.rect, place),
-            QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-            painter.fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, place.width()));
+        Direction::drawLine(painter, QStyle::visualRect(option.direction, option.rect, place),
+                            option.direction, index.data().toString());
     }
 };
 

@@ -5,6 +5,7 @@
 #include "shell/categories/CategoryTasksCell.h"
 #include "store/entities/EntityCategory.h"
 #include "widgets/BusyCursor.h"
+#include "widgets/Direction.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/TextLabel.h"
 
@@ -56,7 +57,8 @@ void CategoriesViewController::setUpPanel()
 {
     panel->setObjectName(u"categoryPanel"_s);
     auto *column = new QVBoxLayout(panel);
-    column->setContentsMargins(Theme::contentMargin - Theme::unit, 0, 0, Theme::unit);
+    column->setContentsMargins(
+        Direction::margins(*this, Theme::contentMargin - Theme::unit, 0, 0, Theme::unit));
     column->setSpacing(Theme::unit);
     column->addWidget(makeTopView());
     column->addWidget(table, 1);
@@ -78,7 +80,8 @@ QWidget *CategoriesViewController::makeTopView()
     auto *line = new QWidget;
     auto *row = new QHBoxLayout(line);
     // As wide as the rows, beside which a scroll bar has its place.
-    row->setContentsMargins(Theme::unit, 0, Theme::unit + Theme::scrollBarWidth, 0);
+    row->setContentsMargins(
+        Direction::margins(*this, Theme::unit, 0, Theme::unit + Theme::scrollBarWidth, 0));
     row->addWidget(popUp);
     line->setFixedHeight(titleHeight);
     return line;

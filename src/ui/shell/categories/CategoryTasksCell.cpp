@@ -1,6 +1,7 @@
 #include "shell/categories/CategoryTasksCell.h"
 
 #include "shell/categories/CategoryListModel.h"
+#include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -60,12 +61,10 @@ void CategoryTasksCell::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->setBrush(index.data(CategoryListModel::ColorRole).value<QColor>());
     painter->drawEllipse(
         placed({card.left() + inset, card.center().y() - dotSize / 2 + 1, dotSize, dotSize}));
-    const QFont font = Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body);
-    const QRect title = titleRect(option.rect, option.direction, index);
-    painter->setFont(font);
+    painter->setFont(Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body));
     painter->setPen(isSelected ? Theme::selectedText : Theme::text);
-    painter->drawText(title, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-                      QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, title.width()));
+    Direction::drawLine(*painter, titleRect(option.rect, option.direction, index), option.direction,
+                        index.data().toString());
     const QRect count(card.right() - inset - countWidth, card.top(), countWidth, card.height());
     paintCount(*painter, placed(count), option.direction, index.data(CategoryListModel::CountRole).toInt());
     if (index.data(CategoryListModel::IsDefaultRole).toBool())
