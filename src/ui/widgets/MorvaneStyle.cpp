@@ -291,6 +291,8 @@ int MorvaneStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, co
     case PM_RadioButtonLabelSpacing:
     case PM_CheckBoxLabelSpacing:
         return Theme::unit;
+    case PM_ToolTipLabelFrameWidth:
+        return Theme::unit * 3 / 4;
     case PM_MenuVMargin:
         return Theme::unit / 2;
     case PM_MenuBarItemSpacing:

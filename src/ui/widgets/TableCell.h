@@ -16,4 +16,13 @@ public:
     {
         return option.rect.size();
     }
+    /// Who rests on a row that is cut off reads the whole of it.
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+
+protected:
+    /// The text of a row if it does not fit into it, else nothing.
+    virtual QString cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const;
+    /// A text if it is wider than its room.
+    static QString ifWider(const QString &text, const QFont &font, int room);
 };

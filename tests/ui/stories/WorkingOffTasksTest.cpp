@@ -3,6 +3,10 @@
 #include "shell/tasks/TaskPopupMenu.h"
 #include "ui/support/ShellTest.h"
 
+#include <QHelpEvent>
+#include <QTextDocumentFragment>
+#include <QToolTip>
+
 using namespace Qt::Literals::StringLiterals;
 
 class WorkingOffTasksTest : public ShellTest
@@ -139,4 +143,19 @@ TEST_F(WorkingOffTasksTest, AChangeFromElsewhereReachesTheListThatIsShown)
     add(u"b"_s);
     NotificationCenter::defaultCenter().post(NotificationName(u"iCloudChange"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles().size() == 2; }));
+}
+
+TEST_F(WorkingOffTasksTest, WhoRestsOnATitleThatIsCutOffReadsAllOfIt)
+{
+    const QString endless = QString(u"<b>tents & lamps</b> "_s).repeated(40);
+    addInbox({endless, u"short"_s});
+    const auto tipOver = [&](int row) {
+        QToolTip::hideText();
+        QHelpEvent event(QEvent::ToolTip, middleOf(row), list().viewport()->mapToGlobal(middleOf(row)));
+        QCoreApplication::sendEvent(list().viewport(), &event);
+        return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText().trimmed();
+    };
+    EXPECT_EQ(tipOver(0), endless.trimmed());
+    tipOver(1);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
 }

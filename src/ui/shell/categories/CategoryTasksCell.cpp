@@ -31,6 +31,12 @@ QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection directi
     return QStyle::visualRect(direction, row, title);
 }
 
+QString CategoryTasksCell::cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    return ifWider(index.data().toString(), Theme::font(Theme::FontRole::BodyStrong),
+                   titleRect(option.rect, option.direction, index).width());
+}
+
 static void paintCount(QPainter &painter, const QRect &where, Qt::LayoutDirection direction, int count)
 {
     if (count == 0)

@@ -14,4 +14,7 @@ public:
                const QModelIndex &index) const override;
     /// Where the title stands in a row, for who writes over it.
     static QRect titleRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index);
+
+protected:
+    QString cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 };

@@ -46,3 +46,9 @@ void CellViewSearchDeteil::paint(QPainter *painter, const QStyleOptionViewItem &
     Direction::drawLine(*painter, place, option.direction, text);
     painter->restore();
 }
+
+QString CellViewSearchDeteil::cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    return ifWider(index.data().toString(), Theme::font(Theme::FontRole::Body),
+                   option.rect.width() - recordIndent - headingIndent);
+}

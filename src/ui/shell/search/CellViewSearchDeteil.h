@@ -15,4 +15,7 @@ public:
     QRect checkBoxRect(const QRect &, Qt::LayoutDirection, const QModelIndex &) const override { return {}; }
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
+
+protected:
+    QString cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 };

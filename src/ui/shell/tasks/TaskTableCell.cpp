@@ -52,6 +52,15 @@ QRect TaskTableCell::checkBoxRect(const QRect &row, Qt::LayoutDirection directio
     return generous(QStyle::visualRect(direction, row, layoutOf(row, contentOf(index)).checkBox));
 }
 
+QString TaskTableCell::cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    if (modelOf(index).kindOf(index.row()) != RowKind::Item)
+        return {};
+    const TaskRowContent content = contentOf(index);
+    return ifWider(content.title, Theme::font(Theme::FontRole::Body),
+                   layoutOf(option.rect, content).title.width());
+}
+
 void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const
 {

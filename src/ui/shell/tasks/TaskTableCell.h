@@ -17,6 +17,9 @@ public:
     QRect checkBoxRect(const QRect &row, Qt::LayoutDirection direction,
                        const QModelIndex &index) const override;
 
+protected:
+    QString cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
 private:
     static TaskRowLayout layoutOf(const QRect &row, const TaskRowContent &content);
     static void paintTask(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index);
