@@ -206,6 +206,30 @@ static QStyleOptionMenuItem withoutMarks(const QStyleOptionMenuItem &item)
     return plain;
 }
 
+/// An icon and the words beside it, with air between them.
+static void drawToolButtonLabel(const QStyleOptionToolButton &button, QPainter *painter)
+{
+    constexpr int gap = 6;
+    const QSize icon = button.iconSize;
+    const int words = button.fontMetrics.horizontalAdvance(button.text) + 1;
+    const int left = button.rect.left() + std::max(0, (button.rect.width() - icon.width() - gap - words) / 2);
+    const auto placed = [&](int from, int width) {
+        return QStyle::visualRect(button.direction, button.rect,
+                                  QRect(from, button.rect.top(), width, button.rect.height()));
+    };
+    const bool isEnabled = button.state.testFlag(QStyle::State_Enabled);
+    button.icon.paint(painter, placed(left, icon.width()), Qt::AlignCenter,
+                      isEnabled ? QIcon::Normal : QIcon::Disabled);
+    painter->setPen(isEnabled ? Theme::text : Theme::disabledText);
+    painter->drawText(placed(left + icon.width() + gap, words), Qt::AlignCenter | Qt::TextHideMnemonic,
+                      button.text);
+}
+
+static bool hasWordsBesideIcon(const QStyleOptionToolButton *button)
+{
+    return button && button->toolButtonStyle == Qt::ToolButtonTextBesideIcon && !button->icon.isNull();
+}
+
 void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                                const QWidget *widget) const
 {
@@ -227,6 +251,9 @@ void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *optio
     }
     if (element == CE_MenuBarEmptyArea)
         return painter->fillRect(option->rect, Theme::card);
+    const auto *toolButton = qstyleoption_cast<const QStyleOptionToolButton *>(option);
+    if (element == CE_ToolButtonLabel && hasWordsBesideIcon(toolButton))
+        return drawToolButtonLabel(*toolButton, painter);
     if (element == CE_PushButtonLabel && isDefaultButton(option)) {
         QStyleOptionButton button(*qstyleoption_cast<const QStyleOptionButton *>(option));
         button.palette.setColor(QPalette::Active, QPalette::ButtonText, Theme::textOnAccent);
@@ -329,7 +356,10 @@ QSize MorvaneStyle::sizeFromContents(ContentsType type, const QStyleOption *opti
 {
     QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
-    if (type == CT_PushButton)
+    if (type == CT_ToolButton &&
+        hasWordsBesideIcon(qstyleoption_cast<const QStyleOptionToolButton *>(option)))
+        size += QSize(Theme::unit, 0);
+    else if (type == CT_PushButton)
         size = size.expandedTo(
             {std::max(buttonMinimumWidth, contents.width() + 2 * buttonPadding), Theme::controlHeight});
     else if (type == CT_LineEdit || type == CT_ComboBox || type == CT_SpinBox)
