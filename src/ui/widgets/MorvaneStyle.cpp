@@ -1,8 +1,11 @@
 #include "widgets/MorvaneStyle.h"
 
+#include "widgets/ButtonLook.h"
 #include "widgets/Icons.h"
+#include "widgets/MenuLook.h"
 #include "widgets/RoundCorners.h"
 #include "widgets/ScrollBarLook.h"
+#include "widgets/Shapes.h"
 #include "widgets/Theme.h"
 
 #include <QAbstractButton>
@@ -14,36 +17,17 @@
 #include <QTextEdit>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace Shapes;
 
-constexpr int menuItemHeight = 28;
 constexpr int buttonMinimumWidth = 84;
 constexpr int buttonPadding = 12;
 constexpr int fieldInset = 5;
 /// Around the words of a check box, beside and above them.
 constexpr QSize roomOfRing(4, 2);
-constexpr int tickRoom = 24;
-constexpr int tickSize = 22;
-constexpr qreal half = 0.5;
 
 MorvaneStyle::MorvaneStyle()
     : QProxyStyle(u"Fusion"_s)
 {}
-
-static QRectF bounds(const QRect &rect)
-{
-    return QRectF(rect).adjusted(half, half, -half, -half);
-}
-
-static void drawRounded(QPainter *painter, const QRectF &rect, const QColor &fill, const QColor &border,
-                        qreal radius = Theme::controlRadius)
-{
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(border.isValid() ? QPen(border) : QPen(Qt::NoPen));
-    painter->setBrush(fill);
-    painter->drawRoundedRect(rect, radius, radius);
-    painter->restore();
-}
 
 void MorvaneStyle::drawFocusRing(QPainter &painter, const QRectF &around, qreal radius, const QColor &colour)
 {
@@ -55,65 +39,11 @@ void MorvaneStyle::drawFocusRing(QPainter &painter, const QRectF &around, qreal 
     painter.restore();
 }
 
-static bool isDefaultButton(const QStyleOption *option)
-{
-    const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
-    return button && button->features.testFlag(QStyleOptionButton::DefaultButton);
-}
-
-static QColor accentFill(const QStyleOption *option)
-{
-    if (!option->state.testFlag(QStyle::State_Enabled))
-        return Theme::divider;
-    if (option->state.testFlag(QStyle::State_Sunken))
-        return Theme::accentPressed;
-    return option->state.testFlag(QStyle::State_MouseOver) ? Theme::accentHover : Theme::accent;
-}
-
-static QColor plainFill(const QStyleOption *option)
-{
-    if (option->state.testFlag(QStyle::State_Sunken) || option->state.testFlag(QStyle::State_On))
-        return Theme::controlPressed;
-    return option->state.testFlag(QStyle::State_MouseOver) ? Theme::hover : Theme::control;
-}
-
-static void drawButton(const QStyleOption *option, QPainter *painter)
-{
-    const bool isDefault = isDefaultButton(option);
-    drawRounded(painter, bounds(option->rect), isDefault ? accentFill(option) : plainFill(option),
-                isDefault ? QColor() : Theme::controlBorder);
-    if (option->state.testFlag(QStyle::State_HasFocus))
-        MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius,
-                                    isDefault ? Theme::text : Theme::focusRing);
-}
-
 static void drawField(const QStyleOption *option, QPainter *painter)
 {
     drawRounded(painter, bounds(option->rect), Theme::control, Theme::controlBorder);
     if (option->state.testFlag(QStyle::State_HasFocus))
         MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius, Theme::focusRing);
-}
-
-static void drawCheck(const QStyleOption *option, QPainter *painter)
-{
-    const bool isOn = option->state.testFlag(QStyle::State_On);
-    constexpr qreal radius = 4;
-    drawRounded(painter, bounds(option->rect).adjusted(1, 1, -1, -1), isOn ? Theme::accent : Theme::control,
-                isOn ? Theme::accent : Theme::checkBox, radius);
-    if (isOn)
-        Icons::paint(*painter, option->rect, u"check-mark"_s, Theme::textOnAccent, option->rect.width());
-}
-
-static void drawRadio(const QStyleOption *option, QPainter *painter)
-{
-    const bool isOn = option->state.testFlag(QStyle::State_On);
-    const QRectF circle = bounds(option->rect).adjusted(1, 1, -1, -1);
-    const qreal radius = circle.height() / 2;
-    drawRounded(painter, circle, isOn ? Theme::accent : Theme::control,
-                isOn ? Theme::accent : Theme::checkBox, radius);
-    if (isOn)
-        drawRounded(painter, circle.adjusted(radius / 2, radius / 2, -radius / 2, -radius / 2),
-                    Theme::textOnAccent, {}, radius / 2);
 }
 
 static QRect around(const QRect &rect, const QSize &room)
@@ -137,14 +67,14 @@ void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *o
 {
     switch (element) {
     case PE_PanelButtonCommand:
-        return drawButton(option, painter);
+        return ButtonLook::draw(option, painter);
     case PE_PanelLineEdit:
         // The text of a number field stands in a field already.
         return isInSpinBox(widget) ? void() : drawField(option, painter);
     case PE_IndicatorCheckBox:
-        return drawCheck(option, painter);
+        return ButtonLook::drawCheck(option, painter);
     case PE_IndicatorRadioButton:
-        return drawRadio(option, painter);
+        return ButtonLook::drawRadio(option, painter);
     case PE_FrameFocusRect:
         if (!qobject_cast<const QAbstractButton *>(widget))
             return;
@@ -166,85 +96,21 @@ void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *o
     }
 }
 
-static void drawMenuSelection(const QStyleOption *option, QPainter *painter)
-{
-    if (!option->state.testFlag(QStyle::State_Selected) || !option->state.testFlag(QStyle::State_Enabled))
-        return;
-    drawRounded(painter, QRectF(option->rect).adjusted(4, 1, -4, -1), Theme::selection, {});
-}
-
-static void drawMenuSeparator(const QRect &rect, QPainter *painter)
-{
-    painter->fillRect(QRect(rect.left(), rect.center().y(), rect.width(), 1), Theme::cardBorder);
-}
-
-static bool isCheckable(const QStyleOptionMenuItem &item)
-{
-    return item.checkType != QStyleOptionMenuItem::NotCheckable;
-}
-
-/// A tick stands before the words, or behind them where an icon is before them.
-static void drawMenuTick(const QStyleOptionMenuItem &item, QPainter *painter)
-{
-    if (!isCheckable(item) || !item.checked)
-        return;
-    QRect place(item.rect.left() + Theme::unit / 2, item.rect.top(), tickRoom, item.rect.height());
-    if (!item.icon.isNull())
-        place.moveRight(item.rect.right() - Theme::unit / 2);
-    Icons::paint(*painter, QStyle::visualRect(item.direction, item.rect, place), u"check-mark"_s,
-                 Theme::accent, tickSize);
-}
-
-/// The words and the icon, without the marks that are drawn by themselves.
-static QStyleOptionMenuItem withoutMarks(const QStyleOptionMenuItem &item)
-{
-    QStyleOptionMenuItem plain(item);
-    plain.checkType = QStyleOptionMenuItem::NotCheckable;
-    plain.checked = false;
-    plain.state.setFlag(QStyle::State_Selected, false);
-    plain.state.setFlag(QStyle::State_Sunken, false);
-    return plain;
-}
-
-/// An icon and the words beside it, with air between them.
-static void drawToolButtonLabel(const QStyleOptionToolButton &button, QPainter *painter)
-{
-    constexpr int gap = 6;
-    const QSize icon = button.iconSize;
-    const int words = button.fontMetrics.horizontalAdvance(button.text) + 1;
-    const int left = button.rect.left() + std::max(0, (button.rect.width() - icon.width() - gap - words) / 2);
-    const auto placed = [&](int from, int width) {
-        return QStyle::visualRect(button.direction, button.rect,
-                                  QRect(from, button.rect.top(), width, button.rect.height()));
-    };
-    const bool isEnabled = button.state.testFlag(QStyle::State_Enabled);
-    button.icon.paint(painter, placed(left, icon.width()), Qt::AlignCenter,
-                      isEnabled ? QIcon::Normal : QIcon::Disabled);
-    painter->setPen(isEnabled ? Theme::text : Theme::disabledText);
-    painter->drawText(placed(left + icon.width() + gap, words), Qt::AlignCenter | Qt::TextHideMnemonic,
-                      button.text);
-}
-
-static bool hasWordsBesideIcon(const QStyleOptionToolButton *button)
-{
-    return button && button->toolButtonStyle == Qt::ToolButtonTextBesideIcon && !button->icon.isNull();
-}
-
 void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                                const QWidget *widget) const
 {
     const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
     if (element == CE_MenuItem && item && item->menuItemType == QStyleOptionMenuItem::Separator)
-        return drawMenuSeparator(item->rect, painter);
+        return MenuLook::drawSeparator(item->rect, painter);
     if (element == CE_MenuItem && item) {
-        drawMenuSelection(option, painter);
-        drawMenuTick(*item, painter);
-        const QStyleOptionMenuItem plain = withoutMarks(*item);
+        MenuLook::drawSelection(option, painter);
+        MenuLook::drawTick(*item, painter);
+        const QStyleOptionMenuItem plain = MenuLook::withoutMarks(*item);
         return QProxyStyle::drawControl(element, &plain, painter, widget);
     }
     if (element == CE_MenuBarItem && item) {
         painter->fillRect(option->rect, Theme::card);
-        drawMenuSelection(option, painter);
+        MenuLook::drawSelection(option, painter);
         return proxy()->drawItemText(painter, option->rect, Qt::AlignCenter | Qt::TextHideMnemonic,
                                      item->palette, item->state.testFlag(State_Enabled), item->text,
                                      QPalette::WindowText);
@@ -252,9 +118,9 @@ void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *optio
     if (element == CE_MenuBarEmptyArea)
         return painter->fillRect(option->rect, Theme::card);
     const auto *toolButton = qstyleoption_cast<const QStyleOptionToolButton *>(option);
-    if (element == CE_ToolButtonLabel && hasWordsBesideIcon(toolButton))
-        return drawToolButtonLabel(*toolButton, painter);
-    if (element == CE_PushButtonLabel && isDefaultButton(option)) {
+    if (element == CE_ToolButtonLabel && ButtonLook::hasWordsBesideIcon(toolButton))
+        return ButtonLook::drawWordsBesideIcon(*toolButton, painter);
+    if (element == CE_PushButtonLabel && ButtonLook::isDefault(option)) {
         QStyleOptionButton button(*qstyleoption_cast<const QStyleOptionButton *>(option));
         button.palette.setColor(QPalette::Active, QPalette::ButtonText, Theme::textOnAccent);
         button.palette.setColor(QPalette::Inactive, QPalette::ButtonText, Theme::textOnAccent);
@@ -265,7 +131,7 @@ void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *optio
 
 static void drawComboBox(const QStyleOptionComplex *option, QPainter *painter, const QRect &arrow)
 {
-    drawRounded(painter, bounds(option->rect), plainFill(option), Theme::controlBorder);
+    drawRounded(painter, bounds(option->rect), ButtonLook::plainFill(option), Theme::controlBorder);
     Icons::paint(*painter, arrow, u"chevron-down"_s, Theme::secondaryText, 16);
     if (option->state.testFlag(QStyle::State_HasFocus))
         MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius, Theme::focusRing);
@@ -357,7 +223,7 @@ QSize MorvaneStyle::sizeFromContents(ContentsType type, const QStyleOption *opti
     QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
     if (type == CT_ToolButton &&
-        hasWordsBesideIcon(qstyleoption_cast<const QStyleOptionToolButton *>(option)))
+        ButtonLook::hasWordsBesideIcon(qstyleoption_cast<const QStyleOptionToolButton *>(option)))
         size += QSize(Theme::unit, 0);
     else if (type == CT_PushButton)
         size = size.expandedTo(
@@ -365,8 +231,8 @@ QSize MorvaneStyle::sizeFromContents(ContentsType type, const QStyleOption *opti
     else if (type == CT_LineEdit || type == CT_ComboBox || type == CT_SpinBox)
         size.setHeight(std::max(size.height(), Theme::controlHeight));
     else if (type == CT_MenuItem && item && item->menuItemType != QStyleOptionMenuItem::Separator)
-        size = QSize(size.width() + 2 * Theme::unit + (isCheckable(*item) ? tickRoom : 0),
-                     std::max(size.height(), menuItemHeight));
+        size = QSize(size.width() + 2 * Theme::unit + (MenuLook::isCheckable(*item) ? MenuLook::tickRoom : 0),
+                     std::max(size.height(), MenuLook::itemHeight));
     else if (type == CT_RadioButton || type == CT_CheckBox)
         size += 2 * roomOfRing;
     else if (type == CT_MenuBarItem)
