@@ -13,6 +13,7 @@ SplitPanes::SplitPanes(QWidget *parent)
     setHandleWidth(0);
     setChildrenCollapsible(false);
     connect(this, &QSplitter::splitterMoved, this, [this](int, int handle) {
+        leftWanted = sizes().constFirst();
         NotificationCenter::defaultCenter().post(notifications::splitChangeSize, static_cast<QObject *>(this),
                                                  QVariantMap{{u"NSSplitViewDividerIndex"_s, handle - 1}});
     });
@@ -30,4 +31,26 @@ void SplitPanes::setLeftBounds(int minimum, int maximum)
 {
     widget(0)->setMinimumWidth(minimum);
     widget(0)->setMaximumWidth(maximum);
+    leftWanted = maximum;
+}
+
+/// The right pane may need more room, or less, with each screen.
+bool SplitPanes::event(QEvent *event)
+{
+    const bool answer = QSplitter::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        giveLeftItsWidth();
+    return answer;
+}
+
+void SplitPanes::resizeEvent(QResizeEvent *event)
+{
+    QSplitter::resizeEvent(event);
+    giveLeftItsWidth();
+}
+
+void SplitPanes::giveLeftItsWidth()
+{
+    if (count() == 2 && sizes().constFirst() < leftWanted)
+        setSizes({leftWanted, width() - leftWanted});
 }

@@ -238,3 +238,13 @@ TEST_F(SidebarTest, ModelsKeepTheRulesOfModels)
     controller().loadContactsGroup();
     controller().countTasksBadge();
 }
+
+TEST_F(SidebarTest, ItGivesWayInANarrowWindowAndComesBack)
+{
+    const int usual = outline().width();
+    showList(SidebarItem::Categories);
+    window().resize(window().minimumSize());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return outline().width() < usual; }));
+    window().resize(1080, 700);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return outline().width() == usual; }));
+}
