@@ -22,6 +22,9 @@ OutlineViewExtended::OutlineViewExtended(QWidget *parent)
     setTabKeyNavigation(false);
     setMouseTracking(true);
     viewport()->setAutoFillBackground(false);
+    QPalette dark = verticalScrollBar()->palette();
+    dark.setColor(QPalette::Window, Theme::sidebar);
+    verticalScrollBar()->setPalette(dark);
     setItemDelegate(new SidebarCell(this));
 }
 

@@ -13,6 +13,10 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int topIconLeft = 18;
 constexpr int childIconLeft = 34;
+/// In a narrow sidebar the names get the room of the indent.
+constexpr int narrowRow = 200;
+constexpr int narrowChildIconLeft = topIconLeft;
+constexpr int narrowTextGap = 8;
 constexpr int iconSize = 20;
 constexpr int childIconSize = 18;
 constexpr int textGap = 11;
@@ -20,6 +24,16 @@ constexpr int arrowSize = 14;
 constexpr int arrowMargin = 16;
 constexpr int plateMargin = 8;
 constexpr int plateRadius = 7;
+
+static int childLeft(const QRect &row)
+{
+    return row.width() < narrowRow ? narrowChildIconLeft : childIconLeft;
+}
+
+static int gapIn(const QRect &row)
+{
+    return row.width() < narrowRow ? narrowTextGap : textGap;
+}
 
 static void paintPlate(QPainter &painter, const QStyleOptionViewItem &option)
 {
@@ -68,13 +82,15 @@ void SidebarCell::paint(QPainter *painter, const QStyleOptionViewItem &option, c
         return QStyle::visualRect(option.direction, option.rect, rect);
     };
     const int size = isTop ? iconSize : childIconSize;
-    const QRect icon(isTop ? topIconLeft : childIconLeft, option.rect.top(), size, option.rect.height());
+    const QRect icon(isTop ? topIconLeft : childLeft(option.rect), option.rect.top(), size,
+                     option.rect.height());
     const BadgePainter badge(index.data(SidebarModel::BadgeLeftRole).toInt(),
                              index.data(SidebarModel::BadgeRightRole).toInt(),
                              Theme::font(Theme::FontRole::SmallStrong));
-    const int textLeft = icon.right() + 1 + textGap;
+    const int textLeft = icon.right() + 1 + gapIn(option.rect);
     const QRect text(textLeft, option.rect.top(),
-                     option.rect.right() - textLeft - badge.width() - plateMargin, option.rect.height());
+                     option.rect.right() - textLeft - badge.width() - narrowTextGap / 2,
+                     option.rect.height());
 
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
@@ -111,7 +127,7 @@ void SidebarCell::updateEditorGeometry(QWidget *editor, const QStyleOptionViewIt
                                        const QModelIndex &) const
 {
     constexpr int paddingOfField = 6;
-    const int left = childIconLeft + childIconSize + textGap - paddingOfField;
+    const int left = childLeft(option.rect) + childIconSize + gapIn(option.rect) - paddingOfField;
     const QRect place(left, option.rect.top() + 1, option.rect.right() - left - plateMargin,
                       option.rect.height() - 2);
     editor->setGeometry(QStyle::visualRect(option.direction, option.rect, place));

@@ -13,7 +13,11 @@ void ScrollBarLook::draw(const QStyleOptionComplex *option, QPainter *painter, c
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
-    painter->setBrush(isHot ? Theme::scrollHandleHover : Theme::scrollHandle);
+    constexpr int middle = 128;
+    if (option->palette.color(QPalette::Window).lightness() < middle)
+        painter->setBrush(isHot ? Theme::scrollHandleOnDarkHover : Theme::scrollHandleOnDark);
+    else
+        painter->setBrush(isHot ? Theme::scrollHandleHover : Theme::scrollHandle);
     const QRectF thin = QRectF(handle).adjusted(2, 2, -2, -2);
     const qreal radius = std::min(thin.width(), thin.height()) / 2;
     painter->drawRoundedRect(thin, radius, radius);

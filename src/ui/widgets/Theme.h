@@ -26,6 +26,8 @@ inline constexpr QColor controlPressed{236, 240, 246};
 inline constexpr QColor controlBorder{208, 215, 224};
 inline constexpr QColor scrollHandle{15, 30, 45, 60};
 inline constexpr QColor scrollHandleHover{15, 30, 45, 110};
+inline constexpr QColor scrollHandleOnDark{255, 255, 255, 70};
+inline constexpr QColor scrollHandleOnDarkHover{255, 255, 255, 120};
 
 // The accent and its weaker forms.
 inline constexpr QColor accent{43, 99, 201};
