@@ -86,8 +86,9 @@ void MainWindowController::groupsMayHaveChanged()
     if (sidebar->refreshGroups())
         return;
     const SidebarItem former = selectItem.value_or(SidebarItem::Home);
+    const QString group = selectedGroup;
     loadContactsGroup();
-    showList(former == SidebarItem::ContactGroup ? SidebarItem::People : former);
+    selectAgain(former, group);
 }
 
 void MainWindowController::undo()

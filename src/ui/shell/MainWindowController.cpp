@@ -207,12 +207,32 @@ void MainWindowController::countTasksBadge()
     sidebar->setBadges(DBWorker::taskBadges());
 }
 
+/// The row that was selected, if it is still there.
+void MainWindowController::selectAgain(SidebarItem former, const QString &formerGroup)
+{
+    const auto group = std::dynamic_pointer_cast<EntityContactGroup>(DBWorker::getObjectFromId(formerGroup));
+    const QModelIndex place = group ? sidebar->indexOfGroup(*group) : QModelIndex();
+    if (place.isValid())
+        mainWindow->outlineViewListItem()->selectIndex(place);
+    else
+        showList(former == SidebarItem::ContactGroup ? SidebarItem::People : former);
+}
+
 void MainWindowController::changeDataBase()
 {
-    const auto former = selectItem.value_or(SidebarItem::Home);
+    // Panes and windows for new records are about the other store.
+    details->removeAllDetail();
+    const SidebarItem former = selectItem.value_or(SidebarItem::Home);
+    const QString group = selectedGroup;
     loadContactsGroup();
-    QTimer::singleShot(firstSelectionDelay, this, [this, former] { showList(former); });
+    QTimer::singleShot(firstSelectionDelay, this, [this, former, group] { selectAgain(former, group); });
     countTasksBadge();
+}
+
+void MainWindowController::openWelcomeWindow()
+{
+    if (AppDelegate *delegate = AppDelegate::shared(); delegate && mainWindow->close())
+        delegate->startStartWindow();
 }
 
 void MainWindowController::didRemoveRow(const QModelIndex &index)
@@ -271,6 +291,7 @@ void MainWindowController::explainPlace()
 void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &index)
 {
     selectItem = sidebar->itemAt(index);
+    selectedGroup = DBWorker::getIdFromObject(sidebar->groupAt(index));
     searchedRecord.clear();
     show(ScreenFactory::make(*sidebar, index));
 }

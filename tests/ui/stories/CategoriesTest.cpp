@@ -66,7 +66,9 @@ TEST_F(CategoriesScreen, ShowsTheTasksOfTheSelectedOne)
     select(u"None"_s);
     EXPECT_EQ(shownTitles(), QStringList(u"Loose end"_s));
     select(u"Work"_s);
-    EXPECT_EQ(shownTitles(), QStringList());
+    EXPECT_EQ(shownTitles(), QStringList(u"No events"_s));
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, middleOf(0));
+    EXPECT_TRUE(controller().detailStack()->isEmpty());
 
     select(u"Personal"_s);
     add(u"Paint the fence"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Personal"_s); });

@@ -143,7 +143,7 @@ void TabTaskViewController::updateEmptyState()
 {
     const bool isEmpty = model->nearestItem(0, 1) < 0;
     const bool isByFilter = isEmpty && canClearFilter();
-    emptyState->setVisible(isEmpty && !isByFilter);
+    emptyState->setVisible(isEmpty && !isByFilter && !emptyState->sentence().isEmpty());
     if (filteredState)
         filteredState->setVisible(isByFilter);
 }

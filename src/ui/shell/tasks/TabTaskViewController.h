@@ -23,7 +23,8 @@ struct TaskListDescription
     ListType type;
     QString title;
     QString icon;
-    QString emptySentence;
+    /// What an empty list says in its middle; empty if it says so in a row of its own.
+    QString emptySentence = {};
     /// The key of its grouping in the settings; -1 for a list without the control.
     int groupedType = -1;
     DetailPlace detailPlace = {};

@@ -77,7 +77,7 @@ void TaskTableCell::paintHeader(QPainter &painter, const QStyleOptionViewItem &o
     const QFont font = Theme::font(Theme::FontRole::BodyStrong);
     const QRect place = option.rect.adjusted(inset, 0, -inset, -Theme::unit);
     painter.setFont(font);
-    painter.setPen(Theme::text);
+    painter.setPen(index.data(TaskListModel::IsQuietRole).toBool() ? Theme::secondaryText : Theme::text);
     followScript(painter, index.data().toString());
     painter.drawText(place, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignBottom),
                      QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, place.width()));
@@ -137,11 +137,11 @@ private:
 
 QColor titleColour(const QStyleOptionViewItem &option, const TaskRowContent &content)
 {
-    if (content.isChecked)
-        return Theme::secondaryText;
     const bool isMarked =
         option.state.testFlag(QStyle::State_Selected) && option.state.testFlag(QStyle::State_Active);
-    return isMarked ? Theme::selectedText : Theme::text;
+    if (isMarked)
+        return Theme::selectedText;
+    return content.isChecked ? Theme::secondaryText : Theme::text;
 }
 
 } // namespace
