@@ -83,6 +83,7 @@ private:
     void show(TabsViewController *newScreen);
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
+    void menuClickNewTask();
     void removeSelected();
     TaskPtr taskInQuestion() const;
     void selectAgain(SidebarItem former, const QString &formerGroup);
