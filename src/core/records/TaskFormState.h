@@ -104,6 +104,8 @@ public:
     bool isGone() const;
     /// Reads everything from the row again.
     void rollback();
+    /// Takes over what has changed in the row since the edit began; what the user has changed stays.
+    void followRow();
 
 private:
     template <typename Edit>
@@ -118,8 +120,11 @@ private:
     QString dateText(OptionalDate date, bool withTime) const;
     QString repeatText() const;
     void note(TaskField field);
+    void takeBase();
 
     MVTask task;
+    /// The row as it was when the copy was taken.
+    MVTask base;
     TaskInvitation invited;
     bool calendarAccess;
     bool mayBeToDo = true;

@@ -194,6 +194,25 @@ TEST_F(TaskDetailTest, ThePaneOfADeletedTaskGoesAndOneChangedElsewhereFollows)
     EXPECT_TRUE(stack().isEmpty());
 }
 
+TEST_F(TaskDetailTest, WhatIsChangedElsewhereDuringAnEditShowsUpBesideWhatIsTyped)
+{
+    addInbox({u"first"_s});
+    openDetail(0);
+    QTest::mouseClick(&find<QPushButton>(pane(), "buttonEdit"), Qt::LeftButton);
+    ASSERT_TRUE(pane().isEditing());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
+    QTest::keyClicks(QApplication::focusWidget(), u" of all"_s);
+    stored(u"first"_s)->setDetails(u"from the phone"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return pane().taskForm()->currentTask().details == u"from the phone"_s; }));
+    EXPECT_TRUE(pane().isEditing());
+    QTest::keyClicks(QApplication::focusWidget(), u"!"_s);
+    QTest::mouseClick(&find<QPushButton>(pane(), "buttonEdit"), Qt::LeftButton);
+    ASSERT_NE(stored(u"first of all!"_s), nullptr);
+    EXPECT_EQ(stored(u"first of all!"_s)->details(), u"from the phone"_s);
+}
+
 TEST_F(TaskDetailTest, TheMailButtonOpensADraft)
 {
     QStringList opened;

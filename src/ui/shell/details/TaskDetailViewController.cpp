@@ -131,12 +131,15 @@ void TaskDetailViewController::observe()
         }));
 }
 
-/// What the user is typing stays, unless its task is gone.
+/// What the user has entered stays, unless its task is gone; the rest follows.
 void TaskDetailViewController::taskChanged()
 {
     if (form.isGone()) {
         Q_EMIT recordRemoved();
-    } else if (!isEditing() && form.currentTask().isChangedTask()) {
+    } else if (isEditing()) {
+        form.followRow();
+        statusChanged();
+    } else if (form.currentTask().isChangedTask()) {
         form.rollback();
         form.findInvitation();
         statusChanged();
