@@ -163,9 +163,7 @@ CustomRepeat TaskFormState::customRepeat() const
 
 bool TaskFormState::canEdit() const
 {
-    if (task.status == static_cast<int>(TaskStatus::Done) || !allowsModifyEvent())
-        return false;
-    return task.repeat.isEmpty() || CalendarEvent::isAccessChangeRepeatTaskWithMessage(true);
+    return task.status != static_cast<int>(TaskStatus::Done) && allowsModifyEvent();
 }
 
 /// What a task keeps of its calendar besides the name.

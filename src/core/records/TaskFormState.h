@@ -86,8 +86,7 @@ public:
     // Editing and saving.
     /// Whether its calendar lets the task be changed.
     bool allowsModifyEvent() const { return task.allowsContentModifications.value_or(true); }
-    /// A task that is done, that lies on a read-only calendar, or that repeats while edits of repeats are
-    /// barred cannot be edited.
+    /// A task that is done or lies on a read-only calendar cannot be edited.
     bool canEdit() const;
     bool canSave() const { return !task.title.isEmpty(); }
     /// Whether the user has put in anything that would be missed.

@@ -11,20 +11,20 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int patience = 400;
 constexpr int interval = 100;
 
-LongWork::LongWork(int steps)
-    : count(steps)
-{
-    timer.start();
-}
+LongWork::LongWork(std::size_t steps, QString sentence)
+    : count(static_cast<int>(steps))
+    , label(std::move(sentence))
+{}
 
 LongWork::~LongWork() = default;
 
 void LongWork::show()
 {
+    busy.reset();
     dialog = std::make_unique<QProgressDialog>(QApplication::activeWindow());
     dialog->setObjectName(u"longWork"_s);
     dialog->setWindowModality(Qt::ApplicationModal);
-    dialog->setLabelText(localized(u"Changing the selected tasks"_s));
+    dialog->setLabelText(label);
     dialog->setCancelButtonText(localized(u"Cancel"_s));
     dialog->setRange(0, count);
     dialog->setMinimumDuration(0);
@@ -33,6 +33,10 @@ void LongWork::show()
 bool LongWork::step()
 {
     ++done;
+    if (!timer.isValid()) {
+        timer.start();
+        busy.emplace();
+    }
     const qint64 now = timer.elapsed();
     if (done >= count || now < patience || now - lastShown < interval)
         return true;

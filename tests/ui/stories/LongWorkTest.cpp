@@ -23,7 +23,7 @@ using LongWorkTest = ShellTest;
 
 TEST_F(LongWorkTest, QuickWorkShowsNothing)
 {
-    LongWork work(1000);
+    LongWork work(1000, {});
     for (int step = 0; step < 1000; ++step)
         ASSERT_TRUE(work.step());
     EXPECT_EQ(shownSign(), nullptr);
@@ -34,7 +34,7 @@ TEST_F(LongWorkTest, SlowWorkShowsHowFarItIsAndStopsOnCancel)
     constexpr int steps = 200;
     int done = 0;
     {
-        LongWork work(steps);
+        LongWork work(steps, {});
         while (done < steps) {
             ++done;
             QThread::msleep(10);

@@ -6,19 +6,18 @@
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
+#include "records/TaskBatch.h"
 #include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
 #include "records/dates/MVDate.h"
 #include "shell/ShellAlerts.h"
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
-#include "shell/tasks/SelectionMemory.h"
 #include "shell/tasks/TaskPopupMenu.h"
-#include "shell/tasks/TaskRowEditor.h"
 #include "shell/tasks/TaskTableCell.h"
 #include "store/state/NotificationNames.h"
-#include "widgets/BusyCursor.h"
 #include "widgets/EmptyState.h"
+#include "widgets/LongWork.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/ScreenToolBar.h"
 #include "widgets/Theme.h"
@@ -72,9 +71,8 @@ void TabTaskViewController::setUpView()
     connect(view, &TableViewExtended::removeRequested, this, &TabTaskViewController::removeSelection);
     connect(view, &TableViewExtended::menuRequested, this, &TabTaskViewController::showMenu);
     connect(view, &TableViewExtended::rowSelectionChanged, this, &TabTaskViewController::commandsChanged);
-    connect(view, &TableViewExtended::checkToggled, this, [this](const std::set<int> &rows) {
-        editing([&] { TaskRowEditor::toggleDone(tasksAt(rows)); });
-    });
+    connect(view, &TableViewExtended::checkToggled, this,
+            [this](const std::set<int> &rows) { changeTasks(tasksAt(rows), &TaskBatch::toggleDone); });
 }
 
 void TabTaskViewController::setUpTopView()
@@ -127,12 +125,17 @@ void TabTaskViewController::reloadLater()
 
 void TabTaskViewController::reloadData()
 {
+    reload(SelectionMemory::Otherwise::Neighbour);
+}
+
+void TabTaskViewController::reload(SelectionMemory::Otherwise otherwise)
+{
     delayedReload.stop();
     promptReload.stop();
     const SelectionMemory memory = SelectionMemory::of(*view, *model);
     showFilterState();
     model->setRows(fetchRows(grouping()));
-    memory.restore(*view, *model);
+    memory.restore(*view, *model, otherwise);
     updateEmptyState();
     if (std::exchange(mustCloseHidden, false))
         closeHiddenDetails();
@@ -228,7 +231,7 @@ void TabTaskViewController::clearController()
 void TabTaskViewController::saveGrouping(int index)
 {
     TaskGrouping(description.groupedType).setSelectedIndex(index);
-    reloadData();
+    reload(SelectionMemory::Otherwise::Nothing);
 }
 
 NewTaskRequest TabTaskViewController::newTaskRequest() const
@@ -346,8 +349,9 @@ void TabTaskViewController::removeRows(const std::set<int> &rows)
     const int lastIndex = *rows.rbegin();
     if (detailStack())
         detailStack()->removeAllDetailFromTasks(going);
-    const BusyCursor busy;
-    TaskManager::deleteTasks(removable, [this, lastIndex] { selectAfterRemoval(lastIndex); });
+    LongWork work(removable.size(), localized(u"Deleting the selected tasks"_s));
+    TaskManager::deleteTasks(
+        removable, [this, lastIndex] { selectAfterRemoval(lastIndex); }, [&work] { return work.step(); });
 }
 
 void TabTaskViewController::selectAfterRemoval(int lastIndex)
@@ -359,6 +363,22 @@ void TabTaskViewController::selectAfterRemoval(int lastIndex)
         view->selectRow(row);
 }
 
+// Changing
+
+/// Changes tasks of the list, which must not be fetched at once for that. Many take their time, which is
+/// shown.
+template <typename Change, typename... Value>
+void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Change change,
+                                        const Value &...value)
+{
+    LongWork work(tasks.size(), localized(u"Changing the selected tasks"_s));
+    isEditing = true;
+    change(tasks, value..., [&work] { return work.step(); });
+    isEditing = false;
+    view->viewport()->update();
+    reloadLater();
+}
+
 // Context menu
 
 void TabTaskViewController::setUpMenu()
@@ -366,14 +386,12 @@ void TabTaskViewController::setUpMenu()
     taskPopupMenu = new TaskPopupMenu(this);
     const auto selected = [this] { return tasksAt(view->selectedRows()); };
     connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
-            [this, selected](int status) { editing([&] { TaskRowEditor::setStatus(selected(), status); }); });
-    connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this, [this, selected](int priority) {
-        editing([&] { TaskRowEditor::setPriority(selected(), priority); });
+            [=, this](int status) { changeTasks(selected(), &TaskBatch::setStatus, status); });
+    connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this,
+            [=, this](int priority) { changeTasks(selected(), &TaskBatch::setPriority, priority); });
+    connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this, [=, this](const CategoryPtr &category) {
+        changeTasks(selected(), &TaskBatch::setCategory, category);
     });
-    connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this,
-            [this, selected](const CategoryPtr &category) {
-                editing([&] { TaskRowEditor::setCategory(selected(), category); });
-            });
     connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TabTaskViewController::whyRequested);
     connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TabTaskViewController::removeSelection);
 }

@@ -4,6 +4,7 @@
 #include "filters/TasksFilter.h"
 #include "foundation/NotificationCenter.h"
 #include "shell/TabsViewController.h"
+#include "shell/tasks/SelectionMemory.h"
 #include "shell/tasks/TaskListModel.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/TableViewExtended.h"
@@ -75,16 +76,6 @@ protected:
     /// Fetches anew after a change that the user is to see first; changes in quick succession share one
     /// fetch.
     void reloadLater();
-    /// Runs a change of our own, which must not make the list fetch at once.
-    template <typename Change>
-    void editing(Change change)
-    {
-        isEditing = true;
-        change();
-        isEditing = false;
-        view->viewport()->update();
-        reloadLater();
-    }
 
 private:
     void setUpView();
@@ -97,7 +88,10 @@ private:
     void setUpMenu();
     void observe();
     void changedElsewhere();
+    void reload(SelectionMemory::Otherwise otherwise);
     void saveGrouping(int index);
+    template <typename Change, typename... Value>
+    void changeTasks(const std::vector<TaskPtr> &tasks, Change change, const Value &...value);
     void tableViewDoubleAction(int row);
     void removeRows(const std::set<int> &rows);
     void selectAfterRemoval(int lastIndex);
