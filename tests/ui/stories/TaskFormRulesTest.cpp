@@ -1,5 +1,7 @@
 // What the user changes in one field of a new task decides what stands in the others, and what is stored.
 
+#include "shell/details/DetailStack.h"
+#include "shell/details/DetailViewController.h"
 #include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"
@@ -11,6 +13,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextEdit>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -187,6 +190,73 @@ TEST_F(TaskFormRulesTest, TheCompanyFollowsTheContactAndBothCanBeTakenBack)
     ASSERT_NE(task, nullptr);
     EXPECT_EQ(task->delegateToUser(), ann);
     EXPECT_EQ(task->company(), nullptr);
+}
+
+TEST_F(TaskFormRulesTest, ARepetitionIsStoredWithItsEndAndShownAgainInWords)
+{
+    const CalendarAccess access({u"Home"_s});
+    open(u"standup"_s, SidebarItem::Today);
+    EXPECT_EQ(popUp("popUpButtonCalendar").itemText(0), u"Choose calendars to sync with Apple calendar"_s);
+    EXPECT_EQ(popUp("popUpButtonCalendar").currentText(), u"Home"_s);
+    choose("popUpButtonRepeat", u"Every Week"_s);
+    pick("datePickerEndRepeat");
+    const TaskPtr task = save(u"standup"_s);
+    ASSERT_NE(task, nullptr);
+    EXPECT_TRUE(task->repeat().contains(u"FREQ=WEEKLY"_s)) << qPrintable(task->repeat());
+    EXPECT_TRUE(task->endRepeat());
+    EXPECT_EQ(task->calendarTitle(), u"Home"_s);
+    EXPECT_FALSE(task->calendarID().isEmpty());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return shownTitles().contains(u"standup"_s); }));
+    clickRow(static_cast<int>(shownTitles().indexOf(u"standup"_s)));
+    key(Qt::Key_Return);
+    const QWidget &pane = *controller().detailStack()->top();
+    EXPECT_EQ(find<QLabel>(pane, "labelRepeatPreview").text(), u"Every Week"_s);
+    EXPECT_FALSE(find<RowItemView>(pane, "rowEndRepeat").isRowHidden());
+}
+
+TEST_F(TaskFormRulesTest, TheFormOfAStoredTaskFollowsTheSameRules)
+{
+    add(u"report"_s, [](MVTask &copy) {
+        copy.startDate = localDate(2026, 11, 23);
+        copy.dueDate = localDate(2026, 11, 24, 23, 59);
+        copy.alert = localDate(2026, 11, 23, 8);
+        copy.secondAlert = localDate(2026, 11, 23, 7);
+    });
+    showList(SidebarItem::Scheduled);
+    clickRow(0);
+    key(Qt::Key_Return);
+    const QWidget &pane = *controller().detailStack()->top();
+    EXPECT_FALSE(find<RowItemView>(pane, "rowSecondAlert").isRowHidden());
+    auto &edit = find<QPushButton>(pane, "buttonEdit");
+    QTest::mouseClick(&edit, Qt::LeftButton);
+    auto &start = find<DatePicker>(pane, "datePickerStartDate");
+    start.setFocus();
+    QTest::keyClick(&start, Qt::Key_Delete);
+    for (const char *row : {"rowAlert", "rowSecondAlert"})
+        EXPECT_TRUE(find<RowItemView>(pane, row).isRowHidden()) << row;
+    EXPECT_TRUE(stored(u"report"_s)->alert()) << "nothing is stored before \"Done\"";
+    QTest::mouseClick(&edit, Qt::LeftButton);
+    const TaskPtr task = stored(u"report"_s);
+    EXPECT_FALSE(task->startDate() || task->alert() || task->secondAlert());
+    EXPECT_TRUE(task->dueDate());
+}
+
+TEST_F(TaskFormRulesTest, RowsGrowWithTheirTextAndTakeNoRoomWhileHidden)
+{
+    open(u"list"_s);
+    auto &details = find<QTextEdit>(*newTaskWindow(), "textFieldDetails");
+    const auto &row = find<RowItemView>(*newTaskWindow(), "rowDetails");
+    const auto &below = find<RowItemView>(*newTaskWindow(), "rowContacts");
+    const int before = row.height();
+    details.setFocus();
+    for (int line = 0; line < 12; ++line)
+        QTest::keyClick(&details, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return row.height() > before; }));
+    EXPECT_EQ(below.y(), row.geometry().bottom() + 1);
+    const auto &location = find<RowItemView>(*newTaskWindow(), "rowLocation");
+    const auto &due = find<RowItemView>(*newTaskWindow(), "rowEndDate");
+    EXPECT_EQ(location.y(), due.geometry().bottom() + 1) << "repeat and alerts stand between them, hidden";
+    EXPECT_EQ(due.height(), 40);
 }
 
 TEST_F(TaskFormRulesTest, TheCheckBoxAndTheStatusSayTheSame)

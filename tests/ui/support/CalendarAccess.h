@@ -25,7 +25,8 @@ public:
     ~CalendarAccess()
     {
         allow(2);
-        UserDefaults::standard().removeObject(settings::savedChooseCalendars);
+        for (const QString &key : {settings::savedChooseCalendars, settings::defaultCalendar})
+            UserDefaults::standard().removeObject(key);
         EKEventStore::setSharedBackend(nullptr);
         CalendarEvent::resetEventStore();
     }
