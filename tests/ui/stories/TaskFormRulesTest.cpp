@@ -170,6 +170,23 @@ TEST_F(TaskFormRulesTest, OnlyAToDoIsDueSomeDay)
     EXPECT_FALSE(task->startDate() || task->dueDate());
 }
 
+TEST_F(TaskFormRulesTest, SomedayIsTakenBackWhereItWasSaid)
+{
+    open(u"dream"_s, SidebarItem::Someday);
+    QWidget *bubble = openBubble("datePickerDueDate");
+    ASSERT_NE(bubble, nullptr);
+    QTest::keyClick(bubble->focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(isShown("rowStartDate")) << "a look changes nothing";
+    bubble = openBubble("datePickerDueDate");
+    QTest::keyClick(bubble->findChild<QCheckBox *>(), Qt::Key_Space);
+    EXPECT_TRUE(isShown("rowStartDate"));
+    QTest::mouseClick(&find<QPushButton>(*bubble, "buttonDone"), Qt::LeftButton);
+    const TaskPtr task = save(u"dream"_s);
+    ASSERT_NE(task, nullptr);
+    EXPECT_EQ(task->dueSomeDay(), false);
+    EXPECT_EQ(task->dueDate(), localDate(2026, 11, 21, 23, 59));
+}
+
 TEST_F(TaskFormRulesTest, TheCompanyFollowsTheContactAndBothCanBeTakenBack)
 {
     const auto bank = context().insert<EntityCompany>();
