@@ -2,6 +2,7 @@
 
 #include "filters/FilterButtonCancelView.h"
 #include "filters/TasksFilterButton.h"
+#include "widgets/Direction.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/Theme.h"
 
@@ -15,7 +16,8 @@ TasksTabTopView::TasksTabTopView(QWidget *parent)
     , filterButton(new TasksFilterButton)
 {
     setFixedHeight(stripHeight);
-    row->setContentsMargins(Theme::contentMargin, 0, Theme::contentMargin - Theme::unit, 0);
+    row->setContentsMargins(
+        Direction::margins(*this, Theme::contentMargin, 0, Theme::contentMargin - Theme::unit, 0));
     row->setSpacing(Theme::unit);
     row->addStretch(1);
     row->addWidget(cancelView);
@@ -45,5 +47,7 @@ void TasksTabTopView::shareRoom()
 void TasksTabTopView::setGrouping(MVSegmentView *grouping)
 {
     row->insertWidget(0, grouping);
+    // Tab goes as the eye does.
     setTabOrder(grouping, cancelView);
+    setTabOrder(cancelView, filterButton);
 }

@@ -15,7 +15,8 @@ using Entries = std::initializer_list<std::optional<ActionId>>;
 
 static void addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, Entries entries)
 {
-    QMenu *menu = menuBar.addMenu(localized(title));
+    // Alt with the first letter opens the menu.
+    QMenu *menu = menuBar.addMenu(u'&' + localized(title));
     for (const std::optional<ActionId> &entry : entries) {
         if (entry)
             menu->addAction(actions.action(*entry));

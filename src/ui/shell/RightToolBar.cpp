@@ -2,6 +2,7 @@
 
 #include "shell/search/SearchField.h"
 #include "shell/search/SearchPopover.h"
+#include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
 #include <QApplication>
@@ -28,6 +29,7 @@ void ChengedToolBar::addToolBar(QWidget *bar)
     shownBar = bar;
     layout()->addWidget(bar);
     bar->show();
+    Q_EMIT toolBarChanged(bar);
 }
 
 RightToolBar::RightToolBar(QWidget *parent)
@@ -37,9 +39,10 @@ RightToolBar::RightToolBar(QWidget *parent)
 {
     setFixedHeight(Theme::toolBarHeight);
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, Theme::contentMargin, 0);
+    row->setContentsMargins(Direction::margins(*this, 0, 0, Theme::contentMargin, 0));
     row->setSpacing(0);
     row->addWidget(slot, 1);
+    connect(slot, &ChengedToolBar::toolBarChanged, this, &RightToolBar::orderKeys);
     row->addWidget(field);
     // A key or a press makes the popover, which then follows the field by itself.
     const auto openFirst = [this] {
@@ -49,6 +52,18 @@ RightToolBar::RightToolBar(QWidget *parent)
     connect(field, &SearchField::pressed, this, openFirst);
     connect(field, &SearchField::textChanged, this, openFirst);
     connect(field, &SearchField::escaped, this, &RightToolBar::leaveSearch);
+}
+
+/// Tab reaches the field after the buttons that stand before it.
+void RightToolBar::orderKeys(const QWidget *bar)
+{
+    QWidget *before = nullptr;
+    for (QWidget *control : bar->findChildren<QWidget *>()) {
+        if ((control->focusPolicy() & Qt::TabFocus) != 0)
+            before = control;
+    }
+    if (before)
+        setTabOrder(before, field);
 }
 
 SearchPopover *RightToolBar::searchPopover()

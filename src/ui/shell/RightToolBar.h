@@ -15,6 +15,9 @@ public:
     /// Shows a bar in place of the one that was there; whose that was, keeps it.
     void addToolBar(QWidget *bar);
 
+Q_SIGNALS:
+    void toolBarChanged(const QWidget *bar);
+
 private:
     QPointer<QWidget> shownBar;
 };
@@ -49,6 +52,7 @@ protected:
 
 private:
     void leaveSearch();
+    void orderKeys(const QWidget *bar);
 
     ChengedToolBar *slot;
     SearchField *field;

@@ -10,13 +10,15 @@ constexpr int sharpness = 3;
 
 QIcon CategoryIcon::circle(const QColor &colour)
 {
+    if (!colour.isValid())
+        return {};
     QPixmap pixmap(iconSize * sharpness, iconSize * sharpness);
     pixmap.setDevicePixelRatio(sharpness);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colour.isValid() ? QBrush(colour) : QBrush(Qt::NoBrush));
+    painter.setBrush(colour);
     constexpr int margin = (iconSize - circleSize) / 2;
     painter.drawEllipse(margin, margin, circleSize, circleSize);
     return QIcon(pixmap);

@@ -7,7 +7,7 @@ class EntityCategory;
 /// Coloured circles for menus and pop-ups.
 namespace CategoryIcon {
 
-/// The circle of a colour; an empty place for an invalid one.
+/// The circle of a colour; none for an invalid one.
 QIcon circle(const QColor &colour);
 /// The circle in a category's colour.
 QIcon of(const EntityCategory &category);

@@ -1,5 +1,6 @@
 #include "widgets/CheckList.h"
 
+#include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -65,9 +66,7 @@ private:
             Icons::paint(painter, mirrored(mark), u"check-mark"_s, Theme::accent, iconSize + Theme::unit);
         place.setRight(mark.left());
         painter.setPen(Theme::text);
-        painter.drawText(
-            mirrored(place), QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-            option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight, place.width()));
+        Direction::drawLine(painter, mirrored(place), option.direction, index.data().toString());
     }
 };
 

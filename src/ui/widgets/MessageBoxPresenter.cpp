@@ -8,6 +8,7 @@
 #include <QEventLoop>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
@@ -33,12 +34,29 @@ static void fillWords(QMessageBox &box, const AlertQuestion &question)
     box.setTextFormat(Qt::PlainText);
 }
 
+/// The question stands out from what explains it.
+static void dress(QMessageBox &box)
+{
+    if (auto *question = box.findChild<QLabel *>(u"qt_msgbox_label"_s))
+        question->setFont(Theme::font(Theme::FontRole::BodyStrong));
+    if (auto *explanation = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s)) {
+        QPalette palette = explanation->palette();
+        palette.setColor(QPalette::WindowText, Theme::secondaryText);
+        explanation->setPalette(palette);
+    }
+}
+
 /// Wide enough for a sentence or the path of a file.
 static void widen(QMessageBox &box)
 {
     constexpr int leastWidth = 420;
-    if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))
-        grid->addItem(new QSpacerItem(leastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    constexpr int margin = 20;
+    auto *grid = qobject_cast<QGridLayout *>(box.layout());
+    if (!grid)
+        return;
+    grid->setContentsMargins(margin, margin, margin, margin);
+    grid->setVerticalSpacing(Theme::unit);
+    grid->addItem(new QSpacerItem(leastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
 /// The roles only decide the places of the buttons, not what they answer.
@@ -85,6 +103,7 @@ int MessageBoxPresenter::present(const AlertQuestion &question)
     QMessageBox box(QApplication::activeWindow());
     box.setObjectName(u"alert"_s);
     fillWords(box, question);
+    dress(box);
     widen(box);
     const QStringList titles =
         question.buttons.isEmpty() ? QStringList{localized(u"OK"_s)} : question.buttons;

@@ -1,12 +1,14 @@
 #include "widgets/MorvaneStyle.h"
 
 #include "widgets/Icons.h"
+#include "widgets/RoundCorners.h"
 #include "widgets/ScrollBarLook.h"
 #include "widgets/Theme.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QMenu>
 #include <QPainter>
 #include <QStyleOption>
 #include <QTextEdit>
@@ -15,7 +17,12 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int menuItemHeight = 28;
 constexpr int buttonMinimumWidth = 84;
+constexpr int buttonPadding = 12;
 constexpr int fieldInset = 5;
+/// Around the words of a check box, beside and above them.
+constexpr QSize roomOfRing(4, 2);
+constexpr int tickRoom = 24;
+constexpr int tickSize = 22;
 constexpr qreal half = 0.5;
 
 MorvaneStyle::MorvaneStyle()
@@ -27,13 +34,14 @@ static QRectF bounds(const QRect &rect)
     return QRectF(rect).adjusted(half, half, -half, -half);
 }
 
-static void drawRounded(QPainter *painter, const QRectF &rect, const QColor &fill, const QColor &border)
+static void drawRounded(QPainter *painter, const QRectF &rect, const QColor &fill, const QColor &border,
+                        qreal radius = Theme::controlRadius)
 {
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(border.isValid() ? QPen(border) : QPen(Qt::NoPen));
     painter->setBrush(fill);
-    painter->drawRoundedRect(rect, Theme::controlRadius, Theme::controlRadius);
+    painter->drawRoundedRect(rect, radius, radius);
     painter->restore();
 }
 
@@ -89,15 +97,39 @@ static void drawField(const QStyleOption *option, QPainter *painter)
 static void drawCheck(const QStyleOption *option, QPainter *painter)
 {
     const bool isOn = option->state.testFlag(QStyle::State_On);
+    constexpr qreal radius = 4;
     drawRounded(painter, bounds(option->rect).adjusted(1, 1, -1, -1), isOn ? Theme::accent : Theme::control,
-                isOn ? Theme::accent : Theme::checkBox);
+                isOn ? Theme::accent : Theme::checkBox, radius);
     if (isOn)
         Icons::paint(*painter, option->rect, u"check-mark"_s, Theme::textOnAccent, option->rect.width());
+}
+
+static void drawRadio(const QStyleOption *option, QPainter *painter)
+{
+    const bool isOn = option->state.testFlag(QStyle::State_On);
+    const QRectF circle = bounds(option->rect).adjusted(1, 1, -1, -1);
+    const qreal radius = circle.height() / 2;
+    drawRounded(painter, circle, isOn ? Theme::accent : Theme::control,
+                isOn ? Theme::accent : Theme::checkBox, radius);
+    if (isOn)
+        drawRounded(painter, circle.adjusted(radius / 2, radius / 2, -radius / 2, -radius / 2),
+                    Theme::textOnAccent, {}, radius / 2);
+}
+
+static QRect around(const QRect &rect, const QSize &room)
+{
+    return rect.adjusted(-room.width(), -room.height(), room.width(), room.height());
 }
 
 static bool isInSpinBox(const QWidget *widget)
 {
     return widget && qobject_cast<const QAbstractSpinBox *>(widget->parentWidget());
+}
+
+/// The window with the list of a pop-up button.
+static bool isPopUpList(const QWidget *widget)
+{
+    return widget && widget->inherits("QComboBoxPrivateContainer");
 }
 
 void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
@@ -111,22 +143,24 @@ void MorvaneStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *o
         return isInSpinBox(widget) ? void() : drawField(option, painter);
     case PE_IndicatorCheckBox:
         return drawCheck(option, painter);
+    case PE_IndicatorRadioButton:
+        return drawRadio(option, painter);
     case PE_FrameFocusRect:
         if (!qobject_cast<const QAbstractButton *>(widget))
             return;
-        return drawFocusRing(*painter, option->rect.adjusted(-2, -1, 2, 1), Theme::controlRadius,
+        return drawFocusRing(*painter, around(option->rect, roomOfRing), Theme::controlRadius,
                              Theme::focusRing);
     case PE_Frame:
+        if (isPopUpList(widget))
+            return RoundCorners::drawPanel(*painter, *widget, Theme::controlRadius);
         // The frame of a text that is written in; no other frames are drawn with this shape.
         return qobject_cast<const QTextEdit *>(widget)
                    ? drawField(option, painter)
                    : QProxyStyle::drawPrimitive(element, option, painter, widget);
     case PE_FrameMenu:
-    case PE_PanelMenu:
-        painter->fillRect(option->rect, Theme::card);
-        painter->setPen(Theme::controlBorder);
-        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
         return;
+    case PE_PanelMenu:
+        return RoundCorners::drawPanel(*painter, *widget, Theme::controlRadius);
     default:
         QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
@@ -139,9 +173,34 @@ static void drawMenuSelection(const QStyleOption *option, QPainter *painter)
     drawRounded(painter, QRectF(option->rect).adjusted(4, 1, -4, -1), Theme::selection, {});
 }
 
-static QStyleOptionMenuItem withoutSelection(const QStyleOptionMenuItem &item)
+static void drawMenuSeparator(const QRect &rect, QPainter *painter)
+{
+    painter->fillRect(QRect(rect.left(), rect.center().y(), rect.width(), 1), Theme::cardBorder);
+}
+
+static bool isCheckable(const QStyleOptionMenuItem &item)
+{
+    return item.checkType != QStyleOptionMenuItem::NotCheckable;
+}
+
+/// A tick stands before the words, or behind them where an icon is before them.
+static void drawMenuTick(const QStyleOptionMenuItem &item, QPainter *painter)
+{
+    if (!isCheckable(item) || !item.checked)
+        return;
+    QRect place(item.rect.left() + Theme::unit / 2, item.rect.top(), tickRoom, item.rect.height());
+    if (!item.icon.isNull())
+        place.moveRight(item.rect.right() - Theme::unit / 2);
+    Icons::paint(*painter, QStyle::visualRect(item.direction, item.rect, place), u"check-mark"_s,
+                 Theme::accent, tickSize);
+}
+
+/// The words and the icon, without the marks that are drawn by themselves.
+static QStyleOptionMenuItem withoutMarks(const QStyleOptionMenuItem &item)
 {
     QStyleOptionMenuItem plain(item);
+    plain.checkType = QStyleOptionMenuItem::NotCheckable;
+    plain.checked = false;
     plain.state.setFlag(QStyle::State_Selected, false);
     plain.state.setFlag(QStyle::State_Sunken, false);
     return plain;
@@ -151,15 +210,18 @@ void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *optio
                                const QWidget *widget) const
 {
     const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    if (element == CE_MenuItem && item && item->menuItemType == QStyleOptionMenuItem::Separator)
+        return drawMenuSeparator(item->rect, painter);
     if (element == CE_MenuItem && item) {
         drawMenuSelection(option, painter);
-        const QStyleOptionMenuItem plain = withoutSelection(*item);
+        drawMenuTick(*item, painter);
+        const QStyleOptionMenuItem plain = withoutMarks(*item);
         return QProxyStyle::drawControl(element, &plain, painter, widget);
     }
     if (element == CE_MenuBarItem && item) {
         painter->fillRect(option->rect, Theme::card);
         drawMenuSelection(option, painter);
-        return proxy()->drawItemText(painter, option->rect, Qt::AlignCenter | Qt::TextShowMnemonic,
+        return proxy()->drawItemText(painter, option->rect, Qt::AlignCenter | Qt::TextHideMnemonic,
                                      item->palette, item->state.testFlag(State_Enabled), item->text,
                                      QPalette::WindowText);
     }
@@ -226,12 +288,17 @@ int MorvaneStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, co
     case PM_ButtonShiftVertical:
     case PM_MenuBarPanelWidth:
         return 0;
+    case PM_RadioButtonLabelSpacing:
+    case PM_CheckBoxLabelSpacing:
+        return Theme::unit;
     case PM_MenuVMargin:
         return Theme::unit / 2;
     case PM_MenuBarItemSpacing:
         return Theme::unit / 4;
     case PM_IndicatorWidth:
     case PM_IndicatorHeight:
+    case PM_ExclusiveIndicatorWidth:
+    case PM_ExclusiveIndicatorHeight:
         return 18;
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
@@ -261,11 +328,15 @@ QSize MorvaneStyle::sizeFromContents(ContentsType type, const QStyleOption *opti
     QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
     if (type == CT_PushButton)
-        size = size.expandedTo({buttonMinimumWidth, Theme::controlHeight});
+        size = size.expandedTo(
+            {std::max(buttonMinimumWidth, contents.width() + 2 * buttonPadding), Theme::controlHeight});
     else if (type == CT_LineEdit || type == CT_ComboBox || type == CT_SpinBox)
         size.setHeight(std::max(size.height(), Theme::controlHeight));
     else if (type == CT_MenuItem && item && item->menuItemType != QStyleOptionMenuItem::Separator)
-        size = QSize(size.width() + 2 * Theme::unit, std::max(size.height(), menuItemHeight));
+        size = QSize(size.width() + 2 * Theme::unit + (isCheckable(*item) ? tickRoom : 0),
+                     std::max(size.height(), menuItemHeight));
+    else if (type == CT_RadioButton || type == CT_CheckBox)
+        size += 2 * roomOfRing;
     else if (type == CT_MenuBarItem)
         size += QSize(Theme::unit, Theme::unit / 2);
     return size;
@@ -318,4 +389,9 @@ void MorvaneStyle::polish(QWidget *widget)
     QProxyStyle::polish(widget);
     if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QComboBox *>(widget))
         widget->setAttribute(Qt::WA_Hover);
+    if (qobject_cast<QMenu *>(widget) || isPopUpList(widget))
+        RoundCorners::give(*widget, Theme::controlRadius);
+    // The lines stay clear of the corners.
+    if (isPopUpList(widget))
+        widget->setContentsMargins(1, Theme::unit / 2, 1, Theme::unit / 2);
 }

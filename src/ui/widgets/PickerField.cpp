@@ -67,7 +67,7 @@ void PickerField::paintEvent(QPaintEvent *)
     };
     Icons::paint(painter, placed(QRect(0, 0, iconWidth, height())), icon,
                  hasValue() ? Theme::accent : Theme::secondaryText, iconSize);
-    painter.setPen(hasValue() ? Theme::text : Theme::disabledText);
+    painter.setPen(hasValue() ? Theme::text : Theme::placeholderText);
     const QRect place(iconWidth, 0, width() - (isClearable ? 2 * iconWidth : iconWidth + Theme::unit),
                       height());
     painter.drawText(placed(place),

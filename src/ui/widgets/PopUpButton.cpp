@@ -1,6 +1,7 @@
 #include "widgets/PopUpButton.h"
 
 #include "widgets/ClearKey.h"
+#include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
@@ -55,6 +56,12 @@ private:
         return index.data(Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
     }
 
+    /// Words without an icon, such as "None", come first; they line up with those that have one.
+    static bool hasIcons(const QAbstractItemModel &model)
+    {
+        return !model.index(model.rowCount() - 1, 0).data(Qt::DecorationRole).isNull();
+    }
+
     static void paintText(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index,
                           bool isEnabled)
     {
@@ -63,14 +70,13 @@ private:
         if (!icon.isNull()) {
             const QRect at(place.left(), place.top(), option.decorationSize.width(), place.height());
             icon.paint(&painter, QStyle::visualRect(option.direction, option.rect, at));
-            place.setLeft(place.left() + iconRoom);
         }
+        if (isEnabled && hasIcons(*index.model()))
+            place.setLeft(place.left() + iconRoom);
         painter.setFont(isEnabled ? option.font : Theme::font(Theme::FontRole::Small));
         painter.setPen(isEnabled ? Theme::text : Theme::secondaryText);
-        painter.drawText(
-            QStyle::visualRect(option.direction, option.rect, place),
-            QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-            painter.fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, place.width()));
+        Direction::drawLine(painter, QStyle::visualRect(option.direction, option.rect, place),
+                            option.direction, index.data().toString());
     }
 };
 

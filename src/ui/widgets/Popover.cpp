@@ -1,10 +1,10 @@
 #include "widgets/Popover.h"
 
+#include "widgets/RoundCorners.h"
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QScreen>
 
 constexpr int gap = 4;
@@ -12,24 +12,11 @@ constexpr int gap = 4;
 Popover::Popover(QWidget *parent)
     : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
 {
-    setAttribute(Qt::WA_TranslucentBackground);
+    RoundCorners::give(*this, Theme::cardRadius);
 }
 
-static QPainterPath shapeOf(const QRectF &rect)
-{
-    QPainterPath path;
-    path.addRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), Theme::cardRadius, Theme::cardRadius);
-    return path;
-}
-
-/// Where no compositor blends the corners, the mask cuts them off.
 void Popover::resizeEvent(QResizeEvent *)
 {
-    QPainterPath path;
-    // A little rounder than the shape, whose soft edge would be dark there.
-    constexpr qreal rounder = 1.5;
-    path.addRoundedRect(QRectF(rect()), Theme::cardRadius + rounder, Theme::cardRadius + rounder);
-    setMask(QRegion(path.toFillPolygon().toPolygon()));
     if (anchor && isVisible())
         place();
 }
@@ -37,10 +24,7 @@ void Popover::resizeEvent(QResizeEvent *)
 void Popover::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPainterPath shape = shapeOf(rect());
-    painter.fillPath(shape, Theme::card);
-    painter.strokePath(shape, QPen(Theme::controlBorder));
+    RoundCorners::drawPanel(painter, *this, Theme::cardRadius);
 }
 
 void Popover::showBeside(const QWidget &control)

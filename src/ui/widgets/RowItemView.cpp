@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "widgets/Animations.h"
+#include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
@@ -73,9 +74,7 @@ void RowItemView::setControl(QWidget *newControl)
 
 void RowItemView::setInset(int inset)
 {
-    QMargins margins = layout()->contentsMargins();
-    isRightToLeft() ? margins.setRight(inset) : margins.setLeft(inset);
-    layout()->setContentsMargins(margins);
+    layout()->setContentsMargins(Direction::margins(*this, inset, topMargin, sideMargin, bottomMargin));
 }
 
 /// The label stands beside the first line of a text.

@@ -1,5 +1,6 @@
 #include "widgets/ScreenToolBar.h"
 
+#include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
@@ -53,7 +54,8 @@ ScreenToolBar::ScreenToolBar(const QString &title, QWidget *parent)
     , titleLabel(new TitleLabel(this))
     , row(new QHBoxLayout(this))
 {
-    row->setContentsMargins(Theme::contentMargin + Theme::unit / 2, 0, 2 * Theme::unit, 0);
+    row->setContentsMargins(
+        Direction::margins(*this, Theme::contentMargin + Theme::unit / 2, 0, 2 * Theme::unit, 0));
     row->setSpacing(2 * Theme::unit);
     row->addWidget(titleLabel, 1);
     setTitle(title);

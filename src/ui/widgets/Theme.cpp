@@ -58,7 +58,7 @@ QPalette Theme::palette()
     palette.setColor(QPalette::Text, text);
     palette.setColor(QPalette::Button, control);
     palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::PlaceholderText, disabledText);
+    palette.setColor(QPalette::PlaceholderText, placeholderText);
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, textOnAccent);
     palette.setColor(QPalette::Link, accent);

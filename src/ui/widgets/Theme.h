@@ -9,8 +9,9 @@ namespace Theme {
 
 // Text.
 inline constexpr QColor text{15, 30, 45};
-inline constexpr QColor secondaryText{98, 112, 128};
+inline constexpr QColor secondaryText{88, 102, 118};
 inline constexpr QColor disabledText{164, 173, 184};
+inline constexpr QColor placeholderText{112, 123, 137};
 inline constexpr QColor selectedText{24, 74, 158};
 inline constexpr QColor textOnAccent{255, 255, 255};
 
@@ -43,9 +44,9 @@ inline constexpr QColor filterPillHover{43, 99, 201, 48};
 inline constexpr QColor priorityHigh{255, 93, 85};
 inline constexpr QColor priorityMedium{255, 191, 41};
 inline constexpr QColor priorityLow{38, 206, 63};
-inline constexpr QColor overdue{214, 58, 49};
+inline constexpr QColor overdue{203, 46, 38};
 inline constexpr QColor warning{158, 92, 8};
-inline constexpr QColor checkBox{158, 170, 184};
+inline constexpr QColor checkBox{126, 140, 156};
 inline constexpr QColor checkBoxDone{43, 99, 201};
 inline constexpr QColor emptyIcon{150, 163, 179};
 inline constexpr QColor emptyDisc{235, 239, 245};
@@ -53,7 +54,7 @@ inline constexpr QColor emptyDisc{235, 239, 245};
 // The sidebar: white 0.2 at 0.95.
 inline constexpr QColor sidebar{51, 51, 51, 242};
 inline constexpr QColor sidebarText{226, 228, 231};
-inline constexpr QColor sidebarQuiet{160, 164, 170};
+inline constexpr QColor sidebarQuiet{172, 176, 182};
 inline constexpr QColor sidebarSelection{255, 255, 255, 31};
 inline constexpr QColor sidebarHover{255, 255, 255, 13};
 inline constexpr QColor sidebarAccent{126, 172, 255};

@@ -164,3 +164,21 @@ TEST_F(AccessibilityTest, ARowSaysWhatItsColoursAndMarksSay)
     for (const QString &part : {u"report"_s, u"overdue"_s, u"High"_s})
         EXPECT_TRUE(row.contains(part)) << qPrintable(row);
 }
+
+TEST_F(AccessibilityTest, TabGoesAsTheEyeDoesOnEveryScreenThatIsReturnedTo)
+{
+    for (const SidebarItem item : {SidebarItem::Inbox, SidebarItem::Today, SidebarItem::Today}) {
+        showList(item);
+        list().setFocus();
+        QStringList way;
+        do {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            way << QApplication::focusWidget()->objectName();
+        } while (way.last() != list().objectName() && way.size() < 10);
+        QStringList wanted = {u"buttonFilter"_s,    u"outlineViewListItem"_s, u"buttonAdd"_s,
+                              u"buttonCalendars"_s, u"searchField"_s,         u"tableViewTasks"_s};
+        if (item == SidebarItem::Today)
+            wanted.prepend(u"tasksGroupedView"_s);
+        EXPECT_EQ(way, wanted) << qPrintable(way.join(u' '));
+    }
+}

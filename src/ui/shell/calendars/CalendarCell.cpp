@@ -1,6 +1,7 @@
 #include "shell/calendars/CalendarCell.h"
 
 #include "shell/calendars/CalendarListModel.h"
+#include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -19,20 +20,18 @@ constexpr int widthOfDefault = 19;
 constexpr int widthOfOthers = 11;
 constexpr int checkSize = 20;
 
-void write(QPainter &painter, const QRect &where, Qt::LayoutDirection direction, Qt::Alignment alignment,
+void write(QPainter &painter, const QRect &where, Qt::LayoutDirection direction, Qt::Alignment vertical,
            const QFont &font, const QColor &color, const QString &text)
 {
     painter.setFont(font);
     painter.setPen(color);
-    painter.drawText(where, QStyle::visualAlignment(direction, alignment),
-                     QFontMetrics(font).elidedText(text, Qt::ElideRight, where.width()));
+    Direction::drawLine(painter, where, direction, text, vertical);
 }
 
 void paintHeading(QPainter &painter, const QStyleOptionViewItem &option, const QString &title)
 {
-    write(painter, option.rect.adjusted(inset, 0, -inset, -Theme::unit), option.direction,
-          Qt::AlignLeft | Qt::AlignBottom, Theme::font(Theme::FontRole::SmallStrong), Theme::secondaryText,
-          title);
+    write(painter, option.rect.adjusted(inset, 0, -inset, -Theme::unit), option.direction, Qt::AlignBottom,
+          Theme::font(Theme::FontRole::SmallStrong), Theme::secondaryText, title);
 }
 
 void paintCalendar(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
@@ -57,11 +56,14 @@ void paintCalendar(QPainter &painter, const QStyleOptionViewItem &option, const 
     const QRect title(line.left() + widthOfDefault + Theme::unit + 4, line.top(),
                       line.width() - widthOfDefault - 2 * Theme::unit - checkSize - 4, line.height());
     const bool isSelected = index.data(CalendarListModel::IsSelectedRole).toBool();
-    write(painter, placed(title), option.direction, Qt::AlignLeft | Qt::AlignVCenter,
+    write(painter, placed(title), option.direction, Qt::AlignVCenter,
           Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body), Theme::text,
           index.data().toString());
+    // An empty circle says that the calendar can be chosen.
+    Icons::paint(painter, placed(check), isSelected ? u"check-done"_s : u"check-open"_s,
+                 isSelected ? Theme::accent : Theme::checkBox, checkSize);
     if (isSelected)
-        Icons::paint(painter, placed(check), u"check-mark"_s, Theme::accent, checkSize);
+        Icons::paint(painter, placed(check), u"check-mark"_s, Theme::textOnAccent, checkSize);
     if (option.state & QStyle::State_HasFocus)
         MorvaneStyle::drawFocusRing(painter, row, Theme::controlRadius, Theme::focusRing);
 }

@@ -5,9 +5,10 @@
 #include "shell/categories/CategoryTasksCell.h"
 #include "store/entities/EntityCategory.h"
 #include "widgets/BusyCursor.h"
+#include "widgets/Direction.h"
+#include "widgets/PopUpButton.h"
 #include "widgets/TextLabel.h"
 
-#include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -55,7 +56,8 @@ void CategoriesViewController::setUpPanel()
 {
     panel->setObjectName(u"categoryPanel"_s);
     auto *column = new QVBoxLayout(panel);
-    column->setContentsMargins(Theme::contentMargin - Theme::unit, 0, 0, Theme::unit);
+    column->setContentsMargins(
+        Direction::margins(*this, Theme::contentMargin - Theme::unit, 0, 0, Theme::unit));
     column->setSpacing(Theme::unit);
     column->addWidget(makeTopView());
     column->addWidget(table, 1);
@@ -63,8 +65,7 @@ void CategoriesViewController::setUpPanel()
 
 QWidget *CategoriesViewController::makeTopView()
 {
-    auto *popUp = new QComboBox;
-    popUp->setObjectName(u"popUpButtonSort"_s);
+    auto *popUp = new PopUpButton(u"popUpButtonSort"_s);
     popUp->setAccessibleName(localized(u"Show"_s));
     popUp->addItem(localized(u"Alphabetical"_s), static_cast<int>(Categories::Shown::All));
     popUp->addItem(localized(u"Active"_s), static_cast<int>(Categories::Shown::WithTasks));
@@ -77,7 +78,9 @@ QWidget *CategoriesViewController::makeTopView()
     });
     auto *line = new QWidget;
     auto *row = new QHBoxLayout(line);
-    row->setContentsMargins(Theme::unit, 0, Theme::unit, 0);
+    // As wide as the rows, beside which a scroll bar has its place.
+    row->setContentsMargins(
+        Direction::margins(*this, Theme::unit, 0, Theme::unit + Theme::scrollBarWidth, 0));
     row->addWidget(popUp);
     line->setFixedHeight(titleHeight);
     return line;
@@ -257,8 +260,8 @@ void CategoriesViewController::editTitle(int row)
     editor->setText(categories->index(row).data().toString());
     editor->selectAll();
     editor->installEventFilter(this);
-    const QRect place =
-        CategoryTasksCell::titleRect(table->visualRect(categories->index(row)), layoutDirection());
+    const QRect place = CategoryTasksCell::titleRect(table->visualRect(categories->index(row)),
+                                                     layoutDirection(), categories->index(row));
     editor->setGeometry(place.adjusted(-Theme::unit, 2, 0, -2));
     connect(editor, &QLineEdit::returnPressed, this, [this] { endEditing(true); });
     editor->show();

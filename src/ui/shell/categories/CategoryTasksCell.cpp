@@ -1,6 +1,7 @@
 #include "shell/categories/CategoryTasksCell.h"
 
 #include "shell/categories/CategoryListModel.h"
+#include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -19,10 +20,14 @@ static QRect cardOf(const QRect &row)
     return row.adjusted(Theme::unit, 1, -Theme::unit, -1);
 }
 
-QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection direction)
+/// The title has the room that neither a count nor a mark needs.
+QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index)
 {
     const QRect card = cardOf(row);
-    const QRect title = card.adjusted(inset + dotSize + inset, 0, -(inset + countWidth + markSize), 0);
+    const bool hasMark = index.data(CategoryListModel::IsDefaultRole).toBool();
+    const bool hasCount = hasMark || index.data(CategoryListModel::CountRole).toInt() > 0;
+    const int trailing = inset + (hasCount ? countWidth : 0) + (hasMark ? markSize : 0);
+    const QRect title = card.adjusted(inset + dotSize + inset, 0, -trailing, 0);
     return QStyle::visualRect(direction, row, title);
 }
 
@@ -56,12 +61,10 @@ void CategoryTasksCell::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->setBrush(index.data(CategoryListModel::ColorRole).value<QColor>());
     painter->drawEllipse(
         placed({card.left() + inset, card.center().y() - dotSize / 2 + 1, dotSize, dotSize}));
-    const QFont font = Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body);
-    const QRect title = titleRect(option.rect, option.direction);
-    painter->setFont(font);
+    painter->setFont(Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body));
     painter->setPen(isSelected ? Theme::selectedText : Theme::text);
-    painter->drawText(title, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-                      QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, title.width()));
+    Direction::drawLine(*painter, titleRect(option.rect, option.direction, index), option.direction,
+                        index.data().toString());
     const QRect count(card.right() - inset - countWidth, card.top(), countWidth, card.height());
     paintCount(*painter, placed(count), option.direction, index.data(CategoryListModel::CountRole).toInt());
     if (index.data(CategoryListModel::IsDefaultRole).toBool())

@@ -13,5 +13,5 @@ public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
     /// Where the title stands in a row, for who writes over it.
-    static QRect titleRect(const QRect &row, Qt::LayoutDirection direction);
+    static QRect titleRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index);
 };

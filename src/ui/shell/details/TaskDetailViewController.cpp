@@ -24,6 +24,8 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int margin = 2 * Theme::unit;
 /// Below this width the mail button is its icon alone.
 constexpr int roomForWords = 420;
+/// In a very wide pane the form stays a column that the eye can follow.
+constexpr int widestForm = 860;
 
 TaskDetailViewController::TaskDetailViewController(const TaskPtr &task, QWidget *parent)
     : DetailViewController(parent)
@@ -35,7 +37,9 @@ TaskDetailViewController::TaskDetailViewController(const TaskPtr &task, QWidget 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(1, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(makeHeader());
+    QWidget *header = makeHeader();
+    header->setMaximumWidth(widestForm);
+    column->addWidget(header);
     column->addWidget(makeBody(), 1);
     connect(view, &TaskFormView::accepted, this, &TaskDetailViewController::clickButtonEdit);
     connect(view, &TaskFormView::doneToggled, this, &TaskDetailViewController::changeCheckBoxDone);
@@ -108,6 +112,8 @@ QWidget *TaskDetailViewController::makeBody()
     auto *column = new QVBoxLayout(body);
     column->setContentsMargins(margin, 0, margin, margin);
     column->setSpacing(margin);
+    for (QWidget *part : {static_cast<QWidget *>(view), static_cast<QWidget *>(labelCreated)})
+        part->setMaximumWidth(widestForm - 2 * margin);
     column->addWidget(view);
     column->addWidget(labelCreated);
     column->addStretch(1);

@@ -1,6 +1,7 @@
 #include "shell/search/CellViewSearchDeteil.h"
 
 #include "foundation/Localization.h"
+#include "widgets/Direction.h"
 #include "widgets/TableModel.h"
 #include "widgets/Theme.h"
 
@@ -30,7 +31,6 @@ void CellViewSearchDeteil::paint(QPainter *painter, const QStyleOptionViewItem &
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     const QString title = index.data().toString();
     const QString text = title.isEmpty() ? localized(u"Untitled"_s) : title;
-    const QFont font = Theme::font(isHeading ? Theme::FontRole::SmallStrong : Theme::FontRole::Body);
     const QRect place =
         QStyle::visualRect(option.direction, option.rect,
                            option.rect.adjusted(isHeading ? headingIndent : recordIndent,
@@ -39,11 +39,10 @@ void CellViewSearchDeteil::paint(QPainter *painter, const QStyleOptionViewItem &
     painter->setRenderHint(QPainter::Antialiasing);
     if (!isHeading)
         paintBack(*painter, option);
-    painter->setFont(font);
+    painter->setFont(Theme::font(isHeading ? Theme::FontRole::SmallStrong : Theme::FontRole::Body));
     painter->setPen(isHeading || title.isEmpty() ? Theme::secondaryText
                     : isSelected                 ? Theme::selectedText
                                                  : Theme::text);
-    painter->drawText(place, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-                      QFontMetrics(font).elidedText(text, Qt::ElideRight, place.width()));
+    Direction::drawLine(*painter, place, option.direction, text);
     painter->restore();
 }

@@ -46,6 +46,7 @@ void TaskPopupMenu::addPriorities()
 {
     for (const int priority : {3, 0, 1, 2}) {
         QAction *action = addChoice(*priorityMenu, Functional::priorityStringFromType(priority), priority);
+        action->setIcon(CategoryIcon::circle(Theme::priority(priority)));
         connect(action, &QAction::triggered, this, [this, priority] { Q_EMIT priorityChosen(priority); });
     }
 }

@@ -2,6 +2,7 @@
 
 #include "shell/tasks/TaskListModel.h"
 #include "shell/tasks/TaskTableRow.h"
+#include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
@@ -64,23 +65,14 @@ void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->restore();
 }
 
-/// A title reads in the direction of its own script, whatever the direction of the window.
-static void followScript(QPainter &painter, const QString &text)
-{
-    painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-}
-
 void TaskTableCell::paintHeader(QPainter &painter, const QStyleOptionViewItem &option,
                                 const QModelIndex &index)
 {
     const int inset = Theme::contentMargin + Theme::unit / 2;
-    const QFont font = Theme::font(Theme::FontRole::BodyStrong);
     const QRect place = option.rect.adjusted(inset, 0, -inset, -Theme::unit);
-    painter.setFont(font);
+    painter.setFont(Theme::font(Theme::FontRole::BodyStrong));
     painter.setPen(index.data(TaskListModel::IsQuietRole).toBool() ? Theme::secondaryText : Theme::text);
-    followScript(painter, index.data().toString());
-    painter.drawText(place, QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignBottom),
-                     QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, place.width()));
+    Direction::drawLine(painter, place, option.direction, index.data().toString(), Qt::AlignBottom);
 }
 
 static void paintCheckBox(QPainter &painter, const QRect &where, bool isChecked, bool isHovered)
@@ -124,10 +116,7 @@ public:
         font.setStrikeOut(isStruckOut);
         painter.setFont(font);
         painter.setPen(colour);
-        followScript(painter, text);
-        painter.drawText(placed(where),
-                         QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter),
-                         QFontMetrics(font).elidedText(text, Qt::ElideRight, where.width()));
+        Direction::drawLine(painter, placed(where), option.direction, text);
     }
 
 private:

@@ -1,0 +1,19 @@
+#include "widgets/Direction.h"
+
+#include <QPainter>
+#include <QStyle>
+#include <QWidget>
+
+QMargins Direction::margins(const QWidget &widget, int leading, int top, int trailing, int bottom)
+{
+    return widget.isRightToLeft() ? QMargins(trailing, top, leading, bottom)
+                                  : QMargins(leading, top, trailing, bottom);
+}
+
+void Direction::drawLine(QPainter &painter, const QRect &place, Qt::LayoutDirection direction,
+                         const QString &text, Qt::Alignment vertical)
+{
+    painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(place, QStyle::visualAlignment(direction, Qt::AlignLeft | vertical),
+                     painter.fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+}
