@@ -11,9 +11,10 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int patience = 400;
 constexpr int interval = 100;
 
-LongWork::LongWork(std::size_t steps, QString sentence)
+LongWork::LongWork(std::size_t steps, QString sentence, bool canBeStopped)
     : count(static_cast<int>(steps))
     , label(std::move(sentence))
+    , isStoppable(canBeStopped)
 {}
 
 LongWork::~LongWork() = default;
@@ -25,7 +26,7 @@ void LongWork::show()
     dialog->setObjectName(u"longWork"_s);
     dialog->setWindowModality(Qt::ApplicationModal);
     dialog->setLabelText(label);
-    dialog->setCancelButtonText(localized(u"Cancel"_s));
+    dialog->setCancelButtonText(isStoppable ? localized(u"Cancel"_s) : QString());
     dialog->setRange(0, count);
     dialog->setMinimumDuration(0);
 }
@@ -45,5 +46,5 @@ bool LongWork::step()
         show();
     // Here the user's press on the button is heard.
     dialog->setValue(done);
-    return !dialog->wasCanceled();
+    return !isStoppable || !dialog->wasCanceled();
 }

@@ -10,13 +10,13 @@
 
 class QProgressDialog;
 
-/// Work in many equal steps. The pointer tells of it; if it lasts, it shows how far it is and lets the user
-/// stop it between two steps.
+/// Work in many equal steps. The pointer tells of it; if it lasts, it shows how far it is and, where that is
+/// possible, lets the user stop it between two steps.
 class LongWork
 {
 public:
     /// \param sentence says what is done, in the user's language.
-    LongWork(std::size_t steps, QString sentence);
+    LongWork(std::size_t steps, QString sentence, bool canBeStopped = true);
     ~LongWork();
     Q_DISABLE_COPY_MOVE(LongWork)
 
@@ -28,6 +28,7 @@ private:
 
     int count;
     QString label;
+    bool isStoppable;
     int done = 0;
     qint64 lastShown = 0;
     QElapsedTimer timer;
