@@ -1,6 +1,10 @@
 #include "widgets/FormScroll.h"
 
+#include "widgets/Direction.h"
+#include "widgets/Theme.h"
+
 #include <QEvent>
+#include <QLayout>
 
 FormScroll::FormScroll(QWidget *body, QWidget *parent)
     : QScrollArea(parent)
@@ -18,6 +22,15 @@ FormScroll::FormScroll(QWidget *body, QWidget *parent)
 QSize FormScroll::sizeHint() const
 {
     return widget()->sizeHint();
+}
+
+/// A bar without anything to scroll is not seen.
+void FormScroll::keepRoomForBar()
+{
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    QMargins margins = widget()->layout()->contentsMargins();
+    margins -= Direction::margins(*this, 0, 0, Theme::scrollBarWidth, 0);
+    widget()->layout()->setContentsMargins(margins);
 }
 
 /// Who stands around the form hears that it needs another height.

@@ -34,11 +34,14 @@ static void fillWords(QMessageBox &box, const AlertQuestion &question)
     box.setTextFormat(Qt::PlainText);
 }
 
-/// The question stands out from what explains it.
+/// The question stands out from what explains it; alone it stands beside the middle of the icon.
 static void dress(QMessageBox &box)
 {
-    if (auto *question = box.findChild<QLabel *>(u"qt_msgbox_label"_s))
+    if (auto *question = box.findChild<QLabel *>(u"qt_msgbox_label"_s)) {
         question->setFont(Theme::font(Theme::FontRole::BodyStrong));
+        if (box.informativeText().isEmpty())
+            question->setMinimumHeight(iconSize);
+    }
     if (auto *explanation = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s)) {
         QPalette palette = explanation->palette();
         palette.setColor(QPalette::WindowText, Theme::secondaryText);

@@ -8,6 +8,7 @@
 #include <QPainterPath>
 #include <QWidget>
 
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <xcb/xcb.h>
@@ -39,6 +40,19 @@ static QPainterPath rounded(const QRectF &rect, qreal radius)
     return path;
 }
 
+/// The pixels that a rounded rectangle touches, alike at all four corners.
+static QRegion touched(const QSize &size, int radius)
+{
+    QRegion region(0, radius, size.width(), size.height() - 2 * radius);
+    for (int row = 0; row < radius; ++row) {
+        const double up = radius - row - 0.5;
+        const int inset = static_cast<int>(radius - std::sqrt(radius * radius - up * up));
+        for (const int top : {row, size.height() - 1 - row})
+            region += QRect(inset, top, size.width() - 2 * inset, 1);
+    }
+    return region;
+}
+
 namespace {
 
 /// Cuts the corners off whenever the window has got a size.
@@ -56,7 +70,7 @@ public:
     {
         if (event->type() == QEvent::Resize || event->type() == QEvent::Show) {
             auto *window = static_cast<QWidget *>(watched);
-            window->setMask(QRegion(rounded(QRectF(window->rect()), radius).toFillPolygon().toPolygon()));
+            window->setMask(touched(window->size(), radius));
         }
         return QObject::eventFilter(watched, event);
     }

@@ -152,6 +152,28 @@ TEST_F(AccessibilityTest, TheBubblesNameTheirControls)
     contacts.close();
 }
 
+TEST_F(AccessibilityTest, WhatOpensOverAListNamesItsControls)
+{
+    showList(SidebarItem::Today);
+    run(ActionId::FilterTasks);
+    auto &filter = find<QWidget>(window(), "filterPopover");
+    expectNamed(filter);
+    filter.close();
+    showList(SidebarItem::Inbox);
+    clickRow(0);
+    run(ActionId::WhyIsItHere);
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    expectNamed(*QApplication::activePopupWidget());
+    QApplication::activePopupWidget()->close();
+    run(ActionId::Search);
+    QTest::keyClicks(QApplication::focusWidget(), u"first"_s);
+    EXPECT_TRUE(find<QWidget>(window(), "searchPopover").isVisible());
+    expectNamed(window());
+    showList(SidebarItem::Categories);
+    QTest::mouseClick(&find<QWidget>(window(), "buttonAdd"), Qt::LeftButton);
+    expectNamed(window());
+}
+
 TEST_F(AccessibilityTest, ARowSaysWhatItsColoursAndMarksSay)
 {
     add(u"report"_s, [](MVTask &task) {

@@ -118,6 +118,27 @@ TEST_F(LocationTest, APlaceOfTheTableIsChosenAndASecondPressTakesItBack)
     EXPECT_EQ(chosen(), nullptr);
 }
 
+TEST_F(LocationTest, ReturnTakesTheLineThatTheKeysAreOnAndWhatWasPressedCounts)
+{
+    DBWorker::saveLocation(u"Office"_s, 52.5, 13.4);
+    LocationBubble &bubble = open();
+    QTest::keyClick(&table(bubble), Qt::Key_Down);
+    QTest::keyClick(&table(bubble), Qt::Key_Return);
+    ASSERT_NE(chosen(), nullptr);
+    EXPECT_EQ(chosen()->title(), u"Office"_s);
+    QTest::qWait(1);
+    LocationBubble &again = open();
+    EXPECT_EQ(table(again).currentIndex().row(), 1);
+    QTest::keyClick(&table(again), Qt::Key_Space);
+    QTest::keyClick(&table(again), Qt::Key_Return);
+    EXPECT_EQ(chosen(), nullptr);
+    QTest::qWait(1);
+    LocationBubble &third = open();
+    QTest::keyClick(&table(third), Qt::Key_Return);
+    EXPECT_TRUE(find<QLineEdit>(third, "fieldTitle").isVisible());
+    third.close();
+}
+
 TEST_F(LocationTest, WithoutAServiceATitleAndTypedCoordinatesMakeAPlace)
 {
     LocationBubble &bubble = openMap();
@@ -209,6 +230,7 @@ TEST_F(LocationTest, DeletingAPlaceAsksAndTakesItFromTheTask)
     QTest::qWait(1);
     LocationBubble &bubble = open();
     table(bubble).setFocus();
+    QTest::keyClick(&table(bubble), Qt::Key_Up);
     {
         const ScriptedAlerts none;
         QTest::keyClick(&table(bubble), Qt::Key_Delete);

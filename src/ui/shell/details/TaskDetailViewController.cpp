@@ -8,6 +8,7 @@
 #include "shell/tasks/TaskFormView.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Animations.h"
+#include "widgets/Direction.h"
 #include "widgets/FormScroll.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
@@ -22,6 +23,8 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int margin = 2 * Theme::unit;
+/// The pane ends where the tool bar does.
+constexpr int trailingMargin = Theme::contentMargin;
 /// Below this width the mail button is its icon alone.
 constexpr int roomForWords = 420;
 /// In a very wide pane the form stays a column that the eye can follow.
@@ -80,7 +83,7 @@ QWidget *TaskDetailViewController::makeHeader()
 {
     auto *header = new QWidget;
     auto *line = new QHBoxLayout(header);
-    line->setContentsMargins(margin, Theme::unit, margin, Theme::unit);
+    line->setContentsMargins(Direction::margins(*this, margin, Theme::unit, trailingMargin, Theme::unit));
     line->setSpacing(Theme::unit);
     const bool isMirrored = isRightToLeft();
     buttonBack = makeHeaderButton(u"buttonBack"_s, isMirrored ? u"chevron-right"_s : u"chevron-left"_s,
@@ -110,14 +113,16 @@ QWidget *TaskDetailViewController::makeBody()
     labelCreated->setPalette(palette);
     auto *body = new QWidget;
     auto *column = new QVBoxLayout(body);
-    column->setContentsMargins(margin, 0, margin, margin);
+    column->setContentsMargins(Direction::margins(*this, margin, 0, trailingMargin, margin));
     column->setSpacing(margin);
     for (QWidget *part : {static_cast<QWidget *>(view), static_cast<QWidget *>(labelCreated)})
-        part->setMaximumWidth(widestForm - 2 * margin);
+        part->setMaximumWidth(widestForm - margin - trailingMargin);
     column->addWidget(view);
     column->addWidget(labelCreated);
     column->addStretch(1);
-    return new FormScroll(body);
+    auto *scroll = new FormScroll(body);
+    scroll->keepRoomForBar();
+    return scroll;
 }
 
 // What happens elsewhere

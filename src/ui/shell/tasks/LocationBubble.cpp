@@ -50,10 +50,13 @@ void LocationBubble::reload()
         lines.push_back({location->title(), u"location"_s});
     table->setLines(lines);
     table->setMarked(choice.selectedRow(), true);
+    if (choice.selectedRow() > 0)
+        table->setCurrentIndex(table->model()->index(choice.selectedRow(), 0));
 }
 
 void LocationBubble::press(int row)
 {
+    wasPressed = true;
     table->setMarked(choice.selectedRow(), false);
     choice.press(row);
     table->setMarked(choice.selectedRow(), true);
@@ -93,6 +96,7 @@ void LocationBubble::loadMap()
 void LocationBubble::leaveMap()
 {
     choice.stopAdding();
+    wasPressed = false;
     header->setTitle(localized(u"Location"_s));
     header->setCancelText(localized(u"Cancel"_s));
     pages->setCurrentWidget(table);
@@ -113,6 +117,16 @@ void LocationBubble::clickDone()
         map->focusTitle();
 }
 
+/// Return takes the line that the keys are on, of which the first leads to the map, unless one was pressed
+/// before.
+void LocationBubble::takeLine(int row)
+{
+    if (!wasPressed && row != choice.selectedRow())
+        press(row);
+    if (!choice.isAdding())
+        clickDone();
+}
+
 void LocationBubble::finish(const LocationPtr &location)
 {
     close();
@@ -125,7 +139,7 @@ void LocationBubble::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Escape && choice.isAdding())
         leaveMap();
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        button ? button->click() : clickDone();
+        button ? button->click() : table->hasFocus() ? takeLine(table->currentIndex().row()) : clickDone();
     else
         Popover::keyPressEvent(event);
 }

@@ -32,11 +32,13 @@ private:
     void removeRow(int row);
     void loadMap();
     void leaveMap();
+    void takeLine(int row);
     void finish(const LocationPtr &location);
 
     LocationChoice choice;
     BubbleHeader *header;
     QStackedLayout *pages;
     CheckList *table;
+    bool wasPressed = false;
     LocationMap *map = nullptr;
 };

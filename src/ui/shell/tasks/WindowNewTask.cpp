@@ -35,7 +35,9 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->setSpacing(0);
-    column->addWidget(new FormScroll(body), 1);
+    auto *scroll = new FormScroll(body);
+    scroll->keepRoomForBar();
+    column->addWidget(scroll, 1);
     column->addWidget(makeButtons());
     connect(view, &TaskFormView::changed, this, [this] { buttonSave->setEnabled(form.canSave()); });
     growth.setSingleShot(true);
