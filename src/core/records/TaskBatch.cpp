@@ -1,5 +1,6 @@
 #include "records/TaskBatch.h"
 
+#include "foundation/AlertsOnce.h"
 #include "records/MVTask.h"
 #include "records/RepeatBan.h"
 #include "records/TaskManager.h"
@@ -35,6 +36,7 @@ void changeEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Change
 {
     {
         const SaveGroup together(mainContext());
+        const AlertsOnce once;
         for (const TaskPtr &task : tasks) {
             if (!isGone(task))
                 change(task);

@@ -6,7 +6,9 @@
 #include <vector>
 
 /// One change of many tasks, each by the rules of a single change. What can be changed of them is saved
-/// together, and one undo takes all of it back. Tasks of read-only calendars are left out. Main thread only.
+/// together, and one undo takes all of it back. Tasks of read-only calendars are left out. What the rules
+/// have to say or to ask about several of the tasks is said once, and the answer holds for all. Main thread
+/// only.
 namespace TaskBatch {
 
 /// Ticks the tasks, or clears them if all of them are ticked.

@@ -81,6 +81,37 @@ TEST_F(TaskBatchTest, StopsWhenTheUserHasHadEnoughAndKeepsWhatIsDone)
     EXPECT_FALSE(context().hasChanges());
 }
 
+TEST_F(TaskBatchTest, SaysAndAsksOnceWhatConcernsSeveralTasks)
+{
+    const Date nine = localDate(2026, 11, 23, 9);
+    std::vector<TaskPtr> some = {tasks[0]};
+    for (const QString &title : {u"open end"_s, u"open end too"_s})
+        some.push_back(add(title, TaskType::Appointment, nine));
+    for (const QString &title : {u"daily"_s, u"weekly"_s}) {
+        some.push_back(add(title, TaskType::Appointment, nine, nine + Seconds(3600)));
+        some.back()->setRepeat(u"RRULE:FREQ=DAILY;INTERVAL=1"_s);
+    }
+    EXPECT_FALSE(DBWorker::saveContext());
+    const auto important = [&some] {
+        QStringList found;
+        for (const TaskPtr &task : some) {
+            if (task->priority() == 0)
+                found << task->title();
+        }
+        return found;
+    };
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::thirdButton});
+        TaskBatch::setPriority(some, 0);
+        EXPECT_EQ(alerts.asked().size(), 2U) << "a message about two, and a question about two";
+        EXPECT_EQ(important(), QStringList(u"a"_s));
+    }
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+    TaskBatch::setPriority(some, 0);
+    EXPECT_EQ(alerts.asked().size(), 2U) << "another change asks again";
+    EXPECT_EQ(important(), QStringList({u"a"_s, u"daily"_s, u"weekly"_s}));
+}
+
 TEST_F(TaskBatchTest, PassesOverWhatGoesMeanwhile)
 {
     const auto deleteLast = [this] {
