@@ -1,9 +1,8 @@
 #include "widgets/LongWork.h"
 
-#include "foundation/Localization.h"
+#include "widgets/ProgressSign.h"
 
 #include <QApplication>
-#include <QProgressDialog>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -22,13 +21,7 @@ LongWork::~LongWork() = default;
 void LongWork::show()
 {
     busy.reset();
-    dialog = std::make_unique<QProgressDialog>(QApplication::activeWindow());
-    dialog->setObjectName(u"longWork"_s);
-    dialog->setWindowModality(Qt::ApplicationModal);
-    dialog->setLabelText(label);
-    dialog->setCancelButtonText(isStoppable ? localized(u"Cancel"_s) : QString());
-    dialog->setRange(0, count);
-    dialog->setMinimumDuration(0);
+    sign = std::make_unique<ProgressSign>(label, count, isStoppable, QApplication::activeWindow());
 }
 
 bool LongWork::step()
@@ -42,9 +35,9 @@ bool LongWork::step()
     if (done >= count || now < patience || now - lastShown < interval)
         return true;
     lastShown = now;
-    if (!dialog)
+    if (!sign)
         show();
     // Here the user's press on the button is heard.
-    dialog->setValue(done);
-    return !isStoppable || !dialog->wasCanceled();
+    sign->setValue(done);
+    return !sign->wasCanceled();
 }

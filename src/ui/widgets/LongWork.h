@@ -8,7 +8,7 @@
 #include <memory>
 #include <optional>
 
-class QProgressDialog;
+class ProgressSign;
 
 /// Work in many equal steps. The pointer tells of it; if it lasts, it shows how far it is and, where that is
 /// possible, lets the user stop it between two steps.
@@ -33,5 +33,5 @@ private:
     qint64 lastShown = 0;
     QElapsedTimer timer;
     std::optional<BusyCursor> busy;
-    std::unique_ptr<QProgressDialog> dialog;
+    std::unique_ptr<ProgressSign> sign;
 };

@@ -2,18 +2,18 @@
 
 #include "widgets/LongWork.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/ProgressSign.h"
 
 #include <QApplication>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QThread>
 
 using namespace Qt::Literals::StringLiterals;
 
-static QProgressDialog *shownSign()
+static ProgressSign *shownSign()
 {
     for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (auto *sign = qobject_cast<QProgressDialog *>(widget); sign && sign->isVisible())
+        if (auto *sign = qobject_cast<ProgressSign *>(widget); sign && sign->isVisible())
             return sign;
     }
     return nullptr;
@@ -40,7 +40,7 @@ TEST_F(LongWorkTest, SlowWorkShowsHowFarItIsAndStopsOnCancel)
             QThread::msleep(10);
             if (!work.step())
                 break;
-            if (QProgressDialog *sign = shownSign()) {
+            if (ProgressSign *sign = shownSign()) {
                 EXPECT_GT(sign->value(), 0);
                 QTest::mouseClick(sign->findChild<QPushButton *>(), Qt::LeftButton);
             }

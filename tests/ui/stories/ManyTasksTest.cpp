@@ -3,9 +3,9 @@
 #include "shell/tasks/TaskPopupMenu.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/ProgressSign.h"
 
 #include <QApplication>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QThread>
 #include <QTimer>
@@ -32,10 +32,10 @@ private:
     void look(Wish wish)
     {
         for (QWidget *widget : QApplication::topLevelWidgets()) {
-            auto *sign = qobject_cast<QProgressDialog *>(widget);
+            auto *sign = qobject_cast<ProgressSign *>(widget);
             if (!sign || !sign->isVisible())
                 continue;
-            label = sign->labelText();
+            label = sign->accessibleName();
             mostSeen = std::max(mostSeen, sign->value());
             if (wish == Wish::Cancel && sign->value() > 0)
                 QTest::mouseClick(sign->findChild<QPushButton *>(), Qt::LeftButton);
