@@ -1,8 +1,6 @@
 #include "shell/MainWindowController.h"
 
 #include "filters/ContactGroups.h"
-#include "foundation/Alert.h"
-#include "foundation/Localization.h"
 #include "shell/Actions.h"
 #include "shell/MainMenu.h"
 #include "shell/MainWindow.h"
@@ -10,22 +8,15 @@
 #include "shell/RightToolBar.h"
 #include "shell/ScreenFactory.h"
 #include "shell/ShellAlerts.h"
-#include "shell/TextCommands.h"
-#include "shell/calendars/CalendarsAppleWindowController.h"
-#include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/details/DetailStack.h"
-#include "shell/search/SearchPopover.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
-#include "widgets/BusyCursor.h"
 #include "widgets/ScreenToolBar.h"
-#include "widgets/TextBubble.h"
 
 #include <QApplication>
 #include <QLayout>
 #include <QMenuBar>
-#include <QMessageBox>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -99,18 +90,6 @@ void MainWindowController::observe()
     for (const NotificationName name : {notifications::contextDidSave, notifications::iCloudChange})
         observations.push_back(NotificationCenter::defaultCenter().addObserver(
             name, [this](const Notification &) { storeChanged(); }));
-}
-
-void MainWindowController::observeSearch()
-{
-    observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::searchMorvane,
-        [this](const Notification &) { mainWindow->rightToolBarMain()->focusSearch(); }));
-    observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::clickTableSearch, [this](const Notification &notification) {
-            if (const auto *record = std::any_cast<ObjectPtr>(&notification.object))
-                searchSelectItem(*record);
-        }));
 }
 
 void MainWindowController::observeCalendar()
@@ -244,46 +223,6 @@ void MainWindowController::didRemoveRow(const QModelIndex &index)
     ShellAlerts::presentError(DBWorker::saveContext());
     loadContactsGroup();
     showList(SidebarItem::People);
-}
-
-// Search
-
-void MainWindowController::searchSelectItem(const ObjectPtr &record)
-{
-    const auto item = SidebarModel::itemShowing(record);
-    if (!item)
-        return;
-    showList(*item);
-    // Not by command: a list that a filter has emptied of it must not offer another row instead.
-    if (screen->focusProxy())
-        screen->setFocus(Qt::OtherFocusReason);
-    screen->selectItem(record);
-    searchedRecord = DBWorker::getIdFromObject(record);
-    actions->updateEnabled();
-}
-
-/// The result that the keys are on, the selected task, the one in the pane, or the one that was searched for.
-TaskPtr MainWindowController::taskInQuestion() const
-{
-    const auto found = std::dynamic_pointer_cast<EntityTask>(mainWindow->rightToolBarMain()->currentResult());
-    if (found)
-        return found;
-    const TaskPtr selected = screen ? screen->selectedTask() : nullptr;
-    return selected ? selected
-                    : std::dynamic_pointer_cast<EntityTask>(DBWorker::getObjectFromId(searchedRecord));
-}
-
-void MainWindowController::explainPlace()
-{
-    const TaskPtr task = taskInQuestion();
-    if (!task || !screen)
-        return;
-    RightToolBar &bar = *mainWindow->rightToolBarMain();
-    const QString text = screen->explanationOf(task);
-    if (bar.currentResult())
-        TextBubble::show(text, *bar.searchPopover(), bar.searchPopover()->currentPlace());
-    else
-        TextBubble::show(text, *screen, screen->placeOf(task));
 }
 
 // Screens

@@ -90,6 +90,7 @@ private:
     void changedElsewhere();
     void reload(SelectionMemory::Otherwise otherwise);
     void saveGrouping(int index);
+    void toggleDone(const std::set<int> &rows);
     template <typename Change, typename... Value>
     void changeTasks(const std::vector<TaskPtr> &tasks, Change change, const Value &...value);
     void tableViewDoubleAction(int row);
