@@ -83,6 +83,8 @@ public:
     static void resetMessageForBanChangeRepeat();
     /// The argument has no effect.
     static bool isAccessChangeRepeatTaskWithMessage(bool showsMessage);
+    /// Why they may not, in English; empty if they may.
+    static QString messageForBanChangeRepeat();
 
     // Tasks to events.
     /// Writes a task to its event, or makes one. `changeStartDue` tells the occurrence by the date that it

@@ -114,6 +114,11 @@ bool CalendarEvent::isAccessChangeRepeatTaskWithMessage(bool)
     return state().banMessage.isEmpty();
 }
 
+QString CalendarEvent::messageForBanChangeRepeat()
+{
+    return state().banMessage;
+}
+
 // The changes that this program made itself.
 
 void CalendarEvent::setEventToDictionaryChangedEventsOfNow(const EKEvent &event)

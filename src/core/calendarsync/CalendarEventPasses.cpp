@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/PassBrake.h"
+#include "calendarsync/PassProgress.h"
 #include "calendarsync/PassRows.h"
 #include "calendarsync/RowFate.h"
 #include "foundation/Log.h"
@@ -7,6 +8,8 @@
 #include "store/AppDelegate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
@@ -150,32 +153,34 @@ rowfate::Decision fateOf(const TaskPtr &row, const TaskPtr &onlyTask, const Date
     return rowfate::decide(facts);
 }
 
-} // namespace
-
-void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
+void runPass(const TaskPtr &task)
 {
-    if (DBWorker::isSample() || !hasAccesToCalendar())
-        return;
     std::vector<TaskPtr> going;
     size_t linkedCount = 0;
     size_t eventCount = 0;
     {
         // All questions of a pass are about the same moment.
-        const auto held = eventStore().holdContents();
-        const auto events = eventsForCalendars(getAllAccessCalendars());
+        const auto held = CalendarEvent::eventStore().holdContents();
+        const auto events = CalendarEvent::eventsForCalendars(CalendarEvent::getAllAccessCalendars());
         // Calendars that cannot be reached are not empty ones.
         if (!events)
             return;
         Pass pass(*events);
-        for (const std::vector<EKEvent> &group : getEventsGroupedCalendarIDfromAllEvents(*events))
+        const auto groups = CalendarEvent::getEventsGroupedCalendarIDfromAllEvents(*events);
+        // A first pass over many events lasts; half a pass would be no pass, so nothing stops it.
+        const StepBlock step = passprogress::begin(groups.size());
+        for (const std::vector<EKEvent> &group : groups) {
             pass.take(group);
-        const DateInterval seen = window();
+            if (step)
+                step();
+        }
+        const DateInterval seen = CalendarEvent::window();
         for (const TaskPtr &row : pass.unclaimed()) {
             const rowfate::Decision decision = fateOf(row, task, seen);
             if (decision.fate != rowfate::Fate::Goes)
                 continue;
             // It is damaged, not gone.
-            if (eventStore().mayBeUnusable(row->calendarID()))
+            if (CalendarEvent::eventStore().mayBeUnusable(row->calendarID()))
                 continue;
             Log::line(QStringLiteral("%1: %2").arg(row->title(), QLatin1String(decision.reason)));
             going.push_back(row);
@@ -190,4 +195,23 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
         if (row->context() && !row->isDeleted())
             mainContext().deleteObject(row);
     }
+}
+
+} // namespace
+
+void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
+{
+    static bool isPassing = false;
+    static bool isWantedAgain = false;
+    if (DBWorker::isSample() || !hasAccesToCalendar())
+        return;
+    // While a long pass tells how far it is, the calendars may report a change.
+    if (isPassing) {
+        isWantedAgain = true;
+        return;
+    }
+    const QScopedValueRollback guard(isPassing, true);
+    runPass(task);
+    if (std::exchange(isWantedAgain, false))
+        runPass(nullptr);
 }

@@ -25,12 +25,21 @@ std::shared_ptr<EntityLocation> joined(const ObjectList<EntityLocation> &alike)
     return kept;
 }
 
+/// The place of that title of which nobody has said where it is; its events do not tell either.
+std::shared_ptr<EntityLocation> placeWithoutPosition(const QString &title)
+{
+    return mainContext().fetchFirst<EntityLocation>(EntityLocation::fetchRequest().where(
+        Predicate::format("title = %@ and latitude = nil and longitude = nil", title)));
+}
+
 std::shared_ptr<EntityLocation> locationOf(const EKStructuredLocation &place)
 {
     const GeoLocation position = eventplace::positionOf(place);
     const auto found = DBWorker::getLocationsByLatitude(position.latitude, position.longitude, place.title);
     if (!found.isEmpty())
         return joined(found);
+    if (auto known = place.geoLocation ? nullptr : placeWithoutPosition(place.title))
+        return known;
     const auto made = mainContext().insert<EntityLocation>();
     made->setTitle(place.title);
     made->setLatitude(position.latitude);

@@ -22,8 +22,8 @@ void putPlace(const EntityTask &task, EKEvent &event)
     } else if (!eventplace::isShownBy(*place, event)) {
         event.location = place->title();
         event.structuredLocation = EKStructuredLocation::locationWithTitle(place->title());
-        event.structuredLocation->geoLocation =
-            GeoLocation{place->latitude().value_or(0), place->longitude().value_or(0)};
+        if (place->latitude() && place->longitude())
+            event.structuredLocation->geoLocation = GeoLocation{*place->latitude(), *place->longitude()};
     }
 }
 

@@ -1,7 +1,9 @@
 #include "filters/FilterEntries.h"
 #include "filters/ListFilter.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/Functional.h"
+#include "records/ProjectManager.h"
 
 // The pop-ups of a filter: their items, which one is selected, and what choosing one writes.
 
@@ -44,15 +46,15 @@ struct Titled
     QStringList titles;
 };
 
-template <typename List>
-Titled titled(const List &list)
+template <typename List, typename TitleOf>
+Titled titled(const List &list, TitleOf titleOf)
 {
     Titled found;
     for (const auto &object : list) {
         if (!object)
             continue;
         found.objects.push_back(object);
-        found.titles.append(object->title());
+        found.titles.append(titleOf(*object));
     }
     return found;
 }
@@ -60,13 +62,11 @@ Titled titled(const List &list)
 /// The seeded categories go by the words for them; no two items read the same.
 Titled titledCategories()
 {
-    constexpr int firstOwnIndex = 6;
     Titled found;
     for (const CategoryPtr &category : DBWorker::allCategories()) {
-        const bool isSeeded = category->index().value_or(0) < firstOwnIndex;
-        const QString title = isSeeded ? localized(category->title()) : category->title();
         found.objects.push_back(category);
-        found.titles.append(Functional::getUnicalCategoryTitleWithArray(found.titles, title));
+        found.titles.append(
+            Functional::getUnicalCategoryTitleWithArray(found.titles, Categories::shownTitle(category)));
     }
     return found;
 }
@@ -147,7 +147,8 @@ FilterPopUp ListFilter::makePopUp(const QString &key) const
     const bool isLocation = key == QStringLiteral("Location");
     if (!isLocation && key != QStringLiteral("Project"))
         return {};
-    const Titled places = isLocation ? titled(DBWorker::allLocations()) : titled(DBWorker::allProjects());
+    const Titled places = isLocation ? titled(DBWorker::allLocations(), std::mem_fn(&EntityLocation::title))
+                                     : titled(DBWorker::allProjects(), &ProjectManager::shownTitle);
     return objectsPopUp(key, places.objects, places.titles, {all, none});
 }
 

@@ -36,18 +36,15 @@ void MultiPick::toggle(int row)
 void MultiPick::toggleAll()
 {
     everything = !everything;
-    for (const std::size_t index : dataSource) {
-        if (everything)
-            selectRows.insert(index);
-        else
-            selectRows.erase(index);
-    }
+    selectRows.clear();
+    for (std::size_t index = 0; everything && index < all.size(); ++index)
+        selectRows.insert(index);
 }
 
 FilterSelection MultiPick::selection() const
 {
     FilterSelection selection;
-    selection.selectedAll = everything && selectRows.size() == all.size();
+    selection.selectedAll = everything;
     for (const std::size_t index : selectRows)
         selection.objects.push_back(all[index].object);
     return selection;

@@ -5,7 +5,7 @@
 #include <set>
 
 /// Objects of which any number are marked: all of them, or those that the user marks one by one. A search
-/// narrows what is shown; marks outside of it stay.
+/// narrows what is shown and leaves the marks as they are.
 class MultiPick
 {
 public:
@@ -28,7 +28,7 @@ public:
     void search(const QString &text);
     /// A press on a shown row.
     void toggle(int row);
-    /// Marks everything that is shown, or unmarks it.
+    /// Marks everything, or unmarks it, whatever a search shows of it.
     void toggleAll();
     /// What is handed over.
     FilterSelection selection() const;

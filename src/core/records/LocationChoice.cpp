@@ -28,6 +28,15 @@ LocationPtr LocationChoice::locationAt(int row) const
     return isLocation ? all[static_cast<std::size_t>(row - 1)] : nullptr;
 }
 
+LocationPtr LocationChoice::lastWithPosition() const
+{
+    for (auto location = all.rbegin(); location != all.rend(); ++location) {
+        if ((*location)->latitude() && (*location)->longitude())
+            return *location;
+    }
+    return nullptr;
+}
+
 void LocationChoice::press(int row)
 {
     if (row == addRow) {
@@ -63,8 +72,6 @@ LocationPtr LocationChoice::remove(int row)
 std::optional<double> LocationChoice::degrees(const QString &text, double limit)
 {
     const QString plain = text.trimmed().replace(u',', u'.');
-    if (plain.isEmpty())
-        return 0;
     bool isNumber = false;
     const double number = plain.toDouble(&isNumber);
     const bool isUsable = isNumber && std::isfinite(number) && std::abs(number) <= limit;

@@ -7,12 +7,12 @@
 
 using LocationPtr = std::shared_ptr<EntityLocation>;
 
-/// A place before it is stored: degrees north and east.
+/// A place before it is stored. Degrees north and east are absent where nobody has said where it is.
 struct LocationTemp
 {
     QString title;
-    double latitude = 0;
-    double longitude = 0;
+    std::optional<double> latitude;
+    std::optional<double> longitude;
 };
 
 /// Which place a task has, while the user chooses one or makes a new one.
@@ -29,6 +29,8 @@ public:
     /// The places by title. Row 0 of the table stands above them, for a new one.
     const std::vector<LocationPtr> &locations() const { return all; }
     LocationPtr locationAt(int row) const;
+    /// The last place of which it is known where it is; null without one.
+    LocationPtr lastWithPosition() const;
     /// The chosen row, or -1.
     int selectedRow() const { return selected; }
 
@@ -48,8 +50,8 @@ public:
     /// Deletes the place of a row, and saves; the place that is gone is the answer. Null for row 0.
     LocationPtr remove(int row);
 
-    /// Degrees as the user types them, with a point or a comma; an empty text is 0. Absent for anything that
-    /// is no number between -limit and limit.
+    /// Degrees as the user types them, with a point or a comma. Absent for anything that is no number between
+    /// -limit and limit.
     static std::optional<double> degrees(const QString &text, double limit);
     static QString degreesText(double degrees);
 

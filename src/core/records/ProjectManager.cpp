@@ -1,5 +1,6 @@
 #include "records/ProjectManager.h"
 
+#include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "records/Functional.h"
 #include "records/MVProject.h"
@@ -45,7 +46,14 @@ bool leavesOutTasks(const MVProject &project)
     return true;
 }
 
+const QString titleForWant = QStringLiteral("NewProject");
+
 } // namespace
+
+QString ProjectManager::shownTitle(const EntityProject &project)
+{
+    return project.title() == titleForWant ? localized(titleForWant) : project.title();
+}
 
 bool ProjectManager::saveProjectTemp(MVProject &project)
 {
@@ -57,7 +65,7 @@ bool ProjectManager::saveProjectTemp(MVProject &project)
     if (isDueBeforeStart(project) || (!project.isNewProject() && leavesOutTasks(project)))
         return false;
     if (project.title.isEmpty())
-        project.title = QStringLiteral("NewProject");
+        project.title = titleForWant;
     project.save();
     if (const OptionalError error = DBWorker::saveContext()) {
         project.setProjectValues();

@@ -18,6 +18,9 @@ public:
     /// failed commit stopped it; a message leaves the row as it was.
     static bool saveProjectTemp(MVProject &project);
 
+    /// The title that is shown: the one a project got for want of a better is in the language of the user.
+    static QString shownTitle(const EntityProject &project);
+
     /// The earliest and the latest date of the tasks that are not done; each absent if there is none. The
     /// order of the tasks counts where some have one date only.
     static std::array<OptionalDate, 2> findMaxAndMinDates(const std::vector<TaskPtr> &tasks);

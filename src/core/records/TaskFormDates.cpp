@@ -150,5 +150,9 @@ void TaskFormState::acceptDate(DatePickerState &picker, Date date)
 void TaskFormState::toggleCheck(DatePickerState &picker, bool isChecked)
 {
     picker.isChecked = isChecked;
-    editDates([&] { task.datePickerChangeStateCheck(picker); });
+    editDates([&] {
+        task.datePickerChangeStateCheck(picker);
+        if (picker.typePicker == PickerType::DueDate && !isChecked)
+            task.dueSomeDay = false;
+    });
 }

@@ -1,6 +1,8 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/Functional.h"
+#include "records/ProjectManager.h"
 #include "records/TaskFormState.h"
 
 // Which rows of a task's form are shown, and what they say.
@@ -112,7 +114,7 @@ QString TaskFormState::previewText(TaskFormRow row) const
     case TaskFormRow::Type:
         return Functional::typeStringFromType(task.type.value_or(0));
     case TaskFormRow::Category:
-        return task.category ? localized(task.category->title()) : QString();
+        return task.category ? Categories::shownTitle(task.category) : QString();
     case TaskFormRow::Status:
         return task.statusString();
     case TaskFormRow::Priority:
@@ -142,7 +144,7 @@ QString TaskFormState::previewText(TaskFormRow row) const
     case TaskFormRow::Company:
         return task.company ? task.company->title() : QString();
     case TaskFormRow::Project:
-        return task.project ? localized(task.project->title()) : QString();
+        return task.project ? ProjectManager::shownTitle(*task.project) : QString();
     }
     return {};
 }

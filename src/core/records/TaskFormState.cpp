@@ -3,6 +3,7 @@
 #include "calendarsync/CalendarEvent.h"
 #include "records/Functional.h"
 #include "records/TaskManager.h"
+#include "records/TaskMerge.h"
 
 #include <QScopedValueRollback>
 
@@ -17,6 +18,7 @@ TaskFormState::TaskFormState(const NewTaskRequest &request)
 
 TaskFormState::TaskFormState(const TaskPtr &storedTask)
     : task(storedTask)
+    , base(storedTask)
     , calendarAccess(CalendarEvent::hasAccesToCalendar())
 {}
 
@@ -161,9 +163,7 @@ CustomRepeat TaskFormState::customRepeat() const
 
 bool TaskFormState::canEdit() const
 {
-    if (task.status == static_cast<int>(TaskStatus::Done) || !allowsModifyEvent())
-        return false;
-    return task.repeat.isEmpty() || CalendarEvent::isAccessChangeRepeatTaskWithMessage(true);
+    return task.status != static_cast<int>(TaskStatus::Done) && allowsModifyEvent();
 }
 
 /// What a task keeps of its calendar besides the name.
@@ -191,10 +191,12 @@ bool TaskFormState::save()
 
 TaskFormState::EditEnd TaskFormState::finishEdit()
 {
+    followRow();
     if (!task.isChangedTask())
         return EditEnd::Unchanged;
     if (!save())
         return EditEnd::Refused;
+    takeBase();
     return isGone() ? EditEnd::Removed : EditEnd::Saved;
 }
 
@@ -207,6 +209,7 @@ void TaskFormState::changeStatusNow(bool done)
     // What the rules refused has not happened.
     if (task.task())
         task.status = task.task()->status();
+    takeBase();
     note(TaskField::Status);
 }
 
@@ -220,7 +223,25 @@ bool TaskFormState::isGone() const
 void TaskFormState::rollback()
 {
     task.rollback();
+    takeBase();
     note(TaskField::Title);
+}
+
+/// From here on the row is asked for its changes.
+void TaskFormState::takeBase()
+{
+    base = MVTask(task.task());
+}
+
+void TaskFormState::followRow()
+{
+    if (isGone())
+        return;
+    const MVTask present(task.task());
+    const bool isChanged = TaskMerge::follow(task, base, present);
+    base = present;
+    if (isChanged && fieldChanged)
+        fieldChanged(TaskField::Title);
 }
 
 void TaskFormState::findInvitation()

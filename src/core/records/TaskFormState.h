@@ -86,8 +86,7 @@ public:
     // Editing and saving.
     /// Whether its calendar lets the task be changed.
     bool allowsModifyEvent() const { return task.allowsContentModifications.value_or(true); }
-    /// A task that is done, that lies on a read-only calendar, or that repeats while edits of repeats are
-    /// barred cannot be edited.
+    /// A task that is done or lies on a read-only calendar cannot be edited.
     bool canEdit() const;
     bool canSave() const { return !task.title.isEmpty(); }
     /// Whether the user has put in anything that would be missed.
@@ -104,6 +103,8 @@ public:
     bool isGone() const;
     /// Reads everything from the row again.
     void rollback();
+    /// Takes over what has changed in the row since the edit began; what the user has changed stays.
+    void followRow();
 
 private:
     template <typename Edit>
@@ -118,8 +119,11 @@ private:
     QString dateText(OptionalDate date, bool withTime) const;
     QString repeatText() const;
     void note(TaskField field);
+    void takeBase();
 
     MVTask task;
+    /// The row as it was when the copy was taken.
+    MVTask base;
     TaskInvitation invited;
     bool calendarAccess;
     bool mayBeToDo = true;

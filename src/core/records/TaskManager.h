@@ -2,6 +2,7 @@
 
 #include "foundation/Date.h"
 #include "records/PaletteColor.h"
+#include "records/StepBlock.h"
 #include "store/entities/Entities.h"
 
 #include <functional>
@@ -31,7 +32,9 @@ public:
     /// Deletes one task and what hangs on it, without a question and without saving.
     static void deleteTask(const TaskPtr &task);
     /// Deletes tasks and projects after asking once; `compliteBlock` runs only if something was deleted.
-    static void deleteTasks(const std::vector<ObjectPtr> &tasks, const std::function<void()> &compliteBlock);
+    /// `step` is called after each task.
+    static void deleteTasks(const std::vector<ObjectPtr> &tasks, const std::function<void()> &compliteBlock,
+                            const StepBlock &step = {});
 
     /// False, with a message, for an Appointment whose two dates fall into the same minute.
     static bool dateVerefications(OptionalDate startDate, OptionalDate dueDate, std::optional<int> taskType);

@@ -20,6 +20,18 @@ struct Selection
     std::vector<ProjectPtr> projects;
 };
 
+/// One task after the other, until the user has had enough. False if so.
+template <typename Delete>
+bool deleteEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Delete deleteOne)
+{
+    for (const TaskPtr &task : tasks) {
+        deleteOne(task);
+        if (step && !step())
+            return false;
+    }
+    return true;
+}
+
 /// Each object once, however often it was selected.
 Selection sorted(const std::vector<ObjectPtr> &objects)
 {
@@ -65,27 +77,35 @@ std::optional<Span> askedSpan(size_t count)
     return answer == Alert::secondButton ? std::optional(Span::FutureTasks) : std::nullopt;
 }
 
-void deleteRepeating(const std::vector<TaskPtr> &tasks, Span span)
+bool deleteRepeating(const std::vector<TaskPtr> &tasks, Span span, const StepBlock &step)
 {
     const QString what = span == Span::ThisTask ? QStringLiteral("delete This Task Only")
                                                 : QStringLiteral("delete All Future Tasks");
     Log::line(QStringLiteral("Start ") + what);
-    for (const TaskPtr &task : tasks) {
+    const bool isAll = deleteEach(tasks, step, [span](const TaskPtr &task) {
         CalendarEvent::removeEventCalendarFromTask(task, span, true);
         NotificationCenter::defaultCenter().post(notifications::reloadTasks, task);
-    }
+    });
     Log::line(QStringLiteral("End ") + what);
+    return isAll;
 }
 
-void deletePlain(const Selection &selection, const std::function<void()> &block)
+void deletePlain(const Selection &selection, const StepBlock &step)
 {
     for (const ProjectPtr &project : selection.projects)
         mainContext().deleteObject(project);
-    for (const TaskPtr &task : selection.plain)
-        TaskManager::deleteTask(task);
+    deleteEach(selection.plain, step, &TaskManager::deleteTask);
+}
+
+/// What was asked for, repeating tasks only with a span; nothing more once the user has had enough.
+void deleteSelection(const Selection &selection, std::optional<Span> span, const StepBlock &step)
+{
+    {
+        const SaveGroup together(mainContext());
+        if (!span || deleteRepeating(selection.repeating, *span, step))
+            deletePlain(selection, step);
+    }
     DBWorker::saveContext();
-    if (block)
-        block();
 }
 
 } // namespace
@@ -97,19 +117,20 @@ void TaskManager::deleteTask(const TaskPtr &task)
     NotificationCenter::defaultCenter().post(notifications::reloadTasks, task);
 }
 
-void TaskManager::deleteTasks(const std::vector<ObjectPtr> &tasks, const std::function<void()> &compliteBlock)
+void TaskManager::deleteTasks(const std::vector<ObjectPtr> &tasks, const std::function<void()> &compliteBlock,
+                              const StepBlock &step)
 {
     const Selection selection = sorted(tasks);
+    std::optional<Span> span;
     if (selection.repeating.empty()) {
-        if (isDeletionWanted(selection.plain.size() + selection.projects.size()))
-            deletePlain(selection, compliteBlock);
-        return;
-    }
-    if (CalendarEvent::isAccessChangeRepeatTaskWithMessage(true)) {
-        const std::optional<Span> span = askedSpan(selection.repeating.size());
+        if (!isDeletionWanted(selection.plain.size() + selection.projects.size()))
+            return;
+    } else if (CalendarEvent::isAccessChangeRepeatTaskWithMessage(true)) {
+        span = askedSpan(selection.repeating.size());
         if (!span)
             return;
-        deleteRepeating(selection.repeating, *span);
     }
-    deletePlain(selection, compliteBlock);
+    deleteSelection(selection, span, step);
+    if (compliteBlock)
+        compliteBlock();
 }

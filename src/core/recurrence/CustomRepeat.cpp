@@ -31,6 +31,7 @@ const std::array<FrequencyWords, 4> &frequencies()
     return table;
 }
 
+constexpr int usualMostInterval = 999;
 constexpr int longestMonth = 31;
 constexpr int leapDay = 29;
 constexpr int shortestMonth = 28;
@@ -47,6 +48,7 @@ int lengthOfMonth(int month)
 CustomRepeat::CustomRepeat(const std::optional<RecurrenceRule> &rule, OptionalDate occurrenceDate,
                            OptionalDate endRepeat, RecurrencePickerLanguage textLanguage)
     : edited(rule.value_or(RecurrenceRule(RecurrenceFrequency::weekly)))
+    , most(std::max(usualMostInterval, edited.interval))
     , start(occurrenceDate.value_or(Clock::now()))
     , end(endRepeat)
     , language(textLanguage)
@@ -87,7 +89,7 @@ void CustomRepeat::frequencyChange(int index)
 
 void CustomRepeat::setInterval(int interval)
 {
-    edited.interval = std::clamp(interval, 1, mostInterval);
+    edited.interval = std::clamp(interval, 1, most);
 }
 
 QString CustomRepeat::unitLabel() const

@@ -12,8 +12,6 @@
 class CustomRepeat
 {
 public:
-    static constexpr int mostInterval = 999;
-
     /// Begins with a rule, or with every week if there is none. `occurrenceDate` is the date of the task, by
     /// which the series goes; without one that is now.
     CustomRepeat(const std::optional<RecurrenceRule> &rule, OptionalDate occurrenceDate,
@@ -30,6 +28,8 @@ public:
     void frequencyChange(int index);
     /// Below 1 it counts as 1, above the limit as the limit.
     void setInterval(int interval);
+    /// The limit of the interval: 999, or what the rule began with.
+    int mostInterval() const { return most; }
     /// What is counted by the interval: "week (s)".
     QString unitLabel() const;
 
@@ -59,6 +59,7 @@ private:
     bool followsDate() const;
 
     RecurrenceRule edited;
+    int most;
     Date start;
     OptionalDate end;
     RecurrencePickerLanguage language;

@@ -1,8 +1,10 @@
 #include "foundation/Alert.h"
 
+#include "foundation/AlertsOnce.h"
 #include "foundation/Log.h"
 
 #include <algorithm>
+#include <vector>
 
 static std::shared_ptr<AlertPresenter> &currentPresenter()
 {
@@ -18,13 +20,56 @@ static int answerOfNobody(const AlertQuestion &question)
     return Alert::firstButton + std::max(static_cast<int>(question.buttons.size()) - 1, 0);
 }
 
+static int ask(const std::shared_ptr<AlertPresenter> &presenter, const AlertQuestion &question)
+{
+    return presenter ? presenter->present(question) : answerOfNobody(question);
+}
+
 int Alert::run(const AlertQuestion &question)
 {
+    // The presenter may be another one when the answer comes.
     const auto presenter = currentPresenter();
-    return presenter ? presenter->present(question) : answerOfNobody(question);
+    return ask(presenter, question);
 }
 
 void Alert::setPresenter(std::shared_ptr<AlertPresenter> presenter)
 {
     currentPresenter() = std::move(presenter);
+}
+
+namespace {
+
+/// Keeps the answers that another presenter got.
+class RememberingPresenter : public AlertPresenter
+{
+public:
+    explicit RememberingPresenter(std::shared_ptr<AlertPresenter> askingPresenter)
+        : asking(std::move(askingPresenter))
+    {}
+
+    int present(const AlertQuestion &question) override
+    {
+        for (const auto &[asked, answer] : answers) {
+            if (asked == question)
+                return answer;
+        }
+        return answers.emplace_back(question, ask(asking, question)).second;
+    }
+
+private:
+    std::shared_ptr<AlertPresenter> asking;
+    std::vector<std::pair<AlertQuestion, int>> answers;
+};
+
+} // namespace
+
+AlertsOnce::AlertsOnce()
+    : former(currentPresenter())
+{
+    Alert::setPresenter(std::make_shared<RememberingPresenter>(former));
+}
+
+AlertsOnce::~AlertsOnce()
+{
+    Alert::setPresenter(former);
 }

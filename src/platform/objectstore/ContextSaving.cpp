@@ -83,8 +83,8 @@ OptionalError ManagedObjectContext::write()
     // What was written before a transaction that ended by itself must be written again.
     if (isInTransaction && database->isAutocommit())
         rollBack();
-    const bool hasRowDeletions = std::any_of(rowDeletions.begin(), rowDeletions.end(),
-                                             [](const RowDeletion &one) { return !one.isWritten; });
+    // What is written stands before what waits; there can be very many of them.
+    const bool hasRowDeletions = !rowDeletions.empty() && !rowDeletions.back().isWritten;
     if (waiting.empty() && !hasRowDeletions)
         return std::nullopt;
     if (auto error = begin())
@@ -108,13 +108,13 @@ OptionalError ManagedObjectContext::write()
 
 OptionalError ManagedObjectContext::deleteWaitingRows()
 {
-    for (RowDeletion &one : rowDeletions) {
-        if (one.isWritten)
-            continue;
-        sqlite::Statement statement = database->prepare(one.query.text);
-        if (!statement.bind(one.query.bindings).run())
+    const auto isWritten = [](const RowDeletion &one) { return one.isWritten; };
+    auto one = std::find_if(rowDeletions.rbegin(), rowDeletions.rend(), isWritten).base();
+    for (; one != rowDeletions.end(); ++one) {
+        sqlite::Statement statement = database->prepare(one->query.text);
+        if (!statement.bind(one->query.bindings).run())
             return failure("write to");
-        one.isWritten = true;
+        one->isWritten = true;
     }
     return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include "filters/ListFilter.h"
 #include "filters/MultiPickField.h"
 #include "foundation/Localization.h"
+#include "records/dates/MVDate.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/DatePicker.h"
 #include "widgets/DatePickerPopover.h"
@@ -160,7 +161,9 @@ void TaskFilterController::pickDate(DatePicker &picker)
     auto *bubble = new DatePickerPopover(state, &picker);
     bubble->setAttribute(Qt::WA_DeleteOnClose);
     connect(bubble, &DatePickerPopover::doneClicked, this, [this, isFrom](Date date) {
-        isFrom ? filter.setDateFrom(date) : filter.setDateTo(date);
+        // Days are picked, and a period holds them whole.
+        isFrom ? filter.setDateFrom(MVDate::getStartOfDay(date))
+               : filter.setDateTo(MVDate::getEndOfDay(date));
         fromPicker->setDate(filter.periodPickers().from, false);
         toPicker->setDate(filter.periodPickers().to, false);
     });

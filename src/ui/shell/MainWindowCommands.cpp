@@ -1,4 +1,6 @@
+#include "foundation/Clock.h"
 #include "foundation/Localization.h"
+#include "records/dates/MVDate.h"
 #include "shell/Actions.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -26,7 +28,7 @@ static ManagedObjectContext *context()
 
 void MainWindowController::bindActions()
 {
-    actions->bind(ActionId::NewTask, [this] { buttonAdd(ToolBarButton::NewTask); });
+    actions->bind(ActionId::NewTask, [this] { menuClickNewTask(); });
     actions->bind(
         ActionId::Calendars, [this] { showCalendars(); }, [] { return !DBWorker::isSample(); });
     actions->bind(ActionId::Preferences, [this] { showSettings(); });
@@ -62,6 +64,16 @@ void MainWindowController::bindActions()
     actions->bind(ActionId::About, [this] { showAbout(); });
 }
 
+/// A list gives its tasks what makes them belong to it; written down from anywhere else, one is for today.
+void MainWindowController::menuClickNewTask()
+{
+    if (screen && screen->listType())
+        return buttonAdd(ToolBarButton::NewTask);
+    const Date now = Clock::now();
+    const MarkedSpan today = {MVDate::getStartOfDay(now), MVDate::getEndOfDay(now)};
+    NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask, today);
+}
+
 void MainWindowController::bindLists()
 {
     for (const ActionDescription &description : Actions::table()) {
@@ -86,8 +98,9 @@ void MainWindowController::groupsMayHaveChanged()
     if (sidebar->refreshGroups())
         return;
     const SidebarItem former = selectItem.value_or(SidebarItem::Home);
+    const QString group = selectedGroup;
     loadContactsGroup();
-    showList(former == SidebarItem::ContactGroup ? SidebarItem::People : former);
+    selectAgain(former, group);
 }
 
 void MainWindowController::undo()

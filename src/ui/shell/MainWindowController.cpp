@@ -1,8 +1,6 @@
 #include "shell/MainWindowController.h"
 
 #include "filters/ContactGroups.h"
-#include "foundation/Alert.h"
-#include "foundation/Localization.h"
 #include "shell/Actions.h"
 #include "shell/MainMenu.h"
 #include "shell/MainWindow.h"
@@ -10,22 +8,15 @@
 #include "shell/RightToolBar.h"
 #include "shell/ScreenFactory.h"
 #include "shell/ShellAlerts.h"
-#include "shell/TextCommands.h"
-#include "shell/calendars/CalendarsAppleWindowController.h"
-#include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/details/DetailStack.h"
-#include "shell/search/SearchPopover.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
-#include "widgets/BusyCursor.h"
 #include "widgets/ScreenToolBar.h"
-#include "widgets/TextBubble.h"
 
 #include <QApplication>
 #include <QLayout>
 #include <QMenuBar>
-#include <QMessageBox>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -99,18 +90,6 @@ void MainWindowController::observe()
     for (const NotificationName name : {notifications::contextDidSave, notifications::iCloudChange})
         observations.push_back(NotificationCenter::defaultCenter().addObserver(
             name, [this](const Notification &) { storeChanged(); }));
-}
-
-void MainWindowController::observeSearch()
-{
-    observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::searchMorvane,
-        [this](const Notification &) { mainWindow->rightToolBarMain()->focusSearch(); }));
-    observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::clickTableSearch, [this](const Notification &notification) {
-            if (const auto *record = std::any_cast<ObjectPtr>(&notification.object))
-                searchSelectItem(*record);
-        }));
 }
 
 void MainWindowController::observeCalendar()
@@ -207,12 +186,32 @@ void MainWindowController::countTasksBadge()
     sidebar->setBadges(DBWorker::taskBadges());
 }
 
+/// The row that was selected, if it is still there.
+void MainWindowController::selectAgain(SidebarItem former, const QString &formerGroup)
+{
+    const auto group = std::dynamic_pointer_cast<EntityContactGroup>(DBWorker::getObjectFromId(formerGroup));
+    const QModelIndex place = group ? sidebar->indexOfGroup(*group) : QModelIndex();
+    if (place.isValid())
+        mainWindow->outlineViewListItem()->selectIndex(place);
+    else
+        showList(former == SidebarItem::ContactGroup ? SidebarItem::People : former);
+}
+
 void MainWindowController::changeDataBase()
 {
-    const auto former = selectItem.value_or(SidebarItem::Home);
+    // Panes and windows for new records are about the other store.
+    details->removeAllDetail();
+    const SidebarItem former = selectItem.value_or(SidebarItem::Home);
+    const QString group = selectedGroup;
     loadContactsGroup();
-    QTimer::singleShot(firstSelectionDelay, this, [this, former] { showList(former); });
+    QTimer::singleShot(firstSelectionDelay, this, [this, former, group] { selectAgain(former, group); });
     countTasksBadge();
+}
+
+void MainWindowController::openWelcomeWindow()
+{
+    if (AppDelegate *delegate = AppDelegate::shared(); delegate && mainWindow->close())
+        delegate->startStartWindow();
 }
 
 void MainWindowController::didRemoveRow(const QModelIndex &index)
@@ -226,51 +225,12 @@ void MainWindowController::didRemoveRow(const QModelIndex &index)
     showList(SidebarItem::People);
 }
 
-// Search
-
-void MainWindowController::searchSelectItem(const ObjectPtr &record)
-{
-    const auto item = SidebarModel::itemShowing(record);
-    if (!item)
-        return;
-    showList(*item);
-    // Not by command: a list that a filter has emptied of it must not offer another row instead.
-    if (screen->focusProxy())
-        screen->setFocus(Qt::OtherFocusReason);
-    screen->selectItem(record);
-    searchedRecord = DBWorker::getIdFromObject(record);
-    actions->updateEnabled();
-}
-
-/// The result that the keys are on, the selected task, the one in the pane, or the one that was searched for.
-TaskPtr MainWindowController::taskInQuestion() const
-{
-    const auto found = std::dynamic_pointer_cast<EntityTask>(mainWindow->rightToolBarMain()->currentResult());
-    if (found)
-        return found;
-    const TaskPtr selected = screen ? screen->selectedTask() : nullptr;
-    return selected ? selected
-                    : std::dynamic_pointer_cast<EntityTask>(DBWorker::getObjectFromId(searchedRecord));
-}
-
-void MainWindowController::explainPlace()
-{
-    const TaskPtr task = taskInQuestion();
-    if (!task || !screen)
-        return;
-    RightToolBar &bar = *mainWindow->rightToolBarMain();
-    const QString text = screen->explanationOf(task);
-    if (bar.currentResult())
-        TextBubble::show(text, *bar.searchPopover(), bar.searchPopover()->currentPlace());
-    else
-        TextBubble::show(text, *screen, screen->placeOf(task));
-}
-
 // Screens
 
 void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &index)
 {
     selectItem = sidebar->itemAt(index);
+    selectedGroup = DBWorker::getIdFromObject(sidebar->groupAt(index));
     searchedRecord.clear();
     show(ScreenFactory::make(*sidebar, index));
 }

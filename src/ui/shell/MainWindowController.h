@@ -60,6 +60,9 @@ public:
     void explainPlace();
     /// Another store is in use: everything is fetched anew.
     void changeDataBase();
+    /// Closes the main window, if nothing typed is to stay, and opens the window that the program offers its
+    /// stores in.
+    void openWelcomeWindow();
 
 Q_SIGNALS:
     void quitRequested();
@@ -80,8 +83,10 @@ private:
     void show(TabsViewController *newScreen);
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
+    void menuClickNewTask();
     void removeSelected();
     TaskPtr taskInQuestion() const;
+    void selectAgain(SidebarItem former, const QString &formerGroup);
     void groupsMayHaveChanged();
     void undo();
     void redo();
@@ -95,6 +100,8 @@ private:
     std::unique_ptr<DetailStack> details;
     QPointer<TabsViewController> screen;
     std::optional<SidebarItem> selectItem;
+    /// The URI of the group that is selected, or empty.
+    QString selectedGroup;
     /// The URI of the record that a search led here for; empty once another row was selected.
     QString searchedRecord;
     /// The group just made, until its row has taken the focus.

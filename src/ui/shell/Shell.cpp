@@ -1,11 +1,13 @@
 #include "shell/Shell.h"
 
+#include "calendarsync/PassProgress.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "widgets/Icons.h"
+#include "widgets/LongWork.h"
 #include "widgets/MessageBoxPresenter.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -30,6 +32,14 @@ void Shell::prepareApplication()
     QApplication::setDesktopFileName(u"com.halvern.morvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);
     Alert::setPresenter(std::make_shared<MessageBoxPresenter>());
+    passprogress::setBegin([](std::size_t steps) -> StepBlock {
+        // Fewer are done before anyone notices.
+        constexpr std::size_t many = 500;
+        if (steps < many)
+            return {};
+        auto work = std::make_shared<LongWork>(steps, localized(u"Reading your calendars"_s), false);
+        return [work] { return work->step(); };
+    });
     Workspace::setUrlOpener([](const QString &url) { return QDesktopServices::openUrl(QUrl(url)); });
 }
 

@@ -1,9 +1,8 @@
 #include "widgets/LongWork.h"
 
-#include "foundation/Localization.h"
+#include "widgets/ProgressSign.h"
 
 #include <QApplication>
-#include <QProgressDialog>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -11,35 +10,34 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int patience = 400;
 constexpr int interval = 100;
 
-LongWork::LongWork(int steps)
-    : count(steps)
-{
-    timer.start();
-}
+LongWork::LongWork(std::size_t steps, QString sentence, bool canBeStopped)
+    : count(static_cast<int>(steps))
+    , label(std::move(sentence))
+    , isStoppable(canBeStopped)
+{}
 
 LongWork::~LongWork() = default;
 
 void LongWork::show()
 {
-    dialog = std::make_unique<QProgressDialog>(QApplication::activeWindow());
-    dialog->setObjectName(u"longWork"_s);
-    dialog->setWindowModality(Qt::ApplicationModal);
-    dialog->setLabelText(localized(u"Changing the selected tasks"_s));
-    dialog->setCancelButtonText(localized(u"Cancel"_s));
-    dialog->setRange(0, count);
-    dialog->setMinimumDuration(0);
+    busy.reset();
+    sign = std::make_unique<ProgressSign>(label, count, isStoppable, QApplication::activeWindow());
 }
 
 bool LongWork::step()
 {
     ++done;
+    if (!timer.isValid()) {
+        timer.start();
+        busy.emplace();
+    }
     const qint64 now = timer.elapsed();
     if (done >= count || now < patience || now - lastShown < interval)
         return true;
     lastShown = now;
-    if (!dialog)
+    if (!sign)
         show();
     // Here the user's press on the button is heard.
-    dialog->setValue(done);
-    return !dialog->wasCanceled();
+    sign->setValue(done);
+    return !sign->wasCanceled();
 }

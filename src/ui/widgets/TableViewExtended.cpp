@@ -115,7 +115,7 @@ void TableViewExtended::updateGeometries()
     const int page = viewport()->height();
     verticalScrollBar()->setPageStep(page);
     verticalScrollBar()->setSingleStep(heights.item / 2);
-    verticalScrollBar()->setRange(0, std::max(0, geometry.totalHeight() + Theme::unit - page));
+    verticalScrollBar()->setRange(0, std::max(0, geometry.totalHeight() + heights.below - page));
     QAbstractItemView::updateGeometries();
 }
 

@@ -3,6 +3,7 @@
 #include "widgets/RowDrag.h"
 #include "widgets/RowGeometry.h"
 #include "widgets/TableModel.h"
+#include "widgets/Theme.h"
 
 #include <QAbstractItemView>
 #include <QTimer>
@@ -15,6 +16,8 @@ struct RowHeights
     int item = 51;
     int header = 51;
     int separator = 10;
+    /// Room below the last row when the list is scrolled to its end.
+    int below = Theme::unit;
 };
 
 /// A list of any length that the delegate paints row by row, with several rows selectable.

@@ -1,4 +1,5 @@
 #include "CalendarTest.h"
+#include "calendarsync/PassProgress.h"
 
 #include <gmock/gmock.h>
 
@@ -132,6 +133,31 @@ TEST_F(CalendarPasses, AskBeforeTheyTakeAwayMuch)
     const ScriptedAlerts alerts({Alert::firstButton});
     pass();
     EXPECT_THAT(rows(), SizeIs(10));
+}
+
+/// The screen that shows how far a pass is lets other things happen meanwhile.
+TEST_F(CalendarPasses, TellHowFarTheyAreAndComeAgainForWhatChangedMeanwhile)
+{
+    const QString event = u"SUMMARY:%1\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\n"_qs;
+    for (const QString &title : {u"one"_qs, u"two"_qs, u"three"_qs})
+        write(u"Home"_qs, title, event.arg(title));
+    std::vector<size_t> begun;
+    int steps = 0;
+    passprogress::setBegin([&](size_t count) -> StepBlock {
+        begun.push_back(count);
+        return [&] {
+            if (++steps == 1) {
+                write(u"Home"_qs, u"late"_qs, event.arg(u"late"_qs));
+                CalendarEvent::syncCalendarToAppWithTask(nullptr);
+            }
+            return false;
+        };
+    });
+    pass();
+    passprogress::setBegin({});
+    EXPECT_THAT(begun, testing::ElementsAre(3, 4));
+    EXPECT_EQ(steps, 7) << "nothing stops a pass";
+    EXPECT_THAT(rows(), testing::SizeIs(4));
 }
 
 } // namespace

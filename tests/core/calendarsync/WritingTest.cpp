@@ -54,6 +54,21 @@ TEST_F(WritingTasksToEvents, ByTheirType)
     EXPECT_EQ(day.task()->startDate(), localDate(2026, 11, 23));
 }
 
+TEST_F(WritingTasksToEvents, APlaceOfUnknownPositionIsWrittenByItsNameAlone)
+{
+    MVTask copy = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));
+    copy.location = DBWorker::saveLocation(u"Grandma"_qs, {}, {});
+    ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    EXPECT_TRUE(onlyFile().contains(u"LOCATION:Grandma"_qs)) << onlyFile().toStdString();
+    EXPECT_FALSE(onlyFile().contains(u"GEO"_qs)) << onlyFile().toStdString();
+    const auto before = DBWorker::allLocations().size();
+    pass();
+    expectSettled();
+    EXPECT_EQ(DBWorker::allLocations().size(), before);
+    EXPECT_EQ(copy.task()->location(), copy.location);
+    EXPECT_FALSE(copy.location->latitude());
+}
+
 TEST_F(WritingTasksToEvents, DoneTasksLeaveTheCalendarAndComeBackAsNewOnes)
 {
     MVTask copy = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));

@@ -143,6 +143,8 @@ TEST_F(ListFilters, RestoreAndWriteThePopUpsOfObjects)
     EXPECT_EQ(written(u"Project"_qs, 2), house->uri());
     EXPECT_EQ(written(u"Project"_qs, 0), all);
     EXPECT_EQ(selected(u"Project"_qs, zoo), 0) << "What is no project selects nothing of them";
+    house->setTitle(u"NewProject"_qs);
+    EXPECT_EQ(inbox.popUp(u"Project"_qs).items.last(), u"New Project"_qs);
 
     // The items keep their meaning while the popover is open.
     inbox.popUp(u"Location"_qs);

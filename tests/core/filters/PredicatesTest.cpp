@@ -55,6 +55,12 @@ TEST_F(FilterPredicates, NarrowAListByEachCriterion)
     const QStringList onlyCafe(u"Café visit"_qs);
     const QStringList onlyCall(u"call"_qs);
     EXPECT_EQ(filtered(u"Title"_qs, u"cafe"_qs), onlyCafe);
+    EXPECT_EQ(filtered(u"Title"_qs, u"visit"_qs), QStringList())
+        << "titles are looked at from their beginning";
+    FilterEntry off = with(u"Title"_qs, {{u"Value"_qs, u"cafe"_qs}});
+    off.insert(u"Enabled"_qs, 0);
+    EXPECT_EQ(filtered(off).size(), 2) << "an entry that is off";
+    EXPECT_EQ(filtered(with(u"Title"_qs, {{u"Value"_qs, u"cafe"_qs}, {u"Enabled"_qs, 0}})).size(), 2);
     EXPECT_EQ(filtered(u"Type"_qs, 2), onlyCall);
     EXPECT_EQ(filtered(u"Type"_qs, filters::allMarker).size(), 2);
     EXPECT_EQ(filtered(u"Category"_qs, cafe->category()->uri()), onlyCafe);
@@ -74,6 +80,48 @@ TEST_F(FilterPredicates, NarrowAListByEachCriterion)
     EXPECT_EQ(filtered(period(localDate(2026, 11, 25, 12), localDate(2026, 11, 25, 13))), onlyCafe);
     EXPECT_EQ(filtered(period(localDate(2026, 12, 24, 9), localDate(2026, 12, 24, 9))), onlyCall);
     EXPECT_EQ(filtered(period(localDate(2026, 12, 24, 10), localDate(2026, 12, 24, 11))), QStringList());
+}
+
+TEST_F(FilterPredicates, BeginAPeriodWithTheFirstRunAndEndItToday)
+{
+    UserDefaults::standard().setObject(settings::firstRun, QVariant::fromValue(localDate(2026, 11, 10, 12)));
+    const auto due = [this](const QString &title, Date date) {
+        add(title, TaskType::ToDo, {}, date)->setCreationDate(localDate(2020, 1, 1));
+    };
+    due(u"before"_qs, localDate(2026, 11, 9, 23, 59));
+    due(u"that morning"_qs, localDate(2026, 11, 10, 8));
+    due(u"tonight"_qs, localDate(2026, 11, 21, 23, 59));
+    due(u"tomorrow"_qs, localDate(2026, 11, 22, 23, 59));
+    add(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 10, 8))
+        ->setCreationDate(localDate(2020, 1, 1));
+    EXPECT_FALSE(DBWorker::saveContext());
+    const auto period = [](const QVariantMap &dates) {
+        QStringList found = filtered(with(u"Period"_qs, dates));
+        found.sort();
+        return found;
+    };
+    EXPECT_EQ(period({}), QStringList({u"that morning"_qs, u"tonight"_qs}))
+        << "whole days count for a ToDo, and only for one";
+    EXPECT_EQ(period({{u"From"_qs, QVariant::fromValue(localDate(2026, 11, 11))}}),
+              QStringList(u"tonight"_qs));
+    EXPECT_EQ(period({{u"To"_qs, QVariant::fromValue(localDate(2026, 11, 12))}}),
+              QStringList(u"that morning"_qs));
+    UserDefaults::standard().removeObject(settings::firstRun);
+    EXPECT_EQ(period({}), QStringList(u"tonight"_qs)) << "a week without a first run";
+}
+
+TEST_F(FilterPredicates, OnlyNarrowWhatAListHoldsAnyway)
+{
+    add(u"idea"_qs);
+    add(u"today"_qs, TaskType::ToDo, localDate(2026, 11, 21), localDate(2026, 11, 21, 23, 59));
+    add(u"over"_qs)->setStatus(static_cast<int>(TaskStatus::Done));
+    EXPECT_FALSE(DBWorker::saveContext());
+    const FilterEntry over = with(u"Status"_qs, {{u"Value"_qs, 3}});
+    const FilterEntry open = with(u"Status"_qs, {{u"Value"_qs, 0}});
+    EXPECT_TRUE(titles(DBWorker::allInboxTasks(&over)).isEmpty());
+    EXPECT_TRUE(titles(DBWorker::allTodayTasks(&over)).isEmpty());
+    EXPECT_EQ(titles(DBWorker::allInboxTasks(&open)), QStringList(u"idea"_qs));
+    EXPECT_EQ(titles(DBWorker::allTodayTasks(&open)), QStringList(u"today"_qs));
 }
 
 } // namespace

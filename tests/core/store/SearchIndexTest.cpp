@@ -101,6 +101,23 @@ TEST_F(SearchIndexOfRecords, FollowsWhatIsLinkedAndUnlinked)
     EXPECT_EQ(sortedTextsOf(contact), QStringList({u"555"_qs, u"Ann"_qs, u"House"_qs}));
 }
 
+TEST_F(SearchIndexOfRecords, FindsARenamedProjectAtOnceAndItsTasksByTheOldNameUntilTheyChange)
+{
+    const auto project = context().insert<EntityProject>();
+    project->setTitle(u"House"_qs);
+    const TaskPtr task = add(u"paint"_qs);
+    task->setProject(project);
+    EXPECT_FALSE(DBWorker::saveContext());
+    project->setTitle(u"Villa"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(found(u"villa"_qs), std::vector<ObjectPtr>({project}));
+    EXPECT_EQ(found(u"house"_qs), std::vector<ObjectPtr>({task}));
+    task->setDetails(u"white"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_TRUE(found(u"house"_qs).empty());
+    EXPECT_EQ(found(u"villa"_qs).size(), 2U);
+}
+
 TEST_F(SearchIndexOfRecords, IsBroughtUpToDateAfterAnEndBetweenTheTwoSaves)
 {
     const TaskPtr task = add(u"first"_qs);

@@ -4,14 +4,18 @@
 #include "calendarsync/SyncSettings.h"
 #include "cloud/CloudUserDefaults.h"
 #include "eventkit/FolderBackend.h"
+#include "shell/details/DetailStack.h"
+#include "shell/details/TaskDetailViewController.h"
 #include "store/state/NotificationNames.h"
 #include "store/state/SettingsKeys.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/RowItemView.h"
 #include "workspace/PlatformConfiguration.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QListView>
 #include <QMenu>
 #include <QPushButton>
@@ -46,14 +50,17 @@ protected:
         CloudUserDefaults::removeObjectForKey(settings::syncPeriodType);
     }
 
-    void writeEvent(const QString &calendar, const QString &title, const QString &start) const
+    /// \param lines are added to it.
+    void writeEvent(const QString &calendar, const QString &title, const QString &start,
+                    const QString &lines = {}) const
     {
         QFile file(root.filePath(u"Local/%1/%2.ics"_s.arg(calendar, title)));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:%1\r\n"
-                   "DTSTAMP:20260101T000000Z\r\nSUMMARY:%1\r\nDTSTART:%2\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n"_s
-                       .arg(title, start)
-                       .toUtf8());
+        file.write(
+            u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:%1\r\n"
+            "DTSTAMP:20260101T000000Z\r\nSUMMARY:%1\r\nDTSTART:%2\r\n%3END:VEVENT\r\nEND:VCALENDAR\r\n"_s
+                .arg(title, start, lines)
+                .toUtf8());
     }
     QWidget &open(ActionId command, const char *name)
     {
@@ -100,6 +107,47 @@ TEST_F(CalendarsTest, ChosenCalendarsBringTheirEventsWhenTheWindowCloses)
     QTest::mouseClick(&find<QPushButton>(chooser, "buttonSave"), Qt::LeftButton);
     EXPECT_FALSE(chooser.isVisible());
     EXPECT_NE(ShellTest::stored(u"Meeting"_s), nullptr);
+}
+
+TEST_F(CalendarsTest, TheLastCalendarIsGivenUpAndWithItAllWorkOnThem)
+{
+    UserDefaults::standard().setObject(settings::savedChooseCalendars, u"Work"_s);
+    QWidget &chooser = open(ActionId::Calendars, "CalendarsAppleWindow");
+    click(find<QListView>(chooser, "tableCalendars"), 2);
+    EXPECT_EQ(stored(settings::savedChooseCalendars), QString());
+    QTest::mouseClick(&find<QPushButton>(chooser, "buttonSave"), Qt::LeftButton);
+    EXPECT_EQ(ShellTest::stored(u"Meeting"_s), nullptr);
+    const TaskPtr task = add(u"own"_s, [](MVTask &copy) {
+        copy.type = static_cast<int>(TaskType::Appointment);
+        copy.startDate = localDate(2026, 11, 23, 9);
+        copy.dueDate = localDate(2026, 11, 23, 10);
+    });
+    EXPECT_EQ(task->calendarID(), QString());
+    for (const QString &title : {u"Home"_s, u"Work"_s})
+        EXPECT_FALSE(QDir(root.filePath(u"Local/"_s + title)).entryList().join(u' ').contains(u"own"_s));
+}
+
+TEST_F(CalendarsTest, GuestsThatCameSinceAreSeenAtTheNextChangeOfMode)
+{
+    UserDefaults::standard().setObject(settings::savedChooseCalendars, u"Work"_s);
+    CalendarEvent::syncCalendarToAppWithTask(nullptr);
+    EXPECT_FALSE(DBWorker::saveContext());
+    showList(SidebarItem::NotDone);
+    clickRow(static_cast<int>(shownTitles().indexOf(u"Meeting"_s)));
+    key(Qt::Key_Return);
+    auto *pane = static_cast<TaskDetailViewController *>(controller().detailStack()->top());
+    ASSERT_NE(pane, nullptr);
+    const auto &row = find<RowItemView>(*pane, "rowContacts");
+    QTest::qWait(10);
+    EXPECT_TRUE(row.isRowHidden());
+    writeEvent(u"Work"_s, u"Meeting"_s, u"20261122T090000Z"_s,
+               u"ORGANIZER;CN=Ada:mailto:ada@example.org\r\nATTENDEE;CN=Bob:mailto:bob@example.org\r\n"_s);
+    EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(root.path()));
+    CalendarEvent::resetEventStore();
+    QTest::mouseClick(&find<QPushButton>(*pane, "buttonEdit"), Qt::LeftButton);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return find<QLabel>(*pane, "labelContactsPreview").text() == u"Ada"_s; }));
+    EXPECT_FALSE(row.isRowHidden());
 }
 
 TEST_F(CalendarsTest, TheSettingsReachFurtherAheadOnceThePanelIsClosed)

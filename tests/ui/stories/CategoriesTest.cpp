@@ -1,10 +1,12 @@
 // Categories on their screen: made, named, chosen, deleted, with the tasks of the selected one beside them.
 
 #include "records/Categories.h"
+#include "foundation/UserDefaults.h"
 #include "shell/categories/CategoriesViewController.h"
 #include "shell/categories/CategoryTasksCell.h"
 #include "shell/details/DetailStack.h"
 #include "store/entities/EntityCategory.h"
+#include "store/state/SettingsKeys.h"
 #include "ui/support/ShellTest.h"
 
 #include <QApplication>
@@ -66,7 +68,9 @@ TEST_F(CategoriesScreen, ShowsTheTasksOfTheSelectedOne)
     select(u"None"_s);
     EXPECT_EQ(shownTitles(), QStringList(u"Loose end"_s));
     select(u"Work"_s);
-    EXPECT_EQ(shownTitles(), QStringList());
+    EXPECT_EQ(shownTitles(), QStringList(u"No events"_s));
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, middleOf(0));
+    EXPECT_TRUE(controller().detailStack()->isEmpty());
 
     select(u"Personal"_s);
     add(u"Paint the fence"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Personal"_s); });
@@ -124,6 +128,32 @@ TEST_F(CategoriesScreen, ADoubleClickNamesAnOwnOneAnew)
     list().setFocus();
     QTRY_VERIFY(EntityCategory::title(u"Allotment"_s) != nullptr);
     EXPECT_FALSE(EntityCategory::title(u"Garden"_s));
+
+    const CategoryPtr allotment = EntityCategory::title(u"Allotment"_s);
+    const ScriptedAlerts none;
+    for (const QString &taken : {u"Personal"_s, QString()}) {
+        QTest::mouseDClick(table().viewport(), Qt::LeftButton, {}, middle(u"Allotment"_s));
+        ASSERT_NE(editor(), nullptr);
+        editor()->selectAll();
+        QTest::keyClick(editor(), Qt::Key_Backspace);
+        QTest::keyClicks(editor(), taken);
+        QTest::keyClick(editor(), Qt::Key_Return);
+        EXPECT_EQ(allotment->title(), u"Allotment"_s) << "without a word the old name comes back";
+        EXPECT_TRUE(titles().contains(u"Allotment"_s));
+    }
+    EXPECT_TRUE(none.asked().empty());
+}
+
+TEST_F(CategoriesScreen, InTheSampleEveryTaskHasACategoryAndNoCalendarIsChosen)
+{
+    EXPECT_EQ(titles().last(), u"None"_s);
+    EXPECT_TRUE(find<ToolBarButton>(window(), "buttonCalendars").isVisible());
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 1);
+    controller().showList(SidebarItem::Inbox);
+    EXPECT_FALSE(find<ToolBarButton>(window(), "buttonCalendars").isVisible());
+    showList(SidebarItem::Categories);
+    EXPECT_FALSE(titles().contains(u"None"_s));
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 0);
 }
 
 TEST_F(CategoriesScreen, TheDeleteKeyAsksAndLeavesTheTasksToGeneral)

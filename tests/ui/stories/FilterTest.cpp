@@ -199,6 +199,22 @@ TEST_F(FilterTest, AGroupingKeepsTheFilterWaiting)
     EXPECT_TRUE(cancel().isVisible());
 }
 
+TEST_F(FilterTest, AnotherGroupingKeepsWhatIsSelectedAndTakesNothingInItsPlace)
+{
+    add(u"apple"_s);
+    add(u"pear"_s);
+    showList(SidebarItem::NotDone);
+    clickRow(static_cast<int>(shownTitles().indexOf(u"pear"_s)));
+    groupingControl().setFocus();
+    QTest::keyClick(&groupingControl(), Qt::Key_Space);
+    EXPECT_EQ(selectedTitles(), QStringList{u"pear"_s});
+    key(Qt::Key_Space);
+    groupingControl().setFocus();
+    QTest::keyClick(&groupingControl(), Qt::Key_Space);
+    EXPECT_EQ(shownTitles(), QStringList{u"apple"_s});
+    EXPECT_TRUE(selectedTitles().isEmpty()) << "the task that was ticked has left the list";
+}
+
 TEST_F(FilterTest, SeveralPeopleArePickedOrNobody)
 {
     const auto person = [this](const QString &name) {
@@ -238,27 +254,42 @@ TEST_F(FilterTest, SeveralPeopleArePickedOrNobody)
     button().closePopover();
 }
 
-TEST_F(FilterTest, APeriodIsPickedAndTakenBack)
+TEST_F(FilterTest, APeriodOfWholeDaysIsPickedAndTakenBack)
 {
-    add(u"old"_s);
-    stored(u"old"_s)->setCreationDate(localDate(2026, 3, 1));
-    add(u"new"_s);
+    const auto madeAt = [this](const QString &title, Date date) {
+        add(title);
+        stored(title)->setCreationDate(date);
+    };
+    madeAt(u"old"_s, localDate(2026, 3, 1));
+    madeAt(u"this morning"_s, localDate(2026, 11, 21, 7));
+    madeAt(u"tonight"_s, localDate(2026, 11, 21, 22));
     EXPECT_FALSE(DBWorker::saveContext());
     showList(SidebarItem::NotDone);
-    EXPECT_EQ(shownTitles().size(), 2);
+    EXPECT_EQ(shownTitles().size(), 3);
+    const QStringList today = {u"this morning"_s, u"tonight"_s};
+    const auto pickOffered = [this](const char *picker) {
+        // This platform takes the lower bubble away with the upper one.
+        if (!button().popover())
+            open();
+        auto &field = find<PickerField>(*button().popover(), picker);
+        QTest::mouseClick(&field, Qt::LeftButton, {}, QPoint(20, 15));
+        auto &days = find<Popover>(*button().popover(), "datePickerPopover");
+        QTest::mouseClick(&find<QPushButton>(days, "buttonDone"), Qt::LeftButton);
+    };
     open();
-    auto *from = &find<PickerField>(*button().popover(), "pickerFrom");
-    const QString untouched = from->text();
-    QTest::mouseClick(from, Qt::LeftButton, {}, QPoint(20, 15));
-    auto &days = find<Popover>(*button().popover(), "datePickerPopover");
-    QTest::mouseClick(&find<QPushButton>(days, "buttonDone"), Qt::LeftButton);
-    EXPECT_TRUE(shows({u"new"_s}));
-    // This platform takes the lower bubble away with the upper one.
+    const QString untouched = find<PickerField>(*button().popover(), "pickerFrom").text();
+    pickOffered("pickerTo");
+    pickOffered("pickerFrom");
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        QStringList titles = shownTitles();
+        titles.sort();
+        return titles == today;
+    })) << qPrintable(shownTitles().join(u','));
     if (!button().popover())
         open();
-    from = &find<PickerField>(*button().popover(), "pickerFrom");
+    auto &from = find<PickerField>(*button().popover(), "pickerFrom");
     QTest::mouseClick(&find<QToolButton>(*button().popover(), "buttonClearPeriod"), Qt::LeftButton);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return shownTitles().size() == 2; }));
-    EXPECT_EQ(from->text(), untouched);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shownTitles().size() == 3; }));
+    EXPECT_EQ(from.text(), untouched);
     close();
 }

@@ -2,18 +2,18 @@
 
 #include "widgets/LongWork.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/ProgressSign.h"
 
 #include <QApplication>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QThread>
 
 using namespace Qt::Literals::StringLiterals;
 
-static QProgressDialog *shownSign()
+static ProgressSign *shownSign()
 {
     for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (auto *sign = qobject_cast<QProgressDialog *>(widget); sign && sign->isVisible())
+        if (auto *sign = qobject_cast<ProgressSign *>(widget); sign && sign->isVisible())
             return sign;
     }
     return nullptr;
@@ -23,7 +23,7 @@ using LongWorkTest = ShellTest;
 
 TEST_F(LongWorkTest, QuickWorkShowsNothing)
 {
-    LongWork work(1000);
+    LongWork work(1000, {});
     for (int step = 0; step < 1000; ++step)
         ASSERT_TRUE(work.step());
     EXPECT_EQ(shownSign(), nullptr);
@@ -34,13 +34,13 @@ TEST_F(LongWorkTest, SlowWorkShowsHowFarItIsAndStopsOnCancel)
     constexpr int steps = 200;
     int done = 0;
     {
-        LongWork work(steps);
+        LongWork work(steps, {});
         while (done < steps) {
             ++done;
             QThread::msleep(10);
             if (!work.step())
                 break;
-            if (QProgressDialog *sign = shownSign()) {
+            if (ProgressSign *sign = shownSign()) {
                 EXPECT_GT(sign->value(), 0);
                 QTest::mouseClick(sign->findChild<QPushButton *>(), Qt::LeftButton);
             }

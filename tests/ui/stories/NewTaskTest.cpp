@@ -1,5 +1,6 @@
 // A new task is written down.
 
+#include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"
@@ -116,6 +117,7 @@ TEST_F(NewTaskTest, AnotherTypeClearsTheDatesAndShowsTheRowsOfThatType)
 
 TEST_F(NewTaskTest, ADateIsPickedByTheKeysAlone)
 {
+    showList(SidebarItem::Inbox);
     WindowNewTask &form = openNewTask();
     type(u"dated"_s);
     startOf(form).setFocus();
@@ -175,6 +177,7 @@ TEST_F(NewTaskTest, TheStartOfAnAppointmentOpensTheBubbleOfItsEnd)
 
 TEST_F(NewTaskTest, RowsThatAppearMakeTheWindowHigher)
 {
+    showList(SidebarItem::Inbox);
     WindowNewTask &form = openNewTask();
     const int before = form.height();
     DatePickerState picker = form.taskForm()->openPicker(DatePickerState::Type::StartDate);
@@ -228,6 +231,20 @@ TEST_F(NewTaskTest, TheWindowIsNeverDoubled)
     window().close();
     EXPECT_FALSE(window().isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !newTaskWindow(); }));
+}
+
+TEST_F(NewTaskTest, TheMenuTakesWhatTheListGivesAndElsewhereToday)
+{
+    controller().showList(SidebarItem::Projects);
+    const MVTask *task = &openNewTask().taskForm()->currentTask();
+    EXPECT_EQ(task->type, static_cast<int>(TaskType::ToDo));
+    EXPECT_EQ(task->startDate, localDate(2026, 11, 21));
+    EXPECT_EQ(task->dueDate, MVDate::getEndOfDay(localDate(2026, 11, 21)));
+    delete newTaskWindow();
+    showList(SidebarItem::Inbox);
+    task = &openNewTask().taskForm()->currentTask();
+    EXPECT_EQ(task->startDate, OptionalDate());
+    EXPECT_EQ(task->dueDate, OptionalDate());
 }
 
 TEST_F(NewTaskTest, AMarkInACalendarOpensTheWindowWithItsDates)

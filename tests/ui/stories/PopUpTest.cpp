@@ -63,4 +63,12 @@ TEST_F(PopUpTest, AllAreMarkedAndUnmarkedByOneButton)
     QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, QPoint(30, 20));
     EXPECT_FALSE(table.isMarked(0));
     EXPECT_EQ(button.text(), u"Mark all"_s);
+    FilterSelection taken{.selectedAll = false, .objects = {}};
+    QObject::connect(&popUp, &MVPopUp::toPopUp, &popUp,
+                     [&](const FilterSelection &selected) { taken = selected; });
+    popUp.findChild<QLineEdit *>()->setFocus();
+    QTest::keyClicks(popUp.focusWidget(), u"ba"_s);
+    QTest::mouseClick(&button, Qt::LeftButton);
+    popUp.clickDone();
+    EXPECT_TRUE(taken.selectedAll) << "all are all, whatever was searched for";
 }

@@ -1,13 +1,10 @@
 // A task is made to repeat, by a preset or by a rule of the user's own.
 
-#include "calendarsync/CalendarEvent.h"
-#include "eventkit/FolderBackend.h"
 #include "shell/tasks/RepeatWindow.h"
-#include "store/state/SettingsKeys.h"
+#include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/RepeatCalendar.h"
 #include "widgets/RowItemView.h"
-#include "workspace/PlatformConfiguration.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -15,7 +12,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,21 +21,11 @@ namespace {
 class RepeatTest : public ShellTest
 {
 protected:
-    RepeatTest()
-    {
-        EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(folder.path()));
-        PlatformConfiguration::setAuthorization(u"events"_s, 3);
-        CalendarEvent::resetEventStore();
-        UserDefaults::standard().removeObject(settings::isAccessToCalendar);
-    }
     ~RepeatTest() override
     {
         const ScriptedAlerts alerts({Alert::thirdButton, Alert::thirdButton});
         if (newTaskWindow())
             newTaskWindow()->close();
-        PlatformConfiguration::setAuthorization(u"events"_s, 2);
-        EKEventStore::setSharedBackend(nullptr);
-        CalendarEvent::resetEventStore();
     }
 
     /// The form of a new task for today, and its repeat pop-up.
@@ -67,7 +53,7 @@ protected:
     }
     QString repeat() { return newTaskWindow()->taskForm()->currentTask().repeat; }
 
-    QTemporaryDir folder;
+    const CalendarAccess access;
 };
 
 } // namespace
@@ -131,6 +117,19 @@ TEST_F(RepeatTest, TheMouseSelectsDaysAndAShortMonthIsWarnedOf)
     QTest::mouseClick(&find<QPushButton>(custom, "buttonCancel"), Qt::LeftButton);
     EXPECT_EQ(repeat(), QString());
     EXPECT_EQ(popUp.currentIndex(), 0);
+}
+
+TEST_F(RepeatTest, ALongIntervalIsShownAndKept)
+{
+    QComboBox &popUp = openForm();
+    const QString rule = u"RRULE:FREQ=DAILY;INTERVAL=5000"_s;
+    newTaskWindow()->taskForm()->setRepeat(rule);
+    choose(popUp, RepeatPicker::EveryWeekday + 2);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return customWindow(); }));
+    auto &interval = find<QSpinBox>(*customWindow(), "fieldInterval");
+    EXPECT_EQ(interval.value(), 5000);
+    QTest::mouseClick(&find<QPushButton>(*customWindow(), "buttonOK"), Qt::LeftButton);
+    EXPECT_TRUE(repeat().contains(u"INTERVAL=5000"_s)) << qPrintable(repeat());
 }
 
 TEST_F(RepeatTest, ClearingTheDatesTakesTheRowAway)

@@ -13,6 +13,7 @@
 #include "widgets/TextBubble.h"
 
 #include <QLabel>
+#include <QScrollBar>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -152,6 +153,24 @@ TEST_F(SearchTest, TheBubbleSaysWhatItIsForAndThatNothingIsFound)
     fieldKey(Qt::Key_Escape);
     EXPECT_TRUE(list().hasFocus());
     EXPECT_TRUE(field().text().isEmpty());
+}
+
+TEST_F(SearchTest, TheBubbleIsAsHighAsItsRowsWithinItsLimits)
+{
+    add(u"apple"_s);
+    for (int number = 0; number < 40; ++number)
+        add(u"pear %1"_s.arg(number));
+    search(u"apple"_s);
+    ASSERT_TRUE(finds({u"TASK"_s, u"apple"_s}));
+    const QScrollBar &bar = *results().verticalScrollBar();
+    EXPECT_GE(popover().height(), 40);
+    EXPECT_EQ(bar.maximum(), 0) << "both rows fit";
+    field().clear();
+    EXPECT_EQ(popover().height(), 40);
+    QTest::keyClicks(&field(), u"pear"_s);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return found().size() == 41; }));
+    EXPECT_EQ(popover().height(), 466);
+    EXPECT_GT(bar.maximum(), 0);
 }
 
 TEST_F(SearchTest, TypingDoesNotWaitForTheAnswer)

@@ -1,6 +1,7 @@
 // The user finds the way through the lists.
 
 #include "records/people/MVContactGroup.h"
+#include "shell/details/DetailStack.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/MVSegmentView.h"
@@ -187,6 +188,31 @@ TEST_F(SidebarTest, AGroupThatIsTakenBackComesBackIntoTheTree)
     EXPECT_EQ(selected(), u"People"_s);
     run(ActionId::Redo);
     EXPECT_FALSE(rows().contains(u"Book club"_s));
+}
+
+TEST_F(SidebarTest, AChangeOfTheStoreKeepsTheRowOrGoesToPeople)
+{
+    const auto group = context().insert<EntityContactGroup>();
+    group->setTitle(u"Book club"_s);
+    group->setUseGeneralFilter(false);
+    ASSERT_FALSE(DBWorker::saveContext());
+    controller().loadContactsGroup();
+    outline().selectIndex(sidebar().indexOfGroup(*group));
+    controller().changeDataBase();
+    QTRY_COMPARE(selected(), u"Book club"_s);
+    context().deleteObject(group);
+    ASSERT_FALSE(DBWorker::saveContext());
+    controller().changeDataBase();
+    QTRY_COMPARE(selected(), u"People"_s);
+
+    addInbox({u"kept"_s});
+    showList(SidebarItem::Inbox);
+    screen().selectItem(stored(u"kept"_s));
+    ASSERT_FALSE(controller().detailStack()->isEmpty());
+    controller().changeDataBase();
+    EXPECT_TRUE(controller().detailStack()->isEmpty());
+    QTRY_COMPARE(selected(), u"Inbox"_s);
+    EXPECT_EQ(shownTitles(), QStringList{u"kept"_s});
 }
 
 TEST_F(SidebarTest, TheDeleteKeyDoesNothingToListsOfTheProgram)

@@ -1,5 +1,6 @@
 // A task is looked at and edited in the pane that slides in over its list.
 
+#include "calendarsync/CalendarEvent.h"
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
 #include "ui/support/ShellTest.h"
@@ -167,13 +168,58 @@ TEST_F(TaskDetailTest, AReadOnlyTaskHasNoEditButtonAndSaysWhy)
     openDetail(list().tableModel()->nearestItem(0, 1));
     EXPECT_FALSE(buttonEdit().isVisible());
     EXPECT_FALSE(find<QAbstractButton>(pane(), "checkDone").isVisible());
-    ScriptedAlerts alerts({Alert::firstButton});
+    ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
     auto &type = find<RowItemView>(pane(), "rowType");
     const QPoint place = type.mapTo(&window(), type.rect().center());
     QTest::mouseDClick(window().windowHandle(), Qt::LeftButton, {}, place);
     ASSERT_EQ(alerts.asked().size(), 1U);
     EXPECT_EQ(alerts.asked().front().message, u"You can't change events in the Club calendar"_s);
+    QTest::keyClick(&pane(), Qt::Key_Return);
+    EXPECT_EQ(alerts.asked().size(), 2U) << "the key asks for the same";
     EXPECT_FALSE(pane().isEditing());
+}
+
+TEST_F(TaskDetailTest, WhileRepeatsAreBarredTheirTasksStayAndSayWhy)
+{
+    const auto repeating = [](MVTask &task) { task.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_s; };
+    add(u"daily"_s, repeating);
+    add(u"weekly"_s, repeating);
+    add(u"once"_s);
+    showList(SidebarItem::Inbox);
+    // Nobody may use calendars here.
+    CalendarEvent::tryCreateMessageForBanEditingRepeatTask();
+    ScriptedAlerts alerts(std::deque<int>(3, Alert::firstButton));
+    run(ActionId::SelectAll);
+    key(Qt::Key_Space);
+    EXPECT_EQ(stored(u"once"_s)->status(), 3);
+    EXPECT_EQ(stored(u"daily"_s)->status(), 0);
+    ASSERT_EQ(alerts.asked().size(), 1U) << "told once for both";
+    EXPECT_TRUE(
+        alerts.asked().front().informativeText.startsWith(u"Editing Repeated tasks is not allowed"_s));
+
+    openDetail(0);
+    ASSERT_TRUE(buttonEdit().isEnabled());
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    EXPECT_FALSE(pane().isEditing());
+    auto &check = find<QAbstractButton>(pane(), "checkDone");
+    QTest::mouseClick(&check, Qt::LeftButton);
+    EXPECT_FALSE(check.isChecked());
+    EXPECT_EQ(alerts.asked().size(), 3U);
+    CalendarEvent::resetMessageForBanChangeRepeat();
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    EXPECT_TRUE(pane().isEditing()) << "as soon as it may be, without another look";
+}
+
+TEST_F(TaskDetailTest, AnotherListTakesAPaneInEditModeAwayWithoutAQuestion)
+{
+    addInbox({u"first"_s});
+    openDetail(0);
+    edit(u"lost"_s);
+    const ScriptedAlerts none;
+    pressSidebar(SidebarItem::Today);
+    EXPECT_TRUE(stack().isEmpty());
+    EXPECT_TRUE(none.asked().empty());
+    EXPECT_EQ(inboxTitles(), QStringList{u"first"_s});
 }
 
 TEST_F(TaskDetailTest, ThePaneOfADeletedTaskGoesAndOneChangedElsewhereFollows)
@@ -192,6 +238,25 @@ TEST_F(TaskDetailTest, ThePaneOfADeletedTaskGoesAndOneChangedElsewhereFollows)
     clickRow(0);
     key(Qt::Key_Delete);
     EXPECT_TRUE(stack().isEmpty());
+}
+
+TEST_F(TaskDetailTest, WhatIsChangedElsewhereDuringAnEditShowsUpBesideWhatIsTyped)
+{
+    addInbox({u"first"_s});
+    openDetail(0);
+    QTest::mouseClick(&find<QPushButton>(pane(), "buttonEdit"), Qt::LeftButton);
+    ASSERT_TRUE(pane().isEditing());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
+    QTest::keyClicks(QApplication::focusWidget(), u" of all"_s);
+    stored(u"first"_s)->setDetails(u"from the phone"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return pane().taskForm()->currentTask().details == u"from the phone"_s; }));
+    EXPECT_TRUE(pane().isEditing());
+    QTest::keyClicks(QApplication::focusWidget(), u"!"_s);
+    QTest::mouseClick(&find<QPushButton>(pane(), "buttonEdit"), Qt::LeftButton);
+    ASSERT_NE(stored(u"first of all!"_s), nullptr);
+    EXPECT_EQ(stored(u"first of all!"_s)->details(), u"from the phone"_s);
 }
 
 TEST_F(TaskDetailTest, TheMailButtonOpensADraft)

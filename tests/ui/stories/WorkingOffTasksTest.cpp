@@ -99,6 +99,14 @@ TEST_F(WorkingOffTasksTest, ATaskOfAReadOnlyCalendarStaysAndSaysSoOnlyWhenAlone)
     EXPECT_EQ(alerts.asked().size(), 2U);
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, checkBoxOf(0));
     EXPECT_EQ(stored(u"read only"_s)->status(), 0);
+    clickRow(0);
+    choose(u"Status"_s, u"Pending"_s);
+    choose(u"Priority"_s, u"High"_s);
+    choose(u"Category"_s, u"Work"_s);
+    const TaskPtr kept = stored(u"read only"_s);
+    EXPECT_EQ(kept->status(), 0);
+    EXPECT_EQ(kept->priority(), 3);
+    EXPECT_EQ(kept->category(), nullptr);
 }
 
 TEST_F(WorkingOffTasksTest, TheContextMenuChangesAllSelectedTasks)
@@ -112,6 +120,10 @@ TEST_F(WorkingOffTasksTest, TheContextMenuChangesAllSelectedTasks)
     EXPECT_EQ(stored(u"c"_s)->priority(), 3);
     choose(u"Status"_s, u"Pending"_s);
     EXPECT_EQ(stored(u"b"_s)->status(), 2);
+    run(ActionId::Undo);
+    EXPECT_EQ(stored(u"a"_s)->status(), 0);
+    EXPECT_EQ(stored(u"b"_s)->status(), 0) << "one change, one undo";
+    EXPECT_EQ(stored(u"b"_s)->priority(), 0);
 }
 
 TEST_F(WorkingOffTasksTest, OpeningSeveralTasksAtOnceIsRefusedWithAMessage)
@@ -158,4 +170,23 @@ TEST_F(WorkingOffTasksTest, WhoRestsOnATitleThatIsCutOffReadsAllOfIt)
     EXPECT_EQ(tipOver(0), endless.trimmed());
     tipOver(1);
     EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+}
+
+TEST_F(WorkingOffTasksTest, AFlatListEndsWithAMarkAndAnEmptyOneOnlyInTheInbox)
+{
+    const auto kinds = [this](SidebarItem item) {
+        showList(item);
+        std::vector<RowKind> found;
+        for (int row = 0; row < list().tableModel()->rowCount(); ++row)
+            found.push_back(list().tableModel()->kindOf(row));
+        return found;
+    };
+    const std::vector<RowKind> withOne = {RowKind::Item, RowKind::Separator};
+    EXPECT_EQ(kinds(SidebarItem::Inbox), std::vector{RowKind::Separator});
+    for (const SidebarItem item : {SidebarItem::Today, SidebarItem::Someday, SidebarItem::NotDone})
+        EXPECT_TRUE(kinds(item).empty());
+    add(u"idea"_s);
+    EXPECT_EQ(kinds(SidebarItem::Inbox), withOne);
+    EXPECT_EQ(kinds(SidebarItem::NotDone), withOne);
+    EXPECT_TRUE(kinds(SidebarItem::Someday).empty());
 }

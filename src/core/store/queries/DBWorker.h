@@ -137,9 +137,10 @@ public:
                                                                const std::vector<Predicate> &andPredicates);
 
     // Writers.
-    /// The location of that title; a new one with these coordinates only if there is none yet.
-    static std::shared_ptr<EntityLocation> saveLocation(const QString &title, double latitude,
-                                                        double longitude);
+    /// The location of that title; a new one with these coordinates, absent if nobody knows them, only if
+    /// there is none yet.
+    static std::shared_ptr<EntityLocation> saveLocation(const QString &title, std::optional<double> latitude,
+                                                        std::optional<double> longitude);
     /// Deletes all index rows and saves.
     static void allSearchObjRemove();
 

@@ -190,8 +190,8 @@ std::optional<ObjectListBase> DBWorker::getAllObjectsOFEntity(const std::string 
                                           .reportedAs(QStringLiteral("Can't get objects")));
 }
 
-std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, double latitude,
-                                                       double longitude)
+std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, std::optional<double> latitude,
+                                                       std::optional<double> longitude)
 {
     auto location = mainContext().fetchFirst<EntityLocation>(
         EntityLocation::fetchRequest().where(Predicate::format("title = %@", title)));

@@ -20,6 +20,14 @@ TaskRows TaskRows::flat(TaskList tasks, bool alwaysEnds)
     return rows;
 }
 
+TaskRows TaskRows::empty(EntityNotValue saying)
+{
+    TaskRows rows;
+    rows.groups.push_back({saying, TaskList(), 0});
+    rows.taskAndHeaderRows = 1;
+    return rows;
+}
+
 /// The group that a row of a header or task lies in, or null for a separator.
 const TaskRows::Group *TaskRows::groupAt(int row) const
 {

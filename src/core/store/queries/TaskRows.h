@@ -18,8 +18,10 @@ struct EntitySeperator
 /// The header of the group of tasks that have no value, or the only row of an empty task table.
 struct EntityNotValue
 {
-    enum Type { NoCategory = 0, NoProject = 1, NoDelegate = 2, NoTasks = 3 };
+    enum Type { NoCategory = 0, NoProject = 1, NoDelegate = 2, NoTasks = 3, NoEvents = 4 };
     Type type;
+    /// Whether it stands for a whole list that is empty.
+    bool isOnlyRow() const { return type == NoTasks || type == NoEvents; }
     bool operator==(const EntityNotValue &) const = default;
 };
 
@@ -57,6 +59,8 @@ public:
     /// What a screen shows of an ungrouped list: the tasks, and a separator as the last row. An empty list
     /// gets none, unless `alwaysEnds` asks for it.
     static TaskRows flat(TaskList tasks, bool alwaysEnds = false);
+    /// What a table shows that has no tasks: nothing but a header that says so.
+    static TaskRows empty(EntityNotValue saying);
 
     int size() const { return taskAndHeaderRows + (hasTrailingSeparator ? 1 : 0); }
     bool isEmpty() const { return size() == 0; }

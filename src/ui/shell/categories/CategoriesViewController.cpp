@@ -27,7 +27,6 @@ CategoriesViewController::CategoriesViewController(QWidget *parent)
     : TabTaskViewController({.type = ListType::Categories,
                              .title = localized(u"Categories"_s),
                              .icon = u"categories"_s,
-                             .emptySentence = localized(u"No events"_s),
                              .detailPlace = {.topInset = topInsetOfDetail},
                              .addType = ToolBarButton::NewCategory},
                             parent)
@@ -167,7 +166,8 @@ void CategoriesViewController::reloadData()
 
 TaskRows CategoriesViewController::fetchRows(Grouping) const
 {
-    return TaskRows::flat(Categories::tasks(selectCategory));
+    TaskList tasks = Categories::tasks(selectCategory);
+    return tasks.isEmpty() ? TaskRows::empty({EntityNotValue::NoEvents}) : TaskRows::flat(std::move(tasks));
 }
 
 NewTaskRequest CategoriesViewController::newTaskRequest() const

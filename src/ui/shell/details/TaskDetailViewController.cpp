@@ -2,6 +2,7 @@
 
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "records/RepeatBan.h"
 #include "shell/ShellAlerts.h"
 #include "shell/details/DetailStack.h"
 #include "shell/tasks/TaskFormView.h"
@@ -47,10 +48,9 @@ TaskDetailViewController::TaskDetailViewController(const TaskPtr &task, QWidget 
     connect(view, &TaskFormView::doneToggled, this, &TaskDetailViewController::changeCheckBoxDone);
     connect(view, &TaskFormView::editWanted, this, &TaskDetailViewController::editAttempted);
     observe();
+    invitationTimer.setSingleShot(true);
+    connect(&invitationTimer, &QTimer::timeout, this, [this] { form.findInvitation(); });
     setPreviewMode();
-    // Once the pane stands still, nobody sees that the calendar takes its time.
-    QTimer::singleShot(Animations::duration(Animations::detailSlideIn), this,
-                       [this] { form.findInvitation(); });
 }
 
 void TaskDetailViewController::showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
@@ -142,12 +142,15 @@ void TaskDetailViewController::observe()
         }));
 }
 
-/// What the user is typing stays, unless its task is gone.
+/// What the user has entered stays, unless its task is gone; the rest follows.
 void TaskDetailViewController::taskChanged()
 {
     if (form.isGone()) {
         Q_EMIT recordRemoved();
-    } else if (!isEditing() && form.currentTask().isChangedTask()) {
+    } else if (isEditing()) {
+        form.followRow();
+        statusChanged();
+    } else if (form.currentTask().isChangedTask()) {
         form.rollback();
         form.findInvitation();
         statusChanged();
@@ -170,6 +173,8 @@ void TaskDetailViewController::setEditMode()
 {
     if (!form.canEdit())
         return;
+    if (RepeatBan::concerns(form.currentTask()))
+        return RepeatBan::tell();
     modeChanged(true);
     view->focusTitle();
 }
@@ -183,6 +188,15 @@ void TaskDetailViewController::modeChanged(bool editing)
 {
     view->setEditing(editing);
     statusChanged();
+    findInvitationSoon();
+}
+
+/// Who is invited can change while the pane is open. Once it stands still, nobody sees that the calendar
+/// takes its time.
+void TaskDetailViewController::findInvitationSoon()
+{
+    const auto pause = isVisible() ? 0 : Animations::duration(Animations::detailSlideIn);
+    invitationTimer.start(pause);
 }
 
 void TaskDetailViewController::statusChanged()
@@ -247,6 +261,10 @@ void TaskDetailViewController::changeCheckBoxDone(bool done)
         view->refresh();
         return view->focusTitle();
     }
+    if (RepeatBan::concerns(form.currentTask())) {
+        view->refresh();
+        return RepeatBan::tell();
+    }
     form.changeStatusNow(done);
     // A task that is done is only looked at.
     if (isEditing() && !form.canEdit())
@@ -281,7 +299,9 @@ void TaskDetailViewController::keyPressEvent(QKeyEvent *event)
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape)
         isEditing() ? giveUpEdit() : clickButtonBack();
-    else if (isReturn && (!isEditing() || event->modifiers().testFlag(Qt::ControlModifier)))
+    else if (isReturn && !isEditing())
+        editAttempted();
+    else if (isReturn && event->modifiers().testFlag(Qt::ControlModifier))
         clickButtonEdit();
     else
         DetailViewController::keyPressEvent(event);

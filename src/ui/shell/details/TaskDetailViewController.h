@@ -52,6 +52,7 @@ private:
     void observe();
     void taskChanged();
     void modeChanged(bool editing);
+    void findInvitationSoon();
     void statusChanged();
     void changeCheckBoxDone(bool done);
     void editAttempted();
@@ -66,5 +67,6 @@ private:
     QToolButton *buttonSendEmail = nullptr;
     QLabel *labelCreated = nullptr;
     QTimer refreshTimer;
+    QTimer invitationTimer;
     std::vector<Observation> observations;
 };

@@ -25,6 +25,8 @@ public:
     explicit Geocoder(const QString &serviceUrl, QObject *parent = nullptr);
 
     bool isConfigured() const { return !service.isEmpty(); }
+    /// Whether an answer is awaited.
+    bool isAsking() const { return !pending.isNull(); }
     void search(const QString &text);
     /// Asks for the address of a place; `found` answers.
     void address(const MapPlace &place);

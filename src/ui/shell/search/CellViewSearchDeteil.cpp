@@ -19,7 +19,7 @@ static void paintBack(QPainter &painter, const QStyleOptionViewItem &option)
         return;
     painter.setPen(Qt::NoPen);
     painter.setBrush(isSelected ? Theme::selection : Theme::hover);
-    painter.drawRoundedRect(option.rect.adjusted(Theme::unit / 2, 1, -Theme::unit / 2, -1),
+    painter.drawRoundedRect(option.rect.adjusted(Theme::unit / 2, 2, -Theme::unit / 2, -2),
                             Theme::controlRadius, Theme::controlRadius);
 }
 

@@ -32,7 +32,8 @@ SearchPopover::SearchPopover(SearchField &searchField)
     setObjectName(u"searchPopover"_s);
     setAccessibleName(localized(u"Search results"_s));
     auto *layers = new QStackedLayout(this);
-    layers->setContentsMargins(1, 1, 1, 1);
+    // The line around the bubble shows through above and below, so that the rows have all of its height.
+    layers->setContentsMargins(1, 0, 1, 0);
     layers->setStackingMode(QStackedLayout::StackAll);
     layers->addWidget(view);
     layers->addWidget(hint);
@@ -40,7 +41,10 @@ SearchPopover::SearchPopover(SearchField &searchField)
     hint->setAttribute(Qt::WA_TransparentForMouseEvents);
     view->setObjectName(u"tableViewSearch"_s);
     view->setAccessibleName(localized(u"Search results"_s));
-    view->setRowHeights({CellViewSearchDeteil::rowHeight, CellViewSearchDeteil::headerHeight, 0});
+    view->setRowHeights({.item = CellViewSearchDeteil::rowHeight,
+                         .header = CellViewSearchDeteil::headerHeight,
+                         .separator = 0,
+                         .below = 0});
     view->setItemDelegate(new CellViewSearchDeteil(view));
     view->setSelectionMode(QAbstractItemView::SingleSelection);
     view->setFocusPolicy(Qt::NoFocus);
@@ -109,7 +113,7 @@ void SearchPopover::place()
     const double wanted =
         model->found().popoverHeight(CellViewSearchDeteil::rowHeight, CellViewSearchDeteil::headerHeight);
     const int room = parentWidget()->height() - top - Theme::unit;
-    setGeometry(left, top, wide, std::min(static_cast<int>(wanted) + Theme::unit + 2, room));
+    setGeometry(left, top, wide, std::min(static_cast<int>(wanted), room));
 }
 
 void SearchPopover::walk(QKeyEvent *event)

@@ -86,8 +86,7 @@ void LocationBubble::loadMap()
         pages->addWidget(map);
         setTabOrder(header->buttonDone(), map);
     }
-    const bool hasLocations = !choice.locations().empty();
-    map->begin(hasLocations ? std::optional(choice.locations().back()) : std::nullopt);
+    map->begin(choice.lastWithPosition());
     header->setTitle(localized(u"Add New Location"_s));
     header->setCancelText(localized(u"Back"_s));
     pages->setCurrentWidget(map);

@@ -94,16 +94,15 @@ QWidget *LocationMap::makeCoordinates()
     return widget;
 }
 
-void LocationMap::begin(const std::optional<LocationPtr> &nearby)
+void LocationMap::begin(const LocationPtr &nearby)
 {
     geocoder.cancel();
     for (QLineEdit *field : {fieldTitle, fieldLatitude, fieldLongitude})
         field->clear();
+    searchedTitle.clear();
     say({});
     if (nearby)
-        map->showPin(
-            {.latitude = (*nearby)->latitude().value_or(0), .longitude = (*nearby)->longitude().value_or(0)},
-            regionZoom);
+        map->showPin({.latitude = *nearby->latitude(), .longitude = *nearby->longitude()}, regionZoom);
     else
         map->showPin({}, MapProjection::leastZoom);
 }
@@ -126,6 +125,7 @@ void LocationMap::clickButtonSearchLocate()
     if (fieldTitle->text().trimmed().isEmpty())
         return focusTitle();
     say(localized(u"Searching…"_s));
+    searchedTitle = fieldTitle->text();
     isAddressAsked = false;
     geocoder.search(fieldTitle->text());
 }
@@ -161,8 +161,7 @@ void LocationMap::coordinatesTyped()
 {
     const auto latitude = LocationChoice::degrees(fieldLatitude->text(), LocationChoice::mostLatitude);
     const auto longitude = LocationChoice::degrees(fieldLongitude->text(), LocationChoice::mostLongitude);
-    const bool isComplete = !fieldLatitude->text().isEmpty() && !fieldLongitude->text().isEmpty();
-    if (latitude && longitude && isComplete)
+    if (latitude && longitude)
         map->showPin({.latitude = *latitude, .longitude = *longitude});
 }
 
@@ -177,8 +176,27 @@ std::optional<double> LocationMap::degreesOf(QLineEdit &field, double limit)
     return degrees;
 }
 
+bool LocationMap::hasDegrees() const
+{
+    return !fieldLatitude->text().trimmed().isEmpty() || !fieldLongitude->text().trimmed().isEmpty();
+}
+
+/// A title of which nobody knows yet where it is.
+bool LocationMap::mustSearchFirst() const
+{
+    const bool isSearchable = geocoder.isConfigured() && !fieldTitle->text().trimmed().isEmpty();
+    return isSearchable && !hasDegrees() && fieldTitle->text() != searchedTitle;
+}
+
 std::optional<LocationTemp> LocationMap::locationTemp()
 {
+    if (mustSearchFirst())
+        clickButtonSearchLocate();
+    if (!hasDegrees()) {
+        if (geocoder.isAsking())
+            return std::nullopt;
+        return LocationTemp{fieldTitle->text(), {}, {}};
+    }
     const auto latitude = degreesOf(*fieldLatitude, LocationChoice::mostLatitude);
     if (!latitude)
         return std::nullopt;

@@ -20,10 +20,11 @@ class LocationMap : public QWidget
 public:
     explicit LocationMap(QWidget *parent = nullptr);
 
-    /// Empties the page. The map begins near a place that is known.
-    void begin(const std::optional<LocationPtr> &nearby);
+    /// Empties the page. The map begins near a place of known position; null for the whole world.
+    void begin(const LocationPtr &nearby);
     void focusTitle();
-    /// What was put in. Absent, with the wrong field in focus, if the coordinates cannot be read.
+    /// What was put in. Absent, with the wrong field in focus, if the coordinates cannot be read; absent,
+    /// too, while a title is searched for, which is done first where there is a service.
     std::optional<LocationTemp> locationTemp();
 
     void clickButtonSearchLocate();
@@ -37,11 +38,15 @@ private:
     void showCoordinates(const MapPlace &place);
     void coordinatesTyped();
     void say(const QString &words);
+    bool hasDegrees() const;
+    bool mustSearchFirst() const;
     std::optional<double> degreesOf(QLineEdit &field, double limit);
 
     Geocoder geocoder;
     /// Whether the answer is awaited to where the pin is, or else to what was searched.
     bool isAddressAsked = false;
+    /// The title that was searched for last.
+    QString searchedTitle;
     MapView *map;
     QLineEdit *fieldTitle = nullptr;
     QToolButton *buttonSearch = nullptr;

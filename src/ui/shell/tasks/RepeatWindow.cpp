@@ -81,7 +81,7 @@ QWidget *RepeatWindow::makeInterval()
     QHBoxLayout *line = lineIn(*widget);
     fieldInterval = new QSpinBox;
     fieldInterval->setObjectName(u"fieldInterval"_s);
-    fieldInterval->setRange(1, CustomRepeat::mostInterval);
+    fieldInterval->setRange(1, repeat.mostInterval());
     fieldInterval->setValue(repeat.rule().interval);
     fieldInterval->setFixedWidth(numberWidth);
     connect(fieldInterval, &QSpinBox::valueChanged, this, [this](int value) {

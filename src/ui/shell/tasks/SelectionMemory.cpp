@@ -28,7 +28,7 @@ static int rowNear(const TaskListModel &model, int row)
     return below >= 0 ? below : model.nearestItem(inside, -1);
 }
 
-void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &model) const
+void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &model, Otherwise otherwise) const
 {
     view.verticalScrollBar()->setValue(scrollValue);
     std::set<int> rows;
@@ -36,7 +36,7 @@ void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &mode
         if (const int row = model.rowOf(task); row >= 0)
             rows.insert(row);
     }
-    if (rows.empty() && firstRow >= 0) {
+    if (rows.empty() && firstRow >= 0 && otherwise == Otherwise::Neighbour) {
         if (const int row = rowNear(model, firstRow); row >= 0)
             rows.insert(row);
     }

@@ -13,9 +13,12 @@ class SelectionMemory
 public:
     static SelectionMemory of(const TableViewExtended &view, const TaskListModel &model);
 
-    /// Selects the tasks that are still in the list; if none is, the task at the row where the first of them
-    /// was.
-    void restore(TableViewExtended &view, const TaskListModel &model) const;
+    /// What is selected where all tasks have left the list.
+    enum class Otherwise { Neighbour, Nothing };
+
+    /// Selects the tasks that are still in the list; if none is, on request the task at the row where the
+    /// first of them was.
+    void restore(TableViewExtended &view, const TaskListModel &model, Otherwise otherwise) const;
 
 private:
     /// Beyond this many, looking each one up again would be felt.

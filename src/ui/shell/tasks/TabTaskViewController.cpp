@@ -1,23 +1,16 @@
 #include "shell/tasks/TabTaskViewController.h"
 
-#include "filters/FilterButtonCancelView.h"
-#include "filters/TaskGrouping.h"
 #include "filters/TasksFilterButton.h"
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
-#include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
 #include "records/dates/MVDate.h"
 #include "shell/ShellAlerts.h"
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
-#include "shell/tasks/SelectionMemory.h"
-#include "shell/tasks/TaskPopupMenu.h"
-#include "shell/tasks/TaskRowEditor.h"
 #include "shell/tasks/TaskTableCell.h"
 #include "store/state/NotificationNames.h"
-#include "widgets/BusyCursor.h"
 #include "widgets/EmptyState.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/ScreenToolBar.h"
@@ -72,37 +65,7 @@ void TabTaskViewController::setUpView()
     connect(view, &TableViewExtended::removeRequested, this, &TabTaskViewController::removeSelection);
     connect(view, &TableViewExtended::menuRequested, this, &TabTaskViewController::showMenu);
     connect(view, &TableViewExtended::rowSelectionChanged, this, &TabTaskViewController::commandsChanged);
-    connect(view, &TableViewExtended::checkToggled, this, [this](const std::set<int> &rows) {
-        editing([&] { TaskRowEditor::toggleDone(tasksAt(rows)); });
-    });
-}
-
-void TabTaskViewController::setUpTopView()
-{
-    topView = new TasksTabTopView;
-    static_cast<QVBoxLayout *>(layout())->insertWidget(0, topView);
-    filteredState = new EmptyState(u"filtered"_s, localized(u"No task passes the filter."_s), listLayer);
-    filteredState->setAction(localized(u"Clear filter"_s));
-    listLayer->layout()->addWidget(filteredState);
-    filteredState->hide();
-    connect(filteredState, &EmptyState::actionClicked, this, &TabTaskViewController::clearFilter);
-    setUpGrouping();
-    setUpFilter();
-}
-
-void TabTaskViewController::setUpGrouping()
-{
-    if (description.groupedType < 0)
-        return;
-    tasksGroupedView =
-        new MVSegmentView({localized(u"Category"_s), localized(u"Project"_s), localized(u"Priority"_s)});
-    tasksGroupedView->setObjectName(u"tasksGroupedView"_s);
-    tasksGroupedView->setAccessibleName(localized(u"Group by"_s));
-    tasksGroupedView->setHaveNotSelect(true);
-    tasksGroupedView->setSelectedIndex(TaskGrouping(description.groupedType).selectedIndex());
-    connect(tasksGroupedView, &MVSegmentView::selectedIndexChanged, this,
-            &TabTaskViewController::saveGrouping);
-    topView->setGrouping(tasksGroupedView);
+    connect(view, &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
 }
 
 void TabTaskViewController::observe()
@@ -127,12 +90,17 @@ void TabTaskViewController::reloadLater()
 
 void TabTaskViewController::reloadData()
 {
+    reload(SelectionMemory::Otherwise::Neighbour);
+}
+
+void TabTaskViewController::reload(SelectionMemory::Otherwise otherwise)
+{
     delayedReload.stop();
     promptReload.stop();
     const SelectionMemory memory = SelectionMemory::of(*view, *model);
     showFilterState();
     model->setRows(fetchRows(grouping()));
-    memory.restore(*view, *model);
+    memory.restore(*view, *model, otherwise);
     updateEmptyState();
     if (std::exchange(mustCloseHidden, false))
         closeHiddenDetails();
@@ -143,92 +111,15 @@ void TabTaskViewController::updateEmptyState()
 {
     const bool isEmpty = model->nearestItem(0, 1) < 0;
     const bool isByFilter = isEmpty && canClearFilter();
-    emptyState->setVisible(isEmpty && !isByFilter);
+    emptyState->setVisible(isEmpty && !isByFilter && !emptyState->sentence().isEmpty());
     if (filteredState)
         filteredState->setVisible(isByFilter);
-}
-
-Grouping TabTaskViewController::grouping() const
-{
-    return tasksGroupedView ? static_cast<Grouping>(tasksGroupedView->selectedIndex()) : Grouping::None;
-}
-
-// The filter
-
-void TabTaskViewController::setUpFilter()
-{
-    tasksFilter.setTasksType(static_cast<int>(type()));
-    // Keys that come in quick succession share one fetch.
-    filterState = std::make_unique<FilterState>(tasksFilter, [this] {
-        mustCloseHidden = true;
-        showFilterState();
-        promptReload.start(0);
-    });
-    filterState->filterStartSettings();
-    topView->buttonFilter()->setFilter(&tasksFilter);
-    connect(topView->cancelFilterView(), &QAbstractButton::clicked, this,
-            &TabTaskViewController::clearFilter);
-    showFilterState();
-}
-
-void TabTaskViewController::showFilterState()
-{
-    if (!filterState)
-        return;
-    filterState->setSelectedIndex(static_cast<int>(grouping()));
-    topView->cancelFilterView()->setVisible(filterState->isCancelViewVisible());
-    topView->buttonFilter()->setState(*filterState);
-}
-
-void TabTaskViewController::closeHiddenDetails()
-{
-    if (!detailStack())
-        return;
-    std::vector<TaskPtr> hidden = detailStack()->shownTasks();
-    std::erase_if(hidden, [this](const TaskPtr &task) { return model->rowOf(task) >= 0; });
-    detailStack()->removeAllDetailFromTasks(hidden);
-}
-
-bool TabTaskViewController::canFilter() const
-{
-    return filterState && filterState->isButtonEnabled();
-}
-
-bool TabTaskViewController::canClearFilter() const
-{
-    return filterState && filterState->isCancelViewVisible();
-}
-
-void TabTaskViewController::openFilter()
-{
-    if (canFilter())
-        topView->buttonFilter()->togglePopover();
-}
-
-void TabTaskViewController::clearFilter()
-{
-    if (!filterState)
-        return;
-    topView->buttonFilter()->closePopover();
-    filterState->clickDeactiveFilter();
-    // Without a filter nothing is hidden: what is open stays so.
-    mustCloseHidden = false;
-    reloadData();
-    // What was pressed may have gone.
-    if (!view->hasFocus() && !topView->isAncestorOf(QApplication::focusWidget()))
-        view->setFocus();
 }
 
 void TabTaskViewController::clearController()
 {
     if (topView)
         topView->buttonFilter()->closePopover();
-}
-
-void TabTaskViewController::saveGrouping(int index)
-{
-    TaskGrouping(description.groupedType).setSelectedIndex(index);
-    reloadData();
 }
 
 NewTaskRequest TabTaskViewController::newTaskRequest() const
@@ -319,69 +210,4 @@ void TabTaskViewController::tableViewDoubleAction(int row)
         ShellAlerts::alertSelectOneTask();
     else
         showDetailWithTask(task);
-}
-
-// Deleting
-
-void TabTaskViewController::removeSelection()
-{
-    removeRows(view->selectedRows());
-}
-
-void TabTaskViewController::removeRows(const std::set<int> &rows)
-{
-    std::vector<TaskPtr> going;
-    TaskPtr barred;
-    for (const TaskPtr &task : tasksAt(rows)) {
-        if (task->allowsContentModifications().value_or(true))
-            going.push_back(task);
-        else
-            barred = task;
-    }
-    if (rows.size() == 1 && barred)
-        return ShellAlerts::alertEditingEvent(localized(barred->calendarTitle()));
-    if (going.empty())
-        return;
-    const std::vector<ObjectPtr> removable(going.begin(), going.end());
-    const int lastIndex = *rows.rbegin();
-    if (detailStack())
-        detailStack()->removeAllDetailFromTasks(going);
-    const BusyCursor busy;
-    TaskManager::deleteTasks(removable, [this, lastIndex] { selectAfterRemoval(lastIndex); });
-}
-
-void TabTaskViewController::selectAfterRemoval(int lastIndex)
-{
-    view->clearSelection();
-    reloadData();
-    const int row = model->nearestItem(std::min(lastIndex, model->rowCount() - 1), -1);
-    if (row >= 0)
-        view->selectRow(row);
-}
-
-// Context menu
-
-void TabTaskViewController::setUpMenu()
-{
-    taskPopupMenu = new TaskPopupMenu(this);
-    const auto selected = [this] { return tasksAt(view->selectedRows()); };
-    connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
-            [this, selected](int status) { editing([&] { TaskRowEditor::setStatus(selected(), status); }); });
-    connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this, [this, selected](int priority) {
-        editing([&] { TaskRowEditor::setPriority(selected(), priority); });
-    });
-    connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this,
-            [this, selected](const CategoryPtr &category) {
-                editing([&] { TaskRowEditor::setCategory(selected(), category); });
-            });
-    connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TabTaskViewController::whyRequested);
-    connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TabTaskViewController::removeSelection);
-}
-
-void TabTaskViewController::showMenu(const QPoint &globalPosition)
-{
-    if (!taskPopupMenu)
-        setUpMenu();
-    taskPopupMenu->setTasks(tasksAt(view->selectedRows()));
-    taskPopupMenu->popup(globalPosition);
 }

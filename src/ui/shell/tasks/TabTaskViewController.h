@@ -4,6 +4,7 @@
 #include "filters/TasksFilter.h"
 #include "foundation/NotificationCenter.h"
 #include "shell/TabsViewController.h"
+#include "shell/tasks/SelectionMemory.h"
 #include "shell/tasks/TaskListModel.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/TableViewExtended.h"
@@ -23,7 +24,8 @@ struct TaskListDescription
     ListType type;
     QString title;
     QString icon;
-    QString emptySentence;
+    /// What an empty list says in its middle; empty if it says so in a row of its own.
+    QString emptySentence = {};
     /// The key of its grouping in the settings; -1 for a list without the control.
     int groupedType = -1;
     DetailPlace detailPlace = {};
@@ -74,16 +76,6 @@ protected:
     /// Fetches anew after a change that the user is to see first; changes in quick succession share one
     /// fetch.
     void reloadLater();
-    /// Runs a change of our own, which must not make the list fetch at once.
-    template <typename Change>
-    void editing(Change change)
-    {
-        isEditing = true;
-        change();
-        isEditing = false;
-        view->viewport()->update();
-        reloadLater();
-    }
 
 private:
     void setUpView();
@@ -96,7 +88,11 @@ private:
     void setUpMenu();
     void observe();
     void changedElsewhere();
+    void reload(SelectionMemory::Otherwise otherwise);
     void saveGrouping(int index);
+    void toggleDone(const std::set<int> &rows);
+    template <typename Change, typename... Value>
+    void changeTasks(const std::vector<TaskPtr> &tasks, Change change, const Value &...value);
     void tableViewDoubleAction(int row);
     void removeRows(const std::set<int> &rows);
     void selectAfterRemoval(int lastIndex);

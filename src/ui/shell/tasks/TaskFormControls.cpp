@@ -1,5 +1,7 @@
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/Functional.h"
+#include "records/ProjectManager.h"
 #include "records/TaskFormChoices.h"
 #include "shell/tasks/LocationPopup.h"
 #include "shell/tasks/RepeatControl.h"
@@ -96,7 +98,7 @@ QWidget *TaskFormView::makeCategory()
     const std::vector<CategoryPtr> categories = TaskFormChoices::categories();
     for (const CategoryPtr &category : categories) {
         if (category)
-            popUp->addItem(CategoryIcon::of(*category), localized(category->title()));
+            popUp->addItem(CategoryIcon::of(*category), Categories::shownTitle(category));
         else
             popUp->addItem(localized(u"None"_s));
     }
@@ -156,7 +158,7 @@ QWidget *TaskFormView::makeProject()
     return makeChoice<ProjectPtr>(
         u"popUpButtonProject"_s, TaskFormChoices::projects(state.currentTask().project),
         [](const MVTask &task) { return task.project; },
-        [](const ProjectPtr &project) { return localized(project->title()); },
+        [](const ProjectPtr &project) { return ProjectManager::shownTitle(*project); },
         [](TaskFormState &form, const ProjectPtr &project) { form.setProject(project); });
 }
 

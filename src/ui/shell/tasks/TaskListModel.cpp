@@ -5,6 +5,7 @@
 #include "foundation/Localization.h"
 #include "records/Categories.h"
 #include "records/Functional.h"
+#include "records/ProjectManager.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -58,7 +59,7 @@ struct HeaderText
     }
     QString operator()(const ProjectPtr &project) const
     {
-        return project ? localized(project->title()) : QString();
+        return project ? ProjectManager::shownTitle(*project) : QString();
     }
     QString operator()(const ContactPtr &contact) const { return contact ? contact->fullName() : QString(); }
     QString operator()(const PriorityHeader &header) const
@@ -82,6 +83,8 @@ struct HeaderText
             return localized(u"No Contact"_s);
         case EntityNotValue::NoTasks:
             return localized(u"No Tasks"_s);
+        case EntityNotValue::NoEvents:
+            return localized(u"No events"_s);
         }
         return {};
     }
@@ -131,6 +134,11 @@ QVariant TaskListModel::data(const QModelIndex &index, int role) const
     if (const auto *task = std::get_if<TaskPtr>(&row))
         return *task ? taskData(**task, role) : QVariant();
     const auto *header = std::get_if<GroupHeader>(&row);
+    if (!header)
+        return {};
+    const auto *missing = std::get_if<EntityNotValue>(header);
+    if (role == IsQuietRole)
+        return missing && missing->isOnlyRow();
     const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
-    return header && isText ? QVariant(headerText(*header)) : QVariant();
+    return isText ? QVariant(headerText(*header)) : QVariant();
 }

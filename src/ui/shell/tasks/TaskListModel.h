@@ -9,7 +9,8 @@ class TaskListModel : public TableModel
 {
     Q_OBJECT
 public:
-    enum Role { ContentRole = Qt::UserRole };
+    /// A quiet header is not about rows below it.
+    enum Role { ContentRole = Qt::UserRole, IsQuietRole };
 
     explicit TaskListModel(ListType list, QObject *parent = nullptr);
 

@@ -80,7 +80,7 @@ void TaskTableCell::paintHeader(QPainter &painter, const QStyleOptionViewItem &o
     const int inset = Theme::contentMargin + Theme::unit / 2;
     const QRect place = option.rect.adjusted(inset, 0, -inset, -Theme::unit);
     painter.setFont(Theme::font(Theme::FontRole::BodyStrong));
-    painter.setPen(Theme::text);
+    painter.setPen(index.data(TaskListModel::IsQuietRole).toBool() ? Theme::secondaryText : Theme::text);
     Direction::drawLine(painter, place, option.direction, index.data().toString(), Qt::AlignBottom);
 }
 
@@ -135,11 +135,11 @@ private:
 
 QColor titleColour(const QStyleOptionViewItem &option, const TaskRowContent &content)
 {
-    if (content.isChecked)
-        return Theme::secondaryText;
     const bool isMarked =
         option.state.testFlag(QStyle::State_Selected) && option.state.testFlag(QStyle::State_Active);
-    return isMarked ? Theme::selectedText : Theme::text;
+    if (isMarked)
+        return Theme::selectedText;
+    return content.isChecked ? Theme::secondaryText : Theme::text;
 }
 
 } // namespace

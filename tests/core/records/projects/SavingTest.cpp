@@ -1,10 +1,14 @@
 #include "CoreTest.h"
 
+#include "foundation/Localization.h"
 #include "records/MVProject.h"
 #include "records/ProjectManager.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 #include "support/FullDisk.h"
+
+#include <QFile>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -42,6 +46,23 @@ protected:
     Observation changes = NotificationCenter::defaultCenter().addObserver(
         notifications::projectChange, [this](const Notification &) { ++changed; });
 };
+
+TEST_F(SavingProjects, OnlyTheTitleForWantOfABetterIsTranslated)
+{
+    const QTemporaryDir words;
+    QFile table(words.filePath(u"en.json"_qs));
+    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
+    table.write(R"({"NewProject": "Something new", "Work": "Labour"})");
+    table.close();
+    LocalizationTable::loadDirectory(words.path());
+    MVProject project;
+    ASSERT_TRUE(ProjectManager::saveProjectTemp(project));
+    EXPECT_EQ(project.project()->title(), u"NewProject"_qs);
+    EXPECT_EQ(ProjectManager::shownTitle(*project.project()), u"Something new"_qs);
+    project.project()->setTitle(u"Work"_qs);
+    EXPECT_EQ(ProjectManager::shownTitle(*project.project()), u"Work"_qs);
+    LocalizationTable::unloadDirectory(words.path());
+}
 
 TEST_F(SavingProjects, FindsTheBoundsOfOpenTasks)
 {

@@ -50,6 +50,11 @@ TEST_F(LocationChoiceTest, ANewPlaceNeedsATitleAndKeepsItsCoordinates)
     choice.locationTemp = {u"Park"_s, 1, 2};
     EXPECT_EQ(choice.made(), park) << "a title stands for one place";
     EXPECT_EQ(park->longitude(), 11.6);
+    EXPECT_EQ(LocationChoice(park).lastWithPosition(), quay);
+    choice.locationTemp = {u"Somewhere"_s, {}, {}};
+    const LocationPtr unknown = choice.made().value();
+    EXPECT_FALSE(unknown->latitude() || unknown->longitude());
+    EXPECT_EQ(LocationChoice(unknown).lastWithPosition(), quay) << "no place lies in the Gulf of Guinea";
 }
 
 TEST_F(LocationChoiceTest, ADeletedPlaceIsGoneFromTableAndStoreAndAnotherStaysChosen)
@@ -68,7 +73,6 @@ TEST_F(LocationChoiceTest, DegreesAreReadWithPointOrCommaInsideTheirLimits)
 {
     EXPECT_EQ(LocationChoice::degrees(u" 52,5 "_s, 90), 52.5);
     EXPECT_EQ(LocationChoice::degrees(u"-90"_s, 90), -90);
-    EXPECT_EQ(LocationChoice::degrees(QString(), 90), 0);
-    for (const QString &wrong : {u"91"_s, u"north"_s, u"1,2,3"_s, u"nan"_s, u"inf"_s})
+    for (const QString &wrong : {QString(), u"91"_s, u"north"_s, u"1,2,3"_s, u"nan"_s, u"inf"_s})
         EXPECT_FALSE(LocationChoice::degrees(wrong, 90)) << qPrintable(wrong);
 }

@@ -3,6 +3,7 @@
 #include "CoreTest.h"
 #include "records/Functional.h"
 #include "records/TaskFormState.h"
+#include "records/TaskManager.h"
 
 using namespace Qt::Literals::StringLiterals;
 using Picker = DatePickerState::Type;
@@ -251,6 +252,54 @@ TEST_F(TaskFormTest, TheEndOfAnEditSavesOnlyWhatChangedAndKeepsARefusedOne)
     form.changeStatusNow(true);
     EXPECT_EQ(row->status(), 3);
     EXPECT_FALSE(form.canEdit());
+}
+
+TEST_F(TaskFormTest, AChangeFromElsewhereIsNotUndoneByTheEndOfAnEdit)
+{
+    MVTask made;
+    made.title = u"Dentist"_s;
+    made.type = static_cast<int>(TaskType::ToDo);
+    made.status = 0;
+    made.priority = 3;
+    made.startDate = noon;
+    made.dueDate = noon;
+    made.details = u"Bring the card"_s;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(made, true));
+    const TaskPtr row = made.task();
+    const Date later = noon + Seconds(86400.0);
+    const auto moveElsewhere = [&](const QString &details, Date start) {
+        row->setDetails(details);
+        row->setStartDate(start);
+        row->setDueDate(start);
+        ASSERT_FALSE(DBWorker::saveContext());
+    };
+
+    TaskFormState idle(row);
+    TaskFormState busy(row);
+    busy.setTitle(u"Dr. Aalto"_s);
+    moveElsewhere(u"Bring the insurance card"_s, later);
+    EXPECT_EQ(idle.finishEdit(), TaskFormState::EditEnd::Unchanged);
+    EXPECT_EQ(row->startDate(), later);
+    EXPECT_EQ(busy.finishEdit(), TaskFormState::EditEnd::Saved);
+    EXPECT_EQ(row->title(), u"Dr. Aalto"_s);
+    EXPECT_EQ(row->details(), u"Bring the insurance card"_s);
+    EXPECT_EQ(row->startDate(), later);
+
+    // Dates belong together: where the user has moved one of them, none comes from elsewhere.
+    TaskFormState moving(row);
+    const Date latest = later + Seconds(5 * 86400.0);
+    pick(moving, Picker::DueDate, latest);
+    moveElsewhere(u"And the X-ray"_s, noon);
+    moving.followRow();
+    EXPECT_EQ(moving.currentTask().startDate, later);
+    EXPECT_EQ(moving.currentTask().details, u"And the X-ray"_s);
+    EXPECT_EQ(moving.finishEdit(), TaskFormState::EditEnd::Saved);
+    EXPECT_EQ(row->startDate(), later);
+    EXPECT_GE(row->dueDate(), latest);
+    moving.rollback();
+    moveElsewhere(u"Nothing"_s, noon);
+    EXPECT_EQ(moving.finishEdit(), TaskFormState::EditEnd::Unchanged);
+    EXPECT_EQ(row->details(), u"Nothing"_s);
 }
 
 TEST_F(TaskFormTest, ATitleOfBlanksDoesNotMeanThatTheTaskHasGone)

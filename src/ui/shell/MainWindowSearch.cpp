@@ -1,0 +1,60 @@
+#include "shell/Actions.h"
+#include "shell/MainWindow.h"
+#include "shell/MainWindowController.h"
+#include "shell/RightToolBar.h"
+#include "shell/search/SearchPopover.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/TextBubble.h"
+
+// The search, where its results lead, and why a task is where it is.
+
+void MainWindowController::observeSearch()
+{
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(
+        notifications::searchMorvane,
+        [this](const Notification &) { mainWindow->rightToolBarMain()->focusSearch(); }));
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(
+        notifications::clickTableSearch, [this](const Notification &notification) {
+            if (const auto *record = std::any_cast<ObjectPtr>(&notification.object))
+                searchSelectItem(*record);
+        }));
+}
+
+void MainWindowController::searchSelectItem(const ObjectPtr &record)
+{
+    const auto item = SidebarModel::itemShowing(record);
+    if (!item)
+        return;
+    showList(*item);
+    // Not by command: a list that a filter has emptied of it must not offer another row instead.
+    if (screen->focusProxy())
+        screen->setFocus(Qt::OtherFocusReason);
+    screen->selectItem(record);
+    searchedRecord = DBWorker::getIdFromObject(record);
+    actions->updateEnabled();
+}
+
+/// The result that the keys are on, the selected task, the one in the pane, or the one that was searched for.
+TaskPtr MainWindowController::taskInQuestion() const
+{
+    const auto found = std::dynamic_pointer_cast<EntityTask>(mainWindow->rightToolBarMain()->currentResult());
+    if (found)
+        return found;
+    const TaskPtr selected = screen ? screen->selectedTask() : nullptr;
+    return selected ? selected
+                    : std::dynamic_pointer_cast<EntityTask>(DBWorker::getObjectFromId(searchedRecord));
+}
+
+void MainWindowController::explainPlace()
+{
+    const TaskPtr task = taskInQuestion();
+    if (!task || !screen)
+        return;
+    RightToolBar &bar = *mainWindow->rightToolBarMain();
+    const QString text = screen->explanationOf(task);
+    if (bar.currentResult())
+        TextBubble::show(text, *bar.searchPopover(), bar.searchPopover()->currentPlace());
+    else
+        TextBubble::show(text, *screen, screen->placeOf(task));
+}

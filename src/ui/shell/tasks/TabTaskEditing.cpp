@@ -1,0 +1,97 @@
+#include "foundation/Localization.h"
+#include "records/TaskBatch.h"
+#include "records/TaskManager.h"
+#include "shell/ShellAlerts.h"
+#include "shell/details/DetailStack.h"
+#include "shell/tasks/TabTaskViewController.h"
+#include "shell/tasks/TaskPopupMenu.h"
+#include "widgets/LongWork.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+// What is done to the tasks of a list in their rows.
+
+// Deleting
+
+void TabTaskViewController::removeSelection()
+{
+    removeRows(view->selectedRows());
+}
+
+void TabTaskViewController::removeRows(const std::set<int> &rows)
+{
+    std::vector<TaskPtr> going;
+    TaskPtr barred;
+    for (const TaskPtr &task : tasksAt(rows)) {
+        if (task->allowsContentModifications().value_or(true))
+            going.push_back(task);
+        else
+            barred = task;
+    }
+    if (rows.size() == 1 && barred)
+        return ShellAlerts::alertEditingEvent(localized(barred->calendarTitle()));
+    if (going.empty())
+        return;
+    const std::vector<ObjectPtr> removable(going.begin(), going.end());
+    const int lastIndex = *rows.rbegin();
+    if (detailStack())
+        detailStack()->removeAllDetailFromTasks(going);
+    LongWork work(removable.size(), localized(u"Deleting the selected tasks"_s));
+    TaskManager::deleteTasks(
+        removable, [this, lastIndex] { selectAfterRemoval(lastIndex); }, [&work] { return work.step(); });
+}
+
+void TabTaskViewController::selectAfterRemoval(int lastIndex)
+{
+    view->clearSelection();
+    reloadData();
+    const int row = model->nearestItem(std::min(lastIndex, model->rowCount() - 1), -1);
+    if (row >= 0)
+        view->selectRow(row);
+}
+
+// Changing
+
+/// Changes tasks of the list, which must not be fetched at once for that. Many take their time, which is
+/// shown.
+template <typename Change, typename... Value>
+void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Change change,
+                                        const Value &...value)
+{
+    LongWork work(tasks.size(), localized(u"Changing the selected tasks"_s));
+    isEditing = true;
+    change(tasks, value..., [&work] { return work.step(); });
+    isEditing = false;
+    view->viewport()->update();
+    reloadLater();
+}
+
+void TabTaskViewController::toggleDone(const std::set<int> &rows)
+{
+    changeTasks(tasksAt(rows), &TaskBatch::toggleDone);
+}
+
+// Context menu
+
+void TabTaskViewController::setUpMenu()
+{
+    taskPopupMenu = new TaskPopupMenu(this);
+    const auto selected = [this] { return tasksAt(view->selectedRows()); };
+    connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
+            [=, this](int status) { changeTasks(selected(), &TaskBatch::setStatus, status); });
+    connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this,
+            [=, this](int priority) { changeTasks(selected(), &TaskBatch::setPriority, priority); });
+    connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this, [=, this](const CategoryPtr &category) {
+        changeTasks(selected(), &TaskBatch::setCategory, category);
+    });
+    connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TabTaskViewController::whyRequested);
+    connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TabTaskViewController::removeSelection);
+}
+
+void TabTaskViewController::showMenu(const QPoint &globalPosition)
+{
+    if (!taskPopupMenu)
+        setUpMenu();
+    taskPopupMenu->setTasks(tasksAt(view->selectedRows()));
+    taskPopupMenu->popup(globalPosition);
+}

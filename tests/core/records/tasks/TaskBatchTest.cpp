@@ -1,0 +1,125 @@
+// Many tasks are changed or deleted at once.
+
+#include "CoreTest.h"
+
+#include "records/TaskBatch.h"
+#include "records/TaskManager.h"
+#include "store/state/NotificationNames.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class TaskBatchTest : public CoreTest
+{
+protected:
+    TaskBatchTest()
+    {
+        for (const QString &title : {u"a"_s, u"b"_s, u"c"_s, u"d"_s})
+            tasks.push_back(add(title));
+        tasks[1]->setAllowsContentModifications(false);
+        EXPECT_FALSE(DBWorker::saveContext());
+    }
+    template <typename Value>
+    std::vector<int> each(Value (EntityTask::*value)() const)
+    {
+        std::vector<int> values;
+        for (const TaskPtr &task : tasks)
+            values.push_back((*task.*value)().value_or(-1));
+        return values;
+    }
+    std::vector<int> priorities() { return each(&EntityTask::priority); }
+    std::vector<int> statuses() { return each(&EntityTask::status); }
+
+    std::vector<TaskPtr> tasks;
+};
+
+} // namespace
+
+TEST_F(TaskBatchTest, ChangesWhatMayBeChangedInOneSaveThatOneUndoTakesBack)
+{
+    const std::vector<int> before = priorities();
+    int saves = 0;
+    const Observation saved = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [&saves](const Notification &) { ++saves; });
+    TaskBatch::setPriority(tasks, 0);
+    EXPECT_EQ(priorities(), (std::vector{0, before[1], 0, 0}));
+    // The search index is brought up to date by a save of its own.
+    EXPECT_LE(saves, 2);
+    TaskBatch::setCategory(tasks, EntityCategory::title(u"Work"_s));
+    EXPECT_EQ(tasks[1]->category(), nullptr);
+    EXPECT_EQ(tasks[3]->category(), EntityCategory::title(u"Work"_s));
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(tasks[3]->category(), nullptr);
+    EXPECT_EQ(tasks[3]->priority(), 0);
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(priorities(), before);
+}
+
+TEST_F(TaskBatchTest, TicksAllUnlessAllAreTicked)
+{
+    TaskBatch::setStatus({tasks[0]}, 3);
+    TaskBatch::toggleDone(tasks);
+    EXPECT_EQ(statuses(), (std::vector{3, 0, 3, 3}));
+    TaskBatch::toggleDone(tasks);
+    EXPECT_EQ(statuses(), (std::vector{0, 0, 0, 0}));
+}
+
+TEST_F(TaskBatchTest, StopsWhenTheUserHasHadEnoughAndKeepsWhatIsDone)
+{
+    int steps = 0;
+    const auto twice = [&steps] { return ++steps % 2 != 0; };
+    TaskBatch::setStatus({tasks[0], tasks[2], tasks[3]}, 2, twice);
+    EXPECT_EQ(statuses(), (std::vector{2, 0, 2, 0}));
+    EXPECT_FALSE(context().hasChanges());
+    int finished = 0;
+    const ScriptedAlerts alerts({Alert::firstButton});
+    TaskManager::deleteTasks(
+        {tasks[0], tasks[2], tasks[3]}, [&finished] { ++finished; }, twice);
+    EXPECT_EQ(titles(DBWorker::allTasks()), QStringList({u"b"_s, u"d"_s}));
+    EXPECT_EQ(finished, 1);
+    EXPECT_FALSE(context().hasChanges());
+}
+
+TEST_F(TaskBatchTest, SaysAndAsksOnceWhatConcernsSeveralTasks)
+{
+    const Date nine = localDate(2026, 11, 23, 9);
+    std::vector<TaskPtr> some = {tasks[0]};
+    for (const QString &title : {u"open end"_s, u"open end too"_s})
+        some.push_back(add(title, TaskType::Appointment, nine));
+    for (const QString &title : {u"daily"_s, u"weekly"_s}) {
+        some.push_back(add(title, TaskType::Appointment, nine, nine + Seconds(3600)));
+        some.back()->setRepeat(u"RRULE:FREQ=DAILY;INTERVAL=1"_s);
+    }
+    EXPECT_FALSE(DBWorker::saveContext());
+    const auto important = [&some] {
+        QStringList found;
+        for (const TaskPtr &task : some) {
+            if (task->priority() == 0)
+                found << task->title();
+        }
+        return found;
+    };
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::thirdButton});
+        TaskBatch::setPriority(some, 0);
+        EXPECT_EQ(alerts.asked().size(), 2U) << "a message about two, and a question about two";
+        EXPECT_EQ(important(), QStringList(u"a"_s));
+    }
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+    TaskBatch::setPriority(some, 0);
+    EXPECT_EQ(alerts.asked().size(), 2U) << "another change asks again";
+    EXPECT_EQ(important(), QStringList({u"a"_s, u"daily"_s, u"weekly"_s}));
+}
+
+TEST_F(TaskBatchTest, PassesOverWhatGoesMeanwhile)
+{
+    const auto deleteLast = [this] {
+        if (!tasks[3]->isDeleted())
+            context().deleteObject(tasks[3]);
+        return true;
+    };
+    TaskBatch::setPriority(tasks, 0, deleteLast);
+    EXPECT_EQ(tasks[2]->priority(), 0);
+    EXPECT_EQ(DBWorker::allTasks().size(), 3);
+}
