@@ -81,8 +81,16 @@ QStringList months(const RecurrenceRule &rule, const RecurrencePickerTexts &text
     return words;
 }
 
+/// Each of these weekdays in a month, not the second or the last of them.
+bool isOnEveryWeekdayOfMonth(const RecurrenceRule &rule)
+{
+    return rule.frequency == RecurrenceFrequency::monthly && rule.bymonthday.empty() && rule.bysetpos.empty();
+}
+
 QStringList listWords(const RecurrenceRule &rule, const RecurrencePickerTexts &texts)
 {
+    if (isOnEveryWeekdayOfMonth(rule))
+        return weekdays(rule, texts);
     switch (rule.frequency) {
     case RecurrenceFrequency::weekly:
         return weekdays(rule, texts);
@@ -126,7 +134,9 @@ QString RecurrenceSentence::of(const RecurrenceRule &rule, RecurrencePickerLangu
     const QStringList words = listWords(rule, texts);
     if (words.isEmpty())
         return basic;
-    const QString lead = prefix + u"element.on."_s + frequencyText(rule.frequency).toLower();
+    const RecurrenceFrequency listed =
+        isOnEveryWeekdayOfMonth(rule) ? RecurrenceFrequency::weekly : rule.frequency;
+    const QString lead = prefix + u"element.on."_s + frequencyText(listed).toLower();
     const QString list = texts.text(lead, {joined(words, texts), static_cast<int>(words.size())});
     return texts.text(prefix + u"byWeekdaysOrMonthdaysOrMonths"_s, {basic, list, unit});
 }

@@ -87,7 +87,12 @@ QString RepeatPicker::customTitle() const
 
 QString RepeatPicker::recurrenceRuleToTextForUser() const
 {
-    return rule ? RecurrenceSentence::of(*rule, language) : QString();
+    if (!rule)
+        return {};
+    const QString sentence = RecurrenceSentence::of(*rule, language);
+    // There are no words for what comes by the hour.
+    return sentence.isEmpty() ? RecurrencePickerTexts(language).text(u"RecurrencePicker.textLabel.custom"_s)
+                              : sentence;
 }
 
 // What the rule is

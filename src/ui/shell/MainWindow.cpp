@@ -87,6 +87,8 @@ void MainWindow::changeEvent(QEvent *event)
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         Q_EMIT didBecomeKey();
+    else if (event->type() == QEvent::WindowStateChange)
+        Q_EMIT stateChanged();
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -29,6 +29,8 @@ Q_SIGNALS:
     void closed();
     /// The window takes the keys.
     void didBecomeKey();
+    /// It became large or small, or filled the screen, by whomever.
+    void stateChanged();
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -26,6 +26,17 @@ static ManagedObjectContext *context()
     return delegate && delegate->hasManagedObjectContext() ? &delegate->managedObjectContext() : nullptr;
 }
 
+/// While a text has the keys, its own typing is what is taken back.
+static bool canUndo()
+{
+    return TextCommands::hasText() ? TextCommands::canUndo() : context() && context()->canUndo();
+}
+
+static bool canRedo()
+{
+    return TextCommands::hasText() ? TextCommands::canRedo() : context() && context()->canRedo();
+}
+
 void MainWindowController::bindActions()
 {
     actions->bind(ActionId::NewTask, [this] { menuClickNewTask(); });
@@ -35,9 +46,9 @@ void MainWindowController::bindActions()
     actions->bind(ActionId::CloseWindow, [this] { mainWindow->close(); });
     actions->bind(ActionId::Quit, [this] { Q_EMIT quitRequested(); });
     actions->bind(
-        ActionId::Undo, [this] { undo(); }, [] { return context() && context()->canUndo(); });
+        ActionId::Undo, [this] { undo(); }, [] { return canUndo(); });
     actions->bind(
-        ActionId::Redo, [this] { redo(); }, [] { return context() && context()->canRedo(); });
+        ActionId::Redo, [this] { redo(); }, [] { return canRedo(); });
     actions->bind(ActionId::Search,
                   [] { NotificationCenter::defaultCenter().post(notifications::searchMorvane); });
     actions->bind(
@@ -57,9 +68,11 @@ void MainWindowController::bindActions()
     actions->bind(
         ActionId::OpenMainWindow, [this] { showWindow(); }, [this] { return !mainWindow->isVisible(); });
     actions->bind(
-        ActionId::Delete, [this] { removeSelected(); }, [this] { return screen && screen->hasSelection(); });
+        ActionId::Delete, [this] { removeSelected(); }, [this] { return canRemoveSelected(); });
     actions->bind(
-        ActionId::SelectAll, [this] { screen->selectAll(); }, [this] { return screen && screen->hasRows(); });
+        ActionId::SelectAll,
+        [this] { TextCommands::hasText() ? TextCommands::selectAll() : screen->selectAll(); },
+        [this] { return TextCommands::hasText() || (screen && screen->hasRows()); });
     actions->bind(ActionId::FullScreen, [this] { toggleFullScreen(); });
     actions->bind(ActionId::About, [this] { showAbout(); });
 }
@@ -82,12 +95,22 @@ void MainWindowController::bindLists()
     }
 }
 
+bool MainWindowController::canRemoveSelected() const
+{
+    if (TextCommands::hasText())
+        return TextCommands::canRemove();
+    const OutlineViewExtended &outline = *mainWindow->outlineViewListItem();
+    return outline.hasFocus() ? sidebar->groupAt(outline.currentIndex()) != nullptr
+                              : screen && screen->hasSelection();
+}
+
 void MainWindowController::removeSelected()
 {
     const OutlineViewExtended &outline = *mainWindow->outlineViewListItem();
-    const QModelIndexList selected = outline.selectionModel()->selectedIndexes();
-    if (outline.hasFocus() && !selected.isEmpty())
-        didRemoveRow(selected.first());
+    if (TextCommands::hasText())
+        TextCommands::remove();
+    else if (outline.hasFocus())
+        didRemoveRow(outline.currentIndex());
     else if (screen)
         screen->removeSelection();
 }
@@ -105,6 +128,8 @@ void MainWindowController::groupsMayHaveChanged()
 
 void MainWindowController::undo()
 {
+    if (TextCommands::hasText())
+        return TextCommands::undo();
     const BusyCursor busy;
     ShellAlerts::presentError(context()->undo());
     groupsMayHaveChanged();
@@ -115,6 +140,8 @@ void MainWindowController::undo()
 
 void MainWindowController::redo()
 {
+    if (TextCommands::hasText())
+        return TextCommands::redo();
     const BusyCursor busy;
     ShellAlerts::presentError(context()->redo());
     groupsMayHaveChanged();
@@ -126,6 +153,11 @@ void MainWindowController::redo()
 void MainWindowController::toggleFullScreen()
 {
     mainWindow->setWindowState(mainWindow->windowState() ^ Qt::WindowFullScreen);
+}
+
+/// The desktop may have done it, too.
+void MainWindowController::fullScreenChanged()
+{
     const bool isFull = mainWindow->isFullScreen();
     actions->action(ActionId::FullScreen)
         ->setText(localized(isFull ? u"Exit Full Screen"_s : u"Enter Full Screen"_s));

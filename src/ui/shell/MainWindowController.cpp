@@ -57,6 +57,7 @@ void MainWindowController::windowDidLoad()
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
     connect(mainWindow.get(), &MainWindow::firstPainted, &badgeRecount, [this] { badgeRecount.start(0); });
     badgeTimer.emplace(badgeInterval, [this] { countTasksBadge(); });
+    connect(mainWindow.get(), &MainWindow::stateChanged, this, &MainWindowController::fullScreenChanged);
     connect(mainWindow.get(), &MainWindow::closed, this, &MainWindowController::stopObserving);
     connect(mainWindow.get(), &MainWindow::didBecomeKey, this, &MainWindowController::observe);
     connect(mainWindow->rightToolBarMain(), &RightToolBar::currentResultChanged, actions,

@@ -84,6 +84,7 @@ private:
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
     void menuClickNewTask();
+    bool canRemoveSelected() const;
     void removeSelected();
     TaskPtr taskInQuestion() const;
     void selectAgain(SidebarItem former, const QString &formerGroup);
@@ -92,6 +93,7 @@ private:
     void redo();
     void storeChanged();
     void toggleFullScreen();
+    void fullScreenChanged();
     void showAbout();
 
     std::unique_ptr<MainWindow> mainWindow;

@@ -45,6 +45,8 @@ public:
     virtual DetailPlace detailPlace() const { return {}; }
     /// A detail covers so many pixels at the trailing edge.
     virtual void setDetailSpace(int width) { Q_UNUSED(width) }
+    /// The last detail has gone: the keys go where it was opened.
+    virtual void takeKeysBack() { setFocus(); }
     /// Where the screen shows its details; null while it is in no window.
     DetailStack *detailStack() const { return details; }
     void setDetailStack(DetailStack *stack) { details = stack; }

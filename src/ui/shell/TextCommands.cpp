@@ -28,14 +28,41 @@ struct FocusedText
             return !line->isReadOnly();
         return rich ? !rich->isReadOnly() : plain && !plain->isReadOnly();
     }
+    bool isThere() const { return line || rich || plain; }
+    bool canUndo() const
+    {
+        if (line)
+            return line->isUndoAvailable();
+        return rich ? rich->document()->isUndoAvailable() : plain && plain->document()->isUndoAvailable();
+    }
+    bool canRedo() const
+    {
+        if (line)
+            return line->isRedoAvailable();
+        return rich ? rich->document()->isRedoAvailable() : plain && plain->document()->isRedoAvailable();
+    }
+    void remove() const
+    {
+        if (line)
+            line->del();
+        else if (rich)
+            rich->textCursor().removeSelectedText();
+        else if (plain)
+            plain->textCursor().removeSelectedText();
+    }
     void invoke(const char *slot) const
     {
-        if (line || rich || plain)
+        if (isThere())
             QMetaObject::invokeMethod(QApplication::focusWidget(), slot);
     }
 };
 
 } // namespace
+
+bool TextCommands::hasText()
+{
+    return FocusedText().isThere();
+}
 
 bool TextCommands::canCut()
 {
@@ -66,4 +93,39 @@ void TextCommands::copy()
 void TextCommands::paste()
 {
     FocusedText().invoke("paste");
+}
+
+bool TextCommands::canRemove()
+{
+    return canCut();
+}
+
+bool TextCommands::canUndo()
+{
+    return FocusedText().canUndo();
+}
+
+bool TextCommands::canRedo()
+{
+    return FocusedText().canRedo();
+}
+
+void TextCommands::remove()
+{
+    FocusedText().remove();
+}
+
+void TextCommands::selectAll()
+{
+    FocusedText().invoke("selectAll");
+}
+
+void TextCommands::undo()
+{
+    FocusedText().invoke("undo");
+}
+
+void TextCommands::redo()
+{
+    FocusedText().invoke("redo");
 }

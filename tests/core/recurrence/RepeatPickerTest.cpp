@@ -126,6 +126,9 @@ TEST(RecurrenceSentence, TellsIntervalAndListsInTheOrderOfTheLanguage)
               u"Повторяется каждую неделю по воскресеньям, понедельникам и пятницам"_s);
     EXPECT_EQ(sentence(weekly, Language::dutch), u"Wordt elke week op zondag, maandag en vrijdag herhaald"_s);
     EXPECT_EQ(sentence(yearly, Language::german), u"Wiederholt sich jedes Jahr im Januar und März"_s);
+    EXPECT_EQ(sentence(u"FREQ=MONTHLY;INTERVAL=2;BYDAY=TU,TH"_s),
+              u"Repeats every 2 months on Tuesday and Thursday"_s);
+    EXPECT_EQ(sentence(u"FREQ=MONTHLY;BYDAY=TU;BYMONTHDAY=13"_s), u"Repeats every month on the 13th"_s);
     EXPECT_EQ(sentence(u"FREQ=HOURLY"_s), QString());
 }
 

@@ -103,6 +103,46 @@ TEST_F(CategoriesScreen, ANewOneIsNamedInPlace)
     EXPECT_FALSE(find<ToolBarButton>(window(), "buttonAdd").isEnabled());
 }
 
+TEST_F(CategoriesScreen, AfterADetailTheKeysAreAmongTheTasks)
+{
+    addCategory(u"Garden"_s);
+    add(u"Dig"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Garden"_s); });
+    select(u"Garden"_s);
+    QTRY_COMPARE(shownTitles(), QStringList(u"Dig"_s));
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, middleOf(0));
+    ASSERT_FALSE(controller().detailStack()->isEmpty());
+    QTest::keyClick(controller().detailStack()->top(), Qt::Key_Escape);
+    ASSERT_TRUE(controller().detailStack()->isEmpty());
+    const ScriptedAlerts alerts({Alert::firstButton});
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
+    EXPECT_EQ(stored(u"Dig"_s), nullptr);
+    EXPECT_TRUE(EntityCategory::title(u"Garden"_s));
+}
+
+TEST_F(CategoriesScreen, AnotherOneHasNoTaskSelectedYet)
+{
+    select(u"Personal"_s);
+    clickRow(0);
+    ASSERT_EQ(selectedTitles(), QStringList(u"Mow the lawn"_s));
+    select(u"None"_s);
+    EXPECT_EQ(shownTitles(), QStringList(u"Loose end"_s));
+    EXPECT_TRUE(selectedTitles().isEmpty());
+}
+
+TEST_F(CategoriesScreen, ANewOneThatIsNotShownLeavesTheFormerSelected)
+{
+    Categories::setShown(Categories::Shown::WithTasks);
+    categories().reloadData();
+    add(u"Rehearse"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Work"_s); });
+    categories().reloadData();
+    select(u"Work"_s);
+    addCategory(u"Garden"_s);
+    EXPECT_TRUE(EntityCategory::title(u"Garden"_s));
+    EXPECT_FALSE(titles().contains(u"Garden"_s));
+    EXPECT_EQ(find<QLabel>(categories(), "labelTitleCategory").text(), u"Work"_s);
+    Categories::setShown(Categories::Shown::All);
+}
+
 TEST_F(CategoriesScreen, AnotherOneKeepsTheNameThatWasJustWritten)
 {
     press(find<ToolBarButton>(window(), "buttonAdd"));

@@ -3,6 +3,7 @@
 #include "shell/details/DetailStack.h"
 #include "shell/TabsViewController.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/Animations.h"
 
 #include <QSignalSpy>
 
@@ -112,4 +113,21 @@ TEST_F(DetailStackTest, OnlyThePaneOnTopGoesBackAndOnlyOnce)
     stack.goBack(second);
     EXPECT_EQ(gone.size(), 1);
     EXPECT_EQ(stack.top(), first);
+}
+
+TEST_F(DetailStackTest, WhatIsOnItsWayOutCanBeOpenedAnew)
+{
+    const auto task = make<EntityTask>();
+    Pane *const former = show(task);
+    Animations::setEnabled(true);
+    stack.goBack(former);
+    EXPECT_EQ(stack.paneOf(task), nullptr);
+    Pane *const again = show(task);
+    EXPECT_EQ(stack.paneOf(task), again);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return again->geometry() == QRect(351, 0, 649, 600); }));
+    QTest::qWait(Animations::duration(Animations::detailSlideOut));
+    Animations::setEnabled(false);
+    EXPECT_EQ(stack.top(), again);
+    EXPECT_TRUE(again->isVisible() && again->isActive());
+    EXPECT_EQ(screen.space, 595);
 }

@@ -99,6 +99,30 @@ TEST_F(WholeWindowTest, CommandsAreGreyWhereTheyWouldDoNothing)
     EXPECT_TRUE(isPossible(ActionId::SelectAll));
     clickRow(0);
     EXPECT_TRUE(isPossible(ActionId::Delete));
+
+    const auto group = context().insert<EntityContactGroup>();
+    group->setTitle(u"Choir"_s);
+    group->setUseGeneralFilter(false);
+    ASSERT_FALSE(DBWorker::saveContext());
+    controller().loadContactsGroup();
+    outline().selectIndex(sidebar().indexOf(SidebarItem::People));
+    outline().setFocus();
+    EXPECT_FALSE(isPossible(ActionId::Delete));
+    outline().selectIndex(sidebar().indexOfGroup(*group));
+    EXPECT_TRUE(isPossible(ActionId::Delete));
+    const ScriptedAlerts alerts({Alert::firstButton});
+    run(ActionId::Delete);
+    EXPECT_TRUE(DBWorker::allContactPrivateGroup().isEmpty());
+}
+
+TEST_F(WholeWindowTest, TheCommandForTheFullScreenFollowsTheWindow)
+{
+    const auto title = [this] { return controller().commands()->action(ActionId::FullScreen)->text(); };
+    run(ActionId::FullScreen);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return title() == u"Exit Full Screen"_s; }));
+    // As by the keys of the desktop.
+    window().showNormal();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return title() == u"Enter Full Screen"_s; }));
 }
 
 TEST_F(WholeWindowTest, EveryCommandHasAnObjectNameAndAShortcutOfItsOwn)

@@ -126,6 +126,32 @@ TEST_F(SearchTest, WhatIsTypedIsCopiedAndPastedByTheCommandsOfTheMenu)
     EXPECT_EQ(field().text(), u"breadbread"_s);
 }
 
+TEST_F(SearchTest, CommandsOfTheMenuLeaveTheListAloneWhileATextHasTheKeys)
+{
+    const auto command = [this](ActionId id) {
+        controller().commands()->updateEnabled();
+        EXPECT_TRUE(controller().commands()->action(id)->isEnabled()) << static_cast<int>(id);
+        controller().commands()->action(id)->trigger();
+    };
+    const ScriptedAlerts alerts;
+    addInbox({u"bread"_s, u"butter"_s});
+    showList(SidebarItem::Inbox);
+    clickRow(0);
+    const QStringList selected = selectedTitles();
+    search(u"jam"_s);
+    command(ActionId::SelectAll);
+    EXPECT_EQ(field().selectedText(), u"jam"_s);
+    EXPECT_EQ(selectedTitles(), selected);
+    command(ActionId::Delete);
+    EXPECT_TRUE(field().text().isEmpty());
+    command(ActionId::Undo);
+    EXPECT_EQ(field().text(), u"jam"_s);
+    command(ActionId::Redo);
+    EXPECT_TRUE(field().text().isEmpty());
+    EXPECT_EQ(inboxTitles().size(), 2) << "nothing of the list was undone";
+    EXPECT_TRUE(alerts.asked().empty());
+}
+
 TEST_F(SearchTest, TheBubbleSaysWhatItIsForAndThatNothingIsFound)
 {
     add(u"apple"_s);

@@ -149,7 +149,12 @@ void CategoriesViewController::categorySelectionChanged()
     const std::set<int> rows = table->selectedRows();
     if (rows.empty() || *rows.begin() == categories->newRow())
         return;
-    selectCategory = categories->categoryAt(*rows.begin());
+    const CategoryPtr former = std::exchange(selectCategory, categories->categoryAt(*rows.begin()));
+    if (former != selectCategory) {
+        // No task of this one was chosen yet.
+        tableViewTasks()->clearSelection();
+        tableViewTasks()->scrollToTop();
+    }
     labelTitleCategory->setText(Categories::shownTitle(selectCategory));
     TabTaskViewController::reloadData();
 }
@@ -301,7 +306,10 @@ void CategoriesViewController::endEditing(bool isAccepted)
     else if (isAccepted)
         Categories::rename(kept, title);
     reloadDataCategory();
-    const int row = categories->rowOf(kept ? kept : selectCategory);
+    // A new one without tasks may be none of those that are shown.
+    int row = kept ? categories->rowOf(kept) : -1;
+    if (row < 0)
+        row = categories->rowOf(selectCategory);
     selectCategoryRow(std::max(row, 0));
     table->setFocus();
 }

@@ -11,6 +11,12 @@
 /// The part of the screen's width that a list keeps beside a detail.
 constexpr double narrowList = 0.405;
 
+/// On its way out; what it is about can be opened anew.
+static bool isLeaving(const DetailViewController &pane)
+{
+    return pane.testAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
 DetailStack::DetailStack(QWidget &rightContentView)
     : content(rightContentView)
 {
@@ -27,7 +33,7 @@ DetailViewController *DetailStack::top() const
 DetailViewController *DetailStack::paneOf(const ObjectPtr &record) const
 {
     const auto found = std::find_if(panes.rbegin(), panes.rend(), [&](const auto *pane) {
-        return pane->isEnabled() && pane->shows(record);
+        return pane->isEnabled() && !isLeaving(*pane) && pane->shows(record);
     });
     return found == panes.rend() ? nullptr : *found;
 }
@@ -55,11 +61,6 @@ QPoint DetailStack::outsidePlace() const
 {
     const QRect rest = restingPlace();
     return {content.isRightToLeft() ? -rest.width() : content.width(), rest.top()};
-}
-
-static bool isLeaving(const DetailViewController &pane)
-{
-    return pane.testAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
 /// What is covered is not painted and takes no keys.
@@ -126,7 +127,7 @@ void DetailStack::removeWhere(Matches matches)
 void DetailStack::showDetail(DetailViewController *detail, QWidget *controller)
 {
     setNotActiveLastDeteil();
-    if (panes.empty()) {
+    if (std::ranges::all_of(panes, [](const auto *pane) { return isLeaving(*pane); })) {
         screen = qobject_cast<TabsViewController *>(controller);
         place = screen ? screen->detailPlace() : DetailPlace();
         moveListSpace(qRound(content.width() * (1 - narrowList)),
@@ -226,7 +227,7 @@ void DetailStack::leave()
         return setActiveLastDeteil();
     setListSpace(0);
     if (screen)
-        screen->setFocus();
+        screen->takeKeysBack();
 }
 
 void DetailStack::removeAllDetail()

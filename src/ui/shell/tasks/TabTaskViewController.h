@@ -64,6 +64,7 @@ public:
     QString explanationOf(const TaskPtr &task) const override;
     QRect placeOf(const TaskPtr &task) const override;
     void showDetailWithTask(const TaskPtr &task);
+    void takeKeysBack() override { view->setFocus(); }
 
 protected:
     /// The rows as they are now; `grouping` is None where the list has no grouping or none is chosen.
