@@ -72,6 +72,8 @@ public:
     void bind(ActionId id, const std::function<void()> &run, std::function<bool()> isPossible = {});
     /// Asks the rules again.
     void updateEnabled();
+    /// From here on nothing is asked whether a command is possible: what could tell is about to go.
+    void forgetRules() { rules.clear(); }
 
 private:
     QHash<ActionId, QAction *> actions;

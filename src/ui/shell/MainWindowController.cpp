@@ -41,7 +41,7 @@ MainWindowController::MainWindowController()
 /// While the parts go one by one, nobody asks them what is possible.
 MainWindowController::~MainWindowController()
 {
-    disconnect(qApp, nullptr, actions, nullptr);
+    actions->forgetRules();
 }
 
 void MainWindowController::windowDidLoad()
