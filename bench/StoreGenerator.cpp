@@ -73,7 +73,7 @@ public:
         row.integer(isDated ? 0 : chance(0.2)).real(now - pick(1000) * secondsPerDay);
         isDone ? row.real(now - pick(700) * secondsPerDay) : row.null();
         !isDated &&type == 0 ? row.integer(number) : row.null();
-        isDated &&chance(0.05) ? row.text(u"RRULE FREQ=WEEKLY;INTERVAL=1"_qs) : row.null();
+        isDated &&chance(0.05) ? row.text(u"RRULE:FREQ=WEEKLY;INTERVAL=1"_qs) : row.null();
         const int category = pick(categoryCount + 5);
         const int project = pick(projectCount * 3);
         const int contact = pick(contactCount * 4);
