@@ -128,6 +128,9 @@ public:
     static void handleBeforeAllCalendarsSync();
     /// Makes the rows match the calendars: all of them, or those of one task's series.
     static void syncCalendarToAppWithTask(const TaskPtr &task);
+    /// Whether a pass is at work now: it may let other things happen while it tells how far it is. Half a
+    /// pass is not to be saved; one that is asked for meanwhile follows it.
+    static bool isPassing();
     static void syncAppToCalendarWithNeedCreateNewEvents(bool needCreateNewEvents);
 
     // The changes that this program made itself, by when.

@@ -189,12 +189,8 @@ std::optional<EKCalendar> CalendarEvent::getDefaultCalendar()
 
 std::optional<EKCalendar> CalendarEvent::getDefaultAccessCalendar()
 {
-    if (!hasAccesToCalendar())
-        return std::nullopt;
-    const QString reference = UserDefaults::standard().string(settings::defaultCalendar);
-    if (reference.isEmpty())
-        return setDefaultCalendarFromAppleCalendar();
-    const std::optional<EKCalendar> calendar = calendarOfIdentifier(reference);
+    // Nor is the desktop's own one any good that nobody has chosen: what is put there is on no list.
+    const std::optional<EKCalendar> calendar = getDefaultCalendar();
     return calendar && isChosen(*calendar) ? calendar : std::nullopt;
 }
 

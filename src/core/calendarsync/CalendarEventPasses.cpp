@@ -199,19 +199,25 @@ void runPass(const TaskPtr &task)
 
 } // namespace
 
+static bool isPassRunning = false;
+
+bool CalendarEvent::isPassing()
+{
+    return isPassRunning;
+}
+
 void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
 {
-    static bool isPassing = false;
     static bool isWantedAgain = false;
     if (DBWorker::isSample() || !hasAccesToCalendar())
         return;
-    // While a long pass tells how far it is, the calendars may report a change.
-    if (isPassing) {
+    // While a long pass tells how far it is, or asks, the calendars may report a change.
+    if (isPassRunning) {
         isWantedAgain = true;
         return;
     }
-    const QScopedValueRollback guard(isPassing, true);
+    const QScopedValueRollback guard(isPassRunning, true);
     runPass(task);
-    if (std::exchange(isWantedAgain, false))
+    while (std::exchange(isWantedAgain, false))
         runPass(nullptr);
 }

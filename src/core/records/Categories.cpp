@@ -19,6 +19,16 @@ bool isTitleFree(const QString &title)
     return !title.isEmpty() && !DBWorker::categoryExists(title);
 }
 
+Predicate ownOf(const CategoryPtr &category)
+{
+    return Predicate::format("category == %@", std::static_pointer_cast<ManagedObject>(category));
+}
+
+Predicate isOpen()
+{
+    return Predicate::format("status != %d", doneStatus);
+}
+
 } // namespace
 
 Categories::Shown Categories::shown()
@@ -66,19 +76,20 @@ int Categories::openTaskCount(const CategoryPtr &category)
 {
     if (!category)
         return static_cast<int>(DBWorker::getTasksWithoutCategories().size());
-    const Predicate own =
-        Predicate::format("category == %@", std::static_pointer_cast<ManagedObject>(category));
-    const Predicate open = Predicate::format("status != %d", doneStatus);
-    return static_cast<int>(mainContext().count(EntityTask::fetchRequest().where(own && open)));
+    return static_cast<int>(
+        mainContext().count(EntityTask::fetchRequest().where(ownOf(category) && isOpen())));
 }
 
 TaskList Categories::tasks(const CategoryPtr &category)
 {
     if (!category)
         return DBWorker::getTasksWithoutCategories();
+    // The order of the category's own list, with no task loaded before its row is looked at.
+    const tasklists::Definition sorted = {
+        ownOf(category) && isOpen(), {descending("dueDate"), ascending("title")}, tasklists::Order::ByDue};
     std::vector<RowId> rows;
-    for (const TaskPtr &task : DBWorker::hideNotAccessTasksFromArray(category->tasksSorts()))
-        rows.push_back(task->rowId());
+    for (const tasklists::PlacedRow &placed : tasklists::placedRows(sorted, {}))
+        rows.push_back(placed.row);
     return tasklists::list(std::move(rows));
 }
 

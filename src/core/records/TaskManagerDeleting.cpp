@@ -25,7 +25,9 @@ template <typename Delete>
 bool deleteEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Delete deleteOne)
 {
     for (const TaskPtr &task : tasks) {
-        deleteOne(task);
+        // Another one of its series may have taken it along.
+        if (!task->isDeleted() && task->context())
+            deleteOne(task);
         if (step && !step())
             return false;
     }

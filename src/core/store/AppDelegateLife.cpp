@@ -8,6 +8,7 @@
 #include "foundation/Log.h"
 #include "foundation/Region.h"
 #include "foundation/UserDefaults.h"
+#include "records/dates/MTDates.h"
 #include "store/AppDelegate.h"
 #include "store/StartWindowController.h"
 #include "store/queries/DBWorker.h"
@@ -164,7 +165,12 @@ void AppDelegate::applicationDidBecomeActive()
     isInFront = true;
     UserDefaults &defaults = UserDefaults::standard();
     // The user may have travelled, or changed the system's settings, while another program was in front.
+    const quint64 formerRegion = Region::generation();
     Region::reload();
+    if (Region::generation() != formerRegion)
+        MTDates::reset();
+    if (CalendarEvent::isPassing())
+        return CalendarEvent::syncCalendarToAppWithTask(nullptr);
     CalendarEvent::handleBeforeAllCalendarsSync();
     const bool hasCloud = IcloudManager::connectIcloud();
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCLOUD").arg(yesOrNo(hasCloud)));

@@ -51,7 +51,12 @@ std::set<int> TableViewExtended::selectedRows() const
 
 int TableViewExtended::selectedCount() const
 {
-    return static_cast<int>(selectedRows().size());
+    int count = 0;
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            count += rowsModel->isItem(row) ? 1 : 0;
+    }
+    return count;
 }
 
 bool TableViewExtended::hasSelectedRows() const
@@ -67,9 +72,15 @@ bool TableViewExtended::hasSelectedRows() const
 void TableViewExtended::selectRows(const std::set<int> &rows)
 {
     QItemSelection selection;
-    for (const int row : rows) {
-        if (rowsModel->isItem(row))
-            selection.select(rowsModel->index(row), rowsModel->index(row));
+    // Neighbours go together: the view asks each range about each row.
+    for (auto row = rows.begin(); row != rows.end();) {
+        const int first = *row++;
+        int last = first;
+        if (!rowsModel->isItem(first))
+            continue;
+        for (; row != rows.end() && *row == last + 1 && rowsModel->isItem(*row); ++row)
+            ++last;
+        selection.select(rowsModel->index(first), rowsModel->index(last));
     }
     if (!rows.empty())
         selectionModel()->setCurrentIndex(rowsModel->index(*rows.begin()), QItemSelectionModel::NoUpdate);

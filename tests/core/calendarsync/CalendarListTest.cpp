@@ -1,4 +1,6 @@
 #include "CalendarTest.h"
+#include "records/TaskFormState.h"
+#include "store/queries/DBWorker.h"
 
 #include <gmock/gmock.h>
 
@@ -47,6 +49,14 @@ TEST_F(CalendarList, IsEmptyWithNothingChosenOrWithoutAccess)
     EXPECT_EQ(titlesOf(CalendarEvent::getAllAccessCalendars()), QStringList({u"Home"_qs, u"Work"_qs}));
     UserDefaults::standard().removeObject(settings::savedChooseCalendars);
     EXPECT_THAT(CalendarEvent::getAllAccessCalendars(), IsEmpty());
+    // What is written down then is on its list, and not put where nobody looks.
+    UserDefaults::standard().removeObject(settings::defaultCalendar);
+    EXPECT_TRUE(CalendarEvent::getDefaultCalendar());
+    EXPECT_FALSE(CalendarEvent::getDefaultAccessCalendar());
+    TaskFormState form(NewTaskRequest{.typeTask = ListType::Someday});
+    form.setTitle(u"Plan"_qs);
+    EXPECT_TRUE(form.save());
+    EXPECT_THAT(DBWorker::allSomedayTasks(), SizeIs(1));
     for (const int answer : {0, 2}) {
         PlatformConfiguration::setAuthorization(u"events"_qs, answer);
         EXPECT_FALSE(CalendarEvent::hasAccesToCalendar());

@@ -146,18 +146,22 @@ TEST_F(CalendarPasses, TellHowFarTheyAreAndComeAgainForWhatChangedMeanwhile)
     passprogress::setBegin([&](size_t count) -> StepBlock {
         begun.push_back(count);
         return [&] {
-            if (++steps == 1) {
-                write(u"Home"_qs, u"late"_qs, event.arg(u"late"_qs));
-                CalendarEvent::syncCalendarToAppWithTask(nullptr);
+            // Once in the first pass, and once in the one that follows it.
+            if (++steps == 1 || steps == 5) {
+                const QString title = u"late %1"_qs.arg(steps);
+                write(u"Home"_qs, title, event.arg(title));
+                EXPECT_TRUE(CalendarEvent::isPassing());
+                delegate->applicationDidBecomeActive();
+                EXPECT_TRUE(context().hasChanges()) << "half a pass is not saved";
             }
             return false;
         };
     });
     pass();
     passprogress::setBegin({});
-    EXPECT_THAT(begun, testing::ElementsAre(3, 4));
-    EXPECT_EQ(steps, 7) << "nothing stops a pass";
-    EXPECT_THAT(rows(), testing::SizeIs(4));
+    EXPECT_THAT(begun, testing::ElementsAre(3, 4, 5));
+    EXPECT_EQ(steps, 12) << "nothing stops a pass";
+    EXPECT_THAT(rows(), testing::SizeIs(5));
 }
 
 } // namespace

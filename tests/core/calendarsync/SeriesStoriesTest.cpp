@@ -224,6 +224,20 @@ TEST_F(SeriesStories, DeletingTheRestOrAllOfIt)
     EXPECT_THAT(rows(), IsEmpty());
 }
 
+TEST_F(SeriesStories, DeletingTheRestFromTwoOfItEndsItBeforeTheEarlier)
+{
+    pass();
+    const TaskPtr first = rows().at(0);
+    {
+        const ScriptedAlerts alerts({Alert::secondButton});
+        TaskManager::deleteTasks({rows().at(1), rows().at(3)}, {});
+    }
+    ASSERT_THAT(rows(), SizeIs(1));
+    EXPECT_LT(first->endRepeat(), localDate(2026, 11, 22));
+    EXPECT_EQ(calendar(), QStringList(u"11-20 09:00 Standup"_qs));
+    expectSettled();
+}
+
 TEST_F(SeriesStories, OneOccurrenceGoesToAnotherCalendarAlone)
 {
     pass();

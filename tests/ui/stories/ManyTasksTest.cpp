@@ -49,7 +49,7 @@ private:
 class ManyTasksTest : public ShellTest
 {
 protected:
-    static constexpr int count = 1000;
+    static constexpr int count = 1200;
 
     ManyTasksTest()
     {
@@ -105,6 +105,8 @@ TEST_F(ManyTasksTest, AChangeShowsHowFarItIsAndOneUndoTakesAllOfItBack)
     EXPECT_EQ(onlooker.label, u"Changing the selected tasks"_s);
     EXPECT_GT(onlooker.mostSeen, count / 4);
     EXPECT_EQ(important(), count);
+    screen().reloadData();
+    EXPECT_EQ(list().selectedCount(), count) << "and they stay selected";
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     run(ActionId::Undo);
     EXPECT_EQ(important(), 0);

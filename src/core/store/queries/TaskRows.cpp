@@ -64,6 +64,14 @@ TaskPtr TaskRows::taskAt(int row) const
     return group && row >= group->firstTaskRow() ? group->tasks.at(row - group->firstTaskRow()) : nullptr;
 }
 
+RowId TaskRows::identifierAt(int row) const
+{
+    const Group *group = groupAt(row);
+    if (!group || row < group->firstTaskRow())
+        return 0;
+    return group->tasks.rows()[static_cast<size_t>(row - group->firstTaskRow())];
+}
+
 int TaskRows::rowOf(const EntityTask &task) const
 {
     for (const Group &group : groups) {

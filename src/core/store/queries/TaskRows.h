@@ -73,6 +73,8 @@ public:
     TaskPtr taskAt(int row) const;
     /// The row of a task, or -1.
     int rowOf(const EntityTask &task) const;
+    /// What the store calls the task at a row, without loading it; 0 if the row is something else.
+    RowId identifierAt(int row) const;
     /// The number of tasks in all groups.
     int taskCount() const;
     /// The tasks of all groups in order, without headers and gaps.

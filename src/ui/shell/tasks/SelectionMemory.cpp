@@ -14,10 +14,8 @@ SelectionMemory SelectionMemory::of(const TableViewExtended &view, const TaskLis
     if (rows.empty())
         return memory;
     memory.firstRow = *rows.begin();
-    if (rows.size() > mostTasks)
-        return memory;
     for (const int row : rows)
-        memory.tasks.push_back(model.taskAt(row));
+        memory.tasks.insert(model.rows().identifierAt(row));
     return memory;
 }
 
@@ -32,9 +30,9 @@ void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &mode
 {
     view.verticalScrollBar()->setValue(scrollValue);
     std::set<int> rows;
-    for (const TaskPtr &task : tasks) {
-        if (const int row = model.rowOf(task); row >= 0)
-            rows.insert(row);
+    for (int row = 0; !tasks.empty() && row < model.rowCount(); ++row) {
+        if (tasks.contains(model.rows().identifierAt(row)))
+            rows.insert(rows.end(), row);
     }
     if (rows.empty() && firstRow >= 0 && otherwise == Otherwise::Neighbour) {
         if (const int row = rowNear(model, firstRow); row >= 0)

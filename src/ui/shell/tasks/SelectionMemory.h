@@ -2,7 +2,7 @@
 
 #include "store/entities/Entities.h"
 
-#include <vector>
+#include <unordered_set>
 
 class TableViewExtended;
 class TaskListModel;
@@ -21,10 +21,7 @@ public:
     void restore(TableViewExtended &view, const TaskListModel &model, Otherwise otherwise) const;
 
 private:
-    /// Beyond this many, looking each one up again would be felt.
-    static constexpr std::size_t mostTasks = 1000;
-
-    std::vector<TaskPtr> tasks;
+    std::unordered_set<RowId> tasks;
     TaskPtr currentTask;
     int firstRow = -1;
     int scrollValue = 0;

@@ -5,6 +5,8 @@
 #include "store/entities/MainContext.h"
 #include "store/state/SettingsKeys.h"
 
+#include <random>
+
 namespace {
 
 class CategoriesTest : public CoreTest
@@ -119,6 +121,34 @@ TEST_F(CategoriesTest, RowsCountTheirOpenTasks)
     Categories::setShown(Categories::Shown::WithoutTasks);
     EXPECT_FALSE(shownTitles().contains(u"Garden"_qs));
     EXPECT_EQ(UserDefaults::standard().integer(settings::selectSortCategoryIndex), 1);
+}
+
+TEST_F(CategoriesTest, TheirTasksComeInTheOrderOfThePlainList)
+{
+    const CategoryPtr own = addNext(u"Garden"_qs);
+    std::mt19937 random(20261121);
+    const auto day = [&random] { return localDate(2026, 11, 1 + static_cast<int>(random() % 28), 12); };
+    for (int number = 0; number < 60; ++number) {
+        const TaskPtr task = addTask(u"Task %1"_qs.arg(random() % 20), random() % 5 ? own : nullptr);
+        task->setType(static_cast<int>(random() % 3));
+        task->setStatus(static_cast<int>(random() % 4));
+        if (random() % 4)
+            task->setDueDate(day());
+        if (random() % 3)
+            task->setStartDate(day());
+        task->setDueSomeDay(random() % 6 == 0);
+        // No two are alike, so that no order is left open.
+        task->setTitle(task->title() + u" (%1)"_qs.arg(number));
+    }
+    EXPECT_FALSE(DBWorker::saveContext());
+    QStringList plain;
+    for (const TaskPtr &task : own->tasksSorts())
+        plain.append(task->title());
+    QStringList shown;
+    for (const TaskPtr &task : Categories::tasks(own))
+        shown.append(task->title());
+    EXPECT_GT(plain.size(), 20);
+    EXPECT_EQ(shown, plain);
 }
 
 TEST_F(CategoriesTest, OneAtMostIsTheDefault)
