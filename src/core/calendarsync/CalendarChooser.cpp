@@ -17,9 +17,30 @@ static auto isSameAs(const EKCalendar &calendar)
     };
 }
 
+/// Adds a calendar to the stored choice, or takes it out; the others stay as they stand there.
+static void savedChooseCalendars(const EKCalendar &changed)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    const QString reference = CalendarEvent::identifierOfCalendar(changed);
+    QStringList references =
+        defaults.string(settings::savedChooseCalendars).split(calendarstore::separator, Qt::SkipEmptyParts);
+    if (references.removeAll(reference) == 0)
+        references.append(reference);
+    defaults.setObject(settings::savedChooseCalendars, references.join(calendarstore::separator));
+    defaults.synchronize();
+}
+
 CalendarChooser::CalendarChooser()
     : content(CalendarEvent::sortingAndGroupingByTitleForData(false))
 {}
+
+bool CalendarChooser::reload()
+{
+    CalendarChooserData present = CalendarEvent::sortingAndGroupingByTitleForData(false);
+    const bool isChanged = present.data != content.data || present.selected != content.selected;
+    content = std::move(present);
+    return isChanged;
+}
 
 const EKCalendar *CalendarChooser::calendarAt(int row) const
 {
@@ -49,31 +70,30 @@ bool CalendarChooser::isDefault(int row) const
                CalendarEvent::identifierOfCalendar(*calendar);
 }
 
+std::optional<EKCalendar> CalendarChooser::presentCalendarAt(int row) const
+{
+    const EKCalendar *shown = calendarAt(row);
+    if (!shown)
+        return std::nullopt;
+    const std::vector<EKCalendar> calendars = CalendarEvent::getAllCalendars();
+    const auto found = std::ranges::find_if(calendars, isSameAs(*shown));
+    return found == calendars.end() ? std::nullopt : std::optional(*found);
+}
+
 bool CalendarChooser::toggle(int row)
 {
-    const EKCalendar *calendar = calendarAt(row);
+    const auto calendar = presentCalendarAt(row);
     if (!calendar)
         return false;
     Log::line(calendar->calendarIdentifier);
-    if (std::erase_if(content.selected, isSameAs(*calendar)) == 0)
-        content.selected.push_back(*calendar);
-    savedChooseCalendars();
+    savedChooseCalendars(*calendar);
+    content.selected = CalendarEvent::sortingAndGroupingByTitleForData(false).selected;
     return true;
-}
-
-void CalendarChooser::savedChooseCalendars() const
-{
-    QStringList references;
-    for (const EKCalendar &calendar : content.selected)
-        references.append(CalendarEvent::identifierOfCalendar(calendar));
-    UserDefaults::standard().setObject(settings::savedChooseCalendars,
-                                       references.join(calendarstore::separator));
-    UserDefaults::standard().synchronize();
 }
 
 bool CalendarChooser::setDefault(int row)
 {
-    const EKCalendar *calendar = calendarAt(row);
+    const auto calendar = presentCalendarAt(row);
     if (!calendar)
         return false;
     UserDefaults::standard().setObject(settings::defaultCalendar,

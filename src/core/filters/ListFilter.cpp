@@ -101,8 +101,12 @@ FilterSelection ListFilter::selection(const QString &key) const
 void ListFilter::toPopUp(const QString &key, const FilterSelection &selected)
 {
     QVariantList uris;
-    for (const ObjectPtr &object : selected.objects)
-        uris.append(DBWorker::getIdFromObject(object));
+    for (const ObjectPtr &object : selected.objects) {
+        // What was marked may have been deleted since.
+        const QString uri = DBWorker::getIdFromObject(object);
+        if (DBWorker::getObjectFromId(uri))
+            uris.append(uri);
+    }
     changeValueForKey(selected.selectedAll ? QVariant(filters::allMarker) : QVariant(uris), key);
 }
 

@@ -31,7 +31,9 @@ LocationPtr LocationChoice::locationAt(int row) const
 LocationPtr LocationChoice::lastWithPosition() const
 {
     for (auto location = all.rbegin(); location != all.rend(); ++location) {
-        if ((*location)->latitude() && (*location)->longitude())
+        // The place of an event that does not say where it is has two zeros.
+        const bool isAtZero = (*location)->latitude() == 0.0 && (*location)->longitude() == 0.0;
+        if ((*location)->latitude() && (*location)->longitude() && !isAtZero)
             return *location;
     }
     return nullptr;

@@ -4,6 +4,8 @@
 #include "records/MVTask.h"
 #include "store/queries/DBWorker.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 std::vector<CategoryPtr> TaskFormChoices::categories()
@@ -38,6 +40,14 @@ std::vector<ProjectPtr> TaskFormChoices::projects(const ProjectPtr &chosen)
 std::vector<CalendarChooserRow> TaskFormChoices::calendars()
 {
     return CalendarEvent::sortingAndGroupingByTitleForData(true).data;
+}
+
+bool TaskFormChoices::isCalendar(const std::optional<EKCalendar> &calendar)
+{
+    return calendar &&
+           std::ranges::any_of(
+               CalendarEvent::getAllModifiedCalendarsFromCalendars(CalendarEvent::getAllAccessCalendars()),
+               [&](const EKCalendar &one) { return one.calendarIdentifier == calendar->calendarIdentifier; });
 }
 
 QString TaskFormChoices::calendarsHeader(bool hasAccess)

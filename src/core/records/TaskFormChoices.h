@@ -3,6 +3,7 @@
 #include "calendarsync/CalendarEvent.h"
 #include "store/entities/Entities.h"
 
+#include <optional>
 #include <vector>
 
 /// What the pop-ups of a task's form offer.
@@ -16,6 +17,8 @@ std::vector<CompanyPtr> companies();
 std::vector<ProjectPtr> projects(const ProjectPtr &chosen);
 /// The calendars that a task can be written to, under the titles of their accounts.
 std::vector<CalendarChooserRow> calendars();
+/// Whether a calendar is among them; absent is not.
+bool isCalendar(const std::optional<EKCalendar> &calendar);
 /// What stands above them: what they are for, or that there is no access to them.
 QString calendarsHeader(bool hasAccess);
 

@@ -3,9 +3,6 @@
 #include "calendarsync/CalendarEvent.h"
 #include "records/Functional.h"
 #include "records/TaskManager.h"
-#include "records/TaskMerge.h"
-
-#include <QScopedValueRollback>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -157,91 +154,6 @@ CustomRepeat TaskFormState::customRepeat() const
 {
     const RepeatPicker picker = repeatPicker();
     return CustomRepeat(picker.rule, picker.occurrenceDate, task.endRepeat, picker.language);
-}
-
-// Editing and saving
-
-bool TaskFormState::canEdit() const
-{
-    return task.status != static_cast<int>(TaskStatus::Done) && allowsModifyEvent();
-}
-
-/// What a task keeps of its calendar besides the name.
-void TaskFormState::takeCalendar()
-{
-    const auto calendar = CalendarEvent::calendarOfIdentifier(task.typeCalendarID);
-    if (!calendar)
-        return;
-    const EKColor color = CalendarEvent::getColorOfCalendar(*calendar);
-    task.calendarTitle = calendar->title;
-    task.colorCalendarR = static_cast<float>(color.red);
-    task.colorCalendarG = static_cast<float>(color.green);
-    task.colorCalendarB = static_cast<float>(color.blue);
-    task.colorCalendarA = static_cast<float>(color.alpha);
-}
-
-bool TaskFormState::save()
-{
-    if (!canSave())
-        return false;
-    takeCalendar();
-    const QScopedValueRollback pause(savePause, true);
-    return TaskManager::saveTaskTemp(task, true);
-}
-
-TaskFormState::EditEnd TaskFormState::finishEdit()
-{
-    followRow();
-    if (!task.isChangedTask())
-        return EditEnd::Unchanged;
-    if (!save())
-        return EditEnd::Refused;
-    takeBase();
-    return isGone() ? EditEnd::Removed : EditEnd::Saved;
-}
-
-void TaskFormState::changeStatusNow(bool done)
-{
-    {
-        const QScopedValueRollback pause(savePause, true);
-        task.changeStatusType(static_cast<unsigned>(done ? TaskStatus::Done : TaskStatus::Open), true);
-    }
-    // What the rules refused has not happened.
-    if (task.task())
-        task.status = task.task()->status();
-    takeBase();
-    note(TaskField::Status);
-}
-
-bool TaskFormState::isGone() const
-{
-    const TaskPtr &row = task.task();
-    // Every stored task knows when it was made; a row that is not there any more knows nothing.
-    return !row || row->isDeleted() || !row->context() || (row->title().isEmpty() && !row->creationDate());
-}
-
-void TaskFormState::rollback()
-{
-    task.rollback();
-    takeBase();
-    note(TaskField::Title);
-}
-
-/// From here on the row is asked for its changes.
-void TaskFormState::takeBase()
-{
-    base = MVTask(task.task());
-}
-
-void TaskFormState::followRow()
-{
-    if (isGone())
-        return;
-    const MVTask present(task.task());
-    const bool isChanged = TaskMerge::follow(task, base, present);
-    base = present;
-    if (isChanged && fieldChanged)
-        fieldChanged(TaskField::Title);
 }
 
 void TaskFormState::findInvitation()

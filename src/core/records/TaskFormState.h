@@ -1,5 +1,6 @@
 #pragma once
 
+#include "eventkit/EKCalendar.h"
 #include "records/DatePickerState.h"
 #include "records/MVTask.h"
 #include "records/NewTaskRequest.h"
@@ -91,11 +92,12 @@ public:
     bool canSave() const { return !task.title.isEmpty(); }
     /// Whether the user has put in anything that would be missed.
     bool isTouched() const { return touched; }
-    /// Stores the task through the rules. False if they stopped it; their message was shown then.
+    /// Stores the task through the rules. False if they stopped it, with a message, or if the store cannot be
+    /// written: of a new task there is no row then, and a stored one is saved by the next try.
     bool save();
 
     enum class EditEnd { Unchanged, Saved, Removed, Refused };
-    /// Ends the edit of a stored task: saves if something changed.
+    /// Ends the edit of a stored task: saves if something changed, or was not stored the last time.
     EditEnd finishEdit();
     /// Ticks a stored task off, or opens it again, at once.
     void changeStatusNow(bool done);
@@ -113,7 +115,9 @@ private:
     void startDateChanged();
     void dueDateChanged();
     void dropRepeatAndAlerts();
+    std::optional<EKCalendar> calendarToSaveIn();
     void takeCalendar();
+    void takeBackNewRow(const MVTask &before);
     void keepInsideProject(DatePickerState &picker) const;
     OptionalDate baseDate() const { return task.isEmailCall() ? task.dueDate : task.startDate; }
     QString dateText(OptionalDate date, bool withTime) const;
@@ -129,4 +133,6 @@ private:
     bool mayBeToDo = true;
     bool touched = false;
     bool savePause = false;
+    /// The row has values that could not be committed.
+    bool isUncommitted = false;
 };

@@ -79,6 +79,34 @@ TEST_F(CalendarChooserTest, AReadOnlyCalendarCanBeChosenButIsNeverTheDefault)
     EXPECT_FALSE(chooser.isDefault(work));
 }
 
+TEST_F(CalendarChooserTest, AClickLeavesTheOtherCalendarsAsTheyAreStoredByThen)
+{
+    choose({u"Work"_qs});
+    CalendarEvent::handleChangedCalendars();
+    CalendarChooser chooser;
+    const int home = rowOf(chooser, u"Home"_qs);
+    const int work = rowOf(chooser, u"Work"_qs);
+    EXPECT_FALSE(chooser.reload());
+    rename(u"Work"_qs, u"Job"_qs);
+    connectStore();
+    CalendarEvent::handleChangedCalendars();
+    EXPECT_TRUE(chooser.toggle(home));
+    EXPECT_EQ(stored(settings::savedChooseCalendars), u"JobΩHome"_qs);
+    EXPECT_TRUE(chooser.isSelected(work));
+    EXPECT_TRUE(chooser.setDefault(work));
+    EXPECT_EQ(stored(settings::defaultCalendar), u"Job"_qs);
+    EXPECT_TRUE(chooser.toggle(work));
+    EXPECT_EQ(stored(settings::savedChooseCalendars), u"Home"_qs);
+
+    QDir(folderOf(u"Work"_qs)).removeRecursively();
+    connectStore();
+    EXPECT_FALSE(chooser.toggle(work)) << "it is not there any more";
+    EXPECT_FALSE(chooser.setDefault(work));
+    EXPECT_EQ(stored(settings::savedChooseCalendars), u"Home"_qs);
+    EXPECT_TRUE(chooser.reload());
+    EXPECT_EQ(chooser.rows().size(), 2);
+}
+
 TEST_F(CalendarChooserTest, AtTheEndTheRowsAreThoseOfTheChosenCalendars)
 {
     write(u"Home"_qs, u"one"_qs, u"SUMMARY:One\nDTSTART:20261122T090000Z\nDTEND:20261122T100000Z\n"_qs);

@@ -21,12 +21,6 @@ protected:
         titles.sort();
         return titles;
     }
-    void rename(const QString &folder, const QString &title) const
-    {
-        QFile file(folderOf(folder) + u"/displayname"_qs);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(title.toUtf8());
-    }
 };
 
 TEST_F(CalendarList, NamesWritableOnesByTitleAndReadOnlyOnesByIdentifier)

@@ -33,6 +33,13 @@ protected:
 
     QString folderOf(const QString &title) const { return root.filePath(u"Local/"_qs + title); }
     void makeCalendar(const QString &title) const { QDir().mkpath(folderOf(title)); }
+    /// Another title for the calendar of a folder; known once the store is connected again.
+    void rename(const QString &folder, const QString &title) const
+    {
+        QFile file(folderOf(folder) + u"/displayname"_qs);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(title.toUtf8());
+    }
     void connectStore() const
     {
         CalendarEvent::resetEventStore();

@@ -95,6 +95,51 @@ TEST_F(TaskFormCalendarTest, TheChosenCalendarGivesATaskItsTitleAndColourOnSavin
     EXPECT_EQ(TaskFormState(form.currentTask().task()).previewText(TaskFormRow::Repeat), u"Every Month"_qs);
 }
 
+TEST_F(TaskFormCalendarTest, ACalendarThatIsNotOfferedAnyMoreGivesWayToThatOfNewTasks)
+{
+    UserDefaults::standard().setObject(settings::defaultCalendar, u"Work"_qs);
+    const auto saved = [](const QString &title, const QString &calendar, const auto &meanwhile) {
+        TaskFormState form(NewTaskRequest{.createWithStartDate = localDate(2026, 11, 23, 9),
+                                          .createWithDueDate = localDate(2026, 11, 23, 10)});
+        form.setTitle(title);
+        form.setCalendar(calendar);
+        meanwhile();
+        EXPECT_TRUE(form.save());
+        EXPECT_EQ(DBWorker::hideNotAccessTasksFromArray({form.currentTask().task()}).size(), 1);
+        return form.currentTask();
+    };
+    const MVTask given = saved(u"given up"_qs, u"Home"_qs, [] { choose({u"Work"_qs}); });
+    EXPECT_EQ(given.typeCalendarID + u' ' + given.calendarTitle, u"Work Work"_qs);
+    EXPECT_EQ(files(u"Work"_qs).size(), 1);
+    choose({u"Home"_qs, u"Work"_qs});
+    const MVTask renamed = saved(u"renamed"_qs, u"Home"_qs, [this] {
+        CalendarEvent::handleChangedCalendars();
+        rename(u"Home"_qs, u"House"_qs);
+        connectStore();
+        CalendarEvent::handleChangedCalendars();
+    });
+    EXPECT_EQ(renamed.typeCalendarID, u"Work"_qs);
+    const MVTask last = saved(u"last"_qs, u"Work"_qs, [] { choose({}); });
+    EXPECT_EQ(last.typeCalendarID + last.calendarTitle, QString());
+    choose({u"House"_qs});
+    const MVTask other = saved(u"other"_qs, u"Work"_qs, [] {});
+    EXPECT_EQ(other.typeCalendarID, QString()) << "nor is that of new tasks chosen";
+}
+
+TEST_F(TaskFormCalendarTest, AnEventStaysInItsCalendarThoughThatIsNotOffered)
+{
+    UserDefaults::standard().setObject(settings::defaultCalendar, u"Work"_qs);
+    write(u"Home"_qs, u"one"_qs, u"SUMMARY:One\nDTSTART:20261123T090000Z\nDTEND:20261123T100000Z\n"_qs);
+    const TaskPtr row = rowOf(u"One"_qs);
+    ASSERT_NE(row, nullptr);
+    TaskFormState form(row);
+    form.setPriority(1);
+    choose({u"Work"_qs});
+    EXPECT_EQ(form.finishEdit(), TaskFormState::EditEnd::Saved);
+    EXPECT_EQ(row->typeCalendarID(), u"Home"_qs);
+    EXPECT_TRUE(files(u"Work"_qs).isEmpty()) << "it would be there twice";
+}
+
 TEST_F(TaskFormCalendarTest, WithoutAccessThereIsNoRepetitionAndTheHeaderSaysSo)
 {
     PlatformConfiguration::setAuthorization(u"events"_qs, 2);

@@ -177,6 +177,15 @@ TEST_F(ListFilters, PickSeveral)
     inbox.toPopUp(u"Delegate"_qs, {false, {}});
     EXPECT_EQ(inbox.selection(u"Delegate"_qs).title(), u"None"_qs);
     EXPECT_EQ(found(), QStringList(u"own"_qs)) << "Nobody marked asks for tasks of nobody";
+    const ContactPtr bob = person(u"Bob"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    context().deleteObject(bob);
+    inbox.toPopUp(u"Delegate"_qs, {false, {ann, bob}});
+    EXPECT_EQ(inbox.value(u"Delegate"_qs), QVariantList({ann->uri()}));
+    EXPECT_FALSE(DBWorker::saveContext());
+    inbox.toPopUp(u"Delegate"_qs, {false, {bob}});
+    EXPECT_EQ(inbox.selection(u"Delegate"_qs).title(), u"None"_qs);
+    EXPECT_EQ(found(), QStringList(u"own"_qs)) << "as if the one that has gone had not been marked";
     inbox.toPopUp(u"Delegate"_qs, {true, {ann}});
     EXPECT_EQ(inbox.value(u"Delegate"_qs), all);
     EXPECT_EQ(found().size(), 2);

@@ -109,6 +109,22 @@ TEST_F(CalendarsTest, ChosenCalendarsBringTheirEventsWhenTheWindowCloses)
     EXPECT_NE(ShellTest::stored(u"Meeting"_s), nullptr);
 }
 
+TEST_F(CalendarsTest, TheOpenWindowShowsWhatChangesElsewhere)
+{
+    UserDefaults::standard().setObject(settings::savedChooseCalendars, u"Work"_s);
+    QWidget &chooser = open(ActionId::Calendars, "CalendarsAppleWindow");
+    auto &table = find<QListView>(chooser, "tableCalendars");
+    table.setCurrentIndex(table.model()->index(2, 0));
+    QDir().mkpath(root.filePath(u"Local/Aunts"_s));
+    EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(root.path()));
+    NotificationCenter::defaultCenter().post(notifications::eventStoreChanged);
+    ASSERT_EQ(table.model()->rowCount(), 4);
+    EXPECT_EQ(table.model()->index(1, 0).data().toString(), u"Aunts"_s);
+    QTest::keyClick(&table, Qt::Key_Space);
+    EXPECT_EQ(stored(settings::savedChooseCalendars), QString()) << "the same calendar is the present one";
+    QTest::mouseClick(&find<QPushButton>(chooser, "buttonSave"), Qt::LeftButton);
+}
+
 TEST_F(CalendarsTest, TheLastCalendarIsGivenUpAndWithItAllWorkOnThem)
 {
     UserDefaults::standard().setObject(settings::savedChooseCalendars, u"Work"_s);

@@ -38,6 +38,8 @@ QVariant CalendarListModel::data(const QModelIndex &index, int role) const
         return chooser.isDefault(row);
     case IsSelectedRole:
         return chooser.isSelected(row);
+    case IdentifierRole:
+        return calendar ? calendar->calendarIdentifier : QVariant();
     case ColorRole: {
         if (!calendar)
             return {};
@@ -59,6 +61,16 @@ Qt::ItemFlags CalendarListModel::flags(const QModelIndex &index) const
 void CalendarListModel::changed()
 {
     Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+}
+
+void CalendarListModel::reload()
+{
+    CalendarChooser present = chooser;
+    if (!present.reload())
+        return;
+    beginResetModel();
+    chooser = std::move(present);
+    endResetModel();
 }
 
 void CalendarListModel::toggle(const QModelIndex &index)

@@ -9,7 +9,7 @@ class CalendarListModel : public QAbstractListModel
 {
     Q_OBJECT
 public:
-    enum Role { ColorRole = Qt::UserRole, IsHeadingRole, IsDefaultRole, IsSelectedRole };
+    enum Role { ColorRole = Qt::UserRole, IsHeadingRole, IsDefaultRole, IsSelectedRole, IdentifierRole };
 
     using QAbstractListModel::QAbstractListModel;
 
@@ -17,6 +17,8 @@ public:
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
+    /// Shows the calendars and the choice as they are now; a reset, if they are others.
+    void reload();
     void toggle(const QModelIndex &index);
     void setDefault(const QModelIndex &index);
 

@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "shell/calendars/CalendarCell.h"
 #include "shell/calendars/CalendarListModel.h"
+#include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/FormCard.h"
 #include "widgets/TextLabel.h"
@@ -79,6 +80,28 @@ void CalendarsAppleWindowController::setUpTable()
     connect(table, &QListView::clicked, model, &CalendarListModel::toggle);
     connect(table, &QListView::customContextMenuRequested, this, &CalendarsAppleWindowController::showMenu);
     setFocusProxy(table);
+    calendarsChanged = NotificationCenter::defaultCenter().addObserver(
+        notifications::eventStoreChanged, [this](const Notification &) { reload(); });
+}
+
+/// Calendars can be renamed, removed and added elsewhere while the window is open.
+void CalendarsAppleWindowController::reload()
+{
+    const QVariant current = table->currentIndex().data(CalendarListModel::IdentifierRole);
+    model->reload();
+    if (table->currentIndex().isValid())
+        return;
+    const QModelIndexList same =
+        model->match(model->index(0), CalendarListModel::IdentifierRole, current, 1, Qt::MatchExactly);
+    table->setCurrentIndex(same.isEmpty() ? model->index(1) : same.first());
+}
+
+/// By then the choice follows what was renamed while another program was in front.
+void CalendarsAppleWindowController::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && table->model())
+        reload();
+    QWidget::changeEvent(event);
 }
 
 /// The space key toggles as a click does.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/NotificationCenter.h"
+
 #include <QWidget>
 
 class CalendarListModel;
@@ -18,6 +20,7 @@ public:
     void showWindow();
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -25,11 +28,13 @@ protected:
 private:
     void windowDidLoad();
     void setUpTable();
+    void reload();
     void showMenu(const QPoint &position);
     void clickSubMenuItemSetDefault(const QModelIndex &index);
     void clickButtonSave();
 
     CalendarListModel *model;
     QListView *table;
+    Observation calendarsChanged;
     bool isDone = false;
 };

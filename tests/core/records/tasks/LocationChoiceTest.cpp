@@ -55,6 +55,10 @@ TEST_F(LocationChoiceTest, ANewPlaceNeedsATitleAndKeepsItsCoordinates)
     const LocationPtr unknown = choice.made().value();
     EXPECT_FALSE(unknown->latitude() || unknown->longitude());
     EXPECT_EQ(LocationChoice(unknown).lastWithPosition(), quay) << "no place lies in the Gulf of Guinea";
+    const LocationPtr ofEvent = DBWorker::saveLocation(u"Room 4"_s, 0, 0);
+    EXPECT_EQ(LocationChoice(ofEvent).lastWithPosition(), quay) << "nor one of an event without a position";
+    const LocationPtr equator = DBWorker::saveLocation(u"Zenith"_s, 0, 32.5);
+    EXPECT_EQ(LocationChoice(equator).lastWithPosition(), equator);
 }
 
 TEST_F(LocationChoiceTest, ADeletedPlaceIsGoneFromTableAndStoreAndAnotherStaysChosen)

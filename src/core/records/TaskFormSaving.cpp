@@ -1,0 +1,140 @@
+#include "calendarsync/CalendarEvent.h"
+#include "records/TaskFormChoices.h"
+#include "records/TaskFormState.h"
+#include "records/TaskManager.h"
+#include "records/TaskMerge.h"
+#include "store/entities/MainContext.h"
+#include "store/state/NotificationNames.h"
+
+#include <QScopedValueRollback>
+
+// Editing and saving a task in a form.
+
+bool TaskFormState::canEdit() const
+{
+    return task.status != static_cast<int>(TaskStatus::Done) && allowsModifyEvent();
+}
+
+/// Whether the task's event is in the calendar of its name, where it stays, chosen or not.
+static bool hasEventThere(const MVTask &task)
+{
+    return task.task() && !task.calendarID.isEmpty() && task.typeCalendarID == task.task()->typeCalendarID();
+}
+
+/// The calendar may have been given up, renamed or removed since it was chosen for the task. Nobody would see
+/// the task there, so that it goes where new tasks go.
+std::optional<EKCalendar> TaskFormState::calendarToSaveIn()
+{
+    const auto named = CalendarEvent::calendarOfIdentifier(task.typeCalendarID);
+    if (TaskFormChoices::isCalendar(named) || hasEventThere(task))
+        return named;
+    const auto usual = CalendarEvent::getDefaultAccessCalendar();
+    const auto calendar = TaskFormChoices::isCalendar(usual) ? usual : std::nullopt;
+    setCalendar(calendar ? CalendarEvent::identifierOfCalendar(*calendar) : QString());
+    if (!calendar)
+        task.calendarTitle.clear();
+    return calendar;
+}
+
+/// What a task keeps of its calendar besides the name.
+void TaskFormState::takeCalendar()
+{
+    if (task.typeCalendarID.isEmpty())
+        return;
+    const auto calendar = calendarToSaveIn();
+    if (!calendar)
+        return;
+    const EKColor color = CalendarEvent::getColorOfCalendar(*calendar);
+    task.calendarTitle = calendar->title;
+    task.colorCalendarR = static_cast<float>(color.red);
+    task.colorCalendarG = static_cast<float>(color.green);
+    task.colorCalendarB = static_cast<float>(color.blue);
+    task.colorCalendarA = static_cast<float>(color.alpha);
+}
+
+bool TaskFormState::save()
+{
+    if (!canSave())
+        return false;
+    takeCalendar();
+    const QScopedValueRollback pause(savePause, true);
+    const MVTask before = task;
+    if (TaskManager::saveTaskTemp(task, true)) {
+        isUncommitted = false;
+        return true;
+    }
+    if (!before.task() && task.task())
+        takeBackNewRow(before);
+    else
+        isUncommitted = mainContext().hasChanges();
+    return false;
+}
+
+/// A new task that could not be stored is none until the next try, which may never come.
+void TaskFormState::takeBackNewRow(const MVTask &before)
+{
+    const TaskPtr row = task.task();
+    if (!isGone()) {
+        row->removeNotifications();
+        CalendarEvent::removeEventCalendarFromTask(row, Span::FutureTasks, true);
+    }
+    task = before;
+    NotificationCenter::defaultCenter().post(notifications::reloadTasks, row);
+}
+
+TaskFormState::EditEnd TaskFormState::finishEdit()
+{
+    followRow();
+    // Its row has the values of a save that could not be committed, and still waits for it.
+    const bool isWaiting = isUncommitted && mainContext().hasChanges();
+    if (!isWaiting && !task.isChangedTask())
+        return EditEnd::Unchanged;
+    if (!save())
+        return EditEnd::Refused;
+    takeBase();
+    return isGone() ? EditEnd::Removed : EditEnd::Saved;
+}
+
+void TaskFormState::changeStatusNow(bool done)
+{
+    {
+        const QScopedValueRollback pause(savePause, true);
+        task.changeStatusType(static_cast<unsigned>(done ? TaskStatus::Done : TaskStatus::Open), true);
+    }
+    // What the rules refused has not happened.
+    if (task.task())
+        task.status = task.task()->status();
+    takeBase();
+    note(TaskField::Status);
+}
+
+bool TaskFormState::isGone() const
+{
+    const TaskPtr &row = task.task();
+    // Every stored task knows when it was made; a row that is not there any more knows nothing.
+    return !row || row->isDeleted() || !row->context() || (row->title().isEmpty() && !row->creationDate());
+}
+
+void TaskFormState::rollback()
+{
+    task.rollback();
+    takeBase();
+    note(TaskField::Title);
+}
+
+/// From here on the row is asked for its changes.
+void TaskFormState::takeBase()
+{
+    base = MVTask(task.task());
+}
+
+void TaskFormState::followRow()
+{
+    if (isGone())
+        return;
+    const MVTask present(task.task());
+    const bool isChanged = TaskMerge::follow(task, base, present);
+    base = present;
+    if (isChanged && fieldChanged)
+        fieldChanged(TaskField::Title);
+}
