@@ -274,6 +274,31 @@ TEST_F(TaskDetailTest, ATaskThatMayNotBeChangedAnyMoreIsOnlyLookedAt)
     EXPECT_NE(stored(u"first"_s), nullptr);
 }
 
+TEST_F(TaskDetailTest, WhoOnlyLooksInLeavesTheTextAsItIs)
+{
+    const QString details = u"5\u00A0km\r\nthen\u2028home\u2029at last"_s;
+    add(u"a\u00A0walk"_s, [&](MVTask &task) { task.details = details; });
+    showList(SidebarItem::Inbox);
+    openDetail(0);
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    EXPECT_FALSE(pane().taskForm()->currentTask().isChangedTask());
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    ASSERT_NE(stored(u"a\u00A0walk"_s), nullptr);
+    EXPECT_EQ(stored(u"a\u00A0walk"_s)->details(), details);
+
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    QTest::keyClick(&title(), Qt::Key_End);
+    QTest::keyClicks(&title(), u"s"_s);
+    EXPECT_EQ(pane().taskForm()->currentTask().title, u"a\u00A0walks"_s) << "a blank that nobody typed over";
+    QTest::keyClick(&title(), Qt::Key_Backspace);
+    EXPECT_FALSE(pane().taskForm()->currentTask().isChangedTask());
+    auto &field = find<GrowingTextField>(pane(), "textFieldDetails");
+    QTest::keyClick(&field, Qt::Key_End, Qt::ControlModifier);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTest::keyClicks(&field, u"tea"_s);
+    EXPECT_EQ(pane().taskForm()->currentTask().details, u"5\u00A0km\nthen\nhome\nat last\ntea"_s);
+}
+
 TEST_F(TaskDetailTest, ClosingAndQuittingAskAboutAnEditInAnyPane)
 {
     addInbox({u"first"_s, u"second"_s});
