@@ -203,6 +203,7 @@ void MainWindowController::changeDataBase()
 {
     // Panes and windows for new records are about the other store.
     details->removeAllDetail();
+    searchWanted = nullptr;
     const SidebarItem former = selectItem.value_or(SidebarItem::Home);
     const QString group = selectedGroup;
     loadContactsGroup();

@@ -74,6 +74,7 @@ private:
     void observe();
     void observeSearch();
     void searchSelectSoon(const ObjectPtr &record);
+    void searchSelectWanted();
     void observeCalendar();
     void observeGroups();
     void stopObserving();

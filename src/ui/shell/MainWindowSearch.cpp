@@ -28,8 +28,15 @@ void MainWindowController::searchSelectSoon(const ObjectPtr &record)
     if (!Waiting::isForUser())
         return searchSelectItem(record);
     if (!std::exchange(searchWanted, record))
-        Waiting::afterwards(Waiting::isForUser, this,
-                            [this] { searchSelectItem(std::exchange(searchWanted, nullptr)); });
+        Waiting::afterwards(Waiting::isForUser, this, [this] { searchSelectWanted(); });
+}
+
+/// The answer may have deleted the record, or another store be in use.
+void MainWindowController::searchSelectWanted()
+{
+    const ObjectPtr record = std::exchange(searchWanted, nullptr);
+    if (record && !record->isDeleted() && record->context())
+        searchSelectItem(record);
 }
 
 void MainWindowController::searchSelectItem(const ObjectPtr &record)

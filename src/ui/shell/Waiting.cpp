@@ -6,9 +6,6 @@
 #include <QTimer>
 #include <QWidget>
 
-/// Between two looks at whether a wait is over.
-constexpr auto lookInterval = std::chrono::milliseconds(30);
-
 bool Waiting::isForAnswer()
 {
     return Alert::isAsking() || QApplication::activeModalWidget();

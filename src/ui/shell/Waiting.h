@@ -2,6 +2,7 @@
 
 #include <QObject>
 
+#include <chrono>
 #include <functional>
 
 class QWidget;
@@ -9,6 +10,9 @@ class QWidget;
 /// Some calls wait for the user in the middle: they handle events until a question is answered or a menu
 /// closes, and then go on with the screen or the pane that they came from. It has to be there still.
 namespace Waiting {
+
+/// Between two looks at whether a wait is over.
+constexpr auto lookInterval = std::chrono::milliseconds(30);
 
 /// Whether a question stands or work shows how far it is.
 bool isForAnswer();

@@ -163,10 +163,11 @@ void ToolBarButton::addMenuItem(QMenu &menu, ActionType type)
 
 void ToolBarButton::showMenu()
 {
-    QMenu menu(this);
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
     for (const ActionType type : menuTypes())
-        addMenuItem(menu, type);
-    menu.exec(mapToGlobal(QPoint(0, height() + Theme::unit / 2)));
+        addMenuItem(*menu, type);
+    menu->popup(mapToGlobal(QPoint(0, height() + Theme::unit / 2)));
 }
 
 void ToolBarButton::mousePressEvent(QMouseEvent *event)

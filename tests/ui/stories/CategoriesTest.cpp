@@ -219,14 +219,12 @@ TEST_F(CategoriesScreen, TheMenuMakesADefault)
 {
     const auto choose = [this](const QString &title) {
         select(title);
-        QTimer::singleShot(0, &table(), [] {
-            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            ASSERT_NE(menu, nullptr);
-            ASSERT_EQ(menu->actions().front()->text(), u"Set Default"_s);
-            QTest::keyClick(menu, Qt::Key_Down);
-            QTest::keyClick(menu, Qt::Key_Return);
-        });
         Q_EMIT table().menuRequested(table().viewport()->mapToGlobal(middle(title)));
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        ASSERT_EQ(menu->actions().front()->text(), u"Set Default"_s);
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
     };
     choose(u"Work"_s);
     EXPECT_EQ(EntityCategory::getCustom(), EntityCategory::title(u"Work"_s));

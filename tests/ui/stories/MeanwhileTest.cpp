@@ -142,21 +142,55 @@ TEST_F(MeanwhileTest, ANotificationLeadsAwayFromAListOnlyAfterTheAnswer)
     EXPECT_FALSE(former);
 }
 
+TEST_F(MeanwhileTest, ANotificationOfATaskThatTheAnswerDeletesLeadsNowhere)
+{
+    const TaskPtr idea = add(u"idea"_s, [](MVTask &task) { task.dueSomeDay = true; });
+    addInbox({u"first"_s});
+    clickRow(0);
+    {
+        const MeanwhileAlerts alerts(Alert::firstButton, [&] {
+            pressNotification(idea);
+            remove(u"idea"_s);
+        });
+        key(Qt::Key_Delete);
+    }
+    MeanwhileAlerts::spin();
+    EXPECT_EQ(shownItem(), SidebarItem::Inbox);
+}
+
+TEST_F(MeanwhileTest, AListThatIsLeftWhileItAsksLivesUntilTheAnswer)
+{
+    addInbox({u"first"_s, u"second"_s});
+    const QPointer<TabsViewController> former = controller().currentScreen();
+    clickRow(0);
+    bool wasThere = false;
+    {
+        const MeanwhileAlerts alerts(Alert::firstButton, [&] {
+            controller().showList(SidebarItem::Someday);
+            MeanwhileAlerts::spin();
+            wasThere = former && !former->isVisible();
+        });
+        key(Qt::Key_Delete);
+    }
+    EXPECT_TRUE(wasThere);
+    EXPECT_EQ(inboxTitles(), QStringList{u"second"_s}) << "what the user answered is done";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !former; }));
+    EXPECT_EQ(shownItem(), SidebarItem::Someday);
+}
+
 TEST_F(MeanwhileTest, ANotificationLeadsAwayFromTheCategoriesOnlyAfterTheirMenu)
 {
     const TaskPtr idea = add(u"idea"_s, [](MVTask &task) { task.dueSomeDay = true; });
     showList(SidebarItem::Categories);
     const QPointer<TabsViewController> former = controller().currentScreen();
-    bool wasThere = false;
-    QTimer::singleShot(100, [&] {
-        pressNotification(idea);
-        MeanwhileAlerts::spin();
-        wasThere = former;
-        if (QWidget *menu = QApplication::activePopupWidget())
-            menu->close();
-    });
     Q_EMIT find<TableViewExtended>(*former, "tableViewCategory").menuRequested(QPoint(100, 100));
-    EXPECT_TRUE(wasThere);
+    const QPointer<QWidget> menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(menu);
+    pressNotification(idea);
+    MeanwhileAlerts::spin();
+    ASSERT_TRUE(former && menu && menu->isVisible());
+    EXPECT_EQ(shownItem(), SidebarItem::Categories);
+    menu->close();
     EXPECT_TRUE(QTest::qWaitFor([&] { return shownItem() == SidebarItem::Someday; }));
     EXPECT_EQ(selectedTitles(), QStringList{u"idea"_s});
 }

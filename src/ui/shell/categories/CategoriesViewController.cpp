@@ -226,16 +226,17 @@ void CategoriesViewController::showCategoryMenu(const QPoint &globalPosition)
         return;
     // While the menu stands the rows may change.
     const CategoryPtr category = categories->categoryAt(table->currentRow());
-    QMenu menu(this);
-    menu.addAction(localized(u"Set Default"_s), this, [this, category] {
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(localized(u"Set Default"_s), this, [this, category] {
         Categories::setDefault(category);
         reloadDataCategory();
         selectCategoryRow(categories->rowOf(category));
     });
-    menu.addAction(localized(u"Edit Title"_s), this,
-                   [this, category] { editTitle(categories->rowOf(category)); })
+    menu->addAction(localized(u"Edit Title"_s), this,
+                    [this, category] { editTitle(categories->rowOf(category)); })
         ->setEnabled(category && !Categories::isBuiltIn(*category));
-    menu.exec(globalPosition);
+    menu->popup(globalPosition);
 }
 
 void CategoriesViewController::removeCategory()

@@ -242,7 +242,7 @@ bool DetailStack::mayLeave()
 {
     const std::vector<QPointer<DetailViewController>> asked(panes.rbegin(), panes.rend());
     return std::ranges::all_of(asked, [this](const auto &pane) {
-        if (!pane || !pane->hasChanges())
+        if (!pane || isLeaving(*pane) || !pane->hasChanges())
             return true;
         showAgain(pane);
         return pane->mayLeave();

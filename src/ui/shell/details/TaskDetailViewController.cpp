@@ -148,7 +148,7 @@ void TaskDetailViewController::taskChanged()
 {
     // The call that asks goes on with the form as it was.
     if (Waiting::isForAnswer())
-        return Waiting::afterwards(Waiting::isForAnswer, this, [this] { taskChanged(); });
+        return refreshTimer.start(Waiting::lookInterval);
     if (form.isGone()) {
         Q_EMIT recordRemoved();
     } else if (isEditing()) {
