@@ -34,4 +34,8 @@ struct NewTaskRequest
 
     /// What was marked among whole days begins as a ToDo; among hours it can be anything else.
     static NewTaskRequest ofCalendar(const MarkedSpan &span, TimePeriod period);
+    /// What makes it belong to a list: from Today it is for today, from Scheduled for tomorrow.
+    static NewTaskRequest ofList(ListType list, Date now);
+    /// A ToDo for today, from wherever no list says otherwise.
+    static MarkedSpan today(Date now);
 };

@@ -26,9 +26,7 @@ template <typename Delete>
 bool deleteEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Delete deleteOne)
 {
     for (const TaskPtr &task : tasks) {
-        // Another one of its series may have taken it along.
-        if (!task->isDeleted() && task->context())
-            deleteOne(task);
+        deleteOne(task);
         if (step && !step())
             return false;
     }
@@ -86,7 +84,9 @@ bool deleteRepeating(const std::vector<TaskPtr> &tasks, Span span, const StepBlo
                                                 : QStringLiteral("delete All Future Tasks");
     Log::line(QStringLiteral("Start ") + what);
     const bool isAll = deleteEach(tasks, step, [span](const TaskPtr &task) {
-        CalendarEvent::removeEventCalendarFromTask(task, span, true);
+        // Another one of its series may have taken it along.
+        if (!task->isDeleted() && task->context())
+            CalendarEvent::removeEventCalendarFromTask(task, span, true);
         NotificationCenter::defaultCenter().post(notifications::reloadTasks, task);
     });
     Log::line(QStringLiteral("End ") + what);

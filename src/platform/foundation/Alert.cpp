@@ -12,6 +12,9 @@ static std::shared_ptr<AlertPresenter> &currentPresenter()
     return presenter;
 }
 
+/// One question can set off another.
+static int standing = 0;
+
 static int answerOfNobody(const AlertQuestion &question)
 {
     const QStringList words = {question.title, question.message, question.informativeText};
@@ -29,7 +32,15 @@ int Alert::run(const AlertQuestion &question)
 {
     // The presenter may be another one when the answer comes.
     const auto presenter = currentPresenter();
-    return ask(presenter, question);
+    ++standing;
+    const int answer = ask(presenter, question);
+    --standing;
+    return answer;
+}
+
+bool Alert::isAsking()
+{
+    return standing > 0;
 }
 
 void Alert::setPresenter(std::shared_ptr<AlertPresenter> presenter)

@@ -37,6 +37,8 @@ public:
     /// Asks and gives the number of the button. Where nobody can be asked, the question goes to the log and
     /// the answer is the last button, which is the one that does least.
     static int run(const AlertQuestion &question);
+    /// Whether a question stands. Whoever asked it waits for the answer and must not be deleted meanwhile.
+    static bool isAsking();
 
     /// Who shows alerts from now on; null for nobody.
     static void setPresenter(std::shared_ptr<AlertPresenter> presenter);

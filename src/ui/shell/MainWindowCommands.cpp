@@ -1,6 +1,5 @@
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
-#include "records/dates/MVDate.h"
 #include "shell/Actions.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -82,9 +81,8 @@ void MainWindowController::menuClickNewTask()
 {
     if (screen && screen->listType())
         return buttonAdd(ToolBarButton::NewTask);
-    const Date now = Clock::now();
-    const MarkedSpan today = {MVDate::getStartOfDay(now), MVDate::getEndOfDay(now)};
-    NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask, today);
+    NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask,
+                                             NewTaskRequest::today(Clock::now()));
 }
 
 void MainWindowController::bindLists()

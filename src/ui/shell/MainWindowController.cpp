@@ -8,6 +8,7 @@
 #include "shell/RightToolBar.h"
 #include "shell/ScreenFactory.h"
 #include "shell/ShellAlerts.h"
+#include "shell/Waiting.h"
 #include "shell/details/DetailStack.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
@@ -250,7 +251,9 @@ void MainWindowController::show(TabsViewController *newScreen)
     mainWindow->rightContentView()->layout()->addWidget(newScreen);
     if (former) {
         former->clearController();
-        delete former;
+        former->disconnect(this);
+        mainWindow->rightContentView()->layout()->removeWidget(former);
+        Waiting::remove(former);
     }
     newScreen->show();
     actions->updateEnabled();

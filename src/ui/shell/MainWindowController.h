@@ -46,7 +46,7 @@ public:
     void newTask(const MarkedSpan &dates, TimePeriod timePeriod);
     void showCalendars();
     void showSettings();
-    /// Asks about every window with something typed. False if one of them is to stay.
+    /// Asks about every window and every pane with something typed. False if one of them is to stay.
     bool closeNewWindows();
 
     void loadContactsGroup();
@@ -73,6 +73,7 @@ private:
     void bindLists();
     void observe();
     void observeSearch();
+    void searchSelectSoon(const ObjectPtr &record);
     void observeCalendar();
     void observeGroups();
     void stopObserving();
@@ -106,6 +107,8 @@ private:
     QString selectedGroup;
     /// The URI of the record that a search led here for; empty once another row was selected.
     QString searchedRecord;
+    /// The record to go to when nothing waits for the user any more, or null.
+    ObjectPtr searchWanted;
     /// The group just made, until its row has taken the focus.
     std::shared_ptr<EntityContactGroup> newGroupEntity;
     QPointer<WindowNewTask> windowNewTask;

@@ -2,6 +2,7 @@
 #include "shell/MainWindowController.h"
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
+#include "shell/details/DetailStack.h"
 #include "shell/tasks/WindowNewTask.h"
 
 // The windows beside the main one.
@@ -44,5 +45,5 @@ void MainWindowController::showSettings()
 
 bool MainWindowController::closeNewWindows()
 {
-    return !windowNewTask || windowNewTask->close();
+    return (!windowNewTask || windowNewTask->close()) && details->mayLeave();
 }

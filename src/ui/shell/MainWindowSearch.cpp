@@ -2,6 +2,7 @@
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "shell/RightToolBar.h"
+#include "shell/Waiting.h"
 #include "shell/search/SearchPopover.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -17,8 +18,18 @@ void MainWindowController::observeSearch()
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
         notifications::clickTableSearch, [this](const Notification &notification) {
             if (const auto *record = std::any_cast<ObjectPtr>(&notification.object))
-                searchSelectItem(*record);
+                searchSelectSoon(*record);
         }));
+}
+
+/// A notification can be pressed at any time, even while the screen asks something; then the last one counts.
+void MainWindowController::searchSelectSoon(const ObjectPtr &record)
+{
+    if (!Waiting::isForUser())
+        return searchSelectItem(record);
+    if (!std::exchange(searchWanted, record))
+        Waiting::afterwards(Waiting::isForUser, this,
+                            [this] { searchSelectItem(std::exchange(searchWanted, nullptr)); });
 }
 
 void MainWindowController::searchSelectItem(const ObjectPtr &record)

@@ -4,6 +4,7 @@
 
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QtMath>
 
 constexpr int mostHeight = 180;
@@ -23,6 +24,35 @@ GrowingTextField::GrowingTextField(Kind kind, QWidget *parent)
     document()->setDocumentMargin(kind == Kind::Title ? 2 : Theme::unit);
     setFont(Theme::font(kind == Kind::Title ? Theme::FontRole::Large : Theme::FontRole::Body));
     connect(this, &QTextEdit::textChanged, this, &QWidget::updateGeometry);
+}
+
+/// Blanks that do not break a line remain, other than in `toPlainText`.
+QString GrowingTextField::typedText() const
+{
+    QString text = document()->toRawText();
+    for (QChar &character : text) {
+        if (character == QChar::ParagraphSeparator || character == QChar::LineSeparator)
+            character = u'\n';
+    }
+    return text;
+}
+
+QString GrowingTextField::text() const
+{
+    if (isFilling)
+        return given;
+    const QString typed = typedText();
+    return typed == givenAsTyped ? given : typed;
+}
+
+void GrowingTextField::showText(const QString &text)
+{
+    if (this->text() == text)
+        return;
+    given = text;
+    const QScopedValueRollback filling(isFilling, true);
+    setPlainText(text);
+    givenAsTyped = typedText();
 }
 
 void GrowingTextField::setFramed(bool framed)

@@ -12,7 +12,11 @@ public:
 
     explicit GrowingTextField(Kind kind, QWidget *parent = nullptr);
 
-    QString text() const { return toPlainText(); }
+    /// What `showText` gave, to the character, as long as nothing else is typed; line ends are "\n"
+    /// otherwise.
+    QString text() const;
+    /// Shows a text. One that is shown already stays with its cursor.
+    void showText(const QString &text);
     /// Whether it looks like the other fields. Text that is only read has no frame.
     void setFramed(bool framed);
     QSize sizeHint() const override;
@@ -29,7 +33,12 @@ protected:
     void insertFromMimeData(const QMimeData *source) override;
 
 private:
+    QString typedText() const;
     int textHeight() const;
 
     Kind fieldKind;
+    QString given;
+    /// What the field makes of the given text.
+    QString givenAsTyped;
+    bool isFilling = false;
 };

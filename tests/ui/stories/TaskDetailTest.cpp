@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
@@ -257,6 +258,83 @@ TEST_F(TaskDetailTest, WhatIsChangedElsewhereDuringAnEditShowsUpBesideWhatIsType
     QTest::mouseClick(&find<QPushButton>(pane(), "buttonEdit"), Qt::LeftButton);
     ASSERT_NE(stored(u"first of all!"_s), nullptr);
     EXPECT_EQ(stored(u"first of all!"_s)->details(), u"from the phone"_s);
+}
+
+TEST_F(TaskDetailTest, ATaskThatMayNotBeChangedAnyMoreIsOnlyLookedAt)
+{
+    addInbox({u"first"_s});
+    openDetail(0);
+    edit(u"typed"_s);
+    stored(u"first"_s)->setAllowsContentModifications(false);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !pane().isEditing(); }));
+    EXPECT_TRUE(title().isReadOnly());
+    EXPECT_EQ(title().text(), u"first"_s);
+    EXPECT_FALSE(buttonEdit().isVisible());
+    EXPECT_NE(stored(u"first"_s), nullptr);
+}
+
+TEST_F(TaskDetailTest, WhoOnlyLooksInLeavesTheTextAsItIs)
+{
+    const QString details = u"5\u00A0km\r\nthen\u2028home\u2029at last"_s;
+    add(u"a\u00A0walk"_s, [&](MVTask &task) { task.details = details; });
+    showList(SidebarItem::Inbox);
+    openDetail(0);
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    EXPECT_FALSE(pane().taskForm()->currentTask().isChangedTask());
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    ASSERT_NE(stored(u"a\u00A0walk"_s), nullptr);
+    EXPECT_EQ(stored(u"a\u00A0walk"_s)->details(), details);
+
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    QTest::keyClick(&title(), Qt::Key_End);
+    QTest::keyClicks(&title(), u"s"_s);
+    EXPECT_EQ(pane().taskForm()->currentTask().title, u"a\u00A0walks"_s) << "a blank that nobody typed over";
+    QTest::keyClick(&title(), Qt::Key_Backspace);
+    EXPECT_FALSE(pane().taskForm()->currentTask().isChangedTask());
+    auto &field = find<GrowingTextField>(pane(), "textFieldDetails");
+    QTest::keyClick(&field, Qt::Key_End, Qt::ControlModifier);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTest::keyClicks(&field, u"tea"_s);
+    EXPECT_EQ(pane().taskForm()->currentTask().details, u"5\u00A0km\nthen\nhome\nat last\ntea"_s);
+}
+
+TEST_F(TaskDetailTest, ClosingAndQuittingAskAboutAnEditInAnyPane)
+{
+    addInbox({u"first"_s, u"second"_s});
+    QSignalSpy quitting(&controller(), &MainWindowController::quitRequested);
+    openDetail(0);
+    edit(u"typed"_s);
+    openDetail(1);
+    {
+        const ScriptedAlerts alerts({Alert::secondButton, Alert::secondButton});
+        run(ActionId::Quit);
+        EXPECT_EQ(quitting.size(), 1);
+        ASSERT_EQ(alerts.asked().size(), 1U);
+        EXPECT_EQ(alerts.asked().front().message, u"Do you want to save the changes you have made?"_s);
+        EXPECT_EQ(title().text(), u"typed"_s) << "the pane in question has come to the top";
+        EXPECT_FALSE(controller().closeNewWindows()) << "which is what quitting goes by";
+        EXPECT_TRUE(pane().isEditing());
+    }
+    {
+        const ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
+        run(ActionId::CloseWindow);
+        EXPECT_TRUE(window().isVisible());
+        run(ActionId::CloseWindow);
+        EXPECT_FALSE(window().isVisible());
+    }
+    EXPECT_NE(stored(u"typed"_s), nullptr);
+    delegate->startMainWindow();
+    edit(u"lost"_s);
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    EXPECT_TRUE(controller().closeNewWindows());
+    EXPECT_EQ(stored(u"lost"_s), nullptr);
+    EXPECT_FALSE(pane().isEditing());
+    edit({});
+    QTest::keyClick(&title(), Qt::Key_Backspace);
+    const ScriptedAlerts untitled({Alert::firstButton});
+    EXPECT_FALSE(controller().closeNewWindows()) << "nothing can be saved without a title";
+    EXPECT_TRUE(pane().isEditing());
 }
 
 TEST_F(TaskDetailTest, TheMailButtonOpensADraft)

@@ -1,6 +1,7 @@
 #include "shell/details/DetailStack.h"
 
 #include "shell/TabsViewController.h"
+#include "shell/Waiting.h"
 #include "widgets/Animations.h"
 
 #include <QEvent>
@@ -199,25 +200,32 @@ void DetailStack::goBack(DetailViewController *detail)
     animation->setDuration(duration);
     animation->setEndValue(outsidePlace());
     animation->setEasingCurve(QEasingCurve::InOutCubic);
-    connect(animation, &QAbstractAnimation::finished, this, [this, detail] {
-        drop(detail);
-        leave();
+    connect(animation, &QAbstractAnimation::finished, this, [this, leaving = QPointer(detail)] {
+        // It may have been removed on its way.
+        if (drop(leaving))
+            leave();
     });
     Animations::start(animation);
     if (panes.size() == 1 && duration > 0)
         moveListSpace(0, duration);
 }
 
-/// Takes a pane out of the stack; it is deleted when its own events have been handled.
-void DetailStack::drop(DetailViewController *detail)
+/// Takes a pane out of the stack; it is deleted when its own events have been handled. False if it is not
+/// there.
+bool DetailStack::drop(DetailViewController *detail)
 {
     if (std::erase(panes, detail) == 0)
-        return;
+        return false;
     detail->setActive(false);
     Q_EMIT detail->dismissDeteilViewController();
     detail->clearController();
     detail->hide();
-    detail->deleteLater();
+    // One of its own calls may be what waits.
+    if (Waiting::isForAnswer())
+        Waiting::afterwards(Waiting::isForAnswer, detail, [detail] { detail->deleteLater(); });
+    else
+        detail->deleteLater();
+    return true;
 }
 
 /// After panes have gone the one on top, or else the screen, takes over.
@@ -228,6 +236,17 @@ void DetailStack::leave()
     setListSpace(0);
     if (screen)
         screen->takeKeysBack();
+}
+
+bool DetailStack::mayLeave()
+{
+    const std::vector<QPointer<DetailViewController>> asked(panes.rbegin(), panes.rend());
+    return std::ranges::all_of(asked, [this](const auto &pane) {
+        if (!pane || !pane->hasChanges())
+            return true;
+        showAgain(pane);
+        return pane->mayLeave();
+    });
 }
 
 void DetailStack::removeAllDetail()

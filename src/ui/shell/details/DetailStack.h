@@ -41,6 +41,10 @@ public:
     void setNotActiveLastDeteil();
     void setActiveLastDeteil();
 
+    /// Asks about every pane with something typed, which comes to the top for that. False if one of them is
+    /// to stay.
+    bool mayLeave();
+
     /// Drops all panes at once, without a question.
     void removeAllDetail();
     /// Drops the panes about these records, wherever they lie in the stack.
@@ -56,7 +60,7 @@ private:
     void slideIn(DetailViewController &detail);
     void settle();
     void hideCovered();
-    void drop(DetailViewController *detail);
+    bool drop(DetailViewController *detail);
     void leave();
     void setListSpace(int width);
     void moveListSpace(int width, int duration);

@@ -28,6 +28,10 @@ public:
     virtual std::shared_ptr<ManagedObject> record() const { return nullptr; }
     /// Whether "KeySave" has something to do: the pane is being edited.
     virtual bool canSave() const { return false; }
+    /// Whether something was typed that would be lost.
+    virtual bool hasChanges() { return false; }
+    /// Asks what to do with that, and ends the edit. False if the user wants to go on with it.
+    virtual bool mayLeave() { return true; }
     /// The pane is about to be left for good.
     virtual void clearController() {}
 

@@ -4,6 +4,7 @@
 #include "foundation/Localization.h"
 #include "records/RepeatBan.h"
 #include "shell/ShellAlerts.h"
+#include "shell/Waiting.h"
 #include "shell/details/DetailStack.h"
 #include "shell/tasks/TaskFormView.h"
 #include "store/state/NotificationNames.h"
@@ -142,14 +143,20 @@ void TaskDetailViewController::observe()
         }));
 }
 
-/// What the user has entered stays, unless its task is gone; the rest follows.
+/// What the user has entered stays, unless its task is gone or cannot be changed any more; the rest follows.
 void TaskDetailViewController::taskChanged()
 {
+    // The call that asks goes on with the form as it was.
+    if (Waiting::isForAnswer())
+        return Waiting::afterwards(Waiting::isForAnswer, this, [this] { taskChanged(); });
     if (form.isGone()) {
         Q_EMIT recordRemoved();
     } else if (isEditing()) {
         form.followRow();
-        statusChanged();
+        if (form.allowsModifyEvent())
+            statusChanged();
+        else
+            dropEdit();
     } else if (form.currentTask().isChangedTask()) {
         form.rollback();
         form.findInvitation();
@@ -280,25 +287,43 @@ void TaskDetailViewController::editAttempted()
         ShellAlerts::alertEditingEvent(localized(form.currentTask().calendarTitle));
 }
 
-/// Escape gives up an edit; what was changed is lost only with the user's word.
-void TaskDetailViewController::giveUpEdit()
+bool TaskDetailViewController::hasChanges()
 {
-    const auto answer = form.currentTask().isChangedTask() ? ShellAlerts::alertDontSave()
-                                                           : ShellAlerts::DontSaveAnswer::DontSave;
+    if (!isEditing() || form.isGone())
+        return false;
+    form.followRow();
+    return form.currentTask().isChangedTask();
+}
+
+/// What was changed is lost only with the user's word.
+bool TaskDetailViewController::mayLeave()
+{
+    const auto answer = hasChanges() ? ShellAlerts::alertDontSave() : ShellAlerts::DontSaveAnswer::DontSave;
+    // The task may have gone meanwhile, and with it all that there is to decide.
+    if (form.isGone())
+        return true;
     if (answer == ShellAlerts::DontSaveAnswer::Save)
-        return finishEdit();
-    if (answer == ShellAlerts::DontSaveAnswer::Cancel)
-        return;
+        finishEdit();
+    else if (answer == ShellAlerts::DontSaveAnswer::DontSave)
+        dropEdit();
+    return !isEditing() || form.isGone();
+}
+
+/// The keys leave the fields, but not for a pane that they were never in.
+void TaskDetailViewController::dropEdit()
+{
+    const bool hasKeys = isAncestorOf(window()->focusWidget());
     form.rollback();
     setPreviewMode();
-    setFocus();
+    if (hasKeys)
+        setFocus();
 }
 
 void TaskDetailViewController::keyPressEvent(QKeyEvent *event)
 {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape)
-        isEditing() ? giveUpEdit() : clickButtonBack();
+        isEditing() ? void(mayLeave()) : clickButtonBack();
     else if (isReturn && !isEditing())
         editAttempted();
     else if (isReturn && event->modifiers().testFlag(Qt::ControlModifier))

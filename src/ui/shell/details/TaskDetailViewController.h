@@ -34,6 +34,8 @@ public:
 
     bool shows(const ObjectPtr &record) const override;
     bool canSave() const override { return isActive() && isEditing(); }
+    bool hasChanges() override;
+    bool mayLeave() override;
     ObjectPtr record() const override { return form.currentTask().task(); }
 
     void setEditMode();
@@ -57,7 +59,7 @@ private:
     void changeCheckBoxDone(bool done);
     void editAttempted();
     void finishEdit();
-    void giveUpEdit();
+    void dropEdit();
 
     TaskFormState form;
     std::optional<ListType> listType;

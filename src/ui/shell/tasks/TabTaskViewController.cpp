@@ -5,7 +5,6 @@
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/TaskPlacement.h"
-#include "records/dates/MVDate.h"
 #include "shell/ShellAlerts.h"
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
@@ -124,15 +123,7 @@ void TabTaskViewController::clearController()
 
 NewTaskRequest TabTaskViewController::newTaskRequest() const
 {
-    NewTaskRequest request;
-    request.typeTask = type();
-    const Date now = Clock::now();
-    if (type() == ListType::Today || type() == ListType::Scheduled) {
-        const Date day = type() == ListType::Today ? now : MVDate::addDayWithDate(now);
-        request.createWithStartDate = MVDate::getStartOfDay(day);
-        request.createWithDueDate = MVDate::getEndOfDay(day);
-    }
-    return request;
+    return NewTaskRequest::ofList(type(), Clock::now());
 }
 
 std::vector<TaskPtr> TabTaskViewController::tasksAt(const std::set<int> &rows) const

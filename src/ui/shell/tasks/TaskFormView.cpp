@@ -167,17 +167,10 @@ void TaskFormView::setEditing(bool isNowEditing)
     refresh();
 }
 
-/// Sets a text only if it is another one, so that the cursor stays where it is.
-static void showText(GrowingTextField &field, const QString &text)
-{
-    if (field.text() != text)
-        field.setPlainText(text);
-}
-
 void TaskFormView::refresh()
 {
-    showText(*textFieldTitle, state.currentTask().title);
-    showText(*textFieldDetails, state.currentTask().details);
+    textFieldTitle->showText(state.currentTask().title);
+    textFieldDetails->showText(state.currentTask().details);
     checkDone->setChecked(state.currentTask().status == static_cast<int>(TaskStatus::Done));
     // A task that cannot be changed cannot be ticked off.
     if (!state.allowsModifyEvent())

@@ -81,18 +81,11 @@ TEST_F(TaskFormTest, ANewTaskIsOnTheListItIsMadeFrom)
         form.setTitle(title);
         EXPECT_TRUE(form.save()) << qPrintable(title);
     };
-    const Date today = localDate(2026, 11, 21);
-    const Date tomorrow = localDate(2026, 11, 22);
-    save({.typeTask = ListType::Inbox}, u"Inbox"_s);
-    save({.typeTask = ListType::Today,
-          .createWithStartDate = today,
-          .createWithDueDate = today + Seconds(86399)},
-         u"Today"_s);
-    save({.typeTask = ListType::Scheduled,
-          .createWithStartDate = tomorrow,
-          .createWithDueDate = tomorrow + Seconds(86399)},
-         u"Scheduled"_s);
-    save({.typeTask = ListType::Someday}, u"Someday"_s);
+    const Date now = localDate(2026, 11, 21, 23, 30);
+    save(NewTaskRequest::ofList(ListType::Inbox, now), u"Inbox"_s);
+    save(NewTaskRequest::ofList(ListType::Today, now), u"Today"_s);
+    save(NewTaskRequest::ofList(ListType::Scheduled, now), u"Scheduled"_s);
+    save(NewTaskRequest::ofList(ListType::Someday, now), u"Someday"_s);
     EXPECT_EQ(titles(DBWorker::allInboxTasks()), QStringList(u"Inbox"_s));
     EXPECT_EQ(titles(DBWorker::allTodayTasks()), QStringList(u"Today"_s));
     EXPECT_EQ(titles(DBWorker::allScheduledTasks()), QStringList(u"Scheduled"_s));

@@ -1,0 +1,182 @@
+// While a question or a menu stands the world goes on; what waits for the answer stays until it is there.
+
+#include "shell/categories/CategoriesViewController.h"
+#include "shell/details/DetailStack.h"
+#include "shell/details/TaskDetailViewController.h"
+#include "shell/tasks/LocationBubble.h"
+#include "shell/tasks/LocationPopup.h"
+#include "store/state/NotificationNames.h"
+#include "ui/support/MeanwhileAlerts.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/Animations.h"
+#include "widgets/CheckList.h"
+#include "widgets/GrowingTextField.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+class MeanwhileTest : public ShellTest
+{
+protected:
+    DetailStack &stack() { return *controller().detailStack(); }
+    SidebarItem shownItem() { return sidebar().itemAt(outline().currentIndex()); }
+    /// Opens the first row of the Inbox and begins to edit it.
+    TaskDetailViewController *edit()
+    {
+        clickRow(0);
+        key(Qt::Key_Return);
+        auto *pane = static_cast<TaskDetailViewController *>(stack().top());
+        QTest::mouseClick(&find<QPushButton>(*pane, "buttonEdit"), Qt::LeftButton);
+        return pane;
+    }
+    void remove(const QString &title)
+    {
+        context().deleteObject(stored(title));
+        EXPECT_FALSE(DBWorker::saveContext());
+    }
+    /// As a press on the notification of a task does it.
+    static void pressNotification(const TaskPtr &task)
+    {
+        NotificationCenter::defaultCenter().post(notifications::clickTableSearch, ObjectPtr(task));
+    }
+};
+
+TEST_F(MeanwhileTest, ThePaneOfATaskThatGoesWhileItAsksStaysUntilTheAnswer)
+{
+    for (const int answer : {Alert::firstButton, Alert::secondButton, Alert::thirdButton}) {
+        addInbox({u"task"_s});
+        const QPointer<TaskDetailViewController> pane = edit();
+        QTest::keyClicks(&find<GrowingTextField>(*pane, "textFieldTitle"), u"!"_s);
+        bool wasThere = false;
+        {
+            const MeanwhileAlerts alerts(answer, [&] {
+                remove(u"task"_s);
+                MeanwhileAlerts::spin();
+                wasThere = pane;
+            });
+            QTest::keyClick(pane, Qt::Key_Escape);
+            EXPECT_EQ(alerts.asked(), 1);
+        }
+        EXPECT_TRUE(wasThere);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !pane; })) << answer;
+        EXPECT_TRUE(stack().isEmpty());
+        EXPECT_TRUE(inboxTitles().isEmpty());
+    }
+}
+
+TEST_F(MeanwhileTest, APaneThatIsTakenAwayWhileItAsksLivesUntilTheAnswer)
+{
+    addInbox({u"task"_s});
+    const QPointer<TaskDetailViewController> pane = edit();
+    QTest::keyClicks(&find<GrowingTextField>(*pane, "textFieldTitle"), u"!"_s);
+    bool wasThere = false;
+    {
+        const MeanwhileAlerts alerts(Alert::firstButton, [&] {
+            stack().removeAllDetail();
+            MeanwhileAlerts::spin();
+            wasThere = pane;
+        });
+        QTest::keyClick(pane, Qt::Key_Escape);
+    }
+    EXPECT_TRUE(wasThere);
+    EXPECT_NE(stored(u"!task"_s), nullptr) << "what the user answered is done";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !pane; }));
+}
+
+TEST_F(MeanwhileTest, TheBubbleOfAPaneStaysWhileItAsks)
+{
+    const auto place = context().insert<EntityLocation>();
+    place->setTitle(u"Harbour"_s);
+    add(u"meeting"_s, [&](MVTask &task) {
+        task.type = static_cast<int>(TaskType::Appointment);
+        task.startDate = localDate(2026, 11, 21, 10);
+        task.dueDate = localDate(2026, 11, 21, 11);
+        task.location = place;
+    });
+    controller().searchSelectItem(stored(u"meeting"_s));
+    const QPointer<DetailViewController> pane = stack().top();
+    ASSERT_TRUE(pane);
+    QTest::mouseClick(&find<QPushButton>(*pane, "buttonEdit"), Qt::LeftButton);
+    auto &field = find<LocationPopup>(*pane, "LocationPopup");
+    QTest::mouseClick(&field, Qt::LeftButton, {}, QPoint(60, 15));
+    const QPointer<LocationBubble> bubble = field.findChild<LocationBubble *>();
+    ASSERT_TRUE(bubble);
+    bool wasThere = false;
+    {
+        const MeanwhileAlerts alerts(Alert::firstButton, [&] {
+            remove(u"meeting"_s);
+            MeanwhileAlerts::spin();
+            wasThere = bubble;
+        });
+        auto &table = *bubble->findChild<CheckList *>();
+        QTest::keyClick(&table, Qt::Key_Delete);
+        EXPECT_EQ(alerts.asked(), 1);
+    }
+    EXPECT_TRUE(wasThere);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !pane && !bubble; }));
+}
+
+TEST_F(MeanwhileTest, ANotificationLeadsAwayFromAListOnlyAfterTheAnswer)
+{
+    const TaskPtr idea = add(u"idea"_s, [](MVTask &task) { task.dueSomeDay = true; });
+    addInbox({u"first"_s, u"second"_s});
+    const QPointer<TabsViewController> former = controller().currentScreen();
+    clickRow(0);
+    bool wasThere = false;
+    {
+        const MeanwhileAlerts alerts(Alert::firstButton, [&] {
+            pressNotification(idea);
+            MeanwhileAlerts::spin();
+            wasThere = former;
+        });
+        key(Qt::Key_Delete);
+        EXPECT_EQ(alerts.asked(), 1);
+    }
+    EXPECT_TRUE(wasThere);
+    EXPECT_EQ(inboxTitles().size(), 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownItem() == SidebarItem::Someday; }));
+    EXPECT_EQ(selectedTitles(), QStringList{u"idea"_s});
+    EXPECT_FALSE(former);
+}
+
+TEST_F(MeanwhileTest, ANotificationLeadsAwayFromTheCategoriesOnlyAfterTheirMenu)
+{
+    const TaskPtr idea = add(u"idea"_s, [](MVTask &task) { task.dueSomeDay = true; });
+    showList(SidebarItem::Categories);
+    const QPointer<TabsViewController> former = controller().currentScreen();
+    bool wasThere = false;
+    QTimer::singleShot(100, [&] {
+        pressNotification(idea);
+        MeanwhileAlerts::spin();
+        wasThere = former;
+        if (QWidget *menu = QApplication::activePopupWidget())
+            menu->close();
+    });
+    Q_EMIT find<TableViewExtended>(*former, "tableViewCategory").menuRequested(QPoint(100, 100));
+    EXPECT_TRUE(wasThere);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownItem() == SidebarItem::Someday; }));
+    EXPECT_EQ(selectedTitles(), QStringList{u"idea"_s});
+}
+
+TEST_F(MeanwhileTest, ThePaneThatHasGoneOnItsWayOutTakesNoKeys)
+{
+    addInbox({u"first"_s, u"second"_s});
+    edit();
+    clickRow(1);
+    key(Qt::Key_Return);
+    const TaskPtr top = std::static_pointer_cast<EntityTask>(stack().top()->record());
+    Animations::setEnabled(true);
+    stack().goBack(stack().top());
+    // A pane lives on while a question stands.
+    const MeanwhileAlerts alerts(Alert::firstButton, [&] {
+        stack().removeAllDetailFromTasks({top});
+        outline().setFocus();
+        QTest::qWait(2 * Animations::duration(Animations::detailSlideOut));
+    });
+    Alert::run({.title = {}, .message = u"?"_s, .informativeText = {}, .buttons = {}});
+    Animations::setEnabled(false);
+    EXPECT_TRUE(outline().hasFocus());
+}
