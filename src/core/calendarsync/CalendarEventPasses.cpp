@@ -12,6 +12,7 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <unordered_set>
 
 // A pass from the calendars to the rows: the calendars are right about what they hold.
 
@@ -135,7 +136,9 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
     });
 }
 
-rowfate::Decision fateOf(const TaskPtr &row, const TaskPtr &onlyTask, const DateInterval &window)
+/// \param onlyTasks are those that the pass is for; none if it is for all.
+rowfate::Decision fateOf(const TaskPtr &row, const std::unordered_set<TaskPtr> &onlyTasks,
+                         const DateInterval &window)
 {
     rowfate::Facts facts;
     facts.isDone = row->status() == static_cast<int>(TaskStatus::Done);
@@ -144,7 +147,7 @@ rowfate::Decision fateOf(const TaskPtr &row, const TaskPtr &onlyTask, const Date
     facts.date = row->startDate() ? row->startDate() : row->dueDate();
     facts.window = window;
     facts.allowsChanges = row->allowsContentModifications().value_or(true);
-    facts.isOutsideOfPass = onlyTask && row != onlyTask;
+    facts.isOutsideOfPass = !onlyTasks.empty() && !onlyTasks.contains(row);
     if (const auto decision = rowfate::decideAtOnce(facts))
         return *decision;
     facts.isCalendarChosen = CalendarEvent::calendarAccessOfCalendarTypeIdentifier(row->typeCalendarID());
@@ -153,7 +156,7 @@ rowfate::Decision fateOf(const TaskPtr &row, const TaskPtr &onlyTask, const Date
     return rowfate::decide(facts);
 }
 
-void runPass(const TaskPtr &task)
+void runPass(const std::unordered_set<TaskPtr> &onlyTasks)
 {
     std::vector<TaskPtr> going;
     size_t linkedCount = 0;
@@ -176,7 +179,7 @@ void runPass(const TaskPtr &task)
         }
         const DateInterval seen = CalendarEvent::window();
         for (const TaskPtr &row : pass.unclaimed()) {
-            const rowfate::Decision decision = fateOf(row, task, seen);
+            const rowfate::Decision decision = fateOf(row, onlyTasks, seen);
             if (decision.fate != rowfate::Fate::Goes)
                 continue;
             // It is damaged, not gone.
@@ -188,7 +191,7 @@ void runPass(const TaskPtr &task)
         linkedCount = pass.linkedCount();
         eventCount = events->size();
     }
-    if (!task && !passbrake::mayDelete(going.size(), linkedCount, eventCount))
+    if (onlyTasks.empty() && !passbrake::mayDelete(going.size(), linkedCount, eventCount))
         return;
     for (const TaskPtr &row : going) {
         // A question to the user takes its time.
@@ -208,6 +211,11 @@ bool CalendarEvent::isPassing()
 
 void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
 {
+    syncCalendarToAppWithTasks(task ? std::vector{task} : std::vector<TaskPtr>());
+}
+
+void CalendarEvent::syncCalendarToAppWithTasks(const std::vector<TaskPtr> &tasks)
+{
     static bool isWantedAgain = false;
     if (DBWorker::isSample() || !hasAccesToCalendar())
         return;
@@ -217,7 +225,7 @@ void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
         return;
     }
     const QScopedValueRollback guard(isPassRunning, true);
-    runPass(task);
+    runPass({tasks.begin(), tasks.end()});
     while (std::exchange(isWantedAgain, false))
-        runPass(nullptr);
+        runPass({});
 }

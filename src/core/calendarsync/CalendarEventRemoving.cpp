@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/EventDates.h"
+#include "calendarsync/PassGroup.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
@@ -172,7 +173,7 @@ void removeOne(const TaskPtr &task, bool isDeleteTasks)
     task->setEndRepeat(std::nullopt);
     if (!isDeleteTasks)
         return;
-    CalendarEvent::syncCalendarToAppWithTask(task);
+    PassGroup::passFor(task);
     mainContext().deleteObject(task);
 }
 

@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/PassGroup.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
@@ -122,16 +123,20 @@ TaskPtr shared(EntityTask &task)
     return std::static_pointer_cast<EntityTask>(task.shared_from_this());
 }
 
-void rebuildSeries(EntityTask &task)
+void takeSharedFields(const TaskPtr &task, const series::SharedFields &fields)
 {
-    const series::SharedFields fields(task);
-    CalendarEvent::syncCalendarToAppWithTask(shared(task));
-    fields.writeTo(task);
-    for (const TaskPtr &row : series::otherRows(task))
+    fields.writeTo(*task);
+    for (const TaskPtr &row : series::otherRows(*task))
         fields.writeTo(*row);
     const DateInterval seen = CalendarEvent::window();
-    if (task.startDate() && (*task.startDate() < seen.start || *task.startDate() > seen.end))
-        mainContext().deleteObject(shared(task));
+    if (task->startDate() && (*task->startDate() < seen.start || *task->startDate() > seen.end))
+        mainContext().deleteObject(task);
+}
+
+void rebuildSeries(const TaskPtr &task)
+{
+    PassGroup::passFor(task,
+                       [task, fields = series::SharedFields(*task)] { takeSharedFields(task, fields); });
 }
 
 void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
@@ -147,7 +152,7 @@ void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
     if (!canReadEvents())
         return;
     deleteRowsFrom(formerDate, formerIdentifier, task);
-    rebuildSeries(task);
+    rebuildSeries(shared(task));
 }
 
 void copyToSeries(const EntityTask &task)

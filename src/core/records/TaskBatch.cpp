@@ -1,5 +1,6 @@
 #include "records/TaskBatch.h"
 
+#include "calendarsync/PassGroup.h"
 #include "foundation/AlertsOnce.h"
 #include "records/MVTask.h"
 #include "records/RepeatBan.h"
@@ -36,6 +37,7 @@ void changeEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Change
 {
     {
         const SaveGroup together(mainContext());
+        const PassGroup onePass;
         const AlertsOnce once;
         for (const TaskPtr &task : tasks) {
             if (!isGone(task))

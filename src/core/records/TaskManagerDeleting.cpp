@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/PassGroup.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -104,6 +105,7 @@ void deleteSelection(const Selection &selection, std::optional<Span> span, const
 {
     {
         const SaveGroup together(mainContext());
+        const PassGroup onePass;
         if (!span || deleteRepeating(selection.repeating, *span, step))
             deletePlain(selection, step);
     }
