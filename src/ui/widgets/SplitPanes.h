@@ -11,8 +11,8 @@ public:
     explicit SplitPanes(QWidget *parent = nullptr);
 
     void setPanes(QWidget *left, QWidget *right);
-    /// The bounds of the left pane, which begins at the upper one. It gives way where the right pane needs its room,
-    /// and comes back to the width that the user gave it.
+    /// The bounds of the left pane, which begins at the upper one. It gives way where the right pane needs
+    /// its room, and comes back to the width that the user gave it.
     void setLeftBounds(int minimum, int maximum);
 
 protected:
