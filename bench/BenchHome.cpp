@@ -46,3 +46,18 @@ BenchHome::~BenchHome()
     sqlite3_close(connection);
     delegate.reset();
 }
+
+void BenchHome::runCaptured(const std::function<void(sqlite3 *)> &statements)
+{
+    sqlite3_exec(connection, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    sqlite3_session *session = nullptr;
+    sqlite3session_create(connection, "main", &session);
+    sqlite3session_attach(session, nullptr);
+    statements(connection);
+    int size = 0;
+    void *changeset = nullptr;
+    sqlite3session_changeset(session, &size, &changeset);
+    sqlite3_free(changeset);
+    sqlite3session_delete(session);
+    sqlite3_exec(connection, "COMMIT", nullptr, nullptr, nullptr);
+}

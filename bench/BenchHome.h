@@ -4,6 +4,7 @@
 
 #include <QTemporaryDir>
 
+#include <functional>
 #include <memory>
 
 struct sqlite3;
@@ -20,6 +21,8 @@ public:
     ManagedObjectContext &context() { return delegate->managedObjectContext(); }
     /// A connection that is set up as the program's own, without anything of the program.
     sqlite3 *bare() { return connection; }
+    /// Runs statements on that connection in one transaction, with a session that captures what they change.
+    void runCaptured(const std::function<void(sqlite3 *)> &statements);
 
 private:
     BenchHome();

@@ -52,14 +52,8 @@ void insertIndexRow(const QByteArray &object, const char *text)
     run(row);
 }
 
-/// The same rows in one transaction, with a session that captures them.
-void bareTransaction()
+void insertRows()
 {
-    sqlite3 *database = BenchHome::shared().bare();
-    sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-    sqlite3_session *session = nullptr;
-    sqlite3session_create(database, "main", &session);
-    sqlite3session_attach(session, nullptr);
     const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
     sqlite3_stmt *task = prepared(
         "INSERT INTO EntityTask (id, title, details, type, status, priority, creationDate, "
@@ -72,12 +66,12 @@ void bareTransaction()
     run(task);
     insertIndexRow("x-morvane://store/EntityTask/" + id, title);
     insertIndexRow("x-morvane://store/EntityTask/" + id, details);
-    int size = 0;
-    void *changeset = nullptr;
-    sqlite3session_changeset(session, &size, &changeset);
-    sqlite3_free(changeset);
-    sqlite3session_delete(session);
-    sqlite3_exec(database, "COMMIT", nullptr, nullptr, nullptr);
+}
+
+/// The same rows in one transaction.
+void bareTransaction()
+{
+    BenchHome::shared().runCaptured([](sqlite3 *) { insertRows(); });
 }
 
 void saveOneTask(benchmark::State &state)
