@@ -126,22 +126,19 @@ void MainWindowController::groupsMayHaveChanged()
 
 void MainWindowController::undo()
 {
-    if (TextCommands::hasText())
-        return TextCommands::undo();
-    const BusyCursor busy;
-    ShellAlerts::presentError(context()->undo());
-    groupsMayHaveChanged();
-    if (screen)
-        screen->reloadData();
-    storeChanged();
+    TextCommands::hasText() ? TextCommands::undo() : stepBack(&ManagedObjectContext::undo);
 }
 
 void MainWindowController::redo()
 {
-    if (TextCommands::hasText())
-        return TextCommands::redo();
+    TextCommands::hasText() ? TextCommands::redo() : stepBack(&ManagedObjectContext::redo);
+}
+
+/// Takes the last save back, or does it again, and shows what has come of it.
+void MainWindowController::stepBack(OptionalError (ManagedObjectContext::*step)())
+{
     const BusyCursor busy;
-    ShellAlerts::presentError(context()->redo());
+    ShellAlerts::presentError((context()->*step)());
     groupsMayHaveChanged();
     if (screen)
         screen->reloadData();

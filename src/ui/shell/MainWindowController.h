@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Error.h"
 #include "foundation/MainLoop.h"
 #include "foundation/NotificationCenter.h"
 #include "records/people/MVContactGroup.h"
@@ -17,6 +18,7 @@
 class Actions;
 class DetailStack;
 class MainWindow;
+class ManagedObjectContext;
 class CalendarsAppleWindowController;
 class MVSetiingsCalendarController;
 class WindowNewTask;
@@ -93,6 +95,7 @@ private:
     void groupsMayHaveChanged();
     void undo();
     void redo();
+    void stepBack(OptionalError (ManagedObjectContext::*step)());
     void storeChanged();
     void toggleFullScreen();
     void fullScreenChanged();

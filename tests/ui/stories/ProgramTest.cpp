@@ -100,11 +100,7 @@ TEST_F(WholeWindowTest, CommandsAreGreyWhereTheyWouldDoNothing)
     clickRow(0);
     EXPECT_TRUE(isPossible(ActionId::Delete));
 
-    const auto group = context().insert<EntityContactGroup>();
-    group->setTitle(u"Choir"_s);
-    group->setUseGeneralFilter(false);
-    ASSERT_FALSE(DBWorker::saveContext());
-    controller().loadContactsGroup();
+    const auto group = addGroup(u"Choir"_s);
     outline().selectIndex(sidebar().indexOf(SidebarItem::People));
     outline().setFocus();
     EXPECT_FALSE(isPossible(ActionId::Delete));

@@ -111,11 +111,7 @@ TEST_F(SidebarTest, BadgesFollowTheStoreAndShowWhatIsOverdueOnTheLeft)
 
 TEST_F(SidebarTest, GroupsOfContactsStandBelowCompaniesAndCanBeDeleted)
 {
-    const auto group = context().insert<EntityContactGroup>();
-    group->setTitle(u"Book club"_s);
-    group->setUseGeneralFilter(false);
-    ASSERT_FALSE(DBWorker::saveContext());
-    controller().loadContactsGroup();
+    const auto group = addGroup(u"Book club"_s);
     const QModelIndex index = sidebar().indexOfGroup(*group);
     ASSERT_TRUE(index.isValid());
     EXPECT_EQ(index.row(), 2);
@@ -165,11 +161,7 @@ TEST_F(SidebarTest, ANewGroupIsNamedInItsRowAndRenamedLater)
 
 TEST_F(SidebarTest, AGroupThatIsTakenBackComesBackIntoTheTree)
 {
-    const auto group = context().insert<EntityContactGroup>();
-    group->setTitle(u"Book club"_s);
-    group->setUseGeneralFilter(false);
-    ASSERT_FALSE(DBWorker::saveContext());
-    controller().loadContactsGroup();
+    const auto group = addGroup(u"Book club"_s);
     const auto rows = [this] {
         const QModelIndex contacts = sidebar().indexOf(SidebarItem::Contacts);
         QStringList titles;
@@ -192,11 +184,7 @@ TEST_F(SidebarTest, AGroupThatIsTakenBackComesBackIntoTheTree)
 
 TEST_F(SidebarTest, AChangeOfTheStoreKeepsTheRowOrGoesToPeople)
 {
-    const auto group = context().insert<EntityContactGroup>();
-    group->setTitle(u"Book club"_s);
-    group->setUseGeneralFilter(false);
-    ASSERT_FALSE(DBWorker::saveContext());
-    controller().loadContactsGroup();
+    const auto group = addGroup(u"Book club"_s);
     outline().selectIndex(sidebar().indexOfGroup(*group));
     controller().changeDataBase();
     QTRY_COMPARE(selected(), u"Book club"_s);

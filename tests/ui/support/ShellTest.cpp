@@ -155,6 +155,16 @@ void ShellTest::addInbox(const QStringList &titles)
     screen().reloadData();
 }
 
+std::shared_ptr<EntityContactGroup> ShellTest::addGroup(const QString &title)
+{
+    const auto group = context().insert<EntityContactGroup>();
+    group->setTitle(title);
+    group->setUseGeneralFilter(false);
+    EXPECT_FALSE(DBWorker::saveContext());
+    controller().loadContactsGroup();
+    return group;
+}
+
 QStringList ShellTest::inboxTitles()
 {
     QStringList titles;

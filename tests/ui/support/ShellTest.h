@@ -61,6 +61,8 @@ protected:
     // What the store holds.
     TaskPtr add(const QString &title, const std::function<void(MVTask &)> &fill = {});
     void addInbox(const QStringList &titles);
+    /// A group of contacts, already in the tree.
+    std::shared_ptr<EntityContactGroup> addGroup(const QString &title);
     static QStringList inboxTitles();
     /// The task of that title whatever its state, or null.
     TaskPtr stored(const QString &title);
