@@ -15,10 +15,10 @@
 namespace {
 
 using calendarstore::isCloud;
+using calendarstore::ownTitle;
 using calendarstore::separator;
 using calendarstore::state;
 
-const QString ownTitle = QStringLiteral("Morvane Pro");
 const QString readOnlyMark = QStringLiteral("[<±>]");
 
 std::vector<EKCalendar> ownCalendars()

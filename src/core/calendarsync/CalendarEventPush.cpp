@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarStoreState.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "store/AppDelegate.h"
@@ -9,9 +10,7 @@
 
 namespace {
 
-const QString ownTitle = QStringLiteral("Morvane Pro");
 const QString upgradedVersion = QStringLiteral("3.0");
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
 
 void pushNew(EntityTask &task)
 {
@@ -37,7 +36,7 @@ void pushLinked(EntityTask &task, bool needCreateNewEvents)
 void push(const TaskPtr &task, bool needCreateNewEvents)
 {
     const bool isLinked = !task->calendarID().isEmpty();
-    if (task->status() == doneStatus || !task->dueDate()) {
+    if (task->status() == static_cast<int>(TaskStatus::Done) || !task->dueDate()) {
         if (isLinked)
             CalendarEvent::removeEventCalendarFromTask(task, Span::ThisTask, false);
     } else if (isLinked) {
@@ -86,7 +85,7 @@ void CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(bool needCreateNewE
     if (DBWorker::isSample() || !hasAccesToCalendar() || !isOurCalendar())
         return;
     std::vector<TaskPtr> rows;
-    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(ownTitle)) {
+    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(calendarstore::ownTitle)) {
         if (task)
             rows.push_back(task);
     }

@@ -37,6 +37,9 @@ struct State
 
 State &state();
 
+/// Of the calendar that the program makes for itself.
+inline const QString ownTitle = QStringLiteral("Morvane Pro");
+
 /// Between the references of the chosen calendars.
 inline const QString separator = QStringLiteral("Ω");
 

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int openStatus = static_cast<int>(TaskStatus::Open);
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
+constexpr int finishedStatus = static_cast<int>(TaskStatus::Done);
 constexpr int noPriority = static_cast<int>(Priority::None);
 
 } // namespace
@@ -102,7 +102,7 @@ std::vector<TaskPtr> MVProject::sortedTasks() const
     std::vector<TaskPtr> open;
     std::vector<TaskPtr> done;
     for (const TaskPtr &one : task)
-        (one->status() == doneStatus ? done : open).push_back(one);
+        (one->status() == finishedStatus ? done : open).push_back(one);
     std::stable_sort(done.begin(), done.end(), [](const TaskPtr &one, const TaskPtr &other) {
         return one->expirationDate() < other->expirationDate();
     });
@@ -128,11 +128,11 @@ std::vector<ContactPtr> MVProject::sortedContacts() const
 
 void MVProject::changeStatus(const QString &text)
 {
-    for (int number = openStatus; number <= doneStatus; ++number) {
+    for (int number = openStatus; number <= finishedStatus; ++number) {
         if (text == Functional::statusStringFromType(number))
             status = number;
     }
-    expirationDate = status == doneStatus ? OptionalDate(MVDate::date()) : std::nullopt;
+    expirationDate = status == finishedStatus ? OptionalDate(MVDate::date()) : std::nullopt;
 }
 
 void MVProject::changePriority(const QString &text)

@@ -2,8 +2,6 @@
 
 #include <QStringList>
 
-static constexpr int daysOfAWeek = 7;
-
 static const QStringList &weekdayTexts()
 {
     static const QStringList list = QStringLiteral("SU MO TU WE TH FR SA").split(u' ');

@@ -9,8 +9,6 @@ using std::chrono::year_month_day;
 
 namespace {
 
-constexpr std::int64_t secondsOfADay = 86400;
-constexpr int daysOfAWeek = 7;
 constexpr int monthsOfAYear = 12;
 
 sys_days dayOf(std::int64_t moment)

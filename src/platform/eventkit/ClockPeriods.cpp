@@ -6,7 +6,6 @@ namespace {
 
 constexpr std::int64_t secondsOfAMinute = 60;
 constexpr std::int64_t secondsOfAnHour = 3600;
-constexpr std::int64_t secondsOfADay = 86400;
 constexpr int mostEmptyPeriods = 5'000'000;
 
 std::int64_t floorDivided(std::int64_t value, std::int64_t divisor)

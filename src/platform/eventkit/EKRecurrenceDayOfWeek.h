@@ -3,6 +3,8 @@
 /// The days of the week as the calendar store counts them.
 enum class EKWeekday { Sunday = 1, Monday, Tuesday, Wednesday, Thursday, Friday, Saturday };
 
+inline constexpr int daysOfAWeek = 7;
+
 /// A day of the week in a recurrence rule (RFC 5545, section 3.3.10, BYDAY).
 struct EKRecurrenceDayOfWeek
 {

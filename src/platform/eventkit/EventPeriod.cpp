@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::int64_t secondsOfADay = 86400;
-
 bool isSameForm(const IcalTime &one, const IcalTime &other)
 {
     return one.form == other.form && one.tzid == other.tzid;

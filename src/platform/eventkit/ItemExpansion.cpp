@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr double secondsOfADay = 86400;
-
 /// Occurrences of a series by key, before edited ones take their places.
 using Starts = std::map<qint64, ItemOccurrence>;
 

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-static constexpr std::int64_t secondsOfADay = 86400;
-
 int ItemTimes::days() const
 {
     std::int64_t seconds = 0;

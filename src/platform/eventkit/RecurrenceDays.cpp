@@ -9,7 +9,6 @@ using std::chrono::year_month_day;
 
 namespace {
 
-constexpr int daysOfAWeek = 7;
 /// The day of a week that decides to which year it belongs: week 1 has at least four days in its year.
 constexpr int decidingDay = 3;
 

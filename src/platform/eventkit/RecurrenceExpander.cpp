@@ -7,11 +7,9 @@
 
 namespace {
 
-constexpr std::int64_t secondsOfADay = 86400;
 /// No wall clock is further than this from itself at a neighbouring offset.
 constexpr std::int64_t slack = secondsOfADay;
 const std::int64_t beginOfTime = WallClock{1, 1, 1, 0, 0, 0}.seconds();
-const std::int64_t endOfTime = WallClock{9999, 12, 31, 23, 59, 59}.seconds();
 
 /// Dates beyond these cannot be told from them here.
 constexpr double furthestUnixSeconds = 1e12;

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int daysOfAWeek = 7;
-
 std::vector<int> valuesOf(std::span<const short> list)
 {
     return {list.begin(), std::find(list.begin(), list.end(), short(ICAL_RECURRENCE_ARRAY_MAX))};

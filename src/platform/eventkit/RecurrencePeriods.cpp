@@ -6,11 +6,7 @@
 
 #include <algorithm>
 
-namespace {
-
-const std::int64_t endOfTime = WallClock{9999, 12, 31, 23, 59, 59}.seconds();
-
-} // namespace
+namespace {} // namespace
 
 std::unique_ptr<RecurrencePeriods> RecurrencePeriods::create(const RecurrencePattern &pattern,
                                                              std::int64_t start, std::int64_t last)

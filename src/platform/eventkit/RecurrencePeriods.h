@@ -9,6 +9,9 @@
 /// Moments on the wall clock in the seconds of `WallClock`, ascending, each once.
 using WallSeconds = std::vector<std::int64_t>;
 
+/// The last moment that any recurrence reaches, on the wall clock.
+inline const std::int64_t endOfTime = WallClock{9999, 12, 31, 23, 59, 59}.seconds();
+
 /// Steps through the periods of a recurrence rule (its years, weeks, minutes, ...) and gives the moments that
 /// the rule takes in each: BYSETPOS applied, COUNT and UNTIL not. The period of the start comes whole, with
 /// moments before the start.

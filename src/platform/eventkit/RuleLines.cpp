@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr std::int64_t secondsOfADay = 86400;
-
 std::int64_t dayNumber(const IcalTime &time)
 {
     return time.day().clock.seconds() / secondsOfADay;

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr std::int64_t secondsOfADay = 86400;
-
 IcalTime movedDate(const IcalTime &time, const SeriesMove &move)
 {
     if (!time.isDate() || move.formerStart.isDate())

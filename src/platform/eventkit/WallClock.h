@@ -3,6 +3,9 @@
 #include <compare>
 #include <cstdint>
 
+/// Of a day whose clock is not changed.
+inline constexpr std::int64_t secondsOfADay = 86400;
+
 /// What a clock on the wall and the calendar beside it show, in no zone in particular.
 struct WallClock
 {

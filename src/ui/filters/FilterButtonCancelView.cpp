@@ -10,9 +10,9 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int iconSide = 14;
-constexpr int padding = 10;
-constexpr int iconGap = 4;
+constexpr int crossSide = 14;
+constexpr int pillPadding = 10;
+constexpr int crossGap = 4;
 constexpr int pillHeight = 24;
 
 FilterButtonCancelView::FilterButtonCancelView(QWidget *parent)
@@ -29,14 +29,14 @@ FilterButtonCancelView::FilterButtonCancelView(QWidget *parent)
 
 QSize FilterButtonCancelView::sizeHint() const
 {
-    return {2 * padding + iconSide + iconGap + fontMetrics().horizontalAdvance(text()) + 1,
+    return {2 * pillPadding + crossSide + crossGap + fontMetrics().horizontalAdvance(text()) + 1,
             std::max(pillHeight, fontMetrics().height() + Theme::unit)};
 }
 
 /// Where there is no room for the words, the cross stays.
 QSize FilterButtonCancelView::minimumSizeHint() const
 {
-    return {2 * padding + iconSide, sizeHint().height()};
+    return {2 * pillPadding + crossSide, sizeHint().height()};
 }
 
 void FilterButtonCancelView::paintEvent(QPaintEvent *)
@@ -50,12 +50,12 @@ void FilterButtonCancelView::paintEvent(QPaintEvent *)
     const auto placed = [this](const QRect &where) {
         return QStyle::visualRect(layoutDirection(), rect(), where);
     };
-    const int iconLeft = hasWords ? padding : (width() - iconSide) / 2;
-    Icons::paint(painter, placed({iconLeft, 0, iconSide, height()}), u"close"_s, Theme::selectedText,
-                 iconSide);
+    const int iconLeft = hasWords ? pillPadding : (width() - crossSide) / 2;
+    Icons::paint(painter, placed({iconLeft, 0, crossSide, height()}), u"close"_s, Theme::selectedText,
+                 crossSide);
     painter.setPen(Theme::selectedText);
     if (hasWords)
-        painter.drawText(placed({iconLeft + iconSide + iconGap, 0, width(), height()}),
+        painter.drawText(placed({iconLeft + crossSide + crossGap, 0, width(), height()}),
                          QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
                          text());
     if (hasFocus())

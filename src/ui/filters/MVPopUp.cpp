@@ -15,7 +15,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr QSize bubbleSize(350, 223);
-constexpr int margin = 12;
+constexpr int popUpMargin = 12;
 
 MVPopUp::MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, const FilterSelection &selected,
                  QWidget *parent)
@@ -42,7 +42,7 @@ MVPopUp::MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, co
     line->addWidget(fieldSearch, 1);
     line->addWidget(buttonAll);
     auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(margin, margin, margin, margin);
+    column->setContentsMargins(popUpMargin, popUpMargin, popUpMargin, popUpMargin);
     column->setSpacing(Theme::unit);
     column->addWidget(header);
     column->addLayout(line);

@@ -11,9 +11,9 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int iconSide = 18;
-constexpr int padding = 8;
-constexpr int iconGap = 6;
+constexpr int funnelSide = 18;
+constexpr int fieldPadding = 8;
+constexpr int funnelGap = 6;
 
 TasksFilterButton::TasksFilterButton(QWidget *parent)
     : QAbstractButton(parent)
@@ -63,13 +63,13 @@ void TasksFilterButton::closePopover()
 
 QSize TasksFilterButton::sizeHint() const
 {
-    return {2 * padding + iconSide + iconGap + fontMetrics().horizontalAdvance(text()) + 1,
+    return {2 * fieldPadding + funnelSide + funnelGap + fontMetrics().horizontalAdvance(text()) + 1,
             std::max(Theme::controlHeight, fontMetrics().height() + Theme::unit)};
 }
 
 QSize TasksFilterButton::minimumSizeHint() const
 {
-    return {2 * padding + iconSide, sizeHint().height()};
+    return {2 * fieldPadding + funnelSide, sizeHint().height()};
 }
 
 QColor TasksFilterButton::ink() const
@@ -98,11 +98,11 @@ void TasksFilterButton::paintEvent(QPaintEvent *)
     const auto placed = [this](const QRect &where) {
         return QStyle::visualRect(layoutDirection(), rect(), where);
     };
-    const int iconLeft = width() - padding - iconSide;
-    Icons::paint(painter, placed({iconLeft, 0, iconSide, height()}),
-                 label == FilterState::Label::Filtered ? u"filtered"_s : u"filter"_s, ink(), iconSide);
+    const int iconLeft = width() - fieldPadding - funnelSide;
+    Icons::paint(painter, placed({iconLeft, 0, funnelSide, height()}),
+                 label == FilterState::Label::Filtered ? u"filtered"_s : u"filter"_s, ink(), funnelSide);
     painter.setPen(ink());
-    const QRect words(padding, 0, iconLeft - iconGap - padding, height());
+    const QRect words(fieldPadding, 0, iconLeft - funnelGap - fieldPadding, height());
     if (words.width() > 0)
         painter.drawText(placed(words),
                          QStyle::visualAlignment(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter),

@@ -17,7 +17,7 @@ constexpr int childIconLeft = 34;
 constexpr int narrowRow = 200;
 constexpr int narrowChildIconLeft = topIconLeft;
 constexpr int narrowTextGap = 8;
-constexpr int iconSize = 20;
+constexpr int topIconSize = 20;
 constexpr int childIconSize = 18;
 constexpr int textGap = 11;
 constexpr int arrowSize = 14;
@@ -81,7 +81,7 @@ void SidebarCell::paint(QPainter *painter, const QStyleOptionViewItem &option, c
     const auto placed = [&](const QRect &rect) {
         return QStyle::visualRect(option.direction, option.rect, rect);
     };
-    const int size = isTop ? iconSize : childIconSize;
+    const int size = isTop ? topIconSize : childIconSize;
     const QRect icon(isTop ? topIconLeft : childLeft(option.rect), option.rect.top(), size,
                      option.rect.height());
     const BadgePainter badge(index.data(SidebarModel::BadgeLeftRole).toInt(),

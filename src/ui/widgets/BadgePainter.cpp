@@ -7,8 +7,8 @@
 #include <QPainterPath>
 #include <QStyle>
 
-constexpr int padding = 7;
-constexpr int margin = 14;
+constexpr int badgePadding = 7;
+constexpr int badgeMargin = 14;
 
 BadgePainter::BadgePainter(int leftNumber, int rightNumber, const QFont &badgeFont)
     : left(leftNumber)
@@ -19,14 +19,15 @@ BadgePainter::BadgePainter(int leftNumber, int rightNumber, const QFont &badgeFo
 int BadgePainter::widthOf(int number) const
 {
     const QFontMetrics metrics(font);
-    return std::max(metrics.horizontalAdvance(QString::number(number)) + 2 * padding, metrics.height() + 4);
+    return std::max(metrics.horizontalAdvance(QString::number(number)) + 2 * badgePadding,
+                    metrics.height() + 4);
 }
 
 int BadgePainter::width() const
 {
     if (isHidden())
         return 0;
-    return margin + widthOf(right) + (isDouble() ? widthOf(left) : 0);
+    return badgeMargin + widthOf(right) + (isDouble() ? widthOf(left) : 0);
 }
 
 static void paintPart(QPainter &painter, const QRect &part, const QColor &fill, const QColor &text,
@@ -42,8 +43,9 @@ void BadgePainter::paint(QPainter &painter, const QRect &row, Qt::LayoutDirectio
     if (isHidden())
         return;
     const int height = QFontMetrics(font).height() + 4;
-    const int pillWidth = width() - margin;
-    const QRect atEnd(row.right() + 1 - margin - pillWidth, row.center().y() - height / 2, pillWidth, height);
+    const int pillWidth = width() - badgeMargin;
+    const QRect atEnd(row.right() + 1 - badgeMargin - pillWidth, row.center().y() - height / 2, pillWidth,
+                      height);
     const QRect pill = QStyle::visualRect(direction, row, atEnd);
     QPainterPath shape;
     shape.addRoundedRect(pill, height / 2.0, height / 2.0);

@@ -4,7 +4,7 @@
 
 #include <QPainter>
 
-constexpr int iconSize = 16;
+constexpr int categoryIconSize = 16;
 constexpr int circleSize = 10;
 constexpr int sharpness = 3;
 
@@ -12,14 +12,14 @@ QIcon CategoryIcon::circle(const QColor &colour)
 {
     if (!colour.isValid())
         return {};
-    QPixmap pixmap(iconSize * sharpness, iconSize * sharpness);
+    QPixmap pixmap(categoryIconSize * sharpness, categoryIconSize * sharpness);
     pixmap.setDevicePixelRatio(sharpness);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
-    constexpr int margin = (iconSize - circleSize) / 2;
+    constexpr int margin = (categoryIconSize - circleSize) / 2;
     painter.drawEllipse(margin, margin, circleSize, circleSize);
     return QIcon(pixmap);
 }

@@ -13,7 +13,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int lineHeight = 40;
-constexpr int iconSize = 16;
+constexpr int checkIconSize = 16;
 constexpr int iconRoom = 28;
 constexpr int iconRole = Qt::UserRole + 1;
 
@@ -57,13 +57,14 @@ private:
         };
         const QString icon = index.data(iconRole).toString();
         if (!icon.isEmpty()) {
-            Icons::paint(painter, mirrored(QRect(place.left(), place.top(), iconSize, place.height())), icon,
-                         Theme::accent, iconSize);
+            Icons::paint(painter, mirrored(QRect(place.left(), place.top(), checkIconSize, place.height())),
+                         icon, Theme::accent, checkIconSize);
             place.setLeft(place.left() + iconRoom);
         }
         const QRect mark(place.right() - iconRoom, place.top(), iconRoom, place.height());
         if (isMarked)
-            Icons::paint(painter, mirrored(mark), u"check-mark"_s, Theme::accent, iconSize + Theme::unit);
+            Icons::paint(painter, mirrored(mark), u"check-mark"_s, Theme::accent,
+                         checkIconSize + Theme::unit);
         place.setRight(mark.left());
         painter.setPen(Theme::text);
         Direction::drawLine(painter, mirrored(place), option.direction, index.data().toString());

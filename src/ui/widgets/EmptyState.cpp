@@ -7,7 +7,7 @@
 #include <QPushButton>
 
 constexpr int discSize = 96;
-constexpr int iconSize = 44;
+constexpr int emptyIconSize = 44;
 constexpr int textWidth = 360;
 
 EmptyState::EmptyState(const QString &iconName, const QString &sentence, QWidget *parent)
@@ -62,7 +62,7 @@ void EmptyState::paintEvent(QPaintEvent *)
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::emptyDisc);
     painter.drawEllipse(at.disc);
-    Icons::paint(painter, at.disc, icon, Theme::emptyIcon, iconSize);
+    Icons::paint(painter, at.disc, icon, Theme::emptyIcon, emptyIconSize);
     painter.setPen(Theme::secondaryText);
     painter.drawText(at.words, Qt::AlignHCenter | Qt::TextWordWrap, text);
 }

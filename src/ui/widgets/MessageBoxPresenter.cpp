@@ -15,7 +15,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int iconSize = 40;
+constexpr int boxIconSize = 40;
 
 /// The button that Escape and the window's close button stand for: the one that does least.
 static qsizetype quietButton(const QStringList &buttons)
@@ -30,7 +30,7 @@ static void fillWords(QMessageBox &box, const AlertQuestion &question)
     box.setWindowTitle(question.title.isEmpty() ? QGuiApplication::applicationDisplayName() : question.title);
     box.setText(hasMessage ? question.message : question.title);
     box.setInformativeText(question.informativeText);
-    box.setIconPixmap(Icons::pixmap(u"info"_s, Theme::accent, iconSize, box.devicePixelRatio()));
+    box.setIconPixmap(Icons::pixmap(u"info"_s, Theme::accent, boxIconSize, box.devicePixelRatio()));
     box.setTextFormat(Qt::PlainText);
 }
 
@@ -40,7 +40,7 @@ static void dress(QMessageBox &box)
     if (auto *question = box.findChild<QLabel *>(u"qt_msgbox_label"_s)) {
         question->setFont(Theme::font(Theme::FontRole::BodyStrong));
         if (box.informativeText().isEmpty())
-            question->setMinimumHeight(iconSize);
+            question->setMinimumHeight(boxIconSize);
     }
     if (auto *explanation = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s)) {
         QPalette palette = explanation->palette();

@@ -14,7 +14,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int cellWidth = 38;
 constexpr int cellHeight = 32;
 constexpr int titleHeight = 36;
-constexpr int arrowWidth = 32;
+constexpr int monthArrowWidth = 32;
 constexpr int discSize = 28;
 
 MonthGrid::MonthGrid(QWidget *parent)
@@ -63,7 +63,7 @@ QRect MonthGrid::cell(int row, int column) const
 
 QRect MonthGrid::arrow(int direction) const
 {
-    const QRect place(direction < 0 ? 0 : width() - arrowWidth, 0, arrowWidth, titleHeight);
+    const QRect place(direction < 0 ? 0 : width() - monthArrowWidth, 0, monthArrowWidth, titleHeight);
     return QStyle::visualRect(layoutDirection(), rect(), place);
 }
 

@@ -10,9 +10,9 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int iconWidth = 32;
-constexpr int iconSize = 16;
-constexpr int usualWidth = 200;
+constexpr int iconRoomWidth = 32;
+constexpr int pickerIconSize = 16;
+constexpr int pickerWidth = 200;
 constexpr int leastWidth = 96;
 
 PickerField::PickerField(const QString &iconName, QWidget *parent)
@@ -26,7 +26,7 @@ PickerField::PickerField(const QString &iconName, QWidget *parent)
 
 QSize PickerField::sizeHint() const
 {
-    return {usualWidth, std::max(Theme::controlHeight, fontMetrics().height() + 10)};
+    return {pickerWidth, std::max(Theme::controlHeight, fontMetrics().height() + 10)};
 }
 
 QSize PickerField::minimumSizeHint() const
@@ -50,7 +50,7 @@ void PickerField::setValue(const QString &words, const QString &wordsForNone)
 
 QRect PickerField::crossRect() const
 {
-    const QRect atEnd(width() - iconWidth, 0, iconWidth, height());
+    const QRect atEnd(width() - iconRoomWidth, 0, iconRoomWidth, height());
     return canClear() ? QStyle::visualRect(layoutDirection(), rect(), atEnd) : QRect();
 }
 
@@ -65,16 +65,16 @@ void PickerField::paintEvent(QPaintEvent *)
     const auto placed = [this](const QRect &rect) {
         return QStyle::visualRect(layoutDirection(), this->rect(), rect);
     };
-    Icons::paint(painter, placed(QRect(0, 0, iconWidth, height())), icon,
-                 hasValue() ? Theme::accent : Theme::secondaryText, iconSize);
+    Icons::paint(painter, placed(QRect(0, 0, iconRoomWidth, height())), icon,
+                 hasValue() ? Theme::accent : Theme::secondaryText, pickerIconSize);
     painter.setPen(hasValue() ? Theme::text : Theme::placeholderText);
-    const QRect place(iconWidth, 0, width() - (isClearable ? 2 * iconWidth : iconWidth + Theme::unit),
-                      height());
+    const QRect place(iconRoomWidth, 0,
+                      width() - (isClearable ? 2 * iconRoomWidth : iconRoomWidth + Theme::unit), height());
     painter.drawText(placed(place),
                      QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
                      fontMetrics().elidedText(text(), Qt::ElideRight, place.width()));
     if (canClear())
-        Icons::paint(painter, crossRect(), u"clear"_s, Theme::secondaryText, iconSize);
+        Icons::paint(painter, crossRect(), u"clear"_s, Theme::secondaryText, pickerIconSize);
     if (hasFocus())
         MorvaneStyle::drawFocusRing(painter, rect(), Theme::controlRadius, Theme::focusRing);
 }

@@ -14,7 +14,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int lineWidth = 320;
 constexpr int lineThickness = 6;
-constexpr int margin = 3 * Theme::unit;
+constexpr int signMargin = 3 * Theme::unit;
 
 namespace {
 
@@ -61,7 +61,7 @@ ProgressSign::ProgressSign(const QString &sentence, int steps, bool canBeStopped
     setWindowModality(Qt::ApplicationModal);
     setAccessibleName(sentence);
     auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(margin, margin, margin, margin);
+    column->setContentsMargins(signMargin, signMargin, signMargin, signMargin);
     column->setSpacing(2 * Theme::unit);
     column->addWidget(makeTextLabel(sentence, Theme::FontRole::BodyStrong, Theme::text));
     column->addWidget(line);

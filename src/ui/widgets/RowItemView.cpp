@@ -22,7 +22,7 @@ constexpr int narrowLabelWidth = 88;
 constexpr int sideMargin = 16;
 constexpr int topMargin = 3;
 constexpr int bottomMargin = 4;
-constexpr int iconSize = 16;
+constexpr int rowIconSize = 16;
 constexpr int deleteSize = 24;
 /// Left of what a control paints at its own end.
 constexpr int deleteInset = 30;
@@ -157,7 +157,7 @@ void RowItemView::setPreview(const QString &text, const QIcon &icon)
     previewLabel()->setText(text);
     previewText->setAccessibleName(label->text() + u": "_s + text);
     previewIcon->setVisible(!icon.isNull());
-    previewIcon->setPixmap(icon.pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
+    previewIcon->setPixmap(icon.pixmap(QSize(rowIconSize, rowIconSize), devicePixelRatioF()));
 }
 
 void RowItemView::setPreviewing(bool isNowPreviewing)
@@ -178,7 +178,7 @@ void RowItemView::setDeletable()
     buttonDelete = new QToolButton(this);
     buttonDelete->setObjectName(u"buttonDelete"_s + objectName().mid(3));
     buttonDelete->setIcon(Icons::icon(u"clear"_s, Theme::secondaryText));
-    buttonDelete->setIconSize({iconSize, iconSize});
+    buttonDelete->setIconSize({rowIconSize, rowIconSize});
     buttonDelete->setAutoRaise(true);
     buttonDelete->setFocusPolicy(Qt::NoFocus);
     buttonDelete->setCursor(Qt::ArrowCursor);

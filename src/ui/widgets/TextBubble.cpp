@@ -10,7 +10,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int textWidth = 320;
-constexpr int iconSize = 20;
+constexpr int infoIconSize = 20;
 
 TextBubble::TextBubble(const QString &text, QWidget *parent)
     : Popover(parent)
@@ -22,7 +22,7 @@ TextBubble::TextBubble(const QString &text, QWidget *parent)
     row->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     row->setSpacing(2 * Theme::unit);
     auto *icon = new QLabel;
-    icon->setPixmap(Icons::pixmap(u"info"_s, Theme::accent, iconSize, devicePixelRatioF()));
+    icon->setPixmap(Icons::pixmap(u"info"_s, Theme::accent, infoIconSize, devicePixelRatioF()));
     row->addWidget(icon, 0, Qt::AlignTop);
     QLabel *label = makeTextLabel(text, Theme::FontRole::Body, Theme::text);
     label->setFixedWidth(textWidth);

@@ -12,9 +12,9 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int sectionWidth = 30;
-constexpr int iconSize = 18;
-constexpr int padding = 12;
-constexpr int iconGap = 6;
+constexpr int toolIconSize = 18;
+constexpr int toolPadding = 12;
+constexpr int toolIconGap = 6;
 
 ToolBarButton::ToolBarButton(ActionType type, QWidget *parent)
     : QWidget(parent)
@@ -80,13 +80,13 @@ QList<ToolBarButton::ActionType> ToolBarButton::menuTypes() const
 QSize ToolBarButton::sizeHint() const
 {
     const int text = fontMetrics().horizontalAdvance(title());
-    return {2 * padding + iconSize + iconGap + text + (hasPopupSection() ? sectionWidth : 0),
+    return {2 * toolPadding + toolIconSize + toolIconGap + text + (hasPopupSection() ? sectionWidth : 0),
             std::max(Theme::controlHeight + 2, fontMetrics().height() + 14)};
 }
 
 QSize ToolBarButton::minimumSizeHint() const
 {
-    return isQuiet() ? QSize(2 * padding + iconSize, sizeHint().height()) : sizeHint();
+    return isQuiet() ? QSize(2 * toolPadding + toolIconSize, sizeHint().height()) : sizeHint();
 }
 
 QRect ToolBarButton::popupSection() const
@@ -137,10 +137,10 @@ void ToolBarButton::paintEvent(QPaintEvent *)
         return QStyle::visualRect(layoutDirection(), rect(), QRect(left, 0, wide, height()));
     };
     const bool hasWords = width() >= sizeHint().width();
-    Icons::paint(painter, placed(hasWords ? padding : (width() - iconSize) / 2, iconSize), iconName(), ink,
-                 iconSize);
+    Icons::paint(painter, placed(hasWords ? toolPadding : (width() - toolIconSize) / 2, toolIconSize),
+                 iconName(), ink, toolIconSize);
     painter.setPen(ink);
-    const int textLeft = padding + iconSize + iconGap;
+    const int textLeft = toolPadding + toolIconSize + toolIconGap;
     if (hasWords)
         painter.drawText(placed(textLeft, fontMetrics().horizontalAdvance(title()) + 1), Qt::AlignCenter,
                          title());

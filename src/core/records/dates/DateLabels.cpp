@@ -7,7 +7,7 @@
 
 #include <cmath>
 
-using Style = DateFormatter::Style;
+using DateStyle = DateFormatter::Style;
 
 static QString word(QStringView key)
 {
@@ -34,13 +34,14 @@ static LeadWords leadWords(bool isStart)
 
 static QString atTime(Date date)
 {
-    return QLatin1Char(' ') + joined(word(u"at"), DateFormatter::string(date, Style::None, Style::Short));
+    return QLatin1Char(' ') +
+           joined(word(u"at"), DateFormatter::string(date, DateStyle::None, DateStyle::Short));
 }
 
 static QString dateInWords(Date date, bool considerTime)
 {
     if (!considerTime)
-        return DateFormatter::string(date, Style::Medium, Style::None);
+        return DateFormatter::string(date, DateStyle::Medium, DateStyle::None);
     const QString monthAndDay = DateFormatter::patternFromTemplate(QStringLiteral("MMMM d"));
     return DateFormatter::string(date, monthAndDay) + atTime(date) +
            DateFormatter::string(date, QStringLiteral(" ',' yyyy"));

@@ -12,7 +12,7 @@ constexpr int recentDays = 1500;
 
 /// Days on which a ToDo was due and is late now, from the start of the first to the start of the one behind
 /// the last.
-struct Span
+struct LateDays
 {
     Date start;
     Date end;
@@ -24,10 +24,10 @@ bool isDayPast(OptionalDate today, Date day)
     return today && compared && *today > *compared;
 }
 
-std::vector<Span> spansOf(Date firstDay, Date startOfToday)
+std::vector<LateDays> spansOf(Date firstDay, Date startOfToday)
 {
     const OptionalDate today = MVDate::dayByPattern(startOfToday);
-    std::vector<Span> spans;
+    std::vector<LateDays> spans;
     for (Date day = firstDay; day <= startOfToday;) {
         const Date next = MVDate::getStartOfDay(MVDate::addDay(1, day));
         if (isDayPast(today, day)) {
@@ -42,9 +42,9 @@ std::vector<Span> spansOf(Date firstDay, Date startOfToday)
 }
 
 /// The spans of the present day, worked out once a day.
-const std::vector<Span> &recentSpans(Date firstDay, Date startOfToday)
+const std::vector<LateDays> &recentSpans(Date firstDay, Date startOfToday)
 {
-    static std::vector<Span> spans;
+    static std::vector<LateDays> spans;
     static OptionalDate knownFor;
     static quint64 generation = 0;
     if (knownFor != startOfToday || generation != Region::generation()) {
@@ -75,7 +75,7 @@ std::vector<Predicate> Lateness::recentlyLate(std::optional<int> type) const
     if (isMoment(type))
         return {Predicate::format("dueDate >= %@ and dueDate < %@", recentStart, now)};
     std::vector<Predicate> parts;
-    for (const Span &span : recentSpans(recentStart, MVDate::getStartOfDay(now)))
+    for (const LateDays &span : recentSpans(recentStart, MVDate::getStartOfDay(now)))
         parts.push_back(
             Predicate::format("dueDate >= %@ and dueDate < %@", span.start, std::min(span.end, now)));
     return parts;

@@ -2,11 +2,11 @@
 
 #include "eventkit/eds/EdsTimeLimit.h"
 
-static const QString action = QStringLiteral("Cannot reach the calendar service");
+static const QString reaching = QStringLiteral("Cannot reach the calendar service");
 
 static Error unreachable(const QString &reason)
 {
-    return CalendarError::make(CalendarError::Storage, action + QStringLiteral(": ") + reason);
+    return CalendarError::make(CalendarError::Storage, reaching + QStringLiteral(": ") + reason);
 }
 
 OptionalError EdsBus::connect()
@@ -16,7 +16,7 @@ OptionalError EdsBus::connect()
         const EdsTimeLimit limit(EdsTimeLimit::forReading);
         connection.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, limit.cancellable(), failure.out()));
         if (!connection)
-            return failure.told(action);
+            return failure.told(reaching);
         // Else the program would end with the bus.
         g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
     }
@@ -81,7 +81,7 @@ Result<QSet<QString>> EdsBus::sources()
         call(registry, "/org/gnome/evolution/dataserver/SourceManager", "org.freedesktop.DBus.ObjectManager",
              "GetManagedObjects", "(a{oa{sa{sv}}})", failure);
     if (!reply)
-        return failure.told(action);
+        return failure.told(reaching);
     QSet<QString> found;
     const GlibVariant objects(g_variant_get_child_value(reply.get(), 0));
     for (gsize index = 0; index < g_variant_n_children(objects.get()); ++index) {

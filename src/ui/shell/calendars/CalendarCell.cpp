@@ -14,7 +14,7 @@ namespace {
 
 constexpr int rowHeight = 36;
 constexpr int headingHeight = 40;
-constexpr int inset = 2 * Theme::unit;
+constexpr int lineInset = 2 * Theme::unit;
 constexpr int dotHeight = 11;
 constexpr int widthOfDefault = 19;
 constexpr int widthOfOthers = 11;
@@ -30,8 +30,8 @@ void write(QPainter &painter, const QRect &where, Qt::LayoutDirection direction,
 
 void paintHeading(QPainter &painter, const QStyleOptionViewItem &option, const QString &title)
 {
-    write(painter, option.rect.adjusted(inset, 0, -inset, -Theme::unit), option.direction, Qt::AlignBottom,
-          Theme::font(Theme::FontRole::SmallStrong), Theme::secondaryText, title);
+    write(painter, option.rect.adjusted(lineInset, 0, -lineInset, -Theme::unit), option.direction,
+          Qt::AlignBottom, Theme::font(Theme::FontRole::SmallStrong), Theme::secondaryText, title);
 }
 
 void paintCalendar(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
@@ -45,7 +45,7 @@ void paintCalendar(QPainter &painter, const QStyleOptionViewItem &option, const 
     const auto placed = [&](const QRect &rect) {
         return QStyle::visualRect(option.direction, option.rect, rect);
     };
-    const QRect line = option.rect.adjusted(inset, 0, -inset, 0);
+    const QRect line = option.rect.adjusted(lineInset, 0, -lineInset, 0);
     const int dotWidth =
         index.data(CalendarListModel::IsDefaultRole).toBool() ? widthOfDefault : widthOfOthers;
     QRect dot(line.left() + (widthOfDefault - dotWidth) / 2, 0, dotWidth, dotHeight);

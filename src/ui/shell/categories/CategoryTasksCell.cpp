@@ -10,7 +10,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int inset = 12;
+constexpr int cardInset = 12;
 constexpr int dotSize = 12;
 constexpr int markSize = 18;
 constexpr int countWidth = 40;
@@ -26,8 +26,8 @@ QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection directi
     const QRect card = cardOf(row);
     const bool hasMark = index.data(CategoryListModel::IsDefaultRole).toBool();
     const bool hasCount = hasMark || index.data(CategoryListModel::CountRole).toInt() > 0;
-    const int trailing = inset + (hasCount ? countWidth : 0) + (hasMark ? markSize : 0);
-    const QRect title = card.adjusted(inset + dotSize + inset, 0, -trailing, 0);
+    const int trailing = cardInset + (hasCount ? countWidth : 0) + (hasMark ? markSize : 0);
+    const QRect title = card.adjusted(cardInset + dotSize + cardInset, 0, -trailing, 0);
     return QStyle::visualRect(direction, row, title);
 }
 
@@ -66,12 +66,12 @@ void CategoryTasksCell::paint(QPainter *painter, const QStyleOptionViewItem &opt
     };
     painter->setBrush(index.data(CategoryListModel::ColorRole).value<QColor>());
     painter->drawEllipse(
-        placed({card.left() + inset, card.center().y() - dotSize / 2 + 1, dotSize, dotSize}));
+        placed({card.left() + cardInset, card.center().y() - dotSize / 2 + 1, dotSize, dotSize}));
     painter->setFont(Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body));
     painter->setPen(isSelected ? Theme::selectedText : Theme::text);
     Direction::drawLine(*painter, titleRect(option.rect, option.direction, index), option.direction,
                         index.data().toString());
-    const QRect count(card.right() - inset - countWidth, card.top(), countWidth, card.height());
+    const QRect count(card.right() - cardInset - countWidth, card.top(), countWidth, card.height());
     paintCount(*painter, placed(count), option.direction, index.data(CategoryListModel::CountRole).toInt());
     if (index.data(CategoryListModel::IsDefaultRole).toBool())
         Icons::paint(*painter, placed({count.left() - markSize, card.top(), markSize, card.height()}),

@@ -23,7 +23,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int margin = 2 * Theme::unit;
+constexpr int paneMargin = 2 * Theme::unit;
 /// The pane ends where the tool bar does.
 constexpr int trailingMargin = Theme::contentMargin;
 /// Below this width the mail button is its icon alone.
@@ -84,7 +84,7 @@ QWidget *TaskDetailViewController::makeHeader()
 {
     auto *header = new QWidget;
     auto *line = new QHBoxLayout(header);
-    line->setContentsMargins(Direction::margins(*this, margin, Theme::unit, trailingMargin, Theme::unit));
+    line->setContentsMargins(Direction::margins(*this, paneMargin, Theme::unit, trailingMargin, Theme::unit));
     line->setSpacing(Theme::unit);
     const bool isMirrored = isRightToLeft();
     buttonBack = makeHeaderButton(u"buttonBack"_s, isMirrored ? u"chevron-right"_s : u"chevron-left"_s,
@@ -114,10 +114,10 @@ QWidget *TaskDetailViewController::makeBody()
     labelCreated->setPalette(palette);
     auto *body = new QWidget;
     auto *column = new QVBoxLayout(body);
-    column->setContentsMargins(Direction::margins(*this, margin, 0, trailingMargin, margin));
-    column->setSpacing(margin);
+    column->setContentsMargins(Direction::margins(*this, paneMargin, 0, trailingMargin, paneMargin));
+    column->setSpacing(paneMargin);
     for (QWidget *part : {static_cast<QWidget *>(view), static_cast<QWidget *>(labelCreated)})
-        part->setMaximumWidth(widestForm - margin - trailingMargin);
+        part->setMaximumWidth(widestForm - paneMargin - trailingMargin);
     column->addWidget(view);
     column->addWidget(labelCreated);
     column->addStretch(1);

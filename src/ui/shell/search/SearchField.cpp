@@ -8,7 +8,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int usualWidth = 208;
+constexpr int fieldWidth = 208;
 constexpr int leastWidth = 116;
 
 SearchField::SearchField(QWidget *parent)
@@ -24,7 +24,7 @@ SearchField::SearchField(QWidget *parent)
 
 QSize SearchField::sizeHint() const
 {
-    return {usualWidth, QLineEdit::sizeHint().height()};
+    return {fieldWidth, QLineEdit::sizeHint().height()};
 }
 
 QSize SearchField::minimumSizeHint() const

@@ -17,7 +17,7 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
-constexpr int usualWidth = 360;
+constexpr int popoverWidth = 360;
 constexpr int gap = 4;
 constexpr auto longSearch = 200ms;
 
@@ -100,13 +100,13 @@ void SearchPopover::showHint()
         hint->setText(localized(u"Searching…"_s));
     else
         hint->setText(localized(u"Nothing found for “%1”"_s)
-                          .arg(fontMetrics().elidedText(field.text(), Qt::ElideMiddle, usualWidth / 2)));
+                          .arg(fontMetrics().elidedText(field.text(), Qt::ElideMiddle, popoverWidth / 2)));
 }
 
 void SearchPopover::place()
 {
     const QRect around(field.mapTo(parentWidget(), QPoint(0, 0)), field.size());
-    const int wide = std::min(usualWidth, parentWidget()->width() - 2 * Theme::unit);
+    const int wide = std::min(popoverWidth, parentWidget()->width() - 2 * Theme::unit);
     const int trailing = isRightToLeft() ? around.left() : around.right() + 1 - wide;
     const int left = std::clamp(trailing, Theme::unit, parentWidget()->width() - wide - Theme::unit);
     const int top = around.bottom() + gap;

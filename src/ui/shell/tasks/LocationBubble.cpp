@@ -14,7 +14,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr QSize bubbleSize(350, 250);
-constexpr int margin = 12;
+constexpr int bubbleMargin = 12;
 
 LocationBubble::LocationBubble(const LocationPtr &current, QWidget *parent)
     : Popover(parent)
@@ -26,7 +26,7 @@ LocationBubble::LocationBubble(const LocationPtr &current, QWidget *parent)
     setAccessibleName(localized(u"Location"_s));
     setFixedSize(bubbleSize);
     auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(margin, margin, margin, margin);
+    column->setContentsMargins(bubbleMargin, bubbleMargin, bubbleMargin, bubbleMargin);
     column->setSpacing(Theme::unit);
     column->addWidget(header);
     pages = new QStackedLayout;

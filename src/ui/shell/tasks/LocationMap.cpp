@@ -13,7 +13,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int iconSize = 16;
+constexpr int searchIconSize = 16;
 constexpr int nearZoom = 15;
 constexpr int regionZoom = 10;
 
@@ -61,7 +61,7 @@ void LocationMap::makeTitle()
     buttonSearch = new QToolButton;
     buttonSearch->setObjectName(u"buttonSearchLocate"_s);
     buttonSearch->setIcon(Icons::icon(u"search"_s, Theme::accent));
-    buttonSearch->setIconSize({iconSize, iconSize});
+    buttonSearch->setIconSize({searchIconSize, searchIconSize});
     buttonSearch->setAutoRaise(true);
     buttonSearch->setFocusPolicy(Qt::StrongFocus);
     buttonSearch->setAccessibleName(localized(u"Search"_s));

@@ -16,7 +16,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int firstWidth = 520;
-constexpr int margin = 2 * Theme::unit;
+constexpr int formMargin = 2 * Theme::unit;
 /// The rows have come to rest by then.
 constexpr auto afterRows = std::chrono::milliseconds(40);
 
@@ -29,7 +29,7 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     setWindowTitle(localized(u"New Task"_s));
     auto *body = new QWidget;
     auto *inside = new QVBoxLayout(body);
-    inside->setContentsMargins(margin, margin, margin, 0);
+    inside->setContentsMargins(formMargin, formMargin, formMargin, 0);
     inside->addWidget(view);
     inside->addStretch(1);
     auto *column = new QVBoxLayout(this);
@@ -56,7 +56,7 @@ void WindowNewTask::growToForm()
 {
     const QRect room = screen()->availableGeometry();
     const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
-    const int most = isVisible() ? room.bottom() - y() - titleBar : room.height() - titleBar - margin;
+    const int most = isVisible() ? room.bottom() - y() - titleBar : room.height() - titleBar - formMargin;
     const int wanted = std::min(layout()->totalSizeHint().height(), most);
     if (wanted > height())
         resize(width(), wanted);
@@ -75,7 +75,7 @@ QWidget *WindowNewTask::makeButtons()
 {
     auto *line = new QWidget;
     auto *row = new QHBoxLayout(line);
-    row->setContentsMargins(margin, margin, margin, margin);
+    row->setContentsMargins(formMargin, formMargin, formMargin, formMargin);
     auto *buttonClose = new QPushButton(localized(u"Close"_s));
     buttonClose->setObjectName(u"buttonClose"_s);
     connect(buttonClose, &QPushButton::clicked, this, &WindowNewTask::clickButtonClose);

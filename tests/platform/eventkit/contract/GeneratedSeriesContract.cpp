@@ -1,5 +1,7 @@
 #include "EventStoreContract.h"
 
+#include "eventkit/WallClock.h"
+
 #include <QDate>
 
 #include <algorithm>
@@ -63,7 +65,6 @@ private:
     std::mt19937 random;
 };
 
-constexpr double secondsOfADay = 86400;
 const Date beginning = utcDate(2024, 1, 1);
 /// Looked at are occurrences up to here, wherever they were moved.
 const Date lastOccurrence = utcDate(2024, 5, 5, 5);

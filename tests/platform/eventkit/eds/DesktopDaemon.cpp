@@ -18,7 +18,7 @@ using Texts = QMap<QString, QString>;
 
 namespace {
 
-const QString beginning = QStringLiteral("org.gnome.evolution.dataserver.");
+const QString namePrefix = QStringLiteral("org.gnome.evolution.dataserver.");
 const QString managerPath = QStringLiteral("/org/gnome/evolution/dataserver/SourceManager");
 
 QDBusConnection bus()
@@ -81,7 +81,7 @@ Objects managedObjects(const QString &service)
 
 QString uidOf(const Properties &interfaces)
 {
-    return interfaces.value(beginning + QStringLiteral("Source")).value(QStringLiteral("UID")).toString();
+    return interfaces.value(namePrefix + QStringLiteral("Source")).value(QStringLiteral("UID")).toString();
 }
 
 } // namespace
@@ -89,14 +89,14 @@ QString uidOf(const Properties &interfaces)
 QStringList DesktopDaemon::runningNames()
 {
     const QDBusReply<QStringList> names = callBus(QStringLiteral("ListNames"));
-    return names.value().filter(beginning);
+    return names.value().filter(namePrefix);
 }
 
 /// Of the part that runs, or else could run.
 QString DesktopDaemon::name(Part part)
 {
     const QString wanted =
-        beginning + (part == Part::Sources ? QStringLiteral("Sources") : QStringLiteral("Calendar"));
+        namePrefix + (part == Part::Sources ? QStringLiteral("Sources") : QStringLiteral("Calendar"));
     const QDBusReply<QStringList> activatable = callBus(QStringLiteral("ListActivatableNames"));
     const QStringList names = activatable.value().filter(wanted);
     EXPECT_FALSE(names.isEmpty()) << qPrintable(wanted) << " is not installed";
@@ -152,18 +152,18 @@ QStringList DesktopDaemon::sources()
 
 void DesktopDaemon::createSource(const QString &uid, const QString &text)
 {
-    expectDone(call(name(Part::Sources), managerPath, beginning + QStringLiteral("SourceManager"),
+    expectDone(call(name(Part::Sources), managerPath, namePrefix + QStringLiteral("SourceManager"),
                     QStringLiteral("CreateSources"), {QVariant::fromValue(Texts{{uid, text}})}));
 }
 
 void DesktopDaemon::removeSource(const QString &uid)
 {
-    expectDone(call(name(Part::Sources), pathOf(uid), beginning + QStringLiteral("Source.Removable"),
+    expectDone(call(name(Part::Sources), pathOf(uid), namePrefix + QStringLiteral("Source.Removable"),
                     QStringLiteral("Remove")));
 }
 
 void DesktopDaemon::writeSource(const QString &uid, const QString &text)
 {
-    expectDone(call(name(Part::Sources), pathOf(uid), beginning + QStringLiteral("Source.Writable"),
+    expectDone(call(name(Part::Sources), pathOf(uid), namePrefix + QStringLiteral("Source.Writable"),
                     QStringLiteral("Write"), {text}));
 }
