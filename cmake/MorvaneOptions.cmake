@@ -39,6 +39,11 @@ target_compile_options(morvane_options INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
   $<$<BOOL:${MORVANE_WERROR}>:-Werror>)
 
+# In a unity build each source is included, and GCC then takes an anonymous namespace for one of a header.
+if(CMAKE_UNITY_BUILD)
+  target_compile_options(morvane_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endif()
+
 if(MORVANE_SANITIZE)
   target_compile_options(morvane_options INTERFACE
     -fsanitize=${MORVANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
