@@ -7,16 +7,17 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <random>
+#include <cstring>
 
 unsigned testSeed()
 {
-    static const unsigned seed = [] {
-        bool isSet = false;
-        const unsigned set = qEnvironmentVariable("MORVANE_TEST_SEED").toUInt(&isSet);
-        return isSet ? set : std::random_device()();
-    }();
-    return seed;
+    const testing::TestInfo *test = testing::UnitTest::GetInstance()->current_test_info();
+    if (test && !std::strstr(test->name(), "Generated") && !std::strstr(test->test_suite_name(), "Generated"))
+        ADD_FAILURE() << "A test of generated cases says \"Generated\" in its name";
+    constexpr unsigned usualSeed = 1;
+    bool isSet = false;
+    const unsigned set = qEnvironmentVariable("MORVANE_TEST_SEED").toUInt(&isSet);
+    return isSet ? set : usualSeed;
 }
 
 Date localDate(int year, int month, int day, int hour, int minute, int second)

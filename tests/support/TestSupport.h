@@ -13,7 +13,8 @@
 #include <memory>
 #include <vector>
 
-/// The seed of generated cases: printed at the start of a run, set by `MORVANE_TEST_SEED` to repeat one.
+/// The seed of all generated cases: the value of `MORVANE_TEST_SEED`, else always the same. A test that asks
+/// for it has "Generated" in its name, by which the target `soak` finds it, and fails otherwise.
 unsigned testSeed();
 
 /// A wall time in the zone of the process.

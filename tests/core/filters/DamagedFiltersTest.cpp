@@ -204,7 +204,7 @@ TEST_F(DamagedFilters, NameWhatIsGoneOrOfAnotherKind)
     EXPECT_EQ(counts(u"Status"_qs, 1e300), std::tuple(false, 0u, 1u));
 }
 
-TEST_F(DamagedFilters, WithAnythingAnywhereAreSurvived)
+TEST_F(DamagedFilters, WithGeneratedRubbishAnywhereAreSurvived)
 {
     std::mt19937 random(testSeed());
     const auto pick = [&random](int count) {

@@ -176,7 +176,7 @@ protected:
     }
 };
 
-TEST_F(Lists, HoldWhatASecondReadingOfTheRulesGives)
+TEST_F(Lists, HoldOfGeneratedTasksWhatASecondReadingOfTheRulesGives)
 {
     const std::vector<Plain> tasks = generate(600);
     store(tasks);
@@ -211,7 +211,7 @@ TEST_F(Lists, HoldWhatASecondReadingOfTheRulesGives)
     EXPECT_EQ(sorted(lines(DBWorker::allInboxTasks())), sorted(expected(tasks, isOnInbox, byTitle)));
 }
 
-TEST_F(Lists, AreAsLongAsTheirBadgesSay)
+TEST_F(Lists, OfGeneratedTasksAreAsLongAsTheirBadgesSay)
 {
     const std::vector<Plain> tasks = generate(600);
     store(tasks);

@@ -97,7 +97,7 @@ protected:
     }
 };
 
-TEST_F(Placement, AgreesWithEveryListAboutEveryTask)
+TEST_F(Placement, AgreesWithEveryListAboutEveryGeneratedTask)
 {
     std::mt19937 numbers(testSeed());
     std::vector<TaskPtr> all;

@@ -79,7 +79,7 @@ protected:
         "END:VEVENT\nEND:VCALENDAR\n";
 };
 
-TEST_F(DamagedTextsTest, WhatIsStillUnderstoodCanBeEdited)
+TEST_F(DamagedTextsTest, WhatIsStillUnderstoodAfterGeneratedDamageCanBeEdited)
 {
     int understood = 0;
     for (int round = 0; round < 400; ++round) {

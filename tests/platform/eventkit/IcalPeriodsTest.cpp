@@ -53,11 +53,12 @@ protected:
         all.resize(std::min<std::size_t>(all.size(), 60));
         return all;
     }
-    std::mt19937 random{testSeed()};
+    std::mt19937 random;
 };
 
-TEST_F(IcalPeriodsTest, AgreesWithOurOwnPeriodsWhereItIsUsed)
+TEST_F(IcalPeriodsTest, AgreesWithOurOwnPeriodsOnGeneratedRulesWhereItIsUsed)
 {
+    random.seed(testSeed());
     int used = 0;
     for (int round = 0; round < 6000; ++round) {
         const RecurrencePattern rule = pattern();

@@ -56,7 +56,7 @@ protected:
     const Calendar berlin{{.zoneIdentifier = "Europe/Berlin", .localeIdentifier = QStringLiteral("en_US")}};
 };
 
-TEST_F(RecurrenceExpanderTest, AWindowGivesWhatAllOccurrencesHaveInsideIt)
+TEST_F(RecurrenceExpanderTest, AWindowOnAGeneratedRuleGivesWhatAllOccurrencesHaveInsideIt)
 {
     std::mt19937 random(testSeed());
     const WallClock start{2023, 1, 17, 9, 5, 30};

@@ -163,7 +163,7 @@ TEST(CalendarTest, AllMomentsOfADayAgreeOnItsStartWhereTheClockGoesBackIntoTheDa
 }
 
 /// Says of any zone what makes a stretch of time a day, without asking how it was found.
-TEST(CalendarTest, DaysOfAnyZoneCoverTimeWithoutGapOrOverlap)
+TEST(CalendarTest, GeneratedDaysOfAnyZoneCoverTimeWithoutGapOrOverlap)
 {
     std::mt19937 random(testSeed());
     std::uniform_real_distribution<double> instants(utcDate(1980, 1, 1).referenceSeconds(),
@@ -195,7 +195,7 @@ TEST(CalendarTest, WallTimesInAGapMoveOnByItsLengthEvenAfterADaysStartWasAskedFo
     EXPECT_EQ(localDate(2024, 3, 31, 2, 30), utcDate(2024, 3, 31, 1, 30));
 }
 
-TEST(CalendarTest, OffsetsAreThoseOfTheSystemsZoneDataInEveryZone)
+TEST(CalendarTest, OffsetsAtGeneratedMomentsAreThoseOfTheSystemsZoneDataInEveryZone)
 {
     const auto zones = QTimeZone::availableTimeZoneIds();
     std::mt19937 random(testSeed());

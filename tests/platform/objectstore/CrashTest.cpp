@@ -81,7 +81,7 @@ Killed runAndKill(const QString &path, int first, std::chrono::microseconds life
 
 } // namespace
 
-TEST(Crash, whatWasReportedAsSavedIsThereWholeAfterAKill)
+TEST(Crash, whatWasReportedAsSavedIsThereWholeAfterAKillAtAGeneratedMoment)
 {
     Library library;
     library.close();

@@ -231,13 +231,13 @@ private:
 
 } // namespace
 
-TEST(PredicateAgreement, sqlAndMemoryPassTheSameBooks)
+TEST(PredicateAgreement, sqlAndMemoryPassTheSameGeneratedBooks)
 {
     for (unsigned round = 0; round < 6; ++round)
         Agreement(testSeed() + round).check();
 }
 
-TEST(PredicateAgreement, orderInSqlIsTheOrderOfValues)
+TEST(PredicateAgreement, orderInSqlIsTheOrderOfGeneratedValues)
 {
     Generator generate(testSeed());
     Library library;

@@ -242,7 +242,7 @@ TEST_F(Undo, keepsAThousandSavesOfNinetyDays)
     }
 }
 
-TEST_F(Undo, walksAnyHistoryBackAndForth)
+TEST_F(Undo, walksAnyGeneratedHistoryBackAndForth)
 {
     std::mt19937 random(testSeed());
     const auto below = [&random](size_t bound) {

@@ -6,7 +6,7 @@
 
 #include <random>
 
-TEST(RowGeometryTest, FindsWhatAWalkOverAllRowsWouldFind)
+TEST(RowGeometryTest, FindsWhatAWalkOverAllGeneratedRowsWouldFind)
 {
     std::mt19937 random(testSeed());
     for (int round = 0; round < 20; ++round) {

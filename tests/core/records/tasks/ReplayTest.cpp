@@ -427,7 +427,7 @@ protected:
     sqlite3 *file = nullptr;
 };
 
-TEST_P(Replay, AgreesWithThePlainRules)
+TEST_P(Replay, OfGeneratedDaysAgreesWithThePlainRules)
 {
     constexpr int steps = 300;
     for (int step = 0; step < steps && !HasFailure(); ++step) {
