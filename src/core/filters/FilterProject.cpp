@@ -2,14 +2,14 @@
 
 #include "foundation/Localization.h"
 
-static FilterRow row(int tag, const QString &key)
+static FilterRow criterionRow(int tag, const QString &key)
 {
     return {tag, key, localized(key)};
 }
 
 FilterProject::FilterProject()
     : ListFilter(SavedFilter::ofProjects(),
-                 {row(1, QStringLiteral("Title")), row(2, QStringLiteral("Category")),
-                  row(3, QStringLiteral("Status")), row(4, QStringLiteral("Priority")),
-                  row(5, QStringLiteral("Period")), row(6, QStringLiteral("Delegate"))})
+                 {criterionRow(1, QStringLiteral("Title")), criterionRow(2, QStringLiteral("Category")),
+                  criterionRow(3, QStringLiteral("Status")), criterionRow(4, QStringLiteral("Priority")),
+                  criterionRow(5, QStringLiteral("Period")), criterionRow(6, QStringLiteral("Delegate"))})
 {}

@@ -5,7 +5,7 @@
 
 #include <QVariantMap>
 
-static constexpr int none = -1;
+static constexpr int noIndex = -1;
 static constexpr int lastIndex = 2;
 
 int TaskGrouping::selectedIndex() const
@@ -13,12 +13,12 @@ int TaskGrouping::selectedIndex() const
     const QVariantMap stored = UserDefaults::standard().object(settings::taskGrouped).toMap();
     bool isNumber = false;
     const int index = stored.value(QString::number(listType)).toInt(&isNumber);
-    return listType != none && isNumber && index >= 0 && index <= lastIndex ? index : none;
+    return listType != noIndex && isNumber && index >= 0 && index <= lastIndex ? index : noIndex;
 }
 
 void TaskGrouping::setSelectedIndex(int index) const
 {
-    if (listType == none)
+    if (listType == noIndex)
         return;
     UserDefaults &defaults = UserDefaults::standard();
     QVariantMap stored = defaults.object(settings::taskGrouped).toMap();

@@ -16,7 +16,7 @@ namespace {
 const QString prefix = u"RecurrenceRuleText."_s;
 
 /// The last part of the keys that depend on the frequency; empty for one that has none.
-QString unitOf(RecurrenceFrequency frequency)
+QString unitWord(RecurrenceFrequency frequency)
 {
     switch (frequency) {
     case RecurrenceFrequency::daily:
@@ -34,7 +34,7 @@ QString unitOf(RecurrenceFrequency frequency)
 
 QString unitPhrase(const RecurrenceRule &rule, const RecurrencePickerTexts &texts)
 {
-    const QString unit = unitOf(rule.frequency);
+    const QString unit = unitWord(rule.frequency);
     return rule.interval <= 1 ? texts.text(u"unit."_s + unit)
                               : texts.text(u"pluralUnit."_s + unit, {rule.interval});
 }
@@ -125,7 +125,7 @@ bool isEveryWeekday(const RecurrenceRule &rule)
 QString RecurrenceSentence::of(const RecurrenceRule &rule, RecurrencePickerLanguage language)
 {
     const RecurrencePickerTexts texts(language);
-    if (unitOf(rule.frequency).isEmpty())
+    if (unitWord(rule.frequency).isEmpty())
         return {};
     if (isEveryWeekday(rule))
         return texts.text(prefix + u"everyWeekday"_s);

@@ -5,7 +5,7 @@
 #include <QPainter>
 
 constexpr int categoryIconSize = 16;
-constexpr int circleSize = 10;
+constexpr int categoryDotSize = 10;
 constexpr int sharpness = 3;
 
 QIcon CategoryIcon::circle(const QColor &colour)
@@ -19,8 +19,8 @@ QIcon CategoryIcon::circle(const QColor &colour)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
-    constexpr int margin = (categoryIconSize - circleSize) / 2;
-    painter.drawEllipse(margin, margin, circleSize, circleSize);
+    constexpr int margin = (categoryIconSize - categoryDotSize) / 2;
+    painter.drawEllipse(margin, margin, categoryDotSize, categoryDotSize);
     return QIcon(pixmap);
 }
 

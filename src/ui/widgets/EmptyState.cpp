@@ -6,7 +6,7 @@
 #include <QPainter>
 #include <QPushButton>
 
-constexpr int discSize = 96;
+constexpr int emptyDiscSize = 96;
 constexpr int emptyIconSize = 44;
 constexpr int textWidth = 360;
 
@@ -37,10 +37,10 @@ EmptyState::Places EmptyState::places() const
                                                    Qt::AlignHCenter | Qt::TextWordWrap, text);
     const QSize button = action ? action->sizeHint() : QSize();
     const int buttonPart = action ? 2 * Theme::unit + button.height() : 0;
-    const int total = discSize + 2 * Theme::unit + words.height() + buttonPart;
+    const int total = emptyDiscSize + 2 * Theme::unit + words.height() + buttonPart;
     const int top = std::max(0, (height() - total) * 2 / 5);
     Places result;
-    result.disc = QRect((width() - discSize) / 2, top, discSize, discSize);
+    result.disc = QRect((width() - emptyDiscSize) / 2, top, emptyDiscSize, emptyDiscSize);
     result.words = QRect((width() - usableWidth) / 2, result.disc.bottom() + 2 * Theme::unit, usableWidth,
                          words.height() + 2);
     result.action =

@@ -13,7 +13,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int iconRoomWidth = 32;
 constexpr int pickerIconSize = 16;
 constexpr int pickerWidth = 200;
-constexpr int leastWidth = 96;
+constexpr int leastPickerWidth = 96;
 
 PickerField::PickerField(const QString &iconName, QWidget *parent)
     : QWidget(parent)
@@ -31,7 +31,7 @@ QSize PickerField::sizeHint() const
 
 QSize PickerField::minimumSizeHint() const
 {
-    return {leastWidth, sizeHint().height()};
+    return {leastPickerWidth, sizeHint().height()};
 }
 
 void PickerField::setClearable(bool clearable)

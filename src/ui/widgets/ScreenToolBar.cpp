@@ -8,7 +8,7 @@
 #include <QStyle>
 
 /// Wide enough for the names of all lists; a longer one is the user's own.
-constexpr int leastWidth = 160;
+constexpr int leastTitleWidth = 160;
 
 /// A title that is cut off where the controls need its room.
 class ScreenToolBar::TitleLabel : public QWidget
@@ -33,7 +33,7 @@ public:
     }
     QSize minimumSizeHint() const override
     {
-        return {std::min(sizeHint().width(), leastWidth), sizeHint().height()};
+        return {std::min(sizeHint().width(), leastTitleWidth), sizeHint().height()};
     }
 
 protected:
