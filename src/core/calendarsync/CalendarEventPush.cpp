@@ -11,7 +11,6 @@ namespace {
 
 const QString ownTitle = QStringLiteral("Morvane Pro");
 const QString upgradedVersion = QStringLiteral("3.0");
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
 
 void pushNew(EntityTask &task)
 {
@@ -37,7 +36,7 @@ void pushLinked(EntityTask &task, bool needCreateNewEvents)
 void push(const TaskPtr &task, bool needCreateNewEvents)
 {
     const bool isLinked = !task->calendarID().isEmpty();
-    if (task->status() == doneStatus || !task->dueDate()) {
+    if (task->status() == TaskStatus::Done || !task->dueDate()) {
         if (isLinked)
             CalendarEvent::removeEventCalendarFromTask(task, Span::ThisTask, false);
     } else if (isLinked) {
