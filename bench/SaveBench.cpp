@@ -18,9 +18,9 @@ void saveTask()
     MVTask task;
     task.title = QString::fromLatin1(title);
     task.details = QString::fromLatin1(details);
-    task.type = 0;
-    task.status = 0;
-    task.priority = 3;
+    task.type = TaskType::ToDo;
+    task.status = TaskStatus::Open;
+    task.priority = Priority::None;
     task.save();
     DBWorker::saveContext();
 }

@@ -111,9 +111,9 @@ private:
         } else {
             if (event.calendar && event.calendar->allowsContentModifications)
                 row->setCategory(EntityCategory::getCustom());
-            row->setType(static_cast<int>(TaskType::ToDo));
-            row->setStatus(static_cast<int>(TaskStatus::Open));
-            row->setPriority(static_cast<int>(Priority::None));
+            row->setType(TaskType::ToDo);
+            row->setStatus(TaskStatus::Open);
+            row->setPriority(Priority::None);
         }
         row->setCreationDate(MVDate::date());
         row->setLastModificationDate(MVDate::date());
@@ -141,7 +141,7 @@ rowfate::Decision fateOf(const TaskPtr &row, const std::unordered_set<TaskPtr> &
                          const DateInterval &window)
 {
     rowfate::Facts facts;
-    facts.isDone = row->status() == static_cast<int>(TaskStatus::Done);
+    facts.isDone = row->status() == TaskStatus::Done;
     facts.hasCalendarItem = !row->calendarID().isEmpty();
     facts.dueDate = row->dueDate();
     facts.date = row->startDate() ? row->startDate() : row->dueDate();

@@ -1,5 +1,4 @@
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/CalendarStoreState.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "store/AppDelegate.h"
@@ -10,6 +9,7 @@
 
 namespace {
 
+const QString ownTitle = QStringLiteral("Morvane Pro");
 const QString upgradedVersion = QStringLiteral("3.0");
 
 void pushNew(EntityTask &task)
@@ -36,7 +36,7 @@ void pushLinked(EntityTask &task, bool needCreateNewEvents)
 void push(const TaskPtr &task, bool needCreateNewEvents)
 {
     const bool isLinked = !task->calendarID().isEmpty();
-    if (task->status() == static_cast<int>(TaskStatus::Done) || !task->dueDate()) {
+    if (task->status() == TaskStatus::Done || !task->dueDate()) {
         if (isLinked)
             CalendarEvent::removeEventCalendarFromTask(task, Span::ThisTask, false);
     } else if (isLinked) {
@@ -85,7 +85,7 @@ void CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(bool needCreateNewE
     if (DBWorker::isSample() || !hasAccesToCalendar() || !isOurCalendar())
         return;
     std::vector<TaskPtr> rows;
-    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(calendarstore::ownTitle)) {
+    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(ownTitle)) {
         if (task)
             rows.push_back(task);
     }

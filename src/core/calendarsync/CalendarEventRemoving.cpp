@@ -79,7 +79,7 @@ struct OccurrenceDays
         : start(task.startDate())
         , end(task.dueDate())
     {
-        if (end && task.type().value_or(0) == static_cast<int>(TaskType::ToDo))
+        if (end && task.type().value_or(TaskType::ToDo) == TaskType::ToDo)
             end = MTDates::endOfCurrentDay(*end);
     }
     bool isOf(const EKEvent &event) const

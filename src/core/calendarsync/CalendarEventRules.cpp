@@ -11,7 +11,7 @@ OptionalDate endOfRule(const EntityTask &task)
     if (!task.endRepeat())
         return std::nullopt;
     const Date end = MTDates::inTimeZone(MTDates::endOfCurrentDay(*task.endRepeat()), "UTC");
-    const bool isEmailCall = task.type() == static_cast<int>(TaskType::EmailCall);
+    const bool isEmailCall = task.type() == TaskType::EmailCall;
     const OptionalDate first = isEmailCall ? task.dueDate() : task.startDate();
     if (!first)
         return end;

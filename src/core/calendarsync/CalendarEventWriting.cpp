@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
-
 EKSpan storeSpan(Span span)
 {
     return span == Span::ThisTask ? EKSpan::ThisEvent : EKSpan::FutureEvents;
@@ -185,7 +183,7 @@ void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, Optio
             copyToSeries(task);
         return;
     }
-    if (task.status() == doneStatus || !task.dueDate())
+    if (task.status() == TaskStatus::Done || !task.dueDate())
         return;
     if (wasRepeatRule || !task.repeat().isEmpty())
         writeOccurrence(task, span, changeStartDue);
@@ -198,7 +196,7 @@ void CalendarEvent::changeEventCalendarStatusFromTask(const TaskPtr &task, Span 
 {
     if (DBWorker::isSample() || !task->dueDate())
         return;
-    if (task->status() == doneStatus)
+    if (task->status() == TaskStatus::Done)
         removeEventCalendarFromTask(task, withSpan, false);
     else
         initEventCalendarFromTask(*task, withSpan, withChangeStartDue, !task->repeat().isEmpty());

@@ -37,7 +37,7 @@ std::optional<Taken> of(const EKEvent &event)
 bool areShownBy(const EntityTask &row, const EKEvent &event)
 {
     const auto taken = of(event);
-    return taken && row.type().value_or(0) == static_cast<int>(taken->type) &&
+    return taken && row.type().value_or(TaskType::ToDo) == taken->type &&
            isNear(row.startDate(), taken->start) && isNear(row.dueDate(), taken->due);
 }
 

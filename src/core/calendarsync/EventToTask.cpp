@@ -52,7 +52,7 @@ void takeDates(const EKEvent &event, EntityTask &task)
     const auto taken = eventdates::of(event);
     if (!taken)
         return;
-    task.setType(static_cast<int>(taken->type));
+    task.setType(taken->type);
     task.setStartDate(taken->start);
     task.setDueDate(taken->due);
 }

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
-
 bool isLive(const TaskPtr &row)
 {
     return row && row->context() && !row->isDeleted();
@@ -65,8 +63,9 @@ PassRows::PassRows(const std::vector<EKEvent> &events)
         titles.push_back(event.title);
     std::sort(titles.begin(), titles.end());
     titles.erase(std::unique(titles.begin(), titles.end()), titles.end());
-    for (const TaskPtr &row : mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(
-             Predicate::format("title in %@ and calendarID == nil and status != %d", titles, doneStatus)))) {
+    for (const TaskPtr &row :
+         mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(Predicate::format(
+             "title in %@ and calendarID == nil and status != %d", titles, TaskStatus::Done)))) {
         if (row)
             note(row);
     }
@@ -94,7 +93,7 @@ TaskPtr PassRows::rowOf(const EKEvent &event) const
         if (found == index.end())
             return;
         for (const TaskPtr &row : found->second) {
-            if (isFree(row) && row->status() != doneStatus && hasStill(*row))
+            if (isFree(row) && row->status() != TaskStatus::Done && hasStill(*row))
                 candidates.push_back(row);
         }
     };
@@ -153,6 +152,6 @@ TaskPtr PassRows::firstOfTitle(const QString &title) const
     if (found == byTitle.end())
         return nullptr;
     return firstByStart(found->second, [&](const EntityTask &row) {
-        return row.title() == title && row.status() != doneStatus && isVisible(row);
+        return row.title() == title && row.status() != TaskStatus::Done && isVisible(row);
     });
 }

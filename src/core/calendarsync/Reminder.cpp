@@ -34,7 +34,7 @@ void apply(const Pair &pair)
     if (reminder.completionDate && *reminder.completionDate < MVDate::date())
         task.setExpirationDate(reminder.completionDate);
     task.setPriority(Reminder::taskPriorityOf(reminder.priority));
-    task.setStatus(static_cast<int>(reminder.isCompleted ? TaskStatus::Done : TaskStatus::Open));
+    task.setStatus(reminder.isCompleted ? TaskStatus::Done : TaskStatus::Open);
     takeAlarms(reminder, task);
     task.setDetails(reminder.notes);
     NotificationCenter::defaultCenter().post(notifications::taskChange, pair.task);
@@ -157,7 +157,7 @@ void Reminder::initReminderFromTask(const TaskPtr &task)
 {
     withAccess([task](EKEventStore &accessible) {
         removeReminder(accessible, *task);
-        const bool isDone = task->status() == static_cast<int>(TaskStatus::Done);
+        const bool isDone = task->status() == TaskStatus::Done;
         if (isDone || (!task->alert() && !task->secondAlert()))
             return;
         EKReminder reminder = reminderOf(*task, accessible);
@@ -174,32 +174,32 @@ void Reminder::deleteReminderFromTask(const TaskPtr &task)
 
 void Reminder::changeReminderStatusFromTask(const TaskPtr &task)
 {
-    if (task->status() == static_cast<int>(TaskStatus::Done))
+    if (task->status() == TaskStatus::Done)
         deleteReminderFromTask(task);
     else
         initReminderFromTask(task);
     DBWorker::saveContext();
 }
 
-int Reminder::reminderPriorityOf(std::optional<int> taskPriority)
+int Reminder::reminderPriorityOf(std::optional<Priority> taskPriority)
 {
-    switch (taskPriority.value_or(-1)) {
-    case 3:
+    switch (taskPriority.value_or(Priority::High)) {
+    case Priority::None:
         return 0;
-    case 2:
+    case Priority::Low:
         return 7;
-    case 1:
+    case Priority::Medium:
         return 5;
     default:
         return 2;
     }
 }
 
-int Reminder::taskPriorityOf(int reminderPriority)
+Priority Reminder::taskPriorityOf(int reminderPriority)
 {
     if (reminderPriority >= 1 && reminderPriority <= 4)
-        return 0;
+        return Priority::High;
     if (reminderPriority == 5)
-        return 1;
-    return reminderPriority >= 6 && reminderPriority <= 9 ? 2 : 3;
+        return Priority::Medium;
+    return reminderPriority >= 6 && reminderPriority <= 9 ? Priority::Low : Priority::None;
 }

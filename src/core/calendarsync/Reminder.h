@@ -27,9 +27,9 @@ public:
     static void deleteReminderFromTask(const TaskPtr &task);
     static void changeReminderStatusFromTask(const TaskPtr &task);
 
-    /// Between the priorities of tasks (0 to 3) and of reminders (0 to 9). Not inverses of each other.
-    static int reminderPriorityOf(std::optional<int> taskPriority);
-    static int taskPriorityOf(int reminderPriority);
+    /// Between the priorities of tasks and of reminders (0 to 9). Not inverses of each other.
+    static int reminderPriorityOf(std::optional<Priority> taskPriority);
+    static Priority taskPriorityOf(int reminderPriority);
 
 private:
     std::shared_ptr<EKEventStore> store;

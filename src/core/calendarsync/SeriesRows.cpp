@@ -12,12 +12,11 @@ namespace series {
 
 namespace {
 
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
 constexpr Seconds secondsPerDay{86400};
 
 bool isOfType(const EntityTask &task, TaskType type)
 {
-    return task.type().value_or(0) == static_cast<int>(type);
+    return task.type().value_or(TaskType::ToDo) == type;
 }
 
 Date withTimeOf(Date date, Date time)
@@ -39,7 +38,7 @@ void copyFields(const EntityTask &from, EntityTask &row)
     row.setType(from.type());
     row.setCategory(from.category());
     row.setStatus(from.status());
-    if (from.status() == doneStatus && !row.expirationDate())
+    if (from.status() == TaskStatus::Done && !row.expirationDate())
         row.setExpirationDate(MVDate::date());
     row.setPriority(from.priority());
     row.setLocation(from.location());
@@ -142,7 +141,7 @@ void SharedFields::writeTo(EntityTask &row) const
     row.setCategory(category);
     row.setType(type);
     row.setStatus(status);
-    if (status == doneStatus && !row.expirationDate())
+    if (status == TaskStatus::Done && !row.expirationDate())
         row.setExpirationDate(MVDate::date());
     row.setPriority(priority);
     row.setLocation(location);

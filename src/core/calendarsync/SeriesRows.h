@@ -37,7 +37,9 @@ public:
 
 private:
     CategoryPtr category;
-    std::optional<int> type, status, priority;
+    std::optional<TaskType> type;
+    std::optional<TaskStatus> status;
+    std::optional<Priority> priority;
     std::shared_ptr<EntityLocation> location;
     ProjectPtr project;
     ContactPtr delegateToUser;

@@ -31,8 +31,8 @@ void putDates(const EntityTask &task, EKEvent &event)
 {
     if (eventdates::areShownBy(task, event))
         return;
-    event.allDay = task.type().value_or(0) == static_cast<int>(TaskType::ToDo);
-    if (task.type() == static_cast<int>(TaskType::EmailCall))
+    event.allDay = task.type().value_or(TaskType::ToDo) == TaskType::ToDo;
+    if (task.type() == TaskType::EmailCall)
         event.startDate = task.dueDate();
     else if (task.startDate())
         event.startDate = task.startDate();

@@ -130,8 +130,8 @@ std::vector<Predicate> DBWorker::predicateTasks(const FilterEntry *filter)
                                                "startDate <= %@) or (type = %d and ((dueDate >= %@ and "
                                                "dueDate <= %@) or (startDate >= %@ and startDate <= "
                                                "%@)))",
-                                               from, to, from, to, from, to, static_cast<int>(TaskType::ToDo),
-                                               dayStart, dayEnd, dayStart, dayEnd));
+                                               from, to, from, to, from, to, TaskType::ToDo, dayStart, dayEnd,
+                                               dayStart, dayEnd));
     }
     addObject(criteria, QStringLiteral("Location"), "location", predicates);
     addObjects(criteria, QStringLiteral("Delegate"), "delegateToUser", predicates);

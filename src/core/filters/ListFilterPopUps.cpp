@@ -12,18 +12,30 @@ namespace {
 const QString all = QStringLiteral("All");
 const QString none = QStringLiteral("None");
 
-QString typeWord(int type)
+// The words of the numbers that a saved filter holds.
+
+QString typeWord(int number)
 {
-    return Functional::typeStringFromType(type);
+    return Functional::typeStringFromType(static_cast<TaskType>(number));
+}
+
+QString statusWord(int number)
+{
+    return Functional::statusStringFromType(static_cast<TaskStatus>(number));
+}
+
+QString priorityWord(int number)
+{
+    return Functional::priorityStringFromType(static_cast<Priority>(number));
 }
 
 /// The number that an item of a pop-up of words stands for.
 int numberOfWord(const QString &key, const QString &word)
 {
     if (key == QStringLiteral("Type"))
-        return Functional::taskTypeFromString(word);
-    return key == QStringLiteral("Status") ? Functional::statusTypeFromString(word)
-                                           : Functional::priorityTypeFromString(word);
+        return static_cast<int>(Functional::taskTypeFromString(word));
+    return key == QStringLiteral("Status") ? static_cast<int>(Functional::statusTypeFromString(word))
+                                           : static_cast<int>(Functional::priorityTypeFromString(word));
 }
 
 bool isNumber(const QVariant &value)
@@ -134,12 +146,12 @@ FilterPopUp ListFilter::makePopUp(const QString &key) const
         return wordsPopUp(key,
                           {QStringLiteral("Open"), QStringLiteral("In Progress"), QStringLiteral("Pending"),
                            QStringLiteral("Done")},
-                          Functional::statusStringFromType);
+                          statusWord);
     if (key == QStringLiteral("Priority"))
         return wordsPopUp(key,
                           {QStringLiteral("No Priority"), QStringLiteral("High"), QStringLiteral("Medium"),
                            QStringLiteral("Low")},
-                          Functional::priorityStringFromType);
+                          priorityWord);
     if (key == QStringLiteral("Category")) {
         const Titled categories = titledCategories();
         return objectsPopUp(key, categories.objects, categories.titles, {all});

@@ -12,7 +12,6 @@
 namespace {
 
 constexpr int firstOwnIndex = 6;
-constexpr int doneStatus = 3;
 
 bool isTitleFree(const QString &title)
 {
@@ -26,7 +25,7 @@ Predicate ownOf(const CategoryPtr &category)
 
 Predicate isOpen()
 {
-    return Predicate::format("status != %d", doneStatus);
+    return Predicate::format("status != %d", TaskStatus::Done);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Date.h"
+#include "store/entities/TaskValues.h"
 
 #include <QString>
 #include <QStringList>
@@ -30,22 +31,22 @@ struct CategoryColor
 class Functional
 {
 public:
-    /// The word of a status in the user's language; empty for a number that is none.
-    static QString statusStringFromType(int status);
-    /// The number of a status word; 0 (Open) for an unknown one.
-    static int statusTypeFromString(const QString &text);
+    /// The word of a status in the user's language; empty for a number that has no name.
+    static QString statusStringFromType(TaskStatus status);
+    /// The status of a word; Open for an unknown one.
+    static TaskStatus statusTypeFromString(const QString &text);
 
-    /// The word of a priority; empty for a number that is none.
-    static QString priorityStringFromType(int priority);
-    /// 0, 1 and 2 as they are, all else 3 (No Priority).
-    static int priorityTypeFromNumber(int number);
-    /// The number of a priority word; 0 (High) for an unknown one.
-    static int priorityTypeFromString(const QString &text);
+    /// The word of a priority; empty for a number that has no name.
+    static QString priorityStringFromType(Priority priority);
+    /// The priority of the number 0, 1 or 2, and None for all else.
+    static Priority priorityTypeFromNumber(int number);
+    /// The priority of a word; High for an unknown one.
+    static Priority priorityTypeFromString(const QString &text);
 
-    /// The word of a task type; empty for an absent number or one that is none.
-    static QString typeStringFromType(std::optional<int> type);
-    /// The number of a type word; 0 (ToDo) for an unknown one.
-    static int taskTypeFromString(const QString &text);
+    /// The word of a task type; empty for an absent type or a number that has no name.
+    static QString typeStringFromType(std::optional<TaskType> type);
+    /// The type of a word; ToDo for an unknown one.
+    static TaskType taskTypeFromString(const QString &text);
 
     /// The title, with one blank appended if the titles hold it already. That too may be among them.
     static QString getUnicalCategoryTitleWithArray(const QStringList &titles, const QString &newTitle);

@@ -5,60 +5,62 @@
 #include <algorithm>
 #include <array>
 
+// The words of the enumerators, in the order of their numbers.
 static constexpr std::array<QStringView, 4> statusWords = {u"Open", u"In Progress", u"Pending", u"Done"};
 static constexpr std::array<QStringView, 4> priorityWords = {u"High", u"Medium", u"Low", u"No Priority"};
 static constexpr std::array<QStringView, 3> typeWords = {u"ToDo", u"Appointment", u"Email/Call"};
 
-template <typename Words>
-static QString wordOf(const Words &words, int number)
+template <typename Words, typename Enum>
+static QString wordOf(const Words &words, Enum value)
 {
+    const int number = static_cast<int>(value);
     if (number < 0 || number >= static_cast<int>(words.size()))
         return {};
     return localized(words[static_cast<std::size_t>(number)].toString());
 }
 
-template <typename Words>
-static int numberOf(const Words &words, const QString &text)
+template <typename Enum, typename Words>
+static Enum valueOf(const Words &words, const QString &text)
 {
     const auto found = std::find_if(words.begin(), words.end(),
                                     [&](QStringView word) { return localized(word.toString()) == text; });
-    return found == words.end() ? 0 : static_cast<int>(found - words.begin());
+    return static_cast<Enum>(found == words.end() ? 0 : found - words.begin());
 }
 
-QString Functional::statusStringFromType(int status)
+QString Functional::statusStringFromType(TaskStatus status)
 {
     return wordOf(statusWords, status);
 }
 
-int Functional::statusTypeFromString(const QString &text)
+TaskStatus Functional::statusTypeFromString(const QString &text)
 {
-    return numberOf(statusWords, text);
+    return valueOf<TaskStatus>(statusWords, text);
 }
 
-QString Functional::priorityStringFromType(int priority)
+QString Functional::priorityStringFromType(Priority priority)
 {
     return wordOf(priorityWords, priority);
 }
 
-int Functional::priorityTypeFromNumber(int number)
+Priority Functional::priorityTypeFromNumber(int number)
 {
-    static constexpr int noPriority = 3;
-    return number >= 0 && number < noPriority ? number : noPriority;
+    const auto priority = static_cast<Priority>(number);
+    return priority >= Priority::High && priority < Priority::None ? priority : Priority::None;
 }
 
-int Functional::priorityTypeFromString(const QString &text)
+Priority Functional::priorityTypeFromString(const QString &text)
 {
-    return numberOf(priorityWords, text);
+    return valueOf<Priority>(priorityWords, text);
 }
 
-QString Functional::typeStringFromType(std::optional<int> type)
+QString Functional::typeStringFromType(std::optional<TaskType> type)
 {
     return type ? wordOf(typeWords, *type) : QString();
 }
 
-int Functional::taskTypeFromString(const QString &text)
+TaskType Functional::taskTypeFromString(const QString &text)
 {
-    return numberOf(typeWords, text);
+    return valueOf<TaskType>(typeWords, text);
 }
 
 QString Functional::getUnicalCategoryTitleWithArray(const QStringList &titles, const QString &newTitle)

@@ -9,14 +9,6 @@
 #include <algorithm>
 #include <tuple>
 
-namespace {
-
-constexpr int openStatus = static_cast<int>(TaskStatus::Open);
-constexpr int finishedStatus = static_cast<int>(TaskStatus::Done);
-constexpr int noPriority = static_cast<int>(Priority::None);
-
-} // namespace
-
 MVProject::MVProject(ProjectPtr project)
 {
     setProject(std::move(project));
@@ -25,8 +17,8 @@ MVProject::MVProject(ProjectPtr project)
 MVProject MVProject::startEntityProjectValue()
 {
     MVProject copy;
-    copy.status = openStatus;
-    copy.priority = noPriority;
+    copy.status = TaskStatus::Open;
+    copy.priority = Priority::None;
     copy.stage = 0;
     copy.category = EntityCategory::getCustom();
     return copy;
@@ -73,8 +65,8 @@ MVProject &MVProject::save()
 
 void MVProject::makeRow()
 {
-    status = status.value_or(openStatus);
-    priority = priority.value_or(noPriority);
+    status = status.value_or(TaskStatus::Open);
+    priority = priority.value_or(Priority::None);
     stage = stage.value_or(0);
     row = mainContext().insert<EntityProject>();
     row->setCreationDate(MVDate::date());
@@ -102,7 +94,7 @@ std::vector<TaskPtr> MVProject::sortedTasks() const
     std::vector<TaskPtr> open;
     std::vector<TaskPtr> done;
     for (const TaskPtr &one : task)
-        (one->status() == finishedStatus ? done : open).push_back(one);
+        (one->status() == TaskStatus::Done ? done : open).push_back(one);
     std::stable_sort(done.begin(), done.end(), [](const TaskPtr &one, const TaskPtr &other) {
         return one->expirationDate() < other->expirationDate();
     });
@@ -128,17 +120,17 @@ std::vector<ContactPtr> MVProject::sortedContacts() const
 
 void MVProject::changeStatus(const QString &text)
 {
-    for (int number = openStatus; number <= finishedStatus; ++number) {
-        if (text == Functional::statusStringFromType(number))
-            status = number;
+    for (const TaskStatus known : allTaskStatuses) {
+        if (text == Functional::statusStringFromType(known))
+            status = known;
     }
-    expirationDate = status == finishedStatus ? OptionalDate(MVDate::date()) : std::nullopt;
+    expirationDate = status == TaskStatus::Done ? OptionalDate(MVDate::date()) : std::nullopt;
 }
 
 void MVProject::changePriority(const QString &text)
 {
-    for (int number = 0; number <= noPriority; ++number) {
-        if (text == Functional::priorityStringFromType(number))
-            priority = number;
+    for (const Priority known : allPriorities) {
+        if (text == Functional::priorityStringFromType(known))
+            priority = known;
     }
 }

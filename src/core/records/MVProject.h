@@ -24,12 +24,12 @@ public:
     QString details;
     OptionalDate dueDate;
     OptionalDate expirationDate;
-    std::optional<int> priority;
+    std::optional<Priority> priority;
     std::optional<int> rowIndex;
     /// Kept for the stored model; 0 in new projects, and nothing changes it.
     std::optional<int> stage;
     OptionalDate startDate;
-    std::optional<int> status;
+    std::optional<TaskStatus> status;
     QString title;
     CategoryPtr category;
     std::vector<ContactPtr> delegateToUser;

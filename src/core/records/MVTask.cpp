@@ -8,9 +8,9 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
-namespace {
+#include <algorithm>
 
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
+namespace {
 
 /// A copy of texts in which null and empty are the same.
 bool isSameText(const QString &one, const QString &other)
@@ -94,7 +94,7 @@ MVTask &MVTask::save()
         if (goesToInbox)
             row->setPosition(lastPosition + 1);
     }
-    if (status == doneStatus)
+    if (status == TaskStatus::Done)
         row->setExpirationDate(MVDate::date());
     lastModificationDate = MVDate::date();
     writeFields();
@@ -149,12 +149,12 @@ void MVTask::writeFields()
 bool MVTask::saveStatus()
 {
     const OptionalDate formerExpiration = row ? row->expirationDate() : std::nullopt;
-    if (status == doneStatus && row)
+    if (status == TaskStatus::Done && row)
         row->setExpirationDate(MVDate::date());
     lastModificationDate = MVDate::date();
     const bool isSaved = TaskManager::saveTaskTemp(*this, true);
     // A rule that refuses the change leaves the row as it was.
-    if (!isSaved && row && row->status() != doneStatus)
+    if (!isSaved && row && row->status() != TaskStatus::Done)
         row->setExpirationDate(formerExpiration);
     return isSaved;
 }
@@ -171,53 +171,46 @@ QString MVTask::statusString() const
 
 namespace {
 
-/// The number of the word that a text equals, of words with the numbers 0, 1, 2 and so on.
-std::optional<int> numberOfWord(const QString &text, QString (*wordOf)(int), int count)
+/// That of some values whose word a text equals.
+template <typename Values, typename WordOf>
+auto valueOfWord(const QString &text, const Values &values, WordOf wordOf)
 {
-    for (int number = 0; number < count; ++number) {
-        if (text == wordOf(number))
-            return number;
-    }
-    return std::nullopt;
-}
-
-QString typeWord(int type)
-{
-    return Functional::typeStringFromType(type);
+    const auto found = std::ranges::find_if(values, [&](const auto value) { return text == wordOf(value); });
+    return found == values.end() ? std::nullopt : std::optional(*found);
 }
 
 } // namespace
 
 void MVTask::changeStatus(const QString &text, bool autoSaved)
 {
-    const std::optional<int> known = numberOfWord(text, &Functional::statusStringFromType, 4);
+    const auto known = valueOfWord(text, allTaskStatuses, &Functional::statusStringFromType);
     changeStatusTo(known ? known : status, autoSaved);
 }
 
-void MVTask::changeStatusType(unsigned statusType, bool autoSaved)
+void MVTask::changeStatusType(TaskStatus newStatus, bool autoSaved)
 {
-    changeStatusTo(static_cast<int>(statusType), autoSaved);
+    changeStatusTo(newStatus, autoSaved);
 }
 
-void MVTask::changeStatusTo(std::optional<int> newStatus, bool autoSaved)
+void MVTask::changeStatusTo(std::optional<TaskStatus> newStatus, bool autoSaved)
 {
     if (!repeat.isEmpty() && !CalendarEvent::isAccessChangeRepeatTaskWithMessage(true))
         return;
     status = newStatus;
-    expirationDate = status == doneStatus ? OptionalDate(MVDate::date()) : std::nullopt;
+    expirationDate = status == TaskStatus::Done ? OptionalDate(MVDate::date()) : std::nullopt;
     if (autoSaved)
         saveStatus();
 }
 
 void MVTask::changeType(const QString &text)
 {
-    if (const auto known = numberOfWord(text, typeWord, 3))
+    if (const auto known = valueOfWord(text, allTaskTypes, &Functional::typeStringFromType))
         type = known;
 }
 
 void MVTask::changePriority(const QString &text)
 {
-    if (const auto known = numberOfWord(text, &Functional::priorityStringFromType, 4))
+    if (const auto known = valueOfWord(text, allPriorities, &Functional::priorityStringFromType))
         priority = known;
 }
 
@@ -261,8 +254,7 @@ namespace {
 
 double offsetOf(const EntityTask &task, OptionalDate alert)
 {
-    const OptionalDate base =
-        task.type() == static_cast<int>(TaskType::EmailCall) ? task.dueDate() : task.startDate();
+    const OptionalDate base = task.type() == TaskType::EmailCall ? task.dueDate() : task.startDate();
     return alert && base ? (*alert - *base).count() : 0.0;
 }
 

@@ -33,16 +33,16 @@ public:
     OptionalDate expirationDate;
     OptionalDate lastModificationDate;
     std::optional<int> position;
-    std::optional<int> priority;
+    std::optional<Priority> priority;
     QString remindID;
     QString repeat;
     QString repeatInfoUser;
     std::optional<int> rowIndex;
     OptionalDate secondAlert;
     OptionalDate startDate;
-    std::optional<int> status;
+    std::optional<TaskStatus> status;
     QString title;
-    std::optional<int> type;
+    std::optional<TaskType> type;
     CategoryPtr category;
     CompanyPtr company;
     ContactPtr delegateToUser;
@@ -72,18 +72,18 @@ public:
     /// True from the save that made the row until the next one.
     bool isNewTask() const { return isNew; }
     /// What has no type is a ToDo.
-    bool isToDo() const { return type.value_or(0) == static_cast<int>(TaskType::ToDo); }
-    bool isAppointment() const { return type == static_cast<int>(TaskType::Appointment); }
-    bool isEmailCall() const { return type == static_cast<int>(TaskType::EmailCall); }
+    bool isToDo() const { return type.value_or(TaskType::ToDo) == TaskType::ToDo; }
+    bool isAppointment() const { return type == TaskType::Appointment; }
+    bool isEmailCall() const { return type == TaskType::EmailCall; }
 
     /// The words of the values; empty for an unknown one.
     QString priorityString() const;
     QString statusString() const;
 
-    /// Sets the status by its word or number; on request saved at once. Nothing while edits of repeats are
+    /// Sets the status, as such or by its word; on request saved at once. Nothing while edits of repeats are
     /// barred.
     void changeStatus(const QString &text, bool autoSaved);
-    void changeStatusType(unsigned statusType, bool autoSaved);
+    void changeStatusType(TaskStatus newStatus, bool autoSaved);
     /// Set by the localised word; an unknown one changes nothing.
     void changeType(const QString &text);
     void changePriority(const QString &text);
@@ -122,7 +122,7 @@ private:
     void prepareEndRepeatPicker(DatePickerState &picker) const;
     void makeRow();
     void writeFields();
-    void changeStatusTo(std::optional<int> newStatus, bool autoSaved);
+    void changeStatusTo(std::optional<TaskStatus> newStatus, bool autoSaved);
 
     TaskPtr row;
     bool isNew = false;

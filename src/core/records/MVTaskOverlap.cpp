@@ -9,11 +9,10 @@
 namespace {
 
 constexpr qsizetype longestShownTitle = 500;
-constexpr int statusDone = static_cast<int>(TaskStatus::Done);
 
 bool isOfType(const EntityTask &task, TaskType type)
 {
-    return task.type() == static_cast<int>(type);
+    return task.type() == type;
 }
 
 QString shortTime(OptionalDate date)
@@ -40,7 +39,7 @@ bool MVTask::isCrossTaskAppointmentForStartDate(Date start, Date due) const
 {
     const Date end = due - Seconds(1);
     for (const TaskPtr &other : DBWorker::getTimeItemsForDate(end)) {
-        if (other == row || other->status() == statusDone)
+        if (other == row || other->status() == TaskStatus::Done)
             continue;
         const Date otherEnd = *other->dueDate() - Seconds(1);
         const OptionalDate otherStart = other->startDate();

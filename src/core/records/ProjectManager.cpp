@@ -113,9 +113,7 @@ void widen(OptionalDate &earliest, OptionalDate &latest, const EntityTask &task)
 
 std::array<OptionalDate, 2> ProjectManager::findMaxAndMinDates(const std::vector<TaskPtr> &tasks)
 {
-    const auto isOpen = [](const EntityTask &task) {
-        return task.status() != static_cast<int>(TaskStatus::Done);
-    };
+    const auto isOpen = [](const EntityTask &task) { return task.status() != TaskStatus::Done; };
     OptionalDate earliest;
     OptionalDate latest;
     OptionalDate earliestDue;

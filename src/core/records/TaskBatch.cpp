@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int done = static_cast<int>(TaskStatus::Done);
-
 bool isWritable(const TaskPtr &task)
 {
     return task && task->allowsContentModifications().value_or(true);
@@ -50,14 +48,14 @@ void changeEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Change
 }
 
 /// Of several that are barred the user is told once.
-void changeStatus(const std::vector<TaskPtr> &tasks, int status, const StepBlock &step)
+void changeStatus(const std::vector<TaskPtr> &tasks, TaskStatus status, const StepBlock &step)
 {
     bool isBarred = false;
     changeEach(tasks, step, [&](const TaskPtr &task) {
         if (RepeatBan::concerns(*task))
             isBarred = true;
         else
-            MVTask(task).changeStatusType(static_cast<unsigned>(status), true);
+            MVTask(task).changeStatusType(status, true);
     });
     if (isBarred)
         RepeatBan::tell();
@@ -80,16 +78,16 @@ void TaskBatch::toggleDone(const std::vector<TaskPtr> &tasks, const StepBlock &s
 {
     const std::vector<TaskPtr> some = writable(tasks);
     const bool areAllDone =
-        std::ranges::all_of(some, [](const TaskPtr &task) { return task->status() == done; });
-    changeStatus(some, areAllDone ? static_cast<int>(TaskStatus::Open) : done, step);
+        std::ranges::all_of(some, [](const TaskPtr &task) { return task->status() == TaskStatus::Done; });
+    changeStatus(some, areAllDone ? TaskStatus::Open : TaskStatus::Done, step);
 }
 
-void TaskBatch::setStatus(const std::vector<TaskPtr> &tasks, int status, const StepBlock &step)
+void TaskBatch::setStatus(const std::vector<TaskPtr> &tasks, TaskStatus status, const StepBlock &step)
 {
     changeStatus(writable(tasks), status, step);
 }
 
-void TaskBatch::setPriority(const std::vector<TaskPtr> &tasks, int priority, const StepBlock &step)
+void TaskBatch::setPriority(const std::vector<TaskPtr> &tasks, Priority priority, const StepBlock &step)
 {
     setField(tasks, step, &MVTask::priority, std::optional(priority));
 }

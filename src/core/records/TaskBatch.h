@@ -13,8 +13,8 @@ namespace TaskBatch {
 
 /// Ticks the tasks, or clears them if all of them are ticked.
 void toggleDone(const std::vector<TaskPtr> &tasks, const StepBlock &step = {});
-void setStatus(const std::vector<TaskPtr> &tasks, int status, const StepBlock &step = {});
-void setPriority(const std::vector<TaskPtr> &tasks, int priority, const StepBlock &step = {});
+void setStatus(const std::vector<TaskPtr> &tasks, TaskStatus status, const StepBlock &step = {});
+void setPriority(const std::vector<TaskPtr> &tasks, Priority priority, const StepBlock &step = {});
 /// Null for none.
 void setCategory(const std::vector<TaskPtr> &tasks, const CategoryPtr &category, const StepBlock &step = {});
 

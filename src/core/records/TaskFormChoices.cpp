@@ -32,7 +32,7 @@ std::vector<ProjectPtr> TaskFormChoices::projects(const ProjectPtr &chosen)
 {
     std::vector<ProjectPtr> choices = DBWorker::allProjectsSortDueDate();
     std::erase_if(choices, [&](const ProjectPtr &project) {
-        return project != chosen && project->status() == static_cast<int>(TaskStatus::Done);
+        return project != chosen && project->status() == TaskStatus::Done;
     });
     return choices;
 }

@@ -9,13 +9,12 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-std::vector<int> TaskFormState::types() const
+std::vector<TaskType> TaskFormState::types() const
 {
-    const auto numberOf = [](TaskType type) { return static_cast<int>(type); };
-    std::vector<int> numbers = {numberOf(TaskType::Appointment), numberOf(TaskType::EmailCall)};
+    std::vector<TaskType> types = {TaskType::Appointment, TaskType::EmailCall};
     if (mayBeToDo)
-        numbers.insert(numbers.begin(), numberOf(TaskType::ToDo));
-    return numbers;
+        types.insert(types.begin(), TaskType::ToDo);
+    return types;
 }
 
 bool TaskFormState::isRowShown(TaskFormRow row) const
@@ -112,15 +111,13 @@ QString TaskFormState::previewText(TaskFormRow row) const
     case TaskFormRow::Calendar:
         return task.calendarTitle.isEmpty() ? QString() : localized(task.calendarTitle);
     case TaskFormRow::Type:
-        return Functional::typeStringFromType(task.type.value_or(0));
+        return Functional::typeStringFromType(task.type.value_or(TaskType::ToDo));
     case TaskFormRow::Category:
         return task.category ? Categories::shownTitle(task.category) : QString();
     case TaskFormRow::Status:
         return task.statusString();
     case TaskFormRow::Priority:
-        return task.priority.value_or(static_cast<int>(Priority::None)) == static_cast<int>(Priority::None)
-                   ? QString()
-                   : task.priorityString();
+        return task.priority.value_or(Priority::None) == Priority::None ? QString() : task.priorityString();
     case TaskFormRow::StartDate:
         return dateText(task.startDate, hasClock());
     case TaskFormRow::EndDate:

@@ -12,7 +12,7 @@
 
 bool TaskFormState::canEdit() const
 {
-    return task.status != static_cast<int>(TaskStatus::Done) && allowsModifyEvent();
+    return task.status != TaskStatus::Done && allowsModifyEvent();
 }
 
 /// Whether the task's event is in the calendar of its name, where it stays, chosen or not.
@@ -99,7 +99,7 @@ void TaskFormState::changeStatusNow(bool done)
 {
     {
         const QScopedValueRollback pause(savePause, true);
-        task.changeStatusType(static_cast<unsigned>(done ? TaskStatus::Done : TaskStatus::Open), true);
+        task.changeStatusType(done ? TaskStatus::Done : TaskStatus::Open, true);
     }
     // What the rules refused has not happened.
     if (task.task())

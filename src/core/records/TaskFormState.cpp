@@ -27,9 +27,9 @@ void TaskFormState::startEntityTaskValue(const NewTaskRequest &request)
     task.delegateToUser = request.createWithContact;
     if (request.createWithContact)
         task.company = request.createWithCompany;
-    task.type = static_cast<int>(request.type);
-    task.status = static_cast<int>(TaskStatus::Open);
-    task.priority = static_cast<int>(Priority::None);
+    task.type = request.type;
+    task.status = TaskStatus::Open;
+    task.priority = Priority::None;
     task.project = request.createWithProject;
     task.startDate = request.createWithStartDate;
     task.dueDate = request.createWithDueDate;
@@ -77,7 +77,7 @@ void TaskFormState::setCategory(const CategoryPtr &category)
     note(TaskField::Category);
 }
 
-void TaskFormState::setStatus(int status)
+void TaskFormState::setStatus(TaskStatus status)
 {
     task.expirationDate.reset();
     task.changeStatus(Functional::statusStringFromType(status), false);
@@ -86,10 +86,10 @@ void TaskFormState::setStatus(int status)
 
 void TaskFormState::setDone(bool done)
 {
-    setStatus(static_cast<int>(done ? TaskStatus::Done : TaskStatus::Open));
+    setStatus(done ? TaskStatus::Done : TaskStatus::Open);
 }
 
-void TaskFormState::setPriority(int priority)
+void TaskFormState::setPriority(Priority priority)
 {
     task.priority = priority;
     note(TaskField::Priority);

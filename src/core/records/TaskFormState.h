@@ -37,9 +37,9 @@ public:
     void setCalendar(const QString &typeCalendarID);
     void setType(const QString &word);
     void setCategory(const CategoryPtr &category);
-    void setStatus(int status);
+    void setStatus(TaskStatus status);
     void setDone(bool done);
-    void setPriority(int priority);
+    void setPriority(Priority priority);
     void setLocation(const std::shared_ptr<EntityLocation> &location);
     /// The company follows that of the contact.
     void setDelegate(const ContactPtr &contact);
@@ -78,8 +78,8 @@ public:
     bool isSomeday() const { return task.dueSomeDay.value_or(false); }
     bool hasClock() const { return !task.isToDo(); }
     bool hasCalendarAccess() const { return calendarAccess; }
-    /// The numbers of the types that the task may have.
-    std::vector<int> types() const;
+    /// The types that the task may have.
+    std::vector<TaskType> types() const;
     const TaskInvitation &invitation() const { return invited; }
     /// Looks up who is invited. It asks the calendar, so a screen does it when it is in sight.
     void findInvitation();

@@ -37,7 +37,8 @@ public:
                             const StepBlock &step = {});
 
     /// False, with a message, for an Appointment whose two dates fall into the same minute.
-    static bool dateVerefications(OptionalDate startDate, OptionalDate dueDate, std::optional<int> taskType);
+    static bool dateVerefications(OptionalDate startDate, OptionalDate dueDate,
+                                  std::optional<TaskType> taskType);
     /// True, with a message, if a task's dates leave those of its project.
     static bool incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate,
                                                          OptionalDate projectDueDate,
@@ -47,6 +48,6 @@ public:
     static void saveStartDate(OptionalDate date, MVTask &task);
     static void saveDueDate(OptionalDate date, MVTask &task);
 
-    /// The colour of a priority; absent for a number that is none.
-    static std::optional<PaletteColor> priorityColor(int priority);
+    /// The colour of a priority; absent for a number that has no name.
+    static std::optional<PaletteColor> priorityColor(Priority priority);
 };

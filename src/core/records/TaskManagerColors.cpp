@@ -1,17 +1,16 @@
 #include "records/TaskManager.h"
 
-std::optional<PaletteColor> TaskManager::priorityColor(int priority)
+std::optional<PaletteColor> TaskManager::priorityColor(Priority priority)
 {
     switch (priority) {
-    case static_cast<int>(Priority::High):
+    case Priority::High:
         return PaletteColor::ofBytes(255, 93, 85);
-    case static_cast<int>(Priority::Medium):
+    case Priority::Medium:
         return PaletteColor::ofBytes(255, 191, 41);
-    case static_cast<int>(Priority::Low):
+    case Priority::Low:
         return PaletteColor::ofBytes(38, 206, 63);
-    case static_cast<int>(Priority::None):
+    case Priority::None:
         return palette::colorNone;
-    default:
-        return std::nullopt;
     }
+    return std::nullopt;
 }

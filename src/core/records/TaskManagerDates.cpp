@@ -7,9 +7,10 @@
 
 // What picking a date does to a working copy.
 
-bool TaskManager::dateVerefications(OptionalDate startDate, OptionalDate dueDate, std::optional<int> taskType)
+bool TaskManager::dateVerefications(OptionalDate startDate, OptionalDate dueDate,
+                                    std::optional<TaskType> taskType)
 {
-    const bool isChecked = taskType == static_cast<int>(TaskType::Appointment) && startDate && dueDate;
+    const bool isChecked = taskType == TaskType::Appointment && startDate && dueDate;
     if (!isChecked || !Functional::sameMinute(*startDate, *dueDate).value_or(false))
         return true;
     Functional::messageAlertWithTitle(QStringLiteral("Invalid Date"),

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int statusDone = static_cast<int>(TaskStatus::Done);
-
 void post(NotificationName name, const TaskPtr &task)
 {
     NotificationCenter::defaultCenter().post(name, task);
@@ -102,13 +100,12 @@ bool joinDelegateToProject(const MVTask &task)
 /// Whether the calendar holds no item for such a task: it is done, or has no date to stand at.
 bool isOffCalendar(const MVTask &task)
 {
-    return task.status == statusDone || (!task.startDate && !task.isEmailCall());
+    return task.status == TaskStatus::Done || (!task.startDate && !task.isEmailCall());
 }
 
 bool isOffCalendar(const EntityTask &task)
 {
-    return task.status() == statusDone ||
-           (!task.startDate() && task.type() != static_cast<int>(TaskType::EmailCall));
+    return task.status() == TaskStatus::Done || (!task.startDate() && task.type() != TaskType::EmailCall);
 }
 
 /// The row can have been replaced, or have gone with what the calendars no longer show.
@@ -187,7 +184,7 @@ bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
     const bool isDelegateNew = joinDelegateToProject(task);
     const TaskPtr row = task.task();
     const bool isMemberOfSeries = row && !row->repeat().isEmpty();
-    const bool wasEmailCall = row && row->type() == static_cast<int>(TaskType::EmailCall);
+    const bool wasEmailCall = row && row->type() == TaskType::EmailCall;
     const OptionalDate oldDate = !row ? std::nullopt : wasEmailCall ? row->dueDate() : row->startDate();
     if (!isMemberOfSeries)
         saveSingle(task, oldDate);

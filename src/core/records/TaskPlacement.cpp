@@ -23,14 +23,14 @@ QString dayOf(Date date)
     return DateFormatter::string(date, DateFormatter::patternFromTemplate(skeleton));
 }
 
-int typeOf(const EntityTask &task)
+TaskType typeOf(const EntityTask &task)
 {
-    return task.type().value_or(static_cast<int>(TaskType::ToDo));
+    return task.type().value_or(TaskType::ToDo);
 }
 
 bool isEmailCall(const EntityTask &task)
 {
-    return task.type() == static_cast<int>(TaskType::EmailCall);
+    return task.type() == TaskType::EmailCall;
 }
 
 bool isAfterToday(Date date)
@@ -49,8 +49,7 @@ QString typeClause(const EntityTask &task)
 
 bool hasKnownType(const EntityTask &task)
 {
-    return task.type() >= static_cast<int>(TaskType::ToDo) &&
-           task.type() <= static_cast<int>(TaskType::EmailCall);
+    return task.type() >= TaskType::ToDo && task.type() <= TaskType::EmailCall;
 }
 
 QString notByToday(const EntityTask &task)
@@ -158,11 +157,11 @@ TaskPlacement::TaskPlacement(TaskPtr placedTask)
 
 ListType TaskPlacement::searchList(const EntityTask &task)
 {
-    const bool isToDo = typeOf(task) == static_cast<int>(TaskType::ToDo);
-    const bool hasSpan = isToDo || typeOf(task) == static_cast<int>(TaskType::Appointment);
+    const bool isToDo = typeOf(task) == TaskType::ToDo;
+    const bool hasSpan = isToDo || typeOf(task) == TaskType::Appointment;
     const OptionalDate start = task.startDate();
     const OptionalDate due = task.dueDate();
-    if (task.status() == static_cast<int>(TaskStatus::Done))
+    if (task.status() == TaskStatus::Done)
         return ListType::Done;
     if (task.dueSomeDay().value_or(false))
         return ListType::Someday;
@@ -278,7 +277,7 @@ QString TaskPlacement::whereItIs() const
     if (const auto list = home())
         return localized(QStringLiteral("“%1” is on the list “%2”: %3"))
             .arg(task->title(), titleOf(*list), reasonOn(*list));
-    const bool isDone = task->status() == static_cast<int>(TaskStatus::Done);
+    const bool isDone = task->status() == TaskStatus::Done;
     return localized(QStringLiteral("“%1” is on no list: %2"))
         .arg(task->title(), reasonOff(isDone ? ListType::Done : ListType::NotDone));
 }

@@ -8,7 +8,7 @@ namespace {
 
 bool isOfType(const EntityTask &task, TaskType type)
 {
-    return task.type() == static_cast<int>(type);
+    return task.type() == type;
 }
 
 bool isLate(const EntityTask &task, ListType list)
@@ -47,9 +47,8 @@ TaskRowContent TaskRowContent::of(const EntityTask &task, ListType list)
     content.isOverdue = isLate(task, list);
     // A task that never met a calendar has no such mark and can be changed.
     content.hasCheckBox = task.allowsContentModifications().value_or(true);
-    content.isChecked = task.status() == static_cast<int>(TaskStatus::Done);
-    content.priority = content.hasCheckBox ? task.priority().value_or(static_cast<int>(Priority::None))
-                                           : static_cast<int>(Priority::None);
+    content.isChecked = task.status() == TaskStatus::Done;
+    content.priority = content.hasCheckBox ? task.priority().value_or(Priority::None) : Priority::None;
     if (list == ListType::ProjectDetail && task.project())
         content.project = task.project()->title();
     return content;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/entities/TaskValues.h"
 #include "store/queries/ListType.h"
 
 #include <QString>
@@ -21,8 +22,7 @@ struct TaskRowContent
     /// False on a calendar that cannot be written: no check box and no priority are shown.
     bool hasCheckBox = true;
     bool isChecked = false;
-    /// 0 High, 1 Medium, 2 Low, 3 none.
-    int priority = 3;
+    Priority priority = Priority::None;
 
     /// What a task shows in a list of that kind at this moment.
     static TaskRowContent of(const EntityTask &task, ListType list);

@@ -103,7 +103,7 @@ Predicate sameDates(const EntityTask &task)
 {
     const Bounds start(task.startDate());
     const Bounds due(task.dueDate());
-    switch (static_cast<TaskType>(task.type().value_or(0))) {
+    switch (task.type().value_or(TaskType::ToDo)) {
     case TaskType::Appointment:
         return Predicate::format("title = %@ && startDate = %@ && dueDate = %@", task.title(),
                                  task.startDate(), task.dueDate());
@@ -145,7 +145,7 @@ bool staysBefore(const EntityTask &task, EntityTask &duplicate)
 
 void makeCalendarItem(EntityTask &task)
 {
-    const bool isOpen = task.status() != static_cast<int>(TaskStatus::Done);
+    const bool isOpen = task.status() != TaskStatus::Done;
     if (task.calendarID().isEmpty() && task.dueDate() && isOpen)
         CalendarEvent::initEventCalendarFromTask(task, Span::ThisTask, std::nullopt, false);
 }

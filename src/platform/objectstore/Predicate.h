@@ -26,6 +26,12 @@ public:
     PredicateArgument(int number)
         : content(Value(qint64(number)))
     {}
+    /// The number of an enumerator.
+    template <typename Enum>
+    requires std::is_enum_v<Enum> && std::same_as < std::underlying_type_t<Enum>,
+    int > PredicateArgument(Enum number)
+        : content(Value(static_cast<qint64>(number)))
+    {}
     PredicateArgument(qint64 number)
         : content(Value(number))
     {}

@@ -101,6 +101,8 @@ protected:
         setPlain<#name, AttributeType::type, Held, Shown>(newValue);                                         \
     }
 #define MANAGED_INTEGER(name, setter) MANAGED_PLAIN(name, setter, Integer, qint64, int)
+/// A number of which an enumeration names some; the others are kept as they are.
+#define MANAGED_ENUM(Enum, name, setter) MANAGED_PLAIN(name, setter, Integer, qint64, Enum)
 #define MANAGED_DOUBLE(name, setter) MANAGED_PLAIN(name, setter, Double, double, double)
 #define MANAGED_BOOLEAN(name, setter) MANAGED_PLAIN(name, setter, Boolean, bool, bool)
 #define MANAGED_DATE(name, setter) MANAGED_PLAIN(name, setter, Date, Date, Date)

@@ -73,14 +73,14 @@ QPalette Theme::palette()
     return palette;
 }
 
-QColor Theme::priority(int priority)
+QColor Theme::priority(Priority priority)
 {
     switch (priority) {
-    case 0:
+    case Priority::High:
         return priorityHigh;
-    case 1:
+    case Priority::Medium:
         return priorityMedium;
-    case 2:
+    case Priority::Low:
         return priorityLow;
     default:
         return {};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/entities/TaskValues.h"
+
 #include <QColor>
 #include <QFont>
 #include <QPalette>
@@ -83,6 +85,6 @@ QFont font(FontRole role);
 QFont applicationFont();
 QPalette palette();
 /// The colour of the dot of a priority; invalid for none.
-QColor priority(int priority);
+QColor priority(Priority priority);
 
 } // namespace Theme

@@ -33,7 +33,7 @@ protected:
     {
         QList<int> found;
         for (const TaskPtr &row : rowsOf(title))
-            found.append(row->priority().value_or(-1));
+            found.append(numberOf(row->priority()).value_or(-1));
         return found;
     }
     /// Between two steps an event comes from elsewhere, which only a pass brings to the rows.
@@ -71,7 +71,7 @@ TEST_F(BatchPass, SeriesThatAreEditedOnwardsShareOne)
     for (const TaskPtr &row : swim)
         row->setCategory(category);
     const ScriptedAlerts alerts({Alert::secondButton});
-    TaskBatch::setPriority({run[0], run[2], swim[3], swim[1]}, 1, writingElsewhere());
+    TaskBatch::setPriority({run[0], run[2], swim[3], swim[1]}, Priority::Medium, writingElsewhere());
     EXPECT_EQ(prioritiesOf(u"Run"_qs), QList({1, 1, 1, 1}));
     EXPECT_EQ(prioritiesOf(u"Swim"_qs).mid(1), QList({1, 1, 1}));
     for (const TaskPtr &row : rowsOf(u"Swim"_qs))

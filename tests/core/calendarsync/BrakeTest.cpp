@@ -103,7 +103,7 @@ TEST_F(BrakedPasses, KeepTheRowOfADamagedFile)
     write(u"Home"_qs, u"two"_qs, hour);
     pass();
     const TaskPtr row = rows().at(0)->calendarID() == u"one"_qs ? rows().at(0) : rows().at(1);
-    row->setPriority(0);
+    row->setPriority(Priority::High);
     QFile::remove(folderOf(u"Home"_qs) + u"/two.ics"_qs);
     // Damaged, and what another program sees to have been written so far.
     for (const QString &contents :
@@ -122,7 +122,7 @@ TEST_F(BrakedPasses, KeepTheRowOfADamagedFile)
         write(u"Home"_qs, u"one"_qs, hour);
         pass();
         ASSERT_EQ(rows(), std::vector<TaskPtr>{row});
-        EXPECT_EQ(row->priority(), 0);
+        EXPECT_EQ(row->priority(), Priority::High);
     }
     expectSettled();
 }
@@ -136,7 +136,7 @@ TEST_F(BrakedPasses, ARefusedEditOfASeriesKeepsItsRows)
     ASSERT_THAT(rows(), SizeIs(6));
     const auto backend = connectMoodyStore();
     for (const TaskPtr &row : rows())
-        row->setPriority(0);
+        row->setPriority(Priority::High);
     const auto rename = [](MVTask &task) { task.title = u"Renamed"_qs; };
     backend->refusesWriting = true;
     editSeries(rows().at(2), Span::FutureTasks, rename);
@@ -150,7 +150,7 @@ TEST_F(BrakedPasses, ARefusedEditOfASeriesKeepsItsRows)
         EXPECT_GE(rows().size(), 6u) << answers;
     }
     for (const TaskPtr &row : rows())
-        EXPECT_EQ(row->priority(), 0);
+        EXPECT_EQ(row->priority(), Priority::High);
 }
 
 } // namespace

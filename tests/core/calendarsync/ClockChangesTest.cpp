@@ -101,8 +101,8 @@ TEST_P(ClockChanges, OfTasksMadeHere)
     const FrozenClock before(at(GetParam().day.addDays(-4), {12, 0}));
     MVTask copy;
     copy.title = u"Mine"_qs;
-    copy.type = int(TaskType::Appointment);
-    copy.status = 0;
+    copy.type = TaskType::Appointment;
+    copy.status = TaskStatus::Open;
     copy.startDate = at(GetParam().day.addDays(-3), {9, 0});
     copy.dueDate = at(GetParam().day.addDays(-3), {9, 30});
     copy.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;
@@ -115,8 +115,8 @@ TEST_P(ClockChanges, OfTasksMadeHere)
     // A whole day that has 23, 24 or 25 hours is one day still.
     MVTask day;
     day.title = u"Day"_qs;
-    day.type = int(TaskType::ToDo);
-    day.status = 0;
+    day.type = TaskType::ToDo;
+    day.status = TaskStatus::Open;
     day.startDate = at(GetParam().day, {0, 0});
     day.dueDate = at(GetParam().day, {23, 59});
     day.typeCalendarID = u"Work"_qs;

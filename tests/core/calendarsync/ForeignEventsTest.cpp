@@ -48,7 +48,7 @@ TEST_F(ForeignEvents, KeepTheirHoursOverMidnight)
     EXPECT_EQ(changedLines(u"SUMMARY:Old\nDTSTART;TZID=America/New_York:20261124T170030\nDURATION:PT2H\n"_qs,
                            rename),
               onlyTitle);
-    EXPECT_EQ(rows().at(0)->type(), 0) << "a bar of two days here";
+    EXPECT_EQ(rows().at(0)->type(), TaskType::ToDo) << "a bar of two days here";
     // Given other days it becomes what it looks like.
     MVTask moved(rows().at(0));
     moved.startDate = localDate(2026, 11, 26);

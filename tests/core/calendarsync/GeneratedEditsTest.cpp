@@ -92,23 +92,24 @@ protected:
     TaskPtr anyRow()
     {
         std::vector<TaskPtr> all = rows();
-        std::erase_if(
-            all, [](const TaskPtr &row) { return row->status() == 3 || row->calendarID() == u"anchor"_qs; });
+        std::erase_if(all, [](const TaskPtr &row) {
+            return row->status() == TaskStatus::Done || row->calendarID() == u"anchor"_qs;
+        });
         return all.empty() ? nullptr : all.at(size_t(upTo(int(all.size()) - 1)));
     }
     void makeHere()
     {
         MVTask task;
         task.title = newTitle();
-        task.type = upTo(2);
-        task.status = 0;
+        task.type = static_cast<TaskType>(upTo(2));
+        task.status = TaskStatus::Open;
         const Date day = localDate(2026, 11, 23 + upTo(4));
-        if (task.type == int(TaskType::ToDo)) {
+        if (task.type == TaskType::ToDo) {
             task.startDate = day;
             task.dueDate = day + Seconds(86400.0 * upTo(2) + 86340);
         } else {
             task.dueDate = day + Seconds(15 * 3600 + 900.0 * upTo(4));
-            if (task.type == int(TaskType::Appointment))
+            if (task.type == TaskType::Appointment)
                 task.startDate = day + Seconds(14 * 3600);
         }
         task.typeCalendarID = anyCalendar();
@@ -146,11 +147,12 @@ protected:
         forgetLastOf(originOf(row->calendarID()));
         if (asDone && isSeries) {
             ++doneRows;
-            editSeries(row, Span::ThisTask, [](MVTask &task) { task.changeStatusType(3, false); });
+            editSeries(row, Span::ThisTask,
+                       [](MVTask &task) { task.changeStatusType(TaskStatus::Done, false); });
         } else if (asDone) {
             ++doneRows;
             MVTask copy(row);
-            copy.changeStatusType(3, true);
+            copy.changeStatusType(TaskStatus::Done, true);
         } else {
             const ScriptedAlerts alerts({Alert::firstButton});
             TaskManager::deleteTasks({row}, {});
@@ -221,15 +223,15 @@ protected:
         QStringList held;
         int done = 0;
         for (const TaskPtr &row : rows()) {
-            if (row->status() == 3)
+            if (row->status() == TaskStatus::Done)
                 ++done;
             else
-                shown.append(
-                    lineOf(row->title(), row->type().value_or(0), row->startDate(), *row->dueDate()));
+                shown.append(lineOf(row->title(), row->type().value_or(TaskType::ToDo), row->startDate(),
+                                    *row->dueDate()));
         }
         for (const EKEvent &event : calendarEvents()) {
             const auto dates = eventdates::of(event);
-            held.append(lineOf(event.title, int(dates->type), dates->start, dates->due));
+            held.append(lineOf(event.title, dates->type, dates->start, dates->due));
         }
         shown.sort();
         held.sort();
@@ -241,10 +243,10 @@ protected:
         for (const QString &uid : kept)
             EXPECT_TRUE(texts.contains(u"X-KEEP;P=\"a;b\":%1\r\n"_qs.arg(uid))) << uid.toStdString();
     }
-    static QString lineOf(const QString &title, int type, OptionalDate start, Date due)
+    static QString lineOf(const QString &title, TaskType type, OptionalDate start, Date due)
     {
-        return u"%1 (%2) %3 %4"_qs.arg(title).arg(type).arg(start ? wallClock(*start) : u"-"_qs,
-                                                            wallClock(due));
+        return u"%1 (%2) %3 %4"_qs.arg(title).arg(int(type)).arg(start ? wallClock(*start) : u"-"_qs,
+                                                                 wallClock(due));
     }
 
     std::mt19937 random;
@@ -302,7 +304,7 @@ TEST_F(GeneratedEdits, TasksComeBackAsTheyWere)
     struct Sent
     {
         QString title, details;
-        int type;
+        TaskType type;
         OptionalDate start, due, alert;
     };
     std::vector<Sent> sent;
@@ -310,15 +312,15 @@ TEST_F(GeneratedEdits, TasksComeBackAsTheyWere)
         MVTask task;
         task.title = text(90).simplified() + QString::number(number);
         task.details = text(200);
-        task.type = upTo(2);
-        task.status = 0;
+        task.type = static_cast<TaskType>(upTo(2));
+        task.status = TaskStatus::Open;
         const Date start = localDate(2026, 10, 24 + upTo(100), upTo(22), 15 * upTo(3));
-        const bool isDay = task.type == int(TaskType::ToDo);
-        if (task.type != int(TaskType::EmailCall))
+        const bool isDay = task.type == TaskType::ToDo;
+        if (task.type != TaskType::EmailCall)
             task.startDate = isDay ? MTDates::startOfCurrentDay(start) : start;
         task.dueDate =
             isDay ? MTDates::endOfCurrentDay(start + Seconds(86400.0 * upTo(9))) : start + Seconds(1800);
-        if (task.type == int(TaskType::Appointment) && upTo(1))
+        if (task.type == TaskType::Appointment && upTo(1))
             task.alert = start + Seconds(-60.0 * upTo(3000));
         task.typeCalendarID = anyCalendar();
         ASSERT_TRUE(TaskManager::saveTaskTemp(task, true));

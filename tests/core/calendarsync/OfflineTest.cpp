@@ -30,8 +30,8 @@ protected:
     {
         MVTask task;
         task.title = title;
-        task.type = int(TaskType::Appointment);
-        task.status = 0;
+        task.type = TaskType::Appointment;
+        task.status = TaskStatus::Open;
         task.startDate = localDate(2026, 11, 24, 9);
         task.dueDate = localDate(2026, 11, 24, 10);
         task.alert = alert;
@@ -45,8 +45,8 @@ protected:
         for (const Date &day : days) {
             const auto row = mainContext().insert<EntityTask>();
             row->setTitle(u"Series"_qs);
-            row->setType(int(type));
-            row->setStatus(0);
+            row->setType(type);
+            row->setStatus(TaskStatus::Open);
             row->setCalendarID(u"series"_qs);
             row->setTypeCalendarID(u"Home"_qs);
             row->setRepeat(u"RRULE:FREQ=DAILY;INTERVAL=1"_qs);
@@ -98,9 +98,10 @@ TEST_F(OfflineTasks, AnEditReachesEveryRowOfItsSeriesOnItsOwnDay)
         EXPECT_EQ(row->alert(), *row->startDate() + Seconds(-900));
         EXPECT_EQ(row->calendarID(), u"series"_qs);
     }
-    editSeries(rows().at(0), Span::FutureTasks, [](MVTask &task) { task.changeStatusType(3, false); });
+    editSeries(rows().at(0), Span::FutureTasks,
+               [](MVTask &task) { task.changeStatusType(TaskStatus::Done, false); });
     for (const TaskPtr &row : rows()) {
-        EXPECT_EQ(row->status(), 3);
+        EXPECT_EQ(row->status(), TaskStatus::Done);
         EXPECT_TRUE(row->expirationDate().has_value());
     }
 }

@@ -22,7 +22,7 @@ protected:
         const TaskPtr task = add(u"Water the plants"_qs);
         task->setAlert(localDate(2026, 11, 22, 9));
         task->setSecondAlert(localDate(2026, 11, 23, 9));
-        task->setPriority(1);
+        task->setPriority(Priority::Medium);
         task->setDetails(u"all of them"_qs);
         return task;
     }
@@ -56,10 +56,10 @@ TEST_F(Reminders, GoOutWithTheirTask)
     const QString former = task->remindID();
     Reminder::initReminderFromTask(task);
     EXPECT_NE(task->remindID(), former) << "a change makes a new one";
-    task->setStatus(3);
+    task->setStatus(TaskStatus::Done);
     Reminder::changeReminderStatusFromTask(task);
     EXPECT_EQ(task->remindID(), QString());
-    task->setStatus(0);
+    task->setStatus(TaskStatus::Open);
     task->setAlert(std::nullopt);
     task->setSecondAlert(std::nullopt);
     Reminder::changeReminderStatusFromTask(task);
@@ -78,20 +78,23 @@ TEST_F(Reminders, ComeBackIntoTheirTask)
     reminder.alarms = {EKAlarm::alarmWithAbsoluteDate(localDate(2026, 11, 30, 7))};
     ASSERT_FALSE(EKEventStore().saveReminder(reminder, true));
     Reminder manager;
-    ASSERT_TRUE(becomes([&task] { return task->status() == 3; }));
+    ASSERT_TRUE(becomes([&task] { return task->status() == TaskStatus::Done; }));
     EXPECT_EQ(task->expirationDate(), localDate(2026, 11, 21, 8));
     EXPECT_EQ(task->details(), u"done elsewhere"_qs);
-    EXPECT_EQ(task->priority(), 3);
+    EXPECT_EQ(task->priority(), Priority::None);
     EXPECT_EQ(task->alert(), localDate(2026, 11, 30, 7));
     EXPECT_EQ(task->secondAlert(), localDate(2026, 11, 23, 9));
 }
 
 TEST_F(Reminders, TranslatePrioritiesEachWayByItsOwnTable)
 {
-    const std::vector<std::pair<int, int>> out = {{3, 0}, {2, 7}, {1, 5}, {0, 2}, {9, 2}};
+    const std::vector<std::pair<std::optional<Priority>, int>> out = {
+        {Priority::None, 0},           {Priority::Low, 7}, {Priority::Medium, 5}, {Priority::High, 2},
+        {static_cast<Priority>(9), 2}, {std::nullopt, 2}};
     for (const auto &[task, reminder] : out)
         EXPECT_EQ(Reminder::reminderPriorityOf(task), reminder);
-    const std::vector<int> in = {3, 0, 0, 0, 0, 1, 2, 2, 2, 2, 3};
+    using enum Priority;
+    const std::vector<Priority> in = {None, High, High, High, High, Medium, Low, Low, Low, Low, None};
     for (int reminder = 0; reminder < int(in.size()); ++reminder)
         EXPECT_EQ(Reminder::taskPriorityOf(reminder), in[size_t(reminder)]);
 }

@@ -39,13 +39,13 @@ protected:
     }
     static void finish(const TaskPtr &row, Span span)
     {
-        editSeries(row, span, [](MVTask &task) { task.changeStatusType(3, false); });
+        editSeries(row, span, [](MVTask &task) { task.changeStatusType(TaskStatus::Done, false); });
     }
     static QList<int> statuses()
     {
         QList<int> found;
         for (const TaskPtr &row : rows())
-            found.append(row->status().value_or(-1));
+            found.append(numberOf(row->status()).value_or(-1));
         return found;
     }
 };
@@ -65,7 +65,7 @@ TEST_F(SeriesStories, OneOccurrenceIsDone)
     expectSettled();
     // Opened again it gets an event of its own.
     MVTask again(rows().at(2));
-    again.changeStatusType(0, true);
+    again.changeStatusType(TaskStatus::Open, true);
     pass();
     EXPECT_EQ(statuses(), QList({0, 0, 0, 0, 0, 0}));
     EXPECT_THAT(calendar(), SizeIs(6));
@@ -81,7 +81,7 @@ TEST_F(SeriesStories, TheRestIsDone)
     EXPECT_EQ(statuses(), QList({0, 0, 3, 3, 3, 3}));
     EXPECT_EQ(calendar(), QStringList({u"11-20 09:00 Standup"_qs, u"11-21 09:00 Standup"_qs}));
     for (const TaskPtr &row : rows()) {
-        const bool isDone = row->status() == 3;
+        const bool isDone = row->status() == TaskStatus::Done;
         EXPECT_EQ(row->expirationDate().has_value(), isDone);
         EXPECT_EQ(row->endRepeat(),
                   isDone ? OptionalDate() : OptionalDate(localDate(2026, 11, 22, 23, 59, 59)));
@@ -95,7 +95,7 @@ TEST_F(SeriesStories, TheRestIsDone)
 TEST_F(SeriesStories, OccurrencesMovedElsewhereAreFollowed)
 {
     pass();
-    rows().at(2)->setPriority(0);
+    rows().at(2)->setPriority(Priority::High);
     writeStandup(u"COUNT=6"_qs,
                  override(u"20261122"_qs, u"SUMMARY:Standup\nDTSTART;TZID=Europe/Berlin:20261122T110000\n"
                                           u"DTEND;TZID=Europe/Berlin:20261122T111500\n"_qs) +
@@ -105,7 +105,7 @@ TEST_F(SeriesStories, OccurrencesMovedElsewhereAreFollowed)
     EXPECT_EQ(table(),
               QStringList({u"11-20 09:15 Standup"_qs, u"11-21 09:15 Standup"_qs, u"11-22 11:15 Standup"_qs,
                            u"11-23 09:15 Retro"_qs, u"11-24 09:15 Standup"_qs, u"11-25 09:15 Standup"_qs}));
-    EXPECT_EQ(rows().at(2)->priority(), 3) << "a moved occurrence is a new row";
+    EXPECT_EQ(rows().at(2)->priority(), Priority::None) << "a moved occurrence is a new row";
     expectSettled();
     writeStandup(u"COUNT=6"_qs, u"EXDATE;TZID=Europe/Berlin:20261122T090000,20261124T090000\n"_qs);
     pass();
@@ -284,8 +284,8 @@ TEST_F(SeriesStories, ASeriesThatBeginsBeyondTheWindowComesWithIt)
     QFile::remove(folderOf(u"Home"_qs) + u"/standup.ics"_qs);
     MVTask copy;
     copy.title = u"Far"_qs;
-    copy.type = int(TaskType::Appointment);
-    copy.status = 0;
+    copy.type = TaskType::Appointment;
+    copy.status = TaskStatus::Open;
     copy.startDate = localDate(2027, 9, 1, 9);
     copy.dueDate = localDate(2027, 9, 1, 10);
     copy.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;

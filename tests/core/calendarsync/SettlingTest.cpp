@@ -18,9 +18,9 @@ TEST_F(SettledPasses, LeaveARowOverMidnightAlone)
           u"Berlin:20261121T010000\nRRULE:FREQ=DAILY\n"_qs);
     pass();
     ASSERT_THAT(rows(), SizeIs(5));
-    rows().at(2)->setPriority(0);
+    rows().at(2)->setPriority(Priority::High);
     pass();
-    EXPECT_EQ(rows().at(2)->priority(), 0) << "the row is still the same";
+    EXPECT_EQ(rows().at(2)->priority(), Priority::High) << "the row is still the same";
     expectSettled();
 }
 

@@ -133,7 +133,7 @@ TEST_F(TaskFormCalendarTest, AnEventStaysInItsCalendarThoughThatIsNotOffered)
     const TaskPtr row = rowOf(u"One"_qs);
     ASSERT_NE(row, nullptr);
     TaskFormState form(row);
-    form.setPriority(1);
+    form.setPriority(Priority::Medium);
     choose({u"Work"_qs});
     EXPECT_EQ(form.finishEdit(), TaskFormState::EditEnd::Saved);
     EXPECT_EQ(row->typeCalendarID(), u"Home"_qs);

@@ -13,9 +13,9 @@ protected:
     {
         MVTask copy;
         copy.title = u"Task"_qs;
-        copy.type = int(type);
-        copy.status = 0;
-        copy.priority = 2;
+        copy.type = type;
+        copy.status = TaskStatus::Open;
+        copy.priority = Priority::Low;
         copy.startDate = start;
         copy.dueDate = due;
         copy.typeCalendarID = u"Home"_qs;
@@ -75,14 +75,14 @@ TEST_F(WritingTasksToEvents, DoneTasksLeaveTheCalendarAndComeBackAsNewOnes)
     ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
     const QString formerRow = copy.task()->identifier();
     const QString formerEvent = copy.task()->calendarID();
-    copy.changeStatusType(3, true);
+    copy.changeStatusType(TaskStatus::Done, true);
     EXPECT_THAT(files(u"Home"_qs), SizeIs(0));
     ASSERT_THAT(rows(), SizeIs(1));
     EXPECT_EQ(copy.task(), rows()[0]) << "the copy goes on with the row that took its place";
     EXPECT_NE(copy.task()->identifier(), formerRow);
     EXPECT_EQ(copy.title, u"Task"_qs);
-    EXPECT_EQ(copy.status, 3);
-    copy.changeStatusType(0, true);
+    EXPECT_EQ(copy.status, TaskStatus::Done);
+    copy.changeStatusType(TaskStatus::Open, true);
     EXPECT_THAT(files(u"Home"_qs), SizeIs(1));
     EXPECT_NE(copy.task()->calendarID(), formerEvent);
 }

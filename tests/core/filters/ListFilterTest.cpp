@@ -248,7 +248,7 @@ TEST_F(ListFilters, FilterProjectsByRawInstants)
         const auto made = context().insert<EntityProject>();
         made->setTitle(title);
         made->setDueDate(due);
-        made->setStatus(1);
+        made->setStatus(TaskStatus::InProgress);
         return made;
     };
     project(u"dated"_qs, localDate(2026, 6, 9, 23, 59, 59));

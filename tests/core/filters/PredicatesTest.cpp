@@ -114,7 +114,7 @@ TEST_F(FilterPredicates, OnlyNarrowWhatAListHoldsAnyway)
 {
     add(u"idea"_qs);
     add(u"today"_qs, TaskType::ToDo, localDate(2026, 11, 21), localDate(2026, 11, 21, 23, 59));
-    add(u"over"_qs)->setStatus(static_cast<int>(TaskStatus::Done));
+    add(u"over"_qs)->setStatus(TaskStatus::Done);
     EXPECT_FALSE(DBWorker::saveContext());
     const FilterEntry over = with(u"Status"_qs, {{u"Value"_qs, 3}});
     const FilterEntry open = with(u"Status"_qs, {{u"Value"_qs, 0}});

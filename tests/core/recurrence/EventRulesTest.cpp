@@ -55,12 +55,12 @@ TEST_F(EventRulesTest, AnEndBeforeTheTaskMovesToTheEndOfItsDay)
     applied(u"RRULE:FREQ=DAILY"_qs, localDate(2026, 11, 1));
     EXPECT_EQ(task->endRepeat(), localDate(2026, 12, 3, 23, 59, 59));
 
-    task->setType(static_cast<int>(TaskType::EmailCall));
+    task->setType(TaskType::EmailCall);
     task->setDueDate(localDate(2026, 12, 8, 10));
     applied(u"RRULE:FREQ=DAILY"_qs, localDate(2026, 11, 1));
     EXPECT_EQ(task->endRepeat(), localDate(2026, 12, 8, 23, 59, 59));
 
-    task->setType(static_cast<int>(TaskType::ToDo));
+    task->setType(TaskType::ToDo);
     task->setStartDate(std::nullopt);
     applied(QString(), localDate(2026, 11, 1));
     EXPECT_EQ(task->endRepeat(), utcDate(2026, 11, 1, 21, 59, 59));

@@ -77,7 +77,7 @@ TEST_F(Life, TheBadgeFollowsEverySaveOfATask)
         add(u"missed"_qs, TaskType::Appointment, localDate(2026, 11, 20, 9), localDate(2026, 11, 20, 10));
     QCoreApplication::processEvents();
     EXPECT_EQ(told.badge, u"1"_qs);
-    MVTask(task).changeStatusType(3, true);
+    MVTask(task).changeStatusType(TaskStatus::Done, true);
     QCoreApplication::processEvents();
     EXPECT_EQ(told.badge, QString());
     EXPECT_EQ(task->expirationDate(), localDate(2026, 11, 21, 9, 15));
@@ -94,11 +94,11 @@ TEST_F(Life, ActivationWithoutCalendarsWritesDownThatThereAreNone)
     const TaskPtr repeating = add(u"weekly"_qs);
     repeating->setRepeat(u"RRULE FREQ=WEEKLY"_qs);
     MVTask copy(repeating);
-    copy.changeStatusType(3, false);
-    EXPECT_EQ(copy.status, 0) << "A repeating task cannot be edited without its calendar";
+    copy.changeStatusType(TaskStatus::Done, false);
+    EXPECT_EQ(copy.status, TaskStatus::Open) << "A repeating task cannot be edited without its calendar";
     delegate->applicationDidResignActive();
-    copy.changeStatusType(3, false);
-    EXPECT_EQ(copy.status, 3);
+    copy.changeStatusType(TaskStatus::Done, false);
+    EXPECT_EQ(copy.status, TaskStatus::Done);
 }
 
 TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)

@@ -8,23 +8,28 @@ namespace {
 struct Plain
 {
     QString title;
-    std::optional<int> type, status;
+    std::optional<TaskType> type;
+    std::optional<TaskStatus> status;
     std::optional<bool> someday;
     OptionalDate start, due, expiration;
     QString calendar;
     bool hasCategory = false, hasDelegate = false;
 
-    bool isOpen() const { return status != 3; }
+    bool isOpen() const { return status != TaskStatus::Done; }
     bool isVisible() const { return calendar.isEmpty(); }
     OptionalDate effectiveDue() const
     {
-        return due && type != 1 && type != 2 ? OptionalDate(localDate(2026, 11, day(*due), 23, 59, 59)) : due;
+        return due && type != TaskType::Appointment && type != TaskType::EmailCall
+                   ? OptionalDate(localDate(2026, 11, day(*due), 23, 59, 59))
+                   : due;
     }
     OptionalDate effectiveStart() const
     {
-        if (type == 2)
+        if (type == TaskType::EmailCall)
             return due;
-        return start && type != 1 ? OptionalDate(localDate(2026, 11, day(*start), 23, 59, 59)) : start;
+        return start && type != TaskType::Appointment
+                   ? OptionalDate(localDate(2026, 11, day(*start), 23, 59, 59))
+                   : start;
     }
     static int day(Date date) { return wallClock(date).mid(8, 2).toInt(); }
 };
@@ -36,33 +41,38 @@ protected:
 
     static bool isOnInbox(const Plain &task)
     {
-        return task.isOpen() && task.someday != true && !task.start && task.type == 0;
+        return task.isOpen() && task.someday != true && !task.start && task.type == TaskType::ToDo;
     }
     bool isOnToday(const Plain &task) const
     {
         if (!task.isOpen() || task.someday != false)
             return false;
-        if (task.type == 2)
+        if (task.type == TaskType::EmailCall)
             return task.due && *task.due <= end;
-        return (task.type == 0 || task.type == 1) && task.start && *task.start <= end;
+        return (task.type == TaskType::ToDo || task.type == TaskType::Appointment) && task.start &&
+               *task.start <= end;
     }
     bool isOnScheduled(const Plain &task) const
     {
         if (!task.isOpen() || task.someday != false || !task.due)
             return false;
-        return task.type == 2 ? *task.due > end
-                              : (task.type == 0 || task.type == 1) && task.start && *task.start > end;
+        return task.type == TaskType::EmailCall
+                   ? *task.due > end
+                   : (task.type == TaskType::ToDo || task.type == TaskType::Appointment) && task.start &&
+                         *task.start > end;
     }
     static bool isOnSomeday(const Plain &task)
     {
-        return task.isOpen() && task.someday == true && (task.type == 0 || task.type == 2);
+        return task.isOpen() && task.someday == true &&
+               (task.type == TaskType::ToDo || task.type == TaskType::EmailCall);
     }
     /// Late at a quarter past nine on the 21st.
     static bool isLate(const Plain &task)
     {
         if (!task.due || *task.due >= localDate(2026, 11, 21, 9, 15))
             return false;
-        return task.type == 1 || task.type == 2 || Plain::day(*task.due) < 21;
+        return task.type == TaskType::Appointment || task.type == TaskType::EmailCall ||
+               Plain::day(*task.due) < 21;
     }
 
     std::vector<Plain> generate(int count)
@@ -86,8 +96,8 @@ protected:
         for (int number = 0; number < count; ++number) {
             Plain task;
             task.title = QStringLiteral("%1").arg(pick(50), 2, 10, QLatin1Char('0'));
-            task.type = pick(20) == 0 ? std::nullopt : std::optional(pick(3));
-            task.status = pick(20) == 0 ? std::nullopt : std::optional(pick(4));
+            task.type = pick(20) == 0 ? std::nullopt : std::optional(static_cast<TaskType>(pick(3)));
+            task.status = pick(20) == 0 ? std::nullopt : std::optional(static_cast<TaskStatus>(pick(4)));
             task.someday = pick(4) == 0 ? std::nullopt : std::optional(pick(4) == 0);
             task.start = dates[size_t(pick(int(dates.size())))];
             task.due = dates[size_t(pick(int(dates.size())))];
@@ -122,12 +132,12 @@ protected:
 
     /// One line for each task, which tells all that orders it.
     template <typename Task>
-    static QString line(const Task &title, std::optional<int> type, OptionalDate start, OptionalDate due)
+    static QString line(const Task &title, std::optional<TaskType> type, OptionalDate start, OptionalDate due)
     {
         const auto shown = [](OptionalDate date) { return date ? wallClock(*date) : u"-"_qs; };
         return QStringLiteral("%1 type %2 from %3 to %4")
             .arg(title)
-            .arg(type.value_or(-1))
+            .arg(numberOf(type).value_or(-1))
             .arg(shown(start), shown(due));
     }
     static QStringList lines(const TaskList &list)
@@ -251,10 +261,10 @@ TEST_F(Lists, AreGroupedUnderHeadersWithOneGapBetween)
     EXPECT_FALSE(DBWorker::allDoneTasks());
     const TaskPtr work = add(u"work"_qs);
     work->setCategory(EntityCategory::title(u"Work"_qs));
-    work->setPriority(0);
+    work->setPriority(Priority::High);
     const TaskPtr home = add(u"home"_qs);
     home->setCategory(EntityCategory::title(u"HomeCategory"_qs));
-    add(u"plain"_qs)->setPriority(5);
+    add(u"plain"_qs)->setPriority(static_cast<Priority>(5));
     EXPECT_FALSE(DBWorker::saveContext());
 
     const auto described = [](const TaskRows &rows) {
@@ -267,7 +277,7 @@ TEST_F(Lists, AreGroupedUnderHeadersWithOneGapBetween)
                 if (const auto *category = std::get_if<CategoryPtr>(header))
                     result.append(u"# "_qs + (*category)->title());
                 else if (const auto *priority = std::get_if<PriorityHeader>(header))
-                    result.append(u"# priority %1"_qs.arg(priority->priority));
+                    result.append(u"# priority %1"_qs.arg(static_cast<int>(priority->priority)));
                 else
                     result.append(u"# none %1"_qs.arg(std::get<EntityNotValue>(*header).type));
             } else {
@@ -294,7 +304,7 @@ TEST_F(Lists, ShowWhatIsDoneByTheDayOldestFirst)
 {
     for (const auto &[title, day] : {std::pair(u"b"_qs, 20), std::pair(u"a"_qs, 3), std::pair(u"c"_qs, 20)}) {
         const TaskPtr task = add(title);
-        task->setStatus(3);
+        task->setStatus(TaskStatus::Done);
         task->setExpirationDate(localDate(2026, 11, day, title == u"b"_qs ? 23 : 1));
     }
     EXPECT_FALSE(DBWorker::saveContext());
@@ -320,7 +330,8 @@ TEST_F(Lists, SortLoadedTasksByTheSameRules)
     // What has no date is equal to everything and stays where it stands.
     EXPECT_EQ(DBWorker::sortNotDone({undated, late, noon}), std::vector<TaskPtr>({undated, noon, late}));
     EXPECT_EQ(DBWorker::getFirstTaskByTitle(u"noon"_qs), noon);
-    EXPECT_EQ(titles(DBWorker::getAllTaskWithType(0, localDate(2026, 11, 25, 3), false)).size(), 2);
+    EXPECT_EQ(titles(DBWorker::getAllTaskWithType(TaskType::ToDo, localDate(2026, 11, 25, 3), false)).size(),
+              2);
 }
 
 } // namespace

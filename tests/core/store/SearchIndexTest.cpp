@@ -41,7 +41,7 @@ TEST_F(SearchIndexOfRecords, FollowsSavesDeletesAndUndo)
     MVTask copy;
     copy.title = u"Café"_qs;
     copy.details = u"with milk"_qs;
-    copy.type = 0;
+    copy.type = TaskType::ToDo;
     copy.category = EntityCategory::title(u"HomeCategory"_qs);
     copy.delegateToUser = contact;
     copy.save();

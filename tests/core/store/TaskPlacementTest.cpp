@@ -79,16 +79,16 @@ protected:
         const auto task = context().insert<EntityTask>();
         task->setTitle(u"%1 task"_qs.arg(QChar(u'a' + pick(26))));
         if (pick(8) != 0)
-            task->setType(pick(4));
+            task->setType(static_cast<TaskType>(pick(4)));
         if (pick(8) != 0)
-            task->setStatus(pick(4));
+            task->setStatus(static_cast<TaskStatus>(pick(4)));
         if (pick(4) != 0)
             task->setDueSomeDay(pick(4) == 0);
         task->setStartDate(someDate());
         task->setDueDate(someDate());
         task->setExpirationDate(someDate());
         if (pick(2) == 0)
-            task->setPriority(pick(4));
+            task->setPriority(static_cast<Priority>(pick(4)));
         if (pick(6) == 0)
             task->setTypeCalendarID(u"a calendar that is not shown"_qs);
         if (pick(3) == 0)
@@ -135,7 +135,7 @@ TEST_F(Placement, SendsASearchToTheFirstListThatFits)
     };
     const auto someday = [](EntityTask &task) { task.setDueSomeDay(true); };
     const auto done = [](EntityTask &task) {
-        task.setStatus(3);
+        task.setStatus(TaskStatus::Done);
         task.setDueSomeDay(true);
     };
     EXPECT_EQ(listOf(changed(add(u"done"_qs), done)), ListType::Done);

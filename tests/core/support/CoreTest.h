@@ -13,6 +13,13 @@
 #include <QDir>
 #include <QFile>
 
+/// The number that a column holds for an enumerator; absent for none.
+template <typename Enum>
+std::optional<int> numberOf(std::optional<Enum> value)
+{
+    return value ? std::optional(static_cast<int>(*value)) : std::nullopt;
+}
+
 /// A program without a screen on an empty data folder, at a quarter past nine on Saturday 2026-11-21.
 class CoreTest : public testing::Test
 {
@@ -57,9 +64,9 @@ protected:
     {
         MVTask task;
         task.title = title;
-        task.type = static_cast<int>(type);
-        task.status = 0;
-        task.priority = 3;
+        task.type = type;
+        task.status = TaskStatus::Open;
+        task.priority = Priority::None;
         task.startDate = start;
         task.dueDate = due;
         if (start || due)

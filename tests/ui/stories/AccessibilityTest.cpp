@@ -79,8 +79,8 @@ TEST_F(AccessibilityTest, EveryScreenNamesItsControls)
 TEST_F(AccessibilityTest, TheNewTaskWindowNamesItsControlsForEachType)
 {
     WindowNewTask &form = openNewTask();
-    for (const int index : {0, 1, 2}) {
-        form.taskForm()->setType(Functional::typeStringFromType(index));
+    for (const TaskType type : allTaskTypes) {
+        form.taskForm()->setType(Functional::typeStringFromType(type));
         expectNamed(form);
     }
     const ScriptedAlerts alerts({Alert::thirdButton});
@@ -90,7 +90,7 @@ TEST_F(AccessibilityTest, TheNewTaskWindowNamesItsControlsForEachType)
 TEST_F(AccessibilityTest, TheDateBubbleAndTheQuestionNameTheirControls)
 {
     WindowNewTask &form = openNewTask();
-    form.taskForm()->setType(Functional::typeStringFromType(1));
+    form.taskForm()->setType(Functional::typeStringFromType(TaskType::Appointment));
     auto &start = find<DatePicker>(form, "datePickerStartDate");
     start.setFocus();
     QTest::keyClick(&start, Qt::Key_Space);
@@ -179,7 +179,7 @@ TEST_F(AccessibilityTest, ARowSaysWhatItsColoursAndMarksSay)
     add(u"report"_s, [](MVTask &task) {
         task.startDate = localDate(2026, 11, 19);
         task.dueDate = localDate(2026, 11, 19, 23, 59);
-        task.priority = 0;
+        task.priority = Priority::High;
     });
     showList(SidebarItem::Today);
     const QString row = list().tableModel()->index(0).data(Qt::AccessibleTextRole).toString();

@@ -134,7 +134,7 @@ TEST_F(CalendarsTest, TheLastCalendarIsGivenUpAndWithItAllWorkOnThem)
     QTest::mouseClick(&find<QPushButton>(chooser, "buttonSave"), Qt::LeftButton);
     EXPECT_EQ(ShellTest::stored(u"Meeting"_s), nullptr);
     const TaskPtr task = add(u"own"_s, [](MVTask &copy) {
-        copy.type = static_cast<int>(TaskType::Appointment);
+        copy.type = TaskType::Appointment;
         copy.startDate = localDate(2026, 11, 23, 9);
         copy.dueDate = localDate(2026, 11, 23, 10);
     });

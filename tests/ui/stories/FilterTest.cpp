@@ -96,9 +96,9 @@ TEST_F(FilterTest, RowsOfTheBubbleSetTheirCriteriaAndComeBackWithThem)
     const CategoryPtr work = EntityCategory::title(u"Work"_s);
     add(u"report"_s, [&](MVTask &task) {
         task.category = work;
-        task.priority = 0;
+        task.priority = Priority::High;
     });
-    add(u"lunch"_s, [](MVTask &task) { task.priority = 2; });
+    add(u"lunch"_s, [](MVTask &task) { task.priority = Priority::Low; });
     showList(SidebarItem::NotDone);
     Popover *bubble = &open();
     QStringList rows;

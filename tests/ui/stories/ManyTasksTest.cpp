@@ -57,9 +57,9 @@ protected:
             const auto task = context().insert<EntityTask>();
             task->setTitle(u"Task %1"_s.arg(number));
             task->setCreationDate(localDate(2026, 11, 20));
-            task->setType(0);
-            task->setStatus(0);
-            task->setPriority(3);
+            task->setType(TaskType::ToDo);
+            task->setStatus(TaskStatus::Open);
+            task->setPriority(Priority::None);
             task->setPosition(number + 1);
         }
         EXPECT_FALSE(DBWorker::saveContext());

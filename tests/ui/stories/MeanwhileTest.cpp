@@ -91,7 +91,7 @@ TEST_F(MeanwhileTest, TheBubbleOfAPaneStaysWhileItAsks)
     const auto place = context().insert<EntityLocation>();
     place->setTitle(u"Harbour"_s);
     add(u"meeting"_s, [&](MVTask &task) {
-        task.type = static_cast<int>(TaskType::Appointment);
+        task.type = TaskType::Appointment;
         task.startDate = localDate(2026, 11, 21, 10);
         task.dueDate = localDate(2026, 11, 21, 11);
         task.location = place;

@@ -193,7 +193,7 @@ TEST_F(NewTaskTest, AProjectOutsideTheDatesIsRefusedAndThePopUpFallsBack)
     for (const auto &[title, day] : {std::pair(u"now"_s, 1), std::pair(u"later"_s, 30)}) {
         const auto project = context().insert<EntityProject>();
         project->setTitle(title);
-        project->setStatus(0);
+        project->setStatus(TaskStatus::Open);
         project->setStartDate(localDate(2026, 11, day));
     }
     EXPECT_FALSE(DBWorker::saveContext());
@@ -237,7 +237,7 @@ TEST_F(NewTaskTest, TheMenuTakesWhatTheListGivesAndElsewhereToday)
 {
     controller().showList(SidebarItem::Projects);
     const MVTask *task = &openNewTask().taskForm()->currentTask();
-    EXPECT_EQ(task->type, static_cast<int>(TaskType::ToDo));
+    EXPECT_EQ(task->type, TaskType::ToDo);
     EXPECT_EQ(task->startDate, localDate(2026, 11, 21));
     EXPECT_EQ(task->dueDate, MVDate::getEndOfDay(localDate(2026, 11, 21)));
     delete newTaskWindow();
@@ -257,7 +257,7 @@ TEST_F(NewTaskTest, AMarkInACalendarOpensTheWindowWithItsDates)
     };
     const MVTask *task = post(notifications::dayCalendarCreateTask, hour);
     ASSERT_NE(task, nullptr);
-    EXPECT_EQ(task->type, static_cast<int>(TaskType::Appointment));
+    EXPECT_EQ(task->type, TaskType::Appointment);
     EXPECT_EQ(task->startDate, hour.start);
     EXPECT_EQ(task->dueDate, hour.due);
     // One that is open is only brought to the front.
@@ -265,7 +265,7 @@ TEST_F(NewTaskTest, AMarkInACalendarOpensTheWindowWithItsDates)
     delete newTaskWindow();
     task = post(notifications::allDayCalendarCreateTask, days);
     ASSERT_NE(task, nullptr);
-    EXPECT_EQ(task->type, static_cast<int>(TaskType::ToDo));
+    EXPECT_EQ(task->type, TaskType::ToDo);
     EXPECT_EQ(task->dueDate, days.due);
     delete newTaskWindow();
     window().close();

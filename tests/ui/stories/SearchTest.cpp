@@ -58,7 +58,7 @@ protected:
 TEST_F(SearchTest, TheKeysLeadFromAWordToATaskInItsList)
 {
     const TaskPtr bread = add(u"Buy bread"_s);
-    add(u"Bread knife"_s, [](MVTask &task) { task.status = 3; });
+    add(u"Bread knife"_s, [](MVTask &task) { task.status = TaskStatus::Done; });
     context().insert<EntityProject>()->setTitle(u"Bread oven"_s);
     EXPECT_FALSE(DBWorker::saveContext());
     showList(SidebarItem::Someday);

@@ -218,7 +218,7 @@ TEST_F(SidebarTest, GroupingShowsHeadersAndIsRememberedForTheList)
 {
     add(u"urgent"_s, [](MVTask &task) {
         task.dueSomeDay = true;
-        task.priority = 0;
+        task.priority = Priority::High;
     });
     add(u"idle"_s, [](MVTask &task) { task.dueSomeDay = true; });
     showList(SidebarItem::Someday);

@@ -90,7 +90,7 @@ TEST_F(TaskDetailTest, AnotherTaskStacksAboveAndTheSameOneComesUpAgain)
 
 TEST_F(TaskDetailTest, TheDelegatedAndDoneListsLeaveLessRoomAboveThePane)
 {
-    add(u"over"_s, [](MVTask &task) { task.status = 3; });
+    add(u"over"_s, [](MVTask &task) { task.status = TaskStatus::Done; });
     showList(SidebarItem::Done);
     openDetail(list().tableModel()->nearestItem(0, 1));
     EXPECT_EQ(pane().y(), 10);
@@ -111,7 +111,7 @@ TEST_F(TaskDetailTest, AnEditIsSavedByDoneAndShownInTheList)
     EXPECT_FALSE(pane().isEditing());
     EXPECT_EQ(find<QLabel>(pane(), "labelPriorityPreview").text(), u"High"_s);
     ASSERT_NE(stored(u"renamed"_s), nullptr);
-    EXPECT_EQ(stored(u"renamed"_s)->priority(), 0);
+    EXPECT_EQ(stored(u"renamed"_s)->priority(), Priority::High);
     EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles() == QStringList{u"renamed"_s}; }));
 }
 
@@ -152,10 +152,10 @@ TEST_F(TaskDetailTest, TickingOffSavesAtOnceAndADoneTaskIsOnlyLookedAt)
     openDetail(0);
     auto &check = find<QAbstractButton>(pane(), "checkDone");
     QTest::mouseClick(&check, Qt::LeftButton);
-    EXPECT_EQ(stored(u"first"_s)->status(), 3);
+    EXPECT_EQ(stored(u"first"_s)->status(), TaskStatus::Done);
     EXPECT_FALSE(buttonEdit().isEnabled());
     QTest::keyClick(&check, Qt::Key_Space);
-    EXPECT_EQ(stored(u"first"_s)->status(), 0);
+    EXPECT_EQ(stored(u"first"_s)->status(), TaskStatus::Open);
     EXPECT_TRUE(buttonEdit().isEnabled());
 }
 
@@ -192,8 +192,8 @@ TEST_F(TaskDetailTest, WhileRepeatsAreBarredTheirTasksStayAndSayWhy)
     ScriptedAlerts alerts(std::deque<int>(3, Alert::firstButton));
     run(ActionId::SelectAll);
     key(Qt::Key_Space);
-    EXPECT_EQ(stored(u"once"_s)->status(), 3);
-    EXPECT_EQ(stored(u"daily"_s)->status(), 0);
+    EXPECT_EQ(stored(u"once"_s)->status(), TaskStatus::Done);
+    EXPECT_EQ(stored(u"daily"_s)->status(), TaskStatus::Open);
     ASSERT_EQ(alerts.asked().size(), 1U) << "told once for both";
     EXPECT_TRUE(
         alerts.asked().front().informativeText.startsWith(u"Editing Repeated tasks is not allowed"_s));

@@ -139,7 +139,7 @@ TEST_F(TaskFormRulesTest, AnEmailOrCallHasOneDateOnWhichTheRestHangs)
     pick("datePickerDueDate");
     const TaskPtr task = save(u"call"_s);
     ASSERT_NE(task, nullptr);
-    EXPECT_EQ(task->type(), static_cast<int>(TaskType::EmailCall));
+    EXPECT_EQ(task->type(), TaskType::EmailCall);
     EXPECT_TRUE(task->dueDate());
     EXPECT_FALSE(task->startDate() || task->alert());
     EXPECT_EQ(task->repeat(), QString());
@@ -290,7 +290,7 @@ TEST_F(TaskFormRulesTest, TheCheckBoxAndTheStatusSayTheSame)
     QTest::mouseClick(&check, Qt::LeftButton);
     const TaskPtr task = save(u"over"_s);
     ASSERT_NE(task, nullptr);
-    EXPECT_EQ(task->status(), 3);
+    EXPECT_EQ(task->status(), TaskStatus::Done);
     EXPECT_EQ(task->expirationDate(), Clock::now());
 }
 

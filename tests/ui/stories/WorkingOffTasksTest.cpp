@@ -38,7 +38,7 @@ TEST_F(WorkingOffTasksTest, ATickIsStoredAndSeenAtOnceAndTheRowLeavesLater)
     addInbox({u"a"_s, u"b"_s, u"c"_s});
     clickRow(1);
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, checkBoxOf(1));
-    EXPECT_EQ(stored(u"b"_s)->status(), 3);
+    EXPECT_EQ(stored(u"b"_s)->status(), TaskStatus::Done);
     EXPECT_TRUE(isShownTicked(1));
     EXPECT_EQ(shownTitles().size(), 3);
     EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles().size() == 2; }, 3000));
@@ -51,18 +51,18 @@ TEST_F(WorkingOffTasksTest, TheSpaceKeyTicksAllSelectedTasksAndClearsThemAgain)
     clickRow(0);
     key(Qt::Key_Down, Qt::ShiftModifier);
     key(Qt::Key_Space);
-    EXPECT_EQ(stored(u"a"_s)->status(), 3);
-    EXPECT_EQ(stored(u"b"_s)->status(), 3);
+    EXPECT_EQ(stored(u"a"_s)->status(), TaskStatus::Done);
+    EXPECT_EQ(stored(u"b"_s)->status(), TaskStatus::Done);
     key(Qt::Key_Space);
-    EXPECT_EQ(stored(u"a"_s)->status(), 0);
-    EXPECT_EQ(stored(u"c"_s)->status(), 0);
+    EXPECT_EQ(stored(u"a"_s)->status(), TaskStatus::Open);
+    EXPECT_EQ(stored(u"c"_s)->status(), TaskStatus::Open);
 }
 
 TEST_F(WorkingOffTasksTest, APressBesideTheCheckBoxOnlySelects)
 {
     addInbox({u"a"_s});
     clickRow(0);
-    EXPECT_EQ(stored(u"a"_s)->status(), 0);
+    EXPECT_EQ(stored(u"a"_s)->status(), TaskStatus::Open);
     EXPECT_EQ(selectedTitles(), QStringList{u"a"_s});
 }
 
@@ -98,14 +98,14 @@ TEST_F(WorkingOffTasksTest, ATaskOfAReadOnlyCalendarStaysAndSaysSoOnlyWhenAlone)
     EXPECT_EQ(inboxTitles(), QStringList{u"read only"_s});
     EXPECT_EQ(alerts.asked().size(), 2U);
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, checkBoxOf(0));
-    EXPECT_EQ(stored(u"read only"_s)->status(), 0);
+    EXPECT_EQ(stored(u"read only"_s)->status(), TaskStatus::Open);
     clickRow(0);
     choose(u"Status"_s, u"Pending"_s);
     choose(u"Priority"_s, u"High"_s);
     choose(u"Category"_s, u"Work"_s);
     const TaskPtr kept = stored(u"read only"_s);
-    EXPECT_EQ(kept->status(), 0);
-    EXPECT_EQ(kept->priority(), 3);
+    EXPECT_EQ(kept->status(), TaskStatus::Open);
+    EXPECT_EQ(kept->priority(), Priority::None);
     EXPECT_EQ(kept->category(), nullptr);
 }
 
@@ -115,15 +115,15 @@ TEST_F(WorkingOffTasksTest, TheContextMenuChangesAllSelectedTasks)
     clickRow(0);
     clickRow(1, Qt::ControlModifier);
     choose(u"Priority"_s, u"High"_s);
-    EXPECT_EQ(stored(u"a"_s)->priority(), 0);
-    EXPECT_EQ(stored(u"b"_s)->priority(), 0);
-    EXPECT_EQ(stored(u"c"_s)->priority(), 3);
+    EXPECT_EQ(stored(u"a"_s)->priority(), Priority::High);
+    EXPECT_EQ(stored(u"b"_s)->priority(), Priority::High);
+    EXPECT_EQ(stored(u"c"_s)->priority(), Priority::None);
     choose(u"Status"_s, u"Pending"_s);
-    EXPECT_EQ(stored(u"b"_s)->status(), 2);
+    EXPECT_EQ(stored(u"b"_s)->status(), TaskStatus::Pending);
     run(ActionId::Undo);
-    EXPECT_EQ(stored(u"a"_s)->status(), 0);
-    EXPECT_EQ(stored(u"b"_s)->status(), 0) << "one change, one undo";
-    EXPECT_EQ(stored(u"b"_s)->priority(), 0);
+    EXPECT_EQ(stored(u"a"_s)->status(), TaskStatus::Open);
+    EXPECT_EQ(stored(u"b"_s)->status(), TaskStatus::Open) << "one change, one undo";
+    EXPECT_EQ(stored(u"b"_s)->priority(), Priority::High);
 }
 
 TEST_F(WorkingOffTasksTest, OpeningSeveralTasksAtOnceIsRefusedWithAMessage)

@@ -135,9 +135,9 @@ TaskPtr ShellTest::add(const QString &title, const std::function<void(MVTask &)>
 {
     MVTask task;
     task.title = title;
-    task.type = 0;
-    task.status = 0;
-    task.priority = 3;
+    task.type = TaskType::ToDo;
+    task.status = TaskStatus::Open;
+    task.priority = Priority::None;
     task.dueSomeDay = false;
     task.allowsContentModifications = true;
     if (fill)

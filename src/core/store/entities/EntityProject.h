@@ -3,6 +3,7 @@
 #include "objectstore/FetchRequest.h"
 #include "objectstore/ObjectList.h"
 #include "objectstore/TypedObject.h"
+#include "store/entities/TaskValues.h"
 
 class EntityCategory;
 class EntityContacts;
@@ -36,8 +37,8 @@ public:
 
     MANAGED_TEXT(title, setTitle)
     MANAGED_TEXT(details, setDetails)
-    MANAGED_INTEGER(status, setStatus)
-    MANAGED_INTEGER(priority, setPriority)
+    MANAGED_ENUM(TaskStatus, status, setStatus)
+    MANAGED_ENUM(Priority, priority, setPriority)
     MANAGED_INTEGER(stage, setStage)
     MANAGED_DATE(startDate, setStartDate)
     MANAGED_DATE(dueDate, setDueDate)

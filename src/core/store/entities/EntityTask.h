@@ -52,9 +52,9 @@ public:
 
     MANAGED_TEXT(title, setTitle)
     MANAGED_TEXT(details, setDetails)
-    MANAGED_INTEGER(type, setType)
-    MANAGED_INTEGER(status, setStatus)
-    MANAGED_INTEGER(priority, setPriority)
+    MANAGED_ENUM(TaskType, type, setType)
+    MANAGED_ENUM(TaskStatus, status, setStatus)
+    MANAGED_ENUM(Priority, priority, setPriority)
     MANAGED_DATE(startDate, setStartDate)
     MANAGED_DATE(dueDate, setDueDate)
     MANAGED_BOOLEAN(dueSomeDay, setDueSomeDay)

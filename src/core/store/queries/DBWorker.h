@@ -81,7 +81,7 @@ public:
     static TaskList getAllTasksWithAlert();
     static TaskPtr getFirstTaskByTitle(const QString &title);
     static TaskList getSampleNotDoneTask();
-    static TaskList getAllTaskWithType(int type, Date atDay, bool includeDoneTasks);
+    static TaskList getAllTaskWithType(TaskType type, Date atDay, bool includeDoneTasks);
     /// The Appointments, mails and calls due on a day, done ones included.
     static TaskList getTimeItemsForDate(Date date);
     static TaskList allDelayTasks();

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int doneStatus = static_cast<int>(TaskStatus::Done);
-
 FetchRequest byStart(const Predicate &predicate)
 {
     return EntityTask::fetchRequest()
@@ -43,7 +41,7 @@ TaskPtr DBWorker::getTaskByEvent(const EKEvent &event)
 {
     const Predicate candidates =
         Predicate::format("(title = %@ || calendarID = %@) && status != %i", event.title,
-                          event.calendarItemExternalIdentifier, doneStatus);
+                          event.calendarItemExternalIdentifier, TaskStatus::Done);
     return matching::rowOf(
         event, loaded(mainContext().fetch<EntityTask>(EntityTask::fetchRequest()
                                                           .where(candidates)

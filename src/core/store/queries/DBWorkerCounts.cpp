@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int statusDone = static_cast<int>(TaskStatus::Done);
-
 /// Counts among the tasks that the user can see, which is found out once.
 class Counter
 {
@@ -37,8 +35,8 @@ public:
     }
     static bool isLate(const Lateness &lateness, const RowReader &row)
     {
-        const std::optional<int> type =
-            row.isNull(0) ? std::nullopt : std::optional(static_cast<int>(row.integer(0)));
+        const std::optional<TaskType> type =
+            row.isNull(0) ? std::nullopt : std::optional(static_cast<TaskType>(row.integer(0)));
         return lateness.isLate(type, row.date(1));
     }
 
@@ -54,13 +52,9 @@ std::vector<Predicate> each(const std::vector<Predicate> &parts, const Predicate
     return all;
 }
 
-constexpr int toDo = static_cast<int>(TaskType::ToDo);
-constexpr int appointment = static_cast<int>(TaskType::Appointment);
-constexpr int emailCall = static_cast<int>(TaskType::EmailCall);
-
 Predicate openTasks()
 {
-    return Predicate::format("status != %d", statusDone);
+    return Predicate::format("status != %d", TaskStatus::Done);
 }
 
 Predicate openDated()
@@ -72,30 +66,34 @@ Predicate openDated()
 
 struct TypePart
 {
-    int type;
+    TaskType type;
     Predicate condition;
 };
 
 std::vector<TypePart> todayParts(Date end)
 {
-    return {
-        {toDo, Predicate::format("type = %d and startDate <= %@", toDo, end) && openDated()},
-        {appointment, Predicate::format("type = %d and startDate <= %@", appointment, end) && openDated()},
-        {emailCall, Predicate::format("type = %d and dueDate <= %@", emailCall, end) && openDated()}};
+    return {{TaskType::ToDo,
+             Predicate::format("type = %d and startDate <= %@", TaskType::ToDo, end) && openDated()},
+            {TaskType::Appointment,
+             Predicate::format("type = %d and startDate <= %@", TaskType::Appointment, end) && openDated()},
+            {TaskType::EmailCall,
+             Predicate::format("type = %d and dueDate <= %@", TaskType::EmailCall, end) && openDated()}};
 }
 
 std::vector<Predicate> scheduledParts(Date end)
 {
-    return each({Predicate::format("type = %d and startDate > %@ and dueDate <> nil", toDo, end),
-                 Predicate::format("type = %d and startDate > %@ and dueDate <> nil", appointment, end),
-                 Predicate::format("type = %d and dueDate > %@", emailCall, end)},
-                openDated());
+    return each(
+        {Predicate::format("type = %d and startDate > %@ and dueDate <> nil", TaskType::ToDo, end),
+         Predicate::format("type = %d and startDate > %@ and dueDate <> nil", TaskType::Appointment, end),
+         Predicate::format("type = %d and dueDate > %@", TaskType::EmailCall, end)},
+        openDated());
 }
 
 std::vector<Predicate> somedayParts()
 {
-    return each({Predicate::format("type = %d", toDo), Predicate::format("type = %d", emailCall)},
-                openTasks() && Predicate::format("dueSomeDay = %@", true));
+    return each(
+        {Predicate::format("type = %d", TaskType::ToDo), Predicate::format("type = %d", TaskType::EmailCall)},
+        openTasks() && Predicate::format("dueSomeDay = %@", true));
 }
 
 Badge todayBadge(const Counter &counter)
@@ -117,12 +115,13 @@ int DBWorker::countStaleTasks()
     const Lateness lateness;
     const Counter counter;
     int count = counter.countLate(lateness, openTasks() && lateness.longPast());
-    for (const int type : {toDo, appointment, emailCall})
+    for (const TaskType type : allTaskTypes)
         count += counter.count(
             each(lateness.recentlyLate(type), openTasks() && Predicate::format("type = %d", type)));
     // What is none of them counts as a ToDo.
-    for (const Predicate &other : {Predicate::format("type = nil"), Predicate::format("type < %d", toDo),
-                                   Predicate::format("type > %d", emailCall)})
+    for (const Predicate &other :
+         {Predicate::format("type = nil"), Predicate::format("type < %d", TaskType::ToDo),
+          Predicate::format("type > %d", TaskType::EmailCall)})
         count += counter.countLate(lateness, openTasks() && other && lateness.notLongPast());
     return count;
 }
@@ -153,6 +152,7 @@ TaskBadges DBWorker::taskBadges()
     badges.categories.right = counter.count(openTasks() && Predicate::format("category != nil"));
     badges.delegated.right = counter.count(openTasks() && Predicate::format("delegateToUser != nil"));
     badges.notDone.right = counter.count(openTasks());
-    badges.done.right = counter.count(Predicate::format("status = %d and expirationDate != nil", statusDone));
+    badges.done.right =
+        counter.count(Predicate::format("status = %d and expirationDate != nil", TaskStatus::Done));
     return badges;
 }

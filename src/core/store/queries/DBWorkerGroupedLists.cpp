@@ -53,8 +53,8 @@ TaskRows groupedByPriority(const Definition &definition)
 {
     Buckets buckets = dealtOut(definition, "priority");
     TaskRows rows;
-    for (int priority = 0; priority <= static_cast<int>(Priority::None); ++priority)
-        append(rows, buckets, QString::number(priority), PriorityHeader{priority});
+    for (const Priority priority : allPriorities)
+        append(rows, buckets, QString::number(static_cast<int>(priority)), PriorityHeader{priority});
     return closed(std::move(rows));
 }
 

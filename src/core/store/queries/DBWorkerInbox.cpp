@@ -11,7 +11,7 @@
 int DBWorker::maxPositionTaskInbox()
 {
     const FetchRequest all = EntityTask::fetchRequest().where(
-        Predicate::format("startDate ==  nil and type == %d", static_cast<int>(TaskType::ToDo)));
+        Predicate::format("startDate ==  nil and type == %d", TaskType::ToDo));
     // Another program may have left any number there; the next position must be one, too.
     constexpr double lowest = std::numeric_limits<int>::min();
     constexpr double greatest = std::numeric_limits<int>::max() - 1;

@@ -10,8 +10,6 @@ using tasklists::Order;
 
 namespace {
 
-constexpr int statusDone = static_cast<int>(TaskStatus::Done);
-
 TaskList listOf(const Definition &definition, const FilterEntry *filter = nullptr)
 {
     std::vector<RowId> rows;
@@ -73,17 +71,17 @@ TaskList DBWorker::getAllTasks()
 
 TaskList DBWorker::allDoneTasksNoGroup()
 {
-    return visible(Predicate::format("status = %d and expirationDate != nil", statusDone));
+    return visible(Predicate::format("status = %d and expirationDate != nil", TaskStatus::Done));
 }
 
 TaskList DBWorker::allTasksWithDelegatesNoGroup()
 {
-    return visible(Predicate::format("delegateToUser != nil and status != %d", statusDone));
+    return visible(Predicate::format("delegateToUser != nil and status != %d", TaskStatus::Done));
 }
 
 TaskList DBWorker::allTasksWithCategoryNoGroup()
 {
-    return visible(Predicate::format("category != nil and status != %d", statusDone));
+    return visible(Predicate::format("category != nil and status != %d", TaskStatus::Done));
 }
 
 TaskList DBWorker::getTasksWithoutCategories()
@@ -103,7 +101,7 @@ TaskList DBWorker::getAllTasksWithAlert()
 
 TaskPtr DBWorker::getFirstTaskByTitle(const QString &title)
 {
-    return visible(Predicate::format("title = %@ && status != %i", title, statusDone),
+    return visible(Predicate::format("title = %@ && status != %i", title, TaskStatus::Done),
                    {ascending("startDate")})
         .first();
 }
@@ -111,19 +109,19 @@ TaskPtr DBWorker::getFirstTaskByTitle(const QString &title)
 TaskList DBWorker::getSampleNotDoneTask()
 {
     return mainContext().fetch<EntityTask>(EntityTask::fetchRequest()
-                                               .where(Predicate::format("status <> %d", statusDone))
+                                               .where(Predicate::format("status <> %d", TaskStatus::Done))
                                                .sortedBy({ascending("startDate")})
                                                .reportedAs(cannotGetTask));
 }
 
-TaskList DBWorker::getAllTaskWithType(int type, Date atDay, bool includeDoneTasks)
+TaskList DBWorker::getAllTaskWithType(TaskType type, Date atDay, bool includeDoneTasks)
 {
     const Date start = MVDate::getStartOfDay(atDay);
     const Date end = MVDate::getEndOfDay(atDay);
     const Predicate onDay = Predicate::format(
         "(type = %d) and ((startDate >= %@ and startDate <= %@) || (dueDate >= %@ and dueDate <= %@))", type,
         start, end, start, end);
-    const Predicate open = Predicate::format("status <> %d", statusDone);
+    const Predicate open = Predicate::format("status <> %d", TaskStatus::Done);
     return reported(includeDoneTasks ? onDay : open && onDay, {ascending("startDate")});
 }
 
@@ -132,7 +130,6 @@ TaskList DBWorker::getTimeItemsForDate(Date date)
     constexpr Seconds upToTheLastSecond{86399};
     const Date start = MVDate::getStartOfDay(date);
     return visible(Predicate::format("(type = %d or type = %d) and dueDate >= %@ and dueDate <= %@",
-                                     static_cast<int>(TaskType::Appointment),
-                                     static_cast<int>(TaskType::EmailCall), start,
+                                     TaskType::Appointment, TaskType::EmailCall, start,
                                      start + upToTheLastSecond));
 }

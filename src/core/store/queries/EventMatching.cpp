@@ -23,7 +23,7 @@ bool isAtTimesOf(const EntityTask &row, const EKEvent &event)
     // A row over midnight has other dates than its event, but no other event has these.
     if (row.calendarID() == event.calendarItemExternalIdentifier && eventdates::areShownBy(row, event))
         return true;
-    const bool isToDo = row.type().value_or(0) == static_cast<int>(TaskType::ToDo);
+    const bool isToDo = row.type().value_or(TaskType::ToDo) == TaskType::ToDo;
     const Date due = isToDo ? MTDates::endOfCurrentDay(*row.dueDate()) : *row.dueDate();
     return isNear(due, event.endDate) && (!row.startDate() || isNear(*row.startDate(), event.startDate));
 }

@@ -3,7 +3,6 @@
 #include "foundation/Clock.h"
 #include "foundation/Region.h"
 #include "records/dates/MVDate.h"
-#include "store/entities/TaskValues.h"
 
 namespace {
 
@@ -63,14 +62,14 @@ Lateness::Lateness()
     , recentStart(MVDate::getStartOfDay(MVDate::addDay(-recentDays, MVDate::getStartOfDay(now))))
 {}
 
-bool Lateness::isLate(std::optional<int> type, OptionalDate dueDate) const
+bool Lateness::isLate(std::optional<TaskType> type, OptionalDate dueDate) const
 {
     if (!dueDate || now <= *dueDate)
         return false;
     return isMoment(type) || isDayPast(today, *dueDate);
 }
 
-std::vector<Predicate> Lateness::recentlyLate(std::optional<int> type) const
+std::vector<Predicate> Lateness::recentlyLate(std::optional<TaskType> type) const
 {
     if (isMoment(type))
         return {Predicate::format("dueDate >= %@ and dueDate < %@", recentStart, now)};

@@ -2,6 +2,7 @@
 
 #include "foundation/Date.h"
 #include "objectstore/Predicate.h"
+#include "store/entities/TaskValues.h"
 
 #include <optional>
 #include <vector>
@@ -16,11 +17,11 @@ public:
     Lateness();
 
     /// Whether a task of that type with that due date is late.
-    bool isLate(std::optional<int> type, OptionalDate dueDate) const;
+    bool isLate(std::optional<TaskType> type, OptionalDate dueDate) const;
 
     /// Conditions on the due date that exclude each other and pass, together, the tasks of that type that are
     /// late among those due from a day some years back on, whatever their status.
-    std::vector<Predicate> recentlyLate(std::optional<int> type) const;
+    std::vector<Predicate> recentlyLate(std::optional<TaskType> type) const;
     /// Passes the tasks due before that day; each of them must be asked by `isLate`.
     Predicate longPast() const;
     /// Passes all others, in words that leave the planner to an index on something else.

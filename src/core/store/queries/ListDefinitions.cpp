@@ -9,11 +9,6 @@ namespace tasklists {
 
 namespace {
 
-constexpr int toDo = static_cast<int>(TaskType::ToDo);
-constexpr int appointment = static_cast<int>(TaskType::Appointment);
-constexpr int emailCall = static_cast<int>(TaskType::EmailCall);
-constexpr int statusDone = static_cast<int>(TaskStatus::Done);
-
 /// The calendars that tasks name, each once. An index gives the next greater one, so that this takes a step
 /// for each calendar and none for each task.
 std::vector<QString> namedCalendars()
@@ -48,7 +43,7 @@ Predicate byToday(Date end)
 {
     return Predicate::format("(type = %d and dueDate <= %@) or ( (type = %d or type = %d) and startDate <> "
                              "nil and startDate <= %@)",
-                             emailCall, end, toDo, appointment, end);
+                             TaskType::EmailCall, end, TaskType::ToDo, TaskType::Appointment, end);
 }
 
 Predicate afterToday(Date end)
@@ -56,16 +51,16 @@ Predicate afterToday(Date end)
     return Predicate::format(
         "((type = %d or type = %d) and startDate <> nil and dueDate <> nil and startDate > %@) or (type = %d "
         "and dueDate <> nil and dueDate > %@)",
-        toDo, appointment, end, emailCall, end);
+        TaskType::ToDo, TaskType::Appointment, end, TaskType::EmailCall, end);
 }
 
 Predicate predicateOf(Condition condition)
 {
     switch (condition) {
     case Condition::NotDone:
-        return Predicate::format("status != %d", statusDone);
+        return Predicate::format("status != %d", TaskStatus::Done);
     case Condition::Done:
-        return Predicate::format("status = %d", statusDone);
+        return Predicate::format("status = %d", TaskStatus::Done);
     case Condition::HasDoneDate:
         return Predicate::format("expirationDate != nil");
     case Condition::NotSomeday:
@@ -73,9 +68,9 @@ Predicate predicateOf(Condition condition)
     case Condition::Someday:
         return Predicate::format("dueSomeDay = %@", true);
     case Condition::IsToDo:
-        return Predicate::format("type == %d", toDo);
+        return Predicate::format("type == %d", TaskType::ToDo);
     case Condition::IsToDoOrEmailCall:
-        return Predicate::format("type = %d or type = %d", toDo, emailCall);
+        return Predicate::format("type = %d or type = %d", TaskType::ToDo, TaskType::EmailCall);
     case Condition::HasNoStart:
         return Predicate::format("startDate == nil");
     case Condition::ByToday:
@@ -229,20 +224,18 @@ std::vector<std::string> columnsFor(Order order)
     return {};
 }
 
-std::optional<int> optionalInteger(const RowReader &row, int column)
+std::optional<TaskType> typeIn(const RowReader &row, int column)
 {
-    return row.isNull(column) ? std::nullopt : std::optional(static_cast<int>(row.integer(column)));
+    return row.isNull(column) ? std::nullopt : std::optional(static_cast<TaskType>(row.integer(column)));
 }
 
 KeyedRow keyedRow(Order order, const RowReader &row, listorder::EffectiveDates &dates)
 {
     switch (order) {
     case Order::ByDue:
-        return {{row.rowId(), dates.due(optionalInteger(row, 0), row.date(1)), row.integer(2) != 0}, {}, {}};
+        return {{row.rowId(), dates.due(typeIn(row, 0), row.date(1)), row.integer(2) != 0}, {}, {}};
     case Order::ByStart:
-        return {{row.rowId(), dates.start(optionalInteger(row, 0), row.date(1), row.date(2)), false},
-                {},
-                row.text(3)};
+        return {{row.rowId(), dates.start(typeIn(row, 0), row.date(1), row.date(2)), false}, {}, row.text(3)};
     case Order::Fetched:
         break;
     }

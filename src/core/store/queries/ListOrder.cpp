@@ -14,14 +14,14 @@ Date EffectiveDates::endOfDay(Date date)
     return dayEnd;
 }
 
-OptionalDate EffectiveDates::due(std::optional<int> type, OptionalDate dueDate)
+OptionalDate EffectiveDates::due(std::optional<TaskType> type, OptionalDate dueDate)
 {
     return dueDate && !isMoment(type) ? endOfDay(*dueDate) : dueDate;
 }
 
-OptionalDate EffectiveDates::start(std::optional<int> type, OptionalDate startDate, OptionalDate dueDate)
+OptionalDate EffectiveDates::start(std::optional<TaskType> type, OptionalDate startDate, OptionalDate dueDate)
 {
-    if (type == static_cast<int>(TaskType::EmailCall))
+    if (type == TaskType::EmailCall)
         return dueDate;
     return startDate && !isMoment(type) ? endOfDay(*startDate) : startDate;
 }

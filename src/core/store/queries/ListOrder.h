@@ -24,10 +24,10 @@ struct Key
 class EffectiveDates
 {
 public:
-    OptionalDate due(std::optional<int> type, OptionalDate dueDate);
+    OptionalDate due(std::optional<TaskType> type, OptionalDate dueDate);
     /// The effective start: the due date of an Email/Call, the start of an Appointment, else the end of the
     /// start day.
-    OptionalDate start(std::optional<int> type, OptionalDate startDate, OptionalDate dueDate);
+    OptionalDate start(std::optional<TaskType> type, OptionalDate startDate, OptionalDate dueDate);
 
 private:
     Date endOfDay(Date date);

@@ -28,7 +28,7 @@ struct EntityNotValue
 /// The header of a group by priority.
 struct PriorityHeader
 {
-    int priority;
+    Priority priority;
     bool operator==(const PriorityHeader &) const = default;
 };
 

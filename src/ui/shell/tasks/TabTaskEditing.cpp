@@ -78,9 +78,9 @@ void TabTaskViewController::setUpMenu()
     taskPopupMenu = new TaskPopupMenu(this);
     const auto selected = [this] { return tasksAt(view->selectedRows()); };
     connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
-            [=, this](int status) { changeTasks(selected(), &TaskBatch::setStatus, status); });
+            [=, this](TaskStatus status) { changeTasks(selected(), &TaskBatch::setStatus, status); });
     connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this,
-            [=, this](int priority) { changeTasks(selected(), &TaskBatch::setPriority, priority); });
+            [=, this](Priority priority) { changeTasks(selected(), &TaskBatch::setPriority, priority); });
     connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this, [=, this](const CategoryPtr &category) {
         changeTasks(selected(), &TaskBatch::setCategory, category);
     });

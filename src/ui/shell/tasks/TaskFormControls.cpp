@@ -22,13 +22,6 @@ QIcon iconOf(const EKColor &color)
         static_cast<float>(color.red), static_cast<float>(color.green), static_cast<float>(color.blue)));
 }
 
-/// Adds words, each with its number.
-void addNumbers(PopUpButton &popUp, std::initializer_list<int> numbers, QString (*wordOf)(int))
-{
-    for (const int number : numbers)
-        popUp.addItem(wordOf(number), number);
-}
-
 } // namespace
 
 /// A pop-up of records with "None" above them.
@@ -84,11 +77,13 @@ QWidget *TaskFormView::makeCalendar()
 QWidget *TaskFormView::makeType()
 {
     auto *popUp = new PopUpButton(u"popUpButtonType"_s);
-    for (const int type : state.types())
-        popUp->addItem(Functional::typeStringFromType(type), type);
+    for (const TaskType type : state.types())
+        popUp->addItem(Functional::typeStringFromType(type), static_cast<int>(type));
     connect(popUp, &QComboBox::textActivated, this, [this](const QString &word) { state.setType(word); });
-    syncs.push_back(
-        [this, popUp] { popUp->setCurrentIndex(popUp->findData(state.currentTask().type.value_or(0))); });
+    syncs.push_back([this, popUp] {
+        const TaskType type = state.currentTask().type.value_or(TaskType::ToDo);
+        popUp->setCurrentIndex(popUp->findData(static_cast<int>(type)));
+    });
     return popUp;
 }
 
@@ -116,22 +111,29 @@ QWidget *TaskFormView::makeCategory()
 QWidget *TaskFormView::makeStatus()
 {
     auto *popUp = new PopUpButton(u"popUpButtonStatus"_s);
-    addNumbers(*popUp, {0, 1, 2, 3}, &Functional::statusStringFromType);
-    connect(popUp, &QComboBox::activated, this, [this](int index) { state.setStatus(index); });
-    syncs.push_back([this, popUp] { popUp->setCurrentIndex(state.currentTask().status.value_or(0)); });
+    for (const TaskStatus status : allTaskStatuses)
+        popUp->addItem(Functional::statusStringFromType(status), static_cast<int>(status));
+    connect(popUp, &QComboBox::activated, this,
+            [this](int index) { state.setStatus(static_cast<TaskStatus>(index)); });
+    syncs.push_back([this, popUp] {
+        const TaskStatus status = state.currentTask().status.value_or(TaskStatus::Open);
+        popUp->setCurrentIndex(static_cast<int>(status));
+    });
     return popUp;
 }
 
 QWidget *TaskFormView::makePriority()
 {
     auto *popUp = new PopUpButton(u"popUpButtonPriority"_s);
-    for (const int priority : {3, 0, 1, 2})
+    for (const Priority priority : {Priority::None, Priority::High, Priority::Medium, Priority::Low})
         popUp->addItem(CategoryIcon::circle(Theme::priority(priority)),
-                       Functional::priorityStringFromType(priority), priority);
+                       Functional::priorityStringFromType(priority), static_cast<int>(priority));
     connect(popUp, &QComboBox::activated, this,
-            [this, popUp] { state.setPriority(popUp->currentData().toInt()); });
-    syncs.push_back(
-        [this, popUp] { popUp->setCurrentIndex(popUp->findData(state.currentTask().priority.value_or(3))); });
+            [this, popUp] { state.setPriority(static_cast<Priority>(popUp->currentData().toInt())); });
+    syncs.push_back([this, popUp] {
+        const Priority priority = state.currentTask().priority.value_or(Priority::None);
+        popUp->setCurrentIndex(popUp->findData(static_cast<int>(priority)));
+    });
     return popUp;
 }
 

@@ -171,7 +171,7 @@ void TaskFormView::refresh()
 {
     textFieldTitle->showText(state.currentTask().title);
     textFieldDetails->showText(state.currentTask().details);
-    checkDone->setChecked(state.currentTask().status == static_cast<int>(TaskStatus::Done));
+    checkDone->setChecked(state.currentTask().status == TaskStatus::Done);
     // A task that cannot be changed cannot be ticked off.
     if (!state.allowsModifyEvent())
         checkDone->hide();

@@ -98,7 +98,7 @@ QString spoken(const TaskRowContent &content)
         parts << content.dateLabel;
     if (content.isOverdue)
         parts << localized(u"overdue"_s);
-    if (content.hasCheckBox && content.priority < 3)
+    if (content.hasCheckBox && content.priority < Priority::None)
         parts << Functional::priorityStringFromType(content.priority);
     return parts.join(u", "_s);
 }

@@ -36,16 +36,18 @@ static QAction *addChoice(QMenu &menu, const QString &text, const QVariant &valu
 
 void TaskPopupMenu::addStatuses()
 {
-    for (const int status : {0, 1, 2, 3}) {
-        QAction *action = addChoice(*statusMenu, Functional::statusStringFromType(status), status);
+    for (const TaskStatus status : allTaskStatuses) {
+        QAction *action =
+            addChoice(*statusMenu, Functional::statusStringFromType(status), static_cast<int>(status));
         connect(action, &QAction::triggered, this, [this, status] { Q_EMIT statusChosen(status); });
     }
 }
 
 void TaskPopupMenu::addPriorities()
 {
-    for (const int priority : {3, 0, 1, 2}) {
-        QAction *action = addChoice(*priorityMenu, Functional::priorityStringFromType(priority), priority);
+    for (const Priority priority : {Priority::None, Priority::High, Priority::Medium, Priority::Low}) {
+        QAction *action = addChoice(*priorityMenu, Functional::priorityStringFromType(priority),
+                                    static_cast<int>(priority));
         action->setIcon(CategoryIcon::circle(Theme::priority(priority)));
         connect(action, &QAction::triggered, this, [this, priority] { Q_EMIT priorityChosen(priority); });
     }
@@ -89,8 +91,10 @@ void TaskPopupMenu::setTasks(const std::vector<TaskPtr> &tasks)
         const CategoryPtr category = task.category();
         return QVariant(category ? category->identifier() : QString());
     }));
-    tick(*statusMenu,
-         shared(tasks, [](const EntityTask &task) { return QVariant(task.status().value_or(0)); }));
-    tick(*priorityMenu,
-         shared(tasks, [](const EntityTask &task) { return QVariant(task.priority().value_or(3)); }));
+    tick(*statusMenu, shared(tasks, [](const EntityTask &task) {
+        return QVariant(static_cast<int>(task.status().value_or(TaskStatus::Open)));
+    }));
+    tick(*priorityMenu, shared(tasks, [](const EntityTask &task) {
+        return QVariant(static_cast<int>(task.priority().value_or(Priority::None)));
+    }));
 }

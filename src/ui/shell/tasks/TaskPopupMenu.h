@@ -19,8 +19,8 @@ public:
 
 Q_SIGNALS:
     void categoryChosen(const CategoryPtr &category);
-    void statusChosen(int status);
-    void priorityChosen(int priority);
+    void statusChosen(TaskStatus status);
+    void priorityChosen(Priority priority);
     void deleteChosen();
     void whyChosen();
 

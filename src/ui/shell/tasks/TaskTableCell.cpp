@@ -94,7 +94,7 @@ static void paintCheckBox(QPainter &painter, const QRect &where, bool isChecked,
     Icons::paint(painter, where, u"check-open"_s, isHovered ? Theme::accent : Theme::checkBox, where.width());
 }
 
-static void paintDot(QPainter &painter, const QRect &where, int priority)
+static void paintDot(QPainter &painter, const QRect &where, Priority priority)
 {
     const QColor colour = Theme::priority(priority);
     if (!colour.isValid())

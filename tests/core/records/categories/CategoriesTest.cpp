@@ -107,7 +107,7 @@ TEST_F(CategoriesTest, RowsCountTheirOpenTasks)
     addTask(u"Loose"_qs, nullptr);
     EXPECT_EQ(Categories::openTaskCount(own), 2);
     EXPECT_EQ(Categories::openTaskCount(nullptr), 1);
-    dig->setStatus(3);
+    dig->setStatus(TaskStatus::Done);
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(Categories::openTaskCount(own), 1);
     ASSERT_EQ(Categories::tasks(own).size(), 1);
@@ -130,8 +130,8 @@ TEST_F(CategoriesTest, TheirGeneratedTasksComeInTheOrderOfThePlainList)
     const auto day = [&random] { return localDate(2026, 11, 1 + static_cast<int>(random() % 28), 12); };
     for (int number = 0; number < 60; ++number) {
         const TaskPtr task = addTask(u"Task %1"_qs.arg(random() % 20), random() % 5 ? own : nullptr);
-        task->setType(static_cast<int>(random() % 3));
-        task->setStatus(static_cast<int>(random() % 4));
+        task->setType(static_cast<TaskType>(random() % 3));
+        task->setStatus(static_cast<TaskStatus>(random() % 4));
         if (random() % 4)
             task->setDueDate(day());
         if (random() % 3)

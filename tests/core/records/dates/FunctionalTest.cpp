@@ -11,35 +11,36 @@ TEST(FunctionalTest, NumbersHaveWordsAndWordsHaveNumbers)
 {
     for (const QString &locale : {u"en_US"_qs, u"de_DE"_qs}) {
         Region::setLocale(locale);
-        for (int number = 0; number < 4; ++number) {
-            EXPECT_EQ(Functional::statusTypeFromString(Functional::statusStringFromType(number)), number);
-            EXPECT_EQ(Functional::priorityTypeFromString(Functional::priorityStringFromType(number)), number);
-        }
-        for (int type = 0; type < 3; ++type)
+        for (const TaskStatus status : allTaskStatuses)
+            EXPECT_EQ(Functional::statusTypeFromString(Functional::statusStringFromType(status)), status);
+        for (const Priority priority : allPriorities)
+            EXPECT_EQ(Functional::priorityTypeFromString(Functional::priorityStringFromType(priority)),
+                      priority);
+        for (const TaskType type : allTaskTypes)
             EXPECT_EQ(Functional::taskTypeFromString(Functional::typeStringFromType(type)), type);
     }
-    EXPECT_EQ(Functional::statusStringFromType(1), u"In Arbeit"_qs);
-    EXPECT_EQ(Functional::statusTypeFromString(u"In Progress"_qs), 0)
+    EXPECT_EQ(Functional::statusStringFromType(TaskStatus::InProgress), u"In Arbeit"_qs);
+    EXPECT_EQ(Functional::statusTypeFromString(u"In Progress"_qs), TaskStatus::Open)
         << "the words are those of the language";
     Region::setLocale(u"en_US"_qs);
-    EXPECT_EQ(Functional::statusStringFromType(1), u"In Progress"_qs);
-    EXPECT_EQ(Functional::priorityStringFromType(3), u"No Priority"_qs);
-    EXPECT_EQ(Functional::typeStringFromType(2), u"Email/Call"_qs);
+    EXPECT_EQ(Functional::statusStringFromType(TaskStatus::InProgress), u"In Progress"_qs);
+    EXPECT_EQ(Functional::priorityStringFromType(Priority::None), u"No Priority"_qs);
+    EXPECT_EQ(Functional::typeStringFromType(TaskType::EmailCall), u"Email/Call"_qs);
 }
 
 TEST(FunctionalTest, WhatIsNoNumberOrNoWordHasAFixedAnswer)
 {
     for (const int number : {4, 7, -1}) {
-        EXPECT_TRUE(Functional::statusStringFromType(number).isEmpty());
-        EXPECT_TRUE(Functional::priorityStringFromType(number).isEmpty());
-        EXPECT_TRUE(Functional::typeStringFromType(number).isEmpty());
-        EXPECT_EQ(Functional::priorityTypeFromNumber(number), 3);
+        EXPECT_TRUE(Functional::statusStringFromType(static_cast<TaskStatus>(number)).isEmpty());
+        EXPECT_TRUE(Functional::priorityStringFromType(static_cast<Priority>(number)).isEmpty());
+        EXPECT_TRUE(Functional::typeStringFromType(static_cast<TaskType>(number)).isEmpty());
+        EXPECT_EQ(Functional::priorityTypeFromNumber(number), Priority::None);
     }
-    EXPECT_TRUE(Functional::typeStringFromType(3).isEmpty());
+    EXPECT_TRUE(Functional::typeStringFromType(static_cast<TaskType>(3)).isEmpty());
     EXPECT_TRUE(Functional::typeStringFromType(std::nullopt).isEmpty());
-    EXPECT_EQ(Functional::priorityTypeFromNumber(2), 2);
-    EXPECT_EQ(Functional::priorityTypeFromString(u"Urgent"_qs), 0);
-    EXPECT_EQ(Functional::taskTypeFromString(u"Dream"_qs), 0);
+    EXPECT_EQ(Functional::priorityTypeFromNumber(2), Priority::Low);
+    EXPECT_EQ(Functional::priorityTypeFromString(u"Urgent"_qs), Priority::High);
+    EXPECT_EQ(Functional::taskTypeFromString(u"Dream"_qs), TaskType::ToDo);
 }
 
 TEST(FunctionalTest, ARepeatedCategoryTitleGetsOneBlankAndNoMore)

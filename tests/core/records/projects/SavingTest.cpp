@@ -15,7 +15,7 @@ namespace {
 class SavingProjects : public CoreTest
 {
 protected:
-    TaskPtr task(OptionalDate start, OptionalDate due, int status = 0)
+    TaskPtr task(OptionalDate start, OptionalDate due, TaskStatus status = TaskStatus::Open)
     {
         const TaskPtr one = context().insert<EntityTask>();
         one->setStatus(status);
@@ -68,9 +68,10 @@ TEST_F(SavingProjects, FindsTheBoundsOfOpenTasks)
 {
     const Bounds none{};
     EXPECT_EQ(ProjectManager::findMaxAndMinDates({}), none);
-    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task({}, {}), task(june(1), june(9), 3)}), none);
+    EXPECT_EQ(ProjectManager::findMaxAndMinDates({task({}, {}), task(june(1), june(9), TaskStatus::Done)}),
+              none);
     EXPECT_EQ(ProjectManager::findMaxAndMinDates(
-                  {task(june(1), june(9), 3), task(june(4), june(5)), task(june(3), june(8))}),
+                  {task(june(1), june(9), TaskStatus::Done), task(june(4), june(5)), task(june(3), june(8))}),
               Bounds({june(3), june(8)}));
     EXPECT_EQ(ProjectManager::findMaxAndMinDates({task({}, june(5)), task({}, june(3)), task({}, june(4))}),
               Bounds({june(3), june(5)}))
@@ -103,7 +104,7 @@ TEST_F(SavingProjects, RefusesDatesThatLeaveOutOpenTasks)
     EXPECT_EQ(saveWith(project, june(5), june(4)),
               QStringList({u"Invalid Due Date"_qs, u"Due Date can't be less than Start Date!"_qs}));
     EXPECT_FALSE(project.project()) << "Nothing was stored";
-    project.task[0]->setStatus(3);
+    project.task[0]->setStatus(TaskStatus::Done);
     EXPECT_EQ(saveWith(project, june(3), june(5)), QStringList())
         << "A due date counts to the end of its day";
 }

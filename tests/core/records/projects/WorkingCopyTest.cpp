@@ -26,7 +26,7 @@ TEST_F(ProjectCopy, WritesEveryFieldToOneRow)
     EXPECT_FALSE(copy.startDate || copy.dueDate || copy.project());
     copy.title = u"House"_qs;
     copy.details = u"roof"_qs;
-    copy.priority = 1;
+    copy.priority = Priority::Medium;
     copy.rowIndex = 4;
     copy.startDate = localDate(2026, 11, 1);
     copy.dueDate = localDate(2026, 11, 30, 23, 59, 59);
@@ -39,7 +39,7 @@ TEST_F(ProjectCopy, WritesEveryFieldToOneRow)
     const ProjectPtr row = copy.project();
     EXPECT_EQ(row->creationDate(), Clock::now());
     EXPECT_EQ(task->project(), row);
-    EXPECT_EQ(row->status(), 0);
+    EXPECT_EQ(row->status(), TaskStatus::Open);
     EXPECT_EQ(row->stage(), 0);
     copy.save();
     EXPECT_FALSE(copy.isNewProject());
@@ -48,7 +48,7 @@ TEST_F(ProjectCopy, WritesEveryFieldToOneRow)
     const MVProject read(row);
     EXPECT_EQ(read.title, u"House"_qs);
     EXPECT_EQ(read.details, u"roof"_qs);
-    EXPECT_EQ(read.priority, 1);
+    EXPECT_EQ(read.priority, Priority::Medium);
     EXPECT_EQ(read.rowIndex, 4);
     EXPECT_EQ(read.startDate, copy.startDate);
     EXPECT_EQ(read.dueDate, copy.dueDate);
@@ -63,17 +63,17 @@ TEST_F(ProjectCopy, KeepsWhatItHoldsUntilItIsRolledBack)
 {
     const auto row = context().insert<EntityProject>();
     row->setTitle(u"stored"_qs);
-    row->setStatus(1);
+    row->setStatus(TaskStatus::InProgress);
     MVProject copy;
     copy.title = u"mine"_qs;
-    copy.status = 2;
+    copy.status = TaskStatus::Pending;
     copy.setProject(row);
     copy.details = u"dropped"_qs;
     EXPECT_EQ(copy.title, u"mine"_qs);
-    EXPECT_EQ(copy.status, 2);
+    EXPECT_EQ(copy.status, TaskStatus::Pending);
     copy.rollback();
     EXPECT_EQ(copy.title, u"stored"_qs);
-    EXPECT_EQ(copy.status, 1);
+    EXPECT_EQ(copy.status, TaskStatus::InProgress);
     EXPECT_EQ(copy.details, QString());
     MVProject blank;
     blank.title = u"kept"_qs;
@@ -86,7 +86,7 @@ TEST_F(ProjectCopy, OrdersTasksAndMembers)
     MVProject copy;
     const auto done = [this](const QString &title, Date when) {
         const TaskPtr task = add(title);
-        task->setStatus(3);
+        task->setStatus(TaskStatus::Done);
         task->setExpirationDate(when);
         return task;
     };
@@ -117,17 +117,17 @@ TEST_F(ProjectCopy, ExpiresWhileItIsDone)
 {
     MVProject copy;
     copy.changeStatus(u"Done"_qs);
-    EXPECT_EQ(copy.status, 3);
+    EXPECT_EQ(copy.status, TaskStatus::Done);
     EXPECT_EQ(copy.expirationDate, Clock::now());
     copy.changeStatus(u"Pending"_qs);
-    EXPECT_EQ(copy.status, 2);
+    EXPECT_EQ(copy.status, TaskStatus::Pending);
     EXPECT_FALSE(copy.expirationDate);
     copy.changeStatus(u"nonsense"_qs);
-    EXPECT_EQ(copy.status, 2);
+    EXPECT_EQ(copy.status, TaskStatus::Pending);
     copy.changePriority(u"No Priority"_qs);
-    EXPECT_EQ(copy.priority, 3);
+    EXPECT_EQ(copy.priority, Priority::None);
     copy.changePriority(u"nonsense"_qs);
-    EXPECT_EQ(copy.priority, 3);
+    EXPECT_EQ(copy.priority, Priority::None);
 }
 
 TEST_F(ProjectCopy, PicksWholeDaysWithinEachOther)

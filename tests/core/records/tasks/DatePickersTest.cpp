@@ -12,7 +12,7 @@ protected:
     static MVTask copyOf(TaskType type, OptionalDate start, OptionalDate due)
     {
         MVTask copy;
-        copy.type = int(type);
+        copy.type = type;
         copy.startDate = start;
         copy.dueDate = due;
         return copy;

@@ -26,8 +26,8 @@ protected:
     {
         MVTask copy;
         copy.title = u"  task \n"_qs;
-        copy.type = int(type);
-        copy.status = 0;
+        copy.type = type;
+        copy.status = TaskStatus::Open;
         copy.startDate = start;
         copy.dueDate = due;
         copy.dueSomeDay = someday;

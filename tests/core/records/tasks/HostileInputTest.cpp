@@ -33,8 +33,8 @@ protected:
     {
         MVTask copy;
         copy.title = title;
-        copy.type = static_cast<int>(type);
-        copy.status = 0;
+        copy.type = type;
+        copy.status = TaskStatus::Open;
         copy.startDate = start;
         copy.dueDate = due;
         return copy;
@@ -150,14 +150,15 @@ TEST_F(HostileInput, NumbersThatNameNothingAreKeptAndHaveNoWord)
 {
     for (const int number : {-1, 4, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         MVTask copy = copyOf(u"odd"_qs);
-        copy.type = number;
-        copy.status = number;
-        copy.priority = number;
+        const auto status = static_cast<TaskStatus>(number);
+        copy.type = static_cast<TaskType>(number);
+        copy.status = status;
+        copy.priority = static_cast<Priority>(number);
         EXPECT_TRUE(TaskManager::saveTaskTemp(copy, true));
-        copy.changeStatusType(static_cast<unsigned>(number), true);
-        EXPECT_EQ(copy.status, number);
+        copy.changeStatusType(status, true);
+        EXPECT_EQ(copy.status, status);
         EXPECT_EQ(copy.statusString() + copy.priorityString(), QString());
-        EXPECT_FALSE(TaskManager::priorityColor(number));
+        EXPECT_FALSE(TaskManager::priorityColor(*copy.priority));
     }
     DBWorker::taskBadges();
     EXPECT_EQ(DBWorker::allNotDoneTasks().size(), 4);
@@ -252,7 +253,7 @@ TEST_F(HostileInput, AFullDiskStopsEveryFlowAndLosesNothing)
         const ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
         EXPECT_FALSE(TaskManager::saveTaskTemp(fresh, true));
         EXPECT_FALSE(TaskManager::saveTaskTemp(edit, true));
-        status.changeStatusType(3, true);
+        status.changeStatusType(TaskStatus::Done, true);
         EXPECT_FALSE(TaskManager::saveTaskTemp(series, true));
         TaskManager::deleteTasks({deleted}, {});
         EXPECT_EQ(log.lines().filter(u"Can't Save Task! Cannot "_qs).size(), 4);

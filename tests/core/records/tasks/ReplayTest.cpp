@@ -43,9 +43,9 @@ QString line(const Row &row)
                         shown(row.calendarID),
                         shown(row.project),
                         shown(row.delegateToUser),
-                        shown(row.type),
-                        shown(row.status),
-                        shown(row.priority),
+                        shown(numberOf(row.type)),
+                        shown(numberOf(row.status)),
+                        shown(numberOf(row.priority)),
                         shown(row.position),
                         shown(row.dueSomeDay),
                         shown(row.wasCreatedOffCalendar),
@@ -251,9 +251,10 @@ protected:
         case 0:
             return set(&MVTask::title, &Row::title, u"  title %1\n"_qs.arg(pick(100)), task, copy);
         case 1:
-            return set(&MVTask::type, &Row::type, std::optional<int>(pick(3)), task, copy);
+            return set(&MVTask::type, &Row::type, std::optional(static_cast<TaskType>(pick(3))), task, copy);
         case 2:
-            return set(&MVTask::status, &Row::status, std::optional<int>(pick(4)), task, copy);
+            return set(&MVTask::status, &Row::status, std::optional(static_cast<TaskStatus>(pick(4))), task,
+                       copy);
         case 3:
         case 4:
             return set(&MVTask::startDate, &Row::startDate, maybeDate(), task, copy);
@@ -312,9 +313,9 @@ protected:
     {
         MVTask task;
         Copy copy;
-        set(&MVTask::type, &Row::type, std::optional<int>(pick(3)), task, copy);
-        set(&MVTask::status, &Row::status, std::optional<int>(0), task, copy);
-        set(&MVTask::priority, &Row::priority, std::optional<int>(3), task, copy);
+        set(&MVTask::type, &Row::type, std::optional(static_cast<TaskType>(pick(3))), task, copy);
+        set(&MVTask::status, &Row::status, std::optional(TaskStatus::Open), task, copy);
+        set(&MVTask::priority, &Row::priority, std::optional(Priority::None), task, copy);
         set(&MVTask::details, &Row::details, u"details"_qs, task, copy);
         edit(task, copy);
     }
@@ -331,19 +332,19 @@ protected:
     void addSeries()
     {
         const QString series = u"series %1"_qs.arg(pick(1000));
-        const int type = pick(3);
+        const auto type = static_cast<TaskType>(pick(3));
         const int rowsOfADay = 1 + pick(2);
         for (int number = 0; number < 4; ++number) {
             const Date day = month + Seconds(86400 * (3 + 3 * (number / rowsOfADay)));
-            const Seconds start(type == 0 ? 0 : 32400);
+            const Seconds start(type == TaskType::ToDo ? 0 : 32400);
             Row row;
             row.title = series;
             row.calendarID = series;
             row.repeat = u"RRULE:FREQ=DAILY"_qs;
             row.type = type;
-            row.status = 0;
-            row.startDate = type == 2 ? std::nullopt : OptionalDate(day + start);
-            row.dueDate = day + (type == 0 ? Seconds(86340) : Seconds(36000));
+            row.status = TaskStatus::Open;
+            row.startDate = type == TaskType::EmailCall ? std::nullopt : OptionalDate(day + start);
+            row.dueDate = day + (type == TaskType::ToDo ? Seconds(86340) : Seconds(36000));
             const auto task = context().insert<EntityTask>();
             task->setTitle(row.title);
             task->setCalendarID(row.calendarID);
@@ -364,10 +365,10 @@ protected:
             return;
         MVTask task(taskOf(id));
         Copy copy = model.copyOf(id);
-        const int status = pick(4);
+        const auto status = static_cast<TaskStatus>(pick(4));
         compare(
             [&] {
-                task.changeStatusType(static_cast<unsigned>(status), true);
+                task.changeStatusType(status, true);
                 return true;
             },
             [&] {

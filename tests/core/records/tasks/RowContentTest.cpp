@@ -51,12 +51,12 @@ TEST_F(RowContent, MarksWhatIsOverdue)
 TEST_F(RowContent, HidesWhatCannotBeChanged)
 {
     const TaskPtr task = add(u"a"_qs);
-    task->setPriority(0);
-    EXPECT_EQ(TaskRowContent::of(*task, ListType::Inbox).priority, 0);
+    task->setPriority(Priority::High);
+    EXPECT_EQ(TaskRowContent::of(*task, ListType::Inbox).priority, Priority::High);
     task->setAllowsContentModifications(false);
     const TaskRowContent content = TaskRowContent::of(*task, ListType::Inbox);
     EXPECT_FALSE(content.hasCheckBox);
-    EXPECT_EQ(content.priority, 3);
+    EXPECT_EQ(content.priority, Priority::None);
 }
 
 } // namespace

@@ -61,9 +61,9 @@ TEST_F(SeriesWithoutCalendar, AppointmentsTakeTimesAndOffsetsOnTheirOwnDays)
     EXPECT_FALSE(context().hasChanges());
 
     copy.setTaskValues();
-    copy.status = 3;
+    copy.status = TaskStatus::Done;
     EXPECT_TRUE(saveAnsweredWith(copy, allFuture));
-    EXPECT_EQ(last->status(), 3);
+    EXPECT_EQ(last->status(), TaskStatus::Done);
     EXPECT_EQ(last->expirationDate(), Clock::now());
 }
 
@@ -124,16 +124,16 @@ TEST_F(SeriesWithoutCalendar, AStatusAloneReachesTheOthersByTheSameRoad)
 {
     const TaskPtr other = member(TaskType::Appointment, 23);
     const TaskPtr changed = member(TaskType::Appointment, 24);
-    changed->setStatus(2);
+    changed->setStatus(TaskStatus::Pending);
     CalendarEvent::changeEventCalendarStatusFromTask(changed, Span::FutureTasks, changed->startDate());
-    EXPECT_EQ(other->status(), 2);
-    changed->setStatus(3);
+    EXPECT_EQ(other->status(), TaskStatus::Pending);
+    changed->setStatus(TaskStatus::Done);
     CalendarEvent::changeEventCalendarStatusFromTask(changed, Span::FutureTasks, changed->startDate());
-    EXPECT_EQ(other->status(), 3);
+    EXPECT_EQ(other->status(), TaskStatus::Done);
     changed->setDueDate(std::nullopt);
-    changed->setStatus(0);
+    changed->setStatus(TaskStatus::Open);
     CalendarEvent::changeEventCalendarStatusFromTask(changed, Span::FutureTasks, changed->startDate());
-    EXPECT_EQ(other->status(), 3) << "without a due date there is nothing to do";
+    EXPECT_EQ(other->status(), TaskStatus::Done) << "without a due date there is nothing to do";
 }
 
 } // namespace

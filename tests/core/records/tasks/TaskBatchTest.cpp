@@ -25,7 +25,7 @@ protected:
     {
         std::vector<int> values;
         for (const TaskPtr &task : tasks)
-            values.push_back((*task.*value)().value_or(-1));
+            values.push_back(numberOf((*task.*value)()).value_or(-1));
         return values;
     }
     std::vector<int> priorities() { return each(&EntityTask::priority); }
@@ -42,7 +42,7 @@ TEST_F(TaskBatchTest, ChangesWhatMayBeChangedInOneSaveThatOneUndoTakesBack)
     int saves = 0;
     const Observation saved = NotificationCenter::defaultCenter().addObserver(
         notifications::contextDidSave, [&saves](const Notification &) { ++saves; });
-    TaskBatch::setPriority(tasks, 0);
+    TaskBatch::setPriority(tasks, Priority::High);
     EXPECT_EQ(priorities(), (std::vector{0, before[1], 0, 0}));
     // The search index is brought up to date by a save of its own.
     EXPECT_LE(saves, 2);
@@ -51,14 +51,14 @@ TEST_F(TaskBatchTest, ChangesWhatMayBeChangedInOneSaveThatOneUndoTakesBack)
     EXPECT_EQ(tasks[3]->category(), EntityCategory::title(u"Work"_s));
     EXPECT_FALSE(context().undo());
     EXPECT_EQ(tasks[3]->category(), nullptr);
-    EXPECT_EQ(tasks[3]->priority(), 0);
+    EXPECT_EQ(tasks[3]->priority(), Priority::High);
     EXPECT_FALSE(context().undo());
     EXPECT_EQ(priorities(), before);
 }
 
 TEST_F(TaskBatchTest, TicksAllUnlessAllAreTicked)
 {
-    TaskBatch::setStatus({tasks[0]}, 3);
+    TaskBatch::setStatus({tasks[0]}, TaskStatus::Done);
     TaskBatch::toggleDone(tasks);
     EXPECT_EQ(statuses(), (std::vector{3, 0, 3, 3}));
     TaskBatch::toggleDone(tasks);
@@ -69,7 +69,7 @@ TEST_F(TaskBatchTest, StopsWhenTheUserHasHadEnoughAndKeepsWhatIsDone)
 {
     int steps = 0;
     const auto twice = [&steps] { return ++steps % 2 != 0; };
-    TaskBatch::setStatus({tasks[0], tasks[2], tasks[3]}, 2, twice);
+    TaskBatch::setStatus({tasks[0], tasks[2], tasks[3]}, TaskStatus::Pending, twice);
     EXPECT_EQ(statuses(), (std::vector{2, 0, 2, 0}));
     EXPECT_FALSE(context().hasChanges());
     int finished = 0;
@@ -95,19 +95,19 @@ TEST_F(TaskBatchTest, SaysAndAsksOnceWhatConcernsSeveralTasks)
     const auto important = [&some] {
         QStringList found;
         for (const TaskPtr &task : some) {
-            if (task->priority() == 0)
+            if (task->priority() == Priority::High)
                 found << task->title();
         }
         return found;
     };
     {
         const ScriptedAlerts alerts({Alert::firstButton, Alert::thirdButton});
-        TaskBatch::setPriority(some, 0);
+        TaskBatch::setPriority(some, Priority::High);
         EXPECT_EQ(alerts.asked().size(), 2U) << "a message about two, and a question about two";
         EXPECT_EQ(important(), QStringList(u"a"_s));
     }
     const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
-    TaskBatch::setPriority(some, 0);
+    TaskBatch::setPriority(some, Priority::High);
     EXPECT_EQ(alerts.asked().size(), 2U) << "another change asks again";
     EXPECT_EQ(important(), QStringList({u"a"_s, u"daily"_s, u"weekly"_s}));
 }
@@ -119,7 +119,7 @@ TEST_F(TaskBatchTest, PassesOverWhatGoesMeanwhile)
             context().deleteObject(tasks[3]);
         return true;
     };
-    TaskBatch::setPriority(tasks, 0, deleteLast);
-    EXPECT_EQ(tasks[2]->priority(), 0);
+    TaskBatch::setPriority(tasks, Priority::High, deleteLast);
+    EXPECT_EQ(tasks[2]->priority(), Priority::High);
     EXPECT_EQ(DBWorker::allTasks().size(), 3);
 }

@@ -21,7 +21,7 @@ protected:
     }
     static void setType(TaskFormState &form, TaskType type)
     {
-        form.setType(Functional::typeStringFromType(static_cast<int>(type)));
+        form.setType(Functional::typeStringFromType(type));
     }
     /// A form with everything that hangs on its dates.
     static void fill(TaskFormState &form, Date start, Date due)
@@ -57,8 +57,8 @@ TEST_F(TaskFormTest, ANewTaskBeginsWithWhatItIsGiven)
     const CompanyPtr company = make<EntityCompany>();
     const TaskFormState plain({.typeTask = ListType::Someday, .createWithCompany = company});
     EXPECT_TRUE(plain.isSomeday());
-    EXPECT_EQ(plain.currentTask().status, 0);
-    EXPECT_EQ(plain.currentTask().priority, 3);
+    EXPECT_EQ(plain.currentTask().status, TaskStatus::Open);
+    EXPECT_EQ(plain.currentTask().priority, Priority::None);
     EXPECT_EQ(plain.currentTask().company, nullptr) << "a company counts beside a contact only";
     for (const TaskFormRow row : {TaskFormRow::StartDate, TaskFormRow::Alert, TaskFormRow::SecondAlert})
         EXPECT_FALSE(plain.isRowShown(row));
@@ -70,8 +70,9 @@ TEST_F(TaskFormTest, ANewTaskBeginsWithWhatItIsGiven)
     EXPECT_EQ(given.currentTask().company, company);
     EXPECT_TRUE(given.currentTask().isAppointment());
     EXPECT_EQ(given.currentTask().startDate, noon);
-    EXPECT_EQ(given.types(), (std::vector{0, 1, 2}));
-    EXPECT_EQ(TaskFormState({.type = TaskType::Appointment, .showTodo = false}).types(), (std::vector{1, 2}));
+    EXPECT_EQ(given.types(), (std::vector{TaskType::ToDo, TaskType::Appointment, TaskType::EmailCall}));
+    EXPECT_EQ(TaskFormState({.type = TaskType::Appointment, .showTodo = false}).types(),
+              (std::vector{TaskType::Appointment, TaskType::EmailCall}));
 }
 
 TEST_F(TaskFormTest, ANewTaskIsOnTheListItIsMadeFrom)
@@ -239,11 +240,11 @@ TEST_F(TaskFormTest, TheEndOfAnEditSavesOnlyWhatChangedAndKeepsARefusedOne)
     setType(form, TaskType::Appointment);
     ScriptedAlerts alerts({Alert::firstButton});
     EXPECT_EQ(form.finishEdit(), TaskFormState::EditEnd::Refused);
-    EXPECT_EQ(row->type(), 0);
+    EXPECT_EQ(row->type(), TaskType::ToDo);
     form.rollback();
     EXPECT_TRUE(form.currentTask().isToDo());
     form.changeStatusNow(true);
-    EXPECT_EQ(row->status(), 3);
+    EXPECT_EQ(row->status(), TaskStatus::Done);
     EXPECT_FALSE(form.canEdit());
 }
 
@@ -251,9 +252,9 @@ TEST_F(TaskFormTest, AChangeFromElsewhereIsNotUndoneByTheEndOfAnEdit)
 {
     MVTask made;
     made.title = u"Dentist"_s;
-    made.type = static_cast<int>(TaskType::ToDo);
-    made.status = 0;
-    made.priority = 3;
+    made.type = TaskType::ToDo;
+    made.status = TaskStatus::Open;
+    made.priority = Priority::None;
     made.startDate = noon;
     made.dueDate = noon;
     made.details = u"Bring the card"_s;
@@ -319,8 +320,8 @@ TEST_F(TaskFormTest, ATickThatTheRulesRefuseIsTakenBack)
     const ScriptedAlerts alerts({Alert::firstButton});
     form.changeStatusNow(true);
     EXPECT_EQ(alerts.asked().size(), 1U);
-    EXPECT_EQ(row->status(), 0);
-    EXPECT_EQ(form.currentTask().status, 0);
+    EXPECT_EQ(row->status(), TaskStatus::Open);
+    EXPECT_EQ(form.currentTask().status, TaskStatus::Open);
 }
 
 TEST_F(TaskFormTest, ThePreviewLeavesOutWhatHasNothingToSay)
@@ -330,7 +331,7 @@ TEST_F(TaskFormTest, ThePreviewLeavesOutWhatHasNothingToSay)
     for (const TaskFormRow row : {TaskFormRow::Category, TaskFormRow::Priority, TaskFormRow::StartDate,
                                   TaskFormRow::Location, TaskFormRow::Details, TaskFormRow::Contacts})
         EXPECT_FALSE(form.isRowShownInPreview(row)) << static_cast<int>(row);
-    form.setPriority(0);
+    form.setPriority(Priority::High);
     form.setDetails(u"two pages"_s);
     pick(form, Picker::StartDate, noon);
     for (const TaskFormRow row : {TaskFormRow::Title, TaskFormRow::Type, TaskFormRow::Status,

@@ -184,7 +184,7 @@ void TaskModel::copyEdit(const Row &from, Row &to) const
     }
 }
 
-void TaskModel::changeStatus(Copy &copy, int status)
+void TaskModel::changeStatus(Copy &copy, TaskStatus status)
 {
     if (!copy.repeat.isEmpty() && isBanned)
         return;

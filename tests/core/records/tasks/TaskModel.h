@@ -2,6 +2,7 @@
 
 #include "foundation/Alert.h"
 #include "foundation/Date.h"
+#include "store/entities/TaskValues.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +20,10 @@ public:
     struct Row
     {
         QString title, details, repeat, calendarID, project, delegateToUser;
-        std::optional<int> type, status, priority, position;
+        std::optional<TaskType> type;
+        std::optional<TaskStatus> status;
+        std::optional<Priority> priority;
+        std::optional<int> position;
         std::optional<bool> dueSomeDay, wasCreatedOffCalendar;
         OptionalDate startDate, dueDate, alert, secondAlert, endRepeat;
         OptionalDate creationDate, lastModificationDate, expirationDate;
@@ -72,7 +76,7 @@ public:
     bool canRedo() const { return !redoable.empty() && live == saved; }
 
     bool saveTaskTemp(Copy &copy);
-    void changeStatus(Copy &copy, int status);
+    void changeStatus(Copy &copy, TaskStatus status);
     bool deleteTasks(const QStringList &selection);
     void saveStartDate(OptionalDate date, Copy &copy);
     void saveDueDate(OptionalDate date, Copy &copy);
@@ -95,7 +99,9 @@ public:
 
 private:
     static constexpr Seconds day{86400};
-    static constexpr int toDo = 0, appointment = 1, emailCall = 2, done = 3;
+    static constexpr TaskType toDo = TaskType::ToDo, appointment = TaskType::Appointment,
+                              emailCall = TaskType::EmailCall;
+    static constexpr TaskStatus done = TaskStatus::Done;
 
     void step(std::vector<Organiser> &from, std::vector<Organiser> &to)
     {

@@ -13,13 +13,13 @@ TEST_F(WorkingCopy, FillsOnlyWhatIsStillEmpty)
 {
     const TaskPtr row = add(u"stored"_qs);
     row->setDetails(u"details"_qs);
-    row->setPriority(1);
+    row->setPriority(Priority::Medium);
     MVTask copy;
     copy.title = u"mine"_qs;
     copy.setTask(row);
     EXPECT_EQ(copy.title, u"mine"_qs);
     EXPECT_EQ(copy.details, u"details"_qs);
-    EXPECT_EQ(copy.priority, 1);
+    EXPECT_EQ(copy.priority, Priority::Medium);
     row->setDetails(u"other"_qs);
     copy.setTask(row);
     EXPECT_EQ(copy.details, u"details"_qs);
@@ -33,8 +33,8 @@ TEST_F(WorkingCopy, MakesARowOnceAndWritesEveryField)
     const auto tag = context().insert<EntityTags>();
     MVTask copy;
     copy.title = u"call"_qs;
-    copy.type = 2;
-    copy.status = 3;
+    copy.type = TaskType::EmailCall;
+    copy.status = TaskStatus::Done;
     copy.dueDate = localDate(2026, 11, 25, 9);
     copy.dueSomeDay = false;
     copy.tags = {tag};
@@ -54,7 +54,7 @@ TEST_F(WorkingCopy, MakesARowOnceAndWritesEveryField)
     EXPECT_EQ(copy.task(), row);
 
     // A reopened task keeps in its row when it was done.
-    copy.changeStatusType(0, false);
+    copy.changeStatusType(TaskStatus::Open, false);
     EXPECT_FALSE(copy.expirationDate);
     copy.save();
     EXPECT_EQ(row->expirationDate(), Clock::now());
@@ -87,11 +87,11 @@ TEST_F(WorkingCopy, ReadsTheWordsOfThePopUps)
 {
     MVTask copy;
     copy.changePriority(u"No Priority"_qs);
-    EXPECT_EQ(copy.priority, 3);
+    EXPECT_EQ(copy.priority, Priority::None);
     copy.changePriority(u"High"_qs);
     EXPECT_EQ(copy.priorityString(), u"High"_qs);
     copy.changePriority(u"Highest"_qs);
-    EXPECT_EQ(copy.priority, 0);
+    EXPECT_EQ(copy.priority, Priority::High);
     copy.changeType(u"Email/Call"_qs);
     EXPECT_TRUE(copy.isEmailCall());
     copy.changeStatus(u"Done"_qs, false);
@@ -124,7 +124,7 @@ TEST_F(WorkingCopy, SeesWhatItCollidesWith)
     // What runs on into another day is looked for on the day of its end.
     add(u"trip"_qs, TaskType::Appointment, localDate(2026, 11, 25, 8), localDate(2026, 11, 26, 18));
     MVTask copy;
-    copy.type = 1;
+    copy.type = TaskType::Appointment;
     const auto collides = [&copy](int fromHour, int fromMinute, int toHour, int toMinute) {
         return copy.isCrossTaskAppointmentForStartDate(localDate(2026, 11, 25, fromHour, fromMinute),
                                                        localDate(2026, 11, 25, toHour, toMinute));
@@ -138,7 +138,7 @@ TEST_F(WorkingCopy, SeesWhatItCollidesWith)
     EXPECT_EQ(alerts.asked()[0].title, u"Can't save Start Date"_qs);
     EXPECT_EQ(alerts.asked()[0].informativeText.simplified(),
               u"There is task 'lunch' with Start Date '12:00 PM' and Due Date '1:00 PM'"_qs);
-    copy.type = 2;
+    copy.type = TaskType::EmailCall;
     EXPECT_TRUE(collides(10, 0, 15, 0));
     EXPECT_EQ(alerts.asked()[2].informativeText,
               u"There is task  'ring'  with Start Date  '3:00\u202fPM'  "_qs);
@@ -153,7 +153,7 @@ TEST_F(WorkingCopy, BecomesAMailDraft)
         email->setContact(contact);
     }
     MVTask copy;
-    copy.type = 0;
+    copy.type = TaskType::ToDo;
     copy.title = u"Fish & chips"_qs;
     copy.delegateToUser = contact;
     copy.dueDate = localDate(2026, 11, 25, 23, 59);
@@ -166,7 +166,7 @@ TEST_F(WorkingCopy, BecomesAMailDraft)
     EXPECT_TRUE(body.contains(u"Task: Fish & chips"_qs)) << qPrintable(body);
     EXPECT_TRUE(body.contains(u"Due date: 11/25/26"_qs)) << qPrintable(body);
     EXPECT_FALSE(body.contains(u"Start date"_qs));
-    copy.type = 1;
+    copy.type = TaskType::Appointment;
     copy.startDate = localDate(2026, 11, 25, 9);
     const QString timed = copy.htmlBody();
     EXPECT_TRUE(QUrl::fromPercentEncoding(timed.toLatin1()).contains(u"Start date: 11/25/26, 9:00 AM"_qs));
