@@ -76,7 +76,7 @@ struct PaletteEntry
 };
 
 static constexpr int firstCustomIndex = 6;
-static constexpr std::array<PaletteEntry, 15> palette = {{
+static constexpr std::array<PaletteEntry, 15> namedColors = {{
     {218, 68, 83},
     {218, 74, 220},
     {26, 188, 156},
@@ -98,9 +98,9 @@ std::optional<CategoryColor> Functional::getCategoryColorByIndex(int index)
 {
     static constexpr double full = 255;
     const int place = index - firstCustomIndex;
-    if (place < 0 || place >= static_cast<int>(palette.size()))
+    if (place < 0 || place >= static_cast<int>(namedColors.size()))
         return std::nullopt;
-    const PaletteEntry &entry = palette[static_cast<std::size_t>(place)];
+    const PaletteEntry &entry = namedColors[static_cast<std::size_t>(place)];
     return CategoryColor{entry.red / full, entry.green / full, entry.blue / full, 1, index};
 }
 
