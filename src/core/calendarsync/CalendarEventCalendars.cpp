@@ -46,7 +46,7 @@ void removeDuplicateCalendars(const std::vector<EKCalendar> &calendars)
 {
     EKEventStore &store = CalendarEvent::eventStore();
     for (size_t place = 1; place < calendars.size(); ++place) {
-        auto error = store.moveContents(calendars[place], calendars.front(), false);
+        auto error = store.moveContents(calendars[place], calendars.front(), true);
         if (!error)
             error = store.removeCalendar(calendars[place], false);
         if (error)

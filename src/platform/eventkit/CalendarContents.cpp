@@ -1,6 +1,7 @@
 #include "eventkit/CalendarContents.h"
 
 #include "eventkit/CalendarError.h"
+#include "eventkit/ItemMerge.h"
 
 #include <algorithm>
 
@@ -31,17 +32,79 @@ Result<std::vector<StoredItem>> CalendarContents::presentItems(const QString &ca
     auto items = storedItems(calendarIdentifier);
     if (!items)
         return items;
+    applyPromises(calendarIdentifier, items.value());
+    QSet<QString> changed;
+    std::vector<StoredItem> added;
     for (const Pending &change : pending) {
-        if (change.calendarIdentifier != calendarIdentifier || change.change == Change::UpdateCalendar)
+        if (change.isObsolete || change.calendarIdentifier != calendarIdentifier)
             continue;
         if (change.change == Change::RemoveCalendar)
             return std::vector<StoredItem>();
-        const QString uid = (change.item ? change.item : change.former.item)->uid();
-        std::erase_if(items.value(), [&](const StoredItem &item) { return item.item->uid() == uid; });
+        if (!change.isOfObject())
+            continue;
+        changed.insert(change.uid);
         if (change.item)
-            items->push_back({change.former.name, change.former.etag, change.item});
+            added.push_back({change.former.name, change.former.etag, change.item});
     }
+    if (changed.isEmpty())
+        return items;
+    std::erase_if(items.value(), [&](const StoredItem &item) { return changed.contains(item.item->uid()); });
+    items->insert(items->end(), added.begin(), added.end());
     return items;
+}
+
+void CalendarContents::applyPromises(const QString &calendarIdentifier, std::vector<StoredItem> &items)
+{
+    QSet<QString> changed;
+    for (const ItemChange &promise : promises) {
+        if (promise.calendarIdentifier == calendarIdentifier)
+            changed.insert(promise.uid);
+    }
+    if (changed.isEmpty())
+        return;
+    std::vector<StoredItem> present;
+    present.reserve(items.size());
+    const auto add = [&](const QString &uid, std::optional<StoredItem> stored) {
+        if (auto item = promised(calendarIdentifier, uid, std::move(stored)))
+            present.push_back(std::move(*item));
+    };
+    for (StoredItem &item : items) {
+        const QString uid = item.item->uid();
+        if (changed.remove(uid))
+            add(uid, std::move(item));
+        else
+            present.push_back(std::move(item));
+    }
+    for (const QString &uid : std::as_const(changed))
+        add(uid, std::nullopt);
+    items = std::move(present);
+}
+
+std::optional<StoredItem> CalendarContents::promised(const QString &calendarIdentifier, const QString &uid,
+                                                     std::optional<StoredItem> stored)
+{
+    const auto places = promisesByKey.constFind(keyOf(calendarIdentifier, uid));
+    if (places == promisesByKey.constEnd())
+        return stored;
+    std::optional<QByteArray> text;
+    if (stored)
+        text = stored->item->text();
+    for (const std::size_t place : *places)
+        text = itemmerge::merged(text, promises[place]);
+    if (!text)
+        return std::nullopt;
+    StoredItem present = stored.value_or(StoredItem());
+    if (present.item && present.item->text() == *text)
+        return present;
+    CalendarItemPointer &parsedItem = promisedItems[*text];
+    if (!parsedItem) {
+        const auto item = CalendarItem::fromText(*text);
+        if (!item || !item.value())
+            return stored;
+        parsedItem = item.value();
+    }
+    present.item = parsedItem;
+    return present;
 }
 
 Result<std::vector<EKCalendar>> CalendarContents::calendars()
@@ -100,17 +163,19 @@ Result<std::optional<StoredItem>> CalendarContents::presentItem(const QString &c
         return index == found.value()->byUid.constEnd() ? std::optional<StoredItem>()
                                                         : std::optional(found.value()->items[*index]);
     }
-    for (auto change = pending.rbegin(); change != pending.rend(); ++change) {
-        if (change->calendarIdentifier != calendarIdentifier || change->change == Change::UpdateCalendar)
-            continue;
-        if (change->change == Change::RemoveCalendar)
-            return std::optional<StoredItem>();
-        if (change->item && change->item->uid() == uid)
-            return std::optional(StoredItem{change->former.name, change->former.etag, change->item});
-        if (change->former.item && change->former.item->uid() == uid)
-            return std::optional<StoredItem>();
+    const bool isRemoved = std::ranges::any_of(pending, [&](const Pending &change) {
+        return change.change == Change::RemoveCalendar && change.calendarIdentifier == calendarIdentifier;
+    });
+    if (isRemoved)
+        return std::optional<StoredItem>();
+    const auto place = pendingByKey.constFind(keyOf(calendarIdentifier, uid));
+    if (place != pendingByKey.constEnd()) {
+        const Pending &change = pending[*place];
+        return change.item ? std::optional(StoredItem{change.former.name, change.former.etag, change.item})
+                           : std::optional<StoredItem>();
     }
-    return storedItem(calendarIdentifier, uid);
+    auto stored = storedItem(calendarIdentifier, uid);
+    return stored ? promised(calendarIdentifier, uid, std::move(stored.value())) : stored;
 }
 
 bool CalendarContents::mayBeUnusable(const QString &uid)
@@ -136,6 +201,8 @@ void CalendarContents::release()
 void CalendarContents::reset()
 {
     pending.clear();
+    pendingByKey.clear();
+    groupSteps.clear();
     forgetHeld();
 }
 

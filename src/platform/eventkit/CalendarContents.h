@@ -2,6 +2,7 @@
 
 #include "eventkit/CalendarBackend.h"
 #include "eventkit/CalendarItem.h"
+#include "eventkit/ItemChange.h"
 
 #include <QHash>
 #include <QSet>
@@ -18,7 +19,8 @@ struct StoredItem
 };
 
 /// What calendars hold, parsed once for each version of an object, and the changes that are not yet written
-/// to the backend, as if they were.
+/// to the backend, as if they were: those that somebody has promised to carry out, and over them those that
+/// are only staged.
 ///
 /// Objects that cannot be understood, and all but the first by name of those that share a UID in a calendar,
 /// are left out, reported once and never written.
@@ -44,7 +46,9 @@ public:
     void release();
 
     /// Changes that belong together: if one of a group cannot be written, those behind it are not either.
-    void beginGroup() { ++group; }
+    void beginGroup();
+    /// Gives up what was staged since the group began.
+    void dropGroup();
     /// Puts a text in place of an item; with an empty name it is a new one. The error says why the text makes
     /// no object.
     OptionalError stagePut(const QString &calendarIdentifier, const StoredItem &former,
@@ -55,9 +59,25 @@ public:
     void stageCalendarRemoval(const QString &calendarIdentifier);
 
     /// Writes what is pending, in order. What cannot be written is given up; the first error is answered.
-    OptionalError commit();
+    /// While objects are deferred, only changes of calendars are written.
+    OptionalError commit() { return commitBut(isDeferring ? std::optional(noGroup) : std::nullopt); }
+    /// The same, and the objects of the present group are not deferred.
+    OptionalError commitGroup() { return commitBut(isDeferring ? std::optional(group) : std::nullopt); }
     /// Gives up what is pending.
     void reset();
+
+    /// From now on changes of objects stay staged until somebody takes them over.
+    void deferObjects() { isDeferring = true; }
+    /// The staged changes of objects in their order, each object once.
+    std::vector<ItemChange> stagedChanges() const;
+    bool hasStagedChanges() const;
+    /// Somebody else has them now.
+    void forgetStaged();
+    /// The changes that were taken over and are still to be carried out, in their order: all of them.
+    void setPromises(std::vector<ItemChange> changes);
+    /// Writes a change to the backend, merged with what others have written meanwhile. What is there already
+    /// is not written again.
+    OptionalError carryOut(const ItemChange &change);
 
 private:
     enum class Change { Put, Remove, UpdateCalendar, RemoveCalendar };
@@ -66,9 +86,23 @@ private:
         Change change = Change::Put;
         int group = 0;
         QString calendarIdentifier = {};
+        QString uid = {};
+        /// What the change began with; without an item for an object that it makes.
         StoredItem former = {};
         CalendarItemPointer item = {};
         EKCalendar calendar = {};
+        /// Another change has taken its place.
+        bool isObsolete = false;
+
+        bool isOfObject() const { return change == Change::Put || change == Change::Remove; }
+        /// Made and removed again.
+        bool isNothing() const { return isObsolete || (isOfObject() && !item && !former.item); }
+    };
+    /// A place and what stood there before the group began; absent if nothing did.
+    struct Step
+    {
+        std::size_t place;
+        std::optional<Pending> former;
     };
     struct Parsed
     {
@@ -115,9 +149,18 @@ private:
     Unusable unusable(const QString &calendarIdentifier, const CalendarObject &object);
     Result<std::vector<StoredItem>> storedItems(const QString &calendarIdentifier);
     void reportOnce(const QString &calendarIdentifier, const CalendarObject &object, const QString &reason);
-    std::vector<Pending>::iterator pendingFor(const QString &calendarIdentifier, const QString &uid);
+    static constexpr int noGroup = -1;
+    /// Of objects only those of a group; absent for all.
+    OptionalError commitBut(std::optional<int> onlyGroup);
+    static QString keyOf(const QString &calendarIdentifier, const QString &uid);
     /// Adds a change in place of an earlier one of the same object.
-    void stage(Pending change, const QString &uid);
+    void stage(Pending change);
+    void addPending(Pending change);
+    /// An object as it will be when all promises are kept.
+    std::optional<StoredItem> promised(const QString &calendarIdentifier, const QString &uid,
+                                       std::optional<StoredItem> stored);
+    void applyPromises(const QString &calendarIdentifier, std::vector<StoredItem> &items);
+    OptionalError put(const ItemChange &change, const StoredItem &stored, const QByteArray &text);
     OptionalError write(const Pending &change);
     void noteWritten(const Pending &change, const CalendarObject &written);
 
@@ -125,6 +168,15 @@ private:
     QHash<QString, Known> known;
     QSet<QString> reported;
     std::vector<Pending> pending;
+    /// The places of the changes of objects.
+    QHash<QString, std::size_t> pendingByKey;
+    std::vector<Step> groupSteps;
+    std::vector<ItemChange> promises;
+    /// The places of the promises of an object, in their order.
+    QHash<QString, std::vector<std::size_t>> promisesByKey;
+    /// Merged texts that were parsed, by their text.
+    QHash<QByteArray, CalendarItemPointer> promisedItems;
+    bool isDeferring = false;
     int group = 0;
     int holds = 0;
     QHash<QString, Held> held;

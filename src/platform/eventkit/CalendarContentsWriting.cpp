@@ -5,31 +5,57 @@
 
 // Changes that wait to be written, and how they are.
 
-std::vector<CalendarContents::Pending>::iterator
-CalendarContents::pendingFor(const QString &calendarIdentifier, const QString &uid)
+QString CalendarContents::keyOf(const QString &calendarIdentifier, const QString &uid)
 {
-    return std::find_if(pending.begin(), pending.end(), [&](const Pending &change) {
-        const CalendarItemPointer &item = change.item ? change.item : change.former.item;
-        return change.calendarIdentifier == calendarIdentifier && item && item->uid() == uid;
-    });
+    return calendarIdentifier + u'\n' + uid;
 }
 
-void CalendarContents::stage(Pending change, const QString &uid)
+void CalendarContents::beginGroup()
+{
+    ++group;
+    groupSteps.clear();
+}
+
+void CalendarContents::dropGroup()
+{
+    for (auto step = groupSteps.rbegin(); step != groupSteps.rend(); ++step) {
+        Pending &change = pending[step->place];
+        if (step->former) {
+            pendingByKey.insert(keyOf(step->former->calendarIdentifier, step->former->uid), step->place);
+            change = std::move(*step->former);
+        } else {
+            if (pendingByKey.value(keyOf(change.calendarIdentifier, change.uid)) == step->place)
+                pendingByKey.remove(keyOf(change.calendarIdentifier, change.uid));
+            change.isObsolete = true;
+        }
+    }
+    groupSteps.clear();
+    forgetHeld();
+}
+
+void CalendarContents::addPending(Pending change)
+{
+    if (change.isOfObject())
+        pendingByKey.insert(keyOf(change.calendarIdentifier, change.uid), pending.size());
+    groupSteps.push_back({pending.size(), std::nullopt});
+    pending.push_back(std::move(change));
+}
+
+void CalendarContents::stage(Pending change)
 {
     held.remove(change.calendarIdentifier);
-    const auto earlier = pendingFor(change.calendarIdentifier, uid);
-    if (earlier == pending.end()) {
-        pending.push_back(std::move(change));
-        return;
-    }
-    // What was to become of the object is no longer of interest, only what the backend has of it.
-    change.former.name = earlier->former.name;
-    change.former.etag = earlier->former.etag;
-    if (earlier->group == change.group) {
-        *earlier = std::move(change);
+    const auto place = pendingByKey.constFind(keyOf(change.calendarIdentifier, change.uid));
+    if (place == pendingByKey.constEnd())
+        return addPending(std::move(change));
+    Pending &earlier = pending[*place];
+    groupSteps.push_back({*place, earlier});
+    // What was to become of the object is no longer of interest, only what it was before.
+    change.former = earlier.former;
+    if (earlier.group == change.group) {
+        earlier = std::move(change);
     } else {
-        pending.erase(earlier);
-        pending.push_back(std::move(change));
+        earlier.isObsolete = true;
+        addPending(std::move(change));
     }
 }
 
@@ -41,25 +67,25 @@ OptionalError CalendarContents::stagePut(const QString &calendarIdentifier, cons
         return item.error();
     if (!item.value())
         return CalendarError::make(CalendarError::Invalid, QStringLiteral("The event has no start."));
-    stage({Change::Put, group, calendarIdentifier, former, item.value()}, item.value()->uid());
+    stage({Change::Put, group, calendarIdentifier, item.value()->uid(), former, item.value()});
     return std::nullopt;
 }
 
 void CalendarContents::stageRemoval(const QString &calendarIdentifier, const StoredItem &item)
 {
-    stage({Change::Remove, group, calendarIdentifier, item}, item.item->uid());
+    stage({Change::Remove, group, calendarIdentifier, item.item->uid(), item});
 }
 
 void CalendarContents::stageCalendar(const EKCalendar &calendar)
 {
     forgetHeld();
-    pending.push_back({Change::UpdateCalendar, group, calendar.calendarIdentifier, {}, {}, calendar});
+    addPending({Change::UpdateCalendar, group, calendar.calendarIdentifier, {}, {}, {}, calendar});
 }
 
 void CalendarContents::stageCalendarRemoval(const QString &calendarIdentifier)
 {
     forgetHeld();
-    pending.push_back({Change::RemoveCalendar, group, calendarIdentifier});
+    addPending({Change::RemoveCalendar, group, calendarIdentifier});
 }
 
 OptionalError CalendarContents::write(const Pending &change)
@@ -95,12 +121,20 @@ void CalendarContents::noteWritten(const Pending &change, const CalendarObject &
         calendar.byName.insert(written.name, {written.etag, change.item});
 }
 
-OptionalError CalendarContents::commit()
+OptionalError CalendarContents::commitBut(std::optional<int> onlyGroup)
 {
     OptionalError firstError;
     QSet<int> failedGroups;
     forgetHeld();
-    for (const Pending &change : std::exchange(pending, {})) {
+    groupSteps.clear();
+    pendingByKey.clear();
+    for (Pending &change : std::exchange(pending, {})) {
+        if (change.isNothing())
+            continue;
+        if (onlyGroup && change.isOfObject() && change.group != *onlyGroup) {
+            addPending(std::move(change));
+            continue;
+        }
         const bool isHeldBack =
             failedGroups.contains(change.group) || (firstError && change.change == Change::RemoveCalendar);
         if (isHeldBack)
@@ -111,4 +145,107 @@ OptionalError CalendarContents::commit()
         }
     }
     return firstError;
+}
+
+// Changes that somebody keeps until they are carried out.
+
+std::vector<ItemChange> CalendarContents::stagedChanges() const
+{
+    const auto textOf = [](const CalendarItemPointer &item) {
+        return item ? std::optional(item->text()) : std::nullopt;
+    };
+    std::vector<ItemChange> changes;
+    for (const Pending &change : pending) {
+        if (!change.isOfObject() || change.isNothing())
+            continue;
+        const auto before = textOf(change.former.item);
+        const auto after = textOf(change.item);
+        if (before != after)
+            changes.push_back({0, change.group, change.calendarIdentifier, change.uid, before, after});
+    }
+    return changes;
+}
+
+bool CalendarContents::hasStagedChanges() const
+{
+    return !pendingByKey.isEmpty();
+}
+
+void CalendarContents::forgetStaged()
+{
+    std::erase_if(pending, [](const Pending &change) { return change.isOfObject(); });
+    pendingByKey.clear();
+    groupSteps.clear();
+    forgetHeld();
+}
+
+void CalendarContents::setPromises(std::vector<ItemChange> changes)
+{
+    if (promises.empty() && changes.empty())
+        return;
+    promises = std::move(changes);
+    promisesByKey.clear();
+    promisedItems.clear();
+    for (std::size_t place = 0; place < promises.size(); ++place)
+        promisesByKey[keyOf(promises[place].calendarIdentifier, promises[place].uid)].push_back(place);
+    forgetHeld();
+}
+
+OptionalError CalendarContents::carryOut(const ItemChange &change)
+{
+    /// How often somebody else may be faster.
+    constexpr int mostAttempts = 3;
+    OptionalError error;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        const auto stored = storedItem(change.calendarIdentifier, change.uid);
+        if (!stored)
+            return stored.error();
+        const auto &damaged = known[change.calendarIdentifier].unusable;
+        if (!stored.value() && std::any_of(damaged.begin(), damaged.end(), [&](const Unusable &object) {
+                return !object.isUnknown() && object.mayHold(change.uid);
+            }))
+            return CalendarError::make(CalendarError::Unreadable,
+                                       QStringLiteral("The event cannot be read at present."));
+        const StoredItem present = stored.value().value_or(StoredItem());
+        std::optional<QByteArray> text;
+        if (present.item)
+            text = present.item->text();
+        const auto wanted = itemmerge::merged(text, change);
+        if (wanted == text)
+            return std::nullopt;
+        error = wanted ? put(change, present, *wanted)
+                       : storage->remove(change.calendarIdentifier, present.name, present.etag);
+        if (!CalendarError::is(error, CalendarError::Conflict))
+            return error;
+    }
+    return error;
+}
+
+static std::size_t countOfAlarms(const CalendarItem &item)
+{
+    std::size_t count = 0;
+    for (const IcalComponent *component : item.document().calendar().children())
+        count += static_cast<std::size_t>(std::ranges::count_if(
+            component->children(), [](const IcalComponent *child) { return child->name() == "VALARM"; }));
+    return count;
+}
+
+OptionalError CalendarContents::put(const ItemChange &change, const StoredItem &stored,
+                                    const QByteArray &text)
+{
+    auto written = storage->put(change.calendarIdentifier, {stored.name, stored.etag, text}, change.uid);
+    if (!written)
+        return written.error();
+    // An alarm that a store adds to an event by itself is taken off again; nobody has set it.
+    const auto wanted = CalendarItem::fromText(text);
+    if (const auto made = CalendarItem::fromText(written.value().text);
+        wanted && wanted.value() && made && made.value() && countOfAlarms(*wanted.value()) == 0 &&
+        countOfAlarms(*made.value()) > 0) {
+        auto again =
+            storage->put(change.calendarIdentifier, {written->name, written->etag, text}, change.uid);
+        if (again)
+            written = again;
+    }
+    known[change.calendarIdentifier].namesByUid.insert(change.uid, written.value().name);
+    return std::nullopt;
 }

@@ -194,6 +194,36 @@ std::shared_ptr<void> EKEventStore::holdContents() const
     return {held, [](CalendarContents *released) { released->release(); }};
 }
 
+void EKEventStore::deferWrites()
+{
+    contents->deferObjects();
+}
+
+std::vector<ItemChange> EKEventStore::stagedChanges() const
+{
+    return contents->stagedChanges();
+}
+
+bool EKEventStore::hasStagedChanges() const
+{
+    return contents->hasStagedChanges();
+}
+
+void EKEventStore::forgetStaged()
+{
+    contents->forgetStaged();
+}
+
+void EKEventStore::setPromises(std::vector<ItemChange> changes)
+{
+    contents->setPromises(std::move(changes));
+}
+
+OptionalError EKEventStore::carryOut(const ItemChange &change)
+{
+    return contents->carryOut(change);
+}
+
 OptionalError EKEventStore::commit()
 {
     return contents->commit();

@@ -3,6 +3,7 @@
 #include "eventkit/EKCalendar.h"
 #include "eventkit/EKEvent.h"
 #include "eventkit/EKReminder.h"
+#include "eventkit/ItemChange.h"
 #include "foundation/Error.h"
 #include "foundation/NotificationCenter.h"
 
@@ -78,7 +79,7 @@ public:
     OptionalError saveCalendar(EKCalendar &calendar, bool commit);
     OptionalError removeCalendar(const EKCalendar &calendar, bool commit);
     /// Moves everything to another calendar, or nothing: Invalid if an object cannot be read, or is there
-    /// already.
+    /// already. It is written at once, also where writes are deferred.
     OptionalError moveContents(const EKCalendar &from, const EKCalendar &to, bool commit);
 
     /// Without calendars: all. Calendars that do not exist are not looked at.
@@ -111,6 +112,22 @@ public:
     /// For many questions in a row, such as a pass over all events: while the answer lives, calendars are
     /// read once, and changes that others make meanwhile are not seen. It may not outlive the store.
     [[nodiscard]] std::shared_ptr<void> holdContents() const;
+
+    // Changes of events and reminders can be kept by somebody else, who carries them out later. Until then
+    // they are seen here as if they were written.
+    /// From now on saves and removals of events and reminders are staged only, whatever `commit` says.
+    void deferWrites();
+    /// What is staged, each object once, in order.
+    std::vector<ItemChange> stagedChanges() const;
+    bool hasStagedChanges() const;
+    /// Somebody else keeps what was staged.
+    void forgetStaged();
+    /// All changes that are kept and not yet carried out, in order.
+    void setPromises(std::vector<ItemChange> changes);
+    /// Writes one of them, merged field by field with what others have written meanwhile; one that is there
+    /// already is not written again. Storage and Unreadable may pass; NotFound says that its calendar has
+    /// gone; ReadOnly and Invalid that it is refused.
+    OptionalError carryOut(const ItemChange &change);
 
     /// Writes what is pending. What cannot be written is given up; the first error is answered.
     OptionalError commit();

@@ -26,5 +26,5 @@ OptionalError EKEventStore::moveContents(const EKCalendar &from, const EKCalenda
             return error;
         contents->stageRemoval(from.calendarIdentifier, one);
     }
-    return commit ? this->commit() : std::nullopt;
+    return commit ? contents->commitGroup() : std::nullopt;
 }

@@ -79,6 +79,8 @@ OptionalError EKEventStore::perform(const Edit &edit, bool commit)
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         contents->beginGroup();
         error = edit();
+        if (error)
+            contents->dropGroup();
         if (error || !commit)
             return error;
         error = contents->commit();

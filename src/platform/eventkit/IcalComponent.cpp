@@ -57,6 +57,15 @@ std::vector<const ContentLine *> IcalComponent::lines(const QByteArray &lineName
     return found;
 }
 
+std::vector<const ContentLine *> IcalComponent::allLines() const
+{
+    std::vector<const ContentLine *> found;
+    for (const IcalEntry &entry : entries)
+        if (entry.line())
+            found.push_back(entry.line());
+    return found;
+}
+
 QByteArray IcalComponent::value(const QByteArray &lineName) const
 {
     const ContentLine *found = line(lineName);

@@ -32,6 +32,8 @@ public:
     /// The first property of that name; null if there is none. Valid until the next change.
     const ContentLine *line(const QByteArray &lineName) const;
     std::vector<const ContentLine *> lines(const QByteArray &lineName) const;
+    /// All properties in their order.
+    std::vector<const ContentLine *> allLines() const;
     /// The value of the first such property as it is written; null if there is none.
     QByteArray value(const QByteArray &lineName) const;
 
