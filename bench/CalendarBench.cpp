@@ -60,7 +60,7 @@ void passWithoutChange(benchmark::State &state)
     ManagedObjectContext &context = BenchHome::shared().context();
     const CalendarFolder calendar(static_cast<int>(state.range(0)));
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     compare(
         state, [] { CalendarEvent::syncCalendarToAppWithTask(nullptr); },
         [&calendar] { benchmark::DoNotOptimize(bareParse(calendar)); });
@@ -84,7 +84,7 @@ void firstPass(benchmark::State &state)
             const CalendarFolder calendar(static_cast<int>(state.range(0)));
             state.ResumeTiming();
             CalendarEvent::syncCalendarToAppWithTask(nullptr);
-            DBWorker::saveContext();
+            DBWorker::saveOrTell();
             state.PauseTiming();
         }
         DBWorker::setNilForCalendarIDTasks();
@@ -99,7 +99,7 @@ void taskToEvent(benchmark::State &state)
     BenchHome::shared();
     const CalendarFolder calendar(static_cast<int>(state.range(0)));
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     const TaskPtr task = BenchEvents::plainLinkedTask();
     const QString bareFile = calendar.path() + QStringLiteral("/../bare.ics");
     const QByteArray text = BenchEvents::calendarText(1);

@@ -114,7 +114,7 @@ void passWithoutChangeAtDaemon(benchmark::State &state)
 {
     const DaemonCalendar calendar(static_cast<int>(state.range(0)));
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     benchmark::DoNotOptimize(calendar.bareFetch());
     compare(
         state, [] { CalendarEvent::syncCalendarToAppWithTask(nullptr); },
@@ -134,7 +134,7 @@ void taskToEventAtDaemon(benchmark::State &state)
 {
     const DaemonCalendar calendar(static_cast<int>(state.range(0)));
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     const TaskPtr task = BenchEvents::plainLinkedTask();
     int round = 0;
     compare(

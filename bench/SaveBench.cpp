@@ -22,7 +22,7 @@ void saveTask()
     task.status = TaskStatus::Open;
     task.priority = Priority::None;
     task.save();
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
 }
 
 void run(sqlite3_stmt *statement)

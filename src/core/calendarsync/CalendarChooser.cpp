@@ -105,7 +105,7 @@ bool CalendarChooser::setDefault(int row)
 void CalendarChooser::finish()
 {
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     UserDefaults::standard().setObject(settings::needPopToRootDetailHome, QStringLiteral("YES"));
     UserDefaults::standard().synchronize();
     NotificationCenter::defaultCenter().post(notifications::iCloudChange);

@@ -13,6 +13,8 @@
 #include <variant>
 #include <vector>
 
+class RecordsTransaction;
+
 /// One row of a chooser of calendars: the heading of a source, or a calendar.
 using CalendarChooserRow = std::variant<QString, EKCalendar>;
 
@@ -86,9 +88,12 @@ public:
     /// Why they may not, in English; empty if they may.
     static QString messageForBanChangeRepeat();
 
-    // Tasks to events.
+    // Tasks to events. What these do is a part of the transaction; without one, of the next save. Nothing
+    // reaches a calendar before the commit.
     /// Writes a task to its event, or makes one. `changeStartDue` tells the occurrence by the date that it
     /// had before the edit; `wasRepeatRule` that the row had a rule before.
+    static void initEventCalendarFromTask(RecordsTransaction &transaction, EntityTask &task, Span span,
+                                          OptionalDate changeStartDue, bool wasRepeatRule);
     static void initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
                                           bool wasRepeatRule);
     /// What a change of status alone does to the event: none without a due date.
@@ -96,6 +101,8 @@ public:
                                                   OptionalDate withChangeStartDue);
     /// Takes a task out of the calendar, and with `isDeleteTasks` out of the store. Gives the row that stands
     /// for the task from now on, which can be a new one; null if it was deleted.
+    static TaskPtr removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task,
+                                               Span span, bool isDeleteTasks);
     static TaskPtr removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks);
     /// Copies what an event shows of a task.
     static void syncTask(const EntityTask &task, EKEvent &toEvent);

@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarOutbox.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "cloud/IcloudManager.h"
 #include "eventkit/SharedEventStore.h"
@@ -32,9 +33,10 @@ EKEventStore &CalendarEvent::eventStore()
     auto &shared = state();
     if (!shared.store) {
         shared.store = std::make_unique<EKEventStore>();
+        CalendarOutbox::prepare(*shared.store);
         shared.calendars.reset();
         shared.storeChanged = NotificationCenter::defaultCenter().addObserver(
-            EKEventStoreChangedNotification, [](const Notification &) { state().calendars.reset(); });
+            EKEventStoreChangedNotification, [] { state().calendars.reset(); });
     }
     return *shared.store;
 }

@@ -225,7 +225,10 @@ void CalendarEvent::syncCalendarToAppWithTasks(const std::vector<TaskPtr> &tasks
         return;
     }
     const QScopedValueRollback guard(isPassRunning, true);
+    // Inside of a command it is a part of that.
+    Transaction transaction(mainContext(), ChangeAuthor::Pass);
     runPass({tasks.begin(), tasks.end()});
     while (std::exchange(isWantedAgain, false))
         runPass({});
+    DBWorker::tellOfFailure(transaction.commit());
 }

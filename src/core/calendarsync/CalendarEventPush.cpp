@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarStoreState.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "store/AppDelegate.h"
@@ -9,7 +10,6 @@
 
 namespace {
 
-const QString ownTitle = QStringLiteral("Morvane Pro");
 const QString upgradedVersion = QStringLiteral("3.0");
 
 void pushNew(EntityTask &task)
@@ -85,7 +85,7 @@ void CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(bool needCreateNewE
     if (DBWorker::isSample() || !hasAccesToCalendar() || !isOurCalendar())
         return;
     std::vector<TaskPtr> rows;
-    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(ownTitle)) {
+    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(calendarstore::ownTitle)) {
         if (task)
             rows.push_back(task);
     }

@@ -1,6 +1,6 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/EventDates.h"
-#include "calendarsync/PassGroup.h"
+#include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
@@ -19,10 +19,10 @@ TaskPtr leftOf(const TaskPtr &task)
     return task->context() && !task->isDeleted() ? task : nullptr;
 }
 
-void removeOffline(const TaskPtr &task, Span span, bool isDeleteTasks)
+void removeOffline(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
 {
     if (!isDeleteTasks)
-        return CalendarEvent::initEventCalendarFromTask(*task, span, std::nullopt, true);
+        return CalendarEvent::initEventCalendarFromTask(transaction, *task, span, std::nullopt, true);
     if (span == Span::FutureTasks) {
         for (const TaskPtr &row : series::otherRows(*task)) {
             if (series::isLater(*row, *task))
@@ -166,18 +166,18 @@ void removeFuture(const TaskPtr &task, bool isDeleteTasks, OptionalDate endOfRul
     }
 }
 
-void removeOne(const TaskPtr &task, bool isDeleteTasks)
+void removeOne(RecordsTransaction &transaction, const TaskPtr &task, bool isDeleteTasks)
 {
     task->setCalendarID(QString());
     task->setRepeat(QString());
     task->setEndRepeat(std::nullopt);
     if (!isDeleteTasks)
         return;
-    PassGroup::passFor(task);
+    transaction.passFor(task);
     mainContext().deleteObject(task);
 }
 
-void removeOccurrences(const TaskPtr &task, Span span, bool isDeleteTasks)
+void removeOccurrences(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
 {
     const OccurrenceDays days(*task);
     const bool isFuture = span == Span::FutureTasks;
@@ -194,23 +194,32 @@ void removeOccurrences(const TaskPtr &task, Span span, bool isDeleteTasks)
     if (isFuture)
         removeFuture(task, isDeleteTasks, endOfRule);
     else
-        removeOne(task, isDeleteTasks);
+        removeOne(transaction, task, isDeleteTasks);
 }
 
 } // namespace
 
 TaskPtr CalendarEvent::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
 {
+    RecordsTransaction transaction;
+    const TaskPtr row = removeEventCalendarFromTask(transaction, task, span, isDeleteTasks);
+    transaction.settle();
+    return row ? leftOf(row) : nullptr;
+}
+
+TaskPtr CalendarEvent::removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task,
+                                                   Span span, bool isDeleteTasks)
+{
     if (DBWorker::isSample()) {
         // Examples are on no calendar, but they can be deleted.
         if (isDeleteTasks)
-            removeOffline(task, span, true);
+            removeOffline(transaction, task, span, true);
     } else if (calendarstore::isOffline() || task->calendarID().isEmpty()) {
-        removeOffline(task, span, isDeleteTasks);
+        removeOffline(transaction, task, span, isDeleteTasks);
     } else if (task->repeat().isEmpty()) {
         return removeSingle(task, isDeleteTasks);
     } else {
-        removeOccurrences(task, span, isDeleteTasks);
+        removeOccurrences(transaction, task, span, isDeleteTasks);
     }
     return leftOf(task);
 }

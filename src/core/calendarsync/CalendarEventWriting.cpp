@@ -1,6 +1,6 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarStoreState.h"
-#include "calendarsync/PassGroup.h"
+#include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
@@ -131,13 +131,13 @@ void takeSharedFields(const TaskPtr &task, const series::SharedFields &fields)
         mainContext().deleteObject(task);
 }
 
-void rebuildSeries(const TaskPtr &task)
+void rebuildSeries(RecordsTransaction &transaction, const TaskPtr &task)
 {
-    PassGroup::passFor(task,
-                       [task, fields = series::SharedFields(*task)] { takeSharedFields(task, fields); });
+    transaction.passFor(task,
+                        [task, fields = series::SharedFields(*task)] { takeSharedFields(task, fields); });
 }
 
-void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
+void writeOccurrence(RecordsTransaction &transaction, EntityTask &task, Span span, OptionalDate formerDate)
 {
     const QString formerIdentifier = task.calendarID();
     EKEvent event = eventOfOccurrence(task, formerDate);
@@ -150,7 +150,7 @@ void writeOccurrence(EntityTask &task, Span span, OptionalDate formerDate)
     if (!canReadEvents())
         return;
     deleteRowsFrom(formerDate, formerIdentifier, task);
-    rebuildSeries(shared(task));
+    rebuildSeries(transaction, shared(task));
 }
 
 void copyToSeries(const EntityTask &task)
@@ -171,6 +171,14 @@ bool calendarstore::isOffline()
 void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
                                               bool wasRepeatRule)
 {
+    RecordsTransaction transaction;
+    initEventCalendarFromTask(transaction, task, span, changeStartDue, wasRepeatRule);
+    transaction.settle();
+}
+
+void CalendarEvent::initEventCalendarFromTask(RecordsTransaction &transaction, EntityTask &task, Span span,
+                                              OptionalDate changeStartDue, bool wasRepeatRule)
+{
     if (span == Span::ThisTask) {
         // An occurrence that is edited alone leaves its series.
         task.setRepeat(QString());
@@ -186,7 +194,7 @@ void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, Optio
     if (task.status() == TaskStatus::Done || !task.dueDate())
         return;
     if (wasRepeatRule || !task.repeat().isEmpty())
-        writeOccurrence(task, span, changeStartDue);
+        writeOccurrence(transaction, task, span, changeStartDue);
     else
         writeSingle(task, span, changeStartDue);
 }

@@ -100,13 +100,13 @@ Reminder::Reminder()
     updataWithReminder();
     if (!sharedCalendarBackend())
         return;
-    store->requestAccessToEntityType(
-        EKEntityType::Event, [this, living = std::weak_ptr(alive)](bool isGranted) {
-            if (!isGranted || living.expired())
-                return;
-            storeChanged = NotificationCenter::defaultCenter().addObserver(
-                EKEventStoreChangedNotification, [this](const Notification &) { reminderChange(); });
-        });
+    store->requestAccessToEntityType(EKEntityType::Event,
+                                     [this, living = std::weak_ptr(alive)](bool isGranted) {
+                                         if (!isGranted || living.expired())
+                                             return;
+                                         storeChanged = NotificationCenter::defaultCenter().addObserver(
+                                             EKEventStoreChangedNotification, [this] { reminderChange(); });
+                                     });
 }
 
 void Reminder::reminderChange()
@@ -130,7 +130,7 @@ void Reminder::updataWithReminder()
             if (pair.task->context() && !pair.task->isDeleted())
                 apply(pair);
         }
-        DBWorker::saveContext();
+        DBWorker::saveOrTell();
     });
 }
 
@@ -163,7 +163,7 @@ void Reminder::initReminderFromTask(const TaskPtr &task)
         EKReminder reminder = reminderOf(*task, accessible);
         accessible.saveReminder(reminder, true);
         task->setRemindID(reminder.calendarItemIdentifier);
-        DBWorker::saveContext();
+        DBWorker::saveOrTell();
     });
 }
 
@@ -178,7 +178,7 @@ void Reminder::changeReminderStatusFromTask(const TaskPtr &task)
         deleteReminderFromTask(task);
     else
         initReminderFromTask(task);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
 }
 
 int Reminder::reminderPriorityOf(std::optional<Priority> taskPriority)

@@ -62,7 +62,6 @@ void SyncSettings::setDisplayOrder(ContactsDisplayOrder order)
     defaults.setObject(settings::contactDisplayOrder, number);
     defaults.setObject(settings::displayOrderDescription, displayOrderTitles().at(number));
     defaults.synchronize();
-    NotificationCenter::defaultCenter().post(notifications::changeContactStatus);
 }
 
 QStringList SyncSettings::syncPeriodTitles()
@@ -116,5 +115,5 @@ QString SyncSettings::syncFrequencyDescription(CalendarFrequencyDay frequency)
 void SyncSettings::finish()
 {
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
 }

@@ -45,8 +45,7 @@ void changedExternally(const UbiquitousChange &change)
     for (const QString &key : change.keys)
         local().setObject(key, cloud->object(key));
     if (!change.keys.isEmpty())
-        NotificationCenter::defaultCenter().post(notifications::preferences,
-                                                 QStringLiteral("CloudUserDefaults"));
+        NotificationCenter::defaultCenter().post(notifications::preferences);
 }
 
 } // namespace
@@ -133,10 +132,8 @@ void CloudUserDefaults::registerForNotifications()
     if (watch())
         return;
     watch() = NotificationCenter::defaultCenter().addObserver(
-        ubiquitousStoreDidChangeExternally, [](const Notification &notification) {
-            if (const auto *change = std::any_cast<UbiquitousChange>(&notification.userInfo))
-                changedExternally(*change);
-        });
+        ubiquitousStoreDidChangeExternally,
+        [](const UbiquitousChange &change) { changedExternally(change); });
     if (UbiquitousKeyValueStore *cloud = UbiquitousKeyValueStore::defaultStore()) {
         cloud->watch();
         cloud->synchronize();

@@ -17,7 +17,6 @@ bool Document::readFromData(const QByteArray &contents, const QString &)
     if (contents.isNull())
         return false;
     data = contents;
-    NotificationCenter::defaultCenter().post(notifications::dataModified, this);
     return true;
 }
 

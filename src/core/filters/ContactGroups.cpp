@@ -52,7 +52,7 @@ void ContactGroups::saveListFilterContacts(const MVContactGroup &list,
     contactGroup->setCriteria(list.criteria);
     contactGroup->setCategories(list.categories);
     contactGroup->setCompanies(list.companies);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     reloadData();
 }
 
@@ -67,7 +67,7 @@ std::shared_ptr<EntityContactGroup> ContactGroups::saveContactGroup(const MVCont
     group->setCategories(values.categories);
     group->setCompanies(values.companies);
     group->setCriteria(values.criteria);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     return group;
 }
 
@@ -77,6 +77,6 @@ bool ContactGroups::rename(EntityContactGroup &group, const QString &title)
     if (wanted.isEmpty() || wanted == group.title())
         return false;
     group.setTitle(wanted);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     return true;
 }

@@ -85,6 +85,5 @@ void WindowAddContactsGroup::clickButtonDone()
         return;
     }
     contactGroup->setContacts(edited.contacts);
-    DBWorker::saveContext();
-    NotificationCenter::defaultCenter().post(notifications::reloadContactGroup);
+    DBWorker::saveOrTell();
 }

@@ -121,7 +121,7 @@ CategoryPtr Categories::add(const QString &title, const CategoryColor &color)
     category->setColorG(color.g);
     category->setColorB(color.b);
     category->setColorA(color.a);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     return category;
 }
 
@@ -130,7 +130,7 @@ bool Categories::rename(const CategoryPtr &category, const QString &title)
     if (!category || isBuiltIn(*category) || !isTitleFree(title))
         return false;
     category->setTitle(title);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     return true;
 }
 
@@ -140,7 +140,7 @@ void Categories::setDefault(const CategoryPtr &category)
         former->setDefaultCategory(false);
     if (category)
         category->setDefaultCategory(true);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
 }
 
 bool Categories::remove(const CategoryPtr &category)
@@ -154,6 +154,6 @@ bool Categories::remove(const CategoryPtr &category)
     for (const ProjectPtr &project : category->project())
         project->setCategory(heir);
     mainContext().deleteObject(category);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     return true;
 }

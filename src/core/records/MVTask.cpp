@@ -1,6 +1,7 @@
 #include "records/MVTask.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/RecordsTransaction.h"
 #include "records/FillEmpty.h"
 #include "records/Functional.h"
 #include "records/TaskManager.h"
@@ -148,11 +149,25 @@ void MVTask::writeFields()
 
 bool MVTask::saveStatus()
 {
+    RecordsTransaction transaction;
+    const OptionalDate formerExpiration = row ? row->expirationDate() : std::nullopt;
+    if (!saveStatus(transaction))
+        return false;
+    if (!TaskManager::commit(transaction, *this)) {
+        if (row && row->status() != TaskStatus::Done)
+            row->setExpirationDate(formerExpiration);
+        return false;
+    }
+    return true;
+}
+
+bool MVTask::saveStatus(RecordsTransaction &transaction)
+{
     const OptionalDate formerExpiration = row ? row->expirationDate() : std::nullopt;
     if (status == TaskStatus::Done && row)
         row->setExpirationDate(MVDate::date());
     lastModificationDate = MVDate::date();
-    const bool isSaved = TaskManager::saveTaskTemp(*this, true);
+    const bool isSaved = TaskManager::saveTaskTemp(transaction, *this);
     // A rule that refuses the change leaves the row as it was.
     if (!isSaved && row && row->status() != TaskStatus::Done)
         row->setExpirationDate(formerExpiration);
@@ -184,22 +199,29 @@ auto valueOfWord(const QString &text, const Values &values, WordOf wordOf)
 void MVTask::changeStatus(const QString &text, bool autoSaved)
 {
     const auto known = valueOfWord(text, allTaskStatuses, &Functional::statusStringFromType);
-    changeStatusTo(known ? known : status, autoSaved);
+    if (changeStatusTo(known ? known : status) && autoSaved)
+        saveStatus();
 }
 
 void MVTask::changeStatusType(TaskStatus newStatus, bool autoSaved)
 {
-    changeStatusTo(newStatus, autoSaved);
+    if (changeStatusTo(newStatus) && autoSaved)
+        saveStatus();
 }
 
-void MVTask::changeStatusTo(std::optional<TaskStatus> newStatus, bool autoSaved)
+void MVTask::changeStatusType(RecordsTransaction &transaction, TaskStatus newStatus)
+{
+    if (changeStatusTo(newStatus))
+        saveStatus(transaction);
+}
+
+bool MVTask::changeStatusTo(std::optional<TaskStatus> newStatus)
 {
     if (!repeat.isEmpty() && !CalendarEvent::isAccessChangeRepeatTaskWithMessage(true))
-        return;
+        return false;
     status = newStatus;
     expirationDate = status == TaskStatus::Done ? OptionalDate(MVDate::date()) : std::nullopt;
-    if (autoSaved)
-        saveStatus();
+    return true;
 }
 
 void MVTask::changeType(const QString &text)

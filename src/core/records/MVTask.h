@@ -6,6 +6,7 @@
 #include <QString>
 
 class DatePickerState;
+class RecordsTransaction;
 
 /// A working copy of a task: a screen fills it, changes it freely, and nothing reaches the store before
 /// `save`.
@@ -68,6 +69,7 @@ public:
     MVTask &save();
     /// Saves a change of status through the rules. False if a message stopped it.
     bool saveStatus();
+    bool saveStatus(RecordsTransaction &transaction);
 
     /// True from the save that made the row until the next one.
     bool isNewTask() const { return isNew; }
@@ -84,6 +86,8 @@ public:
     /// barred.
     void changeStatus(const QString &text, bool autoSaved);
     void changeStatusType(TaskStatus newStatus, bool autoSaved);
+    /// Set and saved as a part of a transaction.
+    void changeStatusType(RecordsTransaction &transaction, TaskStatus newStatus);
     /// Set by the localised word; an unknown one changes nothing.
     void changeType(const QString &text);
     void changePriority(const QString &text);
@@ -122,7 +126,8 @@ private:
     void prepareEndRepeatPicker(DatePickerState &picker) const;
     void makeRow();
     void writeFields();
-    void changeStatusTo(std::optional<TaskStatus> newStatus, bool autoSaved);
+    /// False while edits of repeats are barred.
+    bool changeStatusTo(std::optional<TaskStatus> newStatus);
 
     TaskPtr row;
     bool isNew = false;

@@ -6,7 +6,6 @@
 #include "records/MVProject.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/DBWorker.h"
-#include "store/state/NotificationNames.h"
 
 namespace {
 
@@ -72,12 +71,8 @@ bool ProjectManager::saveProjectTemp(MVProject &project)
         Log::line(QStringLiteral("Can't Save Project! %1 %2").arg(error->message, error->domain));
         return false;
     }
-    if (project.isNewProject()) {
+    if (project.isNewProject())
         project.setProjectValues();
-        NotificationCenter::defaultCenter().post(notifications::coreDataAddNewProject);
-    } else {
-        NotificationCenter::defaultCenter().post(notifications::projectChange);
-    }
     return true;
 }
 

@@ -120,7 +120,22 @@ QStringList textsOf(const ManagedObject &object)
 
 bool isIndexed(const ManagedObject &object)
 {
-    return object.entity().isFollowedUp();
+    return object.entity().followsLinks();
+}
+
+/// Whether the texts of a task can have changed; those of other records hang on more than their columns.
+bool canHaveOtherTexts(const StoreChanges::Update &update)
+{
+    if (update.columns.none() || update.object->entity().name() != EntityTask::entityName)
+        return true;
+    constexpr int sources[] = {
+        EntityTask::column<"title">(),    EntityTask::column<"details">(),
+        EntityTask::column<"category">(), EntityTask::column<"project">(),
+        EntityTask::column<"company">(),  EntityTask::column<"delegateToUser">(),
+        EntityTask::column<"location">(),
+    };
+    return std::ranges::any_of(
+        sources, [&update](int column) { return update.columns.test(static_cast<size_t>(column)); });
 }
 
 FetchRequest rowsOf(const QString &uri)
@@ -129,6 +144,18 @@ FetchRequest rowsOf(const QString &uri)
 }
 
 } // namespace
+
+void SearchIndex::follow(const StoreChanges &changes)
+{
+    for (const ObjectPtr &object : changes.inserted)
+        addIndexWithObject(object);
+    for (const ObjectPtr &object : changes.deleted)
+        deleteIndexWithObjects(object);
+    for (const StoreChanges::Update &update : changes.updated) {
+        if (canHaveOtherTexts(update))
+            updateIndexWithObject(update.object);
+    }
+}
 
 void SearchIndex::insertEntitySearchIndexString(const QString &string, const QString &atObjectId)
 {

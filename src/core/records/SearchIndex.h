@@ -1,6 +1,6 @@
 #pragma once
 
-#include "objectstore/ManagedObject.h"
+#include "objectstore/StoreChanges.h"
 
 #include <QString>
 
@@ -10,6 +10,8 @@ class SearchIndex
 public:
     SearchIndex() = delete;
 
+    /// Brings the index up to date with what a commit changes.
+    static void follow(const StoreChanges &changes);
     /// Adds the texts of a task, project, contact, company or note; ignores any other object.
     static void addIndexWithObject(const ObjectPtr &object);
     /// Takes out all texts of such a record, also of one that is deleted already.

@@ -1,7 +1,6 @@
 #include "records/TaskBatch.h"
 
-#include "calendarsync/PassGroup.h"
-#include "foundation/AlertsOnce.h"
+#include "calendarsync/RecordsTransaction.h"
 #include "records/MVTask.h"
 #include "records/RepeatBan.h"
 #include "records/TaskManager.h"
@@ -33,29 +32,25 @@ std::vector<TaskPtr> writable(const std::vector<TaskPtr> &tasks)
 template <typename Change>
 void changeEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Change change)
 {
-    {
-        const SaveGroup together(mainContext());
-        const PassGroup onePass;
-        const AlertsOnce once;
-        for (const TaskPtr &task : tasks) {
-            if (!isGone(task))
-                change(task);
-            if (step && !step())
-                break;
-        }
+    RecordsTransaction transaction(QStringLiteral("Change"));
+    for (const TaskPtr &task : tasks) {
+        if (!isGone(task))
+            change(transaction, task);
+        if (step && !step())
+            break;
     }
-    DBWorker::saveContext();
+    DBWorker::tellOfFailure(transaction.commit());
 }
 
 /// Of several that are barred the user is told once.
 void changeStatus(const std::vector<TaskPtr> &tasks, TaskStatus status, const StepBlock &step)
 {
     bool isBarred = false;
-    changeEach(tasks, step, [&](const TaskPtr &task) {
+    changeEach(tasks, step, [&](RecordsTransaction &transaction, const TaskPtr &task) {
         if (RepeatBan::concerns(*task))
             isBarred = true;
         else
-            MVTask(task).changeStatusType(status, true);
+            MVTask(task).changeStatusType(transaction, status);
     });
     if (isBarred)
         RepeatBan::tell();
@@ -65,10 +60,10 @@ template <typename Value>
 void setField(const std::vector<TaskPtr> &tasks, const StepBlock &step, Value MVTask::*field,
               const Value &value)
 {
-    changeEach(writable(tasks), step, [&](const TaskPtr &task) {
+    changeEach(writable(tasks), step, [&](RecordsTransaction &transaction, const TaskPtr &task) {
         MVTask copy(task);
         copy.*field = value;
-        TaskManager::saveTaskTemp(copy, true);
+        TaskManager::saveTaskTemp(transaction, copy);
     });
 }
 

@@ -4,7 +4,6 @@
 #include "records/TaskManager.h"
 #include "records/TaskMerge.h"
 #include "store/entities/MainContext.h"
-#include "store/state/NotificationNames.h"
 
 #include <QScopedValueRollback>
 
@@ -79,7 +78,6 @@ void TaskFormState::takeBackNewRow(const MVTask &before)
         CalendarEvent::removeEventCalendarFromTask(row, Span::FutureTasks, true);
     }
     task = before;
-    NotificationCenter::defaultCenter().post(notifications::reloadTasks, row);
 }
 
 TaskFormState::EditEnd TaskFormState::finishEdit()

@@ -10,6 +10,7 @@
 #include <vector>
 
 class MVTask;
+class RecordsTransaction;
 
 /// What an edit of one occurrence of a series reaches. The numbers are those of the calendar store.
 enum class Span { ThisTask = 0, FutureTasks = 1 };
@@ -24,13 +25,17 @@ public:
     /// Validates and stores a working copy; `autoSave` commits. True: it was handled (also when the user gave
     /// up the question about a series); false: a message or a failed commit stopped it.
     static bool saveTaskTemp(MVTask &task, bool autoSave);
+    /// The same as a part of a transaction, which commits.
+    static bool saveTaskTemp(RecordsTransaction &transaction, MVTask &task);
+    /// Commits the transaction in which a copy was saved, which then holds what the store holds. False if it
+    /// did not reach the disk.
+    static bool commit(RecordsTransaction &transaction, MVTask &task);
     /// The calendar side of a save of one occurrence or of the rest of a series. Gives the row that stands
     /// for the task from now on; null if it was deleted.
-    static TaskPtr saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat);
-    /// The same for a working copy that has a row.
-    static void saveActionWithDate(OptionalDate date, Span span, const MVTask &task, bool wasRepeat);
-    /// Deletes one task and what hangs on it, without a question and without saving.
-    static void deleteTask(const TaskPtr &task);
+    static TaskPtr saveWithDate(RecordsTransaction &transaction, OptionalDate date, const TaskPtr &task,
+                                Span span, bool wasRepeat);
+    /// Deletes one task and what hangs on it, without a question.
+    static void deleteTask(RecordsTransaction &transaction, const TaskPtr &task);
     /// Deletes tasks and projects after asking once; `compliteBlock` runs only if something was deleted.
     /// `step` is called after each task.
     static void deleteTasks(const std::vector<ObjectPtr> &tasks, const std::function<void()> &compliteBlock,

@@ -1,12 +1,11 @@
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/PassGroup.h"
+#include "calendarsync/RecordsTransaction.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "records/TaskManager.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
-#include "store/state/NotificationNames.h"
 
 #include <set>
 
@@ -78,47 +77,44 @@ std::optional<Span> askedSpan(size_t count)
     return answer == Alert::secondButton ? std::optional(Span::FutureTasks) : std::nullopt;
 }
 
-bool deleteRepeating(const std::vector<TaskPtr> &tasks, Span span, const StepBlock &step)
+bool deleteRepeating(RecordsTransaction &transaction, const std::vector<TaskPtr> &tasks, Span span,
+                     const StepBlock &step)
 {
     const QString what = span == Span::ThisTask ? QStringLiteral("delete This Task Only")
                                                 : QStringLiteral("delete All Future Tasks");
     Log::line(QStringLiteral("Start ") + what);
-    const bool isAll = deleteEach(tasks, step, [span](const TaskPtr &task) {
+    const bool isAll = deleteEach(tasks, step, [&transaction, span](const TaskPtr &task) {
         // Another one of its series may have taken it along.
         if (!task->isDeleted() && task->context())
-            CalendarEvent::removeEventCalendarFromTask(task, span, true);
-        NotificationCenter::defaultCenter().post(notifications::reloadTasks, task);
+            CalendarEvent::removeEventCalendarFromTask(transaction, task, span, true);
     });
     Log::line(QStringLiteral("End ") + what);
     return isAll;
 }
 
-void deletePlain(const Selection &selection, const StepBlock &step)
+void deletePlain(RecordsTransaction &transaction, const Selection &selection, const StepBlock &step)
 {
     for (const ProjectPtr &project : selection.projects)
         mainContext().deleteObject(project);
-    deleteEach(selection.plain, step, &TaskManager::deleteTask);
+    deleteEach(selection.plain, step,
+               [&transaction](const TaskPtr &task) { TaskManager::deleteTask(transaction, task); });
 }
 
 /// What was asked for, repeating tasks only with a span; nothing more once the user has had enough.
 void deleteSelection(const Selection &selection, std::optional<Span> span, const StepBlock &step)
 {
-    {
-        const SaveGroup together(mainContext());
-        const PassGroup onePass;
-        if (!span || deleteRepeating(selection.repeating, *span, step))
-            deletePlain(selection, step);
-    }
-    DBWorker::saveContext();
+    RecordsTransaction transaction(QStringLiteral("Delete"));
+    if (!span || deleteRepeating(transaction, selection.repeating, *span, step))
+        deletePlain(transaction, selection, step);
+    DBWorker::tellOfFailure(transaction.commit());
 }
 
 } // namespace
 
-void TaskManager::deleteTask(const TaskPtr &task)
+void TaskManager::deleteTask(RecordsTransaction &transaction, const TaskPtr &task)
 {
     task->removeNotifications();
-    CalendarEvent::removeEventCalendarFromTask(task, Span::ThisTask, true);
-    NotificationCenter::defaultCenter().post(notifications::reloadTasks, task);
+    CalendarEvent::removeEventCalendarFromTask(transaction, task, Span::ThisTask, true);
 }
 
 void TaskManager::deleteTasks(const std::vector<ObjectPtr> &tasks, const std::function<void()> &compliteBlock,

@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/RecordsTransaction.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -10,13 +11,15 @@
 #include "store/state/NotificationNames.h"
 #include "usernotifications/UserNotificationCenter.h"
 
+#include <algorithm>
+
 // Saving a working copy: the rules for its dates, then the row, its calendar item and those who show it.
 
 namespace {
 
-void post(NotificationName name, const TaskPtr &task)
+void tellOfChange(const TaskPtr &task)
 {
-    NotificationCenter::defaultCenter().post(name, task);
+    NotificationCenter::defaultCenter().post(notifications::taskChange, task);
 }
 
 /// One rule of the dates: when it applies, and what it says then.
@@ -25,7 +28,6 @@ struct DateRule
     bool (*applies)(const MVTask &);
     const char16_t *title;
     const char16_t *message;
-    NotificationName notification;
 };
 
 /// Whether the copy has neither a due date nor the promise to be done some day.
@@ -42,28 +44,27 @@ bool isSameMinute(const MVTask &task)
 
 constexpr DateRule dateRules[] = {
     {[](const MVTask &task) { return task.startDate && task.dueDate && *task.dueDate < *task.startDate; },
-     u"Invalid Due Date", u"Due Date can't be less than Start Date!", notifications::reloadTasks},
+     u"Invalid Due Date", u"Due Date can't be less than Start Date!"},
     {[](const MVTask &task) { return task.isAppointment() && !task.startDate; }, u"Invalid Start Date",
-     u"Since task type is Appointment - Start Date can't be empty!", notifications::taskChange},
+     u"Since task type is Appointment - Start Date can't be empty!"},
     {[](const MVTask &task) { return task.isAppointment() && lacksDueDate(task); }, u"Invalid Due Date",
-     u"Since task type is Appointment - Due Date can't be empty!", notifications::taskChange},
+     u"Since task type is Appointment - Due Date can't be empty!"},
     {[](const MVTask &task) { return task.isAppointment() && isSameMinute(task); }, u"Invalid Date",
-     u"Due Date can't be the same as Start Date!", notifications::taskChange},
+     u"Due Date can't be the same as Start Date!"},
     {[](const MVTask &task) { return task.isEmailCall() && lacksDueDate(task); }, u"Invalid Start Date",
-     u"Since task type is Email/Call - Start Date can't be empty!", notifications::taskChange},
+     u"Since task type is Email/Call - Start Date can't be empty!"},
     {[](const MVTask &task) { return task.isToDo() && task.startDate && lacksDueDate(task); },
      u"Invalid Due Date",
-     u"Since task type is ToDo and Start Date is not empty - Due Date can't be empty too!",
-     notifications::taskChange},
+     u"Since task type is ToDo and Start Date is not empty - Due Date can't be empty too!"},
 };
 
-bool meetsDateRules(const MVTask &task)
+bool meetsDateRules(RecordsTransaction &transaction, const MVTask &task)
 {
     for (const DateRule &rule : dateRules) {
         if (!rule.applies(task))
             continue;
-        Functional::messageAlertWithTitle(QString::fromUtf16(rule.title), QString::fromUtf16(rule.message));
-        post(rule.notification, task.task());
+        transaction.tell(QString::fromUtf16(rule.title), QString::fromUtf16(rule.message));
+        tellOfChange(task.task());
         return false;
     }
     return true;
@@ -115,28 +116,31 @@ void followRow(MVTask &task, const TaskPtr &row)
         task.moveToRow(row);
 }
 
-void saveSingle(MVTask &task, OptionalDate oldDate)
+void saveSingle(RecordsTransaction &transaction, MVTask &task, OptionalDate oldDate)
 {
     task.save();
     if (isOffCalendar(task))
-        followRow(task, CalendarEvent::removeEventCalendarFromTask(task.task(), Span::FutureTasks, false));
+        followRow(task, CalendarEvent::removeEventCalendarFromTask(transaction, task.task(),
+                                                                   Span::FutureTasks, false));
     else
-        CalendarEvent::initEventCalendarFromTask(*task.task(), Span::FutureTasks, oldDate, false);
-    post(notifications::taskChange, task.task());
+        CalendarEvent::initEventCalendarFromTask(transaction, *task.task(), Span::FutureTasks, oldDate,
+                                                 false);
+    tellOfChange(task.task());
 }
 
 /// False if the user gives it up.
-bool saveMemberOfSeries(MVTask &task, OptionalDate oldDate)
+bool saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalDate oldDate)
 {
     const QStringList buttons = {localized(QStringLiteral("Save This Task Only")),
                                  localized(QStringLiteral("Save All Future Tasks")),
                                  localized(QStringLiteral("Cancel"))};
-    const int answer = Alert::run({{}, localized(QStringLiteral("This is a repeating task.")), {}, buttons});
+    const int answer =
+        transaction.ask({{}, localized(QStringLiteral("This is a repeating task.")), {}, buttons});
     if (answer != Alert::firstButton && answer != Alert::secondButton)
         return false;
     task.save();
     const Span span = answer == Alert::firstButton ? Span::ThisTask : Span::FutureTasks;
-    followRow(task, TaskManager::saveWithDate(oldDate, task.task(), span, true));
+    followRow(task, TaskManager::saveWithDate(transaction, oldDate, task.task(), span, true));
     return true;
 }
 
@@ -149,37 +153,88 @@ void replaceNotifications(const EntityTask &task)
             std::move(notifications));
 }
 
-bool commit(const MVTask &task)
+/// What is said where the dates of a task leave those of its project.
+struct EnvelopeRule
 {
-    if (auto error = DBWorker::saveContext()) {
-        Log::line(QStringLiteral("Can't Save Task! %1 %2").arg(error->message, error->domain));
+    int result;
+    const char16_t *title;
+    const char16_t *message;
+};
+
+constexpr EnvelopeRule envelopeRules[] = {
+    {1, u"Invalid Start Date", u"Start Date can't be less than project Start Date!"},
+    {2, u"Invalid Start Date", u"Start Date can't be more than project Due Date!"},
+    {3, u"Invalid Due Date", u"Due Date can't be less than project Start Date!"},
+    {4, u"Invalid Due Date", u"Due Date can't be more than project Due Date!"},
+};
+
+/// Null if the task lies within its project.
+const EnvelopeRule *brokenEnvelopeRule(OptionalDate projectStart, OptionalDate projectDue,
+                                       OptionalDate taskStart, OptionalDate taskDue)
+{
+    const OptionalDate end = projectDue ? OptionalDate(MTDates::endOfCurrentDay(*projectDue)) : std::nullopt;
+    const int result = Functional::dateValidationsMainStartDate(projectStart, end, taskStart, taskDue);
+    const auto *found = std::ranges::find(envelopeRules, result, &EnvelopeRule::result);
+    return found == std::end(envelopeRules) ? nullptr : found;
+}
+
+bool leavesProject(RecordsTransaction &transaction, const MVTask &task)
+{
+    if (!task.project)
         return false;
-    }
-    if (!CalendarEvent::hasAccesToCalendar() && task.task())
-        replaceNotifications(*task.task());
+    const EnvelopeRule *broken =
+        brokenEnvelopeRule(task.project->startDate(), task.project->dueDate(), task.startDate, task.dueDate);
+    if (!broken)
+        return false;
+    transaction.tell(QString::fromUtf16(broken->title), QString::fromUtf16(broken->message));
+    tellOfChange(task.task());
     return true;
 }
 
-bool leavesProject(const MVTask &task)
+/// The copy holds what the store now holds, and who shows the task hears of it.
+void finish(MVTask &task)
 {
-    if (!task.project || !TaskManager::incorrectTaskTimeMessageProjectStartDate(task.project->startDate(),
-                                                                                task.project->dueDate(),
-                                                                                task.startDate, task.dueDate))
-        return false;
-    post(notifications::taskChange, task.task());
-    return true;
+    if (task.isNewTask())
+        NotificationCenter::defaultCenter().post(notifications::coreDataAddNewTask);
+    task.setTaskValues();
+    tellOfChange(task.task());
 }
 
 } // namespace
 
 bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
 {
+    RecordsTransaction transaction(task.title.trimmed());
+    if (!saveTaskTemp(transaction, task))
+        return false;
+    if (autoSave || !CalendarEvent::hasAccesToCalendar())
+        return commit(transaction, task);
+    transaction.settle();
+    finish(task);
+    return true;
+}
+
+bool TaskManager::commit(RecordsTransaction &transaction, MVTask &task)
+{
+    if (auto error = transaction.commit()) {
+        DBWorker::tellOfFailure(error);
+        Log::line(QStringLiteral("Can't Save Task! %1 %2").arg(error->message, error->domain));
+        return false;
+    }
+    if (!CalendarEvent::hasAccesToCalendar() && task.task())
+        replaceNotifications(*task.task());
+    finish(task);
+    return true;
+}
+
+bool TaskManager::saveTaskTemp(RecordsTransaction &transaction, MVTask &task)
+{
     if (hasLostRow(task)) {
         Log::line(QStringLiteral("Can't Save Task! It was deleted."));
         return false;
     }
     prepareFields(task);
-    if (!meetsDateRules(task) || leavesProject(task))
+    if (!meetsDateRules(transaction, task) || leavesProject(transaction, task))
         return false;
     const bool isDelegateNew = joinDelegateToProject(task);
     const TaskPtr row = task.task();
@@ -187,38 +242,19 @@ bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
     const bool wasEmailCall = row && row->type() == TaskType::EmailCall;
     const OptionalDate oldDate = !row ? std::nullopt : wasEmailCall ? row->dueDate() : row->startDate();
     if (!isMemberOfSeries)
-        saveSingle(task, oldDate);
-    else if (!saveMemberOfSeries(task, oldDate) && isDelegateNew)
+        saveSingle(transaction, task, oldDate);
+    else if (!saveMemberOfSeries(transaction, task, oldDate) && isDelegateNew)
         task.project->removeRelated("delegateToUser", task.delegateToUser);
-    if ((autoSave || !CalendarEvent::hasAccesToCalendar()) && !commit(task))
-        return false;
-    if (task.isNewTask())
-        NotificationCenter::defaultCenter().post(notifications::coreDataAddNewTask);
-    task.setTaskValues();
-    post(notifications::taskChange, task.task());
     return true;
 }
 
-TaskPtr TaskManager::saveWithDate(OptionalDate date, const TaskPtr &task, Span span, bool wasRepeat)
+TaskPtr TaskManager::saveWithDate(RecordsTransaction &transaction, OptionalDate date, const TaskPtr &task,
+                                  Span span, bool wasRepeat)
 {
-    TaskPtr row = task;
     if (isOffCalendar(*task))
-        row = CalendarEvent::removeEventCalendarFromTask(task, span, false);
-    else
-        CalendarEvent::initEventCalendarFromTask(*task, span, date, wasRepeat);
-    post(notifications::reloadTasks, row ? row : task);
-    return row;
-}
-
-void TaskManager::saveActionWithDate(OptionalDate date, Span span, const MVTask &task, bool wasRepeat)
-{
-    if (!task.task())
-        return;
-    if (isOffCalendar(task))
-        CalendarEvent::removeEventCalendarFromTask(task.task(), span, false);
-    else
-        CalendarEvent::initEventCalendarFromTask(*task.task(), span, date, wasRepeat);
-    post(notifications::reloadTasks, task.task());
+        return CalendarEvent::removeEventCalendarFromTask(transaction, task, span, false);
+    CalendarEvent::initEventCalendarFromTask(transaction, *task, span, date, wasRepeat);
+    return task;
 }
 
 bool TaskManager::incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate,
@@ -226,28 +262,10 @@ bool TaskManager::incorrectTaskTimeMessageProjectStartDate(OptionalDate projectS
                                                            OptionalDate taskStartDate,
                                                            OptionalDate taskDueDate)
 {
-    const OptionalDate projectEnd =
-        projectDueDate ? OptionalDate(MTDates::endOfCurrentDay(*projectDueDate)) : std::nullopt;
-    switch (
-        Functional::dateValidationsMainStartDate(projectStartDate, projectEnd, taskStartDate, taskDueDate)) {
-    case 1:
-        Functional::messageAlertWithTitle(
-            QStringLiteral("Invalid Start Date"),
-            QStringLiteral("Start Date can't be less than project Start Date!"));
-        return true;
-    case 2:
-        Functional::messageAlertWithTitle(QStringLiteral("Invalid Start Date"),
-                                          QStringLiteral("Start Date can't be more than project Due Date!"));
-        return true;
-    case 3:
-        Functional::messageAlertWithTitle(QStringLiteral("Invalid Due Date"),
-                                          QStringLiteral("Due Date can't be less than project Start Date!"));
-        return true;
-    case 4:
-        Functional::messageAlertWithTitle(QStringLiteral("Invalid Due Date"),
-                                          QStringLiteral("Due Date can't be more than project Due Date!"));
-        return true;
-    default:
-        return false;
-    }
+    const EnvelopeRule *broken =
+        brokenEnvelopeRule(projectStartDate, projectDueDate, taskStartDate, taskDueDate);
+    if (broken)
+        Functional::messageAlertWithTitle(QString::fromUtf16(broken->title),
+                                          QString::fromUtf16(broken->message));
+    return broken;
 }

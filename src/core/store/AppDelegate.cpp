@@ -1,4 +1,5 @@
 #include "store/AppDelegate.h"
+#include "store/CommitRoad.h"
 
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/Reminder.h"
@@ -39,6 +40,7 @@ ManagedObjectContext &mainContext()
 
 AppDelegate::AppDelegate(std::unique_ptr<ShellPort> shellPort)
     : shell(std::move(shellPort))
+    , road(std::make_unique<CommitRoad>())
 {
     runningDelegate = this;
 }
@@ -75,10 +77,8 @@ ManagedObjectContext &AppDelegate::managedObjectContext()
 {
     const int stack = selectedStack();
     auto &context = contexts[static_cast<size_t>(stack)];
-    if (!context) {
+    if (!context)
         context = openStore(storeFileName(stack));
-        finishIndexOfUncleanEnd();
-    }
     return *context;
 }
 
@@ -101,9 +101,7 @@ std::unique_ptr<ManagedObjectContext> AppDelegate::openStore(const QString &file
         endForStore(path, opened.error());
     ManagedObjectContext *context = opened->get();
     context->setMergePolicy(MergePolicy::PropertyObjectTrump);
-    context->setSaveHandler([context](const ChangeList &changes) {
-        NotificationCenter::defaultCenter().post(notifications::contextDidSave, context, changes);
-    });
+    context->setCommitEffects(road.get());
     return std::move(*opened);
 }
 
@@ -181,5 +179,5 @@ void AppDelegate::reloadCalendarSetting()
 void AppDelegate::userNotificationCenterDidActivateNotification(const QString &taskId)
 {
     if (const auto task = std::dynamic_pointer_cast<EntityTask>(DBWorker::getObjectFromId(taskId)))
-        NotificationCenter::defaultCenter().post(notifications::clickTableSearch, ObjectPtr(task));
+        NotificationCenter::defaultCenter().post(notifications::clickTableSearch, task);
 }

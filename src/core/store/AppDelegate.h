@@ -14,6 +14,7 @@
 #include <memory>
 #include <vector>
 
+class CommitRoad;
 class IcloudManager;
 class Reminder;
 
@@ -88,12 +89,12 @@ public:
     void reloadCalendarSetting();
 
     // What follows a change of the store.
-    void managedObjectContexLocalChangeData(const ChangeList &changes);
-    void mergeChanges(const ChangeList &imported);
+    /// What follows a commit of the store in use, after the calendars: badge and screens.
+    void managedObjectContexLocalChangeData(const StoreChanges &changes);
+    /// Records came in from another device: they are found by the search, and what is there twice goes.
+    void mergeChanges(const StoreChanges &imported);
     void storesPersistentDidChange();
     void persistentStoreUbiquitousContentNameKey();
-    /// The next save only reorders the Inbox: neither index nor badge follow it.
-    void positionInboxTask();
 
     // Rows that exist twice.
     void deleteDuplicateCategoryWith(const CategoryPtr &category);
@@ -121,19 +122,17 @@ private:
     /// in different places, and tells whether a pass may go ahead.
     static bool examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud);
     void removeDuplicatesOf(const ObjectPtr &object);
-    /// Brings the search index up to date with saves whose follow-up a crash cut off.
-    void finishIndexOfUncleanEnd();
     /// Brings the index of substrings up to date, a little at each turn.
     void tendSearchIndexSoon();
 
     std::unique_ptr<ShellPort> shell;
+    std::unique_ptr<CommitRoad> road;
     /// The user's own store and the sample store.
     std::array<std::unique_ptr<ManagedObjectContext>, 2> contexts;
     DataConteiner container;
     std::unique_ptr<IcloudManager> cloud;
     std::unique_ptr<Reminder> reminders;
     bool isInFront = false;
-    bool isPositionInbox = false;
     std::vector<Observation> observations;
     std::unique_ptr<RepeatingTimer> badgeTimer;
     /// Whether the badge is to be brought up to date when the main loop comes round.

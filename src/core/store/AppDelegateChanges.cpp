@@ -10,61 +10,14 @@ namespace {
 /// Long enough not to come between the steps of one action.
 constexpr Seconds restAfterSaves{0.3};
 
-bool isTask(const ObjectPtr &object)
-{
-    return object->entity().name() == EntityTask::entityName;
-}
-
 } // namespace
 
-void AppDelegate::positionInboxTask()
+void AppDelegate::managedObjectContexLocalChangeData(const StoreChanges &changes)
 {
-    isPositionInbox = true;
-    managedObjectContext().skipNextFollowUp();
-}
-
-void AppDelegate::managedObjectContexLocalChangeData(const ChangeList &changes)
-{
-    if (isPositionInbox) {
-        isPositionInbox = false;
-        return;
-    }
-    int tasks = 0;
-    {
-        const AuthorScope indexing(managedObjectContext(), ChangeAuthor::Program);
-        for (const ObjectPtr &object : changes.inserted) {
-            SearchIndex::addIndexWithObject(object);
-            tasks += isTask(object);
-        }
-        for (const ObjectPtr &object : changes.deleted) {
-            SearchIndex::deleteIndexWithObjects(object);
-            tasks += isTask(object);
-        }
-        for (const ObjectPtr &object : changes.updated) {
-            SearchIndex::updateIndexWithObject(object);
-            tasks += isTask(object);
-        }
-        managedObjectContext().finishFollowUps();
-        if (tasks != 0)
-            badgeUpdataSoon();
-        if (!changes.isEmpty())
-            DBWorker::saveContext();
-    }
+    if (changes.concerns(EntityTask::entityName))
+        badgeUpdataSoon();
     tendSearchIndexSoon();
-    isPositionInbox = false;
-}
-
-void AppDelegate::finishIndexOfUncleanEnd()
-{
-    ManagedObjectContext &context = managedObjectContext();
-    const std::vector<ObjectPtr> unfinished = context.unfinishedFollowUps();
-    if (unfinished.empty())
-        return;
-    const AuthorScope indexing(context, ChangeAuthor::Program);
-    for (const ObjectPtr &object : unfinished)
-        SearchIndex::updateIndexWithObject(object);
-    context.finishFollowUps();
-    DBWorker::saveContext();
+    NotificationCenter::defaultCenter().post(notifications::contextDidSave, changes);
 }
 
 void AppDelegate::tendSearchIndexSoon()
@@ -79,22 +32,15 @@ void AppDelegate::tendSearchIndexSoon()
     });
 }
 
-void AppDelegate::mergeChanges(const ChangeList &imported)
+void AppDelegate::mergeChanges(const StoreChanges &imported)
 {
-    for (const ObjectPtr &object : imported.deleted)
-        SearchIndex::deleteIndexWithObjects(object);
-    for (const ObjectPtr &object : imported.updated)
-        SearchIndex::updateIndexWithObject(object);
-    if (imported.inserted.empty()) {
-        DBWorker::saveContext();
-        return;
-    }
-    for (const ObjectPtr &object : imported.inserted) {
-        SearchIndex::addIndexWithObject(object);
+    Transaction merge(managedObjectContext(), ChangeAuthor::Replication);
+    SearchIndex::follow(imported);
+    for (const ObjectPtr &object : imported.inserted)
         removeDuplicatesOf(object);
-    }
-    DBWorker::saveContext();
-    badgeUpdata();
+    DBWorker::tellOfFailure(merge.commit());
+    if (!imported.inserted.empty())
+        badgeUpdata();
 }
 
 void AppDelegate::removeDuplicatesOf(const ObjectPtr &object)

@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarOutbox.h"
 #include "cloud/CloudUserDefaults.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
@@ -21,6 +22,8 @@
 namespace {
 
 constexpr Seconds badgeInterval{60.0};
+/// What is left of the calendars' outbox then is carried out at the next start.
+constexpr Seconds patienceAtQuit{3.0};
 
 const QString yes = QStringLiteral("YES");
 const QString no = QStringLiteral("NO");
@@ -41,13 +44,13 @@ void AppDelegate::applicationWillFinishLaunching()
     getAccsesToContact();
     FileManager::createAppFolder();
     startMainWindow();
-    isPositionInbox = false;
     StartWindowController::startValueUserDefaults();
-    const AuthorScope cleaning(managedObjectContext(), ChangeAuthor::Program);
+    Transaction cleaning(managedObjectContext(), ChangeAuthor::Program);
     for (const CategoryPtr &category : DBWorker::allCategories()) {
         if (category->context() && !category->isDeleted())
             deleteDuplicateCategoryWith(category);
     }
+    DBWorker::tellOfFailure(cleaning.commit());
 }
 
 void AppDelegate::getAccsesToContact()
@@ -108,16 +111,8 @@ void AppDelegate::startUserNotifications(std::unique_ptr<NotificationPresenter> 
 void AppDelegate::registerObservers()
 {
     NotificationCenter &center = NotificationCenter::defaultCenter();
-    observations.push_back(center.addObserver(notifications::positionInboxTask,
-                                              [this](const Notification &) { positionInboxTask(); }));
-    observations.push_back(center.addObserver(notifications::preferences,
-                                              [this](const Notification &) { reloadCalendarSetting(); }));
     observations.push_back(
-        center.addObserver(notifications::contextDidSave, [this](const Notification &notification) {
-            managedObjectContexLocalChangeData(std::any_cast<const ChangeList &>(notification.userInfo));
-        }));
-    // Changes of the calendars are picked up on activation.
-    observations.push_back(center.addObserver(notifications::eventStoreChanged, [](const Notification &) {}));
+        center.addObserver(notifications::preferences, [this] { reloadCalendarSetting(); }));
 }
 
 void AppDelegate::applicationDidResignActive()
@@ -137,7 +132,7 @@ void AppDelegate::applicationDidResignActive()
         }
     }
     badgeUpdata();
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
 }
 
 bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud)
@@ -177,6 +172,7 @@ void AppDelegate::applicationDidBecomeActive()
     const bool hasCalendar = CalendarEvent::hasAccesToAppleCalendar();
     if (hasCalendar) {
         CalendarEvent::refreshSourcesIfNecessary();
+        CalendarOutbox::carryOut(managedObjectContext());
         CalendarEvent::handleChangedCalendars();
     }
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCALENDAR").arg(yesOrNo(hasCalendar)));
@@ -192,7 +188,7 @@ void AppDelegate::applicationDidBecomeActive()
     if (!goesAhead && version() == QStringLiteral("3.0"))
         CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(true);
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     defaults.setObject(settings::applicationDidBecomeActive, yes);
     defaults.synchronize();
 }
@@ -224,6 +220,7 @@ AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
 
 void AppDelegate::applicationWillTerminate()
 {
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
+    CalendarOutbox::carryOutFor(managedObjectContext(), patienceAtQuit);
     UserDefaults::standard().synchronize();
 }

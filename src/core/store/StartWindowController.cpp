@@ -123,11 +123,11 @@ void StartWindowController::startValueUserDefaults()
     if (!defaults.contains(settings::firstRun))
         defaults.setObject(settings::firstRun, QVariant::fromValue(MVDate::date()));
     {
-        const AuthorScope seeding(mainContext(), ChangeAuthor::Program);
+        Transaction seeding(mainContext(), ChangeAuthor::Program);
         saveCustomType();
         saveCustomCategory();
         saveCustomCategoryContacts();
-        DBWorker::saveContext();
+        DBWorker::tellOfFailure(seeding.commit());
     }
     filters::seedDefaults();
     defaults.synchronize();

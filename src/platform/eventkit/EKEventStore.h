@@ -19,7 +19,7 @@ struct StoredItem;
 
 /// Posted on the default center after somebody else, not a store of this process, has changed calendars or
 /// what is in them.
-inline constexpr NotificationName EKEventStoreChangedNotification{u"EKEventStoreChangedNotification"};
+inline constexpr NotificationName<> EKEventStoreChangedNotification{u"EKEventStoreChangedNotification"};
 
 /// How far a change of one occurrence of a series goes.
 enum class EKSpan { ThisEvent = 0, FutureEvents = 1 };

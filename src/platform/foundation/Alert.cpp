@@ -1,6 +1,5 @@
 #include "foundation/Alert.h"
 
-#include "foundation/AlertsOnce.h"
 #include "foundation/Log.h"
 
 #include <algorithm>
@@ -46,41 +45,4 @@ bool Alert::isAsking()
 void Alert::setPresenter(std::shared_ptr<AlertPresenter> presenter)
 {
     currentPresenter() = std::move(presenter);
-}
-
-namespace {
-
-/// Keeps the answers that another presenter got.
-class RememberingPresenter : public AlertPresenter
-{
-public:
-    explicit RememberingPresenter(std::shared_ptr<AlertPresenter> askingPresenter)
-        : asking(std::move(askingPresenter))
-    {}
-
-    int present(const AlertQuestion &question) override
-    {
-        for (const auto &[asked, answer] : answers) {
-            if (asked == question)
-                return answer;
-        }
-        return answers.emplace_back(question, ask(asking, question)).second;
-    }
-
-private:
-    std::shared_ptr<AlertPresenter> asking;
-    std::vector<std::pair<AlertQuestion, int>> answers;
-};
-
-} // namespace
-
-AlertsOnce::AlertsOnce()
-    : former(currentPresenter())
-{
-    Alert::setPresenter(std::make_shared<RememberingPresenter>(former));
-}
-
-AlertsOnce::~AlertsOnce()
-{
-    Alert::setPresenter(former);
 }

@@ -7,7 +7,8 @@
 
 struct Observation::Observer
 {
-    NotificationName name;
+    QString name;
+    std::type_index type;
     NotificationCenter::Block block;
     std::weak_ptr<NotificationCenter::Registry> registry;
     bool isRegistered = true;
@@ -19,7 +20,7 @@ struct NotificationCenter::Registry
 
     void remove(const std::shared_ptr<Observation::Observer> &observer)
     {
-        std::erase(observers[observer->name.toString()], observer);
+        std::erase(observers[observer->name], observer);
     }
 };
 
@@ -64,20 +65,19 @@ NotificationCenter::NotificationCenter()
 {}
 NotificationCenter::~NotificationCenter() = default;
 
-Observation NotificationCenter::addObserver(NotificationName name, Block block)
+Observation NotificationCenter::add(const QString &name, std::type_index type, Block block)
 {
-    const Observation::Observer entry{name, std::move(block), registry};
+    const Observation::Observer entry{name, type, std::move(block), registry};
     auto observer = std::make_shared<Observation::Observer>(entry);
-    registry->observers[name.toString()].push_back(observer);
+    registry->observers[name].push_back(observer);
     return Observation(std::move(observer));
 }
 
-void NotificationCenter::post(NotificationName name, std::any object, std::any userInfo)
+void NotificationCenter::tell(const QString &name, std::type_index type, const void *subject)
 {
     // The copy holds each observer for as long as its block runs, whatever the block does to the list.
-    const auto observers = registry->observers.value(name.toString());
-    const Notification notification{name, std::move(object), std::move(userInfo)};
+    const auto observers = registry->observers.value(name);
     for (const auto &observer : observers)
-        if (observer->isRegistered)
-            observer->block(notification);
+        if (observer->isRegistered && observer->type == type)
+            observer->block(subject);
 }

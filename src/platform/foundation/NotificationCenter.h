@@ -3,13 +3,16 @@
 #include <QString>
 #include <QStringView>
 
-#include <any>
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <type_traits>
+#include <typeindex>
 
-/// The name of a notification. Made from a literal only, so that names are declared once, as constants:
-/// `inline constexpr NotificationName taskChange{u"TaskChange"};`
+/// The name of a notification, and the type of what it tells. Made from a literal only, so that names are
+/// declared once, as constants: `inline constexpr NotificationName<TaskPtr> taskChange{u"TaskChange"};`
+/// One that tells nothing but that it happened is a `NotificationName<>`.
+template <typename Subject = void>
 class NotificationName
 {
 public:
@@ -25,14 +28,6 @@ public:
 
 private:
     QStringView name;
-};
-
-struct Notification
-{
-    NotificationName name;
-    /// Whom the notification is about; empty if about nobody in particular.
-    std::any object;
-    std::any userInfo;
 };
 
 /// Keeps an observer registered; the observer is forgotten when this goes out of scope.
@@ -65,8 +60,6 @@ private:
 class NotificationCenter
 {
 public:
-    using Block = std::function<void(const Notification &)>;
-
     static NotificationCenter &defaultCenter();
 
     NotificationCenter();
@@ -74,13 +67,34 @@ public:
     NotificationCenter(const NotificationCenter &) = delete;
     NotificationCenter &operator=(const NotificationCenter &) = delete;
 
-    /// Calls `block` at each post of that name for as long as the answer lives.
-    Observation addObserver(NotificationName name, Block block);
+    /// Calls `block` with the subject at each post of that name for as long as the answer lives.
+    template <typename Subject>
+    Observation addObserver(NotificationName<Subject> name,
+                            std::type_identity_t<std::function<void(const Subject &)>> block)
+    {
+        return add(name.toString(), typeid(Subject), [block = std::move(block)](const void *subject) {
+            block(*static_cast<const Subject *>(subject));
+        });
+    }
+    Observation addObserver(NotificationName<> name, std::function<void()> block)
+    {
+        return add(name.toString(), typeid(void), [block = std::move(block)](const void *) { block(); });
+    }
 
-    void post(NotificationName name, std::any object = {}, std::any userInfo = {});
+    template <typename Subject>
+    void post(NotificationName<Subject> name, const std::type_identity_t<Subject> &subject)
+    {
+        tell(name.toString(), typeid(Subject), &subject);
+    }
+    void post(NotificationName<> name) { tell(name.toString(), typeid(void), nullptr); }
 
 private:
     friend class Observation;
     struct Registry;
+    using Block = std::function<void(const void *subject)>;
+
+    Observation add(const QString &name, std::type_index type, Block block);
+    void tell(const QString &name, std::type_index type, const void *subject);
+
     std::shared_ptr<Registry> registry;
 };

@@ -37,53 +37,33 @@ void ChangeJournal::startCapture()
     sqlite3session_attach(started, nullptr);
 }
 
-void ChangeJournal::pauseCapture()
-{
-    int size = 0;
-    void *bytes = nullptr;
-    if (session && sqlite3session_changeset(session.get(), &size, &bytes) == SQLITE_OK && size > 0)
-        captured.emplace_back(static_cast<const char *>(bytes), size);
-    sqlite3_free(bytes);
-    session.reset();
-}
-
 void ChangeJournal::stopCapture()
 {
     session.reset();
-    captured.clear();
 }
 
 QByteArray ChangeJournal::capturedChangeset()
 {
-    pauseCapture();
-    if (captured.size() < 2)
-        return captured.empty() ? QByteArray() : captured.front();
-    sqlite3_changegroup *group = nullptr;
-    if (sqlite3changegroup_new(&group) != SQLITE_OK)
-        return {};
     int size = 0;
     void *bytes = nullptr;
-    const bool isJoined = std::all_of(captured.begin(), captured.end(),
-                                      [group](QByteArray &one) {
-                                          return sqlite3changegroup_add(group, static_cast<int>(one.size()),
-                                                                        one.data()) == SQLITE_OK;
-                                      }) &&
-                          sqlite3changegroup_output(group, &size, &bytes) == SQLITE_OK;
-    const QByteArray changeset = isJoined ? QByteArray(static_cast<const char *>(bytes), size) : QByteArray();
+    QByteArray changeset;
+    if (session && sqlite3session_changeset(session.get(), &size, &bytes) == SQLITE_OK && size > 0)
+        changeset = QByteArray(static_cast<const char *>(bytes), size);
     sqlite3_free(bytes);
-    sqlite3changegroup_delete(group);
+    session.reset();
     return changeset;
 }
 
-OptionalError ChangeJournal::record()
+OptionalError ChangeJournal::record(const QString &name, const std::vector<OutboxEntry> &outside)
 {
     const QByteArray changeset = capturedChangeset();
-    if (changeset.isEmpty())
+    if (changeset.isEmpty() && outside.empty())
         return std::nullopt;
-    sqlite::Statement added =
-        database.prepare("INSERT INTO ObjectStoreJournal (savedAt, isUndone, changeset) VALUES (?, 0, ?)");
-    const bool isRecorded =
-        dropUndone() && trim() && added.bind(Value(Clock::now())).bindBlob(changeset).run();
+    sqlite::Statement added = database.prepare("INSERT INTO ObjectStoreJournal (savedAt, isUndone, "
+                                               "changeset, name, outside) VALUES (?, 0, ?, ?, ?)");
+    added.bind(Value(Clock::now())).bindBlob(changeset.isNull() ? QByteArray("") : changeset);
+    added.bind(name.isEmpty() ? Value() : Value(name)).bindBlob(outbox::toBytes(outside));
+    const bool isRecorded = dropUndone() && trim() && added.run();
     return isRecorded ? std::nullopt
                       : OptionalError(database.lastError(QStringLiteral("Cannot keep the undo journal")));
 }
@@ -128,22 +108,39 @@ bool ChangeJournal::hasEntry(Direction direction)
     return entry.step() && entry.integer(1) != 0;
 }
 
-Result<std::vector<AppliedChange>> ChangeJournal::apply(Direction direction, const RowNumbering &nextRow)
+QString ChangeJournal::nameOf(Direction direction)
+{
+    sqlite::Statement entry = nextEntry(direction);
+    if (!entry.step() || entry.integer(1) == 0)
+        return {};
+    sqlite::Statement named = database.prepare("SELECT name FROM ObjectStoreJournal WHERE sequence = ?");
+    return named.bind(entry.integer(0)).step() ? named.text(0) : QString();
+}
+
+Result<AppliedEntry> ChangeJournal::apply(Direction direction, const RowNumbering &nextRow)
 {
     const bool isUndo = direction == Direction::Undo;
     sqlite::Statement entry = nextEntry(direction);
     if (!entry.step() || entry.integer(1) == 0)
-        return std::vector<AppliedChange>();
+        return AppliedEntry();
     const qint64 sequence = entry.integer(0);
     entry.reset();
     sqlite::Statement content =
-        database.prepare("SELECT changeset FROM ObjectStoreJournal WHERE sequence = ?");
-    const QByteArray changeset = content.bind(sequence).step() ? content.blob(0) : QByteArray();
+        database.prepare("SELECT changeset, outside FROM ObjectStoreJournal WHERE sequence = ?");
+    const bool isThere = content.bind(sequence).step();
+    const QByteArray changeset = isThere ? content.blob(0) : QByteArray();
+    std::vector<OutboxEntry> outside = outbox::fromBytes(isThere ? content.blob(1) : QByteArray());
     content.reset();
-    auto applied = ChangesetApplier(database, objectModel, nextRow).apply(changeset, isUndo);
+    auto rows = ChangesetApplier(database, objectModel, nextRow).apply(changeset, isUndo);
+    if (!rows)
+        return rows.error();
     sqlite::Statement marked =
         database.prepare("UPDATE ObjectStoreJournal SET isUndone = ? WHERE sequence = ?");
-    if (applied && !marked.bind(Value(isUndo)).bind(sequence).run())
+    if (!marked.bind(Value(isUndo)).bind(sequence).run())
         return database.lastError(QStringLiteral("Cannot mark the undo journal"));
-    return applied;
+    if (isUndo)
+        outside = outbox::inverted(outside);
+    for (OutboxEntry &one : outside)
+        one.yields = true;
+    return AppliedEntry{std::move(rows.value()), std::move(outside)};
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "objectstore/ManagedObject.h"
 #include "objectstore/ManagedObjectModel.h"
+#include "objectstore/Outbox.h"
 #include "objectstore/Sqlite.h"
 
 #include <memory>
@@ -22,6 +24,15 @@ struct AppliedChange
     const EntityDescription *entity;
     QString identifier;
     Kind kind;
+    /// Of an updated row.
+    ManagedObject::ColumnSet columns = {};
+};
+
+/// What a step did: to the store, and what it asks for outside of it.
+struct AppliedEntry
+{
+    std::vector<AppliedChange> rows;
+    std::vector<OutboxEntry> outside;
 };
 
 /// The changesets of the user's saves, kept in the store: what undo and redo work from.
@@ -42,17 +53,18 @@ public:
 
     /// Watches the open transaction from here on.
     void startCapture();
-    /// Keeps what was captured so far, and watches no further until the next start.
-    void pauseCapture();
     /// Forgets what was captured.
     void stopCapture();
-    /// Adds what was captured as an entry, inside the transaction. A capture without a net change adds none.
-    OptionalError record();
+    /// Adds what was captured as an entry, inside the transaction, with what goes with it outside of the
+    /// store. Without a net change of either it adds none.
+    OptionalError record(const QString &name, const std::vector<OutboxEntry> &outside);
 
     bool hasEntry(Direction direction);
+    /// What the user did in the step that would be applied; empty if it has no name.
+    QString nameOf(Direction direction);
     /// Applies the newest entry backwards, or the oldest undone one forwards, inside the open transaction,
     /// and marks it. A field whose value is no longer the one that the entry left is not touched.
-    Result<std::vector<AppliedChange>> apply(Direction direction, const RowNumbering &nextRow);
+    Result<AppliedEntry> apply(Direction direction, const RowNumbering &nextRow);
 
 private:
     struct SessionDeleter
@@ -68,6 +80,4 @@ private:
     sqlite::Database &database;
     const ManagedObjectModel &objectModel;
     std::unique_ptr<sqlite3_session, SessionDeleter> session;
-    /// Of stretches of the transaction that were watched before.
-    std::vector<QByteArray> captured;
 };

@@ -52,6 +52,8 @@ const std::vector<QByteArray> &ChangesetApplier::columnsOf(const QByteArray &tab
 
 Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &changeset, bool isInverted)
 {
+    if (changeset.isEmpty())
+        return applied;
     const Error failure{QStringLiteral("journal"), 0, QStringLiteral("The undo journal cannot be read")};
     int size = static_cast<int>(changeset.size());
     void *bytes = nullptr;
@@ -79,7 +81,7 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
             return database.lastError(
                 QStringLiteral("Cannot change %1").arg(QString::fromUtf8(operation.table)));
     }
-    if (!deleteMarked() || !clearDanglingReferences() || !writeFollowUps())
+    if (!deleteMarked() || !clearDanglingReferences())
         return database.lastError(QStringLiteral("Cannot finish the change"));
     return applied;
 }
@@ -105,13 +107,15 @@ int ChangesetApplier::keyColumn(const Operation &operation)
     return found == columns.end() ? 0 : static_cast<int>(found - columns.begin());
 }
 
-void ChangesetApplier::note(const Operation &operation, AppliedChange::Kind kind)
+void ChangesetApplier::note(const Operation &operation, AppliedChange::Kind kind,
+                            ManagedObject::ColumnSet columns)
 {
     const int column = keyColumn(operation);
     const QString id = textOf(operation.kind == SQLITE_INSERT ? newValue(operation.iterator, column)
                                                               : oldValue(operation.iterator, column));
     // A pair of a many-to-many relationship is a change of the object that owns it.
-    applied.push_back({operation.entity, id, operation.isPair ? AppliedChange::Kind::Updated : kind});
+    applied.push_back(
+        {operation.entity, id, operation.isPair ? AppliedChange::Kind::Updated : kind, columns});
     noteTargets(operation);
 }
 
@@ -125,7 +129,7 @@ void ChangesetApplier::noteTargets(const Operation &operation)
             operation.isPair ? pairOf(operation, name)
                              : operation.entity->relationshipOfColumn(operation.entity->columnOf(
                                    std::string_view(name.constData(), static_cast<size_t>(name.size()))));
-        if (!relationship || !objectModel.destinationOf(*relationship).isFollowedUp())
+        if (!relationship || !objectModel.destinationOf(*relationship).followsLinks())
             continue;
         for (sqlite3_value *value :
              {operation.kind == SQLITE_INSERT ? nullptr : oldValue(operation.iterator, column),
@@ -175,6 +179,7 @@ bool ChangesetApplier::applyUpdate(const Operation &operation)
 {
     const auto &columns = columnsOf(operation.table);
     const int key = keyColumn(operation);
+    ManagedObject::ColumnSet changed;
     bool hasChanged = false;
     for (int column = 0; column < operation.columnCount; ++column) {
         sqlite3_value *value = newValue(operation.iterator, column);
@@ -188,10 +193,17 @@ bool ChangesetApplier::applyUpdate(const Operation &operation)
         statement.bindRaw(oldValue(operation.iterator, column));
         if (!statement.run())
             return false;
-        hasChanged = hasChanged || database.changes() > 0;
+        if (database.changes() == 0)
+            continue;
+        hasChanged = true;
+        const QByteArray &plain = columns[static_cast<size_t>(column)];
+        const int known = operation.entity->columnOf(
+            std::string_view(plain.constData(), static_cast<size_t>(plain.size())));
+        if (known >= 0)
+            changed.set(static_cast<size_t>(known));
     }
     if (hasChanged)
-        note(operation, AppliedChange::Kind::Updated);
+        note(operation, AppliedChange::Kind::Updated, changed);
     return true;
 }
 
@@ -264,19 +276,6 @@ bool ChangesetApplier::clearDanglingPairs()
             if (error)
                 return false;
         }
-    }
-    return true;
-}
-
-bool ChangesetApplier::writeFollowUps()
-{
-    for (const AppliedChange &change : applied) {
-        if (!change.entity->isFollowedUp())
-            continue;
-        sqlite::Statement statement =
-            database.prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
-        if (!statement.bind(QString::fromUtf8(change.entity->table())).bind(change.identifier).run())
-            return false;
     }
     return true;
 }

@@ -48,8 +48,7 @@ private:
     bool deleteMarked();
     bool clearDanglingReferences();
     bool clearDanglingPairs();
-    bool writeFollowUps();
-    void note(const Operation &operation, AppliedChange::Kind kind);
+    void note(const Operation &operation, AppliedChange::Kind kind, ManagedObject::ColumnSet columns = {});
     void noteTargets(const Operation &operation);
     const RelationshipDescription *pairOf(const Operation &operation, const QByteArray &column) const;
     int keyColumn(const Operation &operation);

@@ -6,7 +6,14 @@
 #include "objectstore/SqlText.h"
 #include "objectstore/SubstringIndex.h"
 
+#include <QScopedValueRollback>
+
 #include <map>
+
+static bool canBeUndone(ChangeAuthor author)
+{
+    return author == ChangeAuthor::User || author == ChangeAuthor::Import;
+}
 
 // The unit of work of a context: from the first change to the commit, and what follows it.
 
@@ -26,7 +33,7 @@ void ManagedObjectContext::noteTouched(std::string_view entityName, const Value 
 {
     const EntityDescription &entity = objectModel.requireEntity(entityName);
     const auto *identifierText = std::get_if<QString>(&id);
-    if (identifierText && entity.isFollowedUp())
+    if (identifierText && entity.followsLinks())
         touched.emplace(&entity, *identifierText);
 }
 
@@ -40,21 +47,6 @@ void ManagedObjectContext::processPendingChanges()
     // A failure stays with the changes and is reported by the next save.
     if (std::exchange(mustApplyDeleteRules, false))
         write();
-}
-
-void ManagedObjectContext::setAuthor(ChangeAuthor author)
-{
-    if (author == currentAuthor)
-        return;
-    // A failure stays with the changes and is reported by the next save.
-    write();
-    currentAuthor = author;
-    if (!isInTransaction)
-        return;
-    if (author == ChangeAuthor::User)
-        journal->startCapture();
-    else
-        journal->pauseCapture();
 }
 
 Error ManagedObjectContext::failure(const char *attempt) const
@@ -71,7 +63,7 @@ OptionalError ManagedObjectContext::begin()
         return failure("write to");
     isInTransaction = true;
     takeInChangesFromElsewhere();
-    if (currentAuthor == ChangeAuthor::User)
+    if (canBeUndone(author()))
         journal->startCapture();
     return std::nullopt;
 }
@@ -140,40 +132,84 @@ void ManagedObjectContext::rollBack()
 
 OptionalError ManagedObjectContext::save()
 {
-    if (!hasChanges() || saveGroups > 0)
+    return openTransaction ? std::nullopt : commitAll();
+}
+
+OptionalError ManagedObjectContext::commitAll()
+{
+    if (!hasChanges() && !(effects && effects->hasWork()))
         return std::nullopt;
     if (auto error = write())
         return error;
-    if (auto error = commit()) {
+    const StoreChanges changes = pendingChanges();
+    OptionalError error = writeEffects(changes);
+    if (!error)
+        error = commit();
+    if (error) {
+        giveUpEffects();
         rollBack();
         return error;
     }
-    const ChangeList changes = finishSave();
+    finishCommit();
     tell(changes);
     return std::nullopt;
 }
 
-void ManagedObjectContext::tell(const ChangeList &changes) const
+OptionalError ManagedObjectContext::writeEffects(const StoreChanges &changes)
 {
-    // The handler may set another one.
-    const SaveHandler handler = saveHandler;
-    if (handler && !changes.isEmpty())
-        handler(changes);
+    if (auto error = begin())
+        return error;
+    if (!effects)
+        return std::nullopt;
+    const QScopedValueRollback guard(isWritingEffects, true);
+    effects->willCommit(*this, changes);
+    return write();
+}
+
+/// The effects come anew with the next commit.
+void ManagedObjectContext::giveUpEffects()
+{
+    posted.clear();
+    const auto isDerived = [](const ObjectPtr &object) { return object->entity().isDerived(); };
+    std::erase_if(waiting, isDerived);
+    std::erase_if(rowDeletions, [](const RowDeletion &one) { return one.isEffect; });
+    for (const ObjectPtr &object : changed) {
+        if (!isDerived(object))
+            continue;
+        object->changedSinceSave.reset();
+        object->changedSinceWrite.reset();
+        object->isNotedAsChanged = false;
+        object->isWaitingForWrite = false;
+        object->isLoaded = false;
+        if (object->isInserted() || object->wasInserted)
+            detach(*object);
+        else
+            object->state = ManagedObject::State::Persistent;
+    }
+    std::erase_if(changed, isDerived);
+}
+
+void ManagedObjectContext::tell(const StoreChanges &changes)
+{
+    if (effects)
+        effects->didCommit(*this, changes);
 }
 
 OptionalError ManagedObjectContext::commit()
 {
     if (auto error = begin())
         return error;
-    if (auto error = writeFollowUps())
+    if (auto error = writeOutbox(posted))
         return error;
-    if (auto error = journal->record())
-        return error;
+    const QString name = openTransaction ? openTransaction->name() : QString();
+    if (canBeUndone(author())) {
+        if (auto error = journal->record(name, posted))
+            return error;
+    }
     if (auto error = commitTransaction())
         return error;
     journal->stopCapture();
-    mustClearFollowUps = false;
-    skipsNextFollowUp = false;
+    posted.clear();
     return std::nullopt;
 }
 
@@ -221,27 +257,61 @@ OptionalError ManagedObjectContext::clearReferencesToMissing()
     return std::nullopt;
 }
 
-OptionalError ManagedObjectContext::writeFollowUps()
+OptionalError ManagedObjectContext::writeOutbox(const std::vector<OutboxEntry> &entries)
 {
-    if (mustClearFollowUps && database->execute("DELETE FROM ObjectStoreFollowUp"))
-        return failure("write to");
-    if (skipsNextFollowUp)
+    if (entries.empty())
         return std::nullopt;
-    sqlite::Statement statement =
-        database->prepare("INSERT OR IGNORE INTO ObjectStoreFollowUp VALUES (?, ?)");
-    const auto remember = [&statement](const EntityDescription &entity, const QString &id) {
+    sqlite::Statement statement = database->prepare(
+        "INSERT INTO ObjectStoreOutbox (grouping, place, key, before, after, yields) VALUES "
+        "(?, ?, ?, ?, ?, ?)");
+    for (const OutboxEntry &entry : entries) {
         statement.reset();
-        return statement.bind(QString::fromUtf8(entity.table())).bind(id).run();
-    };
-    for (const ObjectPtr &object : changed) {
-        if (object->entity().isFollowedUp() && !remember(object->entity(), object->id))
-            return failure("write to");
-    }
-    for (const auto &[entity, id] : touched) {
-        if (!remember(*entity, id))
+        statement.bind(qint64(entry.group)).bind(entry.place).bind(entry.key);
+        statement.bindBlob(entry.before).bindBlob(entry.after).bind(Value(entry.yields));
+        if (!statement.run())
             return failure("write to");
     }
     return std::nullopt;
+}
+
+std::vector<OutboxEntry> ManagedObjectContext::pendingOutbox()
+{
+    std::vector<OutboxEntry> entries;
+    sqlite::Statement statement = database->prepare("SELECT sequence, grouping, place, key, before, after, "
+                                                    "yields FROM ObjectStoreOutbox ORDER BY sequence");
+    const auto text = [&statement](int column) {
+        return statement.isNull(column) ? std::nullopt : std::optional(statement.blob(column));
+    };
+    while (statement.step())
+        entries.push_back({statement.integer(0), static_cast<int>(statement.integer(1)), statement.text(2),
+                           statement.text(3), text(4), text(5), statement.integer(6) != 0});
+    return entries;
+}
+
+OptionalError ManagedObjectContext::finishOutbox(const std::vector<qint64> &sequences)
+{
+    if (sequences.empty())
+        return std::nullopt;
+    // A power cut may bring them back, and carrying them out again changes nothing; so the disk is not
+    // waited for.
+    const bool isOwn = database->isAutocommit();
+    if (isOwn && database->execute("PRAGMA synchronous = NORMAL; BEGIN IMMEDIATE"))
+        return failure("write to");
+    sqlite::Statement statement = database->prepare("DELETE FROM ObjectStoreOutbox WHERE sequence = ?");
+    const bool isDone = std::ranges::all_of(sequences, [&statement](qint64 sequence) {
+        statement.reset();
+        return statement.bind(sequence).run();
+    });
+    statement.reset();
+    OptionalError error = isDone ? std::nullopt : OptionalError(failure("write to"));
+    if (isOwn) {
+        if (!error && database->execute("COMMIT"))
+            error = failure("write to");
+        if (!database->isAutocommit())
+            database->execute("ROLLBACK");
+        database->execute("PRAGMA synchronous = FULL");
+    }
+    return error;
 }
 
 /// So many rows at a time are not felt.
@@ -269,42 +339,45 @@ bool ManagedObjectContext::tendSubstringIndexes()
     return isMoreLeft;
 }
 
-std::vector<ObjectPtr> ManagedObjectContext::unfinishedFollowUps()
+StoreChanges ManagedObjectContext::pendingChanges()
 {
-    std::vector<ObjectPtr> objects;
-    sqlite::Statement statement = database->prepare("SELECT entity, id FROM ObjectStoreFollowUp");
-    while (statement.step()) {
-        if (const ObjectPtr found = object(statement.text(0).toStdString(), statement.text(1)))
-            objects.push_back(found);
-    }
-    return objects;
-}
-
-ChangeList ManagedObjectContext::finishSave()
-{
-    ChangeList changes;
-    rowDeletions.clear();
-    for (const ObjectPtr &object : std::exchange(changed, {})) {
-        const bool wasInserted = object->isInserted();
+    StoreChanges changes;
+    changes.author = author();
+    auto links = touched;
+    for (const ObjectPtr &object : changed) {
+        if (object->entity().isDerived())
+            continue;
         if (object->isDeleted()) {
             if (!object->wasInserted)
                 changes.deleted.push_back(object);
-            detach(*object);
+        } else if (object->isInserted()) {
+            changes.inserted.push_back(object);
         } else {
-            (wasInserted ? changes.inserted : changes.updated).push_back(object);
-            object->state = ManagedObject::State::Persistent;
+            changes.updated.push_back({object, object->changedSinceSave});
         }
+        links.erase({&object->entity(), object->id});
+    }
+    for (const auto &[entity, id] : links) {
+        if (const ObjectPtr found = object(entity->name(), id))
+            changes.updated.push_back({found, {}});
+    }
+    return changes;
+}
+
+void ManagedObjectContext::finishCommit()
+{
+    rowDeletions.clear();
+    touched.clear();
+    for (const ObjectPtr &object : std::exchange(changed, {})) {
+        if (object->isDeleted())
+            detach(*object);
+        else
+            object->state = ManagedObject::State::Persistent;
         object->changedSinceSave.reset();
         object->joinChanges.clear();
         object->isRowWritten = false;
         object->isNotedAsChanged = false;
-        touched.erase({&object->entity(), object->id});
     }
-    for (const auto &[entity, id] : std::exchange(touched, {})) {
-        if (const ObjectPtr found = object(entity->name(), id))
-            changes.updated.push_back(found);
-    }
-    return changes;
 }
 
 void ManagedObjectContext::reset()
@@ -317,6 +390,7 @@ void ManagedObjectContext::reset()
     waiting.clear();
     rowDeletions.clear();
     touched.clear();
+    posted.clear();
     for (const ObjectPtr &object : std::exchange(changed, {})) {
         const bool isNew = object->isInserted() || object->wasInserted;
         object->changedSinceSave.reset();
@@ -341,11 +415,17 @@ void ManagedObjectContext::refreshAllObjects()
     });
 }
 
-void ManagedObjectContext::takeInChangesFromElsewhere()
+void ManagedObjectContext::lookForChangesFromElsewhere()
+{
+    if (!isInTransaction && takeInChangesFromElsewhere())
+        tell({ChangeAuthor::Replication, {}, {}, {}, true});
+}
+
+bool ManagedObjectContext::takeInChangesFromElsewhere()
 {
     const qint64 version = database->queryInteger("PRAGMA data_version");
     if (version == dataVersion)
-        return;
+        return false;
     dataVersion = version;
     // Another process may have given a row's number to another row.
     for (Population &one : populations)
@@ -357,6 +437,7 @@ void ManagedObjectContext::takeInChangesFromElsewhere()
         if (!object.isInserted() && !(keepsChangedObjects && object.hasChanges()))
             object.isLoaded = false;
     });
+    return true;
 }
 
 // Undo.
@@ -381,54 +462,91 @@ OptionalError ManagedObjectContext::redo()
     return revert(ChangeJournal::Direction::Redo);
 }
 
+QString ManagedObjectContext::undoName()
+{
+    return journal->nameOf(ChangeJournal::Direction::Undo);
+}
+
+QString ManagedObjectContext::redoName()
+{
+    return journal->nameOf(ChangeJournal::Direction::Redo);
+}
+
 OptionalError ManagedObjectContext::revert(ChangeJournalDirection direction)
 {
-    // The save handler can leave changes of its own, but not for ever.
+    // The effects can leave changes of their own, but not for ever.
     for (int round = 0; round < 2 && hasChanges(); ++round) {
         if (auto error = save())
             return error;
     }
-    if (isInTransaction || database->execute("BEGIN IMMEDIATE"))
+    if (isInTransaction)
         return failure("write to");
-    takeInChangesFromElsewhere();
-    OptionalError error;
-    if (mustClearFollowUps)
-        error = database->execute("DELETE FROM ObjectStoreFollowUp");
-    const auto nextRow = [this](const EntityDescription &entity) {
-        return ChangeWriter(*this).nextRow(entity);
-    };
-    auto applied = error ? Result<std::vector<AppliedChange>>(*error) : journal->apply(direction, nextRow);
-    error = applied ? database->execute("COMMIT") : OptionalError(applied.error());
-    if (error) {
-        if (!database->isAutocommit())
-            database->execute("ROLLBACK");
+    Transaction step(*this, ChangeAuthor::Undo);
+    if (auto error = begin())
+        return error;
+    StoreChanges changes;
+    if (auto error = applyEntry(direction, changes)) {
+        giveUpEffects();
+        rollBack();
+        refreshAllObjects();
         return error;
     }
-    mustClearFollowUps = false;
-    refreshAllObjects();
-    tell(changesOf(*applied));
+    finishCommit();
+    tell(changes);
     return std::nullopt;
 }
 
-ChangeList ManagedObjectContext::changesOf(const std::vector<AppliedChange> &applied)
+OptionalError ManagedObjectContext::applyEntry(ChangeJournalDirection direction, StoreChanges &changes)
+{
+    const auto nextRow = [this](const EntityDescription &entity) {
+        return ChangeWriter(*this).nextRow(entity);
+    };
+    auto applied = journal->apply(direction, nextRow);
+    if (!applied)
+        return applied.error();
+    refreshAllObjects();
+    changes = changesOf(applied->rows);
+    if (auto error = writeOutbox(applied->outside))
+        return error;
+    if (auto error = writeEffects(changes))
+        return error;
+    if (auto error = commitTransaction())
+        return error;
+    journal->stopCapture();
+    posted.clear();
+    return std::nullopt;
+}
+
+StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &applied)
 {
     // A row comes once for itself and once for each of its pairs; what happened to itself counts.
-    std::map<std::pair<const EntityDescription *, QString>, AppliedChange::Kind> kinds;
+    struct Known
+    {
+        AppliedChange::Kind kind;
+        ManagedObject::ColumnSet columns;
+    };
+    std::map<std::pair<const EntityDescription *, QString>, Known> rows;
     for (const AppliedChange &one : applied) {
-        const auto [place, isNew] = kinds.try_emplace({one.entity, one.identifier}, one.kind);
+        const auto [place, isNew] = rows.try_emplace({one.entity, one.identifier}, Known{one.kind, {}});
+        place->second.columns |= one.columns;
         if (!isNew && one.kind != AppliedChange::Kind::Updated)
-            place->second = one.kind;
+            place->second.kind = one.kind;
     }
-    ChangeList changes;
+    StoreChanges changes;
+    changes.author = ChangeAuthor::Undo;
     for (const AppliedChange &one : applied) {
-        const auto kind = kinds.extract({one.entity, one.identifier});
-        if (kind.empty())
+        const auto known = rows.extract({one.entity, one.identifier});
+        if (known.empty())
             continue;
-        if (kind.mapped() == AppliedChange::Kind::Deleted)
+        const Known &row = known.mapped();
+        if (row.kind == AppliedChange::Kind::Deleted)
             changes.deleted.push_back(goneObject(*one.entity, one.identifier));
-        else if (const ObjectPtr found = object(one.entity->name(), one.identifier))
-            (kind.mapped() == AppliedChange::Kind::Inserted ? changes.inserted : changes.updated)
-                .push_back(found);
+        else if (const ObjectPtr found = object(one.entity->name(), one.identifier); !found)
+            continue;
+        else if (row.kind == AppliedChange::Kind::Inserted)
+            changes.inserted.push_back(found);
+        else
+            changes.updated.push_back({found, row.columns});
     }
     return changes;
 }

@@ -41,9 +41,6 @@ ManagedObjectContext::~ManagedObjectContext()
     journal.reset();
     if (isInTransaction)
         database->execute("ROLLBACK");
-    // If this fails, the next start does again what was done.
-    if (mustClearFollowUps)
-        database->execute("DELETE FROM ObjectStoreFollowUp");
 }
 
 // Objects.
@@ -82,7 +79,7 @@ void ManagedObjectContext::deleteObject(const ObjectPtr &object)
 void ManagedObjectContext::noteTargetsAsTouched(const ManagedObject &object)
 {
     for (const RelationshipDescription &relationship : object.entity().relationships()) {
-        if (!objectModel.destinationOf(relationship).isFollowedUp())
+        if (!objectModel.destinationOf(relationship).followsLinks())
             continue;
         if (relationship.cardinality == Cardinality::ToOne) {
             noteTouched(relationship.destination, object.valueForKey(relationship.name));
@@ -100,7 +97,7 @@ void ManagedObjectContext::deleteRows(const FetchRequest &request)
     deletion.text = "DELETE FROM " + quoted(entity.name()) + " WHERE rowid IN (" + deletion.text + ')';
     // What was written to such rows before goes with them.
     write();
-    rowDeletions.push_back({std::move(deletion)});
+    rowDeletions.push_back({std::move(deletion), false, isWritingEffects});
     // A failure stays with the changes and is reported by the next save.
     write();
     for (auto &[id, object] : population(entity).byIdentifier) {

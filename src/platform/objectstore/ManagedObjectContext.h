@@ -5,7 +5,10 @@
 #include "objectstore/ManagedObject.h"
 #include "objectstore/ManagedObjectModel.h"
 #include "objectstore/ObjectList.h"
+#include "objectstore/Outbox.h"
 #include "objectstore/Sqlite.h"
+#include "objectstore/StoreChanges.h"
+#include "objectstore/Transaction.h"
 
 #include <functional>
 #include <memory>
@@ -17,20 +20,21 @@ class ChangeJournal;
 enum class ChangeJournalDirection;
 struct AppliedChange;
 
-/// What a save, an undo or a redo did to the store, each object once and in the order of the first change.
-struct ChangeList
+/// What has to happen with each commit, whoever makes it. The context calls it; exceptions to an order are
+/// not possible.
+class CommitEffects
 {
-    std::vector<ObjectPtr> inserted;
-    /// Also, of entities with follow-ups, those to which something was linked or unlinked from its other end.
-    std::vector<ObjectPtr> updated;
-    /// Objects that are gone; they still know their identifier and entity, but no values.
-    std::vector<ObjectPtr> deleted;
+public:
+    virtual ~CommitEffects() = default;
 
-    bool isEmpty() const { return inserted.empty() && updated.empty() && deleted.empty(); }
+    /// Whether something waits to be posted to the outbox although no object has changed.
+    virtual bool hasWork() const = 0;
+    /// Inside of the transaction: may change rows of derived entities, and post to the outbox. Called once
+    /// more after a commit that failed; what it did then is given up.
+    virtual void willCommit(ManagedObjectContext &context, const StoreChanges &changes) = 0;
+    /// After the commit. It may change objects; they belong to the next one.
+    virtual void didCommit(ManagedObjectContext &context, const StoreChanges &changes) = 0;
 };
-
-/// Whose changes a save holds. Only the user's own can be undone.
-enum class ChangeAuthor { User, Program, Elsewhere };
 
 /// What to do when a row was changed elsewhere since it was read. The numbers are those of the merge types.
 enum class MergePolicy {
@@ -128,28 +132,30 @@ public:
     /// Does what the relationships of deleted objects ask for, which otherwise waits for the next query or
     /// save.
     void processPendingChanges();
-    /// Commits everything, or nothing: on an error the changes stay for the next save. Then tells the save
-    /// handler. While a `SaveGroup` lives it does nothing.
-    OptionalError save();
+    /// Commits everything, or nothing: on an error the changes stay for the next save. Inside of an open
+    /// `Transaction` it does nothing, since that one commits.
+    [[nodiscard]] OptionalError save();
     /// Gives up all changes since the last save.
     void reset();
     /// Lets every unchanged object read its row anew at the next look.
     void refreshAllObjects();
-    using SaveHandler = std::function<void(const ChangeList &)>;
-    /// Called after each save, undo or redo that changed something.
-    void setSaveHandler(SaveHandler handler) { saveHandler = std::move(handler); }
+    /// What every commit brings with it; null for nothing. It must live until it is replaced.
+    void setCommitEffects(CommitEffects *wanted) { effects = wanted; }
     void setMergePolicy(MergePolicy policy) { mergePolicy = policy; }
-    ChangeAuthor author() const { return currentAuthor; }
-    /// What was changed until now still counts as the former author's.
-    void setAuthor(ChangeAuthor author);
+    /// Who makes the changes at present.
+    ChangeAuthor author() const { return openTransaction ? openTransaction->author() : ChangeAuthor::User; }
+    /// The transaction that is open, or null.
+    Transaction *transaction() const { return openTransaction; }
+    /// Looks whether another process has written to the store, and tells so.
+    void lookForChangesFromElsewhere();
 
-    // What must be done after each save. Objects of entities that ask for it are remembered in the store with
-    // the save, until the follow-up says that it is done; after a crash the next start finds what was left.
-    std::vector<ObjectPtr> unfinishedFollowUps();
-    /// The follow-up of all former saves is done; remembered with the next thing that is written.
-    void finishFollowUps() { mustClearFollowUps = true; }
-    /// The next save needs no follow-up.
-    void skipNextFollowUp() { skipsNextFollowUp = true; }
+    // The outbox: changes of things outside of the store that belong to a commit.
+    /// Adds one to the commit that is under way. For `CommitEffects::willCommit`.
+    void post(OutboxEntry entry) { posted.push_back(std::move(entry)); }
+    /// What was committed and not yet carried out, in order.
+    std::vector<OutboxEntry> pendingOutbox();
+    /// Forgets entries that were carried out, or cannot be.
+    [[nodiscard]] OptionalError finishOutbox(const std::vector<qint64> &sequences);
 
     // Indexes of substrings follow the saves when there is time for it.
     /// Brings some of what was written since into them; true if there is more. Queries are right at any time;
@@ -160,12 +166,15 @@ public:
     bool canUndo();
     bool canRedo();
     /// Takes back the last save of the user. Fields that were changed by another hand since stay as they are.
-    OptionalError undo();
-    OptionalError redo();
+    [[nodiscard]] OptionalError undo();
+    [[nodiscard]] OptionalError redo();
+    /// What the user did in the step that `undo` or `redo` would take; empty if it has no name.
+    QString undoName();
+    QString redoName();
 
 private:
     friend class ManagedObject;
-    friend class SaveGroup;
+    friend class Transaction;
     friend class ObjectListBase;
     friend class ChangeWriter;
     friend class ChangeJournal;
@@ -219,8 +228,8 @@ private:
     OptionalError commit();
     /// Ends the open transaction without a trace; what is changed in memory waits to be written again.
     void rollBack();
-    OptionalError writeFollowUps();
-    void takeInChangesFromElsewhere();
+    OptionalError writeOutbox(const std::vector<OutboxEntry> &entries);
+    bool takeInChangesFromElsewhere();
     Error failure(const char *attempt) const;
     OptionalError commitTransaction();
     OptionalError clearReferencesToMissing();
@@ -232,10 +241,16 @@ private:
                 visitor(*object);
         }
     }
-    ChangeList finishSave();
-    void tell(const ChangeList &changes) const;
+    OptionalError commitAll();
+    StoreChanges pendingChanges();
+    void finishCommit();
+    /// Lets the effects have their part in the open transaction, and writes it.
+    OptionalError writeEffects(const StoreChanges &changes);
+    void giveUpEffects();
+    void tell(const StoreChanges &changes);
     OptionalError revert(ChangeJournalDirection direction);
-    ChangeList changesOf(const std::vector<AppliedChange> &applied);
+    OptionalError applyEntry(ChangeJournalDirection direction, StoreChanges &changes);
+    StoreChanges changesOf(const std::vector<AppliedChange> &applied);
     /// Stands for a row that is no longer there.
     ObjectPtr goneObject(const EntityDescription &entity, const QString &id);
 
@@ -257,11 +272,15 @@ private:
     {
         Query query;
         bool isWritten = false;
+        /// Made by the effects of a commit, which make it anew if that fails.
+        bool isEffect = false;
     };
     std::vector<RowDeletion> rowDeletions;
-    /// Objects that gained or lost something at the other end of a relationship, of entities with follow-ups.
+    /// Objects that gained or lost something at the other end of a relationship, of entities that follow
+    /// their links.
     std::set<std::pair<const EntityDescription *, QString>> touched;
     bool isWriting = false;
+    bool isWritingEffects = false;
     bool mustApplyDeleteRules = false;
     /// Whether `begin` opened a transaction that nobody ended yet. SQLite ends one by itself when the disk is
     /// full.
@@ -269,47 +288,8 @@ private:
     qint64 dataVersion = 0;
 
     std::unique_ptr<ChangeJournal> journal;
-    SaveHandler saveHandler;
+    CommitEffects *effects = nullptr;
+    Transaction *openTransaction = nullptr;
+    std::vector<OutboxEntry> posted;
     MergePolicy mergePolicy = MergePolicy::PropertyObjectTrump;
-    ChangeAuthor currentAuthor = ChangeAuthor::User;
-    bool mustClearFollowUps = false;
-    bool skipsNextFollowUp = false;
-    int saveGroups = 0;
-};
-
-/// Joins the saves of many small changes into the first one after its end, which is written and undone as a
-/// whole.
-class SaveGroup
-{
-public:
-    explicit SaveGroup(ManagedObjectContext &groupedContext)
-        : context(groupedContext)
-    {
-        ++context.saveGroups;
-    }
-    ~SaveGroup() { --context.saveGroups; }
-    SaveGroup(const SaveGroup &) = delete;
-    SaveGroup &operator=(const SaveGroup &) = delete;
-
-private:
-    ManagedObjectContext &context;
-};
-
-/// Says for a while whose changes the saves of a context hold.
-class AuthorScope
-{
-public:
-    AuthorScope(ManagedObjectContext &changedContext, ChangeAuthor author)
-        : context(changedContext)
-        , formerAuthor(changedContext.author())
-    {
-        context.setAuthor(author);
-    }
-    ~AuthorScope() { context.setAuthor(formerAuthor); }
-    AuthorScope(const AuthorScope &) = delete;
-    AuthorScope &operator=(const AuthorScope &) = delete;
-
-private:
-    ManagedObjectContext &context;
-    ChangeAuthor formerAuthor;
 };

@@ -68,9 +68,9 @@ EntityDescription &EntityDescription::derived()
     return *this;
 }
 
-EntityDescription &EntityDescription::followedUp()
+EntityDescription &EntityDescription::followingLinks()
 {
-    isFollowedUpEntity = true;
+    followsLinksOfEntity = true;
     return *this;
 }
 

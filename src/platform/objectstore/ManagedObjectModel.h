@@ -62,11 +62,10 @@ public:
                       std::vector<RelationshipDescription> relationships, Factory factory);
 
     EntityDescription &indexedBy(std::vector<IndexDescription> descriptions);
-    /// Rows that can be made again from others: left out of captured changes, undo and follow-up lists.
+    /// Rows that can be made again from others: left out of captured changes, undo and what a commit tells.
     EntityDescription &derived();
-    /// Rows for which something must be done after each save; what was left undone is told at the next
-    /// opening.
-    EntityDescription &followedUp();
+    /// Its objects count as updated also when something is linked to them, or unlinked, from the other end.
+    EntityDescription &followingLinks();
     /// Keeps an index of one text attribute for "contains, case and diacritics ignored".
     EntityDescription &substringIndexed(std::string_view attribute);
 
@@ -76,7 +75,7 @@ public:
     const std::vector<RelationshipDescription> &relationships() const { return relationshipList; }
     const std::vector<IndexDescription> &indexes() const { return indexList; }
     bool isDerived() const { return isDerivedEntity; }
-    bool isFollowedUp() const { return isFollowedUpEntity; }
+    bool followsLinks() const { return followsLinksOfEntity; }
     /// Empty without such an index.
     std::string_view substringAttribute() const { return indexedText; }
     ObjectPtr makeObject() const { return factory(); }
@@ -103,7 +102,7 @@ private:
     std::vector<int> relationshipOfToOneColumn;
     Factory factory;
     bool isDerivedEntity = false;
-    bool isFollowedUpEntity = false;
+    bool followsLinksOfEntity = false;
     std::string_view indexedText;
 };
 

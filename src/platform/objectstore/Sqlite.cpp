@@ -88,6 +88,14 @@ Statement &Statement::bindBlob(const QByteArray &blob)
     return *this;
 }
 
+Statement &Statement::bindBlob(const std::optional<QByteArray> &blob)
+{
+    if (blob)
+        return bindBlob(*blob);
+    ++bound;
+    return *this;
+}
+
 Statement &Statement::bindRaw(const sqlite3_value *value)
 {
     ++bound;

@@ -7,6 +7,7 @@
 #include <QByteArray>
 
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -39,6 +40,8 @@ public:
     Statement &bind(const QString &text) { return bind(Value(text)); }
     Statement &bind(qint64 number) { return bind(Value(number)); }
     Statement &bindBlob(const QByteArray &blob);
+    /// Absent is NULL.
+    Statement &bindBlob(const std::optional<QByteArray> &blob);
     /// A value as SQLite itself passes it on; null counts as NULL.
     Statement &bindRaw(const sqlite3_value *value);
     /// Starts over with nothing bound.

@@ -132,11 +132,24 @@ QByteArray bookkeepingTables()
            "WITHOUT ROWID;"
            "CREATE TABLE IF NOT EXISTS ObjectStoreJournal (sequence INTEGER PRIMARY KEY, savedAt REAL NOT "
            "NULL,"
-           " isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB NOT NULL);"
+           " isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB NOT NULL, name TEXT, outside BLOB);"
            "CREATE INDEX IF NOT EXISTS ObjectStoreJournal_undone ON ObjectStoreJournal (sequence) WHERE "
            "isUndone = 1;"
-           "CREATE TABLE IF NOT EXISTS ObjectStoreFollowUp (entity TEXT NOT NULL, id TEXT NOT NULL,"
-           " PRIMARY KEY (entity, id)) WITHOUT ROWID;";
+           "CREATE TABLE IF NOT EXISTS ObjectStoreOutbox (sequence INTEGER PRIMARY KEY AUTOINCREMENT,"
+           " grouping INTEGER NOT NULL, place TEXT NOT NULL, key TEXT NOT NULL, before BLOB, after BLOB,"
+           " yields INTEGER NOT NULL DEFAULT 0);"
+           // The indexes are a part of each commit now.
+           "DROP TABLE IF EXISTS ObjectStoreFollowUp;";
+}
+
+/// What a journal of a former version lacks.
+QByteArray missingColumnsOfJournal(sqlite::Database &database)
+{
+    const QByteArray count = "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreJournal')";
+    if (database.queryInteger(count) == 0 || database.queryInteger(count + " WHERE name = 'outside'") > 0)
+        return {};
+    return "ALTER TABLE ObjectStoreJournal ADD COLUMN name TEXT;"
+           "ALTER TABLE ObjectStoreJournal ADD COLUMN outside BLOB;";
 }
 
 /// A number of the database header, which is big-endian.
@@ -236,7 +249,7 @@ OptionalError migrate(sqlite::Database &database, const ManagedObjectModel &mode
     // Another process may have been faster.
     if (auto problem = problemOfContent(database, model))
         return refusal(path, *problem);
-    QByteArray sql = bookkeepingTables();
+    QByteArray sql = missingColumnsOfJournal(database) + bookkeepingTables();
     for (const EntityDescription &entity : model.entities())
         sql += missingParts(database, entity);
     for (const EntityDescription &entity : model.entities()) {

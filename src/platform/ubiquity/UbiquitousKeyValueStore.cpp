@@ -76,7 +76,7 @@ void UbiquitousKeyValueStore::synchronize()
             change.keys.append(key);
     }
     if (!change.keys.isEmpty())
-        NotificationCenter::defaultCenter().post(ubiquitousStoreDidChangeExternally, {}, change);
+        NotificationCenter::defaultCenter().post(ubiquitousStoreDidChangeExternally, change);
 }
 
 void UbiquitousKeyValueStore::watch()

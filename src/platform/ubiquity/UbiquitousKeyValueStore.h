@@ -20,8 +20,7 @@ struct UbiquitousChange
     QStringList keys;
 };
 
-/// User info: an `UbiquitousChange`.
-inline constexpr NotificationName ubiquitousStoreDidChangeExternally{
+inline constexpr NotificationName<UbiquitousChange> ubiquitousStoreDidChangeExternally{
     u"NSUbiquitousKeyValueStoreDidChangeExternallyNotification"};
 
 /// A few settings that the user's devices share: a table of key and value in one file of the ubiquity

@@ -89,19 +89,17 @@ void MainWindowController::observe()
     observeSearch();
     observeCalendar();
     observeGroups();
-    for (const NotificationName name : {notifications::contextDidSave, notifications::iCloudChange})
-        observations.push_back(NotificationCenter::defaultCenter().addObserver(
-            name, [this](const Notification &) { storeChanged(); }));
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    observations.push_back(
+        center.addObserver(notifications::contextDidSave, [this](const StoreChanges &) { storeChanged(); }));
+    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { storeChanged(); }));
 }
 
 void MainWindowController::observeCalendar()
 {
-    const auto create = [this](NotificationName name, TimePeriod period) {
+    const auto create = [this](NotificationName<MarkedSpan> name, TimePeriod period) {
         observations.push_back(NotificationCenter::defaultCenter().addObserver(
-            name, [this, period](const Notification &notification) {
-                if (const auto *dates = std::any_cast<MarkedSpan>(&notification.object))
-                    newTask(*dates, period);
-            }));
+            name, [this, period](const MarkedSpan &dates) { newTask(dates, period); }));
     };
     create(notifications::dayCalendarCreateTask, TimePeriod::Timed);
     create(notifications::allDayCalendarCreateTask, TimePeriod::AllDay);
@@ -110,10 +108,8 @@ void MainWindowController::observeCalendar()
 void MainWindowController::observeGroups()
 {
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::saveNewContactGroup, [this](const Notification &notification) {
-            if (const auto *values = std::any_cast<MVContactGroup>(&notification.object))
-                saveContactGroup(*values);
-        }));
+        notifications::saveNewContactGroup,
+        [this](const MVContactGroup &values) { saveContactGroup(values); }));
 }
 
 void MainWindowController::storeChanged()

@@ -13,13 +13,9 @@
 void MainWindowController::observeSearch()
 {
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::searchMorvane,
-        [this](const Notification &) { mainWindow->rightToolBarMain()->focusSearch(); }));
+        notifications::searchMorvane, [this] { mainWindow->rightToolBarMain()->focusSearch(); }));
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::clickTableSearch, [this](const Notification &notification) {
-            if (const auto *record = std::any_cast<ObjectPtr>(&notification.object))
-                searchSelectSoon(*record);
-        }));
+        notifications::clickTableSearch, [this](const ObjectPtr &record) { searchSelectSoon(record); }));
 }
 
 /// A notification can be pressed at any time, even while the screen asks something; then the last one counts.

@@ -5,10 +5,7 @@
 
 #include <algorithm>
 
-static void postChange()
-{
-    NotificationCenter::defaultCenter().post(notifications::changeSelectedTask);
-}
+static void postChange() {}
 
 SelectedTaskController &SelectedTaskController::sharedCenter()
 {

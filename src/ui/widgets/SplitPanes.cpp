@@ -12,11 +12,7 @@ SplitPanes::SplitPanes(QWidget *parent)
 {
     setHandleWidth(0);
     setChildrenCollapsible(false);
-    connect(this, &QSplitter::splitterMoved, this, [this](int, int handle) {
-        leftWanted = sizes().constFirst();
-        NotificationCenter::defaultCenter().post(notifications::splitChangeSize, static_cast<QObject *>(this),
-                                                 QVariantMap{{u"NSSplitViewDividerIndex"_s, handle - 1}});
-    });
+    connect(this, &QSplitter::splitterMoved, this, [this] { leftWanted = sizes().constFirst(); });
 }
 
 void SplitPanes::setPanes(QWidget *left, QWidget *right)

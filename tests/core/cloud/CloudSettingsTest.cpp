@@ -23,13 +23,13 @@ protected:
     static QVariant here(const QString &key) { return UserDefaults::standard().object(key); }
     static void tell(std::optional<int> reason, const QStringList &keys)
     {
-        NotificationCenter::defaultCenter().post(ubiquitousStoreDidChangeExternally, {},
+        NotificationCenter::defaultCenter().post(ubiquitousStoreDidChangeExternally,
                                                  UbiquitousChange{reason, keys});
     }
 
     int told = 0;
-    Observation preferences = NotificationCenter::defaultCenter().addObserver(
-        notifications::preferences, [this](const Notification &) { ++told; });
+    Observation preferences =
+        NotificationCenter::defaultCenter().addObserver(notifications::preferences, [this] { ++told; });
 };
 
 TEST_F(CloudSettings, AreThoseOfTheMachineWithoutACloud)

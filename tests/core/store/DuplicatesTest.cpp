@@ -129,7 +129,7 @@ TEST_F(Duplicates, AreRemovedFromWhatIsImported)
         copy(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 9), localDate(2026, 1, 1));
     const TaskPtr theirs =
         copy(u"call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 9), localDate(2026, 2, 1));
-    ChangeList imported;
+    StoreChanges imported;
     imported.inserted = {theirs};
     delegate->mergeChanges(imported);
     EXPECT_EQ(count<EntityTask>(u"call"_qs), 1);

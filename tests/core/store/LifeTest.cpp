@@ -117,8 +117,7 @@ TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
     EXPECT_EQ(scheduled[0].deliveryDate, localDate(2026, 11, 21, 10));
     ObjectPtr clicked;
     const Observation observation = NotificationCenter::defaultCenter().addObserver(
-        notifications::clickTableSearch,
-        [&clicked](const Notification &one) { clicked = std::any_cast<ObjectPtr>(one.object); });
+        notifications::clickTableSearch, [&clicked](const ObjectPtr &one) { clicked = one; });
     delegate->userNotificationCenterDidActivateNotification(scheduled[0].userInfo.value(u"TASK_ID_KEY"_qs));
     EXPECT_EQ(clicked, DBWorker::getFirstTaskByTitle(u"one"_qs));
 }
@@ -172,7 +171,7 @@ TEST_F(Life, TheSampleStoreIsAnotherFileThatHidesNothing)
         const auto task = context().insert<EntityTask>();
         task->setTitle(title);
         task->setTypeCalendarID(u"gone"_qs);
-        DBWorker::saveContext();
+        DBWorker::saveOrTell();
     };
     addHidden(u"mine"_qs);
     EXPECT_TRUE(DBWorker::allTasks().isEmpty());

@@ -1,6 +1,7 @@
 #include "CoreTest.h"
 
 #include "records/SearchIndex.h"
+#include "store/state/NotificationNames.h"
 
 namespace {
 
@@ -118,20 +119,31 @@ TEST_F(SearchIndexOfRecords, FindsARenamedProjectAtOnceAndItsTasksByTheOldNameUn
     EXPECT_EQ(found(u"villa"_qs).size(), 2U);
 }
 
-TEST_F(SearchIndexOfRecords, IsBroughtUpToDateAfterAnEndBetweenTheTwoSaves)
+TEST_F(SearchIndexOfRecords, IsPartOfTheVeryCommitThatChangesTheRecord)
 {
     const TaskPtr task = add(u"first"_qs);
     const QString uri = task->uri();
-    context().setSaveHandler({});
-    // As if the program had ended right after the save of the record.
+    // The first hearer of the commit ends the program, so to speak.
+    const auto ended = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &) { context().reset(); });
     task->setTitle(u"renamed"_qs);
     EXPECT_FALSE(context().save());
-    EXPECT_TRUE(found(u"renamed"_qs).empty());
     delegate.reset();
     launch();
     EXPECT_EQ(found(u"renamed"_qs), std::vector<ObjectPtr>({DBWorker::getObjectFromId(uri)}));
     EXPECT_TRUE(found(u"first"_qs).empty());
-    EXPECT_TRUE(context().unfinishedFollowUps().empty());
+}
+
+TEST_F(SearchIndexOfRecords, FollowsAnUndoAndARedo)
+{
+    const TaskPtr task = add(u"first"_qs);
+    task->setTitle(u"renamed"_qs);
+    EXPECT_FALSE(context().save());
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(found(u"first"_qs), std::vector<ObjectPtr>({task}));
+    EXPECT_TRUE(found(u"renamed"_qs).empty());
+    ASSERT_FALSE(context().redo());
+    EXPECT_EQ(found(u"renamed"_qs), std::vector<ObjectPtr>({task}));
 }
 
 TEST_F(SearchIndexOfRecords, IsLeftAloneWhenTheInboxIsReordered)
@@ -142,6 +154,7 @@ TEST_F(SearchIndexOfRecords, IsLeftAloneWhenTheInboxIsReordered)
     const TaskList inbox = DBWorker::allInboxTasks();
     DBWorker::newPositionInboxTask({1}, 0, {inbox.at(0), inbox.at(1)});
     EXPECT_TRUE(found(u"a"_qs).empty());
+    EXPECT_EQ(found(add(u"the next one"_qs)->title()).size(), 1u) << "only the reordering is left out";
     inbox.at(0)->setDetails(u"new"_qs);
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(found(u"a"_qs).size(), 1u);

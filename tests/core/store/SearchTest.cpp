@@ -59,8 +59,7 @@ TEST_F(Searching, GroupsWhatItFindsInAFixedOrder)
 
     std::vector<ObjectPtr> clicked;
     const Observation observation = NotificationCenter::defaultCenter().addObserver(
-        notifications::clickTableSearch,
-        [&](const Notification &one) { clicked.push_back(std::any_cast<ObjectPtr>(one.object)); });
+        notifications::clickTableSearch, [&](const ObjectPtr &one) { clicked.push_back(one); });
     search(u"Ltd"_qs);
     EXPECT_FALSE(results.doubleClick(0));
     EXPECT_FALSE(results.doubleClick(7));

@@ -57,7 +57,7 @@ const ManagedObjectModel &libraryModel()
 {
     static const ManagedObjectModel model(
         3, {describe<Author>(),
-            describe<Book>().followedUp().substringIndexed("title").indexedBy(
+            describe<Book>().followingLinks().substringIndexed("title").indexedBy(
                 {{"Book_byTitle", "\"title\""}, {"Book_byAuthor", "\"author\""}}),
             describe<Shelf>(), describe<Label>(), describe<CatalogLine>().derived()});
     return model;

@@ -92,6 +92,29 @@ public:
 
 const ManagedObjectModel &libraryModel();
 
+/// Hears what commits do, and has a part in them where a test wants it.
+class Listener : public CommitEffects
+{
+public:
+    bool hasWork() const override { return isWorkLeft; }
+    void willCommit(ManagedObjectContext &context, const StoreChanges &changes) override
+    {
+        if (will)
+            will(context, changes);
+    }
+    void didCommit(ManagedObjectContext &context, const StoreChanges &changes) override
+    {
+        heard.push_back(changes);
+        if (did)
+            did(context, changes);
+    }
+
+    bool isWorkLeft = false;
+    std::function<void(ManagedObjectContext &, const StoreChanges &)> will;
+    std::function<void(ManagedObjectContext &, const StoreChanges &)> did;
+    std::vector<StoreChanges> heard;
+};
+
 /// A folder with a library in it, and both ways to the file: the store's and that of a stranger.
 class Library
 {

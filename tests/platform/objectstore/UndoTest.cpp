@@ -20,9 +20,9 @@ protected:
     template <typename Change>
     void saveAs(ChangeAuthor author, Change change)
     {
-        const AuthorScope scope(library.context(), author);
+        Transaction transaction(library.context(), author);
         change();
-        library.save();
+        ASSERT_FALSE(transaction.commit());
     }
 
     Library library;
@@ -30,25 +30,28 @@ protected:
 
 } // namespace
 
-TEST_F(Undo, takesBackAllSavesOfAGroupAtOnce)
+TEST_F(Undo, takesBackAllThatATransactionSavedAtOnce)
 {
     library.book("before");
     library.save();
     {
-        const SaveGroup outer(library.context());
+        Transaction outer(library.context(), ChangeAuthor::User, u"Two books"_qs);
         {
-            const SaveGroup inner(library.context());
+            Transaction inner(library.context());
             library.book("one");
-            library.save();
+            ASSERT_FALSE(inner.commit());
         }
         library.book("two");
         library.save();
         EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"before"_qs));
         EXPECT_NE(library.find("one"), nullptr) << "queries see it already";
+        ASSERT_FALSE(outer.commit());
     }
-    library.save();
+    EXPECT_EQ(library->undoName(), u"Two books"_qs);
     EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs).size(), 3);
     undo();
+    EXPECT_EQ(library->undoName(), QString());
+    EXPECT_EQ(library->redoName(), u"Two books"_qs);
     EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"before"_qs));
 }
 
@@ -75,24 +78,25 @@ TEST_F(Undo, reachesBackBeyondTheStartOfTheProgram)
     redo();
 }
 
-TEST_F(Undo, tellsEachRowOnceAndRemembersItsFollowUp)
+TEST_F(Undo, tellsEachRowOnce)
 {
     const auto label = library->insert<Label>();
     const auto emma = library.book("Emma");
     emma->setLabels({label});
     library.save();
-    library->finishFollowUps();
-    std::vector<ChangeList> heard;
-    library->setSaveHandler([&heard](const ChangeList &changes) { heard.push_back(changes); });
+    Listener listener;
+    library->setCommitEffects(&listener);
     undo();
     redo();
+    const auto &heard = listener.heard;
     ASSERT_EQ(heard.size(), 2u);
     EXPECT_THAT(heard[0].deleted, UnorderedElementsAre(emma, label));
     EXPECT_THAT(heard[0].updated, IsEmpty());
     EXPECT_EQ(heard[1].inserted.size(), 2u);
     EXPECT_THAT(heard[1].updated, IsEmpty());
     EXPECT_EQ(emma->context(), nullptr);
-    EXPECT_THAT(library->unfinishedFollowUps(), ElementsAre(library.find("Emma")));
+    EXPECT_EQ(heard[0].author, ChangeAuthor::Undo);
+    library->setCommitEffects(nullptr);
 }
 
 TEST_F(Undo, neverTakesBackWhatCameFromElsewhere)
@@ -103,7 +107,7 @@ TEST_F(Undo, neverTakesBackWhatCameFromElsewhere)
     emma->setPages(2);
     emma->setPrice(2);
     library.save();
-    saveAs(ChangeAuthor::Elsewhere, [&] {
+    saveAs(ChangeAuthor::Replication, [&] {
         emma->setPages(3);
         library.book("Imported");
     });
@@ -120,28 +124,24 @@ TEST_F(Undo, neverTakesBackWhatCameFromElsewhere)
     EXPECT_EQ(emma->price(), 2);
 }
 
-TEST_F(Undo, tellsAuthorsApartWithinOneSave)
+TEST_F(Undo, savesWhatTheUserChangedBeforeAnotherAuthorBegins)
 {
     const auto emma = library.book("Emma");
     library.save();
     emma->setPages(10);
-    {
-        const AuthorScope scope(library.context(), ChangeAuthor::Program);
-        library.book("Made by the program");
+    saveAs(ChangeAuthor::Pass, [&] {
+        library.book("Made by a pass");
         emma->setPrice(1);
-    }
+    });
     emma->setIsLent(true);
     library.save();
     undo();
-    EXPECT_EQ(emma->pages(), std::nullopt);
     EXPECT_EQ(emma->isLent(), std::nullopt);
-    EXPECT_EQ(emma->price(), 1);
-    EXPECT_NE(library.find("Made by the program"), nullptr);
-
-    emma->setPages(20);
-    saveAs(ChangeAuthor::Program, [] {});
+    EXPECT_EQ(emma->pages(), 10);
     undo();
-    EXPECT_EQ(emma->pages(), std::nullopt) << "the user's, though the program saved it";
+    EXPECT_EQ(emma->pages(), std::nullopt);
+    EXPECT_EQ(emma->price(), 1);
+    EXPECT_NE(library.find("Made by a pass"), nullptr);
 }
 
 TEST_F(Undo, bringsBackWhatWasDeletedWithItsRelations)
@@ -162,7 +162,7 @@ TEST_F(Undo, bringsBackWhatWasDeletedWithItsRelations)
     EXPECT_EQ(library.dump(), before);
 
     redo();
-    saveAs(ChangeAuthor::Elsewhere, [&] {
+    saveAs(ChangeAuthor::Replication, [&] {
         library->deleteObject(author);
         library->deleteObject(vanished);
     });
@@ -180,11 +180,13 @@ TEST_F(Undo, savesWhatIsPendingFirstAndANewSaveCutsRedoOff)
     const auto emma = library.book("Emma");
     library.save();
     emma->setPages(1);
-    library->setSaveHandler([this](const ChangeList &) {
+    Listener listener;
+    library->setCommitEffects(&listener);
+    listener.did = [this](ManagedObjectContext &, const StoreChanges &) {
         if (library->count(FetchRequest("CatalogLine")) == 0)
             library->insert<CatalogLine>();
         library->count(FetchRequest("CatalogLine"));
-    });
+    };
     undo();
     EXPECT_EQ(emma->pages(), std::nullopt);
     EXPECT_TRUE(library->canRedo());
@@ -196,6 +198,7 @@ TEST_F(Undo, savesWhatIsPendingFirstAndANewSaveCutsRedoOff)
     undo();
     undo();
     EXPECT_EQ(library.find("Emma"), emma) << "its price came from another hand";
+    library->setCommitEffects(nullptr);
 }
 
 TEST_F(Undo, leavesNewNumbersToRowsThatComeBack)

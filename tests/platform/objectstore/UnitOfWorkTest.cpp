@@ -9,6 +9,14 @@ using testing::UnorderedElementsAre;
 
 namespace {
 
+QStringList titlesOfUpdated(const StoreChanges &changes)
+{
+    QStringList found;
+    for (const StoreChanges::Update &one : changes.updated)
+        found.append(std::static_pointer_cast<Book>(one.object)->title());
+    return found;
+}
+
 class UnitOfWork : public testing::Test
 {
 protected:
@@ -37,14 +45,14 @@ TEST_F(UnitOfWork, queriesSeeWhatIsNotSavedAndOthersDoNot)
     EXPECT_FALSE(library->hasChanges());
 }
 
-TEST_F(UnitOfWork, theHandlerHearsEachObjectOnceInTheOrderOfItsFirstChange)
+TEST_F(UnitOfWork, aCommitTellsEachObjectOnceInTheOrderOfItsFirstChange)
 {
     const auto kept = library.book("Kept");
     const auto dropped = library.book("Dropped");
     library.save();
 
-    std::vector<ChangeList> heard;
-    library->setSaveHandler([&heard](const ChangeList &changes) { heard.push_back(changes); });
+    Listener listener;
+    library->setCommitEffects(&listener);
     dropped->setPages(1);
     const auto second = library.book("B");
     const auto first = library.book("A");
@@ -57,9 +65,10 @@ TEST_F(UnitOfWork, theHandlerHearsEachObjectOnceInTheOrderOfItsFirstChange)
     library.save();
     library.save();
 
+    const auto &heard = listener.heard;
     ASSERT_EQ(heard.size(), 1u) << "a save without changes tells nothing";
     EXPECT_THAT(heard[0].inserted, ElementsAre(second, first));
-    EXPECT_THAT(heard[0].updated, ElementsAre(kept));
+    EXPECT_EQ(titlesOfUpdated(heard[0]), QStringList(QStringLiteral("Kept")));
     EXPECT_THAT(heard[0].deleted, ElementsAre(dropped));
     EXPECT_EQ(dropped->context(), nullptr);
     EXPECT_EQ(dropped->entity().name(), "Book");
@@ -122,11 +131,8 @@ TEST_F(UnitOfWork, deletionEmptiesReferencesOrTakesTheHoldersAlong)
     }
     library.save();
 
-    QStringList heard;
-    library->setSaveHandler([&heard](const ChangeList &changes) {
-        heard = titles(changes.updated);
-        EXPECT_EQ(changes.deleted.size(), 3u);
-    });
+    Listener listener;
+    library->setCommitEffects(&listener);
     library->deleteObject(shelf);
     library->deleteObject(austen);
     EXPECT_TRUE(Predicate::format("author == nil").evaluate(*loose)) << "also before anything is written";
@@ -134,11 +140,13 @@ TEST_F(UnitOfWork, deletionEmptiesReferencesOrTakesTheHoldersAlong)
     EXPECT_EQ(loose->author(), nullptr);
     EXPECT_THAT(label->books(), ElementsAre(loose));
     library.save();
-    EXPECT_EQ(heard, QStringList(QStringLiteral("Loose")));
+    ASSERT_EQ(listener.heard.size(), 1u);
+    EXPECT_EQ(titlesOfUpdated(listener.heard.front()), QStringList(QStringLiteral("Loose")));
+    EXPECT_EQ(listener.heard.front().deleted.size(), 3u);
+    library->setCommitEffects(nullptr);
     EXPECT_EQ(library.ask(QStringLiteral("SELECT source FROM Book_labels")),
               QStringList(loose->identifier()));
 
-    library->setSaveHandler({});
     library->deleteObject(label);
     EXPECT_TRUE(loose->labels().empty());
     library.save();
@@ -203,23 +211,49 @@ TEST_F(UnitOfWork, oneObjectStandsForARowWhicheverWayItIsReached)
     EXPECT_EQ(list.at(count), nullptr);
 }
 
-TEST_F(UnitOfWork, theSaveHandlerMaySaveChangesOfItsOwn)
+TEST_F(UnitOfWork, effectsHaveTheirPartInTheCommitAndMayCommitMoreAfterIt)
 {
-    QStringList heard;
-    library->setSaveHandler([&](const ChangeList &changes) {
-        heard += QStringLiteral("%1+%2").arg(changes.inserted.size()).arg(changes.updated.size());
-        if (heard.size() > 2)
+    Listener listener;
+    library->setCommitEffects(&listener);
+    listener.will = [](ManagedObjectContext &context, const StoreChanges &changes) {
+        for (const ObjectPtr &book : changes.inserted)
+            context.insert<CatalogLine>()->setWords(std::static_pointer_cast<Book>(book)->title());
+    };
+    listener.did = [](ManagedObjectContext &context, const StoreChanges &changes) {
+        if (changes.inserted.size() != 1)
             return;
-        library->insert<CatalogLine>()->setWords(heard.join(u' '));
-        library.save();
-        if (heard.size() == 3)
-            library->setSaveHandler({});
-    });
+        std::static_pointer_cast<Book>(changes.inserted.front())->setPages(1);
+        EXPECT_FALSE(context.save());
+    };
     library.book("Emma");
     library.save();
-    EXPECT_EQ(heard, QStringList({QStringLiteral("1+0"), QStringLiteral("1+0"), QStringLiteral("1+0")}));
-    EXPECT_EQ(library.ask(QStringLiteral("SELECT COUNT(*) FROM CatalogLine")),
-              QStringList(QStringLiteral("2")));
+    library->setCommitEffects(nullptr);
+    ASSERT_EQ(listener.heard.size(), 2u) << "derived rows alone are not told";
+    EXPECT_EQ(listener.heard[0].inserted.size(), 1u);
+    EXPECT_EQ(listener.heard[1].inserted.size(), 0u);
+    EXPECT_EQ(titlesOfUpdated(listener.heard[1]), QStringList(QStringLiteral("Emma")));
+    EXPECT_EQ(library.ask(QStringLiteral("SELECT words FROM CatalogLine")),
+              QStringList(QStringLiteral("Emma")));
+}
+
+TEST_F(UnitOfWork, tellsWhichColumnsAnUpdateChanged)
+{
+    const auto emma = library.book("Emma");
+    library.save();
+    Listener listener;
+    library->setCommitEffects(&listener);
+    emma->setPages(7);
+    emma->setTitle(QStringLiteral("Emma"));
+    library.save();
+    EXPECT_FALSE(library->undo());
+    library->setCommitEffects(nullptr);
+    ManagedObject::ColumnSet pages;
+    pages.set(static_cast<size_t>(emma->entity().columnOf("pages")));
+    ASSERT_EQ(listener.heard.size(), 2u);
+    for (const StoreChanges &changes : listener.heard) {
+        ASSERT_EQ(changes.updated.size(), 1u);
+        EXPECT_EQ(changes.updated.front().columns, pages) << "the same value is no change";
+    }
 }
 
 TEST_F(UnitOfWork, visitorsMayChangeWhatTheyAreShown)

@@ -30,11 +30,9 @@ MissingField CompanyForm::clickButtonSave()
         row = mainContext().insert<EntityCompany>();
     writeValues();
     items.storeFor(row);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     photo.finish();
     items = DetailItems(*row);
-    NotificationCenter::defaultCenter().post(isNew ? notifications::coreDataAddNewCompany
-                                                   : notifications::changeContactStatus);
     return MissingField::None;
 }
 

@@ -34,11 +34,9 @@ MissingField ContactForm::clickButtonSave()
         row = mainContext().insert<EntityContacts>();
     writeValues();
     items.storeFor(row);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
     photo.finish();
     items = DetailItems(*row);
-    NotificationCenter::defaultCenter().post(isNew ? notifications::coreDataAddNewContact
-                                                   : notifications::changeContactStatus);
     return MissingField::None;
 }
 

@@ -3,7 +3,6 @@
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
-#include "store/state/NotificationNames.h"
 
 MissingField NoteForm::clickButtonSave()
 {
@@ -15,7 +14,6 @@ MissingField NoteForm::clickButtonSave()
     row->setTitle(values.title);
     row->setDetail(values.detail);
     row->setContact(values.contact);
-    DBWorker::saveContext();
-    NotificationCenter::defaultCenter().post(notifications::coreDataAddNewNote);
+    DBWorker::saveOrTell();
     return MissingField::None;
 }

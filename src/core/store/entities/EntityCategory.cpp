@@ -23,7 +23,7 @@ void EntityCategory::setCustom()
 {
     if (const CategoryPtr present = getCustom())
         present->setDefaultCategory(false);
-    DBWorker::saveContext();
+    DBWorker::saveOrTell();
 }
 
 std::vector<TaskPtr> EntityCategory::tasksSorts() const

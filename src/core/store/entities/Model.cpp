@@ -22,7 +22,7 @@ EntityDescription describe()
 EntityDescription describeTask()
 {
     constexpr std::string_view open = "\"status\" IS NOT 3";
-    return describe<EntityTask>().followedUp().indexedBy({
+    return describe<EntityTask>().followingLinks().indexedBy({
         // Not Done and Today in their order, with what a filter by a period or a priority asks.
         {"EntityTask_openByDueDate",
          "\"dueDate\" DESC, \"title\", \"type\", \"status\", \"dueSomeDay\", \"startDate\", "
@@ -72,11 +72,11 @@ std::vector<EntityDescription> describeEntities()
 {
     return {
         describeTask(),
-        describe<EntityProject>().followedUp().indexedBy(
+        describe<EntityProject>().followingLinks().indexedBy(
             {{"EntityProject_category", "\"category\""}, {"EntityProject_byTitle", "\"title\""}}),
-        describe<EntityContacts>().followedUp().indexedBy(
+        describe<EntityContacts>().followingLinks().indexedBy(
             {{"EntityContacts_company", "\"company\""}, {"EntityContacts_category", "\"contactCategory\""}}),
-        describe<EntityCompany>().followedUp(),
+        describe<EntityCompany>().followingLinks(),
         describeDetail<EntityPhone>("EntityPhone_contact", "EntityPhone_company"),
         describeDetail<EntityEmail>("EntityEmail_contact", "EntityEmail_company"),
         describeDetail<EntityURL>("EntityURL_contact", "EntityURL_company"),
@@ -90,7 +90,7 @@ std::vector<EntityDescription> describeEntities()
         describe<EntityContactGroup>(),
         describe<EntityTags>(),
         describe<EntityLocation>(),
-        describe<EntityNote>().followedUp().indexedBy({{"EntityNote_contact", "\"contact\""}}),
+        describe<EntityNote>().followingLinks().indexedBy({{"EntityNote_contact", "\"contact\""}}),
         describe<EntitySearchIndex>().derived().substringIndexed("string").indexedBy(
             {{"EntitySearchIndex_object", "\"objectId\""}}),
     };

@@ -45,8 +45,13 @@ public:
     // The store.
     /// Whether the sample store is in use. Writes "0" where the setting is absent.
     static bool isSample();
-    /// Saves the main context: the only way the program saves. Gives the error of the save, or nothing.
-    static OptionalError saveContext();
+    /// Saves the main context. Gives the error of the save, or nothing; it stands in the log, too.
+    [[nodiscard]] static OptionalError saveContext();
+    /// Saves the main context. If that does not reach the disk, the user is told, once until it succeeds
+    /// again; the changes wait for the next save. Whether it was saved.
+    static bool saveOrTell();
+    /// The same for the result of a commit.
+    static bool tellOfFailure(const OptionalError &error);
     /// The permanent URI of an object, or an empty text for null.
     static QString getIdFromObject(const ObjectPtr &object);
     /// The object of a URI, or null if there is none (any more).

@@ -111,7 +111,7 @@ void DBWorker::removeAllTasksByCalendarIdentifier(const QString &identifier)
         else if (!event.value())
             mainContext().deleteObject(task);
     }
-    saveContext();
+    saveOrTell();
 }
 
 void DBWorker::setNilForCalendarIDTasks()
@@ -127,7 +127,7 @@ void DBWorker::setNilForCalendarIDTasks()
         task->setRepeat(QString());
         task->setEndRepeat(std::nullopt);
     }
-    saveContext();
+    saveOrTell();
 }
 
 ObjectList<EntityLocation> DBWorker::getLocationsByLatitude(double latitude, double andLongitude,

@@ -64,6 +64,5 @@ void DBWorker::newPositionInboxTask(const std::set<int> &rows, int toIndex,
     moveTo(tasks, places, static_cast<size_t>(target));
     for (size_t place = 0; place < tasks.size(); ++place)
         tasks[place]->setPosition(static_cast<int>(place) + 1);
-    NotificationCenter::defaultCenter().post(notifications::positionInboxTask);
-    saveContext();
+    saveOrTell();
 }

@@ -201,12 +201,12 @@ std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, std
     location->setTitle(title);
     location->setLatitude(latitude);
     location->setLongitude(longitude);
-    saveContext();
+    saveOrTell();
     return location;
 }
 
 void DBWorker::allSearchObjRemove()
 {
     mainContext().deleteRows(EntitySearchIndex::fetchRequest());
-    saveContext();
+    saveOrTell();
 }

@@ -1,4 +1,6 @@
 #include "calendarsync/CalendarEvent.h"
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "store/AppDelegate.h"
@@ -8,6 +10,13 @@
 #include <unordered_set>
 
 // The store behind the queries.
+
+static void logFailure(const Error &error)
+{
+    Log::line(QStringLiteral("Unresolved error %1, %2").arg(error.message, error.domain));
+    // Rows changed elsewhere are merged while they are written, so that no conflict is ever left over.
+    Log::line(QStringLiteral("conflict array: (null)"));
+}
 
 bool DBWorker::isSample()
 {
@@ -25,15 +34,33 @@ OptionalError DBWorker::saveContext()
     if (!delegate)
         return std::nullopt;
     ManagedObjectContext &context = delegate->managedObjectContext();
-    if (!context.hasChanges())
-        return std::nullopt;
     OptionalError error = context.save();
-    if (error) {
-        Log::line(QStringLiteral("Unresolved error %1, %2").arg(error->message, error->domain));
-        // Rows changed elsewhere are merged while they are written, so that no conflict is ever left over.
-        Log::line(QStringLiteral("conflict array: (null)"));
-    }
+    if (error)
+        logFailure(*error);
     return error;
+}
+
+bool DBWorker::saveOrTell()
+{
+    AppDelegate *delegate = AppDelegate::shared();
+    return !delegate || tellOfFailure(delegate->managedObjectContext().save());
+}
+
+bool DBWorker::tellOfFailure(const OptionalError &error)
+{
+    static bool isTold = false;
+    if (!error) {
+        isTold = false;
+        return true;
+    }
+    logFailure(*error);
+    if (!std::exchange(isTold, true))
+        Alert::run({localized(QStringLiteral("Your changes could not be saved")),
+                    localized(QStringLiteral("Your changes could not be saved")),
+                    error->message + QStringLiteral("\n\n") +
+                        localized(QStringLiteral("They are kept, and saved as soon as that is possible.")),
+                    {localized(QStringLiteral("OK"))}});
+    return false;
 }
 
 QString DBWorker::getIdFromObject(const ObjectPtr &object)

@@ -1,61 +1,40 @@
 #pragma once
 
 #include "foundation/NotificationCenter.h"
+#include "objectstore/StoreChanges.h"
+#include "store/entities/Entities.h"
 
-/// The names by which a change reaches the screens. Their object is empty unless told otherwise.
+class MVContactGroup;
+struct MarkedSpan;
+
+/// The names by which things are told to who is not known by name. What a commit changed is told as
+/// `contextDidSave`, whoever made it; the others tell what no row shows.
 namespace notifications {
 
-// Records and store.
-inline constexpr NotificationName iCloudChange{u"iCloudChange"};
-inline constexpr NotificationName coreDataAddNewTask{u"CoreDataAddNewTask"};
-/// Object: the task (TaskPtr).
-inline constexpr NotificationName taskChange{u"TaskChange"};
-/// Object: the task (TaskPtr).
-inline constexpr NotificationName reloadTasks{u"ReloadTasks"};
-inline constexpr NotificationName coreDataAddNewProject{u"CoreDataAddNewProject"};
-inline constexpr NotificationName projectChange{u"ProjectChange"};
-inline constexpr NotificationName coreDataAddNewContact{u"CoreDataAddNewContact"};
-inline constexpr NotificationName coreDataAddNewCompany{u"CoreDataAddNewCompany"};
-inline constexpr NotificationName changeContactStatus{u"ChangeContactStatus"};
-inline constexpr NotificationName coreDataAddNewNote{u"CoreDataAddNewNote"};
-inline constexpr NotificationName coreDataChangeNote{u"CoreDataChangeNote"};
-/// Object: the values of the group that is to be saved (MVContactGroup).
-inline constexpr NotificationName saveNewContactGroup{u"SaveNewContactGroup"};
-inline constexpr NotificationName reloadContactGroup{u"ReloadContactGroup"};
-inline constexpr NotificationName addCurrentTasksWindowDone{u"AddCurrentTasksWindowDone"};
-inline constexpr NotificationName positionInboxTask{u"PositionInboxTask"};
-/// Object: the document.
-inline constexpr NotificationName dataModified{u"dataModified"};
-inline constexpr NotificationName preferences{u"com.halvern.morvane.preferences"};
+/// What a commit changed in the store in use, after everything that follows from it but the screens.
+inline constexpr NotificationName<StoreChanges> contextDidSave{u"NSManagedObjectContextDidSaveNotification"};
+/// The records are others than before: another store, other calendars, or an import.
+inline constexpr NotificationName<> iCloudChange{u"iCloudChange"};
+/// A task was made.
+inline constexpr NotificationName<> coreDataAddNewTask{u"CoreDataAddNewTask"};
+/// A task was saved, or a rule refused to; null if it has no row.
+inline constexpr NotificationName<TaskPtr> taskChange{u"TaskChange"};
+/// The values of a group that is to be saved.
+inline constexpr NotificationName<MVContactGroup> saveNewContactGroup{u"SaveNewContactGroup"};
+/// Settings that travel between devices were changed by another one.
+inline constexpr NotificationName<> preferences{u"com.halvern.morvane.preferences"};
 
 // Selection and commands.
-inline constexpr NotificationName changeSelectedTask{u"ChangeSelectedTask"};
-/// Object: the record (ObjectPtr).
-inline constexpr NotificationName clickTableSearch{u"ClickTableSearch"};
-inline constexpr NotificationName searchMorvane{u"SearchMorvane"};
-inline constexpr NotificationName keySave{u"KeySave"};
-inline constexpr NotificationName keyDown{u"KeyDown"};
-/// Object: what was marked among the hours (MarkedSpan).
-inline constexpr NotificationName dayCalendarCreateTask{u"DayCalendarCreateTask"};
-/// Object: what was marked among the whole days (MarkedSpan).
-inline constexpr NotificationName allDayCalendarCreateTask{u"AllDayCalendarCreateTask"};
+/// The record that was picked among what a search found.
+inline constexpr NotificationName<ObjectPtr> clickTableSearch{u"ClickTableSearch"};
+inline constexpr NotificationName<> searchMorvane{u"SearchMorvane"};
+inline constexpr NotificationName<> keySave{u"KeySave"};
+/// What was marked among the hours.
+inline constexpr NotificationName<MarkedSpan> dayCalendarCreateTask{u"DayCalendarCreateTask"};
+/// What was marked among the whole days.
+inline constexpr NotificationName<MarkedSpan> allDayCalendarCreateTask{u"AllDayCalendarCreateTask"};
 
-// Calendar items and window chrome.
-inline constexpr NotificationName eventCalendarChanged{u"EventCalendarChanged"};
-inline constexpr NotificationName eventCalendarHideLabel{u"EventCalendarHideLabel"};
-inline constexpr NotificationName eventDragged{u"EventDragged"};
-inline constexpr NotificationName eventResize{u"EventResize"};
-inline constexpr NotificationName wentLeftBorder{u"WentLeftBorder"};
-inline constexpr NotificationName wentRightBorder{u"WentRightBorder"};
-inline constexpr NotificationName monthCalendarSelectItem{u"MonthCalendarSelectItem"};
-inline constexpr NotificationName flippedViewWillStartLiveResize{u"FlippedViewWillStartLiveResize"};
-inline constexpr NotificationName splitChangeSize{u"SplitChangeSize"};
-inline constexpr NotificationName activeCustomButton{u"ActiveCustomButton"};
-inline constexpr NotificationName deactiveCustomButton{u"DeactiveCustomButton"};
-
-// The store's and the calendar store's own.
-/// Object: the context (ManagedObjectContext *). User info: its ChangeList.
-inline constexpr NotificationName contextDidSave{u"NSManagedObjectContextDidSaveNotification"};
-inline constexpr NotificationName eventStoreChanged{u"EKEventStoreChangedNotification"};
+/// Somebody else changed the calendars.
+inline constexpr NotificationName<> eventStoreChanged{u"EKEventStoreChangedNotification"};
 
 } // namespace notifications

@@ -80,8 +80,8 @@ void CalendarsAppleWindowController::setUpTable()
     connect(table, &QListView::clicked, model, &CalendarListModel::toggle);
     connect(table, &QListView::customContextMenuRequested, this, &CalendarsAppleWindowController::showMenu);
     setFocusProxy(table);
-    calendarsChanged = NotificationCenter::defaultCenter().addObserver(
-        notifications::eventStoreChanged, [this](const Notification &) { reload(); });
+    calendarsChanged = NotificationCenter::defaultCenter().addObserver(notifications::eventStoreChanged,
+                                                                       [this] { reload(); });
 }
 
 /// Calendars can be renamed, removed and added elsewhere while the window is open.

@@ -32,8 +32,8 @@ MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
     setUpSync();
     setUpContacts();
     refresh();
-    preferences = NotificationCenter::defaultCenter().addObserver(
-        notifications::preferences, [this](const Notification &) { refresh(); });
+    preferences =
+        NotificationCenter::defaultCenter().addObserver(notifications::preferences, [this] { refresh(); });
 }
 
 static QLabel *makeLabel(const QString &text, Theme::FontRole role, const QColor &color)

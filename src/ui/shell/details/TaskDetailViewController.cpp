@@ -132,15 +132,15 @@ void TaskDetailViewController::observe()
 {
     refreshTimer.setSingleShot(true);
     connect(&refreshTimer, &QTimer::timeout, this, &TaskDetailViewController::taskChanged);
-    for (const NotificationName name :
-         {notifications::taskChange, notifications::contextDidSave, notifications::iCloudChange})
-        observations.push_back(NotificationCenter::defaultCenter().addObserver(
-            name, [this](const Notification &) { refreshTimer.start(0); }));
-    observations.push_back(
-        NotificationCenter::defaultCenter().addObserver(notifications::keySave, [this](const Notification &) {
-            if (canSave())
-                finishEdit();
-        }));
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    const auto refresh = [this](const auto &...) { refreshTimer.start(0); };
+    observations.push_back(center.addObserver(notifications::taskChange, refresh));
+    observations.push_back(center.addObserver(notifications::contextDidSave, refresh));
+    observations.push_back(center.addObserver(notifications::iCloudChange, refresh));
+    observations.push_back(center.addObserver(notifications::keySave, [this] {
+        if (canSave())
+            finishEdit();
+    }));
 }
 
 /// What the user has entered stays, unless its task is gone or cannot be changed any more; the rest follows.

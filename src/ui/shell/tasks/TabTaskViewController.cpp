@@ -69,10 +69,10 @@ void TabTaskViewController::setUpView()
 
 void TabTaskViewController::observe()
 {
-    for (const NotificationName name :
-         {notifications::coreDataAddNewTask, notifications::taskChange, notifications::iCloudChange})
-        observations.push_back(NotificationCenter::defaultCenter().addObserver(
-            name, [this](const Notification &) { changedElsewhere(); }));
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    const auto reload = [this](const auto &...) { changedElsewhere(); };
+    observations.push_back(center.addObserver(notifications::contextDidSave, reload));
+    observations.push_back(center.addObserver(notifications::iCloudChange, reload));
 }
 
 void TabTaskViewController::changedElsewhere()

@@ -11,12 +11,20 @@ namespace {
 class Forms : public CoreTest
 {
 protected:
-    /// Counts the posts of one name.
+    /// Counts the commits that made, or changed, objects of an entity.
     struct Counter
     {
-        explicit Counter(NotificationName name)
+        enum Kind { Made, Changed };
+        Counter(Kind kind, std::string_view entity)
             : observation(NotificationCenter::defaultCenter().addObserver(
-                  name, [this](const Notification &) { ++count; }))
+                  notifications::contextDidSave, [this, kind, entity](const StoreChanges &changes) {
+                      StoreChanges asked;
+                      if (kind == Made)
+                          asked.inserted = changes.inserted;
+                      else
+                          asked.updated = changes.updated;
+                      count += asked.concerns(entity);
+                  }))
         {}
         int count = 0;
         Observation observation;
@@ -27,10 +35,10 @@ protected:
         return context().count(T::fetchRequest());
     }
 
-    Counter newContacts{notifications::coreDataAddNewContact};
-    Counter newCompanies{notifications::coreDataAddNewCompany};
-    Counter changedContacts{notifications::changeContactStatus};
-    Counter newNotes{notifications::coreDataAddNewNote};
+    Counter newContacts{Counter::Made, EntityContacts::entityName};
+    Counter newCompanies{Counter::Made, EntityCompany::entityName};
+    Counter changedContacts{Counter::Changed, EntityContacts::entityName};
+    Counter newNotes{Counter::Made, EntityNote::entityName};
 };
 
 TEST_F(Forms, StopAtAMissingNameWithoutAWord)

@@ -41,10 +41,16 @@ protected:
 
     int added = 0;
     int changed = 0;
-    Observation additions = NotificationCenter::defaultCenter().addObserver(
-        notifications::coreDataAddNewProject, [this](const Notification &) { ++added; });
-    Observation changes = NotificationCenter::defaultCenter().addObserver(
-        notifications::projectChange, [this](const Notification &) { ++changed; });
+    /// Commits that made, and that changed, projects.
+    Observation commits = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) {
+            StoreChanges made;
+            made.inserted = changes.inserted;
+            StoreChanges updated;
+            updated.updated = changes.updated;
+            added += made.concerns(EntityProject::entityName);
+            changed += updated.concerns(EntityProject::entityName);
+        });
 };
 
 TEST_F(SavingProjects, OnlyTheTitleForWantOfABetterIsTranslated)

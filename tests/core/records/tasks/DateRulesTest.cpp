@@ -15,10 +15,11 @@ protected:
         std::vector<Observation> observations;
         Posted()
         {
-            for (NotificationName name :
-                 {notifications::taskChange, notifications::reloadTasks, notifications::coreDataAddNewTask})
-                observations.push_back(NotificationCenter::defaultCenter().addObserver(
-                    name, [this](const Notification &one) { names.append(one.name.toString()); }));
+            NotificationCenter &center = NotificationCenter::defaultCenter();
+            observations.push_back(center.addObserver(
+                notifications::taskChange, [this](const TaskPtr &) { names.append(u"TaskChange"_qs); }));
+            observations.push_back(center.addObserver(notifications::coreDataAddNewTask,
+                                                      [this] { names.append(u"CoreDataAddNewTask"_qs); }));
         }
     };
     static MVTask copyOf(TaskType type, OptionalDate start, OptionalDate due,
@@ -47,7 +48,7 @@ TEST_F(DateRules, RefuseInTheirOrderWithTheirWords)
     };
     const std::vector<Case> cases = {
         {TaskType::ToDo, ten, nine, u"Invalid Due Date"_qs, u"Due Date can't be less than Start Date!"_qs,
-         u"ReloadTasks"_qs},
+         u"TaskChange"_qs},
         {TaskType::Appointment,
          {},
          ten,

@@ -250,13 +250,16 @@ TEST_F(HostileInput, AFullDiskStopsEveryFlowAndLosesNothing)
     {
         const FullDisk full;
         const LogCapture log;
-        const ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::secondButton, Alert::firstButton});
         EXPECT_FALSE(TaskManager::saveTaskTemp(fresh, true));
         EXPECT_FALSE(TaskManager::saveTaskTemp(edit, true));
         status.changeStatusType(TaskStatus::Done, true);
         EXPECT_FALSE(TaskManager::saveTaskTemp(series, true));
         TaskManager::deleteTasks({deleted}, {});
         EXPECT_EQ(log.lines().filter(u"Can't Save Task! Cannot "_qs).size(), 4);
+        EXPECT_EQ(alerts.asked().front().title, u"Your changes could not be saved"_qs);
+        EXPECT_EQ(alerts.asked().size(), 3u)
+            << "the user is told once, and asked about the series and the deletion";
         EXPECT_EQ(fresh.title + edit.details + series.title, u"freshmoreseries"_qs);
         EXPECT_FALSE(storedTitles().contains(u"deleted"_qs)) << "gone from the lists at once";
     }

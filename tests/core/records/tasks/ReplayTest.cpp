@@ -81,10 +81,12 @@ protected:
     Replay()
         : random(testSeed() + static_cast<unsigned>(GetParam()))
     {
-        for (const NotificationName &name :
-             {notifications::taskChange, notifications::reloadTasks, notifications::coreDataAddNewTask})
-            observations.push_back(NotificationCenter::defaultCenter().addObserver(
-                name, [this](const Notification &one) { note(one); }));
+        NotificationCenter &center = NotificationCenter::defaultCenter();
+        observations.push_back(center.addObserver(notifications::taskChange, [this](const TaskPtr &task) {
+            posts.append(u"TaskChange "_qs + (task ? task->identifier() : u"-"_qs));
+        }));
+        observations.push_back(center.addObserver(notifications::coreDataAddNewTask,
+                                                  [this] { posts.append(u"CoreDataAddNewTask -"_qs); }));
         sqlite3_open(storePath().toUtf8().constData(), &file);
         const std::vector<std::pair<OptionalDate, OptionalDate>> spans = {
             {{}, {}},
@@ -124,12 +126,6 @@ protected:
     TaskPtr taskOf(const QString &id)
     {
         return std::static_pointer_cast<EntityTask>(context().object(EntityTask::entityName, id));
-    }
-
-    void note(const Notification &one)
-    {
-        const auto *task = std::any_cast<TaskPtr>(&one.object);
-        posts.append(one.name.toString() + u' ' + (task && *task ? (*task)->identifier() : u"-"_qs));
     }
 
     /// What stands in the file, read by a connection of its own.

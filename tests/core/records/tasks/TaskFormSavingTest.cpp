@@ -42,7 +42,7 @@ TEST_F(TaskFormSavingTest, ANewTaskThatCouldNotBeStoredIsNoneUntilTheNextTry)
 {
     int added = 0;
     const Observation observation = NotificationCenter::defaultCenter().addObserver(
-        notifications::coreDataAddNewTask, [&added](const Notification &) { ++added; });
+        notifications::coreDataAddNewTask, [&added] { ++added; });
     TaskFormState form(NewTaskRequest{.createWithStartDate = localDate(2026, 11, 23, 9),
                                       .createWithDueDate = localDate(2026, 11, 23, 10)});
     form.setTitle(u"fresh"_s);

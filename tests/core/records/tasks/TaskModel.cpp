@@ -14,7 +14,7 @@ QString TaskModel::refusal(const Copy &copy)
     const bool hasBoth = copy.startDate && copy.dueDate;
     if (hasBoth && *copy.dueDate < *copy.startDate) {
         says(u"Invalid Due Date"_text, u"Due Date can't be less than Start Date!"_text);
-        return u"ReloadTasks"_text;
+        return u"TaskChange"_text;
     }
     const bool isRefused =
         (copy.type == appointment && !copy.startDate &&
@@ -77,7 +77,6 @@ bool TaskModel::saveTaskTemp(Copy &copy)
         if (answer != Alert::thirdButton) {
             write(copy);
             spread(copy.id, answer == Alert::firstButton);
-            post(u"ReloadTasks"_text, copy.id);
         } else if (isDelegateNew) {
             // Given up, the store is as it was.
             live.projects[copy.project].members.erase(copy.delegateToUser);
@@ -246,7 +245,6 @@ bool TaskModel::deleteTasks(const QStringList &selection)
         effects.log = {u"Start "_text + what, u"End "_text + what};
         for (const QString &id : repeating) {
             removeFrom(id, withFuture);
-            post(u"ReloadTasks"_text, id);
         }
     }
     for (const QString &id : projects) {
@@ -256,7 +254,6 @@ bool TaskModel::deleteTasks(const QStringList &selection)
     }
     for (const QString &id : plain) {
         live.tasks.erase(id);
-        post(u"ReloadTasks"_text, id);
     }
     commit();
     return true;

@@ -205,8 +205,8 @@ TEST_F(FolderFilesTest, ChangesOfOthersAreToldOnceAndOwnOnesNot)
 {
     write(u"a.ics"_qs, good);
     int posts = 0;
-    const auto observation = NotificationCenter::defaultCenter().addObserver(
-        EKEventStoreChangedNotification, [&](const Notification &) { ++posts; });
+    const auto observation =
+        NotificationCenter::defaultCenter().addObserver(EKEventStoreChangedNotification, [&] { ++posts; });
     EKEventStore::setSharedBackend(backend);
     EKEventStore shared;
 

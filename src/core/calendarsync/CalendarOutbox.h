@@ -1,0 +1,29 @@
+#pragma once
+
+#include "foundation/Date.h"
+#include "objectstore/ManagedObjectContext.h"
+
+class EKEventStore;
+
+/// Brings what a commit wants of the calendars into the commit, and carries it out after it.
+///
+/// Writing to an event stages the change only. The commit takes all staged changes into its outbox, so that
+/// rows and events change together or not at all; from then on they are seen as if they were written. They
+/// are carried out at once, or in small portions while the program goes on if there are many, or at the next
+/// start or activation if the program ended or the calendars could not be reached.
+namespace CalendarOutbox {
+
+/// Whether changes are staged that no commit has taken.
+bool hasWork();
+/// Posts the staged changes to the commit that is under way.
+void post(ManagedObjectContext &context);
+/// The commit is done: what it posted is seen as written from here on, and is carried out.
+void committed(ManagedObjectContext &context);
+/// Tries everything that is left.
+void carryOut(ManagedObjectContext &context);
+/// The same without a pause, for so long at most; for the end of the program.
+void carryOutFor(ManagedObjectContext &context, Seconds longest);
+/// Lets a new calendar store know what is still to be carried out.
+void prepare(EKEventStore &store);
+
+} // namespace CalendarOutbox

@@ -1,0 +1,73 @@
+#include "objectstore/Outbox.h"
+
+#include <QDataStream>
+#include <QIODevice>
+
+namespace outbox {
+
+namespace {
+
+constexpr auto format = QDataStream::Qt_6_4;
+
+void write(QDataStream &stream, const std::optional<QByteArray> &text)
+{
+    stream << text.has_value() << text.value_or(QByteArray());
+}
+
+std::optional<QByteArray> read(QDataStream &stream)
+{
+    bool isThere = false;
+    QByteArray text;
+    stream >> isThere >> text;
+    return isThere ? std::optional(text) : std::nullopt;
+}
+
+} // namespace
+
+QByteArray toBytes(const std::vector<OutboxEntry> &entries)
+{
+    QByteArray bytes;
+    if (entries.empty())
+        return bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(format);
+    for (const OutboxEntry &entry : entries) {
+        stream << qint32(entry.group) << entry.place << entry.key;
+        write(stream, entry.before);
+        write(stream, entry.after);
+    }
+    return qCompress(bytes);
+}
+
+std::vector<OutboxEntry> fromBytes(const QByteArray &bytes)
+{
+    std::vector<OutboxEntry> entries;
+    if (bytes.isEmpty())
+        return entries;
+    const QByteArray plain = qUncompress(bytes);
+    QDataStream stream(plain);
+    stream.setVersion(format);
+    while (!stream.atEnd()) {
+        OutboxEntry entry;
+        qint32 group = 0;
+        stream >> group >> entry.place >> entry.key;
+        entry.group = group;
+        entry.before = read(stream);
+        entry.after = read(stream);
+        if (stream.status() != QDataStream::Ok)
+            return {};
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+std::vector<OutboxEntry> inverted(const std::vector<OutboxEntry> &entries)
+{
+    std::vector<OutboxEntry> back;
+    back.reserve(entries.size());
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+        back.push_back({0, entry->group, entry->place, entry->key, entry->after, entry->before, true});
+    return back;
+}
+
+} // namespace outbox

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "foundation/Error.h"
+#include "objectstore/StoreChanges.h"
+
+#include <QString>
+
+class ManagedObjectContext;
+
+/// The changes that one command makes to a store: who makes them, and what its undo step is called.
+///
+/// While it is open, a save of the context is a part of it: everything reaches the disk with `commit`, as one
+/// step. One that is opened inside of another belongs to that one. What the user changed before a
+/// transaction of another author begins is saved first, as the user's. A transaction that ends without a
+/// commit leaves its changes in the context, where the next save finds them. Main thread only.
+class Transaction
+{
+public:
+    /// \param name what the user did, for the undo menu; empty if that has no name.
+    explicit Transaction(ManagedObjectContext &context, ChangeAuthor author = ChangeAuthor::User,
+                         QString name = {});
+    virtual ~Transaction();
+    Transaction(const Transaction &) = delete;
+    Transaction &operator=(const Transaction &) = delete;
+
+    ManagedObjectContext &context() const { return changed; }
+    ChangeAuthor author() const { return writer; }
+    const QString &name() const { return undoName; }
+    /// Whether it belongs to another one, which commits both.
+    bool isNested() const { return isInside; }
+
+    /// Writes everything to the disk, or nothing: on an error the changes stay for the next save. After it
+    /// the transaction goes on empty.
+    [[nodiscard]] virtual OptionalError commit();
+
+private:
+    ManagedObjectContext &changed;
+    ChangeAuthor writer;
+    QString undoName;
+    bool isInside;
+};
