@@ -121,8 +121,10 @@ public:
     /// Those of one external identifier, by their start.
     static std::vector<EKEvent> getEventsWithEventIdentifier(const QString &identifier,
                                                              const std::vector<EKEvent> &fromEvents);
-    /// The same among all chosen calendars in the window; none without access.
-    static std::vector<EKEvent> eventsWithExternalIdentifier(const QString &identifier);
+    /// The same among all chosen calendars, by their start; none without access. Of a series those in the
+    /// window and on some more days.
+    static std::vector<EKEvent> eventsWithExternalIdentifier(const QString &identifier,
+                                                             const std::vector<OptionalDate> &onDaysOf = {});
     /// The first that starts on the day of a date.
     static std::optional<EKEvent> eventByStartDateOfTask(OptionalDate date,
                                                          const std::vector<EKEvent> &fromEvents);

@@ -49,7 +49,6 @@ std::optional<std::vector<EKEvent>> singleEvents(const QString &identifier,
     auto items = CalendarEvent::eventStore().calendarItemsWithExternalIdentifier(identifier);
     if (!items)
         return std::nullopt;
-    const DateInterval seen = CalendarEvent::window();
     std::vector<EKEvent> found;
     for (EKEvent &event : *items) {
         if (event.hasRecurrenceRules() || event.isDetached || !event.startDate || !event.endDate)
@@ -58,7 +57,7 @@ std::optional<std::vector<EKEvent>> singleEvents(const QString &identifier,
             std::any_of(calendars.begin(), calendars.end(), [&event](const EKCalendar &one) {
                 return event.calendar && one.calendarIdentifier == event.calendar->calendarIdentifier;
             });
-        if (isChosen && *event.startDate <= seen.end && *event.endDate >= seen.start)
+        if (isChosen)
             found.push_back(std::move(event));
     }
     return found;
@@ -126,7 +125,8 @@ std::vector<EKEvent> CalendarEvent::getEventsWithEventIdentifier(const QString &
     return found;
 }
 
-std::vector<EKEvent> CalendarEvent::eventsWithExternalIdentifier(const QString &identifier)
+std::vector<EKEvent> CalendarEvent::eventsWithExternalIdentifier(const QString &identifier,
+                                                                 const std::vector<OptionalDate> &onDaysOf)
 {
     if (DBWorker::isSample() || !hasAccesToCalendar())
         return {};
@@ -135,8 +135,22 @@ std::vector<EKEvent> CalendarEvent::eventsWithExternalIdentifier(const QString &
         return {};
     if (auto single = singleEvents(identifier, calendars))
         return *single;
-    return getEventsWithEventIdentifier(identifier,
-                                        eventsForCalendars(calendars).value_or(std::vector<EKEvent>()));
+    std::vector<EKEvent> events = eventsForCalendars(calendars).value_or(std::vector<EKEvent>());
+    const DateInterval seen = window();
+    for (const OptionalDate &date : onDaysOf) {
+        if (!date || (*date >= seen.start && *date <= seen.end))
+            continue;
+        for (EKEvent &event :
+             eventsBetween(MTDates::startOfCurrentDay(*date), MTDates::endOfCurrentDay(*date), calendars)) {
+            const bool isKnown = std::ranges::any_of(events, [&event](const EKEvent &one) {
+                return one.calendarItemExternalIdentifier == event.calendarItemExternalIdentifier &&
+                       one.startDate == event.startDate && isSameCalendar(one, event);
+            });
+            if (!isKnown)
+                events.push_back(std::move(event));
+        }
+    }
+    return getEventsWithEventIdentifier(identifier, events);
 }
 
 std::optional<EKEvent> CalendarEvent::eventByStartDateOfTask(OptionalDate date,

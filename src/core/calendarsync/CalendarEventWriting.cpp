@@ -3,6 +3,7 @@
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
+#include "calendarsync/TaskToEvent.h"
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
 #include "store/entities/MainContext.h"
@@ -23,47 +24,48 @@ OptionalDate dateOf(const EntityTask &task)
 }
 
 /// The event of a row that stands alone: its only one, or of several that of a day.
-EKEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
+std::optional<EKEvent> eventOfSingle(const EntityTask &task, OptionalDate formerDate)
 {
-    const std::vector<EKEvent> events = series::eventsOf(task);
-    std::optional<EKEvent> found;
-    if (events.size() == 1)
-        found = events.front();
-    else
-        found = CalendarEvent::eventByStartDateOfTask(formerDate, events);
-    return found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore());
+    const std::vector<EKEvent> events = series::eventsOf(task, formerDate);
+    return events.size() == 1 ? std::optional(events.front())
+                              : CalendarEvent::eventByStartDateOfTask(formerDate, events);
 }
 
-EKEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
+std::optional<EKEvent> eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
 {
-    const std::vector<EKEvent> events = series::eventsOf(task);
-    const auto found = CalendarEvent::eventByStartDateOfTask(formerDate, events);
-    return found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore());
+    return CalendarEvent::eventByStartDateOfTask(formerDate, series::eventsOf(task, formerDate));
 }
 
-/// Saves the event and takes its identifier. What a store adds by itself as an alarm is taken off again.
+/// An event that is there, with what is to be written to it; or a new one, which takes everything.
+struct Draft
+{
+    EKEvent event;
+    EventFields fields;
+
+    Draft(const EntityTask &task, std::optional<EKEvent> found)
+        : event(found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore()))
+        , fields(found ? EventFields::changedIn(task) : EventFields::all())
+    {}
+};
+
+/// Saves the event and takes its identifier.
 bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
 {
     EKEventStore &store = CalendarEvent::eventStore();
-    const std::vector<EKAlarm> wanted = event.alarms;
     if (const auto error = store.saveEvent(event, storeSpan(span), true)) {
         Log::line(error->message);
         return false;
     }
     task.setCalendarID(event.calendarItemExternalIdentifier);
-    if (task.alert() || task.secondAlert())
-        calendarstore::state().hiddenAlarms.erase(task.calendarID());
-    if (event.hasAlarms() && !task.alert() && event.alarms != wanted) {
-        event.alarms.clear();
-        if (const auto error = store.saveEvent(event, storeSpan(span), true))
-            Log::line(error->message);
-    }
     return true;
 }
 
 /// Whether one occurrence is to lie on another calendar than its series.
-bool leavesCalendar(const EKEvent &event, const EntityTask &task, Span span)
+bool leavesCalendar(const Draft &draft, const EntityTask &task, Span span)
 {
+    if (!draft.fields.calendar)
+        return false;
+    const EKEvent &event = draft.event;
     const auto target = CalendarEvent::calendarOfIdentifier(task.typeCalendarID());
     return span == Span::ThisTask && event.hasRecurrenceRules() && event.calendar && target &&
            target->calendarIdentifier != event.calendar->calendarIdentifier;
@@ -81,20 +83,20 @@ bool moveAlone(EntityTask &task, const EKEvent &occurrence)
     return true;
 }
 
-bool write(EntityTask &task, EKEvent &event, Span span)
+bool write(EntityTask &task, Draft &draft, Span span)
 {
-    if (leavesCalendar(event, task, span))
-        return moveAlone(task, event);
-    CalendarEvent::syncTask(task, event);
-    return saveEventOf(task, event, span);
+    if (leavesCalendar(draft, task, span))
+        return moveAlone(task, draft.event);
+    taskevent::put(task, draft.event, draft.fields);
+    return saveEventOf(task, draft.event, span);
 }
 
 void writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
 {
-    EKEvent event = eventOfSingle(task, formerDate);
+    Draft draft(task, eventOfSingle(task, formerDate));
     // An occurrence that was edited alone stands in its series still, which the next edit leaves alone too.
-    if (write(task, event, event.hasRecurrenceRules() ? Span::ThisTask : span))
-        CalendarEvent::setEventToDictionaryChangedEventsOfNow(event);
+    if (write(task, draft, draft.event.hasRecurrenceRules() ? Span::ThisTask : span))
+        CalendarEvent::setEventToDictionaryChangedEventsOfNow(draft.event);
 }
 
 /// The rows of a series from a date on, one excepted, which the store is about to give anew.
@@ -140,10 +142,10 @@ void rebuildSeries(RecordsTransaction &transaction, const TaskPtr &task)
 void writeOccurrence(RecordsTransaction &transaction, EntityTask &task, Span span, OptionalDate formerDate)
 {
     const QString formerIdentifier = task.calendarID();
-    EKEvent event = eventOfOccurrence(task, formerDate);
-    if (span == Span::FutureTasks)
-        CalendarEvent::setRecurrenceRuleFromEvent(event, task);
-    if (!write(task, event, span) || span == Span::ThisTask)
+    Draft draft(task, eventOfOccurrence(task, formerDate));
+    if (span == Span::FutureTasks && draft.fields.rule)
+        CalendarEvent::setRecurrenceRuleFromEvent(draft.event, task);
+    if (!write(task, draft, span) || span == Span::ThisTask)
         return;
     // Rows go only where the store can give them anew, and it can fall silent at any time.
     const auto held = CalendarEvent::eventStore().holdContents();

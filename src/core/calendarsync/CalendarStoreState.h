@@ -28,9 +28,6 @@ struct State
     QString banMessage;
     /// Events that this program wrote, by identifier, with the moment of the change.
     std::map<QString, Date> changedEvents;
-    /// External identifiers of moments with alarms that their rows do not show, since a row of a moment has
-    /// no start to count from. An edit of such a row says nothing about them.
-    std::set<QString> hiddenAlarms;
     /// The user's answer about taking away much, while it holds.
     std::optional<bool> mayRemoveMany;
 };

@@ -48,7 +48,9 @@ OptionalDate momentOfAlarm(const EKEvent &event, size_t place, const EntityTask 
     const EKAlarm &alarm = event.alarms[place];
     if (alarm.absoluteDate())
         return alarm.absoluteDate();
-    return row.startDate() ? OptionalDate(*row.startDate() + Seconds(alarm.relativeOffset())) : std::nullopt;
+    // A moment has no start but itself.
+    const OptionalDate base = row.type() == TaskType::EmailCall ? row.dueDate() : row.startDate();
+    return base ? OptionalDate(*base + Seconds(alarm.relativeOffset())) : std::nullopt;
 }
 
 } // namespace eventdates

@@ -22,7 +22,8 @@ std::optional<Taken> of(const EKEvent &event);
 /// Whether a row has them, each within a minute: whoever edited it left its type and dates alone.
 bool areShownBy(const EntityTask &row, const EKEvent &event);
 
-/// The moment of one of the event's alarms, counted from the start of a row; absent if there is no such
+/// The moment of one of the event's alarms, counted from the start of a row, of a mail or call from its due
+/// date; absent if there is no such
 /// alarm, or no start to count from.
 OptionalDate momentOfAlarm(const EKEvent &event, size_t place, const EntityTask &row);
 

@@ -1,5 +1,4 @@
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventDates.h"
 #include "calendarsync/EventPlace.h"
 #include "records/dates/MVDate.h"
@@ -61,11 +60,6 @@ void takeAlarms(const EKEvent &event, EntityTask &task)
 {
     task.setAlert(eventdates::momentOfAlarm(event, 0, task));
     task.setSecondAlert(eventdates::momentOfAlarm(event, 1, task));
-    auto &hidden = calendarstore::state().hiddenAlarms;
-    if (event.hasAlarms() && !task.alert() && !task.secondAlert())
-        hidden.insert(event.calendarItemExternalIdentifier);
-    else
-        hidden.erase(event.calendarItemExternalIdentifier);
 }
 
 void takeCalendar(const EKEvent &event, EntityTask &task)

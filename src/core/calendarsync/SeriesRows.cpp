@@ -173,11 +173,13 @@ std::vector<TaskPtr> otherRows(const EntityTask &task)
     return rows;
 }
 
-std::vector<EKEvent> eventsOf(const EntityTask &task)
+std::vector<EKEvent> eventsOf(const EntityTask &task, OptionalDate formerDate)
 {
     if (task.calendarID().isEmpty())
         return {};
-    std::vector<EKEvent> events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const OptionalDate date = task.startDate() ? task.startDate() : task.dueDate();
+    std::vector<EKEvent> events =
+        CalendarEvent::eventsWithExternalIdentifier(task.calendarID(), {date, formerDate});
     const auto isElsewhere = [&task](const EKEvent &event) {
         return !event.calendar ||
                CalendarEvent::identifierOfCalendar(*event.calendar) != task.typeCalendarID();

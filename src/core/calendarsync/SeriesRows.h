@@ -20,9 +20,10 @@ struct AlertOffsets
 /// All other rows that name the same calendar item; none for a task that names none.
 std::vector<TaskPtr> otherRows(const EntityTask &task);
 
-/// The events of a row's identifier inside the window. Where several calendars have it, those of the row's
-/// own calendar, unless it has none there.
-std::vector<EKEvent> eventsOf(const EntityTask &task);
+/// The events of a row's identifier: inside the window, and wherever they are on the days of the row and on
+/// the day that it had before an edit. Where several calendars have it, those of the row's own calendar,
+/// unless it has none there.
+std::vector<EKEvent> eventsOf(const EntityTask &task, OptionalDate formerDate = {});
 
 /// Whether a row of the same series lies after another.
 bool isLater(const EntityTask &row, const EntityTask &task);

@@ -1,13 +1,13 @@
+#include "calendarsync/TaskToEvent.h"
+
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventDates.h"
 #include "calendarsync/EventPlace.h"
 #include "calendarsync/SeriesRows.h"
 
 #include <cmath>
 
-// What an event shows of its task. What the event says already stays as it is there: it can hold more than a
-// row can show, such as the hours of an event over midnight or the sound of an alarm.
+// What an event shows of its task.
 
 namespace {
 
@@ -50,9 +50,6 @@ bool isShown(OptionalDate alert, size_t place, const EKEvent &event, const Entit
 void putAlarms(const EntityTask &task, EKEvent &event)
 {
     const bool isSilent = !task.alert() && !task.secondAlert();
-    const auto &hidden = calendarstore::state().hiddenAlarms;
-    if (isSilent && hidden.contains(event.calendarItemExternalIdentifier))
-        return;
     const auto offsets = series::AlertOffsets::of(task);
     const auto alarmFor = [&](size_t place, const Date &alert, double offset) {
         return isShown(alert, place, event, task) ? event.alarms[place]
@@ -71,12 +68,46 @@ void putAlarms(const EntityTask &task, EKEvent &event)
 
 } // namespace
 
+EventFields EventFields::ofColumns(const ManagedObject::ColumnSet &columns)
+{
+    const auto has = [&columns](auto... places) {
+        return (columns.test(static_cast<size_t>(places)) || ...);
+    };
+    using Task = EntityTask;
+    EventFields fields;
+    fields.title = has(Task::column<"title">());
+    fields.place = has(Task::column<"location">());
+    fields.notes = has(Task::column<"details">());
+    fields.dates = has(Task::column<"type">(), Task::column<"startDate">(), Task::column<"dueDate">());
+    fields.rule = fields.dates || has(Task::column<"repeat">(), Task::column<"endRepeat">());
+    // An alarm counts from the start.
+    fields.alarms = fields.dates || has(Task::column<"alert">(), Task::column<"secondAlert">());
+    fields.calendar = has(Task::column<"typeCalendarID">());
+    return fields;
+}
+
+EventFields EventFields::changedIn(const EntityTask &row)
+{
+    return row.isInserted() ? all() : ofColumns(row.changedColumns());
+}
+
+void taskevent::put(const EntityTask &task, EKEvent &event, const EventFields &fields)
+{
+    if (fields.title)
+        event.title = task.title();
+    if (fields.place)
+        putPlace(task, event);
+    if (fields.notes)
+        event.notes = task.details();
+    if (fields.dates)
+        putDates(task, event);
+    if (fields.alarms)
+        putAlarms(task, event);
+    if (fields.calendar)
+        event.calendar = CalendarEvent::calendarOfIdentifier(task.typeCalendarID());
+}
+
 void CalendarEvent::syncTask(const EntityTask &task, EKEvent &toEvent)
 {
-    toEvent.title = task.title();
-    putPlace(task, toEvent);
-    toEvent.notes = task.details();
-    putDates(task, toEvent);
-    putAlarms(task, toEvent);
-    toEvent.calendar = calendarOfIdentifier(task.typeCalendarID());
+    taskevent::put(task, toEvent, EventFields::all());
 }

@@ -38,6 +38,8 @@ public:
     bool isDeleted() const { return state == State::Deleted; }
     /// Whether something was changed since the last save.
     bool hasChanges() const;
+    /// The columns with another value than at the last save; of a new object, those that were set.
+    const ColumnSet &changedColumns() const { return changedSinceSave; }
 
     /// The value of a column; reads the row if that has not happened yet. Absent for a row that was deleted
     /// elsewhere, which takes no changes any more.
