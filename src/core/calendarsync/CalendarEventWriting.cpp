@@ -48,7 +48,8 @@ struct Draft
     {}
 };
 
-/// Saves the event and takes its identifier.
+/// Saves the event. The row takes its identifier, and all that a pass would bring it: what others have
+/// changed of the event, and the words of its calendar.
 bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
 {
     EKEventStore &store = CalendarEvent::eventStore();
@@ -57,6 +58,7 @@ bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
         return false;
     }
     task.setCalendarID(event.calendarItemExternalIdentifier);
+    CalendarEvent::syncEvent(event, task);
     return true;
 }
 

@@ -87,12 +87,12 @@ TEST_F(ForeignEvents, KeepEveryAlarm)
     EXPECT_TRUE(files(u"Home"_qs).first().contains(u"ACTION:EMAIL"_qs));
 }
 
-TEST_F(ForeignEvents, KeepTheAlarmOfAMomentThatNoRowShows)
+TEST_F(ForeignEvents, KeepTheAlarmOfAMoment)
 {
     const QString moment = u"SUMMARY:Old\nDTSTART:20261124T080000Z\nBEGIN:VALARM\nACTION:DISPLAY\n"
                            u"DESCRIPTION:x\nTRIGGER:-PT15M\nEND:VALARM\n"_qs;
     EXPECT_EQ(changedLines(moment, rename), onlyTitle);
-    EXPECT_EQ(rows().at(0)->alert(), std::nullopt);
+    EXPECT_EQ(rows().at(0)->alert(), localDate(2026, 11, 24, 8, 45));
     MVTask copy(rows().at(0));
     copy.alert = localDate(2026, 11, 24, 8, 50);
     ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));

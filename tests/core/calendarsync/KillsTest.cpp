@@ -92,7 +92,7 @@ protected:
     }
 };
 
-TEST_F(Kills, ManyTasksTickedOffAndOpenedAgainAreNeverLostOrDoubled)
+TEST_F(Kills, GeneratedOnesOfManyTasksTickedOffAndOpenedAgainAreNeverLostOrDoubled)
 {
     makeTasks();
     expectWhole("at first");
@@ -110,7 +110,7 @@ TEST_F(Kills, ManyTasksTickedOffAndOpenedAgainAreNeverLostOrDoubled)
     expectSettled();
 }
 
-TEST_F(Kills, AnUndoIsFinishedAtTheNextStart)
+TEST_F(Kills, GeneratedOnesOfAnUndoAreFinishedAtTheNextStart)
 {
     makeTasks();
     std::mt19937 random(testSeed());
