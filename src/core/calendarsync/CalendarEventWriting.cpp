@@ -166,6 +166,15 @@ void copyToSeries(const EntityTask &task)
 
 } // namespace
 
+void taskevent::write(EntityTask &row, const EventFields &fields)
+{
+    auto event = eventOfSingle(row, dateOf(row));
+    if (!event)
+        return;
+    put(row, *event, fields);
+    saveEventOf(row, *event, event->hasRecurrenceRules() ? Span::ThisTask : Span::FutureTasks);
+}
+
 bool calendarstore::isOffline()
 {
     return !CalendarEvent::hasAccesToCalendar() || CalendarEvent::getAllAccessCalendars().empty() ||

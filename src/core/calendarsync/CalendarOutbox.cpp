@@ -2,6 +2,7 @@
 
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/OfflineChanges.h"
 #include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
 #include "foundation/MainLoop.h"
@@ -35,8 +36,10 @@ ItemChange changeOf(const OutboxEntry &entry)
 std::vector<ItemChange> pendingChanges(ManagedObjectContext &context)
 {
     std::vector<ItemChange> changes;
-    for (const OutboxEntry &entry : context.pendingOutbox())
-        changes.push_back(changeOf(entry));
+    for (const OutboxEntry &entry : context.pendingOutbox()) {
+        if (!offlinechanges::isOne(entry))
+            changes.push_back(changeOf(entry));
+    }
     return changes;
 }
 
@@ -159,8 +162,11 @@ bool hasWork()
     return !DBWorker::isSample() && state().store && state().store->hasStagedChanges();
 }
 
-void post(ManagedObjectContext &context)
+void post(ManagedObjectContext &context, const StoreChanges &changes)
 {
+    if (DBWorker::isSample())
+        return;
+    offlinechanges::post(context, changes);
     if (!hasWork())
         return;
     for (const ItemChange &change : state().store->stagedChanges())
@@ -187,6 +193,18 @@ void carryOut(ManagedObjectContext &context)
 void carryOutFor(ManagedObjectContext &context, Seconds longest)
 {
     drain(context, std::chrono::duration_cast<std::chrono::milliseconds>(longest));
+}
+
+void writeChangesMadeOffline(ManagedObjectContext &context)
+{
+    if (mayWrite())
+        offlinechanges::write(context);
+}
+
+void writeTasksMadeOffline()
+{
+    if (mayWrite())
+        offlinechanges::writeNewTasks();
 }
 
 void prepare(EKEventStore &store)

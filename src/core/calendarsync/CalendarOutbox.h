@@ -15,12 +15,18 @@ namespace CalendarOutbox {
 
 /// Whether changes are staged that no commit has taken.
 bool hasWork();
-/// Posts the staged changes to the commit that is under way.
-void post(ManagedObjectContext &context);
+/// Posts the staged changes to the commit that is under way; where no calendar can be reached, which rows
+/// that have events it changes.
+void post(ManagedObjectContext &context, const StoreChanges &changes);
 /// The commit is done: what it posted is seen as written from here on, and is carried out.
 void committed(ManagedObjectContext &context);
 /// Tries everything that is left.
 void carryOut(ManagedObjectContext &context);
+/// Brings to the calendars, now that they can be reached, what was changed of rows with events while they
+/// could not. Before a pass, which would take the events for what is right.
+void writeChangesMadeOffline(ManagedObjectContext &context);
+/// Makes events for tasks that were made meanwhile. After a pass, which may have found one for them.
+void writeTasksMadeOffline();
 /// The same without a pause, for so long at most; for the end of the program.
 void carryOutFor(ManagedObjectContext &context, Seconds longest);
 /// Lets a new calendar store know what is still to be carried out.

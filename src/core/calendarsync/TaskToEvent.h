@@ -28,4 +28,8 @@ namespace taskevent {
 /// more than a row can show, such as the hours of an event over midnight or the sound of an alarm.
 void put(const EntityTask &task, EKEvent &event, const EventFields &fields);
 
+/// Writes some fields of a row to its event, without which nothing happens; the row takes what the event has
+/// of the others.
+void write(EntityTask &row, const EventFields &fields);
+
 } // namespace taskevent

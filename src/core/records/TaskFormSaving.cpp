@@ -74,7 +74,6 @@ void TaskFormState::takeBackNewRow(const MVTask &before)
 {
     const TaskPtr row = task.task();
     if (!isGone()) {
-        row->removeNotifications();
         CalendarEvent::removeEventCalendarFromTask(row, Span::FutureTasks, true);
     }
     task = before;

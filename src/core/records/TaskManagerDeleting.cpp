@@ -113,7 +113,6 @@ void deleteSelection(const Selection &selection, std::optional<Span> span, const
 
 void TaskManager::deleteTask(RecordsTransaction &transaction, const TaskPtr &task)
 {
-    task->removeNotifications();
     CalendarEvent::removeEventCalendarFromTask(transaction, task, Span::ThisTask, true);
 }
 

@@ -9,7 +9,6 @@
 #include "records/dates/MTDates.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
-#include "usernotifications/UserNotificationCenter.h"
 
 #include <algorithm>
 
@@ -144,15 +143,6 @@ bool saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalD
     return true;
 }
 
-void replaceNotifications(const EntityTask &task)
-{
-    task.removeNotifications();
-    std::vector<UserNotification> notifications = task.newLocalNotification();
-    if (!notifications.empty())
-        UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(
-            std::move(notifications));
-}
-
 /// What is said where the dates of a task leave those of its project.
 struct EnvelopeRule
 {
@@ -221,8 +211,6 @@ bool TaskManager::commit(RecordsTransaction &transaction, MVTask &task)
         Log::line(QStringLiteral("Can't Save Task! %1 %2").arg(error->message, error->domain));
         return false;
     }
-    if (!CalendarEvent::hasAccesToCalendar() && task.task())
-        replaceNotifications(*task.task());
     finish(task);
     return true;
 }

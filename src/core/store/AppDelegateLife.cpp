@@ -1,3 +1,4 @@
+#include "calendarsync/AlertSchedule.h"
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarOutbox.h"
 #include "cloud/CloudUserDefaults.h"
@@ -120,17 +121,8 @@ void AppDelegate::applicationDidResignActive()
     isInFront = false;
     UserDefaults &defaults = UserDefaults::standard();
     CalendarEvent::resetMessageForBanChangeRepeat();
-    const bool hasAccess = CalendarEvent::hasAccesToCalendar();
-    defaults.setObject(settings::isAccesToCalendarForDidEnterBackground, yesOrNo(hasAccess));
-    if (!hasAccess) {
-        UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
-        center.setScheduledNotifications({});
-        for (const TaskPtr &task : DBWorker::getAllTasksWithAlert()) {
-            std::vector<UserNotification> notifications = task->newLocalNotification();
-            if (!notifications.empty())
-                center.setScheduledNotifications(std::move(notifications));
-        }
-    }
+    defaults.setObject(settings::isAccesToCalendarForDidEnterBackground,
+                       yesOrNo(CalendarEvent::hasAccesToCalendar()));
     badgeUpdata();
     DBWorker::saveOrTell();
 }
@@ -187,7 +179,11 @@ void AppDelegate::applicationDidBecomeActive()
     CalendarEvent::tryCreateMessageForBanEditingRepeatTask();
     if (!goesAhead && version() == QStringLiteral("3.0"))
         CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(true);
+    CalendarOutbox::writeChangesMadeOffline(managedObjectContext());
     CalendarEvent::syncCalendarToAppWithTask(nullptr);
+    CalendarOutbox::writeTasksMadeOffline();
+    if (!DBWorker::isSample())
+        AlertSchedule::rebuild();
     DBWorker::saveOrTell();
     defaults.setObject(settings::applicationDidBecomeActive, yes);
     defaults.synchronize();

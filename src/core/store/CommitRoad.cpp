@@ -1,8 +1,10 @@
 #include "store/CommitRoad.h"
 
+#include "calendarsync/AlertSchedule.h"
 #include "calendarsync/CalendarOutbox.h"
 #include "records/SearchIndex.h"
 #include "store/AppDelegate.h"
+#include "store/queries/DBWorker.h"
 
 bool CommitRoad::hasWork() const
 {
@@ -12,12 +14,14 @@ bool CommitRoad::hasWork() const
 void CommitRoad::willCommit(ManagedObjectContext &context, const StoreChanges &changes)
 {
     SearchIndex::follow(changes);
-    CalendarOutbox::post(context);
+    CalendarOutbox::post(context, changes);
 }
 
 void CommitRoad::didCommit(ManagedObjectContext &context, const StoreChanges &changes)
 {
     CalendarOutbox::committed(context);
+    if (!DBWorker::isSample())
+        AlertSchedule::follow(changes);
     if (AppDelegate *delegate = AppDelegate::shared())
         delegate->managedObjectContexLocalChangeData(changes);
 }

@@ -66,6 +66,8 @@ public:
     /// Removes a calendar with all that is in it.
     virtual OptionalError removeCalendar(const QString &calendarIdentifier) = 0;
 
+    /// Whether the service behind it rings the alarms of its events by itself.
+    virtual bool ringsAlarms() const { return false; }
     /// Looks for changes now; those found are told as ever.
     virtual void refresh() = 0;
     /// What to call, on the main loop, after somebody else has changed calendars or objects. One at a time;

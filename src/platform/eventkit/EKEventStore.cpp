@@ -234,6 +234,11 @@ void EKEventStore::reset()
     contents->reset();
 }
 
+bool EKEventStore::ringsAlarms() const
+{
+    return contents->backend().ringsAlarms();
+}
+
 void EKEventStore::refreshSourcesIfNecessary()
 {
     contents->forgetHeld();

@@ -133,6 +133,8 @@ public:
     OptionalError commit();
     /// Gives up what is pending.
     void reset();
+    /// Whether alarms of events ring without this program.
+    bool ringsAlarms() const;
     /// Looks for changes now.
     void refreshSourcesIfNecessary();
 

@@ -137,7 +137,7 @@ OptionalError ManagedObjectContext::save()
 
 OptionalError ManagedObjectContext::commitAll()
 {
-    if (!hasChanges() && !(effects && effects->hasWork()))
+    if (!hasChanges() && finishing.empty() && !(effects && effects->hasWork()))
         return std::nullopt;
     if (auto error = write())
         return error;
@@ -201,6 +201,8 @@ OptionalError ManagedObjectContext::commit()
         return error;
     if (auto error = writeOutbox(posted))
         return error;
+    if (auto error = deleteFromOutbox(finishing))
+        return error;
     const QString name = openTransaction ? openTransaction->name() : QString();
     if (canBeUndone(author())) {
         if (auto error = journal->record(name, posted))
@@ -210,6 +212,7 @@ OptionalError ManagedObjectContext::commit()
         return error;
     journal->stopCapture();
     posted.clear();
+    finishing.clear();
     return std::nullopt;
 }
 
@@ -288,6 +291,23 @@ std::vector<OutboxEntry> ManagedObjectContext::pendingOutbox()
     return entries;
 }
 
+void ManagedObjectContext::finishOutboxWithCommit(const std::vector<qint64> &sequences)
+{
+    finishing.insert(finishing.end(), sequences.begin(), sequences.end());
+}
+
+OptionalError ManagedObjectContext::deleteFromOutbox(const std::vector<qint64> &sequences)
+{
+    if (sequences.empty())
+        return std::nullopt;
+    sqlite::Statement statement = database->prepare("DELETE FROM ObjectStoreOutbox WHERE sequence = ?");
+    const bool isDone = std::ranges::all_of(sequences, [&statement](qint64 sequence) {
+        statement.reset();
+        return statement.bind(sequence).run();
+    });
+    return isDone ? std::nullopt : OptionalError(failure("write to"));
+}
+
 OptionalError ManagedObjectContext::finishOutbox(const std::vector<qint64> &sequences)
 {
     if (sequences.empty())
@@ -297,13 +317,7 @@ OptionalError ManagedObjectContext::finishOutbox(const std::vector<qint64> &sequ
     const bool isOwn = database->isAutocommit();
     if (isOwn && database->execute("PRAGMA synchronous = NORMAL; BEGIN IMMEDIATE"))
         return failure("write to");
-    sqlite::Statement statement = database->prepare("DELETE FROM ObjectStoreOutbox WHERE sequence = ?");
-    const bool isDone = std::ranges::all_of(sequences, [&statement](qint64 sequence) {
-        statement.reset();
-        return statement.bind(sequence).run();
-    });
-    statement.reset();
-    OptionalError error = isDone ? std::nullopt : OptionalError(failure("write to"));
+    OptionalError error = deleteFromOutbox(sequences);
     if (isOwn) {
         if (!error && database->execute("COMMIT"))
             error = failure("write to");
@@ -391,6 +405,7 @@ void ManagedObjectContext::reset()
     rowDeletions.clear();
     touched.clear();
     posted.clear();
+    finishing.clear();
     for (const ObjectPtr &object : std::exchange(changed, {})) {
         const bool isNew = object->isInserted() || object->wasInserted;
         object->changedSinceSave.reset();

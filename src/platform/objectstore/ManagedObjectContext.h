@@ -156,6 +156,8 @@ public:
     std::vector<OutboxEntry> pendingOutbox();
     /// Forgets entries that were carried out, or cannot be.
     [[nodiscard]] OptionalError finishOutbox(const std::vector<qint64> &sequences);
+    /// The same as a part of the next commit, which does what they ask for.
+    void finishOutboxWithCommit(const std::vector<qint64> &sequences);
 
     // Indexes of substrings follow the saves when there is time for it.
     /// Brings some of what was written since into them; true if there is more. Queries are right at any time;
@@ -229,6 +231,7 @@ private:
     /// Ends the open transaction without a trace; what is changed in memory waits to be written again.
     void rollBack();
     OptionalError writeOutbox(const std::vector<OutboxEntry> &entries);
+    OptionalError deleteFromOutbox(const std::vector<qint64> &sequences);
     bool takeInChangesFromElsewhere();
     Error failure(const char *attempt) const;
     OptionalError commitTransaction();
@@ -291,5 +294,7 @@ private:
     CommitEffects *effects = nullptr;
     Transaction *openTransaction = nullptr;
     std::vector<OutboxEntry> posted;
+    /// Entries of the outbox that the next commit finishes.
+    std::vector<qint64> finishing;
     MergePolicy mergePolicy = MergePolicy::PropertyObjectTrump;
 };

@@ -57,25 +57,27 @@ protected:
     }
 };
 
-TEST_F(OfflineTasks, TheAlertsOfTheTaskSavedLastAreScheduled)
+TEST_F(OfflineTasks, TheAlertsOfEveryTaskAreScheduled)
 {
     appointment(u"First"_qs, localDate(2026, 11, 24, 8, 30));
     const TaskPtr second =
         appointment(u"Second"_qs, localDate(2026, 11, 24, 8, 45), localDate(2026, 11, 24, 8, 55));
     appointment(u"Past"_qs, localDate(2026, 11, 20, 8, 30));
-    EXPECT_EQ(scheduled(), QStringList({u"08:45 Second"_qs, u"08:55 Second"_qs}));
+    EXPECT_EQ(scheduled(), QStringList({u"08:30 First"_qs, u"08:45 Second"_qs, u"08:55 Second"_qs}));
     MVTask copy(second);
     copy.alert = localDate(2026, 11, 24, 8, 40);
     copy.secondAlert = std::nullopt;
     ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
-    EXPECT_EQ(scheduled(), QStringList(u"08:40 Second"_qs));
+    EXPECT_EQ(scheduled(), QStringList({u"08:30 First"_qs, u"08:40 Second"_qs}));
     const ScriptedAlerts alerts({Alert::firstButton});
     TaskManager::deleteTasks({second}, {});
-    EXPECT_EQ(scheduled(), QStringList());
-    // With the calendars the alarm rides on the event.
+    EXPECT_EQ(scheduled(), QStringList(u"08:30 First"_qs));
+    // An alarm in a folder of files rings nowhere else.
     PlatformConfiguration::setAuthorization(u"events"_qs, 3);
     appointment(u"Online"_qs, localDate(2026, 11, 24, 8, 45));
-    EXPECT_EQ(scheduled(), QStringList());
+    EXPECT_EQ(scheduled(), QStringList({u"08:30 First"_qs, u"08:45 Online"_qs}));
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(scheduled(), QStringList(u"08:30 First"_qs));
 }
 
 TEST_F(OfflineTasks, AnEditReachesEveryRowOfItsSeriesOnItsOwnDay)
@@ -134,6 +136,81 @@ TEST_F(OfflineTasks, DeletingTheRestLeavesWhatIsEarlier)
     const ScriptedAlerts alerts({Alert::secondButton});
     TaskManager::deleteTasks({rows().at(1)}, {});
     EXPECT_EQ(table(), QStringList(u"11-23 10:00 Series"_qs));
+}
+
+/// Calendars that could be reached before, and can be again.
+class BetweenTwoReaches : public CalendarTest
+{
+protected:
+    void goOffline() { PlatformConfiguration::setAuthorization(u"events"_qs, 2); }
+    void comeBack()
+    {
+        PlatformConfiguration::setAuthorization(u"events"_qs, 3);
+        delegate->applicationDidBecomeActive();
+    }
+    static TaskPtr make(const QString &title, const QString &calendar)
+    {
+        MVTask task;
+        task.title = title;
+        task.type = TaskType::Appointment;
+        task.status = TaskStatus::Open;
+        task.startDate = localDate(2026, 11, 24, 9);
+        task.dueDate = localDate(2026, 11, 24, 10);
+        task.typeCalendarID = calendar;
+        EXPECT_TRUE(TaskManager::saveTaskTemp(task, true));
+        return task.task();
+    }
+    QStringList summaries() const
+    {
+        QStringList found;
+        for (const QString &text : files(u"Home"_qs).values() + files(u"Work"_qs).values())
+            found.append(text.mid(text.indexOf(u"SUMMARY:"_qs) + 8).section(u'\r', 0, 0));
+        found.sort();
+        return found;
+    }
+};
+
+TEST_F(BetweenTwoReaches, WhatWasTypedMeanwhileReachesTheCalendars)
+{
+    const TaskPtr edited = make(u"Edited"_qs, u"Home"_qs);
+    const TaskPtr finished = make(u"Finished"_qs, u"Home"_qs);
+    const TaskPtr deleted = make(u"Deleted"_qs, u"Home"_qs);
+    const TaskPtr kept = make(u"Deleted and taken back"_qs, u"Work"_qs);
+    pass();
+    goOffline();
+    MVTask edit(edited);
+    edit.title = u"Edited offline"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(edit, true));
+    MVTask(finished).changeStatusType(TaskStatus::Done, true);
+    for (const TaskPtr &task : {deleted, kept}) {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        TaskManager::deleteTasks({task}, {});
+    }
+    ASSERT_FALSE(context().undo());
+    make(u"Made offline"_qs, u"Work"_qs);
+    make(u"Made without a calendar"_qs, {});
+    quit();
+    // Another program moves what was edited.
+    const QString name = edited->calendarID();
+    CalendarEvent::resetEventStore();
+    for (const QString &file : files(u"Home"_qs).keys()) {
+        QString text = files(u"Home"_qs).value(file);
+        if (!text.contains(u"SUMMARY:Edited"_qs))
+            continue;
+        QFile moved(folderOf(u"Home"_qs) + u'/' + file);
+        ASSERT_TRUE(moved.open(QIODevice::WriteOnly));
+        moved.write(text.replace(u"T090000"_qs, u"T080000"_qs).toUtf8());
+    }
+    launch();
+    comeBack();
+    EXPECT_EQ(summaries(), QStringList({u"Deleted and taken back"_qs, u"Edited offline"_qs,
+                                        u"Made offline"_qs, u"Made without a calendar"_qs}));
+    EXPECT_EQ(rows().size(), 5u);
+    const TaskPtr row = DBWorker::getFirstTaskByTitle(u"Edited offline"_qs);
+    ASSERT_NE(row, nullptr);
+    EXPECT_EQ(row->startDate(), localDate(2026, 11, 24, 8)) << "what the user did not touch is the other's";
+    EXPECT_TRUE(context().pendingOutbox().empty());
+    expectSettled();
 }
 
 } // namespace

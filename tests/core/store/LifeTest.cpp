@@ -101,7 +101,7 @@ TEST_F(Life, ActivationWithoutCalendarsWritesDownThatThereAreNone)
     EXPECT_EQ(copy.status, TaskStatus::Done);
 }
 
-TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
+TEST_F(Life, EveryAlertIsScheduledWithItsSave)
 {
     for (const QString &title : {u"one"_qs, u"two"_qs}) {
         const TaskPtr task =
@@ -111,8 +111,7 @@ TEST_F(Life, ResignationSchedulesTheAlertsOfOneTask)
     }
     delegate->applicationDidResignActive();
     const auto scheduled = UserNotificationCenter::defaultUserNotificationCenter().scheduledNotifications();
-    // Each task's list replaces the former one, the later due task's first; alerts in the past make none.
-    ASSERT_EQ(scheduled.size(), 1u);
+    ASSERT_EQ(scheduled.size(), 2u) << "alerts in the past make none";
     EXPECT_EQ(scheduled[0].subtitle, u"one"_qs);
     EXPECT_EQ(scheduled[0].deliveryDate, localDate(2026, 11, 21, 10));
     ObjectPtr clicked;

@@ -12,11 +12,11 @@ MANAGED_TO_ONE_DEFINITION(EntityTask, EntityLocation, location, setLocation)
 MANAGED_TO_ONE_DEFINITION(EntityTask, EntityProject, project, setProject)
 MANAGED_TO_MANY_DEFINITION(EntityTask, EntityTags, tags, setTags)
 
-namespace {
-
-const QString taskIdKey = QStringLiteral("TASK_ID_KEY");
-
-} // namespace
+const QString &EntityTask::taskIdKey()
+{
+    static const QString key = QStringLiteral("TASK_ID_KEY");
+    return key;
+}
 
 std::vector<UserNotification> EntityTask::newLocalNotification() const
 {
@@ -28,7 +28,7 @@ std::vector<UserNotification> EntityTask::newLocalNotification() const
                                      *moment,
                                      Region::zoneIdentifier(),
                                      true,
-                                     {{taskIdKey, uri()}}});
+                                     {{taskIdKey(), uri()}}});
     }
     return notifications;
 }
@@ -39,5 +39,5 @@ void EntityTask::removeNotifications() const
     if (center.scheduledNotifications().empty())
         return;
     center.removeScheduledNotifications(
-        [id = uri()](const UserNotification &one) { return one.userInfo.value(taskIdKey) == id; });
+        [id = uri()](const UserNotification &one) { return one.userInfo.value(taskIdKey()) == id; });
 }

@@ -49,6 +49,8 @@ public:
     std::vector<UserNotification> newLocalNotification() const;
     /// Takes the task's messages out of the list of those to appear.
     void removeNotifications() const;
+    /// Under which such a message keeps the URI of its task.
+    static const QString &taskIdKey();
 
     MANAGED_TEXT(title, setTitle)
     MANAGED_TEXT(details, setDetails)

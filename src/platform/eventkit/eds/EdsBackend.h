@@ -27,6 +27,7 @@ public:
     EdsBackend();
     ~EdsBackend() override;
 
+    bool ringsAlarms() const override { return true; }
     Result<std::vector<EKSource>> sources() override;
     Result<std::vector<EKCalendar>> calendars() override;
     std::optional<QString> defaultCalendar(EKEntityType entityType) override;

@@ -1,0 +1,98 @@
+#include "calendarsync/AlertSchedule.h"
+
+#include "calendarsync/CalendarEvent.h"
+#include "store/entities/MainContext.h"
+#include "usernotifications/UserNotificationCenter.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace AlertSchedule {
+
+namespace {
+
+UserNotificationCenter &center()
+{
+    return UserNotificationCenter::defaultUserNotificationCenter();
+}
+
+class Schedule
+{
+public:
+    std::vector<UserNotification> of(const EntityTask &task)
+    {
+        const bool isSilent = task.status() == TaskStatus::Done || (!task.alert() && !task.secondAlert());
+        if (isSilent || (!task.calendarID().isEmpty() && calendarsRing()))
+            return {};
+        return task.newLocalNotification();
+    }
+
+private:
+    bool calendarsRing()
+    {
+        if (!known)
+            known = CalendarEvent::hasAccesToCalendar() && CalendarEvent::eventStore().ringsAlarms();
+        return *known;
+    }
+    std::optional<bool> known;
+};
+
+bool canRingOtherwise(const StoreChanges::Update &update)
+{
+    constexpr int columns[] = {EntityTask::column<"alert">(), EntityTask::column<"secondAlert">(),
+                               EntityTask::column<"title">(), EntityTask::column<"status">(),
+                               EntityTask::column<"calendarID">()};
+    return std::ranges::any_of(
+        columns, [&update](int column) { return update.columns.test(static_cast<size_t>(column)); });
+}
+
+} // namespace
+
+void follow(const StoreChanges &changes)
+{
+    if (changes.isUnknown)
+        return rebuild();
+    std::vector<ObjectPtr> changed = changes.inserted;
+    changed.insert(changed.end(), changes.deleted.begin(), changes.deleted.end());
+    for (const StoreChanges::Update &update : changes.updated) {
+        if (update.object->entity().name() == EntityTask::entityName && canRingOtherwise(update))
+            changed.push_back(update.object);
+    }
+    QSet<QString> uris;
+    std::vector<UserNotification> wanted;
+    Schedule schedule;
+    for (const ObjectPtr &object : changed) {
+        const auto task = std::dynamic_pointer_cast<EntityTask>(object);
+        if (!task)
+            continue;
+        uris.insert(mainContext().uriOf(*task));
+        if (task->context())
+            std::ranges::move(schedule.of(*task), std::back_inserter(wanted));
+    }
+    const auto &present = center().scheduledNotifications();
+    const auto isMeant = [&uris](const UserNotification &one) {
+        return uris.contains(one.userInfo.value(EntityTask::taskIdKey()));
+    };
+    if (wanted.empty() && std::ranges::none_of(present, isMeant))
+        return;
+    std::vector<UserNotification> all;
+    std::ranges::copy_if(present, std::back_inserter(all), std::not_fn(isMeant));
+    std::ranges::move(wanted, std::back_inserter(all));
+    center().setScheduledNotifications(std::move(all));
+}
+
+void rebuild()
+{
+    std::vector<UserNotification> all;
+    Schedule schedule;
+    const auto request = EntityTask::fetchRequest().where(
+        Predicate::format("(alert != nil or secondAlert != nil) and status != %d", TaskStatus::Done));
+    for (const TaskPtr &task : mainContext().fetch<EntityTask>(request)) {
+        if (task)
+            std::ranges::move(schedule.of(*task), std::back_inserter(all));
+    }
+    center().setScheduledNotifications(std::move(all));
+}
+
+} // namespace AlertSchedule
