@@ -1,7 +1,7 @@
 #include "calendarsync/SeriesRows.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "records/MVTask.h"
+#include "records/TaskColumns.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
@@ -11,6 +11,8 @@
 namespace series {
 
 namespace {
+
+using taskcolumns::InSeries;
 
 constexpr Seconds secondsPerDay{86400};
 
@@ -32,28 +34,25 @@ Date withDayOf(Date date, Date day)
                           static_cast<unsigned>(MTDates::year(day)), date);
 }
 
+/// A row that has become done and does not say when was done now.
+void noteWhenDone(EntityTask &row)
+{
+    if (row.status() == TaskStatus::Done && !row.expirationDate())
+        row.setExpirationDate(MVDate::date());
+}
+
 void copyFields(const EntityTask &from, EntityTask &row)
 {
-    row.setTitle(from.title());
-    row.setType(from.type());
-    row.setCategory(from.category());
-    row.setStatus(from.status());
-    if (from.status() == TaskStatus::Done && !row.expirationDate())
-        row.setExpirationDate(MVDate::date());
-    row.setPriority(from.priority());
-    row.setLocation(from.location());
-    row.setDetails(from.details());
-    row.setProject(from.project());
-    row.setDelegateToUser(from.delegateToUser());
-    row.setCompany(from.company());
-    row.setLastModificationDate(from.lastModificationDate());
-    row.setTypeCalendarID(from.typeCalendarID());
-    row.setCalendarTitle(from.calendarTitle());
-    row.setColorCalendarR(from.colorCalendarR());
-    row.setColorCalendarG(from.colorCalendarG());
-    row.setColorCalendarB(from.colorCalendarB());
-    row.setColorCalendarA(from.colorCalendarA());
-    row.setAllowsContentModifications(from.allowsContentModifications());
+    taskcolumns::forEach([&from, &row](const auto &column) {
+        if (column.inSeries == InSeries::Shared || column.inSeries == InSeries::KeptByCalendar)
+            column.set(row, column.of(from));
+    });
+    noteWhenDone(row);
+}
+
+bool isOfSharedFields(InSeries inSeries)
+{
+    return inSeries == InSeries::Shared || inSeries == InSeries::NamesSeries;
 }
 
 void copyTimeOfMoment(const EntityTask &from, EntityTask &row)
@@ -117,46 +116,20 @@ void copyAlerts(const EntityTask &from, EntityTask &row, const AlertOffsets &off
 }
 
 SharedFields::SharedFields(const EntityTask &task)
-    : category(task.category())
-    , type(task.type())
-    , status(task.status())
-    , priority(task.priority())
-    , location(task.location())
-    , project(task.project())
-    , delegateToUser(task.delegateToUser())
-    , company(task.company())
-    , calendarID(task.calendarID())
-    , typeCalendarID(task.typeCalendarID())
-    , calendarTitle(task.calendarTitle())
-    , allowsContentModifications(task.allowsContentModifications())
-    , red(task.colorCalendarR())
-    , green(task.colorCalendarG())
-    , blue(task.colorCalendarB())
-    , alpha(task.colorCalendarA())
-    , lastModificationDate(task.lastModificationDate())
-{}
+{
+    taskcolumns::forEach([this, &task](const auto &column) {
+        if (isOfSharedFields(column.inSeries))
+            values.*column.member = column.of(task);
+    });
+}
 
 void SharedFields::writeTo(EntityTask &row) const
 {
-    row.setCategory(category);
-    row.setType(type);
-    row.setStatus(status);
-    if (status == TaskStatus::Done && !row.expirationDate())
-        row.setExpirationDate(MVDate::date());
-    row.setPriority(priority);
-    row.setLocation(location);
-    row.setProject(project);
-    row.setDelegateToUser(delegateToUser);
-    row.setCompany(company);
-    row.setCalendarID(calendarID);
-    row.setTypeCalendarID(typeCalendarID);
-    row.setCalendarTitle(calendarTitle);
-    row.setAllowsContentModifications(allowsContentModifications);
-    row.setColorCalendarR(red);
-    row.setColorCalendarG(green);
-    row.setColorCalendarB(blue);
-    row.setColorCalendarA(alpha);
-    row.setLastModificationDate(lastModificationDate);
+    taskcolumns::forEach([this, &row](const auto &column) {
+        if (isOfSharedFields(column.inSeries))
+            column.set(row, values.*column.member);
+    });
+    noteWhenDone(row);
 }
 
 std::vector<TaskPtr> otherRows(const EntityTask &task)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "eventkit/EKEvent.h"
-#include "store/entities/Entities.h"
+#include "records/MVTask.h"
 
 #include <vector>
 
@@ -37,18 +37,8 @@ public:
     void writeTo(EntityTask &row) const;
 
 private:
-    CategoryPtr category;
-    std::optional<TaskType> type;
-    std::optional<TaskStatus> status;
-    std::optional<Priority> priority;
-    std::shared_ptr<EntityLocation> location;
-    ProjectPtr project;
-    ContactPtr delegateToUser;
-    CompanyPtr company;
-    QString calendarID, typeCalendarID, calendarTitle;
-    std::optional<bool> allowsContentModifications;
-    std::optional<double> red, green, blue, alpha;
-    OptionalDate lastModificationDate;
+    /// A copy that has no row.
+    MVTask values;
 };
 
 /// Copies alerts to a row by their distance from its own base date; those of a ToDo by their time of day.

@@ -4,22 +4,13 @@
 #include "calendarsync/RecordsTransaction.h"
 #include "records/FillEmpty.h"
 #include "records/Functional.h"
+#include "records/TaskColumns.h"
 #include "records/TaskManager.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
 #include <algorithm>
-
-namespace {
-
-/// A copy of texts in which null and empty are the same.
-bool isSameText(const QString &one, const QString &other)
-{
-    return one.isEmpty() ? other.isEmpty() : one == other;
-}
-
-} // namespace
 
 MVTask::MVTask(TaskPtr task)
 {
@@ -32,39 +23,10 @@ void MVTask::setTask(TaskPtr task)
     if (!row)
         return;
     isNew = false;
-    fill(creationDate, row->creationDate());
-    fill(position, row->position());
-    fill(expirationDate, row->expirationDate());
-    fill(title, row->title());
-    fill(alert, row->alert());
-    fill(secondAlert, row->secondAlert());
-    fill(dueDate, row->dueDate());
-    fill(dueSomeDay, row->dueSomeDay());
-    fill(startDate, row->startDate());
-    fill(status, row->status());
-    fill(details, row->details());
-    fill(priority, row->priority());
-    fill(type, row->type());
-    fill(tags, row->tags());
-    fill(category, row->category());
-    fill(company, row->company());
-    fill(delegateToUser, row->delegateToUser());
-    fill(location, row->location());
-    fill(project, row->project());
-    fill(repeat, row->repeat());
-    fill(endRepeat, row->endRepeat());
-    fill(calendarID, row->calendarID());
-    fill(calendarTitle, row->calendarTitle());
-    fill(typeCalendarID, row->typeCalendarID());
-    fill(colorCalendarR, row->colorCalendarR());
-    fill(colorCalendarG, row->colorCalendarG());
-    fill(colorCalendarB, row->colorCalendarB());
-    fill(colorCalendarA, row->colorCalendarA());
-    fill(allowsContentModifications, row->allowsContentModifications());
-    fill(lastModificationDate, row->lastModificationDate());
-    fill(remindID, row->remindID());
-    fill(repeatInfoUser, row->repeatInfoUser());
-    fill(wasCreatedOffCalendar, row->wasCreatedOffCalendar());
+    taskcolumns::forEach([this](const auto &column) {
+        if (column.copied != taskcolumns::Copied::Never)
+            fill(this->*column.member, column.of(*row));
+    });
 }
 
 void MVTask::setTaskValues()
@@ -115,36 +77,10 @@ void MVTask::makeRow()
 
 void MVTask::writeFields()
 {
-    row->setTitle(title);
-    row->setAlert(alert);
-    row->setSecondAlert(secondAlert);
-    row->setDueDate(dueDate);
-    row->setStartDate(startDate);
-    row->setDueSomeDay(dueSomeDay);
-    row->setStatus(status);
-    row->setDetails(details);
-    row->setPriority(priority);
-    row->setType(type);
-    row->setTags(tags);
-    row->setCategory(category);
-    row->setCompany(company);
-    row->setDelegateToUser(delegateToUser);
-    row->setLocation(location);
-    row->setProject(project);
-    row->setRepeat(repeat);
-    row->setEndRepeat(endRepeat);
-    row->setCalendarID(calendarID);
-    row->setCalendarTitle(calendarTitle);
-    row->setTypeCalendarID(typeCalendarID);
-    row->setAllowsContentModifications(allowsContentModifications);
-    row->setColorCalendarR(colorCalendarR);
-    row->setColorCalendarG(colorCalendarG);
-    row->setColorCalendarB(colorCalendarB);
-    row->setColorCalendarA(colorCalendarA);
-    row->setLastModificationDate(lastModificationDate);
-    row->setRemindID(remindID);
-    row->setRepeatInfoUser(repeatInfoUser);
-    row->setWasCreatedOffCalendar(wasCreatedOffCalendar);
+    taskcolumns::forEach([this](const auto &column) {
+        if (column.copied == taskcolumns::Copied::BothWays)
+            column.set(*row, this->*column.member);
+    });
 }
 
 bool MVTask::saveStatus()
@@ -240,26 +176,12 @@ bool MVTask::isChangedTask() const
 {
     if (!row)
         return true;
-    const bool isSameDates = lastModificationDate == row->lastModificationDate() &&
-                             startDate == row->startDate() && dueDate == row->dueDate() &&
-                             alert == row->alert() && secondAlert == row->secondAlert() &&
-                             endRepeat == row->endRepeat();
-    const bool isSameTexts = isSameText(title, row->title()) && isSameText(details, row->details()) &&
-                             isSameText(repeat, row->repeat()) && isSameText(calendarID, row->calendarID()) &&
-                             isSameText(calendarTitle, row->calendarTitle()) &&
-                             isSameText(typeCalendarID, row->typeCalendarID()) &&
-                             isSameText(remindID, row->remindID()) &&
-                             isSameText(repeatInfoUser, row->repeatInfoUser());
-    const bool isSameNumbers =
-        position == row->position() && allowsContentModifications == row->allowsContentModifications() &&
-        colorCalendarR == row->colorCalendarR() && colorCalendarG == row->colorCalendarG() &&
-        colorCalendarB == row->colorCalendarB() && colorCalendarA == row->colorCalendarA() &&
-        type == row->type() && status == row->status() && priority == row->priority() &&
-        dueSomeDay == row->dueSomeDay() && wasCreatedOffCalendar == row->wasCreatedOffCalendar();
-    const bool isSameLinks = category == row->category() && company == row->company() &&
-                             delegateToUser == row->delegateToUser() && location == row->location() &&
-                             project == row->project();
-    return !(isSameDates && isSameTexts && isSameNumbers && isSameLinks);
+    bool isSame = true;
+    taskcolumns::forEach([this, &isSame](const auto &column) {
+        if (isSame && column.difference == taskcolumns::Difference::Counts)
+            isSame = taskcolumns::isSame(this->*column.member, column.of(*row));
+    });
+    return !isSame;
 }
 
 bool MVTask::isProgramRuleString() const

@@ -1,20 +1,10 @@
 #include "records/TaskMerge.h"
 
-#include "records/MVTask.h"
+#include "records/TaskColumns.h"
 
 namespace {
 
-template <typename Value>
-bool isSame(const Value &one, const Value &other)
-{
-    return one == other;
-}
-
-/// Null and empty say the same.
-bool isSame(const QString &one, const QString &other)
-{
-    return one.isEmpty() ? other.isEmpty() : one == other;
-}
+using taskcolumns::Follows;
 
 class Merge
 {
@@ -25,21 +15,36 @@ public:
         , present(presentTask)
     {}
 
-    /// One group of values.
-    template <typename... Values>
-    void together(Values MVTask::*...values)
+    /// One group of values: the columns that pass a test.
+    template <typename IsOfGroup>
+    void together(IsOfGroup isOfGroup)
     {
-        const bool isUntouched = (isSame(edited.*values, base.*values) && ...);
-        const bool isPresent = (isSame(edited.*values, present.*values) && ...);
+        bool isUntouched = true;
+        bool isPresent = true;
+        taskcolumns::forEach([&](const auto &column) {
+            if (!isOfGroup(column))
+                return;
+            isUntouched = isUntouched && isSame(column, base);
+            isPresent = isPresent && isSame(column, present);
+        });
         if (!isUntouched || isPresent)
             return;
-        ((edited.*values = present.*values), ...);
+        taskcolumns::forEach([&](const auto &column) {
+            if (isOfGroup(column))
+                edited.*column.member = present.*column.member;
+        });
         isChanged = true;
     }
 
     bool changed() const { return isChanged; }
 
 private:
+    template <typename Column>
+    bool isSame(const Column &column, const MVTask &other) const
+    {
+        return taskcolumns::isSame(edited.*column.member, other.*column.member);
+    }
+
     MVTask &edited;
     const MVTask &base;
     const MVTask &present;
@@ -51,27 +56,12 @@ private:
 bool TaskMerge::follow(MVTask &edited, const MVTask &base, const MVTask &present)
 {
     Merge merge(edited, base, present);
-    // What a form shows.
-    merge.together(&MVTask::title);
-    merge.together(&MVTask::details);
-    merge.together(&MVTask::type, &MVTask::startDate, &MVTask::dueDate, &MVTask::dueSomeDay, &MVTask::alert,
-                   &MVTask::secondAlert, &MVTask::repeat, &MVTask::endRepeat);
-    merge.together(&MVTask::status, &MVTask::expirationDate);
-    merge.together(&MVTask::priority);
-    merge.together(&MVTask::category);
-    merge.together(&MVTask::location);
-    merge.together(&MVTask::delegateToUser, &MVTask::company);
-    merge.together(&MVTask::project);
-    merge.together(&MVTask::tags);
-    merge.together(&MVTask::typeCalendarID, &MVTask::calendarTitle, &MVTask::colorCalendarR,
-                   &MVTask::colorCalendarG, &MVTask::colorCalendarB, &MVTask::colorCalendarA);
-    // What goes with the row.
-    merge.together(&MVTask::calendarID);
-    merge.together(&MVTask::allowsContentModifications);
-    merge.together(&MVTask::wasCreatedOffCalendar);
-    merge.together(&MVTask::lastModificationDate);
-    merge.together(&MVTask::position);
-    merge.together(&MVTask::remindID);
-    merge.together(&MVTask::repeatInfoUser);
+    for (const Follows group :
+         {Follows::WithDates, Follows::WithStatus, Follows::WithDelegate, Follows::WithCalendar})
+        merge.together([group](const auto &column) { return column.follows == group; });
+    taskcolumns::forEach([&merge](const auto &single) {
+        if (single.follows == Follows::Alone)
+            merge.together([&single](const auto &column) { return column.name == single.name; });
+    });
     return merge.changed();
 }
