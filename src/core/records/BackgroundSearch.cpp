@@ -36,14 +36,14 @@ struct Search
     searchhits::Query query;
     std::shared_ptr<const std::atomic<bool>> isCancelled;
 
-    SearchRows run() const
+    SearchRows run(const searchhits::FirstHits &first) const
     {
         auto reader = StoreReader::open(path, model, *isCancelled);
         if (!reader) {
             Log::line(QStringLiteral("Cannot search: %1").arg(reader.error().message));
             return searchhits::rows({}, query.headings);
         }
-        auto hits = searchhits::read(**reader, query);
+        auto hits = searchhits::read(**reader, query, first);
         if (!hits && !*isCancelled)
             Log::line(QStringLiteral("Cannot search the store"));
         return searchhits::rows(hits ? std::move(*hits) : std::vector<SearchHit>(), query.headings);
@@ -64,10 +64,14 @@ void BackgroundSearch::find(const QString &text, Found found)
     thread.start([search, found = std::move(found)] {
         if (*search.isCancelled)
             return;
-        const SearchRows rows = search.run();
-        MainLoop::performDelayed(Seconds(0), [isGivenUp = search.isCancelled, found, rows] {
-            if (!*isGivenUp)
-                found(rows);
-        });
+        const auto tell = [isGivenUp = search.isCancelled, found](const SearchRows &rows) {
+            MainLoop::performDelayed(Seconds(0), [isGivenUp, found, rows] {
+                if (!*isGivenUp)
+                    found(rows);
+            });
+        };
+        tell(search.run([&](std::vector<SearchHit> hits) {
+            tell(searchhits::rows(std::move(hits), search.query.headings));
+        }));
     });
 }

@@ -21,8 +21,9 @@ public:
     BackgroundSearch(const BackgroundSearch &) = delete;
     BackgroundSearch &operator=(const BackgroundSearch &) = delete;
 
-    /// Calls `found` from the main loop once it is done, unless another search or `cancel` comes before. A
-    /// search that fails finds nothing, with a line in the log.
+    /// Calls `found` from the main loop once it is done, unless another search or `cancel` comes before;
+    /// where there is much to find, also with the first of it. A search that fails finds nothing, with a line
+    /// in the log.
     void find(const QString &text, Found found);
     void cancel();
     /// Gives up former rows elsewhere: letting go of tens of thousands takes its time too.

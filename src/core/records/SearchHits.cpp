@@ -61,7 +61,12 @@ void add(NamedByKind &named, const QString &uri, const QString &store)
         of.uris.push_back(uri);
 }
 
-std::optional<NamedByKind> namedIn(StoreReader &reader, const searchhits::Query &query)
+/// So many fill a screen.
+constexpr std::size_t firstRecords = 60;
+
+/// \param enough is called once as soon as there are enough for a screen.
+std::optional<NamedByKind> namedIn(StoreReader &reader, const searchhits::Query &query,
+                                   const std::function<void(const NamedByKind &)> &enough)
 {
     NamedByKind named;
     std::unordered_set<QString> seen;
@@ -70,8 +75,11 @@ std::optional<NamedByKind> namedIn(StoreReader &reader, const searchhits::Query 
         EntitySearchIndex::fetchRequest().where(Predicate::format("string CONTAINS[cd] %@", query.text));
     const bool isRead = reader.visit(containing, {"objectId"}, [&](const RowReader &row) {
         const auto [uri, isNew] = seen.insert(row.text(0));
-        if (isNew)
-            add(named, *uri, store);
+        if (!isNew)
+            return;
+        add(named, *uri, store);
+        if (enough && seen.size() == firstRecords)
+            enough(named);
     });
     return isRead ? std::optional(std::move(named)) : std::nullopt;
 }
@@ -141,16 +149,15 @@ SearchRows searchhits::rows(std::vector<SearchHit> hits, const QStringList &head
     return made;
 }
 
-std::optional<std::vector<SearchHit>> searchhits::read(StoreReader &reader, const Query &query)
+/// The records with their names.
+static std::optional<std::vector<SearchHit>> hitsOf(StoreReader &reader, const NamedByKind &named,
+                                                    NameOrder order)
 {
-    const auto named = namedIn(reader, query);
-    if (!named)
-        return std::nullopt;
     std::vector<SearchHit> hits;
-    for (int kind = 0; kind < kindCount; ++kind) {
-        const Named &of = (*named)[static_cast<std::size_t>(kind)];
+    for (int kind = 0; kind < searchhits::kindCount; ++kind) {
+        const Named &of = named[static_cast<std::size_t>(kind)];
         std::vector<std::optional<QString>> names(of.uris.size());
-        if (!readNames(reader, kinds()[static_cast<std::size_t>(kind)], of, query.order, names))
+        if (!readNames(reader, kinds()[static_cast<std::size_t>(kind)], of, order, names))
             return std::nullopt;
         for (std::size_t place = 0; place < names.size(); ++place) {
             if (names[place])
@@ -158,4 +165,17 @@ std::optional<std::vector<SearchHit>> searchhits::read(StoreReader &reader, cons
         }
     }
     return hits;
+}
+
+std::optional<std::vector<SearchHit>> searchhits::read(StoreReader &reader, const Query &query,
+                                                       const FirstHits &first)
+{
+    std::function<void(const NamedByKind &)> enough;
+    if (first)
+        enough = [&](const NamedByKind &some) {
+            if (auto hits = hitsOf(reader, some, query.order))
+                first(std::move(*hits));
+        };
+    const auto named = namedIn(reader, query, enough);
+    return named ? hitsOf(reader, *named, query.order) : std::nullopt;
 }

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -62,8 +63,14 @@ QStringList headings();
 /// The lines for records: by kind and, whatever the case, by name, each kind under its heading.
 SearchRows rows(std::vector<SearchHit> hits, const QStringList &headings);
 
+/// Hears of the records that were found so far.
+using FirstHits = std::function<void(std::vector<SearchHit> hits)>;
+
 /// What the last save of a store holds, each record once.
+/// \param first is called once with the first of many, while the others are still looked for; it may be
+/// empty.
 /// \return nothing if the reading was cancelled or failed.
-std::optional<std::vector<SearchHit>> read(StoreReader &reader, const Query &query);
+std::optional<std::vector<SearchHit>> read(StoreReader &reader, const Query &query,
+                                           const FirstHits &first = {});
 
 } // namespace searchhits

@@ -143,14 +143,33 @@ FetchRequest rowsOf(const QString &uri)
     return EntitySearchIndex::fetchRequest().where(Predicate::format("objectId = %@", uri));
 }
 
+/// Many records at a time cost one statement.
+void deleteRowsOf(const std::vector<ObjectPtr> &objects)
+{
+    constexpr size_t atOnce = 500;
+    std::vector<QString> uris;
+    const auto deleteThem = [&uris] {
+        if (!uris.empty())
+            mainContext().deleteRows(
+                EntitySearchIndex::fetchRequest().where(Predicate::format("objectId in %@", uris)));
+        uris.clear();
+    };
+    for (const ObjectPtr &object : objects) {
+        if (isIndexed(*object))
+            uris.push_back(mainContext().uriOf(*object));
+        if (uris.size() == atOnce)
+            deleteThem();
+    }
+    deleteThem();
+}
+
 } // namespace
 
 void SearchIndex::follow(const StoreChanges &changes)
 {
     for (const ObjectPtr &object : changes.inserted)
         addIndexWithObject(object);
-    for (const ObjectPtr &object : changes.deleted)
-        deleteIndexWithObjects(object);
+    deleteRowsOf(changes.deleted);
     for (const StoreChanges::Update &update : changes.updated) {
         if (canHaveOtherTexts(update))
             updateIndexWithObject(update.object);

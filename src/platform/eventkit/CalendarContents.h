@@ -118,7 +118,8 @@ private:
         /// What an object of its name was before, if that was ever seen.
         QString formerUid;
 
-        bool isUnknown() const { return text.isEmpty() && formerUid.isEmpty(); }
+        /// Nothing tells which item is in it, so that it may be any.
+        bool isUnknown() const { return formerUid.isEmpty() && !text.contains("UID"); }
         bool mayHold(const QString &uid) const;
     };
     /// A calendar as it was last read.

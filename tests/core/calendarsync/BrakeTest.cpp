@@ -113,6 +113,8 @@ TEST_F(BrakedPasses, KeepTheRowOfADamagedFile)
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(contents.toUtf8());
         file.close();
+        // A program that starts now never saw what was in it.
+        connectStore();
         {
             const ScriptedAlerts alerts({Alert::firstButton});
             pass();

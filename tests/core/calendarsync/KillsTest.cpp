@@ -3,13 +3,15 @@
 
 #include "CalendarTest.h"
 
+#include "calendarsync/CalendarOutbox.h"
 #include "records/TaskBatch.h"
 
 #include <gmock/gmock.h>
 
 #include <random>
 
-#include <poll.h>
+#include <csignal>
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,28 +36,41 @@ protected:
         }
         delegate->applicationDidBecomeActive();
     }
-    /// Lets a copy of the program work, and kills it after a while.
-    template <typename Work>
-    void killDuring(Work work, int microseconds)
+    /// Lets a copy of the program work until it is killed: between two of the tasks that it works on, or
+    /// before or after one of its writes to the calendars. Then it starts again.
+    struct Moment
+    {
+        int tasks = -1;
+        int writes = -1;
+    };
+    void killDuring(const std::function<void(const StepBlock &)> &work, Moment moment)
     {
         quit();
         CalendarEvent::resetEventStore();
         const pid_t child = fork();
         if (child == 0) {
+            connectMoodyStore()->onWrite = [&moment] {
+                if (moment.writes-- == 0)
+                    raise(SIGKILL);
+            };
             launch();
-            work();
-            pause();
+            work([&moment] {
+                if (moment.tasks-- == 0)
+                    raise(SIGKILL);
+                return true;
+            });
+            // What was not carried out at once is carried out now.
+            quit();
             _exit(0);
         }
-        const timespec wait{0, long(microseconds) * 1000};
-        pollfd nothing{-1, 0, 0};
-        ppoll(&nothing, 1, &wait, nullptr);
-        kill(child, SIGKILL);
         int status = 0;
         waitpid(child, &status, 0);
-        ASSERT_TRUE(WIFSIGNALED(status));
+        EXPECT_TRUE(WIFSIGNALED(status)) << "it came to its end";
+        connectStore();
         launch();
         delegate->applicationDidBecomeActive();
+        // Many are carried out in portions while the program goes on.
+        CalendarOutbox::carryOutFor(context(), Seconds(20));
     }
     static QStringList openTitles()
     {
@@ -97,16 +112,16 @@ TEST_F(Kills, GeneratedOnesOfManyTasksTickedOffAndOpenedAgainAreNeverLostOrDoubl
     makeTasks();
     expectWhole("at first");
     std::mt19937 random(testSeed());
-    int finished = 0;
-    int untouched = 0;
-    for (int round = 0; round < 30 && !HasFailure(); ++round) {
+    const auto toggle = [](const StepBlock &step) { TaskBatch::toggleDone(rows(), step); };
+    for (int round = 0; round < 16 && !HasFailure(); ++round) {
         const bool wasOpen = !openTitles().isEmpty();
-        killDuring([] { TaskBatch::toggleDone(rows()); }, 4000 + int(random() % 90000));
-        expectWhole(wasOpen ? "ticked off" : "opened again");
-        (wasOpen == !openTitles().isEmpty() ? untouched : finished) += 1;
+        killDuring(toggle, {.tasks = int(random() % count)});
+        expectWhole("killed while it works");
+        EXPECT_EQ(!openTitles().isEmpty(), wasOpen) << "nothing was committed";
+        killDuring(toggle, {.writes = int(random() % (2 * count))});
+        expectWhole("killed while it writes");
+        EXPECT_NE(!openTitles().isEmpty(), wasOpen) << "what was committed is finished";
     }
-    EXPECT_GT(finished, 0) << "the kills came too early to mean anything";
-    EXPECT_GT(untouched, 0) << "the kills came too late to mean anything";
     expectSettled();
 }
 
@@ -114,15 +129,15 @@ TEST_F(Kills, GeneratedOnesOfAnUndoAreFinishedAtTheNextStart)
 {
     makeTasks();
     std::mt19937 random(testSeed());
-    for (int round = 0; round < 16 && !HasFailure(); ++round) {
-        killDuring(
-            [this] {
-                TaskBatch::toggleDone(rows());
-                if (context().undo())
-                    _exit(1);
-            },
-            8000 + int(random() % 90000));
-        expectWhole("ticked off and taken back");
+    for (int round = 0; round < 8 && !HasFailure(); ++round) {
+        TaskBatch::toggleDone(rows());
+        CalendarOutbox::carryOutFor(context(), Seconds(20));
+        expectWhole("ticked off");
+        ASSERT_TRUE(openTitles().isEmpty());
+        killDuring([this](const StepBlock &) { EXPECT_FALSE(context().undo()); },
+                   {.writes = int(random() % (2 * count))});
+        expectWhole("killed while it is taken back");
+        ASSERT_FALSE(openTitles().isEmpty()) << "the undo was committed, and is finished";
     }
     expectSettled();
 }

@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 /// A tree of calendars with accounts that know their user, calendars that may only be read, and moods.
 class MoodyBackend : public CalendarBackend
 {
@@ -13,10 +15,14 @@ public:
         : tree(root)
     {}
 
+    /// Called before and after each write.
+    std::function<void()> onWrite = [] {};
     QStringList readOnlyTitles;
     QStringList ownerAddresses;
     bool refusesReading = false;
     bool refusesWriting = false;
+    /// Gives new events an alarm, as some servers do.
+    bool addsAlarms = false;
     /// Answers that many more questions about objects, then refuses.
     int answersLeft = 1000000;
 
@@ -50,11 +56,20 @@ public:
     {
         if (refusesWriting)
             return refusal();
-        return tree.put(calendar, object, uid);
+        const Telling telling(onWrite);
+        if (!addsAlarms || !object.name.isEmpty() || object.text.contains("BEGIN:VALARM"))
+            return tree.put(calendar, object, uid);
+        CalendarObject other = object;
+        other.text.replace("END:VEVENT", "BEGIN:VALARM\r\nACTION:DISPLAY\r\nTRIGGER:-PT10M\r\nEND:VALARM\r\n"
+                                         "END:VEVENT");
+        return tree.put(calendar, other, uid);
     }
     OptionalError remove(const QString &calendar, const QString &name, const QByteArray &etag) override
     {
-        return refusesWriting ? refusal() : tree.remove(calendar, name, etag);
+        if (refusesWriting)
+            return refusal();
+        const Telling telling(onWrite);
+        return tree.remove(calendar, name, etag);
     }
     Result<EKCalendar> createCalendar(const EKCalendar &calendar) override
     {
@@ -72,6 +87,16 @@ public:
     }
 
 private:
+    struct Telling
+    {
+        explicit Telling(const std::function<void()> &toldFunction)
+            : told(toldFunction)
+        {
+            told();
+        }
+        ~Telling() { told(); }
+        const std::function<void()> &told;
+    };
     static Error refusal() { return CalendarError::make(CalendarError::Storage, QStringLiteral("not now")); }
 
     FolderBackend tree;

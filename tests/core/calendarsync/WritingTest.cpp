@@ -54,6 +54,21 @@ TEST_F(WritingTasksToEvents, ByTheirType)
     EXPECT_EQ(day.task()->startDate(), localDate(2026, 11, 23));
 }
 
+TEST_F(WritingTasksToEvents, AlarmsThatAStoreAddsAreTakenOffAgain)
+{
+    connectMoodyStore()->addsAlarms = true;
+    MVTask silent = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));
+    ASSERT_TRUE(TaskManager::saveTaskTemp(silent, true));
+    EXPECT_FALSE(onlyFile().contains(u"VALARM"_qs)) << onlyFile().toStdString();
+    pass();
+    EXPECT_EQ(silent.task()->alert(), std::nullopt);
+    MVTask loud = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));
+    loud.alert = localDate(2026, 11, 24, 8);
+    loud.typeCalendarID = u"Work"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(loud, true));
+    EXPECT_EQ(onlyFile(u"Work"_qs).count(u"BEGIN:VALARM"_qs), 1);
+}
+
 TEST_F(WritingTasksToEvents, APlaceOfUnknownPositionIsWrittenByItsNameAlone)
 {
     MVTask copy = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));

@@ -1,5 +1,7 @@
 #include "CoreTest.h"
 
+#include "records/dates/MTDates.h"
+
 #include "store/state/NotificationNames.h"
 #include "usernotifications/UserNotificationCenter.h"
 
@@ -99,6 +101,19 @@ TEST_F(Life, ActivationWithoutCalendarsWritesDownThatThereAreNone)
     delegate->applicationDidResignActive();
     copy.changeStatusType(TaskStatus::Done, false);
     EXPECT_EQ(copy.status, TaskStatus::Done);
+}
+
+TEST_F(Life, AnActivationAfterATravelCountsDaysByTheNewZone)
+{
+    const Date noon = localDate(2026, 11, 21, 12);
+    EXPECT_EQ(MTDates::startOfCurrentDay(noon), localDate(2026, 11, 21));
+    qputenv("TZ", "Asia/Tokyo");
+    delegate->applicationDidBecomeActive();
+    EXPECT_EQ(MTDates::startOfCurrentDay(noon), noon - Seconds(20 * 3600))
+        << "noon in Berlin is 20:00 in Tokyo";
+    qputenv("TZ", "Europe/Berlin");
+    delegate->applicationDidBecomeActive();
+    EXPECT_EQ(MTDates::startOfCurrentDay(noon), localDate(2026, 11, 21));
 }
 
 TEST_F(Life, EveryAlertIsScheduledWithItsSave)

@@ -5,6 +5,8 @@
 #include "store/state/NotificationNames.h"
 #include "support/FullDisk.h"
 
+#include <sqlite3.h>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -60,4 +62,29 @@ TEST_F(TaskFormSavingTest, ANewTaskThatCouldNotBeStoredIsNoneUntilTheNextTry)
     EXPECT_EQ(added, 1);
     EXPECT_EQ(form.currentTask().task()->title(), u"fresh"_s);
     EXPECT_FALSE(form.currentTask().task()->repeat().isEmpty());
+}
+
+TEST_F(TaskFormSavingTest, ARowThatAnotherProgramDeletedIsGoneForTheForm)
+{
+    TaskFormState form(add(u"paint"_s));
+    EXPECT_FALSE(form.isGone());
+    sqlite3 *other = nullptr;
+    ASSERT_EQ(sqlite3_open(storePath().toUtf8().constData(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "DELETE FROM EntityTask", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(other);
+    EXPECT_EQ(rows(), 0);
+    EXPECT_TRUE(form.isGone());
+}
+
+TEST_F(TaskFormSavingTest, ADoneDateThatWasThereSurvivesARefusedTick)
+{
+    const TaskPtr row = add(u"paint"_s, TaskType::Appointment, localDate(2026, 11, 23, 9));
+    row->setExpirationDate(localDate(2026, 11, 1));
+    EXPECT_FALSE(DBWorker::saveContext());
+    const ScriptedAlerts alerts({Alert::firstButton});
+    MVTask copy(row);
+    copy.changeStatusType(TaskStatus::Done, true);
+    EXPECT_EQ(alerts.asked().size(), 1u) << "an appointment needs a due date";
+    EXPECT_EQ(row->status(), TaskStatus::Open);
+    EXPECT_EQ(row->expirationDate(), localDate(2026, 11, 1));
 }
