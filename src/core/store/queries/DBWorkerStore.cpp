@@ -1,11 +1,8 @@
-#include "calendarsync/CalendarEvent.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
-#include "foundation/UserDefaults.h"
-#include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
-#include "store/state/SettingsKeys.h"
+#include "store/state/CoreContext.h"
 
 #include <unordered_set>
 
@@ -20,21 +17,15 @@ static void logFailure(const Error &error)
 
 bool DBWorker::isSample()
 {
-    UserDefaults &defaults = UserDefaults::standard();
-    if (!defaults.contains(settings::valueSwitchDatabase)) {
-        defaults.setObject(settings::valueSwitchDatabase, QStringLiteral("0"));
-        defaults.synchronize();
-    }
-    return defaults.integer(settings::valueSwitchDatabase) == 1;
+    return CoreContext::current().isSample;
 }
 
 OptionalError DBWorker::saveContext()
 {
-    AppDelegate *delegate = AppDelegate::shared();
-    if (!delegate)
+    ManagedObjectContext *context = CoreContext::current().store();
+    if (!context)
         return std::nullopt;
-    ManagedObjectContext &context = delegate->managedObjectContext();
-    OptionalError error = context.save();
+    OptionalError error = context->save();
     if (error)
         logFailure(*error);
     return error;
@@ -42,8 +33,8 @@ OptionalError DBWorker::saveContext()
 
 bool DBWorker::saveOrTell()
 {
-    AppDelegate *delegate = AppDelegate::shared();
-    return !delegate || tellOfFailure(delegate->managedObjectContext().save());
+    ManagedObjectContext *context = CoreContext::current().store();
+    return !context || tellOfFailure(context->save());
 }
 
 bool DBWorker::tellOfFailure(const OptionalError &error)
@@ -70,17 +61,16 @@ QString DBWorker::getIdFromObject(const ObjectPtr &object)
 
 ObjectPtr DBWorker::getObjectFromId(const QString &uri)
 {
-    AppDelegate *delegate = AppDelegate::shared();
-    return delegate ? delegate->managedObjectContext().objectForUri(uri) : nullptr;
+    ManagedObjectContext *context = CoreContext::current().store();
+    return context ? context->objectForUri(uri) : nullptr;
 }
 
 std::vector<TaskPtr> DBWorker::hideNotAccessTasksFromArray(std::vector<TaskPtr> tasks)
 {
     if (isSample())
         return tasks;
-    std::unordered_set<QString> references;
-    for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
-        references.insert(CalendarEvent::identifierOfCalendar(calendar));
+    const QStringList visible = CoreContext::current().visibleCalendars();
+    const std::unordered_set<QString> references(visible.begin(), visible.end());
     std::erase_if(tasks, [&references](const TaskPtr &task) {
         const QString reference = task->typeCalendarID();
         return !reference.isEmpty() && references.count(reference) == 0;
