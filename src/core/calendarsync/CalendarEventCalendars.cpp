@@ -4,7 +4,7 @@
 #include "foundation/Log.h"
 #include "foundation/TextFolding.h"
 #include "foundation/UserDefaults.h"
-#include "store/AppDelegate.h"
+#include "store/state/CoreContext.h"
 #include "store/state/SettingsKeys.h"
 
 #include <algorithm>
@@ -108,7 +108,7 @@ std::vector<EKCalendar> CalendarEvent::getAllAccessCalendars()
 {
     UserDefaults &defaults = UserDefaults::standard();
     if (!defaults.contains(settings::savedChooseCalendars) &&
-        AppDelegate::version() == QStringLiteral("3.0") && isOurCalendar()) {
+        CoreContext::version() == QStringLiteral("3.0") && isOurCalendar()) {
         if (const auto own = getCalendar()) {
             defaults.setObject(settings::savedChooseCalendars, identifierOfCalendar(*own));
             defaults.setObject(settings::defaultCalendar, identifierOfCalendar(*own));

@@ -3,8 +3,8 @@
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
-#include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
 
 #include <algorithm>
 
@@ -67,7 +67,7 @@ std::optional<std::vector<EKEvent>> singleEvents(const QString &identifier,
 
 DateInterval CalendarEvent::window()
 {
-    const DataConteiner &data = AppDelegate::shared()->dataConteiner();
+    const DataConteiner &data = CoreContext::current().dataConteiner;
     const Date now = MVDate::date();
     return {MTDates::startOfCurrentDay(now + Seconds(static_cast<double>(data.leftIntervalAccessCalendar()))),
             MTDates::endOfCurrentDay(now + Seconds(static_cast<double>(data.rightIntervalAccessCalendar())))};
@@ -91,7 +91,7 @@ CalendarEvent::eventsForCalendars(const std::vector<EKCalendar> &calendars)
 std::vector<std::vector<EKEvent>>
 CalendarEvent::getEventsGroupedCalendarIDfromAllEvents(std::vector<EKEvent> events)
 {
-    const qint64 mostFuture = AppDelegate::shared()->dataConteiner().calendarFrequencyDay();
+    const qint64 mostFuture = CoreContext::current().dataConteiner.calendarFrequencyDay();
     const Date endOfToday = MTDates::endOfCurrentDay(MVDate::date());
     std::stable_sort(events.begin(), events.end(), [](const EKEvent &one, const EKEvent &other) {
         if (one.calendarItemExternalIdentifier != other.calendarItemExternalIdentifier)

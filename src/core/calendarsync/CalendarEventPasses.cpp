@@ -5,9 +5,9 @@
 #include "calendarsync/RowFate.h"
 #include "foundation/Log.h"
 #include "records/dates/MVDate.h"
-#include "store/AppDelegate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
 
 #include <QScopedValueRollback>
 
@@ -69,8 +69,8 @@ private:
     void takeSeries(const std::vector<EKEvent> &group)
     {
         const Date last =
-            MVDate::date() + Seconds(static_cast<double>(
-                                 AppDelegate::shared()->dataConteiner().rightIntervalAccessCalendar()));
+            MVDate::date() +
+            Seconds(static_cast<double>(CoreContext::current().dataConteiner.rightIntervalAccessCalendar()));
         for (size_t place = 0; place < group.size(); ++place) {
             if (place > 0 && group[place - 1].startDate && *group[place - 1].startDate >= last)
                 break;

@@ -2,7 +2,7 @@
 #include "calendarsync/CalendarStoreState.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
-#include "store/AppDelegate.h"
+#include "store/state/CoreContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/SettingsKeys.h"
 
@@ -103,7 +103,7 @@ void CalendarEvent::handleBeforeAllCalendarsSync()
     const QString yes = QStringLiteral("YES");
     if (DBWorker::isSample() || defaults.string(settings::handleBeforeAllCalendarsSync) == yes)
         return;
-    if (AppDelegate::version() != upgradedVersion || !hasAccesToAppleCalendar())
+    if (CoreContext::version() != upgradedVersion || !hasAccesToAppleCalendar())
         return;
     setNilTasksForDefaultGeneral();
     setOurCalendarForAllTasksWithID();

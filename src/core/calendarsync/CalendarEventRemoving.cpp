@@ -1,14 +1,14 @@
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/EventDates.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/EventDates.h"
 
 // Taking tasks out of the calendars.
 

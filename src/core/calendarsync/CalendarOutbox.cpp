@@ -6,8 +6,8 @@
 #include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
 #include "foundation/MainLoop.h"
-#include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
 
 #include <QScopedValueRollback>
 
@@ -148,9 +148,8 @@ void drainInPortions()
         return;
     MainLoop::performDelayed(Seconds(0), [] {
         isPortionDue = false;
-        AppDelegate *delegate = AppDelegate::shared();
-        if (delegate && delegate->hasManagedObjectContext() &&
-            drain(delegate->managedObjectContext(), aPortion))
+        ManagedObjectContext *context = CoreContext::current().openedStore();
+        if (context && drain(*context, aPortion))
             drainInPortions();
     });
 }
@@ -210,9 +209,10 @@ void writeTasksMadeOffline()
 void prepare(EKEventStore &store)
 {
     store.deferWrites();
-    AppDelegate *delegate = AppDelegate::shared();
-    if (delegate && !DBWorker::isSample())
-        store.setPromises(pendingChanges(delegate->managedObjectContext()));
+    if (DBWorker::isSample())
+        return;
+    if (ManagedObjectContext *context = CoreContext::current().store())
+        store.setPromises(pendingChanges(*context));
 }
 
 } // namespace CalendarOutbox

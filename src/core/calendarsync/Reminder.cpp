@@ -4,8 +4,8 @@
 #include "foundation/Localization.h"
 #include "foundation/MainLoop.h"
 #include "records/dates/MVDate.h"
-#include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
 #include "store/state/NotificationNames.h"
 
 namespace {
@@ -112,8 +112,7 @@ Reminder::Reminder()
 void Reminder::reminderChange()
 {
     // A program in front is the source of the change.
-    const AppDelegate *delegate = AppDelegate::shared();
-    if (delegate && !delegate->isActive())
+    if (!CoreContext::current().isInFront)
         updataWithReminder();
 }
 

@@ -2,7 +2,7 @@
 
 #include "cloud/FileManager.h"
 #include "foundation/UserDefaults.h"
-#include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
 #include "store/state/SettingsKeys.h"
 #include "ubiquity/UbiquityContainer.h"
 
@@ -38,7 +38,7 @@ bool IcloudManager::connectIcloud()
 
 int IcloudManager::stateDB()
 {
-    if (DBWorker::isSample())
+    if (CoreContext::current().isSample)
         return Sample;
     return connectIcloud() ? WithCloud : WithoutCloud;
 }

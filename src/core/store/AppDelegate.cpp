@@ -8,10 +8,11 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
-#include "store/entities/MainContext.h"
+#include "foundation/UserDefaults.h"
 #include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
+#include "store/state/SettingsKeys.h"
 #include "usernotifications/UserNotificationCenter.h"
 
 #include <cstdio>
@@ -22,10 +23,10 @@ namespace {
 
 AppDelegate *runningDelegate = nullptr;
 
-constexpr int ownStack = 0;
-constexpr int sampleStack = 1;
+constexpr size_t ownStack = 0;
+constexpr size_t sampleStack = 1;
 
-const QString &storeFileName(int stack)
+const QString &storeFileName(size_t stack)
 {
     static const QString names[] = {QStringLiteral("Model0.sqlite"), QStringLiteral("Model11.sqlite")};
     return names[stack];
@@ -33,16 +34,19 @@ const QString &storeFileName(int stack)
 
 } // namespace
 
-ManagedObjectContext &mainContext()
-{
-    return AppDelegate::shared()->managedObjectContext();
-}
-
 AppDelegate::AppDelegate(std::unique_ptr<ShellPort> shellPort)
     : shell(std::move(shellPort))
+    , core(std::make_unique<CoreContext>())
     , road(std::make_unique<CommitRoad>())
 {
     runningDelegate = this;
+    fillContext();
+    chooseStore();
+    storeSetting = NotificationCenter::defaultCenter().addObserver(
+        userDefaultsDidChange, [this](const DefaultsChange &change) {
+            if (change.key == settings::valueSwitchDatabase)
+                chooseStore();
+        });
 }
 
 AppDelegate::~AppDelegate()
@@ -52,8 +56,32 @@ AppDelegate::~AppDelegate()
     UserNotificationCenter::defaultUserNotificationCenter().close();
     for (auto &context : contexts)
         context.reset();
+    core.reset();
     if (runningDelegate == this)
         runningDelegate = nullptr;
+}
+
+void AppDelegate::fillContext()
+{
+    core->store = [this] { return &managedObjectContext(); };
+    core->openedStore = [this] { return contexts[selectedStack()].get(); };
+    core->hasAccessToCalendars = [] { return CalendarEvent::hasAccesToCalendar(); };
+    core->visibleCalendars = [] {
+        QStringList references;
+        for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
+            references.append(CalendarEvent::identifierOfCalendar(calendar));
+        return references;
+    };
+}
+
+void AppDelegate::chooseStore()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    if (!defaults.contains(settings::valueSwitchDatabase)) {
+        defaults.setObject(settings::valueSwitchDatabase, QStringLiteral("0"));
+        defaults.synchronize();
+    }
+    core->isSample = defaults.integer(settings::valueSwitchDatabase) == 1;
 }
 
 AppDelegate *AppDelegate::shared()
@@ -63,20 +91,20 @@ AppDelegate *AppDelegate::shared()
 
 QString AppDelegate::version()
 {
-    return QStringLiteral(MORVANE_VERSION);
+    return CoreContext::version();
 }
 
 // The store.
 
-int AppDelegate::selectedStack()
+size_t AppDelegate::selectedStack() const
 {
-    return DBWorker::isSample() ? sampleStack : ownStack;
+    return core->isSample ? sampleStack : ownStack;
 }
 
 ManagedObjectContext &AppDelegate::managedObjectContext()
 {
-    const int stack = selectedStack();
-    auto &context = contexts[static_cast<size_t>(stack)];
+    const size_t stack = selectedStack();
+    auto &context = contexts[stack];
     if (!context)
         context = openStore(storeFileName(stack));
     return *context;
@@ -84,7 +112,7 @@ ManagedObjectContext &AppDelegate::managedObjectContext()
 
 bool AppDelegate::hasManagedObjectContext() const
 {
-    return contexts[static_cast<size_t>(selectedStack())] != nullptr;
+    return contexts[selectedStack()] != nullptr;
 }
 
 void AppDelegate::resetStack0()

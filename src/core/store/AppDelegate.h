@@ -5,7 +5,7 @@
 #include "foundation/NotificationCenter.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "store/entities/Entities.h"
-#include "store/state/DataConteiner.h"
+#include "store/state/CoreContext.h"
 #include "usernotifications/NotificationPresenter.h"
 
 #include <QString>
@@ -63,7 +63,7 @@ public:
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
     /// Whether the program was in front at the last word of it.
-    bool isActive() const { return isInFront; }
+    bool isActive() const { return core->isInFront; }
     /// The link to the desktop's reminders, made at first need.
     Reminder &reminderManager();
 
@@ -74,7 +74,7 @@ public:
     bool hasManagedObjectContext() const;
     /// Forgets the stack of the user's own store, so that the next access opens it anew.
     void resetStack0();
-    DataConteiner &dataConteiner() { return container; }
+    DataConteiner &dataConteiner() { return core->dataConteiner; }
     /// The cloud behind the store, made at first need.
     IcloudManager &icloud();
     /// The program's version, for example "1.0.0".
@@ -113,7 +113,10 @@ public:
     void userNotificationCenterDidActivateNotification(const QString &taskId);
 
 private:
-    static int selectedStack();
+    void fillContext();
+    /// Reads from the settings which store is to be in use. Writes "0" where that is absent.
+    void chooseStore();
+    size_t selectedStack() const;
     std::unique_ptr<ManagedObjectContext> openStore(const QString &fileName);
     [[noreturn]] static void endForStore(const QString &path, const Error &error);
     void registerObservers();
@@ -126,13 +129,14 @@ private:
     void tendSearchIndexSoon();
 
     std::unique_ptr<ShellPort> shell;
+    /// What all below this knows of the program.
+    std::unique_ptr<CoreContext> core;
     std::unique_ptr<CommitRoad> road;
     /// The user's own store and the sample store.
     std::array<std::unique_ptr<ManagedObjectContext>, 2> contexts;
-    DataConteiner container;
     std::unique_ptr<IcloudManager> cloud;
     std::unique_ptr<Reminder> reminders;
-    bool isInFront = false;
+    Observation storeSetting;
     std::vector<Observation> observations;
     std::unique_ptr<RepeatingTimer> badgeTimer;
     /// Whether the badge is to be brought up to date when the main loop comes round.

@@ -1,7 +1,6 @@
 #include "calendarsync/AlertSchedule.h"
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarOutbox.h"
-#include "cloud/CloudUserDefaults.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
 #include "contacts/CNContactStore.h"
@@ -14,6 +13,7 @@
 #include "store/AppDelegate.h"
 #include "store/StartWindowController.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CloudUserDefaults.h"
 #include "store/state/NotificationNames.h"
 #include "store/state/SettingsKeys.h"
 #include "usernotifications/UserNotificationCenter.h"
@@ -118,7 +118,7 @@ void AppDelegate::registerObservers()
 
 void AppDelegate::applicationDidResignActive()
 {
-    isInFront = false;
+    core->isInFront = false;
     UserDefaults &defaults = UserDefaults::standard();
     CalendarEvent::resetMessageForBanChangeRepeat();
     defaults.setObject(settings::isAccesToCalendarForDidEnterBackground,
@@ -149,7 +149,7 @@ bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendar
 
 void AppDelegate::applicationDidBecomeActive()
 {
-    isInFront = true;
+    core->isInFront = true;
     UserDefaults &defaults = UserDefaults::standard();
     // The user may have travelled, or changed the system's settings, while another program was in front.
     const quint64 formerRegion = Region::generation();

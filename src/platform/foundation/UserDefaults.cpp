@@ -90,7 +90,7 @@ void UserDefaults::setObject(const QString &key, const QVariant &value)
     if (values.contains(key) && values.value(key) == json)
         return;
     values.insert(key, json);
-    changed();
+    changed(key);
 }
 
 void UserDefaults::removeObject(const QString &key)
@@ -98,7 +98,7 @@ void UserDefaults::removeObject(const QString &key)
     if (!values.contains(key))
         return;
     values.remove(key);
-    changed();
+    changed(key);
 }
 
 bool UserDefaults::contains(const QString &key) const
@@ -154,9 +154,15 @@ OptionalDate UserDefaults::date(const QString &key) const
     return value.canConvert<Date>() ? OptionalDate(value.value<Date>()) : std::nullopt;
 }
 
-void UserDefaults::changed()
+void UserDefaults::changed(const QString &key)
 {
     isWritten = false;
+    scheduleWrite();
+    NotificationCenter::defaultCenter().post(userDefaultsDidChange, {this, key});
+}
+
+void UserDefaults::scheduleWrite()
+{
     if (isWriteScheduled || !QCoreApplication::instance())
         return;
     isWriteScheduled = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Date.h"
+#include "foundation/NotificationCenter.h"
 
 #include <QByteArray>
 #include <QJsonObject>
@@ -10,6 +11,18 @@
 #include <memory>
 
 Q_DECLARE_METATYPE(Date)
+
+class UserDefaults;
+
+/// A value of a table of settings became another one, or went.
+struct DefaultsChange
+{
+    const UserDefaults *defaults;
+    QString key;
+};
+
+/// Posted at once, after the change.
+inline constexpr NotificationName<DefaultsChange> userDefaultsDidChange{u"UserDefaultsDidChange"};
 
 /// The settings of the user: a persistent table of key and value, kept in one JSON file. Main thread.
 ///
@@ -56,7 +69,8 @@ public:
 private:
     void load();
     void setAside(const QString &reason);
-    void changed();
+    void changed(const QString &key);
+    void scheduleWrite();
     bool write();
     void reportWriteFailure(const QString &reason);
 

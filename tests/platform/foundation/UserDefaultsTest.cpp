@@ -262,3 +262,21 @@ TEST(StandardUserDefaultsTest, LieInTheConfigurationFolder)
     EXPECT_TRUE(UserDefaults::standard().synchronize());
     EXPECT_TRUE(QFile::exists(ApplicationPaths::configFolder() + u"/Morvane/defaults.json"_qs));
 }
+
+TEST_F(UserDefaultsTest, TellsOfEachValueThatBecomesAnotherOrGoes)
+{
+    UserDefaults defaults(path);
+    UserDefaults others(folder.filePath(u"Morvane/others.json"_qs));
+    QStringList told;
+    const Observation observation = NotificationCenter::defaultCenter().addObserver(
+        userDefaultsDidChange, [&](const DefaultsChange &change) {
+            if (change.defaults == &defaults)
+                told.append(change.key + u'=' + defaults.string(change.key));
+        });
+    defaults.setObject(u"store"_qs, 1);
+    defaults.setObject(u"store"_qs, 1);
+    others.setObject(u"store"_qs, 2);
+    defaults.removeObject(u"none"_qs);
+    defaults.removeObject(u"store"_qs);
+    EXPECT_EQ(told, QStringList({u"store=1"_qs, u"store="_qs}));
+}

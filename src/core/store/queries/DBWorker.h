@@ -43,7 +43,7 @@ public:
     DBWorker() = delete;
 
     // The store.
-    /// Whether the sample store is in use. Writes "0" where the setting is absent.
+    /// Whether the sample store is in use.
     static bool isSample();
     /// Saves the main context. Gives the error of the save, or nothing; it stands in the log, too.
     [[nodiscard]] static OptionalError saveContext();

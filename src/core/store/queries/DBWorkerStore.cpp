@@ -1,66 +1,13 @@
-#include "calendarsync/CalendarEvent.h"
-#include "foundation/Alert.h"
-#include "foundation/Localization.h"
-#include "foundation/Log.h"
-#include "foundation/UserDefaults.h"
-#include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
-#include "store/state/SettingsKeys.h"
+#include "store/state/CoreContext.h"
 
 #include <unordered_set>
 
 // The store behind the queries.
 
-static void logFailure(const Error &error)
-{
-    Log::line(QStringLiteral("Unresolved error %1, %2").arg(error.message, error.domain));
-    // Rows changed elsewhere are merged while they are written, so that no conflict is ever left over.
-    Log::line(QStringLiteral("conflict array: (null)"));
-}
-
 bool DBWorker::isSample()
 {
-    UserDefaults &defaults = UserDefaults::standard();
-    if (!defaults.contains(settings::valueSwitchDatabase)) {
-        defaults.setObject(settings::valueSwitchDatabase, QStringLiteral("0"));
-        defaults.synchronize();
-    }
-    return defaults.integer(settings::valueSwitchDatabase) == 1;
-}
-
-OptionalError DBWorker::saveContext()
-{
-    AppDelegate *delegate = AppDelegate::shared();
-    if (!delegate)
-        return std::nullopt;
-    ManagedObjectContext &context = delegate->managedObjectContext();
-    OptionalError error = context.save();
-    if (error)
-        logFailure(*error);
-    return error;
-}
-
-bool DBWorker::saveOrTell()
-{
-    AppDelegate *delegate = AppDelegate::shared();
-    return !delegate || tellOfFailure(delegate->managedObjectContext().save());
-}
-
-bool DBWorker::tellOfFailure(const OptionalError &error)
-{
-    static bool isTold = false;
-    if (!error) {
-        isTold = false;
-        return true;
-    }
-    logFailure(*error);
-    if (!std::exchange(isTold, true))
-        Alert::run({localized(QStringLiteral("Your changes could not be saved")),
-                    localized(QStringLiteral("Your changes could not be saved")),
-                    error->message + QStringLiteral("\n\n") +
-                        localized(QStringLiteral("They are kept, and saved as soon as that is possible.")),
-                    {localized(QStringLiteral("OK"))}});
-    return false;
+    return CoreContext::current().isSample;
 }
 
 QString DBWorker::getIdFromObject(const ObjectPtr &object)
@@ -70,17 +17,16 @@ QString DBWorker::getIdFromObject(const ObjectPtr &object)
 
 ObjectPtr DBWorker::getObjectFromId(const QString &uri)
 {
-    AppDelegate *delegate = AppDelegate::shared();
-    return delegate ? delegate->managedObjectContext().objectForUri(uri) : nullptr;
+    ManagedObjectContext *context = CoreContext::current().store();
+    return context ? context->objectForUri(uri) : nullptr;
 }
 
 std::vector<TaskPtr> DBWorker::hideNotAccessTasksFromArray(std::vector<TaskPtr> tasks)
 {
     if (isSample())
         return tasks;
-    std::unordered_set<QString> references;
-    for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
-        references.insert(CalendarEvent::identifierOfCalendar(calendar));
+    const QStringList visible = CoreContext::current().visibleCalendars();
+    const std::unordered_set<QString> references(visible.begin(), visible.end());
     std::erase_if(tasks, [&references](const TaskPtr &task) {
         const QString reference = task->typeCalendarID();
         return !reference.isEmpty() && references.count(reference) == 0;

@@ -1,9 +1,9 @@
 #include "store/queries/ListDefinitions.h"
 
-#include "calendarsync/CalendarEvent.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
+#include "store/state/CoreContext.h"
 
 namespace tasklists {
 
@@ -178,8 +178,8 @@ Predicate visibleTasks()
     if (DBWorker::isSample())
         return Predicate();
     std::vector<QString> visible{QStringLiteral("")};
-    for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
-        visible.push_back(CalendarEvent::identifierOfCalendar(calendar));
+    for (const QString &reference : CoreContext::current().visibleCalendars())
+        visible.push_back(reference);
     const std::vector<QString> named = namedCalendars();
     const bool hidesNone = std::all_of(named.begin(), named.end(), [&visible](const QString &reference) {
         return std::find(visible.begin(), visible.end(), reference) != visible.end();
