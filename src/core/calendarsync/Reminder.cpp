@@ -2,6 +2,7 @@
 
 #include "eventkit/SharedEventStore.h"
 #include "foundation/Localization.h"
+#include "foundation/Log.h"
 #include "foundation/MainLoop.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/DBWorker.h"
@@ -67,12 +68,19 @@ void withAccess(const std::function<void(EKEventStore &)> &block)
     });
 }
 
+/// The task is saved all the same.
+void logFailure(const OptionalError &error)
+{
+    if (error)
+        Log::line(error->message);
+}
+
 void removeReminder(EKEventStore &store, EntityTask &task)
 {
     if (task.remindID().isEmpty())
         return;
     if (const auto reminder = store.calendarItemWithIdentifier(task.remindID()); reminder && reminder.value())
-        store.removeReminder(*reminder.value(), true);
+        logFailure(store.removeReminder(*reminder.value(), true));
     task.setRemindID(QString());
 }
 
@@ -160,7 +168,7 @@ void Reminder::initReminderFromTask(const TaskPtr &task)
         if (isDone || (!task->alert() && !task->secondAlert()))
             return;
         EKReminder reminder = reminderOf(*task, accessible);
-        accessible.saveReminder(reminder, true);
+        logFailure(accessible.saveReminder(reminder, true));
         task->setRemindID(reminder.calendarItemIdentifier);
         DBWorker::saveOrTell();
     });

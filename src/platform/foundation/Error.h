@@ -19,8 +19,20 @@ struct Error
     bool operator==(const Error &) const = default;
 };
 
-/// Nothing, or why it failed.
-using OptionalError = std::optional<Error>;
+/// Nothing, or why it failed. Who calls what may fail shows it, tries again or hands it on; ignoring it does
+/// not compile.
+class [[nodiscard]] OptionalError : public std::optional<Error>
+{
+public:
+    using std::optional<Error>::optional;
+    OptionalError() = default;
+    OptionalError(std::optional<Error> error)
+        : std::optional<Error>(std::move(error))
+    {}
+
+    /// For the few places where a failure changes nothing; say there why.
+    void ignore() const {}
+};
 
 /// A value of type T, or why there is none.
 template <typename T>

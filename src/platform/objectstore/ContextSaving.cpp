@@ -46,7 +46,7 @@ void ManagedObjectContext::processPendingChanges()
 {
     // A failure stays with the changes and is reported by the next save.
     if (std::exchange(mustApplyDeleteRules, false))
-        write();
+        write().ignore();
 }
 
 Error ManagedObjectContext::failure(const char *attempt) const
@@ -117,7 +117,7 @@ void ManagedObjectContext::rollBack()
         one.isWritten = false;
     journal->stopCapture();
     if (!database->isAutocommit())
-        database->execute("ROLLBACK");
+        database->rollBack();
     isInTransaction = false;
     waiting.clear();
     for (const ObjectPtr &object : changed) {
@@ -322,8 +322,9 @@ OptionalError ManagedObjectContext::finishOutbox(const std::vector<qint64> &sequ
         if (!error && database->execute("COMMIT"))
             error = failure("write to");
         if (!database->isAutocommit())
-            database->execute("ROLLBACK");
-        database->execute("PRAGMA synchronous = FULL");
+            database->rollBack();
+        if (const auto unsafe = database->execute("PRAGMA synchronous = FULL"))
+            error = error ? error : unsafe;
     }
     return error;
 }
@@ -347,7 +348,7 @@ bool ManagedObjectContext::tendSubstringIndexes()
         auto taken = index->takeIn(*database, substringRowsAtOnce);
         const bool isDone = taken && (!isOwn || !database->execute("COMMIT"));
         if (!isDone && isOwn && !database->isAutocommit())
-            database->execute("ROLLBACK");
+            database->rollBack();
         isMoreLeft = isMoreLeft || (isDone && *taken == substringRowsAtOnce);
     }
     return isMoreLeft;
@@ -398,7 +399,7 @@ void ManagedObjectContext::reset()
 {
     journal->stopCapture();
     if (!database->isAutocommit())
-        database->execute("ROLLBACK");
+        database->rollBack();
     isInTransaction = false;
     mustApplyDeleteRules = false;
     waiting.clear();

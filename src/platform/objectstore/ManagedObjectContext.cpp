@@ -40,7 +40,7 @@ ManagedObjectContext::~ManagedObjectContext()
     }
     journal.reset();
     if (isInTransaction)
-        database->execute("ROLLBACK");
+        database->rollBack();
 }
 
 // Objects.
@@ -96,10 +96,10 @@ void ManagedObjectContext::deleteRows(const FetchRequest &request)
     Query deletion = query(request, "row.rowid");
     deletion.text = "DELETE FROM " + quoted(entity.name()) + " WHERE rowid IN (" + deletion.text + ')';
     // What was written to such rows before goes with them.
-    write();
+    write().ignore();
     rowDeletions.push_back({std::move(deletion), false, isWritingEffects});
     // A failure stays with the changes and is reported by the next save.
-    write();
+    write().ignore();
     for (auto &[id, object] : population(entity).byIdentifier) {
         if (!object->isInserted())
             object->isLoaded = false;
@@ -229,7 +229,7 @@ std::vector<ObjectPtr> ManagedObjectContext::relatedObjects(const ManagedObject 
         sql += "\"id\" IN (SELECT " + join.farColumn + " FROM \"" + join.table + "\" WHERE " +
                join.nearColumn + " = ?)";
     }
-    write();
+    write().ignore();
     std::vector<RowId> rows;
     sqlite::Statement statement = database->prepare(sql);
     statement.bind(object.identifier());
@@ -287,7 +287,7 @@ QByteArray ManagedObjectContext::orderOf(const EntityDescription &entity,
 ManagedObjectContext::Query ManagedObjectContext::query(const FetchRequest &request, const QByteArray &result)
 {
     // What fails to be written stays in memory and is reported by the next save; the query still runs.
-    write();
+    write().ignore();
     const EntityDescription &entity = objectModel.requireEntity(request.entityName);
     SqlFragment made = fetchsql::select(objectModel, request, result, keptRows(entity));
     return {std::move(made.text), std::move(made.bindings)};

@@ -88,6 +88,8 @@ public:
     Statement prepare(const QByteArray &sql);
     /// Runs one or more statements without results.
     OptionalError execute(const QByteArray &sql);
+    /// Ends the open transaction without a trace; one that cannot be ended so has ended by itself.
+    void rollBack() { execute("ROLLBACK").ignore(); }
     /// The first column of the first row, or 0.
     qint64 queryInteger(const QByteArray &sql);
 

@@ -269,7 +269,7 @@ OptionalError migrate(sqlite::Database &database, const ManagedObjectModel &mode
         return std::nullopt;
     const Error error = failure(database, path);
     if (!database.isAutocommit())
-        database.execute("ROLLBACK");
+        database.rollBack();
     return error;
 }
 
@@ -300,7 +300,7 @@ OptionalError checkSubstringIndexes(sqlite::Database &database, const ManagedObj
         return std::nullopt;
     const Error error = failure(database, path);
     if (!database.isAutocommit())
-        database.execute("ROLLBACK");
+        database.rollBack();
     return error;
 }
 
