@@ -5,8 +5,8 @@
 #include "eventkit/EKEventStore.h"
 #include "foundation/Calendar.h"
 #include "foundation/Date.h"
-#include "records/TaskManager.h"
 #include "store/entities/Entities.h"
+#include "store/entities/TaskValues.h"
 
 #include <QVariant>
 

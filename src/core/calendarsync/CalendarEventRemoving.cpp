@@ -1,5 +1,4 @@
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/EventDates.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
@@ -9,6 +8,7 @@
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/EventDates.h"
 
 // Taking tasks out of the calendars.
 

@@ -1,7 +1,7 @@
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/EventDates.h"
 #include "eventkit/EKEvent.h"
 #include "records/dates/MTDates.h"
+#include "store/queries/EventDates.h"
 
 namespace {
 

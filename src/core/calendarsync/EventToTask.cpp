@@ -1,9 +1,9 @@
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/EventDates.h"
 #include "calendarsync/EventPlace.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/EventDates.h"
 
 // What a row takes of its event. What only the organiser knows stays.
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/StepBlock.h"
+#include "store/state/StepBlock.h"
 
 #include <cstddef>
 

@@ -1,8 +1,8 @@
 #include "calendarsync/PassRows.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/EventDates.h"
 #include "store/entities/MainContext.h"
+#include "store/queries/EventDates.h"
 #include "store/queries/EventMatching.h"
 
 #include <algorithm>

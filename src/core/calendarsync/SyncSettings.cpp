@@ -1,11 +1,11 @@
 #include "calendarsync/SyncSettings.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "cloud/CloudUserDefaults.h"
 #include "foundation/Localization.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CloudUserDefaults.h"
 #include "store/state/NotificationNames.h"
 #include "store/state/SettingsKeys.h"
 

@@ -1,9 +1,9 @@
 #include "calendarsync/TaskToEvent.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "calendarsync/EventDates.h"
 #include "calendarsync/EventPlace.h"
 #include "calendarsync/SeriesRows.h"
+#include "store/queries/EventDates.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "filters/ListFilter.h"
-#include "records/people/MVContactGroup.h"
+#include "filters/MVContactGroup.h"
 
 /// The filter of the contacts, out of which lists are made.
 class FilterContact : public ListFilter

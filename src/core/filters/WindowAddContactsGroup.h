@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/people/MVContactGroup.h"
+#include "filters/MVContactGroup.h"
 
 #include <QString>
 

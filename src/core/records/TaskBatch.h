@@ -1,7 +1,7 @@
 #pragma once
 
-#include "records/StepBlock.h"
 #include "store/entities/Entities.h"
+#include "store/state/StepBlock.h"
 
 #include <vector>
 

@@ -2,8 +2,9 @@
 
 #include "foundation/Date.h"
 #include "records/PaletteColor.h"
-#include "records/StepBlock.h"
 #include "store/entities/Entities.h"
+#include "store/entities/TaskValues.h"
+#include "store/state/StepBlock.h"
 
 #include <functional>
 #include <optional>
@@ -11,9 +12,6 @@
 
 class MVTask;
 class RecordsTransaction;
-
-/// What an edit of one occurrence of a series reaches. The numbers are those of the calendar store.
-enum class Span { ThisTask = 0, FutureTasks = 1 };
 
 /// The rules that decide whether a task may be stored, and what storing or deleting it does. Stateless; main
 /// thread only.

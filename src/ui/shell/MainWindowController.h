@@ -1,9 +1,9 @@
 #pragma once
 
+#include "filters/MVContactGroup.h"
 #include "foundation/Error.h"
 #include "foundation/MainLoop.h"
 #include "foundation/NotificationCenter.h"
-#include "records/people/MVContactGroup.h"
 #include "shell/SidebarModel.h"
 #include "shell/TabsViewController.h"
 

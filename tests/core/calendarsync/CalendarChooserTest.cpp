@@ -2,8 +2,8 @@
 
 #include "calendarsync/CalendarChooser.h"
 #include "calendarsync/SyncSettings.h"
-#include "cloud/CloudUserDefaults.h"
 #include "foundation/NotificationCenter.h"
+#include "store/state/CloudUserDefaults.h"
 #include "store/state/NotificationNames.h"
 
 namespace {

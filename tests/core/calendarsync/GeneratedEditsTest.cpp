@@ -1,6 +1,6 @@
 #include "CalendarTest.h"
-#include "calendarsync/EventDates.h"
 #include "records/dates/MTDates.h"
+#include "store/queries/EventDates.h"
 
 #include <gmock/gmock.h>
 

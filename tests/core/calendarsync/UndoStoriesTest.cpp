@@ -2,8 +2,8 @@
 
 #include "CalendarTest.h"
 
-#include "calendarsync/EventDates.h"
 #include "records/TaskBatch.h"
+#include "store/queries/EventDates.h"
 
 #include <gmock/gmock.h>
 

@@ -2,8 +2,8 @@
 
 #include "CoreTest.h"
 
-#include "cloud/CloudUserDefaults.h"
 #include "foundation/ApplicationPaths.h"
+#include "store/state/CloudUserDefaults.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

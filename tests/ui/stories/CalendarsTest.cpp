@@ -2,10 +2,10 @@
 
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/SyncSettings.h"
-#include "cloud/CloudUserDefaults.h"
 #include "eventkit/FolderBackend.h"
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
+#include "store/state/CloudUserDefaults.h"
 #include "store/state/NotificationNames.h"
 #include "store/state/SettingsKeys.h"
 #include "ui/support/ShellTest.h"

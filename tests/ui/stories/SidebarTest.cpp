@@ -1,6 +1,6 @@
 // The user finds the way through the lists.
 
-#include "records/people/MVContactGroup.h"
+#include "filters/MVContactGroup.h"
 #include "shell/details/DetailStack.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"

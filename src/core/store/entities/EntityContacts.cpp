@@ -1,6 +1,5 @@
 #include "store/entities/EntityContacts.h"
 
-#include "store/AppDelegate.h"
 #include "store/entities/Entities.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
@@ -16,27 +15,11 @@ MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityNote, note, setNote)
 MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityProject, project, setProject)
 MANAGED_TO_MANY_DEFINITION(EntityContacts, EntityTask, task, setTask)
 
-NameOrder preferredNameOrder()
-{
-    const bool isFirstNameFirst = AppDelegate::shared()->dataConteiner().contactsDisplayOrder() == 0;
-    return isFirstNameFirst ? NameOrder::FirstNameFirst : NameOrder::LastNameFirst;
-}
-
 QString fullNameIn(NameOrder order, const QString &firstName, const QString &lastName)
 {
     if (firstName.isEmpty() || lastName.isEmpty())
         return firstName + lastName;
     return order == NameOrder::FirstNameFirst ? firstName + u' ' + lastName : lastName + u' ' + firstName;
-}
-
-QString fullNameWith(const QString &firstName, const QString &lastName)
-{
-    return fullNameIn(preferredNameOrder(), firstName, lastName);
-}
-
-QString EntityContacts::fullName() const
-{
-    return fullNameWith(firstName(), lastName());
 }
 
 ContactPtr EntityContacts::firstName(const QString &firstName, const QString &lastName)

@@ -11,6 +11,9 @@ enum class TaskType { ToDo = 0, Appointment = 1, EmailCall = 2 };
 enum class TaskStatus { Open = 0, InProgress = 1, Pending = 2, Done = 3 };
 enum class Priority { High = 0, Medium = 1, Low = 2, None = 3 };
 
+/// What an edit of one occurrence of a series reaches. The numbers are those of the calendar store.
+enum class Span { ThisTask = 0, FutureTasks = 1 };
+
 // All that have a name, in the order of their numbers.
 inline constexpr std::array allTaskTypes = {TaskType::ToDo, TaskType::Appointment, TaskType::EmailCall};
 inline constexpr std::array allTaskStatuses = {TaskStatus::Open, TaskStatus::InProgress, TaskStatus::Pending,

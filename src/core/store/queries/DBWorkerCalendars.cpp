@@ -1,9 +1,8 @@
-#include "calendarsync/CalendarEvent.h"
-#include "foundation/Log.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/EventMatching.h"
 #include "store/queries/ListDefinitions.h"
+#include "store/state/CoreContext.h"
 
 #include <map>
 
@@ -92,42 +91,12 @@ DBWorker::getTasksGroupedCalendarIDfromTasks(const std::vector<TaskPtr> &tasks)
 
 std::vector<TaskPtr> DBWorker::getAllModifyTasksFromTasks(const std::vector<TaskPtr> &tasks)
 {
-    if (!CalendarEvent::hasAccesToCalendar())
+    if (!CoreContext::current().hasAccessToCalendars())
         return tasks;
     std::vector<TaskPtr> writable = tasks;
     std::erase_if(writable,
                   [](const TaskPtr &task) { return !task->allowsContentModifications().value_or(false); });
     return writable;
-}
-
-void DBWorker::removeAllTasksByCalendarIdentifier(const QString &identifier)
-{
-    for (const TaskPtr &task : loaded(mainContext().fetch<EntityTask>(
-             EntityTask::fetchRequest().where(Predicate::format("typeCalendarID == %@", identifier))))) {
-        const auto event = CalendarEvent::eventStore().eventWithIdentifier(task->calendarID());
-        // An event that cannot be asked for may still be there.
-        if (!event)
-            Log::line(event.error().message);
-        else if (!event.value())
-            mainContext().deleteObject(task);
-    }
-    saveOrTell();
-}
-
-void DBWorker::setNilForCalendarIDTasks()
-{
-    std::map<QString, TaskPtr> kept;
-    for (const TaskPtr &task : loaded(getAllTasksWithOnlyCalendarIDs())) {
-        if (!kept.try_emplace(task->calendarID(), task).second)
-            mainContext().deleteObject(task);
-    }
-    for (const auto &[identifier, task] : kept) {
-        task->setCalendarID(QString());
-        task->setTypeCalendarID(QString());
-        task->setRepeat(QString());
-        task->setEndRepeat(std::nullopt);
-    }
-    saveOrTell();
 }
 
 ObjectList<EntityLocation> DBWorker::getLocationsByLatitude(double latitude, double andLongitude,

@@ -4,6 +4,9 @@
 #include "store/queries/Lateness.h"
 #include "store/queries/ListDefinitions.h"
 
+#include <algorithm>
+#include <limits>
+
 // The numbers on badges.
 
 namespace {
@@ -155,4 +158,14 @@ TaskBadges DBWorker::taskBadges()
     badges.done.right =
         counter.count(Predicate::format("status = %d and expirationDate != nil", TaskStatus::Done));
     return badges;
+}
+
+int DBWorker::maxPositionTaskInbox()
+{
+    const FetchRequest all = EntityTask::fetchRequest().where(
+        Predicate::format("startDate ==  nil and type == %d", TaskType::ToDo));
+    // Another program may have left any number there; the next position must be one, too.
+    constexpr double lowest = std::numeric_limits<int>::min();
+    constexpr double greatest = std::numeric_limits<int>::max() - 1;
+    return static_cast<int>(std::clamp(mainContext().maximum(all, "position").value_or(0), lowest, greatest));
 }

@@ -4,7 +4,7 @@
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListDefinitions.h"
 
-// Fetches and writes of everything that is not a list of tasks.
+// Fetches of everything that is not a list of tasks.
 
 namespace {
 
@@ -188,25 +188,4 @@ std::optional<ObjectListBase> DBWorker::getAllObjectsOFEntity(const std::string 
                                           .where(Predicate::allOf(all))
                                           .sortedBy(usingSortDescriptors)
                                           .reportedAs(QStringLiteral("Can't get objects")));
-}
-
-std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, std::optional<double> latitude,
-                                                       std::optional<double> longitude)
-{
-    auto location = mainContext().fetchFirst<EntityLocation>(
-        EntityLocation::fetchRequest().where(Predicate::format("title = %@", title)));
-    if (location)
-        return location;
-    location = mainContext().insert<EntityLocation>();
-    location->setTitle(title);
-    location->setLatitude(latitude);
-    location->setLongitude(longitude);
-    saveOrTell();
-    return location;
-}
-
-void DBWorker::allSearchObjRemove()
-{
-    mainContext().deleteRows(EntitySearchIndex::fetchRequest());
-    saveOrTell();
 }

@@ -1,7 +1,7 @@
 #include "store/queries/EventMatching.h"
 
-#include "calendarsync/EventDates.h"
 #include "records/dates/MTDates.h"
+#include "store/queries/EventDates.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 #include "store/state/DataConteiner.h"
 
-#include "cloud/CloudUserDefaults.h"
 #include "foundation/Region.h"
 #include "foundation/UserDefaults.h"
+#include "store/state/CloudUserDefaults.h"
 #include "store/state/SettingsKeys.h"
 
 namespace {

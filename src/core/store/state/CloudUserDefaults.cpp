@@ -1,4 +1,4 @@
-#include "cloud/CloudUserDefaults.h"
+#include "store/state/CloudUserDefaults.h"
 
 #include "foundation/ApplicationPaths.h"
 #include "foundation/UserDefaults.h"

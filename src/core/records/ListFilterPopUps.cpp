@@ -85,23 +85,6 @@ Titled titledCategories()
 
 } // namespace
 
-QString FilterSelection::popUpTitle(bool selectedAll, int countObjects)
-{
-    if (selectedAll)
-        return localized(all);
-    if (countObjects == 0)
-        return localized(none);
-    const QString noun = countObjects == 1 ? QStringLiteral("item") : QStringLiteral("items");
-    // The first letter of the word is the Cyrillic one.
-    return QStringLiteral("%1 %2 %3")
-        .arg(localized(QStringLiteral("\u0421hoose")), QString::number(countObjects), localized(noun));
-}
-
-QString FilterSelection::title() const
-{
-    return popUpTitle(selectedAll, static_cast<int>(objects.size()));
-}
-
 FilterPopUp ListFilter::wordsPopUp(const QString &key, const QStringList &words, QString (*wordOf)(int)) const
 {
     FilterPopUp popUp;

@@ -1,4 +1,4 @@
-#include "calendarsync/EventDates.h"
+#include "store/queries/EventDates.h"
 
 #include "records/dates/MTDates.h"
 

@@ -1,0 +1,22 @@
+#include "calendarsync/CalendarEvent.h"
+#include "foundation/Log.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+
+// The rows of a calendar that has gone.
+
+void DBWorker::removeAllTasksByCalendarIdentifier(const QString &identifier)
+{
+    for (const TaskPtr &task : mainContext().fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("typeCalendarID == %@", identifier)))) {
+        if (!task)
+            continue;
+        const auto event = CalendarEvent::eventStore().eventWithIdentifier(task->calendarID());
+        // An event that cannot be asked for may still be there.
+        if (!event)
+            Log::line(event.error().message);
+        else if (!event.value())
+            mainContext().deleteObject(task);
+    }
+    saveOrTell();
+}
