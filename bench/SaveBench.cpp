@@ -1,7 +1,7 @@
 #include "BenchHome.h"
 #include "Ratio.h"
 #include "foundation/Clock.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "store/queries/DBWorker.h"
 
 #include <sqlite3.h>

@@ -3,7 +3,7 @@
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "foundation/Log.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"

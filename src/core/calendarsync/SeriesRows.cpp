@@ -1,7 +1,7 @@
 #include "calendarsync/SeriesRows.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "records/TaskColumns.h"
+#include "records/copies/TaskColumns.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"

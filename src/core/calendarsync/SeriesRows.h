@@ -1,7 +1,7 @@
 #pragma once
 
 #include "eventkit/EKEvent.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 
 #include <vector>
 

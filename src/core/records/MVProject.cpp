@@ -1,7 +1,7 @@
 #include "records/MVProject.h"
 
-#include "records/FillEmpty.h"
 #include "records/Functional.h"
+#include "records/copies/FillEmpty.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"

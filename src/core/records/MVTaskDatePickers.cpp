@@ -3,8 +3,8 @@
 #include "foundation/Localization.h"
 #include "records/DatePickerState.h"
 #include "records/Functional.h"
-#include "records/MVTask.h"
 #include "records/TaskManager.h"
+#include "records/copies/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 

@@ -1,5 +1,5 @@
 #include "foundation/DateFormatter.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "workspace/PlatformConfiguration.h"
 
 #include <QHash>

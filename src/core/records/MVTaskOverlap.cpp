@@ -1,7 +1,7 @@
 #include "foundation/Alert.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "store/queries/DBWorker.h"
 
 // Whether an appointment collides with another.

@@ -2,7 +2,7 @@
 
 #include "calendarsync/CalendarEvent.h"
 #include "records/Functional.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 
 static bool isBarred(const QString &repeat)
 {

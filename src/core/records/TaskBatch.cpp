@@ -1,9 +1,9 @@
 #include "records/TaskBatch.h"
 
 #include "calendarsync/RecordsTransaction.h"
-#include "records/MVTask.h"
 #include "records/RepeatBan.h"
 #include "records/TaskManager.h"
+#include "records/copies/MVTask.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 

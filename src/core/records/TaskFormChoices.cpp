@@ -1,7 +1,7 @@
 #include "records/TaskFormChoices.h"
 
 #include "foundation/Localization.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "store/queries/DBWorker.h"
 
 #include <algorithm>

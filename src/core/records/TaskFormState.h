@@ -2,10 +2,10 @@
 
 #include "eventkit/EKCalendar.h"
 #include "records/DatePickerState.h"
-#include "records/MVTask.h"
 #include "records/NewTaskRequest.h"
 #include "records/TaskFields.h"
 #include "records/TaskInvitation.h"
+#include "records/copies/MVTask.h"
 #include "recurrence/CustomRepeat.h"
 #include "recurrence/RepeatPicker.h"
 

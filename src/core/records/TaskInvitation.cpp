@@ -1,7 +1,7 @@
 #include "records/TaskInvitation.h"
 
 #include "calendarsync/CalendarEvent.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "store/queries/DBWorker.h"
 
 /// Where the family name begins is not said: its last word is the likeliest, then the last two and so on.

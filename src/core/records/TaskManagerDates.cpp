@@ -1,7 +1,7 @@
 #include "foundation/DateFormatter.h"
 #include "records/Functional.h"
-#include "records/MVTask.h"
 #include "records/TaskManager.h"
+#include "records/copies/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 

@@ -1,6 +1,6 @@
 #include "records/TaskMerge.h"
 
-#include "records/TaskColumns.h"
+#include "records/copies/TaskColumns.h"
 
 namespace {
 

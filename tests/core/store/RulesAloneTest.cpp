@@ -1,6 +1,6 @@
 #include "objectstore/ManagedObjectContext.h"
-#include "records/MVTask.h"
 #include "records/TaskManager.h"
+#include "records/copies/MVTask.h"
 #include "store/AppDelegate.h"
 #include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"

@@ -2,7 +2,7 @@
 
 #include "cloud/FileManager.h"
 #include "foundation/UserDefaults.h"
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/SettingsKeys.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 #include "shell/Actions.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/MVTask.h"
+#include "records/copies/MVTask.h"
 
 #include <algorithm>
 #include <string_view>

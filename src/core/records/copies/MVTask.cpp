@@ -1,0 +1,121 @@
+#include "records/copies/MVTask.h"
+
+#include "records/copies/FillEmpty.h"
+#include "records/copies/TaskColumns.h"
+#include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
+
+MVTask::MVTask(TaskPtr task)
+{
+    setTask(std::move(task));
+}
+
+void MVTask::setTask(TaskPtr task)
+{
+    row = std::move(task);
+    if (!row)
+        return;
+    isNew = false;
+    taskcolumns::forEach([this](const auto &column) {
+        if (column.copied != taskcolumns::Copied::Never)
+            fill(this->*column.member, column.of(*row));
+    });
+}
+
+void MVTask::setTaskValues()
+{
+    if (!row)
+        return;
+    const std::optional<int> formerRowIndex = rowIndex;
+    const bool wasNew = isNew;
+    *this = MVTask(row);
+    rowIndex = formerRowIndex;
+    isNew = wasNew;
+}
+
+void MVTask::moveToRow(TaskPtr task)
+{
+    row = std::move(task);
+    setTaskValues();
+}
+
+MVTask &MVTask::save()
+{
+    isNew = false;
+    if (!row) {
+        // Asked before the row is there: a query has to write what is unsaved.
+        const bool goesToInbox = !startDate && isToDo();
+        const int lastPosition = goesToInbox ? DBWorker::maxPositionTaskInbox() : 0;
+        makeRow();
+        if (goesToInbox)
+            row->setPosition(lastPosition + 1);
+    }
+    if (status == TaskStatus::Done)
+        row->setExpirationDate(MVDate::date());
+    lastModificationDate = MVDate::date();
+    writeFields();
+    return *this;
+}
+
+void MVTask::makeRow()
+{
+    setTask(mainContext().insert<EntityTask>());
+    isNew = true;
+    creationDate = MVDate::date();
+    if (!CoreContext::current().hasAccessToCalendars())
+        wasCreatedOffCalendar = true;
+    row->setCreationDate(MVDate::date());
+    row->setWasCreatedOffCalendar(wasCreatedOffCalendar);
+}
+
+void MVTask::writeFields()
+{
+    taskcolumns::forEach([this](const auto &column) {
+        if (column.copied == taskcolumns::Copied::BothWays)
+            column.set(*row, this->*column.member);
+    });
+}
+
+bool MVTask::isChangedTask() const
+{
+    if (!row)
+        return true;
+    bool isSame = true;
+    taskcolumns::forEach([this, &isSame](const auto &column) {
+        if (isSame && column.difference == taskcolumns::Difference::Counts)
+            isSame = taskcolumns::isSame(this->*column.member, column.of(*row));
+    });
+    return !isSame;
+}
+
+bool MVTask::isProgramRuleString() const
+{
+    return repeat.contains(QStringLiteral("RRULE:"));
+}
+
+QString MVTask::ruleForICalendar() const
+{
+    return QStringLiteral("RRULE:%1").arg(repeat.split(QStringLiteral(" RRULE ")).value(1));
+}
+
+namespace {
+
+double offsetOf(const EntityTask &task, OptionalDate alert)
+{
+    const OptionalDate base = task.type() == TaskType::EmailCall ? task.dueDate() : task.startDate();
+    return alert && base ? (*alert - *base).count() : 0.0;
+}
+
+} // namespace
+
+double MVTask::timeIntervalAlertOfTask(const EntityTask &task)
+{
+    return offsetOf(task, task.alert());
+}
+
+double MVTask::timeIntervalSecondAlertOfTask(const EntityTask &task)
+{
+    return offsetOf(task, task.secondAlert());
+}
