@@ -1,6 +1,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
+#include <QSet>
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -14,6 +15,9 @@ protected:
         words(u"foundation objectstore eventkit contacts usernotifications ubiquity "
               u"workspace");
     const QStringList coreFolders = words(u"store records recurrence calendarsync cloud filters");
+    /// The folders inside of core, the lowest first. Each may include those before it.
+    const QStringList orderInCore = words(u"records/dates store/entities store/state recurrence cloud "
+                                          u"store/queries filters records/copies calendarsync records store");
     const QStringList uiFolders = words(u"widgets calendarviews filters shell");
     const QStringList tradesOfPlatform =
         words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");
@@ -41,6 +45,18 @@ protected:
         while (iterator.hasNext())
             files.append(iterator.next());
         return files;
+    }
+
+    /// The place in the order of the folder of core that holds a file, given from core on; -1 outside of it.
+    qsizetype placeInCore(const QString &file) const
+    {
+        qsizetype place = -1;
+        for (qsizetype one = 0; one < orderInCore.size(); ++one) {
+            const bool holds = file.startsWith(orderInCore[one] + QLatin1Char('/'));
+            if (holds && (place < 0 || orderInCore[one].size() > orderInCore[place].size()))
+                place = one;
+        }
+        return place;
     }
 
     /// Own headers are included by folder and name, from these folders only.
@@ -76,6 +92,25 @@ TEST_F(FloorsTest, CoreHasNoScreenAndNoTradeOfThePlatform)
     expectNoSystemInclude(QStringLiteral("core"),
                           words(u"QtWidgets QtGui QWidget QApplication QGuiApplication QColor"));
     expectNoSystemInclude(QStringLiteral("core"), tradesOfPlatform);
+}
+
+TEST_F(FloorsTest, TheFoldersOfCoreIncludeOnlyThoseBelowThem)
+{
+    const QString core = sources + QStringLiteral("/core/");
+    QSet<qsizetype> seen;
+    for (const QString &file : filesOf(QStringLiteral("core"))) {
+        const qsizetype own = placeInCore(file.mid(core.size()));
+        EXPECT_GE(own, 0) << qPrintable(file) << " lies in no folder of the order";
+        seen.insert(own);
+        for (const QString &include : includesOf(file)) {
+            const QString header = include.mid(1);
+            if (!include.startsWith(u'"') || !QFile::exists(core + header))
+                continue;
+            const qsizetype other = placeInCore(header);
+            EXPECT_TRUE(other >= 0 && other <= own) << qPrintable(file) << " includes " << qPrintable(header);
+        }
+    }
+    EXPECT_EQ(seen.size(), orderInCore.size());
 }
 
 TEST_F(FloorsTest, UiLeavesTheTradesToThePlatform)
