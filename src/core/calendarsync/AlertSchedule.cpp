@@ -1,6 +1,7 @@
 #include "calendarsync/AlertSchedule.h"
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventStoreAccess.h"
+#include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
 #include "usernotifications/UserNotificationCenter.h"
 
@@ -32,7 +33,7 @@ private:
     bool calendarsRing()
     {
         if (!known)
-            known = CalendarEvent::hasAccesToCalendar() && CalendarEvent::eventStore().ringsAlarms();
+            known = EventStoreAccess::hasAccesToCalendar() && EventStoreAccess::eventStore().ringsAlarms();
         return *known;
     }
     std::optional<bool> known;

@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarChooser.h"
 
+#include "calendarsync/CalendarPass.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "foundation/Log.h"
 #include "foundation/NotificationCenter.h"
@@ -21,7 +22,7 @@ static auto isSameAs(const EKCalendar &calendar)
 static void savedChooseCalendars(const EKCalendar &changed)
 {
     UserDefaults &defaults = UserDefaults::standard();
-    const QString reference = CalendarEvent::identifierOfCalendar(changed);
+    const QString reference = CalendarCatalogue::identifierOfCalendar(changed);
     QStringList references =
         defaults.string(settings::savedChooseCalendars).split(calendarstore::separator, Qt::SkipEmptyParts);
     if (references.removeAll(reference) == 0)
@@ -31,12 +32,12 @@ static void savedChooseCalendars(const EKCalendar &changed)
 }
 
 CalendarChooser::CalendarChooser()
-    : content(CalendarEvent::sortingAndGroupingByTitleForData(false))
+    : content(CalendarCatalogue::sortingAndGroupingByTitleForData(false))
 {}
 
 bool CalendarChooser::reload()
 {
-    CalendarChooserData present = CalendarEvent::sortingAndGroupingByTitleForData(false);
+    CalendarChooserData present = CalendarCatalogue::sortingAndGroupingByTitleForData(false);
     const bool isChanged = present.data != content.data || present.selected != content.selected;
     content = std::move(present);
     return isChanged;
@@ -52,7 +53,7 @@ const EKCalendar *CalendarChooser::calendarAt(int row) const
 QString CalendarChooser::titleAt(int row) const
 {
     if (const EKCalendar *calendar = calendarAt(row))
-        return CalendarEvent::localizedTitleCalendar(*calendar);
+        return CalendarCatalogue::localizedTitleCalendar(*calendar);
     return std::get<QString>(content.data.at(static_cast<std::size_t>(row)));
 }
 
@@ -67,7 +68,7 @@ bool CalendarChooser::isDefault(int row) const
     const EKCalendar *calendar = calendarAt(row);
     return calendar && calendar->allowsContentModifications &&
            UserDefaults::standard().string(settings::defaultCalendar) ==
-               CalendarEvent::identifierOfCalendar(*calendar);
+               CalendarCatalogue::identifierOfCalendar(*calendar);
 }
 
 std::optional<EKCalendar> CalendarChooser::presentCalendarAt(int row) const
@@ -75,7 +76,7 @@ std::optional<EKCalendar> CalendarChooser::presentCalendarAt(int row) const
     const EKCalendar *shown = calendarAt(row);
     if (!shown)
         return std::nullopt;
-    const std::vector<EKCalendar> calendars = CalendarEvent::getAllCalendars();
+    const std::vector<EKCalendar> calendars = CalendarCatalogue::getAllCalendars();
     const auto found = std::ranges::find_if(calendars, isSameAs(*shown));
     return found == calendars.end() ? std::nullopt : std::optional(*found);
 }
@@ -87,7 +88,7 @@ bool CalendarChooser::toggle(int row)
         return false;
     Log::line(calendar->calendarIdentifier);
     savedChooseCalendars(*calendar);
-    content.selected = CalendarEvent::sortingAndGroupingByTitleForData(false).selected;
+    content.selected = CalendarCatalogue::sortingAndGroupingByTitleForData(false).selected;
     return true;
 }
 
@@ -97,14 +98,14 @@ bool CalendarChooser::setDefault(int row)
     if (!calendar)
         return false;
     UserDefaults::standard().setObject(settings::defaultCalendar,
-                                       CalendarEvent::identifierOfCalendar(*calendar));
+                                       CalendarCatalogue::identifierOfCalendar(*calendar));
     UserDefaults::standard().synchronize();
     return true;
 }
 
 void CalendarChooser::finish()
 {
-    CalendarEvent::syncCalendarToAppWithTask(nullptr);
+    CalendarPass::syncCalendarToAppWithTask(nullptr);
     DBWorker::saveOrTell();
     UserDefaults::standard().setObject(settings::needPopToRootDetailHome, QStringLiteral("YES"));
     UserDefaults::standard().synchronize();

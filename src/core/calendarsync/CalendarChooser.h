@@ -1,6 +1,6 @@
 #pragma once
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
 
 #include <optional>
 

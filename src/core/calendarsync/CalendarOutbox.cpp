@@ -1,7 +1,7 @@
 #include "calendarsync/CalendarOutbox.h"
 
-#include "calendarsync/CalendarEvent.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/OfflineChanges.h"
 #include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
@@ -90,7 +90,7 @@ public:
         // If this fails, they are tried again, and found to be there.
         if (const auto error = context.finishOutbox(done))
             Log::line(error->message);
-        CalendarEvent::eventStore().setPromises(std::move(left));
+        EventStoreAccess::eventStore().setPromises(std::move(left));
         return isTimeOver;
     }
 
@@ -104,7 +104,7 @@ private:
     }
     bool tryOne(const ItemChange &change)
     {
-        const auto error = CalendarEvent::eventStore().carryOut(change);
+        const auto error = EventStoreAccess::eventStore().carryOut(change);
         if (!error || fateOf(change, *error) == Fate::Dropped)
             return true;
         if (CalendarError::is(error, CalendarError::Storage))
@@ -124,7 +124,7 @@ private:
 
 bool mayWrite()
 {
-    return !DBWorker::isSample() && CalendarEvent::hasAccesToAppleCalendar();
+    return !DBWorker::isSample() && EventStoreAccess::hasAccesToAppleCalendar();
 }
 
 /// Whether time was short.

@@ -12,7 +12,7 @@
 #include <set>
 #include <vector>
 
-/// What `CalendarEvent` keeps while the program runs. For its own source files.
+/// What the bridge to the calendar store keeps while the program runs. For its own source files.
 namespace calendarstore {
 
 struct State

@@ -1,4 +1,5 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/CalendarPass.h"
 #include "calendarsync/EventPlace.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
@@ -68,8 +69,8 @@ void takeCalendar(const EKEvent &event, EntityTask &task)
         return;
     const EKCalendar &calendar = *event.calendar;
     task.setCalendarTitle(calendar.title);
-    task.setTypeCalendarID(CalendarEvent::identifierOfCalendar(calendar));
-    const EKColor color = CalendarEvent::getColorOfCalendar(calendar);
+    task.setTypeCalendarID(CalendarCatalogue::identifierOfCalendar(calendar));
+    const EKColor color = CalendarCatalogue::getColorOfCalendar(calendar);
     // Single precision, as other stores of these rows have them.
     task.setColorCalendarR(static_cast<float>(color.red));
     task.setColorCalendarG(static_cast<float>(color.green));
@@ -81,7 +82,7 @@ void takeCalendar(const EKEvent &event, EntityTask &task)
 
 } // namespace
 
-void CalendarEvent::syncEvent(const EKEvent &event, EntityTask &toTask)
+void CalendarPass::syncEvent(const EKEvent &event, EntityTask &toTask)
 {
     toTask.setTitle(event.title.trimmed());
     const bool hasPlace = event.structuredLocation && !event.structuredLocation->title.isEmpty();

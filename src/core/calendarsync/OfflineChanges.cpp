@@ -1,6 +1,9 @@
 #include "calendarsync/OfflineChanges.h"
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/EventReader.h"
+#include "calendarsync/EventStoreAccess.h"
+#include "calendarsync/EventWriter.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/StoreReach.h"
 #include "calendarsync/TaskToEvent.h"
@@ -59,18 +62,18 @@ void writeRow(RecordsTransaction &transaction, const TaskPtr &row, const Managed
     const bool isOff = row->status() == TaskStatus::Done || !row->dueDate() ||
                        (!row->startDate() && row->type() != TaskType::EmailCall);
     if (isOff)
-        CalendarEvent::removeEventCalendarFromTask(transaction, row, Span::ThisTask, false);
+        EventWriter::removeEventCalendarFromTask(transaction, row, Span::ThisTask, false);
     else
         taskevent::write(*row, EventFields::ofColumns(columns));
 }
 
 void removeEvent(const QString &uid, const QString &calendar)
 {
-    for (const EKEvent &event : CalendarEvent::eventsWithExternalIdentifier(uid)) {
-        if (!event.calendar || CalendarEvent::identifierOfCalendar(*event.calendar) != calendar ||
+    for (const EKEvent &event : EventReader::eventsWithExternalIdentifier(uid)) {
+        if (!event.calendar || CalendarCatalogue::identifierOfCalendar(*event.calendar) != calendar ||
             event.hasRecurrenceRules())
             continue;
-        if (const auto error = CalendarEvent::eventStore().removeEvent(event, EKSpan::FutureEvents, true))
+        if (const auto error = EventStoreAccess::eventStore().removeEvent(event, EKSpan::FutureEvents, true))
             Log::line(error->message);
     }
 }
@@ -138,7 +141,7 @@ void writeNewTasks()
 {
     if (calendarstore::isOffline())
         return;
-    const auto usual = CalendarEvent::getDefaultAccessCalendar();
+    const auto usual = CalendarCatalogue::getDefaultAccessCalendar();
     RecordsTransaction transaction({}, ChangeAuthor::Pass);
     for (const TaskPtr &row :
          mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(Predicate::format(
@@ -148,11 +151,11 @@ void writeNewTasks()
         if (!isDated)
             continue;
         if (row->typeCalendarID().isEmpty() && usual && usual->allowsContentModifications)
-            row->setTypeCalendarID(CalendarEvent::identifierOfCalendar(*usual));
-        const auto calendar = CalendarEvent::calendarOfIdentifier(row->typeCalendarID());
+            row->setTypeCalendarID(CalendarCatalogue::identifierOfCalendar(*usual));
+        const auto calendar = CalendarCatalogue::calendarOfIdentifier(row->typeCalendarID());
         if (!calendar || !calendar->allowsContentModifications)
             continue;
-        CalendarEvent::initEventCalendarFromTask(transaction, *row, Span::FutureTasks, std::nullopt, false);
+        EventWriter::initEventCalendarFromTask(transaction, *row, Span::FutureTasks, std::nullopt, false);
         if (!row->calendarID().isEmpty())
             row->setWasCreatedOffCalendar(false);
     }

@@ -1,6 +1,6 @@
 #include "calendarsync/PassRows.h"
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/EventDates.h"
 #include "store/queries/EventMatching.h"
@@ -24,7 +24,7 @@ void addOnce(std::vector<TaskPtr> &rows, const TaskPtr &row)
 std::vector<TaskPtr> ofCalendarItem(std::vector<TaskPtr> rows, const EKEvent &event)
 {
     const QString reference =
-        event.calendar ? CalendarEvent::identifierOfCalendar(*event.calendar) : QString();
+        event.calendar ? CalendarCatalogue::identifierOfCalendar(*event.calendar) : QString();
     std::erase_if(rows, [&](const TaskPtr &row) {
         return row->calendarID() != event.calendarItemExternalIdentifier ||
                row->typeCalendarID() != reference;
@@ -48,8 +48,8 @@ TaskPtr firstByStart(const std::vector<TaskPtr> &rows, Condition condition)
 
 PassRows::PassRows(const std::vector<EKEvent> &events)
 {
-    for (const EKCalendar &one : CalendarEvent::getAllAccessCalendars())
-        visibleCalendars.push_back(CalendarEvent::identifierOfCalendar(one));
+    for (const EKCalendar &one : CalendarCatalogue::getAllAccessCalendars())
+        visibleCalendars.push_back(CalendarCatalogue::identifierOfCalendar(one));
     for (const TaskPtr &row : mainContext().fetch<EntityTask>(
              EntityTask::fetchRequest().where(Predicate::format("calendarID != nil")))) {
         if (!row)

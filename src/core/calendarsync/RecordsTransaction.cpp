@@ -1,6 +1,6 @@
 #include "calendarsync/RecordsTransaction.h"
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarPass.h"
 #include "foundation/Localization.h"
 #include "store/entities/MainContext.h"
 
@@ -21,7 +21,7 @@ void RecordsTransaction::settle()
     std::vector<TaskPtr> tasks;
     for (const Waiting &one : all)
         tasks.push_back(one.task);
-    CalendarEvent::syncCalendarToAppWithTasks(tasks);
+    CalendarPass::syncCalendarToAppWithTasks(tasks);
     for (const Waiting &one : all) {
         if (one.afterwards && one.task->context() && !one.task->isDeleted())
             one.afterwards();

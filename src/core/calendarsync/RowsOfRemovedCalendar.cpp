@@ -1,4 +1,4 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "foundation/Log.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -11,7 +11,7 @@ void DBWorker::removeAllTasksByCalendarIdentifier(const QString &identifier)
              EntityTask::fetchRequest().where(Predicate::format("typeCalendarID == %@", identifier)))) {
         if (!task)
             continue;
-        const auto event = CalendarEvent::eventStore().eventWithIdentifier(task->calendarID());
+        const auto event = EventStoreAccess::eventStore().eventWithIdentifier(task->calendarID());
         // An event that cannot be asked for may still be there.
         if (!event)
             Log::line(event.error().message);

@@ -1,6 +1,7 @@
 #include "calendarsync/SeriesRows.h"
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/EventReader.h"
 #include "records/copies/TaskColumns.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
@@ -152,10 +153,10 @@ std::vector<EKEvent> eventsOf(const EntityTask &task, OptionalDate formerDate)
         return {};
     const OptionalDate date = task.startDate() ? task.startDate() : task.dueDate();
     std::vector<EKEvent> events =
-        CalendarEvent::eventsWithExternalIdentifier(task.calendarID(), {date, formerDate});
+        EventReader::eventsWithExternalIdentifier(task.calendarID(), {date, formerDate});
     const auto isElsewhere = [&task](const EKEvent &event) {
         return !event.calendar ||
-               CalendarEvent::identifierOfCalendar(*event.calendar) != task.typeCalendarID();
+               CalendarCatalogue::identifierOfCalendar(*event.calendar) != task.typeCalendarID();
     };
     if (!std::all_of(events.begin(), events.end(), isElsewhere))
         std::erase_if(events, isElsewhere);

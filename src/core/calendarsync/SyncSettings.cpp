@@ -1,6 +1,6 @@
 #include "calendarsync/SyncSettings.h"
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarPass.h"
 #include "foundation/Localization.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
@@ -114,6 +114,6 @@ QString SyncSettings::syncFrequencyDescription(CalendarFrequencyDay frequency)
 
 void SyncSettings::finish()
 {
-    CalendarEvent::syncCalendarToAppWithTask(nullptr);
+    CalendarPass::syncCalendarToAppWithTask(nullptr);
     DBWorker::saveOrTell();
 }

@@ -1,7 +1,8 @@
 #include "calendarsync/TaskToEvent.h"
 
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/EventPlace.h"
+#include "calendarsync/EventWriter.h"
 #include "calendarsync/SeriesRows.h"
 #include "store/queries/EventDates.h"
 
@@ -104,10 +105,10 @@ void taskevent::put(const EntityTask &task, EKEvent &event, const EventFields &f
     if (fields.alarms)
         putAlarms(task, event);
     if (fields.calendar)
-        event.calendar = CalendarEvent::calendarOfIdentifier(task.typeCalendarID());
+        event.calendar = CalendarCatalogue::calendarOfIdentifier(task.typeCalendarID());
 }
 
-void CalendarEvent::syncTask(const EntityTask &task, EKEvent &toEvent)
+void EventWriter::syncTask(const EntityTask &task, EKEvent &toEvent)
 {
     taskevent::put(task, toEvent, EventFields::all());
 }

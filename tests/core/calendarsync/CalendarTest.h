@@ -4,6 +4,7 @@
 #include "MoodyBackend.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "records/TaskManager.h"
 #include "store/entities/MainContext.h"
 #include "store/state/NotificationNames.h"
 #include "workspace/PlatformConfiguration.h"

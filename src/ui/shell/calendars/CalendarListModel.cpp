@@ -1,5 +1,6 @@
 #include "shell/calendars/CalendarListModel.h"
 
+#include "calendarsync/CalendarEvent.h"
 #include "foundation/Localization.h"
 
 #include <QColor>

@@ -1,5 +1,6 @@
 #include "shell/calendars/CalendarsAppleWindowController.h"
 
+#include "calendarsync/CalendarEvent.h"
 #include "foundation/Localization.h"
 #include "shell/calendars/CalendarCell.h"
 #include "shell/calendars/CalendarListModel.h"

@@ -1,4 +1,4 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventWriter.h"
 #include "eventkit/EKEvent.h"
 #include "records/dates/MTDates.h"
 #include "store/queries/EventDates.h"
@@ -73,7 +73,7 @@ bool keepsRule(const EKEvent &event, const EntityTask &task)
 
 } // namespace
 
-void CalendarEvent::setRecurrenceRuleFromEvent(EKEvent &event, EntityTask &task)
+void EventWriter::setRecurrenceRuleFromEvent(EKEvent &event, EntityTask &task)
 {
     if (keepsRule(event, task))
         return;

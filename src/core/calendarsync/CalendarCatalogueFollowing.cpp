@@ -1,5 +1,6 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/PassBrake.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
@@ -38,7 +39,7 @@ bool isBirthdaysOfExchange(const EKCalendar &calendar)
 void saveTitle(EKCalendar calendar, const QString &title)
 {
     calendar.title = title;
-    if (const auto error = CalendarEvent::eventStore().saveCalendar(calendar, true))
+    if (const auto error = EventStoreAccess::eventStore().saveCalendar(calendar, true))
         Log::line(error->message);
     state().calendars.reset();
 }
@@ -46,7 +47,7 @@ void saveTitle(EKCalendar calendar, const QString &title)
 /// A task names its calendar by title, so that no two writable ones may share it.
 void keepTitlesApart()
 {
-    const std::vector<EKCalendar> calendars = CalendarEvent::getAllCalendars();
+    const std::vector<EKCalendar> calendars = CalendarCatalogue::getAllCalendars();
     std::map<QString, int> counts = countOfTitles(calendars);
     int number = 0;
     for (const EKCalendar &one : calendars) {
@@ -54,7 +55,7 @@ void keepTitlesApart()
             continue;
         if (one.source.sourceType == EKSourceType::Local || isCloud(one.source)) {
             saveTitle(one, one.title + QString::number(++number));
-            counts = countOfTitles(CalendarEvent::getAllCalendars());
+            counts = countOfTitles(CalendarCatalogue::getAllCalendars());
         } else {
             saveTitle(one, QStringLiteral("%1 (%2)").arg(one.title, one.source.title));
         }
@@ -130,12 +131,12 @@ void rebuildChosen(const std::vector<EKCalendar> &calendars, const QVariantMap &
     const QStringList formerReferences = former.split(separator);
     QStringList chosen;
     for (const EKCalendar &one : calendars) {
-        const QString reference = CalendarEvent::identifierOfCalendar(one);
+        const QString reference = CalendarCatalogue::identifierOfCalendar(one);
         const QString formerTitle = formerTitles.value(one.calendarIdentifier).toString();
         EKCalendar before = one;
         before.title = formerTitle;
-        const bool wasChosen =
-            !formerTitle.isEmpty() && formerReferences.contains(CalendarEvent::identifierOfCalendar(before));
+        const bool wasChosen = !formerTitle.isEmpty() &&
+                               formerReferences.contains(CalendarCatalogue::identifierOfCalendar(before));
         if (former.contains(reference) || wasChosen)
             chosen.append(reference);
     }
@@ -148,13 +149,13 @@ void rebuildChosen(const std::vector<EKCalendar> &calendars, const QVariantMap &
 
 } // namespace
 
-void CalendarEvent::handleChangedCalendars()
+void CalendarCatalogue::handleChangedCalendars()
 {
-    if (!hasAccesToCalendar())
+    if (!EventStoreAccess::hasAccesToCalendar())
         return;
     // Calendars that cannot be asked for were not removed.
     state().calendars.reset();
-    const auto reached = eventStore().calendarsForEntityType(EKEntityType::Event);
+    const auto reached = EventStoreAccess::eventStore().calendarsForEntityType(EKEntityType::Event);
     if (!reached)
         return Log::line(reached.error().message);
     UserDefaults &defaults = UserDefaults::standard();

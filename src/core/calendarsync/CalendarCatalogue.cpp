@@ -1,5 +1,7 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
+
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/TextFolding.h"
@@ -23,7 +25,7 @@ const QString readOnlyMark = QStringLiteral("[<±>]");
 
 std::vector<EKCalendar> ownCalendars()
 {
-    std::vector<EKCalendar> own = CalendarEvent::getAllCalendars();
+    std::vector<EKCalendar> own = CalendarCatalogue::getAllCalendars();
     std::erase_if(own, [](const EKCalendar &one) { return one.title != ownTitle; });
     return own;
 }
@@ -35,7 +37,7 @@ bool isSameCalendar(const EKCalendar &one, const EKCalendar &other)
 
 bool isChosen(const EKCalendar &calendar)
 {
-    const std::vector<EKCalendar> chosen = CalendarEvent::getAllAccessCalendars();
+    const std::vector<EKCalendar> chosen = CalendarCatalogue::getAllAccessCalendars();
     return std::any_of(chosen.begin(), chosen.end(),
                        [&](const EKCalendar &one) { return isSameCalendar(one, calendar); });
 }
@@ -44,7 +46,7 @@ bool isChosen(const EKCalendar &calendar)
 /// be moved stays, with all of it.
 void removeDuplicateCalendars(const std::vector<EKCalendar> &calendars)
 {
-    EKEventStore &store = CalendarEvent::eventStore();
+    EKEventStore &store = EventStoreAccess::eventStore();
     for (size_t place = 1; place < calendars.size(); ++place) {
         auto error = store.moveContents(calendars[place], calendars.front(), true);
         if (!error)
@@ -59,7 +61,7 @@ void removeDuplicateCalendars(const std::vector<EKCalendar> &calendars)
 
 std::optional<EKSource> sourceOfOwnCalendar()
 {
-    const auto sources = CalendarEvent::eventStore().sources();
+    const auto sources = EventStoreAccess::eventStore().sources();
     if (!sources)
         return std::nullopt;
     const std::vector<EKSource> &all = sources.value();
@@ -87,9 +89,9 @@ bool calendarstore::isCloud(const EKSource &source)
     return source.sourceType == EKSourceType::CalDAV && source.title.toLower() == QStringLiteral("icloud");
 }
 
-std::vector<EKCalendar> CalendarEvent::getAllCalendars()
+std::vector<EKCalendar> CalendarCatalogue::getAllCalendars()
 {
-    EKEventStore &store = eventStore();
+    EKEventStore &store = EventStoreAccess::eventStore();
     if (!state().calendars) {
         auto found = store.calendarsForEntityType(EKEntityType::Event);
         state().isReachable = found.hasValue();
@@ -104,7 +106,7 @@ std::vector<EKCalendar> CalendarEvent::getAllCalendars()
     return *state().calendars;
 }
 
-std::vector<EKCalendar> CalendarEvent::getAllAccessCalendars()
+std::vector<EKCalendar> CalendarCatalogue::getAllAccessCalendars()
 {
     UserDefaults &defaults = UserDefaults::standard();
     if (!defaults.contains(settings::savedChooseCalendars) &&
@@ -126,16 +128,16 @@ std::vector<EKCalendar> CalendarEvent::getAllAccessCalendars()
 }
 
 std::vector<EKCalendar>
-CalendarEvent::getAllModifiedCalendarsFromCalendars(const std::vector<EKCalendar> &calendars)
+CalendarCatalogue::getAllModifiedCalendarsFromCalendars(const std::vector<EKCalendar> &calendars)
 {
     std::vector<EKCalendar> writable = calendars;
     std::erase_if(writable, [](const EKCalendar &one) { return !one.allowsContentModifications; });
     return writable;
 }
 
-std::optional<EKCalendar> CalendarEvent::getCalendar()
+std::optional<EKCalendar> CalendarCatalogue::getCalendar()
 {
-    if (!hasAccesToCalendar())
+    if (!EventStoreAccess::hasAccesToCalendar())
         return std::nullopt;
     const auto keep = [](const EKCalendar &calendar) {
         UserDefaults::standard().setObject(settings::ownCalendarIdentifier, identifierOfCalendar(calendar));
@@ -148,10 +150,10 @@ std::optional<EKCalendar> CalendarEvent::getCalendar()
     const std::optional<EKSource> source = sourceOfOwnCalendar();
     if (!source)
         return std::nullopt;
-    EKCalendar made = EKCalendar::calendarForEntityType(EKEntityType::Event, eventStore());
+    EKCalendar made = EKCalendar::calendarForEntityType(EKEntityType::Event, EventStoreAccess::eventStore());
     made.title = ownTitle;
     made.source = *source;
-    if (!eventStore().saveCalendar(made, true)) {
+    if (!EventStoreAccess::eventStore().saveCalendar(made, true)) {
         Log::line(QStringLiteral("Calendar saved!"));
         keep(made);
     }
@@ -159,9 +161,9 @@ std::optional<EKCalendar> CalendarEvent::getCalendar()
     return made;
 }
 
-bool CalendarEvent::isOurCalendar()
+bool CalendarCatalogue::isOurCalendar()
 {
-    if (!hasAccesToAppleCalendar())
+    if (!EventStoreAccess::hasAccesToAppleCalendar())
         return false;
     const std::vector<EKCalendar> own = ownCalendars();
     if (own.size() > 1)
@@ -169,9 +171,9 @@ bool CalendarEvent::isOurCalendar()
     return !own.empty();
 }
 
-std::optional<EKCalendar> CalendarEvent::setDefaultCalendarFromAppleCalendar()
+std::optional<EKCalendar> CalendarCatalogue::setDefaultCalendarFromAppleCalendar()
 {
-    const std::optional<EKCalendar> calendar = eventStore().defaultCalendarForNewEvents();
+    const std::optional<EKCalendar> calendar = EventStoreAccess::eventStore().defaultCalendarForNewEvents();
     if (calendar) {
         UserDefaults::standard().setObject(settings::defaultCalendar, identifierOfCalendar(*calendar));
         UserDefaults::standard().synchronize();
@@ -179,29 +181,29 @@ std::optional<EKCalendar> CalendarEvent::setDefaultCalendarFromAppleCalendar()
     return calendar;
 }
 
-std::optional<EKCalendar> CalendarEvent::getDefaultCalendar()
+std::optional<EKCalendar> CalendarCatalogue::getDefaultCalendar()
 {
-    if (!hasAccesToCalendar())
+    if (!EventStoreAccess::hasAccesToCalendar())
         return std::nullopt;
     const QString reference = UserDefaults::standard().string(settings::defaultCalendar);
     return reference.isEmpty() ? setDefaultCalendarFromAppleCalendar() : calendarOfIdentifier(reference);
 }
 
-std::optional<EKCalendar> CalendarEvent::getDefaultAccessCalendar()
+std::optional<EKCalendar> CalendarCatalogue::getDefaultAccessCalendar()
 {
     // Nor is the desktop's own one any good that nobody has chosen: what is put there is on no list.
     const std::optional<EKCalendar> calendar = getDefaultCalendar();
     return calendar && isChosen(*calendar) ? calendar : std::nullopt;
 }
 
-QString CalendarEvent::identifierOfCalendar(const EKCalendar &calendar)
+QString CalendarCatalogue::identifierOfCalendar(const EKCalendar &calendar)
 {
     if (calendar.allowsContentModifications)
         return calendar.title;
     return calendar.title + readOnlyMark + calendar.calendarIdentifier;
 }
 
-std::optional<EKCalendar> CalendarEvent::calendarOfIdentifier(const QString &identifier)
+std::optional<EKCalendar> CalendarCatalogue::calendarOfIdentifier(const QString &identifier)
 {
     if (identifier.isNull())
         return std::nullopt;
@@ -216,7 +218,7 @@ std::optional<EKCalendar> CalendarEvent::calendarOfIdentifier(const QString &ide
     return std::nullopt;
 }
 
-std::optional<EKCalendar> CalendarEvent::calendarOfTitle(const QString &title)
+std::optional<EKCalendar> CalendarCatalogue::calendarOfTitle(const QString &title)
 {
     for (const EKCalendar &one : getAllAccessCalendars()) {
         if (one.title == title)
@@ -225,18 +227,18 @@ std::optional<EKCalendar> CalendarEvent::calendarOfTitle(const QString &title)
     return std::nullopt;
 }
 
-bool CalendarEvent::calendarAccessOfCalendarTypeIdentifier(const QString &identifier)
+bool CalendarCatalogue::calendarAccessOfCalendarTypeIdentifier(const QString &identifier)
 {
     const std::optional<EKCalendar> calendar = calendarOfIdentifier(identifier);
     return calendar && isChosen(*calendar);
 }
 
-bool CalendarEvent::calendarAccessOfTitle(const QString &title)
+bool CalendarCatalogue::calendarAccessOfTitle(const QString &title)
 {
     return calendarOfTitle(title).has_value();
 }
 
-EKColor CalendarEvent::getColorOfCalendar(const EKCalendar &calendar)
+EKColor CalendarCatalogue::getColorOfCalendar(const EKCalendar &calendar)
 {
     constexpr EKColor quiet{0.3059, 0.4196, 0.5686, 1};
     EKColor color = calendar.color.value_or(quiet);
@@ -244,7 +246,7 @@ EKColor CalendarEvent::getColorOfCalendar(const EKCalendar &calendar)
     return color;
 }
 
-QString CalendarEvent::localizedTitleCalendar(const EKCalendar &calendar)
+QString CalendarCatalogue::localizedTitleCalendar(const EKCalendar &calendar)
 {
     if (calendar.allowsContentModifications)
         return calendar.title;
@@ -255,21 +257,21 @@ QString CalendarEvent::localizedTitleCalendar(const EKCalendar &calendar)
                             {{birthdays, birthdays}, {foundInMail, foundInMail}, {contacts, contacts}});
 }
 
-QString CalendarEvent::localizedTitleSource(const EKSource &source)
+QString CalendarCatalogue::localizedTitleSource(const EKSource &source)
 {
     static const QString subscribed = QStringLiteral("Subscribed Calendars");
     return localizedIfOneOf(source.title, {{QStringLiteral("Other"), QStringLiteral("Other calendar")},
                                            {subscribed, subscribed}});
 }
 
-int CalendarEvent::getSourceType()
+int CalendarCatalogue::getSourceType()
 {
-    const auto sources = eventStore().sources();
+    const auto sources = EventStoreAccess::eventStore().sources();
     const bool hasCloud = sources && std::any_of(sources.value().begin(), sources.value().end(), isCloud);
     return hasCloud ? static_cast<int>(EKSourceType::CalDAV) : 0;
 }
 
-CalendarChooserData CalendarEvent::sortingAndGroupingByTitleForData(bool onlyAccessModified)
+CalendarChooserData CalendarCatalogue::sortingAndGroupingByTitleForData(bool onlyAccessModified)
 {
     const std::vector<EKCalendar> calendars =
         onlyAccessModified ? getAllModifiedCalendarsFromCalendars(getAllAccessCalendars())

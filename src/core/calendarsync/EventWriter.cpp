@@ -1,11 +1,17 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventWriter.h"
+
+#include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/CalendarPass.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventReader.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "calendarsync/TaskToEvent.h"
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
+#include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
@@ -28,12 +34,12 @@ std::optional<EKEvent> eventOfSingle(const EntityTask &task, OptionalDate former
 {
     const std::vector<EKEvent> events = series::eventsOf(task, formerDate);
     return events.size() == 1 ? std::optional(events.front())
-                              : CalendarEvent::eventByStartDateOfTask(formerDate, events);
+                              : EventReader::eventByStartDateOfTask(formerDate, events);
 }
 
 std::optional<EKEvent> eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
 {
-    return CalendarEvent::eventByStartDateOfTask(formerDate, series::eventsOf(task, formerDate));
+    return EventReader::eventByStartDateOfTask(formerDate, series::eventsOf(task, formerDate));
 }
 
 /// An event that is there, with what is to be written to it; or a new one, which takes everything.
@@ -43,7 +49,7 @@ struct Draft
     EventFields fields;
 
     Draft(const EntityTask &task, std::optional<EKEvent> found)
-        : event(found ? *found : EKEvent::eventWithEventStore(CalendarEvent::eventStore()))
+        : event(found ? *found : EKEvent::eventWithEventStore(EventStoreAccess::eventStore()))
         , fields(found ? EventFields::changedIn(task) : EventFields::all())
     {}
 };
@@ -52,13 +58,13 @@ struct Draft
 /// changed of the event, and the words of its calendar.
 bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
 {
-    EKEventStore &store = CalendarEvent::eventStore();
+    EKEventStore &store = EventStoreAccess::eventStore();
     if (const auto error = store.saveEvent(event, storeSpan(span), true)) {
         Log::line(error->message);
         return false;
     }
     task.setCalendarID(event.calendarItemExternalIdentifier);
-    CalendarEvent::syncEvent(event, task);
+    CalendarPass::syncEvent(event, task);
     return true;
 }
 
@@ -68,7 +74,7 @@ bool leavesCalendar(const Draft &draft, const EntityTask &task, Span span)
     if (!draft.fields.calendar)
         return false;
     const EKEvent &event = draft.event;
-    const auto target = CalendarEvent::calendarOfIdentifier(task.typeCalendarID());
+    const auto target = CalendarCatalogue::calendarOfIdentifier(task.typeCalendarID());
     return span == Span::ThisTask && event.hasRecurrenceRules() && event.calendar && target &&
            target->calendarIdentifier != event.calendar->calendarIdentifier;
 }
@@ -76,11 +82,11 @@ bool leavesCalendar(const Draft &draft, const EntityTask &task, Span span)
 /// There it becomes an event of its own, and its series goes without it.
 bool moveAlone(EntityTask &task, const EKEvent &occurrence)
 {
-    EKEvent alone = EKEvent::eventWithEventStore(CalendarEvent::eventStore());
-    CalendarEvent::syncTask(task, alone);
+    EKEvent alone = EKEvent::eventWithEventStore(EventStoreAccess::eventStore());
+    EventWriter::syncTask(task, alone);
     if (!saveEventOf(task, alone, Span::ThisTask))
         return false;
-    if (const auto error = CalendarEvent::eventStore().removeEvent(occurrence, EKSpan::ThisEvent, true))
+    if (const auto error = EventStoreAccess::eventStore().removeEvent(occurrence, EKSpan::ThisEvent, true))
         Log::line(error->message);
     return true;
 }
@@ -98,7 +104,7 @@ void writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
     Draft draft(task, eventOfSingle(task, formerDate));
     // An occurrence that was edited alone stands in its series still, which the next edit leaves alone too.
     if (write(task, draft, draft.event.hasRecurrenceRules() ? Span::ThisTask : span))
-        CalendarEvent::setEventToDictionaryChangedEventsOfNow(draft.event);
+        EventWriter::setEventToDictionaryChangedEventsOfNow(draft.event);
 }
 
 /// The rows of a series from a date on, one excepted, which the store is about to give anew.
@@ -117,7 +123,7 @@ void deleteRowsFrom(OptionalDate date, const QString &calendarID, const EntityTa
 
 bool canReadEvents()
 {
-    return CalendarEvent::eventsForCalendars(CalendarEvent::getAllAccessCalendars()).has_value();
+    return EventReader::eventsForCalendars(CalendarCatalogue::getAllAccessCalendars()).has_value();
 }
 
 TaskPtr shared(EntityTask &task)
@@ -130,7 +136,7 @@ void takeSharedFields(const TaskPtr &task, const series::SharedFields &fields)
     fields.writeTo(*task);
     for (const TaskPtr &row : series::otherRows(*task))
         fields.writeTo(*row);
-    const DateInterval seen = CalendarEvent::window();
+    const DateInterval seen = EventReader::window();
     if (task->startDate() && (*task->startDate() < seen.start || *task->startDate() > seen.end))
         mainContext().deleteObject(task);
 }
@@ -146,11 +152,11 @@ void writeOccurrence(RecordsTransaction &transaction, EntityTask &task, Span spa
     const QString formerIdentifier = task.calendarID();
     Draft draft(task, eventOfOccurrence(task, formerDate));
     if (span == Span::FutureTasks && draft.fields.rule)
-        CalendarEvent::setRecurrenceRuleFromEvent(draft.event, task);
+        EventWriter::setRecurrenceRuleFromEvent(draft.event, task);
     if (!write(task, draft, span) || span == Span::ThisTask)
         return;
     // Rows go only where the store can give them anew, and it can fall silent at any time.
-    const auto held = CalendarEvent::eventStore().holdContents();
+    const auto held = EventStoreAccess::eventStore().holdContents();
     if (!canReadEvents())
         return;
     deleteRowsFrom(formerDate, formerIdentifier, task);
@@ -177,20 +183,20 @@ void taskevent::write(EntityTask &row, const EventFields &fields)
 
 bool calendarstore::isOffline()
 {
-    return !CalendarEvent::hasAccesToCalendar() || CalendarEvent::getAllAccessCalendars().empty() ||
+    return !EventStoreAccess::hasAccesToCalendar() || CalendarCatalogue::getAllAccessCalendars().empty() ||
            !state().isReachable;
 }
 
-void CalendarEvent::initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
-                                              bool wasRepeatRule)
+void EventWriter::initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
+                                            bool wasRepeatRule)
 {
     RecordsTransaction transaction;
     initEventCalendarFromTask(transaction, task, span, changeStartDue, wasRepeatRule);
     transaction.settle();
 }
 
-void CalendarEvent::initEventCalendarFromTask(RecordsTransaction &transaction, EntityTask &task, Span span,
-                                              OptionalDate changeStartDue, bool wasRepeatRule)
+void EventWriter::initEventCalendarFromTask(RecordsTransaction &transaction, EntityTask &task, Span span,
+                                            OptionalDate changeStartDue, bool wasRepeatRule)
 {
     if (span == Span::ThisTask) {
         // An occurrence that is edited alone leaves its series.
@@ -212,8 +218,8 @@ void CalendarEvent::initEventCalendarFromTask(RecordsTransaction &transaction, E
         writeSingle(task, span, changeStartDue);
 }
 
-void CalendarEvent::changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
-                                                      OptionalDate withChangeStartDue)
+void EventWriter::changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
+                                                    OptionalDate withChangeStartDue)
 {
     if (DBWorker::isSample() || !task->dueDate())
         return;
@@ -221,4 +227,31 @@ void CalendarEvent::changeEventCalendarStatusFromTask(const TaskPtr &task, Span 
         removeEventCalendarFromTask(task, withSpan, false);
     else
         initEventCalendarFromTask(*task, withSpan, withChangeStartDue, !task->repeat().isEmpty());
+}
+
+// The changes that this program made itself.
+
+void EventWriter::setEventToDictionaryChangedEventsOfNow(const EKEvent &event)
+{
+    if (!event.eventIdentifier.isEmpty() && event.lastModifiedDate)
+        calendarstore::state().changedEvents.insert_or_assign(event.eventIdentifier, *event.lastModifiedDate);
+}
+
+bool EventWriter::isEventInDictionaryChangedEventsOfNow(const EKEvent &event)
+{
+    return calendarstore::state().changedEvents.contains(event.eventIdentifier);
+}
+
+void EventWriter::removeEventFromDictionaryChangedEventsOfNow(const EKEvent &event)
+{
+    constexpr qint64 secondsKept = 6;
+    const auto entry = calendarstore::state().changedEvents.find(event.eventIdentifier);
+    if (entry != calendarstore::state().changedEvents.end() &&
+        MTDates::secondsSinceDate(MVDate::date(), entry->second) >= secondsKept)
+        calendarstore::state().changedEvents.erase(entry);
+}
+
+void EventWriter::removeAllObectsFromDictionaryChangedEventsOfNow()
+{
+    calendarstore::state().changedEvents.clear();
 }

@@ -1,4 +1,7 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventReader.h"
+
+#include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "foundation/Clock.h"
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
@@ -34,7 +37,7 @@ bool continuesSeries(const EKEvent &event, const EKEvent &before)
 
 std::vector<EKEvent> eventsBetween(Date start, Date end, const std::vector<EKCalendar> &calendars)
 {
-    EKEventStore &store = CalendarEvent::eventStore();
+    EKEventStore &store = EventStoreAccess::eventStore();
     auto events = store.eventsMatchingPredicate(store.predicateForEventsWithStartDate(start, end, calendars));
     if (events)
         return std::move(*events);
@@ -46,7 +49,7 @@ std::vector<EKEvent> eventsBetween(Date start, Date end, const std::vector<EKCal
 std::optional<std::vector<EKEvent>> singleEvents(const QString &identifier,
                                                  const std::vector<EKCalendar> &calendars)
 {
-    auto items = CalendarEvent::eventStore().calendarItemsWithExternalIdentifier(identifier);
+    auto items = EventStoreAccess::eventStore().calendarItemsWithExternalIdentifier(identifier);
     if (!items)
         return std::nullopt;
     std::vector<EKEvent> found;
@@ -65,7 +68,7 @@ std::optional<std::vector<EKEvent>> singleEvents(const QString &identifier,
 
 } // namespace
 
-DateInterval CalendarEvent::window()
+DateInterval EventReader::window()
 {
     const DataConteiner &data = CoreContext::current().dataConteiner;
     const Date now = MVDate::date();
@@ -73,13 +76,12 @@ DateInterval CalendarEvent::window()
             MTDates::endOfCurrentDay(now + Seconds(static_cast<double>(data.rightIntervalAccessCalendar())))};
 }
 
-std::optional<std::vector<EKEvent>>
-CalendarEvent::eventsForCalendars(const std::vector<EKCalendar> &calendars)
+std::optional<std::vector<EKEvent>> EventReader::eventsForCalendars(const std::vector<EKCalendar> &calendars)
 {
     if (calendars.empty())
         return std::vector<EKEvent>();
     const DateInterval seen = window();
-    EKEventStore &store = eventStore();
+    EKEventStore &store = EventStoreAccess::eventStore();
     auto events =
         store.eventsMatchingPredicate(store.predicateForEventsWithStartDate(seen.start, seen.end, calendars));
     if (events)
@@ -89,7 +91,7 @@ CalendarEvent::eventsForCalendars(const std::vector<EKCalendar> &calendars)
 }
 
 std::vector<std::vector<EKEvent>>
-CalendarEvent::getEventsGroupedCalendarIDfromAllEvents(std::vector<EKEvent> events)
+EventReader::getEventsGroupedCalendarIDfromAllEvents(std::vector<EKEvent> events)
 {
     const qint64 mostFuture = CoreContext::current().dataConteiner.calendarFrequencyDay();
     const Date endOfToday = MTDates::endOfCurrentDay(MVDate::date());
@@ -115,8 +117,8 @@ CalendarEvent::getEventsGroupedCalendarIDfromAllEvents(std::vector<EKEvent> even
     return groups;
 }
 
-std::vector<EKEvent> CalendarEvent::getEventsWithEventIdentifier(const QString &identifier,
-                                                                 const std::vector<EKEvent> &fromEvents)
+std::vector<EKEvent> EventReader::getEventsWithEventIdentifier(const QString &identifier,
+                                                               const std::vector<EKEvent> &fromEvents)
 {
     std::vector<EKEvent> found;
     std::copy_if(fromEvents.begin(), fromEvents.end(), std::back_inserter(found),
@@ -125,12 +127,12 @@ std::vector<EKEvent> CalendarEvent::getEventsWithEventIdentifier(const QString &
     return found;
 }
 
-std::vector<EKEvent> CalendarEvent::eventsWithExternalIdentifier(const QString &identifier,
-                                                                 const std::vector<OptionalDate> &onDaysOf)
+std::vector<EKEvent> EventReader::eventsWithExternalIdentifier(const QString &identifier,
+                                                               const std::vector<OptionalDate> &onDaysOf)
 {
-    if (DBWorker::isSample() || !hasAccesToCalendar())
+    if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar())
         return {};
-    const std::vector<EKCalendar> calendars = getAllAccessCalendars();
+    const std::vector<EKCalendar> calendars = CalendarCatalogue::getAllAccessCalendars();
     if (calendars.empty())
         return {};
     if (auto single = singleEvents(identifier, calendars))
@@ -153,8 +155,8 @@ std::vector<EKEvent> CalendarEvent::eventsWithExternalIdentifier(const QString &
     return getEventsWithEventIdentifier(identifier, events);
 }
 
-std::optional<EKEvent> CalendarEvent::eventByStartDateOfTask(OptionalDate date,
-                                                             const std::vector<EKEvent> &fromEvents)
+std::optional<EKEvent> EventReader::eventByStartDateOfTask(OptionalDate date,
+                                                           const std::vector<EKEvent> &fromEvents)
 {
     for (const EKEvent &event : fromEvents) {
         if (date && event.startDate && MTDates::isWithinSameDay(*event.startDate, *date))
@@ -163,14 +165,14 @@ std::optional<EKEvent> CalendarEvent::eventByStartDateOfTask(OptionalDate date,
     return std::nullopt;
 }
 
-std::optional<EKEvent> CalendarEvent::getEventByTitleOfTask(const EntityTask &task)
+std::optional<EKEvent> EventReader::getEventByTitleOfTask(const EntityTask &task)
 {
     constexpr Seconds aDay{86400};
     if (!task.dueDate())
         return std::nullopt;
     const Date start = task.startDate().value_or(*task.dueDate());
     for (const EKEvent &event :
-         eventsBetween(start - aDay, *task.dueDate() + aDay, getAllAccessCalendars())) {
+         eventsBetween(start - aDay, *task.dueDate() + aDay, CalendarCatalogue::getAllAccessCalendars())) {
         if (event.title == task.title())
             return event;
     }

@@ -1,12 +1,12 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventStoreAccess.h"
+
+#include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/CalendarOutbox.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "cloud/IcloudManager.h"
 #include "eventkit/SharedEventStore.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
-#include "records/dates/MTDates.h"
-#include "records/dates/MVDate.h"
 #include "store/state/SettingsKeys.h"
 
 // Whether the calendar store may be used, and what of it is kept while the program runs.
@@ -28,7 +28,7 @@ QString yesOrNo(bool isYes)
 
 } // namespace
 
-EKEventStore &CalendarEvent::eventStore()
+EKEventStore &EventStoreAccess::eventStore()
 {
     auto &shared = state();
     if (!shared.store) {
@@ -41,18 +41,18 @@ EKEventStore &CalendarEvent::eventStore()
     return *shared.store;
 }
 
-void CalendarEvent::resetEventStore()
+void EventStoreAccess::resetEventStore()
 {
     state() = {};
 }
 
-bool CalendarEvent::hasAccesToCalendar()
+bool EventStoreAccess::hasAccesToCalendar()
 {
     return UserDefaults::standard().string(settings::isAccessToCalendar) != QStringLiteral("NO") &&
            hasAccesToAppleCalendar();
 }
 
-bool CalendarEvent::hasAccesToAppleCalendar()
+bool EventStoreAccess::hasAccesToAppleCalendar()
 {
     // Where there are no calendars there is nothing to ask for.
     if (!sharedCalendarBackend())
@@ -77,7 +77,7 @@ bool CalendarEvent::hasAccesToAppleCalendar()
     return *isGrantedNow;
 }
 
-void CalendarEvent::refreshSourcesIfNecessary()
+void EventStoreAccess::refreshSourcesIfNecessary()
 {
     eventStore().refreshSourcesIfNecessary();
     state().calendars.reset();
@@ -85,11 +85,11 @@ void CalendarEvent::refreshSourcesIfNecessary()
 
 // Whether repeating tasks may be edited.
 
-void CalendarEvent::tryCreateMessageForBanEditingRepeatTask()
+void EventStoreAccess::tryCreateMessageForBanEditingRepeatTask()
 {
     const bool hasCalendar = hasAccesToAppleCalendar();
     const bool hasCloud = IcloudManager::connectIcloud();
-    const bool isCalendarInCloud = getSourceType() == 2;
+    const bool isCalendarInCloud = CalendarCatalogue::getSourceType() == 2;
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCLOUD").arg(yesOrNo(hasCloud)));
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCALENDAR").arg(yesOrNo(hasCalendar)));
     Log::line(QStringLiteral("SYNC:%1 - iCLOUD CALENDARS").arg(yesOrNo(isCalendarInCloud)));
@@ -106,44 +106,17 @@ void CalendarEvent::tryCreateMessageForBanEditingRepeatTask()
             QStringLiteral("Editing Repeated tasks is not allowed because the app has no access to iCloud!");
 }
 
-void CalendarEvent::resetMessageForBanChangeRepeat()
+void EventStoreAccess::resetMessageForBanChangeRepeat()
 {
     state().banMessage.clear();
 }
 
-bool CalendarEvent::isAccessChangeRepeatTaskWithMessage(bool)
+bool EventStoreAccess::isAccessChangeRepeatTaskWithMessage(bool)
 {
     return state().banMessage.isEmpty();
 }
 
-QString CalendarEvent::messageForBanChangeRepeat()
+QString EventStoreAccess::messageForBanChangeRepeat()
 {
     return state().banMessage;
-}
-
-// The changes that this program made itself.
-
-void CalendarEvent::setEventToDictionaryChangedEventsOfNow(const EKEvent &event)
-{
-    if (!event.eventIdentifier.isEmpty() && event.lastModifiedDate)
-        state().changedEvents.insert_or_assign(event.eventIdentifier, *event.lastModifiedDate);
-}
-
-bool CalendarEvent::isEventInDictionaryChangedEventsOfNow(const EKEvent &event)
-{
-    return state().changedEvents.contains(event.eventIdentifier);
-}
-
-void CalendarEvent::removeEventFromDictionaryChangedEventsOfNow(const EKEvent &event)
-{
-    constexpr qint64 secondsKept = 6;
-    const auto entry = state().changedEvents.find(event.eventIdentifier);
-    if (entry != state().changedEvents.end() &&
-        MTDates::secondsSinceDate(MVDate::date(), entry->second) >= secondsKept)
-        state().changedEvents.erase(entry);
-}
-
-void CalendarEvent::removeAllObectsFromDictionaryChangedEventsOfNow()
-{
-    state().changedEvents.clear();
 }

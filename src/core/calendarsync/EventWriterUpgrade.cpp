@@ -1,9 +1,12 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventReader.h"
+#include "calendarsync/EventStoreAccess.h"
+#include "calendarsync/EventWriter.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
-#include "store/state/CoreContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
 #include "store/state/SettingsKeys.h"
 
 // What the upgrade from one version needs: tasks written to the calendars one way, and a preparation once.
@@ -14,21 +17,21 @@ const QString upgradedVersion = QStringLiteral("3.0");
 
 void pushNew(EntityTask &task)
 {
-    if (const auto event = CalendarEvent::getEventByTitleOfTask(task))
+    if (const auto event = EventReader::getEventByTitleOfTask(task))
         task.setCalendarID(event->calendarItemExternalIdentifier);
     else
-        CalendarEvent::initEventCalendarFromTask(task, Span::ThisTask, std::nullopt, false);
+        EventWriter::initEventCalendarFromTask(task, Span::ThisTask, std::nullopt, false);
 }
 
 void pushLinked(EntityTask &task, bool needCreateNewEvents)
 {
-    const std::vector<EKEvent> events = CalendarEvent::eventsWithExternalIdentifier(task.calendarID());
+    const std::vector<EKEvent> events = EventReader::eventsWithExternalIdentifier(task.calendarID());
     if (events.empty() && !needCreateNewEvents)
         return;
     EKEvent event =
-        events.empty() ? EKEvent::eventWithEventStore(CalendarEvent::eventStore()) : events.front();
-    CalendarEvent::syncTask(task, event);
-    if (const auto error = CalendarEvent::eventStore().saveEvent(event, EKSpan::FutureEvents, false))
+        events.empty() ? EKEvent::eventWithEventStore(EventStoreAccess::eventStore()) : events.front();
+    EventWriter::syncTask(task, event);
+    if (const auto error = EventStoreAccess::eventStore().saveEvent(event, EKSpan::FutureEvents, false))
         return Log::line(QStringLiteral("Error -saveCalendar: %1").arg(error->message));
     task.setCalendarID(event.calendarItemExternalIdentifier);
 }
@@ -38,7 +41,7 @@ void push(const TaskPtr &task, bool needCreateNewEvents)
     const bool isLinked = !task->calendarID().isEmpty();
     if (task->status() == TaskStatus::Done || !task->dueDate()) {
         if (isLinked)
-            CalendarEvent::removeEventCalendarFromTask(task, Span::ThisTask, false);
+            EventWriter::removeEventCalendarFromTask(task, Span::ThisTask, false);
     } else if (isLinked) {
         pushLinked(*task, needCreateNewEvents);
     } else if (needCreateNewEvents) {
@@ -61,15 +64,15 @@ void setOurCalendarForAllTasksWithID()
 {
     if (!DBWorker::getAllTasksWithTypeCalendarIDIsNil().isEmpty())
         return;
-    const std::optional<EKCalendar> own = CalendarEvent::getCalendar();
+    const std::optional<EKCalendar> own = CalendarCatalogue::getCalendar();
     if (!own)
         return;
-    const EKColor color = CalendarEvent::getColorOfCalendar(*own);
+    const EKColor color = CalendarCatalogue::getColorOfCalendar(*own);
     for (const TaskPtr &task : DBWorker::getAllTasksWithOnlyCalendarIDs()) {
         if (!task)
             continue;
         task->setCalendarTitle(own->title);
-        task->setTypeCalendarID(CalendarEvent::identifierOfCalendar(*own));
+        task->setTypeCalendarID(CalendarCatalogue::identifierOfCalendar(*own));
         task->setColorCalendarR(static_cast<float>(color.red));
         task->setColorCalendarG(static_cast<float>(color.green));
         task->setColorCalendarB(static_cast<float>(color.blue));
@@ -80,9 +83,10 @@ void setOurCalendarForAllTasksWithID()
 
 } // namespace
 
-void CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(bool needCreateNewEvents)
+void EventWriter::syncAppToCalendarWithNeedCreateNewEvents(bool needCreateNewEvents)
 {
-    if (DBWorker::isSample() || !hasAccesToCalendar() || !isOurCalendar())
+    if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar() ||
+        !CalendarCatalogue::isOurCalendar())
         return;
     std::vector<TaskPtr> rows;
     for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(calendarstore::ownTitle)) {
@@ -93,17 +97,17 @@ void CalendarEvent::syncAppToCalendarWithNeedCreateNewEvents(bool needCreateNewE
         if (group.size() == 1)
             push(group.front(), needCreateNewEvents);
     }
-    if (const auto error = eventStore().commit())
+    if (const auto error = EventStoreAccess::eventStore().commit())
         Log::line(QStringLiteral("Error -saveCalendar: %1").arg(error->message));
 }
 
-void CalendarEvent::handleBeforeAllCalendarsSync()
+void EventWriter::handleBeforeAllCalendarsSync()
 {
     UserDefaults &defaults = UserDefaults::standard();
     const QString yes = QStringLiteral("YES");
     if (DBWorker::isSample() || defaults.string(settings::handleBeforeAllCalendarsSync) == yes)
         return;
-    if (CoreContext::version() != upgradedVersion || !hasAccesToAppleCalendar())
+    if (CoreContext::version() != upgradedVersion || !EventStoreAccess::hasAccesToAppleCalendar())
         return;
     setNilTasksForDefaultGeneral();
     setOurCalendarForAllTasksWithID();

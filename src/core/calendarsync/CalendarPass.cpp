@@ -1,4 +1,8 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/CalendarPass.h"
+
+#include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/EventReader.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/PassBrake.h"
 #include "calendarsync/PassProgress.h"
 #include "calendarsync/PassRows.h"
@@ -48,7 +52,7 @@ private:
         const QString title = row->title();
         const QString item = row->calendarID();
         row->setCalendarID(event.calendarItemExternalIdentifier);
-        CalendarEvent::syncEvent(event, *row);
+        CalendarPass::syncEvent(event, *row);
         if (title != row->title() || item != row->calendarID())
             rows.note(row);
         rows.claim(row);
@@ -127,7 +131,7 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
 {
     if (!row.repeat().isEmpty())
         return false;
-    const auto items = CalendarEvent::eventStore().calendarItemsWithExternalIdentifier(row.calendarID());
+    const auto items = EventStoreAccess::eventStore().calendarItemsWithExternalIdentifier(row.calendarID());
     // What cannot be asked for may be there.
     if (!items)
         return true;
@@ -150,7 +154,7 @@ rowfate::Decision fateOf(const TaskPtr &row, const std::unordered_set<TaskPtr> &
     facts.isOutsideOfPass = !onlyTasks.empty() && !onlyTasks.contains(row);
     if (const auto decision = rowfate::decideAtOnce(facts))
         return *decision;
-    facts.isCalendarChosen = CalendarEvent::calendarAccessOfCalendarTypeIdentifier(row->typeCalendarID());
+    facts.isCalendarChosen = CalendarCatalogue::calendarAccessOfCalendarTypeIdentifier(row->typeCalendarID());
     facts.wasCreatedOffCalendar = row->wasCreatedOffCalendar().value_or(false);
     facts.hasItemOutsideOfWindow = facts.isCalendarChosen && hasItemOutside(*row, window);
     return rowfate::decide(facts);
@@ -163,13 +167,13 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks)
     size_t eventCount = 0;
     {
         // All questions of a pass are about the same moment.
-        const auto held = CalendarEvent::eventStore().holdContents();
-        const auto events = CalendarEvent::eventsForCalendars(CalendarEvent::getAllAccessCalendars());
+        const auto held = EventStoreAccess::eventStore().holdContents();
+        const auto events = EventReader::eventsForCalendars(CalendarCatalogue::getAllAccessCalendars());
         // Calendars that cannot be reached are not empty ones.
         if (!events)
             return;
         Pass pass(*events);
-        const auto groups = CalendarEvent::getEventsGroupedCalendarIDfromAllEvents(*events);
+        const auto groups = EventReader::getEventsGroupedCalendarIDfromAllEvents(*events);
         // A first pass over many events lasts; half a pass would be no pass, so nothing stops it.
         const StepBlock step = passprogress::begin(groups.size());
         for (const std::vector<EKEvent> &group : groups) {
@@ -177,13 +181,13 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks)
             if (step)
                 step();
         }
-        const DateInterval seen = CalendarEvent::window();
+        const DateInterval seen = EventReader::window();
         for (const TaskPtr &row : pass.unclaimed()) {
             const rowfate::Decision decision = fateOf(row, onlyTasks, seen);
             if (decision.fate != rowfate::Fate::Goes)
                 continue;
             // It is damaged, not gone.
-            if (CalendarEvent::eventStore().mayBeUnusable(row->calendarID()))
+            if (EventStoreAccess::eventStore().mayBeUnusable(row->calendarID()))
                 continue;
             Log::line(QStringLiteral("%1: %2").arg(row->title(), QLatin1String(decision.reason)));
             going.push_back(row);
@@ -204,20 +208,20 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks)
 
 static bool isPassRunning = false;
 
-bool CalendarEvent::isPassing()
+bool CalendarPass::isPassing()
 {
     return isPassRunning;
 }
 
-void CalendarEvent::syncCalendarToAppWithTask(const TaskPtr &task)
+void CalendarPass::syncCalendarToAppWithTask(const TaskPtr &task)
 {
     syncCalendarToAppWithTasks(task ? std::vector{task} : std::vector<TaskPtr>());
 }
 
-void CalendarEvent::syncCalendarToAppWithTasks(const std::vector<TaskPtr> &tasks)
+void CalendarPass::syncCalendarToAppWithTasks(const std::vector<TaskPtr> &tasks)
 {
     static bool isWantedAgain = false;
-    if (DBWorker::isSample() || !hasAccesToCalendar())
+    if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar())
         return;
     // While a long pass tells how far it is, or asks, the calendars may report a change.
     if (isPassRunning) {

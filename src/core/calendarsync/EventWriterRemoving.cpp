@@ -1,4 +1,6 @@
-#include "calendarsync/CalendarEvent.h"
+#include "calendarsync/EventReader.h"
+#include "calendarsync/EventStoreAccess.h"
+#include "calendarsync/EventWriter.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
@@ -22,7 +24,7 @@ TaskPtr leftOf(const TaskPtr &task)
 void removeOffline(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
 {
     if (!isDeleteTasks)
-        return CalendarEvent::initEventCalendarFromTask(transaction, *task, span, std::nullopt, true);
+        return EventWriter::initEventCalendarFromTask(transaction, *task, span, std::nullopt, true);
     if (span == Span::FutureTasks) {
         for (const TaskPtr &row : series::otherRows(*task)) {
             if (series::isLater(*row, *task))
@@ -34,7 +36,7 @@ void removeOffline(RecordsTransaction &transaction, const TaskPtr &task, Span sp
 
 bool removeFromStore(const EKEvent &event, EKSpan span)
 {
-    const auto error = CalendarEvent::eventStore().removeEvent(event, span, true);
+    const auto error = EventStoreAccess::eventStore().removeEvent(event, span, true);
     if (error)
         Log::line(error->message);
     return !error;
@@ -58,8 +60,8 @@ TaskPtr removeSingle(const TaskPtr &task, bool isDeleteTasks)
     if (events.size() == 1)
         event = events.front();
     else
-        event = CalendarEvent::eventByStartDateOfTask(task->startDate() ? task->startDate() : task->dueDate(),
-                                                      events);
+        event = EventReader::eventByStartDateOfTask(task->startDate() ? task->startDate() : task->dueDate(),
+                                                    events);
     // An occurrence that was edited alone stands in its series still, of which the rest stays.
     if (event)
         removeFromStore(*event, event->hasRecurrenceRules() ? EKSpan::ThisEvent : EKSpan::FutureEvents);
@@ -119,10 +121,10 @@ void endSeriesOfOne(const EntityTask &task)
     std::vector<EKEvent> left = series::eventsOf(task);
     // The window shows one of a yearly series too.
     if (left.size() != 1 || !left.front().hasRecurrenceRules() ||
-        !CalendarEvent::eventStore().isOnlyOccurrence(left.front()))
+        !EventStoreAccess::eventStore().isOnlyOccurrence(left.front()))
         return;
     left.front().recurrenceRules.clear();
-    if (const auto error = CalendarEvent::eventStore().saveEvent(left.front(), EKSpan::FutureEvents, true))
+    if (const auto error = EventStoreAccess::eventStore().saveEvent(left.front(), EKSpan::FutureEvents, true))
         return Log::line(error->message);
     // Nor is its row one of a series, which an edit would begin again.
     for (const TaskPtr &row : series::otherRows(task)) {
@@ -199,7 +201,7 @@ void removeOccurrences(RecordsTransaction &transaction, const TaskPtr &task, Spa
 
 } // namespace
 
-TaskPtr CalendarEvent::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
+TaskPtr EventWriter::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
 {
     RecordsTransaction transaction;
     const TaskPtr row = removeEventCalendarFromTask(transaction, task, span, isDeleteTasks);
@@ -207,8 +209,8 @@ TaskPtr CalendarEvent::removeEventCalendarFromTask(const TaskPtr &task, Span spa
     return row ? leftOf(row) : nullptr;
 }
 
-TaskPtr CalendarEvent::removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task,
-                                                   Span span, bool isDeleteTasks)
+TaskPtr EventWriter::removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task,
+                                                 Span span, bool isDeleteTasks)
 {
     if (DBWorker::isSample()) {
         // Examples are on no calendar, but they can be deleted.

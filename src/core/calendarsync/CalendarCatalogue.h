@@ -1,0 +1,60 @@
+#pragma once
+
+#include "eventkit/EKCalendar.h"
+
+#include <QString>
+
+#include <optional>
+#include <variant>
+#include <vector>
+
+/// One row of a chooser of calendars: the heading of a source, or a calendar.
+using CalendarChooserRow = std::variant<QString, EKCalendar>;
+
+/// What a chooser of calendars shows.
+struct CalendarChooserData
+{
+    std::vector<CalendarChooserRow> data;
+    std::vector<EKCalendar> selected;
+};
+
+/// The calendars that the store has, by the names that the organiser gives them.
+class CalendarCatalogue
+{
+public:
+    CalendarCatalogue() = delete;
+
+    /// All calendars for events; those last known if the store cannot be reached.
+    static std::vector<EKCalendar> getAllCalendars();
+    /// The calendars that the user has chosen, in the store's order.
+    static std::vector<EKCalendar> getAllAccessCalendars();
+    /// Those that allow changes of their events.
+    static std::vector<EKCalendar>
+    getAllModifiedCalendarsFromCalendars(const std::vector<EKCalendar> &calendars);
+    /// The program's own calendar, made if it is missing; absent without access or a place for it.
+    static std::optional<EKCalendar> getCalendar();
+    /// Whether there is a calendar of the program's own title. Of several the first stays.
+    static bool isOurCalendar();
+    static std::optional<EKCalendar> getDefaultCalendar();
+    /// The same, but only if the user has chosen it.
+    static std::optional<EKCalendar> getDefaultAccessCalendar();
+    static std::optional<EKCalendar> setDefaultCalendarFromAppleCalendar();
+    /// How a task names a calendar: the title of a writable one; title, "[<±>]" and identifier of a read-only
+    /// one.
+    static QString identifierOfCalendar(const EKCalendar &calendar);
+    /// The calendar of such a name: a writable one only if it is chosen.
+    static std::optional<EKCalendar> calendarOfIdentifier(const QString &identifier);
+    static std::optional<EKCalendar> calendarOfTitle(const QString &title);
+    /// Whether the calendar of a name, or of a title, is chosen.
+    static bool calendarAccessOfCalendarTypeIdentifier(const QString &identifier);
+    static bool calendarAccessOfTitle(const QString &title);
+    /// Opaque, whatever the calendar says; a quiet one where it has none.
+    static EKColor getColorOfCalendar(const EKCalendar &calendar);
+    static QString localizedTitleCalendar(const EKCalendar &calendar);
+    static QString localizedTitleSource(const EKSource &source);
+    /// 2 if the calendars lie in the cloud, else 0.
+    static int getSourceType();
+    static CalendarChooserData sortingAndGroupingByTitleForData(bool onlyAccessModified);
+    /// Follows renames and removals of calendars, and keeps titles of writable ones apart.
+    static void handleChangedCalendars();
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "eventkit/EKCalendar.h"
+#include "eventkit/EKEvent.h"
+#include "foundation/Calendar.h"
+#include "foundation/Date.h"
+#include "store/entities/Entities.h"
+
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+/// The events of the chosen calendars around now, grouped and found.
+class EventReader
+{
+public:
+    EventReader() = delete;
+
+    /// The days around now of which the rows follow the calendars.
+    static DateInterval window();
+    /// The events of the calendars inside the window, series expanded. Absent if the store cannot be reached.
+    static std::optional<std::vector<EKEvent>> eventsForCalendars(const std::vector<EKCalendar> &calendars);
+    /// One group for each event or series, cut after so many future occurrences as the user wants.
+    static std::vector<std::vector<EKEvent>>
+    getEventsGroupedCalendarIDfromAllEvents(std::vector<EKEvent> events);
+    /// Those of one external identifier, by their start.
+    static std::vector<EKEvent> getEventsWithEventIdentifier(const QString &identifier,
+                                                             const std::vector<EKEvent> &fromEvents);
+    /// The same among all chosen calendars, by their start; none without access. Of a series those in the
+    /// window and on some more days.
+    static std::vector<EKEvent> eventsWithExternalIdentifier(const QString &identifier,
+                                                             const std::vector<OptionalDate> &onDaysOf = {});
+    /// The first that starts on the day of a date.
+    static std::optional<EKEvent> eventByStartDateOfTask(OptionalDate date,
+                                                         const std::vector<EKEvent> &fromEvents);
+    /// The first event of exactly the task's title near its dates.
+    static std::optional<EKEvent> getEventByTitleOfTask(const EntityTask &task);
+};
