@@ -182,4 +182,26 @@ TEST_F(OtherEngineTest, AgreesOnGeneratedRulesThatTheOtherEngineGetsRight)
     EXPECT_GT(compared, 1000);
 }
 
+TEST_F(OtherEngineTest, WhatWeWriteOfGeneratedRulesTheOtherEngineReadsAsWeDo)
+{
+    random.seed(testSeed());
+    for (int round = 0; round < 2000; ++round) {
+        RecurrencePattern rule = pattern();
+        rule.byHour = some(0, 23, 3);
+        rule.bySecond = some(0, 60, 3);
+        rule.byYearDay = some(-366, 366, 2);
+        rule.byWeekNo = some(-53, 53, 2);
+        rule.count = below(3) == 0 ? 1 + below(50) : 0;
+        if (below(2) == 0)
+            rule.until = utcDate(2000 + below(60), 1 + below(12), 1 + below(31), below(24), below(60));
+        const QString text = rule.text();
+        icalrecurrencetype read = icalrecurrencetype_from_string(text.toLatin1().constData());
+        char *written = icalrecurrencetype_as_string_r(&read);
+        EXPECT_EQ(RecurrencePattern::fromText(QString::fromLatin1(written)),
+                  RecurrencePattern::fromText(text))
+            << qPrintable(text) << " is " << written;
+        icalmemory_free_buffer(written);
+    }
+}
+
 } // namespace
