@@ -1,9 +1,5 @@
 #pragma once
 
-#include <QString>
-
-#include <optional>
-
 /// The base unit of a repetition; the numbers are those that the editor stores.
 enum class RecurrenceFrequency {
     yearly = 0,
@@ -14,8 +10,3 @@ enum class RecurrenceFrequency {
     minutely = 5,
     secondly = 6
 };
-
-/// "YEARLY" to "SECONDLY".
-QString frequencyText(RecurrenceFrequency frequency);
-/// Absent for any other text, small letters included.
-std::optional<RecurrenceFrequency> frequencyFromText(const QString &text);

@@ -6,39 +6,29 @@
 
 namespace {
 
-/// The units of RFC 5545 the other way round.
+/// The units of RFC 5545 are numbered the other way round.
 RecurrenceUnit unitOf(RecurrenceFrequency frequency)
 {
     return static_cast<RecurrenceUnit>(static_cast<int>(RecurrenceUnit::Yearly) -
                                        static_cast<int>(frequency));
 }
 
-RecurrencePattern patternOf(const RecurrenceRule &rule)
+RecurrenceFrequency frequencyOf(RecurrenceUnit unit)
 {
-    RecurrencePattern pattern{.frequency = unitOf(rule.frequency),
-                              .interval = rule.interval,
-                              .weekStart = rule.firstDayOfWeek,
-                              .bySetPos = rule.bysetpos,
-                              .byYearDay = rule.byyearday,
-                              .byMonth = rule.bymonth,
-                              .byWeekNo = rule.byweekno,
-                              .byMonthDay = rule.bymonthday,
-                              .byHour = rule.byhour,
-                              .byMinute = rule.byminute,
-                              .bySecond = rule.bysecond};
-    for (const EKWeekday day : rule.byweekday)
-        pattern.byDay.push_back({day});
-    if (rule.recurrenceEnd) {
-        pattern.until = rule.recurrenceEnd->endDate();
-        pattern.count = rule.recurrenceEnd->occurrenceCount();
-    }
-    return pattern;
+    return static_cast<RecurrenceFrequency>(static_cast<int>(RecurrenceFrequency::secondly) -
+                                            static_cast<int>(unit));
+}
+
+std::vector<int> ascending(std::vector<int> values)
+{
+    std::ranges::sort(values);
+    return values;
 }
 
 /// The dates of the rule itself, and those it adds; without those it takes out.
 std::vector<Date> dates(const RecurrenceRule &rule, const RecurrenceExpander::Window &window)
 {
-    const RecurrenceExpander expander(patternOf(rule), rule.startDate, rule.calendar);
+    const RecurrenceExpander expander(rule.pattern(), rule.startDate, rule.calendar);
     std::vector<Date> found;
     for (const RecurrenceInstance &instance : expander.instances(window))
         found.push_back(instance.date);
@@ -54,6 +44,52 @@ std::vector<Date> dates(const RecurrenceRule &rule, const RecurrenceExpander::Wi
 }
 
 } // namespace
+
+RecurrenceRule RecurrenceRule::fromPattern(const RecurrencePattern &pattern)
+{
+    RecurrenceRule rule(frequencyOf(pattern.frequency));
+    rule.interval = pattern.interval;
+    rule.firstDayOfWeek = pattern.weekStart;
+    if (pattern.until)
+        rule.recurrenceEnd = EKRecurrenceEnd::recurrenceEndWithEndDate(*pattern.until);
+    else if (pattern.count > 0)
+        rule.recurrenceEnd = EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(pattern.count);
+    rule.bysetpos = ascending(pattern.bySetPos);
+    rule.byyearday = ascending(pattern.byYearDay);
+    rule.bymonth = ascending(pattern.byMonth);
+    rule.byweekno = ascending(pattern.byWeekNo);
+    rule.bymonthday = ascending(pattern.byMonthDay);
+    for (const EKRecurrenceDayOfWeek &day : pattern.byDay)
+        if (day.weekNumber == 0)
+            rule.byweekday.push_back(day.dayOfTheWeek);
+    std::ranges::sort(rule.byweekday);
+    rule.byhour = ascending(pattern.byHour);
+    rule.byminute = ascending(pattern.byMinute);
+    rule.bysecond = ascending(pattern.bySecond);
+    return rule;
+}
+
+RecurrencePattern RecurrenceRule::pattern() const
+{
+    RecurrencePattern pattern{.frequency = unitOf(frequency),
+                              .interval = interval,
+                              .weekStart = firstDayOfWeek,
+                              .bySetPos = bysetpos,
+                              .byYearDay = byyearday,
+                              .byMonth = bymonth,
+                              .byWeekNo = byweekno,
+                              .byMonthDay = bymonthday,
+                              .byHour = byhour,
+                              .byMinute = byminute,
+                              .bySecond = bysecond};
+    for (const EKWeekday day : byweekday)
+        pattern.byDay.push_back({day});
+    if (recurrenceEnd) {
+        pattern.until = recurrenceEnd->endDate();
+        pattern.count = recurrenceEnd->occurrenceCount();
+    }
+    return pattern;
+}
 
 std::vector<Date> RecurrenceRule::allOccurrences() const
 {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "eventkit/EKRecurrenceDayOfWeek.h"
 #include "eventkit/EKRecurrenceEnd.h"
+#include "eventkit/RecurrencePattern.h"
 #include "foundation/Calendar.h"
 #include "foundation/Clock.h"
 #include "recurrence/ExclusionDate.h"
@@ -39,6 +39,13 @@ public:
     std::vector<int> bysecond;
     std::optional<InclusionDate> rdate;
     std::optional<ExclusionDate> exdate;
+
+    /// The rule of a pattern (RFC 5545, section 3.3.10) with its lists ascending, from now on. It has no days
+    /// at a position of the month or year and no end in floating time; these are left out.
+    static RecurrenceRule fromPattern(const RecurrencePattern &pattern);
+    /// The form in which the rule is expanded and written, values out of their ranges included. The start and
+    /// the added and removed dates are no part of it.
+    RecurrencePattern pattern() const;
 
     /// The occurrences from the start to the end of the rule, ascending, by RFC 5545 (section 3.3.10) in the
     /// wall-clock time of `calendar`. The first is the first that matches, and a count counts matches. A

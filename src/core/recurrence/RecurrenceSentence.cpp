@@ -2,7 +2,6 @@
 
 #include "foundation/CalendarSymbols.h"
 #include "recurrence/RecurrencePickerTexts.h"
-#include "recurrence/RuleParts.h"
 
 #include <QStringList>
 
@@ -56,14 +55,13 @@ QStringList weekdays(const RecurrenceRule &rule, const RecurrencePickerTexts &te
 
 QStringList monthDays(const RecurrenceRule &rule, const RecurrencePickerTexts &texts)
 {
-    std::vector<int> days = rule.bymonthday;
+    std::vector<int> days = rule.pattern().withoutInvalidValues().byMonthDay;
     // Days that are counted from the end come last.
     std::ranges::sort(days, {}, [](int day) { return day < 0 ? day + 100 : day; });
     QStringList words;
     for (const int day : days) {
-        if (monthDayRange.contains(day))
-            words << (day == -1 ? texts.text(prefix + u"element.lastDay"_s)
-                                : texts.text(prefix + u"element.day"_s, {day}));
+        words << (day == -1 ? texts.text(prefix + u"element.lastDay"_s)
+                            : texts.text(prefix + u"element.day"_s, {day}));
     }
     return words;
 }
@@ -71,12 +69,11 @@ QStringList monthDays(const RecurrenceRule &rule, const RecurrencePickerTexts &t
 QStringList months(const RecurrenceRule &rule, const RecurrencePickerTexts &texts)
 {
     const QStringList names = CalendarSymbols::months(texts.locale(), Form::InText);
-    std::vector<int> numbers = rule.bymonth;
+    std::vector<int> numbers = rule.pattern().withoutInvalidValues().byMonth;
     std::ranges::sort(numbers);
     QStringList words;
     for (const int month : numbers) {
-        if (monthRange.contains(month))
-            words << texts.text(prefix + u"element.month"_s, {names.at(month - 1), QString::number(month)});
+        words << texts.text(prefix + u"element.month"_s, {names.at(month - 1), QString::number(month)});
     }
     return words;
 }
@@ -136,7 +133,8 @@ QString RecurrenceSentence::of(const RecurrenceRule &rule, RecurrencePickerLangu
         return basic;
     const RecurrenceFrequency listed =
         isOnEveryWeekdayOfMonth(rule) ? RecurrenceFrequency::weekly : rule.frequency;
-    const QString lead = prefix + u"element.on."_s + frequencyText(listed).toLower();
+    // Only weeks, months and years have lists.
+    const QString lead = prefix + u"element.on."_s + unitWord(listed) + u"ly"_s;
     const QString list = texts.text(lead, {joined(words, texts), static_cast<int>(words.size())});
     return texts.text(prefix + u"byWeekdaysOrMonthdaysOrMonths"_s, {basic, list, unit});
 }

@@ -12,8 +12,9 @@
 
 enum class EKRecurrenceFrequency { Daily = 0, Weekly = 1, Monthly = 2, Yearly = 3 };
 
-/// How an event of the calendar store repeats. An empty list is an absent one. Values out of the ranges of
-/// RFC 5545 (section 3.3.10) are dropped one by one, and an interval is brought into 1 to 32767.
+/// How an event of the calendar store repeats: a `RecurrencePattern` of days or more. An empty list is an
+/// absent one. Values out of the ranges of RFC 5545 (section 3.3.10) are dropped one by one, and an interval
+/// is brought into 1 to 32767.
 class EKRecurrenceRule
 {
 public:
@@ -24,10 +25,9 @@ public:
         const std::vector<int> &weeksOfTheYear = {}, const std::vector<int> &daysOfTheYear = {},
         const std::vector<int> &setPositions = {}, const std::optional<EKRecurrenceEnd> &end = {});
 
-    /// Reads a rule out of a text that contains its parts, whatever stands around them: no "RRULE:" is
-    /// needed. Absent unless a frequency from daily to yearly is found. A BYDAY list ends at the first
-    /// character that is no letter, digit, "_" or comma, so entries from a minus sign on are not read. An
-    /// end date must have the form "yyyyMMdd'T'HHmmss'Z'".
+    /// Finds the parts of a rule in a text (RFC 5545, section 3.3.10), whatever stands around them: no
+    /// "RRULE:" is needed. Absent unless a frequency from daily to yearly is found. A list ends at the first
+    /// character that cannot belong to it. An end date must have the form "yyyyMMdd'T'HHmmss'Z'".
     static std::optional<EKRecurrenceRule> recurrenceRuleFromString(const QString &text);
 
     /// The part of a pattern that such a rule can hold: no times of day. The end of a pattern in floating

@@ -11,7 +11,8 @@
 
 enum class RecurrenceUnit { Secondly, Minutely, Hourly, Daily, Weekly, Monthly, Yearly };
 
-/// A recurrence rule with all parts of RFC 5545 (section 3.3.10). An empty list is an absent part.
+/// A recurrence rule with all parts of RFC 5545 (section 3.3.10). An empty list is an absent part. It is the
+/// one form in which rules are read, written and expanded; `EKRecurrenceRule` holds one.
 struct RecurrencePattern
 {
     RecurrenceUnit frequency = RecurrenceUnit::Daily;
@@ -37,11 +38,24 @@ struct RecurrencePattern
     std::vector<int> byMinute = {};
     std::vector<int> bySecond = {};
 
-    /// Reads the body of an RRULE, such as "FREQ=DAILY;COUNT=3". Values out of their range and unknown parts
-    /// are dropped one by one; absent if that leaves no frequency or two parts exclude each other.
+    /// Reads the body of an RRULE (RFC 5545, section 3.3.10), such as "FREQ=DAILY;COUNT=3", in capital or
+    /// small letters. Values out of their range and unknown parts are dropped one by one. Of a part that
+    /// comes twice, and of COUNT and UNTIL, the first counts; a value that comes twice in a list counts once.
+    /// Weekdays come in the order of the week. Absent if no frequency is left.
     static std::optional<RecurrencePattern> fromText(const QString &body);
-    /// The body of an RRULE. Values out of their range are left out, and an interval is at most 32767.
+    /// The body of an RRULE, without INTERVAL and WKST where they say what holds anyway. Values out of their
+    /// range are left out, a value that comes twice is written once, and an interval is at most 32767, since
+    /// other programs have no room for more. COUNT excludes UNTIL.
     QString text() const;
+
+    /// Reads the value of one part: "BYDAY" and "MO,-1FR". Letters must be capitals, without spaces.
+    /// Unreadable values of a list are dropped, and those out of range except hours, minutes and seconds; an
+    /// interval below 1 is 1. A list is replaced by what is readable of it. False if that is nothing, or if
+    /// it is no part of a rule.
+    bool readPart(const QString &key, const QString &value);
+    /// The value of one part as it is written, by the same ranges. INTERVAL and WKST always have one; empty
+    /// for another part that the rule does not have.
+    QString part(const QString &key) const;
 
     /// The same for a series of whole days, whose end some write as a moment: the day that is written counts.
     RecurrencePattern ofWholeDays() const;

@@ -2,23 +2,11 @@
 
 #include "eventkit/CalendarPeriods.h"
 #include "eventkit/ClockPeriods.h"
-#include "eventkit/IcalPeriods.h"
 
 #include <algorithm>
 
-namespace {} // namespace
-
 std::unique_ptr<RecurrencePeriods> RecurrencePeriods::create(const RecurrencePattern &pattern,
                                                              std::int64_t start, std::int64_t last)
-{
-    const std::int64_t end = std::min(last, endOfTime);
-    if (IcalPeriods::isRightFor(pattern, start, end))
-        return std::make_unique<IcalPeriods>(pattern, start, end);
-    return createOwn(pattern, start, end);
-}
-
-std::unique_ptr<RecurrencePeriods> RecurrencePeriods::createOwn(const RecurrencePattern &pattern,
-                                                                std::int64_t start, std::int64_t last)
 {
     const std::int64_t end = std::min(last, endOfTime);
     if (pattern.frequency < RecurrenceUnit::Daily)

@@ -13,8 +13,8 @@ using WallSeconds = std::vector<std::int64_t>;
 inline const std::int64_t endOfTime = WallClock{9999, 12, 31, 23, 59, 59}.seconds();
 
 /// Steps through the periods of a recurrence rule (its years, weeks, minutes, ...) and gives the moments that
-/// the rule takes in each: BYSETPOS applied, COUNT and UNTIL not. The period of the start comes whole, with
-/// moments before the start.
+/// the rule takes in each (RFC 5545, section 3.3.10): BYSETPOS applied, COUNT and UNTIL not. The period of
+/// the start comes whole, with moments before the start.
 class RecurrencePeriods
 {
 public:
@@ -23,9 +23,6 @@ public:
     /// For a pattern without invalid values; nothing comes after `last`, nor after the year 9999.
     static std::unique_ptr<RecurrencePeriods> create(const RecurrencePattern &pattern, std::int64_t start,
                                                      std::int64_t last);
-    /// The same without the library, for every rule.
-    static std::unique_ptr<RecurrencePeriods> createOwn(const RecurrencePattern &pattern, std::int64_t start,
-                                                        std::int64_t last);
 
     /// Leaves out the periods that end before a moment.
     virtual void skipTo(std::int64_t moment) = 0;

@@ -109,18 +109,24 @@ TEST_F(RRuleTest, ListsKeepTheirReadableValuesInAscendingOrder)
     EXPECT_EQ(parts("BYMINUTE=5;BYSECOND=0,7").bysecond, (Numbers{0, 7}));
     EXPECT_EQ(parts("BYDAY=SA,1MO,SU,mo,0").byweekday,
               (Weekdays{EKWeekday::Sunday, EKWeekday::Monday, EKWeekday::Saturday}));
+    EXPECT_TRUE(parts("BYDAY=0MO,+1TU,5M").byweekday.empty());
     EXPECT_EQ(parts("BYDAY=6,5,7").byweekday, (Weekdays{EKWeekday::Sunday, EKWeekday::Saturday}));
 }
 
 TEST_F(RRuleTest, SinglePartsThatCannotBeReadLeaveTheDefault)
 {
     EXPECT_EQ(parts("WKST=SU").firstDayOfWeek, EKWeekday::Sunday);
-    EXPECT_EQ(parts("WKST=0").firstDayOfWeek, EKWeekday::Monday);
+    EXPECT_EQ(parts("WKST=6").firstDayOfWeek, EKWeekday::Sunday);
+    EXPECT_EQ(parts("WKST=SU;WKST=0").firstDayOfWeek, EKWeekday::Monday);
     EXPECT_EQ(parts("WKST=XX").firstDayOfWeek, EKWeekday::Monday);
     EXPECT_EQ(parts("INTERVAL=-4").interval, 1);
     EXPECT_EQ(parts("INTERVAL=3;INTERVAL=99999999999").interval, 3);
     EXPECT_EQ(parts("DTSTART=20260230T090000Z").startDate, now);
     EXPECT_EQ(parts("COUNT=4;UNTIL=later").recurrenceEnd,
+              EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(4));
+    const auto atNight = EKRecurrenceEnd::recurrenceEndWithEndDate(localDate(2026, 12, 31, 23, 59, 59));
+    EXPECT_EQ(parts("COUNT=4;UNTIL=20261231T235959Z").recurrenceEnd, atNight);
+    EXPECT_EQ(parts("UNTIL=20261231T235959Z;COUNT=4;UNTIL=20261231").recurrenceEnd,
               EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(4));
     EXPECT_FALSE(parts("COUNT=0").recurrenceEnd || parts("COUNT=3.5").recurrenceEnd);
 }

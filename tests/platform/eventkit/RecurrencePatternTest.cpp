@@ -49,20 +49,55 @@ TEST(RecurrencePatternTest, DropsWhatNobodyCanReadAndKeepsTheRest)
         EXPECT_FALSE(read(body)) << body;
 }
 
-TEST(RecurrencePatternTest, ListsLongerThanAnyRuleNeedsAreNoHarm)
+TEST(RecurrencePatternTest, DaysThatAMonthDoesNotHaveAreInTheNextOneAndOtherDatesAreNone)
 {
+    EXPECT_EQ(read("FREQ=DAILY;UNTIL=20240230")->localUntil, (WallClock{2024, 3, 1, 0, 0, 0}));
+    EXPECT_EQ(read("FREQ=DAILY;UNTIL=20240131T240000Z")->until, utcDate(2024, 2, 1));
+    for (const char *date : {"20241301", "20240132", "00000101", "2024-01-31", "20240131T1000",
+                             "20240131T250000", "20240131T106000", "20240131Z", "20240131T100000+0100"})
+        EXPECT_EQ(rewritten((QByteArray("FREQ=DAILY;UNTIL=") + date).constData()), u"FREQ=DAILY"_qs) << date;
+}
+
+TEST(RecurrencePatternTest, WhatComesTwiceCountsOnce)
+{
+    EXPECT_EQ(rewritten("FREQ=DAILY;FREQ=WEEKLY;INTERVAL=2;INTERVAL=3;UNTIL=20300101;COUNT=3"),
+              u"FREQ=DAILY;UNTIL=20300101;INTERVAL=2"_qs);
+    EXPECT_EQ(rewritten("FREQ=YEARLY;BYMONTH=x;BYMONTH=6,2,06;BYMONTH=3"), u"FREQ=YEARLY;BYMONTH=6,2"_qs);
+    EXPECT_EQ(rewritten("FREQ=MONTHLY;BYDAY=FR,1MO,MO,+1MO,0MO;WKST=FR"),
+              u"FREQ=MONTHLY;BYDAY=FR,MO,1MO;WKST=FR"_qs);
     QStringList days;
     for (int week = -53; week <= 53; ++week)
         for (const char *day : {"MO", "TU", "WE", "TH", "FR", "SA", "SU"})
-            days.append(QString::number(week) + QString::fromLatin1(day));
+            days << QString::number(week) + QString::fromLatin1(day) << QStringLiteral("SU");
     const auto pattern = RecurrencePattern::fromText(QStringLiteral("FREQ=YEARLY;BYDAY=") + days.join(u','));
     ASSERT_TRUE(pattern);
-    EXPECT_GT(pattern->byDay.size(), 300U);
-    EXPECT_LT(pattern->byDay.size(), std::size_t(days.size()));
-    RecurrencePattern wide{.frequency = RecurrenceUnit::Yearly};
-    for (int place = -366; place <= 366; ++place)
-        wide.bySetPos.push_back(place);
-    EXPECT_TRUE(wide.text().startsWith(u"FREQ=YEARLY;BYSETPOS=-366,"_qs));
+    EXPECT_EQ(pattern->byDay.size(), std::size_t(days.size()) / 2);
+    const RecurrencePattern twice{.bySetPos = {2, -400, 2, 0, 1},
+                                  .byDay = {{EKWeekday::Friday}, {EKWeekday::Friday}}};
+    EXPECT_EQ(twice.text(), u"FREQ=DAILY;BYDAY=FR;BYSETPOS=2,1"_qs);
+}
+
+TEST(RecurrencePatternTest, PartsAreReadAndWrittenOneByOne)
+{
+    RecurrencePattern pattern;
+    EXPECT_TRUE(pattern.readPart(u"INTERVAL"_qs, u"-4"_qs) && pattern.readPart(u"BYHOUR"_qs, u"99,9"_qs));
+    EXPECT_TRUE(pattern.readPart(u"BYDAY"_qs, u"FR,-1MO,2,MONDAY,54TU"_qs));
+    EXPECT_EQ(pattern.part(u"INTERVAL"_qs) + u' ' + pattern.part(u"WKST"_qs) + u' ' +
+                  pattern.part(u"BYHOUR"_qs),
+              u"1 MO 99,9"_qs);
+    EXPECT_EQ(pattern.part(u"BYDAY"_qs), u"FR,-1MO"_qs);
+    EXPECT_EQ(pattern.text(), u"FREQ=DAILY;BYHOUR=9;BYDAY=FR,-1MO"_qs);
+    for (const char *part :
+         {"FREQ=daily", "FREQ=", "INTERVAL=x", "COUNT=0", "COUNT=3,4", "COUNT= 3", "WKST=mo", "BYHOUR=x",
+          "BYMONTH=13", "BYDAY=mo", "BYDAY=", "DTSTART=20240101", "X-OWN=1"}) {
+        const QString text = QString::fromLatin1(part);
+        EXPECT_FALSE(pattern.readPart(text.section(u'=', 0, 0), text.section(u'=', 1))) << part;
+    }
+    EXPECT_EQ(pattern.text(), u"FREQ=DAILY"_qs);
+    EXPECT_TRUE(pattern.part(u"COUNT"_qs).isEmpty() && pattern.part(u"X-OWN"_qs).isEmpty());
+    pattern.interval = 40'000;
+    EXPECT_EQ(pattern.part(u"INTERVAL"_qs), u"40000"_qs);
+    EXPECT_EQ(pattern.text(), u"FREQ=DAILY;INTERVAL=32767"_qs);
 }
 
 TEST(RecurrencePatternTest, GeneratedRulesComeBackFromTheirText)
