@@ -23,6 +23,7 @@
 namespace {
 
 constexpr Seconds badgeInterval{60.0};
+constexpr Seconds untilFirstPicture{0.2};
 /// What is left of the calendars' outbox then is carried out at the next start.
 constexpr Seconds patienceAtQuit{3.0};
 
@@ -69,7 +70,11 @@ void AppDelegate::applicationDidFinishLaunching()
 {
     CloudUserDefaults::registerForNotifications();
     FileManager::createFolder(QStringLiteral("Orrelin Images"));
-    badgeUpdata();
+    // A count over very many tasks does not stand between the user and the first picture.
+    MainLoop::performDelayed(untilFirstPicture, [this, living = std::weak_ptr(isBadgeDue)] {
+        if (living.lock())
+            badgeUpdata();
+    });
     badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] { badgeUpdata(); });
     registerObservers();
     tendSearchIndexSoon();
