@@ -3,6 +3,7 @@
 #include "shell/tasks/TaskPopupMenu.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
+#include "usernotifications/UserNotificationCenter.h"
 #include "widgets/ProgressSign.h"
 
 #include <QApplication>
@@ -45,7 +46,7 @@ private:
     QTimer timer;
 };
 
-/// A store, or a calendar, that takes its time for each task.
+/// Work that takes its time for each task.
 class ManyTasksTest : public ShellTest
 {
 protected:
@@ -66,9 +67,8 @@ protected:
         showList(SidebarItem::Inbox);
         EXPECT_TRUE(QTest::qWaitFor([this] { return shownTitles().size() == count; }));
         run(ActionId::SelectAll);
-        for (const NotificationName name : {notifications::reloadTasks, notifications::taskChange})
-            slowness.push_back(NotificationCenter::defaultCenter().addObserver(
-                name, [](const Notification &) { QThread::msleep(1); }));
+        slowness = NotificationCenter::defaultCenter().addObserver(
+            notifications::taskChange, [](const TaskPtr &) { QThread::msleep(1); });
     }
     int left() { return context().count(EntityTask::fetchRequest()); }
     int important()
@@ -93,7 +93,7 @@ protected:
         return QTest::qWaitFor([&] { return shownTitles().size() == rows; });
     }
 
-    std::vector<Observation> slowness;
+    Observation slowness;
 };
 
 } // namespace
@@ -126,6 +126,12 @@ TEST_F(ManyTasksTest, DeletingCanBeStoppedAndTheListShowsTheRest)
 {
     const ScriptedAlerts alerts({Alert::firstButton});
     const Onlooker impatient(Onlooker::Wish::Cancel);
+    // Each is asked whether it is about a task that goes.
+    constexpr size_t messages = 40000;
+    UserNotification later;
+    later.deliveryDate = localDate(2030, 1, 1);
+    UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(
+        std::vector<UserNotification>(messages, later));
     key(Qt::Key_Delete);
     EXPECT_EQ(impatient.label, u"Deleting the selected tasks"_s);
     const int rest = left();

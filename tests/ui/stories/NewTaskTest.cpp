@@ -251,7 +251,7 @@ TEST_F(NewTaskTest, AMarkInACalendarOpensTheWindowWithItsDates)
 {
     const MarkedSpan hour = {localDate(2026, 11, 23, 10), localDate(2026, 11, 23, 11)};
     const MarkedSpan days = {localDate(2026, 11, 24), localDate(2026, 11, 25, 23, 59, 59)};
-    const auto post = [this](NotificationName name, const MarkedSpan &span) {
+    const auto post = [this](NotificationName<MarkedSpan> name, const MarkedSpan &span) {
         NotificationCenter::defaultCenter().post(name, span);
         return newTaskWindow() ? &newTaskWindow()->taskForm()->currentTask() : nullptr;
     };

@@ -1,6 +1,7 @@
 // Tasks are ticked, changed in their rows and deleted.
 
 #include "shell/tasks/TaskPopupMenu.h"
+#include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 
 #include <QHelpEvent>
@@ -153,7 +154,7 @@ TEST_F(WorkingOffTasksTest, AChangeFromElsewhereReachesTheListThatIsShown)
 {
     addInbox({u"a"_s});
     add(u"b"_s);
-    NotificationCenter::defaultCenter().post(NotificationName(u"iCloudChange"));
+    NotificationCenter::defaultCenter().post(notifications::iCloudChange);
     EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles().size() == 2; }));
 }
 
