@@ -94,8 +94,9 @@ OptionalError EdsCalendar::writeNew(const EdsComponents &components)
     if (!created)
         return created.error();
     auto error = client.replaceDetached({components.begin() + 1, components.end()});
+    // The first error says what is wrong; half an object is worse than none.
     if (error)
-        client.removeAll(created.value());
+        client.removeAll(created.value()).ignore();
     return error;
 }
 
@@ -105,8 +106,9 @@ OptionalError EdsCalendar::rewrite(const EdsComponents &stored, const EdsCompone
     if (auto error = client.removeAll(stored.front().uid))
         return error;
     auto error = writeNew(wished);
+    // What was there before comes back, if that is possible.
     if (error)
-        writeNew(stored);
+        writeNew(stored).ignore();
     return error;
 }
 
