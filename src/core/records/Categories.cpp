@@ -74,20 +74,25 @@ QString Categories::shownTitle(const CategoryPtr &category)
 int Categories::openTaskCount(const CategoryPtr &category)
 {
     if (!category)
-        return static_cast<int>(DBWorker::getTasksWithoutCategories().size());
+        return mainContext().count(tasklists::request(query(nullptr).definition));
     return static_cast<int>(
         mainContext().count(EntityTask::fetchRequest().where(ownOf(category) && isOpen())));
 }
 
+TaskListQuery Categories::query(const CategoryPtr &category)
+{
+    const tasklists::Definition definition =
+        category ? tasklists::Definition{ownOf(category) && isOpen(),
+                                         {descending("dueDate"), ascending("title")},
+                                         tasklists::Order::ByDue}
+                 : tasklists::withoutCategory();
+    return {.definition = definition, .end = ListEnd::GapOrNotice};
+}
+
 TaskList Categories::tasks(const CategoryPtr &category)
 {
-    if (!category)
-        return DBWorker::getTasksWithoutCategories();
-    // The order of the category's own list, with no task loaded before its row is looked at.
-    const tasklists::Definition sorted = {
-        ownOf(category) && isOpen(), {descending("dueDate"), ascending("title")}, tasklists::Order::ByDue};
     std::vector<RowId> rows;
-    for (const tasklists::PlacedRow &placed : tasklists::placedRows(sorted, {}))
+    for (const tasklists::PlacedRow &placed : tasklists::placedRows(query(category).definition))
         rows.push_back(placed.row);
     return tasklists::list(std::move(rows));
 }

@@ -2,7 +2,7 @@
 
 #include "records/Functional.h"
 #include "store/entities/Entities.h"
-#include "store/queries/TaskRows.h"
+#include "store/queries/TaskListQuery.h"
 
 #include <QString>
 
@@ -28,6 +28,8 @@ bool isBuiltIn(const EntityCategory &category);
 QString shownTitle(const CategoryPtr &category);
 /// How many of its tasks are not done.
 int openTaskCount(const CategoryPtr &category);
+/// The list of its tasks that are not done and whose calendar may be seen; for "none" of all without any.
+TaskListQuery query(const CategoryPtr &category);
 /// Its tasks that are not done and whose calendar may be seen, in the order of the list.
 TaskList tasks(const CategoryPtr &category);
 

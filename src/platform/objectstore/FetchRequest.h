@@ -5,8 +5,10 @@
 
 #include <QString>
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// What to look for: objects of an entity that pass a predicate, in an order.
 class FetchRequest
@@ -32,6 +34,13 @@ public:
         return *this;
     }
 
+    /// Looks at these rows and at no others.
+    FetchRequest &among(std::vector<RowId> rows)
+    {
+        candidates = std::move(rows);
+        return *this;
+    }
+
     /// What the log says before the error if the fetch fails.
     FetchRequest &reportedAs(QString text)
     {
@@ -45,5 +54,7 @@ public:
     SortDescriptors sortDescriptors;
     /// The greatest number of objects; negative for all.
     int limit = -1;
+    /// The only rows that can be found; absent for all.
+    std::optional<std::vector<RowId>> candidates;
     QString failureText = QStringLiteral("Cannot fetch");
 };

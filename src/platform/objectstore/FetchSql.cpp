@@ -11,6 +11,18 @@ QByteArray fetchsql::rowResult(const std::vector<std::string> &columns)
     return result;
 }
 
+namespace {
+
+QByteArray isAmong(const std::vector<RowId> &rows)
+{
+    QByteArrayList numbers;
+    for (const RowId row : rows)
+        numbers.append(QByteArray::number(row));
+    return "row.rowid IN (" + numbers.join(',') + ')';
+}
+
+} // namespace
+
 SqlFragment fetchsql::select(const ManagedObjectModel &model, const FetchRequest &request,
                              const QByteArray &result, const QByteArray &kept)
 {
@@ -24,10 +36,15 @@ SqlFragment fetchsql::select(const ManagedObjectModel &model, const FetchRequest
         return made;
     }
     SqlFragment condition = request.predicate.sql(model, entity);
-    if (!request.predicate.isAlwaysTrue() && !kept.isEmpty())
-        made.text += " WHERE (" + condition.text + ") AND " + kept;
-    else if (!request.predicate.isAlwaysTrue() || !kept.isEmpty())
-        made.text += " WHERE " + (kept.isEmpty() ? condition.text : kept);
+    QByteArrayList conditions;
+    if (!request.predicate.isAlwaysTrue())
+        conditions.append('(' + condition.text + ')');
+    if (request.candidates)
+        conditions.append(isAmong(*request.candidates));
+    if (!kept.isEmpty())
+        conditions.append(kept);
+    if (!conditions.isEmpty())
+        made.text += " WHERE " + conditions.join(" AND ");
     made.bindings = std::move(condition.bindings);
     return made;
 }

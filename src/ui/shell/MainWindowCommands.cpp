@@ -141,8 +141,7 @@ void MainWindowController::stepBack(OptionalError (ManagedObjectContext::*step)(
     ShellAlerts::presentError((context()->*step)());
     groupsMayHaveChanged();
     if (screen)
-        screen->reloadData();
-    storeChanged();
+        screen->updateRows();
 }
 
 void MainWindowController::toggleFullScreen()

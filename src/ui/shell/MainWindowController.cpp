@@ -91,8 +91,15 @@ void MainWindowController::observe()
     observeGroups();
     NotificationCenter &center = NotificationCenter::defaultCenter();
     observations.push_back(
-        center.addObserver(notifications::contextDidSave, [this](const StoreChanges &) { storeChanged(); }));
-    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { storeChanged(); }));
+        center.addObserver(notifications::contextDidSave, [this](const StoreChanges &changes) {
+            if (changes.concerns(EntityTask::entityName))
+                badgeRecount.start(0);
+            actions->updateEnabled();
+        }));
+    observations.push_back(center.addObserver(notifications::iCloudChange, [this] {
+        badgeRecount.start(0);
+        actions->updateEnabled();
+    }));
 }
 
 void MainWindowController::observeCalendar()
@@ -110,12 +117,6 @@ void MainWindowController::observeGroups()
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
         notifications::saveNewContactGroup,
         [this](const MVContactGroup &values) { saveContactGroup(values); }));
-}
-
-void MainWindowController::storeChanged()
-{
-    badgeRecount.start(0);
-    actions->updateEnabled();
 }
 
 void MainWindowController::showWindow()
@@ -219,7 +220,7 @@ void MainWindowController::didRemoveRow(const QModelIndex &index)
     if (!group || !ShellAlerts::alertRemoveItem())
         return;
     AppDelegate::shared()->managedObjectContext().deleteObject(group);
-    ShellAlerts::presentError(DBWorker::saveContext());
+    DBWorker::saveOrTell();
     loadContactsGroup();
     showList(SidebarItem::People);
 }

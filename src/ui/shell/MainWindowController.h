@@ -96,7 +96,6 @@ private:
     void undo();
     void redo();
     void stepBack(OptionalError (ManagedObjectContext::*step)());
-    void storeChanged();
     void toggleFullScreen();
     void fullScreenChanged();
     void showAbout();

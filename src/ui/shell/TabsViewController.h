@@ -23,6 +23,8 @@ public:
 
     /// Fetches what is shown anew.
     virtual void reloadData() {}
+    /// Shows at once what commits have changed so far, which otherwise waits until the program listens.
+    virtual void updateRows() {}
     /// The screen is about to be left for good.
     virtual void clearController() {}
 

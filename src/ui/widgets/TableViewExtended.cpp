@@ -25,8 +25,14 @@ TableViewExtended::TableViewExtended(QWidget *parent)
 
 void TableViewExtended::setModel(QAbstractItemModel *newModel)
 {
+    for (const QMetaObject::Connection &connection : modelConnections)
+        disconnect(connection);
     rowsModel = qobject_cast<TableModel *>(newModel);
     QAbstractItemView::setModel(newModel);
+    if (rowsModel)
+        modelConnections = {
+            connect(rowsModel, &TableModel::rowsRemoved, this, &TableViewExtended::rowsStandElsewhere),
+            connect(rowsModel, &TableModel::rowsMoved, this, &TableViewExtended::rowsStandElsewhere)};
 }
 
 void TableViewExtended::setRowHeights(const RowHeights &newHeights)
@@ -59,14 +65,15 @@ int TableViewExtended::selectedCount() const
     return count;
 }
 
-bool TableViewExtended::hasSelectedRows() const
+int TableViewExtended::firstSelectedRow() const
 {
+    int least = -1;
     for (const QItemSelectionRange &range : selectionModel()->selection()) {
         const int first = rowsModel->nearestItem(range.top(), 1);
-        if (first >= 0 && first <= range.bottom())
-            return true;
+        if (first >= 0 && first <= range.bottom() && (least < 0 || first < least))
+            least = first;
     }
-    return false;
+    return least;
 }
 
 void TableViewExtended::selectRows(const std::set<int> &rows)
@@ -89,8 +96,10 @@ void TableViewExtended::selectRows(const std::set<int> &rows)
 
 // Geometry
 
-void TableViewExtended::rebuildGeometry()
+const RowGeometry &TableViewExtended::rowGeometry() const
 {
+    if (!std::exchange(isGeometryOld, false))
+        return geometry;
     const auto heightOf = [this](int row) {
         switch (rowsModel->kindOf(row)) {
         case RowKind::Header:
@@ -103,8 +112,45 @@ void TableViewExtended::rebuildGeometry()
         return heights.item;
     };
     geometry = rowsModel ? RowGeometry(rowsModel->rowCount(), heightOf) : RowGeometry();
+    return geometry;
+}
+
+void TableViewExtended::rebuildGeometry()
+{
+    isGeometryOld = true;
     updateGeometries();
     viewport()->update();
+}
+
+/// Several changes in a row share one measuring.
+void TableViewExtended::rowsStandElsewhere()
+{
+    isGeometryOld = true;
+    cancelDrag();
+    setHoverRow(-1);
+    scheduleDelayedItemsLayout();
+}
+
+std::vector<TableViewExtended::Sight> TableViewExtended::rowsInSight() const
+{
+    std::vector<Sight> sights;
+    if (verticalOffset() == 0)
+        return sights;
+    const int bottom = verticalOffset() + viewport()->height();
+    int row = rowGeometry().rowAt(verticalOffset());
+    for (; row >= 0 && row < rowGeometry().count() && rowGeometry().top(row) < bottom; ++row)
+        sights.push_back({rowsModel->index(row), rowGeometry().top(row) - verticalOffset()});
+    return sights;
+}
+
+void TableViewExtended::keepInSight(const std::vector<Sight> &sights)
+{
+    executeDelayedItemsLayout();
+    const auto there = std::ranges::find_if(sights, [](const Sight &sight) { return sight.row.isValid(); });
+    if (sights.empty())
+        verticalScrollBar()->setValue(0);
+    else if (there != sights.end())
+        verticalScrollBar()->setValue(rowGeometry().top(there->row.row()) - there->y);
 }
 
 void TableViewExtended::reset()
@@ -118,7 +164,7 @@ void TableViewExtended::reset()
 void TableViewExtended::rowsInserted(const QModelIndex &parent, int start, int end)
 {
     QAbstractItemView::rowsInserted(parent, start, end);
-    rebuildGeometry();
+    rowsStandElsewhere();
 }
 
 void TableViewExtended::updateGeometries()
@@ -126,7 +172,7 @@ void TableViewExtended::updateGeometries()
     const int page = viewport()->height();
     verticalScrollBar()->setPageStep(page);
     verticalScrollBar()->setSingleStep(heights.item / 2);
-    verticalScrollBar()->setRange(0, std::max(0, geometry.totalHeight() + heights.below - page));
+    verticalScrollBar()->setRange(0, std::max(0, rowGeometry().totalHeight() + heights.below - page));
     QAbstractItemView::updateGeometries();
 }
 
@@ -143,7 +189,7 @@ int TableViewExtended::verticalOffset() const
 
 QRect TableViewExtended::rectOfRow(int row) const
 {
-    return {0, geometry.top(row) - verticalOffset(), viewport()->width(), geometry.heightOf(row)};
+    return {0, rowGeometry().top(row) - verticalOffset(), viewport()->width(), rowGeometry().heightOf(row)};
 }
 
 QRect TableViewExtended::visualRect(const QModelIndex &index) const
@@ -153,7 +199,7 @@ QRect TableViewExtended::visualRect(const QModelIndex &index) const
 
 QModelIndex TableViewExtended::indexAt(const QPoint &point) const
 {
-    const int row = geometry.rowAt(point.y() + verticalOffset());
+    const int row = rowGeometry().rowAt(point.y() + verticalOffset());
     return row < 0 ? QModelIndex() : rowsModel->index(row);
 }
 
@@ -161,8 +207,8 @@ void TableViewExtended::scrollTo(const QModelIndex &index, ScrollHint hint)
 {
     if (!index.isValid())
         return;
-    const int top = geometry.top(index.row());
-    const int bottom = top + geometry.heightOf(index.row());
+    const int top = rowGeometry().top(index.row());
+    const int bottom = top + rowGeometry().heightOf(index.row());
     const int page = viewport()->height();
     QScrollBar &bar = *verticalScrollBar();
     if (hint == PositionAtTop)
@@ -179,15 +225,15 @@ void TableViewExtended::scrollTo(const QModelIndex &index, ScrollHint hint)
 
 void TableViewExtended::setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command)
 {
-    const int last = geometry.count() - 1;
+    const int last = rowGeometry().count() - 1;
     const int from = std::min(rect.top(), rect.bottom()) + verticalOffset();
     const int to = std::max(rect.top(), rect.bottom()) + verticalOffset();
-    if (last < 0 || to < 0 || from >= geometry.totalHeight()) {
+    if (last < 0 || to < 0 || from >= rowGeometry().totalHeight()) {
         selectionModel()->select(QItemSelection(), command);
         return;
     }
-    const int first = geometry.rowAt(std::max(from, 0));
-    const int end = to >= geometry.totalHeight() ? last : geometry.rowAt(to);
+    const int first = rowGeometry().rowAt(std::max(from, 0));
+    const int end = to >= rowGeometry().totalHeight() ? last : rowGeometry().rowAt(to);
     selectionModel()->select(QItemSelection(rowsModel->index(first), rowsModel->index(end)), command);
 }
 
@@ -207,7 +253,7 @@ void TableViewExtended::selectionChanged(const QItemSelection &selected, const Q
 
 void TableViewExtended::selectAll()
 {
-    const int last = geometry.count() - 1;
+    const int last = rowGeometry().count() - 1;
     if (last >= 0)
         selectionModel()->select(QItemSelection(rowsModel->index(0), rowsModel->index(last)),
                                  QItemSelectionModel::ClearAndSelect);
@@ -229,14 +275,14 @@ void TableViewExtended::paintRow(QPainter &painter, QStyleOptionViewItem &option
 void TableViewExtended::paintEvent(QPaintEvent *event)
 {
     QPainter painter(viewport());
-    if (!rowsModel || geometry.count() == 0)
+    if (!rowsModel || rowGeometry().count() == 0)
         return;
     QStyleOptionViewItem option;
     initViewItemOption(&option);
     option.state.setFlag(QStyle::State_Active, hasFocus());
     const int bottom = event->rect().bottom() + verticalOffset();
-    int row = geometry.rowAt(std::max(event->rect().top() + verticalOffset(), 0));
-    for (; row >= 0 && row < geometry.count() && geometry.top(row) <= bottom; ++row)
+    int row = rowGeometry().rowAt(std::max(event->rect().top() + verticalOffset(), 0));
+    for (; row >= 0 && row < rowGeometry().count() && rowGeometry().top(row) <= bottom; ++row)
         paintRow(painter, option, row);
     paintInsertionMark(painter);
 }
@@ -246,7 +292,7 @@ void TableViewExtended::paintInsertionMark(QPainter &painter) const
     if (!drag.isActive() || drag.target() < 0)
         return;
     constexpr int knob = 4;
-    const int y = std::max(geometry.top(drag.target()) - verticalOffset(), knob);
+    const int y = std::max(rowGeometry().top(drag.target()) - verticalOffset(), knob);
     const int left = Theme::contentMargin;
     const int right = viewport()->width() - Theme::contentMargin;
     painter.setRenderHint(QPainter::Antialiasing);

@@ -6,9 +6,11 @@
 #include "widgets/Theme.h"
 
 #include <QAbstractItemView>
+#include <QPersistentModelIndex>
 #include <QTimer>
 
 #include <set>
+#include <vector>
 
 /// The heights of the kinds of rows.
 struct RowHeights
@@ -38,7 +40,9 @@ public:
     /// The selected items, from the top.
     std::set<int> selectedRows() const;
     int selectedCount() const;
-    bool hasSelectedRows() const;
+    bool hasSelectedRows() const { return firstSelectedRow() >= 0; }
+    /// The uppermost selected item, or -1.
+    int firstSelectedRow() const;
     /// Selects these rows and no others, and makes the first of them the current one.
     void selectRows(const std::set<int> &rows);
     void selectRow(int row) { selectRows({row}); }
@@ -46,6 +50,18 @@ public:
     int hoveredRow() const { return hoverRow; }
     bool isDragging() const { return drag.isActive(); }
     void scrollToRow(int row) { scrollTo(rowsModel->index(row)); }
+
+    /// A row and how far below the upper edge of the list it stands.
+    struct Sight
+    {
+        QPersistentModelIndex row;
+        int y;
+    };
+    /// The rows that are seen; none in a list that stands at its beginning.
+    std::vector<Sight> rowsInSight() const;
+    /// After rows came and went: scrolls so that the first of those that are still there stands where it was;
+    /// without any, to the beginning.
+    void keepInSight(const std::vector<Sight> &sights);
 
     QRect visualRect(const QModelIndex &index) const override;
     QModelIndex indexAt(const QPoint &point) const override;
@@ -91,7 +107,9 @@ protected:
     void rowsInserted(const QModelIndex &parent, int start, int end) override;
 
 private:
+    const RowGeometry &rowGeometry() const;
     void rebuildGeometry();
+    void rowsStandElsewhere();
     QRect rectOfRow(int row) const;
     void paintRow(QPainter &painter, QStyleOptionViewItem &option, int row) const;
     void paintInsertionMark(QPainter &painter) const;
@@ -110,7 +128,10 @@ private:
 
     TableModel *rowsModel = nullptr;
     RowHeights heights;
-    RowGeometry geometry;
+    /// Measured when it is needed.
+    mutable RowGeometry geometry;
+    mutable bool isGeometryOld = true;
+    std::vector<QMetaObject::Connection> modelConnections;
     RowDrag drag;
     QTimer autoScrollTimer;
     bool areRowsMovable = false;

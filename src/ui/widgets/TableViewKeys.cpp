@@ -6,15 +6,15 @@
 
 int TableViewExtended::rowOnePageAway(int direction) const
 {
-    const int y = geometry.top(currentRow()) + direction * (viewport()->height() - heights.item);
-    const int row = geometry.rowAt(std::clamp(y, 0, std::max(geometry.totalHeight() - 1, 0)));
+    const int y = rowGeometry().top(currentRow()) + direction * (viewport()->height() - heights.item);
+    const int row = rowGeometry().rowAt(std::clamp(y, 0, std::max(rowGeometry().totalHeight() - 1, 0)));
     const int found = rowsModel->nearestItem(row, direction);
     return found >= 0 ? found : rowsModel->nearestItem(row, -direction);
 }
 
 int TableViewExtended::rowInDirection(CursorAction action) const
 {
-    const int last = geometry.count() - 1;
+    const int last = rowGeometry().count() - 1;
     const int row = currentRow();
     switch (action) {
     case MoveHome:

@@ -109,6 +109,7 @@ TEST_F(CategoriesScreen, AfterADetailTheKeysAreAmongTheTasks)
     add(u"Dig"_s, [](MVTask &task) { task.category = EntityCategory::title(u"Garden"_s); });
     select(u"Garden"_s);
     QTRY_COMPARE(shownTitles(), QStringList(u"Dig"_s));
+    clickRow(0);
     QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, middleOf(0));
     ASSERT_FALSE(controller().detailStack()->isEmpty());
     QTest::keyClick(controller().detailStack()->top(), Qt::Key_Escape);

@@ -77,6 +77,23 @@ TEST_F(SearchTest, TheKeysLeadFromAWordToATaskInItsList)
     EXPECT_FALSE(field().hasFocus());
 }
 
+TEST_F(SearchTest, WhatChangesElsewhereIsFoundInTheOpenBubbleAndTheKeysStay)
+{
+    add(u"Buy bread"_s);
+    add(u"Cut bread"_s);
+    showList(SidebarItem::Someday);
+    search(u"bread"_s);
+    ASSERT_TRUE(finds({u"TASK"_s, u"Buy bread"_s, u"Cut bread"_s}));
+    fieldKey(Qt::Key_Down);
+    add(u"Bake bread"_s);
+    ASSERT_TRUE(finds({u"TASK"_s, u"Bake bread"_s, u"Buy bread"_s, u"Cut bread"_s}));
+    EXPECT_EQ(results().currentRow(), 3);
+    context().deleteObject(stored(u"Cut bread"_s));
+    EXPECT_FALSE(DBWorker::saveContext());
+    ASSERT_TRUE(finds({u"TASK"_s, u"Bake bread"_s, u"Buy bread"_s}));
+    EXPECT_EQ(results().currentRow(), 1);
+}
+
 TEST_F(SearchTest, ADoubleClickShowsARecordAndAHeadingDoesNothing)
 {
     context().insert<EntityCompany>()->setTitle(u"Bakery"_s);

@@ -7,7 +7,10 @@
 #include "workspace/PlatformConfiguration.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 /// While it lives, the program may use calendars. All that there are at first are chosen.
 class CalendarAccess
@@ -30,6 +33,20 @@ public:
         EKEventStore::setSharedBackend(nullptr);
         CalendarEvent::resetEventStore();
     }
+    /// Another program writes an event of an hour into a calendar.
+    /// \param start as it stands in its file.
+    void writeEvent(const QString &calendar, const QString &title, const QString &start) const
+    {
+        QFile file(folder.filePath(QStringLiteral("Local/%1/%2.ics").arg(calendar, title)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QStringLiteral(
+                       "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:%1\r\n"
+                       "DTSTAMP:20260101T000000Z\r\nSUMMARY:%1\r\nDTSTART:%2\r\nDURATION:PT1H\r\n"
+                       "END:VEVENT\r\nEND:VCALENDAR\r\n")
+                       .arg(title, start)
+                       .toUtf8());
+    }
+
     CalendarAccess(const CalendarAccess &) = delete;
     CalendarAccess &operator=(const CalendarAccess &) = delete;
 

@@ -14,7 +14,7 @@ TaskList listOf(const Definition &definition, const FilterEntry *filter = nullpt
 {
     std::vector<RowId> rows;
     for (const tasklists::PlacedRow &placed :
-         tasklists::placedRows(definition, DBWorker::predicateTasks(filter)))
+         tasklists::placedRows(definition, {.filter = DBWorker::predicateTasks(filter)}))
         rows.push_back(placed.row);
     return tasklists::list(std::move(rows));
 }
@@ -86,7 +86,7 @@ TaskList DBWorker::allTasksWithCategoryNoGroup()
 
 TaskList DBWorker::getTasksWithoutCategories()
 {
-    return reported(Predicate::format("category == nil"), {ascending("startDate")});
+    return listOf(tasklists::withoutCategory());
 }
 
 TaskList DBWorker::tasksHaveReminder()

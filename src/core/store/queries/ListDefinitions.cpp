@@ -173,6 +173,14 @@ Definition doneByDay()
     return {baseOf(ListType::Done), {ascending("expirationDate")}, Order::Fetched};
 }
 
+Definition withoutCategory()
+{
+    return {Predicate::format("category == nil"),
+            {ascending("startDate")},
+            Order::Fetched,
+            QStringLiteral("Can't get task")};
+}
+
 Predicate visibleTasks()
 {
     if (DBWorker::isSample())
@@ -205,7 +213,7 @@ namespace {
 struct KeyedRow
 {
     listorder::Key key;
-    QString group;
+    GroupKey group;
     /// Only where the order falls back on it.
     QString title;
 };
@@ -249,7 +257,16 @@ bool isTitleBefore(const QString &one, const QString &other)
     return std::is_lt(compareValues(Value(one), Value(other)));
 }
 
-/// The order after the fetch. By start, rows of one moment stand by title, however they were fetched.
+/// By start, rows of one moment stand by title, however they were fetched.
+template <typename Row>
+bool isBeforeByStart(const Row &one, const Row &other)
+{
+    if (one.key.date != other.key.date)
+        return one.key.date < other.key.date;
+    return isTitleBefore(one.title, other.title);
+}
+
+/// The order after the fetch.
 void sortRows(Order order, std::vector<KeyedRow> &rows)
 {
     if (order == Order::ByDue) {
@@ -257,28 +274,46 @@ void sortRows(Order order, std::vector<KeyedRow> &rows)
             return listorder::isAfterByDue(first.key, second.key);
         });
     } else if (order == Order::ByStart) {
-        std::stable_sort(rows.begin(), rows.end(), [](const KeyedRow &one, const KeyedRow &other) {
-            if (one.key.date != other.key.date)
-                return one.key.date < other.key.date;
-            return isTitleBefore(one.title, other.title);
-        });
+        std::stable_sort(rows.begin(), rows.end(), isBeforeByStart<KeyedRow>);
     }
 }
 
+/// Reads the days of moments; they come in order, so that nearly always it is the day of the last one.
+class Days
+{
+public:
+    Date dayOf(Date moment)
+    {
+        if (!start || moment < *start || moment > end) {
+            start = MVDate::getStartOfDay(moment);
+            end = MVDate::getEndOfDay(moment);
+        }
+        return *start;
+    }
+
+private:
+    OptionalDate start;
+    Date end;
+};
+
 } // namespace
 
-std::vector<PlacedRow> placedRows(const Definition &definition, const std::vector<Predicate> &filter,
-                                  const std::string &groupColumn)
+std::vector<PlacedRow> placedRows(const Definition &definition, const Reading &reading)
 {
     std::vector<std::string> columns = columnsFor(definition.order);
     const int groupPlace = static_cast<int>(columns.size());
-    if (!groupColumn.empty())
-        columns.push_back(groupColumn);
+    if (!reading.groupColumn.empty())
+        columns.push_back(reading.groupColumn);
+    FetchRequest wanted = request(definition, reading.filter);
+    wanted.candidates = reading.among;
     std::vector<KeyedRow> rows;
     listorder::EffectiveDates dates;
-    mainContext().visit(request(definition, filter), columns, [&](const RowReader &row) {
+    Days days;
+    mainContext().visit(wanted, columns, [&](const RowReader &row) {
         rows.push_back(keyedRow(definition.order, row, dates));
-        if (!groupColumn.empty())
+        if (reading.isGroupedByDay)
+            rows.back().group = days.dayOf(row.date(groupPlace).value_or(Date()));
+        else if (!reading.groupColumn.empty())
             rows.back().group = row.text(groupPlace);
     });
     sortRows(definition.order, rows);
@@ -289,10 +324,91 @@ std::vector<PlacedRow> placedRows(const Definition &definition, const std::vecto
     return placed;
 }
 
-TaskList list(std::vector<RowId> rows)
+namespace {
+
+const EntityDescription &taskEntity()
 {
     static const EntityDescription &entity = organiserModel().requireEntity(EntityTask::entityName);
-    return TaskList(mainContext(), entity, std::move(rows));
+    return entity;
+}
+
+Value valueIn(const RowReader &row, int place, AttributeType type)
+{
+    if (row.isNull(place))
+        return {};
+    return type == AttributeType::String ? Value(row.text(place)) : Value(row.number(place));
+}
+
+/// As SQLite orders two values: what is absent is less than anything.
+std::weak_ordering inFetch(const Value &one, const Value &other)
+{
+    if (isAbsent(one) || isAbsent(other))
+        return isAbsent(other) <=> isAbsent(one);
+    const std::partial_ordering order = compareValues(one, other);
+    return std::is_lt(order)   ? std::weak_ordering::less
+           : std::is_gt(order) ? std::weak_ordering::greater
+                               : std::weak_ordering::equivalent;
+}
+
+/// By due date, undated rows stand last; among them those of some day first.
+std::weak_ordering byDue(const listorder::Key &one, const listorder::Key &other)
+{
+    if (one.date.has_value() != other.date.has_value())
+        return other.date.has_value() <=> one.date.has_value();
+    if (listorder::isAfterByDue(other, one))
+        return std::weak_ordering::less;
+    return listorder::isAfterByDue(one, other) ? std::weak_ordering::greater : std::weak_ordering::equivalent;
+}
+
+std::weak_ordering byStart(const OrderKey &one, const OrderKey &other)
+{
+    if (isBeforeByStart(one, other))
+        return std::weak_ordering::less;
+    return isBeforeByStart(other, one) ? std::weak_ordering::greater : std::weak_ordering::equivalent;
+}
+
+} // namespace
+
+OrderKeys orderKeys(const Definition &definition, std::vector<RowId> rows)
+{
+    std::vector<std::string> columns = columnsFor(definition.order);
+    const int firstFetched = static_cast<int>(columns.size());
+    std::vector<AttributeType> types;
+    for (const SortDescriptor &descriptor : definition.sorting) {
+        columns.push_back(descriptor.key);
+        types.push_back(taskEntity().columnType(taskEntity().columnOf(descriptor.key)));
+    }
+    OrderKeys keys;
+    listorder::EffectiveDates dates;
+    mainContext().visit(
+        EntityTask::fetchRequest().among(std::move(rows)), columns, [&](const RowReader &row) {
+            KeyedRow keyed = keyedRow(definition.order, row, dates);
+            OrderKey key{keyed.key, std::move(keyed.title), {}};
+            for (int place = firstFetched; place < static_cast<int>(columns.size()); ++place)
+                key.fetched.push_back(valueIn(row, place, types[static_cast<size_t>(place - firstFetched)]));
+            keys.emplace(row.rowId(), std::move(key));
+        });
+    return keys;
+}
+
+bool isBefore(const Definition &definition, const OrderKey &one, const OrderKey &other)
+{
+    std::weak_ordering order = std::weak_ordering::equivalent;
+    if (definition.order == Order::ByDue)
+        order = byDue(one.key, other.key);
+    else if (definition.order == Order::ByStart)
+        order = byStart(one, other);
+    for (size_t place = 0; std::is_eq(order) && place < definition.sorting.size(); ++place) {
+        order = inFetch(one.fetched[place], other.fetched[place]);
+        if (!definition.sorting[place].isAscending)
+            order = 0 <=> order;
+    }
+    return std::is_lt(order);
+}
+
+TaskList list(std::vector<RowId> rows)
+{
+    return TaskList(mainContext(), taskEntity(), std::move(rows));
 }
 
 } // namespace tasklists

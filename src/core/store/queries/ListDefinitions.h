@@ -4,6 +4,8 @@
 #include "store/queries/ListOrder.h"
 #include "store/queries/ListType.h"
 
+#include <span>
+#include <unordered_map>
 #include <vector>
 
 /// What the task lists are made of: their conditions, their sort keys and the order after the fetch.
@@ -67,6 +69,8 @@ Definition notDone();
 Definition done();
 /// Those of which it is known when they were done.
 Definition doneByDay();
+/// Those without a category, done ones included.
+Definition withoutCategory();
 
 /// Passes the tasks whose calendar the user can see: all of them in the sample store, and where no task lies
 /// on another.
@@ -75,16 +79,44 @@ Predicate visibleTasks();
 /// A definition with a filter and the condition of visibility, ready to be fetched.
 FetchRequest request(const Definition &definition, const std::vector<Predicate> &filter = {});
 
-/// A task's row with what its group is decided by; `group` is empty unless a column was asked for.
+/// What is read of the rows of a list beside their order.
+struct Reading
+{
+    std::vector<Predicate> filter = {};
+    /// The column that groups; empty for none.
+    std::string groupColumn = {};
+    /// Whether the day of that column is the group, rather than its text.
+    bool isGroupedByDay = false;
+    /// The only rows that are looked at; absent for all.
+    std::optional<std::vector<RowId>> among = {};
+};
+
+/// A task's row with what its group is decided by: nothing unless a column was asked for.
 struct PlacedRow
 {
     RowId row = 0;
-    QString group;
+    GroupKey group;
 };
 
-/// The rows of a list in its order; with the texts of one more column on request.
-std::vector<PlacedRow> placedRows(const Definition &definition, const std::vector<Predicate> &filter,
-                                  const std::string &groupColumn = {});
+/// The rows of a list in its order.
+std::vector<PlacedRow> placedRows(const Definition &definition, const Reading &reading = {});
+
+/// All that the place of a row in its list depends on.
+struct OrderKey
+{
+    listorder::Key key;
+    /// Only where the order falls back on it.
+    QString title;
+    /// The values of the columns that the list is fetched by.
+    std::vector<Value> fetched;
+};
+using OrderKeys = std::unordered_map<RowId, OrderKey>;
+
+/// The keys of some rows, whether they are on the list or not.
+OrderKeys orderKeys(const Definition &definition, std::vector<RowId> rows);
+/// Whether one row comes before another in the order that `placedRows` gives; false for two that the list
+/// does not order.
+bool isBefore(const Definition &definition, const OrderKey &one, const OrderKey &other);
 
 /// The list of rows that were placed.
 TaskList list(std::vector<RowId> rows);

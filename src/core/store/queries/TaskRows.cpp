@@ -1,5 +1,35 @@
 #include "store/queries/TaskRows.h"
 
+namespace {
+
+struct KeyOfHeader
+{
+    GroupKey operator()(const PriorityHeader &header) const
+    {
+        return QString::number(static_cast<int>(header.priority));
+    }
+    GroupKey operator()(const DayHeader &header) const { return header.day; }
+    GroupKey operator()(const EntityNotValue &) const { return QString(); }
+    GroupKey operator()(const ObjectPtr &object) const { return object ? object->identifier() : QString(); }
+};
+
+} // namespace
+
+GroupKey keyOf(const GroupHeader &header)
+{
+    return std::visit(KeyOfHeader(), header);
+}
+
+void TaskRows::renumber()
+{
+    int row = 0;
+    for (Group &group : groups) {
+        group.firstRow = row;
+        row = group.endRow() + 1;
+    }
+    taskAndHeaderRows = groups.empty() ? 0 : groups.back().endRow();
+}
+
 void TaskRows::appendGroup(std::optional<GroupHeader> header, TaskList tasks)
 {
     if (tasks.isEmpty())

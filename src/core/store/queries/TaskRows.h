@@ -43,6 +43,11 @@ struct DayHeader
 using GroupHeader =
     std::variant<CategoryPtr, ProjectPtr, ContactPtr, PriorityHeader, DayHeader, EntityNotValue>;
 
+/// By what a group is found again: the text of what its tasks have in common (an identifier, a number,
+/// nothing) or their day.
+using GroupKey = std::variant<QString, Date>;
+GroupKey keyOf(const GroupHeader &header);
+
 /// One row of a task list: a task, a header or a gap. A task that was deleted since the list was made is
 /// null.
 using TaskRow = std::variant<TaskPtr, GroupHeader, EntitySeperator>;
@@ -81,6 +86,8 @@ public:
     std::vector<TaskPtr> tasks() const;
 
 private:
+    friend class TaskRowsUpdate;
+
     struct Group
     {
         std::optional<GroupHeader> header;
@@ -90,6 +97,8 @@ private:
         int endRow() const { return firstTaskRow() + tasks.size(); }
     };
     const Group *groupAt(int row) const;
+    /// Finds out again where the groups stand.
+    void renumber();
 
     std::vector<Group> groups;
     int taskAndHeaderRows = 0;

@@ -46,6 +46,8 @@ CategoriesViewController::CategoriesViewController(QWidget *parent)
         if (type == ToolBarButton::NewCategory)
             addCategory();
     });
+    categoriesUpdate.setSingleShot(true);
+    connect(&categoriesUpdate, &QTimer::timeout, this, &CategoriesViewController::updateCategories);
     reloadDataCategory();
     selectCategoryRow(0);
 }
@@ -169,10 +171,35 @@ void CategoriesViewController::reloadData()
     selectCategoryRow(row >= 0 ? row : 0);
 }
 
-TaskRows CategoriesViewController::fetchRows(Grouping) const
+TaskListQuery CategoriesViewController::query(Grouping) const
 {
-    TaskList tasks = Categories::tasks(selectCategory);
-    return tasks.isEmpty() ? TaskRows::empty({EntityNotValue::NoEvents}) : TaskRows::flat(std::move(tasks));
+    return Categories::query(selectCategory);
+}
+
+/// They are counted, and called, anew; a row whose title is being written stands until that ends.
+void CategoriesViewController::othersChanged(const StoreChanges &changes)
+{
+    if (changes.concerns(EntityTask::entityName) || changes.concerns(EntityCategory::entityName))
+        categoriesUpdate.start(0);
+}
+
+void CategoriesViewController::updateRows()
+{
+    if (categoriesUpdate.isActive())
+        updateCategories();
+    TabTaskViewController::updateRows();
+}
+
+void CategoriesViewController::updateCategories()
+{
+    categoriesUpdate.stop();
+    if (editor || categories->newRow() >= 0)
+        return;
+    categories->update();
+    buttonAddCategory->setEnabled(Categories::canAdd());
+    if (categories->rowOf(selectCategory) < 0)
+        selectCategoryRow(0);
+    labelTitleCategory->setText(Categories::shownTitle(selectCategory));
 }
 
 NewTaskRequest CategoriesViewController::newTaskRequest() const

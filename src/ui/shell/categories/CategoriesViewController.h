@@ -18,6 +18,7 @@ public:
     TableViewExtended *tableViewCategory() const { return table; }
     /// Of the selected category.
     void reloadData() override;
+    void updateRows() override;
     NewTaskRequest newTaskRequest() const override;
     void setDetailSpace(int width) override;
     bool hasSelection() const override;
@@ -26,7 +27,8 @@ public:
     void selectItem(const ObjectPtr &record) override;
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
+    void othersChanged(const StoreChanges &changes) override;
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -35,6 +37,7 @@ private:
     void setUpTable();
     QWidget *makeTopView();
     void placeChildren();
+    void updateCategories();
     void reloadDataCategory(const std::optional<CategoryColor> &newCategory = {});
     void selectCategoryRow(int row);
     void categorySelectionChanged();
@@ -45,6 +48,7 @@ private:
     void endEditing(bool isAccepted);
 
     CategoryListModel *categories;
+    QTimer categoriesUpdate;
     QWidget *panel;
     TableViewExtended *table;
     QLabel *labelTitleCategory;

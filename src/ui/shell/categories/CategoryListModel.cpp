@@ -15,10 +15,45 @@ void CategoryListModel::reload(const std::optional<CategoryColor> &newCategory)
 {
     beginResetModel();
     newColor = newCategory;
-    dataAllCategory.clear();
-    for (const CategoryPtr &category : Categories::rows())
-        dataAllCategory.push_back({category, Categories::openTaskCount(category)});
+    dataAllCategory = fetchRows();
     endResetModel();
+}
+
+std::vector<CategoryListModel::Row> CategoryListModel::fetchRows()
+{
+    std::vector<Row> rows;
+    for (const CategoryPtr &category : Categories::rows())
+        rows.push_back({category, Categories::openTaskCount(category)});
+    return rows;
+}
+
+void CategoryListModel::update()
+{
+    const std::vector<Row> fresh = fetchRows();
+    for (int row = rowCount(); row-- > 0;) {
+        if (std::ranges::find(fresh, categoryAt(row), &Row::category) != fresh.end())
+            continue;
+        beginRemoveRows({}, row, row);
+        dataAllCategory.erase(dataAllCategory.begin() + row);
+        endRemoveRows();
+    }
+    for (int row = 0; row < static_cast<int>(fresh.size()); ++row) {
+        const Row &wanted = fresh[static_cast<std::size_t>(row)];
+        const int former = rowOf(wanted.category);
+        if (former < 0) {
+            beginInsertRows({}, row, row);
+            dataAllCategory.insert(dataAllCategory.begin() + row, wanted);
+            endInsertRows();
+        } else if (former > row) {
+            beginMoveRows({}, former, former, {}, row);
+            const auto first = dataAllCategory.begin() + row;
+            std::rotate(first, dataAllCategory.begin() + former, dataAllCategory.begin() + former + 1);
+            endMoveRows();
+        }
+        dataAllCategory[static_cast<std::size_t>(row)] = wanted;
+    }
+    if (!fresh.empty())
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1));
 }
 
 int CategoryListModel::rowCount(const QModelIndex &parent) const

@@ -14,6 +14,8 @@ public:
 
     /// Fetches the rows; with a colour, a row for a new category of that colour stands at the end.
     void reload(const std::optional<CategoryColor> &newCategory = {});
+    /// Brings the rows up to date one by one, where there is no row for a new category.
+    void update();
     const std::optional<CategoryColor> &newCategoryDictionary() const { return newColor; }
     /// The row of the new category, or -1.
     int newRow() const { return newColor ? rowCount() - 1 : -1; }
@@ -35,6 +37,7 @@ private:
         int openTasks = 0;
     };
 
+    static std::vector<Row> fetchRows();
     QColor colorOf(int row) const;
 
     std::vector<Row> dataAllCategory;

@@ -133,14 +133,32 @@ void TaskDetailViewController::observe()
     refreshTimer.setSingleShot(true);
     connect(&refreshTimer, &QTimer::timeout, this, &TaskDetailViewController::taskChanged);
     NotificationCenter &center = NotificationCenter::defaultCenter();
-    const auto refresh = [this](const auto &...) { refreshTimer.start(0); };
-    observations.push_back(center.addObserver(notifications::taskChange, refresh));
-    observations.push_back(center.addObserver(notifications::contextDidSave, refresh));
-    observations.push_back(center.addObserver(notifications::iCloudChange, refresh));
+    observations.push_back(center.addObserver(notifications::taskChange, [this](const TaskPtr &task) {
+        if (!task || shows(task))
+            refreshTimer.start(0);
+    }));
+    observations.push_back(
+        center.addObserver(notifications::contextDidSave, [this](const StoreChanges &changes) {
+            if (isConcernedBy(changes))
+                refreshTimer.start(0);
+        }));
+    observations.push_back(
+        center.addObserver(notifications::iCloudChange, [this] { refreshTimer.start(0); }));
     observations.push_back(center.addObserver(notifications::keySave, [this] {
         if (canSave())
             finishEdit();
     }));
+}
+
+/// It shows its task, and of other records what they are called.
+bool TaskDetailViewController::isConcernedBy(const StoreChanges &changes) const
+{
+    const auto isShown = [this](const ObjectPtr &object) {
+        return shows(object) || object->entity().name() != EntityTask::entityName;
+    };
+    return changes.isUnknown || std::ranges::any_of(changes.inserted, isShown) ||
+           std::ranges::any_of(changes.deleted, isShown) ||
+           std::ranges::any_of(changes.updated, isShown, &StoreChanges::Update::object);
 }
 
 /// What the user has entered stays, unless its task is gone or cannot be changed any more; the rest follows.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/NotificationCenter.h"
+#include "objectstore/StoreChanges.h"
 #include "records/TaskFormState.h"
 #include "shell/details/DetailViewController.h"
 
@@ -52,6 +53,7 @@ private:
     QWidget *makeHeader();
     QWidget *makeBody();
     void observe();
+    bool isConcernedBy(const StoreChanges &changes) const;
     void taskChanged();
     void modeChanged(bool editing);
     void findInvitationSoon();

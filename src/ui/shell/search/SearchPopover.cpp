@@ -4,6 +4,8 @@
 #include "shell/search/CellViewSearchDeteil.h"
 #include "shell/search/SearchField.h"
 #include "shell/search/SearchResultsModel.h"
+#include "store/entities/Entities.h"
+#include "store/state/NotificationNames.h"
 #include "widgets/TableViewExtended.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -52,9 +54,21 @@ SearchPopover::SearchPopover(SearchField &searchField)
     patience.setSingleShot(true);
     patience.setInterval(longSearch);
     connect(&patience, &QTimer::timeout, this, &SearchPopover::showHint);
+    searchAgain.setSingleShot(true);
+    connect(&searchAgain, &QTimer::timeout, this, [this] {
+        isFollowing = true;
+        followed = currentRecord();
+        model->search(field.text());
+    });
+    changesHeard = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); });
     connect(model, &SearchResultsModel::changed, this, &SearchPopover::resultsChanged);
     connect(view, &TableViewExtended::doubleAction, this, &SearchPopover::choose);
     connect(view, &TableViewExtended::rowSelectionChanged, this, &SearchPopover::currentChanged);
+    connect(this, &SearchPopover::currentChanged, this, [this] {
+        if (isFollowing)
+            followed = currentRecord();
+    });
     connect(&field, &SearchField::textChanged, this, &SearchPopover::textChanged);
     connect(&field, &SearchField::pressed, this, &SearchPopover::open);
     connect(&field, &SearchField::walked, this, &SearchPopover::walk);
@@ -64,6 +78,7 @@ void SearchPopover::open()
 {
     if (isVisible())
         return;
+    isFollowing = false;
     model->search(field.text());
     patience.start();
     place();
@@ -75,15 +90,32 @@ void SearchPopover::textChanged()
 {
     if (!isVisible())
         return open();
+    isFollowing = false;
     model->search(field.text());
     patience.start();
+}
+
+/// What is found by its words can be found otherwise now, or not any more.
+void SearchPopover::storeChanged(const StoreChanges &changes)
+{
+    const std::string_view searched[] = {EntityTask::entityName, EntityProject::entityName,
+                                         EntityContacts::entityName, EntityCompany::entityName,
+                                         EntityNote::entityName};
+    const auto isConcerned = [&changes](std::string_view entity) { return changes.concerns(entity); };
+    if (isVisible() && !field.text().isEmpty() && std::ranges::any_of(searched, isConcerned))
+        searchAgain.start(0);
 }
 
 void SearchPopover::resultsChanged()
 {
     patience.stop();
     showHint();
-    if (const int first = model->nearestItem(0, 1); first >= 0) {
+    const bool isSameText = std::exchange(isFollowing, false);
+    const int same = isSameText ? model->rowOf(followed) : -1;
+    if (same >= 0) {
+        view->selectRow(same);
+        view->scrollToRow(same);
+    } else if (const int first = model->nearestItem(0, 1); first >= 0) {
         view->selectRow(first);
         view->scrollToTop();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "objectstore/ManagedObject.h"
+#include "foundation/NotificationCenter.h"
+#include "objectstore/StoreChanges.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -43,6 +44,7 @@ protected:
 
 private:
     void textChanged();
+    void storeChanged(const StoreChanges &changes);
     void resultsChanged();
     void showHint();
     void place();
@@ -55,4 +57,10 @@ private:
     QLabel *hint;
     /// Only a search that takes long is spoken of.
     QTimer patience;
+    /// Searches again for the same text, after records changed.
+    QTimer searchAgain;
+    /// Whether the next results follow such a change: then the keys stay on their record.
+    bool isFollowing = false;
+    ObjectPtr followed;
+    Observation changesHeard;
 };

@@ -19,6 +19,15 @@ ObjectPtr SearchResultsModel::recordAt(int row) const
     return row >= 0 && row < shownRows ? results.rows()[static_cast<std::size_t>(row)].record() : nullptr;
 }
 
+int SearchResultsModel::rowOf(const ObjectPtr &record) const
+{
+    for (int row = 0; record && row < shownRows; ++row) {
+        if (recordAt(row) == record)
+            return row;
+    }
+    return -1;
+}
+
 RowKind SearchResultsModel::kindOf(int row) const
 {
     return results.rows()[static_cast<std::size_t>(row)].isHeading() ? RowKind::Header : RowKind::Item;

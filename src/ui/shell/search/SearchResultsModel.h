@@ -16,6 +16,8 @@ public:
     const SearchViewController &found() const { return results; }
     /// The record of a row, or null.
     ObjectPtr recordAt(int row) const;
+    /// The row of a record, or -1.
+    int rowOf(const ObjectPtr &record) const;
 
     RowKind kindOf(int row) const override;
     int rowCount(const QModelIndex &parent = {}) const override;

@@ -26,6 +26,12 @@ static int rowNear(const TaskListModel &model, int row)
     return below >= 0 ? below : model.nearestItem(inside, -1);
 }
 
+void SelectionMemory::selectNear(TableViewExtended &view, const TaskListModel &model, int row)
+{
+    if (const int near = rowNear(model, row); near >= 0)
+        view.selectRow(near);
+}
+
 void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &model, Otherwise otherwise) const
 {
     view.verticalScrollBar()->setValue(scrollValue);

@@ -20,6 +20,9 @@ public:
     /// first of them was.
     void restore(TableViewExtended &view, const TaskListModel &model, Otherwise otherwise) const;
 
+    /// Selects the task at a row or below, or else the last one above it.
+    static void selectNear(TableViewExtended &view, const TaskListModel &model, int row);
+
 private:
     std::unordered_set<RowId> tasks;
     TaskPtr currentTask;

@@ -36,15 +36,19 @@ void TabTaskViewController::removeRows(const std::set<int> &rows)
     const int lastIndex = *rows.rbegin();
     if (detailStack())
         detailStack()->removeAllDetailFromTasks(going);
+    const auto removed = [this, going, lastIndex] {
+        for (const TaskPtr &task : going)
+            rowChanged(task, true);
+        selectAfterRemoval(lastIndex);
+    };
     LongWork work(removable.size(), localized(u"Deleting the selected tasks"_s));
-    TaskManager::deleteTasks(
-        removable, [this, lastIndex] { selectAfterRemoval(lastIndex); }, [&work] { return work.step(); });
+    TaskManager::deleteTasks(removable, removed, [&work] { return work.step(); });
 }
 
 void TabTaskViewController::selectAfterRemoval(int lastIndex)
 {
     view->clearSelection();
-    reloadData();
+    updateRows();
     const int row = model->nearestItem(std::min(lastIndex, model->rowCount() - 1), -1);
     if (row >= 0)
         view->selectRow(row);
@@ -52,8 +56,7 @@ void TabTaskViewController::selectAfterRemoval(int lastIndex)
 
 // Changing
 
-/// Changes tasks of the list, which must not be fetched at once for that. Many take their time, which is
-/// shown.
+/// Changes tasks of the list, whose rows stay for a moment as they are. Many take their time, which is shown.
 template <typename Change, typename... Value>
 void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Change change,
                                         const Value &...value)
@@ -62,8 +65,13 @@ void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Chang
     isEditing = true;
     change(tasks, value..., [&work] { return work.step(); });
     isEditing = false;
+    // Also those of a save that waits.
+    for (const TaskPtr &task : tasks) {
+        if (!changedRows.contains(task->rowId()))
+            seenRows.insert(task->rowId());
+    }
     view->viewport()->update();
-    reloadLater();
+    seenUpdate.start();
 }
 
 void TabTaskViewController::toggleDone(const std::set<int> &rows)

@@ -50,7 +50,7 @@ void TabTaskViewController::setUpFilter()
     filterState = std::make_unique<FilterState>(tasksFilter, [this] {
         mustCloseHidden = true;
         showFilterState();
-        promptReload.start(0);
+        reloadSoon();
     });
     filterState->filterStartSettings();
     topView->buttonFilter()->setFilter(&tasksFilter);

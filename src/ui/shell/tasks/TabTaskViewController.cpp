@@ -5,6 +5,7 @@
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/TaskPlacement.h"
+#include "records/dates/MVDate.h"
 #include "shell/ShellAlerts.h"
 #include "shell/details/DetailStack.h"
 #include "shell/details/TaskDetailViewController.h"
@@ -16,6 +17,7 @@
 #include "widgets/Theme.h"
 
 #include <QApplication>
+#include <QScrollBar>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
@@ -37,11 +39,11 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
         setUpTopView();
     addButton(description.addType);
     addButton(ToolBarButton::Calendars);
-    for (QTimer *timer : {&delayedReload, &promptReload}) {
-        timer->setSingleShot(true);
-        connect(timer, &QTimer::timeout, this, &TabTaskViewController::reloadData);
-    }
-    delayedReload.setInterval(tickSeen);
+    promptUpdate.setSingleShot(true);
+    connect(&promptUpdate, &QTimer::timeout, this, &TabTaskViewController::updateRows);
+    seenUpdate.setSingleShot(true);
+    seenUpdate.setInterval(tickSeen);
+    connect(&seenUpdate, &QTimer::timeout, this, &TabTaskViewController::isSeen);
     observe();
 }
 
@@ -70,21 +72,94 @@ void TabTaskViewController::setUpView()
 void TabTaskViewController::observe()
 {
     NotificationCenter &center = NotificationCenter::defaultCenter();
-    const auto reload = [this](const auto &...) { changedElsewhere(); };
-    observations.push_back(center.addObserver(notifications::contextDidSave, reload));
-    observations.push_back(center.addObserver(notifications::iCloudChange, reload));
+    observations.push_back(center.addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); }));
+    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { reloadSoon(); }));
 }
 
-void TabTaskViewController::changedElsewhere()
+// What changed
+
+void TabTaskViewController::storeChanged(const StoreChanges &changes)
 {
-    if (!isEditing)
-        promptReload.start(0);
+    if (changes.isUnknown || query(grouping()).isRegroupedBy(changes))
+        return reloadSoon();
+    for (const ObjectPtr &object : changes.inserted)
+        rowChanged(object, false);
+    for (const StoreChanges::Update &update : changes.updated)
+        rowChanged(update.object, false);
+    for (const ObjectPtr &object : changes.deleted)
+        rowChanged(object, true);
+    if (!changedRows.empty())
+        promptUpdate.start(0);
+    othersChanged(changes);
 }
 
-void TabTaskViewController::reloadLater()
+/// A row that stands until the user has seen its tick stands through further changes, but not without its
+/// task.
+void TabTaskViewController::rowChanged(const ObjectPtr &object, bool isGone)
 {
-    promptReload.stop();
-    delayedReload.start();
+    if (object->entity().name() != EntityTask::entityName)
+        return;
+    const RowId row = object->rowId();
+    if (isGone)
+        seenRows.erase(row);
+    else if (isEditing)
+        seenRows.insert(row);
+    if (!seenRows.contains(row)) {
+        changedRows.insert(row);
+        return;
+    }
+    changedRows.erase(row);
+    view->viewport()->update();
+}
+
+void TabTaskViewController::reloadSoon()
+{
+    isAllChanged = true;
+    promptUpdate.start(0);
+}
+
+/// With so many rows, one fetch is quicker than a step for each.
+bool TabTaskViewController::mustReload() const
+{
+    constexpr size_t mostSteps = 200;
+    constexpr int mostSelected = 2000;
+    return isAllChanged || changedRows.size() > mostSteps ||
+           shownDay != MVDate::getStartOfDay(Clock::now()) || view->selectedCount() > mostSelected;
+}
+
+void TabTaskViewController::updateRows()
+{
+    promptUpdate.stop();
+    if (mustReload())
+        return reloadData();
+    if (!changedRows.empty())
+        update(std::exchange(changedRows, {}), seenRows);
+}
+
+void TabTaskViewController::isSeen()
+{
+    changedRows.merge(seenRows);
+    seenRows.clear();
+    updateRows();
+}
+
+/// What is selected, seen and current stays so. If all that was selected goes, its neighbour takes its place.
+void TabTaskViewController::update(const std::set<RowId> &changed, const std::set<RowId> &held)
+{
+    const int selected = view->firstSelectedRow();
+    std::vector<TableViewExtended::Sight> sights = view->rowsInSight();
+    std::erase_if(sights, [&](const TableViewExtended::Sight &sight) {
+        return changed.contains(model->rows().identifierAt(sight.row.row()));
+    });
+    const bool isAtTop = view->verticalScrollBar()->value() == 0;
+    model->update(query(grouping()), changed, held);
+    if (selected >= 0 && !view->hasSelectedRows())
+        SelectionMemory::selectNear(*view, *model, selected);
+    if (isAtTop || !sights.empty())
+        view->keepInSight(sights);
+    updateEmptyState();
+    Q_EMIT commandsChanged();
 }
 
 void TabTaskViewController::reloadData()
@@ -94,11 +169,15 @@ void TabTaskViewController::reloadData()
 
 void TabTaskViewController::reload(SelectionMemory::Otherwise otherwise)
 {
-    delayedReload.stop();
-    promptReload.stop();
+    promptUpdate.stop();
+    seenUpdate.stop();
+    changedRows.clear();
+    seenRows.clear();
+    isAllChanged = false;
+    shownDay = MVDate::getStartOfDay(Clock::now());
     const SelectionMemory memory = SelectionMemory::of(*view, *model);
     showFilterState();
-    model->setRows(fetchRows(grouping()));
+    model->setRows(query(grouping()).fetch());
     memory.restore(*view, *model, otherwise);
     updateEmptyState();
     if (std::exchange(mustCloseHidden, false))

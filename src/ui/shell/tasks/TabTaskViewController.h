@@ -11,6 +11,7 @@
 
 #include <QTimer>
 
+#include <set>
 #include <vector>
 
 class EmptyState;
@@ -43,6 +44,7 @@ public:
     TableViewExtended *tableViewTasks() const { return view; }
 
     void reloadData() override;
+    void updateRows() override;
     NewTaskRequest newTaskRequest() const override;
     bool hasSelection() const override;
     bool hasRows() const override;
@@ -67,16 +69,17 @@ public:
     void takeKeysBack() override { view->setFocus(); }
 
 protected:
-    /// The rows as they are now; `grouping` is None where the list has no grouping or none is chosen.
-    virtual TaskRows fetchRows(Grouping grouping) const = 0;
+    /// What is listed at present; `grouping` is None where the list has no grouping or none is chosen.
+    virtual TaskListQuery query(Grouping grouping) const = 0;
+    /// What a commit did, to a screen that shows more than its tasks.
+    virtual void othersChanged(const StoreChanges &changes) { Q_UNUSED(changes) }
     /// What the query of an ungrouped list is to leave out; null for nothing.
     const FilterEntry *filter() const { return filterState ? filterState->filterOfList() : nullptr; }
 
     const TaskListModel &tasksModel() const { return *model; }
     std::vector<TaskPtr> tasksAt(const std::set<int> &rows) const;
-    /// Fetches anew after a change that the user is to see first; changes in quick succession share one
-    /// fetch.
-    void reloadLater();
+    /// All rows are fetched anew, soon; several wishes in quick succession share one fetch.
+    void reloadSoon();
 
 private:
     void setUpView();
@@ -88,8 +91,12 @@ private:
     void closeHiddenDetails();
     void setUpMenu();
     void observe();
-    void changedElsewhere();
+    void storeChanged(const StoreChanges &changes);
+    void rowChanged(const ObjectPtr &object, bool isGone);
+    bool mustReload() const;
+    void update(const std::set<RowId> &changed, const std::set<RowId> &held);
     void reload(SelectionMemory::Otherwise otherwise);
+    void isSeen();
     void saveGrouping(int index);
     void toggleDone(const std::set<int> &rows);
     template <typename Change, typename... Value>
@@ -114,8 +121,16 @@ private:
     bool mustCloseHidden = false;
     MVSegmentView *tasksGroupedView = nullptr;
     TaskPopupMenu *taskPopupMenu = nullptr;
-    QTimer delayedReload;
-    QTimer promptReload;
+    /// The tasks that changed since the rows were brought up to date.
+    std::set<RowId> changedRows;
+    /// Those whose change the user is to see before they leave.
+    std::set<RowId> seenRows;
+    QTimer promptUpdate;
+    QTimer seenUpdate;
+    /// Everything can be different.
+    bool isAllChanged = false;
     bool isEditing = false;
+    /// The day on which the rows were fetched: on another one other tasks belong to the list.
+    Date shownDay;
     std::vector<Observation> observations;
 };

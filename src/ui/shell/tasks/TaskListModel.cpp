@@ -21,6 +21,12 @@ void TaskListModel::setRows(TaskRows rows)
     endResetModel();
 }
 
+void TaskListModel::update(const TaskListQuery &query, const std::set<RowId> &changed,
+                           const std::set<RowId> &held)
+{
+    TaskRowsUpdate(dataSourceTasks, query, *this).run(changed, held);
+}
+
 TaskPtr TaskListModel::taskAt(int row) const
 {
     return row >= 0 && row < dataSourceTasks.size() ? dataSourceTasks.taskAt(row) : nullptr;

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "records/TaskRowContent.h"
-#include "store/queries/TaskRows.h"
+#include "store/queries/TaskRowsUpdate.h"
 #include "widgets/TableModel.h"
 
 /// The rows of a task list as a view takes them. A task is loaded when its row is asked for.
-class TaskListModel : public TableModel
+class TaskListModel : public TableModel, private TaskRowsWatcher
 {
     Q_OBJECT
 public:
@@ -17,13 +17,13 @@ public:
     ListType listType() const { return type; }
     const TaskRows &rows() const { return dataSourceTasks; }
     void setRows(TaskRows rows);
+    /// Brings the rows of changed tasks up to date and leaves all others alone.
+    /// \param held tasks that changed, too, but stay where they are.
+    void update(const TaskListQuery &query, const std::set<RowId> &changed, const std::set<RowId> &held);
     /// The task at a row, or null if the row is something else.
     TaskPtr taskAt(int row) const;
     /// The row of a task, or -1.
     int rowOf(const TaskPtr &task) const;
-    /// A row whose task was changed is painted anew.
-    void rowChanged(int row) { Q_EMIT dataChanged(index(row), index(row)); }
-
     RowKind kindOf(int row) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -33,6 +33,16 @@ public:
 
 private:
     QVariant taskData(const EntityTask &task, int role) const;
+
+    void willInsert(int first, int last) override { beginInsertRows({}, first, last); }
+    void didInsert() override { endInsertRows(); }
+    void willRemove(int first, int last) override { beginRemoveRows({}, first, last); }
+    void didRemove() override { endRemoveRows(); }
+    void willMove(int row, int above) override { beginMoveRows({}, row, row, {}, above); }
+    void didMove() override { endMoveRows(); }
+    void willReset() override { beginResetModel(); }
+    void didReset() override { endResetModel(); }
+    void rowChanged(int row) override { Q_EMIT dataChanged(index(row), index(row)); }
 
     ListType type;
     TaskRows dataSourceTasks;

@@ -22,9 +22,9 @@ InboxViewController::InboxViewController(QWidget *parent)
     connect(tableViewTasks(), &TableViewExtended::moveRequested, this, &InboxViewController::moveByKey);
 }
 
-TaskRows InboxViewController::fetchRows(Grouping) const
+TaskListQuery InboxViewController::query(Grouping) const
 {
-    return TaskRows::flat(DBWorker::allInboxTasks(filter()), true);
+    return {tasklists::inbox(), DBWorker::predicateTasks(filter()), GroupedBy::Nothing, ListEnd::GapAlways};
 }
 
 void InboxViewController::moveRows(const std::set<int> &rows, int target)
@@ -61,11 +61,9 @@ TodayViewController::TodayViewController(QWidget *parent)
                             parent)
 {}
 
-TaskRows TodayViewController::fetchRows(Grouping grouping) const
+TaskListQuery TodayViewController::query(Grouping grouping) const
 {
-    if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allTodayTasks(filter()));
-    return DBWorker::allTodayTasksGrouped(grouping);
+    return TaskListQuery::of(tasklists::today(), grouping, filter());
 }
 
 ScheduledViewController::ScheduledViewController(QWidget *parent)
@@ -77,11 +75,9 @@ ScheduledViewController::ScheduledViewController(QWidget *parent)
                             parent)
 {}
 
-TaskRows ScheduledViewController::fetchRows(Grouping grouping) const
+TaskListQuery ScheduledViewController::query(Grouping grouping) const
 {
-    if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allScheduledTasks(filter()));
-    return DBWorker::allScheduledTasksGrouped(grouping);
+    return TaskListQuery::of(tasklists::scheduled(), grouping, filter());
 }
 
 SomedayViewController::SomedayViewController(QWidget *parent)
@@ -93,11 +89,9 @@ SomedayViewController::SomedayViewController(QWidget *parent)
                             parent)
 {}
 
-TaskRows SomedayViewController::fetchRows(Grouping grouping) const
+TaskListQuery SomedayViewController::query(Grouping grouping) const
 {
-    if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allSomedayTasks(filter()));
-    return DBWorker::allSomedayTasksGrouped(grouping);
+    return TaskListQuery::of(tasklists::someday(), grouping, filter());
 }
 
 NotDoneViewController::NotDoneViewController(QWidget *parent)
@@ -109,11 +103,9 @@ NotDoneViewController::NotDoneViewController(QWidget *parent)
                             parent)
 {}
 
-TaskRows NotDoneViewController::fetchRows(Grouping grouping) const
+TaskListQuery NotDoneViewController::query(Grouping grouping) const
 {
-    if (grouping == Grouping::None)
-        return TaskRows::flat(DBWorker::allNotDoneTasks(filter()));
-    return DBWorker::allNotDoneTasksGrouped(grouping);
+    return TaskListQuery::of(tasklists::notDone(), grouping, filter());
 }
 
 // Lists that come grouped
@@ -130,9 +122,9 @@ UserDelegateViewController::UserDelegateViewController(QWidget *parent)
                             parent)
 {}
 
-TaskRows UserDelegateViewController::fetchRows(Grouping) const
+TaskListQuery UserDelegateViewController::query(Grouping) const
 {
-    return DBWorker::allTasksWithDelegates();
+    return TaskListQuery::delegated();
 }
 
 DoneViewController::DoneViewController(QWidget *parent)
@@ -144,7 +136,7 @@ DoneViewController::DoneViewController(QWidget *parent)
                             parent)
 {}
 
-TaskRows DoneViewController::fetchRows(Grouping) const
+TaskListQuery DoneViewController::query(Grouping) const
 {
-    return DBWorker::allDoneTasks().value_or(TaskRows());
+    return TaskListQuery::doneByDay();
 }

@@ -10,7 +10,7 @@ public:
     explicit InboxViewController(QWidget *parent = nullptr);
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
 
 private:
     void moveRows(const std::set<int> &rows, int target);
@@ -25,7 +25,7 @@ public:
     explicit TodayViewController(QWidget *parent = nullptr);
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
 };
 
 /// What begins after today.
@@ -36,7 +36,7 @@ public:
     explicit ScheduledViewController(QWidget *parent = nullptr);
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
 };
 
 /// What is to be done some day.
@@ -47,7 +47,7 @@ public:
     explicit SomedayViewController(QWidget *parent = nullptr);
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
 };
 
 /// Open tasks under the people they are delegated to.
@@ -58,7 +58,7 @@ public:
     explicit UserDelegateViewController(QWidget *parent = nullptr);
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
 };
 
 /// Everything that is open.
@@ -69,7 +69,7 @@ public:
     explicit NotDoneViewController(QWidget *parent = nullptr);
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
 };
 
 /// What is done, by day.
@@ -80,5 +80,5 @@ public:
     explicit DoneViewController(QWidget *parent = nullptr);
 
 protected:
-    TaskRows fetchRows(Grouping grouping) const override;
+    TaskListQuery query(Grouping grouping) const override;
 };
