@@ -1,5 +1,6 @@
 // A new task is written down.
 
+#include "records/Categories.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
@@ -215,6 +216,33 @@ TEST_F(NewTaskTest, AProjectOutsideTheDatesIsRefusedAndThePopUpFallsBack)
     QTest::keyClick(&popUp, Qt::Key_Delete);
     EXPECT_EQ(popUp.currentIndex(), 0);
     EXPECT_EQ(form.taskForm()->currentTask().project, nullptr);
+    form.close();
+}
+
+TEST_F(NewTaskTest, ThePopUpsOfferWhatIsMadeAndRenamedMeanwhile)
+{
+    WindowNewTask &form = openNewTask();
+    type(u"draft"_s);
+    auto &popUp = find<QComboBox>(form, "popUpButtonProject");
+    const auto project = context().insert<EntityProject>();
+    project->setTitle(u"House"_s);
+    project->setStatus(TaskStatus::Open);
+    EXPECT_FALSE(DBWorker::saveContext());
+    ASSERT_GE(popUp.findText(u"House"_s), 0);
+    project->setTitle(u"Garden"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_LT(popUp.findText(u"House"_s), 0);
+    EXPECT_GE(popUp.findText(u"Garden"_s), 0);
+    auto &categories = find<QComboBox>(form, "popUpButtonCategory");
+    const int count = categories.count();
+    categories.setCurrentIndex(count - 1);
+    Q_EMIT categories.activated(count - 1);
+    const QString chosen = categories.currentText();
+    ASSERT_TRUE(Categories::add(u"AAA"_s, *Categories::next()));
+    EXPECT_EQ(categories.count(), count + 1);
+    EXPECT_EQ(categories.currentText(), chosen) << "what is chosen stays so";
+    EXPECT_EQ(form.taskForm()->currentTask().title, u"draft"_s);
+    const ScriptedAlerts alerts({Alert::thirdButton});
     form.close();
 }
 

@@ -6,13 +6,20 @@
 #include "shell/tasks/LocationPopup.h"
 #include "shell/tasks/RepeatControl.h"
 #include "shell/tasks/TaskFormView.h"
+#include "store/entities/EntityCategory.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/Theme.h"
 
+#include <QAbstractItemView>
+#include <QTimer>
+
 // The pop-ups of a task's form.
 
 using namespace Qt::Literals::StringLiterals;
+
+/// Milliseconds between two looks whether a pop-up was closed.
+constexpr int lookAgain = 200;
 
 namespace {
 
@@ -26,25 +33,73 @@ QIcon iconOf(const EKColor &color)
 
 /// A pop-up of records with "None" above them.
 template <typename Pointer, typename Choose>
-PopUpButton *TaskFormView::makeChoice(const QString &name, std::vector<Pointer> choices,
+PopUpButton *TaskFormView::makeChoice(const QString &name, std::function<std::vector<Pointer>()> choicesNow,
                                       Pointer (*current)(const MVTask &), QString (*titleOf)(const Pointer &),
                                       Choose choose)
 {
     auto *popUp = new PopUpButton(name);
-    popUp->addItem(localized(u"None"_s));
-    for (const Pointer &choice : choices)
-        popUp->addItem(titleOf(choice));
+    const auto choices = std::make_shared<std::vector<Pointer>>();
+    keepFilled(*popUp, Pointer::element_type::entityName, [=] {
+        *choices = choicesNow();
+        popUp->addItem(localized(u"None"_s));
+        for (const Pointer &choice : *choices)
+            popUp->addItem(titleOf(choice));
+    });
     connect(popUp, &QComboBox::activated, this, [this, choices, choose](int index) {
-        choose(state, index == 0 ? nullptr : choices[static_cast<std::size_t>(index - 1)]);
+        choose(state, index == 0 ? nullptr : (*choices)[static_cast<std::size_t>(index - 1)]);
     });
     syncs.push_back([this, popUp, choices, current] {
         const Pointer chosen = current(state.currentTask());
-        const auto found = std::ranges::find(choices, chosen);
-        popUp->setCurrentIndex(!chosen                  ? 0
-                               : found == choices.end() ? -1
-                                                        : static_cast<int>(found - choices.begin()) + 1);
+        const auto found = std::ranges::find(*choices, chosen);
+        popUp->setCurrentIndex(!chosen                   ? 0
+                               : found == choices->end() ? -1
+                                                         : static_cast<int>(found - choices->begin()) + 1);
     });
     return popUp;
+}
+
+/// Fills a pop-up, and again whenever the records of an entity change.
+void TaskFormView::keepFilled(PopUpButton &popUp, std::string_view entity, std::function<void()> fill)
+{
+    fill();
+    fillings.push_back({&popUp, entity, std::move(fill), false});
+}
+
+void TaskFormView::storeChanged(const StoreChanges &changes)
+{
+    for (Filling &filling : fillings) {
+        const auto isOffered = [&filling](const ObjectPtr &object) {
+            return object->entity().name() == filling.entity;
+        };
+        const auto isRenamed = [&](const StoreChanges::Update &one) {
+            return isOffered(one.object) && one.columns.any();
+        };
+        if (changes.isUnknown || std::ranges::any_of(changes.inserted, isOffered) ||
+            std::ranges::any_of(changes.deleted, isOffered) ||
+            std::ranges::any_of(changes.updated, isRenamed))
+            filling.isDue = true;
+    }
+    fillDue();
+}
+
+/// One that is open waits until the user has chosen.
+void TaskFormView::fillDue()
+{
+    bool isAnyFilled = false;
+    for (Filling &filling : fillings) {
+        if (!filling.isDue)
+            continue;
+        if (filling.popUp->view()->isVisible()) {
+            QTimer::singleShot(lookAgain, this, &TaskFormView::fillDue);
+            continue;
+        }
+        filling.isDue = false;
+        isAnyFilled = true;
+        filling.popUp->clear();
+        filling.fill();
+    }
+    if (isAnyFilled)
+        refresh();
 }
 
 QWidget *TaskFormView::makeCalendar()
@@ -90,20 +145,23 @@ QWidget *TaskFormView::makeType()
 QWidget *TaskFormView::makeCategory()
 {
     auto *popUp = new PopUpButton(u"popUpButtonCategory"_s);
-    const std::vector<CategoryPtr> categories = TaskFormChoices::categories();
-    for (const CategoryPtr &category : categories) {
-        if (category)
-            popUp->addItem(CategoryIcon::of(*category), Categories::shownTitle(category));
-        else
-            popUp->addItem(localized(u"None"_s));
-    }
+    const auto categories = std::make_shared<std::vector<CategoryPtr>>();
+    keepFilled(*popUp, EntityCategory::entityName, [=] {
+        *categories = TaskFormChoices::categories();
+        for (const CategoryPtr &category : *categories) {
+            if (category)
+                popUp->addItem(CategoryIcon::of(*category), Categories::shownTitle(category));
+            else
+                popUp->addItem(localized(u"None"_s));
+        }
+    });
     connect(popUp, &QComboBox::activated, this, [this, categories](int index) {
-        state.setCategory(categories[static_cast<std::size_t>(index)]);
+        state.setCategory((*categories)[static_cast<std::size_t>(index)]);
     });
     syncs.push_back([this, popUp, categories] {
-        const auto chosen = std::ranges::find(categories, state.currentTask().category);
-        popUp->setCurrentIndex(chosen == categories.end() ? 0
-                                                          : static_cast<int>(chosen - categories.begin()));
+        const auto chosen = std::ranges::find(*categories, state.currentTask().category);
+        popUp->setCurrentIndex(chosen == categories->end() ? 0
+                                                           : static_cast<int>(chosen - categories->begin()));
     });
     return popUp;
 }
@@ -140,7 +198,7 @@ QWidget *TaskFormView::makePriority()
 QWidget *TaskFormView::makeDelegate()
 {
     return makeChoice<ContactPtr>(
-        u"popUpButtonDelegate"_s, TaskFormChoices::contacts(),
+        u"popUpButtonDelegate"_s, TaskFormChoices::contacts,
         [](const MVTask &task) { return task.delegateToUser; },
         [](const ContactPtr &contact) { return contact->fullName(); },
         [](TaskFormState &form, const ContactPtr &contact) { form.setDelegate(contact); });
@@ -149,8 +207,7 @@ QWidget *TaskFormView::makeDelegate()
 QWidget *TaskFormView::makeCompany()
 {
     return makeChoice<CompanyPtr>(
-        u"popUpButtonCompany"_s, TaskFormChoices::companies(),
-        [](const MVTask &task) { return task.company; },
+        u"popUpButtonCompany"_s, TaskFormChoices::companies, [](const MVTask &task) { return task.company; },
         [](const CompanyPtr &company) { return company->title(); },
         [](TaskFormState &form, const CompanyPtr &company) { form.setCompany(company); });
 }
@@ -158,7 +215,7 @@ QWidget *TaskFormView::makeCompany()
 QWidget *TaskFormView::makeProject()
 {
     return makeChoice<ProjectPtr>(
-        u"popUpButtonProject"_s, TaskFormChoices::projects(state.currentTask().project),
+        u"popUpButtonProject"_s, [this] { return TaskFormChoices::projects(state.currentTask().project); },
         [](const MVTask &task) { return task.project; },
         [](const ProjectPtr &project) { return ProjectManager::shownTitle(*project); },
         [](TaskFormState &form, const ProjectPtr &project) { form.setProject(project); });

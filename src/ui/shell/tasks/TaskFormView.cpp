@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "shell/tasks/DatePickerControl.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/CheckButton.h"
 #include "widgets/DatePicker.h"
@@ -35,6 +36,8 @@ TaskFormView::TaskFormView(TaskFormState &usedState, QWidget *parent)
         refresh();
         Q_EMIT changed(field);
     };
+    changesHeard = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); });
     state.dueDateWanted = [this] { QTimer::singleShot(0, this, &TaskFormView::openDueDate); };
     refresh();
 }

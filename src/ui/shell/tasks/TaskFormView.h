@@ -1,9 +1,13 @@
 #pragma once
 
+#include "foundation/NotificationCenter.h"
+#include "objectstore/StoreChanges.h"
 #include "records/TaskFormState.h"
 #include "widgets/FormCard.h"
 
+#include <functional>
 #include <map>
+#include <string_view>
 #include <vector>
 
 class CheckButton;
@@ -58,9 +62,12 @@ private:
     QWidget *makeRepeat();
     QWidget *makeLocation();
     template <typename Pointer, typename Choose>
-    PopUpButton *makeChoice(const QString &name, std::vector<Pointer> choices,
+    PopUpButton *makeChoice(const QString &name, std::function<std::vector<Pointer>()> choicesNow,
                             Pointer (*current)(const MVTask &), QString (*titleOf)(const Pointer &),
                             Choose choose);
+    void keepFilled(PopUpButton &popUp, std::string_view entity, std::function<void()> fill);
+    void storeChanged(const StoreChanges &changes);
+    void fillDue();
     void makeDeletable(TaskFormRow row, std::function<void()> clear);
     void refreshRow(TaskFormRow row, RowItemView &view);
     QIcon previewIcon(TaskFormRow row) const;
@@ -70,6 +77,16 @@ private:
     std::map<TaskFormRow, RowItemView *> rows;
     /// Each makes one control show what the state holds.
     std::vector<std::function<void()>> syncs;
+    /// A pop-up that offers the records of an entity.
+    struct Filling
+    {
+        PopUpButton *popUp;
+        std::string_view entity;
+        std::function<void()> fill;
+        bool isDue;
+    };
+    std::vector<Filling> fillings;
+    Observation changesHeard;
     CheckButton *checkDone = nullptr;
     GrowingTextField *textFieldTitle = nullptr;
     GrowingTextField *textFieldDetails = nullptr;
