@@ -37,9 +37,20 @@ bool standsSeveralTimes(const Bytes &name)
     return several.contains(name);
 }
 
+/// The parts of a rule stand in any order, and stores write them in their own.
+Bytes normalRule(const Bytes &value)
+{
+    QByteArrayList parts = value.toUpper().split(';');
+    parts.removeAll("INTERVAL=1");
+    std::ranges::sort(parts);
+    return parts.join(';');
+}
+
 /// A line as it is compared: its parameters in any order.
 Bytes normal(const ContentLine &line)
 {
+    if (line.name() == "RRULE" || line.name() == "EXRULE")
+        return line.name() + ':' + normalRule(line.value());
     QByteArrayList parts = line.head().split(';');
     std::sort(parts.begin() + 1, parts.end());
     return parts.join(';').toUpper() + ':' + line.value();

@@ -99,6 +99,16 @@ TEST(ItemMerge, ExcludedDaysOfBothSidesStay)
     EXPECT_THAT(back, HasSubstr("EXDATE:20240307"));
 }
 
+TEST(ItemMerge, ARuleInTheWordsOfAStoreIsTheSameRule)
+{
+    const QByteArray before = event("RRULE:FREQ=DAILY;COUNT=4\n");
+    const QByteArray after = event("RRULE:FREQ=DAILY;INTERVAL=1;UNTIL=20240305T080000Z\n");
+    const QByteArray stored = event("RRULE:UNTIL=20240305T080000Z;FREQ=DAILY\nSEQUENCE:2\n");
+    EXPECT_THAT(merged(stored, after, before, true), HasSubstr("RRULE:FREQ=DAILY;COUNT=4"));
+    const QByteArray theirs = event("RRULE:FREQ=WEEKLY;COUNT=9\n");
+    EXPECT_EQ(merged(theirs, after, before, true), theirs.toStdString());
+}
+
 TEST(ItemMerge, AlarmsAndEditedOccurrencesAreFieldsOfTheirOwn)
 {
     const QByteArray series = "BEGIN:VEVENT\nUID:u\nDTSTART:20240304T090000Z\nRRULE:FREQ=DAILY;COUNT=5\n";
@@ -142,7 +152,7 @@ TEST(ItemMerge, WhatIsMadeOrGoesIsComparedAsAWhole)
     EXPECT_EQ(merged("rubbish", made, edited, true), "rubbish");
 }
 
-TEST(ItemMerge, TakingBackALoneChangeGivesTheFormerTextBack)
+TEST(ItemMerge, GeneratedChangesThatAreTakenBackGiveTheFormerTextBack)
 {
     std::mt19937 random(testSeed());
     const QByteArrayList fields = {"SUMMARY:%1\n",   "DESCRIPTION:%1\n",          "LOCATION:%1\n",

@@ -47,7 +47,9 @@ protected:
             StoreChanges made;
             made.inserted = changes.inserted;
             StoreChanges updated;
-            updated.updated = changes.updated;
+            // One that lost a task is told as well, without a changed column.
+            std::ranges::copy_if(changes.updated, std::back_inserter(updated.updated),
+                                 [](const StoreChanges::Update &one) { return one.columns.any(); });
             added += made.concerns(EntityProject::entityName);
             changed += updated.concerns(EntityProject::entityName);
         });
