@@ -2,8 +2,8 @@
 
 #include "shell/tasks/TaskPopupMenu.h"
 #include "store/state/NotificationNames.h"
+#include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
-#include "usernotifications/UserNotificationCenter.h"
 #include "widgets/ProgressSign.h"
 
 #include <QApplication>
@@ -54,7 +54,16 @@ protected:
 
     ManyTasksTest()
     {
-        for (int number = 0; number < count; ++number) {
+        addTasks(0, count);
+        showList(SidebarItem::Inbox);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return shownTitles().size() == count; }));
+        run(ActionId::SelectAll);
+        slowness = NotificationCenter::defaultCenter().addObserver(
+            notifications::taskChange, [](const TaskPtr &) { QThread::msleep(1); });
+    }
+    void addTasks(int first, int end)
+    {
+        for (int number = first; number < end; ++number) {
             const auto task = context().insert<EntityTask>();
             task->setTitle(u"Task %1"_s.arg(number));
             task->setCreationDate(localDate(2026, 11, 20));
@@ -64,11 +73,6 @@ protected:
             task->setPosition(number + 1);
         }
         EXPECT_FALSE(DBWorker::saveContext());
-        showList(SidebarItem::Inbox);
-        EXPECT_TRUE(QTest::qWaitFor([this] { return shownTitles().size() == count; }));
-        run(ActionId::SelectAll);
-        slowness = NotificationCenter::defaultCenter().addObserver(
-            notifications::taskChange, [](const TaskPtr &) { QThread::msleep(1); });
     }
     int left() { return context().count(EntityTask::fetchRequest()); }
     int important()
@@ -126,12 +130,13 @@ TEST_F(ManyTasksTest, DeletingCanBeStoppedAndTheListShowsTheRest)
 {
     const ScriptedAlerts alerts({Alert::firstButton});
     const Onlooker impatient(Onlooker::Wish::Cancel);
-    // Each is asked whether it is about a task that goes.
-    constexpr size_t messages = 40000;
-    UserNotification later;
-    later.deliveryDate = localDate(2030, 1, 1);
-    UserNotificationCenter::defaultUserNotificationCenter().setScheduledNotifications(
-        std::vector<UserNotification>(messages, later));
+    // For each the calendars are asked, and look again at what they could not read.
+    const CalendarAccess calendars({u"Home"_s});
+    calendars.writeBroken(u"Home"_s, 200);
+    for (const TaskPtr &task : context().fetch<EntityTask>(EntityTask::fetchRequest()))
+        task->setCalendarID(u"of "_s + task->title());
+    ASSERT_FALSE(DBWorker::saveContext());
+    run(ActionId::SelectAll);
     key(Qt::Key_Delete);
     EXPECT_EQ(impatient.label, u"Deleting the selected tasks"_s);
     const int rest = left();

@@ -33,6 +33,15 @@ public:
         EKEventStore::setSharedBackend(nullptr);
         CalendarEvent::resetEventStore();
     }
+    /// Files of a calendar that nobody can read.
+    void writeBroken(const QString &calendar, int count) const
+    {
+        for (int number = 0; number < count; ++number) {
+            QFile file(folder.filePath(QStringLiteral("Local/%1/broken%2.ics").arg(calendar).arg(number)));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write("BEGIN:VCAL");
+        }
+    }
     /// Another program writes an event of an hour into a calendar.
     /// \param start as it stands in its file.
     void writeEvent(const QString &calendar, const QString &title, const QString &start) const
