@@ -1,6 +1,7 @@
 #include "EdsFixture.h"
 
 #include <QEventLoop>
+#include <QThread>
 #include <QTimer>
 
 EdsFixture::EdsFixture()
@@ -39,7 +40,15 @@ QByteArray EdsFixture::plainEvent(const QByteArray &uid)
 CalendarObject EdsFixture::put(EdsBackend &program, const QString &calendarIdentifier,
                                const CalendarObject &object)
 {
-    const auto written = program.put(calendarIdentifier, object, {});
+    // The daemon of the calendars can hear of a new one a moment later than the one that keeps their list.
+    auto written = program.put(calendarIdentifier, object, {});
+    const auto isUnheardOf = [&written] {
+        return !written && written.error().message.contains(QLatin1String("No such source"));
+    };
+    for (int attempt = 0; attempt < 20 && isUnheardOf(); ++attempt) {
+        QThread::msleep(100);
+        written = program.put(calendarIdentifier, object, {});
+    }
     EXPECT_TRUE(written) << (written ? "" : qPrintable(written.error().message));
     return written ? written.value() : CalendarObject();
 }
