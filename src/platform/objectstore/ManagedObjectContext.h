@@ -56,6 +56,8 @@ public:
     double number(int column) const { return statement.number(column + 1); }
     qint64 integer(int column) const { return statement.integer(column + 1); }
     QString text(int column) const { return statement.text(column + 1); }
+    /// The bytes of a text, empty for an absent one; good until the next row.
+    std::string_view utf8(int column) const { return statement.utf8(column + 1); }
     OptionalDate date(int column) const
     {
         return isNull(column) ? std::nullopt : OptionalDate(Date::fromReferenceSeconds(number(column)));

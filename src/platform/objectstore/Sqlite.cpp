@@ -132,10 +132,17 @@ double Statement::number(int column) const
     return sqlite3_column_double(handle, column);
 }
 
-QString Statement::text(int column) const
+std::string_view Statement::utf8(int column) const
 {
     const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(handle, column));
-    return bytes ? QString::fromUtf8(bytes, sqlite3_column_bytes(handle, column)) : QString();
+    return bytes ? std::string_view(bytes, static_cast<size_t>(sqlite3_column_bytes(handle, column)))
+                 : std::string_view();
+}
+
+QString Statement::text(int column) const
+{
+    const std::string_view bytes = utf8(column);
+    return bytes.data() ? QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())) : QString();
 }
 
 QByteArray Statement::blob(int column) const

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -57,7 +58,10 @@ public:
     bool isNull(int column) const;
     qint64 integer(int column) const;
     double number(int column) const;
+    /// A null text for an absent one.
     QString text(int column) const;
+    /// The same as bytes, good until the next step; without data for an absent text.
+    std::string_view utf8(int column) const;
     QByteArray blob(int column) const;
     /// The value of a column that is declared with a type. A value that does not fit the type is absent.
     Value value(int column, AttributeType type) const;

@@ -5,6 +5,8 @@
 #include "store/entities/Model.h"
 #include "store/state/CoreContext.h"
 
+#include <map>
+
 namespace tasklists {
 
 namespace {
@@ -213,9 +215,10 @@ namespace {
 struct KeyedRow
 {
     listorder::Key key;
-    GroupKey group;
     /// Only where the order falls back on it.
     QString title;
+    /// A place in `Groups`.
+    int group = 0;
 };
 
 /// What the order needs of each row.
@@ -241,13 +244,13 @@ KeyedRow keyedRow(Order order, const RowReader &row, listorder::EffectiveDates &
 {
     switch (order) {
     case Order::ByDue:
-        return {{row.rowId(), dates.due(typeIn(row, 0), row.date(1)), row.integer(2) != 0}, {}, {}};
+        return {{row.rowId(), dates.due(typeIn(row, 0), row.date(1)), row.integer(2) != 0}, {}};
     case Order::ByStart:
-        return {{row.rowId(), dates.start(typeIn(row, 0), row.date(1), row.date(2)), false}, {}, row.text(3)};
+        return {{row.rowId(), dates.start(typeIn(row, 0), row.date(1), row.date(2)), false}, row.text(3)};
     case Order::Fetched:
         break;
     }
-    return {{row.rowId(), {}, false}, {}, {}};
+    return {{row.rowId(), {}, false}, {}};
 }
 
 bool isTitleBefore(const QString &one, const QString &other)
@@ -296,6 +299,50 @@ private:
     Date end;
 };
 
+/// The groups of a list that is being read. Many rows share few of them, so that each is made once.
+class Groups
+{
+public:
+    explicit Groups(const Reading &reading)
+        : isByDay(reading.isGroupedByDay)
+        , isGrouped(isByDay || !reading.groupColumn.empty())
+        , keys(1)
+    {}
+
+    /// The place of a row's group among the keys; 0 if the list has none.
+    int placeOf(const RowReader &row, int column)
+    {
+        if (!isGrouped)
+            return 0;
+        return isByDay ? placeOfDay(days.dayOf(row.date(column).value_or(Date()))) : placeOfText(row, column);
+    }
+    const GroupKey &keyAt(int place) const { return keys[static_cast<size_t>(place)]; }
+
+private:
+    int placeOfDay(Date day)
+    {
+        if (keys.back() != GroupKey(day))
+            keys.emplace_back(day);
+        return lastPlace();
+    }
+    int placeOfText(const RowReader &row, int column)
+    {
+        const std::string_view bytes = row.utf8(column);
+        if (const auto known = places.find(bytes); known != places.end())
+            return known->second;
+        keys.emplace_back(row.text(column));
+        places.emplace(bytes, lastPlace());
+        return lastPlace();
+    }
+    int lastPlace() const { return static_cast<int>(keys.size()) - 1; }
+
+    bool isByDay;
+    bool isGrouped;
+    std::vector<GroupKey> keys;
+    std::map<std::string, int, std::less<>> places;
+    Days days;
+};
+
 } // namespace
 
 std::vector<PlacedRow> placedRows(const Definition &definition, const Reading &reading)
@@ -308,19 +355,16 @@ std::vector<PlacedRow> placedRows(const Definition &definition, const Reading &r
     wanted.candidates = reading.among;
     std::vector<KeyedRow> rows;
     listorder::EffectiveDates dates;
-    Days days;
+    Groups groups(reading);
     mainContext().visit(wanted, columns, [&](const RowReader &row) {
         rows.push_back(keyedRow(definition.order, row, dates));
-        if (reading.isGroupedByDay)
-            rows.back().group = days.dayOf(row.date(groupPlace).value_or(Date()));
-        else if (!reading.groupColumn.empty())
-            rows.back().group = row.text(groupPlace);
+        rows.back().group = groups.placeOf(row, groupPlace);
     });
     sortRows(definition.order, rows);
     std::vector<PlacedRow> placed;
     placed.reserve(rows.size());
-    for (KeyedRow &row : rows)
-        placed.push_back({row.key.row, std::move(row.group)});
+    for (const KeyedRow &row : rows)
+        placed.push_back({row.key.row, groups.keyAt(row.group)});
     return placed;
 }
 
