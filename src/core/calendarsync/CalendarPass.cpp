@@ -8,6 +8,7 @@
 #include "calendarsync/PassRows.h"
 #include "calendarsync/RowFate.h"
 #include "foundation/Log.h"
+#include "records/copies/TaskColumns.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -104,14 +105,10 @@ private:
     {
         const TaskPtr row = mainContext().insert<EntityTask>();
         if (model) {
-            row->setCategory(model->category());
-            row->setProject(model->project());
-            row->setCompany(model->company());
-            row->setDelegateToUser(model->delegateToUser());
-            row->setLocation(model->location());
-            row->setType(model->type());
-            row->setStatus(model->status());
-            row->setPriority(model->priority());
+            taskcolumns::forEach([&row, &model](const auto &column) {
+                if (column.inSeries == taskcolumns::InSeries::Shared)
+                    column.set(*row, column.of(*model));
+            });
         } else {
             if (event.calendar && event.calendar->allowsContentModifications)
                 row->setCategory(EntityCategory::getCustom());
