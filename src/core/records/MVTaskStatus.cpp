@@ -11,7 +11,7 @@
 
 bool MVTask::saveStatus()
 {
-    RecordsTransaction transaction;
+    RecordsTransaction transaction(QStringLiteral("Change Status"));
     const OptionalDate formerExpiration = row ? row->expirationDate() : std::nullopt;
     if (!saveStatus(transaction))
         return false;

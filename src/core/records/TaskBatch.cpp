@@ -32,7 +32,7 @@ std::vector<TaskPtr> writable(const std::vector<TaskPtr> &tasks)
 template <typename Change>
 void changeEach(const std::vector<TaskPtr> &tasks, const StepBlock &step, Change change)
 {
-    RecordsTransaction transaction(QStringLiteral("Change"));
+    RecordsTransaction transaction(QStringLiteral("Change Tasks"));
     for (const TaskPtr &task : tasks) {
         if (!isGone(task))
             change(transaction, task);

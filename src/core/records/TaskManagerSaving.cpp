@@ -194,7 +194,7 @@ void finish(MVTask &task)
 
 bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
 {
-    RecordsTransaction transaction(task.title.trimmed());
+    RecordsTransaction transaction(task.task() ? QStringLiteral("Edit Task") : QStringLiteral("New Task"));
     if (!saveTaskTemp(transaction, task))
         return false;
     if (autoSave || !CalendarEvent::hasAccesToCalendar())

@@ -2,6 +2,8 @@
 
 #include "foundation/Localization.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 constexpr std::array actionTable = {
@@ -67,11 +69,31 @@ std::optional<SidebarItem> Actions::listOf(ActionId id)
     return found == lists.cend() ? std::nullopt : std::optional(*found);
 }
 
+namespace {
+
+QString textOf(const ActionDescription &description)
+{
+    return localized(QString::fromUtf16(description.text));
+}
+
+QString textOf(ActionId id)
+{
+    return textOf(*std::ranges::find(actionTable, id, &ActionDescription::id));
+}
+
+/// What a command acts on, as its text goes on with it.
+QString objectText(const QString &object)
+{
+    return object.isEmpty() ? QString() : u": "_s + QString(object).replace(u'&', u"&&"_s);
+}
+
+} // namespace
+
 Actions::Actions(QObject *parent)
     : QObject(parent)
 {
     for (const ActionDescription &description : actionTable) {
-        auto *action = new QAction(localized(QString::fromUtf16(description.text)), this);
+        auto *action = new QAction(textOf(description), this);
         action->setObjectName(QString::fromUtf16(description.name));
         action->setShortcut(
             QKeySequence(QString::fromUtf16(description.shortcut), QKeySequence::PortableText));
@@ -86,8 +108,21 @@ void Actions::bind(ActionId id, const std::function<void()> &run, std::function<
         rules.insert(id, std::move(isPossible));
 }
 
-void Actions::updateEnabled()
+void Actions::nameObject(ActionId id, std::function<QString()> object)
+{
+    objects.insert(id, std::move(object));
+}
+
+void Actions::update()
 {
     for (auto rule = rules.cbegin(); rule != rules.cend(); ++rule)
         action(rule.key())->setEnabled(rule.value()());
+    for (auto object = objects.cbegin(); object != objects.cend(); ++object)
+        action(object.key())->setText(textOf(object.key()) + objectText(object.value()()));
+}
+
+void Actions::forgetRules()
+{
+    rules.clear();
+    objects.clear();
 }

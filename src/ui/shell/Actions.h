@@ -70,12 +70,16 @@ public:
     QList<QAction *> all() const { return actions.values(); }
     /// Says what a command does and when it can be given; without a rule it always can.
     void bind(ActionId id, const std::function<void()> &run, std::function<bool()> isPossible = {});
-    /// Asks the rules again.
-    void updateEnabled();
-    /// From here on nothing is asked whether a command is possible: what could tell is about to go.
-    void forgetRules() { rules.clear(); }
+    /// Has the text of a command go on with what it would act on, for example the step that is taken back;
+    /// an empty answer leaves the text as it is.
+    void nameObject(ActionId id, std::function<QString()> object);
+    /// Asks the rules again, and what the commands would act on.
+    void update();
+    /// From here on nothing is asked of commands: what could answer is about to go.
+    void forgetRules();
 
 private:
     QHash<ActionId, QAction *> actions;
     QHash<ActionId, std::function<bool()>> rules;
+    QHash<ActionId, std::function<QString()>> objects;
 };

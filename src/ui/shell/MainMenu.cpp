@@ -23,7 +23,7 @@ static void addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, E
         else
             menu->addSeparator();
     }
-    QObject::connect(menu, &QMenu::aboutToShow, &actions, &Actions::updateEnabled);
+    QObject::connect(menu, &QMenu::aboutToShow, &actions, &Actions::update);
 }
 
 void MainMenu::fill(QMenuBar &menuBar, Actions &actions)

@@ -36,6 +36,12 @@ static bool canRedo()
     return TextCommands::hasText() ? TextCommands::canRedo() : context() && context()->canRedo();
 }
 
+/// What the step that would be taken back, or done again, is called; empty for typing.
+static QString nameOfStep(QString (ManagedObjectContext::*name)())
+{
+    return TextCommands::hasText() || !context() ? QString() : localized((context()->*name)());
+}
+
 void MainWindowController::bindActions()
 {
     actions->bind(ActionId::NewTask, [this] { menuClickNewTask(); });
@@ -48,6 +54,8 @@ void MainWindowController::bindActions()
         ActionId::Undo, [this] { undo(); }, [] { return canUndo(); });
     actions->bind(
         ActionId::Redo, [this] { redo(); }, [] { return canRedo(); });
+    actions->nameObject(ActionId::Undo, [] { return nameOfStep(&ManagedObjectContext::undoName); });
+    actions->nameObject(ActionId::Redo, [] { return nameOfStep(&ManagedObjectContext::redoName); });
     actions->bind(ActionId::Search,
                   [] { NotificationCenter::defaultCenter().post(notifications::searchMorvane); });
     actions->bind(

@@ -61,10 +61,9 @@ void MainWindowController::windowDidLoad()
     connect(mainWindow.get(), &MainWindow::stateChanged, this, &MainWindowController::fullScreenChanged);
     connect(mainWindow.get(), &MainWindow::closed, this, &MainWindowController::stopObserving);
     connect(mainWindow.get(), &MainWindow::didBecomeKey, this, &MainWindowController::observe);
-    connect(mainWindow->rightToolBarMain(), &RightToolBar::currentResultChanged, actions,
-            &Actions::updateEnabled);
+    connect(mainWindow->rightToolBarMain(), &RightToolBar::currentResultChanged, actions, &Actions::update);
     connect(sidebar, &SidebarModel::groupRenamed, this, &MainWindowController::groupRenamed);
-    connect(qApp, &QApplication::focusChanged, actions, &Actions::updateEnabled);
+    connect(qApp, &QApplication::focusChanged, actions, &Actions::update);
     observe();
     QTimer::singleShot(firstSelectionDelay, this, &MainWindowController::selectFirstRow);
 }
@@ -94,11 +93,11 @@ void MainWindowController::observe()
         center.addObserver(notifications::contextDidSave, [this](const StoreChanges &changes) {
             if (changes.concerns(EntityTask::entityName))
                 badgeRecount.start(0);
-            actions->updateEnabled();
+            actions->update();
         }));
     observations.push_back(center.addObserver(notifications::iCloudChange, [this] {
         badgeRecount.start(0);
-        actions->updateEnabled();
+        actions->update();
     }));
 }
 
@@ -243,7 +242,7 @@ void MainWindowController::show(TabsViewController *newScreen)
     newScreen->setDetailStack(details.get());
     connect(newScreen, &TabsViewController::buttonAdd, this, &MainWindowController::buttonAdd);
     connect(newScreen, &TabsViewController::whyRequested, this, &MainWindowController::explainPlace);
-    connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::updateEnabled);
+    connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::update);
     newScreen->reloadData();
     mainWindow->rightToolBarMain()->chengedToolBar()->addToolBar(newScreen->toolBarView());
     mainWindow->rightContentView()->layout()->addWidget(newScreen);
@@ -254,5 +253,5 @@ void MainWindowController::show(TabsViewController *newScreen)
         Waiting::remove(former);
     }
     newScreen->show();
-    actions->updateEnabled();
+    actions->update();
 }

@@ -46,7 +46,7 @@ void MainWindowController::searchSelectItem(const ObjectPtr &record)
         screen->setFocus(Qt::OtherFocusReason);
     screen->selectItem(record);
     searchedRecord = DBWorker::getIdFromObject(record);
-    actions->updateEnabled();
+    actions->update();
 }
 
 /// The result that the keys are on, the selected task, the one in the pane, or the one that was searched for.

@@ -89,7 +89,7 @@ TEST_F(WholeWindowTest, ClosingTheWindowKeepsTheProgramAndTheWindowComesBack)
 TEST_F(WholeWindowTest, CommandsAreGreyWhereTheyWouldDoNothing)
 {
     const auto isPossible = [this](ActionId id) {
-        controller().commands()->updateEnabled();
+        controller().commands()->update();
         return controller().commands()->action(id)->isEnabled();
     };
     showList(SidebarItem::Inbox);

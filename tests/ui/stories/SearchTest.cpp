@@ -128,7 +128,7 @@ TEST_F(SearchTest, WhatIsTypedIsCopiedAndPastedByTheCommandsOfTheMenu)
 {
     const auto command = [this](ActionId id) {
         QAction &action = *controller().commands()->action(id);
-        controller().commands()->updateEnabled();
+        controller().commands()->update();
         EXPECT_TRUE(action.isEnabled()) << qPrintable(action.text());
         action.trigger();
     };
@@ -146,7 +146,7 @@ TEST_F(SearchTest, WhatIsTypedIsCopiedAndPastedByTheCommandsOfTheMenu)
 TEST_F(SearchTest, CommandsOfTheMenuLeaveTheListAloneWhileATextHasTheKeys)
 {
     const auto command = [this](ActionId id) {
-        controller().commands()->updateEnabled();
+        controller().commands()->update();
         EXPECT_TRUE(controller().commands()->action(id)->isEnabled()) << static_cast<int>(id);
         controller().commands()->action(id)->trigger();
     };

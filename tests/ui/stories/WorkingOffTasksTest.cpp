@@ -137,6 +137,25 @@ TEST_F(WorkingOffTasksTest, OpeningSeveralTasksAtOnceIsRefusedWithAMessage)
     EXPECT_EQ(alerts.asked().front().message, u"Select one task"_s);
 }
 
+TEST_F(WorkingOffTasksTest, TheEditMenuNamesTheStepThatItTakesBack)
+{
+    const auto texts = [this] {
+        const Actions &commands = *controller().commands();
+        controller().commands()->update();
+        return QStringList{commands.action(ActionId::Undo)->text(), commands.action(ActionId::Redo)->text()};
+    };
+    addInbox({u"a"_s, u"b"_s});
+    clickRow(0);
+    choose(u"Priority"_s, u"High"_s);
+    ScriptedAlerts alerts({Alert::firstButton});
+    key(Qt::Key_Delete);
+    EXPECT_EQ(texts(), (QStringList{u"Undo: Delete"_s, u"Redo"_s}));
+    run(ActionId::Undo);
+    EXPECT_EQ(texts(), (QStringList{u"Undo: Change Tasks"_s, u"Redo: Delete"_s}));
+    run(ActionId::Search);
+    EXPECT_EQ(texts(), (QStringList{u"Undo"_s, u"Redo"_s})) << "typing has no name";
+}
+
 TEST_F(WorkingOffTasksTest, UndoBringsADeletedTaskBackIntoTheList)
 {
     addInbox({u"a"_s, u"b"_s});
