@@ -540,11 +540,13 @@ StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &a
     {
         AppliedChange::Kind kind;
         ManagedObject::ColumnSet columns;
+        RowId row;
     };
     std::map<std::pair<const EntityDescription *, QString>, Known> rows;
     for (const AppliedChange &one : applied) {
-        const auto [place, isNew] = rows.try_emplace({one.entity, one.identifier}, Known{one.kind, {}});
+        const auto [place, isNew] = rows.try_emplace({one.entity, one.identifier}, Known{one.kind, {}, 0});
         place->second.columns |= one.columns;
+        place->second.row = std::max(place->second.row, one.row);
         if (!isNew && one.kind != AppliedChange::Kind::Updated)
             place->second.kind = one.kind;
     }
@@ -556,7 +558,7 @@ StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &a
             continue;
         const Known &row = known.mapped();
         if (row.kind == AppliedChange::Kind::Deleted)
-            changes.deleted.push_back(goneObject(*one.entity, one.identifier));
+            changes.deleted.push_back(goneObject(*one.entity, one.identifier, row.row));
         else if (const ObjectPtr found = object(one.entity->name(), one.identifier); !found)
             continue;
         else if (row.kind == AppliedChange::Kind::Inserted)
@@ -567,7 +569,7 @@ StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &a
     return changes;
 }
 
-ObjectPtr ManagedObjectContext::goneObject(const EntityDescription &entity, const QString &id)
+ObjectPtr ManagedObjectContext::goneObject(const EntityDescription &entity, const QString &id, RowId row)
 {
     auto &living = population(entity).byIdentifier;
     const auto found = living.find(id);
@@ -579,5 +581,6 @@ ObjectPtr ManagedObjectContext::goneObject(const EntityDescription &entity, cons
     ObjectPtr object = entity.makeObject();
     object->description = &entity;
     object->id = id;
+    object->row = row;
     return object;
 }

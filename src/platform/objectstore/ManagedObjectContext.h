@@ -257,7 +257,7 @@ private:
     OptionalError applyEntry(ChangeJournalDirection direction, StoreChanges &changes);
     StoreChanges changesOf(const std::vector<AppliedChange> &applied);
     /// Stands for a row that is no longer there.
-    ObjectPtr goneObject(const EntityDescription &entity, const QString &id);
+    ObjectPtr goneObject(const EntityDescription &entity, const QString &id, RowId row);
 
     std::unique_ptr<sqlite::Database> database;
     const ManagedObjectModel &objectModel;
