@@ -26,6 +26,8 @@ struct AppliedChange
     Kind kind;
     /// Of an updated row.
     ManagedObject::ColumnSet columns = {};
+    /// Of a deleted row, by which lists know it.
+    RowId row = 0;
 };
 
 /// What a step did: to the store, and what it asks for outside of it.

@@ -99,6 +99,24 @@ TEST_F(Undo, tellsEachRowOnce)
     library->setCommitEffects(nullptr);
 }
 
+TEST_F(Undo, tellsTheRowNumberOfWhatItDeletesAlsoWithoutAnObject)
+{
+    library.book("Emma");
+    library.save();
+    const RowId row = library.find("Emma")->rowId();
+    library.reopen();
+    Listener listener;
+    library->setCommitEffects(&listener);
+    undo();
+    redo();
+    undo();
+    ASSERT_EQ(listener.heard.size(), 3u);
+    const RowId rowOfRedo = listener.heard[1].inserted.at(0)->rowId();
+    EXPECT_EQ(listener.heard[0].deleted.at(0)->rowId(), row) << "lists know it by its number";
+    EXPECT_EQ(listener.heard[2].deleted.at(0)->rowId(), rowOfRedo);
+    library->setCommitEffects(nullptr);
+}
+
 TEST_F(Undo, neverTakesBackWhatCameFromElsewhere)
 {
     const auto emma = library.book("Emma");

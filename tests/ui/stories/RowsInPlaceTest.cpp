@@ -273,16 +273,19 @@ protected:
     /// Titles in a list that is longer than the window.
     void fillInbox(int count)
     {
-        for (int number = 0; number < count; ++number) {
-            const auto task = context().insert<EntityTask>();
-            task->setTitle(u"Task %1"_s.arg(number, 3, 10, QLatin1Char('0')));
-            task->setType(TaskType::ToDo);
-            task->setStatus(TaskStatus::Open);
-            task->setDueSomeDay(false);
-            task->setPosition(2 * number);
-        }
+        for (int number = 0; number < count; ++number)
+            make(u"Task %1"_s.arg(number, 3, 10, QLatin1Char('0')), 2 * number);
         EXPECT_FALSE(DBWorker::saveContext());
         showList(SidebarItem::Inbox);
+    }
+    void make(const QString &title, int position)
+    {
+        const auto task = context().insert<EntityTask>();
+        task->setTitle(title);
+        task->setType(TaskType::ToDo);
+        task->setStatus(TaskStatus::Open);
+        task->setDueSomeDay(false);
+        task->setPosition(position);
     }
     void save()
     {
@@ -339,6 +342,33 @@ TEST_F(RowsInPlaceTest, WhereAllThatWasSelectedGoesItsNeighbourIsSelected)
     context().deleteObject(stored(u"Task 002"_s));
     save();
     EXPECT_EQ(selectedTitles(), QStringList{u"Task 000"_s});
+}
+
+TEST_F(RowsInPlaceTest, RowsOutOfSightGoWhenAnUndoOrARedoDeletesTheirTasks)
+{
+    fillInbox(150);
+    const int all = list().model()->rowCount();
+    make(u"far below"_s, 1000);
+    save();
+    ASSERT_EQ(list().model()->rowCount(), all + 1);
+    run(ActionId::Undo);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(list().model()->rowCount(), all);
+
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        list().setFocus();
+        run(ActionId::SelectAll);
+        key(Qt::Key_Delete);
+    }
+    QCoreApplication::processEvents();
+    ASSERT_EQ(inboxTitles(), QStringList());
+    run(ActionId::Undo);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(list().model()->rowCount(), all);
+    run(ActionId::Redo);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shownTitles(), QStringList());
 }
 
 TEST_F(RowsInPlaceTest, WhatTheListDoesNotShowTouchesNoOtherRow)
