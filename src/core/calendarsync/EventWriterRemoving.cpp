@@ -182,8 +182,7 @@ void removeFuture(const TaskPtr &task, bool isDeleteTasks, OptionalDate endOfRul
         (series::isLater(*row, *task) ? future : earlier).push_back(row);
     const OptionalDate day = task->startDate() ? task->startDate() : task->dueDate();
     for (const TaskPtr &row : earlier)
-        row->setEndRepeat(day ? OptionalDate(MTDates::endOfCurrentDay(MVDate::addDay(-1, *day)))
-                              : std::nullopt);
+        row->setEndRepeat(day ? OptionalDate(MTDates::endOfCurrentDay(*day)) : std::nullopt);
     for (const TaskPtr &row : future) {
         if (isDeleteTasks)
             mainContext().deleteObject(row);
