@@ -115,10 +115,12 @@ public:
     {
         return EventReader::getEventsWithEventIdentifier(identifier, fromEvents);
     }
+    /// To show them: none also if they cannot be read at present.
     static std::vector<EKEvent> eventsWithExternalIdentifier(const QString &identifier,
                                                              const std::vector<OptionalDate> &onDaysOf = {})
     {
-        return EventReader::eventsWithExternalIdentifier(identifier, onDaysOf);
+        auto events = EventReader::eventsWithExternalIdentifier(identifier, onDaysOf);
+        return events ? std::move(events.value()) : std::vector<EKEvent>();
     }
     static std::optional<EKEvent> eventByStartDateOfTask(OptionalDate date,
                                                          const std::vector<EKEvent> &fromEvents)

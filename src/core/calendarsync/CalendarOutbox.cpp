@@ -154,6 +154,17 @@ void drainInPortions()
     });
 }
 
+/// What is taken back may have been changed without the calendars, and can reach them now.
+void writeTakenBackSoon()
+{
+    MainLoop::performDelayed(Seconds(0), [] {
+        ManagedObjectContext *context = CoreContext::current().openedStore();
+        // Else a question stands; the next activation does it.
+        if (context && !context->transaction())
+            writeChangesMadeOffline(*context);
+    });
+}
+
 } // namespace
 
 bool hasWork()
@@ -166,6 +177,8 @@ void post(ManagedObjectContext &context, const StoreChanges &changes)
     if (DBWorker::isSample())
         return;
     offlinechanges::post(context, changes);
+    if (changes.author == ChangeAuthor::Undo)
+        writeTakenBackSoon();
     if (!hasWork())
         return;
     for (const ItemChange &change : state().store->stagedChanges())
@@ -174,6 +187,7 @@ void post(ManagedObjectContext &context, const StoreChanges &changes)
 
 void committed(ManagedObjectContext &context)
 {
+    offlinechanges::committed();
     if (DBWorker::isSample())
         return;
     if (state().store) {

@@ -3,6 +3,7 @@
 #include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/EventReader.h"
 #include "calendarsync/EventStoreAccess.h"
+#include "calendarsync/OfflineChanges.h"
 #include "calendarsync/PassBrake.h"
 #include "calendarsync/PassProgress.h"
 #include "calendarsync/PassRows.h"
@@ -33,9 +34,12 @@ bool isOff(const EntityTask &row, const EKEvent &event)
 class Pass
 {
 public:
-    explicit Pass(const std::vector<EKEvent> &events)
+    /// \param left are items that are not looked at, nor are their rows.
+    Pass(const std::vector<EKEvent> &events, const QSet<QString> &left)
         : rows(events)
-    {}
+    {
+        rows.claimItems(left);
+    }
 
     void take(const std::vector<EKEvent> &group)
     {
@@ -197,11 +201,17 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
     {
         // All questions of a pass are about the same moment.
         const auto held = EventStoreAccess::eventStore().holdContents();
-        const auto events = EventReader::eventsForCalendars(CalendarCatalogue::getAllAccessCalendars());
+        auto events = EventReader::eventsForCalendars(CalendarCatalogue::getAllAccessCalendars());
         // Calendars that cannot be reached are not empty ones.
         if (!events)
             return;
-        Pass pass(*events);
+        eventCount = events->size();
+        // Of what the user changed and no event shows yet, the rows are right.
+        const QSet<QString> waiting = offlinechanges::waitingItems(mainContext());
+        std::erase_if(*events, [&waiting](const EKEvent &event) {
+            return waiting.contains(event.calendarItemExternalIdentifier);
+        });
+        Pass pass(*events, waiting);
         const auto groups = EventReader::getEventsGroupedCalendarIDfromAllEvents(*events);
         // A first pass over many events lasts; half a pass would be no pass, so nothing stops it.
         const StepBlock step = passprogress::begin(groups.size());
@@ -223,7 +233,6 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
             going.push_back(row);
         }
         linkedCount = pass.linkedCount();
-        eventCount = events->size();
     }
     if (onlyTasks.empty() && !passbrake::mayDelete(going.size(), linkedCount, eventCount))
         return;

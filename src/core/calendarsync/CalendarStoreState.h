@@ -3,6 +3,7 @@
 #include "eventkit/EKEventStore.h"
 #include "foundation/Date.h"
 #include "foundation/NotificationCenter.h"
+#include "store/entities/TaskValues.h"
 
 #include <QString>
 
@@ -14,6 +15,14 @@
 
 /// What the bridge to the calendar store keeps while the program runs. For its own source files.
 namespace calendarstore {
+
+/// How a change that could not be written finds its event later.
+struct Unwritten
+{
+    Span span = Span::ThisTask;
+    /// The day on which the event stands.
+    OptionalDate day;
+};
 
 struct State
 {
@@ -28,6 +37,8 @@ struct State
     QString banMessage;
     /// Events that this program wrote, by identifier, with the moment of the change.
     std::map<QString, Date> changedEvents;
+    /// Rows whose events could not be read or written by what is not yet committed; by identifier.
+    std::map<QString, Unwritten> unwritten;
     /// The user's answer about taking away much, while it holds.
     std::optional<bool> mayRemoveMany;
 };

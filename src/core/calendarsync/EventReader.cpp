@@ -2,6 +2,7 @@
 
 #include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/EventStoreAccess.h"
+#include "eventkit/CalendarError.h"
 #include "foundation/Clock.h"
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
@@ -10,6 +11,7 @@
 #include "store/state/CoreContext.h"
 
 #include <algorithm>
+#include <functional>
 
 // Events of the window, grouped and found.
 
@@ -35,35 +37,49 @@ bool continuesSeries(const EKEvent &event, const EKEvent &before)
            event.hasRecurrenceRules() && before.hasRecurrenceRules() && isSameCalendar(event, before);
 }
 
-std::vector<EKEvent> eventsBetween(Date start, Date end, const std::vector<EKCalendar> &calendars)
+Result<std::vector<EKEvent>> eventsBetween(Date start, Date end, const std::vector<EKCalendar> &calendars)
 {
     EKEventStore &store = EventStoreAccess::eventStore();
-    auto events = store.eventsMatchingPredicate(store.predicateForEventsWithStartDate(start, end, calendars));
-    if (events)
-        return std::move(*events);
-    Log::line(events.error().message);
-    return {};
+    return store.eventsMatchingPredicate(store.predicateForEventsWithStartDate(start, end, calendars));
 }
 
-/// The events of an identifier without a look at all others; absent if one of them repeats.
-std::optional<std::vector<EKEvent>> singleEvents(const QString &identifier,
-                                                 const std::vector<EKCalendar> &calendars)
+bool isSingle(const EKEvent &event)
 {
-    auto items = EventStoreAccess::eventStore().calendarItemsWithExternalIdentifier(identifier);
-    if (!items)
-        return std::nullopt;
-    std::vector<EKEvent> found;
-    for (EKEvent &event : *items) {
-        if (event.hasRecurrenceRules() || event.isDetached || !event.startDate || !event.endDate)
-            return std::nullopt;
-        const bool isChosen =
-            std::any_of(calendars.begin(), calendars.end(), [&event](const EKCalendar &one) {
-                return event.calendar && one.calendarIdentifier == event.calendar->calendarIdentifier;
-            });
-        if (isChosen)
-            found.push_back(std::move(event));
+    return !event.hasRecurrenceRules() && !event.isDetached && event.startDate && event.endDate;
+}
+
+bool isAmong(const std::vector<EKEvent> &events, const EKEvent &event)
+{
+    return std::ranges::any_of(events, [&event](const EKEvent &one) {
+        return one.calendarItemExternalIdentifier == event.calendarItemExternalIdentifier &&
+               one.startDate == event.startDate && isSameCalendar(one, event);
+    });
+}
+
+Result<std::vector<EKEvent>> eventsIn(const std::vector<EKCalendar> &calendars, const QString &identifier,
+                                      const std::vector<OptionalDate> &onDaysOf)
+{
+    // A single event is found without a look at all others.
+    auto items = EventStoreAccess::eventStore().calendarItemsWithExternalIdentifier(identifier, calendars);
+    if (!items || std::ranges::all_of(items.value(), isSingle))
+        return items;
+    const DateInterval seen = EventReader::window();
+    auto events = eventsBetween(seen.start, seen.end, calendars);
+    if (!events)
+        return events;
+    for (const OptionalDate &date : onDaysOf) {
+        if (!date || (*date >= seen.start && *date <= seen.end))
+            continue;
+        auto ofDay =
+            eventsBetween(MTDates::startOfCurrentDay(*date), MTDates::endOfCurrentDay(*date), calendars);
+        if (!ofDay)
+            return ofDay;
+        for (EKEvent &event : *ofDay) {
+            if (!isAmong(*events, event))
+                events->push_back(std::move(event));
+        }
     }
-    return found;
+    return EventReader::getEventsWithEventIdentifier(identifier, *events);
 }
 
 } // namespace
@@ -81,9 +97,7 @@ std::optional<std::vector<EKEvent>> EventReader::eventsForCalendars(const std::v
     if (calendars.empty())
         return std::vector<EKEvent>();
     const DateInterval seen = window();
-    EKEventStore &store = EventStoreAccess::eventStore();
-    auto events =
-        store.eventsMatchingPredicate(store.predicateForEventsWithStartDate(seen.start, seen.end, calendars));
+    auto events = eventsBetween(seen.start, seen.end, calendars);
     if (events)
         return std::move(*events);
     Log::line(events.error().message);
@@ -127,32 +141,37 @@ std::vector<EKEvent> EventReader::getEventsWithEventIdentifier(const QString &id
     return found;
 }
 
-std::vector<EKEvent> EventReader::eventsWithExternalIdentifier(const QString &identifier,
-                                                               const std::vector<OptionalDate> &onDaysOf)
+Result<std::vector<EKEvent>>
+EventReader::eventsWithExternalIdentifier(const QString &identifier,
+                                          const std::vector<OptionalDate> &onDaysOf)
 {
     if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar())
-        return {};
-    const std::vector<EKCalendar> calendars = CalendarCatalogue::getAllAccessCalendars();
-    if (calendars.empty())
-        return {};
-    if (auto single = singleEvents(identifier, calendars))
-        return *single;
-    std::vector<EKEvent> events = eventsForCalendars(calendars).value_or(std::vector<EKEvent>());
-    const DateInterval seen = window();
-    for (const OptionalDate &date : onDaysOf) {
-        if (!date || (*date >= seen.start && *date <= seen.end))
-            continue;
-        for (EKEvent &event :
-             eventsBetween(MTDates::startOfCurrentDay(*date), MTDates::endOfCurrentDay(*date), calendars)) {
-            const bool isKnown = std::ranges::any_of(events, [&event](const EKEvent &one) {
-                return one.calendarItemExternalIdentifier == event.calendarItemExternalIdentifier &&
-                       one.startDate == event.startDate && isSameCalendar(one, event);
-            });
-            if (!isKnown)
-                events.push_back(std::move(event));
-        }
+        return std::vector<EKEvent>();
+    return eventsIn(CalendarCatalogue::getAllAccessCalendars(), identifier, onDaysOf);
+}
+
+Result<std::vector<EKEvent>> EventReader::eventsOfRow(const QString &identifier, const QString &calendar,
+                                                      const std::vector<OptionalDate> &onDaysOf)
+{
+    if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar())
+        return std::vector<EKEvent>();
+    // Its own calendar first: another one can hold a copy, or be silent.
+    std::vector<EKCalendar> others = CalendarCatalogue::getAllAccessCalendars();
+    const auto isOwn = [&calendar](const EKCalendar &one) {
+        return CalendarCatalogue::identifierOfCalendar(one) == calendar;
+    };
+    const auto firstOwn = std::stable_partition(others.begin(), others.end(), std::not_fn(isOwn));
+    const std::vector<EKCalendar> own(firstOwn, others.end());
+    others.erase(firstOwn, others.end());
+    for (const std::vector<EKCalendar> &calendars : {own, others}) {
+        auto events = eventsIn(calendars, identifier, onDaysOf);
+        if (!events || !events->empty())
+            return events;
     }
-    return getEventsWithEventIdentifier(identifier, events);
+    if (EventStoreAccess::eventStore().mayBeUnusable(identifier))
+        return CalendarError::make(CalendarError::Unreadable,
+                                   QStringLiteral("The event cannot be read at present."));
+    return std::vector<EKEvent>();
 }
 
 std::optional<EKEvent> EventReader::eventByStartDateOfTask(OptionalDate date,
@@ -171,8 +190,13 @@ std::optional<EKEvent> EventReader::getEventByTitleOfTask(const EntityTask &task
     if (!task.dueDate())
         return std::nullopt;
     const Date start = task.startDate().value_or(*task.dueDate());
-    for (const EKEvent &event :
-         eventsBetween(start - aDay, *task.dueDate() + aDay, CalendarCatalogue::getAllAccessCalendars())) {
+    const auto events =
+        eventsBetween(start - aDay, *task.dueDate() + aDay, CalendarCatalogue::getAllAccessCalendars());
+    if (!events) {
+        Log::line(events.error().message);
+        return std::nullopt;
+    }
+    for (const EKEvent &event : events.value()) {
         if (event.title == task.title())
             return event;
     }

@@ -4,6 +4,7 @@
 #include "eventkit/EKEvent.h"
 #include "foundation/Calendar.h"
 #include "foundation/Date.h"
+#include "foundation/Error.h"
 #include "store/entities/Entities.h"
 
 #include <QString>
@@ -28,9 +29,13 @@ public:
     static std::vector<EKEvent> getEventsWithEventIdentifier(const QString &identifier,
                                                              const std::vector<EKEvent> &fromEvents);
     /// The same among all chosen calendars, by their start; none without access. Of a series those in the
-    /// window and on some more days.
-    static std::vector<EKEvent> eventsWithExternalIdentifier(const QString &identifier,
-                                                             const std::vector<OptionalDate> &onDaysOf = {});
+    /// window and on some more days. An error, and not none, if a calendar cannot be read.
+    static Result<std::vector<EKEvent>>
+    eventsWithExternalIdentifier(const QString &identifier, const std::vector<OptionalDate> &onDaysOf = {});
+    /// The same in the calendar that a row names, or if that has none, in the other chosen ones. An error
+    /// also if none is found and an object that cannot be read may be it.
+    static Result<std::vector<EKEvent>> eventsOfRow(const QString &identifier, const QString &calendar,
+                                                    const std::vector<OptionalDate> &onDaysOf);
     /// The first that starts on the day of a date.
     static std::optional<EKEvent> eventByStartDateOfTask(OptionalDate date,
                                                          const std::vector<EKEvent> &fromEvents);

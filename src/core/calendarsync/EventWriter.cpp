@@ -5,10 +5,12 @@
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventReader.h"
 #include "calendarsync/EventStoreAccess.h"
+#include "calendarsync/OfflineChanges.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "calendarsync/TaskToEvent.h"
+#include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
@@ -29,17 +31,24 @@ OptionalDate dateOf(const EntityTask &task)
     return task.startDate() ? task.startDate() : task.dueDate();
 }
 
+using FoundEvent = Result<std::optional<EKEvent>>;
+
 /// The event of a row that stands alone: its only one, or of several that of a day.
-std::optional<EKEvent> eventOfSingle(const EntityTask &task, OptionalDate formerDate)
+FoundEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
 {
-    const std::vector<EKEvent> events = series::eventsOf(task, formerDate);
-    return events.size() == 1 ? std::optional(events.front())
-                              : EventReader::eventByStartDateOfTask(formerDate, events);
+    const auto events = series::eventsOf(task, formerDate);
+    if (!events)
+        return events.error();
+    return events.value().size() == 1 ? std::optional(events.value().front())
+                                      : EventReader::eventByStartDateOfTask(formerDate, events.value());
 }
 
-std::optional<EKEvent> eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
+FoundEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
 {
-    return EventReader::eventByStartDateOfTask(formerDate, series::eventsOf(task, formerDate));
+    const auto events = series::eventsOf(task, formerDate);
+    if (!events)
+        return events.error();
+    return EventReader::eventByStartDateOfTask(formerDate, events.value());
 }
 
 /// An event that is there, with what is to be written to it; or a new one, which takes everything.
@@ -56,16 +65,16 @@ struct Draft
 
 /// Saves the event. The row takes its identifier, and all that a pass would bring it: what others have
 /// changed of the event, and the words of its calendar.
-bool saveEventOf(EntityTask &task, EKEvent &event, Span span)
+OptionalError saveEventOf(EntityTask &task, EKEvent &event, Span span)
 {
     EKEventStore &store = EventStoreAccess::eventStore();
-    if (const auto error = store.saveEvent(event, storeSpan(span), true)) {
-        Log::line(error->message);
-        return false;
-    }
+    if (auto error = store.saveEvent(event, storeSpan(span), true))
+        return error;
     task.setCalendarID(event.calendarItemExternalIdentifier);
+    if (task.wasCreatedOffCalendar())
+        task.setWasCreatedOffCalendar(false);
     CalendarPass::syncEvent(event, task);
-    return true;
+    return std::nullopt;
 }
 
 /// Whether one occurrence is to lie on another calendar than its series.
@@ -80,18 +89,18 @@ bool leavesCalendar(const Draft &draft, const EntityTask &task, Span span)
 }
 
 /// There it becomes an event of its own, and its series goes without it.
-bool moveAlone(EntityTask &task, const EKEvent &occurrence)
+OptionalError moveAlone(EntityTask &task, const EKEvent &occurrence)
 {
     EKEvent alone = EKEvent::eventWithEventStore(EventStoreAccess::eventStore());
     EventWriter::syncTask(task, alone);
-    if (!saveEventOf(task, alone, Span::ThisTask))
-        return false;
+    if (auto error = saveEventOf(task, alone, Span::ThisTask))
+        return error;
     if (const auto error = EventStoreAccess::eventStore().removeEvent(occurrence, EKSpan::ThisEvent, true))
         Log::line(error->message);
-    return true;
+    return std::nullopt;
 }
 
-bool write(EntityTask &task, Draft &draft, Span span)
+OptionalError write(EntityTask &task, Draft &draft, Span span)
 {
     if (leavesCalendar(draft, task, span))
         return moveAlone(task, draft.event);
@@ -99,12 +108,17 @@ bool write(EntityTask &task, Draft &draft, Span span)
     return saveEventOf(task, draft.event, span);
 }
 
-void writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
+OptionalError writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
 {
-    Draft draft(task, eventOfSingle(task, formerDate));
+    const FoundEvent found = eventOfSingle(task, formerDate);
+    if (!found)
+        return found.error();
+    Draft draft(task, found.value());
     // An occurrence that was edited alone stands in its series still, which the next edit leaves alone too.
-    if (write(task, draft, draft.event.hasRecurrenceRules() ? Span::ThisTask : span))
-        EventWriter::setEventToDictionaryChangedEventsOfNow(draft.event);
+    if (auto error = write(task, draft, draft.event.hasRecurrenceRules() ? Span::ThisTask : span))
+        return error;
+    EventWriter::setEventToDictionaryChangedEventsOfNow(draft.event);
+    return std::nullopt;
 }
 
 /// The rows of a series from a date on, one excepted, which the store is about to give anew.
@@ -141,44 +155,90 @@ void takeSharedFields(const TaskPtr &task, const series::SharedFields &fields)
         mainContext().deleteObject(task);
 }
 
-void rebuildSeries(RecordsTransaction &transaction, const TaskPtr &task)
+void rebuildSeries(RecordsTransaction &transaction, const TaskPtr &task, std::shared_ptr<void> held)
 {
-    transaction.passFor(task,
-                        [task, fields = series::SharedFields(*task)] { takeSharedFields(task, fields); });
+    transaction.passFor(
+        task, [task, fields = series::SharedFields(*task)] { takeSharedFields(task, fields); },
+        std::move(held));
 }
 
-void writeOccurrence(RecordsTransaction &transaction, EntityTask &task, Span span, OptionalDate formerDate)
+OptionalError writeOccurrence(RecordsTransaction &transaction, EntityTask &task, Span span,
+                              OptionalDate formerDate)
 {
     const QString formerIdentifier = task.calendarID();
-    Draft draft(task, eventOfOccurrence(task, formerDate));
+    const FoundEvent found = eventOfOccurrence(task, formerDate);
+    if (!found)
+        return found.error();
+    Draft draft(task, found.value());
     if (span == Span::FutureTasks && draft.fields.rule)
         EventWriter::setRecurrenceRuleFromEvent(draft.event, task);
-    if (!write(task, draft, span) || span == Span::ThisTask)
-        return;
+    if (auto error = write(task, draft, span); error || span == Span::ThisTask)
+        return error;
     // Rows go only where the store can give them anew, and it can fall silent at any time.
-    const auto held = EventStoreAccess::eventStore().holdContents();
+    auto held = EventStoreAccess::eventStore().holdContents();
     if (!canReadEvents())
-        return;
+        return std::nullopt;
     deleteRowsFrom(formerDate, formerIdentifier, task);
-    rebuildSeries(transaction, shared(task));
+    rebuildSeries(transaction, shared(task), std::move(held));
+    return std::nullopt;
 }
 
-void copyToSeries(const EntityTask &task)
+/// The event of a day; of an identifier that stands once, that one.
+const EKEvent *eventOfDay(const std::vector<EKEvent> &events, OptionalDate day)
 {
-    const auto offsets = series::AlertOffsets::of(task);
-    for (const TaskPtr &row : series::otherRows(task))
-        series::copyEdit(task, *row, offsets);
+    if (events.size() == 1)
+        return &events.front();
+    const auto found = std::ranges::find_if(events, [&day](const EKEvent &event) {
+        return day && event.startDate && MTDates::isWithinSameDay(*event.startDate, *day);
+    });
+    return found == events.end() ? nullptr : &*found;
 }
 
 } // namespace
 
-void taskevent::write(EntityTask &row, const EventFields &fields)
+OptionalError taskevent::write(EntityTask &row, const EventFields &fields, Span span, OptionalDate day,
+                               const QString &identifier)
 {
-    auto event = eventOfSingle(row, dateOf(row));
-    if (!event)
-        return;
-    put(row, *event, fields);
-    saveEventOf(row, *event, event->hasRecurrenceRules() ? Span::ThisTask : Span::FutureTasks);
+    const QString formerIdentifier = row.calendarID();
+    const auto events = series::eventsOf(row, day);
+    if (!events)
+        return events.error();
+    const EKEvent *found = eventOfDay(events.value(), day);
+    if (!found && !formerIdentifier.isEmpty())
+        return std::nullopt;
+    EKEvent event = found ? *found : EKEvent::eventWithEventStore(EventStoreAccess::eventStore());
+    if (!found)
+        event.calendarItemExternalIdentifier = identifier;
+    const bool isOfSeries = span == Span::FutureTasks && !row.repeat().isEmpty();
+    if (isOfSeries && fields.rule)
+        EventWriter::setRecurrenceRuleFromEvent(event, row);
+    put(row, event, found ? fields : EventFields::all());
+    const bool isAlone = event.hasRecurrenceRules() && !isOfSeries;
+    if (auto error = saveEventOf(row, event, isAlone ? Span::ThisTask : Span::FutureTasks))
+        return error;
+    if (!isOfSeries || row.calendarID() == formerIdentifier)
+        return std::nullopt;
+    // The series was divided: the later rows belong to its later part.
+    for (const TaskPtr &other : mainContext().fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", formerIdentifier)))) {
+        if (other && series::isLater(*other, row))
+            other->setCalendarID(row.calendarID());
+    }
+    return std::nullopt;
+}
+
+OptionalError taskevent::remove(const QString &identifier, const QString &calendar, Span span,
+                                OptionalDate day)
+{
+    const auto events = EventReader::eventsOfRow(identifier, calendar, {day});
+    if (!events)
+        return events.error();
+    const EKEvent *event = eventOfDay(events.value(), day);
+    if (!event || !event->calendar || CalendarCatalogue::identifierOfCalendar(*event->calendar) != calendar)
+        return std::nullopt;
+    const bool isAlone = event->hasRecurrenceRules() && span == Span::ThisTask;
+    return EventStoreAccess::eventStore().removeEvent(
+        *event, isAlone ? EKSpan::ThisEvent : EKSpan::FutureEvents, true);
 }
 
 bool calendarstore::isOffline()
@@ -205,17 +265,17 @@ void EventWriter::initEventCalendarFromTask(RecordsTransaction &transaction, Ent
     }
     if (DBWorker::isSample())
         return;
-    if (calendarstore::isOffline()) {
-        if (!task.repeat().isEmpty())
-            copyToSeries(task);
-        return;
-    }
+    if (calendarstore::isOffline())
+        return offlinechanges::keepForLater(task, span, changeStartDue);
     if (task.status() == TaskStatus::Done || !task.dueDate())
         return;
-    if (wasRepeatRule || !task.repeat().isEmpty())
-        writeOccurrence(transaction, task, span, changeStartDue);
-    else
-        writeSingle(task, span, changeStartDue);
+    const bool isOfSeries = wasRepeatRule || !task.repeat().isEmpty();
+    const auto error = isOfSeries ? writeOccurrence(transaction, task, span, changeStartDue)
+                                  : writeSingle(task, span, changeStartDue);
+    if (error)
+        Log::line(error->message);
+    if (error && !CalendarError::isRefusal(error))
+        offlinechanges::keepForLater(task, span, changeStartDue);
 }
 
 void EventWriter::changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,

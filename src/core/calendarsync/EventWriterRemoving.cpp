@@ -1,9 +1,11 @@
 #include "calendarsync/EventReader.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/EventWriter.h"
+#include "calendarsync/OfflineChanges.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
+#include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
 #include "records/copies/MVTask.h"
 #include "records/dates/MTDates.h"
@@ -23,8 +25,17 @@ TaskPtr leftOf(const TaskPtr &task)
 
 void removeOffline(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
 {
-    if (!isDeleteTasks)
+    if (!isDeleteTasks && task->calendarID().isEmpty())
         return EventWriter::initEventCalendarFromTask(transaction, *task, span, std::nullopt, true);
+    if (!isDeleteTasks) {
+        // An occurrence that is ticked off alone leaves its series.
+        if (span == Span::ThisTask) {
+            task->setRepeat(QString());
+            task->setEndRepeat(std::nullopt);
+        }
+        return offlinechanges::keepForLater(*task, span);
+    }
+    offlinechanges::keepDeletionForLater(*task, span);
     if (span == Span::FutureTasks) {
         for (const TaskPtr &row : series::otherRows(*task)) {
             if (series::isLater(*row, *task))
@@ -34,12 +45,12 @@ void removeOffline(RecordsTransaction &transaction, const TaskPtr &task, Span sp
     mainContext().deleteObject(task);
 }
 
-bool removeFromStore(const EKEvent &event, EKSpan span)
+/// Whether the calendars cannot be asked or written now; other failures leave the event where it is.
+bool mustWait(const OptionalError &error)
 {
-    const auto error = EventStoreAccess::eventStore().removeEvent(event, span, true);
     if (error)
         Log::line(error->message);
-    return !error;
+    return error && !CalendarError::isRefusal(error);
 }
 
 /// A task that leaves the calendar gets a row of its own, so that no later pass pairs it with its old event.
@@ -53,18 +64,28 @@ TaskPtr replaceRow(const TaskPtr &task)
     return copy.task();
 }
 
-TaskPtr removeSingle(const TaskPtr &task, bool isDeleteTasks)
+OptionalError removeEventOfSingle(const EntityTask &task)
 {
-    const std::vector<EKEvent> events = series::eventsOf(*task);
-    std::optional<EKEvent> event;
-    if (events.size() == 1)
-        event = events.front();
-    else
-        event = EventReader::eventByStartDateOfTask(task->startDate() ? task->startDate() : task->dueDate(),
-                                                    events);
+    const auto found = series::eventsOf(task);
+    if (!found)
+        return found.error();
+    const std::vector<EKEvent> &events = found.value();
+    const auto event = events.size() == 1 ? std::optional(events.front())
+                                          : EventReader::eventByStartDateOfTask(
+                                                task.startDate() ? task.startDate() : task.dueDate(), events);
+    if (!event)
+        return std::nullopt;
     // An occurrence that was edited alone stands in its series still, of which the rest stays.
-    if (event)
-        removeFromStore(*event, event->hasRecurrenceRules() ? EKSpan::ThisEvent : EKSpan::FutureEvents);
+    return EventStoreAccess::eventStore().removeEvent(
+        *event, event->hasRecurrenceRules() ? EKSpan::ThisEvent : EKSpan::FutureEvents, true);
+}
+
+TaskPtr removeSingle(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
+{
+    if (mustWait(removeEventOfSingle(*task))) {
+        removeOffline(transaction, task, span, isDeleteTasks);
+        return leftOf(task);
+    }
     if (!isDeleteTasks)
         return replaceRow(task);
     mainContext().deleteObject(task);
@@ -101,14 +122,17 @@ struct OccurrenceDays
     }
 };
 
-std::vector<EKEvent> occurrencesOf(const EntityTask &task)
+Result<std::vector<EKEvent>> occurrencesOf(const EntityTask &task)
 {
-    const std::vector<EKEvent> known = series::eventsOf(task);
+    const auto known = series::eventsOf(task);
+    if (!known)
+        return known;
+    const auto &first = known.value().empty() ? std::nullopt : known.value().front().calendar;
     std::vector<EKEvent> dated;
-    for (const EKEvent &one : known) {
+    for (const EKEvent &one : known.value()) {
         // Another calendar can have a copy of the series.
-        const bool isOfFirst = one.calendar && known.front().calendar &&
-                               one.calendar->calendarIdentifier == known.front().calendar->calendarIdentifier;
+        const bool isOfFirst =
+            one.calendar && first && one.calendar->calendarIdentifier == first->calendarIdentifier;
         if (isOfFirst && one.startDate && one.endDate)
             dated.push_back(one);
     }
@@ -118,7 +142,10 @@ std::vector<EKEvent> occurrencesOf(const EntityTask &task)
 /// A series of which one event is left is none.
 void endSeriesOfOne(const EntityTask &task)
 {
-    std::vector<EKEvent> left = series::eventsOf(task);
+    auto found = series::eventsOf(task);
+    if (!found)
+        return Log::line(found.error().message);
+    std::vector<EKEvent> &left = found.value();
     // The window shows one of a yearly series too.
     if (left.size() != 1 || !left.front().hasRecurrenceRules() ||
         !EventStoreAccess::eventStore().isOnlyOccurrence(left.front()))
@@ -184,12 +211,19 @@ void removeOccurrences(RecordsTransaction &transaction, const TaskPtr &task, Spa
     const OccurrenceDays days(*task);
     const bool isFuture = span == Span::FutureTasks;
     OptionalDate endOfRule;
-    for (const EKEvent &event : occurrencesOf(*task)) {
+    const auto occurrences = occurrencesOf(*task);
+    if (!occurrences && mustWait(occurrences.error()))
+        return removeOffline(transaction, task, span, isDeleteTasks);
+    for (const EKEvent &event : occurrences ? occurrences.value() : std::vector<EKEvent>()) {
         if (!days.isOf(event) && !(isFuture && days.isBefore(event)))
             continue;
         if (event.hasRecurrenceRules() && event.recurrenceRules.front().recurrenceEnd())
             endOfRule = event.recurrenceRules.front().recurrenceEnd()->endDate();
-        if (removeFromStore(event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent))
+        const auto error = EventStoreAccess::eventStore().removeEvent(
+            event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent, true);
+        if (mustWait(error))
+            return removeOffline(transaction, task, span, isDeleteTasks);
+        if (!error)
             endSeriesOfOne(*task);
         break;
     }
@@ -219,7 +253,7 @@ TaskPtr EventWriter::removeEventCalendarFromTask(RecordsTransaction &transaction
     } else if (calendarstore::isOffline() || task->calendarID().isEmpty()) {
         removeOffline(transaction, task, span, isDeleteTasks);
     } else if (task->repeat().isEmpty()) {
-        return removeSingle(task, isDeleteTasks);
+        return removeSingle(transaction, task, span, isDeleteTasks);
     } else {
         removeOccurrences(transaction, task, span, isDeleteTasks);
     }

@@ -25,7 +25,10 @@ void pushNew(EntityTask &task)
 
 void pushLinked(EntityTask &task, bool needCreateNewEvents)
 {
-    const std::vector<EKEvent> events = EventReader::eventsWithExternalIdentifier(task.calendarID());
+    const auto found = EventReader::eventsWithExternalIdentifier(task.calendarID());
+    if (!found)
+        return Log::line(found.error().message);
+    const std::vector<EKEvent> &events = found.value();
     if (events.empty() && !needCreateNewEvents)
         return;
     EKEvent event =

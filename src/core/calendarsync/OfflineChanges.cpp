@@ -1,12 +1,15 @@
 #include "calendarsync/OfflineChanges.h"
 
 #include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventReader.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/EventWriter.h"
 #include "calendarsync/RecordsTransaction.h"
+#include "calendarsync/SeriesRows.h"
 #include "calendarsync/StoreReach.h"
 #include "calendarsync/TaskToEvent.h"
+#include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -18,12 +21,18 @@ namespace offlinechanges {
 
 namespace {
 
-/// A row that was deleted has no identity any more; its event is told by its calendar and its UID.
-constexpr const char *deletionMark = "deleted:";
+using calendarstore::state;
 
-bool isDeletion(const OutboxEntry &entry)
+OptionalDate dateOf(const EntityTask &task)
 {
-    return entry.before.value_or(entry.after.value_or(QByteArray())).startsWith(deletionMark);
+    return task.startDate() ? task.startDate() : task.dueDate();
+}
+
+/// Whether no event stands for such a row: it is done, or has no date to stand at.
+bool isOffCalendar(const EntityTask &row)
+{
+    return row.status() == TaskStatus::Done || !row.dueDate() ||
+           (!row.startDate() && row.type() != TaskType::EmailCall);
 }
 
 bool isOfUser(ChangeAuthor author)
@@ -31,51 +40,167 @@ bool isOfUser(ChangeAuthor author)
     return author == ChangeAuthor::User || author == ChangeAuthor::Undo || author == ChangeAuthor::Import;
 }
 
-/// A series is only edited where its calendar can be reached.
-TaskPtr singleWithEvent(const ObjectPtr &object)
+TaskPtr rowWithEvent(const ObjectPtr &object)
 {
     const auto task = std::dynamic_pointer_cast<EntityTask>(object);
-    return task && !task->calendarID().isEmpty() && task->repeat().isEmpty() ? task : nullptr;
+    return task && !task->calendarID().isEmpty() ? task : nullptr;
 }
 
 bool concernsEvent(const ManagedObject::ColumnSet &columns)
 {
     const EventFields fields = EventFields::ofColumns(columns);
     return fields.title || fields.place || fields.notes || fields.dates || fields.alarms || fields.calendar ||
-           columns.test(static_cast<size_t>(EntityTask::column<"status">()));
+           fields.rule || columns.test(static_cast<size_t>(EntityTask::column<"status">()));
 }
 
-QByteArray textOf(const ManagedObject::ColumnSet &columns)
+/// One side of an entry: where the event stands before or after the change, and what the change is about. The
+/// text of a deletion names the calendar of the row, which nobody else knows any more; that of an edit the
+/// event, from which a row that was ticked off is parted.
+struct Side
 {
-    return QByteArray::fromStdString(columns.to_string());
-}
+    bool isDeletion = false;
+    Span span = Span::ThisTask;
+    OptionalDate day;
+    ManagedObject::ColumnSet columns;
+    QString name;
 
-/// What is left to be done of one row.
+    static Side of(const QByteArray &text)
+    {
+        const auto part = [&text](int number) {
+            return QString::fromUtf8(text).section(u';', number, number);
+        };
+        Side side;
+        side.isDeletion = part(0) == QStringLiteral("deleted");
+        side.span = part(1) == QStringLiteral("future") ? Span::FutureTasks : Span::ThisTask;
+        if (!part(2).isEmpty())
+            side.day = Date::fromReferenceSeconds(part(2).toDouble());
+        side.columns = ManagedObject::ColumnSet(part(3).toStdString());
+        side.name = QString::fromUtf8(text).section(u';', 4);
+        return side;
+    }
+    QByteArray text() const
+    {
+        const QStringList parts = {isDeletion ? QStringLiteral("deleted") : QStringLiteral("edited"),
+                                   span == Span::FutureTasks ? QStringLiteral("future") : QString(),
+                                   day ? QString::number(day->referenceSeconds(), 'f', 3) : QString(),
+                                   QString::fromStdString(columns.to_string()), name};
+        return parts.join(u';').toUtf8();
+    }
+};
+
+/// What is left to be done of one row, or of one event whose row was deleted.
 struct Work
 {
     std::vector<qint64> sequences;
-    ManagedObject::ColumnSet columns;
+    Side side;
+    /// Of an event: whether its deletion was taken back.
+    bool isBack = false;
 };
 
-void writeRow(RecordsTransaction &transaction, const TaskPtr &row, const ManagedObject::ColumnSet &columns)
+struct AllWork
 {
-    const bool isOff = row->status() == TaskStatus::Done || !row->dueDate() ||
-                       (!row->startDate() && row->type() != TaskType::EmailCall);
-    if (isOff)
-        EventWriter::removeEventCalendarFromTask(transaction, row, Span::ThisTask, false);
-    else
-        taskevent::write(*row, EventFields::ofColumns(columns));
+    /// By the identifiers of the rows, and by those of the events with their day.
+    std::map<QString, Work> edits;
+    std::map<std::pair<QString, QByteArray>, Work> deletions;
+
+    explicit AllWork(ManagedObjectContext &context)
+    {
+        for (const OutboxEntry &entry : context.pendingOutbox()) {
+            if (isOne(entry))
+                take(entry);
+        }
+    }
+
+private:
+    void take(const OutboxEntry &entry)
+    {
+        const QByteArray text = entry.before.value_or(entry.after.value_or(QByteArray()));
+        const Side side = Side::of(text);
+        Work &work = side.isDeletion ? deletions[{entry.key, text}] : edits[entry.key];
+        // The event stands where it was before the first of several changes.
+        if (work.sequences.empty())
+            work.side = side;
+        work.sequences.push_back(entry.sequence);
+        work.side.columns |= side.columns;
+        if (side.span == Span::FutureTasks)
+            work.side.span = side.span;
+        work.isBack = !entry.after;
+    }
+};
+
+/// Makes of the event what the row is.
+OptionalError writeRow(EntityTask &row, const Side &side)
+{
+    if (!isOffCalendar(row))
+        return taskevent::write(row, EventFields::ofColumns(side.columns), side.span, side.day, side.name);
+    if (auto error = taskevent::remove(side.name, row.typeCalendarID(), side.span, side.day))
+        return error;
+    // No later pass pairs the row with its former event; opened again, it gets one.
+    row.setCalendarID(QString());
+    return std::nullopt;
 }
 
-void removeEvent(const QString &uid, const QString &calendar)
+/// The rows of an identifier without an event on their day, by date; an error if that cannot be told.
+Result<std::vector<TaskPtr>> rowsWithoutEvent(ManagedObjectContext &context, const QString &uid)
 {
-    for (const EKEvent &event : EventReader::eventsWithExternalIdentifier(uid)) {
-        if (!event.calendar || CalendarCatalogue::identifierOfCalendar(*event.calendar) != calendar ||
-            event.hasRecurrenceRules())
+    std::vector<TaskPtr> rows;
+    for (const TaskPtr &row : context.fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", uid)))) {
+        if (!row || isOffCalendar(*row))
             continue;
-        if (const auto error = EventStoreAccess::eventStore().removeEvent(event, EKSpan::FutureEvents, true))
-            Log::line(error->message);
+        const auto events = series::eventsOf(*row);
+        if (!events)
+            return events.error();
+        const bool isThere =
+            row->repeat().isEmpty()
+                ? !events.value().empty()
+                : EventReader::eventByStartDateOfTask(dateOf(*row), events.value()).has_value();
+        if (!isThere)
+            rows.push_back(row);
     }
+    std::ranges::sort(rows, {}, [](const TaskPtr &row) { return dateOf(*row); });
+    return rows;
+}
+
+/// Makes the events of rows anew that came back after their events were removed: all of a series in one.
+OptionalError restoreEvents(ManagedObjectContext &context, const QString &uid, const Side &side)
+{
+    auto found = rowsWithoutEvent(context, uid);
+    if (!found)
+        return found.error();
+    std::vector<TaskPtr> &rows = found.value();
+    const bool isOfSeries = side.span == Span::FutureTasks;
+    if (!isOfSeries)
+        std::erase_if(rows, [&side](const TaskPtr &row) { return dateOf(*row) != side.day; });
+    if (rows.empty())
+        return std::nullopt;
+    const TaskPtr &first = rows.front();
+    const QString rule = first->repeat();
+    const OptionalDate endOfRule = first->endRepeat();
+    if (!isOfSeries) {
+        // A series goes on without it.
+        first->setRepeat(QString());
+        first->setEndRepeat(std::nullopt);
+    }
+    first->setCalendarID(QString());
+    auto error = taskevent::write(*first, EventFields::all(), Span::FutureTasks, dateOf(*first),
+                                  rule.isEmpty() ? uid : QString());
+    if (error) {
+        first->setCalendarID(uid);
+        first->setRepeat(rule);
+        first->setEndRepeat(endOfRule);
+    }
+    for (const TaskPtr &row : rows)
+        row->setCalendarID(first->calendarID());
+    return error;
+}
+
+/// Whether it is done with: written, or refused for ever.
+bool isDone(const OptionalError &error)
+{
+    if (error)
+        Log::line(error->message);
+    return !error || CalendarError::isRefusal(error);
 }
 
 } // namespace
@@ -85,56 +210,112 @@ bool isOne(const OutboxEntry &entry)
     return entry.place.isEmpty();
 }
 
+void keepForLater(EntityTask &row, Span span, OptionalDate formerDay)
+{
+    if (DBWorker::isSample())
+        return;
+    if (!row.calendarID().isEmpty()) {
+        state().unwritten[row.identifier()] = {span, formerDay ? formerDay : dateOf(row)};
+        // Whether the calendars answer is asked anew.
+        state().calendars.reset();
+    } else if (!isOffCalendar(row)) {
+        row.setWasCreatedOffCalendar(true);
+    }
+    if (row.repeat().isEmpty())
+        return;
+    const auto offsets = series::AlertOffsets::of(row);
+    for (const TaskPtr &other : series::otherRows(row))
+        series::copyEdit(row, *other, offsets);
+}
+
+void keepDeletionForLater(const EntityTask &row, Span span)
+{
+    if (DBWorker::isSample() || row.calendarID().isEmpty())
+        return;
+    state().unwritten[row.identifier()] = {span, dateOf(row)};
+    state().calendars.reset();
+}
+
 void post(ManagedObjectContext &context, const StoreChanges &changes)
 {
-    if (!isOfUser(changes.author) || !calendarstore::isOffline())
+    if (!isOfUser(changes.author))
         return;
+    const auto &unwritten = state().unwritten;
+    const bool isOffline = calendarstore::isOffline();
+    if (!isOffline && unwritten.empty())
+        return;
+    const auto sideOf = [&](const EntityTask &row) -> std::optional<Side> {
+        const auto noted = unwritten.find(row.identifier());
+        const bool isNoted = noted != unwritten.end();
+        // Of a series only what a rule has kept for later is told; the others follow from it.
+        if (!isNoted && (!isOffline || !row.repeat().isEmpty()))
+            return std::nullopt;
+        Side side;
+        side.day = isNoted ? noted->second.day : dateOf(row);
+        side.span = isNoted && !row.repeat().isEmpty() ? noted->second.span : Span::ThisTask;
+        return side;
+    };
     for (const StoreChanges::Update &update : changes.updated) {
-        const TaskPtr task = singleWithEvent(update.object);
-        if (task && concernsEvent(update.columns))
-            context.post({0, 0, {}, task->identifier(), std::nullopt, textOf(update.columns)});
+        const TaskPtr row = rowWithEvent(update.object);
+        auto before = row && concernsEvent(update.columns) ? sideOf(*row) : std::nullopt;
+        if (!before)
+            continue;
+        before->columns = update.columns;
+        before->name = row->calendarID();
+        Side after = *before;
+        after.day = dateOf(*row);
+        context.post({0, 0, {}, row->identifier(), before->text(), after.text()});
     }
     for (const ObjectPtr &object : changes.deleted) {
-        if (const TaskPtr task = singleWithEvent(object))
-            context.post(
-                {0, 0, {}, task->calendarID(), std::nullopt, deletionMark + task->typeCalendarID().toUtf8()});
+        const TaskPtr row = rowWithEvent(object);
+        auto before = row ? sideOf(*row) : std::nullopt;
+        if (!before)
+            continue;
+        before->isDeletion = true;
+        before->name = row->typeCalendarID();
+        context.post({0, 0, {}, row->calendarID(), std::nullopt, before->text()});
     }
+}
+
+void committed()
+{
+    state().unwritten.clear();
 }
 
 void write(ManagedObjectContext &context)
 {
     if (calendarstore::isOffline())
         return;
-    std::map<QString, Work> rows;
-    /// By UID: the calendar, and what was taken back goes out again.
-    std::map<QString, QString> deletions;
-    std::vector<qint64> finished;
-    for (const OutboxEntry &entry : context.pendingOutbox()) {
-        if (!isOne(entry))
-            continue;
-        finished.push_back(entry.sequence);
-        if (!isDeletion(entry)) {
-            // An edit that was taken back is an edit, too.
-            const std::string columns = entry.after.value_or(entry.before.value_or("")).toStdString();
-            rows[entry.key].columns |= ManagedObject::ColumnSet(columns);
-        } else if (entry.after) {
-            deletions[entry.key] = QString::fromUtf8(entry.after->mid(qstrlen(deletionMark)));
-        } else {
-            deletions.erase(entry.key);
-        }
-    }
-    if (finished.empty())
+    const AllWork all(context);
+    if (all.edits.empty() && all.deletions.empty())
         return;
     RecordsTransaction transaction({}, ChangeAuthor::Pass);
-    for (const auto &[identifier, work] : rows) {
-        const TaskPtr row = singleWithEvent(context.object(EntityTask::entityName, identifier));
-        if (row)
-            writeRow(transaction, row, work.columns);
+    const auto finish = [&context](const Work &work, const OptionalError &error) {
+        if (isDone(error))
+            context.finishOutboxWithCommit(work.sequences);
+    };
+    for (const auto &[identifier, work] : all.edits) {
+        const auto row =
+            std::static_pointer_cast<EntityTask>(context.object(EntityTask::entityName, identifier));
+        finish(work, row ? writeRow(*row, work.side) : OptionalError());
     }
-    for (const auto &[uid, calendar] : deletions)
-        removeEvent(uid, calendar);
-    context.finishOutboxWithCommit(finished);
+    for (const auto &[event, work] : all.deletions) {
+        const Side &side = work.side;
+        finish(work, work.isBack ? restoreEvents(context, event.first, side)
+                                 : taskevent::remove(event.first, side.name, side.span, side.day));
+    }
     DBWorker::tellOfFailure(transaction.commit());
+}
+
+QSet<QString> waitingItems(ManagedObjectContext &context)
+{
+    QSet<QString> identifiers;
+    const AllWork all(context);
+    for (const auto &[row, work] : all.edits)
+        identifiers.insert(work.side.name);
+    for (const auto &[event, work] : all.deletions)
+        identifiers.insert(event.first);
+    return identifiers;
 }
 
 void writeNewTasks()
@@ -147,8 +328,7 @@ void writeNewTasks()
          mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(Predicate::format(
              "wasCreatedOffCalendar == true and calendarID == nil and dueDate != nil and status != %d",
              TaskStatus::Done)))) {
-        const bool isDated = row && (row->startDate() || row->type() == TaskType::EmailCall);
-        if (!isDated)
+        if (!row || isOffCalendar(*row))
             continue;
         if (row->typeCalendarID().isEmpty() && usual && usual->allowsContentModifications)
             row->setTypeCalendarID(CalendarCatalogue::identifierOfCalendar(*usual));
@@ -156,8 +336,6 @@ void writeNewTasks()
         if (!calendar || !calendar->allowsContentModifications)
             continue;
         EventWriter::initEventCalendarFromTask(transaction, *row, Span::FutureTasks, std::nullopt, false);
-        if (!row->calendarID().isEmpty())
-            row->setWasCreatedOffCalendar(false);
     }
     DBWorker::tellOfFailure(transaction.commit());
 }

@@ -133,6 +133,15 @@ void PassRows::claim(const TaskPtr &row)
     claimed.insert(row.get());
 }
 
+void PassRows::claimItems(const QSet<QString> &identifiers)
+{
+    for (const QString &identifier : identifiers) {
+        const auto found = byItem.find(identifier);
+        for (const TaskPtr &row : found == byItem.end() ? Rows() : found->second)
+            claim(row);
+    }
+}
+
 bool PassRows::isFree(const TaskPtr &row) const
 {
     return isLive(row) && !claimed.contains(row.get());

@@ -3,6 +3,7 @@
 #include "eventkit/EKEvent.h"
 #include "store/entities/Entities.h"
 
+#include <QSet>
 #include <QString>
 
 #include <unordered_map>
@@ -27,6 +28,8 @@ public:
     TaskPtr firstOf(const EKEvent &event) const;
     /// A row is the event's: in this pass it is no other's.
     void claim(const TaskPtr &row);
+    /// The same of all rows that name one of these items.
+    void claimItems(const QSet<QString> &identifiers);
     /// The first visible open row of a title by start; null if there is none.
     TaskPtr firstOfTitle(const QString &title) const;
     /// A row that is new, or has another title or identifier now.

@@ -8,9 +8,10 @@ RecordsTransaction::RecordsTransaction(QString name, ChangeAuthor author)
     : Transaction(mainContext(), author, std::move(name))
 {}
 
-void RecordsTransaction::passFor(const TaskPtr &task, std::function<void()> afterwards)
+void RecordsTransaction::passFor(const TaskPtr &task, std::function<void()> afterwards,
+                                 std::shared_ptr<void> held)
 {
-    waiting.push_back({task, std::move(afterwards)});
+    waiting.push_back({task, std::move(afterwards), std::move(held)});
 }
 
 void RecordsTransaction::settle()

@@ -5,6 +5,7 @@
 #include "store/entities/Entities.h"
 
 #include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -21,7 +22,10 @@ public:
 
     /// Wants a pass that takes away no other row than that of the task, and after it what follows from it,
     /// unless the task has gone.
-    void passFor(const TaskPtr &task, std::function<void()> afterwards = {});
+    /// \param held what the calendars held when the pass was asked for, so that it does not fail for a
+    /// calendar that falls silent until then.
+    void passFor(const TaskPtr &task, std::function<void()> afterwards = {},
+                 std::shared_ptr<void> held = nullptr);
     /// Runs the pass, if one is wanted.
     void settle();
     /// Settles, and commits.
@@ -37,6 +41,7 @@ private:
     {
         TaskPtr task;
         std::function<void()> afterwards;
+        std::shared_ptr<void> held;
     };
     std::vector<Waiting> waiting;
     std::vector<std::pair<AlertQuestion, int>> answers;

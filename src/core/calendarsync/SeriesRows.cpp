@@ -1,6 +1,5 @@
 #include "calendarsync/SeriesRows.h"
 
-#include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/EventReader.h"
 #include "records/copies/TaskColumns.h"
 #include "records/dates/MTDates.h"
@@ -147,20 +146,12 @@ std::vector<TaskPtr> otherRows(const EntityTask &task)
     return rows;
 }
 
-std::vector<EKEvent> eventsOf(const EntityTask &task, OptionalDate formerDate)
+Result<std::vector<EKEvent>> eventsOf(const EntityTask &task, OptionalDate formerDate)
 {
     if (task.calendarID().isEmpty())
-        return {};
+        return std::vector<EKEvent>();
     const OptionalDate date = task.startDate() ? task.startDate() : task.dueDate();
-    std::vector<EKEvent> events =
-        EventReader::eventsWithExternalIdentifier(task.calendarID(), {date, formerDate});
-    const auto isElsewhere = [&task](const EKEvent &event) {
-        return !event.calendar ||
-               CalendarCatalogue::identifierOfCalendar(*event.calendar) != task.typeCalendarID();
-    };
-    if (!std::all_of(events.begin(), events.end(), isElsewhere))
-        std::erase_if(events, isElsewhere);
-    return events;
+    return EventReader::eventsOfRow(task.calendarID(), task.typeCalendarID(), {date, formerDate});
 }
 
 bool isLater(const EntityTask &row, const EntityTask &task)

@@ -22,8 +22,8 @@ std::vector<TaskPtr> otherRows(const EntityTask &task);
 
 /// The events of a row's identifier: inside the window, and wherever they are on the days of the row and on
 /// the day that it had before an edit. Where several calendars have it, those of the row's own calendar,
-/// unless it has none there.
-std::vector<EKEvent> eventsOf(const EntityTask &task, OptionalDate formerDate = {});
+/// unless it has none there. An error, and not none, if they cannot be read.
+Result<std::vector<EKEvent>> eventsOf(const EntityTask &task, OptionalDate formerDate = {});
 
 /// Whether a row of the same series lies after another.
 bool isLater(const EntityTask &row, const EntityTask &task);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "eventkit/EKEvent.h"
+#include "foundation/Error.h"
 #include "store/entities/Entities.h"
+#include "store/entities/TaskValues.h"
 
 /// What of a task its event is to take over. Only what the user has changed goes out: somebody else may have
 /// changed the rest of the event since the row was last brought up to date.
@@ -28,8 +30,13 @@ namespace taskevent {
 /// more than a row can show, such as the hours of an event over midnight or the sound of an alarm.
 void put(const EntityTask &task, EKEvent &event, const EventFields &fields);
 
-/// Writes some fields of a row to its event, without which nothing happens; the row takes what the event has
-/// of the others.
-void write(EntityTask &row, const EventFields &fields);
+/// Writes some fields of a row to its event, which stands on a day; the row takes what the event has of the
+/// others. A row that names no event gets one with all fields, under the identifier given. A row whose event
+/// has gone is left to the next pass. An error if that cannot be told, or the event cannot be written.
+OptionalError write(EntityTask &row, const EventFields &fields, Span span, OptionalDate day,
+                    const QString &identifier);
+/// Removes the event of an identifier from the calendar that a row named, if it stands there; of a series the
+/// one of that day, and with the span those after it.
+OptionalError remove(const QString &identifier, const QString &calendar, Span span, OptionalDate day);
 
 } // namespace taskevent

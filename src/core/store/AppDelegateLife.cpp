@@ -39,6 +39,7 @@ const QString &yesOrNo(bool isYes)
 
 void AppDelegate::applicationWillFinishLaunching()
 {
+    FileManager::keepFromOthers();
     UserDefaults &defaults = UserDefaults::standard();
     defaults.setObject(settings::calendarState, 0);
     defaults.setObject(settings::selectSortCategoryIndex, -1);

@@ -29,4 +29,7 @@ public:
     {
         return error && error->domain == QStringLiteral("calendar") && error->code == code;
     }
+    /// Whether it will be the same at each attempt. Everything else may pass: a calendar that has gone comes
+    /// back when its disk or its account does.
+    static bool isRefusal(const OptionalError &error) { return is(error, ReadOnly) || is(error, Invalid); }
 };

@@ -49,7 +49,7 @@ struct EKEvent
     // What the store says, and does not write.
 
     /// Shared by all occurrences of a series, and the same on all devices (UID, RFC 5545, section 3.8.4.7).
-    /// Empty until the event is saved.
+    /// Of a new event empty, unless it is to come back under the one that it had.
     QString calendarItemExternalIdentifier;
     /// The same, with an addition that tells an edited occurrence from the others of its series.
     QString eventIdentifier;

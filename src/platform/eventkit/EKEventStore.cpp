@@ -145,10 +145,10 @@ static std::vector<ItemOccurrence> representativesOf(const CalendarItem &item)
     return found;
 }
 
-Result<std::vector<EKEvent>>
-EKEventStore::calendarItemsWithExternalIdentifier(const QString &externalIdentifier) const
+Result<std::vector<EKEvent>> EKEventStore::calendarItemsWithExternalIdentifier(
+    const QString &externalIdentifier, const std::optional<std::vector<EKCalendar>> &amongCalendars) const
 {
-    const auto calendars = calendarsForEntityType(EKEntityType::Event);
+    const auto calendars = amongCalendars ? *amongCalendars : calendarsForEntityType(EKEntityType::Event);
     if (!calendars)
         return calendars.error();
     std::vector<EKEvent> events;

@@ -88,8 +88,11 @@ public:
                                     const std::optional<std::vector<EKCalendar>> &calendars = {}) const;
     /// The events that overlap the window, series expanded, by calendar and start.
     Result<std::vector<EKEvent>> eventsMatchingPredicate(const EKEventPredicate &predicate) const;
-    /// Events by their UID in all calendars: of a series the first occurrence and those edited on their own.
-    Result<std::vector<EKEvent>> calendarItemsWithExternalIdentifier(const QString &externalIdentifier) const;
+    /// Events by their UID: of a series the first occurrence and those edited on their own. Without
+    /// calendars: in all of them.
+    Result<std::vector<EKEvent>> calendarItemsWithExternalIdentifier(
+        const QString &externalIdentifier,
+        const std::optional<std::vector<EKCalendar>> &amongCalendars = {}) const;
     /// The first of these; absent if there is none.
     Result<std::optional<EKEvent>> eventWithIdentifier(const QString &identifier) const;
     /// Whether an item that is not found may be in an object that cannot be read or used, and is not gone.
@@ -97,10 +100,12 @@ public:
     /// Whether a saved event has no other occurrence, however far away. Of the event as it was read.
     static bool isOnlyOccurrence(const EKEvent &event);
 
-    /// Saves a new or changed event, which then is as the store has it. Of a series with the span ThisEvent
-    /// only that occurrence, which is detached from the rule; recurrence rules are then not looked at. With
-    /// FutureEvents this and all later ones: the series is divided, with a new UID for its later part, or
-    /// changed as a whole if there are no earlier occurrences. Another calendar moves the whole series there.
+    /// Saves a new or changed event, which then is as the store has it. A new one that names an external
+    /// identifier is made under that; the caller knows that there is none. Of a series with the span
+    /// ThisEvent only that occurrence, which is detached from the rule; recurrence rules are then not looked
+    /// at. With FutureEvents this and all later ones: the series is divided, with a new UID for its later
+    /// part, or changed as a whole if there are no earlier occurrences. Another calendar moves the whole
+    /// series there.
     OptionalError saveEvent(EKEvent &event, EKSpan span, bool commit);
     OptionalError removeEvent(const EKEvent &event, EKSpan span, bool commit);
 

@@ -187,7 +187,8 @@ OptionalError EKEventStore::saveEvent(EKEvent &event, EKSpan span, bool commit)
     }
     event.calendar = calendar.value();
     SavedAs saved;
-    saved.newUid = newUid();
+    const bool isNamed = !event.origin && !event.calendarItemExternalIdentifier.isEmpty();
+    saved.newUid = isNamed ? event.calendarItemExternalIdentifier : newUid();
     const Edit edit = [&]() -> OptionalError {
         if (event.origin)
             return stageChangedEvent(event, span, saved);

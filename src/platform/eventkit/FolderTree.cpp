@@ -4,6 +4,7 @@
 #include "eventkit/ColorText.h"
 #include "eventkit/FileStamp.h"
 #include "foundation/AtomicFile.h"
+#include "foundation/PrivateFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -185,7 +186,7 @@ Result<EKCalendar> FolderTree::create(const EKCalendar &calendar) const
     if (QFileInfo::exists(sourcePath + u'/' + folder))
         folder = QUuid::createUuid().toString(QUuid::WithoutBraces);
     const QString path = sourcePath + u'/' + folder;
-    if (!QDir().mkpath(path))
+    if (!PrivateFiles::makeFolder(path))
         return storageError(path, QStringLiteral("the folder cannot be made"));
     if (auto error = writeProperties(path, calendar))
         return *error;

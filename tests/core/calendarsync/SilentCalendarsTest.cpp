@@ -1,0 +1,267 @@
+// Calendars that do not answer, or not at once: what the user does meanwhile is neither lost nor there twice.
+
+#include "CalendarTest.h"
+
+#include "calendarsync/CalendarOutbox.h"
+
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+
+namespace {
+
+using testing::SizeIs;
+
+/// A program in front whose calendars fall silent without a word.
+class SilentCalendars : public CalendarTest
+{
+protected:
+    SilentCalendars()
+    {
+        UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 2);
+        backend = connectMoodyStore();
+    }
+
+    static MVTask draft(const QString &title, int day = 24, const QString &calendar = u"Home"_qs)
+    {
+        MVTask task;
+        task.title = title;
+        task.type = TaskType::Appointment;
+        task.status = TaskStatus::Open;
+        task.startDate = localDate(2026, 11, day, 9);
+        task.dueDate = localDate(2026, 11, day, 10);
+        task.typeCalendarID = calendar;
+        return task;
+    }
+    static TaskPtr make(MVTask task)
+    {
+        EXPECT_TRUE(TaskManager::saveTaskTemp(task, true));
+        return task.task();
+    }
+    static void edit(const TaskPtr &row, const std::function<void(MVTask &)> &change)
+    {
+        MVTask copy(row);
+        change(copy);
+        EXPECT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    }
+    static void rename(const TaskPtr &row, const QString &title)
+    {
+        edit(row, [&title](MVTask &task) { task.title = title; });
+    }
+    static void tickOff(const TaskPtr &row) { MVTask(row).changeStatusType(TaskStatus::Done, true); }
+    static void deleteRow(const TaskPtr &row)
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        TaskManager::deleteTasks({row}, {});
+    }
+    void activate() { delegate->applicationDidBecomeActive(); }
+    /// The other turns of the main loop.
+    static void goOn()
+    {
+        for (int turn = 0; turn < 5; ++turn)
+            QCoreApplication::processEvents();
+    }
+    void undo()
+    {
+        ASSERT_FALSE(context().undo());
+        goOn();
+    }
+    void redo()
+    {
+        ASSERT_FALSE(context().redo());
+        goOn();
+    }
+    void restart()
+    {
+        quit();
+        CalendarEvent::resetEventStore();
+        launch();
+    }
+    static TaskPtr rowOf(const QString &title)
+    {
+        for (const TaskPtr &row : rows()) {
+            if (row->title() == title)
+                return row;
+        }
+        return nullptr;
+    }
+    /// The titles and first days of the events, as another program finds them: "24 Title".
+    QStringList events() const
+    {
+        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
+        const DateInterval seen = CalendarEvent::window();
+        QStringList lines;
+        const auto found = elsewhere.eventsMatchingPredicate(
+            elsewhere.predicateForEventsWithStartDate(seen.start, seen.end));
+        for (const EKEvent &event : found.value())
+            lines.append(wallClock(*event.startDate).mid(8, 2) + u' ' + event.title);
+        lines.sort();
+        return lines;
+    }
+    /// The same of the rows, of which those that are done come with a mark.
+    static QStringList tasks()
+    {
+        QStringList lines;
+        for (const TaskPtr &row : rows())
+            lines.append(wallClock(*row->dueDate()).mid(8, 2) + u' ' + row->title() +
+                         (row->status() == TaskStatus::Done ? u" (done)"_qs : QString()));
+        lines.sort();
+        return lines;
+    }
+    QString pathOf(const QString &title, const QString &calendar = u"Home"_qs) const
+    {
+        const auto texts = files(calendar);
+        for (auto file = texts.begin(); file != texts.end(); ++file) {
+            if (file.value().contains(u"SUMMARY:"_qs + title + u'\r'))
+                return folderOf(calendar) + u'/' + file.key();
+        }
+        return {};
+    }
+    static void put(const QString &path, const QByteArray &text)
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+    static QByteArray read(const QString &path)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+        return file.readAll();
+    }
+    /// All is written, and stays as it is.
+    void expectArrived(const QStringList &wantedTasks, const QStringList &wantedEvents)
+    {
+        EXPECT_EQ(tasks(), wantedTasks);
+        EXPECT_EQ(events(), wantedEvents);
+        EXPECT_TRUE(context().pendingOutbox().empty());
+        expectSettled();
+    }
+
+    std::shared_ptr<MoodyBackend> backend;
+};
+
+TEST_F(SilentCalendars, AnEventThatCannotBeReadIsNotTakenForNone)
+{
+    for (const QByteArray &damage : {QByteArray("BEGIN:VCAL"), QByteArray()}) {
+        for (const QString &title : {u"Edited"_qs, u"Finished"_qs, u"Deleted"_qs})
+            make(draft(title));
+        activate();
+        std::map<QString, QByteArray> whole;
+        for (const QString &title : {u"Edited"_qs, u"Finished"_qs, u"Deleted"_qs})
+            whole[pathOf(title)] = read(pathOf(title));
+        for (const auto &[path, text] : whole)
+            put(path, damage);
+        // A program that starts now never saw what was in them.
+        restart();
+        rename(rowOf(u"Edited"_qs), u"Anew"_qs);
+        tickOff(rowOf(u"Finished"_qs));
+        deleteRow(rowOf(u"Deleted"_qs));
+        activate();
+        EXPECT_EQ(tasks(), QStringList({u"24 Anew"_qs, u"24 Finished (done)"_qs}));
+        EXPECT_EQ(files(u"Home"_qs).size(), 3) << "no event was made beside those that are damaged";
+        for (const auto &[path, text] : whole)
+            put(path, text);
+        activate();
+        expectArrived({u"24 Anew"_qs, u"24 Finished (done)"_qs}, {u"24 Anew"_qs});
+        for (const TaskPtr &row : rows())
+            deleteRow(row);
+        ASSERT_EQ(events(), QStringList());
+    }
+}
+
+TEST_F(SilentCalendars, OneThatIsSilentAloneHoldsBackOnlyItsOwn)
+{
+    make(draft(u"Here"_qs, 24, u"Home"_qs));
+    make(draft(u"There"_qs, 25, u"Work"_qs));
+    activate();
+    backend->silentTitles = {u"Work"_qs};
+    rename(rowOf(u"Here"_qs), u"Here now"_qs);
+    rename(rowOf(u"There"_qs), u"There now"_qs);
+    EXPECT_EQ(events(), QStringList({u"24 Here now"_qs, u"25 There"_qs}));
+    activate();
+    EXPECT_EQ(tasks(), QStringList({u"24 Here now"_qs, u"25 There now"_qs}));
+    backend->silentTitles.clear();
+    activate();
+    expectArrived({u"24 Here now"_qs, u"25 There now"_qs}, {u"24 Here now"_qs, u"25 There now"_qs});
+}
+
+TEST_F(SilentCalendars, WhatIsDoneAfterTheyFellSilentReachesThem)
+{
+    // Before the command, before or after what it reads, or for good with the answer which calendars there
+    // are.
+    for (int answers = 0; answers < 8; ++answers) {
+        SCOPED_TRACE(answers);
+        for (const QString &title : {u"Edited"_qs, u"Finished"_qs, u"Deleted"_qs})
+            make(draft(title));
+        activate();
+        const auto silently = [&](const std::function<void()> &command) {
+            backend->answersLeft = answers;
+            command();
+            backend->answersLeft = 1000000;
+        };
+        backend->refusesCalendars = answers == 0;
+        silently([] { rename(rowOf(u"Edited"_qs), u"Anew"_qs); });
+        silently([] { tickOff(rowOf(u"Finished"_qs)); });
+        silently([] { deleteRow(rowOf(u"Deleted"_qs)); });
+        silently([] { make(draft(u"New"_qs, 26)); });
+        EXPECT_EQ(tasks(), QStringList({u"24 Anew"_qs, u"24 Finished (done)"_qs, u"26 New"_qs}));
+        backend->refusesCalendars = false;
+        activate();
+        expectArrived({u"24 Anew"_qs, u"24 Finished (done)"_qs, u"26 New"_qs}, {u"24 Anew"_qs, u"26 New"_qs});
+        for (const TaskPtr &row : rows())
+            deleteRow(row);
+        ASSERT_EQ(events(), QStringList());
+    }
+}
+
+TEST_F(SilentCalendars, APassBeforeTheyAreWrittenLeavesThem)
+{
+    make(draft(u"Edited"_qs));
+    make(draft(u"Deleted"_qs));
+    activate();
+    backend->setSilent(true);
+    rename(rowOf(u"Edited"_qs), u"Anew"_qs);
+    deleteRow(rowOf(u"Deleted"_qs));
+    backend->setSilent(false);
+    pass();
+    EXPECT_EQ(tasks(), QStringList(u"24 Anew"_qs));
+    EXPECT_EQ(events(), QStringList({u"24 Deleted"_qs, u"24 Edited"_qs}));
+    activate();
+    expectArrived({u"24 Anew"_qs}, {u"24 Anew"_qs});
+}
+
+TEST_F(SilentCalendars, ANewTaskWithoutAChosenCalendarGetsItsEventOnceOneIs)
+{
+    choose({});
+    MVTask task = draft(u"New"_qs);
+    task.typeCalendarID = QString();
+    make(task);
+    activate();
+    EXPECT_EQ(events(), QStringList());
+    choose({u"Home"_qs, u"Work"_qs});
+    activate();
+    expectArrived({u"24 New"_qs}, {u"24 New"_qs});
+}
+
+TEST_F(SilentCalendars, AChangeThatStillFailsIsKept)
+{
+    make(draft(u"Edited"_qs, 24, u"Home"_qs));
+    make(draft(u"Deleted"_qs, 24, u"Work"_qs));
+    activate();
+    backend->setSilent(true);
+    rename(rowOf(u"Edited"_qs), u"Anew"_qs);
+    deleteRow(rowOf(u"Deleted"_qs));
+    // They tell which calendars there are, but not what is in them.
+    backend->refusesCalendars = false;
+    activate();
+    EXPECT_THAT(context().pendingOutbox(), SizeIs(2));
+    restart();
+    activate();
+    EXPECT_THAT(context().pendingOutbox(), SizeIs(2));
+    backend->setSilent(false);
+    activate();
+    expectArrived({u"24 Anew"_qs}, {u"24 Anew"_qs});
+}
+
+} // namespace
