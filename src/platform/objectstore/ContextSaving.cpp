@@ -75,8 +75,10 @@ OptionalError ManagedObjectContext::begin()
         return error;
     }
     takeInChangesFromElsewhere();
-    if (canBeUndone(author()))
+    if (canBeUndone(author())) {
         journal->startCapture();
+        journal->setCapturing(!isJournalPaused);
+    }
     return std::nullopt;
 }
 
@@ -140,6 +142,33 @@ void ManagedObjectContext::rollBack()
         object->isWaitingForWrite = true;
         waiting.push_back(object);
     }
+}
+
+void ManagedObjectContext::afterTransaction(std::function<void()> block)
+{
+    if (!openTransaction)
+        return block();
+    afterTransactions.push_back(std::move(block));
+}
+
+void ManagedObjectContext::transactionEnded()
+{
+    if (afterTransactions.empty())
+        return;
+    MainLoop::performDelayed(Seconds(0), [living = std::weak_ptr(self)] {
+        // A block may open a transaction, or end the context.
+        const auto context = [&living] {
+            const auto alive = living.lock();
+            return alive ? *alive : nullptr;
+        };
+        if (!context())
+            return;
+        for (auto &block : std::exchange(context()->afterTransactions, {})) {
+            if (!context())
+                return;
+            context()->afterTransaction(std::move(block));
+        }
+    });
 }
 
 OptionalError ManagedObjectContext::save()
@@ -486,7 +515,7 @@ void ManagedObjectContext::takeInChangesFromElsewhere()
 
 bool ManagedObjectContext::takeInRowsFromElsewhere(int limit)
 {
-    const bool isFree = !openTransaction && !isInTransaction && !isWriting && !hasChanges();
+    const bool isFree = !openTransaction && !isInTransaction && !isWriting && !hasWork();
     if (!isFree || !rowsfromelsewhere::isAnyThere(*database))
         return false;
     const Transaction taking(*this, ChangeAuthor::Replication);

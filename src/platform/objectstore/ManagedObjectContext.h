@@ -148,6 +148,9 @@ public:
     ChangeAuthor author() const { return openTransaction ? openTransaction->author() : ChangeAuthor::User; }
     /// The transaction that is open, or null.
     Transaction *transaction() const { return openTransaction; }
+    /// Runs a block when no transaction is open: at once if there is none, else when the main loop comes
+    /// round after its end. For what would meddle with a command that asks the user something.
+    void afterTransaction(std::function<void()> block);
     /// Looks whether another process has written to the store. This is told when the main loop comes round;
     /// a query or a save that finds it has the same effect.
     void lookForChangesFromElsewhere();
@@ -185,6 +188,7 @@ public:
 private:
     friend class ManagedObject;
     friend class Transaction;
+    friend class JournalPause;
     friend class ObjectListBase;
     friend class ChangeWriter;
     friend class ChangeJournal;
@@ -235,6 +239,7 @@ private:
     void noteTargetsAsTouched(const ManagedObject &object);
     /// Whether a save has something to do.
     bool hasWork() const;
+    void transactionEnded();
     OptionalError begin();
     OptionalError write();
     OptionalError commit();
@@ -309,6 +314,8 @@ private:
     std::unique_ptr<ChangeJournal> journal;
     CommitEffects *effects = nullptr;
     Transaction *openTransaction = nullptr;
+    std::vector<std::function<void()>> afterTransactions;
+    bool isJournalPaused = false;
     std::vector<OutboxEntry> posted;
     /// Entries of the outbox that the next commit finishes.
     std::vector<qint64> finishing;

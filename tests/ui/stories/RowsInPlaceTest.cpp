@@ -4,8 +4,10 @@
 #include "records/Categories.h"
 #include "shell/tasks/TaskListModel.h"
 #include "store/state/NotificationNames.h"
+#include "support/OtherProgram.h"
 #include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
+#include "usernotifications/UserNotificationCenter.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -411,6 +413,28 @@ TEST_F(RowsInPlaceTest, OnAnotherDayTheWholeListIsAnother)
     add(u"elsewhere"_s);
     QCoreApplication::processEvents();
     EXPECT_EQ(shownTitles(), (QStringList{u"today"_s, u"tomorrow"_s}));
+}
+
+TEST_F(RowsInPlaceTest, WhatAnotherProgramWritesToTheStoreIsSeenWithoutATouch)
+{
+    const FrozenClock evening(localDate(2026, 11, 21, 20));
+    fillInbox(3);
+    clickRow(1);
+    writeElsewhere(context().path(),
+                   "INSERT INTO EntityTask (id, title, type, status, dueSomeDay, position) VALUES ('x', "
+                   "'from elsewhere', "
+                   "0, 0, 0, -1); UPDATE EntityTask SET title = 'renamed' WHERE title = 'Task 002';"
+                   "UPDATE EntityTask SET alert = 900000000 WHERE id = 'x'");
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return shownTitles() ==
+               QStringList({u"from elsewhere"_s, u"Task 000"_s, u"Task 001"_s, u"renamed"_s});
+    }));
+    EXPECT_EQ(selectedTitles(), QStringList{u"Task 001"_s});
+    const auto &alerts = UserNotificationCenter::defaultUserNotificationCenter().scheduledNotifications();
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].subtitle, u"from elsewhere"_s);
+    writeElsewhere(context().path(), "DELETE FROM EntityTask WHERE title <> 'renamed'");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles() == QStringList{u"renamed"_s}; }));
 }
 
 TEST_F(RowsInPlaceTest, EventsThatArriveAreShownAndCountedOnceTheProgramIsEntered)
