@@ -1,4 +1,5 @@
 #include "CalendarBackends.h"
+#include "CommandLine.h"
 #include "shell/ApplicationLife.h"
 #include "shell/Shell.h"
 #include "shell/SingleInstance.h"
@@ -6,21 +7,13 @@
 
 #include <QApplication>
 
-#include <cstdio>
-#include <cstring>
-
-static bool isVersionAsked(int argc, char *argv[])
-{
-    return argc == 2 && std::strcmp(argv[1], "--version") == 0;
-}
-
 int main(int argc, char *argv[])
 {
-    if (isVersionAsked(argc, argv)) {
-        std::printf("Morvane %s\n", qPrintable(AppDelegate::version()));
-        return 0;
-    }
+    if (const auto code = CommandLine::answer(argc, argv))
+        return *code;
     QApplication application(argc, argv);
+    if (const auto code = CommandLine::refuse(QApplication::arguments()))
+        return *code;
     SingleInstance instance;
     if (!instance.isFirst())
         return instance.activateOther() ? 0 : 1;

@@ -164,6 +164,8 @@ void CalendarCatalogue::handleChangedCalendars()
     const QVariantMap formerTitles = defaults.object(settings::dictionaryCalendarsData).toMap();
     if (reached.value().empty() && !formerTitles.isEmpty())
         return Log::line(QStringLiteral("All calendars are gone; their tasks are kept."));
+    // What other programs did is no step of the user.
+    Transaction following(mainContext(), ChangeAuthor::Program);
     keepTitlesApart();
     const std::vector<EKCalendar> calendars = getAllCalendars();
     const Followed followed = followCalendars(calendars, formerTitles);
@@ -173,5 +175,6 @@ void CalendarCatalogue::handleChangedCalendars()
     defaults.setObject(settings::dictionaryCalendarsData, titles);
     if (followed.isChanged)
         rebuildChosen(calendars, formerTitles, followed.missed);
+    DBWorker::tellOfFailure(following.commit());
     defaults.synchronize();
 }

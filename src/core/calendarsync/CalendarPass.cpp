@@ -133,7 +133,7 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
     if (!row.repeat().isEmpty())
         return false;
     const auto items = EventStoreAccess::eventStore().calendarItemsWithExternalIdentifier(row.calendarID());
-    // What cannot be asked for may be there.
+    // While the calendar does not answer, its event counts as there.
     if (!items)
         return true;
     return std::any_of(items.value().begin(), items.value().end(), [&window](const EKEvent &item) {
@@ -161,8 +161,40 @@ rowfate::Decision fateOf(const TaskPtr &row, const std::unordered_set<TaskPtr> &
     return rowfate::decide(facts);
 }
 
-void runPass(const std::unordered_set<TaskPtr> &onlyTasks)
+/// Within a command, parts what follows from the command in the rows from what other programs did meanwhile:
+/// only the former is a part of the user's step. The command's are the objects whose events it has changed.
+class Authorship
 {
+public:
+    explicit Authorship(bool isWithinCommand)
+        : isParting(isWithinCommand)
+    {
+        if (!isParting)
+            return;
+        for (const ItemChange &change : EventStoreAccess::eventStore().stagedChanges())
+            ownUids.insert(change.uid);
+    }
+    /// From here on rows of that object change.
+    void turnTo(const QString &uid)
+    {
+        const bool isOfOthers = isParting && !ownUids.contains(uid);
+        if (isOfOthers == ofOthers.has_value())
+            return;
+        if (isOfOthers)
+            ofOthers.emplace(mainContext());
+        else
+            ofOthers.reset();
+    }
+
+private:
+    bool isParting;
+    std::unordered_set<QString> ownUids;
+    std::optional<JournalPause> ofOthers;
+};
+
+void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
+{
+    Authorship authorship(isWithinCommand);
     std::vector<TaskPtr> going;
     size_t linkedCount = 0;
     size_t eventCount = 0;
@@ -184,6 +216,7 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks)
         // A first pass over many events lasts; half a pass would be no pass, so nothing stops it.
         const StepBlock step = passprogress::begin(groups.size());
         for (const std::vector<EKEvent> &group : groups) {
+            authorship.turnTo(group.front().calendarItemExternalIdentifier);
             pass.take(group);
             if (step)
                 step();
@@ -205,9 +238,26 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks)
         return;
     for (const TaskPtr &row : going) {
         // A question to the user takes its time.
-        if (row->context() && !row->isDeleted())
-            mainContext().deleteObject(row);
+        if (!row->context() || row->isDeleted())
+            continue;
+        authorship.turnTo(row->calendarID());
+        mainContext().deleteObject(row);
     }
+}
+
+/// A full pass is no part of a command or of another pass: it waits for their end, and several wishes for one
+/// share it.
+void passAfterwards()
+{
+    static std::weak_ptr<bool> wish;
+    if (!wish.expired())
+        return;
+    auto wished = std::make_shared<bool>();
+    wish = wished;
+    mainContext().afterTransaction([wished]() mutable {
+        wished.reset();
+        CalendarPass::syncCalendarToAppWithTasks({});
+    });
 }
 
 } // namespace
@@ -226,19 +276,14 @@ void CalendarPass::syncCalendarToAppWithTask(const TaskPtr &task)
 
 void CalendarPass::syncCalendarToAppWithTasks(const std::vector<TaskPtr> &tasks)
 {
-    static bool isWantedAgain = false;
     if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar())
         return;
-    // While a long pass tells how far it is, or asks, the calendars may report a change.
-    if (isPassRunning) {
-        isWantedAgain = true;
-        return;
-    }
+    // While a long pass tells how far it is, or a command asks, the calendars may report a change.
+    const bool isWithinCommand = mainContext().transaction() != nullptr;
+    if (isPassRunning || (isWithinCommand && tasks.empty()))
+        return passAfterwards();
     const QScopedValueRollback guard(isPassRunning, true);
-    // Inside of a command it is a part of that.
     Transaction transaction(mainContext(), ChangeAuthor::Pass);
-    runPass({tasks.begin(), tasks.end()});
-    while (std::exchange(isWantedAgain, false))
-        runPass({});
+    runPass({tasks.begin(), tasks.end()}, isWithinCommand);
     DBWorker::tellOfFailure(transaction.commit());
 }

@@ -18,6 +18,7 @@ public:
     /// The same for some tasks; for none it is for all.
     static void syncCalendarToAppWithTasks(const std::vector<TaskPtr> &tasks);
     /// Whether a pass is at work now: it may let other things happen while it tells how far it is. Half a
-    /// pass is not to be saved; one that is asked for meanwhile follows it.
+    /// pass is not to be saved. A pass for all tasks that is asked for meanwhile, or while a command is under
+    /// way, follows when the main loop comes round.
     static bool isPassing();
 };

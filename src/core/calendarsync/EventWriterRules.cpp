@@ -5,17 +5,17 @@
 
 namespace {
 
-/// The end of the task's repetition as an end of the day, not before that of the task itself.
-OptionalDate endOfRule(const EntityTask &task)
+/// The last moment of the last day on which an occurrence may start, but not before that of the task itself.
+/// An end that the event has already stays the moment that it is, so that it is the same day for who has
+/// travelled.
+OptionalDate endOfRule(const EntityTask &task, OptionalDate present)
 {
     if (!task.endRepeat())
         return std::nullopt;
-    const Date end = MTDates::inTimeZone(MTDates::endOfCurrentDay(*task.endRepeat()), "UTC");
+    const Date end = task.endRepeat() == present ? *present : MTDates::endOfCurrentDay(*task.endRepeat());
     const bool isEmailCall = task.type() == TaskType::EmailCall;
     const OptionalDate first = isEmailCall ? task.dueDate() : task.startDate();
-    if (!first)
-        return end;
-    return std::max(end, MTDates::endOfCurrentDay(*first));
+    return first && end < *first ? MTDates::endOfCurrentDay(*first) : end;
 }
 
 std::optional<EKRecurrenceRule> ruleOf(const EntityTask &task)
@@ -58,6 +58,14 @@ EKRecurrenceRule fittedTo(Date base, const EKRecurrenceRule &rule)
     return fitted;
 }
 
+/// Until when the event repeats now.
+OptionalDate presentEnd(const EKEvent &event)
+{
+    const auto end =
+        event.recurrenceRules.empty() ? std::nullopt : event.recurrenceRules.back().recurrenceEnd();
+    return end ? end->endDate() : std::nullopt;
+}
+
 /// Whether an edit left the event's rule alone. It stays as it is then, with what a row cannot say of it: an
 /// end after a number of times, or on what day its weeks begin.
 bool keepsRule(const EKEvent &event, const EntityTask &task)
@@ -77,7 +85,7 @@ void EventWriter::setRecurrenceRuleFromEvent(EKEvent &event, EntityTask &task)
 {
     if (keepsRule(event, task))
         return;
-    if (const OptionalDate end = endOfRule(task))
+    if (const OptionalDate end = endOfRule(task, presentEnd(event)))
         task.setEndRepeat(end);
     auto rule = ruleOf(task);
     const OptionalDate base = task.startDate() ? task.startDate() : task.dueDate();

@@ -7,6 +7,7 @@
 
 void DBWorker::removeAllTasksByCalendarIdentifier(const QString &identifier)
 {
+    Transaction removal(mainContext(), ChangeAuthor::Program);
     for (const TaskPtr &task : mainContext().fetch<EntityTask>(
              EntityTask::fetchRequest().where(Predicate::format("typeCalendarID == %@", identifier)))) {
         if (!task)
@@ -18,5 +19,5 @@ void DBWorker::removeAllTasksByCalendarIdentifier(const QString &identifier)
         else if (!event.value())
             mainContext().deleteObject(task);
     }
-    saveOrTell();
+    tellOfFailure(removal.commit());
 }

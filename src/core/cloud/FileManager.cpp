@@ -2,6 +2,7 @@
 
 #include "cloud/IcloudManager.h"
 #include "foundation/ApplicationPaths.h"
+#include "foundation/PrivateFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,7 +12,7 @@ namespace {
 
 bool makeIfMissing(const QString &path)
 {
-    return !QDir(path).exists() && QDir().mkdir(path);
+    return !QDir(path).exists() && PrivateFiles::makeFolder(path);
 }
 
 /// Only a file of the same length is read.
@@ -33,8 +34,15 @@ QString FileManager::appFolderURL()
 bool FileManager::createAppFolder()
 {
     // A fresh home has no data folder at all yet.
-    QDir().mkpath(ApplicationPaths::dataFolder());
+    PrivateFiles::makeFolder(ApplicationPaths::dataFolder());
     return makeIfMissing(appFolderURL());
+}
+
+void FileManager::keepFromOthers()
+{
+    for (const QString &folder :
+         {ApplicationPaths::dataFolder(), ApplicationPaths::configFolder(), ApplicationPaths::cacheFolder()})
+        PrivateFiles::narrowTree(folder + QStringLiteral("/Morvane"));
 }
 
 bool FileManager::createFolder(const QString &name)

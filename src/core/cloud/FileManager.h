@@ -16,7 +16,10 @@ public:
     static QString appFolderURL();
     /// Makes the application folder if it is missing. True only if it was made now.
     static bool createAppFolder();
-    /// The same for a folder inside it.
+    /// Takes away what other accounts of the computer may read of the program's files. Called at start: files
+    /// of former versions, and those that other programs have put there, may be open to all.
+    static void keepFromOthers();
+    /// The same as `createAppFolder` for a folder inside it.
     static bool createFolder(const QString &name);
 
     static bool fileExists(const QString &url);

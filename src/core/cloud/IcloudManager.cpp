@@ -1,6 +1,7 @@
 #include "cloud/IcloudManager.h"
 
 #include "cloud/FileManager.h"
+#include "foundation/PrivateFiles.h"
 #include "foundation/UserDefaults.h"
 #include "store/state/CoreContext.h"
 #include "store/state/SettingsKeys.h"
@@ -28,7 +29,7 @@ QByteArray keptToken()
 IcloudManager::IcloudManager()
 {
     if (connectIcloud())
-        QDir().mkpath(iCloudImagesUrl());
+        PrivateFiles::makeFolder(iCloudImagesUrl());
 }
 
 bool IcloudManager::connectIcloud()

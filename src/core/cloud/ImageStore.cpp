@@ -2,6 +2,7 @@
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
 #include "foundation/Log.h"
+#include "foundation/PrivateFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,7 +32,7 @@ bool IcloudManager::saveImageWithData(const QByteArray &data, const QString &nam
         return false;
     Document document(QFileInfo(path).suffix());
     document.setContentsData(data);
-    QDir().mkpath(imageUrl());
+    PrivateFiles::makeFolder(imageUrl());
     const OptionalError error = document.writeToURL(path, document.type());
     if (error)
         Log::line(error->message);

@@ -6,27 +6,16 @@
 
 namespace filters {
 
-namespace {
-
-const QString periodPattern = QStringLiteral("YYYY-MM-dd HH:mm:ss ZZZ");
-
-} // namespace
-
 OptionalDate firstRun()
 {
     return dateOfValue(UserDefaults::standard().object(settings::firstRun));
 }
 
-OptionalDate dateThroughText(const QVariant &value)
-{
-    const QString text = value.canConvert<Date>() ? DateFormatter::string(value.value<Date>(), periodPattern)
-                                                  : value.toString();
-    return DateFormatter::date(text, periodPattern);
-}
-
 OptionalDate dateOfValue(const QVariant &value)
 {
-    return value.canConvert<Date>() ? OptionalDate(value.value<Date>()) : dateThroughText(value);
+    if (value.canConvert<Date>())
+        return value.value<Date>();
+    return DateFormatter::date(value.toString(), QStringLiteral("yyyy-MM-dd HH:mm:ss ZZZ"));
 }
 
 } // namespace filters

@@ -93,8 +93,8 @@ Period periodOf(const QVariantMap &criterion)
     const bool isOpenStart = from.toString() == filters::allMarker;
     Period period;
     period.from =
-        filters::dateThroughText(isOpenStart ? UserDefaults::standard().object(settings::firstRun) : from);
-    period.to = to.toString() == filters::allMarker ? MVDate::date() : filters::dateThroughText(to);
+        filters::dateOfValue(isOpenStart ? UserDefaults::standard().object(settings::firstRun) : from);
+    period.to = to.toString() == filters::allMarker ? MVDate::date() : filters::dateOfValue(to);
     if (!period.from)
         period.from = MTDates::oneWeekPrevious(MVDate::date());
     return period;

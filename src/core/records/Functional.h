@@ -61,11 +61,10 @@ public:
 
     /// The date down to its minute, in absolute time.
     static Date dateWithZeroSeconds(Date date);
-    /// Midnight of the date's day, by the pattern "dd-MM-yyyy" written and read back.
+    /// The start of the date's day.
     static Date dateWithoutTimeOfDate(Date date);
-    /// Whether two dates fall in the same minute, by the pattern "YY:MM:DD:HH:mm" written and read back;
-    /// absent if one cannot be read.
-    static std::optional<bool> sameMinute(Date one, Date other);
+    /// Whether two dates fall in the same minute.
+    static bool sameMinute(Date one, Date other);
 
     /// Whether the dates of a part (a task) leave those of the whole (its project). Each test is made only if
     /// both of its dates are present, and the first that is true answers: 1 the whole starts after the part's

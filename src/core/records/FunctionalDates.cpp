@@ -1,6 +1,6 @@
 #include "records/Functional.h"
 
-#include "foundation/DateFormatter.h"
+#include "foundation/Calendar.h"
 
 #include <cmath>
 
@@ -11,22 +11,14 @@ Date Functional::dateWithZeroSeconds(Date date)
                                       secondsPerMinute);
 }
 
-static OptionalDate readBack(Date date, const QString &pattern)
-{
-    return DateFormatter::date(DateFormatter::string(date, pattern), pattern);
-}
-
 Date Functional::dateWithoutTimeOfDate(Date date)
 {
-    return readBack(date, QStringLiteral("dd-MM-yyyy")).value_or(date);
+    return Calendar::current().startOfDay(date);
 }
 
-std::optional<bool> Functional::sameMinute(Date one, Date other)
+bool Functional::sameMinute(Date one, Date other)
 {
-    const QString pattern = QStringLiteral("YY:MM:DD:HH:mm");
-    const OptionalDate first = readBack(one, pattern);
-    const OptionalDate second = readBack(other, pattern);
-    return first && second ? std::optional(*first == *second) : std::nullopt;
+    return dateWithZeroSeconds(one) == dateWithZeroSeconds(other);
 }
 
 int Functional::dateValidationsMainStartDate(OptionalDate mainStartDate, OptionalDate mainDueDate,

@@ -12,28 +12,13 @@
 bool MVTask::saveStatus()
 {
     RecordsTransaction transaction(QStringLiteral("Change Status"));
-    const OptionalDate formerExpiration = row ? row->expirationDate() : std::nullopt;
-    if (!saveStatus(transaction))
-        return false;
-    if (!TaskManager::commit(transaction, *this)) {
-        if (row && row->status() != TaskStatus::Done)
-            row->setExpirationDate(formerExpiration);
-        return false;
-    }
-    return true;
+    return saveStatus(transaction) && TaskManager::commit(transaction, *this);
 }
 
 bool MVTask::saveStatus(RecordsTransaction &transaction)
 {
-    const OptionalDate formerExpiration = row ? row->expirationDate() : std::nullopt;
-    if (status == TaskStatus::Done && row)
-        row->setExpirationDate(MVDate::date());
     lastModificationDate = MVDate::date();
-    const bool isSaved = TaskManager::saveTaskTemp(transaction, *this);
-    // A rule that refuses the change leaves the row as it was.
-    if (!isSaved && row && row->status() != TaskStatus::Done)
-        row->setExpirationDate(formerExpiration);
-    return isSaved;
+    return TaskManager::saveTaskTemp(transaction, *this);
 }
 
 QString MVTask::priorityString() const

@@ -67,7 +67,9 @@ bool ProjectManager::saveProjectTemp(MVProject &project)
         project.title = titleForWant;
     project.save();
     if (const OptionalError error = DBWorker::saveContext()) {
+        // The row keeps what was typed, for the next save.
         project.setProjectValues();
+        DBWorker::tellOfFailure(error);
         Log::line(QStringLiteral("Can't Save Project! %1 %2").arg(error->message, error->domain));
         return false;
     }

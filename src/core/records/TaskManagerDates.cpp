@@ -1,4 +1,3 @@
-#include "foundation/DateFormatter.h"
 #include "records/Functional.h"
 #include "records/TaskManager.h"
 #include "records/copies/MVTask.h"
@@ -11,7 +10,7 @@ bool TaskManager::dateVerefications(OptionalDate startDate, OptionalDate dueDate
                                     std::optional<TaskType> taskType)
 {
     const bool isChecked = taskType == TaskType::Appointment && startDate && dueDate;
-    if (!isChecked || !Functional::sameMinute(*startDate, *dueDate).value_or(false))
+    if (!isChecked || !Functional::sameMinute(*startDate, *dueDate))
         return true;
     Functional::messageAlertWithTitle(QStringLiteral("Invalid Date"),
                                       QStringLiteral("Due Date can't be the same as Start Date!"));
@@ -23,13 +22,6 @@ namespace {
 bool isLater(OptionalDate date, OptionalDate base)
 {
     return date && base && *date > *base;
-}
-
-/// A ToDo starts with its day, found by the pattern of days written and read back.
-OptionalDate startDayOf(Date date)
-{
-    static const QString dayPattern = QStringLiteral("YY:MM:DD");
-    return DateFormatter::date(DateFormatter::string(date, dayPattern), dayPattern);
 }
 
 } // namespace
@@ -46,8 +38,8 @@ void TaskManager::saveStartDate(OptionalDate date, MVTask &task)
     const OptionalDate alert = task.alert;
     OptionalDate secondAlert = task.secondAlert;
     if (task.isToDo() && date) {
-        task.startDate = startDayOf(*date);
-        if (!task.dueDate && !task.dueSomeDay.value_or(false) && task.startDate)
+        task.startDate = MVDate::getStartOfDay(*date);
+        if (!task.dueDate && !task.dueSomeDay.value_or(false))
             task.dueDate = MTDates::endOfCurrentDay(*task.startDate);
     } else {
         task.startDate = date;

@@ -37,8 +37,7 @@ bool lacksDueDate(const MVTask &task)
 
 bool isSameMinute(const MVTask &task)
 {
-    return task.startDate && task.dueDate &&
-           Functional::sameMinute(*task.startDate, *task.dueDate).value_or(false);
+    return task.startDate && task.dueDate && Functional::sameMinute(*task.startDate, *task.dueDate);
 }
 
 constexpr DateRule dateRules[] = {

@@ -2,7 +2,6 @@
 
 #include "eventkit/UtcDateTime.h"
 #include "foundation/Log.h"
-#include "foundation/Region.h"
 
 #include <QStringList>
 
@@ -13,12 +12,6 @@ const QString startKey = QStringLiteral("DTSTART");
 const QString frequencyPart = QStringLiteral("FREQ");
 const QString untilPart = QStringLiteral("UNTIL");
 const QString countPart = QStringLiteral("COUNT");
-
-OptionalDate localDate(const QString &text)
-{
-    const OptionalDate written = UtcDateTime::date(text);
-    return written ? OptionalDate(*written - Seconds(Region::secondsFromGMT(Clock::now()))) : std::nullopt;
-}
 
 /// The days of a list in letters. A digit is a day too, from "0" for Monday to "6" for Sunday; a day with a
 /// position is none here.
@@ -59,13 +52,13 @@ struct ReadRule
 private:
     void readStart(const QString &value)
     {
-        if (const OptionalDate written = localDate(value))
+        if (const OptionalDate written = UtcDateTime::date(value))
             start = written;
     }
     /// Of an end by date and one by count the later part of the text counts.
     void readUntil(const QString &value)
     {
-        if (const OptionalDate until = localDate(value)) {
+        if (const OptionalDate until = UtcDateTime::date(value)) {
             pattern.until = until;
             pattern.count = 0;
         }

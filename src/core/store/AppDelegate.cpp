@@ -54,6 +54,8 @@ AppDelegate::~AppDelegate()
     observations.clear();
     badgeTimer.reset();
     UserNotificationCenter::defaultUserNotificationCenter().close();
+    for (auto &watcher : watchers)
+        watcher.reset();
     for (auto &context : contexts)
         context.reset();
     core.reset();
@@ -66,12 +68,28 @@ void AppDelegate::fillContext()
     core->store = [this] { return &managedObjectContext(); };
     core->openedStore = [this] { return contexts[selectedStack()].get(); };
     core->hasAccessToCalendars = [] { return CalendarEvent::hasAccesToCalendar(); };
-    core->visibleCalendars = [] {
+    core->visibleCalendars = [this] {
         QStringList references;
         for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
             references.append(CalendarEvent::identifierOfCalendar(calendar));
+        followVisibleCalendars(references);
         return references;
     };
+}
+
+void AppDelegate::followVisibleCalendars(QStringList references)
+{
+    references.sort();
+    if (formerVisibleCalendars == references)
+        return;
+    const bool isFirstLook = !formerVisibleCalendars;
+    formerVisibleCalendars = std::move(references);
+    if (isFirstLook)
+        return;
+    MainLoop::performDelayed(Seconds(0), [living = std::weak_ptr(isBadgeDue)] {
+        if (living.lock())
+            NotificationCenter::defaultCenter().post(notifications::iCloudChange);
+    });
 }
 
 void AppDelegate::chooseStore()
@@ -105,8 +123,10 @@ ManagedObjectContext &AppDelegate::managedObjectContext()
 {
     const size_t stack = selectedStack();
     auto &context = contexts[stack];
-    if (!context)
+    if (!context) {
         context = openStore(storeFileName(stack));
+        watchers[stack] = std::make_unique<StoreWatcher>(*context);
+    }
     return *context;
 }
 

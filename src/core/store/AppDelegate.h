@@ -4,6 +4,8 @@
 #include "foundation/MainLoop.h"
 #include "foundation/NotificationCenter.h"
 #include "objectstore/ManagedObjectContext.h"
+#include "objectstore/StoreWatcher.h"
+#include "records/SearchIndexSweep.h"
 #include "store/entities/Entities.h"
 #include "store/state/CoreContext.h"
 #include "usernotifications/NotificationPresenter.h"
@@ -54,6 +56,7 @@ public:
     // Life of the program.
     void applicationWillFinishLaunching();
     void applicationDidFinishLaunching();
+    /// While a command is under way, which may ask the user something, the activation waits for its end.
     void applicationDidBecomeActive();
     void applicationDidResignActive();
     enum class TerminateReply { Cancel = 0, Now = 1 };
@@ -114,6 +117,9 @@ public:
 
 private:
     void fillContext();
+    /// The screens hear of it if the calendars whose tasks are shown are others than at the last look.
+    void followVisibleCalendars(QStringList references);
+    void activate();
     /// Reads from the settings which store is to be in use. Writes "0" where that is absent.
     void chooseStore();
     size_t selectedStack() const;
@@ -134,6 +140,7 @@ private:
     std::unique_ptr<CommitRoad> road;
     /// The user's own store and the sample store.
     std::array<std::unique_ptr<ManagedObjectContext>, 2> contexts;
+    std::array<std::unique_ptr<StoreWatcher>, 2> watchers;
     std::unique_ptr<IcloudManager> cloud;
     std::unique_ptr<Reminder> reminders;
     Observation storeSetting;
@@ -142,4 +149,8 @@ private:
     /// Whether the badge is to be brought up to date when the main loop comes round.
     std::shared_ptr<bool> isBadgeDue = std::make_shared<bool>(false);
     std::shared_ptr<bool> isIndexDue = std::make_shared<bool>(false);
+    SearchIndexSweep sweep;
+    std::shared_ptr<bool> isActivationDue = std::make_shared<bool>(false);
+    /// Sorted; absent before the first look.
+    std::optional<QStringList> formerVisibleCalendars;
 };

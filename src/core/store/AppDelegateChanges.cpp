@@ -9,6 +9,8 @@ namespace {
 
 /// Long enough not to come between the steps of one action.
 constexpr Seconds restAfterSaves{0.3};
+/// So many records are looked through without being felt.
+constexpr int rowsAtOnce = 200;
 
 } // namespace
 
@@ -26,7 +28,9 @@ void AppDelegate::tendSearchIndexSoon()
         return;
     MainLoop::performDelayed(restAfterSaves, [this, due = std::weak_ptr(isIndexDue)] {
         if (const auto isDue = due.lock(); isDue && std::exchange(*isDue, false)) {
-            if (managedObjectContext().tendSubstringIndexes())
+            const bool isMoreWritten = managedObjectContext().takeInRowsFromElsewhere(rowsAtOnce);
+            const bool isMoreLeft = managedObjectContext().tendSubstringIndexes();
+            if (isMoreWritten || isMoreLeft || sweep.step(managedObjectContext()))
                 tendSearchIndexSoon();
         }
     });

@@ -39,6 +39,7 @@ const QString &yesOrNo(bool isYes)
 
 void AppDelegate::applicationWillFinishLaunching()
 {
+    FileManager::keepFromOthers();
     UserDefaults &defaults = UserDefaults::standard();
     defaults.setObject(settings::calendarState, 0);
     defaults.setObject(settings::selectSortCategoryIndex, -1);
@@ -155,15 +156,28 @@ bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendar
 void AppDelegate::applicationDidBecomeActive()
 {
     core->isInFront = true;
-    UserDefaults &defaults = UserDefaults::standard();
     // The user may have travelled, or changed the system's settings, while another program was in front.
     const quint64 formerRegion = Region::generation();
     Region::reload();
     if (Region::generation() != formerRegion)
         MTDates::reset();
-    if (CalendarEvent::isPassing())
-        return CalendarEvent::syncCalendarToAppWithTask(nullptr);
-    CalendarEvent::handleBeforeAllCalendarsSync();
+    if (std::exchange(*isActivationDue, true))
+        return;
+    managedObjectContext().afterTransaction([this, due = std::weak_ptr(isActivationDue)] {
+        if (const auto isDue = due.lock(); isDue && std::exchange(*isDue, false) && core->isInFront)
+            activate();
+    });
+}
+
+void AppDelegate::activate()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    managedObjectContext().lookForChangesFromElsewhere();
+    {
+        Transaction upgrade(managedObjectContext(), ChangeAuthor::Program);
+        CalendarEvent::handleBeforeAllCalendarsSync();
+        DBWorker::tellOfFailure(upgrade.commit());
+    }
     const bool hasCloud = IcloudManager::connectIcloud();
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCLOUD").arg(yesOrNo(hasCloud)));
     const bool hasCalendar = CalendarEvent::hasAccesToAppleCalendar();
@@ -190,6 +204,8 @@ void AppDelegate::applicationDidBecomeActive()
     if (!DBWorker::isSample())
         AlertSchedule::rebuild();
     DBWorker::saveOrTell();
+    // The look tells the screens if they are others now.
+    core->visibleCalendars();
     defaults.setObject(settings::applicationDidBecomeActive, yes);
     defaults.synchronize();
 }

@@ -19,7 +19,9 @@ void CommitRoad::willCommit(ManagedObjectContext &context, const StoreChanges &c
 
 void CommitRoad::didCommit(ManagedObjectContext &context, const StoreChanges &changes)
 {
-    CalendarOutbox::committed(context);
+    // What another process committed is no commit of ours.
+    if (!changes.isUnknown)
+        CalendarOutbox::committed(context);
     if (!DBWorker::isSample())
         AlertSchedule::follow(changes);
     if (AppDelegate *delegate = AppDelegate::shared())

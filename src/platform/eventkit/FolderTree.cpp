@@ -3,7 +3,9 @@
 #include "eventkit/CalendarError.h"
 #include "eventkit/ColorText.h"
 #include "eventkit/FileStamp.h"
+#include "eventkit/IcalText.h"
 #include "foundation/AtomicFile.h"
+#include "foundation/PrivateFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -51,7 +53,9 @@ QString contentsOf(const QString &folder, const QString &name)
 {
     constexpr qint64 mostBytes = 4096;
     QFile file(folder + u'/' + name);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.read(mostBytes)).trimmed() : QString();
+    const auto stamp = FileStamp::of(file.fileName());
+    const bool isOpen = stamp && stamp->isRegular && file.open(QIODevice::ReadOnly);
+    return isOpen ? IcalText::fromBytes(file.read(mostBytes)).trimmed() : QString();
 }
 
 QString titleOf(const QString &path)
@@ -185,7 +189,7 @@ Result<EKCalendar> FolderTree::create(const EKCalendar &calendar) const
     if (QFileInfo::exists(sourcePath + u'/' + folder))
         folder = QUuid::createUuid().toString(QUuid::WithoutBraces);
     const QString path = sourcePath + u'/' + folder;
-    if (!QDir().mkpath(path))
+    if (!PrivateFiles::makeFolder(path))
         return storageError(path, QStringLiteral("the folder cannot be made"));
     if (auto error = writeProperties(path, calendar))
         return *error;

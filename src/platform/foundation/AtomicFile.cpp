@@ -1,15 +1,18 @@
 #include "foundation/AtomicFile.h"
 
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include <unistd.h>
 
 OptionalError writeFileAtomically(const QString &path, const QByteArray &contents, const LastCheck &lastCheck)
 {
+    const bool isNew = !QFileInfo::exists(path);
     QSaveFile file(path);
     // With a buffer a disk that fills up while it is flushed passes for a success.
-    bool isWritten =
-        file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(contents) == contents.size();
+    bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                     (!isNew || file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) &&
+                     file.write(contents) == contents.size();
     if (isWritten && lastCheck) {
         // What takes long is done before the check: little time is left between it and the exchange.
         fdatasync(file.handle());

@@ -3,6 +3,7 @@
 #include "foundation/CalendarEngine.h"
 #include "foundation/IcuDate.h"
 #include "foundation/IcuText.h"
+#include "foundation/Localization.h"
 #include "foundation/Region.h"
 #include "foundation/RegionState.h"
 
@@ -16,19 +17,36 @@
 
 using FormatPointer = std::shared_ptr<icu::DateFormat>;
 using Style = DateFormatter::Style;
+using Language = DateFormatter::Language;
 
 static constexpr int mostFormatsKept = 64;
+
+/// The formatters of one language.
+struct LanguageFormats
+{
+    icu::Locale locale;
+    QHash<QString, FormatPointer> byPattern = {};
+    QHash<int, FormatPointer> byStyle = {};
+    QHash<QString, QString> patternsOfSkeletons = {};
+    std::unique_ptr<icu::DateTimePatternGenerator> generator = nullptr;
+};
 
 /// The formatters of one thread for one state of the region.
 struct FormatCache
 {
     quint64 generation = 0;
-    std::shared_ptr<const RegionState> region;
-    QHash<QString, FormatPointer> byPattern;
-    QHash<int, FormatPointer> byStyle;
-    QHash<QString, QString> patternsOfSkeletons;
-    std::unique_ptr<icu::DateTimePatternGenerator> generator;
+    LanguageFormats users = {};
+    LanguageFormats ofWords = {};
 };
+
+/// The user's locale, in the language that the program has words for.
+static icu::Locale localeOfWords(const icu::Locale &users)
+{
+    const QString language = languageOfWords();
+    if (language == languageOf(users))
+        return users;
+    return gregorianLocale(language.toLatin1() + '_' + users.getCountry());
+}
 
 /// Formatters are made with ICU's default zone but never used with it: each call passes a calendar in the
 /// user's zone. UTC costs nothing, whereas ICU would search the system for its default, and each formatter
@@ -39,14 +57,15 @@ static void setCheapDefaultZone()
     std::call_once(once, [] { icu::TimeZone::adoptDefault(icu::TimeZone::getGMT()->clone()); });
 }
 
-static FormatCache &formats()
+static LanguageFormats &formats(Language language)
 {
     static thread_local FormatCache cache;
     if (const quint64 present = Region::generation(); present != cache.generation) {
-        cache = FormatCache{present, currentRegionState(), {}, {}, {}, nullptr};
+        const icu::Locale locale = currentRegionState()->locale;
+        cache = FormatCache{present, {locale}, {localeOfWords(locale)}};
         setCheapDefaultZone();
     }
-    return cache;
+    return language == Language::Users ? cache.users : cache.ofWords;
 }
 
 template <typename Key, typename Make>
@@ -59,12 +78,12 @@ static auto kept(QHash<Key, FormatPointer> &formats, const Key &key, Make make)
     return *formats.insert(key, FormatPointer(make()));
 }
 
-static FormatPointer formatOfPattern(const QString &pattern)
+static FormatPointer formatOfPattern(const QString &pattern, Language language = Language::Users)
 {
-    auto &cache = formats();
+    auto &cache = formats(language);
     return kept(cache.byPattern, pattern, [&] {
         UErrorCode status = U_ZERO_ERROR;
-        return new icu::SimpleDateFormat(icuText(pattern), cache.region->locale, status);
+        return new icu::SimpleDateFormat(icuText(pattern), cache.locale, status);
     });
 }
 
@@ -85,13 +104,13 @@ static icu::DateFormat::EStyle icuStyle(Style style)
     return icu::DateFormat::kFull;
 }
 
-static FormatPointer formatOfStyles(Style dateStyle, Style timeStyle)
+static FormatPointer formatOfStyles(Style dateStyle, Style timeStyle, Language language)
 {
-    auto &cache = formats();
+    auto &cache = formats(language);
     const int key = static_cast<int>(dateStyle) * 8 + static_cast<int>(timeStyle);
     return kept(cache.byStyle, key, [&] {
         return icu::DateFormat::createDateTimeInstance(icuStyle(dateStyle), icuStyle(timeStyle),
-                                                       cache.region->locale);
+                                                       cache.locale);
     });
 }
 
@@ -107,16 +126,17 @@ static QString formatted(const icu::DateFormat &format, icu::Calendar &calendar,
     return qtText(text);
 }
 
-QString DateFormatter::string(Date date, const QString &pattern)
+QString DateFormatter::string(Date date, const QString &pattern, Language language)
 {
-    return formatted(*formatOfPattern(pattern), Calendar::current().engine->icuCalendar(), date);
+    return formatted(*formatOfPattern(pattern, language), Calendar::current().engine->icuCalendar(), date);
 }
 
-QString DateFormatter::string(Date date, Style dateStyle, Style timeStyle)
+QString DateFormatter::string(Date date, Style dateStyle, Style timeStyle, Language language)
 {
     if (dateStyle == Style::None && timeStyle == Style::None)
         return {};
-    return formatted(*formatOfStyles(dateStyle, timeStyle), Calendar::current().engine->icuCalendar(), date);
+    return formatted(*formatOfStyles(dateStyle, timeStyle, language),
+                     Calendar::current().engine->icuCalendar(), date);
 }
 
 OptionalDate DateFormatter::date(const QString &text, const QString &pattern)
@@ -132,15 +152,15 @@ OptionalDate DateFormatter::date(const QString &text, const QString &pattern)
     return U_SUCCESS(status) && position.getIndex() > 0 ? OptionalDate(dateFromIcu(instant)) : std::nullopt;
 }
 
-QString DateFormatter::patternFromTemplate(const QString &skeleton)
+QString DateFormatter::patternFromTemplate(const QString &skeleton, Language language)
 {
-    auto &cache = formats();
+    auto &cache = formats(language);
     if (const auto known = cache.patternsOfSkeletons.constFind(skeleton);
         known != cache.patternsOfSkeletons.constEnd())
         return *known;
     UErrorCode status = U_ZERO_ERROR;
     if (!cache.generator)
-        cache.generator.reset(icu::DateTimePatternGenerator::createInstance(cache.region->locale, status));
+        cache.generator.reset(icu::DateTimePatternGenerator::createInstance(cache.locale, status));
     QString pattern = qtText(cache.generator->getBestPattern(icuText(skeleton), status));
     cache.patternsOfSkeletons.insert(skeleton, pattern);
     return pattern;
@@ -149,7 +169,7 @@ QString DateFormatter::patternFromTemplate(const QString &skeleton)
 static QString halfDaySymbol(int index)
 {
     UErrorCode status = U_ZERO_ERROR;
-    const icu::DateFormatSymbols symbols(formats().region->locale, status);
+    const icu::DateFormatSymbols symbols(formats(Language::Users).locale, status);
     int count = 0;
     const icu::UnicodeString *texts = symbols.getAmPmStrings(count);
     return index < count ? qtText(texts[index]) : QString();

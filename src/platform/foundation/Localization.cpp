@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <mutex>
 
 using Words = QHash<QString, QString>;
@@ -85,6 +86,18 @@ QString localized(const QString &key, const QString &table)
 {
     const std::lock_guard lock(tables().mutex);
     return wordsOf(table).value(key, key);
+}
+
+QString languageOfWords()
+{
+    const std::lock_guard lock(tables().mutex);
+    const QString english = QStringLiteral("en");
+    const QString language = Region::preferredLocalizations().value(0, english);
+    const bool isThere =
+        std::any_of(tables().folders.cbegin(), tables().folders.cend(), [&](const QString &folder) {
+            return QFile::exists(folder + fileName(QString(), language));
+        });
+    return isThere ? language : english;
 }
 
 void LocalizationTable::loadDirectory(const QString &path)

@@ -9,6 +9,9 @@ QString localized(const QString &key);
 /// The same from a table of its own, for example "RepeatPicker": its files are named "RepeatPicker.de.json".
 QString localized(const QString &key, const QString &table);
 
+/// The language that most words are told in: the user's, for example "de", if it has a table; else "en".
+QString languageOfWords();
+
 /// Where the tables come from: a JSON object of key and text for each language, "de.json", in the resource
 /// folder
 /// ":/translations" and any folders added. A table is read when the first word is asked of it.

@@ -6,6 +6,7 @@
 #include "foundation/DefaultsCoding.h"
 #include "foundation/Log.h"
 #include "foundation/MainLoop.h"
+#include "foundation/PrivateFiles.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -185,7 +186,7 @@ bool UserDefaults::synchronize()
 bool UserDefaults::write()
 {
     const QByteArray text = QJsonDocument(values).toJson();
-    QDir().mkpath(QFileInfo(path).path());
+    PrivateFiles::makeFolder(QFileInfo(path).path());
     if (const OptionalError error = writeFileAtomically(path, text)) {
         reportWriteFailure(error->message);
         return false;

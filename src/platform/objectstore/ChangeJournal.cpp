@@ -37,6 +37,12 @@ void ChangeJournal::startCapture()
     sqlite3session_attach(started, nullptr);
 }
 
+void ChangeJournal::setCapturing(bool isOn)
+{
+    if (session)
+        sqlite3session_enable(session.get(), isOn ? 1 : 0);
+}
+
 void ChangeJournal::stopCapture()
 {
     session.reset();

@@ -26,6 +26,8 @@ struct AppliedChange
     Kind kind;
     /// Of an updated row.
     ManagedObject::ColumnSet columns = {};
+    /// Of a deleted row, by which lists know it.
+    RowId row = 0;
 };
 
 /// What a step did: to the store, and what it asks for outside of it.
@@ -53,6 +55,9 @@ public:
 
     /// Watches the open transaction from here on.
     void startCapture();
+    /// Whether what happens from here on is a part of it. Of a row that was captured before, the last state
+    /// is.
+    void setCapturing(bool isOn);
     /// Forgets what was captured.
     void stopCapture();
     /// Adds what was captured as an entry, inside the transaction, with what goes with it outside of the

@@ -108,14 +108,14 @@ int ChangesetApplier::keyColumn(const Operation &operation)
 }
 
 void ChangesetApplier::note(const Operation &operation, AppliedChange::Kind kind,
-                            ManagedObject::ColumnSet columns)
+                            ManagedObject::ColumnSet columns, RowId row)
 {
     const int column = keyColumn(operation);
     const QString id = textOf(operation.kind == SQLITE_INSERT ? newValue(operation.iterator, column)
                                                               : oldValue(operation.iterator, column));
     // A pair of a many-to-many relationship is a change of the object that owns it.
     applied.push_back(
-        {operation.entity, id, operation.isPair ? AppliedChange::Kind::Updated : kind, columns});
+        {operation.entity, id, operation.isPair ? AppliedChange::Kind::Updated : kind, columns, row});
     noteTargets(operation);
 }
 
@@ -216,14 +216,15 @@ bool ChangesetApplier::applyDelete(const Operation &operation)
     for (int column = 0; column < operation.columnCount; ++column)
         condition += (column ? " AND " : "") + quoted(columns[static_cast<size_t>(column)]) + " IS ?";
     sqlite::Statement statement =
-        database.prepare(QByteArray("SELECT ") + (operation.isPair ? "source, target" : "\"id\", NULL") +
+        database.prepare(QByteArray("SELECT ") + (operation.isPair ? "source, target" : "\"id\", rowid") +
                          " FROM " + quoted(operation.table) + " WHERE " + condition);
     for (int column = 0; column < operation.columnCount; ++column)
         statement.bindRaw(oldValue(operation.iterator, column));
     if (!statement.step())
         return statement.code() == SQLITE_DONE;
+    const RowId row = operation.isPair ? 0 : statement.integer(1);
     deletions.push_back({operation.table, operation.isPair, statement.text(0), statement.text(1)});
-    note(operation, AppliedChange::Kind::Deleted);
+    note(operation, AppliedChange::Kind::Deleted, {}, row);
     return true;
 }
 

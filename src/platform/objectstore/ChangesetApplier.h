@@ -48,7 +48,8 @@ private:
     bool deleteMarked();
     bool clearDanglingReferences();
     bool clearDanglingPairs();
-    void note(const Operation &operation, AppliedChange::Kind kind, ManagedObject::ColumnSet columns = {});
+    void note(const Operation &operation, AppliedChange::Kind kind, ManagedObject::ColumnSet columns = {},
+              RowId row = 0);
     void noteTargets(const Operation &operation);
     const RelationshipDescription *pairOf(const Operation &operation, const QByteArray &column) const;
     int keyColumn(const Operation &operation);

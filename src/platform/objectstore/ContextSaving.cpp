@@ -1,8 +1,10 @@
 #include "foundation/Clock.h"
 #include "foundation/Log.h"
+#include "foundation/MainLoop.h"
 #include "objectstore/ChangeJournal.h"
 #include "objectstore/ChangeWriter.h"
 #include "objectstore/ManagedObjectContext.h"
+#include "objectstore/RowsFromElsewhere.h"
 #include "objectstore/SqlText.h"
 #include "objectstore/SubstringIndex.h"
 
@@ -42,6 +44,11 @@ bool ManagedObjectContext::hasChanges() const
     return !changed.empty() || !rowDeletions.empty();
 }
 
+bool ManagedObjectContext::hasWork() const
+{
+    return hasChanges() || !finishing.empty() || (effects && effects->hasWork());
+}
+
 void ManagedObjectContext::processPendingChanges()
 {
     // A failure stays with the changes and is reported by the next save.
@@ -62,9 +69,16 @@ OptionalError ManagedObjectContext::begin()
     if (database->execute("BEGIN IMMEDIATE"))
         return failure("write to");
     isInTransaction = true;
+    if (!rowsfromelsewhere::letTriggersRest(*database)) {
+        const Error error = failure("write to");
+        rollBack();
+        return error;
+    }
     takeInChangesFromElsewhere();
-    if (canBeUndone(author()))
+    if (canBeUndone(author())) {
         journal->startCapture();
+        journal->setCapturing(!isJournalPaused);
+    }
     return std::nullopt;
 }
 
@@ -130,6 +144,33 @@ void ManagedObjectContext::rollBack()
     }
 }
 
+void ManagedObjectContext::afterTransaction(std::function<void()> block)
+{
+    if (!openTransaction)
+        return block();
+    afterTransactions.push_back(std::move(block));
+}
+
+void ManagedObjectContext::transactionEnded()
+{
+    if (afterTransactions.empty())
+        return;
+    MainLoop::performDelayed(Seconds(0), [living = std::weak_ptr(self)] {
+        // A block may open a transaction, or end the context.
+        const auto context = [&living] {
+            const auto alive = living.lock();
+            return alive ? *alive : nullptr;
+        };
+        if (!context())
+            return;
+        for (auto &block : std::exchange(context()->afterTransactions, {})) {
+            if (!context())
+                return;
+            context()->afterTransaction(std::move(block));
+        }
+    });
+}
+
 OptionalError ManagedObjectContext::save()
 {
     return openTransaction ? std::nullopt : commitAll();
@@ -137,7 +178,7 @@ OptionalError ManagedObjectContext::save()
 
 OptionalError ManagedObjectContext::commitAll()
 {
-    if (!hasChanges() && finishing.empty() && !(effects && effects->hasWork()))
+    if (!hasWork())
         return std::nullopt;
     if (auto error = write())
         return error;
@@ -218,6 +259,8 @@ OptionalError ManagedObjectContext::commit()
 
 OptionalError ManagedObjectContext::commitTransaction()
 {
+    if (!rowsfromelsewhere::letTriggersWork(*database))
+        return failure("save");
     bool isDone = !database->execute("COMMIT");
     if (!isDone && database->lastCode() == sqlite::missingReference) {
         // An object that is named here was deleted elsewhere. The name goes, and everything else is saved.
@@ -314,18 +357,20 @@ OptionalError ManagedObjectContext::finishOutbox(const std::vector<qint64> &sequ
         return std::nullopt;
     // A power cut may bring them back, and carrying them out again changes nothing; so the disk is not
     // waited for.
-    const bool isOwn = database->isAutocommit();
-    if (isOwn && database->execute("PRAGMA synchronous = NORMAL; BEGIN IMMEDIATE"))
-        return failure("write to");
-    OptionalError error = deleteFromOutbox(sequences);
-    if (isOwn) {
-        if (!error && database->execute("COMMIT"))
-            error = failure("write to");
-        if (!database->isAutocommit())
-            database->rollBack();
-        if (const auto unsafe = database->execute("PRAGMA synchronous = FULL"))
-            error = error ? error : unsafe;
-    }
+    if (!database->isAutocommit())
+        return deleteFromOutbox(sequences);
+    OptionalError error;
+    if (database->execute("PRAGMA synchronous = NORMAL; BEGIN IMMEDIATE"))
+        error = failure("write to");
+    if (!error)
+        error = deleteFromOutbox(sequences);
+    if (!error && database->execute("COMMIT"))
+        error = failure("write to");
+    if (!database->isAutocommit())
+        database->rollBack();
+    // Commits of the user are waited for, whatever became of this one.
+    if (const auto unsafe = database->execute("PRAGMA synchronous = FULL"))
+        error = error ? error : unsafe;
     return error;
 }
 
@@ -433,16 +478,29 @@ void ManagedObjectContext::refreshAllObjects()
 
 void ManagedObjectContext::lookForChangesFromElsewhere()
 {
-    if (!isInTransaction && takeInChangesFromElsewhere())
+    if (!isInTransaction)
+        takeInChangesFromElsewhere();
+}
+
+void ManagedObjectContext::tellOfChangesFromElsewhere()
+{
+    if (std::exchange(isElsewhereUntold, false))
         tell({ChangeAuthor::Replication, {}, {}, {}, true});
 }
 
-bool ManagedObjectContext::takeInChangesFromElsewhere()
+/// Who hears of it asks the store in turn, so that it is told later.
+void ManagedObjectContext::takeInChangesFromElsewhere()
 {
     const qint64 version = database->queryInteger("PRAGMA data_version");
     if (version == dataVersion)
-        return false;
+        return;
     dataVersion = version;
+    if (!std::exchange(isElsewhereUntold, true)) {
+        MainLoop::performDelayed(Seconds(0), [living = std::weak_ptr(self)] {
+            if (const auto context = living.lock())
+                (*context)->tellOfChangesFromElsewhere();
+        });
+    }
     // Another process may have given a row's number to another row.
     for (Population &one : populations)
         one.byRow.clear();
@@ -453,7 +511,47 @@ bool ManagedObjectContext::takeInChangesFromElsewhere()
         if (!object.isInserted() && !(keepsChangedObjects && object.hasChanges()))
             object.isLoaded = false;
     });
-    return true;
+}
+
+bool ManagedObjectContext::takeInRowsFromElsewhere(int limit)
+{
+    const bool isFree = !openTransaction && !isInTransaction && !isWriting && !hasWork();
+    if (!isFree || !rowsfromelsewhere::isAnyThere(*database))
+        return false;
+    const Transaction taking(*this, ChangeAuthor::Replication);
+    StoreChanges changes;
+    bool isMoreLeft = false;
+    OptionalError error = begin();
+    if (!error)
+        error = applyRowsFromElsewhere(limit, changes, isMoreLeft);
+    if (error) {
+        Log::line(error->message);
+        giveUpEffects();
+        rollBack();
+        return false;
+    }
+    finishCommit();
+    tell(changes);
+    return isMoreLeft;
+}
+
+OptionalError ManagedObjectContext::applyRowsFromElsewhere(int limit, StoreChanges &changes, bool &isMoreLeft)
+{
+    auto rows = rowsfromelsewhere::take(*database, limit);
+    if (!rows)
+        return rows.error();
+    isMoreLeft = rows->size() == static_cast<size_t>(limit);
+    changes.author = author();
+    for (const RowFromElsewhere &row : *rows) {
+        const EntityDescription *entity = objectModel.entityOfTable(row.table.toStdString());
+        if (!entity)
+            continue;
+        if (const ObjectPtr found = object(entity->name(), row.identifier); found && loadValues(*found))
+            changes.updated.push_back({found, {}});
+        else
+            changes.deleted.push_back(goneObject(*entity, row.identifier, row.row));
+    }
+    return commitRows(changes);
 }
 
 // Undo.
@@ -491,7 +589,7 @@ QString ManagedObjectContext::redoName()
 OptionalError ManagedObjectContext::revert(ChangeJournalDirection direction)
 {
     // The effects can leave changes of their own, but not for ever.
-    for (int round = 0; round < 2 && hasChanges(); ++round) {
+    for (int round = 0; round < 2 && hasWork(); ++round) {
         if (auto error = save())
             return error;
     }
@@ -524,7 +622,14 @@ OptionalError ManagedObjectContext::applyEntry(ChangeJournalDirection direction,
     changes = changesOf(applied->rows);
     if (auto error = writeOutbox(applied->outside))
         return error;
+    return commitRows(changes);
+}
+
+OptionalError ManagedObjectContext::commitRows(const StoreChanges &changes)
+{
     if (auto error = writeEffects(changes))
+        return error;
+    if (auto error = writeOutbox(posted))
         return error;
     if (auto error = commitTransaction())
         return error;
@@ -540,11 +645,13 @@ StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &a
     {
         AppliedChange::Kind kind;
         ManagedObject::ColumnSet columns;
+        RowId row;
     };
     std::map<std::pair<const EntityDescription *, QString>, Known> rows;
     for (const AppliedChange &one : applied) {
-        const auto [place, isNew] = rows.try_emplace({one.entity, one.identifier}, Known{one.kind, {}});
+        const auto [place, isNew] = rows.try_emplace({one.entity, one.identifier}, Known{one.kind, {}, 0});
         place->second.columns |= one.columns;
+        place->second.row = std::max(place->second.row, one.row);
         if (!isNew && one.kind != AppliedChange::Kind::Updated)
             place->second.kind = one.kind;
     }
@@ -556,7 +663,7 @@ StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &a
             continue;
         const Known &row = known.mapped();
         if (row.kind == AppliedChange::Kind::Deleted)
-            changes.deleted.push_back(goneObject(*one.entity, one.identifier));
+            changes.deleted.push_back(goneObject(*one.entity, one.identifier, row.row));
         else if (const ObjectPtr found = object(one.entity->name(), one.identifier); !found)
             continue;
         else if (row.kind == AppliedChange::Kind::Inserted)
@@ -567,7 +674,7 @@ StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &a
     return changes;
 }
 
-ObjectPtr ManagedObjectContext::goneObject(const EntityDescription &entity, const QString &id)
+ObjectPtr ManagedObjectContext::goneObject(const EntityDescription &entity, const QString &id, RowId row)
 {
     auto &living = population(entity).byIdentifier;
     const auto found = living.find(id);
@@ -579,5 +686,6 @@ ObjectPtr ManagedObjectContext::goneObject(const EntityDescription &entity, cons
     ObjectPtr object = entity.makeObject();
     object->description = &entity;
     object->id = id;
+    object->row = row;
     return object;
 }

@@ -148,8 +148,17 @@ public:
     ChangeAuthor author() const { return openTransaction ? openTransaction->author() : ChangeAuthor::User; }
     /// The transaction that is open, or null.
     Transaction *transaction() const { return openTransaction; }
-    /// Looks whether another process has written to the store, and tells so.
+    /// Runs a block when no transaction is open: at once if there is none, else when the main loop comes
+    /// round after its end. For what would meddle with a command that asks the user something.
+    void afterTransaction(std::function<void()> block);
+    /// Looks whether another process has written to the store. This is told when the main loop comes round;
+    /// a query or a save that finds it has the same effect.
     void lookForChangesFromElsewhere();
+    /// Tells of rows that other programs wrote to, also while no context was open: a commit of its own, of
+    /// the author `Replication`, with at most so many of them as updated without columns, or deleted. Only
+    /// entities that follow their links are told of, and only if a text or a link was written. While a
+    /// transaction is open or something is to be saved, it does nothing. True if there are more.
+    bool takeInRowsFromElsewhere(int limit);
 
     // The outbox: changes of things outside of the store that belong to a commit.
     /// Adds one to the commit that is under way. For `CommitEffects::willCommit`.
@@ -179,6 +188,7 @@ public:
 private:
     friend class ManagedObject;
     friend class Transaction;
+    friend class JournalPause;
     friend class ObjectListBase;
     friend class ChangeWriter;
     friend class ChangeJournal;
@@ -227,6 +237,9 @@ private:
     void noteTouched(std::string_view entity, const Value &id);
     /// What a deleted object named loses it.
     void noteTargetsAsTouched(const ManagedObject &object);
+    /// Whether a save has something to do.
+    bool hasWork() const;
+    void transactionEnded();
     OptionalError begin();
     OptionalError write();
     OptionalError commit();
@@ -234,7 +247,7 @@ private:
     void rollBack();
     OptionalError writeOutbox(const std::vector<OutboxEntry> &entries);
     OptionalError deleteFromOutbox(const std::vector<qint64> &sequences);
-    bool takeInChangesFromElsewhere();
+    void takeInChangesFromElsewhere();
     Error failure(const char *attempt) const;
     OptionalError commitTransaction();
     OptionalError clearReferencesToMissing();
@@ -255,9 +268,13 @@ private:
     void tell(const StoreChanges &changes);
     OptionalError revert(ChangeJournalDirection direction);
     OptionalError applyEntry(ChangeJournalDirection direction, StoreChanges &changes);
+    OptionalError applyRowsFromElsewhere(int limit, StoreChanges &changes, bool &isMoreLeft);
+    /// Commits rows that were changed without objects, with what follows from it.
+    OptionalError commitRows(const StoreChanges &changes);
+    void tellOfChangesFromElsewhere();
     StoreChanges changesOf(const std::vector<AppliedChange> &applied);
     /// Stands for a row that is no longer there.
-    ObjectPtr goneObject(const EntityDescription &entity, const QString &id);
+    ObjectPtr goneObject(const EntityDescription &entity, const QString &id, RowId row);
 
     std::unique_ptr<sqlite::Database> database;
     const ManagedObjectModel &objectModel;
@@ -291,10 +308,14 @@ private:
     /// full.
     bool isInTransaction = false;
     qint64 dataVersion = 0;
+    /// Another process has written, and nobody was told of it yet.
+    bool isElsewhereUntold = false;
 
     std::unique_ptr<ChangeJournal> journal;
     CommitEffects *effects = nullptr;
     Transaction *openTransaction = nullptr;
+    std::vector<std::function<void()>> afterTransactions;
+    bool isJournalPaused = false;
     std::vector<OutboxEntry> posted;
     /// Entries of the outbox that the next commit finishes.
     std::vector<qint64> finishing;

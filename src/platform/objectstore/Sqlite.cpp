@@ -1,5 +1,6 @@
 #include "objectstore/Sqlite.h"
 
+#include "foundation/PrivateFiles.h"
 #include "objectstore/SqlFunctions.h"
 
 #include <sqlite3.h>
@@ -172,8 +173,18 @@ Value Statement::value(int column, AttributeType type) const
     }
 }
 
+/// SQLite gives the files beside a database the mode of the database.
+static void keepFromOthers(const QString &path)
+{
+    PrivateFiles::makeFile(path);
+    for (const char *ending : {"", "-wal", "-shm", "-journal"})
+        PrivateFiles::narrow(path + QLatin1String(ending));
+}
+
 Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode)
 {
+    if (mode == Mode::ReadWriteCreate)
+        keepFromOthers(path);
     sqlite3 *connection = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
                       (mode == Mode::ReadWriteCreate ? SQLITE_OPEN_CREATE : 0);

@@ -1,5 +1,6 @@
 #include "objectstore/StoreFile.h"
 #include "foundation/TextFolding.h"
+#include "objectstore/RowsFromElsewhere.h"
 #include "objectstore/SqlText.h"
 #include "objectstore/SubstringIndex.h"
 
@@ -169,6 +170,23 @@ bool hasLog(const QString &path)
     return log.exists() && log.size() > 0;
 }
 
+/// Whether the header counts more pages than the file has. The count is good only if it was written with the
+/// last change.
+bool lacksPages(const QByteArray &header, qint64 fileSize)
+{
+    const quint32 storedSize = headerNumber(header, 16) >> 16;
+    const qint64 pageSize = storedSize == 1 ? 65536 : storedSize;
+    const bool isCountValid = headerNumber(header, 24) == headerNumber(header, 92);
+    return isCountValid && fileSize < pageSize * qint64(headerNumber(header, 28));
+}
+
+bool lacksPages(const QString &path)
+{
+    QFile file(path);
+    const QByteArray header = file.open(QIODevice::ReadOnly) ? file.read(100) : QByteArray();
+    return header.size() == 100 && lacksPages(header, file.size());
+}
+
 /// What can be told from the bytes of the file before SQLite touches it.
 std::optional<QString> problemOfBytes(const QString &path)
 {
@@ -186,14 +204,8 @@ std::optional<QString> problemOfBytes(const QString &path)
         return hasLog(path) ? std::optional(tooShort) : std::nullopt;
     if (header.size() < 100 || !header.startsWith("SQLite format 3"))
         return QStringLiteral("the file is not a database");
-    const quint32 storedSize = headerNumber(header, 16) >> 16;
-    const qint64 pageSize = storedSize == 1 ? 65536 : storedSize;
-    // The count of pages is good only if it was written with the last change; with a log, later pages can
-    // stand there.
-    const bool isCountValid = headerNumber(header, 24) == headerNumber(header, 92);
-    if (isCountValid && !hasLog(path) && file.size() < pageSize * qint64(headerNumber(header, 28)))
-        return tooShort;
-    return std::nullopt;
+    // With a log, later pages can stand there.
+    return !hasLog(path) && lacksPages(header, file.size()) ? std::optional(tooShort) : std::nullopt;
 }
 
 bool hasTableOf(sqlite::Database &database, const ManagedObjectModel &model)
@@ -261,6 +273,7 @@ OptionalError migrate(sqlite::Database &database, const ManagedObjectModel &mode
         if (const auto index = SubstringIndex::of(entity))
             sql += index->create(database);
     }
+    sql += rowsfromelsewhere::create(database, model);
     sql += "INSERT OR IGNORE INTO ObjectStoreMetadata VALUES ('storeIdentifier', '" +
            QUuid::createUuid().toByteArray(QUuid::WithoutBraces) + "');";
     sql += "PRAGMA application_id = " + QByteArray::number(applicationId) + ';';
@@ -328,8 +341,11 @@ Result<std::unique_ptr<sqlite::Database>> open(const QString &path, const Manage
     if (isLogKept)
         database.setCheckpointAtEnd(false);
     // The first read shows whether the file is sound and free.
-    if (database.execute("SELECT COUNT(*) FROM sqlite_master"))
-        return failure(database, path);
+    if (database.execute("SELECT COUNT(*) FROM sqlite_master")) {
+        const Error error = failure(database, path);
+        const bool isCorrupt = (error.code & 0xff) == SQLITE_CORRUPT;
+        return isCorrupt && isLogKept && lacksPages(path) ? refusal(path, tooShort) : error;
+    }
     if (isLogKept && isCutShort(database, path))
         return refusal(path, tooShort);
     if (auto problem = problemOfContent(database, model))

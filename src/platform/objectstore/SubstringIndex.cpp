@@ -33,19 +33,23 @@ std::optional<SubstringIndex> SubstringIndex::of(const EntityDescription &entity
 
 QByteArray SubstringIndex::create(sqlite::Database &database) const
 {
+    // An "OR" of the statement that fires a trigger would stand for one within it.
+    const auto trigger = [this](const QByteArray &name, const QByteArray &event) {
+        return "DROP TRIGGER IF EXISTS " + quoted(waiting + name) + "; CREATE TRIGGER " +
+               quoted(waiting + name) + " AFTER " + event + " ON " + quoted(table) + " BEGIN INSERT INTO " +
+               quoted(waiting) + " VALUES (new.rowid) ON CONFLICT DO NOTHING; END;";
+    };
+    const QByteArray triggers =
+        trigger("_insert", "INSERT") + trigger("_update", "UPDATE OF " + quoted(attribute));
     const QByteArray exists = "SELECT COUNT(*) FROM sqlite_master WHERE name = '" + trigrams + '\'';
     if (database.queryInteger(exists) != 0)
-        return {};
-    const auto trigger = [this](const QByteArray &name, const QByteArray &event) {
-        return "CREATE TRIGGER " + quoted(waiting + name) + " AFTER " + event + " ON " + quoted(table) +
-               " BEGIN INSERT OR IGNORE INTO " + quoted(waiting) + " VALUES (new.rowid); END;";
-    };
+        return triggers;
     // Without positions and contents the index takes the least room; deleted rows need not leave it.
     return "CREATE VIRTUAL TABLE " + quoted(trigrams) +
            " USING fts5(folded, content='', columnsize=0, detail=none, tokenize='trigram case_sensitive "
            "1');" +
            "CREATE TABLE IF NOT EXISTS " + quoted(waiting) + " (row INTEGER PRIMARY KEY NOT NULL);" +
-           trigger("_insert", "INSERT") + trigger("_update", "UPDATE OF " + quoted(attribute)) + startAnew();
+           triggers + startAnew();
 }
 
 QByteArray SubstringIndex::startAnew() const

@@ -1,6 +1,7 @@
 #include "objectstore/Transaction.h"
 
 #include "foundation/Log.h"
+#include "objectstore/ChangeJournal.h"
 #include "objectstore/ManagedObjectContext.h"
 
 #include <utility>
@@ -23,11 +24,33 @@ Transaction::Transaction(ManagedObjectContext &context, ChangeAuthor author, QSt
 
 Transaction::~Transaction()
 {
-    if (!isInside)
-        changed.openTransaction = nullptr;
+    if (isInside)
+        return;
+    changed.openTransaction = nullptr;
+    changed.transactionEnded();
 }
 
 OptionalError Transaction::commit()
 {
     return isInside ? std::nullopt : changed.commitAll();
+}
+
+/// What waits is written first, so that it is still captured.
+JournalPause::JournalPause(ManagedObjectContext &context)
+    : paused(context)
+    , wasPaused(context.isJournalPaused)
+{
+    // A failure stays with the changes and is reported by the commit.
+    paused.write().ignore();
+    paused.isJournalPaused = true;
+    paused.journal->setCapturing(false);
+}
+
+JournalPause::~JournalPause()
+{
+    if (wasPaused)
+        return;
+    paused.write().ignore();
+    paused.isJournalPaused = false;
+    paused.journal->setCapturing(true);
 }

@@ -39,3 +39,19 @@ private:
     QString undoName;
     bool isInside;
 };
+
+/// While it lives, what is changed inside of a transaction of the user was done by others: it is committed
+/// with it, and stays when the user takes the step back. Rows that the user's part changes, too, go with that
+/// part.
+class JournalPause
+{
+public:
+    explicit JournalPause(ManagedObjectContext &context);
+    ~JournalPause();
+    JournalPause(const JournalPause &) = delete;
+    JournalPause &operator=(const JournalPause &) = delete;
+
+private:
+    ManagedObjectContext &paused;
+    bool wasPaused;
+};

@@ -3,6 +3,7 @@
 #include "foundation/ApplicationPaths.h"
 #include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
+#include "foundation/PrivateFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -47,7 +48,7 @@ void PlatformConfiguration::write(const QString &key, const QJsonValue &value)
     if (configuration.isBroken)
         QFile::rename(path, path + QStringLiteral(".broken"));
     configuration.values.insert(key, value);
-    QDir().mkpath(QFileInfo(path).path());
+    PrivateFiles::makeFolder(QFileInfo(path).path());
     if (const auto error = writeFileAtomically(path, QJsonDocument(configuration.values).toJson()))
         Log::line(QStringLiteral("Cannot write %1: %2").arg(path, error->message));
 }

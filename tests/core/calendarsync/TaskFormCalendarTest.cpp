@@ -146,5 +146,5 @@ TEST_F(TaskFormCalendarTest, WithoutAccessThereIsNoRepetitionAndTheHeaderSaysSo)
     const TaskFormState form({.createWithStartDate = localDate(2026, 11, 23)});
     EXPECT_FALSE(form.isRowShown(TaskFormRow::Repeat));
     EXPECT_EQ(TaskFormChoices::calendarsHeader(form.hasCalendarAccess()),
-              u"The app does not have access to the Apple calendar"_qs);
+              u"The app does not have access to your calendars"_qs);
 }

@@ -1,6 +1,8 @@
 #include "CoreTest.h"
 #include "calendarsync/CalendarEvent.h"
 #include "eventkit/EKEvent.h"
+#include "foundation/Region.h"
+#include "records/dates/MTDates.h"
 
 /// What becomes of a task's repetition on its way to the event.
 class EventRulesTest : public CoreTest
@@ -15,6 +17,12 @@ protected:
             EKRecurrenceRule::initRecurrenceWithFrequency(EKRecurrenceFrequency::Daily, 9)};
         CalendarEvent::setRecurrenceRuleFromEvent(event, *task);
         return task->repeat();
+    }
+
+    static void travelTo(const char *zone)
+    {
+        Region::setZone(zone);
+        MTDates::reset();
     }
 
     EKEvent event;
@@ -43,11 +51,28 @@ TEST_F(EventRulesTest, TheEndOfTheTaskReplacesThatOfTheText)
 {
     EXPECT_EQ(applied(u"RRULE:FREQ=DAILY;COUNT=5"_qs), u"RRULE:FREQ=DAILY"_qs);
     EXPECT_EQ(applied(u"RRULE:FREQ=DAILY;UNTIL=20270101T000000Z"_qs), u"RRULE:FREQ=DAILY"_qs);
-    // The end of the day in Berlin, read as a wall time of GMT.
     EXPECT_EQ(applied(u"RRULE:FREQ=DAILY;COUNT=5"_qs, localDate(2026, 12, 31, 12)),
-              u"RRULE:FREQ=DAILY;UNTIL=20261231T215959Z"_qs);
-    EXPECT_EQ(task->endRepeat(), utcDate(2026, 12, 31, 21, 59, 59));
+              u"RRULE:FREQ=DAILY;UNTIL=20261231T225959Z"_qs);
+    EXPECT_EQ(task->endRepeat(), localDate(2026, 12, 31, 23, 59, 59));
     EXPECT_EQ(event.recurrenceRules.front().recurrenceEnd()->endDate(), task->endRepeat());
+}
+
+TEST_F(EventRulesTest, TheEndStaysTheDayThatWasPickedHoweverOftenItIsWritten)
+{
+    for (const char *zone : {"America/New_York", "Asia/Tokyo", "Pacific/Kiritimati", "UTC"}) {
+        travelTo(zone);
+        const Date end = localDate(2026, 12, 31, 23, 59, 59);
+        applied(u"RRULE:FREQ=DAILY"_qs, localDate(2026, 12, 31, 12));
+        for (int times = 0; times < 3; ++times) {
+            EXPECT_EQ(task->endRepeat(), end) << zone;
+            task->setStartDate(*task->startDate() + Seconds(3600));
+            CalendarEvent::setRecurrenceRuleFromEvent(event, *task);
+        }
+        // Who has travelled edits something else.
+        travelTo("Europe/Berlin");
+        CalendarEvent::setRecurrenceRuleFromEvent(event, *task);
+        EXPECT_EQ(task->endRepeat(), end) << zone;
+    }
 }
 
 TEST_F(EventRulesTest, AnEndBeforeTheTaskMovesToTheEndOfItsDay)
@@ -63,7 +88,7 @@ TEST_F(EventRulesTest, AnEndBeforeTheTaskMovesToTheEndOfItsDay)
     task->setType(TaskType::ToDo);
     task->setStartDate(std::nullopt);
     applied(QString(), localDate(2026, 11, 1));
-    EXPECT_EQ(task->endRepeat(), utcDate(2026, 11, 1, 21, 59, 59));
+    EXPECT_EQ(task->endRepeat(), localDate(2026, 11, 1, 23, 59, 59));
 }
 
 TEST_F(EventRulesTest, ARuleOfOneDayIsFittedToTheDateOfTheTask)
@@ -77,7 +102,7 @@ TEST_F(EventRulesTest, ARuleOfOneDayIsFittedToTheDateOfTheTask)
               u"RRULE:FREQ=YEARLY;BYYEARDAY=100;BYMONTH=12"_qs);
     EXPECT_EQ(applied(u"RRULE:FREQ=YEARLY;BYYEARDAY=100,200"_qs), u"RRULE:FREQ=YEARLY;BYYEARDAY=100,200"_qs);
     EXPECT_EQ(applied(u"RRULE:FREQ=MONTHLY;BYDAY=1MO;BYSETPOS=1;BYMONTHDAY=5"_qs, localDate(2027, 1, 31)),
-              u"RRULE:FREQ=MONTHLY;UNTIL=20270131T215959Z;BYDAY=1MO;BYMONTHDAY=3;BYSETPOS=1"_qs);
+              u"RRULE:FREQ=MONTHLY;UNTIL=20270131T225959Z;BYDAY=1MO;BYMONTHDAY=3;BYSETPOS=1"_qs);
 
     task->setStartDate(std::nullopt);
     task->setDueDate(localDate(2026, 2, 17));

@@ -124,19 +124,22 @@ TEST_F(RRuleTest, SinglePartsThatCannotBeReadLeaveTheDefault)
     EXPECT_EQ(parts("DTSTART=20260230T090000Z").startDate, now);
     EXPECT_EQ(parts("COUNT=4;UNTIL=later").recurrenceEnd,
               EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(4));
-    const auto atNight = EKRecurrenceEnd::recurrenceEndWithEndDate(localDate(2026, 12, 31, 23, 59, 59));
+    const auto atNight = EKRecurrenceEnd::recurrenceEndWithEndDate(utcDate(2026, 12, 31, 23, 59, 59));
     EXPECT_EQ(parts("COUNT=4;UNTIL=20261231T235959Z").recurrenceEnd, atNight);
     EXPECT_EQ(parts("UNTIL=20261231T235959Z;COUNT=4;UNTIL=20261231").recurrenceEnd,
               EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(4));
     EXPECT_FALSE(parts("COUNT=0").recurrenceEnd || parts("COUNT=3.5").recurrenceEnd);
 }
 
-TEST_F(RRuleTest, DigitsOfADateAreTheWallClockAtThePresentOffset)
+TEST_F(RRuleTest, DatesAreThoseOfGreenwichInEveryZone)
 {
-    EXPECT_EQ(parts("DTSTART=20261201T090000Z").startDate, localDate(2026, 12, 1, 9));
-    // Summer time does not hold now, so it is not looked at.
-    EXPECT_EQ(parts("DTSTART=20260601T090000Z").startDate, localDate(2026, 6, 1, 10));
-    EXPECT_EQ(parts("UNTIL=20261231T235959Z").recurrenceEnd->endDate(), localDate(2026, 12, 31, 23, 59, 59));
+    for (const char *zone : {"America/New_York", "Europe/Berlin", "Asia/Tokyo"}) {
+        Region::setZone(zone);
+        EXPECT_EQ(parts("DTSTART=20261201T090000Z").startDate, utcDate(2026, 12, 1, 9));
+        EXPECT_EQ(parts("DTSTART=20260601T090000Z").startDate, utcDate(2026, 6, 1, 9));
+        EXPECT_EQ(parts("UNTIL=20261231T235959Z").recurrenceEnd->endDate(),
+                  utcDate(2026, 12, 31, 23, 59, 59));
+    }
 }
 
 TEST_F(RRuleTest, GeneratedRulesComeBackFromTheirText)

@@ -244,15 +244,15 @@ TEST_F(Lists, OfGeneratedTasksAreAsLongAsTheirBadgesSay)
     EXPECT_EQ(DBWorker::allDelayTasks().size(), DBWorker::countStaleTasks());
 }
 
-TEST_F(Lists, CallAToDoLateByTheCalendarsOwnIdeaOfTheYear)
+TEST_F(Lists, CallAToDoLateFromTheNextDayOn)
 {
-    // The last days of December are written with the number of the next year, and so read back a year later.
     add(u"last year's end"_qs, TaskType::ToDo, {}, localDate(2025, 12, 31, 23, 59));
-    add(u"summer"_qs, TaskType::ToDo, {}, localDate(2026, 7, 1, 23, 59));
-    add(u"long ago"_qs, TaskType::ToDo, {}, localDate(1999, 7, 1, 23, 59));
+    add(u"long ago"_qs, TaskType::ToDo, {}, localDate(1899, 12, 29, 23, 59));
     add(u"this morning"_qs, TaskType::ToDo, {}, localDate(2026, 11, 21, 8));
-    EXPECT_EQ(titles(DBWorker::allDelayTasks()), QStringList({u"long ago"_qs, u"summer"_qs}));
-    EXPECT_EQ(DBWorker::countStaleTasks(), 2);
+    add(u"yesterday"_qs, TaskType::ToDo, {}, localDate(2026, 11, 20, 23, 59));
+    EXPECT_EQ(titles(DBWorker::allDelayTasks()),
+              QStringList({u"last year's end"_qs, u"long ago"_qs, u"yesterday"_qs}));
+    EXPECT_EQ(DBWorker::countStaleTasks(), 3);
 }
 
 TEST_F(Lists, AreGroupedUnderHeadersWithOneGapBetween)

@@ -2,6 +2,10 @@
 
 #include "records/SearchIndex.h"
 #include "store/state/NotificationNames.h"
+#include "support/OtherProgram.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
 
 namespace {
 
@@ -158,6 +162,86 @@ TEST_F(SearchIndexOfRecords, IsLeftAloneWhenTheInboxIsReordered)
     inbox.at(0)->setDetails(u"new"_qs);
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(found(u"a"_qs).size(), 1u);
+}
+
+/// Rows that other programs write.
+class SearchOfOthersRows : public SearchIndexOfRecords
+{
+protected:
+    /// Lets the program do what it does when there is time.
+    static bool waitFor(const std::function<bool()> &isSo)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!isSo() && timer.elapsed() < 5000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        return isSo();
+    }
+    static bool isFound(const QString &text, size_t count = 1)
+    {
+        return waitFor([&] { return found(text).size() == count; });
+    }
+    static constexpr const char *newTasks =
+        "INSERT INTO EntityTask (id, title, type, status, dueSomeDay) VALUES ('other', 'from elsewhere', 0, "
+        "0, "
+        "0); INSERT INTO EntityContacts (id, firstName) VALUES ('ann', 'Ann');"
+        "UPDATE EntityTask SET delegateToUser = 'ann' WHERE id = 'other'";
+};
+
+TEST_F(SearchOfOthersRows, FindsThemWhileItRuns)
+{
+    add(u"mine"_qs);
+    int told = 0;
+    const Observation commits = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [&told](const StoreChanges &changes) { told += changes.isUnknown; });
+    writeElsewhere(storePath(), newTasks);
+    EXPECT_TRUE(isFound(u"from elsewhere"_qs, 2)) << "the task and whom it is delegated to";
+    EXPECT_TRUE(isFound(u"ann"_qs, 2));
+    EXPECT_EQ(told, 1) << "the screens hear of it although nobody asks the store anything";
+    writeElsewhere(storePath(), "UPDATE EntityTask SET title = 'renamed' WHERE id = 'other'");
+    EXPECT_TRUE(isFound(u"renamed"_qs, 2));
+    EXPECT_TRUE(isFound(u"from elsewhere"_qs, 0));
+    writeElsewhere(storePath(), "DELETE FROM EntityTask");
+    EXPECT_TRUE(isFound(u"renamed"_qs, 0));
+    EXPECT_TRUE(isFound(u"mine"_qs, 0));
+    EXPECT_FALSE(context().canRedo());
+}
+
+TEST_F(SearchOfOthersRows, FindsThemWhenItIsStartedAgain)
+{
+    add(u"mine"_qs);
+    quit();
+    writeElsewhere(storePath(), newTasks);
+    launch();
+    EXPECT_TRUE(isFound(u"from elsewhere"_qs, 2));
+    EXPECT_TRUE(isFound(u"mine"_qs));
+}
+
+TEST_F(SearchOfOthersRows, FindsWhatStandsInAStoreOfAFormerVersionAndForgetsWhatIsGone)
+{
+    const QString swept = settings::sweptSearchIndexes;
+    add(u"kept"_qs);
+    const QString gone = add(u"gone"_qs)->uri();
+    quit();
+    writeElsewhere(storePath(),
+                   "DROP TABLE ObjectStoreElsewhere; PRAGMA user_version = 2; PRAGMA writable_schema = ON;"
+                   "DELETE FROM sqlite_master WHERE name LIKE '%elsewhere%'");
+    // Without the triggers.
+    writeElsewhere(storePath(), "INSERT INTO EntityTask (id, title) VALUES ('odd id/%', 'from elsewhere');"
+                                "DELETE FROM EntityTask WHERE title = 'gone'");
+    UserDefaults::standard().removeObject(swept);
+    launch();
+    EXPECT_TRUE(isFound(u"from elsewhere"_qs));
+    const auto texts = [&](const QString &text) {
+        return context().count(
+            EntitySearchIndex::fetchRequest().where(Predicate::format("string = %@", text)));
+    };
+    EXPECT_TRUE(waitFor([&] { return texts(u"gone"_qs) == 0; }));
+    EXPECT_EQ(texts(u"kept"_qs), 1);
+    EXPECT_EQ(texts(u"from elsewhere"_qs), 1);
+    EXPECT_TRUE(waitFor([&] {
+        return UserDefaults::standard().object(swept).toStringList().contains(context().storeIdentifier());
+    })) << "a second time would find nothing";
 }
 
 } // namespace

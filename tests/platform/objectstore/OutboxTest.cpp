@@ -7,6 +7,24 @@
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
+/// How often SQLite waited for the disk.
+static int syncs = 0;
+
+int fsync(int file)
+{
+    ++syncs;
+    return static_cast<int>(syscall(SYS_fsync, file));
+}
+
+int fdatasync(int file)
+{
+    ++syncs;
+    return static_cast<int>(syscall(SYS_fdatasync, file));
+}
+
 namespace {
 
 /// Each commit posts what a test has put here.
@@ -74,6 +92,51 @@ TEST_F(OutboxOfAStore, isTakenBackWithTheStepInReverse)
     finishAll();
     ASSERT_FALSE(library->redo());
     EXPECT_THAT(pending(), ElementsAre(u"work/a old>new yields"_qs, u"home/a new>- yields"_qs));
+}
+
+TEST_F(OutboxOfAStore, whatIsPostedInAnUndoIsWrittenAndWhatWaitsBeforeItIsAStepOfItsOwn)
+{
+    library.book("Emma");
+    library.save();
+    next = {{0, 1, u"work"_qs, u"a"_qs, std::nullopt, "new"}};
+    ASSERT_FALSE(library->undo());
+    EXPECT_THAT(pending(), ElementsAre(u"work/a ->new"_qs));
+    finishAll();
+    ASSERT_FALSE(library->redo());
+    EXPECT_THAT(pending(), IsEmpty());
+
+    next = {{0, 1, u"home"_qs, u"b"_qs, std::nullopt, "new"}};
+    listener.isWorkLeft = true;
+    listener.did = [this](ManagedObjectContext &, const StoreChanges &) {
+        next.clear();
+        listener.isWorkLeft = false;
+    };
+    ASSERT_FALSE(library->undo());
+    EXPECT_NE(library.find("Emma"), nullptr);
+    EXPECT_THAT(pending(), ElementsAre(u"home/b ->new"_qs, u"home/b new>- yields"_qs));
+}
+
+TEST_F(OutboxOfAStore, commitsAreFlushedAlsoAfterItCouldNotBeEmptied)
+{
+    next = {{0, 1, u"work"_qs, u"a"_qs, std::nullopt, "new"}};
+    library.book("Emma");
+    library.save();
+    finishAll();
+    syncs = 0;
+    library.book("Persuasion");
+    library.save();
+    const int usual = syncs;
+    EXPECT_GT(usual, 0);
+
+    sqlite3 *other = nullptr;
+    ASSERT_EQ(sqlite3_open(library.path().toUtf8().constData(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_TRUE(library->finishOutbox({1})) << "another program holds the store";
+    sqlite3_close(other);
+    syncs = 0;
+    library.book("Lady Susan");
+    library.save();
+    EXPECT_EQ(syncs, usual);
 }
 
 TEST_F(OutboxOfAStore, ofAPassIsCarriedOutButNotUndone)

@@ -99,6 +99,24 @@ TEST_F(Undo, tellsEachRowOnce)
     library->setCommitEffects(nullptr);
 }
 
+TEST_F(Undo, tellsTheRowNumberOfWhatItDeletesAlsoWithoutAnObject)
+{
+    library.book("Emma");
+    library.save();
+    const RowId row = library.find("Emma")->rowId();
+    library.reopen();
+    Listener listener;
+    library->setCommitEffects(&listener);
+    undo();
+    redo();
+    undo();
+    ASSERT_EQ(listener.heard.size(), 3u);
+    const RowId rowOfRedo = listener.heard[1].inserted.at(0)->rowId();
+    EXPECT_EQ(listener.heard[0].deleted.at(0)->rowId(), row) << "lists know it by its number";
+    EXPECT_EQ(listener.heard[2].deleted.at(0)->rowId(), rowOfRedo);
+    library->setCommitEffects(nullptr);
+}
+
 TEST_F(Undo, neverTakesBackWhatCameFromElsewhere)
 {
     const auto emma = library.book("Emma");
@@ -122,6 +140,53 @@ TEST_F(Undo, neverTakesBackWhatCameFromElsewhere)
     redo();
     EXPECT_EQ(emma->pages(), 3);
     EXPECT_EQ(emma->price(), 2);
+}
+
+TEST_F(Undo, leavesWhatOthersDidWithinTheStep)
+{
+    const auto emma = library.book("Emma");
+    const auto other = library.book("Other");
+    const auto going = library.book("Going");
+    library.save();
+    {
+        Transaction step(library.context());
+        emma->setPages(5);
+        {
+            const JournalPause others(library.context());
+            library.book("Foreign");
+            other->setTitle(u"Renamed"_qs);
+            library->deleteObject(going);
+            const JournalPause nested(library.context());
+            emma->setPrice(3);
+        }
+        library.book("Mine");
+        ASSERT_FALSE(step.commit());
+    }
+    EXPECT_EQ(library->count(FetchRequest("Book")), 4);
+    undo();
+    EXPECT_EQ(library.find("Mine"), nullptr);
+    EXPECT_NE(library.find("Foreign"), nullptr);
+    EXPECT_EQ(other->title(), u"Renamed"_qs);
+    EXPECT_EQ(library.find("Going"), nullptr);
+    EXPECT_EQ(emma->pages(), std::nullopt);
+    EXPECT_EQ(emma->price(), std::nullopt) << "a row that the step changes goes back as a whole";
+    redo();
+    EXPECT_EQ(emma->pages(), 5);
+    EXPECT_NE(library.find("Mine"), nullptr);
+
+    // One that begins with others' part.
+    {
+        Transaction step(library.context());
+        {
+            const JournalPause others(library.context());
+            other->setTitle(u"Again"_qs);
+        }
+        emma->setPages(6);
+        ASSERT_FALSE(step.commit());
+    }
+    undo();
+    EXPECT_EQ(other->title(), u"Again"_qs);
+    EXPECT_EQ(emma->pages(), 5);
 }
 
 TEST_F(Undo, savesWhatTheUserChangedBeforeAnotherAuthorBegins)

@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QCoreApplication>
+
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
@@ -300,4 +302,37 @@ TEST_F(UnitOfWork, wrongPredicatesAndKeysFindNothingAndSaySo)
     EXPECT_EQ(library->count(FetchRequest("Book").where(Predicate::format("any pages.words = nil"))), 0);
     EXPECT_EQ(library->maximum(FetchRequest("Book"), "weight"), std::nullopt);
     EXPECT_GE(log.lines().size(), 3);
+}
+
+TEST_F(UnitOfWork, whatMustNotMeddleWithATransactionWaitsForItsEnd)
+{
+    QStringList done;
+    library->afterTransaction([&] { done.append(u"at once"_qs); });
+    EXPECT_EQ(done.size(), 1);
+    {
+        Transaction outer(library.context());
+        {
+            Transaction inner(library.context());
+            library->afterTransaction([&] { done.append(u"first"_qs); });
+        }
+        library->afterTransaction([&] {
+            done.append(u"second"_qs);
+            Transaction own(library.context());
+            library->afterTransaction([&] { done.append(u"third"_qs); });
+        });
+        QCoreApplication::processEvents();
+        EXPECT_EQ(done.size(), 1);
+    }
+    EXPECT_EQ(done.size(), 1) << "not within the call that ends it";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(done, QStringList({u"at once"_qs, u"first"_qs, u"second"_qs}));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(done.size(), 4);
+    {
+        Transaction last(library.context());
+        library->afterTransaction([&] { done.append(u"never"_qs); });
+    }
+    library.close();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(done.size(), 4) << "the store has gone";
 }

@@ -6,7 +6,7 @@
 #include "shell/tasks/LocationBubble.h"
 #include "shell/tasks/LocationPopup.h"
 #include "store/state/NotificationNames.h"
-#include "ui/support/MeanwhileAlerts.h"
+#include "support/MeanwhileAlerts.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/Animations.h"
 #include "widgets/CheckList.h"

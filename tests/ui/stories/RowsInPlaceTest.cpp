@@ -4,8 +4,10 @@
 #include "records/Categories.h"
 #include "shell/tasks/TaskListModel.h"
 #include "store/state/NotificationNames.h"
+#include "support/OtherProgram.h"
 #include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
+#include "usernotifications/UserNotificationCenter.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -273,16 +275,19 @@ protected:
     /// Titles in a list that is longer than the window.
     void fillInbox(int count)
     {
-        for (int number = 0; number < count; ++number) {
-            const auto task = context().insert<EntityTask>();
-            task->setTitle(u"Task %1"_s.arg(number, 3, 10, QLatin1Char('0')));
-            task->setType(TaskType::ToDo);
-            task->setStatus(TaskStatus::Open);
-            task->setDueSomeDay(false);
-            task->setPosition(2 * number);
-        }
+        for (int number = 0; number < count; ++number)
+            make(u"Task %1"_s.arg(number, 3, 10, QLatin1Char('0')), 2 * number);
         EXPECT_FALSE(DBWorker::saveContext());
         showList(SidebarItem::Inbox);
+    }
+    void make(const QString &title, int position)
+    {
+        const auto task = context().insert<EntityTask>();
+        task->setTitle(title);
+        task->setType(TaskType::ToDo);
+        task->setStatus(TaskStatus::Open);
+        task->setDueSomeDay(false);
+        task->setPosition(position);
     }
     void save()
     {
@@ -341,6 +346,33 @@ TEST_F(RowsInPlaceTest, WhereAllThatWasSelectedGoesItsNeighbourIsSelected)
     EXPECT_EQ(selectedTitles(), QStringList{u"Task 000"_s});
 }
 
+TEST_F(RowsInPlaceTest, RowsOutOfSightGoWhenAnUndoOrARedoDeletesTheirTasks)
+{
+    fillInbox(150);
+    const int all = list().model()->rowCount();
+    make(u"far below"_s, 1000);
+    save();
+    ASSERT_EQ(list().model()->rowCount(), all + 1);
+    run(ActionId::Undo);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(list().model()->rowCount(), all);
+
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        list().setFocus();
+        run(ActionId::SelectAll);
+        key(Qt::Key_Delete);
+    }
+    QCoreApplication::processEvents();
+    ASSERT_EQ(inboxTitles(), QStringList());
+    run(ActionId::Undo);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(list().model()->rowCount(), all);
+    run(ActionId::Redo);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shownTitles(), QStringList());
+}
+
 TEST_F(RowsInPlaceTest, WhatTheListDoesNotShowTouchesNoOtherRow)
 {
     fillInbox(20);
@@ -381,6 +413,28 @@ TEST_F(RowsInPlaceTest, OnAnotherDayTheWholeListIsAnother)
     add(u"elsewhere"_s);
     QCoreApplication::processEvents();
     EXPECT_EQ(shownTitles(), (QStringList{u"today"_s, u"tomorrow"_s}));
+}
+
+TEST_F(RowsInPlaceTest, WhatAnotherProgramWritesToTheStoreIsSeenWithoutATouch)
+{
+    const FrozenClock evening(localDate(2026, 11, 21, 20));
+    fillInbox(3);
+    clickRow(1);
+    writeElsewhere(context().path(),
+                   "INSERT INTO EntityTask (id, title, type, status, dueSomeDay, position) VALUES ('x', "
+                   "'from elsewhere', "
+                   "0, 0, 0, -1); UPDATE EntityTask SET title = 'renamed' WHERE title = 'Task 002';"
+                   "UPDATE EntityTask SET alert = 900000000 WHERE id = 'x'");
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return shownTitles() ==
+               QStringList({u"from elsewhere"_s, u"Task 000"_s, u"Task 001"_s, u"renamed"_s});
+    }));
+    EXPECT_EQ(selectedTitles(), QStringList{u"Task 001"_s});
+    const auto &alerts = UserNotificationCenter::defaultUserNotificationCenter().scheduledNotifications();
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].subtitle, u"from elsewhere"_s);
+    writeElsewhere(context().path(), "DELETE FROM EntityTask WHERE title <> 'renamed'");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownTitles() == QStringList{u"renamed"_s}; }));
 }
 
 TEST_F(RowsInPlaceTest, EventsThatArriveAreShownAndCountedOnceTheProgramIsEntered)

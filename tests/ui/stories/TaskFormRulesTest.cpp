@@ -213,7 +213,7 @@ TEST_F(TaskFormRulesTest, ARepetitionIsStoredWithItsEndAndShownAgainInWords)
 {
     const CalendarAccess access({u"Home"_s});
     open(u"standup"_s, SidebarItem::Today);
-    EXPECT_EQ(popUp("popUpButtonCalendar").itemText(0), u"Choose calendars to sync with Apple calendar"_s);
+    EXPECT_EQ(popUp("popUpButtonCalendar").itemText(0), u"Choose the calendars to keep in step with"_s);
     EXPECT_EQ(popUp("popUpButtonCalendar").currentText(), u"Home"_s);
     choose("popUpButtonRepeat", u"Every Week"_s);
     pick("datePickerEndRepeat");
@@ -298,8 +298,7 @@ TEST_F(TaskFormRulesTest, WithoutCalendarsNothingRepeatsAndTheFormSaysWhy)
 {
     open(u"   "_s, SidebarItem::Today);
     EXPECT_EQ(shown(dated), QStringList(u"rowAlert"_s));
-    EXPECT_EQ(popUp("popUpButtonCalendar").itemText(0),
-              u"The app does not have access to the Apple calendar"_s);
+    EXPECT_EQ(popUp("popUpButtonCalendar").itemText(0), u"The app does not have access to your calendars"_s);
     EXPECT_FALSE(popUp("popUpButtonCalendar").isEnabled());
     EXPECT_NE(save(QString()), nullptr) << "blanks are a title to the form";
 }

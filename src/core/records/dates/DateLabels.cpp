@@ -14,6 +14,17 @@ static QString word(QStringView key)
     return localized(key.toString());
 }
 
+/// The date in the language of the words around it.
+static QString shown(Date date, const QString &pattern)
+{
+    return DateFormatter::string(date, pattern, DateFormatter::Language::OfWords);
+}
+
+static QString shown(Date date, DateStyle dateStyle, DateStyle timeStyle)
+{
+    return DateFormatter::string(date, dateStyle, timeStyle, DateFormatter::Language::OfWords);
+}
+
 static QString joined(const QString &one, const QString &other)
 {
     return one + QLatin1Char(' ') + other;
@@ -34,17 +45,16 @@ static LeadWords leadWords(bool isStart)
 
 static QString atTime(Date date)
 {
-    return QLatin1Char(' ') +
-           joined(word(u"at"), DateFormatter::string(date, DateStyle::None, DateStyle::Short));
+    return QLatin1Char(' ') + joined(word(u"at"), shown(date, DateStyle::None, DateStyle::Short));
 }
 
 static QString dateInWords(Date date, bool considerTime)
 {
     if (!considerTime)
-        return DateFormatter::string(date, DateStyle::Medium, DateStyle::None);
-    const QString monthAndDay = DateFormatter::patternFromTemplate(QStringLiteral("MMMM d"));
-    return DateFormatter::string(date, monthAndDay) + atTime(date) +
-           DateFormatter::string(date, QStringLiteral(" ',' yyyy"));
+        return shown(date, DateStyle::Medium, DateStyle::None);
+    const QString monthAndDay =
+        DateFormatter::patternFromTemplate(QStringLiteral("MMMM d"), DateFormatter::Language::OfWords);
+    return shown(date, monthAndDay) + atTime(date) + shown(date, QStringLiteral("',' yyyy"));
 }
 
 /// "Yesterday", "Today", "Tomorrow" or nothing. Two midnights make neighbours only if exactly 86400 seconds
@@ -78,8 +88,8 @@ QString MVDate::getLabelText(OptionalDate date, bool considerTime, bool inOrderT
 
 static QString creationLabelOfFarDay(Date date)
 {
-    const QString day = DateFormatter::string(date, QStringLiteral("d MMMM"));
-    const QString timeAndYear = DateFormatter::string(date, QStringLiteral("HH:mm, yyyy"));
+    const QString day = shown(date, QStringLiteral("d MMMM"));
+    const QString timeAndYear = shown(date, QStringLiteral("HH:mm, yyyy"));
     return QStringLiteral("%1 %2 %3 %4").arg(word(u"Due Date on"), day, word(u"at"), timeAndYear);
 }
 
@@ -90,10 +100,9 @@ std::optional<QString> MVDate::noteCreationLabel(OptionalDate creationDate)
     const Calendar calendar = Calendar::current();
     if (calendar.isDateInTomorrow(*creationDate))
         return QStringLiteral("%1, %2").arg(word(u"Due Date Tomorrow"),
-                                            DateFormatter::string(*creationDate, QStringLiteral("yyyy")));
+                                            shown(*creationDate, QStringLiteral("yyyy")));
     if (calendar.isDateInYesterday(*creationDate))
         return QStringLiteral("%1 %2 %3")
-            .arg(word(u"Due"), word(u"at"),
-                 DateFormatter::string(*creationDate, QStringLiteral("d MMMM yyyy")));
+            .arg(word(u"Due"), word(u"at"), shown(*creationDate, QStringLiteral("d MMMM yyyy")));
     return calendar.isDateInToday(*creationDate) ? word(u"Due Today") : creationLabelOfFarDay(*creationDate);
 }

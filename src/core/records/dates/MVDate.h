@@ -97,9 +97,4 @@ public:
 
     /// The label of a note's creation date; absent for an absent date, whose label is left as it stands.
     static std::optional<QString> noteCreationLabel(OptionalDate creationDate);
-
-    /// The date's day as reading back its text in the pattern "YY:MM:DD" (week-based year, month, day of the
-    /// year) gives it: the midnight of the day, apart from some days around New Year. Rules that compare days
-    /// compare these. Absent if the text cannot be read. Cheap: results are kept for each day.
-    static OptionalDate dayByPattern(Date date);
 };

@@ -30,10 +30,11 @@ MissingField CompanyForm::clickButtonSave()
         row = mainContext().insert<EntityCompany>();
     writeValues();
     items.storeFor(row);
-    DBWorker::saveOrTell();
-    photo.finish();
+    const bool isSaved = DBWorker::saveOrTell();
+    if (isSaved)
+        photo.finish();
     items = DetailItems(*row);
-    return MissingField::None;
+    return isSaved ? MissingField::None : MissingField::Store;
 }
 
 void CompanyForm::writeValues()

@@ -34,10 +34,11 @@ MissingField ContactForm::clickButtonSave()
         row = mainContext().insert<EntityContacts>();
     writeValues();
     items.storeFor(row);
-    DBWorker::saveOrTell();
-    photo.finish();
+    const bool isSaved = DBWorker::saveOrTell();
+    if (isSaved)
+        photo.finish();
     items = DetailItems(*row);
-    return MissingField::None;
+    return isSaved ? MissingField::None : MissingField::Store;
 }
 
 void ContactForm::writeValues()

@@ -9,11 +9,11 @@ MissingField NoteForm::clickButtonSave()
     if (values.title.isEmpty())
         return MissingField::Title;
     values.creationDate = MVDate::date();
-    row = mainContext().insert<EntityNote>();
+    if (!row || !row->context())
+        row = mainContext().insert<EntityNote>();
     row->setCreationDate(values.creationDate);
     row->setTitle(values.title);
     row->setDetail(values.detail);
     row->setContact(values.contact);
-    DBWorker::saveOrTell();
-    return MissingField::None;
+    return DBWorker::saveOrTell() ? MissingField::None : MissingField::Store;
 }

@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 2;
+constexpr int modelVersion = 3;
 
 template <typename Entity>
 EntityDescription describe()

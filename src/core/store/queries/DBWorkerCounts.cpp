@@ -28,20 +28,6 @@ public:
             sum += count(part);
         return sum;
     }
-    /// How many of those that pass are late, each asked for itself.
-    int countLate(const Lateness &lateness, const Predicate &condition) const
-    {
-        int sum = 0;
-        mainContext().visit(EntityTask::fetchRequest().where(condition && visible), {"type", "dueDate"},
-                            [&](const RowReader &row) { sum += isLate(lateness, row) ? 1 : 0; });
-        return sum;
-    }
-    static bool isLate(const Lateness &lateness, const RowReader &row)
-    {
-        const std::optional<TaskType> type =
-            row.isNull(0) ? std::nullopt : std::optional(static_cast<TaskType>(row.integer(0)));
-        return lateness.isLate(type, row.date(1));
-    }
 
 private:
     Predicate visible = tasklists::visibleTasks();
@@ -105,42 +91,39 @@ Badge todayBadge(const Counter &counter)
     Badge badge;
     for (const TypePart &part : todayParts(MVDate::getEndOfDay(MVDate::date()))) {
         badge.right += counter.count(part.condition);
-        badge.left += counter.count(each(lateness.recentlyLate(part.type), part.condition));
+        badge.left += counter.count(part.condition && lateness.isLate(part.type));
     }
-    badge.left += counter.countLate(lateness, tasklists::today().base && lateness.longPast());
     return badge;
+}
+
+/// The open tasks that are late, by type; what is none of the types counts as a ToDo.
+std::vector<Predicate> openLateParts()
+{
+    const Lateness lateness;
+    std::vector<Predicate> parts;
+    for (const TaskType type : allTaskTypes)
+        parts.push_back(openTasks() && Predicate::format("type = %d", type) && lateness.isLate(type));
+    for (const Predicate &other :
+         {Predicate::format("type = nil"), Predicate::format("type < %d", TaskType::ToDo),
+          Predicate::format("type > %d", TaskType::EmailCall)})
+        parts.push_back(openTasks() && other && lateness.isLate(TaskType::ToDo));
+    return parts;
 }
 
 } // namespace
 
 int DBWorker::countStaleTasks()
 {
-    const Lateness lateness;
-    const Counter counter;
-    int count = counter.countLate(lateness, openTasks() && lateness.longPast());
-    for (const TaskType type : allTaskTypes)
-        count += counter.count(
-            each(lateness.recentlyLate(type), openTasks() && Predicate::format("type = %d", type)));
-    // What is none of them counts as a ToDo.
-    for (const Predicate &other :
-         {Predicate::format("type = nil"), Predicate::format("type < %d", TaskType::ToDo),
-          Predicate::format("type > %d", TaskType::EmailCall)})
-        count += counter.countLate(lateness, openTasks() && other && lateness.notLongPast());
-    return count;
+    return Counter().count(openLateParts());
 }
 
 TaskList DBWorker::allDelayTasks()
 {
     std::vector<RowId> rows;
-    const Lateness lateness;
-    const FetchRequest dated =
-        EntityTask::fetchRequest()
-            .where(openTasks() && Predicate::format("dueDate != nil") && tasklists::visibleTasks())
-            .sortedBy({ascending("title")});
-    mainContext().visit(dated, {"type", "dueDate"}, [&](const RowReader &row) {
-        if (Counter::isLate(lateness, row))
-            rows.push_back(row.rowId());
-    });
+    mainContext().visit(EntityTask::fetchRequest()
+                            .where(Predicate::anyOf(openLateParts()) && tasklists::visibleTasks())
+                            .sortedBy({ascending("title")}),
+                        {}, [&rows](const RowReader &row) { rows.push_back(row.rowId()); });
     return tasklists::list(std::move(rows));
 }
 

@@ -5,11 +5,9 @@
 #include "store/entities/TaskValues.h"
 
 #include <optional>
-#include <vector>
 
 /// Tells which open tasks are late at one moment: an Appointment or Email/Call as soon as its due date has
-/// passed, a ToDo from the next day on. Days are compared as `MVDate::dayByPattern` gives them, with what
-/// that does around New Year.
+/// passed, a ToDo from the next day on. A task without a type counts as a ToDo.
 class Lateness
 {
 public:
@@ -18,17 +16,13 @@ public:
 
     /// Whether a task of that type with that due date is late.
     bool isLate(std::optional<TaskType> type, OptionalDate dueDate) const;
-
-    /// Conditions on the due date that exclude each other and pass, together, the tasks of that type that are
-    /// late among those due from a day some years back on, whatever their status.
-    std::vector<Predicate> recentlyLate(std::optional<TaskType> type) const;
-    /// Passes the tasks due before that day; each of them must be asked by `isLate`.
-    Predicate longPast() const;
-    /// Passes all others, in words that leave the planner to an index on something else.
-    Predicate notLongPast() const;
+    /// Passes those of that type that are late, whatever their status.
+    Predicate isLate(TaskType type) const;
 
 private:
+    /// What a due date must lie before.
+    Date bound(std::optional<TaskType> type) const;
+
     Date now;
-    OptionalDate today;
-    Date recentStart;
+    Date startOfToday;
 };

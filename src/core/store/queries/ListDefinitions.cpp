@@ -6,6 +6,7 @@
 #include "store/state/CoreContext.h"
 
 #include <map>
+#include <unordered_map>
 
 namespace tasklists {
 
@@ -303,22 +304,45 @@ private:
 class Groups
 {
 public:
-    explicit Groups(const Reading &reading)
-        : isByDay(reading.isGroupedByDay)
-        , isGrouped(isByDay || !reading.groupColumn.empty())
+    explicit Groups(const Reading &groupedList)
+        : reading(groupedList)
         , keys(1)
-    {}
+    {
+        if (isReadAhead())
+            readAhead();
+    }
 
-    /// The place of a row's group among the keys; 0 if the list has none.
+    /// The column that a row is asked for; empty for none.
+    std::string column() const { return isReadAhead() ? std::string() : reading.groupColumn; }
+    /// The place of a row's group among the keys; 0 if it has none.
     int placeOf(const RowReader &row, int column)
     {
-        if (!isGrouped)
-            return 0;
-        return isByDay ? placeOfDay(days.dayOf(row.date(column).value_or(Date()))) : placeOfText(row, column);
+        if (isReadAhead()) {
+            const auto known = byRow.find(row.rowId());
+            return known == byRow.end() ? 0 : known->second;
+        }
+        if (reading.isGroupedByDay)
+            return placeOfDay(days.dayOf(row.date(column).value_or(Date())));
+        return reading.groupColumn.empty() ? 0 : placeOfText(row, column);
     }
     const GroupKey &keyAt(int place) const { return keys[static_cast<size_t>(place)]; }
 
 private:
+    bool isReadAhead() const { return reading.isGroupIndexed && !reading.among; }
+    void readAhead()
+    {
+        const FetchRequest grouped = EntityTask::fetchRequest()
+                                         .where(Predicate::format(reading.groupColumn + " != nil"))
+                                         .sortedBy({ascending(reading.groupColumn)});
+        std::string last;
+        mainContext().visit(grouped, {reading.groupColumn}, [&](const RowReader &row) {
+            if (const std::string_view bytes = row.utf8(0); keys.size() == 1 || bytes != last) {
+                keys.emplace_back(row.text(0));
+                last = bytes;
+            }
+            byRow.emplace(row.rowId(), lastPlace());
+        });
+    }
     int placeOfDay(Date day)
     {
         if (keys.back() != GroupKey(day))
@@ -336,9 +360,9 @@ private:
     }
     int lastPlace() const { return static_cast<int>(keys.size()) - 1; }
 
-    bool isByDay;
-    bool isGrouped;
+    const Reading &reading;
     std::vector<GroupKey> keys;
+    std::unordered_map<RowId, int> byRow;
     std::map<std::string, int, std::less<>> places;
     Days days;
 };
@@ -349,13 +373,13 @@ std::vector<PlacedRow> placedRows(const Definition &definition, const Reading &r
 {
     std::vector<std::string> columns = columnsFor(definition.order);
     const int groupPlace = static_cast<int>(columns.size());
-    if (!reading.groupColumn.empty())
-        columns.push_back(reading.groupColumn);
+    Groups groups(reading);
+    if (const std::string column = groups.column(); !column.empty())
+        columns.push_back(column);
     FetchRequest wanted = request(definition, reading.filter);
     wanted.candidates = reading.among;
     std::vector<KeyedRow> rows;
     listorder::EffectiveDates dates;
-    Groups groups(reading);
     mainContext().visit(wanted, columns, [&](const RowReader &row) {
         rows.push_back(keyedRow(definition.order, row, dates));
         rows.back().group = groups.placeOf(row, groupPlace);

@@ -150,7 +150,8 @@ tasklists::Reading TaskListQuery::reading() const
 {
     return {.filter = filter,
             .groupColumn = columnOf(groupedBy),
-            .isGroupedByDay = groupedBy == GroupedBy::DayDone};
+            .isGroupedByDay = groupedBy == GroupedBy::DayDone,
+            .isGroupIndexed = !entityOf(groupedBy).empty()};
 }
 
 TaskRows TaskListQuery::fetch() const

@@ -8,6 +8,7 @@ namespace settings {
 // Store and start.
 inline const QString valueSwitchDatabase = QStringLiteral("valueSwitchDatabase");
 inline const QString firstRun = QStringLiteral("FirstRun");
+inline const QString sweptSearchIndexes = QStringLiteral("sweptSearchIndexes");
 inline const QString ubiquityIdentityToken = QStringLiteral("UbiquityIdentityToken");
 
 // Screens.

@@ -7,6 +7,8 @@
 #include "shell/tasks/TaskPopupMenu.h"
 #include "widgets/LongWork.h"
 
+#include <QScopedValueRollback>
+
 using namespace Qt::Literals::StringLiterals;
 
 // What is done to the tasks of a list in their rows.
@@ -62,13 +64,18 @@ void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Chang
                                         const Value &...value)
 {
     LongWork work(tasks.size(), localized(u"Changing the selected tasks"_s));
-    isEditing = true;
-    change(tasks, value..., [&work] { return work.step(); });
-    isEditing = false;
+    std::set<RowId> edited;
+    for (const TaskPtr &task : tasks)
+        edited.insert(task->rowId());
+    {
+        // A question lets other things happen to other rows.
+        const QScopedValueRollback editing(editedRows, edited);
+        change(tasks, value..., [&work] { return work.step(); });
+    }
     // Also those of a save that waits.
-    for (const TaskPtr &task : tasks) {
-        if (!changedRows.contains(task->rowId()))
-            seenRows.insert(task->rowId());
+    for (const RowId row : edited) {
+        if (!changedRows.contains(row))
+            seenRows.insert(row);
     }
     view->viewport()->update();
     seenUpdate.start();

@@ -103,7 +103,7 @@ void TabTaskViewController::rowChanged(const ObjectPtr &object, bool isGone)
     const RowId row = object->rowId();
     if (isGone)
         seenRows.erase(row);
-    else if (isEditing)
+    else if (editedRows.contains(row))
         seenRows.insert(row);
     if (!seenRows.contains(row)) {
         changedRows.insert(row);

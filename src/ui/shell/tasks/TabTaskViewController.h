@@ -129,7 +129,8 @@ private:
     QTimer seenUpdate;
     /// Everything can be different.
     bool isAllChanged = false;
-    bool isEditing = false;
+    /// Those that the user is changing in their rows just now.
+    std::set<RowId> editedRows;
     /// The day on which the rows were fetched: on another one other tasks belong to the list.
     Date shownDay;
     std::vector<Observation> observations;

@@ -33,7 +33,7 @@ TEST(DateLabelsTest, LabelsNameTheDaysAroundToday)
 TEST(DateLabelsTest, LabelsOfOtherDaysShowTheDate)
 {
     const FrozenClock clock(localDate(2024, 7, 15, 10));
-    EXPECT_EQ(label(localDate(2024, 7, 17, 9), Time::Shown), u"Due on July 17 at 9:00 AM , 2024"_qs);
+    EXPECT_EQ(label(localDate(2024, 7, 17, 9), Time::Shown), u"Due on July 17 at 9:00 AM, 2024"_qs);
     EXPECT_EQ(label(localDate(2024, 7, 17, 9), Time::Hidden), u"Due on Jul 17, 2024"_qs);
     EXPECT_EQ(label(localDate(2023, 7, 15, 9), Time::Hidden), u"Due on Jul 15, 2023"_qs);
 }
@@ -76,8 +76,17 @@ TEST(DateLabelsTest, LabelsSpeakTheUsersLanguage)
     const FrozenClock clock(localDate(2024, 7, 15, 10));
     EXPECT_EQ(label(localDate(2024, 7, 15, 14, 5), Time::Shown), u"Fällig um 14:05"_qs);
     EXPECT_EQ(label(localDate(2024, 7, 16), Time::Hidden, Lead::Start), u"Beginn Morgen"_qs);
-    EXPECT_EQ(label(localDate(2024, 7, 17, 9), Time::Shown), u"Fällig am 17. Juli um 09:00 , 2024"_qs);
+    EXPECT_EQ(label(localDate(2024, 7, 17, 9), Time::Shown), u"Fällig am 17. Juli um 09:00, 2024"_qs);
     EXPECT_EQ(label(localDate(2024, 7, 17, 9), Time::Hidden), u"Fällig am 17.07.2024"_qs);
+}
+
+TEST(DateLabelsTest, LabelsAreEnglishAsAWholeWhereThereAreNoWords)
+{
+    Region::setLocale(u"fr_FR"_qs);
+    const FrozenClock clock(localDate(2024, 7, 15, 10));
+    EXPECT_EQ(label(localDate(2024, 8, 17, 9), Time::Hidden), u"Due on Aug 17, 2024"_qs);
+    EXPECT_EQ(label(localDate(2024, 8, 17, 21), Time::Shown), u"Due on August 17 at 21:00, 2024"_qs);
+    EXPECT_EQ(label(localDate(2024, 7, 16, 21), Time::Shown, Lead::Start), u"Start Tomorrow at 21:00"_qs);
 }
 
 TEST(DateLabelsTest, LabelsFollowTheDayAsItGoesBy)

@@ -147,19 +147,3 @@ TEST(MVDateTest, TheClockHasTwelveHoursWhereTheLocaleSaysSo)
         EXPECT_EQ(MVDate::isPM_AM_String(), isTwelveHours) << qPrintable(locale);
     }
 }
-
-TEST(MVDateTest, DaysByPatternAreMidnightsExceptAroundNewYear)
-{
-    EXPECT_EQ(MVDate::dayByPattern(localDate(2025, 6, 16, 23, 59)), localDate(2025, 6, 16));
-    EXPECT_EQ(MVDate::dayByPattern(localDate(2025, 6, 17)), localDate(2025, 6, 17));
-    EXPECT_EQ(MVDate::dayByPattern(localDate(2024, 12, 29, 10)), localDate(2025, 12, 30));
-    EXPECT_EQ(MVDate::dayByPattern(localDate(2024, 12, 31, 10)), localDate(2026, 1, 1));
-
-    Region::setLocale(u"de_DE"_qs);
-    EXPECT_EQ(MVDate::dayByPattern(localDate(2024, 12, 29, 10)), localDate(2024, 12, 29));
-    EXPECT_EQ(MVDate::dayByPattern(localDate(2027, 1, 1, 10)), localDate(2026, 1, 1));
-
-    const Date evening = localDate(2025, 6, 16, 23);
-    Region::setZone("Asia/Tokyo");
-    EXPECT_EQ(MVDate::dayByPattern(evening), localDate(2025, 6, 17));
-}

@@ -167,18 +167,38 @@ TEST_F(Forms, StoreCompaniesAndNotes)
     EXPECT_EQ(newNotes.count, 1);
 }
 
-TEST_F(Forms, KeepWhatACommitCouldNotStore)
+TEST_F(Forms, SayThatTheStoreTookNothingAndStoreItOnceWhenItDoes)
 {
-    ContactForm form;
-    form.values.firstName = u"Ann"_qs;
+    const QByteArray picture("picture");
+    ContactForm contact;
+    contact.values.firstName = u"Ann"_qs;
+    contact.items.phones[0].setPhoneNumber(u"1"_qs);
+    contact.items.controlTextDidChange();
+    contact.photo.dropPicture(picture);
+    CompanyForm company;
+    company.values.title = u"Shop"_qs;
+    NoteForm note;
+    note.values.title = u"typed"_qs;
     const LogCapture log;
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton, Alert::firstButton});
     {
         const FullDisk disk;
-        EXPECT_EQ(form.clickButtonSave(), MissingField::None);
+        EXPECT_EQ(contact.clickButtonSave(), MissingField::Store);
+        EXPECT_EQ(company.clickButtonSave(), MissingField::Store);
+        EXPECT_EQ(note.clickButtonSave(), MissingField::Store);
     }
-    EXPECT_EQ(log.lines().filter(u"Unresolved error"_qs).size(), 1);
-    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(log.lines().filter(u"Unresolved error"_qs).size(), 3);
+    note.values.title = u"corrected"_qs;
+    EXPECT_EQ(contact.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(company.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(note.clickButtonSave(), MissingField::None);
     EXPECT_EQ(rows<EntityContacts>(), 1);
+    EXPECT_EQ(rows<EntityPhone>(), 1);
+    EXPECT_EQ(rows<EntityCompany>(), 1);
+    EXPECT_EQ(rows<EntityNote>(), 1);
+    EXPECT_EQ(note.note()->title(), u"corrected"_qs);
+    EXPECT_EQ(PhotoEdit(contact.contact()->photoName()).pictureData(), picture)
+        << "the picture is written with the record";
 }
 
 } // namespace

@@ -153,8 +153,11 @@ TEST_F(SavingProjects, ReloadsTheCopyWhenTheCommitFails)
     const LogCapture log;
     {
         const FullDisk disk;
+        const ScriptedAlerts alerts({Alert::firstButton});
         EXPECT_FALSE(ProjectManager::saveProjectTemp(project));
+        EXPECT_EQ(alerts.asked().size(), 1u) << "the user hears of it";
     }
+    EXPECT_EQ(project.title, u"House"_qs);
     EXPECT_EQ(log.lines().filter(u"Can't Save Project! "_qs).size(), 1);
     EXPECT_EQ(project.creationDate, Clock::now()) << "It was read from the row";
     EXPECT_EQ(added + changed, 0);

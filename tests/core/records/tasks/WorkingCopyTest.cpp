@@ -3,6 +3,7 @@
 #include "calendarsync/CalendarEvent.h"
 
 #include <QUrl>
+#include <QUrlQuery>
 
 namespace {
 
@@ -144,6 +145,23 @@ TEST_F(WorkingCopy, SeesWhatItCollidesWith)
               u"There is task  'ring'  with Start Date  '3:00\u202fPM'  "_qs);
 }
 
+TEST_F(WorkingCopy, StartsAToDoOnTheDayThatWasPicked)
+{
+    for (int day = 24; day <= 36; ++day) {
+        MVTask copy;
+        copy.type = TaskType::ToDo;
+        const Date picked = MVDate::addDay(day, localDate(2026, 11, 30, 10));
+        TaskManager::saveStartDate(picked, copy);
+        EXPECT_EQ(copy.startDate, MVDate::getStartOfDay(picked));
+        EXPECT_TRUE(MVDate::orTheSameDay(*copy.dueDate, picked));
+    }
+}
+
+QString bodyOf(const MVTask &copy)
+{
+    return QUrl::fromPercentEncoding(copy.htmlBody().section(u"&body="_qs, 1).toLatin1());
+}
+
 TEST_F(WorkingCopy, BecomesAMailDraft)
 {
     const auto contact = context().insert<EntityContacts>();
@@ -162,7 +180,7 @@ TEST_F(WorkingCopy, BecomesAMailDraft)
     const QString recipients = draft.mid(7, draft.indexOf(u'?') - 7);
     EXPECT_EQ(QStringList(recipients.split(u',')).size(), 2);
     EXPECT_TRUE(draft.contains(u"?subject=%4D%6F%72%76%61%6E%65&body=%"_qs));
-    const QString body = QUrl::fromPercentEncoding(draft.mid(draft.indexOf(u"&body="_qs) + 6).toLatin1());
+    const QString body = bodyOf(copy);
     EXPECT_TRUE(body.contains(u"Task: Fish & chips"_qs)) << qPrintable(body);
     EXPECT_TRUE(body.contains(u"Due date: 11/25/26"_qs)) << qPrintable(body);
     EXPECT_FALSE(body.contains(u"Start date"_qs));
@@ -170,8 +188,30 @@ TEST_F(WorkingCopy, BecomesAMailDraft)
     copy.startDate = localDate(2026, 11, 25, 9);
     const QString timed = copy.htmlBody();
     EXPECT_TRUE(QUrl::fromPercentEncoding(timed.toLatin1()).contains(u"Start date: 11/25/26, 9:00 AM"_qs));
-    copy.title = u"Käse"_qs;
-    EXPECT_TRUE(copy.htmlBody().endsWith(u"&body="_qs)) << "What ASCII cannot hold gives no body";
+    copy.title = u"Käse für <b>Zoë</b>"_qs;
+    copy.details = u"one\ntwo"_qs;
+    const QString words = bodyOf(copy);
+    EXPECT_TRUE(words.contains(u"Task: Käse für <b>Zoë</b> \n"_qs)) << qPrintable(words);
+    EXPECT_TRUE(words.contains(u"Details: one\ntwo \n"_qs)) << qPrintable(words);
+}
+
+TEST_F(WorkingCopy, GivesAMailDraftNoHeaderThatTheUserDidNotWrite)
+{
+    const auto contact = context().insert<EntityContacts>();
+    const auto email = context().insert<EntityEmail>();
+    email->setMail(u" ann@example.org?bcc=eve@example.org&x=1,eve@example.org\r\nBcc: eve@example.org"_qs);
+    email->setContact(contact);
+    MVTask copy;
+    copy.title = u"a&bcc=eve@example.org\r\nBcc: eve@example.org"_qs;
+    copy.delegateToUser = contact;
+    const QUrl draft(copy.htmlBody());
+    EXPECT_TRUE(draft.isValid());
+    QStringList names;
+    for (const auto &[name, value] : QUrlQuery(draft).queryItems())
+        names.append(name);
+    EXPECT_EQ(names, (QStringList{u"subject"_qs, u"body"_qs}));
+    EXPECT_FALSE(copy.htmlBody().contains(u','));
+    EXPECT_TRUE(bodyOf(copy).contains(copy.title));
 }
 
 } // namespace
