@@ -1,5 +1,6 @@
 #include "records/Functional.h"
 #include "store/entities/Entities.h"
+#include "workspace/PlatformConfiguration.h"
 #include "workspace/Workspace.h"
 
 #include <QUrl>
@@ -8,8 +9,9 @@ void Functional::openLocationWithEntityLocation(const std::shared_ptr<EntityLoca
 {
     if (!location || location->title().isEmpty())
         return;
-    // What RFC 3986 lets stand in a fragment.
-    static const QByteArray fragmentCharacters("!$&'()*+,;=:@/?");
-    const QByteArray title = QUrl::toPercentEncoding(location->title(), fragmentCharacters);
-    Workspace::openUrl(QStringLiteral("https://maps.apple.com/?q=") + QString::fromLatin1(title));
+    const QString set = PlatformConfiguration().text(QStringLiteral("mapPage"));
+    const QString page =
+        set.isEmpty() ? QStringLiteral("https://www.openstreetmap.org/search?query={query}") : set;
+    const QString query = QString::fromLatin1(QUrl::toPercentEncoding(location->title()));
+    Workspace::openUrl(QString(page).replace(QStringLiteral("{query}"), query));
 }

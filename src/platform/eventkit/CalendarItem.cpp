@@ -1,6 +1,7 @@
 #include "eventkit/CalendarItem.h"
 
 #include "eventkit/CalendarError.h"
+#include "eventkit/IcalText.h"
 #include "eventkit/WallClockZone.h"
 
 #include <algorithm>
@@ -70,7 +71,7 @@ OptionalError CalendarItem::takeComponents()
 
 OptionalError CalendarItem::take(std::size_t childIndex, const IcalComponent &component)
 {
-    const QString uid = QString::fromUtf8(component.value("UID")).trimmed();
+    const QString uid = IcalText::fromBytes(component.value("UID")).trimmed();
     const EKEntityType type = component.name() == "VTODO" ? EKEntityType::Reminder : EKEntityType::Event;
     const bool isFirst = !series && edited.empty();
     if (uid.isEmpty())

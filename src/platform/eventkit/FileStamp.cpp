@@ -23,7 +23,7 @@ std::optional<FileStamp> FileStamp::of(const QString &path)
     if (::stat(QFile::encodeName(path).constData(), &found) != 0)
         return std::nullopt;
     return FileStamp{nanosecondsOf(found.st_mtim), nanosecondsOf(found.st_ctim), found.st_ino, found.st_size,
-                     S_ISDIR(found.st_mode)};
+                     S_ISDIR(found.st_mode),       S_ISREG(found.st_mode)};
 }
 
 QByteArray FileStamp::text() const

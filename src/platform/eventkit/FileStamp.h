@@ -14,6 +14,8 @@ struct FileStamp
     quint64 inode = 0;
     qint64 size = 0;
     bool isFolder = false;
+    /// Reading anything else, such as a named pipe, may take for ever.
+    bool isRegular = false;
 
     /// Follows symbolic links; absent if there is nothing.
     static std::optional<FileStamp> of(const QString &path);

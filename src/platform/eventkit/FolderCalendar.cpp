@@ -101,11 +101,11 @@ FolderCalendar::Known FolderCalendar::read(const QString &name, const FileStamp 
     return found;
 }
 
-/// Null for a file that is not there. Without an etag if it cannot be read.
+/// Null for what is not there or no file. Without an etag if it cannot be read.
 const FolderCalendar::Known *FolderCalendar::look(const QString &name)
 {
     const auto stamp = FileStamp::of(pathOf(name));
-    if (!stamp || stamp->isFolder) {
+    if (!stamp || !stamp->isRegular) {
         known.remove(name);
         return nullptr;
     }

@@ -3,6 +3,7 @@
 #include "eventkit/CalendarError.h"
 #include "eventkit/ColorText.h"
 #include "eventkit/FileStamp.h"
+#include "eventkit/IcalText.h"
 #include "foundation/AtomicFile.h"
 #include "foundation/PrivateFiles.h"
 
@@ -52,7 +53,9 @@ QString contentsOf(const QString &folder, const QString &name)
 {
     constexpr qint64 mostBytes = 4096;
     QFile file(folder + u'/' + name);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.read(mostBytes)).trimmed() : QString();
+    const auto stamp = FileStamp::of(file.fileName());
+    const bool isOpen = stamp && stamp->isRegular && file.open(QIODevice::ReadOnly);
+    return isOpen ? IcalText::fromBytes(file.read(mostBytes)).trimmed() : QString();
 }
 
 QString titleOf(const QString &path)

@@ -1,9 +1,18 @@
 #include "eventkit/IcalText.h"
 
+#include <QStringDecoder>
+
+QString IcalText::fromBytes(const QByteArray &bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder.decode(bytes);
+    return decoder.hasError() ? QString::fromLatin1(bytes) : text;
+}
+
 QString IcalText::decoded(const QByteArray &value)
 {
     if (!value.contains('\\'))
-        return QString::fromUtf8(value);
+        return fromBytes(value);
     QByteArray text;
     text.reserve(value.size());
     for (qsizetype index = 0; index < value.size(); ++index) {
@@ -11,7 +20,7 @@ QString IcalText::decoded(const QByteArray &value)
         const char character = isEscaped ? value[++index] : value[index];
         text += isEscaped && (character == 'n' || character == 'N') ? '\n' : character;
     }
-    return QString::fromUtf8(text);
+    return fromBytes(text);
 }
 
 QByteArray IcalText::encoded(const QString &text)

@@ -1,5 +1,7 @@
 #include "eventkit/ParticipantLines.h"
 
+#include "eventkit/IcalText.h"
+
 #include <QHash>
 
 namespace {
@@ -33,8 +35,8 @@ QString addressOf(const QString &url)
 EKParticipant participantOf(const ContentLine &line, const QStringList &ownAddresses)
 {
     EKParticipant participant;
-    participant.url = QString::fromUtf8(line.value()).trimmed();
-    participant.name = QString::fromUtf8(line.parameter("CN"));
+    participant.url = IcalText::fromBytes(line.value()).trimmed();
+    participant.name = IcalText::fromBytes(line.parameter("CN"));
     participant.isCurrentUser = ownAddresses.contains(addressOf(participant.url), Qt::CaseInsensitive);
     return participant;
 }

@@ -29,7 +29,9 @@ const Calendar &calendarOfZone(const QByteArray &zone)
 /// Qt takes any word of letters for a rule of POSIX, and does not list aliases such as "Etc/UTC" or "GMT".
 static bool hasZoneData(const QByteArray &name)
 {
-    if (name.contains(',') || !QTimeZone(name).isValid())
+    // The name comes from a file and becomes a path.
+    const bool isPath = name.startsWith('/') || name.contains("..") || name.contains('\0');
+    if (isPath || name.contains(',') || !QTimeZone(name).isValid())
         return false;
     return name.contains('/') || QTimeZone::isTimeZoneIdAvailable(name) ||
            QFile::exists(QStringLiteral("/usr/share/zoneinfo/") + QString::fromUtf8(name));

@@ -1,5 +1,8 @@
 #include "workspace/Workspace.h"
 
+#include <QStringList>
+#include <QUrl>
+
 static Workspace::UrlOpener &urlOpener()
 {
     static Workspace::UrlOpener opener;
@@ -8,7 +11,10 @@ static Workspace::UrlOpener &urlOpener()
 
 bool Workspace::openUrl(const QString &url)
 {
-    return urlOpener() && urlOpener()(url);
+    static const QStringList schemes = {QStringLiteral("http"), QStringLiteral("https"),
+                                        QStringLiteral("mailto"), QStringLiteral("tel"),
+                                        QStringLiteral("geo")};
+    return schemes.contains(QUrl(url).scheme()) && urlOpener() && urlOpener()(url);
 }
 
 void Workspace::setUrlOpener(UrlOpener opener)

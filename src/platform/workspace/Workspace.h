@@ -10,8 +10,9 @@ class Workspace
 public:
     Workspace() = delete;
 
-    /// Opens an address (for example "https:", "mailto:", "tel:") with the program that the user has for it.
-    /// False if there is none, or without a screen.
+    /// Opens an address with the program that the user has for it. Addresses come from records, and so from
+    /// elsewhere: only "http:", "https:", "mailto:", "tel:" and "geo:" are opened, never a file or a program.
+    /// False for any other, where no program is there for it, or without a screen.
     static bool openUrl(const QString &url);
     /// Who opens addresses; the program with a screen sets it at start.
     using UrlOpener = std::function<bool(const QString &)>;

@@ -165,10 +165,16 @@ void MainWindowController::fullScreenChanged()
         ->setText(localized(isFull ? u"Exit Full Screen"_s : u"Enter Full Screen"_s));
 }
 
+static constexpr int aboutIconSize = 64;
+
 void MainWindowController::showAbout()
 {
-    QMessageBox::about(mainWindow.get(), localized(u"About Morvane"_s),
-                       u"<h3>Morvane</h3><p>%1 %2</p><p>%3</p>"_s.arg(
-                           localized(u"Version"_s), AppDelegate::version(),
-                           localized(u"Tasks, projects, contacts and calendars in one place."_s)));
+    QMessageBox box(mainWindow.get());
+    box.setWindowTitle(localized(u"About Morvane"_s));
+    box.setTextFormat(Qt::RichText);
+    box.setText(u"<h3>Morvane</h3><p>%1 %2</p><p>%3</p>"_s.arg(
+        localized(u"Version"_s), AppDelegate::version(),
+        localized(u"Tasks, projects, contacts and calendars in one place."_s)));
+    box.setIconPixmap(QGuiApplication::windowIcon().pixmap(aboutIconSize, aboutIconSize));
+    box.exec();
 }

@@ -11,6 +11,7 @@
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QMenu>
 #include <QPainter>
 #include <QStyleOption>
@@ -282,9 +283,18 @@ QIcon MorvaneStyle::standardIcon(StandardPixmap icon, const QStyleOption *option
     return QProxyStyle::standardIcon(icon, option, widget);
 }
 
+/// A label guesses whether its text is markup, and many texts come from elsewhere: titles of tasks, names of
+/// calendars, what an error says. Who wants markup asks for it.
+static void showAsWritten(QLabel *label)
+{
+    if (label && label->textFormat() == Qt::AutoText && !label->inherits("QTipLabel"))
+        label->setTextFormat(Qt::PlainText);
+}
+
 void MorvaneStyle::polish(QWidget *widget)
 {
     QProxyStyle::polish(widget);
+    showAsWritten(qobject_cast<QLabel *>(widget));
     if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QComboBox *>(widget))
         widget->setAttribute(Qt::WA_Hover);
     if (qobject_cast<QMenu *>(widget) || isPopUpList(widget))

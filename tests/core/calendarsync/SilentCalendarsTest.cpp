@@ -264,4 +264,166 @@ TEST_F(SilentCalendars, AChangeThatStillFailsIsKept)
     expectArrived({u"24 Anew"_qs}, {u"24 Anew"_qs});
 }
 
+TEST_F(SilentCalendars, EachCommandIsTakenBackAfterItWasWrittenLater)
+{
+    const QStringList untouched = {u"24 Dentist"_qs, u"25 Other"_qs};
+    make(draft(u"Dentist"_qs));
+    make(draft(u"Other"_qs, 25));
+    activate();
+    struct Step
+    {
+        std::function<void(const TaskPtr &)> command;
+        QStringList tasks, events;
+    };
+    const std::vector<Step> steps = {
+        {[](const TaskPtr &row) { rename(row, u"Doctor"_qs); },
+         {u"24 Doctor"_qs, u"25 Other"_qs},
+         {u"24 Doctor"_qs, u"25 Other"_qs}},
+        {[](const TaskPtr &row) {
+             edit(row, [](MVTask &task) {
+                 task.startDate = localDate(2026, 11, 27, 14);
+                 task.dueDate = localDate(2026, 11, 27, 15);
+             });
+         },
+         {u"25 Other"_qs, u"27 Dentist"_qs},
+         {u"25 Other"_qs, u"27 Dentist"_qs}},
+        {[](const TaskPtr &row) { tickOff(row); },
+         {u"24 Dentist (done)"_qs, u"25 Other"_qs},
+         {u"25 Other"_qs}},
+        {[](const TaskPtr &row) { deleteRow(row); }, {u"25 Other"_qs}, {u"25 Other"_qs}},
+    };
+    for (size_t number = 0; number < steps.size(); ++number) {
+        for (const bool isBackBeforeUndo : {true, false}) {
+            SCOPED_TRACE(testing::Message() << number << ' ' << isBackBeforeUndo);
+            const Step &step = steps[number];
+            const QString identity = rowOf(u"Dentist"_qs)->identifier();
+            backend->setSilent(true);
+            step.command(rowOf(u"Dentist"_qs));
+            const auto comeBack = [this] {
+                backend->setSilent(false);
+                activate();
+            };
+            if (isBackBeforeUndo) {
+                comeBack();
+                expectArrived(step.tasks, step.events);
+            }
+            undo();
+            if (isBackBeforeUndo) {
+                EXPECT_EQ(events(), untouched) << "at once";
+            }
+            // A pass for something else takes nothing back.
+            pass();
+            EXPECT_EQ(tasks(), untouched);
+            comeBack();
+            expectArrived(untouched, untouched);
+            EXPECT_EQ(rowOf(u"Dentist"_qs)->identifier(), identity);
+            redo();
+            restart();
+            activate();
+            expectArrived(step.tasks, step.events);
+            undo();
+            activate();
+            expectArrived(untouched, untouched);
+        }
+    }
+}
+
+TEST_F(SilentCalendars, WhatWasDoneBeforeCanStillBeTakenBackAfterwards)
+{
+    make(draft(u"Dentist"_qs));
+    rename(rowOf(u"Dentist"_qs), u"Doctor"_qs);
+    activate();
+    backend->setSilent(true);
+    tickOff(rowOf(u"Doctor"_qs));
+    backend->setSilent(false);
+    activate();
+    expectArrived({u"24 Doctor (done)"_qs}, {});
+    undo();
+    activate();
+    expectArrived({u"24 Doctor"_qs}, {u"24 Doctor"_qs});
+    undo();
+    activate();
+    expectArrived({u"24 Dentist"_qs}, {u"24 Dentist"_qs});
+}
+
+TEST_F(SilentCalendars, EditsOfASeriesReachItLater)
+{
+    const QStringList all = {u"23 Run"_qs, u"24 Run"_qs, u"25 Run"_qs, u"26 Run"_qs};
+    const QString lines =
+        u"SUMMARY:Run\nDTSTART:20261123T090000Z\nDTEND:20261123T100000Z\nRRULE:FREQ=DAILY;COUNT=4\n"_qs;
+    const auto deleteFrom = [](int place, int button) {
+        const ScriptedAlerts alerts({button});
+        TaskManager::deleteTasks({rows().at(size_t(place))}, {});
+    };
+    const auto retitle = [](MVTask &task) { task.title = u"Swim"_qs; };
+    const auto finish = [](MVTask &task) { task.changeStatusType(TaskStatus::Done, false); };
+    struct Step
+    {
+        std::function<void()> command;
+        QStringList tasks, events;
+    };
+    const std::vector<Step> steps = {
+        {[&] { editSeries(rows().at(1), Span::ThisTask, retitle); },
+         {u"23 Run"_qs, u"24 Swim"_qs, u"25 Run"_qs, u"26 Run"_qs},
+         {u"23 Run"_qs, u"24 Swim"_qs, u"25 Run"_qs, u"26 Run"_qs}},
+        {[&] {
+             editSeries(rows().at(1), Span::ThisTask, [](MVTask &task) {
+                 task.startDate = localDate(2026, 11, 28, 9);
+                 task.dueDate = localDate(2026, 11, 28, 10);
+             });
+         },
+         {u"23 Run"_qs, u"25 Run"_qs, u"26 Run"_qs, u"28 Run"_qs},
+         {u"23 Run"_qs, u"25 Run"_qs, u"26 Run"_qs, u"28 Run"_qs}},
+        {[&] { editSeries(rows().at(2), Span::FutureTasks, retitle); },
+         {u"23 Run"_qs, u"24 Run"_qs, u"25 Swim"_qs, u"26 Swim"_qs},
+         {u"23 Run"_qs, u"24 Run"_qs, u"25 Swim"_qs, u"26 Swim"_qs}},
+        {[&] { editSeries(rows().at(1), Span::ThisTask, finish); },
+         {u"23 Run"_qs, u"24 Run (done)"_qs, u"25 Run"_qs, u"26 Run"_qs},
+         {u"23 Run"_qs, u"25 Run"_qs, u"26 Run"_qs}},
+        {[&] { deleteFrom(1, Alert::firstButton); },
+         {u"23 Run"_qs, u"25 Run"_qs, u"26 Run"_qs},
+         {u"23 Run"_qs, u"25 Run"_qs, u"26 Run"_qs}},
+        {[&] { deleteFrom(2, Alert::secondButton); },
+         {u"23 Run"_qs, u"24 Run"_qs},
+         {u"23 Run"_qs, u"24 Run"_qs}},
+    };
+    for (size_t number = 0; number < steps.size(); ++number) {
+        SCOPED_TRACE(number);
+        write(u"Home"_qs, u"run"_qs, lines);
+        activate();
+        ASSERT_EQ(tasks(), all);
+        backend->setSilent(true);
+        steps[number].command();
+        activate();
+        backend->setSilent(false);
+        pass();
+        EXPECT_EQ(events(), all);
+        activate();
+        expectArrived(steps[number].tasks, steps[number].events);
+        for (const QString &name : files(u"Home"_qs).keys())
+            QFile::remove(folderOf(u"Home"_qs) + u'/' + name);
+        const ScriptedAlerts alerts({Alert::firstButton});
+        activate();
+        for (const TaskPtr &row : rows())
+            mainContext().deleteObject(row);
+        ASSERT_FALSE(DBWorker::saveContext());
+        UserDefaults::standard().removeObject(settings::eventsAtLastPass);
+    }
+}
+
+TEST_F(SilentCalendars, ATaskThatIsGivenARepetitionMeanwhileRepeatsLater)
+{
+    make(draft(u"Run"_qs));
+    activate();
+    backend->setSilent(true);
+    edit(rowOf(u"Run"_qs), [](MVTask &task) {
+        task.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;
+        task.endRepeat = localDate(2026, 11, 26, 23, 59);
+    });
+    backend->setSilent(false);
+    activate();
+    const QStringList all = {u"24 Run"_qs, u"25 Run"_qs, u"26 Run"_qs};
+    expectArrived(all, all);
+}
+
 } // namespace

@@ -29,8 +29,10 @@ QVariant CalendarListModel::data(const QModelIndex &index, int role) const
     const EKCalendar *calendar = chooser.calendarAt(row);
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::ToolTipRole:
         return chooser.titleAt(row);
+    case Qt::ToolTipRole:
+        // A tip guesses whether its text is markup.
+        return Qt::convertFromPlainText(chooser.titleAt(row));
     case Qt::AccessibleTextRole:
         return spokenText(row);
     case IsHeadingRole:

@@ -2,6 +2,8 @@
 
 #include "eventkit/CalendarError.h"
 
+#include <sys/stat.h>
+
 /// Files from other programs, with everything in them.
 class ForeignFilesTest : public FolderFixture
 {
@@ -223,4 +225,45 @@ TEST_F(ForeignFilesTest, AHugeFileIsAnEventLikeAnyOther)
     write(u"huge.ics"_qs, eventText("huge", "SUMMARY:Huge\nDTSTART:20240304T090000\nDESCRIPTION:" +
                                                 QByteArray(5'000'000, 'x') + "\n"));
     EXPECT_EQ(events().at(0).notes.size(), 5'000'000);
+}
+
+TEST_F(ForeignFilesTest, WhatIsNoFileIsPassedOver)
+{
+    write(u"good.ics"_qs, eventText("good", "SUMMARY:Good\nDTSTART:20240304T090000\n"));
+    for (const QString &pipe : {u"pipe.ics"_qs, u"displayname"_qs, u"color"_qs})
+        ASSERT_EQ(mkfifo(QFile::encodeName(path(pipe)).constData(), 0600), 0);
+    QDir().mkpath(path(u"folder.ics"_qs));
+    EXPECT_TRUE(QFile::link(path(u"loop.ics"_qs), path(u"loop.ics"_qs)));
+    EXPECT_EQ(titles(), QStringList{u"Good"_qs});
+    const auto calendars = store.calendarsForEntityType(EKEntityType::Event);
+    EXPECT_EQ(calendars.value().at(0).title, u"work"_qs);
+}
+
+TEST_F(ForeignFilesTest, TextsInLatin1AreReadAsSuchAndStayAsTheyAreWritten)
+{
+    const QByteArray lines = "DTSTART:20240304T090000\nDTEND:20240304T100000\nSUMMARY:Caf\xE9\\, sp\xE4t\n"
+                             "DESCRIPTION:Gr\xFC\xDF"
+                             "e\nLOCATION:Zürich\n";
+    write(u"latin.ics"_qs, eventText("k\xF6nig", lines));
+    EKEvent event = events().at(0);
+    EXPECT_EQ(event.title, u"Café, spät"_qs);
+    EXPECT_EQ(event.notes, u"Grüße"_qs);
+    EXPECT_EQ(event.location, u"Zürich"_qs);
+    EXPECT_EQ(event.calendarItemExternalIdentifier, u"könig"_qs);
+    event.title = u"Tee"_qs;
+    save(event);
+    EXPECT_EQ(names().size(), 1) << "it is found by its UID";
+    EXPECT_TRUE(read(u"latin.ics"_qs)
+                    .contains("DESCRIPTION:Gr\xFC\xDF"
+                              "e"));
+    EXPECT_EQ(titles(), QStringList{u"Tee"_qs});
+}
+
+TEST_F(ForeignFilesTest, TheNameOfAZoneIsNoPath)
+{
+    for (const QByteArray &zone : {QByteArray("../../../etc/passwd"), QByteArray("/etc/localtime"),
+                                   QByteArray("Europe/../Europe/Berlin")}) {
+        write(u"zone.ics"_qs, eventText("zone", "SUMMARY:Zone\nDTSTART;TZID=" + zone + ":20240304T090000\n"));
+        EXPECT_EQ(events().at(0).startDate, localDate(2024, 3, 4, 9)) << zone.constData() << ": floating";
+    }
 }
