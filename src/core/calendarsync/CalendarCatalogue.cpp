@@ -2,6 +2,7 @@
 
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventStoreAccess.h"
+#include "calendarsync/KnownCalendars.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/TextFolding.h"
@@ -94,13 +95,18 @@ std::vector<EKCalendar> CalendarCatalogue::getAllCalendars()
     EKEventStore &store = EventStoreAccess::eventStore();
     if (!state().calendars) {
         auto found = store.calendarsForEntityType(EKEntityType::Event);
-        state().isReachable = found.hasValue();
-        if (!found) {
-            // Their tasks are still shown.
-            Log::line(found.error().message);
-            return state().knownCalendars;
+        if (!found || found->empty()) {
+            // A service that tells of none any more has lost them, or is about to load them.
+            std::vector<EKCalendar> known = knowncalendars::read();
+            state().isReachable = found && known.empty();
+            if (!state().isReachable) {
+                Log::line(found ? QStringLiteral("There are no calendars at present.")
+                                : found.error().message);
+                return known;
+            }
         }
-        state().knownCalendars = *found;
+        state().isReachable = true;
+        knowncalendars::keep(*found);
         state().calendars = std::move(*found);
     }
     return *state().calendars;
@@ -191,9 +197,15 @@ std::optional<EKCalendar> CalendarCatalogue::getDefaultCalendar()
 
 std::optional<EKCalendar> CalendarCatalogue::getDefaultAccessCalendar()
 {
-    // Nor is the desktop's own one any good that nobody has chosen: what is put there is on no list.
-    const std::optional<EKCalendar> calendar = getDefaultCalendar();
-    return calendar && isChosen(*calendar) ? calendar : std::nullopt;
+    // What is put into a calendar that nobody has chosen is on no list.
+    const std::vector<EKCalendar> usable = getAllModifiedCalendarsFromCalendars(getAllAccessCalendars());
+    if (usable.empty() || !EventStoreAccess::hasAccesToCalendar())
+        return std::nullopt;
+    const std::optional<EKCalendar> stored = getDefaultCalendar();
+    const auto found = std::ranges::find_if(usable, [&stored](const EKCalendar &one) {
+        return stored && one.calendarIdentifier == stored->calendarIdentifier;
+    });
+    return found == usable.end() ? usable.front() : *found;
 }
 
 QString CalendarCatalogue::identifierOfCalendar(const EKCalendar &calendar)

@@ -169,6 +169,8 @@ void CalendarCatalogue::handleChangedCalendars()
     keepTitlesApart();
     const std::vector<EKCalendar> calendars = getAllCalendars();
     const Followed followed = followCalendars(calendars, formerTitles);
+    if (followed.missed.isEmpty())
+        passbrake::noCalendarIsMissing();
     QVariantMap titles = followed.missed;
     for (const EKCalendar &one : calendars)
         titles.insert(one.calendarIdentifier, one.title);

@@ -2,6 +2,7 @@
 
 #include "calendarsync/CalendarPass.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "foundation/Log.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
@@ -66,9 +67,8 @@ bool CalendarChooser::isSelected(int row) const
 bool CalendarChooser::isDefault(int row) const
 {
     const EKCalendar *calendar = calendarAt(row);
-    return calendar && calendar->allowsContentModifications &&
-           UserDefaults::standard().string(settings::defaultCalendar) ==
-               CalendarCatalogue::identifierOfCalendar(*calendar);
+    const auto usual = CalendarCatalogue::getDefaultAccessCalendar();
+    return calendar && usual && isSameAs(*calendar)(*usual);
 }
 
 std::optional<EKCalendar> CalendarChooser::presentCalendarAt(int row) const
@@ -95,12 +95,43 @@ bool CalendarChooser::toggle(int row)
 bool CalendarChooser::setDefault(int row)
 {
     const auto calendar = presentCalendarAt(row);
-    if (!calendar)
+    if (!calendar || !calendar->allowsContentModifications)
         return false;
+    // What new tasks go into is one of the chosen ones.
+    if (!isSelected(row))
+        toggle(row);
     UserDefaults::standard().setObject(settings::defaultCalendar,
                                        CalendarCatalogue::identifierOfCalendar(*calendar));
     UserDefaults::standard().synchronize();
     return true;
+}
+
+bool CalendarChooser::canBeDefault(int row) const
+{
+    const EKCalendar *calendar = calendarAt(row);
+    return calendar && calendar->allowsContentModifications;
+}
+
+CalendarChooser::Emptiness CalendarChooser::emptiness() const
+{
+    if (!EventStoreAccess::hasAccesToCalendar())
+        return Emptiness::NoAccess;
+    if (!content.data.empty())
+        return Emptiness::None;
+    return calendarstore::state().isReachable ? Emptiness::NoCalendars : Emptiness::Silent;
+}
+
+bool CalendarChooser::makeCalendar()
+{
+    const auto made = CalendarCatalogue::getCalendar();
+    if (!made)
+        return false;
+    content = CalendarCatalogue::sortingAndGroupingByTitleForData(false);
+    for (int row = 0; row < static_cast<int>(content.data.size()); ++row) {
+        if (const EKCalendar *calendar = calendarAt(row); calendar && isSameAs(*made)(*calendar))
+            return setDefault(row);
+    }
+    return false;
 }
 
 void CalendarChooser::finish()

@@ -26,8 +26,17 @@ public:
     /// Chooses a calendar or gives it up. A heading ignores it and answers false, as a calendar does
     /// that is not there any more.
     bool toggle(int row);
-    /// False for a heading, and for a calendar that is not there any more.
+    /// Has new tasks go into a calendar, which is chosen with it. False for a heading, for a calendar that
+    /// cannot be written to, and for one that is not there any more.
     bool setDefault(int row);
+    /// Whether that is offered.
+    bool canBeDefault(int row) const;
+
+    /// Why there is nothing to choose from.
+    enum class Emptiness { None, NoAccess, NoCalendars, Silent };
+    Emptiness emptiness() const;
+    /// Makes a calendar of the program's own, which is chosen and the default. False if that is not possible.
+    bool makeCalendar();
 
     /// A pass over the calendars as they are chosen now; then the screens are told.
     static void finish();

@@ -1,6 +1,7 @@
 #include "calendarsync/CalendarPass.h"
 
 #include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventReader.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/OfflineChanges.h"
@@ -192,20 +193,33 @@ private:
     std::optional<JournalPause> ofOthers;
 };
 
+passbrake::EventCounts countsOf(const std::vector<EKCalendar> &calendars, const std::vector<EKEvent> &events)
+{
+    passbrake::EventCounts counts;
+    for (const EKCalendar &calendar : calendars)
+        counts.insert(calendar.calendarIdentifier, 0);
+    for (const EKEvent &event : events) {
+        if (event.calendar)
+            ++counts[event.calendar->calendarIdentifier];
+    }
+    return counts;
+}
+
 void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
 {
     Authorship authorship(isWithinCommand);
     std::vector<TaskPtr> going;
     size_t linkedCount = 0;
-    size_t eventCount = 0;
+    passbrake::EventCounts counts;
     {
         // All questions of a pass are about the same moment.
         const auto held = EventStoreAccess::eventStore().holdContents();
-        auto events = EventReader::eventsForCalendars(CalendarCatalogue::getAllAccessCalendars());
+        const std::vector<EKCalendar> calendars = CalendarCatalogue::getAllAccessCalendars();
+        auto events = EventReader::eventsForCalendars(calendars);
         // Calendars that cannot be reached are not empty ones.
-        if (!events)
+        if (!events || !calendarstore::state().isReachable)
             return;
-        eventCount = events->size();
+        counts = countsOf(calendars, *events);
         // Of what the user changed and no event shows yet, the rows are right.
         const QSet<QString> waiting = offlinechanges::waitingItems(mainContext());
         std::erase_if(*events, [&waiting](const EKEvent &event) {
@@ -234,7 +248,7 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
         }
         linkedCount = pass.linkedCount();
     }
-    if (onlyTasks.empty() && !passbrake::mayDelete(going.size(), linkedCount, eventCount))
+    if (onlyTasks.empty() && !passbrake::mayDelete(going.size(), linkedCount, counts))
         return;
     for (const TaskPtr &row : going) {
         // A question to the user takes its time.

@@ -29,8 +29,7 @@ struct State
     std::unique_ptr<EKEventStore> store;
     /// The calendars for events as they were last seen; absent when they must be asked for again.
     std::optional<std::vector<EKCalendar>> calendars;
-    /// What the store had when it could last be reached, and whether it could be the last time.
-    std::vector<EKCalendar> knownCalendars;
+    /// Whether the store could be asked for them the last time.
     bool isReachable = true;
     Observation storeChanged;
     /// Why repeating tasks may not be edited; empty while they may.
@@ -43,6 +42,8 @@ struct State
     std::vector<std::vector<ItemChange>> refused;
     /// The user's answer about taking away much, while it holds.
     std::optional<bool> mayRemoveMany;
+    /// The same about the rows of calendars that are missing.
+    std::optional<bool> mayRemoveRowsOfCalendars;
 };
 
 State &state();

@@ -7,11 +7,17 @@
 #include "foundation/UserDefaults.h"
 #include "store/state/SettingsKeys.h"
 
+#include <QVariantMap>
+
+#include <algorithm>
+
 namespace passbrake {
 
 namespace {
 
 constexpr size_t alwaysAllowed = 25;
+/// A calendar of so few events may be emptied by hand.
+constexpr int fewEvents = 5;
 
 bool isMuch(size_t rowCount, size_t linkedCount)
 {
@@ -19,16 +25,17 @@ bool isMuch(size_t rowCount, size_t linkedCount)
 }
 
 /// What the user says, now or before. Who is just being asked has not said anything yet.
-bool mayRemove(size_t rowCount)
+bool mayRemove(size_t rowCount, std::optional<bool> &answer)
 {
-    auto &answer = calendarstore::state().mayRemoveMany;
     Log::line(QStringLiteral("The pass would remove %1 tasks, which is much; nothing is removed unasked.")
                   .arg(rowCount));
     if (answer)
         return *answer;
     answer = false;
     const QString message =
-        localized(QStringLiteral("%1 tasks are no longer found in your calendars.")).arg(rowCount);
+        rowCount == 1
+            ? localized(QStringLiteral("One task is no longer found in your calendars."))
+            : localized(QStringLiteral("%1 tasks are no longer found in your calendars.")).arg(rowCount);
     const QString information =
         localized(QStringLiteral("If a calendar is only missing at the moment, keep them. If you removed "
                                  "their events, remove them too."));
@@ -39,36 +46,54 @@ bool mayRemove(size_t rowCount)
                     {localized(QStringLiteral("Remove them")), localized(QStringLiteral("Keep them"))}});
     if (button != Alert::firstButton)
         return false;
-    calendarstore::state().mayRemoveMany.reset();
+    answer.reset();
     return true;
+}
+
+/// Whether a calendar that held more than a few events holds none any more. One that is not followed any
+/// longer is not among those that are asked about.
+bool isOneSuddenlyEmpty(const EventCounts &events)
+{
+    const QVariantMap former = UserDefaults::standard().object(settings::eventsAtLastPass).toMap();
+    return std::any_of(events.keyValueBegin(), events.keyValueEnd(), [&former](const auto &one) {
+        return one.second == 0 && former.value(one.first).toInt() > fewEvents;
+    });
+}
+
+void keep(const EventCounts &events)
+{
+    QVariantMap counts;
+    for (auto one = events.cbegin(); one != events.cend(); ++one)
+        counts.insert(one.key(), one.value());
+    UserDefaults::standard().setObject(settings::eventsAtLastPass, counts);
 }
 
 } // namespace
 
-bool mayDelete(size_t rowCount, size_t linkedCount, size_t eventCount)
+bool mayDelete(size_t rowCount, size_t linkedCount, const EventCounts &events)
 {
-    UserDefaults &defaults = UserDefaults::standard();
-    const bool hadEvents = defaults.integer(settings::eventsAtLastPass) > 0;
-    const bool isSuddenlyEmpty = eventCount == 0 && hadEvents;
-    const auto keepCount = [&] {
-        defaults.setObject(settings::eventsAtLastPass, static_cast<int>(eventCount));
-    };
-    if (!isSuddenlyEmpty)
-        keepCount();
+    const bool isSuddenlyEmpty = isOneSuddenlyEmpty(events);
     if (rowCount > 0 && (isSuddenlyEmpty || isMuch(rowCount, linkedCount))) {
-        if (!mayRemove(rowCount))
+        if (!isSuddenlyEmpty)
+            keep(events);
+        if (!mayRemove(rowCount, calendarstore::state().mayRemoveMany))
             return false;
-        keepCount();
-        return true;
-    }
-    if (!isSuddenlyEmpty)
+    } else if (!isSuddenlyEmpty) {
         calendarstore::state().mayRemoveMany.reset();
+    }
+    keep(events);
     return true;
 }
 
 bool mayDeleteRowsOfCalendar(size_t rowCount, size_t linkedCount)
 {
-    return !isMuch(rowCount, linkedCount) || mayRemove(rowCount);
+    return !isMuch(rowCount, linkedCount) ||
+           mayRemove(rowCount, calendarstore::state().mayRemoveRowsOfCalendars);
+}
+
+void noCalendarIsMissing()
+{
+    calendarstore::state().mayRemoveRowsOfCalendars.reset();
 }
 
 } // namespace passbrake

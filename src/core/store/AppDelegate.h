@@ -125,7 +125,6 @@ private:
     std::unique_ptr<ManagedObjectContext> openStore(const QString &fileName);
     [[noreturn]] static void endForStore(const QString &path, const Error &error);
     void registerObservers();
-    void getAccsesToContact();
     /// Compares what can be reached with the last activation, says so if the calendars and the records live
     /// in different places, and tells whether a pass may go ahead.
     static bool examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud);

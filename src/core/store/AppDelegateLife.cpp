@@ -3,7 +3,6 @@
 #include "calendarsync/CalendarOutbox.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
-#include "contacts/CNContactStore.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -47,7 +46,6 @@ void AppDelegate::applicationWillFinishLaunching()
     defaults.setObject(settings::calendarState, 0);
     defaults.setObject(settings::selectSortCategoryIndex, -1);
     defaults.removeObject(settings::calendarLastDate);
-    getAccsesToContact();
     FileManager::createAppFolder();
     startMainWindow();
     StartWindowController::startValueUserDefaults();
@@ -57,17 +55,6 @@ void AppDelegate::applicationWillFinishLaunching()
             deleteDuplicateCategoryWith(category);
     }
     DBWorker::tellOfFailure(cleaning.commit());
-}
-
-void AppDelegate::getAccsesToContact()
-{
-    const int status = CNContactStore::authorizationStatus();
-    if (status == CNContactStore::NotDetermined || status == CNContactStore::Authorized)
-        return;
-    Alert::run({{},
-                localized(QStringLiteral("To access Contacts change privacy settings on your device")),
-                localized(QStringLiteral("No access to contacts")),
-                {localized(QStringLiteral("OK"))}});
 }
 
 void AppDelegate::applicationDidFinishLaunching()

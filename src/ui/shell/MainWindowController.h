@@ -48,6 +48,7 @@ public:
     void newTask(const MarkedSpan &dates, TimePeriod timePeriod);
     void showCalendars();
     void showSettings();
+    void calendarsAllowed();
     /// Asks about every window and every pane with something typed. False if one of them is to stay.
     bool closeNewWindows();
 

@@ -1,9 +1,11 @@
+#include "calendarsync/CalendarEvent.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/details/DetailStack.h"
 #include "shell/tasks/WindowNewTask.h"
+#include "store/AppDelegate.h"
 
 // The windows beside the main one.
 
@@ -31,16 +33,30 @@ void MainWindowController::newTask(const MarkedSpan &dates, TimePeriod timePerio
 
 void MainWindowController::showCalendars()
 {
-    if (!windowCalendars)
+    if (!windowCalendars) {
         windowCalendars = new CalendarsAppleWindowController(mainWindow.get());
+        connect(windowCalendars, &CalendarsAppleWindowController::preferencesWanted, this,
+                &MainWindowController::showSettings);
+    }
     windowCalendars->showWindow();
 }
 
 void MainWindowController::showSettings()
 {
-    if (!windowSettings)
+    if (!windowSettings) {
         windowSettings = new MVSetiingsCalendarController(mainWindow.get());
+        connect(windowSettings, &MVSetiingsCalendarController::calendarsAllowed, this,
+                &MainWindowController::calendarsAllowed);
+    }
     windowSettings->showWindow();
+}
+
+/// Both sides come in line at once; where no calendar was ever chosen there is one to choose.
+void MainWindowController::calendarsAllowed()
+{
+    AppDelegate::shared()->applicationDidBecomeActive();
+    if (CalendarEvent::getAllAccessCalendars().empty())
+        showCalendars();
 }
 
 bool MainWindowController::closeNewWindows()

@@ -46,13 +46,38 @@ TEST_F(BrakedPasses, AskAgainAboutTheNextLoss)
 
 TEST_F(BrakedPasses, CountMoreThanTwentyFiveAndMoreThanAThird)
 {
-    EXPECT_TRUE(passbrake::mayDelete(25, 26, 1));
-    EXPECT_TRUE(passbrake::mayDelete(26, 78, 1));
+    const passbrake::EventCounts counts{{u"Local/Home"_qs, 1}};
+    EXPECT_TRUE(passbrake::mayDelete(25, 26, counts));
+    EXPECT_TRUE(passbrake::mayDelete(26, 78, counts));
     const ScriptedAlerts alerts({Alert::secondButton});
-    EXPECT_FALSE(passbrake::mayDelete(26, 77, 1));
-    EXPECT_FALSE(passbrake::mayDelete(26, 77, 1)) << "asked once";
+    EXPECT_FALSE(passbrake::mayDelete(26, 77, counts));
+    EXPECT_FALSE(passbrake::mayDelete(26, 77, counts)) << "asked once";
     ASSERT_THAT(alerts.asked(), SizeIs(1));
     EXPECT_EQ(alerts.asked()[0].message, u"26 tasks are no longer found in your calendars."_qs);
+}
+
+TEST_F(BrakedPasses, AskWhenACalendarOfManyEventsIsEmptyAndNotAboutAFew)
+{
+    const ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
+    fill(u"Home"_qs, 5);
+    fill(u"Work"_qs, 6);
+    pass();
+    clear(u"Home"_qs);
+    pass();
+    EXPECT_THAT(rows(), SizeIs(6));
+    EXPECT_THAT(alerts.asked(), IsEmpty()) << "five are deleted by hand";
+    clear(u"Work"_qs);
+    pass();
+    EXPECT_THAT(rows(), SizeIs(6)) << "although another calendar was empty before";
+    pass();
+    ASSERT_THAT(alerts.asked(), SizeIs(1)) << "asked once";
+    EXPECT_EQ(alerts.asked()[0].message, u"6 tasks are no longer found in your calendars."_qs);
+    fill(u"Work"_qs, 6);
+    pass();
+    // A calendar that nobody follows any more is not an empty one.
+    choose({u"Home"_qs});
+    pass();
+    EXPECT_THAT(alerts.asked(), SizeIs(1));
 }
 
 TEST_F(BrakedPasses, SpareTheTasksOfAFullCalendarThatIsMissing)

@@ -44,11 +44,16 @@ TEST_F(CalendarChooserTest, AClickChoosesACalendarOrGivesItUpAtOnce)
     EXPECT_EQ(stored(settings::savedChooseCalendars), u"Home"_qs);
     EXPECT_TRUE(CalendarChooser().isSelected(home)) << "the next window finds the choice";
 
+    EXPECT_TRUE(chooser.isDefault(home)) << "one tick is enough";
+    EXPECT_TRUE(chooser.setDefault(work));
+    EXPECT_TRUE(chooser.isSelected(work)) << "new tasks must not go where nobody sees them";
+    EXPECT_TRUE(chooser.isDefault(work));
     EXPECT_FALSE(chooser.isDefault(home));
-    EXPECT_TRUE(chooser.setDefault(home));
-    EXPECT_TRUE(chooser.isDefault(home));
-    EXPECT_FALSE(chooser.isDefault(work));
-    EXPECT_EQ(stored(settings::defaultCalendar), u"Home"_qs);
+    EXPECT_EQ(stored(settings::defaultCalendar), u"Work"_qs);
+    chooser.toggle(work);
+    EXPECT_TRUE(chooser.isDefault(home)) << "what is given up takes nothing new";
+    chooser.toggle(home);
+    EXPECT_FALSE(chooser.isDefault(home) || chooser.isDefault(work));
 }
 
 /// A tree of calendars of which "Work" may only be read.
@@ -75,8 +80,26 @@ TEST_F(CalendarChooserTest, AReadOnlyCalendarCanBeChosenButIsNeverTheDefault)
     EXPECT_TRUE(chooser.toggle(work));
     EXPECT_EQ(stored(settings::savedChooseCalendars), u"Work[<±>]Local/Work"_qs);
     EXPECT_TRUE(CalendarChooser().isSelected(work));
-    EXPECT_TRUE(chooser.setDefault(work));
+    EXPECT_FALSE(chooser.canBeDefault(work));
+    EXPECT_FALSE(chooser.setDefault(work));
     EXPECT_FALSE(chooser.isDefault(work));
+    EXPECT_EQ(CalendarEvent::getDefaultAccessCalendar(), std::nullopt);
+}
+
+TEST_F(CalendarChooserTest, WithoutAnyCalendarOneCanBeMade)
+{
+    CalendarEvent::resetEventStore();
+    UserDefaults::standard().removeObject(settings::knownCalendars);
+    QDir(root.filePath(u"Local"_qs)).removeRecursively();
+    connectStore();
+    choose({});
+    CalendarChooser chooser;
+    EXPECT_EQ(chooser.emptiness(), CalendarChooser::Emptiness::NoCalendars);
+    EXPECT_TRUE(chooser.makeCalendar());
+    EXPECT_EQ(chooser.emptiness(), CalendarChooser::Emptiness::None);
+    EXPECT_EQ(chooser.rows().size(), 2) << "its account and itself";
+    EXPECT_TRUE(chooser.isSelected(1));
+    EXPECT_TRUE(chooser.isDefault(1));
 }
 
 TEST_F(CalendarChooserTest, AClickLeavesTheOtherCalendarsAsTheyAreStoredByThen)

@@ -28,8 +28,9 @@ protected:
         CalendarEvent::resetEventStore();
         EKEventStore::setSharedBackend(nullptr);
         PlatformConfiguration::setAuthorization(u"events"_qs, 0);
-        for (const QString &key : {settings::savedChooseCalendars, settings::defaultCalendar,
-                                   settings::dictionaryCalendarsData, settings::eventsAtLastPass})
+        for (const QString &key :
+             {settings::savedChooseCalendars, settings::defaultCalendar, settings::dictionaryCalendarsData,
+              settings::eventsAtLastPass, settings::knownCalendars})
             UserDefaults::standard().removeObject(key);
     }
 

@@ -86,6 +86,26 @@ TEST_F(SilentCalendars, WhatIsDoneAfterTheyFellSilentReachesThem)
     }
 }
 
+TEST_F(SilentCalendars, AtAStartTheirTasksAreShown)
+{
+    make(draft(u"On a calendar"_qs, 21));
+    activate();
+    backend->setSilent(true);
+    restart();
+    EXPECT_EQ(DBWorker::allTodayTasks().size(), 1);
+    activate();
+    EXPECT_EQ(DBWorker::allTodayTasks().size(), 1);
+    // It answers again, but has not loaded its calendars yet.
+    backend->setSilent(false);
+    backend->lostTitles = {u"Home"_qs, u"Work"_qs};
+    restart();
+    activate();
+    EXPECT_EQ(DBWorker::allTodayTasks().size(), 1);
+    backend->lostTitles.clear();
+    activate();
+    expectArrived({u"21 On a calendar"_qs}, {u"21 On a calendar"_qs});
+}
+
 TEST_F(SilentCalendars, APassBeforeTheyAreWrittenLeavesThem)
 {
     make(draft(u"Edited"_qs));

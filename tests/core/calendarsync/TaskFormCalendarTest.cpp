@@ -123,7 +123,7 @@ TEST_F(TaskFormCalendarTest, ACalendarThatIsNotOfferedAnyMoreGivesWayToThatOfNew
     EXPECT_EQ(last.typeCalendarID + last.calendarTitle, QString());
     choose({u"House"_qs});
     const MVTask other = saved(u"other"_qs, u"Work"_qs, [] {});
-    EXPECT_EQ(other.typeCalendarID, QString()) << "nor is that of new tasks chosen";
+    EXPECT_EQ(other.typeCalendarID, u"House"_qs) << "that of new tasks is not chosen, so another one is";
 }
 
 TEST_F(TaskFormCalendarTest, AnEventStaysInItsCalendarThoughThatIsNotOffered)

@@ -13,6 +13,7 @@
 #include "workspace/PlatformConfiguration.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -189,9 +190,38 @@ TEST_F(CalendarsTest, WithoutAccessTheWindowSaysSo)
 {
     PlatformConfiguration::setAuthorization(u"events"_s, 2);
     QWidget &chooser = open(ActionId::Calendars, "CalendarsAppleWindow");
-    EXPECT_TRUE(chooser.findChild<QWidget *>(u"labelNoAccess"_s));
+    EXPECT_TRUE(find<QLabel>(chooser, "labelNoAccess").isVisible());
+    EXPECT_FALSE(find<QListView>(chooser, "tableCalendars").isVisible());
     QTest::keyClick(&chooser, Qt::Key_Escape);
     EXPECT_FALSE(chooser.isVisible());
+}
+
+TEST_F(CalendarsTest, AnAnswerIsChangedInThePreferences)
+{
+    PlatformConfiguration::setAuthorization(u"events"_s, 2);
+    QWidget &refused = open(ActionId::Calendars, "CalendarsAppleWindow");
+    QTest::mouseClick(&find<QPushButton>(refused, "buttonEmpty"), Qt::LeftButton);
+    EXPECT_FALSE(refused.isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    auto *panel = window().findChild<QWidget *>(u"PreferencesWindow"_s);
+    ASSERT_NE(panel, nullptr);
+    auto &calendars = find<QCheckBox>(*panel, "switchCalendars");
+    EXPECT_FALSE(calendars.isChecked());
+    calendars.click();
+    EXPECT_EQ(PlatformConfiguration().authorization(u"events"_s), 3);
+    QWidget *chooser = window().findChild<QWidget *>(u"CalendarsAppleWindow"_s);
+    ASSERT_NE(chooser, nullptr) << "none is chosen yet";
+    auto &table = find<QListView>(*chooser, "tableCalendars");
+    EXPECT_TRUE(table.isVisible());
+    click(table, 2);
+    chooser->close();
+    EXPECT_NE(ShellTest::stored(u"Meeting"_s), nullptr);
+
+    calendars.click();
+    EXPECT_EQ(PlatformConfiguration().authorization(u"events"_s), 2);
+    panel->close();
+    EXPECT_NE(ShellTest::stored(u"Meeting"_s), nullptr) << "the tasks stay";
+    PlatformConfiguration::setAuthorization(u"events"_s, 3);
 }
 
 } // namespace

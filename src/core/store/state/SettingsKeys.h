@@ -29,6 +29,8 @@ inline const QString frequencyCalendarPeriod = QStringLiteral("FrequencyCalendar
 inline const QString ownCalendarIdentifier = QStringLiteral("orrelin_calendar_identifier2");
 inline const QString defaultCalendar = QStringLiteral("defaultCalendar");
 inline const QString savedChooseCalendars = QStringLiteral("savedChooseCalendars");
+/// The calendars as they were last seen, as maps.
+inline const QString knownCalendars = QStringLiteral("knownCalendars");
 inline const QString dictionaryCalendarsData = QStringLiteral("dictionaryCalendarsData");
 inline const QString handleBeforeAllCalendarsSync = QStringLiteral("handleBeforeAllCalendarsSync");
 inline const QString eventsAtLastPass = QStringLiteral("eventsAtLastPass");

@@ -1,5 +1,6 @@
 #include "shell/calendars/CalendarCell.h"
 
+#include "foundation/Localization.h"
 #include "shell/calendars/CalendarListModel.h"
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
@@ -53,8 +54,16 @@ void paintCalendar(QPainter &painter, const QStyleOptionViewItem &option, const 
     painter.setBrush(index.data(CalendarListModel::ColorRole).value<QColor>());
     painter.drawRoundedRect(placed(dot), dotHeight / 2.0, dotHeight / 2.0);
     const QRect check(line.right() - checkSize + 1, line.top(), checkSize, line.height());
-    const QRect title(line.left() + widthOfDefault + Theme::unit + 4, line.top(),
-                      line.width() - widthOfDefault - 2 * Theme::unit - checkSize - 4, line.height());
+    QRect title(line.left() + widthOfDefault + Theme::unit + 4, line.top(),
+                line.width() - widthOfDefault - 2 * Theme::unit - checkSize - 4, line.height());
+    if (index.data(CalendarListModel::IsDefaultRole).toBool()) {
+        const QFont small = Theme::font(Theme::FontRole::Small);
+        const QString word = localized(u"Default"_s);
+        const int wordWidth = QFontMetrics(small).horizontalAdvance(word) + 1;
+        title.setWidth(title.width() - wordWidth - Theme::unit);
+        const QRect place(title.right() + Theme::unit, line.top(), wordWidth, line.height());
+        write(painter, placed(place), option.direction, Qt::AlignVCenter, small, Theme::secondaryText, word);
+    }
     const bool isSelected = index.data(CalendarListModel::IsSelectedRole).toBool();
     write(painter, placed(title), option.direction, Qt::AlignVCenter,
           Theme::font(isSelected ? Theme::FontRole::BodyStrong : Theme::FontRole::Body), Theme::text,

@@ -87,3 +87,11 @@ void CalendarListModel::setDefault(const QModelIndex &index)
     if (chooser.setDefault(index.row()))
         changed();
 }
+
+bool CalendarListModel::makeCalendar()
+{
+    beginResetModel();
+    const bool isMade = chooser.makeCalendar();
+    endResetModel();
+    return isMade;
+}

@@ -21,6 +21,10 @@ public:
     void reload();
     void toggle(const QModelIndex &index);
     void setDefault(const QModelIndex &index);
+    bool canBeDefault(const QModelIndex &index) const { return chooser.canBeDefault(index.row()); }
+    CalendarChooser::Emptiness emptiness() const { return chooser.emptiness(); }
+    /// Makes a calendar of the program's own. False if that is not possible.
+    bool makeCalendar();
 
 private:
     QString spokenText(int row) const;

@@ -1,6 +1,5 @@
 #include "shell/calendars/CalendarsAppleWindowController.h"
 
-#include "calendarsync/CalendarEvent.h"
 #include "foundation/Localization.h"
 #include "shell/calendars/CalendarCell.h"
 #include "shell/calendars/CalendarListModel.h"
@@ -40,27 +39,71 @@ void CalendarsAppleWindowController::windowDidLoad()
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(2 * Theme::unit);
     auto *card = new FormCard;
-    if (CalendarEvent::hasAccesToCalendar()) {
-        setUpTable();
-        card->layout()->addWidget(table);
-    } else {
-        table->hide();
-        table->setParent(this);
-        QLabel *message = makeTextLabel(localized(u"No access to Apple Calendar"_s), Theme::FontRole::Body,
-                                        Theme::secondaryText);
-        message->setObjectName(u"labelNoAccess"_s);
-        message->setAlignment(Qt::AlignCenter);
-        card->layout()->addWidget(message);
-    }
+    setUpTable();
+    setUpEmptyPane();
+    card->layout()->addWidget(table);
+    card->layout()->addWidget(emptyPane);
     column->addWidget(card, 1);
-    column->addWidget(makeTextLabel(
+    hint = makeTextLabel(
         localized(u"To set default calendar right mouse button click the required calendar title"_s),
-        Theme::FontRole::Small, Theme::secondaryText));
+        Theme::FontRole::Small, Theme::secondaryText);
+    column->addWidget(hint);
     auto *buttonSave = new QPushButton(localized(u"Done"_s));
     buttonSave->setObjectName(u"buttonSave"_s);
     buttonSave->setDefault(true);
     connect(buttonSave, &QPushButton::clicked, this, &CalendarsAppleWindowController::clickButtonSave);
     column->addWidget(buttonSave, 0, Qt::AlignRight);
+    showContent();
+}
+
+void CalendarsAppleWindowController::setUpEmptyPane()
+{
+    emptyPane = new QWidget;
+    labelEmpty = makeTextLabel({}, Theme::FontRole::Body, Theme::secondaryText);
+    labelEmpty->setObjectName(u"labelNoAccess"_s);
+    labelEmpty->setAlignment(Qt::AlignCenter);
+    buttonEmpty = new QPushButton;
+    buttonEmpty->setObjectName(u"buttonEmpty"_s);
+    connect(buttonEmpty, &QPushButton::clicked, this, &CalendarsAppleWindowController::clickButtonEmpty);
+    auto *column = new QVBoxLayout(emptyPane);
+    column->setSpacing(2 * Theme::unit);
+    column->addStretch(1);
+    column->addWidget(labelEmpty);
+    column->addWidget(buttonEmpty, 0, Qt::AlignHCenter);
+    column->addStretch(1);
+}
+
+/// The calendars, or why there are none and what can be done about it.
+void CalendarsAppleWindowController::showContent()
+{
+    using enum CalendarChooser::Emptiness;
+    const CalendarChooser::Emptiness emptiness = model->emptiness();
+    table->setVisible(emptiness == None);
+    hint->setVisible(emptiness == None);
+    emptyPane->setVisible(emptiness != None);
+    buttonEmpty->setVisible(emptiness == NoAccess || emptiness == NoCalendars);
+    buttonEmpty->setText(localized(emptiness == NoAccess ? u"Preferences"_s : u"New Calendar"_s));
+    if (emptiness == NoAccess)
+        labelEmpty->setText(localized(u"No access to Apple Calendar"_s));
+    else
+        labelEmpty->setText(localized(emptiness == NoCalendars
+                                          ? u"There is no calendar yet."_s
+                                          : u"Your calendars do not answer at the moment."_s));
+    setFocusProxy(emptiness == None ? static_cast<QWidget *>(table) : buttonEmpty);
+}
+
+void CalendarsAppleWindowController::clickButtonEmpty()
+{
+    if (model->emptiness() == CalendarChooser::Emptiness::NoAccess) {
+        close();
+        Q_EMIT preferencesWanted();
+        return;
+    }
+    const BusyCursor busy;
+    if (!model->makeCalendar())
+        labelEmpty->setText(localized(u"The calendar could not be made."_s));
+    else
+        showContent();
 }
 
 void CalendarsAppleWindowController::setUpTable()
@@ -80,7 +123,6 @@ void CalendarsAppleWindowController::setUpTable()
     table->setCurrentIndex(model->index(1));
     connect(table, &QListView::clicked, model, &CalendarListModel::toggle);
     connect(table, &QListView::customContextMenuRequested, this, &CalendarsAppleWindowController::showMenu);
-    setFocusProxy(table);
     calendarsChanged = NotificationCenter::defaultCenter().addObserver(notifications::eventStoreChanged,
                                                                        [this] { reload(); });
 }
@@ -90,6 +132,7 @@ void CalendarsAppleWindowController::reload()
 {
     const QVariant current = table->currentIndex().data(CalendarListModel::IdentifierRole);
     model->reload();
+    showContent();
     if (table->currentIndex().isValid())
         return;
     const QModelIndexList same =
@@ -120,7 +163,7 @@ bool CalendarsAppleWindowController::eventFilter(QObject *watched, QEvent *event
 void CalendarsAppleWindowController::showMenu(const QPoint &position)
 {
     QModelIndex index = table->indexAt(position);
-    if (!(model->flags(index) & Qt::ItemIsEnabled))
+    if (!model->canBeDefault(index))
         return;
     QMenu menu(this);
     menu.addAction(localized(u"Set Default"_s), this, [&] { clickSubMenuItemSetDefault(index); });
@@ -140,7 +183,7 @@ void CalendarsAppleWindowController::showWindow()
     show();
     raise();
     activateWindow();
-    table->setFocus();
+    setFocus();
 }
 
 void CalendarsAppleWindowController::clickButtonSave()

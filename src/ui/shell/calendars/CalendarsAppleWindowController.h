@@ -7,6 +7,7 @@
 class CalendarListModel;
 class QLabel;
 class QListView;
+class QPushButton;
 
 /// The window in which the calendars are chosen that tasks are kept in step with. A choice is kept at once;
 /// the tasks follow when the window is closed.
@@ -19,6 +20,10 @@ public:
     /// Shows the window, or brings it to the front.
     void showWindow();
 
+Q_SIGNALS:
+    /// The user wants to change what the program may use.
+    void preferencesWanted();
+
 protected:
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
@@ -28,6 +33,9 @@ protected:
 private:
     void windowDidLoad();
     void setUpTable();
+    void setUpEmptyPane();
+    void showContent();
+    void clickButtonEmpty();
     void reload();
     void showMenu(const QPoint &position);
     void clickSubMenuItemSetDefault(const QModelIndex &index);
@@ -35,6 +43,10 @@ private:
 
     CalendarListModel *model;
     QListView *table;
+    QWidget *emptyPane = nullptr;
+    QLabel *labelEmpty = nullptr;
+    QPushButton *buttonEmpty = nullptr;
+    QWidget *hint = nullptr;
     Observation calendarsChanged;
     bool isDone = false;
 };

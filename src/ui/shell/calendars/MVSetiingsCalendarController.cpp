@@ -9,6 +9,7 @@
 #include "widgets/WindowPlace.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
@@ -29,6 +30,7 @@ MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(2 * Theme::unit);
     column->setSizeConstraint(QLayout::SetFixedSize);
+    setUpAccess();
     setUpSync();
     setUpContacts();
     refresh();
@@ -83,6 +85,31 @@ QLabel *MVSetiingsCalendarController::addDescription(QVBoxLayout &card, const QS
     return label;
 }
 
+void MVSetiingsCalendarController::setUpAccess()
+{
+    using enum accesschoice::Kind;
+    QVBoxLayout &card =
+        *addCard(localized(u"Access"_s), localized(u"What Morvane may use on this computer."_s));
+    addSwitch(card, Calendars, u"switchCalendars"_s, localized(u"Calendars"_s));
+    addSwitch(card, Reminders, u"switchReminders"_s, localized(u"Reminders"_s));
+    addSwitch(card, Contacts, u"switchContacts"_s, localized(u"Contacts"_s));
+}
+
+void MVSetiingsCalendarController::addSwitch(QVBoxLayout &card, accesschoice::Kind kind,
+                                             const QString &objectName, const QString &title)
+{
+    auto *button = new QCheckBox(title);
+    button->setObjectName(objectName);
+    switches.emplace_back(kind, button);
+    card.addWidget(button);
+    connect(button, &QCheckBox::clicked, this, [this, kind](bool isAllowed) {
+        const BusyCursor busy;
+        accesschoice::choose(kind, isAllowed);
+        if (isAllowed && kind == accesschoice::Kind::Calendars)
+            Q_EMIT calendarsAllowed();
+    });
+}
+
 void MVSetiingsCalendarController::setUpSync()
 {
     QVBoxLayout &card = *addCard(localized(u"Calendar Sync Options"_s),
@@ -120,6 +147,8 @@ void MVSetiingsCalendarController::setUpContacts()
 /// The choices may have changed on another device.
 void MVSetiingsCalendarController::refresh()
 {
+    for (const auto &[kind, button] : switches)
+        button->setChecked(accesschoice::isAllowed(kind));
     period->button(static_cast<int>(SyncSettings::syncPeriod()))->setChecked(true);
     frequency->button(static_cast<int>(SyncSettings::syncFrequency()))->setChecked(true);
     order->button(static_cast<int>(SyncSettings::displayOrder()))->setChecked(true);

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "calendarsync/AccessChoice.h"
 #include "foundation/NotificationCenter.h"
 
 #include <QWidget>
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 class QButtonGroup;
+class QCheckBox;
 class QLabel;
 class QVBoxLayout;
 
@@ -20,6 +23,10 @@ public:
     explicit MVSetiingsCalendarController(QWidget *parent = nullptr);
 
     void showWindow();
+
+Q_SIGNALS:
+    /// The program may use the calendars from now on.
+    void calendarsAllowed();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -36,6 +43,9 @@ private:
     QVBoxLayout *addCard(const QString &title, const QString &description);
     QButtonGroup *addChoice(QVBoxLayout &card, const Choice &choice);
     QLabel *addDescription(QVBoxLayout &card, const QString &text);
+    void setUpAccess();
+    void addSwitch(QVBoxLayout &card, accesschoice::Kind kind, const QString &objectName,
+                   const QString &title);
     void setUpSync();
     void setUpContacts();
     void refresh();
@@ -44,6 +54,7 @@ private:
     void actionRadioButtonDisplayOrder(int choice);
 
     QVBoxLayout *column;
+    std::vector<std::pair<accesschoice::Kind, QCheckBox *>> switches;
     QButtonGroup *period = nullptr;
     QButtonGroup *frequency = nullptr;
     QButtonGroup *order = nullptr;

@@ -1,8 +1,0 @@
-#include "contacts/CNContactStore.h"
-
-#include "workspace/PlatformConfiguration.h"
-
-int CNContactStore::authorizationStatus()
-{
-    return PlatformConfiguration().authorization(QStringLiteral("contacts"));
-}
