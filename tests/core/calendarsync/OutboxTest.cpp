@@ -157,6 +157,25 @@ TEST_F(Outbox, ACalendarThatIsLetGoTakesNothingAlong)
     EXPECT_EQ(files(u"Home"_qs).size(), 1);
 }
 
+TEST_F(Outbox, WhatWaitsTogetherIsSeenTogether)
+{
+    make(draft(u"Moved"_qs));
+    edit(rowOf(u"Moved"_qs), [](MVTask &task) { task.typeCalendarID = u"Work"_qs; });
+    activate();
+    // Another program gives it another title there, and the move is taken back.
+    const QString path = pathOf(u"Moved"_qs, u"Work"_qs);
+    put(path, read(path).replace("SUMMARY:Moved", "SUMMARY:Theirs"));
+    backend->refusesWriting = true;
+    undo();
+    activate();
+    EXPECT_EQ(tasks(), QStringList(u"24 Theirs"_qs)) << "once, as it will be";
+    EXPECT_EQ(rows().front()->typeCalendarID(), u"Home"_qs);
+    backend->refusesWriting = false;
+    activate();
+    EXPECT_EQ(files(u"Work"_qs).size(), 0);
+    expectArrived({u"24 Theirs"_qs}, {u"24 Theirs"_qs});
+}
+
 TEST_F(Outbox, WhatWasCarriedOutIsNotCarriedOutASecondTime)
 {
     for (const QString &title : {u"First"_qs, u"Second"_qs, u"Third"_qs})
