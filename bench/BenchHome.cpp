@@ -35,6 +35,8 @@ BenchHome::BenchHome()
     delegate->applicationWillFinishLaunching();
     delegate->applicationDidFinishLaunching();
     sqlite3_open(copy.toUtf8().constData(), &connection);
+    // Nor does it keep the list of what other programs wrote.
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_exec(connection,
                  "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -8192;"
                  "PRAGMA temp_store = MEMORY; PRAGMA foreign_keys = ON",

@@ -53,7 +53,8 @@ public:
     }
     ~Generator()
     {
-        run("COMMIT; PRAGMA wal_checkpoint(TRUNCATE)");
+        // It has written the texts of its rows itself.
+        run("DELETE FROM ObjectStoreElsewhere; COMMIT; PRAGMA wal_checkpoint(TRUNCATE)");
         sqlite3_finalize(taskStatement);
         sqlite3_finalize(indexStatement);
         sqlite3_close(database);

@@ -1,6 +1,7 @@
 #include "calendarsync/AlertSchedule.h"
 
 #include "calendarsync/EventStoreAccess.h"
+#include "records/copies/TaskColumns.h"
 #include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
 #include "usernotifications/UserNotificationCenter.h"
@@ -39,15 +40,6 @@ private:
     std::optional<bool> known;
 };
 
-bool canRingOtherwise(const StoreChanges::Update &update)
-{
-    constexpr int columns[] = {EntityTask::column<"alert">(), EntityTask::column<"secondAlert">(),
-                               EntityTask::column<"title">(), EntityTask::column<"status">(),
-                               EntityTask::column<"calendarID">()};
-    return std::ranges::any_of(
-        columns, [&update](int column) { return update.columns.test(static_cast<size_t>(column)); });
-}
-
 } // namespace
 
 void follow(const StoreChanges &changes)
@@ -57,7 +49,8 @@ void follow(const StoreChanges &changes)
     std::vector<ObjectPtr> changed = changes.inserted;
     changed.insert(changed.end(), changes.deleted.begin(), changes.deleted.end());
     for (const StoreChanges::Update &update : changes.updated) {
-        if (update.object->entity().name() == EntityTask::entityName && canRingOtherwise(update))
+        if (update.object->entity().name() == EntityTask::entityName &&
+            taskcolumns::concern(update, taskcolumns::FollowedBy::Alerts))
             changed.push_back(update.object);
     }
     QSet<QString> uris;

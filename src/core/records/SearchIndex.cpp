@@ -1,6 +1,7 @@
 #include "records/SearchIndex.h"
 
 #include "foundation/Localization.h"
+#include "records/copies/TaskColumns.h"
 #include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
 
@@ -128,14 +129,7 @@ bool canHaveOtherTexts(const StoreChanges::Update &update)
 {
     if (update.columns.none() || update.object->entity().name() != EntityTask::entityName)
         return true;
-    constexpr int sources[] = {
-        EntityTask::column<"title">(),    EntityTask::column<"details">(),
-        EntityTask::column<"category">(), EntityTask::column<"project">(),
-        EntityTask::column<"company">(),  EntityTask::column<"delegateToUser">(),
-        EntityTask::column<"location">(),
-    };
-    return std::ranges::any_of(
-        sources, [&update](int column) { return update.columns.test(static_cast<size_t>(column)); });
+    return taskcolumns::concern(update, taskcolumns::FollowedBy::Search);
 }
 
 FetchRequest rowsOf(const QString &uri)

@@ -137,6 +137,7 @@ bool AppDelegate::hasManagedObjectContext() const
 
 void AppDelegate::resetStack0()
 {
+    watchers[ownStack].reset();
     contexts[ownStack].reset();
 }
 

@@ -31,8 +31,6 @@ public:
     virtual bool hasMainWindow() const = 0;
     /// Ends an edit in progress; false if it cannot be ended.
     virtual bool commitEditing() = 0;
-    /// Shows an error; true if it was dealt with.
-    virtual bool presentError(const Error &error) = 0;
     /// The number beside the program's icon; an empty text for none.
     virtual void setBadgeLabel(const QString &label) = 0;
 };
@@ -60,7 +58,10 @@ public:
     void applicationDidBecomeActive();
     void applicationDidResignActive();
     enum class TerminateReply { Cancel = 0, Now = 1 };
-    TerminateReply applicationShouldTerminate();
+    /// Who wants the program to quit: the user, who can be asked, or the system, which does not wait.
+    enum class QuitWish { OfUser, OfSystem };
+    /// Saves. If the store cannot be saved, the user is asked once, and may quit all the same.
+    TerminateReply applicationShouldTerminate(QuitWish wish = QuitWish::OfUser);
     void applicationWillTerminate();
     bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
@@ -96,8 +97,6 @@ public:
     void managedObjectContexLocalChangeData(const StoreChanges &changes);
     /// Records came in from another device: they are found by the search, and what is there twice goes.
     void mergeChanges(const StoreChanges &imported);
-    void storesPersistentDidChange();
-    void persistentStoreUbiquitousContentNameKey();
 
     // Rows that exist twice.
     void deleteDuplicateCategoryWith(const CategoryPtr &category);

@@ -66,13 +66,3 @@ void AppDelegate::removeDuplicatesOf(const ObjectPtr &object)
     else if (const auto addressType = std::dynamic_pointer_cast<EntityAddressType>(object))
         deleteDuplicateAddressTypeWith(addressType);
 }
-
-void AppDelegate::storesPersistentDidChange()
-{
-    NotificationCenter::defaultCenter().post(notifications::iCloudChange);
-}
-
-void AppDelegate::persistentStoreUbiquitousContentNameKey()
-{
-    NotificationCenter::defaultCenter().post(notifications::iCloudChange);
-}

@@ -27,6 +27,9 @@ constexpr Seconds untilFirstPicture{0.2};
 /// What is left of the calendars' outbox then is carried out at the next start.
 constexpr Seconds patienceAtQuit{3.0};
 
+/// What `getSourceType` says where a chosen calendar is in the cloud.
+constexpr int cloudSourceType = 2;
+
 const QString yes = QStringLiteral("YES");
 const QString no = QStringLiteral("NO");
 
@@ -130,7 +133,7 @@ void AppDelegate::applicationDidResignActive()
     defaults.setObject(settings::isAccesToCalendarForDidEnterBackground,
                        yesOrNo(CalendarEvent::hasAccesToCalendar()));
     badgeUpdata();
-    DBWorker::saveOrTell();
+    DBWorker::saveOrTell(DBWorker::Occasion::Program);
 }
 
 bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud)
@@ -187,7 +190,7 @@ void AppDelegate::activate()
         CalendarEvent::handleChangedCalendars();
     }
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCALENDAR").arg(yesOrNo(hasCalendar)));
-    const bool isCalendarInCloud = CalendarEvent::getSourceType() == 2;
+    const bool isCalendarInCloud = CalendarEvent::getSourceType() == cloudSourceType;
     Log::line(QStringLiteral("SYNC:%1 - iCLOUD CALENDARS").arg(yesOrNo(isCalendarInCloud)));
     bool goesAhead = examineAccess(hasCalendar, hasCloud, isCalendarInCloud) && hasCalendar;
     // The first activation after access was granted runs without the go-ahead.
@@ -203,14 +206,14 @@ void AppDelegate::activate()
     CalendarOutbox::writeTasksMadeOffline();
     if (!DBWorker::isSample())
         AlertSchedule::rebuild();
-    DBWorker::saveOrTell();
+    DBWorker::saveOrTell(DBWorker::Occasion::Program);
     // The look tells the screens if they are others now.
     core->visibleCalendars();
     defaults.setObject(settings::applicationDidBecomeActive, yes);
     defaults.synchronize();
 }
 
-AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
+AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate(QuitWish wish)
 {
     if (!hasManagedObjectContext())
         return TerminateReply::Now;
@@ -222,22 +225,22 @@ AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
     if (!managedObjectContext().hasChanges())
         return TerminateReply::Now;
     const OptionalError error = DBWorker::saveContext();
-    if (!error)
+    if (!error || wish == QuitWish::OfSystem)
         return TerminateReply::Now;
-    if (shell && shell->presentError(*error))
-        return TerminateReply::Cancel;
     const int answer =
         Alert::run({{},
                     localized(QStringLiteral("Could not save changes while quitting. Quit anyway?")),
-                    localized(QStringLiteral(
-                        "Quitting now will lose any changes you have made since the last successful save")),
+                    error->message + QStringLiteral("\n\n") +
+                        localized(QStringLiteral("Quitting now will lose any changes you have made since the "
+                                                 "last successful save")),
                     {localized(QStringLiteral("Quit anyway")), localized(QStringLiteral("Cancel"))}});
-    return answer == Alert::firstButton ? TerminateReply::Cancel : TerminateReply::Now;
+    return answer == Alert::firstButton ? TerminateReply::Now : TerminateReply::Cancel;
 }
 
 void AppDelegate::applicationWillTerminate()
 {
-    DBWorker::saveOrTell();
+    // What fails now the user has heard of, or nobody can be told.
+    DBWorker::saveContext().ignore();
     CalendarOutbox::carryOutFor(managedObjectContext(), patienceAtQuit);
     UserDefaults::standard().synchronize();
 }

@@ -1,5 +1,6 @@
 #include "objectstore/ChangeWriter.h"
 #include "objectstore/SqlText.h"
+#include "objectstore/SubstringIndex.h"
 
 int ChangeWriter::write()
 {
@@ -86,7 +87,11 @@ bool ChangeWriter::insertRow(ManagedObject &object)
         return false;
     population.byRow[object.row] = &object;
     object.isRowWritten = true;
-    return true;
+    const auto index = SubstringIndex::of(entity);
+    if (!index || index->note(*context.database, object.row))
+        return true;
+    code = context.database->lastCode();
+    return false;
 }
 
 QByteArray ChangeWriter::updateSql(const EntityDescription &entity, const ManagedObject::ColumnSet &columns)
@@ -118,7 +123,15 @@ bool ChangeWriter::updateRow(ManagedObject &object)
     if (!run(statement))
         return false;
     // Deleted elsewhere while it was changed here: what is in memory wins, and the row comes back.
-    return context.database->changes() > 0 || insertRow(object);
+    if (context.database->changes() == 0)
+        return insertRow(object);
+    const auto index = SubstringIndex::of(entity);
+    const bool isIndexed =
+        index && columns.test(static_cast<size_t>(entity.columnOf(entity.substringAttribute())));
+    if (!isIndexed || index->note(*context.database, object.id))
+        return true;
+    code = context.database->lastCode();
+    return false;
 }
 
 bool ChangeWriter::writeJoins(ManagedObject &object)

@@ -1,5 +1,6 @@
 #include "objectstore/ChangesetApplier.h"
 #include "objectstore/SqlText.h"
+#include "objectstore/SubstringIndex.h"
 
 #include <sqlite3.h>
 
@@ -77,7 +78,7 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
             continue; // Of an entity that the model no longer has.
         operation.isPair = operation.table != operation.entity->table();
         touchedTables.insert(table);
-        if (!applyOperation(operation))
+        if (!applyOperation(operation) || !noteForSubstrings(operation))
             return database.lastError(
                 QStringLiteral("Cannot change %1").arg(QString::fromUtf8(operation.table)));
     }
@@ -96,6 +97,17 @@ bool ChangesetApplier::applyOperation(const Operation &operation)
     default:
         return applyUpdate(operation);
     }
+}
+
+bool ChangesetApplier::noteForSubstrings(const Operation &operation)
+{
+    const auto index = operation.isPair ? std::nullopt : SubstringIndex::of(*operation.entity);
+    if (!index || operation.kind == SQLITE_DELETE)
+        return true;
+    const int column = keyColumn(operation);
+    return index->note(database,
+                       textOf(operation.kind == SQLITE_INSERT ? newValue(operation.iterator, column)
+                                                              : oldValue(operation.iterator, column)));
 }
 
 /// Where the identifier stands, or the source of a pair. A table that was made by hand can have it in any

@@ -42,6 +42,7 @@ private:
         QString target;
     };
     bool applyOperation(const Operation &operation);
+    bool noteForSubstrings(const Operation &operation);
     bool applyInsert(const Operation &operation);
     bool applyUpdate(const Operation &operation);
     bool applyDelete(const Operation &operation);

@@ -69,11 +69,6 @@ OptionalError ManagedObjectContext::begin()
     if (database->execute("BEGIN IMMEDIATE"))
         return failure("write to");
     isInTransaction = true;
-    if (!rowsfromelsewhere::letTriggersRest(*database)) {
-        const Error error = failure("write to");
-        rollBack();
-        return error;
-    }
     takeInChangesFromElsewhere();
     if (canBeUndone(author())) {
         journal->startCapture();
@@ -259,8 +254,6 @@ OptionalError ManagedObjectContext::commit()
 
 OptionalError ManagedObjectContext::commitTransaction()
 {
-    if (!rowsfromelsewhere::letTriggersWork(*database))
-        return failure("save");
     bool isDone = !database->execute("COMMIT");
     if (!isDone && database->lastCode() == sqlite::missingReference) {
         // An object that is named here was deleted elsewhere. The name goes, and everything else is saved.

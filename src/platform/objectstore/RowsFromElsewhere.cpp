@@ -31,8 +31,7 @@ struct Triggers
             return body.isEmpty()
                        ? QByteArray()
                        : "CREATE TRIGGER IF NOT EXISTS " + quoted(written + "_elsewhere_" + name) +
-                             " AFTER " + event + " ON " + quoted(written) + " WHEN NOT EXISTS " +
-                             "(SELECT 1 FROM " + table + " WHERE entity = '') BEGIN " + body + "END;";
+                             " AFTER " + event + " ON " + quoted(written) + " BEGIN " + body + "END;";
         };
         return one("insert", "INSERT", ofInsert) +
                one("update", "UPDATE OF " + columns.join(", "), ofUpdate) + one("delete", "DELETE", ofDelete);
@@ -103,21 +102,10 @@ QByteArray create(sqlite::Database &database, const ManagedObjectModel &model)
     return sql;
 }
 
-bool letTriggersRest(sqlite::Database &database)
-{
-    return database.prepare("INSERT OR IGNORE INTO " + table + " (entity, id) VALUES ('', '')").run();
-}
-
-bool letTriggersWork(sqlite::Database &database)
-{
-    return database.prepare("DELETE FROM " + table + " WHERE entity = ''").run();
-}
-
 Result<std::vector<RowFromElsewhere>> take(sqlite::Database &database, int limit)
 {
     std::vector<RowFromElsewhere> rows;
-    sqlite::Statement list =
-        database.prepare("SELECT entity, id, row FROM " + table + " WHERE entity <> '' LIMIT ?");
+    sqlite::Statement list = database.prepare("SELECT entity, id, row FROM " + table + " LIMIT ?");
     list.bind(qint64(limit));
     while (list.step())
         rows.push_back({list.text(0).toUtf8(), list.text(1), list.integer(2)});
@@ -133,7 +121,7 @@ Result<std::vector<RowFromElsewhere>> take(sqlite::Database &database, int limit
 
 bool isAnyThere(sqlite::Database &database)
 {
-    return database.prepare("SELECT 1 FROM " + table + " WHERE entity <> '' LIMIT 1").step();
+    return database.prepare("SELECT 1 FROM " + table + " LIMIT 1").step();
 }
 
 } // namespace rowsfromelsewhere

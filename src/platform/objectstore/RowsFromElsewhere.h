@@ -15,19 +15,14 @@ struct RowFromElsewhere
     RowId row = 0;
 };
 
-/// The list of such rows in the store, which triggers in plain SQL keep for whoever writes. While a context
-/// writes, a mark stands in it that lets the triggers rest, and that no other program ever sees, since it is
-/// gone before the commit.
+/// The list of such rows in the store, which triggers in plain SQL keep for whoever writes. On the connection
+/// of a context triggers are switched off: what it writes is told of anyway.
 ///
 /// Rows whose texts and links stay the same do not come on the list.
 namespace rowsfromelsewhere {
 
 /// Statements that make what is missing, with every present row on the list: who wrote them is not known.
 QByteArray create(sqlite::Database &database, const ManagedObjectModel &model);
-
-/// To be called first and last in each transaction of a context. False on an error.
-bool letTriggersRest(sqlite::Database &database);
-bool letTriggersWork(sqlite::Database &database);
 
 /// Takes rows off the list, at most so many. The caller holds the transaction.
 Result<std::vector<RowFromElsewhere>> take(sqlite::Database &database, int limit);

@@ -58,6 +58,20 @@ QByteArray SubstringIndex::startAnew() const
            "INSERT OR IGNORE INTO " + quoted(waiting) + " SELECT rowid FROM " + quoted(table) + ';';
 }
 
+bool SubstringIndex::note(sqlite::Database &database, RowId row) const
+{
+    sqlite::Statement noted =
+        database.prepare("INSERT INTO " + quoted(waiting) + " VALUES (?) ON CONFLICT DO NOTHING");
+    return noted.bind(qint64(row)).run();
+}
+
+bool SubstringIndex::note(sqlite::Database &database, const QString &identifier) const
+{
+    sqlite::Statement noted = database.prepare("INSERT INTO " + quoted(waiting) + " SELECT rowid FROM " +
+                                               quoted(table) + " WHERE \"id\" = ? ON CONFLICT DO NOTHING");
+    return noted.bind(identifier).run();
+}
+
 Result<int> SubstringIndex::takeIn(sqlite::Database &database, int limit) const
 {
     const auto failure = [&database] {

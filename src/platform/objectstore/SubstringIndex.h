@@ -9,8 +9,9 @@
 /// of the trigrams of the folded texts.
 ///
 /// It only proposes rows, and a query tests each of them, so that it may know too much but never too little.
-/// Rows that were written since it was last brought up to date stand in a list beside it, kept by triggers
-/// (also when another program writes), and are always proposed.
+/// Rows that were written since it was last brought up to date stand in a list beside it, and are always
+/// proposed. Where other programs write, triggers keep that list; a context, on whose connection triggers are
+/// switched off, adds its rows by `note`.
 class SubstringIndex
 {
 public:
@@ -24,6 +25,10 @@ public:
     QByteArray create(sqlite::Database &database) const;
     /// Statements that empty the index and put every row on the list.
     QByteArray startAnew() const;
+
+    /// Puts a row that was written on the list. False on an error.
+    bool note(sqlite::Database &database, RowId row) const;
+    bool note(sqlite::Database &database, const QString &identifier) const;
 
     /// Takes rows of the list into the index, at most so many; gives how many that were. The caller holds the
     /// transaction.

@@ -26,8 +26,6 @@ public:
     ManagedObjectContext &context() const { return changed; }
     ChangeAuthor author() const { return writer; }
     const QString &name() const { return undoName; }
-    /// Whether it belongs to another one, which commits both.
-    bool isNested() const { return isInside; }
 
     /// Writes everything to the disk, or nothing: on an error the changes stay for the next save. After it
     /// the transaction goes on empty.

@@ -3,7 +3,6 @@
 #include "foundation/Localization.h"
 #include "shell/QuitSignals.h"
 #include "shell/SingleInstance.h"
-#include "store/AppDelegate.h"
 #include "usernotifications/DesktopNotifications.h"
 #include "workspace/LauncherBadge.h"
 
@@ -20,7 +19,7 @@ ApplicationLife::ApplicationLife(AppDelegate &appDelegate, SingleInstance *singl
     , instance(singleInstance)
 {
     theLife = this;
-    connect(new QuitSignals(this), &QuitSignals::received, this, &ApplicationLife::quit);
+    connect(new QuitSignals(this), &QuitSignals::received, this, &ApplicationLife::quitForSystem);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, &ApplicationLife::stateChanged);
     if (instance)
         connect(instance, &SingleInstance::activated, this, &ApplicationLife::reopen);
@@ -84,10 +83,25 @@ void ApplicationLife::reopen()
 
 void ApplicationLife::quit()
 {
-    // A second wish while the first one still asks its question changes nothing.
-    if (std::exchange(isQuitting, true))
+    quitBy(AppDelegate::QuitWish::OfUser);
+}
+
+void ApplicationLife::quitForSystem()
+{
+    quitBy(AppDelegate::QuitWish::OfSystem);
+}
+
+void ApplicationLife::quitBy(AppDelegate::QuitWish wish)
+{
+    if (std::exchange(isQuitting, true)) {
+        // While the first wish still asks its question, that of the user changes nothing; that of the system
+        // answers it.
+        isForced = wish == AppDelegate::QuitWish::OfSystem;
+        if (isForced)
+            QCoreApplication::exit();
         return;
-    if (delegate.applicationShouldTerminate() == AppDelegate::TerminateReply::Cancel) {
+    }
+    if (delegate.applicationShouldTerminate(wish) == AppDelegate::TerminateReply::Cancel && !isForced) {
         isQuitting = false;
         return;
     }

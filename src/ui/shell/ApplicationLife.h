@@ -1,8 +1,9 @@
 #pragma once
 
+#include "store/AppDelegate.h"
+
 #include <QObject>
 
-class AppDelegate;
 class SingleInstance;
 
 /// Leads the program through its life: activation, resignation, and the one road on which it quits.
@@ -26,12 +27,15 @@ public:
     void calendarsWereAllowed();
     /// Saves and ends the program, unless something is to stay open.
     void quit();
+    /// The same by the wish of the system, which does not wait for an answer of the user.
+    void quitForSystem();
 
 Q_SIGNALS:
     /// There are calendars to choose from now.
     void calendarsAllowed();
 
 private:
+    void quitBy(AppDelegate::QuitWish wish);
     void stateChanged(Qt::ApplicationState state);
     void startUserNotifications();
     void reopen();
@@ -41,4 +45,5 @@ private:
     bool wasPainted = false;
     bool isActive = false;
     bool isQuitting = false;
+    bool isForced = false;
 };

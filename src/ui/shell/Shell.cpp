@@ -80,13 +80,6 @@ bool Shell::commitEditing()
     return true;
 }
 
-bool Shell::presentError(const Error &error)
-{
-    Alert::run(
-        {.title = {}, .message = error.message, .informativeText = {}, .buttons = {localized(u"OK"_s)}});
-    return true;
-}
-
 void Shell::setBadgeLabel(const QString &label)
 {
     badgeLabel = label;

@@ -20,7 +20,6 @@ public:
     void showStartWindow() override;
     bool hasMainWindow() const override { return controller != nullptr; }
     bool commitEditing() override;
-    bool presentError(const Error &error) override;
     void setBadgeLabel(const QString &label) override;
 
     MainWindowController *mainWindow() const { return controller.get(); }

@@ -3,6 +3,7 @@
 #include "records/dates/MTDates.h"
 
 #include "store/state/NotificationNames.h"
+#include "support/FullDisk.h"
 #include "usernotifications/UserNotificationCenter.h"
 
 #include <QCoreApplication>
@@ -21,7 +22,6 @@ public:
         QString badge;
         bool hasMainWindow = true;
         bool canCommit = true;
-        bool dealsWithErrors = false;
     };
     explicit ToldShell(Record &told)
         : record(told)
@@ -30,7 +30,6 @@ public:
     void showStartWindow() override { record.calls.append(u"start"_qs); }
     bool hasMainWindow() const override { return record.hasMainWindow; }
     bool commitEditing() override { return record.canCommit; }
-    bool presentError(const Error &) override { return record.dealsWithErrors; }
     void setBadgeLabel(const QString &label) override { record.badge = label; }
 
 private:
@@ -153,7 +152,7 @@ TEST_F(Life, SettingsAreComputedAtEachRead)
     }
 }
 
-TEST_F(Life, QuittingWithAStoreThatCannotBeWrittenAsksAndCancelQuits)
+TEST_F(Life, QuittingWithAStoreThatCannotBeWrittenAsksOnceAndThenQuits)
 {
     launchWithShell();
     told.canCommit = false;
@@ -164,19 +163,58 @@ TEST_F(Life, QuittingWithAStoreThatCannotBeWrittenAsksAndCancelQuits)
     ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
     context().insert<EntityNote>()->setTitle(u"not lost"_qs);
     {
-        const ScriptedAlerts alerts({1001});
-        EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::Now);
+        const ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
+        EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::Cancel);
         ASSERT_EQ(alerts.asked().size(), 1u);
         EXPECT_EQ(alerts.asked()[0].message, u"Could not save changes while quitting. Quit anyway?"_qs);
+        EXPECT_TRUE(alerts.asked()[0].informativeText.contains(u"locked"_qs)) << "it says why";
         EXPECT_EQ(alerts.asked()[0].buttons, QStringList({u"Quit anyway"_qs, u"Cancel"_qs}));
+        EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::Now);
+        delegate->applicationWillTerminate();
+        EXPECT_EQ(alerts.asked().size(), 2u);
+        EXPECT_EQ(delegate->applicationShouldTerminate(AppDelegate::QuitWish::OfSystem),
+                  AppDelegate::TerminateReply::Now)
+            << "the system waits for no answer";
+        EXPECT_EQ(alerts.asked().size(), 2u);
     }
-    told.dealsWithErrors = true;
-    EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::Cancel);
     sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
     sqlite3_close(other);
     quit();
     launch();
     EXPECT_EQ(DBWorker::allNote().first()->title(), u"not lost"_qs);
+}
+
+TEST_F(Life, EachCommandSaysThatItWasNotSavedAndTheProgramDoesNotGoOnAboutIt)
+{
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+    const LogCapture log;
+    {
+        const FullDisk disk;
+        for (size_t command = 1; command <= 2; ++command) {
+            context().insert<EntityNote>()->setTitle(u"not lost"_qs);
+            EXPECT_FALSE(DBWorker::saveOrTell());
+            EXPECT_FALSE(DBWorker::saveOrTell()) << "a second save of the same command";
+            EXPECT_EQ(alerts.asked().size(), command);
+            QCoreApplication::processEvents();
+        }
+        delegate->applicationDidResignActive();
+        delegate->applicationDidBecomeActive();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(alerts.asked().size(), 2u) << "the user knows";
+    }
+    EXPECT_TRUE(DBWorker::saveOrTell());
+    EXPECT_EQ(DBWorker::allNote().size(), 2);
+}
+
+TEST_F(Life, AStackThatWasForgottenIsOpenedAnew)
+{
+    add(u"kept"_qs);
+    const ManagedObjectContext *former = &context();
+    EXPECT_NE(former, nullptr);
+    delegate->resetStack0();
+    EXPECT_FALSE(delegate->hasManagedObjectContext());
+    QCoreApplication::processEvents();
+    EXPECT_NE(DBWorker::getFirstTaskByTitle(u"kept"_qs), nullptr);
 }
 
 TEST_F(Life, TheSampleStoreIsAnotherFileThatHidesNothing)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "objectstore/StoreChanges.h"
 #include "records/copies/MVTask.h"
 
 #include <algorithm>
@@ -37,6 +38,16 @@ enum class InSeries {
     NamesSeries,
 };
 
+/// What is kept up to date with it beside the row.
+enum class FollowedBy {
+    Nothing,
+    /// The texts by which the task is found.
+    Search,
+    /// The messages that appear for its alerts.
+    Alerts,
+    SearchAndAlerts,
+};
+
 /// One value of a task.
 template <typename ValueType, typename Argument>
 struct Column
@@ -50,6 +61,7 @@ struct Column
     Difference difference;
     Follows follows;
     InSeries inSeries;
+    FollowedBy followedBy;
 
     ValueType of(const EntityTask &row) const { return (row.*read)(); }
     void set(EntityTask &row, const ValueType &value) const { (row.*write)(value); }
@@ -57,12 +69,13 @@ struct Column
 
 template <typename ValueType, typename Argument>
 Column(ValueType MVTask::*, ValueType (EntityTask::*)() const, void (EntityTask::*)(Argument),
-       std::string_view, Copied, Difference, Follows, InSeries) -> Column<ValueType, Argument>;
+       std::string_view, Copied, Difference, Follows, InSeries, FollowedBy) -> Column<ValueType, Argument>;
 
-#define TASK_COLUMN(name, setter, copied, difference, follows, inSeries)                                     \
+#define TASK_COLUMN(name, setter, copied, difference, follows, inSeries, followedBy)                         \
     Column                                                                                                   \
     {                                                                                                        \
-        &MVTask::name, &EntityTask::name, &EntityTask::setter, #name, copied, difference, follows, inSeries  \
+        &MVTask::name, &EntityTask::name, &EntityTask::setter, #name, copied, difference, follows, inSeries, \
+            FollowedBy::followedBy                                                                           \
     }
 
 inline constexpr auto all = [] {
@@ -71,41 +84,41 @@ inline constexpr auto all = [] {
     using enum Follows;
     using enum InSeries;
     return std::tuple{
-        TASK_COLUMN(title, setTitle, BothWays, Counts, Alone, KeptByCalendar),
-        TASK_COLUMN(details, setDetails, BothWays, Counts, Alone, KeptByCalendar),
-        TASK_COLUMN(type, setType, BothWays, Counts, WithDates, Shared),
-        TASK_COLUMN(status, setStatus, BothWays, Counts, WithStatus, Shared),
-        TASK_COLUMN(priority, setPriority, BothWays, Counts, Alone, Shared),
-        TASK_COLUMN(startDate, setStartDate, BothWays, Counts, WithDates, Own),
-        TASK_COLUMN(dueDate, setDueDate, BothWays, Counts, WithDates, Own),
-        TASK_COLUMN(dueSomeDay, setDueSomeDay, BothWays, Counts, WithDates, Own),
-        TASK_COLUMN(creationDate, setCreationDate, FromRow, Ignored, Nothing, Own),
-        TASK_COLUMN(lastModificationDate, setLastModificationDate, BothWays, Counts, Alone, Shared),
-        TASK_COLUMN(expirationDate, setExpirationDate, FromRow, Ignored, WithStatus, Own),
-        TASK_COLUMN(position, setPosition, FromRow, Counts, Alone, Own),
-        TASK_COLUMN(rowIndex, setRowIndex, Never, Ignored, Nothing, Own),
-        TASK_COLUMN(alert, setAlert, BothWays, Counts, WithDates, Own),
-        TASK_COLUMN(secondAlert, setSecondAlert, BothWays, Counts, WithDates, Own),
-        TASK_COLUMN(repeat, setRepeat, BothWays, Counts, WithDates, Own),
-        TASK_COLUMN(endRepeat, setEndRepeat, BothWays, Counts, WithDates, Own),
-        TASK_COLUMN(repeatInfoUser, setRepeatInfoUser, BothWays, Counts, Alone, Own),
-        TASK_COLUMN(calendarID, setCalendarID, BothWays, Counts, Alone, NamesSeries),
-        TASK_COLUMN(typeCalendarID, setTypeCalendarID, BothWays, Counts, WithCalendar, Shared),
-        TASK_COLUMN(calendarTitle, setCalendarTitle, BothWays, Counts, WithCalendar, Shared),
-        TASK_COLUMN(colorCalendarR, setColorCalendarR, BothWays, Counts, WithCalendar, Shared),
-        TASK_COLUMN(colorCalendarG, setColorCalendarG, BothWays, Counts, WithCalendar, Shared),
-        TASK_COLUMN(colorCalendarB, setColorCalendarB, BothWays, Counts, WithCalendar, Shared),
-        TASK_COLUMN(colorCalendarA, setColorCalendarA, BothWays, Counts, WithCalendar, Shared),
+        TASK_COLUMN(title, setTitle, BothWays, Counts, Alone, KeptByCalendar, SearchAndAlerts),
+        TASK_COLUMN(details, setDetails, BothWays, Counts, Alone, KeptByCalendar, Search),
+        TASK_COLUMN(type, setType, BothWays, Counts, WithDates, Shared, Nothing),
+        TASK_COLUMN(status, setStatus, BothWays, Counts, WithStatus, Shared, Alerts),
+        TASK_COLUMN(priority, setPriority, BothWays, Counts, Alone, Shared, Nothing),
+        TASK_COLUMN(startDate, setStartDate, BothWays, Counts, WithDates, Own, Nothing),
+        TASK_COLUMN(dueDate, setDueDate, BothWays, Counts, WithDates, Own, Nothing),
+        TASK_COLUMN(dueSomeDay, setDueSomeDay, BothWays, Counts, WithDates, Own, Nothing),
+        TASK_COLUMN(creationDate, setCreationDate, FromRow, Ignored, Nothing, Own, Nothing),
+        TASK_COLUMN(lastModificationDate, setLastModificationDate, BothWays, Counts, Alone, Shared, Nothing),
+        TASK_COLUMN(expirationDate, setExpirationDate, FromRow, Ignored, WithStatus, Own, Nothing),
+        TASK_COLUMN(position, setPosition, FromRow, Counts, Alone, Own, Nothing),
+        TASK_COLUMN(rowIndex, setRowIndex, Never, Ignored, Nothing, Own, Nothing),
+        TASK_COLUMN(alert, setAlert, BothWays, Counts, WithDates, Own, Alerts),
+        TASK_COLUMN(secondAlert, setSecondAlert, BothWays, Counts, WithDates, Own, Alerts),
+        TASK_COLUMN(repeat, setRepeat, BothWays, Counts, WithDates, Own, Nothing),
+        TASK_COLUMN(endRepeat, setEndRepeat, BothWays, Counts, WithDates, Own, Nothing),
+        TASK_COLUMN(repeatInfoUser, setRepeatInfoUser, BothWays, Counts, Alone, Own, Nothing),
+        TASK_COLUMN(calendarID, setCalendarID, BothWays, Counts, Alone, NamesSeries, Alerts),
+        TASK_COLUMN(typeCalendarID, setTypeCalendarID, BothWays, Counts, WithCalendar, Shared, Nothing),
+        TASK_COLUMN(calendarTitle, setCalendarTitle, BothWays, Counts, WithCalendar, Shared, Nothing),
+        TASK_COLUMN(colorCalendarR, setColorCalendarR, BothWays, Counts, WithCalendar, Shared, Nothing),
+        TASK_COLUMN(colorCalendarG, setColorCalendarG, BothWays, Counts, WithCalendar, Shared, Nothing),
+        TASK_COLUMN(colorCalendarB, setColorCalendarB, BothWays, Counts, WithCalendar, Shared, Nothing),
+        TASK_COLUMN(colorCalendarA, setColorCalendarA, BothWays, Counts, WithCalendar, Shared, Nothing),
         TASK_COLUMN(allowsContentModifications, setAllowsContentModifications, BothWays, Counts, Alone,
-                    Shared),
-        TASK_COLUMN(remindID, setRemindID, BothWays, Counts, Alone, Own),
-        TASK_COLUMN(wasCreatedOffCalendar, setWasCreatedOffCalendar, BothWays, Counts, Alone, Own),
-        TASK_COLUMN(category, setCategory, BothWays, Counts, Alone, Shared),
-        TASK_COLUMN(company, setCompany, BothWays, Counts, WithDelegate, Shared),
-        TASK_COLUMN(delegateToUser, setDelegateToUser, BothWays, Counts, WithDelegate, Shared),
-        TASK_COLUMN(location, setLocation, BothWays, Counts, Alone, Shared),
-        TASK_COLUMN(project, setProject, BothWays, Counts, Alone, Shared),
-        TASK_COLUMN(tags, setTags, BothWays, Ignored, Alone, Own),
+                    Shared, Nothing),
+        TASK_COLUMN(remindID, setRemindID, BothWays, Counts, Alone, Own, Nothing),
+        TASK_COLUMN(wasCreatedOffCalendar, setWasCreatedOffCalendar, BothWays, Counts, Alone, Own, Nothing),
+        TASK_COLUMN(category, setCategory, BothWays, Counts, Alone, Shared, Search),
+        TASK_COLUMN(company, setCompany, BothWays, Counts, WithDelegate, Shared, Search),
+        TASK_COLUMN(delegateToUser, setDelegateToUser, BothWays, Counts, WithDelegate, Shared, Search),
+        TASK_COLUMN(location, setLocation, BothWays, Counts, Alone, Shared, Search),
+        TASK_COLUMN(project, setProject, BothWays, Counts, Alone, Shared, Search),
+        TASK_COLUMN(tags, setTags, BothWays, Ignored, Alone, Own, Nothing),
     };
 }();
 
@@ -116,6 +129,19 @@ template <typename Visit>
 constexpr void forEach(Visit visit)
 {
     std::apply([&visit](const auto &...columns) { (visit(columns), ...); }, all);
+}
+
+/// Whether a value in one of the columns of an update is followed by it.
+inline bool concern(const StoreChanges::Update &update, FollowedBy follower)
+{
+    bool isConcerned = false;
+    forEach([&](const auto &column) {
+        const bool isFollowed =
+            column.followedBy == follower || column.followedBy == FollowedBy::SearchAndAlerts;
+        const int place = isFollowed ? update.object->entity().columnOf(column.name) : -1;
+        isConcerned = isConcerned || (place >= 0 && update.columns.test(static_cast<size_t>(place)));
+    });
+    return isConcerned;
 }
 
 /// Whether the table has an attribute or a relationship of a task exactly once.

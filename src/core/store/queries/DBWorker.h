@@ -47,10 +47,13 @@ public:
     static bool isSample();
     /// Saves the main context. Gives the error of the save, or nothing; it stands in the log, too.
     [[nodiscard]] static OptionalError saveContext();
-    /// Saves the main context. If that does not reach the disk, the user is told, once until it succeeds
-    /// again; the changes wait for the next save. Whether it was saved.
-    static bool saveOrTell();
-    /// The same for the result of a commit.
+    /// What a save follows from: a command of the user, or what the program does by itself.
+    enum class Occasion { Command, Program };
+    /// Saves the main context. If that does not reach the disk, the user is told; the changes wait for the
+    /// next save. Each command tells it once, what the program does by itself only if it was not told since
+    /// the last save that succeeded. Whether it was saved.
+    static bool saveOrTell(Occasion occasion = Occasion::Command);
+    /// The same for the result of a commit of the open transaction, whose author tells the occasion.
     static bool tellOfFailure(const OptionalError &error);
     /// The permanent URI of an object, or an empty text for null.
     static QString getIdFromObject(const ObjectPtr &object);

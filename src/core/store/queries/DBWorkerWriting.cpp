@@ -1,6 +1,7 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
+#include "foundation/MainLoop.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/CoreContext.h"
@@ -28,27 +29,60 @@ OptionalError DBWorker::saveContext()
     return error;
 }
 
-bool DBWorker::saveOrTell()
+namespace {
+
+/// What the user has heard of failures.
+struct Told
+{
+    bool sinceLastSuccess = false;
+    bool byThisCommand = false;
+};
+
+Told &told()
+{
+    static Told heard;
+    return heard;
+}
+
+bool tell(const OptionalError &error, DBWorker::Occasion occasion)
+{
+    const ManagedObjectContext *context = CoreContext::current().openedStore();
+    if (!error) {
+        if (!context || !context->hasChanges())
+            told().sinceLastSuccess = false;
+        return true;
+    }
+    logFailure(*error);
+    const bool isOfCommand = occasion == DBWorker::Occasion::Command;
+    const bool isKnown = isOfCommand ? told().byThisCommand : told().sinceLastSuccess;
+    if (isKnown)
+        return false;
+    told() = {true, true};
+    Alert::run({localized(QStringLiteral("Your changes could not be saved")),
+                localized(QStringLiteral("Your changes could not be saved")),
+                error->message + QStringLiteral("\n\n") +
+                    localized(QStringLiteral("They are kept, and saved as soon as that is possible.")),
+                {localized(QStringLiteral("OK"))}});
+    // The command ends before the main loop comes round.
+    MainLoop::performDelayed(Seconds(0), [] { told().byThisCommand = false; });
+    return false;
+}
+
+} // namespace
+
+bool DBWorker::saveOrTell(Occasion occasion)
 {
     ManagedObjectContext *context = CoreContext::current().store();
-    return !context || tellOfFailure(context->save());
+    return !context || tell(context->save(), occasion);
 }
 
 bool DBWorker::tellOfFailure(const OptionalError &error)
 {
-    static bool isTold = false;
-    if (!error) {
-        isTold = false;
-        return true;
-    }
-    logFailure(*error);
-    if (!std::exchange(isTold, true))
-        Alert::run({localized(QStringLiteral("Your changes could not be saved")),
-                    localized(QStringLiteral("Your changes could not be saved")),
-                    error->message + QStringLiteral("\n\n") +
-                        localized(QStringLiteral("They are kept, and saved as soon as that is possible.")),
-                    {localized(QStringLiteral("OK"))}});
-    return false;
+    const ManagedObjectContext *context = CoreContext::current().openedStore();
+    const ChangeAuthor author = context ? context->author() : ChangeAuthor::User;
+    const bool isOfUser =
+        author == ChangeAuthor::User || author == ChangeAuthor::Undo || author == ChangeAuthor::Import;
+    return tell(error, isOfUser ? Occasion::Command : Occasion::Program);
 }
 
 namespace {

@@ -13,7 +13,7 @@ void EntityCategory::setCustom()
 
 std::vector<TaskPtr> EntityCategory::tasksSorts() const
 {
-    const Predicate open = Predicate::format("status != %d", 3);
+    const Predicate open = Predicate::format("status != %d", TaskStatus::Done);
     const Predicate own =
         Predicate::format("category == %@", std::const_pointer_cast<ManagedObject>(shared_from_this()));
     std::vector<TaskPtr> tasks;

@@ -189,12 +189,8 @@ void TaskModel::changeStatus(Copy &copy, TaskStatus status)
         return;
     copy.status = status;
     copy.expirationDate = status == done ? OptionalDate(now) : std::nullopt;
-    const OptionalDate former = live.tasks[copy.id].expirationDate;
-    if (status == done)
-        live.tasks[copy.id].expirationDate = now;
     copy.lastModificationDate = now;
-    if (!saveTaskTemp(copy) && live.tasks[copy.id].status != done)
-        live.tasks[copy.id].expirationDate = former;
+    saveTaskTemp(copy);
 }
 
 void TaskModel::removeFrom(const QString &id, bool withFuture)
