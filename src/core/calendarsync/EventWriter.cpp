@@ -241,7 +241,11 @@ OptionalError taskevent::remove(const QString &identifier, const QString &calend
     if (!events)
         return events.error();
     const EKEvent *event = eventOfDay(events.value(), day);
-    if (!event || !event->calendar || CalendarCatalogue::identifierOfCalendar(*event->calendar) != calendar)
+    const auto isThere = [&calendar](const EKEvent &one) {
+        return calendar.isEmpty() ||
+               (one.calendar && CalendarCatalogue::identifierOfCalendar(*one.calendar) == calendar);
+    };
+    if (!event || !isThere(*event))
         return std::nullopt;
     const bool isAlone = event->hasRecurrenceRules() && span == Span::ThisTask;
     return EventStoreAccess::eventStore().removeEvent(

@@ -131,9 +131,12 @@ private:
 /// Makes of the event what the row is.
 OptionalError writeRow(EntityTask &row, const Side &side)
 {
+    const EventFields fields = EventFields::ofColumns(side.columns);
     if (!isOffCalendar(row))
-        return taskevent::write(row, EventFields::ofColumns(side.columns), side.span, side.day, side.name);
-    if (auto error = taskevent::remove(side.name, row.typeCalendarID(), side.span, side.day))
+        return taskevent::write(row, fields, side.span, side.day, side.name);
+    // Of a row that names another calendar now, the event is still in the former one.
+    const QString calendar = fields.calendar ? QString() : row.typeCalendarID();
+    if (auto error = taskevent::remove(side.name, calendar, side.span, side.day))
         return error;
     // No later pass pairs the row with its former event; opened again, it gets one.
     row.setCalendarID(QString());
@@ -214,10 +217,10 @@ void keepForLater(EntityTask &row, Span span, OptionalDate formerDay)
 {
     if (DBWorker::isSample())
         return;
+    // Whether the calendars answer is asked anew.
+    state().calendars.reset();
     if (!row.calendarID().isEmpty()) {
         state().unwritten[row.identifier()] = {span, formerDay ? formerDay : dateOf(row)};
-        // Whether the calendars answer is asked anew.
-        state().calendars.reset();
     } else if (!isOffCalendar(row)) {
         row.setWasCreatedOffCalendar(true);
     }

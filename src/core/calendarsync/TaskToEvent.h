@@ -35,8 +35,8 @@ void put(const EntityTask &task, EKEvent &event, const EventFields &fields);
 /// has gone is left to the next pass. An error if that cannot be told, or the event cannot be written.
 OptionalError write(EntityTask &row, const EventFields &fields, Span span, OptionalDate day,
                     const QString &identifier);
-/// Removes the event of an identifier from the calendar that a row named, if it stands there; of a series the
-/// one of that day, and with the span those after it.
+/// Removes the event of an identifier from the calendar that a row named, if it stands there, or with an
+/// empty name from any; of a series the one of that day, and with the span those after it.
 OptionalError remove(const QString &identifier, const QString &calendar, Span span, OptionalDate day);
 
 } // namespace taskevent

@@ -10,6 +10,8 @@
 
 #include <QThread>
 
+#include <utility>
+
 namespace {
 
 using testing::IsEmpty;
@@ -69,7 +71,7 @@ TEST_F(Outbox, ARowWhoseEventWasNotMadeStays)
         EXPECT_THAT(alerts.asked(), SizeIs(1)) << "both are told at once";
     }
     backend->answerToWrites.reset();
-    EXPECT_EQ(tasks(), QStringList({u"23 Run"_qs, u"24 Run"_qs, u"25 Run"_qs, u"27 New"_qs}));
+    ASSERT_EQ(tasks(), QStringList({u"23 Run"_qs, u"24 Run"_qs, u"25 Run"_qs, u"27 New"_qs}));
     EXPECT_EQ(events(), QStringList({u"23 Run"_qs, u"24 Run"_qs, u"25 Run"_qs}));
     EXPECT_TRUE(rowOf(u"New"_qs)->calendarID().isEmpty());
     for (const TaskPtr &row : rows())
@@ -90,7 +92,7 @@ public:
     {
         mostStanding = std::max(mostStanding, ++standing);
         asked.append(question.message);
-        meanwhile();
+        std::exchange(meanwhile, [] {})();
         --standing;
         return Alert::firstButton;
     }
@@ -107,7 +109,6 @@ TEST_F(Outbox, ARefusalIsNotToldWhileAQuestionStands)
         rename(rowOf(u"Task"_qs), u"Refused"_qs);
         goOn();
         backend->answerToWrites.reset();
-        asker->meanwhile = [] {};
     };
     Alert::run({{}, u"Asked by somebody else"_qs, {}, {u"OK"_qs}});
     EXPECT_THAT(asker->asked, SizeIs(1));
@@ -151,10 +152,29 @@ TEST_F(Outbox, ACalendarThatIsLetGoTakesNothingAlong)
     backend->lostTitles = {u"Work"_qs};
     activate();
     EXPECT_THAT(context().pendingOutbox(), IsEmpty());
-    EXPECT_EQ(tasks(), QStringList(u"24 Moved"_qs));
+    ASSERT_EQ(tasks(), QStringList(u"24 Moved"_qs));
     EXPECT_EQ(rowOf(u"Moved"_qs)->typeCalendarID(), u"Home"_qs);
     EXPECT_EQ(rowOf(u"Moved"_qs)->priority(), Priority::High);
     EXPECT_EQ(files(u"Home"_qs).size(), 1);
+}
+
+TEST_F(Outbox, WhatWaitsTogetherIsSeenTogether)
+{
+    make(draft(u"Moved"_qs));
+    edit(rowOf(u"Moved"_qs), [](MVTask &task) { task.typeCalendarID = u"Work"_qs; });
+    activate();
+    // Another program gives it another title there, and the move is taken back.
+    const QString path = pathOf(u"Moved"_qs, u"Work"_qs);
+    put(path, read(path).replace("SUMMARY:Moved", "SUMMARY:Theirs"));
+    backend->refusesWriting = true;
+    undo();
+    activate();
+    EXPECT_EQ(tasks(), QStringList(u"24 Theirs"_qs)) << "once, as it will be";
+    EXPECT_EQ(rows().front()->typeCalendarID(), u"Home"_qs);
+    backend->refusesWriting = false;
+    activate();
+    EXPECT_EQ(files(u"Work"_qs).size(), 0);
+    expectArrived({u"24 Theirs"_qs}, {u"24 Theirs"_qs});
 }
 
 TEST_F(Outbox, WhatWasCarriedOutIsNotCarriedOutASecondTime)
