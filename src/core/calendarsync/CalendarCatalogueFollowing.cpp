@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/CalendarOutbox.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/PassBrake.h"
@@ -112,6 +113,7 @@ Followed followCalendars(const std::vector<EKCalendar> &calendars, const QVarian
         if (!calendar && !mayRemoveTasksOf(formerTitle)) {
             followed.missed.insert(entry.key(), formerTitle);
         } else if (!calendar) {
+            CalendarOutbox::forgetCalendar(mainContext(), entry.key());
             DBWorker::removeAllTasksByCalendarIdentifier(formerTitle);
             followed.isChanged = true;
         } else if (!calendar->title.isEmpty() && calendar->title != formerTitle) {

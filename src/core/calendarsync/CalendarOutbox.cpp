@@ -3,7 +3,9 @@
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/OfflineChanges.h"
+#include "calendarsync/RefusedChanges.h"
 #include "eventkit/CalendarError.h"
+#include "eventkit/ItemMerge.h"
 #include "foundation/Log.h"
 #include "foundation/MainLoop.h"
 #include "store/queries/DBWorker.h"
@@ -11,8 +13,10 @@
 
 #include <QScopedValueRollback>
 
+#include <algorithm>
 #include <chrono>
 #include <set>
+#include <span>
 
 namespace CalendarOutbox {
 
@@ -43,34 +47,40 @@ std::vector<ItemChange> pendingChanges(ManagedObjectContext &context)
     return changes;
 }
 
-/// What becomes of a change that could not be carried out.
-enum class Fate {
-    /// Its calendar has gone, and its rows go with it.
-    Dropped,
-    /// Tried again later.
-    Kept
-};
-
-Fate fateOf(const ItemChange &change, const Error &error)
+/// Said once for each reason and object.
+void logOnce(const ItemChange &change, const Error &error)
 {
-    // Said once for each reason and object.
     static std::set<QString> told;
     const QString line = QStringLiteral("Cannot bring a change of %1 to the calendar %2: %3")
                              .arg(change.uid, change.calendarIdentifier, error.message);
     if (told.insert(line).second)
         Log::line(line);
-    return CalendarError::is(error, CalendarError::NotFound) ? Fate::Dropped : Fate::Kept;
 }
 
-/// One look at all changes. What has failed holds back what comes after it: of the same object, of its group,
-/// and of a calendar that cannot be reached.
+using Together = std::vector<ItemChange>;
+
+/// The changes in groups of those that are carried out together.
+std::vector<Together> groupsOf(const std::vector<ItemChange> &changes)
+{
+    std::vector<Together> groups;
+    std::span<const ItemChange> left(changes);
+    while (!left.empty()) {
+        const auto group = left.first(itemmerge::countTogether(left));
+        groups.emplace_back(group.begin(), group.end());
+        left = left.subspan(group.size());
+    }
+    return groups;
+}
+
+/// One look at all changes. What has failed holds back what comes after it: of the same object, and of a
+/// calendar that cannot be reached.
 class Round
 {
 public:
-    Round(ManagedObjectContext &changedContext, std::vector<ItemChange> pending,
+    Round(ManagedObjectContext &changedContext, const std::vector<ItemChange> &pending,
           SteadyClock::time_point lastMoment)
         : context(changedContext)
-        , changes(std::move(pending))
+        , groups(groupsOf(pending))
         , deadline(lastMoment)
     {}
 
@@ -78,48 +88,62 @@ public:
     bool run()
     {
         std::vector<ItemChange> left;
-        std::vector<qint64> done;
         bool isTimeOver = false;
-        for (ItemChange &change : changes) {
+        for (const Together &group : groups) {
             isTimeOver = isTimeOver || SteadyClock::now() > deadline;
-            if (!isTimeOver && !isHeldBack(change) && tryOne(change))
-                done.push_back(change.sequence);
+            if (!isTimeOver && !isHeldBack(group) && tryOne(group))
+                finish(group);
             else
-                left.push_back(std::move(change));
+                left.insert(left.end(), group.begin(), group.end());
         }
-        // If this fails, they are tried again, and found to be there.
-        if (const auto error = context.finishOutbox(done))
-            Log::line(error->message);
         EventStoreAccess::eventStore().setPromises(std::move(left));
+        refusedchanges::settle(std::move(refused));
         return isTimeOver;
     }
 
 private:
-    bool isHeldBack(const ItemChange &change)
+    bool isHeldBack(const Together &group) const
     {
-        if (failedGroup && *failedGroup != change.group)
-            failedGroup.reset();
-        return failedGroup || failedUids.contains(change.uid) ||
-               silentCalendars.contains(change.calendarIdentifier);
+        return std::ranges::any_of(group, [this](const ItemChange &change) {
+            return failedUids.contains(change.uid) || silentCalendars.contains(change.calendarIdentifier);
+        });
     }
-    bool tryOne(const ItemChange &change)
+    /// Whether there is nothing left to be done of it.
+    bool tryOne(const Together &group)
     {
-        const auto error = EventStoreAccess::eventStore().carryOut(change);
-        if (!error || fateOf(change, *error) == Fate::Dropped)
+        const auto error = EventStoreAccess::eventStore().carryOut(group);
+        if (!error)
             return true;
-        if (CalendarError::is(error, CalendarError::Storage))
-            silentCalendars.insert(change.calendarIdentifier);
-        failedGroup = change.group;
-        failedUids.insert(change.uid);
+        logOnce(group.front(), *error);
+        if (CalendarError::isRefusal(error)) {
+            refused.push_back(group);
+            return true;
+        }
+        for (const ItemChange &change : group) {
+            failedUids.insert(change.uid);
+            // Which of several calendars it was is not told.
+            if (group.size() == 1 && !CalendarError::is(error, CalendarError::Unreadable))
+                silentCalendars.insert(change.calendarIdentifier);
+        }
         return false;
+    }
+    /// At once: what is carried out a second time could take back what another program has done since. If
+    /// this fails, it is.
+    void finish(const Together &group)
+    {
+        std::vector<qint64> sequences;
+        for (const ItemChange &change : group)
+            sequences.push_back(change.sequence);
+        if (const auto error = context.finishOutbox(sequences))
+            Log::line(error->message);
     }
 
     ManagedObjectContext &context;
-    std::vector<ItemChange> changes;
+    std::vector<Together> groups;
     SteadyClock::time_point deadline;
-    std::optional<int> failedGroup;
     std::set<QString> failedUids;
     std::set<QString> silentCalendars;
+    std::vector<Together> refused;
 };
 
 bool mayWrite()
@@ -132,14 +156,14 @@ bool drain(ManagedObjectContext &context, std::chrono::milliseconds longest)
 {
     if (isDraining || !mayWrite())
         return false;
-    std::vector<ItemChange> changes = pendingChanges(context);
+    const std::vector<ItemChange> changes = pendingChanges(context);
     if (changes.empty()) {
         if (state().store)
             state().store->setPromises({});
         return false;
     }
     const QScopedValueRollback guard(isDraining, true);
-    return Round(context, std::move(changes), SteadyClock::now() + longest).run();
+    return Round(context, changes, SteadyClock::now() + longest).run();
 }
 
 void drainInPortions()
@@ -218,6 +242,20 @@ void writeTasksMadeOffline()
 {
     if (mayWrite())
         offlinechanges::writeNewTasks();
+}
+
+void forgetCalendar(ManagedObjectContext &context, const QString &calendarIdentifier)
+{
+    std::vector<qint64> sequences;
+    for (const Together &group : groupsOf(pendingChanges(context))) {
+        const bool isConcerned = std::ranges::any_of(
+            group, [&](const ItemChange &change) { return change.calendarIdentifier == calendarIdentifier; });
+        for (const ItemChange &change : isConcerned ? group : Together())
+            sequences.push_back(change.sequence);
+    }
+    if (const auto error = context.finishOutbox(sequences))
+        Log::line(error->message);
+    EventStoreAccess::eventStore().setPromises(pendingChanges(context));
 }
 
 void prepare(EKEventStore &store)

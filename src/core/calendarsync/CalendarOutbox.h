@@ -10,7 +10,8 @@ class EKEventStore;
 /// Writing to an event stages the change only. The commit takes all staged changes into its outbox, so that
 /// rows and events change together or not at all; from then on they are seen as if they were written. They
 /// are carried out at once, or in small portions while the program goes on if there are many, or at the next
-/// start or activation if the program ended or the calendars could not be reached.
+/// start or activation if the program ended or the calendars could not be reached. One that a calendar
+/// refuses is given up, and the user is told.
 namespace CalendarOutbox {
 
 /// Whether changes are staged that no commit has taken.
@@ -29,6 +30,9 @@ void writeChangesMadeOffline(ManagedObjectContext &context);
 void writeTasksMadeOffline();
 /// The same without a pause, for so long at most; for the end of the program.
 void carryOutFor(ManagedObjectContext &context, Seconds longest);
+/// A calendar has gone, and the user lets go what was on it: nothing is brought there any more, and what was
+/// to leave another calendar for it stays there.
+void forgetCalendar(ManagedObjectContext &context, const QString &calendarIdentifier);
 /// Lets a new calendar store know what is still to be carried out.
 void prepare(EKEventStore &store);
 

@@ -63,17 +63,21 @@ struct Draft
     {}
 };
 
-/// Saves the event. The row takes its identifier, and all that a pass would bring it: what others have
+/// The row takes the identifier of its saved event, and all that a pass would bring it: what others have
 /// changed of the event, and the words of its calendar.
-OptionalError saveEventOf(EntityTask &task, EKEvent &event, Span span)
+void take(EntityTask &task, const EKEvent &event)
 {
-    EKEventStore &store = EventStoreAccess::eventStore();
-    if (auto error = store.saveEvent(event, storeSpan(span), true))
-        return error;
     task.setCalendarID(event.calendarItemExternalIdentifier);
     if (task.wasCreatedOffCalendar())
         task.setWasCreatedOffCalendar(false);
     CalendarPass::syncEvent(event, task);
+}
+
+OptionalError saveEventOf(EntityTask &task, EKEvent &event, Span span)
+{
+    if (auto error = EventStoreAccess::eventStore().saveEvent(event, storeSpan(span), true))
+        return error;
+    take(task, event);
     return std::nullopt;
 }
 
@@ -91,12 +95,15 @@ bool leavesCalendar(const Draft &draft, const EntityTask &task, Span span)
 /// There it becomes an event of its own, and its series goes without it.
 OptionalError moveAlone(EntityTask &task, const EKEvent &occurrence)
 {
-    EKEvent alone = EKEvent::eventWithEventStore(EventStoreAccess::eventStore());
+    EKEventStore &store = EventStoreAccess::eventStore();
+    const auto together = store.together();
+    EKEvent alone = EKEvent::eventWithEventStore(store);
     EventWriter::syncTask(task, alone);
-    if (auto error = saveEventOf(task, alone, Span::ThisTask))
+    if (auto error = store.saveEvent(alone, EKSpan::ThisEvent, false))
         return error;
-    if (const auto error = EventStoreAccess::eventStore().removeEvent(occurrence, EKSpan::ThisEvent, true))
-        Log::line(error->message);
+    if (auto error = store.removeEvent(occurrence, EKSpan::ThisEvent, true))
+        return error;
+    take(task, alone);
     return std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 #include "eventkit/ItemMerge.h"
 
 #include <algorithm>
+#include <set>
 
 // What calendars hold as it is seen: with the changes that are not yet written.
 
@@ -83,14 +84,10 @@ void CalendarContents::applyPromises(const QString &calendarIdentifier, std::vec
 std::optional<StoredItem> CalendarContents::promised(const QString &calendarIdentifier, const QString &uid,
                                                      std::optional<StoredItem> stored)
 {
-    const auto places = promisesByKey.constFind(keyOf(calendarIdentifier, uid));
-    if (places == promisesByKey.constEnd())
+    if (!promisesByKey.contains(keyOf(calendarIdentifier, uid)))
         return stored;
-    std::optional<QByteArray> text;
-    if (stored)
-        text = stored->item->text();
-    for (const std::size_t place : *places)
-        text = itemmerge::merged(text, promises[place]);
+    const auto text =
+        promisedText(calendarIdentifier, uid, stored ? std::optional(stored->item->text()) : std::nullopt);
     if (!text)
         return std::nullopt;
     StoredItem present = stored.value_or(StoredItem());
@@ -105,6 +102,70 @@ std::optional<StoredItem> CalendarContents::promised(const QString &calendarIden
     }
     present.item = parsedItem;
     return present;
+}
+
+std::span<const ItemChange> CalendarContents::promisesOf(std::size_t promiseGroup) const
+{
+    const std::size_t begin = promiseGroups[promiseGroup];
+    return std::span(promises).subspan(begin, promiseGroups[promiseGroup + 1] - begin);
+}
+
+std::optional<QByteArray> CalendarContents::promisedText(const QString &calendarIdentifier,
+                                                         const QString &uid, std::optional<QByteArray> text)
+{
+    const QString key = keyOf(calendarIdentifier, uid);
+    const std::vector<std::size_t> own = promisesByKey.value(key);
+    const bool isAlone =
+        std::ranges::all_of(own, [this](std::size_t one) { return promisesOf(one).size() == 1; });
+    if (!isAlone) {
+        if (const auto together = textPromisedTogether(key, text))
+            return *together;
+    }
+    for (const std::size_t one : own) {
+        for (const ItemChange &change : promisesOf(one)) {
+            if (change.uid == uid && change.calendarIdentifier == calendarIdentifier)
+                text = itemmerge::merged(text, change);
+        }
+    }
+    return text;
+}
+
+std::optional<std::optional<QByteArray>>
+CalendarContents::textPromisedTogether(const QString &key, const std::optional<QByteArray> &text)
+{
+    QHash<QString, std::optional<QByteArray>> texts = {{key, text}};
+    std::set<std::size_t> concerned;
+    std::vector<QString> left = {key};
+    while (!left.empty()) {
+        const QString next = left.back();
+        left.pop_back();
+        for (const std::size_t one : promisesByKey.value(next)) {
+            if (!concerned.insert(one).second)
+                continue;
+            for (const ItemChange &change : promisesOf(one)) {
+                const QString other = keyOf(change.calendarIdentifier, change.uid);
+                if (texts.contains(other))
+                    continue;
+                const auto stored = storedItem(change.calendarIdentifier, change.uid);
+                if (!stored)
+                    return std::nullopt;
+                texts.insert(other,
+                             stored.value() ? std::optional(stored.value()->item->text()) : std::nullopt);
+                left.push_back(other);
+            }
+        }
+    }
+    for (const std::size_t one : concerned) {
+        std::vector<std::optional<QByteArray>> present;
+        for (const ItemChange &change : promisesOf(one))
+            present.push_back(texts.value(keyOf(change.calendarIdentifier, change.uid)));
+        const auto wanted = itemmerge::mergedTogether(present, promisesOf(one));
+        for (std::size_t place = 0; place < wanted.size(); ++place) {
+            const ItemChange &change = promisesOf(one)[place];
+            texts.insert(keyOf(change.calendarIdentifier, change.uid), wanted[place]);
+        }
+    }
+    return texts.value(key);
 }
 
 Result<std::vector<EKCalendar>> CalendarContents::calendars()

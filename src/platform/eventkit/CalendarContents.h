@@ -8,6 +8,7 @@
 #include <QSet>
 
 #include <memory>
+#include <span>
 #include <vector>
 
 /// An object of a calendar that was understood.
@@ -47,6 +48,13 @@ public:
 
     /// Changes that belong together: if one of a group cannot be written, those behind it are not either.
     void beginGroup();
+    /// From now on all belongs to one group, until `part` is called.
+    void join()
+    {
+        beginGroup();
+        isJoined = true;
+    }
+    void part() { isJoined = false; }
     /// Gives up what was staged since the group began.
     void dropGroup();
     /// Puts a text in place of an item; with an empty name it is a new one. The error says why the text makes
@@ -75,9 +83,9 @@ public:
     void forgetStaged();
     /// The changes that were taken over and are still to be carried out, in their order: all of them.
     void setPromises(std::vector<ItemChange> changes);
-    /// Writes a change to the backend, merged with what others have written meanwhile. What is there already
-    /// is not written again.
-    OptionalError carryOut(const ItemChange &change);
+    /// Writes changes that belong together to the backend, merged with what others have written meanwhile.
+    /// What is there already is not written again.
+    OptionalError carryOut(const std::vector<ItemChange> &together);
 
 private:
     enum class Change { Put, Remove, UpdateCalendar, RemoveCalendar };
@@ -160,7 +168,16 @@ private:
     /// An object as it will be when all promises are kept.
     std::optional<StoredItem> promised(const QString &calendarIdentifier, const QString &uid,
                                        std::optional<StoredItem> stored);
+    /// Its text then, of some that it has now.
+    std::optional<QByteArray> promisedText(const QString &calendarIdentifier, const QString &uid,
+                                           std::optional<QByteArray> text);
+    /// The same where changes of other objects belong to it; absent if these cannot be read.
+    std::optional<std::optional<QByteArray>> textPromisedTogether(const QString &key,
+                                                                  const std::optional<QByteArray> &text);
     void applyPromises(const QString &calendarIdentifier, std::vector<StoredItem> &items);
+    std::span<const ItemChange> promisesOf(std::size_t promiseGroup) const;
+    /// What the objects of some changes are at present.
+    Result<std::vector<StoredItem>> objectsOf(const std::vector<ItemChange> &together);
     OptionalError put(const ItemChange &change, const StoredItem &stored, const QByteArray &text);
     OptionalError write(const Pending &change);
     void noteWritten(const Pending &change, const CalendarObject &written);
@@ -173,12 +190,15 @@ private:
     QHash<QString, std::size_t> pendingByKey;
     std::vector<Step> groupSteps;
     std::vector<ItemChange> promises;
-    /// The places of the promises of an object, in their order.
+    /// Where promises that belong together begin, and where the last ones end.
+    std::vector<std::size_t> promiseGroups;
+    /// For an object the places in `promiseGroups` of its promises, in their order.
     QHash<QString, std::vector<std::size_t>> promisesByKey;
     /// Merged texts that were parsed, by their text.
     QHash<QByteArray, CalendarItemPointer> promisedItems;
     bool isDeferring = false;
     int group = 0;
+    bool isJoined = false;
     int holds = 0;
     QHash<QString, Held> held;
     std::optional<std::vector<EKCalendar>> heldCalendars;

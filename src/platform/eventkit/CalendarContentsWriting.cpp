@@ -1,5 +1,6 @@
 #include "eventkit/CalendarContents.h"
 #include "eventkit/CalendarError.h"
+#include "eventkit/ItemMerge.h"
 
 #include <algorithm>
 
@@ -12,6 +13,8 @@ QString CalendarContents::keyOf(const QString &calendarIdentifier, const QString
 
 void CalendarContents::beginGroup()
 {
+    if (isJoined)
+        return;
     ++group;
     groupSteps.clear();
 }
@@ -186,17 +189,21 @@ void CalendarContents::setPromises(std::vector<ItemChange> changes)
     promises = std::move(changes);
     promisesByKey.clear();
     promisedItems.clear();
-    for (std::size_t place = 0; place < promises.size(); ++place)
-        promisesByKey[keyOf(promises[place].calendarIdentifier, promises[place].uid)].push_back(place);
+    promiseGroups = {0};
+    while (promiseGroups.back() < promises.size()) {
+        const std::size_t begin = promiseGroups.back();
+        const std::size_t count = itemmerge::countTogether(std::span(promises).subspan(begin));
+        for (const ItemChange &change : std::span(promises).subspan(begin, count))
+            promisesByKey[keyOf(change.calendarIdentifier, change.uid)].push_back(promiseGroups.size() - 1);
+        promiseGroups.push_back(begin + count);
+    }
     forgetHeld();
 }
 
-OptionalError CalendarContents::carryOut(const ItemChange &change)
+Result<std::vector<StoredItem>> CalendarContents::objectsOf(const std::vector<ItemChange> &together)
 {
-    /// How often somebody else may be faster.
-    constexpr int mostAttempts = 3;
-    OptionalError error;
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    std::vector<StoredItem> objects;
+    for (const ItemChange &change : together) {
         const auto stored = storedItem(change.calendarIdentifier, change.uid);
         if (!stored)
             return stored.error();
@@ -206,15 +213,33 @@ OptionalError CalendarContents::carryOut(const ItemChange &change)
             }))
             return CalendarError::make(CalendarError::Unreadable,
                                        QStringLiteral("The event cannot be read at present."));
-        const StoredItem present = stored.value().value_or(StoredItem());
-        std::optional<QByteArray> text;
-        if (present.item)
-            text = present.item->text();
-        const auto wanted = itemmerge::merged(text, change);
-        if (wanted == text)
-            return std::nullopt;
-        error = wanted ? put(change, present, *wanted)
-                       : storage->remove(change.calendarIdentifier, present.name, present.etag);
+        objects.push_back(stored.value().value_or(StoredItem()));
+    }
+    return objects;
+}
+
+OptionalError CalendarContents::carryOut(const std::vector<ItemChange> &together)
+{
+    /// How often somebody else may be faster.
+    constexpr int mostAttempts = 3;
+    OptionalError error;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        const auto objects = objectsOf(together);
+        if (!objects)
+            return objects.error();
+        std::vector<std::optional<QByteArray>> texts;
+        for (const StoredItem &object : objects.value())
+            texts.push_back(object.item ? std::optional(object.item->text()) : std::nullopt);
+        const auto wanted = itemmerge::mergedTogether(texts, together);
+        error = std::nullopt;
+        for (std::size_t place = 0; place < together.size() && !error; ++place) {
+            const StoredItem &present = objects.value()[place];
+            if (wanted[place] == texts[place])
+                continue;
+            error = wanted[place]
+                        ? put(together[place], present, *wanted[place])
+                        : storage->remove(together[place].calendarIdentifier, present.name, present.etag);
+        }
         if (!CalendarError::is(error, CalendarError::Conflict))
             return error;
     }

@@ -194,6 +194,13 @@ std::shared_ptr<void> EKEventStore::holdContents() const
     return {held, [](CalendarContents *released) { released->release(); }};
 }
 
+std::shared_ptr<void> EKEventStore::together()
+{
+    CalendarContents *joined = contents.get();
+    joined->join();
+    return {joined, [](CalendarContents *parted) { parted->part(); }};
+}
+
 void EKEventStore::deferWrites()
 {
     contents->deferObjects();
@@ -219,9 +226,9 @@ void EKEventStore::setPromises(std::vector<ItemChange> changes)
     contents->setPromises(std::move(changes));
 }
 
-OptionalError EKEventStore::carryOut(const ItemChange &change)
+OptionalError EKEventStore::carryOut(const std::vector<ItemChange> &together)
 {
-    return contents->carryOut(change);
+    return contents->carryOut(together);
 }
 
 OptionalError EKEventStore::commit()

@@ -109,6 +109,10 @@ public:
     OptionalError saveEvent(EKEvent &event, EKSpan span, bool commit);
     OptionalError removeEvent(const EKEvent &event, EKSpan span, bool commit);
 
+    /// While the answer lives, saves and removals without `commit` belong together, and so does the one that
+    /// commits them: if one of them cannot be staged, none is. It may not outlive the store.
+    [[nodiscard]] std::shared_ptr<void> together();
+
     Result<std::optional<EKReminder>> calendarItemWithIdentifier(const QString &identifier) const;
     Result<std::vector<EKReminder>> remindersInCalendar(const EKCalendar &calendar) const;
     OptionalError saveReminder(EKReminder &reminder, bool commit);
@@ -129,10 +133,10 @@ public:
     void forgetStaged();
     /// All changes that are kept and not yet carried out, in order.
     void setPromises(std::vector<ItemChange> changes);
-    /// Writes one of them, merged field by field with what others have written meanwhile; one that is there
-    /// already is not written again. Storage and Unreadable may pass; NotFound says that its calendar has
-    /// gone; ReadOnly and Invalid that it is refused.
-    OptionalError carryOut(const ItemChange &change);
+    /// Writes some of them that belong together, merged field by field with what others have written
+    /// meanwhile; what is there already is not written again. An error is a refusal
+    /// (`CalendarError::isRefusal`), or it may pass: then all of them are tried again later.
+    OptionalError carryOut(const std::vector<ItemChange> &together);
 
     /// Writes what is pending. What cannot be written is given up; the first error is answered.
     OptionalError commit();

@@ -420,4 +420,93 @@ std::optional<QByteArray> merged(const std::optional<QByteArray> &present, const
     return mergedText(*present, *before, *after, change.yields);
 }
 
+namespace {
+
+/// One change of several that belong together.
+struct Member
+{
+    const ItemChange &change;
+    ItemText present;
+    ItemText wanted;
+    /// For what moves: the other half.
+    Member *partner = nullptr;
+
+    bool isAddition() const { return !change.before && change.after; }
+    bool isRemoval() const { return change.before && !change.after; }
+};
+
+/// From one calendar to another. What others have changed in the former place comes along, also where an
+/// earlier attempt has come half way.
+void mergeMove(Member &addition, Member &removal)
+{
+    addition.partner = &removal;
+    removal.partner = &addition;
+    const ItemChange edit = {
+        0, 0, {}, addition.change.uid, removal.change.before, addition.change.after, addition.change.yields};
+    removal.wanted = std::nullopt;
+    if (!removal.present) {
+        // It is there already; or somebody has removed it, and what is taken back does not bring it back.
+        addition.wanted = addition.present || edit.yields ? addition.present : addition.change.after;
+        return;
+    }
+    const ItemText text = merged(removal.present, edit);
+    addition.wanted = addition.present
+                          ? merged(addition.present, {0, 0, {}, edit.uid, addition.change.after, text, false})
+                          : text;
+}
+
+std::vector<Bytes> rulesOf(const ItemText &text)
+{
+    const auto object = text ? Object::of(*text) : std::nullopt;
+    const ItemPart *series = object ? object->item->master() : nullptr;
+    return series ? normalLines(object->item->component(*series), "RRULE") : std::vector<Bytes>();
+}
+
+/// Whether it did not become what it was to be, so that the others may not either.
+bool hasFailed(const Member &member)
+{
+    const ItemChange &change = member.change;
+    if (member.isRemoval())
+        return !member.partner && member.wanted;
+    if (!member.wanted)
+        return true;
+    const auto wanted = rulesOf(change.after);
+    return change.before && wanted != rulesOf(change.before) && rulesOf(member.wanted) != wanted;
+}
+
+} // namespace
+
+std::vector<ItemText> mergedTogether(const std::vector<ItemText> &present,
+                                     std::span<const ItemChange> changes)
+{
+    std::vector<Member> members;
+    for (std::size_t place = 0; place < changes.size(); ++place)
+        members.push_back({changes[place], present[place], merged(present[place], changes[place])});
+    for (Member &addition : members) {
+        const auto removal = std::ranges::find_if(members, [&addition](const Member &one) {
+            return addition.isAddition() && one.isRemoval() && one.change.uid == addition.change.uid;
+        });
+        if (removal != members.end())
+            mergeMove(addition, *removal);
+    }
+    const auto isOther = [&changes](const ItemChange &one) { return one.uid != changes.front().uid; };
+    const bool isOfSeveral = changes.front().yields && std::ranges::any_of(changes, isOther);
+    const bool staysAsItIs = isOfSeveral && std::ranges::any_of(members, hasFailed);
+    std::vector<ItemText> texts;
+    for (const Member &member : members)
+        texts.push_back(staysAsItIs ? member.present : member.wanted);
+    return texts;
+}
+
+std::size_t countTogether(std::span<const ItemChange> changes)
+{
+    std::set<std::pair<QString, QString>> objects;
+    const ItemChange &first = changes.front();
+    const auto end = std::ranges::find_if(changes, [&](const ItemChange &one) {
+        return one.group != first.group || one.yields != first.yields ||
+               !objects.emplace(one.calendarIdentifier, one.uid).second;
+    });
+    return static_cast<std::size_t>(end - changes.begin());
+}
+
 } // namespace itemmerge

@@ -29,9 +29,11 @@ public:
     bool refusesCalendars = false;
     bool refusesReading = false;
     bool refusesWriting = false;
-    /// What writes are answered with instead of being done, but for so many before.
+    /// What the next writes are answered with instead of being done, and how many of them.
     std::optional<CalendarError::Code> answerToWrites;
-    int writesLeft = 0;
+    int writesAnswered = 1000000;
+    /// How often something was to be written.
+    int writesTried = 0;
     /// Gives new events an alarm, as some servers do.
     bool addsAlarms = false;
     /// Answers that many more questions about objects, then refuses.
@@ -137,11 +139,13 @@ private:
     }
     OptionalError refusalToWrite(const QString &calendar)
     {
+        ++writesTried;
         if (isOneOf(lostTitles, calendar))
             return refusal(CalendarError::NotFound);
         if (refusesWriting || isOneOf(silentTitles, calendar))
             return refusal();
-        return answerToWrites && writesLeft-- <= 0 ? OptionalError(refusal(*answerToWrites)) : std::nullopt;
+        return answerToWrites && writesAnswered-- > 0 ? OptionalError(refusal(*answerToWrites))
+                                                      : std::nullopt;
     }
 
     FolderBackend tree;

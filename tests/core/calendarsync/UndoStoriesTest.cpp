@@ -232,6 +232,91 @@ TEST_F(UndoStories, WhatAnotherProgramChangedMeanwhileStays)
     expectSettled();
 }
 
+TEST_F(UndoStories, AMoveIsTakenBackWithWhatAnotherProgramChangedThere)
+{
+    const TaskPtr row = make(u"Dentist"_qs, 25);
+    activate();
+    const QStringList before = held();
+    const auto takeNote = [this](const QString &calendar, const QString &note) {
+        const QString name = files(calendar).firstKey();
+        QString text = files(calendar).first();
+        text.replace(u"END:VEVENT"_qs, u"X-NOTE:"_qs + note + u"\r\nEND:VEVENT"_qs);
+        QFile file(folderOf(calendar) + u'/' + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text.toUtf8());
+    };
+    const auto expectAt = [&](const QString &calendar, const QString &other, const QStringList &notes) {
+        EXPECT_EQ(files(other).size(), 0);
+        ASSERT_EQ(files(calendar).size(), 1);
+        for (const QString &note : notes)
+            EXPECT_TRUE(files(calendar).first().contains(u"X-NOTE:"_qs + note)) << note.toStdString();
+        EXPECT_EQ(row->typeCalendarID(), calendar);
+        expectBothSides(before, before, "once on each side");
+        expectSettled();
+    };
+    edit(row, [](MVTask &task) { task.typeCalendarID = u"Work"_qs; });
+    takeNote(u"Work"_qs, u"there"_qs);
+    undo();
+    activate();
+    expectAt(u"Home"_qs, u"Work"_qs, {u"there"_qs});
+    takeNote(u"Home"_qs, u"here"_qs);
+    redo();
+    activate();
+    expectAt(u"Work"_qs, u"Home"_qs, {u"there"_qs, u"here"_qs});
+    // Removed elsewhere, it does not come back.
+    QFile::remove(folderOf(u"Work"_qs) + u'/' + files(u"Work"_qs).firstKey());
+    undo();
+    const ScriptedAlerts alerts({Alert::firstButton});
+    activate();
+    EXPECT_EQ(held(), QStringList());
+    EXPECT_EQ(shown(), QStringList());
+}
+
+TEST_F(UndoStories, ADividedSeriesOfWhichAnotherProgramEditsAPartStaysDivided)
+{
+    // What another program does to the file of a part, told by its title.
+    struct Foreign
+    {
+        QString part, from, to;
+    };
+    const QString end = u"END:VEVENT"_qs;
+    const std::vector<Foreign> cases = {
+        {u"Swim"_qs, end, u"X-NOTE:theirs\r\nDESCRIPTION:theirs\r\n"_qs + end},
+        {u"Run"_qs, u"RRULE:"_qs, u"X-NOTE:theirs\r\nRRULE:WKST=SU;INTERVAL=2;"_qs},
+    };
+    for (const Foreign &foreign : cases) {
+        SCOPED_TRACE(foreign.part.toStdString());
+        for (const QString &name : files(u"Home"_qs).keys())
+            QFile::remove(folderOf(u"Home"_qs) + u'/' + name);
+        startAnew();
+        UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 2);
+        UserDefaults::standard().removeObject(settings::eventsAtLastPass);
+        writeSeries();
+        editSeries(rowOf(u"Run"_qs, 2), Span::FutureTasks, [](MVTask &task) { task.title = u"Swim"_qs; });
+        activate();
+        const auto texts = files(u"Home"_qs);
+        for (auto text = texts.begin(); text != texts.end(); ++text) {
+            if (!text.value().contains(u"SUMMARY:"_qs + foreign.part))
+                continue;
+            QFile file(folderOf(u"Home"_qs) + u'/' + text.key());
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(QString(text.value()).replace(foreign.from, foreign.to).toUtf8());
+        }
+        activate();
+        const QStringList divided = held();
+        for (int round = 0; round < 2; ++round) {
+            undo();
+            activate();
+            expectBothSides(divided, divided, "undone");
+            redo();
+            activate();
+            expectBothSides(divided, divided, "redone");
+        }
+        EXPECT_TRUE(files(u"Home"_qs).values().join(QString()).contains(u"X-NOTE:theirs"_qs));
+        expectSettled();
+    }
+}
+
 TEST_F(UndoStories, AnEditOfTheTitleNeverTakesBackAnothersNewTime)
 {
     const TaskPtr row = make(u"Dentist"_qs, 25);
@@ -366,6 +451,92 @@ TEST_F(UndoStories, GeneratedOnesAlwaysComeBackToWhereTheyWere)
         }
         activate();
         EXPECT_EQ(shown() + held(), history.front()) << steps.join(u'\n').toStdString();
+        expectSettled();
+    }
+}
+
+TEST_F(UndoStories, GeneratedOnesLeaveNothingTwiceWhereAnotherProgramEditsTheSameEvents)
+{
+    constexpr int sequences = 12;
+    constexpr int stepsOfEach = 20;
+    for (int sequence = 0; sequence < sequences && !HasFailure(); ++sequence) {
+        SCOPED_TRACE(sequence);
+        std::mt19937 random(testSeed() + 1000 + unsigned(sequence));
+        const auto upTo = [&](int most) { return std::uniform_int_distribution<int>(0, most)(random); };
+        startAnew();
+        UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 2);
+        UserDefaults::standard().removeObject(settings::eventsAtLastPass);
+        for (const QString &calendar : {u"Home"_qs, u"Work"_qs}) {
+            for (const QString &name : files(calendar).keys())
+                QFile::remove(folderOf(calendar) + u'/' + name);
+        }
+        connectStore();
+        writeSeries();
+        for (int number = 0; number < 3; ++number) {
+            MVTask task = draft(u"Task"_qs, 24);
+            task.startDate = localDate(2026, 11, 24, 12 + number);
+            task.dueDate = localDate(2026, 11, 24, 13 + number);
+            make(task);
+        }
+        QStringList steps;
+        const auto command = [&] {
+            const std::vector<TaskPtr> all = rows();
+            const TaskPtr &row = all[size_t(upTo(int(all.size()) - 1))];
+            const int kind = upTo(2);
+            const int button = upTo(1) ? Alert::firstButton : Alert::secondButton;
+            const ScriptedAlerts alerts({row->repeat().isEmpty() ? Alert::firstButton : button});
+            steps.append(u"%1 of %2 %3 with %4"_qs.arg(kind)
+                             .arg(row->title(), wallClock(*row->dueDate()))
+                             .arg(button));
+            if (kind == 0)
+                edit(row, [&](MVTask &task) { task.title = u"Title %1"_qs.arg(steps.size()); });
+            else if (kind == 1)
+                edit(row, [](MVTask &task) {
+                    task.typeCalendarID = task.typeCalendarID == u"Home"_qs ? u"Work"_qs : u"Home"_qs;
+                });
+            else if (all.size() > 4)
+                TaskManager::deleteTasks({row}, {});
+        };
+        const auto foreignEdit = [&] {
+            const QString calendar = upTo(1) ? u"Home"_qs : u"Work"_qs;
+            const auto texts = files(calendar);
+            if (texts.isEmpty())
+                return;
+            const QString name = texts.keys().at(upTo(int(texts.size()) - 1));
+            QString text = texts.value(name);
+            text.replace(text.lastIndexOf(u"END:VEVENT"_qs), 0, u"X-NOTE-%1:theirs\r\n"_qs.arg(steps.size()));
+            static const QRegularExpression title(u"SUMMARY:[^\r]*"_qs);
+            if (upTo(1))
+                text.replace(title, u"SUMMARY:Theirs %1"_qs.arg(steps.size()));
+            steps.append(u"they edit "_qs + calendar + u'/' + name);
+            QFile file(folderOf(calendar) + u'/' + name);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(text.toUtf8());
+        };
+        for (int number = 0; number < stepsOfEach && !HasFailure(); ++number) {
+            const int kind = upTo(5);
+            if (kind < 2) {
+                command();
+            } else if (kind == 2) {
+                foreignEdit();
+            } else if (kind < 5 && context().canUndo()) {
+                steps.append(u"undo"_qs);
+                undo();
+            } else if (context().canRedo()) {
+                steps.append(u"redo"_qs);
+                redo();
+            }
+            if (upTo(1))
+                continue;
+            activate();
+            const std::string story = steps.join(u'\n').toStdString();
+            ASSERT_EQ(shown(), held()) << story;
+            QStringList hours;
+            for (const TaskPtr &row : rows())
+                hours.append(wallClock(*row->startDate()));
+            ASSERT_EQ(hours.removeDuplicates(), 0) << hours.join(u' ').toStdString() << '\n' << story;
+        }
+        activate();
         expectSettled();
     }
 }

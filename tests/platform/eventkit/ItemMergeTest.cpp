@@ -31,6 +31,12 @@ std::string merged(const std::optional<QByteArray> &present, const std::optional
 
 constexpr const char *gone = "gone";
 
+/// Without the number of the version, which is raised with each change that is taken back.
+QByteArray unstamped(const itemmerge::ItemText &text)
+{
+    return text ? QByteArray(*text).replace("SEQUENCE:1\r\n", "") : QByteArray(gone);
+}
+
 } // namespace
 
 TEST(ItemMerge, WritesOnlyWhatTheChangeIsAbout)
@@ -150,6 +156,85 @@ TEST(ItemMerge, WhatIsMadeOrGoesIsComparedAsAWhole)
     EXPECT_EQ(merged(std::nullopt, made, edited), edited.toStdString());
     EXPECT_EQ(merged(std::nullopt, made, edited, true), gone);
     EXPECT_EQ(merged("rubbish", made, edited, true), "rubbish");
+}
+
+TEST(ItemMerge, WhatMovesTakesThePresentTextAlong)
+{
+    const QByteArray former = event("SUMMARY:Old\n");
+    const QByteArray moved = event("SUMMARY:New\n");
+    const QByteArray theirs = event("SUMMARY:Old\nURL:x:y\n");
+    const auto move = [&](const itemmerge::ItemText &there, const itemmerge::ItemText &here, bool yields) {
+        const std::vector<ItemChange> changes = {{0, 1, u"there"_qs, u"u"_qs, {}, moved, yields},
+                                                 {0, 1, u"here"_qs, u"u"_qs, former, {}, yields}};
+        EXPECT_EQ(itemmerge::countTogether(changes), 2u);
+        const auto texts = itemmerge::mergedTogether({there, here}, changes);
+        EXPECT_FALSE(texts.at(1)) << "it leaves its former place";
+        return unstamped(texts.at(0)).toStdString();
+    };
+    for (const bool yields : {false, true}) {
+        EXPECT_EQ(move({}, former, yields), moved.toStdString());
+        const std::string taken = move({}, theirs, yields);
+        EXPECT_THAT(taken, HasSubstr("SUMMARY:New"));
+        EXPECT_THAT(taken, HasSubstr("URL:x:y"));
+        // Half of it was done, and they edited what was left.
+        EXPECT_EQ(move(moved, former, yields), moved.toStdString());
+        EXPECT_THAT(move(moved, theirs, yields), HasSubstr("URL:x:y"));
+        EXPECT_EQ(move(moved, {}, yields), moved.toStdString()) << "it was done already";
+    }
+    EXPECT_EQ(move({}, {}, true), gone) << "they removed it";
+    EXPECT_EQ(move({}, {}, false), moved.toStdString()) << "but the user has edited it";
+}
+
+TEST(ItemMerge, ADivisionIsTakenBackAsAWholeOrNotAtAll)
+{
+    const auto part = [](const char *uid, const QByteArray &lines) {
+        return object("BEGIN:VEVENT\nUID:" + QByteArray(uid) + "\nDTSTART:20240304T090000Z\n" + lines +
+                      "END:VEVENT\n");
+    };
+    const QByteArray whole = part("u", "RRULE:FREQ=DAILY;COUNT=5\n");
+    const QByteArray earlier = part("u", "RRULE:FREQ=DAILY;COUNT=2\n");
+    const QByteArray later = part("n", "RRULE:FREQ=DAILY;COUNT=3\n");
+    const std::vector<ItemChange> undone = {{0, 1, {}, u"u"_qs, earlier, whole, true},
+                                            {0, 1, {}, u"n"_qs, later, {}, true}};
+    const std::vector<ItemChange> redone = {{0, 1, {}, u"n"_qs, {}, later, true},
+                                            {0, 1, {}, u"u"_qs, whole, earlier, true}};
+    using Texts = std::vector<itemmerge::ItemText>;
+    const auto result = [](const Texts &present, const std::vector<ItemChange> &changes) {
+        QByteArrayList texts;
+        for (const auto &text : itemmerge::mergedTogether(present, changes))
+            texts.append(unstamped(text));
+        return texts.join('\n').toStdString();
+    };
+    const auto expectUntouched = [](const Texts &present, const std::vector<ItemChange> &changes) {
+        EXPECT_EQ(itemmerge::mergedTogether(present, changes), present);
+    };
+    EXPECT_EQ(result({earlier, later}, undone), (whole + '\n' + gone).toStdString());
+    EXPECT_EQ(result({{}, whole}, redone), (later + '\n' + earlier).toStdString());
+    const auto noted = [](QByteArray text) { return text.replace("END:VEVENT", "URL:x:y\r\nEND:VEVENT"); };
+    const auto merged = itemmerge::mergedTogether({noted(earlier), later}, undone);
+    EXPECT_THAT(merged.at(0)->toStdString(), HasSubstr("URL:x:y"));
+    EXPECT_THAT(merged.at(0)->toStdString(), HasSubstr("COUNT=5"));
+    EXPECT_FALSE(merged.at(1));
+    // They work on the later part, or have another rule for the earlier one, or none of it at all.
+    expectUntouched({earlier, noted(later)}, undone);
+    const QByteArray other = part("u", "RRULE:FREQ=WEEKLY;COUNT=2\n");
+    expectUntouched({other, later}, undone);
+    expectUntouched({{}, later}, undone);
+    expectUntouched({{}, other}, redone);
+    expectUntouched({{}, {}}, redone);
+}
+
+TEST(ItemMerge, TogetherAreChangesOfOneGroupEachObjectOnce)
+{
+    const auto change = [](int group, const QString &uid, bool yields = false) {
+        return ItemChange{0, group, u"c"_qs, uid, {}, {}, yields};
+    };
+    const std::vector<ItemChange> all = {change(1, u"a"_qs), change(1, u"b"_qs), change(1, u"a"_qs),
+                                         change(1, u"c"_qs, true), change(2, u"d"_qs, true)};
+    std::vector<size_t> counts;
+    for (std::span<const ItemChange> left(all); !left.empty(); left = left.subspan(counts.back()))
+        counts.push_back(itemmerge::countTogether(left));
+    EXPECT_EQ(counts, std::vector<size_t>({2, 1, 1, 1}));
 }
 
 TEST(ItemMerge, GeneratedChangesThatAreTakenBackGiveTheFormerTextBack)

@@ -22,7 +22,7 @@ struct Keeper
     void carryOutAll()
     {
         for (const ItemChange &change : std::exchange(kept, {}))
-            EXPECT_FALSE(store.carryOut(change));
+            EXPECT_FALSE(store.carryOut({change}));
         store.setPromises({});
     }
 
@@ -87,7 +87,7 @@ TEST_P(EventStoreContract, PromisesAreKeptOnceAndBesideWhatOthersWrite)
     EXPECT_EQ(list(3), QStringList(u"Renamed 03-05 09:00-10:00"_qs));
     const QByteArray text = textOf(meeting.calendarItemExternalIdentifier);
     for (const ItemChange &change : kept)
-        EXPECT_FALSE(store.carryOut(change));
+        EXPECT_FALSE(store.carryOut({change}));
     EXPECT_EQ(textOf(meeting.calendarItemExternalIdentifier), text) << "a second time nothing is written";
 }
 
@@ -107,7 +107,7 @@ TEST_P(EventStoreContract, WhatWasCarriedOutCanBeTakenBack)
     for (auto change = done.rbegin(); change != done.rend(); ++change) {
         std::swap(change->before, change->after);
         change->yields = true;
-        expectNoError(store.carryOut(*change));
+        expectNoError(store.carryOut({*change}));
     }
     EXPECT_EQ(list(3), before);
     EXPECT_EQ(objectCount(), 1);
