@@ -7,6 +7,7 @@
 #include "shell/tasks/LocationPopup.h"
 #include "store/state/NotificationNames.h"
 #include "support/MeanwhileAlerts.h"
+#include "support/OtherProgram.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/Animations.h"
 #include "widgets/CheckList.h"
@@ -84,6 +85,23 @@ TEST_F(MeanwhileTest, APaneThatIsTakenAwayWhileItAsksLivesUntilTheAnswer)
     EXPECT_TRUE(wasThere);
     EXPECT_NE(stored(u"!task"_s), nullptr) << "what the user answered is done";
     EXPECT_TRUE(QTest::qWaitFor([&] { return !pane; }));
+}
+
+TEST_F(MeanwhileTest, AnEditedPaneFollowsWhatAnotherProgramWritesToTheStoreAndKeepsWhatWasTyped)
+{
+    addInbox({u"task"_s});
+    const QPointer<TaskDetailViewController> pane = edit();
+    auto &title = find<GrowingTextField>(*pane, "textFieldTitle");
+    auto &details = find<GrowingTextField>(*pane, "textFieldDetails");
+    auto &projects = find<QComboBox>(*pane, "popUpButtonProject");
+    QTest::keyClicks(&title, u"!"_s);
+    writeElsewhere(context().path(), "UPDATE EntityTask SET title = 'other', details = 'from elsewhere';"
+                                     "INSERT INTO EntityProject (id, title) VALUES ('p', 'Garden')");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return details.toPlainText() == u"from elsewhere"_s; }));
+    EXPECT_EQ(title.toPlainText(), u"!task"_s);
+    EXPECT_GE(projects.findText(u"Garden"_s), 0);
+    writeElsewhere(context().path(), "DELETE FROM EntityTask");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !pane; })) << "its task is gone";
 }
 
 TEST_F(MeanwhileTest, TheBubbleOfAPaneStaysWhileItAsks)
