@@ -7,6 +7,7 @@
 
 namespace {
 
+using testing::IsEmpty;
 using testing::SizeIs;
 
 class CalendarPasses : public CalendarTest
