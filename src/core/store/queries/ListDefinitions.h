@@ -87,8 +87,8 @@ struct Reading
     std::string groupColumn = {};
     /// Whether the day of that column is the group, rather than its text.
     bool isGroupedByDay = false;
-    /// Whether an index begins with that column, so that the groups of all tasks are read along it rather than
-    /// from each row of the list.
+    /// Whether an index begins with that column, so that the groups of all tasks are read along it rather
+    /// than from each row of the list.
     bool isGroupIndexed = false;
     /// The only rows that are looked at; absent for all.
     std::optional<std::vector<RowId>> among = {};
