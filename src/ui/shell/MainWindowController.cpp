@@ -23,6 +23,8 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 constexpr auto badgeInterval = 60s;
+/// What a commit changes is shown in the lists first; the counts over all tasks follow.
+constexpr auto badgePatience = 50ms;
 constexpr auto firstSelectionDelay = 300ms;
 constexpr auto groupFocusDelay = 200ms;
 
@@ -91,8 +93,8 @@ void MainWindowController::observe()
     NotificationCenter &center = NotificationCenter::defaultCenter();
     observations.push_back(
         center.addObserver(notifications::contextDidSave, [this](const StoreChanges &changes) {
-            if (changes.concerns(EntityTask::entityName))
-                badgeRecount.start(0);
+            if (changes.concerns(EntityTask::entityName) && !badgeRecount.isActive())
+                badgeRecount.start(badgePatience);
             actions->update();
         }));
     observations.push_back(center.addObserver(notifications::iCloudChange, [this] {
