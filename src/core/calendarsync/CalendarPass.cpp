@@ -44,7 +44,7 @@ public:
 
     void take(const std::vector<EKEvent> &group)
     {
-        if (group.size() == 1 && !group.front().hasRecurrenceRules())
+        if (group.size() == 1 && EventReader::standsAlone(group.front()))
             takeSingle(group.front());
         else
             takeSeries(group);
@@ -138,7 +138,10 @@ bool hasItemOutside(const EntityTask &row, const DateInterval &window)
     if (!items)
         return true;
     return std::any_of(items.value().begin(), items.value().end(), [&window](const EKEvent &item) {
-        return item.startDate && (*item.startDate < window.start || *item.startDate > window.end);
+        // The rows of a series have no rule either if none can say it; its others say nothing of this one.
+        const bool isAnother = !item.hasRecurrenceRules() && !EventReader::standsAlone(item);
+        return !isAnother && item.startDate &&
+               (*item.startDate < window.start || *item.startDate > window.end);
     });
 }
 

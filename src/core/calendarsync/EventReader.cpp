@@ -8,10 +8,13 @@
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/EventDates.h"
 #include "store/state/CoreContext.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
+#include <limits>
 
 // Events of the window, grouped and found.
 
@@ -34,7 +37,7 @@ bool isSameCalendar(const EKEvent &one, const EKEvent &other)
 bool continuesSeries(const EKEvent &event, const EKEvent &before)
 {
     return event.calendarItemExternalIdentifier == before.calendarItemExternalIdentifier &&
-           event.hasRecurrenceRules() && before.hasRecurrenceRules() && isSameCalendar(event, before);
+           event.isOfSeries() && before.isOfSeries() && isSameCalendar(event, before);
 }
 
 Result<std::vector<EKEvent>> eventsBetween(Date start, Date end, const std::vector<EKCalendar> &calendars)
@@ -45,7 +48,8 @@ Result<std::vector<EKEvent>> eventsBetween(Date start, Date end, const std::vect
 
 bool isSingle(const EKEvent &event)
 {
-    return !event.hasRecurrenceRules() && !event.isDetached && event.startDate && event.endDate;
+    // Of a series only a few are given, which represent it.
+    return !event.isOfSeries() && event.startDate && event.endDate;
 }
 
 bool isAmong(const std::vector<EKEvent> &events, const EKEvent &event)
@@ -80,6 +84,19 @@ Result<std::vector<EKEvent>> eventsIn(const std::vector<EKCalendar> &calendars, 
         }
     }
     return EventReader::getEventsWithEventIdentifier(identifier, *events);
+}
+
+double distance(const EKEvent &event, Date date)
+{
+    return event.startDate ? std::abs((*event.startDate - date).count())
+                           : std::numeric_limits<double>::infinity();
+}
+
+/// Of a rule by minutes or seconds several start close to a date.
+auto nearestTo(Date date, const std::vector<EKEvent> &events)
+{
+    return std::ranges::min_element(events, {},
+                                    [date](const EKEvent &event) { return distance(event, date); });
 }
 
 } // namespace
@@ -125,7 +142,7 @@ EventReader::getEventsGroupedCalendarIDfromAllEvents(std::vector<EKEvent> events
             groups.emplace_back();
             future = 0;
         }
-        future += event.hasRecurrenceRules() && event.startDate && *event.startDate > endOfToday;
+        future += event.isOfSeries() && event.startDate && *event.startDate > endOfToday;
         groups.back().push_back(event);
     }
     return groups;
@@ -177,11 +194,40 @@ Result<std::vector<EKEvent>> EventReader::eventsOfRow(const QString &identifier,
 std::optional<EKEvent> EventReader::eventByStartDateOfTask(OptionalDate date,
                                                            const std::vector<EKEvent> &fromEvents)
 {
+    constexpr double aMinute = 60;
+    if (!date)
+        return std::nullopt;
+    if (const auto near = nearestTo(*date, fromEvents);
+        near != fromEvents.end() && distance(*near, *date) <= aMinute)
+        return *near;
+    std::vector<const EKEvent *> ofDay;
     for (const EKEvent &event : fromEvents) {
-        if (date && event.startDate && MTDates::isWithinSameDay(*event.startDate, *date))
-            return event;
+        if (event.startDate && MTDates::isWithinSameDay(*event.startDate, *date))
+            ofDay.push_back(&event);
     }
-    return std::nullopt;
+    // Another calendar can have a copy.
+    const bool isClear = !ofDay.empty() && std::none_of(ofDay.begin() + 1, ofDay.end(), [&](const auto *one) {
+        return isSameCalendar(*one, *ofDay.front());
+    });
+    return isClear ? std::optional(*ofDay.front()) : std::nullopt;
+}
+
+std::optional<EKEvent> EventReader::eventShownBy(const EntityTask &row,
+                                                 const std::vector<EKEvent> &fromEvents)
+{
+    const OptionalDate date = row.startDate() ? row.startDate() : row.dueDate();
+    std::vector<EKEvent> shown;
+    std::ranges::copy_if(fromEvents, std::back_inserter(shown),
+                         [&row](const EKEvent &event) { return eventdates::areShownBy(row, event); });
+    return date && !shown.empty() ? std::optional(*nearestTo(*date, shown))
+                                  : eventByStartDateOfTask(date, fromEvents);
+}
+
+bool EventReader::standsAlone(const EKEvent &event)
+{
+    if (!event.isOfSeries())
+        return true;
+    return !event.hasRecurrenceRules() && event.isDetached && EKEventStore::isOnlyOccurrence(event);
 }
 
 std::optional<EKEvent> EventReader::getEventByTitleOfTask(const EntityTask &task)

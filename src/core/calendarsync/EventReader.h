@@ -36,9 +36,15 @@ public:
     /// also if none is found and an object that cannot be read may be it.
     static Result<std::vector<EKEvent>> eventsOfRow(const QString &identifier, const QString &calendar,
                                                     const std::vector<OptionalDate> &onDaysOf);
-    /// The first that starts on the day of a date.
+    /// Whether nothing else has its identifier, so that its row is known by that alone, wherever it was
+    /// moved: it is no occurrence of a series, or the only one that is known of it.
+    static bool standsAlone(const EKEvent &event);
+    /// The one that starts at a date, or if none does, that which is alone on its day in its calendar. Absent
+    /// where several of the day may be meant.
     static std::optional<EKEvent> eventByStartDateOfTask(OptionalDate date,
                                                          const std::vector<EKEvent> &fromEvents);
+    /// The one whose times a row shows, or else the one of the row's date, found as above.
+    static std::optional<EKEvent> eventShownBy(const EntityTask &row, const std::vector<EKEvent> &fromEvents);
     /// The first event of exactly the task's title near its dates.
     static std::optional<EKEvent> getEventByTitleOfTask(const EntityTask &task);
 };

@@ -33,14 +33,33 @@ OptionalDate dateOf(const EntityTask &task)
 
 using FoundEvent = Result<std::optional<EKEvent>>;
 
+/// Whether a task that was done is open again, whose event was taken out of the calendar.
+bool isOpenedAgain(const EntityTask &task)
+{
+    return task.changedColumns().test(static_cast<size_t>(EntityTask::column<"status">()));
+}
+
+/// That of an occurrence which had a date before the edit. A series that has none there, or several, gets no
+/// event beside it.
+FoundEvent occurrenceOf(const EntityTask &task, OptionalDate formerDate, const std::vector<EKEvent> &events)
+{
+    const auto found = EventReader::eventByStartDateOfTask(formerDate ? formerDate : dateOf(task), events);
+    const bool isLost = !found && !isOpenedAgain(task) && std::ranges::any_of(events, &EKEvent::isOfSeries);
+    if (isLost)
+        return CalendarError::make(CalendarError::Invalid,
+                                   QStringLiteral("The series has no such occurrence."));
+    return found;
+}
+
 /// The event of a row that stands alone: its only one, or of several that of a day.
 FoundEvent eventOfSingle(const EntityTask &task, OptionalDate formerDate)
 {
     const auto events = series::eventsOf(task, formerDate);
     if (!events)
         return events.error();
-    return events.value().size() == 1 ? std::optional(events.value().front())
-                                      : EventReader::eventByStartDateOfTask(formerDate, events.value());
+    if (events.value().size() == 1 && EventReader::standsAlone(events.value().front()))
+        return std::optional(events.value().front());
+    return occurrenceOf(task, formerDate, events.value());
 }
 
 FoundEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
@@ -48,7 +67,7 @@ FoundEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
     const auto events = series::eventsOf(task, formerDate);
     if (!events)
         return events.error();
-    return EventReader::eventByStartDateOfTask(formerDate, events.value());
+    return occurrenceOf(task, formerDate, events.value());
 }
 
 /// An event that is there, with what is to be written to it; or a new one, which takes everything.
@@ -88,7 +107,7 @@ bool leavesCalendar(const Draft &draft, const EntityTask &task, Span span)
         return false;
     const EKEvent &event = draft.event;
     const auto target = CalendarCatalogue::calendarOfIdentifier(task.typeCalendarID());
-    return span == Span::ThisTask && event.hasRecurrenceRules() && event.calendar && target &&
+    return span == Span::ThisTask && event.isOfSeries() && event.calendar && target &&
            target->calendarIdentifier != event.calendar->calendarIdentifier;
 }
 
@@ -122,7 +141,7 @@ OptionalError writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
         return found.error();
     Draft draft(task, found.value());
     // An occurrence that was edited alone stands in its series still, which the next edit leaves alone too.
-    if (auto error = write(task, draft, draft.event.hasRecurrenceRules() ? Span::ThisTask : span))
+    if (auto error = write(task, draft, draft.event.isOfSeries() ? Span::ThisTask : span))
         return error;
     EventWriter::setEventToDictionaryChangedEventsOfNow(draft.event);
     return std::nullopt;
@@ -136,7 +155,8 @@ void deleteRowsFrom(OptionalDate date, const QString &calendarID, const EntityTa
     for (const TaskPtr &row : mainContext().fetch<EntityTask>(
              EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", calendarID)))) {
         const OptionalDate own = row ? dateOf(*row) : std::nullopt;
-        const bool isFromThenOn = own && (*own > *date || MTDates::isWithinSameDay(*own, *date));
+        // An earlier occurrence of the same day belongs to the part that stays.
+        const bool isFromThenOn = own && *own >= *date;
         if (isFromThenOn && row.get() != &kept)
             mainContext().deleteObject(row);
     }
@@ -190,15 +210,12 @@ OptionalError writeOccurrence(RecordsTransaction &transaction, EntityTask &task,
     return std::nullopt;
 }
 
-/// The event of a day; of an identifier that stands once, that one.
-const EKEvent *eventOfDay(const std::vector<EKEvent> &events, OptionalDate day)
+/// The event of a date; of an identifier that stands once, that one.
+std::optional<EKEvent> eventOfDate(const std::vector<EKEvent> &events, OptionalDate date)
 {
-    if (events.size() == 1)
-        return &events.front();
-    const auto found = std::ranges::find_if(events, [&day](const EKEvent &event) {
-        return day && event.startDate && MTDates::isWithinSameDay(*event.startDate, *day);
-    });
-    return found == events.end() ? nullptr : &*found;
+    if (events.size() == 1 && EventReader::standsAlone(events.front()))
+        return events.front();
+    return EventReader::eventByStartDateOfTask(date, events);
 }
 
 } // namespace
@@ -210,7 +227,7 @@ OptionalError taskevent::write(EntityTask &row, const EventFields &fields, Span 
     const auto events = series::eventsOf(row, day);
     if (!events)
         return events.error();
-    const EKEvent *found = eventOfDay(events.value(), day);
+    const auto found = eventOfDate(events.value(), day);
     if (!found && !formerIdentifier.isEmpty())
         return std::nullopt;
     EKEvent event = found ? *found : EKEvent::eventWithEventStore(EventStoreAccess::eventStore());
@@ -220,7 +237,7 @@ OptionalError taskevent::write(EntityTask &row, const EventFields &fields, Span 
     if (isOfSeries && fields.rule)
         EventWriter::setRecurrenceRuleFromEvent(event, row);
     put(row, event, found ? fields : EventFields::all());
-    const bool isAlone = event.hasRecurrenceRules() && !isOfSeries;
+    const bool isAlone = event.isOfSeries() && !isOfSeries;
     if (auto error = saveEventOf(row, event, isAlone ? Span::ThisTask : Span::FutureTasks))
         return error;
     if (!isOfSeries || row.calendarID() == formerIdentifier)
@@ -240,14 +257,14 @@ OptionalError taskevent::remove(const QString &identifier, const QString &calend
     const auto events = EventReader::eventsOfRow(identifier, calendar, {day});
     if (!events)
         return events.error();
-    const EKEvent *event = eventOfDay(events.value(), day);
+    const auto event = eventOfDate(events.value(), day);
     const auto isThere = [&calendar](const EKEvent &one) {
         return calendar.isEmpty() ||
                (one.calendar && CalendarCatalogue::identifierOfCalendar(*one.calendar) == calendar);
     };
     if (!event || !isThere(*event))
         return std::nullopt;
-    const bool isAlone = event->hasRecurrenceRules() && span == Span::ThisTask;
+    const bool isAlone = event->isOfSeries() && span == Span::ThisTask;
     return EventStoreAccess::eventStore().removeEvent(
         *event, isAlone ? EKSpan::ThisEvent : EKSpan::FutureEvents, true);
 }

@@ -70,14 +70,14 @@ OptionalError removeEventOfSingle(const EntityTask &task)
     if (!found)
         return found.error();
     const std::vector<EKEvent> &events = found.value();
-    const auto event = events.size() == 1 ? std::optional(events.front())
-                                          : EventReader::eventByStartDateOfTask(
-                                                task.startDate() ? task.startDate() : task.dueDate(), events);
+    const bool isOnly = events.size() == 1 && EventReader::standsAlone(events.front());
+    const auto event = isOnly ? std::optional(events.front()) : EventReader::eventShownBy(task, events);
     if (!event)
         return std::nullopt;
-    // An occurrence that was edited alone stands in its series still, of which the rest stays.
+    // An occurrence that was edited alone, or whose rule no row can say, stands in its series still, of which
+    // the rest stays.
     return EventStoreAccess::eventStore().removeEvent(
-        *event, event->hasRecurrenceRules() ? EKSpan::ThisEvent : EKSpan::FutureEvents, true);
+        *event, event->isOfSeries() ? EKSpan::ThisEvent : EKSpan::FutureEvents, true);
 }
 
 TaskPtr removeSingle(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
@@ -92,35 +92,19 @@ TaskPtr removeSingle(RecordsTransaction &transaction, const TaskPtr &task, Span 
     return nullptr;
 }
 
-/// The days of a task, by which its occurrence is found.
-struct OccurrenceDays
+/// The first occurrence that goes with a task: its own, or where that is not there, the next one if all later
+/// ones go too.
+std::optional<EKEvent> firstThatGoes(const EntityTask &task, bool isFuture,
+                                     const std::vector<EKEvent> &occurrences)
 {
-    OptionalDate start;
-    OptionalDate end;
-
-    explicit OccurrenceDays(const EntityTask &task)
-        : start(task.startDate())
-        , end(task.dueDate())
-    {
-        if (end && task.type().value_or(TaskType::ToDo) == TaskType::ToDo)
-            end = MTDates::endOfCurrentDay(*end);
-    }
-    bool isOf(const EKEvent &event) const
-    {
-        const bool hasSameEnd = end && MTDates::isWithinSameDay(lastMomentOf(event), *end);
-        return hasSameEnd && (!start || MTDates::isWithinSameDay(*event.startDate, *start));
-    }
-    bool isBefore(const EKEvent &event) const
-    {
-        return start ? *event.startDate > *start : end && lastMomentOf(event) > *end;
-    }
-    static Date lastMomentOf(const EKEvent &event)
-    {
-        // A moment has no second before its end that would still be its own.
-        return event.allDay || event.startDate == event.endDate ? *event.endDate
-                                                                : *event.endDate - Seconds(1);
-    }
-};
+    auto own = EventReader::eventShownBy(task, occurrences);
+    const OptionalDate date = task.startDate() ? task.startDate() : task.dueDate();
+    if (own || !isFuture || !date)
+        return own;
+    const auto next =
+        std::ranges::find_if(occurrences, [&date](const EKEvent &event) { return *event.startDate > *date; });
+    return next == occurrences.end() ? std::nullopt : std::optional(*next);
+}
 
 Result<std::vector<EKEvent>> occurrencesOf(const EntityTask &task)
 {
@@ -208,24 +192,22 @@ void removeOne(RecordsTransaction &transaction, const TaskPtr &task, bool isDele
 
 void removeOccurrences(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
 {
-    const OccurrenceDays days(*task);
     const bool isFuture = span == Span::FutureTasks;
     OptionalDate endOfRule;
     const auto occurrences = occurrencesOf(*task);
     if (!occurrences && mustWait(occurrences.error()))
         return removeOffline(transaction, task, span, isDeleteTasks);
-    for (const EKEvent &event : occurrences ? occurrences.value() : std::vector<EKEvent>()) {
-        if (!days.isOf(event) && !(isFuture && days.isBefore(event)))
-            continue;
-        if (event.hasRecurrenceRules() && event.recurrenceRules.front().recurrenceEnd())
-            endOfRule = event.recurrenceRules.front().recurrenceEnd()->endDate();
+    const auto event =
+        firstThatGoes(*task, isFuture, occurrences ? occurrences.value() : std::vector<EKEvent>());
+    if (event) {
+        if (event->hasRecurrenceRules() && event->recurrenceRules.front().recurrenceEnd())
+            endOfRule = event->recurrenceRules.front().recurrenceEnd()->endDate();
         const auto error = EventStoreAccess::eventStore().removeEvent(
-            event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent, true);
+            *event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent, true);
         if (mustWait(error))
             return removeOffline(transaction, task, span, isDeleteTasks);
         if (!error)
             endSeriesOfOne(*task);
-        break;
     }
     if (isFuture)
         removeFuture(task, isDeleteTasks, endOfRule);

@@ -11,8 +11,10 @@
 #include "calendarsync/TaskToEvent.h"
 #include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
+#include "records/dates/MTDates.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/EventDates.h"
 
 #include <algorithm>
 #include <map>
@@ -143,26 +145,49 @@ OptionalError writeRow(EntityTask &row, const Side &side)
     return std::nullopt;
 }
 
+/// Whether a row's event is there: it stands alone, or there is one on the row's day that no other row shows.
+bool hasEvent(const TaskPtr &row, const std::vector<TaskPtr> &rows, const std::vector<EKEvent> &events)
+{
+    if (row->repeat().isEmpty() && std::ranges::all_of(events, EventReader::standsAlone))
+        return !events.empty();
+    const OptionalDate date = dateOf(*row);
+    return std::ranges::any_of(events, [&](const EKEvent &event) {
+        const bool isOfDay = date && event.startDate && MTDates::isWithinSameDay(*event.startDate, *date);
+        return isOfDay && std::ranges::none_of(rows, [&](const TaskPtr &other) {
+                   return other && other != row && eventdates::areShownBy(*other, event);
+               });
+    });
+}
+
 /// The rows of an identifier without an event on their day, by date; an error if that cannot be told.
 Result<std::vector<TaskPtr>> rowsWithoutEvent(ManagedObjectContext &context, const QString &uid)
 {
     std::vector<TaskPtr> rows;
+    std::vector<TaskPtr> all;
     for (const TaskPtr &row : context.fetch<EntityTask>(
-             EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", uid)))) {
+             EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", uid))))
+        all.push_back(row);
+    for (const TaskPtr &row : all) {
         if (!row || isOffCalendar(*row))
             continue;
         const auto events = series::eventsOf(*row);
         if (!events)
             return events.error();
-        const bool isThere =
-            row->repeat().isEmpty()
-                ? !events.value().empty()
-                : EventReader::eventByStartDateOfTask(dateOf(*row), events.value()).has_value();
-        if (!isThere)
+        if (!hasEvent(row, all, events.value()))
             rows.push_back(row);
     }
     std::ranges::sort(rows, {}, [](const TaskPtr &row) { return dateOf(*row); });
     return rows;
+}
+
+/// Whether the calendar of a row has no object of its identifier any more.
+bool isIdentifierFree(const EntityTask &row)
+{
+    const auto items = EventStoreAccess::eventStore().calendarItemsWithExternalIdentifier(row.calendarID());
+    return items && std::ranges::none_of(items.value(), [&row](const EKEvent &item) {
+               return item.calendar &&
+                      CalendarCatalogue::identifierOfCalendar(*item.calendar) == row.typeCalendarID();
+           });
 }
 
 /// Makes the events of rows anew that came back after their events were removed: all of a series in one.
@@ -185,9 +210,10 @@ OptionalError restoreEvents(ManagedObjectContext &context, const QString &uid, c
         first->setRepeat(QString());
         first->setEndRepeat(std::nullopt);
     }
+    // A series goes on under its identifier, also one whose rule no row can say.
+    const QString identifier = rule.isEmpty() && isIdentifierFree(*first) ? uid : QString();
     first->setCalendarID(QString());
-    auto error = taskevent::write(*first, EventFields::all(), Span::FutureTasks, dateOf(*first),
-                                  rule.isEmpty() ? uid : QString());
+    auto error = taskevent::write(*first, EventFields::all(), Span::FutureTasks, dateOf(*first), identifier);
     if (error) {
         first->setCalendarID(uid);
         first->setRepeat(rule);

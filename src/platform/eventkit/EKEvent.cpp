@@ -1,5 +1,6 @@
 #include "eventkit/EKEvent.h"
 
+#include "eventkit/EKItemOrigin.h"
 #include "eventkit/EKReminder.h"
 #include "foundation/Region.h"
 
@@ -10,6 +11,11 @@ EKEvent EKEvent::eventWithEventStore(const EKEventStore & /*eventStore*/)
     EKEvent event;
     event.timeZone = Region::zoneIdentifier();
     return event;
+}
+
+bool EKEvent::isOfSeries() const
+{
+    return origin && origin->item->isSeries();
 }
 
 void EKEvent::removeAlarm(const EKAlarm &alarm)

@@ -42,7 +42,8 @@ struct EKEvent
     /// Those that show something or make a sound, in their order. Others, such as mails, stay as they are.
     std::vector<EKAlarm> alarms;
     std::optional<EKCalendar> calendar;
-    /// Empty for an event that does not repeat, and for a series that is only a list of dates.
+    /// Empty for an event that does not repeat, and for a series without a rule or with one by hours, minutes
+    /// or seconds; `isOfSeries` tells these apart.
     std::vector<EKRecurrenceRule> recurrenceRules;
     EKEventAvailability availability = EKEventAvailability::Busy;
 
@@ -70,6 +71,10 @@ struct EKEvent
 
     bool hasAlarms() const { return !alarms.empty(); }
     bool hasRecurrenceRules() const { return !recurrenceRules.empty(); }
+    /// Whether the store holds more under its identifier than this event: it is an occurrence of a rule, also
+    /// of one that `recurrenceRules` cannot say, of a list of dates, or one that was edited alone. False for
+    /// a new event.
+    bool isOfSeries() const;
     bool hasAttendees() const { return !attendees.empty(); }
     void addAlarm(const EKAlarm &alarm) { alarms.push_back(alarm); }
     /// Removes the first that is equal.

@@ -152,7 +152,8 @@ OptionalError EKEventStore::stageEdit(const EKEvent &event, EKSpan span, const S
     const EKEvent before = eventOf(event.origin->item, event.origin->occurrence, *event.calendar);
     if (!hasChanges(before, event))
         return std::nullopt;
-    const bool isOfOne = item.isSeries() && span == EKSpan::ThisEvent;
+    // Without the series itself there is no rest of it to be edited.
+    const bool isOfOne = item.isSeries() && (span == EKSpan::ThisEvent || !item.master());
     if (isOfOne || !item.isSeries() || !ItemExpansion::hasOccurrenceBefore(item, occurrence.key)) {
         const auto edited = isOfOne ? SeriesEditing::withOccurrence(item, occurrence, before, event)
                                     : SeriesEditing::from(item, occurrence, before, event, item.uid());
@@ -216,7 +217,7 @@ OptionalError EKEventStore::stageRemoval(const EKEvent &event, EKSpan span)
     if (!occurrence)
         return CalendarError::make(CalendarError::NotFound, QStringLiteral("The event has gone."));
     std::optional<QByteArray> rest;
-    if (item.isSeries() && span == EKSpan::ThisEvent)
+    if (item.isSeries() && (span == EKSpan::ThisEvent || !item.master()))
         rest = SeriesEditing::without(item, occurrence->key);
     else if (item.isSeries() && ItemExpansion::hasOccurrenceBefore(item, occurrence->key))
         rest = SeriesEditing::upTo(item, occurrence->key);

@@ -36,7 +36,7 @@ TaskPtr rowOf(const EKEvent &event, const std::vector<TaskPtr> &candidates)
     for (const TaskPtr &row : candidates) {
         if (!row || !isAtTimesOf(*row, event))
             continue;
-        if (event.hasRecurrenceRules())
+        if (event.isOfSeries())
             return row;
         const OptionalDate modified = row->lastModificationDate();
         if (modified && (!best || *modified > *best->lastModificationDate()))
