@@ -34,7 +34,7 @@ private:
     bool calendarsRing()
     {
         if (!known)
-            known = EventStoreAccess::hasAccesToCalendar() && EventStoreAccess::eventStore().ringsAlarms();
+            known = EventStoreAccess::eventStore().ringsAlarms();
         return *known;
     }
     std::optional<bool> known;

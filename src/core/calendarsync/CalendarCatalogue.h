@@ -36,7 +36,7 @@ public:
     /// Whether there is a calendar of the program's own title. Of several the first stays.
     static bool isOurCalendar();
     static std::optional<EKCalendar> getDefaultCalendar();
-    /// The same, but only if the user has chosen it.
+    /// The one that new tasks go into: the stored one if it is chosen and writable, else the first such one.
     static std::optional<EKCalendar> getDefaultAccessCalendar();
     static std::optional<EKCalendar> setDefaultCalendarFromAppleCalendar();
     /// How a task names a calendar: the title of a writable one; title, "[<±>]" and identifier of a read-only

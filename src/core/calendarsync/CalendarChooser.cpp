@@ -3,6 +3,7 @@
 #include "calendarsync/CalendarPass.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventStoreAccess.h"
+#include "calendarsync/KnownCalendars.h"
 #include "foundation/Log.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
@@ -19,13 +20,19 @@ static auto isSameAs(const EKCalendar &calendar)
     };
 }
 
+static QStringList storedChoice()
+{
+    return UserDefaults::standard()
+        .string(settings::savedChooseCalendars)
+        .split(calendarstore::separator, Qt::SkipEmptyParts);
+}
+
 /// Adds a calendar to the stored choice, or takes it out; the others stay as they stand there.
 static void savedChooseCalendars(const EKCalendar &changed)
 {
     UserDefaults &defaults = UserDefaults::standard();
     const QString reference = CalendarCatalogue::identifierOfCalendar(changed);
-    QStringList references =
-        defaults.string(settings::savedChooseCalendars).split(calendarstore::separator, Qt::SkipEmptyParts);
+    QStringList references = storedChoice();
     if (references.removeAll(reference) == 0)
         references.append(reference);
     defaults.setObject(settings::savedChooseCalendars, references.join(calendarstore::separator));
@@ -33,15 +40,30 @@ static void savedChooseCalendars(const EKCalendar &changed)
 }
 
 CalendarChooser::CalendarChooser()
-    : content(CalendarCatalogue::sortingAndGroupingByTitleForData(false))
-{}
+{
+    takeContent();
+}
+
+void CalendarChooser::takeContent()
+{
+    content = CalendarCatalogue::sortingAndGroupingByTitleForData(false);
+    takeChoice();
+}
+
+/// The rows stay as they are shown.
+void CalendarChooser::takeChoice()
+{
+    content.selected = CalendarCatalogue::sortingAndGroupingByTitleForData(false).selected;
+    const auto calendar = CalendarCatalogue::getDefaultAccessCalendar();
+    usual = calendar ? calendar->calendarIdentifier : QString();
+}
 
 bool CalendarChooser::reload()
 {
-    CalendarChooserData present = CalendarCatalogue::sortingAndGroupingByTitleForData(false);
-    const bool isChanged = present.data != content.data || present.selected != content.selected;
-    content = std::move(present);
-    return isChanged;
+    const CalendarChooserData former = content;
+    const QString formerUsual = usual;
+    takeContent();
+    return former.data != content.data || former.selected != content.selected || formerUsual != usual;
 }
 
 const EKCalendar *CalendarChooser::calendarAt(int row) const
@@ -67,8 +89,7 @@ bool CalendarChooser::isSelected(int row) const
 bool CalendarChooser::isDefault(int row) const
 {
     const EKCalendar *calendar = calendarAt(row);
-    const auto usual = CalendarCatalogue::getDefaultAccessCalendar();
-    return calendar && usual && isSameAs(*calendar)(*usual);
+    return calendar && calendar->calendarIdentifier == usual;
 }
 
 std::optional<EKCalendar> CalendarChooser::presentCalendarAt(int row) const
@@ -88,7 +109,7 @@ bool CalendarChooser::toggle(int row)
         return false;
     Log::line(calendar->calendarIdentifier);
     savedChooseCalendars(*calendar);
-    content.selected = CalendarCatalogue::sortingAndGroupingByTitleForData(false).selected;
+    takeChoice();
     return true;
 }
 
@@ -98,11 +119,12 @@ bool CalendarChooser::setDefault(int row)
     if (!calendar || !calendar->allowsContentModifications)
         return false;
     // What new tasks go into is one of the chosen ones.
-    if (!isSelected(row))
-        toggle(row);
-    UserDefaults::standard().setObject(settings::defaultCalendar,
-                                       CalendarCatalogue::identifierOfCalendar(*calendar));
+    const QString reference = CalendarCatalogue::identifierOfCalendar(*calendar);
+    if (!storedChoice().contains(reference))
+        savedChooseCalendars(*calendar);
+    UserDefaults::standard().setObject(settings::defaultCalendar, reference);
     UserDefaults::standard().synchronize();
+    takeChoice();
     return true;
 }
 
@@ -116,17 +138,20 @@ CalendarChooser::Emptiness CalendarChooser::emptiness() const
 {
     if (!EventStoreAccess::hasAccesToCalendar())
         return Emptiness::NoAccess;
-    if (!content.data.empty())
-        return Emptiness::None;
-    return calendarstore::state().isReachable ? Emptiness::NoCalendars : Emptiness::Silent;
+    const auto present = EventStoreAccess::eventStore().calendarsForEntityType(EKEntityType::Event);
+    if (present && present->empty())
+        return Emptiness::NoCalendars;
+    return content.data.empty() ? Emptiness::Silent : Emptiness::None;
 }
 
 bool CalendarChooser::makeCalendar()
 {
+    // Those that are remembered have gone, says who wants another one.
+    knowncalendars::keep({});
     const auto made = CalendarCatalogue::getCalendar();
     if (!made)
         return false;
-    content = CalendarCatalogue::sortingAndGroupingByTitleForData(false);
+    takeContent();
     for (int row = 0; row < static_cast<int>(content.data.size()); ++row) {
         if (const EKCalendar *calendar = calendarAt(row); calendar && isSameAs(*made)(*calendar))
             return setDefault(row);

@@ -45,5 +45,10 @@ private:
     /// The calendar of a row as the store has it now.
     std::optional<EKCalendar> presentCalendarAt(int row) const;
 
+    void takeContent();
+    void takeChoice();
+
     CalendarChooserData content;
+    /// The identifier of the calendar that new tasks go into; empty without one.
+    QString usual;
 };

@@ -87,7 +87,7 @@ bool mayDelete(size_t rowCount, size_t linkedCount, const EventCounts &events)
 
 bool mayDeleteRowsOfCalendar(size_t rowCount, size_t linkedCount)
 {
-    return !isMuch(rowCount, linkedCount) ||
+    return (rowCount <= static_cast<size_t>(fewEvents) && !isMuch(rowCount, linkedCount)) ||
            mayRemove(rowCount, calendarstore::state().mayRemoveRowsOfCalendars);
 }
 

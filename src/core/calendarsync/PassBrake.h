@@ -17,7 +17,7 @@ using EventCounts = QMap<QString, int>;
 /// all linked ones, or a calendar holds nothing that held more than five events at the last pass.
 bool mayDelete(size_t rowCount, size_t linkedCount, const EventCounts &events);
 
-/// The same for the rows of a calendar that has gone.
+/// The same for the rows of a calendar that has gone: more than five, or many, are asked about.
 bool mayDeleteRowsOfCalendar(size_t rowCount, size_t linkedCount);
 /// The next calendar that goes is asked about anew.
 void noCalendarIsMissing();

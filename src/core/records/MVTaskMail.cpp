@@ -70,5 +70,7 @@ QString MVTask::htmlBody() const
         body += line(QStringLiteral("Details"), details);
     body += u'\n' + footer();
     return QStringLiteral("mailto:%1?subject=%2&body=%3")
-        .arg(recipientsOf(delegateToUser), fullyEncoded(QStringLiteral("Morvane")), fullyEncoded(body));
+        .arg(recipientsOf(delegateToUser), fullyEncoded(QStringLiteral("Morvane")),
+             // RFC 6068, section 5.
+             fullyEncoded(body.replace(u'\n', QStringLiteral("\r\n"))));
 }

@@ -9,10 +9,12 @@ OptionalError writeFileAtomically(const QString &path, const QByteArray &content
 {
     const bool isNew = !QFileInfo::exists(path);
     QSaveFile file(path);
+    bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    // Some file systems know no modes.
+    if (isWritten && isNew)
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     // With a buffer a disk that fills up while it is flushed passes for a success.
-    bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                     (!isNew || file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) &&
-                     file.write(contents) == contents.size();
+    isWritten = isWritten && file.write(contents) == contents.size();
     if (isWritten && lastCheck) {
         // What takes long is done before the check: little time is left between it and the exchange.
         fdatasync(file.handle());

@@ -8,7 +8,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <algorithm>
 #include <mutex>
 
 using Words = QHash<QString, QString>;
@@ -91,13 +90,13 @@ QString localized(const QString &key, const QString &table)
 QString languageOfWords()
 {
     const std::lock_guard lock(tables().mutex);
-    const QString english = QStringLiteral("en");
-    const QString language = Region::preferredLocalizations().value(0, english);
-    const bool isThere =
-        std::any_of(tables().folders.cbegin(), tables().folders.cend(), [&](const QString &folder) {
-            return QFile::exists(folder + fileName(QString(), language));
-        });
-    return isThere ? language : english;
+    for (const QString &language : Region::preferredLocalizations()) {
+        for (const QString &folder : tables().folders) {
+            if (QFile::exists(folder + fileName(QString(), language)))
+                return language;
+        }
+    }
+    return QStringLiteral("en");
 }
 
 void LocalizationTable::loadDirectory(const QString &path)

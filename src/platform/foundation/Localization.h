@@ -9,7 +9,8 @@ QString localized(const QString &key);
 /// The same from a table of its own, for example "RepeatPicker": its files are named "RepeatPicker.de.json".
 QString localized(const QString &key, const QString &table);
 
-/// The language that most words are told in: the user's, for example "de", if it has a table; else "en".
+/// The language that words are told in: the first of the user's, for example "de", that has a table; else
+/// "en".
 QString languageOfWords();
 
 /// Where the tables come from: a JSON object of key and text for each language, "de.json", in the resource

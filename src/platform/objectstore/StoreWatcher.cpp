@@ -22,7 +22,9 @@ StoreWatcher::StoreWatcher(ManagedObjectContext &context)
 
 void StoreWatcher::logWritten()
 {
-    soon.start();
+    // Who writes all the time is followed, too.
+    if (!soon.isActive())
+        soon.start();
     later.start();
 }
 

@@ -21,6 +21,9 @@ ApplicationLife::ApplicationLife(AppDelegate &appDelegate, SingleInstance *singl
     theLife = this;
     connect(new QuitSignals(this), &QuitSignals::received, this, &ApplicationLife::quitForSystem);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, &ApplicationLife::stateChanged);
+    // Without a window the program works on in the background, whatever the desktop says of it.
+    connect(qGuiApp, &QGuiApplication::lastWindowClosed, this,
+            [this] { stateChanged(Qt::ApplicationInactive); });
     if (instance)
         connect(instance, &SingleInstance::activated, this, &ApplicationLife::reopen);
 }
@@ -79,6 +82,7 @@ void ApplicationLife::calendarsWereAllowed()
 void ApplicationLife::reopen()
 {
     delegate.startMainWindow();
+    stateChanged(QGuiApplication::applicationState());
 }
 
 void ApplicationLife::quit()

@@ -120,8 +120,10 @@ void MainWindowController::observeGroups()
         [this](const MVContactGroup &values) { saveContactGroup(values); }));
 }
 
+/// From here on it hears of everything: what opens it may be about to show a task in it.
 void MainWindowController::showWindow()
 {
+    observe();
     mainWindow->show();
     mainWindow->raise();
     mainWindow->activateWindow();

@@ -89,7 +89,7 @@ TEST_F(CalendarChooserTest, AReadOnlyCalendarCanBeChosenButIsNeverTheDefault)
 TEST_F(CalendarChooserTest, WithoutAnyCalendarOneCanBeMade)
 {
     CalendarEvent::resetEventStore();
-    UserDefaults::standard().removeObject(settings::knownCalendars);
+    EXPECT_EQ(CalendarChooser().emptiness(), CalendarChooser::Emptiness::None);
     QDir(root.filePath(u"Local"_qs)).removeRecursively();
     connectStore();
     choose({});

@@ -2,6 +2,7 @@
 
 #include "shell/QuitSignals.h"
 #include "shell/SingleInstance.h"
+#include "shell/details/TaskDetailViewController.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/MessageBoxPresenter.h"
 
@@ -84,6 +85,22 @@ TEST_F(WholeWindowTest, ClosingTheWindowKeepsTheProgramAndTheWindowComesBack)
     delegate->startMainWindow();
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(screen().type(), ListType::Inbox);
+}
+
+TEST_F(WholeWindowTest, AnAlertThatIsClickedWhileTheWindowIsClosedOpensItsTask)
+{
+    const TaskPtr task = add(u"ring me"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    showList(SidebarItem::Someday);
+    run(ActionId::CloseWindow);
+    ASSERT_FALSE(window().isVisible());
+    delegate->startMainWindow();
+    delegate->userNotificationCenterDidActivateNotification(task->uri());
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        const auto *pane = window().findChild<TaskDetailViewController *>();
+        return pane && pane->taskForm()->currentTask().task() == task;
+    }));
 }
 
 TEST_F(WholeWindowTest, CommandsAreGreyWhereTheyWouldDoNothing)
