@@ -72,7 +72,9 @@ Result<std::vector<EKEvent>> eventsIn(const std::vector<EKCalendar> &calendars, 
     if (!events)
         return events;
     for (const OptionalDate &date : onDaysOf) {
-        if (!date || (*date >= seen.start && *date <= seen.end))
+        // Of one that has too many, the window lacks some.
+        const bool isSeen = date && *date >= seen.start && *date <= seen.end;
+        if (!date || (isSeen && !EventStoreAccess::eventStore().mayBeUnusable(identifier)))
             continue;
         auto ofDay =
             eventsBetween(MTDates::startOfCurrentDay(*date), MTDates::endOfCurrentDay(*date), calendars);

@@ -5,8 +5,16 @@
 #include "eventkit/EmptyBackend.h"
 #include "eventkit/EventReading.h"
 #include "eventkit/SharedEventStore.h"
+#include "foundation/Clock.h"
+#include "foundation/Log.h"
 
 #include <algorithm>
+
+/// More of one series no screen shows in a useful way, and of all together no pass takes in a bearable time.
+static constexpr std::size_t mostOfASeries = 1500;
+/// Of a series that has more.
+static constexpr std::size_t mostOfACutSeries = 500;
+static constexpr std::size_t mostOfAllSeries = 100'000;
 
 EKEventStore::EKEventStore()
     : EKEventStore(sharedCalendarBackend())
@@ -106,12 +114,41 @@ EKEventStore::predicateForEventsWithStartDate(Date startDate, Date endDate,
     return predicate;
 }
 
+std::vector<ItemOccurrence> EKEventStore::bearableOccurrences(const CalendarItem &item,
+                                                              const EKCalendar &calendar,
+                                                              const DateWindow &window,
+                                                              std::size_t &budget) const
+{
+    if (!item.isSeries())
+        return ItemExpansion::occurrences(item, window);
+    const std::size_t most = std::min(mostOfASeries, budget);
+    auto occurrences = ItemExpansion::occurrences(item, window, most);
+    if (!occurrences.isWhole) {
+        cutSeries[calendar.calendarIdentifier].insert({item.uid(), window.to - window.from});
+        if (toldCalendars.insert(calendar.calendarIdentifier).second)
+            Log::line(QStringLiteral("The calendar \"%1\" holds too much: \"%2\" repeats too often to be "
+                                     "shown whole.")
+                          .arg(calendar.title, item.uid()));
+        // Those to come matter most.
+        const Date now = Clock::now();
+        if (!occurrences.found.empty() && now > window.from && now < window.to)
+            occurrences =
+                ItemExpansion::occurrences(item, {now, window.to}, std::min(most, mostOfACutSeries));
+        else if (occurrences.found.size() > mostOfACutSeries)
+            occurrences.found.resize(mostOfACutSeries);
+    }
+    budget -= std::min(budget, occurrences.found.size());
+    return std::move(occurrences.found);
+}
+
 Result<std::vector<EKEvent>> EKEventStore::eventsMatchingPredicate(const EKEventPredicate &predicate) const
 {
     const auto calendars = allCalendars();
     if (!calendars)
         return calendars.error();
     std::vector<EKEvent> events;
+    const DateWindow window{predicate.startDate, predicate.endDate};
+    std::size_t budget = mostOfAllSeries;
     for (const EKCalendar &calendar : calendars.value()) {
         const auto &wanted = predicate.calendarIdentifiers;
         if (std::find(wanted.begin(), wanted.end(), calendar.calendarIdentifier) == wanted.end())
@@ -119,11 +156,13 @@ Result<std::vector<EKEvent>> EKEventStore::eventsMatchingPredicate(const EKEvent
         const auto items = contents->items(calendar.calendarIdentifier);
         if (!items)
             return items.error();
+        std::erase_if(cutSeries[calendar.calendarIdentifier],
+                      [&](const auto &entry) { return entry.second <= window.to - window.from; });
         const auto firstOfCalendar = static_cast<std::ptrdiff_t>(events.size());
         for (const StoredItem &stored : items.value())
             if (stored.item->entityType() == EKEntityType::Event)
                 for (const ItemOccurrence &occurrence :
-                     ItemExpansion::occurrences(*stored.item, {predicate.startDate, predicate.endDate}))
+                     bearableOccurrences(*stored.item, calendar, window, budget))
                     events.push_back(eventOf(stored.item, occurrence, calendar));
         std::stable_sort(
             events.begin() + firstOfCalendar, events.end(),
@@ -179,7 +218,9 @@ Result<std::optional<EKEvent>> EKEventStore::eventWithIdentifier(const QString &
 
 bool EKEventStore::mayBeUnusable(const QString &externalIdentifier) const
 {
-    return contents->mayBeUnusable(externalIdentifier);
+    const bool isCut = std::ranges::any_of(
+        cutSeries, [&](const auto &calendar) { return calendar.second.contains(externalIdentifier); });
+    return isCut || contents->mayBeUnusable(externalIdentifier);
 }
 
 bool EKEventStore::isOnlyOccurrence(const EKEvent &event)

@@ -8,12 +8,16 @@
 #include "foundation/NotificationCenter.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 class CalendarBackend;
 class CalendarContents;
+class CalendarItem;
+struct DateWindow;
 struct ItemOccurrence;
 struct StoredItem;
 
@@ -86,7 +90,10 @@ public:
     EKEventPredicate
     predicateForEventsWithStartDate(Date startDate, Date endDate,
                                     const std::optional<std::vector<EKCalendar>> &calendars = {}) const;
-    /// The events that overlap the window, series expanded, by calendar and start.
+    /// The events that overlap the window, series expanded, by calendar and start. Of a series that has
+    /// thousands in the window only some hundreds from now on, or from the start of a window without the
+    /// present moment; of all series together a hundred thousand. The log says once which calendar holds so
+    /// many.
     Result<std::vector<EKEvent>> eventsMatchingPredicate(const EKEventPredicate &predicate) const;
     /// Events by their UID: of a series the first occurrence and those edited on their own. Without
     /// calendars: in all of them.
@@ -95,7 +102,8 @@ public:
         const std::optional<std::vector<EKCalendar>> &amongCalendars = {}) const;
     /// The first of these; absent if there is none.
     Result<std::optional<EKEvent>> eventWithIdentifier(const QString &identifier) const;
-    /// Whether an item that is not found may be in an object that cannot be read or used, and is not gone.
+    /// Whether an item that is not found may be in an object that cannot be read or used, or of which too
+    /// many occurrences were found to give them all, and is not gone.
     bool mayBeUnusable(const QString &externalIdentifier) const;
     /// Whether a saved event has no other occurrence, however far away. Of the event as it was read.
     static bool isOnlyOccurrence(const EKEvent &event);
@@ -177,5 +185,13 @@ private:
     /// Makes the event what the store has now.
     OptionalError takeBack(EKEvent &event, const QString &uid, qint64 key) const;
 
+    /// The occurrences in a window, as many as are bearable.
+    std::vector<ItemOccurrence> bearableOccurrences(const CalendarItem &item, const EKCalendar &calendar,
+                                                    const DateWindow &window, std::size_t &budget) const;
+
     std::unique_ptr<CalendarContents> contents;
+    /// Identifiers of series that were not given whole, by calendar, with the length of the longest window.
+    mutable std::map<QString, std::map<QString, Seconds>> cutSeries;
+    /// Calendars of which the log has said so.
+    mutable std::set<QString> toldCalendars;
 };

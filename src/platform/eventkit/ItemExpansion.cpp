@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <map>
 
 namespace {
@@ -25,11 +26,17 @@ Date endOf(const ItemPart &master, const RecurrenceInstance &instance)
     return master.times.endOf(start);
 }
 
+RecurrenceExpander::Expansion expansionOf(const ItemPart &master, const RecurrencePattern &rule,
+                                          const RecurrenceExpander::Window &window)
+{
+    const IcalTime &start = master.times.start;
+    return RecurrenceExpander(rule, start.clock, calendarOfZone(start.clockZone())).expansion(window);
+}
+
 std::vector<RecurrenceInstance> instancesOf(const ItemPart &master, const RecurrencePattern &rule,
                                             const RecurrenceExpander::Window &window)
 {
-    const IcalTime &start = master.times.start;
-    return RecurrenceExpander(rule, start.clock, calendarOfZone(start.clockZone())).instances(window);
+    return expansionOf(master, rule, window).instances;
 }
 
 Date endOf(const ItemPart &master, const IcalRecurrenceDate &date)
@@ -50,7 +57,7 @@ bool isExcluded(const CalendarItem &item, qint64 key)
 }
 
 /// The occurrences of the series itself whose start lies in the window, both bounds included.
-Starts startsOf(const CalendarItem &item, const RecurrenceExpander::Window &window)
+Starts startsOf(const CalendarItem &item, const RecurrenceExpander::Window &window, bool &isWhole)
 {
     const ItemPart &master = *item.master();
     const auto isInside = [&](Date date) {
@@ -60,22 +67,45 @@ Starts startsOf(const CalendarItem &item, const RecurrenceExpander::Window &wind
     const Date first = master.times.start.instant();
     if (isInside(first))
         starts[master.key] = {nullptr, master.key, first, master.times.endOf(master.times.start)};
-    for (const RecurrencePattern &rule : item.recurrence().rules)
-        for (const RecurrenceInstance &instance : instancesOf(master, rule, window)) {
-            const qint64 key = keyOf(master, instance);
-            starts.insert({key, {nullptr, key, instance.date, endOf(master, instance)}});
+    const auto forEachOf = [&](const std::vector<RecurrencePattern> &rules, const auto &take) {
+        for (const RecurrencePattern &rule : rules) {
+            const auto expansion = expansionOf(master, rule, window);
+            isWhole = isWhole && expansion.isWhole;
+            for (const RecurrenceInstance &instance : expansion.instances)
+                take(instance);
         }
+    };
+    forEachOf(item.recurrence().rules, [&](const RecurrenceInstance &instance) {
+        const qint64 key = keyOf(master, instance);
+        starts.insert({key, {nullptr, key, instance.date, endOf(master, instance)}});
+    });
     for (const IcalRecurrenceDate &date : item.recurrence().dates) {
         const IcalTime start = item.timeOfKey(item.keyOf(date.start));
         const qint64 key = item.keyOf(date.start);
         if (isInside(start.instant()))
             starts.insert({key, {nullptr, key, start.instant(), endOf(master, date)}});
     }
-    for (const RecurrencePattern &rule : item.recurrence().exclusionRules)
-        for (const RecurrenceInstance &instance : instancesOf(master, rule, window))
-            starts.erase(keyOf(master, instance));
+    forEachOf(item.recurrence().exclusionRules,
+              [&](const RecurrenceInstance &instance) { starts.erase(keyOf(master, instance)); });
     std::erase_if(starts, [&](const auto &entry) { return isExcluded(item, entry.first); });
     return starts;
+}
+
+Starts startsOf(const CalendarItem &item, const RecurrenceExpander::Window &window)
+{
+    bool isWhole = true;
+    return startsOf(item, window, isWhole);
+}
+
+/// Stretches of time from a date on, each longer than the one before, up to an end: a rule by seconds has
+/// many matches in the first, one by years none in most. Ends when `isEnough` says so of a stretch's end.
+void lookAhead(Date from, Date end, const std::function<bool(Date to)> &isEnough)
+{
+    for (double seconds = 60;; seconds *= 8) {
+        const Date to = std::min(end, from + Seconds(seconds));
+        if (isEnough(to) || to >= end)
+            return;
+    }
 }
 
 /// No occurrence is longer than this.
@@ -106,6 +136,15 @@ Date lastDate()
     return Date::fromUnixSeconds(WallClock{9999, 12, 31}.seconds());
 }
 
+/// Where a series begins, which can be a date before its start.
+Date firstDate(const CalendarItem &item)
+{
+    Date first = item.master()->times.start.instant();
+    for (const IcalRecurrenceDate &date : item.recurrence().dates)
+        first = std::min(first, date.start.instant());
+    return first;
+}
+
 Date dateOfKey(const CalendarItem &item, qint64 key)
 {
     return item.timeOfKey(key).instant();
@@ -115,10 +154,23 @@ Date dateOfKey(const CalendarItem &item, qint64 key)
 
 std::vector<ItemOccurrence> ItemExpansion::occurrences(const CalendarItem &item, const DateWindow &window)
 {
-    std::vector<ItemOccurrence> found;
+    constexpr std::size_t most = 1'000'000;
+    return occurrences(item, window, most).found;
+}
+
+ItemOccurrences ItemExpansion::occurrences(const CalendarItem &item, const DateWindow &window,
+                                           std::size_t most)
+{
+    ItemOccurrences result;
+    std::vector<ItemOccurrence> &found = result.found;
     Starts starts;
     if (item.master() && !item.recurrence().isEmpty()) {
-        starts = startsOf(item, {.from = window.from - greatestLength(item), .to = window.to});
+        // Those that began before the window count on their own, so that they leave room for those inside.
+        starts =
+            startsOf(item, {.from = window.from, .to = window.to, .mostInstances = most}, result.isWhole);
+        const Date earliest = window.from - greatestLength(item);
+        starts.merge(
+            startsOf(item, {.from = earliest, .to = window.from, .mostInstances = most}, result.isWhole));
     } else if (item.master()) {
         const ItemTimes &times = item.master()->times;
         starts[item.master()->key] = {nullptr, item.master()->key, times.start.instant(),
@@ -133,7 +185,7 @@ std::vector<ItemOccurrence> ItemExpansion::occurrences(const CalendarItem &item,
         if (const ItemOccurrence moved = occurrenceOf(part); window.overlaps(moved.start, moved.end))
             found.push_back(moved);
     putInOrder(found);
-    return found;
+    return result;
 }
 
 std::optional<ItemOccurrence> ItemExpansion::occurrence(const CalendarItem &item, qint64 key)
@@ -157,18 +209,15 @@ std::optional<ItemOccurrence> ItemExpansion::first(const CalendarItem &item)
         candidates.push_back(occurrenceOf(part));
     if (item.master()) {
         // Ever more of the series, until one is found that nobody has edited or excluded.
-        Date to = item.master()->times.start.instant();
-        const Date end = lastDate();
-        for (double days = 1; candidates.size() == item.detached().size(); days *= 8) {
+        const Date start = item.master()->times.start.instant();
+        lookAhead(start, item.recurrence().isEmpty() ? start : lastDate(), [&](Date to) {
             Starts starts = startsOf(item, {.to = to});
             for (const ItemPart &part : item.detached())
                 starts.erase(part.key);
             for (const auto &[key, occurrence] : starts)
                 candidates.push_back(occurrence);
-            if (to >= end || item.recurrence().isEmpty())
-                break;
-            to = std::min(end, to + Seconds(days * secondsOfADay));
-        }
+            return !starts.empty();
+        });
     }
     putInOrder(candidates);
     return candidates.empty() ? std::nullopt : std::optional(candidates.front());
@@ -181,8 +230,14 @@ bool ItemExpansion::hasOccurrenceBefore(const CalendarItem &item, qint64 key)
             return true;
     if (!item.master())
         return false;
-    const Starts starts = startsOf(item, {.to = dateOfKey(item, key)});
-    return !starts.empty() && starts.begin()->first < key;
+    // The first that is left will do.
+    bool isBefore = false;
+    lookAhead(firstDate(item), dateOfKey(item, key), [&](Date to) {
+        const Starts starts = startsOf(item, {.to = to});
+        isBefore = !starts.empty() && starts.begin()->first < key;
+        return !starts.empty();
+    });
+    return isBefore;
 }
 
 bool ItemExpansion::hasOther(const CalendarItem &item, qint64 key)
@@ -194,14 +249,13 @@ bool ItemExpansion::hasOther(const CalendarItem &item, qint64 key)
     if (!item.master() || item.recurrence().isEmpty())
         return false;
     const Date from = dateOfKey(item, key);
-    for (double days = 1;; days *= 8) {
-        const Date to = std::min(lastDate(), from + Seconds(days * secondsOfADay));
+    bool isAfter = false;
+    lookAhead(from, lastDate(), [&](Date to) {
         const Starts starts = startsOf(item, {.from = from, .to = to});
-        if (!starts.empty() && starts.rbegin()->first > key)
-            return true;
-        if (to >= lastDate())
-            return false;
-    }
+        isAfter = !starts.empty() && starts.rbegin()->first > key;
+        return isAfter;
+    });
+    return isAfter;
 }
 
 bool ItemExpansion::contains(const CalendarItem &item, qint64 key)

@@ -30,6 +30,13 @@ struct DateWindow
     }
 };
 
+struct ItemOccurrences
+{
+    std::vector<ItemOccurrence> found;
+    /// False if there may be more.
+    bool isWhole = true;
+};
+
 /// Expands items as RFC 5545 (section 3.8.5) has it: the start, the rules and the dates together, without
 /// what is excluded, and with edited occurrences in place of the ones they stand for, wherever they were
 /// moved.
@@ -38,6 +45,9 @@ class ItemExpansion
 public:
     /// In the order of their start.
     static std::vector<ItemOccurrence> occurrences(const CalendarItem &item, const DateWindow &window);
+    /// The same, of the series itself only about so many of the first in the window, or fewer where they
+    /// cannot be counted in reasonable time.
+    static ItemOccurrences occurrences(const CalendarItem &item, const DateWindow &window, std::size_t most);
     /// The one with that key, even if it has been excluded meanwhile.
     static std::optional<ItemOccurrence> occurrence(const CalendarItem &item, qint64 key);
     /// The first of all; absent for a series without any.

@@ -11,6 +11,9 @@ namespace {
 constexpr std::int64_t slack = secondsOfADay;
 const std::int64_t beginOfTime = WallClock{1, 1, 1, 0, 0, 0}.seconds();
 
+/// More matches before the window no person has; a rule by seconds with a COUNT can have any number.
+constexpr int mostCountedBefore = 300'000;
+
 /// Dates beyond these cannot be told from them here.
 constexpr double furthestUnixSeconds = 1e12;
 
@@ -121,19 +124,28 @@ bool RecurrenceExpander::take(const WallSeconds &moments, const Bounds &bounds, 
     for (const std::int64_t moment : moments) {
         if (moment < startSeconds)
             continue;
-        if (moment > bounds.lastMoment || progress.found.size() >= most ||
-            (pattern.count > 0 && ++progress.matches > pattern.count))
+        Expansion &expansion = progress.expansion;
+        if (moment > bounds.lastMoment || (pattern.count > 0 && ++progress.matches > pattern.count))
             return false;
-        if (moment < bounds.firstMoment)
+        if (moment < bounds.firstMoment) {
+            expansion.isWhole = ++progress.countedBefore <= mostCountedBefore;
+            if (!expansion.isWhole)
+                return false;
             continue;
+        }
         const Date date = dateOf(moment);
-        if (date >= bounds.from && (!bounds.to || date <= *bounds.to))
-            progress.found.push_back({WallClock::fromSeconds(moment), date});
+        const bool isInside = date >= bounds.from && (!bounds.to || date <= *bounds.to);
+        if (!isInside)
+            continue;
+        expansion.isWhole = expansion.instances.size() < most;
+        if (!expansion.isWhole)
+            return false;
+        expansion.instances.push_back({WallClock::fromSeconds(moment), date});
     }
     return !moments.empty();
 }
 
-std::vector<RecurrenceInstance> RecurrenceExpander::instances(const Window &window) const
+RecurrenceExpander::Expansion RecurrenceExpander::expansion(const Window &window) const
 {
     if (startSeconds < beginOfTime || startSeconds > endOfTime)
         return {};
@@ -144,6 +156,6 @@ std::vector<RecurrenceInstance> RecurrenceExpander::instances(const Window &wind
     Progress progress;
     while (take(periods->next(), bounds, window.mostInstances, progress))
         continue;
-    putInOrder(progress.found);
-    return std::move(progress.found);
+    putInOrder(progress.expansion.instances);
+    return std::move(progress.expansion);
 }

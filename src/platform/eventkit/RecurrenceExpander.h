@@ -35,11 +35,24 @@ public:
     RecurrenceExpander(const RecurrencePattern &rule, Date start, const Calendar &zoneCalendar);
     RecurrenceExpander(const RecurrencePattern &rule, const WallClock &start, const Calendar &zoneCalendar);
 
+    /// What was found; not whole if the window's number of instances, or that of matches to be counted before
+    /// the window, was reached.
+    struct Expansion
+    {
+        std::vector<RecurrenceInstance> instances;
+        bool isWhole = true;
+    };
+
     /// The occurrences inside the window, ascending. Rules without COUNT start right at the window. Ends
     /// even if the rule does not: nothing comes after the year 9999 or beyond the window's number of
-    /// instances, and a rule by hours, minutes or seconds ends where millions of them in a row do not match.
-    /// Empty for a start outside the years 1 to 9999.
-    std::vector<RecurrenceInstance> instances(const Window &window) const;
+    /// instances, a rule with COUNT counts some hundred thousands at most, and one by hours, minutes or
+    /// seconds ends where millions of them in a row do not match. Empty for a start outside the years 1 to
+    /// 9999.
+    Expansion expansion(const Window &window) const;
+    std::vector<RecurrenceInstance> instances(const Window &window) const
+    {
+        return expansion(window).instances;
+    }
 
     /// Whether an end is said: COUNT or UNTIL.
     bool isFinite() const { return pattern.count > 0 || until.has_value(); }
@@ -61,7 +74,8 @@ private:
     struct Progress
     {
         int matches = 0;
-        std::vector<RecurrenceInstance> found;
+        int countedBefore = 0;
+        Expansion expansion;
     };
 
     RecurrencePattern pattern;

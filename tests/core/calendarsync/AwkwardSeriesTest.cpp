@@ -1,8 +1,10 @@
 #include "CalendarTest.h"
 
-#include "store/queries/EventDates.h"
+#include "foundation/Log.h"
 
 #include <gmock/gmock.h>
+
+#include <chrono>
 
 namespace {
 
@@ -205,6 +207,35 @@ TEST_P(AwkwardSeries, AsManyFutureOnesAreShownAsOfAnyOther)
     EXPECT_EQ(shown(), all);
 }
 
+TEST_P(AwkwardSeries, OneThatWasDeletedElsewhereGoes)
+{
+    // Its first is long ago, and says nothing of the others.
+    const auto rewrite = [this](const QString &more) {
+        QString lines = u"SUMMARY:Shift\n"_qs + QLatin1String(firstTimes) + QLatin1String(GetParam().lines);
+        for (const auto &[from, to] : {std::pair(u"20261123T080000"_qs, u"20220101T080000"_qs),
+                                       std::pair(u";COUNT="_qs, u";X-COUNT="_qs),
+                                       // Not so many that they are too many.
+                                       std::pair(u"INTERVAL=20;"_qs, u"INTERVAL=400;"_qs),
+                                       std::pair(u"INTERVAL=90;"_qs, u"INTERVAL=90000;"_qs)})
+            lines.replace(from, to);
+        write(u"Home"_qs, u"shift"_qs, lines + more);
+    };
+    rewrite({});
+    pass();
+    const QStringList before = shown();
+    ASSERT_GE(before.size(), 2);
+    {
+        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
+        const Date start = *rowAt(before.last())->startDate();
+        const auto events = elsewhere.eventsMatchingPredicate(
+            elsewhere.predicateForEventsWithStartDate(start, start + Seconds(1)));
+        ASSERT_FALSE(elsewhere.removeEvent(events.value().front(), EKSpan::ThisEvent, true));
+    }
+    pass();
+    EXPECT_FALSE(shown().contains(before.last()));
+    expectSettled();
+}
+
 TEST_P(AwkwardSeries, OneIsEditedAndOneDeletedWithoutAccess)
 {
     const QStringList before = held();
@@ -261,5 +292,65 @@ TEST_P(AwkwardSeries, AnOccurrenceThatWasMovedElsewhereGetsNoSecondEvent)
 
 INSTANTIATE_TEST_SUITE_P(Kinds, AwkwardSeries, testing::ValuesIn(kinds),
                          [](const auto &one) { return std::string(one.param.name); });
+
+/// Series with more occurrences than anybody can use.
+class EndlessSeries : public CalendarTest
+{
+protected:
+    EndlessSeries()
+    {
+        write(u"Home"_qs, u"minutes"_qs,
+              u"SUMMARY:Minutes\nDTSTART:20200101T000000Z\nDURATION:PT10S\nRRULE:FREQ=MINUTELY\n"_qs);
+        write(u"Home"_qs, u"seconds"_qs,
+              u"SUMMARY:Seconds\nDTSTART:20200101T000000Z\nDURATION:PT1S\nRRULE:FREQ=SECONDLY\n"_qs);
+        write(u"Home"_qs, u"count"_qs,
+              u"SUMMARY:Count\nDTSTART:20000101T000000Z\nRRULE:FREQ=SECONDLY;COUNT=2000000000\n"_qs);
+        write(u"Work"_qs, u"dentist"_qs,
+              u"SUMMARY:Dentist\nDTSTART:20261123T090000Z\nDTEND:20261123T100000Z\n"_qs);
+    }
+    static std::vector<TaskPtr> rowsOf(const QString &title)
+    {
+        std::vector<TaskPtr> found = rows();
+        std::erase_if(found, [&title](const TaskPtr &row) { return row->title() != title; });
+        return found;
+    }
+};
+
+TEST_F(EndlessSeries, LeavesTheRestUsable)
+{
+    QStringList lines;
+    Log::setSink([&lines](const QString &line) { lines.append(line); });
+    const auto begin = std::chrono::steady_clock::now();
+    pass();
+    pass();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+    Log::setSink({});
+    EXPECT_EQ(lines.filter(u"holds too much"_qs).size(), 1) << qPrintable(lines.join(u'\n'));
+    EXPECT_TRUE(lines.filter(u"holds too much"_qs).value(0).contains(u"\"Home\""_qs));
+    EXPECT_THAT(rowsOf(u"Dentist"_qs), SizeIs(1));
+    const auto minutes = rowsOf(u"Minutes"_qs);
+    ASSERT_FALSE(minutes.empty());
+    EXPECT_LT(minutes.size(), 1000U);
+    EXPECT_FALSE(rowsOf(u"Seconds"_qs).empty());
+    EXPECT_GE(minutes.front()->startDate(), localDate(2026, 11, 21, 9, 14)) << "those to come";
+    // One of them is changed alone, as of any series.
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        TaskManager::deleteTasks({minutes.at(5)}, {});
+    }
+    EXPECT_TRUE(files(u"Home"_qs).value(u"minutes.ics"_qs).contains(u"RRULE:FREQ=MINUTELY"_qs));
+    EXPECT_TRUE(files(u"Home"_qs).value(u"minutes.ics"_qs).contains(u"EXDATE"_qs));
+    EXPECT_EQ(rowsOf(u"Minutes"_qs).size(), minutes.size() - 1);
+    // Rows of which the pass sees no event any more stay, as long as the series is there.
+    const FrozenClock later(localDate(2026, 11, 21, 9, 45));
+    pass();
+    EXPECT_TRUE(minutes.front()->context());
+    QFile::remove(folderOf(u"Home"_qs) + u"/minutes.ics"_qs);
+    connectStore();
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+    pass();
+    EXPECT_TRUE(rowsOf(u"Minutes"_qs).empty());
+    EXPECT_THAT(rowsOf(u"Dentist"_qs), SizeIs(1));
+}
 
 } // namespace

@@ -299,4 +299,32 @@ TEST_F(SeriesStories, ASeriesThatBeginsBeyondTheWindowComesWithIt)
     EXPECT_THAT(rows(), SizeIs(3));
 }
 
+TEST_F(SeriesStories, TheRestFromTheSecondOfADaySparesTheFirst)
+{
+    for (const bool isDeletion : {false, true}) {
+        write(u"Home"_qs, u"standup"_qs,
+              u"SUMMARY:Standup\nDTSTART;TZID=Europe/Berlin:20261122T080000\nDURATION:PT15M\n"
+              u"RRULE:FREQ=DAILY;BYHOUR=8,20;COUNT=6\n"_qs);
+        pass();
+        ASSERT_THAT(rows(), SizeIs(6));
+        const TaskPtr first = rows().at(2);
+        ASSERT_EQ(wallClock(*first->startDate()).mid(5, 11), u"11-23 08:00"_qs);
+        if (isDeletion) {
+            const ScriptedAlerts alerts({Alert::secondButton});
+            TaskManager::deleteTasks({rows().at(3)}, {});
+        } else {
+            editSeries(rows().at(3), Span::FutureTasks, [](MVTask &task) { task.title = u"Later"_qs; });
+        }
+        EXPECT_EQ(
+            calendar().filter(u"Standup"_qs),
+            QStringList({u"11-22 08:00 Standup"_qs, u"11-22 20:00 Standup"_qs, u"11-23 08:00 Standup"_qs}));
+        EXPECT_EQ(calendar().filter(u"Later"_qs).size(), isDeletion ? 0 : 3);
+        EXPECT_THAT(rows(), SizeIs(isDeletion ? 3 : 6));
+        EXPECT_TRUE(first->context()) << "its row is the same";
+        pass();
+        expectSettled();
+        ASSERT_FALSE(context().undo());
+    }
+}
+
 } // namespace

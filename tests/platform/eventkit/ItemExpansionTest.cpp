@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 /// Where the occurrences of an iCalendar object lie, seen from Berlin.
 class ItemExpansionTest : public testing::Test
 {
@@ -231,4 +233,34 @@ TEST_F(ItemExpansionTest, AbsurdObjectsEndInNothingOrAnError)
     EXPECT_EQ(inMarch(event("DTSTART:20240330T000000\nRRULE:FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30\n")).size(),
               1);
     EXPECT_EQ(inMarch(event("DTSTART:20240330T000000\nDURATION:P99999999999999999999D\n")).size(), 1);
+}
+
+TEST_F(ItemExpansionTest, SeriesWithoutMeasureAreAnsweredInTime)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    const DateWindow window{localDate(2024, 3, 1), localDate(2025, 3, 1)};
+    const auto seconds = item(event("DTSTART:20100101T000000Z\nRRULE:FREQ=SECONDLY\n"));
+    const auto some = ItemExpansion::occurrences(*seconds, window, 50);
+    EXPECT_FALSE(some.isWhole);
+    EXPECT_EQ(some.found.size(), 50U);
+    EXPECT_EQ(some.found.front().start, window.from);
+    const auto counted = item(event("DTSTART:20100101T000000Z\nRRULE:FREQ=SECONDLY;COUNT=2000000000\n"));
+    EXPECT_FALSE(ItemExpansion::occurrences(*counted, window, 50).isWhole);
+    const auto days = item(event("DTSTART:20240301T000000Z\nRRULE:FREQ=DAILY;COUNT=50\n"));
+    EXPECT_TRUE(ItemExpansion::occurrences(*days, window, 50).isWhole);
+    EXPECT_FALSE(ItemExpansion::occurrences(*days, window, 49).isWhole);
+    // One of 442 millions: only the nearest are looked at.
+    const auto key = static_cast<qint64>(localDate(2024, 3, 1).unixSeconds());
+    EXPECT_TRUE(ItemExpansion::hasOccurrenceBefore(*seconds, key));
+    EXPECT_TRUE(ItemExpansion::hasOther(*seconds, key));
+    EXPECT_EQ(ItemExpansion::first(*seconds)->start, utcDate(2010, 1, 1));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    // What comes first can be a date before the start, or be excluded.
+    const auto earlier = item(event("DTSTART:20240301T090000Z\nRDATE:20230101T090000Z\n"));
+    EXPECT_TRUE(ItemExpansion::hasOccurrenceBefore(*earlier, earlier->master()->key));
+    const auto excluded =
+        item(event("DTSTART:20240301T090000Z\nRRULE:FREQ=YEARLY;COUNT=2\nEXDATE:20240301T090000Z\n"));
+    const auto second = static_cast<qint64>(utcDate(2025, 3, 1, 9).unixSeconds());
+    EXPECT_FALSE(ItemExpansion::hasOccurrenceBefore(*excluded, second));
+    EXPECT_FALSE(ItemExpansion::hasOther(*excluded, second));
 }
