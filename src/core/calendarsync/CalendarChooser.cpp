@@ -138,7 +138,7 @@ CalendarChooser::Emptiness CalendarChooser::emptiness() const
 {
     if (!EventStoreAccess::hasAccesToCalendar())
         return Emptiness::NoAccess;
-    const auto present = EventStoreAccess::eventStore().calendarsForEntityType(EKEntityType::Event);
+    auto present = EventStoreAccess::eventStore().calendarsForEntityType(EKEntityType::Event);
     if (present && present->empty())
         return Emptiness::NoCalendars;
     return content.data.empty() ? Emptiness::Silent : Emptiness::None;

@@ -220,6 +220,18 @@ std::optional<EKEvent> eventOfDate(const std::vector<EKEvent> &events, OptionalD
 
 } // namespace
 
+/// Why an event that is not found may still be there: its calendar is not one of those that can be read now.
+static OptionalError absenceOf(const QString &calendar)
+{
+    const auto isNamed = [&calendar](const EKCalendar &one) {
+        return CalendarCatalogue::identifierOfCalendar(one) == calendar;
+    };
+    if (calendar.isEmpty() || std::ranges::any_of(CalendarCatalogue::getAllAccessCalendars(), isNamed))
+        return std::nullopt;
+    return CalendarError::make(CalendarError::Storage,
+                               QStringLiteral("The calendar %1 is not there at present.").arg(calendar));
+}
+
 OptionalError taskevent::write(EntityTask &row, const EventFields &fields, Span span, OptionalDate day,
                                const QString &identifier)
 {
@@ -229,7 +241,7 @@ OptionalError taskevent::write(EntityTask &row, const EventFields &fields, Span 
         return events.error();
     const auto found = eventOfDate(events.value(), day);
     if (!found && !formerIdentifier.isEmpty())
-        return std::nullopt;
+        return absenceOf(row.typeCalendarID());
     EKEvent event = found ? *found : EKEvent::eventWithEventStore(EventStoreAccess::eventStore());
     if (!found)
         event.calendarItemExternalIdentifier = identifier;
@@ -263,7 +275,7 @@ OptionalError taskevent::remove(const QString &identifier, const QString &calend
                (one.calendar && CalendarCatalogue::identifierOfCalendar(*one.calendar) == calendar);
     };
     if (!event || !isThere(*event))
-        return std::nullopt;
+        return absenceOf(calendar);
     const bool isAlone = event->isOfSeries() && span == Span::ThisTask;
     return EventStoreAccess::eventStore().removeEvent(
         *event, isAlone ? EKSpan::ThisEvent : EKSpan::FutureEvents, true);

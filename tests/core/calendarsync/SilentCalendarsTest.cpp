@@ -86,6 +86,23 @@ TEST_F(SilentCalendars, WhatIsDoneAfterTheyFellSilentReachesThem)
     }
 }
 
+TEST_F(SilentCalendars, WhatIsKeptForLaterWaitsForACalendarThatIsGivenUpMeanwhile)
+{
+    make(draft(u"Edited"_qs, 24, u"Work"_qs));
+    make(draft(u"Deleted"_qs, 24, u"Work"_qs));
+    activate();
+    backend->setSilent(true);
+    rename(rowOf(u"Edited"_qs), u"Anew"_qs);
+    deleteRow(rowOf(u"Deleted"_qs));
+    backend->setSilent(false);
+    choose({u"Home"_qs});
+    activate();
+    EXPECT_EQ(events(), QStringList({u"24 Deleted"_qs, u"24 Edited"_qs}));
+    choose({u"Home"_qs, u"Work"_qs});
+    activate();
+    expectArrived({u"24 Anew"_qs}, {u"24 Anew"_qs});
+}
+
 TEST_F(SilentCalendars, AtAStartTheirTasksAreShown)
 {
     make(draft(u"On a calendar"_qs, 21));

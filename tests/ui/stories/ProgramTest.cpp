@@ -98,7 +98,7 @@ TEST_F(WholeWindowTest, AnAlertThatIsClickedWhileTheWindowIsClosedOpensItsTask)
     delegate->userNotificationCenterDidActivateNotification(task->uri());
     EXPECT_TRUE(window().isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] {
-        const auto *pane = window().findChild<TaskDetailViewController *>();
+        auto *pane = window().findChild<TaskDetailViewController *>();
         return pane && pane->taskForm()->currentTask().task() == task;
     }));
 }
