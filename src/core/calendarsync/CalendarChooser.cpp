@@ -147,10 +147,14 @@ CalendarChooser::Emptiness CalendarChooser::emptiness() const
 bool CalendarChooser::makeCalendar()
 {
     // Those that are remembered have gone, says who wants another one.
+    const std::vector<EKCalendar> known = knowncalendars::read();
     knowncalendars::keep({});
     const auto made = CalendarCatalogue::getCalendar();
-    if (!made)
+    if (!made) {
+        // Their tasks are still shown.
+        knowncalendars::keep(known);
         return false;
+    }
     takeContent();
     for (int row = 0; row < static_cast<int>(content.data.size()); ++row) {
         if (const EKCalendar *calendar = calendarAt(row); calendar && isSameAs(*made)(*calendar))
