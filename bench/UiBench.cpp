@@ -79,17 +79,30 @@ std::pair<Times, Times> framesOf(QAbstractItemView &view)
     return {keys, jumps};
 }
 
+/// A plain list of texts, as long as ours.
+struct BareList
+{
+    BareList()
+    {
+        QStringList rows;
+        for (int row = 0; row < taskCount; ++row)
+            rows.append(QStringLiteral("Row number %1").arg(row));
+        model.setStringList(rows);
+        view.setUniformItemSizes(true);
+        view.setModel(&model);
+        view.resize(800, 640);
+        view.show();
+    }
+
+    QStringListModel model;
+    QListView view;
+};
+
 std::pair<Times, Times> framesOfBareList()
 {
-    QStringList rows;
-    for (int row = 0; row < taskCount; ++row)
-        rows.append(QStringLiteral("Row number %1").arg(row));
-    QStringListModel model(rows);
-    QListView view;
-    view.setUniformItemSizes(true);
-    view.setModel(&model);
-    view.resize(800, 640);
-    view.show();
+    BareList bare;
+    QListView &view = bare.view;
+    QStringListModel &model = bare.model;
     view.setCurrentIndex(model.index(0));
     QApplication::processEvents();
     return framesOf(view);
@@ -106,15 +119,9 @@ MainWindow &mainWindow()
 /// One row changes its place among many, as a bare list of texts shows it.
 Times movesOfBareList()
 {
-    QStringList rows;
-    for (int row = 0; row < taskCount; ++row)
-        rows.append(QStringLiteral("Row number %1").arg(row));
-    QStringListModel model(rows);
-    QListView view;
-    view.setUniformItemSizes(true);
-    view.setModel(&model);
-    view.resize(800, 640);
-    view.show();
+    BareList bare;
+    QListView &view = bare.view;
+    QStringListModel &model = bare.model;
     QApplication::processEvents();
     return timesOf([&](int round) {
         model.moveRow({}, round * 31, {}, taskCount / 2);
