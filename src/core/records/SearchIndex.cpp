@@ -157,6 +157,35 @@ void deleteRowsOf(const std::vector<ObjectPtr> &objects)
     deleteThem();
 }
 
+/// Adds the rows that a record lacks, and those that it should not have to `stale`.
+void bringUpToDate(const ObjectPtr &object, std::vector<RowId> &stale)
+{
+    if (!object || !object->context() || !isIndexed(*object))
+        return;
+    const QString uri = object->uri();
+    const QStringList texts = textsOf(*object);
+    std::unordered_map<QString, int> missing;
+    for (const QString &text : texts)
+        ++missing[text];
+    mainContext().visit(rowsOf(uri), {"string"}, [&](const RowReader &row) {
+        const auto found = missing.find(row.text(0));
+        if (found == missing.end() || found->second == 0)
+            stale.push_back(row.rowId());
+        else
+            --found->second;
+    });
+    for (const QString &text : texts) {
+        if (missing[text]-- > 0)
+            SearchIndex::insertEntitySearchIndexString(text, uri);
+    }
+}
+
+void takeOut(std::vector<RowId> stale)
+{
+    if (!stale.empty())
+        mainContext().deleteRows(EntitySearchIndex::fetchRequest().among(std::move(stale)));
+}
+
 } // namespace
 
 void SearchIndex::follow(const StoreChanges &changes)
@@ -164,10 +193,12 @@ void SearchIndex::follow(const StoreChanges &changes)
     for (const ObjectPtr &object : changes.inserted)
         addIndexWithObject(object);
     deleteRowsOf(changes.deleted);
+    std::vector<RowId> stale;
     for (const StoreChanges::Update &update : changes.updated) {
         if (canHaveOtherTexts(update))
-            updateIndexWithObject(update.object);
+            bringUpToDate(update.object, stale);
     }
+    takeOut(std::move(stale));
 }
 
 void SearchIndex::insertEntitySearchIndexString(const QString &string, const QString &atObjectId)
@@ -197,25 +228,7 @@ void SearchIndex::deleteIndexWithObjects(const ObjectPtr &object)
 
 void SearchIndex::updateIndexWithObject(const ObjectPtr &object)
 {
-    if (!object || !object->context() || !isIndexed(*object))
-        return;
-    const QString uri = object->uri();
-    const QStringList texts = textsOf(*object);
-    std::unordered_map<QString, int> missing;
-    for (const QString &text : texts)
-        ++missing[text];
-    std::vector<QString> stale;
-    mainContext().visit(rowsOf(uri), {"id", "string"}, [&](const RowReader &row) {
-        const auto found = missing.find(row.text(1));
-        if (found == missing.end() || found->second == 0)
-            stale.push_back(row.text(0));
-        else
-            --found->second;
-    });
-    for (const QString &row : stale)
-        mainContext().deleteObject(mainContext().object(EntitySearchIndex::entityName, row));
-    for (const QString &text : texts) {
-        if (missing[text]-- > 0)
-            insertEntitySearchIndexString(text, uri);
-    }
+    std::vector<RowId> stale;
+    bringUpToDate(object, stale);
+    takeOut(std::move(stale));
 }

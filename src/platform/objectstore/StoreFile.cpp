@@ -85,15 +85,24 @@ QByteArray missingJoinTable(sqlite::Database &database, const EntityDescription 
            quoted(relationship.destination) + "); DROP TABLE " + former + ';';
 }
 
-QByteArray createIndexes(const EntityDescription &entity)
+/// Makes the indexes that are missing or that a former version defined otherwise.
+QByteArray missingIndexes(sqlite::Database &database, const EntityDescription &entity)
 {
+    const auto bytes = [](std::string_view text) {
+        return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+    };
     QByteArray sql;
     for (const IndexDescription &index : entity.indexes()) {
-        sql += "CREATE INDEX IF NOT EXISTS " + quoted(index.name) + " ON " + quoted(entity.name()) + " (" +
-               QByteArray(index.columns.data(), static_cast<qsizetype>(index.columns.size())) + ')';
+        const QByteArray name = quoted(index.name);
+        QByteArray wanted =
+            "CREATE INDEX " + name + " ON " + quoted(entity.name()) + " (" + bytes(index.columns) + ')';
         if (!index.where.empty())
-            sql += " WHERE " + QByteArray(index.where.data(), static_cast<qsizetype>(index.where.size()));
-        sql += ';';
+            wanted += " WHERE " + bytes(index.where);
+        sqlite::Statement present =
+            database.prepare("SELECT sql FROM sqlite_master WHERE type = 'index' AND name = ?");
+        present.bind(QString::fromUtf8(bytes(index.name)));
+        if (!present.step() || present.text(0).toUtf8() != wanted)
+            sql += "DROP INDEX IF EXISTS " + name + ';' + wanted + ';';
     }
     return sql;
 }
@@ -269,7 +278,7 @@ OptionalError migrate(sqlite::Database &database, const ManagedObjectModel &mode
             if (relationship.cardinality == Cardinality::ToManyOwningJoin)
                 sql += missingJoinTable(database, entity, relationship);
         }
-        sql += createIndexes(entity);
+        sql += missingIndexes(database, entity);
         if (const auto index = SubstringIndex::of(entity))
             sql += index->create(database);
     }

@@ -65,6 +65,18 @@ TEST_F(Migration, addsWhatAnOlderModelLeftOut)
     EXPECT_FALSE(ManagedObjectContext::open(library.path(), oldModel())) << "the older program keeps away";
 }
 
+TEST_F(Migration, makesAnIndexAnewThatIsDefinedOtherwiseNowAndKeepsOthers)
+{
+    makeByHand("");
+    library.open(oldModel());
+    library.close();
+    library.elsewhere("CREATE INDEX Book_byTitle ON Book (title COLLATE NOCASE, id);"
+                      "CREATE INDEX handmade ON Book (title DESC)");
+    library.reopen();
+    EXPECT_EQ(answer("SELECT name FROM pragma_index_info('Book_byTitle')"), QStringLiteral("title"));
+    EXPECT_EQ(answer("SELECT COUNT(*) FROM sqlite_master WHERE name = 'handmade'"), QStringLiteral("1"));
+}
+
 TEST_F(Migration, changesNothingUnlessAllOfItSucceeds)
 {
     makeByHand("CREATE TABLE Book (id TEXT PRIMARY KEY, title TEXT); INSERT INTO Book VALUES ('1', 'Emma');"

@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 3;
+constexpr int modelVersion = 4;
 
 template <typename Entity>
 EntityDescription describe()
@@ -46,17 +46,17 @@ EntityDescription describeTask()
          "\"status\" IS NOT 3 AND \"dueSomeDay\" = 1"},
         {"EntityTask_done", "\"expirationDate\", \"status\", \"typeCalendarID\"",
          "\"status\" = 3 AND \"expirationDate\" IS NOT NULL"},
-        // Look-ups.
+        // Look-ups. The titles are what a project, a contact and a company have in the search index.
         {"EntityTask_byTitle", "\"title\""},
         {"EntityTask_byCalendarItem", "\"calendarID\"", "\"calendarID\" IS NOT NULL"},
         {"EntityTask_onCalendar", "\"typeCalendarID\"", "\"typeCalendarID\" IS NOT NULL"},
         {"EntityTask_withAlert", "\"alert\"", "\"alert\" IS NOT NULL"},
         {"EntityTask_withReminder", "\"remindID\"", "\"remindID\" IS NOT NULL"},
         {"EntityTask_category", "\"category\", \"status\", \"typeCalendarID\"", "\"category\" IS NOT NULL"},
-        {"EntityTask_delegate", "\"delegateToUser\", \"status\", \"typeCalendarID\"",
+        {"EntityTask_delegate", "\"delegateToUser\", \"status\", \"typeCalendarID\", \"title\"",
          "\"delegateToUser\" IS NOT NULL"},
-        {"EntityTask_project", "\"project\"", "\"project\" IS NOT NULL"},
-        {"EntityTask_company", "\"company\"", "\"company\" IS NOT NULL"},
+        {"EntityTask_project", "\"project\", \"title\"", "\"project\" IS NOT NULL"},
+        {"EntityTask_company", "\"company\", \"title\"", "\"company\" IS NOT NULL"},
         {"EntityTask_location", "\"location\"", "\"location\" IS NOT NULL"},
     });
 }
@@ -92,7 +92,7 @@ std::vector<EntityDescription> describeEntities()
         describe<EntityLocation>(),
         describe<EntityNote>().followingLinks().indexedBy({{"EntityNote_contact", "\"contact\""}}),
         describe<EntitySearchIndex>().derived().substringIndexed("string").indexedBy(
-            {{"EntitySearchIndex_object", "\"objectId\""}}),
+            {{"EntitySearchIndex_object", "\"objectId\", \"string\""}}),
     };
 }
 
