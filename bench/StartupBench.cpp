@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
 #include <vector>
 
 namespace {
@@ -88,16 +89,17 @@ void print(const char *what, const Reading &reading, const Reading &trivial)
 
 } // namespace
 
-/// Start to painted window of the program with an empty store and with 100,000 tasks, against a trivial
-/// window, in turn.
+/// Start to painted window of the program with an empty store and with a full one, against a trivial window,
+/// in turn. The argument says how many tasks are full, 100,000 if there is none.
 int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     const QString folder = QCoreApplication::applicationDirPath();
+    const int tasks = application.arguments().value(1, QStringLiteral("100000")).toInt();
     const QTemporaryDir emptyHome;
     const QTemporaryDir fullHome;
     QDir(fullHome.path()).mkpath(QStringLiteral("data/Morvane"));
-    generateStore(fullHome.filePath(QStringLiteral("data/Morvane/Model0.sqlite")), 100000, 1);
+    generateStore(fullHome.filePath(QStringLiteral("data/Morvane/Model0.sqlite")), tasks, 1);
     const QString trivial = folder + QStringLiteral("/trivial-window");
     const QString program = folder + QStringLiteral("/program-window");
     std::vector<Reading> trivialReadings, emptyReadings, fullReadings;
@@ -115,6 +117,6 @@ int main(int argc, char *argv[])
     const Reading base = median(trivialReadings);
     print("trivial window", base, base);
     print("program, empty store", median(emptyReadings), base);
-    print("program, 100,000 tasks", median(fullReadings), base);
+    print(("program, " + std::to_string(tasks) + " tasks").c_str(), median(fullReadings), base);
     return 0;
 }
