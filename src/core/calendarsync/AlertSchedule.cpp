@@ -1,9 +1,12 @@
 #include "calendarsync/AlertSchedule.h"
 
 #include "calendarsync/EventStoreAccess.h"
+#include "foundation/Clock.h"
+#include "foundation/UserDefaults.h"
 #include "records/copies/TaskColumns.h"
 #include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
+#include "store/state/SettingsKeys.h"
 #include "usernotifications/UserNotificationCenter.h"
 
 #include <QSet>
@@ -24,10 +27,12 @@ class Schedule
 public:
     std::vector<UserNotification> of(const EntityTask &task)
     {
-        const bool isSilent = task.status() == TaskStatus::Done || (!task.alert() && !task.secondAlert());
-        if (isSilent || (!task.calendarID().isEmpty() && calendarsRing()))
-            return {};
-        return task.newLocalNotification();
+        return isSilent(task) ? std::vector<UserNotification>() : task.newLocalNotification();
+    }
+    bool isSilent(const EntityTask &task)
+    {
+        return task.status() == TaskStatus::Done || (!task.alert() && !task.secondAlert()) ||
+               (!task.calendarID().isEmpty() && calendarsRing());
     }
 
 private:
@@ -87,6 +92,39 @@ void rebuild()
             std::ranges::move(schedule.of(*task), std::back_inserter(all));
     }
     center().setScheduledNotifications(std::move(all));
+}
+
+void catchUp()
+{
+    const OptionalDate from = UserDefaults::standard().date(settings::alertsRungUntil);
+    const Date now = Clock::now();
+    if (!from || *from >= now)
+        return;
+    const auto isScheduled = [](const UserNotification &missed) {
+        return std::ranges::any_of(center().scheduledNotifications(), [&missed](const UserNotification &one) {
+            return one.userInfo == missed.userInfo && one.deliveryDate == missed.deliveryDate;
+        });
+    };
+    std::vector<UserNotification> unseen;
+    Schedule schedule;
+    const auto request = EntityTask::fetchRequest().where(
+        Predicate::format("((alert > %@ and alert < %@) or (secondAlert > %@ and secondAlert < %@)) and "
+                          "status != %d",
+                          *from, now, *from, now, TaskStatus::Done));
+    for (const TaskPtr &task : mainContext().fetch<EntityTask>(request)) {
+        if (!task || schedule.isSilent(*task))
+            continue;
+        for (const UserNotification &missed : task->localNotifications(*from)) {
+            if (missed.deliveryDate < now && !isScheduled(missed))
+                unseen.push_back(missed);
+        }
+    }
+    center().addScheduledNotifications(unseen);
+}
+
+void noteRung()
+{
+    UserDefaults::standard().setObject(settings::alertsRungUntil, QVariant::fromValue(Clock::now()));
 }
 
 } // namespace AlertSchedule

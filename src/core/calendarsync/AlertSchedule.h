@@ -13,5 +13,10 @@ namespace AlertSchedule {
 void follow(const StoreChanges &changes);
 /// All tasks anew, after something that decides who rings has changed. What is due by now still appears.
 void rebuild();
+/// Schedules what should have appeared since the last `noteRung` and stands in no list: the list can be lost,
+/// and another program can write tasks while this one does not run. Nothing where it was never noted.
+void catchUp();
+/// Everything up to now has appeared.
+void noteRung();
 
 } // namespace AlertSchedule

@@ -101,8 +101,12 @@ void AppDelegate::startUserNotifications(std::unique_ptr<NotificationPresenter> 
         startMainWindow();
         userNotificationCenterDidActivateNotification(clicked.userInfo.value(QStringLiteral("TASK_ID_KEY")));
     });
+    center.setDeliveryHandler([] { AlertSchedule::noteRung(); });
+    if (!DBWorker::isSample())
+        AlertSchedule::catchUp();
     center.setPresenter(std::move(presenter));
     center.deliverMissed(digestOf);
+    AlertSchedule::noteRung();
 }
 
 void AppDelegate::registerObservers()
@@ -121,6 +125,8 @@ void AppDelegate::applicationDidResignActive()
                        yesOrNo(CalendarEvent::hasAccesToCalendar()));
     badgeUpdata();
     DBWorker::saveOrTell(DBWorker::Occasion::Program);
+    if (!DBWorker::isSample())
+        AlertSchedule::noteRung();
 }
 
 bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud)
@@ -229,5 +235,7 @@ void AppDelegate::applicationWillTerminate()
     // What fails now the user has heard of, or nobody can be told.
     DBWorker::saveContext().ignore();
     CalendarOutbox::carryOutFor(managedObjectContext(), patienceAtQuit);
+    if (!DBWorker::isSample())
+        AlertSchedule::noteRung();
     UserDefaults::standard().synchronize();
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The clock can be set and the machine can sleep, which no timer notices.
+/// For systems on which nobody tells that the clock was set.
 constexpr Seconds longestWait{60.0};
 
 } // namespace
@@ -33,6 +33,13 @@ void UserNotificationCenter::setScheduledNotifications(std::vector<UserNotificat
     else
         scheduled.insert(scheduled.begin(), due.begin(), due.end());
     if (scheduled != former)
+        changed();
+}
+
+void UserNotificationCenter::addScheduledNotifications(const std::vector<UserNotification> &notifications)
+{
+    scheduled.insert(scheduled.end(), notifications.begin(), notifications.end());
+    if (!notifications.empty())
         changed();
 }
 
@@ -68,7 +75,9 @@ void UserNotificationCenter::close()
     scheduled.clear();
     filePath.clear();
     presenter.reset();
+    clockWatch.reset();
     activated = nullptr;
+    delivered = nullptr;
     isUnseen = false;
     reported.clear();
     armed.reset();
@@ -78,6 +87,7 @@ void UserNotificationCenter::setPresenter(std::unique_ptr<NotificationPresenter>
 {
     presenter = std::move(newPresenter);
     isUnseen = false;
+    clockWatch = presenter ? std::make_unique<ClockWatch>([this] { deliverDue(); }) : nullptr;
     arm();
 }
 
@@ -138,6 +148,14 @@ void UserNotificationCenter::presentEach(const std::vector<UserNotification> &du
     isUnseen = false;
     for (const UserNotification &one : due)
         present(one, one, {one});
+    if (!due.empty())
+        tellOfDelivery();
+}
+
+void UserNotificationCenter::tellOfDelivery() const
+{
+    if (delivered)
+        delivered();
 }
 
 /// They are tried again after a while, and else are missed ones at the next start.
@@ -172,6 +190,8 @@ void UserNotificationCenter::deliverMissed(
         presentEach(missed);
     else
         present(digest(missed), {}, missed);
+    if (missed.size() > 1)
+        tellOfDelivery();
     if (!missed.empty())
         changed();
 }

@@ -4,6 +4,7 @@
 
 #include "store/state/NotificationNames.h"
 #include "support/FullDisk.h"
+#include "support/OtherProgram.h"
 #include "usernotifications/UserNotificationCenter.h"
 
 #include <QCoreApplication>
@@ -34,6 +35,22 @@ public:
 
 private:
     Record &record;
+};
+
+/// Writes down what appears.
+class NotingPresenter : public NotificationPresenter
+{
+public:
+    explicit NotingPresenter(QStringList &shownTexts)
+        : texts(shownTexts)
+    {}
+    void present(const UserNotification &notification, Outcome) override
+    {
+        texts.append(notification.subtitle);
+    }
+
+private:
+    QStringList &texts;
 };
 
 class Life : public CoreTest
@@ -133,6 +150,55 @@ TEST_F(Life, EveryAlertIsScheduledWithItsSave)
         notifications::clickTableSearch, [&clicked](const ObjectPtr &one) { clicked = one; });
     delegate->userNotificationCenterDidActivateNotification(scheduled[0].userInfo.value(u"TASK_ID_KEY"_qs));
     EXPECT_EQ(clicked, DBWorker::getFirstTaskByTitle(u"one"_qs));
+}
+
+TEST_F(Life, AnAlertRingsOnceWhateverBecomesOfTheListOfScheduledOnes)
+{
+    const QString list = FileManager::appFolderURL() + u"/Notifications.json"_qs;
+    QStringList shown;
+    const auto connect = [&] {
+        delegate->startUserNotifications(std::make_unique<NotingPresenter>(shown));
+        return std::exchange(shown, {});
+    };
+    const auto clockAt = [](int hour, int minute) {
+        Clock::setSource([now = localDate(2026, 11, 21, hour, minute)] { return now; });
+    };
+    EXPECT_EQ(connect(), QStringList());
+    const TaskPtr seen = add(u"seen"_qs);
+    seen->setAlert(localDate(2026, 11, 21, 10));
+    const TaskPtr missed = add(u"missed"_qs);
+    missed->setAlert(localDate(2026, 11, 21, 11));
+    missed->setSecondAlert(localDate(2026, 11, 21, 16));
+    const TaskPtr done = add(u"done"_qs);
+    done->setAlert(localDate(2026, 11, 21, 11));
+    done->setStatus(TaskStatus::Done);
+    EXPECT_FALSE(DBWorker::saveContext());
+    clockAt(10, 1);
+    UserNotificationCenter::defaultUserNotificationCenter().deliverDue();
+    EXPECT_EQ(std::exchange(shown, {}), QStringList(u"seen"_qs));
+
+    // Killed, so to speak: nothing is told of the end.
+    delegate.reset();
+    UserNotificationCenter::defaultUserNotificationCenter().close();
+    ASSERT_TRUE(QFile::remove(list));
+    writeElsewhere(storePath(), "INSERT INTO EntityTask (id, title, type, status, dueSomeDay, alert) SELECT "
+                                "'other', 'from elsewhere', 0, 0, 0, alert + 1800 FROM EntityTask WHERE "
+                                "title = 'missed'");
+    clockAt(12, 0);
+    launch();
+    const QStringList digest = connect();
+    ASSERT_EQ(digest.size(), 1);
+    EXPECT_TRUE(digest.first().startsWith(u"2 alerts"_qs)) << digest.first().toStdString();
+    EXPECT_TRUE(digest.first().contains(u"missed, from elsewhere"_qs)) << digest.first().toStdString();
+    quit();
+    UserNotificationCenter::defaultUserNotificationCenter().close();
+    clockAt(12, 30);
+    launch();
+    EXPECT_EQ(connect(), QStringList());
+    delegate->applicationDidBecomeActive();
+    clockAt(16, 1);
+    UserNotificationCenter::defaultUserNotificationCenter().deliverDue();
+    EXPECT_EQ(shown, QStringList(u"missed"_qs)) << "its second alert";
 }
 
 TEST_F(Life, SettingsAreComputedAtEachRead)

@@ -86,6 +86,27 @@ TEST_F(UserNotifications, AppearOnTimeAndTellOfTheirClick)
     EXPECT_TRUE(becomes([this] { return bodies().contains(u"later"_qs); }));
 }
 
+/// Needs the right to set the clock, and somebody who wants that; it is set to what it is.
+TEST_F(UserNotifications, AppearAtOnceWhenTheClockJumps)
+{
+    if (!qEnvironmentVariableIsSet("MORVANE_MAY_SET_CLOCK"))
+        GTEST_SKIP() << "MORVANE_MAY_SET_CLOCK is not set";
+    const FrozenClock clock(now);
+    connectToDesktop();
+    center.setScheduledNotifications({message(u"later"_qs, now + Seconds(3600))});
+    const FrozenClock anHourLater(now + Seconds(3601));
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    EXPECT_TRUE(server.shown.isEmpty());
+    for (int jump = 1; jump <= 2; ++jump) {
+        timespec present = {};
+        clock_gettime(CLOCK_REALTIME, &present);
+        ASSERT_EQ(clock_settime(CLOCK_REALTIME, &present), 0);
+        ASSERT_TRUE(becomes([this, jump] { return server.shown.size() == jump; })) << "jump " << jump;
+        center.addScheduledNotifications({message(u"again"_qs, now + Seconds(7200))});
+        Clock::setSource([this] { return now + Seconds(7201); });
+    }
+}
+
 TEST_F(UserNotifications, AreKeptInTheirFileAndMissedOnesAppearAsOne)
 {
     const FrozenClock clock(now);

@@ -20,9 +20,14 @@ const QString &EntityTask::taskIdKey()
 
 std::vector<UserNotification> EntityTask::newLocalNotification() const
 {
+    return localNotifications(Clock::now());
+}
+
+std::vector<UserNotification> EntityTask::localNotifications(Date from) const
+{
     std::vector<UserNotification> notifications;
     for (const OptionalDate &moment : {alert(), secondAlert()}) {
-        if (moment && *moment >= Clock::now())
+        if (moment && *moment >= from)
             notifications.push_back({QStringLiteral("Morvane"),
                                      title(),
                                      *moment,

@@ -47,6 +47,8 @@ public:
     static FetchRequest fetchRequest() { return FetchRequest(entityName); }
     /// A message for each alert that is not past yet.
     std::vector<UserNotification> newLocalNotification() const;
+    /// The same for the alerts from a moment on.
+    std::vector<UserNotification> localNotifications(Date from) const;
     /// Takes the task's messages out of the list of those to appear.
     void removeNotifications() const;
     /// Under which such a message keeps the URI of its task.

@@ -43,6 +43,8 @@ inline const QString isAccessToCalendar = QStringLiteral("isAccessToCalendar");
 inline const QString isiCloudCalendars = QStringLiteral("isiCloudCalendars");
 inline const QString isAccesToCalendarForDidEnterBackground =
     QStringLiteral("isAccesToCalendarForDidEnterBackground");
+/// Up to when the alerts of tasks have appeared.
+inline const QString alertsRungUntil = QStringLiteral("alertsRungUntil");
 inline const QString applicationDidBecomeActive = QStringLiteral("applicationDidBecomeActive");
 
 } // namespace settings

@@ -24,7 +24,8 @@ bool EdsBackend::isAvailable()
 }
 
 EdsBackend::EdsBackend()
-    : patience(std::make_unique<EdsPatience>())
+    : bus(std::make_unique<EdsBus>())
+    , patience(std::make_unique<EdsPatience>())
     , registry(std::make_unique<EdsRegistry>(*patience, [this] { checkSoon(); }))
     , nextAttempt(firstAttempt)
 {
@@ -33,6 +34,11 @@ EdsBackend::EdsBackend()
 }
 
 EdsBackend::~EdsBackend() = default;
+
+bool EdsBackend::ringsAlarms() const
+{
+    return bus->isAlarmServiceRunning();
+}
 
 void EdsBackend::checkSoon()
 {

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 
+class EdsBus;
 class EdsCalendar;
 class EdsPatience;
 class EdsRegistry;
@@ -27,7 +28,8 @@ public:
     EdsBackend();
     ~EdsBackend() override;
 
-    bool ringsAlarms() const override { return true; }
+    /// The daemon itself rings nothing; a service of the desktop does, which is not started everywhere.
+    bool ringsAlarms() const override;
     Result<std::vector<EKSource>> sources() override;
     Result<std::vector<EKCalendar>> calendars() override;
     std::optional<QString> defaultCalendar(EKEntityType entityType) override;
@@ -56,6 +58,7 @@ private:
     void checkSoon();
     void check();
 
+    std::unique_ptr<EdsBus> bus;
     std::unique_ptr<EdsPatience> patience;
     std::unique_ptr<EdsRegistry> registry;
     std::map<QString, std::unique_ptr<EdsCalendar>> calendarsByIdentifier;

@@ -28,14 +28,14 @@ OptionalError EdsBus::connect()
 }
 
 GlibVariant EdsBus::call(const QByteArray &service, const char *path, const char *interfaceName,
-                         const char *method, const char *replyType, GlibFailure &failure)
+                         const char *method, const char *replyType, GlibFailure &failure, GVariant *arguments)
 {
     constexpr int limit = static_cast<int>(EdsTimeLimit::forReading.count());
     const std::unique_ptr<GVariantType, void (*)(GVariantType *)> type(g_variant_type_new(replyType),
                                                                        g_variant_type_free);
     return GlibVariant(g_dbus_connection_call_sync(connection.get(), service.constData(), path, interfaceName,
-                                                   method, nullptr, type.get(), G_DBUS_CALL_FLAGS_NONE, limit,
-                                                   nullptr, failure.out()));
+                                                   method, arguments, type.get(), G_DBUS_CALL_FLAGS_NONE,
+                                                   limit, nullptr, failure.out()));
 }
 
 /// The name ends with a number that changes with the version of the daemon.
@@ -92,4 +92,18 @@ Result<QSet<QString>> EdsBus::sources()
     }
     // A daemon that works has some of its own.
     return found.isEmpty() ? Result<QSet<QString>>(unreachable(QStringLiteral("it has nothing"))) : found;
+}
+
+bool EdsBus::isAlarmServiceRunning()
+{
+    if (connect())
+        return false;
+    GlibFailure failure;
+    const GlibVariant reply =
+        call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner", "(b)",
+             failure, g_variant_new("(s)", "org.gnome.Evolution-alarm-notify"));
+    gboolean isRunning = FALSE;
+    if (reply)
+        g_variant_get(reply.get(), "(b)", &isRunning);
+    return isRunning == TRUE;
 }

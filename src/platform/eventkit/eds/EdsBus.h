@@ -12,11 +12,14 @@ public:
     /// The identifiers of all sources that the daemon has now; it is started if it does not run. Storage if
     /// that cannot be done, or there is no such daemon.
     Result<QSet<QString>> sources();
+    /// Whether the desktop's service runs that rings the alarms of the daemon's calendars.
+    bool isAlarmServiceRunning();
 
 private:
     OptionalError connect();
     GlibVariant call(const QByteArray &service, const char *path, const char *interfaceName,
-                     const char *method, const char *replyType, GlibFailure &failure);
+                     const char *method, const char *replyType, GlibFailure &failure,
+                     GVariant *arguments = nullptr);
     QByteArray findRegistry();
 
     GlibObject<GDBusConnection> connection;

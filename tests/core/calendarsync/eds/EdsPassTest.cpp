@@ -3,13 +3,16 @@
 #include "CoreTest.h"
 
 #include "DesktopDaemon.h"
+#include "calendarsync/AlertSchedule.h"
 #include "calendarsync/CalendarEvent.h"
 #include "eventkit/eds/EdsBackend.h"
 #include "store/entities/MainContext.h"
 #include "store/state/SettingsKeys.h"
+#include "usernotifications/UserNotificationCenter.h"
 #include "workspace/PlatformConfiguration.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
 
 #include <csignal>
 
@@ -122,6 +125,26 @@ TEST_F(EdsPassTest, ADaemonThatIsKilledInAPassCostsNoRow)
     }
     pass();
     EXPECT_EQ(linkedRows(), before + late) << "started again, it has lost nothing either";
+}
+
+TEST_F(EdsPassTest, AlertsRingHereWhileTheDesktopsAlarmServiceDoesNotRun)
+{
+    UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
+    const TaskPtr task = mainContext().fetch<EntityTask>(EntityTask::fetchRequest()).first();
+    ASSERT_FALSE(task->calendarID().isEmpty());
+    task->setAlert(localDate(2026, 11, 22, 8));
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(center.scheduledNotifications().size(), 1u) << "nobody else would";
+
+    const QString service = u"org.gnome.Evolution-alarm-notify"_qs;
+    QDBusConnection desktop = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"desktop"_qs);
+    ASSERT_TRUE(desktop.registerService(service));
+    AlertSchedule::rebuild();
+    EXPECT_TRUE(center.scheduledNotifications().empty()) << "it would ring twice";
+    ASSERT_TRUE(desktop.unregisterService(service));
+    QDBusConnection::disconnectFromBus(u"desktop"_qs);
+    AlertSchedule::rebuild();
+    EXPECT_EQ(center.scheduledNotifications().size(), 1u);
 }
 
 TEST_F(EdsPassTest, ADaemonThatHangsInAPassIsNoAccess)
