@@ -60,3 +60,11 @@ bool StoreReader::visitRow(std::string_view entity, const QString &identifier,
                             quoted(objectModel.requireEntity(entity).name()) + " row WHERE row.\"id\" = ?";
     return run({text, {Value(identifier)}}, visitor);
 }
+
+std::optional<int> StoreReader::count(const FetchRequest &request)
+{
+    std::optional<int> rows;
+    const bool isDone = run(fetchsql::select(objectModel, request, "COUNT(*)"),
+                            [&rows](const RowReader &row) { rows = static_cast<int>(row.rowId()); });
+    return isDone ? rows : std::nullopt;
+}

@@ -29,6 +29,9 @@ public:
     bool visitRow(std::string_view entity, const QString &identifier, const std::vector<std::string> &columns,
                   const std::function<void(const RowReader &)> &visitor);
 
+    /// How many rows a request finds; absent if the query failed or was cancelled.
+    std::optional<int> count(const FetchRequest &request);
+
 private:
     StoreReader(std::unique_ptr<sqlite::Database> opened, const ManagedObjectModel &model,
                 const std::atomic<bool> &cancelled);

@@ -33,6 +33,7 @@ MainWindowController::MainWindowController()
     , sidebar(new SidebarModel(this))
     , actions(new Actions(this))
     , details(std::make_unique<DetailStack>(*mainWindow->rightContentView()))
+    , badges([this](const TaskBadges &counted) { sidebar->setBadges(counted); })
 {
     bindActions();
     bindLists();
@@ -185,7 +186,7 @@ void MainWindowController::groupRenamed(const std::shared_ptr<EntityContactGroup
 
 void MainWindowController::countTasksBadge()
 {
-    sidebar->setBadges(DBWorker::taskBadges());
+    badges.count();
 }
 
 /// The row that was selected, if it is still there.

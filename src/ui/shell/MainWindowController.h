@@ -6,6 +6,7 @@
 #include "foundation/NotificationCenter.h"
 #include "shell/SidebarModel.h"
 #include "shell/TabsViewController.h"
+#include "store/queries/BackgroundBadges.h"
 
 #include <QObject>
 #include <QPointer>
@@ -118,6 +119,7 @@ private:
     QPointer<WindowNewTask> windowNewTask;
     QPointer<CalendarsAppleWindowController> windowCalendars;
     QPointer<MVSetiingsCalendarController> windowSettings;
+    BackgroundBadges badges;
     QTimer badgeRecount;
     std::optional<RepeatingTimer> badgeTimer;
     std::vector<Observation> observations;

@@ -33,6 +33,16 @@ struct TaskBadges
     bool operator==(const TaskBadges &) const = default;
 };
 
+/// One of the counts that the badges are made of, along a range of an index. Several add up to one number.
+struct BadgePart
+{
+    Badge TaskBadges::*badge;
+    int Badge::*number;
+    FetchRequest request;
+
+    int &of(TaskBadges &badges) const { return badges.*badge.*number; }
+};
+
 /// The query layer: every list on the screen is one of its fetches. Stateless; main thread only.
 ///
 /// Lists of tasks leave out what lies on calendars that the user cannot see, except in the sample store. A
@@ -164,6 +174,8 @@ public:
     static int countStaleTasks();
     /// All badges of the sidebar's task rows.
     static TaskBadges taskBadges();
+    /// What they count at this moment; `BackgroundBadges` counts it on another thread.
+    static std::vector<BadgePart> badgeParts();
 
     /// Takes out the tasks on calendars that the user cannot see.
     static std::vector<TaskPtr> hideNotAccessTasksFromArray(std::vector<TaskPtr> tasks);

@@ -11,28 +11,6 @@
 
 namespace {
 
-/// Counts among the tasks that the user can see, which is found out once.
-class Counter
-{
-public:
-    int count(const Predicate &condition) const
-    {
-        return mainContext().count(EntityTask::fetchRequest().where(condition && visible));
-    }
-    /// How many pass one of several conditions that exclude each other. Each is counted for itself, along a
-    /// range of an index.
-    int count(const std::vector<Predicate> &parts) const
-    {
-        int sum = 0;
-        for (const Predicate &part : parts)
-            sum += count(part);
-        return sum;
-    }
-
-private:
-    Predicate visible = tasklists::visibleTasks();
-};
-
 std::vector<Predicate> each(const std::vector<Predicate> &parts, const Predicate &condition)
 {
     std::vector<Predicate> all;
@@ -85,17 +63,6 @@ std::vector<Predicate> somedayParts()
         openTasks() && Predicate::format("dueSomeDay = %@", true));
 }
 
-Badge todayBadge(const Counter &counter)
-{
-    const Lateness lateness;
-    Badge badge;
-    for (const TypePart &part : todayParts(MVDate::getEndOfDay(MVDate::date()))) {
-        badge.right += counter.count(part.condition);
-        badge.left += counter.count(part.condition && lateness.isLate(part.type));
-    }
-    return badge;
-}
-
 /// The open tasks that are late, by type; what is none of the types counts as a ToDo.
 std::vector<Predicate> openLateParts()
 {
@@ -114,7 +81,11 @@ std::vector<Predicate> openLateParts()
 
 int DBWorker::countStaleTasks()
 {
-    return Counter().count(openLateParts());
+    const Predicate visible = tasklists::visibleTasks();
+    int count = 0;
+    for (const Predicate &part : openLateParts())
+        count += mainContext().count(EntityTask::fetchRequest().where(part && visible));
+    return count;
 }
 
 TaskList DBWorker::allDelayTasks()
@@ -127,19 +98,37 @@ TaskList DBWorker::allDelayTasks()
     return tasklists::list(std::move(rows));
 }
 
+std::vector<BadgePart> DBWorker::badgeParts()
+{
+    const Predicate visible = tasklists::visibleTasks();
+    std::vector<BadgePart> parts;
+    const auto add = [&](Badge TaskBadges::*badge, const Predicate &condition,
+                         int Badge::*number = &Badge::right) {
+        parts.push_back({badge, number, EntityTask::fetchRequest().where(condition && visible)});
+    };
+    const Date endOfToday = MVDate::getEndOfDay(MVDate::date());
+    const Lateness lateness;
+    add(&TaskBadges::inbox, tasklists::inbox().base);
+    for (const TypePart &part : todayParts(endOfToday)) {
+        add(&TaskBadges::today, part.condition);
+        add(&TaskBadges::today, part.condition && lateness.isLate(part.type), &Badge::left);
+    }
+    for (const Predicate &part : scheduledParts(endOfToday))
+        add(&TaskBadges::scheduled, part);
+    for (const Predicate &part : somedayParts())
+        add(&TaskBadges::someday, part);
+    add(&TaskBadges::categories, openTasks() && Predicate::format("category != nil"));
+    add(&TaskBadges::delegated, openTasks() && Predicate::format("delegateToUser != nil"));
+    add(&TaskBadges::notDone, openTasks());
+    add(&TaskBadges::done, Predicate::format("status = %d and expirationDate != nil", TaskStatus::Done));
+    return parts;
+}
+
 TaskBadges DBWorker::taskBadges()
 {
-    const Counter counter;
     TaskBadges badges;
-    badges.inbox.right = counter.count(tasklists::inbox().base);
-    badges.today = todayBadge(counter);
-    badges.scheduled.right = counter.count(scheduledParts(MVDate::getEndOfDay(MVDate::date())));
-    badges.someday.right = counter.count(somedayParts());
-    badges.categories.right = counter.count(openTasks() && Predicate::format("category != nil"));
-    badges.delegated.right = counter.count(openTasks() && Predicate::format("delegateToUser != nil"));
-    badges.notDone.right = counter.count(openTasks());
-    badges.done.right =
-        counter.count(Predicate::format("status = %d and expirationDate != nil", TaskStatus::Done));
+    for (const BadgePart &part : badgeParts())
+        part.of(badges) += mainContext().count(part.request);
     return badges;
 }
 
