@@ -19,13 +19,14 @@ static Error hasGone(const QString &identifier)
 
 bool EdsBackend::isAvailable()
 {
-    EdsPatience patience;
+    EdsBus bus;
+    EdsPatience patience(bus);
     return !EdsRegistry(patience, [] {}).open();
 }
 
 EdsBackend::EdsBackend()
     : bus(std::make_unique<EdsBus>())
-    , patience(std::make_unique<EdsPatience>())
+    , patience(std::make_unique<EdsPatience>(*bus))
     , registry(std::make_unique<EdsRegistry>(*patience, [this] { checkSoon(); }))
     , nextAttempt(firstAttempt)
 {

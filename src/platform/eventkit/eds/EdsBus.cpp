@@ -38,25 +38,54 @@ GlibVariant EdsBus::call(const QByteArray &service, const char *path, const char
                                                    limit, nullptr, failure.out()));
 }
 
-/// The name ends with a number that changes with the version of the daemon.
+std::vector<QByteArray> EdsBus::names(const char *method, const QByteArray &beginning)
+{
+    std::vector<QByteArray> found;
+    GlibFailure failure;
+    const GlibVariant reply = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                   method, "(as)", failure);
+    if (!reply)
+        return found;
+    const GlibVariant all(g_variant_get_child_value(reply.get(), 0));
+    for (gsize index = 0; index < g_variant_n_children(all.get()); ++index) {
+        const GlibVariant name(g_variant_get_child_value(all.get(), index));
+        const QByteArray text = g_variant_get_string(name.get(), nullptr);
+        if (text.startsWith(beginning))
+            found.push_back(text);
+    }
+    return found;
+}
+
+/// The names end with a number that changes with the version of the daemon.
+static const QByteArray registryName = "org.gnome.evolution.dataserver.Sources";
+static const QByteArray calendarsName = "org.gnome.evolution.dataserver.Calendar";
+
 QByteArray EdsBus::findRegistry()
 {
-    static const QByteArray beginning = "org.gnome.evolution.dataserver.Sources";
     for (const char *method : {"ListNames", "ListActivatableNames"}) {
-        GlibFailure failure;
-        const GlibVariant reply = call("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                       "org.freedesktop.DBus", method, "(as)", failure);
-        if (!reply)
-            continue;
-        const GlibVariant names(g_variant_get_child_value(reply.get(), 0));
-        for (gsize index = 0; index < g_variant_n_children(names.get()); ++index) {
-            const GlibVariant name(g_variant_get_child_value(names.get(), index));
-            QByteArray text = g_variant_get_string(name.get(), nullptr);
-            if (text.startsWith(beginning))
-                return text;
-        }
+        if (const auto found = names(method, registryName); !found.empty())
+            return found.front();
     }
     return {};
+}
+
+bool EdsBus::isDaemonSilent()
+{
+    // The parts are asked one after the other.
+    constexpr int limit = 50;
+    if (connect())
+        return false;
+    for (const QByteArray &beginning : {registryName, calendarsName}) {
+        for (const QByteArray &name : names("ListNames", beginning)) {
+            GlibFailure failure;
+            const GlibVariant reply(g_dbus_connection_call_sync(
+                connection.get(), name.constData(), "/", "org.freedesktop.DBus.Peer", "Ping", nullptr,
+                nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, limit, nullptr, failure.out()));
+            if (!reply && failure.is(G_IO_ERROR, G_IO_ERROR_TIMED_OUT))
+                return true;
+        }
+    }
+    return false;
 }
 
 /// Of what stands at one path of the daemon, by interface and property; empty if that is no source.

@@ -1,5 +1,7 @@
 #include "eventkit/eds/EdsTimeLimit.h"
 
+#include "eventkit/eds/EdsBus.h"
+
 #include <condition_variable>
 #include <mutex>
 
@@ -17,6 +19,26 @@ EdsTimeLimit::EdsTimeLimit(std::chrono::milliseconds limit)
     : signal(g_cancellable_new())
     , watch([limit, target = signal.get()](const std::stop_token &stop) { cancelAfter(limit, stop, target); })
 {}
+
+bool EdsPatience::isExhausted()
+{
+    const auto now = std::chrono::steady_clock::now();
+    if (now < until)
+        return true;
+    if (now < lastPulse + pulseInterval)
+        return false;
+    if (bus.isDaemonSilent()) {
+        until = std::chrono::steady_clock::now() + shortPause;
+        return true;
+    }
+    lastPulse = now;
+    return false;
+}
+
+void EdsPatience::exhaust()
+{
+    until = std::chrono::steady_clock::now() + pause;
+}
 
 Error EdsPatience::error()
 {

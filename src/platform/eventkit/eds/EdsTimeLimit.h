@@ -24,17 +24,34 @@ private:
     std::jthread watch;
 };
 
-/// A daemon that did not answer once is not asked again for a while, so that a program with many calendars
-/// does not wait for each of them in turn.
+class EdsBus;
+
+/// Keeps the program from waiting for a daemon that does not answer: before a call its pulse is felt, and
+/// after a silence it is not asked again for a while, so that a program with many calendars does not wait for
+/// each of them in turn.
 class EdsPatience
 {
 public:
-    bool isExhausted() const { return std::chrono::steady_clock::now() < until; }
-    void exhaust() { until = std::chrono::steady_clock::now() + pause; }
+    explicit EdsPatience(EdsBus &sessionBus)
+        : bus(sessionBus)
+    {}
+
+    /// Whether the daemon should not be asked now. To be asked before each call; it takes a tenth of a second
+    /// at most.
+    bool isExhausted();
+    /// A call was not answered in its time.
+    void exhaust();
     static Error error();
 
 private:
+    /// After a call that was not answered, for which the user has waited long.
     static constexpr std::chrono::seconds pause{30};
+    /// After a pulse that was not felt.
+    static constexpr std::chrono::seconds shortPause{3};
+    /// A daemon that was alive so short a time ago is believed to be.
+    static constexpr std::chrono::milliseconds pulseInterval{100};
 
+    EdsBus &bus;
     std::chrono::steady_clock::time_point until;
+    std::chrono::steady_clock::time_point lastPulse;
 };

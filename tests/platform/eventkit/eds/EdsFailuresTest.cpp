@@ -2,10 +2,13 @@
 
 #include <QElapsedTimer>
 
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 using EdsFailuresTest = EdsFixture;
 using Part = DesktopDaemon::Part;
+using namespace std::chrono_literals;
 
 TEST_F(EdsFailuresTest, ADaemonThatDiedIsStartedAgain)
 {
@@ -47,32 +50,41 @@ TEST_F(EdsFailuresTest, TheListOfCalendarsOutlivesItsDaemon)
     EXPECT_EQ(calendarOf(other, calendar)->title, u"Renamed"_qs);
 }
 
-TEST_F(EdsFailuresTest, ADaemonThatHangsIsNotWaitedForTwice)
+TEST_F(EdsFailuresTest, ADaemonThatHangsIsNotWaitedFor)
 {
+    // A tenth of a second, and what a busy machine adds.
+    constexpr int atOnce = 400;
     put(backend, calendar, {{}, {}, plainEvent("one")});
     EdsBackend late;
     ASSERT_TRUE(late.sources());
+    // One that was alive a moment ago is believed to be.
+    std::this_thread::sleep_for(150ms);
     DesktopDaemon::signal(Part::Calendars, SIGSTOP);
     QElapsedTimer clock;
     clock.start();
     EXPECT_EQ(errorOf(late.objects(calendar)), CalendarError::Storage);
-    EXPECT_LT(clock.restart(), 8'000);
+    EXPECT_LT(clock.restart(), atOnce);
+    // Also by a program that has just heard from it.
+    EXPECT_EQ(errorOf(backend.objects(calendar)), CalendarError::Storage);
+    EXPECT_LT(clock.restart(), atOnce);
     EXPECT_EQ(errorOf(late.objects(calendar)), CalendarError::Storage);
     const auto written = late.put(calendar, {{}, {}, plainEvent("two")}, {});
     ASSERT_FALSE(written);
     EXPECT_EQ(written.error().code, CalendarError::Storage);
-    EXPECT_LT(clock.elapsed(), 500);
+    EXPECT_LT(clock.elapsed(), atOnce);
     DesktopDaemon::signal(Part::Calendars, SIGCONT);
-    EXPECT_EQ(objects(backend, calendar).size(), 1);
+    EXPECT_TRUE(waitUntil([&] { return late.objects(calendar).hasValue(); })) << "it is asked again soon";
+    EXPECT_EQ(objects(late, calendar).size(), 1);
 
     EdsBackend later;
+    std::this_thread::sleep_for(150ms);
     DesktopDaemon::signal(Part::Sources, SIGSTOP);
     clock.restart();
     EXPECT_FALSE(later.sources());
-    EXPECT_LT(clock.restart(), 8'000);
+    EXPECT_LT(clock.restart(), atOnce);
     EXPECT_FALSE(later.calendars());
     EXPECT_EQ(errorOf(later.objects(calendar)), CalendarError::Storage);
-    EXPECT_LT(clock.elapsed(), 500);
+    EXPECT_LT(clock.elapsed(), atOnce);
     DesktopDaemon::signal(Part::Sources, SIGCONT);
 }
 
