@@ -6,18 +6,46 @@
 #include <sqlite3.h>
 
 #include <cmath>
+#include <thread>
 
 namespace sqlite {
 
 namespace {
 
 constexpr size_t maximumCachedStatements = 256;
-/// How long to wait for another process that holds the file, in milliseconds.
-constexpr int busyTimeout = 2000;
+/// How long to wait for another process that holds the file, and between two tries.
+constexpr std::chrono::milliseconds busyTimeout{2000};
+constexpr std::chrono::milliseconds busyStep{10};
+
+std::function<void(std::chrono::milliseconds)> &waitListener()
+{
+    static std::function<void(std::chrono::milliseconds)> listener;
+    return listener;
+}
+
+int waitForOther(void *beginning, int tries)
+{
+    auto &begin = *static_cast<std::chrono::steady_clock::time_point *>(beginning);
+    const auto now = std::chrono::steady_clock::now();
+    if (tries == 0)
+        begin = now;
+    const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - begin);
+    if (waited >= busyTimeout)
+        return 0;
+    if (waitListener())
+        waitListener()(waited);
+    std::this_thread::sleep_for(busyStep);
+    return 1;
+}
 
 } // namespace
 
 static_assert(missingReference == SQLITE_CONSTRAINT_FOREIGNKEY);
+
+void setWaitListener(std::function<void(std::chrono::milliseconds)> listener)
+{
+    waitListener() = std::move(listener);
+}
 
 Error error(int code, const QString &attempt)
 {
@@ -192,7 +220,7 @@ Result<std::unique_ptr<Database>> Database::open(const QString &path, Mode mode)
     std::unique_ptr<Database> database(new Database(connection));
     if (code != SQLITE_OK)
         return Error{QStringLiteral("sqlite"), code, QString::fromUtf8(sqlite3_errstr(code))};
-    sqlite3_busy_timeout(connection, busyTimeout);
+    sqlite3_busy_handler(connection, waitForOther, &database->waitingSince);
     // A misspelt column is an error, and no text.
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     registerSqlFunctions(connection);

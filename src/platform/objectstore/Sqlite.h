@@ -6,6 +6,8 @@
 
 #include <QByteArray>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -79,6 +81,11 @@ private:
     int lastCode = 0;
 };
 
+/// Hears, on the thread that waits, for how long a connection has been waiting for another process that holds
+/// its file; again and again, until it is given up after two seconds. It must not use the database. An empty
+/// one hears nothing. Main thread only.
+void setWaitListener(std::function<void(std::chrono::milliseconds)> listener);
+
 /// One connection to a database file, with a cache of prepared statements.
 class Database
 {
@@ -124,6 +131,8 @@ private:
 
     sqlite3 *connection;
     std::unordered_map<std::string, std::unique_ptr<Cached>> cache;
+    /// Since when it waits for another process, while it does.
+    std::chrono::steady_clock::time_point waitingSince;
 };
 
 } // namespace sqlite

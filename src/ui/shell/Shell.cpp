@@ -3,6 +3,7 @@
 #include "calendarsync/PassProgress.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "objectstore/Sqlite.h"
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -11,6 +12,7 @@
 #include "widgets/MessageBoxPresenter.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
+#include "widgets/WaitSign.h"
 #include "workspace/LauncherBadge.h"
 #include "workspace/Workspace.h"
 
@@ -40,6 +42,7 @@ void Shell::prepareApplication()
         auto work = std::make_shared<LongWork>(steps, localized(u"Reading your calendars"_s), false);
         return [work] { return work->step(); };
     });
+    sqlite::setWaitListener(WaitSign::show);
     Workspace::setUrlOpener([](const QString &url) { return QDesktopServices::openUrl(QUrl(url)); });
 }
 

@@ -5,10 +5,16 @@
 #include "widgets/ProgressSign.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QPushButton>
 #include <QThread>
 
+#include <sqlite3.h>
+
+#include <thread>
+
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 static ProgressSign *shownSign()
 {
@@ -49,6 +55,75 @@ TEST_F(LongWorkTest, SlowWorkShowsHowFarItIsAndStopsOnCancel)
     EXPECT_GT(done, 10);
     EXPECT_LT(done, steps);
     EXPECT_EQ(shownSign(), nullptr);
+}
+
+namespace {
+
+/// Another program that is in the middle of a change to the store for a while.
+class Holder
+{
+public:
+    Holder(const QString &path, std::chrono::milliseconds length)
+    {
+        EXPECT_EQ(sqlite3_open(path.toUtf8().constData(), &connection), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(connection, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+        thread = std::thread([this, length] {
+            std::this_thread::sleep_for(length);
+            sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
+        });
+    }
+    ~Holder()
+    {
+        thread.join();
+        sqlite3_close(connection);
+    }
+
+private:
+    sqlite3 *connection = nullptr;
+    std::thread thread;
+};
+
+/// When the sign of a wait was painted, in milliseconds from the beginning; -1 for never.
+class WaitSignWatch : public QObject
+{
+public:
+    WaitSignWatch()
+    {
+        clock.start();
+        qApp->installEventFilter(this);
+    }
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && object->objectName() == u"waitSign"_s && paintedAfter < 0)
+            paintedAfter = clock.elapsed();
+        return false;
+    }
+    qint64 paintedAfter = -1;
+
+private:
+    QElapsedTimer clock;
+};
+
+} // namespace
+
+TEST_F(LongWorkTest, AWaitForAnotherProgramShowsSoonAndOnlyWhileItLasts)
+{
+    addInbox({u"a"_s});
+    const QString path = AppDelegate::shared()->managedObjectContext().path();
+    const auto saved = [&](const QString &title, std::chrono::milliseconds held) {
+        const Holder other(path, held);
+        const WaitSignWatch watch;
+        DBWorker::allInboxTasks().first()->setTitle(title);
+        EXPECT_FALSE(DBWorker::saveContext());
+        return watch.paintedAfter;
+    };
+    const qint64 painted = saved(u"b"_s, 500ms);
+    EXPECT_GE(painted, 100);
+    EXPECT_LT(painted, 300);
+    EXPECT_EQ(saved(u"c"_s, 30ms), -1) << "nobody notices that";
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !window().findChild<QWidget *>(u"waitSign"_s); }));
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(shownTitles(), QStringList(u"c"_s));
 }
 
 TEST_F(LongWorkTest, ThePointerRestsAgainAfterDeletingAndUndoing)
