@@ -3,7 +3,9 @@
 #include "records/TaskFormState.h"
 #include "records/TaskManager.h"
 #include "records/TaskMerge.h"
+#include "records/copies/TaskColumns.h"
 #include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
 
 #include <QScopedValueRollback>
 
@@ -134,4 +136,37 @@ void TaskFormState::followRow()
     base = present;
     if (isChanged && fieldChanged)
         fieldChanged(TaskField::Title);
+}
+
+// Drafts
+
+bool TaskFormState::isEdited() const
+{
+    if (!task.task())
+        return touched;
+    bool isSame = true;
+    taskcolumns::forEach([this, &isSame](const auto &column) {
+        if (column.difference == taskcolumns::Difference::Counts)
+            isSame = isSame && taskcolumns::isSame(task.*column.member, base.*column.member);
+    });
+    return !isSame;
+}
+
+TaskDraft TaskFormState::draft() const
+{
+    return {.record = DBWorker::getIdFromObject(task.task()), .edited = task, .base = base};
+}
+
+void TaskFormState::resume(const TaskDraft &draft)
+{
+    if (isGone())
+        return;
+    const MVTask present(task.task());
+    taskcolumns::forEach([&](const auto &column) {
+        if (column.follows != taskcolumns::Follows::Nothing)
+            task.*column.member = draft.edited.*column.member;
+    });
+    TaskMerge::follow(task, draft.base, present);
+    base = present;
+    note(TaskField::Title);
 }

@@ -3,6 +3,7 @@
 #include "calendarsync/PassProgress.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "records/DraftKeeper.h"
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -77,6 +78,8 @@ bool Shell::commitEditing()
 {
     if (QWidget *focused = QApplication::focusWidget())
         focused->clearFocus();
+    // Whoever cannot be asked any more finds the text at the next start.
+    DraftKeeper::finishAll();
     return true;
 }
 

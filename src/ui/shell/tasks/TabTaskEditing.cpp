@@ -36,8 +36,11 @@ void TabTaskViewController::removeRows(const std::set<int> &rows)
         return;
     const std::vector<ObjectPtr> removable(going.begin(), going.end());
     const int lastIndex = *rows.rbegin();
-    if (detailStack())
+    if (detailStack()) {
+        if (!detailStack()->mayLeave(going))
+            return;
         detailStack()->removeAllDetailFromTasks(going);
+    }
     const auto removed = [this, going, lastIndex] {
         for (const TaskPtr &task : going)
             rowChanged(task, true);
