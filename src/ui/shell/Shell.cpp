@@ -78,6 +78,8 @@ bool Shell::commitEditing()
 {
     if (QWidget *focused = QApplication::focusWidget())
         focused->clearFocus();
+    // What a field does when it loses the keys may still wait for its turn.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
     // Whoever cannot be asked any more finds the text at the next start.
     DraftKeeper::finishAll();
     return true;
