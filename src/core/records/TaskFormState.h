@@ -125,6 +125,7 @@ private:
     void startDateChanged();
     void dueDateChanged();
     void dropRepeatAndAlerts();
+    void fitRepeat();
     std::optional<EKCalendar> calendarToSaveIn();
     void takeCalendar();
     void takeBackNewRow(const MVTask &before);
