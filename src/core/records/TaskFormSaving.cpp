@@ -43,14 +43,8 @@ void TaskFormState::takeCalendar()
     if (task.typeCalendarID.isEmpty())
         return;
     const auto calendar = calendarToSaveIn();
-    if (!calendar)
-        return;
-    const EKColor color = CalendarEvent::getColorOfCalendar(*calendar);
-    task.calendarTitle = calendar->title;
-    task.colorCalendarR = static_cast<float>(color.red);
-    task.colorCalendarG = static_cast<float>(color.green);
-    task.colorCalendarB = static_cast<float>(color.blue);
-    task.colorCalendarA = static_cast<float>(color.alpha);
+    if (calendar)
+        TaskManager::takeValues(task, *calendar);
 }
 
 bool TaskFormState::save()
