@@ -41,8 +41,7 @@ void TaskFormState::startEntityTaskValue(const NewTaskRequest &request)
         task.typeCalendarID = CalendarEvent::identifierOfCalendar(*calendar);
     task.category = request.createWithCategory ? request.createWithCategory : EntityCategory::getCustom();
     task.delegateToUser = request.createWithContact;
-    if (request.createWithContact)
-        task.company = request.createWithCompany;
+    task.company = request.createWithCompany;
     task.type = request.type;
     task.status = TaskStatus::Open;
     task.priority = Priority::None;
