@@ -30,7 +30,8 @@ TaskPopupMenu::TaskPopupMenu(QWidget *parent)
 
 static QAction *addChoice(QMenu &menu, const QString &text, const QVariant &value)
 {
-    QAction *action = menu.addAction(text);
+    // The sign would be taken for the mark of a key.
+    QAction *action = menu.addAction(QString(text).replace(u'&', u"&&"_s));
     action->setCheckable(true);
     action->setData(value);
     return action;
