@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-class EKCalendar;
+struct EKCalendar;
 class MVTask;
 class RecordsTransaction;
 
