@@ -91,7 +91,8 @@ int main(int argc, char *argv[])
 {
     testing::InitGoogleTest(&argc, argv);
     const QTemporaryDir home;
-    setEnvironment(home.path());
+    // A test that starts itself once more, as another process, shares its files with that.
+    setEnvironment(qEnvironmentVariable("MORVANE_TEST_HOME", home.path()));
     const TestApplication application(argc, argv);
     qInstallMessageHandler(failOnWarnings);
     std::printf("Seed of generated cases: %u\n", testSeed());

@@ -232,6 +232,12 @@ static OptionalError absenceOf(const QString &calendar)
                                QStringLiteral("The calendar %1 is not there at present.").arg(calendar));
 }
 
+bool taskevent::isOffCalendar(const EntityTask &row)
+{
+    return row.status() == TaskStatus::Done || !row.dueDate() ||
+           (!row.startDate() && row.type() != TaskType::EmailCall);
+}
+
 OptionalError taskevent::write(EntityTask &row, const EventFields &fields, Span span, OptionalDate day,
                                const QString &identifier)
 {
@@ -307,7 +313,7 @@ void EventWriter::initEventCalendarFromTask(RecordsTransaction &transaction, Ent
         return;
     if (calendarstore::isOffline())
         return offlinechanges::keepForLater(task, span, changeStartDue);
-    if (task.status() == TaskStatus::Done || !task.dueDate())
+    if (taskevent::isOffCalendar(task))
         return;
     const bool isOfSeries = wasRepeatRule || !task.repeat().isEmpty();
     const auto error = isOfSeries ? writeOccurrence(transaction, task, span, changeStartDue)

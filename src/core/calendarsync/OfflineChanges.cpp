@@ -30,12 +30,7 @@ OptionalDate dateOf(const EntityTask &task)
     return task.startDate() ? task.startDate() : task.dueDate();
 }
 
-/// Whether no event stands for such a row: it is done, or has no date to stand at.
-bool isOffCalendar(const EntityTask &row)
-{
-    return row.status() == TaskStatus::Done || !row.dueDate() ||
-           (!row.startDate() && row.type() != TaskType::EmailCall);
-}
+using taskevent::isOffCalendar;
 
 bool isOfUser(ChangeAuthor author)
 {

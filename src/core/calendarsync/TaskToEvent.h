@@ -26,6 +26,10 @@ struct EventFields
 
 namespace taskevent {
 
+/// Whether no event stands for such a row: it is done, or has no date to stand at. Of a ToDo that is the
+/// start.
+bool isOffCalendar(const EntityTask &row);
+
 /// Copies the fields of a task to its event. What the event says already stays as it is there: it can hold
 /// more than a row can show, such as the hours of an event over midnight or the sound of an alarm.
 void put(const EntityTask &task, EKEvent &event, const EventFields &fields);

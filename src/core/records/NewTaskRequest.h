@@ -24,7 +24,6 @@ struct NewTaskRequest
     OptionalDate createWithDueDate = {};
     ProjectPtr createWithProject = {};
     ContactPtr createWithContact = {};
-    /// Counts only beside a contact.
     CompanyPtr createWithCompany = {};
     /// Null for the category that new tasks have anyway.
     CategoryPtr createWithCategory = {};

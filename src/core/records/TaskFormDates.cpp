@@ -14,6 +14,7 @@ void TaskFormState::editDates(Edit edit)
 {
     const MVTask before = task;
     edit();
+    fitRepeat();
     if (task.startDate != before.startDate)
         startDateChanged();
     if (task.dueDate != before.dueDate)
@@ -52,6 +53,20 @@ void TaskFormState::dropRepeatAndAlerts()
     task.alert.reset();
     task.repeat = u""_s;
     note(TaskField::Repeat);
+}
+
+/// A rule that was made here follows the date that the series begins with. That of a stored series does so
+/// where the edit is saved, if it reaches the series at all.
+void TaskFormState::fitRepeat()
+{
+    if (task.repeat == base.repeat)
+        return;
+    const RepeatPicker picker = repeatPicker();
+    if (!picker.rule || !picker.occurrenceDate)
+        return;
+    const RecurrenceRule fitted = picker.rule->fittedTo(*picker.occurrenceDate);
+    if (fitted.pattern() != picker.rule->pattern())
+        setRepeat(RRule::stringFromRule(fitted));
 }
 
 void TaskFormState::startDateChanged()

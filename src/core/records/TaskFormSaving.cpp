@@ -3,7 +3,9 @@
 #include "records/TaskFormState.h"
 #include "records/TaskManager.h"
 #include "records/TaskMerge.h"
+#include "records/copies/TaskColumns.h"
 #include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
 
 #include <QScopedValueRollback>
 
@@ -41,14 +43,8 @@ void TaskFormState::takeCalendar()
     if (task.typeCalendarID.isEmpty())
         return;
     const auto calendar = calendarToSaveIn();
-    if (!calendar)
-        return;
-    const EKColor color = CalendarEvent::getColorOfCalendar(*calendar);
-    task.calendarTitle = calendar->title;
-    task.colorCalendarR = static_cast<float>(color.red);
-    task.colorCalendarG = static_cast<float>(color.green);
-    task.colorCalendarB = static_cast<float>(color.blue);
-    task.colorCalendarA = static_cast<float>(color.alpha);
+    if (calendar)
+        TaskManager::takeValues(task, *calendar);
 }
 
 bool TaskFormState::save()
@@ -134,4 +130,37 @@ void TaskFormState::followRow()
     base = present;
     if (isChanged && fieldChanged)
         fieldChanged(TaskField::Title);
+}
+
+// Drafts
+
+bool TaskFormState::isEdited() const
+{
+    if (!task.task())
+        return touched;
+    bool isSame = true;
+    taskcolumns::forEach([this, &isSame](const auto &column) {
+        if (column.difference == taskcolumns::Difference::Counts)
+            isSame = isSame && taskcolumns::isSame(task.*column.member, base.*column.member);
+    });
+    return !isSame;
+}
+
+TaskDraft TaskFormState::draft() const
+{
+    return {.record = DBWorker::getIdFromObject(task.task()), .edited = task, .base = base};
+}
+
+void TaskFormState::resume(const TaskDraft &draft)
+{
+    if (isGone())
+        return;
+    const MVTask present(task.task());
+    taskcolumns::forEach([&](const auto &column) {
+        if (column.follows != taskcolumns::Follows::Nothing)
+            task.*column.member = draft.edited.*column.member;
+    });
+    TaskMerge::follow(task, draft.base, present);
+    base = present;
+    note(TaskField::Title);
 }

@@ -19,14 +19,29 @@ TaskFormState::TaskFormState(const TaskPtr &storedTask)
     , calendarAccess(CalendarEvent::hasAccesToCalendar())
 {}
 
+TaskFormState::TaskFormState(const TaskDraft &draft)
+    : task(draft.edited)
+    , calendarAccess(CalendarEvent::hasAccesToCalendar())
+    , touched(true)
+{
+    // It gets an event, a place and dates of its own.
+    task.calendarID.clear();
+    task.remindID.clear();
+    task.repeatInfoUser.clear();
+    task.position.reset();
+    task.expirationDate.reset();
+    task.lastModificationDate.reset();
+    task.allowsContentModifications.reset();
+    task.wasCreatedOffCalendar.reset();
+}
+
 void TaskFormState::startEntityTaskValue(const NewTaskRequest &request)
 {
     if (const auto calendar = CalendarEvent::getDefaultAccessCalendar())
         task.typeCalendarID = CalendarEvent::identifierOfCalendar(*calendar);
     task.category = request.createWithCategory ? request.createWithCategory : EntityCategory::getCustom();
     task.delegateToUser = request.createWithContact;
-    if (request.createWithContact)
-        task.company = request.createWithCompany;
+    task.company = request.createWithCompany;
     task.type = request.type;
     task.status = TaskStatus::Open;
     task.priority = Priority::None;

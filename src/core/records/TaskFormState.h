@@ -3,6 +3,7 @@
 #include "eventkit/EKCalendar.h"
 #include "records/DatePickerState.h"
 #include "records/NewTaskRequest.h"
+#include "records/TaskDraft.h"
 #include "records/TaskFields.h"
 #include "records/TaskInvitation.h"
 #include "records/copies/MVTask.h"
@@ -20,6 +21,8 @@ public:
     explicit TaskFormState(const NewTaskRequest &request);
     /// A stored task.
     explicit TaskFormState(const TaskPtr &task);
+    /// A new task with what an earlier form was left with, be it of a new task or of one that is gone.
+    explicit TaskFormState(const TaskDraft &draft);
 
     TaskFormState(const TaskFormState &) = delete;
     TaskFormState &operator=(const TaskFormState &) = delete;
@@ -107,6 +110,13 @@ public:
     void rollback();
     /// Takes over what has changed in the row since the edit began; what the user has changed stays.
     void followRow();
+    /// Whether the form says something else than at its beginning, or than its row.
+    bool isEdited() const;
+    /// What would be lost with the form.
+    TaskDraft draft() const;
+    /// Lays what an earlier form of the stored task was left with over its row: what the user had changed
+    /// there counts, anything else is as it is now.
+    void resume(const TaskDraft &draft);
 
 private:
     template <typename Edit>
@@ -115,6 +125,7 @@ private:
     void startDateChanged();
     void dueDateChanged();
     void dropRepeatAndAlerts();
+    void fitRepeat();
     std::optional<EKCalendar> calendarToSaveIn();
     void takeCalendar();
     void takeBackNewRow(const MVTask &before);

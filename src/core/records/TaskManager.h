@@ -10,6 +10,7 @@
 #include <optional>
 #include <vector>
 
+struct EKCalendar;
 class MVTask;
 class RecordsTransaction;
 
@@ -50,6 +51,9 @@ public:
     /// A start or due date was picked for a copy; alerts that would lie behind their base date move or go.
     static void saveStartDate(OptionalDate date, MVTask &task);
     static void saveDueDate(OptionalDate date, MVTask &task);
+
+    /// What a copy keeps of its calendar besides the name: title and colour.
+    static void takeValues(MVTask &task, const EKCalendar &calendar);
 
     /// The colour of a priority; absent for a number that has no name.
     static std::optional<PaletteColor> priorityColor(Priority priority);

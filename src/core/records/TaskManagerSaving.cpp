@@ -84,6 +84,20 @@ void prepareFields(MVTask &task)
         task.dueDate = Functional::dateWithZeroSeconds(*task.dueDate);
 }
 
+/// A task that was written down while there was no calendar gets the usual one. One that has an event
+/// somewhere is left there.
+void takeUsualCalendar(MVTask &task)
+{
+    if (!task.typeCalendarID.isEmpty() || !task.calendarID.isEmpty() || DBWorker::isSample() ||
+        !CalendarEvent::hasAccesToCalendar())
+        return;
+    const auto usual = CalendarEvent::getDefaultAccessCalendar();
+    if (!usual || !usual->allowsContentModifications)
+        return;
+    task.typeCalendarID = CalendarEvent::identifierOfCalendar(*usual);
+    TaskManager::takeValues(task, *usual);
+}
+
 /// Every delegate of a task of a project belongs to the project. Whether this one did not before.
 bool joinDelegateToProject(const MVTask &task)
 {
@@ -191,6 +205,16 @@ void finish(MVTask &task)
 
 } // namespace
 
+void TaskManager::takeValues(MVTask &task, const EKCalendar &calendar)
+{
+    const EKColor color = CalendarEvent::getColorOfCalendar(calendar);
+    task.calendarTitle = calendar.title;
+    task.colorCalendarR = static_cast<float>(color.red);
+    task.colorCalendarG = static_cast<float>(color.green);
+    task.colorCalendarB = static_cast<float>(color.blue);
+    task.colorCalendarA = static_cast<float>(color.alpha);
+}
+
 bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
 {
     RecordsTransaction transaction(task.task() ? QStringLiteral("Edit Task") : QStringLiteral("New Task"));
@@ -221,6 +245,7 @@ bool TaskManager::saveTaskTemp(RecordsTransaction &transaction, MVTask &task)
         return false;
     }
     prepareFields(task);
+    takeUsualCalendar(task);
     if (!meetsDateRules(transaction, task) || leavesProject(transaction, task))
         return false;
     const bool isDelegateNew = joinDelegateToProject(task);

@@ -53,7 +53,17 @@ CustomRepeat::CustomRepeat(const std::optional<RecurrenceRule> &rule, OptionalDa
     , end(endRepeat)
     , language(textLanguage)
     , texts(textLanguage)
-{}
+{
+    fit();
+}
+
+/// What the window shows is what is stored, and what the event gets.
+void CustomRepeat::fit()
+{
+    const std::vector<int> chosen = selectedItems();
+    edited = edited.fittedTo(start);
+    hasMoved = selectedItems() != chosen;
+}
 
 // How often
 
@@ -85,6 +95,7 @@ void CustomRepeat::frequencyChange(int index)
     edited.bysetpos.clear();
     edited.byyearday.clear();
     edited.byweekno.clear();
+    fit();
 }
 
 void CustomRepeat::setInterval(int interval)
@@ -171,6 +182,7 @@ void CustomRepeat::setSelected(int item, bool selected)
         toggle(edited.bymonthday, item, selected);
     else if (edited.frequency == RecurrenceFrequency::yearly)
         toggle(edited.bymonth, item, selected);
+    fit();
 }
 
 // What comes of it
@@ -180,31 +192,10 @@ QString CustomRepeat::sentence() const
     return RecurrenceSentence::of(edited, language);
 }
 
-/// The rule as it is put on an event: one day alone gives way to the date of the task.
-RecurrenceRule CustomRepeat::followedRule() const
-{
-    RecurrenceRule series = edited;
-    if (edited.frequency == RecurrenceFrequency::weekly && edited.byweekday.size() == 1)
-        series.byweekday.clear();
-    else if (edited.frequency == RecurrenceFrequency::monthly && edited.bymonthday.size() == 1)
-        series.bymonthday = {edited.calendar.day(start)};
-    return series;
-}
-
-/// Whether that gives other dates than those that were chosen.
-bool CustomRepeat::followsDate() const
-{
-    if (edited.frequency == RecurrenceFrequency::weekly)
-        return edited.byweekday.size() == 1 &&
-               static_cast<int>(edited.byweekday.front()) != edited.calendar.weekday(start);
-    return edited.frequency == RecurrenceFrequency::monthly && edited.bymonthday.size() == 1 &&
-           edited.bymonthday.front() != edited.calendar.day(start);
-}
-
 std::vector<Date> CustomRepeat::nextDates(std::size_t count) const
 {
     const Calendar calendar = Calendar::current();
-    RecurrenceRule series = followedRule();
+    RecurrenceRule series = edited;
     series.startDate = start;
     const Date from = std::max(start, calendar.startOfDay(Clock::now()));
     std::vector<Date> dates;
@@ -231,8 +222,9 @@ QString CustomRepeat::warning() const
 {
     if (nextDates(1).empty())
         return texts.text(u"RepeatPicker.noDates"_s);
-    if (followsDate())
-        return texts.text(u"RepeatPicker.followsDate"_s);
+    if (hasMoved)
+        return texts.text(edited.frequency == RecurrenceFrequency::yearly ? u"RepeatPicker.monthFollowsDate"_s
+                                                                          : u"RepeatPicker.followsDate"_s);
     const int dayOfStart = edited.calendar.day(start);
     const auto shortMonths = [this](int day) { return texts.text(u"RepeatPicker.shortMonths"_s, {day}); };
     if (edited.frequency == RecurrenceFrequency::monthly) {

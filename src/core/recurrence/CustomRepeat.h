@@ -17,6 +17,7 @@ public:
     CustomRepeat(const std::optional<RecurrenceRule> &rule, OptionalDate occurrenceDate,
                  OptionalDate endRepeat, RecurrencePickerLanguage language);
 
+    /// The rule as it is stored and put on an event: one that fits the date of the task.
     const RecurrenceRule &rule() const { return edited; }
 
     /// "Daily" to "Yearly", and which of them it is.
@@ -39,12 +40,12 @@ public:
     QString titleOf(int item) const;
     QString nameOf(int item) const;
     bool isSelected(int item) const;
+    /// A single day or month that is not that of the task's date moves there, and with it the selection.
     void setSelected(int item, bool selected);
 
     // What comes of it.
     QString sentence() const;
-    /// The next dates from today on, as many as asked for or as there are. A single weekday or day of the
-    /// month does not count beside the date of the task, as it does not when the rule is put on an event.
+    /// The next dates from today on, as many as asked for or as there are.
     std::vector<Date> nextDates(std::size_t count) const;
     /// What the user may not expect: months or years that are left out, or that there is no date at all.
     /// Empty if there is nothing to say.
@@ -55,13 +56,14 @@ public:
 private:
     std::vector<int> selectedItems() const;
     bool lacksDay(int day) const;
-    RecurrenceRule followedRule() const;
-    bool followsDate() const;
+    void fit();
 
     RecurrenceRule edited;
     int most;
     Date start;
     OptionalDate end;
+    /// The last choice has moved to the date of the task.
+    bool hasMoved = false;
     RecurrencePickerLanguage language;
     RecurrencePickerTexts texts;
 };

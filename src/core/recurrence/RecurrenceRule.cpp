@@ -91,6 +91,18 @@ RecurrencePattern RecurrenceRule::pattern() const
     return pattern;
 }
 
+RecurrenceRule RecurrenceRule::fittedTo(Date date) const
+{
+    RecurrenceRule fitted = *this;
+    if (frequency == RecurrenceFrequency::weekly && byweekday.size() == 1)
+        fitted.byweekday = {static_cast<EKWeekday>(calendar.weekday(date))};
+    else if (frequency == RecurrenceFrequency::monthly && bymonthday.size() == 1)
+        fitted.bymonthday = {calendar.day(date)};
+    else if (frequency == RecurrenceFrequency::yearly && bymonth.size() == 1)
+        fitted.bymonth = {calendar.month(date)};
+    return fitted;
+}
+
 std::vector<Date> RecurrenceRule::allOccurrences() const
 {
     return recurrenceEnd ? dates(*this, {}) : std::vector<Date>();

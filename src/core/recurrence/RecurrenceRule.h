@@ -47,6 +47,10 @@ public:
     /// the added and removed dates are no part of it.
     RecurrencePattern pattern() const;
 
+    /// The rule as a task of that date has it. A single weekday, day of the month or month of the year gives
+    /// way to that of the date, by which its series begins.
+    RecurrenceRule fittedTo(Date date) const;
+
     /// The occurrences from the start to the end of the rule, ascending, by RFC 5545 (section 3.3.10) in the
     /// wall-clock time of `calendar`. The first is the first that matches, and a count counts matches. A
     /// rule without an end has no such answer: empty.

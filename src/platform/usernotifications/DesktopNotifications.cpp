@@ -47,8 +47,9 @@ void DesktopNotifications::present(const UserNotification &notification, Outcome
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, service, QStringLiteral("Notify"));
     // Servers may read the body as markup.
     constexpr uint replacesNone = 0;
+    constexpr qsizetype mostShown = 1200;
     call << notification.title << replacesNone << application << notification.title
-         << notification.subtitle.toHtmlEscaped() << actions << hints << serversOwnTimeout;
+         << notification.subtitle.left(mostShown).toHtmlEscaped() << actions << hints << serversOwnTimeout;
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, outcome] {
         const QDBusPendingReply<uint> reply = *watcher;

@@ -1,6 +1,7 @@
 #include "shell/MainWindowController.h"
 
 #include "filters/ContactGroups.h"
+#include "records/DraftKeeper.h"
 #include "shell/Actions.h"
 #include "shell/MainMenu.h"
 #include "shell/MainWindow.h"
@@ -56,6 +57,13 @@ void MainWindowController::windowDidLoad()
     connect(&outline, &OutlineViewExtended::selectionDidChange, this,
             &MainWindowController::outlineViewSelectionDidChange);
     connect(&outline, &OutlineViewExtended::didRemoveRow, this, &MainWindowController::didRemoveRow);
+    outline.setLeaveQuestion(
+        [this](const QModelIndex &index) { return !isShown(index) && details->hasChanges(); },
+        [this] { return details->mayLeave(); });
+    connect(details.get(), &DetailStack::textLeft, this, [this](const QString &file) {
+        if (const auto found = Drafts::read(file))
+            openDraft(*found);
+    });
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     badgeRecount.setSingleShot(true);
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
@@ -75,6 +83,11 @@ void MainWindowController::selectFirstRow()
 {
     if (!selectItem)
         showList(SidebarItem::Home);
+    // What the program asks at its start comes first.
+    if (Waiting::isForUser())
+        Waiting::afterwards(Waiting::isForUser, this, [this] { openDrafts(); });
+    else
+        openDrafts();
 }
 
 void MainWindowController::stopObserving()
@@ -132,17 +145,16 @@ void MainWindowController::showWindow()
 
 // The tree
 
-void MainWindowController::showList(SidebarItem item)
+bool MainWindowController::showList(SidebarItem item)
 {
-    mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOf(item));
+    return mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOf(item));
 }
 
 /// By command one goes to a list to work in it: its rows take the keys. Walking through the sidebar leaves
 /// them there.
 void MainWindowController::goToList(SidebarItem item)
 {
-    showList(item);
-    if (screen && screen->focusProxy())
+    if (showList(item) && screen && screen->focusProxy())
         screen->setFocus(Qt::ShortcutFocusReason);
 }
 
@@ -231,8 +243,18 @@ void MainWindowController::didRemoveRow(const QModelIndex &index)
 
 // Screens
 
+/// Whether the screen of a row is the one that stands.
+bool MainWindowController::isShown(const QModelIndex &index) const
+{
+    return screen && selectItem == sidebar->itemAt(index) &&
+           selectedGroup == DBWorker::getIdFromObject(sidebar->groupAt(index));
+}
+
 void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &index)
 {
+    // The rows were made anew around it.
+    if (isShown(index) && details->hasChanges())
+        return;
     selectItem = sidebar->itemAt(index);
     selectedGroup = DBWorker::getIdFromObject(sidebar->groupAt(index));
     searchedRecord.clear();

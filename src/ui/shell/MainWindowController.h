@@ -23,6 +23,9 @@ class ManagedObjectContext;
 class CalendarsAppleWindowController;
 class MVSetiingsCalendarController;
 class WindowNewTask;
+namespace Drafts {
+struct Found;
+}
 
 /// The main window at work: the tree with its badges, the screen that is shown, the windows for new records.
 class MainWindowController : public QObject
@@ -39,8 +42,9 @@ public:
 
     /// Shows the window, or brings it to the front.
     void showWindow();
-    /// Shows the screen of a list, opening what its row lies in.
-    void showList(SidebarItem item);
+    /// Shows the screen of a list, opening what its row lies in. False if what is typed in a pane keeps the
+    /// user where they are.
+    bool showList(SidebarItem item);
     /// The same, and puts the focus into its rows.
     void goToList(SidebarItem item);
     /// Opens the window for a new task; one that is open is brought to the front as it is.
@@ -50,8 +54,11 @@ public:
     void showCalendars();
     void showSettings();
     void calendarsAllowed();
-    /// Asks about every window and every pane with something typed. False if one of them is to stay.
+    /// Asks about every window and every pane with something typed. False if one of them is to stay; then all
+    /// of them do, but for what was saved.
     bool closeNewWindows();
+    /// Opens what earlier runs of the program were left with, and tells the user of it.
+    void openDrafts();
 
     void loadContactsGroup();
     /// Stores a new group and lets the user name it in its row.
@@ -85,6 +92,8 @@ private:
     void nameNewGroup();
     void groupRenamed(const std::shared_ptr<EntityContactGroup> &group);
     void outlineViewSelectionDidChange(const QModelIndex &index);
+    bool isShown(const QModelIndex &index) const;
+    void openDraft(const Drafts::Found &found);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);
     void selectFirstRow();

@@ -1,9 +1,12 @@
 #include "calendarsync/CalendarEvent.h"
+#include "records/DraftKeeper.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
+#include "shell/ShellAlerts.h"
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/details/DetailStack.h"
+#include "shell/details/TaskDetailViewController.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
 
@@ -61,5 +64,48 @@ void MainWindowController::calendarsAllowed()
 
 bool MainWindowController::closeNewWindows()
 {
-    return (!windowNewTask || windowNewTask->close()) && details->mayLeave();
+    LeaveGate gate;
+    const auto windows = mainWindow->findChildren<WindowNewTask *>(Qt::FindDirectChildrenOnly);
+    for (WindowNewTask *window : windows)
+        gate.add(*window, [window] { window->showWindow(); });
+    details->addTo(gate);
+    if (!gate.mayLeave())
+        return false;
+    for (WindowNewTask *window : mainWindow->findChildren<WindowNewTask *>(Qt::FindDirectChildrenOnly))
+        window->close();
+    return true;
+}
+
+// What earlier runs were left with
+
+void MainWindowController::openDraft(const Drafts::Found &found)
+{
+    const TaskPtr task = found.draft.task();
+    if (task && !details->paneOf(task)) {
+        searchSelectItem(task);
+        if (!details->paneOf(task) && screen)
+            TaskDetailViewController::showTask(task, *screen, *details, screen->listType());
+        // It may be that only a look is allowed at it now.
+        auto *pane = dynamic_cast<TaskDetailViewController *>(details->paneOf(task));
+        if (pane && pane->taskForm()->canEdit())
+            return pane->resume(found);
+    }
+    auto *window = new WindowNewTask(found, mainWindow.get());
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->showWindow();
+}
+
+void MainWindowController::openDrafts()
+{
+    const Drafts::Leftovers leftovers = Drafts::find();
+    if (!leftovers.putAside.isEmpty())
+        ShellAlerts::tellOfUnreadableDrafts(leftovers.putAside);
+    if (leftovers.drafts.isEmpty())
+        return;
+    ShellAlerts::tellOfDrafts();
+    // Records may have come or gone while that was read.
+    for (const QString &file : leftovers.drafts) {
+        if (const auto found = Drafts::read(file))
+            openDraft(*found);
+    }
 }

@@ -40,7 +40,8 @@ void MainWindowController::searchSelectItem(const ObjectPtr &record)
     const auto item = SidebarModel::itemShowing(record);
     if (!item)
         return;
-    showList(*item);
+    if (!showList(*item))
+        return;
     // Not by command: a list that a filter has emptied of it must not offer another row instead.
     if (screen->focusProxy())
         screen->setFocus(Qt::OtherFocusReason);

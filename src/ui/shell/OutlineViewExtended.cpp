@@ -6,6 +6,9 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
+#include <QTimer>
+
+#include <utility>
 
 OutlineViewExtended::OutlineViewExtended(QWidget *parent)
     : QTreeView(parent)
@@ -33,14 +36,44 @@ bool OutlineViewExtended::isHeading(const QModelIndex &index) const
     return index.isValid() && !index.flags().testFlag(Qt::ItemIsSelectable);
 }
 
-void OutlineViewExtended::selectIndex(const QModelIndex &index)
+void OutlineViewExtended::setLeaveQuestion(std::function<bool(const QModelIndex &)> isHeldBy,
+                                           std::function<bool()> mayLeaveIt)
 {
-    if (!index.isValid())
+    isHeld = std::move(isHeldBy);
+    mayLeave = std::move(mayLeaveIt);
+}
+
+bool OutlineViewExtended::isHeldBack(const QModelIndex &index) const
+{
+    return isHeld && !selectionModel()->isSelected(index) && isHeld(index);
+}
+
+/// The press that led here has its end first: a question would swallow it.
+void OutlineViewExtended::selectAfterQuestion(const QModelIndex &index) const
+{
+    if (std::exchange(wanted, index).isValid())
         return;
+    auto *view = const_cast<OutlineViewExtended *>(this);
+    QTimer::singleShot(0, view, [view] {
+        const QModelIndexList selected = view->selectedIndexes();
+        if (!view->selectIndex(std::exchange(view->wanted, {})) && !selected.isEmpty())
+            view->setCurrentIndex(selected.first());
+    });
+}
+
+bool OutlineViewExtended::selectIndex(const QModelIndex &row)
+{
+    const QPersistentModelIndex index = row;
+    if (isHeldBack(index) && !mayLeave())
+        return false;
+    // The answer may have changed the rows.
+    if (!index.isValid())
+        return false;
     if (index.parent().isValid())
         expand(index.parent());
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
     scrollTo(index);
+    return true;
 }
 
 void OutlineViewExtended::toggle(const QModelIndex &heading)
@@ -57,6 +90,10 @@ QItemSelectionModel::SelectionFlags OutlineViewExtended::selectionCommand(const 
     // The screen stays while the keys pass over a heading or the press goes beside the rows.
     if (!index.isValid() || isHeading(index))
         return QItemSelectionModel::NoUpdate;
+    if (isHeldBack(index)) {
+        selectAfterQuestion(index);
+        return QItemSelectionModel::NoUpdate;
+    }
     return QTreeView::selectionCommand(index, event);
 }
 

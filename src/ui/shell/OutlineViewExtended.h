@@ -2,6 +2,8 @@
 
 #include <QTreeView>
 
+#include <functional>
+
 /// The sidebar's tree. Headings are reached by the keys and opened by a press, but never selected.
 class OutlineViewExtended : public QTreeView
 {
@@ -9,8 +11,11 @@ class OutlineViewExtended : public QTreeView
 public:
     explicit OutlineViewExtended(QWidget *parent = nullptr);
 
-    /// Selects a row, opening what it lies in.
-    void selectIndex(const QModelIndex &index);
+    /// Selects a row, opening what it lies in. False if the row cannot be selected, or may not be left.
+    bool selectIndex(const QModelIndex &index);
+    /// A row is left for another one only if `mayLeave` allows it, which is asked where `isHeld` says so of
+    /// the other one.
+    void setLeaveQuestion(std::function<bool(const QModelIndex &)> isHeld, std::function<bool()> mayLeave);
     /// Lets the user type another title for a row that has one of its own.
     void rename(const QModelIndex &index);
     /// Opens or closes a heading; opening selects its first child.
@@ -34,4 +39,11 @@ protected:
 
 private:
     bool isHeading(const QModelIndex &index) const;
+    bool isHeldBack(const QModelIndex &index) const;
+    void selectAfterQuestion(const QModelIndex &index) const;
+
+    std::function<bool(const QModelIndex &)> isHeld;
+    std::function<bool()> mayLeave;
+    /// The row that the user has asked for, until its question comes.
+    mutable QPersistentModelIndex wanted;
 };

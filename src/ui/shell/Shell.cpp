@@ -4,6 +4,7 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "objectstore/Sqlite.h"
+#include "records/DraftKeeper.h"
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -80,6 +81,10 @@ bool Shell::commitEditing()
 {
     if (QWidget *focused = QApplication::focusWidget())
         focused->clearFocus();
+    // What a field does when it loses the keys may still wait for its turn.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+    // Whoever cannot be asked any more finds the text at the next start.
+    DraftKeeper::finishAll();
     return true;
 }
 

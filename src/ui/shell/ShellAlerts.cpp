@@ -42,6 +42,18 @@ void ShellAlerts::alertEditingEvent(const QString &calendarTitle)
          localized(u"Only the calendar administrator can make changes to read-only calendar"_s));
 }
 
+void ShellAlerts::tellOfDrafts()
+{
+    tell(localized(u"Morvane has found text that was not saved"_s),
+         localized(u"It opens again as you left it. Save it, or give it up."_s));
+}
+
+void ShellAlerts::tellOfUnreadableDrafts(const QStringList &files)
+{
+    tell(localized(u"Text that was not saved could not be read"_s),
+         localized(u"It was put aside in %1"_s).arg(files.join(u'\n')));
+}
+
 bool ShellAlerts::alertRemoveItem()
 {
     return Alert::run({.title = {},

@@ -16,6 +16,10 @@ void alertSelectOneTask();
 void alertEditingEvent(const QString &calendarTitle);
 /// Says what went wrong, if anything did.
 void presentError(const OptionalError &error);
+/// Text was found that the user had typed and not saved; it is about to open again.
+void tellOfDrafts();
+/// Such text could not be read; it lies in these files.
+void tellOfUnreadableDrafts(const QStringList &files);
 /// Whether the selected item is to be deleted.
 bool alertRemoveItem();
 

@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "widgets/Icons.h"
+#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
 #include <QApplication>
@@ -28,8 +29,8 @@ static void fillWords(QMessageBox &box, const AlertQuestion &question)
 {
     const bool hasMessage = !question.message.isEmpty();
     box.setWindowTitle(question.title.isEmpty() ? QGuiApplication::applicationDisplayName() : question.title);
-    box.setText(hasMessage ? question.message : question.title);
-    box.setInformativeText(question.informativeText);
+    box.setText(readablePart(hasMessage ? question.message : question.title));
+    box.setInformativeText(readablePart(question.informativeText));
     box.setIconPixmap(Icons::pixmap(u"info"_s, Theme::accent, boxIconSize, box.devicePixelRatio()));
     box.setTextFormat(Qt::PlainText);
 }

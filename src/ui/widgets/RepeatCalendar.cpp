@@ -52,6 +52,13 @@ void RepeatCalendar::setItems(const std::vector<RepeatCalendarCell> &cells)
         setTabStop(selected == cellItems.end() ? cellItems.front() : *selected);
 }
 
+void RepeatCalendar::setSelectedItems(const std::function<bool(int number)> &isSelected)
+{
+    const QSignalBlocker quiet(this);
+    for (RepeatCalendarItem *item : cellItems)
+        item->setChecked(isSelected(item->number()));
+}
+
 void RepeatCalendar::setTabStop(const RepeatCalendarItem *stop)
 {
     for (RepeatCalendarItem *item : cellItems)

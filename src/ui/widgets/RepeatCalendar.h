@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <vector>
 
 /// What one cell of a `RepeatCalendar` shows.
@@ -25,6 +26,9 @@ public:
 
     /// Replaces the cells; without any the grid takes no room.
     void setItems(const std::vector<RepeatCalendarCell> &cells);
+
+    /// Selects exactly those of the cells that are told, without a signal.
+    void setSelectedItems(const std::function<bool(int number)> &isSelected);
 
     const std::vector<RepeatCalendarItem *> &items() const { return cellItems; }
     std::vector<int> selectedItems() const;

@@ -1,5 +1,7 @@
 #include "widgets/TableCell.h"
 
+#include "widgets/TextLabel.h"
+
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QToolTip>
@@ -13,7 +15,8 @@ bool TableCell::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QSty
         return QAbstractItemDelegate::helpEvent(event, view, option, index);
     const QString whole = index.isValid() ? cutText(option, index) : QString();
     // As rich text it is broken into lines.
-    const QString shown = whole.isEmpty() ? QString() : u"<p>"_s + whole.toHtmlEscaped() + u"</p>"_s;
+    const QString shown =
+        whole.isEmpty() ? QString() : u"<p>"_s + readablePart(whole).toHtmlEscaped() + u"</p>"_s;
     QToolTip::showText(event->globalPos(), shown, view, option.rect);
     return !whole.isEmpty();
 }

@@ -4,5 +4,9 @@
 
 class QLabel;
 
+/// A text from elsewhere, cut to what can be read at a glance: nobody reads more of it in a box or a tip, and
+/// laying out a megabyte stops the program. Very long words get places where a line may break.
+QString readablePart(const QString &text);
+
 /// A label that breaks its lines, in a role's font and a colour of the theme.
 QLabel *makeTextLabel(const QString &text, Theme::FontRole role, const QColor &color);

@@ -148,3 +148,60 @@ TEST_F(TaskFormCalendarTest, WithoutAccessThereIsNoRepetitionAndTheHeaderSaysSo)
     EXPECT_EQ(TaskFormChoices::calendarsHeader(form.hasCalendarAccess()),
               u"The app does not have access to your calendars"_qs);
 }
+
+/// The window says what the store holds and what the calendar shows, whatever is picked.
+TEST_F(TaskFormCalendarTest, ARuleOfOnesOwnIsTheSameInTheWindowTheStoreAndTheCalendar)
+{
+    // By the places in the window's list of frequencies.
+    enum Frequency { Daily, Weekly, Monthly, Yearly };
+    struct Pick
+    {
+        Frequency frequency;
+        int interval;
+        std::vector<int> items;
+    };
+    const std::vector<Pick> picks = {
+        {Daily, 3, {}},   {Weekly, 1, {2}},   {Weekly, 1, {1}},   {Weekly, 2, {1, 3, 5}},
+        {Monthly, 1, {}}, {Monthly, 1, {23}}, {Monthly, 2, {22}}, {Monthly, 1, {22, 28}},
+        {Yearly, 1, {}},  {Yearly, 1, {3}},   {Yearly, 1, {11}},  {Yearly, 1, {3, 11}},
+    };
+    for (const Pick &pick : picks) {
+        const std::string name = testing::PrintToString(std::pair(int(pick.frequency), pick.items));
+        // A Sunday.
+        const Date start = localDate(2026, 11, 22, 10);
+        NewTaskRequest request;
+        request.type = TaskType::Appointment;
+        request.createWithStartDate = start;
+        request.createWithDueDate = start + Seconds(3600);
+        TaskFormState form(request);
+        form.setTitle(u"Series"_qs);
+        CustomRepeat window = form.customRepeat();
+        window.frequencyChange(pick.frequency);
+        window.setInterval(pick.interval);
+        for (const int item : pick.items)
+            window.setSelected(item, true);
+        form.setRepeat(RRule::stringFromRule(window.rule()));
+        ASSERT_TRUE(form.save()) << name;
+        pass();
+
+        // As another program shows them.
+        const EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
+        const auto events = elsewhere.eventsMatchingPredicate(elsewhere.predicateForEventsWithStartDate(
+            start - Seconds(86400), start + Seconds(4 * 366 * 86400.0), {}));
+        std::vector<Date> inCalendar;
+        for (const EKEvent &event : events.value())
+            inCalendar.push_back(*event.startDate);
+        std::ranges::sort(inCalendar);
+        inCalendar.resize(std::min<std::size_t>(inCalendar.size(), 3));
+        EXPECT_EQ(inCalendar, window.nextDates(3)) << name;
+        EXPECT_EQ(*rows().front()->startDate(), window.nextDates(1).front()) << name;
+        const TaskFormState later(rows().front());
+        EXPECT_EQ(later.customRepeat().nextDates(3), window.nextDates(3)) << name;
+        EXPECT_EQ(later.customRepeat().warning().contains(u"follows"_qs), false) << name;
+
+        while (!rows().empty())
+            CalendarEvent::removeEventCalendarFromTask(rows().front(), Span::FutureTasks, true);
+        EXPECT_FALSE(DBWorker::saveContext());
+        EXPECT_TRUE(files(u"Home"_qs).isEmpty());
+    }
+}

@@ -181,4 +181,50 @@ TEST_F(WritingTasksToEvents, DeletingReachesTheCalendar)
     EXPECT_THAT(files(u"Home"_qs), SizeIs(1));
 }
 
+/// Such a task stands on no day of a calendar; there is nothing to write, and nothing to complain of.
+TEST_F(WritingTasksToEvents, AToDoThatIsOnlyDueHasAnEventOnceItStarts)
+{
+    const LogCapture log;
+    MVTask taxes = draft(TaskType::ToDo, {}, localDate(2026, 11, 30, 23, 59));
+    ASSERT_TRUE(TaskManager::saveTaskTemp(taxes, true));
+    taxes.title = u"Taxes"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(taxes, true));
+    EXPECT_TRUE(files(u"Home"_qs).isEmpty());
+    taxes.startDate = localDate(2026, 11, 28);
+    ASSERT_TRUE(TaskManager::saveTaskTemp(taxes, true));
+    EXPECT_TRUE(onlyFile().contains(u"SUMMARY:Taxes"_qs));
+    taxes.startDate.reset();
+    ASSERT_TRUE(TaskManager::saveTaskTemp(taxes, true));
+    EXPECT_TRUE(files(u"Home"_qs).isEmpty());
+    EXPECT_EQ(log.lines(), QStringList());
+    pass();
+    EXPECT_THAT(rows(), SizeIs(1));
+}
+
+TEST_F(WritingTasksToEvents, ATaskWithoutACalendarTakesTheUsualOneWhenItIsNextSaved)
+{
+    choose({});
+    MVTask early = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));
+    early.typeCalendarID.clear();
+    ASSERT_TRUE(TaskManager::saveTaskTemp(early, true));
+    MVTask idea = draft(TaskType::ToDo, {}, {});
+    idea.typeCalendarID.clear();
+    ASSERT_TRUE(TaskManager::saveTaskTemp(idea, true));
+    EXPECT_TRUE(idea.task()->typeCalendarID().isEmpty());
+    choose({u"Home"_qs, u"Work"_qs});
+    for (MVTask *task : {&early, &idea}) {
+        task->title += u"!"_qs;
+        ASSERT_TRUE(TaskManager::saveTaskTemp(*task, true));
+        EXPECT_EQ(task->task()->typeCalendarID(), u"Home"_qs);
+        EXPECT_EQ(task->task()->calendarTitle(), u"Home"_qs);
+    }
+    EXPECT_TRUE(onlyFile().contains(u"SUMMARY:Task!"_qs));
+    // One that has a calendar keeps it.
+    MVTask other(early.task());
+    other.typeCalendarID = u"Work"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(other, true));
+    other.title = u"Moved"_qs;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(other, true));
+    EXPECT_TRUE(onlyFile(u"Work"_qs).contains(u"SUMMARY:Moved"_qs));
+}
 } // namespace

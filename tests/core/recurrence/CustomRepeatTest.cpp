@@ -33,7 +33,7 @@ protected:
 
 TEST_F(CustomRepeatTest, TheGridShowsAndTakesWhatBelongsToTheFrequency)
 {
-    CustomRepeat repeat = of(u"FREQ=WEEKLY;INTERVAL=3;BYDAY=WE"_s, localDate(2026, 11, 23));
+    CustomRepeat repeat = of(u"FREQ=WEEKLY;INTERVAL=3;BYDAY=WE"_s, localDate(2026, 11, 25));
     EXPECT_EQ(repeat.items().size(), 7U);
     EXPECT_EQ(repeat.items().front(), Calendar::current().firstWeekday());
     EXPECT_TRUE(repeat.isSelected(static_cast<int>(EKWeekday::Wednesday)));
@@ -44,10 +44,10 @@ TEST_F(CustomRepeatTest, TheGridShowsAndTakesWhatBelongsToTheFrequency)
     repeat.frequencyChange(2);
     EXPECT_TRUE(repeat.rule().byweekday.empty());
     EXPECT_EQ(repeat.items().size(), 31U);
-    for (const int day : {31, 2})
+    for (const int day : {25, 31, 2})
         repeat.setSelected(day, true);
     repeat.setSelected(31, false);
-    EXPECT_EQ(repeat.rule().bymonthday, std::vector{2});
+    EXPECT_EQ(repeat.rule().bymonthday, (std::vector{2, 25}));
 
     repeat.frequencyChange(3);
     EXPECT_EQ(repeat.items().size(), 12U);
@@ -88,7 +88,7 @@ TEST_F(CustomRepeatTest, ItSaysWhatTheUserMayNotExpect)
               u"Years without a February 29 are skipped."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=4,5"_s, lastOfMay).warning(),
               u"In months without a day 31, this date is skipped."_s);
-    EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=2"_s, lastOfMay).warning(), u"This never comes round."_s);
+    EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=2,4"_s, lastOfMay).warning(), u"This never comes round."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY"_s, lastOfMay).warning(), QString());
     EXPECT_EQ(of(u"FREQ=WEEKLY"_s, lastOfMay).warning(), QString());
 }
@@ -103,18 +103,31 @@ TEST_F(CustomRepeatTest, ARuleByHoursCanBeReplaced)
 }
 
 /// As it happens once the rule is put on an event.
-TEST_F(CustomRepeatTest, ASingleDayGivesWayToTheDateOfTheTask)
+TEST_F(CustomRepeatTest, ASingleDayOrMonthMovesToTheDateOfTheTask)
 {
     const Date saturday = localDate(2026, 11, 21, 10);
     const QString warning = u"A single day follows the date of the task."_s;
     const CustomRepeat onSundays = of(u"FREQ=WEEKLY;BYDAY=SU"_s, saturday);
+    EXPECT_TRUE(onSundays.isSelected(static_cast<int>(EKWeekday::Saturday)));
+    EXPECT_FALSE(onSundays.isSelected(static_cast<int>(EKWeekday::Sunday)));
+    EXPECT_EQ(onSundays.sentence(), u"Repeats every week on Saturday"_s);
     EXPECT_EQ(days(onSundays, 2), (QStringList{u"2026-11-21"_s, u"2026-11-28"_s}));
     EXPECT_EQ(onSundays.warning(), warning);
     EXPECT_EQ(of(u"FREQ=WEEKLY;BYDAY=SA"_s, saturday).warning(), QString());
     const CustomRepeat onTwoDays = of(u"FREQ=WEEKLY;BYDAY=MO,SU"_s, saturday);
     EXPECT_EQ(days(onTwoDays, 2), (QStringList{u"2026-11-22"_s, u"2026-11-23"_s}));
     EXPECT_EQ(onTwoDays.warning(), QString());
-    const CustomRepeat onTheFifth = of(u"FREQ=MONTHLY;BYMONTHDAY=5"_s, saturday);
-    EXPECT_EQ(days(onTheFifth, 2), (QStringList{u"2026-11-21"_s, u"2026-12-21"_s}));
-    EXPECT_EQ(onTheFifth.warning(), warning);
+    CustomRepeat monthly = of(u"FREQ=MONTHLY"_s, saturday);
+    monthly.setSelected(5, true);
+    EXPECT_EQ(monthly.rule().bymonthday, std::vector{21});
+    EXPECT_EQ(days(monthly, 2), (QStringList{u"2026-11-21"_s, u"2026-12-21"_s}));
+    EXPECT_EQ(monthly.warning(), warning);
+    monthly.setSelected(5, true);
+    EXPECT_EQ(monthly.rule().bymonthday, (std::vector{5, 21}));
+    EXPECT_EQ(monthly.warning(), QString());
+    CustomRepeat yearly = of(u"FREQ=YEARLY"_s, saturday);
+    yearly.setSelected(3, true);
+    EXPECT_EQ(yearly.sentence(), u"Repeats every year in November"_s);
+    EXPECT_EQ(days(yearly, 2), (QStringList{u"2026-11-21"_s, u"2027-11-21"_s}));
+    EXPECT_EQ(yearly.warning(), u"A single month follows the date of the task."_s);
 }

@@ -246,4 +246,18 @@ TEST_F(CategoriesScreen, BesideADetailTheTasksKeepTheirRoom)
     EXPECT_TRUE(panel.isVisible());
 }
 
+TEST_F(CategoriesScreen, AHalfTypedTitleIsKeptWhenTheScreenIsLeftAndWhenTheProgramQuits)
+{
+    press(find<ToolBarButton>(window(), "buttonAdd"));
+    QTest::keyClicks(editor(), u"Garden"_s);
+    pressSidebar(SidebarItem::Today);
+    showList(SidebarItem::Categories);
+    EXPECT_TRUE(titles().contains(u"Garden"_s));
+    press(find<ToolBarButton>(window(), "buttonAdd"));
+    QTest::keyClicks(editor(), u"Orchard"_s);
+    EXPECT_EQ(delegate->applicationShouldTerminate(AppDelegate::QuitWish::OfSystem),
+              AppDelegate::TerminateReply::Now);
+    EXPECT_TRUE(titles().contains(u"Orchard"_s));
+}
+
 } // namespace

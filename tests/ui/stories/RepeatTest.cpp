@@ -89,14 +89,19 @@ TEST_F(RepeatTest, ARuleOfOnesOwnIsPutTogetherByTheKeys)
     QTest::keyClick(cell, Qt::Key_Down);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-    EXPECT_EQ(find<QLabel>(custom, "labelSentence").text(), u"Repeats every 2 months on the 9th"_s);
-    // One day alone gives way to the date of the task, and that is said.
+    // One day alone gives way to the date of the task, and that is seen and said.
+    EXPECT_EQ(custom.findChild<RepeatCalendar *>()->selectedItems(), std::vector{21});
+    EXPECT_EQ(find<QLabel>(custom, "labelSentence").text(), u"Repeats every 2 months on the 21st"_s);
     EXPECT_TRUE(find<QLabel>(custom, "labelDates").text().contains(u"Jan 21, 2027"_s));
     EXPECT_EQ(find<QLabel>(custom, "labelWarning").text(), u"A single day follows the date of the task."_s);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_TRUE(repeat().contains(u"FREQ=MONTHLY;INTERVAL=2;"_s)) << qPrintable(repeat());
-    EXPECT_TRUE(repeat().endsWith(u"BYMONTHDAY=9"_s));
-    EXPECT_EQ(popUp.currentText(), u"Repeats every 2 months on the 9th"_s);
+    EXPECT_TRUE(repeat().endsWith(u"BYMONTHDAY=21"_s));
+    EXPECT_EQ(popUp.currentText(), u"Repeats every 2 months on the 21st"_s);
+    TaskFormState &form = *newTaskWindow()->taskForm();
+    DatePickerState start = form.openPicker(DatePickerState::Type::StartDate);
+    form.acceptDate(start, localDate(2026, 11, 21) - Seconds(2 * 86400));
+    EXPECT_EQ(popUp.currentText(), u"Repeats every 2 months on the 19th"_s) << "it goes with the date";
 }
 
 TEST_F(RepeatTest, TheMouseSelectsDaysAndAShortMonthIsWarnedOf)

@@ -32,6 +32,15 @@ protected:
         }
         popup.close();
     }
+    /// How many commands of the menu that change something can be given.
+    int possibleChanges()
+    {
+        const auto &popup = find<TaskPopupMenu>(screen(), "taskPopupMenu");
+        return static_cast<int>(std::ranges::count_if(popup.actions(), [](const QAction *action) {
+            const bool isChange = action->menu() || action->text() == u"Delete"_s;
+            return isChange && action->isEnabled();
+        }));
+    }
 };
 
 TEST_F(WorkingOffTasksTest, ATickIsStoredAndSeenAtOnceAndTheRowLeavesLater)
@@ -81,7 +90,7 @@ TEST_F(WorkingOffTasksTest, DeletingAsksAndSelectsTheNewLastTaskAndNotTheEndMark
     EXPECT_EQ(alerts.asked().size(), 2U);
 }
 
-TEST_F(WorkingOffTasksTest, ATaskOfAReadOnlyCalendarStaysAndSaysSoOnlyWhenAlone)
+TEST_F(WorkingOffTasksTest, ATaskOfAReadOnlyCalendarStaysAndSaysSoWhereNothingElseIsSelected)
 {
     add(u"read only"_s, [](MVTask &task) {
         task.allowsContentModifications = false;
@@ -89,21 +98,27 @@ TEST_F(WorkingOffTasksTest, ATaskOfAReadOnlyCalendarStaysAndSaysSoOnlyWhenAlone)
     });
     addInbox({u"mine"_s});
     const int barred = static_cast<int>(shownTitles().indexOf(u"read only"_s));
-    ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+    ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton, Alert::firstButton});
     clickRow(barred);
     key(Qt::Key_Delete);
     ASSERT_EQ(alerts.asked().size(), 1U);
     EXPECT_TRUE(alerts.asked().front().message.contains(u"Holidays"_s));
+    key(Qt::Key_Space);
+    ASSERT_EQ(alerts.asked().size(), 2U);
+    EXPECT_TRUE(alerts.asked().back().message.contains(u"Holidays"_s));
     run(ActionId::SelectAll);
+    choose({}, {});
+    EXPECT_EQ(possibleChanges(), 4) << "one of the two can be changed";
     key(Qt::Key_Delete);
     EXPECT_EQ(inboxTitles(), QStringList{u"read only"_s});
-    EXPECT_EQ(alerts.asked().size(), 2U);
+    EXPECT_EQ(alerts.asked().size(), 3U);
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, checkBoxOf(0));
     EXPECT_EQ(stored(u"read only"_s)->status(), TaskStatus::Open);
     clickRow(0);
     choose(u"Status"_s, u"Pending"_s);
     choose(u"Priority"_s, u"High"_s);
     choose(u"Category"_s, u"Work"_s);
+    EXPECT_EQ(possibleChanges(), 0);
     const TaskPtr kept = stored(u"read only"_s);
     EXPECT_EQ(kept->status(), TaskStatus::Open);
     EXPECT_EQ(kept->priority(), Priority::None);

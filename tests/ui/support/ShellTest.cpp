@@ -22,7 +22,8 @@ static void prepareOnce()
 ShellTest::ShellTest()
 {
     prepareOnce();
-    QDir(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Morvane")).removeRecursively();
+    if (!qEnvironmentVariableIsSet("MORVANE_TEST_HOME"))
+        QDir(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Morvane")).removeRecursively();
     for (const QString &setting : {settings::valueSwitchDatabase, settings::firstRun, settings::taskGrouped})
         UserDefaults::standard().removeObject(setting);
     auto made = std::make_unique<Shell>();

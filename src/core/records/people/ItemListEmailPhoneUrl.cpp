@@ -2,19 +2,41 @@
 
 #include "records/people/FreeType.h"
 
+#include <QRegularExpression>
 #include <QUrl>
 
 namespace {
 
-/// The decimal digits of a text, of any script, as those that a telephone knows.
-QString digitsOf(const QString &text)
+/// The decimal digits of a text, of any script, as those that a telephone knows, with the sign of an
+/// international number before them.
+QString dialled(const QString &text)
 {
     QString digits;
     for (const char32_t character : text.toStdU32String()) {
+        constexpr char32_t wideSign = U'\uFF0B';
+        const bool isSign = character == U'+' || character == wideSign;
         if (QChar::category(character) == QChar::Number_DecimalDigit)
             digits += QChar(u'0' + QChar::digitValue(character));
+        else if (isSign && digits.isEmpty())
+            digits = u'+';
     }
     return digits;
+}
+
+/// "https:" where nothing else is said. A colon alone says nothing: it may stand before a port.
+QString withScheme(const QString &url)
+{
+    static const QRegularExpression scheme(QStringLiteral("^([a-z][a-z0-9+.-]*://|mailto:|tel:|geo:)"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    return scheme.match(url).hasMatch() ? url : QStringLiteral("https://") + url;
+}
+
+/// What is escaped already stays; whatever else cannot stand in an address is escaped.
+QString escaped(const QString &url)
+{
+    static const QRegularExpression escapedTwice(QStringLiteral("%25([0-9A-Fa-f]{2})"));
+    return QString::fromLatin1(QUrl::toPercentEncoding(url, "!$&'()*+,;=:@/?#"))
+        .replace(escapedTwice, QStringLiteral("%\\1"));
 }
 
 } // namespace
@@ -78,7 +100,7 @@ std::shared_ptr<EntityURLType> ItemListEmailPhoneUrl::typeNoSelectURL(const UrlT
 void ItemListEmailPhoneUrl::setPhoneNumber(const QString &number)
 {
     shownText = number;
-    linkTarget = number.isEmpty() ? QString() : QStringLiteral("tel:") + digitsOf(number);
+    linkTarget = number.isEmpty() ? QString() : QStringLiteral("tel:") + dialled(number);
 }
 
 void ItemListEmailPhoneUrl::setEmailString(const QString &email)
@@ -90,10 +112,8 @@ void ItemListEmailPhoneUrl::setEmailString(const QString &email)
 void ItemListEmailPhoneUrl::setURLString(const QString &url)
 {
     shownText = url;
-    QString rest = url;
-    rest.remove(QStringLiteral("http://")).remove(QStringLiteral("https://"));
-    const QByteArray encoded = QUrl::toPercentEncoding(QStringLiteral("http://") + rest, "!$&'()*+,;=:@/?");
-    linkTarget = url.isEmpty() ? QString() : QString::fromLatin1(encoded);
+    const QString trimmed = url.trimmed();
+    linkTarget = trimmed.isEmpty() ? QString() : escaped(withScheme(trimmed));
 }
 
 void ItemListEmailPhoneUrl::setEntityPhone(const PhonePtr &phone)

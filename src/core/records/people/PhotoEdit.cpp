@@ -12,14 +12,17 @@ PhotoEdit::PhotoEdit(const QString &photoName)
     , name(photoName)
 {}
 
-void PhotoEdit::dropPicture(const QByteArray &tiffRepresentation)
+bool PhotoEdit::dropPicture(const QByteArray &png)
 {
-    dropped = tiffRepresentation;
-    const std::optional<QString> held = FileManager::existPhotoData(tiffRepresentation);
+    if (!png.startsWith("\x89PNG\r\n\x1a\n"))
+        return false;
+    dropped = png;
+    const std::optional<QString> held = FileManager::existPhotoData(png);
     isNewPicture = !held;
     replaceName(held ? *held
                      : DateFormatter::string(MVDate::date(), QStringLiteral("dd-MM-yyyy HH:mm:ss")) +
                            QStringLiteral(".png"));
+    return true;
 }
 
 void PhotoEdit::removePicture()

@@ -15,8 +15,9 @@ public:
     /// `photoName` as it is when editing begins; empty without a picture.
     explicit PhotoEdit(const QString &photoName = {});
 
-    /// The user dropped a picture; `tiffRepresentation` is what its file will hold.
-    void dropPicture(const QByteArray &tiffRepresentation);
+    /// The user dropped a picture; `png` is what its file will hold. False, and nothing happens, for anything
+    /// that is not in that format: the names of pictures say ".png".
+    bool dropPicture(const QByteArray &png);
     void removePicture();
 
     /// The name that the record is to be saved with; empty without a picture.

@@ -190,6 +190,13 @@ void CategoriesViewController::updateRows()
     TabTaskViewController::updateRows();
 }
 
+/// A title that is being written is kept, as by a press beside it.
+void CategoriesViewController::clearController()
+{
+    endEditing(true);
+    TabTaskViewController::clearController();
+}
+
 void CategoriesViewController::updateCategories()
 {
     categoriesUpdate.stop();

@@ -19,6 +19,7 @@ public:
     /// Of the selected category.
     void reloadData() override;
     void updateRows() override;
+    void clearController() override;
     NewTaskRequest newTaskRequest() const override;
     void setDetailSpace(int width) override;
     bool hasSelection() const override;

@@ -125,8 +125,23 @@ void DetailStack::removeWhere(Matches matches)
 
 // Coming
 
-void DetailStack::showDetail(DetailViewController *detail, QWidget *controller)
+/// A pane in which something was typed is not covered without a word.
+bool DetailStack::mayBeCovered()
 {
+    DetailViewController *const pane = top();
+    if (!pane || isLeaving(*pane))
+        return true;
+    LeaveGate gate;
+    gate.add(*pane, [] {});
+    return gate.mayLeave();
+}
+
+bool DetailStack::showDetail(DetailViewController *detail, QWidget *controller)
+{
+    if (!mayBeCovered()) {
+        detail->deleteLater();
+        return false;
+    }
     setNotActiveLastDeteil();
     if (std::ranges::all_of(panes, [](const auto *pane) { return isLeaving(*pane); })) {
         screen = qobject_cast<TabsViewController *>(controller);
@@ -136,10 +151,12 @@ void DetailStack::showDetail(DetailViewController *detail, QWidget *controller)
     }
     panes.push_back(detail);
     detail->setParent(&content);
-    connect(detail, &DetailViewController::backRequested, this, [this, detail] { goBack(detail); });
+    connect(detail, &DetailViewController::backRequested, this, [this, detail] { requestBack(detail); });
+    connect(detail, &DetailViewController::textLeft, this, &DetailStack::textLeft);
     connect(detail, &DetailViewController::recordRemoved, this,
             [this, detail] { removeWhere([detail](const auto *pane) { return pane == detail; }); });
     slideIn(*detail);
+    return true;
 }
 
 void DetailStack::slideIn(DetailViewController &detail)
@@ -161,7 +178,19 @@ void DetailStack::slideIn(DetailViewController &detail)
     Animations::start(animation);
 }
 
-void DetailStack::showAgain(DetailViewController *detail)
+bool DetailStack::showAgain(DetailViewController *detail)
+{
+    const QPointer<DetailViewController> wanted = detail;
+    if (detail == top())
+        return true;
+    if (!mayBeCovered())
+        return false;
+    if (wanted)
+        bringUp(wanted);
+    return true;
+}
+
+void DetailStack::bringUp(DetailViewController *detail)
 {
     const auto found = std::find(panes.begin(), panes.end(), detail);
     if (found == panes.end() || detail == top())
@@ -187,6 +216,13 @@ void DetailStack::setActiveLastDeteil()
 }
 
 // Going
+
+void DetailStack::requestBack(DetailViewController *detail)
+{
+    const QPointer<DetailViewController> leaving = detail;
+    if (mayBeCovered() && leaving)
+        goBack(leaving);
+}
 
 void DetailStack::goBack(DetailViewController *detail)
 {
@@ -238,15 +274,34 @@ void DetailStack::leave()
         screen->takeKeysBack();
 }
 
+bool DetailStack::hasChanges() const
+{
+    return std::ranges::any_of(panes, [](auto *pane) { return !isLeaving(*pane) && pane->hasChanges(); });
+}
+
+void DetailStack::addTo(LeaveGate &gate)
+{
+    for (auto pane = panes.rbegin(); pane != panes.rend(); ++pane) {
+        if (!isLeaving(**pane))
+            gate.add(**pane, [this, detail = *pane] { bringUp(detail); });
+    }
+}
+
 bool DetailStack::mayLeave()
 {
-    const std::vector<QPointer<DetailViewController>> asked(panes.rbegin(), panes.rend());
-    return std::ranges::all_of(asked, [this](const auto &pane) {
-        if (!pane || isLeaving(*pane) || !pane->hasChanges())
-            return true;
-        showAgain(pane);
-        return pane->mayLeave();
-    });
+    LeaveGate gate;
+    addTo(gate);
+    return gate.mayLeave();
+}
+
+bool DetailStack::mayLeave(const std::vector<TaskPtr> &tasks)
+{
+    LeaveGate gate;
+    for (const TaskPtr &task : tasks) {
+        if (DetailViewController *pane = paneOf(task))
+            gate.add(*pane, [this, pane] { bringUp(pane); });
+    }
+    return gate.mayLeave();
 }
 
 void DetailStack::removeAllDetail()

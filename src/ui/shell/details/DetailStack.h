@@ -31,19 +31,25 @@ public:
 
     /// Slides a pane in, which is owned by the stack from now on. `controller` is the screen or the pane that
     /// opens it; only a screen below an empty stack says where it lies, any other pane covers the top one
-    /// exactly.
-    void showDetail(DetailViewController *detail, QWidget *controller);
-    /// Brings a pane that lies lower in the stack to the top.
-    void showAgain(DetailViewController *detail);
+    /// exactly. False, and nothing is shown, if the user wants to go on with what the pane on top holds.
+    bool showDetail(DetailViewController *detail, QWidget *controller);
+    /// Brings a pane that lies lower in the stack to the top. False as above.
+    bool showAgain(DetailViewController *detail);
     /// Slides the pane out and drops it; what lies below is active again.
     void goBack(DetailViewController *detail);
 
     void setNotActiveLastDeteil();
     void setActiveLastDeteil();
 
+    /// Whether something was typed in a pane that would be lost.
+    bool hasChanges() const;
     /// Asks about every pane with something typed, which comes to the top for that. False if one of them is
     /// to stay.
     bool mayLeave();
+    /// The same about the panes of some tasks.
+    bool mayLeave(const std::vector<TaskPtr> &tasks);
+    /// The same as a part of a larger question.
+    void addTo(LeaveGate &gate);
 
     /// Drops all panes at once, without a question.
     void removeAllDetail();
@@ -51,10 +57,17 @@ public:
     void removeAllDetailFromTasks(const std::vector<TaskPtr> &tasks);
     void removeAllDetailFromProjects(const std::vector<ProjectPtr> &projects);
 
+Q_SIGNALS:
+    /// What was typed for a record that is no more lies in this file.
+    void textLeft(const QString &draftFile);
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    bool mayBeCovered();
+    void bringUp(DetailViewController *detail);
+    void requestBack(DetailViewController *detail);
     QRect restingPlace() const;
     QPoint outsidePlace() const;
     void slideIn(DetailViewController &detail);

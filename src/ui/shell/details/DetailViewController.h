@@ -1,6 +1,7 @@
 #pragma once
 
 #include "objectstore/ManagedObject.h"
+#include "shell/LeaveGate.h"
 
 #include <QWidget>
 
@@ -16,7 +17,7 @@ struct DetailPlace
 };
 
 /// A pane about one record that slides in over a screen.
-class DetailViewController : public QWidget
+class DetailViewController : public QWidget, public EditedPlace
 {
     Q_OBJECT
 public:
@@ -28,10 +29,6 @@ public:
     virtual std::shared_ptr<ManagedObject> record() const { return nullptr; }
     /// Whether "KeySave" has something to do: the pane is being edited.
     virtual bool canSave() const { return false; }
-    /// Whether something was typed that would be lost.
-    virtual bool hasChanges() { return false; }
-    /// Asks what to do with that, and ends the edit. False if the user wants to go on with it.
-    virtual bool mayLeave() { return true; }
     /// The pane is about to be left for good.
     virtual void clearController() {}
 
@@ -44,6 +41,8 @@ Q_SIGNALS:
     void backRequested();
     /// The record is no more: the pane is to go at once.
     void recordRemoved();
+    /// The record can take no more what was typed for it, which lies in this file now.
+    void textLeft(const QString &draftFile);
     /// The pane has gone.
     void dismissDeteilViewController();
 

@@ -48,20 +48,21 @@ TaskDetailViewController::TaskDetailViewController(const TaskPtr &task, QWidget 
     connect(view, &TaskFormView::accepted, this, &TaskDetailViewController::clickButtonEdit);
     connect(view, &TaskFormView::doneToggled, this, &TaskDetailViewController::changeCheckBoxDone);
     connect(view, &TaskFormView::editWanted, this, &TaskDetailViewController::editAttempted);
+    connect(view, &TaskFormView::changed, this, [this] { keeper.formChanged(); });
     observe();
     invitationTimer.setSingleShot(true);
     connect(&invitationTimer, &QTimer::timeout, this, [this] { form.findInvitation(); });
     setPreviewMode();
 }
 
-void TaskDetailViewController::showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
+bool TaskDetailViewController::showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
                                         std::optional<ListType> typeTask)
 {
     if (DetailViewController *open = stack.paneOf(task))
         return stack.showAgain(open);
     auto *pane = new TaskDetailViewController(task);
     pane->setTypeTask(typeTask);
-    stack.showDetail(pane, &controller);
+    return stack.showDetail(pane, &controller);
 }
 
 // The parts
@@ -168,13 +169,14 @@ void TaskDetailViewController::taskChanged()
     if (Waiting::isForAnswer())
         return refreshTimer.start(Waiting::lookInterval);
     if (form.isGone()) {
+        handOver();
         Q_EMIT recordRemoved();
     } else if (isEditing()) {
         form.followRow();
         if (form.allowsModifyEvent())
-            statusChanged();
-        else
-            dropEdit();
+            return statusChanged();
+        handOver();
+        dropEdit();
     } else if (form.currentTask().isChangedTask()) {
         form.rollback();
         form.findInvitation();
@@ -259,10 +261,12 @@ void TaskDetailViewController::finishEdit()
     case TaskFormState::EditEnd::Refused:
         return;
     case TaskFormState::EditEnd::Removed:
+        keeper.drop();
         Q_EMIT recordRemoved();
         return;
     case TaskFormState::EditEnd::Unchanged:
     case TaskFormState::EditEnd::Saved:
+        keeper.drop();
         setPreviewMode();
         setFocus();
     }
@@ -313,17 +317,12 @@ bool TaskDetailViewController::hasChanges()
     return form.currentTask().isChangedTask();
 }
 
-/// What was changed is lost only with the user's word.
-bool TaskDetailViewController::mayLeave()
+bool TaskDetailViewController::saveEdit()
 {
-    const auto answer = hasChanges() ? ShellAlerts::alertDontSave() : ShellAlerts::DontSaveAnswer::DontSave;
-    // The task may have gone meanwhile, and with it all that there is to decide.
+    // The task may have gone while the user was asked: then its text is handed over, which is no way out.
     if (form.isGone())
-        return true;
-    if (answer == ShellAlerts::DontSaveAnswer::Save)
-        finishEdit();
-    else if (answer == ShellAlerts::DontSaveAnswer::DontSave)
-        dropEdit();
+        return false;
+    finishEdit();
     return !isEditing() || form.isGone();
 }
 
@@ -331,17 +330,50 @@ bool TaskDetailViewController::mayLeave()
 void TaskDetailViewController::dropEdit()
 {
     const bool hasKeys = isAncestorOf(window()->focusWidget());
-    form.rollback();
+    keeper.drop();
+    if (!form.isGone())
+        form.rollback();
     setPreviewMode();
     if (hasKeys)
         setFocus();
+}
+
+/// What was typed for a task that cannot take it any more is offered as a new one.
+void TaskDetailViewController::handOver()
+{
+    if (!isEditing() || !form.isEdited())
+        return;
+    keeper.write();
+    if (keeper.file().isEmpty())
+        return;
+    Q_EMIT textLeft(keeper.file());
+    keeper.adopt({});
+}
+
+void TaskDetailViewController::resume(const Drafts::Found &found)
+{
+    keeper.adopt(found.file);
+    form.resume(found.draft);
+    if (!form.isEdited())
+        return keeper.drop();
+    modeChanged(true);
+    view->focusTitle();
+}
+
+/// An edit ends, and the pane stays.
+void TaskDetailViewController::giveUpEdit()
+{
+    LeaveGate gate;
+    gate.add(*this, [] {});
+    if (gate.mayLeave() && isEditing() && !form.isGone())
+        dropEdit();
 }
 
 void TaskDetailViewController::keyPressEvent(QKeyEvent *event)
 {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape)
-        isEditing() ? void(mayLeave()) : clickButtonBack();
+        isEditing() ? giveUpEdit() : clickButtonBack();
     else if (isReturn && !isEditing())
         editAttempted();
     else if (isReturn && event->modifiers().testFlag(Qt::ControlModifier))

@@ -2,6 +2,7 @@
 
 #include "foundation/NotificationCenter.h"
 #include "objectstore/StoreChanges.h"
+#include "records/DraftKeeper.h"
 #include "records/TaskFormState.h"
 #include "shell/details/DetailViewController.h"
 
@@ -24,7 +25,8 @@ public:
     explicit TaskDetailViewController(const TaskPtr &task, QWidget *parent = nullptr);
 
     /// Shows a task over a screen or another pane. One that is open already comes to the top.
-    static void showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
+    /// False if what is typed in another pane keeps the user there.
+    static bool showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
                          std::optional<ListType> typeTask);
 
     TaskFormState *taskForm() { return &form; }
@@ -36,9 +38,13 @@ public:
     bool shows(const ObjectPtr &record) const override;
     bool canSave() const override { return isActive() && isEditing(); }
     bool hasChanges() override;
-    bool mayLeave() override;
+    bool saveEdit() override;
+    void dropEdit() override;
+    void clearController() override { keeper.finish(); }
     ObjectPtr record() const override { return form.currentTask().task(); }
 
+    /// Goes on with an edit that an earlier run of the program was left with.
+    void resume(const Drafts::Found &found);
     void setEditMode();
     void setPreviewMode();
     void clickButtonEdit();
@@ -61,9 +67,11 @@ private:
     void changeCheckBoxDone(bool done);
     void editAttempted();
     void finishEdit();
-    void dropEdit();
+    void handOver();
+    void giveUpEdit();
 
     TaskFormState form;
+    DraftKeeper keeper{form};
     std::optional<ListType> listType;
     TaskFormView *view = nullptr;
     QPushButton *buttonEdit = nullptr;

@@ -34,6 +34,7 @@ RepeatWindow::RepeatWindow(CustomRepeat startingRepeat, QWidget *parent)
     grid = new RepeatCalendar(contentWidth);
     connect(grid, &RepeatCalendar::selectedChange, this, [this](int item, bool selected) {
         repeat.setSelected(item, selected);
+        grid->setSelectedItems([this](int number) { return repeat.isSelected(number); });
         showOutcome();
     });
     column->addWidget(makeFrequency());

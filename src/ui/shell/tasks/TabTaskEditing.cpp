@@ -30,14 +30,17 @@ void TabTaskViewController::removeRows(const std::set<int> &rows)
         else
             barred = task;
     }
-    if (rows.size() == 1 && barred)
+    if (going.empty() && barred)
         return ShellAlerts::alertEditingEvent(localized(barred->calendarTitle()));
     if (going.empty())
         return;
     const std::vector<ObjectPtr> removable(going.begin(), going.end());
     const int lastIndex = *rows.rbegin();
-    if (detailStack())
+    if (detailStack()) {
+        if (!detailStack()->mayLeave(going))
+            return;
         detailStack()->removeAllDetailFromTasks(going);
+    }
     const auto removed = [this, going, lastIndex] {
         for (const TaskPtr &task : going)
             rowChanged(task, true);
@@ -83,7 +86,13 @@ void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Chang
 
 void TabTaskViewController::toggleDone(const std::set<int> &rows)
 {
-    changeTasks(tasksAt(rows), &TaskBatch::toggleDone);
+    const std::vector<TaskPtr> tasks = tasksAt(rows);
+    const auto isReadOnly = [](const TaskPtr &task) {
+        return !task->allowsContentModifications().value_or(true);
+    };
+    if (!tasks.empty() && std::ranges::all_of(tasks, isReadOnly))
+        return ShellAlerts::alertEditingEvent(localized(tasks.front()->calendarTitle()));
+    changeTasks(tasks, &TaskBatch::toggleDone);
 }
 
 // Context menu

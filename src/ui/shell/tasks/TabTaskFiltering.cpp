@@ -73,7 +73,11 @@ void TabTaskViewController::closeHiddenDetails()
     if (!detailStack())
         return;
     std::vector<TaskPtr> hidden = detailStack()->shownTasks();
-    std::erase_if(hidden, [this](const TaskPtr &task) { return model->rowOf(task) >= 0; });
+    // What is being typed stays, whatever the list shows.
+    std::erase_if(hidden, [this](const TaskPtr &task) {
+        DetailViewController *const pane = detailStack()->paneOf(task);
+        return model->rowOf(task) >= 0 || (pane && pane->hasChanges());
+    });
     detailStack()->removeAllDetailFromTasks(hidden);
 }
 

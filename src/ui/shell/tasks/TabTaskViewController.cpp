@@ -262,8 +262,13 @@ QRect TabTaskViewController::placeOf(const TaskPtr &task) const
 
 void TabTaskViewController::showDetailWithTask(const TaskPtr &task)
 {
-    if (detailStack())
-        TaskDetailViewController::showTask(task, *this, *detailStack(), type());
+    if (!detailStack() || TaskDetailViewController::showTask(task, *this, *detailStack(), type()))
+        return;
+    // The user stays with the task that is edited, and so does the selection.
+    const DetailViewController *const edited = detailStack()->top();
+    const int row = edited ? model->rowOf(std::dynamic_pointer_cast<EntityTask>(edited->record())) : -1;
+    if (row >= 0)
+        view->selectRow(row);
 }
 
 void TabTaskViewController::setDetailSpace(int width)

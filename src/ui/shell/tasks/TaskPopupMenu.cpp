@@ -8,6 +8,8 @@
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 TaskPopupMenu::TaskPopupMenu(QWidget *parent)
@@ -22,13 +24,14 @@ TaskPopupMenu::TaskPopupMenu(QWidget *parent)
     addSeparator();
     whyAction = addAction(Icons::icon(u"info"_s, Theme::text), localized(u"Why Is It Here?"_s), this,
                           &TaskPopupMenu::whyChosen);
-    addAction(Icons::icon(u"trash"_s, Theme::text), localized(u"Delete"_s), this,
-              &TaskPopupMenu::deleteChosen);
+    deleteAction = addAction(Icons::icon(u"trash"_s, Theme::text), localized(u"Delete"_s), this,
+                             &TaskPopupMenu::deleteChosen);
 }
 
 static QAction *addChoice(QMenu &menu, const QString &text, const QVariant &value)
 {
-    QAction *action = menu.addAction(text);
+    // The sign would be taken for the mark of a key.
+    QAction *action = menu.addAction(QString(text).replace(u'&', u"&&"_s));
     action->setCheckable(true);
     action->setData(value);
     return action;
@@ -87,6 +90,11 @@ void TaskPopupMenu::setTasks(const std::vector<TaskPtr> &tasks)
 {
     rebuildCategories();
     whyAction->setEnabled(tasks.size() == 1);
+    const bool isAnyWritable = std::ranges::any_of(
+        tasks, [](const TaskPtr &task) { return task->allowsContentModifications().value_or(true); });
+    for (QAction *change :
+         {categoryMenu->menuAction(), statusMenu->menuAction(), priorityMenu->menuAction(), deleteAction})
+        change->setEnabled(isAnyWritable);
     tick(*categoryMenu, shared(tasks, [](const EntityTask &task) {
         const CategoryPtr category = task.category();
         return QVariant(category ? category->identifier() : QString());

@@ -29,6 +29,7 @@ private:
     void addPriorities();
     void rebuildCategories();
 
+    QAction *deleteAction = nullptr;
     QAction *whyAction = nullptr;
     QMenu *categoryMenu;
     QMenu *statusMenu;

@@ -1,7 +1,6 @@
 #include "shell/tasks/WindowNewTask.h"
 
 #include "foundation/Localization.h"
-#include "shell/ShellAlerts.h"
 #include "shell/tasks/TaskFormView.h"
 #include "widgets/Animations.h"
 #include "widgets/FormScroll.h"
@@ -11,6 +10,7 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,6 +24,21 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , form(request)
     , view(new TaskFormView(form))
+{
+    setUp();
+}
+
+WindowNewTask::WindowNewTask(const Drafts::Found &found, QWidget *parent)
+    : QWidget(parent, Qt::Window)
+    , form(found.draft)
+    , view(new TaskFormView(form))
+{
+    keeper.adopt(found.file);
+    setUp();
+    buttonSave->setEnabled(form.canSave());
+}
+
+void WindowNewTask::setUp()
 {
     setObjectName(u"WindowNewTask"_s);
     setWindowTitle(localized(u"New Task"_s));
@@ -39,7 +54,10 @@ WindowNewTask::WindowNewTask(const NewTaskRequest &request, QWidget *parent)
     scroll->keepRoomForBar();
     column->addWidget(scroll, 1);
     column->addWidget(makeButtons());
-    connect(view, &TaskFormView::changed, this, [this] { buttonSave->setEnabled(form.canSave()); });
+    connect(view, &TaskFormView::changed, this, [this] {
+        buttonSave->setEnabled(form.canSave());
+        keeper.formChanged();
+    });
     growth.setSingleShot(true);
     growth.setInterval(Animations::duration(Animations::rowCollapse + afterRows));
     connect(view, &TaskFormView::changed, &growth, qOverload<>(&QTimer::start));
@@ -98,6 +116,7 @@ void WindowNewTask::clickButtonSave()
         return view->focusTitle();
     if (!form.save())
         return;
+    keeper.drop();
     isClosingAgreed = true;
     close();
 }
@@ -107,26 +126,24 @@ void WindowNewTask::clickButtonClose()
     close();
 }
 
-bool WindowNewTask::mayClose()
+bool WindowNewTask::saveEdit()
 {
-    if (isClosingAgreed || !form.isTouched())
-        return true;
-    switch (ShellAlerts::alertDontSave()) {
-    case ShellAlerts::DontSaveAnswer::DontSave:
-        return true;
-    case ShellAlerts::DontSaveAnswer::Save:
-        // A save that goes through closes the window itself.
-        clickButtonSave();
-        return isClosingAgreed;
-    case ShellAlerts::DontSaveAnswer::Cancel:
-        return false;
-    }
-    return false;
+    // A save that goes through closes the window itself.
+    clickButtonSave();
+    return isClosingAgreed;
+}
+
+void WindowNewTask::dropEdit()
+{
+    keeper.drop();
+    isClosingAgreed = true;
 }
 
 void WindowNewTask::closeEvent(QCloseEvent *event)
 {
-    if (mayClose()) {
+    LeaveGate gate;
+    gate.add(*this, [] {});
+    if (gate.mayLeave()) {
         isClosingAgreed = true;
         event->accept();
     } else {

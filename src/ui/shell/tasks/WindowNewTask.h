@@ -1,6 +1,8 @@
 #pragma once
 
+#include "records/DraftKeeper.h"
 #include "records/TaskFormState.h"
+#include "shell/LeaveGate.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -9,11 +11,13 @@ class QPushButton;
 class TaskFormView;
 
 /// The window for a new task.
-class WindowNewTask : public QWidget
+class WindowNewTask : public QWidget, public EditedPlace
 {
     Q_OBJECT
 public:
     explicit WindowNewTask(const NewTaskRequest &request, QWidget *parent = nullptr);
+    /// Begins with what an earlier form was left with.
+    explicit WindowNewTask(const Drafts::Found &found, QWidget *parent = nullptr);
 
     /// Shows the window, or brings it to the front as it is.
     void showWindow();
@@ -23,6 +27,10 @@ public:
     /// Asks what to do with what was typed, then closes or stays.
     void clickButtonClose();
 
+    bool hasChanges() override { return !isClosingAgreed && form.isTouched(); }
+    bool saveEdit() override;
+    void dropEdit() override;
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -30,9 +38,10 @@ protected:
 private:
     void growToForm();
     QWidget *makeButtons();
-    bool mayClose();
+    void setUp();
 
     TaskFormState form;
+    DraftKeeper keeper{form};
     TaskFormView *view = nullptr;
     QPushButton *buttonSave = nullptr;
     QTimer growth;

@@ -31,7 +31,8 @@ protected:
 
 TEST_F(FormRows, LinkPhonesByTheirDigits)
 {
-    EXPECT_EQ(phoneLink(u"+1 (312) 555-1212"_qs), u"tel:13125551212"_qs);
+    EXPECT_EQ(phoneLink(u"+1 (312) 555-1212"_qs), u"tel:+13125551212"_qs);
+    EXPECT_EQ(phoneLink(u"（＋49） 30/12+3"_qs), u"tel:+4930123"_qs);
     EXPECT_EQ(phoneLink(u"٠١٢ ext ９"_qs), u"tel:0129"_qs);
     EXPECT_EQ(phoneLink(u"ask Ann"_qs), u"tel:"_qs);
     EXPECT_EQ(phoneLink(QString()), QString());
@@ -45,11 +46,14 @@ TEST_F(FormRows, LinkMailAndWebAddresses)
     mail.setEmailString(QString());
     EXPECT_EQ(mail.link() + mail.text(), QString());
 
-    EXPECT_EQ(urlLink(u"example.org/a?b=c&d"_qs), u"http://example.org/a?b=c&d"_qs);
-    EXPECT_EQ(urlLink(u"https://example.org"_qs), u"http://example.org"_qs);
-    EXPECT_EQ(urlLink(u"http://example.org/?to=https://b.org"_qs), u"http://example.org/?to=b.org"_qs);
-    EXPECT_EQ(urlLink(u"example.org/ä b#c%20"_qs), u"http://example.org/%C3%A4%20b%23c%2520"_qs);
-    EXPECT_EQ(urlLink(u"HTTP://example.org"_qs), u"http://HTTP://example.org"_qs);
+    EXPECT_EQ(urlLink(u"example.org/a?b=c&d"_qs), u"https://example.org/a?b=c&d"_qs);
+    EXPECT_EQ(urlLink(u"https://example.org"_qs), u"https://example.org"_qs);
+    EXPECT_EQ(urlLink(u" example.org:8080/ "_qs), u"https://example.org:8080/"_qs);
+    EXPECT_EQ(urlLink(u"mailto:a@b.org"_qs), u"mailto:a@b.org"_qs);
+    EXPECT_EQ(urlLink(u"http://example.org/?to=https://b.org"_qs),
+              u"http://example.org/?to=https://b.org"_qs);
+    EXPECT_EQ(urlLink(u"example.org/ä b#c%20"_qs), u"https://example.org/%C3%A4%20b#c%20"_qs);
+    EXPECT_EQ(urlLink(u"HTTP://example.org"_qs), u"HTTP://example.org"_qs);
     EXPECT_EQ(urlLink(QString()), QString());
 }
 
@@ -90,7 +94,7 @@ TEST_F(FormRows, ShowStoredMailWebAndPostalAddresses)
         DBWorker::allEmailType().at(0));
     const auto url = context().insert<EntityURL>();
     url->setUrl(u"b.org"_qs);
-    EXPECT_EQ(Row::initURLItem(url, {}, {}, true).link(), u"http://b.org"_qs);
+    EXPECT_EQ(Row::initURLItem(url, {}, {}, true).link(), u"https://b.org"_qs);
     EXPECT_EQ(Row::typeNoSelectURL({DBWorker::allURLType().at(0)}, {}), DBWorker::allURLType().at(0));
 
     const auto address = context().insert<EntityAddress>();

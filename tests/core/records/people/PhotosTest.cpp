@@ -7,6 +7,12 @@
 
 namespace {
 
+/// A picture of its own for each word.
+QByteArray png(const QByteArray &word)
+{
+    return "\x89PNG\r\n\x1a\n" + word;
+}
+
 /// The frozen moment of all tests as a name.
 const QString nameOfNow = u"21-11-2026 09:15:00.png"_qs;
 
@@ -30,14 +36,14 @@ protected:
 
 TEST_F(Photos, AreNamedByTheMomentAndSharedIfTheyAreTheSame)
 {
-    const ContactPtr first = contactWith("face");
+    const ContactPtr first = contactWith(png("face"));
     EXPECT_EQ(first->photoName(), nameOfNow);
-    EXPECT_EQ(picture(*first), "face");
+    EXPECT_EQ(picture(*first), png("face"));
     const FrozenClock later(localDate(2026, 11, 21, 9, 16));
-    const ContactPtr second = contactWith("face");
+    const ContactPtr second = contactWith(png("face"));
     EXPECT_EQ(second->photoName(), nameOfNow);
     EXPECT_EQ(files(), QStringList(nameOfNow));
-    const ContactPtr other = contactWith("faces");
+    const ContactPtr other = contactWith(png("faces"));
     EXPECT_EQ(other->photoName(), u"21-11-2026 09:16:00.png"_qs);
     EXPECT_EQ(files().size(), 2);
 }
@@ -45,9 +51,9 @@ TEST_F(Photos, AreNamedByTheMomentAndSharedIfTheyAreTheSame)
 TEST_F(Photos, AreWrittenOnlyWhenTheRecordIsSaved)
 {
     ContactForm form;
-    form.photo.dropPicture("face");
+    form.photo.dropPicture(png("face"));
     EXPECT_EQ(form.photo.photoName(), nameOfNow);
-    EXPECT_EQ(form.photo.pictureData(), "face");
+    EXPECT_EQ(form.photo.pictureData(), png("face"));
     EXPECT_EQ(form.clickButtonSave(), MissingField::FirstName);
     EXPECT_EQ(files(), QStringList());
     form.photo.removePicture();
@@ -61,17 +67,17 @@ TEST_F(Photos, AreWrittenOnlyWhenTheRecordIsSaved)
 
 TEST_F(Photos, StayWithTheirOnlyHolderAndGoFromSeveral)
 {
-    const ContactPtr only = contactWith("face");
+    const ContactPtr only = contactWith(png("face"));
     const FrozenClock later(localDate(2026, 11, 21, 10));
     ContactForm edit(only);
-    EXPECT_EQ(edit.photo.pictureData(), "face");
-    edit.photo.dropPicture("new face");
+    EXPECT_EQ(edit.photo.pictureData(), png("face"));
+    edit.photo.dropPicture(png("new face"));
     EXPECT_FALSE(edit.photo.deleteOldPhoto());
     edit.clickButtonSave();
     EXPECT_EQ(only->photoName(), u"21-11-2026 10:00:00.png"_qs);
     EXPECT_EQ(files().size(), 2) << "The earlier picture of its only holder stays";
 
-    const ContactPtr second = contactWith("new face");
+    const ContactPtr second = contactWith(png("new face"));
     ContactForm removal(second);
     removal.photo.removePicture();
     EXPECT_TRUE(removal.photo.deleteOldPhoto());
@@ -84,18 +90,18 @@ TEST_F(Photos, StayWithTheirOnlyHolderAndGoFromSeveral)
 
 TEST_F(Photos, StayWhenTheSamePictureIsDroppedAgain)
 {
-    contactWith("face");
-    ContactForm edit(contactWith("face"));
-    edit.photo.dropPicture("face");
+    contactWith(png("face"));
+    ContactForm edit(contactWith(png("face")));
+    edit.photo.dropPicture(png("face"));
     edit.clickButtonSave();
-    EXPECT_EQ(picture(*edit.contact()), "face");
+    EXPECT_EQ(picture(*edit.contact()), png("face"));
 }
 
 TEST_F(Photos, OfCompaniesTakeTheSameSteps)
 {
     CompanyForm form;
     form.values.title = u"Works"_qs;
-    form.photo.dropPicture("logo");
+    form.photo.dropPicture(png("logo"));
     form.clickButtonSave();
     EXPECT_EQ(form.company()->photoName(), nameOfNow);
     CompanyForm edit(form.company());
@@ -115,7 +121,7 @@ TEST_F(Photos, DoNoHarmWhenTheirFileIsMissingOrCannotBeWritten)
     ContactForm edit(form.contact());
     EXPECT_EQ(edit.photo.pictureData(), QByteArray());
     edit.photo.removePicture();
-    edit.photo.dropPicture("face");
+    edit.photo.dropPicture(png("face"));
     {
         const FullDisk disk;
         edit.clickButtonSave();
@@ -127,13 +133,25 @@ TEST_F(Photos, DoNoHarmWhenTheirFileIsMissingOrCannotBeWritten)
 
 TEST_F(Photos, GoWithTheLastContactThatHoldsThem)
 {
-    const ContactPtr first = contactWith("face");
-    const ContactPtr second = contactWith("face");
+    const ContactPtr first = contactWith(png("face"));
+    const ContactPtr second = contactWith(png("face"));
     EXPECT_FALSE(PhotoEdit::removePictureWith(*first));
     context().deleteObject(first);
-    EXPECT_EQ(picture(*second), "face");
+    EXPECT_EQ(picture(*second), png("face"));
     EXPECT_TRUE(PhotoEdit::removePictureWith(*second));
     EXPECT_EQ(files(), QStringList());
+}
+
+/// The name of the file says what is in it.
+TEST_F(Photos, AreOfNoOtherFormatThanTheirNameSays)
+{
+    const ContactPtr ann = contactWith(png("face"));
+    ContactForm edit(ann);
+    for (const QByteArray &other : {QByteArray(), QByteArray("MM\x00*", 4), QByteArray("<svg/>")})
+        EXPECT_FALSE(edit.photo.dropPicture(other));
+    edit.clickButtonSave();
+    EXPECT_EQ(picture(*ann), png("face"));
+    EXPECT_EQ(files(), QStringList(nameOfNow));
 }
 
 } // namespace

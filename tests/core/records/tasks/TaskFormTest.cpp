@@ -59,7 +59,8 @@ TEST_F(TaskFormTest, ANewTaskBeginsWithWhatItIsGiven)
     EXPECT_TRUE(plain.isSomeday());
     EXPECT_EQ(plain.currentTask().status, TaskStatus::Open);
     EXPECT_EQ(plain.currentTask().priority, Priority::None);
-    EXPECT_EQ(plain.currentTask().company, nullptr) << "a company counts beside a contact only";
+    EXPECT_EQ(plain.currentTask().company, company);
+    EXPECT_EQ(plain.currentTask().delegateToUser, nullptr);
     for (const TaskFormRow row : {TaskFormRow::StartDate, TaskFormRow::Alert, TaskFormRow::SecondAlert})
         EXPECT_FALSE(plain.isRowShown(row));
     const TaskFormState given({.createWithStartDate = noon,

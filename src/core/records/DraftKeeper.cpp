@@ -1,0 +1,134 @@
+#include "records/DraftKeeper.h"
+
+#include "cloud/FileManager.h"
+#include "foundation/AtomicFile.h"
+#include "foundation/Log.h"
+#include "foundation/PrivateFiles.h"
+#include "records/TaskFormState.h"
+#include "store/queries/DBWorker.h"
+
+#include <QDir>
+#include <QUuid>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// After the last key press.
+constexpr auto shortPause = std::chrono::milliseconds(300);
+/// Of somebody who types without a pause.
+constexpr auto longestWait = std::chrono::milliseconds(2000);
+
+static std::vector<DraftKeeper *> &keepers()
+{
+    static std::vector<DraftKeeper *> all;
+    return all;
+}
+
+DraftKeeper::DraftKeeper(const TaskFormState &formToKeep)
+    : form(formToKeep)
+{
+    keepers().push_back(this);
+    pause.setInterval(shortPause);
+    longest.setInterval(longestWait);
+    for (QTimer *timer : {&pause, &longest}) {
+        timer->setSingleShot(true);
+        timer->callOnTimeout([this] { write(); });
+    }
+}
+
+DraftKeeper::~DraftKeeper()
+{
+    std::erase(keepers(), this);
+}
+
+void DraftKeeper::formChanged()
+{
+    pause.start();
+    if (!longest.isActive())
+        longest.start();
+}
+
+void DraftKeeper::write()
+{
+    pause.stop();
+    longest.stop();
+    if (!form.isEdited())
+        return drop();
+    TaskDraft draft = form.draft();
+    draft.isOfSample = DBWorker::isSample();
+    const QByteArray contents = draft.encoded();
+    if (contents == written)
+        return;
+    if (path.isEmpty()) {
+        PrivateFiles::makeFolder(Drafts::folder());
+        path = Drafts::folder() + u'/' + QUuid::createUuid().toString(QUuid::WithoutBraces) + u".draft"_s;
+    }
+    // The text still stands in its form: nobody is interrupted for a file that could not be written.
+    if (const OptionalError error = writeFileAtomically(path, contents))
+        Log::line(u"A draft could not be written: %1"_s.arg(error->message));
+    else
+        written = contents;
+}
+
+void DraftKeeper::drop()
+{
+    pause.stop();
+    longest.stop();
+    written.clear();
+    if (!path.isEmpty())
+        QFile::remove(std::exchange(path, {}));
+}
+
+void DraftKeeper::finish()
+{
+    if (pause.isActive())
+        write();
+}
+
+void DraftKeeper::finishAll()
+{
+    for (DraftKeeper *keeper : keepers())
+        keeper->finish();
+}
+
+// Drafts of earlier runs
+
+QString Drafts::folder()
+{
+    return FileManager::appFolderURL() + u"/Drafts"_s;
+}
+
+/// Under a name that is still free.
+static QString putAside(const QString &file)
+{
+    QString aside = file + u".aside"_s;
+    for (int number = 2; QFile::exists(aside); ++number)
+        aside = u"%1.%2.aside"_s.arg(file).arg(number);
+    return QFile::rename(file, aside) ? aside : file;
+}
+
+std::optional<Drafts::Found> Drafts::read(const QString &file)
+{
+    QFile opened(file);
+    if (!opened.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const auto decoded = TaskDraft::decoded(opened.readAll());
+    if (const auto *draft = std::get_if<TaskDraft>(&decoded))
+        return Found{file, *draft};
+    return std::nullopt;
+}
+
+Drafts::Leftovers Drafts::find()
+{
+    Leftovers leftovers;
+    for (const QFileInfo &info :
+         QDir(folder()).entryInfoList({u"*.draft"_s}, QDir::Files, QDir::Time | QDir::Reversed)) {
+        const auto found = read(info.filePath());
+        if (!found)
+            leftovers.putAside.append(putAside(info.filePath()));
+        else if (found->draft.isOfSample == DBWorker::isSample())
+            leftovers.drafts.append(found->file);
+    }
+    return leftovers;
+}

@@ -1,0 +1,350 @@
+// Nothing that was typed is lost: every way out asks, and what nobody could be asked about is there again at
+// the next start.
+
+#include "records/DraftKeeper.h"
+#include "shell/Shell.h"
+#include "shell/details/DetailStack.h"
+#include "shell/details/TaskDetailViewController.h"
+#include "store/state/NotificationNames.h"
+#include "support/OtherProgram.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/GrowingTextField.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QProcess>
+#include <QPushButton>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+class LeavingTest : public ShellTest
+{
+protected:
+    /// A way out of the pane, and whether it ends where the pane is not.
+    struct Way
+    {
+        const char *name;
+        std::function<void()> go;
+    };
+
+    LeavingTest()
+    {
+        add(u"idea"_s, [](MVTask &task) { task.dueSomeDay = true; });
+        addInbox({u"first"_s, u"second"_s});
+    }
+
+    DetailStack &stack() { return *controller().detailStack(); }
+    TaskDetailViewController *pane() { return static_cast<TaskDetailViewController *>(stack().top()); }
+    SidebarItem selectedItem()
+    {
+        return sidebar().itemAt(outline().selectionModel()->selectedIndexes().value(0));
+    }
+    GrowingTextField &field(QWidget &in, const char *name) { return find<GrowingTextField>(in, name); }
+
+    /// Opens the task in its pane and types over its title.
+    void edit(const QString &title, const QString &typed)
+    {
+        controller().searchSelectItem(stored(title));
+        QTest::mouseClick(&find<QPushButton>(*pane(), "buttonEdit"), Qt::LeftButton);
+        QTest::keyClick(&field(*pane(), "textFieldTitle"), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(&field(*pane(), "textFieldTitle"), typed);
+    }
+    std::vector<Way> waysOut()
+    {
+        return {
+            {"Back",
+             [this] { QTest::mouseClick(&find<QToolButton>(*pane(), "buttonBack"), Qt::LeftButton); }},
+            {"a sidebar row",
+             [this] {
+                 pressSidebar(SidebarItem::Someday);
+                 QCoreApplication::processEvents();
+             }},
+            {"the keys of the sidebar",
+             [this] {
+                 QTest::keyClick(&outline(), Qt::Key_Down);
+                 QCoreApplication::processEvents();
+             }},
+            {"a command for a list", [this] { controller().goToList(SidebarItem::Someday); }},
+            {"a search hit", [this] { controller().searchSelectItem(stored(u"idea"_s)); }},
+            {"another row",
+             [this] {
+                 clickRow(1);
+                 key(Qt::Key_Return);
+             }},
+            {"a notification",
+             [this] {
+                 NotificationCenter::defaultCenter().post(notifications::clickTableSearch,
+                                                          ObjectPtr(stored(u"second"_s)));
+             }},
+            {"Escape", [this] { QTest::keyClick(&field(*pane(), "textFieldTitle"), Qt::Key_Escape); }},
+            {"the window", [this] { run(ActionId::CloseWindow); }},
+            {"quit", [this] { run(ActionId::Quit); }},
+            {"deleting it",
+             [this] {
+                 clickRow(0);
+                 key(Qt::Key_Delete);
+             }},
+        };
+    }
+    static QStringList draftFiles(const QString &filter = u"*"_s)
+    {
+        return QDir(Drafts::folder()).entryList({filter}, QDir::Files);
+    }
+    bool isDraftWritten()
+    {
+        return QTest::qWaitFor([] { return draftFiles().size() == 1; }, 1000);
+    }
+    /// The program ends as it does for the system, and starts again.
+    void restart()
+    {
+        quit();
+        launch();
+    }
+    void quit()
+    {
+        EXPECT_EQ(delegate->applicationShouldTerminate(AppDelegate::QuitWish::OfSystem),
+                  AppDelegate::TerminateReply::Now);
+        delegate->applicationWillTerminate();
+        storePath = context().path();
+        delegate.reset();
+    }
+    void launch()
+    {
+        auto made = std::make_unique<Shell>();
+        shell = made.get();
+        delegate = std::make_unique<AppDelegate>(std::move(made));
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+        window().resize(1080, 700);
+    }
+
+    /// Of the program that has quit.
+    QString storePath;
+};
+
+TEST_F(LeavingTest, CancelStaysWithTheEditAndTheSelectionDoesToo)
+{
+    edit(u"first"_s, u"typed"_s);
+    for (const Way &way : waysOut()) {
+        if (way.name == std::string("deleting it"))
+            continue;
+        const ScriptedAlerts alerts({Alert::secondButton});
+        way.go();
+        EXPECT_EQ(alerts.asked().size(), 1U) << way.name;
+        ASSERT_NE(pane(), nullptr) << way.name;
+        EXPECT_TRUE(pane()->isEditing()) << way.name;
+        EXPECT_EQ(pane()->taskForm()->currentTask().title, u"typed"_s) << way.name;
+        EXPECT_EQ(selectedItem(), SidebarItem::Inbox) << way.name;
+        EXPECT_EQ(sidebar().itemAt(outline().currentIndex()), SidebarItem::Inbox) << way.name;
+        EXPECT_EQ(selectedTitles(), QStringList{u"first"_s}) << way.name;
+        EXPECT_TRUE(window().isVisible()) << way.name;
+    }
+    EXPECT_EQ(stored(u"typed"_s), nullptr);
+}
+
+TEST_F(LeavingTest, SaveKeepsAndDontSaveDropsOnEachWayOut)
+{
+    const std::size_t count = waysOut().size();
+    for (std::size_t number = 0; number < count; ++number) {
+        for (const bool isSaved : {true, false}) {
+            controller().showWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+            edit(u"first"_s, u"typed"_s);
+            const Way way = waysOut()[number];
+            const bool isDeletion = way.name == std::string("deleting it");
+            const ScriptedAlerts alerts(
+                {isSaved ? Alert::firstButton : Alert::thirdButton, Alert::firstButton});
+            way.go();
+            EXPECT_EQ(alerts.asked().size(), isDeletion ? 2U : 1U) << way.name;
+            EXPECT_EQ(stored(isSaved ? u"typed"_s : u"first"_s) != nullptr, !isDeletion) << way.name;
+            EXPECT_TRUE(!pane() || !pane()->isEditing()) << way.name;
+            EXPECT_TRUE(draftFiles().isEmpty()) << way.name;
+            if (isDeletion) {
+                EXPECT_FALSE(context().undo());
+                EXPECT_NE(stored(isSaved ? u"typed"_s : u"first"_s), nullptr) << "with what was saved";
+            }
+            stack().removeAllDetail();
+            if (const TaskPtr renamed = stored(u"typed"_s)) {
+                renamed->setTitle(u"first"_s);
+                EXPECT_FALSE(DBWorker::saveContext());
+            }
+            showList(SidebarItem::Inbox);
+            screen().reloadData();
+        }
+    }
+}
+
+TEST_F(LeavingTest, QuitAsksForEverythingBeforeAnythingIsGivenUp)
+{
+    edit(u"first"_s, u"typed"_s);
+    WindowNewTask &unsaved = openNewTask();
+    QTest::keyClicks(&field(unsaved, "textFieldTitle"), u"new words"_s);
+    {
+        const ScriptedAlerts alerts({Alert::thirdButton, Alert::secondButton});
+        EXPECT_FALSE(controller().closeNewWindows());
+        EXPECT_EQ(alerts.asked().size(), 2U);
+    }
+    ASSERT_TRUE(newTaskWindow() && newTaskWindow()->isVisible());
+    EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().title, u"new words"_s);
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::thirdButton});
+    EXPECT_TRUE(controller().closeNewWindows());
+    EXPECT_NE(stored(u"new words"_s), nullptr);
+    EXPECT_EQ(stored(u"typed"_s), nullptr);
+    EXPECT_TRUE(draftFiles().isEmpty());
+}
+
+TEST_F(LeavingTest, WhatIsTypedForATaskThatGoesIsOfferedAsANewOne)
+{
+    edit(u"first"_s, u"typed"_s);
+    context().deleteObject(stored(u"first"_s));
+    EXPECT_FALSE(DBWorker::saveContext());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return newTaskWindow() != nullptr; }));
+    EXPECT_TRUE(stack().isEmpty());
+    EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().title, u"typed"_s);
+    newTaskWindow()->clickButtonSave();
+    EXPECT_EQ(inboxTitles(), (QStringList{u"second"_s, u"typed"_s}));
+    EXPECT_TRUE(draftFiles().isEmpty());
+}
+
+TEST_F(LeavingTest, ADraftFollowsTheFormIsPrivateAndGoesWithTheChange)
+{
+    edit(u"first"_s, u"typed"_s);
+    ASSERT_TRUE(isDraftWritten());
+    const QString path = Drafts::folder() + u'/' + draftFiles().front();
+    EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    EXPECT_EQ(QFile::permissions(Drafts::folder()) & (QFile::ReadGroup | QFile::ReadOther),
+              QFile::Permissions());
+    const QDateTime written = QFileInfo(path).lastModified();
+    QTest::keyClicks(&field(*pane(), "textFieldTitle"), u"x"_s);
+    QTest::keyClick(&field(*pane(), "textFieldTitle"), Qt::Key_Backspace);
+    QTest::qWait(500);
+    EXPECT_EQ(QFileInfo(path).lastModified(), written) << "it says the same";
+    QTest::keyClick(&field(*pane(), "textFieldTitle"), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(&field(*pane(), "textFieldTitle"), u"first"_s);
+    EXPECT_TRUE(QTest::qWaitFor([] { return draftFiles().isEmpty(); })) << "nothing is changed any more";
+}
+
+TEST_F(LeavingTest, TheSystemEndsTheProgramWithoutAQuestionAndTheTextIsThereAgain)
+{
+    edit(u"first"_s, u"typed"_s);
+    field(*pane(), "textFieldDetails").setFocus();
+    QTest::keyClicks(&field(*pane(), "textFieldDetails"), u"half a sen"_s);
+    QTest::keyClicks(&field(openNewTask(), "textFieldTitle"), u"new words"_s);
+    {
+        const ScriptedAlerts none;
+        restart();
+        EXPECT_EQ(draftFiles().size(), 2);
+    }
+    // Meanwhile another program has written something of its own.
+    stored(u"first"_s)->setPriority(Priority::High);
+    stored(u"first"_s)->setTitle(u"theirs"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    const ScriptedAlerts alerts({Alert::firstButton});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 1; }));
+    ASSERT_NE(pane(), nullptr);
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_EQ(selectedTitles(), QStringList{u"theirs"_s});
+    EXPECT_EQ(field(*pane(), "textFieldDetails").toPlainText(), u"half a sen"_s);
+    ASSERT_NE(newTaskWindow(), nullptr);
+    newTaskWindow()->clickButtonSave();
+    EXPECT_TRUE(pane()->saveEdit());
+    ASSERT_NE(stored(u"typed"_s), nullptr);
+    EXPECT_EQ(stored(u"typed"_s)->details(), u"half a sen"_s);
+    EXPECT_EQ(stored(u"typed"_s)->priority(), Priority::High) << "nobody has changed it here";
+    EXPECT_NE(stored(u"new words"_s), nullptr);
+    EXPECT_TRUE(draftFiles().isEmpty());
+    restart();
+    QTest::qWait(500);
+    EXPECT_TRUE(stack().isEmpty()) << "nothing is found that was saved";
+}
+
+// What another process does until it is killed.
+
+class Typist : public ShellTest
+{};
+
+TEST_F(Typist, DISABLED_WritesANewTask)
+{
+    QTest::keyClicks(&find<GrowingTextField>(openNewTask(), "textFieldTitle"), u"half a ta"_s);
+    QTest::qWait(60000);
+}
+
+TEST_F(Typist, DISABLED_EditsATask)
+{
+    controller().searchSelectItem(stored(u"half a ta"_s));
+    auto &pane = static_cast<TaskDetailViewController &>(*controller().detailStack()->top());
+    pane.setEditMode();
+    QTest::keyClicks(&find<GrowingTextField>(pane, "textFieldTitle"), u"not "_s);
+    QTest::qWait(60000);
+}
+
+TEST_F(LeavingTest, AProcessThatIsKilledLeavesItsHalfTypedTask)
+{
+    const auto killWhile = [this](const QString &typing) {
+        quit();
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"MORVANE_TEST_HOME"_s, qEnvironmentVariable("HOME"));
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(),
+                      {u"--gtest_also_run_disabled_tests"_s, u"--gtest_filter=Typist.DISABLED_"_s + typing});
+        EXPECT_TRUE(QTest::qWaitFor([] { return !draftFiles().isEmpty(); }, 20000));
+        process.kill();
+        EXPECT_TRUE(process.waitForFinished());
+        EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+        launch();
+    };
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton, Alert::firstButton});
+    killWhile(u"WritesANewTask"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 1; }));
+    ASSERT_NE(newTaskWindow(), nullptr);
+    EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().title, u"half a ta"_s);
+    newTaskWindow()->clickButtonSave();
+    ASSERT_NE(stored(u"half a ta"_s), nullptr);
+
+    killWhile(u"EditsATask"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 2; }));
+    ASSERT_NE(pane(), nullptr);
+    const QString typed = pane()->taskForm()->currentTask().title;
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_TRUE(typed.contains(u"not "_s) && typed.size() == 13) << qPrintable(typed);
+
+    quit();
+    writeElsewhere(storePath, "DELETE FROM EntityTask WHERE title = 'half a ta'");
+    launch();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 3; }));
+    ASSERT_NE(newTaskWindow(), nullptr) << "its task is gone";
+    newTaskWindow()->clickButtonSave();
+    EXPECT_NE(stored(typed), nullptr);
+    EXPECT_TRUE(draftFiles().isEmpty());
+}
+
+TEST_F(LeavingTest, ADraftThatCannotBeReadIsPutAsideAndTold)
+{
+    QDir().mkpath(Drafts::folder());
+    const QByteArrayList contents = {"",
+                                     "{",
+                                     "[]",
+                                     R"({"version":2,"task":"","values":{},"before":{}})",
+                                     R"({"version":1,"task":"","values":{"title":7},"before":{}})",
+                                     R"({"version":1,"task":"","values":{"dueDate":1e300},"before":{}})"};
+    for (const QByteArray &one : contents) {
+        QFile file(Drafts::folder() + u"/%1.draft"_s.arg(contents.indexOf(one)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(one);
+    }
+    const ScriptedAlerts alerts({Alert::firstButton});
+    restart();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 1; }));
+    EXPECT_EQ(draftFiles(u"*.aside"_s).size(), contents.size());
+    EXPECT_EQ(draftFiles(u"*.draft"_s).size(), 0);
+    EXPECT_EQ(newTaskWindow(), nullptr);
+    QFile last(Drafts::folder() + u"/3.draft.aside"_s);
+    ASSERT_TRUE(last.open(QIODevice::ReadOnly));
+    EXPECT_EQ(last.readAll(), contents[3]) << "not a byte is touched";
+    restart();
+    QTest::qWait(500);
+    EXPECT_EQ(alerts.asked().size(), 1U) << "told once";
+}
