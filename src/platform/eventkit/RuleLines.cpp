@@ -113,6 +113,18 @@ IcalTime SeriesMove::moved(const IcalTime &time) const
     return IcalTime::of(time.instant(), newForm).shifted(delta);
 }
 
+SeriesMove moveOf(const CalendarItem &item, const ItemPart &range)
+{
+    const IcalTime &formerStart = item.master()->times.start;
+    const IcalTime &start = range.times.start;
+    const bool isUtcOnly = start.form == IcalTime::Form::Utc && formerStart.form == IcalTime::Form::Zoned;
+    const IcalTime &form = isUtcOnly ? formerStart : start;
+    const auto secondsOf = [&form](const IcalTime &time) {
+        return IcalTime::of(time.instant(), form).clock.seconds();
+    };
+    return {formerStart, form, secondsOf(start) - secondsOf(item.timeOfKey(range.key))};
+}
+
 QByteArray withRulePart(const QByteArray &rule, const QByteArray &key, const QByteArray &value)
 {
     QList<QByteArray> parts = rule.split(';');

@@ -16,6 +16,9 @@ struct SeriesMove
     IcalTime moved(const IcalTime &time) const;
 };
 
+/// How an edit of an occurrence and all later ones moves them. One that is written in UTC goes by the clock
+/// of its series, so that it does not drift when the clocks change.
+SeriesMove moveOf(const CalendarItem &item, const ItemPart &range);
 /// The body of a rule as its series needs it: UNTIL has the form of the start (RFC 5545, section 3.3.10).
 QByteArray textOfRule(const EKRecurrenceRule &rule, const IcalTime &start);
 /// A part of a rule replaced, or added; all else stays as it is written.

@@ -327,4 +327,94 @@ TEST_F(SeriesStories, TheRestFromTheSecondOfADaySparesTheFirst)
     }
 }
 
+/// The stand-up, which another program has moved to eleven from its third time on.
+class MovedForGood : public SeriesStories
+{
+protected:
+    MovedForGood()
+    {
+        writeStandup(u"COUNT=6"_qs,
+                     override(u"20261122"_qs, u"SUMMARY:Late\nDTSTART;TZID=Europe/Berlin:20261122T110000\n"
+                                              u"DTEND;TZID=Europe/Berlin:20261122T113000\n"_qs)
+                         .replace(u"RECURRENCE-ID;"_qs, u"RECURRENCE-ID;RANGE=THISANDFUTURE;"_qs));
+        pass();
+    }
+    /// What a pass, and so the calendar, and the rows agree on: "11-22 11:00 Late".
+    void expect(QStringList events, int done = 0)
+    {
+        EXPECT_EQ(calendar(), events);
+        QStringList shown;
+        for (const TaskPtr &row : rows()) {
+            if (row->status() != TaskStatus::Done)
+                shown.append(wallClock(*row->startDate()).mid(5, 11) + u' ' + row->title());
+        }
+        EXPECT_EQ(shown, events);
+        EXPECT_EQ(statuses().count(3), done);
+    }
+    static QStringList all()
+    {
+        return {u"11-20 09:00 Standup"_qs, u"11-21 09:00 Standup"_qs, u"11-22 11:00 Late"_qs,
+                u"11-23 11:00 Late"_qs,    u"11-24 11:00 Late"_qs,    u"11-25 11:00 Late"_qs};
+    }
+    void expectHere(const QStringList &events, int done = 0)
+    {
+        expect(events, done);
+        pass();
+        expect(events, done);
+        expectSettled();
+    }
+};
+
+TEST_F(MovedForGood, EachOfThemIsTickedEditedAndDeletedAlone)
+{
+    expectHere(all());
+    // The one with which the change begins takes nothing from the others.
+    finish(rows().at(2), Span::ThisTask);
+    QStringList left = all();
+    left.removeAt(2);
+    expectHere(left, 1);
+    editSeries(rows().at(4), Span::ThisTask, [](MVTask &task) {
+        task.title = u"Mine"_qs;
+        task.startDate = *task.startDate + Seconds(3600);
+        task.dueDate = *task.dueDate + Seconds(3600);
+    });
+    left[3] = u"11-24 12:00 Mine"_qs;
+    expectHere(left, 1);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        TaskManager::deleteTasks({rows().at(3)}, {});
+    }
+    left.removeAt(2);
+    expectHere(left, 1);
+    EXPECT_THAT(files(u"Home"_qs), SizeIs(1)) << "the series is still one";
+    for (int step = 0; step < 3; ++step)
+        ASSERT_FALSE(context().undo());
+    expectHere(all());
+}
+
+TEST_F(MovedForGood, TheRestOfThemIsEditedAndTicked)
+{
+    editSeries(rows().at(4), Span::FutureTasks, [](MVTask &task) {
+        task.title = u"Later"_qs;
+        task.startDate = *task.startDate + Seconds(3600);
+        task.dueDate = *task.dueDate + Seconds(3600);
+    });
+    QStringList left = all();
+    left[4] = u"11-24 12:00 Later"_qs;
+    left[5] = u"11-25 12:00 Later"_qs;
+    expectHere(left);
+    // The whole of it: only what the user has changed, and what others moved stays where it is.
+    editSeries(rows().at(0), Span::FutureTasks, [](MVTask &task) { task.title = u"Early"_qs; });
+    left[0] = u"11-20 09:00 Early"_qs;
+    left[1] = u"11-21 09:00 Early"_qs;
+    expectHere(left);
+    finish(rows().at(3), Span::FutureTasks);
+    left.removeAt(3);
+    expectHere(left, 1);
+    for (int step = 0; step < 3; ++step)
+        ASSERT_FALSE(context().undo());
+    pass();
+    expectHere(all());
+}
+
 } // namespace
