@@ -417,4 +417,134 @@ TEST_F(MovedForGood, TheRestOfThemIsEditedAndTicked)
     expectHere(all());
 }
 
+/// An occurrence that another program moves far away, near, or onto another one's day is edited, ticked off
+/// and deleted, and no other one is.
+class OccurrencesMovedElsewhere : public SeriesStories
+{
+protected:
+    struct Move
+    {
+        const char *original;
+        const char *start;
+    };
+    static QString times(const QString &start)
+    {
+        return u"DTSTART;TZID=Europe/Berlin:%1\nDURATION:PT15M\nSUMMARY:Standup\n"_qs.arg(start);
+    }
+    void writeMoved(const QString &rule, const QList<Move> &moves, const QString &excluded = {}) const
+    {
+        QString lines = u"RRULE:%1\n"_qs.arg(rule);
+        if (!excluded.isEmpty())
+            lines += u"EXDATE;TZID=Europe/Berlin:%1T090000\n"_qs.arg(excluded);
+        for (const Move &move : moves)
+            lines += override(QLatin1String(move.original), times(QLatin1String(move.start)));
+        write(u"Home"_qs, u"standup"_qs, times(u"20261120T090000"_qs) + lines);
+    }
+    /// "2026-11-23 Title 2031-01-01 14:00": which occurrence it is, and when.
+    QStringList held() const
+    {
+        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
+        const auto events = elsewhere.eventsMatchingPredicate(
+            elsewhere.predicateForEventsWithStartDate(localDate(2026, 1, 1), localDate(2035, 1, 1)));
+        QStringList lines;
+        for (const EKEvent &event : events.value())
+            lines.append(wallClock(*event.occurrenceDate).left(11) + event.title + u' ' +
+                         wallClock(*event.startDate).left(16));
+        lines.sort();
+        return lines;
+    }
+    static TaskPtr rowAt(Date start)
+    {
+        for (const TaskPtr &row : rows()) {
+            if (row->startDate() == start)
+                return row;
+        }
+        return nullptr;
+    }
+    /// Each command on a row that was made of the file before, or of that after, concerns the occurrence
+    /// alone; none if the row's has gone.
+    void expectConcernsOnly(const std::function<void()> &before, const std::function<void()> &after,
+                            Date start, const QString &occurrence)
+    {
+        for (const int command : {0, 1, 2}) {
+            SCOPED_TRACE(command);
+            before();
+            pass();
+            after();
+            QStringList wanted = held();
+            const TaskPtr row = rowAt(start);
+            ASSERT_TRUE(row);
+            const auto own = std::find_if(wanted.begin(), wanted.end(), [&occurrence](const QString &line) {
+                return !occurrence.isEmpty() && line.startsWith(occurrence);
+            });
+            if (command == 0) {
+                editSeries(row, Span::ThisTask, [](MVTask &task) { task.title = u"Mine"_qs; });
+                if (own != wanted.end())
+                    own->replace(u"Standup"_qs, u"Mine"_qs);
+            } else if (command == 1) {
+                finish(row, Span::ThisTask);
+            } else {
+                const ScriptedAlerts alerts({Alert::firstButton});
+                TaskManager::deleteTasks({row}, {});
+            }
+            if (command != 0 && own != wanted.end())
+                wanted.erase(own);
+            EXPECT_EQ(held(), wanted);
+            pass();
+            EXPECT_EQ(held(), wanted);
+            expectSettled();
+            // Anew.
+            QFile::remove(folderOf(u"Home"_qs) + u"/standup.ics"_qs);
+            pass();
+            for (const TaskPtr &left : rows())
+                context().deleteObject(left);
+            ASSERT_FALSE(DBWorker::saveContext());
+        }
+    }
+};
+
+TEST_F(OccurrencesMovedElsewhere, AreTheOnesThatARowMeans)
+{
+    const QString daily = u"FREQ=DAILY;COUNT=6"_qs;
+    const auto untouched = [&] { writeMoved(daily, {}); };
+    // Out of the window, before a pass could tell.
+    expectConcernsOnly(
+        untouched,
+        [&] {
+            writeMoved(daily, {{"20261123", "20310101T140000"}});
+        },
+        localDate(2026, 11, 23, 9), u"2026-11-23"_qs);
+    // The same, and another one has come to the day.
+    expectConcernsOnly(
+        untouched,
+        [&] {
+            writeMoved(daily, {{"20261123", "20310101T140000"}, {"20261125", "20261123T140000"}});
+        },
+        localDate(2026, 11, 23, 9), u"2026-11-23"_qs);
+    // From outside of the window into it.
+    expectConcernsOnly(
+        [&] {
+            writeMoved(u"FREQ=YEARLY;COUNT=4"_qs, {{"20281120", "20261123T140000"}});
+        },
+        [] {}, localDate(2026, 11, 23, 14), u"2028-11-20"_qs);
+    // And further on the same day.
+    expectConcernsOnly(
+        [&] {
+            writeMoved(u"FREQ=YEARLY;COUNT=4"_qs, {{"20281120", "20261123T140000"}});
+        },
+        [&] {
+            writeMoved(u"FREQ=YEARLY;COUNT=4"_qs, {{"20281120", "20261123T160000"}});
+        },
+        localDate(2026, 11, 23, 14), u"2028-11-20"_qs);
+    // It has gone: that which is on its day is the event of another row.
+    expectConcernsOnly(
+        [&] {
+            writeMoved(daily, {{"20261125", "20261123T140000"}});
+        },
+        [&] {
+            writeMoved(daily, {{"20261125", "20261123T140000"}}, u"20261123"_qs);
+        },
+        localDate(2026, 11, 23, 9), QString());
+}
+
 } // namespace
