@@ -23,9 +23,16 @@ SeriesMove moveOf(const CalendarItem &item, const ItemPart &range);
 QByteArray textOfRule(const EKRecurrenceRule &rule, const IcalTime &start);
 /// A part of a rule replaced, or added; all else stays as it is written.
 QByteArray withRulePart(const QByteArray &rule, const QByteArray &key, const QByteArray &value);
+/// What becomes of UNTIL when a series is moved.
+enum class EndOfMoved {
+    /// The last occurrence may start on the same day as before, but not before the first.
+    StaysOnItsDay,
+    /// The last occurrence is the same one.
+    MovesAlong,
+};
 /// The rule of a series that begins with an occurrence, of which so many matches come before; absent if it
 /// has no others. `occurrence` is the original start, in the form of before.
 std::optional<QByteArray> ruleFrom(const QByteArray &rule, int matchesBefore, const IcalTime &occurrence,
-                                   const SeriesMove &move);
+                                   const SeriesMove &move, EndOfMoved end = EndOfMoved::StaysOnItsDay);
 /// The rule that ends before an occurrence, after so many matches; absent if it has none.
 std::optional<QByteArray> ruleUpTo(const QByteArray &rule, int matchesBefore, const IcalTime &occurrence);

@@ -168,7 +168,7 @@ CalendarItemPointer withRangeForAll(const CalendarItem &item, const ItemPart &ra
     }
     for (const char *name : {"RRULE", "EXRULE"})
         rewriteRules(series, name, [&](const QByteArray &body) {
-            return ruleFrom(body, 0, item.timeOfKey(range.key), move);
+            return ruleFrom(body, 0, item.timeOfKey(range.key), move, EndOfMoved::MovesAlong);
         });
     rewriteDates(
         series, "EXDATE", item, [](qint64) { return true; }, move);
