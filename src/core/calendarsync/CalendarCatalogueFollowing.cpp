@@ -115,7 +115,6 @@ QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVari
         for (const QString &own : QStringList(reference) + calendarreferences::formerOf(entry.key()))
             DBWorker::removeAllTasksByCalendarIdentifier(own);
         replaceInSettings(reference, QString());
-        calendarreferences::forget(entry.key());
     }
     return missed;
 }
@@ -141,9 +140,10 @@ void CalendarCatalogue::handleChangedCalendars()
     QVariantMap titles = followRemovals(calendars, formerTitles);
     if (titles.isEmpty())
         passbrake::noCalendarIsMissing();
-    followRenames(calendars, formerTitles);
     for (const EKCalendar &one : calendars)
         titles.insert(one.calendarIdentifier, one.title);
+    calendarreferences::forgetOthersThan(titles.keys());
+    followRenames(calendars, formerTitles);
     defaults.setObject(settings::dictionaryCalendarsData, titles);
     DBWorker::tellOfFailure(following.commit());
     defaults.synchronize();

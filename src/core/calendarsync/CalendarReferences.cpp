@@ -130,9 +130,11 @@ std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars)
     return renamed;
 }
 
-void forget(const QString &identifier)
+void forgetOthersThan(const QStringList &identifiers)
 {
-    if (references().erase(identifier) > 0)
+    const auto forgotten = std::erase_if(
+        references(), [&identifiers](const auto &entry) { return !identifiers.contains(entry.first); });
+    if (forgotten > 0)
         keep();
 }
 

@@ -36,7 +36,8 @@ QStringList formerOf(const QString &identifier);
 /// Gives the renamed ones the references of their present titles. To be applied one after the other: where
 /// two have changed their titles, one gives way first.
 std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars);
-/// Of a calendar that has gone for good.
-void forget(const QString &identifier);
+/// Of all calendars that have gone for good.
+/// \param identifiers of those that have not.
+void forgetOthersThan(const QStringList &identifiers);
 
 } // namespace calendarreferences

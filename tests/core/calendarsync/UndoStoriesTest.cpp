@@ -207,6 +207,51 @@ TEST_F(UndoStories, EditsOfASeriesAreTakenBackOnBothSides)
     });
 }
 
+TEST_F(UndoStories, ARepeatingTaskThatWasMadeBeforeTheStartGoesWhole)
+{
+    make(u"Other"_qs, 27);
+    for (const TaskType type : {TaskType::ToDo, TaskType::Appointment, TaskType::EmailCall}) {
+        for (const bool activates : {false, true}) {
+            SCOPED_TRACE(int(type) * 2 + activates);
+            activate();
+            const QStringList rowsBefore = shown();
+            const QStringList eventsBefore = held();
+            const auto filesBefore = files(u"Home"_qs);
+            MVTask daily = draft(u"Daily"_qs, 24, type);
+            daily.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;
+            if (activates)
+                daily.endRepeat = localDate(2026, 11, 28);
+            make(daily);
+            const QStringList rowsAfter = shown();
+            const QStringList eventsAfter = held();
+            EXPECT_GE(rowsAfter.size(), rowsBefore.size() + 2);
+            const auto next = [&] {
+                restart();
+                if (activates)
+                    activate();
+            };
+            for (int round = 0; round < 2; ++round) {
+                next();
+                undo();
+                expectBothSides(rowsBefore, eventsBefore, "undone");
+                EXPECT_EQ(files(u"Home"_qs), filesBefore);
+                activate();
+                expectBothSides(rowsBefore, eventsBefore, "undone and activated");
+                next();
+                redo();
+                expectBothSides(rowsAfter, eventsAfter, "redone");
+                activate();
+                expectBothSides(rowsAfter, eventsAfter, "redone and activated");
+            }
+            next();
+            undo();
+            activate();
+            expectBothSides(rowsBefore, eventsBefore, "undone at last");
+            expectSettled();
+        }
+    }
+}
+
 TEST_F(UndoStories, WhatAnotherProgramChangedMeanwhileStays)
 {
     const TaskPtr row = make(u"Dentist"_qs, 25);
