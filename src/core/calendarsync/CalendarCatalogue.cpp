@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarCatalogue.h"
 
+#include "calendarsync/CalendarReferences.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/KnownCalendars.h"
@@ -21,8 +22,6 @@ using calendarstore::isCloud;
 using calendarstore::ownTitle;
 using calendarstore::separator;
 using calendarstore::state;
-
-const QString readOnlyMark = QStringLiteral("[<±>]");
 
 std::vector<EKCalendar> ownCalendars()
 {
@@ -107,6 +106,7 @@ std::vector<EKCalendar> CalendarCatalogue::getAllCalendars()
         }
         state().isReachable = true;
         knowncalendars::keep(*found);
+        calendarreferences::take(*found);
         state().calendars = std::move(*found);
     }
     return *state().calendars;
@@ -210,24 +210,34 @@ std::optional<EKCalendar> CalendarCatalogue::getDefaultAccessCalendar()
 
 QString CalendarCatalogue::identifierOfCalendar(const EKCalendar &calendar)
 {
-    if (calendar.allowsContentModifications)
-        return calendar.title;
-    return calendar.title + readOnlyMark + calendar.calendarIdentifier;
+    return calendarreferences::of(calendar);
+}
+
+QStringList CalendarCatalogue::visibleReferences()
+{
+    QStringList references;
+    for (const EKCalendar &one : getAllAccessCalendars()) {
+        references += identifierOfCalendar(one);
+        references += calendarreferences::formerOf(one.calendarIdentifier);
+    }
+    return references;
 }
 
 std::optional<EKCalendar> CalendarCatalogue::calendarOfIdentifier(const QString &identifier)
 {
     if (identifier.isNull())
         return std::nullopt;
-    const qsizetype mark = identifier.indexOf(readOnlyMark);
-    if (mark < 0)
+    const std::vector<EKCalendar> calendars = getAllCalendars();
+    const QString own = calendarreferences::identifierOf(identifier);
+    const qsizetype mark = identifier.lastIndexOf(calendarreferences::identifierMark);
+    if (own.isEmpty() && mark < 0)
         return calendarOfTitle(identifier);
-    const QString wanted = identifier.mid(mark + readOnlyMark.size());
-    for (const EKCalendar &one : getAllCalendars()) {
-        if (one.calendarIdentifier == wanted)
-            return one;
-    }
-    return std::nullopt;
+    const QString wanted =
+        own.isEmpty() ? identifier.mid(mark + calendarreferences::identifierMark.size()) : own;
+    const auto found = std::ranges::find(calendars, wanted, &EKCalendar::calendarIdentifier);
+    if (found == calendars.end() || (mark < 0 && found->allowsContentModifications && !isChosen(*found)))
+        return std::nullopt;
+    return *found;
 }
 
 std::optional<EKCalendar> CalendarCatalogue::calendarOfTitle(const QString &title)

@@ -3,6 +3,7 @@
 #include "eventkit/EKCalendar.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <variant>
@@ -39,10 +40,13 @@ public:
     /// The one that new tasks go into: the stored one if it is chosen and writable, else the first such one.
     static std::optional<EKCalendar> getDefaultAccessCalendar();
     static std::optional<EKCalendar> setDefaultCalendarFromAppleCalendar();
-    /// How a task names a calendar: the title of a writable one; title, "[<±>]" and identifier of a read-only
-    /// one.
+    /// How a task names a calendar (`calendarreferences`): by its title, or where that is not enough, by
+    /// title,
+    /// "[<±>]" and identifier.
     static QString identifierOfCalendar(const EKCalendar &calendar);
-    /// The calendar of such a name: a writable one only if it is chosen.
+    /// All names of the chosen calendars, also those that they had before they were renamed.
+    static QStringList visibleReferences();
+    /// The calendar that has or had such a name: a writable one only if it is chosen.
     static std::optional<EKCalendar> calendarOfIdentifier(const QString &identifier);
     static std::optional<EKCalendar> calendarOfTitle(const QString &title);
     /// Whether the calendar of a name, or of a title, is chosen.
@@ -55,6 +59,6 @@ public:
     /// 2 if the calendars lie in the cloud, else 0.
     static int getSourceType();
     static CalendarChooserData sortingAndGroupingByTitleForData(bool onlyAccessModified);
-    /// Follows renames and removals of calendars, and keeps titles of writable ones apart.
+    /// Follows renames and removals of calendars: what names a calendar names it still, and nothing else.
     static void handleChangedCalendars();
 };

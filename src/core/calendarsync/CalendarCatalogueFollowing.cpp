@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/CalendarOutbox.h"
+#include "calendarsync/CalendarReferences.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/PassBrake.h"
@@ -13,55 +14,13 @@
 #include <QVariantMap>
 
 #include <algorithm>
-#include <map>
 
-// Following calendars that were renamed or removed, and keeping the titles of writable ones apart.
+// Following calendars that were renamed or removed.
 
 namespace {
 
-using calendarstore::isCloud;
 using calendarstore::separator;
 using calendarstore::state;
-
-std::map<QString, int> countOfTitles(const std::vector<EKCalendar> &calendars)
-{
-    std::map<QString, int> counts;
-    for (const EKCalendar &one : calendars)
-        ++counts[one.title];
-    return counts;
-}
-
-bool isBirthdaysOfExchange(const EKCalendar &calendar)
-{
-    return calendar.source.sourceType == EKSourceType::Exchange &&
-           calendar.title == QStringLiteral("Birthdays");
-}
-
-void saveTitle(EKCalendar calendar, const QString &title)
-{
-    calendar.title = title;
-    if (const auto error = EventStoreAccess::eventStore().saveCalendar(calendar, true))
-        Log::line(error->message);
-    state().calendars.reset();
-}
-
-/// A task names its calendar by title, so that no two writable ones may share it.
-void keepTitlesApart()
-{
-    const std::vector<EKCalendar> calendars = CalendarCatalogue::getAllCalendars();
-    std::map<QString, int> counts = countOfTitles(calendars);
-    int number = 0;
-    for (const EKCalendar &one : calendars) {
-        if (counts[one.title] < 2 || !one.allowsContentModifications || isBirthdaysOfExchange(one))
-            continue;
-        if (one.source.sourceType == EKSourceType::Local || isCloud(one.source)) {
-            saveTitle(one, one.title + QString::number(++number));
-            counts = countOfTitles(CalendarCatalogue::getAllCalendars());
-        } else {
-            saveTitle(one, QStringLiteral("%1 (%2)").arg(one.title, one.source.title));
-        }
-    }
-}
 
 const EKCalendar *find(const std::vector<EKCalendar> &calendars, const QString &identifier)
 {
@@ -71,82 +30,93 @@ const EKCalendar *find(const std::vector<EKCalendar> &calendars, const QString &
     return found == calendars.end() ? nullptr : &*found;
 }
 
-void followRename(const QString &formerTitle, const QString &title)
+std::vector<TaskPtr> rowsOf(const QString &reference)
 {
-    for (const TaskPtr &task : DBWorker::getAllTasksWithCalendarTitle(formerTitle)) {
-        if (task)
-            task->setCalendarTitle(title);
+    std::vector<TaskPtr> rows;
+    for (const TaskPtr &row : mainContext().fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("typeCalendarID == %@", reference)))) {
+        if (row)
+            rows.push_back(row);
     }
+    return rows;
+}
+
+/// Puts a reference in the place of another one in the settings; an empty one takes it out.
+void replaceInSettings(const QString &former, const QString &present)
+{
     UserDefaults &defaults = UserDefaults::standard();
-    if (defaults.string(settings::defaultCalendar) == formerTitle)
-        defaults.setObject(settings::defaultCalendar, title);
+    for (const QString &key :
+         {settings::savedChooseCalendars, settings::defaultCalendar, settings::ownCalendarIdentifier}) {
+        QStringList references = defaults.string(key).split(separator);
+        if (!references.contains(former))
+            continue;
+        references.removeAll(present);
+        references.replace(references.indexOf(former), present);
+        references.removeAll(QString());
+        if (references.isEmpty() && key != settings::savedChooseCalendars)
+            defaults.removeObject(key);
+        else
+            defaults.setObject(key, references.join(separator));
+    }
+}
+
+void followRenames(const std::vector<EKCalendar> &calendars, const QVariantMap &formerTitles)
+{
+    for (const auto &[former, present] : calendarreferences::follow(calendars)) {
+        for (const TaskPtr &row : rowsOf(former))
+            row->setTypeCalendarID(present);
+        replaceInSettings(former, present);
+    }
+    for (const EKCalendar &one : calendars) {
+        const QString reference = CalendarCatalogue::identifierOfCalendar(one);
+        // An undo can have brought rows back that name it as it was then.
+        for (const QString &former : calendarreferences::formerOf(one.calendarIdentifier)) {
+            for (const TaskPtr &row : rowsOf(former)) {
+                row->setTypeCalendarID(reference);
+                row->setCalendarTitle(one.title);
+            }
+        }
+        if (formerTitles.value(one.calendarIdentifier, one.title).toString() == one.title)
+            continue;
+        for (const TaskPtr &row : rowsOf(reference))
+            row->setCalendarTitle(one.title);
+    }
 }
 
 /// Whether the tasks of a calendar that has gone may go.
-bool mayRemoveTasksOf(const QString &formerTitle)
+bool mayRemoveTasksOf(const QString &reference)
 {
-    const auto countOf = [](const Predicate &predicate) {
-        return static_cast<size_t>(
-            mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(predicate)).size());
-    };
-    return passbrake::mayDeleteRowsOfCalendar(countOf(Predicate::format("typeCalendarID == %@", formerTitle)),
-                                              countOf(Predicate::format("calendarID != nil")));
+    return passbrake::mayDeleteRowsOfCalendar(
+        rowsOf(reference).size(), static_cast<size_t>(mainContext()
+                                                          .fetch<EntityTask>(EntityTask::fetchRequest().where(
+                                                              Predicate::format("calendarID != nil")))
+                                                          .size()));
 }
 
-/// What became of the calendars since their titles were last written down.
-struct Followed
+/// What becomes of the tasks of calendars that have gone since their titles were last written down. Gives
+/// those whose tasks the user keeps, by identifier.
+QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVariantMap &known)
 {
-    bool isChanged = false;
-    /// Gone, but the user keeps their tasks; by identifier.
     QVariantMap missed;
-};
-
-Followed followCalendars(const std::vector<EKCalendar> &calendars, const QVariantMap &known)
-{
-    Followed followed;
     for (auto entry = known.begin(); entry != known.end(); ++entry) {
         const QString formerTitle = entry.value().toString();
         // Tasks without a calendar have an empty title there.
-        if (entry.key().isEmpty() || formerTitle.isEmpty())
+        if (entry.key().isEmpty() || formerTitle.isEmpty() || find(calendars, entry.key()))
             continue;
-        const EKCalendar *calendar = find(calendars, entry.key());
-        if (!calendar && !mayRemoveTasksOf(formerTitle)) {
-            followed.missed.insert(entry.key(), formerTitle);
-        } else if (!calendar) {
-            CalendarOutbox::forgetCalendar(mainContext(), entry.key());
-            DBWorker::removeAllTasksByCalendarIdentifier(formerTitle);
-            followed.isChanged = true;
-        } else if (!calendar->title.isEmpty() && calendar->title != formerTitle) {
-            followRename(formerTitle, calendar->title);
-            followed.isChanged = true;
+        EKCalendar gone;
+        gone.calendarIdentifier = entry.key();
+        gone.title = formerTitle;
+        const QString reference = CalendarCatalogue::identifierOfCalendar(gone);
+        if (!mayRemoveTasksOf(reference)) {
+            missed.insert(entry.key(), formerTitle);
+            continue;
         }
+        CalendarOutbox::forgetCalendar(mainContext(), entry.key());
+        for (const QString &own : QStringList(reference) + calendarreferences::formerOf(entry.key()))
+            DBWorker::removeAllTasksByCalendarIdentifier(own);
+        replaceInSettings(reference, QString());
     }
-    return followed;
-}
-
-/// Of a renamed calendar the former name stands in the old text.
-void rebuildChosen(const std::vector<EKCalendar> &calendars, const QVariantMap &formerTitles,
-                   const QVariantMap &missed)
-{
-    UserDefaults &defaults = UserDefaults::standard();
-    const QString former = defaults.string(settings::savedChooseCalendars);
-    const QStringList formerReferences = former.split(separator);
-    QStringList chosen;
-    for (const EKCalendar &one : calendars) {
-        const QString reference = CalendarCatalogue::identifierOfCalendar(one);
-        const QString formerTitle = formerTitles.value(one.calendarIdentifier).toString();
-        EKCalendar before = one;
-        before.title = formerTitle;
-        const bool wasChosen = !formerTitle.isEmpty() &&
-                               formerReferences.contains(CalendarCatalogue::identifierOfCalendar(before));
-        if (former.contains(reference) || wasChosen)
-            chosen.append(reference);
-    }
-    for (const QVariant &title : missed) {
-        if (formerReferences.contains(title.toString()))
-            chosen.append(title.toString());
-    }
-    defaults.setObject(settings::savedChooseCalendars, chosen.join(separator));
+    return missed;
 }
 
 } // namespace
@@ -166,17 +136,15 @@ void CalendarCatalogue::handleChangedCalendars()
         return Log::line(QStringLiteral("All calendars are gone; their tasks are kept."));
     // What other programs did is no step of the user.
     Transaction following(mainContext(), ChangeAuthor::Program);
-    keepTitlesApart();
     const std::vector<EKCalendar> calendars = getAllCalendars();
-    const Followed followed = followCalendars(calendars, formerTitles);
-    if (followed.missed.isEmpty())
+    QVariantMap titles = followRemovals(calendars, formerTitles);
+    if (titles.isEmpty())
         passbrake::noCalendarIsMissing();
-    QVariantMap titles = followed.missed;
     for (const EKCalendar &one : calendars)
         titles.insert(one.calendarIdentifier, one.title);
+    calendarreferences::forgetOthersThan(titles.keys());
+    followRenames(calendars, formerTitles);
     defaults.setObject(settings::dictionaryCalendarsData, titles);
-    if (followed.isChanged)
-        rebuildChosen(calendars, formerTitles, followed.missed);
     DBWorker::tellOfFailure(following.commit());
     defaults.synchronize();
 }

@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarOutbox.h"
 
+#include "calendarsync/CalendarPass.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/OfflineChanges.h"
@@ -178,14 +179,19 @@ void drainInPortions()
     });
 }
 
-/// What is taken back may have been changed without the calendars, and can reach them now.
-void writeTakenBackSoon()
+/// What is taken back may have been changed without the calendars, and can reach them now. Where events are
+/// taken back, passes may have made rows of them since, which the step knows nothing of.
+void followTakenBackSoon(bool hasEvents)
 {
-    MainLoop::performDelayed(Seconds(0), [] {
+    MainLoop::performDelayed(Seconds(0), [hasEvents] {
         ManagedObjectContext *context = CoreContext::current().openedStore();
         // Else a question stands; the next activation does it.
-        if (context && !context->transaction())
-            writeChangesMadeOffline(*context);
+        if (!context || context->transaction())
+            return;
+        writeChangesMadeOffline(*context);
+        // What was refused is told of first, and followed by a pass.
+        if (hasEvents && mayWrite() && state().refused.empty())
+            CalendarPass::syncCalendarToAppWithTask(nullptr);
     });
 }
 
@@ -202,7 +208,7 @@ void post(ManagedObjectContext &context, const StoreChanges &changes)
         return;
     offlinechanges::post(context, changes);
     if (changes.author == ChangeAuthor::Undo)
-        writeTakenBackSoon();
+        followTakenBackSoon(!context.pendingOutbox().empty());
     if (!hasWork())
         return;
     for (const ItemChange &change : state().store->stagedChanges())

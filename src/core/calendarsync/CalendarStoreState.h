@@ -6,6 +6,7 @@
 #include "store/entities/TaskValues.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <map>
 #include <memory>
@@ -29,6 +30,8 @@ struct State
     std::unique_ptr<EKEventStore> store;
     /// The calendars for events as they were last seen; absent when they must be asked for again.
     std::optional<std::vector<EKCalendar>> calendars;
+    /// What `calendarreferences` has read of the settings.
+    std::optional<std::map<QString, QStringList>> references;
     /// Whether the store could be asked for them the last time.
     bool isReachable = true;
     Observation storeChanged;

@@ -7,6 +7,7 @@
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/EventDates.h"
 #include "store/state/CoreContext.h"
@@ -19,6 +20,8 @@
 // Events of the window, grouped and found.
 
 namespace {
+
+constexpr double aMinute = 60;
 
 bool isEarlier(const EKEvent &one, const EKEvent &other)
 {
@@ -85,6 +88,11 @@ Result<std::vector<EKEvent>> eventsIn(const std::vector<EKCalendar> &calendars, 
                 events->push_back(std::move(event));
         }
     }
+    // Wherever others have moved them.
+    for (EKEvent &event : items.value()) {
+        if (event.isDetached && !isAmong(*events, event))
+            events->push_back(std::move(event));
+    }
     return EventReader::getEventsWithEventIdentifier(identifier, *events);
 }
 
@@ -99,6 +107,21 @@ auto nearestTo(Date date, const std::vector<EKEvent> &events)
 {
     return std::ranges::min_element(events, {},
                                     [date](const EKEvent &event) { return distance(event, date); });
+}
+
+bool wasAt(const EKEvent &event, Date date)
+{
+    return event.isDetached && event.occurrenceDate &&
+           std::abs((*event.occurrenceDate - date).count()) <= aMinute;
+}
+
+/// Whether it is known to be that of a row.
+bool isShown(const EKEvent &event)
+{
+    const auto rows = mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(
+        Predicate::format("calendarID == %@", event.calendarItemExternalIdentifier)));
+    return std::any_of(rows.begin(), rows.end(),
+                       [&event](const TaskPtr &row) { return row && eventdates::areShownBy(*row, event); });
 }
 
 } // namespace
@@ -196,16 +219,23 @@ Result<std::vector<EKEvent>> EventReader::eventsOfRow(const QString &identifier,
 std::optional<EKEvent> EventReader::eventByStartDateOfTask(OptionalDate date,
                                                            const std::vector<EKEvent> &fromEvents)
 {
-    constexpr double aMinute = 60;
     if (!date)
         return std::nullopt;
     if (const auto near = nearestTo(*date, fromEvents);
         near != fromEvents.end() && distance(*near, *date) <= aMinute)
         return *near;
+    // Moved since the row was made.
     std::vector<const EKEvent *> ofDay;
     for (const EKEvent &event : fromEvents) {
-        if (event.startDate && MTDates::isWithinSameDay(*event.startDate, *date))
+        if (wasAt(event, *date) && !isShown(event))
             ofDay.push_back(&event);
+    }
+    // A moved one is not what has taken its place on the day.
+    if (ofDay.empty()) {
+        for (const EKEvent &event : fromEvents) {
+            if (event.startDate && MTDates::isWithinSameDay(*event.startDate, *date) && !isShown(event))
+                ofDay.push_back(&event);
+        }
     }
     // Another calendar can have a copy.
     const bool isClear = !ofDay.empty() && std::none_of(ofDay.begin() + 1, ofDay.end(), [&](const auto *one) {

@@ -29,7 +29,8 @@ public:
     static std::vector<EKEvent> getEventsWithEventIdentifier(const QString &identifier,
                                                              const std::vector<EKEvent> &fromEvents);
     /// The same among all chosen calendars, by their start; none without access. Of a series those in the
-    /// window and on some more days. An error, and not none, if a calendar cannot be read.
+    /// window and on some more days, and those that were edited alone wherever they are. An error, and not
+    /// none, if a calendar cannot be read.
     static Result<std::vector<EKEvent>>
     eventsWithExternalIdentifier(const QString &identifier, const std::vector<OptionalDate> &onDaysOf = {});
     /// The same in the calendar that a row names, or if that has none, in the other chosen ones. An error
@@ -39,8 +40,9 @@ public:
     /// Whether nothing else has its identifier, so that its row is known by that alone, wherever it was
     /// moved: it is no occurrence of a series, or the only one that is known of it.
     static bool standsAlone(const EKEvent &event);
-    /// The one that starts at a date, or if none does, that which is alone on its day in its calendar. Absent
-    /// where several of the day may be meant.
+    /// The one that starts at a date, or if none does, that which was moved from there, or else is alone on
+    /// its day in its calendar; of the latter none that a row shows, which is the event of that row. Absent
+    /// where several may be meant.
     static std::optional<EKEvent> eventByStartDateOfTask(OptionalDate date,
                                                          const std::vector<EKEvent> &fromEvents);
     /// The one whose times a row shows, or else the one of the row's date, found as above.

@@ -101,9 +101,14 @@ std::optional<EKEvent> firstThatGoes(const EntityTask &task, bool isFuture,
     const OptionalDate date = task.startDate() ? task.startDate() : task.dueDate();
     if (own || !isFuture || !date)
         return own;
-    const auto next =
-        std::ranges::find_if(occurrences, [&date](const EKEvent &event) { return *event.startDate > *date; });
-    return next == occurrences.end() ? std::nullopt : std::optional(*next);
+    // In the order of the series: one that was moved behind the date can be older than it.
+    std::optional<EKEvent> next;
+    for (const EKEvent &event : occurrences) {
+        const bool isLater = event.occurrenceDate && *event.occurrenceDate > *date;
+        if (isLater && (!next || *event.occurrenceDate < *next->occurrenceDate))
+            next = event;
+    }
+    return next;
 }
 
 Result<std::vector<EKEvent>> occurrencesOf(const EntityTask &task)

@@ -66,8 +66,9 @@ OptionalDate presentEnd(const EKEvent &event)
     return end ? end->endDate() : std::nullopt;
 }
 
-/// Whether an edit left the event's rule alone. It stays as it is then, with what a row cannot say of it: an
-/// end after a number of times, or on what day its weeks begin.
+/// Whether an edit left the event's rule alone. It stays as it is then, or turns with the day to which the
+/// event is moved, with what a row cannot say of it: an end after a number of times, or on what day its weeks
+/// begin.
 bool keepsRule(const EKEvent &event, const EntityTask &task)
 {
     if (event.recurrenceRules.empty() || event.recurrenceRules.back().stringForICalendar() != task.repeat())
@@ -76,7 +77,7 @@ bool keepsRule(const EKEvent &event, const EntityTask &task)
     // How many occurrences are left is known only where the series is divided.
     if (end && end->occurrenceCount() > 0)
         return !task.endRepeat();
-    return eventdates::areShownBy(task, event) && task.endRepeat() == (end ? end->endDate() : std::nullopt);
+    return task.endRepeat() == (end ? end->endDate() : std::nullopt);
 }
 
 } // namespace

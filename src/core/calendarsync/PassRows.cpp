@@ -48,8 +48,7 @@ TaskPtr firstByStart(const std::vector<TaskPtr> &rows, Condition condition)
 
 PassRows::PassRows(const std::vector<EKEvent> &events)
 {
-    for (const EKCalendar &one : CalendarCatalogue::getAllAccessCalendars())
-        visibleCalendars.push_back(CalendarCatalogue::identifierOfCalendar(one));
+    visibleCalendars = CalendarCatalogue::visibleReferences();
     for (const TaskPtr &row : mainContext().fetch<EntityTask>(
              EntityTask::fetchRequest().where(Predicate::format("calendarID != nil")))) {
         if (!row)
@@ -74,8 +73,7 @@ PassRows::PassRows(const std::vector<EKEvent> &events)
 bool PassRows::isVisible(const EntityTask &row) const
 {
     const QString reference = row.typeCalendarID();
-    return reference.isEmpty() ||
-           std::find(visibleCalendars.begin(), visibleCalendars.end(), reference) != visibleCalendars.end();
+    return reference.isEmpty() || visibleCalendars.contains(reference);
 }
 
 void PassRows::note(const TaskPtr &row)

@@ -5,6 +5,7 @@
 
 #include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <unordered_map>
 #include <unordered_set>
@@ -41,7 +42,7 @@ private:
     std::vector<TaskPtr> linkedRows;
     std::unordered_map<QString, Rows> byTitle;
     std::unordered_map<QString, Rows> byItem;
-    std::vector<QString> visibleCalendars;
+    QStringList visibleCalendars;
     std::unordered_set<const EntityTask *> claimed;
     bool isFree(const TaskPtr &row) const;
     bool isVisible(const EntityTask &row) const;

@@ -27,8 +27,12 @@ static bool hasEventThere(const MVTask &task)
 std::optional<EKCalendar> TaskFormState::calendarToSaveIn()
 {
     const auto named = CalendarEvent::calendarOfIdentifier(task.typeCalendarID);
-    if (TaskFormChoices::isCalendar(named) || hasEventThere(task))
+    if (TaskFormChoices::isCalendar(named) || hasEventThere(task)) {
+        // It may have been renamed meanwhile.
+        if (named)
+            task.typeCalendarID = CalendarEvent::identifierOfCalendar(*named);
         return named;
+    }
     const auto usual = CalendarEvent::getDefaultAccessCalendar();
     const auto calendar = TaskFormChoices::isCalendar(usual) ? usual : std::nullopt;
     setCalendar(calendar ? CalendarEvent::identifierOfCalendar(*calendar) : QString());

@@ -69,9 +69,7 @@ void AppDelegate::fillContext()
     core->openedStore = [this] { return contexts[selectedStack()].get(); };
     core->hasAccessToCalendars = [] { return CalendarEvent::hasAccesToCalendar(); };
     core->visibleCalendars = [this] {
-        QStringList references;
-        for (const EKCalendar &calendar : CalendarEvent::getAllAccessCalendars())
-            references.append(CalendarEvent::identifierOfCalendar(calendar));
+        const QStringList references = CalendarCatalogue::visibleReferences();
         followVisibleCalendars(references);
         return references;
     };

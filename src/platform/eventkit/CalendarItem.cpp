@@ -2,6 +2,7 @@
 
 #include "eventkit/CalendarError.h"
 #include "eventkit/IcalText.h"
+#include "eventkit/RuleLines.h"
 #include "eventkit/WallClockZone.h"
 
 #include <algorithm>
@@ -66,7 +67,40 @@ OptionalError CalendarItem::takeComponents()
         part.key = keyOf(*part.recurrenceId);
     if (series)
         series->key = keyOf(series->times.start);
+    takeRanges();
     return std::nullopt;
+}
+
+void CalendarItem::takeRanges()
+{
+    // Without the series nobody knows what the later occurrences are.
+    if (!series || kind != EKEntityType::Event)
+        return;
+    const auto firstRange = std::stable_partition(edited.begin(), edited.end(),
+                                                  [](const ItemPart &part) { return !part.coversFuture; });
+    futureEdits.assign(firstRange, edited.end());
+    edited.erase(firstRange, edited.end());
+    std::ranges::stable_sort(futureEdits, {}, &ItemPart::key);
+}
+
+std::vector<const ItemPart *> CalendarItem::edits() const
+{
+    std::vector<const ItemPart *> parts;
+    for (const auto *list : {&edited, &futureEdits})
+        for (const ItemPart &part : *list)
+            parts.push_back(&part);
+    return parts;
+}
+
+const ItemPart *CalendarItem::rangeOf(qint64 key) const
+{
+    const auto next = std::ranges::upper_bound(futureEdits, key, {}, &ItemPart::key);
+    return next == futureEdits.begin() ? nullptr : &*std::prev(next);
+}
+
+IcalTime CalendarItem::startIn(const ItemPart &range, qint64 key) const
+{
+    return moveOf(*this, range).moved(timeOfKey(key));
 }
 
 OptionalError CalendarItem::take(std::size_t childIndex, const IcalComponent &component)
@@ -90,6 +124,7 @@ OptionalError CalendarItem::take(std::size_t childIndex, const IcalComponent &co
     kind = type;
     ItemPart part{childIndex, times.value_or(ItemTimes()), zoneReader.time(recurrenceLine)};
     if (part.recurrenceId) {
+        part.coversFuture = recurrenceLine->parameter("RANGE").trimmed().toUpper() == "THISANDFUTURE";
         edited.push_back(std::move(part));
         return std::nullopt;
     }

@@ -39,6 +39,8 @@ struct ItemPart
     std::optional<IcalTime> recurrenceId;
     /// `keyOf` of it.
     qint64 key = 0;
+    /// Whether it describes the later occurrences too (RANGE=THISANDFUTURE, RFC 5545, section 3.2.13).
+    bool coversFuture = false;
 };
 
 /// How an event repeats.
@@ -72,9 +74,20 @@ public:
 
     /// The event or series itself; null where only edited occurrences are known.
     const ItemPart *master() const { return series ? &*series : nullptr; }
+    /// Occurrences that were edited alone, and any edit of a series that is not known itself.
     const std::vector<ItemPart> &detached() const { return edited; }
+    /// Edits of an occurrence together with all later ones, by key. Each holds up to the next of them; an
+    /// occurrence that was edited alone is none of theirs.
+    const std::vector<ItemPart> &ranges() const { return futureEdits; }
+    /// Both.
+    std::vector<const ItemPart *> edits() const;
+    /// The edit of this and later occurrences that holds for one; null if the series itself does.
+    const ItemPart *rangeOf(qint64 key) const;
+    /// When an occurrence begins as such an edit has it: as far from its original start as the first is, on
+    /// the wall clock.
+    IcalTime startIn(const ItemPart &range, qint64 key) const;
     const ItemRecurrence &recurrence() const { return repetition; }
-    bool isSeries() const { return !repetition.isEmpty() || !edited.empty(); }
+    bool isSeries() const { return !repetition.isEmpty() || !edited.empty() || !futureEdits.empty(); }
     const IcalComponent &component(const ItemPart &part) const;
 
     /// The number by which occurrences are told apart: the second of their original start; for all-day series
@@ -87,6 +100,7 @@ private:
     CalendarItem(const QByteArray &text, IcalDocument document);
     OptionalError takeComponents();
     OptionalError take(std::size_t childIndex, const IcalComponent &component);
+    void takeRanges();
     void takeRecurrence();
     std::optional<ItemTimes> timesOf(const IcalComponent &component) const;
 
@@ -97,6 +111,7 @@ private:
     QString identifier;
     std::optional<ItemPart> series;
     std::vector<ItemPart> edited;
+    std::vector<ItemPart> futureEdits;
     ItemRecurrence repetition;
 };
 

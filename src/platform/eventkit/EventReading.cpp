@@ -39,11 +39,11 @@ void takePlace(EKEvent &event, const IcalComponent &component)
 
 void takeTimes(EKEvent &event, const CalendarItem &item, const ItemOccurrence &occurrence)
 {
-    const ItemTimes &times = (occurrence.detached ? occurrence.detached : item.master())->times;
-    event.allDay = times.isAllDay();
+    const ItemPart &part = occurrence.partOf(item);
+    event.allDay = part.times.isAllDay();
     event.startDate = occurrence.start;
     event.endDate = event.allDay ? occurrence.end - Seconds(1) : occurrence.end;
-    event.timeZone = times.start.clockZone();
+    event.timeZone = (occurrence.range ? item.startIn(part, occurrence.key) : part.times.start).clockZone();
     event.occurrenceDate = item.isSeries() ? item.timeOfKey(occurrence.key).instant() : occurrence.start;
     event.isDetached = occurrence.detached != nullptr;
 }
@@ -79,7 +79,7 @@ OptionalDate dateOfLine(const CalendarItem &item, const IcalComponent &component
 
 const IcalComponent &componentOf(const CalendarItem &item, const ItemOccurrence &occurrence)
 {
-    return item.component(occurrence.detached ? *occurrence.detached : *item.master());
+    return item.component(occurrence.partOf(item));
 }
 
 EKEvent eventOf(const CalendarItemPointer &item, const ItemOccurrence &occurrence, const EKCalendar &calendar)

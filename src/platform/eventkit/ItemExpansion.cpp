@@ -115,8 +115,40 @@ Seconds greatestLength(const CalendarItem &item)
     Seconds length = times.endOf(times.start) - times.start.instant();
     for (const IcalRecurrenceDate &date : item.recurrence().dates)
         length = std::max(length, endOf(*item.master(), date) - date.start.instant());
+    for (const ItemPart &range : item.ranges())
+        length = std::max(length, range.times.endOf(range.times.start) - range.times.start.instant());
     // Clock changes make days longer.
     return length + Seconds(secondsOfADay);
+}
+
+/// How far before and behind a window original starts are looked for, because of edits of an occurrence and
+/// all later ones that move these into it.
+struct Reach
+{
+    Seconds before{0};
+    Seconds behind{0};
+};
+
+Reach reachOf(const CalendarItem &item)
+{
+    Reach reach;
+    for (const ItemPart &range : item.ranges()) {
+        const Seconds moved = range.times.start.instant() - item.timeOfKey(range.key).instant();
+        // Clock changes make it more.
+        reach.before = std::max(reach.before, moved + Seconds(secondsOfADay));
+        reach.behind = std::max(reach.behind, Seconds(secondsOfADay) - moved);
+    }
+    return reach;
+}
+
+/// As the edit of it and later ones has it, if there is one.
+ItemOccurrence asEdited(const CalendarItem &item, const ItemOccurrence &original)
+{
+    const ItemPart *range = item.rangeOf(original.key);
+    if (!range)
+        return original;
+    const IcalTime start = item.startIn(*range, original.key);
+    return {nullptr, original.key, start.instant(), range->times.endOf(start), range};
 }
 
 ItemOccurrence occurrenceOf(const ItemPart &part)
@@ -166,11 +198,12 @@ ItemOccurrences ItemExpansion::occurrences(const CalendarItem &item, const DateW
     Starts starts;
     if (item.master() && !item.recurrence().isEmpty()) {
         // Those that began before the window count on their own, so that they leave room for those inside.
-        starts =
-            startsOf(item, {.from = window.from, .to = window.to, .mostInstances = most}, result.isWhole);
-        const Date earliest = window.from - greatestLength(item);
-        starts.merge(
-            startsOf(item, {.from = earliest, .to = window.from, .mostInstances = most}, result.isWhole));
+        const Reach reach = reachOf(item);
+        const Date from = window.from - reach.before;
+        const Date to = window.to + reach.behind;
+        starts = startsOf(item, {.from = from, .to = to, .mostInstances = most}, result.isWhole);
+        const Date earliest = from - greatestLength(item);
+        starts.merge(startsOf(item, {.from = earliest, .to = from, .mostInstances = most}, result.isWhole));
     } else if (item.master()) {
         const ItemTimes &times = item.master()->times;
         starts[item.master()->key] = {nullptr, item.master()->key, times.start.instant(),
@@ -178,9 +211,9 @@ ItemOccurrences ItemExpansion::occurrences(const CalendarItem &item, const DateW
     }
     for (const ItemPart &part : item.detached())
         starts.erase(part.key);
-    for (const auto &[key, occurrence] : starts)
-        if (window.overlaps(occurrence.start, occurrence.end))
-            found.push_back(occurrence);
+    for (const auto &[key, original] : starts)
+        if (const ItemOccurrence own = asEdited(item, original); window.overlaps(own.start, own.end))
+            found.push_back(own);
     for (const ItemPart &part : item.detached())
         if (const ItemOccurrence moved = occurrenceOf(part); window.overlaps(moved.start, moved.end))
             found.push_back(moved);
@@ -198,8 +231,8 @@ std::optional<ItemOccurrence> ItemExpansion::occurrence(const CalendarItem &item
     const Date start = dateOfKey(item, key);
     const Starts starts = startsOf(item, {.from = start, .to = start});
     if (const auto found = starts.find(key); found != starts.end())
-        return found->second;
-    return ItemOccurrence{nullptr, key, start, item.master()->times.endOf(item.timeOfKey(key))};
+        return asEdited(item, found->second);
+    return asEdited(item, {nullptr, key, start, item.master()->times.endOf(item.timeOfKey(key))});
 }
 
 std::optional<ItemOccurrence> ItemExpansion::first(const CalendarItem &item)
@@ -214,8 +247,8 @@ std::optional<ItemOccurrence> ItemExpansion::first(const CalendarItem &item)
             Starts starts = startsOf(item, {.to = to});
             for (const ItemPart &part : item.detached())
                 starts.erase(part.key);
-            for (const auto &[key, occurrence] : starts)
-                candidates.push_back(occurrence);
+            for (const auto &[key, original] : starts)
+                candidates.push_back(asEdited(item, original));
             return !starts.empty();
         });
     }
@@ -246,16 +279,25 @@ bool ItemExpansion::hasOther(const CalendarItem &item, qint64 key)
     if (std::any_of(item.detached().begin(), item.detached().end(), isOther) ||
         hasOccurrenceBefore(item, key))
         return true;
+    return next(item, key).has_value();
+}
+
+std::optional<qint64> ItemExpansion::next(const CalendarItem &item, qint64 key)
+{
     if (!item.master() || item.recurrence().isEmpty())
-        return false;
+        return std::nullopt;
     const Date from = dateOfKey(item, key);
-    bool isAfter = false;
+    std::optional<qint64> found;
     lookAhead(from, lastDate(), [&](Date to) {
-        const Starts starts = startsOf(item, {.from = from, .to = to});
-        isAfter = !starts.empty() && starts.rbegin()->first > key;
-        return isAfter;
+        Starts starts = startsOf(item, {.from = from, .to = to});
+        for (const ItemPart &part : item.detached())
+            starts.erase(part.key);
+        const auto later = starts.upper_bound(key);
+        if (later != starts.end())
+            found = later->first;
+        return found.has_value();
     });
-    return isAfter;
+    return found;
 }
 
 bool ItemExpansion::contains(const CalendarItem &item, qint64 key)

@@ -8,13 +8,22 @@
 /// One occurrence of an item in time.
 struct ItemOccurrence
 {
-    /// The component that describes it: null for the series itself, else an edited occurrence.
+    /// Its own component: null unless it was edited alone.
     const ItemPart *detached = nullptr;
     /// `CalendarItem::keyOf` its original start.
     qint64 key = 0;
     Date start;
     /// The first moment that is no longer part of it.
     Date end;
+    /// The edit of this or an earlier occurrence and all later ones that describes it; null if there is none,
+    /// or it was edited alone.
+    const ItemPart *range = nullptr;
+
+    /// The component that describes it.
+    const ItemPart &partOf(const CalendarItem &item) const
+    {
+        return detached ? *detached : range ? *range : *item.master();
+    }
 };
 
 /// Where occurrences are asked for: those that overlap it, `to` itself not included. A moment without length
@@ -39,7 +48,7 @@ struct ItemOccurrences
 
 /// Expands items as RFC 5545 (section 3.8.5) has it: the start, the rules and the dates together, without
 /// what is excluded, and with edited occurrences in place of the ones they stand for, wherever they were
-/// moved.
+/// moved. An edit of an occurrence and all later ones says when these are, not that there are any.
 class ItemExpansion
 {
 public:
@@ -54,6 +63,8 @@ public:
     static std::optional<ItemOccurrence> first(const CalendarItem &item);
     /// Whether there are any with a lower key.
     static bool hasOccurrenceBefore(const CalendarItem &item, qint64 key);
+    /// The key of the first one behind a key that was not edited alone; absent if there is none.
+    static std::optional<qint64> next(const CalendarItem &item, qint64 key);
     /// Whether there are any with another key.
     static bool hasOther(const CalendarItem &item, qint64 key);
     /// Whether the series itself has that occurrence, edited or not.

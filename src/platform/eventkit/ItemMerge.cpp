@@ -102,14 +102,16 @@ struct Object
             return std::nullopt;
         return Object{std::move(document.value()), item.value()};
     }
-    /// The parts by their key; the series itself stands under none.
-    std::map<std::optional<qint64>, const ItemPart *> parts() const
+    /// What tells parts apart: which occurrence they begin with, none for the series itself, and whether they
+    /// are edits of the later ones too.
+    using PartKey = std::pair<std::optional<qint64>, bool>;
+    std::map<PartKey, const ItemPart *> parts() const
     {
-        std::map<std::optional<qint64>, const ItemPart *> found;
+        std::map<PartKey, const ItemPart *> found;
         if (item->master())
-            found[std::nullopt] = item->master();
-        for (const ItemPart &part : item->detached())
-            found[part.key] = &part;
+            found[{std::nullopt, false}] = item->master();
+        for (const ItemPart *part : item->edits())
+            found[{part->key, part->coversFuture}] = part;
         return found;
     }
 };
@@ -293,7 +295,7 @@ public:
         const auto current = present.parts();
         const auto former = before.parts();
         const auto wanted = after.parts();
-        std::set<std::optional<qint64>> keys;
+        std::set<Object::PartKey> keys;
         for (const auto *parts : {&former, &wanted}) {
             for (const auto &[key, part] : *parts)
                 keys.insert(key);

@@ -43,6 +43,12 @@ int ordinalOf(const QDate &date, bool isFromEnd)
     return isFromEnd ? -((date.daysInMonth() - date.day()) / 7 + 1) : (date.day() - 1) / 7 + 1;
 }
 
+/// -1 for the last day of its month.
+int dayFromEnd(const QDate &date)
+{
+    return date.day() - date.daysInMonth() - 1;
+}
+
 void moveWeekdays(RecurrencePattern &pattern, const QDate &former, const QDate &present)
 {
     const std::int64_t days = former.daysTo(present);
@@ -55,6 +61,9 @@ void moveWeekdays(RecurrencePattern &pattern, const QDate &former, const QDate &
         if (day.weekNumber != 0 && isOfMonth)
             day.weekNumber = ordinalOf(present, day.weekNumber < 0);
     }
+    // Which days are in one week counts where weeks are left out: the weeks turn too.
+    if (pattern.frequency == RecurrenceUnit::Weekly && pattern.interval > 1 && pattern.byDay.size() > 1)
+        pattern.weekStart = weekdayAfter(pattern.weekStart, days);
 }
 
 /// A rule that names the day on which the occurrence was names the one on which it is now. A rule of every
@@ -67,6 +76,8 @@ RecurrencePattern movedDays(RecurrencePattern pattern, const QDate &former, cons
         moveWeekdays(pattern, former, present);
     if (pattern.frequency >= RecurrenceUnit::Monthly)
         replace(pattern.byMonthDay, former.day(), present.day());
+    if (pattern.frequency >= RecurrenceUnit::Monthly && former.month() == present.month())
+        replace(pattern.byMonthDay, dayFromEnd(former), dayFromEnd(present));
     if (pattern.frequency == RecurrenceUnit::Yearly) {
         replace(pattern.byMonth, former.month(), present.month());
         replace(pattern.byYearDay, former.dayOfYear(), present.dayOfYear());
@@ -87,6 +98,41 @@ std::optional<IcalTime> lastTime(const RecurrencePattern &pattern, const IcalTim
 {
     const auto last = RecurrenceExpander::untilInstant(pattern, calendarOfZone(start.clockZone()));
     return last ? std::optional(IcalTime::of(*last, start)) : std::nullopt;
+}
+
+std::int64_t timeOfDay(const IcalTime &time)
+{
+    return time.clock.seconds() - time.day().clock.seconds();
+}
+
+IcalTime movedEnd(const IcalTime &last, const SeriesMove &move)
+{
+    const IcalTime moved = move.moved(last);
+    // From days to hours: the last day counts whole.
+    const bool isOfDays = move.formerStart.isDate() && !move.newForm.isDate();
+    return isOfDays ? moved.shifted(secondsOfADay - 1) : moved;
+}
+
+/// The same day as before is the last on which an occurrence may start.
+IcalTime endOnItsDay(const IcalTime &last, const IcalTime &occurrence, const SeriesMove &move)
+{
+    const IcalTime start = move.moved(occurrence);
+    // The end may lie before the occurrence of its own day.
+    const bool isBefore = timeOfDay(last) < timeOfDay(occurrence);
+    IcalTime end = last;
+    if (move.newForm.tzid != move.formerStart.tzid && !last.isDate() && !move.newForm.isDate())
+        end = IcalTime::of(last.instant(), move.newForm);
+    std::int64_t timeOfEnd = std::max(timeOfDay(end), timeOfDay(start));
+    std::int64_t day = dayNumber(end);
+    if (isBefore)
+        --day;
+    // A whole day counts whole.
+    if (isBefore || last.isDate() || day < dayNumber(start))
+        timeOfEnd = secondsOfADay - 1;
+    IcalTime moved = move.newForm;
+    const std::int64_t wholeDays = std::max(day, dayNumber(start)) * secondsOfADay;
+    moved.clock = WallClock::fromSeconds(wholeDays + (moved.isDate() ? 0 : timeOfEnd));
+    return moved;
 }
 
 /// Reads the rule of a series that begins at such a time.
@@ -113,6 +159,18 @@ IcalTime SeriesMove::moved(const IcalTime &time) const
     return IcalTime::of(time.instant(), newForm).shifted(delta);
 }
 
+SeriesMove moveOf(const CalendarItem &item, const ItemPart &range)
+{
+    const IcalTime &formerStart = item.master()->times.start;
+    const IcalTime &start = range.times.start;
+    const bool isUtcOnly = start.form == IcalTime::Form::Utc && formerStart.form == IcalTime::Form::Zoned;
+    const IcalTime &form = isUtcOnly ? formerStart : start;
+    const auto secondsOf = [&form](const IcalTime &time) {
+        return IcalTime::of(time.instant(), form).clock.seconds();
+    };
+    return {formerStart, form, secondsOf(start) - secondsOf(item.timeOfKey(range.key))};
+}
+
 QByteArray withRulePart(const QByteArray &rule, const QByteArray &key, const QByteArray &value)
 {
     QList<QByteArray> parts = rule.split(';');
@@ -133,7 +191,7 @@ QByteArray textOfRule(const EKRecurrenceRule &rule, const IcalTime &start)
 }
 
 std::optional<QByteArray> ruleFrom(const QByteArray &rule, int matchesBefore, const IcalTime &occurrence,
-                                   const SeriesMove &move)
+                                   const SeriesMove &move, EndOfMoved end)
 {
     const auto pattern = patternOf(rule, move.formerStart);
     if (!pattern)
@@ -150,10 +208,11 @@ std::optional<QByteArray> ruleFrom(const QByteArray &rule, int matchesBefore, co
     }
     const auto last = lastTime(*pattern, move.formerStart);
     if (last && !move.isNone()) {
-        IcalTime moved = move.moved(*last);
-        // From days to hours: the last day counts whole.
-        if (move.formerStart.isDate() && !move.newForm.isDate())
-            moved = moved.shifted(secondsOfADay - 1);
+        const bool isByDays = pattern->frequency >= RecurrenceUnit::Daily && pattern->byHour.empty() &&
+                              pattern->byMinute.empty() && pattern->bySecond.empty();
+        const IcalTime moved = end == EndOfMoved::StaysOnItsDay && isByDays
+                                   ? endOnItsDay(*last, occurrence, move)
+                                   : movedEnd(*last, move);
         text = withRulePart(text, "UNTIL", untilText(moved, move.newForm));
     }
     if (last && dayNumber(*last) < dayNumber(occurrence))

@@ -19,15 +19,42 @@ void change(IcalComponent &component, const ItemTimes &times, const EKEvent &bef
 /// The component of an occurrence that nobody has edited yet.
 IcalComponent detachedComponent(const CalendarItem &item, const ItemOccurrence &occurrence)
 {
-    IcalComponent component = item.component(*item.master());
-    for (const char *name : {"RRULE", "RDATE", "EXRULE", "EXDATE"})
+    const ItemPart &model = occurrence.partOf(item);
+    IcalComponent component = item.component(model);
+    for (const char *name : {"RRULE", "RDATE", "EXRULE", "EXDATE", "RECURRENCE-ID"})
         component.removeLines(name);
-    const IcalTime start = item.timeOfKey(occurrence.key);
-    component.addLine(start.line("RECURRENCE-ID", component.lineEnd()));
-    EventPeriod period = EventPeriod::of(item.master()->times);
-    period.start = start;
-    period.writeTo(component, item.master()->times);
+    const IcalTime original = item.timeOfKey(occurrence.key);
+    component.addLine(original.line("RECURRENCE-ID", component.lineEnd()));
+    EventPeriod period = EventPeriod::of(model.times);
+    period.start = occurrence.range ? item.startIn(model, occurrence.key) : original;
+    period.writeTo(component, model.times);
     return component;
+}
+
+/// Where an edit of an occurrence and all later ones begins with this one, it begins with the next one from
+/// now on: an object has one component for each RECURRENCE-ID. Gives those that hold for none any more.
+///
+/// The series is not divided for this: who wrote such an edit understands it, and a division would give half
+/// of the occurrences another UID for the sake of one, with which invitations and other programs lose them.
+std::set<std::size_t> beginLater(IcalDocument &document, const CalendarItem &item, qint64 key)
+{
+    std::set<std::size_t> empty;
+    for (const ItemPart &range : item.ranges()) {
+        if (range.key != key)
+            continue;
+        const auto next = ItemExpansion::next(item, key);
+        if (!next || item.rangeOf(*next) != &range) {
+            empty.insert(range.childIndex);
+            continue;
+        }
+        IcalComponent &component = *document.calendar().childAt(range.childIndex);
+        writeRecurrenceId(component, item.timeOfKey(*next), range);
+        EventPeriod period = EventPeriod::of(range.times);
+        period.start = item.startIn(range, *next);
+        period.writeTo(component, range.times);
+        markChanged(component, ChangeWeight::Significant);
+    }
+    return empty;
 }
 
 /// Its times as they are written now.
@@ -61,7 +88,9 @@ SeriesEditing::Edited SeriesEditing::withOccurrence(const CalendarItem &item,
             return {item.text(), occurrence.key};
         markChanged(component, ChangeWeight::Significant);
         document.calendar().addChild(component);
-        start = IcalTime::of(*after.startDate, timeFormOf(before, after, item.master()->times.start));
+        start =
+            IcalTime::of(*after.startDate, timeFormOf(before, after, occurrence.partOf(item).times.start));
+        document.calendar().removeChildrenAt(beginLater(document, item, occurrence.key));
     }
     if (document.text() != item.text())
         describeZone(document.calendar(), start);
@@ -76,7 +105,7 @@ std::optional<QByteArray> SeriesEditing::without(const CalendarItem &item, qint6
         master.addLine(item.timeOfKey(key).line("EXDATE", master.lineEnd()));
         markChanged(master, ChangeWeight::Significant);
     }
-    std::set<std::size_t> dropped;
+    std::set<std::size_t> dropped = beginLater(document, item, key);
     for (const ItemPart &part : item.detached())
         if (part.key == key)
             dropped.insert(part.childIndex);

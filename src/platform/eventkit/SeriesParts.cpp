@@ -1,5 +1,6 @@
 #include "eventkit/SeriesParts.h"
 
+#include "eventkit/EventPeriod.h"
 #include "eventkit/EventWriting.h"
 
 #include <array>
@@ -90,6 +91,16 @@ void rewriteRules(IcalComponent &component, const QByteArray &name,
             lines.push_back(*rule == body ? *line : line->withValue(*rule));
     }
     component.replaceLines(name, lines);
+}
+
+void writeRecurrenceId(IcalComponent &component, const IcalTime &time, const ItemPart &part)
+{
+    const QByteArray name = "RECURRENCE-ID";
+    writeTime(component, name, time, part.recurrenceId);
+    const ContentLine *line = component.line(name);
+    if (part.coversFuture && line->parameter("RANGE").isNull())
+        component.replaceLines(name,
+                               {component.makeLine(line->head() + ";RANGE=THISANDFUTURE", line->value())});
 }
 
 QByteArray textOf(const IcalComponent &component)

@@ -16,6 +16,8 @@ void rewriteRules(IcalComponent &component, const QByteArray &name,
                   const std::function<std::optional<QByteArray>(const QByteArray &body)> &rewrite);
 /// Notes the change in a component that is no longer as it was.
 void markIfChanged(IcalComponent &component, const IcalComponent &former);
+/// Says of an edit which occurrence of the series it begins with.
+void writeRecurrenceId(IcalComponent &component, const IcalTime &time, const ItemPart &part);
 /// The whole text of a component.
 QByteArray textOf(const IcalComponent &component);
 /// The parsed text; only for texts that were made out of an item.

@@ -38,11 +38,11 @@ public:
             if (component->name() == "VEVENT")
                 component->setValue("UID", uid.toUtf8());
         changeMaster();
-        for (const ItemPart &part : item.detached())
-            changeDetached(part);
+        for (const ItemPart *part : item.edits())
+            changeEdit(*part);
         document.calendar().removeChildrenAt(dropped);
         if (areRulesChanged)
-            dropStrayDetached();
+            dropStrays();
         if (document.text() != item.text() && move.moved(start) != item.master()->times.start)
             describeZone(document.calendar(), move.moved(start));
         const CalendarItemPointer made = itemOf(document);
@@ -108,7 +108,7 @@ private:
             });
     }
 
-    void changeDetached(const ItemPart &part)
+    void changeEdit(const ItemPart &part)
     {
         const bool isPast = part.key < occurrence.key;
         if (isPast || (areRulesChanged && newEvent.recurrenceRules.empty())) {
@@ -116,9 +116,8 @@ private:
             return;
         }
         IcalComponent &component = *document.calendar().childAt(part.childIndex);
-        if (!move.isNone()) {
-            writeTime(component, "RECURRENCE-ID", move.moved(*part.recurrenceId), part.recurrenceId);
-        }
+        if (!move.isNone())
+            writeRecurrenceId(component, move.moved(*part.recurrenceId), part);
         if (occurrence.detached && occurrence.detached->childIndex == part.childIndex) {
             const IcalTime form = timeFormOf(formerEvent, newEvent, part.times.start);
             if (!(EventPeriod::of(formerEvent, form) == EventPeriod::of(newEvent, form)) ||
@@ -130,13 +129,13 @@ private:
     }
 
     /// A new rule may no longer have what was edited.
-    void dropStrayDetached()
+    void dropStrays()
     {
         const CalendarItemPointer made = itemOf(document);
         std::set<std::size_t> strays;
-        for (const ItemPart &part : made->detached())
-            if (!ItemExpansion::contains(*made, part.key))
-                strays.insert(part.childIndex);
+        for (const ItemPart *part : made->edits())
+            if (!ItemExpansion::contains(*made, part->key))
+                strays.insert(part->childIndex);
         document.calendar().removeChildrenAt(strays);
     }
 
@@ -151,6 +150,49 @@ private:
     bool areRulesChanged;
     std::set<std::size_t> dropped;
 };
+
+/// The series as if an edit of one of its occurrences and all later ones had been one of the whole: what it
+/// says is said by the series itself, of earlier occurrences too.
+CalendarItemPointer withRangeForAll(const CalendarItem &item, const ItemPart &range)
+{
+    const SeriesMove move = moveOf(item, range);
+    IcalDocument document = item.document();
+    const IcalComponent &former = item.component(*item.master());
+    IcalComponent series = item.component(range);
+    series.removeLines("RECURRENCE-ID");
+    for (const char *name : {"RRULE", "EXRULE", "EXDATE"}) {
+        std::vector<ContentLine> lines;
+        for (const ContentLine *line : former.lines(name))
+            lines.push_back(*line);
+        series.replaceLines(name, lines);
+    }
+    for (const char *name : {"RRULE", "EXRULE"})
+        rewriteRules(series, name, [&](const QByteArray &body) {
+            return ruleFrom(body, 0, item.timeOfKey(range.key), move, EndOfMoved::MovesAlong);
+        });
+    rewriteDates(
+        series, "EXDATE", item, [](qint64) { return true; }, move);
+    std::vector<ContentLine> dates;
+    for (const IcalRecurrenceDate &date : item.recurrence().dates)
+        // Each is as long as the edit says.
+        dates.push_back(item.startIn(range, item.keyOf(date.start)).line("RDATE", series.lineEnd()));
+    series.replaceLines("RDATE", dates);
+    EventPeriod period = EventPeriod::of(range.times);
+    period.start = item.startIn(range, item.master()->key);
+    period.writeTo(series, range.times);
+
+    std::set<std::size_t> dropped;
+    for (const ItemPart *part : item.edits()) {
+        if (part->coversFuture && part->key <= range.key)
+            dropped.insert(part->childIndex);
+        else if (!move.isNone())
+            writeRecurrenceId(*document.calendar().childAt(part->childIndex),
+                              move.moved(item.timeOfKey(part->key)), *part);
+    }
+    *document.calendar().childAt(item.master()->childIndex) = std::move(series);
+    document.calendar().removeChildrenAt(dropped);
+    return itemOf(document);
+}
 
 /// An edited occurrence as an event of its own in place of its series.
 SeriesEditing::Edited alone(const CalendarItem &item, const ItemPart &part, const EKEvent &before,
@@ -181,6 +223,17 @@ SeriesEditing::Edited alone(const CalendarItem &item, const ItemPart &part, cons
     return {document.text(), made && made->master() ? made->master()->key : part.key};
 }
 
+/// The edit of an occurrence and all later ones that the rest from an occurrence on follows. Behind one that
+/// was edited alone it can begin with the next: there is no other rest then, and it may have begun with this
+/// one.
+const ItemPart *rangeOfRest(const CalendarItem &item, const ItemOccurrence &occurrence)
+{
+    const ItemPart *own = item.rangeOf(occurrence.key);
+    const auto next = occurrence.detached ? ItemExpansion::next(item, occurrence.key) : std::nullopt;
+    const ItemPart *following = next ? item.rangeOf(*next) : nullptr;
+    return following && following->key == *next ? following : own;
+}
+
 } // namespace
 
 SeriesEditing::Edited SeriesEditing::from(const CalendarItem &item, const ItemOccurrence &occurrence,
@@ -191,7 +244,12 @@ SeriesEditing::Edited SeriesEditing::from(const CalendarItem &item, const ItemOc
     const bool endsSeries = before.recurrenceRules != after.recurrenceRules && after.recurrenceRules.empty();
     if (occurrence.detached && endsSeries)
         return alone(item, *occurrence.detached, before, after, uid);
-    return LaterPart(item, occurrence, before, after).make(uid);
+    const ItemPart *range = rangeOfRest(item, occurrence);
+    const CalendarItemPointer own = range ? withRangeForAll(item, *range) : nullptr;
+    if (!own)
+        return LaterPart(item, occurrence, before, after).make(uid);
+    const auto there = ItemExpansion::occurrence(*own, own->keyOf(item.startIn(*range, occurrence.key)));
+    return LaterPart(*own, *there, before, after).make(uid);
 }
 
 std::optional<QByteArray> SeriesEditing::upTo(const CalendarItem &item, qint64 key)
@@ -211,9 +269,9 @@ std::optional<QByteArray> SeriesEditing::upTo(const CalendarItem &item, qint64 k
         markIfChanged(master, item.component(*part));
     }
     std::set<std::size_t> dropped;
-    for (const ItemPart &part : item.detached())
-        if (part.key >= key)
-            dropped.insert(part.childIndex);
+    for (const ItemPart *part : item.edits())
+        if (part->key >= key)
+            dropped.insert(part->childIndex);
     document.calendar().removeChildrenAt(dropped);
     const CalendarItemPointer rest = itemOf(document);
     return rest && ItemExpansion::first(*rest) ? std::optional(document.text()) : std::nullopt;

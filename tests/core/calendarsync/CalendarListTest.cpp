@@ -104,14 +104,6 @@ TEST_F(CalendarList, NothingIsLostWhenSeveralAreJoined)
     EXPECT_EQ(files(u"Third"_qs), third);
 }
 
-TEST_F(CalendarList, TitlesAreKeptApart)
-{
-    rename(u"Work"_qs, u"Home"_qs);
-    connectStore();
-    CalendarEvent::handleChangedCalendars();
-    EXPECT_EQ(titlesOf(CalendarEvent::getAllCalendars()), QStringList({u"Home"_qs, u"Home1"_qs}));
-}
-
 TEST_F(CalendarList, RenamedAndRemovedCalendarsAreFollowed)
 {
     write(u"Home"_qs, u"one"_qs, u"SUMMARY:One\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\n"_qs);

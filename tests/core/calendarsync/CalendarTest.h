@@ -30,7 +30,7 @@ protected:
         PlatformConfiguration::setAuthorization(u"events"_qs, 0);
         for (const QString &key :
              {settings::savedChooseCalendars, settings::defaultCalendar, settings::dictionaryCalendarsData,
-              settings::eventsAtLastPass, settings::knownCalendars})
+              settings::eventsAtLastPass, settings::knownCalendars, settings::calendarReferences})
             UserDefaults::standard().removeObject(key);
     }
 

@@ -118,7 +118,7 @@ TEST_F(TaskFormCalendarTest, ACalendarThatIsNotOfferedAnyMoreGivesWayToThatOfNew
         connectStore();
         CalendarEvent::handleChangedCalendars();
     });
-    EXPECT_EQ(renamed.typeCalendarID, u"Work"_qs);
+    EXPECT_EQ(renamed.typeCalendarID + u' ' + renamed.calendarTitle, u"House House"_qs);
     const MVTask last = saved(u"last"_qs, u"Work"_qs, [] { choose({}); });
     EXPECT_EQ(last.typeCalendarID + last.calendarTitle, QString());
     choose({u"House"_qs});

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <random>
@@ -47,6 +48,12 @@ protected:
     static void tickOff(const TaskPtr &row) { MVTask(row).changeStatusType(TaskStatus::Done, true); }
     void undo() { ASSERT_FALSE(context().undo()); }
     void redo() { ASSERT_FALSE(context().redo()); }
+    /// The other turns of the main loop.
+    static void goOn()
+    {
+        for (int turn = 0; turn < 5; ++turn)
+            QCoreApplication::processEvents();
+    }
     /// The program comes to the front: what is left is carried out, and a pass runs.
     void activate() { delegate->applicationDidBecomeActive(); }
     void restart()
@@ -205,6 +212,82 @@ TEST_F(UndoStories, EditsOfASeriesAreTakenBackOnBothSides)
         editSeries(rowOf(u"Run"_qs, 1), Span::ThisTask,
                    [](MVTask &task) { task.changeStatusType(TaskStatus::Done, false); });
     });
+}
+
+TEST_F(UndoStories, ARepeatingTaskThatWasMadeBeforeTheStartGoesWhole)
+{
+    make(u"Other"_qs, 27);
+    for (const TaskType type : {TaskType::ToDo, TaskType::Appointment, TaskType::EmailCall}) {
+        for (const bool activates : {false, true}) {
+            SCOPED_TRACE(int(type) * 2 + activates);
+            activate();
+            const QStringList rowsBefore = shown();
+            const QStringList eventsBefore = held();
+            const auto filesBefore = files(u"Home"_qs);
+            MVTask daily = draft(u"Daily"_qs, 24, type);
+            daily.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;
+            if (activates)
+                daily.endRepeat = localDate(2026, 11, 28);
+            make(daily);
+            const QStringList rowsAfter = shown();
+            const QStringList eventsAfter = held();
+            EXPECT_GE(rowsAfter.size(), rowsBefore.size() + 2);
+            const auto next = [&] {
+                restart();
+                if (activates)
+                    activate();
+            };
+            for (int round = 0; round < 2; ++round) {
+                next();
+                undo();
+                expectBothSides(rowsBefore, eventsBefore, "undone");
+                EXPECT_EQ(files(u"Home"_qs), filesBefore);
+                activate();
+                expectBothSides(rowsBefore, eventsBefore, "undone and activated");
+                next();
+                redo();
+                expectBothSides(rowsAfter, eventsAfter, "redone");
+                activate();
+                expectBothSides(rowsAfter, eventsAfter, "redone and activated");
+            }
+            next();
+            undo();
+            activate();
+            expectBothSides(rowsBefore, eventsBefore, "undone at last");
+            expectSettled();
+        }
+    }
+}
+
+TEST_F(UndoStories, ARepeatingTaskThatWasMadeDaysAgoGoesWhole)
+{
+    make(u"Other"_qs, 27);
+    const QStringList rowsBefore = shown();
+    const QStringList eventsBefore = held();
+    MVTask daily = draft(u"Daily"_qs, 24);
+    daily.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;
+    make(daily);
+    restart();
+    activate();
+    // The passes of the days between have made rows for days that were too far away then.
+    for (const int day : {24, 27}) {
+        const FrozenClock later(localDate(2026, 11, day, 12));
+        restart();
+        activate();
+        const QStringList rowsAfter = shown();
+        EXPECT_GT(rowsAfter.size(), rowsBefore.size() + 2);
+        undo();
+        goOn();
+        expectBothSides(rowsBefore, eventsBefore, "undone");
+        activate();
+        expectBothSides(rowsBefore, eventsBefore, "undone and activated");
+        restart();
+        redo();
+        activate();
+        EXPECT_EQ(shown(), rowsAfter);
+        EXPECT_GT(held().size(), eventsBefore.size() + 2);
+        expectSettled();
+    }
 }
 
 TEST_F(UndoStories, WhatAnotherProgramChangedMeanwhileStays)

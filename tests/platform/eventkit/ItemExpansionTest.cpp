@@ -127,6 +127,38 @@ TEST_F(ItemExpansionTest, EditedOccurrencesStandWhereTheyWereMoved)
     EXPECT_EQ(inMarch(byDate), (QStringList{u"03-22 14:00-14:00*"_qs})) << "without its series";
 }
 
+TEST_F(ItemExpansionTest, AnEditOfThisAndLaterOnesHoldsUpToTheNext)
+{
+    const QByteArray series = event("DTSTART;TZID=Europe/Berlin:20240326T090000\nDURATION:PT1H\n"
+                                    "RRULE:FREQ=DAILY;COUNT=7\nEXDATE;TZID=Europe/Berlin:20240328T090000\n");
+    // In UTC: on the clock of the series nevertheless, also when that changes on the 31st.
+    const QByteArray later = event("RECURRENCE-ID;RANGE=THISANDFUTURE:20240328T080000Z\n"
+                                   "DTSTART:20240328T100000Z\nDTEND:20240328T103000Z\n");
+    const QByteArray alone =
+        event("RECURRENCE-ID;TZID=Europe/Berlin:20240330T090000\nDTSTART:20240330T140000\n");
+    const QByteArray latest = event("RECURRENCE-ID;TZID=Europe/Berlin;RANGE=THISANDFUTURE:20240401T090000\n"
+                                    "DTSTART;VALUE=DATE:20240402\n");
+    EXPECT_EQ(
+        occurrences(series + latest + alone + later, localDate(2024, 3, 1), localDate(2024, 5, 1)),
+        (QStringList{u"03-26 09:00-10:00"_qs, u"03-27 09:00-10:00"_qs, u"03-29 11:00-11:30"_qs,
+                     u"03-30 14:00-14:00*"_qs, u"03-31 11:00-11:30"_qs, u"04-02 00:00-04-03 00:00"_qs}));
+    EXPECT_EQ(inMarch(alone + later).size(), 2) << "without the series each is one";
+}
+
+TEST_F(ItemExpansionTest, LaterOnesAreFoundHoweverFarTheyWereMoved)
+{
+    const QByteArray series = event("DTSTART:20240101T090000\nDURATION:PT1H\nRRULE:FREQ=DAILY\n");
+    const auto moved = [&](const char *to) {
+        return series +
+               event("RECURRENCE-ID;RANGE=THISANDFUTURE:20240301T090000\nDTSTART:" + QByteArray(to) + '\n');
+    };
+    const Date day = localDate(2024, 6, 1);
+    for (const char *to : {"20240101T090000", "20240501T090000", "20240301T093000"})
+        EXPECT_EQ(occurrences(moved(to), day, day + Seconds(86400)).size(), 1) << to;
+    // What was moved away leaves nothing where it was.
+    EXPECT_EQ(occurrences(moved("20240501T090000"), localDate(2024, 3, 1), localDate(2024, 5, 1)).size(), 0);
+}
+
 TEST_F(ItemExpansionTest, SeriesKeepTheirWallClockOverClockChanges)
 {
     const auto around = [](const QByteArray &lines, Date day) {

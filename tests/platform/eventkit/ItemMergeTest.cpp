@@ -263,3 +263,25 @@ TEST(ItemMerge, GeneratedChangesThatAreTakenBackGiveTheFormerTextBack)
             << before.toStdString() << after.toStdString() << back->toStdString();
     }
 }
+
+TEST(ItemMerge, AnEditOfOneOccurrenceIsNoneOfThisAndTheLaterOnes)
+{
+    const auto series = [](const QByteArray &title) {
+        return "BEGIN:VEVENT\nUID:u\nDTSTART:20240304T090000Z\nRRULE:FREQ=DAILY;COUNT=5\nSUMMARY:" + title +
+               "\nEND:VEVENT\n";
+    };
+    const auto edit = [](const QByteArray &parameter, const QByteArray &day, const QByteArray &title) {
+        return "BEGIN:VEVENT\nUID:u\nRECURRENCE-ID" + parameter + ":" + day + "T090000Z\nDTSTART:" + day +
+               "T110000Z\nSUMMARY:" + title + "\nEND:VEVENT\n";
+    };
+    const QByteArray range = ";RANGE=THISANDFUTURE";
+    const QByteArray before = object(series("s") + edit(range, "20240305", "Later"));
+    const QByteArray after =
+        object(series("s") + edit({}, "20240305", "Alone") + edit(range, "20240306", "Later"));
+    const QByteArray present = object(series("Theirs") + edit(range, "20240305", "Later"));
+    const std::string there = merged(present, before, after);
+    EXPECT_THAT(there, HasSubstr("RECURRENCE-ID:20240305T090000Z"));
+    EXPECT_THAT(there, HasSubstr("RECURRENCE-ID;RANGE=THISANDFUTURE:20240306T090000Z"));
+    EXPECT_THAT(there, Not(HasSubstr("THISANDFUTURE:20240305")));
+    EXPECT_EQ(unstamped(QByteArray::fromStdString(merged(there.c_str(), after, before, true))), present);
+}

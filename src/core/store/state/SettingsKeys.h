@@ -31,6 +31,8 @@ inline const QString defaultCalendar = QStringLiteral("defaultCalendar");
 inline const QString savedChooseCalendars = QStringLiteral("savedChooseCalendars");
 /// The calendars as they were last seen, as maps.
 inline const QString knownCalendars = QStringLiteral("knownCalendars");
+/// Of each calendar's identifier its reference and its former ones.
+inline const QString calendarReferences = QStringLiteral("calendarReferences");
 inline const QString dictionaryCalendarsData = QStringLiteral("dictionaryCalendarsData");
 inline const QString handleBeforeAllCalendarsSync = QStringLiteral("handleBeforeAllCalendarsSync");
 inline const QString eventsAtLastPass = QStringLiteral("eventsAtLastPass");

@@ -6,6 +6,7 @@
 #include "calendarsync/AlertSchedule.h"
 #include "calendarsync/CalendarEvent.h"
 #include "eventkit/eds/EdsBackend.h"
+#include "records/TaskManager.h"
 #include "store/entities/MainContext.h"
 #include "store/state/SettingsKeys.h"
 #include "usernotifications/UserNotificationCenter.h"
@@ -62,7 +63,8 @@ protected:
         CalendarEvent::resetEventStore();
         EKEventStore::setSharedBackend(nullptr);
         PlatformConfiguration::setAuthorization(u"events"_qs, 0);
-        UserDefaults::standard().removeObject(settings::savedChooseCalendars);
+        for (const QString &key : {settings::savedChooseCalendars, settings::calendarReferences})
+            UserDefaults::standard().removeObject(key);
         for (const QString &identifier : identifiers)
             EXPECT_FALSE(EdsBackend().removeCalendar(identifier));
     }
@@ -159,6 +161,65 @@ TEST_F(EdsPassTest, ADaemonThatHangsInAPassIsNoAccess)
     connectAnew();
     pass();
     EXPECT_EQ(linkedRows(), before + 1) << "a new start finds all";
+}
+
+TEST_F(EdsPassTest, ARepeatingTaskThatWasMadeBeforeTheStartGoesWhole)
+{
+    const auto titled = [] {
+        int found = 0;
+        for (const TaskPtr &row : mainContext().fetch<EntityTask>(
+                 EntityTask::fetchRequest().where(Predicate::format("title == %@", u"Daily"_qs))))
+            found += row != nullptr;
+        return found;
+    };
+    // As another program finds them.
+    const auto held = [this] {
+        EKEventStore elsewhere(std::make_shared<EdsBackend>());
+        const auto events = elsewhere.eventsMatchingPredicate(
+            elsewhere.predicateForEventsWithStartDate(localDate(2026, 11, 1), localDate(2027, 1, 1)));
+        EXPECT_TRUE(events);
+        int found = 0;
+        if (events) {
+            for (const EKEvent &event : events.value())
+                found += event.title == u"Daily"_qs;
+        }
+        return found;
+    };
+    const auto restart = [&] {
+        quit();
+        connectAnew();
+        launch();
+        delegate->applicationDidBecomeActive();
+    };
+    UserDefaults::standard().setObject(settings::frequencyCalendarPeriod, 2);
+    delegate->applicationDidBecomeActive();
+    MVTask daily;
+    daily.title = u"Daily"_qs;
+    daily.type = TaskType::Appointment;
+    daily.status = TaskStatus::Open;
+    daily.startDate = localDate(2026, 11, 24, 9);
+    daily.dueDate = localDate(2026, 11, 24, 10);
+    daily.typeCalendarID = u"First"_qs;
+    daily.repeat = u"RRULE:FREQ=DAILY;INTERVAL=1"_qs;
+    daily.endRepeat = localDate(2026, 11, 28);
+    ASSERT_TRUE(TaskManager::saveTaskTemp(daily, true));
+    EXPECT_EQ(titled(), 5);
+    EXPECT_EQ(held(), 5);
+    for (int round = 0; round < 2; ++round) {
+        restart();
+        ASSERT_FALSE(context().undo());
+        EXPECT_EQ(titled(), 0);
+        delegate->applicationDidBecomeActive();
+        EXPECT_EQ(titled(), 0);
+        EXPECT_EQ(held(), 0);
+        restart();
+        ASSERT_FALSE(context().redo());
+        EXPECT_EQ(titled(), 5);
+        delegate->applicationDidBecomeActive();
+        EXPECT_EQ(titled(), 5);
+        EXPECT_EQ(held(), 5);
+    }
+    EXPECT_EQ(linkedRows(), 36 + 5);
 }
 
 } // namespace

@@ -2,7 +2,8 @@
 
 #include "eventkit/WallClock.h"
 
-#include <QDate>
+#include <QDateTime>
+#include <QTimeZone>
 
 #include <algorithm>
 #include <random>
@@ -39,6 +40,26 @@ public:
             text += time("RDATE", start + pick(1, 60));
         return text + "END:VEVENT\n";
     }
+
+    /// An edit of an occurrence of that series and all later ones.
+    QByteArray edit(const QByteArray &uid, Date occurrence, const QByteArray &title) const
+    {
+        const QByteArray own = isAllDay ? "Europe/Berlin" : zone;
+        const QDateTime start =
+            QDateTime::fromSecsSinceEpoch(qint64(occurrence.unixSeconds()), QTimeZone(own));
+        const auto line = [&](const QByteArray &name, const QDateTime &at) {
+            const QByteArray day = at.toString(QStringLiteral("yyyyMMdd")).toLatin1();
+            return isAllDay ? name + ";VALUE=DATE:" + day + "\n"
+                            : name + ";TZID=" + zone + ":" + day +
+                                  at.toString(QStringLiteral("'T'hhmmss")).toLatin1() + "\n";
+        };
+        return "BEGIN:VEVENT\nUID:" + uid + "\nDTSTAMP:20240101T000000Z\nSUMMARY:" + title + "\n" +
+               line("RECURRENCE-ID;RANGE=THISANDFUTURE", start) +
+               line("DTSTART", start.addSecs(int(shiftOfEdits()))) +
+               "DURATION:" + (isAllDay ? "P2D" : "PT45M") + "\nEND:VEVENT\n";
+    }
+    /// An hour where that means the same on each day of the series.
+    double shiftOfEdits() const { return !isAllDay && timeOfDay == "090000" ? 3600 : 0; }
 
     bool isAllDay = false;
     QByteArray zone;
@@ -80,6 +101,7 @@ public:
         for (const EKEvent &event : present)
             if (*event.occurrenceDate <= lastOccurrence)
                 events.push_back(event);
+        std::ranges::sort(events, {}, &EKEvent::occurrenceDate);
     }
 
     template <typename Change>
@@ -115,12 +137,41 @@ static void move(EKEvent &event, double seconds)
 TEST_P(EventStoreContract, EditsOfGeneratedSeriesConcernOnlyWhatTheyName)
 {
     SeriesGenerator generator(testSeed());
+    /// Where edits of this and all later ones begin, by their title.
+    QMap<QString, Date> edits;
     const auto all = [&] { return events(beginning, lastOccurrence + Seconds(5 * secondsOfADay)); };
     for (int round = 0; round < place->generatedSeries(); ++round) {
         const QString uid = u"series-%1"_qs.arg(round);
         putForeign(generator.series(uid.toLatin1()), uid);
+        edits.clear();
+        for (int count = generator.pick(0, 2); count > 0; --count) {
+            ExpectedEvents expected(all());
+            // Each before those that are there.
+            expected.drop([&edits](const EKEvent &event) { return edits.contains(event.title); });
+            if (expected.events.empty())
+                break;
+            const Date from = *generator.oneOf(expected.events).occurrenceDate;
+            expected = ExpectedEvents(all());
+            const QString title = u"Edit %1"_qs.arg(count);
+            expected.change([&](EKEvent &event) {
+                if (*event.occurrenceDate < from || edits.contains(event.title))
+                    return;
+                event.title = title;
+                move(event, generator.shiftOfEdits());
+                if (!generator.isAllDay)
+                    event.endDate = *event.startDate + Seconds(45 * 60);
+            });
+            auto objects = backend->objects(calendar.calendarIdentifier);
+            CalendarObject object = objects.value().front();
+            object.text.replace("END:VCALENDAR",
+                                generator.edit(uid.toLatin1(), from, title.toLatin1()).replace("\n", "\r\n") +
+                                    "END:VCALENDAR");
+            EXPECT_TRUE(backend->put(calendar.calendarIdentifier, object, uid));
+            EXPECT_EQ(ExpectedEvents(all()).list(), expected.list()) << object.text.constData();
+            edits.insert(title, from);
+        }
         const QByteArray original = textOf(uid);
-        for (int edits = generator.pick(0, 2); edits > 0; --edits) {
+        for (int count = generator.pick(0, 2); count > 0; --count) {
             EKEvent edited = generator.oneOf(all());
             edited.title = u"Edited"_qs;
             move(edited, generator.pick(-3, 3) * secondsOfADay);
@@ -132,8 +183,15 @@ TEST_P(EventStoreContract, EditsOfGeneratedSeriesConcernOnlyWhatTheyName)
         EKEvent chosen = generator.oneOf(expected.events);
         const Date at = *chosen.occurrenceDate;
         const auto isLater = [at](const EKEvent &event) { return *event.occurrenceDate >= at; };
+        // Behind one that was edited alone the rest is that of the next.
+        const auto next =
+            std::find_if(expected.events.begin(), expected.events.end(), [&](const EKEvent &event) {
+                return *event.occurrenceDate > at && !event.isDetached && chosen.isDetached;
+            });
+        const Date restFrom = next == expected.events.end() ? at : *next->occurrenceDate;
         const auto isMeant = [&](const EKEvent &event) {
-            return *event.occurrenceDate == at || (isLater(event) && !event.isDetached);
+            const bool isOfNextEdit = edits.contains(event.title) && edits[event.title] > restFrom;
+            return *event.occurrenceDate == at || (isLater(event) && !event.isDetached && !isOfNextEdit);
         };
         const int edit = generator.pick(0, 4);
         if (edit == 0) {
@@ -150,16 +208,18 @@ TEST_P(EventStoreContract, EditsOfGeneratedSeriesConcernOnlyWhatTheyName)
             chosen.title = u"This"_qs;
             save(chosen);
         } else {
-            // An hour later where that means the same on each day of the series.
-            const double shift =
-                edit == 4 && !generator.isAllDay && generator.timeOfDay == "090000" ? 3600 : 0;
+            const double shift = edit == 4 ? generator.shiftOfEdits() : 0;
+            // What another program had moved for good is when the new series has it.
+            const bool isOfEdit =
+                std::any_of(edits.cbegin(), edits.cend(), [restFrom](Date from) { return from <= restFrom; });
+            const double moved = shift + (isOfEdit ? generator.shiftOfEdits() : 0);
             expected.change([&](EKEvent &event) {
                 if (isMeant(event)) {
                     event.title = u"Later"_qs;
                     move(event, shift);
                 }
                 if (isLater(event))
-                    event.occurrenceDate = *event.occurrenceDate + Seconds(shift);
+                    event.occurrenceDate = *event.occurrenceDate + Seconds(moved);
             });
             chosen.title = u"Later"_qs;
             move(chosen, shift);

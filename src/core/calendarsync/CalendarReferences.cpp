@@ -1,0 +1,141 @@
+#include "calendarsync/CalendarReferences.h"
+
+#include "calendarsync/CalendarStoreState.h"
+#include "foundation/UserDefaults.h"
+#include "store/state/SettingsKeys.h"
+
+#include <QVariantMap>
+
+#include <algorithm>
+
+namespace calendarreferences {
+
+namespace {
+
+/// For each identifier its reference, and behind it the former ones, the last first.
+using References = std::map<QString, QStringList>;
+
+References stored()
+{
+    References references;
+    const QVariantMap kept = UserDefaults::standard().object(settings::calendarReferences).toMap();
+    for (auto entry = kept.begin(); entry != kept.end(); ++entry) {
+        if (const QStringList own = entry.value().toStringList(); !own.isEmpty())
+            references.emplace(entry.key(), own);
+    }
+    return references;
+}
+
+References &references()
+{
+    auto &held = calendarstore::state().references;
+    if (!held)
+        held = stored();
+    return *held;
+}
+
+void keep()
+{
+    QVariantMap kept;
+    for (const auto &[identifier, own] : references())
+        kept.insert(identifier, own);
+    UserDefaults::standard().setObject(settings::calendarReferences, kept);
+}
+
+bool isTaken(const QString &reference, const QString &identifier)
+{
+    return std::ranges::any_of(references(), [&](const auto &entry) {
+        return entry.first != identifier && entry.second.front() == reference;
+    });
+}
+
+QString referenceFor(const EKCalendar &calendar, const QString &title)
+{
+    // A list of references must come apart again.
+    const bool isPlain = calendar.allowsContentModifications && !title.isEmpty() &&
+                         !title.contains(calendarstore::separator) && !title.contains(identifierMark);
+    if (isPlain && !isTaken(title, calendar.calendarIdentifier))
+        return title;
+    const QString shown = title.contains(calendarstore::separator) ? QString() : title;
+    return shown + identifierMark + calendar.calendarIdentifier;
+}
+
+void give(const QString &identifier, const QString &reference)
+{
+    for (auto &[other, own] : references())
+        own.removeAll(reference);
+    references()[identifier].prepend(reference);
+}
+
+} // namespace
+
+void take(const std::vector<EKCalendar> &calendars)
+{
+    calendarstore::state().references.reset();
+    // Who has had a title before it is asked for by another one keeps it. A store of former times says only
+    // so.
+    const QVariantMap titles = UserDefaults::standard().object(settings::dictionaryCalendarsData).toMap();
+    bool isNew = false;
+    for (const bool wasKnown : {true, false}) {
+        for (const EKCalendar &one : calendars) {
+            const QString &identifier = one.calendarIdentifier;
+            const QString former = titles.value(identifier).toString();
+            if (references().contains(identifier) || former.isEmpty() == wasKnown)
+                continue;
+            give(identifier, referenceFor(one, wasKnown ? former : one.title));
+            isNew = true;
+        }
+    }
+    if (isNew)
+        keep();
+}
+
+QString of(const EKCalendar &calendar)
+{
+    const auto own = references().find(calendar.calendarIdentifier);
+    return own == references().end() ? referenceFor(calendar, calendar.title) : own->second.front();
+}
+
+QString identifierOf(const QString &reference)
+{
+    const auto found = std::ranges::find_if(
+        references(), [&reference](const auto &entry) { return entry.second.contains(reference); });
+    return found == references().end() ? QString() : found->first;
+}
+
+QStringList formerOf(const QString &identifier)
+{
+    const auto own = references().find(identifier);
+    return own == references().end() ? QStringList() : own->second.mid(1);
+}
+
+std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars)
+{
+    std::vector<Renamed> renamed;
+    // What one gives up is free for the next.
+    for (bool isMore = true; isMore;) {
+        isMore = false;
+        for (const EKCalendar &one : calendars) {
+            const QString present = of(one);
+            const QString wanted = referenceFor(one, one.title);
+            if (present == wanted)
+                continue;
+            give(one.calendarIdentifier, wanted);
+            renamed.push_back({present, wanted});
+            isMore = true;
+        }
+    }
+    if (!renamed.empty())
+        keep();
+    return renamed;
+}
+
+void forgetOthersThan(const QStringList &identifiers)
+{
+    const auto forgotten = std::erase_if(
+        references(), [&identifiers](const auto &entry) { return !identifiers.contains(entry.first); });
+    if (forgotten > 0)
+        keep();
+}
+
+} // namespace calendarreferences

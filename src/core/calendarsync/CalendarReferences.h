@@ -1,0 +1,43 @@
+#pragma once
+
+#include "eventkit/EKCalendar.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+/// By what tasks and settings name calendars.
+///
+/// A calendar is its identifier; its reference is what stands for that in the store, where people and other
+/// devices can read it: the title of a writable calendar. A calendar that may only be read, or whose title is
+/// that of another one already, has its title, "[<±>]" and its identifier. A reference stays that of its
+/// calendar, whatever that is called meanwhile, until `follow`, and is understood still after that.
+namespace calendarreferences {
+
+/// Between title and identifier.
+inline const QString identifierMark = QStringLiteral("[<±>]");
+
+/// A calendar that was renamed.
+struct Renamed
+{
+    QString former;
+    QString present;
+};
+
+/// Gives calendars that are seen for the first time their references.
+void take(const std::vector<EKCalendar> &calendars);
+/// Of a calendar that was not taken, the one that it would get.
+QString of(const EKCalendar &calendar);
+/// The identifier of the calendar that has or had a reference; empty if there is none.
+QString identifierOf(const QString &reference);
+/// References that were a calendar's and are no other's now.
+QStringList formerOf(const QString &identifier);
+/// Gives the renamed ones the references of their present titles. To be applied one after the other: where
+/// two have changed their titles, one gives way first.
+std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars);
+/// Of all calendars that have gone for good.
+/// \param identifiers of those that have not.
+void forgetOthersThan(const QStringList &identifiers);
+
+} // namespace calendarreferences

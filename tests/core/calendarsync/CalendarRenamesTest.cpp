@@ -1,0 +1,200 @@
+// Calendars that are renamed, and such as share a title: what names a calendar names it still.
+
+#include "MoodyCalendarTest.h"
+
+#include "calendarsync/CalendarChooser.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::SizeIs;
+
+class CalendarRenames : public MoodyCalendarTest
+{
+protected:
+    CalendarRenames() { UserDefaults::standard().setObject(settings::defaultCalendar, u"Work"_qs); }
+
+    /// Tasks of each kind on "Work", of which a pass brings only the first.
+    void fill()
+    {
+        make(draft(u"Near"_qs, 24, u"Work"_qs));
+        make(draft(u"Done"_qs, 25, u"Work"_qs));
+        tickOff(rowOf(u"Done"_qs));
+        MVTask far = draft(u"Far"_qs, 24, u"Work"_qs);
+        far.startDate = localDate(2030, 1, 1, 9);
+        far.dueDate = localDate(2030, 1, 1, 10);
+        make(far);
+        MVTask undated = draft(u"Undated"_qs, 24, u"Work"_qs);
+        undated.type = TaskType::ToDo;
+        undated.startDate = undated.dueDate = std::nullopt;
+        undated.dueSomeDay = true;
+        undated.calendarTitle = u"Work"_qs;
+        make(undated);
+        activate();
+        ASSERT_THAT(rows(), SizeIs(4));
+    }
+    static QString setting(const QString &key) { return UserDefaults::standard().string(key); }
+    static QStringList references()
+    {
+        QStringList found;
+        for (const TaskPtr &row : DBWorker::hideNotAccessTasksFromArray(rows()))
+            found.append(row->typeCalendarID() + u':' + row->calendarTitle());
+        return found;
+    }
+    /// All four are shown on a calendar of that title, which is the default one, and nothing else is chosen.
+    void expectFollowed(const QString &title)
+    {
+        for (int activation = 0; activation < 2; ++activation) {
+            EXPECT_EQ(references(), QStringList(4, title + u':' + title));
+            EXPECT_EQ(setting(settings::defaultCalendar), title);
+            EXPECT_EQ(setting(settings::savedChooseCalendars), title);
+            activate();
+        }
+        expectSettled();
+    }
+    void titles(const QStringList &wanted) const
+    {
+        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
+        QStringList found;
+        const auto calendars = elsewhere.calendarsForEntityType(EKEntityType::Event);
+        for (const EKCalendar &one : calendars.value())
+            found.append(one.source.title + u'/' + one.title);
+        EXPECT_EQ(found, wanted) << "nobody but the other program renames";
+    }
+    /// A calendar of another account.
+    void makeOther(const QString &title) { QDir().mkpath(root.filePath(u"Office/"_qs + title)); }
+    void look()
+    {
+        backend->refresh();
+        activate();
+    }
+};
+
+TEST_F(CalendarRenames, AreFollowedWhetherTheProgramRunsOrNot)
+{
+    choose({u"Work"_qs});
+    fill();
+    // While it runs.
+    CalendarTest::rename(u"Work"_qs, u"Homework"_qs);
+    look();
+    expectFollowed(u"Homework"_qs);
+    // "Home" is no part of it, and the other way about.
+    CalendarTest::rename(u"Work"_qs, u"Ho"_qs);
+    look();
+    expectFollowed(u"Ho"_qs);
+    // While it does not run.
+    quit();
+    CalendarTest::rename(u"Work"_qs, u"Crew"_qs);
+    CalendarEvent::resetEventStore();
+    launch();
+    EXPECT_EQ(references().size(), 4) << "before the first activation too";
+    activate();
+    expectFollowed(u"Crew"_qs);
+    // While the calendars are silent, and over a start without them.
+    backend->setSilent(true);
+    CalendarTest::rename(u"Work"_qs, u"Team"_qs);
+    restart();
+    activate();
+    expectFollowed(u"Crew"_qs);
+    backend->setSilent(false);
+    look();
+    expectFollowed(u"Team"_qs);
+    titles({u"Local/Home"_qs, u"Local/Team"_qs});
+}
+
+TEST_F(CalendarRenames, OfAStoreThatKnowsTitlesAloneAreFollowed)
+{
+    choose({u"Work"_qs});
+    fill();
+    quit();
+    UserDefaults::standard().removeObject(settings::calendarReferences);
+    CalendarTest::rename(u"Work"_qs, u"Crew"_qs);
+    makeOther(u"Work"_qs);
+    CalendarEvent::resetEventStore();
+    launch();
+    EXPECT_EQ(references().size(), 4);
+    activate();
+    expectFollowed(u"Crew"_qs);
+}
+
+TEST_F(CalendarRenames, TwoAccountsHaveEachItsOwnOfOneTitle)
+{
+    choose({u"Work"_qs});
+    fill();
+    makeOther(u"Work"_qs);
+    const QString office = root.filePath(u"Office/Work/there.ics"_qs);
+    put(office, "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//x//EN\r\nBEGIN:VEVENT\r\nUID:there\r\n"
+                "DTSTAMP:20260101T000000Z\r\nSUMMARY:There\r\nDTSTART:20261126T080000Z\r\n"
+                "DTEND:20261126T090000Z\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+    look();
+    expectFollowed(u"Work"_qs);
+    titles({u"Local/Home"_qs, u"Local/Work"_qs, u"Office/Work"_qs});
+    // Chosen by the user it is another one, for tasks and for events.
+    CalendarChooser chooser;
+    int other = 0;
+    for (int row = 0; row < static_cast<int>(chooser.rows().size()); ++row) {
+        const EKCalendar *calendar = chooser.calendarAt(row);
+        if (calendar && calendar->source.title == u"Office"_qs)
+            other = row;
+    }
+    ASSERT_FALSE(chooser.isSelected(other));
+    ASSERT_TRUE(chooser.toggle(other));
+    activate();
+    const TaskPtr there = rowOf(u"There"_qs);
+    ASSERT_TRUE(there);
+    EXPECT_EQ(there->calendarTitle(), u"Work"_qs);
+    const QString reference = there->typeCalendarID();
+    EXPECT_EQ(references().filter(reference + u':'), QStringList(reference + u":Work"_qs));
+    rename(there, u"There too"_qs);
+    make(draft(u"New there"_qs, 27, reference));
+    EXPECT_TRUE(read(office).contains("SUMMARY:There too"));
+    EXPECT_THAT(QDir(root.filePath(u"Office/Work"_qs)).entryList({u"*.ics"_qs}), SizeIs(2));
+    EXPECT_THAT(files(u"Work"_qs), SizeIs(2));
+    // What the first is called from now on does not concern the other, which then has the title alone.
+    CalendarTest::rename(u"Work"_qs, u"Crew"_qs);
+    look();
+    EXPECT_EQ(references().filter(u"Crew:Crew"_qs).size(), 4);
+    EXPECT_EQ(references().filter(u"Work:Work"_qs).size(), 2);
+    EXPECT_EQ(setting(settings::savedChooseCalendars), u"CrewΩWork"_qs);
+    EXPECT_EQ(setting(settings::defaultCalendar), u"Crew"_qs);
+    // They change titles.
+    CalendarTest::rename(u"Work"_qs, u"Work"_qs);
+    put(root.filePath(u"Office/Work/displayname"_qs), "Crew");
+    look();
+    EXPECT_EQ(references().filter(u"Work:Work"_qs).size(), 4);
+    EXPECT_EQ(references().filter(u"Crew:Crew"_qs).size(), 2);
+    EXPECT_EQ(setting(settings::defaultCalendar), u"Work"_qs);
+    expectSettled();
+}
+
+TEST_F(CalendarRenames, ACalendarThatTakesThePlaceOfOneThatHasGoneIsAnother)
+{
+    choose({u"Work"_qs});
+    fill();
+    QDir(folderOf(u"Work"_qs)).removeRecursively();
+    makeOther(u"Work"_qs);
+    look();
+    EXPECT_EQ(rows().size(), 0U);
+    EXPECT_EQ(setting(settings::savedChooseCalendars), QString()) << "nobody has chosen it";
+    EXPECT_THAT(CalendarEvent::getAllAccessCalendars(), SizeIs(0));
+}
+
+TEST_F(CalendarRenames, WhatIsTakenBackAfterOneIsOnTheCalendarStill)
+{
+    choose({u"Work"_qs});
+    fill();
+    deleteRow(rowOf(u"Undated"_qs));
+    CalendarTest::rename(u"Work"_qs, u"Crew"_qs);
+    look();
+    undo();
+    EXPECT_EQ(references().size(), 4);
+    look();
+    expectFollowed(u"Crew"_qs);
+    // A new calendar of the former title has nothing of it.
+    makeOther(u"Work"_qs);
+    look();
+    expectFollowed(u"Crew"_qs);
+}
+
+} // namespace
