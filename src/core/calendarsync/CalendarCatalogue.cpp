@@ -288,9 +288,16 @@ QString CalendarCatalogue::localizedTitleSource(const EKSource &source)
 
 int CalendarCatalogue::getSourceType()
 {
-    const auto sources = EventStoreAccess::eventStore().sources();
-    const bool hasCloud = sources && std::any_of(sources.value().begin(), sources.value().end(), isCloud);
-    return hasCloud ? static_cast<int>(EKSourceType::CalDAV) : 0;
+    const bool isInCloud = std::ranges::any_of(getAllAccessCalendars(), [](const EKCalendar &one) {
+        return one.source.sourceType != EKSourceType::Local;
+    });
+    return isInCloud ? cloudSourceType : 0;
+}
+
+bool CalendarCatalogue::lacksCloudFolder(bool hasCloudFolder)
+{
+    return !hasCloudFolder && std::ranges::any_of(getAllAccessCalendars(),
+                                                  [](const EKCalendar &one) { return isCloud(one.source); });
 }
 
 CalendarChooserData CalendarCatalogue::sortingAndGroupingByTitleForData(bool onlyAccessModified)

@@ -56,8 +56,14 @@ public:
     static EKColor getColorOfCalendar(const EKCalendar &calendar);
     static QString localizedTitleCalendar(const EKCalendar &calendar);
     static QString localizedTitleSource(const EKSource &source);
-    /// 2 if the calendars lie in the cloud, else 0.
+    /// What `getSourceType` says of calendars in the cloud.
+    static constexpr int cloudSourceType = 2;
+    /// 2 if the calendars lie in the cloud, which is to say that a chosen one belongs to an account that is
+    /// not on this computer; else 0.
     static int getSourceType();
+    /// Whether a chosen calendar belongs to the account of the cloud whose folder this program has not got.
+    /// Calendars of other accounts need no folder, and a folder needs no calendars.
+    static bool lacksCloudFolder(bool hasCloudFolder);
     static CalendarChooserData sortingAndGroupingByTitleForData(bool onlyAccessModified);
     /// Follows renames and removals of calendars: what names a calendar names it still, and nothing else.
     static void handleChangedCalendars();

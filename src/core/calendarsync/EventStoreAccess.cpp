@@ -89,7 +89,7 @@ void EventStoreAccess::tryCreateMessageForBanEditingRepeatTask()
 {
     const bool hasCalendar = hasAccesToAppleCalendar();
     const bool hasCloud = IcloudManager::connectIcloud();
-    const bool isCalendarInCloud = CalendarCatalogue::getSourceType() == 2;
+    const bool isCalendarInCloud = CalendarCatalogue::getSourceType() == CalendarCatalogue::cloudSourceType;
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCLOUD").arg(yesOrNo(hasCloud)));
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCALENDAR").arg(yesOrNo(hasCalendar)));
     Log::line(QStringLiteral("SYNC:%1 - iCLOUD CALENDARS").arg(yesOrNo(isCalendarInCloud)));
@@ -98,10 +98,7 @@ void EventStoreAccess::tryCreateMessageForBanEditingRepeatTask()
     if (!hasCalendar)
         message = QStringLiteral(
             "Editing Repeated tasks is not allowed because the app has no access to Apple Calendar!");
-    else if (hasCloud && !isCalendarInCloud)
-        message = QStringLiteral(
-            "Editing Repeated tasks is not allowed because Apple Calendar is not activated in iCloud!");
-    else if (!hasCloud && isCalendarInCloud)
+    else if (CalendarCatalogue::lacksCloudFolder(hasCloud))
         message =
             QStringLiteral("Editing Repeated tasks is not allowed because the app has no access to iCloud!");
 }

@@ -26,9 +26,6 @@ constexpr Seconds untilFirstPicture{0.2};
 /// What is left of the calendars' outbox then is carried out at the next start.
 constexpr Seconds patienceAtQuit{3.0};
 
-/// What `getSourceType` says where a chosen calendar is in the cloud.
-constexpr int cloudSourceType = 2;
-
 const QString yes = QStringLiteral("YES");
 const QString no = QStringLiteral("NO");
 
@@ -135,13 +132,10 @@ bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendar
     const QString former = defaults.string(settings::sumStatuses);
     const QString sum = QString::number(int(hasCalendar) + int(hasCloud) + int(isCalendarInCloud));
     defaults.setObject(settings::sumStatuses, sum);
-    if (!hasCalendar || hasCloud == isCalendarInCloud)
+    if (!hasCalendar || !CalendarCatalogue::lacksCloudFolder(hasCloud))
         return true;
     const QString message =
-        hasCloud
-            ? QStringLiteral(
-                  "To sync app with Calendar an access to Calendars should be activated in iCloud!")
-            : QStringLiteral("To sync app with Calendar an access to Morvane should be activated in iCloud!");
+        QStringLiteral("To sync app with Calendar an access to Morvane should be activated in iCloud!");
     if (!former.isEmpty() && former != sum) {
         Log::line(message);
         Alert::run({{}, {}, localized(message), {localized(QStringLiteral("Continue"))}});
@@ -183,7 +177,7 @@ void AppDelegate::activate()
         CalendarEvent::handleChangedCalendars();
     }
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCALENDAR").arg(yesOrNo(hasCalendar)));
-    const bool isCalendarInCloud = CalendarEvent::getSourceType() == cloudSourceType;
+    const bool isCalendarInCloud = CalendarEvent::getSourceType() == CalendarCatalogue::cloudSourceType;
     Log::line(QStringLiteral("SYNC:%1 - iCLOUD CALENDARS").arg(yesOrNo(isCalendarInCloud)));
     bool goesAhead = examineAccess(hasCalendar, hasCloud, isCalendarInCloud) && hasCalendar;
     // The first activation after access was granted runs without the go-ahead.
