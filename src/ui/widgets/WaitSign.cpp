@@ -31,6 +31,7 @@ public:
         QLabel *const words = makeTextLabel(localized(u"Another program is using your data …"_s),
                                             Theme::FontRole::BodyStrong, Theme::text);
         words->setParent(this);
+        words->setWordWrap(false);
         words->move(signMargin, signMargin);
         words->adjustSize();
         resize(words->size() + QSize(2 * signMargin, 2 * signMargin));
