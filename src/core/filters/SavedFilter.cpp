@@ -25,10 +25,17 @@ SavedFilter SavedFilter::ofContacts()
     return {settings::contactsFilters, {}, filters::pristineContactEntry};
 }
 
+QString SavedFilter::keyInUse() const
+{
+    return DBWorker::isSample() ? key + QStringLiteral("OfSample") : key;
+}
+
 FilterEntry SavedFilter::entry() const
 {
-    const QVariantMap stored = UserDefaults::standard().object(key).toMap();
-    return list.isEmpty() ? stored : stored.value(list).toMap();
+    const QVariantMap stored = UserDefaults::standard().object(keyInUse()).toMap();
+    const FilterEntry entry = list.isEmpty() ? stored : stored.value(list).toMap();
+    // Those of the sample are not seeded.
+    return entry.isEmpty() && DBWorker::isSample() && canBeFiltered() ? pristine() : entry;
 }
 
 bool SavedFilter::isEnabled(const FilterEntry &entry)
@@ -41,15 +48,20 @@ void SavedFilter::store(const FilterEntry &entry) const
     UserDefaults &defaults = UserDefaults::standard();
     QVariantMap stored = entry;
     if (!list.isEmpty()) {
-        stored = defaults.object(key).toMap();
+        stored = defaults.object(keyInUse()).toMap();
         stored.insert(list, entry);
     }
-    defaults.setObject(key, stored);
+    defaults.setObject(keyInUse(), stored);
     defaults.synchronize();
 }
 
 void SavedFilter::storePristine() const
 {
-    if (list.isEmpty() || filters::seedOfTaskFilters().contains(list))
+    if (canBeFiltered())
         store(pristine());
+}
+
+bool SavedFilter::canBeFiltered() const
+{
+    return list.isEmpty() || filters::seedOfTaskFilters().contains(list);
 }

@@ -4,7 +4,8 @@
 
 #include <QString>
 
-/// Where the filter of one list stands in the defaults. What else stands there is left as it is.
+/// Where the filter of one list stands in the defaults. What else stands there is left as it is. The sample
+/// store has filters of its own.
 class SavedFilter
 {
 public:
@@ -24,6 +25,10 @@ public:
 
 private:
     SavedFilter(QString defaultsKey, QString listKey, FilterEntry (*pristineEntry)());
+
+    /// Under which it stands for the store in use.
+    QString keyInUse() const;
+    bool canBeFiltered() const;
 
     QString key;
     /// The place among the filters of several lists; empty if the filter stands alone.

@@ -83,6 +83,22 @@ TEST_F(ListFilters, WriteEachChangeAtOnceAndOnlyThere)
     EXPECT_EQ(taken.size(), 4u) << "Clearing tells nobody";
 }
 
+TEST_F(ListFilters, OfTheSampleStoreAreItsOwn)
+{
+    inbox.changeValueForKey(u"mine"_qs, u"Title"_qs);
+    const FilterEntry mine = inbox.dictionaryComponent();
+    defaults().setObject(settings::valueSwitchDatabase, 1);
+    TasksFilter sample(0);
+    EXPECT_FALSE(SavedFilter::isEnabled(sample.dictionaryComponent()));
+    sample.changeValueForKey(u"of the sample"_qs, u"Title"_qs);
+    const FilterEntry ofSample = sample.dictionaryComponent();
+    EXPECT_EQ(criterion(ofSample, u"Title"_qs).value(u"Value"_qs), u"of the sample"_qs);
+    EXPECT_EQ(TasksFilter(0).dictionaryComponent(), ofSample);
+    defaults().setObject(settings::valueSwitchDatabase, 0);
+    EXPECT_EQ(TasksFilter(0).dictionaryComponent(), mine);
+    defaults().removeObject(settings::taskFilters + u"OfSample"_qs);
+}
+
 TEST_F(ListFilters, RestoreAndWriteThePopUpsOfWords)
 {
     EXPECT_EQ(inbox.popUp(u"Type"_qs).items,
