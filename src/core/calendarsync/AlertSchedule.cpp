@@ -6,12 +6,14 @@
 #include "records/copies/TaskColumns.h"
 #include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
 #include "store/state/SettingsKeys.h"
 #include "usernotifications/UserNotificationCenter.h"
 
 #include <QSet>
 
 #include <algorithm>
+#include <array>
 
 namespace AlertSchedule {
 
@@ -22,12 +24,30 @@ UserNotificationCenter &center()
     return UserNotificationCenter::defaultUserNotificationCenter();
 }
 
+/// Whether the calendars rang when they were last asked; absent if no task made that a question.
+std::optional<bool> &lastKnown()
+{
+    static std::optional<bool> known;
+    return known;
+}
+
+/// From when on the alerts of rows count that others have written: they may be seen a little late.
+Date beginningOf(const StoreChanges &changes)
+{
+    const Date now = Clock::now();
+    const OptionalDate rung = changes.author == ChangeAuthor::Replication
+                                  ? UserDefaults::standard().date(settings::alertsRungUntil)
+                                  : std::nullopt;
+    return rung && *rung < now ? *rung : now;
+}
+
 class Schedule
 {
 public:
-    std::vector<UserNotification> of(const EntityTask &task)
+    std::vector<UserNotification> of(const EntityTask &task) { return of(task, Clock::now()); }
+    std::vector<UserNotification> of(const EntityTask &task, Date from)
     {
-        return isSilent(task) ? std::vector<UserNotification>() : task.newLocalNotification();
+        return isSilent(task) ? std::vector<UserNotification>() : task.localNotifications(from);
     }
     bool isSilent(const EntityTask &task)
     {
@@ -39,7 +59,7 @@ private:
     bool calendarsRing()
     {
         if (!known)
-            known = EventStoreAccess::eventStore().ringsAlarms();
+            known = lastKnown() = EventStoreAccess::eventStore().ringsAlarms();
         return *known;
     }
     std::optional<bool> known;
@@ -61,13 +81,14 @@ void follow(const StoreChanges &changes)
     QSet<QString> uris;
     std::vector<UserNotification> wanted;
     Schedule schedule;
+    const Date from = beginningOf(changes);
     for (const ObjectPtr &object : changed) {
         const auto task = std::dynamic_pointer_cast<EntityTask>(object);
         if (!task)
             continue;
         uris.insert(mainContext().uriOf(*task));
         if (task->context())
-            std::ranges::move(schedule.of(*task), std::back_inserter(wanted));
+            std::ranges::move(schedule.of(*task, from), std::back_inserter(wanted));
     }
     const auto &present = center().scheduledNotifications();
     const auto isMeant = [&uris](const UserNotification &one) {
@@ -125,6 +146,29 @@ void catchUp()
 void noteRung()
 {
     UserDefaults::standard().setObject(settings::alertsRungUntil, QVariant::fromValue(Clock::now()));
+}
+
+bool isMeant(const UserNotification &notification)
+{
+    if (DBWorker::isSample())
+        return true;
+    const auto task = std::dynamic_pointer_cast<EntityTask>(
+        mainContext().objectForUri(notification.userInfo.value(EntityTask::taskIdKey())));
+    if (!task || Schedule().isSilent(*task))
+        return false;
+    // The list is kept as text.
+    constexpr Seconds roughly{1};
+    return std::ranges::any_of(std::array{task->alert(), task->secondAlert()},
+                               [&notification, roughly](const OptionalDate &moment) {
+                                   return moment && *moment - notification.deliveryDate < roughly &&
+                                          notification.deliveryDate - *moment < roughly;
+                               });
+}
+
+void followService()
+{
+    if (lastKnown() && EventStoreAccess::eventStore().ringsAlarms() != *lastKnown())
+        rebuild();
 }
 
 } // namespace AlertSchedule

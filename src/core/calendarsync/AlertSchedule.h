@@ -1,6 +1,7 @@
 #pragma once
 
 #include "objectstore/StoreChanges.h"
+#include "usernotifications/UserNotification.h"
 
 /// Keeps the messages that are to appear for the alerts of tasks. What is due follows from the store; the
 /// list of scheduled notifications is a copy of it.
@@ -18,5 +19,10 @@ void rebuild();
 void catchUp();
 /// Everything up to now has appeared.
 void noteRung();
+/// Whether a message that is due is still meant: its task is there, is not done, has an alert at that time,
+/// and nobody else rings it. In the sample store, which knows nothing of the user's own tasks, always.
+bool isMeant(const UserNotification &notification);
+/// All tasks anew if the desktop's service that rings the calendars' alarms has come or gone.
+void followService();
 
 } // namespace AlertSchedule

@@ -63,7 +63,10 @@ void AppDelegate::applicationDidFinishLaunching()
         if (living.lock())
             badgeUpdata();
     });
-    badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] { badgeUpdata(); });
+    badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] {
+        badgeUpdata();
+        AlertSchedule::followService();
+    });
     registerObservers();
     tendSearchIndexSoon();
     UserNotificationCenter::defaultUserNotificationCenter().open(FileManager::appFolderURL() +
@@ -71,6 +74,13 @@ void AppDelegate::applicationDidFinishLaunching()
 }
 
 namespace {
+
+/// In the sample nothing is caught up on, so that nothing can count as rung.
+void noteRung()
+{
+    if (!DBWorker::isSample())
+        AlertSchedule::noteRung();
+}
 
 /// What stands for several messages that nobody saw.
 UserNotification digestOf(const std::vector<UserNotification> &missed)
@@ -98,12 +108,13 @@ void AppDelegate::startUserNotifications(std::unique_ptr<NotificationPresenter> 
         startMainWindow();
         userNotificationCenterDidActivateNotification(clicked.userInfo.value(QStringLiteral("TASK_ID_KEY")));
     });
-    center.setDeliveryHandler([] { AlertSchedule::noteRung(); });
+    center.setDeliveryCondition(AlertSchedule::isMeant);
+    center.setDeliveryHandler([] { noteRung(); });
     if (!DBWorker::isSample())
         AlertSchedule::catchUp();
     center.setPresenter(std::move(presenter));
     center.deliverMissed(digestOf);
-    AlertSchedule::noteRung();
+    noteRung();
 }
 
 void AppDelegate::registerObservers()
@@ -122,8 +133,7 @@ void AppDelegate::applicationDidResignActive()
                        yesOrNo(CalendarEvent::hasAccesToCalendar()));
     badgeUpdata();
     DBWorker::saveOrTell(DBWorker::Occasion::Program);
-    if (!DBWorker::isSample())
-        AlertSchedule::noteRung();
+    noteRung();
 }
 
 bool AppDelegate::examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud)
@@ -229,7 +239,6 @@ void AppDelegate::applicationWillTerminate()
     // What fails now the user has heard of, or nobody can be told.
     DBWorker::saveContext().ignore();
     CalendarOutbox::carryOutFor(managedObjectContext(), patienceAtQuit);
-    if (!DBWorker::isSample())
-        AlertSchedule::noteRung();
+    noteRung();
     UserDefaults::standard().synchronize();
 }

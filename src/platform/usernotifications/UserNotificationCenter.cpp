@@ -27,6 +27,10 @@ void UserNotificationCenter::setScheduledNotifications(std::vector<UserNotificat
     const std::vector<UserNotification> former = scheduled;
     // Such as what came while the machine slept.
     const std::vector<UserNotification> due = takeDue();
+    // Who gives the list anew may have taken them from the present one.
+    std::erase_if(notifications, [&due](const UserNotification &one) {
+        return std::find(due.begin(), due.end(), one) != due.end();
+    });
     scheduled = std::move(notifications);
     if (presenter)
         presentEach(due);
@@ -78,6 +82,7 @@ void UserNotificationCenter::close()
     clockWatch.reset();
     activated = nullptr;
     delivered = nullptr;
+    isMeant = nullptr;
     isUnseen = false;
     reported.clear();
     armed.reset();
@@ -126,6 +131,8 @@ std::vector<UserNotification> UserNotificationCenter::takeDue()
                                                 [now](const auto &one) { return one.deliveryDate > now; });
     std::vector<UserNotification> due(firstDue, scheduled.end());
     scheduled.erase(firstDue, scheduled.end());
+    if (isMeant)
+        std::erase_if(due, std::not_fn(isMeant));
     std::stable_sort(due.begin(), due.end(), [](const auto &one, const auto &other) {
         return one.deliveryDate < other.deliveryDate;
     });

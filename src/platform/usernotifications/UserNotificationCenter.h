@@ -36,6 +36,9 @@ public:
     void setPresenter(std::unique_ptr<NotificationPresenter> presenter);
     /// Called when the user clicks a message; with an empty one when it is the one for several missed ones.
     using ActivationHandler = std::function<void(const UserNotification &)>;
+    /// Asked of each message when it is due: one that is not meant any more goes unseen.
+    using Condition = std::function<bool(const UserNotification &)>;
+    void setDeliveryCondition(Condition condition) { isMeant = std::move(condition); }
     /// Called after something that was due has been handed to the presenter.
     void setDeliveryHandler(std::function<void()> handler) { delivered = std::move(handler); }
     void setActivationHandler(ActivationHandler handler) { activated = std::move(handler); }
@@ -61,6 +64,7 @@ private:
     std::unique_ptr<NotificationPresenter> presenter;
     ActivationHandler activated;
     std::function<void()> delivered;
+    Condition isMeant;
     /// Whether nobody could show what was due last.
     bool isUnseen = false;
     /// The texts that the log has told of as not shown.

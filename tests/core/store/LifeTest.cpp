@@ -201,6 +201,32 @@ TEST_F(Life, AnAlertRingsOnceWhateverBecomesOfTheListOfScheduledOnes)
     EXPECT_EQ(shown, QStringList(u"missed"_qs)) << "its second alert";
 }
 
+TEST_F(Life, WhatRingsIsHeldAgainstTheStore)
+{
+    UserNotificationCenter &center = UserNotificationCenter::defaultUserNotificationCenter();
+    for (const QString &title : {u"kept"_qs, u"done elsewhere"_qs, u"gone elsewhere"_qs, u"moved"_qs}) {
+        add(title)->setAlert(localDate(2026, 11, 21, 10));
+        EXPECT_FALSE(DBWorker::saveContext());
+    }
+    EXPECT_EQ(center.scheduledNotifications().size(), 4u);
+    quit();
+    center.close();
+    writeElsewhere(storePath(), "UPDATE EntityTask SET status = 3 WHERE title = 'done elsewhere';"
+                                "DELETE FROM EntityTask WHERE title = 'gone elsewhere';"
+                                "UPDATE EntityTask SET alert = alert + 1800 WHERE title = 'moved'");
+    Clock::setSource([now = localDate(2026, 11, 21, 10, 15)] { return now; });
+    launch();
+    // A task with an alert is saved before anything has rung: what is due is not there twice.
+    add(u"another"_qs)->setAlert(localDate(2026, 11, 21, 12));
+    EXPECT_FALSE(DBWorker::saveContext());
+    QStringList shown;
+    delegate->startUserNotifications(std::make_unique<NotingPresenter>(shown));
+    EXPECT_EQ(std::exchange(shown, {}), QStringList(u"kept"_qs));
+    Clock::setSource([now = localDate(2026, 11, 21, 10, 31)] { return now; });
+    center.deliverDue();
+    EXPECT_EQ(shown, QStringList(u"moved"_qs));
+}
+
 TEST_F(Life, SettingsAreComputedAtEachRead)
 {
     const DataConteiner &shared = delegate->dataConteiner();
