@@ -2,67 +2,72 @@
 
 #include "foundation/Localization.h"
 #include "widgets/BusyCursor.h"
-#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
 #include <QApplication>
-#include <QLabel>
+#include <QBackingStore>
 #include <QPainter>
-#include <QPointer>
 #include <QThread>
 #include <QTimer>
+#include <QWidget>
+#include <QWindow>
+
+#include <optional>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
 constexpr auto patience = 100ms;
 constexpr int signMargin = 2 * Theme::unit;
 
-class Sign : public QWidget
+static std::optional<BusyCursor> &busyCursor()
 {
-public:
-    explicit Sign(QWidget &window)
-        : QWidget(&window)
-    {
-        setObjectName(u"waitSign"_s);
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        QLabel *const words = makeTextLabel(localized(u"Another program is using your data …"_s),
-                                            Theme::FontRole::BodyStrong, Theme::text);
-        words->setParent(this);
-        words->setWordWrap(false);
-        words->move(signMargin, signMargin);
-        words->adjustSize();
-        resize(words->size() + QSize(2 * signMargin, 2 * signMargin));
-        move((window.width() - width()) / 2, (window.height() - height()) / 3);
-    }
+    static std::optional<BusyCursor> cursor;
+    return cursor;
+}
 
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Theme::cardBorder);
-        painter.setBrush(Theme::card);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::unit, Theme::unit);
-    }
+static void draw(QPainter &painter, const QRect &place, const QString &words)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Theme::cardBorder);
+    painter.setBrush(Theme::card);
+    painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), Theme::unit, Theme::unit);
+    painter.setPen(Theme::text);
+    painter.setFont(Theme::font(Theme::FontRole::BodyStrong));
+    painter.drawText(place, Qt::AlignCenter, words);
+}
 
-private:
-    BusyCursor busy;
-};
-
-} // namespace
+/// Where it stands in a window.
+static QRect placeIn(const QWidget &window, const QString &words)
+{
+    const QFontMetrics metrics(Theme::font(Theme::FontRole::BodyStrong));
+    QRect place({}, metrics.size(Qt::TextSingleLine, words) + QSize(2 * signMargin, 2 * signMargin));
+    place.moveCenter({window.width() / 2, window.height() / 3});
+    return place;
+}
 
 void WaitSign::show(std::chrono::milliseconds waited)
 {
-    static QPointer<Sign> sign;
     const bool isOnScreen = qApp && QThread::currentThread() == qApp->thread();
     QWidget *const window = isOnScreen ? QApplication::activeWindow() : nullptr;
-    if (waited < patience || !window || sign)
+    QBackingStore *const picture = window ? window->backingStore() : nullptr;
+    if (waited < patience || isShown() || !picture || !window->windowHandle()->isExposed())
         return;
-    sign = new Sign(*window);
-    QTimer::singleShot(0, sign, [] { delete sign; });
-    sign->show();
-    sign->repaint();
+    busyCursor().emplace();
+    const QString words = localized(u"Another program is using your data …"_s);
+    const QRect place = placeIn(*window, words);
+    picture->beginPaint(place);
+    {
+        QPainter painter(picture->paintDevice());
+        draw(painter, place, words);
+    }
+    picture->endPaint();
+    picture->flush(place, window->windowHandle());
+    QTimer::singleShot(0, window, [window, place] { window->update(place); });
+    QTimer::singleShot(0, qApp, [] { busyCursor().reset(); });
+}
+
+bool WaitSign::isShown()
+{
+    return busyCursor().has_value();
 }

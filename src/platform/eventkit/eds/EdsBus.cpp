@@ -72,7 +72,7 @@ QByteArray EdsBus::findRegistry()
 bool EdsBus::isDaemonSilent()
 {
     // The parts are asked one after the other.
-    constexpr int limit = 50;
+    constexpr int limit = 80;
     if (connect())
         return false;
     for (const QByteArray &beginning : {registryName, calendarsName}) {
