@@ -5,8 +5,10 @@
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/OfflineChanges.h"
 #include "calendarsync/RefusedChanges.h"
+#include "calendarsync/StoreReach.h"
 #include "eventkit/CalendarError.h"
 #include "eventkit/ItemMerge.h"
+#include "foundation/Alert.h"
 #include "foundation/Log.h"
 #include "foundation/MainLoop.h"
 #include "store/queries/DBWorker.h"
@@ -195,6 +197,32 @@ void followTakenBackSoon(bool hasEvents)
     });
 }
 
+/// A daemon that did not answer is left alone for three seconds.
+constexpr Seconds firstWait{4};
+
+/// Calendars that did not answer for a moment get what was kept from them without another activation. Each
+/// try waits twice as long as the one before; the last ones leave it to the next activation.
+void tryAgainSoon(Seconds delay)
+{
+    constexpr Seconds longest{300};
+    if (delay > longest)
+        return;
+    MainLoop::performDelayed(delay, [delay] {
+        ManagedObjectContext *context = CoreContext::current().openedStore();
+        if (!context || DBWorker::isSample() || !mayWrite())
+            return;
+        // In the middle of a command, a question or a pass nothing is written.
+        if (!context->transaction() && !Alert::isAsking() && !CalendarPass::isPassing()) {
+            state().calendars.reset();
+            writeChangesMadeOffline(*context);
+            writeTasksMadeOffline();
+            if (!calendarstore::isOffline())
+                return;
+        }
+        tryAgainSoon(delay * 2);
+    });
+}
+
 } // namespace
 
 bool hasWork()
@@ -220,6 +248,8 @@ void committed(ManagedObjectContext &context)
     offlinechanges::committed();
     if (DBWorker::isSample())
         return;
+    if (std::exchange(state().isKeptForLater, false) && mayWrite())
+        tryAgainSoon(firstWait);
     if (state().store) {
         state().store->forgetStaged();
         state().store->setPromises(pendingChanges(context));

@@ -41,6 +41,8 @@ struct State
     std::map<QString, Date> changedEvents;
     /// Rows whose events could not be read or written by what is not yet committed; by identifier.
     std::map<QString, Unwritten> unwritten;
+    /// Whether what is not yet committed was kept for later, and is to be tried again soon.
+    bool isKeptForLater = false;
     /// Changes that calendars have refused, of which the user was not told yet.
     std::vector<std::vector<ItemChange>> refused;
     /// The user's answer about taking away much, while it holds.

@@ -240,6 +240,7 @@ void keepForLater(EntityTask &row, Span span, OptionalDate formerDay)
         return;
     // Whether the calendars answer is asked anew.
     state().calendars.reset();
+    state().isKeptForLater = true;
     if (!row.calendarID().isEmpty()) {
         state().unwritten[row.identifier()] = {span, formerDay ? formerDay : dateOf(row)};
     } else if (!isOffCalendar(row)) {
@@ -258,6 +259,7 @@ void keepDeletionForLater(const EntityTask &row, Span span)
         return;
     state().unwritten[row.identifier()] = {span, dateOf(row)};
     state().calendars.reset();
+    state().isKeptForLater = true;
 }
 
 void post(ManagedObjectContext &context, const StoreChanges &changes)

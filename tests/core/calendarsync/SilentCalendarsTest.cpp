@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QElapsedTimer>
+
 namespace {
 
 using testing::SizeIs;
@@ -101,6 +103,25 @@ TEST_F(SilentCalendars, WhatIsKeptForLaterWaitsForACalendarThatIsGivenUpMeanwhil
     choose({u"Home"_qs, u"Work"_qs});
     activate();
     expectArrived({u"24 Anew"_qs}, {u"24 Anew"_qs});
+}
+
+TEST_F(SilentCalendars, OnesThatAnswerAgainSoonGetItWithoutAnActivation)
+{
+    for (const QString &title : {u"Edited"_qs, u"Deleted"_qs})
+        make(draft(title));
+    activate();
+    backend->refusesCalendars = true;
+    backend->answersLeft = 0;
+    rename(rowOf(u"Edited"_qs), u"Anew"_qs);
+    deleteRow(rowOf(u"Deleted"_qs));
+    make(draft(u"New"_qs, 26));
+    backend->refusesCalendars = false;
+    backend->answersLeft = 1000000;
+    const QStringList wanted = {u"24 Anew"_qs, u"26 New"_qs};
+    QElapsedTimer waited;
+    for (waited.start(); events() != wanted && waited.elapsed() < 10'000;)
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 100);
+    expectArrived(wanted, wanted);
 }
 
 TEST_F(SilentCalendars, AtAStartTheirTasksAreShown)
