@@ -75,7 +75,7 @@ void settleNow()
 
 void settleSoon(Seconds delay)
 {
-    constexpr Seconds aWhile{1};
+    static constexpr Seconds aWhile{1};
     MainLoop::performDelayed(delay, [] {
         ManagedObjectContext *context = CoreContext::current().openedStore();
         if (state().refused.empty() || !context)

@@ -7,6 +7,7 @@
 #include "foundation/ZoneRules.h"
 
 #include <QCryptographicHash>
+#include <QList>
 
 #include <algorithm>
 

@@ -8,6 +8,8 @@
 #include <QJsonObject>
 #include <QTimeZone>
 
+#include <algorithm>
+
 static const QLatin1String dateKey("$date");
 static const QLatin1String dataKey("$data");
 
@@ -23,8 +25,17 @@ static QString decimals(double wholeSeconds, double fraction)
     return {};
 }
 
-QString iso8601FromDate(Date date)
+/// Inside of what ISO 8601 can say with four digits for the year, which is what can be read again.
+static Date sayable(Date date)
 {
+    static constexpr double first = -63'113'904'000;
+    static constexpr double last = 252'423'993'599;
+    return Date::fromReferenceSeconds(std::clamp(boundedReferenceSeconds(date), first, last));
+}
+
+QString iso8601FromDate(Date any)
+{
+    const Date date = sayable(any);
     const auto unixSeconds = static_cast<qint64>(boundedUnixSeconds(date));
     const auto whole =
         QDateTime::fromSecsSinceEpoch(unixSeconds, Qt::UTC).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
@@ -44,7 +55,7 @@ OptionalDate dateFromIso8601(const QString &text)
     if (!whole.isValid())
         return std::nullopt;
     const auto unixSeconds = static_cast<double>(whole.toSecsSinceEpoch());
-    return Date::fromUnixSeconds(unixSeconds) + Seconds((QLatin1Char('0') + fraction).toDouble());
+    return sayable(Date::fromUnixSeconds(unixSeconds) + Seconds((QLatin1Char('0') + fraction).toDouble()));
 }
 
 static QJsonValue jsonFromList(const QVariantList &list)

@@ -14,5 +14,6 @@ QJsonValue jsonFromVariant(const QVariant &value);
 /// it is.
 QVariant variantFromJson(const QJsonValue &json);
 
+/// A date before the year 1 or after 9999 is written and read as the first or last second of these years.
 QString iso8601FromDate(Date date);
 OptionalDate dateFromIso8601(const QString &text);

@@ -3,7 +3,19 @@
 #include "foundation/Clock.h"
 #include "objectstore/ChangesetApplier.h"
 
+#include <QCryptographicHash>
+
 #include <sqlite3.h>
+
+/// By which an entry is known to be the one that was written: one with other bytes could overwrite rows.
+static QByteArray digestOf(const QByteArray &changeset, const QByteArray &outside)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(QByteArray::number(changeset.size()) + ' ');
+    hash.addData(changeset);
+    hash.addData(outside);
+    return hash.result();
+}
 
 ChangeJournal::ChangeJournal(sqlite::Database &connection, const ManagedObjectModel &model)
     : database(connection)
@@ -66,9 +78,11 @@ OptionalError ChangeJournal::record(const QString &name, const std::vector<Outbo
     if (changeset.isEmpty() && outside.empty())
         return std::nullopt;
     sqlite::Statement added = database.prepare("INSERT INTO ObjectStoreJournal (savedAt, isUndone, "
-                                               "changeset, name, outside) VALUES (?, 0, ?, ?, ?)");
+                                               "changeset, name, outside, digest) VALUES (?, 0, ?, ?, ?, ?)");
+    const QByteArray outsideBytes = outbox::toBytes(outside);
     added.bind(Value(Clock::now())).bindBlob(changeset.isNull() ? QByteArray("") : changeset);
-    added.bind(name.isEmpty() ? Value() : Value(name)).bindBlob(outbox::toBytes(outside));
+    added.bind(name.isEmpty() ? Value() : Value(name)).bindBlob(outsideBytes);
+    added.bindBlob(digestOf(changeset, outsideBytes));
     const bool isRecorded = dropUndone() && trim() && added.run();
     return isRecorded ? std::nullopt
                       : OptionalError(database.lastError(QStringLiteral("Cannot keep the undo journal")));
@@ -132,11 +146,19 @@ Result<AppliedEntry> ChangeJournal::apply(Direction direction, const RowNumberin
     const qint64 sequence = entry.integer(0);
     entry.reset();
     sqlite::Statement content =
-        database.prepare("SELECT changeset, outside FROM ObjectStoreJournal WHERE sequence = ?");
+        database.prepare("SELECT changeset, outside, digest FROM ObjectStoreJournal WHERE sequence = ?");
     const bool isThere = content.bind(sequence).step();
     const QByteArray changeset = isThere ? content.blob(0) : QByteArray();
-    std::vector<OutboxEntry> outside = outbox::fromBytes(isThere ? content.blob(1) : QByteArray());
+    const QByteArray outsideBytes = isThere ? content.blob(1) : QByteArray();
+    // Entries of former versions have no digest.
+    const bool isIntact =
+        isThere && (content.isNull(2) || content.blob(2) == digestOf(changeset, outsideBytes));
     content.reset();
+    if (!isIntact)
+        return Error{QStringLiteral("journal"), 0, QStringLiteral("The undo journal is damaged")};
+    auto outside = outbox::fromBytes(outsideBytes);
+    if (!outside)
+        return outside.error();
     auto rows = ChangesetApplier(database, objectModel, nextRow).apply(changeset, isUndo);
     if (!rows)
         return rows.error();
@@ -145,8 +167,8 @@ Result<AppliedEntry> ChangeJournal::apply(Direction direction, const RowNumberin
     if (!marked.bind(Value(isUndo)).bind(sequence).run())
         return database.lastError(QStringLiteral("Cannot mark the undo journal"));
     if (isUndo)
-        outside = outbox::inverted(outside);
-    for (OutboxEntry &one : outside)
+        outside = outbox::inverted(*outside);
+    for (OutboxEntry &one : *outside)
         one.yields = true;
-    return AppliedEntry{std::move(rows.value()), std::move(outside)};
+    return AppliedEntry{std::move(*rows), std::move(*outside)};
 }

@@ -40,6 +40,20 @@ QString textOf(sqlite3_value *value)
 
 } // namespace
 
+/// Whether it can be read to its end. Of one that is cut off, SQLite inverts more than there is.
+static bool isWhole(const QByteArray &changeset)
+{
+    sqlite3_changeset_iter *opened = nullptr;
+    if (sqlite3changeset_start(&opened, static_cast<int>(changeset.size()),
+                               const_cast<char *>(changeset.constData())) != SQLITE_OK)
+        return false;
+    const std::unique_ptr<sqlite3_changeset_iter, IteratorEnd> iterator(opened);
+    int code = SQLITE_ROW;
+    while (code == SQLITE_ROW)
+        code = sqlite3changeset_next(opened);
+    return code == SQLITE_DONE;
+}
+
 const std::vector<QByteArray> &ChangesetApplier::columnsOf(const QByteArray &table)
 {
     std::vector<QByteArray> &columns = tableColumns[table.toStdString()];
@@ -56,6 +70,8 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
     if (changeset.isEmpty())
         return applied;
     const Error failure{QStringLiteral("journal"), 0, QStringLiteral("The undo journal cannot be read")};
+    if (!isWhole(changeset))
+        return failure;
     int size = static_cast<int>(changeset.size());
     void *bytes = nullptr;
     if (isInverted && sqlite3changeset_invert(size, changeset.constData(), &size, &bytes) != SQLITE_OK)
@@ -66,7 +82,8 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
     if (sqlite3changeset_start(&opened, size, source) != SQLITE_OK)
         return failure;
     const std::unique_ptr<sqlite3_changeset_iter, IteratorEnd> iterator(opened);
-    while (sqlite3changeset_next(opened) == SQLITE_ROW) {
+    int code = sqlite3changeset_next(opened);
+    for (; code == SQLITE_ROW; code = sqlite3changeset_next(opened)) {
         Operation operation;
         operation.iterator = opened;
         const char *table = nullptr;
@@ -77,14 +94,36 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
         if (!operation.entity)
             continue; // Of an entity that the model no longer has.
         operation.isPair = operation.table != operation.entity->table();
+        if (!isSound(operation))
+            return failure;
         touchedTables.insert(table);
         if (!applyOperation(operation) || !noteForSubstrings(operation))
             return database.lastError(
                 QStringLiteral("Cannot change %1").arg(QString::fromUtf8(operation.table)));
     }
+    if (code != SQLITE_DONE)
+        return failure;
     if (!deleteMarked() || !clearDanglingReferences())
         return database.lastError(QStringLiteral("Cannot finish the change"));
     return applied;
+}
+
+bool ChangesetApplier::isSound(const Operation &operation)
+{
+    const auto &columns = columnsOf(operation.table);
+    if (operation.columnCount > static_cast<int>(columns.size()) ||
+        (operation.isPair && operation.kind == SQLITE_UPDATE))
+        return false;
+    for (int column = 0; column < operation.columnCount; ++column) {
+        const QByteArray &name = columns[static_cast<size_t>(column)];
+        if (name != "id" && !(operation.isPair && (name == "source" || name == "target")))
+            continue;
+        sqlite3_value *value = operation.kind == SQLITE_INSERT ? newValue(operation.iterator, column)
+                                                               : oldValue(operation.iterator, column);
+        if (!value || sqlite3_value_type(value) != SQLITE_TEXT)
+            return false;
+    }
+    return keyColumn(operation) < operation.columnCount;
 }
 
 bool ChangesetApplier::applyOperation(const Operation &operation)

@@ -18,7 +18,7 @@ public:
     {}
 
     /// Applies all of it, inverted on request; gives the rows of entities that changed. The caller holds the
-    /// transaction.
+    /// transaction, and takes it back after an error: a damaged changeset may be found out halfway.
     Result<std::vector<AppliedChange>> apply(const QByteArray &changeset, bool isInverted);
 
 private:
@@ -41,6 +41,8 @@ private:
         QString key;
         QString target;
     };
+    /// Whether it is about columns that the table has, and says which row it means.
+    bool isSound(const Operation &operation);
     bool applyOperation(const Operation &operation);
     bool noteForSubstrings(const Operation &operation);
     bool applyInsert(const Operation &operation);

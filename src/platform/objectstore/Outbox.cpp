@@ -2,6 +2,7 @@
 
 #include <QDataStream>
 #include <QIODevice>
+#include <QtEndian>
 
 namespace outbox {
 
@@ -22,6 +23,15 @@ std::optional<QByteArray> read(QDataStream &stream)
     return isThere ? std::optional(text) : std::nullopt;
 }
 
+/// The size that compressed bytes give for what they hold cannot be taken on trust: so much is allocated.
+bool isPlausible(const QByteArray &bytes)
+{
+    constexpr qsizetype bytesOfSize = 4;
+    constexpr qint64 highestRatio = 1032; // Of the algorithm.
+    return bytes.size() > bytesOfSize &&
+           qFromBigEndian<quint32>(bytes.constData()) <= bytes.size() * highestRatio;
+}
+
 } // namespace
 
 QByteArray toBytes(const std::vector<OutboxEntry> &entries)
@@ -39,12 +49,16 @@ QByteArray toBytes(const std::vector<OutboxEntry> &entries)
     return qCompress(bytes);
 }
 
-std::vector<OutboxEntry> fromBytes(const QByteArray &bytes)
+Result<std::vector<OutboxEntry>> fromBytes(const QByteArray &bytes)
 {
     std::vector<OutboxEntry> entries;
     if (bytes.isEmpty())
         return entries;
-    const QByteArray plain = qUncompress(bytes);
+    const Error failure{QStringLiteral("journal"), 0,
+                        QStringLiteral("What goes with the undo journal cannot be read")};
+    const QByteArray plain = isPlausible(bytes) ? qUncompress(bytes) : QByteArray();
+    if (plain.isEmpty())
+        return failure;
     QDataStream stream(plain);
     stream.setVersion(format);
     while (!stream.atEnd()) {
@@ -55,7 +69,7 @@ std::vector<OutboxEntry> fromBytes(const QByteArray &bytes)
         entry.before = read(stream);
         entry.after = read(stream);
         if (stream.status() != QDataStream::Ok)
-            return {};
+            return failure;
         entries.push_back(std::move(entry));
     }
     return entries;

@@ -32,9 +32,9 @@ struct OutboxEntry
 /// Keeps the entries in the table `ObjectStoreOutbox`, and in a form that the undo journal can hold.
 namespace outbox {
 
-/// All entries as bytes, and back. Bytes that are none give no entries.
+/// All entries as bytes, and back. An error for bytes that are none.
 QByteArray toBytes(const std::vector<OutboxEntry> &entries);
-std::vector<OutboxEntry> fromBytes(const QByteArray &bytes);
+Result<std::vector<OutboxEntry>> fromBytes(const QByteArray &bytes);
 
 /// What takes the entries back: the other way round, the last one first, and yielding.
 std::vector<OutboxEntry> inverted(const std::vector<OutboxEntry> &entries);

@@ -142,7 +142,8 @@ QByteArray bookkeepingTables()
            "WITHOUT ROWID;"
            "CREATE TABLE IF NOT EXISTS ObjectStoreJournal (sequence INTEGER PRIMARY KEY, savedAt REAL NOT "
            "NULL,"
-           " isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB NOT NULL, name TEXT, outside BLOB);"
+           " isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB NOT NULL, name TEXT, outside BLOB, digest "
+           "BLOB);"
            "CREATE INDEX IF NOT EXISTS ObjectStoreJournal_undone ON ObjectStoreJournal (sequence) WHERE "
            "isUndone = 1;"
            "CREATE TABLE IF NOT EXISTS ObjectStoreOutbox (sequence INTEGER PRIMARY KEY AUTOINCREMENT,"
@@ -156,10 +157,13 @@ QByteArray bookkeepingTables()
 QByteArray missingColumnsOfJournal(sqlite::Database &database)
 {
     const QByteArray count = "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreJournal')";
-    if (database.queryInteger(count) == 0 || database.queryInteger(count + " WHERE name = 'outside'") > 0)
-        return {};
-    return "ALTER TABLE ObjectStoreJournal ADD COLUMN name TEXT;"
-           "ALTER TABLE ObjectStoreJournal ADD COLUMN outside BLOB;";
+    const bool isThere = database.queryInteger(count) > 0;
+    QByteArray sql;
+    for (const auto &[name, type] : {std::pair("name", "TEXT"), {"outside", "BLOB"}, {"digest", "BLOB"}}) {
+        if (isThere && database.queryInteger(count + " WHERE name = '" + name + '\'') == 0)
+            sql += QByteArray("ALTER TABLE ObjectStoreJournal ADD COLUMN ") + name + ' ' + type + ';';
+    }
+    return sql;
 }
 
 /// A number of the database header, which is big-endian.
@@ -364,7 +368,7 @@ Result<std::unique_ptr<sqlite::Database>> open(const QString &path, const Manage
     if (configure(database))
         return failure(database, path);
     if (database.queryInteger("PRAGMA user_version") < model.version() ||
-        database.queryInteger("PRAGMA application_id") == 0) {
+        database.queryInteger("PRAGMA application_id") == 0 || !missingColumnsOfJournal(database).isEmpty()) {
         if (auto error = migrate(database, model, path))
             return *error;
     }

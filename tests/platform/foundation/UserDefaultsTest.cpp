@@ -80,6 +80,12 @@ TEST_F(UserDefaultsTest, DatesKeepTheirFractionsAndOtherFormsOfISO8601AreRead)
         defaults.setObject(u"date"_qs, QVariant::fromValue(date));
         EXPECT_EQ(defaults.date(u"date"_qs), date);
     }
+    // Years that cannot be written in four digits become the nearest that can.
+    for (const auto &[far, near] :
+         {std::pair(-1e12, utcDate(1, 1, 1)), {1e12, utcDate(9999, 12, 31, 23, 59, 59)}}) {
+        defaults.setObject(u"date"_qs, QVariant::fromValue(Date::fromReferenceSeconds(far)));
+        EXPECT_EQ(defaults.date(u"date"_qs), near);
+    }
     writeFile(
         R"({"offset": {"$date": "2026-11-21T10:30:00.5+01:30"}, "bad": {"$date": "soon"}, "number": {"$date": 5},
                   "extra": {"$date": "2026-11-21T09:00:00Z", "more": 1}, "text": "2026-11-21T09:00:00Z"})");

@@ -176,8 +176,10 @@ TEST_F(OutboxOfAStore, isAddedToAStoreOfAFormerVersion)
     library.close();
     sqlite3 *raw = nullptr;
     ASSERT_EQ(sqlite3_open(library.path().toUtf8().constData(), &raw), SQLITE_OK);
-    const char *former = "DROP TABLE ObjectStoreOutbox; ALTER TABLE ObjectStoreJournal DROP COLUMN name;"
-                         "ALTER TABLE ObjectStoreJournal DROP COLUMN outside; PRAGMA user_version = 0";
+    const char *former =
+        "DROP TABLE ObjectStoreOutbox; ALTER TABLE ObjectStoreJournal DROP COLUMN name;"
+        "ALTER TABLE ObjectStoreJournal DROP COLUMN outside; ALTER TABLE ObjectStoreJournal DROP "
+        "COLUMN digest; PRAGMA user_version = 0";
     ASSERT_EQ(sqlite3_exec(raw, former, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(raw);
     sqlite3_close(raw);
     library.open();

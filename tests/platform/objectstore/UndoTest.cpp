@@ -55,6 +55,38 @@ TEST_F(Undo, takesBackAllThatATransactionSavedAtOnce)
     EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"before"_qs));
 }
 
+TEST_F(Undo, refusesADamagedStepAndTouchesNoRow)
+{
+    library.book("one");
+    library.save();
+    saveAs(ChangeAuthor::User, [this] {
+        library.find("one")->setTitle(u"two"_qs);
+        library.book("more");
+    });
+    const QStringList rows = library.dump();
+    // Another text in it would be written over what is there; a cut one would be half a step.
+    const auto expectRefused = [&](const char *damage) {
+        SCOPED_TRACE(damage);
+        library.elsewhere("CREATE TABLE Kept AS SELECT * FROM ObjectStoreJournal");
+        library.elsewhere(damage);
+        EXPECT_TRUE(library->undo());
+        EXPECT_EQ(library.dump(), rows);
+        library.elsewhere("DELETE FROM ObjectStoreJournal; INSERT INTO ObjectStoreJournal SELECT * FROM Kept;"
+                          "DROP TABLE Kept");
+    };
+    expectRefused("UPDATE ObjectStoreJournal SET changeset = CAST(substr(changeset, 1, length(changeset) - "
+                  "9) AS BLOB)");
+    expectRefused("UPDATE ObjectStoreJournal SET outside = X'7FFFFFFFABCD'");
+    expectRefused("UPDATE ObjectStoreJournal SET changeset = CAST(replace(changeset, 'one', '0ne') AS BLOB)");
+    // Entries of a former version tell damage only by their structure.
+    library.elsewhere("UPDATE ObjectStoreJournal SET digest = NULL");
+    expectRefused("UPDATE ObjectStoreJournal SET changeset = CAST(substr(changeset, 1, length(changeset) - "
+                  "9) AS BLOB)");
+    expectRefused("UPDATE ObjectStoreJournal SET outside = X'7FFFFFFFABCD'");
+    undo();
+    EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"one"_qs));
+}
+
 TEST_F(Undo, reachesBackBeyondTheStartOfTheProgram)
 {
     EXPECT_FALSE(library->canUndo());

@@ -1,10 +1,23 @@
 #include "foundation/Clock.h"
 #include "foundation/Log.h"
 #include "foundation/Region.h"
-#include "fuzz/RecurrenceText.h"
+#include "fuzz/Targets.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
+
+namespace {
+
+const FuzzTarget &target()
+{
+    static const FuzzTarget *const found =
+        std::find_if(fuzzTargets.begin(), fuzzTargets.end(),
+                     [](const FuzzTarget &one) { return std::string_view(one.name) == MORVANE_FUZZ_TARGET; });
+    return *found;
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
@@ -16,8 +29,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
-    const QString contradiction = contradictionIn(text);
+    const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
+    const QString contradiction = target().contradictionIn(bytes);
     if (contradiction.isEmpty())
         return 0;
     std::fprintf(stderr, "%s\n", qPrintable(contradiction));

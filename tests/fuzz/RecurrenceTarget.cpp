@@ -1,4 +1,4 @@
-#include "fuzz/RecurrenceText.h"
+#include "fuzz/Targets.h"
 
 #include "eventkit/EKRecurrenceRule.h"
 #include "eventkit/RecurrenceExpander.h"
@@ -67,7 +67,8 @@ QString pattern(const QString &text)
 
 } // namespace
 
-QString contradictionIn(const QString &text)
+QString contradictionInRecurrence(const QByteArray &bytes)
 {
+    const QString text = QString::fromUtf8(bytes);
     return taskRule(text) + storeRule(text) + pattern(text);
 }
