@@ -10,9 +10,11 @@
 /// By what tasks and settings name calendars.
 ///
 /// A calendar is its identifier; its reference is what stands for that in the store, where people and other
-/// devices can read it: the title of a writable calendar. A calendar that may only be read, or whose title is
-/// that of another one already, has its title, "[<±>]" and its identifier. A reference stays that of its
-/// calendar, whatever that is called meanwhile, until `follow`, and is understood still after that.
+/// devices can read it: the title of a writable calendar. A calendar that may only be read when it is first
+/// seen, or whose title is that of another one already, has its title, "[<±>]" and its identifier. Who has
+/// the title alone keeps it so when it may not be written for a while; who has the identifier too loses that
+/// once it may be written. A reference stays that of its calendar, whatever that is called meanwhile, until
+/// `follow`, and is understood still after that.
 namespace calendarreferences {
 
 /// Between title and identifier.

@@ -64,6 +64,19 @@ protected:
     }
     /// A calendar of another account.
     void makeOther(const QString &title) { QDir().mkpath(root.filePath(u"Office/"_qs + title)); }
+    static EKCalendar calendarIn(const QString &account, const QString &title)
+    {
+        for (const EKCalendar &one : CalendarEvent::getAllCalendars()) {
+            if (one.source.title == account && one.title == title)
+                return one;
+        }
+        ADD_FAILURE() << "no such calendar";
+        return {};
+    }
+    static QString referenceIn(const QString &account, const QString &title)
+    {
+        return CalendarEvent::identifierOfCalendar(calendarIn(account, title));
+    }
     void look()
     {
         backend->refresh();
@@ -116,6 +129,41 @@ TEST_F(CalendarRenames, OfAStoreThatKnowsTitlesAloneAreFollowed)
     EXPECT_EQ(references().size(), 4);
     activate();
     expectFollowed(u"Crew"_qs);
+}
+
+TEST_F(CalendarRenames, TheNameIsTheSameWhileACalendarCannotBeWritten)
+{
+    choose({u"Work"_qs});
+    fill();
+    backend->readOnlyTitles = {u"Local/Work"_qs};
+    look();
+    expectFollowed(u"Work"_qs);
+    // At the first look of a program that has known titles alone.
+    quit();
+    UserDefaults::standard().removeObject(settings::calendarReferences);
+    CalendarEvent::resetEventStore();
+    launch();
+    EXPECT_EQ(references().size(), 4);
+    expectFollowed(u"Work"_qs);
+    // Another one of the title does not take its place.
+    backend->readOnlyTitles.clear();
+    makeOther(u"Work"_qs);
+    look();
+    const QString other = referenceIn(u"Office"_qs, u"Work"_qs);
+    for (const QStringList &readOnly : {QStringList(u"Local/Work"_qs), QStringList()}) {
+        backend->readOnlyTitles = readOnly;
+        look();
+        expectFollowed(u"Work"_qs);
+        EXPECT_EQ(referenceIn(u"Office"_qs, u"Work"_qs), other);
+    }
+    // One that was only read so far has the title alone from when it can be written.
+    backend->readOnlyTitles = {u"Feasts"_qs};
+    makeOther(u"Feasts"_qs);
+    look();
+    EXPECT_TRUE(referenceIn(u"Office"_qs, u"Feasts"_qs).startsWith(u"Feasts[<±>]"_qs));
+    backend->readOnlyTitles.clear();
+    look();
+    EXPECT_EQ(referenceIn(u"Office"_qs, u"Feasts"_qs), u"Feasts"_qs);
 }
 
 TEST_F(CalendarRenames, TwoAccountsHaveEachItsOwnOfOneTitle)
