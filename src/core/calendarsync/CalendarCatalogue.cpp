@@ -220,6 +220,13 @@ QStringList CalendarCatalogue::visibleReferences()
         references += identifierOfCalendar(one);
         references += calendarreferences::formerOf(one.calendarIdentifier);
     }
+    const QStringList chosen =
+        UserDefaults::standard().string(settings::savedChooseCalendars).split(separator, Qt::SkipEmptyParts);
+    for (const QString &reference : chosen) {
+        const QString identifier = calendarreferences::identifierOf(reference);
+        if (!identifier.isEmpty() && !references.contains(reference))
+            references += QStringList(reference) + calendarreferences::formerOf(identifier);
+    }
     return references;
 }
 

@@ -44,7 +44,8 @@ public:
     /// title,
     /// "[<±>]" and identifier.
     static QString identifierOfCalendar(const EKCalendar &calendar);
-    /// All names of the chosen calendars, also those that they had before they were renamed.
+    /// All names of the chosen calendars, also those that they had before they were renamed, and those of
+    /// chosen ones that are missing: their tasks are shown until the user has them removed.
     static QStringList visibleReferences();
     /// The calendar that has or had such a name: a writable one only if it is chosen.
     static std::optional<EKCalendar> calendarOfIdentifier(const QString &identifier);

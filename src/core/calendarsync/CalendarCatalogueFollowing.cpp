@@ -119,6 +119,43 @@ QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVari
     return missed;
 }
 
+/// The calendars that came after a missing one of their title, each with the identifier of that. An account
+/// that is set up again, and a home that moves to another computer, have the same calendars under other
+/// identifiers.
+QVariantMap followSuccessors(const std::vector<EKCalendar> &calendars, const QVariantMap &missed,
+                             const QVariantMap &known)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    const QVariantMap former = defaults.object(settings::calendarSuccessors).toMap();
+    QVariantMap successors;
+    for (const EKCalendar &one : calendars) {
+        const QString &identifier = one.calendarIdentifier;
+        const QStringList missedOfTitle = missed.keys(one.title);
+        if (missed.contains(former.value(identifier).toString()))
+            successors.insert(identifier, former.value(identifier));
+        else if (!known.contains(identifier) && missedOfTitle.size() == 1)
+            successors.insert(identifier, missedOfTitle.front());
+    }
+    defaults.setObject(settings::calendarSuccessors, successors);
+    return successors;
+}
+
+/// The only calendar that came after a missing one takes its place once the user has chosen it.
+void replaceMissed(const std::vector<EKCalendar> &calendars, const QVariantMap &known, QVariantMap &missed)
+{
+    const QVariantMap successors = followSuccessors(calendars, missed, known);
+    for (const EKCalendar &one : CalendarCatalogue::getAllModifiedCalendarsFromCalendars(
+             CalendarCatalogue::getAllAccessCalendars())) {
+        const QVariant gone = successors.value(one.calendarIdentifier);
+        if (!gone.isValid() || successors.keys(gone).size() != 1)
+            continue;
+        const QString own = CalendarCatalogue::identifierOfCalendar(one);
+        calendarreferences::handOver(gone.toString(), one.calendarIdentifier);
+        replaceInSettings(own, CalendarCatalogue::identifierOfCalendar(one));
+        missed.remove(gone.toString());
+    }
+}
+
 } // namespace
 
 void CalendarCatalogue::handleChangedCalendars()
@@ -138,6 +175,7 @@ void CalendarCatalogue::handleChangedCalendars()
     Transaction following(mainContext(), ChangeAuthor::Program);
     const std::vector<EKCalendar> calendars = getAllCalendars();
     QVariantMap titles = followRemovals(calendars, formerTitles);
+    replaceMissed(calendars, formerTitles, titles);
     if (titles.isEmpty())
         passbrake::noCalendarIsMissing();
     for (const EKCalendar &one : calendars)

@@ -165,6 +165,16 @@ std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars)
     return renamed;
 }
 
+void handOver(const QString &identifierOfGone, const QString &identifier)
+{
+    const auto gone = references().extract(identifierOfGone);
+    if (gone.empty())
+        return;
+    QStringList &own = references()[identifier];
+    own = gone.mapped() + own;
+    keep();
+}
+
 void forgetOthersThan(const QStringList &identifiers)
 {
     const auto forgotten = std::erase_if(

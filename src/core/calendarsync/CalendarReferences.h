@@ -38,6 +38,8 @@ QStringList formerOf(const QString &identifier);
 /// Gives the renamed ones the references of their present titles. To be applied one after the other: where
 /// two have changed their titles, one gives way first.
 std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars);
+/// Gives a calendar all names of one that has gone, before its own.
+void handOver(const QString &identifierOfGone, const QString &identifier);
 /// Of all calendars that have gone for good.
 /// \param identifiers of those that have not.
 void forgetOthersThan(const QStringList &identifiers);

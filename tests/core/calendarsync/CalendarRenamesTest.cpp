@@ -228,6 +228,51 @@ TEST_F(CalendarRenames, ACalendarThatTakesThePlaceOfOneThatHasGoneIsAnother)
     EXPECT_THAT(CalendarEvent::getAllAccessCalendars(), SizeIs(0));
 }
 
+TEST_F(CalendarRenames, WhatIsKeptOfAMissingOneIsShownAndGoesToItsSuccessor)
+{
+    choose({u"Work"_qs});
+    fill();
+    for (int day = 16; day < 22; ++day)
+        make(draft(u"More %1"_qs.arg(day), day, u"Work"_qs));
+    makeOther(u"Work"_qs);
+    look();
+    const QString office = referenceIn(u"Office"_qs, u"Work"_qs);
+    choose({u"Work"_qs, office});
+    ASSERT_TRUE(QDir().rename(folderOf(u"Work"_qs), root.filePath(u".away"_qs)));
+    {
+        const ScriptedAlerts alerts({Alert::secondButton});
+        look();
+        look();
+        EXPECT_THAT(alerts.asked(), SizeIs(1));
+    }
+    const QStringList all(10, u"Work:Work"_qs);
+    EXPECT_EQ(references(), all);
+    EXPECT_EQ(referenceIn(u"Office"_qs, u"Work"_qs), office) << "it is no successor of it";
+    // The account is set up again, and nobody has chosen the calendar yet.
+    QDir().mkpath(root.filePath(u"New"_qs));
+    ASSERT_TRUE(QDir().rename(root.filePath(u".away"_qs), root.filePath(u"New/Work"_qs)));
+    for (int activation = 0; activation < 2; ++activation) {
+        look();
+        EXPECT_EQ(references(), all);
+        EXPECT_EQ(setting(settings::savedChooseCalendars), u"WorkΩ"_qs + office);
+    }
+    choose({u"Work"_qs, office, referenceIn(u"New"_qs, u"Work"_qs)});
+    for (int activation = 0; activation < 2; ++activation) {
+        look();
+        EXPECT_EQ(references(), all);
+        EXPECT_EQ(referenceIn(u"New"_qs, u"Work"_qs), u"Work"_qs);
+        EXPECT_EQ(setting(settings::savedChooseCalendars), office + u"ΩWork"_qs);
+        EXPECT_EQ(setting(settings::defaultCalendar), u"Work"_qs);
+    }
+    // Its tasks are its own: what is written goes there.
+    rename(rowOf(u"More 17"_qs), u"Moved in"_qs);
+    QStringList found;
+    for (const QString &name : QDir(root.filePath(u"New/Work"_qs)).entryList({u"*.ics"_qs}))
+        found += QString::fromUtf8(read(root.filePath(u"New/Work/"_qs + name))).split(u"\r\n"_qs);
+    EXPECT_TRUE(found.contains(u"SUMMARY:Moved in"_qs));
+    expectSettled();
+}
+
 TEST_F(CalendarRenames, WhatIsTakenBackAfterOneIsOnTheCalendarStill)
 {
     choose({u"Work"_qs});
