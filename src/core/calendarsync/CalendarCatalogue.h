@@ -66,6 +66,7 @@ public:
     /// Calendars of other accounts need no folder, and a folder needs no calendars.
     static bool lacksCloudFolder(bool hasCloudFolder);
     static CalendarChooserData sortingAndGroupingByTitleForData(bool onlyAccessModified);
-    /// Follows renames and removals of calendars: what names a calendar names it still, and nothing else.
+    /// Follows renames and removals of calendars: what names a calendar names it still, and nothing else. In
+    /// the sample nothing is followed until the user's own tasks are there again.
     static void handleChangedCalendars();
 };

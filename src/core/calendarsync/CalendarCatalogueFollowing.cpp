@@ -160,7 +160,8 @@ void replaceMissed(const std::vector<EKCalendar> &calendars, const QVariantMap &
 
 void CalendarCatalogue::handleChangedCalendars()
 {
-    if (!EventStoreAccess::hasAccesToCalendar())
+    // What the sample says of calendars is made up, and the user's own tasks cannot be followed from there.
+    if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar())
         return;
     // Calendars that cannot be asked for were not removed.
     state().calendars.reset();

@@ -34,6 +34,12 @@ protected:
         activate();
         ASSERT_THAT(rows(), SizeIs(4));
     }
+    /// So many that the user is asked before they go.
+    static void fillMore()
+    {
+        for (int day = 16; day < 22; ++day)
+            make(draft(u"More %1"_qs.arg(day), day, u"Work"_qs));
+    }
     static QString setting(const QString &key) { return UserDefaults::standard().string(key); }
     static QStringList references()
     {
@@ -232,8 +238,7 @@ TEST_F(CalendarRenames, WhatIsKeptOfAMissingOneIsShownAndGoesToItsSuccessor)
 {
     choose({u"Work"_qs});
     fill();
-    for (int day = 16; day < 22; ++day)
-        make(draft(u"More %1"_qs.arg(day), day, u"Work"_qs));
+    fillMore();
     makeOther(u"Work"_qs);
     look();
     const QString office = referenceIn(u"Office"_qs, u"Work"_qs);
@@ -271,6 +276,23 @@ TEST_F(CalendarRenames, WhatIsKeptOfAMissingOneIsShownAndGoesToItsSuccessor)
         found += QString::fromUtf8(read(root.filePath(u"New/Work/"_qs + name))).split(u"\r\n"_qs);
     EXPECT_TRUE(found.contains(u"SUMMARY:Moved in"_qs));
     expectSettled();
+}
+
+TEST_F(CalendarRenames, ARemovalIsFollowedOnceTheSampleIsLeft)
+{
+    choose({u"Work"_qs});
+    fill();
+    fillMore();
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 1);
+    QDir(folderOf(u"Work"_qs)).removeRecursively();
+    look();
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 0);
+    EXPECT_EQ(setting(settings::savedChooseCalendars), u"Work"_qs);
+    const ScriptedAlerts alerts({Alert::secondButton});
+    look();
+    look();
+    EXPECT_THAT(alerts.asked(), SizeIs(1));
+    EXPECT_EQ(references(), QStringList(10, u"Work:Work"_qs));
 }
 
 TEST_F(CalendarRenames, WhatIsTakenBackAfterOneIsOnTheCalendarStill)
