@@ -156,6 +156,28 @@ void replaceMissed(const std::vector<EKCalendar> &calendars, const QVariantMap &
     }
 }
 
+/// Former versions followed a rename in the title of a row alone, not in the name that the row has for its
+/// calendar. Such rows are on no list; once, the title says whose they are.
+void findLostTasks(const std::vector<EKCalendar> &calendars)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    const QString yes = QStringLiteral("YES");
+    if (calendars.empty() || defaults.string(settings::lostNamesAreFound) == yes)
+        return;
+    for (const TaskPtr &row : mainContext().fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("typeCalendarID != nil")))) {
+        if (!row || row->typeCalendarID().isEmpty() ||
+            !calendarreferences::identifierOf(row->typeCalendarID()).isEmpty())
+            continue;
+        const QString title = row->calendarTitle();
+        const auto isMeant = [&title](const EKCalendar &one) { return one.title == title; };
+        if (std::ranges::count_if(calendars, isMeant) == 1)
+            row->setTypeCalendarID(
+                CalendarCatalogue::identifierOfCalendar(*std::ranges::find_if(calendars, isMeant)));
+    }
+    defaults.setObject(settings::lostNamesAreFound, yes);
+}
+
 } // namespace
 
 void CalendarCatalogue::handleChangedCalendars()
@@ -183,6 +205,7 @@ void CalendarCatalogue::handleChangedCalendars()
         titles.insert(one.calendarIdentifier, one.title);
     calendarreferences::forgetOthersThan(titles.keys());
     followRenames(calendars, formerTitles);
+    findLostTasks(calendars);
     defaults.setObject(settings::dictionaryCalendarsData, titles);
     DBWorker::tellOfFailure(following.commit());
     defaults.synchronize();

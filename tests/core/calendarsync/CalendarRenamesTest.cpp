@@ -137,6 +137,28 @@ TEST_F(CalendarRenames, OfAStoreThatKnowsTitlesAloneAreFollowed)
     expectFollowed(u"Crew"_qs);
 }
 
+TEST_F(CalendarRenames, TasksThatAFormerVersionLostAreFoundOnce)
+{
+    choose({u"Work"_qs});
+    fill();
+    const auto lose = [](const TaskPtr &row) { row->setTypeCalendarID(u"Lab"_qs); };
+    std::ranges::for_each(rows(), lose);
+    EXPECT_FALSE(DBWorker::saveContext());
+    quit();
+    UserDefaults::standard().removeObject(settings::calendarReferences);
+    UserDefaults::standard().removeObject(settings::lostNamesAreFound);
+    CalendarEvent::resetEventStore();
+    launch();
+    EXPECT_EQ(references().size(), 0);
+    activate();
+    expectFollowed(u"Work"_qs);
+    // Later on such a name is that of a calendar elsewhere.
+    lose(rowOf(u"Undated"_qs));
+    EXPECT_FALSE(DBWorker::saveContext());
+    look();
+    EXPECT_EQ(rowOf(u"Undated"_qs)->typeCalendarID(), u"Lab"_qs);
+}
+
 TEST_F(CalendarRenames, TheNameIsTheSameWhileACalendarCannotBeWritten)
 {
     choose({u"Work"_qs});

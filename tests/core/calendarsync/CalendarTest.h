@@ -31,7 +31,7 @@ protected:
         for (const QString &key :
              {settings::savedChooseCalendars, settings::defaultCalendar, settings::dictionaryCalendarsData,
               settings::eventsAtLastPass, settings::knownCalendars, settings::calendarReferences,
-              settings::calendarSuccessors})
+              settings::calendarSuccessors, settings::lostNamesAreFound})
             UserDefaults::standard().removeObject(key);
     }
 

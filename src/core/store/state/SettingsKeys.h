@@ -35,6 +35,8 @@ inline const QString knownCalendars = QStringLiteral("knownCalendars");
 inline const QString calendarReferences = QStringLiteral("calendarReferences");
 /// Of each calendar that came with the title of a missing one, the identifier of that.
 inline const QString calendarSuccessors = QStringLiteral("calendarSuccessors");
+/// "YES" once tasks that a former version lost at a rename were looked for.
+inline const QString lostNamesAreFound = QStringLiteral("lostCalendarNamesAreFound");
 inline const QString dictionaryCalendarsData = QStringLiteral("dictionaryCalendarsData");
 inline const QString handleBeforeAllCalendarsSync = QStringLiteral("handleBeforeAllCalendarsSync");
 inline const QString eventsAtLastPass = QStringLiteral("eventsAtLastPass");
