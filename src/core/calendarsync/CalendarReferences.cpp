@@ -42,10 +42,11 @@ void keep()
     UserDefaults::standard().setObject(settings::calendarReferences, kept);
 }
 
+/// A former reference is its calendar's still: an undo can bring rows back that name it so.
 bool isTaken(const QString &reference, const QString &identifier)
 {
     return std::ranges::any_of(references(), [&](const auto &entry) {
-        return entry.first != identifier && entry.second.front() == reference;
+        return entry.first != identifier && entry.second.contains(reference);
     });
 }
 
@@ -92,9 +93,9 @@ bool isNamedByTitle(const EKCalendar &calendar, const QString &title)
 
 void give(const QString &identifier, const QString &reference)
 {
-    for (auto &[other, own] : references())
-        own.removeAll(reference);
-    references()[identifier].prepend(reference);
+    QStringList &own = references()[identifier];
+    own.removeAll(reference);
+    own.prepend(reference);
 }
 
 } // namespace
@@ -147,18 +148,13 @@ QStringList formerOf(const QString &identifier)
 std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars)
 {
     std::vector<Renamed> renamed;
-    // What one gives up is free for the next.
-    for (bool isMore = true; isMore;) {
-        isMore = false;
-        for (const EKCalendar &one : calendars) {
-            const QString present = of(one);
-            const QString wanted = referenceFor(one);
-            if (present == wanted)
-                continue;
-            give(one.calendarIdentifier, wanted);
-            renamed.push_back({present, wanted});
-            isMore = true;
-        }
+    for (const EKCalendar &one : calendars) {
+        const QString present = of(one);
+        const QString wanted = referenceFor(one);
+        if (present == wanted)
+            continue;
+        give(one.calendarIdentifier, wanted);
+        renamed.push_back({present, wanted});
     }
     if (!renamed.empty())
         keep();
