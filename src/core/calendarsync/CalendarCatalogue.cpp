@@ -242,7 +242,7 @@ std::optional<EKCalendar> CalendarCatalogue::calendarOfIdentifier(const QString 
     const QString wanted =
         own.isEmpty() ? identifier.mid(mark + calendarreferences::identifierMark.size()) : own;
     const auto found = std::ranges::find(calendars, wanted, &EKCalendar::calendarIdentifier);
-    if (found == calendars.end() || (mark < 0 && found->allowsContentModifications && !isChosen(*found)))
+    if (found == calendars.end() || (found->allowsContentModifications && !isChosen(*found)))
         return std::nullopt;
     return *found;
 }

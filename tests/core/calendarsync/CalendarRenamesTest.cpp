@@ -188,7 +188,9 @@ TEST_F(CalendarRenames, TheNameIsTheSameWhileACalendarCannotBeWritten)
     backend->readOnlyTitles = {u"Feasts"_qs};
     makeOther(u"Feasts"_qs);
     look();
-    EXPECT_TRUE(referenceIn(u"Office"_qs, u"Feasts"_qs).startsWith(u"Feasts[<±>]"_qs));
+    const QString readOnly = referenceIn(u"Office"_qs, u"Feasts"_qs);
+    EXPECT_TRUE(readOnly.startsWith(u"Feasts[<±>]"_qs));
+    EXPECT_TRUE(CalendarEvent::calendarOfIdentifier(readOnly)) << "its tasks are on it, chosen or not";
     backend->readOnlyTitles.clear();
     look();
     EXPECT_EQ(referenceIn(u"Office"_qs, u"Feasts"_qs), u"Feasts"_qs);
@@ -215,6 +217,8 @@ TEST_F(CalendarRenames, TwoAccountsHaveEachItsOwnOfOneTitle)
             other = row;
     }
     ASSERT_FALSE(chooser.isSelected(other));
+    EXPECT_FALSE(CalendarEvent::calendarOfIdentifier(referenceIn(u"Office"_qs, u"Work"_qs)))
+        << "nothing is written there yet";
     ASSERT_TRUE(chooser.toggle(other));
     activate();
     const TaskPtr there = rowOf(u"There"_qs);
