@@ -220,6 +220,13 @@ QStringList CalendarCatalogue::visibleReferences()
         references += identifierOfCalendar(one);
         references += calendarreferences::formerOf(one.calendarIdentifier);
     }
+    const QStringList chosen =
+        UserDefaults::standard().string(settings::savedChooseCalendars).split(separator, Qt::SkipEmptyParts);
+    for (const QString &reference : chosen) {
+        const QString identifier = calendarreferences::identifierOf(reference);
+        if (!identifier.isEmpty() && !references.contains(reference))
+            references += QStringList(reference) + calendarreferences::formerOf(identifier);
+    }
     return references;
 }
 
@@ -235,7 +242,7 @@ std::optional<EKCalendar> CalendarCatalogue::calendarOfIdentifier(const QString 
     const QString wanted =
         own.isEmpty() ? identifier.mid(mark + calendarreferences::identifierMark.size()) : own;
     const auto found = std::ranges::find(calendars, wanted, &EKCalendar::calendarIdentifier);
-    if (found == calendars.end() || (mark < 0 && found->allowsContentModifications && !isChosen(*found)))
+    if (found == calendars.end() || (found->allowsContentModifications && !isChosen(*found)))
         return std::nullopt;
     return *found;
 }

@@ -44,7 +44,8 @@ public:
     /// title,
     /// "[<±>]" and identifier.
     static QString identifierOfCalendar(const EKCalendar &calendar);
-    /// All names of the chosen calendars, also those that they had before they were renamed.
+    /// All names of the chosen calendars, also those that they had before they were renamed, and those of
+    /// chosen ones that are missing: their tasks are shown until the user has them removed.
     static QStringList visibleReferences();
     /// The calendar that has or had such a name: a writable one only if it is chosen.
     static std::optional<EKCalendar> calendarOfIdentifier(const QString &identifier);
@@ -65,6 +66,7 @@ public:
     /// Calendars of other accounts need no folder, and a folder needs no calendars.
     static bool lacksCloudFolder(bool hasCloudFolder);
     static CalendarChooserData sortingAndGroupingByTitleForData(bool onlyAccessModified);
-    /// Follows renames and removals of calendars: what names a calendar names it still, and nothing else.
+    /// Follows renames and removals of calendars: what names a calendar names it still, and nothing else. In
+    /// the sample nothing is followed until the user's own tasks are there again.
     static void handleChangedCalendars();
 };

@@ -119,11 +119,71 @@ QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVari
     return missed;
 }
 
+/// The calendars that came after a missing one of their title, each with the identifier of that. An account
+/// that is set up again, and a home that moves to another computer, have the same calendars under other
+/// identifiers.
+QVariantMap followSuccessors(const std::vector<EKCalendar> &calendars, const QVariantMap &missed,
+                             const QVariantMap &known)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    const QVariantMap former = defaults.object(settings::calendarSuccessors).toMap();
+    QVariantMap successors;
+    for (const EKCalendar &one : calendars) {
+        const QString &identifier = one.calendarIdentifier;
+        const QStringList missedOfTitle = missed.keys(one.title);
+        if (missed.contains(former.value(identifier).toString()))
+            successors.insert(identifier, former.value(identifier));
+        else if (!known.contains(identifier) && missedOfTitle.size() == 1)
+            successors.insert(identifier, missedOfTitle.front());
+    }
+    defaults.setObject(settings::calendarSuccessors, successors);
+    return successors;
+}
+
+/// The only calendar that came after a missing one takes its place once the user has chosen it.
+void replaceMissed(const std::vector<EKCalendar> &calendars, const QVariantMap &known, QVariantMap &missed)
+{
+    const QVariantMap successors = followSuccessors(calendars, missed, known);
+    for (const EKCalendar &one : CalendarCatalogue::getAllModifiedCalendarsFromCalendars(
+             CalendarCatalogue::getAllAccessCalendars())) {
+        const QVariant gone = successors.value(one.calendarIdentifier);
+        if (!gone.isValid() || successors.keys(gone).size() != 1)
+            continue;
+        const QString own = CalendarCatalogue::identifierOfCalendar(one);
+        calendarreferences::handOver(gone.toString(), one.calendarIdentifier);
+        replaceInSettings(own, CalendarCatalogue::identifierOfCalendar(one));
+        missed.remove(gone.toString());
+    }
+}
+
+/// Former versions followed a rename in the title of a row alone, not in the name that the row has for its
+/// calendar. Such rows are on no list; once, the title says whose they are.
+void findLostTasks(const std::vector<EKCalendar> &calendars)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    const QString yes = QStringLiteral("YES");
+    if (calendars.empty() || defaults.string(settings::lostNamesAreFound) == yes)
+        return;
+    for (const TaskPtr &row : mainContext().fetch<EntityTask>(
+             EntityTask::fetchRequest().where(Predicate::format("typeCalendarID != nil")))) {
+        if (!row || row->typeCalendarID().isEmpty() ||
+            !calendarreferences::identifierOf(row->typeCalendarID()).isEmpty())
+            continue;
+        const QString title = row->calendarTitle();
+        const auto isMeant = [&title](const EKCalendar &one) { return one.title == title; };
+        if (std::ranges::count_if(calendars, isMeant) == 1)
+            row->setTypeCalendarID(
+                CalendarCatalogue::identifierOfCalendar(*std::ranges::find_if(calendars, isMeant)));
+    }
+    defaults.setObject(settings::lostNamesAreFound, yes);
+}
+
 } // namespace
 
 void CalendarCatalogue::handleChangedCalendars()
 {
-    if (!EventStoreAccess::hasAccesToCalendar())
+    // What the sample says of calendars is made up, and the user's own tasks cannot be followed from there.
+    if (DBWorker::isSample() || !EventStoreAccess::hasAccesToCalendar())
         return;
     // Calendars that cannot be asked for were not removed.
     state().calendars.reset();
@@ -138,12 +198,14 @@ void CalendarCatalogue::handleChangedCalendars()
     Transaction following(mainContext(), ChangeAuthor::Program);
     const std::vector<EKCalendar> calendars = getAllCalendars();
     QVariantMap titles = followRemovals(calendars, formerTitles);
+    replaceMissed(calendars, formerTitles, titles);
     if (titles.isEmpty())
         passbrake::noCalendarIsMissing();
     for (const EKCalendar &one : calendars)
         titles.insert(one.calendarIdentifier, one.title);
     calendarreferences::forgetOthersThan(titles.keys());
     followRenames(calendars, formerTitles);
+    findLostTasks(calendars);
     defaults.setObject(settings::dictionaryCalendarsData, titles);
     DBWorker::tellOfFailure(following.commit());
     defaults.synchronize();

@@ -42,29 +42,60 @@ void keep()
     UserDefaults::standard().setObject(settings::calendarReferences, kept);
 }
 
+/// A former reference is its calendar's still: an undo can bring rows back that name it so.
 bool isTaken(const QString &reference, const QString &identifier)
 {
     return std::ranges::any_of(references(), [&](const auto &entry) {
-        return entry.first != identifier && entry.second.front() == reference;
+        return entry.first != identifier && entry.second.contains(reference);
     });
 }
 
-QString referenceFor(const EKCalendar &calendar, const QString &title)
+QString withIdentifier(const QString &title, const QString &identifier)
+{
+    const QString shown = title.contains(calendarstore::separator) ? QString() : title;
+    return shown + identifierMark + identifier;
+}
+
+/// Whether a calendar that may only be read has the title alone all the same. A calendar whose account is not
+/// connected says that it may not be written: who was known by the title once is known by it still.
+bool hasPlainOne(const EKCalendar &calendar)
+{
+    const auto own = references().find(calendar.calendarIdentifier);
+    return own != references().end() && !own->second.front().contains(identifierMark);
+}
+
+QString referenceFor(const EKCalendar &calendar, const QString &title, bool mayBePlain)
 {
     // A list of references must come apart again.
-    const bool isPlain = calendar.allowsContentModifications && !title.isEmpty() &&
-                         !title.contains(calendarstore::separator) && !title.contains(identifierMark);
-    if (isPlain && !isTaken(title, calendar.calendarIdentifier))
-        return title;
-    const QString shown = title.contains(calendarstore::separator) ? QString() : title;
-    return shown + identifierMark + calendar.calendarIdentifier;
+    const bool isPlain = mayBePlain && !title.isEmpty() && !title.contains(calendarstore::separator) &&
+                         !title.contains(identifierMark);
+    return isPlain && !isTaken(title, calendar.calendarIdentifier)
+               ? title
+               : withIdentifier(title, calendar.calendarIdentifier);
+}
+
+QString referenceFor(const EKCalendar &calendar)
+{
+    return referenceFor(calendar, calendar.title,
+                        calendar.allowsContentModifications || hasPlainOne(calendar));
+}
+
+/// Whether the settings call a calendar by its title alone.
+bool isNamedByTitle(const EKCalendar &calendar, const QString &title)
+{
+    const UserDefaults &defaults = UserDefaults::standard();
+    const QStringList named = (defaults.string(settings::savedChooseCalendars) + calendarstore::separator +
+                               defaults.string(settings::defaultCalendar))
+                                  .split(calendarstore::separator);
+    return !title.isEmpty() && named.contains(title) &&
+           !named.contains(withIdentifier(title, calendar.calendarIdentifier));
 }
 
 void give(const QString &identifier, const QString &reference)
 {
-    for (auto &[other, own] : references())
-        own.removeAll(reference);
-    references()[identifier].prepend(reference);
+    QStringList &own = references()[identifier];
+    own.removeAll(reference);
+    own.prepend(reference);
 }
 
 } // namespace
@@ -72,20 +103,25 @@ void give(const QString &identifier, const QString &reference)
 void take(const std::vector<EKCalendar> &calendars)
 {
     calendarstore::state().references.reset();
-    // Who has had a title before it is asked for by another one keeps it. A store of former times says only
-    // so.
+    // Who has had a title before it is asked for by another one keeps it, those that may be written first. A
+    // store of former times says only so.
     const QVariantMap titles = UserDefaults::standard().object(settings::dictionaryCalendarsData).toMap();
     bool isNew = false;
-    for (const bool wasKnown : {true, false}) {
+    const auto takeThose = [&](const auto &isMeant) {
         for (const EKCalendar &one : calendars) {
-            const QString &identifier = one.calendarIdentifier;
-            const QString former = titles.value(identifier).toString();
-            if (references().contains(identifier) || former.isEmpty() == wasKnown)
+            const QString former = titles.value(one.calendarIdentifier).toString();
+            if (references().contains(one.calendarIdentifier) || !isMeant(one, !former.isEmpty()))
                 continue;
-            give(identifier, referenceFor(one, wasKnown ? former : one.title));
+            const QString title = former.isEmpty() ? one.title : former;
+            give(one.calendarIdentifier,
+                 referenceFor(one, title, one.allowsContentModifications || isNamedByTitle(one, former)));
             isNew = true;
         }
-    }
+    };
+    takeThose(
+        [](const EKCalendar &one, bool wasKnown) { return wasKnown && one.allowsContentModifications; });
+    takeThose([](const EKCalendar &, bool wasKnown) { return wasKnown; });
+    takeThose([](const EKCalendar &, bool) { return true; });
     if (isNew)
         keep();
 }
@@ -93,7 +129,7 @@ void take(const std::vector<EKCalendar> &calendars)
 QString of(const EKCalendar &calendar)
 {
     const auto own = references().find(calendar.calendarIdentifier);
-    return own == references().end() ? referenceFor(calendar, calendar.title) : own->second.front();
+    return own == references().end() ? referenceFor(calendar) : own->second.front();
 }
 
 QString identifierOf(const QString &reference)
@@ -112,22 +148,27 @@ QStringList formerOf(const QString &identifier)
 std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars)
 {
     std::vector<Renamed> renamed;
-    // What one gives up is free for the next.
-    for (bool isMore = true; isMore;) {
-        isMore = false;
-        for (const EKCalendar &one : calendars) {
-            const QString present = of(one);
-            const QString wanted = referenceFor(one, one.title);
-            if (present == wanted)
-                continue;
-            give(one.calendarIdentifier, wanted);
-            renamed.push_back({present, wanted});
-            isMore = true;
-        }
+    for (const EKCalendar &one : calendars) {
+        const QString present = of(one);
+        const QString wanted = referenceFor(one);
+        if (present == wanted)
+            continue;
+        give(one.calendarIdentifier, wanted);
+        renamed.push_back({present, wanted});
     }
     if (!renamed.empty())
         keep();
     return renamed;
+}
+
+void handOver(const QString &identifierOfGone, const QString &identifier)
+{
+    const auto gone = references().extract(identifierOfGone);
+    if (gone.empty())
+        return;
+    QStringList &own = references()[identifier];
+    own = gone.mapped() + own;
+    keep();
 }
 
 void forgetOthersThan(const QStringList &identifiers)

@@ -10,9 +10,11 @@
 /// By what tasks and settings name calendars.
 ///
 /// A calendar is its identifier; its reference is what stands for that in the store, where people and other
-/// devices can read it: the title of a writable calendar. A calendar that may only be read, or whose title is
-/// that of another one already, has its title, "[<±>]" and its identifier. A reference stays that of its
-/// calendar, whatever that is called meanwhile, until `follow`, and is understood still after that.
+/// devices can read it: the title of a writable calendar. A calendar that may only be read when it is first
+/// seen, or whose title is or was a reference of another one, has its title, "[<±>]" and its identifier. Who
+/// has the title alone keeps it so when it may not be written for a while; who has the identifier too loses
+/// that once it may be written. A reference stays that of its calendar, whatever that is called meanwhile,
+/// until `follow`, and is understood still after that.
 namespace calendarreferences {
 
 /// Between title and identifier.
@@ -31,11 +33,12 @@ void take(const std::vector<EKCalendar> &calendars);
 QString of(const EKCalendar &calendar);
 /// The identifier of the calendar that has or had a reference; empty if there is none.
 QString identifierOf(const QString &reference);
-/// References that were a calendar's and are no other's now.
+/// References that were a calendar's; no other one gets them while it is there.
 QStringList formerOf(const QString &identifier);
-/// Gives the renamed ones the references of their present titles. To be applied one after the other: where
-/// two have changed their titles, one gives way first.
+/// Gives the renamed ones the references of their present titles.
 std::vector<Renamed> follow(const std::vector<EKCalendar> &calendars);
+/// Gives a calendar all names of one that has gone, before its own.
+void handOver(const QString &identifierOfGone, const QString &identifier);
 /// Of all calendars that have gone for good.
 /// \param identifiers of those that have not.
 void forgetOthersThan(const QStringList &identifiers);

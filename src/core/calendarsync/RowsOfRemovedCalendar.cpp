@@ -12,6 +12,12 @@ void DBWorker::removeAllTasksByCalendarIdentifier(const QString &identifier)
              EntityTask::fetchRequest().where(Predicate::format("typeCalendarID == %@", identifier)))) {
         if (!task)
             continue;
+        // It was never an event of the calendar, and is nowhere else.
+        if (task->calendarID().isEmpty()) {
+            task->setTypeCalendarID(QString());
+            task->setCalendarTitle(QString());
+            continue;
+        }
         const auto event = EventStoreAccess::eventStore().eventWithIdentifier(task->calendarID());
         // An event that cannot be asked for may still be there.
         if (!event)

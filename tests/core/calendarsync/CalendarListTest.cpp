@@ -38,6 +38,8 @@ TEST_F(CalendarList, NamesWritableOnesByTitleAndReadOnlyOnesByIdentifier)
     EXPECT_FALSE(CalendarEvent::calendarOfIdentifier(u"Home"_qs))
         << "only a chosen one is found by its title";
     const QString identifier = CalendarEvent::getAllCalendars().at(0).calendarIdentifier;
+    EXPECT_FALSE(CalendarEvent::calendarOfIdentifier(u"any[<±>]"_qs + identifier)) << "and by its identifier";
+    choose({u"Home"_qs});
     EXPECT_TRUE(CalendarEvent::calendarOfIdentifier(u"any[<±>]"_qs + identifier));
     EXPECT_EQ(CalendarEvent::localizedTitleCalendar(readOnly), u"Feast days"_qs);
     EXPECT_EQ(CalendarEvent::localizedTitleSource({u"other"_qs, EKSourceType::Local, {}}),

@@ -30,7 +30,8 @@ protected:
         PlatformConfiguration::setAuthorization(u"events"_qs, 0);
         for (const QString &key :
              {settings::savedChooseCalendars, settings::defaultCalendar, settings::dictionaryCalendarsData,
-              settings::eventsAtLastPass, settings::knownCalendars, settings::calendarReferences})
+              settings::eventsAtLastPass, settings::knownCalendars, settings::calendarReferences,
+              settings::calendarSuccessors, settings::lostNamesAreFound})
             UserDefaults::standard().removeObject(key);
     }
 

@@ -19,6 +19,7 @@ public:
 
     /// Called before and after each write.
     std::function<void()> onWrite = [] {};
+    /// By their titles, or where those are shared, as "Account/Title".
     QStringList readOnlyTitles;
     QStringList ownerAddresses;
     /// Calendars whose objects cannot be read at present, by their titles; and such as have gone with all
@@ -52,7 +53,8 @@ public:
                       [this](const EKCalendar &calendar) { return lostTitles.contains(calendar.title); });
         for (EKCalendar &calendar : found.value()) {
             calendar.ownerAddresses = ownerAddresses;
-            if (readOnlyTitles.contains(calendar.title))
+            if (readOnlyTitles.contains(calendar.title) ||
+                readOnlyTitles.contains(calendar.source.title + u'/' + calendar.title))
                 calendar.allowsContentModifications = false;
         }
         return found;

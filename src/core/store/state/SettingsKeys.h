@@ -33,6 +33,10 @@ inline const QString savedChooseCalendars = QStringLiteral("savedChooseCalendars
 inline const QString knownCalendars = QStringLiteral("knownCalendars");
 /// Of each calendar's identifier its reference and its former ones.
 inline const QString calendarReferences = QStringLiteral("calendarReferences");
+/// Of each calendar that came with the title of a missing one, the identifier of that.
+inline const QString calendarSuccessors = QStringLiteral("calendarSuccessors");
+/// "YES" once tasks that a former version lost at a rename were looked for.
+inline const QString lostNamesAreFound = QStringLiteral("lostCalendarNamesAreFound");
 inline const QString dictionaryCalendarsData = QStringLiteral("dictionaryCalendarsData");
 inline const QString handleBeforeAllCalendarsSync = QStringLiteral("handleBeforeAllCalendarsSync");
 inline const QString eventsAtLastPass = QStringLiteral("eventsAtLastPass");
