@@ -7,9 +7,11 @@
 #include "shell/details/TaskDetailViewController.h"
 #include "store/state/NotificationNames.h"
 #include "support/OtherProgram.h"
+#include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/GrowingTextField.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QProcess>
@@ -174,6 +176,46 @@ TEST_F(LeavingTest, SaveKeepsAndDontSaveDropsOnEachWayOut)
             screen().reloadData();
         }
     }
+}
+
+/// "Save" at the gate leads to the question how far the change of a series reaches.
+TEST_F(LeavingTest, ASaveOfASeriesThatIsGivenUpStaysWithTheEditOnEachWayOut)
+{
+    const CalendarAccess access;
+    stored(u"first"_s)->setRepeat(u"RRULE:FREQ=WEEKLY"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    screen().reloadData();
+    edit(u"first"_s, u"typed"_s);
+    ASSERT_TRUE(isDraftWritten());
+    std::vector<Way> ways = waysOut();
+    ways.push_back({"Done, without the gate", [this] {
+                        QTest::mouseClick(&find<QPushButton>(*pane(), "buttonEdit"), Qt::LeftButton);
+                    }});
+    ways.push_back({"the tick, without the gate", [this] {
+                        QTest::mouseClick(&find<QAbstractButton>(*pane(), "checkDone"), Qt::LeftButton);
+                    }});
+    for (const Way &way : ways) {
+        const bool isAtGate = !QByteArray(way.name).endsWith("without the gate");
+        const ScriptedAlerts alerts(isAtGate ? std::deque<int>{Alert::firstButton, Alert::thirdButton}
+                                             : std::deque<int>{Alert::thirdButton});
+        way.go();
+        QCoreApplication::processEvents();
+        ASSERT_EQ(alerts.asked().size(), isAtGate ? 2U : 1U) << way.name;
+        EXPECT_EQ(alerts.asked().back().message, u"This is a repeating task."_s) << way.name;
+        ASSERT_NE(pane(), nullptr) << way.name;
+        EXPECT_TRUE(pane()->isEditing()) << way.name;
+        EXPECT_EQ(field(*pane(), "textFieldTitle").toPlainText(), u"typed"_s) << way.name;
+        EXPECT_EQ(pane()->taskForm()->currentTask().title, u"typed"_s) << way.name;
+        EXPECT_FALSE(find<QAbstractButton>(*pane(), "checkDone").isChecked()) << way.name;
+        EXPECT_EQ(draftFiles().size(), 1) << way.name;
+        EXPECT_TRUE(window().isVisible()) << way.name;
+    }
+    ASSERT_NE(stored(u"first"_s), nullptr);
+    EXPECT_EQ(stored(u"first"_s)->status(), TaskStatus::Open);
+    const ScriptedAlerts alerts({Alert::firstButton});
+    EXPECT_TRUE(pane()->saveEdit());
+    EXPECT_NE(stored(u"typed"_s), nullptr);
+    EXPECT_TRUE(draftFiles().isEmpty());
 }
 
 TEST_F(LeavingTest, QuitAsksForEverythingBeforeAnythingIsGivenUp)
