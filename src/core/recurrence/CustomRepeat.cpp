@@ -55,6 +55,8 @@ CustomRepeat::CustomRepeat(const std::optional<RecurrenceRule> &rule, OptionalDa
     , texts(textLanguage)
 {
     fit();
+    if (rule)
+        initial = edited.pattern();
 }
 
 /// What the window shows is what is stored, and what the event gets.

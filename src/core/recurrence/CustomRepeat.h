@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 /// A rule of the user's own while it is put together: how often, and on which weekdays, days or months.
@@ -19,6 +20,9 @@ public:
 
     /// The rule as it is stored and put on an event: one that fits the date of the task.
     const RecurrenceRule &rule() const { return edited; }
+    /// Whether anything was chosen that differs from the rule that it began with. That is so where there was
+    /// none. That the rule was fitted to the date alone is no choice of the user's.
+    bool isChanged() const { return !initial || edited.pattern() != *initial; }
 
     /// "Daily" to "Yearly", and which of them it is.
     QStringList frequencyTitles() const;
@@ -59,6 +63,8 @@ private:
     void fit();
 
     RecurrenceRule edited;
+    /// What it began with.
+    std::optional<RecurrencePattern> initial;
     int most;
     Date start;
     OptionalDate end;

@@ -149,6 +149,24 @@ TEST_F(TaskFormCalendarTest, WithoutAccessThereIsNoRepetitionAndTheHeaderSaysSo)
               u"The app does not have access to your calendars"_qs);
 }
 
+TEST_F(TaskFormCalendarTest, TheLastDayOfTheMonthStaysTheLastDay)
+{
+    write(
+        u"Home"_qs, u"rent"_qs,
+        u"SUMMARY:Rent\nDTSTART:20261130T090000Z\nDTEND:20261130T100000Z\nRRULE:FREQ=MONTHLY;BYMONTHDAY=-1\n"_qs);
+    const TaskPtr row = rowOf(u"Rent"_qs);
+    ASSERT_NE(row, nullptr);
+    TaskFormState form(row);
+    CustomRepeat window = form.customRepeat();
+    window.setInterval(2);
+    form.setRepeat(RRule::stringFromRule(window.rule()));
+    const ScriptedAlerts alerts({Alert::secondButton});
+    ASSERT_EQ(form.finishEdit(), TaskFormState::EditEnd::Saved);
+    const QString written = files(u"Home"_qs).first();
+    EXPECT_TRUE(written.contains(u"INTERVAL=2"_qs)) << qPrintable(written);
+    EXPECT_TRUE(written.contains(u"BYMONTHDAY=-1"_qs)) << qPrintable(written);
+}
+
 /// The window says what the store holds and what the calendar shows, whatever is picked.
 TEST_F(TaskFormCalendarTest, ARuleOfOnesOwnIsTheSameInTheWindowTheStoreAndTheCalendar)
 {

@@ -102,6 +102,30 @@ TEST_F(CustomRepeatTest, ARuleByHoursCanBeReplaced)
     EXPECT_EQ(repeat.rule().frequency, RecurrenceFrequency::daily);
 }
 
+TEST_F(CustomRepeatTest, ALookAtARuleChangesNothingOfIt)
+{
+    const Date lastOfNovember = localDate(2026, 11, 30, 10);
+    CustomRepeat lastDays = of(u"FREQ=MONTHLY;BYMONTHDAY=-1"_s, lastOfNovember);
+    EXPECT_EQ(lastDays.rule().bymonthday, std::vector{-1});
+    EXPECT_EQ(days(lastDays),
+              (QStringList{u"2026-11-30"_s, u"2026-12-31"_s, u"2027-01-31"_s, u"2027-02-28"_s}));
+    EXPECT_EQ(lastDays.warning(), QString());
+    EXPECT_FALSE(lastDays.isChanged());
+    lastDays.setInterval(2);
+    EXPECT_TRUE(lastDays.isChanged());
+    EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=-1"_s, localDate(2026, 11, 29)).rule().bymonthday,
+              std::vector{29});
+    EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=-2"_s, lastOfNovember).rule().bymonthday, std::vector{30});
+
+    // An occurrence that was moved alone.
+    CustomRepeat moved = of(u"FREQ=WEEKLY;BYDAY=MO"_s, localDate(2026, 11, 25));
+    EXPECT_FALSE(moved.isChanged());
+    moved.frequencyChange(0);
+    EXPECT_TRUE(moved.isChanged());
+    const CustomRepeat fresh({}, lastOfNovember, {}, RecurrencePickerLanguage::english);
+    EXPECT_TRUE(fresh.isChanged()) << "every week is what it offers";
+}
+
 /// As it happens once the rule is put on an event.
 TEST_F(CustomRepeatTest, ASingleDayOrMonthMovesToTheDateOfTheTask)
 {
