@@ -54,6 +54,12 @@ void ShellAlerts::tellOfUnreadableDrafts(const QStringList &files)
          localized(u"It was put aside in %1"_s).arg(files.join(u'\n')));
 }
 
+void ShellAlerts::tellOfTextWithoutPlace(const QString &title)
+{
+    tell(localized(u"“%1” is done or cannot be changed"_s).arg(title),
+         localized(u"What you had typed for it opens as a new task. Save it, or give it up."_s));
+}
+
 bool ShellAlerts::alertRemoveItem()
 {
     return Alert::run({.title = {},

@@ -20,6 +20,8 @@ void presentError(const OptionalError &error);
 void tellOfDrafts();
 /// Such text could not be read; it lies in these files.
 void tellOfUnreadableDrafts(const QStringList &files);
+/// The task that such text was typed for cannot take it; it is about to open as a new one.
+void tellOfTextWithoutPlace(const QString &title);
 /// Whether the selected item is to be deleted.
 bool alertRemoveItem();
 

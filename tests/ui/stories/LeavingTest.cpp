@@ -302,6 +302,59 @@ TEST_F(LeavingTest, TheSystemEndsTheProgramWithoutAQuestionAndTheTextIsThereAgai
     EXPECT_TRUE(stack().isEmpty()) << "nothing is found that was saved";
 }
 
+/// Saved, it would be there twice.
+TEST_F(LeavingTest, ADraftOfAStoredTaskIsNoNewTaskWhileTheTaskCanTakeIt)
+{
+    const auto leaveDraft = [this](const QString &title, const QString &typed) {
+        edit(title, typed);
+        stack().removeAllDetail();
+    };
+    leaveDraft(u"first"_s, u"typed"_s);
+    leaveDraft(u"second"_s, u"other"_s);
+    leaveDraft(u"idea"_s, u"third"_s);
+    ASSERT_EQ(draftFiles().size(), 3);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::secondButton});
+        restart();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 2; }));
+        QTest::qWait(0);
+        EXPECT_EQ(alerts.asked().size(), 2U) << "asked once whether to leave the first";
+    }
+    ASSERT_NE(pane(), nullptr);
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_EQ(newTaskWindow(), nullptr);
+    EXPECT_EQ(draftFiles().size(), 3) << "the others wait";
+    EXPECT_TRUE(pane()->saveEdit());
+
+    // A pane of the task is open, and only looked at.
+    for (const QString &file : draftFiles().sliced(1))
+        QFile::remove(Drafts::folder() + u'/' + file);
+    const auto left = Drafts::read(Drafts::folder() + u'/' + draftFiles().front());
+    ASSERT_TRUE(left && left->draft.task());
+    controller().searchSelectItem(left->draft.task());
+    ASSERT_FALSE(pane()->isEditing());
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        controller().openDrafts();
+        EXPECT_EQ(alerts.asked().size(), 1U);
+    }
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_EQ(pane()->taskForm()->currentTask().title, left->draft.edited.title);
+    EXPECT_EQ(newTaskWindow(), nullptr);
+
+    // It has been ticked off meanwhile.
+    stack().removeAllDetail();
+    left->draft.task()->setStatus(TaskStatus::Done);
+    EXPECT_FALSE(DBWorker::saveContext());
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton, Alert::thirdButton});
+    controller().openDrafts();
+    ASSERT_EQ(alerts.asked().size(), 2U);
+    EXPECT_TRUE(alerts.asked().back().message.endsWith(u"is done or cannot be changed"_s));
+    ASSERT_NE(newTaskWindow(), nullptr);
+    EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().title, left->draft.edited.title);
+    newTaskWindow()->close();
+}
+
 // What another process does until it is killed.
 
 class Typist : public ShellTest
