@@ -49,17 +49,21 @@ public:
 
     // What comes of it.
     QString sentence() const;
-    /// The next dates from today on, as many as asked for or as there are.
+    /// The next dates of the series from today on, as many as asked for or as there are. The task's own date
+    /// is one of them, on a day of the rule or not.
     std::vector<Date> nextDates(std::size_t count) const;
-    /// What the user may not expect: months or years that are left out, or that there is no date at all.
-    /// Empty if there is nothing to say.
+    /// What the user may not expect: that the task's own date is no day of the rule, months or years that are
+    /// left out, or that the rule gives no date at all. A line for each; empty if there is nothing to say.
     QString warning() const;
     /// Texts of the window by their keys.
     QString text(const QString &key) const { return texts.text(key); }
 
 private:
     std::vector<int> selectedItems() const;
+    std::vector<Date> nextMatches(std::size_t count) const;
+    bool isStartExtra() const;
     bool lacksDay(int day) const;
+    QString skippedDates() const;
     void fit();
 
     RecurrenceRule edited;
