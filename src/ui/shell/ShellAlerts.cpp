@@ -42,6 +42,11 @@ void ShellAlerts::alertEditingEvent(const QString &calendarTitle)
          localized(u"Only the calendar administrator can make changes to read-only calendar"_s));
 }
 
+void ShellAlerts::tellOfMissingTitle()
+{
+    tell(localized(u"A task needs a title"_s), localized(u"Type one, or leave without saving."_s));
+}
+
 void ShellAlerts::tellOfDrafts()
 {
     tell(localized(u"Morvane has found text that was not saved"_s),

@@ -14,6 +14,8 @@ DontSaveAnswer alertDontSave();
 void alertSelectOneTask();
 /// An event of a calendar that cannot be written cannot be changed.
 void alertEditingEvent(const QString &calendarTitle);
+/// A task without a title cannot be saved.
+void tellOfMissingTitle();
 /// Says what went wrong, if anything did.
 void presentError(const OptionalError &error);
 /// Text was found that the user had typed and not saved; it is about to open again.

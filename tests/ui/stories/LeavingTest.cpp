@@ -237,6 +237,33 @@ TEST_F(LeavingTest, QuitAsksForEverythingBeforeAnythingIsGivenUp)
     EXPECT_TRUE(draftFiles().isEmpty());
 }
 
+TEST_F(LeavingTest, ASaveWithoutATitleSaysWhatIsMissing)
+{
+    const QString message = u"A task needs a title"_s;
+    edit(u"first"_s, u"typed"_s);
+    field(*pane(), "textFieldTitle").clear();
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+        run(ActionId::Quit);
+        ASSERT_EQ(alerts.asked().size(), 2U);
+        EXPECT_EQ(alerts.asked().back().message, message);
+    }
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_TRUE(field(*pane(), "textFieldTitle").hasFocus());
+    pane()->dropEdit();
+    WindowNewTask &unsaved = openNewTask();
+    QTest::keyClicks(&field(unsaved, "textFieldDetails"), u"new words"_s);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+        QTest::mouseClick(&find<QPushButton>(unsaved, "buttonClose"), Qt::LeftButton);
+        ASSERT_EQ(alerts.asked().size(), 2U);
+        EXPECT_EQ(alerts.asked().back().message, message);
+    }
+    ASSERT_NE(newTaskWindow(), nullptr);
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    newTaskWindow()->close();
+}
+
 TEST_F(LeavingTest, WhatIsTypedForATaskThatGoesIsOfferedAsANewOne)
 {
     edit(u"first"_s, u"typed"_s);
