@@ -1,6 +1,7 @@
 #include "calendarsync/EventWriter.h"
 #include "eventkit/EKEvent.h"
 #include "records/dates/MTDates.h"
+#include "recurrence/RecurrenceRule.h"
 #include "store/queries/EventDates.h"
 
 namespace {
@@ -43,7 +44,8 @@ EKRecurrenceRule fittedTo(Date base, const EKRecurrenceRule &rule)
             daysOfTheWeek.clear();
         break;
     case EKRecurrenceFrequency::Monthly:
-        if (daysOfTheMonth.size() == 1)
+        if (daysOfTheMonth.size() == 1 &&
+            !RecurrenceRule::isDayFromEnd(daysOfTheMonth.front(), base, Calendar::current()))
             daysOfTheMonth = {MTDates::dayOfMonth(base)};
         break;
     case EKRecurrenceFrequency::Yearly:

@@ -12,10 +12,10 @@
 bool MVTask::saveStatus()
 {
     RecordsTransaction transaction(QStringLiteral("Change Status"));
-    return saveStatus(transaction) && TaskManager::commit(transaction, *this);
+    return saveStatus(transaction) != SaveEnd::Refused && TaskManager::commit(transaction, *this);
 }
 
-bool MVTask::saveStatus(RecordsTransaction &transaction)
+SaveEnd MVTask::saveStatus(RecordsTransaction &transaction)
 {
     lastModificationDate = MVDate::date();
     return TaskManager::saveTaskTemp(transaction, *this);
@@ -56,10 +56,9 @@ void MVTask::changeStatusType(TaskStatus newStatus, bool autoSaved)
         saveStatus();
 }
 
-void MVTask::changeStatusType(RecordsTransaction &transaction, TaskStatus newStatus)
+SaveEnd MVTask::changeStatusType(RecordsTransaction &transaction, TaskStatus newStatus)
 {
-    if (changeStatusTo(newStatus))
-        saveStatus(transaction);
+    return changeStatusTo(newStatus) ? saveStatus(transaction) : SaveEnd::Refused;
 }
 
 bool MVTask::changeStatusTo(std::optional<TaskStatus> newStatus)

@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/RecordsTransaction.h"
 #include "records/TaskFormChoices.h"
 #include "records/TaskFormState.h"
 #include "records/TaskManager.h"
@@ -55,18 +56,19 @@ bool TaskFormState::save()
 {
     if (!canSave())
         return false;
+    const MVTask before = task;
     takeCalendar();
     const QScopedValueRollback pause(savePause, true);
-    const MVTask before = task;
-    if (TaskManager::saveTaskTemp(task, true)) {
+    const SaveEnd end = TaskManager::saveTaskOfForm(task);
+    if (end == SaveEnd::Saved)
         isUncommitted = false;
-        return true;
-    }
-    if (!before.task() && task.task())
+    else if (end == SaveEnd::GivenUp)
+        task = before;
+    else if (!before.task() && task.task())
         takeBackNewRow(before);
     else
         isUncommitted = mainContext().hasChanges();
-    return false;
+    return end == SaveEnd::Saved;
 }
 
 /// A new task that could not be stored is none until the next try, which may never come.
@@ -94,9 +96,18 @@ TaskFormState::EditEnd TaskFormState::finishEdit()
 
 void TaskFormState::changeStatusNow(bool done)
 {
+    const MVTask before = task;
+    SaveEnd end;
     {
         const QScopedValueRollback pause(savePause, true);
-        task.changeStatusType(done ? TaskStatus::Done : TaskStatus::Open, true);
+        RecordsTransaction transaction(QStringLiteral("Change Status"));
+        end = task.changeStatusType(transaction, done ? TaskStatus::Done : TaskStatus::Open);
+        if (end == SaveEnd::Saved)
+            TaskManager::commit(transaction, task);
+    }
+    if (end == SaveEnd::GivenUp) {
+        task = before;
+        return note(TaskField::Status);
     }
     // What the rules refused has not happened.
     if (task.task())

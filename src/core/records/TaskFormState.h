@@ -95,14 +95,16 @@ public:
     bool canSave() const { return !task.title.isEmpty(); }
     /// Whether the user has put in anything that would be missed.
     bool isTouched() const { return touched; }
-    /// Stores the task through the rules. False if they stopped it, with a message, or if the store cannot be
-    /// written: of a new task there is no row then, and a stored one is saved by the next try.
+    /// Stores the task through the rules. False if they stopped it, with a message, if the user gave it up,
+    /// or if the store cannot be written: of a new task there is no row then, and a stored one is saved by
+    /// the next try. What was typed stays.
     bool save();
 
     enum class EditEnd { Unchanged, Saved, Removed, Refused };
     /// Ends the edit of a stored task: saves if something changed, or was not stored the last time.
     EditEnd finishEdit();
-    /// Ticks a stored task off, or opens it again, at once.
+    /// Ticks a stored task off, or opens it again, at once, with all that stands in the form. Nothing happens
+    /// if the user gives it up.
     void changeStatusNow(bool done);
     /// Whether the stored task was deleted, here or elsewhere.
     bool isGone() const;

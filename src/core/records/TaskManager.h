@@ -2,6 +2,7 @@
 
 #include "foundation/Date.h"
 #include "records/PaletteColor.h"
+#include "records/copies/SaveEnd.h"
 #include "store/entities/Entities.h"
 #include "store/entities/TaskValues.h"
 #include "store/state/StepBlock.h"
@@ -21,11 +22,16 @@ class TaskManager
 public:
     TaskManager() = delete;
 
-    /// Validates and stores a working copy; `autoSave` commits. True: it was handled (also when the user gave
-    /// up the question about a series); false: a message or a failed commit stopped it.
+    /// Validates and stores a working copy; `autoSave` commits. True: it was handled; when the user gave up
+    /// the question about a series, the copy shows what is stored. False: a message or a failed commit
+    /// stopped it.
     static bool saveTaskTemp(MVTask &task, bool autoSave);
-    /// The same as a part of a transaction, which commits.
-    static bool saveTaskTemp(RecordsTransaction &transaction, MVTask &task);
+    /// Validates, stores and commits what was typed in a form. Where it is given up or refused by the rules,
+    /// the copy keeps it.
+    static SaveEnd saveTaskOfForm(MVTask &task);
+    /// Validates and stores a working copy as a part of a transaction, which commits. The copy keeps what it
+    /// holds where that is given up.
+    static SaveEnd saveTaskTemp(RecordsTransaction &transaction, MVTask &task);
     /// Commits the transaction in which a copy was saved, which then holds what the store holds. False if it
     /// did not reach the disk.
     static bool commit(RecordsTransaction &transaction, MVTask &task);

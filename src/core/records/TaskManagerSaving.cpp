@@ -98,16 +98,14 @@ void takeUsualCalendar(MVTask &task)
     TaskManager::takeValues(task, *usual);
 }
 
-/// Every delegate of a task of a project belongs to the project. Whether this one did not before.
-bool joinDelegateToProject(const MVTask &task)
+/// Every delegate of a task of a project belongs to the project.
+void joinDelegateToProject(const MVTask &task)
 {
     if (!task.project || !task.delegateToUser)
-        return false;
+        return;
     const std::vector<ContactPtr> members = task.project->delegateToUser();
-    if (std::find(members.begin(), members.end(), task.delegateToUser) != members.end())
-        return false;
-    task.project->addRelated("delegateToUser", task.delegateToUser);
-    return true;
+    if (std::find(members.begin(), members.end(), task.delegateToUser) == members.end())
+        task.project->addRelated("delegateToUser", task.delegateToUser);
 }
 
 /// Whether the calendar holds no item for such a task: it is done, or has no date to stand at.
@@ -140,20 +138,23 @@ void saveSingle(RecordsTransaction &transaction, MVTask &task, OptionalDate oldD
     tellOfChange(task.task());
 }
 
-/// False if the user gives it up.
-bool saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalDate oldDate)
+/// How far the change of a member of a series reaches; absent if the user gives it up.
+std::optional<Span> askForSpan(RecordsTransaction &transaction)
 {
     const QStringList buttons = {localized(QStringLiteral("Save This Task Only")),
                                  localized(QStringLiteral("Save All Future Tasks")),
                                  localized(QStringLiteral("Cancel"))};
     const int answer =
         transaction.ask({{}, localized(QStringLiteral("This is a repeating task.")), {}, buttons});
-    if (answer != Alert::firstButton && answer != Alert::secondButton)
-        return false;
+    if (answer == Alert::firstButton)
+        return Span::ThisTask;
+    return answer == Alert::secondButton ? std::optional(Span::FutureTasks) : std::nullopt;
+}
+
+void saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalDate oldDate, Span span)
+{
     task.save();
-    const Span span = answer == Alert::firstButton ? Span::ThisTask : Span::FutureTasks;
     followRow(task, TaskManager::saveWithDate(transaction, oldDate, task.task(), span, true));
-    return true;
 }
 
 /// What is said where the dates of a task leave those of its project.
@@ -203,6 +204,11 @@ void finish(MVTask &task)
     tellOfChange(task.task());
 }
 
+QString undoName(const MVTask &task)
+{
+    return task.task() ? QStringLiteral("Edit Task") : QStringLiteral("New Task");
+}
+
 } // namespace
 
 void TaskManager::takeValues(MVTask &task, const EKCalendar &calendar)
@@ -217,14 +223,23 @@ void TaskManager::takeValues(MVTask &task, const EKCalendar &calendar)
 
 bool TaskManager::saveTaskTemp(MVTask &task, bool autoSave)
 {
-    RecordsTransaction transaction(task.task() ? QStringLiteral("Edit Task") : QStringLiteral("New Task"));
-    if (!saveTaskTemp(transaction, task))
+    RecordsTransaction transaction(undoName(task));
+    if (saveTaskTemp(transaction, task) == SaveEnd::Refused)
         return false;
     if (autoSave || !CalendarEvent::hasAccesToCalendar())
         return commit(transaction, task);
     transaction.settle();
     finish(task);
     return true;
+}
+
+SaveEnd TaskManager::saveTaskOfForm(MVTask &task)
+{
+    RecordsTransaction transaction(undoName(task));
+    const SaveEnd end = saveTaskTemp(transaction, task);
+    if (end == SaveEnd::Saved && !commit(transaction, task))
+        return SaveEnd::Refused;
+    return end;
 }
 
 bool TaskManager::commit(RecordsTransaction &transaction, MVTask &task)
@@ -238,26 +253,29 @@ bool TaskManager::commit(RecordsTransaction &transaction, MVTask &task)
     return true;
 }
 
-bool TaskManager::saveTaskTemp(RecordsTransaction &transaction, MVTask &task)
+SaveEnd TaskManager::saveTaskTemp(RecordsTransaction &transaction, MVTask &task)
 {
     if (hasLostRow(task)) {
         Log::line(QStringLiteral("Can't Save Task! It was deleted."));
-        return false;
+        return SaveEnd::Refused;
     }
     prepareFields(task);
     takeUsualCalendar(task);
     if (!meetsDateRules(transaction, task) || leavesProject(transaction, task))
-        return false;
-    const bool isDelegateNew = joinDelegateToProject(task);
+        return SaveEnd::Refused;
     const TaskPtr row = task.task();
     const bool isMemberOfSeries = row && !row->repeat().isEmpty();
     const bool wasEmailCall = row && row->type() == TaskType::EmailCall;
     const OptionalDate oldDate = !row ? std::nullopt : wasEmailCall ? row->dueDate() : row->startDate();
-    if (!isMemberOfSeries)
+    const auto span = isMemberOfSeries ? askForSpan(transaction) : Span::FutureTasks;
+    if (!span)
+        return SaveEnd::GivenUp;
+    joinDelegateToProject(task);
+    if (isMemberOfSeries)
+        saveMemberOfSeries(transaction, task, oldDate, *span);
+    else
         saveSingle(transaction, task, oldDate);
-    else if (!saveMemberOfSeries(transaction, task, oldDate) && isDelegateNew)
-        task.project->removeRelated("delegateToUser", task.delegateToUser);
-    return true;
+    return SaveEnd::Saved;
 }
 
 TaskPtr TaskManager::saveWithDate(RecordsTransaction &transaction, OptionalDate date, const TaskPtr &task,

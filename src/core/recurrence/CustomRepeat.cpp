@@ -55,6 +55,8 @@ CustomRepeat::CustomRepeat(const std::optional<RecurrenceRule> &rule, OptionalDa
     , texts(textLanguage)
 {
     fit();
+    if (rule)
+        initial = edited.pattern();
 }
 
 /// What the window shows is what is stored, and what the event gets.
@@ -192,7 +194,7 @@ QString CustomRepeat::sentence() const
     return RecurrenceSentence::of(edited, language);
 }
 
-std::vector<Date> CustomRepeat::nextDates(std::size_t count) const
+std::vector<Date> CustomRepeat::nextMatches(std::size_t count) const
 {
     const Calendar calendar = Calendar::current();
     RecurrenceRule series = edited;
@@ -210,6 +212,24 @@ std::vector<Date> CustomRepeat::nextDates(std::size_t count) const
     return dates;
 }
 
+/// An event occurs at its start, whether its rule includes that or not.
+bool CustomRepeat::isStartExtra() const
+{
+    if (start < Calendar::current().startOfDay(Clock::now()))
+        return false;
+    const std::vector<Date> matches = nextMatches(1);
+    return matches.empty() || matches.front() != start;
+}
+
+std::vector<Date> CustomRepeat::nextDates(std::size_t count) const
+{
+    std::vector<Date> dates = nextMatches(count);
+    if (isStartExtra())
+        dates.insert(dates.begin(), start);
+    dates.resize(std::min(count, dates.size()));
+    return dates;
+}
+
 /// Whether some month of a yearly rule has no such day, even in a leap year.
 bool CustomRepeat::lacksDay(int day) const
 {
@@ -220,11 +240,21 @@ bool CustomRepeat::lacksDay(int day) const
 
 QString CustomRepeat::warning() const
 {
-    if (nextDates(1).empty())
+    if (nextMatches(1).empty())
         return texts.text(u"RepeatPicker.noDates"_s);
     if (hasMoved)
         return texts.text(edited.frequency == RecurrenceFrequency::yearly ? u"RepeatPicker.monthFollowsDate"_s
                                                                           : u"RepeatPicker.followsDate"_s);
+    QStringList lines;
+    if (isStartExtra())
+        lines << texts.text(u"RepeatPicker.startIsExtra"_s);
+    if (const QString skipped = skippedDates(); !skipped.isEmpty())
+        lines << skipped;
+    return lines.join(u'\n');
+}
+
+QString CustomRepeat::skippedDates() const
+{
     const int dayOfStart = edited.calendar.day(start);
     const auto shortMonths = [this](int day) { return texts.text(u"RepeatPicker.shortMonths"_s, {day}); };
     if (edited.frequency == RecurrenceFrequency::monthly) {

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 /// A rule of the user's own while it is put together: how often, and on which weekdays, days or months.
@@ -19,6 +20,9 @@ public:
 
     /// The rule as it is stored and put on an event: one that fits the date of the task.
     const RecurrenceRule &rule() const { return edited; }
+    /// Whether anything was chosen that differs from the rule that it began with. That is so where there was
+    /// none. That the rule was fitted to the date alone is no choice of the user's.
+    bool isChanged() const { return !initial || edited.pattern() != *initial; }
 
     /// "Daily" to "Yearly", and which of them it is.
     QStringList frequencyTitles() const;
@@ -45,20 +49,26 @@ public:
 
     // What comes of it.
     QString sentence() const;
-    /// The next dates from today on, as many as asked for or as there are.
+    /// The next dates of the series from today on, as many as asked for or as there are. The task's own date
+    /// is one of them, on a day of the rule or not.
     std::vector<Date> nextDates(std::size_t count) const;
-    /// What the user may not expect: months or years that are left out, or that there is no date at all.
-    /// Empty if there is nothing to say.
+    /// What the user may not expect: that the task's own date is no day of the rule, months or years that are
+    /// left out, or that the rule gives no date at all. A line for each; empty if there is nothing to say.
     QString warning() const;
     /// Texts of the window by their keys.
     QString text(const QString &key) const { return texts.text(key); }
 
 private:
     std::vector<int> selectedItems() const;
+    std::vector<Date> nextMatches(std::size_t count) const;
+    bool isStartExtra() const;
     bool lacksDay(int day) const;
+    QString skippedDates() const;
     void fit();
 
     RecurrenceRule edited;
+    /// What it began with.
+    std::optional<RecurrencePattern> initial;
     int most;
     Date start;
     OptionalDate end;

@@ -91,12 +91,18 @@ RecurrencePattern RecurrenceRule::pattern() const
     return pattern;
 }
 
+bool RecurrenceRule::isDayFromEnd(int monthDay, Date date, const Calendar &calendar)
+{
+    return monthDay < 0 && monthDay == calendar.day(date) - calendar.daysInMonth(date) - 1;
+}
+
 RecurrenceRule RecurrenceRule::fittedTo(Date date) const
 {
     RecurrenceRule fitted = *this;
     if (frequency == RecurrenceFrequency::weekly && byweekday.size() == 1)
         fitted.byweekday = {static_cast<EKWeekday>(calendar.weekday(date))};
-    else if (frequency == RecurrenceFrequency::monthly && bymonthday.size() == 1)
+    else if (frequency == RecurrenceFrequency::monthly && bymonthday.size() == 1 &&
+             !isDayFromEnd(bymonthday.front(), date, calendar))
         fitted.bymonthday = {calendar.day(date)};
     else if (frequency == RecurrenceFrequency::yearly && bymonth.size() == 1)
         fitted.bymonth = {calendar.month(date)};

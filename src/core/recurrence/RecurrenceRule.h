@@ -48,8 +48,12 @@ public:
     RecurrencePattern pattern() const;
 
     /// The rule as a task of that date has it. A single weekday, day of the month or month of the year gives
-    /// way to that of the date, by which its series begins.
+    /// way to that of the date, by which its series begins. A day that is counted from the end of the month,
+    /// and is that of the date, stays.
     RecurrenceRule fittedTo(Date date) const;
+    /// Whether a day of BYMONTHDAY is counted from the end of the month (-1 for the last), and is that of the
+    /// date.
+    static bool isDayFromEnd(int monthDay, Date date, const Calendar &calendar);
 
     /// The occurrences from the start to the end of the rule, ascending, by RFC 5545 (section 3.3.10) in the
     /// wall-clock time of `calendar`. The first is the first that matches, and a count counts matches. A

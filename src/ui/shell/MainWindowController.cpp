@@ -62,7 +62,7 @@ void MainWindowController::windowDidLoad()
         [this] { return details->mayLeave(); });
     connect(details.get(), &DetailStack::textLeft, this, [this](const QString &file) {
         if (const auto found = Drafts::read(file))
-            openDraft(*found);
+            openAsNewTask(*found);
     });
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     badgeRecount.setSingleShot(true);

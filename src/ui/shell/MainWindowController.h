@@ -93,7 +93,9 @@ private:
     void groupRenamed(const std::shared_ptr<EntityContactGroup> &group);
     void outlineViewSelectionDidChange(const QModelIndex &index);
     bool isShown(const QModelIndex &index) const;
-    void openDraft(const Drafts::Found &found);
+    /// False if it has to wait, since the user stays with what is typed elsewhere.
+    bool openDraft(const Drafts::Found &found);
+    void openAsNewTask(const Drafts::Found &found);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);
     void selectFirstRow();

@@ -78,18 +78,35 @@ bool MainWindowController::closeNewWindows()
 
 // What earlier runs were left with
 
-void MainWindowController::openDraft(const Drafts::Found &found)
+bool MainWindowController::openDraft(const Drafts::Found &found)
 {
     const TaskPtr task = found.draft.task();
-    if (task && !details->paneOf(task)) {
-        searchSelectItem(task);
-        if (!details->paneOf(task) && screen)
-            TaskDetailViewController::showTask(task, *screen, *details, screen->listType());
-        // It may be that only a look is allowed at it now.
-        auto *pane = dynamic_cast<TaskDetailViewController *>(details->paneOf(task));
-        if (pane && pane->taskForm()->canEdit())
-            return pane->resume(found);
+    if (!task) {
+        openAsNewTask(found);
+        return true;
     }
+    if (!details->paneOf(task))
+        searchSelectItem(task);
+    // The user has just been asked about another edit, and stays with it.
+    if (!details->paneOf(task) && details->hasChanges())
+        return false;
+    // The list may not show it.
+    if (!screen || !TaskDetailViewController::showTask(task, *screen, *details, screen->listType()))
+        return false;
+    auto *pane = dynamic_cast<TaskDetailViewController *>(details->paneOf(task));
+    if (!pane || pane->hasChanges())
+        return false;
+    if (pane->taskForm()->canEdit()) {
+        pane->resume(found);
+    } else {
+        ShellAlerts::tellOfTextWithoutPlace(task->title());
+        openAsNewTask(found);
+    }
+    return true;
+}
+
+void MainWindowController::openAsNewTask(const Drafts::Found &found)
+{
     auto *window = new WindowNewTask(found, mainWindow.get());
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->showWindow();
@@ -103,9 +120,12 @@ void MainWindowController::openDrafts()
     if (leftovers.drafts.isEmpty())
         return;
     ShellAlerts::tellOfDrafts();
+    // Whoever stays with one edit is not asked again for each of the others, which wait for the next time.
+    bool isStaying = false;
     // Records may have come or gone while that was read.
     for (const QString &file : leftovers.drafts) {
-        if (const auto found = Drafts::read(file))
-            openDraft(*found);
+        const auto found = Drafts::read(file);
+        if (found && !(isStaying && found->draft.task()))
+            isStaying = !openDraft(*found) || isStaying;
     }
 }

@@ -42,6 +42,11 @@ void ShellAlerts::alertEditingEvent(const QString &calendarTitle)
          localized(u"Only the calendar administrator can make changes to read-only calendar"_s));
 }
 
+void ShellAlerts::tellOfMissingTitle()
+{
+    tell(localized(u"A task needs a title"_s), localized(u"Type one, or leave without saving."_s));
+}
+
 void ShellAlerts::tellOfDrafts()
 {
     tell(localized(u"Morvane has found text that was not saved"_s),
@@ -52,6 +57,12 @@ void ShellAlerts::tellOfUnreadableDrafts(const QStringList &files)
 {
     tell(localized(u"Text that was not saved could not be read"_s),
          localized(u"It was put aside in %1"_s).arg(files.join(u'\n')));
+}
+
+void ShellAlerts::tellOfTextWithoutPlace(const QString &title)
+{
+    tell(localized(u"“%1” is done or cannot be changed"_s).arg(title),
+         localized(u"What you had typed for it opens as a new task. Save it, or give it up."_s));
 }
 
 bool ShellAlerts::alertRemoveItem()

@@ -14,12 +14,16 @@ DontSaveAnswer alertDontSave();
 void alertSelectOneTask();
 /// An event of a calendar that cannot be written cannot be changed.
 void alertEditingEvent(const QString &calendarTitle);
+/// A task without a title cannot be saved.
+void tellOfMissingTitle();
 /// Says what went wrong, if anything did.
 void presentError(const OptionalError &error);
 /// Text was found that the user had typed and not saved; it is about to open again.
 void tellOfDrafts();
 /// Such text could not be read; it lies in these files.
 void tellOfUnreadableDrafts(const QStringList &files);
+/// The task that such text was typed for cannot take it; it is about to open as a new one.
+void tellOfTextWithoutPlace(const QString &title);
 /// Whether the selected item is to be deleted.
 bool alertRemoveItem();
 

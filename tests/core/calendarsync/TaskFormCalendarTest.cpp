@@ -149,6 +149,24 @@ TEST_F(TaskFormCalendarTest, WithoutAccessThereIsNoRepetitionAndTheHeaderSaysSo)
               u"The app does not have access to your calendars"_qs);
 }
 
+TEST_F(TaskFormCalendarTest, TheLastDayOfTheMonthStaysTheLastDay)
+{
+    write(
+        u"Home"_qs, u"rent"_qs,
+        u"SUMMARY:Rent\nDTSTART:20261130T090000Z\nDTEND:20261130T100000Z\nRRULE:FREQ=MONTHLY;BYMONTHDAY=-1\n"_qs);
+    const TaskPtr row = rowOf(u"Rent"_qs);
+    ASSERT_NE(row, nullptr);
+    TaskFormState form(row);
+    CustomRepeat window = form.customRepeat();
+    window.setInterval(2);
+    form.setRepeat(RRule::stringFromRule(window.rule()));
+    const ScriptedAlerts alerts({Alert::secondButton});
+    ASSERT_EQ(form.finishEdit(), TaskFormState::EditEnd::Saved);
+    const QString written = files(u"Home"_qs).first();
+    EXPECT_TRUE(written.contains(u"INTERVAL=2"_qs)) << qPrintable(written);
+    EXPECT_TRUE(written.contains(u"BYMONTHDAY=-1"_qs)) << qPrintable(written);
+}
+
 /// The window says what the store holds and what the calendar shows, whatever is picked.
 TEST_F(TaskFormCalendarTest, ARuleOfOnesOwnIsTheSameInTheWindowTheStoreAndTheCalendar)
 {
@@ -158,13 +176,29 @@ TEST_F(TaskFormCalendarTest, ARuleOfOnesOwnIsTheSameInTheWindowTheStoreAndTheCal
     {
         Frequency frequency;
         int interval;
+        /// Turned over one after the other: a single one moves to the start, and can go only as one of
+        /// several.
         std::vector<int> items;
     };
     const std::vector<Pick> picks = {
-        {Daily, 3, {}},   {Weekly, 1, {2}},   {Weekly, 1, {1}},   {Weekly, 2, {1, 3, 5}},
-        {Monthly, 1, {}}, {Monthly, 1, {23}}, {Monthly, 2, {22}}, {Monthly, 1, {22, 28}},
-        {Yearly, 1, {}},  {Yearly, 1, {3}},   {Yearly, 1, {11}},  {Yearly, 1, {3, 11}},
+        {Daily, 3, {}},
+        {Weekly, 1, {2}},
+        {Weekly, 1, {1}},
+        {Weekly, 2, {1, 3, 5}},
+        {Monthly, 1, {}},
+        {Monthly, 1, {23}},
+        {Monthly, 2, {22}},
+        {Monthly, 1, {22, 28}},
+        {Yearly, 1, {}},
+        {Yearly, 1, {3}},
+        {Yearly, 1, {11}},
+        {Yearly, 1, {3, 11}},
+        // The start is no day of these.
+        {Weekly, 1, {2, 2, 4, 1}},
+        {Monthly, 1, {5, 5, 28, 22}},
+        {Yearly, 1, {3, 3, 5, 11}},
     };
+    const auto isExtra = [](const CustomRepeat &window) { return window.warning().contains(u"own date"_qs); };
     for (const Pick &pick : picks) {
         const std::string name = testing::PrintToString(std::pair(int(pick.frequency), pick.items));
         // A Sunday.
@@ -179,7 +213,7 @@ TEST_F(TaskFormCalendarTest, ARuleOfOnesOwnIsTheSameInTheWindowTheStoreAndTheCal
         window.frequencyChange(pick.frequency);
         window.setInterval(pick.interval);
         for (const int item : pick.items)
-            window.setSelected(item, true);
+            window.setSelected(item, !window.isSelected(item));
         form.setRepeat(RRule::stringFromRule(window.rule()));
         ASSERT_TRUE(form.save()) << name;
         pass();
@@ -198,6 +232,7 @@ TEST_F(TaskFormCalendarTest, ARuleOfOnesOwnIsTheSameInTheWindowTheStoreAndTheCal
         const TaskFormState later(rows().front());
         EXPECT_EQ(later.customRepeat().nextDates(3), window.nextDates(3)) << name;
         EXPECT_EQ(later.customRepeat().warning().contains(u"follows"_qs), false) << name;
+        EXPECT_EQ(isExtra(window), pick.items.size() == 4) << name;
 
         while (!rows().empty())
             CalendarEvent::removeEventCalendarFromTask(rows().front(), Span::FutureTasks, true);

@@ -82,8 +82,14 @@ TEST_F(CustomRepeatTest, ItSaysWhatTheUserMayNotExpect)
     EXPECT_EQ(days(of(u"FREQ=MONTHLY"_s, lastOfMay), 3),
               (QStringList{u"2027-05-31"_s, u"2027-07-31"_s, u"2027-08-31"_s}));
     EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=28,-1"_s, lastOfMay).warning(), QString());
+    const QString startIsExtra = u"The task’s own date comes first, though the rule leaves it out."_s;
     EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=1,30"_s, lastOfMay).warning(),
-              u"In months without a day 30, this date is skipped."_s);
+              startIsExtra + u"\nIn months without a day 30, this date is skipped."_s);
+    EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=30,31"_s, lastOfMay).warning(),
+              u"In months without a day 31, this date is skipped."_s);
+    EXPECT_EQ(of(u"FREQ=WEEKLY;BYDAY=TU,WE"_s, lastOfMay).warning(), startIsExtra);
+    EXPECT_EQ(of(u"FREQ=WEEKLY;BYDAY=TU,WE"_s, localDate(2026, 11, 2)).warning(), QString())
+        << "a date that lies behind";
     EXPECT_EQ(of(u"FREQ=YEARLY"_s, localDate(2028, 2, 29)).warning(),
               u"Years without a February 29 are skipped."_s);
     EXPECT_EQ(of(u"FREQ=YEARLY;BYMONTH=4,5"_s, lastOfMay).warning(),
@@ -102,6 +108,30 @@ TEST_F(CustomRepeatTest, ARuleByHoursCanBeReplaced)
     EXPECT_EQ(repeat.rule().frequency, RecurrenceFrequency::daily);
 }
 
+TEST_F(CustomRepeatTest, ALookAtARuleChangesNothingOfIt)
+{
+    const Date lastOfNovember = localDate(2026, 11, 30, 10);
+    CustomRepeat lastDays = of(u"FREQ=MONTHLY;BYMONTHDAY=-1"_s, lastOfNovember);
+    EXPECT_EQ(lastDays.rule().bymonthday, std::vector{-1});
+    EXPECT_EQ(days(lastDays),
+              (QStringList{u"2026-11-30"_s, u"2026-12-31"_s, u"2027-01-31"_s, u"2027-02-28"_s}));
+    EXPECT_EQ(lastDays.warning(), QString());
+    EXPECT_FALSE(lastDays.isChanged());
+    lastDays.setInterval(2);
+    EXPECT_TRUE(lastDays.isChanged());
+    EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=-1"_s, localDate(2026, 11, 29)).rule().bymonthday,
+              std::vector{29});
+    EXPECT_EQ(of(u"FREQ=MONTHLY;BYMONTHDAY=-2"_s, lastOfNovember).rule().bymonthday, std::vector{30});
+
+    // An occurrence that was moved alone.
+    CustomRepeat moved = of(u"FREQ=WEEKLY;BYDAY=MO"_s, localDate(2026, 11, 25));
+    EXPECT_FALSE(moved.isChanged());
+    moved.frequencyChange(0);
+    EXPECT_TRUE(moved.isChanged());
+    const CustomRepeat fresh({}, lastOfNovember, {}, RecurrencePickerLanguage::english);
+    EXPECT_TRUE(fresh.isChanged()) << "every week is what it offers";
+}
+
 /// As it happens once the rule is put on an event.
 TEST_F(CustomRepeatTest, ASingleDayOrMonthMovesToTheDateOfTheTask)
 {
@@ -115,8 +145,8 @@ TEST_F(CustomRepeatTest, ASingleDayOrMonthMovesToTheDateOfTheTask)
     EXPECT_EQ(onSundays.warning(), warning);
     EXPECT_EQ(of(u"FREQ=WEEKLY;BYDAY=SA"_s, saturday).warning(), QString());
     const CustomRepeat onTwoDays = of(u"FREQ=WEEKLY;BYDAY=MO,SU"_s, saturday);
-    EXPECT_EQ(days(onTwoDays, 2), (QStringList{u"2026-11-22"_s, u"2026-11-23"_s}));
-    EXPECT_EQ(onTwoDays.warning(), QString());
+    EXPECT_EQ(onTwoDays.rule().byweekday.size(), 2U);
+    EXPECT_EQ(days(onTwoDays, 3), (QStringList{u"2026-11-21"_s, u"2026-11-22"_s, u"2026-11-23"_s}));
     CustomRepeat monthly = of(u"FREQ=MONTHLY"_s, saturday);
     monthly.setSelected(5, true);
     EXPECT_EQ(monthly.rule().bymonthday, std::vector{21});

@@ -7,9 +7,11 @@
 #include "shell/details/TaskDetailViewController.h"
 #include "store/state/NotificationNames.h"
 #include "support/OtherProgram.h"
+#include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/GrowingTextField.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QProcess>
@@ -176,6 +178,46 @@ TEST_F(LeavingTest, SaveKeepsAndDontSaveDropsOnEachWayOut)
     }
 }
 
+/// "Save" at the gate leads to the question how far the change of a series reaches.
+TEST_F(LeavingTest, ASaveOfASeriesThatIsGivenUpStaysWithTheEditOnEachWayOut)
+{
+    const CalendarAccess access;
+    stored(u"first"_s)->setRepeat(u"RRULE:FREQ=WEEKLY"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    screen().reloadData();
+    edit(u"first"_s, u"typed"_s);
+    ASSERT_TRUE(isDraftWritten());
+    std::vector<Way> ways = waysOut();
+    ways.push_back({"Done, without the gate", [this] {
+                        QTest::mouseClick(&find<QPushButton>(*pane(), "buttonEdit"), Qt::LeftButton);
+                    }});
+    ways.push_back({"the tick, without the gate", [this] {
+                        QTest::mouseClick(&find<QAbstractButton>(*pane(), "checkDone"), Qt::LeftButton);
+                    }});
+    for (const Way &way : ways) {
+        const bool isAtGate = !QByteArray(way.name).endsWith("without the gate");
+        const ScriptedAlerts alerts(isAtGate ? std::deque<int>{Alert::firstButton, Alert::thirdButton}
+                                             : std::deque<int>{Alert::thirdButton});
+        way.go();
+        QCoreApplication::processEvents();
+        ASSERT_EQ(alerts.asked().size(), isAtGate ? 2U : 1U) << way.name;
+        EXPECT_EQ(alerts.asked().back().message, u"This is a repeating task."_s) << way.name;
+        ASSERT_NE(pane(), nullptr) << way.name;
+        EXPECT_TRUE(pane()->isEditing()) << way.name;
+        EXPECT_EQ(field(*pane(), "textFieldTitle").toPlainText(), u"typed"_s) << way.name;
+        EXPECT_EQ(pane()->taskForm()->currentTask().title, u"typed"_s) << way.name;
+        EXPECT_FALSE(find<QAbstractButton>(*pane(), "checkDone").isChecked()) << way.name;
+        EXPECT_EQ(draftFiles().size(), 1) << way.name;
+        EXPECT_TRUE(window().isVisible()) << way.name;
+    }
+    ASSERT_NE(stored(u"first"_s), nullptr);
+    EXPECT_EQ(stored(u"first"_s)->status(), TaskStatus::Open);
+    const ScriptedAlerts alerts({Alert::firstButton});
+    EXPECT_TRUE(pane()->saveEdit());
+    EXPECT_NE(stored(u"typed"_s), nullptr);
+    EXPECT_TRUE(draftFiles().isEmpty());
+}
+
 TEST_F(LeavingTest, QuitAsksForEverythingBeforeAnythingIsGivenUp)
 {
     edit(u"first"_s, u"typed"_s);
@@ -193,6 +235,33 @@ TEST_F(LeavingTest, QuitAsksForEverythingBeforeAnythingIsGivenUp)
     EXPECT_NE(stored(u"new words"_s), nullptr);
     EXPECT_EQ(stored(u"typed"_s), nullptr);
     EXPECT_TRUE(draftFiles().isEmpty());
+}
+
+TEST_F(LeavingTest, ASaveWithoutATitleSaysWhatIsMissing)
+{
+    const QString message = u"A task needs a title"_s;
+    edit(u"first"_s, u"typed"_s);
+    field(*pane(), "textFieldTitle").clear();
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+        run(ActionId::Quit);
+        ASSERT_EQ(alerts.asked().size(), 2U);
+        EXPECT_EQ(alerts.asked().back().message, message);
+    }
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_TRUE(field(*pane(), "textFieldTitle").hasFocus());
+    pane()->dropEdit();
+    WindowNewTask &unsaved = openNewTask();
+    QTest::keyClicks(&field(unsaved, "textFieldDetails"), u"new words"_s);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+        QTest::mouseClick(&find<QPushButton>(unsaved, "buttonClose"), Qt::LeftButton);
+        ASSERT_EQ(alerts.asked().size(), 2U);
+        EXPECT_EQ(alerts.asked().back().message, message);
+    }
+    ASSERT_NE(newTaskWindow(), nullptr);
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    newTaskWindow()->close();
 }
 
 TEST_F(LeavingTest, WhatIsTypedForATaskThatGoesIsOfferedAsANewOne)
@@ -258,6 +327,59 @@ TEST_F(LeavingTest, TheSystemEndsTheProgramWithoutAQuestionAndTheTextIsThereAgai
     restart();
     QTest::qWait(500);
     EXPECT_TRUE(stack().isEmpty()) << "nothing is found that was saved";
+}
+
+/// Saved, it would be there twice.
+TEST_F(LeavingTest, ADraftOfAStoredTaskIsNoNewTaskWhileTheTaskCanTakeIt)
+{
+    const auto leaveDraft = [this](const QString &title, const QString &typed) {
+        edit(title, typed);
+        stack().removeAllDetail();
+    };
+    leaveDraft(u"first"_s, u"typed"_s);
+    leaveDraft(u"second"_s, u"other"_s);
+    leaveDraft(u"idea"_s, u"third"_s);
+    ASSERT_EQ(draftFiles().size(), 3);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::secondButton});
+        restart();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 2; }));
+        QTest::qWait(0);
+        EXPECT_EQ(alerts.asked().size(), 2U) << "asked once whether to leave the first";
+    }
+    ASSERT_NE(pane(), nullptr);
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_EQ(newTaskWindow(), nullptr);
+    EXPECT_EQ(draftFiles().size(), 3) << "the others wait";
+    EXPECT_TRUE(pane()->saveEdit());
+
+    // A pane of the task is open, and only looked at.
+    for (const QString &file : draftFiles().sliced(1))
+        QFile::remove(Drafts::folder() + u'/' + file);
+    const auto left = Drafts::read(Drafts::folder() + u'/' + draftFiles().front());
+    ASSERT_TRUE(left && left->draft.task());
+    controller().searchSelectItem(left->draft.task());
+    ASSERT_FALSE(pane()->isEditing());
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        controller().openDrafts();
+        EXPECT_EQ(alerts.asked().size(), 1U);
+    }
+    EXPECT_TRUE(pane()->isEditing());
+    EXPECT_EQ(pane()->taskForm()->currentTask().title, left->draft.edited.title);
+    EXPECT_EQ(newTaskWindow(), nullptr);
+
+    // It has been ticked off meanwhile.
+    stack().removeAllDetail();
+    left->draft.task()->setStatus(TaskStatus::Done);
+    EXPECT_FALSE(DBWorker::saveContext());
+    const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton, Alert::thirdButton});
+    controller().openDrafts();
+    ASSERT_EQ(alerts.asked().size(), 2U);
+    EXPECT_TRUE(alerts.asked().back().message.endsWith(u"is done or cannot be changed"_s));
+    ASSERT_NE(newTaskWindow(), nullptr);
+    EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().title, left->draft.edited.title);
+    newTaskWindow()->close();
 }
 
 // What another process does until it is killed.

@@ -137,6 +137,18 @@ TEST_F(RepeatTest, ALongIntervalIsShownAndKept)
     EXPECT_TRUE(repeat().contains(u"INTERVAL=5000"_s)) << qPrintable(repeat());
 }
 
+TEST_F(RepeatTest, OkWithoutAChoiceLeavesTheRule)
+{
+    QComboBox &popUp = openForm();
+    // Today is a Saturday.
+    const QString rule = u"RRULE:FREQ=WEEKLY;BYDAY=MO"_s;
+    newTaskWindow()->taskForm()->setRepeat(rule);
+    RepeatWindow &custom = openCustom(popUp);
+    QTest::mouseClick(&find<QPushButton>(custom, "buttonOK"), Qt::LeftButton);
+    EXPECT_EQ(repeat(), rule);
+    EXPECT_TRUE(popUp.hasFocus());
+}
+
 TEST_F(RepeatTest, ClearingTheDatesTakesTheRowAway)
 {
     QComboBox &popUp = openForm();

@@ -322,7 +322,7 @@ TEST_F(TaskDetailTest, ClosingAndQuittingAskAboutAnEdit)
     EXPECT_FALSE(pane().isEditing());
     edit({});
     QTest::keyClick(&title(), Qt::Key_Backspace);
-    const ScriptedAlerts untitled({Alert::firstButton});
+    const ScriptedAlerts untitled({Alert::firstButton, Alert::firstButton});
     EXPECT_FALSE(controller().closeNewWindows()) << "nothing can be saved without a title";
     EXPECT_TRUE(pane().isEditing());
 }

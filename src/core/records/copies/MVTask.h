@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Date.h"
+#include "records/copies/SaveEnd.h"
 #include "store/entities/Entities.h"
 
 #include <QString>
@@ -69,7 +70,7 @@ public:
     MVTask &save();
     /// Saves a change of status through the rules. False if a message stopped it.
     bool saveStatus();
-    bool saveStatus(RecordsTransaction &transaction);
+    SaveEnd saveStatus(RecordsTransaction &transaction);
 
     /// True from the save that made the row until the next one.
     bool isNewTask() const { return isNew; }
@@ -87,7 +88,7 @@ public:
     void changeStatus(const QString &text, bool autoSaved);
     void changeStatusType(TaskStatus newStatus, bool autoSaved);
     /// Set and saved as a part of a transaction.
-    void changeStatusType(RecordsTransaction &transaction, TaskStatus newStatus);
+    SaveEnd changeStatusType(RecordsTransaction &transaction, TaskStatus newStatus);
     /// Set by the localised word; an unknown one changes nothing.
     void changeType(const QString &text);
     void changePriority(const QString &text);

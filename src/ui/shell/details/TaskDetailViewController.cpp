@@ -322,6 +322,8 @@ bool TaskDetailViewController::saveEdit()
     // The task may have gone while the user was asked: then its text is handed over, which is no way out.
     if (form.isGone())
         return false;
+    if (!form.canSave())
+        ShellAlerts::tellOfMissingTitle();
     finishEdit();
     return !isEditing() || form.isGone();
 }

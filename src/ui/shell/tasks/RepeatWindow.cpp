@@ -182,9 +182,10 @@ void RepeatWindow::showOutcome()
 void RepeatWindow::okClick()
 {
     fieldInterval->interpretText();
-    isAccepted = true;
+    isAccepted = repeat.isChanged();
     close();
-    Q_EMIT customRepeatChanged(RRule::stringFromRule(repeat.rule()));
+    if (isAccepted)
+        Q_EMIT customRepeatChanged(RRule::stringFromRule(repeat.rule()));
 }
 
 void RepeatWindow::cancelClick()
@@ -192,7 +193,7 @@ void RepeatWindow::cancelClick()
     close();
 }
 
-/// Escape, "Cancel" and a press outside are the same.
+/// Escape, "Cancel", a press outside, and "OK" where nothing was chosen are the same.
 void RepeatWindow::closeEvent(QCloseEvent *event)
 {
     Popover::closeEvent(event);

@@ -21,7 +21,7 @@ public:
     void frequencyChange(int index);
 
 Q_SIGNALS:
-    /// "OK": the text of the rule.
+    /// "OK" after a choice: the text of the rule.
     void customRepeatChanged(const QString &rule);
     void customRepeatCancel();
 

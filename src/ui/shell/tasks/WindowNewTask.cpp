@@ -1,6 +1,7 @@
 #include "shell/tasks/WindowNewTask.h"
 
 #include "foundation/Localization.h"
+#include "shell/ShellAlerts.h"
 #include "shell/tasks/TaskFormView.h"
 #include "widgets/Animations.h"
 #include "widgets/FormScroll.h"
@@ -128,6 +129,8 @@ void WindowNewTask::clickButtonClose()
 
 bool WindowNewTask::saveEdit()
 {
+    if (!form.canSave())
+        ShellAlerts::tellOfMissingTitle();
     // A save that goes through closes the window itself.
     clickButtonSave();
     return isClosingAgreed;
