@@ -337,6 +337,7 @@ TEST_F(CalendarRenames, WhatIsTakenBackAfterOneIsOnTheCalendarStill)
     undo();
     EXPECT_EQ(references().size(), 4);
     EXPECT_EQ(CalendarEvent::calendarOfIdentifier(u"Work"_qs)->title, u"Crew"_qs);
+    EXPECT_NE(referenceIn(u"Office"_qs, u"Work"_qs), u"Work"_qs);
     look();
     expectFollowed(u"Crew"_qs);
 }

@@ -168,18 +168,22 @@ TEST_F(CommandsAmongOthers, CalendarsThatComeAndGoAreTold)
     const QString folder = folderOf(u"Work"_qs);
     ASSERT_TRUE(QDir().rename(folder, root.filePath(u"away"_qs)));
     connectStore();
-    EXPECT_EQ(DBWorker::allTodayTasks(nullptr).size(), 0);
+    EXPECT_EQ(DBWorker::allTodayTasks(nullptr).size(), 1) << "until it is known to have gone";
     QCoreApplication::processEvents();
     int told = 0;
     const Observation hearer =
         NotificationCenter::defaultCenter().addObserver(notifications::iCloudChange, [&told] { ++told; });
+    for (int activation = 0; activation < 2; ++activation) {
+        activate();
+        EXPECT_EQ(told, 1);
+    }
     ASSERT_TRUE(QDir().rename(root.filePath(u"away"_qs), folder));
     connectStore();
-    activate();
-    EXPECT_EQ(told, 1);
-    EXPECT_EQ(DBWorker::allTodayTasks(nullptr).size(), 1);
-    activate();
-    EXPECT_EQ(told, 1);
+    choose({u"Home"_qs, u"Work"_qs});
+    for (int activation = 0; activation < 2; ++activation) {
+        activate();
+        EXPECT_EQ(told, 2);
+    }
 }
 
 } // namespace
