@@ -26,6 +26,9 @@ IcalComponent detachedComponent(const CalendarItem &item, const ItemOccurrence &
     component.addLine(start.line("RECURRENCE-ID", component.lineEnd()));
     EventPeriod period = EventPeriod::of(item.master()->times);
     period.start = start;
+    // A date of the series that has a length of its own (RFC 5545, section 3.8.5.2) keeps it.
+    if (!start.isDate() && occurrence.end != item.master()->times.endOf(start))
+        period.length = static_cast<qint64>((occurrence.end - occurrence.start).count());
     period.writeTo(component, item.master()->times);
     return component;
 }
