@@ -105,6 +105,8 @@ QString problemOfEdits(const CalendarItemPointer &item, const ItemOccurrences &o
     const auto future = SeriesEditing::from(*item, occurrence, before, after, QStringLiteral("new"));
     QString problem = problemOf(alone.text, *item, times, true) + problemOf(future.text, *item, {}, false) +
                       problemOfMerge(*item, alone.text);
+    if (!item->isSeries())
+        return problem; // It is removed as a whole.
     times.erase(times.begin() + std::ptrdiff_t(place));
     if (const auto rest = SeriesEditing::without(*item, occurrence.key))
         problem += problemOf(*rest, *item, times, false);

@@ -66,18 +66,7 @@ public:
                           "('b1', 'first', 1, 'a1', 's1'), ('b2', 'second', 2, NULL, 's1'), "
                           "('b3', 'third', 3, 'a1', 's2')");
         library.reopen();
-        Transaction step(library.context(), ChangeAuthor::User, QStringLiteral("Step"));
-        library.find("first")->setTitle(QStringLiteral("changed"));
-        library.find("third")->setLabels({library->fetchFirst<Label>(FetchRequest("Label"))});
-        library->deleteObject(library.find("second"));
-        OutboxEntry outside;
-        outside.place = QStringLiteral("Home");
-        outside.key = QStringLiteral("event");
-        outside.before = QByteArray("before");
-        outside.after = QByteArray("after");
-        library->post(outside);
-        if (step.commit())
-            qFatal("The step is not saved");
+        makeStep();
         states[0] = taken();
         if (library->undo())
             qFatal("The step is not taken back");
@@ -96,6 +85,21 @@ public:
     }
 
 private:
+    void makeStep()
+    {
+        Transaction step(library.context(), ChangeAuthor::User, QStringLiteral("Step"));
+        library.find("first")->setTitle(QStringLiteral("changed"));
+        library.find("third")->setLabels({library->fetchFirst<Label>(FetchRequest("Label"))});
+        library->deleteObject(library.find("second"));
+        OutboxEntry outside;
+        outside.place = QStringLiteral("Home");
+        outside.key = QStringLiteral("event");
+        outside.before = QByteArray("before");
+        outside.after = QByteArray("after");
+        library->post(outside);
+        if (step.commit())
+            qFatal("The step is not saved");
+    }
     QByteArray taken()
     {
         library.close();

@@ -204,7 +204,8 @@ ItemOccurrences ItemExpansion::occurrences(const CalendarItem &item, const DateW
         starts = startsOf(item, {.from = from, .to = to, .mostInstances = most}, result.isWhole);
         const Date earliest = from - greatestLength(item);
         starts.merge(startsOf(item, {.from = earliest, .to = from, .mostInstances = most}, result.isWhole));
-    } else if (item.master()) {
+    } else if (item.master() && !(item.isSeries() && isExcluded(item, item.master()->key))) {
+        // Of an event without a rule beside edited occurrences, the exclusion is how it was deleted.
         const ItemTimes &times = item.master()->times;
         starts[item.master()->key] = {nullptr, item.master()->key, times.start.instant(),
                                       times.endOf(times.start)};

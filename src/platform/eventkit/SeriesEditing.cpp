@@ -27,6 +27,9 @@ IcalComponent detachedComponent(const CalendarItem &item, const ItemOccurrence &
     component.addLine(original.line("RECURRENCE-ID", component.lineEnd()));
     EventPeriod period = EventPeriod::of(model.times);
     period.start = occurrence.range ? item.startIn(model, occurrence.key) : original;
+    // A date of the series that has a length of its own (RFC 5545, section 3.8.5.2) keeps it.
+    if (!original.isDate() && occurrence.end != model.times.endOf(period.start))
+        period.length = static_cast<qint64>((occurrence.end - occurrence.start).count());
     period.writeTo(component, model.times);
     return component;
 }

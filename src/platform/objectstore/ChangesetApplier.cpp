@@ -1,4 +1,5 @@
 #include "objectstore/ChangesetApplier.h"
+#include "objectstore/ChangesetCheck.h"
 #include "objectstore/SqlText.h"
 #include "objectstore/SubstringIndex.h"
 
@@ -40,20 +41,6 @@ QString textOf(sqlite3_value *value)
 
 } // namespace
 
-/// Whether it can be read to its end. Of one that is cut off, SQLite inverts more than there is.
-static bool isWhole(const QByteArray &changeset)
-{
-    sqlite3_changeset_iter *opened = nullptr;
-    if (sqlite3changeset_start(&opened, static_cast<int>(changeset.size()),
-                               const_cast<char *>(changeset.constData())) != SQLITE_OK)
-        return false;
-    const std::unique_ptr<sqlite3_changeset_iter, IteratorEnd> iterator(opened);
-    int code = SQLITE_ROW;
-    while (code == SQLITE_ROW)
-        code = sqlite3changeset_next(opened);
-    return code == SQLITE_DONE;
-}
-
 const std::vector<QByteArray> &ChangesetApplier::columnsOf(const QByteArray &table)
 {
     std::vector<QByteArray> &columns = tableColumns[table.toStdString()];
@@ -70,7 +57,7 @@ Result<std::vector<AppliedChange>> ChangesetApplier::apply(const QByteArray &cha
     if (changeset.isEmpty())
         return applied;
     const Error failure{QStringLiteral("journal"), 0, QStringLiteral("The undo journal cannot be read")};
-    if (!isWhole(changeset))
+    if (!isWellFormedChangeset(changeset))
         return failure;
     int size = static_cast<int>(changeset.size());
     void *bytes = nullptr;
