@@ -100,16 +100,18 @@ QString problemOfEdits(const CalendarItemPointer &item, const ItemOccurrences &o
     const EKEvent before = eventOf(item, occurrence, EKCalendar());
     EKEvent after = before;
     after.title = before.title + QStringLiteral("!");
-    auto times = timesOf(occurrences);
+    const auto times = timesOf(occurrences);
     const auto alone = SeriesEditing::withOccurrence(*item, occurrence, before, after);
     const auto future = SeriesEditing::from(*item, occurrence, before, after, QStringLiteral("new"));
     QString problem = problemOf(alone.text, *item, times, true) + problemOf(future.text, *item, {}, false) +
                       problemOfMerge(*item, alone.text);
     if (!item->isSeries())
         return problem; // It is removed as a whole.
-    times.erase(times.begin() + std::ptrdiff_t(place));
+    // All components that stand for the occurrence go with it.
+    ItemOccurrences others = occurrences;
+    std::erase_if(others.found, [&](const ItemOccurrence &one) { return one.key == occurrence.key; });
     if (const auto rest = SeriesEditing::without(*item, occurrence.key))
-        problem += problemOf(*rest, *item, times, false);
+        problem += problemOf(*rest, *item, timesOf(others), false);
     if (const auto earlier = SeriesEditing::upTo(*item, occurrence.key))
         problem += problemOf(*earlier, *item, {}, false);
     return problem;
