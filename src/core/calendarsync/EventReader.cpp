@@ -115,13 +115,18 @@ bool wasAt(const EKEvent &event, Date date)
            std::abs((*event.occurrenceDate - date).count()) <= aMinute;
 }
 
-/// Whether it is known to be that of a row.
-bool isShown(const EKEvent &event)
+/// Whether it is known to be that of a row, other than one of the date that it is looked for by.
+bool isShownElsewhere(const EKEvent &event, Date date)
 {
+    const auto isOfDate = [date](const EntityTask &row) {
+        const OptionalDate own = row.startDate() ? row.startDate() : row.dueDate();
+        return own && std::abs((*own - date).count()) <= aMinute;
+    };
     const auto rows = mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(
         Predicate::format("calendarID == %@", event.calendarItemExternalIdentifier)));
-    return std::any_of(rows.begin(), rows.end(),
-                       [&event](const TaskPtr &row) { return row && eventdates::areShownBy(*row, event); });
+    return std::any_of(rows.begin(), rows.end(), [&](const TaskPtr &row) {
+        return row && !isOfDate(*row) && eventdates::areShownBy(*row, event);
+    });
 }
 
 } // namespace
@@ -227,13 +232,14 @@ std::optional<EKEvent> EventReader::eventByStartDateOfTask(OptionalDate date,
     // Moved since the row was made.
     std::vector<const EKEvent *> ofDay;
     for (const EKEvent &event : fromEvents) {
-        if (wasAt(event, *date) && !isShown(event))
+        if (wasAt(event, *date) && !isShownElsewhere(event, *date))
             ofDay.push_back(&event);
     }
     // A moved one is not what has taken its place on the day.
     if (ofDay.empty()) {
         for (const EKEvent &event : fromEvents) {
-            if (event.startDate && MTDates::isWithinSameDay(*event.startDate, *date) && !isShown(event))
+            if (event.startDate && MTDates::isWithinSameDay(*event.startDate, *date) &&
+                !isShownElsewhere(event, *date))
                 ofDay.push_back(&event);
         }
     }
