@@ -118,8 +118,8 @@ public:
     getTasksGroupedCalendarIDfromTasks(const std::vector<TaskPtr> &tasks);
     /// With access to calendars only those that may be changed.
     static std::vector<TaskPtr> getAllModifyTasksFromTasks(const std::vector<TaskPtr> &tasks);
-    /// Deletes the rows of a calendar whose events the store no longer has, and saves. Rows that were no events
-    /// there stay, on no calendar.
+    /// Deletes the rows of a calendar whose events the store no longer has, and saves. Rows that were no
+    /// events there stay, on no calendar.
     static void removeAllTasksByCalendarIdentifier(const QString &identifier);
     /// Unlinks all rows from the calendars; of a series one row stays.
     static void setNilForCalendarIDTasks();
