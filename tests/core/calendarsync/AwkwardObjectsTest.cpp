@@ -58,12 +58,8 @@ protected:
     /// As another program sees them, which knows of the files alone.
     QStringList held() const
     {
-        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
-        const DateInterval seen = CalendarEvent::window();
-        const auto events = elsewhere.eventsMatchingPredicate(
-            elsewhere.predicateForEventsWithStartDate(seen.start, seen.end));
         QStringList lines;
-        for (const EKEvent &event : events.value()) {
+        for (const EKEvent &event : eventsElsewhere()) {
             const auto dates = eventdates::of(event);
             if (event.title != u"Anchor"_qs)
                 lines.append(lineOf(event.title, dates->start, dates->due));

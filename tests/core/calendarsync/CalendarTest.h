@@ -62,6 +62,28 @@ protected:
         UserDefaults::standard().setObject(settings::savedChooseCalendars, references.join(u"Ω"_qs));
     }
 
+    /// What is in the window, as another program sees it, which knows of the files alone.
+    std::vector<EKEvent> eventsElsewhere() const
+    {
+        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
+        const DateInterval seen = CalendarEvent::window();
+        return elsewhere
+            .eventsMatchingPredicate(elsewhere.predicateForEventsWithStartDate(seen.start, seen.end))
+            .value();
+    }
+    /// An hour of "Home", saved as by the form.
+    static void makeAppointment(const QString &title, Date start)
+    {
+        MVTask task;
+        task.title = title;
+        task.type = TaskType::Appointment;
+        task.status = TaskStatus::Open;
+        task.startDate = start;
+        task.dueDate = start + Seconds(3600);
+        task.typeCalendarID = u"Home"_qs;
+        ASSERT_TRUE(TaskManager::saveTaskTemp(task, true));
+    }
+
     /// Writes the file of an event as another program would.
     void write(const QString &calendar, const QString &uid, const QString &lines) const
     {

@@ -24,16 +24,8 @@ protected:
 
     void makeTasks()
     {
-        for (int number = 0; number < count; ++number) {
-            MVTask task;
-            task.title = u"Task %1"_qs.arg(number);
-            task.type = TaskType::Appointment;
-            task.status = TaskStatus::Open;
-            task.startDate = localDate(2026, 11, 23 + number % 5, 8 + number % 9);
-            task.dueDate = *task.startDate + Seconds(3600);
-            task.typeCalendarID = u"Home"_qs;
-            ASSERT_TRUE(TaskManager::saveTaskTemp(task, true));
-        }
+        for (int number = 0; number < count; ++number)
+            makeAppointment(u"Task %1"_qs.arg(number), localDate(2026, 11, 23 + number % 5, 8 + number % 9));
         delegate->applicationDidBecomeActive();
     }
     /// Lets a copy of the program work until it is killed: between two of the tasks that it works on, or

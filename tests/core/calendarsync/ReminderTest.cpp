@@ -1,11 +1,9 @@
 #include "CalendarTest.h"
 
 #include "calendarsync/Reminder.h"
+#include "support/Becomes.h"
 
 #include <gmock/gmock.h>
-
-#include <QCoreApplication>
-#include <QElapsedTimer>
 
 namespace {
 
@@ -30,15 +28,6 @@ protected:
     {
         auto found = EKEventStore().calendarItemWithIdentifier(task->remindID());
         return found ? *found : std::nullopt;
-    }
-    template <typename Condition>
-    static bool becomes(Condition condition)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!condition() && timer.elapsed() < 5000)
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        return condition();
     }
 };
 

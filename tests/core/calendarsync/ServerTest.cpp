@@ -160,14 +160,7 @@ protected:
     }
     void makeHere(int number)
     {
-        MVTask task;
-        task.title = u"Title %1"_qs.arg(number);
-        task.type = TaskType::Appointment;
-        task.status = TaskStatus::Open;
-        task.startDate = localDate(2026, 11, 23 + number % 6, 8 + number % 9);
-        task.dueDate = *task.startDate + Seconds(3600);
-        task.typeCalendarID = u"Home"_qs;
-        ASSERT_TRUE(TaskManager::saveTaskTemp(task, true));
+        makeAppointment(u"Title %1"_qs.arg(number), localDate(2026, 11, 23 + number % 6, 8 + number % 9));
     }
     void changeHere(bool isRemoved)
     {

@@ -3,25 +3,15 @@
 #include "CoreTest.h"
 
 #include "store/queries/BackgroundBadges.h"
+#include "support/Becomes.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 
 namespace {
 
 class Badges : public CoreTest
 {
 protected:
-    template <typename Condition>
-    static bool becomes(Condition condition)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!condition() && timer.elapsed() < 5000)
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        return condition();
-    }
-
     std::vector<TaskBadges> told;
     std::unique_ptr<BackgroundBadges> badges =
         std::make_unique<BackgroundBadges>([this](const TaskBadges &counted) { told.push_back(counted); });

@@ -1,5 +1,6 @@
 #include "NotificationServer.h"
 
+#include "support/Becomes.h"
 #include "support/TestSupport.h"
 #include "usernotifications/DesktopNotifications.h"
 #include "usernotifications/UserNotificationCenter.h"
@@ -7,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -34,15 +34,6 @@ protected:
         center.setActivationHandler([this](const UserNotification &one) { clicked.append(one.subtitle); });
         center.setPresenter(std::make_unique<DesktopNotifications>(QDBusConnection::sessionBus(),
                                                                    u"org.example.program"_qs, u"Show"_qs));
-    }
-    template <typename Condition>
-    static bool becomes(Condition condition)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!condition() && timer.elapsed() < 5000)
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        return condition();
     }
     QStringList bodies() const
     {
