@@ -2,6 +2,8 @@
 
 #include "eventkit/eds/EdsTimeLimit.h"
 
+#include <QFile>
+
 static const QString reaching = QStringLiteral("Cannot reach the calendar service");
 
 static Error unreachable(const QString &reason)
@@ -69,19 +71,46 @@ QByteArray EdsBus::findRegistry()
     return {};
 }
 
+bool EdsBus::answersPing(const QByteArray &name, std::chrono::milliseconds limit)
+{
+    GlibFailure failure;
+    const GlibVariant reply(g_dbus_connection_call_sync(
+        connection.get(), name.constData(), "/", "org.freedesktop.DBus.Peer", "Ping", nullptr, nullptr,
+        G_DBUS_CALL_FLAGS_NO_AUTO_START, static_cast<int>(limit.count()), nullptr, failure.out()));
+    return reply || !failure.is(G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
+}
+
+/// Whether the process of a name was stopped by a signal or a debugger; false if that cannot be known.
+bool EdsBus::isStopped(const QByteArray &name)
+{
+    GlibFailure failure;
+    const GlibVariant reply =
+        call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+             "GetConnectionUnixProcessID", "(u)", failure, g_variant_new("(s)", name.constData()));
+    if (!reply)
+        return false;
+    guint32 process = 0;
+    g_variant_get(reply.get(), "(u)", &process);
+    QFile status(QStringLiteral("/proc/%1/stat").arg(process));
+    if (!status.open(QIODevice::ReadOnly))
+        return false;
+    // The name of the program stands in parentheses before the state, and may hold some itself.
+    const QByteArray text = status.readAll();
+    const QByteArray state = text.mid(text.lastIndexOf(')') + 2, 1);
+    return state == "T" || state == "t";
+}
+
 bool EdsBus::isDaemonSilent()
 {
     // The parts are asked one after the other.
-    constexpr int limit = 80;
+    constexpr std::chrono::milliseconds atOnce{80};
+    // A machine that is busy may take longer to give a living process its turn.
+    constexpr std::chrono::milliseconds whenBusy{1'500};
     if (connect())
         return false;
     for (const QByteArray &beginning : {registryName, calendarsName}) {
         for (const QByteArray &name : names("ListNames", beginning)) {
-            GlibFailure failure;
-            const GlibVariant reply(g_dbus_connection_call_sync(
-                connection.get(), name.constData(), "/", "org.freedesktop.DBus.Peer", "Ping", nullptr,
-                nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, limit, nullptr, failure.out()));
-            if (!reply && failure.is(G_IO_ERROR, G_IO_ERROR_TIMED_OUT))
+            if (!answersPing(name, atOnce) && (isStopped(name) || !answersPing(name, whenBusy)))
                 return true;
         }
     }

@@ -37,7 +37,7 @@ public:
     {}
 
     /// Whether the daemon should not be asked now. To be asked before each call; it takes a tenth of a second
-    /// at most.
+    /// at most, more only where the machine is so busy that nothing answers sooner.
     bool isExhausted();
     /// A call was not answered in its time.
     void exhaust();

@@ -6,6 +6,8 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusReply>
+#include <QDirIterator>
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -79,6 +81,17 @@ Objects managedObjects(const QString &service)
     return reply.value();
 }
 
+bool areAllThreadsStopped(int process)
+{
+    QDirIterator threads(QStringLiteral("/proc/%1/task").arg(process), QDir::Dirs | QDir::NoDotAndDotDot);
+    while (threads.hasNext()) {
+        QFile status(threads.next() + QStringLiteral("/stat"));
+        if (status.open(QIODevice::ReadOnly) && !status.readAll().contains(") T "))
+            return false;
+    }
+    return true;
+}
+
 QString uidOf(const Properties &interfaces)
 {
     return interfaces.value(namePrefix + QStringLiteral("Source")).value(QStringLiteral("UID")).toString();
@@ -114,6 +127,8 @@ void DesktopDaemon::signal(Part part, int number)
     const auto running = process(part);
     ASSERT_TRUE(running);
     EXPECT_EQ(::kill(*running, number), 0);
+    // A thread that is just running on a busy machine may answer some calls more before it stands.
+    EXPECT_TRUE(number != SIGSTOP || waitUntil([&] { return areAllThreadsStopped(*running); }));
 }
 
 void DesktopDaemon::kill(Part part)
