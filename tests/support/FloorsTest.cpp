@@ -18,7 +18,10 @@ protected:
     /// The folders inside of core, the lowest first. Each may include those before it.
     const QStringList orderInCore = words(u"records/dates store/entities store/state recurrence cloud "
                                           u"store/queries filters records/copies calendarsync records store");
-    const QStringList uiFolders = words(u"widgets calendarviews filters shell");
+    const QStringList uiFolders = words(u"widgets filters records calendarviews shell");
+    /// The same of ui.
+    const QStringList orderInUi = words(u"widgets filters records shell/maps shell/tasks shell/categories "
+                                        u"shell/search shell/calendars shell");
     const QStringList tradesOfPlatform =
         words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");
 
@@ -47,16 +50,36 @@ protected:
         return files;
     }
 
-    /// The place in the order of the folder of core that holds a file, given from core on; -1 outside of it.
-    qsizetype placeInCore(const QString &file) const
+    /// The place in an order of the folder that holds a file, given from its floor on; -1 outside of it.
+    static qsizetype placeIn(const QStringList &order, const QString &file)
     {
         qsizetype place = -1;
-        for (qsizetype one = 0; one < orderInCore.size(); ++one) {
-            const bool holds = file.startsWith(orderInCore[one] + QLatin1Char('/'));
-            if (holds && (place < 0 || orderInCore[one].size() > orderInCore[place].size()))
+        for (qsizetype one = 0; one < order.size(); ++one) {
+            const bool holds = file.startsWith(order[one] + QLatin1Char('/'));
+            if (holds && (place < 0 || order[one].size() > order[place].size()))
                 place = one;
         }
         return place;
+    }
+
+    void expectIncludesOnlyDownwards(const QString &floor, const QStringList &order) const
+    {
+        const QString root = sources + QLatin1Char('/') + floor + QLatin1Char('/');
+        QSet<qsizetype> seen;
+        for (const QString &file : filesOf(floor)) {
+            const qsizetype own = placeIn(order, file.mid(root.size()));
+            EXPECT_GE(own, 0) << qPrintable(file) << " lies in no folder of the order";
+            seen.insert(own);
+            for (const QString &include : includesOf(file)) {
+                const QString header = include.mid(1);
+                if (!include.startsWith(u'"') || !QFile::exists(root + header))
+                    continue;
+                const qsizetype other = placeIn(order, header);
+                EXPECT_TRUE(other >= 0 && other <= own)
+                    << qPrintable(file) << " includes " << qPrintable(header);
+            }
+        }
+        EXPECT_EQ(seen.size(), order.size());
     }
 
     /// Own headers are included by folder and name, from these folders only.
@@ -94,23 +117,10 @@ TEST_F(FloorsTest, CoreHasNoScreenAndNoTradeOfThePlatform)
     expectNoSystemInclude(QStringLiteral("core"), tradesOfPlatform);
 }
 
-TEST_F(FloorsTest, TheFoldersOfCoreIncludeOnlyThoseBelowThem)
+TEST_F(FloorsTest, TheFoldersOfAFloorIncludeOnlyThoseBelowThem)
 {
-    const QString core = sources + QStringLiteral("/core/");
-    QSet<qsizetype> seen;
-    for (const QString &file : filesOf(QStringLiteral("core"))) {
-        const qsizetype own = placeInCore(file.mid(core.size()));
-        EXPECT_GE(own, 0) << qPrintable(file) << " lies in no folder of the order";
-        seen.insert(own);
-        for (const QString &include : includesOf(file)) {
-            const QString header = include.mid(1);
-            if (!include.startsWith(u'"') || !QFile::exists(core + header))
-                continue;
-            const qsizetype other = placeInCore(header);
-            EXPECT_TRUE(other >= 0 && other <= own) << qPrintable(file) << " includes " << qPrintable(header);
-        }
-    }
-    EXPECT_EQ(seen.size(), orderInCore.size());
+    expectIncludesOnlyDownwards(QStringLiteral("core"), orderInCore);
+    expectIncludesOnlyDownwards(QStringLiteral("ui"), orderInUi);
 }
 
 TEST_F(FloorsTest, UiLeavesTheTradesToThePlatform)

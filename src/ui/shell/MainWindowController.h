@@ -4,8 +4,8 @@
 #include "foundation/Error.h"
 #include "foundation/MainLoop.h"
 #include "foundation/NotificationCenter.h"
+#include "records/TabsViewController.h"
 #include "shell/SidebarModel.h"
-#include "shell/TabsViewController.h"
 #include "store/queries/BackgroundBadges.h"
 
 #include <QObject>

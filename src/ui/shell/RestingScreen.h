@@ -1,7 +1,7 @@
 #pragma once
 
+#include "records/TabsViewController.h"
 #include "shell/SidebarModel.h"
-#include "shell/TabsViewController.h"
 
 /// A screen that has nothing to list: an icon and a sentence about what belongs there.
 class RestingScreen : public TabsViewController

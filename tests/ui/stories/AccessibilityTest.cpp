@@ -1,11 +1,11 @@
 // The program is read aloud: whatever takes the keyboard says what it is.
 
 #include "filters/MVPopUp.h"
+#include "records/DetailStack.h"
 #include "records/Functional.h"
-#include "shell/details/DetailStack.h"
-#include "shell/details/TaskDetailViewController.h"
 #include "shell/tasks/LocationBubble.h"
 #include "shell/tasks/RepeatWindow.h"
+#include "shell/tasks/TaskDetailViewController.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"
 #include "widgets/MessageBoxPresenter.h"

@@ -2,9 +2,9 @@
 
 #include "records/Categories.h"
 #include "foundation/UserDefaults.h"
+#include "records/DetailStack.h"
 #include "shell/categories/CategoriesViewController.h"
 #include "shell/categories/CategoryTasksCell.h"
-#include "shell/details/DetailStack.h"
 #include "store/entities/EntityCategory.h"
 #include "store/state/SettingsKeys.h"
 #include "ui/support/ShellTest.h"

@@ -1,7 +1,7 @@
 // Panes of any kind come, cover each other and go with their records.
 
-#include "shell/details/DetailStack.h"
-#include "shell/TabsViewController.h"
+#include "records/DetailStack.h"
+#include "records/TabsViewController.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/Animations.h"
 

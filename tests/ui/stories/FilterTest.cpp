@@ -5,7 +5,7 @@
 #include "filters/MVPopUp.h"
 #include "filters/SavedFilter.h"
 #include "filters/TasksFilterButton.h"
-#include "shell/details/DetailStack.h"
+#include "records/DetailStack.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/CheckList.h"
 #include "widgets/EmptyState.h"

@@ -1,10 +1,10 @@
 // Nothing that was typed is lost: every way out asks, and what nobody could be asked about is there again at
 // the next start.
 
+#include "records/DetailStack.h"
 #include "records/DraftKeeper.h"
 #include "shell/Shell.h"
-#include "shell/details/DetailStack.h"
-#include "shell/details/TaskDetailViewController.h"
+#include "shell/tasks/TaskDetailViewController.h"
 #include "store/state/NotificationNames.h"
 #include "support/OtherProgram.h"
 #include "ui/support/CalendarAccess.h"

@@ -1,10 +1,10 @@
 // While a question or a menu stands the world goes on; what waits for the answer stays until it is there.
 
+#include "records/DetailStack.h"
 #include "shell/categories/CategoriesViewController.h"
-#include "shell/details/DetailStack.h"
-#include "shell/details/TaskDetailViewController.h"
 #include "shell/tasks/LocationBubble.h"
 #include "shell/tasks/LocationPopup.h"
+#include "shell/tasks/TaskDetailViewController.h"
 #include "store/state/NotificationNames.h"
 #include "support/MeanwhileAlerts.h"
 #include "support/OtherProgram.h"

@@ -2,7 +2,7 @@
 
 #include "shell/QuitSignals.h"
 #include "shell/SingleInstance.h"
-#include "shell/details/TaskDetailViewController.h"
+#include "shell/tasks/TaskDetailViewController.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/MessageBoxPresenter.h"
 

@@ -1,7 +1,7 @@
 // The user finds the way through the lists.
 
 #include "filters/MVContactGroup.h"
-#include "shell/details/DetailStack.h"
+#include "records/DetailStack.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/MVSegmentView.h"

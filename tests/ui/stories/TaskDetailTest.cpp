@@ -1,8 +1,8 @@
 // A task is looked at and edited in the pane that slides in over its list.
 
 #include "calendarsync/CalendarEvent.h"
-#include "shell/details/DetailStack.h"
-#include "shell/details/TaskDetailViewController.h"
+#include "records/DetailStack.h"
+#include "shell/tasks/TaskDetailViewController.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"
 #include "widgets/GrowingTextField.h"

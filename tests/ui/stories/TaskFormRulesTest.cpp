@@ -1,7 +1,7 @@
 // What the user changes in one field of a new task decides what stands in the others, and what is stored.
 
-#include "shell/details/DetailStack.h"
-#include "shell/details/DetailViewController.h"
+#include "records/DetailStack.h"
+#include "records/DetailViewController.h"
 #include "ui/support/CalendarAccess.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"

@@ -1,7 +1,7 @@
 #include "shell/categories/CategoriesViewController.h"
 
 #include "foundation/Localization.h"
-#include "shell/ShellAlerts.h"
+#include "records/ShellAlerts.h"
 #include "shell/categories/CategoryTasksCell.h"
 #include "store/entities/EntityCategory.h"
 #include "widgets/BusyCursor.h"

@@ -1,7 +1,7 @@
 #include "shell/tasks/LocationBubble.h"
 
 #include "foundation/Localization.h"
-#include "shell/ShellAlerts.h"
+#include "records/ShellAlerts.h"
 #include "shell/tasks/LocationMap.h"
 #include "widgets/BubbleHeader.h"
 #include "widgets/CheckList.h"

@@ -3,7 +3,7 @@
 #include "filters/TasksFilterButton.h"
 #include "filters/TasksTabTopView.h"
 #include "foundation/Localization.h"
-#include "shell/details/DetailStack.h"
+#include "records/DetailStack.h"
 #include "shell/tasks/TabTaskViewController.h"
 #include "widgets/EmptyState.h"
 #include "widgets/MVSegmentView.h"

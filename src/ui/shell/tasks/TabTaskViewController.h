@@ -3,7 +3,7 @@
 #include "filters/FilterState.h"
 #include "filters/TasksFilter.h"
 #include "foundation/NotificationCenter.h"
-#include "shell/TabsViewController.h"
+#include "records/TabsViewController.h"
 #include "shell/tasks/SelectionMemory.h"
 #include "shell/tasks/TaskListModel.h"
 #include "store/queries/DBWorker.h"

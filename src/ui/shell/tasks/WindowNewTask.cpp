@@ -1,7 +1,7 @@
 #include "shell/tasks/WindowNewTask.h"
 
 #include "foundation/Localization.h"
-#include "shell/ShellAlerts.h"
+#include "records/ShellAlerts.h"
 #include "shell/tasks/TaskFormView.h"
 #include "widgets/Animations.h"
 #include "widgets/FormScroll.h"

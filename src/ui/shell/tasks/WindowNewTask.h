@@ -1,8 +1,8 @@
 #pragma once
 
 #include "records/DraftKeeper.h"
+#include "records/LeaveGate.h"
 #include "records/TaskFormState.h"
-#include "shell/LeaveGate.h"
 
 #include <QTimer>
 #include <QWidget>

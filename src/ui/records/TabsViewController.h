@@ -1,7 +1,7 @@
 #pragma once
 
+#include "records/DetailViewController.h"
 #include "records/NewTaskRequest.h"
-#include "shell/details/DetailViewController.h"
 #include "widgets/ScreenToolBar.h"
 #include "widgets/ToolBarButton.h"
 

@@ -1,6 +1,6 @@
-#include "shell/LeaveGate.h"
+#include "records/LeaveGate.h"
 
-#include "shell/ShellAlerts.h"
+#include "records/ShellAlerts.h"
 
 bool LeaveGate::mayLeave()
 {

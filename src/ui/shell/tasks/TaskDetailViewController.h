@@ -2,9 +2,9 @@
 
 #include "foundation/NotificationCenter.h"
 #include "objectstore/StoreChanges.h"
+#include "records/DetailViewController.h"
 #include "records/DraftKeeper.h"
 #include "records/TaskFormState.h"
-#include "shell/details/DetailViewController.h"
 
 #include <QTimer>
 

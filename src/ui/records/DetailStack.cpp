@@ -1,7 +1,7 @@
-#include "shell/details/DetailStack.h"
+#include "records/DetailStack.h"
 
-#include "shell/TabsViewController.h"
-#include "shell/Waiting.h"
+#include "records/TabsViewController.h"
+#include "records/Waiting.h"
 #include "widgets/Animations.h"
 
 #include <QEvent>

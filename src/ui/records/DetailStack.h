@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/details/DetailViewController.h"
+#include "records/DetailViewController.h"
 #include "store/entities/Entities.h"
 
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "shell/details/DetailViewController.h"
+#include "records/DetailViewController.h"
 
 #include "widgets/ClearKey.h"
 #include "widgets/Theme.h"

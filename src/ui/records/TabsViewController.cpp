@@ -1,4 +1,4 @@
-#include "shell/TabsViewController.h"
+#include "records/TabsViewController.h"
 
 #include "records/TaskPlacement.h"
 #include "store/queries/DBWorker.h"

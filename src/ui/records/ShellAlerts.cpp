@@ -1,4 +1,4 @@
-#include "shell/ShellAlerts.h"
+#include "records/ShellAlerts.h"
 
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"

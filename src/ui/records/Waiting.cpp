@@ -1,4 +1,4 @@
-#include "shell/Waiting.h"
+#include "records/Waiting.h"
 
 #include "foundation/Alert.h"
 

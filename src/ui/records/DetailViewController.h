@@ -1,7 +1,7 @@
 #pragma once
 
 #include "objectstore/ManagedObject.h"
-#include "shell/LeaveGate.h"
+#include "records/LeaveGate.h"
 
 #include <QWidget>
 
