@@ -39,14 +39,14 @@ DetailViewController *DetailStack::paneOf(const ObjectPtr &record) const
     return found == panes.rend() ? nullptr : *found;
 }
 
-std::vector<TaskPtr> DetailStack::shownTasks() const
+std::vector<ObjectPtr> DetailStack::shownRecords() const
 {
-    std::vector<TaskPtr> tasks;
+    std::vector<ObjectPtr> records;
     for (const DetailViewController *pane : panes) {
-        if (auto task = std::dynamic_pointer_cast<EntityTask>(pane->record()))
-            tasks.push_back(std::move(task));
+        if (ObjectPtr record = pane->record())
+            records.push_back(std::move(record));
     }
-    return tasks;
+    return records;
 }
 
 // Places
@@ -149,13 +149,36 @@ bool DetailStack::showDetail(DetailViewController *detail, QWidget *controller)
         moveListSpace(qRound(content.width() * (1 - narrowList)),
                       Animations::duration(Animations::detailSlideIn));
     }
+    add(detail);
+    slideIn(*detail);
+    return true;
+}
+
+void DetailStack::add(DetailViewController *detail)
+{
     panes.push_back(detail);
     detail->setParent(&content);
     connect(detail, &DetailViewController::backRequested, this, [this, detail] { requestBack(detail); });
     connect(detail, &DetailViewController::textLeft, this, &DetailStack::textLeft);
     connect(detail, &DetailViewController::recordRemoved, this,
             [this, detail] { removeWhere([detail](const auto *pane) { return pane == detail; }); });
-    slideIn(*detail);
+}
+
+bool DetailStack::embed(DetailViewController *detail, TabsViewController &below)
+{
+    if (!mayLeave()) {
+        detail->deleteLater();
+        return false;
+    }
+    removeAllDetail();
+    screen = &below;
+    place = below.detailPlace();
+    detail->setEmbedded();
+    add(detail);
+    settle();
+    detail->show();
+    detail->raise();
+    detail->setActive(true);
     return true;
 }
 
@@ -198,6 +221,8 @@ void DetailStack::bringUp(DetailViewController *detail)
     setNotActiveLastDeteil();
     std::rotate(found, found + 1, panes.end());
     slideIn(*detail);
+    if (screen)
+        screen->detailOnTop(detail->record());
 }
 
 void DetailStack::setNotActiveLastDeteil()
@@ -213,6 +238,8 @@ void DetailStack::setActiveLastDeteil()
     panes.back()->show();
     panes.back()->setActive(true);
     panes.back()->setFocus();
+    if (screen)
+        screen->detailOnTop(panes.back()->record());
 }
 
 // Going
@@ -228,6 +255,12 @@ void DetailStack::goBack(DetailViewController *detail)
 {
     if (detail != top() || isLeaving(*detail))
         return;
+    // One beside the list stays; the keys go to the list.
+    if (detail->isEmbedded()) {
+        if (screen)
+            screen->takeKeysBack();
+        return;
+    }
     detail->setAttribute(Qt::WA_TransparentForMouseEvents);
     if (panes.size() > 1)
         panes[panes.size() - 2]->show();
@@ -294,11 +327,11 @@ bool DetailStack::mayLeave()
     return gate.mayLeave();
 }
 
-bool DetailStack::mayLeave(const std::vector<TaskPtr> &tasks)
+bool DetailStack::mayLeave(const std::vector<ObjectPtr> &records)
 {
     LeaveGate gate;
-    for (const TaskPtr &task : tasks) {
-        if (DetailViewController *pane = paneOf(task))
+    for (const ObjectPtr &record : records) {
+        if (DetailViewController *pane = paneOf(record))
             gate.add(*pane, [this, pane] { bringUp(pane); });
     }
     return gate.mayLeave();
@@ -313,18 +346,9 @@ void DetailStack::removeAllDetail()
     screen = nullptr;
 }
 
-void DetailStack::removeAllDetailFromTasks(const std::vector<TaskPtr> &tasks)
+void DetailStack::removeAllDetailFrom(const std::vector<ObjectPtr> &records)
 {
     removeWhere([&](const DetailViewController *pane) {
-        return std::any_of(tasks.begin(), tasks.end(),
-                           [&](const TaskPtr &task) { return pane->shows(task); });
-    });
-}
-
-void DetailStack::removeAllDetailFromProjects(const std::vector<ProjectPtr> &projects)
-{
-    removeWhere([&](const DetailViewController *pane) {
-        return std::any_of(projects.begin(), projects.end(),
-                           [&](const ProjectPtr &project) { return pane->shows(project); });
+        return std::ranges::any_of(records, [&](const ObjectPtr &record) { return pane->shows(record); });
     });
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "records/DetailViewController.h"
-#include "store/entities/Entities.h"
 
 #include <QObject>
 #include <QPointer>
@@ -24,8 +23,8 @@ public:
     bool isEmpty() const { return panes.empty(); }
     /// The pane on top, or null.
     DetailViewController *top() const;
-    /// The tasks that panes are about.
-    std::vector<TaskPtr> shownTasks() const;
+    /// What panes are about.
+    std::vector<ObjectPtr> shownRecords() const;
     /// The uppermost pane about a record, or null.
     DetailViewController *paneOf(const ObjectPtr &record) const;
 
@@ -33,6 +32,9 @@ public:
     /// opens it; only a screen below an empty stack says where it lies, any other pane covers the top one
     /// exactly. False, and nothing is shown, if the user wants to go on with what the pane on top holds.
     bool showDetail(DetailViewController *detail, QWidget *controller);
+    /// Puts a pane beside the list of a screen in the place of all others, without taking the keys. It lies
+    /// at the bottom of the stack, so that others cover it. False as above.
+    bool embed(DetailViewController *detail, TabsViewController &screen);
     /// Brings a pane that lies lower in the stack to the top. False as above.
     bool showAgain(DetailViewController *detail);
     /// Slides the pane out and drops it; what lies below is active again.
@@ -46,16 +48,15 @@ public:
     /// Asks about every pane with something typed, which comes to the top for that. False if one of them is
     /// to stay.
     bool mayLeave();
-    /// The same about the panes of some tasks.
-    bool mayLeave(const std::vector<TaskPtr> &tasks);
+    /// The same about the panes of some records.
+    bool mayLeave(const std::vector<ObjectPtr> &records);
     /// The same as a part of a larger question.
     void addTo(LeaveGate &gate);
 
     /// Drops all panes at once, without a question.
     void removeAllDetail();
     /// Drops the panes about these records, wherever they lie in the stack.
-    void removeAllDetailFromTasks(const std::vector<TaskPtr> &tasks);
-    void removeAllDetailFromProjects(const std::vector<ProjectPtr> &projects);
+    void removeAllDetailFrom(const std::vector<ObjectPtr> &records);
 
 Q_SIGNALS:
     /// What was typed for a record that is no more lies in this file.
@@ -66,6 +67,7 @@ protected:
 
 private:
     bool mayBeCovered();
+    void add(DetailViewController *detail);
     void bringUp(DetailViewController *detail);
     void requestBack(DetailViewController *detail);
     QRect restingPlace() const;

@@ -35,6 +35,9 @@ public:
     /// The pane on top is active; those that it covers are not.
     void setActive(bool isNowActive);
     bool isActive() const { return active; }
+    /// It lies beside the list of its screen, from which it comes and goes, and has no way back of its own.
+    virtual void setEmbedded() { embedded = true; }
+    bool isEmbedded() const { return embedded; }
 
 Q_SIGNALS:
     /// The user wants back to what lies below.
@@ -52,4 +55,5 @@ protected:
 
 private:
     bool active = false;
+    bool embedded = false;
 };

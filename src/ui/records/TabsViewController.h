@@ -47,6 +47,8 @@ public:
     virtual DetailPlace detailPlace() const { return {}; }
     /// A detail covers so many pixels at the trailing edge.
     virtual void setDetailSpace(int width) { Q_UNUSED(width) }
+    /// The detail about that record has come to the top; null for one about none.
+    virtual void detailOnTop(const ObjectPtr &record) { Q_UNUSED(record) }
     /// The last detail has gone: the keys go where it was opened.
     virtual void takeKeysBack() { setFocus(); }
     /// Where the screen shows its details; null while it is in no window.

@@ -87,17 +87,17 @@ TEST_F(DetailStackTest, PanesGoWithTheirRecordsWhereverTheyLie)
     QSignalSpy houseGone(first, &DetailViewController::dismissDeteilViewController);
     Pane *const third = show(garden, second);
 
-    stack.removeAllDetailFromTasks({paint});
+    stack.removeAllDetailFrom({paint});
     EXPECT_EQ(gone.size(), 1);
     EXPECT_EQ(stack.top(), third);
     EXPECT_TRUE(third->isActive());
-    stack.removeAllDetailFromProjects({garden});
+    stack.removeAllDetailFrom({garden});
     EXPECT_EQ(stack.top(), first);
     EXPECT_TRUE(first->isActive() && first->isVisible());
     EXPECT_EQ(screen.space, 595);
-    stack.removeAllDetailFromProjects({garden});
+    stack.removeAllDetailFrom({garden});
     EXPECT_EQ(houseGone.size(), 0);
-    stack.removeAllDetailFromProjects({house});
+    stack.removeAllDetailFrom({house});
     EXPECT_EQ(houseGone.size(), 1);
     EXPECT_EQ(screen.space, 0);
 }

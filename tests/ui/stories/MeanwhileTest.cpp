@@ -224,7 +224,7 @@ TEST_F(MeanwhileTest, ThePaneThatHasGoneOnItsWayOutTakesNoKeys)
     stack().goBack(stack().top());
     // A pane lives on while a question stands.
     const MeanwhileAlerts alerts(Alert::firstButton, [&] {
-        stack().removeAllDetailFromTasks({top});
+        stack().removeAllDetailFrom({top});
         outline().setFocus();
         QTest::qWait(2 * Animations::duration(Animations::detailSlideOut));
     });

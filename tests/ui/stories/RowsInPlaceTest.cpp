@@ -70,7 +70,8 @@ protected:
     void follow(const QString &name, ListType type, std::function<TaskListQuery()> query)
     {
         auto model = std::make_unique<TaskListModel>(type);
-        model->setRows(query().fetch());
+        model->setQuery(query);
+        model->fetch();
         testers.push_back(std::make_unique<QAbstractItemModelTester>(
             model.get(), QAbstractItemModelTester::FailureReportingMode::Warning));
         lists.push_back({name, std::move(query), std::move(model)});
@@ -260,8 +261,8 @@ TEST_F(GeneratedRowsTest, AfterGeneratedChangesTheRowsAreThoseOfAFreshFetch)
                     !context().fetchObjects(EntityTask::fetchRequest().among({row})).isEmpty();
                 (isThere && dice.oneIn(4) ? held : first).insert(row);
             }
-            list.model->update(list.query(), first, held);
-            list.model->update(list.query(), held, {});
+            list.model->update(first, held);
+            list.model->update(held, {});
             ASSERT_TRUE(isAsFetched(list.query(), list.model->rows()))
                 << qPrintable(list.name) << " in round " << round;
         }

@@ -83,6 +83,7 @@ TEST_F(TaskDetailTest, AnotherTaskStacksAboveAndTheSameOneComesUpAgain)
     EXPECT_TRUE(first->isActive());
     QTest::keyClick(&pane(), Qt::Key_Escape);
     EXPECT_EQ(pane().taskForm()->currentTask().title, u"second"_s);
+    EXPECT_EQ(selectedTitles(), QStringList{u"second"_s});
     EXPECT_TRUE(pane().isVisible());
     showList(SidebarItem::Today);
     EXPECT_TRUE(stack().isEmpty());

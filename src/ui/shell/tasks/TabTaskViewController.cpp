@@ -1,249 +1,92 @@
 #include "shell/tasks/TabTaskViewController.h"
 
-#include "filters/TasksFilterButton.h"
+#include "filters/TaskGrouping.h"
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
-#include "records/DetailStack.h"
 #include "records/ShellAlerts.h"
+#include "records/TaskBatch.h"
+#include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
-#include "records/dates/MVDate.h"
 #include "shell/tasks/TaskDetailViewController.h"
+#include "shell/tasks/TaskPopupMenu.h"
 #include "shell/tasks/TaskTableCell.h"
-#include "store/state/NotificationNames.h"
-#include "widgets/EmptyState.h"
+#include "widgets/LongWork.h"
 #include "widgets/MVSegmentView.h"
-#include "widgets/ScreenToolBar.h"
-#include "widgets/Theme.h"
-
-#include <QApplication>
-#include <QScrollBar>
-#include <QStackedLayout>
-#include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
 
-/// Long enough for a tick to be seen before its row leaves.
-constexpr auto tickSeen = std::chrono::milliseconds(1000);
+static RecordListDescription listDescriptionOf(const TaskListDescription &description)
+{
+    return {.title = description.title,
+            .icon = description.icon,
+            .entity = EntityTask::entityName,
+            .tableName = u"tableViewTasks"_s,
+            .addType = description.addType,
+            .emptySentence = description.emptySentence,
+            .filteredSentence = localized(u"No task passes the filter."_s),
+            .deletingSentence = localized(u"Deleting the selected tasks"_s),
+            .detailPlace = description.detailPlace};
+}
 
 TabTaskViewController::TabTaskViewController(const TaskListDescription &listDescription, QWidget *parent)
-    : TabsViewController(listDescription.title, parent)
+    : TabTaskViewController(listDescription, new TaskListModel(listDescription.type), parent)
+{}
+
+TabTaskViewController::TabTaskViewController(const TaskListDescription &listDescription,
+                                             TaskListModel *taskModel, QWidget *parent)
+    : RecordListScreen(listDescriptionOf(listDescription), taskModel, new TaskTableCell, parent)
     , description(listDescription)
-    , model(new TaskListModel(listDescription.type, this))
-    , view(new TableViewExtended(this))
-    , emptyState(new EmptyState(listDescription.icon, listDescription.emptySentence, this))
-    , listLayer(new QWidget(this))
+    , model(taskModel)
 {
-    setUpView();
-    if (TasksFilter::isFilterable(static_cast<int>(type())))
-        setUpTopView();
-    addButton(description.addType);
-    addButton(ToolBarButton::Calendars);
-    promptUpdate.setSingleShot(true);
-    connect(&promptUpdate, &QTimer::timeout, this, &TabTaskViewController::updateRows);
-    seenUpdate.setSingleShot(true);
-    seenUpdate.setInterval(tickSeen);
-    connect(&seenUpdate, &QTimer::timeout, this, &TabTaskViewController::isSeen);
-    observe();
-}
-
-void TabTaskViewController::setUpView()
-{
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins({});
-    column->setSpacing(0);
-    column->addWidget(listLayer, 1);
-    auto *layers = new QStackedLayout(listLayer);
-    layers->setStackingMode(QStackedLayout::StackAll);
-    layers->addWidget(view);
-    layers->addWidget(emptyState);
-    view->setObjectName(u"tableViewTasks"_s);
-    view->setAccessibleName(description.title);
-    view->setItemDelegate(new TaskTableCell(view));
-    view->setModel(model);
-    setFocusProxy(view);
-    connect(view, &TableViewExtended::doubleAction, this, &TabTaskViewController::tableViewDoubleAction);
-    connect(view, &TableViewExtended::removeRequested, this, &TabTaskViewController::removeSelection);
-    connect(view, &TableViewExtended::menuRequested, this, &TabTaskViewController::showMenu);
-    connect(view, &TableViewExtended::rowSelectionChanged, this, &TabTaskViewController::commandsChanged);
-    connect(view, &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
-}
-
-void TabTaskViewController::observe()
-{
-    NotificationCenter &center = NotificationCenter::defaultCenter();
-    observations.push_back(center.addObserver(
-        notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); }));
-    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { reloadSoon(); }));
-}
-
-// What changed
-
-void TabTaskViewController::storeChanged(const StoreChanges &changes)
-{
-    if (changes.isUnknown || query(grouping()).isRegroupedBy(changes))
-        return reloadSoon();
-    for (const ObjectPtr &object : changes.inserted)
-        rowChanged(object, false);
-    for (const StoreChanges::Update &update : changes.updated)
-        rowChanged(update.object, false);
-    for (const ObjectPtr &object : changes.deleted)
-        rowChanged(object, true);
-    if (!changedRows.empty())
-        promptUpdate.start(0);
-    othersChanged(changes);
-}
-
-/// A row that stands until the user has seen its tick stands through further changes, but not without its
-/// task.
-void TabTaskViewController::rowChanged(const ObjectPtr &object, bool isGone)
-{
-    if (object->entity().name() != EntityTask::entityName)
-        return;
-    const RowId row = object->rowId();
-    if (isGone)
-        seenRows.erase(row);
-    else if (editedRows.contains(row))
-        seenRows.insert(row);
-    if (!seenRows.contains(row)) {
-        changedRows.insert(row);
-        return;
+    model->setQuery([this] { return query(grouping()); });
+    if (TasksFilter::isFilterable(static_cast<int>(type()))) {
+        tasksFilter.setTasksType(static_cast<int>(type()));
+        setUpFilter(tasksFilter);
+        setUpGrouping();
     }
-    changedRows.erase(row);
-    view->viewport()->update();
+    addButton(ToolBarButton::Calendars);
+    connect(table(), &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
 }
 
-void TabTaskViewController::reloadSoon()
+// Grouping
+
+void TabTaskViewController::setUpGrouping()
 {
-    isAllChanged = true;
-    promptUpdate.start(0);
+    if (description.groupedType < 0)
+        return;
+    tasksGroupedView =
+        new MVSegmentView({localized(u"Category"_s), localized(u"Project"_s), localized(u"Priority"_s)});
+    tasksGroupedView->setObjectName(u"tasksGroupedView"_s);
+    tasksGroupedView->setAccessibleName(localized(u"Group by"_s));
+    tasksGroupedView->setHaveNotSelect(true);
+    tasksGroupedView->setSelectedIndex(TaskGrouping(description.groupedType).selectedIndex());
+    connect(tasksGroupedView, &MVSegmentView::selectedIndexChanged, this,
+            &TabTaskViewController::saveGrouping);
+    filterStrip()->setGrouping(tasksGroupedView);
 }
 
-/// With so many rows, one fetch is quicker than a step for each.
-bool TabTaskViewController::mustReload() const
+void TabTaskViewController::saveGrouping(int index)
 {
-    constexpr size_t mostSteps = 200;
-    constexpr int mostSelected = 2000;
-    return isAllChanged || changedRows.size() > mostSteps ||
-           shownDay != MVDate::getStartOfDay(Clock::now()) || view->selectedCount() > mostSelected;
+    TaskGrouping(description.groupedType).setSelectedIndex(index);
+    reload(SelectionMemory::Otherwise::Nothing);
 }
 
-void TabTaskViewController::updateRows()
+int TabTaskViewController::groupingIndex() const
 {
-    promptUpdate.stop();
-    if (mustReload())
-        return reloadData();
-    if (!changedRows.empty())
-        update(std::exchange(changedRows, {}), seenRows);
+    return tasksGroupedView ? tasksGroupedView->selectedIndex() : -1;
 }
 
-void TabTaskViewController::isSeen()
-{
-    changedRows.merge(seenRows);
-    seenRows.clear();
-    updateRows();
-}
-
-/// What is selected, seen and current stays so. If all that was selected goes, its neighbour takes its place.
-void TabTaskViewController::update(const std::set<RowId> &changed, const std::set<RowId> &held)
-{
-    const int selected = view->firstSelectedRow();
-    std::vector<TableViewExtended::Sight> sights = view->rowsInSight();
-    std::erase_if(sights, [&](const TableViewExtended::Sight &sight) {
-        return changed.contains(model->rows().identifierAt(sight.row.row()));
-    });
-    const bool isAtTop = view->verticalScrollBar()->value() == 0;
-    model->update(query(grouping()), changed, held);
-    if (selected >= 0 && !view->hasSelectedRows())
-        SelectionMemory::selectNear(*view, *model, selected);
-    if (isAtTop || !sights.empty())
-        view->keepInSight(sights);
-    updateEmptyState();
-    Q_EMIT commandsChanged();
-}
-
-void TabTaskViewController::reloadData()
-{
-    reload(SelectionMemory::Otherwise::Neighbour);
-}
-
-void TabTaskViewController::reload(SelectionMemory::Otherwise otherwise)
-{
-    promptUpdate.stop();
-    seenUpdate.stop();
-    changedRows.clear();
-    seenRows.clear();
-    isAllChanged = false;
-    shownDay = MVDate::getStartOfDay(Clock::now());
-    const SelectionMemory memory = SelectionMemory::of(*view, *model);
-    showFilterState();
-    model->setRows(query(grouping()).fetch());
-    memory.restore(*view, *model, otherwise);
-    updateEmptyState();
-    if (std::exchange(mustCloseHidden, false))
-        closeHiddenDetails();
-    Q_EMIT commandsChanged();
-}
-
-void TabTaskViewController::updateEmptyState()
-{
-    const bool isEmpty = model->nearestItem(0, 1) < 0;
-    const bool isByFilter = isEmpty && canClearFilter();
-    emptyState->setVisible(isEmpty && !isByFilter && !emptyState->sentence().isEmpty());
-    if (filteredState)
-        filteredState->setVisible(isByFilter);
-}
-
-void TabTaskViewController::clearController()
-{
-    if (topView)
-        topView->buttonFilter()->closePopover();
-}
+// What a task is to the window
 
 NewTaskRequest TabTaskViewController::newTaskRequest() const
 {
     return NewTaskRequest::ofList(type(), Clock::now());
 }
 
-std::vector<TaskPtr> TabTaskViewController::tasksAt(const std::set<int> &rows) const
-{
-    std::vector<TaskPtr> tasks;
-    for (const int row : rows) {
-        if (const TaskPtr task = model->taskAt(row))
-            tasks.push_back(task);
-    }
-    return tasks;
-}
-
-bool TabTaskViewController::hasSelection() const
-{
-    return view->hasSelectedRows();
-}
-
-bool TabTaskViewController::hasRows() const
-{
-    return model->nearestItem(0, 1) >= 0;
-}
-
-void TabTaskViewController::selectAll()
-{
-    view->selectAll();
-}
-
-void TabTaskViewController::selectItem(const ObjectPtr &record)
-{
-    const auto task = std::dynamic_pointer_cast<EntityTask>(record);
-    const int row = model->rowOf(task);
-    if (row < 0)
-        return;
-    view->selectRow(row);
-    view->scrollToRow(row);
-    showDetailWithTask(task);
-}
-
 TaskPtr TabTaskViewController::selectedTask() const
 {
-    return view->selectedCount() == 1 ? model->taskAt(*view->selectedRows().begin()) : nullptr;
+    return std::static_pointer_cast<EntityTask>(selectedRecord());
 }
 
 QString TabTaskViewController::explanationOf(const TaskPtr &task) const
@@ -253,36 +96,98 @@ QString TabTaskViewController::explanationOf(const TaskPtr &task) const
 
 QRect TabTaskViewController::placeOf(const TaskPtr &task) const
 {
-    const int row = model->rowOf(task);
-    if (row < 0)
-        return TabsViewController::placeOf(task);
-    const QRect inView = view->visualRect(model->index(row));
-    return {view->viewport()->mapTo(this, inView.topLeft()) + QPoint(Theme::contentMargin, 0), inView.size()};
+    return placeOfRecord(task);
 }
 
-void TabTaskViewController::showDetailWithTask(const TaskPtr &task)
+DetailViewController *TabTaskViewController::makePane(const ObjectPtr &record)
 {
-    if (!detailStack() || TaskDetailViewController::showTask(task, *this, *detailStack(), type()))
-        return;
-    // The user stays with the task that is edited, and so does the selection.
-    const DetailViewController *const edited = detailStack()->top();
-    const int row = edited ? model->rowOf(std::dynamic_pointer_cast<EntityTask>(edited->record())) : -1;
-    if (row >= 0)
-        view->selectRow(row);
+    auto *pane = new TaskDetailViewController(std::static_pointer_cast<EntityTask>(record));
+    pane->setTypeTask(type());
+    return pane;
 }
 
-void TabTaskViewController::setDetailSpace(int width)
+void TabTaskViewController::severalOpened()
 {
-    listLayer->setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
+    ShellAlerts::alertSelectOneTask();
 }
 
-void TabTaskViewController::tableViewDoubleAction(int row)
+std::vector<TaskPtr> TabTaskViewController::tasksAt(const std::set<int> &rows) const
 {
-    const TaskPtr task = model->taskAt(row);
-    if (!task)
-        return;
-    if (view->selectedCount() > 1)
-        ShellAlerts::alertSelectOneTask();
-    else
-        showDetailWithTask(task);
+    std::vector<TaskPtr> tasks;
+    for (const ObjectPtr &record : recordsAt(rows))
+        tasks.push_back(std::static_pointer_cast<EntityTask>(record));
+    return tasks;
+}
+
+// Deleting
+
+static bool isReadOnly(const EntityTask &task)
+{
+    return !task.allowsContentModifications().value_or(true);
+}
+
+std::vector<ObjectPtr> TabTaskViewController::removable(const std::vector<ObjectPtr> &records)
+{
+    std::vector<ObjectPtr> going;
+    TaskPtr barred;
+    for (const ObjectPtr &record : records) {
+        const auto task = std::static_pointer_cast<EntityTask>(record);
+        if (isReadOnly(*task))
+            barred = task;
+        else
+            going.push_back(task);
+    }
+    if (going.empty() && barred)
+        ShellAlerts::alertEditingEvent(localized(barred->calendarTitle()));
+    return going;
+}
+
+void TabTaskViewController::remove(const std::vector<ObjectPtr> &records,
+                                   const std::function<void()> &removed, const Step &step)
+{
+    TaskManager::deleteTasks(records, removed, step);
+}
+
+// Changing tasks in their rows
+
+/// Many take their time, which is shown.
+template <typename Change, typename... Value>
+void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Change change,
+                                        const Value &...value)
+{
+    LongWork work(tasks.size(), localized(u"Changing the selected tasks"_s));
+    changeInRows({tasks.begin(), tasks.end()},
+                 [&] { change(tasks, value..., [&work] { return work.step(); }); });
+}
+
+void TabTaskViewController::toggleDone(const std::set<int> &rows)
+{
+    const std::vector<TaskPtr> tasks = tasksAt(rows);
+    const auto isBarred = [](const TaskPtr &task) { return isReadOnly(*task); };
+    if (!tasks.empty() && std::ranges::all_of(tasks, isBarred))
+        return ShellAlerts::alertEditingEvent(localized(tasks.front()->calendarTitle()));
+    changeTasks(tasks, &TaskBatch::toggleDone);
+}
+
+void TabTaskViewController::setUpMenu()
+{
+    taskPopupMenu = new TaskPopupMenu(this);
+    const auto selected = [this] { return tasksAt(table()->selectedRows()); };
+    connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
+            [=, this](TaskStatus status) { changeTasks(selected(), &TaskBatch::setStatus, status); });
+    connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this,
+            [=, this](Priority priority) { changeTasks(selected(), &TaskBatch::setPriority, priority); });
+    connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this, [=, this](const CategoryPtr &category) {
+        changeTasks(selected(), &TaskBatch::setCategory, category);
+    });
+    connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TabTaskViewController::whyRequested);
+    connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TabTaskViewController::removeSelection);
+}
+
+void TabTaskViewController::showMenu(const QPoint &globalPosition)
+{
+    if (!taskPopupMenu)
+        setUpMenu();
+    taskPopupMenu->setTasks(tasksAt(table()->selectedRows()));
+    taskPopupMenu->popup(globalPosition);
 }

@@ -10,30 +10,37 @@
 using namespace Qt::Literals::StringLiterals;
 
 TaskListModel::TaskListModel(ListType list, QObject *parent)
-    : TableModel(parent)
+    : RecordListModel(parent)
     , type(list)
 {}
 
-void TaskListModel::setRows(TaskRows rows)
+void TaskListModel::fetch()
 {
     beginResetModel();
-    dataSourceTasks = std::move(rows);
+    dataSourceTasks = query().fetch();
     endResetModel();
 }
 
-void TaskListModel::update(const TaskListQuery &query, const std::set<RowId> &changed,
-                           const std::set<RowId> &held)
+void TaskListModel::update(const std::set<RowId> &changed, const std::set<RowId> &held)
 {
-    TaskRowsUpdate(dataSourceTasks, query, *this).run(changed, held);
+    // It keeps a reference.
+    const TaskListQuery list = query();
+    TaskRowsUpdate(dataSourceTasks, list, *this).run(changed, held);
 }
 
-TaskPtr TaskListModel::taskAt(int row) const
+bool TaskListModel::isRegroupedBy(const StoreChanges &changes) const
+{
+    return query().isRegroupedBy(changes);
+}
+
+ObjectPtr TaskListModel::recordAt(int row) const
 {
     return row >= 0 && row < dataSourceTasks.size() ? dataSourceTasks.taskAt(row) : nullptr;
 }
 
-int TaskListModel::rowOf(const TaskPtr &task) const
+int TaskListModel::rowOf(const ObjectPtr &record) const
 {
+    const auto task = std::dynamic_pointer_cast<EntityTask>(record);
     return task ? dataSourceTasks.rowOf(*task) : -1;
 }
 

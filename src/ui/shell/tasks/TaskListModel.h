@@ -1,11 +1,11 @@
 #pragma once
 
+#include "records/RecordListModel.h"
 #include "records/TaskRowContent.h"
 #include "store/queries/TaskRowsUpdate.h"
-#include "widgets/TableModel.h"
 
-/// The rows of a task list as a view takes them. A task is loaded when its row is asked for.
-class TaskListModel : public TableModel, private TaskRowsWatcher
+/// The rows of a task list under their headers.
+class TaskListModel : public RecordListModel, private TaskRowsWatcher
 {
     Q_OBJECT
 public:
@@ -16,14 +16,15 @@ public:
 
     ListType listType() const { return type; }
     const TaskRows &rows() const { return dataSourceTasks; }
-    void setRows(TaskRows rows);
-    /// Brings the rows of changed tasks up to date and leaves all others alone.
-    /// \param held tasks that changed, too, but stay where they are.
-    void update(const TaskListQuery &query, const std::set<RowId> &changed, const std::set<RowId> &held);
-    /// The task at a row, or null if the row is something else.
-    TaskPtr taskAt(int row) const;
-    /// The row of a task, or -1.
-    int rowOf(const TaskPtr &task) const;
+    /// What is listed, asked at each fetch and at each change.
+    void setQuery(std::function<TaskListQuery()> listQuery) { query = std::move(listQuery); }
+
+    void fetch() override;
+    void update(const std::set<RowId> &changed, const std::set<RowId> &held) override;
+    bool isRegroupedBy(const StoreChanges &changes) const override;
+    ObjectPtr recordAt(int row) const override;
+    RowId identifierAt(int row) const override { return dataSourceTasks.identifierAt(row); }
+    int rowOf(const ObjectPtr &record) const override;
     RowKind kindOf(int row) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -45,5 +46,6 @@ private:
     void rowChanged(int row) override { Q_EMIT dataChanged(index(row), index(row)); }
 
     ListType type;
+    std::function<TaskListQuery()> query;
     TaskRows dataSourceTasks;
 };

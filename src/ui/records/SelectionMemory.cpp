@@ -1,43 +1,44 @@
-#include "shell/tasks/SelectionMemory.h"
+#include "records/SelectionMemory.h"
 
-#include "shell/tasks/TaskListModel.h"
+#include "records/RecordListModel.h"
 #include "widgets/TableViewExtended.h"
 
 #include <QScrollBar>
 
-SelectionMemory SelectionMemory::of(const TableViewExtended &view, const TaskListModel &model)
+SelectionMemory SelectionMemory::of(const TableViewExtended &view, const RecordListModel &model)
 {
     SelectionMemory memory;
     const std::set<int> rows = view.selectedRows();
     memory.scrollValue = view.verticalScrollBar()->value();
-    memory.currentTask = model.taskAt(view.currentRow());
+    memory.currentRecord = model.recordAt(view.currentRow());
     if (rows.empty())
         return memory;
     memory.firstRow = *rows.begin();
     for (const int row : rows)
-        memory.tasks.insert(model.rows().identifierAt(row));
+        memory.records.insert(model.identifierAt(row));
     return memory;
 }
 
-static int rowNear(const TaskListModel &model, int row)
+static int rowNear(const RecordListModel &model, int row)
 {
     const int inside = std::min(row, model.rowCount() - 1);
     const int below = model.nearestItem(inside, 1);
     return below >= 0 ? below : model.nearestItem(inside, -1);
 }
 
-void SelectionMemory::selectNear(TableViewExtended &view, const TaskListModel &model, int row)
+void SelectionMemory::selectNear(TableViewExtended &view, const RecordListModel &model, int row)
 {
     if (const int near = rowNear(model, row); near >= 0)
         view.selectRow(near);
 }
 
-void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &model, Otherwise otherwise) const
+void SelectionMemory::restore(TableViewExtended &view, const RecordListModel &model,
+                              Otherwise otherwise) const
 {
     view.verticalScrollBar()->setValue(scrollValue);
     std::set<int> rows;
-    for (int row = 0; !tasks.empty() && row < model.rowCount(); ++row) {
-        if (tasks.contains(model.rows().identifierAt(row)))
+    for (int row = 0; !records.empty() && row < model.rowCount(); ++row) {
+        if (records.contains(model.identifierAt(row)))
             rows.insert(rows.end(), row);
     }
     if (rows.empty() && firstRow >= 0 && otherwise == Otherwise::Neighbour) {
@@ -46,6 +47,6 @@ void SelectionMemory::restore(TableViewExtended &view, const TaskListModel &mode
     }
     if (!rows.empty())
         view.selectRows(rows);
-    if (const int row = model.rowOf(currentTask); row >= 0)
+    if (const int row = model.rowOf(currentRecord); row >= 0)
         view.selectionModel()->setCurrentIndex(model.index(row), QItemSelectionModel::NoUpdate);
 }

@@ -1,0 +1,429 @@
+#include "records/RecordListScreen.h"
+
+#include "filters/TasksFilterButton.h"
+#include "filters/TasksTabTopView.h"
+#include "foundation/Clock.h"
+#include "records/DetailStack.h"
+#include "records/dates/MVDate.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/EmptyState.h"
+#include "widgets/LongWork.h"
+#include "widgets/TableCell.h"
+#include "widgets/Theme.h"
+
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Long enough for a tick to be seen before its row leaves.
+constexpr auto tickSeen = std::chrono::milliseconds(1000);
+/// The part of the screen that panes beside a list take.
+constexpr double besideList = 0.595;
+
+RecordListScreen::RecordListScreen(RecordListDescription listDescription, RecordListModel *model,
+                                   TableCell *cell, QWidget *parent)
+    : TabsViewController(listDescription.title, parent)
+    , description(std::move(listDescription))
+    , listModel(model)
+    , view(new TableViewExtended(this))
+    , listLayer(new QWidget(this))
+    , emptyState(new EmptyState(description.icon, description.emptySentence, listLayer))
+{
+    listModel->setParent(this);
+    setUpView(cell);
+    addButton(description.addType);
+    promptUpdate.setSingleShot(true);
+    connect(&promptUpdate, &QTimer::timeout, this, &RecordListScreen::updateRows);
+    seenUpdate.setSingleShot(true);
+    seenUpdate.setInterval(tickSeen);
+    connect(&seenUpdate, &QTimer::timeout, this, &RecordListScreen::isSeen);
+    opening.setSingleShot(true);
+    connect(&opening, &QTimer::timeout, this, &RecordListScreen::openSelected);
+    observe();
+}
+
+RecordListScreen::~RecordListScreen() = default;
+
+void RecordListScreen::setUpView(TableCell *cell)
+{
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(listLayer, 1);
+    auto *layers = new QStackedLayout(listLayer);
+    layers->setStackingMode(QStackedLayout::StackAll);
+    layers->addWidget(view);
+    layers->addWidget(emptyState);
+    view->setObjectName(description.tableName);
+    view->setAccessibleName(description.title);
+    view->setRowHeights(description.rowHeights);
+    cell->setParent(view);
+    view->setItemDelegate(cell);
+    view->setModel(listModel);
+    setFocusProxy(view);
+    if (!description.besideSentence.isEmpty())
+        besideState = new EmptyState(description.icon, description.besideSentence, this);
+    connect(view, &TableViewExtended::doubleAction, this, &RecordListScreen::rowOpened);
+    connect(view, &TableViewExtended::removeRequested, this, &RecordListScreen::removeSelection);
+    connect(view, &TableViewExtended::menuRequested, this, &RecordListScreen::showMenu);
+    connect(view, &TableViewExtended::rowSelectionChanged, this, &RecordListScreen::selectionChanged);
+}
+
+void RecordListScreen::observe()
+{
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    observations.push_back(center.addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); }));
+    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { reloadSoon(); }));
+}
+
+// What changed
+
+void RecordListScreen::storeChanged(const StoreChanges &changes)
+{
+    if (changes.isUnknown || listModel->isRegroupedBy(changes))
+        return reloadSoon();
+    for (const ObjectPtr &object : changes.inserted)
+        rowChanged(object, false);
+    for (const StoreChanges::Update &update : changes.updated)
+        rowChanged(update.object, false);
+    for (const ObjectPtr &object : changes.deleted)
+        rowChanged(object, true);
+    if (!changedRows.empty())
+        promptUpdate.start(0);
+    othersChanged(changes);
+}
+
+/// A row that stands until the user has seen its tick stands through further changes, but not without its
+/// record.
+void RecordListScreen::rowChanged(const ObjectPtr &object, bool isGone)
+{
+    if (object->entity().name() != description.entity)
+        return;
+    const RowId row = object->rowId();
+    if (isGone)
+        seenRows.erase(row);
+    else if (editedRows.contains(row))
+        seenRows.insert(row);
+    if (!seenRows.contains(row)) {
+        changedRows.insert(row);
+        return;
+    }
+    changedRows.erase(row);
+    view->viewport()->update();
+}
+
+void RecordListScreen::reloadSoon()
+{
+    isAllChanged = true;
+    promptUpdate.start(0);
+}
+
+/// With so many rows, one fetch is quicker than a step for each.
+bool RecordListScreen::mustReload() const
+{
+    constexpr size_t mostSteps = 200;
+    constexpr int mostSelected = 2000;
+    return isAllChanged || changedRows.size() > mostSteps ||
+           shownDay != MVDate::getStartOfDay(Clock::now()) || view->selectedCount() > mostSelected;
+}
+
+void RecordListScreen::updateRows()
+{
+    promptUpdate.stop();
+    if (mustReload())
+        return reloadData();
+    if (!changedRows.empty())
+        update(std::exchange(changedRows, {}), seenRows);
+}
+
+void RecordListScreen::isSeen()
+{
+    changedRows.merge(seenRows);
+    seenRows.clear();
+    updateRows();
+}
+
+/// What is selected, seen and current stays so. If all that was selected goes, its neighbour takes its place.
+void RecordListScreen::update(const std::set<RowId> &changed, const std::set<RowId> &held)
+{
+    const int selected = view->firstSelectedRow();
+    const std::vector<ObjectPtr> shown = shownRecords();
+    std::vector<TableViewExtended::Sight> sights = view->rowsInSight();
+    std::erase_if(sights, [&](const TableViewExtended::Sight &sight) {
+        return changed.contains(listModel->identifierAt(sight.row.row()));
+    });
+    const bool isAtTop = view->verticalScrollBar()->value() == 0;
+    listModel->update(changed, held);
+    if (selected >= 0 && !view->hasSelectedRows())
+        SelectionMemory::selectNear(*view, *listModel, selected);
+    if (isAtTop || !sights.empty())
+        view->keepInSight(sights);
+    updateEmptyState();
+    closeDetailsOf(shown);
+    Q_EMIT commandsChanged();
+}
+
+void RecordListScreen::reloadData()
+{
+    reload(SelectionMemory::Otherwise::Neighbour);
+}
+
+void RecordListScreen::reload(SelectionMemory::Otherwise otherwise)
+{
+    promptUpdate.stop();
+    seenUpdate.stop();
+    changedRows.clear();
+    seenRows.clear();
+    isAllChanged = false;
+    shownDay = MVDate::getStartOfDay(Clock::now());
+    const SelectionMemory memory = SelectionMemory::of(*view, *listModel);
+    const std::vector<ObjectPtr> shown = shownRecords();
+    showFilterState();
+    listModel->fetch();
+    memory.restore(*view, *listModel, otherwise);
+    updateEmptyState();
+    if (std::exchange(mustCloseHidden, false))
+        closeHiddenDetails();
+    else
+        closeDetailsOf(shown);
+    // Beside its list a pane is never missed.
+    const bool mustSelect =
+        description.opens == RecordListDescription::Opens::OnSelection && !view->hasSelectedRows();
+    if (const int first = listModel->nearestItem(0, 1); mustSelect && first >= 0)
+        view->selectRow(first);
+    Q_EMIT commandsChanged();
+}
+
+void RecordListScreen::updateEmptyState()
+{
+    const bool isEmpty = !hasRows();
+    const bool isByFilter = isEmpty && canClearFilter();
+    emptyState->setVisible(isEmpty && !isByFilter && !emptyState->sentence().isEmpty());
+    if (filteredState)
+        filteredState->setVisible(isByFilter);
+}
+
+void RecordListScreen::clearController()
+{
+    opening.stop();
+    if (topView)
+        topView->buttonFilter()->closePopover();
+}
+
+// Selection
+
+std::vector<ObjectPtr> RecordListScreen::recordsAt(const std::set<int> &numbers) const
+{
+    std::vector<ObjectPtr> records;
+    for (const int row : numbers) {
+        if (ObjectPtr record = listModel->recordAt(row))
+            records.push_back(std::move(record));
+    }
+    return records;
+}
+
+ObjectPtr RecordListScreen::selectedRecord() const
+{
+    return view->selectedCount() == 1 ? listModel->recordAt(*view->selectedRows().begin()) : nullptr;
+}
+
+bool RecordListScreen::hasSelection() const
+{
+    return view->hasSelectedRows();
+}
+
+bool RecordListScreen::hasRows() const
+{
+    return listModel->nearestItem(0, 1) >= 0;
+}
+
+void RecordListScreen::selectAll()
+{
+    view->selectAll();
+}
+
+void RecordListScreen::selectItem(const ObjectPtr &record)
+{
+    const int row = listModel->rowOf(record);
+    if (row < 0)
+        return;
+    view->selectRow(row);
+    view->scrollToRow(row);
+    showDetail(record);
+}
+
+void RecordListScreen::selectionChanged()
+{
+    // Keys that come in quick succession open one pane.
+    if (description.opens == RecordListDescription::Opens::OnSelection)
+        opening.start(0);
+    Q_EMIT commandsChanged();
+}
+
+void RecordListScreen::openSelected()
+{
+    if (const ObjectPtr record = selectedRecord())
+        return showDetail(record);
+    if (detailStack() && detailStack()->mayLeave())
+        detailStack()->removeAllDetail();
+}
+
+QRect RecordListScreen::placeOfRecord(const ObjectPtr &record) const
+{
+    const int row = listModel->rowOf(record);
+    if (row < 0)
+        return {rect().topLeft(), QSize(width(), 1)};
+    const QRect inView = view->visualRect(listModel->index(row));
+    return {view->viewport()->mapTo(this, inView.topLeft()) + QPoint(Theme::contentMargin, 0), inView.size()};
+}
+
+// Panes
+
+void RecordListScreen::rowOpened(int row)
+{
+    const ObjectPtr record = listModel->recordAt(row);
+    if (!record)
+        return;
+    if (view->selectedCount() > 1)
+        return severalOpened();
+    showDetail(record);
+    if (description.opens == RecordListDescription::Opens::OnSelection && detailStack()->top())
+        detailStack()->top()->setFocus();
+}
+
+void RecordListScreen::showDetail(const ObjectPtr &record)
+{
+    opening.stop();
+    DetailStack *const stack = detailStack();
+    if (!stack)
+        return;
+    const bool isBeside = description.opens == RecordListDescription::Opens::OnSelection;
+    DetailViewController *const open = stack->paneOf(record);
+    if (isBeside && open && open == stack->top())
+        return;
+    DetailViewController *const pane = open && !isBeside ? nullptr : makePane(record);
+    if (!open && !pane)
+        return;
+    const bool isShown = isBeside ? stack->embed(pane, *this)
+                         : open   ? stack->showAgain(open)
+                                  : stack->showDetail(pane, this);
+    // The user stays with the record that is edited, and so does the selection.
+    if (!isShown && stack->top())
+        detailOnTop(stack->top()->record());
+}
+
+void RecordListScreen::detailOnTop(const ObjectPtr &record)
+{
+    const int row = listModel->rowOf(record);
+    if (row < 0 || (view->selectedCount() == 1 && view->firstSelectedRow() == row))
+        return;
+    view->selectRow(row);
+    view->scrollToRow(row);
+}
+
+/// The records of its kind that panes are about and rows stand for.
+std::vector<ObjectPtr> RecordListScreen::shownRecords() const
+{
+    if (!detailStack())
+        return {};
+    std::vector<ObjectPtr> shown = detailStack()->shownRecords();
+    std::erase_if(shown, [this](const ObjectPtr &record) { return listModel->rowOf(record) < 0; });
+    return shown;
+}
+
+/// A pane goes with its row. What is being typed stays, whatever the list shows.
+void RecordListScreen::closeDetailsOf(const std::vector<ObjectPtr> &shownBefore)
+{
+    std::vector<ObjectPtr> gone = shownBefore;
+    std::erase_if(gone, [this](const ObjectPtr &record) {
+        DetailViewController *const pane = detailStack()->paneOf(record);
+        return listModel->rowOf(record) >= 0 || !pane || pane->canSave() || pane->hasChanges();
+    });
+    if (!gone.empty())
+        detailStack()->removeAllDetailFrom(gone);
+}
+
+void RecordListScreen::closeHiddenDetails()
+{
+    if (!detailStack())
+        return;
+    std::vector<ObjectPtr> ofKind = detailStack()->shownRecords();
+    std::erase_if(ofKind,
+                  [this](const ObjectPtr &record) { return record->entity().name() != description.entity; });
+    closeDetailsOf(ofKind);
+}
+
+void RecordListScreen::setDetailSpace(int width)
+{
+    if (description.opens == RecordListDescription::Opens::OnSelection)
+        width = qRound(this->width() * besideList);
+    listLayer->setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
+    if (besideState)
+        besideState->setGeometry(
+            QStyle::visualRect(layoutDirection(), rect(), QRect(this->width() - width, 0, width, height())));
+}
+
+void RecordListScreen::resizeEvent(QResizeEvent *event)
+{
+    TabsViewController::resizeEvent(event);
+    if (besideState)
+        setDetailSpace(0);
+}
+
+// Deleting
+
+void RecordListScreen::removeSelection()
+{
+    const std::set<int> numbers = view->selectedRows();
+    const std::vector<ObjectPtr> going = removable(recordsAt(numbers));
+    if (going.empty())
+        return;
+    const int lastIndex = *numbers.rbegin();
+    if (detailStack()) {
+        if (!detailStack()->mayLeave(going))
+            return;
+        detailStack()->removeAllDetailFrom(going);
+    }
+    const auto removed = [this, going, lastIndex] {
+        for (const ObjectPtr &record : going)
+            rowChanged(record, true);
+        selectAfterRemoval(lastIndex);
+    };
+    LongWork work(going.size(), description.deletingSentence);
+    remove(going, removed, [&work] { return work.step(); });
+}
+
+void RecordListScreen::selectAfterRemoval(int lastIndex)
+{
+    view->clearSelection();
+    updateRows();
+    const int row = listModel->nearestItem(std::min(lastIndex, listModel->rowCount() - 1), -1);
+    if (row >= 0)
+        view->selectRow(row);
+}
+
+// Changing
+
+void RecordListScreen::changeInRows(const std::vector<ObjectPtr> &records,
+                                    const std::function<void()> &change)
+{
+    std::set<RowId> edited;
+    for (const ObjectPtr &record : records)
+        edited.insert(record->rowId());
+    {
+        // A question lets other things happen to other rows.
+        const QScopedValueRollback editing(editedRows, edited);
+        change();
+    }
+    // Also those of a save that waits.
+    for (const RowId row : edited) {
+        if (!changedRows.contains(row))
+            seenRows.insert(row);
+    }
+    view->viewport()->update();
+    seenUpdate.start();
+}

@@ -1,0 +1,166 @@
+#pragma once
+
+#include "filters/FilterState.h"
+#include "foundation/NotificationCenter.h"
+#include "records/RecordListModel.h"
+#include "records/SelectionMemory.h"
+#include "records/TabsViewController.h"
+#include "widgets/TableViewExtended.h"
+
+#include <QTimer>
+
+#include <functional>
+#include <set>
+#include <string_view>
+#include <vector>
+
+class EmptyState;
+class ListFilter;
+class QVBoxLayout;
+class TableCell;
+class TasksTabTopView;
+
+/// What makes one list of records differ from another.
+struct RecordListDescription
+{
+    QString title;
+    QString icon;
+    /// The entity whose records are the rows.
+    std::string_view entity;
+    /// What the table is called among the widgets.
+    QString tableName;
+    ToolBarButton::ActionType addType;
+    /// What an empty list says in its middle; empty if it says so in a row of its own.
+    QString emptySentence = {};
+    /// The same of a list whose filter leaves nothing.
+    QString filteredSentence = {};
+    /// What stands over the sign of a long deletion.
+    QString deletingSentence = {};
+    DetailPlace detailPlace = {};
+    RowHeights rowHeights = {};
+    /// When the pane about a record comes up: on two presses, over the list, or beside it with the selection.
+    enum class Opens { OnDoubleClick, OnSelection } opens = Opens::OnDoubleClick;
+    /// What stands beside the list while no pane does, where panes come with the selection.
+    QString besideSentence = {};
+};
+
+/// A screen of records of one kind: a list that follows the store row by row, with what is selected, seen and
+/// opened kept through every change, and a filter above it. Of the kind it knows what its description, its
+/// model and its cell say, and what the operations below do.
+class RecordListScreen : public TabsViewController
+{
+    Q_OBJECT
+public:
+    /// \param model the rows, and `cell` what paints them; both go with the screen.
+    RecordListScreen(RecordListDescription description, RecordListModel *model, TableCell *cell,
+                     QWidget *parent = nullptr);
+    ~RecordListScreen() override;
+
+    TableViewExtended *table() const { return view; }
+
+    void reloadData() override;
+    void updateRows() override;
+    bool hasSelection() const override;
+    bool hasRows() const override;
+    void removeSelection() override;
+    void selectAll() override;
+    DetailPlace detailPlace() const override { return description.detailPlace; }
+    void setDetailSpace(int width) override;
+    void detailOnTop(const ObjectPtr &record) override;
+    void clearController() override;
+    void selectItem(const ObjectPtr &record) override;
+    void takeKeysBack() override { view->setFocus(); }
+
+    // The filter.
+    void openFilter() override;
+    void clearFilter() override;
+    bool canFilter() const override;
+    bool canClearFilter() const override;
+
+    /// The one record that is selected, or null.
+    ObjectPtr selectedRecord() const;
+    /// Shows a record in a pane. One that is edited keeps the user there, and its row selected.
+    void showDetail(const ObjectPtr &record);
+    /// Where the row of a record is on the screen; the upper edge without one.
+    QRect placeOfRecord(const ObjectPtr &record) const;
+
+protected:
+    // What a kind of record does its own way.
+    /// A new pane about a record; null for a kind without one.
+    virtual DetailViewController *makePane(const ObjectPtr &record) = 0;
+    /// Those of the selected records that may be deleted. Who is told why others may not, is told here.
+    virtual std::vector<ObjectPtr> removable(const std::vector<ObjectPtr> &records) { return records; }
+    using Step = std::function<bool()>;
+    /// Asks and deletes; `removed` is called once it is done, and `step` for each record: false ends it.
+    virtual void remove(const std::vector<ObjectPtr> &records, const std::function<void()> &removed,
+                        const Step &step) = 0;
+    /// The context menu is asked for, with its rows selected.
+    virtual void showMenu(const QPoint &globalPosition) { Q_UNUSED(globalPosition) }
+    /// What a commit did, to a screen that shows more than its rows.
+    virtual void othersChanged(const StoreChanges &changes) { Q_UNUSED(changes) }
+    /// The number of the grouping that makes the filter rest; -1 for none.
+    virtual int groupingIndex() const { return -1; }
+    /// Two presses on a row while several are selected.
+    virtual void severalOpened() {}
+
+    /// Puts the strip with the filter above the list. `filter` has to outlive the screen's rows.
+    void setUpFilter(ListFilter &filter);
+    TasksTabTopView *filterStrip() const { return topView; }
+    /// What the list is to leave out; null for nothing.
+    const FilterEntry *filter() const { return filterState ? filterState->filterOfList() : nullptr; }
+
+    void resizeEvent(QResizeEvent *event) override;
+
+    std::vector<ObjectPtr> recordsAt(const std::set<int> &rows) const;
+    /// Fetches all rows at once.
+    void reload(SelectionMemory::Otherwise otherwise);
+    /// All rows are fetched anew, soon; several wishes in quick succession share one fetch.
+    void reloadSoon();
+    /// Runs a change of records in their rows, which stay for a moment as they are, so that it is seen.
+    void changeInRows(const std::vector<ObjectPtr> &records, const std::function<void()> &change);
+
+private:
+    void setUpView(TableCell *cell);
+    void observe();
+    void storeChanged(const StoreChanges &changes);
+    void rowChanged(const ObjectPtr &object, bool isGone);
+    bool mustReload() const;
+    void update(const std::set<RowId> &changed, const std::set<RowId> &held);
+    void isSeen();
+    void showFilterState();
+    void closeHiddenDetails();
+    void closeDetailsOf(const std::vector<ObjectPtr> &shownBefore);
+    std::vector<ObjectPtr> shownRecords() const;
+    void rowOpened(int row);
+    void selectionChanged();
+    void openSelected();
+    void selectAfterRemoval(int lastIndex);
+    void updateEmptyState();
+
+    RecordListDescription description;
+    RecordListModel *listModel;
+    TableViewExtended *view;
+    QWidget *listLayer;
+    EmptyState *emptyState;
+    EmptyState *filteredState = nullptr;
+    EmptyState *besideState = nullptr;
+    TasksTabTopView *topView = nullptr;
+    /// Null for a list without a filter.
+    std::unique_ptr<FilterState> filterState;
+    /// A filter changed since the rows were fetched.
+    bool mustCloseHidden = false;
+    /// The records that changed since the rows were brought up to date.
+    std::set<RowId> changedRows;
+    /// Those whose change the user is to see before they leave.
+    std::set<RowId> seenRows;
+    QTimer promptUpdate;
+    QTimer seenUpdate;
+    QTimer opening;
+    /// Everything can be different.
+    bool isAllChanged = false;
+    /// Those that the user is changing in their rows just now.
+    std::set<RowId> editedRows;
+    /// The day on which the rows were fetched: on another one other records may belong to the list.
+    Date shownDay;
+    std::vector<Observation> observations;
+};
