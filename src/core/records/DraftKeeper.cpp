@@ -4,7 +4,7 @@
 #include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 #include "foundation/PrivateFiles.h"
-#include "records/TaskFormState.h"
+#include "records/FormModel.h"
 #include "store/queries/DBWorker.h"
 
 #include <QDir>
@@ -25,7 +25,7 @@ static std::vector<DraftKeeper *> &keepers()
     return all;
 }
 
-DraftKeeper::DraftKeeper(const TaskFormState &formToKeep)
+DraftKeeper::DraftKeeper(const FormModel &formToKeep)
     : form(formToKeep)
 {
     keepers().push_back(this);
@@ -53,11 +53,9 @@ void DraftKeeper::write()
 {
     pause.stop();
     longest.stop();
-    if (!form.isEdited())
+    const QByteArray contents = form.encodedDraft();
+    if (contents.isEmpty())
         return drop();
-    TaskDraft draft = form.draft();
-    draft.isOfSample = DBWorker::isSample();
-    const QByteArray contents = draft.encoded();
     if (contents == written)
         return;
     if (path.isEmpty()) {

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-class TaskFormState;
+class FormModel;
 
 /// Keeps what stands in a form in a file, from the first change until it is saved or given up. Whatever ends
 /// the program in between, the next start finds the text there.
@@ -16,7 +16,7 @@ class DraftKeeper
 {
 public:
     /// `form` has to outlive the keeper.
-    explicit DraftKeeper(const TaskFormState &form);
+    explicit DraftKeeper(const FormModel &form);
     ~DraftKeeper();
     Q_DISABLE_COPY_MOVE(DraftKeeper)
 
@@ -37,7 +37,7 @@ public:
     static void finishAll();
 
 private:
-    const TaskFormState &form;
+    const FormModel &form;
     QTimer pause;
     QTimer longest;
     QString path;

@@ -20,13 +20,13 @@ void TaskFormState::editDates(Edit edit)
     if (task.dueDate != before.dueDate)
         dueDateChanged();
     if (task.dueSomeDay != before.dueSomeDay)
-        note(TaskField::DueSomeDay);
+        note();
     if (task.alert != before.alert)
-        note(TaskField::Alert);
+        tell();
     if (task.secondAlert != before.secondAlert)
-        note(TaskField::SecondAlert);
+        note();
     if (task.endRepeat != before.endRepeat)
-        note(TaskField::EndRepeat);
+        note();
 }
 
 void TaskFormState::setType(const QString &word)
@@ -44,7 +44,7 @@ void TaskFormState::setType(const QString &word)
     dropRepeatAndAlerts();
     if (!task.isToDo())
         startDateChanged();
-    note(TaskField::Type);
+    note();
 }
 
 void TaskFormState::dropRepeatAndAlerts()
@@ -52,7 +52,7 @@ void TaskFormState::dropRepeatAndAlerts()
     task.secondAlert.reset();
     task.alert.reset();
     task.repeat = u""_s;
-    note(TaskField::Repeat);
+    note();
 }
 
 /// A rule that was made here follows the date that the series begins with. That of a stored series does so
@@ -74,16 +74,17 @@ void TaskFormState::startDateChanged()
     if (!task.startDate)
         dropRepeatAndAlerts();
     task.dueSomeDay = false;
-    note(TaskField::StartDate);
-    if (task.isAppointment() && task.startDate && !task.dueDate && dueDateWanted)
-        dueDateWanted();
+    note();
+    // An appointment needs both dates.
+    if (task.isAppointment() && task.startDate && !task.dueDate && pickerWanted)
+        pickerWanted(static_cast<int>(TaskFormRow::EndDate));
 }
 
 void TaskFormState::dueDateChanged()
 {
     if (task.isEmailCall() && !task.dueDate)
         dropRepeatAndAlerts();
-    note(TaskField::DueDate);
+    note();
 }
 
 OptionalDate TaskFormState::dateOf(PickerType picker) const

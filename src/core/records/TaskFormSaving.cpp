@@ -107,13 +107,13 @@ void TaskFormState::changeStatusNow(bool done)
     }
     if (end == SaveEnd::GivenUp) {
         task = before;
-        return note(TaskField::Status);
+        return note();
     }
     // What the rules refused has not happened.
     if (task.task())
         task.status = task.task()->status();
     takeBase();
-    note(TaskField::Status);
+    note();
 }
 
 bool TaskFormState::isGone() const
@@ -127,7 +127,7 @@ void TaskFormState::rollback()
 {
     task.rollback();
     takeBase();
-    note(TaskField::Title);
+    note();
 }
 
 /// From here on the row is asked for its changes.
@@ -141,10 +141,10 @@ void TaskFormState::followRow()
     if (isGone())
         return;
     const MVTask present(task.task());
-    const bool isChanged = TaskMerge::follow(task, base, present);
+    const bool hasFollowed = TaskMerge::follow(task, base, present);
     base = present;
-    if (isChanged && fieldChanged)
-        fieldChanged(TaskField::Title);
+    if (hasFollowed && changed)
+        changed();
 }
 
 // Drafts
@@ -159,6 +159,21 @@ bool TaskFormState::isEdited() const
             isSame = isSame && taskcolumns::isSame(task.*column.member, base.*column.member);
     });
     return !isSame;
+}
+
+bool TaskFormState::isChanged()
+{
+    followRow();
+    return task.isChangedTask();
+}
+
+QByteArray TaskFormState::encodedDraft() const
+{
+    if (!isEdited())
+        return {};
+    TaskDraft kept = draft();
+    kept.isOfSample = DBWorker::isSample();
+    return kept.encoded();
 }
 
 TaskDraft TaskFormState::draft() const
@@ -177,5 +192,5 @@ void TaskFormState::resume(const TaskDraft &draft)
     });
     TaskMerge::follow(task, draft.base, present);
     base = present;
-    note(TaskField::Title);
+    note();
 }

@@ -52,14 +52,18 @@ void TaskFormState::startEntityTaskValue(const NewTaskRequest &request)
     task.dueSomeDay = request.typeTask == ListType::Someday;
 }
 
-void TaskFormState::note(TaskField field)
+void TaskFormState::note()
 {
-    // Alerts move while a save runs, and are shown all the same.
-    if (savePause && field != TaskField::Alert)
-        return;
+    if (!savePause)
+        tell();
+}
+
+/// Alerts move while a save runs, and are shown all the same.
+void TaskFormState::tell()
+{
     touched = true;
-    if (fieldChanged)
-        fieldChanged(field);
+    if (changed)
+        changed();
 }
 
 // Plain fields
@@ -69,7 +73,7 @@ void TaskFormState::setTitle(const QString &title)
     if (title == task.title)
         return;
     task.title = title;
-    note(TaskField::Title);
+    note();
 }
 
 void TaskFormState::setDetails(const QString &details)
@@ -77,26 +81,26 @@ void TaskFormState::setDetails(const QString &details)
     if (details == task.details)
         return;
     task.details = details;
-    note(TaskField::Details);
+    note();
 }
 
 void TaskFormState::setCalendar(const QString &typeCalendarID)
 {
     task.typeCalendarID = typeCalendarID;
-    note(TaskField::Calendar);
+    note();
 }
 
 void TaskFormState::setCategory(const CategoryPtr &category)
 {
     task.category = category;
-    note(TaskField::Category);
+    note();
 }
 
 void TaskFormState::setStatus(TaskStatus status)
 {
     task.expirationDate.reset();
     task.changeStatus(Functional::statusStringFromType(status), false);
-    note(TaskField::Status);
+    note();
 }
 
 void TaskFormState::setDone(bool done)
@@ -107,27 +111,26 @@ void TaskFormState::setDone(bool done)
 void TaskFormState::setPriority(Priority priority)
 {
     task.priority = priority;
-    note(TaskField::Priority);
+    note();
 }
 
 void TaskFormState::setLocation(const std::shared_ptr<EntityLocation> &location)
 {
     task.location = location;
-    note(TaskField::Location);
+    note();
 }
 
 void TaskFormState::setDelegate(const ContactPtr &contact)
 {
     task.delegateToUser = contact;
     task.company = contact ? contact->company() : nullptr;
-    note(TaskField::Delegate);
-    note(TaskField::Company);
+    note();
 }
 
 void TaskFormState::setCompany(const CompanyPtr &company)
 {
     task.company = company;
-    note(TaskField::Company);
+    note();
 }
 
 bool TaskFormState::setProject(const ProjectPtr &project)
@@ -137,7 +140,7 @@ bool TaskFormState::setProject(const ProjectPtr &project)
                        project->startDate(), project->dueDate(), task.startDate, task.dueDate);
     if (!isRefused)
         task.project = project;
-    note(TaskField::Project);
+    note();
     return !isRefused;
 }
 
@@ -146,7 +149,7 @@ bool TaskFormState::setProject(const ProjectPtr &project)
 void TaskFormState::setRepeat(const QString &rule)
 {
     task.repeat = rule;
-    note(TaskField::Repeat);
+    note();
 }
 
 void TaskFormState::setRepeatPreset(int index)
@@ -174,5 +177,5 @@ CustomRepeat TaskFormState::customRepeat() const
 void TaskFormState::findInvitation()
 {
     invited = TaskInvitation::of(task);
-    note(TaskField::Delegate);
+    note();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "eventkit/EKCalendar.h"
-#include "records/DatePickerState.h"
+#include "records/FormModel.h"
 #include "records/NewTaskRequest.h"
 #include "records/TaskDraft.h"
 #include "records/TaskFields.h"
@@ -10,11 +9,11 @@
 #include "recurrence/CustomRepeat.h"
 #include "recurrence/RepeatPicker.h"
 
-#include <functional>
+#include <map>
 
 /// A task while it is edited in a form: the working copy, and what the change of one field does to others and
 /// to the rows that are shown. Main thread only.
-class TaskFormState
+class TaskFormState : public FormModel
 {
 public:
     /// A new task with what it begins with.
@@ -23,14 +22,6 @@ public:
     explicit TaskFormState(const TaskPtr &task);
     /// A new task with what an earlier form was left with, be it of a new task or of one that is gone.
     explicit TaskFormState(const TaskDraft &draft);
-
-    TaskFormState(const TaskFormState &) = delete;
-    TaskFormState &operator=(const TaskFormState &) = delete;
-
-    /// Called after each change, once for each field that it reached; not while a save runs.
-    std::function<void(TaskField)> fieldChanged;
-    /// The due picker is to open, since an appointment needs both dates.
-    std::function<void()> dueDateWanted;
 
     const MVTask &currentTask() const { return task; }
 
@@ -70,7 +61,34 @@ public:
     /// The custom window's state, beginning with the rule of the task.
     CustomRepeat customRepeat() const;
 
-    // What is shown.
+    // What is shown, and put in, row by row.
+    std::vector<FormRow> rows() const override;
+    QString label(int row) const override { return label(TaskFormRow(row)); }
+    QString text(int row) const override { return previewText(TaskFormRow(row)); }
+    FormMark mark(int row) const override;
+    bool hasValue(int row) const override { return hasValue(TaskFormRow(row)); }
+    bool isShown(int row) const override { return isRowShown(TaskFormRow(row)); }
+    bool isShownInPreview(int row) const override { return isRowShownInPreview(TaskFormRow(row)); }
+    /// An invitation names the organiser, whom nobody can change here.
+    bool isGiven(int row) const override;
+    bool isEnabled(int row) const override;
+    void setText(int row, const QString &text) override;
+    std::vector<FormChoice> choices(int row) override;
+    int chosen(int row) const override;
+    void choose(int row, int place) override;
+    std::string_view entityOfChoices(int row) const override;
+    FormDate date(int row) const override;
+    DatePickerState openPicker(int row) override;
+    void acceptDate(int, DatePickerState &picker, Date date) override { acceptDate(picker, date); }
+    void toggleCheck(int, DatePickerState &picker, bool isChecked) override
+    {
+        toggleCheck(picker, isChecked);
+    }
+    void clear(int row) override;
+    bool hasCheckBox() const override { return true; }
+    /// A task that cannot be changed cannot be ticked off.
+    std::optional<bool> isTicked() const override;
+
     bool isRowShown(TaskFormRow row) const;
     /// Without the rows that have nothing to say.
     bool isRowShownInPreview(TaskFormRow row) const;
@@ -91,31 +109,31 @@ public:
     /// Whether its calendar lets the task be changed.
     bool allowsModifyEvent() const { return task.allowsContentModifications.value_or(true); }
     /// A task that is done or lies on a read-only calendar cannot be edited.
-    bool canEdit() const;
-    bool canSave() const { return !task.title.isEmpty(); }
-    /// Whether the user has put in anything that would be missed.
-    bool isTouched() const { return touched; }
+    bool canEdit() const override;
+    bool allowsEditing() const override { return allowsModifyEvent(); }
+    bool canSave() const override { return !task.title.isEmpty(); }
+    bool isTouched() const override { return touched; }
+    bool isChanged() override;
+    bool isDifferent() override { return task.isChangedTask(); }
+    QString title() const override { return task.title; }
+    ObjectPtr record() const override { return task.task(); }
+    OptionalDate createdOn() const override { return task.creationDate; }
     /// Stores the task through the rules. False if they stopped it, with a message, if the user gave it up,
     /// or if the store cannot be written: of a new task there is no row then, and a stored one is saved by
     /// the next try. What was typed stays.
-    bool save();
-
-    enum class EditEnd { Unchanged, Saved, Removed, Refused };
-    /// Ends the edit of a stored task: saves if something changed, or was not stored the last time.
-    EditEnd finishEdit();
+    bool save() override;
+    EditEnd finishEdit() override;
     /// Ticks a stored task off, or opens it again, at once, with all that stands in the form. Nothing happens
     /// if the user gives it up.
     void changeStatusNow(bool done);
-    /// Whether the stored task was deleted, here or elsewhere.
-    bool isGone() const;
-    /// Reads everything from the row again.
-    void rollback();
-    /// Takes over what has changed in the row since the edit began; what the user has changed stays.
-    void followRow();
+    bool isGone() const override;
+    void rollback() override;
+    void followRow() override;
     /// Whether the form says something else than at its beginning, or than its row.
     bool isEdited() const;
     /// What would be lost with the form.
     TaskDraft draft() const;
+    QByteArray encodedDraft() const override;
     /// Lays what an earlier form of the stored task was left with over its row: what the user had changed
     /// there counts, anything else is as it is now.
     void resume(const TaskDraft &draft);
@@ -135,8 +153,18 @@ private:
     OptionalDate baseDate() const { return task.isEmailCall() ? task.dueDate : task.startDate; }
     QString dateText(OptionalDate date, bool withTime) const;
     QString repeatText() const;
-    void note(TaskField field);
+    void note();
+    void tell();
     void takeBase();
+
+    /// What stands behind a choice: a word, a number, a record (null for none), or nothing.
+    using Value = std::variant<std::monostate, QString, int, ObjectPtr>;
+    void offer(TaskFormRow row, FormChoice choice, Value value, std::vector<FormChoice> &choices);
+    template <typename Pointer>
+    void offerRecords(TaskFormRow row, const std::vector<Pointer> &records,
+                      QString (*titleOf)(const Pointer &), std::vector<FormChoice> &choices);
+    void offerCalendars(std::vector<FormChoice> &choices);
+    Value valueOf(TaskFormRow row) const;
 
     MVTask task;
     /// The row as it was when the copy was taken.
@@ -148,4 +176,6 @@ private:
     bool savePause = false;
     /// The row has values that could not be committed.
     bool isUncommitted = false;
+    /// What the choices of each row gave last.
+    std::map<TaskFormRow, std::vector<Value>> offered;
 };

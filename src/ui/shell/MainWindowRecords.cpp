@@ -91,7 +91,7 @@ bool MainWindowController::openDraft(const Drafts::Found &found)
     if (!details->paneOf(task) && details->hasChanges())
         return false;
     // The list may not show it.
-    if (!screen || !TaskDetailViewController::showTask(task, *screen, *details, screen->listType()))
+    if (!screen || !TaskDetailViewController::showTask(task, *screen, *details))
         return false;
     auto *pane = dynamic_cast<TaskDetailViewController *>(details->paneOf(task));
     if (!pane || pane->hasChanges())

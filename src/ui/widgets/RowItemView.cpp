@@ -47,11 +47,26 @@ RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget 
     label->setFixedWidth(labelWidth);
     label->setWordWrap(true);
     label->setAlignment(leading(*this));
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, Theme::secondaryText);
-    label->setPalette(palette);
+    colourLabel(Theme::secondaryText);
     label->hide();
     settle();
+}
+
+void RowItemView::colourLabel(const QColor &colour)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+}
+
+void RowItemView::setError(const QString &reason)
+{
+    if (reason == label->toolTip())
+        return;
+    label->setToolTip(reason);
+    colourLabel(reason.isEmpty() ? Theme::secondaryText : Theme::overdue);
+    if (label->buddy())
+        label->buddy()->setAccessibleDescription(reason);
 }
 
 void RowItemView::setLabel(const QString &text)

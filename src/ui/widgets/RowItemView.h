@@ -25,6 +25,9 @@ public:
     /// How far the content stands from the leading edge of the row.
     void setInset(int inset);
 
+    /// Says by its label why the value cannot stay; an empty text says that it can.
+    void setError(const QString &reason);
+
     bool isRowHidden() const { return isCollapsed; }
     void setRowHidden(bool hidden);
 
@@ -48,6 +51,7 @@ protected:
 
 private:
     QLabel *previewLabel();
+    void colourLabel(const QColor &colour);
     bool isLastShown() const;
     void setRowHeight(int height);
     void settle();

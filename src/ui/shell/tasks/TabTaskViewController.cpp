@@ -101,9 +101,7 @@ QRect TabTaskViewController::placeOf(const TaskPtr &task) const
 
 DetailViewController *TabTaskViewController::makePane(const ObjectPtr &record)
 {
-    auto *pane = new TaskDetailViewController(std::static_pointer_cast<EntityTask>(record));
-    pane->setTypeTask(type());
-    return pane;
+    return new TaskDetailViewController(std::static_pointer_cast<EntityTask>(record));
 }
 
 void TabTaskViewController::severalOpened()

@@ -1,24 +1,12 @@
 #pragma once
 
-#include "foundation/NotificationCenter.h"
-#include "objectstore/StoreChanges.h"
-#include "records/DetailViewController.h"
-#include "records/DraftKeeper.h"
+#include "records/RecordPane.h"
 #include "records/TaskFormState.h"
 
-#include <QTimer>
-
-#include <optional>
-#include <vector>
-
 class DetailStack;
-class QLabel;
-class QPushButton;
-class QToolButton;
-class TaskFormView;
 
-/// The pane about one stored task: first in words, then, on "Edit", as a form.
-class TaskDetailViewController : public DetailViewController
+/// The pane about one stored task.
+class TaskDetailViewController : public RecordPane
 {
     Q_OBJECT
 public:
@@ -26,59 +14,26 @@ public:
 
     /// Shows a task over a screen or another pane. One that is open already comes to the top.
     /// False if what is typed in another pane keeps the user there.
-    static bool showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack,
-                         std::optional<ListType> typeTask);
+    static bool showTask(const TaskPtr &task, QWidget &controller, DetailStack &stack);
 
     TaskFormState *taskForm() { return &form; }
-    bool isEditing() const;
-    /// The list that the task is seen from.
-    void setTypeTask(std::optional<ListType> type) { listType = type; }
-    std::optional<ListType> typeTask() const { return listType; }
-
-    bool shows(const ObjectPtr &record) const override;
-    bool canSave() const override { return isActive() && isEditing(); }
-    bool hasChanges() override;
-    bool saveEdit() override;
-    void dropEdit() override;
-    void clearController() override { keeper.finish(); }
-    ObjectPtr record() const override { return form.currentTask().task(); }
-
     /// Goes on with an edit that an earlier run of the program was left with.
     void resume(const Drafts::Found &found);
-    void setEditMode();
-    void setPreviewMode();
-    void clickButtonEdit();
-    void clickButtonBack();
     void clickButtonSendEmail();
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
+    bool mayEdit() override;
+    void editRefused() override;
+    void tick(bool done) override;
+    void modeChanged() override { findInvitationSoon(); }
+    void wasReadAnew() override { form.findInvitation(); }
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    QWidget *makeHeader();
-    QWidget *makeBody();
-    void observe();
-    bool isConcernedBy(const StoreChanges &changes) const;
-    void taskChanged();
-    void modeChanged(bool editing);
+    TaskDetailViewController(TaskFormState *newForm, QWidget *parent);
     void findInvitationSoon();
-    void statusChanged();
-    void changeCheckBoxDone(bool done);
-    void editAttempted();
-    void finishEdit();
-    void handOver();
-    void giveUpEdit();
 
-    TaskFormState form;
-    DraftKeeper keeper{form};
-    std::optional<ListType> listType;
-    TaskFormView *view = nullptr;
-    QPushButton *buttonEdit = nullptr;
-    QToolButton *buttonBack = nullptr;
-    QToolButton *buttonSendEmail = nullptr;
-    QLabel *labelCreated = nullptr;
-    QTimer refreshTimer;
+    TaskFormState &form;
+    QToolButton *buttonSendEmail;
     QTimer invitationTimer;
-    std::vector<Observation> observations;
 };

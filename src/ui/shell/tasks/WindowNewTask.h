@@ -1,17 +1,10 @@
 #pragma once
 
-#include "records/DraftKeeper.h"
-#include "records/LeaveGate.h"
+#include "records/RecordWindow.h"
 #include "records/TaskFormState.h"
 
-#include <QTimer>
-#include <QWidget>
-
-class QPushButton;
-class TaskFormView;
-
 /// The window for a new task.
-class WindowNewTask : public QWidget, public EditedPlace
+class WindowNewTask : public RecordWindow
 {
     Q_OBJECT
 public:
@@ -19,31 +12,13 @@ public:
     /// Begins with what an earlier form was left with.
     explicit WindowNewTask(const Drafts::Found &found, QWidget *parent = nullptr);
 
-    /// Shows the window, or brings it to the front as it is.
-    void showWindow();
     TaskFormState *taskForm() { return &form; }
 
-    void clickButtonSave();
-    /// Asks what to do with what was typed, then closes or stays.
-    void clickButtonClose();
-
-    bool hasChanges() override { return !isClosingAgreed && form.isTouched(); }
-    bool saveEdit() override;
-    void dropEdit() override;
-
 protected:
-    void closeEvent(QCloseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
+    void tick(bool done) override { form.setDone(done); }
 
 private:
-    void growToForm();
-    QWidget *makeButtons();
-    void setUp();
+    WindowNewTask(TaskFormState *newForm, QWidget *parent);
 
-    TaskFormState form;
-    DraftKeeper keeper{form};
-    TaskFormView *view = nullptr;
-    QPushButton *buttonSave = nullptr;
-    QTimer growth;
-    bool isClosingAgreed = false;
+    TaskFormState &form;
 };

@@ -151,7 +151,10 @@ TEST_F(TaskFormTest, AStartTakesBackSomedayAndAnAppointmentAsksForItsEnd)
 
     TaskFormState appointment({.type = TaskType::Appointment});
     int wanted = 0;
-    appointment.dueDateWanted = [&] { ++wanted; };
+    appointment.pickerWanted = [&](int row) {
+        EXPECT_EQ(row, static_cast<int>(TaskFormRow::EndDate));
+        ++wanted;
+    };
     pick(appointment, Picker::StartDate, noon);
     EXPECT_EQ(wanted, 1);
     pick(appointment, Picker::DueDate, noon + Seconds(600));

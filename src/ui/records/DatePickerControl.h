@@ -7,14 +7,14 @@
 
 class DatePicker;
 class DatePickerPopover;
-class TaskFormState;
+class FormModel;
 
-/// Leads one date picker of a task's form: shows the value, opens the bubble, hands its answers to the form.
+/// Leads the date picker of a form's row: shows the value, opens the bubble, hands its answers to the form.
 class DatePickerControl : public QObject
 {
     Q_OBJECT
 public:
-    DatePickerControl(TaskFormState &form, DatePicker &picker);
+    DatePickerControl(FormModel &form, int row, DatePicker &picker);
 
     void open();
     void showValue();
@@ -22,7 +22,8 @@ public:
 private:
     void toggled(bool isChecked);
 
-    TaskFormState &form;
+    FormModel &form;
+    int row;
     DatePicker &picker;
     DatePickerState state;
     QPointer<DatePickerPopover> popover;

@@ -1,0 +1,160 @@
+#pragma once
+
+#include "eventkit/EKCalendar.h"
+#include "records/DatePickerState.h"
+#include "store/entities/Entities.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+/// What stands before a word: nothing, the circle of a colour, of a priority or of a category.
+using FormMark = std::variant<std::monostate, EKColor, Priority, CategoryPtr>;
+
+/// A row of a form.
+struct FormRow
+{
+    /// By what its value is edited.
+    enum class Editor {
+        /// The title of the record: a paragraph that grows, beside the check box of a record that has one.
+        Title,
+        /// One line.
+        Line,
+        /// Paragraphs.
+        Text,
+        /// One of several words or records.
+        Choice,
+        /// A day or a moment, picked in a bubble.
+        Date,
+        /// What the kind of record brings with it.
+        Own,
+    };
+
+    /// The number by which the model is asked about the row.
+    int id;
+    Editor editor;
+    /// What the row and its control are called among the widgets.
+    QString name;
+    QString controlName;
+    /// The least height, in pixels.
+    int height = 40;
+    /// Whether its value can be cleared.
+    bool isClearable = false;
+    /// What an empty text field says.
+    QString placeholder = {};
+    /// What a date picker of the row asks for.
+    DatePickerState::Type picker = DatePickerState::Type::StartDate;
+};
+
+/// One of the choices of a row.
+struct FormChoice
+{
+    QString text;
+    FormMark mark = {};
+    /// A line that cannot be chosen.
+    bool isHeading = false;
+};
+
+/// What a date row shows.
+struct FormDate
+{
+    OptionalDate date;
+    bool hasTime = false;
+    /// It says that the record is due some day instead of a date.
+    bool isSomeday = false;
+};
+
+/// A record while it is edited in a form: which rows there are, what each says, what may be put into it, and
+/// how an edit ends. A form, a pane and a window know of a kind of record only what stands here. Rows are
+/// named by their numbers; a row is asked only what its editor needs. Main thread only.
+class FormModel
+{
+public:
+    FormModel() = default;
+    virtual ~FormModel() = default;
+    Q_DISABLE_COPY_MOVE(FormModel)
+
+    /// Called after each change of what the rows say, by the user or from elsewhere.
+    std::function<void()> changed;
+    /// The picker of a row is to open, since another row asks for its date.
+    std::function<void(int row)> pickerWanted;
+
+    /// All rows in their order, the same for the life of the form.
+    virtual std::vector<FormRow> rows() const = 0;
+
+    // What a row says.
+    /// The word beside it; empty for none.
+    virtual QString label(int row) const = 0;
+    /// The value: the text itself, or what is chosen in words. Empty without one.
+    virtual QString text(int row) const = 0;
+    virtual FormMark mark(int row) const;
+    virtual bool hasValue(int row) const { return !text(row).isEmpty(); }
+    /// Whether it is there while the record is edited.
+    virtual bool isShown(int row) const;
+    /// Whether it is there while the record is looked at; without a value it has nothing to say.
+    virtual bool isShownInPreview(int row) const { return isShown(row) && hasValue(row); }
+    /// Whether the value can be looked at only, also while the record is edited.
+    virtual bool isGiven(int row) const;
+    virtual bool isEnabled(int row) const;
+    /// Why the value cannot stay; empty if it can.
+    virtual QString error(int row) const;
+
+    // What is put into a row.
+    virtual void setText(int row, const QString &text);
+    /// What a choice offers now.
+    virtual std::vector<FormChoice> choices(int row);
+    /// The place of the chosen one among those that `choices` gave last; -1 if it is none of them.
+    virtual int chosen(int row) const;
+    virtual void choose(int row, int place);
+    /// The entity whose records are offered, so that the choices change with them; empty for none.
+    virtual std::string_view entityOfChoices(int row) const;
+    virtual FormDate date(int row) const;
+    /// What a bubble is to show; it stays closed unless `showPopover` is set.
+    virtual DatePickerState openPicker(int row);
+    virtual void acceptDate(int row, DatePickerState &picker, Date date);
+    virtual void toggleCheck(int row, DatePickerState &picker, bool isChecked);
+    virtual void clear(int row);
+
+    /// Whether records of this kind have a check box beside the title.
+    virtual bool hasCheckBox() const { return false; }
+    /// Whether it is ticked; absent where this record cannot be ticked off.
+    virtual std::optional<bool> isTicked() const { return std::nullopt; }
+
+    // The record.
+    /// What it is called.
+    virtual QString title() const { return text(rows().front().id); }
+    /// The stored record; null as long as a new one was not saved.
+    virtual ObjectPtr record() const = 0;
+    virtual OptionalDate createdOn() const { return std::nullopt; }
+    /// Whether the record lets itself be changed at all.
+    virtual bool allowsEditing() const { return true; }
+    /// Whether it can be edited now.
+    virtual bool canEdit() const { return allowsEditing(); }
+    /// Whether what stands in the form can be saved.
+    virtual bool canSave() const = 0;
+    /// Whether the user has put anything into the form of a new record that would be missed.
+    virtual bool isTouched() const = 0;
+    /// Whether the form of a stored record says something else than the record.
+    virtual bool isChanged() = 0;
+    /// The same, of a form that was read once and that nobody has edited since.
+    virtual bool isDifferent() { return isChanged(); }
+    /// Stores the record by its rules. False if they stopped it, with a message; what was typed stays.
+    virtual bool save() = 0;
+
+    enum class EditEnd { Unchanged, Saved, Removed, Refused };
+    /// Ends the edit of a stored record: saves if something changed, or was not stored the last time.
+    virtual EditEnd finishEdit();
+    /// Whether the stored record was deleted, here or elsewhere.
+    virtual bool isGone() const;
+    /// Reads everything from the record again.
+    virtual void rollback() = 0;
+    /// Takes over what has changed in the record since the edit began; what the user has changed stays.
+    virtual void followRow() {}
+
+    /// What would be lost with the form, as the text of a file; empty if nothing would.
+    virtual QByteArray encodedDraft() const { return {}; }
+};

@@ -1,0 +1,310 @@
+#include "records/FormView.h"
+
+#include "foundation/Localization.h"
+#include "records/DatePickerControl.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/CategoryIcon.h"
+#include "widgets/CheckButton.h"
+#include "widgets/DatePicker.h"
+#include "widgets/GrowingTextField.h"
+#include "widgets/PopUpButton.h"
+#include "widgets/RowItemView.h"
+#include "widgets/Theme.h"
+
+#include <QAbstractItemView>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTimer>
+
+using namespace Qt::Literals::StringLiterals;
+using Editor = FormRow::Editor;
+
+/// The circle stands above the labels, although its ring needs room around it.
+constexpr int checkBoxInset = 11;
+/// Milliseconds between two looks whether a pop-up was closed.
+constexpr int lookAgain = 200;
+
+FormView::FormView(FormModel &shownModel, OwnControl ownControl, QWidget *parent)
+    : FormCard(parent)
+    , model(shownModel)
+    , makeOwn(std::move(ownControl))
+{
+    for (const FormRow &row : model.rows())
+        addRow(row);
+    model.changed = [this] {
+        refresh();
+        Q_EMIT changed();
+    };
+    changesHeard = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); });
+    model.pickerWanted = [this](int row) { QTimer::singleShot(0, this, [this, row] { openPicker(row); }); };
+    refresh();
+}
+
+/// The bubble of another row has just closed. What the window system still has to say about that would close
+/// the next one too, so it is heard first.
+void FormView::openPicker(int row)
+{
+    const auto found = pickers.find(row);
+    const QPointer<DatePickerControl> control = found == pickers.end() ? nullptr : found->second;
+    QGuiApplication::sync();
+    if (control)
+        control->open();
+}
+
+// Rows
+
+void FormView::addRow(const FormRow &row)
+{
+    auto *view = new RowItemView(row.id, row.name, row.height, this);
+    if (const QString label = model.label(row.id); !label.isEmpty())
+        view->setLabel(label);
+    view->setControl(makeControl(row));
+    layout()->addWidget(view);
+    if (row.editor == Editor::Title || row.editor == Editor::Text)
+        view->setGrows();
+    if (row.editor == Editor::Title && checkDone)
+        view->setInset(checkBoxInset);
+    rows.push_back({row, view});
+    if (row.isClearable)
+        makeDeletable(rows.back());
+}
+
+void FormView::makeDeletable(const Row &row)
+{
+    const auto clear = [this, number = row.about.id] { model.clear(number); };
+    row.view->setDeletable();
+    connect(row.view, &RowItemView::deleteClicked, this, clear);
+    if (auto *popUp = row.view->findChild<PopUpButton *>())
+        connect(popUp, &PopUpButton::deletePressed, this, clear);
+}
+
+QWidget *FormView::makeControl(const FormRow &row)
+{
+    switch (row.editor) {
+    case Editor::Title:
+        return makeTitle(row);
+    case Editor::Line:
+        return makeLine(row);
+    case Editor::Text:
+        return makeText(row, false);
+    case Editor::Choice:
+        return makeChoice(row);
+    case Editor::Date:
+        return makeDate(row);
+    case Editor::Own:
+        break;
+    }
+    return makeOwnControl(row);
+}
+
+QWidget *FormView::makeTitle(const FormRow &row)
+{
+    auto *line = new QWidget;
+    auto *place = new QHBoxLayout(line);
+    place->setContentsMargins({});
+    if (model.hasCheckBox()) {
+        checkDone = new CheckButton;
+        checkDone->setObjectName(u"checkDone"_s);
+        checkDone->setAccessibleName(localized(u"Done"_s));
+        QSizePolicy policy = checkDone->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        checkDone->setSizePolicy(policy);
+        connect(checkDone, &QAbstractButton::clicked, this, &FormView::doneToggled);
+        place->addWidget(checkDone, 0, Qt::AlignVCenter);
+    }
+    GrowingTextField *const field = makeText(row, true);
+    field->setAccessibleName(localized(row.name));
+    place->addWidget(field, 1, Qt::AlignVCenter);
+    firstField = field;
+    return line;
+}
+
+GrowingTextField *FormView::makeText(const FormRow &row, bool isTitle)
+{
+    auto *field =
+        new GrowingTextField(isTitle ? GrowingTextField::Kind::Title : GrowingTextField::Kind::Details);
+    field->setObjectName(row.controlName);
+    field->setFramed(!isTitle);
+    field->setPlaceholderText(row.placeholder);
+    connect(field, &QTextEdit::textChanged, this,
+            [this, field, number = row.id] { model.setText(number, field->text()); });
+    connect(field, &GrowingTextField::accepted, this, &FormView::accepted);
+    syncs.push_back([this, field, number = row.id] { field->showText(model.text(number)); });
+    texts.push_back(field);
+    return field;
+}
+
+QWidget *FormView::makeLine(const FormRow &row)
+{
+    auto *field = new QLineEdit;
+    field->setObjectName(row.controlName);
+    field->setPlaceholderText(row.placeholder);
+    connect(field, &QLineEdit::textChanged, this,
+            [this, number = row.id](const QString &text) { model.setText(number, text); });
+    connect(field, &QLineEdit::returnPressed, this, &FormView::accepted);
+    syncs.push_back([this, field, number = row.id] {
+        if (field->text() != model.text(number))
+            field->setText(model.text(number));
+    });
+    if (!firstField)
+        firstField = field;
+    return field;
+}
+
+QWidget *FormView::makeDate(const FormRow &row)
+{
+    auto *picker = new DatePicker(row.picker);
+    picker->setObjectName(row.controlName);
+    auto *control = new DatePickerControl(model, row.id, *picker);
+    syncs.push_back([control] { control->showValue(); });
+    pickers[row.id] = control;
+    return picker;
+}
+
+QWidget *FormView::makeOwnControl(const FormRow &row)
+{
+    std::function<void()> sync;
+    QWidget *control = makeOwn ? makeOwn(row, sync) : new QWidget;
+    if (sync)
+        syncs.push_back(std::move(sync));
+    return control;
+}
+
+// Choices
+
+QIcon FormView::iconOf(const FormMark &mark)
+{
+    if (const auto *color = std::get_if<EKColor>(&mark))
+        return CategoryIcon::circle(QColor::fromRgbF(static_cast<float>(color->red),
+                                                     static_cast<float>(color->green),
+                                                     static_cast<float>(color->blue)));
+    if (const auto *priority = std::get_if<Priority>(&mark))
+        return CategoryIcon::circle(Theme::priority(*priority));
+    const auto *category = std::get_if<CategoryPtr>(&mark);
+    return category && *category ? CategoryIcon::of(**category) : QIcon();
+}
+
+void FormView::fill(PopUpButton &popUp, int row)
+{
+    popUp.clear();
+    const std::vector<FormChoice> choices = model.choices(row);
+    for (const FormChoice &choice : choices) {
+        if (choice.isHeading)
+            popUp.addHeading(choice.text);
+        else
+            popUp.addItem(iconOf(choice.mark), choice.text);
+    }
+    popUp.setEnabled(model.isEnabled(row));
+    if (!choices.empty() && choices.front().isHeading)
+        popUp.setToolTip(choices.front().text);
+}
+
+QWidget *FormView::makeChoice(const FormRow &row)
+{
+    auto *popUp = new PopUpButton(row.controlName);
+    fill(*popUp, row.id);
+    if (!model.entityOfChoices(row.id).empty())
+        fillings.push_back({popUp, row.id, false});
+    connect(popUp, &QComboBox::activated, this,
+            [this, number = row.id](int place) { model.choose(number, place); });
+    syncs.push_back([this, popUp, number = row.id] { popUp->setCurrentIndex(model.chosen(number)); });
+    return popUp;
+}
+
+void FormView::storeChanged(const StoreChanges &changes)
+{
+    for (Filling &filling : fillings) {
+        const auto isOffered = [entity = model.entityOfChoices(filling.row)](const ObjectPtr &object) {
+            return object->entity().name() == entity;
+        };
+        const auto isRenamed = [&](const StoreChanges::Update &one) {
+            return isOffered(one.object) && one.columns.any();
+        };
+        if (changes.isUnknown || std::ranges::any_of(changes.inserted, isOffered) ||
+            std::ranges::any_of(changes.deleted, isOffered) ||
+            std::ranges::any_of(changes.updated, isRenamed))
+            filling.isDue = true;
+    }
+    fillDue();
+}
+
+/// One that is open waits until the user has chosen.
+void FormView::fillDue()
+{
+    bool isAnyFilled = false;
+    for (Filling &filling : fillings) {
+        if (!filling.isDue)
+            continue;
+        if (filling.popUp->view()->isVisible()) {
+            QTimer::singleShot(lookAgain, this, &FormView::fillDue);
+            continue;
+        }
+        filling.isDue = false;
+        isAnyFilled = true;
+        fill(*filling.popUp, filling.row);
+    }
+    if (isAnyFilled)
+        refresh();
+}
+
+// What is shown
+
+void FormView::focusTitle()
+{
+    if (firstField)
+        firstField->setFocus();
+}
+
+void FormView::setEditing(bool isNowEditing)
+{
+    editing = isNowEditing;
+    for (GrowingTextField *field : texts) {
+        field->setReadOnly(!editing);
+        field->setFocusPolicy(editing ? Qt::StrongFocus : Qt::ClickFocus);
+        if (field != firstField)
+            field->setFramed(editing);
+    }
+    refresh();
+}
+
+void FormView::refresh()
+{
+    if (checkDone) {
+        const std::optional<bool> isTicked = model.isTicked();
+        checkDone->setChecked(isTicked.value_or(checkDone->isChecked()));
+        if (!isTicked)
+            checkDone->hide();
+    }
+    for (const auto &sync : syncs)
+        sync();
+    for (const Row &row : rows)
+        refreshRow(row);
+}
+
+void FormView::refreshRow(const Row &row)
+{
+    const int number = row.about.id;
+    if (row.about.editor == Editor::Title)
+        return;
+    RowItemView &view = *row.view;
+    if (const QString label = model.label(number); !label.isEmpty())
+        view.setLabel(label);
+    view.setError(model.error(number));
+    view.setHasValue(model.hasValue(number) && editing);
+    const bool isGiven = model.isGiven(number);
+    if (row.about.editor != Editor::Text) {
+        view.setPreview(model.text(number), iconOf(model.mark(number)));
+        view.setPreviewing(!editing || isGiven);
+    }
+    view.setRowHidden(editing && !isGiven ? !model.isShown(number) : !model.isShownInPreview(number));
+}
+
+void FormView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (!editing)
+        Q_EMIT editWanted();
+    FormCard::mouseDoubleClickEvent(event);
+}

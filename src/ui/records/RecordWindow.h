@@ -1,0 +1,57 @@
+#pragma once
+
+#include "records/DraftKeeper.h"
+#include "records/FormModel.h"
+#include "records/LeaveGate.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+class FormView;
+class QPushButton;
+
+/// The window for a new record: its form, "Save" and "Close". It grows with its rows, asks before typed words
+/// go, and keeps them over a crash.
+class RecordWindow : public QWidget, public EditedPlace
+{
+    Q_OBJECT
+public:
+    /// \param name what the window is called among the widgets.
+    /// \param form the new record; \param view shows it. Both go with the window.
+    RecordWindow(const QString &name, const QString &title, std::unique_ptr<FormModel> form, FormView *view,
+                 QWidget *parent = nullptr);
+    ~RecordWindow() override;
+
+    /// Shows the window, or brings it to the front as it is.
+    void showWindow();
+
+    void clickButtonSave();
+    /// Asks what to do with what was typed, then closes or stays.
+    void clickButtonClose();
+
+    bool hasChanges() override { return !isClosingAgreed && model->isTouched(); }
+    bool saveEdit() override;
+    void dropEdit() override;
+
+protected:
+    /// The check box was pressed.
+    virtual void tick(bool done) { Q_UNUSED(done) }
+    /// Goes on with what an earlier form was left with.
+    void adoptDraft(const QString &file) { keeper.adopt(file); }
+
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void growToForm();
+    QWidget *makeButtons();
+
+    std::unique_ptr<FormModel> model;
+    DraftKeeper keeper;
+    FormView *view;
+    QPushButton *buttonSave = nullptr;
+    QTimer growth;
+    bool isClosingAgreed = false;
+};
