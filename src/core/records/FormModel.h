@@ -129,7 +129,8 @@ public:
     virtual QString title() const { return text(rows().front().id); }
     /// The stored record; null as long as a new one was not saved.
     virtual ObjectPtr record() const = 0;
-    virtual OptionalDate createdOn() const { return std::nullopt; }
+    /// When it was made, in words; empty if nobody knows.
+    virtual QString creationText() const { return {}; }
     /// Whether the record lets itself be changed at all.
     virtual bool allowsEditing() const { return true; }
     /// Whether it can be edited now.
@@ -144,6 +145,9 @@ public:
     virtual bool isDifferent() { return isChanged(); }
     /// Stores the record by its rules. False if they stopped it, with a message; what was typed stays.
     virtual bool save() = 0;
+
+    /// The user does not want the new record, which may wait in the store since a save that failed.
+    virtual void giveUp() {}
 
     enum class EditEnd { Unchanged, Saved, Removed, Refused };
     /// Ends the edit of a stored record: saves if something changed, or was not stored the last time.

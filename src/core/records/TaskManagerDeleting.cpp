@@ -3,6 +3,7 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
+#include "records/RecordRemoval.h"
 #include "records/TaskManager.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -46,18 +47,6 @@ Selection sorted(const std::vector<ObjectPtr> &objects)
             selection.projects.push_back(project);
     }
     return selection;
-}
-
-bool isDeletionWanted(size_t count)
-{
-    const QString message = count == 1
-                                ? QStringLiteral("Are you sure you want to delete the selected item?")
-                                : QStringLiteral("Are you sure you want to delete the selected items?");
-    return Alert::run({{},
-                       localized(message),
-                       {},
-                       {localized(QStringLiteral("Delete")), localized(QStringLiteral("Cancel"))}}) ==
-           Alert::firstButton;
 }
 
 /// How far the deletion of repeating tasks reaches; nothing if the user gives it up.
@@ -122,7 +111,7 @@ void TaskManager::deleteTasks(const std::vector<ObjectPtr> &tasks, const std::fu
     const Selection selection = sorted(tasks);
     std::optional<Span> span;
     if (selection.repeating.empty()) {
-        if (!isDeletionWanted(selection.plain.size() + selection.projects.size()))
+        if (!RecordRemoval::isWanted(selection.plain.size() + selection.projects.size()))
             return;
     } else if (CalendarEvent::isAccessChangeRepeatTaskWithMessage(true)) {
         span = askedSpan(selection.repeating.size());

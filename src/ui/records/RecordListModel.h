@@ -2,12 +2,13 @@
 
 #include "objectstore/ManagedObject.h"
 #include "objectstore/StoreChanges.h"
+#include "store/queries/RowsWatcher.h"
 #include "widgets/TableModel.h"
 
 #include <set>
 
 /// The rows of a list of records as a view takes them. A record is loaded when its row is asked for.
-class RecordListModel : public TableModel
+class RecordListModel : public TableModel, protected RowsWatcher
 {
     Q_OBJECT
 public:
@@ -28,4 +29,15 @@ public:
     virtual RowId identifierAt(int row) const = 0;
     /// The row of a record, or -1.
     virtual int rowOf(const ObjectPtr &record) const = 0;
+
+protected:
+    void willInsert(int first, int last) override { beginInsertRows({}, first, last); }
+    void didInsert() override { endInsertRows(); }
+    void willRemove(int first, int last) override { beginRemoveRows({}, first, last); }
+    void didRemove() override { endRemoveRows(); }
+    void willMove(int row, int above) override { beginMoveRows({}, row, row, {}, above); }
+    void didMove() override { endMoveRows(); }
+    void willReset() override { beginResetModel(); }
+    void didReset() override { endResetModel(); }
+    void rowChanged(int row) override { Q_EMIT dataChanged(index(row), index(row)); }
 };

@@ -205,6 +205,8 @@ void RecordListScreen::updateEmptyState()
     emptyState->setVisible(isEmpty && !isByFilter && !emptyState->sentence().isEmpty());
     if (filteredState)
         filteredState->setVisible(isByFilter);
+    if (besideState)
+        besideState->setVisible(!isEmpty);
 }
 
 void RecordListScreen::clearController()

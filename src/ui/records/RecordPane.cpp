@@ -1,6 +1,5 @@
 #include "records/RecordPane.h"
 
-#include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "records/FormView.h"
 #include "records/ShellAlerts.h"
@@ -175,9 +174,11 @@ void RecordPane::recordChanged()
             return statusChanged();
         handOver();
         dropEdit();
-    } else if (model->isDifferent()) {
-        model->rollback();
-        wasReadAnew();
+    } else {
+        if (model->isDifferent()) {
+            model->rollback();
+            wasReadAnew();
+        }
         statusChanged();
     }
 }
@@ -225,7 +226,6 @@ void RecordPane::setEmbedded()
 
 void RecordPane::statusChanged()
 {
-    using Style = DateFormatter::Style;
     setAccessibleName(model->title());
     buttonEdit->setText(localized(isEditing() ? u"DoneButton"_s : u"Edit"_s));
     buttonEdit->setDefault(isEditing());
@@ -235,11 +235,9 @@ void RecordPane::statusChanged()
     setFocusProxy(buttonEdit->isVisibleTo(this) && buttonEdit->isEnabled()
                       ? static_cast<QWidget *>(buttonEdit)
                       : buttonBack);
-    const OptionalDate created = model->createdOn();
-    labelCreated->setVisible(created.has_value());
-    if (created)
-        labelCreated->setText(localized(u"Created on"_s) + u" "_s +
-                              DateFormatter::string(*created, Style::Medium, Style::Short));
+    const QString created = model->creationText();
+    labelCreated->setVisible(!created.isEmpty());
+    labelCreated->setText(created);
 }
 
 // What the user does

@@ -132,6 +132,7 @@ bool RecordWindow::saveEdit()
 void RecordWindow::dropEdit()
 {
     keeper.drop();
+    model->giveUp();
     isClosingAgreed = true;
 }
 

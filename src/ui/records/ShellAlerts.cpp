@@ -65,14 +65,6 @@ void ShellAlerts::tellOfTextWithoutPlace(const QString &title)
          localized(u"What you had typed for it opens as a new task. Save it, or give it up."_s));
 }
 
-bool ShellAlerts::alertRemoveItem()
-{
-    return Alert::run({.title = {},
-                       .message = localized(u"Are you sure you want to delete the selected item?"_s),
-                       .informativeText = {},
-                       .buttons = {localized(u"Delete"_s), localized(u"Cancel"_s)}}) == Alert::firstButton;
-}
-
 void ShellAlerts::presentError(const OptionalError &error)
 {
     if (error)

@@ -24,7 +24,5 @@ void tellOfDrafts();
 void tellOfUnreadableDrafts(const QStringList &files);
 /// The task that such text was typed for cannot take it; it is about to open as a new one.
 void tellOfTextWithoutPlace(const QString &title);
-/// Whether the selected item is to be deleted.
-bool alertRemoveItem();
 
 } // namespace ShellAlerts

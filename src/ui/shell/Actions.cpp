@@ -26,19 +26,29 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::FilterTasks, u"actionFilterTasks", u"Filter…", u"Ctrl+Shift+F"},
     ActionDescription{ActionId::ClearFilter, u"actionClearFilter", u"Clear filter", u"Ctrl+Shift+Backspace"},
     ActionDescription{ActionId::WhyIsItHere, u"actionWhyIsItHere", u"Why Is It Here?", u"Ctrl+I"},
-    ActionDescription{ActionId::ShowHome, u"actionShowHome", u"Home", u"Ctrl+1"},
-    ActionDescription{ActionId::ShowInbox, u"actionShowInbox", u"Inbox", u"Ctrl+2"},
-    ActionDescription{ActionId::ShowToday, u"actionShowToday", u"Today", u"Ctrl+3"},
-    ActionDescription{ActionId::ShowScheduled, u"actionShowScheduled", u"Scheduled", u"Ctrl+4"},
-    ActionDescription{ActionId::ShowSomeday, u"actionShowSomeday", u"Someday", u"Ctrl+5"},
-    ActionDescription{ActionId::ShowCategories, u"actionShowCategories", u"Categories", u"Ctrl+6"},
-    ActionDescription{ActionId::ShowDelegated, u"actionShowDelegated", u"Delegated", u"Ctrl+7"},
-    ActionDescription{ActionId::ShowNotDone, u"actionShowNotDone", u"Not Done", u"Ctrl+8"},
-    ActionDescription{ActionId::ShowDone, u"actionShowDone", u"Done", u"Ctrl+9"},
-    ActionDescription{ActionId::ShowProjects, u"actionShowProjects", u"Projects", u"Ctrl+Shift+1"},
-    ActionDescription{ActionId::ShowPeople, u"actionShowPeople", u"People", u"Ctrl+Shift+2"},
-    ActionDescription{ActionId::ShowCompanies, u"actionShowCompanies", u"Companies", u"Ctrl+Shift+3"},
-    ActionDescription{ActionId::ShowCalendar, u"actionShowCalendar", u"Calendar", u"Ctrl+0"},
+    ActionDescription{ActionId::ShowHome, u"actionShowHome", u"Home", u"Ctrl+1", SidebarItem::Home},
+    ActionDescription{ActionId::ShowInbox, u"actionShowInbox", u"Inbox", u"Ctrl+2", SidebarItem::Inbox},
+    ActionDescription{ActionId::ShowToday, u"actionShowToday", u"Today", u"Ctrl+3", SidebarItem::Today},
+    ActionDescription{ActionId::ShowScheduled, u"actionShowScheduled", u"Scheduled", u"Ctrl+4",
+                      SidebarItem::Scheduled},
+    ActionDescription{ActionId::ShowSomeday, u"actionShowSomeday", u"Someday", u"Ctrl+5",
+                      SidebarItem::Someday},
+    ActionDescription{ActionId::ShowCategories, u"actionShowCategories", u"Categories", u"Ctrl+6",
+                      SidebarItem::Categories},
+    ActionDescription{ActionId::ShowDelegated, u"actionShowDelegated", u"Delegated", u"Ctrl+7",
+                      SidebarItem::Delegated},
+    ActionDescription{ActionId::ShowNotDone, u"actionShowNotDone", u"Not Done", u"Ctrl+8",
+                      SidebarItem::NotDone},
+    ActionDescription{ActionId::ShowDone, u"actionShowDone", u"Done", u"Ctrl+9", SidebarItem::Done},
+    ActionDescription{ActionId::ShowProjects, u"actionShowProjects", u"Projects", u"Ctrl+Shift+1",
+                      SidebarItem::Projects},
+    ActionDescription{ActionId::ShowPeople, u"actionShowPeople", u"People", u"Ctrl+Shift+2",
+                      SidebarItem::People},
+    ActionDescription{ActionId::ShowCompanies, u"actionShowCompanies", u"Companies", u"Ctrl+Shift+3",
+                      SidebarItem::Companies},
+    ActionDescription{ActionId::ShowCalendar, u"actionShowCalendar", u"Calendar", u"Ctrl+0",
+                      SidebarItem::Calendar},
+    ActionDescription{ActionId::ShowNotes, u"actionShowNotes", u"Notes", u"Ctrl+Shift+4", SidebarItem::Notes},
     ActionDescription{ActionId::FullScreen, u"actionFullScreen", u"Enter Full Screen", u"F11"},
     ActionDescription{ActionId::About, u"actionAbout", u"About Morvane", u""},
 };
@@ -46,27 +56,6 @@ constexpr std::array actionTable = {
 std::span<const ActionDescription> Actions::table()
 {
     return actionTable;
-}
-
-std::optional<SidebarItem> Actions::listOf(ActionId id)
-{
-    static const QHash<ActionId, SidebarItem> lists = {
-        {ActionId::ShowHome, SidebarItem::Home},
-        {ActionId::ShowInbox, SidebarItem::Inbox},
-        {ActionId::ShowToday, SidebarItem::Today},
-        {ActionId::ShowScheduled, SidebarItem::Scheduled},
-        {ActionId::ShowSomeday, SidebarItem::Someday},
-        {ActionId::ShowCategories, SidebarItem::Categories},
-        {ActionId::ShowDelegated, SidebarItem::Delegated},
-        {ActionId::ShowNotDone, SidebarItem::NotDone},
-        {ActionId::ShowDone, SidebarItem::Done},
-        {ActionId::ShowProjects, SidebarItem::Projects},
-        {ActionId::ShowPeople, SidebarItem::People},
-        {ActionId::ShowCompanies, SidebarItem::Companies},
-        {ActionId::ShowCalendar, SidebarItem::Calendar},
-    };
-    const auto found = lists.constFind(id);
-    return found == lists.cend() ? std::nullopt : std::optional(*found);
 }
 
 namespace {

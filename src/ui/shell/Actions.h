@@ -1,12 +1,13 @@
 #pragma once
 
-#include "shell/SidebarModel.h"
+#include "shell/SidebarItem.h"
 
 #include <QAction>
 #include <QHash>
 #include <QObject>
 
 #include <functional>
+#include <optional>
 #include <span>
 
 /// Every command of the program. Menus, shortcuts and tests look them up here.
@@ -42,6 +43,7 @@ enum class ActionId {
     ShowPeople,
     ShowCompanies,
     ShowCalendar,
+    ShowNotes,
     FullScreen,
     About,
 };
@@ -54,6 +56,8 @@ struct ActionDescription
     const char16_t *text;
     /// In portable form; empty for none.
     const char16_t *shortcut;
+    /// The list that it shows; absent for what shows none.
+    std::optional<SidebarItem> list = {};
 };
 
 class Actions : public QObject
@@ -63,8 +67,6 @@ public:
     explicit Actions(QObject *parent = nullptr);
 
     static std::span<const ActionDescription> table();
-    /// The list that a command of the View menu shows.
-    static std::optional<SidebarItem> listOf(ActionId id);
 
     QAction *action(ActionId id) const { return actions.value(id); }
     QList<QAction *> all() const { return actions.values(); }

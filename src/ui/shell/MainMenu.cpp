@@ -41,8 +41,8 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
              ActionId::ClearFilter, ActionId::WhyIsItHere});
     addMenu(menuBar, actions, u"View"_s,
             {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople,
-             ActionId::ShowCompanies, separator, ActionId::ShowInbox, ActionId::ShowToday,
-             ActionId::ShowScheduled, ActionId::ShowSomeday, ActionId::ShowCategories,
+             ActionId::ShowCompanies, ActionId::ShowNotes, separator, ActionId::ShowInbox,
+             ActionId::ShowToday, ActionId::ShowScheduled, ActionId::ShowSomeday, ActionId::ShowCategories,
              ActionId::ShowDelegated, ActionId::ShowNotDone, ActionId::ShowDone, separator,
              ActionId::ShowCalendar, separator, ActionId::FullScreen});
 }

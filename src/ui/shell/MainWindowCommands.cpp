@@ -96,7 +96,7 @@ void MainWindowController::menuClickNewTask()
 void MainWindowController::bindLists()
 {
     for (const ActionDescription &description : Actions::table()) {
-        if (const auto list = Actions::listOf(description.id))
+        if (const auto list = description.list)
             actions->bind(description.id, [this, list] { goToList(*list); });
     }
 }

@@ -3,15 +3,15 @@
 #include "filters/ContactGroups.h"
 #include "records/DetailStack.h"
 #include "records/DraftKeeper.h"
-#include "records/ShellAlerts.h"
+#include "records/RecordRemoval.h"
+#include "records/RecordWindow.h"
 #include "records/Waiting.h"
 #include "shell/Actions.h"
 #include "shell/MainMenu.h"
 #include "shell/MainWindow.h"
 #include "shell/OutlineViewExtended.h"
 #include "shell/RightToolBar.h"
-#include "shell/ScreenFactory.h"
-#include "shell/tasks/WindowNewTask.h"
+#include "shell/Screens.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/ScreenToolBar.h"
@@ -147,7 +147,23 @@ void MainWindowController::showWindow()
 
 bool MainWindowController::showList(SidebarItem item)
 {
-    return mainWindow->outlineViewListItem()->selectIndex(sidebar->indexOf(item));
+    const QModelIndex row = sidebar->indexOf(item);
+    return row.isValid() ? mainWindow->outlineViewListItem()->selectIndex(row) : showScreenWithoutRow(item);
+}
+
+/// No row is selected then: the next press on one leads away.
+bool MainWindowController::showScreenWithoutRow(SidebarItem item)
+{
+    if (screen && selectItem == item)
+        return true;
+    if (!details->mayLeave())
+        return false;
+    mainWindow->outlineViewListItem()->selectionModel()->clear();
+    selectItem = item;
+    selectedGroup.clear();
+    searchedRecord.clear();
+    show(Screens::make(item, SidebarModel::titleOf(item)));
+    return true;
 }
 
 /// By command one goes to a list to work in it: its rows take the keys. Walking through the sidebar leaves
@@ -233,7 +249,7 @@ void MainWindowController::openWelcomeWindow()
 void MainWindowController::didRemoveRow(const QModelIndex &index)
 {
     const auto group = sidebar->groupAt(index);
-    if (!group || !ShellAlerts::alertRemoveItem())
+    if (!group || !RecordRemoval::isWanted(1))
         return;
     AppDelegate::shared()->managedObjectContext().deleteObject(group);
     DBWorker::saveOrTell();
@@ -258,7 +274,7 @@ void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &inde
     selectItem = sidebar->itemAt(index);
     selectedGroup = DBWorker::getIdFromObject(sidebar->groupAt(index));
     searchedRecord.clear();
-    show(ScreenFactory::make(*sidebar, index));
+    show(Screens::make(*selectItem, index.data().toString()));
 }
 
 void MainWindowController::show(TabsViewController *newScreen)

@@ -8,6 +8,7 @@
 #include "shell/SidebarModel.h"
 #include "store/queries/BackgroundBadges.h"
 
+#include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -22,7 +23,7 @@ class MainWindow;
 class ManagedObjectContext;
 class CalendarsAppleWindowController;
 class MVSetiingsCalendarController;
-class WindowNewTask;
+class RecordWindow;
 namespace Drafts {
 struct Found;
 }
@@ -98,6 +99,9 @@ private:
     void openAsNewTask(const Drafts::Found &found);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);
+    bool showScreenWithoutRow(SidebarItem item);
+    template <typename Make>
+    void showNewWindow(const QString &name, Make make);
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
     void menuClickNewTask();
@@ -127,7 +131,8 @@ private:
     ObjectPtr searchWanted;
     /// The group just made, until its row has taken the focus.
     std::shared_ptr<EntityContactGroup> newGroupEntity;
-    QPointer<WindowNewTask> windowNewTask;
+    /// The open windows for new records, by what they are called among the widgets.
+    QHash<QString, QPointer<RecordWindow>> newWindows;
     QPointer<CalendarsAppleWindowController> windowCalendars;
     QPointer<MVSetiingsCalendarController> windowSettings;
     BackgroundBadges badges;

@@ -1,14 +1,18 @@
 #include "calendarsync/CalendarEvent.h"
 #include "records/DetailStack.h"
 #include "records/DraftKeeper.h"
+#include "records/RecordKind.h"
 #include "records/ShellAlerts.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
+#include "shell/Screens.h"
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 // The windows beside the main one.
 
@@ -18,15 +22,25 @@ void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
         showNewTask(screen ? screen->newTaskRequest() : NewTaskRequest());
     else if (type == ToolBarButton::Calendars)
         showCalendars();
+    else if (const auto kind = Screens::kindAddedBy(type))
+        showNewWindow(kind->windowName, [&] { return kind->makeWindow(mainWindow.get()); });
+}
+
+/// One that is open is brought to the front as it is.
+template <typename Make>
+void MainWindowController::showNewWindow(const QString &name, Make make)
+{
+    QPointer<RecordWindow> &window = newWindows[name];
+    if (!window) {
+        window = make();
+        window->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    window->showWindow();
 }
 
 void MainWindowController::showNewTask(const NewTaskRequest &request)
 {
-    if (!windowNewTask) {
-        windowNewTask = new WindowNewTask(request, mainWindow.get());
-        windowNewTask->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    windowNewTask->showWindow();
+    showNewWindow(u"WindowNewTask"_s, [&] { return new WindowNewTask(request, mainWindow.get()); });
 }
 
 void MainWindowController::newTask(const MarkedSpan &dates, TimePeriod timePeriod)
@@ -65,13 +79,13 @@ void MainWindowController::calendarsAllowed()
 bool MainWindowController::closeNewWindows()
 {
     LeaveGate gate;
-    const auto windows = mainWindow->findChildren<WindowNewTask *>(Qt::FindDirectChildrenOnly);
-    for (WindowNewTask *window : windows)
+    const auto windows = mainWindow->findChildren<RecordWindow *>(Qt::FindDirectChildrenOnly);
+    for (RecordWindow *window : windows)
         gate.add(*window, [window] { window->showWindow(); });
     details->addTo(gate);
     if (!gate.mayLeave())
         return false;
-    for (WindowNewTask *window : mainWindow->findChildren<WindowNewTask *>(Qt::FindDirectChildrenOnly))
+    for (RecordWindow *window : mainWindow->findChildren<RecordWindow *>(Qt::FindDirectChildrenOnly))
         window->close();
     return true;
 }

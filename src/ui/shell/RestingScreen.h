@@ -1,12 +1,13 @@
 #pragma once
 
 #include "records/TabsViewController.h"
-#include "shell/SidebarModel.h"
+
+struct ScreenDescription;
 
 /// A screen that has nothing to list: an icon and a sentence about what belongs there.
 class RestingScreen : public TabsViewController
 {
     Q_OBJECT
 public:
-    RestingScreen(const QString &title, SidebarItem item, QWidget *parent = nullptr);
+    RestingScreen(const QString &title, const ScreenDescription &description, QWidget *parent = nullptr);
 };

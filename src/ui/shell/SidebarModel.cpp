@@ -3,46 +3,16 @@
 #include "filters/ContactGroups.h"
 #include "foundation/Localization.h"
 #include "records/TaskPlacement.h"
+#include "shell/Screens.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-struct Description
-{
-    SidebarItem item;
-    const char16_t *title;
-    const char16_t *icon;
-};
-
-constexpr std::array descriptions = {
-    Description{SidebarItem::Home, u"Home", u"home"},
-    Description{SidebarItem::Projects, u"Projects", u"project"},
-    Description{SidebarItem::Contacts, u"Contacts", u"contacts"},
-    Description{SidebarItem::Tasks, u"Tasks", u"tasks"},
-    Description{SidebarItem::Calendar, u"Calendar", u"calendar"},
-    Description{SidebarItem::People, u"People", u"people"},
-    Description{SidebarItem::Companies, u"Companies", u"company"},
-    Description{SidebarItem::ContactGroup, u"", u"group"},
-    Description{SidebarItem::Inbox, u"Inbox", u"inbox"},
-    Description{SidebarItem::Today, u"Today", u"today"},
-    Description{SidebarItem::Scheduled, u"Scheduled", u"scheduled"},
-    Description{SidebarItem::Someday, u"Someday", u"tasks"},
-    Description{SidebarItem::Categories, u"Categories", u"categories"},
-    Description{SidebarItem::Delegated, u"Delegated", u"delegated"},
-    Description{SidebarItem::NotDone, u"Not Done", u"notdone"},
-    Description{SidebarItem::Done, u"Done", u"done"},
-};
-
 constexpr std::array dataKeyArray = {SidebarItem::Home, SidebarItem::Projects, SidebarItem::Contacts,
                                      SidebarItem::Tasks, SidebarItem::Calendar};
 constexpr int contactsRow = 2;
 constexpr int tasksRow = 3;
-
-const Description &descriptionOf(SidebarItem item)
-{
-    return *std::ranges::find(descriptions, item, &Description::item);
-}
 
 /// A child's index holds the number of its top row plus one; a top row's holds 0.
 quintptr parentTag(int topRow)
@@ -148,7 +118,7 @@ QModelIndex SidebarModel::indexOfGroup(const EntityContactGroup &group) const
 
 QString SidebarModel::titleOf(SidebarItem item)
 {
-    return localized(QString::fromUtf16(descriptionOf(item).title));
+    return localized(QString::fromUtf16(Screens::of(item).title));
 }
 
 std::optional<SidebarItem> SidebarModel::itemOf(ListType list)
@@ -164,13 +134,8 @@ std::optional<SidebarItem> SidebarModel::itemShowing(const ObjectPtr &record)
 {
     if (const auto task = std::dynamic_pointer_cast<EntityTask>(record))
         return itemOf(TaskPlacement::searchList(*task));
-    if (std::dynamic_pointer_cast<EntityProject>(record))
-        return SidebarItem::Projects;
-    if (std::dynamic_pointer_cast<EntityContacts>(record))
-        return SidebarItem::People;
-    if (std::dynamic_pointer_cast<EntityCompany>(record))
-        return SidebarItem::Companies;
-    return std::nullopt;
+    const ScreenDescription *screen = record ? Screens::showing(record->entity().name()) : nullptr;
+    return screen ? std::optional(screen->item) : std::nullopt;
 }
 
 QModelIndex SidebarModel::index(int row, int column, const QModelIndex &parent) const
@@ -231,7 +196,7 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case IconRole:
         if (group && group->useGeneralFilter().value_or(true))
             return u"filter"_s;
-        return QString::fromUtf16(descriptionOf(itemAt(index)).icon);
+        return QString::fromUtf16(Screens::of(itemAt(index)).icon);
     case ItemRole:
         return static_cast<int>(itemAt(index));
     case IsTopLevelRole:

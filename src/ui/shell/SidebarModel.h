@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/SidebarItem.h"
 #include "store/entities/Entities.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListType.h"
@@ -8,26 +9,6 @@
 
 #include <array>
 #include <vector>
-
-/// What a row of the sidebar stands for.
-enum class SidebarItem {
-    Home,
-    Projects,
-    Contacts,
-    Tasks,
-    Calendar,
-    People,
-    Companies,
-    ContactGroup,
-    Inbox,
-    Today,
-    Scheduled,
-    Someday,
-    Categories,
-    Delegated,
-    NotDone,
-    Done,
-};
 
 /// The rows of the sidebar: five on top, those of "Contacts" and "Tasks" below theirs.
 class SidebarModel : public QAbstractItemModel

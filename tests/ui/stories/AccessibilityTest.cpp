@@ -68,7 +68,7 @@ TEST_F(AccessibilityTest, ANamelessControlWouldBeFound)
 TEST_F(AccessibilityTest, EveryScreenNamesItsControls)
 {
     for (const ActionDescription &description : Actions::table()) {
-        if (const auto item = Actions::listOf(description.id)) {
+        if (const auto item = description.list) {
             SCOPED_TRACE(qPrintable(SidebarModel::titleOf(*item)));
             controller().showList(*item);
             expectNamed(window());

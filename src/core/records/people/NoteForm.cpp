@@ -1,19 +1,187 @@
 #include "records/people/NoteForm.h"
 
+#include "foundation/Localization.h"
+#include "records/TaskFormChoices.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
+using namespace Qt::Literals::StringLiterals;
+
+MVNote NoteForm::valuesOf(const EntityNote &note)
+{
+    MVNote values;
+    values.title = note.title();
+    values.detail = note.detail();
+    values.creationDate = note.creationDate();
+    values.contact = note.contact();
+    return values;
+}
+
+NoteForm::NoteForm(const NotePtr &note)
+    : values(valuesOf(*note))
+    , row(note)
+    , base(values)
+{}
+
 MissingField NoteForm::clickButtonSave()
 {
-    if (values.title.isEmpty())
+    if (values.title.isEmpty() && !row)
         return MissingField::Title;
-    values.creationDate = MVDate::date();
-    if (!row || !row->context())
+    if (!row || !row->context()) {
+        values.creationDate = MVDate::date();
         row = mainContext().insert<EntityNote>();
-    row->setCreationDate(values.creationDate);
-    row->setTitle(values.title);
+        row->setCreationDate(values.creationDate);
+        isWaiting = true;
+    }
+    if (!values.title.isEmpty())
+        row->setTitle(values.title);
     row->setDetail(values.detail);
     row->setContact(values.contact);
-    return DBWorker::saveOrTell() ? MissingField::None : MissingField::Store;
+    if (!DBWorker::saveOrTell())
+        return MissingField::Store;
+    isWaiting = false;
+    rollback();
+    return MissingField::None;
+}
+
+// Rows
+
+std::vector<FormRow> NoteForm::rows() const
+{
+    return {{.id = Title,
+             .editor = FormRow::Editor::Title,
+             .name = u"Title"_s,
+             .controlName = u"textFieldTitle"_s,
+             .height = 50,
+             .placeholder = localized(u"Title"_s)},
+            {.id = Details,
+             .editor = FormRow::Editor::Text,
+             .name = u"Details"_s,
+             .controlName = u"textFieldDetails"_s,
+             .height = 160,
+             .placeholder = localized(u"Details"_s)},
+            {.id = Contact,
+             .editor = FormRow::Editor::Choice,
+             .name = u"Contact"_s,
+             .controlName = u"popUpButtonContact"_s,
+             .isClearable = true}};
+}
+
+QString NoteForm::label(int number) const
+{
+    switch (number) {
+    case Details:
+        return localized(u"Details"_s);
+    case Contact:
+        return localized(u"Contact"_s);
+    default:
+        return {};
+    }
+}
+
+QString NoteForm::text(int number) const
+{
+    switch (number) {
+    case Title:
+        return values.title;
+    case Details:
+        return values.detail;
+    default:
+        return values.contact ? values.contact->fullName() : QString();
+    }
+}
+
+void NoteForm::edit(const std::function<void()> &change)
+{
+    change();
+    touched = true;
+    if (changed)
+        changed();
+}
+
+void NoteForm::setText(int number, const QString &text)
+{
+    QString &field = number == Title ? values.title : values.detail;
+    if (field != text)
+        edit([&] { field = text; });
+}
+
+std::vector<FormChoice> NoteForm::choices(int)
+{
+    offered = TaskFormChoices::contacts();
+    std::vector<FormChoice> choices = {{localized(u"None"_s)}};
+    for (const ContactPtr &contact : offered)
+        choices.push_back({contact->fullName()});
+    return choices;
+}
+
+int NoteForm::chosen(int) const
+{
+    if (!values.contact)
+        return 0;
+    const auto found = std::ranges::find(offered, values.contact);
+    return found == offered.end() ? -1 : static_cast<int>(found - offered.begin()) + 1;
+}
+
+void NoteForm::choose(int, int place)
+{
+    edit([&] { values.contact = place == 0 ? nullptr : offered.at(static_cast<std::size_t>(place - 1)); });
+}
+
+std::string_view NoteForm::entityOfChoices(int) const
+{
+    return EntityContacts::entityName;
+}
+
+void NoteForm::clear(int)
+{
+    edit([this] { values.contact = nullptr; });
+}
+
+// The record
+
+QString NoteForm::creationText() const
+{
+    return MVDate::noteCreationLabel(values.creationDate).value_or(QString());
+}
+
+bool NoteForm::isChanged()
+{
+    followRow();
+    return !isGone() && ((!values.title.isEmpty() && values.title != base.title) ||
+                         values.detail != base.detail || values.contact != base.contact);
+}
+
+void NoteForm::giveUp()
+{
+    if (isWaiting && !isGone())
+        mainContext().deleteObject(row);
+}
+
+void NoteForm::rollback()
+{
+    values = base = valuesOf(*row);
+    if (changed)
+        changed();
+}
+
+void NoteForm::followRow()
+{
+    if (isGone())
+        return;
+    const MVNote present = valuesOf(*row);
+    bool hasFollowed = false;
+    const auto follow = [&](auto MVNote::*field) {
+        if (values.*field != base.*field || values.*field == present.*field)
+            return;
+        values.*field = present.*field;
+        hasFollowed = true;
+    };
+    follow(&MVNote::title);
+    follow(&MVNote::detail);
+    follow(&MVNote::contact);
+    base = present;
+    if (hasFollowed && changed)
+        changed();
 }

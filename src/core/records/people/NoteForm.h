@@ -1,20 +1,61 @@
 #pragma once
 
+#include "records/FormModel.h"
 #include "records/people/MVNote.h"
 #include "records/people/MissingField.h"
 
-/// A new note as its window edits it.
-class NoteForm
+using NotePtr = std::shared_ptr<EntityNote>;
+
+/// A note as its window or its pane edits it. Nothing reaches the store before it is saved.
+class NoteForm : public FormModel
 {
 public:
+    enum Row { Title = 1, Details, Contact };
+
+    /// A new note.
+    NoteForm() = default;
+    /// One that is stored.
+    explicit NoteForm(const NotePtr &note);
+
     MVNote values;
 
-    /// Stores the note as made now, commits, and tells the lists. Without a title nothing is done and the
-    /// answer says where the focus goes. After a save that failed, the next one stores the same note.
+    /// Stores the note, a new one as made now, and commits. Without a title a new note is not stored, and the
+    /// answer says where the focus goes; a stored one keeps its title. After a save that failed, the next one
+    /// stores the same note.
     MissingField clickButtonSave();
     /// The stored row; null until it was saved.
-    const std::shared_ptr<EntityNote> &note() const { return row; }
+    const NotePtr &note() const { return row; }
+
+    std::vector<FormRow> rows() const override;
+    QString label(int row) const override;
+    QString text(int row) const override;
+    void setText(int row, const QString &text) override;
+    /// All contacts below "None".
+    std::vector<FormChoice> choices(int row) override;
+    int chosen(int row) const override;
+    void choose(int row, int place) override;
+    std::string_view entityOfChoices(int row) const override;
+    void clear(int row) override;
+
+    ObjectPtr record() const override { return row; }
+    QString creationText() const override;
+    bool canSave() const override { return row || !values.title.isEmpty(); }
+    bool isTouched() const override { return touched; }
+    bool isChanged() override;
+    bool save() override { return clickButtonSave() == MissingField::None; }
+    void giveUp() override;
+    void rollback() override;
+    void followRow() override;
 
 private:
-    std::shared_ptr<EntityNote> row;
+    static MVNote valuesOf(const EntityNote &note);
+    void edit(const std::function<void()> &change);
+
+    NotePtr row;
+    /// The row as it was when the values were taken.
+    MVNote base;
+    std::vector<ContactPtr> offered;
+    bool touched = false;
+    /// A new row that could not be committed.
+    bool isWaiting = false;
 };

@@ -1,27 +1,9 @@
 #pragma once
 
+#include "store/queries/RowsWatcher.h"
 #include "store/queries/TaskListQuery.h"
 
 #include <set>
-
-/// Hears of each step by which rows change, right before and right after it.
-class TaskRowsWatcher
-{
-public:
-    virtual ~TaskRowsWatcher() = default;
-    virtual void willInsert(int first, int last) = 0;
-    virtual void didInsert() = 0;
-    virtual void willRemove(int first, int last) = 0;
-    virtual void didRemove() = 0;
-    /// A row goes to the place above another one, as both are numbered before it goes.
-    virtual void willMove(int row, int above) = 0;
-    virtual void didMove() = 0;
-    /// All rows become others.
-    virtual void willReset() = 0;
-    virtual void didReset() = 0;
-    /// What a row shows can be different.
-    virtual void rowChanged(int row) = 0;
-};
 
 /// Brings the rows of a list up to date after some tasks changed: those tasks leave, come, or go to another
 /// place, headers and gaps with them, and no other row is touched. The result is what a fetch would give,
@@ -29,7 +11,7 @@ public:
 class TaskRowsUpdate
 {
 public:
-    TaskRowsUpdate(TaskRows &updated, const TaskListQuery &listQuery, TaskRowsWatcher &hearer)
+    TaskRowsUpdate(TaskRows &updated, const TaskListQuery &listQuery, RowsWatcher &hearer)
         : rows(updated)
         , query(listQuery)
         , watcher(hearer)
@@ -86,7 +68,7 @@ private:
 
     TaskRows &rows;
     const TaskListQuery &query;
-    TaskRowsWatcher &watcher;
+    RowsWatcher &watcher;
     std::set<RowId> changedRows;
     std::set<RowId> heldRows;
     /// The places of all headers, once they were asked for.

@@ -1,7 +1,7 @@
 #include "shell/categories/CategoriesViewController.h"
 
 #include "foundation/Localization.h"
-#include "records/ShellAlerts.h"
+#include "records/RecordRemoval.h"
 #include "shell/categories/CategoryTasksCell.h"
 #include "store/entities/EntityCategory.h"
 #include "widgets/BusyCursor.h"
@@ -277,7 +277,7 @@ void CategoriesViewController::removeCategory()
 {
     const int row = table->currentRow();
     const CategoryPtr category = categories->categoryAt(row);
-    if (!category || Categories::isBuiltIn(*category) || !ShellAlerts::alertRemoveItem())
+    if (!category || Categories::isBuiltIn(*category) || !RecordRemoval::isWanted(1))
         return;
     const BusyCursor busy;
     Categories::remove(category);

@@ -1,7 +1,7 @@
 #include "shell/tasks/LocationBubble.h"
 
 #include "foundation/Localization.h"
-#include "records/ShellAlerts.h"
+#include "records/RecordRemoval.h"
 #include "shell/tasks/LocationMap.h"
 #include "widgets/BubbleHeader.h"
 #include "widgets/CheckList.h"
@@ -70,7 +70,7 @@ void LocationBubble::removeRow(int row)
     if (!choice.locationAt(row))
         return;
     hide();
-    if (ShellAlerts::alertRemoveItem()) {
+    if (RecordRemoval::isWanted(1)) {
         const LocationPtr gone = choice.remove(row);
         reload();
         Q_EMIT removed(gone);

@@ -5,7 +5,7 @@
 #include "store/queries/TaskRowsUpdate.h"
 
 /// The rows of a task list under their headers.
-class TaskListModel : public RecordListModel, private TaskRowsWatcher
+class TaskListModel : public RecordListModel
 {
     Q_OBJECT
 public:
@@ -34,16 +34,6 @@ public:
 
 private:
     QVariant taskData(const EntityTask &task, int role) const;
-
-    void willInsert(int first, int last) override { beginInsertRows({}, first, last); }
-    void didInsert() override { endInsertRows(); }
-    void willRemove(int first, int last) override { beginRemoveRows({}, first, last); }
-    void didRemove() override { endRemoveRows(); }
-    void willMove(int row, int above) override { beginMoveRows({}, row, row, {}, above); }
-    void didMove() override { endMoveRows(); }
-    void willReset() override { beginResetModel(); }
-    void didReset() override { endResetModel(); }
-    void rowChanged(int row) override { Q_EMIT dataChanged(index(row), index(row)); }
 
     ListType type;
     std::function<TaskListQuery()> query;

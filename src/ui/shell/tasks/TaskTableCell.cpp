@@ -1,9 +1,10 @@
 #include "shell/tasks/TaskTableCell.h"
 
+#include "records/RecordCell.h"
 #include "shell/tasks/TaskListModel.h"
-#include "shell/tasks/TaskTableRow.h"
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
+#include "widgets/TaskTableRow.h"
 #include "widgets/Theme.h"
 
 #include <QPainter>
@@ -70,18 +71,9 @@ void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     if (kind == RowKind::Item)
         paintTask(*painter, option, index);
     else if (kind == RowKind::Header)
-        paintHeader(*painter, option, index);
+        RecordCell::paintHeading(*painter, option, index.data().toString(),
+                                 index.data(TaskListModel::IsQuietRole).toBool());
     painter->restore();
-}
-
-void TaskTableCell::paintHeader(QPainter &painter, const QStyleOptionViewItem &option,
-                                const QModelIndex &index)
-{
-    const int inset = Theme::contentMargin + Theme::unit / 2;
-    const QRect place = option.rect.adjusted(inset, 0, -inset, -Theme::unit);
-    painter.setFont(Theme::font(Theme::FontRole::BodyStrong));
-    painter.setPen(index.data(TaskListModel::IsQuietRole).toBool() ? Theme::secondaryText : Theme::text);
-    Direction::drawLine(painter, place, option.direction, index.data().toString(), Qt::AlignBottom);
 }
 
 static void paintCheckBox(QPainter &painter, const QRect &where, bool isChecked, bool isHovered)

@@ -23,5 +23,4 @@ protected:
 private:
     static TaskRowLayout layoutOf(const QRect &row, const TaskRowContent &content);
     static void paintTask(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index);
-    static void paintHeader(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index);
 };

@@ -1,4 +1,4 @@
-#include "shell/tasks/TaskTableRow.h"
+#include "widgets/TaskTableRow.h"
 
 #include "widgets/MorvaneStyle.h"
 #include "widgets/TableModel.h"

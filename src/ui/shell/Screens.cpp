@@ -1,0 +1,71 @@
+#include "shell/Screens.h"
+
+#include "records/RecordKind.h"
+#include "shell/RestingScreen.h"
+#include "shell/categories/CategoriesViewController.h"
+#include "shell/notes/NoteKind.h"
+#include "shell/tasks/TaskScreens.h"
+
+#include <array>
+
+template <typename Screen>
+static TabsViewController *makeNew()
+{
+    return new Screen;
+}
+
+using Item = SidebarItem;
+
+static const std::array screens = {
+    ScreenDescription{Item::Home, u"Home", u"home", nullptr, u"Welcome. Choose a list, or add a new task."},
+    ScreenDescription{Item::Projects, u"Projects", u"project", nullptr,
+                      u"Projects gather the tasks that belong together.", EntityProject::entityName},
+    ScreenDescription{Item::Contacts, u"Contacts", u"contacts"},
+    ScreenDescription{Item::Tasks, u"Tasks", u"tasks"},
+    ScreenDescription{Item::Calendar, u"Calendar", u"calendar", nullptr, u"Your days, weeks and months."},
+    ScreenDescription{Item::People, u"People", u"people", nullptr, u"The people you work and live with.",
+                      EntityContacts::entityName},
+    ScreenDescription{Item::Companies, u"Companies", u"company", nullptr,
+                      u"Companies and the people who work there.", EntityCompany::entityName},
+    ScreenDescription{Item::ContactGroup, u"", u"group", nullptr, u"The people of this group."},
+    ScreenDescription{Item::Inbox, u"Inbox", u"inbox", makeNew<InboxViewController>},
+    ScreenDescription{Item::Today, u"Today", u"today", makeNew<TodayViewController>},
+    ScreenDescription{Item::Scheduled, u"Scheduled", u"scheduled", makeNew<ScheduledViewController>},
+    ScreenDescription{Item::Someday, u"Someday", u"tasks", makeNew<SomedayViewController>},
+    ScreenDescription{Item::Categories, u"Categories", u"categories", makeNew<CategoriesViewController>},
+    ScreenDescription{Item::Delegated, u"Delegated", u"delegated", makeNew<UserDelegateViewController>},
+    ScreenDescription{Item::NotDone, u"Not Done", u"notdone", makeNew<NotDoneViewController>},
+    ScreenDescription{Item::Done, u"Done", u"done", makeNew<DoneViewController>},
+    ScreenDescription{Item::Notes, u"Notes", u"note", nullptr, u"", EntityNote::entityName,
+                      NoteKind::description},
+};
+
+const ScreenDescription &Screens::of(SidebarItem item)
+{
+    return *std::ranges::find(screens, item, &ScreenDescription::item);
+}
+
+const ScreenDescription *Screens::showing(std::string_view entity)
+{
+    const auto found = std::ranges::find(screens, entity, &ScreenDescription::shows);
+    return entity.empty() || found == screens.end() ? nullptr : &*found;
+}
+
+TabsViewController *Screens::make(SidebarItem item, const QString &title)
+{
+    const ScreenDescription &screen = of(item);
+    if (screen.describe)
+        return screen.describe().makeScreen();
+    return screen.make ? screen.make() : new RestingScreen(title, screen);
+}
+
+std::optional<RecordKind> Screens::kindAddedBy(ToolBarButton::ActionType type)
+{
+    for (const ScreenDescription &screen : screens) {
+        if (!screen.describe)
+            continue;
+        if (RecordKind kind = screen.describe(); kind.list.addType == type)
+            return kind;
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "shell/SidebarItem.h"
+#include "widgets/ToolBarButton.h"
+
+#include <QString>
+
+#include <optional>
+#include <string_view>
+
+class TabsViewController;
+struct RecordKind;
+
+/// A row of the table of screens.
+struct ScreenDescription
+{
+    SidebarItem item;
+    /// In English; empty for the groups of contacts, which are called as the user calls them.
+    const char16_t *title;
+    const char16_t *icon;
+    /// Makes the screen; null for one that has nothing to list yet, and says so in the sentence, and for one
+    /// whose kind of record is described.
+    TabsViewController *(*make)() = nullptr;
+    const char16_t *sentence = u"";
+    /// The entity whose records a search finds here; empty for none.
+    std::string_view shows = {};
+    /// Describes the kind of record that it shows.
+    RecordKind (*describe)() = nullptr;
+};
+
+/// Every screen there is. A new kind of record has its row here, and nowhere else.
+namespace Screens {
+
+const ScreenDescription &of(SidebarItem item);
+/// The screen whose records are of an entity; null if there is none.
+const ScreenDescription *showing(std::string_view entity);
+/// Makes the screen of an item. \param title what stands above it.
+TabsViewController *make(SidebarItem item, const QString &title);
+
+/// The kind of record that a button adds; absent for one that is not described.
+std::optional<RecordKind> kindAddedBy(ToolBarButton::ActionType type);
+
+} // namespace Screens

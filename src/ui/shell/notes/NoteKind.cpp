@@ -1,0 +1,45 @@
+#include "shell/notes/NoteKind.h"
+
+#include "foundation/Localization.h"
+#include "records/RecordKind.h"
+#include "records/people/NoteForm.h"
+#include "store/queries/DBWorker.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+static std::vector<ListedRecord> rows()
+{
+    std::vector<ListedRecord> listed;
+    const auto notes = DBWorker::allNote();
+    for (const RowId row : notes.rows())
+        listed.push_back({row});
+    return listed;
+}
+
+RecordKind NoteKind::description()
+{
+    return {.list = {.title = localized(u"Notes"_s),
+                     .icon = u"note"_s,
+                     .entity = EntityNote::entityName,
+                     .tableName = u"tableViewNotes"_s,
+                     .addType = ToolBarButton::NewNote,
+                     .emptySentence = localized(u"What you want to keep in mind, in your own words."_s),
+                     .deletingSentence = localized(u"Deleting the selected notes"_s),
+                     .detailPlace = {.topInset = 0},
+                     .opens = RecordListDescription::Opens::OnSelection,
+                     .besideSentence = localized(u"Select a note to read it here."_s)},
+            .rows = [](const FilterEntry *) { return rows(); },
+            .look =
+                [](const ManagedObject &record) {
+                    const auto &note = static_cast<const EntityNote &>(record);
+                    return RecordLook{.title = note.title(), .detail = note.detail()};
+                },
+            .form =
+                [](const ObjectPtr &record) {
+                    return record ? std::make_unique<NoteForm>(std::static_pointer_cast<EntityNote>(record))
+                                  : std::make_unique<NoteForm>();
+                },
+            .paneName = u"DetailNonteViewController"_s,
+            .windowName = u"WindowAddNewNote"_s,
+            .windowTitle = localized(u"New Note"_s)};
+}
