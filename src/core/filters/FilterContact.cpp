@@ -37,7 +37,9 @@ QVariant valueOf(bool isAll, const std::vector<std::shared_ptr<T>> &objects)
 } // namespace
 
 FilterContact::FilterContact()
-    : ListFilter(SavedFilter::ofContacts(), {{1, active, {}}, {2, companies, {}}, {3, categories, {}}})
+    : ListFilter(SavedFilter::ofContacts(), {{1, active, {}},
+                                             {2, companies, {}, FilterRow::Editor::Companies},
+                                             {3, categories, {}, FilterRow::Editor::ContactCategories}})
 {}
 
 int FilterContact::segmentControllerActivity() const

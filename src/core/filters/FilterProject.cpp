@@ -2,14 +2,18 @@
 
 #include "foundation/Localization.h"
 
-static FilterRow criterionRow(int tag, const QString &key)
+using Editor = FilterRow::Editor;
+
+static FilterRow criterionRow(int tag, const QString &key, Editor editor = Editor::PopUp)
 {
-    return {tag, key, localized(key)};
+    return {tag, key, localized(key), editor};
 }
 
 FilterProject::FilterProject()
     : ListFilter(SavedFilter::ofProjects(),
-                 {criterionRow(1, QStringLiteral("Title")), criterionRow(2, QStringLiteral("Category")),
-                  criterionRow(3, QStringLiteral("Status")), criterionRow(4, QStringLiteral("Priority")),
-                  criterionRow(5, QStringLiteral("Period")), criterionRow(6, QStringLiteral("Delegate"))})
+                 {criterionRow(1, QStringLiteral("Title"), Editor::Text),
+                  criterionRow(2, QStringLiteral("Category")), criterionRow(3, QStringLiteral("Status")),
+                  criterionRow(4, QStringLiteral("Priority")),
+                  criterionRow(5, QStringLiteral("Period"), Editor::Period),
+                  criterionRow(6, QStringLiteral("Delegate"), Editor::Contacts)})
 {}

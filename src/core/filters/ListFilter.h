@@ -15,6 +15,12 @@ struct FilterRow
     QString key;
     /// The word beside it; empty for none.
     QString label;
+
+    /// By what it is set.
+    enum class Editor { PopUp, Text, Period, Contacts, Companies, ContactCategories };
+    Editor editor = Editor::PopUp;
+    /// What an empty text field says.
+    QString placeholder = {};
 };
 
 /// A pop-up menu of a filter: its items, and the objects behind those that follow the words.

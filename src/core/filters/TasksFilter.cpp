@@ -5,18 +5,25 @@
 
 namespace {
 
-FilterRow row(int tag, const QString &key)
+using Editor = FilterRow::Editor;
+
+FilterRow row(int tag, const QString &key, Editor editor = Editor::PopUp)
 {
-    return {tag, key, localized(key)};
+    return {tag, key, localized(key), editor};
 }
 
 std::vector<FilterRow> popoverRows()
 {
-    return {{1, QStringLiteral("Title"), {}},   row(2, QStringLiteral("Type")),
-            row(3, QStringLiteral("Category")), row(4, QStringLiteral("Status")),
-            row(5, QStringLiteral("Priority")), row(6, QStringLiteral("Period")),
-            row(7, QStringLiteral("Location")), row(8, QStringLiteral("Delegate")),
-            row(9, QStringLiteral("Company")),  row(10, QStringLiteral("Project"))};
+    return {{1, QStringLiteral("Title"), {}, Editor::Text, localized(QStringLiteral("Type Task title"))},
+            row(2, QStringLiteral("Type")),
+            row(3, QStringLiteral("Category")),
+            row(4, QStringLiteral("Status")),
+            row(5, QStringLiteral("Priority")),
+            row(6, QStringLiteral("Period"), Editor::Period),
+            row(7, QStringLiteral("Location")),
+            row(8, QStringLiteral("Delegate"), Editor::Contacts),
+            row(9, QStringLiteral("Company"), Editor::Companies),
+            row(10, QStringLiteral("Project"))};
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "records/FormModel.h"
 
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
 #include "objectstore/ManagedObject.h"
 
 // What most rows of most records answer.
@@ -78,4 +80,12 @@ bool FormModel::isGone() const
 {
     const ObjectPtr stored = record();
     return !stored || stored->isDeleted() || !stored->context();
+}
+
+QString FormModel::createdOn(OptionalDate date)
+{
+    using Style = DateFormatter::Style;
+    return date ? localized(QStringLiteral("Created on")) + QLatin1Char(' ') +
+                      DateFormatter::string(*date, Style::Medium, Style::Short)
+                : QString();
 }

@@ -159,6 +159,9 @@ public:
     /// Takes over what has changed in the record since the edit began; what the user has changed stays.
     virtual void followRow() {}
 
+    /// The words for `creationText` of a moment; empty for none.
+    static QString createdOn(OptionalDate date);
+
     /// What would be lost with the form, as the text of a file; empty if nothing would.
     virtual QByteArray encodedDraft() const { return {}; }
 };

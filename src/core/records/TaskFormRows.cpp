@@ -103,14 +103,6 @@ QString TaskFormState::repeatText() const
                                           : picker.presetTitles().at(preset);
 }
 
-QString TaskFormState::creationText() const
-{
-    using Style = DateFormatter::Style;
-    return task.creationDate ? localized(u"Created on"_s) + u" "_s +
-                                   DateFormatter::string(*task.creationDate, Style::Medium, Style::Short)
-                             : QString();
-}
-
 QString TaskFormState::previewText(TaskFormRow row) const
 {
     switch (row) {

@@ -117,7 +117,7 @@ public:
     bool isDifferent() override { return task.isChangedTask(); }
     QString title() const override { return task.title; }
     ObjectPtr record() const override { return task.task(); }
-    QString creationText() const override;
+    QString creationText() const override { return createdOn(task.creationDate); }
     /// Stores the task through the rules. False if they stopped it, with a message, if the user gave it up,
     /// or if the store cannot be written: of a new task there is no row then, and a stored one is saved by
     /// the next try. What was typed stays.

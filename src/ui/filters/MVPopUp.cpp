@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "records/TaskFormChoices.h"
+#include "store/queries/DBWorker.h"
 #include "widgets/BubbleHeader.h"
 #include "widgets/CheckList.h"
 #include "widgets/Theme.h"
@@ -103,26 +104,25 @@ void MVPopUp::keyPressEvent(QKeyEvent *event)
         Popover::keyPressEvent(event);
 }
 
-static std::vector<MultiPick::Entry> contactEntries()
+template <typename Records, typename TitleOf>
+static std::vector<MultiPick::Entry> entriesOf(const Records &records, TitleOf titleOf)
 {
     std::vector<MultiPick::Entry> entries;
-    for (const ContactPtr &contact : TaskFormChoices::contacts())
-        entries.push_back({contact, contact->fullName()});
+    for (const auto &record : records)
+        entries.push_back({record, titleOf(*record)});
     return entries;
 }
 
-static std::vector<MultiPick::Entry> companyEntries()
+MVPopUp *MVPopUp::of(FilterRow::Editor kind, const FilterSelection &selected, QWidget *parent)
 {
-    std::vector<MultiPick::Entry> entries;
-    for (const CompanyPtr &company : TaskFormChoices::companies())
-        entries.push_back({company, company->title()});
-    return entries;
+    const auto title = [](const auto &record) { return record.title(); };
+    const auto fullName = [](const EntityContacts &contact) { return contact.fullName(); };
+    if (kind == FilterRow::Editor::Contacts)
+        return new MVPopUp(localized(u"Contacts"_s), entriesOf(TaskFormChoices::contacts(), fullName),
+                           selected, parent);
+    if (kind == FilterRow::Editor::Companies)
+        return new MVPopUp(localized(u"Companies"_s), entriesOf(TaskFormChoices::companies(), title),
+                           selected, parent);
+    return new MVPopUp(localized(u"Categories"_s), entriesOf(DBWorker::allContactCategories(), title),
+                       selected, parent);
 }
-
-PopUpContact::PopUpContact(const FilterSelection &selected, QWidget *parent)
-    : MVPopUp(localized(u"Contacts"_s), contactEntries(), selected, parent)
-{}
-
-PopUpCompany::PopUpCompany(const FilterSelection &selected, QWidget *parent)
-    : MVPopUp(localized(u"Companies"_s), companyEntries(), selected, parent)
-{}

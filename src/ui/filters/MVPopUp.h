@@ -17,6 +17,9 @@ public:
     MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, const FilterSelection &selected,
             QWidget *parent = nullptr);
 
+    /// The bubble for all records of a kind.
+    static MVPopUp *of(FilterRow::Editor kind, const FilterSelection &selected, QWidget *parent);
+
     void clickDone();
 
 Q_SIGNALS:
@@ -36,20 +39,4 @@ private:
     QPushButton *buttonAll;
     CheckList *table;
     QLabel *labelEmpty;
-};
-
-/// All contacts.
-class PopUpContact : public MVPopUp
-{
-    Q_OBJECT
-public:
-    explicit PopUpContact(const FilterSelection &selected, QWidget *parent = nullptr);
-};
-
-/// All companies.
-class PopUpCompany : public MVPopUp
-{
-    Q_OBJECT
-public:
-    explicit PopUpCompany(const FilterSelection &selected, QWidget *parent = nullptr);
 };

@@ -8,15 +8,18 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-static bool isOfContacts(const QString &criterion)
+static QString iconOf(FilterRow::Editor editor)
 {
-    return criterion == u"Delegate"_s;
+    if (editor == FilterRow::Editor::ContactCategories)
+        return u"categories"_s;
+    return editor == FilterRow::Editor::Contacts ? u"people"_s : u"company"_s;
 }
 
-MultiPickField::MultiPickField(ListFilter &listFilter, const QString &criterion, QWidget *parent)
-    : PickerField(isOfContacts(criterion) ? u"people"_s : u"company"_s, parent)
+MultiPickField::MultiPickField(ListFilter &listFilter, const FilterRow &row, QWidget *parent)
+    : PickerField(iconOf(row.editor), parent)
     , filter(listFilter)
-    , key(criterion)
+    , key(row.key)
+    , picked(row.editor)
 {
     setObjectName(u"popUp"_s + key);
     setClearable(false);
@@ -43,11 +46,7 @@ void MultiPickField::paintEvent(QPaintEvent *event)
 
 void MultiPickField::openBubble()
 {
-    MVPopUp *bubble = nullptr;
-    if (isOfContacts(key))
-        bubble = new PopUpContact(filter.selection(key), this);
-    else
-        bubble = new PopUpCompany(filter.selection(key), this);
+    MVPopUp *const bubble = MVPopUp::of(picked, filter.selection(key), this);
     bubble->setAttribute(Qt::WA_DeleteOnClose);
     connect(bubble, &MVPopUp::toPopUp, this, [this](const FilterSelection &selected) {
         filter.toPopUp(key, selected);

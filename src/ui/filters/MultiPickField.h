@@ -5,14 +5,13 @@
 
 class MVPopUp;
 
-/// The row of a filter from which several contacts or companies are picked: says how many, and opens their
-/// bubble when pressed.
+/// The row of a filter from which several records are picked: says how many, and opens their bubble when
+/// pressed.
 class MultiPickField : public PickerField
 {
     Q_OBJECT
 public:
-    /// \param criterion "Delegate" for contacts, "Company" for companies.
-    MultiPickField(ListFilter &filter, const QString &criterion, QWidget *parent = nullptr);
+    MultiPickField(ListFilter &filter, const FilterRow &row, QWidget *parent = nullptr);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -23,4 +22,5 @@ private:
 
     ListFilter &filter;
     QString key;
+    FilterRow::Editor picked;
 };

@@ -68,26 +68,33 @@ void TaskFilterController::addRow(const FilterRow &description)
     enabledRows.push_back(row);
 }
 
-QWidget *TaskFilterController::makeControl(const FilterRow &description)
+QWidget *TaskFilterController::makeControl(const FilterRow &row)
 {
-    if (description.key == u"Title"_s)
-        return makeTitle();
-    if (description.key == u"Period"_s)
+    using Editor = FilterRow::Editor;
+    switch (row.editor) {
+    case Editor::Text:
+        return makeText(row);
+    case Editor::Period:
         return makePeriod();
-    if (description.key == u"Delegate"_s || description.key == u"Company"_s)
-        return new MultiPickField(filter, description.key);
-    return makePopUp(description.key);
+    case Editor::Contacts:
+    case Editor::Companies:
+    case Editor::ContactCategories:
+        return new MultiPickField(filter, row);
+    case Editor::PopUp:
+        break;
+    }
+    return makePopUp(row.key);
 }
 
-QLineEdit *TaskFilterController::makeTitle()
+QLineEdit *TaskFilterController::makeText(const FilterRow &row)
 {
-    auto *field = new QLineEdit(filter.value(u"Title"_s).toString());
-    field->setObjectName(u"fieldTitle"_s);
-    field->setPlaceholderText(localized(u"Type Task title"_s));
-    field->setAccessibleName(localized(u"Title"_s));
+    auto *field = new QLineEdit(filter.value(row.key).toString());
+    field->setObjectName(u"field"_s + row.key);
+    field->setPlaceholderText(row.placeholder);
+    field->setAccessibleName(localized(row.key));
     field->setClearButtonEnabled(true);
     connect(field, &QLineEdit::textChanged, this,
-            [this](const QString &text) { filter.changeValueForKey(text, u"Title"_s); });
+            [this, key = row.key](const QString &text) { filter.changeValueForKey(text, key); });
     return field;
 }
 

@@ -29,8 +29,8 @@ public:
 
 private:
     void addRow(const FilterRow &description);
-    QWidget *makeControl(const FilterRow &description);
-    QLineEdit *makeTitle();
+    QWidget *makeControl(const FilterRow &row);
+    QLineEdit *makeText(const FilterRow &row);
     PopUpButton *makePopUp(const QString &key);
     QWidget *makePeriod();
     void setDataPeriod();

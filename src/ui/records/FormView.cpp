@@ -89,7 +89,7 @@ QWidget *FormView::makeControl(const FormRow &row)
     case Editor::Line:
         return makeLine(row);
     case Editor::Text:
-        return makeText(row, false);
+        return makeParagraphs(row);
     case Editor::Choice:
         return makeChoice(row);
     case Editor::Date:
@@ -134,6 +134,14 @@ GrowingTextField *FormView::makeText(const FormRow &row, bool isTitle)
     connect(field, &GrowingTextField::accepted, this, &FormView::accepted);
     syncs.push_back([this, field, number = row.id] { field->showText(model.text(number)); });
     texts.push_back(field);
+    return field;
+}
+
+/// As high as its row, however little stands in it.
+QWidget *FormView::makeParagraphs(const FormRow &row)
+{
+    GrowingTextField *const field = makeText(row, false);
+    field->setMinimumHeight(row.height - Theme::unit);
     return field;
 }
 

@@ -58,6 +58,7 @@ private:
     QWidget *makeControl(const FormRow &row);
     QWidget *makeTitle(const FormRow &row);
     QWidget *makeLine(const FormRow &row);
+    QWidget *makeParagraphs(const FormRow &row);
     GrowingTextField *makeText(const FormRow &row, bool isTitle);
     QWidget *makeChoice(const FormRow &row);
     QWidget *makeDate(const FormRow &row);

@@ -164,6 +164,7 @@ void RecordListScreen::update(const std::set<RowId> &changed, const std::set<Row
         view->keepInSight(sights);
     updateEmptyState();
     closeDetailsOf(shown);
+    selectFirstIfNone();
     Q_EMIT commandsChanged();
 }
 
@@ -190,12 +191,17 @@ void RecordListScreen::reload(SelectionMemory::Otherwise otherwise)
         closeHiddenDetails();
     else
         closeDetailsOf(shown);
-    // Beside its list a pane is never missed.
-    const bool mustSelect =
-        description.opens == RecordListDescription::Opens::OnSelection && !view->hasSelectedRows();
-    if (const int first = listModel->nearestItem(0, 1); mustSelect && first >= 0)
-        view->selectRow(first);
+    selectFirstIfNone();
     Q_EMIT commandsChanged();
+}
+
+/// Beside its list a pane is never missed.
+void RecordListScreen::selectFirstIfNone()
+{
+    const int first = listModel->nearestItem(0, 1);
+    if (description.opens == RecordListDescription::Opens::OnSelection && first >= 0 &&
+        !view->hasSelectedRows())
+        view->selectRow(first);
 }
 
 void RecordListScreen::updateEmptyState()

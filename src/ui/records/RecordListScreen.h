@@ -134,6 +134,7 @@ private:
     void rowOpened(int row);
     void selectionChanged();
     void openSelected();
+    void selectFirstIfNone();
     void selectAfterRemoval(int lastIndex);
     void updateEmptyState();
 

@@ -18,3 +18,8 @@ int TableModel::nearestItem(int row, int direction) const
     }
     return -1;
 }
+
+std::optional<int> TableModel::heightOf(int) const
+{
+    return std::nullopt;
+}

@@ -2,6 +2,8 @@
 
 #include <QAbstractListModel>
 
+#include <optional>
+
 /// What a row of a list is, apart from what it shows.
 enum class RowKind { Item, Header, Separator };
 
@@ -14,6 +16,8 @@ public:
 
     /// What a row is, without loading it.
     virtual RowKind kindOf(int row) const = 0;
+    /// The height of a row that has one of its own, in pixels; absent for one as high as all of its kind.
+    virtual std::optional<int> heightOf(int row) const;
     /// Only items can be selected.
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 

@@ -101,6 +101,8 @@ const RowGeometry &TableViewExtended::rowGeometry() const
     if (!std::exchange(isGeometryOld, false))
         return geometry;
     const auto heightOf = [this](int row) {
+        if (const auto own = rowsModel->heightOf(row))
+            return *own;
         switch (rowsModel->kindOf(row)) {
         case RowKind::Header:
             return heights.header;

@@ -146,7 +146,9 @@ TEST_F(AccessibilityTest, TheBubblesNameTheirControls)
     QTest::keyClick(location.focusWidget(), Qt::Key_Space);
     expectNamed(location);
     location.close();
-    PopUpContact contacts({.selectedAll = true, .objects = {}}, &window());
+    const std::unique_ptr<MVPopUp> bubble(
+        MVPopUp::of(FilterRow::Editor::Contacts, {.selectedAll = true, .objects = {}}, &window()));
+    MVPopUp &contacts = *bubble;
     contacts.showBeside(window());
     expectNamed(contacts);
     contacts.close();

@@ -141,7 +141,8 @@ TEST_F(NotesTest, AnEditIsSavedFollowedAndAskedAbout)
 
 TEST_F(NotesTest, ANewOneIsMadeInItsWindow)
 {
-    Q_EMIT notes().buttonAdd(ToolBarButton::NewNote);
+    auto &buttonAdd = find<ToolBarButton>(window(), "buttonAdd");
+    QTest::mouseClick(&buttonAdd, Qt::LeftButton, {}, QPoint(20, buttonAdd.height() / 2));
     auto *form = window().findChild<RecordWindow *>(u"WindowAddNewNote"_s);
     ASSERT_TRUE(form && form->isVisible());
     auto &save = find<QPushButton>(*form, "buttonSave");

@@ -27,7 +27,9 @@ protected:
 
 TEST_F(PopUpTest, CompaniesAreSearchedMarkedAndHandedOver)
 {
-    PopUpCompany popUp({.selectedAll = false, .objects = {}}, &window());
+    const std::unique_ptr<MVPopUp> bubble(
+        MVPopUp::of(FilterRow::Editor::Companies, {.selectedAll = false, .objects = {}}, &window()));
+    MVPopUp &popUp = *bubble;
     FilterSelection taken;
     QObject::connect(&popUp, &MVPopUp::toPopUp, &popUp,
                      [&](const FilterSelection &selected) { taken = selected; });
@@ -51,7 +53,9 @@ TEST_F(PopUpTest, CompaniesAreSearchedMarkedAndHandedOver)
 
 TEST_F(PopUpTest, AllAreMarkedAndUnmarkedByOneButton)
 {
-    PopUpCompany popUp({.selectedAll = false, .objects = {}}, &window());
+    const std::unique_ptr<MVPopUp> bubble(
+        MVPopUp::of(FilterRow::Editor::Companies, {.selectedAll = false, .objects = {}}, &window()));
+    MVPopUp &popUp = *bubble;
     popUp.showBeside(window());
     auto &table = *popUp.findChild<CheckList *>();
     auto &button = find<QPushButton>(popUp, "buttonAll");

@@ -141,11 +141,6 @@ void NoteForm::clear(int)
 
 // The record
 
-QString NoteForm::creationText() const
-{
-    return MVDate::noteCreationLabel(values.creationDate).value_or(QString());
-}
-
 bool NoteForm::isChanged()
 {
     followRow();

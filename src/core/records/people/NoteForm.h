@@ -38,7 +38,7 @@ public:
     void clear(int row) override;
 
     ObjectPtr record() const override { return row; }
-    QString creationText() const override;
+    QString creationText() const override { return createdOn(values.creationDate); }
     bool canSave() const override { return row || !values.title.isEmpty(); }
     bool isTouched() const override { return touched; }
     bool isChanged() override;
