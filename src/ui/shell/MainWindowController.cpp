@@ -12,6 +12,7 @@
 #include "shell/OutlineViewExtended.h"
 #include "shell/RightToolBar.h"
 #include "shell/Screens.h"
+#include "shell/SelectedTaskController.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/ScreenToolBar.h"
@@ -233,6 +234,7 @@ void MainWindowController::changeDataBase()
     // Panes and windows for new records are about the other store.
     details->removeAllDetail();
     searchWanted = nullptr;
+    SelectedTaskController::sharedCenter().removeAllTasks();
     const SidebarItem former = selectItem.value_or(SidebarItem::Home);
     const QString group = selectedGroup;
     loadContactsGroup();
