@@ -97,13 +97,13 @@ public:
         qApp->installEventFilter(this);
         sqlite::setWaitListener([this](std::chrono::milliseconds waited) {
             isWaiting = true;
-            WaitSign::show(waited);
+            WaitSign::showForStore(waited);
             isWaiting = false;
             if (shownAfter < 0 && WaitSign::isShown() && picture() != before)
                 shownAfter = waited.count();
         });
     }
-    ~WaitSignWatch() override { sqlite::setWaitListener(WaitSign::show); }
+    ~WaitSignWatch() override { sqlite::setWaitListener(WaitSign::showForStore); }
     bool eventFilter(QObject *, QEvent *event) override
     {
         EXPECT_FALSE(isWaiting && event->type() == QEvent::Paint);
