@@ -1,6 +1,7 @@
 #include "calendarsync/CalendarPass.h"
 
 #include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/CalendarReferences.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventReader.h"
 #include "calendarsync/EventStoreAccess.h"
@@ -196,9 +197,9 @@ private:
     std::optional<JournalPause> ofOthers;
 };
 
-passbrake::EventCounts countsOf(const std::vector<EKCalendar> &calendars, const std::vector<EKEvent> &events)
+passbrake::Counts countsOf(const std::vector<EKCalendar> &calendars, const std::vector<EKEvent> &events)
 {
-    passbrake::EventCounts counts;
+    passbrake::Counts counts;
     for (const EKCalendar &calendar : calendars)
         counts.insert(calendar.calendarIdentifier, 0);
     for (const EKEvent &event : events) {
@@ -208,12 +209,25 @@ passbrake::EventCounts countsOf(const std::vector<EKCalendar> &calendars, const 
     return counts;
 }
 
+void keepWhatTheUserKeeps(std::vector<TaskPtr> &going, size_t linkedCount, const passbrake::Counts &events)
+{
+    passbrake::Counts rowsByCalendar;
+    for (const TaskPtr &row : going)
+        ++rowsByCalendar[calendarreferences::identifierOf(row->typeCalendarID())];
+    const auto kept = passbrake::keptCalendars(rowsByCalendar, linkedCount, events);
+    std::erase_if(going, [&kept](const TaskPtr &row) {
+        // A question to the user takes its time.
+        return !row->context() || row->isDeleted() ||
+               kept.contains(calendarreferences::identifierOf(row->typeCalendarID()));
+    });
+}
+
 void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
 {
     Authorship authorship(isWithinCommand);
     std::vector<TaskPtr> going;
     size_t linkedCount = 0;
-    passbrake::EventCounts counts;
+    passbrake::Counts counts;
     {
         // All questions of a pass are about the same moment.
         const auto held = EventStoreAccess::eventStore().holdContents();
@@ -251,12 +265,9 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
         }
         linkedCount = pass.linkedCount();
     }
-    if (onlyTasks.empty() && !passbrake::mayDelete(going.size(), linkedCount, counts))
-        return;
+    if (onlyTasks.empty())
+        keepWhatTheUserKeeps(going, linkedCount, counts);
     for (const TaskPtr &row : going) {
-        // A question to the user takes its time.
-        if (!row->context() || row->isDeleted())
-            continue;
         authorship.turnTo(row->calendarID());
         mainContext().deleteObject(row);
     }
