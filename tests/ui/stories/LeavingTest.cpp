@@ -301,16 +301,13 @@ TEST_F(LeavingTest, TheSystemEndsTheProgramWithoutAQuestionAndTheTextIsThereAgai
     field(*pane(), "textFieldDetails").setFocus();
     QTest::keyClicks(&field(*pane(), "textFieldDetails"), u"half a sen"_s);
     QTest::keyClicks(&field(openNewTask(), "textFieldTitle"), u"new words"_s);
-    {
-        const ScriptedAlerts none;
-        restart();
-        EXPECT_EQ(draftFiles().size(), 2);
-    }
-    // Meanwhile another program has written something of its own.
-    stored(u"first"_s)->setPriority(Priority::High);
-    stored(u"first"_s)->setTitle(u"theirs"_s);
-    EXPECT_FALSE(DBWorker::saveContext());
     const ScriptedAlerts alerts({Alert::firstButton});
+    quit();
+    EXPECT_TRUE(alerts.asked().empty());
+    EXPECT_EQ(draftFiles().size(), 2);
+    // Meanwhile another program has written something of its own.
+    writeElsewhere(storePath, "UPDATE EntityTask SET title = 'theirs', priority = 0 WHERE title = 'first'");
+    launch();
     ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 1; }));
     ASSERT_NE(pane(), nullptr);
     EXPECT_TRUE(pane()->isEditing());
