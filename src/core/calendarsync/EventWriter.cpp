@@ -314,6 +314,16 @@ void EventWriter::initEventCalendarFromTask(RecordsTransaction &transaction, Ent
         offlinechanges::keepForLater(task, span, changeStartDue);
 }
 
+bool EventWriter::hasLostOccurrence(const EntityTask &task)
+{
+    if (DBWorker::isSample() || task.calendarID().isEmpty() || calendarstore::isOffline() ||
+        taskevent::isOffCalendar(task))
+        return false;
+    const FoundEvent found =
+        task.repeat().isEmpty() ? eventOfSingle(task, std::nullopt) : eventOfOccurrence(task, std::nullopt);
+    return !found && CalendarError::is(found.error(), CalendarError::Invalid);
+}
+
 void EventWriter::changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
                                                     OptionalDate withChangeStartDue)
 {

@@ -100,8 +100,9 @@ public:
     /// the next try. What was typed stays.
     bool save();
 
-    enum class EditEnd { Unchanged, Saved, Removed, Refused };
-    /// Ends the edit of a stored task: saves if something changed, or was not stored the last time.
+    enum class EditEnd { Unchanged, Saved, Removed, Refused, Gone };
+    /// Ends the edit of a stored task: saves if something changed, or was not stored the last time. Gone if
+    /// another program has deleted the event, and with it the task: the form still has what was typed.
     EditEnd finishEdit();
     /// Ticks a stored task off, or opens it again, at once, with all that stands in the form. Nothing happens
     /// if the user gives it up.

@@ -1,6 +1,7 @@
 // Nothing that was typed is lost: every way out asks, and what nobody could be asked about is there again at
 // the next start.
 
+#include "eventkit/UtcDateTime.h"
 #include "records/DraftKeeper.h"
 #include "shell/Shell.h"
 #include "shell/details/DetailStack.h"
@@ -328,6 +329,42 @@ TEST_F(LeavingTest, TheSystemEndsTheProgramWithoutAQuestionAndTheTextIsThereAgai
     restart();
     QTest::qWait(500);
     EXPECT_TRUE(stack().isEmpty()) << "nothing is found that was saved";
+}
+
+TEST_F(LeavingTest, WhatIsTypedForAnOccurrenceThatIsDeletedElsewhereOpensAsANewTask)
+{
+    const CalendarAccess access({u"Work"_s});
+    const auto write = [&](const QString &more) {
+        access.writeEvent(u"Work"_s, u"Daily"_s, u"20261121T160000Z"_s,
+                          u"RRULE:FREQ=DAILY;COUNT=3\r\n"_s + more);
+    };
+    const auto deleteElsewhere = [&](const TaskPtr &row) {
+        write(u"EXDATE:"_s + UtcDateTime::string(*row->startDate()) + u"\r\n"_s);
+    };
+    const auto countOf = [this](const QString &title) {
+        return context()
+            .fetch<EntityTask>(
+                EntityTask::fetchRequest().where(Predicate::format("title == %@ and status != 3", title)))
+            .size();
+    };
+    // The edit is ended by its button, and at the gate.
+    for (const auto &[button, typed] : {std::pair("buttonEdit", u"one"_s), {"buttonBack", u"two"_s}}) {
+        write({});
+        delegate->applicationDidBecomeActive();
+        edit(u"Daily"_s, typed);
+        const auto row = std::static_pointer_cast<EntityTask>(pane()->record());
+        deleteElsewhere(row);
+        // Save, at the gate; then what is told of the new task.
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+        QTest::mouseClick(&find<QAbstractButton>(*pane(), button), Qt::LeftButton);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return newTaskWindow() != nullptr; })) << button;
+        EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().title, typed);
+        newTaskWindow()->clickButtonSave();
+        EXPECT_TRUE(QTest::qWaitFor([this] { return stack().isEmpty() && !newTaskWindow(); })) << button;
+        EXPECT_EQ(countOf(typed), 1) << "what was typed for one occurrence is no second series";
+        EXPECT_FALSE(row->context());
+        EXPECT_TRUE(draftFiles().isEmpty());
+    }
 }
 
 /// Saved, it would be there twice.

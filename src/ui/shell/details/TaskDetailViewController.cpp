@@ -165,6 +165,8 @@ bool TaskDetailViewController::isConcernedBy(const StoreChanges &changes) const
 /// What the user has entered stays, unless its task is gone or cannot be changed any more; the rest follows.
 void TaskDetailViewController::taskChanged()
 {
+    // What has just been seen is not looked at again.
+    refreshTimer.stop();
     // The call that asks goes on with the form as it was.
     if (Waiting::isForAnswer())
         return refreshTimer.start(Waiting::lookInterval);
@@ -253,23 +255,31 @@ void TaskDetailViewController::clickButtonEdit()
         setEditMode();
 }
 
-void TaskDetailViewController::finishEdit()
+TaskFormState::EditEnd TaskDetailViewController::finishEdit()
 {
-    if (!form.canSave())
-        return view->focusTitle();
-    switch (form.finishEdit()) {
-    case TaskFormState::EditEnd::Refused:
-        return;
-    case TaskFormState::EditEnd::Removed:
+    using EditEnd = TaskFormState::EditEnd;
+    if (!form.canSave()) {
+        view->focusTitle();
+        return EditEnd::Refused;
+    }
+    const EditEnd end = form.finishEdit();
+    switch (end) {
+    case EditEnd::Refused:
+        break;
+    case EditEnd::Gone:
+        taskChanged();
+        break;
+    case EditEnd::Removed:
         keeper.drop();
         Q_EMIT recordRemoved();
-        return;
-    case TaskFormState::EditEnd::Unchanged:
-    case TaskFormState::EditEnd::Saved:
+        break;
+    case EditEnd::Unchanged:
+    case EditEnd::Saved:
         keeper.drop();
         setPreviewMode();
         setFocus();
     }
+    return end;
 }
 
 void TaskDetailViewController::clickButtonBack()
@@ -324,8 +334,8 @@ bool TaskDetailViewController::saveEdit()
         return false;
     if (!form.canSave())
         ShellAlerts::tellOfMissingTitle();
-    finishEdit();
-    return !isEditing() || form.isGone();
+    const auto end = finishEdit();
+    return end != TaskFormState::EditEnd::Refused && end != TaskFormState::EditEnd::Gone;
 }
 
 /// The keys leave the fields, but not for a pane that they were never in.

@@ -66,7 +66,7 @@ private:
     void statusChanged();
     void changeCheckBoxDone(bool done);
     void editAttempted();
-    void finishEdit();
+    TaskFormState::EditEnd finishEdit();
     void handOver();
     void giveUpEdit();
 
