@@ -96,7 +96,7 @@ protected:
     }
     bool isDraftWritten()
     {
-        return QTest::qWaitFor([] { return draftFiles().size() == 1; }, 1000);
+        return QTest::qWaitFor([] { return draftFiles().size() == 1; });
     }
     /// The program ends as it does for the system, and starts again.
     void restart()
