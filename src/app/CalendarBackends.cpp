@@ -1,12 +1,14 @@
 #include "CalendarBackends.h"
 
 #include "cloud/FileManager.h"
+#include "eventkit/CalendarBackend.h"
 #include "eventkit/DesktopCalendars.h"
 #include "eventkit/EKEventStore.h"
 #include "eventkit/FolderBackend.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "shell/ApplicationLife.h"
+#include "widgets/WaitSign.h"
 #include "workspace/PlatformConfiguration.h"
 
 #include <QCoreApplication>
@@ -44,8 +46,12 @@ static std::shared_ptr<CalendarBackend> makeBackend()
 {
     DesktopCalendars desktop(QCoreApplication::applicationDirPath() +
                              QStringLiteral("/" MORVANE_LIBRARIES "/morvane-eds"));
-    if (chosenStore(desktop) == eds)
-        return desktop.backend();
+    if (chosenStore(desktop) == eds) {
+        auto backend = desktop.backend();
+        if (backend)
+            backend->setWaitListener(WaitSign::showForCalendars);
+        return backend;
+    }
     return std::make_shared<FolderBackend>(FileManager::appFolderURL() + QStringLiteral("/Calendars"));
 }
 

@@ -84,13 +84,14 @@ void followRenames(const std::vector<EKCalendar> &calendars, const QVariantMap &
 }
 
 /// Whether the tasks of a calendar that has gone may go.
-bool mayRemoveTasksOf(const QString &reference)
+bool mayRemoveTasksOf(const QString &identifier, const QString &reference)
 {
     return passbrake::mayDeleteRowsOfCalendar(
-        rowsOf(reference).size(), static_cast<size_t>(mainContext()
-                                                          .fetch<EntityTask>(EntityTask::fetchRequest().where(
-                                                              Predicate::format("calendarID != nil")))
-                                                          .size()));
+        identifier, rowsOf(reference).size(),
+        static_cast<size_t>(
+            mainContext()
+                .fetch<EntityTask>(EntityTask::fetchRequest().where(Predicate::format("calendarID != nil")))
+                .size()));
 }
 
 /// What becomes of the tasks of calendars that have gone since their titles were last written down. Gives
@@ -107,7 +108,7 @@ QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVari
         gone.calendarIdentifier = entry.key();
         gone.title = formerTitle;
         const QString reference = CalendarCatalogue::identifierOfCalendar(gone);
-        if (!mayRemoveTasksOf(reference)) {
+        if (!mayRemoveTasksOf(entry.key(), reference)) {
             missed.insert(entry.key(), formerTitle);
             continue;
         }
@@ -199,8 +200,6 @@ void CalendarCatalogue::handleChangedCalendars()
     const std::vector<EKCalendar> calendars = getAllCalendars();
     QVariantMap titles = followRemovals(calendars, formerTitles);
     replaceMissed(calendars, formerTitles, titles);
-    if (titles.isEmpty())
-        passbrake::noCalendarIsMissing();
     for (const EKCalendar &one : calendars)
         titles.insert(one.calendarIdentifier, one.title);
     calendarreferences::forgetOthersThan(titles.keys());

@@ -143,6 +143,7 @@ public:
     {
         return EventWriter::initEventCalendarFromTask(task, span, changeStartDue, wasRepeatRule);
     }
+    static bool hasLostOccurrence(const EntityTask &task) { return EventWriter::hasLostOccurrence(task); }
     static void changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
                                                   OptionalDate withChangeStartDue)
     {

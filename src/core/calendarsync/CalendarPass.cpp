@@ -1,6 +1,7 @@
 #include "calendarsync/CalendarPass.h"
 
 #include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/CalendarReferences.h"
 #include "calendarsync/CalendarStoreState.h"
 #include "calendarsync/EventReader.h"
 #include "calendarsync/EventStoreAccess.h"
@@ -86,6 +87,8 @@ private:
                 break;
             const EKEvent &event = group[place];
             TaskPtr row = rows.rowOf(event);
+            if (!row && event.isDetached)
+                row = rows.strayOf(event);
             if (!row)
                 row = newRow(event, rows.firstOfTitle(event.title));
             claim(row, event);
@@ -129,25 +132,49 @@ private:
     PassRows rows;
 };
 
-bool hasItemOutside(const EntityTask &row, const DateInterval &window)
+/// What the calendars hold outside of the window of what a row shows.
+struct OutOfSight
 {
-    if (!row.repeat().isEmpty())
-        return false;
+    bool isThere = false;
+    /// What another program has moved there.
+    std::optional<EKEvent> moved = {};
+};
+
+OutOfSight outOfSight(const EntityTask &row, const DateInterval &window)
+{
     const auto items = EventStoreAccess::eventStore().calendarItemsWithExternalIdentifier(row.calendarID());
     // While the calendar does not answer, its event counts as there.
     if (!items)
-        return true;
-    return std::any_of(items.value().begin(), items.value().end(), [&window](const EKEvent &item) {
+        return {true};
+    const auto isOutside = [&window](const EKEvent &item) {
+        return item.startDate && (*item.startDate < window.start || *item.startDate > window.end);
+    };
+    const OptionalDate date = row.startDate() ? row.startDate() : row.dueDate();
+    for (const EKEvent &item : items.value()) {
+        if (isOutside(item) && item.isDetached && item.occurrenceDate == date)
+            return {true, item};
+    }
+    if (!row.repeat().isEmpty())
+        return {};
+    const auto item = std::ranges::find_if(items.value(), [&isOutside](const EKEvent &one) {
         // The rows of a series have no rule either if none can say it; its others say nothing of this one.
-        const bool isAnother = !item.hasRecurrenceRules() && !EventReader::standsAlone(item);
-        return !isAnother && item.startDate &&
-               (*item.startDate < window.start || *item.startDate > window.end);
+        return isOutside(one) && (one.hasRecurrenceRules() || EventReader::standsAlone(one));
     });
+    if (item == items.value().end())
+        return {};
+    return {true, item->hasRecurrenceRules() ? std::nullopt : std::optional(*item)};
 }
 
+struct Verdict
+{
+    rowfate::Decision decision;
+    /// What the row shows from now on, where it stays.
+    std::optional<EKEvent> moved = {};
+};
+
 /// \param onlyTasks are those that the pass is for; none if it is for all.
-rowfate::Decision fateOf(const TaskPtr &row, const std::unordered_set<TaskPtr> &onlyTasks,
-                         const DateInterval &window)
+Verdict verdictOn(const TaskPtr &row, const std::unordered_set<TaskPtr> &onlyTasks,
+                  const DateInterval &window)
 {
     rowfate::Facts facts;
     facts.isDone = row->status() == TaskStatus::Done;
@@ -158,11 +185,12 @@ rowfate::Decision fateOf(const TaskPtr &row, const std::unordered_set<TaskPtr> &
     facts.allowsChanges = row->allowsContentModifications().value_or(true);
     facts.isOutsideOfPass = !onlyTasks.empty() && !onlyTasks.contains(row);
     if (const auto decision = rowfate::decideAtOnce(facts))
-        return *decision;
+        return {*decision};
     facts.isCalendarChosen = CalendarCatalogue::calendarAccessOfCalendarTypeIdentifier(row->typeCalendarID());
     facts.wasCreatedOffCalendar = row->wasCreatedOffCalendar().value_or(false);
-    facts.hasItemOutsideOfWindow = facts.isCalendarChosen && hasItemOutside(*row, window);
-    return rowfate::decide(facts);
+    const OutOfSight found = facts.isCalendarChosen ? outOfSight(*row, window) : OutOfSight();
+    facts.hasItemOutsideOfWindow = found.isThere;
+    return {rowfate::decide(facts), found.moved};
 }
 
 /// Within a command, parts what follows from the command in the rows from what other programs did meanwhile:
@@ -196,9 +224,9 @@ private:
     std::optional<JournalPause> ofOthers;
 };
 
-passbrake::EventCounts countsOf(const std::vector<EKCalendar> &calendars, const std::vector<EKEvent> &events)
+passbrake::Counts countsOf(const std::vector<EKCalendar> &calendars, const std::vector<EKEvent> &events)
 {
-    passbrake::EventCounts counts;
+    passbrake::Counts counts;
     for (const EKCalendar &calendar : calendars)
         counts.insert(calendar.calendarIdentifier, 0);
     for (const EKEvent &event : events) {
@@ -208,12 +236,25 @@ passbrake::EventCounts countsOf(const std::vector<EKCalendar> &calendars, const 
     return counts;
 }
 
+void keepWhatTheUserKeeps(std::vector<TaskPtr> &going, size_t linkedCount, const passbrake::Counts &events)
+{
+    passbrake::Counts rowsByCalendar;
+    for (const TaskPtr &row : going)
+        ++rowsByCalendar[calendarreferences::identifierOf(row->typeCalendarID())];
+    const auto kept = passbrake::keptCalendars(rowsByCalendar, linkedCount, events);
+    std::erase_if(going, [&kept](const TaskPtr &row) {
+        // A question to the user takes its time.
+        return !row->context() || row->isDeleted() ||
+               kept.contains(calendarreferences::identifierOf(row->typeCalendarID()));
+    });
+}
+
 void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
 {
     Authorship authorship(isWithinCommand);
     std::vector<TaskPtr> going;
     size_t linkedCount = 0;
-    passbrake::EventCounts counts;
+    passbrake::Counts counts;
     {
         // All questions of a pass are about the same moment.
         const auto held = EventStoreAccess::eventStore().holdContents();
@@ -240,8 +281,12 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
         }
         const DateInterval seen = EventReader::window();
         for (const TaskPtr &row : pass.unclaimed()) {
-            const rowfate::Decision decision = fateOf(row, onlyTasks, seen);
-            if (decision.fate != rowfate::Fate::Goes)
+            const auto [decision, moved] = verdictOn(row, onlyTasks, seen);
+            if (decision.fate == rowfate::Fate::Stays && moved) {
+                authorship.turnTo(row->calendarID());
+                CalendarPass::syncEvent(*moved, *row);
+            }
+            if (decision.fate == rowfate::Fate::Stays)
                 continue;
             // It is damaged, not gone.
             if (EventStoreAccess::eventStore().mayBeUnusable(row->calendarID()))
@@ -251,12 +296,9 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
         }
         linkedCount = pass.linkedCount();
     }
-    if (onlyTasks.empty() && !passbrake::mayDelete(going.size(), linkedCount, counts))
-        return;
+    if (onlyTasks.empty())
+        keepWhatTheUserKeeps(going, linkedCount, counts);
     for (const TaskPtr &row : going) {
-        // A question to the user takes its time.
-        if (!row->context() || row->isDeleted())
-            continue;
         authorship.turnTo(row->calendarID());
         mainContext().deleteObject(row);
     }

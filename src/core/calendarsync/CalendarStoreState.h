@@ -45,10 +45,8 @@ struct State
     bool isKeptForLater = false;
     /// Changes that calendars have refused, of which the user was not told yet.
     std::vector<std::vector<ItemChange>> refused;
-    /// The user's answer about taking away much, while it holds.
-    std::optional<bool> mayRemoveMany;
-    /// The same about the rows of calendars that are missing.
-    std::optional<bool> mayRemoveRowsOfCalendars;
+    /// Whether the user is being asked if many rows may go.
+    bool isAskingAboutRows = false;
 };
 
 State &state();

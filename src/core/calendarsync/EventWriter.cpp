@@ -100,36 +100,26 @@ OptionalError saveEventOf(EntityTask &task, EKEvent &event, Span span)
     return std::nullopt;
 }
 
-/// Whether one occurrence is to lie on another calendar than its series.
-bool leavesCalendar(const Draft &draft, const EntityTask &task, Span span)
+/// The other calendar on which one occurrence is to lie; absent if it stays with its series.
+std::optional<EKCalendar> newCalendar(const Draft &draft, const EntityTask &task, Span span)
 {
-    if (!draft.fields.calendar)
-        return false;
     const EKEvent &event = draft.event;
-    const auto target = CalendarCatalogue::calendarOfIdentifier(task.typeCalendarID());
-    return span == Span::ThisTask && event.isOfSeries() && event.calendar && target &&
-           target->calendarIdentifier != event.calendar->calendarIdentifier;
-}
-
-/// There it becomes an event of its own, and its series goes without it.
-OptionalError moveAlone(EntityTask &task, const EKEvent &occurrence)
-{
-    EKEventStore &store = EventStoreAccess::eventStore();
-    const auto together = store.together();
-    EKEvent alone = EKEvent::eventWithEventStore(store);
-    EventWriter::syncTask(task, alone);
-    if (auto error = store.saveEvent(alone, EKSpan::ThisEvent, false))
-        return error;
-    if (auto error = store.removeEvent(occurrence, EKSpan::ThisEvent, true))
-        return error;
-    take(task, alone);
-    return std::nullopt;
+    if (!draft.fields.calendar || span != Span::ThisTask || !event.isOfSeries() || !event.calendar)
+        return std::nullopt;
+    auto target = CalendarCatalogue::calendarOfIdentifier(task.typeCalendarID());
+    const bool isOther = target && target->calendarIdentifier != event.calendar->calendarIdentifier;
+    return isOther ? target : std::nullopt;
 }
 
 OptionalError write(EntityTask &task, Draft &draft, Span span)
 {
-    if (leavesCalendar(draft, task, span))
-        return moveAlone(task, draft.event);
+    EKEventStore &store = EventStoreAccess::eventStore();
+    const auto target = newCalendar(draft, task, span);
+    const auto together = target ? store.together() : nullptr;
+    if (target) {
+        if (auto error = store.moveOccurrence(draft.event, *target, false))
+            return error;
+    }
     taskevent::put(task, draft.event, draft.fields);
     return saveEventOf(task, draft.event, span);
 }
@@ -322,6 +312,16 @@ void EventWriter::initEventCalendarFromTask(RecordsTransaction &transaction, Ent
         Log::line(error->message);
     if (error && !CalendarError::isRefusal(error))
         offlinechanges::keepForLater(task, span, changeStartDue);
+}
+
+bool EventWriter::hasLostOccurrence(const EntityTask &task)
+{
+    if (DBWorker::isSample() || task.calendarID().isEmpty() || calendarstore::isOffline() ||
+        taskevent::isOffCalendar(task))
+        return false;
+    const FoundEvent found =
+        task.repeat().isEmpty() ? eventOfSingle(task, std::nullopt) : eventOfOccurrence(task, std::nullopt);
+    return !found && CalendarError::is(found.error(), CalendarError::Invalid);
 }
 
 void EventWriter::changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,

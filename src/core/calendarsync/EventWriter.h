@@ -22,6 +22,9 @@ public:
                                           OptionalDate changeStartDue, bool wasRepeatRule);
     static void initEventCalendarFromTask(EntityTask &task, Span span, OptionalDate changeStartDue,
                                           bool wasRepeatRule);
+    /// Whether another program has taken the event of a row out of its series, which no pass has seen yet. An
+    /// edit of the row would be written nowhere, and go with it.
+    static bool hasLostOccurrence(const EntityTask &task);
     /// What a change of status alone does to the event: none without a due date.
     static void changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
                                                   OptionalDate withChangeStartDue);

@@ -7,9 +7,10 @@
 #include "foundation/UserDefaults.h"
 #include "store/state/SettingsKeys.h"
 
+#include <QScopedValueRollback>
 #include <QVariantMap>
 
-#include <algorithm>
+#include <numeric>
 
 namespace passbrake {
 
@@ -24,14 +25,15 @@ bool isMuch(size_t rowCount, size_t linkedCount)
     return rowCount > alwaysAllowed && rowCount * 3 > linkedCount;
 }
 
-/// What the user says, now or before. Who is just being asked has not said anything yet.
-bool mayRemove(size_t rowCount, std::optional<bool> &answer)
+/// Whether the user lets rows go; absent while another such question stands.
+std::optional<bool> mayRemove(int rowCount)
 {
+    bool &isAsking = calendarstore::state().isAskingAboutRows;
+    if (isAsking)
+        return std::nullopt;
+    const QScopedValueRollback guard(isAsking, true);
     Log::line(QStringLiteral("The pass would remove %1 tasks, which is much; nothing is removed unasked.")
                   .arg(rowCount));
-    if (answer)
-        return *answer;
-    answer = false;
     const QString message =
         rowCount == 1
             ? localized(QStringLiteral("One task is no longer found in your calendars."))
@@ -39,61 +41,101 @@ bool mayRemove(size_t rowCount, std::optional<bool> &answer)
     const QString information =
         localized(QStringLiteral("If a calendar is only missing at the moment, keep them. If you removed "
                                  "their events, remove them too."));
-    const int button =
-        Alert::run({{},
-                    message,
-                    information,
-                    {localized(QStringLiteral("Remove them")), localized(QStringLiteral("Keep them"))}});
-    if (button != Alert::firstButton)
-        return false;
-    answer.reset();
-    return true;
+    return Alert::run({{},
+                       message,
+                       information,
+                       {localized(QStringLiteral("Remove them")), localized(QStringLiteral("Keep them"))}}) ==
+           Alert::firstButton;
 }
 
-/// Whether a calendar that held more than a few events holds none any more. One that is not followed any
-/// longer is not among those that are asked about.
-bool isOneSuddenlyEmpty(const EventCounts &events)
+/// Calendars as a setting keeps them, each with a number.
+Counts countsIn(const QString &setting)
 {
-    const QVariantMap former = UserDefaults::standard().object(settings::eventsAtLastPass).toMap();
-    return std::any_of(events.keyValueBegin(), events.keyValueEnd(), [&former](const auto &one) {
-        return one.second == 0 && former.value(one.first).toInt() > fewEvents;
-    });
+    Counts counts;
+    const QVariantMap kept = UserDefaults::standard().object(setting).toMap();
+    for (auto one = kept.cbegin(); one != kept.cend(); ++one)
+        counts.insert(one.key(), one.value().toInt());
+    return counts;
 }
 
-void keep(const EventCounts &events)
+void keep(const QString &setting, const Counts &counts)
 {
-    QVariantMap counts;
-    for (auto one = events.cbegin(); one != events.cend(); ++one)
-        counts.insert(one.key(), one.value());
-    UserDefaults::standard().setObject(settings::eventsAtLastPass, counts);
+    QVariantMap kept;
+    for (auto one = counts.cbegin(); one != counts.cend(); ++one)
+        kept.insert(one.key(), one.value());
+    UserDefaults::standard().setObject(setting, kept);
+}
+
+/// What an answer to keep the rows says of the calendar, besides the number of its events.
+constexpr int isMissing = -1;
+
+int sum(const Counts &counts)
+{
+    return std::accumulate(counts.begin(), counts.end(), 0);
+}
+
+/// The rows that the user is asked about, by calendar.
+Counts doubtful(const Counts &going, size_t linkedCount, const Counts &events, const QSet<QString> &returned)
+{
+    if (isMuch(static_cast<size_t>(sum(going)), linkedCount))
+        return going;
+    const Counts former = countsIn(settings::eventsAtLastPass);
+    Counts some;
+    for (auto one = going.cbegin(); one != going.cend(); ++one) {
+        const bool isSuddenlyEmpty =
+            events.value(one.key(), isMissing) == 0 && former.value(one.key()) > fewEvents;
+        if (isSuddenlyEmpty || returned.contains(one.key()))
+            some.insert(one.key(), one.value());
+    }
+    return some;
 }
 
 } // namespace
 
-bool mayDelete(size_t rowCount, size_t linkedCount, const EventCounts &events)
+QSet<QString> keptCalendars(const Counts &going, size_t linkedCount, const Counts &events)
 {
-    const bool isSuddenlyEmpty = isOneSuddenlyEmpty(events);
-    if (rowCount > 0 && (isSuddenlyEmpty || isMuch(rowCount, linkedCount))) {
-        if (!isSuddenlyEmpty)
-            keep(events);
-        if (!mayRemove(rowCount, calendarstore::state().mayRemoveMany))
-            return false;
-    } else if (!isSuddenlyEmpty) {
-        calendarstore::state().mayRemoveMany.reset();
+    Counts answered = countsIn(settings::calendarsWithKeptRows);
+    QSet<QString> returned;
+    Counts undecided = going;
+    for (const QString &identifier : answered.keys()) {
+        const bool isRead = events.contains(identifier) || identifier.isEmpty();
+        if (!isRead)
+            continue;
+        if (events.value(identifier) > answered.value(identifier))
+            returned.insert(identifier);
+        else
+            undecided.remove(identifier);
+        if (returned.contains(identifier) || !going.contains(identifier))
+            answered.remove(identifier);
     }
-    keep(events);
-    return true;
+    const Counts asked = doubtful(undecided, linkedCount, events, returned);
+    const auto mayGo = asked.isEmpty() ? true : mayRemove(sum(asked));
+    QStringList kept = answered.keys();
+    if (mayGo != true)
+        kept += asked.keys();
+    if (mayGo) {
+        for (const QString &identifier : kept)
+            answered.insert(identifier, answered.value(identifier, events.value(identifier)));
+        keep(settings::calendarsWithKeptRows, answered);
+        keep(settings::eventsAtLastPass, events);
+    }
+    return {kept.begin(), kept.end()};
 }
 
-bool mayDeleteRowsOfCalendar(size_t rowCount, size_t linkedCount)
+bool mayDeleteRowsOfCalendar(const QString &identifier, size_t rowCount, size_t linkedCount)
 {
-    return (rowCount <= static_cast<size_t>(fewEvents) && !isMuch(rowCount, linkedCount)) ||
-           mayRemove(rowCount, calendarstore::state().mayRemoveRowsOfCalendars);
-}
-
-void noCalendarIsMissing()
-{
-    calendarstore::state().mayRemoveRowsOfCalendars.reset();
+    Counts answered = countsIn(settings::calendarsWithKeptRows);
+    if (answered.value(identifier) == isMissing)
+        return false;
+    if (rowCount <= static_cast<size_t>(fewEvents) && !isMuch(rowCount, linkedCount))
+        return true;
+    const auto mayGo = mayRemove(static_cast<int>(rowCount));
+    answered.remove(identifier);
+    if (mayGo == false)
+        answered.insert(identifier, isMissing);
+    if (mayGo)
+        keep(settings::calendarsWithKeptRows, answered);
+    return mayGo.value_or(false);
 }
 
 } // namespace passbrake

@@ -1,6 +1,7 @@
 #include "calendarsync/PassRows.h"
 
 #include "calendarsync/CalendarCatalogue.h"
+#include "calendarsync/EventReader.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/EventDates.h"
 #include "store/queries/EventMatching.h"
@@ -124,6 +125,24 @@ TaskPtr PassRows::firstOf(const EKEvent &event) const
     std::erase_if(free, [this](const TaskPtr &row) { return !isFree(row); });
     const TaskPtr own = firstByStart(ofCalendarItem(free, event), isMeant);
     return own ? own : firstByStart(free, isMeant);
+}
+
+TaskPtr PassRows::strayOf(const EKEvent &event) const
+{
+    const auto found = byItem.find(event.calendarItemExternalIdentifier);
+    const DateInterval seen = EventReader::window();
+    for (const TaskPtr &row : found == byItem.end() ? Rows() : ofCalendarItem(found->second, event)) {
+        if (!isFree(row) || row->status() == TaskStatus::Done)
+            continue;
+        const OptionalDate date = row->startDate() ? row->startDate() : row->dueDate();
+        if (!date || (*date >= seen.start && *date <= seen.end))
+            continue;
+        const auto events = EventReader::eventsOfRow(row->calendarID(), row->typeCalendarID(), {date});
+        const auto isShown = [&row](const EKEvent &one) { return eventdates::areShownBy(*row, one); };
+        if (events && std::ranges::none_of(events.value(), isShown))
+            return row;
+    }
+    return nullptr;
 }
 
 void PassRows::claim(const TaskPtr &row)

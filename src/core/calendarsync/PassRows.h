@@ -27,6 +27,9 @@ public:
     /// The first visible unclaimed row of the event's identifier by start, done ones included; null if there
     /// is none.
     TaskPtr firstOf(const EKEvent &event) const;
+    /// The unclaimed row of an occurrence that lay outside of the window and has come back: it shows none of
+    /// the item's any more. Null if there is none.
+    TaskPtr strayOf(const EKEvent &event) const;
     /// A row is the event's: in this pass it is no other's.
     void claim(const TaskPtr &row);
     /// The same of all rows that name one of these items.

@@ -22,7 +22,7 @@ struct Facts
     /// The calendar that the row lies on is chosen.
     bool isCalendarChosen = true;
     bool wasCreatedOffCalendar = false;
-    /// Of a row without a repetition: its calendar item starts before or after the window.
+    /// Its calendar item, or the occurrence of that which it shows, starts before or after the window.
     bool hasItemOutsideOfWindow = false;
 };
 

@@ -149,8 +149,10 @@ public:
     /// The user does not want the new record, which may wait in the store since a save that failed.
     virtual void giveUp() {}
 
-    enum class EditEnd { Unchanged, Saved, Removed, Refused };
-    /// Ends the edit of a stored record: saves if something changed, or was not stored the last time.
+    enum class EditEnd { Unchanged, Saved, Removed, Refused, Gone };
+    /// Ends the edit of a stored record: saves if something changed, or was not stored the last time. Gone if
+    /// another program has deleted what the record stands for, and the record with it: the form still has
+    /// what was typed.
     virtual EditEnd finishEdit();
     /// Whether the stored record was deleted, here or elsewhere.
     virtual bool isGone() const;

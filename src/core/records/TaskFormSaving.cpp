@@ -88,6 +88,12 @@ TaskFormState::EditEnd TaskFormState::finishEdit()
     const bool isWaiting = isUncommitted && mainContext().hasChanges();
     if (!isWaiting && !task.isChangedTask())
         return EditEnd::Unchanged;
+    if (!isGone() && CalendarEvent::hasLostOccurrence(*task.task())) {
+        CalendarEvent::syncCalendarToAppWithTask(task.task());
+        if (isGone())
+            return EditEnd::Gone;
+        followRow();
+    }
     if (!save())
         return EditEnd::Refused;
     takeBase();

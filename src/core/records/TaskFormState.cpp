@@ -33,6 +33,12 @@ TaskFormState::TaskFormState(const TaskDraft &draft)
     task.lastModificationDate.reset();
     task.allowsContentModifications.reset();
     task.wasCreatedOffCalendar.reset();
+    // What was typed for one occurrence is no second series.
+    const bool isOfSeries = !draft.base.repeat.isEmpty() && draft.edited.repeat == draft.base.repeat;
+    if (isOfSeries) {
+        task.repeat.clear();
+        task.endRepeat.reset();
+    }
 }
 
 void TaskFormState::startEntityTaskValue(const NewTaskRequest &request)

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -73,4 +74,8 @@ public:
     /// What to call, on the main loop, after somebody else has changed calendars or objects. One at a time;
     /// an empty one stops the calls.
     virtual void setChangedCallback(std::function<void()> callback) = 0;
+    /// What to call, again and again, while a call waits for the service behind it: with how long it has been
+    /// waiting. It must not use the calendars. An empty one hears nothing. It hears the waits of all backends
+    /// of its kind; one that reads files waits for nobody.
+    virtual void setWaitListener(std::function<void(std::chrono::milliseconds)>) {}
 };

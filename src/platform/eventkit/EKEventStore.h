@@ -116,6 +116,10 @@ public:
     /// series there.
     OptionalError saveEvent(EKEvent &event, EKSpan span, bool commit);
     OptionalError removeEvent(const EKEvent &event, EKSpan span, bool commit);
+    /// Moves one occurrence of a series, as it is stored, to another calendar. There it is an event of its
+    /// own, with a new UID and all that other programs have written into it; its series goes without it. The
+    /// event then is as the store has it.
+    OptionalError moveOccurrence(EKEvent &event, const EKCalendar &to, bool commit);
 
     /// While the answer lives, saves and removals without `commit` belong together, and so does the one that
     /// commits them: if one of them cannot be staged, none is. It may not outlive the store.

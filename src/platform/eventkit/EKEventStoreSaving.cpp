@@ -237,3 +237,38 @@ OptionalError EKEventStore::removeEvent(const EKEvent &event, EKSpan span, bool 
         return present.error();
     return perform([&] { return stageRemoval(event, span); }, commit);
 }
+
+OptionalError EKEventStore::moveOccurrence(EKEvent &event, const EKCalendar &to, bool commit)
+{
+    if (!event.origin)
+        return invalid(QStringLiteral("Cannot move an event that was never saved."));
+    EKCalendar former;
+    former.calendarIdentifier = former.title = event.origin->calendarIdentifier;
+    const auto target = writableCalendar(to);
+    for (const auto &calendar : {target, writableCalendar(former)})
+        if (!calendar)
+            return calendar.error();
+    SavedAs saved;
+    saved.newUid = newUid();
+    const Edit edit = [&]() -> OptionalError {
+        const auto source = storedItem(former.calendarIdentifier, event.origin->item->uid());
+        if (!source)
+            return source.error();
+        const auto occurrence = presentOccurrence(event, *source.value().item);
+        if (!occurrence)
+            return CalendarError::make(CalendarError::NotFound, QStringLiteral("The event has gone."));
+        const auto alone = SeriesEditing::alone(*source.value().item, *occurrence, saved.newUid);
+        saved.key = alone.key;
+        const QString &identifier = target.value().calendarIdentifier;
+        const auto present = contents->item(identifier, saved.newUid);
+        if (!present)
+            return present.error();
+        // The new one first: if its series cannot go without it, there is too much, not too little.
+        auto error = contents->stagePut(identifier, present.value().value_or(StoredItem()), alone.text);
+        return error ? error : stageRemoval(event, EKSpan::ThisEvent);
+    };
+    if (auto error = perform(edit, commit))
+        return error;
+    event.calendar = target.value();
+    return takeBack(event, saved.newUid, saved.key);
+}

@@ -100,6 +100,30 @@ SeriesEditing::Edited SeriesEditing::withOccurrence(const CalendarItem &item,
     return {document.text(), occurrence.key};
 }
 
+SeriesEditing::Edited SeriesEditing::alone(const CalendarItem &item, const ItemOccurrence &occurrence,
+                                           const QString &uid)
+{
+    IcalComponent component =
+        occurrence.detached ? item.component(*occurrence.detached) : detachedComponent(item, occurrence);
+    if (!component.line("DTSTART"))
+        component.addLine(occurrence.detached->times.start.line("DTSTART", component.lineEnd()));
+    component.removeLines("RECURRENCE-ID");
+    component.setValue("UID", uid.toUtf8());
+    markChanged(component, ChangeWeight::Significant);
+
+    IcalDocument document = item.document();
+    std::set<std::size_t> dropped;
+    const auto components = document.calendar().children();
+    for (std::size_t index = 0; index < components.size(); ++index) {
+        if (components[index]->name() == component.name())
+            dropped.insert(index);
+    }
+    document.calendar().removeChildrenAt(dropped);
+    document.calendar().addChild(component);
+    const CalendarItemPointer made = itemOf(document);
+    return {document.text(), made && made->master() ? made->master()->key : occurrence.key};
+}
+
 std::optional<QByteArray> SeriesEditing::without(const CalendarItem &item, qint64 key)
 {
     IcalDocument document = item.document();

@@ -29,6 +29,10 @@ public:
     static Edited from(const CalendarItem &item, const ItemOccurrence &occurrence, const EKEvent &before,
                        const EKEvent &after, const QString &uid);
 
+    /// An occurrence as an event of its own under another UID, with everything that its component says, and
+    /// without its series.
+    static Edited alone(const CalendarItem &item, const ItemOccurrence &occurrence, const QString &uid);
+
     /// The series up to, and without, an occurrence. Absent if nothing is left.
     static std::optional<QByteArray> upTo(const CalendarItem &item, qint64 key);
 

@@ -194,35 +194,6 @@ CalendarItemPointer withRangeForAll(const CalendarItem &item, const ItemPart &ra
     return itemOf(document);
 }
 
-/// An edited occurrence as an event of its own in place of its series.
-SeriesEditing::Edited alone(const CalendarItem &item, const ItemPart &part, const EKEvent &before,
-                            const EKEvent &after, const QString &uid)
-{
-    SeriesEditing::Edited edited = SeriesEditing::withOccurrence(
-        item, {&part, part.key, part.times.start.instant(), part.times.endOf(part.times.start)}, before,
-        after);
-    IcalDocument document = *IcalDocument::fromText(edited.text);
-    std::set<std::size_t> dropped;
-    const auto components = document.calendar().children();
-    for (std::size_t index = 0; index < components.size(); ++index) {
-        const bool isOwn =
-            components[index]->value("RECURRENCE-ID") == item.component(part).value("RECURRENCE-ID");
-        if (components[index]->name() == "VEVENT" && !isOwn)
-            dropped.insert(index);
-    }
-    document.calendar().removeChildrenAt(dropped);
-    for (std::size_t index = 0; IcalComponent *component = document.calendar().childAt(index); ++index)
-        if (component->name() == "VEVENT") {
-            if (!component->line("DTSTART"))
-                component->addLine(part.times.start.line("DTSTART", component->lineEnd()));
-            component->removeLines("RECURRENCE-ID");
-            component->setValue("UID", uid.toUtf8());
-            markChanged(*component, ChangeWeight::Significant);
-        }
-    const CalendarItemPointer made = itemOf(document);
-    return {document.text(), made && made->master() ? made->master()->key : part.key};
-}
-
 /// The edit of an occurrence and all later ones that the rest from an occurrence on follows. Behind one that
 /// was edited alone it can begin with the next: there is no other rest then, and it may have begun with this
 /// one.
@@ -242,8 +213,10 @@ SeriesEditing::Edited SeriesEditing::from(const CalendarItem &item, const ItemOc
     if (!item.master())
         return withOccurrence(item, occurrence, before, after);
     const bool endsSeries = before.recurrenceRules != after.recurrenceRules && after.recurrenceRules.empty();
-    if (occurrence.detached && endsSeries)
-        return alone(item, *occurrence.detached, before, after, uid);
+    if (occurrence.detached && endsSeries) {
+        const auto edited = *CalendarItem::fromText(withOccurrence(item, occurrence, before, after).text);
+        return alone(*edited, *ItemExpansion::occurrence(*edited, occurrence.key), uid);
+    }
     const ItemPart *range = rangeOfRest(item, occurrence);
     const CalendarItemPointer own = range ? withRangeForAll(item, *range) : nullptr;
     if (!own)

@@ -162,6 +162,8 @@ bool RecordPane::isConcernedBy(const StoreChanges &changes) const
 /// follows.
 void RecordPane::recordChanged()
 {
+    // What has just been seen is not looked at again.
+    refreshTimer.stop();
     // The call that asks goes on with the form as it was.
     if (Waiting::isForAnswer())
         return refreshTimer.start(Waiting::lookInterval);
@@ -250,23 +252,31 @@ void RecordPane::clickButtonEdit()
         setEditMode();
 }
 
-void RecordPane::finishEdit()
+FormModel::EditEnd RecordPane::finishEdit()
 {
-    if (!model->canSave())
-        return view->focusTitle();
-    switch (model->finishEdit()) {
-    case FormModel::EditEnd::Refused:
-        return;
-    case FormModel::EditEnd::Removed:
+    using EditEnd = FormModel::EditEnd;
+    if (!model->canSave()) {
+        view->focusTitle();
+        return EditEnd::Refused;
+    }
+    const EditEnd end = model->finishEdit();
+    switch (end) {
+    case EditEnd::Refused:
+        break;
+    case EditEnd::Gone:
+        recordChanged();
+        break;
+    case EditEnd::Removed:
         keeper.drop();
         Q_EMIT recordRemoved();
-        return;
-    case FormModel::EditEnd::Unchanged:
-    case FormModel::EditEnd::Saved:
+        break;
+    case EditEnd::Unchanged:
+    case EditEnd::Saved:
         keeper.drop();
         setPreviewMode();
         setFocus();
     }
+    return end;
 }
 
 void RecordPane::clickButtonBack()
@@ -312,8 +322,8 @@ bool RecordPane::saveEdit()
         return false;
     if (!model->canSave())
         ShellAlerts::tellOfMissingTitle();
-    finishEdit();
-    return !isEditing() || model->isGone();
+    const FormModel::EditEnd end = finishEdit();
+    return end != FormModel::EditEnd::Refused && end != FormModel::EditEnd::Gone;
 }
 
 /// The keys leave the fields, but not for a pane that they were never in.

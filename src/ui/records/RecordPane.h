@@ -86,7 +86,7 @@ private:
     QWidget *makeBody();
     void observeStore();
     void recordChanged();
-    void finishEdit();
+    FormModel::EditEnd finishEdit();
     void editAttempted();
     void handOver();
     void giveUpEdit();

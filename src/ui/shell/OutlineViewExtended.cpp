@@ -29,6 +29,10 @@ OutlineViewExtended::OutlineViewExtended(QWidget *parent)
     dark.setColor(QPalette::Window, Theme::sidebar);
     verticalScrollBar()->setPalette(dark);
     setItemDelegate(new SidebarCell(this));
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *former, QWidget *now) {
+        if (now == this)
+            hadFocus = isFocusOfPress ? former : nullptr;
+    });
 }
 
 bool OutlineViewExtended::isHeading(const QModelIndex &index) const
@@ -48,16 +52,27 @@ bool OutlineViewExtended::isHeldBack(const QModelIndex &index) const
     return isHeld && !selectionModel()->isSelected(index) && isHeld(index);
 }
 
-/// The press that led here has its end first: a question would swallow it.
+void OutlineViewExtended::focusInEvent(QFocusEvent *event)
+{
+    isFocusOfPress = event->reason() == Qt::MouseFocusReason;
+    QTreeView::focusInEvent(event);
+}
+
+/// The press that led here has its end first: a question would swallow it. Who stays where they are goes on
+/// typing there.
 void OutlineViewExtended::selectAfterQuestion(const QModelIndex &index) const
 {
     if (std::exchange(wanted, index).isValid())
         return;
     auto *view = const_cast<OutlineViewExtended *>(this);
-    QTimer::singleShot(0, view, [view] {
+    QTimer::singleShot(0, view, [view, typedIn = hadFocus] {
         const QModelIndexList selected = view->selectedIndexes();
-        if (!view->selectIndex(std::exchange(view->wanted, {})) && !selected.isEmpty())
+        if (view->selectIndex(std::exchange(view->wanted, {})))
+            return;
+        if (!selected.isEmpty())
             view->setCurrentIndex(selected.first());
+        if (typedIn)
+            typedIn->setFocus();
     });
 }
 

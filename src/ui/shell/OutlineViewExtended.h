@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QTreeView>
 
 #include <functional>
@@ -27,6 +28,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -46,4 +48,7 @@ private:
     std::function<bool()> mayLeave;
     /// The row that the user has asked for, until its question comes.
     mutable QPersistentModelIndex wanted;
+    /// Whether a press has brought the keys here, and from where.
+    bool isFocusOfPress = false;
+    QPointer<QWidget> hadFocus;
 };

@@ -43,7 +43,7 @@ void Shell::prepareApplication()
         auto work = std::make_shared<LongWork>(steps, localized(u"Reading your calendars"_s), false);
         return [work] { return work->step(); };
     });
-    sqlite::setWaitListener(WaitSign::show);
+    sqlite::setWaitListener(WaitSign::showForStore);
     Workspace::setUrlOpener([](const QString &url) { return QDesktopServices::openUrl(QUrl(url)); });
 }
 

@@ -4,6 +4,7 @@
 #include "shell/SidebarModel.h"
 #include "widgets/BadgePainter.h"
 #include "widgets/Icons.h"
+#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
 #include <QLineEdit>
@@ -101,7 +102,7 @@ void SidebarCell::paint(QPainter *painter, const QStyleOptionViewItem &option, c
     painter->setFont(font);
     painter->setPen(textColour(option, isTop));
     const QString title =
-        QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, text.width());
+        QFontMetrics(font).elidedText(firstPart(index.data().toString()), Qt::ElideRight, text.width());
     painter->drawText(placed(text),
                       QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter), title);
     paintArrow(*painter, option, index);

@@ -1,5 +1,7 @@
 #include "widgets/Direction.h"
 
+#include "widgets/TextLabel.h"
+
 #include <QPainter>
 #include <QStyle>
 #include <QWidget>
@@ -15,5 +17,5 @@ void Direction::drawLine(QPainter &painter, const QRect &place, Qt::LayoutDirect
 {
     painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     painter.drawText(place, QStyle::visualAlignment(direction, Qt::AlignLeft | vertical),
-                     painter.fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+                     painter.fontMetrics().elidedText(firstPart(text), Qt::ElideRight, place.width()));
 }

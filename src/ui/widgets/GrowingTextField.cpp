@@ -51,6 +51,8 @@ void GrowingTextField::showText(const QString &text)
         return;
     given = text;
     const QScopedValueRollback filling(isFilling, true);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    breakLinesFor(text);
     setPlainText(text);
     givenAsTyped = typedText();
 }
@@ -106,8 +108,22 @@ void GrowingTextField::keyPressEvent(QKeyEvent *event)
     QTextEdit::keyPressEvent(event);
 }
 
+/// For a line that a word does not fit in, Qt measures the whole rest of the word: one of a hundred thousand
+/// letters takes seconds. Such a text gets its line breaks anywhere.
+void GrowingTextField::breakLinesFor(const QString &added)
+{
+    constexpr qsizetype longestWord = 2000;
+    qsizetype length = 0;
+    for (const QChar character : added) {
+        length = character.isSpace() ? 0 : length + 1;
+        if (length > longestWord)
+            return setWordWrapMode(QTextOption::WrapAnywhere);
+    }
+}
+
 void GrowingTextField::insertFromMimeData(const QMimeData *source)
 {
     const QString text = source->text();
+    breakLinesFor(text);
     insertPlainText(fieldKind == Kind::Title ? text.simplified() : text);
 }

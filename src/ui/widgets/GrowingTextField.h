@@ -35,6 +35,7 @@ protected:
 private:
     QString typedText() const;
     int textHeight() const;
+    void breakLinesFor(const QString &added);
 
     Kind fieldKind;
     QString given;

@@ -4,6 +4,7 @@
 #include "widgets/Animations.h"
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
+#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
 #include <QEvent>
@@ -169,7 +170,7 @@ QLabel *RowItemView::previewLabel()
 
 void RowItemView::setPreview(const QString &text, const QIcon &icon)
 {
-    previewLabel()->setText(text);
+    previewLabel()->setText(readablePart(text));
     previewText->setAccessibleName(label->text() + u": "_s + text);
     previewIcon->setVisible(!icon.isNull());
     previewIcon->setPixmap(icon.pixmap(QSize(rowIconSize, rowIconSize), devicePixelRatioF()));

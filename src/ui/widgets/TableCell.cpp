@@ -28,5 +28,5 @@ QString TableCell::cutText(const QStyleOptionViewItem &, const QModelIndex &) co
 
 QString TableCell::ifWider(const QString &text, const QFont &font, int room)
 {
-    return QFontMetrics(font).horizontalAdvance(text) > room ? text : QString();
+    return QFontMetrics(font).horizontalAdvance(firstPart(text)) > room ? text : QString();
 }

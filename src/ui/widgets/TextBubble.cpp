@@ -24,7 +24,7 @@ TextBubble::TextBubble(const QString &text, QWidget *parent)
     auto *icon = new QLabel;
     icon->setPixmap(Icons::pixmap(u"info"_s, Theme::accent, infoIconSize, devicePixelRatioF()));
     row->addWidget(icon, 0, Qt::AlignTop);
-    QLabel *label = makeTextLabel(text, Theme::FontRole::Body, Theme::text);
+    QLabel *label = makeTextLabel(readablePart(text), Theme::FontRole::Body, Theme::text);
     label->setFixedWidth(textWidth);
     label->setFixedHeight(label->heightForWidth(textWidth));
     row->addWidget(label);

@@ -2,27 +2,31 @@
 
 #include <QLabel>
 
-QString readablePart(const QString &text)
+QString firstPart(const QString &text)
 {
     constexpr qsizetype mostCharacters = 1200;
+    if (text.size() <= mostCharacters)
+        return text;
+    // Both halves of a character stay together.
+    const bool isInside = text.at(mostCharacters - 1).isHighSurrogate();
+    return text.left(mostCharacters - (isInside ? 1 : 0)) + u'…';
+}
+
+QString readablePart(const QString &text)
+{
     constexpr int longestWord = 60;
     constexpr char16_t breakingPlace = u'\u200B';
     QString part;
     int lengthOfWord = 0;
-    for (const QChar character : text.left(mostCharacters)) {
+    for (const QChar character : firstPart(text)) {
         lengthOfWord = character.isSpace() ? 0 : lengthOfWord + 1;
-        // Both halves of a character stay together.
         if (lengthOfWord > longestWord && !character.isLowSurrogate()) {
             part += breakingPlace;
             lengthOfWord = 1;
         }
         part += character;
     }
-    if (text.size() <= mostCharacters)
-        return part;
-    if (part.back().isHighSurrogate())
-        part.chop(1);
-    return part + u'…';
+    return part;
 }
 
 QLabel *makeTextLabel(const QString &text, Theme::FontRole role, const QColor &color)

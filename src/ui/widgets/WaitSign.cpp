@@ -46,15 +46,15 @@ static QRect placeIn(const QWidget &window, const QString &words)
     return place;
 }
 
-void WaitSign::show(std::chrono::milliseconds waited)
+static void show(std::chrono::milliseconds waited, const QString &key)
 {
     const bool isOnScreen = qApp && QThread::currentThread() == qApp->thread();
     QWidget *const window = isOnScreen ? QApplication::activeWindow() : nullptr;
     QBackingStore *const picture = window ? window->backingStore() : nullptr;
-    if (waited < patience || isShown() || !picture || !window->windowHandle()->isExposed())
+    if (waited < patience || WaitSign::isShown() || !picture || !window->windowHandle()->isExposed())
         return;
     busyCursor().emplace();
-    const QString words = localized(u"Another program is using your data …"_s);
+    const QString words = localized(key);
     const QRect place = placeIn(*window, words);
     picture->beginPaint(place);
     {
@@ -65,6 +65,16 @@ void WaitSign::show(std::chrono::milliseconds waited)
     picture->flush(place, window->windowHandle());
     QTimer::singleShot(0, window, [window, place] { window->update(place); });
     QTimer::singleShot(0, qApp, [] { busyCursor().reset(); });
+}
+
+void WaitSign::showForStore(std::chrono::milliseconds waited)
+{
+    show(waited, u"Another program is using your data …"_s);
+}
+
+void WaitSign::showForCalendars(std::chrono::milliseconds waited)
+{
+    show(waited, u"Waiting for your calendars …"_s);
 }
 
 bool WaitSign::isShown()

@@ -11,7 +11,9 @@ namespace WaitSign {
 
 /// Called again and again while the main thread waits for another program that holds the store.
 /// \param waited for how long it has; of less than a tenth of a second nothing is shown.
-void show(std::chrono::milliseconds waited);
+void showForStore(std::chrono::milliseconds waited);
+/// The same for the calendars.
+void showForCalendars(std::chrono::milliseconds waited);
 /// Whether the sign stands.
 bool isShown();
 

@@ -46,12 +46,16 @@ TEST_F(BrakedPasses, AskAgainAboutTheNextLoss)
 
 TEST_F(BrakedPasses, CountMoreThanTwentyFiveAndMoreThanAThird)
 {
-    const passbrake::EventCounts counts{{u"Local/Home"_qs, 1}};
-    EXPECT_TRUE(passbrake::mayDelete(25, 26, counts));
-    EXPECT_TRUE(passbrake::mayDelete(26, 78, counts));
+    const QString home = u"Local/Home"_qs;
+    const auto kept = [&](int going, size_t linked) {
+        return passbrake::keptCalendars({{home, going}}, linked, {{home, 1}});
+    };
+    EXPECT_THAT(kept(25, 26), IsEmpty());
+    EXPECT_THAT(kept(26, 78), IsEmpty());
     const ScriptedAlerts alerts({Alert::secondButton});
-    EXPECT_FALSE(passbrake::mayDelete(26, 77, counts));
-    EXPECT_FALSE(passbrake::mayDelete(26, 77, counts)) << "asked once";
+    EXPECT_TRUE(kept(26, 77).contains(home));
+    EXPECT_TRUE(kept(26, 77).contains(home)) << "asked once";
+    EXPECT_TRUE(kept(25, 77).contains(home)) << "those that are kept do not go when they are fewer";
     ASSERT_THAT(alerts.asked(), SizeIs(1));
     EXPECT_EQ(alerts.asked()[0].message, u"26 tasks are no longer found in your calendars."_qs);
 }
@@ -78,6 +82,30 @@ TEST_F(BrakedPasses, AskWhenACalendarOfManyEventsIsEmptyAndNotAboutAFew)
     choose({u"Home"_qs});
     pass();
     EXPECT_THAT(alerts.asked(), SizeIs(1));
+}
+
+TEST_F(BrakedPasses, HoldAnAnswerUntilTheCalendarHasSomethingAgain)
+{
+    const QString event = u"SUMMARY:New\nDTSTART:20261124T080000Z\nDTEND:20261124T090000Z\n"_qs;
+    fill(u"Home"_qs, 8);
+    fill(u"Work"_qs, 3);
+    pass();
+    clear(u"Home"_qs);
+    const ScriptedAlerts alerts({Alert::secondButton, Alert::firstButton});
+    for (int start = 0; start < 3; ++start) {
+        connectStore();
+        pass();
+        pass();
+    }
+    EXPECT_THAT(rows(), SizeIs(11));
+    EXPECT_THAT(alerts.asked(), SizeIs(1));
+    clear(u"Work"_qs);
+    pass();
+    EXPECT_THAT(rows(), SizeIs(8)) << "the answer was about the other calendar";
+    write(u"Home"_qs, u"new"_qs, event);
+    pass();
+    EXPECT_THAT(alerts.asked(), SizeIs(2)) << "what was kept does not go unasked";
+    EXPECT_THAT(rows(), SizeIs(1));
 }
 
 TEST_F(BrakedPasses, SpareTheTasksOfAFullCalendarThatIsMissing)

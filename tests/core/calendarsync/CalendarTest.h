@@ -30,8 +30,8 @@ protected:
         PlatformConfiguration::setAuthorization(u"events"_qs, 0);
         for (const QString &key :
              {settings::savedChooseCalendars, settings::defaultCalendar, settings::dictionaryCalendarsData,
-              settings::eventsAtLastPass, settings::knownCalendars, settings::calendarReferences,
-              settings::calendarSuccessors, settings::lostNamesAreFound})
+              settings::eventsAtLastPass, settings::calendarsWithKeptRows, settings::knownCalendars,
+              settings::calendarReferences, settings::calendarSuccessors, settings::lostNamesAreFound})
             UserDefaults::standard().removeObject(key);
     }
 

@@ -183,6 +183,35 @@ protected:
     }
 };
 
+TEST_F(OccurrencesMovedElsewhere, OutOfTheWindowKeepTheirRowsAndWhatTheOrganiserAloneKnows)
+{
+    const QString daily = u"FREQ=DAILY;COUNT=3"_qs;
+    writeMoved(daily, {});
+    write(u"Home"_qs, u"once"_qs, times(u"20261124T090000"_qs));
+    pass();
+    ASSERT_THAT(rows(), SizeIs(4));
+    const QList<TaskPtr> moved = {rowAt(localDate(2026, 11, 21, 9)), rowAt(localDate(2026, 11, 24, 9))};
+    for (const TaskPtr &row : moved)
+        row->setPriority(Priority::High);
+    const auto expectAt = [&](Date start) {
+        for (int activation = 0; activation < 2; ++activation) {
+            pass();
+            ASSERT_THAT(rows(), SizeIs(4));
+            for (const TaskPtr &row : moved) {
+                EXPECT_EQ(row->startDate(), start);
+                EXPECT_EQ(row->priority(), Priority::High);
+            }
+        }
+    };
+    writeMoved(daily, {{"20261121", "20310101T140000"}});
+    write(u"Home"_qs, u"once"_qs, times(u"20310101T140000"_qs));
+    expectAt(localDate(2031, 1, 1, 14));
+    // And back again.
+    writeMoved(daily, {{"20261121", "20261125T140000"}});
+    write(u"Home"_qs, u"once"_qs, times(u"20261125T140000"_qs));
+    expectAt(localDate(2026, 11, 25, 14));
+}
+
 TEST_F(OccurrencesMovedElsewhere, AreTheOnesThatARowMeans)
 {
     const QString daily = u"FREQ=DAILY;COUNT=6"_qs;

@@ -1,12 +1,15 @@
 // Texts that somebody else has written are shown and passed on as texts.
 
 #include "cloud/IcloudManager.h"
+#include "records/DetailStack.h"
 #include "records/DraftKeeper.h"
 #include "records/Functional.h"
 #include "shell/ApplicationBusObject.h"
 #include "shell/Shell.h"
+#include "shell/tasks/TaskDetailViewController.h"
 #include "store/entities/EntityCategory.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/GrowingTextField.h"
 #include "widgets/MessageBoxPresenter.h"
 #include "workspace/PlatformConfiguration.h"
 #include "workspace/Workspace.h"
@@ -14,6 +17,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QMenu>
@@ -108,6 +112,35 @@ QStringList hostileTexts()
             u"\u202Egnp.exe\u2066"_s,
             u"%1 %@ %n %s"_s,
             QString(20000, u'x')};
+}
+
+TEST_F(HostileTextsTest, AWordWithoutAnEndIsShownAboutAsSoonAsManyWords)
+{
+    const auto timeOf = [this](const QString &text) {
+        const TaskPtr task = add(text, [&](MVTask &copy) { copy.details = text; });
+        QElapsedTimer timer;
+        timer.start();
+        showList(SidebarItem::Inbox);
+        screen().reloadData();
+        controller().searchSelectItem(task);
+        auto &pane = static_cast<TaskDetailViewController &>(*controller().detailStack()->top());
+        window().grab();
+        pane.setEditMode();
+        window().grab();
+        auto &field = find<GrowingTextField>(pane, "textFieldTitle");
+        QTest::keyClick(&field, Qt::Key_End, Qt::ControlModifier);
+        QTest::keyClick(&field, Qt::Key_Exclam);
+        window().grab();
+        EXPECT_EQ(pane.taskForm()->currentTask().title, text + u'!');
+        const qint64 taken = timer.elapsed();
+        pane.dropEdit();
+        context().deleteObject(task);
+        EXPECT_FALSE(DBWorker::saveContext());
+        return taken;
+    };
+    constexpr int length = 200000;
+    const qint64 words = timeOf(u"letters "_s.repeated(length / 8).trimmed());
+    EXPECT_LT(timeOf(QString(length, u'x')), 4 * words + 1000);
 }
 
 TEST_F(HostileTextsTest, GoThroughEveryDoorAsTexts)

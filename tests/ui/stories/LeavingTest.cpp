@@ -1,6 +1,7 @@
 // Nothing that was typed is lost: every way out asks, and what nobody could be asked about is there again at
 // the next start.
 
+#include "eventkit/UtcDateTime.h"
 #include "records/DetailStack.h"
 #include "records/DraftKeeper.h"
 #include "shell/Shell.h"
@@ -95,7 +96,7 @@ protected:
     }
     bool isDraftWritten()
     {
-        return QTest::qWaitFor([] { return draftFiles().size() == 1; }, 1000);
+        return QTest::qWaitFor([] { return draftFiles().size() == 1; });
     }
     /// The program ends as it does for the system, and starts again.
     void restart()
@@ -133,6 +134,7 @@ TEST_F(LeavingTest, CancelStaysWithTheEditAndTheSelectionDoesToo)
         if (way.name == std::string("deleting it"))
             continue;
         const ScriptedAlerts alerts({Alert::secondButton});
+        field(*pane(), "textFieldTitle").setFocus();
         way.go();
         EXPECT_EQ(alerts.asked().size(), 1U) << way.name;
         ASSERT_NE(pane(), nullptr) << way.name;
@@ -142,6 +144,9 @@ TEST_F(LeavingTest, CancelStaysWithTheEditAndTheSelectionDoesToo)
         EXPECT_EQ(sidebar().itemAt(outline().currentIndex()), SidebarItem::Inbox) << way.name;
         EXPECT_EQ(selectedTitles(), QStringList{u"first"_s}) << way.name;
         EXPECT_TRUE(window().isVisible()) << way.name;
+        if (way.name == std::string("a sidebar row")) {
+            EXPECT_EQ(window().focusWidget(), &field(*pane(), "textFieldTitle")) << "the keys go on there";
+        }
     }
     EXPECT_EQ(stored(u"typed"_s), nullptr);
 }
@@ -301,16 +306,13 @@ TEST_F(LeavingTest, TheSystemEndsTheProgramWithoutAQuestionAndTheTextIsThereAgai
     field(*pane(), "textFieldDetails").setFocus();
     QTest::keyClicks(&field(*pane(), "textFieldDetails"), u"half a sen"_s);
     QTest::keyClicks(&field(openNewTask(), "textFieldTitle"), u"new words"_s);
-    {
-        const ScriptedAlerts none;
-        restart();
-        EXPECT_EQ(draftFiles().size(), 2);
-    }
-    // Meanwhile another program has written something of its own.
-    stored(u"first"_s)->setPriority(Priority::High);
-    stored(u"first"_s)->setTitle(u"theirs"_s);
-    EXPECT_FALSE(DBWorker::saveContext());
     const ScriptedAlerts alerts({Alert::firstButton});
+    quit();
+    EXPECT_TRUE(alerts.asked().empty());
+    EXPECT_EQ(draftFiles().size(), 2);
+    // Meanwhile another program has written something of its own.
+    writeElsewhere(storePath, "UPDATE EntityTask SET title = 'theirs', priority = 0 WHERE title = 'first'");
+    launch();
     ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 1; }));
     ASSERT_NE(pane(), nullptr);
     EXPECT_TRUE(pane()->isEditing());
@@ -327,6 +329,42 @@ TEST_F(LeavingTest, TheSystemEndsTheProgramWithoutAQuestionAndTheTextIsThereAgai
     restart();
     QTest::qWait(500);
     EXPECT_TRUE(stack().isEmpty()) << "nothing is found that was saved";
+}
+
+TEST_F(LeavingTest, WhatIsTypedForAnOccurrenceThatIsDeletedElsewhereOpensAsANewTask)
+{
+    const CalendarAccess access({u"Work"_s});
+    const auto write = [&](const QString &more) {
+        access.writeEvent(u"Work"_s, u"Daily"_s, u"20261121T160000Z"_s,
+                          u"RRULE:FREQ=DAILY;COUNT=3\r\n"_s + more);
+    };
+    const auto deleteElsewhere = [&](const TaskPtr &row) {
+        write(u"EXDATE:"_s + UtcDateTime::string(*row->startDate()) + u"\r\n"_s);
+    };
+    const auto countOf = [this](const QString &title) {
+        return context()
+            .fetch<EntityTask>(
+                EntityTask::fetchRequest().where(Predicate::format("title == %@ and status != 3", title)))
+            .size();
+    };
+    // The edit is ended by its button, and at the gate.
+    for (const auto &[button, typed] : {std::pair("buttonEdit", u"one"_s), {"buttonBack", u"two"_s}}) {
+        write({});
+        delegate->applicationDidBecomeActive();
+        edit(u"Daily"_s, typed);
+        const auto row = std::static_pointer_cast<EntityTask>(pane()->record());
+        deleteElsewhere(row);
+        // Save, at the gate; then what is told of the new task.
+        const ScriptedAlerts alerts({Alert::firstButton, Alert::firstButton});
+        QTest::mouseClick(&find<QAbstractButton>(*pane(), button), Qt::LeftButton);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return newTaskWindow() != nullptr; })) << button;
+        EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().title, typed);
+        newTaskWindow()->clickButtonSave();
+        EXPECT_TRUE(QTest::qWaitFor([this] { return stack().isEmpty() && !newTaskWindow(); })) << button;
+        EXPECT_EQ(countOf(typed), 1) << "what was typed for one occurrence is no second series";
+        EXPECT_FALSE(row->context());
+        EXPECT_TRUE(draftFiles().isEmpty());
+    }
 }
 
 /// Saved, it would be there twice.

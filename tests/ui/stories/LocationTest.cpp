@@ -15,6 +15,7 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QToolButton>
@@ -98,6 +99,46 @@ protected:
 };
 
 } // namespace
+
+TEST_F(LocationTest, APlaceThatIsHalfTypedIsAskedAboutOnEachWayOut)
+{
+    const std::vector<std::function<void(LocationBubble &)>> ways = {
+        [](LocationBubble &bubble) { QTest::keyClick(&bubble, Qt::Key_Escape); },
+        [](LocationBubble &bubble) {
+            QTest::mouseClick(&find<QPushButton>(bubble, "buttonCancel"), Qt::LeftButton);
+        },
+        [](LocationBubble &bubble) { bubble.close(); }};
+    for (const auto &leave : ways) {
+        const QPointer<LocationBubble> bubble = &openMap();
+        leave(*bubble);
+        QTest::qWait(1);
+        if (bubble)
+            pressRow(*bubble, 0);
+        const QPointer<LocationBubble> second = bubble ? bubble : QPointer(&openMap());
+        QTest::keyClicks(second->focusWidget(), u"Harb"_s);
+        const ScriptedAlerts alerts({Alert::secondButton, Alert::thirdButton});
+        leave(*second);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 1; }))
+            << "nothing was typed before";
+        ASSERT_TRUE(second && second->isVisible());
+        QTest::keyClicks(second->focusWidget(), u"our"_s);
+        EXPECT_EQ(find<QLineEdit>(*second, "fieldTitle").text(), u"Harbour"_s);
+        leave(*second);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return alerts.asked().size() == 2; }));
+        QTest::qWait(1);
+        EXPECT_TRUE(!second || !find<QLineEdit>(*second, "fieldTitle").isVisible());
+        if (second)
+            second->close();
+        QTest::qWait(1);
+    }
+    EXPECT_EQ(DBWorker::allLocations().size(), 0);
+    LocationBubble &bubble = openMap();
+    QTest::keyClicks(bubble.focusWidget(), u"Harbour"_s);
+    const ScriptedAlerts alerts({Alert::firstButton});
+    QTest::keyClick(&bubble, Qt::Key_Escape);
+    ASSERT_NE(chosen(), nullptr);
+    EXPECT_EQ(chosen()->title(), u"Harbour"_s);
+}
 
 TEST_F(LocationTest, APlaceOfTheTableIsChosenAndASecondPressTakesItBack)
 {

@@ -44,15 +44,17 @@ public:
     }
     /// Another program writes an event of an hour into a calendar.
     /// \param start as it stands in its file.
-    void writeEvent(const QString &calendar, const QString &title, const QString &start) const
+    /// \param more lines, each with its end.
+    void writeEvent(const QString &calendar, const QString &title, const QString &start,
+                    const QString &more = {}) const
     {
         QFile file(folder.filePath(QStringLiteral("Local/%1/%2.ics").arg(calendar, title)));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(QStringLiteral(
                        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:%1\r\n"
-                       "DTSTAMP:20260101T000000Z\r\nSUMMARY:%1\r\nDTSTART:%2\r\nDURATION:PT1H\r\n"
+                       "DTSTAMP:20260101T000000Z\r\nSUMMARY:%1\r\nDTSTART:%2\r\nDURATION:PT1H\r\n%3"
                        "END:VEVENT\r\nEND:VCALENDAR\r\n")
-                       .arg(title, start)
+                       .arg(title, start, more)
                        .toUtf8());
     }
 

@@ -40,6 +40,8 @@ inline const QString lostNamesAreFound = QStringLiteral("lostCalendarNamesAreFou
 inline const QString dictionaryCalendarsData = QStringLiteral("dictionaryCalendarsData");
 inline const QString handleBeforeAllCalendarsSync = QStringLiteral("handleBeforeAllCalendarsSync");
 inline const QString eventsAtLastPass = QStringLiteral("eventsAtLastPass");
+/// The calendars that have lost events or have gone, whose tasks the user keeps, by identifier.
+inline const QString calendarsWithKeptRows = QStringLiteral("calendarsWithKeptRows");
 inline const QString statusRequestAccessToCalendar = QStringLiteral("statusRequestAccessToCalendar");
 inline const QString nowAccessToAppleCalendar = QStringLiteral("nowAccessToAppleCalendar");
 

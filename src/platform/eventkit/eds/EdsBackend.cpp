@@ -214,6 +214,11 @@ void EdsBackend::setChangedCallback(std::function<void()> callback)
     QTimer::singleShot(0, &delay, [this] { static_cast<void>(calendars()); });
 }
 
+void EdsBackend::setWaitListener(std::function<void(Milliseconds)> listener)
+{
+    EdsTimeLimit::setListener(std::move(listener));
+}
+
 void EdsBackend::check()
 {
     bool hasNews = registry->takeNews();

@@ -48,6 +48,7 @@ public:
     OptionalError removeCalendar(const QString &calendarIdentifier) override;
     void refresh() override;
     void setChangedCallback(std::function<void()> callback) override;
+    void setWaitListener(std::function<void(std::chrono::milliseconds)> listener) override;
 
 private:
     /// Null for an unknown calendar.

@@ -16,7 +16,8 @@ OptionalError EdsBus::connect()
     if (!connection) {
         GlibFailure failure;
         const EdsTimeLimit limit(EdsTimeLimit::forReading);
-        connection.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, limit.cancellable(), failure.out()));
+        connection.reset(limit.run(
+            [&] { return g_bus_get_sync(G_BUS_TYPE_SESSION, limit.cancellable(), failure.out()); }));
         if (!connection)
             return failure.told(reaching);
         // Else the program would end with the bus.
@@ -32,12 +33,15 @@ OptionalError EdsBus::connect()
 GlibVariant EdsBus::call(const QByteArray &service, const char *path, const char *interfaceName,
                          const char *method, const char *replyType, GlibFailure &failure, GVariant *arguments)
 {
-    constexpr int limit = static_cast<int>(EdsTimeLimit::forReading.count());
+    constexpr int atMost = static_cast<int>(EdsTimeLimit::forReading.count());
+    const EdsTimeLimit limit(EdsTimeLimit::forReading);
     const std::unique_ptr<GVariantType, void (*)(GVariantType *)> type(g_variant_type_new(replyType),
                                                                        g_variant_type_free);
-    return GlibVariant(g_dbus_connection_call_sync(connection.get(), service.constData(), path, interfaceName,
-                                                   method, arguments, type.get(), G_DBUS_CALL_FLAGS_NONE,
-                                                   limit, nullptr, failure.out()));
+    return GlibVariant(limit.run([&] {
+        return g_dbus_connection_call_sync(connection.get(), service.constData(), path, interfaceName, method,
+                                           arguments, type.get(), G_DBUS_CALL_FLAGS_NONE, atMost, nullptr,
+                                           failure.out());
+    }));
 }
 
 std::vector<QByteArray> EdsBus::names(const char *method, const QByteArray &beginning)
@@ -71,12 +75,15 @@ QByteArray EdsBus::findRegistry()
     return {};
 }
 
-bool EdsBus::answersPing(const QByteArray &name, std::chrono::milliseconds limit)
+bool EdsBus::answersPing(const QByteArray &name, std::chrono::milliseconds atMost)
 {
     GlibFailure failure;
-    const GlibVariant reply(g_dbus_connection_call_sync(
-        connection.get(), name.constData(), "/", "org.freedesktop.DBus.Peer", "Ping", nullptr, nullptr,
-        G_DBUS_CALL_FLAGS_NO_AUTO_START, static_cast<int>(limit.count()), nullptr, failure.out()));
+    const EdsTimeLimit limit(EdsTimeLimit::forReading);
+    const GlibVariant reply(limit.run([&] {
+        return g_dbus_connection_call_sync(
+            connection.get(), name.constData(), "/", "org.freedesktop.DBus.Peer", "Ping", nullptr, nullptr,
+            G_DBUS_CALL_FLAGS_NO_AUTO_START, static_cast<int>(atMost.count()), nullptr, failure.out());
+    }));
     return reply || !failure.is(G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
 }
 

@@ -30,7 +30,7 @@ private:
     /// The names on the bus that begin with a text, or all that it could start.
     std::vector<QByteArray> names(const char *method, const QByteArray &beginning);
     QByteArray findRegistry();
-    bool answersPing(const QByteArray &name, std::chrono::milliseconds limit);
+    bool answersPing(const QByteArray &name, std::chrono::milliseconds atMost);
     bool isStopped(const QByteArray &name);
 
     GlibObject<GDBusConnection> connection;

@@ -32,8 +32,9 @@ OptionalError EdsClient::connect()
     const auto type = kind == Kind::Events ? E_CAL_CLIENT_SOURCE_TYPE_EVENTS : E_CAL_CLIENT_SOURCE_TYPE_TASKS;
     GlibFailure failure;
     const EdsTimeLimit limit(EdsTimeLimit::forReading);
-    client.reset(glibCast<ECalClient>(
-        e_cal_client_connect_sync(source.get(), type, doNotWait, limit.cancellable(), failure.out())));
+    client.reset(glibCast<ECalClient>(limit.run([&] {
+        return e_cal_client_connect_sync(source.get(), type, doNotWait, limit.cancellable(), failure.out());
+    })));
     if (!client) {
         if (limit.isExceeded())
             patience.exhaust();
@@ -59,7 +60,10 @@ void EdsClient::watch()
     ECalClientView *made = nullptr;
     GlibFailure failure;
     const EdsTimeLimit limit(EdsTimeLimit::forReading);
-    if (!e_cal_client_get_view_sync(client.get(), "#t", &made, limit.cancellable(), failure.out())) {
+    const auto makeView = [&] {
+        return e_cal_client_get_view_sync(client.get(), "#t", &made, limit.cancellable(), failure.out());
+    };
+    if (!limit.run(makeView)) {
         Log::line(failure.told(sentence(QStringLiteral("watch"))).message);
         return;
     }

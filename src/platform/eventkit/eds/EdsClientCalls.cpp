@@ -34,7 +34,7 @@ OptionalError EdsClient::read(const Call &call)
             return error;
         GlibFailure failure;
         const EdsTimeLimit limit(EdsTimeLimit::forReading);
-        if (call(client.get(), limit.cancellable(), failure.out()))
+        if (limit.run([&] { return call(client.get(), limit.cancellable(), failure.out()); }))
             return std::nullopt;
         if (limit.isExceeded())
             patience.exhaust();
@@ -56,7 +56,7 @@ OptionalError EdsClient::write(const Call &call)
         return error;
     GlibFailure failure;
     const EdsTimeLimit limit(EdsTimeLimit::forWriting);
-    if (call(client.get(), limit.cancellable(), failure.out()))
+    if (limit.run([&] { return call(client.get(), limit.cancellable(), failure.out()); }))
         return std::nullopt;
     if (failure.isLostConnection())
         disconnect();

@@ -56,7 +56,8 @@ OptionalError EdsRegistry::connect()
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         GlibFailure failure;
         const EdsTimeLimit limit(EdsTimeLimit::forReading);
-        registry.reset(e_source_registry_new_sync(limit.cancellable(), failure.out()));
+        registry.reset(
+            limit.run([&] { return e_source_registry_new_sync(limit.cancellable(), failure.out()); }));
         if (limit.isExceeded())
             patience.exhaust();
         if (!registry)

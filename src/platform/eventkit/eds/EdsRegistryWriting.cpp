@@ -57,7 +57,11 @@ Result<QString> EdsRegistry::create(const EKCalendar &calendar)
     e_source_backend_set_backend_name(extension, "local");
     describe(made.get(), calendar);
     const EdsTimeLimit limit(EdsTimeLimit::forWriting);
-    if (!e_source_registry_commit_source_sync(registry.get(), made.get(), limit.cancellable(), failure.out()))
+    const auto commit = [&] {
+        return e_source_registry_commit_source_sync(registry.get(), made.get(), limit.cancellable(),
+                                                    failure.out());
+    };
+    if (!limit.run(commit))
         return failure.told(action);
     forgive(made.get());
     return QString::fromUtf8(e_source_get_uid(made.get()));
@@ -74,7 +78,7 @@ OptionalError EdsRegistry::change(const EKCalendar &calendar)
     describe(source.get(), calendar);
     GlibFailure failure;
     const EdsTimeLimit limit(EdsTimeLimit::forWriting);
-    if (!e_source_write_sync(source.get(), limit.cancellable(), failure.out()))
+    if (!limit.run([&] { return e_source_write_sync(source.get(), limit.cancellable(), failure.out()); }))
         return failure.told(action);
     forgive(source.get());
     return std::nullopt;
@@ -92,10 +96,11 @@ OptionalError EdsRegistry::remove(const QString &identifier)
     const bool isRemote = e_source_get_remote_deletable(source.get());
     if (!isRemote && !e_source_get_removable(source.get()))
         return refused(action);
-    const bool isDone = isRemote
-                            ? e_source_remote_delete_sync(source.get(), limit.cancellable(), failure.out())
-                            : e_source_remove_sync(source.get(), limit.cancellable(), failure.out());
-    if (!isDone)
+    const auto take = [&] {
+        return isRemote ? e_source_remote_delete_sync(source.get(), limit.cancellable(), failure.out())
+                        : e_source_remove_sync(source.get(), limit.cancellable(), failure.out());
+    };
+    if (!limit.run(take))
         return failure.told(action);
     present.remove(identifier);
     known.remove(identifier);

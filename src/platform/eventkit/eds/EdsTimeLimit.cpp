@@ -2,23 +2,42 @@
 
 #include "eventkit/eds/EdsBus.h"
 
-#include <condition_variable>
-#include <mutex>
+#include <future>
+#include <utility>
 
-static void cancelAfter(std::chrono::milliseconds limit, const std::stop_token &stop, GCancellable *signal)
+using Milliseconds = std::chrono::milliseconds;
+
+static std::function<void(Milliseconds)> &waitListener()
 {
-    std::mutex mutex;
-    std::condition_variable_any condition;
-    std::unique_lock lock(mutex);
-    condition.wait_for(lock, stop, limit, [] { return false; });
-    if (!stop.stop_requested())
-        g_cancellable_cancel(signal);
+    static std::function<void(Milliseconds)> listener;
+    return listener;
 }
 
-EdsTimeLimit::EdsTimeLimit(std::chrono::milliseconds limit)
-    : signal(g_cancellable_new())
-    , watch([limit, target = signal.get()](const std::stop_token &stop) { cancelAfter(limit, stop, target); })
+void EdsTimeLimit::setListener(std::function<void(Milliseconds)> listener)
+{
+    waitListener() = std::move(listener);
+}
+
+EdsTimeLimit::EdsTimeLimit(Milliseconds limit)
+    : length(limit)
+    , signal(g_cancellable_new())
 {}
+
+/// The library's own calls that wait let nothing else be done on their thread.
+void EdsTimeLimit::waitFor(const std::function<void()> &work) const
+{
+    constexpr Milliseconds step{20};
+    const auto begin = std::chrono::steady_clock::now();
+    const auto end = std::async(std::launch::async, work);
+    while (end.wait_for(step) != std::future_status::ready) {
+        const auto waited =
+            std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now() - begin);
+        if (waited >= length)
+            g_cancellable_cancel(signal.get());
+        if (waitListener())
+            waitListener()(waited);
+    }
+}
 
 bool EdsPatience::isExhausted()
 {

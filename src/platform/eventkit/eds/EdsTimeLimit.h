@@ -3,9 +3,11 @@
 #include "eventkit/eds/EdsGlib.h"
 
 #include <chrono>
-#include <thread>
+#include <functional>
+#include <type_traits>
 
-/// Lets a call that gets its `cancellable` end after a time, whatever the daemon does.
+/// Lets a call that gets its `cancellable` end after a time, whatever the daemon does, and tells meanwhile
+/// how long it has been taking.
 class EdsTimeLimit
 {
 public:
@@ -14,14 +16,27 @@ public:
     /// For what may have to reach a server.
     static constexpr std::chrono::milliseconds forWriting{30'000};
 
+    /// As `CalendarBackend::setWaitListener`.
+    static void setListener(std::function<void(std::chrono::milliseconds)> listener);
+
     explicit EdsTimeLimit(std::chrono::milliseconds limit);
 
+    /// Makes a call on a thread of its own, waits for its end and answers what it answered.
+    template <typename Call>
+    std::invoke_result_t<Call> run(const Call &call) const
+    {
+        std::invoke_result_t<Call> answer{};
+        waitFor([&] { answer = call(); });
+        return answer;
+    }
     GCancellable *cancellable() const { return signal.get(); }
     bool isExceeded() const { return g_cancellable_is_cancelled(signal.get()); }
 
 private:
+    void waitFor(const std::function<void()> &work) const;
+
+    std::chrono::milliseconds length;
     GlibObject<GCancellable> signal;
-    std::jthread watch;
 };
 
 class EdsBus;

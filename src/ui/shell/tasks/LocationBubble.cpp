@@ -2,14 +2,18 @@
 
 #include "foundation/Localization.h"
 #include "records/RecordRemoval.h"
+#include "records/ShellAlerts.h"
 #include "shell/tasks/LocationMap.h"
 #include "widgets/BubbleHeader.h"
 #include "widgets/CheckList.h"
 #include "widgets/Theme.h"
 
+#include <QCloseEvent>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QStackedLayout>
+#include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -38,7 +42,7 @@ LocationBubble::LocationBubble(const LocationPtr &current, QWidget *parent)
     connect(table, &CheckList::deletePressed, this, &LocationBubble::removeRow);
     connect(header, &BubbleHeader::doneClicked, this, &LocationBubble::clickDone);
     connect(header, &BubbleHeader::cancelClicked, this,
-            [this] { choice.isAdding() ? leaveMap() : void(close()); });
+            [this] { choice.isAdding() ? askToLeaveMap(false) : void(close()); });
     reload();
     table->setFocus();
 }
@@ -93,6 +97,33 @@ void LocationBubble::loadMap()
     map->focusTitle();
 }
 
+bool LocationBubble::isTyped() const
+{
+    return choice.isAdding() && map->isTyped();
+}
+
+/// \param closes whether the bubble is left with the page. The question cannot be answered below it.
+void LocationBubble::askToLeaveMap(bool closes)
+{
+    using Answer = ShellAlerts::DontSaveAnswer;
+    auto answer = Answer::DontSave;
+    if (isTyped()) {
+        const QPointer<LocationBubble> self = this;
+        hide();
+        answer = ShellAlerts::alertDontSave();
+        if (!self)
+            return;
+        show();
+    }
+    if (answer == Answer::Save)
+        return clickDone();
+    if (answer == Answer::Cancel)
+        return map->focusTitle();
+    leaveMap();
+    if (closes)
+        close();
+}
+
 void LocationBubble::leaveMap()
 {
     choice.stopAdding();
@@ -129,15 +160,25 @@ void LocationBubble::takeLine(int row)
 
 void LocationBubble::finish(const LocationPtr &location)
 {
+    choice.stopAdding();
     close();
     Q_EMIT chosen(location);
+}
+
+/// A press beside it closes it as well.
+void LocationBubble::closeEvent(QCloseEvent *event)
+{
+    if (!isTyped())
+        return Popover::closeEvent(event);
+    event->ignore();
+    QTimer::singleShot(0, this, [this] { askToLeaveMap(true); });
 }
 
 void LocationBubble::keyPressEvent(QKeyEvent *event)
 {
     auto *button = qobject_cast<QPushButton *>(focusWidget());
     if (event->key() == Qt::Key_Escape && choice.isAdding())
-        leaveMap();
+        askToLeaveMap(false);
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         button ? button->click() : table->hasFocus() ? takeLine(table->currentIndex().row()) : clickDone();
     else

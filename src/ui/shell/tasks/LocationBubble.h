@@ -25,12 +25,15 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     void reload();
     void press(int row);
     void removeRow(int row);
     void loadMap();
+    bool isTyped() const;
+    void askToLeaveMap(bool closes);
     void leaveMap();
     void takeLine(int row);
     void finish(const LocationPtr &location);

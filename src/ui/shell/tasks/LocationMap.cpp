@@ -112,6 +112,11 @@ void LocationMap::focusTitle()
     fieldTitle->setFocus();
 }
 
+bool LocationMap::isTyped() const
+{
+    return hasDegrees() || !fieldTitle->text().trimmed().isEmpty();
+}
+
 void LocationMap::say(const QString &words)
 {
     labelStatus->setText(words);

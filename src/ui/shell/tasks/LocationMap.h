@@ -23,6 +23,8 @@ public:
     /// Empties the page. The map begins near a place of known position; null for the whole world.
     void begin(const LocationPtr &nearby);
     void focusTitle();
+    /// Whether something was put in.
+    bool isTyped() const;
     /// What was put in. Absent, with the wrong field in focus, if the coordinates cannot be read; absent,
     /// too, while a title is searched for, which is done first where there is a service.
     std::optional<LocationTemp> locationTemp();
