@@ -106,15 +106,32 @@ static QString putAside(const QString &file)
     return QFile::rename(file, aside) ? aside : file;
 }
 
-std::optional<Drafts::Found> Drafts::read(const QString &file)
+static QByteArray contentsOf(const QString &file)
 {
     QFile opened(file);
-    if (!opened.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const auto decoded = TaskDraft::decoded(opened.readAll());
+    return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
+}
+
+std::optional<Drafts::Found> Drafts::read(const QString &file)
+{
+    const auto decoded = TaskDraft::decoded(contentsOf(file));
     if (const auto *draft = std::get_if<TaskDraft>(&decoded))
         return Found{file, *draft};
     return std::nullopt;
+}
+
+std::optional<RecordDraft> Drafts::readRecord(const QString &file)
+{
+    return RecordDraft::decoded(contentsOf(file));
+}
+
+/// Whether a draft is of the sample; absent if it cannot be read.
+static std::optional<bool> isOfSample(const QString &file)
+{
+    if (const auto task = Drafts::read(file))
+        return task->draft.isOfSample;
+    const auto record = Drafts::readRecord(file);
+    return record ? std::optional(record->isOfSample) : std::nullopt;
 }
 
 Drafts::Leftovers Drafts::find()
@@ -122,11 +139,11 @@ Drafts::Leftovers Drafts::find()
     Leftovers leftovers;
     for (const QFileInfo &info :
          QDir(folder()).entryInfoList({u"*.draft"_s}, QDir::Files, QDir::Time | QDir::Reversed)) {
-        const auto found = read(info.filePath());
-        if (!found)
+        const std::optional<bool> isSample = isOfSample(info.filePath());
+        if (!isSample)
             leftovers.putAside.append(putAside(info.filePath()));
-        else if (found->draft.isOfSample == DBWorker::isSample())
-            leftovers.drafts.append(found->file);
+        else if (*isSample == DBWorker::isSample())
+            leftovers.drafts.append(info.filePath());
     }
     return leftovers;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "records/RecordDraft.h"
 #include "records/TaskDraft.h"
 
 #include <QTimer>
@@ -66,8 +67,10 @@ struct Leftovers
 /// and is not looked at again.
 Leftovers find();
 
-/// Reads one file; absent if it cannot be read.
+/// Reads the file of a task; absent if it cannot be read, or holds another kind of record.
 std::optional<Found> read(const QString &file);
+/// The same of any other kind.
+std::optional<RecordDraft> readRecord(const QString &file);
 
 /// The folder of the drafts, which may not be there yet.
 QString folder();

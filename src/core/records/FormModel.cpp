@@ -2,7 +2,8 @@
 
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
-#include "objectstore/ManagedObject.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
 
 // What most rows of most records answer.
 
@@ -68,6 +69,8 @@ void FormModel::clear(int) {}
 
 FormModel::EditEnd FormModel::finishEdit()
 {
+    if (isGone())
+        return EditEnd::Gone;
     followRow();
     if (!isChanged())
         return EditEnd::Unchanged;
@@ -76,10 +79,49 @@ FormModel::EditEnd FormModel::finishEdit()
     return isGone() ? EditEnd::Removed : EditEnd::Saved;
 }
 
+/// Another process may have deleted the row, of which the object does not know.
 bool FormModel::isGone() const
 {
     const ObjectPtr stored = record();
-    return !stored || stored->isDeleted() || !stored->context();
+    if (!stored || stored->isDeleted() || !stored->context())
+        return true;
+    FetchRequest itself(entity());
+    itself.candidates = std::vector{stored->rowId()};
+    return mainContext().count(itself) == 0;
+}
+
+QString FormModel::reasonNotToSave() const
+{
+    return localized(QStringLiteral("A title is missing"));
+}
+
+static bool isText(const FormRow &row)
+{
+    using Editor = FormRow::Editor;
+    return row.editor == Editor::Title || row.editor == Editor::Line || row.editor == Editor::Text;
+}
+
+QByteArray FormModel::encodedDraft() const
+{
+    RecordDraft draft;
+    for (const FormRow &row : rows()) {
+        if (isText(row) && text(row.id) != formerText(row.id))
+            draft.texts.insert(row.name, text(row.id));
+    }
+    if (draft.texts.isEmpty())
+        return {};
+    draft.entity = QString::fromUtf8(entity().data(), static_cast<qsizetype>(entity().size()));
+    draft.record = DBWorker::getIdFromObject(record());
+    draft.isOfSample = DBWorker::isSample();
+    return draft.encoded();
+}
+
+void FormModel::resume(const RecordDraft &draft)
+{
+    for (const FormRow &row : rows()) {
+        if (isText(row) && draft.texts.contains(row.name))
+            setText(row.id, draft.texts.value(row.name));
+    }
 }
 
 QString FormModel::createdOn(OptionalDate date)

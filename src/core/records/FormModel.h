@@ -2,6 +2,7 @@
 
 #include "eventkit/EKCalendar.h"
 #include "records/DatePickerState.h"
+#include "records/RecordDraft.h"
 #include "store/entities/Entities.h"
 
 #include <QByteArray>
@@ -125,6 +126,8 @@ public:
     virtual std::optional<bool> isTicked() const { return std::nullopt; }
 
     // The record.
+    /// The entity of the record.
+    virtual std::string_view entity() const = 0;
     /// What it is called.
     virtual QString title() const { return text(rows().front().id); }
     /// The stored record; null as long as a new one was not saved.
@@ -164,6 +167,14 @@ public:
     /// The words for `creationText` of a moment; empty for none.
     static QString createdOn(OptionalDate date);
 
-    /// What would be lost with the form, as the text of a file; empty if nothing would.
-    virtual QByteArray encodedDraft() const { return {}; }
+    /// Why what stands in the form cannot be saved, in a sentence.
+    virtual QString reasonNotToSave() const;
+
+    /// What a text row of the record said when the form was last in step with it; empty for a new record.
+    virtual QString formerText(int row) const = 0;
+    /// What would be lost with the form, as the text of a file; empty if nothing would. Of most kinds, the
+    /// words that were typed.
+    virtual QByteArray encodedDraft() const;
+    /// Puts in the words that an earlier form was left with.
+    void resume(const RecordDraft &draft);
 };

@@ -88,6 +88,16 @@ void TaskFormState::setText(int number, const QString &text)
     TaskFormRow(number) == TaskFormRow::Title ? setTitle(text) : setDetails(text);
 }
 
+QString TaskFormState::formerText(int number) const
+{
+    return TaskFormRow(number) == TaskFormRow::Title ? base.title : base.details;
+}
+
+QString TaskFormState::reasonNotToSave() const
+{
+    return localized(u"A task needs a title"_s);
+}
+
 // Choices
 
 void TaskFormState::offer(TaskFormRow of, FormChoice choice, Value value, std::vector<FormChoice> &choices)
@@ -216,8 +226,10 @@ int TaskFormState::chosen(int number) const
 
 bool TaskFormState::isEnabled(int number) const
 {
+    // Without calendars there is the sentence about them.
     const auto values = offered.find(TaskFormRow(number));
-    return values == offered.end() || values->second.size() > 1;
+    return TaskFormRow(number) != TaskFormRow::Calendar || values == offered.end() ||
+           values->second.size() > 1;
 }
 
 void TaskFormState::choose(int number, int place)

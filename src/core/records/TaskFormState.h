@@ -116,7 +116,10 @@ public:
     bool isChanged() override;
     bool isDifferent() override { return task.isChangedTask(); }
     QString title() const override { return task.title; }
+    std::string_view entity() const override { return EntityTask::entityName; }
     ObjectPtr record() const override { return task.task(); }
+    QString reasonNotToSave() const override;
+    QString formerText(int row) const override;
     QString creationText() const override { return createdOn(task.creationDate); }
     /// Stores the task through the rules. False if they stopped it, with a message, if the user gave it up,
     /// or if the store cannot be written: of a new task there is no row then, and a stored one is saved by

@@ -4,6 +4,7 @@
 #include "records/Waiting.h"
 #include "widgets/Animations.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QPropertyAnimation>
 
@@ -117,10 +118,19 @@ void DetailStack::removeWhere(Matches matches)
 {
     std::vector<DetailViewController *> going;
     std::copy_if(panes.begin(), panes.end(), std::back_inserter(going), matches);
+    const bool hadKeys = std::ranges::any_of(
+        going, [](const auto *pane) { return pane->isAncestorOf(QApplication::focusWidget()); });
     for (DetailViewController *pane : going)
         drop(pane);
-    if (!going.empty())
-        leave();
+    if (going.empty())
+        return;
+    if (hadKeys || !QApplication::focusWidget())
+        return leave();
+    // Whoever is somewhere else stays there.
+    if (panes.empty())
+        return setListSpace(0);
+    panes.back()->show();
+    panes.back()->setActive(true);
 }
 
 // Coming
@@ -238,8 +248,6 @@ void DetailStack::setActiveLastDeteil()
     panes.back()->show();
     panes.back()->setActive(true);
     panes.back()->setFocus();
-    if (screen)
-        screen->detailOnTop(panes.back()->record());
 }
 
 // Going
@@ -271,8 +279,11 @@ void DetailStack::goBack(DetailViewController *detail)
     animation->setEasingCurve(QEasingCurve::InOutCubic);
     connect(animation, &QAbstractAnimation::finished, this, [this, leaving = QPointer(detail)] {
         // It may have been removed on its way.
-        if (drop(leaving))
-            leave();
+        if (!drop(leaving))
+            return;
+        leave();
+        if (screen && !panes.empty())
+            screen->detailOnTop(panes.back()->record());
     });
     Animations::start(animation);
     if (panes.size() == 1 && duration > 0)

@@ -29,6 +29,8 @@ public:
     virtual std::shared_ptr<ManagedObject> record() const { return nullptr; }
     /// Whether "KeySave" has something to do: the pane is being edited.
     virtual bool canSave() const { return false; }
+    /// Whether the pane stays when its record leaves the list, since the user has sent it away from here.
+    virtual bool staysWithoutRow() const { return false; }
     /// The pane is about to be left for good.
     virtual void clearController() {}
 

@@ -127,7 +127,8 @@ GrowingTextField *FormView::makeText(const FormRow &row, bool isTitle)
     auto *field =
         new GrowingTextField(isTitle ? GrowingTextField::Kind::Title : GrowingTextField::Kind::Details);
     field->setObjectName(row.controlName);
-    field->setFramed(!isTitle);
+    if (!isTitle)
+        field->setFramed(true);
     field->setPlaceholderText(row.placeholder);
     connect(field, &QTextEdit::textChanged, this,
             [this, field, number = row.id] { model.setText(number, field->text()); });
@@ -175,7 +176,7 @@ QWidget *FormView::makeDate(const FormRow &row)
 QWidget *FormView::makeOwnControl(const FormRow &row)
 {
     std::function<void()> sync;
-    QWidget *control = makeOwn ? makeOwn(row, sync) : new QWidget;
+    QWidget *control = makeOwn ? makeOwn(model, row, sync) : new QWidget;
     if (sync)
         syncs.push_back(std::move(sync));
     return control;
@@ -213,9 +214,7 @@ void FormView::fill(PopUpButton &popUp, int row)
 QWidget *FormView::makeChoice(const FormRow &row)
 {
     auto *popUp = new PopUpButton(row.controlName);
-    fill(*popUp, row.id);
-    if (!model.entityOfChoices(row.id).empty())
-        fillings.push_back({popUp, row.id, false});
+    fillings.push_back({popUp, row.id, true});
     connect(popUp, &QComboBox::activated, this,
             [this, number = row.id](int place) { model.choose(number, place); });
     syncs.push_back([this, popUp, number = row.id] { popUp->setCurrentIndex(model.chosen(number)); });
@@ -225,7 +224,10 @@ QWidget *FormView::makeChoice(const FormRow &row)
 void FormView::storeChanged(const StoreChanges &changes)
 {
     for (Filling &filling : fillings) {
-        const auto isOffered = [entity = model.entityOfChoices(filling.row)](const ObjectPtr &object) {
+        const std::string_view entity = model.entityOfChoices(filling.row);
+        if (entity.empty())
+            continue;
+        const auto isOffered = [entity](const ObjectPtr &object) {
             return object->entity().name() == entity;
         };
         const auto isRenamed = [&](const StoreChanges::Update &one) {
@@ -239,9 +241,11 @@ void FormView::storeChanged(const StoreChanges &changes)
     fillDue();
 }
 
-/// One that is open waits until the user has chosen.
+/// What is only looked at needs no choices. A pop-up that is open waits until the user has chosen.
 void FormView::fillDue()
 {
+    if (!editing)
+        return;
     bool isAnyFilled = false;
     for (Filling &filling : fillings) {
         if (!filling.isDue)
@@ -275,6 +279,7 @@ void FormView::setEditing(bool isNowEditing)
         if (field != firstField)
             field->setFramed(editing);
     }
+    fillDue();
     refresh();
 }
 

@@ -23,12 +23,13 @@ class FormView : public FormCard
 public:
     /// Makes the control of a row that the kind of record brings itself, and gives back what makes it show
     /// the value.
-    using OwnControl = std::function<QWidget *(const FormRow &row, std::function<void()> &sync)>;
+    using OwnControl =
+        std::function<QWidget *(FormModel &model, const FormRow &row, std::function<void()> &sync)>;
 
     /// `model` has to outlive the view, which takes over its callbacks.
     explicit FormView(FormModel &model, OwnControl makeOwn = {}, QWidget *parent = nullptr);
 
-    /// Between fields and words. A form begins as fields.
+    /// Between fields and words. A form begins as words.
     void setEditing(bool editing);
     bool isEditing() const { return editing; }
     /// Shows everything anew.
@@ -73,13 +74,13 @@ private:
 
     FormModel &model;
     OwnControl makeOwn;
-    bool editing = true;
+    bool editing = false;
     std::vector<Row> rows;
     /// Each makes one control show what the model holds.
     std::vector<std::function<void()>> syncs;
     std::vector<GrowingTextField *> texts;
     std::map<int, DatePickerControl *> pickers;
-    /// A pop-up that offers the records of an entity.
+    /// A pop-up, and whether what it offers has to be asked for.
     struct Filling
     {
         PopUpButton *popUp;

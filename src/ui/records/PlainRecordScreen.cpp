@@ -90,10 +90,8 @@ PlainRecordScreen::PlainRecordScreen(const RecordKind &shownKind, QWidget *paren
                        new RecordCell, parent)
     , kind(shownKind)
 {
-    if (kind.filter) {
-        listFilter = kind.filter();
-        setUpFilter(*listFilter);
-    }
+    if (kind.filter)
+        setUpFilter(kind.filter());
 }
 
 PlainRecordScreen::~PlainRecordScreen() = default;

@@ -44,5 +44,4 @@ protected:
 
 private:
     RecordKind kind;
-    std::shared_ptr<ListFilter> listFilter;
 };

@@ -12,8 +12,9 @@ using namespace Qt::Literals::StringLiterals;
 
 // What narrows a list, above it.
 
-void RecordListScreen::setUpFilter(ListFilter &listFilter)
+void RecordListScreen::setUpFilter(std::shared_ptr<ListFilter> filter)
 {
+    listFilter = std::move(filter);
     topView = new TasksTabTopView;
     static_cast<QVBoxLayout *>(layout())->insertWidget(0, topView);
     filteredState = new EmptyState(u"filtered"_s, description.filteredSentence, listLayer);
@@ -22,13 +23,13 @@ void RecordListScreen::setUpFilter(ListFilter &listFilter)
     filteredState->hide();
     connect(filteredState, &EmptyState::actionClicked, this, &RecordListScreen::clearFilter);
     // Keys that come in quick succession share one fetch.
-    filterState = std::make_unique<FilterState>(listFilter, [this] {
+    filterState = std::make_unique<FilterState>(*listFilter, [this] {
         mustCloseHidden = true;
         showFilterState();
         reloadSoon();
     });
     filterState->filterStartSettings();
-    topView->buttonFilter()->setFilter(&listFilter);
+    topView->buttonFilter()->setFilter(listFilter.get());
     connect(topView->cancelFilterView(), &QAbstractButton::clicked, this, &RecordListScreen::clearFilter);
 }
 

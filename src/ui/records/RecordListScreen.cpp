@@ -4,6 +4,7 @@
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "records/DetailStack.h"
+#include "records/Waiting.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/EmptyState.h"
@@ -20,8 +21,6 @@ using namespace Qt::Literals::StringLiterals;
 
 /// Long enough for a tick to be seen before its row leaves.
 constexpr auto tickSeen = std::chrono::milliseconds(1000);
-/// The part of the screen that panes beside a list take.
-constexpr double besideList = 0.595;
 
 RecordListScreen::RecordListScreen(RecordListDescription listDescription, RecordListModel *model,
                                    TableCell *cell, QWidget *parent)
@@ -150,7 +149,8 @@ void RecordListScreen::isSeen()
 /// What is selected, seen and current stays so. If all that was selected goes, its neighbour takes its place.
 void RecordListScreen::update(const std::set<RowId> &changed, const std::set<RowId> &held)
 {
-    const int selected = view->firstSelectedRow();
+    const SelectionMemory memory = SelectionMemory::of(*view, *listModel);
+    const bool wasSelected = view->hasSelectedRows();
     const std::vector<ObjectPtr> shown = shownRecords();
     std::vector<TableViewExtended::Sight> sights = view->rowsInSight();
     std::erase_if(sights, [&](const TableViewExtended::Sight &sight) {
@@ -158,8 +158,8 @@ void RecordListScreen::update(const std::set<RowId> &changed, const std::set<Row
     });
     const bool isAtTop = view->verticalScrollBar()->value() == 0;
     listModel->update(changed, held);
-    if (selected >= 0 && !view->hasSelectedRows())
-        SelectionMemory::selectNear(*view, *listModel, selected);
+    if (wasSelected && !view->hasSelectedRows())
+        memory.restore(*view, *listModel, SelectionMemory::Otherwise::Neighbour);
     if (isAtTop || !sights.empty())
         view->keepInSight(sights);
     updateEmptyState();
@@ -199,8 +199,7 @@ void RecordListScreen::reload(SelectionMemory::Otherwise otherwise)
 void RecordListScreen::selectFirstIfNone()
 {
     const int first = listModel->nearestItem(0, 1);
-    if (description.opens == RecordListDescription::Opens::OnSelection && first >= 0 &&
-        !view->hasSelectedRows())
+    if (isBeside() && first >= 0 && !view->hasSelectedRows())
         view->selectRow(first);
 }
 
@@ -267,17 +266,31 @@ void RecordListScreen::selectItem(const ObjectPtr &record)
 void RecordListScreen::selectionChanged()
 {
     // Keys that come in quick succession open one pane.
-    if (description.opens == RecordListDescription::Opens::OnSelection)
+    if (isBeside())
         opening.start(0);
     Q_EMIT commandsChanged();
 }
 
 void RecordListScreen::openSelected()
 {
+    // What is asked just now may change what is selected.
+    if (Waiting::isForAnswer())
+        return opening.start(Waiting::lookInterval);
+    if (!detailStack())
+        return;
     if (const ObjectPtr record = selectedRecord())
         return showDetail(record);
-    if (detailStack() && detailStack()->mayLeave())
+    if (detailStack()->mayLeave())
         detailStack()->removeAllDetail();
+    else
+        selectEdited();
+}
+
+/// The user stays with the record that is edited, and so does the selection.
+void RecordListScreen::selectEdited()
+{
+    if (DetailViewController *const edited = detailStack()->top())
+        detailOnTop(edited->record());
 }
 
 QRect RecordListScreen::placeOfRecord(const ObjectPtr &record) const
@@ -299,8 +312,9 @@ void RecordListScreen::rowOpened(int row)
     if (view->selectedCount() > 1)
         return severalOpened();
     showDetail(record);
-    if (description.opens == RecordListDescription::Opens::OnSelection && detailStack()->top())
-        detailStack()->top()->setFocus();
+    DetailViewController *const pane = detailStack() ? detailStack()->top() : nullptr;
+    if (isBeside() && pane)
+        pane->setFocus();
 }
 
 void RecordListScreen::showDetail(const ObjectPtr &record)
@@ -309,19 +323,33 @@ void RecordListScreen::showDetail(const ObjectPtr &record)
     DetailStack *const stack = detailStack();
     if (!stack)
         return;
-    const bool isBeside = description.opens == RecordListDescription::Opens::OnSelection;
+    if (isBeside())
+        return showBeside(record);
     DetailViewController *const open = stack->paneOf(record);
-    if (isBeside && open && open == stack->top())
+    DetailViewController *const pane = open ? nullptr : makePane(record);
+    const bool isShown = open ? stack->showAgain(open) : !pane || stack->showDetail(pane, this);
+    if (!isShown)
+        selectEdited();
+}
+
+void RecordListScreen::showBeside(const ObjectPtr &record)
+{
+    DetailStack &stack = *detailStack();
+    DetailViewController *const open = stack.paneOf(record);
+    if (open && open == stack.top())
         return;
-    DetailViewController *const pane = open && !isBeside ? nullptr : makePane(record);
-    if (!open && !pane)
-        return;
-    const bool isShown = isBeside ? stack->embed(pane, *this)
-                         : open   ? stack->showAgain(open)
-                                  : stack->showDetail(pane, this);
-    // The user stays with the record that is edited, and so does the selection.
-    if (!isShown && stack->top())
-        detailOnTop(stack->top()->record());
+    if (!stack.mayLeave())
+        return selectEdited();
+    // The answer may have taken time, and the record away.
+    if (selectedRecord() != record)
+        return opening.start(0);
+    if (DetailViewController *const pane = makePane(record))
+        stack.embed(pane, *this);
+}
+
+bool RecordListScreen::isBeside() const
+{
+    return description.opens == RecordListDescription::Opens::OnSelection;
 }
 
 void RecordListScreen::detailOnTop(const ObjectPtr &record)
@@ -343,13 +371,15 @@ std::vector<ObjectPtr> RecordListScreen::shownRecords() const
     return shown;
 }
 
-/// A pane goes with its row. What is being typed stays, whatever the list shows.
+/// A pane goes with its row. What is being typed stays, whatever the list shows, and so does a pane by which
+/// the user has sent the row away.
 void RecordListScreen::closeDetailsOf(const std::vector<ObjectPtr> &shownBefore)
 {
     std::vector<ObjectPtr> gone = shownBefore;
     std::erase_if(gone, [this](const ObjectPtr &record) {
         DetailViewController *const pane = detailStack()->paneOf(record);
-        return listModel->rowOf(record) >= 0 || !pane || pane->canSave() || pane->hasChanges();
+        return listModel->rowOf(record) >= 0 || !pane || pane->canSave() || pane->hasChanges() ||
+               pane->staysWithoutRow();
     });
     if (!gone.empty())
         detailStack()->removeAllDetailFrom(gone);
@@ -367,8 +397,8 @@ void RecordListScreen::closeHiddenDetails()
 
 void RecordListScreen::setDetailSpace(int width)
 {
-    if (description.opens == RecordListDescription::Opens::OnSelection)
-        width = qRound(this->width() * besideList);
+    if (isBeside())
+        width = qRound(this->width() * description.detailPlace.width);
     listLayer->setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
     if (besideState)
         besideState->setGeometry(
@@ -403,6 +433,9 @@ void RecordListScreen::removeSelection()
     };
     LongWork work(going.size(), description.deletingSentence);
     remove(going, removed, [&work] { return work.step(); });
+    // Who does not delete goes on reading.
+    if (isBeside())
+        opening.start(0);
 }
 
 void RecordListScreen::selectAfterRemoval(int lastIndex)

@@ -23,13 +23,13 @@ class TasksTabTopView;
 /// What makes one list of records differ from another.
 struct RecordListDescription
 {
-    QString title;
-    QString icon;
+    QString title = {};
+    QString icon = {};
     /// The entity whose records are the rows.
-    std::string_view entity;
+    std::string_view entity = {};
     /// What the table is called among the widgets.
-    QString tableName;
-    ToolBarButton::ActionType addType;
+    QString tableName = {};
+    ToolBarButton::ActionType addType = ToolBarButton::NewTask;
     /// What an empty list says in its middle; empty if it says so in a row of its own.
     QString emptySentence = {};
     /// The same of a list whose filter leaves nothing.
@@ -103,8 +103,8 @@ protected:
     /// Two presses on a row while several are selected.
     virtual void severalOpened() {}
 
-    /// Puts the strip with the filter above the list. `filter` has to outlive the screen's rows.
-    void setUpFilter(ListFilter &filter);
+    /// Puts the strip with the filter above the list.
+    void setUpFilter(std::shared_ptr<ListFilter> filter);
     TasksTabTopView *filterStrip() const { return topView; }
     /// What the list is to leave out; null for nothing.
     const FilterEntry *filter() const { return filterState ? filterState->filterOfList() : nullptr; }
@@ -133,7 +133,10 @@ private:
     std::vector<ObjectPtr> shownRecords() const;
     void rowOpened(int row);
     void selectionChanged();
+    bool isBeside() const;
     void openSelected();
+    void showBeside(const ObjectPtr &record);
+    void selectEdited();
     void selectFirstIfNone();
     void selectAfterRemoval(int lastIndex);
     void updateEmptyState();
@@ -147,6 +150,7 @@ private:
     EmptyState *besideState = nullptr;
     TasksTabTopView *topView = nullptr;
     /// Null for a list without a filter.
+    std::shared_ptr<ListFilter> listFilter;
     std::unique_ptr<FilterState> filterState;
     /// A filter changed since the rows were fetched.
     bool mustCloseHidden = false;

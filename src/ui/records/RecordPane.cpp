@@ -98,6 +98,8 @@ QWidget *RecordPane::makeHeader()
 void RecordPane::addToHeader(QWidget *widget)
 {
     headerLine->insertWidget(headerLine->count() - 1, widget);
+    setTabOrder(buttonBack, widget);
+    setTabOrder(widget, buttonEdit);
 }
 
 QWidget *RecordPane::makeBody()
@@ -259,6 +261,7 @@ FormModel::EditEnd RecordPane::finishEdit()
         view->focusTitle();
         return EditEnd::Refused;
     }
+    wasActedIn = true;
     const EditEnd end = model->finishEdit();
     switch (end) {
     case EditEnd::Refused:
@@ -294,6 +297,9 @@ void RecordPane::ticked(bool done)
         view->refresh();
         return view->focusTitle();
     }
+    // Until then nothing has happened.
+    view->refresh();
+    wasActedIn = true;
     tick(done);
     // What is done is only looked at.
     if (isEditing() && !model->canEdit())
@@ -321,7 +327,7 @@ bool RecordPane::saveEdit()
     if (model->isGone())
         return false;
     if (!model->canSave())
-        ShellAlerts::tellOfMissingTitle();
+        ShellAlerts::tellOfMissingTitle(model->reasonNotToSave());
     const FormModel::EditEnd end = finishEdit();
     return end != FormModel::EditEnd::Refused && end != FormModel::EditEnd::Gone;
 }
@@ -348,6 +354,16 @@ void RecordPane::handOver()
         return;
     Q_EMIT textLeft(keeper.file());
     keeper.adopt({});
+}
+
+void RecordPane::resume(const QString &file, const RecordDraft &draft)
+{
+    keeper.adopt(file);
+    model->resume(draft);
+    if (model->isChanged())
+        beginEdit();
+    else
+        keeper.drop();
 }
 
 /// An edit ends, and the pane stays.

@@ -39,9 +39,12 @@ public:
     bool hasChanges() override;
     bool saveEdit() override;
     void dropEdit() override;
+    bool staysWithoutRow() const override { return wasActedIn; }
     void clearController() override { keeper.finish(); }
     void setEmbedded() override;
 
+    /// Goes on with the words that an earlier run of the program was left with.
+    void resume(const QString &file, const RecordDraft &draft);
     void setEditMode();
     void setPreviewMode();
     void clickButtonEdit();
@@ -100,6 +103,8 @@ private:
     QPushButton *buttonEdit = nullptr;
     QToolButton *buttonBack = nullptr;
     QLabel *labelCreated = nullptr;
+    /// The user has saved or ticked here.
+    bool wasActedIn = false;
     QTimer refreshTimer;
     std::vector<Observation> observations;
 };

@@ -46,6 +46,7 @@ RecordWindow::RecordWindow(const QString &name, const QString &title, std::uniqu
         buttonSave->setEnabled(model->canSave());
         keeper.formChanged();
     });
+    view->setEditing(true);
     growth.setSingleShot(true);
     growth.setInterval(Animations::duration(Animations::rowCollapse + afterRows));
     connect(view, &FormView::changed, &growth, qOverload<>(&QTimer::start));
@@ -72,6 +73,12 @@ void RecordWindow::growToForm()
     const int wanted = std::min(layout()->totalSizeHint().height(), most);
     if (wanted > height())
         resize(width(), wanted);
+}
+
+void RecordWindow::resume(const QString &file, const RecordDraft &draft)
+{
+    keeper.adopt(file);
+    model->resume(draft);
 }
 
 void RecordWindow::showWindow()
@@ -123,7 +130,7 @@ void RecordWindow::clickButtonClose()
 bool RecordWindow::saveEdit()
 {
     if (!model->canSave())
-        ShellAlerts::tellOfMissingTitle();
+        ShellAlerts::tellOfMissingTitle(model->reasonNotToSave());
     // A save that goes through closes the window itself.
     clickButtonSave();
     return isClosingAgreed;

@@ -24,6 +24,8 @@ public:
                  QWidget *parent = nullptr);
     ~RecordWindow() override;
 
+    /// Begins with the words that an earlier form was left with.
+    void resume(const QString &file, const RecordDraft &draft);
     /// Shows the window, or brings it to the front as it is.
     void showWindow();
 

@@ -42,9 +42,9 @@ void ShellAlerts::alertEditingEvent(const QString &calendarTitle)
          localized(u"Only the calendar administrator can make changes to read-only calendar"_s));
 }
 
-void ShellAlerts::tellOfMissingTitle()
+void ShellAlerts::tellOfMissingTitle(const QString &reason)
 {
-    tell(localized(u"A task needs a title"_s), localized(u"Type one, or leave without saving."_s));
+    tell(reason, localized(u"Type one, or leave without saving."_s));
 }
 
 void ShellAlerts::tellOfDrafts()

@@ -14,8 +14,8 @@ DontSaveAnswer alertDontSave();
 void alertSelectOneTask();
 /// An event of a calendar that cannot be written cannot be changed.
 void alertEditingEvent(const QString &calendarTitle);
-/// A task without a title cannot be saved.
-void tellOfMissingTitle();
+/// What stands in a form cannot be saved, for that reason.
+void tellOfMissingTitle(const QString &reason);
 /// Says what went wrong, if anything did.
 void presentError(const OptionalError &error);
 /// Text was found that the user had typed and not saved; it is about to open again.

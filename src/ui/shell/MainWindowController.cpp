@@ -61,10 +61,7 @@ void MainWindowController::windowDidLoad()
     outline.setLeaveQuestion(
         [this](const QModelIndex &index) { return !isShown(index) && details->hasChanges(); },
         [this] { return details->mayLeave(); });
-    connect(details.get(), &DetailStack::textLeft, this, [this](const QString &file) {
-        if (const auto found = Drafts::read(file))
-            openAsNewTask(*found);
-    });
+    connect(details.get(), &DetailStack::textLeft, this, &MainWindowController::openLeftText);
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     badgeRecount.setSingleShot(true);
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
@@ -237,6 +234,8 @@ void MainWindowController::changeDataBase()
     SelectedTaskController::sharedCenter().removeAllTasks();
     const SidebarItem former = selectItem.value_or(SidebarItem::Home);
     const QString group = selectedGroup;
+    // Its screen shows the other store, too.
+    selectItem.reset();
     loadContactsGroup();
     QTimer::singleShot(firstSelectionDelay, this, [this, former, group] { selectAgain(former, group); });
     countTasksBadge();
@@ -294,6 +293,7 @@ void MainWindowController::show(TabsViewController *newScreen)
     if (former) {
         former->clearController();
         former->disconnect(this);
+        former->setDetailStack(nullptr);
         mainWindow->rightContentView()->layout()->removeWidget(former);
         Waiting::remove(former);
     }

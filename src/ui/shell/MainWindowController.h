@@ -24,6 +24,8 @@ class ManagedObjectContext;
 class CalendarsAppleWindowController;
 class MVSetiingsCalendarController;
 class RecordWindow;
+struct RecordDraft;
+struct RecordKind;
 namespace Drafts {
 struct Found;
 }
@@ -97,6 +99,9 @@ private:
     /// False if it has to wait, since the user stays with what is typed elsewhere.
     bool openDraft(const Drafts::Found &found);
     void openAsNewTask(const Drafts::Found &found);
+    bool openDraft(const QString &file, const RecordDraft &draft);
+    void openAsNew(const RecordKind &kind, const QString &file, const RecordDraft &draft);
+    void openLeftText(const QString &file);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);
     bool showScreenWithoutRow(SidebarItem item);

@@ -11,6 +11,7 @@
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
+#include "store/queries/DBWorker.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -119,6 +120,47 @@ bool MainWindowController::openDraft(const Drafts::Found &found)
     return true;
 }
 
+/// Words for a record that is there go on in its pane, any others in the window for a new one.
+bool MainWindowController::openDraft(const QString &file, const RecordDraft &draft)
+{
+    const auto kind = Screens::kindOf(draft.entity.toStdString());
+    if (!kind)
+        return true;
+    const ObjectPtr record = DBWorker::getObjectFromId(draft.record);
+    if (!record) {
+        openAsNew(*kind, file, draft);
+        return true;
+    }
+    if (details->hasChanges())
+        return false;
+    searchSelectItem(record);
+    auto *pane = dynamic_cast<RecordPane *>(details->paneOf(record));
+    if (!pane)
+        openAsNew(*kind, file, draft);
+    else
+        pane->resume(file, draft);
+    return true;
+}
+
+void MainWindowController::openAsNew(const RecordKind &kind, const QString &file, const RecordDraft &draft)
+{
+    RecordWindow *const window = kind.makeWindow(mainWindow.get());
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->resume(file, draft);
+    window->showWindow();
+}
+
+/// What was typed for a record that is no more.
+void MainWindowController::openLeftText(const QString &file)
+{
+    if (const auto found = Drafts::read(file))
+        return openAsNewTask(*found);
+    const auto draft = Drafts::readRecord(file);
+    const auto kind = draft ? Screens::kindOf(draft->entity.toStdString()) : std::nullopt;
+    if (kind)
+        openAsNew(*kind, file, *draft);
+}
+
 void MainWindowController::openAsNewTask(const Drafts::Found &found)
 {
     auto *window = new WindowNewTask(found, mainWindow.get());
@@ -141,5 +183,8 @@ void MainWindowController::openDrafts()
         const auto found = Drafts::read(file);
         if (found && !(isStaying && found->draft.task()))
             isStaying = !openDraft(*found) || isStaying;
+        const auto other = Drafts::readRecord(file);
+        if (other && !(isStaying && DBWorker::getObjectFromId(other->record)))
+            isStaying = !openDraft(file, *other) || isStaying;
     }
 }

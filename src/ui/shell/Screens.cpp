@@ -1,5 +1,6 @@
 #include "shell/Screens.h"
 
+#include "foundation/Localization.h"
 #include "records/RecordKind.h"
 #include "shell/RestingScreen.h"
 #include "shell/categories/CategoriesViewController.h"
@@ -37,7 +38,7 @@ static const std::array screens = {
     ScreenDescription{Item::NotDone, u"Not Done", u"notdone", makeNew<NotDoneViewController>},
     ScreenDescription{Item::Done, u"Done", u"done", makeNew<DoneViewController>},
     ScreenDescription{Item::Notes, u"Notes", u"note", nullptr, u"", EntityNote::entityName,
-                      NoteKind::description},
+                      NoteKind::description, ToolBarButton::NewNote},
 };
 
 const ScreenDescription &Screens::of(SidebarItem item)
@@ -51,21 +52,33 @@ const ScreenDescription *Screens::showing(std::string_view entity)
     return entity.empty() || found == screens.end() ? nullptr : &*found;
 }
 
+static RecordKind described(const ScreenDescription &screen)
+{
+    RecordKind kind = screen.describe();
+    kind.list.title = localized(QString::fromUtf16(screen.title));
+    kind.list.icon = QString::fromUtf16(screen.icon);
+    kind.list.entity = screen.shows;
+    kind.list.addType = screen.adds;
+    return kind;
+}
+
 TabsViewController *Screens::make(SidebarItem item, const QString &title)
 {
     const ScreenDescription &screen = of(item);
     if (screen.describe)
-        return screen.describe().makeScreen();
+        return described(screen).makeScreen();
     return screen.make ? screen.make() : new RestingScreen(title, screen);
 }
 
 std::optional<RecordKind> Screens::kindAddedBy(ToolBarButton::ActionType type)
 {
-    for (const ScreenDescription &screen : screens) {
-        if (!screen.describe)
-            continue;
-        if (RecordKind kind = screen.describe(); kind.list.addType == type)
-            return kind;
-    }
-    return std::nullopt;
+    const auto found = std::ranges::find_if(
+        screens, [type](const ScreenDescription &screen) { return screen.describe && screen.adds == type; });
+    return found == screens.end() ? std::nullopt : std::optional(described(*found));
+}
+
+std::optional<RecordKind> Screens::kindOf(std::string_view entity)
+{
+    const ScreenDescription *screen = showing(entity);
+    return screen && screen->describe ? std::optional(described(*screen)) : std::nullopt;
 }

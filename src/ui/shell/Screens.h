@@ -24,8 +24,10 @@ struct ScreenDescription
     const char16_t *sentence = u"";
     /// The entity whose records a search finds here; empty for none.
     std::string_view shows = {};
-    /// Describes the kind of record that it shows.
+    /// Describes the kind of record that it shows, but for what stands in this row.
     RecordKind (*describe)() = nullptr;
+    /// The button that adds a record of a described kind.
+    ToolBarButton::ActionType adds = {};
 };
 
 /// Every screen there is. A new kind of record has its row here, and nowhere else.
@@ -39,5 +41,7 @@ TabsViewController *make(SidebarItem item, const QString &title);
 
 /// The kind of record that a button adds; absent for one that is not described.
 std::optional<RecordKind> kindAddedBy(ToolBarButton::ActionType type);
+/// The same by the entity.
+std::optional<RecordKind> kindOf(std::string_view entity);
 
 } // namespace Screens

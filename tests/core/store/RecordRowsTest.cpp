@@ -19,7 +19,11 @@ public:
 
     void willInsert(int first, int) override { place = first; }
     void didInsert() override { copy.insert(copy.begin() + place, rows.identifierAt(place)); }
-    void willRemove(int first, int) override { place = first; }
+    void willRemove(int first, int) override
+    {
+        place = first;
+        hasLostOneThatStays = hasLostOneThatStays || staying.contains(rows.identifierAt(first));
+    }
     void didRemove() override { copy.erase(copy.begin() + place); }
     void willMove(int row, int above) override
     {
@@ -41,6 +45,8 @@ public:
     const RecordRows &rows;
     std::vector<RowId> copy;
     std::set<RowId> told;
+    std::set<RowId> staying;
+    bool hasLostOneThatStays = false;
     int place = 0;
     int target = 0;
     int moves = 0;
@@ -98,6 +104,8 @@ TEST_F(RecordRowsTest, GeneratedChangesLeaveTheRowsOfAFetch)
             else
                 names[row] = anyName();
         }
+        for (const auto &[row, name] : names)
+            copy.staying.insert(row);
         rows.follow(listed(), changed, {}, copy);
         RecordRows fetched(EntityNote::entityName);
         fetched.set(listed());
@@ -106,6 +114,7 @@ TEST_F(RecordRowsTest, GeneratedChangesLeaveTheRowsOfAFetch)
         ASSERT_EQ(copy.copy, identifiersOf(rows)) << "who hears of the steps can follow";
         ASSERT_EQ(copy.resets, 0);
         ASSERT_LE(copy.moves, static_cast<int>(changed.size())) << "only what changed moves";
+        ASSERT_FALSE(copy.hasLostOneThatStays) << "what is renamed keeps its selection";
         for (const RowId row : changed)
             ASSERT_EQ(copy.told.contains(row), names.contains(row));
     }
@@ -121,6 +130,15 @@ TEST_F(RecordRowsTest, HeldRowsStandAndUnnamedChangesResetTheList)
     rows.follow({{3}, {1}}, {2}, {}, copy);
     EXPECT_EQ(identifiersOf(rows), (std::vector<RowId>{3, 1}));
     EXPECT_EQ(copy.resets, 1);
+
+    RecordRows letters(EntityNote::entityName);
+    letters.set({{1, u"A"_qs}, {2, u"B"_qs}});
+    Copy heard(letters, identifiersOf(letters));
+    letters.follow({{2, u"B"_qs}, {1, u"C"_qs}}, {1}, {1}, heard);
+    EXPECT_EQ(identifiersOf(letters), (std::vector<RowId>{0, 1, 0, 2})) << "it stands until it was seen";
+    letters.follow({{2, u"B"_qs}, {1, u"C"_qs}}, {1}, {}, heard);
+    EXPECT_EQ(headingsOf(letters), (QStringList{u"B"_qs, u"C"_qs}));
+    EXPECT_EQ(heard.copy, identifiersOf(letters));
 }
 
 TEST_F(RecordRowsTest, LettersAreCapitalsWithoutAccentsAndRecordsAreFoundByRow)

@@ -2,9 +2,13 @@
 
 #include "foundation/Clock.h"
 #include "records/DetailStack.h"
+#include "records/DraftKeeper.h"
 #include "records/RecordListScreen.h"
 #include "records/RecordPane.h"
 #include "records/RecordWindow.h"
+#include "store/state/SettingsKeys.h"
+#include "support/FullDisk.h"
+#include "support/OtherProgram.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/GrowingTextField.h"
 
@@ -197,4 +201,86 @@ TEST_F(NotesTest, ASearchHitIsSelectedAndRead)
     ASSERT_TRUE(pane());
     EXPECT_EQ(title().text(), u"gamma"_s);
     EXPECT_EQ(notes().selectedRecord(), stored(u"gamma"_s));
+}
+
+TEST_F(NotesTest, TypedWordsOutliveTheirNoteAndTheProgram)
+{
+    const auto window = [this] { return this->window().findChild<RecordWindow *>(u"WindowAddNewNote"_s); };
+    const auto titleIn = [](RecordWindow &form) {
+        return find<GrowingTextField>(form, "textFieldTitle").text();
+    };
+    select(1);
+    edit(u"typed for beta"_s);
+    DraftKeeper::finishAll();
+    EXPECT_EQ(Drafts::find().drafts.size(), 1);
+    // The program ended there: the words come back to their note.
+    controller().detailStack()->removeAllDetail();
+    {
+        const ScriptedAlerts told({Alert::firstButton});
+        controller().openDrafts();
+    }
+    QTest::qWait(0);
+    ASSERT_TRUE(pane() && pane()->isEditing());
+    EXPECT_EQ(title().text(), u"typed for beta"_s);
+    // Another process deletes it: they open as a new one.
+    writeElsewhere(context().path(), "DELETE FROM EntityNote WHERE title = 'beta'");
+    ASSERT_TRUE(QTest::qWaitFor(window));
+    EXPECT_EQ(titleIn(*window()), u"typed for beta"_s);
+    EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"gamma"_s}));
+    window()->clickButtonSave();
+    EXPECT_TRUE(stored(u"typed for beta"_s));
+    EXPECT_TRUE(Drafts::find().drafts.isEmpty());
+}
+
+TEST_F(NotesTest, WhatTheDiskDidNotTakeIsTriedAgainOrGivenUp)
+{
+    edit(u"anew"_s);
+    {
+        const FullDisk disk;
+        const ScriptedAlerts told({Alert::firstButton, Alert::firstButton});
+        QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+        QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+        EXPECT_TRUE(pane()->isEditing());
+    }
+    QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
+    EXPECT_FALSE(pane()->isEditing());
+    EXPECT_FALSE(context().hasChanges());
+
+    Q_EMIT notes().buttonAdd(ToolBarButton::NewNote);
+    auto &form = *window().findChild<RecordWindow *>(u"WindowAddNewNote"_s);
+    QTest::keyClicks(&find<GrowingTextField>(form, "textFieldTitle"), u"unwanted"_s);
+    {
+        const FullDisk disk;
+        const ScriptedAlerts told({Alert::firstButton});
+        form.clickButtonSave();
+    }
+    const ScriptedAlerts dont({Alert::thirdButton});
+    form.close();
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_FALSE(stored(u"unwanted"_s));
+}
+
+TEST_F(NotesTest, StayingWithAnEditKeepsItsRowAndDeletingNothingKeepsThePane)
+{
+    edit(u"typed"_s);
+    {
+        const ScriptedAlerts cancel({Alert::secondButton});
+        notes().table()->selectAll();
+        QTest::qWait(0);
+    }
+    EXPECT_EQ(notes().selectedRecord(), stored(u"alpha"_s));
+    pane()->dropEdit();
+    const ScriptedAlerts cancel({Alert::secondButton});
+    run(ActionId::Delete);
+    QTest::qWait(0);
+    ASSERT_TRUE(pane());
+    EXPECT_EQ(title().text(), u"alpha"_s);
+
+    // Another store has other notes.
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 1);
+    controller().changeDataBase();
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        return dynamic_cast<RecordListScreen *>(controller().currentScreen()) && titles().isEmpty();
+    }));
+    UserDefaults::standard().setObject(settings::valueSwitchDatabase, 0);
 }

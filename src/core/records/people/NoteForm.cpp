@@ -1,5 +1,6 @@
 #include "records/people/NoteForm.h"
 
+#include "calendarsync/RecordsTransaction.h"
 #include "foundation/Localization.h"
 #include "records/TaskFormChoices.h"
 #include "records/dates/MVDate.h"
@@ -26,21 +27,23 @@ NoteForm::NoteForm(const NotePtr &note)
 
 MissingField NoteForm::clickButtonSave()
 {
-    if (values.title.isEmpty() && !row)
+    if (values.title.isEmpty() && !isStored())
         return MissingField::Title;
+    RecordsTransaction transaction(isStored() ? u"Change Note"_s : u"New Note"_s);
     if (!row || !row->context()) {
         values.creationDate = MVDate::date();
         row = mainContext().insert<EntityNote>();
         row->setCreationDate(values.creationDate);
-        isWaiting = true;
+        isNewRow = true;
     }
     if (!values.title.isEmpty())
         row->setTitle(values.title);
     row->setDetail(values.detail);
     row->setContact(values.contact);
-    if (!DBWorker::saveOrTell())
+    isUncommitted = !DBWorker::tellOfFailure(transaction.commit());
+    if (isUncommitted)
         return MissingField::Store;
-    isWaiting = false;
+    isNewRow = false;
     rollback();
     return MissingField::None;
 }
@@ -80,16 +83,21 @@ QString NoteForm::label(int number) const
     }
 }
 
-QString NoteForm::text(int number) const
+QString NoteForm::textOf(const MVNote &note, int number)
 {
     switch (number) {
     case Title:
-        return values.title;
+        return note.title;
     case Details:
-        return values.detail;
+        return note.detail;
     default:
-        return values.contact ? values.contact->fullName() : QString();
+        return note.contact ? note.contact->fullName() : QString();
     }
+}
+
+QString NoteForm::text(int number) const
+{
+    return textOf(values, number);
 }
 
 void NoteForm::edit(const std::function<void()> &change)
@@ -143,6 +151,9 @@ void NoteForm::clear(int)
 
 bool NoteForm::isChanged()
 {
+    // Its row has the values of a save that could not be committed, and still waits for it.
+    if (isUncommitted && mainContext().hasChanges())
+        return true;
     followRow();
     return !isGone() && ((!values.title.isEmpty() && values.title != base.title) ||
                          values.detail != base.detail || values.contact != base.contact);
@@ -150,8 +161,10 @@ bool NoteForm::isChanged()
 
 void NoteForm::giveUp()
 {
-    if (isWaiting && !isGone())
-        mainContext().deleteObject(row);
+    if (!isNewRow || isGone())
+        return;
+    mainContext().deleteObject(row);
+    DBWorker::saveOrTell(DBWorker::Occasion::Program);
 }
 
 void NoteForm::rollback()

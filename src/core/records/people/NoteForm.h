@@ -37,9 +37,11 @@ public:
     std::string_view entityOfChoices(int row) const override;
     void clear(int row) override;
 
+    std::string_view entity() const override { return EntityNote::entityName; }
     ObjectPtr record() const override { return row; }
+    QString formerText(int number) const override { return textOf(base, number); }
     QString creationText() const override { return createdOn(values.creationDate); }
-    bool canSave() const override { return row || !values.title.isEmpty(); }
+    bool canSave() const override { return isStored() || !values.title.isEmpty(); }
     bool isTouched() const override { return touched; }
     bool isChanged() override;
     bool save() override { return clickButtonSave() == MissingField::None; }
@@ -49,6 +51,8 @@ public:
 
 private:
     static MVNote valuesOf(const EntityNote &note);
+    static QString textOf(const MVNote &note, int number);
+    bool isStored() const { return row && !isNewRow; }
     void edit(const std::function<void()> &change);
 
     NotePtr row;
@@ -56,6 +60,8 @@ private:
     MVNote base;
     std::vector<ContactPtr> offered;
     bool touched = false;
-    /// A new row that could not be committed.
-    bool isWaiting = false;
+    /// The row was made by this form, and no commit has reached the disk since.
+    bool isNewRow = false;
+    /// The row has values that could not be committed.
+    bool isUncommitted = false;
 };

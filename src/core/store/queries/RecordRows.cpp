@@ -5,17 +5,6 @@
 #include "store/entities/Model.h"
 
 #include <algorithm>
-#include <unordered_set>
-
-namespace {
-
-struct Hash
-{
-    std::size_t operator()(const ListedRecord &row) const { return qHash(row.heading, qHash(row.row)); }
-};
-using RowSet = std::unordered_set<ListedRecord, Hash>;
-
-} // namespace
 
 std::vector<ListedRecord> RecordRows::withHeadings(const std::vector<ListedRecord> &records)
 {
@@ -37,57 +26,104 @@ void RecordRows::set(const std::vector<ListedRecord> &records)
     isLoadedOld = true;
 }
 
-int RecordRows::find(const ListedRecord &row) const
+int RecordRows::find(RowId record) const
 {
-    const auto found = std::ranges::find(rows, row);
+    const auto found = std::ranges::find(rows, record, &ListedRecord::row);
     return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
 }
 
-int RecordRows::placeFor(const std::vector<ListedRecord> &wanted, std::size_t place) const
+void RecordRows::erase(int row, RowsWatcher &watcher)
 {
-    return place == 0 ? 0 : find(wanted[place - 1]) + 1;
+    watcher.willRemove(row, row);
+    rows.erase(rows.begin() + row);
+    isLoadedOld = true;
+    watcher.didRemove();
 }
 
-void RecordRows::follow(const std::vector<ListedRecord> &records, const std::set<RowId> &changed,
+void RecordRows::insert(int row, const ListedRecord &inserted, RowsWatcher &watcher)
+{
+    watcher.willInsert(row, row);
+    rows.insert(rows.begin() + row, inserted);
+    isLoadedOld = true;
+    watcher.didInsert();
+}
+
+void RecordRows::removeLeavers(const std::set<RowId> &staying, RowsWatcher &watcher)
+{
+    for (int row = size() - 1; row >= 0; --row) {
+        if (!isHeading(row) && !staying.contains(identifierAt(row)))
+            erase(row, watcher);
+    }
+}
+
+/// Brings a record behind another one, or to the top for 0.
+void RecordRows::placeRecord(const ListedRecord &record, RowId before, RowsWatcher &watcher)
+{
+    const int above = before == 0 ? 0 : find(before) + 1;
+    const int row = find(record.row);
+    if (row < 0)
+        return insert(above, record, watcher);
+    rows[static_cast<std::size_t>(row)].heading = record.heading;
+    // Headings between the two do not part them.
+    int next = above;
+    while (next < size() && isHeading(next))
+        ++next;
+    if (next == row)
+        return;
+    watcher.willMove(row, above);
+    rows.erase(rows.begin() + row);
+    rows.insert(rows.begin() + (row < above ? above - 1 : above), record);
+    isLoadedOld = true;
+    watcher.didMove();
+}
+
+/// Once the records stand in their order, each heading goes where the first record below it is.
+void RecordRows::settleHeadings(RowsWatcher &watcher)
+{
+    std::vector<ListedRecord> records;
+    std::ranges::copy_if(rows, std::back_inserter(records), [](const auto &row) { return row.row != 0; });
+    const std::vector<ListedRecord> wanted = withHeadings(records);
+    std::size_t place = 0;
+    for (int row = 0; row < size() || place < wanted.size();) {
+        const bool isThere =
+            row < size() && place < wanted.size() && rows[static_cast<std::size_t>(row)] == wanted[place];
+        if (!isThere && row < size() && isHeading(row)) {
+            erase(row, watcher);
+            continue;
+        }
+        if (!isThere)
+            insert(row, wanted[place], watcher);
+        ++row;
+        ++place;
+    }
+}
+
+void RecordRows::follow(const std::vector<ListedRecord> &wanted, const std::set<RowId> &changed,
                         const std::set<RowId> &held, RowsWatcher &watcher)
 {
-    const std::vector<ListedRecord> wanted = withHeadings(records);
-    const RowSet wantedRows(wanted.begin(), wanted.end());
-    const RowSet formerRows(rows.begin(), rows.end());
-    isLoadedOld = true;
-    for (int row = size() - 1; row >= 0; --row) {
-        const ListedRecord &one = rows[static_cast<std::size_t>(row)];
-        if (wantedRows.contains(one) || (one.row != 0 && held.contains(one.row)))
-            continue;
-        watcher.willRemove(row, row);
-        rows.erase(rows.begin() + row);
-        isLoadedOld = true;
-        watcher.didRemove();
+    std::set<RowId> former;
+    for (const ListedRecord &row : rows)
+        former.insert(row.row);
+    std::set<RowId> staying = held;
+    for (const ListedRecord &record : wanted)
+        staying.insert(record.row);
+    removeLeavers(staying, watcher);
+    RowId before = 0;
+    for (const ListedRecord &record : wanted) {
+        const bool isNew = !former.contains(record.row);
+        if (isNew || (changed.contains(record.row) && !held.contains(record.row)))
+            placeRecord(record, before, watcher);
+        before = record.row;
     }
-    for (std::size_t place = 0; place < wanted.size(); ++place) {
-        const ListedRecord &one = wanted[place];
-        const bool isNew = !formerRows.contains(one);
-        if (!isNew && (one.row == 0 || !changed.contains(one.row) || held.contains(one.row)))
-            continue;
-        const int above = placeFor(wanted, place);
-        if (isNew) {
-            watcher.willInsert(above, above);
-            rows.insert(rows.begin() + above, one);
-            isLoadedOld = true;
-            watcher.didInsert();
-        } else if (const int row = find(one); row != above && row + 1 != above) {
-            watcher.willMove(row, above);
-            rows.erase(rows.begin() + row);
-            rows.insert(rows.begin() + (row < above ? above - 1 : above), one);
-            isLoadedOld = true;
-            watcher.didMove();
-        }
-        watcher.rowChanged(find(one));
+    settleHeadings(watcher);
+    for (const ListedRecord &record : wanted) {
+        if (changed.contains(record.row))
+            watcher.rowChanged(find(record.row));
     }
     // What nobody named has changed its place.
-    if (held.empty() && rows != wanted) {
+    if (const auto all = withHeadings(wanted); held.empty() && rows != all) {
         watcher.willReset();
-        rows = wanted;
+        rows = all;
         isLoadedOld = true;
         watcher.didReset();
     }

@@ -54,9 +54,12 @@ public:
 
 private:
     static std::vector<ListedRecord> withHeadings(const std::vector<ListedRecord> &records);
-    /// The place above which a wanted row belongs: behind the wanted row before it.
-    int placeFor(const std::vector<ListedRecord> &wanted, std::size_t place) const;
-    int find(const ListedRecord &row) const;
+    void removeLeavers(const std::set<RowId> &staying, RowsWatcher &watcher);
+    void placeRecord(const ListedRecord &record, RowId before, RowsWatcher &watcher);
+    void settleHeadings(RowsWatcher &watcher);
+    void erase(int row, RowsWatcher &watcher);
+    void insert(int row, const ListedRecord &inserted, RowsWatcher &watcher);
+    int find(RowId record) const;
 
     std::string_view entity;
     /// A heading is a row of record 0.

@@ -18,11 +18,7 @@ static std::vector<ListedRecord> rows()
 
 RecordKind NoteKind::description()
 {
-    return {.list = {.title = localized(u"Notes"_s),
-                     .icon = u"note"_s,
-                     .entity = EntityNote::entityName,
-                     .tableName = u"tableViewNotes"_s,
-                     .addType = ToolBarButton::NewNote,
+    return {.list = {.tableName = u"tableViewNotes"_s,
                      .emptySentence = localized(u"What you want to keep in mind, in your own words."_s),
                      .deletingSentence = localized(u"Deleting the selected notes"_s),
                      .detailPlace = {.topInset = 0},

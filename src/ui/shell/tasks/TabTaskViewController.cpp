@@ -41,8 +41,7 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
 {
     model->setQuery([this] { return query(grouping()); });
     if (TasksFilter::isFilterable(static_cast<int>(type()))) {
-        tasksFilter.setTasksType(static_cast<int>(type()));
-        setUpFilter(tasksFilter);
+        setUpFilter(std::make_shared<TasksFilter>(static_cast<int>(type())));
         setUpGrouping();
     }
     addButton(ToolBarButton::Calendars);

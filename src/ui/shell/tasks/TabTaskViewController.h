@@ -65,7 +65,6 @@ private:
 
     TaskListDescription description;
     TaskListModel *model;
-    TasksFilter tasksFilter;
     MVSegmentView *tasksGroupedView = nullptr;
     TaskPopupMenu *taskPopupMenu = nullptr;
 };

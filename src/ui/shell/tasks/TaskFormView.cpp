@@ -24,7 +24,7 @@ static QWidget *makeLocation(TaskFormState &state, std::function<void()> &sync)
 TaskFormView::TaskFormView(TaskFormState &state, QWidget *parent)
     : FormView(
           state,
-          [&state](const FormRow &row, std::function<void()> &sync) {
+          [&state](FormModel &, const FormRow &row, std::function<void()> &sync) {
               return row.id == static_cast<int>(TaskFormRow::Repeat)
                          ? makeRepeat(state, row.controlName, sync)
                          : makeLocation(state, sync);

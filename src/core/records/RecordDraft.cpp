@@ -1,0 +1,40 @@
+#include "records/RecordDraft.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int presentVersion = 1;
+
+QByteArray RecordDraft::encoded() const
+{
+    QJsonObject typed;
+    for (auto text = texts.begin(); text != texts.end(); ++text)
+        typed.insert(text.key(), text.value());
+    return QJsonDocument(QJsonObject{{u"version"_s, presentVersion},
+                                     {u"entity"_s, entity},
+                                     {u"record"_s, record},
+                                     {u"sample"_s, isOfSample},
+                                     {u"texts"_s, typed}})
+        .toJson();
+}
+
+std::optional<RecordDraft> RecordDraft::decoded(const QByteArray &json)
+{
+    const QJsonObject object = QJsonDocument::fromJson(json).object();
+    RecordDraft draft;
+    draft.entity = object.value(u"entity"_s).toString();
+    draft.record = object.value(u"record"_s).toString();
+    draft.isOfSample = object.value(u"sample"_s).toBool();
+    const QJsonValue texts = object.value(u"texts"_s);
+    if (object.value(u"version"_s).toInt() != presentVersion || draft.entity.isEmpty() || !texts.isObject())
+        return std::nullopt;
+    const QJsonObject typed = texts.toObject();
+    for (auto text = typed.begin(); text != typed.end(); ++text) {
+        if (!text.value().isString())
+            return std::nullopt;
+        draft.texts.insert(text.key(), text.value().toString());
+    }
+    return draft;
+}
