@@ -1,11 +1,14 @@
 #include "widgets/CheckList.h"
 
+#include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QPainter>
 #include <QStandardItemModel>
 #include <QStyledItemDelegate>
@@ -77,6 +80,13 @@ CheckList::CheckList(QWidget *parent)
     : QListView(parent)
     , lineModel(new QStandardItemModel(this))
 {
+    const auto moreActions = [this](int line) -> std::vector<AccessibleAction> {
+        if (!isSignalConnected(QMetaMethod::fromSignal(&CheckList::deletePressed)))
+            return {};
+        return {{localized(u"Delete"_s), [this, line] { Q_EMIT deletePressed(line); }, u"Delete"_s}};
+    };
+    Accessibility::describeList(
+        *this, [this](int line) { Q_EMIT linePressed(line); }, moreActions);
     setModel(lineModel);
     setItemDelegate(new LineDelegate(this));
     setFrameShape(NoFrame);
@@ -116,6 +126,7 @@ void CheckList::setMarked(int line, bool marked)
 {
     if (QStandardItem *item = lineModel->item(line))
         item->setData(marked ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
+    Accessibility::partsChanged(*this);
 }
 
 bool CheckList::isMarked(int line) const

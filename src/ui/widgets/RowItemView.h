@@ -49,6 +49,7 @@ protected:
 private:
     QLabel *previewLabel();
     bool isLastShown() const;
+    bool canDelete() const;
     void setRowHeight(int height);
     void settle();
     void alignAtTop();

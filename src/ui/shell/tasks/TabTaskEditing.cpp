@@ -80,7 +80,7 @@ void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Chang
         if (!changedRows.contains(row))
             seenRows.insert(row);
     }
-    view->viewport()->update();
+    view->showRowsAnew();
     seenUpdate.start();
 }
 

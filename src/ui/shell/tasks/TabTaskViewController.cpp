@@ -110,7 +110,7 @@ void TabTaskViewController::rowChanged(const ObjectPtr &object, bool isGone)
         return;
     }
     changedRows.erase(row);
-    view->viewport()->update();
+    view->showRowsAnew();
 }
 
 void TabTaskViewController::reloadSoon()

@@ -25,6 +25,8 @@ public:
     /// The row of a task, or -1.
     int rowOf(const TaskPtr &task) const;
     RowKind kindOf(int row) const override;
+    quint64 stableIdAt(int row) const override;
+    QString countInWords(int items) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 
