@@ -28,19 +28,32 @@ static void sendOnBus(QAccessibleInterface *element, const QString &signal, cons
     bus.send(message);
 }
 
-/// Qt's buttons inside of a field: one clears it, any other is only an icon.
-static AccessibleSubject *describedIcon(QWidget &icon)
+/// Qt presses a tool button before it answers who asked for that, who would wait for as long as a question
+/// stands that the press asks.
+static AccessibleSubject *describedButton(QToolButton &button, const std::function<QString()> &name)
 {
-    auto *const button = qobject_cast<QToolButton *>(&icon);
-    const QAction *const action = button ? button->defaultAction() : nullptr;
-    if (!action || action->objectName() != u"_q_qlineeditclearaction"_s)
-        return new AccessibleSubject(icon, {.role = QAccessible::Graphic});
-    const auto actions = [button]() -> std::vector<AccessibleAction> {
-        return {{QAccessibleActionInterface::pressAction(), [button] { button->click(); }}};
+    const auto actions = [&button]() -> std::vector<AccessibleAction> {
+        return {{QAccessibleActionInterface::pressAction(), [&button] { button.click(); }, u"Space"_s}};
     };
-    return new AccessibleSubject(
-        icon,
-        {.role = QAccessible::Button, .name = [] { return localized(u"Clear"_s); }, .actions = actions});
+    return new AccessibleSubject(button, {.role = QAccessible::Button, .name = name, .actions = actions});
+}
+
+/// What is said of widgets of Qt's, or null.
+static AccessibleSubject *describedAsQts(const QString &className, QObject &object)
+{
+    auto *const button = qobject_cast<QToolButton *>(&object);
+    if (button && className == u"QLineEditIconButton"_s) {
+        // Inside of a field one clears it, and any other is only an icon.
+        const QAction *const action = button->defaultAction();
+        if (action && action->objectName() == u"_q_qlineeditclearaction"_s)
+            return describedButton(*button, [] { return localized(u"Clear"_s); });
+        return new AccessibleSubject(*button, {.role = QAccessible::Graphic});
+    }
+    if (button && className == u"QToolButton"_s && !button->menu() && !button->isCheckable())
+        return describedButton(*button, [button] {
+            return button->accessibleName().isEmpty() ? button->text() : button->accessibleName();
+        });
+    return nullptr;
 }
 
 static QAccessibleInterface *makeInterface(const QString &className, QObject *object)
@@ -49,8 +62,8 @@ static QAccessibleInterface *makeInterface(const QString &className, QObject *ob
     if (!widget)
         return nullptr;
     AccessibleSubject *subject = AccessibleSubject::of(*object);
-    if (!subject && className == u"QLineEditIconButton"_s)
-        subject = describedIcon(*widget);
+    if (!subject)
+        subject = describedAsQts(className, *widget);
     if (subject) {
         if (subject->what.parts.columns)
             return new AccessibleGrid(*widget, subject);
