@@ -92,11 +92,15 @@ quint64 AccessibleTable::keyAtPoint(QPoint point) const
     return isTold ? model->stableIdAt(index.row()) : 0;
 }
 
+int AccessibleTable::firstRowInSight() const
+{
+    return std::max(view.indexAt({0, 0}).row(), 0);
+}
+
 std::vector<quint64> AccessibleTable::keysInSight() const
 {
     std::vector<quint64> keys;
-    int row = std::max(view.indexAt({0, 0}).row(), 0);
-    for (; model && row < model->rowCount(); ++row) {
+    for (int row = firstRowInSight(); model && row < model->rowCount(); ++row) {
         if (view.visualRect(model->index(row)).top() >= view.viewport()->height())
             break;
         keys.push_back(model->stableIdAt(row));
@@ -104,14 +108,18 @@ std::vector<quint64> AccessibleTable::keysInSight() const
     return keys;
 }
 
-/// Mostly it is the current row that is asked for; all rows are looked through only for another one, once
-/// after each change.
+/// Mostly it is the current row that is asked for, or one in sight; all rows are looked through only for
+/// another one, once after each change.
 int AccessibleTable::rowOfKey(quint64 key) const
 {
     if (!model || key == 0)
         return -1;
     if (key == currentKey())
         return view.currentRow();
+    const int first = firstRowInSight();
+    const std::vector<quint64> seen = areRowsOld ? keysInSight() : std::vector<quint64>();
+    if (const auto found = std::ranges::find(seen, key); found != seen.end())
+        return first + static_cast<int>(found - seen.begin());
     if (std::exchange(areRowsOld, false)) {
         cachedRows.clear();
         for (const int row : order().rows)

@@ -40,6 +40,7 @@ private:
     bool hasHeaders() const { return !order().headers.empty(); }
     quint64 currentKey() const;
     quint64 keyAtPoint(QPoint point) const;
+    int firstRowInSight() const;
     std::vector<quint64> keysInSight() const;
     int rowOfKey(quint64 key) const;
 

@@ -278,8 +278,8 @@ TEST_F(ReaderTest, SegmentsAreRadioButtons)
 
 TEST_F(ReaderTest, ListsOfChoicesAreTicked)
 {
-    const auto contact = context().insert<EntityContacts>();
-    contact->setFirstName(u"Ada"_s);
+    for (const QString &name : {u"Ada"_s, u"Bela"_s})
+        context().insert<EntityContacts>()->setFirstName(name);
     ASSERT_FALSE(DBWorker::saveContext());
     PopUpContact people({.selectedAll = false, .objects = {}}, &window());
     people.showBeside(window());
@@ -289,6 +289,11 @@ TEST_F(ReaderTest, ListsOfChoicesAreTicked)
     Reader::act(ada, toggle);
     EXPECT_TRUE(ada->state().checked);
     EXPECT_EQ(reader.heard(), QStringList{u"ticked: Ada"_s});
+    auto &lines = *people.findChild<CheckList *>();
+    lines.setFocus();
+    reader.heard();
+    QTest::keyClick(&lines, Qt::Key_Down);
+    EXPECT_EQ(reader.heard(), QStringList{u"focus: Bela"_s});
     people.close();
 
     const CalendarAccess access({u"Home"_s, u"Work"_s});
@@ -333,6 +338,74 @@ TEST_F(ReaderTest, AMapIsWorkedByName)
     Reader::act(&element, u"Move the pin north"_s);
     EXPECT_GT(map.pin().latitude, 52.5);
     EXPECT_DOUBLE_EQ(map.pin().longitude, 13.4);
+}
+
+TEST_F(ReaderTest, ABubbleThatIsOnlyReadIsReadAtOnce)
+{
+    clickRow(0);
+    reader.heard();
+    run(ActionId::WhyIsItHere);
+    QWidget *const bubble = QApplication::activePopupWidget();
+    ASSERT_NE(bubble, nullptr);
+    const QString text = bubble->accessibleName();
+    const QStringList told = reader.heard();
+    EXPECT_TRUE(told.contains(u"came: "_s + text) && told.last() == u"focus: "_s + text)
+        << qPrintable(told.join(u'\n'));
+    EXPECT_TRUE(Reader::of(*bubble).state().focusable);
+    bubble->close();
+    EXPECT_EQ(reader.heard().last(), u"focus: Tea"_s) << "the keys are back";
+}
+
+namespace {
+
+/// Very many rows, which count how often they are asked for.
+class CountedRows : public TableModel
+{
+public:
+    using TableModel::TableModel;
+    int rowCount(const QModelIndex &parent) const override { return parent.isValid() ? 0 : 100'000; }
+    RowKind kindOf(int) const override { return RowKind::Item; }
+    quint64 stableIdAt(int row) const override
+    {
+        ++asked;
+        return static_cast<quint64>(row) + 1;
+    }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        ++asked;
+        return role == Qt::AccessibleTextRole ? QVariant(u"Row %1"_s.arg(index.row())) : QVariant();
+    }
+    mutable int asked = 0;
+};
+
+} // namespace
+
+TEST(LongListReaderTest, AKeyPressAsksForFewRowsAndForNoneWhileNobodyListens)
+{
+    CountedRows rows;
+    TableViewExtended list;
+    list.setModel(&rows);
+    list.resize(300, 400);
+    list.show();
+    list.setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    list.selectRow(5);
+    const auto askedByAKey = [&] {
+        QCoreApplication::processEvents();
+        list.viewport()->setUpdatesEnabled(false);
+        rows.asked = 0;
+        QTest::keyClick(&list, Qt::Key_Down);
+        QCoreApplication::processEvents();
+        return rows.asked;
+    };
+    EXPECT_EQ(askedByAKey(), 0);
+    {
+        Reader reader;
+        EXPECT_GT(askedByAKey(), 0);
+        EXPECT_TRUE(reader.heard().contains(u"focus: Row 7"_s));
+        EXPECT_LT(askedByAKey(), 200);
+    }
+    list.close();
 }
 
 TEST_F(ReaderTest, NothingIsAskedOfTheRowsWhileNobodyListens)
