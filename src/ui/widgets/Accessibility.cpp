@@ -1,16 +1,11 @@
 #include "widgets/Accessibility.h"
 
-#include "foundation/Localization.h"
 #include "widgets/AccessibleControl.h"
-#include "widgets/AccessibleGrid.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
-#include <QListView>
-#include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -26,52 +21,6 @@ static void sendOnBus(QAccessibleInterface *element, const QString &signal, cons
     QDBusMessage message = QDBusMessage::createSignal(path, u"org.a11y.atspi.Event.Object"_s, signal);
     message << kind << detail << 0 << QVariant::fromValue(QDBusVariant(value)) << QVariantMap();
     bus.send(message);
-}
-
-/// Qt presses a tool button before it answers who asked for that, who would wait for as long as a question
-/// stands that the press asks.
-static AccessibleSubject *describedButton(QToolButton &button, const std::function<QString()> &name)
-{
-    const auto actions = [&button]() -> std::vector<AccessibleAction> {
-        return {{QAccessibleActionInterface::pressAction(), [&button] { button.click(); }, u"Space"_s}};
-    };
-    return new AccessibleSubject(button, {.role = QAccessible::Button, .name = name, .actions = actions});
-}
-
-/// What is said of widgets of Qt's, or null.
-static AccessibleSubject *describedAsQts(const QString &className, QObject &object)
-{
-    auto *const button = qobject_cast<QToolButton *>(&object);
-    if (button && className == u"QLineEditIconButton"_s) {
-        // Inside of a field one clears it, and any other is only an icon.
-        const QAction *const action = button->defaultAction();
-        if (action && action->objectName() == u"_q_qlineeditclearaction"_s)
-            return describedButton(*button, [] { return localized(u"Clear"_s); });
-        return new AccessibleSubject(*button, {.role = QAccessible::Graphic});
-    }
-    if (button && className == u"QToolButton"_s && !button->menu() && !button->isCheckable())
-        return describedButton(*button, [button] {
-            return button->accessibleName().isEmpty() ? button->text() : button->accessibleName();
-        });
-    return nullptr;
-}
-
-static QAccessibleInterface *makeInterface(const QString &className, QObject *object)
-{
-    auto *widget = qobject_cast<QWidget *>(object);
-    if (!widget)
-        return nullptr;
-    AccessibleSubject *subject = AccessibleSubject::of(*object);
-    if (!subject)
-        subject = describedAsQts(className, *widget);
-    if (subject) {
-        if (subject->what.parts.columns)
-            return new AccessibleGrid(*widget, subject);
-        return new AccessibleControl(*widget, subject);
-    }
-    // What nothing better was found for.
-    const bool isPlain = className == u"QWidget"_s || className == u"QMainWindow"_s;
-    return isPlain ? new AccessibleControl(*widget, nullptr) : nullptr;
 }
 
 /// The interface of a control that somebody has asked for, or null.
@@ -95,11 +44,6 @@ static void send(QAccessibleInterface *element, QAccessible::Event type)
         return;
     QAccessibleEvent event(element, type);
     QAccessible::updateAccessibility(&event);
-}
-
-void Accessibility::install()
-{
-    QAccessible::installFactory(makeInterface);
 }
 
 void Accessibility::describe(QWidget &control, AccessibleDescription description)
@@ -227,50 +171,8 @@ void Accessibility::bubbleCloses(QWidget &bubble)
     QMetaObject::invokeMethod(qApp, tellFocus, Qt::QueuedConnection);
 }
 
-// List views
-
-void Accessibility::describeList(QListView &list, std::function<void(int)> press,
-                                 std::function<std::vector<AccessibleAction>(int)> moreActions)
+QStringList Accessibility::keysOf(const std::vector<AccessibleAction> &actions, const QString &name)
 {
-    const auto rowOf = [](quint64 key) { return static_cast<int>(key) - 1; };
-    const auto part = [&list, press, moreActions, rowOf](quint64 key) {
-        const int row = rowOf(key);
-        const QModelIndex index = list.model()->index(row, 0);
-        const QVariant name = index.data(Qt::AccessibleTextRole);
-        const QVariant tick = index.data(Qt::CheckStateRole);
-        AccessiblePart told{.name = name.isValid() ? name.toString() : index.data().toString()};
-        told.place = list.visualRect(index);
-        told.state.offscreen = !list.viewport()->rect().intersects(told.place);
-        if (!index.flags().testFlag(Qt::ItemIsEnabled)) {
-            told.role = QAccessible::Heading;
-            return told;
-        }
-        told.role = tick.isValid() ? QAccessible::CheckBox : QAccessible::ListItem;
-        told.state.checkable = tick.isValid();
-        told.state.checked = tick.toInt() == Qt::Checked;
-        told.state.focusable = true;
-        told.state.focused = list.hasFocus() && list.currentIndex() == index;
-        told.actions = {{QAccessibleActionInterface::pressAction(), [press, row] { press(row); }, u"Space"_s},
-                        {QAccessibleActionInterface::setFocusAction(), [&list, row] {
-                             list.setFocus();
-                             list.setCurrentIndex(list.model()->index(row, 0));
-                         }}};
-        if (tick.isValid())
-            told.actions.insert(told.actions.begin() + 1, {QAccessibleActionInterface::toggleAction(),
-                                                           [press, row] { press(row); }, u"Space"_s});
-        for (const AccessibleAction &more : moreActions ? moreActions(row) : std::vector<AccessibleAction>())
-            told.actions.push_back(more);
-        return told;
-    };
-    describe(list, {.role = QAccessible::List,
-                    .parts = {.count = [&list] { return list.model() ? list.model()->rowCount() : 0; },
-                              .part = part,
-                              .focused = [&list]() -> quint64 {
-                                  const int row = list.hasFocus() ? list.currentIndex().row() : -1;
-                                  return static_cast<quint64>(row + 1);
-                              },
-                              .at = [&list](QPoint point) -> quint64 {
-                                  const QPoint inView = list.viewport()->mapFrom(&list, point);
-                                  return static_cast<quint64>(list.indexAt(inView).row() + 1);
-                              }}});
+    const auto found = std::ranges::find(actions, name, &AccessibleAction::name);
+    return found == actions.end() || found->keys.isEmpty() ? QStringList() : QStringList(found->keys);
 }

@@ -108,4 +108,7 @@ void partsReplaced(QWidget &control);
 void bubbleOpened(QWidget &bubble);
 void bubbleCloses(QWidget &bubble);
 
+/// The keys of an action of that name; none if there are none.
+QStringList keysOf(const std::vector<AccessibleAction> &actions, const QString &name);
+
 } // namespace Accessibility

@@ -1,118 +1,12 @@
 #include "widgets/AccessibleControl.h"
 
-#include "widgets/AccessibleGrid.h"
+#include "widgets/AccessiblePartInterface.h"
 #include "widgets/Popover.h"
 
 #include <QApplication>
 #include <QPointer>
 
 namespace {
-
-/// A painted part as assistive technology sees it. It knows its key alone; what it is, the control says.
-class PartInterface : public QAccessibleInterface,
-                      public QAccessibleActionInterface,
-                      public QAccessibleTableCellInterface
-{
-public:
-    PartInterface(const AccessibleControl &whole, quint64 partKey)
-        : owner(whole)
-        , key(partKey)
-    {}
-
-    quint64 partKey() const { return key; }
-    const AccessibleControl *control() const { return &owner; }
-
-    // What it is
-    bool isValid() const override { return owner.exists(key); }
-    QObject *object() const override { return nullptr; }
-    QWindow *window() const override { return owner.window(); }
-    QAccessibleInterface *parent() const override { return const_cast<AccessibleControl *>(&owner); }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    QAccessible::Role role() const override { return told().role; }
-    QAccessible::State state() const override;
-    QString text(QAccessible::Text kind) const override;
-    void setText(QAccessible::Text, const QString &) override {}
-    QRect rect() const override;
-    void *interface_cast(QAccessible::InterfaceType type) override;
-
-    // What can be done with it
-    QStringList actionNames() const override;
-    void doAction(const QString &name) override { const_cast<AccessibleControl &>(owner).perform(key, name); }
-    QStringList keyBindingsForAction(const QString &name) const override;
-
-    // A cell of a grid
-    bool isSelected() const override { return told().state.selected; }
-    QList<QAccessibleInterface *> columnHeaderCells() const override { return {}; }
-    QList<QAccessibleInterface *> rowHeaderCells() const override { return {}; }
-    int columnIndex() const override { return owner.placeOf(key) % owner.columnCount(); }
-    int rowIndex() const override { return owner.placeOf(key) / owner.columnCount(); }
-    int columnExtent() const override { return 1; }
-    int rowExtent() const override { return 1; }
-    QAccessibleInterface *table() const override { return parent(); }
-
-private:
-    AccessiblePart told() const { return isValid() ? owner.tellPart(key) : AccessiblePart(); }
-
-    const AccessibleControl &owner;
-    quint64 key;
-};
-
-QAccessible::State PartInterface::state() const
-{
-    QAccessible::State state = told().state;
-    state.invalid = !isValid();
-    if (!state.invalid) {
-        state.invisible = !owner.control().isVisible();
-        state.disabled = state.disabled || !owner.control().isEnabled();
-    }
-    return state;
-}
-
-QString PartInterface::text(QAccessible::Text kind) const
-{
-    if (kind == QAccessible::Name)
-        return told().name;
-    return kind == QAccessible::Description ? told().description : QString();
-}
-
-QRect PartInterface::rect() const
-{
-    if (!isValid())
-        return {};
-    const QRect place = told().place;
-    return {owner.control().mapToGlobal(place.topLeft()), place.size()};
-}
-
-void *PartInterface::interface_cast(QAccessible::InterfaceType type)
-{
-    if (type == QAccessible::ActionInterface)
-        return static_cast<QAccessibleActionInterface *>(this);
-    if (type == QAccessible::TableCellInterface && owner.columnCount() > 0)
-        return static_cast<QAccessibleTableCellInterface *>(this);
-    return nullptr;
-}
-
-QStringList PartInterface::actionNames() const
-{
-    QStringList names;
-    for (const AccessibleAction &action : told().actions)
-        names << action.name;
-    return names;
-}
-
-QStringList keysOf(const std::vector<AccessibleAction> &actions, const QString &name)
-{
-    const auto found = std::ranges::find(actions, name, &AccessibleAction::name);
-    return found == actions.end() || found->keys.isEmpty() ? QStringList() : QStringList(found->keys);
-}
-
-QStringList PartInterface::keyBindingsForAction(const QString &name) const
-{
-    return keysOf(told().actions, name);
-}
 
 QHash<const QObject *, AccessibleSubject *> &subjects()
 {
@@ -235,7 +129,7 @@ QAccessibleInterface *AccessibleControl::partOf(quint64 key) const
     Known &one = known[key];
     if (QAccessibleInterface *made = one.id ? QAccessible::accessibleInterface(one.id) : nullptr)
         return made;
-    auto *part = new PartInterface(*this, key);
+    auto *part = new AccessiblePartInterface(*this, key);
     one.id = QAccessible::registerAccessibleInterface(part);
     return part;
 }
@@ -249,7 +143,9 @@ QAccessibleInterface *AccessibleControl::knownPart(quint64 key) const
 AccessiblePart AccessibleControl::tellPart(quint64 key) const
 {
     AccessiblePart part = parts().part(key);
-    known[key].told = part;
+    // What has been asked for meanwhile is still to be told as a change.
+    if (std::optional<AccessiblePart> &told = known[key].told; !told)
+        told = part;
     return part;
 }
 
@@ -280,7 +176,7 @@ QAccessibleInterface *AccessibleControl::child(int index) const
 
 int AccessibleControl::indexOfChild(const QAccessibleInterface *child) const
 {
-    const auto *part = dynamic_cast<const PartInterface *>(child);
+    const auto *part = dynamic_cast<const AccessiblePartInterface *>(child);
     if (part)
         return part->control() == this ? placeOf(part->partKey()) : -1;
     const auto extra = child ? extraWidgets().indexOf(qobject_cast<QWidget *>(child->object())) : -1;
@@ -387,7 +283,7 @@ void AccessibleControl::doAction(const QString &name)
 
 QStringList AccessibleControl::keyBindingsForAction(const QString &name) const
 {
-    return keysOf(actions(), name);
+    return Accessibility::keysOf(actions(), name);
 }
 
 void AccessibleControl::perform(quint64 key, const QString &action)
@@ -426,7 +322,8 @@ void AccessibleControl::tellChanges()
         const std::optional<AccessiblePart> before = known.value(key).told;
         if (!before || !exists(key))
             continue;
-        const AccessiblePart now = tellPart(key);
+        const AccessiblePart now = parts().part(key);
+        known[key].told = now;
         QAccessibleInterface &part = *partOf(key);
         if (now.name != before->name)
             send(part, QAccessible::NameChanged);

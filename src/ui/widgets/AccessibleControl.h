@@ -62,7 +62,7 @@ public:
     QAccessibleInterface *partOf(quint64 key) const;
     /// The same, or null if nobody has asked for it yet.
     QAccessibleInterface *knownPart(quint64 key) const;
-    /// What is told of a part; remembered, so that changes of it can be told.
+    /// What is told of a part. What was told first, or as a change, is remembered.
     AccessiblePart tellPart(quint64 key) const;
     /// Does it once the present call has been answered, for it may ask the user something.
     void perform(quint64 key, const QString &action);

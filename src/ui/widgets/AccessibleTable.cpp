@@ -130,10 +130,13 @@ int AccessibleTable::rowOfKey(quint64 key) const
 
 const AccessibleTable::Order &AccessibleTable::order() const
 {
+    static const Order none;
+    if (!model)
+        return none;
     if (!std::exchange(isOrderOld, false))
         return cachedOrder;
     cachedOrder = {};
-    for (int row = 0; model && row < model->rowCount(); ++row) {
+    for (int row = 0; row < model->rowCount(); ++row) {
         const RowKind kind = model->kindOf(row);
         if (kind != RowKind::Separator)
             cachedOrder.rows.push_back(row);

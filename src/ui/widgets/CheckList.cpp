@@ -88,6 +88,7 @@ CheckList::CheckList(QWidget *parent)
     Accessibility::describeList(
         *this, [this](int line) { Q_EMIT linePressed(line); }, moreActions);
     setModel(lineModel);
+    connect(lineModel, &QStandardItemModel::dataChanged, this, &CheckList::tellSoon);
     setItemDelegate(new LineDelegate(this));
     setFrameShape(NoFrame);
     setMouseTracking(true);
@@ -112,6 +113,18 @@ void CheckList::setLines(const std::vector<Line> &lines)
         setCurrentIndex(lineModel->index(0, 0));
 }
 
+/// All marks that are set together are told together.
+void CheckList::tellSoon()
+{
+    if (!Accessibility::isHeard() || std::exchange(isTellingDue, true))
+        return;
+    const auto tell = [this] {
+        isTellingDue = false;
+        Accessibility::partsChanged(*this);
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+}
+
 int CheckList::lineCount() const
 {
     return lineModel->rowCount();
@@ -126,7 +139,6 @@ void CheckList::setMarked(int line, bool marked)
 {
     if (QStandardItem *item = lineModel->item(line))
         item->setData(marked ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
-    Accessibility::partsChanged(*this);
 }
 
 bool CheckList::isMarked(int line) const
