@@ -2,8 +2,6 @@
 
 #include <QWidget>
 
-#include <algorithm>
-
 QAccessible::State AccessiblePartInterface::state() const
 {
     QAccessible::State state = told().state;

@@ -2,6 +2,8 @@
 
 #include "widgets/AccessibleControl.h"
 
+#include <algorithm>
+
 /// A painted part as assistive technology sees it. It knows its key alone; what it is, the control says.
 class AccessiblePartInterface : public QAccessibleInterface,
                                 public QAccessibleActionInterface,
@@ -41,8 +43,8 @@ public:
     bool isSelected() const override { return told().state.selected; }
     QList<QAccessibleInterface *> columnHeaderCells() const override { return {}; }
     QList<QAccessibleInterface *> rowHeaderCells() const override { return {}; }
-    int columnIndex() const override { return owner.placeOf(key) % owner.columnCount(); }
-    int rowIndex() const override { return owner.placeOf(key) / owner.columnCount(); }
+    int columnIndex() const override { return owner.placeOf(key) % std::max(1, owner.columnCount()); }
+    int rowIndex() const override { return owner.placeOf(key) / std::max(1, owner.columnCount()); }
     int columnExtent() const override { return 1; }
     int rowExtent() const override { return 1; }
     QAccessibleInterface *table() const override { return parent(); }
