@@ -4,6 +4,7 @@
 #include "widgets/Popover.h"
 
 #include <QApplication>
+#include <QMenu>
 #include <QPointer>
 
 namespace {
@@ -21,14 +22,18 @@ QWidget *windowUnder(const QWidget &bubble)
                                                                            : nullptr;
 }
 
-QList<QWidget *> bubblesOver(const QWidget &window)
+/// The bubbles over a window, and the menu that a widget shows.
+QList<QWidget *> popupsOf(const QWidget &widget)
 {
-    QList<QWidget *> bubbles;
+    QList<QWidget *> popups;
+    if (!QApplication::activePopupWidget())
+        return popups;
     for (QWidget *other : QApplication::topLevelWidgets()) {
-        if (other->isVisible() && windowUnder(*other) == &window)
-            bubbles << other;
+        const bool isItsMenu = qobject_cast<QMenu *>(other) && other->parentWidget() == &widget;
+        if (other->isVisible() && (isItsMenu || windowUnder(*other) == &widget))
+            popups << other;
     }
-    return bubbles;
+    return popups;
 }
 
 void send(QAccessibleInterface &element, QAccessible::Event type)
@@ -151,12 +156,12 @@ AccessiblePart AccessibleControl::tellPart(quint64 key) const
 
 // Children
 
-/// What stands beside the parts, or over a window.
+/// What stands beside the parts, or over a widget.
 QList<QWidget *> AccessibleControl::extraWidgets() const
 {
     if (hasParts())
         return parts().widgets ? parts().widgets() : QList<QWidget *>();
-    return widget()->isWindow() ? bubblesOver(*widget()) : QList<QWidget *>();
+    return popupsOf(*widget());
 }
 
 int AccessibleControl::childCount() const

@@ -137,6 +137,8 @@ TEST_F(ReaderTest, ARowIsOpenedMovedAndAskedForItsMenu)
     Reader::act(row(u"Bread"_s), QAccessibleActionInterface::showMenuAction());
     auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
+    EXPECT_NE(Reader::find(window(), QAccessible::MenuItem, u"Why Is It Here?"_s), nullptr)
+        << "the menu is found from its window";
     menu->close();
     EXPECT_EQ(selectedTitles(), QStringList{u"Bread"_s});
     Reader::act(row(u"Tea"_s), setFocus);
