@@ -30,6 +30,8 @@ public:
     /// The row of a record, or -1.
     virtual int rowOf(const ObjectPtr &record) const = 0;
 
+    quint64 stableIdAt(int row) const override;
+
 protected:
     void willInsert(int first, int last) override { beginInsertRows({}, first, last); }
     void didInsert() override { endInsertRows(); }

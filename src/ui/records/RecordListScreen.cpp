@@ -112,7 +112,7 @@ void RecordListScreen::rowChanged(const ObjectPtr &object, bool isGone)
         return;
     }
     changedRows.erase(row);
-    view->viewport()->update();
+    view->showRowsAnew();
 }
 
 void RecordListScreen::reloadSoon()
@@ -465,6 +465,6 @@ void RecordListScreen::changeInRows(const std::vector<ObjectPtr> &records,
         if (!changedRows.contains(row))
             seenRows.insert(row);
     }
-    view->viewport()->update();
+    view->showRowsAnew();
     seenUpdate.start();
 }

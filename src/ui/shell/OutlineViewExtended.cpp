@@ -1,8 +1,11 @@
 #include "shell/OutlineViewExtended.h"
 
+#include "foundation/Localization.h"
 #include "shell/SidebarCell.h"
+#include "shell/SidebarModel.h"
 #include "widgets/Theme.h"
 
+#include <QAccessibleActionInterface>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -10,9 +13,17 @@
 
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
+static quint64 sidebarKey(const QModelIndex &index)
+{
+    return index.data(SidebarModel::StableIdRole).toULongLong();
+}
+
 OutlineViewExtended::OutlineViewExtended(QWidget *parent)
     : QTreeView(parent)
 {
+    describe();
     setFrameShape(NoFrame);
     setHeaderHidden(true);
     setIndentation(0);
@@ -56,6 +67,9 @@ void OutlineViewExtended::focusInEvent(QFocusEvent *event)
 {
     isFocusOfPress = event->reason() == Qt::MouseFocusReason;
     QTreeView::focusInEvent(event);
+    // Qt tells of the whole tree only after this.
+    QMetaObject::invokeMethod(
+        this, [this] { Accessibility::focusMoved(*this); }, Qt::QueuedConnection);
 }
 
 /// The press that led here has its end first: a question would swallow it. Who stays where they are goes on
@@ -114,9 +128,108 @@ QItemSelectionModel::SelectionFlags OutlineViewExtended::selectionCommand(const 
 
 void OutlineViewExtended::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
-    QTreeView::selectionChanged(selected, deselected);
+    // The tree would tell assistive technology of rows by places that count the hidden header.
+    QAbstractItemView::selectionChanged(selected, deselected);
+    Accessibility::partsChanged(*this);
     if (!selected.isEmpty())
         Q_EMIT selectionDidChange(selected.indexes().first());
+}
+
+void OutlineViewExtended::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QAbstractItemView::currentChanged(current, previous);
+    if (hasFocus())
+        Accessibility::focusMoved(*this);
+}
+
+void OutlineViewExtended::rowsInserted(const QModelIndex &parent, int start, int end)
+{
+    QTreeView::rowsInserted(parent, start, end);
+    for (int row = start; row <= end; ++row)
+        Accessibility::partCame(*this, sidebarKey(model()->index(row, 0, parent)));
+}
+
+void OutlineViewExtended::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                                      const QList<int> &roles)
+{
+    QTreeView::dataChanged(topLeft, bottomRight, roles);
+    Accessibility::partsChanged(*this);
+}
+
+// What assistive technology is told
+
+QModelIndexList OutlineViewExtended::shownRows() const
+{
+    QModelIndexList rows;
+    for (int top = 0; model() && top < model()->rowCount(); ++top) {
+        const QModelIndex heading = model()->index(top, 0);
+        rows << heading;
+        for (int row = 0; isExpanded(heading) && row < model()->rowCount(heading); ++row)
+            rows << model()->index(row, 0, heading);
+    }
+    return rows;
+}
+
+QModelIndex OutlineViewExtended::rowOfKey(quint64 key) const
+{
+    const QModelIndexList rows = shownRows();
+    const auto found = std::ranges::find(rows, key, sidebarKey);
+    return found == rows.end() ? QModelIndex() : *found;
+}
+
+AccessiblePart OutlineViewExtended::partOf(const QModelIndex &index)
+{
+    AccessiblePart part{.name = index.data().toString(),
+                        .description = index.data(Qt::AccessibleDescriptionRole).toString()};
+    const QRect inViewport = visualRect(index);
+    part.place = {viewport()->mapTo(this, inViewport.topLeft()), inViewport.size()};
+    part.state.offscreen = !inViewport.intersects(viewport()->rect());
+    part.state.expandable = model()->hasChildren(index);
+    part.state.expanded = part.state.expandable && isExpanded(index);
+    part.state.collapsed = part.state.expandable && !isExpanded(index);
+    part.state.selectable = !isHeading(index);
+    part.state.selected = selectionModel()->isSelected(index);
+    part.state.focusable = true;
+    part.state.focused = hasFocus() && index == currentIndex();
+    const QPersistentModelIndex row = index;
+    part.actions = {{QAccessibleActionInterface::pressAction(),
+                     [this, row] {
+                         if (!isHeading(row))
+                             return void(selectIndex(row));
+                         selectionModel()->setCurrentIndex(row, QItemSelectionModel::NoUpdate);
+                         toggle(row);
+                     },
+                     u"Return"_s},
+                    {QAccessibleActionInterface::setFocusAction(), [this, row] {
+                         setFocus();
+                         selectionModel()->setCurrentIndex(row, QItemSelectionModel::NoUpdate);
+                     }}};
+    if (index.flags().testFlag(Qt::ItemIsEditable))
+        part.actions.push_back({localized(u"Edit Title"_s), [this, row] { rename(row); }});
+    return part;
+}
+
+void OutlineViewExtended::describe()
+{
+    AccessibleParts parts;
+    parts.count = [this] { return static_cast<int>(shownRows().size()); };
+    parts.part = [this](quint64 key) { return partOf(rowOfKey(key)); };
+    parts.keyAt = [this](int place) { return sidebarKey(shownRows().at(place)); };
+    parts.placeOf = [this](quint64 key) { return static_cast<int>(shownRows().indexOf(rowOfKey(key))); };
+    parts.exists = [this](quint64 key) { return rowOfKey(key).isValid(); };
+    parts.focused = [this] { return hasFocus() ? sidebarKey(currentIndex()) : 0; };
+    parts.at = [this](QPoint point) { return sidebarKey(indexAt(viewport()->mapFrom(this, point))); };
+    parts.widgets = [this] {
+        const auto *field = viewport()->findChild<QWidget *>({}, Qt::FindDirectChildrenOnly);
+        return field && field->isVisible() ? QList<QWidget *>{viewport()} : QList<QWidget *>();
+    };
+    Accessibility::describe(*this, {.role = QAccessible::List, .parts = std::move(parts)});
+    connect(this, &QTreeView::expanded, this, [this](const QModelIndex &index) {
+        Accessibility::expandedChanged(*this, sidebarKey(index), true);
+    });
+    connect(this, &QTreeView::collapsed, this, [this](const QModelIndex &index) {
+        Accessibility::expandedChanged(*this, sidebarKey(index), false);
+    });
 }
 
 void OutlineViewExtended::mousePressEvent(QMouseEvent *event)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/Accessibility.h"
+
 #include <QPointer>
 #include <QTreeView>
 
@@ -38,8 +40,17 @@ protected:
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
                                                          const QEvent *event) const override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    void rowsInserted(const QModelIndex &parent, int start, int end) override;
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QList<int> &roles = QList<int>()) override;
 
 private:
+    void describe();
+    AccessiblePart partOf(const QModelIndex &index);
+    /// The rows that are not in a closed heading, from the top.
+    QModelIndexList shownRows() const;
+    QModelIndex rowOfKey(quint64 key) const;
     bool isHeading(const QModelIndex &index) const;
     bool isHeldBack(const QModelIndex &index) const;
     void selectAfterQuestion(const QModelIndex &index) const;

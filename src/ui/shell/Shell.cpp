@@ -8,6 +8,7 @@
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/LongWork.h"
 #include "widgets/MessageBoxPresenter.h"
@@ -28,6 +29,7 @@ Shell::~Shell() = default;
 
 void Shell::prepareApplication()
 {
+    Accessibility::install();
     QApplication::setStyle(new MorvaneStyle);
     QApplication::setPalette(Theme::palette());
     QApplication::setFont(Theme::applicationFont());

@@ -171,15 +171,23 @@ Badge SidebarModel::badgeAt(const QModelIndex &index) const
     return child ? child->badge : Badge{};
 }
 
-QString SidebarModel::accessibleTextAt(const QModelIndex &index) const
+quint64 SidebarModel::stableIdOf(const QModelIndex &index) const
+{
+    constexpr int bitsOfRow = 48;
+    const auto group = groupAt(index);
+    const quint64 item = static_cast<quint64>(itemAt(index)) + 1;
+    return (item << bitsOfRow) + (group ? static_cast<quint64>(group->rowId()) : 0);
+}
+
+QString SidebarModel::badgesInWords(const QModelIndex &index) const
 {
     const Badge badge = badgeAt(index);
-    QString text = titleAt(index);
+    QStringList words;
     if (badge.right != 0)
-        text += u", %1"_s.arg(badge.right);
+        words << QString::number(badge.right);
     if (badge.left != 0)
-        text += u", %1 %2"_s.arg(badge.left).arg(localized(u"overdue"_s));
-    return text;
+        words << u"%1 %2"_s.arg(badge.left).arg(localized(u"overdue"_s));
+    return words.join(u", "_s);
 }
 
 QVariant SidebarModel::data(const QModelIndex &index, int role) const
@@ -191,8 +199,10 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
     case Qt::EditRole:
         return titleAt(index);
-    case Qt::AccessibleTextRole:
-        return accessibleTextAt(index);
+    case Qt::AccessibleDescriptionRole:
+        return badgesInWords(index);
+    case StableIdRole:
+        return stableIdOf(index);
     case IconRole:
         if (group && group->useGeneralFilter().value_or(true))
             return u"filter"_s;

@@ -15,7 +15,14 @@ class SidebarModel : public QAbstractItemModel
 {
     Q_OBJECT
 public:
-    enum Role { IconRole = Qt::UserRole, ItemRole, IsTopLevelRole, BadgeLeftRole, BadgeRightRole };
+    enum Role {
+        IconRole = Qt::UserRole,
+        ItemRole,
+        IsTopLevelRole,
+        BadgeLeftRole,
+        BadgeRightRole,
+        StableIdRole
+    };
 
     explicit SidebarModel(QObject *parent = nullptr);
 
@@ -27,6 +34,8 @@ public:
     void setBadges(const TaskBadges &badges);
 
     SidebarItem itemAt(const QModelIndex &index) const;
+    /// What a row is called as long as it exists, wherever it goes; never 0.
+    quint64 stableIdOf(const QModelIndex &index) const;
     /// The group that a row stands for, or null.
     std::shared_ptr<EntityContactGroup> groupAt(const QModelIndex &index) const;
     /// The row of an item; an invalid index for `ContactGroup`, of which there may be many.
@@ -61,7 +70,7 @@ private:
     const std::vector<Child> &childrenOf(int topRow) const;
     const Child *childAt(const QModelIndex &index) const;
     QString titleAt(const QModelIndex &index) const;
-    QString accessibleTextAt(const QModelIndex &index) const;
+    QString badgesInWords(const QModelIndex &index) const;
     Badge badgeAt(const QModelIndex &index) const;
 
     std::vector<Child> contactRows;

@@ -1,11 +1,14 @@
 #include "widgets/CheckList.h"
 
+#include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QPainter>
 #include <QStandardItemModel>
 #include <QStyledItemDelegate>
@@ -77,7 +80,15 @@ CheckList::CheckList(QWidget *parent)
     : QListView(parent)
     , lineModel(new QStandardItemModel(this))
 {
+    const auto moreActions = [this](int line) -> std::vector<AccessibleAction> {
+        if (!isSignalConnected(QMetaMethod::fromSignal(&CheckList::deletePressed)))
+            return {};
+        return {{localized(u"Delete"_s), [this, line] { Q_EMIT deletePressed(line); }, u"Delete"_s}};
+    };
+    Accessibility::describeList(
+        *this, [this](int line) { Q_EMIT linePressed(line); }, moreActions);
     setModel(lineModel);
+    connect(lineModel, &QStandardItemModel::dataChanged, this, &CheckList::tellSoon);
     setItemDelegate(new LineDelegate(this));
     setFrameShape(NoFrame);
     setMouseTracking(true);
@@ -100,6 +111,18 @@ void CheckList::setLines(const std::vector<Line> &lines)
     }
     if (lineCount() > 0)
         setCurrentIndex(lineModel->index(0, 0));
+}
+
+/// All marks that are set together are told together.
+void CheckList::tellSoon()
+{
+    if (!Accessibility::isHeard() || std::exchange(isTellingDue, true))
+        return;
+    const auto tell = [this] {
+        isTellingDue = false;
+        Accessibility::partsChanged(*this);
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 int CheckList::lineCount() const

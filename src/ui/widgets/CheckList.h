@@ -34,5 +34,8 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void tellSoon();
+
     QStandardItemModel *lineModel;
+    bool isTellingDue = false;
 };

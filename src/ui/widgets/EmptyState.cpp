@@ -1,5 +1,6 @@
 #include "widgets/EmptyState.h"
 
+#include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
@@ -15,6 +16,7 @@ EmptyState::EmptyState(const QString &iconName, const QString &sentence, QWidget
     , icon(iconName)
     , text(sentence)
 {
+    Accessibility::describe(*this, {.role = QAccessible::Grouping});
     setAccessibleName(sentence);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFont(Theme::font(Theme::FontRole::Large));

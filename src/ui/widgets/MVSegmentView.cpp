@@ -1,8 +1,10 @@
 #include "widgets/MVSegmentView.h"
 
+#include "widgets/Accessibility.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
+#include <QAccessibleActionInterface>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -15,24 +17,45 @@ MVSegmentView::MVSegmentView(const QStringList &titles, QWidget *parent)
     : QWidget(parent)
     , words(titles)
 {
+    describe();
     setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFont(Theme::font(Theme::FontRole::Small));
-    updateAccessibleText();
+}
+
+void MVSegmentView::describe()
+{
+    const auto segment = [this](quint64 key) {
+        const int index = static_cast<int>(key) - 1;
+        AccessiblePart part{
+            .name = words.at(index), .role = QAccessible::RadioButton, .place = rectOf(index)};
+        part.state.checkable = true;
+        part.state.checked = index == selected;
+        part.state.focusable = true;
+        part.state.focused = hasFocus() && index == focused;
+        part.actions = {
+            {QAccessibleActionInterface::pressAction(), [this, index] { choose(index); }, u"Space"_s},
+            {QAccessibleActionInterface::setFocusAction(), [this, index] {
+                 setFocus();
+                 moveFocus(index - focused);
+             }}};
+        return part;
+    };
+    Accessibility::describe(*this, {.role = QAccessible::Grouping,
+                                    .parts = {.count = [this] { return static_cast<int>(words.size()); },
+                                              .part = segment,
+                                              .focused = [this]() -> quint64 {
+                                                  return hasFocus() ? static_cast<quint64>(focused) + 1 : 0;
+                                              }}});
 }
 
 void MVSegmentView::setSelectedIndex(int index)
 {
     selected = index;
     focused = std::max(index, 0);
-    updateAccessibleText();
+    Accessibility::partsChanged(*this);
     update();
-}
-
-void MVSegmentView::updateAccessibleText()
-{
-    setAccessibleDescription(words.value(selected));
 }
 
 QSize MVSegmentView::sizeHint() const
@@ -117,6 +140,7 @@ void MVSegmentView::leaveEvent(QEvent *)
 void MVSegmentView::moveFocus(int step)
 {
     focused = std::clamp(focused + step, 0, static_cast<int>(words.size()) - 1);
+    Accessibility::focusMoved(*this);
     update();
 }
 
@@ -141,4 +165,7 @@ void MVSegmentView::focusInEvent(QFocusEvent *event)
 {
     focused = std::max(selected, 0);
     QWidget::focusInEvent(event);
+    // Qt tells of the whole row only after this.
+    QMetaObject::invokeMethod(
+        this, [this] { Accessibility::focusMoved(*this); }, Qt::QueuedConnection);
 }

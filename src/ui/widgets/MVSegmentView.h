@@ -36,7 +36,7 @@ private:
     int indexAt(const QPoint &point) const;
     void choose(int index);
     void moveFocus(int step);
-    void updateAccessibleText();
+    void describe();
 
     QStringList words;
     int selected = -1;

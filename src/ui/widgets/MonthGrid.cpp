@@ -2,10 +2,13 @@
 
 #include "foundation/Calendar.h"
 #include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
+#include <QAccessibleActionInterface>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -20,6 +23,7 @@ constexpr int discSize = 28;
 MonthGrid::MonthGrid(QWidget *parent)
     : QWidget(parent)
 {
+    describe();
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -39,10 +43,12 @@ void MonthGrid::setLimits(OptionalDate minimum, OptionalDate maximum)
 
 void MonthGrid::setDate(Date date)
 {
+    const bool isOther = !Calendar::current().isSameDay(chosen, date);
     chosen = date;
     page = MonthPage::of(date);
-    setAccessibleDescription(
-        DateFormatter::string(date, DateFormatter::Style::Full, DateFormatter::Style::None));
+    Accessibility::partsChanged(*this);
+    if (isOther)
+        Accessibility::focusMoved(*this);
     update();
 }
 
@@ -50,7 +56,79 @@ void MonthGrid::showMonth(int monthsAway)
 {
     page = MonthPage::of(Calendar::current().dateByAdding(CalendarUnit::Month, monthsAway,
                                                           page.days[MonthPage::columns].start));
+    Accessibility::partsReplaced(*this);
+    Accessibility::announce(*this, page.title);
     update();
+}
+
+// What assistive technology is told
+
+/// A day, whatever page it stands on.
+quint64 MonthGrid::keyOf(int index) const
+{
+    constexpr qint64 beforeAnyDay = qint64(1) << 40;
+    const Date start = page.days[static_cast<std::size_t>(index)].start;
+    return static_cast<quint64>(static_cast<qint64>(start.referenceSeconds()) + beforeAnyDay);
+}
+
+int MonthGrid::indexOfKey(quint64 key) const
+{
+    for (int index = 0; index < static_cast<int>(page.days.size()); ++index) {
+        if (keyOf(index) == key)
+            return index;
+    }
+    return -1;
+}
+
+void MonthGrid::describe()
+{
+    const auto cellOf = [this](quint64 key) {
+        const int index = indexOfKey(key);
+        const MonthPage::Day &day = page.days[static_cast<std::size_t>(index)];
+        const QString pattern = DateFormatter::patternFromTemplate(u"EEEEdMMMM"_s);
+        AccessiblePart part{.name = DateFormatter::string(day.start, pattern),
+                            .role = QAccessible::Cell,
+                            .place = cell(index / MonthPage::columns, index % MonthPage::columns)};
+        part.description = day.isToday ? localized(u"Today"_s) : QString();
+        part.state.disabled = !isAllowed(day);
+        part.state.selectable = true;
+        part.state.selected = index == page.indexOf(chosen);
+        part.state.focusable = true;
+        part.state.focused = hasFocus() && part.state.selected;
+        if (part.state.disabled)
+            return part;
+        const auto press = [this, start = day.start] { choose(start); };
+        part.actions = {{QAccessibleActionInterface::pressAction(), press},
+                        {QAccessibleActionInterface::setFocusAction(), [this, press] {
+                             setFocus();
+                             press();
+                         }}};
+        return part;
+    };
+    AccessibleParts parts{.count = [this] { return static_cast<int>(page.days.size()); }, .part = cellOf};
+    parts.keyAt = [this](int place) { return keyOf(place); };
+    parts.placeOf = [this](quint64 key) { return indexOfKey(key); };
+    parts.focused = [this]() -> quint64 {
+        const int index = hasFocus() ? page.indexOf(chosen) : -1;
+        return index < 0 ? 0 : keyOf(index);
+    };
+    parts.columns = [this] { return page.weekdays; };
+    const auto pages = [this]() -> std::vector<AccessibleAction> {
+        return {{QAccessibleActionInterface::previousPageAction(), [this] { showMonth(-1); }},
+                {QAccessibleActionInterface::nextPageAction(), [this] { showMonth(1); }}};
+    };
+    Accessibility::describe(*this, {.role = QAccessible::Table,
+                                    .description = [this] { return page.title; },
+                                    .actions = pages,
+                                    .parts = std::move(parts)});
+}
+
+/// Qt tells of the whole month only after this.
+void MonthGrid::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    QMetaObject::invokeMethod(
+        this, [this] { Accessibility::focusMoved(*this); }, Qt::QueuedConnection);
 }
 
 // Places

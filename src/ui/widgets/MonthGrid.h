@@ -25,6 +25,7 @@ Q_SIGNALS:
     void accepted();
 
 protected:
+    void focusInEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
@@ -42,6 +43,9 @@ private:
     void paintTitle(QPainter &painter) const;
     void paintDay(QPainter &painter, int index) const;
     QRect arrow(int direction) const;
+    void describe();
+    quint64 keyOf(int index) const;
+    int indexOfKey(quint64 key) const;
 
     Date chosen;
     OptionalDate least;

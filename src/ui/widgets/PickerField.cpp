@@ -1,10 +1,13 @@
 #include "widgets/PickerField.h"
 
+#include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/ClearKey.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
+#include <QAccessibleActionInterface>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -19,9 +22,26 @@ PickerField::PickerField(const QString &iconName, QWidget *parent)
     : QWidget(parent)
     , icon(iconName)
 {
+    describe();
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
+}
+
+/// The value is a part of the name: nothing else of a button is read.
+void PickerField::describe()
+{
+    const auto actions = [this] {
+        std::vector<AccessibleAction> possible = {
+            {QAccessibleActionInterface::pressAction(), [this] { Q_EMIT pressed(); }, u"Space"_s}};
+        if (canClear())
+            possible.push_back({localized(u"Delete"_s), [this] { Q_EMIT cleared(); }, u"Delete"_s});
+        return possible;
+    };
+    const auto name = [this] {
+        return accessibleName().isEmpty() ? text() : accessibleName() + u", "_s + text();
+    };
+    Accessibility::describe(*this, {.role = QAccessible::Button, .name = name, .actions = actions});
 }
 
 QSize PickerField::sizeHint() const
@@ -42,9 +62,11 @@ void PickerField::setClearable(bool clearable)
 
 void PickerField::setValue(const QString &words, const QString &wordsForNone)
 {
+    const QString former = text();
     value = words;
     placeholder = wordsForNone;
-    setAccessibleDescription(text());
+    if (text() != former)
+        Accessibility::nameChanged(*this);
     update();
 }
 

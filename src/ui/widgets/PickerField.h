@@ -31,6 +31,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void describe();
     bool hasValue() const { return !value.isEmpty(); }
     bool canClear() const { return isClearable && hasValue(); }
     QRect crossRect() const;

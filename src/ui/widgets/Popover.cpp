@@ -1,5 +1,6 @@
 #include "widgets/Popover.h"
 
+#include "widgets/Accessibility.h"
 #include "widgets/RoundCorners.h"
 #include "widgets/Theme.h"
 
@@ -65,6 +66,18 @@ void Popover::place()
     const int wanted = leadingEdge(around);
     const int left = std::clamp(wanted, room.left(), std::max(room.left(), room.right() - width()));
     move(left, std::clamp(top, room.top(), std::max(room.top(), room.bottom() - height())));
+}
+
+void Popover::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    Accessibility::bubbleOpened(*this);
+}
+
+void Popover::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    Accessibility::bubbleCloses(*this);
 }
 
 void Popover::closeEvent(QCloseEvent *event)

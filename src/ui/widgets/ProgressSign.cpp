@@ -1,6 +1,7 @@
 #include "widgets/ProgressSign.h"
 
 #include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
@@ -26,6 +27,7 @@ public:
         : sign(shownSign)
         , count(std::max(1, steps))
     {
+        Accessibility::describe(*this, {.role = QAccessible::ProgressBar});
         setFixedSize(lineWidth, lineThickness);
     }
 

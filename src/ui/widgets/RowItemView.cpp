@@ -1,6 +1,7 @@
 #include "widgets/RowItemView.h"
 
 #include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Animations.h"
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
@@ -201,6 +202,14 @@ void RowItemView::setDeletable()
     buttonDelete->setAccessibleName(localized(u"Delete"_s) + u" "_s + label->text());
     buttonDelete->resize(deleteSize, deleteSize);
     buttonDelete->hide();
+    // The button is seen only below the mouse.
+    const auto actions = [this] {
+        return canDelete() ? std::vector<AccessibleAction>{{buttonDelete->accessibleName(),
+                                                            [this] { Q_EMIT deleteClicked(); }}}
+                           : std::vector<AccessibleAction>();
+    };
+    Accessibility::describe(
+        *this, {.role = QAccessible::Grouping, .name = [this] { return label->text(); }, .actions = actions});
     connect(buttonDelete, &QToolButton::clicked, this, &RowItemView::deleteClicked);
 }
 
@@ -210,11 +219,16 @@ void RowItemView::setHasValue(bool value)
     visibleOrInvisibleButtonDelete();
 }
 
+bool RowItemView::canDelete() const
+{
+    return hasValue && !isPreviewing && control->isEnabled();
+}
+
 void RowItemView::visibleOrInvisibleButtonDelete()
 {
     if (!buttonDelete)
         return;
-    buttonDelete->setVisible(hasValue && !isPreviewing && control->isEnabled() && underMouse());
+    buttonDelete->setVisible(canDelete() && underMouse());
     buttonDelete->raise();
     placeDeleteButton();
 }

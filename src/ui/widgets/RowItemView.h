@@ -53,6 +53,7 @@ private:
     QLabel *previewLabel();
     void colourLabel(const QColor &colour);
     bool isLastShown() const;
+    bool canDelete() const;
     void setRowHeight(int height);
     void settle();
     void alignAtTop();

@@ -1,5 +1,6 @@
 #include "widgets/ScreenToolBar.h"
 
+#include "widgets/Accessibility.h"
 #include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
@@ -17,6 +18,7 @@ public:
     explicit TitleLabel(QWidget *parent)
         : QWidget(parent)
     {
+        Accessibility::describe(*this, {.role = QAccessible::Heading});
         setFont(Theme::font(Theme::FontRole::Title));
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     }

@@ -1,5 +1,9 @@
 #include "widgets/TableModel.h"
 
+#include "foundation/Localization.h"
+
+using namespace Qt::Literals::StringLiterals;
+
 Qt::ItemFlags TableModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid())
@@ -7,6 +11,11 @@ Qt::ItemFlags TableModel::flags(const QModelIndex &index) const
     if (kindOf(index.row()) != RowKind::Item)
         return Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
     return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+}
+
+QString TableModel::countInWords(int items) const
+{
+    return items == 1 ? localized(u"1 line"_s) : localized(u"%1 lines"_s).arg(items);
 }
 
 int TableModel::nearestItem(int row, int direction) const

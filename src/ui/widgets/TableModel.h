@@ -21,6 +21,12 @@ public:
     /// Only items can be selected.
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
+    /// What a row is called as long as it exists, wherever it goes; never 0. Models whose rows go elsewhere
+    /// say so themselves.
+    virtual quint64 stableIdAt(int row) const { return static_cast<quint64>(row) + 1; }
+    /// How many items there are, in words.
+    virtual QString countInWords(int items) const;
+
     bool isItem(int row) const { return row >= 0 && row < rowCount() && kindOf(row) == RowKind::Item; }
     /// The next item from `row` on in a direction (1 or -1), `row` itself included, or -1.
     int nearestItem(int row, int direction) const;

@@ -1,13 +1,16 @@
 #include "widgets/TableViewExtended.h"
 
+#include "widgets/AccessibleTable.h"
 #include "widgets/TableCell.h"
 #include "widgets/Theme.h"
 
+#include <QMetaMethod>
 #include <QPainter>
 #include <QScrollBar>
 
 TableViewExtended::TableViewExtended(QWidget *parent)
     : QAbstractItemView(parent)
+    , accessible(new AccessibleTable(*this))
 {
     setFrameShape(NoFrame);
     setSelectionMode(ExtendedSelection);
@@ -33,6 +36,23 @@ void TableViewExtended::setModel(QAbstractItemModel *newModel)
         modelConnections = {
             connect(rowsModel, &TableModel::rowsRemoved, this, &TableViewExtended::rowsStandElsewhere),
             connect(rowsModel, &TableModel::rowsMoved, this, &TableViewExtended::rowsStandElsewhere)};
+    accessible->follow(rowsModel);
+}
+
+bool TableViewExtended::hasMenu() const
+{
+    return isSignalConnected(QMetaMethod::fromSignal(&TableViewExtended::menuRequested));
+}
+
+void TableViewExtended::showRowsAnew()
+{
+    viewport()->update();
+    accessible->rowsChanged();
+}
+
+void TableViewExtended::tellCurrentRow()
+{
+    accessible->tellCurrentRow();
 }
 
 void TableViewExtended::setRowHeights(const RowHeights &newHeights)

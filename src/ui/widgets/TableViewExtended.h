@@ -22,6 +22,8 @@ struct RowHeights
     int below = Theme::unit;
 };
 
+class AccessibleTable;
+
 /// A list of any length that the delegate paints row by row, with several rows selectable.
 ///
 /// Nothing is asked of the model but the kind of a row before that row comes into sight. Rows can be put in
@@ -36,6 +38,13 @@ public:
     TableModel *tableModel() const { return rowsModel; }
     void setRowHeights(const RowHeights &newHeights);
     void setRowsMovable(bool movable) { areRowsMovable = movable; }
+    bool canMoveRows() const { return areRowsMovable; }
+    /// Whether somebody shows a menu when asked.
+    bool hasMenu() const;
+    /// Shows rows anew that stay where they are, and tells assistive technology what they say now.
+    void showRowsAnew();
+    /// Tells assistive technology which row the keys are on, where they come from a field beside the list.
+    void tellCurrentRow();
 
     /// The selected items, from the top.
     std::set<int> selectedRows() const;
@@ -127,6 +136,7 @@ private:
     void autoScroll();
 
     TableModel *rowsModel = nullptr;
+    AccessibleTable *accessible;
     RowHeights heights;
     /// Measured when it is needed.
     mutable RowGeometry geometry;

@@ -1,10 +1,12 @@
 #include "widgets/ToolBarButton.h"
 
 #include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
+#include <QAccessibleActionInterface>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
@@ -20,10 +22,24 @@ ToolBarButton::ToolBarButton(ActionType type, QWidget *parent)
     : QWidget(parent)
     , shownType(type)
 {
+    describe();
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFont(Theme::font(Theme::FontRole::BodyStrong));
     setActionType(type);
+}
+
+void ToolBarButton::describe()
+{
+    const auto actions = [this] {
+        std::vector<AccessibleAction> possible = {
+            {QAccessibleActionInterface::pressAction(), [this] { Q_EMIT buttonAdd(shownType); }, u"Space"_s}};
+        if (hasPopupSection())
+            possible.push_back(
+                {QAccessibleActionInterface::showMenuAction(), [this] { showMenu(); }, u"Down"_s});
+        return possible;
+    };
+    Accessibility::describe(*this, {.role = QAccessible::Button, .actions = actions});
 }
 
 void ToolBarButton::setActionType(ActionType type)

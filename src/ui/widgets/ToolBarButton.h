@@ -56,6 +56,7 @@ private:
     /// Whether it opens something rather than adds a record: then it steps back behind the button that does.
     bool isQuiet() const { return !hasPopupSection() && shownType != NewCategory; }
     QString iconName() const;
+    void describe();
     void paintBack(QPainter &painter) const;
     QRect popupSection() const;
     void showMenu();

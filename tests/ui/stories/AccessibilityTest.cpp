@@ -6,6 +6,7 @@
 #include "shell/tasks/LocationBubble.h"
 #include "shell/tasks/RepeatWindow.h"
 #include "shell/tasks/TaskDetailViewController.h"
+#include "ui/support/Reader.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePicker.h"
 #include "widgets/MessageBoxPresenter.h"
@@ -20,29 +21,12 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// The focusable controls below an element that would be read as nothing, by the way that leads to them.
-QStringList namelessIn(QAccessibleInterface &element, const QString &path)
-{
-    QStringList nameless;
-    const QObject *object = element.object();
-    const QString here =
-        path + u'/' + (object ? QString::fromLatin1(object->metaObject()->className()) : u"item"_s);
-    const QAccessible::State state = element.state();
-    if (state.focusable && !state.invisible && element.text(QAccessible::Name).isEmpty())
-        nameless << here;
-    for (int index = 0; index < element.childCount(); ++index) {
-        if (QAccessibleInterface *child = element.child(index))
-            nameless << namelessIn(*child, here);
-    }
-    return nameless;
-}
-
 void expectNamed(QWidget &window)
 {
     QAccessibleInterface *root = QAccessible::queryAccessibleInterface(&window);
     ASSERT_NE(root, nullptr);
     EXPECT_GT(root->childCount(), 0);
-    EXPECT_EQ(namelessIn(*root, {}).join(u'\n'), QString());
+    EXPECT_EQ(Reader::faultsIn(*root).join(u'\n'), QString());
 }
 
 class AccessibilityTest : public ShellTest
@@ -53,16 +37,25 @@ protected:
 
 } // namespace
 
-TEST_F(AccessibilityTest, ANamelessControlWouldBeFound)
+TEST_F(AccessibilityTest, AControlWithoutANameOrARoleWouldBeFound)
 {
     QToolButton nameless;
     QWidget &content = *window().rightContentView();
     nameless.setParent(&content);
     nameless.setFocusPolicy(Qt::StrongFocus);
     nameless.show();
-    const QStringList found = namelessIn(*QAccessible::queryAccessibleInterface(&window()), {});
+    QStringList found = Reader::faultsIn(Reader::of(window()));
     ASSERT_EQ(found.size(), 1);
-    EXPECT_TRUE(found.first().endsWith(u"/QToolButton"_s)) << qPrintable(found.first());
+    EXPECT_TRUE(found.first().endsWith(u"/QToolButton has no name"_s)) << qPrintable(found.first());
+
+    nameless.setAccessibleName(u"Press"_s);
+    QWidget painted(&content);
+    painted.setFocusPolicy(Qt::StrongFocus);
+    painted.setAccessibleName(u"Painted"_s);
+    painted.show();
+    found = Reader::faultsIn(Reader::of(window()));
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_TRUE(found.first().endsWith(u"/QWidget has no role: Painted"_s)) << qPrintable(found.first());
 }
 
 TEST_F(AccessibilityTest, EveryScreenNamesItsControls)
@@ -185,7 +178,7 @@ TEST_F(AccessibilityTest, ARowSaysWhatItsColoursAndMarksSay)
     });
     showList(SidebarItem::Today);
     const QString row = list().tableModel()->index(0).data(Qt::AccessibleTextRole).toString();
-    for (const QString &part : {u"report"_s, u"overdue"_s, u"High"_s})
+    for (const QString &part : {u"report"_s, u"overdue"_s, u"High priority"_s})
         EXPECT_TRUE(row.contains(part)) << qPrintable(row);
 }
 

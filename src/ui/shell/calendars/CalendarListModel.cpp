@@ -16,8 +16,6 @@ int CalendarListModel::rowCount(const QModelIndex &parent) const
 QString CalendarListModel::spokenText(int row) const
 {
     QStringList words = {chooser.titleAt(row)};
-    if (chooser.calendarAt(row))
-        words.append(localized(chooser.isSelected(row) ? u"chosen"_s : u"not chosen"_s));
     if (chooser.isDefault(row))
         words.append(localized(u"default calendar"_s));
     return words.join(u", "_s);
@@ -35,6 +33,8 @@ QVariant CalendarListModel::data(const QModelIndex &index, int role) const
         return Qt::convertFromPlainText(chooser.titleAt(row));
     case Qt::AccessibleTextRole:
         return spokenText(row);
+    case Qt::CheckStateRole:
+        return calendar ? QVariant(chooser.isSelected(row) ? Qt::Checked : Qt::Unchecked) : QVariant();
     case IsHeadingRole:
         return calendar == nullptr;
     case IsDefaultRole:

@@ -4,6 +4,7 @@
 #include "shell/calendars/CalendarCell.h"
 #include "shell/calendars/CalendarListModel.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Accessibility.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/FormCard.h"
 #include "widgets/TextLabel.h"
@@ -108,6 +109,15 @@ void CalendarsAppleWindowController::clickButtonEmpty()
 
 void CalendarsAppleWindowController::setUpTable()
 {
+    const auto moreActions = [this](int row) -> std::vector<AccessibleAction> {
+        if (!model->canBeDefault(model->index(row)))
+            return {};
+        return {
+            {localized(u"Set Default"_s), [this, row] { clickSubMenuItemSetDefault(model->index(row)); }}};
+    };
+    Accessibility::describeList(
+        *table, [this](int row) { model->toggle(model->index(row)); }, moreActions);
+    connect(model, &CalendarListModel::dataChanged, table, [this] { Accessibility::partsChanged(*table); });
     table->setObjectName(u"tableCalendars"_s);
     table->setAccessibleName(localized(u"Calendars"_s));
     table->setFrameShape(QFrame::NoFrame);

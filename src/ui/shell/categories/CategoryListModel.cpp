@@ -56,6 +56,32 @@ void CategoryListModel::update()
         Q_EMIT dataChanged(index(0), index(rowCount() - 1));
 }
 
+quint64 CategoryListModel::stableIdAt(int row) const
+{
+    constexpr int kindsOfRows = 3;
+    const CategoryPtr category = categoryAt(row);
+    if (category)
+        return static_cast<quint64>(category->rowId()) * kindsOfRows;
+    return row == newRow() ? 1 : 2;
+}
+
+QString CategoryListModel::countInWords(int items) const
+{
+    return items == 1 ? localized(u"1 category"_s) : localized(u"%1 categories"_s).arg(items);
+}
+
+/// What a screen reader says of a row.
+static QString spoken(const QString &title, int openTasks, bool isDefault)
+{
+    QStringList parts = {title};
+    if (openTasks > 0)
+        parts << (openTasks == 1 ? localized(u"1 open task"_s)
+                                 : localized(u"%1 open tasks"_s).arg(openTasks));
+    if (isDefault)
+        parts << localized(u"default"_s);
+    return parts.join(u", "_s);
+}
+
 int CategoryListModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(dataAllCategory.size()) + (newColor ? 1 : 0);
@@ -101,7 +127,8 @@ QVariant CategoryListModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return title;
     case Qt::AccessibleTextRole:
-        return count > 0 ? u"%1, %2"_s.arg(title).arg(count) : title;
+        return spoken(isNew ? localized(u"New Category"_s) : title, count,
+                      category && category->defaultCategory().value_or(false));
     case ColorRole:
         return colorOf(row);
     case CountRole:

@@ -27,6 +27,8 @@ public:
     bool isTitleEditable(int row) const;
 
     RowKind kindOf(int) const override { return RowKind::Item; }
+    quint64 stableIdAt(int row) const override;
+    QString countInWords(int items) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 

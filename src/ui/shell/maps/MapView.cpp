@@ -1,6 +1,7 @@
 #include "shell/maps/MapView.h"
 
 #include "foundation/Localization.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -20,10 +21,48 @@ MapView::MapView(const QString &tileUrl, QWidget *parent)
     : QWidget(parent)
     , source(tileUrl)
 {
+    describe();
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(localized(u"Map"_s));
     setMouseTracking(true);
     connect(&source, &TileSource::changed, this, qOverload<>(&QWidget::update));
+}
+
+/// Who does not see the map hears where the pin is, and moves it by name.
+void MapView::describe()
+{
+    const auto actions = [this]() -> std::vector<AccessibleAction> {
+        const QPointF middle(width() / 2.0, height() / 2.0);
+        return {{localized(u"Zoom in"_s), [=, this] { zoomAround(middle, 1); }, u"+"_s},
+                {localized(u"Zoom out"_s), [=, this] { zoomAround(middle, -1); }, u"-"_s},
+                {localized(u"Move the pin north"_s),
+                 [this] {
+                     movePinBy({0, -pinStep});
+                 },
+                 u"Up"_s},
+                {localized(u"Move the pin south"_s),
+                 [this] {
+                     movePinBy({0, pinStep});
+                 },
+                 u"Down"_s},
+                {localized(u"Move the pin west"_s),
+                 [this] {
+                     movePinBy({-pinStep, 0});
+                 },
+                 u"Left"_s},
+                {localized(u"Move the pin east"_s),
+                 [this] {
+                     movePinBy({pinStep, 0});
+                 },
+                 u"Right"_s}};
+    };
+    const auto place = [this] {
+        return localized(u"Latitude %1, longitude %2, zoom %3"_s)
+            .arg(pinPlace.latitude, 0, 'f', 4)
+            .arg(pinPlace.longitude, 0, 'f', 4)
+            .arg(level);
+    };
+    Accessibility::describe(*this, {.role = QAccessible::Canvas, .description = place, .actions = actions});
 }
 
 void MapView::showPin(const MapPlace &place, int newZoom)
@@ -64,6 +103,12 @@ void MapView::movePinTo(const QPointF &point)
 {
     pinPlace = MapProjection::toPlace(origin() + point, level);
     update();
+}
+
+void MapView::movePinBy(const QPointF &step)
+{
+    movePinTo(pinPoint() + step);
+    Q_EMIT pinMoved(pinPlace);
 }
 
 /// What is under the mouse stays there.
@@ -186,7 +231,6 @@ void MapView::wheelEvent(QWheelEvent *event)
 void MapView::keyPressEvent(QKeyEvent *event)
 {
     const QPointF middle(width() / 2.0, height() / 2.0);
-    QPointF step;
     switch (event->key()) {
     case Qt::Key_Plus:
     case Qt::Key_Equal:
@@ -194,20 +238,14 @@ void MapView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Minus:
         return zoomAround(middle, -1);
     case Qt::Key_Left:
-        step = {-pinStep, 0};
-        break;
+        return movePinBy({-pinStep, 0});
     case Qt::Key_Right:
-        step = {pinStep, 0};
-        break;
+        return movePinBy({pinStep, 0});
     case Qt::Key_Up:
-        step = {0, -pinStep};
-        break;
+        return movePinBy({0, -pinStep});
     case Qt::Key_Down:
-        step = {0, pinStep};
-        break;
+        return movePinBy({0, pinStep});
     default:
-        return QWidget::keyPressEvent(event);
+        QWidget::keyPressEvent(event);
     }
-    movePinTo(pinPoint() + step);
-    Q_EMIT pinMoved(pinPlace);
 }

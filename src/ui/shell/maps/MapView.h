@@ -37,6 +37,7 @@ protected:
 private:
     enum class Drag { None, Map, Pin };
 
+    void describe();
     QPointF origin() const;
     QRectF pinRect() const;
     void paintTiles(QPainter &painter);
@@ -44,6 +45,7 @@ private:
     void paintNotes(QPainter &painter) const;
     void moveMapBy(const QPointF &pixels);
     void movePinTo(const QPointF &point);
+    void movePinBy(const QPointF &step);
     void zoomAround(const QPointF &point, int steps);
 
     TileSource source;

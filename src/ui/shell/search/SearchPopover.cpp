@@ -6,6 +6,7 @@
 #include "shell/search/SearchResultsModel.h"
 #include "store/entities/Entities.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Accessibility.h"
 #include "widgets/TableViewExtended.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -30,6 +31,7 @@ SearchPopover::SearchPopover(SearchField &searchField)
     , view(new TableViewExtended(this))
     , hint(makeTextLabel({}, Theme::FontRole::Body, Theme::secondaryText))
 {
+    Accessibility::describe(*this, {.role = QAccessible::Grouping});
     hide();
     setObjectName(u"searchPopover"_s);
     setAccessibleName(localized(u"Search results"_s));
@@ -155,6 +157,7 @@ void SearchPopover::walk(QKeyEvent *event)
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         return choose(view->currentRow());
     QCoreApplication::sendEvent(view, event);
+    view->tellCurrentRow();
 }
 
 ObjectPtr SearchPopover::currentRecord() const

@@ -1,5 +1,9 @@
 #include "shell/search/SearchResultsModel.h"
 
+#include "foundation/Localization.h"
+
+using namespace Qt::Literals::StringLiterals;
+
 SearchResultsModel::SearchResultsModel(QObject *parent)
     : TableModel(parent)
 {}
@@ -31,6 +35,22 @@ int SearchResultsModel::rowOf(const ObjectPtr &record) const
 RowKind SearchResultsModel::kindOf(int row) const
 {
     return results.rows()[static_cast<std::size_t>(row)].isHeading() ? RowKind::Header : RowKind::Item;
+}
+
+/// Records of different entities can have the same number.
+quint64 SearchResultsModel::stableIdAt(int row) const
+{
+    const ObjectPtr record = recordAt(row);
+    if (!record)
+        return qHash(results.rows()[static_cast<std::size_t>(row)].heading) | 1;
+    return qHashMulti(1, record->entity().name(), record->rowId()) | 1;
+}
+
+QString SearchResultsModel::countInWords(int items) const
+{
+    if (items == 0)
+        return localized(u"Nothing found"_s);
+    return items == 1 ? localized(u"1 result"_s) : localized(u"%1 results"_s).arg(items);
 }
 
 int SearchResultsModel::rowCount(const QModelIndex &parent) const

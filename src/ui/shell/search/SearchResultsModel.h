@@ -20,6 +20,8 @@ public:
     int rowOf(const ObjectPtr &record) const;
 
     RowKind kindOf(int row) const override;
+    quint64 stableIdAt(int row) const override;
+    QString countInWords(int items) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 

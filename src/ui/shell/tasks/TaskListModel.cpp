@@ -57,6 +57,13 @@ RowKind TaskListModel::kindOf(int row) const
     return RowKind::Item;
 }
 
+QString TaskListModel::countInWords(int items) const
+{
+    if (items == 0)
+        return localized(u"No Tasks"_s);
+    return items == 1 ? localized(u"1 task"_s) : localized(u"%1 tasks"_s).arg(items);
+}
+
 int TaskListModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : dataSourceTasks.size();
@@ -103,16 +110,31 @@ struct HeaderText
     }
 };
 
-/// What a screen reader says of a row.
+QString priorityInWords(Priority priority)
+{
+    switch (priority) {
+    case Priority::High:
+        return localized(u"High priority"_s);
+    case Priority::Medium:
+        return localized(u"Medium priority"_s);
+    case Priority::Low:
+        return localized(u"Low priority"_s);
+    case Priority::None:
+        break;
+    }
+    return {};
+}
+
+/// What a screen reader says of a row: all that its words, colours and marks show, but the tick, which it
+/// says itself.
 QString spoken(const TaskRowContent &content)
 {
-    QStringList parts = {content.title};
-    if (!content.dateLabel.isEmpty())
-        parts << content.dateLabel;
-    if (content.isOverdue)
-        parts << localized(u"overdue"_s);
-    if (content.hasCheckBox && content.priority < Priority::None)
-        parts << Functional::priorityStringFromType(content.priority);
+    QStringList parts = {content.title, content.project, content.dateLabel,
+                         content.isOverdue ? localized(u"overdue"_s) : QString(),
+                         priorityInWords(content.priority)};
+    if (!content.hasCheckBox)
+        parts << localized(u"cannot be changed"_s);
+    parts.removeAll(QString());
     return parts.join(u", "_s);
 }
 
@@ -132,8 +154,12 @@ QVariant TaskListModel::taskData(const EntityTask &task, int role) const
         return QVariant::fromValue(TaskRowContent::of(task, type));
     case Qt::AccessibleTextRole:
         return spoken(TaskRowContent::of(task, type));
-    case Qt::CheckStateRole:
-        return TaskRowContent::of(task, type).isChecked ? Qt::Checked : Qt::Unchecked;
+    case Qt::CheckStateRole: {
+        const TaskRowContent content = TaskRowContent::of(task, type);
+        if (!content.hasCheckBox)
+            return {};
+        return content.isChecked ? Qt::Checked : Qt::Unchecked;
+    }
     default:
         return {};
     }

@@ -26,6 +26,7 @@ public:
     RowId identifierAt(int row) const override { return dataSourceTasks.identifierAt(row); }
     int rowOf(const ObjectPtr &record) const override;
     RowKind kindOf(int row) const override;
+    QString countInWords(int items) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 
