@@ -14,6 +14,7 @@
 #include <QAbstractItemView>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QTimer>
@@ -25,6 +26,31 @@ using Editor = FormRow::Editor;
 constexpr int checkBoxInset = 11;
 /// Milliseconds between two looks whether a pop-up was closed.
 constexpr int lookAgain = 200;
+
+namespace {
+
+/// Return in a line is its own: the pane below would begin the next edit with it.
+class LineField : public QLineEdit
+{
+public:
+    explicit LineField(std::function<void()> onReturn)
+        : accepted(std::move(onReturn))
+    {}
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+            accepted();
+        else
+            QLineEdit::keyPressEvent(event);
+    }
+
+private:
+    std::function<void()> accepted;
+};
+
+} // namespace
 
 FormView::FormView(FormModel &shownModel, OwnControl ownControl, QWidget *parent)
     : FormCard(parent)
@@ -148,12 +174,11 @@ QWidget *FormView::makeParagraphs(const FormRow &row)
 
 QWidget *FormView::makeLine(const FormRow &row)
 {
-    auto *field = new QLineEdit;
+    auto *field = new LineField([this] { Q_EMIT accepted(); });
     field->setObjectName(row.controlName);
     field->setPlaceholderText(row.placeholder);
     connect(field, &QLineEdit::textChanged, this,
             [this, number = row.id](const QString &text) { model.setText(number, text); });
-    connect(field, &QLineEdit::returnPressed, this, &FormView::accepted);
     syncs.push_back([this, field, number = row.id] {
         if (field->text() != model.text(number))
             field->setText(model.text(number));
