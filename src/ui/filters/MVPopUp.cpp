@@ -73,17 +73,17 @@ void MVPopUp::showRows()
     lines.reserve(static_cast<std::size_t>(pick.rowCount()));
     for (int row = 0; row < pick.rowCount(); ++row)
         lines.push_back({pick.titleOf(row)});
-    table->setLines(lines);
-    table->setVisible(!lines.empty());
-    labelEmpty->setVisible(lines.empty());
-    buttonAll->setEnabled(!lines.empty());
+    const bool isEmpty = lines.empty();
+    table->setLines(std::move(lines));
+    table->setVisible(!isEmpty);
+    labelEmpty->setVisible(isEmpty);
+    buttonAll->setEnabled(!isEmpty);
     showMarks();
 }
 
 void MVPopUp::showMarks()
 {
-    for (int row = 0; row < pick.rowCount(); ++row)
-        table->setMarked(row, pick.isMarked(row));
+    table->setMarked([this](int row) { return pick.isMarked(row); });
     buttonAll->setText(localized(pick.selectedAll() ? u"Unmark all"_s : u"Mark all"_s));
 }
 

@@ -7,10 +7,10 @@
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
+#include <QAbstractListModel>
 #include <QKeyEvent>
 #include <QMetaMethod>
 #include <QPainter>
-#include <QStandardItemModel>
 #include <QStyledItemDelegate>
 
 using namespace Qt::Literals::StringLiterals;
@@ -19,6 +19,57 @@ constexpr int lineHeight = 40;
 constexpr int checkIconSize = 16;
 constexpr int iconRoom = 28;
 constexpr int iconRole = Qt::UserRole + 1;
+
+class CheckListModel : public QAbstractListModel
+{
+public:
+    using QAbstractListModel::QAbstractListModel;
+
+    void setLines(std::vector<CheckList::Line> newLines)
+    {
+        beginResetModel();
+        lines = std::move(newLines);
+        marks.assign(lines.size(), false);
+        endResetModel();
+    }
+    const CheckList::Line &at(int line) const { return lines[static_cast<std::size_t>(line)]; }
+    bool isMarked(int line) const { return marks[static_cast<std::size_t>(line)]; }
+    bool isInside(int line) const { return line >= 0 && line < rowCount(); }
+    /// Tells all that changes at once.
+    void setMarks(int first, int last, const std::function<bool(int)> &isMarked)
+    {
+        for (int line = first; line <= last; ++line)
+            marks[static_cast<std::size_t>(line)] = !at(line).isHeading && isMarked(line);
+        if (first <= last)
+            Q_EMIT dataChanged(index(first), index(last), {Qt::CheckStateRole});
+    }
+
+    int rowCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(lines.size());
+    }
+    Qt::ItemFlags flags(const QModelIndex &index) const override
+    {
+        const bool isLine = index.isValid() && !at(index.row()).isHeading;
+        return isLine ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
+    }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (!index.isValid())
+            return {};
+        const CheckList::Line &line = at(index.row());
+        if (role == Qt::DisplayRole)
+            return line.text;
+        if (role == iconRole)
+            return line.iconName;
+        const bool isTick = role == Qt::CheckStateRole && !line.isHeading;
+        return isTick ? QVariant(isMarked(index.row()) ? Qt::Checked : Qt::Unchecked) : QVariant();
+    }
+
+private:
+    std::vector<CheckList::Line> lines;
+    std::vector<bool> marks;
+};
 
 namespace {
 
@@ -38,12 +89,17 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         const QRect card = option.rect.adjusted(0, 1, 0, -1);
         const bool isMarked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-        if (isMarked || option.state.testFlag(QStyle::State_MouseOver)) {
+        const bool isHovered =
+            option.state.testFlag(QStyle::State_MouseOver) && index.flags().testFlag(Qt::ItemIsEnabled);
+        if (isMarked || isHovered) {
             painter->setPen(Qt::NoPen);
             painter->setBrush(isMarked ? Theme::selection : Theme::hover);
             painter->drawRoundedRect(card, Theme::controlRadius, Theme::controlRadius);
         }
-        paintLine(*painter, option, index, isMarked);
+        if (index.flags().testFlag(Qt::ItemIsEnabled))
+            paintLine(*painter, option, index, isMarked);
+        else
+            paintHeading(*painter, option, index);
         const bool isCurrent = option.state.testFlag(QStyle::State_HasFocus);
         if (isCurrent)
             MorvaneStyle::drawFocusRing(*painter, card, Theme::controlRadius, Theme::focusRing);
@@ -51,6 +107,13 @@ public:
     }
 
 private:
+    static void paintHeading(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
+    {
+        painter.setFont(Theme::font(Theme::FontRole::BodyStrong));
+        painter.setPen(Theme::secondaryText);
+        Direction::drawLine(painter, option.rect.adjusted(Theme::unit + 4, 0, -Theme::unit, -Theme::unit / 2),
+                            option.direction, index.data().toString(), Qt::AlignBottom);
+    }
     static void paintLine(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index,
                           bool isMarked)
     {
@@ -78,7 +141,7 @@ private:
 
 CheckList::CheckList(QWidget *parent)
     : QListView(parent)
-    , lineModel(new QStandardItemModel(this))
+    , lineModel(new CheckListModel(this))
 {
     const auto moreActions = [this](int line) -> std::vector<AccessibleAction> {
         if (!isSignalConnected(QMetaMethod::fromSignal(&CheckList::deletePressed)))
@@ -88,7 +151,7 @@ CheckList::CheckList(QWidget *parent)
     Accessibility::describeList(
         *this, [this](int line) { Q_EMIT linePressed(line); }, moreActions);
     setModel(lineModel);
-    connect(lineModel, &QStandardItemModel::dataChanged, this, &CheckList::tellSoon);
+    connect(lineModel, &QAbstractItemModel::dataChanged, this, &CheckList::tellSoon);
     setItemDelegate(new LineDelegate(this));
     setFrameShape(NoFrame);
     setMouseTracking(true);
@@ -99,18 +162,12 @@ CheckList::CheckList(QWidget *parent)
     setUniformItemSizes(true);
 }
 
-void CheckList::setLines(const std::vector<Line> &lines)
+void CheckList::setLines(std::vector<Line> lines)
 {
-    lineModel->clear();
-    for (const Line &line : lines) {
-        auto *item = new QStandardItem(line.text);
-        item->setData(line.iconName, iconRole);
-        item->setData(Qt::Unchecked, Qt::CheckStateRole);
-        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-        lineModel->appendRow(item);
-    }
-    if (lineCount() > 0)
-        setCurrentIndex(lineModel->index(0, 0));
+    const auto first = std::ranges::find(lines, false, &Line::isHeading) - lines.begin();
+    lineModel->setLines(std::move(lines));
+    if (lineModel->isInside(static_cast<int>(first)))
+        setCurrentIndex(lineModel->index(static_cast<int>(first)));
 }
 
 /// All marks that are set together are told together.
@@ -132,32 +189,36 @@ int CheckList::lineCount() const
 
 QString CheckList::textOf(int line) const
 {
-    return lineModel->item(line)->text();
+    return lineModel->at(line).text;
 }
 
 void CheckList::setMarked(int line, bool marked)
 {
-    if (QStandardItem *item = lineModel->item(line))
-        item->setData(marked ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
+    if (lineModel->isInside(line))
+        lineModel->setMarks(line, line, [marked](int) { return marked; });
+}
+
+void CheckList::setMarked(const std::function<bool(int line)> &isLineMarked)
+{
+    lineModel->setMarks(0, lineCount() - 1, isLineMarked);
 }
 
 bool CheckList::isMarked(int line) const
 {
-    const QStandardItem *item = lineModel->item(line);
-    return item && item->data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    return lineModel->isInside(line) && lineModel->isMarked(line);
 }
 
 void CheckList::mouseReleaseEvent(QMouseEvent *event)
 {
     QListView::mouseReleaseEvent(event);
     const QModelIndex index = indexAt(event->position().toPoint());
-    if (index.isValid() && event->button() == Qt::LeftButton)
+    if (index.flags().testFlag(Qt::ItemIsEnabled) && event->button() == Qt::LeftButton)
         Q_EMIT linePressed(index.row());
 }
 
 void CheckList::keyPressEvent(QKeyEvent *event)
 {
-    const int line = currentIndex().row();
+    const int line = currentIndex().flags().testFlag(Qt::ItemIsEnabled) ? currentIndex().row() : -1;
     if (event->key() == Qt::Key_Space && line >= 0)
         Q_EMIT linePressed(line);
     else if ((event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) && line >= 0)

@@ -2,11 +2,13 @@
 
 #include <QListView>
 
+#include <functional>
 #include <vector>
 
-class QStandardItemModel;
+class CheckListModel;
 
-/// A list whose lines are marked by a press or the space key. What a press does is said by who listens.
+/// A list whose lines are marked by a press or the space key, under headings where it has some. What a press
+/// does is said by who listens. It may be of any length.
 class CheckList : public QListView
 {
     Q_OBJECT
@@ -18,11 +20,15 @@ public:
         QString text;
         /// Empty for none.
         QString iconName = {};
+        /// It stands above lines and is not marked.
+        bool isHeading = false;
     };
-    void setLines(const std::vector<Line> &lines);
+    void setLines(std::vector<Line> lines);
     int lineCount() const;
     QString textOf(int line) const;
     void setMarked(int line, bool marked);
+    /// The same of all lines.
+    void setMarked(const std::function<bool(int line)> &isMarked);
     bool isMarked(int line) const;
 
 Q_SIGNALS:
@@ -36,6 +42,6 @@ protected:
 private:
     void tellSoon();
 
-    QStandardItemModel *lineModel;
+    CheckListModel *lineModel;
     bool isTellingDue = false;
 };

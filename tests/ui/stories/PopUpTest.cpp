@@ -76,3 +76,29 @@ TEST_F(PopUpTest, AllAreMarkedAndUnmarkedByOneButton)
     popUp.clickDone();
     EXPECT_TRUE(taken.selectedAll) << "all are all, whatever was searched for";
 }
+
+TEST_F(PopUpTest, ALongListHasHeadingsThatNobodyMarks)
+{
+    constexpr int count = 100'000;
+    std::vector<CheckList::Line> lines = {{.text = u"A"_s, .isHeading = true}};
+    for (int line = 1; line < count; ++line)
+        lines.push_back({QString::number(line)});
+    CheckList list;
+    list.setLines(std::move(lines));
+    list.resize(300, 400);
+    list.show();
+    const QSignalSpy told(list.model(), &QAbstractItemModel::dataChanged);
+    list.setMarked([](int) { return true; });
+    EXPECT_EQ(told.size(), 1) << "however many lines there are";
+    EXPECT_FALSE(list.isMarked(0));
+    EXPECT_TRUE(list.isMarked(1) && list.isMarked(count - 1));
+    EXPECT_EQ(list.currentIndex().row(), 1);
+    QSignalSpy pressed(&list, &CheckList::linePressed);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                      list.visualRect(list.model()->index(0, 0)).center());
+    EXPECT_TRUE(pressed.isEmpty());
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                      list.visualRect(list.model()->index(2, 0)).center());
+    ASSERT_EQ(pressed.size(), 1);
+    EXPECT_EQ(pressed.front().front().toInt(), 2);
+}
