@@ -133,7 +133,7 @@ protected:
         screen->resize(content.size());
         screen->reloadData();
         content.show();
-        QTest::qWait(0);
+        settle();
     }
     QStringList titles() const
     {

@@ -28,7 +28,7 @@ protected:
         for (const QString &title : {u"alpha"_s, u"beta"_s, u"gamma"_s})
             note(title);
         run(ActionId::ShowNotes);
-        QTest::qWait(0);
+        settle();
     }
     std::shared_ptr<EntityNote> note(const QString &title)
     {
@@ -61,7 +61,7 @@ protected:
     void select(int row)
     {
         notes().table()->selectRow(row);
-        QTest::qWait(0);
+        settle();
     }
     void edit(const QString &text)
     {
@@ -81,7 +81,7 @@ TEST_F(NotesTest, TheSelectedOneIsReadBesideTheList)
     EXPECT_EQ(title().text(), u"alpha"_s);
     EXPECT_TRUE(notes().table()->hasFocus()) << "the keys stay in the list";
     QTest::keyClick(notes().table(), Qt::Key_Down);
-    QTest::qWait(0);
+    settle();
     EXPECT_EQ(title().text(), u"beta"_s);
     EXPECT_TRUE(pane()->isActive());
     const QWidget &content = *window().rightContentView();
@@ -89,7 +89,7 @@ TEST_F(NotesTest, TheSelectedOneIsReadBesideTheList)
     EXPECT_EQ(notes().table()->width() + pane()->width(), content.width());
     EXPECT_FALSE(find<QToolButton>(*pane(), "buttonBack").isVisible());
     notes().table()->selectAll();
-    QTest::qWait(0);
+    settle();
     EXPECT_EQ(pane(), nullptr);
     showList(SidebarItem::Inbox);
     EXPECT_TRUE(controller().detailStack()->isEmpty());
@@ -107,13 +107,13 @@ TEST_F(NotesTest, AnEditIsSavedFollowedAndAskedAbout)
     // Another program's words come in beside.
     stored(u"beta"_s)->setDetail(u"from elsewhere"_s);
     ASSERT_FALSE(DBWorker::saveContext());
-    QTest::qWait(0);
+    settle();
     QTest::mouseClick(&buttonEdit(), Qt::LeftButton);
     const auto zeta = stored(u"zeta"_s);
     ASSERT_TRUE(zeta);
     EXPECT_EQ(zeta->contact(), ann);
     EXPECT_EQ(zeta->detail(), u"from elsewhere"_s);
-    QTest::qWait(0);
+    settle();
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"gamma"_s, u"zeta"_s}));
     EXPECT_EQ(notes().selectedRecord(), zeta) << "it is selected where it stands now";
     EXPECT_EQ(title().text(), u"zeta"_s);
@@ -160,7 +160,7 @@ TEST_F(NotesTest, ANewOneIsMadeInItsWindow)
     QTest::mouseClick(&save, Qt::LeftButton);
     ASSERT_TRUE(stored(u"delta"_s));
     EXPECT_EQ(stored(u"delta"_s)->creationDate(), Clock::now());
-    QTest::qWait(0);
+    settle();
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"beta"_s, u"delta"_s, u"gamma"_s}));
     EXPECT_EQ(title().text(), u"alpha"_s) << "what is read stays";
 }
@@ -180,16 +180,16 @@ TEST_F(NotesTest, DeletedOnesLeaveAndTheNextIsRead)
         run(ActionId::Delete);
         EXPECT_EQ(yes.asked().front().message, u"Are you sure you want to delete the selected items?"_s);
     }
-    QTest::qWait(0);
+    settle();
     EXPECT_EQ(titles(), QStringList{u"gamma"_s});
     EXPECT_EQ(title().text(), u"gamma"_s);
     EXPECT_TRUE(DBWorker::searchObjectIdsWithString(u"about beta"_s).empty());
     run(ActionId::Undo);
-    QTest::qWait(0);
+    settle();
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"beta"_s, u"gamma"_s}));
     context().deleteObject(stored(u"gamma"_s));
     ASSERT_FALSE(DBWorker::saveContext());
-    QTest::qWait(0);
+    settle();
     EXPECT_EQ(title().text(), u"beta"_s) << "its neighbour, when another program has deleted it";
 }
 
@@ -197,7 +197,7 @@ TEST_F(NotesTest, ASearchHitIsSelectedAndRead)
 {
     showList(SidebarItem::Inbox);
     controller().searchSelectItem(stored(u"gamma"_s));
-    QTest::qWait(0);
+    settle();
     ASSERT_TRUE(pane());
     EXPECT_EQ(title().text(), u"gamma"_s);
     EXPECT_EQ(notes().selectedRecord(), stored(u"gamma"_s));
@@ -219,7 +219,7 @@ TEST_F(NotesTest, TypedWordsOutliveTheirNoteAndTheProgram)
         const ScriptedAlerts told({Alert::firstButton});
         controller().openDrafts();
     }
-    QTest::qWait(0);
+    settle();
     ASSERT_TRUE(pane() && pane()->isEditing());
     EXPECT_EQ(title().text(), u"typed for beta"_s);
     // Another process deletes it: they open as a new one.
@@ -266,13 +266,13 @@ TEST_F(NotesTest, StayingWithAnEditKeepsItsRowAndDeletingNothingKeepsThePane)
     {
         const ScriptedAlerts cancel({Alert::secondButton});
         notes().table()->selectAll();
-        QTest::qWait(0);
+        settle();
     }
     EXPECT_EQ(notes().selectedRecord(), stored(u"alpha"_s));
     pane()->dropEdit();
     const ScriptedAlerts cancel({Alert::secondButton});
     run(ActionId::Delete);
-    QTest::qWait(0);
+    settle();
     ASSERT_TRUE(pane());
     EXPECT_EQ(title().text(), u"alpha"_s);
 

@@ -182,3 +182,10 @@ TaskPtr ShellTest::stored(const QString &title)
     }
     return nullptr;
 }
+
+void ShellTest::settle()
+{
+    constexpr int mostSteps = 5;
+    for (int step = 0; step < mostSteps; ++step)
+        QTest::qWait(1);
+}

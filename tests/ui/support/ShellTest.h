@@ -56,6 +56,8 @@ protected:
         QTest::keyClick(&list(), pressed, modifiers);
     }
     void run(ActionId id);
+    /// Lets come what waits until the program listens, and what follows from that.
+    static void settle();
     WindowNewTask &openNewTask();
 
     // What the store holds.
