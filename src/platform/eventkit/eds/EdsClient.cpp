@@ -114,10 +114,17 @@ QByteArray EdsClient::revision()
     return property(CLIENT_BACKEND_PROPERTY_REVISION);
 }
 
+/// The library does nothing without somebody who takes the answer. What comes of it is told by the calendar.
+static void refreshEnded(GObject *client, GAsyncResult *result, gpointer)
+{
+    GlibFailure failure;
+    e_client_refresh_finish(glibCast<EClient>(client), result, failure.out());
+}
+
 void EdsClient::refresh()
 {
     if (client && e_client_check_refresh_supported(glibCast<EClient>(client.get())))
-        e_client_refresh(glibCast<EClient>(client.get()), nullptr, nullptr, nullptr);
+        e_client_refresh(glibCast<EClient>(client.get()), nullptr, &refreshEnded, nullptr);
 }
 
 void EdsClient::onChanged(ECalClientView *, const GSList *components, gpointer self)
