@@ -99,6 +99,17 @@ Date CalendarManager::convertPixelToTime(Date day, double position, double rowHe
     return MVDate::setTimeWithCurrentDate(day, hour, minute, 1);
 }
 
+Date CalendarManager::dragTime(Date day, double position, double rowHeight, DragStep step)
+{
+    constexpr int lastHour = 23;
+    constexpr int lastQuarter = 45;
+    const Date minute = convertPixelToTime(day, position, rowHeight);
+    if (step == DragStep::Minute)
+        return minute;
+    return std::clamp(MVDate::dateNearest15Minute(minute), MVDate::getStartOfDay(day),
+                      MVDate::setTimeWithCurrentDate(day, lastHour, lastQuarter, 0));
+}
+
 bool CalendarManager::isCrossRect(const QRectF &one, const QRectF &withRect)
 {
     return isShared(0, one.x(), one.width(), withRect.x(), withRect.width()) &&

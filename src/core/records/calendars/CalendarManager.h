@@ -26,6 +26,12 @@ public:
     /// The moment of a day that stands at a position, in whole minutes and one second more. A position below
     /// the day belongs to the next one.
     static Date convertPixelToTime(Date day, double position, double rowHeight);
+    /// What a drag counts in: quarters of an hour, or single minutes.
+    enum class DragStep { Quarter, Minute };
+    /// The moment that a drag to a position means, for the label beside it and for what is saved: the nearest
+    /// quarter of an hour, but none beyond the day's last one, or the minute as `convertPixelToTime` gives
+    /// it.
+    static Date dragTime(Date day, double position, double rowHeight, DragStep step);
 
     /// Whether two rectangles get into each other's way. Side by side it is enough that they touch; one
     /// above the other they must share more than an edge of one pixel. Compared in single precision.
