@@ -59,10 +59,12 @@ CalendarForDaysItems CalendarManager::dataBaseGetItemsWithStartMonth(Date startM
 std::vector<CalendarForDaysItems> CalendarManager::dataBaseGetItems(const std::vector<CalendarMonthRow> &rows)
 {
     std::vector<DaySpan> spans;
+    spans.reserve(rows.size());
     for (const CalendarMonthRow &row : rows)
         spans.push_back({row.startDate, row.endDate});
     const std::vector<TaskList> tasks = DBWorker::calendarMonthTasks(spans);
     std::vector<CalendarForDaysItems> items;
+    items.reserve(rows.size());
     for (size_t row = 0; row < rows.size(); ++row)
         items.push_back(monthItems(tasks[row], rows[row].startDate, rows[row].endDate, rows[row]));
     return items;

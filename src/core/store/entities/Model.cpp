@@ -48,7 +48,8 @@ EntityDescription describeTask()
          "\"status\" = 3 AND \"expirationDate\" IS NOT NULL"},
         // What the calendars show beside what is counted, done ones included; and the few that are due before
         // they start, which no range of due dates holds. Without the status, or counts would come along it.
-        {"EntityTask_calendar", "\"type\", \"dueDate\", \"startDate\", \"typeCalendarID\""},
+        {"EntityTask_calendar", "\"type\", \"dueDate\", \"startDate\", \"typeCalendarID\"",
+         "\"dueDate\" IS NOT NULL"},
         {"EntityTask_dueBeforeStart",
          "\"type\", \"startDate\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
          "\"dueDate\" < \"startDate\""},

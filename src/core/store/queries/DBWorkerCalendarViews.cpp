@@ -43,6 +43,7 @@ std::vector<DatedRow> datedRows(const std::vector<Predicate> &conditions, Title 
 TaskList listOfDated(const std::vector<DatedRow> &rows)
 {
     std::vector<RowId> ids;
+    ids.reserve(rows.size());
     for (const DatedRow &row : rows)
         ids.push_back(row.row);
     return tasklists::list(std::move(ids));
@@ -141,16 +142,18 @@ TaskList DBWorker::calendarDayOtherTasks(Date date)
 
 std::vector<TaskList> DBWorker::calendarOtherTasks(Date firstDay, int days)
 {
+    if (days < 1)
+        return {};
     std::vector<DaySpan> hours;
+    hours.reserve(static_cast<size_t>(days));
     for (int day = 0; day < days; ++day)
         hours.push_back(hoursOfDay(MVDate::addDay(day, firstDay)));
-    if (hours.empty())
-        return {};
     const std::vector<Value> types{static_cast<qint64>(TaskType::Appointment),
                                    static_cast<qint64>(TaskType::EmailCall)};
     const std::vector<DatedRow> rows = datedRows({Predicate::format(
         "type in %@ and dueDate >= %@ and dueDate <= %@", types, hours.front().first, hours.back().last)});
     std::vector<TaskList> lists;
+    lists.reserve(hours.size());
     for (const DaySpan &day : hours)
         lists.push_back(listOfThose(rows, [&day](const DatedRow &row) { return isWithin(day, row.due); }));
     return lists;
@@ -169,6 +172,7 @@ TaskList DBWorker::calendarMonthTasks(Date startDate, Date endDate)
 std::vector<TaskList> DBWorker::calendarMonthTasks(const std::vector<DaySpan> &spans)
 {
     std::vector<DaySpan> whole;
+    whole.reserve(spans.size());
     for (const DaySpan &span : spans)
         whole.push_back({MVDate::getStartOfDay(span.first), MVDate::getEndOfDay(span.last)});
     if (whole.empty())
@@ -179,6 +183,7 @@ std::vector<TaskList> DBWorker::calendarMonthTasks(const std::vector<DaySpan> &s
     std::vector<DatedRow> rows = datedRows(conditionsOfMonth(all));
     std::stable_sort(rows.begin(), rows.end(), isLonger);
     std::vector<TaskList> lists;
+    lists.reserve(whole.size());
     for (const DaySpan &span : whole)
         lists.push_back(listOfThose(rows, [&span](const DatedRow &row) { return isShownIn(span, row); }));
     return lists;
