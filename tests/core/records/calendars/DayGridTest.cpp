@@ -1,11 +1,8 @@
 #include "records/calendars/AllDayLanes.h"
 #include "records/calendars/TimedGridLayout.h"
-#include "records/dates/MVDate.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace {
 
@@ -170,34 +167,6 @@ TEST_F(DayGrid, ALargeTextMakesRoomForItself)
     DayGridMetrics unset;
     unset.rowHeight = 0;
     EXPECT_EQ(week({}, unset).size().height(), 1680);
-}
-
-TEST_F(DayGrid, GeneratedItemsStayInTheirColumnsAndShareThemInPairs)
-{
-    std::mt19937 random(testSeed());
-    const auto pick = [&random](int below) { return std::uniform_int_distribution<>(0, below - 1)(random); };
-    for (int round = 0; round < 50; ++round) {
-        std::vector<TimedItem> items;
-        size_t shown = 0;
-        for (int count = pick(40); count > 0; --count) {
-            const Date start = at(15 + pick(8), pick(24), pick(60));
-            shown += start < at(22, 0);
-            items.push_back(pick(2) ? call(start) : appointment(start, start + Seconds(60 * pick(300))));
-        }
-        const TimedGridLayout layout = week(items);
-        EXPECT_EQ(layout.placed().size(), shown);
-        for (const TimedGridLayout::Placed &one : layout.placed()) {
-            const TimedItem &item = items[static_cast<size_t>(one.item)];
-            EXPECT_EQ(15 + one.column, MVDate::day(item.startDate.value_or(*item.dueDate)));
-            EXPECT_GE(one.frame.left(), 100 * one.column + 1);
-            EXPECT_LE(one.frame.right(), 100 * one.column + 100);
-            EXPECT_GE(layout.itemAt(one.frame.center()).value_or(-1), one.item);
-            for (const TimedGridLayout::Placed &other : layout.placed()) {
-                const bool isMixed = item.isEmailCall != items[static_cast<size_t>(other.item)].isEmailCall;
-                EXPECT_FALSE(isMixed && CalendarManager::isCrossRect(one.frame, other.frame));
-            }
-        }
-    }
 }
 
 } // namespace

@@ -54,24 +54,6 @@ TEST(Geometry, AMomentStandsWhereItsClockTimeIs)
         CalendarManager::convertPixelToTime(day, position, usual);
 }
 
-TEST(Geometry, GeneratedMinutesComeBackFromTheirPixelsWithinThePixel)
-{
-    std::mt19937 random(testSeed());
-    for (int round = 0; round < 500; ++round) {
-        const double rowHeight = std::uniform_real_distribution<>(10, 120)(random);
-        const int minutes = std::uniform_int_distribution<>(0, 24 * 60 - 1)(random);
-        const Date moment = localDate(2026, 10, 25, minutes / 60, minutes % 60);
-        const int pixel = CalendarManager::convertTimeToPixel(moment, rowHeight);
-        EXPECT_LE(pixel, minutes / 30.0 * rowHeight);
-        EXPECT_GT(pixel + 1.0001, minutes / 30.0 * rowHeight);
-        const Date back = CalendarManager::convertPixelToTime(moment, pixel, rowHeight);
-        EXPECT_EQ(MVDate::getDayHourMinutSecondWithDate(back)[3], 1);
-        const auto [day, hour, minute, second] = MVDate::getDayHourMinutSecondWithDate(back);
-        EXPECT_EQ(day, 25);
-        EXPECT_NEAR(hour * 60 + minute, minutes, 60 / rowHeight + 1) << rowHeight;
-    }
-}
-
 TEST(Geometry, RectanglesCrossWhenTheyTouchBesideEachOtherButNotAbove)
 {
     const QRectF one(10, 10, 20, 20);
