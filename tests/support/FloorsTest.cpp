@@ -17,7 +17,8 @@ protected:
     const QStringList coreFolders = words(u"store records recurrence calendarsync cloud filters");
     /// The folders inside of core, the lowest first. Each may include those before it.
     const QStringList orderInCore = words(u"records/dates store/entities store/state recurrence cloud "
-                                          u"store/queries filters records/copies calendarsync records store");
+                                          u"store/queries filters records/copies records/calendars "
+                                          u"calendarsync records store");
     const QStringList uiFolders = words(u"widgets filters records calendarviews shell");
     /// The same of ui.
     const QStringList orderInUi = words(u"widgets filters records shell/maps shell/tasks shell/categories "

@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 4;
+constexpr int modelVersion = 5;
 
 template <typename Entity>
 EntityDescription describe()
@@ -46,6 +46,13 @@ EntityDescription describeTask()
          "\"status\" IS NOT 3 AND \"dueSomeDay\" = 1"},
         {"EntityTask_done", "\"expirationDate\", \"status\", \"typeCalendarID\"",
          "\"status\" = 3 AND \"expirationDate\" IS NOT NULL"},
+        // What the calendars show beside what is counted, done ones included; and the few that are due before
+        // they start, which no range of due dates holds. Without the status, or counts would come along it.
+        {"EntityTask_calendar", "\"type\", \"dueDate\", \"startDate\", \"typeCalendarID\"",
+         "\"dueDate\" IS NOT NULL"},
+        {"EntityTask_dueBeforeStart",
+         "\"type\", \"startDate\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
+         "\"dueDate\" < \"startDate\""},
         // Look-ups. The titles are what a project, a contact and a company have in the search index.
         {"EntityTask_byTitle", "\"title\""},
         {"EntityTask_byCalendarItem", "\"calendarID\"", "\"calendarID\" IS NOT NULL"},

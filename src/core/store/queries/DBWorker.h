@@ -43,6 +43,13 @@ struct BadgePart
     int &of(TaskBadges &badges) const { return badges.*badge.*number; }
 };
 
+/// Some days in a row, told by a moment of the first and of the last one.
+struct DaySpan
+{
+    Date first;
+    Date last;
+};
+
 /// The query layer: every list on the screen is one of its fetches. Stateless; main thread only.
 ///
 /// Lists of tasks leave out what lies on calendars that the user cannot see, except in the sample store. A
@@ -100,9 +107,25 @@ public:
     static TaskPtr getFirstTaskByTitle(const QString &title);
     static TaskList getSampleNotDoneTask();
     static TaskList getAllTaskWithType(TaskType type, Date atDay, bool includeDoneTasks);
-    /// The Appointments, mails and calls due on a day, done ones included.
-    static TaskList getTimeItemsForDate(Date date);
     static TaskList allDelayTasks();
+
+    // What the calendars show. Done tasks are included unless it says otherwise.
+    /// The ToDos that have the day among theirs, by title from the last to the first.
+    static TaskList calendarDayAllDayTasks(Date date);
+    /// The ToDos that have one of some days among theirs, each once, in the same order.
+    static TaskList calendarAllDayTasks(Date firstDay, int days);
+    /// The Appointments, mails and calls due within 24 hours from the start of a day, in no order of dates.
+    static TaskList calendarDayOtherTasks(Date date);
+    /// The same of each of some days that follow one another.
+    static std::vector<TaskList> calendarOtherTasks(Date firstDay, int days);
+    /// What `calendarDayOtherTasks` gives, for the search for collisions.
+    static TaskList getTimeItemsForDate(Date date);
+    /// What some days of a month show, the longest task first and those without a start last: open ToDos that
+    /// overlap the days and open Appointments that lie inside of them, unless they are for some day, and
+    /// every mail and call that is due on them.
+    static TaskList calendarMonthTasks(Date startDate, Date endDate);
+    /// The same of each of several spans, which reads the tasks once.
+    static std::vector<TaskList> calendarMonthTasks(const std::vector<DaySpan> &spans);
 
     // Tasks and the calendars.
     /// The row of an event: of its title or identifier, not done, and at its times within a minute.

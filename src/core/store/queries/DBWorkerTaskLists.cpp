@@ -124,12 +124,3 @@ TaskList DBWorker::getAllTaskWithType(TaskType type, Date atDay, bool includeDon
     const Predicate open = Predicate::format("status <> %d", TaskStatus::Done);
     return reported(includeDoneTasks ? onDay : open && onDay, {ascending("startDate")});
 }
-
-TaskList DBWorker::getTimeItemsForDate(Date date)
-{
-    constexpr Seconds upToTheLastSecond{86399};
-    const Date start = MVDate::getStartOfDay(date);
-    return visible(Predicate::format("(type = %d or type = %d) and dueDate >= %@ and dueDate <= %@",
-                                     TaskType::Appointment, TaskType::EmailCall, start,
-                                     start + upToTheLastSecond));
-}
