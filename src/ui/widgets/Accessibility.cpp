@@ -1,6 +1,7 @@
 #include "widgets/Accessibility.h"
 
 #include "widgets/AccessibleControl.h"
+#include "widgets/AccessiblePartInterface.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -112,6 +113,9 @@ void Accessibility::partSelected(QWidget &control, quint64 key, bool isSelected)
     AccessibleControl *const element = askedFor(control);
     if (!element)
         return;
+    // One that goes is deselected on its way.
+    if (element->parts().exists && !element->parts().exists(key))
+        return;
     element->toldSelected(key, isSelected);
     send(element->partOf(key), isSelected ? QAccessible::SelectionAdd : QAccessible::SelectionRemove);
 }
@@ -124,8 +128,14 @@ void Accessibility::partCame(QWidget &control, quint64 key)
 
 void Accessibility::partWent(QWidget &control, quint64 key)
 {
-    if (const AccessibleControl *element = askedFor(control))
-        send(element->knownPart(key), QAccessible::ObjectDestroyed);
+    const AccessibleControl *const element = askedFor(control);
+    auto *part = element ? dynamic_cast<AccessiblePartInterface *>(element->knownPart(key)) : nullptr;
+    if (!part)
+        return;
+    // What is not valid any more is not told.
+    part->setLeaving(true);
+    send(part, QAccessible::ObjectDestroyed);
+    part->setLeaving(false);
 }
 
 void Accessibility::partForgotten(QWidget &control, quint64 key)

@@ -9,9 +9,10 @@ void *AccessibleGrid::interface_cast(QAccessible::InterfaceType type)
 
 QAccessibleInterface *AccessibleGrid::cellAt(int row, int column) const
 {
-    if (column < 0 || column >= columnCount())
-        return nullptr;
-    return partOf(keyAt(row * columnCount() + column));
+    // The bridge does not expect that there is none.
+    const int inRow = std::clamp(row, 0, std::max(rowCount() - 1, 0));
+    const int inColumn = std::clamp(column, 0, std::max(columnCount() - 1, 0));
+    return partOf(keyAt(inRow * columnCount() + inColumn));
 }
 
 QString AccessibleGrid::columnDescription(int column) const

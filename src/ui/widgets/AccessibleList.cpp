@@ -3,13 +3,33 @@
 #include "widgets/Accessibility.h"
 
 #include <QAccessibleActionInterface>
+#include <QEvent>
 #include <QListView>
 
 using namespace Qt::Literals::StringLiterals;
 
+/// Qt tells that the list has the keys; which line has them is told after that.
+class LineFocus : public QObject
+{
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::FocusIn && Accessibility::isHeard()) {
+            auto *list = static_cast<QWidget *>(watched);
+            QMetaObject::invokeMethod(
+                list, [list] { Accessibility::focusMoved(*list); }, Qt::QueuedConnection);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
 void Accessibility::describeList(QListView &list, std::function<void(int)> press,
                                  std::function<std::vector<AccessibleAction>(int)> moreActions)
 {
+    list.installEventFilter(new LineFocus(&list));
     const auto rowOf = [](quint64 key) { return static_cast<int>(key) - 1; };
     const auto part = [&list, press, moreActions, rowOf](quint64 key) {
         const int row = rowOf(key);
@@ -26,6 +46,9 @@ void Accessibility::describeList(QListView &list, std::function<void(int)> press
         told.role = tick.isValid() ? QAccessible::CheckBox : QAccessible::ListItem;
         told.state.checkable = tick.isValid();
         told.state.checked = tick.toInt() == Qt::Checked;
+        const bool hasSelection = list.selectionMode() != QAbstractItemView::NoSelection;
+        told.state.selectable = hasSelection;
+        told.state.selected = hasSelection && list.selectionModel()->isSelected(index);
         told.state.focusable = true;
         told.state.focused = list.hasFocus() && list.currentIndex() == index;
         told.actions = {{QAccessibleActionInterface::pressAction(), [press, row] { press(row); }, u"Space"_s},
@@ -43,7 +66,7 @@ void Accessibility::describeList(QListView &list, std::function<void(int)> press
     const auto inSight = [&list] {
         std::vector<quint64> keys;
         int row = std::max(list.indexAt({0, 0}).row(), 0);
-        for (; row < list.model()->rowCount(); ++row) {
+        for (; list.model() && row < list.model()->rowCount(); ++row) {
             if (list.visualRect(list.model()->index(row, 0)).top() >= list.viewport()->height())
                 break;
             keys.push_back(static_cast<quint64>(row) + 1);

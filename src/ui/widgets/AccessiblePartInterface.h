@@ -19,7 +19,9 @@ public:
     const AccessibleControl *control() const { return &owner; }
 
     // What it is
-    bool isValid() const override { return owner.exists(key); }
+    bool isValid() const override { return isLeaving || owner.exists(key); }
+    /// While it is told that the part has gone, it is the part still.
+    void setLeaving(bool leaving) { isLeaving = leaving; }
     QObject *object() const override { return nullptr; }
     QWindow *window() const override { return owner.window(); }
     QAccessibleInterface *parent() const override { return const_cast<AccessibleControl *>(&owner); }
@@ -50,8 +52,9 @@ public:
     QAccessibleInterface *table() const override { return parent(); }
 
 private:
-    AccessiblePart told() const { return isValid() ? owner.tellPart(key) : AccessiblePart(); }
+    AccessiblePart told() const { return owner.exists(key) ? owner.tellPart(key) : AccessiblePart(); }
 
     const AccessibleControl &owner;
     quint64 key;
+    bool isLeaving = false;
 };

@@ -70,7 +70,12 @@ void AccessibleTable::follow(TableModel *rowsModel)
                    connect(model, &TableModel::dataChanged, this, &AccessibleTable::rowsChanged),
                    connect(view.selectionModel(), &QItemSelectionModel::currentRowChanged, this,
                            [this] {
-                               if (Accessibility::isHeard() && view.hasFocus() && !isReplaced)
+                               if (!Accessibility::isHeard() || !view.hasFocus())
+                                   return;
+                               // The list is told first, or what replaced its rows.
+                               if (isReplaced || isFocusNew)
+                                   tellSoon();
+                               else
                                    tellCurrentRow();
                            }),
                    connect(view.selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -253,31 +258,36 @@ void AccessibleTable::rowsStandElsewhere()
     tellSoon();
 }
 
+/// Gaps are no rows for a reader.
+void AccessibleTable::noteRows(int first, int last, std::vector<quint64> &keys)
+{
+    for (int row = first; row <= last && keys.size() <= mostSteps && Accessibility::isHeard(); ++row) {
+        if (model->kindOf(row) != RowKind::Separator)
+            keys.push_back(model->stableIdAt(row));
+    }
+}
+
 void AccessibleTable::rowsInserted(int first, int last)
 {
-    for (int row = first; row <= last && came.size() <= mostSteps && Accessibility::isHeard(); ++row)
-        came.push_back(model->stableIdAt(row));
+    noteRows(first, last, came);
     rowsStandElsewhere();
 }
 
 void AccessibleTable::rowsGoing(int first, int last)
 {
-    for (int row = first; row <= last && went.size() <= mostSteps && Accessibility::isHeard(); ++row)
-        went.push_back(model->stableIdAt(row));
+    noteRows(first, last, went);
 }
 
 void AccessibleTable::rowsMoved(int first, int last, int target)
 {
     const int top = target > first ? target - (last - first + 1) : target;
-    for (int row = top; row <= top + last - first && moved.size() <= mostSteps && Accessibility::isHeard();
-         ++row)
-        moved.push_back(model->stableIdAt(row));
+    noteRows(top, top + last - first, moved);
     rowsStandElsewhere();
 }
 
 void AccessibleTable::reset()
 {
-    isReplaced = true;
+    isReplaced = isReplaced || Accessibility::isHeard();
     rowsStandElsewhere();
 }
 
@@ -293,7 +303,8 @@ void AccessibleTable::selectionChanged(const QItemSelection &selected, const QIt
     const auto note = [this](const QItemSelection &selection, bool isSelected) {
         for (const QItemSelectionRange &range : selection) {
             for (int row = range.top(); row <= range.bottom() && !isSelectionLarge; ++row) {
-                reselected.emplace_back(model->stableIdAt(row), isSelected);
+                if (model->isItem(row))
+                    reselected.emplace_back(model->stableIdAt(row), isSelected);
                 isSelectionLarge = reselected.size() > mostSelected;
             }
         }
@@ -315,7 +326,7 @@ bool AccessibleTable::eventFilter(QObject *watched, QEvent *event)
     if (!Accessibility::isHeard())
         return false;
     if (event->type() == QEvent::FocusIn) {
-        toldCurrent = 0;
+        isFocusNew = true;
         tellSoon();
     } else if (event->type() == QEvent::Show) {
         isShown = true;
@@ -327,11 +338,13 @@ bool AccessibleTable::eventFilter(QObject *watched, QEvent *event)
 
 void AccessibleTable::tellCurrentRow()
 {
+    if (!Accessibility::isHeard())
+        return;
     toldCurrent = currentKey();
     toldRow = view.currentRow();
     if (view.hasFocus())
         Accessibility::focusMoved(view);
-    else if (Accessibility::isHeard() && toldCurrent != 0)
+    else if (toldCurrent != 0)
         Accessibility::announce(view, partOf(toldCurrent).name);
 }
 
@@ -354,7 +367,8 @@ void AccessibleTable::tellNow()
     formerRowCount = model->rowCount();
     tellSelection();
     Accessibility::partsChanged(view);
-    if (view.hasFocus() && currentKey() != toldCurrent)
+    if (const bool isNew = std::exchange(isFocusNew, false);
+        view.hasFocus() && (isNew || currentKey() != toldCurrent))
         tellCurrentRow();
     toldRow = view.currentRow();
 }

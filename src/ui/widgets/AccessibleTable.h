@@ -56,6 +56,7 @@ private:
 
     // What happens
     void rowsStandElsewhere();
+    void noteRows(int first, int last, std::vector<quint64> &keys);
     void rowsInserted(int first, int last);
     void rowsGoing(int first, int last);
     void rowsMoved(int first, int last, int target);
@@ -80,6 +81,8 @@ private:
     std::vector<quint64> went;
     std::vector<quint64> moved;
     bool isReplaced = false;
+    /// The list has just taken the keys, and its row was not told yet.
+    bool isFocusNew = false;
     /// Rows that were selected or deselected, and whether there are too many to be told of one by one.
     std::vector<std::pair<quint64, bool>> reselected;
     bool isSelectionLarge = false;

@@ -295,7 +295,8 @@ TEST_F(ReaderTest, ListsOfChoicesAreTicked)
     EXPECT_EQ(reader.heard(), QStringList{u"ticked: Ada"_s});
     auto &lines = *people.findChild<CheckList *>();
     lines.setFocus();
-    reader.heard();
+    settle();
+    EXPECT_TRUE(reader.heard().contains(u"focus: Ada"_s)) << "the line, not only the list";
     QTest::keyClick(&lines, Qt::Key_Down);
     EXPECT_EQ(reader.heard(), QStringList{u"focus: Bela"_s});
     people.close();
