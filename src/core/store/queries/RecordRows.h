@@ -33,7 +33,7 @@ public:
     /// Makes the rows those of the wanted records step by step: records leave, come, or go to another place,
     /// headings with them, and no other row is touched.
     /// \param changed the records that changed; they may be gone.
-    /// \param held those of them that stay where they are for now, also where the list has them no more.
+    /// \param held those of them whose rows stand as they are, also where the list has them no more.
     void follow(const std::vector<ListedRecord> &wanted, const std::set<RowId> &changed,
                 const std::set<RowId> &held, RowsWatcher &watcher);
 
