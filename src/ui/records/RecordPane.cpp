@@ -125,12 +125,6 @@ QWidget *RecordPane::makeBody()
     return scroll;
 }
 
-void RecordPane::addBelow(QWidget *widget)
-{
-    widget->setMaximumWidth(widestForm - paneMargin - trailingMargin);
-    bodyColumn->insertWidget(bodyColumn->indexOf(labelCreated), widget);
-}
-
 // What happens elsewhere
 
 void RecordPane::observeStore()

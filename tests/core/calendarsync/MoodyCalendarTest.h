@@ -80,12 +80,8 @@ protected:
     /// The titles and first days of the events, as another program finds them: "24 Title".
     QStringList events() const
     {
-        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
-        const DateInterval seen = CalendarEvent::window();
         QStringList lines;
-        const auto found = elsewhere.eventsMatchingPredicate(
-            elsewhere.predicateForEventsWithStartDate(seen.start, seen.end));
-        for (const EKEvent &event : found.value())
+        for (const EKEvent &event : eventsElsewhere())
             lines.append(wallClock(*event.startDate).mid(8, 2) + u' ' + event.title);
         lines.sort();
         return lines;

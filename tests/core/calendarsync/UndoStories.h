@@ -77,12 +77,8 @@ protected:
     /// As another program sees them, which knows of the files alone.
     QStringList held() const
     {
-        EKEventStore elsewhere(std::make_shared<FolderBackend>(root.path()));
-        const DateInterval seen = CalendarEvent::window();
         QStringList lines;
-        const auto events = elsewhere.eventsMatchingPredicate(
-            elsewhere.predicateForEventsWithStartDate(seen.start, seen.end));
-        for (const EKEvent &event : events.value()) {
+        for (const EKEvent &event : eventsElsewhere()) {
             const auto dates = eventdates::of(event);
             lines.append(lineOf(event.title, dates->type, dates->start, dates->due, false));
         }
