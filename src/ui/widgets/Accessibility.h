@@ -54,6 +54,8 @@ struct AccessibleParts
     std::function<QList<QWidget *>()> widgets = {};
     /// The names of the columns of a grid; empty for anything else.
     std::function<QStringList()> columns = {};
+    /// How many rows a grid has, where other parts come after its cells; else all parts are cells.
+    std::function<int()> rows = {};
 };
 
 /// How a control is told to assistive technology. What is left out is as for any widget.

@@ -99,6 +99,11 @@ const AccessibleParts &AccessibleControl::parts() const
     return subject->what.parts;
 }
 
+bool AccessibleControl::isCell(quint64 key) const
+{
+    return columnCount() > 0 && (!parts().rows || placeOf(key) < parts().rows() * columnCount());
+}
+
 int AccessibleControl::columnCount() const
 {
     return hasParts() && parts().columns ? static_cast<int>(parts().columns().size()) : 0;

@@ -54,6 +54,8 @@ public:
     const AccessibleParts &parts() const;
     bool hasParts() const { return isWhole() && parts().count; }
     virtual int columnCount() const;
+    /// Whether a part is a cell of a grid, not one of the others beside its cells.
+    bool isCell(quint64 key) const;
     int partCount() const { return hasParts() ? parts().count() : 0; }
     quint64 keyAt(int place) const;
     int placeOf(quint64 key) const;

@@ -7,6 +7,13 @@ void *AccessibleGrid::interface_cast(QAccessible::InterfaceType type)
     return AccessibleControl::interface_cast(type);
 }
 
+int AccessibleGrid::rowCount() const
+{
+    if (hasParts() && parts().rows)
+        return parts().rows();
+    return columnCount() > 0 ? partCount() / columnCount() : 0;
+}
+
 QAccessibleInterface *AccessibleGrid::cellAt(int row, int column) const
 {
     // The bridge does not expect that there is none.

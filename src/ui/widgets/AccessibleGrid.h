@@ -11,7 +11,7 @@ public:
     void *interface_cast(QAccessible::InterfaceType type) override;
 
     int columnCount() const override { return AccessibleControl::columnCount(); }
-    int rowCount() const override { return columnCount() > 0 ? partCount() / columnCount() : 0; }
+    int rowCount() const override;
     QAccessibleInterface *cellAt(int row, int column) const override;
     QString columnDescription(int column) const override;
     QString rowDescription(int) const override { return {}; }

@@ -32,7 +32,7 @@ void *AccessiblePartInterface::interface_cast(QAccessible::InterfaceType type)
 {
     if (type == QAccessible::ActionInterface)
         return static_cast<QAccessibleActionInterface *>(this);
-    if (type == QAccessible::TableCellInterface && owner.columnCount() > 0)
+    if (type == QAccessible::TableCellInterface && owner.isCell(key))
         return static_cast<QAccessibleTableCellInterface *>(this);
     return nullptr;
 }
