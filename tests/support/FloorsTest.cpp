@@ -21,7 +21,7 @@ protected:
                                           u"calendarsync records store");
     const QStringList uiFolders = words(u"widgets filters records calendarviews shell");
     /// The same of ui.
-    const QStringList orderInUi = words(u"widgets filters records shell/maps shell/tasks shell/categories "
+    const QStringList orderInUi = words(u"widgets filters records calendarviews shell/maps shell/tasks shell/categories "
                                         u"shell/notes shell/search shell/calendars shell");
     const QStringList tradesOfPlatform =
         words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");

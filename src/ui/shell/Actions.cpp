@@ -49,6 +49,13 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::ShowCalendar, u"actionShowCalendar", u"Calendar", u"Ctrl+0",
                       SidebarItem::Calendar},
     ActionDescription{ActionId::ShowNotes, u"actionShowNotes", u"Notes", u"Ctrl+Shift+4", SidebarItem::Notes},
+    ActionDescription{ActionId::CalendarToday, u"actionCalendarToday", u"Today", u"Ctrl+T"},
+    ActionDescription{ActionId::CalendarGoToDate, u"actionCalendarGoToDate", u"Go To Date", u"Ctrl+Shift+T"},
+    ActionDescription{ActionId::CalendarDay, u"actionCalendarDay", u"Day", u"Ctrl+Shift+5"},
+    ActionDescription{ActionId::CalendarWeek, u"actionCalendarWeek", u"Week", u"Ctrl+Shift+6"},
+    ActionDescription{ActionId::CalendarMonth, u"actionCalendarMonth", u"Month", u"Ctrl+Shift+7"},
+    ActionDescription{ActionId::CalendarNext, u"actionCalendarNext", u"Next", u"Ctrl+Shift+PgDown"},
+    ActionDescription{ActionId::CalendarPrevious, u"actionCalendarPrevious", u"Previous", u"Ctrl+Shift+PgUp"},
     ActionDescription{ActionId::FullScreen, u"actionFullScreen", u"Enter Full Screen", u"F11"},
     ActionDescription{ActionId::About, u"actionAbout", u"About Morvane", u""},
 };

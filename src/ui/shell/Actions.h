@@ -44,6 +44,13 @@ enum class ActionId {
     ShowCompanies,
     ShowCalendar,
     ShowNotes,
+    CalendarToday,
+    CalendarGoToDate,
+    CalendarDay,
+    CalendarWeek,
+    CalendarMonth,
+    CalendarNext,
+    CalendarPrevious,
     FullScreen,
     About,
 };

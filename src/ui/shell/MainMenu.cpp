@@ -13,10 +13,8 @@ using namespace Qt::Literals::StringLiterals;
 /// Nothing in place of a command is a separator.
 using Entries = std::initializer_list<std::optional<ActionId>>;
 
-static void addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, Entries entries)
+static QMenu *fillMenu(QMenu *menu, Actions &actions, Entries entries)
 {
-    // Alt with the first letter opens the menu.
-    QMenu *menu = menuBar.addMenu(u'&' + localized(title));
     for (const std::optional<ActionId> &entry : entries) {
         if (entry)
             menu->addAction(actions.action(*entry));
@@ -24,6 +22,13 @@ static void addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, E
             menu->addSeparator();
     }
     QObject::connect(menu, &QMenu::aboutToShow, &actions, &Actions::update);
+    return menu;
+}
+
+static QMenu *addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, Entries entries)
+{
+    // Alt with the first letter opens the menu.
+    return fillMenu(menuBar.addMenu(u'&' + localized(title)), actions, entries);
 }
 
 void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
@@ -39,10 +44,17 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
             {ActionId::Undo, ActionId::Redo, separator, ActionId::Cut, ActionId::Copy, ActionId::Paste,
              ActionId::Delete, ActionId::SelectAll, separator, ActionId::Search, ActionId::FilterTasks,
              ActionId::ClearFilter, ActionId::WhyIsItHere});
-    addMenu(menuBar, actions, u"View"_s,
-            {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople,
-             ActionId::ShowCompanies, ActionId::ShowNotes, separator, ActionId::ShowInbox,
-             ActionId::ShowToday, ActionId::ShowScheduled, ActionId::ShowSomeday, ActionId::ShowCategories,
-             ActionId::ShowDelegated, ActionId::ShowNotDone, ActionId::ShowDone, separator,
-             ActionId::ShowCalendar, separator, ActionId::FullScreen});
+    QMenu *view = addMenu(
+        menuBar, actions, u"View"_s,
+        {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople, ActionId::ShowCompanies,
+         ActionId::ShowNotes, separator, ActionId::ShowInbox, ActionId::ShowToday, ActionId::ShowScheduled,
+         ActionId::ShowSomeday, ActionId::ShowCategories, ActionId::ShowDelegated, ActionId::ShowNotDone,
+         ActionId::ShowDone, separator, ActionId::ShowCalendar, separator, ActionId::FullScreen});
+    auto *calendar = new QMenu(localized(u"Calendar"_s), view);
+    fillMenu(calendar, actions,
+             {ActionId::CalendarToday, ActionId::CalendarGoToDate, ActionId::CalendarDay,
+              ActionId::CalendarWeek, ActionId::CalendarMonth, ActionId::CalendarNext,
+              ActionId::CalendarPrevious});
+    view->insertMenu(actions.action(ActionId::FullScreen), calendar);
+    view->insertSeparator(actions.action(ActionId::FullScreen));
 }

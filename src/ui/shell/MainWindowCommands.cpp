@@ -7,6 +7,8 @@
 #include "shell/MainWindowController.h"
 #include "shell/OutlineViewExtended.h"
 #include "shell/TextCommands.h"
+#include "shell/calendars/CalendarViewController.h"
+#include "shell/calendars/GoToDateWindowController.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -99,6 +101,50 @@ void MainWindowController::bindLists()
         if (const auto list = description.list)
             actions->bind(description.id, [this, list] { goToList(*list); });
     }
+}
+
+// The calendar, which comes up first
+
+void MainWindowController::doInCalendar(const std::function<void(CalendarViewController &)> &command)
+{
+    if (!dynamic_cast<CalendarViewController *>(screen.data()))
+        goToList(SidebarItem::Calendar);
+    if (auto *calendar = dynamic_cast<CalendarViewController *>(screen.data()))
+        command(*calendar);
+}
+
+void MainWindowController::bindCalendar()
+{
+    using Type = CalendarViewController::CalendarType;
+    const auto show = [this](ActionId id, Type type) {
+        actions->bind(id, [this, type] {
+            doInCalendar([type](CalendarViewController &calendar) { calendar.showCalendar(type); });
+        });
+    };
+    const auto turn = [this](ActionId id, int pages) {
+        actions->bind(id, [this, pages] {
+            doInCalendar(
+                [pages](CalendarViewController &calendar) { calendar.daysControllerSelectButton(pages); });
+        });
+    };
+    show(ActionId::CalendarDay, Type::Day);
+    show(ActionId::CalendarWeek, Type::Week);
+    show(ActionId::CalendarMonth, Type::Month);
+    turn(ActionId::CalendarToday, 0);
+    turn(ActionId::CalendarNext, 1);
+    turn(ActionId::CalendarPrevious, -1);
+    actions->bind(ActionId::CalendarGoToDate, [this] { goToDate(); });
+}
+
+void MainWindowController::goToDate()
+{
+    doInCalendar([this](CalendarViewController &) {
+        auto *window = new GoToDateWindowController(Clock::now(), mainWindow.get());
+        connect(window, &GoToDateWindowController::dateChosen, this, [this](Date date) {
+            doInCalendar([date](CalendarViewController &calendar) { calendar.calendarGoToDate(date); });
+        });
+        window->open();
+    });
 }
 
 bool MainWindowController::canRemoveSelected() const

@@ -1,5 +1,6 @@
 #include "shell/MainWindowController.h"
 
+#include "calendarviews/SelectedTaskController.h"
 #include "filters/ContactGroups.h"
 #include "records/DetailStack.h"
 #include "records/DraftKeeper.h"
@@ -12,7 +13,6 @@
 #include "shell/OutlineViewExtended.h"
 #include "shell/RightToolBar.h"
 #include "shell/Screens.h"
-#include "shell/SelectedTaskController.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/ScreenToolBar.h"
@@ -39,6 +39,7 @@ MainWindowController::MainWindowController()
 {
     bindActions();
     bindLists();
+    bindCalendar();
     MainMenu::fill(*mainWindow->menuBar(), *actions);
     mainWindow->addActions(actions->all());
     windowDidLoad();

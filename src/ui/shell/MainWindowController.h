@@ -21,6 +21,7 @@ class Actions;
 class DetailStack;
 class MainWindow;
 class ManagedObjectContext;
+class CalendarViewController;
 class CalendarsAppleWindowController;
 class MVSetiingsCalendarController;
 class RecordWindow;
@@ -85,6 +86,9 @@ private:
     void windowDidLoad();
     void bindActions();
     void bindLists();
+    void bindCalendar();
+    void doInCalendar(const std::function<void(CalendarViewController &)> &command);
+    void goToDate();
     void observe();
     void observeSearch();
     void searchSelectSoon(const ObjectPtr &record);

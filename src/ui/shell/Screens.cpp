@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "records/RecordKind.h"
 #include "shell/RestingScreen.h"
+#include "shell/calendars/CalendarViewController.h"
 #include "shell/categories/CategoriesViewController.h"
 #include "shell/notes/NoteKind.h"
 #include "shell/tasks/TaskScreens.h"
@@ -23,7 +24,7 @@ static const std::array screens = {
                       u"Projects gather the tasks that belong together.", EntityProject::entityName},
     ScreenDescription{Item::Contacts, u"Contacts", u"contacts"},
     ScreenDescription{Item::Tasks, u"Tasks", u"tasks"},
-    ScreenDescription{Item::Calendar, u"Calendar", u"calendar", nullptr, u"Your days, weeks and months."},
+    ScreenDescription{Item::Calendar, u"Calendar", u"calendar", makeNew<CalendarViewController>},
     ScreenDescription{Item::People, u"People", u"people", nullptr, u"The people you work and live with.",
                       EntityContacts::entityName},
     ScreenDescription{Item::Companies, u"Companies", u"company", nullptr,

@@ -10,6 +10,7 @@ namespace Animations {
 using namespace std::chrono_literals;
 inline constexpr auto detailSlideIn = 600ms;
 inline constexpr auto detailSlideOut = 700ms;
+inline constexpr auto calendarSlide = 400ms;
 inline constexpr auto rowCollapse = 160ms;
 inline constexpr auto hoverFade = 120ms;
 

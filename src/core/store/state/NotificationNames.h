@@ -25,6 +25,8 @@ inline constexpr NotificationName<MVContactGroup> saveNewContactGroup{u"SaveNewC
 inline constexpr NotificationName<> preferences{u"com.halvern.morvane.preferences"};
 
 // Selection and commands.
+/// Other tasks are selected in the calendars.
+inline constexpr NotificationName<> changeSelectedTask{u"ChangeSelectedTask"};
 /// The record that was picked among what a search found.
 inline constexpr NotificationName<ObjectPtr> clickTableSearch{u"ClickTableSearch"};
 inline constexpr NotificationName<> searchMorvane{u"SearchMorvane"};

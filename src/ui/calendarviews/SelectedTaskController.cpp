@@ -1,11 +1,14 @@
-#include "shell/SelectedTaskController.h"
+#include "calendarviews/SelectedTaskController.h"
 
 #include "foundation/NotificationCenter.h"
 #include "store/state/NotificationNames.h"
 
 #include <algorithm>
 
-static void postChange() {}
+static void postChange()
+{
+    NotificationCenter::defaultCenter().post(notifications::changeSelectedTask);
+}
 
 SelectedTaskController &SelectedTaskController::sharedCenter()
 {
@@ -41,6 +44,8 @@ void SelectedTaskController::removeTasks(const std::vector<TaskPtr> &removed)
 
 void SelectedTaskController::removeAllTasks()
 {
+    if (tasks.empty())
+        return;
     tasks.clear();
     postChange();
 }

@@ -1,0 +1,547 @@
+#include "calendarviews/CalendarGrid.h"
+
+#include "calendarviews/SelectedTaskController.h"
+#include "foundation/Localization.h"
+#include "records/RepeatBan.h"
+#include "records/ShellAlerts.h"
+#include "records/TaskManager.h"
+#include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/Accessibility.h"
+#include "widgets/MorvaneStyle.h"
+#include "widgets/TextLabel.h"
+#include "widgets/Theme.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QToolTip>
+
+using namespace Qt::Literals::StringLiterals;
+
+// What lies where, and the mouse. Keys are in CalendarGridKeys.cpp.
+
+constexpr int hoverPatience = 350;
+/// A quarter of an hour is not much more.
+constexpr int dragDistance = 4;
+
+CalendarGrid::CalendarGrid(QWidget *parent)
+    : QWidget(parent)
+{
+    describe();
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    hoverTimer.setSingleShot(true);
+    hoverTimer.setInterval(hoverPatience);
+    connect(&hoverTimer, &QTimer::timeout, this, [this] {
+        const Placed *under = placedAt(logical(mapFromGlobal(QCursor::pos())));
+        hovered = under && !held ? eventOf(*under).task()->rowId() : 0;
+        update();
+    });
+    observations.push_back(
+        NotificationCenter::defaultCenter().addObserver(notifications::changeSelectedTask, [this] {
+            Accessibility::partsChanged(*this);
+            update();
+        }));
+}
+
+CalendarGrid::~CalendarGrid() = default;
+
+// Items and places
+
+void CalendarGrid::reload()
+{
+    if (held && !isStillTheSame(*held))
+        endDrag(false);
+    shownEvents.clear();
+    for (std::shared_ptr<MVTask> &task : fetch())
+        shownEvents.emplace_back(std::move(task));
+    relayout();
+    keepSpot();
+    Accessibility::partsReplaced(*this);
+    Q_EMIT reloaded();
+}
+
+void CalendarGrid::relayout()
+{
+    places = layout();
+    if (held && held->isActive)
+        draggedPlaces = layoutOfDrag(*held);
+    update();
+}
+
+QRectF CalendarGrid::visual(const QRectF &place) const
+{
+    return isRightToLeft() ? QRectF(width() - place.right(), place.y(), place.width(), place.height())
+                           : place;
+}
+
+QPointF CalendarGrid::logical(QPointF point) const
+{
+    return isRightToLeft() ? QPointF(width() - point.x(), point.y()) : point;
+}
+
+/// What is dragged comes last, then what was pressed, then what the mouse rests on.
+std::vector<const CalendarGrid::Placed *> CalendarGrid::paintingOrder() const
+{
+    const RowId dragged = held && held->isActive ? held->task->rowId() : 0;
+    std::vector<const Placed *> order;
+    order.reserve(places.size() + draggedPlaces.size());
+    const auto rank = [this](const Placed *one) {
+        const RowId row = eventOf(*one).task()->rowId();
+        return row == raised ? 2 : row == hovered ? 1 : 0;
+    };
+    for (const Placed &one : places) {
+        if (dragged == 0 || eventOf(one).task()->rowId() != dragged)
+            order.push_back(&one);
+    }
+    if (raised != 0 || hovered != 0)
+        std::ranges::stable_sort(order, {}, rank);
+    if (dragged != 0) {
+        for (const Placed &one : draggedPlaces)
+            order.push_back(&one);
+    }
+    return order;
+}
+
+const CalendarGrid::Placed *CalendarGrid::placedAt(QPointF point) const
+{
+    const std::vector<const Placed *> order = paintingOrder();
+    const auto found = std::find_if(order.rbegin(), order.rend(),
+                                    [point](const Placed *one) { return one->frame.contains(point); });
+    return found == order.rend() ? nullptr : *found;
+}
+
+const CalendarGrid::Placed *CalendarGrid::placedOf(RowId row) const
+{
+    const auto found =
+        std::ranges::find_if(places, [&](const Placed &one) { return eventOf(one).task()->rowId() == row; });
+    return found == places.end() ? nullptr : &*found;
+}
+
+void CalendarGrid::raise(const TaskPtr &task)
+{
+    raised = task->rowId();
+    update();
+}
+
+/// One that shares more than an edge with another one below it.
+bool CalendarGrid::liesOverOther(const Placed &item) const
+{
+    const QRectF inner = item.frame.adjusted(1, 1, -1, -1);
+    for (const Placed &other : places) {
+        if (&other == &item)
+            return item.frame.width() > 0 && raised == eventOf(item).task()->rowId() &&
+                   std::any_of(&other + 1, places.data() + places.size(),
+                               [&](const Placed &later) { return later.frame.intersects(inner); });
+        if (other.frame.intersects(inner))
+            return true;
+    }
+    return true;
+}
+
+void CalendarGrid::select(const TaskPtr &task)
+{
+    SelectedTaskController &selection = SelectedTaskController::sharedCenter();
+    if (selection.selectedTasks() == std::vector{task})
+        return;
+    selection.removeAllTasks();
+    selection.addTask(task);
+    Q_EMIT eventViewSelectedItem();
+}
+
+TaskPtr CalendarGrid::currentTask() const
+{
+    if (hasFocus() && spot.isOnItem()) {
+        if (const Placed *place = placedOf(spot.row))
+            return eventOf(*place).task();
+    }
+    const std::vector<TaskPtr> &selected = SelectedTaskController::sharedCenter().selectedTasks();
+    if (selected.size() != 1 || !placedOf(selected.front()->rowId()))
+        return nullptr;
+    return selected.front();
+}
+
+// Painting
+
+void CalendarGrid::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    paintGrid(painter, event->rect());
+    const SelectedTaskController &selection = SelectedTaskController::sharedCenter();
+    const QRectF visible = visibleRegion().boundingRect();
+    for (const Placed *one : paintingOrder()) {
+        const QRectF frame = visual(one->frame);
+        if (!frame.adjusted(-3, -3, 3, 3).intersects(event->rect()))
+            continue;
+        const EventCalendarView &item = eventOf(*one);
+        item.paint(painter, frame,
+                   {.isSelected = selection.containsTask(item.task()),
+                    .isOverOther = liesOverOther(*one),
+                    .direction = layoutDirection(),
+                    .visible = visible});
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (hasFocus() && showsSpot && !isDragging()) {
+        const QRectF frame = visual(frameOf(spot));
+        MorvaneStyle::drawFocusRing(painter, frame.adjusted(1, 1, -1, -1), 4, Theme::focusRing);
+    }
+    paintOver(painter);
+}
+
+void CalendarGrid::paintForPaper(QPainter &painter)
+{
+    isOnPaper = true;
+    paintGrid(painter, rect());
+    for (const Placed &one : places)
+        eventOf(one).paint(painter, visual(one.frame), {.isSelected = true, .direction = layoutDirection()});
+    paintOver(painter);
+    isOnPaper = false;
+}
+
+void CalendarGrid::resizeEvent(QResizeEvent *)
+{
+    relayout();
+}
+
+// The mouse
+
+void CalendarGrid::mousePressEvent(QMouseEvent *event)
+{
+    const QPointF point = logical(event->position());
+    if (event->button() == Qt::RightButton) {
+        rightPressedAt = point;
+        return;
+    }
+    if (event->button() != Qt::LeftButton)
+        return;
+    finishKeyMove();
+    showsSpot = false;
+    canTakeBack = false;
+    if (const Placed *item = placedAt(point))
+        return pressItem(*item, point, event->modifiers());
+    SelectedTaskController::sharedCenter().removeAllTasks();
+    raised = 0;
+    if (pressElse(point))
+        return;
+    for (int slot = 0; slot < slotRows() * columnCount(); ++slot) {
+        if (slotFrame(slot).contains(point))
+            spot = {.slot = slot};
+    }
+    markFrom(point);
+    update();
+}
+
+void CalendarGrid::pressItem(const Placed &item, QPointF point, Qt::KeyboardModifiers)
+{
+    const TaskPtr task = eventOf(item).task();
+    spot = {.row = task->rowId(), .segment = item.segment};
+    select(task);
+    raise(task);
+    const TaskDates dates = TaskDates::of(*eventOf(item).event());
+    held = Drag{.task = task,
+                .zone = zoneAt(item, point),
+                .pressedAt = point,
+                .from = item,
+                .before = dates,
+                .dates = dates};
+    Accessibility::focusMoved(*this);
+}
+
+void CalendarGrid::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QPointF point = logical(event->position());
+    held.reset();
+    markCancelled();
+    if (const Placed *item = placedAt(point))
+        Q_EMIT opened(eventOf(*item).task());
+    else if (!pressElse(point))
+        createAt(point);
+}
+
+void CalendarGrid::mouseMoveEvent(QMouseEvent *event)
+{
+    const QPointF point = logical(event->position());
+    if (!event->buttons().testFlag(Qt::LeftButton))
+        return hover(point);
+    if (held && !held->isByKeys)
+        dragTo(point, event->modifiers());
+    else if (isMarking())
+        markTo(point, event->modifiers().testFlag(Qt::AltModifier));
+    if ((held && held->isActive) || isMarking())
+        Q_EMIT draggedAt(event->position().toPoint());
+}
+
+void CalendarGrid::continueDrag()
+{
+    const QPointF point = logical(mapFromGlobal(QCursor::pos()));
+    if (held && held->isActive && !held->isByKeys)
+        dragTo(point, QApplication::keyboardModifiers());
+    else if (isMarking())
+        markTo(point, QApplication::keyboardModifiers().testFlag(Qt::AltModifier));
+}
+
+void CalendarGrid::hover(QPointF point)
+{
+    const Placed *item = placedAt(point);
+    const bool isMovable = item && movesItems() && !eventOf(*item).isDone() && !eventOf(*item).isReadOnly();
+    const Zone zone = isMovable ? zoneAt(*item, point) : Zone::Inside;
+    setCursor(zone == Zone::Inside ? Qt::ArrowCursor : cursorOf(zone));
+    const RowId under = item ? eventOf(*item).task()->rowId() : 0;
+    if (under != hovered)
+        hoverTimer.start();
+}
+
+void CalendarGrid::leaveEvent(QEvent *)
+{
+    hoverTimer.stop();
+    hovered = 0;
+    update();
+}
+
+void CalendarGrid::mouseReleaseEvent(QMouseEvent *event)
+{
+    const QPointF point = logical(event->position());
+    if (event->button() == Qt::RightButton && rightPressedAt) {
+        const bool isClick = (*rightPressedAt - point).manhattanLength() < dragDistance;
+        rightPressedAt.reset();
+        const Placed *item = placedAt(point);
+        if (!isClick || isDragging() || isMarking())
+            return;
+        if (!item)
+            return createAt(point);
+        const TaskPtr task = eventOf(*item).task();
+        spot = {.row = task->rowId(), .segment = item->segment};
+        select(task);
+        raise(task);
+        Q_EMIT menuWanted(task, event->globalPosition().toPoint());
+        return;
+    }
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (held && !held->isByKeys)
+        endDrag(true);
+    else if (isMarking())
+        markEnds();
+    update();
+}
+
+bool CalendarGrid::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        auto *help = static_cast<QHelpEvent *>(event);
+        if (const Placed *item = placedAt(logical(help->pos()))) {
+            const EventCalendarView &shown = eventOf(*item);
+            const QString text = u"<b>%1</b><br>%2<br>%3"_s.arg(firstPart(shown.title()).toHtmlEscaped(),
+                                                                shown.spokenTime().toHtmlEscaped(),
+                                                                shown.placeText().toHtmlEscaped());
+            QToolTip::showText(help->globalPos(), text, this, visual(item->frame).toAlignedRect());
+        } else {
+            QToolTip::hideText();
+        }
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+// Dragging
+
+/// Says why an item cannot be changed.
+void CalendarGrid::refuse(const MVTask &task)
+{
+    if (!task.allowsContentModifications.value_or(true))
+        ShellAlerts::alertEditingEvent(localized(task.calendarTitle));
+    else if (RepeatBan::concerns(task))
+        RepeatBan::tell();
+}
+
+/// A message ends the drag before it has begun: a box cannot stand while the button is held.
+bool CalendarGrid::startDrag()
+{
+    const std::shared_ptr<MVTask> event = eventOf(held->from).event();
+    if (!movesItems()) {
+        held.reset();
+        return false;
+    }
+    if (!CalendarDrag::isMovable(*event)) {
+        held.reset();
+        refuse(*event);
+        return false;
+    }
+    held->isActive = true;
+    return true;
+}
+
+void CalendarGrid::dragTo(QPointF point, Qt::KeyboardModifiers modifiers)
+{
+    if (!held->isActive) {
+        const bool isFarEnough = (point - held->pressedAt).manhattanLength() >= dragDistance;
+        if (!isFarEnough || !startDrag())
+            return;
+    }
+    if (const auto dates = datesAt(*held, point, modifiers.testFlag(Qt::AltModifier)))
+        held->dates = *dates;
+    showDrag();
+}
+
+void CalendarGrid::showDrag()
+{
+    draggedPlaces = layoutOfDrag(*held);
+    Q_EMIT momentShown(momentOf(*held));
+    update();
+}
+
+void CalendarGrid::cancelDrag()
+{
+    markCancelled();
+    if (held)
+        endDrag(false);
+}
+
+/// The task is there, was not given other dates meanwhile, and can still be written.
+bool CalendarGrid::isStillTheSame(const Drag &dragged) const
+{
+    const ObjectPtr stored = DBWorker::getObjectFromId(DBWorker::getIdFromObject(dragged.task));
+    if (stored != dragged.task)
+        return false;
+    const MVTask now(dragged.task);
+    return TaskDates::of(now) == dragged.before && (!dragged.isActive || CalendarDrag::isMovable(now));
+}
+
+void CalendarGrid::endDrag(bool saves)
+{
+    const Drag finished = *held;
+    held.reset();
+    draggedPlaces.clear();
+    Q_EMIT momentShown(std::nullopt);
+    update();
+    if (saves && finished.isActive && finished.dates != finished.before)
+        save(finished);
+}
+
+/// Where it is refused, what is stored comes back into its place.
+void CalendarGrid::save(const Drag &finished)
+{
+    if (!isStillTheSame(finished))
+        return reload();
+    const QPointer<CalendarGrid> self = this;
+    MVTask copy(finished.task);
+    finished.dates.putInto(copy);
+    const bool isSaved = TaskManager::saveTaskTemp(copy, true);
+    if (!self)
+        return;
+    canTakeBack = isSaved && finished.isByKeys;
+    const TaskPtr task = copy.task();
+    reload();
+    if (isSaved && finished.isByKeys && task && !goToTask(task) && finished.dates.due)
+        Q_EMIT wentTo(finished.dates.start ? *finished.dates.start : *finished.dates.due, task);
+}
+
+// What assistive technology is told
+
+constexpr quint64 itemKey = quint64(1) << 62;
+constexpr int segmentBits = 4;
+
+quint64 CalendarGrid::keyOf(const Placed &item) const
+{
+    return itemKey | static_cast<quint64>(eventOf(item).task()->rowId()) << segmentBits |
+           static_cast<quint64>(item.segment);
+}
+
+quint64 CalendarGrid::keyOf(const Spot &where) const
+{
+    if (const Placed *item = where.isOnItem() ? placedOf(where) : nullptr)
+        return keyOf(*item);
+    return static_cast<quint64>(where.slot) + 1;
+}
+
+QString CalendarGrid::nameOf(const EventCalendarView &event) const
+{
+    QStringList words{firstPart(event.title()), event.spokenTime(), event.placeText()};
+    if (event.isDone())
+        words << localized(u"Done"_s);
+    if (!event.event()->repeat.isEmpty())
+        words << localized(u"repeats"_s);
+    words.removeAll(QString());
+    return words.join(u", "_s);
+}
+
+void CalendarGrid::describe()
+{
+    const auto slotCount = [this] { return slotRows() * columnCount(); };
+    const auto placeOfKey = [this, slotCount](quint64 key) {
+        if (!(key & itemKey)) {
+            const int slot = static_cast<int>(key) - 1;
+            return slot < slotCount() ? slot : -1;
+        }
+        for (size_t place = 0; place < places.size(); ++place) {
+            if (keyOf(places[place]) == key)
+                return slotCount() + static_cast<int>(place);
+        }
+        return -1;
+    };
+    AccessibleParts parts{
+        .count = [this, slotCount] { return slotCount() + static_cast<int>(places.size()); },
+        .part =
+            [this, slotCount, placeOfKey](quint64 key) {
+                const int place = placeOfKey(key);
+                AccessiblePart part;
+                part.state.focusable = true;
+                part.state.focused = hasFocus() && keyOf(spot) == key;
+                if (place < slotCount()) {
+                    part.name = slotName(place);
+                    part.role = QAccessible::Cell;
+                    part.place = visual(slotFrame(place)).toAlignedRect();
+                    part.actions = {{QAccessibleActionInterface::pressAction(),
+                                     [this, place] { createInSlot(place); }, u"N"_s},
+                                    {QAccessibleActionInterface::setFocusAction(), [this, place] {
+                                         setFocus();
+                                         goTo({.slot = place});
+                                     }}};
+                    return part;
+                }
+                const Placed &item = places[static_cast<size_t>(place - slotCount())];
+                const TaskPtr task = eventOf(item).task();
+                part.name = nameOf(eventOf(item));
+                part.place = visual(item.frame).toAlignedRect();
+                part.state.selectable = true;
+                part.state.selected = SelectedTaskController::sharedCenter().containsTask(task);
+                part.actions = {{QAccessibleActionInterface::pressAction(),
+                                 [this, task] { Q_EMIT opened(task); }, u"Return"_s},
+                                {QAccessibleActionInterface::setFocusAction(), [this, task] {
+                                     setFocus();
+                                     goToTask(task);
+                                 }}};
+                return part;
+            },
+        .keyAt = [this, slotCount](int place) -> quint64 {
+            return place < slotCount() ? static_cast<quint64>(place) + 1
+                                       : keyOf(places[static_cast<size_t>(place - slotCount())]);
+        },
+        .placeOf = placeOfKey,
+        .focused = [this]() -> quint64 { return hasFocus() ? keyOf(spot) : 0; },
+        .at = [this, slotCount](QPoint point) -> quint64 {
+            if (const Placed *item = placedAt(logical(point)))
+                return keyOf(*item);
+            for (int slot = 0; slot < slotCount(); ++slot) {
+                if (slotFrame(slot).contains(logical(point)))
+                    return static_cast<quint64>(slot) + 1;
+            }
+            return 0;
+        },
+        .inSight = [this]() -> std::vector<quint64> {
+            std::vector<quint64> keys;
+            for (const Placed &item : places)
+                keys.push_back(keyOf(item));
+            return keys;
+        },
+        .columns = [this] { return columnNames(); },
+        .rows = [this] { return slotRows(); }};
+    Accessibility::describe(
+        *this,
+        {.role = QAccessible::Table, .name = [this] { return gridName(); }, .parts = std::move(parts)});
+}

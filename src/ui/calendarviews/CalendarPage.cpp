@@ -1,0 +1,147 @@
+#include "calendarviews/CalendarPage.h"
+
+#include "calendarviews/CalendarGrid.h"
+#include "calendarviews/CalendarSlide.h"
+#include "calendarviews/SelectedTaskController.h"
+#include "foundation/Calendar.h"
+#include "foundation/Clock.h"
+#include "foundation/Region.h"
+#include "records/dates/MVDate.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/Animations.h"
+
+CalendarPage::CalendarPage(QWidget *parent)
+    : QWidget(parent)
+    , shownDate(Clock::now())
+    , today(MVDate::getStartOfDay(shownDate))
+    , zone(Calendar::currentSettings().zoneIdentifier)
+{
+    refresh.setSingleShot(true);
+    connect(&refresh, &QTimer::timeout, this, [this] {
+        if (isVisible())
+            refreshCalendar();
+    });
+    connect(&clock, &QTimer::timeout, this, &CalendarPage::clockTicked);
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    observations.push_back(center.addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); }));
+    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { refreshSoon(); }));
+}
+
+CalendarPage::~CalendarPage() = default;
+
+// Dates
+
+void CalendarPage::showDate(Date date)
+{
+    if (slide)
+        slide->finish();
+    shownDate = date;
+    setDate(date);
+}
+
+void CalendarPage::slideTo(Date date, int direction)
+{
+    if (slide)
+        slide->finish();
+    const QRect area = slidingArea();
+    if (!isVisible() || Animations::duration(Animations::calendarSlide) == 0 || area.isEmpty())
+        return showDate(date);
+    const QPixmap before = grab(area);
+    showDate(date);
+    const QPixmap after = grab(slidingArea());
+    slide = new CalendarSlide(before, after, (direction > 0) != isRightToLeft(), area, this);
+}
+
+// What happens elsewhere
+
+void CalendarPage::storeChanged(const StoreChanges &changes)
+{
+    if (changes.concerns(EntityTask::entityName) || changes.concerns(EntityCategory::entityName))
+        refreshSoon();
+}
+
+/// A new day is marked otherwise, and in another zone everything stands elsewhere.
+void CalendarPage::clockTicked()
+{
+    const Date day = MVDate::getStartOfDay(Clock::now());
+    const QByteArray zoneNow = Calendar::currentSettings().zoneIdentifier;
+    if (day != today || zoneNow != zone) {
+        today = day;
+        zone = zoneNow;
+        showDate(shownDate);
+    } else {
+        timePassed();
+    }
+}
+
+void CalendarPage::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    clock.start(clockInterval());
+    clockTicked();
+}
+
+void CalendarPage::hideEvent(QHideEvent *event)
+{
+    clock.stop();
+    QWidget::hideEvent(event);
+}
+
+void CalendarPage::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::LayoutDirectionChange)
+        refreshSoon();
+}
+
+// What happens in the grids
+
+void CalendarPage::connectGrid(CalendarGrid *grid)
+{
+    connect(grid, &CalendarGrid::eventViewSelectedItem, this, &CalendarPage::eventViewSelectedItem);
+    connect(grid, &CalendarGrid::opened, this, &CalendarPage::opened);
+    connect(grid, &CalendarGrid::menuWanted, this, &CalendarPage::menuWanted);
+    connect(grid, &CalendarGrid::removeRequested, this, &CalendarPage::removeRequested);
+    connect(grid, &CalendarGrid::toggled, this, &CalendarPage::toggled);
+    connect(grid, &CalendarGrid::pageWanted, this, &CalendarPage::pageWanted);
+    connect(grid, &CalendarGrid::todayWanted, this, &CalendarPage::todayWanted);
+    connect(grid, &CalendarGrid::wentTo, this, &CalendarPage::wentTo);
+    connect(grid, &CalendarGrid::leftByKeys, this, [this, grid](int columns) { goOnByKeys(grid, columns); });
+}
+
+/// The keys go on at the other side of what comes.
+void CalendarPage::goOnByKeys(CalendarGrid *grid, int columns)
+{
+    const Date before = shownDate;
+    const double height = grid->currentHeight();
+    Q_EMIT pageWanted(columns);
+    constexpr int lastOfMany = 1000;
+    if (shownDate != before)
+        grid->enterColumn(columns > 0 ? 0 : lastOfMany, height);
+}
+
+TaskPtr CalendarPage::currentTask() const
+{
+    for (const CalendarGrid *grid : grids()) {
+        if (const TaskPtr task = grid->currentTask())
+            return task;
+    }
+    return nullptr;
+}
+
+bool CalendarPage::goToTask(const TaskPtr &task)
+{
+    for (CalendarGrid *grid : grids()) {
+        if (grid->goToTask(task)) {
+            grid->setFocus();
+            return true;
+        }
+    }
+    return false;
+}
+
+void CalendarPage::mousePressEvent(QMouseEvent *)
+{
+    SelectedTaskController::sharedCenter().removeAllTasks();
+}

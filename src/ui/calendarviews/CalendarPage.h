@@ -1,0 +1,83 @@
+#pragma once
+
+#include "foundation/NotificationCenter.h"
+#include "store/entities/Entities.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+#include <vector>
+
+class CalendarGrid;
+class CalendarSlide;
+struct StoreChanges;
+
+/// A day, a week or a month on the screen, which follows the store, the clock and the zone of the computer.
+class CalendarPage : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit CalendarPage(QWidget *parent = nullptr);
+    ~CalendarPage() override;
+
+    Date date() const { return shownDate; }
+    /// Shows the day, week or month of a date at once. A slide that runs ends there.
+    void showDate(Date date);
+    /// Slides it in: from the trailing side for 1, from the leading side for -1.
+    void slideTo(Date date, int direction);
+    /// Reads everything anew.
+    virtual void refreshCalendar() = 0;
+
+    /// The task that the keyboard is on, or that is selected here; null for none.
+    TaskPtr currentTask() const;
+    bool goToTask(const TaskPtr &task);
+    virtual std::vector<CalendarGrid *> grids() const = 0;
+    /// The grid that takes the keyboard.
+    virtual CalendarGrid *mainGrid() const = 0;
+
+Q_SIGNALS:
+    void eventViewSelectedItem();
+    void opened(const TaskPtr &task);
+    void menuWanted(const TaskPtr &task, const QPoint &globalPosition);
+    void removeRequested(const TaskPtr &task);
+    void toggled(const TaskPtr &task);
+    /// The next or previous day, week or month, or the present one.
+    void pageWanted(int step);
+    void todayWanted();
+    /// The day view of a date.
+    void dayWanted(Date day);
+    /// A task was moved to where it is not shown.
+    void wentTo(Date date, const TaskPtr &task);
+
+protected:
+    virtual void setDate(Date date) = 0;
+    /// What moves in a slide.
+    virtual QRect slidingArea() const { return rect(); }
+    /// The present moment has gone on.
+    virtual void timePassed() {}
+    /// How often that is to be shown; the least often for a page that shows only the day.
+    virtual int clockInterval() const = 0;
+
+    /// Has the page answer for what happens in a grid of it.
+    void connectGrid(CalendarGrid *grid);
+
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+
+private:
+    void storeChanged(const StoreChanges &changes);
+    void refreshSoon() { refresh.start(0); }
+    void clockTicked();
+    void goOnByKeys(CalendarGrid *grid, int columns);
+
+    Date shownDate;
+    Date today;
+    QByteArray zone;
+    QTimer refresh;
+    QTimer clock;
+    QPointer<CalendarSlide> slide;
+    std::vector<Observation> observations;
+};

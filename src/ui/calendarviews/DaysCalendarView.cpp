@@ -1,0 +1,267 @@
+#include "calendarviews/DaysCalendarView.h"
+
+#include "calendarviews/DaysLineWeek.h"
+#include "calendarviews/EventGridWeek.h"
+#include "calendarviews/EventsForDaysGridWeek.h"
+#include "foundation/Calendar.h"
+#include "foundation/DateFormatter.h"
+#include "records/NewTaskRequest.h"
+#include "records/dates/MVDate.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/Theme.h"
+
+#include <QCursor>
+#include <QPainter>
+#include <QScrollArea>
+#include <QScrollBar>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int clockPatience = 20 * 1000;
+constexpr int autoscrollPatience = 30;
+constexpr int autoscrollStep = 14;
+
+static QScrollArea *makeScroll(CalendarGrid *grid, QWidget *parent)
+{
+    auto *scroll = new QScrollArea(parent);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(grid);
+    return scroll;
+}
+
+DaysCalendarView::DaysCalendarView(int days, QWidget *parent)
+    : CalendarPage(parent)
+    , dayCount(days)
+    , lanes(new EventsForDaysGridWeek(days))
+    , timed(new EventGridWeek(days))
+    , laneScroll(makeScroll(lanes, this))
+    , timedScroll(makeScroll(timed, this))
+{
+    lanes->setObjectName(u"calendarForDaysDayEventsView"_s);
+    timed->setObjectName(u"calendareView"_s);
+    timedScroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    if (days > 1) {
+        header = new DaysLineWeek(this);
+        header->setObjectName(u"headerView"_s);
+    }
+    setTabOrder(lanes, timed);
+    setFocusProxy(timed);
+    connectParts();
+}
+
+DayGridMetrics DaysCalendarView::metricsOfText()
+{
+    // The height of a bar in which the usual text stands.
+    constexpr double usualLine = 17;
+    const double line = EventCalendarView::textHeight();
+    return DayGridMetrics::scaled(std::max(1.0, line / usualLine), line);
+}
+
+void DaysCalendarView::connectParts()
+{
+    connectGrid(lanes);
+    connectGrid(timed);
+    const auto post = [](NotificationName<MarkedSpan> name) {
+        return [name](const MarkedSpan &span) { NotificationCenter::defaultCenter().post(name, span); };
+    };
+    connect(timed, &CalendarGrid::marked, this, post(notifications::dayCalendarCreateTask));
+    connect(lanes, &CalendarGrid::marked, this, post(notifications::allDayCalendarCreateTask));
+    connect(timed, &CalendarGrid::wantsVisible, this, [this](const QRect &place) {
+        constexpr int margin = 30;
+        timedScroll->ensureVisible(0, place.bottom(), 0, margin);
+        timedScroll->ensureVisible(0, place.top(), 0, margin);
+    });
+    connect(lanes, &CalendarGrid::wantsVisible, this, [this](const QRect &place) {
+        laneScroll->ensureVisible(0, place.bottom(), 0, 4);
+        laneScroll->ensureVisible(0, place.top(), 0, 4);
+    });
+    connect(timed, &CalendarGrid::leftUpwards, this, [this] {
+        if (lanes->laneCount() == 0)
+            return;
+        lanes->setFocus();
+        lanes->enterColumn(timed->currentColumn(), lanes->height());
+    });
+    connect(lanes, &CalendarGrid::leftDownwards, this, [this] {
+        timed->setFocus();
+        timed->enterColumn(lanes->currentColumn(), timedScroll->verticalScrollBar()->value());
+    });
+    connect(timed, &CalendarGrid::draggedAt, this, &DaysCalendarView::scrollOn);
+    connect(&autoscrollTimer, &QTimer::timeout, this, &DaysCalendarView::autoscroll);
+    autoscrollTimer.setInterval(autoscrollPatience);
+    connect(timedScroll->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &DaysCalendarView::visibleSpanChanged);
+    if (header) {
+        connect(header, &DaysLineWeek::dayPressed, this, &CalendarPage::dayWanted);
+        connect(header, &DaysLineWeek::dayMenuWanted, this, [post](Date day) {
+            post(notifications::allDayCalendarCreateTask)(
+                {MVDate::getStartOfDay(day), MVDate::getEndOfDay(day)});
+        });
+        connect(timed, &CalendarGrid::reloaded, this, [this] { header->setClashes(timed->clashes()); });
+    }
+    connect(lanes, &CalendarGrid::reloaded, this, &DaysCalendarView::setSizeScrollViews);
+}
+
+std::vector<CalendarGrid *> DaysCalendarView::grids() const
+{
+    return {timed, lanes};
+}
+
+CalendarGrid *DaysCalendarView::mainGrid() const
+{
+    return timed;
+}
+
+// Days
+
+void DaysCalendarView::setDate(Date date)
+{
+    metrics = metricsOfText();
+    const Date first = firstDayOf(date);
+    lanes->setDays(first, metrics);
+    timed->setDays(first, metrics);
+    describeDays();
+    setSizeScrollViews();
+    if (!wasScrolled && isVisible())
+        scrollToFirst();
+}
+
+void DaysCalendarView::describeDays()
+{
+    if (!header)
+        return;
+    const Date first = firstDayOf(date());
+    const Calendar calendar = Calendar::current();
+    std::vector<DaysLineWeek::Day> days;
+    for (int column = 0; column < dayCount; ++column) {
+        const Date day = CalendarManager::dateWithColumn(column, first);
+        days.push_back({day, DateFormatter::string(day, u"dd EE"_s), calendar.isDateInToday(day)});
+    }
+    header->setDays(std::move(days), static_cast<int>(metrics.gridIndent),
+                    timedScroll->verticalScrollBar()->sizeHint().width());
+    header->setClashes(timed->clashes());
+}
+
+void DaysCalendarView::refreshCalendar()
+{
+    lanes->reload();
+    timed->reload();
+    setSizeScrollViews();
+}
+
+/// A press on empty hours is at the hand's reach only once it is shown where the day begins.
+void DaysCalendarView::scrollToFirst()
+{
+    timedScroll->verticalScrollBar()->setValue(timed->firstHeight());
+    wasScrolled = true;
+}
+
+// Places
+
+void DaysCalendarView::setSizeScrollViews()
+{
+    const int bar = timedScroll->verticalScrollBar()->sizeHint().width();
+    const int headerHeight = header ? DaysLineWeek::neededHeight() : 0;
+    const int area = static_cast<int>(lanes->areaHeight());
+    const bool scrolls = lanes->documentHeight() > lanes->areaHeight();
+    const int line = lanes->laneCount() > 0 ? 2 : dayCount > 1 ? 1 : 0;
+    if (header)
+        header->setGeometry(0, 0, width(), headerHeight);
+    const int laneWidth = scrolls ? width() : width() - bar;
+    laneScroll->setGeometry(isRightToLeft() ? width() - laneWidth : 0, headerHeight, laneWidth, area);
+    lanes->setFixedHeight(std::max(1, static_cast<int>(lanes->documentHeight())));
+    laneScroll->setVisible(area > 0);
+    separator = QRect(0, headerHeight + area, width(), line);
+    const int top = headerHeight + area + line;
+    timedScroll->setGeometry(0, top, width(), std::max(0, height() - top));
+    visibleSpanChanged();
+    update();
+}
+
+void DaysCalendarView::resizeEvent(QResizeEvent *event)
+{
+    CalendarPage::resizeEvent(event);
+    setSizeScrollViews();
+    if (!wasScrolled && timedScroll->height() > 0 && isVisible())
+        scrollToFirst();
+}
+
+void DaysCalendarView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), Theme::card);
+    painter.fillRect(separator, Theme::controlBorder);
+}
+
+QRect DaysCalendarView::slidingArea() const
+{
+    const int bar = timedScroll->verticalScrollBar()->width();
+    const int indent = static_cast<int>(metrics.gridIndent);
+    return isRightToLeft() ? QRect(bar, 0, width() - bar - indent, height())
+                           : QRect(indent, 0, width() - bar - indent, height());
+}
+
+void DaysCalendarView::visibleSpanChanged()
+{
+    const int top = timedScroll->verticalScrollBar()->value();
+    timed->setVisibleSpan(top, top + timedScroll->viewport()->height());
+}
+
+// Time, and dragging beyond the edge
+
+void DaysCalendarView::timePassed()
+{
+    timed->updateCurrentTime();
+    if (!wasScrolled && timedScroll->height() > 0)
+        scrollToFirst();
+}
+
+int DaysCalendarView::clockInterval() const
+{
+    return clockPatience;
+}
+
+void DaysCalendarView::scrollOn(const QPoint &point)
+{
+    const int top = timedScroll->verticalScrollBar()->value();
+    const bool isOutside = point.y() < top || point.y() > top + timedScroll->viewport()->height();
+    if (isOutside && !autoscrollTimer.isActive())
+        autoscrollTimer.start();
+}
+
+void DaysCalendarView::autoscroll()
+{
+    const int y = timedScroll->viewport()->mapFromGlobal(QCursor::pos()).y();
+    const bool isOutside = y < 0 || y > timedScroll->viewport()->height();
+    if (!isOutside || !(QGuiApplication::mouseButtons() & Qt::LeftButton))
+        return autoscrollTimer.stop();
+    QScrollBar *bar = timedScroll->verticalScrollBar();
+    bar->setValue(bar->value() + (y < 0 ? -autoscrollStep : autoscrollStep));
+    timed->continueDrag();
+}
+
+// The two of them
+
+WeekCalendarViewController::WeekCalendarViewController(QWidget *parent)
+    : DaysCalendarView(CalendarManager::daysInWeek, parent)
+{
+    setObjectName(u"WeekCalendarViewController"_s);
+}
+
+Date WeekCalendarViewController::firstDayOf(Date date) const
+{
+    return MVDate::startOfWeek(MVDate::getStartOfDay(date));
+}
+
+DayCalendarViewController::DayCalendarViewController(QWidget *parent)
+    : DaysCalendarView(1, parent)
+{
+    setObjectName(u"DayCalendarViewController"_s);
+}
+
+Date DayCalendarViewController::firstDayOf(Date date) const
+{
+    return MVDate::getStartOfDay(date);
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "calendarviews/CalendarPage.h"
+#include "records/calendars/DayGridMetrics.h"
+
+class DaysLineWeek;
+class EventGridWeek;
+class EventsForDaysGridWeek;
+class QScrollArea;
+
+/// Days side by side: whole-day ToDos above, the hours below.
+class DaysCalendarView : public CalendarPage
+{
+    Q_OBJECT
+public:
+    void refreshCalendar() override;
+    std::vector<CalendarGrid *> grids() const override;
+    CalendarGrid *mainGrid() const override;
+    EventGridWeek *hours() const { return timed; }
+    EventsForDaysGridWeek *wholeDays() const { return lanes; }
+
+    /// The sizes that fit the text of the program.
+    static DayGridMetrics metricsOfText();
+
+protected:
+    DaysCalendarView(int days, QWidget *parent);
+
+    virtual Date firstDayOf(Date date) const = 0;
+    void setDate(Date date) override;
+    QRect slidingArea() const override;
+    void timePassed() override;
+    int clockInterval() const override;
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void connectParts();
+    void setSizeScrollViews();
+    void scrollToFirst();
+    void visibleSpanChanged();
+    void scrollOn(const QPoint &point);
+    void autoscroll();
+    void describeDays();
+
+    int dayCount;
+    DayGridMetrics metrics;
+    DaysLineWeek *header = nullptr;
+    EventsForDaysGridWeek *lanes;
+    EventGridWeek *timed;
+    QScrollArea *laneScroll;
+    QScrollArea *timedScroll;
+    QTimer autoscrollTimer;
+    bool wasScrolled = false;
+    QRect separator;
+};
+
+class WeekCalendarViewController : public DaysCalendarView
+{
+    Q_OBJECT
+public:
+    explicit WeekCalendarViewController(QWidget *parent = nullptr);
+
+protected:
+    Date firstDayOf(Date date) const override;
+};
+
+class DayCalendarViewController : public DaysCalendarView
+{
+    Q_OBJECT
+public:
+    explicit DayCalendarViewController(QWidget *parent = nullptr);
+
+protected:
+    Date firstDayOf(Date date) const override;
+};

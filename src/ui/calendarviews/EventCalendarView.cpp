@@ -1,0 +1,253 @@
+#include "calendarviews/EventCalendarView.h"
+
+#include "calendarsync/CalendarEvent.h"
+#include "foundation/Calendar.h"
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+#include "records/PaletteColor.h"
+#include "store/queries/DBWorker.h"
+#include "widgets/Direction.h"
+#include "widgets/Icons.h"
+#include "widgets/TextLabel.h"
+#include "widgets/Theme.h"
+
+#include <QPainter>
+#include <QStyle>
+
+using namespace Qt::Literals::StringLiterals;
+using Style = DateFormatter::Style;
+
+constexpr double radius = 3;
+constexpr double textLeft = 7;
+constexpr double iconGap = 9;
+constexpr double betweenIcons = 5;
+constexpr double textGap = 7.5;
+
+namespace {
+
+constexpr QColor colorNoneCalendar{78, 107, 145};
+
+QColor ofComponents(double red, double green, double blue)
+{
+    return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
+}
+
+QColor ofCategory(const CategoryPtr &category)
+{
+    const PaletteColor none = palette::colorNone;
+    if (!category || !category->colorR())
+        return ofComponents(none.red, none.green, none.blue);
+    return ofComponents(category->colorR().value_or(0), category->colorG().value_or(0),
+                        category->colorB().value_or(0));
+}
+
+double luminance(const QColor &colour)
+{
+    const auto linear = [](double value) {
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+QFont titleFont()
+{
+    QFont font = Theme::font(Theme::FontRole::Small);
+    font.setWeight(QFont::Medium);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 0.4);
+    return font;
+}
+
+int iconSize()
+{
+    return QFontMetrics(titleFont()).ascent();
+}
+
+} // namespace
+
+EventCalendarView::EventCalendarView(std::shared_ptr<MVTask> shownEvent)
+    : copy(std::move(shownEvent))
+    , colour(colourOf(*copy))
+{}
+
+// Colours
+
+QColor EventCalendarView::colourOf(const MVTask &task)
+{
+    if (DBWorker::isSample())
+        return ofCategory(task.category);
+    const auto calendar = task.typeCalendarID.isEmpty()
+                              ? std::nullopt
+                              : CalendarEvent::calendarOfIdentifier(task.typeCalendarID);
+    if (!calendar)
+        return colorNoneCalendar;
+    const EKColor color = CalendarEvent::getColorOfCalendar(*calendar);
+    return ofComponents(color.red, color.green, color.blue);
+}
+
+QColor EventCalendarView::colourOfNew()
+{
+    QColor colour = colorNoneCalendar;
+    if (DBWorker::isSample()) {
+        colour = ofCategory(nullptr);
+    } else if (const auto calendar = CalendarEvent::getDefaultAccessCalendar()) {
+        const EKColor color = CalendarEvent::getColorOfCalendar(*calendar);
+        colour = ofComponents(color.red, color.green, color.blue);
+    }
+    colour.setAlphaF(0.85F);
+    return colour;
+}
+
+QColor EventCalendarView::backgraundColor() const
+{
+    QColor fill = colour;
+    fill.setAlphaF(0.75F);
+    return fill;
+}
+
+/// White but on a colour on which it could not be read.
+QColor EventCalendarView::textColour() const
+{
+    constexpr double leastContrast = 1.9;
+    const double contrast = 1.05 / (luminance(colour) + 0.05);
+    return contrast < leastContrast ? Theme::text : Theme::textOnAccent;
+}
+
+// Words
+
+double EventCalendarView::textHeight()
+{
+    return QFontMetricsF(titleFont()).height();
+}
+
+QString EventCalendarView::timeText() const
+{
+    const auto time = [](Date date) { return DateFormatter::string(date, Style::None, Style::Short); };
+    if (copy->isToDo())
+        return localized(u"All day"_s);
+    if (!copy->dueDate)
+        return {};
+    if (copy->isEmailCall() || !copy->startDate || *copy->startDate == *copy->dueDate)
+        return time(*copy->dueDate);
+    return time(*copy->startDate) + u" – "_s + time(*copy->dueDate);
+}
+
+QString EventCalendarView::dayName(Date date)
+{
+    return DateFormatter::string(date, DateFormatter::patternFromTemplate(u"EEEEdMMMM"_s));
+}
+
+QString EventCalendarView::spokenTime() const
+{
+    const auto moment = [&](Date date, OptionalDate known) {
+        const QString time =
+            copy->isToDo() ? QString() : DateFormatter::string(date, Style::None, Style::Short);
+        if (known && Calendar::current().isSameDay(date, *known))
+            return time;
+        return time.isEmpty() ? dayName(date) : dayName(date) + u", "_s + time;
+    };
+    const OptionalDate start = copy->isEmailCall() || !copy->startDate ? copy->dueDate : copy->startDate;
+    if (!start)
+        return {};
+    const QString from = moment(*start, std::nullopt);
+    const QString to = copy->dueDate && *copy->dueDate != *start ? moment(*copy->dueDate, start) : QString();
+    return to.isEmpty() ? from : localized(u"%1 to %2"_s).arg(from, to);
+}
+
+QString EventCalendarView::placeText() const
+{
+    if (DBWorker::isSample())
+        return copy->category ? localized(copy->category->title()) : QString();
+    return localized(copy->calendarTitle);
+}
+
+QString EventCalendarView::iconName() const
+{
+    return copy->isEmailCall() ? u"mail"_s : copy->isAppointment() ? u"appointment"_s : u"todo"_s;
+}
+
+// Painting
+
+void EventCalendarView::paint(QPainter &painter, const QRectF &frame, const State &state) const
+{
+    if (frame.width() < 1 || frame.height() < 1)
+        return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintBack(painter, frame, state);
+    painter.setClipRect(frame, Qt::IntersectClip);
+    paintWords(painter, frame, state);
+    painter.restore();
+}
+
+void EventCalendarView::paintBack(QPainter &painter, const QRectF &frame, const State &state) const
+{
+    constexpr QColor shadow{0, 0, 0, 77};
+    constexpr QColor shadowOverOther{0, 0, 0, 110};
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(state.isOverOther ? shadowOverOther : shadow);
+    const double blur = state.isOverOther ? 2 : 0.5;
+    painter.drawRoundedRect(frame.adjusted(-blur, -0.5, blur, blur), radius + 0.5, radius + 0.5);
+    // A fill that lets the grid through stands on the paper, not on its own shadow.
+    painter.setBrush(Theme::card);
+    painter.drawRoundedRect(frame, radius, radius);
+    if (state.isOverOther)
+        painter.setPen(QPen(Theme::card, 1));
+    painter.setBrush(state.isSelected ? selectedBacgraundColor() : backgraundColor());
+    painter.drawRoundedRect(frame, radius, radius);
+}
+
+/// Gives back where the text has to end, counted from the leading edge.
+double EventCalendarView::paintIcons(QPainter &painter, const QRectF &frame, const State &state) const
+{
+    constexpr double leastWidth = 64;
+    if (frame.width() < leastWidth)
+        return frame.width() - 3;
+    const double size = iconSize();
+    const double top = std::max((frame.height() - size) * 0.5, frame.height() - size - iconGap);
+    double left = frame.width() - iconGap - size;
+    const auto paintIcon = [&](const QString &name) {
+        QRectF place(frame.left() + left, frame.top() + top, size, size);
+        if (state.direction == Qt::RightToLeft)
+            place.moveLeft(frame.left() + frame.right() - place.right());
+        Icons::paint(painter, place.toRect(), name, textColour(), static_cast<int>(size));
+    };
+    paintIcon(iconName());
+    if (!copy->repeat.isEmpty()) {
+        left -= betweenIcons + size;
+        paintIcon(u"repeat"_s);
+    }
+    return left - textGap;
+}
+
+/// The words stay at what can be seen of a tall item.
+void EventCalendarView::paintWords(QPainter &painter, const QRectF &frame, const State &state) const
+{
+    constexpr double leastHeight = 18;
+    const double line = std::max(textHeight(), leastHeight);
+    const bool hasSecondLine = !copy->isToDo() && frame.height() >= 2 * line;
+    const double end = paintIcons(painter, frame, state);
+    const QRectF seen = state.visible.isEmpty() ? frame : frame.intersected(state.visible);
+    const double hidden = std::max(0.0, seen.top() - frame.top());
+    const double top = std::min(hidden, std::max(0.0, frame.height() - (hasSecondLine ? 2 : 1) * line));
+    const auto placeOf = [&](double y, double until) {
+        const double height = std::min(line, frame.height());
+        QRectF place(frame.left() + textLeft, frame.top() + y, std::max(0.0, until - textLeft), height);
+        if (state.direction == Qt::RightToLeft)
+            place.moveLeft(frame.left() + frame.right() - place.right());
+        return place.toAlignedRect();
+    };
+    const bool isBesideIcon = frame.height() - top < line + iconSize() + iconGap;
+    QFont written = titleFont();
+    written.setStrikeOut(isDone());
+    painter.setFont(written);
+    painter.setPen(textColour());
+    Direction::drawLine(painter, placeOf(top, isBesideIcon ? end : frame.width() - 3), state.direction,
+                        title());
+    if (!hasSecondLine)
+        return;
+    const bool isTimeBesideIcon = frame.height() - top < 2 * line + iconSize() + iconGap;
+    painter.setFont(Theme::font(Theme::FontRole::Small));
+    Direction::drawLine(painter, placeOf(top + line - 2, isTimeBesideIcon ? end : frame.width() - 3),
+                        state.direction, timeText());
+}

@@ -1,0 +1,351 @@
+#include "calendarviews/EventsGridMonth.h"
+
+#include "foundation/Calendar.h"
+#include "foundation/Clock.h"
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+#include "records/NewTaskRequest.h"
+#include "records/dates/MVDate.h"
+#include "widgets/TextLabel.h"
+#include "widgets/Theme.h"
+
+#include <QPainter>
+#include <QRegularExpression>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr double numberRight = 9;
+constexpr double numberTop = 7;
+
+static QFont numberFont()
+{
+    return Theme::font(Theme::FontRole::Body);
+}
+
+EventsGridMonth::EventsGridMonth(QWidget *parent)
+    : CalendarGrid(parent)
+    , month(Clock::now())
+    , grid({1, 1}, {}, {})
+{}
+
+void EventsGridMonth::setMonth(Date date)
+{
+    month = date;
+    rows = CalendarMonthRow::rowsOfMonth(month);
+    reload();
+}
+
+// Items
+
+std::vector<std::shared_ptr<MVTask>> EventsGridMonth::fetch()
+{
+    items = CalendarManager::dataBaseGetItems(rows);
+    firstOfRow.clear();
+    std::vector<std::shared_ptr<MVTask>> copies;
+    for (const CalendarForDaysItems &row : items) {
+        firstOfRow.push_back(static_cast<int>(copies.size()));
+        for (const CalendarForDaysItem &item : row)
+            copies.push_back(item.obj());
+    }
+    findClashes();
+    return copies;
+}
+
+/// An appointment of a day is compared with those before it.
+void EventsGridMonth::findClashes()
+{
+    clashing.assign(static_cast<size_t>(slotRows() * columnCount()), false);
+    for (size_t row = 0; row < items.size(); ++row) {
+        std::vector<DateInterval> spans;
+        for (const CalendarForDaysItem &item : items[row]) {
+            const MVTask &task = *item.obj();
+            if (task.isAppointment() && task.startDate && task.dueDate && *task.startDate < *task.dueDate)
+                spans.push_back({*task.startDate, *task.dueDate});
+        }
+        std::ranges::sort(spans, {}, &DateInterval::start);
+        for (size_t number = 1; number < spans.size(); ++number) {
+            DateInterval &span = spans[number];
+            const int column = CalendarMonthColumn::getColumnNumberWithDate(span.start, rows[row]);
+            if (span.start < spans[number - 1].end && column >= 0)
+                clashing[row * static_cast<size_t>(columnCount()) + static_cast<size_t>(column)] = true;
+            span.end = std::max(span.end, spans[number - 1].end);
+        }
+    }
+}
+
+std::vector<CalendarGrid::Placed> EventsGridMonth::layout()
+{
+    metrics = MonthGridMetrics::forText(EventCalendarView::textHeight());
+    grid = MonthGridLayout(size(), metrics, items);
+    std::vector<Placed> placedItems;
+    for (const MonthGridLayout::Bar &bar : grid.bars()) {
+        if (!bar.isVisible)
+            continue;
+        Placed &one = placedItems.emplace_back();
+        one.event = firstOfRow[static_cast<size_t>(bar.row)] + bar.item;
+        one.frame = bar.frame;
+        one.frame.setRight(std::min<double>(one.frame.right(), width() - 2));
+        one.segment = bar.row;
+    }
+    return placedItems;
+}
+
+Date EventsGridMonth::dateOf(Cell cell) const
+{
+    return rows[static_cast<size_t>(cell.row)].dateOfColumn(cell.column);
+}
+
+// Dragging
+
+EventsGridMonth::Cell EventsGridMonth::nearestCell(QPointF point) const
+{
+    const QPointF inside(std::clamp(point.x(), 0.0, width() - 1.0),
+                         std::clamp(point.y(), 0.0, height() - 5.0));
+    return grid.cellAt(inside).value_or(Cell{});
+}
+
+std::optional<TaskDates> EventsGridMonth::datesAt(const Drag &drag, QPointF point, bool)
+{
+    if (point.x() < 0 || point.x() >= width())
+        point.setX(nearestCell(point).column < 1 ? 0 : width() - 1);
+    const Cell from = nearestCell(drag.pressedAt);
+    const Cell to = nearestCell(point);
+    const int moved = (to.row - from.row) * columnCount() + to.column - from.column;
+    return moved == 0 ? drag.before : CalendarDrag::shiftedByDays(MVTask(drag.task), moved);
+}
+
+/// A mail or call on its day; a ToDo wherever it overlaps; an Appointment where it lies inside of the row.
+bool EventsGridMonth::touches(const MVTask &task, const CalendarMonthRow &row) const
+{
+    if (!task.dueDate)
+        return false;
+    const Date start = task.startDate && !task.isEmailCall() ? *task.startDate : *task.dueDate;
+    if (task.isAppointment() && start >= row.startDate && *task.dueDate <= row.endDate)
+        return true;
+    return !(row.endDate < start) && !(*task.dueDate < row.startDate);
+}
+
+CalendarForDaysItem EventsGridMonth::segmentOf(const std::shared_ptr<MVTask> &copy,
+                                               const CalendarMonthRow &row) const
+{
+    CalendarForDaysItem item(copy);
+    if (item.startDueDate) {
+        item.column = CalendarMonthColumn::getColumnNumberWithDate(*copy->dueDate, row);
+        item.duration = 1;
+        return item;
+    }
+    const Date start = copy->startDate ? *copy->startDate : *copy->dueDate;
+    CalendarManager::settingEventItem(item, row.startDate, row.endDate,
+                                      CalendarMonthColumn::getColumnNumberWithDate(start, row),
+                                      CalendarMonthColumn::getColumnNumberWithDate(*copy->dueDate, row));
+    return item;
+}
+
+/// In the lane where it was pressed, in every row that it touches.
+std::vector<CalendarGrid::Placed> EventsGridMonth::layoutOfDrag(const Drag &drag)
+{
+    const auto copy = std::make_shared<MVTask>(drag.task);
+    drag.dates.putInto(*copy);
+    const auto row = static_cast<size_t>(drag.from.segment);
+    const auto inRow = static_cast<size_t>(drag.from.event - firstOfRow[row]);
+    const qint64 lane = items[row][inRow].row;
+    std::vector<Placed> bars;
+    for (const CalendarMonthRow &week : rows) {
+        if (!touches(*copy, week))
+            continue;
+        const CalendarForDaysItem item = segmentOf(copy, week);
+        const qint64 column = std::clamp<qint64>(item.column, 0, columnCount() - 1);
+        const qint64 days = std::min<qint64>(std::max<qint64>(item.duration, 1), columnCount() - column);
+        const QRectF cell = grid.cellFrame({week.row, static_cast<int>(column)});
+        const double top = cell.top() + metrics.dayLabelBottom +
+                           static_cast<double>(lane - 1) * (metrics.eventHeight + 1) + 4;
+        bars.push_back({.event = drag.from.event,
+                        .frame = {cell.left() + 1, top, cell.width() * static_cast<double>(days) - 3,
+                                  static_cast<double>(metrics.eventHeight)},
+                        .segment = week.row});
+    }
+    return bars;
+}
+
+std::optional<TaskDates> EventsGridMonth::datesAfterKey(const MVTask &task, int key, bool resizes)
+{
+    constexpr Seconds least{15 * 60};
+    const int week = columnCount();
+    const int days = key == Qt::Key_Left ? -1 : key == Qt::Key_Right ? 1 : key == Qt::Key_Up ? -week : week;
+    if (!resizes)
+        return CalendarDrag::shiftedByDays(task, days);
+    if (task.isToDo())
+        return CalendarDrag::resizedByDays(task, CalendarDrag::Edge::Due, days);
+    if (task.isEmailCall())
+        return std::nullopt;
+    return CalendarDrag::resizedTo(task, CalendarDrag::Edge::Due,
+                                   *CalendarDrag::shiftedByDays(task, days).due, least);
+}
+
+// Making something new, and going to a day
+
+void EventsGridMonth::createAt(QPointF point)
+{
+    if (const auto cell = grid.cellAt(point))
+        createInSlot(cell->row * columnCount() + cell->column);
+}
+
+void EventsGridMonth::createInSlot(int slot)
+{
+    const Date date = dateOf(cellOf(slot));
+    Q_EMIT marked({MVDate::getStartOfDay(date), MVDate::getEndOfDay(date)});
+}
+
+void EventsGridMonth::openSlot(int slot)
+{
+    Q_EMIT dayWanted(dateOf(cellOf(slot)));
+}
+
+/// The number of hidden bars leads to their day.
+bool EventsGridMonth::pressElse(QPointF point)
+{
+    const auto cell = grid.cellAt(point);
+    if (!cell || grid.hiddenIn(*cell) < 1 || !grid.moreLabelFrame(*cell).contains(point))
+        return false;
+    Q_EMIT dayWanted(dateOf(*cell));
+    return true;
+}
+
+// Days
+
+QRectF EventsGridMonth::slotFrame(int slot) const
+{
+    return grid.cellFrame(cellOf(slot));
+}
+
+QString EventsGridMonth::slotName(int slot) const
+{
+    constexpr qsizetype mostTold = 12;
+    const Cell cell = cellOf(slot);
+    QStringList words;
+    for (const CalendarForDaysItem &item : items[static_cast<size_t>(cell.row)]) {
+        if (item.column > cell.column || cell.column >= item.column + std::max<qint64>(item.duration, 1))
+            continue;
+        const EventCalendarView event(item.obj());
+        words << QStringList{firstPart(event.title()), event.timeText(), event.placeText()}
+                     .filter(QRegularExpression(u"."_s))
+                     .join(u", "_s);
+    }
+    const qsizetype count = words.size();
+    const Date date = dateOf(cell);
+    QString name = EventCalendarView::dayName(date);
+    if (Calendar::current().isDateInToday(date))
+        name += u", "_s + localized(u"Today"_s);
+    name += u", "_s + (count == 1 ? localized(u"1 item"_s) : localized(u"%1 items"_s).arg(count));
+    return QStringList(QStringList{name} + words.mid(0, mostTold)).join(u"; "_s);
+}
+
+QStringList EventsGridMonth::columnNames() const
+{
+    QStringList names;
+    for (int column = 0; !rows.empty() && column < columnCount(); ++column)
+        names << DateFormatter::string(rows.front().dateOfColumn(column), u"EEEE"_s);
+    return names;
+}
+
+int EventsGridMonth::firstSlot() const
+{
+    const Calendar calendar = Calendar::current();
+    for (int slot = 0; slot < slotRows() * columnCount(); ++slot) {
+        if (calendar.isDateInToday(dateOf(cellOf(slot))))
+            return slot;
+    }
+    return 0;
+}
+
+QString EventsGridMonth::gridName() const
+{
+    return DateFormatter::string(month, DateFormatter::patternFromTemplate(u"MMMMy"_s));
+}
+
+// Painting
+
+void EventsGridMonth::paintCell(QPainter &painter, Cell cell) const
+{
+    constexpr QColor quiet{246, 247, 249};
+    constexpr QColor today{43, 99, 201, 12};
+    const Calendar calendar = Calendar::current();
+    const Date date = dateOf(cell);
+    const QRectF frame = visual(grid.cellFrame(cell));
+    painter.fillRect(frame, MVDate::orWeekend(date) ? quiet : Theme::card);
+    if (!isPaintedForPaper() && calendar.isDateInToday(date))
+        painter.fillRect(frame, today);
+    painter.fillRect(QRectF(frame.left(), std::floor(frame.bottom()) - 1, frame.width(), 1),
+                     Theme::cardBorder);
+    const double edge = isRightToLeft() ? frame.left() : frame.right();
+    painter.fillRect(QRectF(std::floor(edge) - (isRightToLeft() ? 0 : 1), frame.top(), 1, frame.height()),
+                     Theme::cardBorder);
+    if (cell.column == 0) {
+        painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
+        painter.setPen(Theme::disabledText);
+        painter.drawText(frame.adjusted(7, numberTop, -7, 0), Qt::AlignTop | Qt::AlignLeading,
+                         QString::number(calendar.weekOfYear(date)));
+    }
+    paintNumber(painter, cell);
+    paintMore(painter, cell);
+}
+
+void EventsGridMonth::paintNumber(QPainter &painter, Cell cell) const
+{
+    constexpr double discMargin = 4;
+    const Date date = dateOf(cell);
+    const Calendar calendar = Calendar::current();
+    const bool isToday = !isPaintedForPaper() && calendar.isDateInToday(date);
+    QFont font = numberFont();
+    if (isToday)
+        font.setWeight(QFont::DemiBold);
+    const QString text = DateFormatter::string(date, calendar.day(date) == 1 ? u"MMM d"_s : u"d"_s);
+    const QFontMetricsF size(font);
+    const double textWidth = size.horizontalAdvance(text);
+    const QRectF frame = grid.cellFrame(cell);
+    const QRectF place = visual({frame.right() - numberRight - textWidth, frame.top() + numberTop, textWidth,
+                                 metrics.dayLabelBottom - numberTop});
+    if (isToday) {
+        const double diameter = size.height() + 2;
+        QRectF disc(0, 0, std::max(diameter, textWidth + 2 * discMargin), diameter);
+        disc.moveCenter(place.center());
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Theme::accent);
+        painter.drawRoundedRect(disc, diameter / 2, diameter / 2);
+    }
+    painter.setFont(font);
+    painter.setPen(isToday                                         ? Theme::textOnAccent
+                   : calendar.month(date) != calendar.month(month) ? Theme::disabledText
+                                                                   : Theme::text);
+    painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, text);
+    if (clashing[static_cast<size_t>(cell.row * columnCount() + cell.column)]) {
+        constexpr double dot = 5;
+        QRectF mark(frame.right() - numberRight - textWidth - 14, 0, dot, dot);
+        mark = visual(mark);
+        mark.moveTop(place.center().y() - dot / 2);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Theme::priorityMedium);
+        painter.drawEllipse(mark);
+    }
+}
+
+void EventsGridMonth::paintMore(QPainter &painter, Cell cell) const
+{
+    const int hidden = grid.hiddenIn(cell);
+    if (hidden < 1)
+        return;
+    painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
+    painter.setPen(Theme::secondaryText);
+    painter.drawText(visual(grid.moreLabelFrame(cell)), Qt::AlignLeading | Qt::AlignVCenter,
+                     u"%1 %2"_s.arg(hidden).arg(localized(u"more"_s)));
+}
+
+void EventsGridMonth::paintGrid(QPainter &painter, const QRect &clip)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setLayoutDirection(layoutDirection());
+    for (int slot = 0; slot < slotRows() * columnCount(); ++slot) {
+        if (visual(slotFrame(slot)).intersects(clip))
+            paintCell(painter, cellOf(slot));
+    }
+}

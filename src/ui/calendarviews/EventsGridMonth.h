@@ -1,0 +1,69 @@
+#pragma once
+
+#include "calendarviews/CalendarGrid.h"
+#include "records/calendars/CalendarMonthRow.h"
+#include "records/calendars/MonthGridLayout.h"
+
+/// The weeks of a month: all kinds of tasks as bars of one line across their days, as many as fit, and the
+/// number of the others.
+class EventsGridMonth : public CalendarGrid
+{
+    Q_OBJECT
+public:
+    explicit EventsGridMonth(QWidget *parent = nullptr);
+
+    void setMonth(Date date);
+    const MonthGridLayout &layoutOfItems() const { return grid; }
+    const std::vector<CalendarMonthRow> &weeks() const { return rows; }
+
+Q_SIGNALS:
+    /// The user wants to see a day with all that is hidden of it.
+    void dayWanted(Date day);
+
+protected:
+    std::vector<std::shared_ptr<MVTask>> fetch() override;
+    std::vector<Placed> layout() override;
+    void paintGrid(QPainter &painter, const QRect &clip) override;
+
+    Zone zoneAt(const Placed &, QPointF) const override { return Zone::Inside; }
+    Qt::CursorShape cursorOf(Zone) const override { return Qt::ArrowCursor; }
+    std::optional<TaskDates> datesAt(const Drag &drag, QPointF point, bool isExact) override;
+    std::vector<Placed> layoutOfDrag(const Drag &drag) override;
+    std::optional<TaskDates> datesAfterKey(const MVTask &task, int key, bool resizes) override;
+    void createAt(QPointF point) override;
+    bool pressElse(QPointF point) override;
+
+    int columnCount() const override { return CalendarManager::daysInWeek; }
+    int slotRows() const override { return static_cast<int>(rows.size()); }
+    QRectF slotFrame(int slot) const override;
+    QString slotName(int slot) const override;
+    QStringList columnNames() const override;
+    bool staysReachable() const override { return true; }
+    void createInSlot(int slot) override;
+    void openSlot(int slot) override;
+    int firstSlot() const override;
+    QString gridName() const override;
+
+private:
+    using Cell = MonthGridLayout::Cell;
+
+    Cell cellOf(int slot) const { return {slot / columnCount(), slot % columnCount()}; }
+    Date dateOf(Cell cell) const;
+    Cell nearestCell(QPointF point) const;
+    CalendarForDaysItem segmentOf(const std::shared_ptr<MVTask> &copy, const CalendarMonthRow &row) const;
+    bool touches(const MVTask &task, const CalendarMonthRow &row) const;
+    void findClashes();
+    void paintCell(QPainter &painter, Cell cell) const;
+    void paintNumber(QPainter &painter, Cell cell) const;
+    void paintMore(QPainter &painter, Cell cell) const;
+
+    Date month;
+    std::vector<CalendarMonthRow> rows;
+    std::vector<CalendarForDaysItems> items;
+    /// Where the items of each row begin among all.
+    std::vector<int> firstOfRow;
+    /// The days of which two appointments are at the same time, by slot.
+    std::vector<bool> clashing;
+    MonthGridMetrics metrics;
+    MonthGridLayout grid;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "calendarviews/CalendarPage.h"
+
+class DaysLineWeek;
+class EventsGridMonth;
+
+/// A month: the names of its weekdays above its weeks.
+class MonthCalendarViewController : public CalendarPage
+{
+    Q_OBJECT
+public:
+    explicit MonthCalendarViewController(QWidget *parent = nullptr);
+
+    void refreshCalendar() override;
+    std::vector<CalendarGrid *> grids() const override;
+    CalendarGrid *mainGrid() const override;
+    EventsGridMonth *weeks() const { return grid; }
+
+protected:
+    void setDate(Date date) override;
+    int clockInterval() const override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    DaysLineWeek *header;
+    EventsGridMonth *grid;
+};

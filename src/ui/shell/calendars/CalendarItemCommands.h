@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QObject>
+
+class CalendarPage;
+class TabsViewController;
+class TaskPopupMenu;
+
+/// What can be done with the items of a calendar that a screen shows: they are opened, ticked, deleted, and
+/// have the menu of tasks.
+class CalendarItemCommands : public QObject
+{
+    Q_OBJECT
+public:
+    explicit CalendarItemCommands(TabsViewController &shownOn);
+
+    void serve(CalendarPage &page);
+    /// Deletes the task that is selected on a page, after asking.
+    void removeSelected(CalendarPage &page);
+
+private:
+    void showMenu(const QPoint &globalPosition);
+
+    TabsViewController &screen;
+    TaskPopupMenu *menu = nullptr;
+};
