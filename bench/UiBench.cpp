@@ -1,9 +1,11 @@
 #include "StoreGenerator.h"
+#include "calendarviews/CalendarGrid.h"
 #include "cloud/FileManager.h"
 #include "objectstore/Transaction.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "shell/Shell.h"
+#include "shell/calendars/CalendarViewController.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/Animations.h"
@@ -55,7 +57,7 @@ void print(const char *what, const Times &ours, const Times &bare = {})
 {
     std::printf("%-34s median %7.2f ms  longest %7.2f ms", what, ours.median, ours.longest);
     if (bare.median > 0)
-        std::printf("  bare list %6.2f ms  ratio %4.2f", bare.median, ours.median / bare.median);
+        std::printf("  bare %6.2f ms  ratio %4.2f", bare.median, ours.median / bare.median);
     std::printf("\n");
 }
 
@@ -163,10 +165,75 @@ Times changesOfOne(TableViewExtended &list)
     return {times[times.size() / 2], times.back()};
 }
 
+/// A page of the calendar shown anew, read and painted.
+Times pagesOf(CalendarViewController &calendar, CalendarViewController::CalendarType type, QWidget &window)
+{
+    return timesOf([&](int) {
+        calendar.showCalendar(type);
+        QApplication::processEvents();
+        window.repaint();
+    });
+}
+
+void sendMouse(QWidget &to, QEvent::Type type, QPointF place)
+{
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, place, to.mapToGlobal(place), button, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&to, &event);
+}
+
+/// One of the items of a week follows the mouse, which is given up in the end.
+Times dragStepsOf(CalendarGrid &grid, QWidget &window)
+{
+    const auto movable = std::ranges::find_if(grid.placed(), [&](const CalendarGrid::Placed &one) {
+        return CalendarDrag::isMovable(*grid.events()[static_cast<size_t>(one.event)].event());
+    });
+    if (movable == grid.placed().end())
+        return {};
+    const QPointF from = movable->frame.center();
+    sendMouse(grid, QEvent::MouseButtonPress, from);
+    const Times steps = timesOf([&](int round) {
+        sendMouse(grid, QEvent::MouseMove, from + QPointF(round * 3, 9 * round));
+        window.repaint();
+    });
+    grid.cancelDrag();
+    return steps;
+}
+
+/// The same window, painted with nothing in its calendar.
+Times bareWindow(CalendarViewController &calendar, QWidget &window)
+{
+    calendar.calendarGoToDate(Date::fromReferenceSeconds(-3e9));
+    QApplication::processEvents();
+    const Times times = timesOf([&](int) { window.repaint(); });
+    calendar.calendarToday();
+    QApplication::processEvents();
+    return times;
+}
+
+void measureCalendar(CalendarViewController &calendar, QWidget &window)
+{
+    using Type = CalendarViewController::CalendarType;
+    calendar.showCalendar(Type::Week);
+    QApplication::processEvents();
+    const CalendarGrid &hours = *calendar.calendarPage()->mainGrid();
+    const Times bareWeek = bareWindow(calendar, window);
+    std::printf("%-34s        %7zu\n", "Items among the hours of the week", hours.placed().size());
+    print("Week, fetched to painted", pagesOf(calendar, Type::Week, window), bareWeek);
+    print("A drag step in the week", dragStepsOf(*calendar.calendarPage()->mainGrid(), window));
+    calendar.showCalendar(Type::Month);
+    QApplication::processEvents();
+    const Times bareMonth = bareWindow(calendar, window);
+    print("Month, fetched to painted", pagesOf(calendar, Type::Month, window), bareMonth);
+    print("A drag step in the month", dragStepsOf(*calendar.calendarPage()->mainGrid(), window));
+    print("Day, fetched to painted", pagesOf(calendar, Type::Day, window));
+}
+
 } // namespace
 
 /// How long the window takes for what is done in it most, with 100,000 tasks: a key press and a jump in the
-/// longest list, a change by a pass, and the opening of a task, each up to the painted picture.
+/// longest list, a change by a pass, the opening of a task, and the pages of the calendar, each up to the
+/// painted picture.
 int main(int argc, char *argv[])
 {
     if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
@@ -209,5 +276,9 @@ int main(int argc, char *argv[])
               press(list, Qt::Key_Return);
               window.repaint();
           }));
+    window.resize(1440, 900);
+    run("actionShowCalendar");
+    if (auto *calendar = window.findChild<CalendarViewController *>())
+        measureCalendar(*calendar, window);
     return 0;
 }

@@ -66,6 +66,7 @@ void CalendarGrid::reload()
 
 void CalendarGrid::relayout()
 {
+    still = {};
     places = layout();
     if (held && held->isActive)
         draggedPlaces = layoutOfDrag(*held);
@@ -166,15 +167,13 @@ TaskPtr CalendarGrid::currentTask() const
 
 // Painting
 
-void CalendarGrid::paintEvent(QPaintEvent *event)
+void CalendarGrid::paintItems(QPainter &painter, const std::vector<const Placed *> &items, const QRect &clip)
 {
-    QPainter painter(this);
-    paintGrid(painter, event->rect());
     const SelectedTaskController &selection = SelectedTaskController::sharedCenter();
     const QRectF visible = visibleRegion().boundingRect();
-    for (const Placed *one : paintingOrder()) {
+    for (const Placed *one : items) {
         const QRectF frame = visual(one->frame);
-        if (!frame.adjusted(-3, -3, 3, 3).intersects(event->rect()))
+        if (!frame.adjusted(-3, -3, 3, 3).intersects(clip))
             continue;
         const EventCalendarView &item = eventOf(*one);
         item.paint(painter, frame,
@@ -182,6 +181,41 @@ void CalendarGrid::paintEvent(QPaintEvent *event)
                     .isOverOther = liesOverOther(*one),
                     .direction = layoutDirection(),
                     .visible = visible});
+    }
+}
+
+/// What stays where it is during a drag is painted once.
+void CalendarGrid::paintDrag(QPainter &painter, const QRect &clip)
+{
+    const QRect visible = visibleRegion().boundingRect();
+    if (still.isNull() || stillPlace != visible) {
+        stillPlace = visible;
+        still = QPixmap(visible.size() * devicePixelRatio());
+        still.setDevicePixelRatio(devicePixelRatio());
+        still.fill(Theme::card);
+        QPainter stillPainter(&still);
+        stillPainter.translate(-visible.topLeft());
+        paintGrid(stillPainter, visible);
+        std::vector<const Placed *> others = paintingOrder();
+        others.resize(others.size() - draggedPlaces.size());
+        paintItems(stillPainter, others, visible);
+    }
+    painter.drawPixmap(visible.topLeft(), still);
+    std::vector<const Placed *> moved;
+    for (const Placed &one : draggedPlaces)
+        moved.push_back(&one);
+    paintItems(painter, moved, clip);
+}
+
+void CalendarGrid::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    if (held && held->isActive) {
+        paintDrag(painter, event->rect());
+    } else {
+        still = {};
+        paintGrid(painter, event->rect());
+        paintItems(painter, paintingOrder(), event->rect());
     }
     painter.setRenderHint(QPainter::Antialiasing);
     if (hasFocus() && showsSpot && !isDragging()) {

@@ -4,6 +4,7 @@
 #include "foundation/NotificationCenter.h"
 #include "records/CalendarDrag.h"
 
+#include <QPixmap>
 #include <QTimer>
 #include <QWidget>
 
@@ -212,6 +213,8 @@ private:
     const Placed *placedOf(RowId row) const;
     void raise(const TaskPtr &task);
     std::vector<const Placed *> paintingOrder() const;
+    void paintItems(QPainter &painter, const std::vector<const Placed *> &items, const QRect &clip);
+    void paintDrag(QPainter &painter, const QRect &clip);
     bool liesOverOther(const Placed &item) const;
     void select(const TaskPtr &task);
     void hover(QPointF point);
@@ -249,6 +252,9 @@ private:
     std::vector<Placed> places;
     std::vector<Placed> draggedPlaces;
     std::optional<Drag> held;
+    /// What does not move during a drag, and what of the grid it shows.
+    QPixmap still;
+    QRect stillPlace;
     std::optional<QPointF> rightPressedAt;
     Spot spot;
     bool showsSpot = false;

@@ -36,6 +36,13 @@ public:
     /// The grid that takes the keyboard.
     virtual CalendarGrid *mainGrid() const = 0;
 
+    /// Another page of the same kind at the same date, that nobody sees.
+    virtual std::unique_ptr<CalendarPage> copyForPaper() const = 0;
+    /// Gives itself the size at which it has the shape of a page of paper (width by height).
+    virtual void fitToPaper(double ratio) = 0;
+    /// Paints itself from its upper left corner, whole, without what the mouse and the keyboard do.
+    virtual void paintForPaper(QPainter &painter) = 0;
+
 Q_SIGNALS:
     void eventViewSelectedItem();
     void opened(const TaskPtr &task);

@@ -122,13 +122,13 @@ void DaysCalendarView::setDate(Date date)
     const Date first = firstDayOf(date);
     lanes->setDays(first, metrics);
     timed->setDays(first, metrics);
-    describeDays();
+    describeDays(timedScroll->verticalScrollBar()->sizeHint().width());
     setSizeScrollViews();
     if (!wasScrolled && isVisible())
         scrollToFirst();
 }
 
-void DaysCalendarView::describeDays()
+void DaysCalendarView::describeDays(int trailing)
 {
     if (!header)
         return;
@@ -139,8 +139,7 @@ void DaysCalendarView::describeDays()
         const Date day = CalendarManager::dateWithColumn(column, first);
         days.push_back({day, DateFormatter::string(day, u"dd EE"_s), calendar.isDateInToday(day)});
     }
-    header->setDays(std::move(days), static_cast<int>(metrics.gridIndent),
-                    timedScroll->verticalScrollBar()->sizeHint().width());
+    header->setDays(std::move(days), static_cast<int>(metrics.gridIndent), trailing);
     header->setClashes(timed->clashes());
 }
 
@@ -207,6 +206,72 @@ void DaysCalendarView::visibleSpanChanged()
 {
     const int top = timedScroll->verticalScrollBar()->value();
     timed->setVisibleSpan(top, top + timedScroll->viewport()->height());
+}
+
+// Paper
+
+std::unique_ptr<CalendarPage> DaysCalendarView::copyForPaper() const
+{
+    std::unique_ptr<CalendarPage> copy;
+    if (dayCount == 1)
+        copy = std::make_unique<DayCalendarViewController>();
+    else
+        copy = std::make_unique<WeekCalendarViewController>();
+    copy->setLayoutDirection(layoutDirection());
+    copy->showDate(date());
+    return copy;
+}
+
+/// The working day, and more where there is something.
+std::pair<int, int> DaysCalendarView::hoursOnPaper() const
+{
+    constexpr int firstHour = 7;
+    constexpr int lastHour = 20;
+    const double hour = 2 * metrics.heightOfRow();
+    double top = firstHour * hour;
+    double bottom = lastHour * hour;
+    for (const CalendarGrid::Placed &one : timed->placed()) {
+        top = std::min(top, one.frame.top());
+        bottom = std::max(bottom, one.frame.bottom());
+    }
+    return {static_cast<int>(std::floor(top / hour) * hour),
+            static_cast<int>(std::ceil(bottom / hour) * hour)};
+}
+
+void DaysCalendarView::fitToPaper(double ratio)
+{
+    constexpr int least = 640;
+    const auto [top, bottom] = hoursOnPaper();
+    const double tall = DaysLineWeek::neededHeight() + lanes->documentHeight() + 2 + bottom - top;
+    resize(std::max(least, static_cast<int>(tall * ratio)), static_cast<int>(tall));
+    lanes->resize(width(), std::max(1, static_cast<int>(lanes->documentHeight())));
+    timed->resize(width(), timed->height());
+    if (header) {
+        describeDays(0);
+        header->resize(width(), DaysLineWeek::neededHeight());
+    }
+    lanes->relayout();
+    timed->relayout();
+}
+
+void DaysCalendarView::paintForPaper(QPainter &painter)
+{
+    painter.save();
+    if (header) {
+        header->render(&painter, {}, {}, DrawChildren);
+        painter.translate(0, header->height());
+    }
+    if (lanes->laneCount() > 0) {
+        lanes->paintForPaper(painter);
+        painter.translate(0, lanes->height());
+        painter.fillRect(0, 0, width(), 1, Theme::controlBorder);
+        painter.translate(0, 2);
+    }
+    const auto [top, bottom] = hoursOnPaper();
+    painter.setClipRect(0, 0, width(), bottom - top);
+    painter.translate(0, -top);
+    timed->paintForPaper(painter);
+    painter.restore();
 }
 
 // Time, and dragging beyond the edge

@@ -19,6 +19,10 @@ public:
     EventGridWeek *hours() const { return timed; }
     EventsForDaysGridWeek *wholeDays() const { return lanes; }
 
+    std::unique_ptr<CalendarPage> copyForPaper() const override;
+    void fitToPaper(double ratio) override;
+    void paintForPaper(QPainter &painter) override;
+
     /// The sizes that fit the text of the program.
     static DayGridMetrics metricsOfText();
 
@@ -35,12 +39,14 @@ protected:
 
 private:
     void connectParts();
+    /// The hours that paper shows, as a stretch of the whole height.
+    std::pair<int, int> hoursOnPaper() const;
     void setSizeScrollViews();
     void scrollToFirst();
     void visibleSpanChanged();
     void scrollOn(const QPoint &point);
     void autoscroll();
-    void describeDays();
+    void describeDays(int trailing);
 
     int dayCount;
     DayGridMetrics metrics;

@@ -50,6 +50,17 @@ double luminance(const QColor &colour)
            0.0722 * linear(colour.blueF());
 }
 
+/// A colour that lets through what is below, on the paper.
+QColor onPaper(const QColor &colour)
+{
+    const auto mixed = [alpha = colour.alphaF()](float above, float below) {
+        return above * alpha + below * (1 - alpha);
+    };
+    const QColor paper = Theme::card;
+    return QColor::fromRgbF(mixed(colour.redF(), paper.redF()), mixed(colour.greenF(), paper.greenF()),
+                            mixed(colour.blueF(), paper.blueF()));
+}
+
 QFont titleFont()
 {
     QFont font = Theme::font(Theme::FontRole::Small);
@@ -120,16 +131,27 @@ double EventCalendarView::textHeight()
     return QFontMetricsF(titleFont()).height();
 }
 
+QString EventCalendarView::shortTime(Date date)
+{
+    return DateFormatter::string(date, Style::None, Style::Short);
+}
+
+/// What there is room for where not all fits.
+QString EventCalendarView::startText() const
+{
+    const OptionalDate start = copy->startDate ? copy->startDate : copy->dueDate;
+    return start ? shortTime(*start) : QString();
+}
+
 QString EventCalendarView::timeText() const
 {
-    const auto time = [](Date date) { return DateFormatter::string(date, Style::None, Style::Short); };
     if (copy->isToDo())
         return localized(u"All day"_s);
     if (!copy->dueDate)
         return {};
     if (copy->isEmailCall() || !copy->startDate || *copy->startDate == *copy->dueDate)
-        return time(*copy->dueDate);
-    return time(*copy->startDate) + u" – "_s + time(*copy->dueDate);
+        return shortTime(*copy->dueDate);
+    return shortTime(*copy->startDate) + u" – "_s + shortTime(*copy->dueDate);
 }
 
 QString EventCalendarView::dayName(Date date)
@@ -188,12 +210,9 @@ void EventCalendarView::paintBack(QPainter &painter, const QRectF &frame, const 
     painter.setBrush(state.isOverOther ? shadowOverOther : shadow);
     const double blur = state.isOverOther ? 2 : 0.5;
     painter.drawRoundedRect(frame.adjusted(-blur, -0.5, blur, blur), radius + 0.5, radius + 0.5);
-    // A fill that lets the grid through stands on the paper, not on its own shadow.
-    painter.setBrush(Theme::card);
-    painter.drawRoundedRect(frame, radius, radius);
     if (state.isOverOther)
         painter.setPen(QPen(Theme::card, 1));
-    painter.setBrush(state.isSelected ? selectedBacgraundColor() : backgraundColor());
+    painter.setBrush(state.isSelected ? selectedBacgraundColor() : onPaper(backgraundColor()));
     painter.drawRoundedRect(frame, radius, radius);
 }
 
@@ -248,6 +267,8 @@ void EventCalendarView::paintWords(QPainter &painter, const QRectF &frame, const
         return;
     const bool isTimeBesideIcon = frame.height() - top < 2 * line + iconSize() + iconGap;
     painter.setFont(Theme::font(Theme::FontRole::Small));
-    Direction::drawLine(painter, placeOf(top + line - 2, isTimeBesideIcon ? end : frame.width() - 3),
-                        state.direction, timeText());
+    const QRect place = placeOf(top + line - 2, isTimeBesideIcon ? end : frame.width() - 3);
+    const QString whole = timeText();
+    const bool fits = painter.fontMetrics().horizontalAdvance(whole) <= place.width();
+    Direction::drawLine(painter, place, state.direction, fits ? whole : startText());
 }

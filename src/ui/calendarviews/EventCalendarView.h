@@ -38,6 +38,7 @@ public:
     QString timeText() const;
     /// Days and times in words, for who cannot see where it stands.
     QString spokenTime() const;
+    static QString shortTime(Date date);
     /// A weekday and its date in words.
     static QString dayName(Date date);
     /// The calendar's name, or the category's in the sample store.
@@ -51,6 +52,7 @@ public:
     static double textHeight();
 
 private:
+    QString startText() const;
     QString iconName() const;
     void paintBack(QPainter &painter, const QRectF &frame, const State &state) const;
     void paintWords(QPainter &painter, const QRectF &frame, const State &state) const;

@@ -30,11 +30,6 @@ DragStep stepOf(bool isExact)
     return isExact ? DragStep::Minute : DragStep::Quarter;
 }
 
-QString timeOf(Date date)
-{
-    return DateFormatter::string(date, DateFormatter::Style::None, DateFormatter::Style::Short);
-}
-
 } // namespace
 
 EventGridWeek::EventGridWeek(int shownDays, QWidget *parent)
@@ -284,7 +279,7 @@ static Date startOfSlot(Date day, int row)
 QString EventGridWeek::slotName(int slot) const
 {
     const Date start = startOfSlot(dayOf(slot % days), slot / days);
-    QStringList words{EventCalendarView::dayName(start) + u", "_s + timeOf(start)};
+    QStringList words{EventCalendarView::dayName(start) + u", "_s + EventCalendarView::shortTime(start)};
     const QRectF frame = slotFrame(slot);
     for (const Placed &one : placed()) {
         if (one.frame.top() >= frame.top() && one.frame.top() < frame.bottom() &&
@@ -373,7 +368,7 @@ void EventGridWeek::paintHours(QPainter &painter, const QRect &clip) const
         if (!place.intersects(clip))
             continue;
         const Date at = MVDate::setTimeWithCurrentDate(day, label.hour, 0, 0);
-        const QString words = timeOf(at).toUpper();
+        const QString words = EventCalendarView::shortTime(at).toUpper();
         QFont fitting = font;
         const double room = place.width() - 2;
         const double needed = QFontMetricsF(font).horizontalAdvance(words);
@@ -424,7 +419,8 @@ void EventGridWeek::paintBand(QPainter &painter) const
     painter.setPen(Theme::textOnAccent);
     painter.setFont(Theme::font(Theme::FontRole::Small));
     painter.drawText(place.adjusted(7, 0, -7, 0), Qt::AlignLeading | Qt::AlignTop,
-                     timeOf(span.start) + u" – "_s + timeOf(span.due));
+                     EventCalendarView::shortTime(span.start) + u" – "_s +
+                         EventCalendarView::shortTime(span.due));
 }
 
 /// The minutes past the hour beside the line that is dragged.

@@ -8,6 +8,8 @@
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 
+#include <QPainter>
+
 using namespace Qt::Literals::StringLiterals;
 
 MonthCalendarViewController::MonthCalendarViewController(QWidget *parent)
@@ -54,6 +56,34 @@ std::vector<CalendarGrid *> MonthCalendarViewController::grids() const
 CalendarGrid *MonthCalendarViewController::mainGrid() const
 {
     return grid;
+}
+
+std::unique_ptr<CalendarPage> MonthCalendarViewController::copyForPaper() const
+{
+    auto copy = std::make_unique<MonthCalendarViewController>();
+    copy->setLayoutDirection(layoutDirection());
+    copy->showDate(date());
+    return copy;
+}
+
+void MonthCalendarViewController::fitToPaper(double ratio)
+{
+    constexpr int usualWidth = 1050;
+    resize(usualWidth, static_cast<int>(usualWidth / ratio));
+    const int line = DaysLineWeek::neededHeight();
+    header->resize(width(), line);
+    grid->resize(width(), height() - line);
+    grid->relayout();
+}
+
+void MonthCalendarViewController::paintForPaper(QPainter &painter)
+{
+    painter.save();
+    header->render(&painter, {}, {}, DrawChildren);
+    painter.translate(0, header->height());
+    painter.setClipRect(grid->rect());
+    grid->paintForPaper(painter);
+    painter.restore();
 }
 
 /// Up to midnight, but not longer than a suspended computer can be asleep without being noticed.

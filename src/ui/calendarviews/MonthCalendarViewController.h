@@ -15,6 +15,9 @@ public:
     void refreshCalendar() override;
     std::vector<CalendarGrid *> grids() const override;
     CalendarGrid *mainGrid() const override;
+    std::unique_ptr<CalendarPage> copyForPaper() const override;
+    void fitToPaper(double ratio) override;
+    void paintForPaper(QPainter &painter) override;
     EventsGridMonth *weeks() const { return grid; }
 
 protected:

@@ -9,6 +9,7 @@
 #include <QWidget>
 
 class DetailStack;
+class QPrinter;
 
 /// A screen of the content area with its bar. Only one of them lives at a time.
 class TabsViewController : public QWidget
@@ -60,6 +61,11 @@ public:
     virtual void clearFilter() {}
     virtual bool canFilter() const { return false; }
     virtual bool canClearFilter() const { return false; }
+
+    // Paper.
+    virtual bool canPrint() const { return false; }
+    /// Writes what is shown on pages of a printer.
+    virtual void print(QPrinter &printer) { Q_UNUSED(printer) }
 
     // The commands of the Edit menu.
     virtual bool hasSelection() const { return false; }

@@ -17,6 +17,7 @@ enum class ActionId {
     OpenMainWindow,
     Calendars,
     Preferences,
+    Print,
     CloseWindow,
     Quit,
     Undo,

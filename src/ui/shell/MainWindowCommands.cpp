@@ -16,6 +16,8 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
 
 // What the commands of the menus do.
 
@@ -133,6 +135,8 @@ void MainWindowController::bindCalendar()
     turn(ActionId::CalendarToday, 0);
     turn(ActionId::CalendarNext, 1);
     turn(ActionId::CalendarPrevious, -1);
+    actions->bind(
+        ActionId::Print, [this] { printScreen(); }, [this] { return screen && screen->canPrint(); });
     actions->bind(ActionId::CalendarGoToDate, [this] { goToDate(); });
 }
 
@@ -145,6 +149,19 @@ void MainWindowController::goToDate()
         });
         window->open();
     });
+}
+
+void MainWindowController::printScreen()
+{
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setPageOrientation(QPageLayout::Landscape);
+    QPrintPreviewDialog preview(&printer, mainWindow.get());
+    preview.setObjectName(u"QPrintPreviewDialog"_s);
+    connect(&preview, &QPrintPreviewDialog::paintRequested, this, [this](QPrinter *paper) {
+        if (screen)
+            screen->print(*paper);
+    });
+    preview.exec();
 }
 
 bool MainWindowController::canRemoveSelected() const

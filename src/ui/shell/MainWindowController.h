@@ -89,6 +89,7 @@ private:
     void bindCalendar();
     void doInCalendar(const std::function<void(CalendarViewController &)> &command);
     void goToDate();
+    void printScreen();
     void observe();
     void observeSearch();
     void searchSelectSoon(const ObjectPtr &record);

@@ -19,6 +19,8 @@
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
+#include <QPainter>
+#include <QPrinter>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -173,6 +175,26 @@ void CalendarViewController::store() const
 void CalendarViewController::reloadData()
 {
     page->refreshCalendar();
+}
+
+/// On one page, under the words of the title.
+void CalendarViewController::print(QPrinter &printer)
+{
+    constexpr double titleShare = 0.06;
+    QPainter painter(&printer);
+    const QRectF sheet = printer.pageLayout().paintRectPixels(printer.resolution());
+    const QRectF head(0, 0, sheet.width(), sheet.height() * titleShare);
+    QFont font = Theme::font(Theme::FontRole::Title);
+    font.setPixelSize(static_cast<int>(head.height() * 0.5));
+    painter.setFont(font);
+    painter.drawText(head, Qt::AlignLeading | Qt::AlignVCenter, title->accessibleName());
+    painter.translate(0, head.height());
+    const std::unique_ptr<CalendarPage> copy = page->copyForPaper();
+    copy->fitToPaper(sheet.width() / (sheet.height() - head.height()));
+    const double scale =
+        std::min(sheet.width() / copy->width(), (sheet.height() - head.height()) / copy->height());
+    painter.scale(scale, scale);
+    copy->paintForPaper(painter);
 }
 
 void CalendarViewController::clearController()

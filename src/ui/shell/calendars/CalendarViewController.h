@@ -28,6 +28,8 @@ public:
     void calendarToday() { daysControllerSelectButton(0); }
     void calendarGoToDate(Date date);
 
+    bool canPrint() const override { return true; }
+    void print(QPrinter &printer) override;
     void reloadData() override;
     void updateRows() override { reloadData(); }
     void clearController() override;
