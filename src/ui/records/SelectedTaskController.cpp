@@ -1,4 +1,4 @@
-#include "shell/SelectedTaskController.h"
+#include "records/SelectedTaskController.h"
 
 #include "foundation/NotificationCenter.h"
 #include "store/state/NotificationNames.h"
