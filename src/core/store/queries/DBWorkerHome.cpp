@@ -7,7 +7,9 @@
 #include "store/queries/ListDefinitions.h"
 
 #include <algorithm>
+#include <functional>
 #include <set>
+#include <tuple>
 
 // The two lists of Home. Each task is read along a range of an index, and the days are told apart in memory.
 
@@ -69,7 +71,7 @@ struct HomeTask
     QString title;
     QByteArray titleKey = {};
     bool hasProject = false;
-    /// By what it is put in order.
+    /// By what it is put in order; the key of the title only in the week.
     Date key = {};
 };
 
@@ -84,37 +86,64 @@ std::set<std::string, std::less<>> projectsWithTitle()
     return identifiers;
 }
 
-/// The visible tasks with a type that pass one of several conditions, each once, in the order in which they
-/// were inserted.
-std::vector<HomeTask> homeTasks(const std::vector<Predicate> &conditions)
+/// Marks the tasks of projects with a title. Few are looked up one by one; many along the index of projects,
+/// which is read without a look at any task.
+void markThoseOfProjects(std::vector<HomeTask> &tasks)
+{
+    constexpr std::size_t few = 1000;
+    FetchRequest ofProjects = EntityTask::fetchRequest().where(Predicate::format("project != nil"));
+    if (tasks.size() <= few) {
+        std::vector<RowId> rows;
+        std::ranges::transform(tasks, std::back_inserter(rows), &HomeTask::row);
+        ofProjects.among(std::move(rows));
+    }
+    const auto titled = projectsWithTitle();
+    std::vector<RowId> marked;
+    mainContext().visit(ofProjects, {"project"}, [&](const RowReader &row) {
+        if (titled.contains(row.utf8(0)))
+            marked.push_back(row.rowId());
+    });
+    std::ranges::sort(marked);
+    for (HomeTask &task : tasks)
+        task.hasProject = std::ranges::binary_search(marked, task.row);
+}
+
+/// Whether a task that was read belongs to a list; gives it what it is put in order by.
+using IsListed = std::function<bool(HomeTask &task)>;
+
+/// The visible tasks with a type that pass one of several conditions and belong to a list, each once.
+std::vector<HomeTask> homeTasks(const std::vector<Predicate> &conditions, const IsListed &isListed)
 {
     const Predicate visible = tasklists::visibleTasks();
-    const auto titled = projectsWithTitle();
     std::vector<HomeTask> tasks;
     for (const Predicate &condition : conditions) {
         mainContext().visit(EntityTask::fetchRequest().where(condition && visible),
-                            {"type", "startDate", "dueDate", "title", "project"}, [&](const RowReader &row) {
-                                if (row.isNull(0))
-                                    return;
-                                tasks.push_back({.row = row.rowId(),
-                                                 .type = static_cast<TaskType>(row.integer(0)),
-                                                 .start = row.date(1),
-                                                 .due = row.date(2),
-                                                 .title = row.text(3),
-                                                 .hasProject = titled.contains(row.utf8(4))});
+                            {"type", "startDate", "dueDate", "title"}, [&](const RowReader &row) {
+                                HomeTask task{.row = row.rowId(),
+                                              .type = static_cast<TaskType>(row.integer(0)),
+                                              .start = row.date(1),
+                                              .due = row.date(2),
+                                              .title = row.text(3)};
+                                if (!row.isNull(0) && isListed(task))
+                                    tasks.push_back(std::move(task));
                             });
     }
-    std::ranges::sort(tasks, {}, &HomeTask::row);
-    const auto again = std::ranges::unique(tasks, {}, &HomeTask::row);
-    tasks.erase(again.begin(), again.end());
+    if (conditions.size() > 1) {
+        std::ranges::sort(tasks, {}, &HomeTask::row);
+        const auto again = std::ranges::unique(tasks, {}, &HomeTask::row);
+        tasks.erase(again.begin(), again.end());
+    }
+    markThoseOfProjects(tasks);
     return tasks;
 }
 
-/// The earliest first. ToDos of one day stand by title among themselves, in the places that they have beside
-/// what else has this moment; everything else that is equal stays in its order.
+/// The earliest first, what is equal in the order in which it was inserted. ToDos of one day stand by title
+/// among themselves, in the places that they have beside what else has this moment.
 void sortHomeTasks(std::vector<HomeTask> &tasks)
 {
-    std::ranges::stable_sort(tasks, {}, &HomeTask::key);
+    std::ranges::sort(tasks, [](const HomeTask &one, const HomeTask &other) {
+        return std::tie(one.key, one.titleKey, one.row) < std::tie(other.key, other.titleKey, other.row);
+    });
     for (auto first = tasks.begin(); first != tasks.end();) {
         const auto end =
             std::find_if(first, tasks.end(), [&](const HomeTask &task) { return task.key != first->key; });
@@ -233,15 +262,13 @@ HomeRows DBWorker::getWeekBlockData()
     const std::vector<HomeDay> days = homeDays(daysOfWeek);
     const Date now = Clock::now();
     HomeDayStarts starts;
-    std::vector<HomeTask> tasks = homeTasks(conditionsOfWeek(days));
-    std::erase_if(tasks, [](const HomeTask &task) {
-        return !task.due || (!task.start && task.type != TaskType::EmailCall);
-    });
-    for (HomeTask &task : tasks) {
+    const std::vector<HomeTask> tasks = homeTasks(conditionsOfWeek(days), [&](HomeTask &task) {
+        if (!task.due || (!task.start && task.type != TaskType::EmailCall))
+            return false;
         task.titleKey = collationSortKey(task.title);
         task.key = keyInWeek(task, now, starts);
-    }
-    std::ranges::stable_sort(tasks, {}, &HomeTask::titleKey);
+        return true;
+    });
     const std::vector<HomeProject> projects = homeProjects();
 
     std::vector<HomeRows::Place> places;
@@ -271,15 +298,14 @@ HomeRows DBWorker::getWeekBlockData()
 HomeRows DBWorker::getOverdueBlockData()
 {
     const HomeDay today = homeDays(1).front();
-    std::vector<HomeTask> tasks =
-        homeTasks({Predicate::format("status != %d and dueDate < %@", TaskStatus::Done, today.start)});
-    std::erase_if(tasks, [&today](const HomeTask &task) {
-        const bool mustHaveStart = task.type == TaskType::ToDo;
-        return task.start ? *task.start >= today.startAfterEnd : mustHaveStart;
-    });
     HomeDayStarts starts;
-    for (HomeTask &task : tasks)
-        task.key = task.type == TaskType::ToDo ? starts.of(*task.due) : *task.due;
+    const Predicate isOverdue =
+        Predicate::format("status != %d and dueDate < %@", TaskStatus::Done, today.start);
+    std::vector<HomeTask> tasks = homeTasks({isOverdue}, [&](HomeTask &task) {
+        const bool isToDo = task.type == TaskType::ToDo;
+        task.key = isToDo ? starts.of(*task.due) : *task.due;
+        return task.start ? *task.start < today.startAfterEnd : !isToDo;
+    });
     sortHomeTasks(tasks);
     std::vector<HomeRows::Place> places;
     places.reserve(tasks.size());
