@@ -22,7 +22,7 @@ protected:
     const QStringList uiFolders = words(u"widgets filters records calendarviews shell");
     /// The same of ui.
     const QStringList orderInUi = words(u"widgets filters records shell/maps shell/tasks shell/categories "
-                                        u"shell/notes shell/search shell/calendars shell");
+                                        u"shell/notes shell/search shell/calendars shell/home shell");
     const QStringList tradesOfPlatform =
         words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");
 

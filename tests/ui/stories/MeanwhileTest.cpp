@@ -14,6 +14,7 @@
 #include "widgets/GrowingTextField.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QPointer>
 #include <QPushButton>
 
