@@ -2,6 +2,7 @@
 
 #include "records/DetailStack.h"
 #include "records/SelectedTaskController.h"
+#include "shell/home/HomeHeading.h"
 #include "shell/home/HomeRowLayout.h"
 #include "shell/home/HomeTabViewController.h"
 #include "shell/tasks/TaskDetailViewController.h"
@@ -9,8 +10,6 @@
 #include "store/state/NotificationNames.h"
 #include "ui/support/Reader.h"
 #include "ui/support/ShellTest.h"
-
-#include <QLabel>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -92,9 +91,9 @@ TEST_F(HomeTest, IsTheFirstScreenAndSaysWhatDayItIsAndThatNothingIsThere)
 {
     EXPECT_EQ(words(overdue()), u"No events"_s);
     EXPECT_EQ(words(week()), u"No events"_s);
-    EXPECT_EQ(find<QLabel>(home(), "labelDay").text(), u"21"_s);
-    EXPECT_EQ(find<QLabel>(home(), "labelWeekday").text(), u"Saturday"_s);
-    EXPECT_EQ(find<QLabel>(home(), "labelMonth").text(), u"November 2026"_s);
+    EXPECT_EQ(find<HomeHeading>(home(), "labelDay").text(), u"21"_s);
+    EXPECT_EQ(find<HomeHeading>(home(), "labelWeekday").text(), u"Saturday"_s);
+    EXPECT_EQ(find<HomeHeading>(home(), "labelMonth").text(), u"November 2026"_s);
     EXPECT_EQ(placeOf(overdue(), 0).height(), 53);
     press(overdue(), 0);
     open(overdue(), 0);
@@ -340,7 +339,7 @@ TEST_F(HomeTest, AfterMidnightEverythingIsAboutTheNewDay)
     const FrozenClock next(localDate(2026, 11, 22));
     EXPECT_TRUE(QTest::qWaitFor([this] { return words(overdue()) == u"today"_s; }));
     EXPECT_EQ(words(week()), u"No events"_s);
-    EXPECT_EQ(find<QLabel>(home(), "labelDay").text(), u"22"_s);
+    EXPECT_EQ(find<HomeHeading>(home(), "labelDay").text(), u"22"_s);
     EXPECT_NE(home().findChild<QWidget *>(u"dayCalendarFrame"_s), calendar);
 }
 
@@ -360,4 +359,27 @@ TEST_F(HomeTest, WhatOthersWriteComesWithoutLosingTheSelection)
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(words(overdue()), u"b"_s);
     EXPECT_EQ(home().selectedTask()->title(), u"b"_s) << "its neighbour";
+}
+
+TEST_F(HomeTest, AssistiveTechnologyHearsWhatTheRowsShow)
+{
+    Reader reader;
+    const auto late = addOn(u"late"_s, TaskType::ToDo, localDate(2026, 11, 20), localDate(2026, 11, 20));
+    late->setProject(addProject(u"House"_s, {}, localDate(2026, 11, 22)));
+    addOn(u"breakfast"_s, TaskType::Appointment, localDate(2026, 11, 21, 8), localDate(2026, 11, 21, 9));
+    addOn(u"span"_s, TaskType::ToDo, localDate(2026, 11, 21), localDate(2026, 11, 22), TaskStatus::Done);
+    settle();
+    EXPECT_EQ(Reader::namesIn(overdue()), QStringList{u"late, House, Yesterday"_s});
+    QStringList names = Reader::namesIn(week());
+    for (QString &name : names)
+        name = name.simplified();
+    EXPECT_EQ(names,
+              (QStringList{u"SAT, TODAY"_s, u"span, All day, Done"_s, u"breakfast, 8:00 AM, overdue"_s,
+                           u"SUN, TOMORROW"_s, u"House, Project, All day"_s, u"span, All day, Done"_s}));
+    EXPECT_EQ(Reader::of(week()).text(QAccessible::Name), u"Week"_s);
+    EXPECT_EQ(Reader::faultsIn(Reader::of(home())), QStringList());
+    Reader::act(Reader::find(overdue(), QAccessible::CheckBox, u"late"_s),
+                QAccessibleActionInterface::toggleAction());
+    EXPECT_EQ(late->status(), TaskStatus::Done);
+    EXPECT_TRUE(reader.hears(u"ticked: late, House, Yesterday"_s));
 }

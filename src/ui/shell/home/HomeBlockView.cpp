@@ -1,11 +1,10 @@
 #include "shell/home/HomeBlockView.h"
 
 #include "shell/home/HomeCell.h"
+#include "shell/home/HomeHeading.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "widgets/Direction.h"
-#include "widgets/TextLabel.h"
 
-#include <QLabel>
 #include <QScopedValueRollback>
 #include <QVBoxLayout>
 
@@ -14,10 +13,10 @@ using namespace Qt::Literals::StringLiterals;
 /// Long enough for a tick to be seen before its row leaves.
 constexpr auto tickStands = std::chrono::milliseconds(1000);
 
-static QLabel *makeHeader(const QString &title, QWidget &list)
+static HomeHeading *makeHeader(const QString &title, const QWidget &list)
 {
-    QLabel *header = makeTextLabel(title, Theme::FontRole::Large, Theme::text);
-    header->setWordWrap(false);
+    auto *header = new HomeHeading(Theme::FontRole::Large, Theme::text);
+    header->setText(title);
     header->setFixedHeight(HomeBlockView::headerHeight);
     header->setContentsMargins(
         Direction::margins(list, HomeRowLayout::margin + Theme::unit / 2, 0, HomeRowLayout::margin, 0));
@@ -70,17 +69,13 @@ void HomeBlockView::reload()
     soon.stop();
     seen.stop();
     const std::set<int> selected = view->selectedRows();
-    std::vector<quint64> keys;
+    std::set<quint64> keys;
     for (const int row : selected)
-        keys.push_back(model->stableIdAt(row));
+        keys.insert(model->stableIdAt(row));
     const std::vector<TableViewExtended::Sight> sights = view->rowsInSight();
     model->fetch();
     if (!selected.empty() && !view->hasSelectedRows()) {
-        std::set<int> again;
-        for (const quint64 key : keys) {
-            if (const int row = model->rowOfKey(key); row >= 0)
-                again.insert(row);
-        }
+        const std::set<int> again = model->rowsOfKeys(keys);
         if (again.empty())
             selectAt(*selected.begin());
         else

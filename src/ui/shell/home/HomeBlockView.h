@@ -6,7 +6,6 @@
 #include <QTimer>
 #include <QWidget>
 
-class QLabel;
 class TaskRowCommands;
 
 /// One of the two lists of Home under its title. It is fetched anew whenever something was saved, and keeps

@@ -36,13 +36,14 @@ int HomeListModel::rowOf(const ObjectPtr &record) const
     return record ? rows.rowOf(*record) : -1;
 }
 
-int HomeListModel::rowOfKey(quint64 key) const
+std::set<int> HomeListModel::rowsOfKeys(const std::set<quint64> &keys) const
 {
-    for (int row = 0; row < rows.size(); ++row) {
-        if (rows.keyAt(row) == key)
-            return row;
+    std::set<int> found;
+    for (int row = 0; !keys.empty() && row < rows.size(); ++row) {
+        if (keys.contains(rows.keyAt(row)))
+            found.insert(found.end(), row);
     }
-    return -1;
+    return found;
 }
 
 RowKind HomeListModel::kindOf(int row) const

@@ -4,7 +4,7 @@
 #include "store/queries/HomeRows.h"
 #include "widgets/TableModel.h"
 
-#include <functional>
+#include <set>
 
 /// The rows of one of the lists of Home as a view takes them.
 class HomeListModel : public TableModel, private RowsWatcher
@@ -25,8 +25,8 @@ public:
     ObjectPtr recordAt(int row) const;
     /// The first row of a record, or -1.
     int rowOf(const ObjectPtr &record) const;
-    /// The row of a stable id, or -1.
-    int rowOfKey(quint64 key) const;
+    /// The rows of stable ids that are there.
+    std::set<int> rowsOfKeys(const std::set<quint64> &keys) const;
 
     RowKind kindOf(int row) const override;
     std::optional<int> heightOf(int row) const override;

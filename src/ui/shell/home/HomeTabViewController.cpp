@@ -9,15 +9,14 @@
 #include "records/ShellAlerts.h"
 #include "records/TaskManager.h"
 #include "shell/home/HomeColumns.h"
+#include "shell/home/HomeHeading.h"
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Direction.h"
 #include "widgets/LongWork.h"
-#include "widgets/TextLabel.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -64,23 +63,18 @@ QWidget *HomeTabViewController::makeDayColumn()
 {
     auto *column = new QWidget(this);
     column->setObjectName(u"dayColumn"_s);
-    labelDay = makeTextLabel({}, Theme::FontRole::Title, Theme::accent);
+    labelDay = new HomeHeading(Theme::FontRole::Title, Theme::accent);
     labelDay->setObjectName(u"labelDay"_s);
-    labelWeekday = makeTextLabel({}, Theme::FontRole::BodyStrong, Theme::text);
+    labelWeekday = new HomeHeading(Theme::FontRole::BodyStrong, Theme::text);
     labelWeekday->setObjectName(u"labelWeekday"_s);
-    labelMonth = makeTextLabel({}, Theme::FontRole::Small, Theme::secondaryText);
+    labelMonth = new HomeHeading(Theme::FontRole::Small, Theme::secondaryText);
     labelMonth->setObjectName(u"labelMonth"_s);
     auto *words = new QVBoxLayout;
     words->setSpacing(0);
     words->addStretch();
-    for (QLabel *label : {labelWeekday, labelMonth}) {
-        label->setWordWrap(false);
-        label->setMinimumWidth(0);
-        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-        words->addWidget(label);
-    }
+    words->addWidget(labelWeekday);
+    words->addWidget(labelMonth);
     words->addStretch();
-    labelDay->setWordWrap(false);
     auto *header = new QWidget;
     header->setFixedHeight(HomeBlockView::headerHeight);
     auto *line = new QHBoxLayout(header);
@@ -240,7 +234,10 @@ void HomeTabViewController::blockSelected(HomeBlockView *block)
     }
     SelectedTaskController &selected = SelectedTaskController::sharedCenter();
     selected.removeAllTasks();
-    selected.addTasks(activeBlock()->selectedTasks());
+    // Of more than a calendar shows none would be told from another, and all would have to be loaded.
+    constexpr int mostMarked = 200;
+    if (activeBlock()->table()->selectedCount() <= mostMarked)
+        selected.addTasks(activeBlock()->selectedTasks());
     Q_EMIT commandsChanged();
 }
 
@@ -265,8 +262,12 @@ void HomeTabViewController::selectAll()
     activeBlock()->table()->selectAll();
 }
 
+/// Also one that is selected on several of its days.
 TaskPtr HomeTabViewController::selectedTask() const
 {
+    constexpr int daysOfWeek = 7;
+    if (activeBlock()->table()->selectedCount() > daysOfWeek)
+        return nullptr;
     const std::vector<ObjectPtr> selected = activeBlock()->selectedRecords();
     return selected.size() == 1 ? std::dynamic_pointer_cast<EntityTask>(selected.front()) : nullptr;
 }
@@ -362,6 +363,7 @@ void HomeTabViewController::notePanes()
 /// user has sent the row away.
 void HomeTabViewController::closePanesWithoutRow()
 {
+    Q_EMIT commandsChanged();
     // What has left one list may come to the other.
     if (overdue->isOld() || week->isOld())
         return;

@@ -9,7 +9,7 @@
 
 #include <functional>
 
-class QLabel;
+class HomeHeading;
 
 /// The first screen of a start: the day, what is overdue, and the next seven days.
 class HomeTabViewController : public TabsViewController
@@ -69,9 +69,9 @@ private:
     void closePanesWithoutRow();
 
     MakeProjectPane projectPane;
-    QLabel *labelDay = nullptr;
-    QLabel *labelWeekday = nullptr;
-    QLabel *labelMonth = nullptr;
+    HomeHeading *labelDay = nullptr;
+    HomeHeading *labelWeekday = nullptr;
+    HomeHeading *labelMonth = nullptr;
     /// What shows the hours of the day.
     QWidget *dayCalendar = nullptr;
     QWidget *dayColumn;
