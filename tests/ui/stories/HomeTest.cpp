@@ -137,9 +137,11 @@ TEST_F(HomeTest, RowsSayWhenSomethingIsAndWhatItBelongsTo)
     EXPECT_EQ(content(week(), 5).dateIcon, HomeRowContent::DateIcon::Project);
     EXPECT_FALSE(content(week(), 1).hasCheckBox);
 
+    breakfast->setStatus(TaskStatus::Done);
     project->setTitle({});
     EXPECT_FALSE(DBWorker::saveContext());
     settle();
+    EXPECT_EQ(content(week(), 2).dateLook, Plain) << "what is done is not late";
     EXPECT_EQ(placeOf(overdue(), 1).height(), 60);
     EXPECT_EQ(placeOf(week(), 2).height(), 60);
 }

@@ -21,7 +21,6 @@
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 /// What depends on the present moment is looked at as often, and at each midnight.
 constexpr Seconds clockInterval{60};
