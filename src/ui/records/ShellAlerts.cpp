@@ -35,6 +35,11 @@ void ShellAlerts::alertSelectOneTask()
     tell(localized(u"Select one task"_s));
 }
 
+void ShellAlerts::alertSelectOneProject()
+{
+    tell(localized(u"Select one project"_s));
+}
+
 void ShellAlerts::alertEditingEvent(const QString &calendarTitle)
 {
     QString message = localized(u"You can't change events in the %@ calendar"_s);

@@ -12,6 +12,7 @@ enum class DontSaveAnswer { Save, Cancel, DontSave };
 /// What to do with changes that would be lost.
 DontSaveAnswer alertDontSave();
 void alertSelectOneTask();
+void alertSelectOneProject();
 /// An event of a calendar that cannot be written cannot be changed.
 void alertEditingEvent(const QString &calendarTitle);
 /// What stands in a form cannot be saved, for that reason.

@@ -15,6 +15,6 @@ RestingScreen::RestingScreen(const QString &title, const ScreenDescription &desc
     column->addWidget(new EmptyState(QString::fromUtf16(description.icon),
                                      localized(QString::fromUtf16(description.sentence))));
     addButton(ToolBarButton::NewTask);
-    if (description.item == SidebarItem::Home || description.item == SidebarItem::Calendar)
+    if (description.item == SidebarItem::Calendar)
         addButton(ToolBarButton::Calendars);
 }

@@ -2,9 +2,11 @@
 
 #include "foundation/Localization.h"
 #include "records/RecordKind.h"
+#include "records/RecordPane.h"
 #include "shell/RestingScreen.h"
 #include "shell/calendars/CalendarViewController.h"
 #include "shell/categories/CategoriesViewController.h"
+#include "shell/home/HomeTabViewController.h"
 #include "shell/notes/NoteKind.h"
 #include "shell/tasks/TaskScreens.h"
 
@@ -16,10 +18,19 @@ static TabsViewController *makeNew()
     return new Screen;
 }
 
+/// A project opens in a pane once its kind is described.
+static TabsViewController *makeHome()
+{
+    return new HomeTabViewController([](const ObjectPtr &project) -> DetailViewController * {
+        const auto kind = Screens::kindOf(EntityProject::entityName);
+        return kind ? kind->makePane(project) : nullptr;
+    });
+}
+
 using Item = SidebarItem;
 
 static const std::array screens = {
-    ScreenDescription{Item::Home, u"Home", u"home", nullptr, u"Welcome. Choose a list, or add a new task."},
+    ScreenDescription{Item::Home, u"Home", u"home", makeHome},
     ScreenDescription{Item::Projects, u"Projects", u"project", nullptr,
                       u"Projects gather the tasks that belong together.", EntityProject::entityName},
     ScreenDescription{Item::Contacts, u"Contacts", u"contacts"},

@@ -12,6 +12,8 @@
 
 #include <set>
 
+class HomeRows;
+
 /// The saved filter of one list, as it stands in the defaults.
 using FilterEntry = QVariantMap;
 
@@ -126,6 +128,14 @@ public:
     static TaskList calendarMonthTasks(Date startDate, Date endDate);
     /// The same of each of several spans, which reads the tasks once.
     static std::vector<TaskList> calendarMonthTasks(const std::vector<DaySpan> &spans);
+
+    // What Home shows. Either is never empty: without a task or project it is the one row that says so.
+    /// The open tasks that were due before today, the longest overdue first, without headers. A ToDo without
+    /// a start date is not among them.
+    static HomeRows getOverdueBlockData();
+    /// Today and the six days that follow by 24 hours each, under their headers where they show something:
+    /// projects that begin or end there by title, then tasks by time. Done tasks stay on their days.
+    static HomeRows getWeekBlockData();
 
     // Tasks and the calendars.
     /// The row of an event: of its title or identifier, not done, and at its times within a minute.

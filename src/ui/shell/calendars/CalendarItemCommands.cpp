@@ -2,35 +2,32 @@
 
 #include "calendarviews/CalendarPage.h"
 #include "calendarviews/SelectedTaskController.h"
-#include "foundation/Localization.h"
-#include "records/ShellAlerts.h"
 #include "records/TabsViewController.h"
-#include "records/TaskBatch.h"
 #include "records/TaskManager.h"
 #include "shell/tasks/TaskDetailViewController.h"
-#include "shell/tasks/TaskPopupMenu.h"
+#include "shell/tasks/TaskRowCommands.h"
 
-static bool isReadOnly(const TaskPtr &task)
-{
-    return !task->allowsContentModifications().value_or(true);
-}
-
-static const std::vector<TaskPtr> &selectedTasks()
+static std::vector<TaskPtr> selectedTasks()
 {
     return SelectedTaskController::sharedCenter().selectedTasks();
 }
 
-static void removeTask(const TaskPtr &task)
+static void removeTasks(const std::vector<TaskPtr> &tasks)
 {
-    if (isReadOnly(task))
-        return ShellAlerts::alertEditingEvent(localized(task->calendarTitle()));
-    TaskManager::deleteTasks({task}, [] {});
+    const std::vector<ObjectPtr> going = TaskRowCommands::removable({tasks.begin(), tasks.end()});
+    if (!going.empty())
+        TaskManager::deleteTasks(going, [] {});
 }
 
 CalendarItemCommands::CalendarItemCommands(TabsViewController &shownOn)
     : QObject(&shownOn)
     , screen(shownOn)
-{}
+    , commands(
+          new TaskRowCommands(shownOn, &selectedTasks, [](const auto &, const auto &change) { change(); }))
+{
+    connect(commands, &TaskRowCommands::whyChosen, &screen, &TabsViewController::whyRequested);
+    connect(commands, &TaskRowCommands::deleteChosen, this, [] { removeTasks(selectedTasks()); });
+}
 
 void CalendarItemCommands::serve(CalendarPage &page)
 {
@@ -38,40 +35,15 @@ void CalendarItemCommands::serve(CalendarPage &page)
         if (screen.detailStack())
             TaskDetailViewController::showTask(task, screen, *screen.detailStack());
     });
-    connect(&page, &CalendarPage::removeRequested, this, &removeTask);
-    connect(&page, &CalendarPage::toggled, this, [](const TaskPtr &task) {
-        if (isReadOnly(task))
-            return ShellAlerts::alertEditingEvent(localized(task->calendarTitle()));
-        TaskBatch::toggleDone({task}, [] { return true; });
-    });
+    connect(&page, &CalendarPage::removeRequested, this, [](const TaskPtr &task) { removeTasks({task}); });
+    connect(&page, &CalendarPage::toggled, this,
+            [this](const TaskPtr &task) { commands->toggleDone({task}); });
     connect(&page, &CalendarPage::menuWanted, this,
-            [this](const TaskPtr &, const QPoint &place) { showMenu(place); });
+            [this](const TaskPtr &, const QPoint &place) { commands->showMenu(place); });
 }
 
 void CalendarItemCommands::removeSelected(CalendarPage &page)
 {
     if (const TaskPtr task = page.currentTask())
-        removeTask(task);
-}
-
-void CalendarItemCommands::showMenu(const QPoint &globalPosition)
-{
-    if (!menu) {
-        menu = new TaskPopupMenu(&screen);
-        const auto step = [] { return true; };
-        connect(menu, &TaskPopupMenu::statusChosen, this,
-                [step](TaskStatus status) { TaskBatch::setStatus(selectedTasks(), status, step); });
-        connect(menu, &TaskPopupMenu::priorityChosen, this,
-                [step](Priority priority) { TaskBatch::setPriority(selectedTasks(), priority, step); });
-        connect(menu, &TaskPopupMenu::categoryChosen, this, [step](const CategoryPtr &category) {
-            TaskBatch::setCategory(selectedTasks(), category, step);
-        });
-        connect(menu, &TaskPopupMenu::whyChosen, &screen, &TabsViewController::whyRequested);
-        connect(menu, &TaskPopupMenu::deleteChosen, this, [] {
-            if (!selectedTasks().empty())
-                removeTask(selectedTasks().front());
-        });
-    }
-    menu->setTasks(selectedTasks());
-    menu->popup(globalPosition);
+        removeTasks({task});
 }

@@ -4,7 +4,7 @@
 
 class CalendarPage;
 class TabsViewController;
-class TaskPopupMenu;
+class TaskRowCommands;
 
 /// What can be done with the items of a calendar that a screen shows: they are opened, ticked, deleted, and
 /// have the menu of tasks.
@@ -19,8 +19,6 @@ public:
     void removeSelected(CalendarPage &page);
 
 private:
-    void showMenu(const QPoint &globalPosition);
-
     TabsViewController &screen;
-    TaskPopupMenu *menu = nullptr;
+    TaskRowCommands *commands;
 };

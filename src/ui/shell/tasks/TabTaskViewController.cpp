@@ -5,13 +5,11 @@
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/ShellAlerts.h"
-#include "records/TaskBatch.h"
 #include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
 #include "shell/tasks/TaskDetailViewController.h"
-#include "shell/tasks/TaskPopupMenu.h"
+#include "shell/tasks/TaskRowCommands.h"
 #include "shell/tasks/TaskTableCell.h"
-#include "widgets/LongWork.h"
 #include "widgets/MVSegmentView.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -38,6 +36,11 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
     : RecordListScreen(listDescriptionOf(listDescription), taskModel, new TaskTableCell, parent)
     , description(listDescription)
     , model(taskModel)
+    , commands(new TaskRowCommands(
+          *this, [this] { return tasksAt(table()->selectedRows()); },
+          [this](const std::vector<ObjectPtr> &records, const std::function<void()> &change) {
+              changeInRows(records, change);
+          }))
 {
     model->setQuery([this] { return query(grouping()); });
     if (TasksFilter::isFilterable(static_cast<int>(type()))) {
@@ -46,6 +49,8 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
     }
     addButton(ToolBarButton::Calendars);
     connect(table(), &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
+    connect(commands, &TaskRowCommands::whyChosen, this, &TabTaskViewController::whyRequested);
+    connect(commands, &TaskRowCommands::deleteChosen, this, &TabTaskViewController::removeSelection);
 }
 
 // Grouping
@@ -118,25 +123,9 @@ std::vector<TaskPtr> TabTaskViewController::tasksAt(const std::set<int> &rows) c
 
 // Deleting
 
-static bool isReadOnly(const EntityTask &task)
-{
-    return !task.allowsContentModifications().value_or(true);
-}
-
 std::vector<ObjectPtr> TabTaskViewController::removable(const std::vector<ObjectPtr> &records)
 {
-    std::vector<ObjectPtr> going;
-    TaskPtr barred;
-    for (const ObjectPtr &record : records) {
-        const auto task = std::static_pointer_cast<EntityTask>(record);
-        if (isReadOnly(*task))
-            barred = task;
-        else
-            going.push_back(task);
-    }
-    if (going.empty() && barred)
-        ShellAlerts::alertEditingEvent(localized(barred->calendarTitle()));
-    return going;
+    return TaskRowCommands::removable(records);
 }
 
 void TabTaskViewController::remove(const std::vector<ObjectPtr> &records,
@@ -147,44 +136,12 @@ void TabTaskViewController::remove(const std::vector<ObjectPtr> &records,
 
 // Changing tasks in their rows
 
-/// Many take their time, which is shown.
-template <typename Change, typename... Value>
-void TabTaskViewController::changeTasks(const std::vector<TaskPtr> &tasks, Change change,
-                                        const Value &...value)
-{
-    LongWork work(tasks.size(), localized(u"Changing the selected tasks"_s));
-    changeInRows({tasks.begin(), tasks.end()},
-                 [&] { change(tasks, value..., [&work] { return work.step(); }); });
-}
-
 void TabTaskViewController::toggleDone(const std::set<int> &rows)
 {
-    const std::vector<TaskPtr> tasks = tasksAt(rows);
-    const auto isBarred = [](const TaskPtr &task) { return isReadOnly(*task); };
-    if (!tasks.empty() && std::ranges::all_of(tasks, isBarred))
-        return ShellAlerts::alertEditingEvent(localized(tasks.front()->calendarTitle()));
-    changeTasks(tasks, &TaskBatch::toggleDone);
-}
-
-void TabTaskViewController::setUpMenu()
-{
-    taskPopupMenu = new TaskPopupMenu(this);
-    const auto selected = [this] { return tasksAt(table()->selectedRows()); };
-    connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
-            [=, this](TaskStatus status) { changeTasks(selected(), &TaskBatch::setStatus, status); });
-    connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this,
-            [=, this](Priority priority) { changeTasks(selected(), &TaskBatch::setPriority, priority); });
-    connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this, [=, this](const CategoryPtr &category) {
-        changeTasks(selected(), &TaskBatch::setCategory, category);
-    });
-    connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TabTaskViewController::whyRequested);
-    connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TabTaskViewController::removeSelection);
+    commands->toggleDone(tasksAt(rows));
 }
 
 void TabTaskViewController::showMenu(const QPoint &globalPosition)
 {
-    if (!taskPopupMenu)
-        setUpMenu();
-    taskPopupMenu->setTasks(tasksAt(table()->selectedRows()));
-    taskPopupMenu->popup(globalPosition);
+    commands->showMenu(globalPosition);
 }

@@ -6,7 +6,7 @@
 #include "store/queries/DBWorker.h"
 
 class MVSegmentView;
-class TaskPopupMenu;
+class TaskRowCommands;
 
 /// What makes one task list differ from another.
 struct TaskListDescription
@@ -55,16 +55,13 @@ protected:
 private:
     TabTaskViewController(const TaskListDescription &description, TaskListModel *model, QWidget *parent);
     void setUpGrouping();
-    void setUpMenu();
     Grouping grouping() const { return static_cast<Grouping>(groupingIndex()); }
     void saveGrouping(int index);
     std::vector<TaskPtr> tasksAt(const std::set<int> &rows) const;
     void toggleDone(const std::set<int> &rows);
-    template <typename Change, typename... Value>
-    void changeTasks(const std::vector<TaskPtr> &tasks, Change change, const Value &...value);
 
     TaskListDescription description;
     TaskListModel *model;
+    TaskRowCommands *commands;
     MVSegmentView *tasksGroupedView = nullptr;
-    TaskPopupMenu *taskPopupMenu = nullptr;
 };

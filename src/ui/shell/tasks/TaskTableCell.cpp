@@ -1,9 +1,8 @@
 #include "shell/tasks/TaskTableCell.h"
 
 #include "records/RecordCell.h"
+#include "shell/tasks/RowWriter.h"
 #include "shell/tasks/TaskListModel.h"
-#include "widgets/Direction.h"
-#include "widgets/Icons.h"
 #include "widgets/TaskTableRow.h"
 #include "widgets/Theme.h"
 
@@ -76,16 +75,6 @@ void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->restore();
 }
 
-static void paintCheckBox(QPainter &painter, const QRect &where, bool isChecked, bool isHovered)
-{
-    if (isChecked) {
-        Icons::paint(painter, where, u"check-done"_s, Theme::checkBoxDone, where.width());
-        Icons::paint(painter, where, u"check-mark"_s, Theme::textOnAccent, where.width());
-        return;
-    }
-    Icons::paint(painter, where, u"check-open"_s, isHovered ? Theme::accent : Theme::checkBox, where.width());
-}
-
 static void paintDot(QPainter &painter, const QRect &where, Priority priority)
 {
     const QColor colour = Theme::priority(priority);
@@ -96,46 +85,6 @@ static void paintDot(QPainter &painter, const QRect &where, Priority priority)
     painter.drawEllipse(where);
 }
 
-namespace {
-
-/// Writes the texts of a row at their mirrored places, cut off where they do not fit.
-class RowWriter
-{
-public:
-    RowWriter(QPainter &usedPainter, const QStyleOptionViewItem &rowOption)
-        : painter(usedPainter)
-        , option(rowOption)
-    {}
-
-    QRect placed(const QRect &rect) const { return QStyle::visualRect(option.direction, option.rect, rect); }
-    void write(const QRect &where, Theme::FontRole role, const QColor &colour, const QString &text,
-               bool isStruckOut = false) const
-    {
-        if (where.isEmpty() || text.isEmpty())
-            return;
-        QFont font = Theme::font(role);
-        font.setStrikeOut(isStruckOut);
-        painter.setFont(font);
-        painter.setPen(colour);
-        Direction::drawLine(painter, placed(where), option.direction, text);
-    }
-
-private:
-    QPainter &painter;
-    const QStyleOptionViewItem &option;
-};
-
-QColor titleColour(const QStyleOptionViewItem &option, const TaskRowContent &content)
-{
-    const bool isMarked =
-        option.state.testFlag(QStyle::State_Selected) && option.state.testFlag(QStyle::State_Active);
-    if (isMarked)
-        return Theme::selectedText;
-    return content.isChecked ? Theme::secondaryText : Theme::text;
-}
-
-} // namespace
-
 void TaskTableCell::paintTask(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
 {
     const TaskRowContent content = contentOf(index);
@@ -144,16 +93,13 @@ void TaskTableCell::paintTask(QPainter &painter, const QStyleOptionViewItem &opt
     const TaskTableRow row = TaskTableRow::at(modelOf(index), index.row());
     row.paint(painter, option, writer.placed(layout.card), writer.placed(layout.title));
     if (content.hasCheckBox) {
-        paintCheckBox(painter, writer.placed(layout.checkBox), content.isChecked,
-                      option.state.testFlag(QStyle::State_MouseOver));
+        writer.paintCheckBox(layout.checkBox, content.isChecked);
         paintDot(painter, writer.placed(layout.priorityDot), content.priority);
     }
-    writer.write(layout.title, Theme::FontRole::Body, titleColour(option, content), content.title,
-                 content.isChecked);
+    writer.writeTitle(layout.title, content.title, content.isChecked);
     writer.write(layout.project, Theme::FontRole::Small, Theme::secondaryText, content.project);
     writer.write(layout.date, Theme::FontRole::Small,
                  content.isOverdue ? Theme::overdue : Theme::secondaryText, content.dateLabel);
     if (content.isOverdue)
-        Icons::paint(painter, writer.placed(layout.overdueMark), u"overdue"_s, Theme::overdue,
-                     layout.overdueMark.width());
+        writer.paintIcon(layout.overdueMark, u"overdue"_s, Theme::overdue);
 }
