@@ -62,6 +62,35 @@ std::optional<TaskDates> CalendarDrag::resizedByDays(const MVTask &task, Edge ed
     return dates;
 }
 
+void CalendarDrag::planAt(MVTask &task, Date moment)
+{
+    constexpr Seconds usualLength{3600};
+    if (task.isToDo())
+        return planOn(task, moment);
+    TaskDates dates = movedTo(task, moment);
+    if (!dates.due)
+        dates.due = moment + usualLength;
+    dates.putInto(task);
+    task.dueSomeDay = false;
+}
+
+void CalendarDrag::planOn(MVTask &task, Date day)
+{
+    constexpr int usualHour = 9;
+    const Calendar calendar = Calendar::current();
+    const OptionalDate from = task.startDate ? task.startDate : task.dueDate;
+    if (!task.isToDo()) {
+        const int hour = from ? calendar.hour(*from) : usualHour;
+        const int minute = from ? calendar.minute(*from) : 0;
+        return planAt(task, MVDate::setTimeWithCurrentDate(day, hour, minute, 0));
+    }
+    TaskDates dates{MVDate::getStartOfDay(day), MVDate::getEndOfDay(day)};
+    if (from && task.dueDate)
+        dates = movedByDays(task, calendar.dayNumber(day) - calendar.dayNumber(*from));
+    dates.putInto(task);
+    task.dueSomeDay = false;
+}
+
 TaskDates CalendarDrag::shiftedByDays(const MVTask &task, int days)
 {
     const auto shifted = [days](OptionalDate date) {

@@ -31,6 +31,11 @@ TaskDates resizedTo(const MVTask &task, Edge edge, Date moment, Seconds least);
 TaskDates movedByDays(const MVTask &task, int days);
 /// The same with one of its ends; absent if nothing of the task would be left.
 std::optional<TaskDates> resizedByDays(const MVTask &task, Edge edge, int days);
+/// A task from elsewhere is planned at a moment of a day: what has a time begins there, a ToDo is for that
+/// day. It keeps its length, or takes the usual one. What was for some day is no longer.
+void planAt(MVTask &task, Date moment);
+/// The same for a day: what has a time keeps it, or is for nine o'clock.
+void planOn(MVTask &task, Date day);
 /// Both dates move by calendar days, each at its time of day. A missing start is read as the due date.
 TaskDates shiftedByDays(const MVTask &task, int days);
 

@@ -2,6 +2,7 @@
 
 #include "calendarviews/SelectedTaskController.h"
 #include "foundation/Localization.h"
+#include "records/DraggedRecords.h"
 #include "records/RepeatBan.h"
 #include "records/ShellAlerts.h"
 #include "records/TaskManager.h"
@@ -14,7 +15,9 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QHelpEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QPointer>
 #include <QToolTip>
@@ -33,6 +36,7 @@ CalendarGrid::CalendarGrid(QWidget *parent)
     describe();
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
+    setAcceptDrops(true);
     hoverTimer.setSingleShot(true);
     hoverTimer.setInterval(hoverPatience);
     connect(&hoverTimer, &QTimer::timeout, this, [this] {
@@ -84,35 +88,49 @@ QPointF CalendarGrid::logical(QPointF point) const
     return isRightToLeft() ? QPointF(width() - point.x(), point.y()) : point;
 }
 
-/// What is dragged comes last, then what was pressed, then what the mouse rests on.
-std::vector<const CalendarGrid::Placed *> CalendarGrid::paintingOrder() const
+/// What is dragged comes last, then what was pressed, then what the mouse rests on. What covers another one
+/// wholly leaves a strip of it to be seen and taken.
+std::vector<CalendarGrid::Shown> CalendarGrid::paintingOrder() const
 {
+    constexpr double strip = 8;
+    constexpr double mostStrips = 4;
     const RowId dragged = held && held->isActive ? held->task->rowId() : 0;
-    std::vector<const Placed *> order;
+    std::vector<Shown> order;
     order.reserve(places.size() + draggedPlaces.size());
-    const auto rank = [this](const Placed *one) {
-        const RowId row = eventOf(*one).task()->rowId();
-        return row == raised ? 2 : row == hovered ? 1 : 0;
-    };
     for (const Placed &one : places) {
         if (dragged == 0 || eventOf(one).task()->rowId() != dragged)
-            order.push_back(&one);
+            order.push_back({&one, one.frame});
     }
+    const auto rank = [this](const Shown &one) {
+        const RowId row = eventOf(*one.item).task()->rowId();
+        return row == raised ? 2 : row == hovered ? 1 : 0;
+    };
     if (raised != 0 || hovered != 0)
         std::ranges::stable_sort(order, {}, rank);
+    for (auto upper = order.begin(); upper != order.end(); ++upper) {
+        const QRectF inner = upper->item->frame.adjusted(1, 1, -1, -1);
+        double strips = 0;
+        for (auto lower = order.begin(); lower != upper; ++lower) {
+            if (!lower->item->frame.intersects(inner))
+                continue;
+            upper->isOverOther = true;
+            strips += upper->item->frame.contains(lower->item->frame);
+        }
+        upper->frame.setLeft(upper->frame.left() + strip * std::min(strips, mostStrips));
+    }
     if (dragged != 0) {
         for (const Placed &one : draggedPlaces)
-            order.push_back(&one);
+            order.push_back({&one, one.frame, true});
     }
     return order;
 }
 
 const CalendarGrid::Placed *CalendarGrid::placedAt(QPointF point) const
 {
-    const std::vector<const Placed *> order = paintingOrder();
+    const std::vector<Shown> order = paintingOrder();
     const auto found = std::find_if(order.rbegin(), order.rend(),
-                                    [point](const Placed *one) { return one->frame.contains(point); });
-    return found == order.rend() ? nullptr : *found;
+                                    [point](const Shown &one) { return one.frame.contains(point); });
+    return found == order.rend() ? nullptr : found->item;
 }
 
 const CalendarGrid::Placed *CalendarGrid::placedOf(RowId row) const
@@ -126,21 +144,6 @@ void CalendarGrid::raise(const TaskPtr &task)
 {
     raised = task->rowId();
     update();
-}
-
-/// One that shares more than an edge with another one below it.
-bool CalendarGrid::liesOverOther(const Placed &item) const
-{
-    const QRectF inner = item.frame.adjusted(1, 1, -1, -1);
-    for (const Placed &other : places) {
-        if (&other == &item)
-            return item.frame.width() > 0 && raised == eventOf(item).task()->rowId() &&
-                   std::any_of(&other + 1, places.data() + places.size(),
-                               [&](const Placed &later) { return later.frame.intersects(inner); });
-        if (other.frame.intersects(inner))
-            return true;
-    }
-    return true;
 }
 
 void CalendarGrid::select(const TaskPtr &task)
@@ -167,18 +170,18 @@ TaskPtr CalendarGrid::currentTask() const
 
 // Painting
 
-void CalendarGrid::paintItems(QPainter &painter, const std::vector<const Placed *> &items, const QRect &clip)
+void CalendarGrid::paintItems(QPainter &painter, const std::vector<Shown> &items, const QRect &clip)
 {
     const SelectedTaskController &selection = SelectedTaskController::sharedCenter();
     const QRectF visible = visibleRegion().boundingRect();
-    for (const Placed *one : items) {
-        const QRectF frame = visual(one->frame);
+    for (const Shown &one : items) {
+        const QRectF frame = visual(one.frame);
         if (!frame.adjusted(-3, -3, 3, 3).intersects(clip))
             continue;
-        const EventCalendarView &item = eventOf(*one);
+        const EventCalendarView &item = eventOf(*one.item);
         item.paint(painter, frame,
                    {.isSelected = selection.containsTask(item.task()),
-                    .isOverOther = liesOverOther(*one),
+                    .isOverOther = one.isOverOther,
                     .direction = layoutDirection(),
                     .visible = visible});
     }
@@ -196,14 +199,14 @@ void CalendarGrid::paintDrag(QPainter &painter, const QRect &clip)
         QPainter stillPainter(&still);
         stillPainter.translate(-visible.topLeft());
         paintGrid(stillPainter, visible);
-        std::vector<const Placed *> others = paintingOrder();
-        others.resize(others.size() - draggedPlaces.size());
+        std::vector<Shown> others = paintingOrder();
+        others.erase(others.end() - static_cast<std::ptrdiff_t>(draggedPlaces.size()), others.end());
         paintItems(stillPainter, others, visible);
     }
     painter.drawPixmap(visible.topLeft(), still);
-    std::vector<const Placed *> moved;
+    std::vector<Shown> moved;
     for (const Placed &one : draggedPlaces)
-        moved.push_back(&one);
+        moved.push_back({&one, one.frame, true});
     paintItems(painter, moved, clip);
 }
 
@@ -221,6 +224,11 @@ void CalendarGrid::paintEvent(QPaintEvent *event)
     if (hasFocus() && showsSpot && !isDragging()) {
         const QRectF frame = visual(frameOf(spot));
         MorvaneStyle::drawFocusRing(painter, frame.adjusted(1, 1, -1, -1), 4, Theme::focusRing);
+    }
+    if (dropPlace && !dropPlace->isEmpty()) {
+        painter.setPen(QPen(Theme::accent, 1.5));
+        painter.setBrush(Theme::selection);
+        painter.drawRoundedRect(visual(*dropPlace).adjusted(2, 2, -2, -2), 4, 4);
     }
     paintOver(painter);
 }
@@ -473,6 +481,74 @@ void CalendarGrid::save(const Drag &finished)
     reload();
     if (isSaved && finished.isByKeys && task && !goToTask(task) && finished.dates.due)
         Q_EMIT wentTo(finished.dates.start ? *finished.dates.start : *finished.dates.due, task);
+}
+
+// Tasks from elsewhere
+
+void CalendarGrid::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!DraggedRecords::tasksIn(*event->mimeData()).empty())
+        event->acceptProposedAction();
+}
+
+void CalendarGrid::dragMoveEvent(QDragMoveEvent *event)
+{
+    showDropAt(logical(event->position()));
+    Q_EMIT draggedAt(event->position().toPoint());
+    event->acceptProposedAction();
+}
+
+void CalendarGrid::dragLeaveEvent(QDragLeaveEvent *)
+{
+    dropPlace.reset();
+    update();
+}
+
+void CalendarGrid::showDropAt(QPointF point)
+{
+    dropPlace = dropFrame(point);
+    update();
+}
+
+QRectF CalendarGrid::dropFrame(QPointF point) const
+{
+    for (int slot = 0; slot < slotRows() * columnCount(); ++slot) {
+        if (slotFrame(slot).contains(point))
+            return slotFrame(slot);
+    }
+    return {};
+}
+
+/// Messages wait until the source has its mouse back.
+void CalendarGrid::dropEvent(QDropEvent *event)
+{
+    dropPlace.reset();
+    update();
+    const std::vector<TaskPtr> tasks = DraggedRecords::tasksIn(*event->mimeData());
+    event->acceptProposedAction();
+    QMetaObject::invokeMethod(
+        this, [this, tasks, point = logical(event->position())] { plan(tasks, point); },
+        Qt::QueuedConnection);
+}
+
+void CalendarGrid::plan(const std::vector<TaskPtr> &tasks, QPointF point)
+{
+    const QPointer<CalendarGrid> self = this;
+    for (const TaskPtr &task : tasks) {
+        MVTask copy(task);
+        if (!copy.allowsContentModifications.value_or(true) || RepeatBan::concerns(copy)) {
+            refuse(copy);
+            continue;
+        }
+        if (!planAt(copy, point))
+            continue;
+        TaskManager::saveTaskTemp(copy, true);
+        if (!self)
+            return;
+    }
+    reload();
+    if (!tasks.empty())
+        goToTask(tasks.front());
 }
 
 // What assistive technology is told

@@ -138,6 +138,12 @@ protected:
         return std::nullopt;
     }
 
+    /// Plans a task from elsewhere for a place. False where nothing can be planned.
+    virtual bool planAt(MVTask &task, QPointF point) const = 0;
+
+    /// What of the grid that would take.
+    virtual QRectF dropFrame(QPointF point) const;
+
     // Marking what is to be made.
     virtual void markFrom(QPointF point) { Q_UNUSED(point) }
     virtual void markTo(QPointF point, bool isExact)
@@ -184,6 +190,10 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
@@ -212,12 +222,23 @@ private:
     const Placed *placedOf(const Spot &spot) const;
     const Placed *placedOf(RowId row) const;
     void raise(const TaskPtr &task);
-    std::vector<const Placed *> paintingOrder() const;
-    void paintItems(QPainter &painter, const std::vector<const Placed *> &items, const QRect &clip);
+    /// An item and what of its place it takes on the screen.
+    struct Shown
+    {
+        const Placed *item;
+        QRectF frame;
+        bool isOverOther = false;
+    };
+    /// From the lowest to the topmost.
+    std::vector<Shown> paintingOrder() const;
+    void paintItems(QPainter &painter, const std::vector<Shown> &items, const QRect &clip);
     void paintDrag(QPainter &painter, const QRect &clip);
-    bool liesOverOther(const Placed &item) const;
     void select(const TaskPtr &task);
     void hover(QPointF point);
+
+    // Tasks from elsewhere.
+    void showDropAt(QPointF point);
+    void plan(const std::vector<TaskPtr> &tasks, QPointF point);
 
     // Dragging.
     void pressItem(const Placed &item, QPointF point, Qt::KeyboardModifiers modifiers);
@@ -256,6 +277,8 @@ private:
     QPixmap still;
     QRect stillPlace;
     std::optional<QPointF> rightPressedAt;
+    /// Where what comes from elsewhere would fall.
+    std::optional<QRectF> dropPlace;
     Spot spot;
     bool showsSpot = false;
     bool isOnPaper = false;

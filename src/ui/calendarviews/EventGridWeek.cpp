@@ -179,6 +179,26 @@ std::vector<CalendarGrid::Placed> EventGridWeek::layoutOfDrag(const Drag &drag)
     return {one};
 }
 
+bool EventGridWeek::planAt(MVTask &task, QPointF point) const
+{
+    const int column = columns().columnAt(inGrid(point).x());
+    if (column < 0)
+        return false;
+    CalendarDrag::planAt(task, momentAt(column, point.y(), DragStep::Quarter));
+    return true;
+}
+
+QRectF EventGridWeek::dropFrame(QPointF point) const
+{
+    const int column = columns().columnAt(inGrid(point).x());
+    if (column < 0)
+        return {};
+    const Date at = momentAt(column, point.y(), DragStep::Quarter);
+    return {metrics.gridIndent + columns().positionOf(column),
+            double(CalendarManager::convertTimeToPixel(at, metrics.rowHeight)), columns().columnWidth(),
+            2 * metrics.heightOfRow()};
+}
+
 OptionalDate EventGridWeek::momentOf(const Drag &drag) const
 {
     return drag.zone == Zone::Due || !drag.dates.start ? drag.dates.due : drag.dates.start;

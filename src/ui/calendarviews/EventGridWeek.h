@@ -36,6 +36,8 @@ protected:
     std::vector<Placed> layoutOfDrag(const Drag &drag) override;
     std::optional<TaskDates> datesAfterKey(const MVTask &task, int key, bool resizes) override;
     OptionalDate momentOf(const Drag &drag) const override;
+    bool planAt(MVTask &task, QPointF point) const override;
+    QRectF dropFrame(QPointF point) const override;
 
     void markFrom(QPointF point) override;
     void markTo(QPointF point, bool isExact) override;

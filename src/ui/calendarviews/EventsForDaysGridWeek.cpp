@@ -126,6 +126,12 @@ std::vector<CalendarGrid::Placed> EventsForDaysGridWeek::layoutOfDrag(const Drag
              .isResizable = true}};
 }
 
+bool EventsForDaysGridWeek::planAt(MVTask &task, QPointF point) const
+{
+    CalendarDrag::planOn(task, dayOf(columnAt(point)));
+    return true;
+}
+
 std::optional<TaskDates> EventsForDaysGridWeek::datesAfterKey(const MVTask &task, int key, bool resizes)
 {
     if (key != Qt::Key_Left && key != Qt::Key_Right)

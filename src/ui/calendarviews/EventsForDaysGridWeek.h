@@ -31,6 +31,7 @@ protected:
     bool movesItems() const override { return days > 1; }
     std::optional<TaskDates> datesAt(const Drag &drag, QPointF point, bool isExact) override;
     std::vector<Placed> layoutOfDrag(const Drag &drag) override;
+    bool planAt(MVTask &task, QPointF point) const override;
     std::optional<TaskDates> datesAfterKey(const MVTask &task, int key, bool resizes) override;
 
     void markFrom(QPointF point) override;

@@ -167,6 +167,12 @@ std::vector<CalendarGrid::Placed> EventsGridMonth::layoutOfDrag(const Drag &drag
     return bars;
 }
 
+bool EventsGridMonth::planAt(MVTask &task, QPointF point) const
+{
+    CalendarDrag::planOn(task, dateOf(nearestCell(point)));
+    return true;
+}
+
 std::optional<TaskDates> EventsGridMonth::datesAfterKey(const MVTask &task, int key, bool resizes)
 {
     constexpr Seconds least{15 * 60};

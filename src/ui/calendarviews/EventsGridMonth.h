@@ -29,6 +29,7 @@ protected:
     Qt::CursorShape cursorOf(Zone) const override { return Qt::ArrowCursor; }
     std::optional<TaskDates> datesAt(const Drag &drag, QPointF point, bool isExact) override;
     std::vector<Placed> layoutOfDrag(const Drag &drag) override;
+    bool planAt(MVTask &task, QPointF point) const override;
     std::optional<TaskDates> datesAfterKey(const MVTask &task, int key, bool resizes) override;
     void createAt(QPointF point) override;
     bool pressElse(QPointF point) override;

@@ -4,6 +4,7 @@
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "records/DetailStack.h"
+#include "records/DraggedRecords.h"
 #include "records/Waiting.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
@@ -65,6 +66,7 @@ void RecordListScreen::setUpView(TableCell *cell)
     setFocusProxy(view);
     if (!description.besideSentence.isEmpty())
         besideState = new EmptyState(description.icon, description.besideSentence, this);
+    view->setDragsOut([this](const std::set<int> &rows) { return DraggedRecords::of(recordsAt(rows)); });
     connect(view, &TableViewExtended::doubleAction, this, &RecordListScreen::rowOpened);
     connect(view, &TableViewExtended::removeRequested, this, &RecordListScreen::removeSelection);
     connect(view, &TableViewExtended::menuRequested, this, &RecordListScreen::showMenu);

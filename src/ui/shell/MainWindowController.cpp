@@ -58,6 +58,7 @@ void MainWindowController::windowDidLoad()
     loadContactsGroup();
     connect(&outline, &OutlineViewExtended::selectionDidChange, this,
             &MainWindowController::outlineViewSelectionDidChange);
+    connect(&outline, &OutlineViewExtended::heldOver, this, &MainWindowController::heldOver);
     connect(&outline, &OutlineViewExtended::didRemoveRow, this, &MainWindowController::didRemoveRow);
     outline.setLeaveQuestion(
         [this](const QModelIndex &index) { return !isShown(index) && details->hasChanges(); },
@@ -266,6 +267,15 @@ bool MainWindowController::isShown(const QModelIndex &index) const
 {
     return screen && selectItem == sidebar->itemAt(index) &&
            selectedGroup == DBWorker::getIdFromObject(sidebar->groupAt(index));
+}
+
+/// Where tasks can be planned comes up under what is held; no question can be answered meanwhile.
+void MainWindowController::heldOver(const QModelIndex &index)
+{
+    const auto item = index.isValid() ? std::optional(sidebar->itemAt(index)) : std::nullopt;
+    const bool takesTasks = item == SidebarItem::Calendar || item == SidebarItem::Home;
+    if (takesTasks && !isShown(index) && !details->hasChanges())
+        showList(*item);
 }
 
 void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &index)

@@ -101,6 +101,7 @@ private:
     void groupRenamed(const std::shared_ptr<EntityContactGroup> &group);
     void outlineViewSelectionDidChange(const QModelIndex &index);
     bool isShown(const QModelIndex &index) const;
+    void heldOver(const QModelIndex &index);
     /// False if it has to wait, since the user stays with what is typed elsewhere.
     bool openDraft(const Drafts::Found &found);
     void openAsNewTask(const Drafts::Found &found);

@@ -1,19 +1,24 @@
 #include "shell/OutlineViewExtended.h"
 
 #include "foundation/Localization.h"
+#include "records/DraggedRecords.h"
 #include "shell/SidebarCell.h"
 #include "shell/SidebarModel.h"
 #include "widgets/Theme.h"
 
 #include <QAccessibleActionInterface>
 #include <QApplication>
+#include <QDropEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QTimer>
 
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
+
+constexpr int holdPatience = 500;
 
 static quint64 sidebarKey(const QModelIndex &index)
 {
@@ -40,6 +45,11 @@ OutlineViewExtended::OutlineViewExtended(QWidget *parent)
     dark.setColor(QPalette::Window, Theme::sidebar);
     verticalScrollBar()->setPalette(dark);
     setItemDelegate(new SidebarCell(this));
+    setAcceptDrops(true);
+    viewport()->setAcceptDrops(true);
+    holdTimer.setSingleShot(true);
+    holdTimer.setInterval(holdPatience);
+    connect(&holdTimer, &QTimer::timeout, this, [this] { Q_EMIT heldOver(heldIndex); });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *former, QWidget *now) {
         if (now == this)
             hadFocus = isFocusOfPress ? former : nullptr;
@@ -230,6 +240,39 @@ void OutlineViewExtended::describe()
     connect(this, &QTreeView::collapsed, this, [this](const QModelIndex &index) {
         Accessibility::expandedChanged(*this, sidebarKey(index), false);
     });
+}
+
+// What is dragged over the rows
+
+void OutlineViewExtended::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!DraggedRecords::tasksIn(*event->mimeData()).empty())
+        event->acceptProposedAction();
+}
+
+void OutlineViewExtended::dragMoveEvent(QDragMoveEvent *event)
+{
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (heldIndex != index) {
+        heldIndex = index;
+        holdTimer.start();
+    }
+    event->setAccepted(index.isValid());
+}
+
+void OutlineViewExtended::dragLeaveEvent(QDragLeaveEvent *)
+{
+    holdTimer.stop();
+    heldIndex = QModelIndex();
+}
+
+/// The row opens at once.
+void OutlineViewExtended::dropEvent(QDropEvent *event)
+{
+    const QModelIndex index = indexAt(event->position().toPoint());
+    dragLeaveEvent(nullptr);
+    event->acceptProposedAction();
+    Q_EMIT heldOver(index);
 }
 
 void OutlineViewExtended::mousePressEvent(QMouseEvent *event)

@@ -3,6 +3,7 @@
 #include "widgets/Accessibility.h"
 
 #include <QPointer>
+#include <QTimer>
 #include <QTreeView>
 
 #include <functional>
@@ -27,8 +28,14 @@ public:
 Q_SIGNALS:
     void didRemoveRow(const QModelIndex &index);
     void selectionDidChange(const QModelIndex &index);
+    /// Something is held over a row for a while.
+    void heldOver(const QModelIndex &index);
 
 protected:
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
     bool event(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -62,4 +69,7 @@ private:
     /// Whether a press has brought the keys here, and from where.
     bool isFocusOfPress = false;
     QPointer<QWidget> hadFocus;
+    /// The row that something is held over, and how long.
+    QPersistentModelIndex heldIndex;
+    QTimer holdTimer;
 };

@@ -9,8 +9,11 @@
 #include <QPersistentModelIndex>
 #include <QTimer>
 
+#include <functional>
 #include <set>
 #include <vector>
+
+class QMimeData;
 
 /// The heights of the kinds of rows.
 struct RowHeights
@@ -78,6 +81,9 @@ public:
     void reset() override;
     void selectAll() override;
 
+    /// Lets rows be dragged out of the list as what the function makes of them; it gives up ownership.
+    void setDragsOut(std::function<QMimeData *(const std::set<int> &rows)> makeData);
+
 Q_SIGNALS:
     /// Two presses on a row, or Return; whatever the row is.
     void doubleAction(int row);
@@ -133,6 +139,8 @@ private:
     int dropTarget(const QPoint &point) const;
     void drop();
     void cancelDrag();
+    void dragOut();
+    bool isBeside(const QPoint &point) const;
     void autoScroll();
 
     TableModel *rowsModel = nullptr;
@@ -145,6 +153,7 @@ private:
     RowDrag drag;
     QTimer autoScrollTimer;
     bool areRowsMovable = false;
+    std::function<QMimeData *(const std::set<int> &)> dataOfRows;
     bool isCheckPressed = false;
     bool isSelectionPending = false;
     int hoverRow = -1;

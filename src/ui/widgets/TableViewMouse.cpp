@@ -3,6 +3,8 @@
 #include "widgets/TableCell.h"
 #include "widgets/TableViewExtended.h"
 
+#include <QDrag>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
 
@@ -40,7 +42,7 @@ void TableViewExtended::mousePressEvent(QMouseEvent *event)
     isCheckPressed = event->button() == Qt::LeftButton && isOnCheckBox(point);
     if (isCheckPressed)
         return;
-    const bool startsDrag = areRowsMovable && event->button() == Qt::LeftButton &&
+    const bool startsDrag = (areRowsMovable || dataOfRows) && event->button() == Qt::LeftButton &&
                             event->modifiers() == Qt::NoModifier && rowsModel->isItem(index.row());
     if (startsDrag)
         drag.press(point);
@@ -54,12 +56,13 @@ void TableViewExtended::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint point = event->position().toPoint();
     if (drag.isActive())
-        return dragTo(point);
+        return dataOfRows && !viewport()->rect().contains(point) && isBeside(point) ? dragOut()
+                                                                                    : dragTo(point);
     if (isCheckPressed)
         return;
     if (drag.isPressed()) {
         if (drag.isFarEnough(point))
-            beginDrag();
+            areRowsMovable ? beginDrag() : dragOut();
         return;
     }
     setHoverRow(rowsModel->isItem(indexAt(point).row()) ? indexAt(point).row() : -1);
@@ -115,6 +118,39 @@ void TableViewExtended::beginDrag()
     setHoverRow(-1);
     viewport()->setCursor(Qt::ClosedHandCursor);
     autoScrollTimer.start();
+}
+
+void TableViewExtended::setDragsOut(std::function<QMimeData *(const std::set<int> &)> makeData)
+{
+    dataOfRows = std::move(makeData);
+}
+
+/// The list scrolls while rows are above or below it; only to its sides they leave it.
+bool TableViewExtended::isBeside(const QPoint &point) const
+{
+    return point.x() < 0 || point.x() >= viewport()->width();
+}
+
+/// The list may be gone before they are dropped, so that nothing of it may wait for that.
+void TableViewExtended::dragOut()
+{
+    isSelectionPending = false;
+    const std::set<int> rows = selectedRows();
+    cancelDrag();
+    setState(NoState);
+    if (rows.empty())
+        return;
+    constexpr int pictureWidth = 320;
+    QRect seen = rectOfRow(*rows.begin()).intersected(viewport()->rect());
+    seen = QStyle::visualRect(layoutDirection(), seen, {seen.topLeft(), QSize(pictureWidth, seen.height())});
+    const QPixmap picture = viewport()->grab(seen.intersected(viewport()->rect()));
+    auto *leaving = new QDrag(window());
+    leaving->setMimeData(dataOfRows(rows));
+    if (!picture.isNull())
+        leaving->setPixmap(picture);
+    leaving->setHotSpot({16, 16});
+    QMetaObject::invokeMethod(
+        window(), [leaving] { leaving->exec(Qt::CopyAction); }, Qt::QueuedConnection);
 }
 
 /// Rows fall above an item only, so not behind the last one.

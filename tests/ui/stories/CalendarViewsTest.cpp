@@ -9,6 +9,7 @@
 #include "calendarviews/MonthCalendarViewController.h"
 #include "calendarviews/SelectedTaskController.h"
 #include "records/DetailStack.h"
+#include "records/DraggedRecords.h"
 #include "shell/calendars/CalendarViewController.h"
 #include "shell/calendars/GoToDateWindowController.h"
 #include "support/OtherProgram.h"
@@ -18,6 +19,10 @@
 #include "widgets/MVSegmentView.h"
 
 #include <QDateEdit>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QPrinter>
 #include <QPushButton>
 
 using namespace Qt::Literals::StringLiterals;
@@ -472,4 +477,78 @@ TEST_F(CalendarViewsTest, AReaderHearsADay)
     EXPECT_TRUE(table.tableInterface()->columnDescription(2).contains(u"1 item"_s));
     Reader::press(Reader::find(table, QAccessible::ListItem, u"Dentist"_s));
     EXPECT_NE(controller().detailStack()->paneOf(task), nullptr);
+}
+
+TEST_F(CalendarViewsTest, ATaskFromAListIsPlannedWhereItFalls)
+{
+    const TaskPtr idea = add(u"Idea"_s, [](MVTask &task) { task.dueSomeDay = true; });
+    const TaskPtr trip = toDo(u"Trip"_s, 2, 4);
+    const TaskPtr meeting = appointment(u"Meeting"_s, at(3, 15), at(3, 17));
+    show(Type::Week);
+    const auto dropOn = [](CalendarGrid &on, const TaskPtr &task, QPointF place) {
+        const std::unique_ptr<QMimeData> data(DraggedRecords::of({task}));
+        QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(&on, &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDragMoveEvent move(place.toPoint(), Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(&on, &move);
+        QDropEvent drop(place, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(&on, &drop);
+        settle();
+    };
+    const double day = column(hours());
+    dropOn(hours(), meeting, {50 + 2.5 * day, 700});
+    EXPECT_EQ(meeting->startDate(), at(17, 10));
+    EXPECT_EQ(meeting->dueDate(), at(17, 12));
+    dropOn(hours(), idea, {50 + 3.5 * day, 700});
+    EXPECT_EQ(idea->startDate(), at(18, 0));
+    EXPECT_EQ(idea->dueDate(), at(18, 23, 59));
+    EXPECT_EQ(idea->dueSomeDay(), false);
+    EXPECT_EQ(idea->type(), TaskType::ToDo);
+    dropOn(lanes(), trip, {50 + 1.5 * day, 8});
+    EXPECT_EQ(trip->startDate(), at(16, 0));
+    EXPECT_EQ(trip->dueDate(), at(18, 23, 59));
+    run(ActionId::Undo);
+    EXPECT_EQ(trip->startDate(), at(2, 0));
+
+    // Held over its row, the calendar comes up.
+    showList(SidebarItem::Inbox);
+    const std::unique_ptr<QMimeData> data(DraggedRecords::of({trip}));
+    const QModelIndex row = sidebar().indexOf(SidebarItem::Calendar);
+    const QPoint place = outline().visualRect(row).center();
+    QDragEnterEvent enter(place, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+    QApplication::sendEvent(outline().viewport(), &enter);
+    QDragMoveEvent hold(place, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+    QApplication::sendEvent(outline().viewport(), &hold);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] { return dynamic_cast<CalendarViewController *>(controller().currentScreen()) != nullptr; }));
+}
+
+TEST_F(CalendarViewsTest, PaperShowsWhatTheScreenDoes)
+{
+    appointment(u"Dentist"_s, at(17, 9, 45), at(17, 10, 15));
+    toDo(u"Trip"_s, 16, 17);
+    for (const Type type : {Type::Day, Type::Week, Type::Month}) {
+        show(type);
+        calendar().calendarGoToDate(at(17, 12));
+        QTemporaryDir folder;
+        const QString file = folder.filePath(u"page.pdf"_s);
+        QPrinter printer;
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(file);
+        calendar().print(printer);
+        EXPECT_GT(QFileInfo(file).size(), 3000);
+        const std::unique_ptr<CalendarPage> copy = calendar().calendarPage()->copyForPaper();
+        copy->fitToPaper(1.4);
+        QImage paper(copy->size(), QImage::Format_RGB32);
+        paper.fill(Qt::white);
+        QPainter painter(&paper);
+        copy->paintForPaper(painter);
+        int ofItems = 0;
+        for (int y = 0; y < paper.height(); ++y) {
+            for (int x = 0; x < paper.width(); ++x)
+                ofItems += paper.pixelColor(x, y) == QColor(78, 107, 145);
+        }
+        EXPECT_GT(ofItems, 1500) << static_cast<int>(type);
+    }
 }

@@ -1,7 +1,8 @@
 // The first screen of a start: the day, what is overdue, and the next seven days.
 
-#include "records/DetailStack.h"
+#include "calendarviews/DaysCalendarView.h"
 #include "calendarviews/SelectedTaskController.h"
+#include "records/DetailStack.h"
 #include "shell/home/HomeHeading.h"
 #include "shell/home/HomeRowLayout.h"
 #include "shell/home/HomeTabViewController.h"
@@ -16,6 +17,10 @@ using namespace Qt::Literals::StringLiterals;
 class HomeTest : public ShellTest
 {
 protected:
+    DayCalendarViewController &dayCalendar()
+    {
+        return find<DayCalendarViewController>(home(), "DayCalendarViewController");
+    }
     void SetUp() override { controller().showList(SidebarItem::Home); }
 
     HomeTabViewController &home()
@@ -200,9 +205,15 @@ TEST_F(HomeTest, OneListIsSelectedInAtATime)
     EXPECT_EQ(week().selectedRows(), std::set{3}) << "nor after the lists were fetched anew";
     press(overdue(), 0);
     EXPECT_FALSE(week().hasSelectedRows());
-    home().eventViewSelectedItem();
-    EXPECT_FALSE(home().hasSelection());
-    EXPECT_TRUE(SelectedTaskController::sharedCenter().selectedTasks().empty());
+    const auto meeting =
+        addOn(u"meeting"_s, TaskType::Appointment, localDate(2026, 11, 21, 10), localDate(2026, 11, 21, 11));
+    settle();
+    ASSERT_TRUE(dayCalendar().goToTask(meeting));
+    EXPECT_FALSE(overdue().hasSelectedRows());
+    EXPECT_EQ(SelectedTaskController::sharedCenter().selectedTasks(), std::vector{meeting});
+    EXPECT_EQ(home().selectedTask(), meeting);
+    press(overdue(), 0);
+    EXPECT_EQ(SelectedTaskController::sharedCenter().selectedTasks(), std::vector{stored(u"late"_s)});
 }
 
 TEST_F(HomeTest, TwoPressesOpenATaskOverTheLists)
@@ -333,7 +344,6 @@ TEST_F(HomeTest, AfterMidnightEverythingIsAboutTheNewDay)
 {
     addOn(u"today"_s, TaskType::ToDo, localDate(2026, 11, 21), localDate(2026, 11, 21));
     EXPECT_EQ(words(week()), u"SAT, TODAY|today"_s);
-    auto *const calendar = home().findChild<QWidget *>(u"dayCalendarFrame"_s);
     {
         const FrozenClock late(localDate(2026, 11, 21, 23, 59, 59) + Seconds(0.95));
         home().reloadData();
@@ -342,7 +352,7 @@ TEST_F(HomeTest, AfterMidnightEverythingIsAboutTheNewDay)
     EXPECT_TRUE(QTest::qWaitFor([this] { return words(overdue()) == u"today"_s; }));
     EXPECT_EQ(words(week()), u"No events"_s);
     EXPECT_EQ(find<HomeHeading>(home(), "labelDay").text(), u"22"_s);
-    EXPECT_NE(home().findChild<QWidget *>(u"dayCalendarFrame"_s), calendar);
+    EXPECT_TRUE(Calendar::current().isSameDay(dayCalendar().date(), localDate(2026, 11, 22)));
 }
 
 TEST_F(HomeTest, WhatOthersWriteComesWithoutLosingTheSelection)

@@ -1,5 +1,6 @@
 #include "shell/home/HomeBlockView.h"
 
+#include "records/DraggedRecords.h"
 #include "shell/home/HomeCell.h"
 #include "shell/home/HomeHeading.h"
 #include "shell/tasks/TaskRowCommands.h"
@@ -47,6 +48,10 @@ HomeBlockView::HomeBlockView(HomeListModel::List list, const QString &title, con
     seen.setSingleShot(true);
     seen.setInterval(tickStands);
     connect(&seen, &QTimer::timeout, this, &HomeBlockView::reload);
+    view->setDragsOut([this](const std::set<int> &numbers) {
+        const std::vector<TaskPtr> tasks = tasksAt(numbers);
+        return DraggedRecords::of({tasks.begin(), tasks.end()});
+    });
     connect(view, &TableViewExtended::doubleAction, this, &HomeBlockView::openRow);
     connect(view, &TableViewExtended::checkToggled, this,
             [this](const std::set<int> &numbers) { commands->toggleDone(tasksAt(numbers)); });
