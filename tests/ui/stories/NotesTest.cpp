@@ -76,6 +76,7 @@ protected:
 TEST_F(NotesTest, TheSelectedOneIsReadBesideTheList)
 {
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"beta"_s, u"gamma"_s}));
+    EXPECT_EQ(notes().table()->tableModel()->countInWords(3), u"3 notes"_s);
     EXPECT_TRUE(!outline().selectionModel()->hasSelection());
     ASSERT_TRUE(pane() && pane()->isEmbedded());
     EXPECT_EQ(title().text(), u"alpha"_s);
