@@ -45,6 +45,9 @@ public:
     void showRowsAnew();
     /// Tells assistive technology which row the keys are on, where they come from a field beside the list.
     void tellCurrentRow();
+    /// Tells assistive technology how many rows there are, even if there are as many as before: other rows
+    /// were asked for.
+    void tellCount();
 
     /// The selected items, from the top.
     std::set<int> selectedRows() const;
