@@ -74,6 +74,9 @@ void TableViewExtended::focusInEvent(QFocusEvent *event)
 
 void TableViewExtended::keyPressEvent(QKeyEvent *event)
 {
+    // What the field over a row does not use is not for the row.
+    if (state() == EditingState && !hasFocus())
+        return event->ignore();
     const bool isPlain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;
     if (event->key() == Qt::Key_Escape && drag.isPressed())
         return cancelDrag();

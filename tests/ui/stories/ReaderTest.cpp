@@ -382,6 +382,7 @@ TEST_F(ReaderTest, CategoriesAreReadAndRenamedInTheirRow)
     EXPECT_TRUE(field->state().focused);
     field->setText(QAccessible::Value, u"Garden"_s);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    settle();
     EXPECT_NE(Reader::find(table, QAccessible::ListItem, u"Garden"_s), nullptr);
 }
 
