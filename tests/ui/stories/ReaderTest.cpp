@@ -1,8 +1,8 @@
 // What assistive technology finds and hears: rows, ticks, bubbles, days, lists of choices.
 
 #include "ui/support/Reader.h"
+#include "filters/FilterButton.h"
 #include "filters/MVPopUp.h"
-#include "filters/TasksFilterButton.h"
 #include "records/DetailStack.h"
 #include "records/Functional.h"
 #include "shell/RightToolBar.h"
