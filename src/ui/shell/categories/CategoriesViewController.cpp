@@ -118,6 +118,17 @@ void CategoriesViewController::placeChildren()
         layoutDirection(), rect(), QRect(leading + inset, 0, room - leading - 2 * inset, titleHeight)));
     setContentsMargins(isMirrored ? detailSpace : leading, titleHeight, isMirrored ? leading : detailSpace,
                        0);
+    showTitle();
+}
+
+/// As much of it as there is room for; the rest is in the tip.
+void CategoriesViewController::showTitle()
+{
+    const QString title = firstPart(Categories::shownTitle(selectCategory));
+    const QFontMetrics metrics = labelTitleCategory->fontMetrics();
+    labelTitleCategory->setText(metrics.elidedText(title, Qt::ElideRight, labelTitleCategory->width()));
+    labelTitleCategory->setToolTip(labelTitleCategory->text() == title ? QString() : title);
+    labelTitleCategory->setAccessibleName(title);
 }
 
 void CategoriesViewController::setDetailSpace(int width)
@@ -158,7 +169,7 @@ void CategoriesViewController::categorySelectionChanged()
         tableViewTasks()->clearSelection();
         tableViewTasks()->scrollToTop();
     }
-    labelTitleCategory->setText(Categories::shownTitle(selectCategory));
+    showTitle();
     TabTaskViewController::reloadData();
 }
 
@@ -202,7 +213,7 @@ void CategoriesViewController::updateCategories()
     buttonAddCategory->setEnabled(Categories::canAdd());
     if (categories->rowOf(selectCategory) < 0)
         selectCategoryRow(0);
-    labelTitleCategory->setText(Categories::shownTitle(selectCategory));
+    showTitle();
 }
 
 NewTaskRequest CategoriesViewController::newTaskRequest() const

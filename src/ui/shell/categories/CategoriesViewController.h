@@ -36,6 +36,7 @@ private:
     void setUpTable();
     QWidget *makeTopView();
     void placeChildren();
+    void showTitle();
     void updateCategories();
     void reloadCategories();
     void selectCategoryRow(int row);
