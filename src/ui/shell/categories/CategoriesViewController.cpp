@@ -39,7 +39,6 @@ CategoriesViewController::CategoriesViewController(QWidget *parent)
     labelTitleCategory->setWordWrap(false);
     setUpTable();
     setUpPanel();
-    setFocusProxy(table);
     connect(this, &TabsViewController::buttonAdd, this, [this](ToolBarButton::ActionType type) {
         if (type == ToolBarButton::NewCategory)
             addCategory();

@@ -23,6 +23,7 @@ public:
     void setDetailSpace(int width) override;
     bool hasSelection() const override;
     void removeSelection() override;
+    void takeKeys() override { table->setFocus(Qt::ShortcutFocusReason); }
     /// Selects the category of a task, then the task.
     void selectItem(const ObjectPtr &record) override;
 
