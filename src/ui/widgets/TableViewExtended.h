@@ -130,6 +130,9 @@ private:
     int rowOnePageAway(int direction) const;
     void setHoverRow(int row);
     bool isEditKey(const QKeyEvent &event) const;
+    void openMenu(const QModelIndex &index, const QPoint &globalPosition);
+    /// Of the current row. The menu key and Shift+F10, of which Qt does not know everywhere, do it.
+    void openMenuByKey();
 
     void beginDrag();
     void dragTo(const QPoint &point);

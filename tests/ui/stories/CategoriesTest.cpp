@@ -233,7 +233,7 @@ TEST_F(CategoriesScreen, TheMenuMakesADefault)
 {
     const auto choose = [this](const QString &title) {
         select(title);
-        Q_EMIT table().menuRequested(table().viewport()->mapToGlobal(middle(title)));
+        QTest::keyClick(&table(), Qt::Key_F10, Qt::ShiftModifier);
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
         ASSERT_NE(menu, nullptr);
         ASSERT_EQ(menu->actions().front()->text(), u"Set Default"_s);
