@@ -101,14 +101,21 @@ static bool isText(const FormRow &row)
     return row.editor == Editor::Title || row.editor == Editor::Line || row.editor == Editor::Text;
 }
 
+QString FormModel::kept(int number) const
+{
+    const std::vector<FormRow> all = rows();
+    const auto row = std::ranges::find(all, number, &FormRow::id);
+    return row != all.end() && isText(*row) ? text(number) : formerlyKept(number);
+}
+
 QByteArray FormModel::encodedDraft() const
 {
     RecordDraft draft;
     for (const FormRow &row : rows()) {
-        if (isText(row) && text(row.id) != formerText(row.id))
-            draft.texts.insert(row.name, text(row.id));
+        if (const QString value = kept(row.id); value != formerlyKept(row.id))
+            draft.values.insert(row.name, value);
     }
-    if (draft.texts.isEmpty())
+    if (draft.values.isEmpty())
         return {};
     draft.entity = QString::fromUtf8(entity().data(), static_cast<qsizetype>(entity().size()));
     draft.record = DBWorker::getIdFromObject(record());
@@ -119,8 +126,8 @@ QByteArray FormModel::encodedDraft() const
 void FormModel::resume(const RecordDraft &draft)
 {
     for (const FormRow &row : rows()) {
-        if (isText(row) && draft.texts.contains(row.name))
-            setText(row.id, draft.texts.value(row.name));
+        if (draft.values.contains(row.name))
+            resumeRow(row.id, draft.values.value(row.name));
     }
 }
 

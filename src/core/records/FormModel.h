@@ -172,9 +172,18 @@ public:
 
     /// What a text row of the record said when the form was last in step with it; empty for a new record.
     virtual QString formerText(int row) const = 0;
+
+    // What outlives the form.
+    /// The value of a row as a draft keeps it: the text itself, or what the form has for another value, such
+    /// as the URI of a chosen record. Of a row that is no text, nothing is kept unless a form says more here.
+    virtual QString kept(int row) const;
+    /// The same of the record, when the form was last in step with it.
+    virtual QString formerlyKept(int row) const { return formerText(row); }
+    /// Puts in what `kept` gave. A value that there is no more leaves the row as it is.
+    virtual void resumeRow(int row, const QString &value) { setText(row, value); }
     /// What would be lost with the form, as the text of a file; empty if nothing would. Of most kinds, the
-    /// words that were typed.
+    /// rows that say something else than the record.
     virtual QByteArray encodedDraft() const;
-    /// Puts in the words that an earlier form was left with.
+    /// Puts in what an earlier form was left with.
     void resume(const RecordDraft &draft);
 };

@@ -10,8 +10,8 @@ constexpr int presentVersion = 1;
 QByteArray RecordDraft::encoded() const
 {
     QJsonObject typed;
-    for (auto text = texts.begin(); text != texts.end(); ++text)
-        typed.insert(text.key(), text.value());
+    for (auto value = values.begin(); value != values.end(); ++value)
+        typed.insert(value.key(), value.value());
     return QJsonDocument(QJsonObject{{u"version"_s, presentVersion},
                                      {u"entity"_s, entity},
                                      {u"record"_s, record},
@@ -34,7 +34,7 @@ std::optional<RecordDraft> RecordDraft::decoded(const QByteArray &json)
     for (auto text = typed.begin(); text != typed.end(); ++text) {
         if (!text.value().isString())
             return std::nullopt;
-        draft.texts.insert(text.key(), text.value().toString());
+        draft.values.insert(text.key(), text.value().toString());
     }
     return draft;
 }

@@ -6,15 +6,16 @@
 
 #include <optional>
 
-/// The words that stand in the form of a record of any kind and are not saved yet, in a shape that can be
-/// kept in a file. A task keeps more (`TaskDraft`).
+/// What stands in the form of a record of any kind and is not saved yet, in a shape that can be kept in a
+/// file. A task has a shape of its own (`TaskDraft`).
 struct RecordDraft
 {
     QString entity;
     /// The URI of the stored record; empty for a new one.
     QString record;
-    /// What was typed, by the names of the form's rows; rows that say what the record says are left out.
-    QMap<QString, QString> texts;
+    /// What the rows say, as `FormModel::kept` gives it, by their names; rows that say what the record says
+    /// are left out.
+    QMap<QString, QString> values;
     /// Whether it belongs to the sample.
     bool isOfSample = false;
 

@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "records/TaskFormChoices.h"
 #include "store/queries/DBWorker.h"
+#include "widgets/Accessibility.h"
 #include "widgets/BubbleHeader.h"
 #include "widgets/CheckList.h"
 #include "widgets/Theme.h"
@@ -52,6 +53,7 @@ MVPopUp::MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, co
     connect(fieldSearch, &QLineEdit::textChanged, this, [this](const QString &text) {
         pick.search(text);
         showRows();
+        tellCount();
     });
     connect(buttonAll, &QPushButton::clicked, this, [this] {
         pick.toggleAll();
@@ -79,6 +81,13 @@ void MVPopUp::showRows()
     labelEmpty->setVisible(isEmpty);
     buttonAll->setEnabled(!isEmpty);
     showMarks();
+}
+
+void MVPopUp::tellCount()
+{
+    const int found = pick.rowCount();
+    const QString words = found == 1 ? localized(u"1 result"_s) : localized(u"%1 results"_s).arg(found);
+    Accessibility::announce(*this, found == 0 ? labelEmpty->text() : words);
 }
 
 void MVPopUp::showMarks()

@@ -32,6 +32,7 @@ protected:
 private:
     void showRows();
     void showMarks();
+    void tellCount();
 
     MultiPick pick;
     BubbleHeader *header;

@@ -13,7 +13,7 @@ class QToolButton;
 class RowItemView;
 struct FilterRow;
 
-/// The rows in which a filter is set. What is changed is in force at once.
+/// The rows in which the filter of a list of any kind is set. What is changed is in force at once.
 class TaskFilterController : public QWidget
 {
     Q_OBJECT

@@ -1,7 +1,7 @@
 #include "filters/TasksTabTopView.h"
 
+#include "filters/FilterButton.h"
 #include "filters/FilterButtonCancelView.h"
-#include "filters/TasksFilterButton.h"
 #include "widgets/Direction.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/Theme.h"
@@ -13,7 +13,7 @@ TasksTabTopView::TasksTabTopView(QWidget *parent)
     : QWidget(parent)
     , row(new QHBoxLayout(this))
     , cancelView(new FilterButtonCancelView)
-    , filterButton(new TasksFilterButton)
+    , filterButton(new FilterButton)
 {
     setFixedHeight(stripHeight);
     row->setContentsMargins(

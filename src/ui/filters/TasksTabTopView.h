@@ -5,9 +5,9 @@
 class FilterButtonCancelView;
 class MVSegmentView;
 class QHBoxLayout;
-class TasksFilterButton;
+class FilterButton;
 
-/// The strip above a list of tasks: how it is grouped, and its filter.
+/// The strip above a list of records of any kind: how it is grouped, and its filter.
 class TasksTabTopView : public QWidget
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
 
     /// Puts the grouping at the leading side.
     void setGrouping(MVSegmentView *grouping);
-    TasksFilterButton *buttonFilter() const { return filterButton; }
+    FilterButton *buttonFilter() const { return filterButton; }
     FilterButtonCancelView *cancelFilterView() const { return cancelView; }
 
 protected:
@@ -30,5 +30,5 @@ private:
 
     QHBoxLayout *row;
     FilterButtonCancelView *cancelView;
-    TasksFilterButton *filterButton;
+    FilterButton *filterButton;
 };

@@ -270,8 +270,16 @@ void DetailStack::goBack(DetailViewController *detail)
         return;
     }
     detail->setAttribute(Qt::WA_TransparentForMouseEvents);
-    if (panes.size() > 1)
-        panes[panes.size() - 2]->show();
+    DetailViewController *const below = panes.size() > 1 ? panes[panes.size() - 2] : nullptr;
+    if (below)
+        below->show();
+    // Who goes on typing does not type into what is on its way out.
+    if (detail->isAncestorOf(QApplication::focusWidget())) {
+        if (below)
+            below->setFocus();
+        else if (screen)
+            screen->takeKeysBack();
+    }
     const int duration = Animations::duration(Animations::detailSlideOut);
     auto *animation = new QPropertyAnimation(detail, "pos");
     animation->setDuration(duration);
@@ -279,9 +287,9 @@ void DetailStack::goBack(DetailViewController *detail)
     animation->setEasingCurve(QEasingCurve::InOutCubic);
     connect(animation, &QAbstractAnimation::finished, this, [this, leaving = QPointer(detail)] {
         // It may have been removed on its way.
-        if (!drop(leaving))
+        if (std::ranges::find(panes, leaving.get()) == panes.end())
             return;
-        leave();
+        removeWhere([&leaving](const auto *pane) { return pane == leaving; });
         if (screen && !panes.empty())
             screen->detailOnTop(panes.back()->record());
     });

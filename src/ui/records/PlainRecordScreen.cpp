@@ -7,11 +7,12 @@
 
 // The rows
 
-PlainListModel::PlainListModel(std::string_view entity, Source rowSource, Look rowLook, QObject *parent)
+PlainListModel::PlainListModel(const RecordKind &kind, Source rowSource, QObject *parent)
     : RecordListModel(parent)
     , source(std::move(rowSource))
-    , look(std::move(rowLook))
-    , rows(entity)
+    , look(kind.look)
+    , inWords(kind.countInWords)
+    , rows(kind.list.entity)
 {}
 
 void PlainListModel::fetch()
@@ -82,7 +83,7 @@ static PlainListModel *makeModel(const RecordKind &kind, const PlainRecordScreen
                                  const FilterEntry *(PlainRecordScreen::*filter)() const)
 {
     const auto source = [rows = kind.rows, &screen, filter] { return rows((screen.*filter)()); };
-    return new PlainListModel(kind.list.entity, source, kind.look);
+    return new PlainListModel(kind, source);
 }
 
 PlainRecordScreen::PlainRecordScreen(const RecordKind &shownKind, QWidget *parent)

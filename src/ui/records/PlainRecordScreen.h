@@ -10,8 +10,7 @@ public:
     enum Role { DetailRole = Qt::UserRole, MarkRole };
 
     using Source = std::function<std::vector<ListedRecord>()>;
-    using Look = std::function<RecordLook(const ManagedObject &record)>;
-    PlainListModel(std::string_view entity, Source source, Look look, QObject *parent = nullptr);
+    PlainListModel(const RecordKind &kind, Source source, QObject *parent = nullptr);
 
     void fetch() override;
     void update(const std::set<RowId> &changed, const std::set<RowId> &held) override;
@@ -20,12 +19,14 @@ public:
     RowId identifierAt(int row) const override;
     int rowOf(const ObjectPtr &record) const override;
     RowKind kindOf(int row) const override;
+    QString countInWords(int items) const override { return inWords(items); }
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 
 private:
     Source source;
-    Look look;
+    std::function<RecordLook(const ManagedObject &record)> look;
+    std::function<QString(int count)> inWords;
     RecordRows rows;
 };
 

@@ -31,6 +31,8 @@ struct RecordKind
     /// The records of the list in their order.
     std::function<std::vector<ListedRecord>(const FilterEntry *filter)> rows;
     std::function<RecordLook(const ManagedObject &record)> look;
+    /// So many of its records in words, such as "2 notes".
+    std::function<QString(int count)> countInWords;
     /// The form of a stored record, or of a new one for null.
     std::function<std::unique_ptr<FormModel>(const ObjectPtr &record)> form;
     /// What pane and window are called among the widgets.

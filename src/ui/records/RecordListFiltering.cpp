@@ -1,5 +1,5 @@
+#include "filters/FilterButton.h"
 #include "filters/FilterButtonCancelView.h"
-#include "filters/TasksFilterButton.h"
 #include "filters/TasksTabTopView.h"
 #include "foundation/Localization.h"
 #include "records/RecordListScreen.h"

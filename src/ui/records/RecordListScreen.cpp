@@ -1,6 +1,6 @@
 #include "records/RecordListScreen.h"
 
-#include "filters/TasksFilterButton.h"
+#include "filters/FilterButton.h"
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "records/DetailStack.h"

@@ -54,6 +54,9 @@ RecordWindow::RecordWindow(const QString &name, const QString &title, std::uniqu
     connect(view, &FormView::accepted, this, &RecordWindow::clickButtonSave);
     connect(view, &FormView::doneToggled, this, [this](bool done) { tick(done); });
     resize(firstWidth, 0);
+    // The layouts have been asked before the rows were there, and remember their answer.
+    view->updateGeometry();
+    scroll->updateGeometry();
     growToForm();
     view->focusTitle();
 }

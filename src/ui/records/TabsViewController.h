@@ -50,6 +50,12 @@ public:
     virtual void setDetailSpace(int width) { Q_UNUSED(width) }
     /// The detail about that record has come to the top; null for one about none.
     virtual void detailOnTop(const ObjectPtr &record) { Q_UNUSED(record) }
+    /// The user has come to work here: the keys go to the rows, where there are any.
+    virtual void takeKeys()
+    {
+        if (focusProxy())
+            setFocus(Qt::ShortcutFocusReason);
+    }
     /// The last detail has gone: the keys go where it was opened.
     virtual void takeKeysBack() { setFocus(); }
     /// Where the screen shows its details; null while it is in no window.

@@ -170,8 +170,8 @@ bool MainWindowController::showScreenWithoutRow(SidebarItem item)
 /// them there.
 void MainWindowController::goToList(SidebarItem item)
 {
-    if (showList(item) && screen && screen->focusProxy())
-        screen->setFocus(Qt::ShortcutFocusReason);
+    if (showList(item) && screen)
+        screen->takeKeys();
 }
 
 void MainWindowController::loadContactsGroup()

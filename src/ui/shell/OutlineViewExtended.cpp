@@ -152,11 +152,31 @@ void OutlineViewExtended::currentChanged(const QModelIndex &current, const QMode
         Accessibility::focusMoved(*this);
 }
 
-void OutlineViewExtended::rowsInserted(const QModelIndex &parent, int start, int end)
+/// The rows are all made anew for one that comes or goes, which alone is told, once the headings are open
+/// again.
+void OutlineViewExtended::setModel(QAbstractItemModel *newModel)
 {
-    QTreeView::rowsInserted(parent, start, end);
-    for (int row = start; row <= end; ++row)
-        Accessibility::partCame(*this, sidebarKey(model()->index(row, 0, parent)));
+    QTreeView::setModel(newModel);
+    connect(newModel, &QAbstractItemModel::modelAboutToBeReset, this, [this] {
+        if (Accessibility::isHeard())
+            QMetaObject::invokeMethod(
+                this, [this, former = shownKeys()] { tellRows(former); }, Qt::QueuedConnection);
+    });
+}
+
+void OutlineViewExtended::tellRows(const QList<quint64> &former)
+{
+    const QList<quint64> keys = shownKeys();
+    for (const quint64 key : former) {
+        if (keys.contains(key))
+            continue;
+        Accessibility::partWent(*this, key);
+        Accessibility::partForgotten(*this, key);
+    }
+    for (const quint64 key : keys) {
+        if (!former.contains(key))
+            Accessibility::partCame(*this, key);
+    }
 }
 
 void OutlineViewExtended::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
@@ -178,6 +198,14 @@ QModelIndexList OutlineViewExtended::shownRows() const
             rows << model()->index(row, 0, heading);
     }
     return rows;
+}
+
+QList<quint64> OutlineViewExtended::shownKeys() const
+{
+    QList<quint64> keys;
+    for (const QModelIndex &row : shownRows())
+        keys << sidebarKey(row);
+    return keys;
 }
 
 QModelIndex OutlineViewExtended::rowOfKey(quint64 key) const
@@ -229,6 +257,15 @@ void OutlineViewExtended::describe()
     parts.exists = [this](quint64 key) { return rowOfKey(key).isValid(); };
     parts.focused = [this] { return hasFocus() ? sidebarKey(currentIndex()) : 0; };
     parts.at = [this](QPoint point) { return sidebarKey(indexAt(viewport()->mapFrom(this, point))); };
+    parts.inSight = [this] {
+        std::vector<quint64> keys;
+        for (QModelIndex row = indexAt({0, 0}); row.isValid(); row = indexBelow(row)) {
+            if (visualRect(row).top() >= viewport()->height())
+                break;
+            keys.push_back(sidebarKey(row));
+        }
+        return keys;
+    };
     parts.widgets = [this] {
         const auto *field = viewport()->findChild<QWidget *>({}, Qt::FindDirectChildrenOnly);
         return field && field->isVisible() ? QList<QWidget *>{viewport()} : QList<QWidget *>();

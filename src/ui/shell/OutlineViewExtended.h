@@ -15,6 +15,7 @@ class OutlineViewExtended : public QTreeView
 public:
     explicit OutlineViewExtended(QWidget *parent = nullptr);
 
+    void setModel(QAbstractItemModel *newModel) override;
     /// Selects a row, opening what it lies in. False if the row cannot be selected, or may not be left.
     bool selectIndex(const QModelIndex &index);
     /// A row is left for another one only if `mayLeave` allows it, which is asked where `isHeld` says so of
@@ -48,7 +49,6 @@ protected:
                                                          const QEvent *event) const override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
-    void rowsInserted(const QModelIndex &parent, int start, int end) override;
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                      const QList<int> &roles = QList<int>()) override;
 
@@ -57,7 +57,10 @@ private:
     AccessiblePart partOf(const QModelIndex &index);
     /// The rows that are not in a closed heading, from the top.
     QModelIndexList shownRows() const;
+    QList<quint64> shownKeys() const;
     QModelIndex rowOfKey(quint64 key) const;
+    /// Tells which rows have come and gone.
+    void tellRows(const QList<quint64> &former);
     bool isHeading(const QModelIndex &index) const;
     bool isHeldBack(const QModelIndex &index) const;
     void selectAfterQuestion(const QModelIndex &index) const;

@@ -7,6 +7,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QPointer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -80,10 +81,10 @@ void Accessibility::nameChanged(QWidget &control)
     send(askedFor(control), QAccessible::NameChanged);
 }
 
-void Accessibility::partsChanged(QWidget &control)
+void Accessibility::partsChanged(QWidget &control, const std::set<quint64> &outOfSight)
 {
     if (AccessibleControl *element = askedFor(control))
-        element->tellChanges();
+        element->tellChanges(outOfSight);
 }
 
 void Accessibility::focusMoved(QWidget &control)
@@ -150,12 +151,28 @@ void Accessibility::partsReplaced(QWidget &control)
         element->forgetGone();
 }
 
+void Accessibility::placesRefilled(QWidget &control)
+{
+    if (AccessibleControl *element = askedFor(control))
+        element->forgetAll();
+}
+
 // Bubbles
+
+/// The widget that Qt told of last as the one with the keys, since a bubble was opened.
+static QPointer<QWidget> &focusToldByQt()
+{
+    static QPointer<QWidget> widget;
+    return widget;
+}
 
 void Accessibility::bubbleOpened(QWidget &bubble)
 {
     if (!QAccessible::isActive())
         return;
+    focusToldByQt() = nullptr;
+    QObject::connect(qApp, &QApplication::focusChanged, &bubble,
+                     [](QWidget *, QWidget *now) { focusToldByQt() = now; });
     QAccessibleInterface *const element = QAccessible::queryAccessibleInterface(&bubble);
     send(element, QAccessible::ObjectCreated);
     send(element, QAccessible::DialogStart);
@@ -175,7 +192,7 @@ void Accessibility::bubbleCloses(QWidget &bubble)
             focused ? QAccessible::queryAccessibleInterface(focused) : nullptr;
         const auto *control = dynamic_cast<AccessibleControl *>(holder);
         // One with parts says itself on which of them the keys are.
-        if (!control || !control->hasParts())
+        if (focused != focusToldByQt() && (!control || !control->hasParts()))
             send(holder, QAccessible::Focus);
     };
     QMetaObject::invokeMethod(qApp, tellFocus, Qt::QueuedConnection);

@@ -5,6 +5,7 @@
 #include <QRect>
 
 #include <functional>
+#include <set>
 #include <vector>
 
 class QListView;
@@ -91,7 +92,8 @@ void announce(QWidget &about, const QString &sentence);
 /// The name of the control, not that of a part, is another one.
 void nameChanged(QWidget &control);
 /// Parts may be called otherwise, or be ticked or selected otherwise: tells what differs from what was told.
-void partsChanged(QWidget &control);
+/// Where there are very many parts, those in sight are looked at, the one with the keys, and `outOfSight`.
+void partsChanged(QWidget &control, const std::set<quint64> &outOfSight = {});
 /// The keyboard is on another part.
 void focusMoved(QWidget &control);
 /// A part was selected, or is no longer.
@@ -106,6 +108,8 @@ void partWent(QWidget &control, quint64 key);
 void partForgotten(QWidget &control, quint64 key);
 /// Parts were replaced by others, without a word about each.
 void partsReplaced(QWidget &control);
+/// The same where a key is a place, which another part has now: what was told before holds no longer.
+void placesRefilled(QWidget &control);
 /// A bubble was shown, or is about to go.
 void bubbleOpened(QWidget &bubble);
 void bubbleCloses(QWidget &bubble);

@@ -287,8 +287,11 @@ void AccessibleControl::doAction(const QString &name)
     const auto found = std::ranges::find(possible, name, &AccessibleAction::name);
     if (found == possible.end())
         return QAccessibleWidget::doAction(name);
-    if (widget()->isEnabled())
-        QMetaObject::invokeMethod(widget(), found->perform, Qt::QueuedConnection);
+    const auto now = [control = widget(), perform = found->perform] {
+        if (control->isEnabled())
+            perform();
+    };
+    QMetaObject::invokeMethod(widget(), now, Qt::QueuedConnection);
 }
 
 QStringList AccessibleControl::keyBindingsForAction(const QString &name) const
@@ -298,12 +301,10 @@ QStringList AccessibleControl::keyBindingsForAction(const QString &name) const
 
 void AccessibleControl::perform(quint64 key, const QString &action)
 {
-    if (!widget()->isEnabled())
-        return;
     const QPointer<AccessibleSubject> described = subject;
     const auto now = [described, key, action] {
         const AccessibleControl *const asked = described ? described->control : nullptr;
-        if (!asked || !asked->exists(key))
+        if (!asked || !asked->control().isEnabled() || !asked->exists(key))
             return;
         const std::vector<AccessibleAction> possible = described->what.parts.part(key).actions;
         const auto found = std::ranges::find(possible, action, &AccessibleAction::name);
@@ -322,13 +323,19 @@ void AccessibleControl::toldSelected(quint64 key, bool isSelected)
         one->told->state.selected = isSelected;
 }
 
-void AccessibleControl::tellChanges()
+void AccessibleControl::tellChanges(const std::set<quint64> &outOfSight)
 {
     if (!hasParts())
         return;
-    const std::vector<quint64> looked =
+    std::vector<quint64> keys =
         parts().inSight ? parts().inSight() : std::vector<quint64>(known.keyBegin(), known.keyEnd());
-    for (const quint64 key : looked) {
+    std::set<quint64> others = outOfSight;
+    if (parts().focused)
+        others.insert(parts().focused());
+    for (const quint64 key : keys)
+        others.erase(key);
+    keys.insert(keys.end(), others.begin(), others.end());
+    for (const quint64 key : keys) {
         const std::optional<AccessiblePart> before = known.value(key).told;
         if (!before || !exists(key))
             continue;
@@ -352,6 +359,12 @@ void AccessibleControl::forget(quint64 key)
 {
     if (const QAccessible::Id id = known.take(key).id)
         QAccessible::deleteAccessibleInterface(id);
+}
+
+void AccessibleControl::forgetAll()
+{
+    for (const quint64 key : known.keys())
+        forget(key);
 }
 
 void AccessibleControl::forgetGone()

@@ -7,6 +7,7 @@
 #include <QObject>
 
 #include <optional>
+#include <set>
 
 class AccessibleControl;
 
@@ -74,9 +75,10 @@ public:
     void announced(const QString &sentence) { lastSentence = sentence; }
     /// It was told of a part that it is selected, or not.
     void toldSelected(quint64 key, bool isSelected);
-    /// Tells what differs from what was told.
-    void tellChanges();
+    /// Tells what differs from what was told, of the parts in sight, the one with the keys, and those given.
+    void tellChanges(const std::set<quint64> &outOfSight);
     void forget(quint64 key);
+    void forgetAll();
     /// Forgets the parts that are gone, once so many were asked for that it is worth looking.
     void forgetGone();
 

@@ -11,6 +11,7 @@ using namespace Qt::Literals::StringLiterals;
 /// More rows than these are not told of one by one.
 constexpr std::size_t mostSteps = 4;
 constexpr std::size_t mostSelected = 8;
+constexpr std::size_t mostChanged = 16;
 
 AccessibleTable::AccessibleTable(TableViewExtended &list)
     : QObject(&list)
@@ -67,7 +68,10 @@ void AccessibleTable::follow(TableModel *rowsModel)
                                rowsMoved(first, last, target);
                            }),
                    connect(model, &TableModel::modelReset, this, &AccessibleTable::reset),
-                   connect(model, &TableModel::dataChanged, this, &AccessibleTable::rowsChanged),
+                   connect(model, &TableModel::dataChanged, this,
+                           [this](const QModelIndex &first, const QModelIndex &last) {
+                               rowsSayOther(first.row(), last.row());
+                           }),
                    connect(view.selectionModel(), &QItemSelectionModel::currentRowChanged, this,
                            [this] {
                                if (!Accessibility::isHeard() || !view.hasFocus())
@@ -170,7 +174,17 @@ QString AccessibleTable::placeInWords(int row) const
                : model->index(*std::prev(next)).data(Qt::AccessibleTextRole).toString() + u", "_s + place;
 }
 
-std::vector<AccessibleAction> AccessibleTable::actionsOf(int row, bool isTickable) const
+/// Selects a row, and says where it stands then: what selecting asks of the user may change the rows. -1 if
+/// it is not selected.
+int AccessibleTable::selectKey(quint64 key) const
+{
+    if (const int row = rowOfKey(key); row >= 0)
+        view.selectRow(row);
+    const int row = rowOfKey(key);
+    return row >= 0 && view.selectionModel()->isSelected(model->index(row)) ? row : -1;
+}
+
+std::vector<AccessibleAction> AccessibleTable::actionsOf(quint64 key, bool isTickable) const
 {
     TableViewExtended *const list = &view;
     std::vector<AccessibleAction> actions;
@@ -179,30 +193,33 @@ std::vector<AccessibleAction> AccessibleTable::actionsOf(int row, bool isTickabl
     };
     add(
         QAccessibleActionInterface::pressAction(),
-        [list, row] {
-            list->selectRow(row);
-            Q_EMIT list->doubleAction(row);
+        [this, list, key] {
+            if (const int row = selectKey(key); row >= 0)
+                Q_EMIT list->doubleAction(row);
         },
         u"Return"_s);
     if (isTickable)
         add(
-            QAccessibleActionInterface::toggleAction(), [list, row] { Q_EMIT list->checkToggled({row}); },
-            u"Space"_s);
+            QAccessibleActionInterface::toggleAction(),
+            [this, list, key] { Q_EMIT list->checkToggled({rowOfKey(key)}); }, u"Space"_s);
     // Where the keys come from a field beside the list, they stay there.
     if (view.focusPolicy() != Qt::NoFocus)
         add(QAccessibleActionInterface::setFocusAction(),
-            [list, row] {
+            [this, list, key] {
                 list->setFocus();
-                list->selectRow(row);
-                list->scrollToRow(row);
+                if (const int row = selectKey(key); row >= 0)
+                    list->scrollToRow(row);
             },
             {});
     if (view.hasMenu())
         add(
             QAccessibleActionInterface::showMenuAction(),
-            [list, row] {
-                if (!list->selectionModel()->isSelected(list->tableModel()->index(row)))
-                    list->selectRow(row);
+            [this, list, key] {
+                const int former = rowOfKey(key);
+                const bool isSelected = list->selectionModel()->isSelected(list->tableModel()->index(former));
+                const int row = isSelected ? former : selectKey(key);
+                if (row < 0)
+                    return;
                 list->scrollToRow(row);
                 const QPoint middle = list->visualRect(list->tableModel()->index(row)).center();
                 Q_EMIT list->menuRequested(list->viewport()->mapToGlobal(middle));
@@ -213,9 +230,9 @@ std::vector<AccessibleAction> AccessibleTable::actionsOf(int row, bool isTickabl
     for (const int direction : {-1, 1})
         add(
             localized(direction < 0 ? u"Move up"_s : u"Move down"_s),
-            [list, row, direction] {
-                list->selectRow(row);
-                Q_EMIT list->moveRequested(direction);
+            [this, list, key, direction] {
+                if (selectKey(key) >= 0)
+                    Q_EMIT list->moveRequested(direction);
             },
             direction < 0 ? u"Alt+Up"_s : u"Alt+Down"_s);
     return actions;
@@ -245,7 +262,7 @@ AccessiblePart AccessibleTable::partOf(quint64 key) const
     part.state.selected = view.selectionModel()->isSelected(index);
     part.state.focusable = true;
     part.state.focused = view.hasFocus() && row == view.currentRow();
-    part.actions = actionsOf(row, tick.isValid());
+    part.actions = actionsOf(key, tick.isValid());
     return part;
 }
 
@@ -291,8 +308,19 @@ void AccessibleTable::reset()
     rowsStandElsewhere();
 }
 
-void AccessibleTable::rowsChanged()
+/// A reader may stand on a row that is not in sight. Of very many rows, those in sight are enough.
+void AccessibleTable::rowsSayOther(int first, int last)
 {
+    const bool areFew = last - first < static_cast<int>(mostChanged) && changed.size() < mostChanged;
+    for (int row = first; row <= last && areFew && Accessibility::isHeard(); ++row)
+        changed.insert(model->stableIdAt(row));
+    tellSoon();
+}
+
+void AccessibleTable::tellCount()
+{
+    isCountDue = true;
+    isReplaced = true;
     tellSoon();
 }
 
@@ -329,9 +357,7 @@ bool AccessibleTable::eventFilter(QObject *watched, QEvent *event)
         isFocusNew = true;
         tellSoon();
     } else if (event->type() == QEvent::Show) {
-        isShown = true;
-        isReplaced = true;
-        tellSoon();
+        tellCount();
     }
     return QObject::eventFilter(watched, event);
 }
@@ -366,7 +392,7 @@ void AccessibleTable::tellNow()
     isReplaced = false;
     formerRowCount = model->rowCount();
     tellSelection();
-    Accessibility::partsChanged(view);
+    Accessibility::partsChanged(view, std::exchange(changed, {}));
     if (const bool isNew = std::exchange(isFocusNew, false);
         view.hasFocus() && (isNew || currentKey() != toldCurrent))
         tellCurrentRow();
@@ -410,7 +436,7 @@ void AccessibleTable::tellAsAWhole()
     const bool isMoved = view.hasFocus() && currentKey() == toldCurrent && view.currentRow() != toldRow;
     if (!view.isVisible())
         return;
-    if (std::exchange(isShown, false) || model->rowCount() != formerRowCount)
+    if (std::exchange(isCountDue, false) || model->rowCount() != formerRowCount)
         Accessibility::announce(view, model->countInWords(order().itemCount()));
     else if (isMoved && toldCurrent != 0)
         Accessibility::announce(view, placeInWords(view.currentRow()));

@@ -26,8 +26,10 @@ public:
     /// Follows another model; null for none.
     void follow(TableModel *rowsModel);
     /// Rows may say something else than before.
-    void rowsChanged();
+    void rowsChanged() { tellSoon(); }
     void tellCurrentRow();
+    /// What the list has was asked for anew: says how many there are, even if there are as many as before.
+    void tellCount();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -35,7 +37,8 @@ protected:
 private:
     // What a row is
     AccessiblePart partOf(quint64 key) const;
-    std::vector<AccessibleAction> actionsOf(int row, bool isTickable) const;
+    std::vector<AccessibleAction> actionsOf(quint64 key, bool isTickable) const;
+    int selectKey(quint64 key) const;
     QString placeInWords(int row) const;
     bool hasHeaders() const { return !order().headers.empty(); }
     quint64 currentKey() const;
@@ -57,6 +60,7 @@ private:
     // What happens
     void rowsStandElsewhere();
     void noteRows(int first, int last, std::vector<quint64> &keys);
+    void rowsSayOther(int first, int last);
     void rowsInserted(int first, int last);
     void rowsGoing(int first, int last);
     void rowsMoved(int first, int last, int target);
@@ -86,8 +90,10 @@ private:
     /// Rows that were selected or deselected, and whether there are too many to be told of one by one.
     std::vector<std::pair<quint64, bool>> reselected;
     bool isSelectionLarge = false;
-    /// The list came into sight.
-    bool isShown = false;
+    /// Rows out of sight that say something else.
+    std::set<quint64> changed;
+    /// The list came into sight, or was asked for something else.
+    bool isCountDue = false;
     int formerRowCount = 0;
     /// The row with the keys that was told of last, and where it stood.
     quint64 toldCurrent = 0;

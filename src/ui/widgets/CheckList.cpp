@@ -166,8 +166,16 @@ void CheckList::setLines(std::vector<Line> lines)
 {
     const auto first = std::ranges::find(lines, false, &Line::isHeading) - lines.begin();
     lineModel->setLines(std::move(lines));
+    Accessibility::placesRefilled(*this);
     if (lineModel->isInside(static_cast<int>(first)))
         setCurrentIndex(lineModel->index(static_cast<int>(first)));
+}
+
+/// Qt's list view would tell of a line also while the keys are elsewhere, such as in a field that searches.
+void CheckList::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QAbstractItemView::currentChanged(current, previous);
+    Accessibility::focusMoved(*this);
 }
 
 /// All marks that are set together are told together.

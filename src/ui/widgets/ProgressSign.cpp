@@ -77,7 +77,11 @@ ProgressSign::ProgressSign(const QString &sentence, int steps, bool canBeStopped
 void ProgressSign::setValue(int steps)
 {
     done = steps;
-    line->setAccessibleName(u"%1 / %2"_s.arg(done).arg(count));
+    // A reader that is told more often never gets to the end of a number.
+    if (constexpr qint64 pause = 1000; !toldLast.isValid() || toldLast.hasExpired(pause)) {
+        line->setAccessibleName(u"%1 / %2"_s.arg(done).arg(count));
+        toldLast.start();
+    }
     line->update();
     if (!isVisible() && !isCanceled)
         show();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QElapsedTimer>
 
 /// A small window that says what is being done and, by a line, how far it is. It keeps the user from
 /// everything else meanwhile; a button stops the work where that is possible.
@@ -27,4 +28,6 @@ private:
     bool isStoppable;
     bool isCanceled = false;
     QWidget *line;
+    /// When assistive technology was told how far it is.
+    QElapsedTimer toldLast;
 };

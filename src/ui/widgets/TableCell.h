@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QAbstractItemDelegate>
+#include <QStyledItemDelegate>
 
 /// Paints the rows of a `TableViewExtended` and says where their check box stands.
-class TableCell : public QAbstractItemDelegate
+class TableCell : public QStyledItemDelegate
 {
     Q_OBJECT
 public:
-    using QAbstractItemDelegate::QAbstractItemDelegate;
+    using QStyledItemDelegate::QStyledItemDelegate;
 
     /// Where the check box of a row is pressed; an empty rectangle for a row without one.
     virtual QRect checkBoxRect(const QRect &row, Qt::LayoutDirection direction,

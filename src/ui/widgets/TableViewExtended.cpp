@@ -55,6 +55,11 @@ void TableViewExtended::tellCurrentRow()
     accessible->tellCurrentRow();
 }
 
+void TableViewExtended::tellCount()
+{
+    accessible->tellCount();
+}
+
 void TableViewExtended::setRowHeights(const RowHeights &newHeights)
 {
     heights = newHeights;

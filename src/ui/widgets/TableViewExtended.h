@@ -48,6 +48,9 @@ public:
     void showRowsAnew();
     /// Tells assistive technology which row the keys are on, where they come from a field beside the list.
     void tellCurrentRow();
+    /// Tells assistive technology how many rows there are, even if there are as many as before: other rows
+    /// were asked for.
+    void tellCount();
 
     /// The selected items, from the top.
     std::set<int> selectedRows() const;
@@ -133,6 +136,9 @@ private:
     int rowOnePageAway(int direction) const;
     void setHoverRow(int row);
     bool isEditKey(const QKeyEvent &event) const;
+    void openMenu(const QModelIndex &index, const QPoint &globalPosition);
+    /// Of the current row. The menu key and Shift+F10, of which Qt does not know everywhere, do it.
+    void openMenuByKey();
 
     void beginDrag();
     void dragTo(const QPoint &point);

@@ -74,6 +74,9 @@ void TableViewExtended::focusInEvent(QFocusEvent *event)
 
 void TableViewExtended::keyPressEvent(QKeyEvent *event)
 {
+    // What the field over a row does not use is not for the row.
+    if (state() == EditingState && !hasFocus())
+        return event->ignore();
     const bool isPlain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;
     if (event->key() == Qt::Key_Escape && drag.isPressed())
         return cancelDrag();
@@ -81,6 +84,8 @@ void TableViewExtended::keyPressEvent(QKeyEvent *event)
         return Q_EMIT moveRequested(event->key() == Qt::Key_Up ? -1 : 1);
     if (isEditKey(*event) || (isPlain && event->key() == Qt::Key_Backspace))
         return Q_EMIT removeRequested();
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
+        return openMenuByKey();
     if (isPlain && event->key() == Qt::Key_Space)
         return Q_EMIT checkToggled(selectedRows());
     if (isPlain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))

@@ -98,14 +98,24 @@ void TableViewExtended::mouseDoubleClickEvent(QMouseEvent *event)
 
 void TableViewExtended::contextMenuEvent(QContextMenuEvent *event)
 {
-    const bool isKeyboard = event->reason() == QContextMenuEvent::Keyboard;
-    const QModelIndex index = isKeyboard ? currentIndex() : indexAt(event->pos());
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        openMenuByKey();
+    else
+        openMenu(indexAt(event->pos()), event->globalPos());
+}
+
+void TableViewExtended::openMenuByKey()
+{
+    openMenu(currentIndex(), viewport()->mapToGlobal(visualRect(currentIndex()).center()));
+}
+
+void TableViewExtended::openMenu(const QModelIndex &index, const QPoint &globalPosition)
+{
     if (!rowsModel->isItem(index.row()))
         return;
     if (!selectionModel()->isSelected(index))
         selectRow(index.row());
-    Q_EMIT menuRequested(isKeyboard ? viewport()->mapToGlobal(visualRect(index).center())
-                                    : event->globalPos());
+    Q_EMIT menuRequested(globalPosition);
 }
 
 // Dragging

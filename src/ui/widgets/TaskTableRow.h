@@ -5,7 +5,7 @@ class QRect;
 class QStyleOptionViewItem;
 class TableModel;
 
-/// The piece of a card behind one row: the card goes around all rows of a group.
+/// The piece of a card behind one row of a list of any kind: the card goes around all rows of a group.
 struct TaskTableRow
 {
     bool isFirstRow = false;

@@ -184,7 +184,8 @@ TEST_F(AccessibilityTest, ARowSaysWhatItsColoursAndMarksSay)
 
 TEST_F(AccessibilityTest, TabGoesAsTheEyeDoesOnEveryScreenThatIsReturnedTo)
 {
-    for (const SidebarItem item : {SidebarItem::Inbox, SidebarItem::Today, SidebarItem::Today}) {
+    for (const SidebarItem item :
+         {SidebarItem::Inbox, SidebarItem::Today, SidebarItem::Categories, SidebarItem::Today}) {
         showList(item);
         list().setFocus();
         QStringList way;
@@ -196,6 +197,10 @@ TEST_F(AccessibilityTest, TabGoesAsTheEyeDoesOnEveryScreenThatIsReturnedTo)
                               u"buttonCalendars"_s, u"searchField"_s,         u"tableViewTasks"_s};
         if (item == SidebarItem::Today)
             wanted.prepend(u"tasksGroupedView"_s);
+        if (item == SidebarItem::Categories) {
+            wanted.front() = u"popUpButtonSort"_s;
+            wanted.insert(1, u"tableViewCategory"_s);
+        }
         EXPECT_EQ(way, wanted) << qPrintable(way.join(u' '));
     }
 }

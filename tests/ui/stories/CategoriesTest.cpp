@@ -48,14 +48,24 @@ protected:
     {
         QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, middle(title));
     }
-    QLineEdit *editor() { return table().viewport()->findChild<QLineEdit *>(u"categoryTitleEditor"_s); }
+    /// The field over a title; null if none is being written.
+    QLineEdit *editor()
+    {
+        const auto fields = table().viewport()->findChildren<QLineEdit *>(u"categoryTitleEditor"_s);
+        return !fields.isEmpty() && fields.last()->isVisible() ? fields.last() : nullptr;
+    }
+    void write(const QString &title, Qt::Key last)
+    {
+        QTest::keyClicks(editor(), title);
+        QTest::keyClick(editor(), last);
+        settle();
+    }
     void press(QWidget &button) { QTest::mouseClick(&button, Qt::LeftButton, {}, {20, button.height() / 2}); }
     void addCategory(const QString &title)
     {
         press(find<ToolBarButton>(window(), "buttonAdd"));
         ASSERT_NE(editor(), nullptr);
-        QTest::keyClicks(editor(), title);
-        QTest::keyClick(editor(), Qt::Key_Return);
+        write(title, Qt::Key_Return);
     }
 };
 
@@ -92,8 +102,7 @@ TEST_F(CategoriesScreen, ANewOneIsNamedInPlace)
     addCategory(QString());
     EXPECT_EQ(titles().size(), count);
     press(find<ToolBarButton>(window(), "buttonAdd"));
-    QTest::keyClicks(editor(), u"Given up"_s);
-    QTest::keyClick(editor(), Qt::Key_Escape);
+    write(u"Given up"_s, Qt::Key_Escape);
     EXPECT_FALSE(EntityCategory::title(u"Given up"_s));
     EXPECT_EQ(titles().size(), count);
 
@@ -150,10 +159,15 @@ TEST_F(CategoriesScreen, AnotherOneKeepsTheNameThatWasJustWritten)
     QTest::keyClicks(editor(), u"First"_s);
     press(find<ToolBarButton>(window(), "buttonAdd"));
     ASSERT_NE(editor(), nullptr);
-    QTest::keyClicks(editor(), u"Second"_s);
-    QTest::keyClick(editor(), Qt::Key_Return);
+    write(u"Second"_s, Qt::Key_Return);
     EXPECT_TRUE(EntityCategory::title(u"First"_s));
     EXPECT_TRUE(EntityCategory::title(u"Second"_s));
+    addCategory(u"Firth"_s);
+    QTest::mouseDClick(table().viewport(), Qt::LeftButton, {}, middle(u"First"_s));
+    write(u"Firsts"_s, Qt::Key_Tab);
+    EXPECT_TRUE(EntityCategory::title(u"Firsts"_s));
+    EXPECT_EQ(find<QLabel>(categories(), "labelTitleCategory").text(), u"Firsts"_s)
+        << "the key does not go on to the next title";
 }
 
 TEST_F(CategoriesScreen, ADoubleClickNamesAnOwnOneAnew)
@@ -177,8 +191,7 @@ TEST_F(CategoriesScreen, ADoubleClickNamesAnOwnOneAnew)
         ASSERT_NE(editor(), nullptr);
         editor()->selectAll();
         QTest::keyClick(editor(), Qt::Key_Backspace);
-        QTest::keyClicks(editor(), taken);
-        QTest::keyClick(editor(), Qt::Key_Return);
+        write(taken, Qt::Key_Return);
         EXPECT_EQ(allotment->title(), u"Allotment"_s) << "without a word the old name comes back";
         EXPECT_TRUE(titles().contains(u"Allotment"_s));
     }
@@ -220,7 +233,7 @@ TEST_F(CategoriesScreen, TheMenuMakesADefault)
 {
     const auto choose = [this](const QString &title) {
         select(title);
-        Q_EMIT table().menuRequested(table().viewport()->mapToGlobal(middle(title)));
+        QTest::keyClick(&table(), Qt::Key_F10, Qt::ShiftModifier);
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
         ASSERT_NE(menu, nullptr);
         ASSERT_EQ(menu->actions().front()->text(), u"Set Default"_s);

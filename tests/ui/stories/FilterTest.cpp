@@ -1,10 +1,10 @@
 // A list of tasks is narrowed by its filter.
 
+#include "filters/FilterButton.h"
 #include "filters/FilterButtonCancelView.h"
 #include "filters/FilterEntries.h"
 #include "filters/MVPopUp.h"
 #include "filters/SavedFilter.h"
-#include "filters/TasksFilterButton.h"
 #include "records/DetailStack.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/CheckList.h"
@@ -28,7 +28,7 @@ protected:
         for (const int list : {0, 1, 2, 3, 6})
             SavedFilter::ofTasks(list).storePristine();
     }
-    TasksFilterButton &button() { return find<TasksFilterButton>(screen(), "buttonFilter"); }
+    FilterButton &button() { return find<FilterButton>(screen(), "buttonFilter"); }
     FilterButtonCancelView &cancel() { return find<FilterButtonCancelView>(screen(), "cancelFilterView"); }
     MVSegmentView &groupingControl() { return find<MVSegmentView>(screen(), "tasksGroupedView"); }
     Popover &open()

@@ -95,6 +95,7 @@ RecordKind shops(std::vector<ObjectPtr> &removed)
                     const auto &shop = static_cast<const EntityCompany &>(record);
                     return RecordLook{.title = shop.title(), .detail = shop.details(), .mark = Qt::red};
                 },
+            .countInWords = [](int count) { return QString::number(count) + u" shops"_s; },
             .form =
                 [](const ObjectPtr &record) {
                     return std::make_unique<ShopForm>(std::static_pointer_cast<EntityCompany>(record));

@@ -233,3 +233,17 @@ TEST_F(MeanwhileTest, ThePaneThatHasGoneOnItsWayOutTakesNoKeys)
     Animations::setEnabled(false);
     EXPECT_TRUE(outline().hasFocus());
 }
+
+TEST_F(MeanwhileTest, WhileAPaneSlidesAwayTheKeysAreWhereItWasOpened)
+{
+    addInbox({u"first"_s, u"second"_s});
+    clickRow(0);
+    key(Qt::Key_Return);
+    Animations::setEnabled(true);
+    QTest::keyClick(stack().top(), Qt::Key_Escape);
+    EXPECT_TRUE(list().hasFocus());
+    outline().setFocus();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return stack().isEmpty(); }));
+    Animations::setEnabled(false);
+    EXPECT_TRUE(outline().hasFocus()) << "the end of its way takes nothing";
+}

@@ -1,6 +1,7 @@
 // A new task is written down.
 
 #include "records/Categories.h"
+#include "records/FormView.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
@@ -181,6 +182,8 @@ TEST_F(NewTaskTest, RowsThatAppearMakeTheWindowHigher)
     showList(SidebarItem::Inbox);
     WindowNewTask &form = openNewTask();
     const int before = form.height();
+    EXPECT_GT(before, form.findChild<FormView *>()->sizeHint().height())
+        << "all rows are in sight from the beginning";
     DatePickerState picker = form.taskForm()->openPicker(DatePickerState::Type::StartDate);
     form.taskForm()->acceptDate(picker, localDate(2026, 11, 23));
     ASSERT_LT(before + 40, form.screen()->availableGeometry().height());

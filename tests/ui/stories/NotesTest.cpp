@@ -6,6 +6,7 @@
 #include "records/RecordListScreen.h"
 #include "records/RecordPane.h"
 #include "records/RecordWindow.h"
+#include "records/TaskFormChoices.h"
 #include "store/state/SettingsKeys.h"
 #include "support/FullDisk.h"
 #include "support/OtherProgram.h"
@@ -76,6 +77,7 @@ protected:
 TEST_F(NotesTest, TheSelectedOneIsReadBesideTheList)
 {
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"beta"_s, u"gamma"_s}));
+    EXPECT_EQ(notes().table()->tableModel()->countInWords(3), u"3 notes"_s);
     EXPECT_TRUE(!outline().selectionModel()->hasSelection());
     ASSERT_TRUE(pane() && pane()->isEmbedded());
     EXPECT_EQ(title().text(), u"alpha"_s);
@@ -211,6 +213,11 @@ TEST_F(NotesTest, TypedWordsOutliveTheirNoteAndTheProgram)
     };
     select(1);
     edit(u"typed for beta"_s);
+    const auto namesake = context().insert<EntityContacts>();
+    namesake->setFirstName(ann->firstName());
+    ASSERT_FALSE(DBWorker::saveContext());
+    Q_EMIT find<QComboBox>(*pane(), "popUpButtonContact").activated(2);
+    const ContactPtr second = TaskFormChoices::contacts().at(1);
     DraftKeeper::finishAll();
     EXPECT_EQ(Drafts::find().drafts.size(), 1);
     // The program ended there: the words come back to their note.
@@ -228,7 +235,8 @@ TEST_F(NotesTest, TypedWordsOutliveTheirNoteAndTheProgram)
     EXPECT_EQ(titleIn(*window()), u"typed for beta"_s);
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"gamma"_s}));
     window()->clickButtonSave();
-    EXPECT_TRUE(stored(u"typed for beta"_s));
+    ASSERT_TRUE(stored(u"typed for beta"_s));
+    EXPECT_EQ(std::static_pointer_cast<EntityNote>(stored(u"typed for beta"_s))->contact(), second);
     EXPECT_TRUE(Drafts::find().drafts.isEmpty());
 }
 

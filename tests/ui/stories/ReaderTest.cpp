@@ -1,8 +1,8 @@
 // What assistive technology finds and hears: rows, ticks, bubbles, days, lists of choices.
 
 #include "ui/support/Reader.h"
+#include "filters/FilterButton.h"
 #include "filters/MVPopUp.h"
-#include "filters/TasksFilterButton.h"
 #include "records/DetailStack.h"
 #include "records/Functional.h"
 #include "shell/RightToolBar.h"
@@ -109,6 +109,37 @@ TEST_F(ReaderTest, WhatIsTickedLeavesAndWhatIsNewComes)
     EXPECT_EQ(milk.text(QAccessible::Name), u"Oat milk"_s);
 }
 
+TEST_F(ReaderTest, ARowOutOfSightThatIsReadTellsOfItsChange)
+{
+    for (int number = 0; number < 60; ++number)
+        add(u"Task %1"_s.arg(number));
+    settle();
+    QAccessibleInterface &tea = *row(u"Tea"_s);
+    clickRow(0);
+    list().scrollToBottom();
+    EXPECT_TRUE(tea.state().offscreen);
+    reader.heard();
+    const auto rename = [this](const QString &former, const QString &title) {
+        stored(former)->setTitle(title);
+        ASSERT_FALSE(DBWorker::saveContext());
+    };
+    rename(u"Tea"_s, u"Green tea"_s);
+    EXPECT_TRUE(reader.hears(u"named: Green tea"_s)) << "the keys are on it";
+    key(Qt::Key_End);
+    reader.heard();
+    rename(u"Green tea"_s, u"Black tea"_s);
+    EXPECT_TRUE(reader.hears(u"named: Black tea"_s)) << "who reads may stand anywhere";
+}
+
+TEST_F(ReaderTest, WhatCannotBeDoneAnyMoreIsNotDone)
+{
+    row(u"Tea"_s)->actionInterface()->doAction(toggle);
+    list().setEnabled(false);
+    settle();
+    EXPECT_EQ(stored(u"Tea"_s)->status(), TaskStatus::Open);
+    list().setEnabled(true);
+}
+
 TEST_F(ReaderTest, ManyChangesAreOneSentence)
 {
     clickRow(0);
@@ -188,6 +219,16 @@ TEST_F(ReaderTest, TheSidebarOpensClosesAndSaysItsNumbers)
     reader.heard();
     QTest::keyClick(&outline(), Qt::Key_Up);
     EXPECT_TRUE(reader.heard().contains(u"focus: Inbox"_s)) << "not the row beside it";
+    pressSidebar(SidebarItem::Contacts);
+    const auto group = addGroup(u"Choir"_s);
+    EXPECT_TRUE(reader.heard().contains(u"came: Choir"_s));
+    const QAccessible::Id choir =
+        QAccessible::uniqueId(Reader::find(outline(), QAccessible::ListItem, u"Choir"_s));
+    context().deleteObject(group);
+    ASSERT_FALSE(DBWorker::saveContext());
+    controller().loadContactsGroup();
+    EXPECT_TRUE(reader.heard().contains(u"went: "_s));
+    EXPECT_EQ(QAccessible::accessibleInterface(choir), nullptr);
 }
 
 TEST_F(ReaderTest, TheResultsOfASearchAreCountedAndReadAsTheKeysWalkThem)
@@ -198,7 +239,13 @@ TEST_F(ReaderTest, TheResultsOfASearchAreCountedAndReadAsTheKeysWalkThem)
     QTest::keyClicks(&field, u"e"_s);
     EXPECT_TRUE(reader.hears(u"said: 1 result"_s));
     TableViewExtended &results = *window().rightToolBarMain()->searchPopover()->tableView();
+    settle();
     EXPECT_EQ(Reader::of(results).child(0)->role(), QAccessible::Heading);
+    reader.heard();
+    field.setText(u"te"_s);
+    EXPECT_TRUE(reader.hears(u"said: 1 result"_s)) << "another one, though there are as many";
+    field.setText(u"re"_s);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Reader::namesIn(results).contains(u"Bread"_s); }));
     QTest::keyClick(&field, Qt::Key_Down);
     EXPECT_TRUE(reader.hears(u"said: Bread"_s));
     Reader::press(Reader::find(results, QAccessible::ListItem, u"Bread"_s));
@@ -240,7 +287,9 @@ TEST_F(ReaderTest, ABubbleIsADialogOfItsWindowAndADayIsPickedInItByName)
     Reader::press(Reader::find(dialog, QAccessible::Button, u"Done"_s));
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return field.text(QAccessible::Name).startsWith(u"Start Date, Nov 27, 2026"_s); }));
-    EXPECT_TRUE(reader.heard().contains(u"went: Edit Start Date"_s));
+    const QStringList back = reader.heard();
+    EXPECT_TRUE(back.contains(u"went: Edit Start Date"_s));
+    EXPECT_EQ(back.filter(u"focus: Start Date"_s).size(), 1) << qPrintable(back.join(u'\n'));
     const ScriptedAlerts alerts({Alert::thirdButton});
     if (QWidget *next = QApplication::activePopupWidget())
         next->close();
@@ -299,6 +348,12 @@ TEST_F(ReaderTest, ListsOfChoicesAreTicked)
     EXPECT_TRUE(reader.heard().contains(u"focus: Ada"_s)) << "the line, not only the list";
     QTest::keyClick(&lines, Qt::Key_Down);
     EXPECT_EQ(reader.heard(), QStringList{u"focus: Bela"_s});
+    // Bela takes the line of Ada, which is neither named otherwise nor unticked.
+    auto &search = find<QLineEdit>(people, "fieldSearch");
+    search.setFocus();
+    reader.heard();
+    search.setText(u"Be"_s);
+    EXPECT_EQ(reader.heard(), QStringList{u"said: 1 result"_s});
     people.close();
 
     const CalendarAccess access({u"Home"_s, u"Work"_s});
@@ -327,6 +382,7 @@ TEST_F(ReaderTest, CategoriesAreReadAndRenamedInTheirRow)
     EXPECT_TRUE(field->state().focused);
     field->setText(QAccessible::Value, u"Garden"_s);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    settle();
     EXPECT_NE(Reader::find(table, QAccessible::ListItem, u"Garden"_s), nullptr);
 }
 
@@ -340,7 +396,9 @@ TEST_F(ReaderTest, AMapIsWorkedByName)
     EXPECT_EQ(element.text(QAccessible::Description), u"Latitude 52.5000, longitude 13.4000, zoom 10"_s);
     Reader::act(&element, u"Zoom in"_s);
     EXPECT_EQ(map.zoom(), 11);
+    EXPECT_TRUE(reader.heard().contains(u"said: Latitude 52.5000, longitude 13.4000, zoom 11"_s));
     Reader::act(&element, u"Move the pin north"_s);
+    EXPECT_EQ(reader.heard().filter(u"said: Latitude 52.5"_s).size(), 1);
     EXPECT_GT(map.pin().latitude, 52.5);
     EXPECT_DOUBLE_EQ(map.pin().longitude, 13.4);
 }

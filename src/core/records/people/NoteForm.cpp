@@ -147,6 +147,23 @@ void NoteForm::clear(int)
     edit([this] { values.contact = nullptr; });
 }
 
+// Drafts
+
+/// Two contacts may have the same name.
+QString NoteForm::keptOf(const MVNote &note, int number)
+{
+    return number == Contact ? DBWorker::getIdFromObject(note.contact) : textOf(note, number);
+}
+
+void NoteForm::resumeRow(int number, const QString &value)
+{
+    if (number != Contact)
+        return setText(number, value);
+    const auto contact = std::dynamic_pointer_cast<EntityContacts>(DBWorker::getObjectFromId(value));
+    if (contact || value.isEmpty())
+        edit([&] { values.contact = contact; });
+}
+
 // The record
 
 bool NoteForm::isChanged()

@@ -40,6 +40,9 @@ public:
     std::string_view entity() const override { return EntityNote::entityName; }
     ObjectPtr record() const override { return row; }
     QString formerText(int number) const override { return textOf(base, number); }
+    QString kept(int number) const override { return keptOf(values, number); }
+    QString formerlyKept(int number) const override { return keptOf(base, number); }
+    void resumeRow(int number, const QString &value) override;
     QString creationText() const override { return createdOn(values.creationDate); }
     bool canSave() const override { return isStored() || !values.title.isEmpty(); }
     bool isTouched() const override { return touched; }
@@ -52,6 +55,7 @@ public:
 private:
     static MVNote valuesOf(const EntityNote &note);
     static QString textOf(const MVNote &note, int number);
+    static QString keptOf(const MVNote &note, int number);
     bool isStored() const { return row && !isNewRow; }
     void edit(const std::function<void()> &change);
 

@@ -118,6 +118,7 @@ void CalendarsAppleWindowController::setUpTable()
     Accessibility::describeList(
         *table, [this](int row) { model->toggle(model->index(row)); }, moreActions);
     connect(model, &CalendarListModel::dataChanged, table, [this] { Accessibility::partsChanged(*table); });
+    connect(model, &CalendarListModel::modelReset, table, [this] { Accessibility::placesRefilled(*table); });
     table->setObjectName(u"tableCalendars"_s);
     table->setAccessibleName(localized(u"Calendars"_s));
     table->setFrameShape(QFrame::NoFrame);

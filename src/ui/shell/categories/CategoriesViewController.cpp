@@ -3,15 +3,12 @@
 #include "foundation/Localization.h"
 #include "records/RecordRemoval.h"
 #include "shell/categories/CategoryTasksCell.h"
-#include "store/entities/EntityCategory.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/Direction.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/TextLabel.h"
 
-#include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QVBoxLayout>
 
@@ -33,6 +30,7 @@ CategoriesViewController::CategoriesViewController(QWidget *parent)
     , categories(new CategoryListModel(this))
     , panel(new QWidget(this))
     , table(new TableViewExtended)
+    , cell(new CategoryTasksCell(table))
     , labelTitleCategory(makeTextLabel({}, Theme::FontRole::BodyStrong, Theme::text))
     , buttonAddCategory(toolBarView()->findChild<ToolBarButton *>(u"buttonAdd"_s))
 {
@@ -41,14 +39,14 @@ CategoriesViewController::CategoriesViewController(QWidget *parent)
     labelTitleCategory->setWordWrap(false);
     setUpTable();
     setUpPanel();
-    setFocusProxy(table);
     connect(this, &TabsViewController::buttonAdd, this, [this](ToolBarButton::ActionType type) {
         if (type == ToolBarButton::NewCategory)
             addCategory();
     });
     categoriesUpdate.setSingleShot(true);
     connect(&categoriesUpdate, &QTimer::timeout, this, &CategoriesViewController::updateCategories);
-    reloadDataCategory();
+    categories->fetch();
+    updateCategories();
     selectCategoryRow(0);
 }
 
@@ -75,8 +73,7 @@ QWidget *CategoriesViewController::makeTopView()
     popUp->setCurrentIndex(popUp->findData(static_cast<int>(Categories::shown())));
     connect(popUp, &QComboBox::activated, this, [this, popUp] {
         Categories::setShown(static_cast<Categories::Shown>(popUp->currentData().toInt()));
-        reloadDataCategory();
-        selectCategoryRow(std::max(0, categories->rowOf(selectCategory)));
+        reloadCategories();
     });
     auto *line = new QWidget;
     auto *row = new QHBoxLayout(line);
@@ -94,13 +91,16 @@ void CategoriesViewController::setUpTable()
     table->setAccessibleName(localized(u"Categories"_s));
     table->setSelectionMode(QAbstractItemView::SingleSelection);
     table->setRowHeights({.item = categoryRowHeight});
-    table->setItemDelegate(new CategoryTasksCell(table));
+    table->setItemDelegate(cell);
     table->setModel(categories);
     connect(table, &TableViewExtended::rowSelectionChanged, this,
             &CategoriesViewController::categorySelectionChanged);
     connect(table, &TableViewExtended::doubleAction, this, &CategoriesViewController::editTitle);
     connect(table, &TableViewExtended::removeRequested, this, &CategoriesViewController::removeCategory);
     connect(table, &TableViewExtended::menuRequested, this, &CategoriesViewController::showCategoryMenu);
+    // A window that goes takes the keys from a field while there may be no store any more.
+    connect(cell, &CategoryTasksCell::closeEditor, this, &CategoriesViewController::editorClosed,
+            Qt::QueuedConnection);
 }
 
 /// Beside a detail there may be no room for both lists; then the tasks stay.
@@ -117,6 +117,17 @@ void CategoriesViewController::placeChildren()
         layoutDirection(), rect(), QRect(leading + inset, 0, room - leading - 2 * inset, titleHeight)));
     setContentsMargins(isMirrored ? detailSpace : leading, titleHeight, isMirrored ? leading : detailSpace,
                        0);
+    showTitle();
+}
+
+/// As much of it as there is room for; the rest is in the tip.
+void CategoriesViewController::showTitle()
+{
+    const QString title = firstPart(Categories::shownTitle(selectCategory));
+    const QFontMetrics metrics = labelTitleCategory->fontMetrics();
+    labelTitleCategory->setText(metrics.elidedText(title, Qt::ElideRight, labelTitleCategory->width()));
+    labelTitleCategory->setToolTip(labelTitleCategory->text() == title ? QString() : title);
+    labelTitleCategory->setAccessibleName(title);
 }
 
 void CategoriesViewController::setDetailSpace(int width)
@@ -128,16 +139,16 @@ void CategoriesViewController::setDetailSpace(int width)
 void CategoriesViewController::resizeEvent(QResizeEvent *event)
 {
     TabTaskViewController::resizeEvent(event);
-    endEditing(true);
     placeChildren();
 }
 
 // Rows
 
-void CategoriesViewController::reloadDataCategory(const std::optional<CategoryColor> &newCategory)
+void CategoriesViewController::reloadCategories()
 {
-    categories->reload(newCategory);
+    categories->fetch();
     buttonAddCategory->setEnabled(Categories::canAdd());
+    selectCategoryRow(std::max(categories->rowOf(selectCategory), 0));
 }
 
 void CategoriesViewController::selectCategoryRow(int row)
@@ -157,18 +168,14 @@ void CategoriesViewController::categorySelectionChanged()
         tableViewTasks()->clearSelection();
         tableViewTasks()->scrollToTop();
     }
-    labelTitleCategory->setText(Categories::shownTitle(selectCategory));
+    showTitle();
     TabTaskViewController::reloadData();
 }
 
 /// What was written elsewhere may have changed the categories, too.
 void CategoriesViewController::reloadData()
 {
-    if (editor)
-        return TabTaskViewController::reloadData();
-    reloadDataCategory();
-    const int row = categories->rowOf(selectCategory);
-    selectCategoryRow(row >= 0 ? row : 0);
+    isEditing() ? TabTaskViewController::reloadData() : reloadCategories();
 }
 
 TaskListQuery CategoriesViewController::query(Grouping) const
@@ -190,23 +197,22 @@ void CategoriesViewController::updateRows()
     TabTaskViewController::updateRows();
 }
 
-/// A title that is being written is kept, as by a press beside it.
 void CategoriesViewController::clearController()
 {
-    endEditing(true);
+    endEditing();
     TabTaskViewController::clearController();
 }
 
 void CategoriesViewController::updateCategories()
 {
     categoriesUpdate.stop();
-    if (editor || categories->newRow() >= 0)
+    if (isEditing())
         return;
-    categories->update();
+    categories->update({}, {});
     buttonAddCategory->setEnabled(Categories::canAdd());
     if (categories->rowOf(selectCategory) < 0)
         selectCategoryRow(0);
-    labelTitleCategory->setText(Categories::shownTitle(selectCategory));
+    showTitle();
 }
 
 NewTaskRequest CategoriesViewController::newTaskRequest() const
@@ -243,30 +249,25 @@ void CategoriesViewController::removeSelection()
 
 void CategoriesViewController::addCategory()
 {
-    endEditing(true);
+    endEditing();
     const auto color = Categories::next();
     if (!color)
         return;
-    reloadDataCategory(color);
-    selectCategoryRow(categories->newRow());
+    categories->beginNew(*color);
     table->scrollToRow(categories->newRow());
     editTitle(categories->newRow());
 }
 
 void CategoriesViewController::showCategoryMenu(const QPoint &globalPosition)
 {
-    endEditing(true);
+    endEditing();
     if (table->currentRow() < 0)
         return;
     // While the menu stands the rows may change.
     const CategoryPtr category = categories->categoryAt(table->currentRow());
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(localized(u"Set Default"_s), this, [this, category] {
-        Categories::setDefault(category);
-        reloadDataCategory();
-        selectCategoryRow(categories->rowOf(category));
-    });
+    menu->addAction(localized(u"Set Default"_s), this, [category] { Categories::setDefault(category); });
     menu->addAction(localized(u"Edit Title"_s), this,
                     [this, category] { editTitle(categories->rowOf(category)); })
         ->setEnabled(category && !Categories::isBuiltIn(*category));
@@ -281,7 +282,7 @@ void CategoriesViewController::removeCategory()
         return;
     const BusyCursor busy;
     Categories::remove(category);
-    reloadDataCategory();
+    updateCategories();
     selectCategoryRow(row);
 }
 
@@ -289,62 +290,38 @@ void CategoriesViewController::removeCategory()
 
 void CategoriesViewController::editTitle(int row)
 {
-    if (!categories->isTitleEditable(row))
+    endEditing();
+    const QModelIndex index = categories->index(row);
+    if (!index.flags().testFlag(Qt::ItemIsEditable))
         return;
-    endEditing(true);
-    editedRow = row;
-    editor = new QLineEdit(table->viewport());
-    editor->setObjectName(u"categoryTitleEditor"_s);
-    editor->setAccessibleName(localized(u"Title"_s));
-    editor->setPlaceholderText(localized(u"New Category"_s));
-    editor->setText(categories->index(row).data().toString());
-    editor->selectAll();
-    editor->installEventFilter(this);
-    const QRect place = CategoryTasksCell::titleRect(table->visualRect(categories->index(row)),
-                                                     layoutDirection(), categories->index(row));
-    editor->setGeometry(place.adjusted(-Theme::unit, 2, 0, -2));
-    connect(editor, &QLineEdit::returnPressed, this, [this] { endEditing(true); });
-    editor->show();
-    editor->setFocus();
+    selectCategoryRow(row);
+    table->edit(index);
 }
 
-bool CategoriesViewController::eventFilter(QObject *watched, QEvent *event)
+bool CategoriesViewController::isEditing() const
 {
-    if (watched == editor && event->type() == QEvent::FocusOut)
-        QMetaObject::invokeMethod(
-            this, [this] { endEditing(true); }, Qt::QueuedConnection);
-    const bool isEscape =
-        event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape;
-    if (watched == editor && isEscape) {
-        endEditing(false);
-        return true;
-    }
-    return TabTaskViewController::eventFilter(watched, event);
+    return table->isPersistentEditorOpen(table->currentIndex());
 }
 
-/// An empty title, and one that there is already, is given up without a word.
-void CategoriesViewController::endEditing(bool isAccepted)
+/// What was written is kept, as by a press beside the field.
+void CategoriesViewController::endEditing()
 {
-    if (!editor)
+    if (!isEditing())
         return;
-    QLineEdit *const ended = std::exchange(editor, nullptr);
-    const QString title = ended->text().trimmed();
-    // It may be one of its own signals that ends it.
-    ended->removeEventFilter(this);
-    ended->disconnect(this);
-    ended->hide();
-    ended->setParent(nullptr);
-    ended->deleteLater();
-    CategoryPtr kept = categories->categoryAt(editedRow);
-    if (editedRow == categories->newRow() && isAccepted)
-        kept = Categories::add(title, *categories->newCategoryDictionary());
-    else if (isAccepted)
-        Categories::rename(kept, title);
-    reloadDataCategory();
-    // A new one without tasks may be none of those that are shown.
-    int row = kept ? categories->rowOf(kept) : -1;
-    if (row < 0)
-        row = categories->rowOf(selectCategory);
-    selectCategoryRow(std::max(row, 0));
-    table->setFocus();
+    QWidget *const field = table->indexWidget(table->currentIndex());
+    Q_EMIT cell->commitData(field);
+    Q_EMIT cell->closeEditor(field);
+    editorClosed();
+}
+
+/// A new one without tasks may be none of those that are shown; then the former stays selected.
+void CategoriesViewController::editorClosed()
+{
+    if (isEditing())
+        return;
+    selectCategoryRow(std::max(categories->rowOf(selectCategory), 0));
+    const CategoryPtr made = categories->endNew();
+    updateCategories();
+    if (made && categories->rowOf(made) >= 0)
+        selectCategoryRow(categories->rowOf(made));
 }

@@ -3,9 +3,8 @@
 #include "shell/categories/CategoryListModel.h"
 #include "shell/tasks/TabTaskViewController.h"
 
-class QComboBox;
+class CategoryTasksCell;
 class QLabel;
-class QLineEdit;
 
 /// The screen of categories: they stand on the leading side, beside the tasks of the selected one. Categories
 /// are made, named, deleted and marked as the default here.
@@ -24,6 +23,7 @@ public:
     void setDetailSpace(int width) override;
     bool hasSelection() const override;
     void removeSelection() override;
+    void takeKeys() override { table->setFocus(Qt::ShortcutFocusReason); }
     /// Selects the category of a task, then the task.
     void selectItem(const ObjectPtr &record) override;
 
@@ -31,31 +31,32 @@ protected:
     TaskListQuery query(Grouping grouping) const override;
     void othersChanged(const StoreChanges &changes) override;
     void resizeEvent(QResizeEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void setUpPanel();
     void setUpTable();
     QWidget *makeTopView();
     void placeChildren();
+    void showTitle();
     void updateCategories();
-    void reloadDataCategory(const std::optional<CategoryColor> &newCategory = {});
+    void reloadCategories();
     void selectCategoryRow(int row);
     void categorySelectionChanged();
     void addCategory();
     void showCategoryMenu(const QPoint &globalPosition);
     void removeCategory();
     void editTitle(int row);
-    void endEditing(bool isAccepted);
+    bool isEditing() const;
+    void endEditing();
+    void editorClosed();
 
     CategoryListModel *categories;
     QTimer categoriesUpdate;
     QWidget *panel;
     TableViewExtended *table;
+    CategoryTasksCell *cell;
     QLabel *labelTitleCategory;
     ToolBarButton *buttonAddCategory;
-    QLineEdit *editor = nullptr;
-    int editedRow = -1;
     CategoryPtr selectCategory;
     int detailSpace = 0;
 };

@@ -1,7 +1,6 @@
 #include "shell/categories/CategoryListModel.h"
 
 #include "foundation/Localization.h"
-#include "store/entities/EntityCategory.h"
 #include "widgets/Theme.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -11,57 +10,83 @@ static QColor colorFrom(double red, double green, double blue)
     return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
 }
 
-void CategoryListModel::reload(const std::optional<CategoryColor> &newCategory)
+// Rows
+
+std::vector<ListedRecord> CategoryListModel::listed()
+{
+    std::vector<ListedRecord> records;
+    hasNone = false;
+    for (const CategoryPtr &category : Categories::rows()) {
+        const RowId row = category ? category->rowId() : 0;
+        openTasks[row] = Categories::openTaskCount(category);
+        hasNone = hasNone || row == 0;
+        if (row != 0)
+            records.push_back({row});
+    }
+    return records;
+}
+
+void CategoryListModel::fetch()
 {
     beginResetModel();
-    newColor = newCategory;
-    dataAllCategory = fetchRows();
+    rows.set(listed());
+    newColor.reset();
     endResetModel();
 }
 
-std::vector<CategoryListModel::Row> CategoryListModel::fetchRows()
+/// Which categories changed is not asked: they are few, and their tasks count, too.
+void CategoryListModel::update(const std::set<RowId> &, const std::set<RowId> &held)
 {
-    std::vector<Row> rows;
-    for (const CategoryPtr &category : Categories::rows())
-        rows.push_back({category, Categories::openTaskCount(category)});
-    return rows;
+    const std::vector<ListedRecord> records = listed();
+    std::set<RowId> all;
+    for (const ListedRecord &record : records)
+        all.insert(record.row);
+    rows.follow(records, all, held, *this);
+    if (hasNone)
+        rowChanged(rows.size());
 }
 
-void CategoryListModel::update()
+void CategoryListModel::beginNew(const CategoryColor &color)
 {
-    const std::vector<Row> fresh = fetchRows();
-    for (int row = rowCount(); row-- > 0;) {
-        if (std::ranges::find(fresh, categoryAt(row), &Row::category) != fresh.end())
-            continue;
-        beginRemoveRows({}, row, row);
-        dataAllCategory.erase(dataAllCategory.begin() + row);
+    beginInsertRows({}, rowCount(), rowCount());
+    newColor = color;
+    endInsertRows();
+}
+
+CategoryPtr CategoryListModel::endNew()
+{
+    if (newColor) {
+        beginRemoveRows({}, newRow(), newRow());
+        newColor.reset();
         endRemoveRows();
     }
-    for (int row = 0; row < static_cast<int>(fresh.size()); ++row) {
-        const Row &wanted = fresh[static_cast<std::size_t>(row)];
-        const int former = rowOf(wanted.category);
-        if (former < 0) {
-            beginInsertRows({}, row, row);
-            dataAllCategory.insert(dataAllCategory.begin() + row, wanted);
-            endInsertRows();
-        } else if (former > row) {
-            beginMoveRows({}, former, former, {}, row);
-            const auto first = dataAllCategory.begin() + row;
-            std::rotate(first, dataAllCategory.begin() + former, dataAllCategory.begin() + former + 1);
-            endMoveRows();
-        }
-        dataAllCategory[static_cast<std::size_t>(row)] = wanted;
-    }
-    if (!fresh.empty())
-        Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    return std::exchange(made, nullptr);
+}
+
+int CategoryListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : rows.size() + (hasNone ? 1 : 0) + (newColor ? 1 : 0);
+}
+
+CategoryPtr CategoryListModel::categoryAt(int row) const
+{
+    const bool isCategory = row >= 0 && row < rows.size();
+    return isCategory ? std::static_pointer_cast<EntityCategory>(rows.recordAt(row)) : nullptr;
+}
+
+/// "None" is the row of no category.
+int CategoryListModel::rowOf(const ObjectPtr &record) const
+{
+    if (record)
+        return rows.rowOf(*record);
+    return hasNone ? rows.size() : -1;
 }
 
 quint64 CategoryListModel::stableIdAt(int row) const
 {
     constexpr int kindsOfRows = 3;
-    const CategoryPtr category = categoryAt(row);
-    if (category)
-        return static_cast<quint64>(category->rowId()) * kindsOfRows;
+    if (const RowId category = identifierAt(row); category != 0)
+        return static_cast<quint64>(category) * kindsOfRows;
     return row == newRow() ? 1 : 2;
 }
 
@@ -82,30 +107,6 @@ static QString spoken(const QString &title, int openTasks, bool isDefault)
     return parts.join(u", "_s);
 }
 
-int CategoryListModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(dataAllCategory.size()) + (newColor ? 1 : 0);
-}
-
-CategoryPtr CategoryListModel::categoryAt(int row) const
-{
-    if (row < 0 || row >= static_cast<int>(dataAllCategory.size()))
-        return nullptr;
-    return dataAllCategory[static_cast<std::size_t>(row)].category;
-}
-
-int CategoryListModel::rowOf(const CategoryPtr &category) const
-{
-    const auto found = std::ranges::find(dataAllCategory, category, &Row::category);
-    return found == dataAllCategory.end() ? -1 : static_cast<int>(found - dataAllCategory.begin());
-}
-
-bool CategoryListModel::isTitleEditable(int row) const
-{
-    const CategoryPtr category = categoryAt(row);
-    return row == newRow() || (category && !Categories::isBuiltIn(*category));
-}
-
 QColor CategoryListModel::colorOf(int row) const
 {
     if (row == newRow())
@@ -120,11 +121,12 @@ QVariant CategoryListModel::data(const QModelIndex &index, int role) const
 {
     const int row = index.row();
     const bool isNew = row == newRow();
-    const int count = isNew ? 0 : dataAllCategory[static_cast<std::size_t>(row)].openTasks;
-    const QString title = isNew ? QString() : Categories::shownTitle(categoryAt(row));
     const CategoryPtr category = categoryAt(row);
+    const int count = isNew ? 0 : openTasks.value(identifierAt(row));
+    const QString title = isNew ? QString() : Categories::shownTitle(category);
     switch (role) {
     case Qt::DisplayRole:
+    case Qt::EditRole:
         return title;
     case Qt::AccessibleTextRole:
         return spoken(isNew ? localized(u"New Category"_s) : title, count,
@@ -138,4 +140,25 @@ QVariant CategoryListModel::data(const QModelIndex &index, int role) const
     default:
         return {};
     }
+}
+
+// Titles
+
+Qt::ItemFlags CategoryListModel::flags(const QModelIndex &index) const
+{
+    const CategoryPtr category = categoryAt(index.row());
+    const bool isOwn = category && !Categories::isBuiltIn(*category);
+    const bool isEditable = index.isValid() && (isOwn || index.row() == newRow());
+    return RecordListModel::flags(index).setFlag(Qt::ItemIsEditable, isEditable);
+}
+
+bool CategoryListModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || !flags(index).testFlag(Qt::ItemIsEditable))
+        return false;
+    const QString title = value.toString().trimmed();
+    if (index.row() != newRow())
+        return Categories::rename(categoryAt(index.row()), title);
+    made = Categories::add(title, *newColor);
+    return made != nullptr;
 }

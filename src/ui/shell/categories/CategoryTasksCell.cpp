@@ -1,11 +1,14 @@
 #include "shell/categories/CategoryTasksCell.h"
 
+#include "foundation/Localization.h"
 #include "shell/categories/CategoryListModel.h"
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QPainter>
 
 using namespace Qt::Literals::StringLiterals;
@@ -21,7 +24,7 @@ static QRect cardOf(const QRect &row)
 }
 
 /// The title has the room that neither a count nor a mark needs.
-QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index)
+static QRect titleRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index)
 {
     const QRect card = cardOf(row);
     const bool hasMark = index.data(CategoryListModel::IsDefaultRole).toBool();
@@ -29,6 +32,32 @@ QRect CategoryTasksCell::titleRect(const QRect &row, Qt::LayoutDirection directi
     const int trailing = cardInset + (hasCount ? countWidth : 0) + (hasMark ? markSize : 0);
     const QRect title = card.adjusted(cardInset + dotSize + cardInset, 0, -trailing, 0);
     return QStyle::visualRect(direction, row, title);
+}
+
+QWidget *CategoryTasksCell::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                         const QModelIndex &) const
+{
+    auto *editor = new QLineEdit(parent);
+    editor->setObjectName(u"categoryTitleEditor"_s);
+    editor->setAccessibleName(localized(u"Title"_s));
+    editor->setPlaceholderText(localized(u"New Category"_s));
+    return editor;
+}
+
+void CategoryTasksCell::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                                             const QModelIndex &index) const
+{
+    const QRect title = titleRect(option.rect, option.direction, index);
+    editor->setGeometry(title.adjusted(-Theme::unit, 2, 0, -2));
+}
+
+/// The tab key leaves the field for the next control, not for the next title.
+bool CategoryTasksCell::eventFilter(QObject *watched, QEvent *event)
+{
+    const int key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent *>(event)->key() : 0;
+    if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+        return false;
+    return TableCell::eventFilter(watched, event);
 }
 
 QString CategoryTasksCell::cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const

@@ -2,7 +2,8 @@
 
 #include "widgets/TableCell.h"
 
-/// A row of the categories: its colour, title and mark if it is the default, and how many tasks are open.
+/// A row of the categories: its colour, title and mark if it is the default, and how many tasks are open. The
+/// title is written in its place.
 class CategoryTasksCell : public TableCell
 {
     Q_OBJECT
@@ -12,9 +13,12 @@ public:
     QRect checkBoxRect(const QRect &, Qt::LayoutDirection, const QModelIndex &) const override { return {}; }
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
-    /// Where the title stands in a row, for who writes over it.
-    static QRect titleRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index);
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override;
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     QString cutText(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 };

@@ -56,13 +56,16 @@ void MapView::describe()
                  },
                  u"Right"_s}};
     };
-    const auto place = [this] {
-        return localized(u"Latitude %1, longitude %2, zoom %3"_s)
-            .arg(pinPlace.latitude, 0, 'f', 4)
-            .arg(pinPlace.longitude, 0, 'f', 4)
-            .arg(level);
-    };
+    const auto place = [this] { return placeInWords(); };
     Accessibility::describe(*this, {.role = QAccessible::Canvas, .description = place, .actions = actions});
+}
+
+QString MapView::placeInWords() const
+{
+    return localized(u"Latitude %1, longitude %2, zoom %3"_s)
+        .arg(pinPlace.latitude, 0, 'f', 4)
+        .arg(pinPlace.longitude, 0, 'f', 4)
+        .arg(level);
 }
 
 void MapView::showPin(const MapPlace &place, int newZoom)
@@ -108,6 +111,7 @@ void MapView::movePinTo(const QPointF &point)
 void MapView::movePinBy(const QPointF &step)
 {
     movePinTo(pinPoint() + step);
+    Accessibility::announce(*this, placeInWords());
     Q_EMIT pinMoved(pinPlace);
 }
 
@@ -118,6 +122,7 @@ void MapView::zoomAround(const QPointF &point, int steps)
     level = std::clamp(level + steps, MapProjection::leastZoom, MapProjection::mostZoom);
     const QPointF middle(width() / 2.0, height() / 2.0);
     centre = MapProjection::toPlace(MapProjection::toPixels(under, level) - point + middle, level);
+    Accessibility::announce(*this, placeInWords());
     update();
 }
 

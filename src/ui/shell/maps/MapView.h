@@ -38,6 +38,8 @@ private:
     enum class Drag { None, Map, Pin };
 
     void describe();
+    /// Where the pin is, and how near the map is seen.
+    QString placeInWords() const;
     QPointF origin() const;
     QRectF pinRect() const;
     void paintTiles(QPainter &painter);

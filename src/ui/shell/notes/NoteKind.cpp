@@ -16,6 +16,13 @@ static std::vector<ListedRecord> rows()
     return listed;
 }
 
+static QString countInWords(int notes)
+{
+    if (notes == 0)
+        return localized(u"No Notes"_s);
+    return notes == 1 ? localized(u"1 note"_s) : localized(u"%1 notes"_s).arg(notes);
+}
+
 RecordKind NoteKind::description()
 {
     return {.list = {.tableName = u"tableViewNotes"_s,
@@ -30,6 +37,7 @@ RecordKind NoteKind::description()
                     const auto &note = static_cast<const EntityNote &>(record);
                     return RecordLook{.title = note.title(), .detail = note.detail()};
                 },
+            .countInWords = countInWords,
             .form =
                 [](const ObjectPtr &record) {
                     return record ? std::make_unique<NoteForm>(std::static_pointer_cast<EntityNote>(record))

@@ -113,6 +113,8 @@ void SearchPopover::resultsChanged()
     patience.stop();
     showHint();
     const bool isSameText = std::exchange(isFollowing, false);
+    if (!isSameText)
+        view->tellCount();
     const int same = isSameText ? model->rowOf(followed) : -1;
     if (same >= 0) {
         view->selectRow(same);

@@ -1,4 +1,4 @@
-#include "filters/TasksFilterButton.h"
+#include "filters/FilterButton.h"
 
 #include "filters/TaskFilterController.h"
 #include "widgets/Icons.h"
@@ -15,7 +15,7 @@ constexpr int funnelSide = 18;
 constexpr int fieldPadding = 8;
 constexpr int funnelGap = 6;
 
-TasksFilterButton::TasksFilterButton(QWidget *parent)
+FilterButton::FilterButton(QWidget *parent)
     : QAbstractButton(parent)
 {
     setObjectName(u"buttonFilter"_s);
@@ -23,10 +23,10 @@ TasksFilterButton::TasksFilterButton(QWidget *parent)
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    connect(this, &QAbstractButton::clicked, this, &TasksFilterButton::togglePopover);
+    connect(this, &QAbstractButton::clicked, this, &FilterButton::togglePopover);
 }
 
-void TasksFilterButton::setState(const FilterState &state)
+void FilterButton::setState(const FilterState &state)
 {
     setEnabled(state.isButtonEnabled());
     if (!isEnabled())
@@ -38,12 +38,12 @@ void TasksFilterButton::setState(const FilterState &state)
     update();
 }
 
-Popover *TasksFilterButton::popover() const
+Popover *FilterButton::popover() const
 {
     return bubble;
 }
 
-void TasksFilterButton::togglePopover()
+void FilterButton::togglePopover()
 {
     if (bubble)
         return closePopover();
@@ -55,24 +55,24 @@ void TasksFilterButton::togglePopover()
     update();
 }
 
-void TasksFilterButton::closePopover()
+void FilterButton::closePopover()
 {
     if (bubble)
         bubble->close();
 }
 
-QSize TasksFilterButton::sizeHint() const
+QSize FilterButton::sizeHint() const
 {
     return {2 * fieldPadding + funnelSide + funnelGap + fontMetrics().horizontalAdvance(text()) + 1,
             std::max(Theme::controlHeight, fontMetrics().height() + Theme::unit)};
 }
 
-QSize TasksFilterButton::minimumSizeHint() const
+QSize FilterButton::minimumSizeHint() const
 {
     return {2 * fieldPadding + funnelSide, sizeHint().height()};
 }
 
-QColor TasksFilterButton::ink() const
+QColor FilterButton::ink() const
 {
     switch (label) {
     case FilterState::Label::Inactive:
@@ -85,7 +85,7 @@ QColor TasksFilterButton::ink() const
     return Theme::filterOff;
 }
 
-void TasksFilterButton::paintEvent(QPaintEvent *)
+void FilterButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -111,7 +111,7 @@ void TasksFilterButton::paintEvent(QPaintEvent *)
         MorvaneStyle::drawFocusRing(painter, rect(), Theme::controlRadius, Theme::focusRing);
 }
 
-void TasksFilterButton::keyPressEvent(QKeyEvent *event)
+void FilterButton::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Down)
         click();

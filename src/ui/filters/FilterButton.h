@@ -9,11 +9,11 @@ class Popover;
 
 /// The filter button of a list with its words: opens the bubble in which the filter is set. Each change there
 /// is in force at once.
-class TasksFilterButton : public QAbstractButton
+class FilterButton : public QAbstractButton
 {
     Q_OBJECT
 public:
-    explicit TasksFilterButton(QWidget *parent = nullptr);
+    explicit FilterButton(QWidget *parent = nullptr);
 
     /// The filter that the bubble sets; it has to outlive the button.
     void setFilter(ListFilter *listFilter) { filter = listFilter; }
