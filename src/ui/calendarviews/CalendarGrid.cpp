@@ -27,8 +27,6 @@ using namespace Qt::Literals::StringLiterals;
 // What lies where, and the mouse. Keys are in CalendarGridKeys.cpp.
 
 constexpr int hoverPatience = 350;
-/// A quarter of an hour is not much more.
-constexpr int dragDistance = 4;
 
 CalendarGrid::CalendarGrid(QWidget *parent)
     : QWidget(parent)
@@ -59,11 +57,14 @@ void CalendarGrid::reload()
 {
     if (held && !isStillTheSame(*held))
         endDrag(false);
+    const QRectF formerPlace = frameOf(spot);
+    const int formerColumn = columnCount() > 0 && slotRows() > 0 ? columnOf(spot) : 0;
+    draggedPlaces.clear();
     shownEvents.clear();
     for (std::shared_ptr<MVTask> &task : fetch())
         shownEvents.emplace_back(std::move(task));
     relayout();
-    keepSpot();
+    keepSpot(formerColumn, formerPlace.top());
     Accessibility::partsReplaced(*this);
     Q_EMIT reloaded();
 }
@@ -72,9 +73,24 @@ void CalendarGrid::relayout()
 {
     still = {};
     places = layout();
+    followHeld();
     if (held && held->isActive)
         draggedPlaces = layoutOfDrag(*held);
     update();
+}
+
+/// What is held has another number among the items when others came or went.
+void CalendarGrid::followHeld()
+{
+    if (!held)
+        return;
+    const auto isHeld = [this](const Placed &one) {
+        return eventOf(one).task() == held->task && one.segment == held->from.segment;
+    };
+    const auto found = std::ranges::find_if(places, isHeld);
+    if (found == places.end())
+        return endDrag(false);
+    held->from = *found;
 }
 
 QRectF CalendarGrid::visual(const QRectF &place) const
@@ -88,7 +104,7 @@ QPointF CalendarGrid::logical(QPointF point) const
     return isRightToLeft() ? QPointF(width() - point.x(), point.y()) : point;
 }
 
-/// What is dragged comes last, then what was pressed, then what the mouse rests on. What covers another one
+/// What is dragged comes last, then what the mouse rests on, then what was pressed. What covers another one
 /// wholly leaves a strip of it to be seen and taken.
 std::vector<CalendarGrid::Shown> CalendarGrid::paintingOrder() const
 {
@@ -103,7 +119,7 @@ std::vector<CalendarGrid::Shown> CalendarGrid::paintingOrder() const
     }
     const auto rank = [this](const Shown &one) {
         const RowId row = eventOf(*one.item).task()->rowId();
-        return row == raised ? 2 : row == hovered ? 1 : 0;
+        return row == hovered ? 2 : row == raised ? 1 : 0;
     };
     if (raised != 0 || hovered != 0)
         std::ranges::stable_sort(order, {}, rank);
@@ -149,10 +165,10 @@ void CalendarGrid::raise(const TaskPtr &task)
 void CalendarGrid::select(const TaskPtr &task)
 {
     SelectedTaskController &selection = SelectedTaskController::sharedCenter();
-    if (selection.selectedTasks() == std::vector{task})
-        return;
-    selection.removeAllTasks();
-    selection.addTask(task);
+    if (selection.selectedTasks() != std::vector{task}) {
+        selection.removeAllTasks();
+        selection.addTask(task);
+    }
     Q_EMIT eventViewSelectedItem();
 }
 
@@ -259,9 +275,12 @@ void CalendarGrid::mousePressEvent(QMouseEvent *event)
     }
     if (event->button() != Qt::LeftButton)
         return;
+    const QPointer<CalendarGrid> self = this;
     finishKeyMove();
+    if (!self)
+        return;
     showsSpot = false;
-    canTakeBack = false;
+    takenBy.reset();
     if (const Placed *item = placedAt(point))
         return pressItem(*item, point, event->modifiers());
     SelectedTaskController::sharedCenter().removeAllTasks();
@@ -310,11 +329,12 @@ void CalendarGrid::mouseMoveEvent(QMouseEvent *event)
     const QPointF point = logical(event->position());
     if (!event->buttons().testFlag(Qt::LeftButton))
         return hover(point);
+    const QPointer<CalendarGrid> self = this;
     if (held && !held->isByKeys)
         dragTo(point, event->modifiers());
     else if (isMarking())
         markTo(point, event->modifiers().testFlag(Qt::AltModifier));
-    if ((held && held->isActive) || isMarking())
+    if (self && ((held && held->isActive) || isMarking()))
         Q_EMIT draggedAt(event->position().toPoint());
 }
 
@@ -330,9 +350,10 @@ void CalendarGrid::continueDrag()
 void CalendarGrid::hover(QPointF point)
 {
     const Placed *item = placedAt(point);
-    const bool isMovable = item && movesItems() && !eventOf(*item).isDone() && !eventOf(*item).isReadOnly();
+    const bool isMovable = item && movesItems() && CalendarDrag::isMovable(*eventOf(*item).event());
     const Zone zone = isMovable ? zoneAt(*item, point) : Zone::Inside;
-    setCursor(zone == Zone::Inside ? Qt::ArrowCursor : cursorOf(zone));
+    const bool isEdge = zone == Zone::Start || zone == Zone::Due;
+    setCursor(isEdge ? cursorOf(zone) : Qt::ArrowCursor);
     const RowId under = item ? eventOf(*item).task()->rowId() : 0;
     if (under != hovered)
         hoverTimer.start();
@@ -369,7 +390,6 @@ void CalendarGrid::mouseReleaseEvent(QMouseEvent *event)
         endDrag(true);
     else if (isMarking())
         markEnds();
-    update();
 }
 
 bool CalendarGrid::event(QEvent *event)
@@ -399,13 +419,23 @@ void CalendarGrid::refuse(const MVTask &task)
         ShellAlerts::alertEditingEvent(localized(task.calendarTitle));
     else if (RepeatBan::concerns(task))
         RepeatBan::tell();
+    else if (task.status == TaskStatus::Done)
+        tell(localized(u"What is done stays where it is."_s));
+}
+
+/// A sentence beside the mouse or the keyboard, which goes by itself.
+void CalendarGrid::tell(const QString &sentence)
+{
+    const QRect place = visual(frameOf(spot)).toAlignedRect();
+    QToolTip::showText(mapToGlobal(place.bottomLeft()), sentence, this, place);
+    Accessibility::announce(*this, sentence);
 }
 
 /// A message ends the drag before it has begun: a box cannot stand while the button is held.
 bool CalendarGrid::startDrag()
 {
     const std::shared_ptr<MVTask> event = eventOf(held->from).event();
-    if (!movesItems()) {
+    if (!movesItems() || held->zone == Zone::None) {
         held.reset();
         return false;
     }
@@ -476,10 +506,14 @@ void CalendarGrid::save(const Drag &finished)
     const bool isSaved = TaskManager::saveTaskTemp(copy, true);
     if (!self)
         return;
-    canTakeBack = isSaved && finished.isByKeys;
     const TaskPtr task = copy.task();
+    // The user may have given it up when asked about a series.
+    const bool isMoved = isSaved && task && TaskDates::of(MVTask(task)) != finished.before;
+    takenBy = isMoved && finished.isByKeys ? std::optional(finished) : std::nullopt;
+    if (takenBy)
+        takenBy->task = task;
     reload();
-    if (isSaved && finished.isByKeys && task && !goToTask(task) && finished.dates.due)
+    if (isMoved && finished.isByKeys && !goToTask(task) && finished.dates.due)
         Q_EMIT wentTo(finished.dates.start ? *finished.dates.start : *finished.dates.due, task);
 }
 

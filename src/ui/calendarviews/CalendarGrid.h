@@ -84,6 +84,8 @@ Q_SIGNALS:
     /// The keys lead out of the grid: to the day before or after, a page on, or up and down.
     void leftByKeys(int columns);
     void leftUpwards();
+    /// The keyboard has gone elsewhere.
+    void focusLeft();
     void leftDownwards();
     /// A moment is being dragged to, or no longer.
     void momentShown(OptionalDate moment);
@@ -103,9 +105,12 @@ protected:
     virtual void paintGrid(QPainter &painter, const QRect &clip) = 0;
     virtual void paintOver(QPainter &painter) { Q_UNUSED(painter) }
 
+    /// How far the mouse goes before that is a drag: a quarter of an hour is not much more.
+    static constexpr int dragDistance = 4;
     /// How near to an edge of an item it is taken by.
     static constexpr double reach = 4;
-    enum class Zone { Inside, Start, Due };
+    /// With none nothing happens.
+    enum class Zone { Inside, Start, Due, None };
     struct Drag
     {
         TaskPtr task;
@@ -174,6 +179,13 @@ protected:
     /// Where the keyboard comes in.
     virtual int firstSlot() const { return 0; }
     virtual void openSlot(int slot) { createInSlot(slot); }
+    /// A task for the whole day of a slot is wanted.
+    virtual void createWholeDay(int slot) { createInSlot(slot); }
+    /// Whether the days of a row go on in the next one.
+    virtual bool areRowsConsecutive() const { return false; }
+    /// The slot that the keyboard is on, or in which the item is that it is on.
+    int currentSlot() const { return slotOf(spot); }
+    void goToSlot(int slot) { goTo({.slot = slot}); }
     /// How the items of a column are told: the table's own name.
     virtual QString gridName() const = 0;
 
@@ -222,6 +234,8 @@ private:
     const Placed *placedOf(const Spot &spot) const;
     const Placed *placedOf(RowId row) const;
     void raise(const TaskPtr &task);
+    void followHeld();
+    void tell(const QString &sentence);
     /// An item and what of its place it takes on the screen.
     struct Shown
     {
@@ -260,7 +274,8 @@ private:
     bool moveByKey(QKeyEvent *event);
     bool takeBack();
     void act(QKeyEvent *event);
-    void keepSpot();
+    void keepSpot(int formerColumn, double formerTop);
+    int slotOf(const Spot &where) const;
 
     // What assistive technology is told.
     void describe();
@@ -282,8 +297,8 @@ private:
     Spot spot;
     bool showsSpot = false;
     bool isOnPaper = false;
-    /// The last move by keys can be taken back by Escape until another key is pressed.
-    bool canTakeBack = false;
+    /// The last move by keys, which Escape can take back until another key is pressed.
+    std::optional<Drag> takenBy;
     /// What lies on top, whatever the order.
     RowId raised = 0;
     RowId hovered = 0;

@@ -8,6 +8,7 @@
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QToolTip>
 
 using namespace Qt::Literals::StringLiterals;
@@ -109,11 +110,16 @@ void CalendarGrid::enterColumn(int column, double y)
     goTo(std::ranges::min_element(stops, {}, distance)->spot);
 }
 
-/// What it stood on may be gone.
-void CalendarGrid::keepSpot()
+/// What it stood on may be gone: then it is on what is nearest to that place.
+void CalendarGrid::keepSpot(int formerColumn, double formerTop)
 {
-    if (spot.isOnItem() && !placedOf(spot.row))
-        spot = {};
+    if (spot.isOnItem() && !placedOf(spot.row)) {
+        const std::vector<Stop> stops = stopsOf(formerColumn);
+        const auto distance = [formerTop](const Stop &stop) {
+            return std::abs(stop.frame.top() - formerTop);
+        };
+        spot = stops.empty() ? Spot() : std::ranges::min_element(stops, {}, distance)->spot;
+    }
     spot.slot = std::min(spot.slot, std::max(0, slotRows() * columnCount() - 1));
     if (raised != 0 && !placedOf(raised))
         raised = 0;
@@ -136,11 +142,26 @@ void CalendarGrid::goUpOrDown(int step)
     goTo((place + step)->spot);
 }
 
+int CalendarGrid::slotOf(const Spot &where) const
+{
+    if (!where.isOnItem())
+        return where.slot;
+    const double top = frameOf(where).top();
+    int slot = columnOf(where);
+    while (slot + columnCount() < slotRows() * columnCount() && slotFrame(slot + columnCount()).top() <= top)
+        slot += columnCount();
+    return slot;
+}
+
 void CalendarGrid::goSideways(int columns)
 {
     const int column = columnOf(spot) + columns;
-    if (column < 0 || column >= columnCount())
+    const int slot = currentSlot() + columns;
+    if (column < 0 || column >= columnCount()) {
+        if (areRowsConsecutive() && slot >= 0 && slot < slotRows() * columnCount())
+            return goToSlot(slot);
         return Q_EMIT leftByKeys(columns);
+    }
     enterColumn(column, frameOf(spot).top());
 }
 
@@ -202,11 +223,14 @@ void CalendarGrid::finishKeyMove()
 /// The move that was saved last is undone, if nothing else happened since.
 bool CalendarGrid::takeBack()
 {
-    if (!canTakeBack)
+    if (!takenBy)
         return false;
-    canTakeBack = false;
+    const Drag taken = *takenBy;
+    takenBy.reset();
     ShellAlerts::presentError(mainContext().undo());
     reload();
+    if (!goToTask(taken.task) && taken.before.due)
+        Q_EMIT wentTo(taken.before.start ? *taken.before.start : *taken.before.due, taken.task);
     Accessibility::announce(*this, localized(u"Taken back"_s));
     return true;
 }
@@ -231,8 +255,11 @@ void CalendarGrid::keyPressEvent(QKeyEvent *event)
     }
     if (isMove && moveByKey(event))
         return;
+    const QPointer<CalendarGrid> self = this;
     finishKeyMove();
-    canTakeBack = false;
+    if (!self)
+        return;
+    takenBy.reset();
     // The mouse has the item just now.
     if (isDragging() || isMarking())
         return;
@@ -264,16 +291,9 @@ void CalendarGrid::act(QKeyEvent *event)
         if (const Placed *item = spot.isOnItem() ? placedOf(spot) : nullptr)
             return Q_EMIT opened(eventOf(*item).task());
         return openSlot(spot.slot);
-    case Qt::Key_N: {
-        const int column = columnOf(spot);
-        if (!spot.isOnItem())
-            return createInSlot(spot.slot);
-        for (int slot = column; slot < slotRows() * columnCount(); slot += columnCount()) {
-            if (slotFrame(slot).bottom() > frameOf(spot).top())
-                return createInSlot(slot);
-        }
-        return;
-    }
+    case Qt::Key_N:
+        return event->modifiers().testFlag(Qt::ShiftModifier) ? createWholeDay(currentSlot())
+                                                              : createInSlot(currentSlot());
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
         if (const TaskPtr task = currentTask())
@@ -296,9 +316,11 @@ void CalendarGrid::act(QKeyEvent *event)
 
 void CalendarGrid::keyReleaseEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Alt && !event->isAutoRepeat())
-        finishKeyMove();
+    // With Shift held down the key has another name on some keyboards.
+    const bool isAlt = event->key() == Qt::Key_Alt || event->key() == Qt::Key_Meta;
     QWidget::keyReleaseEvent(event);
+    if (isAlt && !event->isAutoRepeat())
+        finishKeyMove();
 }
 
 void CalendarGrid::contextMenuEvent(QContextMenuEvent *event)
@@ -306,6 +328,7 @@ void CalendarGrid::contextMenuEvent(QContextMenuEvent *event)
     const Placed *item = spot.isOnItem() ? placedOf(spot) : nullptr;
     if (event->reason() != QContextMenuEvent::Keyboard || !item)
         return event->accept();
+    select(eventOf(*item).task());
     const QPoint place = visual(item->frame).center().toPoint();
     Q_EMIT menuWanted(eventOf(*item).task(), mapToGlobal(place));
 }
@@ -326,8 +349,9 @@ void CalendarGrid::focusInEvent(QFocusEvent *event)
 
 void CalendarGrid::focusOutEvent(QFocusEvent *event)
 {
-    finishKeyMove();
-    canTakeBack = false;
+    takenBy.reset();
     QWidget::focusOutEvent(event);
     update();
+    Q_EMIT focusLeft();
+    finishKeyMove();
 }

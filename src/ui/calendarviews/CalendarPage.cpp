@@ -10,6 +10,8 @@
 #include "store/state/NotificationNames.h"
 #include "widgets/Animations.h"
 
+#include <utility>
+
 CalendarPage::CalendarPage(QWidget *parent)
     : QWidget(parent)
     , shownDate(Clock::now())
@@ -17,15 +19,15 @@ CalendarPage::CalendarPage(QWidget *parent)
     , zone(Calendar::currentSettings().zoneIdentifier)
 {
     refresh.setSingleShot(true);
-    connect(&refresh, &QTimer::timeout, this, [this] {
-        if (isVisible())
-            refreshCalendar();
-    });
+    connect(&refresh, &QTimer::timeout, this, [this] { isVisible() ? refreshNow() : void(isOld = true); });
+    clock.setSingleShot(true);
     connect(&clock, &QTimer::timeout, this, &CalendarPage::clockTicked);
     NotificationCenter &center = NotificationCenter::defaultCenter();
     observations.push_back(center.addObserver(
         notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); }));
     observations.push_back(center.addObserver(notifications::iCloudChange, [this] { refreshSoon(); }));
+    observations.push_back(
+        center.addObserver(notifications::changeSelectedTask, [this] { Q_EMIT selectionChanged(); }));
 }
 
 CalendarPage::~CalendarPage() = default;
@@ -61,6 +63,16 @@ void CalendarPage::storeChanged(const StoreChanges &changes)
         refreshSoon();
 }
 
+void CalendarPage::refreshNow()
+{
+    isOld = false;
+    if (std::exchange(isLookOld, false))
+        showDate(shownDate);
+    else
+        refreshCalendar();
+    Q_EMIT shownAnew();
+}
+
 /// A new day is marked otherwise, and in another zone everything stands elsewhere.
 void CalendarPage::clockTicked()
 {
@@ -69,16 +81,30 @@ void CalendarPage::clockTicked()
     if (day != today || zoneNow != zone) {
         today = day;
         zone = zoneNow;
-        showDate(shownDate);
+        isLookOld = true;
+        refreshNow();
     } else {
         timePassed();
     }
+    startClock();
+}
+
+/// At midnight, and not so late that a computer that slept shows the wrong day for long.
+void CalendarPage::startClock()
+{
+    constexpr Seconds often{20};
+    constexpr Seconds seldom{600};
+    const Date now = Clock::now();
+    const Seconds toMidnight = Calendar::current().startOfNextDay(now) - now + Seconds(0.01);
+    const Seconds next = std::min(showsMoment() ? often : seldom, toMidnight);
+    clock.start(std::chrono::ceil<std::chrono::milliseconds>(next));
 }
 
 void CalendarPage::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    clock.start(clockInterval());
+    if (isOld)
+        refreshNow();
     clockTicked();
 }
 
@@ -91,8 +117,14 @@ void CalendarPage::hideEvent(QHideEvent *event)
 void CalendarPage::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::LayoutDirectionChange)
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::LayoutDirectionChange) {
+        isLookOld = true;
         refreshSoon();
+    }
+    // The zone is looked up anew when the user comes back to the program.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        QMetaObject::invokeMethod(
+            this, [this] { isVisible() ? clockTicked() : void(); }, Qt::QueuedConnection);
 }
 
 // What happens in the grids
@@ -110,14 +142,14 @@ void CalendarPage::connectGrid(CalendarGrid *grid)
     connect(grid, &CalendarGrid::leftByKeys, this, [this, grid](int columns) { goOnByKeys(grid, columns); });
 }
 
-/// The keys go on at the other side of what comes.
 void CalendarPage::goOnByKeys(CalendarGrid *grid, int columns)
 {
+    constexpr int lastOfMany = 1000;
     const Date before = shownDate;
     const double height = grid->currentHeight();
-    Q_EMIT pageWanted(columns);
-    constexpr int lastOfMany = 1000;
-    if (shownDate != before)
+    const QPointer<CalendarGrid> self = grid;
+    Q_EMIT besideWanted(columns);
+    if (self && shownDate != before)
         grid->enterColumn(columns > 0 ? 0 : lastOfMany, height);
 }
 

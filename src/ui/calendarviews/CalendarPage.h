@@ -28,6 +28,9 @@ public:
     void slideTo(Date date, int direction);
     /// Reads everything anew.
     virtual void refreshCalendar() = 0;
+    /// Whether the one day that is shown has appointments at the same time; a page of several marks them
+    /// itself.
+    virtual bool hasClash() const { return false; }
 
     /// The task that the keyboard is on, or that is selected here; null for none.
     TaskPtr currentTask() const;
@@ -51,6 +54,12 @@ Q_SIGNALS:
     void toggled(const TaskPtr &task);
     /// The next or previous day, week or month, or the present one.
     void pageWanted(int step);
+    /// The keys lead to the day before the first one or after the last one.
+    void besideWanted(int step);
+    /// What is selected in the calendars is something else, or nothing.
+    void selectionChanged();
+    /// Everything was read anew, perhaps for another zone or day.
+    void shownAnew();
     void todayWanted();
     /// The day view of a date.
     void dayWanted(Date day);
@@ -63,9 +72,11 @@ protected:
     virtual QRect slidingArea() const { return rect(); }
     /// The present moment has gone on.
     virtual void timePassed() {}
-    /// How often that is to be shown; the least often for a page that shows only the day.
-    virtual int clockInterval() const = 0;
+    /// Whether the present moment is shown, not only the present day.
+    virtual bool showsMoment() const { return false; }
 
+    /// The keys go on at the other side of what comes.
+    virtual void goOnByKeys(CalendarGrid *grid, int columns);
     /// Has the page answer for what happens in a grid of it.
     void connectGrid(CalendarGrid *grid);
 
@@ -78,13 +89,17 @@ private:
     void storeChanged(const StoreChanges &changes);
     void refreshSoon() { refresh.start(0); }
     void clockTicked();
-    void goOnByKeys(CalendarGrid *grid, int columns);
+    void startClock();
+    void refreshNow();
 
     Date shownDate;
     Date today;
     QByteArray zone;
     QTimer refresh;
     QTimer clock;
+    /// Something changed while nobody saw it; of the look of the page, so that it is built anew.
+    bool isOld = false;
+    bool isLookOld = false;
     QPointer<CalendarSlide> slide;
     std::vector<Observation> observations;
 };

@@ -4,8 +4,10 @@
 #include "calendarviews/EventGridWeek.h"
 #include "calendarviews/EventsForDaysGridWeek.h"
 #include "foundation/Calendar.h"
+#include "foundation/Clock.h"
 #include "foundation/DateFormatter.h"
 #include "records/NewTaskRequest.h"
+#include "records/calendars/AllDayLanes.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Theme.h"
@@ -17,7 +19,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int clockPatience = 20 * 1000;
 constexpr int autoscrollPatience = 30;
 constexpr int autoscrollStep = 14;
 
@@ -78,11 +79,13 @@ void DaysCalendarView::connectParts()
         laneScroll->ensureVisible(0, place.bottom(), 0, 4);
         laneScroll->ensureVisible(0, place.top(), 0, 4);
     });
-    connect(timed, &CalendarGrid::leftUpwards, this, [this] {
-        if (lanes->laneCount() == 0)
-            return;
-        lanes->setFocus();
-        lanes->enterColumn(timed->currentColumn(), lanes->height());
+    connect(timed, &CalendarGrid::leftUpwards, this, &DaysCalendarView::goToLanes);
+    connect(timed, &EventGridWeek::wholeDayMarked, this, [post](Date day) {
+        post(notifications::allDayCalendarCreateTask)({MVDate::getStartOfDay(day), MVDate::getEndOfDay(day)});
+    });
+    connect(lanes, &CalendarGrid::focusLeft, this, [this] {
+        if (std::exchange(isLaneWanted, false))
+            setSizeScrollViews();
     });
     connect(lanes, &CalendarGrid::leftDownwards, this, [this] {
         timed->setFocus();
@@ -102,6 +105,25 @@ void DaysCalendarView::connectParts()
         connect(timed, &CalendarGrid::reloaded, this, [this] { header->setClashes(timed->clashes()); });
     }
     connect(lanes, &CalendarGrid::reloaded, this, &DaysCalendarView::setSizeScrollViews);
+    connect(lanes, &CalendarGrid::reloaded, this, &DaysCalendarView::countItems);
+}
+
+/// Where there is nothing for whole days, an empty lane stands while the keyboard is there.
+void DaysCalendarView::goToLanes()
+{
+    isLaneWanted = lanes->laneCount() == 0;
+    setSizeScrollViews();
+    lanes->setFocus();
+    lanes->enterColumn(timed->currentColumn(), lanes->height());
+}
+
+/// The hours are told with the number of everything that a day has.
+void DaysCalendarView::countItems()
+{
+    std::vector<int> counts;
+    for (int column = 0; column < dayCount; ++column)
+        counts.push_back(lanes->countIn(column));
+    timed->setWholeDayCounts(std::move(counts));
 }
 
 std::vector<CalendarGrid *> DaysCalendarView::grids() const
@@ -137,7 +159,11 @@ void DaysCalendarView::describeDays(int trailing)
     std::vector<DaysLineWeek::Day> days;
     for (int column = 0; column < dayCount; ++column) {
         const Date day = CalendarManager::dateWithColumn(column, first);
-        days.push_back({day, DateFormatter::string(day, u"dd EE"_s), calendar.isDateInToday(day)});
+        const int count = timed->countIn(column) + lanes->countIn(column);
+        days.push_back({.date = day,
+                        .words = DateFormatter::string(day, u"dd EE"_s),
+                        .spoken = EventCalendarView::dayTitle(day, count),
+                        .isToday = calendar.isDateInToday(day)});
     }
     header->setDays(std::move(days), static_cast<int>(metrics.gridIndent), trailing);
     header->setClashes(timed->clashes());
@@ -147,6 +173,7 @@ void DaysCalendarView::refreshCalendar()
 {
     lanes->reload();
     timed->reload();
+    describeDays(timedScroll->verticalScrollBar()->sizeHint().width());
     setSizeScrollViews();
 }
 
@@ -163,14 +190,15 @@ void DaysCalendarView::setSizeScrollViews()
 {
     const int bar = timedScroll->verticalScrollBar()->sizeHint().width();
     const int headerHeight = header ? DaysLineWeek::neededHeight() : 0;
-    const int area = static_cast<int>(lanes->areaHeight());
+    const int emptyLane = isLaneWanted ? AllDayLanes{{}, metrics}.laneHeight() : 0;
+    const int area = std::max(emptyLane, static_cast<int>(lanes->areaHeight()));
     const bool scrolls = lanes->documentHeight() > lanes->areaHeight();
     const int line = lanes->laneCount() > 0 ? 2 : dayCount > 1 ? 1 : 0;
     if (header)
         header->setGeometry(0, 0, width(), headerHeight);
     const int laneWidth = scrolls ? width() : width() - bar;
     laneScroll->setGeometry(isRightToLeft() ? width() - laneWidth : 0, headerHeight, laneWidth, area);
-    lanes->setFixedHeight(std::max(1, static_cast<int>(lanes->documentHeight())));
+    lanes->setFixedHeight(std::max({1, emptyLane, static_cast<int>(lanes->documentHeight())}));
     laneScroll->setVisible(area > 0);
     separator = QRect(0, headerHeight + area, width(), line);
     const int top = headerHeight + area + line;
@@ -283,9 +311,20 @@ void DaysCalendarView::timePassed()
         scrollToFirst();
 }
 
-int DaysCalendarView::clockInterval() const
+bool DaysCalendarView::showsMoment() const
 {
-    return clockPatience;
+    return timed->layoutOfItems().currentTimeLine(Clock::now()).has_value();
+}
+
+bool DaysCalendarView::hasClash() const
+{
+    return dayCount == 1 && !timed->clashes().empty() && timed->clashes().front();
+}
+
+void DaysCalendarView::scrollPage(int step)
+{
+    QScrollBar *bar = timedScroll->verticalScrollBar();
+    bar->setValue(bar->value() + step * bar->pageStep());
 }
 
 void DaysCalendarView::scrollOn(const QPoint &point)

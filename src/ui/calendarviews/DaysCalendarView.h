@@ -18,6 +18,9 @@ public:
     CalendarGrid *mainGrid() const override;
     EventGridWeek *hours() const { return timed; }
     EventsForDaysGridWeek *wholeDays() const { return lanes; }
+    bool hasClash() const override;
+    /// Scrolls the hours by a page.
+    void scrollPage(int step);
 
     std::unique_ptr<CalendarPage> copyForPaper() const override;
     void fitToPaper(double ratio) override;
@@ -33,7 +36,7 @@ protected:
     void setDate(Date date) override;
     QRect slidingArea() const override;
     void timePassed() override;
-    int clockInterval() const override;
+    bool showsMoment() const override;
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
@@ -42,6 +45,8 @@ private:
     /// The hours that paper shows, as a stretch of the whole height.
     std::pair<int, int> hoursOnPaper() const;
     void setSizeScrollViews();
+    void goToLanes();
+    void countItems();
     void scrollToFirst();
     void visibleSpanChanged();
     void scrollOn(const QPoint &point);
@@ -57,6 +62,8 @@ private:
     QScrollArea *timedScroll;
     QTimer autoscrollTimer;
     bool wasScrolled = false;
+    /// The keyboard is among the whole days although there is nothing.
+    bool isLaneWanted = false;
     QRect separator;
 };
 

@@ -20,11 +20,14 @@ DaysLineWeek::DaysLineWeek(QWidget *parent)
                               [this](quint64 key) {
                                   const auto column = static_cast<int>(key) - 1;
                                   const Day &day = days[static_cast<size_t>(column)];
-                                  AccessiblePart part{.name = day.words,
-                                                      .role = QAccessible::Button,
+                                  AccessiblePart part{.name = day.spoken.isEmpty() ? day.words : day.spoken,
+                                                      .role = isQuiet ? QAccessible::ColumnHeader
+                                                                      : QAccessible::Button,
                                                       .place = cell(column).toAlignedRect()};
                                   if (day.hasClash)
                                       part.description = localized(u"Appointments at the same time"_s);
+                                  if (isQuiet)
+                                      return part;
                                   part.actions = {{QAccessibleActionInterface::pressAction(),
                                                    [this, date = day.date] { Q_EMIT dayPressed(date); }}};
                                   return part;
@@ -41,6 +44,12 @@ void DaysLineWeek::setDays(std::vector<Day> newDays, int leading, int trailing)
     trailingSpace = trailing;
     Accessibility::partsReplaced(*this);
     update();
+}
+
+void DaysLineWeek::setQuiet()
+{
+    isQuiet = true;
+    setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
 void DaysLineWeek::setClashes(const std::vector<bool> &clashes)

@@ -17,6 +17,8 @@ public:
     {
         Date date;
         QString words;
+        /// The same for who cannot see it.
+        QString spoken = {};
         bool isToday = false;
         /// Two appointments of it are at the same time.
         bool hasClash = false;
@@ -24,6 +26,8 @@ public:
     /// \param indent where the first column begins, from the leading edge, and where the last one ends.
     void setDays(std::vector<Day> newDays, int leading, int trailing);
     void setClashes(const std::vector<bool> &clashes);
+    /// Says that a press on a day does nothing.
+    void setQuiet();
     static int neededHeight();
 
 Q_SIGNALS:
@@ -43,4 +47,5 @@ private:
     std::vector<Day> days;
     int leadingSpace = 0;
     int trailingSpace = 0;
+    bool isQuiet = false;
 };

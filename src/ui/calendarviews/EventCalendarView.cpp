@@ -119,8 +119,8 @@ QColor EventCalendarView::backgraundColor() const
 /// White but on a colour on which it could not be read.
 QColor EventCalendarView::textColour() const
 {
-    constexpr double leastContrast = 1.9;
-    const double contrast = 1.05 / (luminance(colour) + 0.05);
+    constexpr double leastContrast = 2.2;
+    const double contrast = 1.05 / (luminance(onPaper(backgraundColor())) + 0.05);
     return contrast < leastContrast ? Theme::text : Theme::textOnAccent;
 }
 
@@ -157,6 +157,15 @@ QString EventCalendarView::timeText() const
 QString EventCalendarView::dayName(Date date)
 {
     return DateFormatter::string(date, DateFormatter::patternFromTemplate(u"EEEEdMMMM"_s));
+}
+
+QString EventCalendarView::dayTitle(Date date, int items)
+{
+    QStringList words{dayName(date)};
+    if (Calendar::current().isDateInToday(date))
+        words << localized(u"Today"_s);
+    words << (items == 1 ? localized(u"1 item"_s) : localized(u"%1 items"_s).arg(items));
+    return words.join(u", "_s);
 }
 
 QString EventCalendarView::spokenTime() const

@@ -41,6 +41,8 @@ public:
     static QString shortTime(Date date);
     /// A weekday and its date in words.
     static QString dayName(Date date);
+    /// A day for who cannot see it: its date, whether it is today, and the number of its items.
+    static QString dayTitle(Date date, int items);
     /// The calendar's name, or the category's in the sample store.
     QString placeText() const;
 

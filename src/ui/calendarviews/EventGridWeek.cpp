@@ -6,6 +6,7 @@
 #include "foundation/Localization.h"
 #include "records/Functional.h"
 #include "records/NewTaskRequest.h"
+#include "records/calendars/CalendarClashes.h"
 #include "records/dates/MVDate.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -46,6 +47,7 @@ void EventGridWeek::setDays(Date firstDay, const DayGridMetrics &newMetrics)
     day = MVDate::getStartOfDay(firstDay);
     metrics = newMetrics;
     setFixedHeight(static_cast<int>(metrics.heightOfDay()));
+    cancelDrag();
     reload();
 }
 
@@ -79,6 +81,12 @@ int EventGridWeek::firstHeight() const
 std::vector<std::shared_ptr<MVTask>> EventGridWeek::fetch()
 {
     items = TimedItem::ofDays(DBWorker::calendarOtherTasks(day, days));
+    std::ranges::stable_sort(items, [](const TimedItem &one, const TimedItem &other) {
+        const auto start = [](const TimedItem &item) {
+            return item.startDate ? item.startDate : item.dueDate;
+        };
+        return start(one) != start(other) ? start(one) < start(other) : one.dueDate > other.dueDate;
+    });
     std::vector<std::shared_ptr<MVTask>> copies;
     copies.reserve(items.size());
     for (const TimedItem &item : items)
@@ -87,25 +95,18 @@ std::vector<std::shared_ptr<MVTask>> EventGridWeek::fetch()
     return copies;
 }
 
-/// An appointment is compared with the one before it that ends last.
 void EventGridWeek::findClashes()
 {
-    clashingColumns.assign(static_cast<size_t>(days), false);
-    for (int column = 0; column < days; ++column) {
-        const DateInterval whole = Calendar::current().dayOf(dayOf(column));
-        std::vector<DateInterval> spans;
-        for (const TimedItem &item : items) {
-            if (!item.isEmailCall && item.startDate && item.dueDate &&
-                *item.startDate<whole.end && * item.dueDate> whole.start && *item.startDate < *item.dueDate)
-                spans.push_back({*item.startDate, *item.dueDate});
-        }
-        std::ranges::sort(spans, {}, &DateInterval::start);
-        for (size_t number = 1; number < spans.size(); ++number) {
-            if (spans[number].start < spans[number - 1].end)
-                clashingColumns[static_cast<size_t>(column)] = true;
-            spans[number].end = std::max(spans[number].end, spans[number - 1].end);
-        }
+    std::vector<DateInterval> appointments;
+    for (const TimedItem &item : items) {
+        const bool isOpen = item.task->status() != TaskStatus::Done;
+        if (!item.isEmailCall && isOpen && item.startDate && item.dueDate)
+            appointments.push_back({*item.startDate, *item.dueDate});
     }
+    std::vector<Date> shown;
+    for (int column = 0; column < days; ++column)
+        shown.push_back(dayOf(column));
+    clashingColumns = CalendarClashes::daysOf(std::move(appointments), shown);
 }
 
 int EventGridWeek::countIn(int column) const
@@ -134,11 +135,11 @@ std::vector<CalendarGrid::Placed> EventGridWeek::layout()
 
 CalendarGrid::Zone EventGridWeek::zoneAt(const Placed &item, QPointF point) const
 {
-    if (!item.isResizable)
+    const bool isAtEnd = point.y() > item.frame.bottom() - reach;
+    const bool isAtStart = point.y() < item.frame.top() + reach;
+    if (!isAtEnd && !isAtStart)
         return Zone::Inside;
-    if (point.y() > item.frame.bottom() - reach)
-        return Zone::Due;
-    return point.y() < item.frame.top() + reach ? Zone::Start : Zone::Inside;
+    return !item.isResizable ? Zone::None : isAtEnd ? Zone::Due : Zone::Start;
 }
 
 Date EventGridWeek::momentAt(int column, double y, DragStep step) const
@@ -163,6 +164,8 @@ std::optional<TaskDates> EventGridWeek::datesAt(const Drag &drag, QPointF point,
     }
     const double right = width() - metrics.gridIndent - 1;
     const int column = columns().columnAt(std::clamp(inGrid(point).x(), 0.0, right));
+    if (std::abs(moved) < dragDistance)
+        return CalendarDrag::shiftedByDays(task, column - ownColumn);
     const double top = std::clamp(frame.top() + moved, 0.0, metrics.heightOfDay() - frame.height() - 1);
     return CalendarDrag::movedTo(task, momentAt(column, top, step));
 }
@@ -234,9 +237,8 @@ void EventGridWeek::markTo(QPointF point, bool isExact)
 {
     band->current = std::clamp(point.y(), 0.0, metrics.heightOfDay() - 1);
     band->step = stepOf(isExact);
-    moment = std::abs(band->current - band->pressed) < metrics.eventHeight()
-                 ? OptionalDate()
-                 : momentAt(band->column, band->current, band->step);
+    moment =
+        band->isLongEnough() ? OptionalDate(momentAt(band->column, band->current, band->step)) : std::nullopt;
     update();
 }
 
@@ -253,7 +255,7 @@ void EventGridWeek::markEnds()
     band.reset();
     moment.reset();
     update();
-    if (std::abs(finished.current - finished.pressed) >= metrics.eventHeight())
+    if (finished.isLongEnough())
         Q_EMIT marked(spanOf(finished));
 }
 
@@ -313,11 +315,16 @@ QStringList EventGridWeek::columnNames() const
 {
     QStringList names;
     for (int column = 0; column < days; ++column) {
-        const int count = countIn(column);
-        names << EventCalendarView::dayName(dayOf(column)) + u", "_s +
-                     (count == 1 ? localized(u"1 item"_s) : localized(u"%1 items"_s).arg(count));
+        const auto place = static_cast<size_t>(column);
+        const int count = countIn(column) + (place < wholeDayCounts.size() ? wholeDayCounts[place] : 0);
+        names << EventCalendarView::dayTitle(dayOf(column), count);
     }
     return names;
+}
+
+void EventGridWeek::createWholeDay(int slot)
+{
+    Q_EMIT wholeDayMarked(dayOf(slot % days));
 }
 
 void EventGridWeek::createInSlot(int slot)
@@ -485,7 +492,7 @@ void EventGridWeek::paintOver(QPainter &painter)
 {
     if (isPaintedForPaper())
         return;
-    if (band && std::abs(band->current - band->pressed) >= 1)
+    if (band && band->isLongEnough())
         paintBand(painter);
     paintCurrentTime(painter);
     if (moment)

@@ -23,6 +23,11 @@ public:
     const std::vector<bool> &clashes() const { return clashingColumns; }
     /// How many items stand on a day.
     int countIn(int column) const;
+    /// How many others the days have that stand elsewhere.
+    void setWholeDayCounts(std::vector<int> counts) { wholeDayCounts = std::move(counts); }
+
+Q_SIGNALS:
+    void wholeDayMarked(Date day);
 
 protected:
     std::vector<std::shared_ptr<MVTask>> fetch() override;
@@ -53,6 +58,7 @@ protected:
     QString slotName(int slot) const override;
     QStringList columnNames() const override;
     void createInSlot(int slot) override;
+    void createWholeDay(int slot) override;
     int firstSlot() const override;
     QString gridName() const override;
 
@@ -64,6 +70,9 @@ private:
         double pressed = 0;
         double current = 0;
         CalendarManager::DragStep step = CalendarManager::DragStep::Quarter;
+
+        /// A press that hardly moves marks nothing.
+        bool isLongEnough() const { return std::abs(current - pressed) >= dragDistance; }
     };
 
     QPointF inGrid(QPointF point) const { return point - QPointF(metrics.gridIndent, 0); }
@@ -87,6 +96,7 @@ private:
     std::vector<TimedItem> items;
     TimedGridLayout grid;
     std::vector<bool> clashingColumns;
+    std::vector<int> wholeDayCounts;
     std::optional<Band> band;
     OptionalDate moment;
     int visibleTop = 0;

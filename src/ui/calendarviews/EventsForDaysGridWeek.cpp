@@ -26,6 +26,7 @@ void EventsForDaysGridWeek::setDays(Date firstDay, const DayGridMetrics &newMetr
     weekStart = day;
     weekEnd = MVDate::getEndOfDay(dayOf(days - 1));
     metrics = newMetrics;
+    cancelDrag();
     reload();
 }
 
@@ -201,7 +202,7 @@ QStringList EventsForDaysGridWeek::columnNames() const
 {
     QStringList names;
     for (int column = 0; column < days; ++column)
-        names << EventCalendarView::dayName(dayOf(column));
+        names << EventCalendarView::dayTitle(dayOf(column), countIn(column));
     return names;
 }
 

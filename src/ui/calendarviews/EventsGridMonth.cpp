@@ -5,6 +5,7 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "records/NewTaskRequest.h"
+#include "records/calendars/CalendarClashes.h"
 #include "records/dates/MVDate.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -31,6 +32,7 @@ EventsGridMonth::EventsGridMonth(QWidget *parent)
 void EventsGridMonth::setMonth(Date date)
 {
     month = date;
+    cancelDrag();
     rows = CalendarMonthRow::rowsOfMonth(month);
     reload();
 }
@@ -51,25 +53,27 @@ std::vector<std::shared_ptr<MVTask>> EventsGridMonth::fetch()
     return copies;
 }
 
-/// An appointment of a day is compared with those before it.
 void EventsGridMonth::findClashes()
 {
-    clashing.assign(static_cast<size_t>(slotRows() * columnCount()), false);
-    for (size_t row = 0; row < items.size(); ++row) {
-        std::vector<DateInterval> spans;
-        for (const CalendarForDaysItem &item : items[row]) {
+    std::vector<DateInterval> appointments;
+    for (const CalendarForDaysItems &row : items) {
+        for (const CalendarForDaysItem &item : row) {
             const MVTask &task = *item.obj();
-            if (task.isAppointment() && task.startDate && task.dueDate && *task.startDate < *task.dueDate)
-                spans.push_back({*task.startDate, *task.dueDate});
+            if (task.isAppointment() && task.status != TaskStatus::Done && task.startDate && task.dueDate)
+                appointments.push_back({*task.startDate, *task.dueDate});
         }
-        std::ranges::sort(spans, {}, &DateInterval::start);
-        for (size_t number = 1; number < spans.size(); ++number) {
-            DateInterval &span = spans[number];
-            const int column = CalendarMonthColumn::getColumnNumberWithDate(span.start, rows[row]);
-            if (span.start < spans[number - 1].end && column >= 0)
-                clashing[row * static_cast<size_t>(columnCount()) + static_cast<size_t>(column)] = true;
-            span.end = std::max(span.end, spans[number - 1].end);
-        }
+    }
+    std::vector<Date> days;
+    for (int slot = 0; slot < slotRows() * columnCount(); ++slot)
+        days.push_back(dateOf(cellOf(slot)));
+    clashing = CalendarClashes::daysOf(std::move(appointments), days);
+}
+
+void EventsGridMonth::goToDay(Date day)
+{
+    for (int slot = 0; slot < slotRows() * columnCount(); ++slot) {
+        if (Calendar::current().isSameDay(dateOf(cellOf(slot)), day))
+            return goToSlot(slot);
     }
 }
 
@@ -239,10 +243,9 @@ QString EventsGridMonth::slotName(int slot) const
     }
     const qsizetype count = words.size();
     const Date date = dateOf(cell);
-    QString name = EventCalendarView::dayName(date);
-    if (Calendar::current().isDateInToday(date))
-        name += u", "_s + localized(u"Today"_s);
-    name += u", "_s + (count == 1 ? localized(u"1 item"_s) : localized(u"%1 items"_s).arg(count));
+    QString name = EventCalendarView::dayTitle(date, static_cast<int>(count));
+    if (clashing[static_cast<size_t>(slot)])
+        name += u", "_s + localized(u"Appointments at the same time"_s);
     return QStringList(QStringList{name} + words.mid(0, mostTold)).join(u"; "_s);
 }
 

@@ -15,6 +15,10 @@ public:
     void setMonth(Date date);
     const MonthGridLayout &layoutOfItems() const { return grid; }
     const std::vector<CalendarMonthRow> &weeks() const { return rows; }
+    /// The day that the keyboard is on.
+    Date currentDay() const { return dateOf(cellOf(currentSlot())); }
+    /// Puts the keyboard onto a day; nothing if it is not shown.
+    void goToDay(Date day);
 
 Q_SIGNALS:
     /// The user wants to see a day with all that is hidden of it.
@@ -42,6 +46,7 @@ protected:
     bool staysReachable() const override { return true; }
     void createInSlot(int slot) override;
     void openSlot(int slot) override;
+    bool areRowsConsecutive() const override { return true; }
     int firstSlot() const override;
     QString gridName() const override;
 

@@ -2,7 +2,6 @@
 
 #include "calendarviews/DaysLineWeek.h"
 #include "calendarviews/EventsGridMonth.h"
-#include "foundation/Clock.h"
 #include "foundation/DateFormatter.h"
 #include "records/NewTaskRequest.h"
 #include "records/dates/MVDate.h"
@@ -19,7 +18,7 @@ MonthCalendarViewController::MonthCalendarViewController(QWidget *parent)
 {
     setObjectName(u"MonthCalendarViewController"_s);
     header->setObjectName(u"headerView"_s);
-    header->setAttribute(Qt::WA_TransparentForMouseEvents);
+    header->setQuiet();
     grid->setObjectName(u"calendareView"_s);
     setFocusProxy(grid);
     connectGrid(grid);
@@ -27,8 +26,9 @@ MonthCalendarViewController::MonthCalendarViewController(QWidget *parent)
         NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask, span);
     });
     connect(grid, &EventsGridMonth::dayWanted, this, &CalendarPage::dayWanted);
-    connect(grid, &CalendarGrid::leftUpwards, this, [this] { Q_EMIT pageWanted(-1); });
-    connect(grid, &CalendarGrid::leftDownwards, this, [this] { Q_EMIT pageWanted(1); });
+    constexpr int week = CalendarManager::daysInWeek;
+    connect(grid, &CalendarGrid::leftUpwards, this, [this] { goOnByKeys(grid, -week); });
+    connect(grid, &CalendarGrid::leftDownwards, this, [this] { goOnByKeys(grid, week); });
 }
 
 void MonthCalendarViewController::setDate(Date date)
@@ -38,9 +38,10 @@ void MonthCalendarViewController::setDate(Date date)
     const CalendarMonthRow &first = grid->weeks().front();
     for (int column = 0; column < CalendarManager::daysInWeek; ++column) {
         const Date day = first.dateOfColumn(column);
-        days.push_back({day, DateFormatter::string(day, u"EEEE"_s)});
+        days.push_back({.date = day, .words = DateFormatter::string(day, u"EEEE"_s)});
     }
     header->setDays(std::move(days), 0, 0);
+    placeParts();
 }
 
 void MonthCalendarViewController::refreshCalendar()
@@ -86,17 +87,25 @@ void MonthCalendarViewController::paintForPaper(QPainter &painter)
     painter.restore();
 }
 
-/// Up to midnight, but not longer than a suspended computer can be asleep without being noticed.
-int MonthCalendarViewController::clockInterval() const
+/// The day that follows may stand in the middle of what comes.
+void MonthCalendarViewController::goOnByKeys(CalendarGrid *, int days)
 {
-    constexpr int longest = 10 * 60 * 1000;
-    return longest;
+    const Date wanted = MVDate::addDay(days, grid->currentDay());
+    const Date before = date();
+    Q_EMIT besideWanted(days < 0 ? -1 : 1);
+    if (date() != before)
+        grid->goToDay(wanted);
+}
+
+void MonthCalendarViewController::placeParts()
+{
+    const int line = DaysLineWeek::neededHeight();
+    header->setGeometry(0, 0, width(), line);
+    grid->setGeometry(0, line, width(), height() - line);
 }
 
 void MonthCalendarViewController::resizeEvent(QResizeEvent *event)
 {
     CalendarPage::resizeEvent(event);
-    const int line = DaysLineWeek::neededHeight();
-    header->setGeometry(0, 0, width(), line);
-    grid->setGeometry(0, line, width(), height() - line);
+    placeParts();
 }

@@ -22,10 +22,12 @@ public:
 
 protected:
     void setDate(Date date) override;
-    int clockInterval() const override;
+    void goOnByKeys(CalendarGrid *, int days) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void placeParts();
+
     DaysLineWeek *header;
     EventsGridMonth *grid;
 };

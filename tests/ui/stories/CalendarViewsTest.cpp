@@ -168,6 +168,8 @@ TEST_F(CalendarViewsTest, ACallHasOneMomentAndSharesTheColumnWithAnAppointment)
     EXPECT_NEAR(frame(hours(), task).left(), frame(hours(), meeting).right() + 3, 0.01);
     const QRectF place = frame(hours(), task);
     dragFrom(hours(), {place.center().x(), place.bottom() - 1}, {place.center().x(), place.bottom() + 70});
+    EXPECT_EQ(task->startDate(), at(18, 10));
+    dragFrom(hours(), place.center(), place.center() + QPointF(0, 70));
     EXPECT_EQ(task->startDate(), at(18, 11));
     EXPECT_EQ(task->dueDate(), at(18, 11));
     EXPECT_NEAR(frame(hours(), meeting).width(), 2 * half - 3, 0.01);
@@ -196,8 +198,10 @@ TEST_F(CalendarViewsTest, ADragEndsWhenItsTaskBecomesAnother)
 {
     const TaskPtr task = appointment(u"Dentist"_s, at(18, 9), at(18, 10));
     show(Type::Week);
-    const QPointF grip = frame(hours(), task).center();
+    QPointF grip;
+    const TaskPtr other = appointment(u"Before"_s, at(16, 9), at(16, 10));
     const auto begin = [&] {
+        grip = frame(hours(), task).center();
         press(hours(), grip);
         moveTo(hours(), grip + QPointF(0, 70));
         ASSERT_TRUE(hours().isDragging());
@@ -209,6 +213,16 @@ TEST_F(CalendarViewsTest, ADragEndsWhenItsTaskBecomesAnother)
     EXPECT_FALSE(hours().isDragging());
     QTest::mouseRelease(&hours(), Qt::LeftButton, {}, grip.toPoint());
     EXPECT_EQ(task->startDate(), at(18, 8));
+
+    // Another one that goes changes nothing.
+    begin();
+    context().deleteObject(other);
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    EXPECT_TRUE(hours().isDragging());
+    moveTo(hours(), grip + QPointF(0, 140));
+    QTest::mouseRelease(&hours(), Qt::LeftButton, {}, (grip + QPointF(0, 140)).toPoint());
+    EXPECT_EQ(task->startDate(), at(18, 10));
 
     begin();
     context().deleteObject(task);
@@ -274,8 +288,10 @@ TEST_F(CalendarViewsTest, WhatIsMarkedBecomesATask)
     EXPECT_EQ(made.type, TaskType::Appointment);
     EXPECT_EQ(made.startDate, at(16, 10));
     EXPECT_EQ(made.dueDate, at(16, 11));
-    dragFrom(hours(), {50 + 1.5 * day, 700}, {50 + 1.5 * day, 708});
+    dragFrom(hours(), {50 + 1.5 * day, 700}, {50 + 1.5 * day, 702});
     EXPECT_EQ(newTaskWindow(), nullptr);
+    dragFrom(hours(), {50 + 1.5 * day, 700}, {50 + 1.5 * day, 708});
+    EXPECT_EQ(created().dueDate, at(16, 10, 15));
     QTest::mouseDClick(&hours(), Qt::LeftButton, {}, QPointF(50 + 3.5 * day, 700).toPoint());
     made = created();
     EXPECT_EQ(made.startDate, at(18, 10));
@@ -403,6 +419,73 @@ TEST_F(CalendarViewsTest, TheKeysLeadOnIntoTheNextPageAndFollowWhatLeaves)
     // A slot is where N begins.
     press(Qt::Key_N);
     ASSERT_NE(newTaskWindow(), nullptr);
+}
+
+TEST_F(CalendarViewsTest, TheKeysGoThroughAMonthDayByDay)
+{
+    const TaskPtr trip = toDo(u"Trip"_s, 14, 14);
+    show(Type::Month);
+    auto &month = static_cast<EventsGridMonth &>(grid());
+    const auto isOn = [&](int number, int day) {
+        const DateComponents fields = Calendar::current().shortComponents(month.currentDay());
+        return fields.month == number && fields.day == day;
+    };
+    grid().setFocus();
+    ASSERT_TRUE(grid().goToTask(trip));
+    press(Qt::Key_Right);
+    EXPECT_TRUE(isOn(11, 15));
+    press(Qt::Key_Up);
+    press(Qt::Key_Up);
+    EXPECT_TRUE(isOn(11, 1));
+    press(Qt::Key_Left);
+    EXPECT_TRUE(isOn(10, 31));
+    press(Qt::Key_Right);
+    EXPECT_TRUE(isOn(11, 1));
+    // What goes leaves the keyboard where it was.
+    ASSERT_TRUE(grid().goToTask(trip));
+    press(Qt::Key_Space);
+    settle();
+    EXPECT_EQ(trip->status(), TaskStatus::Done);
+    EXPECT_TRUE(isOn(11, 14));
+}
+
+TEST_F(CalendarViewsTest, WholeDaysAreReachedByKeysWhereThereAreNone)
+{
+    show(Type::Week);
+    ASSERT_EQ(lanes().areaHeight(), 0);
+    grid().setFocus();
+    grid().enterColumn(2, 0);
+    press(Qt::Key_Up);
+    ASSERT_TRUE(lanes().hasFocus());
+    EXPECT_TRUE(lanes().isVisible());
+    QTest::keyClick(&lanes(), Qt::Key_N);
+    ASSERT_NE(newTaskWindow(), nullptr);
+    EXPECT_EQ(newTaskWindow()->taskForm()->currentTask().startDate, at(17, 0));
+    newTaskWindow()->close();
+    lanes().setFocus();
+    QTest::keyClick(&lanes(), Qt::Key_Down);
+    EXPECT_TRUE(hours().hasFocus());
+    EXPECT_FALSE(lanes().isVisible());
+}
+
+TEST_F(CalendarViewsTest, BothOfTwoAtTheSameTimeAreSeen)
+{
+    const TaskPtr shorter = appointment(u"Dentist"_s, at(18, 10), at(18, 10, 30));
+    const TaskPtr longer = appointment(u"Workshop"_s, at(18, 9), at(18, 12));
+    const TaskPtr first = appointment(u"One"_s, at(19, 9), at(19, 10));
+    const TaskPtr second = appointment(u"Other"_s, at(19, 9), at(19, 10));
+    show(Type::Week);
+    const auto pressedAt = [&](QPointF point) {
+        QTest::mouseClick(&hours(), Qt::LeftButton, {}, point.toPoint());
+        return grid().currentTask();
+    };
+    EXPECT_EQ(pressedAt(frame(hours(), shorter).center()), shorter);
+    EXPECT_EQ(pressedAt(frame(hours(), longer).topLeft() + QPointF(20, 20)), longer);
+    const QRectF place = frame(hours(), first);
+    const TaskPtr above = pressedAt(place.center());
+    const TaskPtr below = pressedAt(place.topLeft() + QPointF(3, 20));
+    EXPECT_EQ(std::set({above, below}), std::set({first, second}));
+    EXPECT_EQ(hours().clashes(), (std::vector<bool>{false, false, false, true, true, false, false}));
 }
 
 TEST_F(CalendarViewsTest, TheFrameTurnsItsPagesAndRemembersWhereItIs)

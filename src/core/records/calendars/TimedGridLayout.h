@@ -18,7 +18,7 @@ struct TimedItem
     OptionalDate startDate;
     OptionalDate dueDate;
 
-    /// Those of some days, each once: what is due right after a day of 23 hours counts as due on both days.
+    /// Those of some days, each once.
     static std::vector<TimedItem> ofDays(const std::vector<TaskList> &days);
 };
 

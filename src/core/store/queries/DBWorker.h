@@ -116,7 +116,7 @@ public:
     static TaskList calendarDayAllDayTasks(Date date);
     /// The ToDos that have one of some days among theirs, each once, in the same order.
     static TaskList calendarAllDayTasks(Date firstDay, int days);
-    /// The Appointments, mails and calls due within 24 hours from the start of a day, in no order of dates.
+    /// The Appointments, mails and calls due on a day, in no order of dates.
     static TaskList calendarDayOtherTasks(Date date);
     /// The same of each of some days that follow one another.
     static std::vector<TaskList> calendarOtherTasks(Date firstDay, int days);

@@ -56,12 +56,10 @@ TaskList listOfThose(const std::vector<DatedRow> &rows, const std::function<bool
     return listOfDated(chosen);
 }
 
-/// In which a task of moments stands on a day. On a day of 25 hours the last one is not in it.
+/// In which a task of moments stands on a day, be it of 23, 24 or 25 hours.
 DaySpan hoursOfDay(Date day)
 {
-    constexpr Seconds upToTheLastSecond{86399};
-    const Date start = MVDate::getStartOfDay(day);
-    return {start, start + upToTheLastSecond};
+    return {MVDate::getStartOfDay(day), MVDate::getEndOfDay(day)};
 }
 
 bool isWithin(const DaySpan &span, OptionalDate date)

@@ -2,6 +2,7 @@
 
 #include "calendarviews/CalendarPage.h"
 #include "calendarviews/SelectedTaskController.h"
+#include "records/DetailStack.h"
 #include "records/TabsViewController.h"
 #include "records/TaskManager.h"
 #include "shell/tasks/TaskDetailViewController.h"
@@ -12,13 +13,6 @@ static std::vector<TaskPtr> selectedTasks()
     return SelectedTaskController::sharedCenter().selectedTasks();
 }
 
-static void removeTasks(const std::vector<TaskPtr> &tasks)
-{
-    const std::vector<ObjectPtr> going = TaskRowCommands::removable({tasks.begin(), tasks.end()});
-    if (!going.empty())
-        TaskManager::deleteTasks(going, [] {});
-}
-
 CalendarItemCommands::CalendarItemCommands(TabsViewController &shownOn)
     : QObject(&shownOn)
     , screen(shownOn)
@@ -26,7 +20,7 @@ CalendarItemCommands::CalendarItemCommands(TabsViewController &shownOn)
           new TaskRowCommands(shownOn, &selectedTasks, [](const auto &, const auto &change) { change(); }))
 {
     connect(commands, &TaskRowCommands::whyChosen, &screen, &TabsViewController::whyRequested);
-    connect(commands, &TaskRowCommands::deleteChosen, this, [] { removeTasks(selectedTasks()); });
+    connect(commands, &TaskRowCommands::deleteChosen, this, [this] { removeTasks(selectedTasks()); });
 }
 
 void CalendarItemCommands::serve(CalendarPage &page)
@@ -35,11 +29,26 @@ void CalendarItemCommands::serve(CalendarPage &page)
         if (screen.detailStack())
             TaskDetailViewController::showTask(task, screen, *screen.detailStack());
     });
-    connect(&page, &CalendarPage::removeRequested, this, [](const TaskPtr &task) { removeTasks({task}); });
+    connect(&page, &CalendarPage::removeRequested, this,
+            [this](const TaskPtr &task) { removeTasks({task}); });
     connect(&page, &CalendarPage::toggled, this,
             [this](const TaskPtr &task) { commands->toggleDone({task}); });
     connect(&page, &CalendarPage::menuWanted, this,
             [this](const TaskPtr &, const QPoint &place) { commands->showMenu(place); });
+}
+
+/// What is typed about them is asked about first.
+void CalendarItemCommands::removeTasks(const std::vector<TaskPtr> &tasks)
+{
+    const std::vector<ObjectPtr> going = TaskRowCommands::removable({tasks.begin(), tasks.end()});
+    if (going.empty())
+        return;
+    if (DetailStack *const stack = screen.detailStack()) {
+        if (!stack->mayLeave(going))
+            return;
+        stack->removeAllDetailFrom(going);
+    }
+    TaskManager::deleteTasks(going, [] {});
 }
 
 void CalendarItemCommands::removeSelected(CalendarPage &page)

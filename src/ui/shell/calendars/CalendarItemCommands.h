@@ -1,6 +1,10 @@
 #pragma once
 
+#include "store/entities/Entities.h"
+
 #include <QObject>
+
+#include <vector>
 
 class CalendarPage;
 class TabsViewController;
@@ -19,6 +23,8 @@ public:
     void removeSelected(CalendarPage &page);
 
 private:
+    void removeTasks(const std::vector<TaskPtr> &tasks);
+
     TabsViewController &screen;
     TaskRowCommands *commands;
 };

@@ -49,6 +49,14 @@ void CalendarTitle::setWords(const QString &newLeft, const QString &newTop, cons
     update();
 }
 
+void CalendarTitle::setMark(const QString &reason)
+{
+    isMarked = !reason.isEmpty();
+    setToolTip(reason);
+    setAccessibleDescription(reason);
+    update();
+}
+
 int CalendarTitle::leftWidth() const
 {
     return QFontMetrics(largeFont()).horizontalAdvance(left);
@@ -87,6 +95,17 @@ void CalendarTitle::paintEvent(QPaintEvent *)
     };
     painter.setFont(topFont());
     Direction::drawLine(painter, line(y, topHeight), layoutDirection(), top);
+    if (isMarked) {
+        constexpr double dot = 5;
+        const double after = large + gap + painter.fontMetrics().horizontalAdvance(top) + dot;
+        QRectF mark(after, y + (topHeight - dot) / 2, dot, dot);
+        if (isRightToLeft())
+            mark.moveLeft(width() - mark.right());
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Theme::priorityMedium);
+        painter.drawEllipse(mark);
+    }
     painter.setFont(bottomFont());
     painter.setPen(Theme::secondaryText);
     Direction::drawLine(painter, line(y + topHeight, bottomHeight), layoutDirection(), bottom);

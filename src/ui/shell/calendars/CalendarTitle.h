@@ -12,6 +12,9 @@ public:
     /// A bottom line that is empty leaves its room to the top one.
     void setWords(const QString &newLeft, const QString &newTop, const QString &newBottom);
 
+    /// A quiet mark behind the top line, with a reason; none for an empty one.
+    void setMark(const QString &reason);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -22,4 +25,5 @@ private:
     int leftWidth() const;
 
     QString left, top, bottom;
+    bool isMarked = false;
 };

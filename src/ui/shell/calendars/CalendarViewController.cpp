@@ -70,7 +70,6 @@ void CalendarViewController::showCalendar(CalendarType wanted)
     type = wanted;
     calendarSegment->setSelectedIndex(static_cast<int>(type));
     store();
-    setTitleDate();
     makePage();
 }
 
@@ -89,13 +88,16 @@ void CalendarViewController::makePage()
         page = new MonthCalendarViewController(this);
     commands->serve(*page);
     connect(page, &CalendarPage::pageWanted, this, &CalendarViewController::daysControllerSelectButton);
+    connect(page, &CalendarPage::besideWanted, this, &CalendarViewController::daysControllerSelectButton);
+    connect(page, &CalendarPage::shownAnew, this, &CalendarViewController::setTitleDate);
+    connect(page, &CalendarPage::selectionChanged, this, &TabsViewController::commandsChanged);
     connect(page, &CalendarPage::todayWanted, this, &CalendarViewController::calendarToday);
     connect(page, &CalendarPage::dayWanted, this, &CalendarViewController::dayWanted);
     connect(page, &CalendarPage::wentTo, this, &CalendarViewController::wentTo);
-    connect(page, &CalendarPage::eventViewSelectedItem, this, &TabsViewController::commandsChanged);
     layout()->addWidget(page);
     static_cast<QVBoxLayout *>(layout())->setStretchFactor(page, 1);
     page->showDate(shownDate);
+    setTitleDate();
     setFocusProxy(page);
     if (hadKeys)
         page->mainGrid()->setFocus();
@@ -123,14 +125,15 @@ void CalendarViewController::daysControllerSelectButton(int number)
     const CalendarUnit unit = type == CalendarType::Day    ? CalendarUnit::Day
                               : type == CalendarType::Week ? CalendarUnit::WeekOfYear
                                                            : CalendarUnit::Month;
-    setDate(Calendar::current().dateByAdding(unit, number, shownDate));
+    shownDate = Calendar::current().dateByAdding(unit, number, shownDate);
     page->slideTo(shownDate, number);
+    setDate(shownDate);
 }
 
 void CalendarViewController::calendarGoToDate(Date date)
 {
-    setDate(date);
     page->showDate(date);
+    setDate(date);
 }
 
 void CalendarViewController::dayWanted(Date day)
@@ -147,6 +150,7 @@ void CalendarViewController::wentTo(Date date, const TaskPtr &task)
 
 void CalendarViewController::setTitleDate()
 {
+    title->setMark(page->hasClash() ? localized(u"Appointments at the same time"_s) : QString());
     const auto words = [](Date date, const QString &pattern) { return DateFormatter::string(date, pattern); };
     if (type == CalendarType::Day)
         return title->setWords(words(shownDate, u"dd"_s), words(shownDate, u"LLLL yyyy"_s),
@@ -177,6 +181,17 @@ void CalendarViewController::reloadData()
     page->refreshCalendar();
 }
 
+QString CalendarViewController::titleOnPaper() const
+{
+    using Style = DateFormatter::Style;
+    if (type == CalendarType::Day)
+        return DateFormatter::string(shownDate, Style::Full, Style::None);
+    if (type == CalendarType::Month)
+        return DateFormatter::string(shownDate, u"LLLL yyyy"_s);
+    return DateFormatter::string(MVDate::startOfWeek(shownDate), Style::Long, Style::None) + u" – "_s +
+           DateFormatter::string(MVDate::endOfWeek(shownDate), Style::Long, Style::None);
+}
+
 /// On one page, under the words of the title.
 void CalendarViewController::print(QPrinter &printer)
 {
@@ -187,7 +202,7 @@ void CalendarViewController::print(QPrinter &printer)
     QFont font = Theme::font(Theme::FontRole::Title);
     font.setPixelSize(static_cast<int>(head.height() * 0.5));
     painter.setFont(font);
-    painter.drawText(head, Qt::AlignLeading | Qt::AlignVCenter, title->accessibleName());
+    painter.drawText(head, Qt::AlignLeading | Qt::AlignVCenter, titleOnPaper());
     painter.translate(0, head.height());
     const std::unique_ptr<CalendarPage> copy = page->copyForPaper();
     copy->fitToPaper(sheet.width() / (sheet.height() - head.height()));

@@ -43,6 +43,7 @@ public:
 private:
     void setDate(Date date);
     void setTitleDate();
+    QString titleOnPaper() const;
     void makePage();
     void store() const;
     void dayWanted(Date day);

@@ -18,10 +18,18 @@ static HomeHeading *makeHeader(const QString &title, const QWidget &list)
 {
     auto *header = new HomeHeading(Theme::FontRole::Large, Theme::text);
     header->setText(title);
-    header->setFixedHeight(HomeBlockView::headerHeight);
+    header->setFixedHeight(HomeBlockView::headerHeight());
     header->setContentsMargins(
         Direction::margins(list, HomeRowLayout::margin + Theme::unit / 2, 0, HomeRowLayout::margin, 0));
     return header;
+}
+
+int HomeBlockView::headerHeight()
+{
+    constexpr int usual = 56;
+    const int lines = QFontMetrics(Theme::font(Theme::FontRole::BodyStrong)).height() +
+                      QFontMetrics(Theme::font(Theme::FontRole::Small)).height();
+    return std::max(usual, lines + 2 * Theme::unit);
 }
 
 HomeBlockView::HomeBlockView(HomeListModel::List list, const QString &title, const QString &tableName,

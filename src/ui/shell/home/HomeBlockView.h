@@ -15,7 +15,7 @@ class HomeBlockView : public QWidget
     Q_OBJECT
 public:
     /// What its title takes above the rows, and that of the day beside it.
-    static constexpr int headerHeight = 56;
+    static int headerHeight();
 
     /// \param tableName what the table is called among the widgets.
     HomeBlockView(HomeListModel::List list, const QString &title, const QString &tableName,

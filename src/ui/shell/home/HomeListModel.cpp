@@ -3,6 +3,9 @@
 #include "foundation/Calendar.h"
 #include "foundation/Localization.h"
 #include "store/queries/DBWorker.h"
+#include "widgets/Theme.h"
+
+#include <QFontMetrics>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -10,6 +13,19 @@ constexpr int dayHeight = 30;
 constexpr int noticeHeight = 53;
 constexpr int rowHeight = 60;
 constexpr int rowHeightWithProject = 85;
+
+static int lineHeight(Theme::FontRole role)
+{
+    return QFontMetrics(Theme::font(role)).height();
+}
+
+/// What a title and some lines below it need.
+static int heightOfLines(int details)
+{
+    constexpr int gap = 3;
+    return lineHeight(Theme::FontRole::Body) + details * (gap + lineHeight(Theme::FontRole::Small)) +
+           Theme::unit;
+}
 
 HomeListModel::HomeListModel(List shownList, QObject *parent)
     : TableModel(parent)
@@ -57,15 +73,16 @@ std::optional<int> HomeListModel::heightOf(int row) const
     const HomeRows::Place &place = rows.placeAt(row);
     switch (place.kind) {
     case HomeRows::Kind::Day:
-        return dayHeight;
+        return std::max(dayHeight, lineHeight(Theme::FontRole::SmallStrong) + Theme::unit);
     case HomeRows::Kind::Notice:
-        return noticeHeight;
+        return std::max(noticeHeight, lineHeight(Theme::FontRole::Body) + Theme::unit);
     case HomeRows::Kind::Task:
-        return place.hasProject ? rowHeightWithProject : rowHeight;
+        return place.hasProject ? std::max(rowHeightWithProject, heightOfLines(2))
+                                : std::max(rowHeight, heightOfLines(1));
     case HomeRows::Kind::Project:
         break;
     }
-    return rowHeight;
+    return std::max(rowHeight, heightOfLines(1));
 }
 
 QString HomeListModel::countInWords(int items) const

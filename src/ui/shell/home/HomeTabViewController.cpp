@@ -10,6 +10,7 @@
 #include "records/DetailStack.h"
 #include "records/ShellAlerts.h"
 #include "records/TaskManager.h"
+#include "records/Waiting.h"
 #include "shell/calendars/CalendarItemCommands.h"
 #include "shell/home/HomeColumns.h"
 #include "shell/home/HomeHeading.h"
@@ -80,7 +81,7 @@ QWidget *HomeTabViewController::makeDayColumn()
     words->addWidget(labelMonth);
     words->addStretch();
     auto *header = new QWidget;
-    header->setFixedHeight(HomeBlockView::headerHeight);
+    header->setFixedHeight(HomeBlockView::headerHeight());
     auto *line = new QHBoxLayout(header);
     line->setContentsMargins(Direction::margins(*this, Theme::contentMargin, 0, Theme::unit, 0));
     line->setSpacing(Theme::unit + Theme::unit / 2);
@@ -95,12 +96,22 @@ QWidget *HomeTabViewController::makeDayColumn()
 
 void HomeTabViewController::showDayCalendar()
 {
-    delete dayCalendar;
+    if (dayCalendar)
+        Waiting::remove(dayCalendar);
     dayCalendar = new DayCalendarViewController(dayColumn);
     static_cast<QVBoxLayout *>(dayColumn->layout())->addWidget(dayCalendar, 1);
     eventCommands->serve(*dayCalendar);
     connect(dayCalendar, &CalendarPage::eventViewSelectedItem, this,
             &HomeTabViewController::eventViewSelectedItem);
+    // Its keys lead into the lists beside it, and its pages are hours.
+    connect(dayCalendar, &CalendarPage::besideWanted, this, [this](int step) {
+        if (step > 0)
+            (overdue->hasItems() ? overdue : week)->setFocus(Qt::TabFocusReason);
+    });
+    connect(dayCalendar, &CalendarPage::pageWanted, dayCalendar, &DayCalendarViewController::scrollPage);
+    connect(dayCalendar, &CalendarPage::wentTo, this,
+            [this](Date, const TaskPtr &task) { detailOnTop(task); });
+    connect(dayCalendar, &CalendarPage::selectionChanged, this, &TabsViewController::commandsChanged);
     dayCalendar->showDate(Clock::now());
     setTabOrder(dayCalendar->mainGrid(), overdue->table());
 }
@@ -192,8 +203,12 @@ void HomeTabViewController::lookAtClock()
 {
     const Calendar calendar = Calendar::current();
     const Date now = Clock::now();
-    if (shownDay && *shownDay != calendar.startOfDay(now))
+    if (shownDay && *shownDay != calendar.startOfDay(now)) {
+        // What waits for an answer goes on with the day that it came from.
+        if (Waiting::isForAnswer())
+            return Waiting::afterwards(&Waiting::isForAnswer, this, [this] { lookAtClock(); });
         return reloadData();
+    }
     overdue->showAnew();
     week->showAnew();
     const Seconds next = std::min(clockInterval, calendar.startOfNextDay(now) - now);

@@ -179,7 +179,8 @@ protected:
         const Date start = day(date);
         return plain([start](const EntityTask &task) {
             return (task.type() == TaskType::Appointment || task.type() == TaskType::EmailCall) &&
-                   task.dueDate() && start <= *task.dueDate() && *task.dueDate() <= start + Seconds(86399);
+                   task.dueDate() && start <= *task.dueDate() &&
+                   *task.dueDate() <= MVDate::getEndOfDay(start);
         });
     }
     Tasks plainMonth(Date first, Date last) const
