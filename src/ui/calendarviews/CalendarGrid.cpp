@@ -9,6 +9,7 @@
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Accessibility.h"
+#include "widgets/Direction.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -247,6 +248,18 @@ void CalendarGrid::paintEvent(QPaintEvent *event)
         painter.drawRoundedRect(visual(*dropPlace).adjusted(2, 2, -2, -2), 4, 4);
     }
     paintOver(painter);
+}
+
+void CalendarGrid::drawBeside(QPainter &painter, const QRectF &place, const QFont &font,
+                              const QString &words) const
+{
+    QFont fitting = font;
+    const double room = place.width() - 2;
+    const double needed = QFontMetricsF(font).horizontalAdvance(words);
+    if (needed > room)
+        fitting.setPointSizeF(font.pointSizeF() * room / needed);
+    painter.setFont(fitting);
+    Direction::drawWords(painter, place, Qt::AlignVCenter | trailingEdge(), words);
 }
 
 void CalendarGrid::paintForPaper(QPainter &painter)

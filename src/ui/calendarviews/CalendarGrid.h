@@ -193,6 +193,10 @@ protected:
     {
         return shownEvents[static_cast<size_t>(item.event)];
     }
+    Qt::Alignment leadingEdge() const { return isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft; }
+    Qt::Alignment trailingEdge() const { return isRightToLeft() ? Qt::AlignLeft : Qt::AlignRight; }
+    /// Writes beside the columns, in a font that is made smaller where the words would not fit.
+    void drawBeside(QPainter &painter, const QRectF &place, const QFont &font, const QString &words) const;
     bool isPaintedForPaper() const { return isOnPaper; }
 
     void paintEvent(QPaintEvent *event) override;

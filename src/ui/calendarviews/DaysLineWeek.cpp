@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "widgets/Accessibility.h"
+#include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
 #include <QAccessibleActionInterface>
@@ -104,7 +105,7 @@ void DaysLineWeek::paintEvent(QPaintEvent *)
             painter.drawRoundedRect(pill, pill.height() / 2, pill.height() / 2);
         }
         painter.setPen(day.isToday ? Theme::selectedText : Theme::text);
-        painter.drawText(place, Qt::AlignCenter, words);
+        Direction::drawWords(painter, place, Qt::AlignCenter, words);
         if (!day.hasClash)
             continue;
         QRectF mark(0, 0, dot, dot);

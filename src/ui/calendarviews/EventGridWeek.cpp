@@ -8,6 +8,7 @@
 #include "records/NewTaskRequest.h"
 #include "records/calendars/CalendarClashes.h"
 #include "records/dates/MVDate.h"
+#include "widgets/Direction.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
@@ -396,13 +397,7 @@ void EventGridWeek::paintHours(QPainter &painter, const QRect &clip) const
             continue;
         const Date at = MVDate::setTimeWithCurrentDate(day, label.hour, 0, 0);
         const QString words = EventCalendarView::shortTime(at).toUpper();
-        QFont fitting = font;
-        const double room = place.width() - 2;
-        const double needed = QFontMetricsF(font).horizontalAdvance(words);
-        if (needed > room)
-            fitting.setPointSizeF(font.pointSizeF() * room / needed);
-        painter.setFont(fitting);
-        painter.drawText(place, Qt::AlignVCenter | (isRightToLeft() ? Qt::AlignLeft : Qt::AlignRight), words);
+        drawBeside(painter, place, font, words);
     }
 }
 
@@ -445,9 +440,9 @@ void EventGridWeek::paintBand(QPainter &painter) const
     painter.drawRoundedRect(place, 3, 3);
     painter.setPen(Theme::textOnAccent);
     painter.setFont(Theme::font(Theme::FontRole::Small));
-    painter.drawText(place.adjusted(7, 0, -7, 0), Qt::AlignLeading | Qt::AlignTop,
-                     EventCalendarView::shortTime(span.start) + u" – "_s +
-                         EventCalendarView::shortTime(span.due));
+    Direction::drawWords(painter, place.adjusted(7, 0, -7, 0), leadingEdge() | Qt::AlignTop,
+                         EventCalendarView::shortTime(span.start) + u" – "_s +
+                             EventCalendarView::shortTime(span.due));
 }
 
 /// The minutes past the hour beside the line that is dragged.
@@ -461,10 +456,8 @@ void EventGridWeek::paintMoment(QPainter &painter) const
     const QRectF place = visual({0, y - labelHeight / 2, metrics.gridIndent, labelHeight});
     painter.fillRect(place, Theme::card);
     painter.setPen(minuteColor);
-    painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
-    painter.drawText(place.adjusted(4, 0, -4, 0),
-                     Qt::AlignVCenter | (isRightToLeft() ? Qt::AlignLeft : Qt::AlignRight),
-                     u":%1"_s.arg(minute, 2, 10, QLatin1Char('0')));
+    drawBeside(painter, place.adjusted(4, 0, -4, 0), Theme::font(Theme::FontRole::SmallStrong),
+               u":%1"_s.arg(minute, 2, 10, QLatin1Char('0')));
 }
 
 QRectF EventGridWeek::markerOf(int column, bool isBelow) const

@@ -228,12 +228,9 @@ void EventsForDaysGridWeek::paintGrid(QPainter &painter, const QRect &)
     }
     if (items.empty())
         return;
-    painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
     painter.setPen(Theme::secondaryText);
-    const QRectF label = visual({2, 2, metrics.gridIndent - 6, double(metrics.eventHeight())});
-    painter.drawText(label, Qt::AlignVCenter | (isRightToLeft() ? Qt::AlignLeft : Qt::AlignRight),
-                     painter.fontMetrics().elidedText(localized(u"All day"_s), Qt::ElideRight,
-                                                      static_cast<int>(label.width())));
+    drawBeside(painter, visual({2, 2, metrics.gridIndent - 6, double(metrics.eventHeight())}),
+               Theme::font(Theme::FontRole::SmallStrong), localized(u"All day"_s));
 }
 
 void EventsForDaysGridWeek::paintOver(QPainter &painter)

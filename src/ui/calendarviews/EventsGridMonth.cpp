@@ -7,6 +7,7 @@
 #include "records/NewTaskRequest.h"
 #include "records/calendars/CalendarClashes.h"
 #include "records/dates/MVDate.h"
+#include "widgets/Direction.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
@@ -292,8 +293,8 @@ void EventsGridMonth::paintCell(QPainter &painter, Cell cell) const
     if (cell.column == 0) {
         painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
         painter.setPen(Theme::disabledText);
-        painter.drawText(frame.adjusted(7, numberTop, -7, 0), Qt::AlignTop | Qt::AlignLeading,
-                         QString::number(calendar.weekOfYear(date)));
+        Direction::drawWords(painter, frame.adjusted(7, numberTop, -7, 0), Qt::AlignTop | leadingEdge(),
+                             QString::number(calendar.weekOfYear(date)));
     }
     paintNumber(painter, cell);
     paintMore(painter, cell);
@@ -326,7 +327,7 @@ void EventsGridMonth::paintNumber(QPainter &painter, Cell cell) const
     painter.setPen(isToday                                         ? Theme::textOnAccent
                    : calendar.month(date) != calendar.month(month) ? Theme::disabledText
                                                                    : Theme::text);
-    painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, text);
+    Direction::drawWords(painter, place, Qt::AlignCenter, text);
     if (clashing[static_cast<size_t>(cell.row * columnCount() + cell.column)]) {
         constexpr double dot = 5;
         QRectF mark(frame.right() - numberRight - textWidth - 14, 0, dot, dot);
@@ -345,14 +346,13 @@ void EventsGridMonth::paintMore(QPainter &painter, Cell cell) const
         return;
     painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
     painter.setPen(Theme::secondaryText);
-    painter.drawText(visual(grid.moreLabelFrame(cell)), Qt::AlignLeading | Qt::AlignVCenter,
-                     u"%1 %2"_s.arg(hidden).arg(localized(u"more"_s)));
+    Direction::drawWords(painter, visual(grid.moreLabelFrame(cell)), leadingEdge() | Qt::AlignVCenter,
+                         u"%1 %2"_s.arg(hidden).arg(localized(u"more"_s)));
 }
 
 void EventsGridMonth::paintGrid(QPainter &painter, const QRect &clip)
 {
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setLayoutDirection(layoutDirection());
     for (int slot = 0; slot < slotRows() * columnCount(); ++slot) {
         if (visual(slotFrame(slot)).intersects(clip))
             paintCell(painter, cellOf(slot));

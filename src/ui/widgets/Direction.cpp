@@ -19,3 +19,10 @@ void Direction::drawLine(QPainter &painter, const QRect &place, Qt::LayoutDirect
     painter.drawText(place, QStyle::visualAlignment(direction, Qt::AlignLeft | vertical),
                      painter.fontMetrics().elidedText(firstPart(text), Qt::ElideRight, place.width()));
 }
+
+void Direction::drawWords(QPainter &painter, const QRectF &place, Qt::Alignment alignment,
+                          const QString &text)
+{
+    painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(place, static_cast<int>(alignment | Qt::AlignAbsolute | Qt::TextDontClip), text);
+}

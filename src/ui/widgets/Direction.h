@@ -5,6 +5,7 @@
 
 class QPainter;
 class QRect;
+class QRectF;
 class QString;
 class QWidget;
 
@@ -18,5 +19,8 @@ QMargins margins(const QWidget &widget, int leading, int top, int trailing, int 
 /// height of the place.
 void drawLine(QPainter &painter, const QRect &place, Qt::LayoutDirection direction, const QString &text,
               Qt::Alignment vertical = Qt::AlignVCenter);
+
+/// Writes a text at an edge that is told as left or right. It reads in the direction of its own script.
+void drawWords(QPainter &painter, const QRectF &place, Qt::Alignment alignment, const QString &text);
 
 } // namespace Direction
