@@ -635,3 +635,62 @@ TEST_F(CalendarViewsTest, PaperShowsWhatTheScreenDoes)
         EXPECT_GT(ofItems, 1500) << static_cast<int>(type);
     }
 }
+
+TEST_F(CalendarViewsTest, AbsurdItemsAreShownAndMoved)
+{
+    const QString endless = QString(u'w').repeated(10'000);
+    const TaskPtr years = appointment(endless, at(18, 9), localDate(2029, 11, 18, 9, 0));
+    const TaskPtr empty = appointment(u"\u200b"_s, at(18, 9), at(18, 9));
+    const TaskPtr backwards = add(u"Backwards"_s);
+    backwards->setType(TaskType::Appointment);
+    backwards->setStartDate(at(19, 12));
+    backwards->setDueDate(at(19, 9));
+    const TaskPtr noStart = add(endless);
+    noStart->setType(TaskType::Appointment);
+    noStart->setDueDate(at(19, 9));
+    const TaskPtr longToDo = add(u"Long"_s);
+    longToDo->setStartDate(localDate(1, 1, 2, 0, 0));
+    longToDo->setDueDate(localDate(9999, 12, 30, 0, 0));
+    for (int number = 0; number < 500; ++number) {
+        const TaskPtr one = number % 2 ? context().insert<EntityTask>() : backwards;
+        one->setTitle(u"Crowd %1"_s.arg(number));
+        one->setType(number % 4 == 1 ? TaskType::Appointment : TaskType::EmailCall);
+        one->setStartDate(at(20, number % 24, number % 60));
+        one->setDueDate(at(20, number % 24, number % 60) + Seconds(60 * (number % 90)));
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    const ScriptedAlerts alerts(std::deque<int>(50, Alert::firstButton));
+    const std::vector<Date> dates{at(19, 12), localDate(1, 1, 3, 12, 0), localDate(9999, 12, 20, 12, 0),
+                                  localDate(2026, 3, 29, 2, 30), localDate(2026, 10, 25, 2, 30)};
+    for (const Type type : {Type::Day, Type::Week, Type::Month}) {
+        show(type);
+        for (const Date date : dates) {
+            calendar().calendarGoToDate(date);
+            EXPECT_FALSE(window().grab().isNull());
+            run(ActionId::CalendarNext);
+            run(ActionId::CalendarPrevious);
+            for (CalendarGrid *one : calendar().calendarPage()->grids()) {
+                if (one->placed().empty())
+                    continue;
+                const QPointF grip = one->placed().front().frame.center();
+                press(*one, grip);
+                moveTo(*one, grip + QPointF(60, 40));
+                one->cancelDrag();
+                one->setFocus();
+                one->enterColumn(0, 0);
+                for (const Qt::Key pressed : {Qt::Key_Down, Qt::Key_Right, Qt::Key_End, Qt::Key_Home})
+                    QTest::keyClick(one, pressed);
+            }
+        }
+    }
+    // The hour that the clock skips and the one that it repeats.
+    calendar().showCalendar(Type::Day);
+    const TaskPtr night =
+        appointment(u"Night"_s, localDate(2026, 10, 25, 1, 30), localDate(2026, 10, 25, 23, 15));
+    calendar().calendarGoToDate(localDate(2026, 10, 25, 12, 0));
+    ASSERT_TRUE(grid().goToTask(night));
+    pressWithAlt(Qt::Key_Down);
+    EXPECT_EQ(night->startDate(), localDate(2026, 10, 25, 1, 45));
+    calendar().calendarGoToDate(localDate(2026, 10, 25, 12, 0));
+    EXPECT_TRUE(grid().goToTask(night));
+}
