@@ -240,7 +240,13 @@ void CalendarGrid::paintEvent(QPaintEvent *event)
     painter.setRenderHint(QPainter::Antialiasing);
     if (hasFocus() && showsSpot && !isDragging()) {
         const QRectF frame = visual(frameOf(spot));
-        MorvaneStyle::drawFocusRing(painter, frame.adjusted(1, 1, -1, -1), 4, Theme::focusRing);
+        if (spot.isOnItem()) {
+            painter.setPen(QPen(Theme::card, 3));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(frame.adjusted(-1, -1, 1, 1), 4, 4);
+        }
+        const double out = spot.isOnItem() ? 1.5 : -1;
+        MorvaneStyle::drawFocusRing(painter, frame.adjusted(-out, -out, out, out), 4, Theme::focusRing);
     }
     if (dropPlace && !dropPlace->isEmpty()) {
         painter.setPen(QPen(Theme::accent, 1.5));
