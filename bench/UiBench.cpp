@@ -165,13 +165,12 @@ Times changesOfOne(TableViewExtended &list)
     return {times[times.size() / 2], times.back()};
 }
 
-/// A page of the calendar shown anew, read and painted.
-Times pagesOf(CalendarViewController &calendar, CalendarViewController::CalendarType type, QWidget &window)
+/// A page of the calendar shown anew, read and painted once.
+Times pagesOf(CalendarViewController &calendar, CalendarViewController::CalendarType type)
 {
     return timesOf([&](int) {
         calendar.showCalendar(type);
         QApplication::processEvents();
-        window.repaint();
     });
 }
 
@@ -219,14 +218,14 @@ void measureCalendar(CalendarViewController &calendar, QWidget &window)
     const CalendarGrid &hours = *calendar.calendarPage()->mainGrid();
     const Times bareWeek = bareWindow(calendar, window);
     std::printf("%-34s        %7zu\n", "Items among the hours of the week", hours.placed().size());
-    print("Week, fetched to painted", pagesOf(calendar, Type::Week, window), bareWeek);
+    print("Week, fetched to painted", pagesOf(calendar, Type::Week), bareWeek);
     print("A drag step in the week", dragStepsOf(*calendar.calendarPage()->mainGrid(), window));
     calendar.showCalendar(Type::Month);
     QApplication::processEvents();
     const Times bareMonth = bareWindow(calendar, window);
-    print("Month, fetched to painted", pagesOf(calendar, Type::Month, window), bareMonth);
+    print("Month, fetched to painted", pagesOf(calendar, Type::Month), bareMonth);
     print("A drag step in the month", dragStepsOf(*calendar.calendarPage()->mainGrid(), window));
-    print("Day, fetched to painted", pagesOf(calendar, Type::Day, window));
+    print("Day, fetched to painted", pagesOf(calendar, Type::Day));
 }
 
 } // namespace
