@@ -66,7 +66,7 @@ TEST_F(SidebarTest, ACommandGoesToAListAndGivesItTheKeys)
     key(Qt::Key_Home);
     EXPECT_EQ(selectedTitles(), QStringList(u"First"_s));
     outline().setFocus();
-    run(ActionId::ShowCalendar);
+    run(ActionId::ShowCompanies);
     EXPECT_EQ(QApplication::focusWidget(), &outline()) << "A screen without rows takes no keys";
 }
 
