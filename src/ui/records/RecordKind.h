@@ -40,12 +40,12 @@ struct RecordKind
     QString windowName;
     /// What stands in the title bar of the window.
     QString windowTitle;
+    /// Makes the pane of a kind that shows more than its form; empty for one that does not.
+    std::function<RecordPane *(std::unique_ptr<FormModel> form, FormView *view)> pane = {};
     /// A filter for one screen; empty for a kind without.
     std::function<std::shared_ptr<ListFilter>()> filter = {};
     /// Makes what the forms of the kind bring themselves; empty where nothing is.
     FormView::OwnControl ownControl = {};
-    /// Makes the pane of a kind that shows more than its form; empty for one that does not.
-    std::function<RecordPane *(std::unique_ptr<FormModel> form, FormView *view)> pane = {};
     /// Asks and deletes as the kind wants it; empty where nothing but the records goes.
     std::function<void(const std::vector<ObjectPtr> &records, const std::function<void()> &removed,
                        const StepBlock &step)>

@@ -8,6 +8,7 @@
 #include "records/ProjectManager.h"
 #include "records/RecordKind.h"
 #include "records/TaskManager.h"
+#include "shell/projects/ProjectDetailViewController.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/CategoryIcon.h"
 
@@ -72,9 +73,12 @@ RecordKind ProjectKind::description()
                 return record ? std::make_unique<ProjectForm>(std::static_pointer_cast<EntityProject>(record))
                               : std::make_unique<ProjectForm>();
             },
-        .paneName = u"ProjectDetailViewController"_s,
+        .paneName = ProjectDetailViewController::name,
         .windowName = u"WindowNewProjects"_s,
         .windowTitle = localized(u"New Project"_s),
+        .pane = [](std::unique_ptr<FormModel> form, FormView *view) -> RecordPane * {
+            return new ProjectDetailViewController(std::move(form), view);
+        },
         .filter = [] { return std::make_shared<FilterProject>(); },
         .remove = TaskManager::deleteTasks};
 }
