@@ -18,7 +18,7 @@ LinksField::LinksField(FormModel &usedModel, const FormRow &usedRow, QWidget *pa
     , column(new QVBoxLayout(this))
     , adding(new PopUpButton(usedRow.controlName))
 {
-    column->setContentsMargins({});
+    column->setContentsMargins(0, Theme::unit / 2, 0, Theme::unit / 2);
     column->setSpacing(Theme::unit / 2);
     column->addWidget(adding);
     adding->setPlaceholderText(usedRow.placeholder);
@@ -46,6 +46,8 @@ QWidget *LinksField::makeLine(const FormLink &link, bool isEditing)
     layout->setContentsMargins({});
     layout->setSpacing(Theme::unit);
     auto *words = makeTextLabel(firstPart(link.text), Theme::FontRole::Body, Theme::text);
+    words->setAlignment(Qt::AlignVCenter | Qt::AlignAbsolute |
+                        (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft));
     auto *go = makeLineButton(u"buttonGo"_s, isRightToLeft() ? u"chevron-left"_s : u"chevron-right"_s,
                               localized(u"Show %1"_s).arg(firstPart(link.text)));
     connect(go, &QToolButton::clicked, this, [this, link] { Q_EMIT opened(link.record); });

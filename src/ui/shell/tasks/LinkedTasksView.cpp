@@ -10,7 +10,6 @@
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 #include "store/state/NotificationNames.h"
-#include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/LongWork.h"
 #include "widgets/TextBubble.h"
@@ -22,8 +21,8 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QScrollBar>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -90,10 +89,43 @@ private:
     double share = 0;
 };
 
+/// Holds the list, as high as its rows as long as that leaves room for the rest of the pane. The cards in it
+/// begin and end with the form above; where the rows scroll, the bar has its place beside them.
+class ListPlace : public QWidget
+{
+public:
+    explicit ListPlace(TableViewExtended &heldList)
+        : list(heldList)
+    {
+        list.setParent(this);
+    }
+    void setWantedHeight(int height)
+    {
+        isScrolling = height > mostHeight;
+        setFixedHeight(std::min(height, mostHeight));
+        place();
+    }
+
+protected:
+    void resizeEvent(QResizeEvent *) override { place(); }
+
+private:
+    void place()
+    {
+        const int end = isScrolling ? 0 : Theme::contentMargin;
+        list.setGeometry(
+            QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(-Theme::contentMargin, 0, end, 0)));
+    }
+
+    TableViewExtended &list;
+    bool isScrolling = false;
+};
+
 LinkedTasksView::LinkedTasksView(Source source, QWidget *parent)
     : QWidget(parent)
     , model(new LinkedTasksModel(std::move(source), this))
-    , view(new TableViewExtended(this))
+    , view(new TableViewExtended)
+    , listPlace(new ListPlace(*view))
     , commands(new TaskRowCommands(
           *this, [this] { return tasksAt(view->selectedRows()); },
           [this](const auto &, const std::function<void()> &change) { changeInRows(change); }))
@@ -104,7 +136,7 @@ LinkedTasksView::LinkedTasksView(Source source, QWidget *parent)
     column->addWidget(makeHeader());
     progress = new ProgressLine;
     column->addWidget(progress);
-    column->addWidget(view);
+    column->addWidget(listPlace);
     setUpView();
     observe();
     loadTasks();
@@ -235,12 +267,11 @@ void LinkedTasksView::showProgress()
     progress->setVisible(allTasks > 0);
 }
 
-/// As high as its rows, as long as that leaves room for the rest of the pane.
 void LinkedTasksView::fitHeight()
 {
     const RowHeights heights;
     const int rows = allTasks > 0 ? allTasks * heights.item : heights.header;
-    view->setFixedHeight(std::min(rows + heights.below + 1, mostHeight));
+    listPlace->setWantedHeight(rows + heights.below + 1);
 }
 
 std::vector<TaskPtr> LinkedTasksView::tasksAt(const std::set<int> &rows) const

@@ -10,6 +10,7 @@
 #include <functional>
 
 class LinkedTasksModel;
+class ListPlace;
 class ProgressLine;
 class QLabel;
 class TaskRowCommands;
@@ -57,6 +58,7 @@ private:
     QLabel *percent = nullptr;
     ProgressLine *progress = nullptr;
     TableViewExtended *view;
+    ListPlace *listPlace;
     TaskRowCommands *commands;
     int allTasks = 0;
     int completedTasks = 0;
