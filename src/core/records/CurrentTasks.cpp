@@ -10,6 +10,7 @@
 #include "store/queries/RecordRows.h"
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -57,16 +58,22 @@ void CurrentTasks::getAllData()
         for (Predicate &one : predicatesFor(project))
             all.push_back(std::move(one));
     }
-    FetchRequest request =
-        EntityTask::fetchRequest()
-            .where(Predicate::allOf(all))
-            .sortedBy({{"title", true, SortDescriptor::Comparison::LocalizedCaseInsensitive}});
+    // A key for each title is quicker than a comparison of titles for each step of the sorting.
+    std::vector<std::pair<QByteArray, Task>> found;
     const std::string own = object->identifier().toStdString();
+    const FetchRequest request = EntityTask::fetchRequest().where(Predicate::allOf(all));
     mainContext().visit(request, {"title", columnOf(*object)}, [&](const RowReader &row) {
-        tasks.push_back({row.rowId(), row.text(0), {}});
+        const QString title = row.text(0);
+        found.push_back({collationSortKey(title), {row.rowId(), title, {}}});
         if (row.utf8(1) == own)
             linked.insert(row.rowId());
     });
+    std::ranges::sort(found, [](const auto &one, const auto &other) {
+        return std::tie(one.first, one.second.row) < std::tie(other.first, other.second.row);
+    });
+    tasks.reserve(found.size());
+    for (auto &[key, task] : found)
+        tasks.push_back(std::move(task));
 }
 
 /// Titles that begin with no letter come together, whatever stands between them in the order.
