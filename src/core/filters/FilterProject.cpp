@@ -10,10 +10,11 @@ static FilterRow criterionRow(int tag, const QString &key, Editor editor = Edito
 }
 
 FilterProject::FilterProject()
-    : ListFilter(SavedFilter::ofProjects(),
-                 {criterionRow(1, QStringLiteral("Title"), Editor::Text),
-                  criterionRow(2, QStringLiteral("Category")), criterionRow(3, QStringLiteral("Status")),
-                  criterionRow(4, QStringLiteral("Priority")),
-                  criterionRow(5, QStringLiteral("Period"), Editor::Period),
-                  criterionRow(6, QStringLiteral("Delegate"), Editor::Contacts)})
+    : ListFilter(SavedFilter::ofProjects(), {{1, QStringLiteral("Title"), localized(QStringLiteral("Title")),
+                                              Editor::Text, localized(QStringLiteral("Type project title"))},
+                                             criterionRow(2, QStringLiteral("Category")),
+                                             criterionRow(3, QStringLiteral("Status")),
+                                             criterionRow(4, QStringLiteral("Priority")),
+                                             criterionRow(5, QStringLiteral("Period"), Editor::Period),
+                                             criterionRow(6, QStringLiteral("Delegate"), Editor::Contacts)})
 {}

@@ -51,6 +51,13 @@ std::string_view FormModel::entityOfChoices(int) const
     return {};
 }
 
+std::vector<FormLink> FormModel::links(int) const
+{
+    return {};
+}
+
+void FormModel::unlink(int, const ObjectPtr &) {}
+
 FormDate FormModel::date(int) const
 {
     return {};

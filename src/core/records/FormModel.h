@@ -31,6 +31,8 @@ struct FormRow
         Choice,
         /// A day or a moment, picked in a bubble.
         Date,
+        /// Any number of records, each in a line from which it is opened; more are added from a pop-up.
+        Links,
         /// What the kind of record brings with it.
         Own,
     };
@@ -45,7 +47,7 @@ struct FormRow
     int height = 40;
     /// Whether its value can be cleared.
     bool isClearable = false;
-    /// What an empty text field says.
+    /// What an empty text field says, and the pop-up that adds a record.
     QString placeholder = {};
     /// What a date picker of the row asks for.
     DatePickerState::Type picker = DatePickerState::Type::StartDate;
@@ -58,6 +60,13 @@ struct FormChoice
     FormMark mark = {};
     /// A line that cannot be chosen.
     bool isHeading = false;
+};
+
+/// One of the records that a row links.
+struct FormLink
+{
+    ObjectPtr record;
+    QString text;
 };
 
 /// What a date row shows.
@@ -113,6 +122,9 @@ public:
     virtual void choose(int row, int place);
     /// The entity whose records are offered, so that the choices change with them; empty for none.
     virtual std::string_view entityOfChoices(int row) const;
+    /// The linked records in their order; `choices` has those that can be added.
+    virtual std::vector<FormLink> links(int row) const;
+    virtual void unlink(int row, const ObjectPtr &record);
     virtual FormDate date(int row) const;
     /// What a bubble is to show; it stays closed unless `showPopover` is set.
     virtual DatePickerState openPicker(int row);

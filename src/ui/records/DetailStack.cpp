@@ -170,6 +170,9 @@ void DetailStack::add(DetailViewController *detail)
     detail->setParent(&content);
     connect(detail, &DetailViewController::backRequested, this, [this, detail] { requestBack(detail); });
     connect(detail, &DetailViewController::textLeft, this, &DetailStack::textLeft);
+    connect(detail, &DetailViewController::newTaskWanted, this, &DetailStack::newTaskWanted);
+    connect(detail, &DetailViewController::recordWanted, this,
+            [this, detail](const ObjectPtr &record) { Q_EMIT recordWanted(record, detail); });
     connect(detail, &DetailViewController::recordRemoved, this,
             [this, detail] { removeWhere([detail](const auto *pane) { return pane == detail; }); });
 }

@@ -61,6 +61,10 @@ public:
 Q_SIGNALS:
     /// What was typed for a record that is no more lies in this file.
     void textLeft(const QString &draftFile);
+    /// The user wants to see another record from a pane.
+    void recordWanted(const ObjectPtr &record, DetailViewController *from);
+    /// The user wants to write a task down from a pane.
+    void newTaskWanted(const NewTaskRequest &request);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -2,6 +2,7 @@
 
 #include "objectstore/ManagedObject.h"
 #include "records/LeaveGate.h"
+#include "records/NewTaskRequest.h"
 
 #include <QWidget>
 
@@ -48,6 +49,10 @@ Q_SIGNALS:
     void recordRemoved();
     /// The record can take no more what was typed for it, which lies in this file now.
     void textLeft(const QString &draftFile);
+    /// The user wants to see another record from here, in a pane over this one.
+    void recordWanted(const ObjectPtr &record);
+    /// The user wants to write a task down from here.
+    void newTaskWanted(const NewTaskRequest &request);
     /// The pane has gone.
     void dismissDeteilViewController();
 

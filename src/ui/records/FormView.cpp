@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "records/DatePickerControl.h"
+#include "records/LinksField.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/CheckButton.h"
@@ -82,6 +83,12 @@ void FormView::openPicker(int row)
 
 // Rows
 
+/// Whether the control of a row can be higher than the row, and shows its value in both modes itself.
+static bool isTall(Editor editor)
+{
+    return editor == Editor::Title || editor == Editor::Text || editor == Editor::Links;
+}
+
 void FormView::addRow(const FormRow &row)
 {
     auto *view = new RowItemView(row.id, row.name, row.height, this);
@@ -89,7 +96,7 @@ void FormView::addRow(const FormRow &row)
         view->setLabel(label);
     view->setControl(makeControl(row));
     layout()->addWidget(view);
-    if (row.editor == Editor::Title || row.editor == Editor::Text)
+    if (isTall(row.editor))
         view->setGrows();
     if (row.editor == Editor::Title && checkDone)
         view->setInset(checkBoxInset);
@@ -120,6 +127,8 @@ QWidget *FormView::makeControl(const FormRow &row)
         return makeChoice(row);
     case Editor::Date:
         return makeDate(row);
+    case Editor::Links:
+        return makeLinks(row);
     case Editor::Own:
         break;
     }
@@ -196,6 +205,20 @@ QWidget *FormView::makeDate(const FormRow &row)
     syncs.push_back([control] { control->showValue(); });
     pickers[row.id] = control;
     return picker;
+}
+
+/// What can be added changes with what is linked.
+QWidget *FormView::makeLinks(const FormRow &row)
+{
+    auto *field = new LinksField(model, row);
+    fillings.push_back({field->popUp(), row.id, true});
+    connect(field, &LinksField::opened, this, &FormView::linkOpened);
+    connect(field, &LinksField::linksChanged, this, [this, number = row.id] {
+        std::ranges::find(fillings, number, &Filling::row)->isDue = true;
+        QMetaObject::invokeMethod(this, &FormView::fillDue, Qt::QueuedConnection);
+    });
+    syncs.push_back([this, field] { field->showLinks(editing); });
+    return field;
 }
 
 QWidget *FormView::makeOwnControl(const FormRow &row)
@@ -333,7 +356,7 @@ void FormView::refreshRow(const Row &row)
     view.setError(model.error(number));
     view.setHasValue(model.hasValue(number) && editing);
     const bool isGiven = model.isGiven(number);
-    if (row.about.editor != Editor::Text) {
+    if (!isTall(row.about.editor)) {
         view.setPreview(model.text(number), iconOf(model.mark(number)));
         view.setPreviewing(!editing || isGiven);
     }

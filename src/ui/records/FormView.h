@@ -12,6 +12,7 @@
 class CheckButton;
 class DatePickerControl;
 class GrowingTextField;
+class LinksField;
 class PopUpButton;
 class RowItemView;
 
@@ -45,6 +46,8 @@ Q_SIGNALS:
     void doneToggled(bool done);
     /// A double click on words: the user wants to edit.
     void editWanted();
+    /// The user wants to see a record that a row links.
+    void linkOpened(const ObjectPtr &record);
 
 protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
@@ -63,6 +66,7 @@ private:
     GrowingTextField *makeText(const FormRow &row, bool isTitle);
     QWidget *makeChoice(const FormRow &row);
     QWidget *makeDate(const FormRow &row);
+    QWidget *makeLinks(const FormRow &row);
     QWidget *makeOwnControl(const FormRow &row);
     void makeDeletable(const Row &row);
     void openPicker(int row);

@@ -119,7 +119,7 @@ RecordPane *RecordKind::makePane(const ObjectPtr &record) const
 {
     std::unique_ptr<FormModel> model = form(record);
     auto *view = new FormView(*model, ownControl);
-    return new RecordPane(paneName, std::move(model), view);
+    return pane ? pane(std::move(model), view) : new RecordPane(paneName, std::move(model), view);
 }
 
 RecordWindow *RecordKind::makeWindow(QWidget *parent) const

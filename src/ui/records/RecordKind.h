@@ -40,6 +40,8 @@ struct RecordKind
     QString windowName;
     /// What stands in the title bar of the window.
     QString windowTitle;
+    /// Makes the pane of a kind that shows more than its form; empty for one that does not.
+    std::function<RecordPane *(std::unique_ptr<FormModel> form, FormView *view)> pane = {};
     /// A filter for one screen; empty for a kind without.
     std::function<std::shared_ptr<ListFilter>()> filter = {};
     /// Makes what the forms of the kind bring themselves; empty where nothing is.

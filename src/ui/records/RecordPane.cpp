@@ -42,6 +42,7 @@ RecordPane::RecordPane(const QString &name, std::unique_ptr<FormModel> form, For
     connect(view, &FormView::accepted, this, &RecordPane::clickButtonEdit);
     connect(view, &FormView::doneToggled, this, &RecordPane::ticked);
     connect(view, &FormView::editWanted, this, &RecordPane::editAttempted);
+    connect(view, &FormView::linkOpened, this, &RecordPane::recordWanted);
     connect(view, &FormView::changed, this, [this] { keeper.formChanged(); });
     observeStore();
     view->setEditing(false);
@@ -100,6 +101,13 @@ void RecordPane::addToHeader(QWidget *widget)
     headerLine->insertWidget(headerLine->count() - 1, widget);
     setTabOrder(buttonBack, widget);
     setTabOrder(widget, buttonEdit);
+}
+
+/// It has the width of the form above it.
+void RecordPane::addToBody(QWidget *widget)
+{
+    widget->setMaximumWidth(view->maximumWidth());
+    bodyColumn->insertWidget(bodyColumn->indexOf(labelCreated), widget);
 }
 
 QWidget *RecordPane::makeBody()

@@ -68,6 +68,8 @@ protected:
 
     /// Between "Back" and "Edit".
     void addToHeader(QWidget *widget);
+    /// Below the form.
+    void addToBody(QWidget *widget);
     void observe(Observation observation) { observations.push_back(std::move(observation)); }
     /// Takes over what changed, once the program listens.
     void refreshSoon() { refreshTimer.start(0); }

@@ -28,6 +28,12 @@ QRect TabsViewController::placeOf(const TaskPtr &) const
     return {rect().topLeft(), QSize(width(), 1)};
 }
 
+void TabsViewController::setAvailableTypes(const QList<ToolBarButton::ActionType> &types)
+{
+    for (auto *button : bar->findChildren<ToolBarButton *>())
+        button->setAvailableTypes(types);
+}
+
 ToolBarButton *TabsViewController::addButton(ToolBarButton::ActionType type)
 {
     auto *button = new ToolBarButton(type);

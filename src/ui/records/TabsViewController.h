@@ -29,6 +29,8 @@ public:
     /// The screen is about to be left for good.
     virtual void clearController() {}
 
+    /// The kinds of records whose window the menu of the add button can open.
+    void setAvailableTypes(const QList<ToolBarButton::ActionType> &types);
     /// What the add button gives a new task of this screen.
     virtual NewTaskRequest newTaskRequest() const { return {}; }
 

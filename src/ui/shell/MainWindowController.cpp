@@ -64,6 +64,8 @@ void MainWindowController::windowDidLoad()
         [this](const QModelIndex &index) { return !isShown(index) && details->hasChanges(); },
         [this] { return details->mayLeave(); });
     connect(details.get(), &DetailStack::textLeft, this, &MainWindowController::openLeftText);
+    connect(details.get(), &DetailStack::recordWanted, this, &MainWindowController::showOver);
+    connect(details.get(), &DetailStack::newTaskWanted, this, &MainWindowController::showNewTask);
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     badgeRecount.setSingleShot(true);
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
@@ -296,6 +298,7 @@ void MainWindowController::show(TabsViewController *newScreen)
     screen = newScreen;
     newScreen->setDetailStack(details.get());
     connect(newScreen, &TabsViewController::buttonAdd, this, &MainWindowController::buttonAdd);
+    newScreen->setAvailableTypes(Screens::addable());
     connect(newScreen, &TabsViewController::whyRequested, this, &MainWindowController::explainPlace);
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::update);
     newScreen->reloadData();

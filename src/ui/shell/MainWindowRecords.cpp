@@ -44,6 +44,17 @@ void MainWindowController::showNewTask(const NewTaskRequest &request)
     showNewWindow(u"WindowNewTask"_s, [&] { return new WindowNewTask(request, mainWindow.get()); });
 }
 
+/// A kind without a pane has nothing to show.
+void MainWindowController::showOver(const ObjectPtr &record, DetailViewController *from)
+{
+    if (const auto task = std::dynamic_pointer_cast<EntityTask>(record))
+        TaskDetailViewController::showTask(task, *from, *details);
+    else if (DetailViewController *const open = details->paneOf(record))
+        details->showAgain(open);
+    else if (const auto kind = Screens::kindOf(record->entity().name()))
+        details->showDetail(kind->makePane(record), from);
+}
+
 void MainWindowController::newTask(const MarkedSpan &dates, TimePeriod timePeriod)
 {
     showNewTask(NewTaskRequest::ofCalendar(dates, timePeriod));

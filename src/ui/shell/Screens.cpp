@@ -8,6 +8,7 @@
 #include "shell/categories/CategoriesViewController.h"
 #include "shell/home/HomeTabViewController.h"
 #include "shell/notes/NoteKind.h"
+#include "shell/projects/ProjectKind.h"
 #include "shell/tasks/TaskScreens.h"
 
 #include <array>
@@ -18,12 +19,10 @@ static TabsViewController *makeNew()
     return new Screen;
 }
 
-/// A project opens in a pane once its kind is described.
 static TabsViewController *makeHome()
 {
     return new HomeTabViewController([](const ObjectPtr &project) -> DetailViewController * {
-        const auto kind = Screens::kindOf(EntityProject::entityName);
-        return kind ? kind->makePane(project) : nullptr;
+        return Screens::kindOf(EntityProject::entityName)->makePane(project);
     });
 }
 
@@ -31,8 +30,8 @@ using Item = SidebarItem;
 
 static const std::array screens = {
     ScreenDescription{Item::Home, u"Home", u"home", makeHome},
-    ScreenDescription{Item::Projects, u"Projects", u"project", nullptr,
-                      u"Projects gather the tasks that belong together.", EntityProject::entityName},
+    ScreenDescription{Item::Projects, u"Projects", u"project", nullptr, u"", EntityProject::entityName,
+                      ProjectKind::description, ToolBarButton::NewProject},
     ScreenDescription{Item::Contacts, u"Contacts", u"contacts"},
     ScreenDescription{Item::Tasks, u"Tasks", u"tasks"},
     ScreenDescription{Item::Calendar, u"Calendar", u"calendar", makeNew<CalendarViewController>},
@@ -80,6 +79,16 @@ TabsViewController *Screens::make(SidebarItem item, const QString &title)
     if (screen.describe)
         return described(screen).makeScreen();
     return screen.make ? screen.make() : new RestingScreen(title, screen);
+}
+
+QList<ToolBarButton::ActionType> Screens::addable()
+{
+    QList<ToolBarButton::ActionType> types = {ToolBarButton::NewTask};
+    for (const ScreenDescription &screen : screens) {
+        if (screen.describe)
+            types.append(screen.adds);
+    }
+    return types;
 }
 
 std::optional<RecordKind> Screens::kindAddedBy(ToolBarButton::ActionType type)

@@ -39,6 +39,8 @@ const ScreenDescription *showing(std::string_view entity);
 /// Makes the screen of an item. \param title what stands above it.
 TabsViewController *make(SidebarItem item, const QString &title);
 
+/// What the windows for new records can be opened for: tasks, and the described kinds.
+QList<ToolBarButton::ActionType> addable();
 /// The kind of record that a button adds; absent for one that is not described.
 std::optional<RecordKind> kindAddedBy(ToolBarButton::ActionType type);
 /// The same by the entity.

@@ -29,8 +29,13 @@ static float component(std::optional<double> stored, double otherwise)
     return static_cast<float>(stored.value_or(otherwise));
 }
 
+QColor CategoryIcon::colorOf(const EntityCategory &category)
+{
+    return QColor::fromRgbF(component(category.colorR(), 0), component(category.colorG(), 0),
+                            component(category.colorB(), 0), component(category.colorA(), 1));
+}
+
 QIcon CategoryIcon::of(const EntityCategory &category)
 {
-    return circle(QColor::fromRgbF(component(category.colorR(), 0), component(category.colorG(), 0),
-                                   component(category.colorB(), 0), component(category.colorA(), 1)));
+    return circle(colorOf(category));
 }

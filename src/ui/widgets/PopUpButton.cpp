@@ -109,6 +109,11 @@ void PopUpButton::paintEvent(QPaintEvent *)
     const QRect place =
         style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
     const int iconWidth = option.currentIcon.isNull() ? 0 : option.iconSize.width() + Theme::unit / 2;
+    if (currentIndex() < 0 && !placeholderText().isEmpty()) {
+        option.currentText = placeholderText();
+        option.palette.setColor(QPalette::ButtonText, Theme::secondaryText);
+        option.palette.setColor(QPalette::Text, Theme::secondaryText);
+    }
     option.currentText = fontMetrics().elidedText(option.currentText, Qt::ElideRight,
                                                   place.width() - iconWidth - Theme::unit / 2);
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);

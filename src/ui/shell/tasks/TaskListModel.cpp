@@ -16,8 +16,13 @@ TaskListModel::TaskListModel(ListType list, QObject *parent)
 
 void TaskListModel::fetch()
 {
+    setRows(query().fetch());
+}
+
+void TaskListModel::setRows(TaskRows rows)
+{
     beginResetModel();
-    dataSourceTasks = query().fetch();
+    dataSourceTasks = std::move(rows);
     endResetModel();
 }
 
@@ -145,17 +150,25 @@ QString TaskListModel::headerText(const GroupHeader &header)
     return std::visit(HeaderText(), header);
 }
 
+TaskRowContent TaskListModel::contentOf(const EntityTask &task) const
+{
+    TaskRowContent content = TaskRowContent::of(task, type);
+    if (!showsProject)
+        content.project.clear();
+    return content;
+}
+
 QVariant TaskListModel::taskData(const EntityTask &task, int role) const
 {
     switch (role) {
     case Qt::DisplayRole:
         return task.title();
     case ContentRole:
-        return QVariant::fromValue(TaskRowContent::of(task, type));
+        return QVariant::fromValue(contentOf(task));
     case Qt::AccessibleTextRole:
-        return spoken(TaskRowContent::of(task, type));
+        return spoken(contentOf(task));
     case Qt::CheckStateRole: {
-        const TaskRowContent content = TaskRowContent::of(task, type);
+        const TaskRowContent content = contentOf(task);
         if (!content.hasCheckBox)
             return {};
         return content.isChecked ? Qt::Checked : Qt::Unchecked;

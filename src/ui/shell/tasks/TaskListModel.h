@@ -30,13 +30,21 @@ public:
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 
+    /// In a list of one project its title would stand in each row.
+    void setShowsProject(bool shows) { showsProject = shows; }
+
     /// The words of a group's header.
     static QString headerText(const GroupHeader &header);
 
+protected:
+    void setRows(TaskRows rows);
+
 private:
+    TaskRowContent contentOf(const EntityTask &task) const;
     QVariant taskData(const EntityTask &task, int role) const;
 
     ListType type;
     std::function<TaskListQuery()> query;
     TaskRows dataSourceTasks;
+    bool showsProject = true;
 };

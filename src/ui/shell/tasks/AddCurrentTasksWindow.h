@@ -1,0 +1,35 @@
+#pragma once
+
+#include "records/CurrentTasks.h"
+
+#include <QWidget>
+
+class CheckList;
+class QLabel;
+class QLineEdit;
+
+/// The window in which tasks that exist are linked to a project, a contact or a company: their titles under
+/// letters, with a mark at those that are linked.
+class AddCurrentTasksWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    /// \param object what the tasks are linked to.
+    AddCurrentTasksWindow(ObjectPtr object, QWidget *parent);
+
+    void showWindow();
+    void clickButtonDone();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void showRows();
+    void tellCount();
+    void toggle(int row);
+
+    CurrentTasks tasks;
+    QLineEdit *fieldSearch;
+    CheckList *list;
+    QLabel *labelEmpty;
+};
