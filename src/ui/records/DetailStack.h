@@ -21,6 +21,8 @@ public:
     ~DetailStack() override;
 
     bool isEmpty() const { return panes.empty(); }
+    /// Whether the content area can be seen; not before the window has been opened.
+    bool isSeen() const { return content.isVisible(); }
     /// The pane on top, or null.
     DetailViewController *top() const;
     /// What panes are about.

@@ -118,12 +118,17 @@ void HomeTabViewController::showDayCalendar()
 
 void HomeTabViewController::showDay()
 {
+    shownDay = Calendar::current().startOfDay(Clock::now());
+    showToday();
+    showDayCalendar();
+}
+
+void HomeTabViewController::showToday()
+{
     const Date now = Clock::now();
-    shownDay = Calendar::current().startOfDay(now);
     labelDay->setText(DateFormatter::string(now, u"d"_s));
     labelWeekday->setText(DateFormatter::string(now, u"EEEE"_s));
     labelMonth->setText(DateFormatter::string(now, u"LLLL yyyy"_s));
-    showDayCalendar();
 }
 
 void HomeTabViewController::resizeEvent(QResizeEvent *event)
@@ -142,6 +147,8 @@ void HomeTabViewController::resizeEvent(QResizeEvent *event)
 /// A quiet line between the parts.
 void HomeTabViewController::paintEvent(QPaintEvent *)
 {
+    if (std::exchange(waitsForPaint, false))
+        QTimer::singleShot(0, this, &HomeTabViewController::load);
     QPainter painter(this);
     const HomeColumns columns = HomeColumns::of(size());
     const auto fill = [&](const QRect &line) {
@@ -181,8 +188,12 @@ void HomeTabViewController::reloadSoon()
     week->reloadSoon();
 }
 
+/// The first screen of a start lets the window be painted before it asks the store.
 void HomeTabViewController::reloadData()
 {
+    waitsForPaint = detailStack() && !detailStack()->isSeen() && !shownDay;
+    if (waitsForPaint)
+        return showToday();
     notePanes();
     showDay();
     loadOverdueTasks();
@@ -190,6 +201,12 @@ void HomeTabViewController::reloadData()
     setFocusProxy(overdue->hasItems() || !week->hasItems() ? overdue : week);
     lookAtClock();
     Q_EMIT commandsChanged();
+}
+
+void HomeTabViewController::load()
+{
+    if (!shownDay)
+        reloadData();
 }
 
 void HomeTabViewController::updateRows()

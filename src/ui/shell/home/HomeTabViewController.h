@@ -18,7 +18,7 @@ class HomeTabViewController : public TabsViewController
 {
     Q_OBJECT
 public:
-    /// Makes the pane about a project; null while there is none for projects.
+    /// Makes the pane about a project.
     using MakeProjectPane = std::function<DetailViewController *(const ObjectPtr &project)>;
 
     explicit HomeTabViewController(MakeProjectPane makeProjectPane, QWidget *parent = nullptr);
@@ -61,6 +61,8 @@ private:
     void reloadSoon();
     void lookAtClock();
     void showDay();
+    void showToday();
+    void load();
     HomeBlockView *activeBlock() const;
     TaskPtr selectedEvent() const;
     void blockSelected(HomeBlockView *block);
@@ -84,6 +86,8 @@ private:
     CalendarItemCommands *eventCommands;
     /// Something is being selected in the calendar, for which the lists give way.
     bool isEventSelected = false;
+    /// Nothing was fetched yet: the window is to be painted first.
+    bool waitsForPaint = false;
     /// The day on which all of it was fetched.
     OptionalDate shownDay;
     QTimer clockTimer;
