@@ -136,10 +136,12 @@ void HomeRows::follow(const HomeRows &wanted, RowsWatcher &watcher)
     // the rows above keep their numbers.
     int oldEnd = size();
     int newEnd = wanted.size();
-    for (auto stays = staying.rbegin(); newEnd >= 0; ++stays) {
-        const bool isTop = stays == staying.rend();
-        const int first = isTop ? 0 : static_cast<int>(*stays) + 1;
-        const int goal = isTop ? 0 : goals[*stays] + 1;
+    std::size_t left = staying.size();
+    while (newEnd >= 0) {
+        const bool isTop = left == 0;
+        const std::size_t stays = isTop ? 0 : staying[--left];
+        const int first = isTop ? 0 : static_cast<int>(stays) + 1;
+        const int goal = isTop ? 0 : goals[stays] + 1;
         if (first < oldEnd) {
             watcher.willRemove(first, oldEnd - 1);
             replace(first, oldEnd - first, {});
