@@ -6,6 +6,7 @@
 #include "foundation/Calendar.h"
 #include "foundation/Clock.h"
 #include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
 #include "records/NewTaskRequest.h"
 #include "records/calendars/AllDayLanes.h"
 #include "records/dates/MVDate.h"
@@ -16,6 +17,7 @@
 #include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -47,6 +49,16 @@ DaysCalendarView::DaysCalendarView(int days, QWidget *parent)
     if (days > 1) {
         header = new DaysLineWeek(this);
         header->setObjectName(u"headerView"_s);
+        setTabOrder(header, lanes);
+    } else {
+        allDayLabel = new QToolButton(this);
+        allDayLabel->setObjectName(u"allDayLabel"_s);
+        allDayLabel->setAutoRaise(true);
+        allDayLabel->setFont(Theme::font(Theme::FontRole::SmallStrong));
+        allDayLabel->setText(localized(u"All day"_s));
+        allDayLabel->setToolTip(localized(u"New task for the whole day"_s));
+        connect(allDayLabel, &QToolButton::clicked, this, &DaysCalendarView::newAllDayEvent);
+        setTabOrder(allDayLabel, lanes);
     }
     setTabOrder(lanes, timed);
     setFocusProxy(timed);
@@ -106,6 +118,12 @@ void DaysCalendarView::connectParts()
     }
     connect(lanes, &CalendarGrid::reloaded, this, &DaysCalendarView::setSizeScrollViews);
     connect(lanes, &CalendarGrid::reloaded, this, &DaysCalendarView::countItems);
+}
+
+void DaysCalendarView::newAllDayEvent()
+{
+    NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask,
+                                             {MVDate::getStartOfDay(date()), MVDate::getEndOfDay(date())});
 }
 
 /// Where there is nothing for whole days, an empty lane stands while the keyboard is there.
@@ -189,13 +207,20 @@ void DaysCalendarView::scrollToFirst()
 void DaysCalendarView::setSizeScrollViews()
 {
     const int bar = timedScroll->verticalScrollBar()->sizeHint().width();
-    const int headerHeight = header ? DaysLineWeek::neededHeight() : 0;
+    const bool isLabelled = allDayLabel && lanes->laneCount() == 0 && !isLaneWanted;
+    const QSize labelSize = isLabelled ? allDayLabel->sizeHint() : QSize();
+    const int headerHeight = header ? DaysLineWeek::neededHeight() : std::max(0, labelSize.height());
     const int emptyLane = isLaneWanted ? AllDayLanes{{}, metrics}.laneHeight() : 0;
     const int area = std::max(emptyLane, static_cast<int>(lanes->areaHeight()));
     const bool scrolls = lanes->documentHeight() > lanes->areaHeight();
     const int line = lanes->laneCount() > 0 ? 2 : dayCount > 1 ? 1 : 0;
     if (header)
         header->setGeometry(0, 0, width(), headerHeight);
+    if (allDayLabel) {
+        allDayLabel->setVisible(isLabelled);
+        allDayLabel->setGeometry(
+            QRect(isRightToLeft() ? width() - labelSize.width() : 0, 0, labelSize.width(), headerHeight));
+    }
     const int laneWidth = scrolls ? width() : width() - bar;
     laneScroll->setGeometry(isRightToLeft() ? width() - laneWidth : 0, headerHeight, laneWidth, area);
     lanes->setFixedHeight(std::max({1, emptyLane, static_cast<int>(lanes->documentHeight())}));

@@ -7,6 +7,7 @@ class DaysLineWeek;
 class EventGridWeek;
 class EventsForDaysGridWeek;
 class QScrollArea;
+class QToolButton;
 
 /// Days side by side: whole-day ToDos above, the hours below.
 class DaysCalendarView : public CalendarPage
@@ -21,6 +22,8 @@ public:
     bool hasClash() const override;
     /// Scrolls the hours by a page.
     void scrollPage(int step);
+    /// A new task for the whole of the day that is shown.
+    void newAllDayEvent();
 
     std::unique_ptr<CalendarPage> copyForPaper() const override;
     void fitToPaper(double ratio) override;
@@ -56,6 +59,8 @@ private:
     int dayCount;
     DayGridMetrics metrics;
     DaysLineWeek *header = nullptr;
+    /// Says where whole-day tasks go while a single day has none.
+    QToolButton *allDayLabel = nullptr;
     EventsForDaysGridWeek *lanes;
     EventGridWeek *timed;
     QScrollArea *laneScroll;

@@ -3,19 +3,24 @@
 #include "foundation/Localization.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Direction.h"
+#include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
 #include <QAccessibleActionInterface>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
 DaysLineWeek::DaysLineWeek(QWidget *parent)
     : QWidget(parent)
 {
+    setFocusPolicy(Qt::TabFocus);
     AccessibleParts parts{.count = [this] { return static_cast<int>(days.size()); },
                           .part =
                               [this](quint64 key) {
@@ -29,10 +34,13 @@ DaysLineWeek::DaysLineWeek(QWidget *parent)
                                       part.description = localized(u"Appointments at the same time"_s);
                                   if (isQuiet)
                                       return part;
+                                  part.state.focusable = true;
+                                  part.state.focused = hasFocus() && column == current;
                                   part.actions = {{QAccessibleActionInterface::pressAction(),
                                                    [this, date = day.date] { Q_EMIT dayPressed(date); }}};
                                   return part;
-                              }};
+                              },
+                          .focused = [this] { return static_cast<quint64>(current) + 1; }};
     Accessibility::describe(
         *this,
         {.role = QAccessible::List, .name = [] { return localized(u"Days"_s); }, .parts = std::move(parts)});
@@ -41,6 +49,7 @@ DaysLineWeek::DaysLineWeek(QWidget *parent)
 void DaysLineWeek::setDays(std::vector<Day> newDays, int leading, int trailing)
 {
     days = std::move(newDays);
+    current = std::min(current, static_cast<int>(days.size()) - 1);
     leadingSpace = leading;
     trailingSpace = trailing;
     Accessibility::partsReplaced(*this);
@@ -50,6 +59,7 @@ void DaysLineWeek::setDays(std::vector<Day> newDays, int leading, int trailing)
 void DaysLineWeek::setQuiet()
 {
     isQuiet = true;
+    setFocusPolicy(Qt::NoFocus);
     setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
@@ -106,6 +116,8 @@ void DaysLineWeek::paintEvent(QPaintEvent *)
         }
         painter.setPen(day.isToday ? Theme::selectedText : Theme::text);
         Direction::drawWords(painter, place, Qt::AlignCenter, words);
+        if (hasFocus() && column == current)
+            MorvaneStyle::drawFocusRing(painter, place.adjusted(2, 1, -2, -1), 4, Theme::focusRing);
         if (!day.hasClash)
             continue;
         QRectF mark(0, 0, dot, dot);
@@ -127,6 +139,45 @@ void DaysLineWeek::mouseReleaseEvent(QMouseEvent *event)
         Q_EMIT dayPressed(date);
     else if (event->button() == Qt::RightButton)
         Q_EMIT dayMenuWanted(date);
+}
+
+void DaysLineWeek::goTo(int column)
+{
+    current = std::clamp(column, 0, static_cast<int>(days.size()) - 1);
+    Accessibility::focusMoved(*this);
+    update();
+}
+
+void DaysLineWeek::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    const auto today = std::ranges::find_if(days, &Day::isToday);
+    goTo(today == days.end() ? current : static_cast<int>(today - days.begin()));
+}
+
+void DaysLineWeek::keyPressEvent(QKeyEvent *event)
+{
+    const int on = isRightToLeft() ? -1 : 1;
+    const Date date = days[static_cast<size_t>(current)].date;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return goTo(current - on);
+    case Qt::Key_Right:
+        return goTo(current + on);
+    case Qt::Key_Home:
+        return goTo(0);
+    case Qt::Key_End:
+        return goTo(static_cast<int>(days.size()) - 1);
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        return Q_EMIT dayPressed(date);
+    case Qt::Key_Menu:
+    case Qt::Key_N:
+        return Q_EMIT dayMenuWanted(date);
+    default:
+        QWidget::keyPressEvent(event);
+    }
 }
 
 bool DaysLineWeek::event(QEvent *event)

@@ -6,7 +6,8 @@
 
 #include <vector>
 
-/// The line above the columns of a calendar that says which day each is.
+/// The line above the columns of a calendar that says which day each is. A day opens on a press, or by keys:
+/// the arrows go along the days, Return presses one, and the menu key does what the secondary button does.
 class DaysLineWeek : public QWidget
 {
     Q_OBJECT
@@ -38,14 +39,19 @@ Q_SIGNALS:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     bool event(QEvent *event) override;
 
 private:
     QRectF cell(int column) const;
     int columnAt(QPointF point) const;
+    void goTo(int column);
 
     std::vector<Day> days;
     int leadingSpace = 0;
     int trailingSpace = 0;
     bool isQuiet = false;
+    /// The day that the keyboard is on.
+    int current = 0;
 };

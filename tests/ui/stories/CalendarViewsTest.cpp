@@ -24,6 +24,7 @@
 #include <QPainter>
 #include <QPrinter>
 #include <QPushButton>
+#include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
 using Type = CalendarViewController::CalendarType;
@@ -634,6 +635,36 @@ TEST_F(CalendarViewsTest, PaperShowsWhatTheScreenDoes)
         }
         EXPECT_GT(ofItems, 1500) << static_cast<int>(type);
     }
+}
+
+TEST_F(CalendarViewsTest, DaysAreReachedWithoutTheMouseAndWholeDaysWithIt)
+{
+    show(Type::Day);
+    auto &allDay = find<QToolButton>(calendar(), "allDayLabel");
+    ASSERT_TRUE(allDay.isVisible());
+    QTest::mouseClick(&allDay, Qt::LeftButton);
+    settle();
+    ASSERT_NE(newTaskWindow(), nullptr);
+    QTest::keyClicks(QApplication::focusWidget(), u"Stocktaking"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    settle();
+    ASSERT_EQ(lanes().laneCount(), 1);
+    const TaskPtr task = lanes().events().front().task();
+    EXPECT_EQ(task->title(), u"Stocktaking"_s);
+    EXPECT_EQ(task->startDate(), at(21, 0));
+    EXPECT_FALSE(allDay.isVisible());
+
+    show(Type::Week);
+    auto &header = find<QWidget>(calendar(), "headerView");
+    header.setFocus(Qt::TabFocusReason);
+    QAccessibleInterface *focused = Reader::of(header).focusChild();
+    ASSERT_NE(focused, nullptr);
+    EXPECT_TRUE(focused->text(QAccessible::Name).contains(u"21"_s));
+    QTest::keyClick(&header, Qt::Key_Left);
+    QTest::keyClick(&header, Qt::Key_Left);
+    QTest::keyClick(&header, Qt::Key_Return);
+    EXPECT_EQ(calendar().currentTypeCalendar(), Type::Day);
+    EXPECT_EQ(Calendar::current().startOfDay(calendar().currentDate()), at(19, 0));
 }
 
 TEST_F(CalendarViewsTest, AbsurdItemsAreShownAndMoved)
