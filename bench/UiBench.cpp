@@ -199,6 +199,33 @@ Times dragStepsOf(CalendarGrid &grid, QWidget &window)
     return steps;
 }
 
+/// A slide to the next week: the wait from the press to its first picture, and how long the window needs for
+/// each of the others.
+void measureSlides(CalendarViewController &calendar, QWidget &window)
+{
+    constexpr int slides = 5;
+    Animations::setEnabled(true);
+    std::vector<double> frames;
+    std::vector<double> starts;
+    for (int round = 0; round < slides; ++round) {
+        starts.push_back(measured([&] {
+            calendar.daysControllerSelectButton(round % 2 ? -1 : 1);
+            window.repaint();
+        }));
+        QElapsedTimer slid;
+        slid.start();
+        while (!slid.hasExpired(Animations::duration(Animations::calendarSlide) + 50)) {
+            QApplication::processEvents(QEventLoop::AllEvents);
+            frames.push_back(measured([&] { window.repaint(); }));
+        }
+    }
+    Animations::setEnabled(false);
+    std::sort(frames.begin(), frames.end());
+    std::sort(starts.begin(), starts.end());
+    print("A slide, press to first frame", {starts[starts.size() / 2], starts.back()});
+    print("A frame of a slide", {frames[frames.size() / 2], frames.back()});
+}
+
 /// The same window, painted with nothing in its calendar.
 Times bareWindow(CalendarViewController &calendar, QWidget &window)
 {
@@ -220,6 +247,7 @@ void measureCalendar(CalendarViewController &calendar, QWidget &window)
     std::printf("%-34s        %7zu\n", "Items among the hours of the week", hours.placed().size());
     print("Week, fetched to painted", pagesOf(calendar, Type::Week), bareWeek);
     print("A drag step in the week", dragStepsOf(*calendar.calendarPage()->mainGrid(), window));
+    measureSlides(calendar, window);
     calendar.showCalendar(Type::Month);
     QApplication::processEvents();
     const Times bareMonth = bareWindow(calendar, window);

@@ -9,6 +9,7 @@
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Animations.h"
+#include "widgets/Theme.h"
 
 #include <utility>
 
@@ -49,10 +50,20 @@ void CalendarPage::slideTo(Date date, int direction)
     const QRect area = slidingArea();
     if (!isVisible() || Animations::duration(Animations::calendarSlide) == 0 || area.isEmpty())
         return showDate(date);
-    const QPixmap before = grab(area);
+    const QPixmap before = picture(area);
     showDate(date);
-    const QPixmap after = grab(slidingArea());
+    const QPixmap after = picture(slidingArea());
     slide = new CalendarSlide(before, after, (direction > 0) != isRightToLeft(), area, this);
+}
+
+/// Without transparency, which makes writing slow.
+QPixmap CalendarPage::picture(const QRect &area)
+{
+    QImage image(area.size() * devicePixelRatioF(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(devicePixelRatioF());
+    image.fill(Theme::card);
+    render(&image, {}, area, DrawChildren);
+    return QPixmap::fromImage(std::move(image));
 }
 
 // What happens elsewhere

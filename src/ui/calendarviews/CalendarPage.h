@@ -86,6 +86,7 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
+    QPixmap picture(const QRect &area);
     void storeChanged(const StoreChanges &changes);
     void refreshSoon() { refresh.start(0); }
     void clockTicked();
