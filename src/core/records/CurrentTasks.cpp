@@ -1,16 +1,13 @@
 #include "records/CurrentTasks.h"
 
 #include "calendarsync/RecordsTransaction.h"
-#include "foundation/TextFolding.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
-#include "store/queries/RecordRows.h"
 
 #include <algorithm>
-#include <tuple>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,8 +15,6 @@ CurrentTasks::CurrentTasks(ObjectPtr linkedTo)
     : object(std::move(linkedTo))
 {
     getAllData();
-    marked = linked;
-    groupTasks({});
 }
 
 /// The column in which a task names the object.
@@ -58,62 +53,16 @@ void CurrentTasks::getAllData()
         for (Predicate &one : predicatesFor(project))
             all.push_back(std::move(one));
     }
-    // A key for each title is quicker than a comparison of titles for each step of the sorting.
-    std::vector<std::pair<QByteArray, Task>> found;
+    std::vector<MarkedRows::Entry> found;
     const std::string own = object->identifier().toStdString();
     const FetchRequest request = EntityTask::fetchRequest().where(Predicate::allOf(all));
     mainContext().visit(request, {"title", columnOf(*object)}, [&](const RowReader &row) {
-        const QString title = row.text(0);
-        found.push_back({collationSortKey(title), {row.rowId(), title, {}}});
+        found.push_back({row.rowId(), row.text(0)});
         if (row.utf8(1) == own)
             linked.insert(row.rowId());
     });
-    std::ranges::sort(found, [](const auto &one, const auto &other) {
-        return std::tie(one.first, one.second.row) < std::tie(other.first, other.second.row);
-    });
-    tasks.reserve(found.size());
-    for (auto &[key, task] : found)
-        tasks.push_back(std::move(task));
-}
-
-/// Titles that begin with no letter come together, whatever stands between them in the order.
-void CurrentTasks::groupTasks(const QString &wanted)
-{
-    shown.clear();
-    std::vector<const Task *> found;
-    for (const Task &task : tasks) {
-        if (wanted.isEmpty() || task.folded.contains(wanted))
-            found.push_back(&task);
-    }
-    std::vector<std::pair<QString, const Task *>> grouped;
-    grouped.reserve(found.size());
-    for (const Task *task : found)
-        grouped.emplace_back(RecordRows::letterOf(task->title), task);
-    std::ranges::stable_partition(grouped, [](const auto &one) { return one.first == u"#"; });
-    QString letter;
-    for (const auto &[first, task] : grouped) {
-        if (first != letter) {
-            letter = first;
-            shown.push_back({0, letter});
-        }
-        shown.push_back({task->row, task->title});
-    }
-}
-
-void CurrentTasks::search(const QString &text)
-{
-    if (!tasks.empty() && tasks.front().folded.isNull()) {
-        for (Task &task : tasks)
-            task.folded = foldedForSearch(task.title);
-    }
-    groupTasks(foldedForSearch(text));
-}
-
-void CurrentTasks::toggle(int row)
-{
-    const RowId task = shown.at(static_cast<std::size_t>(row)).task;
-    if (task != 0 && marked.erase(task) == 0)
-        marked.insert(task);
+    tasks.setEntries(std::move(found));
+    tasks.setMarked(linked);
 }
 
 bool CurrentTasks::isLinked(const EntityTask &task) const
@@ -137,7 +86,7 @@ bool CurrentTasks::save()
 {
     // Only what changed is written, since what is found of each task is written with it.
     std::vector<RowId> changed;
-    std::ranges::set_symmetric_difference(marked, linked, std::back_inserter(changed));
+    std::ranges::set_symmetric_difference(tasks.marked(), linked, std::back_inserter(changed));
     if (changed.empty() || object->isDeleted() || !object->context())
         return true;
     RecordsTransaction transaction(u"Add Tasks"_s);
@@ -146,9 +95,9 @@ bool CurrentTasks::save()
     for (std::size_t place = 0; place < changed.size(); ++place) {
         // It may have gone meanwhile.
         if (const TaskPtr task = loaded.at(static_cast<int>(place)))
-            link(*task, marked.contains(changed[place]));
+            link(*task, tasks.marked().contains(changed[place]));
     }
     const bool isSaved = DBWorker::tellOfFailure(transaction.commit());
-    linked = marked;
+    linked = tasks.marked();
     return isSaved;
 }

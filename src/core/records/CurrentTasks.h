@@ -1,8 +1,7 @@
 #pragma once
 
+#include "records/MarkedRows.h"
 #include "store/entities/Entities.h"
-
-#include <QString>
 
 #include <set>
 #include <vector>
@@ -17,22 +16,9 @@ public:
     /// no other and lie within its dates.
     explicit CurrentTasks(ObjectPtr object);
 
-    /// What is shown: titles, and the letters above them.
-    struct Row
-    {
-        /// 0 for a letter.
-        RowId task = 0;
-        QString text;
-        bool isHeading() const { return task == 0; }
-    };
-    const std::vector<Row> &rows() const { return shown; }
-    bool isMarked(int row) const { return marked.contains(shown[static_cast<std::size_t>(row)].task); }
-    std::size_t markedCount() const { return marked.size(); }
-
-    /// Shows what holds the text, case and diacritics ignored; an empty text shows everything.
-    void search(const QString &text);
-    /// A press on a shown row; a letter is left alone.
-    void toggle(int row);
+    /// The tasks by title and what is marked of them.
+    MarkedRows &list() { return tasks; }
+    const MarkedRows &list() const { return tasks; }
 
     /// Links the marked tasks and unlinks the others, in one step that can be taken back. A linked task that
     /// was not offered stays. False if it did not reach the disk, which the user is told.
@@ -42,21 +28,11 @@ public:
     static std::vector<Predicate> predicatesFor(const ProjectPtr &project);
 
 private:
-    struct Task
-    {
-        RowId row;
-        QString title;
-        QString folded;
-    };
     void getAllData();
-    void groupTasks(const QString &wanted);
     bool isLinked(const EntityTask &task) const;
     void link(EntityTask &task, bool isWanted) const;
 
     ObjectPtr object;
-    /// By title.
-    std::vector<Task> tasks;
-    std::vector<Row> shown;
+    MarkedRows tasks;
     std::set<RowId> linked;
-    std::set<RowId> marked;
 };

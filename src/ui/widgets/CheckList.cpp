@@ -19,6 +19,8 @@ constexpr int lineHeight = 40;
 constexpr int checkIconSize = 16;
 constexpr int iconRoom = 28;
 constexpr int iconRole = Qt::UserRole + 1;
+constexpr int detailRole = Qt::UserRole + 2;
+constexpr int fixedRole = Qt::UserRole + 3;
 
 class CheckListModel : public QAbstractListModel
 {
@@ -62,6 +64,12 @@ public:
             return line.text;
         if (role == iconRole)
             return line.iconName;
+        if (role == detailRole)
+            return line.detail;
+        if (role == fixedRole)
+            return line.isFixed;
+        if (role == Qt::AccessibleTextRole)
+            return line.detail.isEmpty() ? line.text : line.text + u", "_s + line.detail;
         const bool isTick = role == Qt::CheckStateRole && !line.isHeading;
         return isTick ? QVariant(isMarked(index.row()) ? Qt::Checked : Qt::Unchecked) : QVariant();
     }
@@ -89,9 +97,10 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         const QRect card = option.rect.adjusted(0, 1, 0, -1);
         const bool isMarked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-        const bool isHovered =
-            option.state.testFlag(QStyle::State_MouseOver) && index.flags().testFlag(Qt::ItemIsEnabled);
-        if (isMarked || isHovered) {
+        const bool isFixed = index.data(fixedRole).toBool();
+        const bool isHovered = option.state.testFlag(QStyle::State_MouseOver) && !isFixed &&
+                               index.flags().testFlag(Qt::ItemIsEnabled);
+        if ((isMarked && !isFixed) || isHovered) {
             painter->setPen(Qt::NoPen);
             painter->setBrush(isMarked ? Theme::selection : Theme::hover);
             painter->drawRoundedRect(card, Theme::controlRadius, Theme::controlRadius);
@@ -128,11 +137,24 @@ private:
             place.setLeft(place.left() + iconRoom);
         }
         const QRect mark(place.right() - iconRoom, place.top(), iconRoom, place.height());
+        const bool isFixed = index.data(fixedRole).toBool();
         if (isMarked)
-            Icons::paint(painter, mirrored(mark), u"check-mark"_s, Theme::accent,
-                         checkIconSize + Theme::unit);
+            Icons::paint(painter, mirrored(mark), u"check-mark"_s,
+                         isFixed ? Theme::secondaryText : Theme::accent, checkIconSize + Theme::unit);
         place.setRight(mark.left());
-        painter.setPen(Theme::text);
+        const QString detail = index.data(detailRole).toString();
+        if (!detail.isEmpty()) {
+            // The text comes first; what stands beside it takes what is left, and half of the line at most.
+            const int wanted =
+                option.fontMetrics.horizontalAdvance(index.data().toString()) + 2 * Theme::unit;
+            const int room = std::min(option.fontMetrics.horizontalAdvance(detail) + Theme::unit,
+                                      std::max(place.width() - wanted, place.width() / 3));
+            const QRect end(place.right() - room, place.top(), room, place.height());
+            painter.setPen(Theme::secondaryText);
+            Direction::drawLine(painter, mirrored(end), option.direction, detail, Qt::AlignVCenter);
+            place.setRight(end.left() - Theme::unit);
+        }
+        painter.setPen(isFixed ? Theme::secondaryText : Theme::text);
         Direction::drawLine(painter, mirrored(place), option.direction, index.data().toString());
     }
 };
@@ -149,7 +171,7 @@ CheckList::CheckList(QWidget *parent)
         return {{localized(u"Delete"_s), [this, line] { Q_EMIT deletePressed(line); }, u"Delete"_s}};
     };
     Accessibility::describeList(
-        *this, [this](int line) { Q_EMIT linePressed(line); }, moreActions);
+        *this, [this](int line) { press(line); }, moreActions);
     setModel(lineModel);
     connect(lineModel, &QAbstractItemModel::dataChanged, this, &CheckList::tellSoon);
     setItemDelegate(new LineDelegate(this));
@@ -221,14 +243,20 @@ void CheckList::mouseReleaseEvent(QMouseEvent *event)
     QListView::mouseReleaseEvent(event);
     const QModelIndex index = indexAt(event->position().toPoint());
     if (index.flags().testFlag(Qt::ItemIsEnabled) && event->button() == Qt::LeftButton)
-        Q_EMIT linePressed(index.row());
+        press(index.row());
+}
+
+void CheckList::press(int line)
+{
+    if (lineModel->isInside(line) && !lineModel->at(line).isFixed)
+        Q_EMIT linePressed(line);
 }
 
 void CheckList::keyPressEvent(QKeyEvent *event)
 {
     const int line = currentIndex().flags().testFlag(Qt::ItemIsEnabled) ? currentIndex().row() : -1;
     if (event->key() == Qt::Key_Space && line >= 0)
-        Q_EMIT linePressed(line);
+        press(line);
     else if ((event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) && line >= 0)
         Q_EMIT deletePressed(line);
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)

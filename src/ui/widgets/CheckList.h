@@ -22,6 +22,10 @@ public:
         QString iconName = {};
         /// It stands above lines and is not marked.
         bool isHeading = false;
+        /// Stands at the end of the line, in front of its mark.
+        QString detail = {};
+        /// A press leaves its mark as it is.
+        bool isFixed = false;
     };
     void setLines(std::vector<Line> lines);
     int lineCount() const;
@@ -42,6 +46,7 @@ protected:
 
 private:
     void tellSoon();
+    void press(int line);
 
     CheckListModel *lineModel;
     bool isTellingDue = false;

@@ -4,9 +4,7 @@
 
 #include <QWidget>
 
-class CheckList;
-class QLabel;
-class QLineEdit;
+class MarkedRowsView;
 
 /// The window in which tasks that exist are linked to a project, a contact or a company: their titles under
 /// letters, with a mark at those that are linked.
@@ -24,12 +22,6 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void showRows();
-    void tellCount();
-    void toggle(int row);
-
     CurrentTasks tasks;
-    QLineEdit *fieldSearch;
-    CheckList *list;
-    QLabel *labelEmpty;
+    MarkedRowsView *view;
 };

@@ -25,25 +25,27 @@ protected:
     static QStringList shown(const CurrentTasks &tasks)
     {
         QStringList texts;
-        for (int row = 0; row < static_cast<int>(tasks.rows().size()); ++row)
-            texts.append(tasks.rows()[static_cast<std::size_t>(row)].text +
-                         (tasks.isMarked(row) ? u" x"_qs : QString()));
+        const auto &rows = tasks.list().rows();
+        for (int row = 0; row < static_cast<int>(rows.size()); ++row)
+            texts.append(rows[static_cast<std::size_t>(row)].text +
+                         (tasks.list().isMarked(row) ? u" x"_qs : QString()));
         return texts;
     }
     QStringList titles() const
     {
         QStringList found;
         const CurrentTasks tasks(house);
-        for (const CurrentTasks::Row &row : tasks.rows())
+        for (const MarkedRows::Row &row : tasks.list().rows())
             if (!row.isHeading())
                 found.append(row.text);
         return found;
     }
     static void toggle(CurrentTasks &tasks, const QString &title)
     {
-        const auto row = std::ranges::find(tasks.rows(), title, &CurrentTasks::Row::text);
-        ASSERT_NE(row, tasks.rows().end()) << qPrintable(title);
-        tasks.toggle(static_cast<int>(row - tasks.rows().begin()));
+        const auto &rows = tasks.list().rows();
+        const auto row = std::ranges::find(rows, title, &MarkedRows::Row::text);
+        ASSERT_NE(row, rows.end()) << qPrintable(title);
+        tasks.list().toggle(static_cast<int>(row - rows.begin()));
     }
 
     ProjectPtr house;
@@ -61,13 +63,13 @@ TEST_F(LinkingTasks, OffersWhatIsOpenAndFreeUnderItsLetters)
     CurrentTasks tasks(house);
     EXPECT_EQ(shown(tasks), (QStringList{u"#"_qs, u"7 nails"_qs, u"A"_qs, u"Ägypten"_qs, u"apple x"_qs,
                                          u"P"_qs, u"paint"_qs}));
-    tasks.toggle(0);
-    EXPECT_EQ(tasks.markedCount(), 1u) << "A letter has no mark";
-    tasks.search(u"AP"_qs);
+    tasks.list().toggle(0);
+    EXPECT_EQ(tasks.list().marked().size(), 1u) << "A letter has no mark";
+    tasks.list().search(u"AP"_qs);
     EXPECT_EQ(shown(tasks), (QStringList{u"A"_qs, u"apple x"_qs}));
-    tasks.search(u"agypt"_qs);
+    tasks.list().search(u"agypt"_qs);
     EXPECT_EQ(shown(tasks), (QStringList{u"A"_qs, u"Ägypten"_qs}));
-    tasks.search({});
+    tasks.list().search({});
     EXPECT_EQ(shown(tasks).size(), 7);
 }
 
@@ -143,11 +145,44 @@ TEST_F(LinkingTasks, OffersAllTasksToAContactAndACompany)
         CurrentTasks tasks(object);
         toggle(tasks, u"done"_qs);
         EXPECT_TRUE(tasks.save());
-        EXPECT_EQ(CurrentTasks(object).markedCount(), 1u);
+        EXPECT_EQ(CurrentTasks(object).list().marked().size(), 1u);
     }
     EXPECT_EQ(done->delegateToUser(), ann);
     EXPECT_EQ(done->company(), firm);
     EXPECT_EQ(done->project(), house);
+}
+
+TEST(MarkedRowsTest, MarkWhatIsShownAndLeaveWhatIsFixed)
+{
+    MarkedRows rows(MarkedRows::LettersInSearch::Go);
+    rows.setEntries({{1, u"Bo"_qs}, {2, u"Ann"_qs}, {3, u"Åsa"_qs}, {4, u"9 lives"_qs}});
+    rows.setFixed({3});
+    const auto texts = [&] {
+        QStringList all;
+        for (const MarkedRows::Row &row : rows.rows())
+            all.append(row.text);
+        return all.join(u' ');
+    };
+    EXPECT_EQ(texts(), u"# 9 lives A Ann Åsa B Bo"_qs);
+    rows.toggle(4);
+    EXPECT_TRUE(rows.isMarked(4) && rows.marked().empty()) << "one that is fixed takes no press";
+    rows.search(u"as"_qs);
+    EXPECT_EQ(texts(), u"Åsa"_qs) << "no letters while searching";
+    rows.markShown(true);
+    EXPECT_TRUE(rows.marked().empty());
+    EXPECT_FALSE(rows.areAllShownMarked()) << "there is nothing to mark";
+    rows.search(u"n"_qs);
+    rows.markShown(true);
+    EXPECT_EQ(rows.marked(), std::set<qint64>{2});
+    EXPECT_TRUE(rows.areAllShownMarked());
+    rows.search({});
+    EXPECT_FALSE(rows.areAllShownMarked());
+    rows.markShown(true);
+    EXPECT_EQ(rows.marked(), (std::set<qint64>{1, 2, 4}));
+    rows.setEntries({{1, u"Bo"_qs}});
+    EXPECT_TRUE(rows.isMarked(1)) << "marks stay with what is there again";
+    rows.markShown(false);
+    EXPECT_FALSE(rows.isMarked(1));
 }
 
 } // namespace
