@@ -11,6 +11,13 @@ const QString active = QStringLiteral("Active");
 const QString companies = QStringLiteral("Companies");
 const QString categories = QStringLiteral("Categories");
 
+using Editor = FilterRow::Editor;
+
+FilterRow row(int tag, const QString &key, const QString &label, Editor editor)
+{
+    return {tag, key, localized(label), editor};
+}
+
 template <typename T>
 std::vector<std::shared_ptr<T>> objectsOf(const FilterSelection &selection)
 {
@@ -37,9 +44,10 @@ QVariant valueOf(bool isAll, const std::vector<std::shared_ptr<T>> &objects)
 } // namespace
 
 FilterContact::FilterContact()
-    : ListFilter(SavedFilter::ofContacts(), {{1, active, {}},
-                                             {2, companies, {}, FilterRow::Editor::Companies},
-                                             {3, categories, {}, FilterRow::Editor::ContactCategories}})
+    : ListFilter(SavedFilter::ofContacts(),
+                 {row(1, active, QStringLiteral("Tasks"), Editor::Segment),
+                  row(2, companies, QStringLiteral("Company"), Editor::Companies),
+                  row(3, categories, QStringLiteral("Job Title"), Editor::ContactCategories)})
 {}
 
 int FilterContact::segmentControllerActivity() const

@@ -17,13 +17,13 @@ struct FilterRow
     QString label;
 
     /// By what it is set.
-    enum class Editor { PopUp, Text, Period, Contacts, Companies, ContactCategories };
+    enum class Editor { PopUp, Segment, Text, Period, Contacts, Companies, ContactCategories };
     Editor editor = Editor::PopUp;
     /// What an empty text field says.
     QString placeholder = {};
 };
 
-/// A pop-up menu of a filter: its items, and the objects behind those that follow the words.
+/// A pop-up menu of a filter, or its segments: the items, and the objects behind those that follow the words.
 struct FilterPopUp
 {
     QStringList items;

@@ -29,11 +29,22 @@ QString priorityWord(int number)
     return Functional::priorityStringFromType(static_cast<Priority>(number));
 }
 
+/// What a filter of contacts asks of their tasks.
+const QString withTasks = QStringLiteral("Active");
+const QString withoutTasks = QStringLiteral("Inactive");
+
+QString activityWord(int number)
+{
+    return localized(number != 0 ? withTasks : withoutTasks);
+}
+
 /// The number that an item of a pop-up of words stands for.
 int numberOfWord(const QString &key, const QString &word)
 {
     if (key == QStringLiteral("Type"))
         return static_cast<int>(Functional::taskTypeFromString(word));
+    if (key == withTasks)
+        return word == localized(withTasks) ? 1 : 0;
     return key == QStringLiteral("Status") ? static_cast<int>(Functional::statusTypeFromString(word))
                                            : static_cast<int>(Functional::priorityTypeFromString(word));
 }
@@ -135,6 +146,8 @@ FilterPopUp ListFilter::makePopUp(const QString &key) const
                           {QStringLiteral("No Priority"), QStringLiteral("High"), QStringLiteral("Medium"),
                            QStringLiteral("Low")},
                           priorityWord);
+    if (key == withTasks)
+        return wordsPopUp(key, {withTasks, withoutTasks}, activityWord);
     if (key == QStringLiteral("Category")) {
         const Titled categories = titledCategories();
         return objectsPopUp(key, categories.objects, categories.titles, {all});

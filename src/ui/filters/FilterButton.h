@@ -1,15 +1,16 @@
 #pragma once
 
 #include "filters/FilterState.h"
+#include "filters/StripButton.h"
+#include "filters/TaskFilterController.h"
 
-#include <QAbstractButton>
 #include <QPointer>
 
 class Popover;
 
 /// The filter button of a list with its words: opens the bubble in which the filter is set. Each change there
 /// is in force at once.
-class FilterButton : public QAbstractButton
+class FilterButton : public StripButton
 {
     Q_OBJECT
 public:
@@ -17,6 +18,8 @@ public:
 
     /// The filter that the bubble sets; it has to outlive the button.
     void setFilter(ListFilter *listFilter) { filter = listFilter; }
+    /// What the bubble offers below the rows of the filter.
+    void setAction(TaskFilterController::Action belowRows) { action = std::move(belowRows); }
     /// Shows whether the list is filtered. While its filter rests the button is greyed and says why.
     void setState(const FilterState &state);
 
@@ -25,17 +28,11 @@ public:
     void closePopover();
     Popover *popover() const;
 
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
-
 protected:
-    void paintEvent(QPaintEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
+    bool isOpen() const override;
 
 private:
-    QColor ink() const;
-
     ListFilter *filter = nullptr;
-    FilterState::Label label = FilterState::Label::Filter;
+    std::optional<TaskFilterController::Action> action;
     QPointer<Popover> bubble;
 };

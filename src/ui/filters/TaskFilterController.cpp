@@ -9,13 +9,16 @@
 #include "widgets/DatePickerPopover.h"
 #include "widgets/FormScroll.h"
 #include "widgets/Icons.h"
+#include "widgets/MVSegmentView.h"
 #include "widgets/PopUpButton.h"
+#include "widgets/Popover.h"
 #include "widgets/RowItemView.h"
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QScreen>
 #include <QToolButton>
 
@@ -36,7 +39,24 @@ TaskFilterController::TaskFilterController(ListFilter &usedFilter, QWidget *pare
         addRow(row);
 }
 
-Popover *TaskFilterController::makePopover(ListFilter &filter, QWidget *parent)
+static QLayout *makeButton(const TaskFilterController::Action &action, Popover *bubble)
+{
+    auto *button = new QPushButton(action.words);
+    button->setObjectName(u"buttonAction"_s);
+    button->setDefault(true);
+    auto *row = new QHBoxLayout;
+    row->setContentsMargins(2 * Theme::unit, Theme::unit, 2 * Theme::unit, Theme::unit);
+    row->addStretch(1);
+    row->addWidget(button);
+    QObject::connect(button, &QPushButton::clicked, bubble, [bubble, perform = action.perform] {
+        bubble->close();
+        perform();
+    });
+    return row;
+}
+
+Popover *TaskFilterController::makePopover(ListFilter &filter, QWidget *parent,
+                                           const std::optional<Action> &action)
 {
     auto *bubble = new Popover(parent);
     bubble->setObjectName(u"filterPopover"_s);
@@ -48,9 +68,13 @@ Popover *TaskFilterController::makePopover(ListFilter &filter, QWidget *parent)
     auto *scroll = new FormScroll(rows);
     scroll->setFixedWidth(contentWidth);
     column->addWidget(scroll);
+    if (action)
+        column->addLayout(makeButton(*action, bubble));
     const int room = parent->screen()->availableGeometry().height() - 4 * Theme::unit;
     bubble->setMaximumHeight(room);
-    scroll->setMinimumHeight(std::min(rows->sizeHint().height(), room - 2 * Theme::unit));
+    constexpr int roomOfButton = 6 * Theme::unit;
+    scroll->setMinimumHeight(
+        std::min(rows->sizeHint().height(), room - 2 * Theme::unit - (action ? roomOfButton : 0)));
     if (!rows->enabledRows.empty())
         rows->enabledRows.front()->setFocus();
     return bubble;
@@ -74,6 +98,8 @@ QWidget *TaskFilterController::makeControl(const FilterRow &row)
     switch (row.editor) {
     case Editor::Text:
         return makeText(row);
+    case Editor::Segment:
+        return makeSegment(row);
     case Editor::Period:
         return makePeriod();
     case Editor::Contacts:
@@ -96,6 +122,18 @@ QLineEdit *TaskFilterController::makeText(const FilterRow &row)
     connect(field, &QLineEdit::textChanged, this,
             [this, key = row.key](const QString &text) { filter.changeValueForKey(text, key); });
     return field;
+}
+
+MVSegmentView *TaskFilterController::makeSegment(const FilterRow &row)
+{
+    const FilterPopUp content = filter.popUp(row.key);
+    auto *segment = new MVSegmentView(content.items);
+    segment->setObjectName(u"segment"_s + row.key);
+    segment->setAccessibleName(row.label);
+    segment->setSelectedIndex(content.selectedIndex);
+    connect(segment, &MVSegmentView::selectedIndexChanged, this,
+            [this, key = row.key](int item) { filter.chooseItem(item, key); });
+    return segment;
 }
 
 PopUpButton *TaskFilterController::makePopUp(const QString &key)

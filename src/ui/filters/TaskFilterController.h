@@ -2,10 +2,13 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <optional>
 #include <vector>
 
 class DatePicker;
 class ListFilter;
+class MVSegmentView;
 class PopUpButton;
 class Popover;
 class QLineEdit;
@@ -24,13 +27,22 @@ public:
     /// Reads the saved entry of the filter, which has to outlive the rows.
     explicit TaskFilterController(ListFilter &filter, QWidget *parent = nullptr);
 
+    /// A button below the rows, and what it does once the bubble has closed.
+    struct Action
+    {
+        QString words;
+        std::function<void()> perform;
+    };
     /// A bubble with the rows in it, ready to be shown; it goes when it is closed.
-    static Popover *makePopover(ListFilter &filter, QWidget *parent);
+    /// \param action absent for none.
+    static Popover *makePopover(ListFilter &filter, QWidget *parent,
+                                const std::optional<Action> &action = {});
 
 private:
     void addRow(const FilterRow &description);
     QWidget *makeControl(const FilterRow &row);
     QLineEdit *makeText(const FilterRow &row);
+    MVSegmentView *makeSegment(const FilterRow &row);
     PopUpButton *makePopUp(const QString &key);
     QWidget *makePeriod();
     void setDataPeriod();

@@ -2,7 +2,7 @@
 
 #include "filters/ContactGroups.h"
 #include "filters/FilterContact.h"
-#include "filters/WindowAddContactsGroup.h"
+#include "records/people/GroupMembers.h"
 #include "store/state/NotificationNames.h"
 
 namespace {
@@ -164,31 +164,41 @@ TEST_F(ContactFilters, RenameAGroupButNeverToNothing)
 
 TEST_F(ContactFilters, PickTheMembersOfAGroup)
 {
-    WindowAddContactsGroup adding(nullptr);
+    const auto press = [](GroupMembers &members, const QString &name) {
+        const auto &rows = members.list().rows();
+        members.list().toggle(
+            static_cast<int>(std::ranges::find(rows, name, &MarkedRows::Row::text) - rows.begin()));
+    };
+    GroupMembers adding(nullptr);
     EXPECT_EQ(adding.title(), u"Add contacts group"_qs);
-    adding.toggle(ann);
-    adding.toggle(bo);
-    adding.toggle(ann);
-    EXPECT_TRUE(adding.isMarked(bo));
-    EXPECT_FALSE(adding.isMarked(ann));
-    adding.clickButtonDone();
+    press(adding, u"Ann Lee"_qs);
+    press(adding, u"Bo"_qs);
+    press(adding, u"Ann Lee"_qs);
+    EXPECT_TRUE(adding.save());
     ASSERT_EQ(told.size(), 1u);
     EXPECT_EQ(told[0].title, u"Private Group"_qs);
     EXPECT_EQ(told[0].useGeneralFilter, false);
+    EXPECT_EQ(told[0].contacts, std::vector<ContactPtr>({bo}));
 
     const auto group = ContactGroups::saveContactGroup(told[0]);
     EXPECT_EQ(DBWorker::allContactPrivateGroup().size(), 1);
     group->setTitle(u"Friends"_qs);
-    WindowAddContactsGroup editing(group);
+    GroupMembers editing(group);
     EXPECT_EQ(editing.title(), u"Edit contacts group"_qs);
-    EXPECT_EQ(editing.values().title, u"Friends"_qs);
-    EXPECT_TRUE(editing.isMarked(bo));
-    editing.toggle(ann);
+    EXPECT_EQ(editing.list().marked(), std::set<RowId>({bo->rowId()}));
+    press(editing, u"Ann Lee"_qs);
     context().deleteObject(bo);
     EXPECT_FALSE(DBWorker::saveContext());
-    editing.clickButtonDone();
+    EXPECT_TRUE(editing.save());
     EXPECT_EQ(group->contacts(), std::vector<ContactPtr>({ann}));
+    EXPECT_EQ(group->title(), u"Friends"_qs);
     EXPECT_EQ(told.size(), 1u);
+    // A group that went while its members were picked is not made again.
+    GroupMembers late(group);
+    context().deleteObject(group);
+    EXPECT_FALSE(DBWorker::saveContext());
+    EXPECT_TRUE(late.save());
+    EXPECT_EQ(DBWorker::allContactPrivateGroup().size(), 0);
 }
 
 TEST_F(ContactFilters, StandUnderTheirInitials)
@@ -196,16 +206,17 @@ TEST_F(ContactFilters, StandUnderTheirInitials)
     person(u"Ärmel"_qs);
     person(u"anton"_qs);
     person(u"7 Up"_qs);
-    person(QString());
-    const WindowAddContactsGroup window(nullptr);
-    QStringList shown;
-    for (const WindowAddContactsGroup::Row &row : window.rows())
-        shown.append(row.contact ? row.contact->fullName() : u"["_qs + row.header + u"]"_qs);
-    EXPECT_EQ(shown, QStringList({u"[#]"_qs, QString(), u"7 Up"_qs, u"[A]"_qs, u"Ann Lee"_qs, u"anton"_qs,
-                                  u"Ärmel"_qs, u"[B]"_qs, u"Bo"_qs}));
-    const auto found = window.rows(u"LEE"_qs);
-    ASSERT_EQ(found.size(), 1u) << "No headers while something is searched for";
-    EXPECT_EQ(found[0].contact, ann);
+    GroupMembers members(nullptr);
+    const auto shown = [&members] {
+        QStringList texts;
+        for (const MarkedRows::Row &row : members.list().rows())
+            texts.append(row.isHeading() ? u"["_qs + row.text + u"]"_qs : row.text);
+        return texts;
+    };
+    EXPECT_EQ(shown(), QStringList({u"[#]"_qs, u"7 Up"_qs, u"[A]"_qs, u"Ann Lee"_qs, u"anton"_qs, u"Ärmel"_qs,
+                                    u"[B]"_qs, u"Bo"_qs}));
+    members.list().search(u"LEE"_qs);
+    EXPECT_EQ(shown(), QStringList({u"Ann Lee"_qs})) << "No headers while something is searched for";
 }
 
 } // namespace

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "records/MarkedRows.h"
+#include "store/entities/Entities.h"
+
+/// Who belongs to a group of contacts: all people by name under their first letters, with a mark at the
+/// members. While something is searched for there are no letters. No contact is loaded before the marks take
+/// effect. Main thread only.
+class GroupMembers
+{
+public:
+    /// Null for a new group.
+    explicit GroupMembers(std::shared_ptr<EntityContactGroup> group);
+
+    /// What the user is about to do, in words.
+    QString title() const;
+    MarkedRows &list() { return people; }
+    const MarkedRows &list() const { return people; }
+
+    /// Tells of a new group with the marked members, or makes them those of the given one, in one step that
+    /// can be taken back. Who was deleted meanwhile is nobody's member. False if that did not reach the disk,
+    /// which the user is told.
+    bool save();
+
+private:
+    std::vector<ContactPtr> markedContacts() const;
+
+    std::shared_ptr<EntityContactGroup> contactGroup;
+    MarkedRows people{MarkedRows::LettersInSearch::Go};
+};

@@ -1,0 +1,67 @@
+#include "filters/ContactsTopView.h"
+
+#include "filters/ContactGroups.h"
+#include "filters/FilterButton.h"
+#include "filters/TasksTabTopView.h"
+#include "foundation/Localization.h"
+#include "widgets/Direction.h"
+#include "widgets/Theme.h"
+
+#include <QHBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+ContactsTopView::ContactsTopView(QWidget *parent)
+    : QWidget(parent)
+    , buttonFilter(new FilterButton)
+    , buttonGroup(new StripButton(u"group"_s, u"group"_s))
+{
+    setFixedHeight(TasksTabTopView::stripHeight);
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(
+        Direction::margins(*this, Theme::contentMargin, 0, Theme::contentMargin - Theme::unit, 0));
+    row->setSpacing(Theme::unit);
+    row->addStretch(1);
+    row->addWidget(buttonGroup);
+    row->addWidget(buttonFilter);
+    buttonGroup->setObjectName(u"buttonGroup"_s);
+    buttonFilter->setFilter(&filter);
+    buttonFilter->setAction({localized(u"Save"_s), [this] { clickButtonSave(); }});
+    connect(buttonGroup, &QAbstractButton::clicked, this, &ContactsTopView::membersWanted);
+    setContactGroup(nullptr);
+}
+
+static void showState(StripButton &button, const ContactFilterButtons::Button &state)
+{
+    using Look = StripButton::Look;
+    button.setEnabled(state.isEnabled);
+    button.setLook(!state.isEnabled ? Look::Resting : state.isOn ? Look::On : Look::Off, state.label);
+}
+
+void ContactsTopView::setContactGroup(const std::shared_ptr<EntityContactGroup> &group)
+{
+    contactGroup = group;
+    const ContactFilterButtons buttons = ContactGroups::activeFilterButtons(group.get());
+    buttonFilter->closePopover();
+    showState(*buttonFilter, buttons.filter);
+    showState(*buttonGroup, buttons.group);
+    filter.viewWillAppear(group.get());
+    if (group && !ContactGroups::isGroup(*group))
+        filter.setFilter(*group);
+}
+
+void ContactsTopView::toggleFilter()
+{
+    buttonFilter->togglePopover();
+}
+
+bool ContactsTopView::canFilter() const
+{
+    return buttonFilter->isEnabled();
+}
+
+void ContactsTopView::clickButtonSave()
+{
+    ContactGroups::saveListFilterContacts(filter.getContactGroup(), contactGroup,
+                                          [this] { Q_EMIT listChanged(); });
+}
