@@ -72,25 +72,54 @@ QByteArray ChangeJournal::capturedChangeset()
     return changeset;
 }
 
-OptionalError ChangeJournal::record(const QString &name, const std::vector<OutboxEntry> &outside)
+OptionalError ChangeJournal::record(ChangeAuthor author, const QString &name,
+                                    const std::vector<OutboxEntry> &outside)
 {
     const QByteArray changeset = capturedChangeset();
     if (changeset.isEmpty() && outside.empty())
         return std::nullopt;
-    sqlite::Statement added = database.prepare("INSERT INTO ObjectStoreJournal (savedAt, isUndone, "
-                                               "changeset, name, outside, digest) VALUES (?, 0, ?, ?, ?, ?)");
+    sqlite::Statement added =
+        database.prepare("INSERT INTO ObjectStoreJournal (savedAt, isUndone, "
+                         "changeset, name, outside, digest, author) VALUES (?, 0, ?, ?, ?, ?, ?)");
     const QByteArray outsideBytes = outbox::toBytes(outside);
     added.bind(Value(Clock::now())).bindBlob(changeset.isNull() ? QByteArray("") : changeset);
     added.bind(name.isEmpty() ? Value() : Value(name)).bindBlob(outsideBytes);
-    added.bindBlob(digestOf(changeset, outsideBytes));
+    added.bindBlob(digestOf(changeset, outsideBytes)).bind(qint64(author));
     const bool isRecorded = dropUndone() && trim() && added.run();
     return isRecorded ? std::nullopt
                       : OptionalError(database.lastError(QStringLiteral("Cannot keep the undo journal")));
 }
 
+OptionalError ChangeJournal::recordInHistory(ChangeAuthor author)
+{
+    const QByteArray changeset = capturedChangeset();
+    if (changeset.isEmpty() || changeset.size() > largestInHistory)
+        return std::nullopt;
+    sqlite::Statement added =
+        database.prepare("INSERT INTO ObjectStoreHistory (savedAt, author, changeset) VALUES (?, ?, ?)");
+    added.bind(Value(Clock::now())).bind(qint64(author)).bindBlob(changeset);
+    const bool isRecorded = added.run() && trimHistory();
+    return isRecorded ? std::nullopt
+                      : OptionalError(database.lastError(QStringLiteral("Cannot keep history")));
+}
+
 bool ChangeJournal::dropUndone()
 {
-    return database.prepare("DELETE FROM ObjectStoreJournal WHERE isUndone = 1").run();
+    sqlite::Statement kept = database.prepare(
+        "INSERT INTO ObjectStoreHistory (savedAt, author, name, isUndone, changeset) SELECT savedAt, author, "
+        "name, 1, changeset FROM ObjectStoreJournal WHERE isUndone = 1 AND length(changeset) <= ? ORDER BY "
+        "sequence");
+    return kept.bind(qint64(largestInHistory)).run() &&
+           database.prepare("DELETE FROM ObjectStoreJournal WHERE isUndone = 1").run();
+}
+
+bool ChangeJournal::trimHistory()
+{
+    sqlite::Statement trimmed =
+        database.prepare("DELETE FROM ObjectStoreHistory WHERE sequence <= (SELECT MAX(sequence) FROM "
+                         "ObjectStoreHistory) - ? OR sequence IN (SELECT sequence FROM ObjectStoreHistory "
+                         "WHERE savedAt < ? ORDER BY sequence LIMIT 100)");
+    return trimmed.bind(maximumEntries).bind(Value(Clock::now() - maximumAge)).run();
 }
 
 /// Entries leave one by one at the old end; the sequence tells the number, since it has no gaps but there.

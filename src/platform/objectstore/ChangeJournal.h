@@ -4,6 +4,7 @@
 #include "objectstore/ManagedObjectModel.h"
 #include "objectstore/Outbox.h"
 #include "objectstore/Sqlite.h"
+#include "objectstore/StoreChanges.h"
 
 #include <memory>
 #include <vector>
@@ -37,16 +38,20 @@ struct AppliedEntry
     std::vector<OutboxEntry> outside;
 };
 
-/// The changesets of the user's saves, kept in the store: what undo and redo work from.
+/// The changesets of the saves, kept in the store: what undo and redo work from, and what tells the history
+/// of a record.
 ///
 /// An SQLite session captures the net change of each transaction. At most `maximumEntries` saves of the last
-/// `maximumAge` are kept. Entries that were undone are dropped by the next save of the user.
+/// `maximumAge` are kept that can be undone, and as many others. Entries that were undone leave the former
+/// for the latter with the next save of the user.
 class ChangeJournal
 {
 public:
     using Direction = ChangeJournalDirection;
     static constexpr qint64 maximumEntries = 1000;
     static constexpr Seconds maximumAge = std::chrono::days(90);
+    /// In bytes. What brings in more, such as a whole calendar at once, tells little of any record.
+    static constexpr qsizetype largestInHistory = 2'000'000;
 
     ChangeJournal(sqlite::Database &connection, const ManagedObjectModel &model);
     ~ChangeJournal();
@@ -62,7 +67,9 @@ public:
     void stopCapture();
     /// Adds what was captured as an entry, inside the transaction, with what goes with it outside of the
     /// store. Without a net change of either it adds none.
-    OptionalError record(const QString &name, const std::vector<OutboxEntry> &outside);
+    OptionalError record(ChangeAuthor author, const QString &name, const std::vector<OutboxEntry> &outside);
+    /// The same for a save that no undo takes back.
+    OptionalError recordInHistory(ChangeAuthor author);
 
     bool hasEntry(Direction direction);
     /// What the user did in the step that would be applied; empty if it has no name.
@@ -81,6 +88,7 @@ private:
     sqlite::Statement nextEntry(Direction direction);
     bool dropUndone();
     bool trim();
+    bool trimHistory();
 
     sqlite::Database &database;
     const ManagedObjectModel &objectModel;

@@ -12,6 +12,12 @@ static bool canBeUndone(ChangeAuthor author)
     return author == ChangeAuthor::User || author == ChangeAuthor::Import;
 }
 
+/// What the program does on its own is of no interest to anybody.
+static bool isInHistory(ChangeAuthor author)
+{
+    return author != ChangeAuthor::Program;
+}
+
 // The unit of work of a context: from the first change to the commit, and what follows it.
 
 void ManagedObjectContext::noteChange(ManagedObject &object)
@@ -65,10 +71,10 @@ OptionalError ManagedObjectContext::begin()
         return failure("write to");
     isInTransaction = true;
     takeInChangesFromElsewhere();
-    if (canBeUndone(author())) {
+    if (isInHistory(author()))
         journal->startCapture();
+    if (canBeUndone(author()))
         journal->setCapturing(!isJournalPaused);
-    }
     return std::nullopt;
 }
 
@@ -236,8 +242,10 @@ OptionalError ManagedObjectContext::commit()
         return error;
     const QString name = openTransaction ? openTransaction->name() : QString();
     if (canBeUndone(author())) {
-        if (auto error = journal->record(name, posted))
+        if (auto error = journal->record(author(), name, posted))
             return error;
+    } else if (auto error = journal->recordInHistory(author())) {
+        return error;
     }
     if (auto error = commitTransaction())
         return error;

@@ -1,3 +1,4 @@
+#include "objectstore/ChangeHistory.h"
 #include "objectstore/ChangeJournal.h"
 #include "objectstore/ChangeWriter.h"
 #include "objectstore/ManagedObjectContext.h"
@@ -34,6 +35,11 @@ QString ManagedObjectContext::undoName()
 QString ManagedObjectContext::redoName()
 {
     return journal->nameOf(ChangeJournal::Direction::Redo);
+}
+
+std::vector<RecordedSave> ManagedObjectContext::historyOf(const ManagedObject &object)
+{
+    return ChangeHistory(*database, objectModel).of(object);
 }
 
 OptionalError ManagedObjectContext::revert(ChangeJournalDirection direction)
@@ -80,6 +86,8 @@ OptionalError ManagedObjectContext::commitRows(const StoreChanges &changes)
     if (auto error = writeEffects(changes))
         return error;
     if (auto error = writeOutbox(posted))
+        return error;
+    if (auto error = journal->recordInHistory(author()))
         return error;
     if (auto error = commitTransaction())
         return error;

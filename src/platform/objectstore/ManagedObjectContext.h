@@ -18,6 +18,7 @@
 
 class ChangeJournal;
 enum class ChangeJournalDirection;
+struct RecordedSave;
 struct AppliedChange;
 
 /// What has to happen with each commit, whoever makes it. The context calls it; exceptions to an order are
@@ -184,6 +185,9 @@ public:
     /// What the user did in the step that `undo` or `redo` would take; empty if it has no name.
     QString undoName();
     QString redoName();
+    /// The saves that changed an object and what it takes along when it is deleted, the newest first: as far
+    /// back as the journal goes.
+    std::vector<RecordedSave> historyOf(const ManagedObject &object);
 
 private:
     friend class ManagedObject;

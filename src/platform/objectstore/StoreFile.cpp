@@ -143,7 +143,12 @@ QByteArray bookkeepingTables()
            "CREATE TABLE IF NOT EXISTS ObjectStoreJournal (sequence INTEGER PRIMARY KEY, savedAt REAL NOT "
            "NULL,"
            " isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB NOT NULL, name TEXT, outside BLOB, digest "
-           "BLOB);"
+           "BLOB, author INTEGER NOT NULL DEFAULT 0);"
+           // The saves that no undo takes back.
+           "CREATE TABLE IF NOT EXISTS ObjectStoreHistory (sequence INTEGER PRIMARY KEY, savedAt REAL NOT "
+           "NULL, author INTEGER NOT NULL, name TEXT, isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB "
+           "NOT "
+           "NULL);"
            "CREATE INDEX IF NOT EXISTS ObjectStoreJournal_undone ON ObjectStoreJournal (sequence) WHERE "
            "isUndone = 1;"
            "CREATE TABLE IF NOT EXISTS ObjectStoreOutbox (sequence INTEGER PRIMARY KEY AUTOINCREMENT,"
@@ -159,7 +164,10 @@ QByteArray missingColumnsOfJournal(sqlite::Database &database)
     const QByteArray count = "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreJournal')";
     const bool isThere = database.queryInteger(count) > 0;
     QByteArray sql;
-    for (const auto &[name, type] : {std::pair("name", "TEXT"), {"outside", "BLOB"}, {"digest", "BLOB"}}) {
+    for (const auto &[name, type] : {std::pair("name", "TEXT"),
+                                     {"outside", "BLOB"},
+                                     {"digest", "BLOB"},
+                                     {"author", "INTEGER NOT NULL DEFAULT 0"}}) {
         if (isThere && database.queryInteger(count + " WHERE name = '" + name + '\'') == 0)
             sql += QByteArray("ALTER TABLE ObjectStoreJournal ADD COLUMN ") + name + ' ' + type + ';';
     }
