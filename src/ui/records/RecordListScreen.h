@@ -77,8 +77,7 @@ public:
     bool canFilter() const override;
     bool canClearFilter() const override;
 
-    /// The one record that is selected, or null.
-    ObjectPtr selectedRecord() const;
+    ObjectPtr selectedRecord() const override;
     /// Shows a record in a pane. One that is edited keeps the user there, and its row selected.
     void showDetail(const ObjectPtr &record);
     /// Where the row of a record is on the screen; the upper edge without one.

@@ -40,6 +40,8 @@ public:
     virtual std::optional<ListType> listType() const { return std::nullopt; }
     /// The one task that is selected, or null.
     virtual TaskPtr selectedTask() const { return nullptr; }
+    /// The one record of any kind that is selected, or null.
+    virtual ObjectPtr selectedRecord() const { return selectedTask(); }
     /// Why a task is on this screen, or why not, in a sentence.
     virtual QString explanationOf(const TaskPtr &task) const;
     /// Where on the screen the sentence about a task belongs.

@@ -27,6 +27,7 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::FilterTasks, u"actionFilterTasks", u"Filter…", u"Ctrl+Shift+F"},
     ActionDescription{ActionId::ClearFilter, u"actionClearFilter", u"Clear filter", u"Ctrl+Shift+Backspace"},
     ActionDescription{ActionId::WhyIsItHere, u"actionWhyIsItHere", u"Why Is It Here?", u"Ctrl+I"},
+    ActionDescription{ActionId::ShowHistory, u"actionShowHistory", u"History", u"Ctrl+Shift+H"},
     ActionDescription{ActionId::ShowHome, u"actionShowHome", u"Home", u"Ctrl+1", SidebarItem::Home},
     ActionDescription{ActionId::ShowInbox, u"actionShowInbox", u"Inbox", u"Ctrl+2", SidebarItem::Inbox},
     ActionDescription{ActionId::ShowToday, u"actionShowToday", u"Today", u"Ctrl+3", SidebarItem::Today},

@@ -29,6 +29,7 @@ enum class ActionId {
     FilterTasks,
     ClearFilter,
     WhyIsItHere,
+    ShowHistory,
     Delete,
     SelectAll,
     ShowHome,

@@ -43,7 +43,7 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
     addMenu(menuBar, actions, u"Edit"_s,
             {ActionId::Undo, ActionId::Redo, separator, ActionId::Cut, ActionId::Copy, ActionId::Paste,
              ActionId::Delete, ActionId::SelectAll, separator, ActionId::Search, ActionId::FilterTasks,
-             ActionId::ClearFilter, ActionId::WhyIsItHere});
+             ActionId::ClearFilter, ActionId::WhyIsItHere, ActionId::ShowHistory});
     QMenu *view = addMenu(
         menuBar, actions, u"View"_s,
         {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople, ActionId::ShowCompanies,

@@ -70,6 +70,8 @@ void MainWindowController::bindActions()
         [this] { return screen && screen->canClearFilter(); });
     actions->bind(
         ActionId::WhyIsItHere, [this] { explainPlace(); }, [this] { return taskInQuestion() != nullptr; });
+    actions->bind(
+        ActionId::ShowHistory, [this] { showHistory(); }, [this] { return recordInQuestion() != nullptr; });
     actions->bind(ActionId::Cut, TextCommands::cut, TextCommands::canCut);
     actions->bind(ActionId::Copy, TextCommands::copy, TextCommands::canCopy);
     actions->bind(ActionId::Paste, TextCommands::paste, TextCommands::canPaste);

@@ -74,6 +74,7 @@ public:
     void searchSelectItem(const ObjectPtr &record);
     /// Says by which rule the task in question is on the shown list, or why it is not.
     void explainPlace();
+    void showHistory();
     /// Another store is in use: everything is fetched anew.
     void changeDataBase();
     /// Closes the main window, if nothing typed is to stay, and opens the window that the program offers its
@@ -120,6 +121,7 @@ private:
     bool canRemoveSelected() const;
     void removeSelected();
     TaskPtr taskInQuestion() const;
+    ObjectPtr recordInQuestion() const;
     void selectAgain(SidebarItem former, const QString &formerGroup);
     void groupsMayHaveChanged();
     void undo();

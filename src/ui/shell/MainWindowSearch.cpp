@@ -1,3 +1,5 @@
+#include "records/DetailStack.h"
+#include "records/HistoryWindow.h"
 #include "records/Waiting.h"
 #include "shell/Actions.h"
 #include "shell/MainWindow.h"
@@ -59,6 +61,21 @@ TaskPtr MainWindowController::taskInQuestion() const
     const TaskPtr selected = screen ? screen->selectedTask() : nullptr;
     return selected ? selected
                     : std::dynamic_pointer_cast<EntityTask>(DBWorker::getObjectFromId(searchedRecord));
+}
+
+/// That of the pane on top, or else the selected one.
+ObjectPtr MainWindowController::recordInQuestion() const
+{
+    const DetailViewController *pane = details->top();
+    if (pane && pane->record())
+        return pane->record();
+    return screen ? screen->selectedRecord() : nullptr;
+}
+
+void MainWindowController::showHistory()
+{
+    if (const ObjectPtr record = recordInQuestion())
+        (new HistoryWindow(record, mainWindow.get()))->showWindow();
 }
 
 void MainWindowController::explainPlace()

@@ -1,0 +1,130 @@
+// What was changed in a record, in its window, and how a former value comes back.
+
+#include "calendarsync/RecordsTransaction.h"
+#include "records/HistoryWindow.h"
+#include "records/ProjectForm.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/CheckList.h"
+
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+class HistoryTest : public ShellTest
+{
+protected:
+    HistoryWindow &open()
+    {
+        run(ActionId::ShowHistory);
+        settle();
+        return find<HistoryWindow>(window(), "HistoryWindow");
+    }
+    static CheckList &list(HistoryWindow &history) { return find<CheckList>(history, "tableHistory"); }
+    static QStringList lines(HistoryWindow &history)
+    {
+        QStringList texts;
+        for (int line = 0; line < list(history).lineCount(); ++line)
+            texts << list(history).textOf(line);
+        return texts;
+    }
+    /// Marks the line and presses the button.
+    void restore(HistoryWindow &history, const QString &line)
+    {
+        const int row = static_cast<int>(lines(history).indexOf(line));
+        ASSERT_GE(row, 0) << lines(history).join(u'\n').toStdString();
+        QTest::mouseClick(list(history).viewport(), Qt::LeftButton, {},
+                          list(history).visualRect(list(history).model()->index(row, 0)).center());
+        QTest::mouseClick(&find<QPushButton>(history, "buttonRestore"), Qt::LeftButton);
+        settle();
+    }
+    template <typename Change>
+    void at(int hour, ChangeAuthor author, Change change)
+    {
+        Clock::setSource([hour] { return localDate(2026, 11, 21, hour, 0); });
+        RecordsTransaction transaction(author == ChangeAuthor::User ? u"Edit Task"_s : QString(), author);
+        change();
+        ASSERT_FALSE(transaction.commit());
+    }
+};
+
+TEST_F(HistoryTest, AFormerValueOfATaskComesBackByItsRulesAndGoesAgain)
+{
+    const TaskPtr task = add(u"Call the bank"_s, [](MVTask &copy) {
+        copy.startDate = localDate(2026, 11, 24, 0, 0);
+        copy.dueDate = localDate(2026, 11, 24, 23, 59) + Seconds(59);
+    });
+    at(10, ChangeAuthor::User, [&] { task->setTitle(u"Call the new bank"_s); });
+    at(11, ChangeAuthor::Pass, [&] {
+        task->setStartDate(localDate(2026, 11, 28, 0, 0));
+        task->setDueDate(localDate(2026, 11, 28, 23, 59) + Seconds(59));
+        task->setCalendarID(u"unseen"_s);
+    });
+    showList(SidebarItem::NotDone);
+    clickRow(0);
+    HistoryWindow &history = open();
+    EXPECT_EQ(history.windowTitle(), u"History of Call the new bank"_s);
+    const QStringList shown = lines(history);
+    ASSERT_EQ(shown.size(), 7) << shown.join(u'\n').toStdString();
+    EXPECT_TRUE(shown[0].endsWith(u" · Calendar"_s)) << shown[0].toStdString();
+    EXPECT_TRUE(shown[1].startsWith(u"Start Date: Nov 24, 2026"_s)) << shown[1].toStdString();
+    EXPECT_TRUE(shown[3].endsWith(u" · You · Edit Task"_s)) << shown[3].toStdString();
+    EXPECT_EQ(shown[4], u"Title: Call the bank → Call the new bank"_s);
+    EXPECT_EQ(shown[6], u"Created"_s);
+    EXPECT_FALSE(find<QPushButton>(history, "buttonRestore").isEnabled());
+    // One date brings the other along, or the task would start after it is due.
+    restore(history, shown[2]);
+    EXPECT_EQ(task->startDate(), localDate(2026, 11, 24, 0, 0));
+    EXPECT_EQ(task->dueDate(), localDate(2026, 11, 24, 23, 59));
+    restore(history, shown[4]);
+    EXPECT_EQ(task->title(), u"Call the bank"_s);
+    EXPECT_TRUE(lines(history).contains(u"Title: Call the new bank → Call the bank"_s)) << "It follows";
+    // What is in force already cannot be put back.
+    const int former = static_cast<int>(lines(history).indexOf(shown[4]));
+    QTest::mouseClick(list(history).viewport(), Qt::LeftButton, {},
+                      list(history).visualRect(list(history).model()->index(former, 0)).center());
+    EXPECT_FALSE(find<QPushButton>(history, "buttonRestore").isEnabled());
+    QTest::keyClick(&list(history), Qt::Key_Escape);
+    settle();
+    run(ActionId::Undo);
+    EXPECT_EQ(task->title(), u"Call the new bank"_s);
+}
+
+TEST_F(HistoryTest, WhatBelongedToAContactComesBack)
+{
+    ContactPtr contact;
+    std::shared_ptr<EntityPhone> phone;
+    ProjectPtr project;
+    at(10, ChangeAuthor::Import, [&] {
+        contact = context().insert<EntityContacts>();
+        contact->setFirstName(u"Ada"_s);
+        phone = context().insert<EntityPhone>();
+        phone->setNumber(u"+49 30 1234"_s);
+        phone->setContact(contact);
+        project = context().insert<EntityProject>();
+        project->setTitle(u"House"_s);
+        project->setDelegateToUser({contact});
+    });
+    at(11, ChangeAuthor::User, [&] { context().deleteObject(phone); });
+    at(12, ChangeAuthor::User, [&] { project->setDelegateToUser({}); });
+    RecordHistory ofContact(contact);
+    ASSERT_EQ(ofContact.entries().size(), 2u);
+    EXPECT_EQ(ofContact.entries()[1].who, u"Import"_s);
+    ASSERT_EQ(ofContact.entries()[0].lines.size(), 1u);
+    EXPECT_EQ(ofContact.entries()[0].lines[0].before, u"+49 30 1234"_s);
+    EXPECT_TRUE(ofContact.restore(0, 0));
+    ASSERT_EQ(contact->phone().size(), 1u);
+    EXPECT_EQ(contact->phone()[0]->number(), u"+49 30 1234"_s);
+
+    RecordHistory ofProject(project);
+    ASSERT_EQ(ofProject.entries()[0].lines.size(), 1u);
+    EXPECT_EQ(ofProject.entries()[0].lines[0].before, u"Ada"_s);
+    EXPECT_TRUE(ofProject.restore(0, 0));
+    EXPECT_EQ(project->delegateToUser(), std::vector<ContactPtr>({contact}));
+    // Who is gone cannot be linked again.
+    at(13, ChangeAuthor::User, [&] { project->setDelegateToUser({}); });
+    at(14, ChangeAuthor::User, [&] { context().deleteObject(contact); });
+    ofProject.reload();
+    EXPECT_EQ(ofProject.entries()[0].lines[0].before, u"(deleted since)"_s);
+    EXPECT_FALSE(ofProject.entries()[0].lines[0].canRestore);
+    EXPECT_FALSE(ofProject.restore(0, 0));
+}
