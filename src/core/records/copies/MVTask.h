@@ -27,12 +27,14 @@ public:
     std::optional<bool> allowsContentModifications;
     std::optional<double> colorCalendarR, colorCalendarG, colorCalendarB, colorCalendarA;
     OptionalDate creationDate;
+    OptionalDate delegatedSince;
     QString details;
     OptionalDate dueDate;
     std::optional<bool> wasCreatedOffCalendar;
     std::optional<bool> dueSomeDay;
     OptionalDate endRepeat;
     OptionalDate expirationDate;
+    OptionalDate lastAsked;
     OptionalDate lastModificationDate;
     std::optional<int> position;
     std::optional<Priority> priority;

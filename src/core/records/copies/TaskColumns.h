@@ -113,6 +113,8 @@ inline constexpr auto all = [] {
                     Shared, Nothing),
         TASK_COLUMN(remindID, setRemindID, BothWays, Counts, Alone, Own, Nothing),
         TASK_COLUMN(wasCreatedOffCalendar, setWasCreatedOffCalendar, BothWays, Counts, Alone, Own, Nothing),
+        TASK_COLUMN(delegatedSince, setDelegatedSince, Never, Ignored, Nothing, Own, Nothing),
+        TASK_COLUMN(lastAsked, setLastAsked, Never, Ignored, Nothing, Own, Nothing),
         TASK_COLUMN(category, setCategory, BothWays, Counts, Alone, Shared, Search),
         TASK_COLUMN(company, setCompany, BothWays, Counts, WithDelegate, Shared, Search),
         TASK_COLUMN(delegateToUser, setDelegateToUser, BothWays, Counts, WithDelegate, Shared, Search),

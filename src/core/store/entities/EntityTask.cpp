@@ -7,10 +7,23 @@
 
 MANAGED_TO_ONE_DEFINITION(EntityTask, EntityCategory, category, setCategory)
 MANAGED_TO_ONE_DEFINITION(EntityTask, EntityCompany, company, setCompany)
-MANAGED_TO_ONE_DEFINITION(EntityTask, EntityContacts, delegateToUser, setDelegateToUser)
 MANAGED_TO_ONE_DEFINITION(EntityTask, EntityLocation, location, setLocation)
 MANAGED_TO_ONE_DEFINITION(EntityTask, EntityProject, project, setProject)
 MANAGED_TO_MANY_DEFINITION(EntityTask, EntityTags, tags, setTags)
+
+ContactPtr EntityTask::delegateToUser() const
+{
+    return std::static_pointer_cast<EntityContacts>(related(column<"delegateToUser">()));
+}
+
+void EntityTask::setDelegateToUser(const ContactPtr &contact)
+{
+    if (contact == delegateToUser())
+        return;
+    setRelated(column<"delegateToUser">(), contact);
+    setDelegatedSince(contact ? OptionalDate(Clock::now()) : std::nullopt);
+    setLastAsked(std::nullopt);
+}
 
 const QString &EntityTask::taskIdKey()
 {

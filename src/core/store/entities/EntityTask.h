@@ -33,6 +33,7 @@ public:
         {"colorCalendarG", AttributeType::Double}, {"colorCalendarB", AttributeType::Double},
         {"colorCalendarA", AttributeType::Double}, {"allowsContentModifications", AttributeType::Boolean},
         {"remindID", AttributeType::String},       {"wasCreatedOffCalendar", AttributeType::Boolean},
+        {"delegatedSince", AttributeType::Date},   {"lastAsked", AttributeType::Date},
     });
     static constexpr auto relationshipTable = std::to_array<RelationshipDescription>({
         {"category", Cardinality::ToOne, "EntityCategory", "task"},
@@ -125,8 +126,13 @@ public:
     MANAGED_TO_ONE(EntityCategory, category, setCategory)
     /// Null for none; a form fills in that of the contact.
     MANAGED_TO_ONE(EntityCompany, company, setCompany)
-    /// The contact that it is delegated to; null for nobody.
+    /// The contact that it is delegated to; null for nobody. Whoever it is given to has it since then, and was
+    /// not asked about it yet.
     MANAGED_TO_ONE(EntityContacts, delegateToUser, setDelegateToUser)
+    /// Since when that contact has it; absent for nobody, and for what was delegated before this was kept.
+    MANAGED_DATE(delegatedSince, setDelegatedSince)
+    /// When that contact was asked about it last; absent for never. Written by `WaitingFor`.
+    MANAGED_DATE(lastAsked, setLastAsked)
     /// Where it takes place, the place of its event; null for nowhere.
     MANAGED_TO_ONE(EntityLocation, location, setLocation)
     /// The project that it belongs to; null for none.

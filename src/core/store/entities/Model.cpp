@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 5;
+constexpr int modelVersion = 6;
 
 template <typename Entity>
 EntityDescription describe()
