@@ -8,7 +8,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
 option(MORVANE_WERROR "Treat compiler warnings as errors" OFF)
 option(MORVANE_BENCHMARKS "Build the benchmarks" ON)
-option(MORVANE_EDS "Build the library for the calendars of evolution-data-server, with its tests" ON)
+option(MORVANE_EDS "Build the libraries for the calendars and address books of evolution-data-server, with their tests" ON)
 option(MORVANE_TIDY "Run clang-tidy on every source file" OFF)
 set(MORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 option(MORVANE_COVERAGE "Instrument for coverage with gcov" OFF)

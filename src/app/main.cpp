@@ -1,5 +1,6 @@
 #include "CalendarBackends.h"
 #include "CommandLine.h"
+#include "ContactBackends.h"
 #include "shell/ApplicationLife.h"
 #include "shell/Shell.h"
 #include "shell/SingleInstance.h"
@@ -22,6 +23,7 @@ int main(int argc, char *argv[])
         return instance.activateOther() ? 0 : 1;
     Shell::prepareApplication();
     connectCalendars();
+    connectContacts();
     AppDelegate delegate(std::make_unique<Shell>());
     ApplicationLife life(delegate, &instance);
     delegate.applicationWillFinishLaunching();

@@ -34,6 +34,9 @@ QString contradictionInNotifications(const QByteArray &bytes);
 /// Reads the draft of a task. What was understood is written the same again.
 QString contradictionInDraft(const QByteArray &bytes);
 
+/// Reads vCards, and writes what was understood of each in both versions. It is read again the same.
+QString contradictionInContacts(const QByteArray &bytes);
+
 struct FuzzTarget
 {
     /// Also that of its folder in the corpus.
@@ -41,10 +44,11 @@ struct FuzzTarget
     QString (*contradictionIn)(const QByteArray &bytes);
 };
 
-inline constexpr std::array<FuzzTarget, 7> fuzzTargets = {{{"recurrence", contradictionInRecurrence},
+inline constexpr std::array<FuzzTarget, 8> fuzzTargets = {{{"recurrence", contradictionInRecurrence},
                                                            {"calendar", contradictionInCalendar},
                                                            {"settings", contradictionInSettings},
                                                            {"predicate", contradictionInPredicate},
                                                            {"journal", contradictionInJournal},
                                                            {"notifications", contradictionInNotifications},
-                                                           {"draft", contradictionInDraft}}};
+                                                           {"draft", contradictionInDraft},
+                                                           {"contacts", contradictionInContacts}}};

@@ -8,6 +8,7 @@
 #include "shell/Screens.h"
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
+#include "shell/contactimport/ImportContactWindowController.h"
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
@@ -23,6 +24,10 @@ void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
         showNewTask(screen ? screen->newTaskRequest() : NewTaskRequest());
     else if (type == ToolBarButton::Calendars)
         showCalendars();
+    else if (type == ToolBarButton::ImportContacts)
+        connect(ImportContactWindowController::open(mainWindow.get()),
+                &ImportContactWindowController::preferencesWanted, this, &MainWindowController::showSettings,
+                Qt::UniqueConnection);
     else if (const auto kind = Screens::kindAddedBy(type))
         showNewWindow(kind->windowName, [&] { return kind->makeWindow(mainWindow.get()); });
 }

@@ -1,0 +1,45 @@
+#include "records/people/ContactCards.h"
+
+#include "foundation/Localization.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QFileInfo>
+
+ContactCards ContactCards::ofFile(const QString &path)
+{
+    ContactCards cards;
+    cards.shownName = QFileInfo(path).fileName();
+    cards.filePath = path;
+    return cards;
+}
+
+ContactCards ContactCards::ofText(const QString &name, const QByteArray &text)
+{
+    ContactCards cards;
+    cards.shownName = name;
+    cards.content = text;
+    return cards;
+}
+
+qint64 ContactCards::size() const
+{
+    return filePath.isEmpty() ? content.size() : QFileInfo(filePath).size();
+}
+
+ContactCards::Opened ContactCards::open() const
+{
+    if (filePath.isEmpty()) {
+        auto buffer = std::make_unique<QBuffer>();
+        buffer->setData(content);
+        buffer->open(QIODevice::ReadOnly);
+        return {std::move(buffer), {}};
+    }
+    auto file = std::make_unique<QFile>(filePath);
+    // Anything else, such as a pipe, may keep its reader waiting for ever.
+    if (QFileInfo(filePath).exists() && !QFileInfo(filePath).isFile())
+        return {nullptr, localized(QStringLiteral("it is no file"))};
+    if (!file->open(QIODevice::ReadOnly))
+        return {nullptr, file->errorString()};
+    return {std::move(file), {}};
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+class QIODevice;
+
+/// vCards from one origin, a file or an address book, which can be read as often as they are needed. A file
+/// is not held in memory.
+class ContactCards
+{
+public:
+    static ContactCards ofFile(const QString &path);
+    /// \param name that of the address book.
+    static ContactCards ofText(const QString &name, const QByteArray &text);
+
+    /// What the user calls the origin: the name of the file or of the address book.
+    const QString &name() const { return shownName; }
+    /// The length in bytes.
+    qint64 size() const;
+    /// The text from its beginning; null, with the reason in `reason`, if the file cannot be read.
+    struct Opened
+    {
+        std::unique_ptr<QIODevice> device;
+        /// In the words of the system; empty without a failure.
+        QString reason;
+    };
+    Opened open() const;
+
+private:
+    QString shownName;
+    QString filePath;
+    QByteArray content;
+};

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "contacts/CNContact.h"
+#include "store/entities/Entities.h"
+
+#include <QHash>
+#include <QSet>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+/// What has become of the contacts of an import.
+struct ContactImportAccount
+{
+    int added = 0;
+    int companies = 0;
+    /// The full names of those that were there before, and of those among them that lack something that the
+    /// card has.
+    QStringList existing;
+    QStringList poorer;
+    /// What was not imported, each with its reason in the user's language.
+    QStringList refused;
+    /// The names of those whose picture was none, or could not be had or kept.
+    QStringList withoutPicture;
+    /// The names of those whose birthday has no year, which is not kept.
+    QStringList withoutYear;
+    bool wasStopped = false;
+    /// False if the store could not be written, which the user was told. The contacts wait for the next save.
+    bool isSaved = true;
+
+    /// All of it for the user to read, a sentence each; names only of the first few.
+    QStringList sentences() const;
+};
+
+/// Puts contacts of address books and vCards into the store. A contact whose first and last name are there
+/// already is left as it is, and brings nothing with it. Nothing is committed here: whoever calls it has a
+/// transaction open. Main thread only.
+class ContactImport
+{
+public:
+    /// Makes a PNG of a picture of any format; empty for what is no picture.
+    using PngMaker = std::function<QByteArray(const QByteArray &image)>;
+
+    explicit ContactImport(PngMaker toPng);
+
+    /// Imports one contact with its company, phones, mail, postal and web addresses and its picture. The new
+    /// row, or null: the account says why.
+    ContactPtr importContactToDataBase(const CNContact &contact);
+    /// Something that could not even be read.
+    void refuse(const QString &sentence) { account.refused.append(sentence); }
+
+    /// What has come of all of it. Looks what the contacts that were there lack; to be called once, at the
+    /// end.
+    ContactImportAccount finish();
+
+    /// The type of a label: its place in the list of labels is that in the table of types. A label that is in
+    /// no list may be the title of a type, else it gets the last one; null only without any type.
+    std::shared_ptr<EntityPhoneType> phoneTypeWith(const QString &label) const;
+    std::shared_ptr<EntityEmailType> emailTypeWith(const QString &label) const;
+    std::shared_ptr<EntityAddressType> addressTypeWith(const QString &label) const;
+    std::shared_ptr<EntityURLType> urlsTypeWith(const QString &label) const;
+
+private:
+    CompanyPtr companyNamed(const QString &title);
+    void addDetails(const ContactPtr &row, const CNContact &contact);
+    void addPicture(const ContactPtr &row, const CNContact &contact);
+    QString freePhotoName();
+    void compareExisting();
+
+    PngMaker pngOf;
+    ContactImportAccount account;
+    std::vector<std::shared_ptr<EntityPhoneType>> phoneTypes;
+    std::vector<std::shared_ptr<EntityEmailType>> emailTypes;
+    std::vector<std::shared_ptr<EntityAddressType>> addressTypes;
+    std::vector<std::shared_ptr<EntityURLType>> urlTypes;
+    /// Rows of contacts by their two names, and of companies by their title; 0 for those that are new.
+    QHash<QString, RowId> contacts;
+    QHash<QString, RowId> companyRows;
+    QHash<QString, CompanyPtr> companies;
+    /// What the cards have of contacts that were there before, without pictures.
+    std::vector<std::pair<RowId, CNContact>> met;
+    double lastPhotoMoment = 0;
+};

@@ -1,0 +1,199 @@
+#include "records/people/ImportableContacts.h"
+
+#include "calendarsync/RecordsTransaction.h"
+#include "contacts/VCardContact.h"
+#include "contacts/VCardReader.h"
+#include "foundation/Localization.h"
+#include "store/entities/FullName.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+
+#include <QIODevice>
+
+#include <algorithm>
+#include <numeric>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+QString titleOf(const CNContact &contact)
+{
+    return fullNameWith(contact.givenName, contact.familyName);
+}
+
+QString withoutEnd(QString sentence)
+{
+    while (sentence.endsWith(u'.'))
+        sentence.chop(1);
+    return sentence;
+}
+
+} // namespace
+
+ImportableContacts::ImportableContacts()
+{
+    mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
+        present.insert(fullNameWith(row.text(0), row.text(1)));
+    });
+}
+
+ImportableContacts::~ImportableContacts() = default;
+
+void ImportableContacts::add(ContactCards cards)
+{
+    origins.push_back(std::move(cards));
+}
+
+void ImportableContacts::clear()
+{
+    reader.reset();
+    device.reset();
+    origins.clear();
+    nextOrigin = 0;
+    candidates.clear();
+    entries.clear();
+    known.clear();
+    organizations = 0;
+    sentences.clear();
+    rows.setMarked({});
+    showRows();
+}
+
+void ImportableContacts::showRows()
+{
+    rows.setFixed(known);
+    rows.setEntries(entries);
+}
+
+bool ImportableContacts::openNext()
+{
+    const ContactCards &cards = origins[nextOrigin++];
+    ContactCards::Opened opened = cards.open();
+    cardsOfOrigin = 0;
+    if (!opened.device) {
+        sentences.append(
+            localized(u"\"%1\" cannot be read: %2."_s).arg(cards.name(), withoutEnd(opened.reason)));
+        return false;
+    }
+    device = std::move(opened.device);
+    reader = std::make_unique<VCardReader>(*device);
+    return true;
+}
+
+void ImportableContacts::take(const VCard &card)
+{
+    const QString &origin = origins[nextOrigin - 1].name();
+    const Candidate candidate{nextOrigin - 1, cardsOfOrigin++};
+    if (card.state == VCard::State::TooLarge) {
+        sentences.append(
+            localized(u"The card in line %1 of \"%2\" is too large."_s).arg(card.line).arg(origin));
+        return;
+    }
+    const CNContact contact = contactFrom(card, CardImage::Leave);
+    const QString title = titleOf(contact);
+    if (card.state == VCard::State::CutOff)
+        sentences.append(
+            localized(u"The card in line %1 of \"%2\" is cut off; what there is of it is shown."_s)
+                .arg(card.line)
+                .arg(origin));
+    if (title.isEmpty()) {
+        if (!contact.organizationName.isEmpty())
+            ++organizations;
+        else
+            sentences.append(
+                localized(u"The card in line %1 of \"%2\" has no name."_s).arg(card.line).arg(origin));
+        return;
+    }
+    candidates.push_back(candidate);
+    const auto key = static_cast<MarkedRows::Key>(candidates.size());
+    const bool isPresent = present.contains(title);
+    entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : contact.organizationName});
+    if (isPresent)
+        known.insert(key);
+}
+
+bool ImportableContacts::readSome(int milliseconds)
+{
+    if (!isReading())
+        return false;
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        if (!reader && !openNext())
+            continue;
+        if (const auto card = reader->next()) {
+            take(*card);
+        } else {
+            if (cardsOfOrigin == 0)
+                sentences.append(
+                    localized(u"There is no contact in \"%1\"."_s).arg(origins[nextOrigin - 1].name()));
+            reader.reset();
+            device.reset();
+        }
+    } while (isReading() && !timer.hasExpired(milliseconds));
+    if (isReading())
+        return true;
+    showRows();
+    return false;
+}
+
+int ImportableContacts::percentRead() const
+{
+    qint64 all = 0;
+    qint64 done = reader ? reader->position() : 0;
+    for (std::size_t origin = 0; origin < origins.size(); ++origin) {
+        const qint64 size = origins[origin].size();
+        all += size;
+        done += origin + (reader ? 1 : 0) < nextOrigin ? size : 0;
+    }
+    return all > 0 ? static_cast<int>(std::min<qint64>(100, 100 * done / all)) : 100;
+}
+
+void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, const StepBlock &step,
+                                    bool &isStopped)
+{
+    std::vector<int> wanted;
+    for (const MarkedRows::Key key : rows.marked()) {
+        const Candidate &one = candidates[static_cast<std::size_t>(key - 1)];
+        if (one.origin == origin)
+            wanted.push_back(one.card);
+    }
+    if (wanted.empty() || isStopped)
+        return;
+    std::ranges::sort(wanted);
+    const ContactCards::Opened opened = origins[origin].open();
+    if (!opened.device) {
+        import.refuse(localized(u"\"%1\" cannot be read: %2."_s)
+                          .arg(origins[origin].name(), withoutEnd(opened.reason)));
+        return;
+    }
+    VCardReader cards(*opened.device);
+    int number = 0;
+    auto next = wanted.begin();
+    for (auto card = cards.next(); card && next != wanted.end(); card = cards.next(), ++number) {
+        if (number != *next)
+            continue;
+        ++next;
+        import.importContactToDataBase(contactFrom(*card));
+        isStopped = step && !step() && next != wanted.end();
+        if (isStopped)
+            return;
+    }
+    // The file is another one by now.
+    if (next != wanted.end())
+        import.refuse(localized(u"\"%1\" has fewer contacts than before."_s).arg(origins[origin].name()));
+}
+
+ContactImportAccount ImportableContacts::import(const ContactImport::PngMaker &toPng, const StepBlock &step)
+{
+    RecordsTransaction transaction(u"Import Contacts"_s, ChangeAuthor::Import);
+    ContactImport contacts(toPng);
+    bool isStopped = false;
+    for (std::size_t origin = 0; origin < origins.size(); ++origin)
+        importFrom(origin, contacts, step, isStopped);
+    ContactImportAccount account = contacts.finish();
+    account.wasStopped = isStopped;
+    account.isSaved = DBWorker::tellOfFailure(transaction.commit());
+    return account;
+}

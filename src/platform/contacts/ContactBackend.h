@@ -1,0 +1,29 @@
+#pragma once
+
+#include "foundation/Error.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <vector>
+
+/// An address book of the desktop.
+struct CNContainer
+{
+    QString identifier;
+    QString name;
+    bool operator==(const CNContainer &) const = default;
+};
+
+/// Where the address books come from. Its functions are called on threads of their own, several at once, and
+/// may take their time. Errors are of the domain "contacts".
+class ContactBackend
+{
+public:
+    virtual ~ContactBackend() = default;
+
+    /// All address books, by name.
+    virtual Result<std::vector<CNContainer>> containers() = 0;
+    /// The contacts of one as vCards.
+    virtual Result<std::vector<QByteArray>> cards(const CNContainer &container) = 0;
+};

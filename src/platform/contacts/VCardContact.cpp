@@ -1,0 +1,291 @@
+#include "contacts/VCardContact.h"
+
+#include <QDate>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QRegularExpression>
+#include <QUrl>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace {
+
+constexpr qint64 mostImageBytes = 48 * 1024 * 1024;
+
+QString component(const QStringList &parts, qsizetype place)
+{
+    return parts.value(place);
+}
+
+QString oneLine(QString text)
+{
+    return text.replace(u'\n', u' ').simplified();
+}
+
+/// What the group of an attribute is called in an X-ABLabel line, by group. One that an address book gives by
+/// itself is wrapped.
+QHash<QByteArray, QString> groupLabels(const VCard &card)
+{
+    static const QString opening = QStringLiteral("_$!<");
+    static const QString closing = QStringLiteral(">!$_");
+    QHash<QByteArray, QString> labels;
+    for (const VCardAttribute &attribute : card.attributes) {
+        if (attribute.name() != "X-ABLABEL" || attribute.group().isEmpty())
+            continue;
+        QString label = attribute.text();
+        while (label.size() >= opening.size() + closing.size() && label.startsWith(opening) &&
+               label.endsWith(closing)) {
+            label = label.mid(opening.size(), label.size() - opening.size() - closing.size()).toLower();
+            if (label == QLatin1String("workfax") || label == QLatin1String("homefax"))
+                label.insert(4, u' ');
+        }
+        labels.insert(attribute.group().toUpper(), label);
+    }
+    return labels;
+}
+
+QString phoneLabel(const QStringList &types)
+{
+    const auto has = [&](const char *type) { return types.contains(QLatin1String(type)); };
+    if (has("PAGER"))
+        return CNLabel::pager;
+    if (has("FAX"))
+        return has("HOME") ? CNLabel::homeFax : has("WORK") ? CNLabel::workFax : CNLabel::fax;
+    if (has("IPHONE"))
+        return CNLabel::iPhone;
+    if (has("CELL"))
+        return CNLabel::mobile;
+    if (has("MAIN"))
+        return CNLabel::main;
+    if (has("HOME"))
+        return CNLabel::home;
+    if (has("WORK"))
+        return CNLabel::work;
+    if (has("OTHER"))
+        return CNLabel::other;
+    return has("PREF") ? CNLabel::main : QString();
+}
+
+QString placeLabel(const QStringList &types)
+{
+    for (const QString &label : {CNLabel::home, CNLabel::work, CNLabel::other}) {
+        if (types.contains(label.toUpper()))
+            return label;
+    }
+    return {};
+}
+
+/// "tel:" and "mailto:" say nothing that the name of the attribute does not.
+QString withoutScheme(const QString &value, const QString &scheme)
+{
+    QString plain = value;
+    while (plain.startsWith(scheme, Qt::CaseInsensitive))
+        plain = QUrl::fromPercentEncoding(plain.mid(scheme.size()).toUtf8()).trimmed();
+    return plain;
+}
+
+QString phoneOf(const VCardAttribute &attribute)
+{
+    static const QString extension = QStringLiteral(";ext=");
+    QString number = withoutScheme(attribute.text(), QStringLiteral("tel:"));
+    return number.replace(extension, QStringLiteral(" ext. "), Qt::CaseInsensitive).trimmed();
+}
+
+CNPostalAddress addressOf(const VCardAttribute &attribute)
+{
+    const QStringList parts = attribute.components();
+    CNPostalAddress address{component(parts, 2), component(parts, 1), component(parts, 3),
+                            component(parts, 4), component(parts, 5), component(parts, 6)};
+    const QString box = component(parts, 0);
+    if (address.street.isEmpty())
+        address.street = box;
+    else if (address.extended.isEmpty())
+        address.extended = box;
+    return address;
+}
+
+/// "19700517", "1970-05-17" and either with a time behind it; "--0517" and "--05-17" for every year.
+std::optional<CNBirthday> birthdayOf(const VCardAttribute &attribute)
+{
+    static const QRegularExpression pattern(QStringLiteral(R"(^(?:(\d{4})-?|--)(\d\d)-?(\d\d)(?:[T ].*)?$)"));
+    const QRegularExpressionMatch match = pattern.match(attribute.text());
+    if (!match.hasMatch())
+        return std::nullopt;
+    CNBirthday birthday{std::nullopt, match.captured(2).toInt(), match.captured(3).toInt()};
+    const QString omitted = attribute.parameter("X-APPLE-OMIT-YEAR");
+    if (!match.captured(1).isEmpty() && match.captured(1) != omitted)
+        birthday.year = match.captured(1).toInt();
+    constexpr int anyLeapYear = 2000;
+    const bool isDay = QDate::isValid(birthday.year.value_or(anyLeapYear), birthday.month, birthday.day);
+    return isDay && birthday.year != 0 ? std::optional(birthday) : std::nullopt;
+}
+
+QByteArray contentOfFile(const QString &path)
+{
+    const QFileInfo info(path);
+    QFile file(path);
+    // Other things, such as devices, may never end.
+    const bool isSensible = info.isFile() && info.size() <= mostImageBytes;
+    return isSensible && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray contentOfDataUri(const QString &uri)
+{
+    const qsizetype comma = uri.indexOf(u',');
+    const QByteArray content = uri.mid(comma + 1).toLatin1();
+    if (comma < 0)
+        return {};
+    return uri.left(comma).endsWith(QLatin1String(";base64"), Qt::CaseInsensitive)
+               ? QByteArray::fromBase64(QByteArray::fromPercentEncoding(content))
+               : QByteArray::fromPercentEncoding(content);
+}
+
+void takeImage(CNContact &contact, const VCardAttribute &attribute)
+{
+    const QByteArray raw = attribute.rawValue().trimmed();
+    const auto begins = [&](const char *scheme) {
+        return raw.left(qsizetype(std::strlen(scheme))).compare(scheme, Qt::CaseInsensitive) == 0;
+    };
+    if (raw.isEmpty())
+        return;
+    if (begins("data:"))
+        contact.imageData = contentOfDataUri(attribute.text());
+    else if (begins("file:"))
+        contact.imageData = contentOfFile(QUrl(attribute.text()).toLocalFile());
+    else if (!raw.contains(':'))
+        contact.imageData = attribute.isBase64() ? attribute.bytes() : QByteArray::fromBase64(raw);
+    contact.isImageMissing = contact.imageData.isEmpty();
+}
+
+/// The last word is the family name, unless a comma stands behind the first.
+void takeFullName(CNContact &contact, const QString &fullName)
+{
+    const qsizetype comma = fullName.indexOf(u',');
+    const qsizetype blank = fullName.lastIndexOf(u' ');
+    if (comma > 0) {
+        contact.familyName = fullName.left(comma).trimmed();
+        contact.givenName = fullName.mid(comma + 1).trimmed();
+    } else if (blank > 0) {
+        contact.givenName = fullName.left(blank).trimmed();
+        contact.familyName = fullName.mid(blank + 1).trimmed();
+    } else {
+        contact.givenName = fullName;
+    }
+}
+
+void takeNames(CNContact &contact, const VCard &card)
+{
+    const VCardAttribute *name = card.find("N");
+    const VCardAttribute *full = card.find("FN");
+    const QString fullName = full ? oneLine(full->text()) : QString();
+    const QStringList parts = name ? name->components() : QStringList();
+    contact.familyName = oneLine(component(parts, 0));
+    contact.givenName = oneLine(component(parts, 1));
+    if (contact.isOrganization) {
+        if (contact.organizationName.isEmpty())
+            contact.organizationName =
+                fullName.isEmpty() ? oneLine(contact.givenName + u' ' + contact.familyName) : fullName;
+        contact.familyName.clear();
+        contact.givenName.clear();
+        return;
+    }
+    // Some write the whole name into the first place.
+    const bool isInOnePlace = parts.size() == 1 && contact.familyName == fullName && fullName.contains(u' ');
+    const bool isOnlyOrganization = fullName == contact.organizationName;
+    if (isInOnePlace || (!contact.hasName() && !isOnlyOrganization)) {
+        contact.familyName.clear();
+        takeFullName(contact, fullName);
+    }
+}
+
+QString organizationOf(const VCardAttribute &attribute)
+{
+    for (const QString &part : attribute.components()) {
+        if (!part.isEmpty())
+            return oneLine(part);
+    }
+    return {};
+}
+
+/// Profiles of a person count as addresses of the web, by the name of the place.
+QString profileLabel(const VCardAttribute &attribute)
+{
+    static const std::array<QString, 3> places = {QStringLiteral("Facebook"), QStringLiteral("Twitter"),
+                                                  QStringLiteral("LinkedIn")};
+    const QStringList said = attribute.types() + QStringList(attribute.parameter("SERVICE-TYPE").toUpper());
+    const auto found =
+        std::ranges::find_if(places, [&](const QString &place) { return said.contains(place.toUpper()); });
+    return found == places.end() ? QString() : *found;
+}
+
+bool isKind(const VCard &card, const QByteArray &name, const char *kind)
+{
+    const VCardAttribute *attribute = card.find(name);
+    return attribute && attribute->text().compare(QLatin1String(kind), Qt::CaseInsensitive) == 0;
+}
+
+/// Groups, places and devices have cards as well.
+bool isSomethingElse(const VCard &card)
+{
+    return isKind(card, "KIND", "group") || isKind(card, "X-ADDRESSBOOKSERVER-KIND", "group") ||
+           isKind(card, "KIND", "location") || isKind(card, "KIND", "application") ||
+           isKind(card, "KIND", "device");
+}
+
+void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
+                   const QHash<QByteArray, QString> &labels)
+{
+    const QByteArray &name = attribute.name();
+    const auto labelOr = [&](const QString &other) {
+        const QString given =
+            attribute.group().isEmpty() ? QString() : labels.value(attribute.group().toUpper());
+        return given.isEmpty() ? other : given;
+    };
+    const auto add = [](auto &values, const QString &label, const auto &value) {
+        if (!value.isEmpty())
+            values.push_back({label, value});
+    };
+    if (name == "TEL") {
+        add(contact.phoneNumbers, labelOr(phoneLabel(attribute.types())), phoneOf(attribute));
+    } else if (name == "EMAIL") {
+        add(contact.emailAddresses, labelOr(placeLabel(attribute.types())),
+            withoutScheme(attribute.text(), QStringLiteral("mailto:")));
+    } else if (name == "ADR") {
+        const CNPostalAddress address = addressOf(attribute);
+        add(contact.postalAddresses, labelOr(placeLabel(attribute.types())), address);
+    } else if (name == "URL") {
+        add(contact.urlAddresses, labelOr(placeLabel(attribute.types())), oneLine(attribute.text()));
+    } else if (name == "X-SOCIALPROFILE" || name == "SOCIALPROFILE") {
+        add(contact.urlAddresses, labelOr(profileLabel(attribute)), oneLine(attribute.text()));
+    } else if (name == "ORG" && contact.organizationName.isEmpty()) {
+        contact.organizationName = organizationOf(attribute);
+    } else if (name == "TITLE" && contact.jobTitle.isEmpty()) {
+        contact.jobTitle = oneLine(attribute.text());
+    } else if (name == "UID" && contact.identifier.isEmpty()) {
+        contact.identifier = attribute.text();
+    } else if (name == "BDAY" && !contact.birthday) {
+        contact.birthday = birthdayOf(attribute);
+    }
+}
+
+} // namespace
+
+CNContact contactFrom(const VCard &card, CardImage image)
+{
+    CNContact contact;
+    if (isSomethingElse(card))
+        return contact;
+    const QHash<QByteArray, QString> labels = groupLabels(card);
+    for (const VCardAttribute &attribute : card.attributes) {
+        takeAttribute(contact, attribute, labels);
+        const bool isImage = attribute.name() == "PHOTO" && image == CardImage::Read;
+        if (isImage && contact.imageData.isEmpty())
+            takeImage(contact, attribute);
+    }
+    contact.isOrganization = isKind(card, "KIND", "org") || isKind(card, "X-ABSHOWAS", "company");
+    takeNames(contact, card);
+    return contact;
+}

@@ -1,0 +1,381 @@
+#include "CoreTest.h"
+
+#include "cloud/IcloudManager.h"
+#include "contacts/VCardContact.h"
+#include "contacts/VCardReader.h"
+#include "records/people/ContactExport.h"
+#include "records/people/ImportableContacts.h"
+#include "support/FullDisk.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+
+#include <random>
+
+namespace {
+
+const QByteArray face = "\x89PNG\r\n\x1a\nface";
+
+class ImportingContacts : public CoreTest
+{
+protected:
+    ~ImportingContacts() override { UserDefaults::standard().removeObject(settings::contactDisplayOrder); }
+
+    template <typename T>
+    int count()
+    {
+        return context().count(T::fetchRequest());
+    }
+    static QByteArray card(const QByteArray &lines)
+    {
+        return "BEGIN:VCARD\r\nVERSION:3.0\r\n" + lines + "\r\nEND:VCARD\r\n";
+    }
+    /// Takes for a picture what has its signature, and tells by its first letter that it made the PNG.
+    static QByteArray png(const QByteArray &image)
+    {
+        return image.startsWith("\x89PNG") ? image : image.startsWith("JPEG") ? face + image : QByteArray();
+    }
+    static std::unique_ptr<ImportableContacts> listOf(const QByteArray &text)
+    {
+        auto list = std::make_unique<ImportableContacts>();
+        list->add(ContactCards::ofText(u"Friends"_qs, text));
+        while (list->readSome(1'000)) {
+        }
+        return list;
+    }
+    /// The rows as they are shown: "x" is a mark, "=" one that stays.
+    static QString shown(const MarkedRows &list)
+    {
+        QStringList texts;
+        for (int row = 0; row < int(list.rows().size()); ++row) {
+            const QString &text = list.rows()[std::size_t(row)].text;
+            texts.append(list.isFixed(row) ? u'=' + text : list.isMarked(row) ? u'x' + text : text);
+        }
+        return texts.join(u' ');
+    }
+    static ContactImportAccount importAll(const QByteArray &text, const StepBlock &step = {})
+    {
+        const auto list = listOf(text);
+        list->list().markShown(true);
+        return list->import(png, step);
+    }
+    /// Names are never absent in what was imported.
+    static ContactPtr contact(const QString &first, const QString &last)
+    {
+        return EntityContacts::firstName(u""_qs + first, u""_qs + last);
+    }
+};
+
+TEST_F(ImportingContacts, OffersThemUnderTheirLetters)
+{
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_qs);
+    ann->setLastName(u"Lee"_qs);
+    const QByteArray text = card("N:Lee;Ann;;;") + card("N:Kay;Bob;;;\r\nORG:Works") + card("N:;7even;;;") +
+                            card("N:;Ágnes;;;") + card("ORG:Works\r\nFN:Works") + card("TEL:1") +
+                            "BEGIN:VCARD\r\nN:Cut;;;;\r\nTEL:1";
+    const auto list = listOf(text);
+    EXPECT_EQ(shown(list->list()), u"# 7even A Ágnes =Ann Lee B Bob Kay C Cut"_qs);
+    EXPECT_EQ(list->organizationCount(), 1);
+    EXPECT_EQ(
+        list->problems(),
+        (QStringList{u"The card in line 23 of \"Friends\" has no name."_qs,
+                     u"The card in line 27 of \"Friends\" is cut off; what there is of it is shown."_qs}));
+    list->list().markShown(true);
+    EXPECT_EQ(list->list().marked().size(), 4u) << "not what is there already";
+    UserDefaults::standard().setObject(settings::contactDisplayOrder, 1);
+    EXPECT_EQ(shown(listOf(text)->list()), u"# 7even A Ágnes C Cut K Kay Bob L =Lee Ann"_qs);
+}
+
+TEST_F(ImportingContacts, WritesEveryFieldOfOne)
+{
+    const ContactImportAccount account = importAll(card(
+        "N:Lee;Ann;;;\r\nORG:Works\r\nBDAY:1990-02-03\r\nTEL;TYPE=CELL:1\r\nTEL;TYPE=HOME,FAX:2\r\nTEL:3\r\n"
+        "EMAIL;TYPE=WORK:a@b.org\r\nADR;TYPE=HOME:;Apt 3;1 Main "
+        "St\\nNorth;Ulm;BW;89073;Germany\r\nADR:;;;;;;\r\n"
+        "X-SOCIALPROFILE;type=linkedin:l.org/ann\r\nPHOTO;ENCODING=b:" +
+        QByteArray("JPEG").toBase64()));
+    EXPECT_EQ(account.sentences(), QStringList(u"1 contact was imported."_qs));
+    EXPECT_EQ(account.companies, 1);
+    EXPECT_FALSE(context().hasChanges());
+    const ContactPtr ann = contact(u"Ann"_qs, u"Lee"_qs);
+    ASSERT_TRUE(ann);
+    EXPECT_EQ(ann->birthday(), localDate(1990, 2, 3));
+    EXPECT_EQ(ann->company()->title(), u"Works"_qs);
+    QStringList values;
+    for (const auto &phone : ann->phone())
+        values.append(phone->type()->title() + u' ' + phone->number());
+    for (const auto &email : ann->email())
+        values.append(email->type()->title() + u' ' + email->mail());
+    for (const auto &url : ann->url())
+        values.append(url->type()->title() + u' ' + url->url());
+    values.sort();
+    EXPECT_EQ(values, (QStringList{u"LinkedIn l.org/ann"_qs, u"home fax 2"_qs, u"mobile 1"_qs, u"other 3"_qs,
+                                   u"work a@b.org"_qs}));
+    ASSERT_EQ(ann->address().size(), 1u) << "an empty one is left out";
+    const auto address = ann->address().front();
+    EXPECT_EQ((QStringList{address->street1(), address->street2(), address->city(), address->state(),
+                           address->zip(), address->country(), address->addressType()->title()}),
+              (QStringList{u"1 Main St, North"_qs, u"Apt 3"_qs, u"Ulm"_qs, u"BW"_qs, u"89073"_qs,
+                           u"Germany"_qs, u"home"_qs}));
+    EXPECT_EQ(ann->photoName(), u"21-11-2026 09:15:00:000.png"_qs);
+    EXPECT_EQ(IcloudManager::imageData(ann->photoName()), face + "JPEG");
+}
+
+TEST_F(ImportingContacts, AddsNoneTwiceAndLeavesNothingBehind)
+{
+    const QByteArray text = card("N:Lee;Ann;;;\r\nTEL:1\r\nORG:Works") + card("N:Kay;Bob;;;\r\nORG:Works");
+    EXPECT_EQ(importAll(text).added, 2);
+    EXPECT_EQ(count<EntityCompany>(), 1) << "one company for both";
+    EXPECT_EQ(contact(u"Bob"_qs, u"Kay"_qs)->company(), contact(u"Ann"_qs, u"Lee"_qs)->company());
+
+    // The window lists names in one order, the test is by both names: only the names together count.
+    ContactImport import(png);
+    const auto other = [](const QString &first, const QString &last, const QString &number,
+                          const QString &company) {
+        CNContact made;
+        made.givenName = first;
+        made.familyName = last;
+        made.phoneNumbers = {{CNLabel::home, number}};
+        made.organizationName = company;
+        return made;
+    };
+    EXPECT_FALSE(import.importContactToDataBase(other(u"Ann"_qs, u"Lee"_qs, u"(1)"_qs, u"Elsewhere"_qs)));
+    EXPECT_FALSE(import.importContactToDataBase(other(u"Bob"_qs, u"Kay"_qs, u"2"_qs, u"Works"_qs)));
+    EXPECT_TRUE(import.importContactToDataBase(other(u"Lee"_qs, u"Ann"_qs, u"3"_qs, u"Works"_qs)));
+    EXPECT_FALSE(import.importContactToDataBase(other(u"Lee"_qs, u"Ann"_qs, u"4"_qs, u"Works"_qs)));
+    EXPECT_FALSE(import.importContactToDataBase(other({}, {}, u"5"_qs, u"Nowhere"_qs)));
+    const ContactImportAccount account = import.finish();
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(account.added, 1);
+    EXPECT_EQ(account.existing, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs, u"Lee Ann"_qs}));
+    EXPECT_EQ(account.poorer, QStringList(u"Bob Kay"_qs)) << "has no phone yet, and keeps none";
+    EXPECT_EQ(account.refused, QStringList(u"\"Nowhere\" is no person."_qs));
+    EXPECT_EQ(count<EntityContacts>(), 3);
+    EXPECT_EQ(count<EntityPhone>(), 2);
+    EXPECT_EQ(count<EntityCompany>(), 1) << "the company of one that is there is not made either";
+}
+
+TEST_F(ImportingContacts, FindsTypesByTheirPlace)
+{
+    const auto types = DBWorker::allPhoneType();
+    types.at(3)->setTitle(u"Handy"_qs);
+    const auto boat = context().insert<EntityPhoneType>();
+    boat->setTitle(u"Boat"_qs);
+    boat->setIndex(types.at(8)->index().value_or(0) + 1);
+    ContactImport import(png);
+    const QStringList labels = {u"home"_qs,     u"work"_qs,     u"iPhone"_qs, u"mobile"_qs, u"main"_qs,
+                                u"home fax"_qs, u"work fax"_qs, u"pager"_qs,  u"other"_qs};
+    for (int place = 0; place < labels.size(); ++place)
+        EXPECT_EQ(import.phoneTypeWith(labels[place]), types.at(place)) << qPrintable(labels[place]);
+    EXPECT_EQ(import.phoneTypeWith(u"HOME"_qs), types.at(0));
+    EXPECT_EQ(import.phoneTypeWith(u"boat"_qs), boat) << "one of the user's own";
+    EXPECT_EQ(import.phoneTypeWith(u"fax"_qs), boat) << "any other label gets the last type";
+    EXPECT_EQ(import.phoneTypeWith({}), boat);
+    EXPECT_EQ(import.emailTypeWith(u"iCloud"_qs)->title(), u"iCloud"_qs);
+    EXPECT_EQ(import.emailTypeWith(u"mobile"_qs)->title(), u"other"_qs);
+    EXPECT_EQ(import.addressTypeWith(u"work"_qs)->title(), u"work"_qs);
+    EXPECT_EQ(import.addressTypeWith(u"iCloud"_qs)->title(), u"other"_qs);
+    EXPECT_EQ(import.urlsTypeWith(u"twitter"_qs)->title(), u"Twitter"_qs);
+    EXPECT_EQ(import.urlsTypeWith(u"homepage"_qs)->title(), u"other"_qs);
+    for (const auto &type : DBWorker::allEmailType())
+        context().deleteObject(type);
+    EXPECT_FALSE(ContactImport(png).emailTypeWith(u"home"_qs));
+}
+
+TEST_F(ImportingContacts, IsOneStepThatCanBeTakenBackAndEndsWhereTheUserWants)
+{
+    QByteArray text;
+    for (int number = 0; number < 10; ++number)
+        text += card("N:;Ann" + QByteArray::number(number) + ";;;\r\nTEL:1\r\nORG:Works");
+    int steps = 0;
+    const ContactImportAccount account = importAll(text, [&] { return ++steps < 4; });
+    EXPECT_TRUE(account.wasStopped);
+    EXPECT_EQ(account.added, 4);
+    EXPECT_EQ(count<EntityContacts>(), 4) << "what was done stays";
+    EXPECT_EQ(importAll(text).existing.size(), 0) << "marked already, and not among the chosen";
+    EXPECT_EQ(count<EntityContacts>(), 10);
+    EXPECT_EQ(context().undoName(), u"Import Contacts"_qs);
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(count<EntityContacts>(), 4);
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(count<EntityContacts>() + count<EntityPhone>() + count<EntityCompany>(), 0);
+    EXPECT_FALSE(context().redo());
+    EXPECT_EQ(count<EntityPhone>(), 4);
+}
+
+TEST_F(ImportingContacts, NamesEachPictureAndSaysWhichAreNone)
+{
+    QByteArray text;
+    for (int number = 0; number < 5; ++number)
+        text += card("N:;Ann" + QByteArray::number(number) +
+                     ";;;\r\nPHOTO;ENCODING=b:" + (face + char('0' + number)).toBase64());
+    text += card("N:;Bob;;;\r\nPHOTO;ENCODING=b:" + QByteArray("<svg/>").toBase64());
+    text += card("N:;Cid;;;\r\nPHOTO;VALUE=uri:https://b.org/c.png") + card("N:;Dan;;;\r\nBDAY:--0517");
+    const ContactImportAccount account = importAll(text);
+    EXPECT_EQ(account.withoutPicture, (QStringList{u"Bob"_qs, u"Cid"_qs}));
+    EXPECT_EQ(account.withoutYear, QStringList(u"Dan"_qs));
+    EXPECT_EQ(contact(u"Dan"_qs, u""_qs)->birthday(), std::nullopt);
+    EXPECT_EQ(account.sentences().size(), 3) << qPrintable(account.sentences().join(u'\n'));
+    QSet<QString> names;
+    for (int number = 0; number < 5; ++number) {
+        const ContactPtr ann = contact(u"Ann%1"_qs.arg(number), u""_qs);
+        ASSERT_TRUE(ann);
+        names.insert(ann->photoName());
+        EXPECT_EQ(IcloudManager::imageData(ann->photoName()), face + char('0' + number));
+    }
+    EXPECT_EQ(names.size(), 5) << "also within one millisecond";
+    const ContactImportAccount second = importAll(card("N:;Eve;;;\r\nPHOTO;ENCODING=b:" + face.toBase64()));
+    EXPECT_FALSE(names.contains(contact(u"Eve"_qs, u""_qs)->photoName()))
+        << "nor a name of an earlier import";
+}
+
+TEST_F(ImportingContacts, WaitsForTheNextSaveIfTheDiskIsFull)
+{
+    QCoreApplication::processEvents();
+    const LogCapture log;
+    const ScriptedAlerts alerts({Alert::firstButton});
+    const auto list = listOf(card("N:;Ann;;;\r\nPHOTO;ENCODING=b:" + face.toBase64()));
+    list->list().markShown(true);
+    {
+        const FullDisk disk;
+        const ContactImportAccount account = list->import(png);
+        EXPECT_FALSE(account.isSaved);
+        EXPECT_EQ(account.withoutPicture, QStringList(u"Ann"_qs));
+    }
+    EXPECT_EQ(alerts.asked().size(), 1u);
+    const ContactImportAccount again = list->import(png);
+    EXPECT_TRUE(again.isSaved);
+    EXPECT_EQ(again.existing, QStringList(u"Ann"_qs));
+    EXPECT_FALSE(context().hasChanges());
+    EXPECT_EQ(count<EntityContacts>(), 1);
+}
+
+TEST_F(ImportingContacts, SaysWhichFilesItCannotReadAndReadsTheRest)
+{
+    const QString folder = FileManager::appFolderURL();
+    const auto write = [&](const QString &name, const QByteArray &bytes) {
+        QFile file(folder + u'/' + name);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        return file.fileName();
+    };
+    ImportableContacts list;
+    list.add(ContactCards::ofFile(folder + u"/none.vcf"_qs));
+    list.add(ContactCards::ofFile(folder));
+    list.add(ContactCards::ofFile(write(u"empty.vcf"_qs, "")));
+    const QString changing = write(u"two.vcf"_qs, card("N:;Ann;;;") + card("N:;Bob;;;"));
+    list.add(ContactCards::ofFile(changing));
+    EXPECT_TRUE(list.isReading());
+    while (list.readSome(0))
+        EXPECT_LE(list.percentRead(), 100);
+    EXPECT_EQ(list.problems(), (QStringList{u"\"none.vcf\" cannot be read: No such file or directory."_qs,
+                                            u"\"Morvane\" cannot be read: it is no file."_qs,
+                                            u"There is no contact in \"empty.vcf\"."_qs}));
+    EXPECT_EQ(shown(list.list()), u"A Ann B Bob"_qs);
+    list.list().markShown(true);
+    write(u"two.vcf"_qs, card("N:;Ann;;;"));
+    const ContactImportAccount account = list.import(png);
+    EXPECT_EQ(account.added, 1);
+    EXPECT_EQ(account.refused, QStringList(u"\"two.vcf\" has fewer contacts than before."_qs));
+}
+
+TEST_F(ImportingContacts, TakesWhatWasExported)
+{
+    IcloudManager::saveImageWithData(face, u"face.png"_qs);
+    const auto works = context().insert<EntityCompany>();
+    works->setTitle(u"Works; \"Tools\", Ltd"_qs);
+    const auto phones = DBWorker::allPhoneType();
+    std::mt19937 random(1);
+    std::vector<ContactPtr> contacts;
+    std::vector<CNContact> wanted;
+    for (int number = 0; number < 40; ++number) {
+        const auto contact = context().insert<EntityContacts>();
+        contact->setFirstName(u"Ann %1"_qs.arg(number));
+        contact->setLastName(number % 3 ? u"Grün, \\n %1"_qs.arg(number) : QString());
+        if (number % 2)
+            contact->setCompany(works);
+        if (number % 5 == 0)
+            contact->setBirthday(localDate(1900 + number, 2, 28));
+        if (number % 7 == 0)
+            contact->setPhotoName(u"face.png"_qs);
+        for (int place = 0; place < number % 4; ++place) {
+            const auto phone = context().insert<EntityPhone>();
+            phone->setNumber(u"+49 (0) %1"_qs.arg(random()));
+            phone->setType(phones.at(int(random() % 9)));
+            phone->setContact(contact);
+            const auto address = context().insert<EntityAddress>();
+            address->setStreet1(u"Große Gasse %1; hinten"_qs.arg(place));
+            address->setStreet2(place % 2 ? u"2. Stock"_qs : QString());
+            address->setCountry(u"Österreich"_qs);
+            address->setAddressType(DBWorker::allAddressType().at(place % 3));
+            address->setContact(contact);
+            const auto url = context().insert<EntityURL>();
+            url->setUrl(u"https://b.org/?a=b;c&d=%1,e"_qs.arg(place));
+            url->setType(DBWorker::allURLType().at(int(random() % 6)));
+            url->setContact(contact);
+            const auto email = context().insert<EntityEmail>();
+            email->setMail(u"ann%1@grün.example"_qs.arg(place));
+            email->setType(DBWorker::allEmailType().at(int(random() % 4)));
+            email->setContact(contact);
+        }
+        contacts.push_back(contact);
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    const auto valuesOf = [](const EntityContacts &contact) {
+        CNContact values = ContactExport::contactOf(contact);
+        values.identifier.clear();
+        const auto byValue = [](auto &all) {
+            std::ranges::sort(all, {}, [](const auto &one) { return one.label + one.value; });
+        };
+        byValue(values.phoneNumbers);
+        byValue(values.emailAddresses);
+        byValue(values.urlAddresses);
+        std::ranges::sort(values.postalAddresses, {}, [](const auto &one) { return one.value.street; });
+        return values;
+    };
+    for (const ContactPtr &contact : contacts)
+        wanted.push_back(valuesOf(*contact));
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    ASSERT_FALSE(ContactExport::write(file, contacts, {works}));
+    for (const ContactPtr &contact : contacts)
+        context().deleteObject(contact);
+    context().deleteObject(works);
+    ASSERT_FALSE(DBWorker::saveContext());
+    const auto list = listOf(file.data());
+    EXPECT_EQ(list->organizationCount(), 1);
+    list->list().markShown(true);
+    EXPECT_EQ(list->import(png).added, 40);
+    for (const CNContact &one : wanted) {
+        const ContactPtr again = contact(one.givenName, one.familyName);
+        ASSERT_TRUE(again) << qPrintable(one.givenName);
+        EXPECT_EQ(valuesOf(*again), one) << qPrintable(one.givenName);
+    }
+}
+
+TEST_F(ImportingContacts, ExportsACompanyAsAnOrganization)
+{
+    const auto works = context().insert<EntityCompany>();
+    works->setTitle(u"Works"_qs);
+    const auto phone = context().insert<EntityPhone>();
+    phone->setNumber(u"1"_qs);
+    phone->setType(DBWorker::allPhoneType().at(6));
+    phone->setCompany(works);
+    QBuffer file;
+    file.open(QIODevice::ReadWrite);
+    int steps = 0;
+    ASSERT_FALSE(ContactExport::write(file, {}, {works, nullptr, works}, [&] { return ++steps < 1; }));
+    EXPECT_EQ(file.data().count("BEGIN:VCARD"), 1) << "it ends where the user wants";
+    file.seek(0);
+    const auto card = VCardReader(file).next();
+    ASSERT_TRUE(card);
+    EXPECT_EQ(contactFrom(*card), ContactExport::contactOf(*works));
+    EXPECT_EQ(ContactExport::contactOf(*works).phoneNumbers.front().label, CNLabel::workFax);
+    QBuffer closed;
+    const QtMessageHandler former =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    EXPECT_TRUE(ContactExport::write(closed, {}, {works}));
+    qInstallMessageHandler(former);
+}
+
+} // namespace
