@@ -58,6 +58,16 @@ std::vector<FormLink> FormModel::links(int) const
 
 void FormModel::unlink(int, const ObjectPtr &) {}
 
+FormItems *FormModel::items(int)
+{
+    return nullptr;
+}
+
+FormPicture *FormModel::picture()
+{
+    return nullptr;
+}
+
 FormDate FormModel::date(int) const
 {
     return {};
@@ -105,7 +115,8 @@ QString FormModel::reasonNotToSave() const
 static bool isText(const FormRow &row)
 {
     using Editor = FormRow::Editor;
-    return row.editor == Editor::Title || row.editor == Editor::Line || row.editor == Editor::Text;
+    return row.editor == Editor::Title || row.editor == Editor::Line || row.editor == Editor::Name ||
+           row.editor == Editor::Text;
 }
 
 QString FormModel::kept(int number) const

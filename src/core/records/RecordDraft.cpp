@@ -5,14 +5,14 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int presentVersion = 1;
+constexpr int presentRecordVersion = 1;
 
 QByteArray RecordDraft::encoded() const
 {
     QJsonObject typed;
     for (auto value = values.begin(); value != values.end(); ++value)
         typed.insert(value.key(), value.value());
-    return QJsonDocument(QJsonObject{{u"version"_s, presentVersion},
+    return QJsonDocument(QJsonObject{{u"version"_s, presentRecordVersion},
                                      {u"entity"_s, entity},
                                      {u"record"_s, record},
                                      {u"sample"_s, isOfSample},
@@ -28,7 +28,8 @@ std::optional<RecordDraft> RecordDraft::decoded(const QByteArray &json)
     draft.record = object.value(u"record"_s).toString();
     draft.isOfSample = object.value(u"sample"_s).toBool();
     const QJsonValue texts = object.value(u"texts"_s);
-    if (object.value(u"version"_s).toInt() != presentVersion || draft.entity.isEmpty() || !texts.isObject())
+    if (object.value(u"version"_s).toInt() != presentRecordVersion || draft.entity.isEmpty() ||
+        !texts.isObject())
         return std::nullopt;
     const QJsonObject typed = texts.toObject();
     for (auto text = typed.begin(); text != typed.end(); ++text) {
