@@ -46,6 +46,11 @@ int FormModel::chosen(int) const
 
 void FormModel::choose(int, int) {}
 
+ObjectPtr FormModel::chosenRecord(int) const
+{
+    return nullptr;
+}
+
 std::string_view FormModel::entityOfChoices(int) const
 {
     return {};

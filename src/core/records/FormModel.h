@@ -136,6 +136,8 @@ public:
     /// The place of the chosen one among those that `choices` gave last; -1 if it is none of them.
     virtual int chosen(int row) const;
     virtual void choose(int row, int place);
+    /// The record that is chosen, which has a pane of its own; null for a choice of anything else.
+    virtual ObjectPtr chosenRecord(int row) const;
     /// The entity whose records are offered, so that the choices change with them; empty for none.
     virtual std::string_view entityOfChoices(int row) const;
     /// The linked records in their order; `choices` has those that can be added.

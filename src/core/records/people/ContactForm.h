@@ -26,6 +26,7 @@ public:
     std::vector<FormChoice> choices(int number) override;
     int chosen(int number) const override;
     void choose(int number, int place) override;
+    ObjectPtr chosenRecord(int number) const override { return number == Company ? values.company : nullptr; }
     std::string_view entityOfChoices(int number) const override;
     std::vector<FormLink> links(int number) const override;
     void unlink(int number, const ObjectPtr &record) override;
