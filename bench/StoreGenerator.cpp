@@ -96,6 +96,16 @@ public:
         addIndex(EntityTask::entityName, id, texts);
     }
 
+    /// A contact whom nothing is delegated to.
+    void addContact()
+    {
+        const QString id = uuid();
+        const QString first = word();
+        const QString last = word();
+        Row(person()).text(id).text(first).text(last).run();
+        addIndex(EntityContacts::entityName, id, {first, last});
+    }
+
 private:
     /// The bindings of one statement, in order.
     class Row
@@ -199,6 +209,11 @@ private:
             "dueSomeDay, creationDate, expirationDate, position, repeat, category, project, delegateToUser) "
             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     }
+    sqlite3_stmt *person()
+    {
+        return prepared(personStatement,
+                        "INSERT INTO EntityContacts (id, firstName, lastName) VALUES (?, ?, ?)");
+    }
     sqlite3_stmt *index()
     {
         return prepared(indexStatement,
@@ -250,17 +265,20 @@ private:
     std::vector<QString> categories, projects, contacts, names;
     sqlite3 *database = nullptr;
     sqlite3_stmt *taskStatement = nullptr;
+    sqlite3_stmt *personStatement = nullptr;
     sqlite3_stmt *indexStatement = nullptr;
 };
 
 } // namespace
 
-void generateStore(const QString &path, int tasks, unsigned seed)
+void generateStore(const QString &path, int tasks, unsigned seed, int contacts)
 {
     {
         Generator generator(path, seed);
         for (int number = 1; number <= tasks; ++number)
             generator.addTask(number);
+        for (int number = 0; number < contacts; ++number)
+            generator.addContact();
     }
     auto opened = ManagedObjectContext::open(path, organiserModel());
     if (!opened)

@@ -28,6 +28,7 @@
 namespace {
 
 constexpr int taskCount = 100'000;
+constexpr int contactCount = 100'000;
 constexpr int rounds = 60;
 
 double measured(const std::function<void()> &work)
@@ -237,6 +238,57 @@ Times bareWindow(CalendarViewController &calendar, QWidget &window)
     return times;
 }
 
+/// The names of all contacts, read and sorted by the store itself.
+double bareContacts()
+{
+    QElapsedTimer timer;
+    timer.start();
+    const auto sorted =
+        EntityContacts::fetchRequest().sortedBy({ascending("firstName"), ascending("lastName")});
+    qsizetype letters = 0;
+    AppDelegate::shared()->managedObjectContext().visit(
+        sorted, {"firstName", "lastName"},
+        [&](const RowReader &row) { letters += qsizetype(row.utf8(0).size() + row.utf8(1).size()); });
+    return letters > 0 ? double(timer.nsecsElapsed()) / 1e6 : 0;
+}
+
+/// People come up anew each time; a key press in their list brings up the pane of the next one.
+void measurePeople(MainWindow &window, const std::function<void(const char *)> &run)
+{
+    run("actionShowProjects");
+    std::vector<double> shown;
+    std::vector<double> bare;
+    for (int round = 0; round < 9; ++round) {
+        run("actionShowProjects");
+        bare.push_back(bareContacts());
+        shown.push_back(measured([&] {
+            run("actionShowPeople");
+            window.repaint();
+        }));
+    }
+    std::ranges::sort(shown);
+    std::ranges::sort(bare);
+    print("People, to the first screen", {shown[4], shown.back()}, {bare[4], bare.back()});
+    auto &list = *window.findChild<TableViewExtended *>(QStringLiteral("tableViewContacts"));
+    const auto frames = framesOf(list);
+    print("A key press among people", frames.first);
+    print("A jump among people", frames.second);
+    print("A key press with the next pane", timesOf([&](int) {
+              press(list, Qt::Key_Down);
+              QApplication::processEvents();
+              window.repaint();
+          }));
+    ManagedObjectContext &context = AppDelegate::shared()->managedObjectContext();
+    const ContactPtr one = context.fetchFirst<EntityContacts>(EntityContacts::fetchRequest());
+    print("One contact renamed", timesOf([&](int round) {
+              one->setFirstName(QString(QChar(u'a' + round % 26)));
+              if (DBWorker::saveContext())
+                  std::abort();
+              QApplication::processEvents();
+              window.repaint();
+          }));
+}
+
 void measureCalendar(CalendarViewController &calendar, QWidget &window)
 {
     using Type = CalendarViewController::CalendarType;
@@ -270,7 +322,7 @@ int main(int argc, char *argv[])
     qputenv("XDG_DATA_HOME", home.path().toUtf8() + "/data");
     qputenv("XDG_CONFIG_HOME", home.path().toUtf8() + "/config");
     QDir().mkpath(FileManager::appFolderURL());
-    generateStore(FileManager::appFolderURL() + QStringLiteral("/Model0.sqlite"), taskCount, 1);
+    generateStore(FileManager::appFolderURL() + QStringLiteral("/Model0.sqlite"), taskCount, 1, contactCount);
     Shell::prepareApplication();
     Animations::setEnabled(false);
     AppDelegate delegate(std::make_unique<Shell>());
@@ -304,6 +356,7 @@ int main(int argc, char *argv[])
               window.repaint();
           }));
     window.resize(1440, 900);
+    measurePeople(window, run);
     run("actionShowCalendar");
     if (auto *calendar = window.findChild<CalendarViewController *>())
         measureCalendar(*calendar, window);

@@ -2,7 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "store/entities/MainContext.h"
-#include "store/queries/DBWorker.h"
+#include "store/queries/ContactRows.h"
 #include "store/state/NotificationNames.h"
 
 bool ContactGroups::isGroup(const EntityContactGroup &group)
@@ -22,6 +22,21 @@ std::vector<ContactPtr> ContactGroups::contactsOf(const EntityContactGroup *grou
             contacts.push_back(std::move(contact));
     }
     return contacts;
+}
+
+std::vector<RowId> ContactGroups::rowsOf(const EntityContactGroup *group, const FilterEntry *filter)
+{
+    if (!group)
+        return ContactRows::byFullName(
+            EntityContacts::fetchRequest().where(Predicate::allOf(DBWorker::predicateContacts(filter))));
+    if (isGroup(*group)) {
+        const ObjectPtr itself = mainContext().objectForUri(group->uri());
+        return ContactRows::byFullName(EntityContacts::fetchRequest().where(Predicate::format(
+            "ANY contactGroup == %@", std::dynamic_pointer_cast<EntityContactGroup>(itself))));
+    }
+    const auto listed = group->allDelegateds();
+    const auto rows = listed.rows();
+    return {rows.begin(), rows.end()};
 }
 
 ContactFilterButtons ContactGroups::activeFilterButtons(const EntityContactGroup *group)

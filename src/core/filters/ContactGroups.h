@@ -1,6 +1,7 @@
 #pragma once
 
 #include "filters/MVContactGroup.h"
+#include "store/queries/DBWorker.h"
 
 #include <QString>
 
@@ -33,6 +34,8 @@ public:
     /// Whom the screen shows: all people, who meets the criteria of a list, or the members of a group, which
     /// stand as people do.
     static std::vector<ContactPtr> contactsOf(const EntityContactGroup *group);
+    /// The same as what the store calls them, without loading anybody. All people are narrowed by a filter.
+    static std::vector<RowId> rowsOf(const EntityContactGroup *group, const FilterEntry *filter = nullptr);
     static ContactFilterButtons activeFilterButtons(const EntityContactGroup *group);
 
     /// The filter is to be kept: as a new list that others are told of, or in the shown one, which is saved;

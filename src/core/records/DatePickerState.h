@@ -17,6 +17,8 @@ public:
     Type typePicker;
     bool showPopover = false;
     bool showClock = true;
+    /// Whether one can go by years, to dates that lie long ago.
+    bool showYears = false;
     bool showCheckBox = false;
     OptionalDate dateValue;
     OptionalDate minDate;

@@ -46,6 +46,11 @@ int FormModel::chosen(int) const
 
 void FormModel::choose(int, int) {}
 
+ObjectPtr FormModel::chosenRecord(int) const
+{
+    return nullptr;
+}
+
 std::string_view FormModel::entityOfChoices(int) const
 {
     return {};
@@ -57,6 +62,16 @@ std::vector<FormLink> FormModel::links(int) const
 }
 
 void FormModel::unlink(int, const ObjectPtr &) {}
+
+FormItems *FormModel::items(int)
+{
+    return nullptr;
+}
+
+FormPicture *FormModel::picture()
+{
+    return nullptr;
+}
 
 FormDate FormModel::date(int) const
 {
@@ -105,7 +120,8 @@ QString FormModel::reasonNotToSave() const
 static bool isText(const FormRow &row)
 {
     using Editor = FormRow::Editor;
-    return row.editor == Editor::Title || row.editor == Editor::Line || row.editor == Editor::Text;
+    return row.editor == Editor::Title || row.editor == Editor::Line || row.editor == Editor::Name ||
+           row.editor == Editor::Text;
 }
 
 QString FormModel::kept(int number) const

@@ -2,6 +2,7 @@
 
 #include "eventkit/EKCalendar.h"
 #include "records/DatePickerState.h"
+#include "records/Portrait.h"
 #include "records/RecordDraft.h"
 #include "store/entities/Entities.h"
 
@@ -9,9 +10,13 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <string_view>
 #include <variant>
 #include <vector>
+
+class FormItems;
+class FormPicture;
 
 /// What stands before a word: nothing, the circle of a colour, of a priority or of a category.
 using FormMark = std::variant<std::monostate, EKColor, Priority, CategoryPtr>;
@@ -25,6 +30,14 @@ struct FormRow
         Title,
         /// One line.
         Line,
+        /// A picture, which shows what the record is called beside it.
+        Picture,
+        /// A part of what the record is called, in a line beside the picture of the row above.
+        Name,
+        /// Any number of entries, each with a type and with a link while it is only looked at.
+        Items,
+        /// Room between the rows above and below.
+        Separator,
         /// Paragraphs.
         Text,
         /// One of several words or records.
@@ -42,7 +55,7 @@ struct FormRow
     Editor editor;
     /// What the row and its control are called among the widgets.
     QString name;
-    QString controlName;
+    QString controlName = {};
     /// The least height, in pixels.
     int height = 40;
     /// Whether its value can be cleared.
@@ -67,6 +80,9 @@ struct FormLink
 {
     ObjectPtr record;
     QString text;
+    /// Of a record that has one.
+    std::optional<Portrait> portrait = {};
+    bool operator==(const FormLink &) const = default;
 };
 
 /// What a date row shows.
@@ -120,11 +136,17 @@ public:
     /// The place of the chosen one among those that `choices` gave last; -1 if it is none of them.
     virtual int chosen(int row) const;
     virtual void choose(int row, int place);
+    /// The record that is chosen, which has a pane of its own; null for a choice of anything else.
+    virtual ObjectPtr chosenRecord(int row) const;
     /// The entity whose records are offered, so that the choices change with them; empty for none.
     virtual std::string_view entityOfChoices(int row) const;
     /// The linked records in their order; `choices` has those that can be added.
     virtual std::vector<FormLink> links(int row) const;
     virtual void unlink(int row, const ObjectPtr &record);
+    /// The entries of a row; null for a row that has none. They live as long as the form.
+    virtual FormItems *items(int row);
+    /// The picture of the record; null for a kind that has none. It lives as long as the form.
+    virtual FormPicture *picture();
     virtual FormDate date(int row) const;
     /// What a bubble is to show; it stays closed unless `showPopover` is set.
     virtual DatePickerState openPicker(int row);

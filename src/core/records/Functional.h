@@ -79,6 +79,8 @@ public:
     /// A modal message with the one button "OK". The texts are keys of the words and are looked up here.
     static void messageAlertWithTitle(const QString &title, const QString &message);
 
+    /// The address of the page in the web that shows a place on a map.
+    static QString mapPageOf(const QString &place);
     /// Shows a place on a map in the web, by its title; nothing without one.
     static void openLocationWithEntityLocation(const std::shared_ptr<EntityLocation> &location);
 

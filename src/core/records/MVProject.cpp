@@ -89,11 +89,11 @@ void MVProject::writeFields()
     row->setRowIndex(rowIndex);
 }
 
-std::vector<TaskPtr> MVProject::sortedTasks() const
+std::vector<TaskPtr> MVProject::sorted(const std::vector<TaskPtr> &tasks)
 {
     std::vector<TaskPtr> open;
     std::vector<TaskPtr> done;
-    for (const TaskPtr &one : task)
+    for (const TaskPtr &one : tasks)
         (one->status() == TaskStatus::Done ? done : open).push_back(one);
     std::stable_sort(done.begin(), done.end(), [](const TaskPtr &one, const TaskPtr &other) {
         return one->expirationDate() < other->expirationDate();

@@ -51,7 +51,9 @@ public:
     bool isNewProject() const { return isNew; }
 
     /// Open tasks, the latest due first and those for some day last, then the done ones as they were done.
-    std::vector<TaskPtr> sortedTasks() const;
+    std::vector<TaskPtr> sortedTasks() const { return sorted(task); }
+    /// The same of the tasks of anything else.
+    static std::vector<TaskPtr> sorted(const std::vector<TaskPtr> &tasks);
     /// The members by first, then last name.
     std::vector<ContactPtr> sortedContacts() const;
 

@@ -234,7 +234,7 @@ std::vector<FormLink> ProjectForm::links(int) const
 {
     std::vector<FormLink> linked;
     for (const ContactPtr &contact : values.sortedContacts())
-        linked.push_back({contact, contact->fullName()});
+        linked.push_back({contact, contact->fullName(), Portrait::of(*contact)});
     return linked;
 }
 

@@ -166,7 +166,7 @@ QString inWords(ChangeAuthor author)
     case ChangeAuthor::Pass:
         return localized(u"Calendar"_s);
     case ChangeAuthor::Import:
-        return localized(u"Import"_s);
+        return localized(u"Imported"_s);
     case ChangeAuthor::Program:
         return u"Morvane"_s;
     case ChangeAuthor::Replication:

@@ -260,6 +260,21 @@ void TaskFormState::choose(int number, int place)
     }
 }
 
+/// Who has invited to a meeting need not be a contact.
+ObjectPtr TaskFormState::chosenRecord(int number) const
+{
+    switch (TaskFormRow(number)) {
+    case TaskFormRow::Contacts:
+        return invited.hasAttendees ? nullptr : task.delegateToUser;
+    case TaskFormRow::Company:
+        return task.company;
+    case TaskFormRow::Project:
+        return task.project;
+    default:
+        return nullptr;
+    }
+}
+
 std::string_view TaskFormState::entityOfChoices(int number) const
 {
     switch (TaskFormRow(number)) {

@@ -76,6 +76,7 @@ public:
     std::vector<FormChoice> choices(int row) override;
     int chosen(int row) const override;
     void choose(int row, int place) override;
+    ObjectPtr chosenRecord(int row) const override;
     std::string_view entityOfChoices(int row) const override;
     FormDate date(int row) const override;
     DatePickerState openPicker(int row) override;

@@ -2,7 +2,9 @@
 
 #include "foundation/Localization.h"
 #include "records/DatePickerControl.h"
+#include "records/ItemsField.h"
 #include "records/LinksField.h"
+#include "records/PortraitField.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/CheckButton.h"
@@ -10,13 +12,18 @@
 #include "widgets/GrowingTextField.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/RowItemView.h"
+#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
+#include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPointer>
 #include <QTimer>
 
@@ -29,6 +36,14 @@ constexpr int checkBoxInset = 11;
 constexpr int lookAgain = 200;
 
 namespace {
+
+/// What the user pastes, if it is a picture and no text; else null.
+const QMimeData *pastedPicture(const QKeyEvent &event)
+{
+    const QMimeData *held =
+        event.matches(QKeySequence::Paste) ? QApplication::clipboard()->mimeData() : nullptr;
+    return held && !held->hasText() && PortraitField::canTake(*held) ? held : nullptr;
+}
 
 /// Return in a line is its own: the pane below would begin the next edit with it.
 class LineField : public QLineEdit
@@ -43,6 +58,8 @@ protected:
     {
         if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
             accepted();
+        else if (pastedPicture(*event))
+            event->ignore();
         else
             QLineEdit::keyPressEvent(event);
     }
@@ -86,16 +103,21 @@ void FormView::openPicker(int row)
 /// Whether the control of a row can be higher than the row, and shows its value in both modes itself.
 static bool isTall(Editor editor)
 {
-    return editor == Editor::Title || editor == Editor::Text || editor == Editor::Links;
+    return editor == Editor::Title || editor == Editor::Text || editor == Editor::Picture ||
+           editor == Editor::Items || editor == Editor::Links || editor == Editor::Separator;
 }
 
 void FormView::addRow(const FormRow &row)
 {
+    if (row.editor == Editor::Name)
+        return addName(row);
     auto *view = new RowItemView(row.id, row.name, row.height, this);
     if (const QString label = model.label(row.id); !label.isEmpty())
         view->setLabel(label);
     view->setControl(makeControl(row));
     layout()->addWidget(view);
+    connect(view, &RowItemView::goClicked, this,
+            [this, number = row.id] { Q_EMIT linkOpened(model.chosenRecord(number)); });
     if (isTall(row.editor))
         view->setGrows();
     if (row.editor == Editor::Title && checkDone)
@@ -121,6 +143,13 @@ QWidget *FormView::makeControl(const FormRow &row)
         return makeTitle(row);
     case Editor::Line:
         return makeLine(row);
+    case Editor::Picture:
+        return makePicture(row);
+    case Editor::Items:
+        return makeItems(row);
+    case Editor::Name:
+    case Editor::Separator:
+        return new QWidget;
     case Editor::Text:
         return makeParagraphs(row);
     case Editor::Choice:
@@ -183,6 +212,11 @@ QWidget *FormView::makeParagraphs(const FormRow &row)
 
 QWidget *FormView::makeLine(const FormRow &row)
 {
+    return makeLineField(row);
+}
+
+QLineEdit *FormView::makeLineField(const FormRow &row)
+{
     auto *field = new LineField([this] { Q_EMIT accepted(); });
     field->setObjectName(row.controlName);
     field->setPlaceholderText(row.placeholder);
@@ -194,6 +228,50 @@ QWidget *FormView::makeLine(const FormRow &row)
     });
     if (!firstField)
         firstField = field;
+    return field;
+}
+
+/// The name stands in the middle of the picture's height.
+QWidget *FormView::makePicture(const FormRow &)
+{
+    auto *line = new QWidget;
+    auto *place = new QHBoxLayout(line);
+    place->setContentsMargins(0, Theme::unit / 2, 0, Theme::unit / 2);
+    place->setSpacing(2 * Theme::unit);
+    portrait = new PortraitField(*model.picture());
+    portrait->setObjectName(u"imageViewAvatar"_s);
+    place->addWidget(portrait);
+    names = new QVBoxLayout;
+    names->setSpacing(Theme::unit);
+    labelName = makeTextLabel({}, Theme::FontRole::Title, Theme::text);
+    labelName->setObjectName(u"labelName"_s);
+    labelName->setMinimumWidth(1);
+    names->addStretch(1);
+    names->addWidget(labelName);
+    names->addStretch(1);
+    place->addLayout(names, 1);
+    syncs.push_back([this] {
+        portrait->showPicture(editing);
+        labelName->setText(readablePart(model.title()));
+        labelName->setVisible(!editing);
+        for (QLineEdit *field : nameFields)
+            field->setVisible(editing);
+    });
+    return line;
+}
+
+void FormView::addName(const FormRow &row)
+{
+    QLineEdit *const field = makeLineField(row);
+    field->setAccessibleName(row.placeholder);
+    names->insertWidget(names->count() - 1, field);
+    nameFields.push_back(field);
+}
+
+QWidget *FormView::makeItems(const FormRow &row)
+{
+    auto *field = new ItemsField(model, row);
+    syncs.push_back([this, field] { field->showItems(editing); });
     return field;
 }
 
@@ -358,9 +436,20 @@ void FormView::refreshRow(const Row &row)
     const bool isGiven = model.isGiven(number);
     if (!isTall(row.about.editor)) {
         view.setPreview(model.text(number), iconOf(model.mark(number)));
+        const bool leadsOn = row.about.editor == Editor::Choice && model.chosenRecord(number);
+        view.setGoesTo(leadsOn ? localized(u"Show %1"_s).arg(firstPart(model.text(number))) : QString());
         view.setPreviewing(!editing || isGiven);
     }
     view.setRowHidden(editing && !isGiven ? !model.isShown(number) : !model.isShownInPreview(number));
+}
+
+void FormView::keyPressEvent(QKeyEvent *event)
+{
+    const QMimeData *held = portrait && editing ? pastedPicture(*event) : nullptr;
+    if (held)
+        portrait->take(*held);
+    else
+        FormCard::keyPressEvent(event);
 }
 
 void FormView::mouseDoubleClickEvent(QMouseEvent *event)

@@ -14,6 +14,10 @@ class DatePickerControl;
 class GrowingTextField;
 class LinksField;
 class PopUpButton;
+class PortraitField;
+class QLabel;
+class QLineEdit;
+class QVBoxLayout;
 class RowItemView;
 
 /// The rows of a form, for a new record and for a stored one. It shows what the model says and hands to it
@@ -51,6 +55,8 @@ Q_SIGNALS:
 
 protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    /// A picture that is pasted anywhere in the form is the one of the record.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     struct Row
@@ -62,6 +68,10 @@ private:
     QWidget *makeControl(const FormRow &row);
     QWidget *makeTitle(const FormRow &row);
     QWidget *makeLine(const FormRow &row);
+    QWidget *makePicture(const FormRow &row);
+    void addName(const FormRow &row);
+    QLineEdit *makeLineField(const FormRow &row);
+    QWidget *makeItems(const FormRow &row);
     QWidget *makeParagraphs(const FormRow &row);
     GrowingTextField *makeText(const FormRow &row, bool isTitle);
     QWidget *makeChoice(const FormRow &row);
@@ -95,4 +105,9 @@ private:
     Observation changesHeard;
     CheckButton *checkDone = nullptr;
     QWidget *firstField = nullptr;
+    /// The picture, and beside it the name in words or in its fields.
+    PortraitField *portrait = nullptr;
+    QVBoxLayout *names = nullptr;
+    QLabel *labelName = nullptr;
+    std::vector<QLineEdit *> nameFields;
 };

@@ -1,6 +1,7 @@
 #include "records/LinksField.h"
 
 #include "foundation/Localization.h"
+#include "records/Portraits.h"
 #include "widgets/Icons.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/TextLabel.h"
@@ -10,6 +11,8 @@
 #include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
+
+constexpr int linkPortraitSize = 28;
 
 LinksField::LinksField(FormModel &usedModel, const FormRow &usedRow, QWidget *parent)
     : QWidget(parent)
@@ -51,6 +54,8 @@ QWidget *LinksField::makeLine(const FormLink &link, bool isEditing)
     auto *go = makeLineButton(u"buttonGo"_s, isRightToLeft() ? u"chevron-left"_s : u"chevron-right"_s,
                               localized(u"Show %1"_s).arg(firstPart(link.text)));
     connect(go, &QToolButton::clicked, this, [this, link] { Q_EMIT opened(link.record); });
+    if (link.portrait)
+        layout->addWidget(new PortraitView(*link.portrait, linkPortraitSize));
     layout->addWidget(words, 1);
     if (isEditing) {
         auto *remove = makeLineButton(u"buttonUnlink"_s, u"clear"_s,
@@ -74,10 +79,7 @@ void LinksField::showLinks(bool isEditing)
     adding->setVisible(isEditing);
     adding->setCurrentIndex(-1);
     std::vector<FormLink> linked = model.links(row);
-    const auto isSame = [](const FormLink &one, const FormLink &other) {
-        return one.record == other.record && one.text == other.text;
-    };
-    if (isEditing == isShownEditing && std::ranges::equal(linked, shown, isSame))
+    if (isEditing == isShownEditing && linked == shown)
         return;
     for (QWidget *line : lines) {
         line->hide();

@@ -2,6 +2,7 @@
 
 #include "filters/ListFilter.h"
 #include "records/FormView.h"
+#include "records/Portraits.h"
 #include "records/RecordCell.h"
 #include "records/RecordRemoval.h"
 
@@ -12,6 +13,7 @@ PlainListModel::PlainListModel(const RecordKind &kind, Source rowSource, QObject
     , source(std::move(rowSource))
     , look(kind.look)
     , inWords(kind.countInWords)
+    , isRegrouped(kind.isRegroupedBy)
     , rows(kind.list.entity)
 {}
 
@@ -72,6 +74,8 @@ QVariant PlainListModel::data(const QModelIndex &index, int role) const
         return shown.detail;
     case MarkRole:
         return shown.mark;
+    case PortraitRole:
+        return shown.portrait ? QVariant::fromValue(*shown.portrait) : QVariant();
     default:
         return {};
     }
@@ -93,6 +97,7 @@ PlainRecordScreen::PlainRecordScreen(const RecordKind &shownKind, QWidget *paren
 {
     if (kind.filter)
         setUpFilter(kind.filter());
+    connect(&Portraits::shared(), &Portraits::arrived, table()->viewport(), qOverload<>(&QWidget::update));
 }
 
 PlainRecordScreen::~PlainRecordScreen() = default;
@@ -112,7 +117,7 @@ void PlainRecordScreen::remove(const std::vector<ObjectPtr> &records, const std:
 
 TabsViewController *RecordKind::makeScreen() const
 {
-    return new PlainRecordScreen(*this);
+    return screen ? screen(*this) : new PlainRecordScreen(*this);
 }
 
 RecordPane *RecordKind::makePane(const ObjectPtr &record) const

@@ -7,14 +7,17 @@ class PlainListModel : public RecordListModel
 {
     Q_OBJECT
 public:
-    enum Role { DetailRole = Qt::UserRole, MarkRole };
+    enum Role { DetailRole = Qt::UserRole, MarkRole, PortraitRole };
 
     using Source = std::function<std::vector<ListedRecord>()>;
     PlainListModel(const RecordKind &kind, Source source, QObject *parent = nullptr);
 
     void fetch() override;
     void update(const std::set<RowId> &changed, const std::set<RowId> &held) override;
-    bool isRegroupedBy(const StoreChanges &) const override { return false; }
+    bool isRegroupedBy(const StoreChanges &changes) const override
+    {
+        return isRegrouped && isRegrouped(changes);
+    }
     ObjectPtr recordAt(int row) const override;
     RowId identifierAt(int row) const override;
     int rowOf(const ObjectPtr &record) const override;
@@ -27,6 +30,7 @@ private:
     Source source;
     std::function<RecordLook(const ManagedObject &record)> look;
     std::function<QString(int count)> inWords;
+    std::function<bool(const StoreChanges &changes)> isRegrouped;
     RecordRows rows;
 };
 

@@ -1,6 +1,7 @@
 #include "records/RecordCell.h"
 
 #include "records/PlainRecordScreen.h"
+#include "records/Portraits.h"
 #include "widgets/Direction.h"
 #include "widgets/TaskTableRow.h"
 #include "widgets/Theme.h"
@@ -10,6 +11,8 @@
 constexpr int inset = 16;
 constexpr int dotSize = 10;
 constexpr int dotGap = 10;
+constexpr int portraitSize = 36;
+constexpr int portraitGap = 12;
 
 namespace {
 
@@ -17,21 +20,27 @@ namespace {
 struct Places
 {
     QRect card;
+    QRect portrait;
     QRect dot;
     QRect title;
     QRect detail;
 };
 
-Places placesOf(const QRect &row, bool hasDot, bool hasDetail)
+/// A dot stands before the title, but on the edge of a portrait.
+Places placesOf(const QRect &row, bool hasPortrait, bool hasDot, bool hasDetail)
 {
     const int titleHeight = QFontMetrics(Theme::font(Theme::FontRole::Body)).height();
     const int detailHeight = hasDetail ? QFontMetrics(Theme::font(Theme::FontRole::Small)).height() : 0;
     Places places;
     places.card = row.adjusted(Theme::contentMargin, 0, -Theme::contentMargin, 0);
     const int top = row.top() + (row.height() - titleHeight - detailHeight) / 2;
-    const int left = places.card.left() + inset + (hasDot ? dotSize + dotGap : 0);
+    const int begin = places.card.left() + inset;
+    const int left = begin + (hasPortrait ? portraitSize + portraitGap : hasDot ? dotSize + dotGap : 0);
     const int width = places.card.right() - inset - left;
-    places.dot = {places.card.left() + inset, row.center().y() - dotSize / 2, dotSize, dotSize};
+    places.portrait = {begin, row.center().y() - portraitSize / 2, portraitSize, portraitSize};
+    places.dot = {begin, row.center().y() - dotSize / 2, dotSize, dotSize};
+    if (hasPortrait)
+        places.dot.moveBottomRight(places.portrait.bottomRight());
     places.title = {left, top, width, titleHeight};
     places.detail = {left, top + titleHeight, width, detailHeight};
     return places;
@@ -39,7 +48,8 @@ Places placesOf(const QRect &row, bool hasDot, bool hasDetail)
 
 Places placesOf(const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    return placesOf(option.rect, index.data(PlainListModel::MarkRole).value<QColor>().isValid(),
+    return placesOf(option.rect, index.data(PlainListModel::PortraitRole).isValid(),
+                    index.data(PlainListModel::MarkRole).value<QColor>().isValid(),
                     !index.data(PlainListModel::DetailRole).toString().isEmpty());
 }
 
@@ -82,8 +92,11 @@ static void paintRecord(QPainter &painter, const QStyleOptionViewItem &option, c
     };
     TaskTableRow::at(modelOf(index), index.row())
         .paint(painter, option, placed(places.card), placed(places.title));
+    const QVariant portrait = index.data(PlainListModel::PortraitRole);
+    if (portrait.isValid())
+        Portraits::shared().paint(painter, placed(places.portrait), portrait.value<Portrait>());
     if (const auto mark = index.data(PlainListModel::MarkRole).value<QColor>(); mark.isValid()) {
-        painter.setPen(Qt::NoPen);
+        painter.setPen(portrait.isValid() ? QPen(Theme::card, 2) : QPen(Qt::NoPen));
         painter.setBrush(mark);
         painter.drawEllipse(placed(places.dot));
     }

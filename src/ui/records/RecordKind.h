@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/FormView.h"
+#include "records/Portrait.h"
 #include "records/RecordListScreen.h"
 #include "records/RecordPane.h"
 #include "records/RecordWindow.h"
@@ -17,9 +18,11 @@ class ListFilter;
 struct RecordLook
 {
     QString title;
-    QString detail;
+    QString detail = {};
     /// Invalid for none.
     QColor mark = {};
+    /// The picture or the initials before the title.
+    std::optional<Portrait> portrait = {};
 };
 
 /// A kind of record, described: what its list, form, pane and window need to know of it. The screen of a kind
@@ -29,7 +32,7 @@ struct RecordKind
     /// The list; its entity is that of the kind.
     RecordListDescription list;
     /// The records of the list in their order.
-    std::function<std::vector<ListedRecord>(const FilterEntry *filter)> rows;
+    std::function<std::vector<ListedRecord>(const FilterEntry *filter)> rows = {};
     std::function<RecordLook(const ManagedObject &record)> look;
     /// So many of its records in words, such as "2 notes".
     std::function<QString(int count)> countInWords;
@@ -50,6 +53,11 @@ struct RecordKind
     std::function<void(const std::vector<ObjectPtr> &records, const std::function<void()> &removed,
                        const StepBlock &step)>
         remove = {};
+
+    /// Whether a commit asks for all rows anew, though it concerns no record of the kind; empty for never.
+    std::function<bool(const StoreChanges &changes)> isRegroupedBy = {};
+    /// Makes the screen of a kind that has more than its list; empty for one that has not.
+    std::function<TabsViewController *(const RecordKind &kind)> screen = {};
 
     TabsViewController *makeScreen() const;
     RecordPane *makePane(const ObjectPtr &record) const;

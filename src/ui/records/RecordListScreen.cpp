@@ -35,6 +35,8 @@ RecordListScreen::RecordListScreen(RecordListDescription listDescription, Record
     listModel->setParent(this);
     setUpView(cell);
     addButton(description.addType);
+    if (description.secondType)
+        addButton(*description.secondType);
     promptUpdate.setSingleShot(true);
     connect(&promptUpdate, &QTimer::timeout, this, &RecordListScreen::updateRows);
     seenUpdate.setSingleShot(true);
@@ -95,6 +97,9 @@ void RecordListScreen::storeChanged(const StoreChanges &changes)
         rowChanged(object, true);
     if (!changedRows.empty())
         promptUpdate.start(0);
+    const auto isTold = [&](std::string_view entity) { return changes.concerns(entity); };
+    if (std::ranges::any_of(description.toldOf, isTold))
+        view->showRowsAnew();
     othersChanged(changes);
 }
 

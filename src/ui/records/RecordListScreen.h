@@ -30,6 +30,10 @@ struct RecordListDescription
     /// What the table is called among the widgets.
     QString tableName = {};
     ToolBarButton::ActionType addType = ToolBarButton::NewTask;
+    /// The button beside the one that adds, where there is one.
+    std::optional<ToolBarButton::ActionType> secondType = {};
+    /// Other entities that the rows tell of.
+    std::vector<std::string_view> toldOf = {};
     /// What an empty list says in its middle; empty if it says so in a row of its own.
     QString emptySentence = {};
     /// The same of a list whose filter leaves nothing.

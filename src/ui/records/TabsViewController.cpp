@@ -38,7 +38,8 @@ ToolBarButton *TabsViewController::addButton(ToolBarButton::ActionType type)
 {
     auto *button = new ToolBarButton(type);
     const bool isCalendars = type == ToolBarButton::Calendars;
-    button->setObjectName(isCalendars ? u"buttonCalendars"_s : u"buttonAdd"_s);
+    const bool isImport = type == ToolBarButton::ImportContacts;
+    button->setObjectName(isCalendars ? u"buttonCalendars"_s : isImport ? u"buttonImport"_s : u"buttonAdd"_s);
     if (isCalendars && DBWorker::isSample())
         button->setUnseen();
     connect(button, &ToolBarButton::buttonAdd, this, &TabsViewController::buttonAdd);

@@ -286,9 +286,10 @@ void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &inde
     if (isShown(index) && details->hasChanges())
         return;
     selectItem = sidebar->itemAt(index);
-    selectedGroup = DBWorker::getIdFromObject(sidebar->groupAt(index));
+    const auto group = sidebar->groupAt(index);
+    selectedGroup = DBWorker::getIdFromObject(group);
     searchedRecord.clear();
-    show(Screens::make(*selectItem, index.data().toString()));
+    show(group ? Screens::makeOfGroup(group) : Screens::make(*selectItem, index.data().toString()));
 }
 
 void MainWindowController::show(TabsViewController *newScreen)

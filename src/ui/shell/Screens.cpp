@@ -1,5 +1,6 @@
 #include "shell/Screens.h"
 
+#include "filters/ContactGroups.h"
 #include "foundation/Localization.h"
 #include "records/RecordKind.h"
 #include "records/RecordPane.h"
@@ -8,10 +9,13 @@
 #include "shell/categories/CategoriesViewController.h"
 #include "shell/home/HomeTabViewController.h"
 #include "shell/notes/NoteKind.h"
+#include "shell/people/PeopleKinds.h"
 #include "shell/projects/ProjectKind.h"
 #include "shell/tasks/TaskScreens.h"
 
 #include <array>
+
+using namespace Qt::Literals::StringLiterals;
 
 template <typename Screen>
 static TabsViewController *makeNew()
@@ -35,11 +39,11 @@ static const std::array screens = {
     ScreenDescription{Item::Contacts, u"Contacts", u"contacts"},
     ScreenDescription{Item::Tasks, u"Tasks", u"tasks"},
     ScreenDescription{Item::Calendar, u"Calendar", u"calendar", makeNew<CalendarViewController>},
-    ScreenDescription{Item::People, u"People", u"people", nullptr, u"The people you work and live with.",
-                      EntityContacts::entityName},
-    ScreenDescription{Item::Companies, u"Companies", u"company", nullptr,
-                      u"Companies and the people who work there.", EntityCompany::entityName},
-    ScreenDescription{Item::ContactGroup, u"", u"group", nullptr, u"The people of this group."},
+    ScreenDescription{Item::People, u"People", u"people", nullptr, u"", EntityContacts::entityName,
+                      PeopleKinds::contacts, ToolBarButton::NewContact},
+    ScreenDescription{Item::Companies, u"Companies", u"company", nullptr, u"", EntityCompany::entityName,
+                      PeopleKinds::companies, ToolBarButton::NewCompany},
+    ScreenDescription{Item::ContactGroup, u"", u"group"},
     ScreenDescription{Item::Inbox, u"Inbox", u"inbox", makeNew<InboxViewController>},
     ScreenDescription{Item::Today, u"Today", u"today", makeNew<TodayViewController>},
     ScreenDescription{Item::Scheduled, u"Scheduled", u"scheduled", makeNew<ScheduledViewController>},
@@ -71,6 +75,16 @@ static RecordKind described(const ScreenDescription &screen)
     kind.list.entity = screen.shows;
     kind.list.addType = screen.adds;
     return kind;
+}
+
+TabsViewController *Screens::makeOfGroup(const std::shared_ptr<EntityContactGroup> &group)
+{
+    RecordKind people = described(of(Item::People));
+    people.list.title = group->title();
+    people.list.icon = QString::fromUtf16(of(Item::ContactGroup).icon);
+    people.list.emptySentence = localized(ContactGroups::isGroup(*group) ? u"The people of this group."_s
+                                                                         : u"Nobody is on this list."_s);
+    return PeopleKinds::screenOfGroup(people, group);
 }
 
 TabsViewController *Screens::make(SidebarItem item, const QString &title)

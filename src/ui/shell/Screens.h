@@ -5,9 +5,11 @@
 
 #include <QString>
 
+#include <memory>
 #include <optional>
 #include <string_view>
 
+class EntityContactGroup;
 class TabsViewController;
 struct RecordKind;
 
@@ -38,6 +40,8 @@ const ScreenDescription &of(SidebarItem item);
 const ScreenDescription *showing(std::string_view entity);
 /// Makes the screen of an item. \param title what stands above it.
 TabsViewController *make(SidebarItem item, const QString &title);
+/// Makes the screen of a group or list of contacts.
+TabsViewController *makeOfGroup(const std::shared_ptr<EntityContactGroup> &group);
 
 /// What the windows for new records can be opened for: tasks, and the described kinds.
 QList<ToolBarButton::ActionType> addable();

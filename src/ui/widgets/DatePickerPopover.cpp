@@ -42,6 +42,7 @@ DatePickerPopover::DatePickerPopover(const DatePickerState &state, QWidget *pare
     column->addWidget(makeButtons());
     grid->setAccessibleName(state.titlePopover);
     grid->setLimits(minimum, maximum);
+    grid->setShowsYears(state.showYears);
     connect(grid, &MonthGrid::accepted, this, &DatePickerPopover::accept);
     setDate(state.dateValue.value_or(Clock::now()));
     grid->setFocus();

@@ -19,6 +19,7 @@ constexpr int cellHeight = 32;
 constexpr int titleHeight = 36;
 constexpr int monthArrowWidth = 32;
 constexpr int discSize = 28;
+constexpr int monthsOfYear = 12;
 
 MonthGrid::MonthGrid(QWidget *parent)
     : QWidget(parent)
@@ -38,6 +39,12 @@ void MonthGrid::setLimits(OptionalDate minimum, OptionalDate maximum)
 {
     least = minimum;
     most = maximum;
+    update();
+}
+
+void MonthGrid::setShowsYears(bool shows)
+{
+    showsYears = shows;
     update();
 }
 
@@ -139,8 +146,19 @@ QRect MonthGrid::cell(int row, int column) const
     return {shown * cellWidth, titleHeight + (row + 1) * cellHeight, cellWidth, cellHeight};
 }
 
+/// Those for years stand outside of those for months.
 QRect MonthGrid::arrow(int direction) const
 {
+    const int inset = showsYears ? monthArrowWidth : 0;
+    const QRect place(direction < 0 ? inset : width() - monthArrowWidth - inset, 0, monthArrowWidth,
+                      titleHeight);
+    return QStyle::visualRect(layoutDirection(), rect(), place);
+}
+
+QRect MonthGrid::yearArrow(int direction) const
+{
+    if (!showsYears)
+        return {};
     const QRect place(direction < 0 ? 0 : width() - monthArrowWidth, 0, monthArrowWidth, titleHeight);
     return QStyle::visualRect(layoutDirection(), rect(), place);
 }
@@ -189,6 +207,8 @@ void MonthGrid::mousePressEvent(QMouseEvent *event)
     for (const int direction : {-1, 1}) {
         if (arrow(direction).contains(point))
             return showMonth(direction);
+        if (yearArrow(direction).contains(point))
+            return showMonth(direction * monthsOfYear);
     }
     const int index = dayAt(point);
     if (index >= 0 && isAllowed(page.days[static_cast<std::size_t>(index)]))
@@ -225,8 +245,10 @@ void MonthGrid::wheelEvent(QWheelEvent *event)
 void MonthGrid::keyPressEvent(QKeyEvent *event)
 {
     const int forward = isRightToLeft() ? -1 : 1;
-    const auto byMonths = [this](int months) {
-        choose(Calendar::current().dateByAdding(CalendarUnit::Month, months, chosen));
+    const int months = event->modifiers().testFlag(Qt::ShiftModifier) ? monthsOfYear : 1;
+    const auto byMonths = [this](int count) {
+        const Date target = Calendar::current().dateByAdding(CalendarUnit::Month, count, chosen);
+        choose(most ? std::min(target, *most) : target);
     };
     switch (event->key()) {
     case Qt::Key_Left:
@@ -238,9 +260,9 @@ void MonthGrid::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Down:
         return moveBy(MonthPage::columns);
     case Qt::Key_PageUp:
-        return byMonths(-1);
+        return byMonths(-months);
     case Qt::Key_PageDown:
-        return byMonths(1);
+        return byMonths(months);
     case Qt::Key_Return:
     case Qt::Key_Enter:
         return Q_EMIT accepted();
@@ -260,6 +282,12 @@ void MonthGrid::paintTitle(QPainter &painter) const
                  Theme::secondaryText, 18);
     Icons::paint(painter, arrow(1), isRightToLeft() ? u"chevron-left"_s : u"chevron-right"_s,
                  Theme::secondaryText, 18);
+    if (showsYears) {
+        Icons::paint(painter, yearArrow(-1), isRightToLeft() ? u"chevrons-right"_s : u"chevrons-left"_s,
+                     Theme::secondaryText, 18);
+        Icons::paint(painter, yearArrow(1), isRightToLeft() ? u"chevrons-left"_s : u"chevrons-right"_s,
+                     Theme::secondaryText, 18);
+    }
     painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
     painter.setPen(Theme::secondaryText);
     for (int column = 0; column < page.weekdays.size(); ++column)

@@ -5,7 +5,7 @@
 #include <QWidget>
 
 /// A month to pick a day from, by the mouse or the keys: arrows by days and weeks, Page Up and Down by
-/// months.
+/// months, with Shift by years.
 class MonthGrid : public QWidget
 {
     Q_OBJECT
@@ -13,6 +13,8 @@ public:
     explicit MonthGrid(QWidget *parent = nullptr);
 
     void setLimits(OptionalDate minimum, OptionalDate maximum);
+    /// Offers to go by years with the mouse, too.
+    void setShowsYears(bool shows);
     void setDate(Date date);
     Date date() const { return chosen; }
     void showMonth(int monthsAway);
@@ -43,6 +45,7 @@ private:
     void paintTitle(QPainter &painter) const;
     void paintDay(QPainter &painter, int index) const;
     QRect arrow(int direction) const;
+    QRect yearArrow(int direction) const;
     void describe();
     quint64 keyOf(int index) const;
     int indexOfKey(quint64 key) const;
@@ -50,6 +53,7 @@ private:
     Date chosen;
     OptionalDate least;
     OptionalDate most;
+    bool showsYears = false;
     MonthPage page;
     int hovered = -1;
 };

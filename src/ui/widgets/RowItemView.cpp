@@ -177,6 +177,27 @@ void RowItemView::setPreview(const QString &text, const QIcon &icon)
     previewIcon->setPixmap(icon.pixmap(QSize(rowIconSize, rowIconSize), devicePixelRatioF()));
 }
 
+void RowItemView::setGoesTo(const QString &what)
+{
+    if (!buttonGo && what.isEmpty())
+        return;
+    if (!buttonGo) {
+        previewLabel();
+        buttonGo = new QToolButton;
+        buttonGo->setObjectName(u"buttonGo"_s);
+        buttonGo->setIcon(
+            Icons::icon(isRightToLeft() ? u"chevron-left"_s : u"chevron-right"_s, Theme::secondaryText));
+        buttonGo->setAutoRaise(true);
+        buttonGo->setFocusPolicy(Qt::StrongFocus);
+        preview->layout()->addWidget(buttonGo);
+        setTabOrder(control, buttonGo);
+        connect(buttonGo, &QToolButton::clicked, this, &RowItemView::goClicked);
+    }
+    buttonGo->setVisible(!what.isEmpty());
+    buttonGo->setAccessibleName(what);
+    buttonGo->setToolTip(what);
+}
+
 void RowItemView::setPreviewing(bool isNowPreviewing)
 {
     if (!preview)

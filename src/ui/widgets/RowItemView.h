@@ -33,6 +33,8 @@ public:
 
     /// The value in words, with an icon before it if there is one.
     void setPreview(const QString &text, const QIcon &icon = {});
+    /// Offers, beside the words, to go to what they name. \param what says so; empty for nothing to go to.
+    void setGoesTo(const QString &what);
     /// Shows the words instead of the control. A row without words keeps its control.
     void setPreviewing(bool preview);
 
@@ -43,6 +45,7 @@ public:
 
 Q_SIGNALS:
     void deleteClicked();
+    void goClicked();
 
 protected:
     bool event(QEvent *event) override;
@@ -71,5 +74,6 @@ private:
     QWidget *preview = nullptr;
     QLabel *previewIcon = nullptr;
     QLabel *previewText = nullptr;
+    QToolButton *buttonGo = nullptr;
     QToolButton *buttonDelete = nullptr;
 };

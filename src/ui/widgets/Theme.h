@@ -6,6 +6,8 @@
 #include <QFont>
 #include <QPalette>
 
+#include <array>
+
 /// Every colour, font and measure of the screens, by name.
 namespace Theme {
 
@@ -54,6 +56,11 @@ inline constexpr QColor checkBox{126, 140, 156};
 inline constexpr QColor checkBoxDone{43, 99, 201};
 inline constexpr QColor emptyIcon{150, 163, 179};
 inline constexpr QColor emptyDisc{235, 239, 245};
+
+// The circles with the initials of people and companies.
+inline constexpr std::array portraits{QColor{214, 226, 245}, QColor{219, 238, 226}, QColor{246, 227, 214},
+                                      QColor{232, 222, 243}, QColor{212, 235, 240}, QColor{245, 222, 229}};
+inline constexpr QColor portraitText{62, 78, 97};
 
 // The sidebar: white 0.2 at 0.95.
 inline constexpr QColor sidebar{51, 51, 51, 242};

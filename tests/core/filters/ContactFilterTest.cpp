@@ -20,6 +20,16 @@ protected:
         return result;
     }
     Names filtered() { return names(DBWorker::allDelegateds(&filter.dictionaryComponent())); }
+    /// Whom a screen shows, which is told in two ways.
+    static Names shown(const EntityContactGroup *group)
+    {
+        const std::vector<ContactPtr> contacts = ContactGroups::contactsOf(group);
+        std::vector<RowId> rows;
+        for (const ContactPtr &contact : contacts)
+            rows.push_back(contact->rowId());
+        EXPECT_EQ(ContactGroups::rowsOf(group), rows);
+        return names(contacts);
+    }
     static QVariant value(const QString &key)
     {
         return criterion(defaults().object(settings::contactsFilters).toMap(), key).value(u"Value"_qs);
@@ -118,24 +128,42 @@ TEST_F(ContactFilters, ShowWhomAListOrAGroupHolds)
     ann->setCompany(works);
     add(u"task"_qs)->setDelegateToUser(ann);
     const auto group = context().insert<EntityContactGroup>();
-    EXPECT_EQ(names(ContactGroups::contactsOf(nullptr)), Names({u"Ann"_qs, u"Bo"_qs}));
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs}))
-        << "Nothing set: who has neither company nor category";
+    EXPECT_EQ(shown(nullptr), Names({u"Ann"_qs, u"Bo"_qs}));
+    EXPECT_EQ(shown(group.get()), Names({u"Bo"_qs})) << "Nothing set: who has neither company nor category";
     bo->setContactCategory(DBWorker::allContactCategories().first());
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names());
+    EXPECT_EQ(shown(group.get()), Names());
     group->setAllCategories(true);
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs})) << "Without a company";
+    EXPECT_EQ(shown(group.get()), Names({u"Bo"_qs})) << "Without a company";
     group->setAllCompanies(true);
     group->setCriteria(2);
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs}));
+    EXPECT_EQ(shown(group.get()), Names({u"Bo"_qs}));
     group->setCriteria(1);
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Ann"_qs}));
+    EXPECT_EQ(shown(group.get()), Names({u"Ann"_qs}));
     group->setUseGeneralFilter(true);
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Ann"_qs}));
+    EXPECT_EQ(shown(group.get()), Names({u"Ann"_qs}));
     group->setUseGeneralFilter(false);
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names()) << "A group has its members only";
+    EXPECT_EQ(shown(group.get()), Names()) << "A group has its members only";
     group->setContacts({bo});
-    EXPECT_EQ(names(ContactGroups::contactsOf(group.get())), Names({u"Bo"_qs}));
+    EXPECT_EQ(shown(group.get()), Names({u"Bo"_qs}));
+}
+
+TEST_F(ContactFilters, OrderByTheFullNameAsItIsShown)
+{
+    const QStringList firstNames = {u"Annabelle"_qs, QString(), u"ann"_qs,      u"Ännchen"_qs,
+                                    u"Annabell"_qs,  u"𝒜nn"_qs, u"\uFFFDnn"_qs, u"Ann"_qs};
+    const QStringList lastNames = {u"Lee"_qs, u"Zoe"_qs, QString(), u"Kay"_qs, u"e Lee"_qs, u"Lee-Kay"_qs};
+    for (const QString &first : firstNames)
+        for (const QString &last : lastNames)
+            person(first, last);
+    const auto group = context().insert<EntityContactGroup>();
+    group->setUseGeneralFilter(false);
+    group->setContacts(ContactGroups::contactsOf(nullptr));
+    for (const int order : {0, 1}) {
+        defaults().setObject(settings::contactDisplayOrder, order);
+        EXPECT_EQ(shown(nullptr).size(), firstNames.size() * lastNames.size() + 2);
+        shown(group.get());
+    }
+    defaults().removeObject(settings::contactDisplayOrder);
 }
 
 TEST_F(ContactFilters, SetTheButtonsOfTheBar)

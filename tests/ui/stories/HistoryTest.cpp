@@ -108,7 +108,7 @@ TEST_F(HistoryTest, WhatBelongedToAContactComesBack)
     at(12, ChangeAuthor::User, [&] { project->setDelegateToUser({}); });
     RecordHistory ofContact(contact);
     ASSERT_EQ(ofContact.entries().size(), 2u);
-    EXPECT_EQ(ofContact.entries()[1].who, u"Import"_s);
+    EXPECT_EQ(ofContact.entries()[1].who, u"Imported"_s);
     ASSERT_EQ(ofContact.entries()[0].lines.size(), 1u);
     EXPECT_EQ(ofContact.entries()[0].lines[0].before, u"+49 30 1234"_s);
     EXPECT_TRUE(ofContact.restore(0, 0));

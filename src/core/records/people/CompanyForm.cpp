@@ -1,44 +1,185 @@
 #include "records/people/CompanyForm.h"
 
+#include "foundation/Localization.h"
+#include "records/TaskFormChoices.h"
 #include "store/entities/MainContext.h"
-#include "store/queries/DBWorker.h"
-#include "store/state/NotificationNames.h"
 
-CompanyForm::CompanyForm() = default;
+using namespace Qt::Literals::StringLiterals;
+
+CompanyForm::CompanyForm()
+{
+    settle();
+}
 
 CompanyForm::CompanyForm(const CompanyPtr &company)
-    : items(*company)
-    , photo(company->photoName())
-    , row(company)
+    : row(company)
+    , isOfPane(true)
 {
     values.details = company->details();
     values.keyPhoto = company->keyPhoto();
-    values.photoName = company->photoName();
     values.title = company->title();
     values.contact = company->contact();
+    detailItems = DetailItems(*company);
+    photo = PhotoEdit(company->photoName());
+    settle();
 }
 
-MissingField CompanyForm::clickButtonSave()
+void CompanyForm::takeValues(const PeopleForm &other)
 {
-    if (values.title.isEmpty())
-        return MissingField::Title;
-    // One that was deleted meanwhile is stored anew, so that nothing typed is lost.
-    const bool isNew = !row || !row->context() || row->isDeleted();
-    values.title = values.title.trimmed();
-    values.photoName = photo.photoName();
-    if (isNew)
-        row = mainContext().insert<EntityCompany>();
-    writeValues();
-    items.storeFor(row);
-    const bool isSaved = DBWorker::saveOrTell();
-    if (isSaved)
-        photo.finish();
-    items = DetailItems(*row);
-    return isSaved ? MissingField::None : MissingField::Store;
+    values = static_cast<const CompanyForm &>(other).values;
+}
+
+// Rows
+
+std::vector<FormRow> CompanyForm::rows() const
+{
+    using Editor = FormRow::Editor;
+    std::vector<FormRow> all = {
+        pictureRow(),
+        {.id = Title,
+         .editor = Editor::Name,
+         .name = u"CompanyTitle"_s,
+         .controlName = u"textFieldTitle"_s,
+         .placeholder = localized(u"Company Name"_s)},
+        {.id = Details,
+         .editor = Editor::Text,
+         .name = u"Details"_s,
+         .controlName = u"textFieldDetails"_s,
+         .height = 64,
+         .isClearable = true,
+         .placeholder = localized(u"Notes, links, whatever helps"_s)},
+        {.id = FirstSeparator, .editor = Editor::Separator, .name = u"Seperator1"_s, .height = 16},
+        itemsRow(Phones),
+        itemsRow(Addresses),
+        itemsRow(Emails),
+        itemsRow(Urls),
+        {.id = SecondSeparator, .editor = Editor::Separator, .name = u"Seperator2"_s, .height = 16},
+        {.id = Contacts,
+         .editor = Editor::Links,
+         .name = u"Contact"_s,
+         .controlName = u"popUpButtonContacts"_s,
+         .placeholder = localized(u"Add Contact"_s)},
+    };
+    if (!isOfPane)
+        std::erase_if(all, [](const FormRow &one) { return one.editor == Editor::Separator; });
+    return all;
+}
+
+QString CompanyForm::label(int number) const
+{
+    if (number == Details)
+        return localized(u"Details"_s);
+    return number == Contacts ? localized(u"Contacts"_s) : PeopleForm::label(number);
+}
+
+QString CompanyForm::text(int number) const
+{
+    switch (number) {
+    case Title:
+        return values.title;
+    case Details:
+        return values.details;
+    case Contacts:
+        break;
+    default:
+        return PeopleForm::text(number);
+    }
+    QStringList names;
+    for (const FormLink &link : links(Contacts))
+        names.append(link.text);
+    return names.join(u", "_s);
+}
+
+void CompanyForm::setText(int number, const QString &newText)
+{
+    if (newText != text(number))
+        edit([&] { (number == Title ? values.title : values.details) = newText; });
+}
+
+void CompanyForm::clear(int)
+{
+    edit([this] { values.details.clear(); });
+}
+
+// The contacts
+
+std::vector<FormChoice> CompanyForm::choices(int)
+{
+    offered.clear();
+    std::vector<FormChoice> choices;
+    for (ContactPtr &contact : TaskFormChoices::contacts()) {
+        if (std::ranges::find(values.contact, contact) != values.contact.end())
+            continue;
+        choices.push_back({contact->fullName()});
+        offered.push_back(std::move(contact));
+    }
+    return choices;
+}
+
+void CompanyForm::choose(int, int place)
+{
+    edit([&] { values.contact.push_back(offered.at(static_cast<std::size_t>(place))); });
+}
+
+std::string_view CompanyForm::entityOfChoices(int number) const
+{
+    return number == Contacts ? EntityContacts::entityName : std::string_view();
+}
+
+std::vector<FormLink> CompanyForm::links(int) const
+{
+    std::vector<FormLink> linked;
+    for (const ContactPtr &contact : DBWorker::sortContacta(values.contact))
+        linked.push_back({contact, contact->fullName(), Portrait::of(*contact)});
+    return linked;
+}
+
+void CompanyForm::unlink(int, const ObjectPtr &record)
+{
+    edit([&] { std::erase(values.contact, record); });
+}
+
+// Drafts
+
+QString CompanyForm::kept(int number) const
+{
+    switch (number) {
+    case Title:
+        return values.title;
+    case Details:
+        return values.details;
+    case Contacts:
+        return urisOf(values.contact);
+    default:
+        return PeopleForm::kept(number);
+    }
+}
+
+void CompanyForm::resumeRow(int number, const QString &value)
+{
+    if (number == Title || number == Details)
+        return setText(number, value);
+    if (number == Contacts)
+        return edit([&] { values.contact = recordsOf<EntityContacts>(value); });
+    PeopleForm::resumeRow(number, value);
+}
+
+// The record
+
+QString CompanyForm::stepName(bool isNew) const
+{
+    return isNew ? u"New Company"_s : u"Change Company"_s;
+}
+
+void CompanyForm::insertRow()
+{
+    row = mainContext().insert<EntityCompany>();
 }
 
 void CompanyForm::writeValues()
 {
+    values.title = values.title.trimmed();
+    values.photoName = photo.photoName();
     row->setTitle(values.title);
     row->setKeyPhoto(values.keyPhoto);
     row->setPhotoName(values.photoName);

@@ -1,12 +1,10 @@
 #pragma once
 
-#include "records/people/DetailItems.h"
 #include "records/people/MVCompany.h"
-#include "records/people/MissingField.h"
-#include "records/people/PhotoEdit.h"
+#include "records/people/PeopleForm.h"
 
-/// A company as a window or a detail screen edits it. Nothing reaches the store before it is saved.
-class CompanyForm
+/// A company as a window or a pane edits it.
+class CompanyForm : public PeopleForm
 {
 public:
     /// A new company.
@@ -15,17 +13,44 @@ public:
     explicit CompanyForm(const CompanyPtr &company);
 
     MVCompany values;
-    DetailItems items;
-    PhotoEdit photo;
 
-    /// Stores the company, commits, sees to the files of the picture and tells the lists. Without a title
-    /// nothing is done and the answer says where the focus goes.
-    MissingField clickButtonSave();
     /// The stored row; null until a new company was saved.
     const CompanyPtr &company() const { return row; }
 
-private:
-    void writeValues();
+    /// The rows of a stored company have room between their parts.
+    std::vector<FormRow> rows() const override;
+    QString label(int number) const override;
+    QString text(int number) const override;
+    void setText(int number, const QString &text) override;
+    /// The contacts that can be added.
+    std::vector<FormChoice> choices(int number) override;
+    void choose(int number, int place) override;
+    std::string_view entityOfChoices(int number) const override;
+    std::vector<FormLink> links(int number) const override;
+    void unlink(int number, const ObjectPtr &record) override;
+    void clear(int number) override;
 
+    std::string_view entity() const override { return EntityCompany::entityName; }
+    QString title() const override { return values.title; }
+    ObjectPtr record() const override { return row; }
+    QString kept(int number) const override;
+    void resumeRow(int number, const QString &value) override;
+
+protected:
+    std::unique_ptr<PeopleForm> fresh() const override { return std::make_unique<CompanyForm>(row); }
+    void takeValues(const PeopleForm &other) override;
+    QString initials() const override { return Portrait::initialsOf(values.title); }
+    bool isNamed() const override { return !values.title.trimmed().isEmpty(); }
+    MissingField missingName() const override { return MissingField::Title; }
+    QString stepName(bool isNew) const override;
+    void insertRow() override;
+    void writeValues() override;
+    void storeItems() override { detailItems.storeFor(row); }
+    bool isLinks(int number) const override { return number == Contacts; }
+
+private:
     CompanyPtr row;
+    /// Whether it began as a stored one.
+    bool isOfPane = false;
+    std::vector<ContactPtr> offered;
 };

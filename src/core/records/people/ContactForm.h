@@ -1,12 +1,10 @@
 #pragma once
 
-#include "records/people/DetailItems.h"
 #include "records/people/MVContacts.h"
-#include "records/people/MissingField.h"
-#include "records/people/PhotoEdit.h"
+#include "records/people/PeopleForm.h"
 
-/// A contact as a window or a detail screen edits it. Nothing reaches the store before it is saved.
-class ContactForm
+/// A contact as a window or a pane edits it.
+class ContactForm : public PeopleForm
 {
 public:
     /// A new contact.
@@ -15,17 +13,48 @@ public:
     explicit ContactForm(const ContactPtr &contact);
 
     MVContacts values;
-    DetailItems items;
-    PhotoEdit photo;
 
-    /// Stores the contact, commits, sees to the files of the picture and tells the lists. Without any name
-    /// nothing is done and the answer says where the focus goes.
-    MissingField clickButtonSave();
     /// The stored row; null until a new contact was saved.
     const ContactPtr &contact() const { return row; }
 
-private:
-    void writeValues();
+    std::vector<FormRow> rows() const override;
+    QString label(int number) const override;
+    QString text(int number) const override;
+    FormMark mark(int number) const override;
+    void setText(int number, const QString &text) override;
+    /// For the projects, those that can be added.
+    std::vector<FormChoice> choices(int number) override;
+    int chosen(int number) const override;
+    void choose(int number, int place) override;
+    ObjectPtr chosenRecord(int number) const override { return number == Company ? values.company : nullptr; }
+    std::string_view entityOfChoices(int number) const override;
+    std::vector<FormLink> links(int number) const override;
+    void unlink(int number, const ObjectPtr &record) override;
+    FormDate date(int number) const override;
+    DatePickerState openPicker(int number) override;
+    void acceptDate(int number, DatePickerState &picker, Date date) override;
+    void clear(int number) override;
 
+    std::string_view entity() const override { return EntityContacts::entityName; }
+    QString title() const override { return values.fullName(); }
+    ObjectPtr record() const override { return row; }
+    QString kept(int number) const override;
+    void resumeRow(int number, const QString &value) override;
+
+protected:
+    std::unique_ptr<PeopleForm> fresh() const override { return std::make_unique<ContactForm>(row); }
+    void takeValues(const PeopleForm &other) override;
+    QString initials() const override { return Portrait::initialsOf(values.firstName, values.lastName); }
+    bool isNamed() const override;
+    MissingField missingName() const override { return MissingField::FirstName; }
+    QString stepName(bool isNew) const override;
+    void insertRow() override;
+    void writeValues() override;
+    void storeItems() override { detailItems.storeFor(row); }
+    bool isLinks(int number) const override { return number == Projects; }
+
+private:
     ContactPtr row;
+    /// The records that were offered last; null for none of them.
+    std::map<int, std::vector<ObjectPtr>> offered;
 };

@@ -3,7 +3,13 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <unordered_set>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -169,4 +175,172 @@ void DetailItems::storeFor(const ContactPtr &contact)
 void DetailItems::storeFor(const CompanyPtr &company)
 {
     store(*this, company);
+}
+
+// What outlives the lists
+
+namespace {
+
+QStringList itemTexts(const ItemListEmailPhoneUrl &row)
+{
+    return {row.text()};
+}
+
+QStringList itemTexts(const ItemListAddress &row)
+{
+    const MVAddress &values = row.values();
+    return {values.street1, values.street2, values.city, values.state, values.zip, values.country};
+}
+
+/// It stays when the record is deleted.
+QString identifierOf(const ObjectPtr &record)
+{
+    return record ? record->identifier() : QString();
+}
+
+template <typename Row>
+QJsonObject encodedItem(const Row &row)
+{
+    return {{u"row"_s, identifierOf(row.entity())},
+            {u"type"_s, identifierOf(row.type())},
+            {u"texts"_s, QJsonArray::fromStringList(itemTexts(row))}};
+}
+
+template <typename Rows>
+QString encodedItems(const Rows &rows)
+{
+    QJsonArray all;
+    for (const auto &row : rows) {
+        if (!row.isEmpty())
+            all.append(encodedItem(row));
+    }
+    return all.isEmpty() ? QString() : QString::fromUtf8(QJsonDocument(all).toJson(QJsonDocument::Compact));
+}
+
+QJsonArray decodedItems(const QString &kept)
+{
+    return QJsonDocument::fromJson(kept.toUtf8()).array();
+}
+
+template <typename Entity>
+std::shared_ptr<Entity> itemRecord(const QJsonObject &row, const QString &key)
+{
+    const QString identifier = row[key].toString();
+    return identifier.isEmpty()
+               ? nullptr
+               : std::static_pointer_cast<Entity>(mainContext().object(Entity::entityName, identifier));
+}
+
+/// \param bind makes a row stand for a stored one, \param show puts a text into it.
+template <typename Entity, typename Type, typename Bind, typename Show>
+void takeRows(ItemListEmailPhoneUrl::Rows &rows, const QJsonArray &kept, Bind bind, Show show)
+{
+    rows.clear();
+    for (const QJsonValue one : kept) {
+        const QJsonObject about = one.toObject();
+        ItemListEmailPhoneUrl row = bind(itemRecord<Entity>(about, u"row"_s));
+        (row.*show)(about[u"texts"_s].toArray().at(0).toString());
+        row.setType(itemRecord<Type>(about, u"type"_s));
+        if (!row.isEmpty())
+            rows.push_back(std::move(row));
+    }
+}
+
+void takeAddresses(ItemListAddress::Rows &rows, const QJsonArray &kept)
+{
+    rows.clear();
+    for (const QJsonValue one : kept) {
+        const QJsonObject about = one.toObject();
+        const QJsonArray texts = about[u"texts"_s].toArray();
+        ItemListAddress row =
+            ItemListAddress::initAddressItem(itemRecord<EntityAddress>(about, u"row"_s), {}, {}, true);
+        MVAddress &values = row.values();
+        QString *const fields[] = {&values.street1, &values.street2, &values.city,
+                                   &values.state,   &values.zip,     &values.country};
+        for (qsizetype field = 0; field < static_cast<qsizetype>(std::size(fields)); ++field)
+            *fields[field] = texts.at(field).toString();
+        row.setType(itemRecord<EntityAddressType>(about, u"type"_s));
+        if (!row.isEmpty())
+            rows.push_back(std::move(row));
+    }
+}
+
+} // namespace
+
+QString DetailItems::kept(DetailKind kind) const
+{
+    switch (kind) {
+    case DetailKind::Phone:
+        return encodedItems(phones);
+    case DetailKind::Email:
+        return encodedItems(emails);
+    case DetailKind::Url:
+        return encodedItems(urls);
+    case DetailKind::Address:
+        break;
+    }
+    return encodedItems(addresses);
+}
+
+void DetailItems::take(DetailKind kind, const QString &kept)
+{
+    using Row = ItemListEmailPhoneUrl;
+    const QJsonArray all = decodedItems(kept);
+    switch (kind) {
+    case DetailKind::Phone:
+        takeRows<EntityPhone, EntityPhoneType>(
+            phones, all, [](const auto &phone) { return Row::initPhoneItem(phone, {}, {}, true); },
+            &Row::setPhoneNumber);
+        return appendFreePhone();
+    case DetailKind::Email:
+        takeRows<EntityEmail, EntityEmailType>(
+            emails, all, [](const auto &email) { return Row::initEmailItem(email, {}, {}, true); },
+            &Row::setEmailString);
+        return appendFreeEmail();
+    case DetailKind::Url:
+        takeRows<EntityURL, EntityURLType>(
+            urls, all, [](const auto &url) { return Row::initURLItem(url, {}, {}, true); },
+            &Row::setURLString);
+        return appendFreeUrl();
+    case DetailKind::Address:
+        break;
+    }
+    takeAddresses(addresses, all);
+    appendFreeAddress();
+}
+
+/// The rows of a list by the stored ones that they stand for.
+static QHash<QString, QJsonObject> byStoredRow(const QJsonArray &rows)
+{
+    QHash<QString, QJsonObject> found;
+    for (const QJsonValue row : rows)
+        found.insert(row[u"row"_s].toString(), row.toObject());
+    return found;
+}
+
+QString DetailItems::merged(const QString &mine, const QString &former, const QString &present)
+{
+    const QJsonArray own = decodedItems(mine);
+    const QHash<QString, QJsonObject> before = byStoredRow(decodedItems(former));
+    const QHash<QString, QJsonObject> now = byStoredRow(decodedItems(present));
+    QJsonArray all;
+    for (const QJsonValue one : own) {
+        QJsonObject row = one.toObject();
+        const QString stored = row[u"row"_s].toString();
+        const bool isChanged = !before.contains(stored) || before[stored] != row;
+        if (!stored.isEmpty() && before.contains(stored)) {
+            if (!isChanged && !now.contains(stored))
+                continue;
+            if (!isChanged)
+                row = now[stored];
+            else if (!now.contains(stored))
+                row[u"row"_s] = QString();
+        }
+        all.append(row);
+    }
+    for (const QJsonValue one : decodedItems(present)) {
+        if (!before.contains(one[u"row"_s].toString()))
+            all.append(one);
+    }
+    return all.isEmpty() ? QString() : QString::fromUtf8(QJsonDocument(all).toJson(QJsonDocument::Compact));
 }

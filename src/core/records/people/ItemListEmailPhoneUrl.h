@@ -37,11 +37,11 @@ public:
                                                           const Rows &allURLComponents);
 
     // Shows a value and derives its link; an empty one shows nothing and has no link.
-    /// "tel:" and the digits alone.
+    /// "tel:" and the digits, with the sign of an international number before them.
     void setPhoneNumber(const QString &number);
     /// "mailto:" and the value.
     void setEmailString(const QString &email);
-    /// Always "http:", also for an "https:" address; percent-encoded as a query may be written (RFC 3986).
+    /// The address as it is; one that names no scheme gets "https:". Percent-encoded where it has to be.
     void setURLString(const QString &url);
 
     // Binds the row that this one stands for, and shows what it holds.

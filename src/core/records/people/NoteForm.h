@@ -34,6 +34,7 @@ public:
     std::vector<FormChoice> choices(int row) override;
     int chosen(int row) const override;
     void choose(int row, int place) override;
+    ObjectPtr chosenRecord(int number) const override { return number == Contact ? values.contact : nullptr; }
     std::string_view entityOfChoices(int row) const override;
     void clear(int row) override;
 

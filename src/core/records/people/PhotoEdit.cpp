@@ -27,9 +27,14 @@ bool PhotoEdit::dropPicture(const QByteArray &png)
 
 void PhotoEdit::removePicture()
 {
+    choosePicture({});
+}
+
+void PhotoEdit::choosePicture(const QString &storedName)
+{
     dropped.clear();
     isNewPicture = false;
-    replaceName({});
+    replaceName(storedName);
 }
 
 void PhotoEdit::replaceName(const QString &newName)

@@ -19,6 +19,10 @@ public:
     /// that is not in that format: the names of pictures say ".png".
     bool dropPicture(const QByteArray &png);
     void removePicture();
+    /// Takes a picture of the image store by its name.
+    void choosePicture(const QString &storedName);
+    /// A picture that is in no file yet; empty if there is none.
+    QByteArray newPicture() const { return isNewPicture ? dropped : QByteArray(); }
 
     /// The name that the record is to be saved with; empty without a picture.
     const QString &photoName() const { return name; }

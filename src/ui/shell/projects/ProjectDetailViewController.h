@@ -1,11 +1,9 @@
 #pragma once
 
-#include "records/RecordPane.h"
-
-class LinkedTasksView;
+#include "shell/tasks/LinkedTasksPane.h"
 
 /// The pane about one project: its form, and its tasks below.
-class ProjectDetailViewController : public RecordPane
+class ProjectDetailViewController : public LinkedTasksPane
 {
     Q_OBJECT
 public:
@@ -13,11 +11,4 @@ public:
     static inline const QString name = QStringLiteral("ProjectDetailViewController");
 
     ProjectDetailViewController(std::unique_ptr<FormModel> form, FormView *view, QWidget *parent = nullptr);
-
-    LinkedTasksView *tasksView() const { return tasks; }
-
-private:
-    void addCurrentTasks();
-
-    LinkedTasksView *tasks;
 };

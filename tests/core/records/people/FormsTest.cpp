@@ -45,10 +45,10 @@ TEST_F(Forms, StopAtAMissingNameWithoutAWord)
 {
     const ScriptedAlerts none;
     ContactForm contact;
-    contact.items.phones[0].setPhoneNumber(u"1"_qs);
-    contact.items.controlTextDidChange();
+    contact.detailItems.phones[0].setPhoneNumber(u"1"_qs);
+    contact.detailItems.controlTextDidChange();
     EXPECT_EQ(contact.clickButtonSave(), MissingField::FirstName);
-    EXPECT_EQ(contact.items.phones.size(), 2u) << "Nothing was dropped";
+    EXPECT_EQ(contact.detailItems.phones.size(), 2u) << "Nothing was dropped";
     EXPECT_EQ(CompanyForm().clickButtonSave(), MissingField::Title);
     EXPECT_EQ(NoteForm().clickButtonSave(), MissingField::Title);
     EXPECT_FALSE(context().hasChanges());
@@ -66,18 +66,18 @@ TEST_F(Forms, StoreAContactWithWhatWasTyped)
     form.values.company = company;
     form.values.contactCategory = DBWorker::allContactCategories().first();
     form.values.project = {project};
-    form.items.phones[0].setPhoneNumber(u"123"_qs);
-    form.items.controlTextDidChange();
-    form.items.controlTextDidChange();
-    ASSERT_EQ(form.items.phones.size(), 2u) << "One free row, not more";
-    form.items.phones[1].setPhoneNumber(QString());
-    form.items.controlTextDidChange();
-    form.items.emails[0].setEmailString(u"a@b.org"_qs);
-    form.items.addresses[0].values().zip = u"89073"_qs;
-    form.items.urls[0].setURLString(u"not yet left"_qs);
-    form.items.emails.push_back({});
-    form.items.emails.push_back({});
-    form.items.addresses.push_back({});
+    form.detailItems.phones[0].setPhoneNumber(u"123"_qs);
+    form.detailItems.controlTextDidChange();
+    form.detailItems.controlTextDidChange();
+    ASSERT_EQ(form.detailItems.phones.size(), 2u) << "One free row, not more";
+    form.detailItems.phones[1].setPhoneNumber(QString());
+    form.detailItems.controlTextDidChange();
+    form.detailItems.emails[0].setEmailString(u"a@b.org"_qs);
+    form.detailItems.addresses[0].values().zip = u"89073"_qs;
+    form.detailItems.urls[0].setURLString(u"not yet left"_qs);
+    form.detailItems.emails.push_back({});
+    form.detailItems.emails.push_back({});
+    form.detailItems.addresses.push_back({});
 
     EXPECT_EQ(form.clickButtonSave(), MissingField::None);
     EXPECT_FALSE(context().hasChanges());
@@ -104,19 +104,20 @@ TEST_F(Forms, ChangeAContactAndItsRows)
     ContactForm form;
     form.values.lastName = u"Lee"_qs;
     for (const QString &number : {u"1"_qs, u"2"_qs, u"3"_qs}) {
-        form.items.phones.back().setPhoneNumber(number);
-        form.items.controlTextDidChange();
+        form.detailItems.phones.back().setPhoneNumber(number);
+        form.detailItems.controlTextDidChange();
     }
     form.clickButtonSave();
     ContactForm edit(form.contact());
     EXPECT_EQ(edit.values.lastName, u"Lee"_qs);
-    ASSERT_EQ(edit.items.phones.size(), 4u);
-    EXPECT_EQ(std::static_pointer_cast<EntityPhoneType>(edit.items.phones[3].type())->title(), u"mobile"_qs)
+    ASSERT_EQ(edit.detailItems.phones.size(), 4u);
+    EXPECT_EQ(std::static_pointer_cast<EntityPhoneType>(edit.detailItems.phones[3].type())->title(),
+              u"mobile"_qs)
         << "The free row takes the first type that is left";
-    const ObjectPtr changed = edit.items.phones[0].entity();
-    edit.items.phones[0].setPhoneNumber(u"10"_qs);
-    edit.items.phones[1].setPhoneNumber(QString());
-    edit.items.phones.erase(edit.items.phones.begin() + 2);
+    const ObjectPtr changed = edit.detailItems.phones[0].entity();
+    edit.detailItems.phones[0].setPhoneNumber(u"10"_qs);
+    edit.detailItems.phones[1].setPhoneNumber(QString());
+    edit.detailItems.phones.erase(edit.detailItems.phones.begin() + 2);
     edit.values.lastName = u"Kay"_qs;
     EXPECT_EQ(edit.clickButtonSave(), MissingField::None);
     EXPECT_EQ(form.contact()->lastName(), u"Kay"_qs);
@@ -126,7 +127,7 @@ TEST_F(Forms, ChangeAContactAndItsRows)
     EXPECT_EQ(rows<EntityPhone>(), 1);
     EXPECT_EQ(changedContacts.count, 1);
     EXPECT_EQ(newContacts.count, 1);
-    EXPECT_EQ(edit.items.phones.size(), 2u) << "It can be edited on";
+    EXPECT_EQ(edit.detailItems.phones.size(), 2u) << "It can be edited on";
 
     context().deleteObject(edit.contact());
     EXPECT_FALSE(DBWorker::saveContext());
@@ -142,8 +143,8 @@ TEST_F(Forms, StoreCompaniesAndNotes)
     company.values.title = u" Works "_qs;
     company.values.details = u"tools"_qs;
     company.values.contact = {ann};
-    company.items.urls[0].setURLString(u"works.org"_qs);
-    company.items.controlTextDidChange();
+    company.detailItems.urls[0].setURLString(u"works.org"_qs);
+    company.detailItems.controlTextDidChange();
     EXPECT_EQ(company.clickButtonSave(), MissingField::None);
     EXPECT_EQ(company.company()->title(), u"Works"_qs);
     EXPECT_EQ(company.company()->url()[0]->url(), u"works.org"_qs);
@@ -172,8 +173,8 @@ TEST_F(Forms, SayThatTheStoreTookNothingAndStoreItOnceWhenItDoes)
     const QByteArray picture("\x89PNG\r\n\x1a\n");
     ContactForm contact;
     contact.values.firstName = u"Ann"_qs;
-    contact.items.phones[0].setPhoneNumber(u"1"_qs);
-    contact.items.controlTextDidChange();
+    contact.detailItems.phones[0].setPhoneNumber(u"1"_qs);
+    contact.detailItems.controlTextDidChange();
     contact.photo.dropPicture(picture);
     CompanyForm company;
     company.values.title = u"Shop"_qs;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "objectstore/FetchRequest.h"
+#include "objectstore/Value.h"
+
+#include <vector>
+
+/// Lists of very many contacts. Stateless; main thread only.
+namespace ContactRows {
+
+/// What the store calls the contacts that a request gives, in the order of `DBWorker::sortContacta`. Nobody
+/// is loaded.
+std::vector<RowId> byFullName(const FetchRequest &request);
+
+} // namespace ContactRows

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "records/PlainRecordScreen.h"
+
+/// The screen of people: all of them, who meets the criteria of a list, or the members of a group.
+class ContactViewController : public PlainRecordScreen
+{
+    Q_OBJECT
+public:
+    /// \param group null for all people.
+    ContactViewController(const RecordKind &people, std::shared_ptr<EntityContactGroup> group,
+                          QWidget *parent = nullptr);
+
+    const std::shared_ptr<EntityContactGroup> &contactGroup() const { return group; }
+    /// Shows another group or list.
+    void setContactGroup(const std::shared_ptr<EntityContactGroup> &newGroup);
+
+private:
+    RecordKind ofGroup(RecordKind people) const;
+    std::vector<ListedRecord> rows(const FilterEntry *filter) const;
+    bool isRegroupedBy(const StoreChanges &changes) const;
+
+    std::shared_ptr<EntityContactGroup> group;
+};

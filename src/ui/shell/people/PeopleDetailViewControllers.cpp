@@ -1,0 +1,31 @@
+#include "shell/people/PeopleDetailViewControllers.h"
+
+/// Who it is delegated to brings the company along.
+static NewTaskRequest newTaskOfContact(const ObjectPtr &record)
+{
+    const auto contact = std::static_pointer_cast<EntityContacts>(record);
+    return {.createWithContact = contact, .createWithCompany = contact->company()};
+}
+
+static NewTaskRequest newTaskOfCompany(const ObjectPtr &record)
+{
+    return {.createWithCompany = std::static_pointer_cast<EntityCompany>(record)};
+}
+
+DetailContactViewController::DetailContactViewController(std::unique_ptr<FormModel> form, FormView *formView,
+                                                         QWidget *parent)
+    : LinkedTasksPane(
+          name, std::move(form), formView,
+          {.tasks = [](const ManagedObject &one) { return static_cast<const EntityContacts &>(one).task(); },
+           .newTask = newTaskOfContact},
+          parent)
+{}
+
+CompanyDetailViewController::CompanyDetailViewController(std::unique_ptr<FormModel> form, FormView *formView,
+                                                         QWidget *parent)
+    : LinkedTasksPane(
+          name, std::move(form), formView,
+          {.tasks = [](const ManagedObject &one) { return static_cast<const EntityCompany &>(one).task(); },
+           .newTask = newTaskOfCompany},
+          parent)
+{}
