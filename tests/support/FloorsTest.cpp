@@ -21,10 +21,10 @@ protected:
                                           u"calendarsync records store");
     const QStringList uiFolders = words(u"widgets filters records calendarviews shell");
     /// The same of ui.
-    const QStringList orderInUi =
-        words(u"widgets filters records calendarviews shell/maps shell/tasks "
-              u"shell/categories shell/notes shell/projects shell/search shell/calendars shell/contactimport "
-              u"shell/home shell");
+    const QStringList orderInUi = words(u"widgets filters records calendarviews shell/maps shell/tasks "
+                                        u"shell/categories shell/notes shell/projects shell/search "
+                                        u"shell/calendars shell/contactimport shell/people "
+                                        u"shell/home shell");
     const QStringList tradesOfPlatform =
         words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");
 

@@ -9,6 +9,8 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
+#include <QLocale>
+
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;

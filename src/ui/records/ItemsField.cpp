@@ -3,6 +3,7 @@
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "records/FormItems.h"
+#include "records/OpenLink.h"
 #include "widgets/Icons.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/TextLabel.h"
@@ -256,12 +257,5 @@ QWidget *ItemsField::makeLink(const LinkedItem &item)
 
 void ItemsField::follow(const LinkedItem &item)
 {
-    if (Workspace::openUrl(item.link))
-        return;
-    const int answer = Alert::run({name,
-                                   localized(u"No program on this computer opens this"_s),
-                                   firstPart(item.words),
-                                   {localized(u"Copy"_s), localized(u"Close"_s)}});
-    if (answer == Alert::firstButton)
-        QApplication::clipboard()->setText(item.words);
+    openLink(item.link, name, item.words);
 }

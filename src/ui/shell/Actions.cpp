@@ -51,6 +51,8 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::ShowCalendar, u"actionShowCalendar", u"Calendar", u"Ctrl+0",
                       SidebarItem::Calendar},
     ActionDescription{ActionId::ShowNotes, u"actionShowNotes", u"Notes", u"Ctrl+Shift+4", SidebarItem::Notes},
+    ActionDescription{ActionId::ShowWaitingFor, u"actionShowWaitingFor", u"Waiting For", u"Ctrl+Shift+8",
+                      SidebarItem::WaitingFor},
     ActionDescription{ActionId::CalendarToday, u"actionCalendarToday", u"Today", u"Ctrl+T"},
     ActionDescription{ActionId::CalendarGoToDate, u"actionCalendarGoToDate", u"Go To Date", u"Ctrl+Shift+T"},
     ActionDescription{ActionId::CalendarDay, u"actionCalendarDay", u"Day", u"Ctrl+Shift+5"},

@@ -46,6 +46,7 @@ enum class ActionId {
     ShowCompanies,
     ShowCalendar,
     ShowNotes,
+    ShowWaitingFor,
     CalendarToday,
     CalendarGoToDate,
     CalendarDay,

@@ -44,12 +44,27 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
             {ActionId::Undo, ActionId::Redo, separator, ActionId::Cut, ActionId::Copy, ActionId::Paste,
              ActionId::Delete, ActionId::SelectAll, separator, ActionId::Search, ActionId::FilterTasks,
              ActionId::ClearFilter, ActionId::WhyIsItHere, ActionId::ShowHistory});
-    QMenu *view = addMenu(
-        menuBar, actions, u"View"_s,
-        {ActionId::ShowHome, ActionId::ShowProjects, separator, ActionId::ShowPeople, ActionId::ShowCompanies,
-         ActionId::ShowNotes, separator, ActionId::ShowInbox, ActionId::ShowToday, ActionId::ShowScheduled,
-         ActionId::ShowSomeday, ActionId::ShowCategories, ActionId::ShowDelegated, ActionId::ShowNotDone,
-         ActionId::ShowDone, separator, ActionId::ShowCalendar, separator, ActionId::FullScreen});
+    QMenu *view = addMenu(menuBar, actions, u"View"_s,
+                          {ActionId::ShowHome,
+                           ActionId::ShowProjects,
+                           separator,
+                           ActionId::ShowPeople,
+                           ActionId::ShowCompanies,
+                           ActionId::ShowNotes,
+                           separator,
+                           ActionId::ShowInbox,
+                           ActionId::ShowToday,
+                           ActionId::ShowScheduled,
+                           ActionId::ShowSomeday,
+                           ActionId::ShowCategories,
+                           ActionId::ShowDelegated,
+                           ActionId::ShowWaitingFor,
+                           ActionId::ShowNotDone,
+                           ActionId::ShowDone,
+                           separator,
+                           ActionId::ShowCalendar,
+                           separator,
+                           ActionId::FullScreen});
     auto *calendar = new QMenu(localized(u"Calendar"_s), view);
     fillMenu(calendar, actions,
              {ActionId::CalendarToday, ActionId::CalendarGoToDate, ActionId::CalendarDay,

@@ -10,6 +10,7 @@
 #include "shell/home/HomeTabViewController.h"
 #include "shell/notes/NoteKind.h"
 #include "shell/people/PeopleKinds.h"
+#include "shell/people/WaitingForViewController.h"
 #include "shell/projects/ProjectKind.h"
 #include "shell/tasks/TaskScreens.h"
 
@@ -52,6 +53,7 @@ static const std::array screens = {
     ScreenDescription{Item::Delegated, u"Delegated", u"delegated", makeNew<UserDelegateViewController>},
     ScreenDescription{Item::NotDone, u"Not Done", u"notdone", makeNew<NotDoneViewController>},
     ScreenDescription{Item::Done, u"Done", u"done", makeNew<DoneViewController>},
+    ScreenDescription{Item::WaitingFor, u"Waiting For", u"delegated", makeNew<WaitingForViewController>},
     ScreenDescription{Item::Notes, u"Notes", u"note", nullptr, u"", EntityNote::entityName,
                       NoteKind::description, ToolBarButton::NewNote},
 };

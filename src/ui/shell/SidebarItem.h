@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a screen is for. All but notes have a row in the sidebar.
+/// What a screen is for. All but notes and what one waits for have a row in the sidebar.
 enum class SidebarItem {
     Home,
     Projects,
@@ -19,4 +19,5 @@ enum class SidebarItem {
     NotDone,
     Done,
     Notes,
+    WaitingFor,
 };

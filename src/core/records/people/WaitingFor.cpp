@@ -106,8 +106,8 @@ QString WaitingFor::inWords(const EntityContacts &contact)
         if (task->lastAsked() && (!asked || *asked < *task->lastAsked()))
             asked = task->lastAsked();
     }
-    const QString count = tasks.size() == 1 ? localized(u"1 open task"_s)
-                                            : localized(u"%1 open tasks"_s).arg(tasks.size());
+    const QString count =
+        tasks.size() == 1 ? localized(u"1 open task"_s) : localized(u"%1 open tasks"_s).arg(tasks.size());
     QStringList parts{count, sinceInWords(since(*tasks.front())), askedInWords(asked)};
     parts.removeAll(QString());
     return parts.join(u", "_s);
@@ -115,8 +115,8 @@ QString WaitingFor::inWords(const EntityContacts &contact)
 
 QString WaitingFor::askingMail(const EntityContacts &contact, const std::vector<TaskPtr> &tasks)
 {
-    QString body = localized(u"Hello %1,"_s).arg(contact.firstName().isEmpty() ? contact.fullName()
-                                                                               : contact.firstName()) +
+    QString body = localized(u"Hello %1,"_s)
+                       .arg(contact.firstName().isEmpty() ? contact.fullName() : contact.firstName()) +
                    u"\n\n"_s + localized(u"how is this coming along?"_s) + u"\n\n"_s;
     for (const TaskPtr &task : tasks) {
         body += u"- "_s + task->title().simplified();

@@ -22,13 +22,13 @@ public:
     static OptionalDate since(const EntityTask &task);
     /// "Ada Lovelace, since October 3 (50 days), asked November 20".
     static QString inWords(const EntityTask &task);
-    /// The same of everything that a contact has: how much that is, since when, and when they were asked. Empty
-    /// for nothing.
+    /// The same of everything that a contact has: how much that is, since when, and when they were asked.
+    /// Empty for nothing.
     static QString inWords(const EntityContacts &contact);
 
     /// A mail draft to the contact that names the tasks, as a "mailto:" address (RFC 6068).
     static QString askingMail(const EntityContacts &contact, const std::vector<TaskPtr> &tasks);
-    /// Notes that their delegates were asked about tasks just now, in one step that can be taken back. False if
-    /// it did not reach the disk, which the user is told.
+    /// Notes that their delegates were asked about tasks just now, in one step that can be taken back. False
+    /// if it did not reach the disk, which the user is told.
     static bool noteAsking(const std::vector<TaskPtr> &tasks);
 };

@@ -82,7 +82,10 @@ std::vector<EntityDescription> describeEntities()
         describe<EntityProject>().followingLinks().indexedBy(
             {{"EntityProject_category", "\"category\""}, {"EntityProject_byTitle", "\"title\""}}),
         describe<EntityContacts>().followingLinks().indexedBy(
-            {{"EntityContacts_company", "\"company\""}, {"EntityContacts_category", "\"contactCategory\""}}),
+            {{"EntityContacts_company", "\"company\""},
+             {"EntityContacts_category", "\"contactCategory\""},
+             {"EntityContacts_birthday", "\"birthday\", \"firstName\", \"lastName\"",
+              "\"birthday\" IS NOT NULL"}}),
         describe<EntityCompany>().followingLinks(),
         describeDetail<EntityPhone>("EntityPhone_contact", "EntityPhone_company"),
         describeDetail<EntityEmail>("EntityEmail_contact", "EntityEmail_company"),

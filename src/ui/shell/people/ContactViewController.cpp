@@ -1,15 +1,32 @@
 #include "shell/people/ContactViewController.h"
 
 #include "filters/ContactGroups.h"
-#include "foundation/Localization.h"
+#include "filters/ContactsTopView.h"
+#include "shell/contactimport/ImportContactWindowController.h"
+#include "shell/people/BirthdaysStrip.h"
+#include "shell/people/WindowAddContactsGroup.h"
 
-using namespace Qt::Literals::StringLiterals;
+#include <QDropEvent>
+#include <QVBoxLayout>
 
 ContactViewController::ContactViewController(const RecordKind &people,
                                              std::shared_ptr<EntityContactGroup> shownGroup, QWidget *parent)
     : PlainRecordScreen(ofGroup(people), parent)
     , group(std::move(shownGroup))
-{}
+    , topView(new ContactsTopView)
+{
+    setAcceptDrops(true);
+    auto *column = static_cast<QVBoxLayout *>(layout());
+    column->insertWidget(0, topView);
+    topView->setContactGroup(group);
+    connect(topView, &ContactsTopView::listChanged, this, &TabsViewController::reloadData);
+    connect(topView, &ContactsTopView::membersWanted, this, &ContactViewController::pickMembers);
+    if (group)
+        return;
+    auto *birthdays = new BirthdaysStrip;
+    column->insertWidget(1, birthdays);
+    connect(birthdays, &BirthdaysStrip::pressed, this, &TabsViewController::selectItem);
+}
 
 /// The rows are asked for once the screen stands.
 RecordKind ContactViewController::ofGroup(RecordKind people) const
@@ -22,7 +39,37 @@ RecordKind ContactViewController::ofGroup(RecordKind people) const
 void ContactViewController::setContactGroup(const std::shared_ptr<EntityContactGroup> &newGroup)
 {
     group = newGroup;
+    topView->setContactGroup(group);
     reloadData();
+}
+
+void ContactViewController::openFilter()
+{
+    topView->toggleFilter();
+}
+
+bool ContactViewController::canFilter() const
+{
+    return topView->canFilter();
+}
+
+/// Those of the group, or of a new one.
+void ContactViewController::pickMembers()
+{
+    (new WindowAddContactsGroup(group, window()))->showWindow();
+}
+
+void ContactViewController::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!ImportContactWindowController::filesIn(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void ContactViewController::dropEvent(QDropEvent *event)
+{
+    event->acceptProposedAction();
+    ImportContactWindowController::openFiles(window(),
+                                             ImportContactWindowController::filesIn(*event->mimeData()));
 }
 
 std::vector<ListedRecord> ContactViewController::rows(const FilterEntry *filter) const

@@ -2,6 +2,8 @@
 
 #include "records/PlainRecordScreen.h"
 
+class ContactsTopView;
+
 /// The screen of people: all of them, who meets the criteria of a list, or the members of a group.
 class ContactViewController : public PlainRecordScreen
 {
@@ -15,10 +17,19 @@ public:
     /// Shows another group or list.
     void setContactGroup(const std::shared_ptr<EntityContactGroup> &newGroup);
 
+    void openFilter() override;
+    bool canFilter() const override;
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
 private:
+    void pickMembers();
     RecordKind ofGroup(RecordKind people) const;
     std::vector<ListedRecord> rows(const FilterEntry *filter) const;
     bool isRegroupedBy(const StoreChanges &changes) const;
 
     std::shared_ptr<EntityContactGroup> group;
+    ContactsTopView *topView;
 };

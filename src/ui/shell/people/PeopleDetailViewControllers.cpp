@@ -1,10 +1,17 @@
 #include "shell/people/PeopleDetailViewControllers.h"
 
+#include "shell/people/WaitingStrip.h"
+
 /// Who it is delegated to brings the company along.
 static NewTaskRequest newTaskOfContact(const ObjectPtr &record)
 {
     const auto contact = std::static_pointer_cast<EntityContacts>(record);
     return {.createWithContact = contact, .createWithCompany = contact->company()};
+}
+
+static QWidget *makeWaitingStrip(const RecordPane &pane)
+{
+    return new WaitingStrip([&pane] { return std::static_pointer_cast<EntityContacts>(pane.record()); });
 }
 
 static NewTaskRequest newTaskOfCompany(const ObjectPtr &record)
@@ -17,7 +24,8 @@ DetailContactViewController::DetailContactViewController(std::unique_ptr<FormMod
     : LinkedTasksPane(
           name, std::move(form), formView,
           {.tasks = [](const ManagedObject &one) { return static_cast<const EntityContacts &>(one).task(); },
-           .newTask = newTaskOfContact},
+           .newTask = newTaskOfContact,
+           .above = makeWaitingStrip},
           parent)
 {}
 

@@ -14,6 +14,8 @@ LinkedTasksPane::LinkedTasksPane(const QString &name, std::unique_ptr<FormModel>
     }))
 {
     tasks->setShowProject(linked.showsProject);
+    if (linked.above)
+        addToBody(linked.above(*this));
     addToBody(tasks);
     connect(tasks, &LinkedTasksView::opened, this, &DetailViewController::recordWanted);
     connect(tasks, &LinkedTasksView::newTaskWanted, this,

@@ -20,6 +20,8 @@ public:
         std::function<NewTaskRequest(const ObjectPtr &record)> newTask;
         /// Whether the rows say to which project a task belongs.
         bool showsProject = true;
+        /// Makes what stands between the form and the tasks of a pane; empty for nothing.
+        std::function<QWidget *(const RecordPane &pane)> above = {};
     };
     LinkedTasksPane(const QString &name, std::unique_ptr<FormModel> form, FormView *view,
                     const Linked &linked, QWidget *parent = nullptr);

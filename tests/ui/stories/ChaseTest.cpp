@@ -1,0 +1,196 @@
+// What others were given to do, who has birthday, and who belongs together: the strips above and below
+// people.
+
+#include "filters/ContactGroups.h"
+#include "foundation/Clock.h"
+#include "records/TaskManager.h"
+#include "records/people/Birthdays.h"
+#include "records/people/WaitingFor.h"
+#include "shell/people/WaitingForViewController.h"
+#include "shell/people/WindowAddContactsGroup.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/CheckList.h"
+#include "widgets/MVSegmentView.h"
+#include "workspace/Workspace.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QUrl>
+
+using namespace Qt::Literals::StringLiterals;
+
+class ChaseTest : public ShellTest
+{
+protected:
+    ChaseTest()
+    {
+        Workspace::setUrlOpener([this](const QString &url) {
+            opened.append(url);
+            return isAnythingOpened;
+        });
+    }
+    ~ChaseTest() override { Workspace::setUrlOpener({}); }
+
+    ContactPtr contact(const QString &name, OptionalDate born = {})
+    {
+        const auto made = context().insert<EntityContacts>();
+        made->setFirstName(name);
+        made->setBirthday(born);
+        EXPECT_FALSE(DBWorker::saveContext());
+        return made;
+    }
+    TaskPtr give(const QString &title, const ContactPtr &to, int day)
+    {
+        Clock::setSource([day] { return localDate(2026, 11, day, 9, 15); });
+        const TaskPtr task = add(title, [&](MVTask &copy) { copy.delegateToUser = to; });
+        Clock::setSource([] { return localDate(2026, 11, 21, 9, 15); });
+        return task;
+    }
+    void go(SidebarItem item)
+    {
+        controller().goToList(item);
+        settle();
+    }
+    QWidget &current() { return *controller().currentScreen(); }
+
+    QStringList opened;
+    bool isAnythingOpened = true;
+};
+
+TEST_F(ChaseTest, WhoHasSomethingToDoIsAskedAboutIt)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    const auto mail = context().insert<EntityEmail>();
+    mail->setMail(u"ann@example.org"_s);
+    mail->setContact(ann);
+    const TaskPtr later = give(u"Paint the door"_s, ann, 20);
+    const TaskPtr first = give(u"Mend the roof & gutter"_s, ann, 2);
+    go(SidebarItem::People);
+    static_cast<TabsViewController &>(current()).selectItem(ann);
+    settle();
+    auto &label = find<QLabel>(window(), "labelWaiting");
+    EXPECT_EQ(label.text(), u"2 open tasks, since Nov 2, 2026 (19 days), not asked yet"_s);
+    auto &button = find<QPushButton>(window(), "buttonAskAgain");
+    // Without a program for it nothing was asked.
+    isAnythingOpened = false;
+    {
+        const ScriptedAlerts alerts({Alert::secondButton});
+        QTest::mouseClick(&button, Qt::LeftButton);
+        settle();
+    }
+    EXPECT_FALSE(first->lastAsked());
+    isAnythingOpened = true;
+    opened.clear();
+    QTest::mouseClick(&button, Qt::LeftButton);
+    settle();
+    ASSERT_EQ(opened.size(), 1);
+    EXPECT_TRUE(opened[0].startsWith(u"mailto:ann@example.org?subject="_s)) << opened[0].toStdString();
+    const QString body = QUrl::fromPercentEncoding(opened[0].section(u"&body="_s, 1).toLatin1());
+    EXPECT_TRUE(body.contains(u"- Mend the roof & gutter\r\n- Paint the door\r\n"_s)) << body.toStdString();
+    EXPECT_EQ(later->lastAsked(), localDate(2026, 11, 21, 9, 15));
+    EXPECT_TRUE(label.text().endsWith(u"asked Nov 21, 2026"_s)) << label.text().toStdString();
+
+    // The list has what waits longest first, and loses what is done.
+    const TaskPtr other = give(u"Ask the bank"_s, contact(u"Bob"_s), 10);
+    go(SidebarItem::WaitingFor);
+    auto &list = static_cast<RecordListScreen &>(current());
+    const auto titles = [&list] {
+        QStringList shown;
+        for (int row = 0; row < list.table()->model()->rowCount(); ++row)
+            shown << list.table()->model()->index(row, 0).data().toString();
+        return shown;
+    };
+    EXPECT_EQ(titles(), QStringList({first->title(), other->title(), later->title()}));
+    MVTask(first).changeStatusType(TaskStatus::Done, true);
+    settle();
+    EXPECT_EQ(titles(), QStringList({other->title(), later->title()}));
+    // Somebody else begins anew, and undo gives it back with its date.
+    {
+        MVTask copy(later);
+        copy.delegateToUser = contact(u"Cleo"_s);
+        ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    }
+    EXPECT_EQ(WaitingFor::inWords(*later), u"Cleo, since today, not asked yet"_s);
+    run(ActionId::Undo);
+    EXPECT_EQ(WaitingFor::inWords(*later), u"Ann, since yesterday, asked Nov 21, 2026"_s);
+}
+
+TEST_F(ChaseTest, AListAndAGroupAreMadeAboveThePeople)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    contact(u"Bob"_s);
+    give(u"Paint the door"_s, ann, 20);
+    go(SidebarItem::People);
+    run(ActionId::FilterTasks);
+    auto &segment = find<MVSegmentView>(current(), "segmentActive");
+    QTest::keyClick(&segment, Qt::Key_Right);
+    QTest::keyClick(&segment, Qt::Key_Space);
+    ASSERT_EQ(segment.selectedIndex(), 1);
+    QTest::mouseClick(&find<QPushButton>(current(), "buttonAction"), Qt::LeftButton);
+    const auto lists = [] { return DBWorker::allContactPrivateList(); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return lists().size() == 1; }));
+    EXPECT_EQ(lists().at(0)->criteria(), 1);
+    EXPECT_EQ(lists().at(0)->allCompanies(), true);
+    const auto shown = [this] {
+        return static_cast<RecordListScreen &>(current()).table()->model()->rowCount();
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown() == 1; })) << "It is gone to";
+    // Its filter changes the list itself.
+    EXPECT_EQ(find<QAbstractButton>(current(), "buttonFilter").text(), u"Filtered"_s);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return outline().findChild<QLineEdit *>(); })) << "It is named";
+    QTest::keyClick(outline().findChild<QLineEdit *>(), Qt::Key_Escape);
+    run(ActionId::FilterTasks);
+    auto &again = find<MVSegmentView>(current(), "segmentActive");
+    EXPECT_EQ(again.selectedIndex(), 1);
+    QTest::keyClick(&again, Qt::Key_Right);
+    QTest::keyClick(&again, Qt::Key_Space);
+    QTest::mouseClick(&find<QPushButton>(current(), "buttonAction"), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(lists().at(0)->criteria(), 2);
+    EXPECT_EQ(shown(), 1);
+
+    go(SidebarItem::People);
+    QTest::mouseClick(&find<QAbstractButton>(current(), "buttonGroup"), Qt::LeftButton);
+    auto &members = find<WindowAddContactsGroup>(window(), "WindowAddContactsGroup");
+    auto &people = find<CheckList>(members, "tableContacts");
+    ASSERT_EQ(people.textOf(1), u"Ann"_s);
+    Q_EMIT people.linePressed(1);
+    QTest::mouseClick(&find<QPushButton>(members, "buttonDone"), Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return DBWorker::allContactPrivateGroup().size() == 1; }));
+    EXPECT_EQ(DBWorker::allContactPrivateGroup().at(0)->contacts(), std::vector<ContactPtr>({ann}));
+}
+
+TEST_F(ChaseTest, BirthdaysAreToldInTimeAndLeadToWhoHasThem)
+{
+    const ContactPtr soon = contact(u"Ann"_s, localDate(1990, 11, 24));
+    contact(u"Leap"_s, localDate(2000, 2, 29));
+    contact(u"Eve"_s, localDate(1950, 12, 31));
+    contact(u"Newton"_s, localDate(1643, 1, 4));
+    const auto told = [](Date first, Date last) {
+        QStringList lines;
+        for (const Birthdays::Birthday &one : Birthdays::between(first, last))
+            lines << Birthdays::inWords(one) + u' ' +
+                         QString::number(Calendar::current().dayNumber(one.day) -
+                                         Calendar::current().dayNumber(first));
+        return lines;
+    };
+    EXPECT_EQ(told(localDate(2026, 12, 20), localDate(2027, 1, 10)),
+              QStringList({u"Eve, 76 11"_s, u"Newton 15"_s}));
+    EXPECT_EQ(told(localDate(2027, 2, 28), localDate(2027, 2, 28)), QStringList(u"Leap, 27 0"_s));
+    EXPECT_EQ(told(localDate(2028, 2, 28), localDate(2028, 2, 28)), QStringList());
+    EXPECT_EQ(told(localDate(2028, 2, 29), localDate(2028, 2, 29)), QStringList(u"Leap, 28 0"_s));
+    EXPECT_EQ(told(localDate(2027, 1, 1), localDate(2027, 12, 31)).size(), 4);
+
+    go(SidebarItem::People);
+    auto &label = find<QLabel>(current(), "labelBirthdays");
+    ASSERT_TRUE(label.isVisible());
+    EXPECT_TRUE(label.text().contains(u"Ann, 36</a> Tue, Nov 24"_s)) << label.text().toStdString();
+    Q_EMIT label.linkActivated(u"0"_s);
+    settle();
+    EXPECT_EQ(static_cast<RecordListScreen &>(current()).selectedRecord(), soon);
+    context().deleteObject(soon);
+    EXPECT_FALSE(DBWorker::saveContext());
+    settle();
+    EXPECT_FALSE(label.isVisible());
+}
