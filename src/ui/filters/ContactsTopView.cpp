@@ -50,6 +50,14 @@ void ContactsTopView::setContactGroup(const std::shared_ptr<EntityContactGroup> 
         filter.setFilter(*group);
 }
 
+void ContactsTopView::setLeading(QWidget *widget)
+{
+    auto *row = static_cast<QHBoxLayout *>(layout());
+    delete row->takeAt(0);
+    row->insertWidget(0, widget, 1);
+    setTabOrder(widget, buttonGroup);
+}
+
 void ContactsTopView::toggleFilter()
 {
     buttonFilter->togglePopover();

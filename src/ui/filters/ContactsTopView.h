@@ -15,6 +15,8 @@ class ContactsTopView : public QWidget
 public:
     explicit ContactsTopView(QWidget *parent = nullptr);
 
+    /// Puts something at the leading side.
+    void setLeading(QWidget *widget);
     /// The group or list that is shown; null for all people.
     void setContactGroup(const std::shared_ptr<EntityContactGroup> &group);
     /// Opens the bubble of the filter, or closes it.

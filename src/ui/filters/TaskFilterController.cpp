@@ -124,7 +124,7 @@ QLineEdit *TaskFilterController::makeText(const FilterRow &row)
     return field;
 }
 
-MVSegmentView *TaskFilterController::makeSegment(const FilterRow &row)
+QWidget *TaskFilterController::makeSegment(const FilterRow &row)
 {
     const FilterPopUp content = filter.popUp(row.key);
     auto *segment = new MVSegmentView(content.items);
@@ -133,7 +133,13 @@ MVSegmentView *TaskFilterController::makeSegment(const FilterRow &row)
     segment->setSelectedIndex(content.selectedIndex);
     connect(segment, &MVSegmentView::selectedIndexChanged, this,
             [this, key = row.key](int item) { filter.chooseItem(item, key); });
-    return segment;
+    auto *line = new QWidget;
+    auto *layout = new QHBoxLayout(line);
+    layout->setContentsMargins({});
+    layout->addWidget(segment);
+    layout->addStretch(1);
+    line->setFocusProxy(segment);
+    return line;
 }
 
 PopUpButton *TaskFilterController::makePopUp(const QString &key)

@@ -8,7 +8,6 @@
 
 class DatePicker;
 class ListFilter;
-class MVSegmentView;
 class PopUpButton;
 class Popover;
 class QLineEdit;
@@ -42,7 +41,7 @@ private:
     void addRow(const FilterRow &description);
     QWidget *makeControl(const FilterRow &row);
     QLineEdit *makeText(const FilterRow &row);
-    MVSegmentView *makeSegment(const FilterRow &row);
+    QWidget *makeSegment(const FilterRow &row);
     PopUpButton *makePopUp(const QString &key);
     QWidget *makePeriod();
     void setDataPeriod();

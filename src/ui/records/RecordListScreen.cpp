@@ -240,6 +240,26 @@ std::vector<ObjectPtr> RecordListScreen::recordsAt(const std::set<int> &numbers)
     return records;
 }
 
+std::vector<ObjectPtr> RecordListScreen::chosenRecords() const
+{
+    std::set<int> rows = view->selectedRows();
+    if (rows.empty()) {
+        for (int row = 0; row < listModel->rowCount(); ++row)
+            rows.insert(rows.end(), row);
+    }
+    return recordsAt(rows);
+}
+
+QString RecordListScreen::selectedText() const
+{
+    QStringList lines;
+    if (view->hasFocus()) {
+        for (const int row : view->selectedRows())
+            lines << listModel->index(row, 0).data().toString();
+    }
+    return lines.join(u'\n');
+}
+
 ObjectPtr RecordListScreen::selectedRecord() const
 {
     return view->selectedCount() == 1 ? listModel->recordAt(*view->selectedRows().begin()) : nullptr;

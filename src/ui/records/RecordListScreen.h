@@ -82,6 +82,9 @@ public:
     bool canClearFilter() const override;
 
     ObjectPtr selectedRecord() const override;
+    std::vector<ObjectPtr> chosenRecords() const override;
+    std::string_view shownEntity() const override { return description.entity; }
+    QString selectedText() const override;
     /// Shows a record in a pane. One that is edited keeps the user there, and its row selected.
     void showDetail(const ObjectPtr &record);
     /// Where the row of a record is on the screen; the upper edge without one.

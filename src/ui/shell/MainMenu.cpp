@@ -39,7 +39,7 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
         {ActionId::About, separator, ActionId::Preferences, ActionId::Calendars, separator, ActionId::Quit});
     addMenu(menuBar, actions, u"File"_s,
             {ActionId::NewTask, separator, ActionId::Save, separator, ActionId::OpenMainWindow,
-             ActionId::CloseWindow, separator, ActionId::Print});
+             ActionId::CloseWindow, separator, ActionId::Export, ActionId::Print});
     addMenu(menuBar, actions, u"Edit"_s,
             {ActionId::Undo, ActionId::Redo, separator, ActionId::Cut, ActionId::Copy, ActionId::Paste,
              ActionId::Delete, ActionId::SelectAll, separator, ActionId::Search, ActionId::FilterTasks,

@@ -9,12 +9,14 @@
 #include "shell/TextCommands.h"
 #include "shell/calendars/CalendarViewController.h"
 #include "shell/calendars/GoToDateWindowController.h"
+#include "shell/people/ExportContacts.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QMessageBox>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
@@ -73,7 +75,12 @@ void MainWindowController::bindActions()
     actions->bind(
         ActionId::ShowHistory, [this] { showHistory(); }, [this] { return recordInQuestion() != nullptr; });
     actions->bind(ActionId::Cut, TextCommands::cut, TextCommands::canCut);
-    actions->bind(ActionId::Copy, TextCommands::copy, TextCommands::canCopy);
+    actions->bind(
+        ActionId::Copy, [this] { copy(); },
+        [this] { return TextCommands::canCopy() || (screen && screen->hasSelection()); });
+    actions->bind(
+        ActionId::Export, [this] { exportRecords(); },
+        [this] { return screen && screen->hasRows() && ExportContacts::canExport(screen->shownEntity()); });
     actions->bind(ActionId::Paste, TextCommands::paste, TextCommands::canPaste);
     actions->bind(
         ActionId::Save, [] { NotificationCenter::defaultCenter().post(notifications::keySave); },
@@ -88,6 +95,22 @@ void MainWindowController::bindActions()
         [this] { return TextCommands::hasText() || (screen && screen->hasRows()); });
     actions->bind(ActionId::FullScreen, [this] { toggleFullScreen(); });
     actions->bind(ActionId::About, [this] { showAbout(); });
+}
+
+/// What is marked in a text, or else the selected rows as lines.
+void MainWindowController::copy()
+{
+    if (TextCommands::canCopy())
+        return TextCommands::copy();
+    const QString lines = screen ? screen->selectedText() : QString();
+    if (!lines.isEmpty())
+        QApplication::clipboard()->setText(lines);
+}
+
+void MainWindowController::exportRecords()
+{
+    if (screen)
+        ExportContacts::run(screen->chosenRecords(), *mainWindow);
 }
 
 /// A list gives its tasks what makes them belong to it; written down from anywhere else, one is for today.

@@ -75,6 +75,8 @@ public:
     /// Says by which rule the task in question is on the shown list, or why it is not.
     void explainPlace();
     void showHistory();
+    void copy();
+    void exportRecords();
     /// Another store is in use: everything is fetched anew.
     void changeDataBase();
     /// Closes the main window, if nothing typed is to stay, and opens the window that the program offers its

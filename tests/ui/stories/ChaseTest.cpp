@@ -6,6 +6,7 @@
 #include "records/TaskManager.h"
 #include "records/people/Birthdays.h"
 #include "records/people/WaitingFor.h"
+#include "shell/people/CallSheetWindow.h"
 #include "shell/people/WaitingForViewController.h"
 #include "shell/people/WindowAddContactsGroup.h"
 #include "ui/support/ShellTest.h"
@@ -13,9 +14,14 @@
 #include "widgets/MVSegmentView.h"
 #include "workspace/Workspace.h"
 
+#include <QClipboard>
+#include <QFile>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
+#include <QTextEdit>
 #include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
@@ -192,5 +198,80 @@ TEST_F(ChaseTest, BirthdaysAreToldInTimeAndLeadToWhoHasThem)
     context().deleteObject(soon);
     EXPECT_FALSE(DBWorker::saveContext());
     settle();
-    EXPECT_FALSE(label.isVisible());
+    EXPECT_EQ(label.text(), QString());
+}
+
+TEST_F(ChaseTest, ACallIsTickedOffOnItsSheetAndWhatWasSaidIsNoted)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    const auto works = context().insert<EntityCompany>();
+    works->setTitle(u"Works"_s);
+    ann->setCompany(works);
+    const auto phone = context().insert<EntityPhone>();
+    phone->setNumber(u"+49 (30) 12-34"_s);
+    phone->setContact(ann);
+    const TaskPtr call = give(u"Roof"_s, ann, 20);
+    call->setType(TaskType::EmailCall);
+    call->setDueDate(localDate(2026, 11, 23, 10, 0));
+    const TaskPtr other = give(u"Door"_s, ann, 20);
+    other->setType(TaskType::EmailCall);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(CallSheet(works).calls(), std::vector<TaskPtr>({call, other}))
+        << "Who works there is called, too";
+    EXPECT_EQ(CallSheet(works).numbers().front().owner, u"Ann"_s);
+
+    go(SidebarItem::People);
+    static_cast<TabsViewController &>(current()).selectItem(ann);
+    settle();
+    QTest::mouseClick(&find<QPushButton>(window(), "buttonCallSheet"), Qt::LeftButton);
+    auto *sheet = window().findChild<CallSheetWindow *>();
+    ASSERT_NE(sheet, nullptr);
+    Q_EMIT find<QLabel>(*sheet, "labelNumber").linkActivated(u"link"_s);
+    EXPECT_EQ(opened, QStringList(u"tel:+49301234"_s));
+    QTest::mouseClick(&find<QAbstractButton>(*sheet, "checkCall"), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(call->status(), TaskStatus::Done);
+    auto &said = find<QTextEdit>(*sheet, "fieldSaid");
+    ASSERT_TRUE(said.isVisible());
+    QTest::keyClicks(&said, u"They come on Monday"_s);
+    QTest::mouseClick(&find<QPushButton>(*sheet, "buttonSaveNote"), Qt::LeftButton);
+    settle();
+    ASSERT_EQ(ann->note().size(), 1u);
+    EXPECT_EQ(ann->note()[0]->title(), u"Roof"_s);
+    EXPECT_EQ(ann->note()[0]->detail(), u"They come on Monday"_s);
+    EXPECT_FALSE(said.isVisible());
+    // What was typed is kept also by who just leaves.
+    QTest::mouseClick(&find<QAbstractButton>(*sheet, "checkCall"), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(other->status(), TaskStatus::Done);
+    QTest::keyClicks(&said, u"Green"_s);
+    QTest::keyClick(sheet, Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(ann->note().size(), 2u);
+    EXPECT_EQ(CallSheet(ann).lastNotes().size(), 2u);
+    EXPECT_TRUE(CallSheet(ann).calls().empty());
+}
+
+TEST_F(ChaseTest, PeopleLeaveAsAFileAndRowsAsText)
+{
+    contact(u"Ann"_s);
+    contact(u"Bob"_s);
+    go(SidebarItem::People);
+    auto &list = static_cast<RecordListScreen &>(current());
+    list.table()->selectRow(1);
+    list.table()->setFocus();
+    run(ActionId::Copy);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"Bob"_s);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"people.vcf"_s);
+    run(ActionId::Export);
+    auto *dialog = window().findChild<QFileDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    Q_EMIT dialog->fileSelected(path);
+    dialog->close();
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray cards = file.readAll();
+    EXPECT_EQ(cards.count("BEGIN:VCARD"), 1) << "What is selected";
+    EXPECT_TRUE(cards.contains("FN:Bob\r\n")) << cards.constData();
 }

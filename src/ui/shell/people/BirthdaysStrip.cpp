@@ -5,11 +5,9 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "objectstore/StoreChanges.h"
-#include "records/people/Birthdays.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 #include "store/state/NotificationNames.h"
-#include "widgets/Direction.h"
 #include "widgets/TextLabel.h"
 
 #include <QHBoxLayout>
@@ -18,8 +16,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int daysAhead = 28;
-/// The others are in the calendars.
-constexpr std::size_t mostShown = 6;
 
 BirthdaysStrip::BirthdaysStrip(QWidget *parent)
     : QWidget(parent)
@@ -30,21 +26,22 @@ BirthdaysStrip::BirthdaysStrip(QWidget *parent)
     label->setTextFormat(Qt::RichText);
     label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     label->setFocusPolicy(Qt::TabFocus);
+    label->setWordWrap(false);
+    label->setMinimumWidth(1);
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(
-        Direction::margins(*this, Theme::contentMargin, 0, Theme::contentMargin, Theme::unit));
+    row->setContentsMargins({});
     row->addWidget(label, 1);
-    hide();
     soon.setSingleShot(true);
     midnight.setSingleShot(true);
     connect(&soon, &QTimer::timeout, this, &BirthdaysStrip::load);
     connect(&midnight, &QTimer::timeout, this, &BirthdaysStrip::load);
     connect(label, &QLabel::linkActivated, this, [this](const QString &link) {
         const auto place = link.toULongLong();
-        if (place >= contacts.size())
+        if (place >= birthdays.size())
             return;
-        const ObjectList<EntityContacts> found(
-            mainContext(), organiserModel().requireEntity(EntityContacts::entityName), {contacts[place]});
+        const ObjectList<EntityContacts> found(mainContext(),
+                                               organiserModel().requireEntity(EntityContacts::entityName),
+                                               {birthdays[place].contact});
         if (const ContactPtr contact = found.at(0))
             Q_EMIT pressed(contact);
     });
@@ -73,22 +70,36 @@ void BirthdaysStrip::load()
 {
     const Calendar calendar = Calendar::current();
     const Date today = calendar.startOfDay(Clock::now());
-    const auto birthdays =
-        Birthdays::between(today, calendar.dateByAdding(CalendarUnit::Day, daysAhead, today));
+    birthdays = Birthdays::between(today, calendar.dateByAdding(CalendarUnit::Day, daysAhead, today));
     midnight.start(
         std::chrono::ceil<std::chrono::milliseconds>(calendar.startOfNextDay(today) - Clock::now()));
-    contacts.clear();
-    QStringList words;
+    showBirthdays();
+}
+
+void BirthdaysStrip::showBirthdays()
+{
+    const QString separator = u" · "_s;
+    const QString heading = localized(u"Birthdays"_s) + u": "_s;
+    const QString more = separator + localized(u"%1 more"_s);
+    int room = width() - label->fontMetrics().horizontalAdvance(heading + more.arg(birthdays.size()));
+    QStringList shown;
     for (const Birthdays::Birthday &one : birthdays) {
-        if (contacts.size() == mostShown)
+        const QString name = firstPart(Birthdays::inWords(one));
+        const QString day = dayInWords(one.day);
+        room -= label->fontMetrics().horizontalAdvance(name + u' ' + day + separator);
+        if (room < 0)
             break;
-        words << u"<a href=\"%1\" style=\"color:%2\">%3</a> %4"_s.arg(
-            QString::number(contacts.size()), Theme::accent.name(),
-            firstPart(Birthdays::inWords(one)).toHtmlEscaped(), dayInWords(one.day).toHtmlEscaped());
-        contacts.push_back(one.contact);
+        shown << u"<a href=\"%1\" style=\"color:%2\">%3</a> %4"_s.arg(
+            QString::number(shown.size()), Theme::accent.name(), name.toHtmlEscaped(), day.toHtmlEscaped());
     }
-    if (birthdays.size() > mostShown)
-        words << localized(u"%1 more"_s).arg(birthdays.size() - mostShown);
-    label->setText(localized(u"Birthdays"_s).toHtmlEscaped() + u": "_s + words.join(u" · "_s));
-    setVisible(!birthdays.empty());
+    QString words = heading.toHtmlEscaped() + shown.join(separator);
+    if (const auto hidden = birthdays.size() - static_cast<std::size_t>(shown.size()); hidden > 0)
+        words += shown.isEmpty() ? QString::number(hidden) : more.arg(hidden);
+    label->setText(birthdays.empty() ? QString() : words);
+}
+
+void BirthdaysStrip::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    showBirthdays();
 }

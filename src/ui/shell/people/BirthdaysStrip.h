@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/NotificationCenter.h"
-#include "objectstore/Value.h"
+#include "records/people/Birthdays.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -10,8 +10,8 @@
 
 class QLabel;
 
-/// A line above the people that tells the birthdays of the next four weeks. Each leads to who has it. Without
-/// any it is not there.
+/// A line above the people that tells the birthdays of the next four weeks, as many as there is room for.
+/// Each leads to who has it.
 class BirthdaysStrip : public QWidget
 {
     Q_OBJECT
@@ -21,11 +21,15 @@ public:
 Q_SIGNALS:
     void pressed(const ObjectPtr &contact);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void load();
+    void showBirthdays();
 
     QLabel *label;
-    std::vector<RowId> contacts;
+    std::vector<Birthdays::Birthday> birthdays;
     QTimer soon;
     QTimer midnight;
     std::vector<Observation> observations;

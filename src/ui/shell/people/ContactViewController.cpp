@@ -24,7 +24,7 @@ ContactViewController::ContactViewController(const RecordKind &people,
     if (group)
         return;
     auto *birthdays = new BirthdaysStrip;
-    column->insertWidget(1, birthdays);
+    topView->setLeading(birthdays);
     connect(birthdays, &BirthdaysStrip::pressed, this, &TabsViewController::selectItem);
 }
 

@@ -1,6 +1,10 @@
 #include "shell/people/PeopleDetailViewControllers.h"
 
+#include "foundation/Localization.h"
+#include "shell/people/CallSheetWindow.h"
 #include "shell/people/WaitingStrip.h"
+
+#include <QPushButton>
 
 /// Who it is delegated to brings the company along.
 static NewTaskRequest newTaskOfContact(const ObjectPtr &record)
@@ -12,6 +16,18 @@ static NewTaskRequest newTaskOfContact(const ObjectPtr &record)
 static QWidget *makeWaitingStrip(const RecordPane &pane)
 {
     return new WaitingStrip([&pane] { return std::static_pointer_cast<EntityContacts>(pane.record()); });
+}
+
+/// Opens the page for a call.
+static QWidget *makeCallButton(RecordPane &pane)
+{
+    auto *button = new QPushButton(localized(QStringLiteral("Call Sheet")));
+    button->setObjectName(QStringLiteral("buttonCallSheet"));
+    QObject::connect(button, &QPushButton::clicked, &pane, [&pane] {
+        if (const ObjectPtr called = pane.record())
+            (new CallSheetWindow(called, pane.window()))->showWindow();
+    });
+    return button;
 }
 
 static NewTaskRequest newTaskOfCompany(const ObjectPtr &record)
@@ -27,7 +43,9 @@ DetailContactViewController::DetailContactViewController(std::unique_ptr<FormMod
            .newTask = newTaskOfContact,
            .above = makeWaitingStrip},
           parent)
-{}
+{
+    addToHeader(makeCallButton(*this));
+}
 
 CompanyDetailViewController::CompanyDetailViewController(std::unique_ptr<FormModel> form, FormView *formView,
                                                          QWidget *parent)
@@ -36,4 +54,6 @@ CompanyDetailViewController::CompanyDetailViewController(std::unique_ptr<FormMod
           {.tasks = [](const ManagedObject &one) { return static_cast<const EntityCompany &>(one).task(); },
            .newTask = newTaskOfCompany},
           parent)
-{}
+{
+    addToHeader(makeCallButton(*this));
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "records/people/ItemListEmailPhoneUrl.h"
+
+#include <vector>
+
+/// What is at hand while one calls somebody: their numbers, what is to be talked about, and what was noted
+/// last. For a company, that of everybody who works there. Main thread only.
+class CallSheet
+{
+public:
+    /// \param called a contact or a company.
+    explicit CallSheet(ObjectPtr called);
+
+    struct Number
+    {
+        /// Whose it is, where it is not that of the one who is called; else its type.
+        QString owner;
+        QString words;
+        /// A "tel:" address.
+        QString link;
+    };
+    QString title() const;
+    std::vector<Number> numbers() const;
+    /// The open Emails/Calls, by when they are due.
+    std::vector<TaskPtr> calls() const;
+    /// The newest first.
+    std::vector<std::shared_ptr<EntityNote>> lastNotes() const;
+
+    /// Ticks a call off by its rules. False if they stopped it, which the user is told.
+    static bool tick(const TaskPtr &call);
+    /// Keeps what was said in a note about whom was called. A blank text makes none. False if it did not
+    /// reach the disk, which the user is told.
+    bool noteWhatWasSaid(const TaskPtr &call, const QString &text) const;
+    /// Whether the one who is called is no more.
+    bool isGone() const;
+
+private:
+    ContactPtr contact() const { return std::dynamic_pointer_cast<EntityContacts>(called); }
+    CompanyPtr company() const { return std::dynamic_pointer_cast<EntityCompany>(called); }
+
+    ObjectPtr called;
+};

@@ -1,0 +1,222 @@
+#include "shell/people/CallSheetWindow.h"
+
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+#include "objectstore/StoreChanges.h"
+#include "records/OpenLink.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/CheckButton.h"
+#include "widgets/FormScroll.h"
+#include "widgets/TextLabel.h"
+#include "widgets/Theme.h"
+#include "widgets/WindowPlace.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QTextEdit>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr QSize firstSizeOfSheet(460, 600);
+constexpr int sheetMargin = 2 * Theme::unit;
+
+CallSheetWindow::CallSheetWindow(const ObjectPtr &called, QWidget *parent)
+    : QWidget(parent, Qt::Window)
+    , sheet(called)
+    , column(new QVBoxLayout(this))
+    , question(makeQuestion())
+{
+    setObjectName(u"CallSheetWindow"_s);
+    setWindowTitle(localized(u"Call Sheet: %1"_s).arg(sheet.title()));
+    setAttribute(Qt::WA_DeleteOnClose);
+    // It goes before the record behind it does.
+    setWindowModality(Qt::WindowModal);
+    column->setContentsMargins(sheetMargin, sheetMargin, sheetMargin, sheetMargin);
+    column->setSpacing(Theme::unit);
+    column->addWidget(question);
+    soon.setSingleShot(true);
+    connect(&soon, &QTimer::timeout, this, &CallSheetWindow::load);
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &) { soon.start(0); }));
+    resize(firstSizeOfSheet);
+    load();
+}
+
+void CallSheetWindow::showWindow()
+{
+    placeOverParent(*this);
+    show();
+    raise();
+    activateWindow();
+}
+
+/// Below the page, once something was ticked off.
+QWidget *CallSheetWindow::makeQuestion()
+{
+    auto *box = new QWidget;
+    labelQuestion = makeTextLabel({}, Theme::FontRole::BodyStrong, Theme::text);
+    labelQuestion->setObjectName(u"labelQuestion"_s);
+    fieldSaid = new QTextEdit;
+    fieldSaid->setObjectName(u"fieldSaid"_s);
+    fieldSaid->setAcceptRichText(false);
+    fieldSaid->setTabChangesFocus(true);
+    fieldSaid->setFixedHeight(12 * Theme::unit);
+    auto *button = new QPushButton(localized(u"Save Note"_s));
+    button->setObjectName(u"buttonSaveNote"_s);
+    connect(button, &QPushButton::clicked, this, &CallSheetWindow::saveNote);
+    auto *row = new QHBoxLayout;
+    row->addStretch(1);
+    row->addWidget(button);
+    auto *lines = new QVBoxLayout(box);
+    lines->setContentsMargins({});
+    lines->setSpacing(Theme::unit);
+    lines->addWidget(labelQuestion);
+    lines->addWidget(fieldSaid);
+    lines->addLayout(row);
+    box->hide();
+    return box;
+}
+
+QVBoxLayout *CallSheetWindow::addBlock(const QString &heading)
+{
+    auto *lines = static_cast<QVBoxLayout *>(content->layout());
+    lines->addWidget(makeTextLabel(heading, Theme::FontRole::SmallStrong, Theme::secondaryText));
+    auto *block = new QVBoxLayout;
+    block->setContentsMargins(0, 0, 0, sheetMargin);
+    block->setSpacing(Theme::unit);
+    lines->addLayout(block);
+    return block;
+}
+
+static void addSentence(QVBoxLayout &block, const QString &sentence)
+{
+    block.addWidget(makeTextLabel(sentence, Theme::FontRole::Body, Theme::secondaryText));
+}
+
+void CallSheetWindow::load()
+{
+    if (sheet.isGone())
+        return void(close());
+    QWidget *former = column->count() > 1 ? column->itemAt(0)->widget() : nullptr;
+    content = new QWidget;
+    auto *lines = new QVBoxLayout(content);
+    lines->setContentsMargins({});
+    lines->setSpacing(Theme::unit);
+    QVBoxLayout *numbers = addBlock(localized(u"Numbers"_s));
+    for (const CallSheet::Number &number : sheet.numbers())
+        addNumber(*numbers, number);
+    if (numbers->isEmpty())
+        addSentence(*numbers, localized(u"There is no number."_s));
+    QVBoxLayout *calls = addBlock(localized(u"To talk about"_s));
+    for (const TaskPtr &call : sheet.calls())
+        addCall(*calls, call);
+    if (calls->isEmpty())
+        addSentence(*calls, localized(u"No open Email/Call."_s));
+    QVBoxLayout *notes = addBlock(localized(u"Last notes"_s));
+    for (const auto &note : sheet.lastNotes())
+        addNote(*notes, *note);
+    if (notes->isEmpty())
+        addSentence(*notes, localized(u"Nothing was noted yet."_s));
+    lines->addStretch(1);
+    auto *scroll = new FormScroll(content);
+    column->insertWidget(0, scroll, 1);
+    if (former) {
+        column->removeWidget(former);
+        former->hide();
+        former->deleteLater();
+    }
+}
+
+void CallSheetWindow::addNumber(QVBoxLayout &block, const CallSheet::Number &number)
+{
+    auto *label = makeTextLabel({}, Theme::FontRole::Body, Theme::accent);
+    label->setObjectName(u"labelNumber"_s);
+    label->setTextFormat(Qt::RichText);
+    label->setText(
+        u"<a href=\"link\" style=\"color:%1\">%2</a>&nbsp; <span style=\"color:%3\">%4</span>"_s.arg(
+            Theme::accent.name(), firstPart(number.words).toHtmlEscaped(), Theme::secondaryText.name(),
+            firstPart(number.owner).toHtmlEscaped()));
+    label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    label->setFocusPolicy(Qt::StrongFocus);
+    label->setAccessibleName(number.owner + u": "_s + number.words);
+    connect(label, &QLabel::linkActivated, this,
+            [number] { openLink(number.link, number.owner, number.words); });
+    block.addWidget(label);
+}
+
+void CallSheetWindow::addCall(QVBoxLayout &block, const TaskPtr &call)
+{
+    using Style = DateFormatter::Style;
+    auto *check = new CheckButton;
+    check->setObjectName(u"checkCall"_s);
+    check->setAccessibleName(firstPart(call->title()));
+    connect(check, &QAbstractButton::clicked, this, [this, call] { tick(call); });
+    QString words = readablePart(call->title());
+    if (call->dueDate())
+        words += u" · "_s + DateFormatter::string(*call->dueDate(), Style::Medium, Style::Short,
+                                                  DateFormatter::Language::OfWords);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(Theme::unit);
+    row->addWidget(check, 0, Qt::AlignTop);
+    row->addWidget(makeTextLabel(words, Theme::FontRole::Body, Theme::text), 1);
+    block.addLayout(row);
+    if (!call->details().isEmpty())
+        block.addWidget(
+            makeTextLabel(readablePart(call->details()), Theme::FontRole::Small, Theme::secondaryText));
+}
+
+void CallSheetWindow::addNote(QVBoxLayout &block, const EntityNote &note)
+{
+    QString words = firstPart(note.title());
+    if (note.creationDate())
+        words +=
+            u" · "_s + DateFormatter::string(*note.creationDate(), DateFormatter::Style::Medium,
+                                             DateFormatter::Style::None, DateFormatter::Language::OfWords);
+    block.addWidget(makeTextLabel(words, Theme::FontRole::Body, Theme::text));
+    if (!note.detail().isEmpty())
+        block.addWidget(
+            makeTextLabel(readablePart(note.detail()), Theme::FontRole::Small, Theme::secondaryText));
+}
+
+/// What was typed about the call before is kept first.
+void CallSheetWindow::tick(const TaskPtr &call)
+{
+    saveNote();
+    if (!CallSheet::tick(call))
+        return load();
+    ticked = call;
+    labelQuestion->setText(localized(u"What was said about “%1”?"_s).arg(firstPart(call->title())));
+    fieldSaid->setAccessibleName(labelQuestion->text());
+    question->show();
+    fieldSaid->setFocus();
+}
+
+void CallSheetWindow::saveNote()
+{
+    if (!ticked || !sheet.noteWhatWasSaid(ticked, fieldSaid->toPlainText()))
+        return;
+    ticked = nullptr;
+    fieldSaid->clear();
+    question->hide();
+}
+
+void CallSheetWindow::keyPressEvent(QKeyEvent *event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else if (isReturn && event->modifiers().testFlag(Qt::ControlModifier))
+        saveNote();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+/// No typed word is lost.
+void CallSheetWindow::closeEvent(QCloseEvent *event)
+{
+    saveNote();
+    event->setAccepted(!ticked || fieldSaid->toPlainText().trimmed().isEmpty());
+}

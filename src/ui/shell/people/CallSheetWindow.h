@@ -1,0 +1,51 @@
+#pragma once
+
+#include "foundation/NotificationCenter.h"
+#include "records/people/CallSheet.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <vector>
+
+class QLabel;
+class QTextEdit;
+class QVBoxLayout;
+
+/// One page for a call: numbers to press, what is to be talked about, and what was noted last. What is ticked
+/// off there is followed by the question what was said.
+class CallSheetWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    /// \param called a contact or a company.
+    CallSheetWindow(const ObjectPtr &called, QWidget *parent);
+
+    void showWindow();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    QWidget *makeQuestion();
+    void load();
+    QVBoxLayout *addBlock(const QString &heading);
+    void addNumber(QVBoxLayout &block, const CallSheet::Number &number);
+    void addCall(QVBoxLayout &block, const TaskPtr &call);
+    void addNote(QVBoxLayout &block, const EntityNote &note);
+    void tick(const TaskPtr &call);
+    void saveNote();
+
+    CallSheet sheet;
+    QWidget *content = nullptr;
+    QVBoxLayout *column;
+    QLabel *labelQuestion = nullptr;
+    QTextEdit *fieldSaid = nullptr;
+    /// The two of them.
+    QWidget *question;
+    /// What was ticked off last.
+    TaskPtr ticked;
+    QTimer soon;
+    std::vector<Observation> observations;
+};

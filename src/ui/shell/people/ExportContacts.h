@@ -1,0 +1,19 @@
+#pragma once
+
+#include "objectstore/ManagedObject.h"
+
+#include <string_view>
+#include <vector>
+
+class QWidget;
+
+/// People and companies as a file of vCards.
+namespace ExportContacts {
+
+/// Whether records of an entity can be exported.
+bool canExport(std::string_view entity);
+/// Asks for a file and writes the records there. The user is told if it cannot be written; then a file that
+/// was there stays as it was.
+void run(const std::vector<ObjectPtr> &records, QWidget &window);
+
+} // namespace ExportContacts
