@@ -5,7 +5,10 @@
 #include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
 
+#include <QSet>
 #include <QStringList>
+
+#include <utility>
 
 namespace {
 
@@ -186,14 +189,53 @@ void takeOut(std::vector<RowId> stale)
         mainContext().deleteRows(EntitySearchIndex::fetchRequest().among(std::move(stale)));
 }
 
+/// Records by their identifiers that were indexed before their commit.
+struct IndexedAhead
+{
+    /// By a command that goes on.
+    QSet<QString> now;
+    /// By one whose commit failed: they wait for the next save, and may have changed by then.
+    QSet<QString> doubtful;
+};
+
+IndexedAhead &indexedAhead()
+{
+    static IndexedAhead all;
+    return all;
+}
+
 } // namespace
+
+SearchIndex::Ahead::Ahead() = default;
+
+SearchIndex::Ahead::~Ahead()
+{
+    indexedAhead().doubtful.unite(std::exchange(indexedAhead().now, {}));
+}
+
+void SearchIndex::Ahead::add(const ObjectPtr &object)
+{
+    addIndexWithObject(object);
+    indexedAhead().now.insert(object->identifier());
+}
+
+void SearchIndex::Ahead::committed()
+{
+    indexedAhead().now.clear();
+}
 
 void SearchIndex::follow(const StoreChanges &changes)
 {
-    for (const ObjectPtr &object : changes.inserted)
-        addIndexWithObject(object);
-    deleteRowsOf(changes.deleted);
     std::vector<RowId> stale;
+    for (const ObjectPtr &object : changes.inserted) {
+        if (indexedAhead().now.contains(object->identifier()))
+            continue;
+        if (indexedAhead().doubtful.contains(object->identifier()))
+            bringUpToDate(object, stale);
+        else
+            addIndexWithObject(object);
+    }
+    deleteRowsOf(changes.deleted);
     for (const StoreChanges::Update &update : changes.updated) {
         if (canHaveOtherTexts(update))
             bringUpToDate(update.object, stale);

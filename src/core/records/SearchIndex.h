@@ -18,6 +18,21 @@ public:
     static void deleteIndexWithObjects(const ObjectPtr &object);
     /// Gives a record that changed the rows of its present texts. What it would write again stays untouched.
     static void updateIndexWithObject(const ObjectPtr &object);
+    /// Lets a command that makes thousands of records index each as it goes, in steps between which the
+    /// window answers, instead of all of them at its commit. It must outlive the commit.
+    class Ahead
+    {
+    public:
+        Ahead();
+        ~Ahead();
+        Ahead(const Ahead &) = delete;
+        Ahead &operator=(const Ahead &) = delete;
+
+        /// Adds the texts of a record that is new and complete.
+        void add(const ObjectPtr &object);
+        /// The commit has succeeded: what was added needs no further look.
+        void committed();
+    };
     /// Adds one text; an empty one is left out.
     static void insertEntitySearchIndexString(const QString &string, const QString &atObjectId);
 };

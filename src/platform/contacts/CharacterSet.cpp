@@ -4,6 +4,7 @@
 
 #include <unicode/ucnv.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -43,6 +44,11 @@ bool isLatin(const QByteArray &label)
 
 QString CharacterSet::decoded(const QByteArray &bytes, const QString &name)
 {
+    // Most texts are so plain that all sets agree on them.
+    const bool isPlain =
+        name.isEmpty() && std::ranges::none_of(bytes, [](char one) { return (uchar(one) & 0x80) != 0; });
+    if (isPlain)
+        return QString::fromLatin1(bytes);
     const QByteArray label = name.trimmed().toUpper().toLatin1();
     if (!label.isEmpty() && label != "UTF-8" && label != "UTF8" && !isLatin(label)) {
         if (const auto text = convertedFrom(label, bytes))

@@ -114,6 +114,8 @@ std::optional<QChar> escaped(QChar letter)
 
 QString withoutEscapes(const QString &written)
 {
+    if (!written.contains(u'\\') && !written.contains(u'\r'))
+        return written;
     QString plain;
     plain.reserve(written.size());
     for (qsizetype place = 0; place < written.size(); ++place) {

@@ -140,13 +140,6 @@ void writeImage(Card &card, const QByteArray &data)
                   data.toBase64());
 }
 
-/// Addresses of the web are no text: only what would break the line is escaped.
-QByteArray urlText(QString url)
-{
-    url.replace(u'\\', QLatin1String("\\\\"));
-    return url.replace(u'\r', u' ').replace(u'\n', u' ').toUtf8();
-}
-
 } // namespace
 
 QByteArray VCardWriter::text(const CNContact &contact, Version version)
@@ -177,8 +170,9 @@ QByteArray VCardWriter::text(const CNContact &contact, Version version)
             value += ';' + escaped(part);
         card.labelled("ADR", label, placeTypes(), value);
     }
+    // By the letter a URI is not escaped; readers resolve escapes all the same, and some end it at a comma.
     for (const auto &[label, url] : contact.urlAddresses)
-        card.labelled("URL", label, placeTypes(), urlText(url));
+        card.labelled("URL", label, placeTypes(), escaped(url));
     if (!contact.imageData.isEmpty())
         writeImage(card, contact.imageData);
     card.line("END:VCARD");

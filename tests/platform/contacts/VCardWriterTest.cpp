@@ -107,16 +107,19 @@ TEST(VCardWriterTest, WritesWhatOtherProgramsExpect)
     contact.organizationName = u"Works; Tools"_qs;
     contact.birthday = CNBirthday{1970, 5, 17};
     contact.phoneNumbers = {{CNLabel::mobile, u"1"_qs}, {u"Boat"_qs, u"2"_qs}, {CNLabel::workFax, u"3"_qs}};
+    contact.urlAddresses = {{{}, u"https://b.org/?a;b,c"_qs}};
     contact.imageData = "\x89PNG";
     EXPECT_EQ(VCardWriter::text(contact, Version::V30),
               "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Ann;;;\r\nFN:Ann Lee\r\nORG:Works\\; "
               "Tools\r\nBDAY:1970-05-17\r\n"
-              "TEL;TYPE=CELL:1\r\nitem1.TEL:2\r\nitem1.X-ABLabel:Boat\r\nTEL;TYPE=WORK,FAX:3\r\n"
+              "TEL;TYPE=CELL:1\r\nitem1.TEL:2\r\nitem1.X-ABLabel:Boat\r\nTEL;TYPE=WORK,FAX:3\r\nURL:https://"
+              "b.org/?a\\;b\\,c\r\n"
               "PHOTO;ENCODING=b;TYPE=PNG:iVBORw==\r\nEND:VCARD\r\n");
     EXPECT_EQ(
         VCardWriter::text(contact, Version::V40),
         "BEGIN:VCARD\r\nVERSION:4.0\r\nN:Lee;Ann;;;\r\nFN:Ann Lee\r\nORG:Works\\; Tools\r\nBDAY:19700517\r\n"
-        "TEL;TYPE=cell:1\r\nitem1.TEL:2\r\nitem1.X-ABLabel:Boat\r\nTEL;TYPE=work,fax:3\r\n"
+        "TEL;TYPE=cell:1\r\nitem1.TEL:2\r\nitem1.X-ABLabel:Boat\r\nTEL;TYPE=work,fax:3\r\nURL:https://b.org/"
+        "?a\\;b\\,c\r\n"
         "PHOTO:data:image/png;base64,iVBORw==\r\nEND:VCARD\r\n");
     CNContact firm;
     firm.isOrganization = true;

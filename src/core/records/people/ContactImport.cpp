@@ -113,8 +113,11 @@ ContactImport::ContactImport(PngMaker toPng)
     mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
         contacts.insert(keyOf(row.text(0), row.text(1)), row.rowId());
     });
-    mainContext().visit(EntityCompany::fetchRequest(), {"title"},
-                        [&](const RowReader &row) { companyRows.insert(row.text(0), row.rowId()); });
+    mainContext().visit(EntityCompany::fetchRequest(), {"title"}, [&](const RowReader &row) {
+        // Of several with one title the first is meant.
+        RowId &first = companyRows[row.text(0)];
+        first = first == 0 ? row.rowId() : std::min(first, row.rowId());
+    });
 }
 
 std::shared_ptr<EntityPhoneType> ContactImport::phoneTypeWith(const QString &label) const

@@ -150,8 +150,8 @@ int ImportableContacts::percentRead() const
     return all > 0 ? static_cast<int>(std::min<qint64>(100, 100 * done / all)) : 100;
 }
 
-void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, const StepBlock &step,
-                                    bool &isStopped)
+void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
+                                    const StepBlock &step, bool &isStopped)
 {
     std::vector<int> wanted;
     for (const MarkedRows::Key key : rows.marked()) {
@@ -175,7 +175,8 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, c
         if (number != *next)
             continue;
         ++next;
-        import.importContactToDataBase(contactFrom(*card));
+        if (const ContactPtr contact = import.importContactToDataBase(contactFrom(*card)))
+            index.add(contact);
         isStopped = step && !step() && next != wanted.end();
         if (isStopped)
             return;
@@ -189,11 +190,14 @@ ContactImportAccount ImportableContacts::import(const ContactImport::PngMaker &t
 {
     RecordsTransaction transaction(u"Import Contacts"_s, ChangeAuthor::Import);
     ContactImport contacts(toPng);
+    SearchIndex::Ahead index;
     bool isStopped = false;
     for (std::size_t origin = 0; origin < origins.size(); ++origin)
-        importFrom(origin, contacts, step, isStopped);
+        importFrom(origin, contacts, index, step, isStopped);
     ContactImportAccount account = contacts.finish();
     account.wasStopped = isStopped;
     account.isSaved = DBWorker::tellOfFailure(transaction.commit());
+    if (account.isSaved)
+        index.committed();
     return account;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/MarkedRows.h"
+#include "records/SearchIndex.h"
 #include "records/people/ContactCards.h"
 #include "records/people/ContactImport.h"
 #include "store/state/StepBlock.h"
@@ -13,6 +14,7 @@
 #include <vector>
 
 class VCardReader;
+struct VCard;
 
 /// The contacts of files and address books, of which the user marks those that are to be imported. Their
 /// cards are read bit by bit, so that a window stays awake, and read again for the import: pictures are held
@@ -54,9 +56,10 @@ private:
         int card;
     };
     bool openNext();
-    void take(const struct VCard &card);
+    void take(const VCard &card);
     void showRows();
-    void importFrom(std::size_t origin, ContactImport &import, const StepBlock &step, bool &isStopped);
+    void importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
+                    const StepBlock &step, bool &isStopped);
 
     MarkedRows rows{MarkedRows::LettersInSearch::Go};
     std::vector<ContactCards> origins;

@@ -54,6 +54,13 @@ Result<GlibObject<ESourceRegistry>> openRegistry(bool &isLost)
     constexpr std::chrono::milliseconds pause{30};
     EdsBus bus;
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        // Asked first, since the library waits very long for a daemon that does not answer.
+        const auto begin = std::chrono::steady_clock::now();
+        const auto present = bus.sources();
+        isLost = !present && std::chrono::steady_clock::now() - begin < std::chrono::seconds(1);
+        if (!present)
+            return Error{QStringLiteral("contacts"), 0,
+                         localized(QStringLiteral("The address books do not answer."))};
         GlibFailure failure;
         const EdsTimeLimit limit(EdsTimeLimit::forReading);
         GlibObject<ESourceRegistry> registry(
@@ -61,10 +68,6 @@ Result<GlibObject<ESourceRegistry>> openRegistry(bool &isLost)
         isLost = !registry && failure.isLostConnection();
         if (!registry)
             return failed(localized(QStringLiteral("Cannot reach the address books")), failure);
-        const auto present = bus.sources();
-        if (!present)
-            return Error{QStringLiteral("contacts"), 0,
-                         localized(QStringLiteral("There is no service for address books here."))};
         if (isComplete(registry.get(), present.value()))
             return registry;
         registry.reset();

@@ -120,7 +120,7 @@ QWidget *ImportContactWindowController::makeSources()
     auto *line = new QHBoxLayout(row);
     line->setContentsMargins(0, 0, 0, 0);
     line->addWidget(popUpSources, 1);
-    line->addWidget(buttonOpen);
+    line->addWidget(buttonOpen, 0, Qt::AlignTrailing);
     return row;
 }
 

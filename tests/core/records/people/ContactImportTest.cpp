@@ -26,6 +26,15 @@ protected:
     {
         return context().count(T::fetchRequest());
     }
+    /// The texts by which records are found, each as often as it stands in the index.
+    QStringList indexTexts()
+    {
+        QStringList texts;
+        context().visit(EntitySearchIndex::fetchRequest(), {"string"},
+                        [&](const RowReader &row) { texts.append(row.text(0)); });
+        texts.sort();
+        return texts;
+    }
     static QByteArray card(const QByteArray &lines)
     {
         return "BEGIN:VCARD\r\nVERSION:3.0\r\n" + lines + "\r\nEND:VCARD\r\n";
@@ -98,6 +107,13 @@ TEST_F(ImportingContacts, WritesEveryFieldOfOne)
     EXPECT_EQ(account.sentences(), QStringList(u"1 contact was imported."_qs));
     EXPECT_EQ(account.companies, 1);
     EXPECT_FALSE(context().hasChanges());
+    const QStringList texts = indexTexts();
+    EXPECT_EQ(texts.count(u"Ann Lee"_qs), 2) << "by herself and by her company, once each";
+    EXPECT_EQ(texts.count(u"a@b.org"_qs), 1);
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(indexTexts().count(u"a@b.org"_qs), 0);
+    EXPECT_FALSE(context().redo());
+    EXPECT_EQ(indexTexts(), texts);
     const ContactPtr ann = contact(u"Ann"_qs, u"Lee"_qs);
     ASSERT_TRUE(ann);
     EXPECT_EQ(ann->birthday(), localDate(1990, 2, 3));
@@ -249,6 +265,7 @@ TEST_F(ImportingContacts, WaitsForTheNextSaveIfTheDiskIsFull)
     EXPECT_EQ(again.existing, QStringList(u"Ann"_qs));
     EXPECT_FALSE(context().hasChanges());
     EXPECT_EQ(count<EntityContacts>(), 1);
+    EXPECT_EQ(indexTexts().count(u"Ann"_qs), 1);
 }
 
 TEST_F(ImportingContacts, SaysWhichFilesItCannotReadAndReadsTheRest)

@@ -5,12 +5,14 @@
 #include "contacts/VCardReader.h"
 
 #include <QBuffer>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QUrl>
 
 #include <gtest/gtest.h>
 #include <libebook/libebook.h>
 
+#include <csignal>
 #include <memory>
 
 namespace {
@@ -118,6 +120,23 @@ TEST_F(EdsContactsTest, AreReadAgainAfterTheDaemonHasDied)
     EXPECT_EQ(contacts().size(), 1u);
     DesktopDaemon::killAll();
     EXPECT_EQ(contacts().size(), 1u);
+}
+
+/// A daemon that hangs is given up after some seconds, with a sentence, and is used again when it goes on.
+TEST_F(EdsContactsTest, AreGivenUpWhileTheDaemonHangs)
+{
+    using Part = DesktopDaemon::Part;
+    DesktopDaemon::signal(Part::Sources, SIGSTOP);
+    QElapsedTimer timer;
+    timer.start();
+    const auto containers = EdsContacts().containers();
+    const auto cards = EdsContacts().cards(book);
+    const qint64 passed = timer.elapsed();
+    DesktopDaemon::signal(Part::Sources, SIGCONT);
+    ASSERT_FALSE(containers || cards);
+    EXPECT_EQ(containers.error().message, u"The address books do not answer."_qs);
+    EXPECT_LT(passed, 20'000);
+    EXPECT_TRUE(EdsContacts().cards(book));
 }
 
 } // namespace
