@@ -374,6 +374,14 @@ void RecordListScreen::showBeside(const ObjectPtr &record)
         stack.embed(pane, *this);
 }
 
+DetailPlace RecordListScreen::detailPlace() const
+{
+    DetailPlace place = description.detailPlace;
+    if (isBeside() && !topView)
+        place.topInset = 0;
+    return place;
+}
+
 bool RecordListScreen::isBeside() const
 {
     return description.opens == RecordListDescription::Opens::OnSelection;

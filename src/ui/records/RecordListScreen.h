@@ -68,7 +68,8 @@ public:
     bool hasRows() const override;
     void removeSelection() override;
     void selectAll() override;
-    DetailPlace detailPlace() const override { return description.detailPlace; }
+    /// A pane beside a list without a strip above it begins where the list does.
+    DetailPlace detailPlace() const override;
     void setDetailSpace(int width) override;
     void detailOnTop(const ObjectPtr &record) override;
     void clearController() override;

@@ -164,7 +164,7 @@ bool MainWindowController::showScreenWithoutRow(SidebarItem item)
     selectItem = item;
     selectedGroup.clear();
     searchedRecord.clear();
-    show(Screens::make(item, SidebarModel::titleOf(item)));
+    show(Screens::make(item));
     return true;
 }
 
@@ -289,7 +289,7 @@ void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &inde
     const auto group = sidebar->groupAt(index);
     selectedGroup = DBWorker::getIdFromObject(group);
     searchedRecord.clear();
-    show(group ? Screens::makeOfGroup(group) : Screens::make(*selectItem, index.data().toString()));
+    show(group ? Screens::makeOfGroup(group) : Screens::make(*selectItem));
 }
 
 void MainWindowController::show(TabsViewController *newScreen)

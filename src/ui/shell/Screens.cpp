@@ -4,7 +4,6 @@
 #include "foundation/Localization.h"
 #include "records/RecordKind.h"
 #include "records/RecordPane.h"
-#include "shell/RestingScreen.h"
 #include "shell/calendars/CalendarViewController.h"
 #include "shell/categories/CategoriesViewController.h"
 #include "shell/home/HomeTabViewController.h"
@@ -35,14 +34,14 @@ using Item = SidebarItem;
 
 static const std::array screens = {
     ScreenDescription{Item::Home, u"Home", u"home", makeHome},
-    ScreenDescription{Item::Projects, u"Projects", u"project", nullptr, u"", EntityProject::entityName,
+    ScreenDescription{Item::Projects, u"Projects", u"project", nullptr, EntityProject::entityName,
                       ProjectKind::description, ToolBarButton::NewProject},
     ScreenDescription{Item::Contacts, u"Contacts", u"contacts"},
     ScreenDescription{Item::Tasks, u"Tasks", u"tasks"},
     ScreenDescription{Item::Calendar, u"Calendar", u"calendar", makeNew<CalendarViewController>},
-    ScreenDescription{Item::People, u"People", u"people", nullptr, u"", EntityContacts::entityName,
+    ScreenDescription{Item::People, u"People", u"people", nullptr, EntityContacts::entityName,
                       PeopleKinds::contacts, ToolBarButton::NewContact},
-    ScreenDescription{Item::Companies, u"Companies", u"company", nullptr, u"", EntityCompany::entityName,
+    ScreenDescription{Item::Companies, u"Companies", u"company", nullptr, EntityCompany::entityName,
                       PeopleKinds::companies, ToolBarButton::NewCompany},
     ScreenDescription{Item::ContactGroup, u"", u"group"},
     ScreenDescription{Item::Inbox, u"Inbox", u"inbox", makeNew<InboxViewController>},
@@ -54,8 +53,8 @@ static const std::array screens = {
     ScreenDescription{Item::NotDone, u"Not Done", u"notdone", makeNew<NotDoneViewController>},
     ScreenDescription{Item::Done, u"Done", u"done", makeNew<DoneViewController>},
     ScreenDescription{Item::WaitingFor, u"Waiting For", u"delegated", makeNew<WaitingForViewController>},
-    ScreenDescription{Item::Notes, u"Notes", u"note", nullptr, u"", EntityNote::entityName,
-                      NoteKind::description, ToolBarButton::NewNote},
+    ScreenDescription{Item::Notes, u"Notes", u"note", nullptr, EntityNote::entityName, NoteKind::description,
+                      ToolBarButton::NewNote},
 };
 
 const ScreenDescription &Screens::of(SidebarItem item)
@@ -89,12 +88,10 @@ TabsViewController *Screens::makeOfGroup(const std::shared_ptr<EntityContactGrou
     return PeopleKinds::screenOfGroup(people, group);
 }
 
-TabsViewController *Screens::make(SidebarItem item, const QString &title)
+TabsViewController *Screens::make(SidebarItem item)
 {
     const ScreenDescription &screen = of(item);
-    if (screen.describe)
-        return described(screen).makeScreen();
-    return screen.make ? screen.make() : new RestingScreen(title, screen);
+    return screen.describe ? described(screen).makeScreen() : screen.make();
 }
 
 QList<ToolBarButton::ActionType> Screens::addable()

@@ -20,10 +20,9 @@ struct ScreenDescription
     /// In English; empty for the groups of contacts, which are called as the user calls them.
     const char16_t *title;
     const char16_t *icon;
-    /// Makes the screen; null for one that has nothing to list yet, and says so in the sentence, and for one
-    /// whose kind of record is described.
+    /// Makes the screen; null for one whose kind of record is described, for a heading of the sidebar, and for
+    /// the groups of contacts.
     TabsViewController *(*make)() = nullptr;
-    const char16_t *sentence = u"";
     /// The entity whose records a search finds here; empty for none.
     std::string_view shows = {};
     /// Describes the kind of record that it shows, but for what stands in this row.
@@ -38,8 +37,8 @@ namespace Screens {
 const ScreenDescription &of(SidebarItem item);
 /// The screen whose records are of an entity; null if there is none.
 const ScreenDescription *showing(std::string_view entity);
-/// Makes the screen of an item. \param title what stands above it.
-TabsViewController *make(SidebarItem item, const QString &title);
+/// Makes the screen of an item that has one of its own.
+TabsViewController *make(SidebarItem item);
 /// Makes the screen of a group or list of contacts.
 TabsViewController *makeOfGroup(const std::shared_ptr<EntityContactGroup> &group);
 

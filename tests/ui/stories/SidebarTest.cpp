@@ -67,7 +67,7 @@ TEST_F(SidebarTest, ACommandGoesToAListAndGivesItTheKeys)
     EXPECT_EQ(selectedTitles(), QStringList(u"First"_s));
     outline().setFocus();
     run(ActionId::ShowCompanies);
-    EXPECT_EQ(QApplication::focusWidget(), &outline()) << "A screen without rows takes no keys";
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), u"tableViewCompanies"_s) << "also if it is empty";
 }
 
 TEST_F(SidebarTest, TheKeysReachEveryRowAndHeadingsAreNeverSelected)

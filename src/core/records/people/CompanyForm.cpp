@@ -1,8 +1,11 @@
 #include "records/people/CompanyForm.h"
 
 #include "foundation/Localization.h"
-#include "records/TaskFormChoices.h"
 #include "store/entities/MainContext.h"
+#include "store/entities/Model.h"
+#include "store/queries/ContactRows.h"
+
+#include <set>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -103,22 +106,31 @@ void CompanyForm::clear(int)
 
 // The contacts
 
+/// There may be very many, of whom one is loaded at most.
 std::vector<FormChoice> CompanyForm::choices(int)
 {
     offered.clear();
+    std::set<RowId> linked;
+    for (const ContactPtr &contact : values.contact)
+        linked.insert(contact->rowId());
     std::vector<FormChoice> choices;
-    for (ContactPtr &contact : TaskFormChoices::contacts()) {
-        if (std::ranges::find(values.contact, contact) != values.contact.end())
+    for (ContactRows::Named &contact : ContactRows::named(EntityContacts::fetchRequest())) {
+        if (linked.contains(contact.row))
             continue;
-        choices.push_back({contact->fullName()});
-        offered.push_back(std::move(contact));
+        choices.push_back({std::move(contact.fullName)});
+        offered.push_back(contact.row);
     }
     return choices;
 }
 
 void CompanyForm::choose(int, int place)
 {
-    edit([&] { values.contact.push_back(offered.at(static_cast<std::size_t>(place))); });
+    const ObjectList<EntityContacts> chosen(mainContext(),
+                                            organiserModel().requireEntity(EntityContacts::entityName),
+                                            {offered.at(static_cast<std::size_t>(place))});
+    // They may have gone since they were offered.
+    if (const ContactPtr contact = chosen.first())
+        edit([&] { values.contact.push_back(contact); });
 }
 
 std::string_view CompanyForm::entityOfChoices(int number) const

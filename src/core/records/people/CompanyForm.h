@@ -52,5 +52,6 @@ private:
     CompanyPtr row;
     /// Whether it began as a stored one.
     bool isOfPane = false;
-    std::vector<ContactPtr> offered;
+    /// The contacts that were offered last.
+    std::vector<RowId> offered;
 };

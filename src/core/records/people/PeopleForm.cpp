@@ -130,7 +130,7 @@ void PeopleForm::resumePicture(const QString &value)
     const qsizetype end = value.indexOf(u'\n');
     if (end < 0)
         photo.choosePicture(value);
-    else if (photo.dropPicture(QByteArray::fromBase64(value.mid(end + 1).toLatin1())))
+    else if (photo.dropPicture(QByteArray::fromBase64(value.mid(end + 1).toLatin1()), value.left(end)))
         encodedPicture = value.mid(end + 1);
 }
 

@@ -12,16 +12,30 @@ PhotoEdit::PhotoEdit(const QString &photoName)
     , name(photoName)
 {}
 
-bool PhotoEdit::dropPicture(const QByteArray &png)
+/// The name of the moment, or one that it stands in if that is another picture's.
+static QString freeName()
+{
+    const QString moment = DateFormatter::string(MVDate::date(), QStringLiteral("dd-MM-yyyy HH:mm:ss"));
+    QString name = moment + QStringLiteral(".png");
+    for (int number = 2; IcloudManager::existenceFile(IcloudManager::pathOfImage(name)); ++number)
+        name = QStringLiteral("%1 %2.png").arg(moment).arg(number);
+    return name;
+}
+
+static bool canBeNamed(const QString &name)
+{
+    const QString path = IcloudManager::pathOfImage(name);
+    return !path.isEmpty() && !IcloudManager::existenceFile(path);
+}
+
+bool PhotoEdit::dropPicture(const QByteArray &png, const QString &formerlyCalled)
 {
     if (!png.startsWith("\x89PNG\r\n\x1a\n"))
         return false;
     dropped = png;
     const std::optional<QString> held = FileManager::existPhotoData(png);
     isNewPicture = !held;
-    replaceName(held ? *held
-                     : DateFormatter::string(MVDate::date(), QStringLiteral("dd-MM-yyyy HH:mm:ss")) +
-                           QStringLiteral(".png"));
+    replaceName(held ? *held : canBeNamed(formerlyCalled) ? formerlyCalled : freeName());
     return true;
 }
 

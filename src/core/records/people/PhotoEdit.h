@@ -17,7 +17,8 @@ public:
 
     /// The user dropped a picture; `png` is what its file will hold. False, and nothing happens, for anything
     /// that is not in that format: the names of pictures say ".png".
-    bool dropPicture(const QByteArray &png);
+    /// \param formerlyCalled the name that it had in a draft; drafts of several moments are resumed in one.
+    bool dropPicture(const QByteArray &png, const QString &formerlyCalled = {});
     void removePicture();
     /// Takes a picture of the image store by its name.
     void choosePicture(const QString &storedName);

@@ -26,14 +26,18 @@ quint64 headOf(std::string_view name)
     return head;
 }
 
-} // namespace
-
-std::vector<RowId> ContactRows::byFullName(const FetchRequest &request)
+/// The contacts in their order, and all their names one after the other.
+struct NamedContacts
 {
-    const bool isFirstNameFirst = preferredNameOrder() == NameOrder::FirstNameFirst;
-    // The bytes of UTF-8 stand in the order of the characters.
     std::string names;
     std::vector<NamedContact> contacts;
+};
+
+NamedContacts sortedContacts(const FetchRequest &request)
+{
+    const bool isFirstNameFirst = preferredNameOrder() == NameOrder::FirstNameFirst;
+    NamedContacts found;
+    std::string &names = found.names;
     mainContext().visit(
         request, {isFirstNameFirst ? "firstName" : "lastName", isFirstNameFirst ? "lastName" : "firstName"},
         [&](const RowReader &row) {
@@ -43,18 +47,38 @@ std::vector<RowId> ContactRows::byFullName(const FetchRequest &request)
                 names += ' ';
             names += row.utf8(1);
             const auto name = std::string_view(names).substr(begin);
-            contacts.push_back({headOf(name), begin, name.size(), row.rowId()});
+            found.contacts.push_back({headOf(name), begin, name.size(), row.rowId()});
         });
+    // The bytes of UTF-8 stand in the order of the characters.
     const std::string_view all = names;
-    std::ranges::sort(contacts, [all](const NamedContact &one, const NamedContact &other) {
+    std::ranges::sort(found.contacts, [all](const NamedContact &one, const NamedContact &other) {
         if (one.head != other.head)
             return one.head < other.head;
         const int order = all.substr(one.begin, one.length).compare(all.substr(other.begin, other.length));
         return order == 0 ? one.row < other.row : order < 0;
     });
+    return found;
+}
+
+} // namespace
+
+std::vector<RowId> ContactRows::byFullName(const FetchRequest &request)
+{
     std::vector<RowId> rows;
-    rows.reserve(contacts.size());
-    for (const NamedContact &contact : contacts)
+    const NamedContacts sorted = sortedContacts(request);
+    rows.reserve(sorted.contacts.size());
+    for (const NamedContact &contact : sorted.contacts)
         rows.push_back(contact.row);
+    return rows;
+}
+
+std::vector<ContactRows::Named> ContactRows::named(const FetchRequest &request)
+{
+    std::vector<Named> rows;
+    const NamedContacts sorted = sortedContacts(request);
+    rows.reserve(sorted.contacts.size());
+    for (const NamedContact &contact : sorted.contacts)
+        rows.push_back({contact.row, QString::fromUtf8(sorted.names.data() + contact.begin,
+                                                       static_cast<qsizetype>(contact.length))});
     return rows;
 }

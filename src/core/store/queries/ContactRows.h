@@ -3,6 +3,8 @@
 #include "objectstore/FetchRequest.h"
 #include "objectstore/Value.h"
 
+#include <QString>
+
 #include <vector>
 
 /// Lists of very many contacts. Stateless; main thread only.
@@ -11,5 +13,13 @@ namespace ContactRows {
 /// What the store calls the contacts that a request gives, in the order of `DBWorker::sortContacta`. Nobody
 /// is loaded.
 std::vector<RowId> byFullName(const FetchRequest &request);
+
+struct Named
+{
+    RowId row;
+    QString fullName;
+};
+/// The same with their names.
+std::vector<Named> named(const FetchRequest &request);
 
 } // namespace ContactRows

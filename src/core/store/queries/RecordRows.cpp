@@ -20,10 +20,56 @@ std::vector<ListedRecord> RecordRows::withHeadings(const std::vector<ListedRecor
     return rows;
 }
 
-void RecordRows::set(const std::vector<ListedRecord> &records)
+static bool hasHeadings(const std::vector<ListedRecord> &records)
 {
-    rows = withHeadings(records);
+    return std::ranges::any_of(records, [](const ListedRecord &one) { return !one.heading.isEmpty(); });
+}
+
+void RecordRows::set(std::vector<ListedRecord> records)
+{
+    rows = hasHeadings(records) ? withHeadings(records) : std::move(records);
     isLoadedOld = true;
+}
+
+/// Whether a list without headings stays one in which nothing but the changed records moves.
+bool RecordRows::isSteady(const std::vector<ListedRecord> &wanted, const std::set<RowId> &changed) const
+{
+    if (hasHeadings(rows) || hasHeadings(wanted))
+        return false;
+    auto present = rows.begin();
+    const auto next = [&] {
+        while (present != rows.end() && changed.contains(present->row))
+            ++present;
+        return present != rows.end() ? (present++)->row : 0;
+    };
+    for (const ListedRecord &record : wanted) {
+        if (!changed.contains(record.row) && next() != record.row)
+            return false;
+    }
+    return next() == 0;
+}
+
+/// Among very many records a few are seen to without a look at each of the others.
+void RecordRows::followChanged(const std::vector<ListedRecord> &wanted, const std::set<RowId> &changed,
+                               RowsWatcher &watcher)
+{
+    std::set<RowId> leaving = changed;
+    for (const ListedRecord &record : wanted)
+        leaving.erase(record.row);
+    for (const RowId record : leaving) {
+        if (const int row = find(record); row >= 0)
+            erase(row, watcher);
+    }
+    RowId before = 0;
+    for (const ListedRecord &record : wanted) {
+        if (changed.contains(record.row))
+            placeRecord(record, before, watcher);
+        before = record.row;
+    }
+    for (const RowId record : changed) {
+        if (const int row = find(record); row >= 0)
+            watcher.rowChanged(row);
+    }
 }
 
 int RecordRows::find(RowId record) const
@@ -101,6 +147,8 @@ void RecordRows::settleHeadings(RowsWatcher &watcher)
 void RecordRows::follow(const std::vector<ListedRecord> &wanted, const std::set<RowId> &changed,
                         const std::set<RowId> &held, RowsWatcher &watcher)
 {
+    if (held.empty() && isSteady(wanted, changed))
+        return followChanged(wanted, changed, watcher);
     std::set<RowId> former;
     for (const ListedRecord &row : rows)
         former.insert(row.row);

@@ -29,7 +29,7 @@ public:
     {}
 
     /// Puts other rows in place of all.
-    void set(const std::vector<ListedRecord> &records);
+    void set(std::vector<ListedRecord> records);
     /// Makes the rows those of the wanted records step by step: records leave, come, or go to another place,
     /// headings with them, and no other row is touched.
     /// \param changed the records that changed; they may be gone.
@@ -54,6 +54,9 @@ public:
 
 private:
     static std::vector<ListedRecord> withHeadings(const std::vector<ListedRecord> &records);
+    bool isSteady(const std::vector<ListedRecord> &wanted, const std::set<RowId> &changed) const;
+    void followChanged(const std::vector<ListedRecord> &wanted, const std::set<RowId> &changed,
+                       RowsWatcher &watcher);
     void removeLeavers(const std::set<RowId> &staying, RowsWatcher &watcher);
     void placeRecord(const ListedRecord &record, RowId before, RowsWatcher &watcher);
     void settleHeadings(RowsWatcher &watcher);

@@ -28,7 +28,6 @@ RecordKind NoteKind::description()
     return {.list = {.tableName = u"tableViewNotes"_s,
                      .emptySentence = localized(u"What you want to keep in mind, in your own words."_s),
                      .deletingSentence = localized(u"Deleting the selected notes"_s),
-                     .detailPlace = {.topInset = 0},
                      .opens = RecordListDescription::Opens::OnSelection,
                      .besideSentence = localized(u"Select a note to read it here."_s)},
             .rows = [](const FilterEntry *) { return rows(); },

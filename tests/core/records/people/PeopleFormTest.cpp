@@ -254,10 +254,12 @@ TEST_F(PeopleForms, AreKeptWholeInADraft)
     ASSERT_TRUE(typed.setPicture(png));
     const auto draft = RecordDraft::decoded(typed.encodedDraft());
     ASSERT_TRUE(draft);
+    const FrozenClock later(localDate(2026, 11, 22));
     ContactForm resumed(ann);
     resumed.resume(*draft);
     EXPECT_EQ(resumed.title(), u"Ann Lee"_qs);
     EXPECT_EQ(resumed.data(), png);
+    EXPECT_EQ(resumed.portrait().photoName, typed.portrait().photoName);
     EXPECT_EQ(shown(resumed, Row::Addresses), (QStringList{u"Peru (other)"_qs, u" (home)"_qs}));
     const auto phone = ann->phone().front();
     ASSERT_TRUE(resumed.save());

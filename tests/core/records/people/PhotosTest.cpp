@@ -48,6 +48,18 @@ TEST_F(Photos, AreNamedByTheMomentAndSharedIfTheyAreTheSame)
     EXPECT_EQ(files().size(), 2);
 }
 
+TEST_F(Photos, NeverStandInEachOthersPlace)
+{
+    const ContactPtr first = contactWith(png("face"));
+    const ContactPtr second = contactWith(png("another"));
+    EXPECT_EQ(second->photoName(), u"21-11-2026 09:15:00 2.png"_qs);
+    EXPECT_EQ(picture(*first), png("face"));
+    PhotoEdit edit;
+    for (const QString &taken : {u"../x.png"_qs, nameOfNow})
+        EXPECT_TRUE(edit.dropPicture(png("third"), taken) && edit.photoName().startsWith(u"21-11-2026"_qs) &&
+                    edit.photoName() != nameOfNow);
+}
+
 TEST_F(Photos, AreWrittenOnlyWhenTheRecordIsSaved)
 {
     ContactForm form;
