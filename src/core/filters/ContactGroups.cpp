@@ -14,9 +14,13 @@ std::vector<ContactPtr> ContactGroups::contactsOf(const EntityContactGroup *grou
 {
     if (!group)
         return DBWorker::allDelegateds();
-    if (isGroup(*group))
-        return DBWorker::sortContacta(group->contacts());
     std::vector<ContactPtr> contacts;
+    if (isGroup(*group)) {
+        // The set has no order: those of one name stand as they were made.
+        contacts = group->contacts();
+        std::ranges::sort(contacts, {}, &EntityContacts::rowId);
+        return DBWorker::sortContacta(std::move(contacts));
+    }
     for (ContactPtr contact : group->allDelegateds()) {
         if (contact)
             contacts.push_back(std::move(contact));

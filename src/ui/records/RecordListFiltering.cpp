@@ -16,7 +16,7 @@ void RecordListScreen::setUpFilter(std::shared_ptr<ListFilter> filter)
 {
     listFilter = std::move(filter);
     topView = new TasksTabTopView;
-    static_cast<QVBoxLayout *>(layout())->insertWidget(0, topView);
+    setStrip(topView);
     filteredState = new EmptyState(u"filtered"_s, description.filteredSentence, listLayer);
     filteredState->setAction(localized(u"Clear filter"_s));
     listLayer->layout()->addWidget(filteredState);
@@ -31,6 +31,12 @@ void RecordListScreen::setUpFilter(std::shared_ptr<ListFilter> filter)
     filterState->filterStartSettings();
     topView->buttonFilter()->setFilter(listFilter.get());
     connect(topView->cancelFilterView(), &QAbstractButton::clicked, this, &RecordListScreen::clearFilter);
+}
+
+void RecordListScreen::setStrip(QWidget *aboveList)
+{
+    strip = aboveList;
+    static_cast<QVBoxLayout *>(layout())->insertWidget(0, strip);
 }
 
 void RecordListScreen::showFilterState()

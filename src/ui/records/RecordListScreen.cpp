@@ -377,7 +377,7 @@ void RecordListScreen::showBeside(const ObjectPtr &record)
 DetailPlace RecordListScreen::detailPlace() const
 {
     DetailPlace place = description.detailPlace;
-    if (isBeside() && !topView)
+    if (isBeside() && !strip)
         place.topInset = 0;
     return place;
 }

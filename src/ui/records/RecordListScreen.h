@@ -113,6 +113,8 @@ protected:
     /// Puts the strip with the filter above the list.
     void setUpFilter(std::shared_ptr<ListFilter> filter);
     TasksTabTopView *filterStrip() const { return topView; }
+    /// Puts a strip above the list, below which panes begin.
+    void setStrip(QWidget *aboveList);
     /// What the list is to leave out; null for nothing.
     const FilterEntry *filter() const { return filterState ? filterState->filterOfList() : nullptr; }
 
@@ -156,6 +158,8 @@ private:
     EmptyState *filteredState = nullptr;
     EmptyState *besideState = nullptr;
     TasksTabTopView *topView = nullptr;
+    /// Null for a list with nothing above it.
+    QWidget *strip = nullptr;
     /// Null for a list without a filter.
     std::shared_ptr<ListFilter> listFilter;
     std::unique_ptr<FilterState> filterState;

@@ -215,6 +215,7 @@ TEST_F(ChaseTest, ACallIsTickedOffOnItsSheetAndWhatWasSaidIsNoted)
     call->setDueDate(localDate(2026, 11, 23, 10, 0));
     const TaskPtr other = give(u"Door"_s, ann, 20);
     other->setType(TaskType::EmailCall);
+    other->setDueDate(localDate(2026, 11, 24, 10, 0));
     ASSERT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(CallSheet(works).calls(), std::vector<TaskPtr>({call, other}))
         << "Who works there is called, too";

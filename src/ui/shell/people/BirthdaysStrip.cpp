@@ -96,6 +96,7 @@ void BirthdaysStrip::showBirthdays()
     if (const auto hidden = birthdays.size() - static_cast<std::size_t>(shown.size()); hidden > 0)
         words += shown.isEmpty() ? QString::number(hidden) : more.arg(hidden);
     label->setText(birthdays.empty() ? QString() : words);
+    label->setVisible(!birthdays.empty());
 }
 
 void BirthdaysStrip::resizeEvent(QResizeEvent *event)

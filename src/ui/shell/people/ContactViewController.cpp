@@ -7,7 +7,6 @@
 #include "shell/people/WindowAddContactsGroup.h"
 
 #include <QDropEvent>
-#include <QVBoxLayout>
 
 ContactViewController::ContactViewController(const RecordKind &people,
                                              std::shared_ptr<EntityContactGroup> shownGroup, QWidget *parent)
@@ -16,8 +15,7 @@ ContactViewController::ContactViewController(const RecordKind &people,
     , topView(new ContactsTopView)
 {
     setAcceptDrops(true);
-    auto *column = static_cast<QVBoxLayout *>(layout());
-    column->insertWidget(0, topView);
+    setStrip(topView);
     topView->setContactGroup(group);
     connect(topView, &ContactsTopView::listChanged, this, &TabsViewController::reloadData);
     connect(topView, &ContactsTopView::membersWanted, this, &ContactViewController::pickMembers);

@@ -126,9 +126,10 @@ protected:
         return copy;
     }
 
-    /// A save sets the moments itself, and the place in the Inbox; nothing uses the last one.
+    /// A save sets the moments itself, and the place in the Inbox; those of a delegate begin with them.
+    /// Nothing uses the row index.
     const Names decidedBySave = {"creationDate", "lastModificationDate", "expirationDate", "position",
-                                 "rowIndex"};
+                                 "rowIndex",     "delegatedSince",       "lastAsked"};
     int number = 0;
 };
 
@@ -163,7 +164,8 @@ TEST_F(TaskColumnsTest, AnEditorNoticesAChangeOfAnyButAFew)
     EXPECT_FALSE(MVTask(row).isChangedTask());
     const Names unnoticed =
         columnsThat([&](const std::string &name) { return !changedCopy(row, name).isChangedTask(); });
-    EXPECT_THAT(unnoticed, UnorderedElementsAre("creationDate", "expirationDate", "rowIndex", "tags"));
+    EXPECT_THAT(unnoticed, UnorderedElementsAre("creationDate", "expirationDate", "rowIndex",
+                                                "delegatedSince", "lastAsked", "tags"));
 }
 
 TEST_F(TaskColumnsTest, AnEmptyTextAndNoneAreNoDifference)
@@ -198,7 +200,7 @@ TEST_F(TaskColumnsTest, AnEditFollowsItsRowExceptInWhatGoesWithItsOwnChange)
             EXPECT_FALSE(TaskMerge::follow(copy, base, present)) << name;
             return !isFollowed;
         });
-        Names expected = {"creationDate", "rowIndex"};
+        Names expected = {"creationDate", "rowIndex", "delegatedSince", "lastAsked"};
         const auto group = std::ranges::find_if(
             groups, [&](const Names &names) { return std::ranges::count(names, edited) != 0; });
         if (group != groups.end())
@@ -218,9 +220,10 @@ TEST_F(TaskColumnsTest, RowsOfASeriesKeepWhatIsTheirOwn)
         copyTo(*row);
         return differences(*from, *row);
     };
-    Names own = {"startDate", "dueDate",        "dueSomeDay", "creationDate",          "expirationDate",
-                 "position",  "rowIndex",       "alert",      "secondAlert",           "repeat",
-                 "endRepeat", "repeatInfoUser", "remindID",   "wasCreatedOffCalendar", "tags"};
+    Names own = {"startDate",      "dueDate",        "dueSomeDay", "creationDate",          "expirationDate",
+                 "position",       "rowIndex",       "alert",      "secondAlert",           "repeat",
+                 "endRepeat",      "repeatInfoUser", "remindID",   "wasCreatedOffCalendar", "tags",
+                 "delegatedSince", "lastAsked"};
     const auto with = [&own](std::initializer_list<std::string> more) {
         Names names = own;
         names.insert(names.end(), more);
