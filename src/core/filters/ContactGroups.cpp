@@ -62,7 +62,8 @@ void ContactGroups::saveListFilterContacts(const MVContactGroup &list,
                                            const std::shared_ptr<EntityContactGroup> &contactGroup,
                                            const std::function<void()> &reloadData)
 {
-    if (!contactGroup) {
+    // What was set for a list that has gone meanwhile becomes another.
+    if (!contactGroup || contactGroup->isDeleted() || !contactGroup->context()) {
         NotificationCenter::defaultCenter().post(notifications::saveNewContactGroup, list);
         return;
     }

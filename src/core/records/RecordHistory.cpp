@@ -1,10 +1,12 @@
 #include "records/RecordHistory.h"
 
 #include "calendarsync/RecordsTransaction.h"
+#include "foundation/Alert.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "records/Categories.h"
 #include "records/Functional.h"
+#include "records/MVProject.h"
 #include "records/ProjectManager.h"
 #include "records/TaskManager.h"
 #include "records/copies/TaskColumns.h"
@@ -60,8 +62,8 @@ constexpr auto knownValues = std::to_array<Known>({
     {ofProject, "details", u"Details"},
     {ofProject, "status", u"Status", Told::Status},
     {ofProject, "priority", u"Priority", Told::Priority},
-    {ofProject, "startDate", u"Start Date", Told::Day},
-    {ofProject, "dueDate", u"Due Date", Told::Day},
+    {ofProject, "startDate", u"Start Date", Told::Day, Restored::WithDates},
+    {ofProject, "dueDate", u"Due Date", Told::Day, Restored::WithDates},
     {ofProject, "category", u"Category", Told::Record},
     {ofProject, "delegateToUser", u"Contacts", Told::Record},
     {ofContact, "firstName", u"First Name"},
@@ -80,6 +82,7 @@ constexpr auto knownValues = std::to_array<Known>({
     {EntityEmail::entityName, "mail", u"Email"},
     {EntityURL::entityName, "url", u"URL"},
     {EntityAddress::entityName, "street1", u"Street"},
+    {EntityAddress::entityName, "street2", u"Street"},
     {EntityAddress::entityName, "city", u"City"},
     {EntityAddress::entityName, "state", u"State"},
     {EntityAddress::entityName, "zip", u"ZIP"},
@@ -162,7 +165,7 @@ QString inWords(ChangeAuthor author)
     case ChangeAuthor::User:
         return localized(u"You"_s);
     case ChangeAuthor::Undo:
-        return localized(u"Undo"_s);
+        return localized(u"Undo or redo"_s);
     case ChangeAuthor::Pass:
         return localized(u"Calendar"_s);
     case ChangeAuthor::Import:
@@ -191,6 +194,15 @@ RecordHistory::RecordHistory(ObjectPtr changed)
 QString RecordHistory::title() const
 {
     return titleOf(*record);
+}
+
+bool RecordHistory::isConcernedBy(const StoreChanges &changes) const
+{
+    const EntityDescription &entity = record->entity();
+    return changes.concerns(entity.name()) ||
+           std::ranges::any_of(entity.relationships(), [&](const RelationshipDescription &one) {
+               return one.deleteRule == DeleteRule::Cascade && changes.concerns(one.destination);
+           });
 }
 
 void RecordHistory::reload()
@@ -242,6 +254,20 @@ void RecordHistory::addLines(std::size_t number, Entry &entry, std::vector<Place
     }
 }
 
+/// Whether something that belongs to the record says the same as what is gone.
+bool RecordHistory::hasPart(const RowChange &row, const RowChange::Field &field) const
+{
+    for (const RelationshipDescription &one : record->entity().relationships()) {
+        if (one.deleteRule != DeleteRule::Cascade || one.destination != row.entity->name())
+            continue;
+        const std::vector<ObjectPtr> parts = record->relatedObjects(one.name);
+        if (std::ranges::any_of(
+                parts, [&](const ObjectPtr &part) { return part->valueForKey(field.key) == field.before; }))
+            return true;
+    }
+    return false;
+}
+
 /// What belonged to the record and is gone comes back whole; what came with a save goes by undo only.
 bool RecordHistory::isRestorable(const RowChange &row, const RowChange::Field &field) const
 {
@@ -252,10 +278,15 @@ bool RecordHistory::isRestorable(const RowChange &row, const RowChange::Field &f
         return false;
     const ObjectPtr object = mainContext().object(row.entity->name(), row.identifier);
     if (row.kind == RowChange::Kind::Deleted)
-        return !isThere(object);
+        return !isThere(object) && !hasPart(row, field);
     if (!isThere(object))
         return false;
-    return row.entity->columnOf(field.key) < 0 || object->valueForKey(field.key) != field.before;
+    if (row.entity->columnOf(field.key) >= 0)
+        return object->valueForKey(field.key) != field.before;
+    // Of a pair, the one that came goes again, and the one that went comes back.
+    const ObjectPtr other = namedBy(row, field, isAbsent(field.before) ? field.after : field.before);
+    const std::vector<ObjectPtr> linked = object->relatedObjects(field.key);
+    return isThere(other) && (std::ranges::find(linked, other) != linked.end()) == isAbsent(field.before);
 }
 
 bool RecordHistory::restore(std::size_t entry, std::size_t line)
@@ -265,8 +296,10 @@ bool RecordHistory::restore(std::size_t entry, std::size_t line)
     const RowChange::Field &field = row.fields[place.field];
     if (!isRestorable(row, field))
         return false;
-    const bool isDone =
-        row.entity->name() == EntityTask::entityName ? restoreTask(row, field) : restoreValue(row, field);
+    const std::string_view entity = row.entity->name();
+    const bool isDone = entity == EntityTask::entityName      ? restoreTask(row, field)
+                        : entity == EntityProject::entityName ? restoreProject(row, field)
+                                                              : restoreValue(row, field);
     reload();
     return isDone;
 }
@@ -314,8 +347,46 @@ bool RecordHistory::restoreTask(const RowChange &row, const RowChange::Field &fi
     return TaskManager::saveTaskOfForm(copy) == SaveEnd::Saved;
 }
 
+bool RecordHistory::restoreProject(const RowChange &row, const RowChange::Field &field)
+{
+    if (row.entity->columnOf(field.key) < 0)
+        return restoreValue(row, field);
+    MVProject copy(std::static_pointer_cast<EntityProject>(record));
+    const bool hasDates = knownOf(row, field)->restored == Restored::WithDates;
+    for (const RowChange::Field &one : row.fields) {
+        const Known *known = knownOf(row, one);
+        if (&one != &field && !(hasDates && known && known->restored == Restored::WithDates))
+            continue;
+        if (one.key == "title")
+            put(copy.title, one.before);
+        else if (one.key == "details")
+            put(copy.details, one.before);
+        else if (one.key == "priority")
+            put(copy.priority, one.before);
+        else if (one.key == "category")
+            put(copy.category, one.before);
+        else if (one.key == "startDate")
+            put(copy.startDate, one.before);
+        else if (one.key == "dueDate")
+            put(copy.dueDate, one.before);
+        else if (one.key == "status")
+            copy.changeStatus(Functional::statusStringFromType(
+                static_cast<TaskStatus>(static_cast<int>(numberOf(one.before).value_or(0)))));
+    }
+    return ProjectManager::saveProjectTemp(copy);
+}
+
 bool RecordHistory::restoreValue(const RowChange &row, const RowChange::Field &field)
 {
+    // A contact keeps a name.
+    const auto *person = dynamic_cast<const EntityContacts *>(record.get());
+    const bool isFirst = field.key == "firstName";
+    if (person && (isFirst || field.key == "lastName") &&
+        inWords(*knownOf(row, field), row, field, field.before).isEmpty() &&
+        (isFirst ? person->lastName() : person->firstName()).isEmpty()) {
+        Alert::run({title(), localized(u"A contact needs a name."_s), {}, {localized(u"OK"_s)}});
+        return false;
+    }
     RecordsTransaction transaction(u"Restore"_s);
     const ObjectPtr object = mainContext().object(row.entity->name(), row.identifier);
     if (row.kind == RowChange::Kind::Deleted) {

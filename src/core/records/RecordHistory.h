@@ -1,6 +1,7 @@
 #pragma once
 
 #include "objectstore/ChangeHistory.h"
+#include "objectstore/StoreChanges.h"
 
 #include <vector>
 
@@ -35,6 +36,8 @@ public:
     QString title() const;
     /// The newest first. Saves that changed nothing a user knows of are left out.
     const std::vector<Entry> &entries() const { return shown; }
+    /// Whether a commit can have added to it.
+    bool isConcernedBy(const StoreChanges &changes) const;
     /// Reads everything anew.
     void reload();
     /// Puts the value that a line had before back into the record, in one step that can be taken back; of a
@@ -52,6 +55,8 @@ private:
     };
     void addLines(std::size_t number, Entry &entry, std::vector<Place> &places) const;
     bool isRestorable(const RowChange &row, const RowChange::Field &field) const;
+    bool hasPart(const RowChange &row, const RowChange::Field &field) const;
+    bool restoreProject(const RowChange &row, const RowChange::Field &field);
     bool restoreTask(const RowChange &row, const RowChange::Field &field);
     bool restoreValue(const RowChange &row, const RowChange::Field &field);
     void bringBack(const RowChange &row);

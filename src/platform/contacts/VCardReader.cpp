@@ -129,11 +129,15 @@ std::optional<VCardReader::Line> VCardReader::readLogicalLine(VCard::Version ver
     std::optional<Line> line = takeLine();
     if (!line)
         return line;
+    constexpr qsizetype longestHead = 10'000;
     std::optional<Encoding> known;
+    bool hasHead = false;
     const auto encoding = [&] {
-        if (!known)
-            known = VCardAttribute::encodingOf(
-                line->bytes.left(std::max<qsizetype>(VCardAttribute::colonOf(line->bytes), 0)));
+        if (!known) {
+            const qsizetype colon = VCardAttribute::colonOf(line->bytes);
+            hasHead = colon >= 0;
+            known = VCardAttribute::encodingOf(line->bytes.left(std::max<qsizetype>(colon, 0)));
+        }
         return *known;
     };
     const auto append = [&](const QByteArray &bytes, qsizetype from) {
@@ -153,7 +157,9 @@ std::optional<VCardReader::Line> VCardReader::readLogicalLine(VCard::Version ver
         } else if (isBlank(bytes.front())) {
             // In 2.1 a line is folded before a blank, later ones get a blank for the fold.
             append(bytes, version == VCard::Version::V21 ? 0 : 1);
-            known.reset();
+            // What stands behind the colon says nothing of the encoding, and a head of that length has none.
+            if (!hasHead && line->bytes.size() < longestHead)
+                known.reset();
         } else if (encoding() == Encoding::Base64 && !bytes.contains(':')) {
             append(bytes, 0);
         } else {

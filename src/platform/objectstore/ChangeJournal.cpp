@@ -115,6 +115,13 @@ bool ChangeJournal::dropUndone()
 
 bool ChangeJournal::trimHistory()
 {
+    sqlite::Statement heavy = database.prepare(
+        "DELETE FROM ObjectStoreHistory WHERE sequence <= (SELECT sequence FROM (SELECT sequence, "
+        "SUM(length(changeset)) OVER (ORDER BY sequence DESC) AS weight FROM ObjectStoreHistory) WHERE "
+        "weight "
+        "> ? ORDER BY sequence DESC LIMIT 1)");
+    if (!heavy.bind(qint64(heaviestHistory)).run())
+        return false;
     sqlite::Statement trimmed =
         database.prepare("DELETE FROM ObjectStoreHistory WHERE sequence <= (SELECT MAX(sequence) FROM "
                          "ObjectStoreHistory) - ? OR sequence IN (SELECT sequence FROM ObjectStoreHistory "

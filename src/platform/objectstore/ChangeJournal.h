@@ -43,7 +43,7 @@ struct AppliedEntry
 ///
 /// An SQLite session captures the net change of each transaction. At most `maximumEntries` saves of the last
 /// `maximumAge` are kept that can be undone, and as many others. Entries that were undone leave the former
-/// for the latter with the next save of the user.
+/// for the latter with the next save of the user, but for very large ones.
 class ChangeJournal
 {
 public:
@@ -52,6 +52,8 @@ public:
     static constexpr Seconds maximumAge = std::chrono::days(90);
     /// In bytes. What brings in more, such as a whole calendar at once, tells little of any record.
     static constexpr qsizetype largestInHistory = 2'000'000;
+    /// What all of them may take together.
+    static constexpr qsizetype heaviestHistory = 30'000'000;
 
     ChangeJournal(sqlite::Database &connection, const ManagedObjectModel &model);
     ~ChangeJournal();

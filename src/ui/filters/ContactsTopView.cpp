@@ -4,6 +4,7 @@
 #include "filters/FilterButton.h"
 #include "filters/TasksTabTopView.h"
 #include "foundation/Localization.h"
+#include "store/state/NotificationNames.h"
 #include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
@@ -29,6 +30,13 @@ ContactsTopView::ContactsTopView(QWidget *parent)
     buttonFilter->setAction({localized(u"Save"_s), [this] { clickButtonSave(); }});
     connect(buttonGroup, &QAbstractButton::clicked, this, &ContactsTopView::membersWanted);
     setContactGroup(nullptr);
+    // Undo, and whoever else changes a list, changes what its bubble begins with.
+    changesHeard = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) {
+            const bool isThere = contactGroup && contactGroup->context() && !contactGroup->isDeleted();
+            if (isThere && !buttonFilter->popover() && changes.concerns(EntityContactGroup::entityName))
+                setContactGroup(contactGroup);
+        });
 }
 
 static void showState(StripButton &button, const ContactFilterButtons::Button &state)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "filters/FilterContact.h"
+#include "foundation/NotificationCenter.h"
+#include "objectstore/StoreChanges.h"
 
 #include <QWidget>
 
@@ -36,4 +38,5 @@ private:
     std::shared_ptr<EntityContactGroup> contactGroup;
     FilterButton *buttonFilter;
     StripButton *buttonGroup;
+    Observation changesHeard;
 };

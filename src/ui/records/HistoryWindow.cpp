@@ -61,7 +61,10 @@ HistoryWindow::HistoryWindow(const ObjectPtr &record, QWidget *parent)
     });
     NotificationCenter &center = NotificationCenter::defaultCenter();
     observations.push_back(
-        center.addObserver(notifications::contextDidSave, [this](const StoreChanges &) { soon.start(0); }));
+        center.addObserver(notifications::contextDidSave, [this](const StoreChanges &changes) {
+            if (history.isConcernedBy(changes))
+                soon.start(0);
+        }));
     resize(firstSizeOfHistory);
     showHistory();
     table->setFocus();
@@ -133,10 +136,11 @@ void HistoryWindow::restore()
 
 void HistoryWindow::keyPressEvent(QKeyEvent *event)
 {
+    auto *button = qobject_cast<QPushButton *>(focusWidget());
     if (event->key() == Qt::Key_Escape)
         close();
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        restore();
+        button ? button->click() : restore();
     else
         QWidget::keyPressEvent(event);
 }

@@ -172,6 +172,7 @@ void RecordListScreen::update(const std::set<RowId> &changed, const std::set<Row
     updateEmptyState();
     closeDetailsOf(shown);
     selectFirstIfNone();
+    keepPaneOfLeaver();
     Q_EMIT commandsChanged();
 }
 
@@ -199,7 +200,18 @@ void RecordListScreen::reload(SelectionMemory::Otherwise otherwise)
     else
         closeDetailsOf(shown);
     selectFirstIfNone();
+    keepPaneOfLeaver();
     Q_EMIT commandsChanged();
+}
+
+/// What was saved has sent the row away, and nobody wants to leave the pane: the neighbour that is selected
+/// now does not take its place.
+void RecordListScreen::keepPaneOfLeaver()
+{
+    DetailViewController *const top = isBeside() && detailStack() ? detailStack()->top() : nullptr;
+    if (top && top->record() && listModel->rowOf(top->record()) < 0 &&
+        (top->canSave() || top->hasChanges() || top->staysWithoutRow()))
+        opening.stop();
 }
 
 /// Beside its list a pane is never missed.
@@ -240,10 +252,10 @@ std::vector<ObjectPtr> RecordListScreen::recordsAt(const std::set<int> &numbers)
     return records;
 }
 
-std::vector<ObjectPtr> RecordListScreen::chosenRecords() const
+std::vector<ObjectPtr> RecordListScreen::chosenRecords(bool all) const
 {
-    std::set<int> rows = view->selectedRows();
-    if (rows.empty()) {
+    std::set<int> rows = all ? std::set<int>() : view->selectedRows();
+    if (all) {
         for (int row = 0; row < listModel->rowCount(); ++row)
             rows.insert(rows.end(), row);
     }

@@ -83,7 +83,7 @@ public:
     bool canClearFilter() const override;
 
     ObjectPtr selectedRecord() const override;
-    std::vector<ObjectPtr> chosenRecords() const override;
+    std::vector<ObjectPtr> chosenRecords(bool all) const override;
     std::string_view shownEntity() const override { return description.entity; }
     QString selectedText() const override;
     /// Shows a record in a pane. One that is edited keeps the user there, and its row selected.
@@ -147,6 +147,7 @@ private:
     void showBeside(const ObjectPtr &record);
     void selectEdited();
     void selectFirstIfNone();
+    void keepPaneOfLeaver();
     void selectAfterRemoval(int lastIndex);
     void updateEmptyState();
 

@@ -40,8 +40,12 @@ public:
     virtual std::optional<ListType> listType() const { return std::nullopt; }
     /// The one task that is selected, or null.
     virtual TaskPtr selectedTask() const { return nullptr; }
-    /// The selected records, or all of the screen where none is selected; in their order.
-    virtual std::vector<ObjectPtr> chosenRecords() const { return {}; }
+    /// The selected records of the screen, or all of them; in their order.
+    virtual std::vector<ObjectPtr> chosenRecords(bool all) const
+    {
+        Q_UNUSED(all)
+        return {};
+    }
     /// The entity of all of its records; empty for a screen of several kinds.
     virtual std::string_view shownEntity() const { return {}; }
     /// The selected rows as lines of text; empty where the keys are not in them.

@@ -110,7 +110,7 @@ void MainWindowController::copy()
 void MainWindowController::exportRecords()
 {
     if (screen)
-        ExportContacts::run(screen->chosenRecords(), *mainWindow);
+        ExportContacts::run(screen->chosenRecords(false), screen->chosenRecords(true), *mainWindow);
 }
 
 /// A list gives its tasks what makes them belong to it; written down from anywhere else, one is for today.

@@ -69,6 +69,8 @@ void MainWindowController::windowDidLoad()
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     badgeRecount.setSingleShot(true);
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
+    groupsRecount.setSingleShot(true);
+    connect(&groupsRecount, &QTimer::timeout, this, &MainWindowController::groupsMayHaveChanged);
     connect(mainWindow.get(), &MainWindow::firstPainted, &badgeRecount, [this] { badgeRecount.start(0); });
     badgeTimer.emplace(badgeInterval, [this] { countTasksBadge(); });
     connect(mainWindow.get(), &MainWindow::stateChanged, this, &MainWindowController::fullScreenChanged);
@@ -111,9 +113,14 @@ void MainWindowController::observe()
         center.addObserver(notifications::contextDidSave, [this](const StoreChanges &changes) {
             if (changes.concerns(EntityTask::entityName) && !badgeRecount.isActive())
                 badgeRecount.start(badgePatience);
+            // What the user does to groups brings the rows along by itself.
+            if (changes.author != ChangeAuthor::User && changes.author != ChangeAuthor::Undo &&
+                changes.concerns(EntityContactGroup::entityName))
+                groupsRecount.start(0);
             actions->update();
         }));
     observations.push_back(center.addObserver(notifications::iCloudChange, [this] {
+        groupsRecount.start(0);
         badgeRecount.start(0);
         actions->update();
     }));

@@ -153,6 +153,7 @@ private:
     QPointer<MVSetiingsCalendarController> windowSettings;
     BackgroundBadges badges;
     QTimer badgeRecount;
+    QTimer groupsRecount;
     std::optional<RepeatingTimer> badgeTimer;
     std::vector<Observation> observations;
 };

@@ -1,10 +1,8 @@
 #include "records/people/CallSheet.h"
 
-#include "calendarsync/RecordsTransaction.h"
+#include "foundation/Localization.h"
 #include "foundation/TextFolding.h"
 #include "records/copies/MVTask.h"
-#include "records/dates/MVDate.h"
-#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
 #include <algorithm>
@@ -102,15 +100,7 @@ bool CallSheet::tick(const TaskPtr &call)
     return call->status() == TaskStatus::Done;
 }
 
-bool CallSheet::noteWhatWasSaid(const TaskPtr &call, const QString &text) const
+ContactPtr CallSheet::noteContact(const TaskPtr &call) const
 {
-    if (text.trimmed().isEmpty())
-        return true;
-    RecordsTransaction transaction(u"New Note"_s);
-    const auto note = mainContext().insert<EntityNote>();
-    note->setTitle(call->title());
-    note->setDetail(text.trimmed());
-    note->setCreationDate(MVDate::date());
-    note->setContact(contact() ? contact() : call->delegateToUser());
-    return DBWorker::tellOfFailure(transaction.commit());
+    return contact() ? contact() : call->delegateToUser();
 }

@@ -29,9 +29,8 @@ public:
 
     /// Ticks a call off by its rules. False if they stopped it, which the user is told.
     static bool tick(const TaskPtr &call);
-    /// Keeps what was said in a note about whom was called. A blank text makes none. False if it did not
-    /// reach the disk, which the user is told.
-    bool noteWhatWasSaid(const TaskPtr &call, const QString &text) const;
+    /// Whom a note about a call is about; null if nobody can know.
+    ContactPtr noteContact(const TaskPtr &call) const;
     /// Whether the one who is called is no more.
     bool isGone() const;
 

@@ -299,9 +299,13 @@ void ContactForm::resumeRow(int number, const QString &value)
     case LastName:
         return take(values.lastName, value);
     case JobTitle:
-        return take(values.contactCategory, recordOf<EntityContactCategory>(value));
+        if (const auto category = recordOf<EntityContactCategory>(value); category || value.isEmpty())
+            take(values.contactCategory, category);
+        return;
     case Company:
-        return take(values.company, recordOf<EntityCompany>(value));
+        if (const auto company = recordOf<EntityCompany>(value); company || value.isEmpty())
+            take(values.company, company);
+        return;
     case Birthday:
         return take(values.birthday,
                     isNumber ? OptionalDate(Date::fromReferenceSeconds(seconds)) : std::nullopt);

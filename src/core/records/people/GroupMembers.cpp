@@ -9,6 +9,9 @@
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::Literals::StringLiterals;
 
 GroupMembers::GroupMembers(std::shared_ptr<EntityContactGroup> group)
@@ -22,10 +25,9 @@ GroupMembers::GroupMembers(std::shared_ptr<EntityContactGroup> group)
     people.setEntries(std::move(found));
     if (!contactGroup)
         return;
-    std::set<RowId> members;
     for (const ContactPtr &contact : contactGroup->contacts())
         members.insert(contact->rowId());
-    people.setMarked(std::move(members));
+    people.setMarked(members);
 }
 
 QString GroupMembers::title() const
@@ -33,9 +35,9 @@ QString GroupMembers::title() const
     return localized(contactGroup ? u"Edit contacts group"_s : u"Add contacts group"_s);
 }
 
-std::vector<ContactPtr> GroupMembers::markedContacts() const
+std::vector<ContactPtr> GroupMembers::contactsOf(const std::set<RowId> &wanted)
 {
-    const std::vector<RowId> rows(people.marked().begin(), people.marked().end());
+    const std::vector<RowId> rows(wanted.begin(), wanted.end());
     const ObjectList<EntityContacts> loaded(mainContext(),
                                             organiserModel().requireEntity(EntityContacts::entityName), rows);
     std::vector<ContactPtr> contacts;
@@ -48,17 +50,23 @@ std::vector<ContactPtr> GroupMembers::markedContacts() const
 
 bool GroupMembers::save()
 {
-    if (!contactGroup) {
+    if (!contactGroup || contactGroup->isDeleted() || !contactGroup->context()) {
         MVContactGroup made;
         made.useGeneralFilter = false;
         made.title = localized(u"Private Group"_s);
-        made.contacts = markedContacts();
+        made.contacts = contactsOf(people.marked());
         NotificationCenter::defaultCenter().post(notifications::saveNewContactGroup, made);
         return true;
     }
-    if (contactGroup->isDeleted() || !contactGroup->context())
-        return true;
+    std::set<RowId> added;
+    std::set<RowId> removed;
+    std::ranges::set_difference(people.marked(), members, std::inserter(added, added.end()));
+    std::ranges::set_difference(members, people.marked(), std::inserter(removed, removed.end()));
     RecordsTransaction transaction(title());
-    contactGroup->setContacts(markedContacts());
+    for (const ContactPtr &contact : contactsOf(added))
+        contactGroup->addRelated("contacts", contact);
+    for (const ContactPtr &contact : contactsOf(removed))
+        contactGroup->removeRelated("contacts", contact);
+    members = people.marked();
     return DBWorker::tellOfFailure(transaction.commit());
 }

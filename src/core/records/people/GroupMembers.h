@@ -17,14 +17,17 @@ public:
     MarkedRows &list() { return people; }
     const MarkedRows &list() const { return people; }
 
-    /// Tells of a new group with the marked members, or makes them those of the given one, in one step that
-    /// can be taken back. Who was deleted meanwhile is nobody's member. False if that did not reach the disk,
+    /// Tells of a new group with the marked members, or puts who was marked into the given one and takes out
+    /// who no longer is, in one step that can be taken back. Who was deleted meanwhile is nobody's member;
+    /// what was marked for a group that has gone becomes a new one. False if that did not reach the disk,
     /// which the user is told.
     bool save();
 
 private:
-    std::vector<ContactPtr> markedContacts() const;
+    static std::vector<ContactPtr> contactsOf(const std::set<RowId> &wanted);
 
     std::shared_ptr<EntityContactGroup> contactGroup;
+    /// Who was in the group when it was read.
+    std::set<RowId> members;
     MarkedRows people{MarkedRows::LettersInSearch::Go};
 };

@@ -177,7 +177,7 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
         ++next;
         if (const ContactPtr contact = import.importContactToDataBase(contactFrom(*card)))
             index.add(contact);
-        isStopped = step && !step() && next != wanted.end();
+        isStopped = step && !step();
         if (isStopped)
             return;
     }

@@ -270,7 +270,9 @@ bool PeopleForm::merge(int row, const QString &was, const QString &present)
         wanted = DetailItems::merged(mine, was, present);
     else if (isLinks(row))
         wanted = mergedUris(mine, was, present);
-    if (wanted == mine)
+    // A record that is gone has no name any more: the row seems to say what is stored, and still holds it.
+    const bool isAlike = wanted == mine && mine == present && mine != was && row != Picture;
+    if (wanted == mine && !isAlike)
         return false;
     // A picture from elsewhere replaces none of this edit.
     if (row == Picture)

@@ -2,6 +2,7 @@
 
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "foundation/Log.h"
 #include "records/MarkedRowsView.h"
 #include "widgets/Accessibility.h"
 #include "widgets/CheckList.h"
@@ -374,10 +375,12 @@ void ImportContactWindowController::clickButtonSave()
 void ImportContactWindowController::saveMarked()
 {
     ContactImportAccount account;
+    Log::line(u"Start Import"_s);
     {
         LongWork work(contacts.list().marked().size(), localized(u"Importing the contacts"_s));
         account = contacts.import(pngPictureOf, [&work] { return work.step(); });
     }
+    Log::line(u"End Import"_s);
     isSaving = false;
     if (!account.isSaved) {
         showCounts();

@@ -1,9 +1,14 @@
 #include "shell/people/CallSheetWindow.h"
 
+#include "foundation/Alert.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "objectstore/StoreChanges.h"
+#include "records/FormView.h"
 #include "records/OpenLink.h"
+#include "records/RecordWindow.h"
+#include "records/Waiting.h"
+#include "records/people/NoteForm.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/CheckButton.h"
 #include "widgets/FormScroll.h"
@@ -15,7 +20,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QTextEdit>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -27,7 +31,6 @@ CallSheetWindow::CallSheetWindow(const ObjectPtr &called, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , sheet(called)
     , column(new QVBoxLayout(this))
-    , question(makeQuestion())
 {
     setObjectName(u"CallSheetWindow"_s);
     setWindowTitle(localized(u"Call Sheet: %1"_s).arg(sheet.title()));
@@ -36,11 +39,15 @@ CallSheetWindow::CallSheetWindow(const ObjectPtr &called, QWidget *parent)
     setWindowModality(Qt::WindowModal);
     column->setContentsMargins(sheetMargin, sheetMargin, sheetMargin, sheetMargin);
     column->setSpacing(Theme::unit);
-    column->addWidget(question);
     soon.setSingleShot(true);
     connect(&soon, &QTimer::timeout, this, &CallSheetWindow::load);
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        notifications::contextDidSave, [this](const StoreChanges &) { soon.start(0); }));
+        notifications::contextDidSave, [this](const StoreChanges &changes) {
+            const auto shown = {EntityContacts::entityName, EntityCompany::entityName,
+                                EntityPhone::entityName, EntityNote::entityName, EntityTask::entityName};
+            if (std::ranges::any_of(shown, [&](auto entity) { return changes.concerns(entity); }))
+                soon.start(0);
+        }));
     resize(firstSizeOfSheet);
     load();
 }
@@ -51,33 +58,6 @@ void CallSheetWindow::showWindow()
     show();
     raise();
     activateWindow();
-}
-
-/// Below the page, once something was ticked off.
-QWidget *CallSheetWindow::makeQuestion()
-{
-    auto *box = new QWidget;
-    labelQuestion = makeTextLabel({}, Theme::FontRole::BodyStrong, Theme::text);
-    labelQuestion->setObjectName(u"labelQuestion"_s);
-    fieldSaid = new QTextEdit;
-    fieldSaid->setObjectName(u"fieldSaid"_s);
-    fieldSaid->setAcceptRichText(false);
-    fieldSaid->setTabChangesFocus(true);
-    fieldSaid->setFixedHeight(12 * Theme::unit);
-    auto *button = new QPushButton(localized(u"Save Note"_s));
-    button->setObjectName(u"buttonSaveNote"_s);
-    connect(button, &QPushButton::clicked, this, &CallSheetWindow::saveNote);
-    auto *row = new QHBoxLayout;
-    row->addStretch(1);
-    row->addWidget(button);
-    auto *lines = new QVBoxLayout(box);
-    lines->setContentsMargins({});
-    lines->setSpacing(Theme::unit);
-    lines->addWidget(labelQuestion);
-    lines->addWidget(fieldSaid);
-    lines->addLayout(row);
-    box->hide();
-    return box;
 }
 
 QVBoxLayout *CallSheetWindow::addBlock(const QString &heading)
@@ -98,9 +78,12 @@ static void addSentence(QVBoxLayout &block, const QString &sentence)
 
 void CallSheetWindow::load()
 {
+    // A question may stand over it.
+    if (Alert::isAsking())
+        return soon.start(Waiting::lookInterval);
     if (sheet.isGone())
         return void(close());
-    QWidget *former = column->count() > 1 ? column->itemAt(0)->widget() : nullptr;
+    QWidget *const former = column->count() > 0 ? column->itemAt(0)->widget() : nullptr;
     content = new QWidget;
     auto *lines = new QVBoxLayout(content);
     lines->setContentsMargins({});
@@ -181,42 +164,31 @@ void CallSheetWindow::addNote(QVBoxLayout &block, const EntityNote &note)
             makeTextLabel(readablePart(note.detail()), Theme::FontRole::Small, Theme::secondaryText));
 }
 
-/// What was typed about the call before is kept first.
 void CallSheetWindow::tick(const TaskPtr &call)
 {
-    saveNote();
-    if (!CallSheet::tick(call))
-        return load();
-    ticked = call;
-    labelQuestion->setText(localized(u"What was said about “%1”?"_s).arg(firstPart(call->title())));
-    fieldSaid->setAccessibleName(labelQuestion->text());
-    question->show();
-    fieldSaid->setFocus();
+    if (CallSheet::tick(call))
+        offerNote(call);
+    else
+        soon.start(0);
 }
 
-void CallSheetWindow::saveNote()
+/// It asks before typed words go, and keeps them over a crash, as any new record does.
+void CallSheetWindow::offerNote(const TaskPtr &call)
 {
-    if (!ticked || !sheet.noteWhatWasSaid(ticked, fieldSaid->toPlainText()))
-        return;
-    ticked = nullptr;
-    fieldSaid->clear();
-    question->hide();
+    auto form = std::make_unique<NoteForm>();
+    form->values.title = call->title();
+    form->values.contact = sheet.noteContact(call);
+    auto *view = new FormView(*form);
+    auto *window =
+        new RecordWindow(u"WindowAddNewNote"_s, localized(u"What Was Said"_s), std::move(form), view, this);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->showWindow();
 }
 
 void CallSheetWindow::keyPressEvent(QKeyEvent *event)
 {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape)
         close();
-    else if (isReturn && event->modifiers().testFlag(Qt::ControlModifier))
-        saveNote();
     else
         QWidget::keyPressEvent(event);
-}
-
-/// No typed word is lost.
-void CallSheetWindow::closeEvent(QCloseEvent *event)
-{
-    saveNote();
-    event->setAccepted(!ticked || fieldSaid->toPlainText().trimmed().isEmpty());
 }

@@ -8,12 +8,10 @@
 
 #include <vector>
 
-class QLabel;
-class QTextEdit;
 class QVBoxLayout;
 
 /// One page for a call: numbers to press, what is to be talked about, and what was noted last. What is ticked
-/// off there is followed by the question what was said.
+/// off there is followed by the window of a new note about it.
 class CallSheetWindow : public QWidget
 {
     Q_OBJECT
@@ -25,27 +23,19 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void closeEvent(QCloseEvent *event) override;
 
 private:
-    QWidget *makeQuestion();
     void load();
     QVBoxLayout *addBlock(const QString &heading);
     void addNumber(QVBoxLayout &block, const CallSheet::Number &number);
     void addCall(QVBoxLayout &block, const TaskPtr &call);
     void addNote(QVBoxLayout &block, const EntityNote &note);
     void tick(const TaskPtr &call);
-    void saveNote();
+    void offerNote(const TaskPtr &call);
 
     CallSheet sheet;
     QWidget *content = nullptr;
     QVBoxLayout *column;
-    QLabel *labelQuestion = nullptr;
-    QTextEdit *fieldSaid = nullptr;
-    /// The two of them.
-    QWidget *question;
-    /// What was ticked off last.
-    TaskPtr ticked;
     QTimer soon;
     std::vector<Observation> observations;
 };

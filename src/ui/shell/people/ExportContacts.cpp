@@ -49,8 +49,22 @@ static void write(const std::vector<ObjectPtr> &records, const QString &path)
         tellOfFailedExport(file.errorString());
 }
 
-void ExportContacts::run(const std::vector<ObjectPtr> &records, QWidget &window)
+void ExportContacts::run(const std::vector<ObjectPtr> &selected, const std::vector<ObjectPtr> &all,
+                         QWidget &window)
 {
+    std::vector<ObjectPtr> records = all;
+    if (!selected.empty() && selected.size() < all.size()) {
+        const QString title = localized(u"Export contacts"_s);
+        const int answer =
+            Alert::run({title,
+                        title,
+                        localized(u"%1 of %2 are selected."_s).arg(selected.size()).arg(all.size()),
+                        {localized(u"All"_s), localized(u"Selected"_s), localized(u"Cancel"_s)}});
+        if (answer != Alert::firstButton && answer != Alert::secondButton)
+            return;
+        if (answer == Alert::secondButton)
+            records = selected;
+    }
     auto *dialog = new QFileDialog(&window, localized(u"Export contacts"_s),
                                    QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
                                    localized(u"vCards (*.vcf)"_s));

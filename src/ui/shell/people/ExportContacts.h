@@ -12,8 +12,8 @@ namespace ExportContacts {
 
 /// Whether records of an entity can be exported.
 bool canExport(std::string_view entity);
-/// Asks for a file and writes the records there. The user is told if it cannot be written; then a file that
-/// was there stays as it was.
-void run(const std::vector<ObjectPtr> &records, QWidget &window);
+/// Asks whether the selected records or all are meant, where that is not the same, and for a file, and writes
+/// them there. The user is told if it cannot be written; then a file that was there stays as it was.
+void run(const std::vector<ObjectPtr> &selected, const std::vector<ObjectPtr> &all, QWidget &window);
 
 } // namespace ExportContacts

@@ -77,12 +77,17 @@ void WaitingForViewController::showMenu(const QPoint &globalPosition)
 
 void WaitingForViewController::askAboutSelected()
 {
-    std::map<ContactPtr, std::vector<TaskPtr>> byContact;
+    std::map<QString, std::vector<TaskPtr>> byContact;
     for (const ObjectPtr &record : recordsAt(table()->selectedRows())) {
         const auto task = std::static_pointer_cast<EntityTask>(record);
         if (const ContactPtr contact = task->delegateToUser())
-            byContact[contact].push_back(task);
+            byContact[contact->fullName() + contact->identifier()].push_back(task);
     }
-    for (const auto &[contact, tasks] : byContact)
-        askAgain(contact, tasks);
+    std::vector<TaskPtr> asked;
+    for (const auto &[name, tasks] : byContact) {
+        if (openAskingMail(tasks.front()->delegateToUser(), tasks))
+            asked.insert(asked.end(), tasks.begin(), tasks.end());
+    }
+    if (!asked.empty())
+        WaitingFor::noteAsking(asked);
 }

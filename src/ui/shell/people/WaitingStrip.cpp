@@ -13,11 +13,10 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-void askAgain(const ContactPtr &contact, const std::vector<TaskPtr> &tasks)
+bool openAskingMail(const ContactPtr &contact, const std::vector<TaskPtr> &tasks)
 {
-    if (contact && !tasks.empty() &&
-        openLink(WaitingFor::askingMail(*contact, tasks), localized(u"Ask Again"_s), contact->fullName()))
-        WaitingFor::noteAsking(tasks);
+    return contact && !tasks.empty() &&
+           openLink(WaitingFor::askingMail(*contact, tasks), localized(u"Ask Again"_s), contact->fullName());
 }
 
 WaitingStrip::WaitingStrip(std::function<ContactPtr()> shownContact, QWidget *parent)
@@ -36,8 +35,10 @@ WaitingStrip::WaitingStrip(std::function<ContactPtr()> shownContact, QWidget *pa
     row->addWidget(label, 1);
     row->addWidget(button);
     connect(button, &QPushButton::clicked, this, [this] {
-        if (const ContactPtr shown = contact())
-            askAgain(shown, WaitingFor::tasksOf(*shown));
+        const ContactPtr shown = contact();
+        const std::vector<TaskPtr> tasks = shown ? WaitingFor::tasksOf(*shown) : std::vector<TaskPtr>();
+        if (openAskingMail(shown, tasks))
+            WaitingFor::noteAsking(tasks);
     });
     soon.setSingleShot(true);
     connect(&soon, &QTimer::timeout, this, &WaitingStrip::load);
@@ -55,5 +56,6 @@ void WaitingStrip::load()
     const QString words =
         shown && shown->context() && !shown->isDeleted() ? WaitingFor::inWords(*shown) : QString();
     label->setText(words);
-    setVisible(!words.isEmpty());
+    // Before it stands in its pane it would come up as a window.
+    setHidden(words.isEmpty());
 }

@@ -11,9 +11,9 @@
 
 class QLabel;
 
-/// Asks a contact about tasks that they have: opens a mail draft and notes the asking. Nothing is noted where
-/// no program takes the draft.
-void askAgain(const ContactPtr &contact, const std::vector<TaskPtr> &tasks);
+/// Opens the draft of a mail that asks a contact about tasks. False where no program takes it, which the user
+/// is told.
+bool openAskingMail(const ContactPtr &contact, const std::vector<TaskPtr> &tasks);
 
 /// A line in the pane about a contact: what they have been given to do, since when, and when they were asked
 /// about it, with a button that asks again. It is not there for who has nothing to do.
