@@ -263,6 +263,18 @@ void ContactImport::addPicture(const ContactPtr &row, const CNContact &contact)
     row->setPhotoName(name);
 }
 
+void ContactImport::meet(const CNContact &contact)
+{
+    const QString first = oneLine(contact.givenName);
+    const QString last = oneLine(contact.familyName);
+    account.existing.append(fullNameWith(first, last));
+    const RowId row = contacts.value(keyOf(first, last));
+    CNContact card = contact;
+    card.imageData.clear();
+    if (row != 0)
+        met.emplace_back(row, std::move(card));
+}
+
 void ContactImport::compareExisting()
 {
     ManagedObjectContext &context = mainContext();
@@ -275,7 +287,8 @@ void ContactImport::compareExisting()
                                             organiserModel().requireEntity(EntityContacts::entityName), rows);
     for (std::size_t place = 0; place < met.size(); ++place) {
         const ContactPtr contact = loaded.at(static_cast<int>(place));
-        if (!contact)
+        // Two cards of one contact are compared as the first of them is.
+        if (!contact || places.contains(contact->identifier()))
             continue;
         places.insert(contact->identifier(), comparisons.size());
         comparisons.push_back({.card = &met[place].second,

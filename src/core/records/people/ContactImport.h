@@ -47,6 +47,8 @@ public:
     /// Imports one contact with its company, phones, mail, postal and web addresses and its picture. The new
     /// row, or null: the account says why.
     ContactPtr importContactToDataBase(const CNContact &contact);
+    /// A contact that the user was told is there already: it is compared, and never imported.
+    void meet(const CNContact &contact);
     /// Something that could not even be read.
     void refuse(const QString &sentence) { account.refused.append(sentence); }
 

@@ -153,15 +153,26 @@ int ImportableContacts::percentRead() const
 void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
                                     const StepBlock &step, bool &isStopped)
 {
-    std::vector<int> wanted;
-    for (const MarkedRows::Key key : rows.marked()) {
-        const Candidate &one = candidates[static_cast<std::size_t>(key - 1)];
-        if (one.origin == origin)
-            wanted.push_back(one.card);
-    }
+    struct Wanted
+    {
+        int card;
+        MarkedRows::Key key;
+        bool isMarked;
+    };
+    std::vector<Wanted> wanted;
+    const auto want = [&](const auto &keys, bool areMarked) {
+        for (const MarkedRows::Key key : keys) {
+            const Candidate &one = candidates[static_cast<std::size_t>(key - 1)];
+            if (one.origin == origin)
+                wanted.push_back({one.card, key, areMarked});
+        }
+    };
+    want(rows.marked(), true);
     if (wanted.empty() || isStopped)
         return;
-    std::ranges::sort(wanted);
+    // The account says of those that are there what they lack.
+    want(known, false);
+    std::ranges::sort(wanted, {}, &Wanted::card);
     const ContactCards::Opened opened = origins[origin].open();
     if (!opened.device) {
         import.refuse(localized(u"\"%1\" cannot be read: %2."_s)
@@ -172,11 +183,20 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
     int number = 0;
     auto next = wanted.begin();
     for (auto card = cards.next(); card && next != wanted.end(); card = cards.next(), ++number) {
-        if (number != *next)
+        if (number != next->card)
             continue;
-        ++next;
-        if (const ContactPtr contact = import.importContactToDataBase(contactFrom(*card)))
-            index.add(contact);
+        const Wanted one = *next++;
+        const CNContact contact = contactFrom(*card);
+        if (titleOf(contact) != entries[static_cast<std::size_t>(one.key - 1)].title) {
+            import.refuse(localized(u"\"%1\" has changed since it was read."_s).arg(origins[origin].name()));
+            return;
+        }
+        if (!one.isMarked) {
+            import.meet(contact);
+            continue;
+        }
+        if (const ContactPtr row = import.importContactToDataBase(contact))
+            index.add(row);
         isStopped = step && !step();
         if (isStopped)
             return;
