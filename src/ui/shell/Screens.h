@@ -20,8 +20,8 @@ struct ScreenDescription
     /// In English; empty for the groups of contacts, which are called as the user calls them.
     const char16_t *title;
     const char16_t *icon;
-    /// Makes the screen; null for one whose kind of record is described, for a heading of the sidebar, and for
-    /// the groups of contacts.
+    /// Makes the screen; null for one whose kind of record is described, for a heading of the sidebar, and
+    /// for the groups of contacts.
     TabsViewController *(*make)() = nullptr;
     /// The entity whose records a search finds here; empty for none.
     std::string_view shows = {};

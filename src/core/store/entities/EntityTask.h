@@ -126,8 +126,8 @@ public:
     MANAGED_TO_ONE(EntityCategory, category, setCategory)
     /// Null for none; a form fills in that of the contact.
     MANAGED_TO_ONE(EntityCompany, company, setCompany)
-    /// The contact that it is delegated to; null for nobody. Whoever it is given to has it since then, and was
-    /// not asked about it yet.
+    /// The contact that it is delegated to; null for nobody. Whoever it is given to has it since then, and
+    /// was not asked about it yet.
     MANAGED_TO_ONE(EntityContacts, delegateToUser, setDelegateToUser)
     /// Since when that contact has it; absent for nobody, and for what was delegated before this was kept.
     MANAGED_DATE(delegatedSince, setDelegatedSince)
