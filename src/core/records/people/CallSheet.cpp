@@ -36,10 +36,8 @@ std::vector<CallSheet::Number> CallSheet::numbers() const
             if (item.isEmpty() || found.size() == mostNumbers)
                 continue;
             const auto type = phone->type();
-            found.push_back({!owner.isEmpty() ? owner
-                             : type           ? type->title()
-                                              : QString(),
-                             item.text(), item.link()});
+            const QString typeInWords = type ? localized(type->title()) : QString();
+            found.push_back({owner.isEmpty() ? typeInWords : owner, item.text(), item.link()});
         }
     };
     if (const ContactPtr person = contact()) {
