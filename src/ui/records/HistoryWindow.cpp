@@ -30,7 +30,7 @@ HistoryWindow::HistoryWindow(const ObjectPtr &record, QWidget *parent)
     setObjectName(u"HistoryWindow"_s);
     setWindowTitle(localized(u"History of %1"_s).arg(history.title()));
     setAttribute(Qt::WA_DeleteOnClose);
-    // It goes before the record behind it does.
+    // The user does nothing else to the record meanwhile.
     setWindowModality(Qt::WindowModal);
     table->setObjectName(u"tableHistory"_s);
     table->setAccessibleName(windowTitle());

@@ -35,7 +35,7 @@ CallSheetWindow::CallSheetWindow(const ObjectPtr &called, QWidget *parent)
     setObjectName(u"CallSheetWindow"_s);
     setWindowTitle(localized(u"Call Sheet: %1"_s).arg(sheet.title()));
     setAttribute(Qt::WA_DeleteOnClose);
-    // It goes before the record behind it does.
+    // The user does nothing else to the record meanwhile.
     setWindowModality(Qt::WindowModal);
     column->setContentsMargins(sheetMargin, sheetMargin, sheetMargin, sheetMargin);
     column->setSpacing(Theme::unit);
