@@ -186,6 +186,17 @@ TEST(VCardReaderTest, ReadsFiftyMegabytesCardByCard)
     EXPECT_LT(timer.elapsed(), 60'000);
 }
 
+TEST(VCardReaderTest, IsNotHeldUpByALineThatIsFoldedOverAndOver)
+{
+    QByteArray folded = "NOTE";
+    for (int fold = 0; fold < 400'000; ++fold)
+        folded += "\r\n =";
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(texts(card(folded) + card("FN:Ann"), "FN"), QStringList(u"Ann"_qs));
+    EXPECT_LT(timer.elapsed(), 10'000) << "Each fold is looked at once";
+}
+
 TEST(VCardReaderTest, RefusesACardThatNeverEndsAndGoesOn)
 {
     for (const QByteArray &pattern :

@@ -3,6 +3,8 @@
 
 #include "filters/ContactGroups.h"
 #include "foundation/Clock.h"
+#include "records/DetailStack.h"
+#include "records/RecordPane.h"
 #include "records/RecordWindow.h"
 #include "records/TaskManager.h"
 #include "records/people/Birthdays.h"
@@ -10,6 +12,7 @@
 #include "shell/people/CallSheetWindow.h"
 #include "shell/people/WaitingForViewController.h"
 #include "shell/people/WindowAddContactsGroup.h"
+#include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/CheckList.h"
 #include "widgets/MVSegmentView.h"
@@ -166,6 +169,39 @@ TEST_F(ChaseTest, AListAndAGroupAreMadeAboveThePeople)
     QTest::mouseClick(&find<QPushButton>(members, "buttonDone"), Qt::LeftButton);
     ASSERT_TRUE(QTest::qWaitFor([&] { return DBWorker::allContactPrivateGroup().size() == 1; }));
     EXPECT_EQ(DBWorker::allContactPrivateGroup().at(0)->contacts(), std::vector<ContactPtr>({ann}));
+}
+
+TEST_F(ChaseTest, WhoLeavesTheListWhileTheyAreEditedIsNotAskedAbout)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    contact(u"Bob"_s);
+    MVContactGroup inactive;
+    inactive.title = u"Idle"_s;
+    inactive.criteria = 2;
+    inactive.allCompanies = true;
+    inactive.allCategories = true;
+    NotificationCenter::defaultCenter().post(notifications::saveNewContactGroup, inactive);
+    const auto shown = [this] {
+        const auto *list = qobject_cast<RecordListScreen *>(controller().currentScreen());
+        return list ? list->table()->model()->rowCount() : -1;
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown() == 2; }));
+    static_cast<TabsViewController &>(current()).selectItem(ann);
+    settle();
+    auto *pane = dynamic_cast<RecordPane *>(controller().detailStack()->top());
+    ASSERT_NE(pane, nullptr);
+    pane->clickButtonEdit();
+    auto *lastName = QApplication::focusWidget();
+    QTest::keyClicks(lastName, u"a"_s);
+    ASSERT_TRUE(pane->hasChanges());
+    // No question is scripted: one would fail the test.
+    give(u"Paint the door"_s, ann, 21);
+    settle();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown() == 1; }));
+    settle();
+    EXPECT_EQ(controller().detailStack()->top(), pane);
+    EXPECT_TRUE(pane->isEditing());
+    pane->dropEdit();
 }
 
 TEST_F(ChaseTest, BirthdaysAreToldInTimeAndLeadToWhoHasThem)

@@ -114,6 +114,10 @@ TEST_F(HistoryTest, WhatBelongedToAContactComesBack)
     EXPECT_TRUE(ofContact.restore(0, 0));
     ASSERT_EQ(contact->phone().size(), 1u);
     EXPECT_EQ(contact->phone()[0]->number(), u"+49 30 1234"_s);
+    for (std::size_t entry = 0; entry < ofContact.entries().size(); ++entry) {
+        for (std::size_t line = 0; line < ofContact.entries()[entry].lines.size(); ++line)
+            EXPECT_FALSE(ofContact.restore(entry, line)) << "It comes back once";
+    }
 
     RecordHistory ofProject(project);
     ASSERT_EQ(ofProject.entries()[0].lines.size(), 1u);
@@ -127,4 +131,45 @@ TEST_F(HistoryTest, WhatBelongedToAContactComesBack)
     EXPECT_EQ(ofProject.entries()[0].lines[0].before, u"(deleted since)"_s);
     EXPECT_FALSE(ofProject.entries()[0].lines[0].canRestore);
     EXPECT_FALSE(ofProject.restore(0, 0));
+}
+
+TEST_F(HistoryTest, AProjectIsOpenAgainAsIfItHadNeverBeenDone)
+{
+    ProjectPtr project;
+    at(10, ChangeAuthor::User, [&] {
+        project = context().insert<EntityProject>();
+        project->setTitle(u"House"_s);
+        project->setStatus(TaskStatus::Open);
+    });
+    at(11, ChangeAuthor::User, [&] {
+        project->setStatus(TaskStatus::Done);
+        project->setExpirationDate(localDate(2026, 11, 21, 11, 0));
+    });
+    RecordHistory history(project);
+    const auto &lines = history.entries()[0].lines;
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].label, u"Status"_s);
+    EXPECT_TRUE(history.restore(0, 0));
+    EXPECT_EQ(project->status(), TaskStatus::Open);
+    EXPECT_FALSE(project->expirationDate());
+}
+
+TEST_F(HistoryTest, AContactKeepsAName)
+{
+    ContactPtr contact;
+    at(10, ChangeAuthor::User, [&] {
+        contact = context().insert<EntityContacts>();
+        contact->setFirstName(u"Ada"_s);
+    });
+    at(11, ChangeAuthor::User, [&] {
+        contact->setLastName(u"Lovelace"_s);
+        contact->setFirstName({});
+    });
+    RecordHistory history(contact);
+    const auto &lines = history.entries()[0].lines;
+    const auto lastName = std::ranges::find(lines, u"Last Name"_s, &RecordHistory::Line::label);
+    ASSERT_NE(lastName, lines.end());
+    const ScriptedAlerts alerts({Alert::firstButton});
+    EXPECT_FALSE(history.restore(0, static_cast<std::size_t>(lastName - lines.begin())));
+    EXPECT_EQ(contact->lastName(), u"Lovelace"_s);
 }

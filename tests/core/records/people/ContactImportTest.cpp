@@ -9,6 +9,8 @@
 
 #include <QBuffer>
 #include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <random>
 
@@ -218,6 +220,38 @@ TEST_F(ImportingContacts, IsOneStepThatCanBeTakenBackAndEndsWhereTheUserWants)
     EXPECT_EQ(count<EntityContacts>() + count<EntityPhone>() + count<EntityCompany>(), 0);
     EXPECT_FALSE(context().redo());
     EXPECT_EQ(count<EntityPhone>(), 4);
+}
+
+TEST_F(ImportingContacts, StopsBetweenFilesAndTrustsNoneThatHasChanged)
+{
+    const QTemporaryDir folder;
+    const auto write = [&folder](const QString &name, const QByteArray &text) {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        return file.fileName();
+    };
+    ImportableContacts list;
+    for (const char *name : {"Ann", "Bob", "Cid"})
+        list.add(
+            ContactCards::ofFile(write(QString::fromUtf8(name), card(QByteArray("N:;") + name + ";;;"))));
+    while (list.readSome(1000)) {
+    }
+    list.list().markShown(true);
+    const ContactImportAccount stopped = list.import(png, [] { return false; });
+    EXPECT_TRUE(stopped.wasStopped);
+    EXPECT_EQ(count<EntityContacts>(), 1);
+
+    ImportableContacts changed;
+    const QString path = write(u"both"_qs, card("N:;Dan;;;") + card("N:;Eve;;;"));
+    changed.add(ContactCards::ofFile(path));
+    while (changed.readSome(1000)) {
+    }
+    changed.list().toggle(1);
+    write(u"both"_qs, card("N:;Eve;;;") + card("N:;Dan;;;"));
+    const ContactImportAccount account = changed.import(png);
+    EXPECT_EQ(account.added, 0) << "Nobody else comes in";
+    EXPECT_EQ(account.refused.size(), 1);
 }
 
 TEST_F(ImportingContacts, NamesEachPictureAndSaysWhichAreNone)
