@@ -12,7 +12,7 @@ class FloorsTest : public testing::Test
 protected:
     const QString sources = QStringLiteral(MORVANE_SOURCES);
     const QStringList platformFolders =
-        words(u"foundation objectstore eventkit contacts usernotifications ubiquity "
+        words(u"foundation objectstore replication eventkit contacts usernotifications ubiquity "
               u"workspace");
     const QStringList coreFolders = words(u"store records recurrence calendarsync cloud filters");
     /// The folders inside of core, the lowest first. Each may include those before it.

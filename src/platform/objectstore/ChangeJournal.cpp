@@ -92,15 +92,19 @@ OptionalError ChangeJournal::record(ChangeAuthor author, const QString &name,
 
 OptionalError ChangeJournal::recordInHistory(ChangeAuthor author)
 {
-    const QByteArray changeset = capturedChangeset();
+    return addToHistory(database, author, capturedChangeset())
+               ? std::nullopt
+               : OptionalError(database.lastError(QStringLiteral("Cannot keep history")));
+}
+
+bool ChangeJournal::addToHistory(sqlite::Database &database, ChangeAuthor author, const QByteArray &changeset)
+{
     if (changeset.isEmpty() || changeset.size() > largestInHistory)
-        return std::nullopt;
+        return true;
     sqlite::Statement added =
         database.prepare("INSERT INTO ObjectStoreHistory (savedAt, author, changeset) VALUES (?, ?, ?)");
     added.bind(Value(Clock::now())).bind(qint64(author)).bindBlob(changeset);
-    const bool isRecorded = added.run() && trimHistory();
-    return isRecorded ? std::nullopt
-                      : OptionalError(database.lastError(QStringLiteral("Cannot keep history")));
+    return added.run() && trimHistory(database);
 }
 
 bool ChangeJournal::dropUndone()
@@ -113,7 +117,7 @@ bool ChangeJournal::dropUndone()
            database.prepare("DELETE FROM ObjectStoreJournal WHERE isUndone = 1").run();
 }
 
-bool ChangeJournal::trimHistory()
+bool ChangeJournal::trimHistory(sqlite::Database &database)
 {
     sqlite::Statement heavy = database.prepare(
         "DELETE FROM ObjectStoreHistory WHERE sequence <= (SELECT sequence FROM (SELECT sequence, "

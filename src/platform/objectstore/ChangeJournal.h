@@ -1,6 +1,7 @@
 #pragma once
 
 #include "objectstore/ManagedObject.h"
+#include "objectstore/ManagedObjectContext.h"
 #include "objectstore/ManagedObjectModel.h"
 #include "objectstore/Outbox.h"
 #include "objectstore/Sqlite.h"
@@ -14,9 +15,6 @@ struct sqlite3_changeset_iter;
 
 /// Which way along the saves of the user.
 enum class ChangeJournalDirection { Undo, Redo };
-
-/// Gives a number for a row that comes into an entity's table.
-using RowNumbering = std::function<RowId(const EntityDescription &)>;
 
 /// One row that an undo or a redo changed.
 struct AppliedChange
@@ -72,6 +70,8 @@ public:
     OptionalError record(ChangeAuthor author, const QString &name, const std::vector<OutboxEntry> &outside);
     /// The same for a save that no undo takes back.
     OptionalError recordInHistory(ChangeAuthor author);
+    /// Adds a changeset that was captured by others; false on a failure.
+    static bool addToHistory(sqlite::Database &database, ChangeAuthor author, const QByteArray &changeset);
 
     bool hasEntry(Direction direction);
     /// What the user did in the step that would be applied; empty if it has no name.
@@ -90,7 +90,7 @@ private:
     sqlite::Statement nextEntry(Direction direction);
     bool dropUndone();
     bool trim();
-    bool trimHistory();
+    static bool trimHistory(sqlite::Database &database);
 
     sqlite::Database &database;
     const ManagedObjectModel &objectModel;

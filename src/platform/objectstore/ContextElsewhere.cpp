@@ -1,6 +1,7 @@
 #include "foundation/Log.h"
 #include "foundation/MainLoop.h"
 #include "objectstore/ChangeJournal.h"
+#include "objectstore/ChangeWriter.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "objectstore/RowsFromElsewhere.h"
 
@@ -45,8 +46,7 @@ void ManagedObjectContext::takeInChangesFromElsewhere()
 
 bool ManagedObjectContext::takeInRowsFromElsewhere(int limit)
 {
-    const bool isFree = !openTransaction && !isInTransaction && !isWriting && !hasWork();
-    if (!isFree || !rowsfromelsewhere::isAnyThere(*database))
+    if (!isFree() || !rowsfromelsewhere::isAnyThere(*database))
         return false;
     const Transaction taking(*this, ChangeAuthor::Replication);
     StoreChanges changes;
@@ -82,4 +82,34 @@ OptionalError ManagedObjectContext::applyRowsFromElsewhere(int limit, StoreChang
             changes.deleted.push_back(goneObject(*entity, row.identifier, row.row));
     }
     return commitRows(changes);
+}
+
+Result<StoreChanges> ManagedObjectContext::changeRows(const RowChanges &change)
+{
+    if (!isFree())
+        return Error{QStringLiteral("store"), 0, QStringLiteral("The store is being changed")};
+    const Transaction changing(*this, ChangeAuthor::Replication);
+    StoreChanges changes;
+    OptionalError error = begin();
+    if (!error) {
+        auto applied = change(*database, [this](const EntityDescription &entity) {
+            return ChangeWriter(*this).nextRow(entity);
+        });
+        if (applied) {
+            refreshAllObjects();
+            changes = changesOf(*applied);
+            error = commitRows(changes);
+        } else {
+            error = applied.error();
+        }
+    }
+    if (error) {
+        giveUpEffects();
+        rollBack();
+        refreshAllObjects();
+        return *error;
+    }
+    finishCommit();
+    tell(changes);
+    return changes;
 }

@@ -75,7 +75,16 @@ OptionalError ManagedObjectContext::begin()
         journal->startCapture();
     if (canBeUndone(author()))
         journal->setCapturing(!isJournalPaused);
+    if (commitLog)
+        commitLog->transactionBegan(*database);
     return std::nullopt;
+}
+
+void ManagedObjectContext::endCapture()
+{
+    journal->stopCapture();
+    if (commitLog)
+        commitLog->transactionEnded();
 }
 
 OptionalError ManagedObjectContext::write()
@@ -125,7 +134,7 @@ void ManagedObjectContext::rollBack()
 {
     for (RowDeletion &one : rowDeletions)
         one.isWritten = false;
-    journal->stopCapture();
+    endCapture();
     if (!database->isAutocommit())
         database->rollBack();
     isInTransaction = false;
@@ -249,7 +258,7 @@ OptionalError ManagedObjectContext::commit()
     }
     if (auto error = commitTransaction())
         return error;
-    journal->stopCapture();
+    endCapture();
     posted.clear();
     finishing.clear();
     return std::nullopt;
@@ -257,10 +266,15 @@ OptionalError ManagedObjectContext::commit()
 
 OptionalError ManagedObjectContext::commitTransaction()
 {
+    const auto writeLog = [this] { return commitLog ? commitLog->willCommit(*database) : OptionalError(); };
+    if (auto error = writeLog())
+        return error;
     bool isDone = !database->execute("COMMIT");
     if (!isDone && database->lastCode() == sqlite::missingReference) {
         // An object that is named here was deleted elsewhere. The name goes, and everything else is saved.
         if (auto error = clearReferencesToMissing())
+            return error;
+        if (auto error = writeLog())
             return error;
         isDone = !database->execute("COMMIT");
     }
@@ -438,7 +452,7 @@ void ManagedObjectContext::finishCommit()
 
 void ManagedObjectContext::reset()
 {
-    journal->stopCapture();
+    endCapture();
     if (!database->isAutocommit())
         database->rollBack();
     isInTransaction = false;

@@ -91,7 +91,7 @@ OptionalError ManagedObjectContext::commitRows(const StoreChanges &changes)
         return error;
     if (auto error = commitTransaction())
         return error;
-    journal->stopCapture();
+    endCapture();
     posted.clear();
     return std::nullopt;
 }
@@ -114,7 +114,7 @@ StoreChanges ManagedObjectContext::changesOf(const std::vector<AppliedChange> &a
             place->second.kind = one.kind;
     }
     StoreChanges changes;
-    changes.author = ChangeAuthor::Undo;
+    changes.author = author();
     for (const AppliedChange &one : applied) {
         const auto known = rows.extract({one.entity, one.identifier});
         if (known.empty())

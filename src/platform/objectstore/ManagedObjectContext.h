@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Error.h"
+#include "objectstore/CommitLog.h"
 #include "objectstore/FetchRequest.h"
 #include "objectstore/ManagedObject.h"
 #include "objectstore/ManagedObjectModel.h"
@@ -20,6 +21,8 @@ class ChangeJournal;
 enum class ChangeJournalDirection;
 struct RecordedSave;
 struct AppliedChange;
+/// Gives a number for a row that comes into an entity's table.
+using RowNumbering = std::function<RowId(const EntityDescription &)>;
 
 /// What has to happen with each commit, whoever makes it. The context calls it; exceptions to an order are
 /// not possible.
@@ -144,6 +147,9 @@ public:
     void refreshAllObjects();
     /// What every commit brings with it; null for nothing. It must live until it is replaced.
     void setCommitEffects(CommitEffects *wanted) { effects = wanted; }
+    /// What writes each commit down for other replicas of the store; null for nothing. It must live until it
+    /// is replaced. While a transaction is open, it cannot be replaced.
+    void setCommitLog(CommitLog *wanted) { commitLog = wanted; }
     void setMergePolicy(MergePolicy policy) { mergePolicy = policy; }
     /// Who makes the changes at present.
     ChangeAuthor author() const { return openTransaction ? openTransaction->author() : ChangeAuthor::User; }
@@ -160,6 +166,18 @@ public:
     /// entities that follow their links are told of, and only if a text or a link was written. While a
     /// transaction is open or something is to be saved, it does nothing. True if there are more.
     bool takeInRowsFromElsewhere(int limit);
+
+    /// What changes rows without objects, and which it changed. It gets the open transaction.
+    using RowChanges =
+        std::function<Result<std::vector<AppliedChange>>(sqlite::Database &, const RowNumbering &)>;
+    /// Changes rows without objects as a commit of its own of the author `Replication`, and gives what it
+    /// changed. While a transaction is open or something is to be saved, it does nothing: see `isFree`.
+    Result<StoreChanges> changeRows(const RowChanges &change);
+    /// Whether nothing is under way that another commit would come between.
+    bool isFree() const { return !openTransaction && !isInTransaction && !isWriting && !hasWork(); }
+    /// The connection, for the store's own books. Rows of entities are not changed through it but by
+    /// `changeRows`.
+    sqlite::Database &connection() { return *database; }
 
     // The outbox: changes of things outside of the store that belong to a commit.
     /// Adds one to the commit that is under way. For `CommitEffects::willCommit`.
@@ -277,6 +295,7 @@ private:
     OptionalError commitRows(const StoreChanges &changes);
     void tellOfChangesFromElsewhere();
     StoreChanges changesOf(const std::vector<AppliedChange> &applied);
+    void endCapture();
     /// Stands for a row that is no longer there.
     ObjectPtr goneObject(const EntityDescription &entity, const QString &id, RowId row);
 
@@ -317,6 +336,7 @@ private:
 
     std::unique_ptr<ChangeJournal> journal;
     CommitEffects *effects = nullptr;
+    CommitLog *commitLog = nullptr;
     Transaction *openTransaction = nullptr;
     std::vector<std::function<void()>> afterTransactions;
     bool isJournalPaused = false;

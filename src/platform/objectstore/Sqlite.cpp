@@ -133,6 +133,11 @@ Statement &Statement::bindRaw(const sqlite3_value *value)
     return *this;
 }
 
+sqlite3_value *Statement::raw(int column) const
+{
+    return sqlite3_column_value(handle, column);
+}
+
 bool Statement::step()
 {
     lastCode = handle ? sqlite3_step(handle) : SQLITE_MISUSE;

@@ -65,6 +65,8 @@ public:
     /// The same as bytes, good until the next step; without data for an absent text.
     std::string_view utf8(int column) const;
     QByteArray blob(int column) const;
+    /// The value as SQLite holds it, good until the next step.
+    sqlite3_value *raw(int column) const;
     /// The value of a column that is declared with a type. A value that does not fit the type is absent.
     Value value(int column, AttributeType type) const;
 
