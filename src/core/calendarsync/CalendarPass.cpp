@@ -190,6 +190,7 @@ Verdict verdictOn(const TaskPtr &row, const std::unordered_set<TaskPtr> &onlyTas
     facts.wasCreatedOffCalendar = row->wasCreatedOffCalendar().value_or(false);
     const OutOfSight found = facts.isCalendarChosen ? outOfSight(*row, window) : OutOfSight();
     facts.hasItemOutsideOfWindow = found.isThere;
+    facts.awaitsItem = CoreContext::current().awaitsCalendarItem(*row, row->calendarID());
     return {rowfate::decide(facts), found.moved};
 }
 
@@ -273,12 +274,15 @@ void runPass(const std::unordered_set<TaskPtr> &onlyTasks, bool isWithinCommand)
         const auto groups = EventReader::getEventsGroupedCalendarIDfromAllEvents(*events);
         // A first pass over many events lasts; half a pass would be no pass, so nothing stops it.
         const StepBlock step = passprogress::begin(groups.size());
+        QSet<QString> present;
         for (const std::vector<EKEvent> &group : groups) {
+            present.insert(group.front().calendarItemExternalIdentifier);
             authorship.turnTo(group.front().calendarItemExternalIdentifier);
             pass.take(group);
             if (step)
                 step();
         }
+        CoreContext::current().sawCalendarItems(present);
         const DateInterval seen = EventReader::window();
         for (const TaskPtr &row : pass.unclaimed()) {
             const auto [decision, moved] = verdictOn(row, onlyTasks, seen);

@@ -24,6 +24,8 @@ Decision decide(const Facts &facts)
         return *decision;
     if (!facts.isCalendarChosen)
         return {Fate::Stays, "its calendar is hidden"};
+    if (facts.awaitsItem)
+        return {Fate::Stays, "its event has not come here yet"};
     if (!facts.wasCreatedOffCalendar && !facts.hasItemOutsideOfWindow)
         return {Fate::Goes, "its event has gone"};
     if (!facts.allowsChanges)

@@ -24,6 +24,8 @@ struct Facts
     bool wasCreatedOffCalendar = false;
     /// Its calendar item, or the occurrence of that which it shows, starts before or after the window.
     bool hasItemOutsideOfWindow = false;
+    /// Another device made the row, and its calendar item was never seen on this one.
+    bool awaitsItem = false;
 };
 
 enum class Fate { Stays, Goes };

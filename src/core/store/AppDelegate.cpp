@@ -5,6 +5,7 @@
 #include "calendarsync/Reminder.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
+#include "cloud/Replication.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -54,6 +55,7 @@ AppDelegate::~AppDelegate()
     observations.clear();
     badgeTimer.reset();
     UserNotificationCenter::defaultUserNotificationCenter().close();
+    exchange.reset();
     for (auto &watcher : watchers)
         watcher.reset();
     for (auto &context : contexts)
@@ -68,11 +70,24 @@ void AppDelegate::fillContext()
     core->store = [this] { return &managedObjectContext(); };
     core->openedStore = [this] { return contexts[selectedStack()].get(); };
     core->hasAccessToCalendars = [] { return CalendarEvent::hasAccesToCalendar(); };
+    core->awaitsCalendarItem = [this](const ManagedObject &row, const QString &item) {
+        return exchange && exchange->awaitsCalendarItem(row, item);
+    };
+    core->sawCalendarItems = [this](const QSet<QString> &items) {
+        if (exchange)
+            exchange->sawCalendarItems(items);
+    };
     core->visibleCalendars = [this] {
         const QStringList references = CalendarCatalogue::visibleReferences();
         followVisibleCalendars(references);
         return references;
     };
+}
+
+void AppDelegate::startReplication()
+{
+    exchange = Replication::start(*contexts[ownStack],
+                                  [this](const StoreChanges &imported) { recordsCameIn(imported); });
 }
 
 void AppDelegate::followVisibleCalendars(QStringList references)
@@ -98,6 +113,8 @@ void AppDelegate::chooseStore()
         defaults.synchronize();
     }
     core->isSample = defaults.integer(settings::valueSwitchDatabase) == 1;
+    if (exchange)
+        exchange->setResting(core->isSample);
 }
 
 AppDelegate *AppDelegate::shared()
@@ -124,6 +141,8 @@ ManagedObjectContext &AppDelegate::managedObjectContext()
     if (!context) {
         context = openStore(storeFileName(stack));
         watchers[stack] = std::make_unique<StoreWatcher>(*context);
+        if (stack == ownStack)
+            startReplication();
     }
     return *context;
 }
@@ -135,6 +154,7 @@ bool AppDelegate::hasManagedObjectContext() const
 
 void AppDelegate::resetStack0()
 {
+    exchange.reset();
     watchers[ownStack].reset();
     contexts[ownStack].reset();
 }

@@ -19,6 +19,7 @@
 class CommitRoad;
 class IcloudManager;
 class Reminder;
+class Replication;
 
 /// What the root of the program needs of the screens. The shell gives an implementation, tests another.
 class ShellPort
@@ -111,6 +112,9 @@ public:
     /// From now on messages appear when they are due; what was missed appears now.
     void startUserNotifications(std::unique_ptr<NotificationPresenter> presenter);
     bool userNotificationCenterShouldPresentNotification() const { return true; }
+    /// The exchange with the user's other devices; null without a shared folder.
+    Replication *replication() { return exchange.get(); }
+
     /// A notification of the program was clicked; `taskId` is the URI of its task.
     void userNotificationCenterDidActivateNotification(const QString &taskId);
 
@@ -129,6 +133,8 @@ private:
     /// in different places, and tells whether a pass may go ahead.
     static bool examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud);
     void removeDuplicatesOf(const ObjectPtr &object);
+    void startReplication();
+    void recordsCameIn(const StoreChanges &imported);
     /// Brings the index of substrings up to date, a little at each turn.
     void tendSearchIndexSoon();
 
@@ -139,6 +145,7 @@ private:
     /// The user's own store and the sample store.
     std::array<std::unique_ptr<ManagedObjectContext>, 2> contexts;
     std::array<std::unique_ptr<StoreWatcher>, 2> watchers;
+    std::unique_ptr<Replication> exchange;
     std::unique_ptr<IcloudManager> cloud;
     std::unique_ptr<Reminder> reminders;
     Observation storeSetting;

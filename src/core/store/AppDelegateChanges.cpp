@@ -1,3 +1,5 @@
+#include "cloud/Replication.h"
+#include "foundation/Log.h"
 #include "records/SearchIndex.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
@@ -19,6 +21,8 @@ void AppDelegate::managedObjectContexLocalChangeData(const StoreChanges &changes
     if (changes.concerns(EntityTask::entityName))
         badgeUpdataSoon();
     tendSearchIndexSoon();
+    if (exchange && !changes.isUnknown)
+        exchange->look();
     NotificationCenter::defaultCenter().post(notifications::contextDidSave, changes);
 }
 
@@ -45,6 +49,13 @@ void AppDelegate::mergeChanges(const StoreChanges &imported)
     DBWorker::tellOfFailure(merge.commit());
     if (!imported.inserted.empty())
         badgeUpdata();
+}
+
+void AppDelegate::recordsCameIn(const StoreChanges &imported)
+{
+    Log::line(QStringLiteral("Persistent store update"));
+    mergeChanges(imported);
+    NotificationCenter::defaultCenter().post(notifications::iCloudChange);
 }
 
 void AppDelegate::removeDuplicatesOf(const ObjectPtr &object)

@@ -3,6 +3,7 @@
 #include "calendarsync/CalendarOutbox.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
+#include "cloud/Replication.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -173,6 +174,8 @@ void AppDelegate::activate()
 {
     UserDefaults &defaults = UserDefaults::standard();
     managedObjectContext().lookForChangesFromElsewhere();
+    if (exchange)
+        exchange->look();
     {
         Transaction upgrade(managedObjectContext(), ChangeAuthor::Program);
         CalendarEvent::handleBeforeAllCalendarsSync();
@@ -239,6 +242,8 @@ void AppDelegate::applicationWillTerminate()
     // What fails now the user has heard of, or nobody can be told.
     DBWorker::saveContext().ignore();
     CalendarOutbox::carryOutFor(managedObjectContext(), patienceAtQuit);
+    if (exchange)
+        exchange->finish();
     noteRung();
     UserDefaults::standard().synchronize();
 }

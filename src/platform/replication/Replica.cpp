@@ -78,17 +78,19 @@ OptionalError Replica::load(const QByteArray &machine)
 {
     if (auto error = RowLedger::createTables(database))
         return error;
-    if (auto error = database.execute("CREATE TABLE IF NOT EXISTS ObjectStoreReplicas (device TEXT PRIMARY "
-                                      "KEY NOT NULL, name TEXT, number "
-                                      "INTEGER NOT NULL DEFAULT 0, time INTEGER NOT NULL DEFAULT 0, seen "
-                                      "TEXT NOT NULL DEFAULT '', machine "
-                                      "TEXT) WITHOUT ROWID;"
-                                      "CREATE TABLE IF NOT EXISTS ObjectStoreOutgoing (number INTEGER "
-                                      "PRIMARY KEY, bytes BLOB NOT NULL, "
-                                      "isSent INTEGER NOT NULL DEFAULT 0);"
-                                      "CREATE INDEX IF NOT EXISTS ObjectStoreOutgoing_waiting ON "
-                                      "ObjectStoreOutgoing (number) WHERE isSent "
-                                      "= 0;"))
+    if (auto error = database.execute(
+            "CREATE TABLE IF NOT EXISTS ObjectStoreReplicas (device TEXT PRIMARY "
+            "KEY NOT NULL, name TEXT, number "
+            "INTEGER NOT NULL DEFAULT 0, time INTEGER NOT NULL DEFAULT 0, seen "
+            "TEXT NOT NULL DEFAULT '', machine "
+            "TEXT) WITHOUT ROWID;"
+            "CREATE TABLE IF NOT EXISTS ObjectStoreOutgoing (number INTEGER "
+            "PRIMARY KEY, bytes BLOB NOT NULL, "
+            "isSent INTEGER NOT NULL DEFAULT 0);"
+            "CREATE TABLE IF NOT EXISTS ObjectStoreWitnessed (item TEXT PRIMARY KEY NOT NULL) WITHOUT ROWID;"
+            "CREATE INDEX IF NOT EXISTS ObjectStoreOutgoing_waiting ON "
+            "ObjectStoreOutgoing (number) WHERE isSent "
+            "= 0;"))
         return error;
     sqlite::Statement all = database.prepare("SELECT device, number, time, machine FROM ObjectStoreReplicas");
     while (all.step()) {
@@ -226,6 +228,45 @@ std::vector<Device> Replica::devices() const
     return list;
 }
 
+bool Replica::isMadeElsewhere(const RowKey &key) const
+{
+    sqlite::Statement state =
+        database.prepare("SELECT device FROM ObjectStoreRowStates WHERE tbl = ? AND id = ?");
+    state.bind(QString::fromUtf8(key.table)).bind(key.id);
+    return state.step() && state.text(0).toUtf8() != own.device;
+}
+
+const QSet<QString> &Replica::witnessed()
+{
+    if (!seenItems) {
+        seenItems.emplace();
+        sqlite::Statement all = database.prepare("SELECT item FROM ObjectStoreWitnessed");
+        while (all.step())
+            seenItems->insert(all.text(0));
+    }
+    return *seenItems;
+}
+
+void Replica::witness(const QSet<QString> &items)
+{
+    const QSet<QString> fresh = QSet<QString>(items).subtract(witnessed());
+    if (fresh.isEmpty())
+        return;
+    // A part of what is under way, if something is.
+    const bool isOwn = database.isAutocommit();
+    if (isOwn && database.execute("BEGIN IMMEDIATE"))
+        return;
+    sqlite::Statement added = database.prepare("INSERT OR IGNORE INTO ObjectStoreWitnessed VALUES (?)");
+    for (const QString &item : fresh) {
+        added.reset();
+        added.bind(item).run();
+    }
+    added.reset();
+    if (isOwn && database.execute("COMMIT"))
+        database.rollBack();
+    seenItems->unite(fresh);
+}
+
 // What goes out.
 
 std::vector<Replica::Outgoing> Replica::outgoing(qsizetype mostBytes) const
@@ -239,6 +280,12 @@ std::vector<Replica::Outgoing> Replica::outgoing(qsizetype mostBytes) const
         size += list.back().bytes.size();
     }
     return list;
+}
+
+int Replica::unsentCount() const
+{
+    return static_cast<int>(
+        database.queryInteger("SELECT COUNT(*) FROM ObjectStoreOutgoing WHERE isSent = 0"));
 }
 
 std::optional<QByteArray> Replica::sent(qint64 number) const
@@ -358,6 +405,32 @@ TableColumns Replica::columnsOfTables()
     return columns;
 }
 
+OptionalError Replica::tellWhatIsKnown()
+{
+    if (!isFree())
+        return std::nullopt;
+    if (auto error = database.execute("BEGIN IMMEDIATE"))
+        return error;
+    const Dot next{own.device, own.number + 1};
+    const qint64 time = nextTime();
+    VersionVector then = known;
+    then.add(next.device, next.number);
+    OptionalError error = addOutgoing(fileOf({}, time, next));
+    if (!error)
+        error = writeOwn(next.number, time, then);
+    if (!error)
+        error = database.execute("COMMIT");
+    if (error) {
+        if (!database.isAutocommit())
+            database.rollBack();
+        return error;
+    }
+    own = next;
+    clock = time;
+    known = std::move(then);
+    return std::nullopt;
+}
+
 /// The values stand in their tables already; the books follow.
 OptionalError Replica::writeBooks(const std::vector<RowDelta> &deltas)
 {
@@ -443,7 +516,7 @@ ChangeFile Replica::fileOf(const QByteArray &changeset, qint64 time, const Dot &
 
 bool Replica::isReady(const ChangeFile &file) const
 {
-    return file.schema <= model.version() && known.of(file.dot.device) + 1 == file.dot.number &&
+    return !isOfNewerVersion(file) && known.of(file.dot.device) + 1 == file.dot.number &&
            known.covers(file.seen);
 }
 
@@ -472,7 +545,7 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
             while (isMoving && taken < mostChanges) {
                 isMoving = false;
                 for (auto file = rest.begin(); file != rest.end() && taken < mostChanges;) {
-                    if (known.of(file->dot.device) >= file->dot.number) {
+                    if (isKnown(*file)) {
                         file = rest.erase(file);
                         continue;
                     }

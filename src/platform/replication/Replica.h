@@ -4,6 +4,8 @@
 #include "objectstore/ManagedObjectContext.h"
 #include "replication/ChangeFile.h"
 
+#include <QSet>
+
 #include <deque>
 
 struct sqlite3_session;
@@ -52,6 +54,7 @@ public:
     };
     /// In order, at most so many bytes but at least one save.
     std::vector<Outgoing> outgoing(qsizetype mostBytes) const;
+    int unsentCount() const;
     /// Whether the store keeps a save of this device, so that it can be sent again.
     std::optional<QByteArray> sent(qint64 number) const;
     OptionalError markSent(qint64 number);
@@ -63,8 +66,13 @@ public:
     /// their device knew of. The others stay in the list; those that are known already leave it. \param
     /// mostChanges about so many at once
     Result<StoreChanges> takeIn(std::deque<ChangeFile> &waiting, int mostChanges);
-    /// Whether one of them can be taken in.
-    bool isReady(const ChangeFile &file) const;
+    /// Whether it can be taken in now, or is known already.
+    bool isNext(const ChangeFile &file) const { return isKnown(file) || isReady(file); }
+    bool isOfNewerVersion(const ChangeFile &file) const { return file.schema > model.version(); }
+    /// Whether nothing is under way in the store that this would come between.
+    bool isFree() const { return context.isFree(); }
+    /// Tells the others what this device knows by now, with a save that changes nothing.
+    OptionalError tellWhatIsKnown();
     /// Looks once more at rows that wait for others. For what a save of this device brought back.
     bool hasUnsettled() const { return !unsettled.empty(); }
     Result<StoreChanges> settle();
@@ -73,11 +81,19 @@ public:
     /// another.
     OptionalError becomeAnother();
 
+    /// Whether the row was made by another device.
+    bool isMadeElsewhere(const RowKey &key) const;
+    /// Texts that this device keeps for itself: things outside of the store that it has seen.
+    const QSet<QString> &witnessed();
+    void witness(const QSet<QString> &items);
+
     void transactionBegan(sqlite::Database &database) override;
     OptionalError willCommit(sqlite::Database &database) override;
     void transactionEnded() override;
 
 private:
+    bool isReady(const ChangeFile &file) const;
+    bool isKnown(const ChangeFile &file) const { return known.of(file.dot.device) >= file.dot.number; }
     Replica(ManagedObjectContext &replicated, QString deviceName);
     OptionalError load(const QByteArray &machine);
     OptionalError startAs(const QByteArray &machine);
@@ -104,6 +120,7 @@ private:
     bool isTakingIn = false;
     TableColumns columns;
     std::set<RowKey> unsettled;
+    std::optional<QSet<QString>> seenItems;
 
     /// What the open transaction will have brought when it ends.
     struct Pending

@@ -244,9 +244,9 @@ bool RowMerge::settle(const RowKey &key)
     if (isPair(key)) {
         const auto ends = endsOf(key);
         const bool isWanted = isAlive(key) && isAlive(ends[0]) && isAlive(ends[1]);
-        if (isWanted == isInTable(key))
-            return true;
-        return isWanted ? showPair(key) : hidePair(key);
+        if (!isWanted)
+            return hidePair(key);
+        return isInTable(key) || showPair(key);
     }
     const bool isWanted = isAlive(key);
     if (isWanted != isInTable(key)) {
@@ -385,6 +385,8 @@ bool RowMerge::showPair(const RowKey &key)
 bool RowMerge::hidePair(const RowKey &key)
 {
     const auto ends = endsOf(key);
+    if (!isInTable(key) && !ledger.row(key).parked.empty())
+        return true;
     sqlite::Statement text = database.prepare("SELECT ?, ?");
     if (!text.bind(ends[0].id).bind(ends[1].id).step())
         return false;

@@ -2,10 +2,12 @@
 
 #include "store/state/DataConteiner.h"
 
+#include <QSet>
 #include <QStringList>
 
 #include <functional>
 
+class ManagedObject;
 class ManagedObjectContext;
 
 /// What the rules and queries need of the running program: the root of the program fills one in, a test
@@ -34,6 +36,12 @@ public:
     std::function<QStringList()> visibleCalendars = [] { return QStringList(); };
     /// Tells whether the calendars can be used now.
     std::function<bool()> hasAccessToCalendars = [] { return false; };
+    /// Tells whether a row that lies on a calendar came from another device, and its event, by the identifier,
+    /// has not come to the calendars of this one yet.
+    std::function<bool(const ManagedObject &, const QString &)> awaitsCalendarItem =
+        [](const ManagedObject &, const QString &) { return false; };
+    /// Hears which events are in the calendars of this device.
+    std::function<void(const QSet<QString> &)> sawCalendarItems = [](const QSet<QString> &) {};
     /// Whether the store in use is that of the examples.
     bool isSample = false;
     /// Whether the program is in front of all others.

@@ -1,0 +1,64 @@
+#include "cloud/Replication.h"
+
+#include "foundation/Log.h"
+#include "ubiquity/UbiquityContainer.h"
+
+#include <QCryptographicHash>
+#include <QFileInfo>
+#include <QSysInfo>
+
+namespace {
+
+/// Tells this computer, and this place of the store on it, from others.
+QByteArray machineOf(const ManagedObjectContext &context)
+{
+    const QByteArray place = QFileInfo(context.path()).canonicalFilePath().toUtf8();
+    return QCryptographicHash::hash(QSysInfo::machineUniqueId() + ' ' + place, QCryptographicHash::Sha256)
+        .toHex();
+}
+
+} // namespace
+
+Replication::Replication(std::unique_ptr<replication::Replica> opened, Imported imported)
+    : replica(std::move(opened))
+    , exchange(std::make_unique<replication::ReplicaExchange>(
+          *replica, replication::ReplicaFolder(contentFolder()), std::move(imported)))
+{}
+
+QString Replication::contentFolder()
+{
+    return UbiquityContainer::path() + QStringLiteral("/Orrelin/Orrelin CoreData");
+}
+
+std::unique_ptr<Replication> Replication::start(ManagedObjectContext &context, Imported imported)
+{
+    if (UbiquityContainer::path().isEmpty())
+        return nullptr;
+    auto replica = replication::Replica::open(context, QSysInfo::machineHostName(), machineOf(context));
+    if (!replica) {
+        Log::line(replica.error().message);
+        return nullptr;
+    }
+    return std::unique_ptr<Replication>(new Replication(std::move(*replica), std::move(imported)));
+}
+
+void Replication::look()
+{
+    exchange->lookSoon();
+}
+
+void Replication::finish()
+{
+    exchange->sendNow();
+}
+
+bool Replication::awaitsCalendarItem(const ManagedObject &row, const QString &item)
+{
+    return !replica->witnessed().contains(item) &&
+           replica->isMadeElsewhere({row.entity().table(), row.identifier()});
+}
+
+void Replication::sawCalendarItems(const QSet<QString> &items)
+{
+    replica->witness(items);
+}

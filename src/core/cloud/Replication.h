@@ -1,0 +1,45 @@
+#pragma once
+
+#include "objectstore/ManagedObjectContext.h"
+#include "replication/ReplicaExchange.h"
+
+#include <QSet>
+
+#include <memory>
+
+/// The user's store as one of several: in step with those of the other devices, through the folder that they
+/// share. Main thread only.
+class Replication
+{
+public:
+    using Imported = std::function<void(const StoreChanges &)>;
+
+    /// Begins it for a store, if there is a shared folder; else gives null. A store that cannot take part is
+    /// told of in the log, and is used alone.
+    /// \param imported hears of each commit that brought in something from the others.
+    static std::unique_ptr<Replication> start(ManagedObjectContext &context, Imported imported);
+
+    /// Looks for what is new on both sides soon.
+    void look();
+    /// Sends what was saved; for the end of the program.
+    void finish();
+    /// While it rests, nothing goes out or comes in; what is saved is sent afterwards.
+    void setResting(bool isOn) { exchange->setResting(isOn); }
+
+    /// Whether the row of a calendar item was made by another device, and the item has never been seen here:
+    /// it may be still on its way.
+    bool awaitsCalendarItem(const ManagedObject &row, const QString &item);
+    /// Items that are in the calendars of this device.
+    void sawCalendarItems(const QSet<QString> &items);
+
+    replication::Health health() const { return exchange->health(); }
+    void setListener(std::function<void()> listener) { exchange->setListener(std::move(listener)); }
+    /// Where the devices meet.
+    static QString contentFolder();
+
+private:
+    explicit Replication(std::unique_ptr<replication::Replica> opened, Imported imported);
+
+    std::unique_ptr<replication::Replica> replica;
+    std::unique_ptr<replication::ReplicaExchange> exchange;
+};

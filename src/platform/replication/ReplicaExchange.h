@@ -1,0 +1,88 @@
+#pragma once
+
+#include "replication/Replica.h"
+#include "replication/ReplicaFolder.h"
+
+#include <QFileSystemWatcher>
+#include <QThreadPool>
+
+#include <functional>
+
+class RepeatingTimer;
+
+namespace replication {
+
+/// How the exchange with the other devices stands.
+struct Health
+{
+    struct Problem
+    {
+        QString path;
+        /// Why it cannot be taken in, in words.
+        QString reason;
+    };
+
+    std::vector<Device> devices;
+    /// Saves of this device that are not in the folder yet.
+    int unsent = 0;
+    /// Saves of others that wait for what has not come yet.
+    int waiting = 0;
+    std::vector<Problem> problems;
+    /// Why the folder cannot be used; empty if it can.
+    QString folderProblem;
+};
+
+/// Keeps a replica and the folder of the devices in step: what is saved here goes there soon, and what comes
+/// there is taken in. Files are read and written off the main thread; a file that cannot be read is tried
+/// again at each look, since it may not have come whole yet. Main thread.
+class ReplicaExchange
+{
+public:
+    using TakenIn = std::function<void(const StoreChanges &)>;
+
+    /// \param takenIn hears of each commit that brought in something.
+    ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn takenIn);
+    /// Waits for the file that is being written or read.
+    ~ReplicaExchange();
+    ReplicaExchange(const ReplicaExchange &) = delete;
+    ReplicaExchange &operator=(const ReplicaExchange &) = delete;
+
+    /// Looks for what is new on both sides, when the main loop comes round.
+    void lookSoon();
+    /// Sends what was saved, at once; for the end of the program.
+    void sendNow();
+    /// While it rests, nothing goes out or comes in.
+    void setResting(bool isOn);
+    Health health() const;
+    /// Called whenever the health may be another.
+    void setListener(std::function<void()> wanted) { listener = std::move(wanted); }
+
+private:
+    struct Round;
+    void startRound();
+    void finishRound(Round &round);
+    void takeInSome();
+    void checkOwnFiles(const std::vector<qint64> &numbers);
+    void follow();
+    void tell() const;
+
+    Replica &replica;
+    ReplicaFolder folder;
+    TakenIn takenIn;
+    std::function<void()> listener;
+    QThreadPool thread;
+    QFileSystemWatcher watcher;
+    std::unique_ptr<RepeatingTimer> timer;
+    std::deque<ChangeFile> waiting;
+    std::vector<Health::Problem> problems;
+    QString folderProblem;
+    bool isResting = false;
+    bool isRoundDue = false;
+    bool isRunning = false;
+    bool wantsAnother = false;
+    bool hasCheckedOwnFiles = false;
+    /// Whether this object is still there when the time comes.
+    std::shared_ptr<bool> living = std::make_shared<bool>(true);
+};
+
+} // namespace replication

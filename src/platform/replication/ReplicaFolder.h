@@ -1,0 +1,46 @@
+#pragma once
+
+#include "foundation/Error.h"
+#include "replication/Stamp.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace replication {
+
+/// The folder through which devices exchange their saves, and which another program replicates. Each device
+/// writes into a folder of its own, one file for each save, which never changes once it has its name. Other
+/// files are left alone: what is still being transferred, and what a replicating program makes of conflicts,
+/// has other names. Any thread.
+class ReplicaFolder
+{
+public:
+    struct Entry
+    {
+        DeviceId device;
+        qint64 number = 0;
+        QString path;
+    };
+
+    explicit ReplicaFolder(QString contentFolder)
+        : folder(std::move(contentFolder))
+    {}
+
+    const QString &path() const { return folder; }
+    /// Whether the folder is there or can be made.
+    OptionalError prepare() const;
+    OptionalError write(const Dot &dot, const QByteArray &bytes) const;
+    /// The saves beyond those that are known, in the order of their numbers.
+    std::vector<Entry> list(const VersionVector &beyond) const;
+    /// The numbers of all saves of one device that are there.
+    std::vector<qint64> numbersOf(const DeviceId &device) const;
+    /// The folders that change when something new comes.
+    QStringList watchedFolders() const;
+    QString pathOf(const Dot &dot) const;
+
+private:
+    QString folder;
+};
+
+} // namespace replication
