@@ -62,3 +62,12 @@ void Replication::sawCalendarItems(const QSet<QString> &items)
 {
     replica->witness(items);
 }
+
+std::vector<replication::Replica::Orphan> Replication::orphansOf(std::string_view entity,
+                                                                 std::string_view attribute) const
+{
+    const auto bytes = [](std::string_view text) {
+        return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+    };
+    return replica->orphansOf(bytes(entity), bytes(attribute));
+}

@@ -32,6 +32,10 @@ public:
     /// Items that are in the calendars of this device.
     void sawCalendarItems(const QSet<QString> &items);
 
+    /// References to rows of an entity that have gone, with the text that those had in an attribute.
+    std::vector<replication::Replica::Orphan> orphansOf(std::string_view entity,
+                                                        std::string_view attribute) const;
+
     replication::Health health() const { return exchange->health(); }
     void setListener(std::function<void()> listener) { exchange->setListener(std::move(listener)); }
     /// Where the devices meet.

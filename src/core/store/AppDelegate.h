@@ -133,6 +133,8 @@ private:
     /// in different places, and tells whether a pass may go ahead.
     static bool examineAccess(bool hasCalendar, bool hasCloud, bool isCalendarInCloud);
     void removeDuplicatesOf(const ObjectPtr &object);
+    /// Gives children whose row was joined with another one of its title to that.
+    void adoptOrphans();
     void startReplication();
     void recordsCameIn(const StoreChanges &imported);
     /// Brings the index of substrings up to date, a little at each turn.

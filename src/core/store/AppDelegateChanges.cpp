@@ -40,12 +40,55 @@ void AppDelegate::tendSearchIndexSoon()
     });
 }
 
+/// Whether tasks of the Inbox may have come to the place of others.
+static bool concernsPositions(const StoreChanges &changes)
+{
+    const auto isTask = [](const ObjectPtr &object) {
+        return object->entity().name() == EntityTask::entityName;
+    };
+    return std::ranges::any_of(changes.inserted, isTask) ||
+           std::ranges::any_of(changes.updated, [&](const StoreChanges::Update &one) {
+               return isTask(one.object) &&
+                      one.columns.test(static_cast<size_t>(EntityTask::column<"position">()));
+           });
+}
+
+/// Another device can have filed something under a row that was joined with its double meanwhile.
+void AppDelegate::adoptOrphans()
+{
+    if (!exchange)
+        return;
+    for (const std::string_view entity :
+         {EntityCategory::entityName, EntityContactCategory::entityName, EntityPhoneType::entityName,
+          EntityEmailType::entityName, EntityAddressType::entityName, EntityURLType::entityName}) {
+        for (const auto &orphan : exchange->orphansOf(entity, "title")) {
+            const EntityDescription *holder = managedObjectContext().model().entityOfTable(
+                std::string_view(orphan.row.table.constData(), static_cast<size_t>(orphan.row.table.size())));
+            const ObjectPtr child =
+                holder ? managedObjectContext().object(holder->name(), orphan.row.id) : nullptr;
+            const int column =
+                child ? holder->columnOf(std::string_view(orphan.column.constData(),
+                                                          static_cast<size_t>(orphan.column.size())))
+                      : -1;
+            if (column < 0 || holder->isAttribute(column) || child->related(column))
+                continue;
+            const auto heirs = managedObjectContext().fetchObjects(
+                FetchRequest(entity).where(Predicate::format("title = %@", orphan.formerText)));
+            if (heirs.size() > 0)
+                child->setRelated(column, heirs.objectAt(0));
+        }
+    }
+}
+
 void AppDelegate::mergeChanges(const StoreChanges &imported)
 {
     Transaction merge(managedObjectContext(), ChangeAuthor::Replication);
     SearchIndex::follow(imported);
     for (const ObjectPtr &object : imported.inserted)
         removeDuplicatesOf(object);
+    adoptOrphans();
+    if (concernsPositions(imported))
+        DBWorker::makePositionsDistinct();
     DBWorker::tellOfFailure(merge.commit());
     if (!imported.inserted.empty())
         badgeUpdata();
@@ -56,24 +99,4 @@ void AppDelegate::recordsCameIn(const StoreChanges &imported)
     Log::line(QStringLiteral("Persistent store update"));
     mergeChanges(imported);
     NotificationCenter::defaultCenter().post(notifications::iCloudChange);
-}
-
-void AppDelegate::removeDuplicatesOf(const ObjectPtr &object)
-{
-    if (object->isDeleted() || !object->context())
-        return;
-    if (const auto task = std::dynamic_pointer_cast<EntityTask>(object))
-        deleteDuplicateTaskTypeWith(task);
-    else if (const auto category = std::dynamic_pointer_cast<EntityCategory>(object))
-        deleteDuplicateCategoryWith(category);
-    else if (const auto contactCategory = std::dynamic_pointer_cast<EntityContactCategory>(object))
-        deleteDuplicateCategoryContactWith(contactCategory);
-    else if (const auto urlType = std::dynamic_pointer_cast<EntityURLType>(object))
-        deleteDuplicateUrlTypeWith(urlType);
-    else if (const auto phoneType = std::dynamic_pointer_cast<EntityPhoneType>(object))
-        deleteDuplicatePhoneTypeWith(phoneType);
-    else if (const auto emailType = std::dynamic_pointer_cast<EntityEmailType>(object))
-        deleteDuplicateEmailTypeWith(emailType);
-    else if (const auto addressType = std::dynamic_pointer_cast<EntityAddressType>(object))
-        deleteDuplicateAddressTypeWith(addressType);
 }

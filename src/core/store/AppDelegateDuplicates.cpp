@@ -143,6 +143,30 @@ bool staysBefore(const EntityTask &task, EntityTask &duplicate)
     return *task.creationDate() < *duplicate.creationDate();
 }
 
+/// What the user entered in the twin only goes on in the task that stays.
+void takeOverFrom(EntityTask &survivor, const EntityTask &twin)
+{
+    const auto isEmpty = [](const Value &value) {
+        const auto *text = std::get_if<QString>(&value);
+        return isAbsent(value) || (text && text->isEmpty());
+    };
+    const EntityDescription &entity = survivor.entity();
+    for (int column = 0; column < entity.columnCount(); ++column) {
+        if (!isEmpty(survivor.value(column)) || isEmpty(twin.value(column)))
+            continue;
+        if (entity.isAttribute(column))
+            survivor.setValue(column, twin.value(column));
+        else
+            survivor.setRelated(column, twin.related(column));
+    }
+    std::vector<std::shared_ptr<EntityTags>> tags = survivor.tags();
+    for (const auto &tag : twin.tags()) {
+        if (std::ranges::find(tags, tag) == tags.end())
+            tags.push_back(tag);
+    }
+    survivor.setTags(tags);
+}
+
 void makeCalendarItem(EntityTask &task)
 {
     const bool isOpen = task.status() != TaskStatus::Done;
@@ -206,8 +230,58 @@ void AppDelegate::deleteDuplicateTaskTypeWith(const TaskPtr &task)
         else if (!task->isDeleted())
             survivor = task;
         const TaskPtr deleted = stays ? duplicate : task;
+        takeOverFrom(stays ? *task : *duplicate, *deleted);
         Log::line(QStringLiteral("deleted: %1").arg(deleted->title()));
         managedObjectContext().deleteObject(deleted);
     }
     makeCalendarItem(*survivor);
+}
+
+/// Of rows with one title and one moment of creation every device must keep the same one.
+template <typename Entity>
+static std::shared_ptr<Entity> firstOfEqual(ManagedObjectContext &context, const std::shared_ptr<Entity> &row)
+{
+    std::shared_ptr<Entity> first = row;
+    const auto equal = context.fetch<Entity>(Entity::fetchRequest().where(
+        Predicate::format("title = %@ && creationDate = %@", row->title(), row->creationDate())));
+    for (const auto &one : equal) {
+        if (one && one->identifier() < first->identifier())
+            first = one;
+    }
+    return first;
+}
+
+/// The same of tasks, by all that makes them doubles.
+static TaskPtr firstOfEqualTasks(ManagedObjectContext &context, const TaskPtr &task)
+{
+    TaskPtr first = task;
+    for (const TaskPtr &one :
+         context.fetch<EntityTask>(EntityTask::fetchRequest().where(duplicatesOf(*task)))) {
+        const bool isEqual = one && one->creationDate() == task->creationDate() &&
+                             (one->category() == nullptr) == (task->category() == nullptr);
+        if (isEqual && one->identifier() < first->identifier())
+            first = one;
+    }
+    return first;
+}
+
+void AppDelegate::removeDuplicatesOf(const ObjectPtr &object)
+{
+    if (object->isDeleted() || !object->context())
+        return;
+    ManagedObjectContext &context = managedObjectContext();
+    if (const auto task = std::dynamic_pointer_cast<EntityTask>(object))
+        deleteDuplicateTaskTypeWith(firstOfEqualTasks(context, task));
+    else if (const auto category = std::dynamic_pointer_cast<EntityCategory>(object))
+        deleteDuplicateCategoryWith(firstOfEqual(context, category));
+    else if (const auto contactCategory = std::dynamic_pointer_cast<EntityContactCategory>(object))
+        deleteDuplicateCategoryContactWith(firstOfEqual(context, contactCategory));
+    else if (const auto urlType = std::dynamic_pointer_cast<EntityURLType>(object))
+        deleteDuplicateUrlTypeWith(firstOfEqual(context, urlType));
+    else if (const auto phoneType = std::dynamic_pointer_cast<EntityPhoneType>(object))
+        deleteDuplicatePhoneTypeWith(firstOfEqual(context, phoneType));
+    else if (const auto emailType = std::dynamic_pointer_cast<EntityEmailType>(object))
+        deleteDuplicateEmailTypeWith(firstOfEqual(context, emailType));
+    else if (const auto addressType = std::dynamic_pointer_cast<EntityAddressType>(object))
+        deleteDuplicateAddressTypeWith(firstOfEqual(context, addressType));
 }

@@ -228,6 +228,19 @@ std::vector<Device> Replica::devices() const
     return list;
 }
 
+std::vector<Replica::Orphan> Replica::orphansOf(const QByteArray &table, const QByteArray &column) const
+{
+    std::vector<Orphan> orphans;
+    sqlite::Statement found = database.prepare(
+        "SELECT holder.tbl, holder.id, holder.col, gone.value FROM ObjectStoreParked gone JOIN "
+        "ObjectStoreParked "
+        "holder ON holder.value = gone.id WHERE gone.tbl = ? AND gone.col = ? AND holder.tbl <> gone.tbl");
+    found.bind(QString::fromUtf8(table)).bind(QString::fromUtf8(column));
+    while (found.step())
+        orphans.push_back({{found.text(0).toUtf8(), found.text(1)}, found.text(2).toUtf8(), found.text(3)});
+    return orphans;
+}
+
 bool Replica::isMadeElsewhere(const RowKey &key) const
 {
     sqlite::Statement state =

@@ -81,6 +81,16 @@ public:
     /// another.
     OptionalError becomeAnother();
 
+    /// A reference to a row that has gone, in a row that is there.
+    struct Orphan
+    {
+        RowKey row;
+        QByteArray column;
+        /// What the row that has gone said in the column that was asked for.
+        QString formerText;
+    };
+    /// Those that name rows of a table.
+    std::vector<Orphan> orphansOf(const QByteArray &table, const QByteArray &column) const;
     /// Whether the row was made by another device.
     bool isMadeElsewhere(const RowKey &key) const;
     /// Texts that this device keeps for itself: things outside of the store that it has seen.

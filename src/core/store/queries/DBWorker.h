@@ -198,6 +198,9 @@ public:
 
     // The order of the Inbox.
     static int maxPositionTaskInbox();
+    /// Parts tasks of the Inbox that have one position, on every device alike; those behind them move on as
+    /// far as they must. Saves nothing.
+    static void makePositionsDistinct();
     /// Moves the tasks at some rows of the list on the screen to the place of the task at `toIndex` (one past
     /// the end means the last), renumbers the whole Inbox from 1, and saves.
     static void newPositionInboxTask(const std::set<int> &rows, int toIndex,

@@ -132,6 +132,24 @@ TaskBadges DBWorker::taskBadges()
     return badges;
 }
 
+void DBWorker::makePositionsDistinct()
+{
+    std::vector<TaskPtr> tasks;
+    for (const TaskPtr &task : mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(
+             Predicate::format("startDate ==  nil and type == %d and position != nil", TaskType::ToDo))))
+        tasks.push_back(task);
+    const auto place = [](const TaskPtr &task) {
+        return std::pair(task->position().value_or(0), task->identifier());
+    };
+    std::ranges::sort(tasks,
+                      [&](const TaskPtr &one, const TaskPtr &other) { return place(one) < place(other); });
+    for (size_t next = 1; next < tasks.size(); ++next) {
+        const auto before = tasks[next - 1]->position().value_or(0);
+        if (tasks[next]->position().value_or(0) <= before)
+            tasks[next]->setPosition(before + 1);
+    }
+}
+
 int DBWorker::maxPositionTaskInbox()
 {
     const FetchRequest all = EntityTask::fetchRequest().where(

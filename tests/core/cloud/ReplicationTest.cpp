@@ -1,0 +1,308 @@
+#include "TwoDevices.h"
+
+#include "calendarsync/CalendarEvent.h"
+#include "eventkit/EKEventStore.h"
+#include "eventkit/FolderBackend.h"
+#include "foundation/UserDefaults.h"
+#include "records/TaskManager.h"
+#include "records/copies/MVTask.h"
+#include "store/state/SettingsKeys.h"
+#include "support/TestSupport.h"
+#include "workspace/PlatformConfiguration.h"
+
+#include <set>
+
+// The user goes from one computer to the other and back.
+
+namespace {
+
+class ReplicationTest : public testing::Test
+{
+protected:
+    TaskPtr add(const QString &title)
+    {
+        MVTask task;
+        task.title = title;
+        task.type = TaskType::ToDo;
+        task.status = TaskStatus::Open;
+        task.priority = Priority::None;
+        task.save();
+        EXPECT_FALSE(DBWorker::saveContext());
+        return task.task();
+    }
+    TaskPtr find(const QString &title)
+    {
+        return devices.context().fetchFirst<EntityTask>(
+            EntityTask::fetchRequest().where(Predicate::format("title = %@", title)));
+    }
+    void save() { EXPECT_FALSE(DBWorker::saveContext()); }
+    CategoryPtr category(const QString &title)
+    {
+        return devices.context().fetchFirst<EntityCategory>(
+            EntityCategory::fetchRequest().where(Predicate::format("title = %@", title)));
+    }
+    int count(const char *entity) { return devices.context().count(FetchRequest(entity)); }
+    QStringList inbox()
+    {
+        QStringList titles;
+        for (const TaskPtr &task : DBWorker::allInboxTasks())
+            titles.append(task->title());
+        return titles;
+    }
+    QString firstCategory()
+    {
+        const auto all = devices.context().fetch<EntityCategory>(EntityCategory::fetchRequest());
+        return all.isEmpty() ? QString() : all.first()->title();
+    }
+
+    FrozenClock clock{localDate(2026, 11, 21, 9, 15)};
+    TwoDevices devices;
+};
+
+/// Both computers follow calendars, each in a folder of its own that stands for the copy that it has of them.
+class ReplicatedCalendars : public ReplicationTest
+{
+protected:
+    ReplicatedCalendars()
+    {
+        for (const QTemporaryDir &root : calendars)
+            QDir().mkpath(root.path() + u"/Local/Home"_qs);
+        UserDefaults::standard().setObject(settings::savedChooseCalendars, u"Home"_qs);
+    }
+    ~ReplicatedCalendars() override
+    {
+        devices.end();
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(nullptr);
+        PlatformConfiguration::setAuthorization(u"events"_qs, 0);
+        for (const QString &key :
+             {settings::savedChooseCalendars, settings::defaultCalendar, settings::dictionaryCalendarsData,
+              settings::eventsAtLastPass, settings::calendarsWithKeptRows, settings::knownCalendars,
+              settings::calendarReferences, settings::calendarSuccessors, settings::lostNamesAreFound})
+            UserDefaults::standard().removeObject(key);
+    }
+
+    void turnTo(int home)
+    {
+        devices.end();
+        CalendarEvent::resetEventStore();
+        EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(calendars[home].path()));
+        PlatformConfiguration::setAuthorization(u"events"_qs, 3);
+        devices.turnTo(home);
+        devices.program().applicationDidBecomeActive();
+        devices.settle();
+    }
+    QStringList events(int home) const
+    {
+        return QDir(calendars[home].path() + u"/Local/Home"_qs).entryList({u"*.ics"_qs});
+    }
+    /// The server of the account brings one computer what the other one has.
+    void carryEvents(int from, int to)
+    {
+        const QString target = calendars[to].path() + u"/Local/Home/"_qs;
+        for (const QString &name : events(to)) {
+            if (!events(from).contains(name))
+                QFile::remove(target + name);
+        }
+        for (const QString &name : events(from)) {
+            QFile::remove(target + name);
+            EXPECT_TRUE(QFile::copy(calendars[from].path() + u"/Local/Home/"_qs + name, target + name));
+        }
+    }
+    void addOnCalendar(const QString &title)
+    {
+        const TaskPtr task = add(title);
+        MVTask copy(task);
+        copy.type = TaskType::Appointment;
+        copy.startDate = localDate(2026, 11, 23, 10, 0);
+        copy.dueDate = localDate(2026, 11, 23, 11, 0);
+        copy.dueSomeDay = false;
+        EXPECT_TRUE(TaskManager::saveTaskTemp(copy, false));
+        save();
+        devices.settle();
+    }
+    int rows(const QString &title)
+    {
+        return devices.context().count(
+            EntityTask::fetchRequest().where(Predicate::format("title = %@", title)));
+    }
+
+    QTemporaryDir calendars[2];
+};
+
+} // namespace
+
+TEST_F(ReplicatedCalendars, ShowOneRowForEachEventWhoeverMadeItFirst)
+{
+    turnTo(0);
+    addOnCalendar(u"Dentist"_qs);
+    ASSERT_EQ(events(0).size(), 1);
+    // The row comes before its event has reached the calendars here.
+    turnTo(1);
+    EXPECT_EQ(rows(u"Dentist"_qs), 1) << "A pass leaves alone what it has never seen";
+    EXPECT_EQ(events(1).size(), 0);
+    carryEvents(0, 1);
+    turnTo(1);
+    EXPECT_EQ(rows(u"Dentist"_qs), 1);
+    // A new event comes to both by the server, and both make a row of it while they are apart.
+    const QString away = devices.sharedFolder() + u"/Orrelin"_qs;
+    addOnCalendar(u"Optician"_qs);
+    ASSERT_EQ(events(1).size(), 2);
+    devices.kill();
+    carryEvents(1, 0);
+    ASSERT_TRUE(QDir().rename(away, away + u"-away"_qs));
+    turnTo(0);
+    EXPECT_EQ(rows(u"Optician"_qs), 1) << "Made by the pass";
+    find(u"Optician"_qs)->setPriority(Priority::High);
+    save();
+    devices.settle();
+    devices.end();
+    const QDir second(away + u"/Orrelin CoreData"_qs);
+    for (const QString &device : second.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QDir(away + u"-away/Orrelin CoreData/"_qs + device).removeRecursively();
+        ASSERT_TRUE(QDir().rename(second.filePath(device), away + u"-away/Orrelin CoreData/"_qs + device));
+    }
+    ASSERT_TRUE(QDir(away).removeRecursively());
+    ASSERT_TRUE(QDir().rename(away + u"-away"_qs, away));
+    for (const int home : {1, 0, 1, 0}) {
+        turnTo(home);
+        for (const QString &title : {u"Dentist"_qs, u"Optician"_qs})
+            EXPECT_EQ(rows(title), 1) << home << qPrintable(title);
+        EXPECT_EQ(events(home).size(), 2);
+    }
+    // Another program deletes one: the row goes on both, and nothing brings it back.
+    turnTo(1);
+    for (const QString &name : events(1)) {
+        QFile file(calendars[1].path() + u"/Local/Home/"_qs + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        if (file.readAll().contains("Dentist"))
+            file.remove();
+    }
+    carryEvents(1, 0);
+    for (const int home : {0, 1, 0}) {
+        turnTo(home);
+        EXPECT_EQ(rows(u"Dentist"_qs), 0) << home;
+        EXPECT_EQ(rows(u"Optician"_qs), 1) << home;
+        EXPECT_EQ(events(home).size(), 1) << home;
+    }
+}
+
+TEST_F(ReplicationTest, TwoComputersHoldTheSameRecordsOnce)
+{
+    devices.turnTo(0);
+    const int categories = count("EntityCategory");
+    const int phoneTypes = count("EntityPhoneType");
+    ASSERT_GT(categories, 0);
+    const QString title = firstCategory();
+    add(u"Paint the door"_qs)->setCategory(category(title));
+    save();
+    devices.turnTo(1);
+    ASSERT_NE(find(u"Paint the door"_qs), nullptr);
+    EXPECT_EQ(count("EntityCategory"), categories) << "What both were born with is there once";
+    EXPECT_EQ(count("EntityPhoneType"), phoneTypes);
+    EXPECT_EQ(find(u"Paint the door"_qs)->category()->title(), title);
+    find(u"Paint the door"_qs)->setTitle(u"Paint the gate"_qs);
+    add(u"Call Ann"_qs);
+    save();
+    devices.turnTo(0);
+    EXPECT_EQ(count("EntityCategory"), categories);
+    EXPECT_NE(find(u"Paint the gate"_qs), nullptr);
+    EXPECT_EQ(find(u"Paint the gate"_qs)->category()->title(), title);
+    EXPECT_EQ(inbox().size(), 2);
+    // The search finds what came in.
+    EXPECT_EQ(
+        devices.context().count(
+            FetchRequest("EntitySearchIndex").where(Predicate::format("string contains[cd] %@", u"gate"_qs))),
+        1);
+}
+
+TEST_F(ReplicationTest, WhatIsFiledUnderADoubleThatWentStaysFiled)
+{
+    // The second computer files a task under its own category before it hears of the first one.
+    devices.turnTo(0);
+    const QString title = firstCategory();
+    const int categories = count("EntityCategory");
+    add(u"On the first"_qs)->setCategory(category(title));
+    save();
+    const QString away = devices.sharedFolder() + u"/Orrelin"_qs;
+    devices.end();
+    ASSERT_TRUE(QDir().rename(away, away + u"-away"_qs));
+    devices.turnTo(1);
+    add(u"On the second"_qs)->setCategory(category(title));
+    save();
+    devices.end();
+    // The stick of the second one is copied to where that of the first one is.
+    const QDir second(away + u"/Orrelin CoreData"_qs);
+    for (const QString &device : second.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+        ASSERT_TRUE(QDir().rename(second.filePath(device), away + u"-away/Orrelin CoreData/"_qs + device));
+    ASSERT_TRUE(QDir(away).removeRecursively());
+    ASSERT_TRUE(QDir().rename(away + u"-away"_qs, away));
+    for (const int home : {0, 1, 0, 1}) {
+        devices.turnTo(home);
+        EXPECT_EQ(count("EntityCategory"), categories);
+        for (const QString &task : {u"On the first"_qs, u"On the second"_qs}) {
+            ASSERT_NE(find(task), nullptr) << home;
+            ASSERT_NE(find(task)->category(), nullptr) << home << qPrintable(task);
+            EXPECT_EQ(find(task)->category()->title(), title);
+        }
+        // Both had the first place in the Inbox.
+        std::set<qint64> positions;
+        for (const TaskPtr &task : DBWorker::allInboxTasks())
+            positions.insert(task->position().value_or(0));
+        EXPECT_EQ(positions.size(), size_t(DBWorker::allInboxTasks().size()));
+    }
+}
+
+TEST_F(ReplicationTest, AnEditBeatsADeletionThatDidNotKnowOfIt)
+{
+    devices.turnTo(0);
+    add(u"Paint the door"_qs);
+    devices.turnTo(1);
+    ASSERT_NE(find(u"Paint the door"_qs), nullptr);
+    devices.end();
+    // Apart from each other: one edits, one deletes.
+    devices.turnTo(0);
+    const QString away = devices.sharedFolder() + u"/Orrelin"_qs;
+    find(u"Paint the door"_qs)->setDetails(u"in green"_qs);
+    save();
+    devices.kill();
+    ASSERT_TRUE(QDir().rename(away, away + u"-away"_qs));
+    devices.turnTo(1);
+    devices.context().deleteObject(find(u"Paint the door"_qs));
+    save();
+    devices.settle();
+    EXPECT_EQ(find(u"Paint the door"_qs), nullptr);
+    devices.end();
+    ASSERT_TRUE(QDir(away).removeRecursively());
+    ASSERT_TRUE(QDir().rename(away + u"-away"_qs, away));
+    for (const int home : {0, 1, 0}) {
+        devices.turnTo(home);
+        ASSERT_NE(find(u"Paint the door"_qs), nullptr) << home;
+        EXPECT_EQ(find(u"Paint the door"_qs)->details(), u"in green"_qs);
+    }
+}
+
+TEST_F(ReplicationTest, ACopiedOrRestoredStoreIsAnotherDevice)
+{
+    devices.turnTo(0);
+    add(u"Before the copy"_qs);
+    devices.end();
+    const QString store = devices.storePath(0);
+    const QString copy = devices.sharedFolder() + u"/copy.sqlite"_qs;
+    ASSERT_TRUE(QFile::copy(store, copy));
+    devices.turnTo(0);
+    add(u"After the copy"_qs);
+    devices.turnTo(1);
+    ASSERT_NE(find(u"After the copy"_qs), nullptr);
+    devices.end();
+    // The copy is put back, and the user goes on with it.
+    ASSERT_TRUE(QFile::remove(store) && QFile::copy(copy, store));
+    QFile::remove(store + u"-wal"_qs);
+    QFile::remove(store + u"-shm"_qs);
+    devices.turnTo(0);
+    EXPECT_NE(find(u"After the copy"_qs), nullptr) << "What was lost comes back from the folder";
+    add(u"After the return"_qs);
+    devices.turnTo(1);
+    for (const QString &title : {u"Before the copy"_qs, u"After the copy"_qs, u"After the return"_qs})
+        EXPECT_NE(find(title), nullptr) << qPrintable(title);
+}
