@@ -23,7 +23,7 @@ protected:
     /// The same of ui.
     const QStringList orderInUi = words(u"widgets filters records calendarviews shell/maps shell/tasks "
                                         u"shell/categories shell/notes shell/projects shell/search "
-                                        u"shell/calendars shell/contactimport shell/people "
+                                        u"shell/devices shell/calendars shell/contactimport shell/people "
                                         u"shell/home shell");
     const QStringList tradesOfPlatform =
         words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");

@@ -230,6 +230,12 @@ QStringList CalendarCatalogue::visibleReferences()
     return references;
 }
 
+bool CalendarCatalogue::isKnownReference(const QString &reference)
+{
+    return !calendarreferences::identifierOf(reference).isEmpty() ||
+           calendarOfIdentifier(reference).has_value();
+}
+
 std::optional<EKCalendar> CalendarCatalogue::calendarOfIdentifier(const QString &identifier)
 {
     if (identifier.isNull())

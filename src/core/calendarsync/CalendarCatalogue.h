@@ -47,6 +47,8 @@ public:
     /// All names of the chosen calendars, also those that they had before they were renamed, and those of
     /// chosen ones that are missing: their tasks are shown until the user has them removed.
     static QStringList visibleReferences();
+    /// Whether a reference is that of a calendar that this computer has, or had.
+    static bool isKnownReference(const QString &reference);
     /// The calendar that has or had such a name: a writable one only if it is chosen.
     static std::optional<EKCalendar> calendarOfIdentifier(const QString &identifier);
     static std::optional<EKCalendar> calendarOfTitle(const QString &title);

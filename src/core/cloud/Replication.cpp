@@ -19,8 +19,10 @@ QByteArray machineOf(const ManagedObjectContext &context)
 
 } // namespace
 
-Replication::Replication(std::unique_ptr<replication::Replica> opened, Imported imported)
-    : replica(std::move(opened))
+Replication::Replication(ManagedObjectContext &context, std::unique_ptr<replication::Replica> opened,
+                         Imported imported)
+    : store(context)
+    , replica(std::move(opened))
     , exchange(std::make_unique<replication::ReplicaExchange>(
           *replica, replication::ReplicaFolder(contentFolder()), std::move(imported)))
 {}
@@ -39,7 +41,7 @@ std::unique_ptr<Replication> Replication::start(ManagedObjectContext &context, I
         Log::line(replica.error().message);
         return nullptr;
     }
-    return std::unique_ptr<Replication>(new Replication(std::move(*replica), std::move(imported)));
+    return std::unique_ptr<Replication>(new Replication(context, std::move(*replica), std::move(imported)));
 }
 
 void Replication::look()
@@ -70,4 +72,18 @@ std::vector<replication::Replica::Orphan> Replication::orphansOf(std::string_vie
         return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
     };
     return replica->orphansOf(bytes(entity), bytes(attribute));
+}
+
+QStringList Replication::textsIn(std::string_view entity, std::string_view attribute) const
+{
+    const auto name = [](std::string_view text) {
+        return '"' + QByteArray(text.data(), static_cast<qsizetype>(text.size())) + '"';
+    };
+    QStringList texts;
+    sqlite::Statement all =
+        store.connection().prepare("SELECT DISTINCT " + name(attribute) + " FROM " + name(entity) +
+                                   " WHERE " + name(attribute) + " IS NOT NULL");
+    while (all.step())
+        texts.append(all.text(0));
+    return texts;
 }

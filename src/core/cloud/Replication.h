@@ -36,14 +36,19 @@ public:
     std::vector<replication::Replica::Orphan> orphansOf(std::string_view entity,
                                                         std::string_view attribute) const;
 
+    /// What the rows of an entity say in an attribute, each text once.
+    QStringList textsIn(std::string_view entity, std::string_view attribute) const;
+
     replication::Health health() const { return exchange->health(); }
     void setListener(std::function<void()> listener) { exchange->setListener(std::move(listener)); }
     /// Where the devices meet.
     static QString contentFolder();
 
 private:
-    explicit Replication(std::unique_ptr<replication::Replica> opened, Imported imported);
+    Replication(ManagedObjectContext &context, std::unique_ptr<replication::Replica> opened,
+                Imported imported);
 
+    ManagedObjectContext &store;
     std::unique_ptr<replication::Replica> replica;
     std::unique_ptr<replication::ReplicaExchange> exchange;
 };

@@ -78,10 +78,23 @@ void AppDelegate::fillContext()
             exchange->sawCalendarItems(items);
     };
     core->visibleCalendars = [this] {
-        const QStringList references = CalendarCatalogue::visibleReferences();
+        const QStringList references = CalendarCatalogue::visibleReferences() + referencesElsewhere();
         followVisibleCalendars(references);
         return references;
     };
+}
+
+const QStringList &AppDelegate::referencesElsewhere()
+{
+    if (!exchange || core->isSample) {
+        static const QStringList none;
+        return none;
+    }
+    if (!calendarsElsewhere) {
+        calendarsElsewhere = exchange->textsIn(EntityTask::entityName, "typeCalendarID");
+        calendarsElsewhere->removeIf(CalendarCatalogue::isKnownReference);
+    }
+    return *calendarsElsewhere;
 }
 
 void AppDelegate::startReplication()

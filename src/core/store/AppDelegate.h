@@ -136,6 +136,8 @@ private:
     /// Gives children whose row was joined with another one of its title to that.
     void adoptOrphans();
     void startReplication();
+    /// What lies on calendars that this computer has never had is shown: here nobody can choose them.
+    const QStringList &referencesElsewhere();
     void recordsCameIn(const StoreChanges &imported);
     /// Brings the index of substrings up to date, a little at each turn.
     void tendSearchIndexSoon();
@@ -158,6 +160,8 @@ private:
     std::shared_ptr<bool> isIndexDue = std::make_shared<bool>(false);
     SearchIndexSweep sweep;
     std::shared_ptr<bool> isActivationDue = std::make_shared<bool>(false);
+    /// How tasks name calendars that only other devices have; absent before the first look.
+    std::optional<QStringList> calendarsElsewhere;
     /// Sorted; absent before the first look.
     std::optional<QStringList> formerVisibleCalendars;
 };

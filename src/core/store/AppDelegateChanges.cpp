@@ -1,6 +1,5 @@
 #include "cloud/Replication.h"
 #include "foundation/Log.h"
-#include "records/SearchIndex.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -83,7 +82,6 @@ void AppDelegate::adoptOrphans()
 void AppDelegate::mergeChanges(const StoreChanges &imported)
 {
     Transaction merge(managedObjectContext(), ChangeAuthor::Replication);
-    SearchIndex::follow(imported);
     for (const ObjectPtr &object : imported.inserted)
         removeDuplicatesOf(object);
     adoptOrphans();
@@ -98,5 +96,6 @@ void AppDelegate::recordsCameIn(const StoreChanges &imported)
 {
     Log::line(QStringLiteral("Persistent store update"));
     mergeChanges(imported);
+    calendarsElsewhere.reset();
     NotificationCenter::defaultCenter().post(notifications::iCloudChange);
 }

@@ -176,6 +176,7 @@ void AppDelegate::activate()
     managedObjectContext().lookForChangesFromElsewhere();
     if (exchange)
         exchange->look();
+    calendarsElsewhere.reset();
     {
         Transaction upgrade(managedObjectContext(), ChangeAuthor::Program);
         CalendarEvent::handleBeforeAllCalendarsSync();

@@ -75,6 +75,10 @@ protected:
         CalendarEvent::resetEventStore();
         EKEventStore::setSharedBackend(nullptr);
         PlatformConfiguration::setAuthorization(u"events"_qs, 0);
+        forgetCalendars();
+    }
+    static void forgetCalendars()
+    {
         for (const QString &key :
              {settings::savedChooseCalendars, settings::defaultCalendar, settings::dictionaryCalendarsData,
               settings::eventsAtLastPass, settings::calendarsWithKeptRows, settings::knownCalendars,
@@ -185,6 +189,29 @@ TEST_F(ReplicatedCalendars, ShowOneRowForEachEventWhoeverMadeItFirst)
         EXPECT_EQ(rows(u"Optician"_qs), 1) << home;
         EXPECT_EQ(events(home).size(), 1) << home;
     }
+}
+
+TEST_F(ReplicatedCalendars, WhatLiesOnACalendarThatOnlyTheOtherHasIsShown)
+{
+    turnTo(0);
+    addOnCalendar(u"Dentist"_qs);
+    ASSERT_TRUE(QDir(calendars[1].path() + u"/Local"_qs).rename(u"Home"_qs, u"Elsewhere"_qs));
+    // The settings of the other computer know nothing of the calendar either.
+    devices.end();
+    forgetCalendars();
+    const auto shown = [this] {
+        QStringList titles;
+        for (const TaskPtr &task : DBWorker::allNotDoneTasks())
+            titles.append(task->title());
+        return titles;
+    };
+    turnTo(1);
+    EXPECT_TRUE(shown().contains(u"Dentist"_qs));
+    EXPECT_EQ(rows(u"Dentist"_qs), 1);
+    // One that is there is for the user to choose.
+    ASSERT_TRUE(QDir(calendars[1].path() + u"/Local"_qs).rename(u"Elsewhere"_qs, u"Home"_qs));
+    turnTo(1);
+    EXPECT_FALSE(shown().contains(u"Dentist"_qs));
 }
 
 TEST_F(ReplicationTest, TwoComputersHoldTheSameRecordsOnce)

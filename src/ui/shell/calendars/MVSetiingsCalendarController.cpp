@@ -2,6 +2,7 @@
 
 #include "calendarsync/SyncSettings.h"
 #include "foundation/Localization.h"
+#include "shell/devices/DevicesWindow.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/FormCard.h"
@@ -13,6 +14,7 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
 
@@ -33,6 +35,7 @@ MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
     setUpAccess();
     setUpSync();
     setUpContacts();
+    setUpDevices();
     refresh();
     preferences =
         NotificationCenter::defaultCenter().addObserver(notifications::preferences, [this] { refresh(); });
@@ -142,6 +145,18 @@ void MVSetiingsCalendarController::setUpContacts()
                                    "be affected."_s));
     connect(order, &QButtonGroup::idClicked, this,
             &MVSetiingsCalendarController::actionRadioButtonDisplayOrder);
+}
+
+void MVSetiingsCalendarController::setUpDevices()
+{
+    QVBoxLayout &card =
+        *addCard(localized(u"Devices"_s),
+                 localized(u"Keep the same records on several computers, through a folder that "
+                           "another program replicates."_s));
+    auto *button = new QPushButton(localized(u"Devices…"_s));
+    button->setObjectName(u"buttonDevices"_s);
+    card.addWidget(button, 0, Qt::AlignLeft);
+    connect(button, &QPushButton::clicked, this, [this] { DevicesWindow::open(this); });
 }
 
 /// The choices may have changed on another device.

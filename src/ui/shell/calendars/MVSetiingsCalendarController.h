@@ -48,6 +48,7 @@ private:
                    const QString &title);
     void setUpSync();
     void setUpContacts();
+    void setUpDevices();
     void refresh();
     void actionRadioButtonSyncPeriod(int choice);
     void actionRadioButtonSyncFrequency(int choice);

@@ -1,0 +1,127 @@
+#include "cloud/DeviceHealth.h"
+
+#include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
+#include "workspace/PlatformConfiguration.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+using replication::Device;
+using replication::Health;
+
+namespace {
+
+const QString folderKey = QStringLiteral("cloudFolder");
+
+QString lastHeard(const Device &device)
+{
+    if (!device.lastSave)
+        return localized(QStringLiteral("Nothing was changed there yet"));
+    return localized(QStringLiteral("Last change: %1"))
+        .arg(DateFormatter::string(*device.lastSave, DateFormatter::Style::Medium,
+                                   DateFormatter::Style::Short));
+}
+
+/// How many saves of this device another one has not told of yet.
+qint64 behind(const Device &own, const Device &other)
+{
+    return std::max(qint64(0), own.number - other.seen.of(own.id));
+}
+
+DeviceHealth::Line lineOf(const Device &device, const Device &own)
+{
+    DeviceHealth::Line line{device.name.isEmpty() ? QString::fromUtf8(device.id) : device.name,
+                            lastHeard(device), device.isOwn};
+    if (device.isOwn)
+        line.title = localized(QStringLiteral("%1 (this computer)")).arg(line.title);
+    else if (const qint64 count = behind(own, device); count > 0)
+        line.detail +=
+            QStringLiteral(" · ") +
+            localized(QStringLiteral("changes it has not told of having: %1")).arg(QString::number(count));
+    return line;
+}
+
+} // namespace
+
+DeviceHealth DeviceHealth::of(const Replication *replication)
+{
+    if (replication)
+        return of(replication->health());
+    DeviceHealth health;
+    health.summary =
+        sharedfolder::path().isEmpty()
+            ? localized(QStringLiteral("Your records are on this computer only."))
+            : localized(QStringLiteral("The shared folder cannot be used: %1")).arg(sharedfolder::path());
+    health.isWrong = !sharedfolder::path().isEmpty() && !sharedfolder::isWaitingForStart();
+    return health;
+}
+
+DeviceHealth DeviceHealth::of(const Health &health)
+{
+    DeviceHealth words;
+    const auto own = std::ranges::find_if(health.devices, &Device::isOwn);
+    std::vector<Device> devices = health.devices;
+    std::ranges::stable_sort(devices, [](const Device &one, const Device &other) {
+        if (one.isOwn != other.isOwn)
+            return one.isOwn;
+        return one.lastSave.value_or(Date()) > other.lastSave.value_or(Date());
+    });
+    for (const Device &device : devices) {
+        if (own != health.devices.end())
+            words.devices.push_back(lineOf(device, *own));
+    }
+    for (const Health::Problem &problem : health.problems)
+        words.problems.push_back({QFileInfo(problem.path).fileName(), localized(problem.reason)});
+    words.isWrong = !health.folderProblem.isEmpty() || !health.problems.empty();
+    if (!health.folderProblem.isEmpty())
+        words.summary =
+            localized(QStringLiteral("The shared folder cannot be used: %1")).arg(health.folderProblem);
+    else if (!health.problems.empty())
+        words.summary = localized(QStringLiteral("Some files cannot be read yet."));
+    else if (health.unsent > 0)
+        words.summary = localized(QStringLiteral("Changes that are still to be written: %1"))
+                            .arg(QString::number(health.unsent));
+    else if (health.waiting > 0)
+        words.summary = localized(QStringLiteral("Changes that wait for others that have not come yet: %1"))
+                            .arg(QString::number(health.waiting));
+    else if (health.devices.size() < 2)
+        words.summary = localized(QStringLiteral("No other device has been heard of yet."));
+    else
+        words.summary = localized(QStringLiteral("Everything that has come is taken in."));
+    return words;
+}
+
+namespace sharedfolder {
+
+QString path()
+{
+    return PlatformConfiguration().text(folderKey);
+}
+
+static QString &pathInUse()
+{
+    static QString inUse = path();
+    return inUse;
+}
+
+OptionalError choose(const QString &path)
+{
+    // The one that the program began with is remembered before it is another.
+    pathInUse();
+    const QFileInfo folder(path);
+    if (!path.isEmpty() && !(folder.isDir() && folder.isWritable() && QDir::isAbsolutePath(path)))
+        return Error{QStringLiteral("files"), 0,
+                     localized(QStringLiteral("Morvane cannot write to the folder %1")).arg(path)};
+    PlatformConfiguration::setText(folderKey, path);
+    return std::nullopt;
+}
+
+bool isWaitingForStart()
+{
+    return path() != pathInUse();
+}
+
+} // namespace sharedfolder

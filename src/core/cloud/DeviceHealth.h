@@ -1,0 +1,45 @@
+#pragma once
+
+#include "cloud/Replication.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+/// How the exchange with the user's other devices stands, in words.
+struct DeviceHealth
+{
+    struct Line
+    {
+        QString title;
+        QString detail;
+        bool isOwn = false;
+    };
+
+    /// One sentence for all of it.
+    QString summary;
+    /// What is wrong needs the user.
+    bool isWrong = false;
+    /// This device first, then the others, who was heard of last first.
+    std::vector<Line> devices;
+    /// Files that could not be taken in, with the reason.
+    std::vector<Line> problems;
+
+    /// \param replication null without a shared folder.
+    static DeviceHealth of(const Replication *replication);
+    static DeviceHealth of(const replication::Health &health);
+};
+
+/// The folder that the user's devices share.
+namespace sharedfolder {
+
+/// Its path as it is set; empty for none.
+QString path();
+/// Sets it, or none by an empty path. It is used from the next start on. The error says why it cannot be
+/// used.
+OptionalError choose(const QString &path);
+/// Whether another one is set than the program uses.
+bool isWaitingForStart();
+
+} // namespace sharedfolder

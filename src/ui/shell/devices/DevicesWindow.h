@@ -1,0 +1,39 @@
+#pragma once
+
+#include "cloud/DeviceHealth.h"
+
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+class QVBoxLayout;
+
+/// The user's devices: which take part, when each was last heard of, what waits and what could not be read;
+/// and the folder that they share.
+class DevicesWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit DevicesWindow(QWidget *parent = nullptr);
+    ~DevicesWindow() override;
+
+    /// Shows the one window, making it if there is none.
+    static void open(QWidget *parent);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void refresh();
+    void addLines(QVBoxLayout &rows, const std::vector<DeviceHealth::Line> &lines);
+    void chooseFolder();
+    void leaveFolder();
+
+    QLabel *folder;
+    QLabel *hint;
+    QPushButton *leave;
+    QLabel *summary;
+    QVBoxLayout *devices;
+    QVBoxLayout *problems;
+    QWidget *problemCard;
+};
