@@ -229,8 +229,9 @@ void ReplicaExchange::follow()
 {
     const QStringList watched = watcher.directories();
     for (const QString &path : folder.watchedFolders()) {
-        if (!watched.contains(path))
-            watcher.addPath(path);
+        // What came there before it was watched is still to be looked for.
+        if (!watched.contains(path) && watcher.addPath(path))
+            lookSoon();
     }
 }
 
