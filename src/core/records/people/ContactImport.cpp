@@ -109,6 +109,7 @@ ContactImport::ContactImport(PngMaker toPng)
     , emailTypes(typesIn(DBWorker::allEmailType()))
     , addressTypes(typesIn(DBWorker::allAddressType()))
     , urlTypes(typesIn(DBWorker::allURLType()))
+    , categories(typesIn(DBWorker::allContactCategories()))
 {
     mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
         contacts.insert(keyOf(row.text(0), row.text(1)), row.rowId());
@@ -138,6 +139,15 @@ std::shared_ptr<EntityAddressType> ContactImport::addressTypeWith(const QString 
 std::shared_ptr<EntityURLType> ContactImport::urlsTypeWith(const QString &label) const
 {
     return typeOf(label, ContactLabels::url, urlTypes);
+}
+
+std::shared_ptr<EntityContactCategory> ContactImport::categoryNamed(const QString &title) const
+{
+    const auto found = std::ranges::find_if(categories, [&](const auto &category) {
+        return title.compare(category->title(), Qt::CaseInsensitive) == 0 ||
+               title.compare(localized(category->title()), Qt::CaseInsensitive) == 0;
+    });
+    return title.isEmpty() || found == categories.end() ? nullptr : *found;
 }
 
 CompanyPtr ContactImport::companyNamed(const QString &title)
@@ -194,6 +204,7 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     const QString company = oneLine(contact.organizationName);
     if (!company.isEmpty())
         row->setCompany(companyNamed(company));
+    row->setContactCategory(categoryNamed(contact.jobTitle));
     addDetails(row, contact);
     addPicture(row, contact);
     ++account.added;

@@ -44,8 +44,8 @@ public:
 
     explicit ContactImport(PngMaker toPng);
 
-    /// Imports one contact with its company, phones, mail, postal and web addresses and its picture. The new
-    /// row, or null: the account says why.
+    /// Imports one contact with its company, job title, phones, mail, postal and web addresses and its
+    /// picture. The new row, or null: the account says why.
     ContactPtr importContactToDataBase(const CNContact &contact);
     /// A contact that the user was told is there already: it is compared, and never imported.
     void meet(const CNContact &contact);
@@ -64,6 +64,9 @@ public:
     std::shared_ptr<EntityURLType> urlsTypeWith(const QString &label) const;
 
 private:
+    /// The category that a job title names, in English or in the user's language; null for any other job
+    /// title, as people are given one of the categories that there are.
+    std::shared_ptr<EntityContactCategory> categoryNamed(const QString &title) const;
     CompanyPtr companyNamed(const QString &title);
     void addDetails(const ContactPtr &row, const CNContact &contact);
     void addPicture(const ContactPtr &row, const CNContact &contact);
@@ -76,6 +79,7 @@ private:
     std::vector<std::shared_ptr<EntityEmailType>> emailTypes;
     std::vector<std::shared_ptr<EntityAddressType>> addressTypes;
     std::vector<std::shared_ptr<EntityURLType>> urlTypes;
+    std::vector<std::shared_ptr<EntityContactCategory>> categories;
     /// Rows of contacts by their two names, and of companies by their title; 0 for those that are new.
     QHash<QString, RowId> contacts;
     QHash<QString, RowId> companyRows;

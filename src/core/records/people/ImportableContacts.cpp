@@ -1,8 +1,6 @@
 #include "records/people/ImportableContacts.h"
 
 #include "calendarsync/RecordsTransaction.h"
-#include "contacts/VCardContact.h"
-#include "contacts/VCardReader.h"
 #include "foundation/Localization.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
@@ -77,11 +75,11 @@ bool ImportableContacts::openNext()
         return false;
     }
     device = std::move(opened.device);
-    reader = std::make_unique<VCardReader>(*device);
+    reader = ContactReader::of(cards.form(), *device);
     return true;
 }
 
-void ImportableContacts::take(const VCard &card)
+void ImportableContacts::take(const ContactReader::Entry &card)
 {
     const QString &origin = origins[nextOrigin - 1].name();
     const Candidate candidate{nextOrigin - 1, cardsOfOrigin++};
@@ -90,7 +88,7 @@ void ImportableContacts::take(const VCard &card)
             localized(u"The card in line %1 of \"%2\" is too large."_s).arg(card.line).arg(origin));
         return;
     }
-    const CNContact contact = contactFrom(card, CardImage::Leave);
+    const CNContact &contact = card.contact;
     const QString title = titleOf(contact);
     if (card.state == VCard::State::CutOff)
         sentences.append(
@@ -122,7 +120,7 @@ bool ImportableContacts::readSome(int milliseconds)
     do {
         if (!reader && !openNext())
             continue;
-        if (const auto card = reader->next()) {
+        if (const auto card = reader->next(CardImage::Leave)) {
             take(*card);
         } else {
             if (cardsOfOrigin == 0)
@@ -179,14 +177,18 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
                           .arg(origins[origin].name(), withoutEnd(opened.reason)));
         return;
     }
-    VCardReader cards(*opened.device);
+    const auto cards = ContactReader::of(origins[origin].form(), *opened.device);
     int number = 0;
     auto next = wanted.begin();
-    for (auto card = cards.next(); card && next != wanted.end(); card = cards.next(), ++number) {
-        if (number != next->card)
+    for (; next != wanted.end(); ++number) {
+        const bool isWanted = number == next->card;
+        const auto card = cards->next(isWanted ? CardImage::Read : CardImage::Leave);
+        if (!card)
+            break;
+        if (!isWanted)
             continue;
         const Wanted one = *next++;
-        const CNContact contact = contactFrom(*card);
+        const CNContact &contact = card->contact;
         if (titleOf(contact) != entries[static_cast<std::size_t>(one.key - 1)].title) {
             import.refuse(localized(u"\"%1\" has changed since it was read."_s).arg(origins[origin].name()));
             return;

@@ -13,9 +13,6 @@
 #include <deque>
 #include <vector>
 
-class VCardReader;
-struct VCard;
-
 /// The contacts of files and address books, of which the user marks those that are to be imported. Their
 /// cards are read bit by bit, so that a window stays awake, and read again for the import: pictures are held
 /// only while they are written. Main thread only.
@@ -56,7 +53,7 @@ private:
         int card;
     };
     bool openNext();
-    void take(const VCard &card);
+    void take(const ContactReader::Entry &card);
     void showRows();
     void importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
                     const StepBlock &step, bool &isStopped);
@@ -65,7 +62,7 @@ private:
     std::vector<ContactCards> origins;
     std::size_t nextOrigin = 0;
     std::unique_ptr<QIODevice> device;
-    std::unique_ptr<VCardReader> reader;
+    std::unique_ptr<ContactReader> reader;
     int cardsOfOrigin = 0;
     /// A contact has its place in here plus one for a key.
     std::vector<Candidate> candidates;

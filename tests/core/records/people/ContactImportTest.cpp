@@ -3,6 +3,7 @@
 #include "cloud/IcloudManager.h"
 #include "contacts/VCardContact.h"
 #include "contacts/VCardReader.h"
+#include "records/exchange/RecordExport.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ImportableContacts.h"
 #include "support/FullDisk.h"
@@ -373,7 +374,7 @@ TEST_F(ImportingContacts, TakesWhatWasExported)
     }
     ASSERT_FALSE(DBWorker::saveContext());
     const auto valuesOf = [](const EntityContacts &contact) {
-        CNContact values = ContactExport::contactOf(contact);
+        CNContact values = ContactExport().contactOf(contact);
         values.identifier.clear();
         const auto byValue = [](auto &all) {
             std::ranges::sort(all, {}, [](const auto &one) { return one.label + one.value; });
@@ -388,7 +389,11 @@ TEST_F(ImportingContacts, TakesWhatWasExported)
         wanted.push_back(valuesOf(*contact));
     QBuffer file;
     file.open(QIODevice::WriteOnly);
-    ASSERT_FALSE(ContactExport::write(file, contacts, {works}));
+    std::vector<RowId> rows;
+    for (const ContactPtr &one : contacts)
+        rows.push_back(one->rowId());
+    ASSERT_FALSE(RecordExport::write(file, ExportFormat::VCard, EntityContacts::entityName, rows));
+    ASSERT_FALSE(RecordExport::write(file, ExportFormat::VCard, EntityCompany::entityName, {works->rowId()}));
     for (const ContactPtr &contact : contacts)
         context().deleteObject(contact);
     context().deleteObject(works);
@@ -415,17 +420,21 @@ TEST_F(ImportingContacts, ExportsACompanyAsAnOrganization)
     QBuffer file;
     file.open(QIODevice::ReadWrite);
     int steps = 0;
-    ASSERT_FALSE(ContactExport::write(file, {}, {works, nullptr, works}, [&] { return ++steps < 1; }));
+    const std::vector<RowId> rows = {works->rowId(), works->rowId()};
+    const auto write = [&](QIODevice &device, const StepBlock &step) {
+        return RecordExport::write(device, ExportFormat::VCard, EntityCompany::entityName, rows, step);
+    };
+    ASSERT_FALSE(write(file, [&] { return ++steps < 1; }));
     EXPECT_EQ(file.data().count("BEGIN:VCARD"), 1) << "it ends where the user wants";
     file.seek(0);
     const auto card = VCardReader(file).next();
     ASSERT_TRUE(card);
-    EXPECT_EQ(contactFrom(*card), ContactExport::contactOf(*works));
-    EXPECT_EQ(ContactExport::contactOf(*works).phoneNumbers.front().label, CNLabel::workFax);
+    EXPECT_EQ(contactFrom(*card), ContactExport().contactOf(*works));
+    EXPECT_EQ(ContactExport().contactOf(*works).phoneNumbers.front().label, CNLabel::workFax);
     QBuffer closed;
     const QtMessageHandler former =
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    EXPECT_TRUE(ContactExport::write(closed, {}, {works}));
+    EXPECT_TRUE(write(closed, {}));
     qInstallMessageHandler(former);
 }
 
