@@ -94,6 +94,8 @@ Q_SIGNALS:
     void buttonAdd(ToolBarButton::ActionType type);
     /// The user wants to know why the selected task is here.
     void whyRequested();
+    /// A record of another kind is to be shown over the screen.
+    void recordWanted(const ObjectPtr &record);
     /// What the commands can do may have changed.
     void commandsChanged();
 

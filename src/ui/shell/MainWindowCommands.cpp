@@ -1,3 +1,4 @@
+#include "calendarviews/BirthdayDays.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/DetailStack.h"
@@ -161,6 +162,17 @@ void MainWindowController::bindCalendar()
     actions->bind(
         ActionId::Print, [this] { printScreen(); }, [this] { return screen && screen->canPrint(); });
     actions->bind(ActionId::CalendarGoToDate, [this] { goToDate(); });
+    actions->bind(ActionId::CalendarBirthdays, [this] {
+        BirthdayDays::setWanted(!BirthdayDays::areWanted());
+        nameBirthdays();
+    });
+    nameBirthdays();
+}
+
+void MainWindowController::nameBirthdays()
+{
+    actions->action(ActionId::CalendarBirthdays)
+        ->setText(localized(BirthdayDays::areWanted() ? u"Hide Birthdays"_s : u"Show Birthdays"_s));
 }
 
 void MainWindowController::goToDate()
