@@ -66,6 +66,15 @@ static ExportFormat formatOf(const QString &path, const QString &filter,
     return named != formats.end() ? *named : chosen != formats.end() ? *chosen : formats.front();
 }
 
+/// The name of the file decides its format, so it goes along when the user chooses another one.
+static void followFilter(QFileDialog &dialog, const QString &suffix)
+{
+    dialog.setDefaultSuffix(suffix);
+    const QStringList files = dialog.selectedFiles();
+    if (files.size() == 1 && !QFileInfo(files.front()).isDir())
+        dialog.selectFile(QFileInfo(files.front()).completeBaseName() + u'.' + suffix);
+}
+
 void ExportRecords::run(const Offer &offer, QWidget &window)
 {
     const std::vector<RowId> rows = rowsToExport(offer);
@@ -85,7 +94,7 @@ void ExportRecords::run(const Offer &offer, QWidget &window)
     dialog->selectFile(name.replace(u'/', u'-') + u'.' + suffix);
     QObject::connect(dialog, &QFileDialog::filterSelected, dialog,
                      [dialog, formats = offer.formats](const QString &filter) {
-                         dialog->setDefaultSuffix(exportformat::suffixOf(formatOf({}, filter, formats)));
+                         followFilter(*dialog, exportformat::suffixOf(formatOf({}, filter, formats)));
                      });
     QObject::connect(dialog, &QFileDialog::fileSelected, dialog, [dialog, offer, rows](const QString &path) {
         writeRecords(offer.entity, formatOf(path, dialog->selectedNameFilter(), offer.formats), rows, path);

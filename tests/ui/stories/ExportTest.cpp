@@ -82,6 +82,18 @@ TEST_F(ExportTest, WhatIsSelectedLeavesWhereTheUserSaysSo)
     EXPECT_TRUE(some.contains("SUMMARY:Two"));
     EXPECT_EQ(exported(u"all.ics"_s, ofTasks, {Alert::firstButton}).count("BEGIN:VTODO"), 3);
     EXPECT_EQ(exported(u"none.ics"_s, ofTasks, {Alert::thirdButton}), "no dialog");
+    // The name goes along with the format.
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        run(ActionId::Export);
+    }
+    auto *named = window().findChild<QFileDialog *>();
+    ASSERT_NE(named, nullptr);
+    EXPECT_TRUE(named->selectedFiles().front().endsWith(u"/Inbox.ics"_s));
+    named->selectNameFilter(ofTasks.back());
+    Q_EMIT named->filterSelected(ofTasks.back());
+    EXPECT_TRUE(named->selectedFiles().front().endsWith(u"/Inbox.csv"_s));
+    delete named;
     // A task that went while the file was chosen is left out.
     list.selectAll();
     run(ActionId::Export);
