@@ -15,9 +15,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+/// A card that names no person stands for its organization.
 QString titleOf(const CNContact &contact)
 {
-    return fullNameWith(contact.givenName, contact.familyName);
+    return contact.hasName() ? fullNameWith(contact.givenName, contact.familyName) : contact.organizationName;
 }
 
 QString withoutEnd(QString sentence)
@@ -34,6 +35,8 @@ ImportableContacts::ImportableContacts()
     mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
         present.insert(fullNameWith(row.text(0), row.text(1)));
     });
+    mainContext().visit(EntityCompany::fetchRequest(), {"title"},
+                        [&](const RowReader &row) { presentCompanies.insert(row.text(0)); });
 }
 
 ImportableContacts::~ImportableContacts() = default;
@@ -52,7 +55,6 @@ void ImportableContacts::clear()
     candidates.clear();
     entries.clear();
     known.clear();
-    organizations = 0;
     sentences.clear();
     rows.setMarked({});
     showRows();
@@ -96,17 +98,15 @@ void ImportableContacts::take(const ContactReader::Entry &card)
                 .arg(card.line)
                 .arg(origin));
     if (title.isEmpty()) {
-        if (!contact.organizationName.isEmpty())
-            ++organizations;
-        else
-            sentences.append(
-                localized(u"The card in line %1 of \"%2\" has no name."_s).arg(card.line).arg(origin));
+        sentences.append(
+            localized(u"The card in line %1 of \"%2\" has no name."_s).arg(card.line).arg(origin));
         return;
     }
     candidates.push_back(candidate);
     const auto key = static_cast<MarkedRows::Key>(candidates.size());
-    const bool isPresent = present.contains(title);
-    entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : contact.organizationName});
+    const bool isPresent = (contact.hasName() ? present : presentCompanies).contains(title);
+    const QString detail = contact.hasName() ? contact.organizationName : localized(u"Company"_s);
+    entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : detail});
     if (isPresent)
         known.insert(key);
 }
@@ -197,7 +197,9 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
             import.meet(contact);
             continue;
         }
-        if (const ContactPtr row = import.importContactToDataBase(contact))
+        if (!contact.hasName())
+            import.importCompany(contact);
+        else if (const ContactPtr row = import.importContactToDataBase(contact))
             index.add(row);
         isStopped = step && !step();
         if (isStopped)

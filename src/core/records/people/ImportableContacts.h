@@ -33,11 +33,10 @@ public:
     /// How much of what was added has been read, of 100.
     int percentRead() const;
 
-    /// The contacts by their full names. Those whose name is in the store are marked, and stay so.
+    /// The contacts by their full names, those of organizations by the names of these. Those whose name is in
+    /// the store are marked, and stay so.
     MarkedRows &list() { return rows; }
     const MarkedRows &list() const { return rows; }
-    /// How many contacts were read that have the name of an organization only, and are not offered.
-    int organizationCount() const { return organizations; }
     /// What could not be read, a sentence each.
     const QStringList &problems() const { return sentences; }
 
@@ -68,7 +67,7 @@ private:
     std::vector<Candidate> candidates;
     std::vector<MarkedRows::Entry> entries;
     QSet<QString> present;
+    QSet<QString> presentCompanies;
     std::unordered_set<MarkedRows::Key> known;
-    int organizations = 0;
     QStringList sentences;
 };

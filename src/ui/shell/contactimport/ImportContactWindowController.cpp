@@ -115,7 +115,8 @@ QWidget *ImportContactWindowController::makeSources()
     connect(popUpSources, &QComboBox::activated, this, &ImportContactWindowController::showSource);
     buttonOpen = new QPushButton(localized(u"Open..."_s));
     buttonOpen->setObjectName(u"buttonOpen"_s);
-    buttonOpen->setToolTip(localized(u"Read contacts from vCard or CSV files; they can also be dropped here."_s));
+    buttonOpen->setToolTip(
+        localized(u"Read contacts from vCard or CSV files; they can also be dropped here."_s));
     connect(buttonOpen, &QPushButton::clicked, this, &ImportContactWindowController::chooseFiles);
     auto *row = new QWidget;
     auto *line = new QHBoxLayout(row);
@@ -234,9 +235,8 @@ void ImportContactWindowController::chooseFiles()
     auto *dialog = new QFileDialog(this, localized(u"Open Contact Files"_s));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setNameFilters(
-        {localized(u"vCards and tables"_s) + u" (*.vcf *.VCF *.vcard *.csv *.CSV)"_s,
-         localized(u"All files"_s) + u" (*)"_s});
+    dialog->setNameFilters({localized(u"vCards and tables"_s) + u" (*.vcf *.VCF *.vcard *.csv *.CSV)"_s,
+                            localized(u"All files"_s) + u" (*)"_s});
     connect(dialog, &QFileDialog::filesSelected, this, &ImportContactWindowController::addFiles);
     dialog->open();
 }
@@ -305,8 +305,9 @@ QString ImportContactWindowController::emptyWords() const
         return localized(u"Reading your address books"_s);
     if (contacts.isReading())
         return localized(u"Reading the contacts"_s);
-    return sources.empty() ? localized(u"There is no address book. Open a file of contacts, or drop it here."_s)
-                           : localized(u"There is no contact that could be imported."_s);
+    return sources.empty()
+               ? localized(u"There is no address book. Open a file of contacts, or drop it here."_s)
+               : localized(u"There is no contact that could be imported."_s);
 }
 
 void ImportContactWindowController::showContent()
@@ -340,11 +341,6 @@ void ImportContactWindowController::showCounts()
     if (contacts.list().entryCount() > 0)
         sentences.append(
             localized(u"%1 of %2 contacts marked."_s).arg(marked).arg(contacts.list().entryCount()));
-    if (const int count = contacts.organizationCount(); count == 1)
-        sentences.append(localized(u"An organization is not listed, since it is no person."_s));
-    else if (count > 1)
-        sentences.append(
-            localized(u"%1 organizations are not listed, since they are no persons."_s).arg(count));
     const QStringList problems = failures + contacts.problems();
     sentences += problems.mid(0, mostSentences);
     if (problems.size() > mostSentences)

@@ -87,16 +87,15 @@ TEST_F(ImportingContacts, OffersThemUnderTheirLetters)
                             card("N:;Ágnes;;;") + card("ORG:Works\r\nFN:Works") + card("TEL:1") +
                             "BEGIN:VCARD\r\nN:Cut;;;;\r\nTEL:1";
     const auto list = listOf(text);
-    EXPECT_EQ(shown(list->list()), u"# 7even A Ágnes =Ann Lee B Bob Kay C Cut"_qs);
-    EXPECT_EQ(list->organizationCount(), 1);
+    EXPECT_EQ(shown(list->list()), u"# 7even A Ágnes =Ann Lee B Bob Kay C Cut W Works"_qs);
     EXPECT_EQ(
         list->problems(),
         (QStringList{u"The card in line 23 of \"Friends\" has no name."_qs,
                      u"The card in line 27 of \"Friends\" is cut off; what there is of it is shown."_qs}));
     list->list().markShown(true);
-    EXPECT_EQ(list->list().marked().size(), 4u) << "not what is there already";
+    EXPECT_EQ(list->list().marked().size(), 5u) << "not what is there already";
     UserDefaults::standard().setObject(settings::contactDisplayOrder, 1);
-    EXPECT_EQ(shown(listOf(text)->list()), u"# 7even A Ágnes C Cut K Kay Bob L =Lee Ann"_qs);
+    EXPECT_EQ(shown(listOf(text)->list()), u"# 7even A Ágnes C Cut K Kay Bob L =Lee Ann W Works"_qs);
 }
 
 TEST_F(ImportingContacts, WritesEveryFieldOfOne)
@@ -399,14 +398,44 @@ TEST_F(ImportingContacts, TakesWhatWasExported)
     context().deleteObject(works);
     ASSERT_FALSE(DBWorker::saveContext());
     const auto list = listOf(file.data());
-    EXPECT_EQ(list->organizationCount(), 1);
     list->list().markShown(true);
-    EXPECT_EQ(list->import(png).added, 40);
+    const ContactImportAccount account = list->import(png);
+    EXPECT_EQ(account.added, 40);
+    EXPECT_EQ(account.addedCompanies, 1);
     for (const CNContact &one : wanted) {
         const ContactPtr again = contact(one.givenName, one.familyName);
         ASSERT_TRUE(again) << qPrintable(one.givenName);
         EXPECT_EQ(valuesOf(*again), one) << qPrintable(one.givenName);
     }
+}
+
+TEST_F(ImportingContacts, MakesCompaniesOfOrganizations)
+{
+    const QByteArray text =
+        card("ORG:Works\r\nFN:Works\r\nTEL;TYPE=WORK:1\r\nADR;TYPE=WORK:;;1 Main St;Ulm;;;\r\n"
+             "PHOTO;ENCODING=b:" +
+             QByteArray("JPEG").toBase64()) +
+        card("N:Lee;Ann;;;\r\nORG:Works") + card("ORG:Works\r\nFN:Works\r\nTEL:2") +
+        card("ORG:Mill\r\nFN:Mill");
+    EXPECT_EQ(importAll(text).sentences(),
+              (QStringList{u"1 contact was imported."_qs, u"2 companies were imported."_qs,
+                           u"One was there already: Works."_qs}));
+    EXPECT_EQ(count<EntityCompany>(), 2);
+    const CompanyPtr works = EntityCompany::name(u"Works"_qs);
+    ASSERT_TRUE(works);
+    EXPECT_EQ(contact(u"Ann"_qs, u"Lee"_qs)->company(), works);
+    ASSERT_EQ(works->phone().size(), 1u) << "of the first card alone";
+    EXPECT_EQ(works->phone()[0]->number(), u"1"_qs);
+    EXPECT_EQ(works->address()[0]->city(), u"Ulm"_qs);
+    EXPECT_FALSE(works->photoName().isEmpty());
+    // Once more, both are there and stay as they are.
+    const auto list = listOf(text);
+    EXPECT_EQ(shown(list->list()), u"A =Ann Lee M =Mill W =Works =Works"_qs);
+    EXPECT_EQ(list->import(png).addedCompanies, 0);
+    EXPECT_EQ(count<EntityPhone>(), 1);
+    // The step is taken back as a whole.
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(count<EntityCompany>(), 0);
 }
 
 TEST_F(ImportingContacts, ExportsACompanyAsAnOrganization)
