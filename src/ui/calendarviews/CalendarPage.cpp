@@ -7,11 +7,18 @@
 #include "foundation/Clock.h"
 #include "foundation/Region.h"
 #include "records/dates/MVDate.h"
+#include "store/entities/MainContext.h"
+#include "store/entities/Model.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Animations.h"
+#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
+#include <QMenu>
+
 #include <utility>
+
+using namespace Qt::Literals::StringLiterals;
 
 CalendarPage::CalendarPage(QWidget *parent)
     : QWidget(parent)
@@ -26,7 +33,9 @@ CalendarPage::CalendarPage(QWidget *parent)
     NotificationCenter &center = NotificationCenter::defaultCenter();
     observations.push_back(center.addObserver(
         notifications::contextDidSave, [this](const StoreChanges &changes) { storeChanged(changes); }));
-    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { refreshSoon(); }));
+    observations.push_back(center.addObserver(notifications::iCloudChange, [this] { birthdaysChanged(); }));
+    observations.push_back(
+        center.addObserver(notifications::calendarBirthdays, [this] { birthdaysChanged(); }));
     observations.push_back(
         center.addObserver(notifications::changeSelectedTask, [this] { Q_EMIT selectionChanged(); }));
 }
@@ -72,6 +81,36 @@ void CalendarPage::storeChanged(const StoreChanges &changes)
 {
     if (changes.concerns(EntityTask::entityName) || changes.concerns(EntityCategory::entityName))
         refreshSoon();
+    if (changes.concerns(EntityContacts::entityName))
+        birthdaysChanged();
+}
+
+void CalendarPage::birthdaysChanged()
+{
+    birthdays.forget();
+    refreshSoon();
+}
+
+void CalendarPage::pressBirthdays(const BirthdayDays::List &pressed, const QPoint &globalPosition)
+{
+    if (pressed.size() == 1)
+        return showPerson(pressed.front().contact);
+    auto *menu = new QMenu(this);
+    menu->setObjectName(u"menuBirthdays"_s);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const Birthdays::Birthday &one : pressed)
+        menu->addAction(firstPart(Birthdays::inWords(one)).replace(u'&', u"&&"_s), this,
+                        [this, row = one.contact] { showPerson(row); });
+    menu->popup(globalPosition);
+}
+
+/// They may have gone while the menu stood.
+void CalendarPage::showPerson(RowId row)
+{
+    const ObjectList<EntityContacts> found(mainContext(),
+                                           organiserModel().requireEntity(EntityContacts::entityName), {row});
+    if (const ContactPtr contact = found.at(0))
+        Q_EMIT personWanted(contact);
 }
 
 void CalendarPage::refreshNow()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calendarviews/BirthdayDays.h"
 #include "foundation/NotificationCenter.h"
 #include "store/entities/Entities.h"
 
@@ -63,11 +64,17 @@ Q_SIGNALS:
     void todayWanted();
     /// The day view of a date.
     void dayWanted(Date day);
+    /// Who has birthday is to be shown.
+    void personWanted(const ObjectPtr &contact);
     /// A task was moved to where it is not shown.
     void wentTo(Date date, const TaskPtr &task);
 
 protected:
     virtual void setDate(Date date) = 0;
+    /// The birthdays of the days that are shown.
+    BirthdayDays birthdays;
+    /// Has one of them shown; of several the user chooses, in a menu at that place of the screen.
+    void pressBirthdays(const BirthdayDays::List &pressed, const QPoint &globalPosition);
     /// What moves in a slide.
     virtual QRect slidingArea() const { return rect(); }
     /// The present moment has gone on.
@@ -88,6 +95,8 @@ protected:
 private:
     QPixmap picture(const QRect &area);
     void storeChanged(const StoreChanges &changes);
+    void birthdaysChanged();
+    void showPerson(RowId row);
     void refreshSoon() { refresh.start(0); }
     void clockTicked();
     void startClock();

@@ -1,5 +1,6 @@
 #include "calendarviews/DaysCalendarView.h"
 
+#include "calendarviews/BirthdaysLine.h"
 #include "calendarviews/DaysLineWeek.h"
 #include "calendarviews/EventGridWeek.h"
 #include "calendarviews/EventsForDaysGridWeek.h"
@@ -38,6 +39,7 @@ static QScrollArea *makeScroll(CalendarGrid *grid, QWidget *parent)
 DaysCalendarView::DaysCalendarView(int days, QWidget *parent)
     : CalendarPage(parent)
     , dayCount(days)
+    , birthdaysLine(new BirthdaysLine(this))
     , lanes(new EventsForDaysGridWeek(days))
     , timed(new EventGridWeek(days))
     , laneScroll(makeScroll(lanes, this))
@@ -49,7 +51,7 @@ DaysCalendarView::DaysCalendarView(int days, QWidget *parent)
     if (days > 1) {
         header = new DaysLineWeek(this);
         header->setObjectName(u"headerView"_s);
-        setTabOrder(header, lanes);
+        setTabOrder(header, birthdaysLine);
     } else {
         allDayLabel = new QToolButton(this);
         allDayLabel->setObjectName(u"allDayLabel"_s);
@@ -58,8 +60,11 @@ DaysCalendarView::DaysCalendarView(int days, QWidget *parent)
         allDayLabel->setText(localized(u"All day"_s));
         allDayLabel->setToolTip(localized(u"New task for the whole day"_s));
         connect(allDayLabel, &QToolButton::clicked, this, &DaysCalendarView::newAllDayEvent);
-        setTabOrder(allDayLabel, lanes);
+        setTabOrder(allDayLabel, birthdaysLine);
     }
+    birthdaysLine->setObjectName(u"birthdaysLine"_s);
+    connect(birthdaysLine, &BirthdaysLine::pressed, this, &DaysCalendarView::pressBirthdays);
+    setTabOrder(birthdaysLine, lanes);
     setTabOrder(lanes, timed);
     setFocusProxy(timed);
     connectParts();
@@ -163,6 +168,7 @@ void DaysCalendarView::setDate(Date date)
     lanes->setDays(first, metrics);
     timed->setDays(first, metrics);
     describeDays(timedScroll->verticalScrollBar()->sizeHint().width());
+    describeBirthdays(timedScroll->verticalScrollBar()->sizeHint().width());
     setSizeScrollViews();
     if (!wasScrolled && isVisible())
         scrollToFirst();
@@ -187,11 +193,24 @@ void DaysCalendarView::describeDays(int trailing)
     header->setClashes(timed->clashes());
 }
 
+void DaysCalendarView::describeBirthdays(int trailing)
+{
+    const Date first = firstDayOf(date());
+    birthdays.show(first, dayCount);
+    std::vector<QString> spoken;
+    for (int column = 0; column < dayCount; ++column)
+        spoken.push_back(DateFormatter::string(CalendarManager::dateWithColumn(column, first),
+                                               DateFormatter::Style::Full, DateFormatter::Style::None));
+    birthdaysLine->setDays(birthdays.days(), std::move(spoken), static_cast<int>(metrics.gridIndent),
+                           trailing);
+}
+
 void DaysCalendarView::refreshCalendar()
 {
     lanes->reload();
     timed->reload();
     describeDays(timedScroll->verticalScrollBar()->sizeHint().width());
+    describeBirthdays(timedScroll->verticalScrollBar()->sizeHint().width());
     setSizeScrollViews();
 }
 
@@ -209,17 +228,19 @@ void DaysCalendarView::setSizeScrollViews()
     const int bar = timedScroll->verticalScrollBar()->sizeHint().width();
     const bool isLabelled = allDayLabel && lanes->laneCount() == 0 && !isLaneWanted;
     const QSize labelSize = isLabelled ? allDayLabel->sizeHint() : QSize();
-    const int headerHeight = header ? DaysLineWeek::neededHeight() : std::max(0, labelSize.height());
+    const int dayHeight = header ? DaysLineWeek::neededHeight() : std::max(0, labelSize.height());
+    const int headerHeight = dayHeight + birthdaysLine->neededHeight();
     const int emptyLane = isLaneWanted ? AllDayLanes{{}, metrics}.laneHeight() : 0;
     const int area = std::max(emptyLane, static_cast<int>(lanes->areaHeight()));
     const bool scrolls = lanes->documentHeight() > lanes->areaHeight();
     const int line = lanes->laneCount() > 0 ? 2 : dayCount > 1 ? 1 : 0;
     if (header)
-        header->setGeometry(0, 0, width(), headerHeight);
+        header->setGeometry(0, 0, width(), dayHeight);
+    birthdaysLine->setGeometry(0, dayHeight, width(), headerHeight - dayHeight);
     if (allDayLabel) {
         allDayLabel->setVisible(isLabelled);
         allDayLabel->setGeometry(
-            QRect(isRightToLeft() ? width() - labelSize.width() : 0, 0, labelSize.width(), headerHeight));
+            QRect(isRightToLeft() ? width() - labelSize.width() : 0, 0, labelSize.width(), dayHeight));
     }
     const int laneWidth = scrolls ? width() : width() - bar;
     laneScroll->setGeometry(isRightToLeft() ? width() - laneWidth : 0, headerHeight, laneWidth, area);
@@ -295,7 +316,8 @@ void DaysCalendarView::fitToPaper(double ratio)
 {
     constexpr int least = 640;
     const auto [top, bottom] = hoursOnPaper();
-    const double tall = DaysLineWeek::neededHeight() + lanes->documentHeight() + 2 + bottom - top;
+    const double tall = DaysLineWeek::neededHeight() + birthdaysLine->neededHeight() +
+                        lanes->documentHeight() + 2 + bottom - top;
     resize(std::max(least, static_cast<int>(tall * ratio)), static_cast<int>(tall));
     lanes->resize(width(), std::max(1, static_cast<int>(lanes->documentHeight())));
     timed->resize(width(), timed->height());
@@ -303,6 +325,8 @@ void DaysCalendarView::fitToPaper(double ratio)
         describeDays(0);
         header->resize(width(), DaysLineWeek::neededHeight());
     }
+    describeBirthdays(0);
+    birthdaysLine->resize(width(), birthdaysLine->neededHeight());
     lanes->relayout();
     timed->relayout();
 }
@@ -313,6 +337,10 @@ void DaysCalendarView::paintForPaper(QPainter &painter)
     if (header) {
         header->render(&painter, {}, {}, DrawChildren);
         painter.translate(0, header->height());
+    }
+    if (birthdaysLine->neededHeight() > 0) {
+        birthdaysLine->render(&painter, {}, {}, DrawChildren);
+        painter.translate(0, birthdaysLine->height());
     }
     if (lanes->laneCount() > 0) {
         lanes->paintForPaper(painter);

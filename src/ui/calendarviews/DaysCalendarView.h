@@ -3,6 +3,7 @@
 #include "calendarviews/CalendarPage.h"
 #include "records/calendars/DayGridMetrics.h"
 
+class BirthdaysLine;
 class DaysLineWeek;
 class EventGridWeek;
 class EventsForDaysGridWeek;
@@ -55,10 +56,12 @@ private:
     void scrollOn(const QPoint &point);
     void autoscroll();
     void describeDays(int trailing);
+    void describeBirthdays(int trailing);
 
     int dayCount;
     DayGridMetrics metrics;
     DaysLineWeek *header = nullptr;
+    BirthdaysLine *birthdaysLine;
     /// Says where whole-day tasks go while a single day has none.
     QToolButton *allDayLabel = nullptr;
     EventsForDaysGridWeek *lanes;

@@ -1,5 +1,6 @@
 #include "calendarviews/EventsGridMonth.h"
 
+#include "calendarviews/BirthdaysLine.h"
 #include "foundation/Calendar.h"
 #include "foundation/Clock.h"
 #include "foundation/DateFormatter.h"
@@ -11,8 +12,11 @@
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
+#include <QHelpEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QRegularExpression>
+#include <QToolTip>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -215,11 +219,76 @@ void EventsGridMonth::openSlot(int slot)
 /// The number of hidden bars leads to their day.
 bool EventsGridMonth::pressElse(QPointF point)
 {
+    if (const int slot = birthdaysAt(point); slot >= 0) {
+        pressBirthdaysOf(slot);
+        return true;
+    }
     const auto cell = grid.cellAt(point);
     if (!cell || grid.hiddenIn(*cell) < 1 || !grid.moreLabelFrame(*cell).contains(point))
         return false;
     Q_EMIT dayWanted(dateOf(*cell));
     return true;
+}
+
+// Birthdays
+
+void EventsGridMonth::setBirthdays(std::vector<BirthdayDays::List> days)
+{
+    birthdays = std::move(days);
+    update();
+}
+
+QRectF EventsGridMonth::birthdaysFrame(int slot) const
+{
+    // The number of the week, and the mark of a clash or the disc of today.
+    constexpr double weekWidth = 24;
+    const double markWidth = clashing[static_cast<size_t>(slot)] ? 20 : 6;
+    const Cell cell = cellOf(slot);
+    const QRectF frame = grid.cellFrame(cell);
+    const double left = frame.left() + (cell.column == 0 ? weekWidth : 2);
+    const double right = frame.right() - numberRight - widthOfNumber(dateOf(cell)) - markWidth;
+    return {left, frame.top() + numberTop, std::max(0.0, right - left), metrics.dayLabelBottom - numberTop};
+}
+
+int EventsGridMonth::birthdaysAt(QPointF point) const
+{
+    const auto cell = grid.cellAt(point);
+    const int slot = cell ? cell->row * columnCount() + cell->column : -1;
+    const bool isThere = slot >= 0 && slot < static_cast<int>(birthdays.size()) &&
+                         !birthdays[static_cast<size_t>(slot)].empty();
+    return isThere && birthdaysFrame(slot).contains(point) ? slot : -1;
+}
+
+void EventsGridMonth::pressBirthdaysOf(int slot)
+{
+    // The press may bring another month.
+    const BirthdayDays::List pressed = slot < static_cast<int>(birthdays.size())
+                                           ? birthdays[static_cast<size_t>(slot)]
+                                           : BirthdayDays::List();
+    if (!pressed.empty())
+        Q_EMIT birthdaysPressed(pressed, mapToGlobal(visual(birthdaysFrame(slot)).bottomLeft().toPoint()));
+}
+
+/// B is for birthdays.
+void EventsGridMonth::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_B && event->modifiers() == Qt::NoModifier && !isDragging())
+        return pressBirthdaysOf(currentSlot());
+    CalendarGrid::keyPressEvent(event);
+}
+
+bool EventsGridMonth::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const auto *help = static_cast<QHelpEvent *>(event);
+        if (const int slot = birthdaysAt(logical(help->pos())); slot >= 0) {
+            const QString sentence = BirthdayDays::sentenceOf(birthdays[static_cast<size_t>(slot)]);
+            QToolTip::showText(help->globalPos(), sentence.toHtmlEscaped(), this,
+                               visual(birthdaysFrame(slot)).toAlignedRect());
+            return true;
+        }
+    }
+    return CalendarGrid::event(event);
 }
 
 // Days
@@ -247,6 +316,8 @@ QString EventsGridMonth::slotName(int slot) const
     QString name = EventCalendarView::dayTitle(date, static_cast<int>(count));
     if (clashing[static_cast<size_t>(slot)])
         name += u", "_s + localized(u"Appointments at the same time"_s);
+    if (static_cast<size_t>(slot) < birthdays.size() && !birthdays[static_cast<size_t>(slot)].empty())
+        name += u", "_s + BirthdayDays::sentenceOf(birthdays[static_cast<size_t>(slot)]);
     return QStringList(QStringList{name} + words.mid(0, mostTold)).join(u"; "_s);
 }
 
@@ -297,7 +368,21 @@ void EventsGridMonth::paintCell(QPainter &painter, Cell cell) const
                              QString::number(calendar.weekOfYear(date)));
     }
     paintNumber(painter, cell);
+    const int slot = cell.row * columnCount() + cell.column;
+    if (static_cast<size_t>(slot) < birthdays.size() && !birthdays[static_cast<size_t>(slot)].empty())
+        BirthdaysLine::paintBirthdays(painter, visual(birthdaysFrame(slot)),
+                                      birthdays[static_cast<size_t>(slot)], isRightToLeft());
     paintMore(painter, cell);
+}
+
+QString EventsGridMonth::numberOf(Date date) const
+{
+    return DateFormatter::string(date, Calendar::current().day(date) == 1 ? u"MMM d"_s : u"d"_s);
+}
+
+double EventsGridMonth::widthOfNumber(Date date) const
+{
+    return QFontMetricsF(numberFont()).horizontalAdvance(numberOf(date));
 }
 
 void EventsGridMonth::paintNumber(QPainter &painter, Cell cell) const
@@ -309,7 +394,7 @@ void EventsGridMonth::paintNumber(QPainter &painter, Cell cell) const
     QFont font = numberFont();
     if (isToday)
         font.setWeight(QFont::DemiBold);
-    const QString text = DateFormatter::string(date, calendar.day(date) == 1 ? u"MMM d"_s : u"d"_s);
+    const QString text = numberOf(date);
     const QFontMetricsF size(font);
     const double textWidth = size.horizontalAdvance(text);
     const QRectF frame = grid.cellFrame(cell);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calendarviews/BirthdayDays.h"
 #include "calendarviews/CalendarGrid.h"
 #include "records/calendars/CalendarMonthRow.h"
 #include "records/calendars/MonthGridLayout.h"
@@ -17,14 +18,23 @@ public:
     const std::vector<CalendarMonthRow> &weeks() const { return rows; }
     /// The day that the keyboard is on.
     Date currentDay() const { return dateOf(cellOf(currentSlot())); }
+    /// The birthdays of each day that is shown, from the first on. They stand beside the number of their day
+    /// and are no items: nothing of the layout counts them.
+    void setBirthdays(std::vector<BirthdayDays::List> days);
+    /// Where those of a day stand, in logical coordinates.
+    QRectF birthdaysFrame(int slot) const;
     /// Puts the keyboard onto a day; nothing if it is not shown.
     void goToDay(Date day);
 
 Q_SIGNALS:
     /// The user wants to see a day with all that is hidden of it.
     void dayWanted(Date day);
+    /// The birthdays of a day were pressed.
+    void birthdaysPressed(const BirthdayDays::List &birthdays, const QPoint &globalPosition);
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    bool event(QEvent *event) override;
     std::vector<std::shared_ptr<MVTask>> fetch() override;
     std::vector<Placed> layout() override;
     void paintGrid(QPainter &painter, const QRect &clip) override;
@@ -59,6 +69,11 @@ private:
     CalendarForDaysItem segmentOf(const std::shared_ptr<MVTask> &copy, const CalendarMonthRow &row) const;
     bool touches(const MVTask &task, const CalendarMonthRow &row) const;
     void findClashes();
+    QString numberOf(Date date) const;
+    double widthOfNumber(Date date) const;
+    /// The slot whose birthdays are at a point; -1 for none.
+    int birthdaysAt(QPointF point) const;
+    void pressBirthdaysOf(int slot);
     void paintCell(QPainter &painter, Cell cell) const;
     void paintNumber(QPainter &painter, Cell cell) const;
     void paintMore(QPainter &painter, Cell cell) const;
@@ -70,6 +85,8 @@ private:
     std::vector<int> firstOfRow;
     /// The days of which two appointments are at the same time, by slot.
     std::vector<bool> clashing;
+    /// By slot.
+    std::vector<BirthdayDays::List> birthdays;
     MonthGridMetrics metrics;
     MonthGridLayout grid;
 };

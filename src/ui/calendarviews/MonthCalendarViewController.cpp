@@ -26,6 +26,7 @@ MonthCalendarViewController::MonthCalendarViewController(QWidget *parent)
         NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask, span);
     });
     connect(grid, &EventsGridMonth::dayWanted, this, &CalendarPage::dayWanted);
+    connect(grid, &EventsGridMonth::birthdaysPressed, this, &MonthCalendarViewController::pressBirthdays);
     constexpr int week = CalendarManager::daysInWeek;
     connect(grid, &CalendarGrid::leftUpwards, this, [this] { goOnByKeys(grid, -week); });
     connect(grid, &CalendarGrid::leftDownwards, this, [this] { goOnByKeys(grid, week); });
@@ -34,6 +35,7 @@ MonthCalendarViewController::MonthCalendarViewController(QWidget *parent)
 void MonthCalendarViewController::setDate(Date date)
 {
     grid->setMonth(date);
+    showBirthdays();
     std::vector<DaysLineWeek::Day> days;
     const CalendarMonthRow &first = grid->weeks().front();
     for (int column = 0; column < CalendarManager::daysInWeek; ++column) {
@@ -47,6 +49,14 @@ void MonthCalendarViewController::setDate(Date date)
 void MonthCalendarViewController::refreshCalendar()
 {
     grid->reload();
+    showBirthdays();
+}
+
+void MonthCalendarViewController::showBirthdays()
+{
+    const int days = static_cast<int>(grid->weeks().size()) * CalendarManager::daysInWeek;
+    birthdays.show(grid->weeks().front().dateOfColumn(0), days);
+    grid->setBirthdays(birthdays.days());
 }
 
 std::vector<CalendarGrid *> MonthCalendarViewController::grids() const

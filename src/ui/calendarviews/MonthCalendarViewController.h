@@ -27,6 +27,7 @@ protected:
 
 private:
     void placeParts();
+    void showBirthdays();
 
     DaysLineWeek *header;
     EventsGridMonth *grid;

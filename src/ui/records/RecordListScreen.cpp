@@ -252,14 +252,24 @@ std::vector<ObjectPtr> RecordListScreen::recordsAt(const std::set<int> &numbers)
     return records;
 }
 
-std::vector<ObjectPtr> RecordListScreen::chosenRecords(bool all) const
+ExportRecords::Offer RecordListScreen::exportOffer() const
 {
-    std::set<int> rows = all ? std::set<int>() : view->selectedRows();
-    if (all) {
-        for (int row = 0; row < listModel->rowCount(); ++row)
-            rows.insert(rows.end(), row);
+    ExportRecords::Offer offer{description.entity, description.exports, description.title};
+    const std::set<int> selected = view->selectedRows();
+    // A record can stand under several headings.
+    std::set<RowId> known;
+    for (int row = 0; row < listModel->rowCount(); ++row) {
+        const RowId record = listModel->identifierAt(row);
+        if (record != 0 && known.insert(record).second)
+            offer.all.push_back(record);
     }
-    return recordsAt(rows);
+    known.clear();
+    for (const int row : selected) {
+        const RowId record = listModel->identifierAt(row);
+        if (record != 0 && known.insert(record).second)
+            offer.selected.push_back(record);
+    }
+    return offer;
 }
 
 QString RecordListScreen::selectedText() const

@@ -46,6 +46,8 @@ struct RecordListDescription
     enum class Opens { OnDoubleClick, OnSelection } opens = Opens::OnDoubleClick;
     /// What stands beside the list while no pane does, where panes come with the selection.
     QString besideSentence = {};
+    /// The files that its records can be written to, the proposed one first.
+    std::vector<ExportFormat> exports = {};
 };
 
 /// A screen of records of one kind: a list that follows the store row by row, with what is selected, seen and
@@ -83,8 +85,8 @@ public:
     bool canClearFilter() const override;
 
     ObjectPtr selectedRecord() const override;
-    std::vector<ObjectPtr> chosenRecords(bool all) const override;
-    std::string_view shownEntity() const override { return description.entity; }
+    bool canExport() const override { return hasRows() && !description.exports.empty(); }
+    ExportRecords::Offer exportOffer() const override;
     QString selectedText() const override;
     /// Shows a record in a pane. One that is edited keeps the user there, and its row selected.
     void showDetail(const ObjectPtr &record);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/DetailViewController.h"
+#include "records/ExportRecords.h"
 #include "records/NewTaskRequest.h"
 #include "widgets/ScreenToolBar.h"
 #include "widgets/ToolBarButton.h"
@@ -40,14 +41,10 @@ public:
     virtual std::optional<ListType> listType() const { return std::nullopt; }
     /// The one task that is selected, or null.
     virtual TaskPtr selectedTask() const { return nullptr; }
-    /// The selected records of the screen, or all of them; in their order.
-    virtual std::vector<ObjectPtr> chosenRecords(bool all) const
-    {
-        Q_UNUSED(all)
-        return {};
-    }
-    /// The entity of all of its records; empty for a screen of several kinds.
-    virtual std::string_view shownEntity() const { return {}; }
+    /// Whether `exportOffer` has anything.
+    virtual bool canExport() const { return false; }
+    /// What of the screen can be written to a file.
+    virtual ExportRecords::Offer exportOffer() const { return {}; }
     /// The selected rows as lines of text; empty where the keys are not in them.
     virtual QString selectedText() const { return {}; }
     /// The one record of any kind that is selected, or null.
@@ -97,6 +94,8 @@ Q_SIGNALS:
     void buttonAdd(ToolBarButton::ActionType type);
     /// The user wants to know why the selected task is here.
     void whyRequested();
+    /// A record of another kind is to be shown over the screen.
+    void recordWanted(const ObjectPtr &record);
     /// What the commands can do may have changed.
     void commandsChanged();
 

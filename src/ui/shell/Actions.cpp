@@ -56,6 +56,8 @@ constexpr std::array actionTable = {
                       SidebarItem::WaitingFor},
     ActionDescription{ActionId::CalendarToday, u"actionCalendarToday", u"Today", u"Ctrl+T"},
     ActionDescription{ActionId::CalendarGoToDate, u"actionCalendarGoToDate", u"Go To Date", u"Ctrl+Shift+T"},
+    ActionDescription{ActionId::CalendarBirthdays, u"actionCalendarBirthdays", u"Hide Birthdays",
+                      u"Ctrl+Shift+B"},
     ActionDescription{ActionId::CalendarDay, u"actionCalendarDay", u"Day", u"Ctrl+Shift+5"},
     ActionDescription{ActionId::CalendarWeek, u"actionCalendarWeek", u"Week", u"Ctrl+Shift+6"},
     ActionDescription{ActionId::CalendarMonth, u"actionCalendarMonth", u"Month", u"Ctrl+Shift+7"},

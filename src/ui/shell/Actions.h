@@ -50,6 +50,7 @@ enum class ActionId {
     ShowWaitingFor,
     CalendarToday,
     CalendarGoToDate,
+    CalendarBirthdays,
     CalendarDay,
     CalendarWeek,
     CalendarMonth,

@@ -69,7 +69,7 @@ void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
     fillMenu(calendar, actions,
              {ActionId::CalendarToday, ActionId::CalendarGoToDate, ActionId::CalendarDay,
               ActionId::CalendarWeek, ActionId::CalendarMonth, ActionId::CalendarNext,
-              ActionId::CalendarPrevious});
+              ActionId::CalendarPrevious, std::nullopt, ActionId::CalendarBirthdays});
     view->insertMenu(actions.action(ActionId::FullScreen), calendar);
     view->insertSeparator(actions.action(ActionId::FullScreen));
 }

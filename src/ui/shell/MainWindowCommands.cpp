@@ -1,3 +1,4 @@
+#include "calendarviews/BirthdayDays.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/DetailStack.h"
@@ -9,7 +10,6 @@
 #include "shell/TextCommands.h"
 #include "shell/calendars/CalendarViewController.h"
 #include "shell/calendars/GoToDateWindowController.h"
-#include "shell/people/ExportContacts.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -79,8 +79,7 @@ void MainWindowController::bindActions()
         ActionId::Copy, [this] { copy(); },
         [this] { return TextCommands::canCopy() || (screen && screen->hasSelection()); });
     actions->bind(
-        ActionId::Export, [this] { exportRecords(); },
-        [this] { return screen && screen->hasRows() && ExportContacts::canExport(screen->shownEntity()); });
+        ActionId::Export, [this] { exportRecords(); }, [this] { return screen && screen->canExport(); });
     actions->bind(ActionId::Paste, TextCommands::paste, TextCommands::canPaste);
     actions->bind(
         ActionId::Save, [] { NotificationCenter::defaultCenter().post(notifications::keySave); },
@@ -110,7 +109,7 @@ void MainWindowController::copy()
 void MainWindowController::exportRecords()
 {
     if (screen)
-        ExportContacts::run(screen->chosenRecords(false), screen->chosenRecords(true), *mainWindow);
+        ExportRecords::run(screen->exportOffer(), *mainWindow);
 }
 
 /// A list gives its tasks what makes them belong to it; written down from anywhere else, one is for today.
@@ -163,6 +162,17 @@ void MainWindowController::bindCalendar()
     actions->bind(
         ActionId::Print, [this] { printScreen(); }, [this] { return screen && screen->canPrint(); });
     actions->bind(ActionId::CalendarGoToDate, [this] { goToDate(); });
+    actions->bind(ActionId::CalendarBirthdays, [this] {
+        BirthdayDays::setWanted(!BirthdayDays::areWanted());
+        nameBirthdays();
+    });
+    nameBirthdays();
+}
+
+void MainWindowController::nameBirthdays()
+{
+    actions->action(ActionId::CalendarBirthdays)
+        ->setText(localized(BirthdayDays::areWanted() ? u"Hide Birthdays"_s : u"Show Birthdays"_s));
 }
 
 void MainWindowController::goToDate()

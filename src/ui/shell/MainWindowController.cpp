@@ -308,6 +308,8 @@ void MainWindowController::show(TabsViewController *newScreen)
     connect(newScreen, &TabsViewController::buttonAdd, this, &MainWindowController::buttonAdd);
     newScreen->setAvailableTypes(Screens::addable());
     connect(newScreen, &TabsViewController::whyRequested, this, &MainWindowController::explainPlace);
+    connect(newScreen, &TabsViewController::recordWanted, this,
+            [this, newScreen](const ObjectPtr &record) { showOver(record, newScreen); });
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::update);
     newScreen->reloadData();
     mainWindow->rightToolBarMain()->chengedToolBar()->addToolBar(newScreen->toolBarView());

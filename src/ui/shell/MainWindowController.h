@@ -52,7 +52,7 @@ public:
     /// The same, and puts the focus into its rows.
     void goToList(SidebarItem item);
     /// Opens the window for a new task; one that is open is brought to the front as it is.
-    void showOver(const ObjectPtr &record, DetailViewController *from);
+    void showOver(const ObjectPtr &record, QWidget *from);
     void showNewTask(const NewTaskRequest &request);
     /// The same with what was marked in a calendar.
     void newTask(const MarkedSpan &dates, TimePeriod timePeriod);
@@ -129,6 +129,7 @@ private:
     void undo();
     void redo();
     void stepBack(OptionalError (ManagedObjectContext::*step)());
+    void nameBirthdays();
     void toggleFullScreen();
     void fullScreenChanged();
     void showAbout();

@@ -50,7 +50,7 @@ void MainWindowController::showNewTask(const NewTaskRequest &request)
 }
 
 /// A kind without a pane has nothing to show.
-void MainWindowController::showOver(const ObjectPtr &record, DetailViewController *from)
+void MainWindowController::showOver(const ObjectPtr &record, QWidget *from)
 {
     if (const auto task = std::dynamic_pointer_cast<EntityTask>(record))
         TaskDetailViewController::showTask(task, *from, *details);

@@ -11,6 +11,8 @@ ContactCards ContactCards::ofFile(const QString &path)
     ContactCards cards;
     cards.shownName = QFileInfo(path).fileName();
     cards.filePath = path;
+    if (path.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
+        cards.writtenForm = ContactReader::Form::Table;
     return cards;
 }
 

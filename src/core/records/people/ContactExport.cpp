@@ -1,64 +1,52 @@
 #include "records/people/ContactExport.h"
 
 #include "cloud/IcloudManager.h"
-#include "contacts/VCardWriter.h"
 #include "foundation/Calendar.h"
+#include "foundation/Localization.h"
 #include "records/people/ContactLabels.h"
 #include "store/queries/DBWorker.h"
 
-#include <QHash>
-#include <QIODevice>
-
 namespace {
 
-/// Labels of types by their identifiers.
-class TypeLabels
+template <typename Type, typename Known>
+void addLabels(QHash<QString, QString> &labels, const ObjectList<Type> &types, const Known &known)
 {
-public:
-    TypeLabels()
-    {
-        add(DBWorker::allPhoneType(), ContactLabels::phone);
-        add(DBWorker::allEmailType(), ContactLabels::email);
-        add(DBWorker::allAddressType(), ContactLabels::address);
-        add(DBWorker::allURLType(), ContactLabels::url);
+    std::size_t place = 0;
+    for (const std::shared_ptr<Type> &type : types) {
+        labels.insert(type->identifier(), place < known.size() ? known[place] : type->title());
+        ++place;
     }
-    template <typename Type>
-    QString of(const std::shared_ptr<Type> &type) const
-    {
-        return type ? labels.value(type->identifier()) : QString();
-    }
-
-private:
-    template <typename Type, typename Labels>
-    void add(const ObjectList<Type> &types, const Labels &known)
-    {
-        std::size_t place = 0;
-        for (const std::shared_ptr<Type> &type : types) {
-            labels.insert(type->identifier(), place < known.size() ? known[place] : type->title());
-            ++place;
-        }
-    }
-
-    QHash<QString, QString> labels;
-};
-
-template <typename Owner>
-void takeDetails(CNContact &contact, const Owner &owner, const TypeLabels &labels)
-{
-    for (const auto &phone : owner.phone())
-        contact.phoneNumbers.push_back({labels.of(phone->type()), phone->number()});
-    for (const auto &email : owner.email())
-        contact.emailAddresses.push_back({labels.of(email->type()), email->mail()});
-    for (const auto &url : owner.url())
-        contact.urlAddresses.push_back({labels.of(url->type()), url->url()});
-    for (const auto &address : owner.address())
-        contact.postalAddresses.push_back({labels.of(address->addressType()),
-                                           {address->street1(), address->street2(), address->city(),
-                                            address->state(), address->zip(), address->country()}});
-    contact.imageData = IcloudManager::imageData(owner.photoName());
 }
 
-CNContact made(const EntityContacts &contact, const TypeLabels &labels)
+} // namespace
+
+ContactExport::ContactExport()
+{
+    addLabels(labels, DBWorker::allPhoneType(), ContactLabels::phone);
+    addLabels(labels, DBWorker::allEmailType(), ContactLabels::email);
+    addLabels(labels, DBWorker::allAddressType(), ContactLabels::address);
+    addLabels(labels, DBWorker::allURLType(), ContactLabels::url);
+}
+
+template <typename Owner>
+void ContactExport::takeDetails(CNContact &contact, const Owner &owner) const
+{
+    const auto labelOf = [this](const auto &type) {
+        return type ? labels.value(type->identifier()) : QString();
+    };
+    for (const auto &phone : owner.phone())
+        contact.phoneNumbers.push_back({labelOf(phone->type()), phone->number()});
+    for (const auto &email : owner.email())
+        contact.emailAddresses.push_back({labelOf(email->type()), email->mail()});
+    for (const auto &url : owner.url())
+        contact.urlAddresses.push_back({labelOf(url->type()), url->url()});
+    for (const auto &address : owner.address())
+        contact.postalAddresses.push_back({labelOf(address->addressType()),
+                                           {address->street1(), address->street2(), address->city(),
+                                            address->state(), address->zip(), address->country()}});
+}
+
+CNContact ContactExport::made(const EntityContacts &contact) const
 {
     CNContact values;
     values.identifier = contact.identifier();
@@ -66,62 +54,55 @@ CNContact made(const EntityContacts &contact, const TypeLabels &labels)
     values.familyName = contact.lastName();
     if (const CompanyPtr company = contact.company())
         values.organizationName = company->title();
+    // The category is what the form calls the job title.
+    if (const auto category = contact.contactCategory())
+        values.jobTitle = localized(category->title());
     if (const OptionalDate birthday = contact.birthday()) {
         const Calendar calendar = Calendar::current();
         values.birthday =
             CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
     }
-    takeDetails(values, contact, labels);
+    takeDetails(values, contact);
     return values;
 }
 
-CNContact made(const EntityCompany &company, const TypeLabels &labels)
+CNContact ContactExport::made(const EntityCompany &company) const
 {
     CNContact values;
     values.identifier = company.identifier();
     values.organizationName = company.title();
     values.isOrganization = true;
-    takeDetails(values, company, labels);
+    takeDetails(values, company);
     return values;
 }
 
-template <typename Pointer>
-OptionalError writeAll(QIODevice &device, const std::vector<Pointer> &records, const TypeLabels &labels,
-                       const StepBlock &step, bool &isStopped)
+CNContact ContactExport::contactOf(const EntityContacts &contact) const
 {
-    for (const Pointer &record : records) {
-        if (isStopped)
-            break;
-        // It may have gone while the user was shown how far the work is.
-        if (!record || record->isDeleted() || !record->context())
-            continue;
-        const QByteArray card = VCardWriter::text(made(*record, labels));
-        if (device.write(card) != card.size())
-            return Error{QStringLiteral("contacts"), 0,
-                         QStringLiteral("Cannot write the contacts: %1").arg(device.errorString())};
-        isStopped = step && !step();
-    }
-    return std::nullopt;
+    CNContact values = made(contact);
+    values.imageData = IcloudManager::imageData(contact.photoName());
+    return values;
 }
 
-} // namespace
-
-CNContact ContactExport::contactOf(const EntityContacts &contact)
+CNContact ContactExport::contactOf(const EntityCompany &company) const
 {
-    return made(contact, TypeLabels());
+    CNContact values = made(company);
+    values.imageData = IcloudManager::imageData(company.photoName());
+    return values;
 }
 
-CNContact ContactExport::contactOf(const EntityCompany &company)
+static bool isCompany(const ManagedObject &record)
 {
-    return made(company, TypeLabels());
+    return record.entity().name() == EntityCompany::entityName;
 }
 
-OptionalError ContactExport::write(QIODevice &device, const std::vector<ContactPtr> &contacts,
-                                   const std::vector<CompanyPtr> &companies, const StepBlock &step)
+CNContact ContactExport::contactOf(const ManagedObject &record) const
 {
-    const TypeLabels labels;
-    bool isStopped = false;
-    if (auto error = writeAll(device, contacts, labels, step, isStopped))
-        return error;
-    return writeAll(device, companies, labels, step, isStopped);
+    return isCompany(record) ? contactOf(static_cast<const EntityCompany &>(record))
+                             : contactOf(static_cast<const EntityContacts &>(record));
+}
+
+CNContact ContactExport::detailsOf(const ManagedObject &record) const
+{
+    return isCompany(record) ? made(static_cast<const EntityCompany &>(record))
+                             : made(static_cast<const EntityContacts &>(record));
 }

@@ -1,27 +1,34 @@
 #pragma once
 
 #include "contacts/CNContact.h"
-#include "foundation/Error.h"
 #include "store/entities/Entities.h"
-#include "store/state/StepBlock.h"
 
-#include <vector>
+#include <QHash>
 
-class QIODevice;
+/// Contacts and companies as address books, vCards and tables have them. Main thread only.
+class ContactExport
+{
+public:
+    /// Reads the types of the store.
+    ContactExport();
 
-/// Contacts and companies as vCards (3.0), which the import and other programs read. Main thread only.
-namespace ContactExport {
+    /// What an address book would have of a contact: names, company, job title, birthday, picture, phones,
+    /// mail, postal and web addresses. Types become the labels of their places; types of the user's own
+    /// become labels of their titles.
+    CNContact contactOf(const EntityContacts &contact) const;
+    /// The same of a company, as an organization.
+    CNContact contactOf(const EntityCompany &company) const;
+    /// The same of a record that is one or the other.
+    CNContact contactOf(const ManagedObject &record) const;
+    /// The same without the picture, which takes long to read.
+    CNContact detailsOf(const ManagedObject &record) const;
 
-/// What an address book would have of a contact: names, company, birthday, picture, phones, mail, postal and
-/// web addresses. Types become the labels of their places; types of the user's own become labels of their
-/// titles.
-CNContact contactOf(const EntityContacts &contact);
-/// The same of a company, as an organization.
-CNContact contactOf(const EntityCompany &company);
+private:
+    CNContact made(const EntityContacts &contact) const;
+    CNContact made(const EntityCompany &company) const;
+    template <typename Owner>
+    void takeDetails(CNContact &contact, const Owner &owner) const;
 
-/// Writes them one after the other, each held in memory only while it is written. `step` is called after
-/// each; where it wants no more, what is written stays.
-OptionalError write(QIODevice &device, const std::vector<ContactPtr> &contacts,
-                    const std::vector<CompanyPtr> &companies = {}, const StepBlock &step = {});
-
-} // namespace ContactExport
+    /// Labels of types by their identifiers.
+    QHash<QString, QString> labels;
+};

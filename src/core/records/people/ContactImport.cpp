@@ -109,6 +109,7 @@ ContactImport::ContactImport(PngMaker toPng)
     , emailTypes(typesIn(DBWorker::allEmailType()))
     , addressTypes(typesIn(DBWorker::allAddressType()))
     , urlTypes(typesIn(DBWorker::allURLType()))
+    , categories(typesIn(DBWorker::allContactCategories()))
 {
     mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
         contacts.insert(keyOf(row.text(0), row.text(1)), row.rowId());
@@ -140,6 +141,15 @@ std::shared_ptr<EntityURLType> ContactImport::urlsTypeWith(const QString &label)
     return typeOf(label, ContactLabels::url, urlTypes);
 }
 
+std::shared_ptr<EntityContactCategory> ContactImport::categoryNamed(const QString &title) const
+{
+    const auto found = std::ranges::find_if(categories, [&](const auto &category) {
+        return title.compare(category->title(), Qt::CaseInsensitive) == 0 ||
+               title.compare(localized(category->title()), Qt::CaseInsensitive) == 0;
+    });
+    return title.isEmpty() || found == categories.end() ? nullptr : *found;
+}
+
 CompanyPtr ContactImport::companyNamed(const QString &title)
 {
     CompanyPtr &company = companies[title];
@@ -156,6 +166,82 @@ CompanyPtr ContactImport::companyNamed(const QString &title)
         ++account.companies;
     }
     return company;
+}
+
+static void own(const auto &detail, const ContactPtr &owner)
+{
+    detail->setContact(owner);
+}
+
+static void own(const auto &detail, const CompanyPtr &owner)
+{
+    detail->setCompany(owner);
+}
+
+template <typename Owner>
+void ContactImport::addDetails(const std::shared_ptr<Owner> &owner, const CNContact &contact)
+{
+    ManagedObjectContext &context = mainContext();
+    for (const auto &[label, number] : contact.phoneNumbers) {
+        const auto phone = context.insert<EntityPhone>();
+        phone->setNumber(oneLine(number));
+        phone->setType(phoneTypeWith(label));
+        own(phone, owner);
+    }
+    for (const auto &[label, mail] : contact.emailAddresses) {
+        const auto email = context.insert<EntityEmail>();
+        email->setMail(oneLine(mail));
+        email->setType(emailTypeWith(label));
+        own(email, owner);
+    }
+    for (const auto &[label, place] : contact.postalAddresses) {
+        const auto address = context.insert<EntityAddress>();
+        address->setStreet1(oneLine(place.street));
+        address->setStreet2(oneLine(place.extended));
+        address->setCity(oneLine(place.city));
+        address->setState(oneLine(place.state));
+        address->setZip(oneLine(place.postalCode));
+        address->setCountry(oneLine(place.country));
+        address->setAddressType(addressTypeWith(label));
+        own(address, owner);
+    }
+    for (const auto &[label, text] : contact.urlAddresses) {
+        const auto url = context.insert<EntityURL>();
+        url->setUrl(oneLine(text));
+        url->setType(urlsTypeWith(label));
+        own(url, owner);
+    }
+}
+
+/// Several can come in a millisecond; each then takes the next one that is free.
+QString ContactImport::freePhotoName()
+{
+    constexpr double millisecond = 0.001;
+    Date moment = MVDate::date();
+    if (moment.referenceSeconds() <= lastPhotoMoment)
+        moment = Date::fromReferenceSeconds(lastPhotoMoment + millisecond);
+    for (;; moment = moment + Seconds(millisecond)) {
+        const QString name =
+            DateFormatter::string(moment, QStringLiteral("dd-MM-yyyy HH:mm:ss:SSS")) + QStringLiteral(".png");
+        lastPhotoMoment = moment.referenceSeconds();
+        if (!FileManager::fileExists(IcloudManager::pathOfImage(name)))
+            return name;
+    }
+}
+
+template <typename Owner>
+void ContactImport::addPicture(const std::shared_ptr<Owner> &owner, const QString &name,
+                               const CNContact &contact)
+{
+    if (contact.imageData.isEmpty() && !contact.isImageMissing)
+        return;
+    const QByteArray png = contact.imageData.isEmpty() ? QByteArray() : pngOf(contact.imageData);
+    const QString photo = png.isEmpty() ? QString() : freePhotoName();
+    if (photo.isEmpty() || !IcloudManager::saveImageWithData(png, photo)) {
+        account.withoutPicture.append(name);
+        return;
+    }
+    owner->setPhotoName(photo);
 }
 
 /// The test for the contact that is there comes first, so that nothing of another is left behind.
@@ -194,77 +280,32 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     const QString company = oneLine(contact.organizationName);
     if (!company.isEmpty())
         row->setCompany(companyNamed(company));
+    row->setContactCategory(categoryNamed(contact.jobTitle));
     addDetails(row, contact);
-    addPicture(row, contact);
+    addPicture(row, row->fullName(), contact);
     ++account.added;
     return row;
 }
 
-void ContactImport::addDetails(const ContactPtr &row, const CNContact &contact)
+CompanyPtr ContactImport::importCompany(const CNContact &contact)
 {
-    ManagedObjectContext &context = mainContext();
-    for (const auto &[label, number] : contact.phoneNumbers) {
-        const auto phone = context.insert<EntityPhone>();
-        phone->setNumber(oneLine(number));
-        phone->setType(phoneTypeWith(label));
-        phone->setContact(row);
+    const QString title = oneLine(contact.organizationName);
+    if (companyRows.contains(title) || describedCompanies.contains(title)) {
+        account.existing.append(title);
+        return nullptr;
     }
-    for (const auto &[label, mail] : contact.emailAddresses) {
-        const auto email = context.insert<EntityEmail>();
-        email->setMail(oneLine(mail));
-        email->setType(emailTypeWith(label));
-        email->setContact(row);
-    }
-    for (const auto &[label, place] : contact.postalAddresses) {
-        const auto address = context.insert<EntityAddress>();
-        address->setStreet1(oneLine(place.street));
-        address->setStreet2(oneLine(place.extended));
-        address->setCity(oneLine(place.city));
-        address->setState(oneLine(place.state));
-        address->setZip(oneLine(place.postalCode));
-        address->setCountry(oneLine(place.country));
-        address->setAddressType(addressTypeWith(label));
-        address->setContact(row);
-    }
-    for (const auto &[label, text] : contact.urlAddresses) {
-        const auto url = context.insert<EntityURL>();
-        url->setUrl(oneLine(text));
-        url->setType(urlsTypeWith(label));
-        url->setContact(row);
-    }
-}
-
-/// Several can come in a millisecond; each then takes the next one that is free.
-QString ContactImport::freePhotoName()
-{
-    constexpr double millisecond = 0.001;
-    Date moment = MVDate::date();
-    if (moment.referenceSeconds() <= lastPhotoMoment)
-        moment = Date::fromReferenceSeconds(lastPhotoMoment + millisecond);
-    for (;; moment = moment + Seconds(millisecond)) {
-        const QString name =
-            DateFormatter::string(moment, QStringLiteral("dd-MM-yyyy HH:mm:ss:SSS")) + QStringLiteral(".png");
-        lastPhotoMoment = moment.referenceSeconds();
-        if (!FileManager::fileExists(IcloudManager::pathOfImage(name)))
-            return name;
-    }
-}
-
-void ContactImport::addPicture(const ContactPtr &row, const CNContact &contact)
-{
-    if (contact.imageData.isEmpty() && !contact.isImageMissing)
-        return;
-    const QByteArray png = contact.imageData.isEmpty() ? QByteArray() : pngOf(contact.imageData);
-    const QString name = png.isEmpty() ? QString() : freePhotoName();
-    if (name.isEmpty() || !IcloudManager::saveImageWithData(png, name)) {
-        account.withoutPicture.append(row->fullName());
-        return;
-    }
-    row->setPhotoName(name);
+    describedCompanies.insert(title);
+    const CompanyPtr company = companyNamed(title);
+    addDetails(company, contact);
+    addPicture(company, title, contact);
+    ++account.addedCompanies;
+    return company;
 }
 
 void ContactImport::meet(const CNContact &contact)
 {
+    if (!contact.hasName())
+        return account.existing.append(oneLine(contact.organizationName));
     const QString first = oneLine(contact.givenName);
     const QString last = oneLine(contact.familyName);
     account.existing.append(fullNameWith(first, last));
@@ -326,9 +367,14 @@ ContactImportAccount ContactImport::finish()
 
 QStringList ContactImportAccount::sentences() const
 {
-    QStringList all = {added == 0   ? localized(u"No contact was imported."_s)
-                       : added == 1 ? localized(u"1 contact was imported."_s)
-                                    : localized(u"%1 contacts were imported."_s).arg(added)};
+    QStringList all;
+    if (added > 0 || addedCompanies == 0)
+        all.append(added == 0   ? localized(u"No contact was imported."_s)
+                   : added == 1 ? localized(u"1 contact was imported."_s)
+                                : localized(u"%1 contacts were imported."_s).arg(added));
+    if (addedCompanies > 0)
+        all.append(addedCompanies == 1 ? localized(u"1 company was imported."_s)
+                                       : localized(u"%1 companies were imported."_s).arg(addedCompanies));
     const auto tell = [&](const QStringList &names, const QString &one, const QString &many) {
         if (names.size() == 1)
             all.append(localized(one).arg(names.first()));

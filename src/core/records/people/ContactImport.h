@@ -14,6 +14,9 @@
 struct ContactImportAccount
 {
     int added = 0;
+    /// Those that came as cards of their own.
+    int addedCompanies = 0;
+    /// All that are new, also those that only a contact names.
     int companies = 0;
     /// The full names of those that were there before, and of those among them that lack something that the
     /// card has.
@@ -44,9 +47,12 @@ public:
 
     explicit ContactImport(PngMaker toPng);
 
-    /// Imports one contact with its company, phones, mail, postal and web addresses and its picture. The new
-    /// row, or null: the account says why.
+    /// Imports one contact with its company, job title, phones, mail, postal and web addresses and its
+    /// picture. The new row, or null: the account says why.
     ContactPtr importContactToDataBase(const CNContact &contact);
+    /// Imports a card that names an organization only, as a company with its phones, mail, addresses and
+    /// picture. Null if there is one of that title, which is left as it is.
+    CompanyPtr importCompany(const CNContact &contact);
     /// A contact that the user was told is there already: it is compared, and never imported.
     void meet(const CNContact &contact);
     /// Something that could not even be read.
@@ -64,9 +70,14 @@ public:
     std::shared_ptr<EntityURLType> urlsTypeWith(const QString &label) const;
 
 private:
+    /// The category that a job title names, in English or in the user's language; null for any other job
+    /// title, as people are given one of the categories that there are.
+    std::shared_ptr<EntityContactCategory> categoryNamed(const QString &title) const;
     CompanyPtr companyNamed(const QString &title);
-    void addDetails(const ContactPtr &row, const CNContact &contact);
-    void addPicture(const ContactPtr &row, const CNContact &contact);
+    template <typename Owner>
+    void addDetails(const std::shared_ptr<Owner> &owner, const CNContact &contact);
+    template <typename Owner>
+    void addPicture(const std::shared_ptr<Owner> &owner, const QString &name, const CNContact &contact);
     QString freePhotoName();
     void compareExisting();
 
@@ -76,10 +87,13 @@ private:
     std::vector<std::shared_ptr<EntityEmailType>> emailTypes;
     std::vector<std::shared_ptr<EntityAddressType>> addressTypes;
     std::vector<std::shared_ptr<EntityURLType>> urlTypes;
+    std::vector<std::shared_ptr<EntityContactCategory>> categories;
     /// Rows of contacts by their two names, and of companies by their title; 0 for those that are new.
     QHash<QString, RowId> contacts;
     QHash<QString, RowId> companyRows;
     QHash<QString, CompanyPtr> companies;
+    /// The titles of those whose card has come in.
+    QSet<QString> describedCompanies;
     /// What the cards have of contacts that were there before, without pictures.
     std::vector<std::pair<RowId, CNContact>> met;
     double lastPhotoMoment = 0;

@@ -1,8 +1,6 @@
 #include "records/people/ImportableContacts.h"
 
 #include "calendarsync/RecordsTransaction.h"
-#include "contacts/VCardContact.h"
-#include "contacts/VCardReader.h"
 #include "foundation/Localization.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
@@ -17,9 +15,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+/// A card that names no person stands for its organization.
 QString titleOf(const CNContact &contact)
 {
-    return fullNameWith(contact.givenName, contact.familyName);
+    return contact.hasName() ? fullNameWith(contact.givenName, contact.familyName) : contact.organizationName;
 }
 
 QString withoutEnd(QString sentence)
@@ -36,6 +35,8 @@ ImportableContacts::ImportableContacts()
     mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
         present.insert(fullNameWith(row.text(0), row.text(1)));
     });
+    mainContext().visit(EntityCompany::fetchRequest(), {"title"},
+                        [&](const RowReader &row) { presentCompanies.insert(row.text(0)); });
 }
 
 ImportableContacts::~ImportableContacts() = default;
@@ -54,7 +55,6 @@ void ImportableContacts::clear()
     candidates.clear();
     entries.clear();
     known.clear();
-    organizations = 0;
     sentences.clear();
     rows.setMarked({});
     showRows();
@@ -77,11 +77,11 @@ bool ImportableContacts::openNext()
         return false;
     }
     device = std::move(opened.device);
-    reader = std::make_unique<VCardReader>(*device);
+    reader = ContactReader::of(cards.form(), *device);
     return true;
 }
 
-void ImportableContacts::take(const VCard &card)
+void ImportableContacts::take(const ContactReader::Entry &card)
 {
     const QString &origin = origins[nextOrigin - 1].name();
     const Candidate candidate{nextOrigin - 1, cardsOfOrigin++};
@@ -90,7 +90,7 @@ void ImportableContacts::take(const VCard &card)
             localized(u"The card in line %1 of \"%2\" is too large."_s).arg(card.line).arg(origin));
         return;
     }
-    const CNContact contact = contactFrom(card, CardImage::Leave);
+    const CNContact &contact = card.contact;
     const QString title = titleOf(contact);
     if (card.state == VCard::State::CutOff)
         sentences.append(
@@ -98,17 +98,15 @@ void ImportableContacts::take(const VCard &card)
                 .arg(card.line)
                 .arg(origin));
     if (title.isEmpty()) {
-        if (!contact.organizationName.isEmpty())
-            ++organizations;
-        else
-            sentences.append(
-                localized(u"The card in line %1 of \"%2\" has no name."_s).arg(card.line).arg(origin));
+        sentences.append(
+            localized(u"The card in line %1 of \"%2\" has no name."_s).arg(card.line).arg(origin));
         return;
     }
     candidates.push_back(candidate);
     const auto key = static_cast<MarkedRows::Key>(candidates.size());
-    const bool isPresent = present.contains(title);
-    entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : contact.organizationName});
+    const bool isPresent = (contact.hasName() ? present : presentCompanies).contains(title);
+    const QString detail = contact.hasName() ? contact.organizationName : localized(u"Company"_s);
+    entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : detail});
     if (isPresent)
         known.insert(key);
 }
@@ -122,7 +120,7 @@ bool ImportableContacts::readSome(int milliseconds)
     do {
         if (!reader && !openNext())
             continue;
-        if (const auto card = reader->next()) {
+        if (const auto card = reader->next(CardImage::Leave)) {
             take(*card);
         } else {
             if (cardsOfOrigin == 0)
@@ -179,14 +177,18 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
                           .arg(origins[origin].name(), withoutEnd(opened.reason)));
         return;
     }
-    VCardReader cards(*opened.device);
+    const auto cards = ContactReader::of(origins[origin].form(), *opened.device);
     int number = 0;
     auto next = wanted.begin();
-    for (auto card = cards.next(); card && next != wanted.end(); card = cards.next(), ++number) {
-        if (number != next->card)
+    for (; next != wanted.end(); ++number) {
+        const bool isWanted = number == next->card;
+        const auto card = cards->next(isWanted ? CardImage::Read : CardImage::Leave);
+        if (!card)
+            break;
+        if (!isWanted)
             continue;
         const Wanted one = *next++;
-        const CNContact contact = contactFrom(*card);
+        const CNContact &contact = card->contact;
         if (titleOf(contact) != entries[static_cast<std::size_t>(one.key - 1)].title) {
             import.refuse(localized(u"\"%1\" has changed since it was read."_s).arg(origins[origin].name()));
             return;
@@ -195,7 +197,9 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
             import.meet(contact);
             continue;
         }
-        if (const ContactPtr row = import.importContactToDataBase(contact))
+        if (!contact.hasName())
+            import.importCompany(contact);
+        else if (const ContactPtr row = import.importContactToDataBase(contact))
             index.add(row);
         isStopped = step && !step();
         if (isStopped)

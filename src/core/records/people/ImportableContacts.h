@@ -13,9 +13,6 @@
 #include <deque>
 #include <vector>
 
-class VCardReader;
-struct VCard;
-
 /// The contacts of files and address books, of which the user marks those that are to be imported. Their
 /// cards are read bit by bit, so that a window stays awake, and read again for the import: pictures are held
 /// only while they are written. Main thread only.
@@ -36,11 +33,10 @@ public:
     /// How much of what was added has been read, of 100.
     int percentRead() const;
 
-    /// The contacts by their full names. Those whose name is in the store are marked, and stay so.
+    /// The contacts by their full names, those of organizations by the names of these. Those whose name is in
+    /// the store are marked, and stay so.
     MarkedRows &list() { return rows; }
     const MarkedRows &list() const { return rows; }
-    /// How many contacts were read that have the name of an organization only, and are not offered.
-    int organizationCount() const { return organizations; }
     /// What could not be read, a sentence each.
     const QStringList &problems() const { return sentences; }
 
@@ -56,7 +52,7 @@ private:
         int card;
     };
     bool openNext();
-    void take(const VCard &card);
+    void take(const ContactReader::Entry &card);
     void showRows();
     void importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
                     const StepBlock &step, bool &isStopped);
@@ -65,13 +61,13 @@ private:
     std::vector<ContactCards> origins;
     std::size_t nextOrigin = 0;
     std::unique_ptr<QIODevice> device;
-    std::unique_ptr<VCardReader> reader;
+    std::unique_ptr<ContactReader> reader;
     int cardsOfOrigin = 0;
     /// A contact has its place in here plus one for a key.
     std::vector<Candidate> candidates;
     std::vector<MarkedRows::Entry> entries;
     QSet<QString> present;
+    QSet<QString> presentCompanies;
     std::unordered_set<MarkedRows::Key> known;
-    int organizations = 0;
     QStringList sentences;
 };

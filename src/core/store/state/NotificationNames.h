@@ -22,6 +22,8 @@ inline constexpr NotificationName<TaskPtr> taskChange{u"TaskChange"};
 /// The values of a group that is to be saved.
 inline constexpr NotificationName<MVContactGroup> saveNewContactGroup{u"SaveNewContactGroup"};
 /// Settings that travel between devices were changed by another one.
+/// Birthdays were switched on or off in the calendars.
+inline constexpr NotificationName<> calendarBirthdays{u"com.halvern.morvane.calendarBirthdays"};
 inline constexpr NotificationName<> preferences{u"com.halvern.morvane.preferences"};
 
 // Selection and commands.

@@ -17,6 +17,8 @@ inline const QString projectsFilters = QStringLiteral("ProjectsFilters");
 inline const QString contactsFilters = QStringLiteral("ContactsFilters");
 inline const QString taskGrouped = QStringLiteral("TaskGrouped");
 inline const QString calendarState = QStringLiteral("CalendarState");
+/// True where the calendars show no birthdays.
+inline const QString calendarHidesBirthdays = QStringLiteral("calendarHidesBirthdays");
 inline const QString calendarLastDate = QStringLiteral("CalendarLastDate");
 inline const QString selectSortCategoryIndex = QStringLiteral("SelectSortCategoryIndex");
 inline const QString needPopToRootDetailHome = QStringLiteral("needPopToRootDetailHome");

@@ -29,6 +29,7 @@ void CalendarItemCommands::serve(CalendarPage &page)
         if (screen.detailStack())
             TaskDetailViewController::showTask(task, screen, *screen.detailStack());
     });
+    connect(&page, &CalendarPage::personWanted, &screen, &TabsViewController::recordWanted);
     connect(&page, &CalendarPage::removeRequested, this,
             [this](const TaskPtr &task) { removeTasks({task}); });
     connect(&page, &CalendarPage::toggled, this,

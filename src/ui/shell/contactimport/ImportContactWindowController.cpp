@@ -115,7 +115,8 @@ QWidget *ImportContactWindowController::makeSources()
     connect(popUpSources, &QComboBox::activated, this, &ImportContactWindowController::showSource);
     buttonOpen = new QPushButton(localized(u"Open..."_s));
     buttonOpen->setObjectName(u"buttonOpen"_s);
-    buttonOpen->setToolTip(localized(u"Read contacts from vCard files; they can also be dropped here."_s));
+    buttonOpen->setToolTip(
+        localized(u"Read contacts from vCard or CSV files; they can also be dropped here."_s));
     connect(buttonOpen, &QPushButton::clicked, this, &ImportContactWindowController::chooseFiles);
     auto *row = new QWidget;
     auto *line = new QHBoxLayout(row);
@@ -134,7 +135,7 @@ QWidget *ImportContactWindowController::makeNoAccess()
     title->setObjectName(u"labelNoAccess"_s);
     title->setAlignment(Qt::AlignCenter);
     auto *words = makeTextLabel(
-        localized(u"Allow it in the Preferences to see your address books, or open a vCard file."_s),
+        localized(u"Allow it in the Preferences to see your address books, or open a file of contacts."_s),
         Theme::FontRole::Body, Theme::secondaryText);
     words->setAlignment(Qt::AlignCenter);
     auto *button = new QPushButton(localized(u"Preferences"_s));
@@ -231,11 +232,11 @@ void ImportContactWindowController::addFiles(const QStringList &paths)
 
 void ImportContactWindowController::chooseFiles()
 {
-    auto *dialog = new QFileDialog(this, localized(u"Open vCard Files"_s));
+    auto *dialog = new QFileDialog(this, localized(u"Open Contact Files"_s));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setNameFilters(
-        {localized(u"vCards"_s) + u" (*.vcf *.VCF *.vcard)"_s, localized(u"All files"_s) + u" (*)"_s});
+    dialog->setNameFilters({localized(u"vCards and tables"_s) + u" (*.vcf *.VCF *.vcard *.csv *.CSV)"_s,
+                            localized(u"All files"_s) + u" (*)"_s});
     connect(dialog, &QFileDialog::filesSelected, this, &ImportContactWindowController::addFiles);
     dialog->open();
 }
@@ -304,8 +305,9 @@ QString ImportContactWindowController::emptyWords() const
         return localized(u"Reading your address books"_s);
     if (contacts.isReading())
         return localized(u"Reading the contacts"_s);
-    return sources.empty() ? localized(u"There is no address book. Open a vCard file, or drop it here."_s)
-                           : localized(u"There is no contact that could be imported."_s);
+    return sources.empty()
+               ? localized(u"There is no address book. Open a file of contacts, or drop it here."_s)
+               : localized(u"There is no contact that could be imported."_s);
 }
 
 void ImportContactWindowController::showContent()
@@ -339,11 +341,6 @@ void ImportContactWindowController::showCounts()
     if (contacts.list().entryCount() > 0)
         sentences.append(
             localized(u"%1 of %2 contacts marked."_s).arg(marked).arg(contacts.list().entryCount()));
-    if (const int count = contacts.organizationCount(); count == 1)
-        sentences.append(localized(u"An organization is not listed, since it is no person."_s));
-    else if (count > 1)
-        sentences.append(
-            localized(u"%1 organizations are not listed, since they are no persons."_s).arg(count));
     const QStringList problems = failures + contacts.problems();
     sentences += problems.mid(0, mostSentences);
     if (problems.size() > mostSentences)
@@ -414,7 +411,7 @@ QStringList ImportContactWindowController::filesIn(const QMimeData &data)
     QStringList paths;
     for (const QUrl &url : data.urls()) {
         const QString suffix = QFileInfo(url.toLocalFile()).suffix().toLower();
-        if (url.isLocalFile() && (suffix == u"vcf" || suffix == u"vcard"))
+        if (url.isLocalFile() && (suffix == u"vcf" || suffix == u"vcard" || suffix == u"csv"))
             paths.append(url.toLocalFile());
     }
     return paths;

@@ -29,7 +29,8 @@ RecordKind NoteKind::description()
                      .emptySentence = localized(u"What you want to keep in mind, in your own words."_s),
                      .deletingSentence = localized(u"Deleting the selected notes"_s),
                      .opens = RecordListDescription::Opens::OnSelection,
-                     .besideSentence = localized(u"Select a note to read it here."_s)},
+                     .besideSentence = localized(u"Select a note to read it here."_s),
+                     .exports = {ExportFormat::ICalendar, ExportFormat::Csv}},
             .rows = [](const FilterEntry *) { return rows(); },
             .look =
                 [](const ManagedObject &record) {

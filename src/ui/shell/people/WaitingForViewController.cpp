@@ -44,7 +44,8 @@ static RecordKind waitingFor()
                  .toldOf = {EntityContacts::entityName},
                  .emptySentence = localized(u"What you have given to others and wait for."_s),
                  .deletingSentence = localized(u"Deleting the selected tasks"_s),
-                 .rowHeights = {.item = 56}};
+                 .rowHeights = {.item = 56},
+                 .exports = {ExportFormat::ICalendar, ExportFormat::Csv}};
     kind.rows = [](const FilterEntry *) { return rowsOfWaiting(); };
     kind.look = lookOfWaiting;
     kind.countInWords = waitingInWords;

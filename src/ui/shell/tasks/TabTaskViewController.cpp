@@ -24,7 +24,8 @@ static RecordListDescription listDescriptionOf(const TaskListDescription &descri
             .emptySentence = description.emptySentence,
             .filteredSentence = localized(u"No task passes the filter."_s),
             .deletingSentence = localized(u"Deleting the selected tasks"_s),
-            .detailPlace = description.detailPlace};
+            .detailPlace = description.detailPlace,
+            .exports = {ExportFormat::ICalendar, ExportFormat::Csv}};
 }
 
 TabTaskViewController::TabTaskViewController(const TaskListDescription &listDescription, QWidget *parent)

@@ -3,6 +3,7 @@
 #include "cloud/IcloudManager.h"
 #include "contacts/VCardContact.h"
 #include "contacts/VCardReader.h"
+#include "records/exchange/RecordExport.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ImportableContacts.h"
 #include "support/FullDisk.h"
@@ -86,16 +87,15 @@ TEST_F(ImportingContacts, OffersThemUnderTheirLetters)
                             card("N:;Ágnes;;;") + card("ORG:Works\r\nFN:Works") + card("TEL:1") +
                             "BEGIN:VCARD\r\nN:Cut;;;;\r\nTEL:1";
     const auto list = listOf(text);
-    EXPECT_EQ(shown(list->list()), u"# 7even A Ágnes =Ann Lee B Bob Kay C Cut"_qs);
-    EXPECT_EQ(list->organizationCount(), 1);
+    EXPECT_EQ(shown(list->list()), u"# 7even A Ágnes =Ann Lee B Bob Kay C Cut W Works"_qs);
     EXPECT_EQ(
         list->problems(),
         (QStringList{u"The card in line 23 of \"Friends\" has no name."_qs,
                      u"The card in line 27 of \"Friends\" is cut off; what there is of it is shown."_qs}));
     list->list().markShown(true);
-    EXPECT_EQ(list->list().marked().size(), 4u) << "not what is there already";
+    EXPECT_EQ(list->list().marked().size(), 5u) << "not what is there already";
     UserDefaults::standard().setObject(settings::contactDisplayOrder, 1);
-    EXPECT_EQ(shown(listOf(text)->list()), u"# 7even A Ágnes C Cut K Kay Bob L =Lee Ann"_qs);
+    EXPECT_EQ(shown(listOf(text)->list()), u"# 7even A Ágnes C Cut K Kay Bob L =Lee Ann W Works"_qs);
 }
 
 TEST_F(ImportingContacts, WritesEveryFieldOfOne)
@@ -373,7 +373,7 @@ TEST_F(ImportingContacts, TakesWhatWasExported)
     }
     ASSERT_FALSE(DBWorker::saveContext());
     const auto valuesOf = [](const EntityContacts &contact) {
-        CNContact values = ContactExport::contactOf(contact);
+        CNContact values = ContactExport().contactOf(contact);
         values.identifier.clear();
         const auto byValue = [](auto &all) {
             std::ranges::sort(all, {}, [](const auto &one) { return one.label + one.value; });
@@ -388,20 +388,54 @@ TEST_F(ImportingContacts, TakesWhatWasExported)
         wanted.push_back(valuesOf(*contact));
     QBuffer file;
     file.open(QIODevice::WriteOnly);
-    ASSERT_FALSE(ContactExport::write(file, contacts, {works}));
+    std::vector<RowId> rows;
+    for (const ContactPtr &one : contacts)
+        rows.push_back(one->rowId());
+    ASSERT_FALSE(RecordExport::write(file, ExportFormat::VCard, EntityContacts::entityName, rows));
+    ASSERT_FALSE(RecordExport::write(file, ExportFormat::VCard, EntityCompany::entityName, {works->rowId()}));
     for (const ContactPtr &contact : contacts)
         context().deleteObject(contact);
     context().deleteObject(works);
     ASSERT_FALSE(DBWorker::saveContext());
     const auto list = listOf(file.data());
-    EXPECT_EQ(list->organizationCount(), 1);
     list->list().markShown(true);
-    EXPECT_EQ(list->import(png).added, 40);
+    const ContactImportAccount account = list->import(png);
+    EXPECT_EQ(account.added, 40);
+    EXPECT_EQ(account.addedCompanies, 1);
     for (const CNContact &one : wanted) {
         const ContactPtr again = contact(one.givenName, one.familyName);
         ASSERT_TRUE(again) << qPrintable(one.givenName);
         EXPECT_EQ(valuesOf(*again), one) << qPrintable(one.givenName);
     }
+}
+
+TEST_F(ImportingContacts, MakesCompaniesOfOrganizations)
+{
+    const QByteArray text =
+        card("ORG:Works\r\nFN:Works\r\nTEL;TYPE=WORK:1\r\nADR;TYPE=WORK:;;1 Main St;Ulm;;;\r\n"
+             "PHOTO;ENCODING=b:" +
+             QByteArray("JPEG").toBase64()) +
+        card("N:Lee;Ann;;;\r\nORG:Works") + card("ORG:Works\r\nFN:Works\r\nTEL:2") +
+        card("ORG:Mill\r\nFN:Mill");
+    EXPECT_EQ(importAll(text).sentences(),
+              (QStringList{u"1 contact was imported."_qs, u"2 companies were imported."_qs,
+                           u"One was there already: Works."_qs}));
+    EXPECT_EQ(count<EntityCompany>(), 2);
+    const CompanyPtr works = EntityCompany::name(u"Works"_qs);
+    ASSERT_TRUE(works);
+    EXPECT_EQ(contact(u"Ann"_qs, u"Lee"_qs)->company(), works);
+    ASSERT_EQ(works->phone().size(), 1u) << "of the first card alone";
+    EXPECT_EQ(works->phone()[0]->number(), u"1"_qs);
+    EXPECT_EQ(works->address()[0]->city(), u"Ulm"_qs);
+    EXPECT_FALSE(works->photoName().isEmpty());
+    // Once more, both are there and stay as they are.
+    const auto list = listOf(text);
+    EXPECT_EQ(shown(list->list()), u"A =Ann Lee M =Mill W =Works =Works"_qs);
+    EXPECT_EQ(list->import(png).addedCompanies, 0);
+    EXPECT_EQ(count<EntityPhone>(), 1);
+    // The step is taken back as a whole.
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(count<EntityCompany>(), 0);
 }
 
 TEST_F(ImportingContacts, ExportsACompanyAsAnOrganization)
@@ -415,17 +449,21 @@ TEST_F(ImportingContacts, ExportsACompanyAsAnOrganization)
     QBuffer file;
     file.open(QIODevice::ReadWrite);
     int steps = 0;
-    ASSERT_FALSE(ContactExport::write(file, {}, {works, nullptr, works}, [&] { return ++steps < 1; }));
+    const std::vector<RowId> rows = {works->rowId(), works->rowId()};
+    const auto write = [&](QIODevice &device, const StepBlock &step) {
+        return RecordExport::write(device, ExportFormat::VCard, EntityCompany::entityName, rows, step);
+    };
+    ASSERT_FALSE(write(file, [&] { return ++steps < 1; }));
     EXPECT_EQ(file.data().count("BEGIN:VCARD"), 1) << "it ends where the user wants";
     file.seek(0);
     const auto card = VCardReader(file).next();
     ASSERT_TRUE(card);
-    EXPECT_EQ(contactFrom(*card), ContactExport::contactOf(*works));
-    EXPECT_EQ(ContactExport::contactOf(*works).phoneNumbers.front().label, CNLabel::workFax);
+    EXPECT_EQ(contactFrom(*card), ContactExport().contactOf(*works));
+    EXPECT_EQ(ContactExport().contactOf(*works).phoneNumbers.front().label, CNLabel::workFax);
     QBuffer closed;
     const QtMessageHandler former =
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    EXPECT_TRUE(ContactExport::write(closed, {}, {works}));
+    EXPECT_TRUE(write(closed, {}));
     qInstallMessageHandler(former);
 }
 
