@@ -102,6 +102,7 @@ public:
     /// The same once for all saves of one turn of the main loop.
     void badgeUpdataSoon();
     void reloadCalendarSetting();
+    bool hasMainWindow() const { return shell && shell->hasMainWindow(); }
     bool mayLeaveStore() { return !shell || shell->mayLeaveStore(); }
     void closeStartWindow();
     /// Another store is in use: screens and badge follow.

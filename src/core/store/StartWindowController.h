@@ -19,6 +19,10 @@ public:
     /// "User Guide".
     static void openHelp();
 
+    /// "Open Main Window" of the File menu: closes the start window and shows the main one. If there is none
+    /// yet, it is that of the user's own records.
+    static void openMainWindow();
+
     // The sample.
     /// Puts a clean sample store in place. The store in use must be that of the sample. Without a prepared
     /// store that can be used, the sample is empty.

@@ -127,6 +127,17 @@ bool StartWindowController::openBrowseSample()
     return true;
 }
 
+void StartWindowController::openMainWindow()
+{
+    AppDelegate &delegate = *AppDelegate::shared();
+    if (!delegate.hasMainWindow()) {
+        openStarted();
+        return;
+    }
+    delegate.closeStartWindow();
+    delegate.startMainWindow();
+}
+
 void StartWindowController::openHelp()
 {
     AppDelegate::shared()->openHelp();

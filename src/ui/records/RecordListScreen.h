@@ -82,6 +82,8 @@ public:
     bool canFilter() const override;
     bool canClearFilter() const override;
 
+    bool canPrint() const override { return hasRows(); }
+    void print(QPrinter &printer) override;
     ObjectPtr selectedRecord() const override;
     std::vector<ObjectPtr> chosenRecords(bool all) const override;
     std::string_view shownEntity() const override { return description.entity; }
