@@ -289,6 +289,7 @@ TEST_F(HelpTest, AboutSaysWhatIsConfigured)
     EXPECT_EQ(find<QLabel>(*about, "labelHolder").text(), u"© 2026 Somebody"_s);
     EXPECT_TRUE(
         find<QLabel>(*about, "labelPage").text().startsWith(u"Web site: <a href=\"https://x/&lt;b"_s));
+    EXPECT_EQ(find<QLabel>(*about, "labelPage").textFormat(), Qt::RichText);
     Q_EMIT find<QLabel>(*about, "labelSupport").linkActivated(u"mailto:help@example.org"_s);
     EXPECT_EQ(opened, QStringList{u"mailto:help@example.org"_s});
 }

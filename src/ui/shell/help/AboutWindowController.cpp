@@ -3,7 +3,6 @@
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/FeedbackMail.h"
-#include "records/MailDraft.h"
 #include "records/dates/MTDates.h"
 #include "store/AppDelegate.h"
 #include "widgets/Icons.h"
@@ -17,6 +16,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QScreen>
+#include <QUrl>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -39,6 +39,7 @@ void addLine(QVBoxLayout &column, const char *name, const QString &text, Theme::
     label->setObjectName(QString::fromLatin1(name));
     label->setAlignment(Qt::AlignHCenter);
     label->setWordWrap(false);
+    label->setTextFormat(text.contains(u"<a "_s) ? Qt::RichText : Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::LinksAccessibleByMouse |
                                    Qt::LinksAccessibleByKeyboard);
     QObject::connect(label, &QLabel::linkActivated, label,
@@ -83,9 +84,11 @@ AboutWindowController::AboutWindowController()
                 Theme::text);
     const QString address = configuration.text(u"supportAddress"_s);
     if (!address.isEmpty())
-        addLine(*column, "labelSupport",
-                localized(u"Support:"_s) + u' ' + linkTo(MailDraft{{address}, {}, {}}.url(), address),
-                Theme::FontRole::Body, Theme::text);
+        addLine(
+            *column, "labelSupport",
+            localized(u"Support:"_s) + u' ' +
+                linkTo(u"mailto:"_s + QString::fromLatin1(QUrl::toPercentEncoding(address, "@")), address),
+            Theme::FontRole::Body, Theme::text);
 }
 
 AboutWindowController *AboutWindowController::defaultController()

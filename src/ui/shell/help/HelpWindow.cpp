@@ -21,6 +21,7 @@ namespace {
 
 constexpr QSize firstSizeOfHelp(860, 700);
 constexpr int helpMargin = 5 * Theme::unit;
+constexpr int charactersOfField = 26;
 constexpr int mostSteps = 10;
 constexpr int leastSteps = -3;
 
@@ -38,6 +39,9 @@ HelpBrowser::HelpBrowser(QWidget *parent)
     setObjectName(u"helpBrowser"_s);
     setFrameShape(QFrame::NoFrame);
     setOpenExternalLinks(false);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    fitting.setSingleShot(true);
+    connect(&fitting, &QTimer::timeout, this, &HelpBrowser::fitPictures);
     document()->setDocumentMargin(helpMargin);
     document()->setDefaultStyleSheet(
         u"h1 { font-size: xx-large; margin-top: 0px; } h2 { font-size: large; margin-top: 24px; }"
@@ -57,6 +61,23 @@ QVariant HelpBrowser::loadResource(int type, const QUrl &name)
         return picture.width() > room ? picture.scaledToWidth(room, Qt::SmoothTransformation) : picture;
     }
     return {};
+}
+
+void HelpBrowser::resizeEvent(QResizeEvent *event)
+{
+    QTextBrowser::resizeEvent(event);
+    if (viewport()->width() != fittedWidth)
+        fitting.start(0);
+}
+
+void HelpBrowser::fitPictures()
+{
+    const bool isFirst = std::exchange(fittedWidth, viewport()->width()) == 0;
+    if (isFirst || source().isEmpty())
+        return;
+    const double place = double(verticalScrollBar()->value()) / std::max(1, verticalScrollBar()->maximum());
+    reload();
+    verticalScrollBar()->setValue(int(place * verticalScrollBar()->maximum()));
 }
 
 void HelpBrowser::doSetSource(const QUrl &name, QTextDocument::ResourceType type)
@@ -109,6 +130,7 @@ void HelpWindow::makeBar()
     field->setPlaceholderText(localized(u"Search the guide"_s));
     field->setAccessibleName(field->placeholderText());
     field->setClearButtonEnabled(true);
+    field->setMinimumWidth(charactersOfField * field->fontMetrics().averageCharWidth());
     bar->addWidget(field);
     connect(field, &QLineEdit::returnPressed, this, &HelpWindow::findNext);
     connect(field, &QLineEdit::textChanged, note, &QLabel::clear);
@@ -192,7 +214,7 @@ void HelpWindow::keyPressEvent(QKeyEvent *event)
         field->selectAll();
     } else if (event->key() == Qt::Key_Escape) {
         close();
-    } else if (event->matches(QKeySequence::Print) || !event->matches(QKeySequence::Cancel)) {
+    } else {
         QWidget::keyPressEvent(event);
     }
 }

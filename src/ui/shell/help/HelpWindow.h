@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QTextBrowser>
+#include <QTimer>
 #include <QWidget>
 
 class QLabel;
@@ -22,6 +23,14 @@ public:
 
 protected:
     void doSetSource(const QUrl &name, QTextDocument::ResourceType type) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    /// Pictures are as wide as their page; at another width they are read anew.
+    void fitPictures();
+
+    QTimer fitting;
+    int fittedWidth = 0;
 };
 
 /// The window of the user guide and of the page of the shortcuts: back, contents, a search over all pages,
