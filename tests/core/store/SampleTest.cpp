@@ -162,6 +162,13 @@ TEST_F(Sample, MovesTheDatesOnlyIfItIsOlderThanADay)
     StartWindowController::makeCorectSmpleDates();
     EXPECT_EQ(wallClock(*task(u"first"_s)->startDate()), u"2026-11-20 00:00:00 +0100"_s)
         << "yesterday is not old";
+    for (const TaskPtr &one : DBWorker::allTasks()) {
+        if (one->title() != u"later"_s)
+            one->setStatus(TaskStatus::Done);
+    }
+    task(u"later"_s)->setStartDate(localDate(2026, 11, 19, 8));
+    StartWindowController::makeCorectSmpleDates();
+    EXPECT_EQ(task(u"later"_s)->startDate(), localDate(2026, 11, 20, 8)) << "the day before yesterday is";
 }
 
 TEST_F(Sample, ADamagedOrMissingOneIsEmptyAndTouchesNothingElse)

@@ -227,6 +227,31 @@ TEST_F(StartWindowTest, EachStoreHasFiltersOfItsOwn)
     SavedFilter::ofTasks(0).storePristine();
 }
 
+TEST_F(StartWindowTest, TheSampleIsStillOnAfterARestartWithAllThatItLeavesAlone)
+{
+    addInbox({u"mine"_s});
+    goToSample();
+    add(u"added"_s);
+    delegate->applicationWillTerminate();
+    delegate.reset();
+    auto made = std::make_unique<Shell>();
+    shell = made.get();
+    delegate = std::make_unique<AppDelegate>(std::move(made));
+    delegate->applicationWillFinishLaunching();
+    delegate->applicationDidFinishLaunching();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    EXPECT_NE(stored(u"added"_s), nullptr);
+    showList(SidebarItem::Inbox);
+    EXPECT_FALSE(find<QWidget>(window(), "buttonCalendars").isEnabled());
+    controller().commands()->update();
+    EXPECT_FALSE(controller().commands()->action(ActionId::Calendars)->isEnabled());
+    delegate->applicationDidBecomeActive();
+    EXPECT_EQ(stored(u"mine"_s), nullptr);
+    goBack();
+    EXPECT_TRUE(find<QWidget>(window(), "buttonCalendars").isEnabled());
+    EXPECT_EQ(shownTitles(), QStringList{u"mine"_s});
+}
+
 TEST_F(StartWindowTest, TheSwitchIsQuick)
 {
     addInbox({u"mine"_s});
