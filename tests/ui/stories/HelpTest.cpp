@@ -6,9 +6,12 @@
 #include "records/DetailStack.h"
 #include "records/PaperText.h"
 #include "records/people/ContactForm.h"
+#include "shell/ApplicationBusObject.h"
+#include "shell/ApplicationLife.h"
 #include "shell/MainMenu.h"
 #include "shell/Shell.h"
 #include "shell/Shortcuts.h"
+#include "shell/SingleInstance.h"
 #include "shell/WindowCommands.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/help/AboutWindowController.h"
@@ -339,6 +342,25 @@ TEST_F(HelpTest, ANewerVersionIsToldOfAndAFailureInAClearSentence)
     EXPECT_EQ(opened, QStringList{u"https://x/new"_s});
     configure(R"({"updateFeed": "file:///etc/passwd"})");
     EXPECT_TRUE(told(Alert::firstButton).informativeText.contains(u"is no address of a web page"_s));
+}
+
+TEST_F(HelpTest, TheActionsOfTheDesktopFileAreThoseThatTheProgramKnows)
+{
+    ApplicationBusObject bus;
+    SingleInstance instance;
+    QObject::connect(&bus, &ApplicationBusObject::actionActivated, &instance,
+                     &SingleInstance::actionActivated);
+    const ApplicationLife life(*delegate, &instance);
+    window().close();
+    bus.ActivateAction(u"new-task"_s, {}, {});
+    EXPECT_TRUE(window().isVisible());
+    ASSERT_NE(newTaskWindow(), nullptr);
+    newTaskWindow()->close();
+    bus.ActivateAction(u"user-guide"_s, {}, {});
+    EXPECT_NE(HelpWindow::shared(), nullptr);
+    window().close();
+    bus.ActivateAction(u"unknown"_s, {}, {});
+    EXPECT_TRUE(window().isVisible());
 }
 
 TEST_F(HelpTest, ListsAndRecordsStandOnPaper)
