@@ -3,6 +3,7 @@
 #include "store/AppDelegate.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <string_view>
 
@@ -17,6 +18,47 @@ constexpr const char *usage =
     "\n"
     "Options of Qt, such as \"-platform\" and \"-style\", are passed on. A second start\n"
     "brings the window of the first one to the front.\n";
+
+// What QApplication and the platform of X11 take from the command line, with one dash or two.
+constexpr std::array<std::string_view, 15> optionsOfQtWithValue = {"platform",
+                                                                   "platformpluginpath",
+                                                                   "platformtheme",
+                                                                   "plugin",
+                                                                   "qwindowgeometry",
+                                                                   "session",
+                                                                   "qwindowicon",
+                                                                   "qwindowtitle",
+                                                                   "display",
+                                                                   "geometry",
+                                                                   "icon",
+                                                                   "title",
+                                                                   "style",
+                                                                   "stylesheet",
+                                                                   "name"};
+constexpr std::array<std::string_view, 4> optionsOfQt = {"reverse", "nograb", "dograb", "widgetcount"};
+
+/// The argument without its dashes; empty if it is no option.
+std::string_view nameOf(std::string_view argument)
+{
+    if (!argument.starts_with('-'))
+        return {};
+    return argument.substr(argument.starts_with("--") ? 2 : 1);
+}
+
+template <std::size_t count>
+bool isOneOf(const std::array<std::string_view, count> &names, std::string_view argument)
+{
+    return std::find(names.begin(), names.end(), nameOf(argument)) != names.end();
+}
+
+/// Such as "-style=fusion".
+template <std::size_t count>
+bool beginsWithOneOf(const std::array<std::string_view, count> &names, std::string_view argument)
+{
+    const std::string_view name = nameOf(argument);
+    return name.find('=') != std::string_view::npos &&
+           std::find(names.begin(), names.end(), name.substr(0, name.find('='))) != names.end();
+}
 
 bool isAsked(int argc, char *argv[], std::string_view shortName, std::string_view longName)
 {
@@ -39,11 +81,16 @@ std::optional<int> CommandLine::answer(int argc, char *argv[])
     return std::nullopt;
 }
 
-std::optional<int> CommandLine::refuse(const QStringList &arguments)
+std::optional<int> CommandLine::refuse(int argc, char *argv[])
 {
-    if (arguments.size() <= 1)
-        return std::nullopt;
-    std::fprintf(stderr, "morvane: unknown argument \"%s\". See \"morvane --help\".\n",
-                 qPrintable(arguments.at(1)));
-    return 2;
+    for (int place = 1; place < argc; ++place) {
+        const std::string_view argument = argv[place];
+        if (isOneOf(optionsOfQtWithValue, argument)) {
+            ++place;
+        } else if (!isOneOf(optionsOfQt, argument) && !beginsWithOneOf(optionsOfQtWithValue, argument)) {
+            std::fprintf(stderr, "morvane: unknown argument \"%s\". See \"morvane --help\".\n", argv[place]);
+            return 2;
+        }
+    }
+    return std::nullopt;
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QStringList>
-
 #include <optional>
 
 /// What the program is asked on its command line.
@@ -11,9 +9,8 @@ namespace CommandLine {
 /// \return the exit code, absent if neither was asked.
 std::optional<int> answer(int argc, char *argv[]);
 
-/// Tells on the standard error what is left of the arguments after Qt has taken its own.
-/// \param arguments begin with the name of the program.
-/// \return the exit code (2), absent if nothing is left.
-std::optional<int> refuse(const QStringList &arguments);
+/// Tells on the standard error of the first argument that neither this program nor Qt knows, before anything
+/// of the desktop is needed. \return the exit code (2), absent if all are known.
+std::optional<int> refuse(int argc, char *argv[]);
 
 } // namespace CommandLine

@@ -12,12 +12,12 @@ int main(int argc, char *argv[])
 {
     if (const auto code = CommandLine::answer(argc, argv))
         return *code;
+    if (const auto code = CommandLine::refuse(argc, argv))
+        return *code;
     // Qt looks only once, at the start, whether assistive technology is there; it may come later.
     if (!qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"))
         qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
     QApplication application(argc, argv);
-    if (const auto code = CommandLine::refuse(QApplication::arguments()))
-        return *code;
     SingleInstance instance;
     if (!instance.isFirst())
         return instance.activateOther() ? 0 : 1;

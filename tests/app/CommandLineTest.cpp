@@ -17,13 +17,13 @@ struct Answer
 };
 
 /// Runs the program in an empty home, without a screen or a session.
-Answer run(const QStringList &arguments)
+Answer run(const QStringList &arguments, const QString &platform = u"offscreen"_qs)
 {
     const QTemporaryDir home;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"})
         environment.insert(QString::fromLatin1(name), home.path());
-    environment.insert(u"QT_QPA_PLATFORM"_qs, u"offscreen"_qs);
+    environment.insert(u"QT_QPA_PLATFORM"_qs, platform);
     QProcess program;
     program.setProcessEnvironment(environment);
     program.start(QStringLiteral(MORVANE_PROGRAM), arguments);
@@ -45,10 +45,14 @@ TEST(CommandLineTest, AnswersWithoutOpeningTheProgram)
         EXPECT_TRUE(help.left.isEmpty()) << qPrintable(help.left.join(u' '));
     }
     EXPECT_TRUE(run({u"--version"_qs}).output.startsWith(u"Morvane "_qs));
-    const Answer unknown = run({u"--helq"_qs});
-    EXPECT_EQ(unknown.code, 2);
-    EXPECT_TRUE(unknown.error.contains(u"--helq"_qs)) << qPrintable(unknown.error);
-    EXPECT_TRUE(unknown.left.isEmpty()) << qPrintable(unknown.left.join(u' '));
+    for (const QStringList &given :
+         {QStringList{u"--helq"_qs}, {u"-style"_qs, u"x"_qs, u"--helq"_qs}, {u"-style=x"_qs, u"--helq"_qs}}) {
+        // There is no such platform, as there is no screen at a console.
+        const Answer unknown = run(given, u"none"_qs);
+        EXPECT_EQ(unknown.code, 2);
+        EXPECT_EQ(unknown.error, u"morvane: unknown argument \"--helq\". See \"morvane --help\".\n"_qs);
+        EXPECT_TRUE(unknown.left.isEmpty()) << qPrintable(unknown.left.join(u' '));
+    }
 }
 
 } // namespace

@@ -24,7 +24,7 @@ protected:
     const QStringList orderInUi = words(u"widgets filters records calendarviews shell/maps shell/tasks "
                                         u"shell/categories shell/notes shell/projects shell/search "
                                         u"shell/devices shell/calendars shell/contactimport shell/people "
-                                        u"shell/home shell");
+                                        u"shell/home shell/start shell/help shell");
     const QStringList tradesOfPlatform =
         words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");
 

@@ -10,6 +10,7 @@
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
+#include "store/SampleStore.h"
 #include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -165,11 +166,24 @@ bool AppDelegate::hasManagedObjectContext() const
     return contexts[selectedStack()] != nullptr;
 }
 
+void AppDelegate::resetStack(size_t stack)
+{
+    if (stack == ownStack)
+        exchange.reset();
+    watchers[stack].reset();
+    contexts[stack].reset();
+}
+
 void AppDelegate::resetStack0()
 {
-    exchange.reset();
-    watchers[ownStack].reset();
-    contexts[ownStack].reset();
+    resetStack(ownStack);
+}
+
+void AppDelegate::closeStore()
+{
+    if (shell)
+        shell->leaveStore();
+    resetStack(selectedStack());
 }
 
 std::unique_ptr<ManagedObjectContext> AppDelegate::openStore(const QString &fileName)
@@ -177,6 +191,12 @@ std::unique_ptr<ManagedObjectContext> AppDelegate::openStore(const QString &file
     FileManager::createAppFolder();
     const QString path = FileManager::appFolderURL() + u'/' + fileName;
     auto opened = ManagedObjectContext::open(path, organiserModel());
+    // A sample that cannot be used must not keep the user from the own records: it is made anew.
+    if (!opened && fileName == storeFileName(sampleStack)) {
+        Log::line(opened.error().message);
+        SampleStore::putInPlace(path);
+        opened = ManagedObjectContext::open(path, organiserModel());
+    }
     if (!opened)
         endForStore(path, opened.error());
     ManagedObjectContext *context = opened->get();
@@ -209,6 +229,34 @@ void AppDelegate::startStartWindow()
 {
     if (shell)
         shell->showStartWindow();
+}
+
+void AppDelegate::closeStartWindow()
+{
+    if (shell)
+        shell->closeStartWindow();
+}
+
+void AppDelegate::changeDataBase()
+{
+    if (shell)
+        shell->changeDataBase();
+    badgeUpdataSoon();
+    tendSearchIndexSoon();
+}
+
+void AppDelegate::openHelp()
+{
+    if (shell)
+        shell->openHelp();
+}
+
+void AppDelegate::activateSoon()
+{
+    MainLoop::performDelayed(Seconds(0), [this, living = std::weak_ptr(isBadgeDue)] {
+        if (living.lock())
+            applicationDidBecomeActive();
+    });
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows)

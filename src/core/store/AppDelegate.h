@@ -34,6 +34,15 @@ public:
     virtual bool commitEditing() = 0;
     /// The number beside the program's icon; an empty text for none.
     virtual void setBadgeLabel(const QString &label) = 0;
+    /// Asks about words that are typed and not saved; false if the user stays with them.
+    virtual bool mayLeaveStore() { return true; }
+    /// No screen holds a record from here on until `changeDataBase`: the store in use is about to be closed.
+    virtual void leaveStore() {}
+    /// Another store is in use: everything that is shown is fetched anew.
+    virtual void changeDataBase() {}
+    virtual void closeStartWindow() {}
+    /// Shows the user guide.
+    virtual void openHelp() {}
 };
 
 /// The root of the running program: owner of the two store stacks and of what the screens share.
@@ -79,6 +88,8 @@ public:
     bool hasManagedObjectContext() const;
     /// Forgets the stack of the user's own store, so that the next access opens it anew.
     void resetStack0();
+    /// The same for the store in use, which the screens let go of before. What was not saved is given up.
+    void closeStore();
     DataConteiner &dataConteiner() { return core->dataConteiner; }
     /// The cloud behind the store, made at first need.
     IcloudManager &icloud();
@@ -92,6 +103,14 @@ public:
     /// The same once for all saves of one turn of the main loop.
     void badgeUpdataSoon();
     void reloadCalendarSetting();
+    bool hasMainWindow() const { return shell && shell->hasMainWindow(); }
+    bool mayLeaveStore() { return !shell || shell->mayLeaveStore(); }
+    void closeStartWindow();
+    /// Another store is in use: screens and badge follow.
+    void changeDataBase();
+    void openHelp();
+    /// Does what an activation does, when the main loop comes round.
+    void activateSoon();
 
     // What follows a change of the store.
     /// What follows a commit of the store in use, after the calendars: badge and screens.
@@ -126,6 +145,7 @@ private:
     /// Reads from the settings which store is to be in use. Writes "0" where that is absent.
     void chooseStore();
     size_t selectedStack() const;
+    void resetStack(size_t stack);
     std::unique_ptr<ManagedObjectContext> openStore(const QString &fileName);
     [[noreturn]] static void endForStore(const QString &path, const Error &error);
     void registerObservers();

@@ -62,3 +62,8 @@ QString PlatformConfiguration::text(const QString &key) const
 {
     return values.value(key).toString();
 }
+
+QString PlatformConfiguration::textIn(const QString &key, const QString &name) const
+{
+    return values.value(key).toObject().value(name).toString();
+}

@@ -18,6 +18,8 @@ public:
     static void setAuthorization(const QString &what, int answer);
     /// A text value, or an empty text.
     QString text(const QString &key) const;
+    /// A text value of an object that stands under a key, or an empty text.
+    QString textIn(const QString &key, const QString &name) const;
     /// Keeps a text value in the file; everything else in it stays. A failure is logged.
     static void setText(const QString &key, const QString &value);
 

@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class QPrinter;
+
 /// Where the detail of a record lies in the content area.
 struct DetailPlace
 {
@@ -28,6 +30,12 @@ public:
     virtual bool shows(const std::shared_ptr<ManagedObject> &record) const = 0;
     /// That record, or null.
     virtual std::shared_ptr<ManagedObject> record() const { return nullptr; }
+    /// Writes what the pane says of the record on pages of a printer. False if it has nothing to write.
+    virtual bool print(QPrinter &printer)
+    {
+        Q_UNUSED(printer)
+        return false;
+    }
     /// Whether "KeySave" has something to do: the pane is being edited.
     virtual bool canSave() const { return false; }
     /// Whether the pane stays when its record leaves the list, since the user has sent it away from here.

@@ -5,6 +5,7 @@
 #include "foundation/Clock.h"
 #include "records/DetailStack.h"
 #include "records/DraggedRecords.h"
+#include "records/PaperText.h"
 #include "records/Waiting.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
@@ -250,6 +251,11 @@ std::vector<ObjectPtr> RecordListScreen::recordsAt(const std::set<int> &numbers)
             records.push_back(std::move(record));
     }
     return records;
+}
+
+void RecordListScreen::print(QPrinter &printer)
+{
+    PaperText::print(PaperText::ofList(description.title, *listModel, listType()), printer);
 }
 
 ExportRecords::Offer RecordListScreen::exportOffer() const

@@ -84,6 +84,8 @@ public:
     bool canFilter() const override;
     bool canClearFilter() const override;
 
+    bool canPrint() const override { return hasRows(); }
+    void print(QPrinter &printer) override;
     ObjectPtr selectedRecord() const override;
     bool canExport() const override { return hasRows() && !description.exports.empty(); }
     ExportRecords::Offer exportOffer() const override;

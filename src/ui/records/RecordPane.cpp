@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "records/FormView.h"
+#include "records/PaperText.h"
 #include "records/ShellAlerts.h"
 #include "records/Waiting.h"
 #include "store/state/NotificationNames.h"
@@ -149,6 +150,12 @@ void RecordPane::observeStore()
         if (canSave())
             finishEdit();
     }));
+}
+
+bool RecordPane::print(QPrinter &printer)
+{
+    PaperText::print(PaperText::ofRecord(*model), printer);
+    return true;
 }
 
 bool RecordPane::isConcernedBy(const StoreChanges &changes) const

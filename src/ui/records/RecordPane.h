@@ -35,6 +35,7 @@ public:
 
     bool shows(const ObjectPtr &record) const override;
     ObjectPtr record() const override { return model->record(); }
+    bool print(QPrinter &printer) override;
     bool canSave() const override { return isActive() && isEditing(); }
     bool hasChanges() override;
     bool saveEdit() override;

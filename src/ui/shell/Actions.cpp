@@ -64,7 +64,17 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::CalendarNext, u"actionCalendarNext", u"Next", u"Ctrl+Shift+PgDown"},
     ActionDescription{ActionId::CalendarPrevious, u"actionCalendarPrevious", u"Previous", u"Ctrl+Shift+PgUp"},
     ActionDescription{ActionId::FullScreen, u"actionFullScreen", u"Enter Full Screen", u"F11"},
+    ActionDescription{ActionId::Menu, u"actionMenu", u"Open the Menu", u"F10"},
     ActionDescription{ActionId::About, u"actionAbout", u"About Morvane", u""},
+    ActionDescription{ActionId::CheckUpdates, u"actionCheckUpdates", u"Check for Updates...", u""},
+    ActionDescription{ActionId::Welcome, u"actionWelcome", u"Welcome to Morvane", u""},
+    ActionDescription{ActionId::UserGuide, u"actionUserGuide", u"User Guide", u"F1"},
+    ActionDescription{ActionId::KeyboardShortcuts, u"actionKeyboardShortcuts", u"Keyboard Shortcuts",
+                      u"Shift+F1"},
+    ActionDescription{ActionId::ShortcutsHere, u"actionShortcutsHere", u"Shortcuts of This Window",
+                      u"Ctrl+F1"},
+    ActionDescription{ActionId::Feedback, u"actionFeedback", u"Feedback", u""},
+    ActionDescription{ActionId::HowTo, u"actionHowTo", u"How-To videos", u""},
 };
 
 std::span<const ActionDescription> Actions::table()
@@ -72,17 +82,22 @@ std::span<const ActionDescription> Actions::table()
     return actionTable;
 }
 
+const ActionDescription &Actions::describe(ActionId id)
+{
+    return *std::ranges::find(actionTable, id, &ActionDescription::id);
+}
+
+QString Actions::textOf(ActionId id)
+{
+    return localized(QString::fromUtf16(describe(id).text));
+}
+
+QKeySequence Actions::shortcutOf(ActionId id)
+{
+    return QKeySequence(QString::fromUtf16(describe(id).shortcut), QKeySequence::PortableText);
+}
+
 namespace {
-
-QString textOf(const ActionDescription &description)
-{
-    return localized(QString::fromUtf16(description.text));
-}
-
-QString textOf(ActionId id)
-{
-    return textOf(*std::ranges::find(actionTable, id, &ActionDescription::id));
-}
 
 /// What a command acts on, as its text goes on with it.
 QString objectText(const QString &object)
@@ -96,10 +111,9 @@ Actions::Actions(QObject *parent)
     : QObject(parent)
 {
     for (const ActionDescription &description : actionTable) {
-        auto *action = new QAction(textOf(description), this);
+        auto *action = new QAction(textOf(description.id), this);
         action->setObjectName(QString::fromUtf16(description.name));
-        action->setShortcut(
-            QKeySequence(QString::fromUtf16(description.shortcut), QKeySequence::PortableText));
+        action->setShortcut(shortcutOf(description.id));
         actions.insert(description.id, action);
     }
 }

@@ -57,7 +57,15 @@ enum class ActionId {
     CalendarNext,
     CalendarPrevious,
     FullScreen,
+    Menu,
     About,
+    CheckUpdates,
+    Welcome,
+    UserGuide,
+    KeyboardShortcuts,
+    ShortcutsHere,
+    Feedback,
+    HowTo,
 };
 
 /// A row of the table of commands.
@@ -79,6 +87,11 @@ public:
     explicit Actions(QObject *parent = nullptr);
 
     static std::span<const ActionDescription> table();
+    static const ActionDescription &describe(ActionId id);
+    /// The text of a command in the user's language.
+    static QString textOf(ActionId id);
+    /// Its keys, empty for none.
+    static QKeySequence shortcutOf(ActionId id);
 
     QAction *action(ActionId id) const { return actions.value(id); }
     QList<QAction *> all() const { return actions.values(); }

@@ -22,7 +22,7 @@ void ApplicationBusObject::Open(const QStringList &, const QVariantMap &)
     Q_EMIT activated();
 }
 
-void ApplicationBusObject::ActivateAction(const QString &, const QVariantList &, const QVariantMap &)
+void ApplicationBusObject::ActivateAction(const QString &name, const QVariantList &, const QVariantMap &)
 {
-    Q_EMIT activated();
+    Q_EMIT actionActivated(name);
 }

@@ -24,4 +24,6 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void activated();
+    /// One of the actions of the desktop file was chosen, by its name.
+    void actionActivated(const QString &name);
 };

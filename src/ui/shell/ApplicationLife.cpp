@@ -1,8 +1,12 @@
 #include "shell/ApplicationLife.h"
 
+#include "foundation/Clock.h"
 #include "foundation/Localization.h"
+#include "records/NewTaskRequest.h"
+#include "records/Waiting.h"
 #include "shell/QuitSignals.h"
 #include "shell/SingleInstance.h"
+#include "store/state/NotificationNames.h"
 #include "usernotifications/DesktopNotifications.h"
 #include "workspace/LauncherBadge.h"
 
@@ -26,6 +30,8 @@ ApplicationLife::ApplicationLife(AppDelegate &appDelegate, SingleInstance *singl
             [this] { stateChanged(Qt::ApplicationInactive); });
     if (instance)
         connect(instance, &SingleInstance::activated, this, &ApplicationLife::reopen);
+    if (instance)
+        connect(instance, &SingleInstance::actionActivated, this, &ApplicationLife::act);
 }
 
 ApplicationLife::~ApplicationLife()
@@ -83,6 +89,19 @@ void ApplicationLife::reopen()
 {
     delegate.startMainWindow();
     stateChanged(QGuiApplication::applicationState());
+}
+
+/// The actions of the desktop file. A question that stands is answered first, by the user.
+void ApplicationLife::act(const QString &name)
+{
+    reopen();
+    if (Waiting::isForUser())
+        return;
+    if (name == QStringLiteral("new-task"))
+        NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask,
+                                                 NewTaskRequest::today(Clock::now()));
+    else if (name == QStringLiteral("user-guide"))
+        delegate.openHelp();
 }
 
 void ApplicationLife::quit()

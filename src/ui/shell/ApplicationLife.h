@@ -39,6 +39,7 @@ private:
     void stateChanged(Qt::ApplicationState state);
     void startUserNotifications();
     void reopen();
+    void act(const QString &name);
 
     AppDelegate &delegate;
     SingleInstance *instance;

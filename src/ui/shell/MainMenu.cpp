@@ -1,75 +1,79 @@
 #include "shell/MainMenu.h"
 
 #include "foundation/Localization.h"
-#include "shell/Actions.h"
+#include "records/HelpAddresses.h"
+#include "workspace/PlatformConfiguration.h"
 
 #include <QMenuBar>
 
-#include <initializer_list>
-#include <optional>
-
 using namespace Qt::Literals::StringLiterals;
 
-/// Nothing in place of a command is a separator.
-using Entries = std::initializer_list<std::optional<ActionId>>;
+static const std::u16string_view calendarTitle = u"Calendar";
 
-static QMenu *fillMenu(QMenu *menu, Actions &actions, Entries entries)
+const std::vector<MainMenu::Description> &MainMenu::menus()
 {
-    for (const std::optional<ActionId> &entry : entries) {
+    using enum ActionId;
+    constexpr auto separator = std::nullopt;
+    static const std::vector<Description> all = {
+        {u"Morvane", {About, CheckUpdates, separator, ActionId::Preferences, Calendars, separator, Quit}},
+        {u"File",
+         {NewTask, separator, Save, separator, OpenMainWindow, CloseWindow, separator, Export, Print}},
+        {u"Edit",
+         {Undo, Redo, separator, Cut, Copy, Paste, Delete, SelectAll, separator, Search, FilterTasks,
+          ClearFilter, WhyIsItHere, ShowHistory}},
+        {u"View", {ShowHome,    ShowProjects,   separator,     ShowPeople,     ShowCompanies,
+                   ShowNotes,   separator,      ShowInbox,     ShowToday,      ShowScheduled,
+                   ShowSomeday, ShowCategories, ShowDelegated, ShowWaitingFor, ShowNotDone,
+                   ShowDone,    separator,      ShowCalendar,  separator,      FullScreen}},
+        {u"Calendar",
+         {CalendarToday, CalendarGoToDate, CalendarDay, CalendarWeek, CalendarMonth, CalendarNext,
+          CalendarPrevious, separator, CalendarBirthdays}},
+        {u"Help",
+         {UserGuide, KeyboardShortcuts, ShortcutsHere, separator, Feedback, HowTo, separator, Welcome}},
+    };
+    return all;
+}
+
+static void fillMenu(QMenu *menu, Actions &actions, const MainMenu::Description &description)
+{
+    for (const std::optional<ActionId> &entry : description.entries) {
         if (entry)
             menu->addAction(actions.action(*entry));
         else
             menu->addSeparator();
     }
     QObject::connect(menu, &QMenu::aboutToShow, &actions, &Actions::update);
-    return menu;
 }
 
-static QMenu *addMenu(QMenuBar &menuBar, Actions &actions, const QString &title, Entries entries)
+/// What leads to pages of the web is there where somebody has set up such pages.
+static void showConfigured(const Actions &actions)
 {
-    // Alt with the first letter opens the menu.
-    return fillMenu(menuBar.addMenu(u'&' + localized(title)), actions, entries);
+    const bool hasFeed = !PlatformConfiguration().text(u"updateFeed"_s).isEmpty();
+    actions.action(ActionId::CheckUpdates)->setVisible(hasFeed);
+    actions.action(ActionId::HowTo)->setVisible(!HelpAddresses::videos().isEmpty());
 }
 
 void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
 {
-    constexpr auto separator = std::nullopt;
-    addMenu(
-        menuBar, actions, u"Morvane"_s,
-        {ActionId::About, separator, ActionId::Preferences, ActionId::Calendars, separator, ActionId::Quit});
-    addMenu(menuBar, actions, u"File"_s,
-            {ActionId::NewTask, separator, ActionId::Save, separator, ActionId::OpenMainWindow,
-             ActionId::CloseWindow, separator, ActionId::Export, ActionId::Print});
-    addMenu(menuBar, actions, u"Edit"_s,
-            {ActionId::Undo, ActionId::Redo, separator, ActionId::Cut, ActionId::Copy, ActionId::Paste,
-             ActionId::Delete, ActionId::SelectAll, separator, ActionId::Search, ActionId::FilterTasks,
-             ActionId::ClearFilter, ActionId::WhyIsItHere, ActionId::ShowHistory});
-    QMenu *view = addMenu(menuBar, actions, u"View"_s,
-                          {ActionId::ShowHome,
-                           ActionId::ShowProjects,
-                           separator,
-                           ActionId::ShowPeople,
-                           ActionId::ShowCompanies,
-                           ActionId::ShowNotes,
-                           separator,
-                           ActionId::ShowInbox,
-                           ActionId::ShowToday,
-                           ActionId::ShowScheduled,
-                           ActionId::ShowSomeday,
-                           ActionId::ShowCategories,
-                           ActionId::ShowDelegated,
-                           ActionId::ShowWaitingFor,
-                           ActionId::ShowNotDone,
-                           ActionId::ShowDone,
-                           separator,
-                           ActionId::ShowCalendar,
-                           separator,
-                           ActionId::FullScreen});
-    auto *calendar = new QMenu(localized(u"Calendar"_s), view);
-    fillMenu(calendar, actions,
-             {ActionId::CalendarToday, ActionId::CalendarGoToDate, ActionId::CalendarDay,
-              ActionId::CalendarWeek, ActionId::CalendarMonth, ActionId::CalendarNext,
-              ActionId::CalendarPrevious, std::nullopt, ActionId::CalendarBirthdays});
-    view->insertMenu(actions.action(ActionId::FullScreen), calendar);
-    view->insertSeparator(actions.action(ActionId::FullScreen));
+    QMenu *view = nullptr;
+    for (const Description &description : menus()) {
+        const QString title = localized(QString::fromUtf16(description.title));
+        if (description.title == calendarTitle) {
+            auto *calendar = new QMenu(title, view);
+            fillMenu(calendar, actions, description);
+            view->insertMenu(actions.action(ActionId::FullScreen), calendar);
+            view->insertSeparator(actions.action(ActionId::FullScreen));
+            continue;
+        }
+        // Alt with the first letter opens the menu.
+        QMenu *menu = menuBar.addMenu(u'&' + title);
+        fillMenu(menu, actions, description);
+        QObject::connect(menu, &QMenu::aboutToShow, &actions, [&actions] { showConfigured(actions); });
+        if (std::u16string_view(description.title) == u"View")
+            view = menu;
+    }
+    QObject::connect(actions.action(ActionId::Menu), &QAction::triggered, &menuBar, [&menuBar] {
+        menuBar.setFocus(Qt::MenuBarFocusReason);
+        menuBar.setActiveAction(menuBar.actions().constFirst());
+    });
 }

@@ -1,10 +1,26 @@
 #pragma once
 
-class Actions;
+#include "shell/Actions.h"
+
+#include <optional>
+#include <vector>
+
 class QMenuBar;
 
 /// The menu bar, made from the table of commands.
 namespace MainMenu {
+
+/// A menu with its commands in their order.
+struct Description
+{
+    /// In English.
+    const char16_t *title;
+    /// Nothing in place of a command is a separator.
+    std::vector<std::optional<ActionId>> entries;
+};
+
+/// All menus in their order. That of the calendar lies in View.
+const std::vector<Description> &menus();
 
 void fill(QMenuBar &menuBar, Actions &actions);
 

@@ -1,23 +1,32 @@
 #include "calendarviews/BirthdayDays.h"
+#include "foundation/Alert.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/DetailStack.h"
+#include "records/FeedbackMail.h"
+#include "records/HelpAddresses.h"
 #include "records/ShellAlerts.h"
 #include "shell/Actions.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "shell/OutlineViewExtended.h"
+#include "shell/Shortcuts.h"
 #include "shell/TextCommands.h"
+#include "shell/WindowCommands.h"
 #include "shell/calendars/CalendarViewController.h"
 #include "shell/calendars/GoToDateWindowController.h"
+#include "shell/help/AboutWindowController.h"
+#include "shell/help/HelpPages.h"
+#include "shell/help/HelpWindow.h"
+#include "shell/help/UpdateCheck.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
+#include "workspace/Workspace.h"
 
 #include <QApplication>
 #include <QClipboard>
-#include <QMessageBox>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 
@@ -46,6 +55,16 @@ static bool canRedo()
 static QString nameOfStep(QString (ManagedObjectContext::*name)())
 {
     return TextCommands::hasText() || !context() ? QString() : localized((context()->*name)());
+}
+
+/// Opens an address with the program that the desktop has for it, or says that there is none.
+static void openOrTell(const QString &address)
+{
+    if (!Workspace::openUrl(address))
+        Alert::run({{},
+                    localized(u"No program is there that opens this."_s),
+                    address.startsWith(u"mailto:"_s) ? localized(u"Set up a program for mail."_s) : address,
+                    {localized(u"OK"_s)}});
 }
 
 void MainWindowController::bindActions()
@@ -93,7 +112,6 @@ void MainWindowController::bindActions()
         [this] { TextCommands::hasText() ? TextCommands::selectAll() : screen->selectAll(); },
         [this] { return TextCommands::hasText() || (screen && screen->hasRows()); });
     actions->bind(ActionId::FullScreen, [this] { toggleFullScreen(); });
-    actions->bind(ActionId::About, [this] { showAbout(); });
 }
 
 /// What is marked in a text, or else the selected rows as lines.
@@ -160,7 +178,8 @@ void MainWindowController::bindCalendar()
     turn(ActionId::CalendarNext, 1);
     turn(ActionId::CalendarPrevious, -1);
     actions->bind(
-        ActionId::Print, [this] { printScreen(); }, [this] { return screen && screen->canPrint(); });
+        ActionId::Print, [this] { printScreen(); },
+        [this] { return (details->top() && details->top()->record()) || (screen && screen->canPrint()); });
     actions->bind(ActionId::CalendarGoToDate, [this] { goToDate(); });
     actions->bind(ActionId::CalendarBirthdays, [this] {
         BirthdayDays::setWanted(!BirthdayDays::areWanted());
@@ -189,11 +208,14 @@ void MainWindowController::goToDate()
 void MainWindowController::printScreen()
 {
     QPrinter printer(QPrinter::HighResolution);
-    printer.setPageOrientation(QPageLayout::Landscape);
+    const bool isPane = details->top() && details->top()->record();
+    const bool isCalendar = !isPane && dynamic_cast<CalendarViewController *>(screen.data());
+    printer.setPageOrientation(isCalendar ? QPageLayout::Landscape : QPageLayout::Portrait);
     QPrintPreviewDialog preview(&printer, mainWindow.get());
     preview.setObjectName(u"QPrintPreviewDialog"_s);
     connect(&preview, &QPrintPreviewDialog::paintRequested, this, [this](QPrinter *paper) {
-        if (screen)
+        DetailViewController *const pane = details->top();
+        if (!(pane && pane->record() && pane->print(*paper)) && screen)
             screen->print(*paper);
     });
     preview.exec();
@@ -263,16 +285,18 @@ void MainWindowController::fullScreenChanged()
         ->setText(localized(isFull ? u"Exit Full Screen"_s : u"Enter Full Screen"_s));
 }
 
-static constexpr int aboutIconSize = 64;
+// Help
 
-void MainWindowController::showAbout()
+void MainWindowController::bindHelp()
 {
-    QMessageBox box(mainWindow.get());
-    box.setWindowTitle(localized(u"About Morvane"_s));
-    box.setTextFormat(Qt::RichText);
-    box.setText(u"<h3>Morvane</h3><p>%1 %2</p><p>%3</p>"_s.arg(
-        localized(u"Version"_s), AppDelegate::version(),
-        localized(u"Tasks, projects, contacts and calendars in one place."_s)));
-    box.setIconPixmap(QGuiApplication::windowIcon().pixmap(aboutIconSize, aboutIconSize));
-    box.exec();
+    actions->bind(ActionId::About, [] { AboutWindowController::defaultController()->showWindow(); });
+    actions->bind(ActionId::CheckUpdates, [] { UpdateCheck::run(); });
+    actions->bind(ActionId::Welcome, [this] { openWelcomeWindow(); });
+    actions->bind(ActionId::UserGuide, [this] { Q_EMIT userGuideRequested(); });
+    actions->bind(ActionId::KeyboardShortcuts, [] { HelpWindow::showPage(HelpPages::shortcuts); });
+    actions->bind(ActionId::ShortcutsHere, [this] {
+        ShortcutsOverlay::toggle(*mainWindow, Shortcuts::linesOf(WindowCommands::commandsOf(*mainWindow)));
+    });
+    actions->bind(ActionId::Feedback, [] { openOrTell(FeedbackMail::url()); });
+    actions->bind(ActionId::HowTo, [] { openOrTell(HelpAddresses::videos()); });
 }

@@ -13,6 +13,7 @@
 #include "shell/OutlineViewExtended.h"
 #include "shell/RightToolBar.h"
 #include "shell/Screens.h"
+#include "shell/search/SearchField.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/ScreenToolBar.h"
@@ -40,6 +41,7 @@ MainWindowController::MainWindowController()
     bindActions();
     bindLists();
     bindCalendar();
+    bindHelp();
     MainMenu::fill(*mainWindow->menuBar(), *actions);
     mainWindow->addActions(actions->all());
     windowDidLoad();
@@ -237,6 +239,25 @@ void MainWindowController::selectAgain(SidebarItem former, const QString &former
         showList(former == SidebarItem::ContactGroup ? SidebarItem::People : former);
 }
 
+void MainWindowController::leaveDataBase()
+{
+    details->removeAllDetail();
+    searchWanted = nullptr;
+    newGroupEntity = nullptr;
+    SelectedTaskController::sharedCenter().removeAllTasks();
+    mainWindow->rightToolBarMain()->searchField()->clear();
+    const auto windows = mainWindow->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
+    for (const QPointer<QWidget> window : windows) {
+        if (window && window->isWindow())
+            window->close();
+    }
+    if (TabsViewController *const former = screen) {
+        screen = nullptr;
+        letGoOf(former);
+    }
+    sidebar->forgetGroups();
+}
+
 void MainWindowController::changeDataBase()
 {
     // Panes and windows for new records are about the other store.
@@ -248,8 +269,13 @@ void MainWindowController::changeDataBase()
     // Its screen shows the other store, too.
     selectItem.reset();
     loadContactsGroup();
-    QTimer::singleShot(firstSelectionDelay, this, [this, former, group] { selectAgain(former, group); });
+    selectAgain(former, group);
     countTasksBadge();
+    actions->update();
+    QTimer::singleShot(0, this, [this] {
+        if (mainWindow->isVisible())
+            openDrafts();
+    });
 }
 
 void MainWindowController::openWelcomeWindow()
@@ -314,13 +340,17 @@ void MainWindowController::show(TabsViewController *newScreen)
     newScreen->reloadData();
     mainWindow->rightToolBarMain()->chengedToolBar()->addToolBar(newScreen->toolBarView());
     mainWindow->rightContentView()->layout()->addWidget(newScreen);
-    if (former) {
-        former->clearController();
-        former->disconnect(this);
-        former->setDetailStack(nullptr);
-        mainWindow->rightContentView()->layout()->removeWidget(former);
-        Waiting::remove(former);
-    }
+    if (former)
+        letGoOf(former);
     newScreen->show();
     actions->update();
+}
+
+void MainWindowController::letGoOf(TabsViewController *former)
+{
+    former->clearController();
+    former->disconnect(this);
+    former->setDetailStack(nullptr);
+    mainWindow->rightContentView()->layout()->removeWidget(former);
+    Waiting::remove(former);
 }

@@ -77,6 +77,8 @@ public:
     void showHistory();
     void copy();
     void exportRecords();
+    /// The store in use is about to be closed: screens, panes and windows let go of its records.
+    void leaveDataBase();
     /// Another store is in use: everything is fetched anew.
     void changeDataBase();
     /// Closes the main window, if nothing typed is to stay, and opens the window that the program offers its
@@ -85,6 +87,7 @@ public:
 
 Q_SIGNALS:
     void quitRequested();
+    void userGuideRequested();
 
 private:
     void windowDidLoad();
@@ -114,6 +117,8 @@ private:
     void openLeftText(const QString &file);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);
+    void letGoOf(TabsViewController *former);
+    void bindHelp();
     bool showScreenWithoutRow(SidebarItem item);
     template <typename Make>
     void showNewWindow(const QString &name, Make make);
@@ -132,7 +137,6 @@ private:
     void nameBirthdays();
     void toggleFullScreen();
     void fullScreenChanged();
-    void showAbout();
 
     std::unique_ptr<MainWindow> mainWindow;
     SidebarModel *sidebar;

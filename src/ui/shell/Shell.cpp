@@ -3,11 +3,21 @@
 #include "calendarsync/PassProgress.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "foundation/Region.h"
 #include "objectstore/Sqlite.h"
 #include "records/DraftKeeper.h"
+#include "records/HelpAddresses.h"
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
+#include "shell/Shortcuts.h"
+#include "shell/WindowCommands.h"
+#include "shell/help/AboutWindowController.h"
+#include "shell/help/HelpPages.h"
+#include "shell/help/HelpWindow.h"
+#include "shell/start/StartWindow.h"
+#include "shell/start/StartWindowItem.h"
+#include "store/StartWindowController.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/LongWork.h"
@@ -24,8 +34,40 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-Shell::Shell() = default;
-Shell::~Shell() = default;
+Shell::Shell()
+    : commands(std::make_unique<WindowCommands>())
+{
+    bindCommands();
+    HelpPages::setShortcuts(Shortcuts::page);
+}
+
+Shell::~Shell()
+{
+    // These belong to no window.
+    delete HelpWindow::shared();
+    delete AboutWindowController::shared();
+}
+
+void Shell::bindCommands()
+{
+    commands->bind(ActionId::Quit, [this] { quit(); });
+    commands->bind(ActionId::UserGuide, [this] { openHelp(); });
+    commands->bind(ActionId::KeyboardShortcuts, [] { HelpWindow::showPage(HelpPages::shortcuts); });
+    commands->bind(ActionId::OpenMainWindow, [] { StartWindowController::openMainWindow(); });
+    commands->bind(ActionId::Preferences, [this] {
+        if (controller)
+            controller->showSettings();
+    });
+}
+
+/// Only who asks for it by a command can be asked back: a session that ends does not wait.
+void Shell::quit()
+{
+    if (controller && !controller->closeNewWindows())
+        return;
+    if (ApplicationLife *life = ApplicationLife::shared())
+        life->quit();
+}
 
 void Shell::prepareApplication()
 {
@@ -62,21 +104,61 @@ void Shell::showMainWindow()
                 life->windowWasPainted();
             }
         });
-        QObject::connect(controller.get(), &MainWindowController::quitRequested, controller.get(), [this] {
-            // Only who asks for it by the menu can be asked back: a session that ends does not wait.
-            if (!controller->closeNewWindows())
-                return;
-            if (ApplicationLife *life = ApplicationLife::shared())
-                life->quit();
-        });
+        QObject::connect(controller.get(), &MainWindowController::quitRequested, controller.get(),
+                         [this] { quit(); });
+        QObject::connect(controller.get(), &MainWindowController::userGuideRequested, controller.get(),
+                         [this] { openHelp(); });
     }
     controller->showWindow();
+    if (start && start->isVisible())
+        start->showWindow(controller->window());
 }
 
-/// The main window is also where the program begins.
 void Shell::showStartWindow()
 {
-    showMainWindow();
+    if (!start) {
+        start = std::make_unique<StartWindow>();
+        const auto connectItem = [this](StartWindowItem *item, auto chosen) {
+            QObject::connect(item, &StartWindowItem::clicked, start.get(), chosen);
+        };
+        connectItem(start->itemGetStarted(), [] { StartWindowController::openStarted(); });
+        connectItem(start->itemSample(), [] { StartWindowController::openBrowseSample(); });
+        connectItem(start->itemUserGuide(), [] { StartWindowController::openHelp(); });
+    }
+    const bool isBehind = controller && controller->window()->isVisible();
+    if (isBehind)
+        controller->window()->raise();
+    start->showWindow(isBehind ? controller->window() : nullptr);
+}
+
+void Shell::closeStartWindow()
+{
+    if (start)
+        start->close();
+}
+
+bool Shell::mayLeaveStore()
+{
+    return !controller || controller->closeNewWindows();
+}
+
+void Shell::leaveStore()
+{
+    if (controller)
+        controller->leaveDataBase();
+}
+
+void Shell::changeDataBase()
+{
+    if (controller)
+        controller->changeDataBase();
+}
+
+void Shell::openHelp()
+{
+    const QString page = HelpAddresses::guide(Region::preferredLocalizations());
+    if (page.isEmpty() || !Workspace::openUrl(page))
+        HelpWindow::showPage(HelpPages::contents);
 }
 
 bool Shell::commitEditing()

@@ -5,6 +5,8 @@
 #include <memory>
 
 class MainWindowController;
+class StartWindow;
+class WindowCommands;
 
 /// The screens, as the root of the program asks for them.
 class Shell : public ShellPort
@@ -21,10 +23,21 @@ public:
     bool hasMainWindow() const override { return controller != nullptr; }
     bool commitEditing() override;
     void setBadgeLabel(const QString &label) override;
+    bool mayLeaveStore() override;
+    void leaveStore() override;
+    void changeDataBase() override;
+    void closeStartWindow() override;
+    void openHelp() override;
 
     MainWindowController *mainWindow() const { return controller.get(); }
+    StartWindow *startWindow() const { return start.get(); }
 
 private:
+    void bindCommands();
+    void quit();
+
     std::unique_ptr<MainWindowController> controller;
+    std::unique_ptr<StartWindow> start;
+    std::unique_ptr<WindowCommands> commands;
     QString badgeLabel;
 };

@@ -43,6 +43,13 @@ void SidebarModel::loadContactsGroup()
     endResetModel();
 }
 
+void SidebarModel::forgetGroups()
+{
+    beginResetModel();
+    contactRows.resize(2);
+    endResetModel();
+}
+
 bool SidebarModel::refreshGroups()
 {
     std::size_t row = 2;

@@ -28,6 +28,8 @@ public:
 
     /// Takes the contact groups anew, first the groups, then the lists.
     void loadContactsGroup();
+    /// Takes the rows of the groups out.
+    void forgetGroups();
     /// Whether the rows of the groups are those of the store; their titles are shown anew.
     bool refreshGroups();
     /// The numbers beside the rows of "Tasks".

@@ -76,6 +76,7 @@ void SingleInstance::registerOnBus()
         return;
     auto *object = new ApplicationBusObject(this);
     connect(object, &ApplicationBusObject::activated, this, &SingleInstance::activated);
+    connect(object, &ApplicationBusObject::actionActivated, this, &SingleInstance::actionActivated);
     // The object first, so that nobody who sees the name finds nothing behind it.
     bus.registerObject(ApplicationBusObject::path(), object, QDBusConnection::ExportScriptableSlots);
     bus.registerService(ApplicationBusObject::service());

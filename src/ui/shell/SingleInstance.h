@@ -28,6 +28,8 @@ public:
 Q_SIGNALS:
     /// Somebody wants to see the window.
     void activated();
+    /// Somebody wants an action of the desktop file, by its name.
+    void actionActivated(const QString &name);
 
 private:
     void listen();

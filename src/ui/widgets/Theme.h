@@ -75,6 +75,10 @@ inline constexpr QColor badge{255, 255, 255, 31};
 inline constexpr QColor badgeText{214, 217, 221};
 inline constexpr QColor badgeOverdue{214, 72, 65};
 
+// The start window: its dark half and its light one.
+inline constexpr QColor startText{177, 193, 206};
+inline constexpr QColor startRightText{75, 82, 96};
+
 // Measures: all of them multiples of half the rhythm.
 inline constexpr int unit = 8;
 inline constexpr int cardRadius = 10;

@@ -1,0 +1,84 @@
+#include "shell/help/HelpPages.h"
+
+#include "foundation/Clock.h"
+#include "foundation/Localization.h"
+#include "records/dates/MTDates.h"
+#include "store/AppDelegate.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTextDocumentFragment>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+QString linkBack()
+{
+    return u"<p><a href=\"%1\">%2</a></p>"_s.arg(HelpPages::contents,
+                                                 localized(u"Contents"_s).toHtmlEscaped());
+}
+
+/// What stands in double braces is what the program says itself: commands are named as the menus name them.
+QString withWordsOfProgram(const QString &page)
+{
+    static const QRegularExpression word(u"\\{\\{(.+?)\\}\\}"_s);
+    QString told;
+    qsizetype place = 0;
+    for (auto found = word.globalMatch(page); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        told += page.mid(place, match.capturedStart() - place) + localized(match.captured(1)).toHtmlEscaped();
+        place = match.capturedEnd();
+    }
+    return told + page.mid(place);
+}
+
+std::function<QString()> &shortcutsSource()
+{
+    static std::function<QString()> source;
+    return source;
+}
+
+} // namespace
+
+void HelpPages::setShortcuts(std::function<QString()> page)
+{
+    shortcutsSource() = std::move(page);
+}
+
+QString HelpPages::folder()
+{
+    const QString all =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + u"/" MORVANE_RESOURCES u"/help"_s);
+    const QString own = all + u'/' + languageOfWords();
+    return QFile::exists(own + u'/' + contents) ? own : all + u"/en"_s;
+}
+
+QStringList HelpPages::names()
+{
+    static const QRegularExpression link(u"<li><a href=\"([a-z]+\\.html)\""_s);
+    QStringList all = {contents};
+    auto found = link.globalMatch(html(contents));
+    while (found.hasNext())
+        all.append(found.next().captured(1));
+    return all;
+}
+
+QString HelpPages::html(const QString &name)
+{
+    if (name == shortcuts && shortcutsSource())
+        return linkBack() + shortcutsSource()();
+    QFile file(folder() + u'/' + name);
+    if (name.contains(u'/') || !file.open(QIODevice::ReadOnly))
+        return linkBack() + u"<p>%1</p>"_s.arg(localized(u"There is no such page."_s).toHtmlEscaped());
+    return withWordsOfProgram(QString::fromUtf8(file.readAll()))
+        .replace(u"#*VERSION*#"_s, AppDelegate::version())
+        .replace(u"#*CURRENT_YEAR*#"_s, QString::number(MTDates::year(Clock::now())));
+}
+
+QString HelpPages::words(const QString &name)
+{
+    return QTextDocumentFragment::fromHtml(html(name)).toPlainText();
+}
