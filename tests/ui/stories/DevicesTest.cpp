@@ -87,6 +87,8 @@ TEST_F(DevicesTest, ANewPassphraseIsTypedTwiceAndAWrongOneIsToldOfAtOnce)
     {
         PassphraseDialog &dialog = openDialog("buttonSeal");
         EXPECT_FALSE(find<QPushButton>(dialog, "buttonDone").isEnabled());
+        QTest::keyClick(&find<QLineEdit>(dialog, "fieldPassphrase"), Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible()) << "Return gives nothing up";
         EXPECT_EQ(find<QLineEdit>(dialog, "fieldPassphrase").echoMode(), QLineEdit::Password);
         type(dialog, "fieldPassphrase", u"short"_s);
         type(dialog, "fieldPassphraseAgain", u"short"_s);
@@ -99,7 +101,7 @@ TEST_F(DevicesTest, ANewPassphraseIsTypedTwiceAndAWrongOneIsToldOfAtOnce)
         EXPECT_EQ(wrongIn(dialog), u"The two are not the same."_s);
         EXPECT_FALSE(hasKey());
         type(dialog, "fieldPassphraseAgain", u"seven seals"_s);
-        press(dialog);
+        QTest::keyClick(&find<QLineEdit>(dialog, "fieldPassphraseAgain"), Qt::Key_Return);
     }
     closeDialogs();
     EXPECT_TRUE(hasKey());

@@ -87,8 +87,7 @@ DevicesWindow::DevicesWindow(QWidget *parent)
     sealingCard = sealed->parentWidget();
     addText(*sealed,
             localized(u"In a sealed folder, only computers that know the passphrase can read your records. "
-                      "Pictures of people, companies and projects are not sealed, and neither are the number "
-                      "and the size of the files."_s),
+                      "Pictures are not sealed, and the number and the size of the files can be seen."_s),
             Theme::FontRole::Small, Theme::secondaryText);
     sealing = addText(*sealed, {}, Theme::FontRole::Body, Theme::text);
     sealing->setObjectName(u"labelSealing"_s);

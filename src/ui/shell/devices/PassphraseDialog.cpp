@@ -56,9 +56,11 @@ PassphraseDialog::PassphraseDialog(Purpose asked, Use used, QWidget *parent)
                               QDialogButtonBox::AcceptRole);
     cancel->setObjectName(u"buttonCancel"_s);
     done->setObjectName(u"buttonDone"_s);
+    column->addWidget(buttons);
+    // Return never gives up what was typed.
+    cancel->setAutoDefault(false);
     done->setDefault(true);
     done->setEnabled(false);
-    column->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(buttons, &QDialogButtonBox::accepted, this, &PassphraseDialog::use);
     first->setFocus();
