@@ -320,9 +320,9 @@ TEST_F(SealedExchangeTest, AFolderThatWasOpenIsSealedByEachDeviceForItsOwnFiles)
 TEST_F(SealedExchangeTest, OpenChangedAndMisplacedFilesAreToldOfAndTriedAgain)
 {
     const LogCapture log;
+    other.stop();
     save(one, "Momo");
     ASSERT_TRUE(waitFor([this] { return filesOf(one).size() == 1; }));
-    other.stop();
     const QString file = path(one, filesOf(one).front());
     const QByteArray open = contents(file);
     ASSERT_FALSE(sealOfOne->begin(passphrase));
