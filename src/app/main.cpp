@@ -1,6 +1,7 @@
 #include "CalendarBackends.h"
 #include "CommandLine.h"
 #include "ContactBackends.h"
+#include "cloud/Replication.h"
 #include "shell/ApplicationLife.h"
 #include "shell/Shell.h"
 #include "shell/SingleInstance.h"
@@ -24,6 +25,8 @@ int main(int argc, char *argv[])
     Shell::prepareApplication();
     connectCalendars();
     connectContacts();
+    Replication::setSealingLibrary(QCoreApplication::applicationDirPath() +
+                                   QStringLiteral("/" MORVANE_LIBRARIES "/morvane-sealing"));
     AppDelegate delegate(std::make_unique<Shell>());
     ApplicationLife life(delegate, &instance);
     delegate.applicationWillFinishLaunching();

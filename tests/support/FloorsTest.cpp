@@ -26,7 +26,7 @@ protected:
                                         u"shell/devices shell/calendars shell/contactimport shell/people "
                                         u"shell/home shell/start shell/help shell");
     const QStringList tradesOfPlatform =
-        words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/");
+        words(u"unicode/ sqlite3 libical/ libecal/ libebook/ libedataserver/ sodium");
 
     static QStringList words(QStringView text) { return text.toString().split(u' '); }
 

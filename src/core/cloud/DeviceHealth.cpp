@@ -11,6 +11,7 @@
 
 using replication::Device;
 using replication::Health;
+using replication::SealingState;
 
 namespace {
 
@@ -44,6 +45,21 @@ DeviceHealth::Line lineOf(const Device &device, const Device &own)
     return line;
 }
 
+QString sealingIn(const Health &health)
+{
+    switch (health.sealing) {
+    case SealingState::Open:
+        return localized(QStringLiteral("The folder is open: whoever reads it reads your records."));
+    case SealingState::Sealed:
+        return localized(QStringLiteral("The folder is sealed. What other computers wrote before is sealed "
+                                        "once they have the passphrase."));
+    case SealingState::NeedsPassphrase:
+    case SealingState::Unusable:
+        break;
+    }
+    return localized(health.sealingProblem) + u'.';
+}
+
 } // namespace
 
 DeviceHealth DeviceHealth::of(const Replication *replication)
@@ -75,10 +91,17 @@ DeviceHealth DeviceHealth::of(const Health &health)
     }
     for (const Health::Problem &problem : health.problems)
         words.problems.push_back({QFileInfo(problem.path).fileName(), localized(problem.reason)});
-    words.isWrong = !health.folderProblem.isEmpty() || !health.problems.empty();
+    words.sealing = sealingIn(health);
+    words.canSeal = health.sealing == SealingState::Open;
+    words.needsPassphrase = health.sealing == SealingState::NeedsPassphrase;
+    words.isWrong =
+        !health.folderProblem.isEmpty() || !health.sealingProblem.isEmpty() || !health.problems.empty();
     if (!health.folderProblem.isEmpty())
         words.summary =
             localized(QStringLiteral("The shared folder cannot be used: %1")).arg(health.folderProblem);
+    else if (!health.sealingProblem.isEmpty())
+        words.summary = localized(QStringLiteral("Nothing goes out or comes in. Changes that wait here: %1"))
+                            .arg(QString::number(health.unsent));
     else if (!health.problems.empty())
         words.summary = localized(QStringLiteral("Some files cannot be read yet."));
     else if (health.unsent > 0)

@@ -25,6 +25,11 @@ struct DeviceHealth
     std::vector<Line> devices;
     /// Files that could not be taken in, with the reason.
     std::vector<Line> problems;
+    /// Whether what lies in the shared folder is sealed, in a sentence; empty without a folder in use.
+    QString sealing;
+    /// What the user can do about it.
+    bool canSeal = false;
+    bool needsPassphrase = false;
 
     /// \param replication null without a shared folder.
     static DeviceHealth of(const Replication *replication);

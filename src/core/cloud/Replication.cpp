@@ -1,5 +1,6 @@
 #include "cloud/Replication.h"
 
+#include "foundation/ApplicationPaths.h"
 #include "foundation/Log.h"
 #include "ubiquity/UbiquityContainer.h"
 
@@ -17,15 +18,43 @@ QByteArray machineOf(const ManagedObjectContext &context)
         .toHex();
 }
 
+QString &sealingLibrary()
+{
+    static QString path;
+    return path;
+}
+
 } // namespace
 
 Replication::Replication(ManagedObjectContext &context, std::unique_ptr<replication::Replica> opened,
                          Imported imported)
     : store(context)
     , replica(std::move(opened))
+    , sealing(std::make_shared<replication::Sealing>(
+          contentFolder(), ApplicationPaths::configFolder() + QStringLiteral("/Morvane/sealing.key"),
+          sealingLibrary()))
     , exchange(std::make_unique<replication::ReplicaExchange>(
-          *replica, replication::ReplicaFolder(contentFolder()), std::move(imported)))
+          *replica, replication::ReplicaFolder(contentFolder()), std::move(imported), sealing))
 {}
+
+void Replication::setSealingLibrary(const QString &path)
+{
+    sealingLibrary() = path;
+}
+
+OptionalError Replication::seal(const QString &passphrase)
+{
+    const OptionalError error = sealing->begin(passphrase);
+    exchange->sealingChanged();
+    return error;
+}
+
+OptionalError Replication::enterPassphrase(const QString &passphrase)
+{
+    const OptionalError error = sealing->enter(passphrase);
+    exchange->sealingChanged();
+    return error;
+}
 
 QString Replication::contentFolder()
 {

@@ -39,6 +39,16 @@ public:
     /// What the rows of an entity say in an attribute, each text once.
     QStringList textsIn(std::string_view entity, std::string_view attribute) const;
 
+    /// The library that seals, without its suffix; to be set before the start. Without it, sealed folders
+    /// cannot be used.
+    static void setSealingLibrary(const QString &path);
+    /// Seals what the devices exchange, with a passphrase that the other devices then need. It takes a
+    /// second. Pictures are not sealed. The error says why the folder stays open.
+    OptionalError seal(const QString &passphrase);
+    /// Gives this device the passphrase of a sealed folder. It takes a second. The error says that it is
+    /// another one, or why it cannot be used.
+    OptionalError enterPassphrase(const QString &passphrase);
+
     replication::Health health() const { return exchange->health(); }
     void setListener(std::function<void()> listener) { exchange->setListener(std::move(listener)); }
     /// Where the devices meet.
@@ -50,5 +60,6 @@ private:
 
     ManagedObjectContext &store;
     std::unique_ptr<replication::Replica> replica;
+    std::shared_ptr<const replication::Sealing> sealing;
     std::unique_ptr<replication::ReplicaExchange> exchange;
 };

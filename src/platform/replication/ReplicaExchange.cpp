@@ -20,6 +20,27 @@ constexpr Seconds untilFree{0.3};
 constexpr qsizetype mostBytesAtOnce = 8'000'000;
 constexpr int mostChangesAtOnce = 400;
 
+/// What identifies a file for the seal: where it lies below the folder.
+QString sealName(const Dot &dot)
+{
+    return QString::fromUtf8(dot.device) + u'/' + QString::number(dot.number);
+}
+
+/// Writes a save, sealed if the folder is.
+OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed, const Dot &dot,
+                        const QByteArray &bytes)
+{
+    if (!sealed.sealer)
+        return folder.write(dot, bytes);
+    auto content = sealed.sealer->seal(bytes, sealName(dot));
+    return content ? folder.write(dot, *content) : OptionalError(content.error());
+}
+
+QByteArray keyMarkOf(const SealingStatus &sealed)
+{
+    return sealed.sealer ? sealed.sealer->keyMark() : QByteArray();
+}
+
 } // namespace
 
 /// What one look does off the main thread, and what it finds.
@@ -31,7 +52,11 @@ struct ReplicaExchange::Round
     VersionVector known;
     Dots waiting;
     bool listsOwn = false;
+    std::shared_ptr<const Sealing> sealing = {};
 
+    SealingStatus sealed = {};
+    /// Own files that are open in a sealed folder, or sealed with a former key.
+    std::vector<qint64> unfit = {};
     std::vector<qint64> written = {};
     std::vector<qint64> ownNumbers = {};
     std::vector<ChangeFile> files = {};
@@ -45,18 +70,51 @@ struct ReplicaExchange::Round
             folderProblem = error->message;
             return;
         }
+        if (sealing)
+            sealed = sealing->look();
+        // What comes first tells of a folder whose file with the key is still on its way.
+        if (sealed.canExchange())
+            read();
+        if (!sealed.canExchange())
+            return;
         if (listsOwn)
-            ownNumbers = folder.numbersOf(own);
+            listOwn();
         else
             write();
-        read();
     }
 
 private:
+    void listOwn()
+    {
+        ownNumbers = folder.numbersOf(own);
+        if (!sealed.sealer)
+            return;
+        for (const qint64 number : ownNumbers) {
+            QFile file(folder.pathOf({own, number}));
+            if (file.open(QIODevice::ReadOnly) && !sealed.sealer->isOwnSeal(file.read(Sealer::headLength())))
+                unfit.push_back(number);
+        }
+    }
+    /// The save in a file that is sealed just if the folder is.
+    Result<ChangeFile> saveIn(const QByteArray &bytes, const Dot &dot)
+    {
+        if (sealed.sealer) {
+            auto content = sealed.sealer->open(bytes, sealName(dot));
+            return content ? ChangeFile::fromBytes(*content) : Result<ChangeFile>(content.error());
+        }
+        if (!Sealer::isSealed(bytes))
+            return ChangeFile::fromBytes(bytes);
+        const Error error{
+            QStringLiteral("sealing"), 0,
+            QStringLiteral("It is sealed, and the file \"key\" of the folder has not come yet")};
+        // Nothing may be written in the open beside it.
+        sealed = {SealingState::Unusable, nullptr, error.message};
+        return error;
+    }
     void write()
     {
         for (const Replica::Outgoing &one : outgoing) {
-            if (const auto error = folder.write({own, one.number}, one.bytes)) {
+            if (const auto error = writeSave(folder, sealed, {own, one.number}, one.bytes)) {
                 folderProblem = error->message;
                 return;
             }
@@ -80,7 +138,7 @@ private:
             }
             const QByteArray bytes = file.readAll();
             size += bytes.size();
-            auto content = ChangeFile::fromBytes(bytes);
+            auto content = saveIn(bytes, {entry.device, entry.number});
             if (!content)
                 problems.push_back({entry.path, content.error().message});
             else if (content->dot != Dot{entry.device, entry.number})
@@ -91,12 +149,16 @@ private:
     }
 };
 
-ReplicaExchange::ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn hearer)
+ReplicaExchange::ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn hearer,
+                                 std::shared_ptr<const Sealing> folderSealing)
     : replica(exchanged)
     , folder(std::move(sharedFolder))
     , takenIn(std::move(hearer))
     , timer(std::make_unique<RepeatingTimer>(betweenLooks, [this] { lookSoon(); }))
+    , sealing(std::move(folderSealing))
 {
+    if (sealing)
+        sealed = sealing->look();
     thread.setMaxThreadCount(1);
     QObject::connect(&watcher, &QFileSystemWatcher::directoryChanged, &watcher, [this] { lookSoon(); });
     lookSoon();
@@ -136,6 +198,7 @@ void ReplicaExchange::startRound()
         round->outgoing = replica.outgoing(mostBytesAtOnce);
     for (const ChangeFile &file : waiting)
         round->waiting.insert(file.dot);
+    round->sealing = sealing;
     thread.start([this, round, alive = std::weak_ptr(living)] {
         round->run();
         MainLoop::performDelayed(Seconds(0), [this, round, alive] {
@@ -154,22 +217,31 @@ void ReplicaExchange::finishRound(Round &round)
         if (const auto error = replica.markSent(number))
             Log::line(error->message);
     }
-    if (round.listsOwn && folderProblem.isEmpty())
-        checkOwnFiles(round.ownNumbers);
+    const bool hasExchanged = folderProblem.isEmpty() && round.sealed.canExchange();
+    sealed = std::move(round.sealed);
+    if (hasExchanged && ownKeyMark != keyMarkOf(sealed)) {
+        // All that lies there under another key, or open, is to be written anew.
+        ownKeyMark = keyMarkOf(sealed);
+        hasCheckedOwnFiles = false;
+        wantsAnother = true;
+    }
+    if (round.listsOwn && hasExchanged)
+        checkOwnFiles(round.ownNumbers, round.unfit);
     for (ChangeFile &file : round.files)
         waiting.push_back(std::move(file));
     follow();
     if (!waiting.empty() || replica.hasUnsettled())
         takeInSome();
-    const bool hasMoreToSend = folderProblem.isEmpty() && !replica.outgoing(1).empty();
+    const bool hasMoreToSend = hasExchanged && !replica.outgoing(1).empty();
     if (wantsAnother || round.isMoreLeft || hasMoreToSend || (round.listsOwn && hasCheckedOwnFiles))
         lookSoon();
     tell();
 }
 
 /// Files that are gone are written again. Files of this device that it has not written are those of a store
-/// that was put back from a copy, or of a second one with its name.
-void ReplicaExchange::checkOwnFiles(const std::vector<qint64> &numbers)
+/// that was put back from a copy, or of a second one with its name. Files that are not sealed as they should
+/// be are written anew.
+void ReplicaExchange::checkOwnFiles(const std::vector<qint64> &numbers, const std::vector<qint64> &unfit)
 {
     if (!numbers.empty() && numbers.back() > replica.number()) {
         if (const auto error = replica.becomeAnother())
@@ -177,13 +249,28 @@ void ReplicaExchange::checkOwnFiles(const std::vector<qint64> &numbers)
         return;
     }
     hasCheckedOwnFiles = true;
+    ownProblems.clear();
     for (qint64 number = replica.number(); number > 0; --number) {
-        if (std::ranges::binary_search(numbers, number))
+        if (std::ranges::binary_search(numbers, number) && !std::ranges::binary_search(unfit, number))
             continue;
-        if (!replica.sent(number))
+        if (!replica.sent(number)) {
+            noteLost(unfit, number);
             break;
+        }
         if (const auto error = replica.markUnsent(number))
             Log::line(error->message);
+    }
+}
+
+/// What the store does not keep any more cannot be written anew; all before it neither.
+void ReplicaExchange::noteLost(const std::vector<qint64> &unfit, qint64 upTo)
+{
+    for (const qint64 number : unfit) {
+        if (number <= upTo)
+            ownProblems.push_back(
+                {folder.pathOf({replica.device(), number}),
+                 QStringLiteral(
+                     "It was written before the folder was sealed, and cannot be sealed any more")});
     }
 }
 
@@ -240,8 +327,12 @@ void ReplicaExchange::sendNow()
     thread.waitForDone();
     if (!hasCheckedOwnFiles)
         return; // It is sent at the next start.
+    const SealingStatus status = sealing ? sealing->look() : sealed;
+    if (!status.canExchange() || !sealed.canExchange())
+        return;
     for (const Replica::Outgoing &one : replica.outgoing(mostBytesAtOnce)) {
-        if (folder.write({replica.device(), one.number}, one.bytes) || replica.markSent(one.number))
+        if (writeSave(folder, status, {replica.device(), one.number}, one.bytes) ||
+            replica.markSent(one.number))
             return;
     }
 }
@@ -252,6 +343,14 @@ void ReplicaExchange::setResting(bool isOn)
         lookSoon();
 }
 
+void ReplicaExchange::sealingChanged()
+{
+    if (sealing)
+        sealed = sealing->look();
+    lookSoon();
+    tell();
+}
+
 Health ReplicaExchange::health() const
 {
     Health health;
@@ -259,7 +358,10 @@ Health ReplicaExchange::health() const
     health.unsent = replica.unsentCount();
     health.waiting = static_cast<int>(waiting.size());
     health.problems = problems;
+    std::ranges::copy(ownProblems, std::back_inserter(health.problems));
     health.folderProblem = folderProblem;
+    health.sealing = sealed.state;
+    health.sealingProblem = sealed.problem;
     for (const ChangeFile &file : waiting) {
         if (replica.isOfNewerVersion(file)) {
             health.problems.push_back({folder.pathOf(file.dot),

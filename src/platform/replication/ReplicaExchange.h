@@ -2,6 +2,7 @@
 
 #include "replication/Replica.h"
 #include "replication/ReplicaFolder.h"
+#include "replication/Sealing.h"
 
 #include <QFileSystemWatcher>
 #include <QThreadPool>
@@ -30,18 +31,25 @@ struct Health
     std::vector<Problem> problems;
     /// Why the folder cannot be used; empty if it can.
     QString folderProblem;
+    SealingState sealing = SealingState::Open;
+    /// Why nothing can go out or come in, since the folder is sealed; empty if it can.
+    QString sealingProblem;
 };
 
 /// Keeps a replica and the folder of the devices in step: what is saved here goes there soon, and what comes
 /// there is taken in. Files are read and written off the main thread; a file that cannot be read is tried
-/// again at each look, since it may not have come whole yet. Main thread.
+/// again at each look, since it may not have come whole yet. In a sealed folder it writes and takes in sealed
+/// files only, and its own that are open it writes anew; without the key nothing goes out or comes in. Main
+/// thread.
 class ReplicaExchange
 {
 public:
     using TakenIn = std::function<void(const StoreChanges &)>;
 
     /// \param takenIn hears of each commit that brought in something.
-    ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn takenIn);
+    /// \param folderSealing whether the folder is sealed; null if it never is.
+    ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn takenIn,
+                    std::shared_ptr<const Sealing> folderSealing = nullptr);
     /// Waits for the file that is being written or read.
     ~ReplicaExchange();
     ReplicaExchange(const ReplicaExchange &) = delete;
@@ -51,6 +59,8 @@ public:
     void lookSoon();
     /// Sends what was saved, at once; for the end of the program.
     void sendNow();
+    /// To be called when the folder was sealed, or its key was entered.
+    void sealingChanged();
     /// While it rests, nothing goes out or comes in.
     void setResting(bool isOn);
     Health health() const;
@@ -61,8 +71,9 @@ private:
     struct Round;
     void startRound();
     void finishRound(Round &round);
+    void noteLost(const std::vector<qint64> &unfit, qint64 upTo);
     void takeInSome();
-    void checkOwnFiles(const std::vector<qint64> &numbers);
+    void checkOwnFiles(const std::vector<qint64> &numbers, const std::vector<qint64> &unfit);
     void follow();
     void tell() const;
 
@@ -75,7 +86,12 @@ private:
     std::unique_ptr<RepeatingTimer> timer;
     std::deque<ChangeFile> waiting;
     std::vector<Health::Problem> problems;
+    std::vector<Health::Problem> ownProblems;
     QString folderProblem;
+    std::shared_ptr<const Sealing> sealing;
+    SealingStatus sealed;
+    /// The key under which the own files were found, or are being written; empty for open files.
+    QByteArray ownKeyMark;
     bool isResting = false;
     bool isRoundDue = false;
     bool isRunning = false;

@@ -10,9 +10,9 @@
 namespace replication {
 
 /// The folder through which devices exchange their saves, and which another program replicates. Each device
-/// writes into a folder of its own, one file for each save, which never changes once it has its name. Other
-/// files are left alone: what is still being transferred, and what a replicating program makes of conflicts,
-/// has other names. Any thread.
+/// writes into a folder of its own, one file for each save, which never changes once it has its name, unless
+/// it is sealed later. Other files are left alone: what is still being transferred, and what a replicating
+/// program makes of conflicts, has other names. Any thread.
 class ReplicaFolder
 {
 public:

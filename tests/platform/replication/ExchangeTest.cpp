@@ -45,10 +45,18 @@ public:
         auto opened = Replica::open(store.context(), QString::fromUtf8(machine), machine);
         ASSERT_TRUE(opened) << opened.error().message.toStdString();
         replica = std::move(*opened);
-        running = std::make_unique<ReplicaExchange>(*replica, ReplicaFolder(folder),
-                                                    [this](const StoreChanges &) { ++importCount; });
+        running = std::make_unique<ReplicaExchange>(
+            *replica, ReplicaFolder(folder), [this](const StoreChanges &) { ++importCount; }, sealing);
     }
     void look() { running->lookSoon(); }
+    /// Begins anew, with what the device knows of the seal of the folder.
+    void restartWith(std::shared_ptr<const replication::Sealing> seal)
+    {
+        stop();
+        sealing = std::move(seal);
+        start();
+    }
+    void sealingChanged() { running->sealingChanged(); }
     bool has(const char *title) { return store.find(title) != nullptr; }
     int importCount = 0;
 
@@ -56,6 +64,7 @@ private:
     QString folder;
     QByteArray machine;
     Library store;
+    std::shared_ptr<const replication::Sealing> sealing;
     std::unique_ptr<Replica> replica;
     std::unique_ptr<ReplicaExchange> running;
 };
@@ -63,9 +72,9 @@ private:
 class ExchangeTest : public testing::Test
 {
 protected:
-    static bool waitFor(const std::function<bool()> &condition)
+    static bool waitFor(const std::function<bool()> &condition, int milliseconds = 10'000)
     {
-        const QDeadlineTimer deadline(10'000);
+        const QDeadlineTimer deadline(milliseconds);
         while (!condition() && !deadline.hasExpired())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         return condition();
@@ -222,3 +231,143 @@ TEST_F(ExchangeTest, WhatLosesStaysInTheHistoryOfBoth)
         })) << "It can be put back";
     }
 }
+
+#ifdef MORVANE_SEALING_LIBRARY
+
+namespace {
+
+class SealedExchangeTest : public ExchangeTest
+{
+protected:
+    using Sealing = replication::Sealing;
+    using State = replication::SealingState;
+
+    SealedExchangeTest()
+    {
+        one.restartWith(sealOfOne);
+        other.restartWith(sealOfOther);
+    }
+    std::shared_ptr<Sealing> seal(const char *name) const
+    {
+        return std::make_shared<Sealing>(shared.path(), home.filePath(QString::fromUtf8(name)),
+                                         QStringLiteral(MORVANE_SEALING_LIBRARY));
+    }
+    /// Whether there are so many, all of them sealed with the key of the folder, and saying nothing.
+    bool areSealed(const Device &device, int count) const
+    {
+        const auto sealer = sealOfOne->look().sealer;
+        const QStringList names = filesOf(device);
+        return sealer && names.size() == count && std::ranges::all_of(names, [&](const QString &name) {
+                   const QByteArray bytes = contents(path(device, name));
+                   return sealer->isOwnSeal(bytes) && !bytes.contains("Book") && !bytes.contains("MVCHANGE");
+               });
+    }
+    static void save(Device &device, const char *title)
+    {
+        device.library().book(title);
+        device.library().save();
+        device.look();
+    }
+    static State stateOf(const Device &device) { return device.exchange().health().sealing; }
+
+    QTemporaryDir home;
+    const QString passphrase = QStringLiteral("sealed with seven seals");
+    std::shared_ptr<Sealing> sealOfOne = seal("one.key");
+    std::shared_ptr<Sealing> sealOfOther = seal("other.key");
+};
+
+} // namespace
+
+TEST_F(SealedExchangeTest, AFolderThatWasOpenIsSealedByEachDeviceForItsOwnFiles)
+{
+    save(one, "Momo");
+    save(other, "Emma");
+    ASSERT_TRUE(waitFor([this] { return other.has("Momo") && one.has("Emma"); }));
+    ASSERT_TRUE(waitFor([this] { return filesOf(one).size() == 1 && filesOf(other).size() == 1; }));
+    const QString file = path(one, filesOf(one).front());
+    ASSERT_TRUE(contents(file).startsWith("MVCHANGE"));
+
+    ASSERT_FALSE(sealOfOne->begin(passphrase));
+    one.sealingChanged();
+    EXPECT_EQ(stateOf(one), State::Sealed);
+    EXPECT_TRUE(waitFor([this] { return areSealed(one, 1) && one.exchange().health().unsent == 0; }));
+    save(one, "Ulysses");
+    EXPECT_TRUE(waitFor([this] { return areSealed(one, 2); }));
+
+    // The other writes nothing in the open any more, and loses nothing.
+    other.look();
+    EXPECT_TRUE(waitFor([this] { return stateOf(other) == State::NeedsPassphrase; }));
+    save(other, "Kim");
+    EXPECT_FALSE(other.exchange().health().sealingProblem.isEmpty());
+    EXPECT_TRUE(sealOfOther->enter(u"sealed with six seals"_qs).has_value());
+    other.sealingChanged();
+    EXPECT_FALSE(waitFor([this] { return other.has("Ulysses") || filesOf(other).size() > 1; }, 1500));
+    EXPECT_EQ(other.exchange().health().unsent, 1);
+
+    ASSERT_FALSE(sealOfOther->enter(passphrase));
+    other.sealingChanged();
+    EXPECT_TRUE(waitFor([this] { return other.has("Ulysses") && one.has("Kim"); }));
+    EXPECT_TRUE(waitFor([this] { return areSealed(other, 2); }));
+    EXPECT_TRUE(other.exchange().health().sealingProblem.isEmpty());
+
+    // A new device with the passphrase reads all of it.
+    Device third(shared.path(), "third");
+    third.restartWith(seal("other.key"));
+    EXPECT_TRUE(waitFor([&] { return third.has("Momo") && third.has("Emma") && third.has("Kim"); }));
+    EXPECT_TRUE(third.exchange().health().problems.empty());
+}
+
+TEST_F(SealedExchangeTest, OpenChangedAndMisplacedFilesAreToldOfAndTriedAgain)
+{
+    const LogCapture log;
+    other.stop();
+    save(one, "Momo");
+    ASSERT_TRUE(waitFor([this] { return filesOf(one).size() == 1; }));
+    const QString file = path(one, filesOf(one).front());
+    const QByteArray open = contents(file);
+    ASSERT_FALSE(sealOfOne->begin(passphrase));
+    ASSERT_FALSE(sealOfOther->enter(passphrase));
+    one.sealingChanged();
+    save(one, "Emma");
+    ASSERT_TRUE(waitFor([this] { return areSealed(one, 2); }));
+    const QByteArray whole = contents(file);
+    // Another save of the same device under its name.
+    const QByteArray second = contents(path(one, filesOf(one).back()));
+    one.stop();
+    for (const QByteArray &bad : {open, second, whole.left(whole.size() - 5), whole.left(9),
+                                  QByteArray(whole).replace(whole.size() - 3, 1, "")}) {
+        write(file, bad);
+        other.start();
+        EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 1; })) << bad.size();
+        EXPECT_FALSE(other.has("Momo"));
+        other.stop();
+    }
+    write(file, whole);
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo") && other.has("Emma"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.empty(); }));
+}
+
+TEST_F(SealedExchangeTest, ASealedFolderWhoseKeyHasNotComeGetsNoOpenFiles)
+{
+    const LogCapture log;
+    other.stop();
+    ASSERT_FALSE(sealOfOne->begin(passphrase));
+    one.sealingChanged();
+    save(one, "Momo");
+    ASSERT_TRUE(waitFor([this] { return areSealed(one, 1); }));
+    one.stop();
+    const QString key = shared.filePath(QStringLiteral("key"));
+    const QString later = key + QStringLiteral(".later");
+    ASSERT_TRUE(QFile::rename(key, later));
+    other.start();
+    save(other, "Emma");
+    EXPECT_TRUE(waitFor([this] { return stateOf(other) == State::Unusable; }));
+    EXPECT_FALSE(waitFor([this] { return !filesOf(other).isEmpty(); }, 1000));
+    ASSERT_TRUE(QFile::rename(later, key));
+    ASSERT_FALSE(sealOfOther->enter(passphrase));
+    other.sealingChanged();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo") && areSealed(other, 1); }));
+}
+
+#endif

@@ -2,6 +2,7 @@
 
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "shell/devices/PassphraseDialog.h"
 #include "store/AppDelegate.h"
 #include "widgets/FormCard.h"
 #include "widgets/TextLabel.h"
@@ -82,6 +83,21 @@ DevicesWindow::DevicesWindow(QWidget *parent)
     buttons->addStretch(1);
     shared->addLayout(buttons);
 
+    QVBoxLayout *sealed = addCardTo(*column, localized(u"Sealing"_s));
+    sealingCard = sealed->parentWidget();
+    addText(*sealed,
+            localized(u"In a sealed folder, only computers that know the passphrase can read your records. "
+                      "Pictures are not sealed, and the number and the size of the files can be seen."_s),
+            Theme::FontRole::Small, Theme::secondaryText);
+    sealing = addText(*sealed, {}, Theme::FontRole::Body, Theme::text);
+    sealing->setObjectName(u"labelSealing"_s);
+    seal = new QPushButton(localized(u"Seal With a Passphrase…"_s));
+    seal->setObjectName(u"buttonSeal"_s);
+    enter = new QPushButton(localized(u"Enter Passphrase…"_s));
+    enter->setObjectName(u"buttonEnterPassphrase"_s);
+    sealed->addWidget(seal, 0, Qt::AlignLeft);
+    sealed->addWidget(enter, 0, Qt::AlignLeft);
+
     QVBoxLayout *state = addCardTo(*column, localized(u"Devices"_s));
     summary = addText(*state, {}, Theme::FontRole::Body, Theme::text);
     summary->setObjectName(u"labelSummary"_s);
@@ -97,6 +113,8 @@ DevicesWindow::DevicesWindow(QWidget *parent)
 
     connect(choose, &QPushButton::clicked, this, &DevicesWindow::chooseFolder);
     connect(leave, &QPushButton::clicked, this, &DevicesWindow::leaveFolder);
+    connect(seal, &QPushButton::clicked, this, &DevicesWindow::askForPassphrase);
+    connect(enter, &QPushButton::clicked, this, &DevicesWindow::askForPassphrase);
     if (Replication *replication = AppDelegate::shared() ? AppDelegate::shared()->replication() : nullptr)
         replication->setListener([this] { refresh(); });
     refresh();
@@ -130,6 +148,10 @@ void DevicesWindow::refresh()
     hint->setText(localized(u"Morvane uses it from its next start on."_s));
     hint->setVisible(sharedfolder::isWaitingForStart());
     leave->setEnabled(!path.isEmpty());
+    sealingCard->setVisible(!health.sealing.isEmpty());
+    sealing->setText(health.sealing);
+    seal->setVisible(health.canSeal);
+    enter->setVisible(health.needsPassphrase);
     summary->setText(health.summary);
     clear(*devices);
     addLines(*devices, health.devices);
@@ -170,6 +192,20 @@ void DevicesWindow::leaveFolder()
     if (const auto error = sharedfolder::choose({}))
         Alert::run({{}, error->message, {}, {localized(u"OK"_s)}});
     refresh();
+}
+
+void DevicesWindow::askForPassphrase()
+{
+    const auto isNew = DeviceHealth::of(AppDelegate::shared()->replication()).canSeal;
+    auto *dialog = new PassphraseDialog(
+        isNew ? PassphraseDialog::Purpose::Seal : PassphraseDialog::Purpose::Enter,
+        [isNew](const QString &passphrase) -> OptionalError {
+            Replication *replication = AppDelegate::shared()->replication();
+            return isNew ? replication->seal(passphrase) : replication->enterPassphrase(passphrase);
+        },
+        this);
+    dialog->setModal(true);
+    dialog->show();
 }
 
 void DevicesWindow::keyPressEvent(QKeyEvent *event)

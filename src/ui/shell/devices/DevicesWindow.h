@@ -9,7 +9,7 @@ class QPushButton;
 class QVBoxLayout;
 
 /// The user's devices: which take part, when each was last heard of, what waits and what could not be read;
-/// and the folder that they share.
+/// and the folder that they share, with its seal.
 class DevicesWindow : public QWidget
 {
     Q_OBJECT
@@ -28,10 +28,15 @@ private:
     void addLines(QVBoxLayout &rows, const std::vector<DeviceHealth::Line> &lines);
     void chooseFolder();
     void leaveFolder();
+    void askForPassphrase();
 
     QLabel *folder;
     QLabel *hint;
     QPushButton *leave;
+    QWidget *sealingCard;
+    QLabel *sealing;
+    QPushButton *seal;
+    QPushButton *enter;
     QLabel *summary;
     QVBoxLayout *devices;
     QVBoxLayout *problems;
