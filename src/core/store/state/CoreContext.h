@@ -36,8 +36,8 @@ public:
     std::function<QStringList()> visibleCalendars = [] { return QStringList(); };
     /// Tells whether the calendars can be used now.
     std::function<bool()> hasAccessToCalendars = [] { return false; };
-    /// Tells whether a row that lies on a calendar came from another device, and its event, by the identifier,
-    /// has not come to the calendars of this one yet.
+    /// Tells whether a row that lies on a calendar came from another device, and its event, by the
+    /// identifier, has not come to the calendars of this one yet.
     std::function<bool(const ManagedObject &, const QString &)> awaitsCalendarItem =
         [](const ManagedObject &, const QString &) { return false; };
     /// Hears which events are in the calendars of this device.
