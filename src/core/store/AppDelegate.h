@@ -115,7 +115,7 @@ public:
     // What follows a change of the store.
     /// What follows a commit of the store in use, after the calendars: badge and screens.
     void managedObjectContexLocalChangeData(const StoreChanges &changes);
-    /// Records came in from another device: they are found by the search, and what is there twice goes.
+    /// Records came in from another device: what is there twice goes.
     void mergeChanges(const StoreChanges &imported);
 
     // Rows that exist twice.

@@ -321,13 +321,6 @@ OptionalError Replica::markUnsent(qint64 number)
     return ran(database, statement.bind(number).run());
 }
 
-OptionalError Replica::forgetSent(qint64 upTo)
-{
-    sqlite::Statement statement =
-        database.prepare("DELETE FROM ObjectStoreOutgoing WHERE isSent = 1 AND number <= ?");
-    return ran(database, statement.bind(upTo).run());
-}
-
 void Replica::transactionBegan(sqlite::Database &)
 {
     if (isTakingIn)
@@ -416,32 +409,6 @@ TableColumns Replica::columnsOfTables()
         }
     }
     return columns;
-}
-
-OptionalError Replica::tellWhatIsKnown()
-{
-    if (!isFree())
-        return std::nullopt;
-    if (auto error = database.execute("BEGIN IMMEDIATE"))
-        return error;
-    const Dot next{own.device, own.number + 1};
-    const qint64 time = nextTime();
-    VersionVector then = known;
-    then.add(next.device, next.number);
-    OptionalError error = addOutgoing(fileOf({}, time, next));
-    if (!error)
-        error = writeOwn(next.number, time, then);
-    if (!error)
-        error = database.execute("COMMIT");
-    if (error) {
-        if (!database.isAutocommit())
-            database.rollBack();
-        return error;
-    }
-    own = next;
-    clock = time;
-    known = std::move(then);
-    return std::nullopt;
 }
 
 /// The values stand in their tables already; the books follow.

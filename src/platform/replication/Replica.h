@@ -59,8 +59,6 @@ public:
     std::optional<QByteArray> sent(qint64 number) const;
     OptionalError markSent(qint64 number);
     OptionalError markUnsent(qint64 number);
-    /// Saves that all others have are forgotten here.
-    OptionalError forgetSent(qint64 upTo);
 
     /// Takes in what can be taken in by now: saves come in the order of their device, and after all that
     /// their device knew of. The others stay in the list; those that are known already leave it. \param
@@ -71,8 +69,6 @@ public:
     bool isOfNewerVersion(const ChangeFile &file) const { return file.schema > model.version(); }
     /// Whether nothing is under way in the store that this would come between.
     bool isFree() const { return context.isFree(); }
-    /// Tells the others what this device knows by now, with a save that changes nothing.
-    OptionalError tellWhatIsKnown();
     /// Looks once more at rows that wait for others. For what a save of this device brought back.
     bool hasUnsettled() const { return !unsettled.empty(); }
     Result<StoreChanges> settle();
