@@ -134,7 +134,7 @@ void BirthdaysLine::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect(), Theme::card);
+    painter.fillRect(rect(), QColor(Theme::card));
     for (const int column : columns()) {
         paintBirthdays(painter, cell(column), lists[static_cast<std::size_t>(column)], isRightToLeft());
         if (hasFocus() && column == current)

@@ -264,8 +264,8 @@ void DaysCalendarView::resizeEvent(QResizeEvent *event)
 void DaysCalendarView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), Theme::card);
-    painter.fillRect(separator, Theme::controlBorder);
+    painter.fillRect(rect(), QColor(Theme::card));
+    painter.fillRect(separator, QColor(Theme::controlBorder));
 }
 
 QRect DaysCalendarView::slidingArea() const
@@ -345,7 +345,7 @@ void DaysCalendarView::paintForPaper(QPainter &painter)
     if (lanes->laneCount() > 0) {
         lanes->paintForPaper(painter);
         painter.translate(0, lanes->height());
-        painter.fillRect(0, 0, width(), 1, Theme::controlBorder);
+        painter.fillRect(0, 0, width(), 1, QColor(Theme::controlBorder));
         painter.translate(0, 2);
     }
     const auto [top, bottom] = hoursOnPaper();

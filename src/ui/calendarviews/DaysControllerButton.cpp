@@ -97,7 +97,7 @@ void DaysControllerButton::paintEvent(QPaintEvent *)
         inside.addRoundedRect(bounds.adjusted(1, 1, -1, -1), Theme::controlRadius - 1,
                               Theme::controlRadius - 1);
         painter.setClipPath(inside);
-        painter.fillRect(rectOf(lit), held >= 0 ? Theme::controlPressed : Theme::hover);
+        painter.fillRect(rectOf(lit), QColor(held >= 0 ? Theme::controlPressed : Theme::hover));
         painter.restore();
     }
     for (int part = 0; part < partCount; ++part)
@@ -107,7 +107,7 @@ void DaysControllerButton::paintEvent(QPaintEvent *)
             continue;
         const QRect next = rectOf(before);
         const int edge = isRightToLeft() ? next.right() : next.left();
-        painter.fillRect(QRect(edge, 7, 1, height() - 14), Theme::controlBorder);
+        painter.fillRect(QRect(edge, 7, 1, height() - 14), QColor(Theme::controlBorder));
     }
     if (hasFocus())
         MorvaneStyle::drawFocusRing(painter, QRectF(rectOf(focused)).adjusted(2, 2, -2, -2),

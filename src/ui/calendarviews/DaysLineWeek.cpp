@@ -97,7 +97,7 @@ void DaysLineWeek::paintEvent(QPaintEvent *)
     constexpr double dot = 5;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect(), Theme::card);
+    painter.fillRect(rect(), QColor(Theme::card));
     for (int column = 0; column < static_cast<int>(days.size()); ++column) {
         const Day &day = days[static_cast<size_t>(column)];
         const QRectF place = cell(column);

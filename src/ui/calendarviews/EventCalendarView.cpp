@@ -41,24 +41,11 @@ QColor ofCategory(const CategoryPtr &category)
                         category->colorB().value_or(0));
 }
 
-double luminance(const QColor &colour)
+/// Whether white words could not be read on a colour, unless it became another one.
+bool isLight(const QColor &colour)
 {
-    const auto linear = [](double value) {
-        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-/// A colour that lets through what is below, on the paper.
-QColor onPaper(const QColor &colour)
-{
-    const auto mixed = [alpha = colour.alphaF()](float above, float below) {
-        return above * alpha + below * (1 - alpha);
-    };
-    const QColor paper = Theme::card;
-    return QColor::fromRgbF(mixed(colour.redF(), paper.redF()), mixed(colour.greenF(), paper.greenF()),
-                            mixed(colour.blueF(), paper.blueF()));
+    constexpr double leastContrast = 2.2;
+    return Theme::contrast(Theme::textOnColour, colour) < leastContrast;
 }
 
 QFont titleFont()
@@ -116,12 +103,16 @@ QColor EventCalendarView::backgraundColor() const
     return fill;
 }
 
-/// White but on a colour on which it could not be read.
+QColor EventCalendarView::ground(bool isSelected) const
+{
+    const QColor fill = Theme::mixed(isSelected ? selectedBacgraundColor() : backgraundColor(), Theme::card);
+    return isLight(fill) ? fill : Theme::readable(fill, Theme::textOnColour, Theme::leastTextContrast);
+}
+
 QColor EventCalendarView::textColour() const
 {
-    constexpr double leastContrast = 2.2;
-    const double contrast = 1.05 / (luminance(onPaper(backgraundColor())) + 0.05);
-    return contrast < leastContrast ? Theme::text : Theme::textOnAccent;
+    return isLight(Theme::mixed(backgraundColor(), Theme::card)) ? Theme::darkTextOnColour
+                                                                 : Theme::textOnColour;
 }
 
 // Words
@@ -213,15 +204,13 @@ void EventCalendarView::paint(QPainter &painter, const QRectF &frame, const Stat
 
 void EventCalendarView::paintBack(QPainter &painter, const QRectF &frame, const State &state) const
 {
-    constexpr QColor shadow{0, 0, 0, 77};
-    constexpr QColor shadowOverOther{0, 0, 0, 110};
     painter.setPen(Qt::NoPen);
-    painter.setBrush(state.isOverOther ? shadowOverOther : shadow);
+    painter.setBrush(state.isOverOther ? Theme::eventShadowOverOther : Theme::eventShadow);
     const double blur = state.isOverOther ? 2 : 0.5;
     painter.drawRoundedRect(frame.adjusted(-blur, -0.5, blur, blur), radius + 0.5, radius + 0.5);
     if (state.isOverOther)
         painter.setPen(QPen(Theme::card, 1));
-    painter.setBrush(state.isSelected ? selectedBacgraundColor() : onPaper(backgraundColor()));
+    painter.setBrush(ground(state.isSelected));
     painter.drawRoundedRect(frame, radius, radius);
 }
 

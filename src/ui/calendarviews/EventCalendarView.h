@@ -22,6 +22,10 @@ public:
     bool isReadOnly() const { return !copy->allowsContentModifications.value_or(true); }
     QColor backgraundColor() const;
     QColor selectedBacgraundColor() const { return colour; }
+    /// What it is filled with, opaque: so that its title can be read on it.
+    QColor ground(bool isSelected) const;
+    /// White but on a colour on which it could not be read.
+    QColor textColour() const;
 
     struct State
     {
@@ -59,7 +63,6 @@ private:
     void paintBack(QPainter &painter, const QRectF &frame, const State &state) const;
     void paintWords(QPainter &painter, const QRectF &frame, const State &state) const;
     double paintIcons(QPainter &painter, const QRectF &frame, const State &state) const;
-    QColor textColour() const;
 
     std::shared_ptr<MVTask> copy;
     QColor colour;

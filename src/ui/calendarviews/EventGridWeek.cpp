@@ -22,8 +22,6 @@ constexpr Seconds hour{3600};
 
 namespace {
 
-constexpr QColor currentTimeColor{238, 80, 31};
-constexpr QColor minuteColor{15, 30, 45};
 constexpr int firstHourOfDay = 7;
 constexpr int firstHourOfNight = 21;
 
@@ -354,19 +352,20 @@ QString EventGridWeek::gridName() const
 
 void EventGridWeek::paintColumn(QPainter &painter, int column) const
 {
-    constexpr QColor night{246, 247, 249};
-    constexpr QColor today{43, 99, 201, 10};
+    QColor today = Theme::accent;
+    today.setAlpha(10);
     const double rows = metrics.heightOfRow();
     const QRectF place = visual(
         {metrics.gridIndent + columns().positionOf(column), 0, columns().columnWidth(), double(height())});
     const Date date = dayOf(column);
     const bool isQuiet = MVDate::orWeekend(date);
-    painter.fillRect(place, isQuiet ? night : Theme::card);
+    const QColor quiet = Theme::quietDay;
+    painter.fillRect(place, QColor(isQuiet ? Theme::quietDay : Theme::card));
     if (!isQuiet) {
         const double morning = 2 * firstHourOfDay * rows;
         const double evening = 2 * firstHourOfNight * rows;
-        painter.fillRect(QRectF(place.left(), 0, place.width(), morning), night);
-        painter.fillRect(QRectF(place.left(), evening, place.width(), height() - evening), night);
+        painter.fillRect(QRectF(place.left(), 0, place.width(), morning), quiet);
+        painter.fillRect(QRectF(place.left(), evening, place.width(), height() - evening), quiet);
     }
     if (!isPaintedForPaper() && Calendar::current().isDateInToday(date))
         painter.fillRect(place, today);
@@ -374,17 +373,17 @@ void EventGridWeek::paintColumn(QPainter &painter, int column) const
 
 void EventGridWeek::paintHours(QPainter &painter, const QRect &clip) const
 {
-    constexpr QColor halfHour{241, 243, 246};
     painter.setRenderHint(QPainter::Antialiasing, false);
     const QRectF across = visual({metrics.gridIndent, 0, width() - metrics.gridIndent, double(height())});
     for (int row = 1; row < CalendarManager::rowCount; ++row) {
         const int y = static_cast<int>(row * metrics.heightOfRow()) - 1;
-        painter.fillRect(QRectF(across.left(), y, across.width(), 1), row % 2 ? halfHour : Theme::cardBorder);
+        painter.fillRect(QRectF(across.left(), y, across.width(), 1),
+                         QColor(row % 2 ? Theme::halfHourLine : Theme::cardBorder));
     }
     for (int column = 0; column < days; ++column) {
         const QRectF cell = visual(slotFrame(column));
         const double edge = isRightToLeft() ? cell.right() - 1 : cell.left();
-        painter.fillRect(QRectF(std::floor(edge), 0, 1, height()), Theme::cardBorder);
+        painter.fillRect(QRectF(std::floor(edge), 0, 1, height()), QColor(Theme::cardBorder));
     }
     painter.setRenderHint(QPainter::Antialiasing);
     QFont font = Theme::font(Theme::FontRole::SmallStrong);
@@ -403,7 +402,7 @@ void EventGridWeek::paintHours(QPainter &painter, const QRect &clip) const
 
 void EventGridWeek::paintGrid(QPainter &painter, const QRect &clip)
 {
-    painter.fillRect(visual({0, 0, metrics.gridIndent, double(height())}), Theme::card);
+    painter.fillRect(visual({0, 0, metrics.gridIndent, double(height())}), QColor(Theme::card));
     for (int column = 0; column < days; ++column)
         paintColumn(painter, column);
     paintHours(painter, clip);
@@ -418,10 +417,10 @@ void EventGridWeek::paintCurrentTime(QPainter &painter) const
     const QRectF across = visual(place.adjusted(1, 2, 0, -2));
     const QRectF disc = visual({place.left(), place.top(), place.height(), place.height()});
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.fillRect(across, currentTimeColor);
+    painter.fillRect(across, QColor(Theme::currentTime));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(currentTimeColor);
+    painter.setBrush(Theme::currentTime);
     painter.drawEllipse(disc);
 }
 
@@ -438,7 +437,7 @@ void EventGridWeek::paintBand(QPainter &painter) const
     painter.setPen(Qt::NoPen);
     painter.setBrush(EventCalendarView::colourOfNew());
     painter.drawRoundedRect(place, 3, 3);
-    painter.setPen(Theme::textOnAccent);
+    painter.setPen(Theme::textOnColour);
     painter.setFont(Theme::font(Theme::FontRole::Small));
     Direction::drawWords(painter, place.adjusted(7, 0, -7, 0), leadingEdge() | Qt::AlignTop,
                          EventCalendarView::shortTime(span.start) + u" – "_s +
@@ -454,8 +453,8 @@ void EventGridWeek::paintMoment(QPainter &painter) const
     constexpr double labelHeight = 20;
     const double y = CalendarManager::convertTimeToPixel(*moment, metrics.rowHeight);
     const QRectF place = visual({0, y - labelHeight / 2, metrics.gridIndent, labelHeight});
-    painter.fillRect(place, Theme::card);
-    painter.setPen(minuteColor);
+    painter.fillRect(place, QColor(Theme::card));
+    painter.setPen(Theme::minuteLabel);
     drawBeside(painter, place.adjusted(4, 0, -4, 0), Theme::font(Theme::FontRole::SmallStrong),
                u":%1"_s.arg(minute, 2, 10, QLatin1Char('0')));
 }

@@ -220,11 +220,11 @@ QString EventsForDaysGridWeek::gridName() const
 
 void EventsForDaysGridWeek::paintGrid(QPainter &painter, const QRect &)
 {
-    painter.fillRect(rect(), Theme::card);
+    painter.fillRect(rect(), QColor(Theme::card));
     for (int column = 0; column < days; ++column) {
         const QRectF cell = visual(slotFrame(column));
         const double edge = isRightToLeft() ? cell.right() - 1 : cell.left();
-        painter.fillRect(QRectF(std::floor(edge), 0, 1, height()), Theme::cardBorder);
+        painter.fillRect(QRectF(std::floor(edge), 0, 1, height()), QColor(Theme::cardBorder));
     }
     if (items.empty())
         return;

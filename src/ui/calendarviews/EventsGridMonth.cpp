@@ -348,22 +348,22 @@ QString EventsGridMonth::gridName() const
 
 void EventsGridMonth::paintCell(QPainter &painter, Cell cell) const
 {
-    constexpr QColor quiet{246, 247, 249};
-    constexpr QColor today{43, 99, 201, 12};
+    QColor today = Theme::accent;
+    today.setAlpha(12);
     const Calendar calendar = Calendar::current();
     const Date date = dateOf(cell);
     const QRectF frame = visual(grid.cellFrame(cell));
-    painter.fillRect(frame, MVDate::orWeekend(date) ? quiet : Theme::card);
+    painter.fillRect(frame, QColor(MVDate::orWeekend(date) ? Theme::quietDay : Theme::card));
     if (!isPaintedForPaper() && calendar.isDateInToday(date))
         painter.fillRect(frame, today);
     painter.fillRect(QRectF(frame.left(), std::floor(frame.bottom()) - 1, frame.width(), 1),
-                     Theme::cardBorder);
+                     QColor(Theme::cardBorder));
     const double edge = isRightToLeft() ? frame.left() : frame.right();
     painter.fillRect(QRectF(std::floor(edge) - (isRightToLeft() ? 0 : 1), frame.top(), 1, frame.height()),
-                     Theme::cardBorder);
+                     QColor(Theme::cardBorder));
     if (cell.column == 0) {
         painter.setFont(Theme::font(Theme::FontRole::SmallStrong));
-        painter.setPen(Theme::disabledText);
+        painter.setPen(Theme::placeholderText);
         Direction::drawWords(painter, frame.adjusted(7, numberTop, -7, 0), Qt::AlignTop | leadingEdge(),
                              QString::number(calendar.weekOfYear(date)));
     }
@@ -410,7 +410,7 @@ void EventsGridMonth::paintNumber(QPainter &painter, Cell cell) const
     }
     painter.setFont(font);
     painter.setPen(isToday                                         ? Theme::textOnAccent
-                   : calendar.month(date) != calendar.month(month) ? Theme::disabledText
+                   : calendar.month(date) != calendar.month(month) ? Theme::placeholderText
                                                                    : Theme::text);
     Direction::drawWords(painter, place, Qt::AlignCenter, text);
     if (clashing[static_cast<size_t>(cell.row * columnCount() + cell.column)]) {

@@ -26,7 +26,7 @@ bool DetailViewController::event(QEvent *event)
 void DetailViewController::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), Theme::content);
+    painter.fillRect(rect(), QColor(Theme::content));
     painter.fillRect(isRightToLeft() ? QRect(width() - 1, 0, 1, height()) : QRect(0, 0, 1, height()),
-                     Theme::cardBorder);
+                     QColor(Theme::cardBorder));
 }

@@ -4,6 +4,7 @@
 #include "foundation/Localization.h"
 #include "records/FormItems.h"
 #include "records/OpenLink.h"
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/TextLabel.h"
@@ -232,8 +233,11 @@ QWidget *ItemsField::makeLink(const LinkedItem &item)
     auto *label = makeTextLabel({}, Theme::FontRole::Body, Theme::accent);
     label->setObjectName(u"labelLink"_s);
     label->setTextFormat(Qt::RichText);
-    label->setText(u"<a href=\"link\" style=\"color:%1\">%2</a>"_s.arg(
-        Theme::accent.name(), readablePart(item.words).toHtmlEscaped().replace(u'\n', u"<br>"_s)));
+    const QString words = readablePart(item.words).toHtmlEscaped().replace(u'\n', u"<br>"_s);
+    Appearance::follow(*label, [label, words] {
+        label->setText(
+            u"<a href=\"link\" style=\"color:%1\">%2</a>"_s.arg(Theme::selectedText.name(), words));
+    });
     label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     label->setFocusPolicy(Qt::StrongFocus);
     label->setMinimumWidth(1);

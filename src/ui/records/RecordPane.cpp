@@ -6,6 +6,7 @@
 #include "records/ShellAlerts.h"
 #include "records/Waiting.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Appearance.h"
 #include "widgets/Direction.h"
 #include "widgets/FormScroll.h"
 #include "widgets/Icons.h"
@@ -117,9 +118,7 @@ QWidget *RecordPane::makeBody()
     labelCreated->setObjectName(u"labelCreated"_s);
     labelCreated->setFont(Theme::font(Theme::FontRole::Small));
     labelCreated->setAlignment(Qt::AlignCenter);
-    QPalette palette = labelCreated->palette();
-    palette.setColor(QPalette::WindowText, Theme::secondaryText);
-    labelCreated->setPalette(palette);
+    Appearance::colourText(*labelCreated, Theme::secondaryText);
     auto *body = new QWidget;
     bodyColumn = new QVBoxLayout(body);
     bodyColumn->setContentsMargins(Direction::margins(*this, paneMargin, 0, trailingMargin, paneMargin));

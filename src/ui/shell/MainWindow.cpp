@@ -23,15 +23,15 @@ constexpr QSize leastSize(680, 420);
 class ColouredPane : public QWidget
 {
 public:
-    explicit ColouredPane(const QColor &paneColour)
+    explicit ColouredPane(Theme::Role paneColour)
         : colour(paneColour)
     {}
 
 protected:
-    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), colour); }
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), QColor(colour)); }
 
 private:
-    QColor colour;
+    Theme::Role colour;
 };
 
 MainWindow::MainWindow()

@@ -4,6 +4,7 @@
 #include "records/DraggedRecords.h"
 #include "shell/SidebarCell.h"
 #include "shell/SidebarModel.h"
+#include "widgets/Appearance.h"
 #include "widgets/Theme.h"
 
 #include <QAccessibleActionInterface>
@@ -41,9 +42,11 @@ OutlineViewExtended::OutlineViewExtended(QWidget *parent)
     setTabKeyNavigation(false);
     setMouseTracking(true);
     viewport()->setAutoFillBackground(false);
-    QPalette dark = verticalScrollBar()->palette();
-    dark.setColor(QPalette::Window, Theme::sidebar);
-    verticalScrollBar()->setPalette(dark);
+    Appearance::follow(*this, [this] {
+        QPalette dark = verticalScrollBar()->palette();
+        dark.setColor(QPalette::Window, Theme::sidebar);
+        verticalScrollBar()->setPalette(dark);
+    });
     setItemDelegate(new SidebarCell(this));
     setAcceptDrops(true);
     viewport()->setAcceptDrops(true);

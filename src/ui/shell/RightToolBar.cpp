@@ -104,7 +104,7 @@ void RightToolBar::leaveSearch()
 
 void RightToolBar::paintEvent(QPaintEvent *)
 {
-    QPainter(this).fillRect(rect(), Theme::content);
+    QPainter(this).fillRect(rect(), QColor(Theme::content));
 }
 
 void RightToolBar::mousePressEvent(QMouseEvent *event)

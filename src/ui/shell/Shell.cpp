@@ -8,6 +8,7 @@
 #include "records/DraftKeeper.h"
 #include "records/HelpAddresses.h"
 #include "shell/ApplicationLife.h"
+#include "shell/LookOfProgram.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "shell/Shortcuts.h"
@@ -75,6 +76,7 @@ void Shell::prepareApplication()
     QApplication::setStyle(new MorvaneStyle);
     QApplication::setPalette(Theme::palette());
     QApplication::setFont(Theme::applicationFont());
+    LookOfProgram::showRemembered();
     QApplication::setApplicationDisplayName(u"Morvane"_s);
     QApplication::setDesktopFileName(u"com.halvern.morvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);
@@ -97,6 +99,8 @@ void Shell::showMainWindow()
         controller = std::make_unique<MainWindowController>();
         QObject::connect(controller->window(), &MainWindow::firstPainted, controller->window(), [this] {
             QApplication::setWindowIcon(Icons::application());
+            look = std::make_unique<LookOfProgram>();
+            look->followDesktop();
             LauncherBadge::show(badgeLabel, QGuiApplication::desktopFileName());
             if (ApplicationLife *life = ApplicationLife::shared()) {
                 QObject::connect(life, &ApplicationLife::calendarsAllowed, controller.get(),

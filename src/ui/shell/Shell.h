@@ -4,6 +4,7 @@
 
 #include <memory>
 
+class LookOfProgram;
 class MainWindowController;
 class StartWindow;
 class WindowCommands;
@@ -39,5 +40,6 @@ private:
     std::unique_ptr<MainWindowController> controller;
     std::unique_ptr<StartWindow> start;
     std::unique_ptr<WindowCommands> commands;
+    std::unique_ptr<LookOfProgram> look;
     QString badgeLabel;
 };

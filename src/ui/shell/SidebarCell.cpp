@@ -58,7 +58,7 @@ static void paintPlate(QPainter &painter, const QStyleOptionViewItem &option)
 static QColor textColour(const QStyleOptionViewItem &option, bool isTop)
 {
     if (option.state.testFlag(QStyle::State_Selected))
-        return Theme::textOnAccent;
+        return Theme::textOnVeil;
     return isTop ? Theme::sidebarText : Theme::sidebarText.darker(108);
 }
 

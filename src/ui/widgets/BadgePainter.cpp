@@ -56,7 +56,7 @@ void BadgePainter::paint(QPainter &painter, const QRect &row, Qt::LayoutDirectio
     const int leftWidth = isDouble() ? widthOf(left) : 0;
     if (isDouble())
         paintPart(painter, QRect(pill.left(), pill.top(), leftWidth, height), Theme::badgeOverdue,
-                  Theme::textOnAccent, left);
+                  Theme::badgeOverdueText, left);
     paintPart(painter, pill.adjusted(leftWidth, 0, 0, 0), Theme::badge, Theme::badgeText, right);
     painter.restore();
 }

@@ -63,7 +63,7 @@ namespace {
 class TintedIconEngine : public QIconEngine
 {
 public:
-    TintedIconEngine(QString iconName, QColor iconColour)
+    TintedIconEngine(QString iconName, Theme::Role iconColour)
         : name(std::move(iconName))
         , colour(iconColour)
     {}
@@ -82,12 +82,12 @@ private:
     QColor colourOf(QIcon::Mode mode) const { return mode == QIcon::Disabled ? Theme::disabledText : colour; }
 
     QString name;
-    QColor colour;
+    Theme::Role colour;
 };
 
 } // namespace
 
-QIcon Icons::icon(const QString &name, const QColor &colour)
+QIcon Icons::icon(const QString &name, Theme::Role colour)
 {
     return QIcon(new TintedIconEngine(name, colour));
 }

@@ -105,7 +105,7 @@ void MVSegmentView::paintEvent(QPaintEvent *)
     for (int index = 0; index < words.size(); ++index) {
         const QRect place = rectOf(index);
         if (index == selected || index == hovered)
-            painter.fillRect(place, index == selected ? Theme::selection : Theme::hover);
+            painter.fillRect(place, QColor(index == selected ? Theme::selection : Theme::hover));
         painter.setPen(index == selected ? Theme::selectedText : Theme::secondaryText);
         painter.drawText(place, Qt::AlignCenter, words.at(index));
         painter.setPen(Theme::controlBorder);

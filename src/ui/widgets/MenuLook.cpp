@@ -18,7 +18,7 @@ void MenuLook::drawSelection(const QStyleOption *option, QPainter *painter)
 
 void MenuLook::drawSeparator(const QRect &rect, QPainter *painter)
 {
-    painter->fillRect(QRect(rect.left(), rect.center().y(), rect.width(), 1), Theme::cardBorder);
+    painter->fillRect(QRect(rect.left(), rect.center().y(), rect.width(), 1), QColor(Theme::cardBorder));
 }
 
 bool MenuLook::isCheckable(const QStyleOptionMenuItem &item)

@@ -1,4 +1,5 @@
 #include "widgets/MessageBoxPresenter.h"
+#include "widgets/Appearance.h"
 
 #include "foundation/Localization.h"
 #include "widgets/Icons.h"
@@ -43,11 +44,8 @@ static void dress(QMessageBox &box)
         if (box.informativeText().isEmpty())
             question->setMinimumHeight(boxIconSize);
     }
-    if (auto *explanation = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s)) {
-        QPalette palette = explanation->palette();
-        palette.setColor(QPalette::WindowText, Theme::secondaryText);
-        explanation->setPalette(palette);
-    }
+    if (auto *explanation = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s))
+        Appearance::colourText(*explanation, Theme::secondaryText);
 }
 
 /// Wide enough for a sentence or the path of a file.

@@ -110,14 +110,14 @@ void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *optio
         return QProxyStyle::drawControl(element, &plain, painter, widget);
     }
     if (element == CE_MenuBarItem && item) {
-        painter->fillRect(option->rect, Theme::card);
+        painter->fillRect(option->rect, QColor(Theme::card));
         MenuLook::drawSelection(option, painter);
         return proxy()->drawItemText(painter, option->rect, Qt::AlignCenter | Qt::TextHideMnemonic,
                                      item->palette, item->state.testFlag(State_Enabled), item->text,
                                      QPalette::WindowText);
     }
     if (element == CE_MenuBarEmptyArea)
-        return painter->fillRect(option->rect, Theme::card);
+        return painter->fillRect(option->rect, QColor(Theme::card));
     const auto *toolButton = qstyleoption_cast<const QStyleOptionToolButton *>(option);
     if (element == CE_ToolButtonLabel && ButtonLook::hasWordsBesideIcon(toolButton))
         return ButtonLook::drawWordsBesideIcon(*toolButton, painter);

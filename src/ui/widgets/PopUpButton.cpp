@@ -37,7 +37,7 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         if (isSeparator(index)) {
             painter->fillRect(QRect(option.rect.left(), option.rect.center().y(), option.rect.width(), 1),
-                              Theme::divider);
+                              QColor(Theme::divider));
         } else {
             if (isEnabled && option.state.testFlag(QStyle::State_Selected)) {
                 painter->setPen(Qt::NoPen);

@@ -99,7 +99,7 @@ void RoundCorners::drawPanel(QPainter &painter, const QWidget &window, int radiu
     if (window.testAttribute(Qt::WA_TranslucentBackground))
         painter.fillPath(rounded(whole, radius), Theme::controlBorder);
     else
-        painter.fillRect(whole, Theme::controlBorder);
+        painter.fillRect(whole, QColor(Theme::controlBorder));
     painter.fillPath(rounded(whole.adjusted(1, 1, -1, -1), radius - 1), Theme::card);
     painter.restore();
 }

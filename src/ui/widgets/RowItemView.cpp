@@ -1,4 +1,5 @@
 #include "widgets/RowItemView.h"
+#include "widgets/Appearance.h"
 
 #include "foundation/Localization.h"
 #include "widgets/Accessibility.h"
@@ -49,16 +50,9 @@ RowItemView::RowItemView(int tag, const QString &textTag, int minHeigt, QWidget 
     label->setFixedWidth(labelWidth);
     label->setWordWrap(true);
     label->setAlignment(leading(*this));
-    colourLabel(Theme::secondaryText);
+    Appearance::colourText(*label, Theme::secondaryText);
     label->hide();
     settle();
-}
-
-void RowItemView::colourLabel(const QColor &colour)
-{
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
 }
 
 void RowItemView::setError(const QString &reason)
@@ -66,7 +60,7 @@ void RowItemView::setError(const QString &reason)
     if (reason == label->toolTip())
         return;
     label->setToolTip(reason);
-    colourLabel(reason.isEmpty() ? Theme::secondaryText : Theme::overdue);
+    Appearance::colourText(*label, reason.isEmpty() ? Theme::secondaryText : Theme::overdue);
     if (label->buddy())
         label->buddy()->setAccessibleDescription(reason);
 }
@@ -296,5 +290,6 @@ bool RowItemView::isLastShown() const
 void RowItemView::paintEvent(QPaintEvent *)
 {
     if (!isLastShown())
-        QPainter(this).fillRect(QRect(sideMargin, height() - 1, width() - sideMargin, 1), Theme::divider);
+        QPainter(this).fillRect(QRect(sideMargin, height() - 1, width() - sideMargin, 1),
+                                QColor(Theme::divider));
 }

@@ -54,7 +54,6 @@ protected:
 
 private:
     QLabel *previewLabel();
-    void colourLabel(const QColor &colour);
     bool isLastShown() const;
     bool canDelete() const;
     void setRowHeight(int height);

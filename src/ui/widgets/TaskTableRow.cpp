@@ -33,12 +33,12 @@ static void paintState(QPainter &painter, const QStyleOptionViewItem &option, co
 {
     const bool isActive = option.state.testFlag(QStyle::State_Active);
     if (option.state.testFlag(QStyle::State_Selected)) {
-        painter.fillRect(card, isActive ? Theme::selection : Theme::inactiveSelection);
+        painter.fillRect(card, QColor(isActive ? Theme::selection : Theme::inactiveSelection));
         const QRect strip(card.left(), card.top(), stripWidth, card.height());
         painter.fillRect(QStyle::visualRect(option.direction, card, strip),
-                         isActive ? Theme::accent : Theme::checkBox);
+                         QColor(isActive ? Theme::accent : Theme::checkBox));
     } else if (option.state.testFlag(QStyle::State_MouseOver)) {
-        painter.fillRect(card, Theme::hover);
+        painter.fillRect(card, QColor(Theme::hover));
     }
 }
 
@@ -56,7 +56,8 @@ void TaskTableRow::paint(QPainter &painter, const QStyleOptionViewItem &option, 
         const bool isRightToLeft = option.direction == Qt::RightToLeft;
         const int from = isRightToLeft ? card.left() + 1 : title.left();
         const int to = isRightToLeft ? title.right() : card.right() - 1;
-        painter.fillRect(QRect(QPoint(from, card.bottom()), QPoint(to, card.bottom())), Theme::divider);
+        painter.fillRect(QRect(QPoint(from, card.bottom()), QPoint(to, card.bottom())),
+                         QColor(Theme::divider));
     }
     painter.strokePath(shape, QPen(Theme::cardBorder));
     painter.restore();

@@ -1,5 +1,7 @@
 #include "widgets/TextLabel.h"
 
+#include "widgets/Appearance.h"
+
 #include <QLabel>
 
 QString firstPart(const QString &text)
@@ -29,14 +31,12 @@ QString readablePart(const QString &text)
     return part;
 }
 
-QLabel *makeTextLabel(const QString &text, Theme::FontRole role, const QColor &color)
+QLabel *makeTextLabel(const QString &text, Theme::FontRole role, Theme::Role colour)
 {
     auto *label = new QLabel(text);
-    label->setFont(Theme::font(role));
+    Appearance::follow(*label, [label, role] { label->setFont(Theme::font(role)); });
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, color);
-    label->setPalette(palette);
+    Appearance::colourText(*label, colour);
     return label;
 }

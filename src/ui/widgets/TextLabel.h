@@ -11,4 +11,4 @@ QString firstPart(const QString &text);
 QString readablePart(const QString &text);
 
 /// A label that breaks its lines, in a role's font and a colour of the theme.
-QLabel *makeTextLabel(const QString &text, Theme::FontRole role, const QColor &color);
+QLabel *makeTextLabel(const QString &text, Theme::FontRole role, Theme::Role colour);

@@ -2,7 +2,157 @@
 
 #include <QGuiApplication>
 
+#include <algorithm>
+#include <cmath>
+
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+double luminance(const QColor &colour)
+{
+    const auto linear = [](float part) {
+        return part <= 0.04045F ? double(part) / 12.92 : std::pow((double(part) + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+QColor lightened(const QColor &colour, float by)
+{
+    const QColor hsl = colour.toHsl();
+    return QColor::fromHslF(std::max(0.0F, hsl.hslHueF()), hsl.hslSaturationF(),
+                            std::clamp(hsl.lightnessF() + by, 0.0F, 1.0F))
+        .toRgb();
+}
+
+QColor translucent(QColor colour, int alpha)
+{
+    colour.setAlpha(alpha);
+    return colour;
+}
+
+bool isDarkScheme(Theme::Scheme scheme)
+{
+    return scheme == Theme::Scheme::Dark || scheme == Theme::Scheme::DarkContrast;
+}
+
+bool isContrastScheme(Theme::Scheme scheme)
+{
+    return scheme == Theme::Scheme::LightContrast || scheme == Theme::Scheme::DarkContrast;
+}
+
+/// What an accent must be at least, to be read on a selected row, too.
+double leastContrastOf(Theme::Scheme scheme)
+{
+    return isContrastScheme(scheme) ? 8 : 5.2;
+}
+
+Theme::Shown &present()
+{
+    static Theme::Shown state(Theme::Scheme::Light);
+    return state;
+}
+
+} // namespace
+
+Theme::Shown::Shown(Scheme wanted, std::optional<QColor> accent)
+    : scheme(wanted)
+{
+    for (size_t part = 0; part < accents.size(); ++part)
+        accents[part] = accentOf(wanted, static_cast<Accent>(part), accent);
+}
+
+const Theme::Shown &Theme::shown()
+{
+    return present();
+}
+
+void Theme::setShown(const Shown &wanted)
+{
+    present() = wanted;
+}
+
+Theme::Scheme Theme::scheme()
+{
+    return shown().scheme;
+}
+
+bool Theme::isDark()
+{
+    return isDarkScheme(scheme());
+}
+
+QColor Theme::accentOf(Scheme scheme, Accent part, std::optional<QColor> accent)
+{
+    const bool dark = isDarkScheme(scheme);
+    const bool strong = isContrastScheme(scheme);
+    const QColor own = dark ? QColor(122, 168, 255) : QColor(43, 99, 201);
+    const QColor fill = readable(accent.value_or(own), content.of(scheme), leastContrastOf(scheme));
+    switch (part) {
+    case Accent::Fill:
+        return fill;
+    case Accent::FillHover:
+        return lightened(fill, dark ? 0.04F : -0.03F);
+    case Accent::FillPressed:
+        return lightened(fill, dark ? -0.06F : -0.09F);
+    case Accent::Ink:
+        return readable(fill, content.of(scheme), strong ? 10 : 7);
+    case Accent::TextOnFill:
+        return dark ? QColor(10, 18, 32) : QColor(255, 255, 255);
+    case Accent::Selection:
+        return translucent(fill, strong ? 60 : dark ? 46 : 30);
+    case Accent::SelectionStrong:
+        return translucent(fill, strong ? 90 : dark ? 72 : 48);
+    case Accent::Ring:
+        return translucent(fill, strong ? 255 : 210);
+    case Accent::Count:
+        break;
+    }
+    return {};
+}
+
+Theme::Role::operator QColor() const
+{
+    const Shown &now = shown();
+    return part == Accent::Count ? shades[static_cast<size_t>(now.scheme)]
+                                 : now.accents[static_cast<size_t>(part)];
+}
+
+QColor Theme::Role::of(Scheme wanted) const
+{
+    return part == Accent::Count ? shades[static_cast<size_t>(wanted)] : accentOf(wanted, part);
+}
+
+QColor Theme::mixed(const QColor &above, const QColor &below)
+{
+    const float alpha = above.alphaF();
+    const auto mix = [alpha](float one, float other) { return one * alpha + other * (1 - alpha); };
+    return QColor::fromRgbF(mix(above.redF(), below.redF()), mix(above.greenF(), below.greenF()),
+                            mix(above.blueF(), below.blueF()));
+}
+
+double Theme::contrast(const QColor &ink, const QColor &ground)
+{
+    const double one = luminance(mixed(ink, ground));
+    const double other = luminance(ground);
+    return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
+}
+
+QColor Theme::readable(const QColor &colour, const QColor &other, double leastContrast)
+{
+    QColor changed = colour.toHsl();
+    // What stands on a dark colour becomes lighter, else darker.
+    constexpr double middle = 0.18;
+    const float step = luminance(other) > middle ? -0.01F : 0.01F;
+    for (float lightness = changed.lightnessF(); contrast(changed, other) < leastContrast;) {
+        lightness += step;
+        if (lightness < 0 || lightness > 1)
+            break;
+        changed.setHslF(std::max(0.0F, changed.hslHueF()), changed.hslSaturationF(), lightness);
+    }
+    return changed.toRgb();
+}
 
 static QFont scaled(double factor, QFont::Weight weight)
 {
@@ -35,41 +185,44 @@ QFont Theme::font(FontRole role)
     return QGuiApplication::font();
 }
 
-QFont Theme::applicationFont()
+QFont Theme::applicationFont(double scale)
 {
-    QFont font = QGuiApplication::font();
-    font.setFamilies({u"Inter"_s, u"Cantarell"_s, u"Noto Sans"_s, font.family()});
-    font.setPointSizeF(std::max(font.pointSizeF(), 10.0));
+    static const QFont ofDesktop = QGuiApplication::font();
+    QFont font = ofDesktop;
+    font.setFamilies({u"Inter"_s, u"Cantarell"_s, u"Noto Sans"_s, font.family(), u"Noto Color Emoji"_s});
+    font.setPointSizeF(std::max(font.pointSizeF(), 10.0) * scale);
     return font;
-}
-
-static void setDisabled(QPalette &palette, QPalette::ColorRole role)
-{
-    palette.setColor(QPalette::Disabled, role, Theme::disabledText);
 }
 
 QPalette Theme::palette()
 {
-    QPalette palette(card, content);
-    palette.setColor(QPalette::Window, content);
-    palette.setColor(QPalette::WindowText, text);
-    palette.setColor(QPalette::Base, card);
-    palette.setColor(QPalette::AlternateBase, content);
-    palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::Button, control);
-    palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::PlaceholderText, placeholderText);
-    palette.setColor(QPalette::Highlight, accent);
-    palette.setColor(QPalette::HighlightedText, textOnAccent);
-    palette.setColor(QPalette::Link, accent);
-    palette.setColor(QPalette::ToolTipBase, text);
-    palette.setColor(QPalette::ToolTipText, card);
-    palette.setColor(QPalette::Mid, controlBorder);
-    palette.setColor(QPalette::Light, card);
-    palette.setColor(QPalette::Midlight, divider);
-    palette.setColor(QPalette::Dark, secondaryText);
+    const std::pair<QPalette::ColorRole, Role> colours[] = {
+        {QPalette::Window, content},
+        {QPalette::WindowText, text},
+        {QPalette::Base, card},
+        {QPalette::AlternateBase, content},
+        {QPalette::Text, text},
+        {QPalette::Button, control},
+        {QPalette::ButtonText, text},
+        {QPalette::BrightText, text},
+        {QPalette::PlaceholderText, placeholderText},
+        {QPalette::Highlight, accent},
+        {QPalette::HighlightedText, textOnAccent},
+        {QPalette::Link, selectedText},
+        {QPalette::LinkVisited, selectedText},
+        {QPalette::ToolTipBase, text},
+        {QPalette::ToolTipText, card},
+        {QPalette::Mid, controlBorder},
+        {QPalette::Light, card},
+        {QPalette::Midlight, divider},
+        {QPalette::Dark, secondaryText},
+        {QPalette::Shadow, shadow},
+    };
+    QPalette palette;
+    for (const auto &[role, colour] : colours)
+        palette.setColor(QPalette::All, role, colour);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        setDisabled(palette, role);
+        palette.setColor(QPalette::Disabled, role, disabledText);
     return palette;
 }
 

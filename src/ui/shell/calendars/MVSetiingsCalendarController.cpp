@@ -2,6 +2,7 @@
 
 #include "calendarsync/SyncSettings.h"
 #include "foundation/Localization.h"
+#include "shell/LookOfProgram.h"
 #include "shell/devices/DevicesWindow.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
@@ -32,6 +33,7 @@ MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(2 * Theme::unit);
     column->setSizeConstraint(QLayout::SetFixedSize);
+    setUpLook();
     setUpAccess();
     setUpSync();
     setUpContacts();
@@ -41,7 +43,7 @@ MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
         NotificationCenter::defaultCenter().addObserver(notifications::preferences, [this] { refresh(); });
 }
 
-static QLabel *makeLabel(const QString &text, Theme::FontRole role, const QColor &color)
+static QLabel *makeLabel(const QString &text, Theme::FontRole role, Theme::Role color)
 {
     QLabel *label = makeTextLabel(text, role, color);
     label->setFixedWidth(width);
@@ -86,6 +88,23 @@ QLabel *MVSetiingsCalendarController::addDescription(QVBoxLayout &card, const QS
     QLabel *label = makeLabel(text, Theme::FontRole::Small, Theme::secondaryText);
     card.addWidget(label);
     return label;
+}
+
+void MVSetiingsCalendarController::setUpLook()
+{
+    QVBoxLayout &card = *addCard(localized(u"Appearance"_s), {});
+    scheme = addChoice(
+        card, {localized(u"Colors"_s),
+               {u"radioButtonSchemeDesktop"_s, u"radioButtonSchemeLight"_s, u"radioButtonSchemeDark"_s},
+               LookOfProgram::schemeTitles()});
+    contrast = addChoice(card, {localized(u"Contrast"_s),
+                                {u"radioButtonContrastDesktop"_s, u"radioButtonContrastNormal"_s,
+                                 u"radioButtonContrastHigh"_s},
+                                LookOfProgram::contrastTitles()});
+    connect(scheme, &QButtonGroup::idClicked, this,
+            [](int choice) { LookOfProgram::choose(static_cast<LookOfProgram::SchemeChoice>(choice)); });
+    connect(contrast, &QButtonGroup::idClicked, this,
+            [](int choice) { LookOfProgram::choose(static_cast<LookOfProgram::ContrastChoice>(choice)); });
 }
 
 void MVSetiingsCalendarController::setUpAccess()
@@ -164,6 +183,8 @@ void MVSetiingsCalendarController::refresh()
 {
     for (const auto &[kind, button] : switches)
         button->setChecked(accesschoice::isAllowed(kind));
+    scheme->button(static_cast<int>(LookOfProgram::schemeChoice()))->setChecked(true);
+    contrast->button(static_cast<int>(LookOfProgram::contrastChoice()))->setChecked(true);
     period->button(static_cast<int>(SyncSettings::syncPeriod()))->setChecked(true);
     frequency->button(static_cast<int>(SyncSettings::syncFrequency()))->setChecked(true);
     order->button(static_cast<int>(SyncSettings::displayOrder()))->setChecked(true);

@@ -43,6 +43,7 @@ private:
     QVBoxLayout *addCard(const QString &title, const QString &description);
     QButtonGroup *addChoice(QVBoxLayout &card, const Choice &choice);
     QLabel *addDescription(QVBoxLayout &card, const QString &text);
+    void setUpLook();
     void setUpAccess();
     void addSwitch(QVBoxLayout &card, accesschoice::Kind kind, const QString &objectName,
                    const QString &title);
@@ -56,6 +57,8 @@ private:
 
     QVBoxLayout *column;
     std::vector<std::pair<accesschoice::Kind, QCheckBox *>> switches;
+    QButtonGroup *scheme = nullptr;
+    QButtonGroup *contrast = nullptr;
     QButtonGroup *period = nullptr;
     QButtonGroup *frequency = nullptr;
     QButtonGroup *order = nullptr;

@@ -33,7 +33,7 @@ QVBoxLayout *addCardTo(QVBoxLayout &column, const QString &title)
     return rows;
 }
 
-QLabel *addText(QVBoxLayout &rows, const QString &text, Theme::FontRole role, const QColor &color)
+QLabel *addText(QVBoxLayout &rows, const QString &text, Theme::FontRole role, Theme::Role color)
 {
     QLabel *label = makeTextLabel(text, role, color);
     label->setWordWrap(true);

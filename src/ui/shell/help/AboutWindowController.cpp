@@ -33,7 +33,7 @@ QPointer<AboutWindowController> &openAboutWindow()
 }
 
 void addLine(QVBoxLayout &column, const char *name, const QString &text, Theme::FontRole role,
-             const QColor &colour)
+             Theme::Role colour)
 {
     QLabel *label = makeTextLabel(text, role, colour);
     label->setObjectName(QString::fromLatin1(name));

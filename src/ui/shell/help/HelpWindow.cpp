@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "shell/help/HelpPages.h"
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -43,10 +44,14 @@ HelpBrowser::HelpBrowser(QWidget *parent)
     fitting.setSingleShot(true);
     connect(&fitting, &QTimer::timeout, this, &HelpBrowser::fitPictures);
     document()->setDocumentMargin(helpMargin);
-    document()->setDefaultStyleSheet(
-        u"h1 { font-size: xx-large; margin-top: 0px; } h2 { font-size: large; margin-top: 24px; }"
-        "p, li { margin-bottom: 8px; line-height: 135%; } a { color: %1; text-decoration: none; }"_s.arg(
-            Theme::accent.name()));
+    Appearance::follow(*this, [this] {
+        document()->setDefaultStyleSheet(
+            u"h1 { font-size: xx-large; margin-top: 0px; } h2 { font-size: large; margin-top: 24px; }"
+            "p, li { margin-bottom: 8px; line-height: 135%; } a { color: %1; text-decoration: none; }"_s.arg(
+                Theme::selectedText.name()));
+        if (!source().isEmpty())
+            reload();
+    });
 }
 
 QVariant HelpBrowser::loadResource(int type, const QUrl &name)

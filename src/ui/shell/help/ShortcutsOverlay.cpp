@@ -12,7 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr QColor veil(20, 26, 33, 245);
 constexpr int overlayMargin = 4 * Theme::unit;
 constexpr int columnGap = 5 * Theme::unit;
 constexpr int keysGap = 2 * Theme::unit;
@@ -65,11 +64,11 @@ void ShortcutsOverlay::end()
 void ShortcutsOverlay::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), veil);
+    painter.fillRect(rect(), QColor(Theme::veil));
     const QFontMetrics title(Theme::font(Theme::FontRole::Title));
     const QFontMetrics metrics(Theme::font(Theme::FontRole::Small));
     const QRect inside = rect().adjusted(overlayMargin, overlayMargin, -overlayMargin, -overlayMargin);
-    painter.setPen(Qt::white);
+    painter.setPen(Theme::textOnVeil);
     painter.setFont(Theme::font(Theme::FontRole::Title));
     painter.drawText(inside, Qt::AlignLeading | Qt::AlignTop, localized(u"Keyboard Shortcuts"_s));
     painter.setFont(Theme::font(Theme::FontRole::Small));
@@ -94,7 +93,7 @@ void ShortcutsOverlay::paintEvent(QPaintEvent *)
             QStyle::visualRect(layoutDirection(), body, row.adjusted(keysWidth + keysGap, 0, 0, 0));
         painter.setPen(Theme::sidebarAccent);
         painter.drawText(keys, Qt::AlignLeading | Qt::AlignVCenter, lines[size_t(place)].keys);
-        painter.setPen(Qt::white);
+        painter.setPen(Theme::textOnVeil);
         painter.drawText(words, Qt::AlignLeading | Qt::AlignVCenter, lines[size_t(place)].command);
     }
 }

@@ -5,7 +5,7 @@
 
 #include <QPainter>
 
-HomeHeading::HomeHeading(Theme::FontRole fontRole, const QColor &textColour, QWidget *parent)
+HomeHeading::HomeHeading(Theme::FontRole fontRole, Theme::Role textColour, QWidget *parent)
     : QWidget(parent)
     , colour(textColour)
 {

@@ -10,7 +10,7 @@ class HomeHeading : public QWidget
 {
     Q_OBJECT
 public:
-    HomeHeading(Theme::FontRole fontRole, const QColor &textColour, QWidget *parent = nullptr);
+    HomeHeading(Theme::FontRole fontRole, Theme::Role textColour, QWidget *parent = nullptr);
 
     QString text() const { return words; }
     void setText(const QString &text);
@@ -21,6 +21,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QColor colour;
+    Theme::Role colour;
     QString words;
 };

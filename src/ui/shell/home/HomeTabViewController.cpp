@@ -152,7 +152,7 @@ void HomeTabViewController::paintEvent(QPaintEvent *)
     QPainter painter(this);
     const HomeColumns columns = HomeColumns::of(size());
     const auto fill = [&](const QRect &line) {
-        painter.fillRect(QStyle::visualRect(layoutDirection(), rect(), line), Theme::cardBorder);
+        painter.fillRect(QStyle::visualRect(layoutDirection(), rect(), line), QColor(Theme::cardBorder));
     };
     fill({columns.overdue.left(), 0, 1, height()});
     if (columns.areListsStacked)

@@ -137,7 +137,7 @@ void MapView::paintEvent(QPaintEvent *)
     shape.addRoundedRect(rect(), Theme::controlRadius, Theme::controlRadius);
     painter.save();
     painter.setClipPath(shape);
-    painter.fillRect(rect(), Theme::divider);
+    painter.fillRect(rect(), QColor(Theme::divider));
     paintTiles(painter);
     paintPin(painter);
     paintNotes(painter);

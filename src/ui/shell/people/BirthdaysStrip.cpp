@@ -8,6 +8,7 @@
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Appearance.h"
 #include "widgets/TextLabel.h"
 
 #include <QHBoxLayout>
@@ -35,6 +36,8 @@ BirthdaysStrip::BirthdaysStrip(QWidget *parent)
     midnight.setSingleShot(true);
     connect(&soon, &QTimer::timeout, this, &BirthdaysStrip::load);
     connect(&midnight, &QTimer::timeout, this, &BirthdaysStrip::load);
+    // The colour of the links stands in the words.
+    connect(&Appearance::shared(), &Appearance::changed, this, &BirthdaysStrip::showBirthdays);
     connect(label, &QLabel::linkActivated, this, [this](const QString &link) {
         const auto place = link.toULongLong();
         if (place >= birthdays.size())
@@ -90,7 +93,8 @@ void BirthdaysStrip::showBirthdays()
         if (room < 0)
             break;
         shown << u"<a href=\"%1\" style=\"color:%2\">%3</a> %4"_s.arg(
-            QString::number(shown.size()), Theme::accent.name(), name.toHtmlEscaped(), day.toHtmlEscaped());
+            QString::number(shown.size()), Theme::selectedText.name(), name.toHtmlEscaped(),
+            day.toHtmlEscaped());
     }
     QString words = heading.toHtmlEscaped() + shown.join(separator);
     if (const auto hidden = birthdays.size() - static_cast<std::size_t>(shown.size()); hidden > 0)

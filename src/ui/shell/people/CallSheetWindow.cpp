@@ -10,6 +10,7 @@
 #include "records/Waiting.h"
 #include "records/people/NoteForm.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Appearance.h"
 #include "widgets/CheckButton.h"
 #include "widgets/FormScroll.h"
 #include "widgets/TextLabel.h"
@@ -118,10 +119,12 @@ void CallSheetWindow::addNumber(QVBoxLayout &block, const CallSheet::Number &num
     auto *label = makeTextLabel({}, Theme::FontRole::Body, Theme::accent);
     label->setObjectName(u"labelNumber"_s);
     label->setTextFormat(Qt::RichText);
-    label->setText(
-        u"<a href=\"link\" style=\"color:%1\">%2</a>&nbsp; <span style=\"color:%3\">%4</span>"_s.arg(
-            Theme::accent.name(), firstPart(number.words).toHtmlEscaped(), Theme::secondaryText.name(),
-            firstPart(number.owner).toHtmlEscaped()));
+    Appearance::follow(*label, [label, words = firstPart(number.words).toHtmlEscaped(),
+                                owner = firstPart(number.owner).toHtmlEscaped()] {
+        label->setText(
+            u"<a href=\"link\" style=\"color:%1\">%2</a>&nbsp; <span style=\"color:%3\">%4</span>"_s.arg(
+                Theme::selectedText.name(), words, Theme::secondaryText.name(), owner));
+    });
     label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     label->setFocusPolicy(Qt::StrongFocus);
     label->setAccessibleName(number.owner + u": "_s + number.words);

@@ -92,8 +92,7 @@ StartWindow::StartWindow()
     started->setFocus();
 }
 
-static QLabel *makeStartLabel(const char *name, const QString &text, Theme::FontRole role,
-                              const QColor &colour)
+static QLabel *makeStartLabel(const char *name, const QString &text, Theme::FontRole role, Theme::Role colour)
 {
     QLabel *label = makeTextLabel(text, role, colour);
     label->setObjectName(QString::fromLatin1(name));
@@ -168,8 +167,8 @@ void StartWindow::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(rect(), Theme::card);
-    painter.fillRect(leftView->geometry(), Theme::sidebar);
+    painter.fillRect(rect(), QColor(Theme::card));
+    painter.fillRect(leftView->geometry(), QColor(Theme::sidebar));
 }
 
 void StartWindow::keyPressEvent(QKeyEvent *event)

@@ -57,7 +57,7 @@ void StartWindowItem::paintEvent(QPaintEvent *)
     painter.setPen(Qt::NoPen);
     const QRectF ground = QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5);
     if (isDown() || underMouse()) {
-        painter.setBrush(isDown() ? pressedGround : Theme::sidebarHover);
+        painter.setBrush(isDown() ? pressedGround : QColor(Theme::sidebarHover));
         painter.drawRoundedRect(ground, Theme::controlRadius, Theme::controlRadius);
     }
     if (hasFocus()) {
@@ -74,7 +74,7 @@ void StartWindowItem::paintEvent(QPaintEvent *)
     const QFontMetrics title(titleFont());
     const QRect upper(left, itemPadding, width() - left - itemPadding, title.height());
     const QRect lower(left, upper.bottom() + 1 + itemTextGap, upper.width(), height());
-    painter.setPen(Qt::white);
+    painter.setPen(Theme::textOnVeil);
     painter.setFont(titleFont());
     painter.drawText(placed(upper), Qt::AlignLeading | Qt::AlignTop, text());
     painter.setPen(Theme::startText);

@@ -3,6 +3,7 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "recurrence/RRule.h"
+#include "widgets/Appearance.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/RepeatCalendar.h"
 #include "widgets/Theme.h"
@@ -96,7 +97,7 @@ QWidget *RepeatWindow::makeInterval()
     return widget;
 }
 
-static QLabel *makeText(const QString &name, const QColor &colour, Theme::FontRole role)
+static QLabel *makeText(const QString &name, Theme::Role colour, Theme::FontRole role)
 {
     auto *label = new QLabel;
     label->setObjectName(name);
@@ -104,9 +105,7 @@ static QLabel *makeText(const QString &name, const QColor &colour, Theme::FontRo
     label->setWordWrap(true);
     label->setTextFormat(Qt::PlainText);
     label->setFixedWidth(contentWidth);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
+    Appearance::colourText(*label, colour);
     return label;
 }
 

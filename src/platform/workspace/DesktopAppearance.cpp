@@ -1,0 +1,241 @@
+#include "workspace/DesktopAppearance.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString portalService = u"org.freedesktop.portal.Desktop"_s;
+const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
+const QString portalInterface = u"org.freedesktop.portal.Settings"_s;
+const QString appearanceSpace = u"org.freedesktop.appearance"_s;
+const QString interfaceSpace = u"org.gnome.desktop.interface"_s;
+const QString accessibilitySpace = u"org.gnome.desktop.a11y.interface"_s;
+
+constexpr int portalPatience = 3'000;
+/// What a desktop may ask for without making the screens unusable.
+constexpr double leastTextScale = 0.75;
+constexpr double mostTextScale = 3;
+
+QVariant unwrapped(QVariant value)
+{
+    while (value.userType() == qMetaTypeId<QDBusVariant>())
+        value = value.value<QDBusVariant>().variant();
+    return value;
+}
+
+/// Absent for a value of another type, and for one out of range, which stands for no choice.
+std::optional<std::array<double, 3>> accentOf(const QVariant &value)
+{
+    if (value.userType() != qMetaTypeId<QDBusArgument>())
+        return {};
+    const auto argument = value.value<QDBusArgument>();
+    if (argument.currentSignature() != u"(ddd)"_s)
+        return {};
+    std::array<double, 3> parts{};
+    argument.beginStructure();
+    for (double &part : parts)
+        argument >> part;
+    argument.endStructure();
+    const bool isColour = std::ranges::all_of(parts, [](double part) { return part >= 0 && part <= 1; });
+    return isColour ? std::optional(parts) : std::nullopt;
+}
+
+bool isNameOfHighContrast(const QString &theme)
+{
+    return theme.startsWith(u"HighContrast"_s, Qt::CaseInsensitive);
+}
+
+bool isNameOfDark(const QString &theme)
+{
+    return theme.contains(u"dark"_s, Qt::CaseInsensitive) ||
+           theme.compare(u"HighContrastInverse"_s, Qt::CaseInsensitive) == 0;
+}
+
+/// A colour as Plasma writes it: "12,34,56".
+std::optional<std::array<double, 3>> colourOf(const QStringList &numbers)
+{
+    if (numbers.size() < 3)
+        return {};
+    std::array<double, 3> parts{};
+    for (int place = 0; place < 3; ++place) {
+        bool isNumber = false;
+        parts[size_t(place)] = numbers.at(place).toDouble(&isNumber) / 255;
+        if (!isNumber || parts[size_t(place)] < 0 || parts[size_t(place)] > 1)
+            return {};
+    }
+    return parts;
+}
+
+DesktopLook lookOfPlasma(const QString &file)
+{
+    DesktopLook look;
+    const QSettings settings(file, QSettings::IniFormat);
+    look.accent = colourOf(settings.value(u"General/AccentColor"_s).toStringList());
+    const QString scheme = settings.value(u"General/ColorScheme"_s).toString();
+    constexpr double middle = 0.5;
+    if (const auto window = colourOf(settings.value(u"Colors:Window/BackgroundNormal"_s).toStringList()))
+        look.scheme = *std::ranges::max_element(*window) < middle ? DesktopLook::Scheme::Dark
+                                                                  : DesktopLook::Scheme::Light;
+    else if (!scheme.isEmpty())
+        look.scheme = isNameOfDark(scheme) ? DesktopLook::Scheme::Dark : DesktopLook::Scheme::Light;
+    look.hasHighContrast = scheme.contains(u"HighContrast"_s, Qt::CaseInsensitive);
+    return look;
+}
+
+DesktopLook lookOfGtk(const QString &file)
+{
+    DesktopLook look;
+    const QSettings settings(file, QSettings::IniFormat);
+    const QString theme = settings.value(u"Settings/gtk-theme-name"_s).toString();
+    const QString prefersDark =
+        settings.value(u"Settings/gtk-application-prefer-dark-theme"_s).toString().toLower();
+    if (isNameOfDark(theme) || prefersDark == u"1"_s || prefersDark == u"true"_s)
+        look.scheme = DesktopLook::Scheme::Dark;
+    look.hasHighContrast = isNameOfHighContrast(theme);
+    return look;
+}
+
+QString plasmaFile(const QString &folder)
+{
+    return folder + u"/kdeglobals"_s;
+}
+
+QStringList gtkFiles(const QString &folder)
+{
+    return {folder + u"/gtk-4.0/settings.ini"_s, folder + u"/gtk-3.0/settings.ini"_s};
+}
+
+} // namespace
+
+DesktopLook DesktopAppearance::lookOfFiles(const QString &configurationFolder, const QString &desktops)
+{
+    if (desktops.split(u':').contains(u"KDE"_s) && QFileInfo::exists(plasmaFile(configurationFolder)))
+        return lookOfPlasma(plasmaFile(configurationFolder));
+    for (const QString &file : gtkFiles(configurationFolder)) {
+        if (QFileInfo::exists(file))
+            return lookOfGtk(file);
+    }
+    return {};
+}
+
+DesktopAppearance::DesktopAppearance(QObject *parent)
+    : QObject(parent)
+    , folder(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
+{}
+
+void DesktopAppearance::start()
+{
+    readFiles();
+    connect(&files, &QFileSystemWatcher::fileChanged, this, &DesktopAppearance::readFiles);
+    connect(&files, &QFileSystemWatcher::directoryChanged, this, &DesktopAppearance::readFiles);
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")) {
+        isSettled = true;
+        return decide();
+    }
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    bus.connect(portalService, portalPath, portalInterface, u"SettingChanged"_s, this,
+                SLOT(settingChanged(QString, QString, QDBusVariant)));
+    auto *watcher =
+        new QDBusServiceWatcher(portalService, bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &DesktopAppearance::askPortal);
+    askPortal();
+}
+
+void DesktopAppearance::askPortal()
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"ReadAll"_s);
+    call << QStringList{appearanceSpace, interfaceSpace, accessibilitySpace};
+    auto *watcher =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call, portalPatience), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        const QDBusMessage answer = watcher->reply();
+        isSettled = true;
+        if (watcher->isError() || answer.signature() != u"a{sa{sv}}"_s)
+            return decide();
+        ofPortal = {};
+        isHighContrastByTheme = false;
+        hasPortal = true;
+        const auto spaces = answer.arguments().constFirst().value<QDBusArgument>();
+        for (spaces.beginMap(); !spaces.atEnd();) {
+            QString space;
+            QVariantMap values;
+            spaces.beginMapEntry();
+            spaces >> space >> values;
+            spaces.endMapEntry();
+            for (auto value = values.cbegin(); value != values.cend(); ++value)
+                take(space, value.key(), unwrapped(value.value()));
+        }
+        decide();
+    });
+}
+
+void DesktopAppearance::settingChanged(const QString &space, const QString &key, const QDBusVariant &value)
+{
+    hasPortal = true;
+    take(space, key, unwrapped(value.variant()));
+    decide();
+}
+
+void DesktopAppearance::take(const QString &space, const QString &key, const QVariant &value)
+{
+    if (space == appearanceSpace && key == u"color-scheme"_s) {
+        const uint wish = value.toUInt();
+        ofPortal.scheme = wish == 1   ? DesktopLook::Scheme::Dark
+                          : wish == 2 ? DesktopLook::Scheme::Light
+                                      : DesktopLook::Scheme::NoWish;
+    } else if (space == appearanceSpace && key == u"accent-color"_s) {
+        ofPortal.accent = accentOf(value);
+    } else if ((space == appearanceSpace && key == u"contrast"_s) ||
+               (space == accessibilitySpace && key == u"high-contrast"_s)) {
+        ofPortal.hasHighContrast = value.toBool() || value.toUInt() == 1;
+    } else if (space == interfaceSpace && key == u"gtk-theme"_s) {
+        isHighContrastByTheme = isNameOfHighContrast(value.toString());
+    } else if (space == interfaceSpace && key == u"text-scaling-factor"_s) {
+        const double scale = value.toDouble();
+        ofPortal.textScale = scale > 0 ? std::clamp(scale, leastTextScale, mostTextScale) : 1;
+    }
+}
+
+/// An editor may write a file by putting another in its place, which ends the watch over it; so its folder is
+/// watched, too.
+void DesktopAppearance::readFiles()
+{
+    QStringList wanted = gtkFiles(folder);
+    wanted.append(plasmaFile(folder));
+    for (const QString &file : wanted) {
+        for (const QString &path : {file, QFileInfo(file).absolutePath()}) {
+            if (QFileInfo::exists(path) && !files.files().contains(path) &&
+                !files.directories().contains(path))
+                files.addPath(path);
+        }
+    }
+    ofFiles = lookOfFiles(folder, qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+    decide();
+}
+
+void DesktopAppearance::decide()
+{
+    if (!isSettled)
+        return;
+    DesktopLook look = hasPortal ? ofPortal : ofFiles;
+    look.hasHighContrast = look.hasHighContrast || (hasPortal && isHighContrastByTheme);
+    if (look == current)
+        return;
+    current = look;
+    Q_EMIT changed();
+}
