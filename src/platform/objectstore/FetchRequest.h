@@ -41,6 +41,14 @@ public:
         return *this;
     }
 
+    /// Names a partial index of the entity whose condition all rows fulfil that pass anyway. It changes
+    /// nothing about what is found, but lets SQLite see that this index has all of it.
+    FetchRequest &along(std::string_view index)
+    {
+        partialIndex = index;
+        return *this;
+    }
+
     /// What the log says before the error if the fetch fails.
     FetchRequest &reportedAs(QString text)
     {
@@ -56,5 +64,7 @@ public:
     int limit = -1;
     /// The only rows that can be found; absent for all.
     std::optional<std::vector<RowId>> candidates;
+    /// Empty for none.
+    std::string partialIndex;
     QString failureText = QStringLiteral("Cannot fetch");
 };

@@ -3,6 +3,8 @@
 #include "foundation/Log.h"
 #include "objectstore/SqlText.h"
 
+#include <algorithm>
+
 QByteArray fetchsql::rowResult(const std::vector<std::string> &columns)
 {
     QByteArray result = "row.rowid";
@@ -19,6 +21,12 @@ QByteArray isAmong(const std::vector<RowId> &rows)
     for (const RowId row : rows)
         numbers.append(QByteArray::number(row));
     return "row.rowid IN (" + numbers.join(',') + ')';
+}
+
+QByteArray conditionOfIndex(const EntityDescription &entity, std::string_view name)
+{
+    const auto found = std::ranges::find(entity.indexes(), name, &IndexDescription::name);
+    return found == entity.indexes().end() ? QByteArray() : bytes(found->where);
 }
 
 } // namespace
@@ -41,6 +49,8 @@ SqlFragment fetchsql::select(const ManagedObjectModel &model, const FetchRequest
         conditions.append('(' + condition.text + ')');
     if (request.candidates)
         conditions.append(isAmong(*request.candidates));
+    if (const QByteArray implied = conditionOfIndex(entity, request.partialIndex); !implied.isEmpty())
+        conditions.append('(' + implied + ')');
     if (!kept.isEmpty())
         conditions.append(kept);
     if (!conditions.isEmpty())

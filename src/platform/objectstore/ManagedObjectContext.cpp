@@ -203,6 +203,10 @@ std::vector<ObjectPtr> ManagedObjectContext::objectsOfRows(const EntityDescripti
     std::vector<ObjectPtr> objects;
     objects.reserve(rows.size());
     const auto &living = population(entity).byRow;
+    // While one statement is at a row, the others join its transaction instead of each opening its own.
+    sqlite::Statement held = database->prepare("SELECT 1 FROM ObjectStoreMetadata");
+    if (rows.size() > 1)
+        held.step();
     sqlite::Statement statement = database->prepare(selectColumns(entity) + " WHERE rowid = ?");
     for (const RowId row : rows) {
         const auto found = living.find(row);
@@ -238,6 +242,43 @@ std::vector<ObjectPtr> ManagedObjectContext::relatedObjects(const ManagedObject 
     std::vector<ObjectPtr> objects = objectsOfRows(destination, rows);
     std::erase_if(objects, [](const ObjectPtr &one) { return !one || one->isDeleted(); });
     return objects;
+}
+
+std::unordered_map<const ManagedObject *, std::vector<ObjectPtr>>
+ManagedObjectContext::relatedObjects(const std::vector<ObjectPtr> &holders, std::string_view relationship)
+{
+    std::unordered_map<const ManagedObject *, std::vector<ObjectPtr>> related;
+    if (holders.empty())
+        return related;
+    write().ignore();
+    const EntityDescription &entity = holders.front()->entity();
+    const RelationshipDescription &pairs = *entity.relationship(relationship);
+    const EntityDescription &destination = objectModel.destinationOf(pairs);
+    std::unordered_map<RowId, const ManagedObject *> holderOfRow;
+    QByteArrayList numbers;
+    for (const ObjectPtr &holder : holders) {
+        if (holderOfRow.emplace(holder->rowId(), holder.get()).second)
+            numbers.append(QByteArray::number(holder->rowId()));
+    }
+    // In this order at any rate: from what is asked for, over its pairs, to what they name.
+    sqlite::Statement statement = database->prepare(
+        "SELECT holder.rowid, target.rowid FROM json_each(?) asked CROSS JOIN " + quoted(entity.name()) +
+        " holder ON holder.rowid = asked.value CROSS JOIN \"" + objectModel.joinTable(entity, pairs).table +
+        "\" pair ON pair.source = holder.\"id\" CROSS JOIN " + quoted(destination.name()) +
+        " target ON target.\"id\" = pair.target ORDER BY target.rowid");
+    statement.bind(QString::fromUtf8('[' + numbers.join(',') + ']'));
+    std::vector<const ManagedObject *> named;
+    std::vector<RowId> rows;
+    while (statement.step()) {
+        named.push_back(holderOfRow.at(statement.integer(0)));
+        rows.push_back(statement.integer(1));
+    }
+    const std::vector<ObjectPtr> targets = objectsOfRows(destination, rows);
+    for (size_t place = 0; place < targets.size(); ++place) {
+        if (targets[place] && !targets[place]->isDeleted())
+            related[named[place]].push_back(targets[place]);
+    }
+    return related;
 }
 
 bool ManagedObjectContext::hasJoinRow(const ManagedObject &object,

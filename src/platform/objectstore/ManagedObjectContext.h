@@ -125,6 +125,11 @@ public:
     {
         return fetch<T>(request.limitedTo(1)).first();
     }
+    /// What a many-to-many relationship holds for each of some objects of one entity, read at once. One that
+    /// has nothing there has no entry. The relationship must be one that the entity's own table of pairs
+    /// keeps.
+    std::unordered_map<const ManagedObject *, std::vector<ObjectPtr>>
+    relatedObjects(const std::vector<ObjectPtr> &holders, std::string_view relationship);
     int count(const FetchRequest &request);
     /// Passes the wanted columns of each row to a visitor, without making objects; in any order if none is
     /// asked for.

@@ -1,16 +1,12 @@
 #include "objectstore/ManagedObjectModel.h"
 
 #include "objectstore/ManagedObject.h"
+#include "objectstore/SqlText.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 namespace {
-
-QByteArray bytes(std::string_view text)
-{
-    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 [[noreturn]] void endForModel(std::string_view entity, std::string_view relationship, const char *problem)
 {

@@ -13,3 +13,8 @@ inline QByteArray quoted(std::string_view name)
 {
     return quoted(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
 }
+/// A text of a model as bytes.
+inline QByteArray bytes(std::string_view text)
+{
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}

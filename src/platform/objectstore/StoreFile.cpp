@@ -88,9 +88,6 @@ QByteArray missingJoinTable(sqlite::Database &database, const EntityDescription 
 /// Makes the indexes that are missing or that a former version defined otherwise.
 QByteArray missingIndexes(sqlite::Database &database, const EntityDescription &entity)
 {
-    const auto bytes = [](std::string_view text) {
-        return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
-    };
     QByteArray sql;
     for (const IndexDescription &index : entity.indexes()) {
         const QByteArray name = quoted(index.name);

@@ -86,12 +86,10 @@ std::vector<std::shared_ptr<MVTask>> EventGridWeek::fetch()
         };
         return start(one) != start(other) ? start(one) < start(other) : one.dueDate > other.dueDate;
     });
-    std::vector<std::shared_ptr<MVTask>> copies;
-    copies.reserve(items.size());
-    for (const TimedItem &item : items)
-        copies.push_back(std::make_shared<MVTask>(item.task));
     findClashes();
-    return copies;
+    std::vector<TaskPtr> tasks;
+    std::ranges::transform(items, std::back_inserter(tasks), &TimedItem::task);
+    return MVTask::copiesOf(std::move(tasks));
 }
 
 void EventGridWeek::findClashes()

@@ -38,8 +38,8 @@ std::vector<std::shared_ptr<MVTask>> EventsForDaysGridWeek::fetch()
     if (days > 1) {
         items = CalendarManager::dataBaseGetItemsWithStartWeek(weekStart, weekEnd);
     } else {
-        for (const TaskPtr &task : DBWorker::calendarDayAllDayTasks(day)) {
-            CalendarForDaysItem &item = items.emplace_back(std::make_shared<MVTask>(task));
+        for (const auto &task : MVTask::copiesOf(DBWorker::calendarDayAllDayTasks(day))) {
+            CalendarForDaysItem &item = items.emplace_back(task);
             item.row = static_cast<qint64>(items.size());
             item.column = 0;
             item.duration = 1;

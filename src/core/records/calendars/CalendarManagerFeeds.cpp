@@ -6,18 +6,19 @@
 
 namespace {
 
-CalendarForDaysItem weekItem(const TaskPtr &task, Date startWeek, Date endWeek)
+CalendarForDaysItem weekItem(const std::shared_ptr<MVTask> &task, Date startWeek, Date endWeek)
 {
-    CalendarForDaysItem item(std::make_shared<MVTask>(task));
+    CalendarForDaysItem item(task);
     CalendarManager::settingEventItem(item, startWeek, endWeek,
                                       CalendarManager::columnWithDate(*item.obj()->startDate, startWeek),
                                       CalendarManager::columnWithDate(*item.obj()->dueDate, startWeek));
     return item;
 }
 
-CalendarForDaysItem monthItem(const TaskPtr &task, Date start, Date end, const CalendarMonthRow &row)
+CalendarForDaysItem monthItem(const std::shared_ptr<MVTask> &task, Date start, Date end,
+                              const CalendarMonthRow &row)
 {
-    CalendarForDaysItem item(std::make_shared<MVTask>(task));
+    CalendarForDaysItem item(task);
     const MVTask &copy = *item.obj();
     if (item.startDueDate) {
         item.column = CalendarMonthColumn::getColumnNumberWithDate(*copy.dueDate, row);
@@ -33,7 +34,7 @@ CalendarForDaysItem monthItem(const TaskPtr &task, Date start, Date end, const C
 CalendarForDaysItems monthItems(const TaskList &tasks, Date start, Date end, const CalendarMonthRow &row)
 {
     CalendarForDaysItems items;
-    for (const TaskPtr &task : tasks)
+    for (const std::shared_ptr<MVTask> &task : MVTask::copiesOf(tasks))
         items.push_back(monthItem(task, start, end, row));
     CalendarManager::sortedEvents(items);
     return items;
@@ -44,7 +45,7 @@ CalendarForDaysItems monthItems(const TaskList &tasks, Date start, Date end, con
 CalendarForDaysItems CalendarManager::dataBaseGetItemsWithStartWeek(Date startWeek, Date endWeek)
 {
     CalendarForDaysItems items;
-    for (const TaskPtr &task : DBWorker::calendarAllDayTasks(startWeek, daysInWeek))
+    for (const auto &task : MVTask::copiesOf(DBWorker::calendarAllDayTasks(startWeek, daysInWeek)))
         items.push_back(weekItem(task, startWeek, endWeek));
     sortedEvents(items);
     return items;

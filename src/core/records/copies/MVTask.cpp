@@ -12,15 +12,42 @@ MVTask::MVTask(TaskPtr task)
     setTask(std::move(task));
 }
 
+std::vector<std::shared_ptr<MVTask>> MVTask::copiesOf(std::vector<TaskPtr> tasks)
+{
+    std::erase(tasks, nullptr);
+    std::vector<std::shared_ptr<MVTask>> copies;
+    copies.reserve(tasks.size());
+    const auto tagsOf = mainContext().relatedObjects({tasks.begin(), tasks.end()}, "tags");
+    for (const TaskPtr &task : tasks) {
+        const auto copy = std::make_shared<MVTask>();
+        copy->setTaskWithoutTags(task);
+        if (const auto found = tagsOf.find(task.get()); found != tagsOf.end()) {
+            for (const ObjectPtr &tag : found->second)
+                copy->tags.push_back(std::static_pointer_cast<EntityTags>(tag));
+        }
+        copies.push_back(copy);
+    }
+    return copies;
+}
+
 void MVTask::setTask(TaskPtr task)
+{
+    setTaskWithoutTags(std::move(task));
+    if (row)
+        fill(tags, row->tags());
+}
+
+void MVTask::setTaskWithoutTags(TaskPtr task)
 {
     row = std::move(task);
     if (!row)
         return;
     isNew = false;
     taskcolumns::forEach([this](const auto &column) {
-        if (column.copied != taskcolumns::Copied::Never)
-            fill(this->*column.member, column.of(*row));
+        if constexpr (!std::is_same_v<decltype(column.member), decltype(&MVTask::tags)>) {
+            if (column.copied != taskcolumns::Copied::Never)
+                fill(this->*column.member, column.of(*row));
+        }
     });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Date.h"
+#include "objectstore/ObjectList.h"
 #include "records/copies/SaveEnd.h"
 #include "store/entities/Entities.h"
 
@@ -18,6 +19,12 @@ class MVTask
 public:
     /// A blank copy, or one filled from a row.
     explicit MVTask(TaskPtr task = nullptr);
+    /// One for each task that is still there, in their order. Many are read much faster so than one by one.
+    static std::vector<std::shared_ptr<MVTask>> copiesOf(std::vector<TaskPtr> tasks);
+    static std::vector<std::shared_ptr<MVTask>> copiesOf(const ObjectList<EntityTask> &tasks)
+    {
+        return copiesOf(std::vector<TaskPtr>(tasks.begin(), tasks.end()));
+    }
 
     // The fields, as they will be written.
     OptionalDate alert;
@@ -120,6 +127,8 @@ public:
     void datePickerChangeStateCheck(DatePickerState &picker);
 
 private:
+    /// The same as `setTask` for all but the tags.
+    void setTaskWithoutTags(TaskPtr task);
     OptionalDate baseDate() const { return isEmailCall() ? dueDate : startDate; }
     /// Whether the date is missing that an alert or a repetition hangs on; a message says so.
     bool warnsOfMissingBaseDate(bool needsEnd) const;

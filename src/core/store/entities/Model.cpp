@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 6;
+constexpr int modelVersion = 7;
 
 template <typename Entity>
 EntityDescription describe()
@@ -53,6 +53,9 @@ EntityDescription describeTask()
         {"EntityTask_dueBeforeStart",
          "\"type\", \"startDate\", \"dueDate\", \"status\", \"dueSomeDay\", \"typeCalendarID\"",
          "\"dueDate\" < \"startDate\""},
+        // The few tasks of 31 days and more, of which a span may show one that is due long after it.
+        {"EntityTask_long", "\"type\", \"dueDate\", \"startDate\", \"typeCalendarID\"",
+         "\"dueDate\" - \"startDate\" >= 2678400"},
         // Look-ups. The titles are what a project, a contact and a company have in the search index.
         {"EntityTask_byTitle", "\"title\""},
         {"EntityTask_byCalendarItem", "\"calendarID\"", "\"calendarID\" IS NOT NULL"},

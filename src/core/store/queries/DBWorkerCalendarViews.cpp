@@ -19,18 +19,39 @@ struct DatedRow
 
 enum class Title { Read, Left };
 
+/// What rows have to pass, and the index of few rows that holds all of them, if there is one.
+struct Condition
+{
+    Predicate predicate;
+    std::string_view index = {};
+};
+
+/// The tasks without hours that start up to the end of a span and are due from its begin on. Most are due
+/// soon after their start: a range of due dates finds them, however much is planned for the years to come.
+/// The rest are in an index of their own.
+std::vector<Condition> todosOf(const DaySpan &span)
+{
+    const Date nearby = span.last + Seconds(2'678'400); // as the index has it
+    return {{Predicate::format("type = %d and dueDate >= %@ and dueDate < %@ and startDate <= %@",
+                               TaskType::ToDo, span.first, nearby, span.last)},
+            {Predicate::format("type = %d and dueDate >= %@ and startDate <= %@", TaskType::ToDo,
+                               std::max(span.first, nearby), span.last),
+             "EntityTask_long"}};
+}
+
 /// The rows that pass one of several conditions of which no row passes two, in the order in which they were
 /// inserted.
-std::vector<DatedRow> datedRows(const std::vector<Predicate> &conditions, Title title = Title::Left)
+std::vector<DatedRow> datedRows(const std::vector<Condition> &conditions, Title title = Title::Left)
 {
     std::vector<std::string> columns{"type", "startDate", "dueDate"};
     if (title == Title::Read)
         columns.emplace_back("title");
     const Predicate visible = tasklists::visibleTasks();
     std::vector<DatedRow> rows;
-    for (const Predicate &condition : conditions) {
+    for (const Condition &condition : conditions) {
         mainContext().visit(
-            EntityTask::fetchRequest().where(condition && visible), columns, [&](const RowReader &row) {
+            EntityTask::fetchRequest().where(condition.predicate && visible).along(condition.index), columns,
+            [&](const RowReader &row) {
                 rows.push_back({row.rowId(), static_cast<TaskType>(row.integer(0)), row.date(1), row.date(2),
                                 title == Title::Read ? collationSortKey(row.text(3)) : QByteArray()});
             });
@@ -70,20 +91,24 @@ bool isWithin(const DaySpan &span, OptionalDate date)
 /// All tasks that one of the days inside of a span can show, each by exactly one of the conditions.
 ///
 /// An Appointment inside of it is due there, too, unless it is due before it starts.
-std::vector<Predicate> conditionsOfMonth(const DaySpan &span)
+std::vector<Condition> conditionsOfMonth(const DaySpan &span)
 {
     const Predicate open = Predicate::format("status != %d and dueSomeDay != true", TaskStatus::Done);
-    return {Predicate::format("type = %d and dueDate >= %@ and startDate <= %@", TaskType::ToDo, span.first,
-                              span.last) &&
-                open,
-            Predicate::format("type = %d and dueDate >= %@ and dueDate <= %@ and startDate >= %@",
-                              TaskType::Appointment, span.first, span.last, span.first) &&
-                open,
-            Predicate::format("type = %d and dueDate < startDate and startDate >= %@ and dueDate < %@",
-                              TaskType::Appointment, span.first, span.first) &&
-                open,
-            Predicate::format("type = %d and dueDate >= %@ and dueDate <= %@", TaskType::EmailCall,
-                              span.first, span.last)};
+    std::vector<Condition> conditions = todosOf(span);
+    for (Condition &condition : conditions)
+        condition.predicate = condition.predicate && open;
+    const std::vector<Predicate> others = {
+        Predicate::format("type = %d and dueDate >= %@ and dueDate <= %@ and startDate >= %@",
+                          TaskType::Appointment, span.first, span.last, span.first) &&
+            open,
+        Predicate::format("type = %d and dueDate < startDate and startDate >= %@ and dueDate < %@",
+                          TaskType::Appointment, span.first, span.first) &&
+            open,
+        Predicate::format("type = %d and dueDate >= %@ and dueDate <= %@", TaskType::EmailCall, span.first,
+                          span.last)};
+    for (const Predicate &other : others)
+        conditions.push_back({other});
+    return conditions;
 }
 
 /// Whether a task that fulfils those conditions is shown by days of the span.
@@ -120,10 +145,10 @@ TaskList DBWorker::calendarAllDayTasks(Date firstDay, int days)
 {
     const Date start = MVDate::getStartOfDay(firstDay);
     const Date next = MVDate::getStartOfDay(MVDate::addDay(days, firstDay));
-    std::vector<DatedRow> rows = datedRows(
-        {Predicate::format("type = %d and dueDate >= %@ and startDate < %@", TaskType::ToDo, start, next)},
-        Title::Read);
-    std::erase_if(rows, [](const DatedRow &row) {
+    std::vector<DatedRow> rows = datedRows(todosOf({start, next}), Title::Read);
+    std::erase_if(rows, [next](const DatedRow &row) {
+        if (*row.start >= next)
+            return true;
         const bool endsOnADayBefore = *row.due < *row.start && *row.due < MVDate::getStartOfDay(*row.start);
         return endsOnADayBefore;
     });
@@ -148,8 +173,8 @@ std::vector<TaskList> DBWorker::calendarOtherTasks(Date firstDay, int days)
         hours.push_back(hoursOfDay(MVDate::addDay(day, firstDay)));
     const std::vector<Value> types{static_cast<qint64>(TaskType::Appointment),
                                    static_cast<qint64>(TaskType::EmailCall)};
-    const std::vector<DatedRow> rows = datedRows({Predicate::format(
-        "type in %@ and dueDate >= %@ and dueDate <= %@", types, hours.front().first, hours.back().last)});
+    const std::vector<DatedRow> rows = datedRows({{Predicate::format(
+        "type in %@ and dueDate >= %@ and dueDate <= %@", types, hours.front().first, hours.back().last)}});
     std::vector<TaskList> lists;
     lists.reserve(hours.size());
     for (const DaySpan &day : hours)

@@ -217,7 +217,9 @@ protected:
             return std::nullopt;
         if (pick(15) == 0)
             return pick(2) ? localDate(1, 1, 2, pick(24)) : localDate(9999, 12, 30, pick(24));
-        const Date start = MVDate::getStartOfDay(MVDate::addDay(pick(29) - 14, GetParam().date));
+        // Now and then a month away, so that some tasks last as long.
+        const int away = pick(29) - 14 + (pick(8) == 0 ? (pick(5) - 2) * 31 : 0);
+        const Date start = MVDate::getStartOfDay(MVDate::addDay(away, GetParam().date));
         const std::vector<Date> moments{start,
                                         start + Seconds(1800),
                                         start + Seconds(86399),
@@ -236,11 +238,14 @@ protected:
                 pick(4) || !start ? anyDate() : OptionalDate(*start + Seconds(pick(3) * 1800 - 1800));
             const QString title =
                 QString(QStringLiteral("aAbBéä").at(pick(6))) + QString::number(number % 40);
-            for (const OptionalDate &date : {start, due})
+            // Exactly as long as what counts as long, and a little less.
+            const bool isEdge = start && pick(10) == 0;
+            const OptionalDate end = isEdge ? OptionalDate(*start + Seconds(31 * 86'400 - pick(2))) : due;
+            for (const OptionalDate &date : {start, end})
                 if (date)
                     days.emplace(*date, day(*date));
             all.push_back(add(title, pick(20) ? std::optional(static_cast<TaskType>(pick(3))) : std::nullopt,
-                              start, due, static_cast<TaskStatus>(pick(4)),
+                              start, end, static_cast<TaskStatus>(pick(4)),
                               pick(4) ? std::optional(pick(4) == 0) : std::nullopt,
                               pick(3)   ? QString()
                               : pick(2) ? u"shown"_qs

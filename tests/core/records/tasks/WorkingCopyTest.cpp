@@ -61,6 +61,30 @@ TEST_F(WorkingCopy, MakesARowOnceAndWritesEveryField)
     EXPECT_EQ(row->expirationDate(), Clock::now());
 }
 
+TEST_F(WorkingCopy, CopiesOfManyHoldWhatEachOfThemHolds)
+{
+    const auto one = context().insert<EntityTags>();
+    const auto other = context().insert<EntityTags>();
+    std::vector<TaskPtr> rows;
+    for (const QString &title : {u"none"_qs, u"one"_qs, u"both"_qs, u"unsaved"_qs})
+        rows.push_back(add(title));
+    rows[1]->setTags({other});
+    rows[2]->setTags({one, other});
+    ASSERT_FALSE(context().save());
+    rows[1]->setTags({one});
+    rows[3]->setTags({other});
+    const auto copies = MVTask::copiesOf({rows[3], nullptr, rows[2], rows[1], rows[0], rows[2]});
+    ASSERT_EQ(copies.size(), 5) << "what is gone has no copy";
+    for (const auto &copy : copies) {
+        const MVTask alone(copy->task());
+        EXPECT_EQ(std::set(copy->tags.begin(), copy->tags.end()),
+                  std::set(alone.tags.begin(), alone.tags.end()))
+            << copy->title.toStdString();
+        EXPECT_EQ(copy->title, alone.title);
+        EXPECT_FALSE(copy->isChangedTask());
+    }
+}
+
 TEST_F(WorkingCopy, TellsWhetherAnEditorChangedIt)
 {
     EXPECT_TRUE(MVTask().isChangedTask());
