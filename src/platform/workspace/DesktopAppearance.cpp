@@ -6,9 +6,9 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
-#include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QSettings>
+#include <QHash>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -79,14 +79,33 @@ std::optional<std::array<double, 3>> colourOf(const QStringList &numbers)
     return parts;
 }
 
+/// The values of a settings file by "Section/Key". `QSettings` has its own ideas about the names of sections.
+QHash<QString, QString> settingsIn(const QString &path)
+{
+    QHash<QString, QString> settings;
+    QFile file(path);
+    constexpr qint64 mostBytes = 1 << 20;
+    if (!file.open(QIODevice::ReadOnly))
+        return settings;
+    QString section;
+    for (const QString &raw : QString::fromUtf8(file.read(mostBytes)).split(u'\n')) {
+        const QString line = raw.trimmed();
+        if (line.startsWith(u'[') && line.endsWith(u']'))
+            section = line.mid(1, line.size() - 2);
+        else if (const auto equals = line.indexOf(u'='); equals > 0 && !line.startsWith(u'#'))
+            settings.insert(section + u'/' + line.left(equals).trimmed(), line.mid(equals + 1).trimmed());
+    }
+    return settings;
+}
+
 DesktopLook lookOfPlasma(const QString &file)
 {
     DesktopLook look;
-    const QSettings settings(file, QSettings::IniFormat);
-    look.accent = colourOf(settings.value(u"General/AccentColor"_s).toStringList());
-    const QString scheme = settings.value(u"General/ColorScheme"_s).toString();
+    const QHash<QString, QString> settings = settingsIn(file);
+    look.accent = colourOf(settings.value(u"General/AccentColor"_s).split(u','));
+    const QString scheme = settings.value(u"General/ColorScheme"_s);
     constexpr double middle = 0.5;
-    if (const auto window = colourOf(settings.value(u"Colors:Window/BackgroundNormal"_s).toStringList()))
+    if (const auto window = colourOf(settings.value(u"Colors:Window/BackgroundNormal"_s).split(u',')))
         look.scheme = *std::ranges::max_element(*window) < middle ? DesktopLook::Scheme::Dark
                                                                   : DesktopLook::Scheme::Light;
     else if (!scheme.isEmpty())
@@ -98,10 +117,9 @@ DesktopLook lookOfPlasma(const QString &file)
 DesktopLook lookOfGtk(const QString &file)
 {
     DesktopLook look;
-    const QSettings settings(file, QSettings::IniFormat);
-    const QString theme = settings.value(u"Settings/gtk-theme-name"_s).toString();
-    const QString prefersDark =
-        settings.value(u"Settings/gtk-application-prefer-dark-theme"_s).toString().toLower();
+    const QHash<QString, QString> settings = settingsIn(file);
+    const QString theme = settings.value(u"Settings/gtk-theme-name"_s);
+    const QString prefersDark = settings.value(u"Settings/gtk-application-prefer-dark-theme"_s).toLower();
     if (isNameOfDark(theme) || prefersDark == u"1"_s || prefersDark == u"true"_s)
         look.scheme = DesktopLook::Scheme::Dark;
     look.hasHighContrast = isNameOfHighContrast(theme);
@@ -147,7 +165,7 @@ void DesktopAppearance::start()
     }
     QDBusConnection bus = QDBusConnection::sessionBus();
     bus.connect(portalService, portalPath, portalInterface, u"SettingChanged"_s, this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     auto *watcher =
         new QDBusServiceWatcher(portalService, bus, QDBusServiceWatcher::WatchForRegistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &DesktopAppearance::askPortal);
@@ -184,10 +202,14 @@ void DesktopAppearance::askPortal()
     });
 }
 
-void DesktopAppearance::settingChanged(const QString &space, const QString &key, const QDBusVariant &value)
+void DesktopAppearance::settingChanged(const QDBusMessage &told)
 {
+    if (told.signature() != u"ssv"_s)
+        return;
+    const QVariantList parts = told.arguments();
     hasPortal = true;
-    take(space, key, unwrapped(value.variant()));
+    isSettled = true;
+    take(parts.at(0).toString(), parts.at(1).toString(), unwrapped(parts.at(2)));
     decide();
 }
 

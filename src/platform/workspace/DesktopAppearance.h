@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDBusVariant>
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QString>
@@ -8,6 +7,8 @@
 
 #include <array>
 #include <optional>
+
+class QDBusMessage;
 
 /// How the user wants programs to look, as told to the desktop.
 struct DesktopLook
@@ -50,7 +51,7 @@ Q_SIGNALS:
     void changed();
 
 private Q_SLOTS:
-    void settingChanged(const QString &space, const QString &key, const QDBusVariant &value);
+    void settingChanged(const QDBusMessage &told);
 
 private:
     void askPortal();

@@ -8,7 +8,7 @@
 #include "records/DraftKeeper.h"
 #include "records/HelpAddresses.h"
 #include "shell/ApplicationLife.h"
-#include "shell/LookOfProgram.h"
+#include "widgets/LookOfProgram.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
 #include "shell/Shortcuts.h"

@@ -1,4 +1,4 @@
-#include "shell/LookOfProgram.h"
+#include "widgets/LookOfProgram.h"
 
 #include "foundation/Localization.h"
 #include "foundation/UserDefaults.h"

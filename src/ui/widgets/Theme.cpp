@@ -88,7 +88,9 @@ QColor Theme::accentOf(Scheme scheme, Accent part, std::optional<QColor> accent)
     const bool dark = isDarkScheme(scheme);
     const bool strong = isContrastScheme(scheme);
     const QColor own = dark ? QColor(122, 168, 255) : QColor(43, 99, 201);
-    const QColor fill = readable(accent.value_or(own), content.of(scheme), leastContrastOf(scheme));
+    // Of all grounds the one that is nearest to it.
+    const QColor ground = dark ? control.of(scheme) : content.of(scheme);
+    const QColor fill = readable(accent.value_or(own), ground, leastContrastOf(scheme));
     switch (part) {
     case Accent::Fill:
         return fill;
@@ -97,7 +99,7 @@ QColor Theme::accentOf(Scheme scheme, Accent part, std::optional<QColor> accent)
     case Accent::FillPressed:
         return lightened(fill, dark ? -0.06F : -0.09F);
     case Accent::Ink:
-        return readable(fill, content.of(scheme), strong ? 10 : 7);
+        return readable(fill, ground, strong ? 10 : 7);
     case Accent::TextOnFill:
         return dark ? QColor(10, 18, 32) : QColor(255, 255, 255);
     case Accent::Selection:

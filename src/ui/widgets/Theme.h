@@ -74,9 +74,9 @@ private:
 
 // Text.
 inline constexpr Role text{{15, 30, 45}, {232, 236, 241}, {0, 0, 0}, {255, 255, 255}};
-inline constexpr Role secondaryText{{88, 102, 118}, {165, 174, 185}, {38, 48, 58}, {222, 228, 235}};
+inline constexpr Role secondaryText{{84, 98, 114}, {165, 174, 185}, {38, 48, 58}, {222, 228, 235}};
 inline constexpr Role disabledText{{164, 173, 184}, {104, 112, 122}, {96, 104, 114}, {158, 166, 176}};
-inline constexpr Role placeholderText{{106, 117, 131}, {146, 156, 168}, {64, 74, 85}, {200, 207, 216}};
+inline constexpr Role placeholderText{{98, 109, 123}, {146, 156, 168}, {64, 74, 85}, {200, 207, 216}};
 inline constexpr Role selectedText{Accent::Ink};
 inline constexpr Role textOnAccent{Accent::TextOnFill};
 /// On what has a colour of its own in each scheme: a calendar, a category, a photo.
@@ -116,7 +116,7 @@ inline constexpr Role focusRing{Accent::Ring};
 
 // The filter of a list: its words while it is off, and while a grouping keeps it from acting.
 inline constexpr Role filterOff{{100, 107, 118}, {160, 168, 179}, {40, 48, 58}, {222, 228, 235}};
-inline constexpr Role filterInactive{{112, 118, 128}, {140, 148, 159}, {70, 78, 88}, {196, 203, 212}};
+inline constexpr Role filterInactive{{104, 110, 120}, {152, 160, 171}, {70, 78, 88}, {196, 203, 212}};
 inline constexpr Role filterPillHover{Accent::SelectionStrong};
 
 // Marks.
@@ -151,7 +151,7 @@ inline constexpr Role eventShadowOverOther{{0, 0, 0, 110}, {0, 0, 0, 190}, {0, 0
 // The sidebar, which is dark in each scheme: white 0.2 at 0.95 in the light one.
 inline constexpr Role sidebar{{51, 51, 51, 242}, {18, 20, 23, 242}, {0, 0, 0, 255}, {0, 0, 0, 255}};
 inline constexpr Role sidebarText{{226, 228, 231}, {222, 225, 229}, {255, 255, 255}, {255, 255, 255}};
-inline constexpr Role sidebarQuiet{{172, 176, 182}, {160, 165, 172}, {226, 230, 235}, {226, 230, 235}};
+inline constexpr Role sidebarQuiet{{186, 190, 196}, {172, 177, 184}, {226, 230, 235}, {226, 230, 235}};
 inline constexpr Role sidebarSelection{
     {255, 255, 255, 31}, {255, 255, 255, 28}, {255, 255, 255, 64}, {255, 255, 255, 64}};
 inline constexpr Role sidebarHover{
@@ -162,7 +162,7 @@ inline constexpr Role sidebarFocusQuiet{
     {255, 255, 255, 64}, {255, 255, 255, 64}, {255, 255, 255, 128}, {255, 255, 255, 128}};
 inline constexpr Role badge{
     {255, 255, 255, 31}, {255, 255, 255, 26}, {255, 255, 255, 40}, {255, 255, 255, 40}};
-inline constexpr Role badgeText{{214, 217, 221}, {206, 210, 215}, {255, 255, 255}, {255, 255, 255}};
+inline constexpr Role badgeText{{228, 231, 234}, {216, 220, 224}, {255, 255, 255}, {255, 255, 255}};
 inline constexpr Role badgeOverdue{{196, 54, 47}, {196, 54, 47}, {168, 24, 16}, {168, 24, 16}};
 inline constexpr Role badgeOverdueText{QColor{255, 255, 255}};
 

@@ -14,6 +14,7 @@
 #include "shell/calendars/CalendarTitle.h"
 #include "store/state/SettingsKeys.h"
 #include "widgets/Animations.h"
+#include "widgets/Appearance.h"
 #include "widgets/Direction.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/Theme.h"
@@ -196,6 +197,7 @@ QString CalendarViewController::titleOnPaper() const
 void CalendarViewController::print(QPrinter &printer)
 {
     constexpr double titleShare = 0.06;
+    const PaperColours colours;
     QPainter painter(&printer);
     const QRectF sheet = printer.pageLayout().paintRectPixels(printer.resolution());
     const QRectF head(0, 0, sheet.width(), sheet.height() * titleShare);

@@ -2,7 +2,7 @@
 
 #include "calendarsync/SyncSettings.h"
 #include "foundation/Localization.h"
-#include "shell/LookOfProgram.h"
+#include "widgets/LookOfProgram.h"
 #include "shell/devices/DevicesWindow.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
