@@ -76,6 +76,12 @@ void RecordListScreen::setUpView(TableCell *cell)
     connect(view, &TableViewExtended::rowSelectionChanged, this, &RecordListScreen::selectionChanged);
 }
 
+void RecordListScreen::setHead(QWidget *aboveRows)
+{
+    auto *column = static_cast<QVBoxLayout *>(layout());
+    column->insertWidget(column->indexOf(listLayer), aboveRows);
+}
+
 void RecordListScreen::observe()
 {
     NotificationCenter &center = NotificationCenter::defaultCenter();
@@ -316,6 +322,16 @@ void RecordListScreen::selectItem(const ObjectPtr &record)
     view->selectRow(row);
     view->scrollToRow(row);
     showDetail(record);
+}
+
+void RecordListScreen::showNewRecord(const ObjectPtr &record)
+{
+    updateRows();
+    const int row = listModel->rowOf(record);
+    if (row < 0)
+        return;
+    view->selectRow(row);
+    view->scrollToRow(row);
 }
 
 void RecordListScreen::selectionChanged()

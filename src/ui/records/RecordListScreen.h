@@ -119,6 +119,10 @@ protected:
     TasksTabTopView *filterStrip() const { return topView; }
     /// Puts a strip above the list, below which panes begin.
     void setStrip(QWidget *aboveList);
+    /// Puts something right above the rows, below the strip.
+    void setHead(QWidget *aboveRows);
+    /// A record was made that the list may show: it is selected and brought into sight, without its pane.
+    void showNewRecord(const ObjectPtr &record);
     /// What the list is to leave out; null for nothing.
     const FilterEntry *filter() const { return filterState ? filterState->filterOfList() : nullptr; }
 

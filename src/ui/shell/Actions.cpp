@@ -8,6 +8,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr std::array actionTable = {
     ActionDescription{ActionId::NewTask, u"actionNewTask", u"New Task", u"Ctrl+N"},
+    ActionDescription{ActionId::AddInLine, u"actionAddInLine", u"Add a Task in a Line", u"Ctrl+L"},
     ActionDescription{ActionId::Save, u"actionSave", u"Save", u"Ctrl+S"},
     ActionDescription{ActionId::OpenMainWindow, u"actionOpenMainWindow", u"Open Main Window",
                       u"Ctrl+Shift+N"},

@@ -13,6 +13,7 @@
 /// Every command of the program. Menus, shortcuts and tests look them up here.
 enum class ActionId {
     NewTask,
+    AddInLine,
     Save,
     OpenMainWindow,
     Calendars,

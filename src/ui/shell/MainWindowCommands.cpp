@@ -19,6 +19,8 @@
 #include "shell/help/HelpPages.h"
 #include "shell/help/HelpWindow.h"
 #include "shell/help/UpdateCheck.h"
+#include "shell/tasks/CaptureBar.h"
+#include "shell/tasks/TabTaskViewController.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -70,6 +72,7 @@ static void openOrTell(const QString &address)
 void MainWindowController::bindActions()
 {
     actions->bind(ActionId::NewTask, [this] { menuClickNewTask(); });
+    actions->bind(ActionId::AddInLine, [this] { addInLine(); });
     actions->bind(
         ActionId::Calendars, [this] { showCalendars(); }, [] { return !DBWorker::isSample(); });
     actions->bind(ActionId::Preferences, [this] { showSettings(); });
@@ -137,6 +140,16 @@ void MainWindowController::menuClickNewTask()
         return buttonAdd(ToolBarButton::NewTask);
     NotificationCenter::defaultCenter().post(notifications::allDayCalendarCreateTask,
                                              NewTaskRequest::today(Clock::now()));
+}
+
+/// From where nothing can be typed so, it goes to the Inbox first.
+void MainWindowController::addInLine()
+{
+    const auto line = [this] { return qobject_cast<TabTaskViewController *>(screen); };
+    if (!line() || !line()->captureBar())
+        goToList(SidebarItem::Inbox);
+    if (line() && line()->captureBar())
+        line()->captureBar()->setFocus(Qt::ShortcutFocusReason);
 }
 
 void MainWindowController::bindLists()

@@ -125,6 +125,7 @@ private:
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
     void menuClickNewTask();
+    void addInLine();
     bool canRemoveSelected() const;
     void removeSelected();
     TaskPtr taskInQuestion() const;

@@ -7,6 +7,7 @@
 #include "records/ShellAlerts.h"
 #include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
+#include "shell/tasks/CaptureBar.h"
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "shell/tasks/TaskTableCell.h"
@@ -49,9 +50,21 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
         setUpGrouping();
     }
     addButton(ToolBarButton::Calendars);
+    if (type() != ListType::Done)
+        setUpCapture();
     connect(table(), &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
     connect(commands, &TaskRowCommands::whyChosen, this, &TabTaskViewController::whyRequested);
     connect(commands, &TaskRowCommands::deleteChosen, this, &TabTaskViewController::removeSelection);
+}
+
+// Capturing
+
+void TabTaskViewController::setUpCapture()
+{
+    capture = new CaptureBar([this] { return newTaskRequest(); });
+    setHead(capture);
+    connect(capture, &CaptureBar::captured, this, &TabTaskViewController::showNewRecord);
+    connect(capture, &CaptureBar::left, this, [this] { table()->setFocus(Qt::OtherFocusReason); });
 }
 
 // Grouping

@@ -5,6 +5,7 @@
 #include "shell/tasks/TaskListModel.h"
 #include "store/queries/DBWorker.h"
 
+class CaptureBar;
 class MVSegmentView;
 class TaskRowCommands;
 
@@ -31,6 +32,8 @@ public:
 
     ListType type() const { return description.type; }
     TableViewExtended *tableViewTasks() const { return table(); }
+    /// Where new tasks are typed; null in a list to which none can come.
+    CaptureBar *captureBar() const { return capture; }
 
     NewTaskRequest newTaskRequest() const override;
     std::optional<ListType> listType() const override { return description.type; }
@@ -54,6 +57,7 @@ protected:
 
 private:
     TabTaskViewController(const TaskListDescription &description, TaskListModel *model, QWidget *parent);
+    void setUpCapture();
     void setUpGrouping();
     Grouping grouping() const { return static_cast<Grouping>(groupingIndex()); }
     void saveGrouping(int index);
@@ -63,5 +67,6 @@ private:
     TaskListDescription description;
     TaskListModel *model;
     TaskRowCommands *commands;
+    CaptureBar *capture = nullptr;
     MVSegmentView *tasksGroupedView = nullptr;
 };

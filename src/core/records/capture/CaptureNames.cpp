@@ -1,0 +1,92 @@
+#include "records/capture/CaptureLine.h"
+#include "store/entities/FullName.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+
+#include <algorithm>
+
+// The names of the store that a captured line can hold.
+
+namespace {
+
+/// The text up to its first space.
+QString firstWordOf(QStringView text)
+{
+    const auto space = std::ranges::find_if(text, [](QChar letter) { return letter.isSpace(); });
+    return text.left(space - text.begin()).toString();
+}
+
+/// How many letters of the text a name is, if the text begins with it and it ends there with a word; else 0.
+int lettersOf(QStringView text, const QString &name)
+{
+    const QString trimmed = name.simplified();
+    if (trimmed.isEmpty() || !text.startsWith(trimmed, Qt::CaseInsensitive))
+        return 0;
+    const bool isWhole = text.size() == trimmed.size() || !text.at(trimmed.size()).isLetterOrNumber();
+    return isWhole ? int(trimmed.size()) : 0;
+}
+
+template <typename Pointer>
+void takeLonger(std::pair<Pointer, int> &best, const Pointer &record, int letters)
+{
+    if (letters > best.second)
+        best = {record, letters};
+}
+
+std::pair<CategoryPtr, int> categoryIn(QStringView text)
+{
+    std::pair<CategoryPtr, int> best{nullptr, 0};
+    for (const CategoryPtr &category : DBWorker::allCategories())
+        takeLonger(best, category, lettersOf(text, category->title()));
+    return best;
+}
+
+std::pair<ProjectPtr, int> projectIn(QStringView text)
+{
+    std::pair<ProjectPtr, int> best{nullptr, 0};
+    const auto request =
+        EntityProject::fetchRequest().where(Predicate::format("title beginswith[cd] %@", firstWordOf(text)));
+    for (const ProjectPtr &project : mainContext().fetch<EntityProject>(request)) {
+        if (project)
+            takeLonger(best, project, lettersOf(text, project->title()));
+    }
+    return best;
+}
+
+/// By the whole name in either order, or by the first name alone where only one person has it.
+std::pair<ContactPtr, int> personIn(QStringView text)
+{
+    std::pair<ContactPtr, int> best{nullptr, 0};
+    std::pair<ContactPtr, int> byFirstName{nullptr, 0};
+    int ofThatFirstName = 0;
+    const QString word = firstWordOf(text);
+    // A sign behind the name is no part of it.
+    const auto end = std::ranges::find_if_not(word, [](QChar letter) {
+        return letter.isLetterOrNumber() || letter == u'-' || letter == u'\'' || letter == u'’';
+    });
+    const QString beginning = word.left(end - word.begin());
+    constexpr int leastLetters = 2;
+    if (beginning.size() < leastLetters)
+        return best;
+    const auto request = EntityContacts::fetchRequest().where(
+        Predicate::format("firstName beginswith[cd] %@ or lastName beginswith[cd] %@", beginning, beginning));
+    for (const ContactPtr &person : mainContext().fetch<EntityContacts>(request)) {
+        if (!person)
+            continue;
+        for (const NameOrder order : {NameOrder::FirstNameFirst, NameOrder::LastNameFirst})
+            takeLonger(best, person,
+                       lettersOf(text, fullNameIn(order, person->firstName(), person->lastName())));
+        if (const int letters = lettersOf(text, person->firstName()); letters > 0) {
+            ++ofThatFirstName;
+            takeLonger(byFirstName, person, letters);
+        }
+    }
+    return best.first || ofThatFirstName != 1 ? best : byFirstName;
+}
+
+} // namespace
+
+CaptureLine::Names CaptureLine::Names::ofStore()
+{
+    return {categoryIn, projectIn, personIn};
+}

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+/// The words of dates, times and repetitions as people type them, in some languages at once: English and
+/// German with their short forms, every other language with what the Unicode locale data has of it.
+class CaptureWords
+{
+public:
+    enum class Meaning {
+        // Dates.
+        DaysAhead,   ///< from today
+        WeeksAhead,  ///< from today
+        MonthsAhead, ///< from today
+        YearsAhead,  ///< from today
+        HoursAhead,
+        MinutesAhead,
+        Weekday,         ///< the next one of it; 1 is Sunday
+        WeekdayNextWeek, ///< in the week after the present one
+        NextWeek,
+        NextMonth,
+        NextYear,
+        Weekend,
+        EndOfMonth,
+        Someday,
+        Month, ///< 1 is January
+        // Times.
+        Minute, ///< of the day
+        // Repetitions.
+        Daily,
+        Weekly,
+        Monthly,
+        Yearly,
+        OnWorkdays,
+        OnWeekends,
+        EveryUnit, ///< "every # <unit>", counted by the number; see `unit`
+        Every,
+        Times, ///< "3 times"
+        // What stands before and between.
+        BeforeDate,
+        BeforeTime,
+        From,
+        To,
+        Until,
+        For,
+        And,
+        OfMonth,
+        Hours,
+        Minutes,
+        OClock,
+        DayUnit,
+        WeekUnit,
+        MonthUnit,
+        YearUnit,
+    };
+
+    struct Entry
+    {
+        Meaning meaning;
+        int number = 0;
+        /// Also a common word of another meaning: it counts only where a date must be meant.
+        bool isWeak = false;
+    };
+    struct Match
+    {
+        Entry entry;
+        /// How many of the words belong to it.
+        int count = 0;
+        /// What stood at the place of a number in the phrase; absent for a phrase without one.
+        std::optional<int> number = {};
+    };
+
+    /// \param languages codes such as "de" and "pt-PT"; English is always among them.
+    explicit CaptureWords(const QStringList &languages);
+    /// Of the user's languages.
+    static const CaptureWords &ofUser();
+
+    /// The longest phrase of one of the meanings that the words begin with; absent if there is none.
+    /// \param words folded by `foldedWord`.
+    std::optional<Match> match(std::span<const QString> words, std::initializer_list<Meaning> meanings) const;
+    /// A whole number up to 9999 as digits or as a word ("two", "zwei"); absent for anything else.
+    std::optional<int> numberOf(const QString &word) const;
+    /// Without case, and without the comma or semicolon behind it.
+    static QString foldedWord(QStringView word);
+
+private:
+    void add(const QString &phrase, const Entry &entry);
+    void add(std::initializer_list<QStringView> phrases, Meaning meaning, int number = 0,
+             bool isWeak = false);
+    void addEnglish();
+    void addGerman();
+    void addOfLocale(const QString &language);
+
+    /// By the phrase, its words apart by one space, with '#' for a number.
+    std::unordered_multimap<QString, Entry> entries;
+    std::unordered_map<QString, int> numbers;
+    int longest = 1;
+};

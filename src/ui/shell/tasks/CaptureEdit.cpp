@@ -1,0 +1,161 @@
+#include "shell/tasks/CaptureEdit.h"
+
+#include "foundation/Localization.h"
+#include "widgets/Icons.h"
+#include "widgets/Theme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QTextLayout>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+CaptureEdit::CaptureEdit(QWidget *parent)
+    : QLineEdit(parent)
+{
+    setObjectName(u"captureField"_s);
+    setPlaceholderText(localized(u"Add a task: “Call Ada tomorrow 5pm #Work !!”"_s));
+    setAccessibleName(localized(u"Add a task"_s));
+    addAction(Icons::icon(u"add"_s, Theme::secondaryText), LeadingPosition);
+    connect(this, &QLineEdit::textChanged, this, &CaptureEdit::edited);
+}
+
+void CaptureEdit::readAgain()
+{
+    Capture now = text().trimmed().isEmpty() ? Capture() : CaptureLine::ofUser().read(text(), literal);
+    read = std::move(now);
+    update();
+    Q_EMIT captureChanged();
+}
+
+/// What was taken back stays so, wherever the words before it move it.
+void CaptureEdit::edited()
+{
+    const QString now = text();
+    const auto [first, other] = std::mismatch(before.begin(), before.end(), now.begin(), now.end());
+    const int same = int(first - before.begin());
+    const int moved = int(now.size() - before.size());
+    std::set<int> kept;
+    for (const int place : literal) {
+        if (place < same)
+            kept.insert(place);
+        else if (place + moved >= same)
+            kept.insert(place + moved);
+    }
+    literal = now.isEmpty() ? std::set<int>() : kept;
+    before = now;
+    readAgain();
+}
+
+bool CaptureEdit::takeBackPiece()
+{
+    if (hasSelectedText())
+        return false;
+    const auto piece = std::ranges::find_if(
+        read.pieces, [this](const CapturePiece &one) { return one.from + one.length == cursorPosition(); });
+    if (piece == read.pieces.end())
+        return false;
+    literal.insert(piece->from);
+    readAgain();
+    return true;
+}
+
+/// Escape belongs to the field while it has the focus.
+bool CaptureEdit::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && !text().isEmpty() &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
+        event->accept();
+        return true;
+    }
+    return QLineEdit::event(event);
+}
+
+void CaptureEdit::keyPressEvent(QKeyEvent *event)
+{
+    const bool isPlain = event->modifiers() == Qt::NoModifier;
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return Q_EMIT accepted();
+    case Qt::Key_Escape:
+        if (text().isEmpty())
+            return Q_EMIT left();
+        return clear();
+    case Qt::Key_Down:
+        return Q_EMIT left();
+    case Qt::Key_Backspace:
+        if (isPlain && takeBackPiece())
+            return;
+        break;
+    default:
+        break;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void CaptureEdit::focusInEvent(QFocusEvent *event)
+{
+    QLineEdit::focusInEvent(event);
+    // Meanwhile a category may have been made, or midnight may have passed.
+    readAgain();
+}
+
+QColor CaptureEdit::colourOf(const CapturePiece &piece) const
+{
+    using enum CapturePiece::Kind;
+    switch (piece.kind) {
+    case Date:
+    case Time:
+        return Theme::accent;
+    case Repeat:
+        return Theme::priorityLow;
+    case Priority:
+        return Theme::priority(*read.priority);
+    case Category:
+        return read.category && read.category->colorR()
+                   ? QColor::fromRgbF(float(*read.category->colorR()),
+                                      float(read.category->colorG().value_or(0)),
+                                      float(read.category->colorB().value_or(0)))
+                   : QColor(Theme::secondaryText);
+    case Project:
+    case Person:
+    case Place:
+        return Theme::warning;
+    }
+    return Theme::accent;
+}
+
+/// The grounds lie over the words, and let them through.
+void CaptureEdit::paintEvent(QPaintEvent *event)
+{
+    QLineEdit::paintEvent(event);
+    if (read.pieces.empty())
+        return;
+    QTextLayout layout(text(), font());
+    layout.beginLayout();
+    QTextLine words = layout.createLine();
+    layout.endLayout();
+    if (!words.isValid())
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const QRect cursor = cursorRect();
+    const qreal shift = cursor.center().x() - words.cursorToX(cursorPosition());
+    painter.setClipRect(rect().adjusted(Theme::unit / 2, 0, -Theme::unit / 2, 0));
+    constexpr qreal radius = 4;
+    constexpr qreal line = 2;
+    for (const CapturePiece &piece : read.pieces) {
+        const qreal one = words.cursorToX(piece.from);
+        const qreal other = words.cursorToX(piece.from + piece.length);
+        const QRectF ground(std::min(one, other) + shift - 1, cursor.top(), std::abs(other - one) + 2,
+                            cursor.height());
+        QColor colour = colourOf(piece);
+        painter.setBrush(QColor(colour.red(), colour.green(), colour.blue(), 40));
+        painter.drawRoundedRect(ground, radius, radius);
+        painter.fillRect(QRectF(ground.left() + 2, ground.bottom() - line, ground.width() - 4, line), colour);
+    }
+}

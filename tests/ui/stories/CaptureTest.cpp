@@ -1,0 +1,138 @@
+// Tasks are typed in one line above a list.
+
+#include "foundation/Region.h"
+#include "shell/tasks/CaptureBar.h"
+#include "shell/tasks/CaptureEdit.h"
+#include "ui/support/ShellTest.h"
+#include "widgets/TableViewExtended.h"
+
+#include <QLabel>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class CaptureTest : public ShellTest
+{
+protected:
+    CaptureTest() { Region::setLocale(u"en_US"_s); }
+    ~CaptureTest() override { Region::reload(); }
+
+    CaptureEdit &line() { return *screen().captureBar()->edit(); }
+    QString told()
+    {
+        const auto &label = find<QLabel>(*screen().captureBar(), "labelCaptured");
+        return label.isVisibleTo(screen().captureBar()) ? label.text() : QString();
+    }
+    void type(const QString &text) { QTest::keyClicks(&line(), text); }
+    void press(Qt::Key pressed) { QTest::keyClick(&line(), pressed); }
+};
+
+} // namespace
+
+TEST_F(CaptureTest, ThreeTasksAreTypedPlannedAndFiledWithoutAWindow)
+{
+    const CategoryPtr work = EntityCategory::title(u"Work"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    showList(SidebarItem::Inbox);
+    addInbox({u"older"_s});
+    run(ActionId::AddInLine);
+    ASSERT_TRUE(line().hasFocus());
+    type(u"Buy milk"_s);
+    EXPECT_EQ(told(), QString());
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(selectedTitles(), QStringList{u"Buy milk"_s}) << "the new row is selected";
+    EXPECT_TRUE(line().hasFocus()) << "and the next one can be typed";
+    EXPECT_EQ(line().text(), QString());
+
+    type(u"Write report tomorrow #Work !!!"_s);
+    EXPECT_TRUE(told().contains(u"Work"_s)) << told().toStdString();
+    press(Qt::Key_Return);
+    const TaskPtr report = stored(u"Write report"_s);
+    ASSERT_NE(report, nullptr);
+    EXPECT_EQ(report->category(), work);
+    EXPECT_EQ(report->priority(), Priority::High);
+    EXPECT_EQ(report->type(), TaskType::ToDo);
+    EXPECT_EQ(report->startDate(), localDate(2026, 11, 22));
+
+    type(u"Gym every monday 6pm for 90 minutes"_s);
+    press(Qt::Key_Return);
+    const TaskPtr gym = stored(u"Gym"_s);
+    ASSERT_NE(gym, nullptr);
+    EXPECT_EQ(gym->type(), TaskType::Appointment);
+    EXPECT_EQ(gym->startDate(), localDate(2026, 11, 23, 18));
+    EXPECT_EQ(gym->dueDate(), localDate(2026, 11, 23, 19, 30));
+    EXPECT_TRUE(gym->repeat().contains(u"BYDAY=MO"_s)) << gym->repeat().toStdString();
+
+    run(ActionId::Undo);
+    EXPECT_EQ(stored(u"Gym"_s), nullptr) << "one line is one step";
+    EXPECT_NE(stored(u"Write report"_s), nullptr);
+}
+
+TEST_F(CaptureTest, TheListGivesWhatTheLineDoesNotSay)
+{
+    showList(SidebarItem::Today);
+    run(ActionId::AddInLine);
+    type(u"Call"_s);
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(shownTitles(), QStringList{u"Call"_s});
+    type(u"Tidy up someday"_s);
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(shownTitles(), QStringList{u"Call"_s}) << "it went where the line says";
+    showList(SidebarItem::Someday);
+    EXPECT_EQ(shownTitles(), QStringList{u"Tidy up"_s});
+}
+
+TEST_F(CaptureTest, BackspaceMakesPlainWordsOfAPieceAndNothingIsLost)
+{
+    showList(SidebarItem::Inbox);
+    run(ActionId::AddInLine);
+    type(u"Read Tomorrow"_s);
+    EXPECT_NE(told(), QString());
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(line().text(), u"Read Tomorrow"_s);
+    EXPECT_EQ(told(), QString());
+    type(u" today"_s);
+    EXPECT_NE(told(), QString()) << "what follows is understood still";
+    press(Qt::Key_Home);
+    type(u"Please "_s);
+    EXPECT_EQ(line().capture().title, u"Please Read Tomorrow"_s) << "what was taken back moves along";
+    press(Qt::Key_Return);
+    EXPECT_NE(stored(u"Please Read Tomorrow"_s), nullptr);
+
+    type(u"   "_s);
+    press(Qt::Key_Return);
+    type(u"tomorrow"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(line().text().trimmed(), u"tomorrow"_s) << "a line without a title stays";
+    press(Qt::Key_Escape);
+    EXPECT_EQ(line().text(), QString());
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(list().hasFocus());
+}
+
+TEST_F(CaptureTest, ThePiecesLieUnderTheirWords)
+{
+    showList(SidebarItem::Inbox);
+    run(ActionId::AddInLine);
+    type(u"Milk tomorrow"_s);
+    const QImage with = line().grab().toImage();
+    press(Qt::Key_Backspace);
+    const QImage without = line().grab().toImage();
+    ASSERT_EQ(with.size(), without.size());
+    const QFontMetrics metrics(line().font());
+    int first = with.width();
+    int last = 0;
+    for (int x = 0; x < with.width(); ++x) {
+        for (int y = 0; y < with.height(); ++y) {
+            if (with.pixel(x, y) != without.pixel(x, y)) {
+                first = std::min(first, x);
+                last = std::max(last, x);
+            }
+        }
+    }
+    EXPECT_NEAR(last - first, metrics.horizontalAdvance(u"tomorrow"_s), 8);
+}
