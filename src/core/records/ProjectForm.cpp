@@ -318,6 +318,12 @@ static std::shared_ptr<Entity> recordOf(const QString &uri)
     return std::dynamic_pointer_cast<Entity>(DBWorker::getObjectFromId(uri));
 }
 
+void ProjectForm::resumeRowSince(int row, const QString &value, const QString &formerValue)
+{
+    const bool isMerged = row == Contacts && base.project() && !isGone();
+    resumeRow(row, isMerged ? mergedUris(value, formerValue, keptOf(base, row)) : value);
+}
+
 void ProjectForm::resumeRow(int row, const QString &value)
 {
     bool isNumber = false;

@@ -52,6 +52,7 @@ public:
     QString kept(int row) const override { return keptOf(values, row); }
     QString formerlyKept(int row) const override { return keptOf(base, row); }
     void resumeRow(int row, const QString &value) override;
+    void resumeRowSince(int row, const QString &value, const QString &formerValue) override;
 
 private:
     static QString textOf(const MVProject &project, int row);
