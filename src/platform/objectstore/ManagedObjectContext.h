@@ -95,6 +95,8 @@ public:
     // Objects.
     /// A new object with a random identifier, in the store from the next save on.
     ObjectPtr insertObject(std::string_view entity);
+    /// The same with an identifier of which the caller has seen that no object has it.
+    ObjectPtr insertObject(std::string_view entity, const QString &identifier);
     template <typename T>
     std::shared_ptr<T> insert()
     {
