@@ -67,6 +67,8 @@ private:
     MVProject base;
     /// The records that were offered last.
     std::map<int, std::vector<ObjectPtr>> offered;
+    /// Of these there may be very many.
+    std::vector<RowId> offeredContacts;
     bool touched = false;
     /// The row was made by this form, and no commit has reached the disk since.
     bool isNewRow = false;
