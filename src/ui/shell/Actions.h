@@ -18,6 +18,7 @@ enum class ActionId {
     Calendars,
     Preferences,
     Print,
+    Import,
     Export,
     CloseWindow,
     Quit,
