@@ -135,8 +135,12 @@ QByteArray FormModel::encodedDraft() const
 {
     RecordDraft draft;
     for (const FormRow &row : rows()) {
-        if (const QString value = kept(row.id); value != formerlyKept(row.id))
-            draft.values.insert(row.name, value);
+        const QString value = kept(row.id);
+        const QString former = formerlyKept(row.id);
+        if (value == former)
+            continue;
+        draft.values.insert(row.name, value);
+        draft.formerValues.insert(row.name, former);
     }
     if (draft.values.isEmpty())
         return {};
@@ -149,9 +153,33 @@ QByteArray FormModel::encodedDraft() const
 void FormModel::resume(const RecordDraft &draft)
 {
     for (const FormRow &row : rows()) {
-        if (draft.values.contains(row.name))
-            resumeRow(row.id, draft.values.value(row.name));
+        if (!draft.values.contains(row.name))
+            continue;
+        const QString value = draft.values.value(row.name);
+        if (draft.formerValues.contains(row.name))
+            resumeRowSince(row.id, value, draft.formerValues.value(row.name));
+        else
+            resumeRow(row.id, value);
     }
+}
+
+QString FormModel::mergedUris(const QString &mine, const QString &former, const QString &present)
+{
+    const auto setOf = [](const QString &uris) { return uris.split(u' ', Qt::SkipEmptyParts); };
+    const QStringList before = setOf(former);
+    const QStringList now = setOf(present);
+    QStringList all = setOf(mine);
+    all.removeIf([&](const QString &uri) { return before.contains(uri) && !now.contains(uri); });
+    for (const QString &uri : now) {
+        if (!before.contains(uri) && !all.contains(uri))
+            all.append(uri);
+    }
+    return all.join(u' ');
+}
+
+void FormModel::resumeRowSince(int row, const QString &value, const QString &)
+{
+    resumeRow(row, value);
 }
 
 QString FormModel::createdOn(OptionalDate date)

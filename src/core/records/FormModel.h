@@ -215,9 +215,17 @@ public:
     virtual QString formerlyKept(int row) const { return formerText(row); }
     /// Puts in what `kept` gave. A value that there is no more leaves the row as it is.
     virtual void resumeRow(int row, const QString &value) { setText(row, value); }
+    /// The same of a stored record, which may have changed since it said `formerValue`: a row of several
+    /// entries gets what the record and the draft have added, other rows what was typed.
+    virtual void resumeRowSince(int row, const QString &value, const QString &formerValue);
     /// What would be lost with the form, as the text of a file; empty if nothing would. Of most kinds, the
     /// rows that say something else than the record.
     virtual QByteArray encodedDraft() const;
     /// Puts in what an earlier form was left with.
     void resume(const RecordDraft &draft);
+
+protected:
+    /// What becomes of URIs between blanks that one side has changed from `former` to `mine` and another one
+    /// to `present`: what each has added and taken out holds.
+    static QString mergedUris(const QString &mine, const QString &former, const QString &present);
 };

@@ -12,6 +12,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <set>
 
 using namespace Qt::Literals::StringLiterals;
 using Picker = DatePickerState::Type;
@@ -183,11 +184,15 @@ std::vector<FormChoice> ProjectForm::choices(int row)
                 choices.push_back({localized(u"None"_s)});
         }
     } else {
-        for (const ContactPtr &contact : TaskFormChoices::contacts()) {
-            if (std::ranges::find(values.delegateToUser, contact) != values.delegateToUser.end())
+        std::set<RowId> linked;
+        for (const ContactPtr &contact : values.delegateToUser)
+            linked.insert(contact->rowId());
+        offeredContacts.clear();
+        for (ContactRows::Named &contact : TaskFormChoices::contactNames()) {
+            if (linked.contains(contact.row))
                 continue;
-            records.push_back(contact);
-            choices.push_back({contact->fullName()});
+            offeredContacts.push_back(contact.row);
+            choices.push_back({std::move(contact.fullName)});
         }
     }
     return choices;
@@ -212,6 +217,11 @@ int ProjectForm::chosen(int row) const
 void ProjectForm::choose(int row, int place)
 {
     const auto index = static_cast<std::size_t>(place);
+    // They may have gone since they were offered.
+    const ContactPtr contact =
+        row == Contacts ? TaskFormChoices::contactOfRow(offeredContacts.at(index)) : nullptr;
+    if (row == Contacts && !contact)
+        return;
     edit([&] {
         if (row == StatusRow)
             values.changeStatus(Functional::statusStringFromType(allTaskStatuses.at(index)));
@@ -220,8 +230,7 @@ void ProjectForm::choose(int row, int place)
         else if (row == Category)
             values.category = std::static_pointer_cast<EntityCategory>(offered.at(row).at(index));
         else
-            values.delegateToUser.push_back(
-                std::static_pointer_cast<EntityContacts>(offered.at(row).at(index)));
+            values.delegateToUser.push_back(contact);
     });
 }
 
@@ -316,6 +325,12 @@ template <typename Entity>
 static std::shared_ptr<Entity> recordOf(const QString &uri)
 {
     return std::dynamic_pointer_cast<Entity>(DBWorker::getObjectFromId(uri));
+}
+
+void ProjectForm::resumeRowSince(int row, const QString &value, const QString &formerValue)
+{
+    const bool isMerged = row == Contacts && base.project() && !isGone();
+    resumeRow(row, isMerged ? mergedUris(value, formerValue, keptOf(base, row)) : value);
 }
 
 void ProjectForm::resumeRow(int row, const QString &value)

@@ -52,6 +52,7 @@ public:
     QString kept(int row) const override { return keptOf(values, row); }
     QString formerlyKept(int row) const override { return keptOf(base, row); }
     void resumeRow(int row, const QString &value) override;
+    void resumeRowSince(int row, const QString &value, const QString &formerValue) override;
 
 private:
     static QString textOf(const MVProject &project, int row);
@@ -66,6 +67,8 @@ private:
     MVProject base;
     /// The records that were offered last.
     std::map<int, std::vector<ObjectPtr>> offered;
+    /// Of these there may be very many.
+    std::vector<RowId> offeredContacts;
     bool touched = false;
     /// The row was made by this form, and no commit has reached the disk since.
     bool isNewRow = false;

@@ -16,6 +16,9 @@ struct RecordDraft
     /// What the rows say, as `FormModel::kept` gives it, by their names; rows that say what the record says
     /// are left out.
     QMap<QString, QString> values;
+    /// What the record said in those rows when the form was last in step with it; empty in drafts of former
+    /// versions.
+    QMap<QString, QString> formerValues = {};
     /// Whether it belongs to the sample.
     bool isOfSample = false;
 

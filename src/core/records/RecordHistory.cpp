@@ -10,6 +10,8 @@
 #include "records/ProjectManager.h"
 #include "records/TaskManager.h"
 #include "records/copies/TaskColumns.h"
+#include "recurrence/RRule.h"
+#include "recurrence/RecurrenceSentence.h"
 #include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -21,9 +23,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// How a value is told.
-enum class Told { Text, Moment, Day, YesOrNo, Type, Status, Priority, Picture, Record };
-/// With which others it is put back: the dates of a task go together.
-enum class Restored { Never, Alone, WithDates };
+enum class Told { Text, Moment, Day, YesOrNo, Type, Status, Priority, Picture, Record, Rule };
+/// With which others it is put back: the dates of a task go together, and a rule with its end.
+enum class Restored { Never, Alone, WithDates, WithRule };
 
 /// A value that a user knows, by the entity and key that hold it.
 struct Known
@@ -58,6 +60,9 @@ constexpr auto knownValues = std::to_array<Known>({
     {ofTask, "delegateToUser", u"Delegate", Told::Record},
     {ofTask, "company", u"Company", Told::Record},
     {ofTask, "location", u"Location", Told::Record},
+    {ofTask, "tags", u"Tags", Told::Record},
+    {ofTask, "repeat", u"Repeat", Told::Rule, Restored::WithRule},
+    {ofTask, "endRepeat", u"End Repeat", Told::Day, Restored::WithRule},
     {ofProject, "title", u"Title"},
     {ofProject, "details", u"Details"},
     {ofProject, "status", u"Status", Told::Status},
@@ -87,6 +92,10 @@ constexpr auto knownValues = std::to_array<Known>({
     {EntityAddress::entityName, "state", u"State"},
     {EntityAddress::entityName, "zip", u"ZIP"},
     {EntityAddress::entityName, "country", u"Country"},
+    {EntityPhone::entityName, "type", u"Phone type", Told::Record},
+    {EntityEmail::entityName, "type", u"Email type", Told::Record},
+    {EntityURL::entityName, "type", u"URL type", Told::Record},
+    {EntityAddress::entityName, "addressType", u"Address type", Told::Record},
 });
 
 const Known *knownOf(const RowChange &row, const RowChange::Field &field)
@@ -116,6 +125,19 @@ QString titleOf(const ManagedObject &object)
     return title ? *title : QString();
 }
 
+/// What an entry of a contact is called, such as "home": it goes with its entry.
+bool isType(const RowChange &row, const RowChange::Field &field)
+{
+    return row.entity->relationship(field.key) && (field.key == "type" || field.key == "addressType");
+}
+
+/// Empty for a rule that cannot be read.
+QString ruleInWords(const QString &text)
+{
+    const auto rule = text.isEmpty() ? std::nullopt : RRule::ruleFromString(text);
+    return rule ? RecurrenceSentence::of(*rule, RecurrencePickerLanguages::current()) : QString();
+}
+
 QString recordInWords(const RowChange &row, const RowChange::Field &field, const Value &value)
 {
     const ObjectPtr object = namedBy(row, field, value);
@@ -123,7 +145,7 @@ QString recordInWords(const RowChange &row, const RowChange::Field &field, const
         return isAbsent(value) ? QString() : localized(u"(deleted since)"_s);
     if (const auto category = std::dynamic_pointer_cast<EntityCategory>(object))
         return Categories::shownTitle(category);
-    return titleOf(*object);
+    return isType(row, field) ? localized(titleOf(*object)) : titleOf(*object);
 }
 
 QString inWords(const Known &known, const RowChange &row, const RowChange::Field &field, const Value &value)
@@ -156,6 +178,8 @@ QString inWords(const Known &known, const RowChange &row, const RowChange::Field
     const auto *text = std::get_if<QString>(&value);
     if (known.told == Told::Picture)
         return text && !text->isEmpty() ? localized(u"a picture"_s) : QString();
+    if (known.told == Told::Rule)
+        return text ? ruleInWords(*text) : QString();
     return text ? text->simplified() : QString();
 }
 
@@ -240,7 +264,7 @@ void RecordHistory::addLines(std::size_t number, Entry &entry, std::vector<Place
         for (std::size_t field = 0; field < row.fields.size(); ++field) {
             const RowChange::Field &changed = row.fields[field];
             const Known *known = knownOf(row, changed);
-            if (!known)
+            if (!known || (row.kind != RowChange::Kind::Changed && isType(row, changed)))
                 continue;
             Line line{.label = localized(QString::fromUtf16(known->label)),
                       .before = inWords(*known, row, changed, changed.before),
@@ -297,7 +321,9 @@ bool RecordHistory::restore(std::size_t entry, std::size_t line)
     if (!isRestorable(row, field))
         return false;
     const std::string_view entity = row.entity->name();
-    const bool isDone = entity == EntityTask::entityName      ? restoreTask(row, field)
+    const bool isPair = row.entity->columnOf(field.key) < 0;
+    const bool isDone = isPair                                ? restoreValue(row, field)
+                        : entity == EntityTask::entityName    ? restoreTask(row, field)
                         : entity == EntityProject::entityName ? restoreProject(row, field)
                                                               : restoreValue(row, field);
     reload();
@@ -328,10 +354,10 @@ static void put(Kept &kept, const Value &value)
 bool RecordHistory::restoreTask(const RowChange &row, const RowChange::Field &field)
 {
     MVTask copy(std::static_pointer_cast<EntityTask>(record));
-    const bool hasDates = knownOf(row, field)->restored == Restored::WithDates;
+    const Restored together = knownOf(row, field)->restored;
     for (const RowChange::Field &one : row.fields) {
         const Known *known = knownOf(row, one);
-        const bool goesAlong = hasDates && known && known->restored == Restored::WithDates;
+        const bool goesAlong = together != Restored::Alone && known && known->restored == together;
         if (&one != &field && !goesAlong)
             continue;
         if (one.key == "status") {
@@ -349,8 +375,6 @@ bool RecordHistory::restoreTask(const RowChange &row, const RowChange::Field &fi
 
 bool RecordHistory::restoreProject(const RowChange &row, const RowChange::Field &field)
 {
-    if (row.entity->columnOf(field.key) < 0)
-        return restoreValue(row, field);
     MVProject copy(std::static_pointer_cast<EntityProject>(record));
     const bool hasDates = knownOf(row, field)->restored == Restored::WithDates;
     for (const RowChange::Field &one : row.fields) {

@@ -2,6 +2,8 @@
 
 #include "foundation/Localization.h"
 #include "records/copies/MVTask.h"
+#include "store/entities/MainContext.h"
+#include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
 
 #include <algorithm>
@@ -20,6 +22,20 @@ std::vector<ContactPtr> TaskFormChoices::contacts()
 {
     const auto found = DBWorker::selectContactsWithPredicates({});
     return DBWorker::sortContacta({found.begin(), found.end()});
+}
+
+std::vector<ContactRows::Named> TaskFormChoices::contactNames()
+{
+    return ContactRows::named(EntityContacts::fetchRequest());
+}
+
+ContactPtr TaskFormChoices::contactOfRow(RowId row)
+{
+    if (row == 0)
+        return nullptr;
+    return ObjectList<EntityContacts>(mainContext(),
+                                      organiserModel().requireEntity(EntityContacts::entityName), {row})
+        .first();
 }
 
 std::vector<CompanyPtr> TaskFormChoices::companies()

@@ -2,6 +2,7 @@
 
 #include "calendarsync/CalendarEvent.h"
 #include "store/entities/Entities.h"
+#include "store/queries/ContactRows.h"
 
 #include <optional>
 #include <vector>
@@ -12,6 +13,10 @@ namespace TaskFormChoices {
 /// In the sample every task has a category; elsewhere null, for none, comes first.
 std::vector<CategoryPtr> categories();
 std::vector<ContactPtr> contacts();
+/// The same without loading anybody.
+std::vector<ContactRows::Named> contactNames();
+/// Null for 0, and for one who has gone meanwhile.
+ContactPtr contactOfRow(RowId row);
 std::vector<CompanyPtr> companies();
 /// Open projects, and the one that is chosen already in any state.
 std::vector<ProjectPtr> projects(const ProjectPtr &chosen);

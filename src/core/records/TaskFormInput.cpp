@@ -167,9 +167,10 @@ std::vector<FormChoice> TaskFormState::choices(int number)
             offer(of, {Functional::priorityStringFromType(one), one}, static_cast<int>(one), choices);
         break;
     case TaskFormRow::Contacts:
-        offerRecords<ContactPtr>(
-            of, TaskFormChoices::contacts(), [](const ContactPtr &contact) { return contact->fullName(); },
-            choices);
+        // There may be very many, of whom one is loaded at most.
+        offer(of, {localized(u"None"_s)}, RowId(0), choices);
+        for (ContactRows::Named &contact : TaskFormChoices::contactNames())
+            offer(of, {std::move(contact.fullName)}, contact.row, choices);
         break;
     case TaskFormRow::Company:
         offerRecords<CompanyPtr>(
@@ -201,7 +202,7 @@ TaskFormState::Value TaskFormState::valueOf(TaskFormRow of) const
     case TaskFormRow::Priority:
         return static_cast<int>(task.priority.value_or(Priority::None));
     case TaskFormRow::Contacts:
-        return ObjectPtr(task.delegateToUser);
+        return task.delegateToUser ? task.delegateToUser->rowId() : RowId(0);
     case TaskFormRow::Company:
         return ObjectPtr(task.company);
     case TaskFormRow::Project:
@@ -249,7 +250,7 @@ void TaskFormState::choose(int number, int place)
     case TaskFormRow::Priority:
         return setPriority(Priority(std::get<int>(value)));
     case TaskFormRow::Contacts:
-        return setDelegate(std::static_pointer_cast<EntityContacts>(*record));
+        return setDelegate(TaskFormChoices::contactOfRow(std::get<RowId>(value)));
     case TaskFormRow::Company:
         return setCompany(std::static_pointer_cast<EntityCompany>(*record));
     case TaskFormRow::Project:

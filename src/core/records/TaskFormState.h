@@ -162,7 +162,7 @@ private:
     void takeBase();
 
     /// What stands behind a choice: a word, a number, a record (null for none), or nothing.
-    using Value = std::variant<std::monostate, QString, int, ObjectPtr>;
+    using Value = std::variant<std::monostate, QString, int, ObjectPtr, RowId>;
     void offer(TaskFormRow row, FormChoice choice, Value value, std::vector<FormChoice> &choices);
     template <typename Pointer>
     void offerRecords(TaskFormRow row, const std::vector<Pointer> &records,

@@ -10,6 +10,7 @@
 #include "foundation/Region.h"
 #include "foundation/UserDefaults.h"
 #include "records/dates/MTDates.h"
+#include "records/people/LoosePictures.h"
 #include "store/AppDelegate.h"
 #include "store/StartWindowController.h"
 #include "store/queries/DBWorker.h"
@@ -61,8 +62,10 @@ void AppDelegate::applicationDidFinishLaunching()
     FileManager::createFolder(QStringLiteral("Orrelin Images"));
     // A count over very many tasks does not stand between the user and the first picture.
     MainLoop::performDelayed(untilFirstPicture, [this, living = std::weak_ptr(isBadgeDue)] {
-        if (living.lock())
+        if (living.lock()) {
             badgeUpdata();
+            LoosePictures::sweep();
+        }
     });
     badgeTimer = std::make_unique<RepeatingTimer>(badgeInterval, [this] {
         badgeUpdata();

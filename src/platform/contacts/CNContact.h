@@ -64,6 +64,10 @@ struct CNContact
     QString organizationName = {};
     QString jobTitle = {};
     std::optional<CNBirthday> birthday = {};
+    /// What stands in place of a birthday and is no day.
+    QString unreadBirthday = {};
+    /// Any number of lines.
+    QString note = {};
     /// The bytes of a picture as they came, of whatever format.
     QByteArray imageData = {};
     /// It has a picture that lies where it could not be read from.

@@ -268,6 +268,10 @@ void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
         contact.identifier = attribute.text();
     } else if (name == "BDAY" && !contact.birthday) {
         contact.birthday = birthdayOf(attribute);
+        if (!contact.birthday)
+            contact.unreadBirthday = oneLine(attribute.text());
+    } else if (name == "NOTE") {
+        contact.note = (contact.note + u'\n' + attribute.text()).trimmed();
     }
 }
 

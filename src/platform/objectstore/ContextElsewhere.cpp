@@ -33,8 +33,10 @@ void ManagedObjectContext::takeInChangesFromElsewhere()
         });
     }
     // Another process may have given a row's number to another row.
-    for (Population &one : populations)
+    for (Population &one : populations) {
         one.byRow.clear();
+        one.changed.noteAll();
+    }
     // Changed objects keep what was changed in memory, or all of it if the whole object is to win; everything
     // else is read anew.
     const bool keepsChangedObjects = mergePolicy == MergePolicy::Overwrite;

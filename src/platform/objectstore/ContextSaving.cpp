@@ -22,6 +22,7 @@ static bool isInHistory(ChangeAuthor author)
 
 void ManagedObjectContext::noteChange(ManagedObject &object)
 {
+    population(object.entity()).changed.note(object);
     if (!object.isNotedAsChanged) {
         object.isNotedAsChanged = true;
         changed.push_back(object.shared_from_this());
@@ -478,8 +479,15 @@ void ManagedObjectContext::reset()
     refreshAllObjects();
 }
 
+const ChangedObjects &ManagedObjectContext::changedObjects(std::string_view entity)
+{
+    return population(objectModel.requireEntity(entity)).changed;
+}
+
 void ManagedObjectContext::refreshAllObjects()
 {
+    for (Population &one : populations)
+        one.changed.noteAll();
     forEachObject([](ManagedObject &object) {
         if (!object.isInserted())
             object.isLoaded = false;

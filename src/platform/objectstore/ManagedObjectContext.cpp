@@ -52,11 +52,16 @@ ManagedObjectContext::Population &ManagedObjectContext::population(const EntityD
 
 ObjectPtr ManagedObjectContext::insertObject(std::string_view name)
 {
+    return insertObject(name, QUuid::createUuid().toString(QUuid::WithoutBraces));
+}
+
+ObjectPtr ManagedObjectContext::insertObject(std::string_view name, const QString &newIdentifier)
+{
     const EntityDescription &entity = objectModel.requireEntity(name);
     ObjectPtr object = entity.makeObject();
     object->description = &entity;
     object->owner = this;
-    object->id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    object->id = newIdentifier;
     object->state = ManagedObject::State::Inserted;
     object->isLoaded = true;
     object->values.resize(static_cast<size_t>(entity.columnCount()));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Error.h"
+#include "objectstore/ChangedObjects.h"
 #include "objectstore/CommitLog.h"
 #include "objectstore/FetchRequest.h"
 #include "objectstore/ManagedObject.h"
@@ -95,6 +96,8 @@ public:
     // Objects.
     /// A new object with a random identifier, in the store from the next save on.
     ObjectPtr insertObject(std::string_view entity);
+    /// The same with an identifier of which the caller has seen that no object has it.
+    ObjectPtr insertObject(std::string_view entity, const QString &identifier);
     template <typename T>
     std::shared_ptr<T> insert()
     {
@@ -148,6 +151,8 @@ public:
     [[nodiscard]] OptionalError save();
     /// Gives up all changes since the last save.
     void reset();
+    /// Which objects of an entity were changed, by whomever, as far as this context knows by now.
+    const ChangedObjects &changedObjects(std::string_view entity);
     /// Lets every unchanged object read its row anew at the next look.
     void refreshAllObjects();
     /// What every commit brings with it; null for nothing. It must live until it is replaced.
@@ -226,6 +231,7 @@ private:
         std::unordered_map<QString, ManagedObject *> byIdentifier;
         std::unordered_map<RowId, ManagedObject *> byRow;
         RowId lastRow = 0;
+        ChangedObjects changed;
     };
 
     ManagedObjectContext(std::unique_ptr<sqlite::Database> opened, const ManagedObjectModel &model,

@@ -34,9 +34,14 @@ HistoryWindow::HistoryWindow(const ObjectPtr &record, QWidget *parent)
     setWindowModality(Qt::WindowModal);
     table->setObjectName(u"tableHistory"_s);
     table->setAccessibleName(windowTitle());
+    table->setAccessibleDescription(localized(
+        u"What was changed, the latest first. A line that can be marked has a value that can be put "
+        u"back."_s));
+    labelEmpty->setObjectName(u"labelEmpty"_s);
     labelEmpty->setAlignment(Qt::AlignCenter);
     labelEmpty->setWordWrap(true);
     buttonRestore->setObjectName(u"buttonRestore"_s);
+    buttonRestore->setAccessibleDescription(localized(u"Puts the former value back"_s));
     buttonRestore->setToolTip(localized(u"Puts the former value back"_s));
     auto *buttonClose = new QPushButton(localized(u"Close"_s));
     buttonClose->setObjectName(u"buttonClose"_s);

@@ -16,6 +16,7 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::Preferences, u"actionPreferences", u"Preferences", u"Ctrl+,"},
     ActionDescription{ActionId::CloseWindow, u"actionClose", u"Close", u"Ctrl+W"},
     ActionDescription{ActionId::Print, u"actionPrint", u"Print...", u"Ctrl+P"},
+    ActionDescription{ActionId::Import, u"actionImport", u"Import…", u"Ctrl+Shift+I"},
     ActionDescription{ActionId::Export, u"actionExport", u"Export…", u"Ctrl+Shift+E"},
     ActionDescription{ActionId::Quit, u"actionQuit", u"Quit", u"Ctrl+Q"},
     ActionDescription{ActionId::Undo, u"actionUndo", u"Undo", u"Ctrl+Z"},

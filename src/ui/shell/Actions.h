@@ -19,6 +19,7 @@ enum class ActionId {
     Calendars,
     Preferences,
     Print,
+    Import,
     Export,
     CloseWindow,
     Quit,

@@ -1,12 +1,14 @@
 #include "shell/MainWindow.h"
 
 #include "foundation/Localization.h"
+#include "records/ImportTasks.h"
 #include "shell/OutlineViewExtended.h"
 #include "shell/RightToolBar.h"
 #include "widgets/SplitPanes.h"
 #include "widgets/Theme.h"
 
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QTimer>
@@ -48,6 +50,19 @@ MainWindow::MainWindow()
     split->setLeftBounds(sidebarMinimum, sidebarMaximum);
     split->setSizes({sidebarMaximum, firstSize.width() - sidebarMaximum});
     setCentralWidget(split);
+    setAcceptDrops(true);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!ImportTasks::filesIn(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    event->acceptProposedAction();
+    Q_EMIT calendarFilesDropped(ImportTasks::filesIn(*event->mimeData()));
 }
 
 QWidget *MainWindow::makeSidebar()

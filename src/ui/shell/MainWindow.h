@@ -31,11 +31,15 @@ Q_SIGNALS:
     void didBecomeKey();
     /// It became large or small, or filled the screen, by whomever.
     void stateChanged();
+    /// iCalendar files were dropped anywhere in the window.
+    void calendarFilesDropped(const QStringList &paths);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     QWidget *makeSidebar();

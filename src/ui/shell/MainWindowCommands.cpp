@@ -5,6 +5,7 @@
 #include "records/DetailStack.h"
 #include "records/FeedbackMail.h"
 #include "records/HelpAddresses.h"
+#include "records/ImportTasks.h"
 #include "records/ShellAlerts.h"
 #include "shell/Actions.h"
 #include "shell/MainWindow.h"
@@ -100,6 +101,11 @@ void MainWindowController::bindActions()
     actions->bind(
         ActionId::Copy, [this] { copy(); },
         [this] { return TextCommands::canCopy() || (screen && screen->hasSelection()); });
+    actions->bind(ActionId::Import, [this] { ImportTasks::run(*mainWindow); });
+    // The drag ends first: what comes of the files may ask the user something.
+    connect(
+        mainWindow.get(), &MainWindow::calendarFilesDropped, this,
+        [](const QStringList &paths) { ImportTasks::openFiles(paths); }, Qt::QueuedConnection);
     actions->bind(
         ActionId::Export, [this] { exportRecords(); }, [this] { return screen && screen->canExport(); });
     actions->bind(ActionId::Paste, TextCommands::paste, TextCommands::canPaste);

@@ -1,7 +1,11 @@
 #include "CoreTest.h"
 
+#include "calendarsync/RecordsTransaction.h"
 #include "foundation/Region.h"
 #include "records/Functional.h"
+#include "store/queries/ContactRows.h"
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -82,6 +86,51 @@ TEST_F(Contacts, AreChosenByTheCriteriaOfAGroup)
     group->setUseGeneralFilter(false);
     EXPECT_EQ(DBWorker::allContactPrivateGroup().first(), group);
     EXPECT_TRUE(DBWorker::allContactPrivateList().isEmpty());
+}
+
+/// The names are kept; whatever changes them must be seen at the next look.
+TEST_F(Contacts, AreListedByTheirNamesAsTheyAreNow)
+{
+    const auto listed = [] {
+        QStringList all;
+        for (const ContactRows::Named &one : ContactRows::named(EntityContacts::fetchRequest()))
+            all << one.fullName;
+        return all.join(u", "_qs);
+    };
+    const ContactPtr ann = person(u"Ann"_qs, u"Young"_qs);
+    const ContactPtr bob = person(u"Bob"_qs, u"Old"_qs);
+    EXPECT_EQ(listed(), u"Ann Young, Bob Old"_qs);
+    ann->setFirstName(u"Zoe"_qs);
+    EXPECT_EQ(listed(), u"Bob Old, Zoe Young"_qs) << "unsaved";
+    ASSERT_FALSE(DBWorker::saveContext());
+    const ContactPtr cid = person(u"Cid"_qs, u"New"_qs);
+    context().deleteObject(bob);
+    EXPECT_EQ(listed(), u"Cid New, Zoe Young"_qs);
+    context().reset();
+    EXPECT_EQ(listed(), u"Bob Old, Zoe Young"_qs) << "given up";
+    {
+        RecordsTransaction renaming(u"Edit"_qs);
+        bob->setLastName(u"Kay"_qs);
+        ASSERT_FALSE(renaming.commit());
+    }
+    EXPECT_EQ(listed(), u"Bob Kay, Zoe Young"_qs);
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(listed(), u"Bob Old, Zoe Young"_qs);
+    for (int number = 0; number < 400; ++number)
+        ann->setLastName(QString::number(number));
+    EXPECT_EQ(listed(), u"Bob Old, Zoe 399"_qs);
+    ASSERT_FALSE(DBWorker::saveContext());
+    // Another program writes to the store.
+    sqlite3 *other = nullptr;
+    ASSERT_EQ(sqlite3_open(context().path().toUtf8().constData(), &other), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(other, "UPDATE EntityContacts SET firstName = 'Abe' WHERE firstName = 'Zoe'",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(other);
+    EXPECT_EQ(listed(), u"Abe 399, Bob Old"_qs);
+    UserDefaults::standard().setObject(settings::contactDisplayOrder, 1);
+    EXPECT_EQ(listed(), u"399 Abe, Old Bob"_qs);
+    UserDefaults::standard().removeObject(settings::contactDisplayOrder);
 }
 
 TEST_F(Contacts, HoldAPhotoAloneOrWithOthers)

@@ -89,6 +89,67 @@ TEST_F(HistoryTest, AFormerValueOfATaskComesBackByItsRulesAndGoesAgain)
     EXPECT_EQ(task->title(), u"Call the new bank"_s);
 }
 
+TEST_F(HistoryTest, TagsRulesAndTypesAreToldAndComeBack)
+{
+    const TaskPtr task = add(u"Run"_s, [](MVTask &copy) {
+        copy.startDate = localDate(2026, 11, 24, 0, 0);
+        copy.dueDate = localDate(2026, 11, 24, 23, 59);
+    });
+    std::shared_ptr<EntityTags> tag;
+    ContactPtr ann;
+    std::shared_ptr<EntityPhone> phone;
+    at(9, ChangeAuthor::User, [&] {
+        tag = context().insert<EntityTags>();
+        tag->setTitle(u"sport"_s);
+        task->setTags({tag});
+        task->setRepeat(u"RRULE:FREQ=DAILY;INTERVAL=2"_s);
+        ann = context().insert<EntityContacts>();
+        ann->setFirstName(u"Ann"_s);
+        phone = context().insert<EntityPhone>();
+        phone->setNumber(u"1"_s);
+        phone->setContact(ann);
+        phone->setType(DBWorker::allPhoneType().at(0));
+    });
+    at(10, ChangeAuthor::User, [&] {
+        task->setTags({});
+        task->setRepeat(QString());
+        phone->setType(DBWorker::allPhoneType().at(1));
+    });
+    const auto restore = [](RecordHistory &history, const QString &wanted) {
+        QStringList all;
+        for (std::size_t line = 0; line < history.entries()[0].lines.size(); ++line) {
+            const RecordHistory::Line &one = history.entries()[0].lines[line];
+            all << one.label + u": "_s + one.before + u" > "_s + one.after;
+            if (all.last() == wanted)
+                return history.restore(0, line);
+        }
+        ADD_FAILURE() << all.join(u'\n').toStdString();
+        return false;
+    };
+    RecordHistory ofContact(ann);
+    EXPECT_TRUE(restore(ofContact, u"Phone type: home > work"_s));
+    EXPECT_EQ(phone->type(), DBWorker::allPhoneType().at(0));
+    {
+        RecordHistory ofTask(task);
+        EXPECT_TRUE(restore(ofTask, u"Tags: sport > "_s));
+        EXPECT_EQ(task->tags(), std::vector{tag});
+    }
+    Clock::setSource([] { return localDate(2026, 11, 21, 10, 0); });
+    RecordHistory again(task);
+    std::size_t entry = 0;
+    std::size_t line = 0;
+    for (std::size_t one = 0; one < again.entries().size(); ++one)
+        for (std::size_t place = 0; place < again.entries()[one].lines.size(); ++place)
+            if (again.entries()[one].lines[place].label == u"Repeat"_s &&
+                again.entries()[one].lines[place].after.isEmpty()) {
+                entry = one;
+                line = place;
+            }
+    EXPECT_EQ(again.entries()[entry].lines[line].before, u"Repeats every 2 days"_s);
+    EXPECT_TRUE(again.restore(entry, line));
+    EXPECT_TRUE(task->repeat().contains(u"FREQ=DAILY"_s));
+}
+
 TEST_F(HistoryTest, WhatBelongedToAContactComesBack)
 {
     ContactPtr contact;

@@ -172,9 +172,15 @@ TEST_F(ImportTest, FilesAreOpenedDroppedAndImportedWithPictures)
     const QString two =
         write(u"two.vcf"_s, card("N:;Dan;;;\r\nPHOTO;ENCODING=b:" + QByteArray("no picture").toBase64()));
     allow(0);
+    int asked = 0;
+    CNContactStore::setAccessQuestion([&](const std::function<void(bool)> &answer) {
+        ++asked;
+        answer(false);
+    });
     ImportContactWindowController::openFiles(&window(), {one});
     ASSERT_TRUE(hasLines({u"C"_s, u"xCid"_s}))
-        << "what was opened is marked; nobody is asked for address books";
+        << "what was opened is marked, whatever the answer about address books is";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 1; }));
     EXPECT_TRUE(state().contains(u"The card in line 6 of \"one.vcf\" has no name."_s)) << qPrintable(state());
     press("buttonOpen");
     auto *dialog = importWindow()->findChild<QFileDialog *>();
@@ -207,6 +213,42 @@ TEST_F(ImportTest, FilesAreOpenedDroppedAndImportedWithPictures)
     const ContactPtr cid = EntityContacts::firstName(u"Cid"_s, u""_s);
     ASSERT_TRUE(cid);
     EXPECT_EQ(QImage(FileManager::imageFolderURL() + u'/' + cid->photoName()).size(), QSize(4, 3));
+}
+
+TEST_F(ImportTest, CalendarFilesThatAreDroppedOrChosenBecomeTasks)
+{
+    const QString file = write(u"trip.ics"_s, "BEGIN:VCALENDAR\r\nBEGIN:VTODO\r\nUID:1\r\nSUMMARY:Pack\r\n"
+                                              "END:VTODO\r\nBEGIN:VTODO\r\nUID:2\r\nSUMM");
+    showList(SidebarItem::Inbox);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file), QUrl::fromLocalFile(u"/etc/hostname"_s)});
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&window(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&window(), &drop);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !alerts.asked().empty(); }));
+        EXPECT_EQ(alerts.asked().at(0).message, u"1 entry was imported."_s);
+        EXPECT_TRUE(alerts.asked().at(0).informativeText.contains(u"line 6 of \"trip.ics\" is cut off"_s))
+            << alerts.asked().at(0).informativeText.toStdString();
+    }
+    settle();
+    const auto tasks = [this] { return context().count(EntityTask::fetchRequest()); };
+    EXPECT_EQ(tasks(), 1);
+    run(ActionId::Import);
+    auto *dialog = window().findChild<QFileDialog *>();
+    ASSERT_TRUE(dialog);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        Q_EMIT dialog->filesSelected({file});
+        EXPECT_EQ(alerts.asked().at(0).message, u"Nothing new was imported."_s);
+    }
+    dialog->reject();
+    run(ActionId::Undo);
+    settle();
+    EXPECT_EQ(tasks(), 0);
 }
 
 TEST_F(ImportTest, WithoutAccessItLeadsToThePreferences)

@@ -579,7 +579,7 @@ TEST_F(PicturesTest, OfAnySizeAreMadeSmallWithoutAWaitAndOthersAreRefused)
     EXPECT_EQ(ann->photoName(), before);
 }
 
-TEST_F(PicturesTest, GoWithTheLastWhoHasThem)
+TEST_F(PicturesTest, ComeBackWithThoseWhoHadThem)
 {
     ContactForm form(ann);
     ASSERT_TRUE(form.setPicture(png(Qt::red)));
@@ -588,16 +588,21 @@ TEST_F(PicturesTest, GoWithTheLastWhoHasThem)
     save();
     const QString shared = ann->photoName();
     go(SidebarItem::People);
-    for (const bool isLast : {false, true}) {
+    for (int deleted = 0; deleted < 2; ++deleted) {
         const ScriptedAlerts yes({Alert::firstButton});
         run(ActionId::Delete);
         ASSERT_EQ(yes.asked().size(), 1u);
         EXPECT_EQ(yes.asked().front().message, u"Are you sure you want to delete the selected item?"_s);
         settle();
-        EXPECT_EQ(IcloudManager::imageData(shared).isEmpty(), isLast);
     }
     EXPECT_EQ(rows(), QStringList{u"Cleo"_s});
     EXPECT_EQ(name(), u"Cleo"_s) << "the next one is read";
+    run(ActionId::Undo);
+    settle();
+    const auto back = context().fetch<EntityContacts>(
+        EntityContacts::fetchRequest().where(Predicate::format("photoName = %@", shared)));
+    ASSERT_EQ(back.size(), 1);
+    EXPECT_EQ(imageOf(*back.first()).pixelColor(5, 5), QColor(Qt::red));
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 #include "store/queries/DBWorker.h"
 #include "store/state/CoreContext.h"
 
+#include <QUuid>
+
 MVTask::MVTask(TaskPtr task)
 {
     setTask(std::move(task));
@@ -88,7 +90,10 @@ MVTask &MVTask::save()
 
 void MVTask::makeRow()
 {
-    setTask(mainContext().insert<EntityTask>());
+    const QString identifier =
+        newIdentifier.isEmpty() ? QUuid::createUuid().toString(QUuid::WithoutBraces) : newIdentifier;
+    setTask(
+        std::static_pointer_cast<EntityTask>(mainContext().insertObject(EntityTask::entityName, identifier)));
     isNew = true;
     creationDate = MVDate::date();
     if (!CoreContext::current().hasAccessToCalendars())

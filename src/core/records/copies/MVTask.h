@@ -61,6 +61,9 @@ public:
     ProjectPtr project;
     std::vector<std::shared_ptr<EntityTags>> tags;
 
+    /// That of the row which the first save makes; empty for a random one.
+    QString newIdentifier;
+
     /// The stored row; null until the first save.
     const TaskPtr &task() const { return row; }
     /// Forgets the row, so that the next save makes a new one.

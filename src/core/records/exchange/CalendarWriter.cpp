@@ -102,8 +102,9 @@ QByteArray CalendarWriter::textOf(const EntityProject &project)
     TaskComponents::putText(component, "SUMMARY", project.title());
     TaskComponents::putText(component, "DESCRIPTION", project.details());
     TaskComponents::putProgress(component, project.status(), project.priority(), project.expirationDate());
+    component.setValue("X-MORVANE-KIND", "PROJECT");
     if (const CategoryPtr category = project.category())
-        TaskComponents::putText(component, "CATEGORIES", category->title());
+        TaskComponents::putCategories(component, category->title(), {});
     for (const ContactPtr &person : project.delegateToUser())
         if (person)
             TaskComponents::putText(component, "CONTACT", person->fullName());

@@ -97,16 +97,16 @@ void putWordsAndAlarms(IcalComponent &component, const EntityTask &task)
 void putOwnFields(IcalComponent &component, const EntityTask &task)
 {
     TaskComponents::putProgress(component, task.status(), task.priority(), task.expirationDate());
-    QList<QByteArray> categories;
-    if (const CategoryPtr category = task.category(); category && !category->title().isEmpty())
-        categories << IcalText::encoded(category->title());
+    QList<QByteArray> tags;
     for (const auto &tag : task.tags())
         if (tag && !tag->title().isEmpty())
-            categories << IcalText::encoded(tag->title());
-    if (!categories.isEmpty())
-        component.addLine(component.makeLine("CATEGORIES", categories.join(',')));
-    if (const ContactPtr person = task.delegateToUser())
+            tags << IcalText::encoded(tag->title());
+    const CategoryPtr category = task.category();
+    TaskComponents::putCategories(component, category ? category->title() : QString(), tags);
+    if (const ContactPtr person = task.delegateToUser()) {
         TaskComponents::putText(component, "CONTACT", person->fullName());
+        TaskComponents::putText(component, "X-MORVANE-PERSON", person->fullName());
+    }
     if (const CompanyPtr company = task.company())
         TaskComponents::putText(component, "X-MORVANE-COMPANY", company->title());
     if (const ProjectPtr project = task.project())
@@ -296,6 +296,21 @@ void TaskComponents::putText(IcalComponent &component, const QByteArray &name, c
 {
     if (!text.isEmpty())
         component.addLine(component.makeLine(name, IcalText::encoded(text)));
+}
+
+/// Other programs have one list for both.
+void TaskComponents::putCategories(IcalComponent &component, const QString &category,
+                                   const QList<QByteArray> &tags)
+{
+    QList<QByteArray> all = tags;
+    if (!category.isEmpty())
+        all.prepend(IcalText::encoded(category));
+    if (all.isEmpty())
+        return;
+    component.addLine(component.makeLine("CATEGORIES", all.join(',')));
+    putText(component, "X-MORVANE-CATEGORY", category);
+    if (!tags.isEmpty())
+        component.addLine(component.makeLine("X-MORVANE-TAGS", tags.join(',')));
 }
 
 void TaskComponents::putIdentity(IcalComponent &component, const QString &uid, OptionalDate created,

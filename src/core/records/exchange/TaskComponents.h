@@ -32,6 +32,8 @@ TaskObject of(const EntityTask &task);
 
 /// Adds a property of the type TEXT behind all others; none for an empty text.
 void putText(IcalComponent &component, const QByteArray &name, const QString &text);
+/// CATEGORIES, and beside it which of them is the category and which are tags. \param tags encoded.
+void putCategories(IcalComponent &component, const QString &category, const QList<QByteArray> &tags);
 /// Adds what these have in common: UID, DTSTAMP and, where they are known, CREATED and LAST-MODIFIED.
 void putIdentity(IcalComponent &component, const QString &uid, OptionalDate created, OptionalDate changed);
 /// Adds PRIORITY, STATUS, COMPLETED and PERCENT-COMPLETE. STATUS knows no waiting task and no done event:

@@ -244,6 +244,27 @@ void ContactImport::addPicture(const std::shared_ptr<Owner> &owner, const QStrin
     owner->setPhotoName(photo);
 }
 
+QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QString &name, bool hasCategory)
+{
+    QStringList words;
+    const auto keep = [&](const QString &field, const QString &value, QStringList &names) {
+        words.append(localized(field) + u": "_s + value);
+        names.append(name);
+    };
+    if (contact.birthday && !contact.birthday->year) {
+        const QString day = u"--%1-%2"_s.arg(contact.birthday->month, 2, 10, QLatin1Char('0'))
+                                .arg(contact.birthday->day, 2, 10, QLatin1Char('0'));
+        keep(u"Birthday"_s, day, account.withoutYear);
+    }
+    if (!contact.birthday && !contact.unreadBirthday.isEmpty())
+        keep(u"Birthday"_s, contact.unreadBirthday, account.unreadBirthdays);
+    if (!hasCategory && !contact.jobTitle.isEmpty())
+        keep(u"Job Title"_s, oneLine(contact.jobTitle), account.otherJobTitles);
+    if (!contact.note.isEmpty())
+        words.append(contact.note);
+    return words;
+}
+
 /// The test for the contact that is there comes first, so that nothing of another is left behind.
 ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
 {
@@ -274,13 +295,20 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
         row->setBirthday(Calendar::current().dateFromComponents({.year = *contact.birthday->year,
                                                                  .month = contact.birthday->month,
                                                                  .day = contact.birthday->day}));
-    } else if (contact.birthday) {
-        account.withoutYear.append(name);
     }
     const QString company = oneLine(contact.organizationName);
     if (!company.isEmpty())
         row->setCompany(companyNamed(company));
-    row->setContactCategory(categoryNamed(contact.jobTitle));
+    const auto category = categoryNamed(contact.jobTitle);
+    row->setContactCategory(category);
+    const QStringList words = wordsWithoutField(contact, name, category != nullptr);
+    if (!words.isEmpty()) {
+        const auto note = mainContext().insert<EntityNote>();
+        note->setTitle(name);
+        note->setDetail(words.join(u'\n'));
+        note->setCreationDate(MVDate::date());
+        note->setContact(row);
+    }
     addDetails(row, contact);
     addPicture(row, row->fullName(), contact);
     ++account.added;
@@ -296,6 +324,7 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
     }
     describedCompanies.insert(title);
     const CompanyPtr company = companyNamed(title);
+    company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
     addDetails(company, contact);
     addPicture(company, title, contact);
     ++account.addedCompanies;
@@ -389,7 +418,11 @@ QStringList ContactImportAccount::sentences() const
     tell(refused, u"One could not be imported: %1"_s, u"%1 could not be imported: %2"_s);
     tell(withoutPicture, u"One came without a picture, since that is none or cannot be read: %1."_s,
          u"%1 came without a picture, since that is none or cannot be read: %2."_s);
-    tell(withoutYear, u"One birthday without a year was left out: %1."_s,
-         u"%1 birthdays without a year were left out: %2."_s);
+    tell(withoutYear, u"One birthday without a year stands in a note: %1."_s,
+         u"%1 birthdays without a year stand in notes: %2."_s);
+    tell(unreadBirthdays, u"One birthday cannot be read and stands in a note: %1."_s,
+         u"%1 birthdays cannot be read and stand in notes: %2."_s);
+    tell(otherJobTitles, u"One job title is none of those that there are and stands in a note: %1."_s,
+         u"%1 job titles are none of those that there are and stand in notes: %2."_s);
     return all;
 }

@@ -26,8 +26,11 @@ struct ContactImportAccount
     QStringList refused;
     /// The names of those whose picture was none, or could not be had or kept.
     QStringList withoutPicture;
-    /// The names of those whose birthday has no year, which is not kept.
+    /// The names of those of whom something stands in a note, since no field holds it: a birthday without a
+    /// year, words in place of a birthday, a job title that is no category.
     QStringList withoutYear;
+    QStringList unreadBirthdays;
+    QStringList otherJobTitles;
     bool wasStopped = false;
     /// False if the store could not be written, which the user was told. The contacts wait for the next save.
     bool isSaved = true;
@@ -48,10 +51,11 @@ public:
     explicit ContactImport(PngMaker toPng);
 
     /// Imports one contact with its company, job title, phones, mail, postal and web addresses and its
-    /// picture. The new row, or null: the account says why.
+    /// picture. What no field holds goes into a note of the contact. The new row, or null: the account says
+    /// why.
     ContactPtr importContactToDataBase(const CNContact &contact);
-    /// Imports a card that names an organization only, as a company with its phones, mail, addresses and
-    /// picture. Null if there is one of that title, which is left as it is.
+    /// Imports a card that names an organization only, as a company with its phones, mail, addresses, picture
+    /// and note. Null if there is one of that title, which is left as it is.
     CompanyPtr importCompany(const CNContact &contact);
     /// A contact that the user was told is there already: it is compared, and never imported.
     void meet(const CNContact &contact);
@@ -79,6 +83,8 @@ private:
     template <typename Owner>
     void addPicture(const std::shared_ptr<Owner> &owner, const QString &name, const CNContact &contact);
     QString freePhotoName();
+    /// What no field of a contact holds, a line each; the account gets the name.
+    QStringList wordsWithoutField(const CNContact &contact, const QString &name, bool hasCategory);
     void compareExisting();
 
     PngMaker pngOf;

@@ -6,11 +6,11 @@
 #include <functional>
 #include <vector>
 
-/// Deleting contacts. Main thread only.
+/// Deleting contacts and companies. Main thread only.
 namespace ContactRemoval {
 
-/// The same as `RecordRemoval::remove`; with a contact goes the file of the picture that nobody else has.
-void remove(const std::vector<ObjectPtr> &contacts, const std::function<void()> &removed,
+/// The same as `RecordRemoval::remove`; the pictures that nobody else has go later (`LoosePictures`).
+void remove(const std::vector<ObjectPtr> &records, const std::function<void()> &removed,
             const StepBlock &step = {});
 
 } // namespace ContactRemoval

@@ -303,6 +303,8 @@ CNContact ContactTable::contactOf(const QStringList &fields,
             break;
         case Sort::Birthday:
             contact.birthday = birthdayOf(text);
+            if (!contact.birthday)
+                contact.unreadBirthday = text;
             break;
         case Sort::Phone:
             put(valueAt(phones, column), column, text);

@@ -55,7 +55,7 @@ struct Column
     static std::optional<Column> of(const QString &title);
 };
 
-/// The contact of a row. Fields that have no column are left out, as is a birthday that cannot be read.
+/// The contact of a row. Fields that have no column are left out.
 CNContact contactOf(const QStringList &fields, const std::vector<std::optional<Column>> &columns);
 
 } // namespace ContactTable

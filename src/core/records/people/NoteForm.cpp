@@ -117,10 +117,12 @@ void NoteForm::setText(int number, const QString &text)
 
 std::vector<FormChoice> NoteForm::choices(int)
 {
-    offered = TaskFormChoices::contacts();
+    offered.clear();
     std::vector<FormChoice> choices = {{localized(u"None"_s)}};
-    for (const ContactPtr &contact : offered)
-        choices.push_back({contact->fullName()});
+    for (ContactRows::Named &contact : TaskFormChoices::contactNames()) {
+        offered.push_back(contact.row);
+        choices.push_back({std::move(contact.fullName)});
+    }
     return choices;
 }
 
@@ -128,13 +130,14 @@ int NoteForm::chosen(int) const
 {
     if (!values.contact)
         return 0;
-    const auto found = std::ranges::find(offered, values.contact);
+    const auto found = std::ranges::find(offered, values.contact->rowId());
     return found == offered.end() ? -1 : static_cast<int>(found - offered.begin()) + 1;
 }
 
 void NoteForm::choose(int, int place)
 {
-    edit([&] { values.contact = place == 0 ? nullptr : offered.at(static_cast<std::size_t>(place - 1)); });
+    const RowId chosenRow = place == 0 ? 0 : offered.at(static_cast<std::size_t>(place - 1));
+    edit([&] { values.contact = TaskFormChoices::contactOfRow(chosenRow); });
 }
 
 std::string_view NoteForm::entityOfChoices(int) const

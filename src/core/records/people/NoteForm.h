@@ -63,7 +63,7 @@ private:
     NotePtr row;
     /// The row as it was when the values were taken.
     MVNote base;
-    std::vector<ContactPtr> offered;
+    std::vector<RowId> offered;
     bool touched = false;
     /// The row was made by this form, and no commit has reached the disk since.
     bool isNewRow = false;

@@ -245,31 +245,26 @@ void PeopleForm::rollback()
         changed();
 }
 
-/// What each side has added and taken out holds.
-static QString mergedUris(const QString &mine, const QString &former, const QString &present)
+QString PeopleForm::mergedRow(int row, const QString &mine, const QString &was, const QString &present) const
 {
-    const auto setOf = [](const QString &uris) { return uris.split(u' ', Qt::SkipEmptyParts); };
-    const QStringList before = setOf(former);
-    const QStringList now = setOf(present);
-    QStringList all = setOf(mine);
-    all.removeIf([&](const QString &uri) { return before.contains(uri) && !now.contains(uri); });
-    for (const QString &uri : now) {
-        if (!before.contains(uri) && !all.contains(uri))
-            all.append(uri);
-    }
-    return all.join(u' ');
+    if (mine == was)
+        return present;
+    if (kindOf(row))
+        return DetailItems::merged(mine, was, present);
+    return isLinks(row) ? mergedUris(mine, was, present) : mine;
+}
+
+/// A new record, and one that was deleted since, has nothing that the draft does not have.
+void PeopleForm::resumeRowSince(int row, const QString &value, const QString &formerValue)
+{
+    const bool hasPresent = isStored() && !isGone();
+    resumeRow(row, hasPresent ? mergedRow(row, value, formerValue, formerlyKept(row)) : value);
 }
 
 bool PeopleForm::merge(int row, const QString &was, const QString &present)
 {
     const QString mine = kept(row);
-    QString wanted = mine;
-    if (mine == was)
-        wanted = present;
-    else if (kindOf(row))
-        wanted = DetailItems::merged(mine, was, present);
-    else if (isLinks(row))
-        wanted = mergedUris(mine, was, present);
+    const QString wanted = mergedRow(row, mine, was, present);
     // A record that is gone has no name any more: the row seems to say what is stored, and still holds it.
     const bool isAlike = wanted == mine && mine == present && mine != was && row != Picture;
     if (wanted == mine && !isAlike)

@@ -62,6 +62,7 @@ public:
     QString kept(int row) const override;
     QString formerlyKept(int row) const override;
     void resumeRow(int row, const QString &value) override;
+    void resumeRowSince(int row, const QString &value, const QString &formerValue) override;
 
     Portrait portrait() const override { return {photo.photoName(), initials()}; }
     QByteArray data() const override { return photo.pictureData(); }
@@ -115,6 +116,9 @@ private:
     bool mustStoreAnew() const;
     QString keptPicture() const;
     void resumePicture(const QString &value);
+    /// What becomes of a row that this side has changed from `former` to `mine`, and another one to
+    /// `present`.
+    QString mergedRow(int row, const QString &mine, const QString &former, const QString &present) const;
     /// Both sides have changed a row; answers whether this one shows something else now.
     bool merge(int row, const QString &former, const QString &present);
 

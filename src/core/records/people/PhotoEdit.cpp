@@ -3,9 +3,8 @@
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
 #include "foundation/DateFormatter.h"
-#include "records/Functional.h"
 #include "records/dates/MVDate.h"
-#include "store/entities/EntityContacts.h"
+#include "records/people/LoosePictures.h"
 
 PhotoEdit::PhotoEdit(const QString &photoName)
     : formerName(photoName)
@@ -54,8 +53,6 @@ void PhotoEdit::choosePicture(const QString &storedName)
 void PhotoEdit::replaceName(const QString &newName)
 {
     name = newName.isNull() ? QString(QLatin1String("")) : newName;
-    // The same picture dropped again replaces nothing.
-    deletesOldPhoto = name != formerName && !Functional::testOrPhotosNameUsed(formerName);
 }
 
 QByteArray PhotoEdit::pictureData() const
@@ -67,13 +64,7 @@ void PhotoEdit::finish()
 {
     if (isNewPicture)
         IcloudManager::saveImageWithData(dropped, name);
-    if (deletesOldPhoto && !formerName.isEmpty())
-        IcloudManager::removeImage(formerName);
+    if (name != formerName)
+        LoosePictures::add({formerName});
     *this = PhotoEdit(name);
-}
-
-bool PhotoEdit::removePictureWith(const EntityContacts &contact)
-{
-    const QString photoName = contact.photoName();
-    return Functional::testOrPhotosNameUsed(photoName) && IcloudManager::removeImage(photoName);
 }

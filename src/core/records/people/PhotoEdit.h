@@ -3,12 +3,11 @@
 #include <QByteArray>
 #include <QString>
 
-class EntityContacts;
-
 /// The picture of a contact or a company while it is edited: what the user dropped or removed, and what
 /// becomes of the files when the edit is saved.
 ///
-/// A picture that is in the image store already, byte for byte, is shared by its name.
+/// A picture that is in the image store already, byte for byte, is shared by its name. The file of the
+/// earlier picture stays for those who hold it too, and for undo (`LoosePictures`).
 class PhotoEdit
 {
 public:
@@ -30,17 +29,10 @@ public:
     /// The picture that was dropped, or else the stored one; empty if there is none or its file cannot be
     /// read.
     QByteArray pictureData() const;
-    /// Whether the file of the earlier picture goes when the edit is saved: it goes unless exactly one
-    /// contact held it when the picture was changed.
-    bool deleteOldPhoto() const { return deletesOldPhoto; }
 
-    /// The record was committed: writes a picture that is new and removes the earlier one if it is to go.
-    /// Failures are in the log only.
+    /// The record was committed: writes a picture that is new and lets go of the earlier one. Failures are in
+    /// the log only.
     void finish();
-
-    /// A contact is about to be deleted: its picture goes with it unless another contact holds it too.
-    /// Whether a file was removed.
-    static bool removePictureWith(const EntityContacts &contact);
 
 private:
     void replaceName(const QString &newName);
@@ -49,5 +41,4 @@ private:
     QString name;
     QByteArray dropped;
     bool isNewPicture = false;
-    bool deletesOldPhoto = false;
 };

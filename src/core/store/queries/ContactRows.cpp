@@ -4,6 +4,7 @@
 #include "store/entities/MainContext.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -33,31 +34,123 @@ struct NamedContacts
     std::vector<NamedContact> contacts;
 };
 
+/// Whose names are read, and which comes first.
+void appendName(NamedContacts &found, const RowReader &row)
+{
+    std::string &names = found.names;
+    const std::size_t begin = names.size();
+    names += row.utf8(0);
+    if (names.size() > begin && !row.utf8(1).empty())
+        names += ' ';
+    names += row.utf8(1);
+    const auto name = std::string_view(names).substr(begin);
+    found.contacts.push_back({headOf(name), begin, name.size(), row.rowId()});
+}
+
+std::vector<std::string> nameColumns(NameOrder order)
+{
+    return order == NameOrder::FirstNameFirst ? std::vector<std::string>{"firstName", "lastName"}
+                                              : std::vector<std::string>{"lastName", "firstName"};
+}
+
+/// The bytes of UTF-8 stand in the order of the characters.
+bool isBefore(std::string_view all, const NamedContact &one, const NamedContact &other)
+{
+    if (one.head != other.head)
+        return one.head < other.head;
+    const int order = all.substr(one.begin, one.length).compare(all.substr(other.begin, other.length));
+    return order == 0 ? one.row < other.row : order < 0;
+}
+
 NamedContacts sortedContacts(const FetchRequest &request)
 {
-    const bool isFirstNameFirst = preferredNameOrder() == NameOrder::FirstNameFirst;
     NamedContacts found;
-    std::string &names = found.names;
-    mainContext().visit(
-        request, {isFirstNameFirst ? "firstName" : "lastName", isFirstNameFirst ? "lastName" : "firstName"},
-        [&](const RowReader &row) {
-            const std::size_t begin = names.size();
-            names += row.utf8(0);
-            if (names.size() > begin && !row.utf8(1).empty())
-                names += ' ';
-            names += row.utf8(1);
-            const auto name = std::string_view(names).substr(begin);
-            found.contacts.push_back({headOf(name), begin, name.size(), row.rowId()});
-        });
-    // The bytes of UTF-8 stand in the order of the characters.
-    const std::string_view all = names;
-    std::ranges::sort(found.contacts, [all](const NamedContact &one, const NamedContact &other) {
-        if (one.head != other.head)
-            return one.head < other.head;
-        const int order = all.substr(one.begin, one.length).compare(all.substr(other.begin, other.length));
-        return order == 0 ? one.row < other.row : order < 0;
+    mainContext().visit(request, nameColumns(preferredNameOrder()),
+                        [&](const RowReader &row) { appendName(found, row); });
+    std::ranges::sort(found.contacts, [&all = found.names](const auto &one, const auto &other) {
+        return isBefore(all, one, other);
     });
     return found;
+}
+
+/// The names of all contacts, which are read once; then only of those that were changed.
+class AllContacts
+{
+public:
+    const NamedContacts &sorted();
+
+private:
+    bool follow(const std::vector<ChangedObjects::Change> &changes);
+
+    NamedContacts known;
+    NameOrder order = NameOrder::FirstNameFirst;
+    quint64 revision = 0;
+};
+
+const NamedContacts &AllContacts::sorted()
+{
+    ManagedObjectContext &context = mainContext();
+    // Any query sees whether another program has written; this one has few rows to count.
+    context.count(EntityContactCategory::fetchRequest());
+    const ChangedObjects &changed = context.changedObjects(EntityContacts::entityName);
+    const NameOrder wantedOrder = preferredNameOrder();
+    const auto changes = wantedOrder == order ? changed.since(revision) : std::nullopt;
+    if (!changes || !follow(*changes))
+        known = sortedContacts(EntityContacts::fetchRequest());
+    order = wantedOrder;
+    revision = changed.revision();
+    return known;
+}
+
+/// False if there are so many that all are read as quickly.
+bool AllContacts::follow(const std::vector<ChangedObjects::Change> &changes)
+{
+    constexpr std::size_t most = 32;
+    std::set<RowId> rows;
+    for (const ChangedObjects::Change &change : changes) {
+        RowId row = change.row;
+        // One that was new has got its row since.
+        if (row == 0) {
+            const ObjectPtr object = mainContext().object(EntityContacts::entityName, change.identifier);
+            row = object ? object->rowId() : 0;
+        }
+        if (row == 0 && mainContext().hasChanges())
+            return false;
+        rows.insert(row);
+    }
+    rows.erase(0);
+    // What is renamed leaves its former name behind.
+    const bool isWasteful = known.names.size() > 2 * known.contacts.size() * sizeof(NamedContact);
+    if (rows.size() > most || isWasteful)
+        return false;
+    if (rows.empty())
+        return true;
+    std::erase_if(known.contacts, [&](const NamedContact &one) { return rows.contains(one.row); });
+    FetchRequest request = EntityContacts::fetchRequest();
+    request.candidates = std::vector<RowId>(rows.begin(), rows.end());
+    const std::size_t others = known.contacts.size();
+    mainContext().visit(request, nameColumns(order), [&](const RowReader &row) { appendName(known, row); });
+    std::vector<NamedContact> came(known.contacts.begin() + static_cast<std::ptrdiff_t>(others),
+                                   known.contacts.end());
+    known.contacts.resize(others);
+    for (const NamedContact &one : came) {
+        const auto isEarlier = [&all = known.names](const NamedContact &left, const NamedContact &right) {
+            return isBefore(all, left, right);
+        };
+        known.contacts.insert(std::ranges::lower_bound(known.contacts, one, isEarlier), one);
+    }
+    return true;
+}
+
+/// What a request gives; `read` is for those that pass a condition.
+const NamedContacts &contactsOf(const FetchRequest &request, NamedContacts &read)
+{
+    static AllContacts all;
+    const bool isForAll = request.predicate.isAlwaysTrue() && !request.candidates && request.limit < 0;
+    if (isForAll)
+        return all.sorted();
+    read = sortedContacts(request);
+    return read;
 }
 
 } // namespace
@@ -65,7 +158,8 @@ NamedContacts sortedContacts(const FetchRequest &request)
 std::vector<RowId> ContactRows::byFullName(const FetchRequest &request)
 {
     std::vector<RowId> rows;
-    const NamedContacts sorted = sortedContacts(request);
+    NamedContacts read;
+    const NamedContacts &sorted = contactsOf(request, read);
     rows.reserve(sorted.contacts.size());
     for (const NamedContact &contact : sorted.contacts)
         rows.push_back(contact.row);
@@ -75,7 +169,8 @@ std::vector<RowId> ContactRows::byFullName(const FetchRequest &request)
 std::vector<ContactRows::Named> ContactRows::named(const FetchRequest &request)
 {
     std::vector<Named> rows;
-    const NamedContacts sorted = sortedContacts(request);
+    NamedContacts read;
+    const NamedContacts &sorted = contactsOf(request, read);
     rows.reserve(sorted.contacts.size());
     for (const NamedContact &contact : sorted.contacts)
         rows.push_back({contact.row, QString::fromUtf8(sorted.names.data() + contact.begin,

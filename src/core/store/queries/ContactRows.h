@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/// Lists of very many contacts. Stateless; main thread only.
+/// Lists of very many contacts. The names of all are kept, and follow what is changed. Main thread only.
 namespace ContactRows {
 
 /// What the store calls the contacts that a request gives, in the order of `DBWorker::sortContacta`. Nobody

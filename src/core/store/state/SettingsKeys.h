@@ -8,6 +8,8 @@ namespace settings {
 // Store and start.
 inline const QString valueSwitchDatabase = QStringLiteral("valueSwitchDatabase");
 inline const QString firstRun = QStringLiteral("FirstRun");
+/// Pictures that no record holds any more, with the moment that they were let go of.
+inline const QString loosePictures = QStringLiteral("loosePictures");
 inline const QString sweptSearchIndexes = QStringLiteral("sweptSearchIndexes");
 inline const QString ubiquityIdentityToken = QStringLiteral("UbiquityIdentityToken");
 

@@ -66,9 +66,10 @@ ImportContactWindowController *ImportContactWindowController::openFiles(QWidget 
 {
     bool isNew = false;
     auto *window = shown(parent, isNew);
-    if (isNew && isAllowed())
-        window->getAllContainers();
     window->addFiles(paths);
+    // The drag ends first: the user may be asked for access.
+    if (isNew)
+        QTimer::singleShot(0, window, &ImportContactWindowController::getAccsesToContact);
     return window;
 }
 
@@ -97,6 +98,8 @@ void ImportContactWindowController::setUp()
     connect(view, &MarkedRowsView::changed, this, &ImportContactWindowController::showCounts);
     labelState = makeTextLabel({}, Theme::FontRole::Small, Theme::secondaryText);
     labelState->setObjectName(u"labelState"_s);
+    labelState->setAccessibleName(localized(u"State of the import"_s));
+    setAccessibleDescription(localized(u"Mark the contacts that are to be imported."_s));
     noAccess = makeNoAccess();
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(windowMargin, windowMargin, windowMargin, windowMargin);
@@ -158,6 +161,7 @@ QWidget *ImportContactWindowController::makeButtons()
 {
     buttonMarkAll = new QPushButton;
     buttonMarkAll->setObjectName(u"buttonMarkAll"_s);
+    buttonMarkAll->setAccessibleDescription(localized(u"Marks or unmarks all contacts of the list"_s));
     connect(buttonMarkAll, &QPushButton::clicked, this, &ImportContactWindowController::clickButtonMarkAll);
     auto *buttonCancel = new QPushButton(localized(u"Cancel"_s));
     buttonCancel->setObjectName(u"buttonCancel"_s);

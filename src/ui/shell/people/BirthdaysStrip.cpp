@@ -14,9 +14,33 @@
 #include <QHBoxLayout>
 #include <QLabel>
 
+#include <algorithm>
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int daysAhead = 28;
+
+/// Whether anybody came, went, or has another birthday or name.
+static bool concernsBirthdays(const StoreChanges &changes)
+{
+    if (!changes.concerns(EntityContacts::entityName))
+        return false;
+    using Contact = EntityContacts;
+    constexpr std::array told = {Contact::column<"birthday">(), Contact::column<"firstName">(),
+                                 Contact::column<"lastName">()};
+    const auto isOfContact = [](const ObjectPtr &object) {
+        return object->entity().name() == EntityContacts::entityName;
+    };
+    return changes.isUnknown || std::ranges::any_of(changes.inserted, isOfContact) ||
+           std::ranges::any_of(changes.deleted, isOfContact) ||
+           std::ranges::any_of(changes.updated, [&](const StoreChanges::Update &one) {
+               return isOfContact(one.object) &&
+                      (one.columns.none() || std::ranges::any_of(told, [&](int column) {
+                           return one.columns.test(static_cast<std::size_t>(column));
+                       }));
+           });
+}
 
 BirthdaysStrip::BirthdaysStrip(QWidget *parent)
     : QWidget(parent)
@@ -50,7 +74,7 @@ BirthdaysStrip::BirthdaysStrip(QWidget *parent)
     });
     observations.push_back(NotificationCenter::defaultCenter().addObserver(
         notifications::contextDidSave, [this](const StoreChanges &changes) {
-            if (changes.concerns(EntityContacts::entityName))
+            if (concernsBirthdays(changes))
                 soon.start(0);
         }));
     // The screen stands before it is asked who has birthday.
@@ -86,6 +110,10 @@ void BirthdaysStrip::showBirthdays()
     const QString more = separator + localized(u"%1 more"_s);
     int room = width() - label->fontMetrics().horizontalAdvance(heading + more.arg(birthdays.size()));
     QStringList shown;
+    QStringList spoken;
+    for (const Birthdays::Birthday &one : birthdays)
+        spoken << firstPart(Birthdays::inWords(one)) + u' ' + dayInWords(one.day);
+    label->setAccessibleName(heading + spoken.join(u", "_s));
     for (const Birthdays::Birthday &one : birthdays) {
         const QString name = firstPart(Birthdays::inWords(one));
         const QString day = dayInWords(one.day);

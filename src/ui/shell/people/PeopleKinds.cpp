@@ -136,5 +136,6 @@ RecordKind PeopleKinds::companies()
             .paneName = CompanyDetailViewController::name,
             .windowName = u"WindowNewCompany"_s,
             .windowTitle = localized(u"New Company"_s),
-            .pane = makePane<CompanyDetailViewController>};
+            .pane = makePane<CompanyDetailViewController>,
+            .remove = ContactRemoval::remove};
 }

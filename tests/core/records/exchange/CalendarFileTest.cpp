@@ -107,11 +107,13 @@ TEST_F(CalendarFileTest, SaysAllOfATask)
     const QByteArray text = file(tasks);
     const auto todos = components(text, "VTODO");
     ASSERT_THAT(todos, SizeIs(4));
-    EXPECT_THAT(todos[0], ElementsAre(u"UID:"_qs + toDo->identifier(), u"DTSTART;VALUE=DATE:20261124"_qs,
-                                      u"DUE;VALUE=DATE:20261126"_qs, u"SUMMARY:Paint\\, the\\; house"_qs,
-                                      u"DESCRIPTION:White\\nand blue"_qs, u"LOCATION:Garden"_qs,
-                                      u"GEO:52.5;13.25"_qs, u"PRIORITY:1"_qs, u"STATUS:IN-PROCESS"_qs,
-                                      u"CATEGORIES:Home\\, sweet,paint"_qs, u"VALARM PT8H"_qs));
+    EXPECT_THAT(todos[0],
+                ElementsAre(u"UID:"_qs + toDo->identifier(), u"DTSTART;VALUE=DATE:20261124"_qs,
+                            u"DUE;VALUE=DATE:20261126"_qs, u"SUMMARY:Paint\\, the\\; house"_qs,
+                            u"DESCRIPTION:White\\nand blue"_qs, u"LOCATION:Garden"_qs, u"GEO:52.5;13.25"_qs,
+                            u"PRIORITY:1"_qs, u"STATUS:IN-PROCESS"_qs, u"CATEGORIES:Home\\, sweet,paint"_qs,
+                            u"X-MORVANE-CATEGORY:Home\\, sweet"_qs, u"X-MORVANE-TAGS:paint"_qs,
+                            u"VALARM PT8H"_qs));
     EXPECT_THAT(todos[1],
                 ElementsAre(u"UID:"_qs + call->identifier(), u"DUE;TZID=Europe/Berlin:20261125T143000"_qs,
                             u"SUMMARY:Call Ann"_qs, u"STATUS:NEEDS-ACTION"_qs, u"X-MORVANE-STATUS:PENDING"_qs,
@@ -254,8 +256,9 @@ TEST_F(CalendarFileTest, BringsTheTasksOfAProject)
     ASSERT_FALSE(DBWorker::saveContext());
     const auto todos = components(file(std::vector{house}), "VTODO");
     ASSERT_THAT(todos, SizeIs(2));
-    EXPECT_THAT(todos[0], ElementsAre(u"UID:"_qs + house->identifier(), u"DUE;VALUE=DATE:20261231"_qs,
-                                      u"SUMMARY:House"_qs, u"STATUS:IN-PROCESS"_qs));
+    EXPECT_THAT(todos[0],
+                ElementsAre(u"UID:"_qs + house->identifier(), u"DUE;VALUE=DATE:20261231"_qs,
+                            u"SUMMARY:House"_qs, u"STATUS:IN-PROCESS"_qs, u"X-MORVANE-KIND:PROJECT"_qs));
     EXPECT_THAT(todos[1], Contains(u"RELATED-TO:"_qs + house->identifier()));
     EXPECT_THAT(todos[1], Contains(u"X-MORVANE-PROJECT:House"_qs));
     const auto note = make<EntityNote>(u"Colours"_qs);

@@ -254,6 +254,31 @@ TEST_F(ImportingContacts, StopsBetweenFilesAndTrustsNoneThatHasChanged)
     EXPECT_EQ(account.refused.size(), 1);
 }
 
+TEST_F(ImportingContacts, KeepsInANoteWhatNoFieldHolds)
+{
+    const ContactImportAccount account = importAll(
+        card("N:Lee;Ann;;;\r\nBDAY:circa 1800\r\nTITLE:Beekeeper\r\nNOTE:Likes tea\\nand rain") +
+        card("N:Kay;Bob;;;\r\nBDAY:--0517") + card("N:Day;Cid;;;\r\nTITLE:coworker\r\nBDAY:1970-05-17") +
+        card("KIND:org\r\nORG:Works\r\nNOTE:Rings twice"));
+    const auto noteOf = [&](const QString &first, const QString &last) {
+        const auto notes = contact(first, last)->note();
+        return notes.empty() ? QString() : notes.front()->detail();
+    };
+    EXPECT_EQ(noteOf(u"Ann"_qs, u"Lee"_qs),
+              u"Birthday: circa 1800\nJob Title: Beekeeper\nLikes tea\nand rain"_qs);
+    EXPECT_EQ(noteOf(u"Bob"_qs, u"Kay"_qs), u"Birthday: --05-17"_qs);
+    EXPECT_EQ(count<EntityNote>(), 2) << "a category and a birthday have their fields";
+    EXPECT_EQ(DBWorker::allCompany().first()->details(), u"Rings twice"_qs);
+    const QString said = account.sentences().join(u'\n');
+    for (const QString &sentence :
+         {u"One birthday without a year stands in a note: Bob Kay."_qs,
+          u"One birthday cannot be read and stands in a note: Ann Lee."_qs,
+          u"One job title is none of those that there are and stands in a note: Ann Lee."_qs})
+        EXPECT_TRUE(said.contains(sentence)) << qPrintable(said);
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(count<EntityNote>() + count<EntityContacts>(), 0);
+}
+
 TEST_F(ImportingContacts, NamesEachPictureAndSaysWhichAreNone)
 {
     QByteArray text;

@@ -275,6 +275,52 @@ TEST_F(PeopleForms, AreKeptWholeInADraft)
     EXPECT_EQ(shown(other, Row::Phones), QStringList{u" (home)"_qs});
 }
 
+TEST_F(PeopleForms, ResumeADraftWithWhatCameMeanwhile)
+{
+    const auto boat = context().insert<EntityProject>();
+    const auto house = context().insert<EntityProject>();
+    const auto barn = context().insert<EntityProject>();
+    const ContactPtr ann = contact(u"Ann"_qs, {u"1"_qs, u"2"_qs, u"3"_qs});
+    ann->setProject({boat, house});
+    ASSERT_FALSE(DBWorker::saveContext());
+    const auto phone = [&](const QString &number) {
+        const auto all = ann->phone();
+        return *std::ranges::find(all, number, &EntityPhone::number);
+    };
+    const auto placeOf = [](FormItems &items, const QString &number) {
+        int place = 0;
+        while (items.words(place) != number)
+            ++place;
+        return place;
+    };
+    ContactForm typed(ann);
+    FormItems &phones = *typed.items(Row::Phones);
+    phones.setText(placeOf(phones, u"1"_qs), 0, u"10"_qs);
+    phones.setText(phones.count() - 1, 0, u"40"_qs);
+    typed.unlink(Row::Projects, boat);
+    const auto draft = RecordDraft::decoded(typed.encodedDraft());
+    ASSERT_TRUE(draft);
+    // The computer goes off, and another device changes the same lists.
+    phone(u"2"_qs)->setNumber(u"20"_qs);
+    context().deleteObject(phone(u"3"_qs));
+    addPhone(ann, u"50"_qs);
+    ann->setProject({boat, house, barn});
+    ASSERT_FALSE(DBWorker::saveContext());
+    ContactForm resumed(ann);
+    resumed.resume(*draft);
+    ASSERT_TRUE(resumed.save());
+    EXPECT_EQ(numbersOf(*ann), (QStringList{u"10"_qs, u"20"_qs, u"40"_qs, u"50"_qs}));
+    const auto projects = ann->project();
+    EXPECT_EQ(std::set<ProjectPtr>(projects.begin(), projects.end()), (std::set<ProjectPtr>{house, barn}));
+
+    // Of one that is gone, the draft has everything.
+    context().deleteObject(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    ContactForm anew;
+    anew.resume(*draft);
+    EXPECT_EQ(anew.items(Row::Phones)->count(), 5) << "three numbers, the new one, the free one";
+}
+
 TEST_F(PeopleForms, AreSavedOnlyWithANameAndAWholePicture)
 {
     ContactForm fresh;

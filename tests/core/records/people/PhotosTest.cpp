@@ -3,6 +3,8 @@
 #include "cloud/IcloudManager.h"
 #include "records/people/CompanyForm.h"
 #include "records/people/ContactForm.h"
+#include "records/people/ContactRemoval.h"
+#include "records/people/LoosePictures.h"
 #include "support/FullDisk.h"
 
 namespace {
@@ -77,27 +79,68 @@ TEST_F(Photos, AreWrittenOnlyWhenTheRecordIsSaved)
     EXPECT_EQ(form.contact()->photoName(), QString());
 }
 
-TEST_F(Photos, StayWithTheirOnlyHolderAndGoFromSeveral)
+TEST_F(Photos, ComeBackWithUndo)
 {
-    const ContactPtr only = contactWith(png("face"));
-    const FrozenClock later(localDate(2026, 11, 21, 10));
-    ContactForm edit(only);
+    const ContactPtr ann = contactWith(png("face"));
+    ContactForm edit(ann);
     EXPECT_EQ(edit.photo.pictureData(), png("face"));
+    const FrozenClock later(localDate(2026, 11, 21, 10));
     edit.photo.dropPicture(png("new face"));
-    EXPECT_FALSE(edit.photo.deleteOldPhoto());
     edit.clickButtonSave();
-    EXPECT_EQ(only->photoName(), u"21-11-2026 10:00:00.png"_qs);
-    EXPECT_EQ(files().size(), 2) << "The earlier picture of its only holder stays";
-
-    const ContactPtr second = contactWith(png("new face"));
-    ContactForm removal(second);
+    EXPECT_EQ(picture(*ann), png("new face"));
+    ContactForm removal(ann);
     removal.photo.removePicture();
-    EXPECT_TRUE(removal.photo.deleteOldPhoto());
-    EXPECT_EQ(files().size(), 2);
     removal.clickButtonSave();
-    EXPECT_EQ(files(), QStringList(nameOfNow)) << "One that two contacts hold goes";
-    EXPECT_EQ(second->photoName(), QString());
-    EXPECT_EQ(picture(*only), QByteArray());
+    EXPECT_EQ(picture(*ann), QByteArray());
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(picture(*ann), png("new face"));
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(picture(*ann), png("face"));
+    ScriptedAlerts alerts({Alert::firstButton});
+    const QString identifier = ann->identifier();
+    ContactRemoval::remove({ann}, [] {});
+    ASSERT_EQ(context().count(EntityContacts::fetchRequest()), 0);
+    ASSERT_FALSE(context().undo());
+    const auto again = context().fetchFirst<EntityContacts>(EntityContacts::fetchRequest());
+    ASSERT_TRUE(again);
+    EXPECT_EQ(picture(*again), png("face"));
+}
+
+TEST_F(Photos, GoWhenNoUndoReachesThemAndNobodyHoldsThem)
+{
+    const ContactPtr first = contactWith(png("face"));
+    const ContactPtr second = contactWith(png("face"));
+    CompanyForm company;
+    company.values.title = u"Works"_qs;
+    company.photo.dropPicture(png("face"));
+    company.clickButtonSave();
+    const auto letGo = [](auto form) {
+        form->photo.removePicture();
+        form->clickButtonSave();
+        LoosePictures::sweep();
+    };
+    const auto daysLater = [](int days) { return localDate(2026, 11, 21, 10) + std::chrono::days(days); };
+    letGo(std::make_unique<ContactForm>(first));
+    {
+        const FrozenClock later(daysLater(100));
+        LoosePictures::sweep();
+        EXPECT_EQ(files(), QStringList(nameOfNow)) << "a contact and a company hold it";
+        letGo(std::make_unique<ContactForm>(second));
+    }
+    {
+        const FrozenClock later(daysLater(200));
+        LoosePictures::sweep();
+        EXPECT_EQ(files(), QStringList(nameOfNow)) << "a company holds it";
+        letGo(std::make_unique<CompanyForm>(company.company()));
+    }
+    {
+        const FrozenClock later(daysLater(280));
+        LoosePictures::sweep();
+        EXPECT_EQ(files(), QStringList(nameOfNow)) << "undo can bring it back";
+    }
+    const FrozenClock later(daysLater(300));
+    LoosePictures::sweep();
+    EXPECT_EQ(files(), QStringList());
 }
 
 TEST_F(Photos, StayWhenTheSamePictureIsDroppedAgain)
@@ -116,11 +159,6 @@ TEST_F(Photos, OfCompaniesTakeTheSameSteps)
     form.photo.dropPicture(png("logo"));
     form.clickButtonSave();
     EXPECT_EQ(form.company()->photoName(), nameOfNow);
-    CompanyForm edit(form.company());
-    edit.photo.removePicture();
-    EXPECT_TRUE(edit.photo.deleteOldPhoto()) << "No contact holds it";
-    edit.clickButtonSave();
-    EXPECT_EQ(files(), QStringList());
 }
 
 TEST_F(Photos, DoNoHarmWhenTheirFileIsMissingOrCannotBeWritten)
@@ -141,17 +179,6 @@ TEST_F(Photos, DoNoHarmWhenTheirFileIsMissingOrCannotBeWritten)
     EXPECT_EQ(edit.contact()->photoName(), nameOfNow);
     EXPECT_EQ(files(), QStringList());
     EXPECT_EQ(ContactForm(edit.contact()).photo.pictureData(), QByteArray());
-}
-
-TEST_F(Photos, GoWithTheLastContactThatHoldsThem)
-{
-    const ContactPtr first = contactWith(png("face"));
-    const ContactPtr second = contactWith(png("face"));
-    EXPECT_FALSE(PhotoEdit::removePictureWith(*first));
-    context().deleteObject(first);
-    EXPECT_EQ(picture(*second), png("face"));
-    EXPECT_TRUE(PhotoEdit::removePictureWith(*second));
-    EXPECT_EQ(files(), QStringList());
 }
 
 /// The name of the file says what is in it.

@@ -1,0 +1,72 @@
+#include "records/ImportTasks.h"
+
+#include "foundation/Alert.h"
+#include "foundation/Localization.h"
+#include "records/exchange/TaskImport.h"
+#include "widgets/LongWork.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QStandardPaths>
+#include <QUrl>
+
+using namespace Qt::Literals::StringLiterals;
+
+static bool isCalendarFile(const QString &path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == u"ics" || suffix == u"ical";
+}
+
+void ImportTasks::run(QWidget &window)
+{
+    auto *dialog = new QFileDialog(&window, localized(u"Import"_s),
+                                   QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    dialog->setNameFilters(
+        {localized(u"Calendar files"_s) + u" (*.ics *.ICS *.ical)"_s, localized(u"All files"_s) + u" (*)"_s});
+    QObject::connect(dialog, &QFileDialog::filesSelected, dialog, &ImportTasks::openFiles);
+    dialog->open();
+}
+
+/// Other things than files, such as pipes, may keep their reader waiting for ever.
+static void addPath(TaskImport &import, const QString &path)
+{
+    const QString name = QFileInfo(path).fileName();
+    QFile file(path);
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+        import.addUnreadable(name, localized(u"it is no file"_s));
+    else if (!file.open(QIODevice::ReadOnly))
+        import.addUnreadable(name, file.errorString());
+    else
+        import.addFile(file, name);
+}
+
+void ImportTasks::openFiles(const QStringList &paths)
+{
+    TaskImportAccount account;
+    {
+        TaskImport import;
+        for (const QString &path : paths)
+            addPath(import, path);
+        LongWork work(import.count(), localized(u"Importing the tasks"_s));
+        account = import.import([&work] { return work.step(); });
+    }
+    if (!account.isSaved)
+        return;
+    const QStringList sentences = account.sentences();
+    Alert::run(
+        {localized(u"Import"_s), sentences.first(), sentences.mid(1).join(u'\n'), {localized(u"OK"_s)}});
+}
+
+QStringList ImportTasks::filesIn(const QMimeData &data)
+{
+    QStringList paths;
+    for (const QUrl &url : data.urls())
+        if (url.isLocalFile() && isCalendarFile(url.toLocalFile()))
+            paths.append(url.toLocalFile());
+    return paths;
+}
