@@ -1,0 +1,235 @@
+#include "replication/Replica.h"
+#include "replication/ReplicaBooks.h"
+#include "replication/RowLedger.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+
+// What a replica writes down for the others.
+
+namespace replication {
+
+std::vector<Replica::Outgoing> Replica::outgoing(qsizetype mostBytes) const
+{
+    std::vector<Outgoing> list;
+    qsizetype size = 0;
+    sqlite::Statement waiting =
+        database.prepare("SELECT number, bytes FROM ObjectStoreOutgoing WHERE isSent = 0 ORDER BY number");
+    while (size < mostBytes && waiting.step()) {
+        list.push_back({waiting.integer(0), waiting.blob(1)});
+        size += list.back().bytes.size();
+    }
+    return list;
+}
+
+int Replica::unsentCount() const
+{
+    return static_cast<int>(
+        database.queryInteger("SELECT COUNT(*) FROM ObjectStoreOutgoing WHERE isSent = 0"));
+}
+
+std::optional<QByteArray> Replica::sent(qint64 number) const
+{
+    sqlite::Statement found = database.prepare("SELECT bytes FROM ObjectStoreOutgoing WHERE number = ?");
+    return found.bind(number).step() ? std::optional(found.blob(0)) : std::nullopt;
+}
+
+OptionalError Replica::markSent(qint64 number)
+{
+    sqlite::Statement statement =
+        database.prepare("UPDATE ObjectStoreOutgoing SET isSent = 1 WHERE number = ?");
+    return bookResult(database, statement.bind(number).run());
+}
+
+OptionalError Replica::markUnsent(qint64 number)
+{
+    sqlite::Statement statement =
+        database.prepare("UPDATE ObjectStoreOutgoing SET isSent = 0 WHERE number = ?");
+    return bookResult(database, statement.bind(number).run());
+}
+
+Result<QByteArray> Replica::capturedChangeset() const
+{
+    int size = 0;
+    void *bytes = nullptr;
+    const int code = sqlite3session_changeset(session.get(), &size, &bytes);
+    const QByteArray changeset(static_cast<const char *>(bytes), size);
+    sqlite3_free(bytes);
+    if (code != SQLITE_OK)
+        return sqlite::error(code, QStringLiteral("Cannot tell what was changed"));
+    return changeset;
+}
+
+void Replica::transactionBegan(sqlite::Database &)
+{
+    if (isTakingIn)
+        return;
+    sqlite3_session *started = nullptr;
+    if (sqlite3session_create(database.handle(), "main", &started) != SQLITE_OK)
+        return;
+    session.reset(started);
+    sqlite3session_table_filter(
+        started,
+        [](void *self, const char *table) {
+            const EntityDescription *entity = static_cast<Replica *>(self)->model.entityOfTable(table);
+            return entity && !entity->isDerived() ? 1 : 0;
+        },
+        this);
+    sqlite3session_attach(started, nullptr);
+}
+
+void Replica::transactionEnded()
+{
+    session.reset();
+    if (database.isAutocommit() && pending) {
+        // Whether it was committed is known to the store alone.
+        sqlite::Statement stored =
+            database.prepare("SELECT number FROM ObjectStoreReplicas WHERE device = ?");
+        const bool isCommitted =
+            stored.bind(QString::fromUtf8(own.device)).step() && (stored.integer(0) == pending->dot.number);
+        if (isCommitted) {
+            own = pending->dot;
+            clock = pending->clock;
+            known = std::move(pending->known);
+            unsettled.merge(pending->unsettled);
+        }
+    }
+    pending.reset();
+}
+
+qint64 Replica::nextTime() const
+{
+    return std::max(wallTime(), clock + 1);
+}
+
+OptionalError Replica::willCommit(sqlite::Database &)
+{
+    if (!session)
+        return std::nullopt;
+    auto captured = capturedChangeset();
+    if (!captured)
+        return captured.error();
+    const QByteArray &changeset = captured.value();
+    if (changeset.isEmpty() && !pending)
+        return std::nullopt;
+    if (!pending) {
+        pending = Pending{{own.device, own.number + 1}, nextTime(), known, {}};
+        pending->known.add(own.device, pending->dot.number);
+    }
+    ChangeFile file = fileOf(changeset, pending->clock, pending->dot);
+    auto deltas = file.deltas(model);
+    if (!deltas)
+        return Error{QStringLiteral("replication"), 0, QStringLiteral("Cannot read what was changed")};
+    file.touched = touchedBy(*deltas);
+    deltas = file.deltas(model);
+    if (auto error = writeBooks(*deltas))
+        return error;
+    if (auto error = addOutgoing(file))
+        return error;
+    return writeOwn(pending->dot.number, pending->clock, pending->known);
+}
+
+TableColumns Replica::columnsOfTables()
+{
+    if (!columns.empty())
+        return columns;
+    const auto add = [this](const QByteArray &table) {
+        sqlite::Statement statement = database.prepare("PRAGMA table_info(\"" + table + "\")");
+        while (statement.step())
+            columns[table].push_back(statement.text(1).toUtf8());
+    };
+    for (const EntityDescription &entity : model.entities()) {
+        if (entity.isDerived())
+            continue;
+        add(entity.table());
+        for (const RelationshipDescription &one : entity.relationships()) {
+            if (one.cardinality == Cardinality::ToManyOwningJoin)
+                add(model.joinTable(entity, one).table);
+        }
+    }
+    return columns;
+}
+
+/// The values stand in their tables already; the books follow.
+OptionalError Replica::writeBooks(const std::vector<RowDelta> &deltas)
+{
+    RowLedger ledger(database);
+    for (const RowDelta &delta : deltas) {
+        const RowKey &key = delta.key;
+        ledger.join(delta);
+        if (!delta.deletions.empty()) {
+            for (const auto &[column, value] : delta.formerValues) {
+                // A name that waited for its row says more than the empty column.
+                if (!ledger.row(key).parked.contains(column))
+                    ledger.park(key, column, value);
+            }
+            continue;
+        }
+        if (delta.base.time > 0) {
+            ledger.unparkAll(key);
+            pending->unsettled.insert(key);
+        }
+        for (const auto &[column, cell] : delta.cells)
+            ledger.unpark(key, column);
+        for (const auto &[column, value] : delta.lostReferences)
+            ledger.park(key, column, value);
+    }
+    if (!ledger.write())
+        return bookFailure(database);
+    // Only those for which something waits are looked at again.
+    std::erase_if(pending->unsettled,
+                  [&ledger](const RowKey &key) { return ledger.placesOf(key.id).empty(); });
+    return std::nullopt;
+}
+
+/// Who changes a detail of a record, or what is linked to it, means the record.
+std::vector<RowKey> Replica::touchedBy(const std::vector<RowDelta> &deltas)
+{
+    std::set<RowKey> touched;
+    std::set<RowKey> deleted;
+    for (const RowDelta &delta : deltas) {
+        if (!delta.deletions.empty())
+            deleted.insert(delta.key);
+        const EntityDescription *entity = model.entityOfTable(delta.key.table.toStdString());
+        if (entity->table() != delta.key.table) {
+            touched.insert({entity->table(), delta.key.id.section(u'/', 0, 0)});
+            continue;
+        }
+        if (!delta.deletions.empty() || delta.events.isEmpty())
+            continue;
+        for (const RelationshipDescription &one : entity->relationships()) {
+            const EntityDescription &target = model.destinationOf(one);
+            const RelationshipDescription *inverse = target.relationship(one.inverse);
+            if (one.cardinality != Cardinality::ToOne || inverse->deleteRule != DeleteRule::Cascade)
+                continue;
+            const QByteArray column(one.name.data(), static_cast<qsizetype>(one.name.size()));
+            sqlite::Statement owner = database.prepare("SELECT \"" + column + "\" FROM \"" + entity->table() +
+                                                       "\" WHERE \"id\" = ?");
+            if (owner.bind(delta.key.id).step() && !owner.isNull(0))
+                touched.insert({target.table(), owner.text(0)});
+        }
+    }
+    std::vector<RowKey> list;
+    std::ranges::set_difference(touched, deleted, std::back_inserter(list));
+    return list;
+}
+
+OptionalError Replica::addOutgoing(const ChangeFile &file)
+{
+    sqlite::Statement added =
+        database.prepare("INSERT OR REPLACE INTO ObjectStoreOutgoing (number, bytes) VALUES (?, ?)");
+    return bookResult(database, added.bind(file.dot.number).bindBlob(file.toBytes()).run());
+}
+
+ChangeFile Replica::fileOf(const QByteArray &changeset, qint64 time, const Dot &dot)
+{
+    ChangeFile file{model.version(), dot, time, known, name, {}, changeset};
+    for (const auto &[table, list] : columnsOfTables()) {
+        if (changeset.contains(table))
+            file.tables[table] = list;
+    }
+    return file;
+}
+
+} // namespace replication
