@@ -60,13 +60,26 @@ OptionalError Replica::load(const QByteArray &machine)
             "ObjectStoreOutgoing (number) WHERE isSent "
             "= 0;"))
         return error;
-    sqlite::Statement all = database.prepare("SELECT device, number, time, machine FROM ObjectStoreReplicas");
+    for (const char *column : {"wall", "heard", "untold", "untoldSince"}) {
+        const QByteArray count =
+            "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreReplicas') WHERE name = '";
+        if (database.queryInteger(count + column + '\'') > 0)
+            continue;
+        if (auto error = database.execute(QByteArray("ALTER TABLE ObjectStoreReplicas ADD COLUMN ") + column +
+                                          " INTEGER NOT NULL DEFAULT 0"))
+            return error;
+    }
+    sqlite::Statement all = database.prepare(
+        "SELECT device, number, time, machine, untold, untoldSince FROM ObjectStoreReplicas");
     while (all.step()) {
         const DeviceId device = all.text(0).toUtf8();
         known.add(device, all.integer(1));
-        clock = std::max(clock, all.integer(2));
-        if (!all.isNull(3) && all.text(3).toUtf8() == machine)
-            own = {device, all.integer(1)};
+        clock = std::max(clock, believed(all.integer(2)));
+        if (all.isNull(3) || all.text(3).toUtf8() != machine)
+            continue;
+        own = {device, all.integer(1)};
+        untold = static_cast<int>(all.integer(4));
+        untoldSince = all.integer(5);
     }
     all.reset();
     // Names that wait for rows that have come since, if the program was ended in between.
@@ -152,8 +165,10 @@ OptionalError Replica::addPresentRows(const Stamp &stamp)
 OptionalError Replica::writeOwn(qint64 number, qint64 time, const VersionVector &seen) const
 {
     sqlite::Statement statement = database.prepare(
-        "UPDATE ObjectStoreReplicas SET name = ?, number = ?, time = ?, seen = ? WHERE device = ?");
+        "UPDATE ObjectStoreReplicas SET name = ?, number = ?, time = ?, seen = ?, wall = ?, untold = ?, "
+        "untoldSince = ? WHERE device = ?");
     statement.bind(name).bind(number).bind(time).bind(QString::fromUtf8(seen.text()));
+    statement.bind(wallMilliseconds()).bind(qint64(untold)).bind(untoldSince);
     return bookResult(database, statement.bind(QString::fromUtf8(own.device)).run());
 }
 
@@ -170,14 +185,19 @@ OptionalError Replica::becomeAnother()
 std::vector<Device> Replica::devices() const
 {
     std::vector<Device> list;
-    sqlite::Statement all =
-        database.prepare("SELECT device, name, number, time, seen FROM ObjectStoreReplicas ORDER BY device");
+    sqlite::Statement all = database.prepare(
+        "SELECT device, name, number, time, seen, wall, heard FROM ObjectStoreReplicas ORDER BY device");
     while (all.step()) {
-        Device device{.id = all.text(0).toUtf8(), .name = all.text(1), .lastSave = {}, .seen = {}};
+        Device device{
+            .id = all.text(0).toUtf8(), .name = all.text(1), .lastSave = {}, .heard = {}, .seen = {}};
         device.isOwn = device.id == own.device;
         device.number = all.integer(2);
-        if (all.integer(3) > 0)
-            device.lastSave = dateOfTime(all.integer(3));
+        const qint64 wall = all.integer(5) > 0 ? all.integer(5) : all.integer(3) >> countBits;
+        if (wall > 0 && device.number > 0)
+            device.lastSave = dateOfMilliseconds(wall);
+        if (all.integer(6) > 0)
+            device.heard = dateOfMilliseconds(all.integer(6));
+        device.isClockAhead = !device.isOwn && wall > wallMilliseconds() + millisecondsADay;
         device.seen = device.isOwn ? known : VersionVector::fromText(all.text(4).toUtf8());
         list.push_back(std::move(device));
     }

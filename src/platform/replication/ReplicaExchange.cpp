@@ -191,6 +191,10 @@ void ReplicaExchange::startRound()
         return;
     }
     wantsAnother = false;
+    if (hasCheckedOwnFiles && replica.isFree() && replica.owesAcknowledgement()) {
+        if (const auto error = replica.acknowledge())
+            Log::line(error->message);
+    }
     auto round = std::make_shared<Round>(Round{folder, replica.device(), {}, replica.seen(), {}});
     // Before it writes, it must know that nobody else writes under its name.
     round->listsOwn = !hasCheckedOwnFiles;
@@ -309,6 +313,8 @@ void ReplicaExchange::takeInSome()
     tell();
     if (waiting.size() < before && !waiting.empty())
         again(Seconds(0));
+    else if (replica.owesAcknowledgement())
+        lookSoon();
 }
 
 /// Folders of devices that came since are watched, too.

@@ -96,11 +96,29 @@ void Replica::transactionEnded()
         }
     }
     pending.reset();
+    kept.clear();
 }
 
 qint64 Replica::nextTime() const
 {
     return std::max(wallTime(), clock + 1);
+}
+
+/// Whoever writes a value after having seen another one wins against it, however far ahead the clock of that
+/// one was.
+qint64 Replica::timeBeyond(RowLedger &ledger, const std::vector<RowDelta> &deltas, qint64 time) const
+{
+    for (const RowDelta &delta : deltas) {
+        const RowState &state = ledger.row(delta.key).state;
+        if (delta.base.time > 0) {
+            time = std::max(time, state.base.time + 1);
+            for (const auto &[column, stamp] : state.cells)
+                time = std::max(time, stamp.time + 1);
+        }
+        for (const auto &[column, cell] : delta.cells)
+            time = std::max(time, state.stampOf(column).time + 1);
+    }
+    return time;
 }
 
 OptionalError Replica::willCommit(sqlite::Database &)
@@ -118,16 +136,57 @@ OptionalError Replica::willCommit(sqlite::Database &)
         pending->known.add(own.device, pending->dot.number);
     }
     ChangeFile file = fileOf(changeset, pending->clock, pending->dot);
-    auto deltas = file.deltas(model);
-    if (!deltas)
+    std::vector<RowDelta> deltas;
+    if (!readChangeset(changeset, file.tables, model, {file.time, own.device}, file.dot, file.seen, deltas))
         return Error{QStringLiteral("replication"), 0, QStringLiteral("Cannot read what was changed")};
-    file.touched = touchedBy(*deltas);
-    deltas = file.deltas(model);
-    if (auto error = writeBooks(*deltas))
+    file.touched = touchedBy(deltas);
+    file.addTouched(model, deltas);
+    RowLedger ledger(database);
+    file.time = timeBeyond(ledger, deltas, file.time);
+    for (RowDelta &delta : deltas) {
+        if (delta.base.time > 0)
+            delta.base.time = file.time;
+        for (auto &[column, cell] : delta.cells)
+            cell.stamp.time = file.time;
+    }
+    if (auto error = writeBooks(ledger, deltas))
         return error;
     if (auto error = addOutgoing(file))
         return error;
+    untold = 0;
     return writeOwn(pending->dot.number, pending->clock, pending->known);
+}
+
+bool Replica::owesAcknowledgement() const
+{
+    constexpr int most = 50;
+    return untold >= most || (untold > 0 && wallMilliseconds() >= untoldSince + millisecondsADay);
+}
+
+OptionalError Replica::acknowledge()
+{
+    const Dot dot{own.device, own.number + 1};
+    const ChangeFile file = fileOf({}, nextTime(), dot);
+    VersionVector seen = known;
+    seen.add(dot.device, dot.number);
+    if (auto error = database.execute("BEGIN IMMEDIATE"))
+        return error;
+    const int formerlyUntold = std::exchange(untold, 0);
+    OptionalError error = addOutgoing(file);
+    if (!error)
+        error = writeOwn(dot.number, file.time, seen);
+    if (!error)
+        error = database.execute("COMMIT");
+    if (error) {
+        untold = formerlyUntold;
+        if (!database.isAutocommit())
+            database.rollBack();
+        return error;
+    }
+    own = dot;
+    clock = file.time;
+    known = seen;
+    return std::nullopt;
 }
 
 TableColumns Replica::columnsOfTables()
@@ -152,9 +211,8 @@ TableColumns Replica::columnsOfTables()
 }
 
 /// The values stand in their tables already; the books follow.
-OptionalError Replica::writeBooks(const std::vector<RowDelta> &deltas)
+OptionalError Replica::writeBooks(RowLedger &ledger, const std::vector<RowDelta> &deltas)
 {
-    RowLedger ledger(database);
     for (const RowDelta &delta : deltas) {
         const RowKey &key = delta.key;
         ledger.join(delta);
@@ -186,7 +244,7 @@ OptionalError Replica::writeBooks(const std::vector<RowDelta> &deltas)
 /// Who changes a detail of a record, or what is linked to it, means the record.
 std::vector<RowKey> Replica::touchedBy(const std::vector<RowDelta> &deltas)
 {
-    std::set<RowKey> touched;
+    std::set<RowKey> touched = kept;
     std::set<RowKey> deleted;
     for (const RowDelta &delta : deltas) {
         if (!delta.deletions.empty())
@@ -224,7 +282,7 @@ OptionalError Replica::addOutgoing(const ChangeFile &file)
 
 ChangeFile Replica::fileOf(const QByteArray &changeset, qint64 time, const Dot &dot)
 {
-    ChangeFile file{model.version(), dot, time, known, name, {}, changeset};
+    ChangeFile file{model.version(), dot, time, wallMilliseconds(), known, name, {}, changeset};
     for (const auto &[table, list] : columnsOfTables()) {
         if (changeset.contains(table))
             file.tables[table] = list;

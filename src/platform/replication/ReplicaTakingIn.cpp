@@ -1,6 +1,7 @@
 #include "replication/Replica.h"
 #include "replication/ReplicaBooks.h"
 #include "replication/RowMerge.h"
+#include "replication/SnapshotMerge.h"
 
 #include <QScopedValueRollback>
 
@@ -19,18 +20,24 @@ bool Replica::isReady(const ChangeFile &file) const
 OptionalError Replica::noteDevice(const ChangeFile &file)
 {
     sqlite::Statement statement = database.prepare(
-        "INSERT INTO ObjectStoreReplicas (device, name, number, time, seen) VALUES (?1, ?2, ?3, ?4, ?5) ON "
-        "CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = MAX(time, ?4), seen = ?5");
+        "INSERT INTO ObjectStoreReplicas (device, name, number, time, seen, wall, heard) VALUES (?1, ?2, ?3, "
+        "?4, ?5, ?6, ?7) ON CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = MAX(time, ?4), "
+        "seen = ?5, wall = ?6, heard = ?7");
     VersionVector its = file.seen;
     its.add(file.dot.device, file.dot.number);
     statement.bind(QString::fromUtf8(file.dot.device)).bind(file.deviceName).bind(file.dot.number);
-    return bookResult(database, statement.bind(file.time).bind(QString::fromUtf8(its.text())).run());
+    return bookResult(database, statement.bind(file.time)
+                                    .bind(QString::fromUtf8(its.text()))
+                                    .bind(file.wall)
+                                    .bind(wallMilliseconds())
+                                    .run());
 }
 
 Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostChanges)
 {
     const VersionVector before = known;
     const qint64 clockBefore = clock;
+    const int untoldBefore = untold;
     std::deque<ChangeFile> rest = waiting;
     const QScopedValueRollback guard(isTakingIn, true);
     auto changes = context.changeRows(
@@ -61,7 +68,9 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
                         return *error;
                     taken += static_cast<int>(deltas->size()) + 1;
                     known.add(file->dot.device, file->dot.number);
-                    clock = std::max(clock, file->time);
+                    clock = std::max(clock, believed(file->time));
+                    if (!deltas->empty() && untold++ == 0)
+                        untoldSince = wallMilliseconds();
                     isMoving = true;
                     file = rest.erase(file);
                 }
@@ -76,9 +85,88 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
     if (!changes) {
         known = before;
         clock = clockBefore;
+        untold = untoldBefore;
         return changes.error();
     }
     waiting = std::move(rest);
+    return changes;
+}
+
+/// What a snapshot knows of the devices.
+OptionalError Replica::joinDevices(const VersionVector &seen)
+{
+    sqlite::Statement all = database.prepare(
+        "SELECT device, name, number, time, seen, wall, heard FROM arriving.ObjectStoreReplicas");
+    while (all.step()) {
+        const DeviceId device = all.text(0).toUtf8();
+        if (device == own.device || all.integer(2) <= known.of(device))
+            continue;
+        sqlite::Statement statement = database.prepare(
+            "INSERT INTO main.ObjectStoreReplicas (device, name, number, time, seen, wall, heard) VALUES "
+            "(?1, "
+            "?2, ?3, ?4, ?5, ?6, ?7) ON CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = "
+            "MAX(time, ?4), seen = ?5, wall = ?6, heard = MAX(heard, ?7)");
+        statement.bind(all.text(0)).bind(all.text(1)).bind(all.integer(2)).bind(all.integer(3));
+        // Its own row says it when it is the maker's.
+        VersionVector its = VersionVector::fromText(all.text(4).toUtf8());
+        its.add(device, all.integer(2));
+        statement.bind(QString::fromUtf8(its.text())).bind(all.integer(5));
+        const qint64 heard = all.integer(6) > 0 ? all.integer(6) : all.integer(5);
+        if (!statement.bind(std::min(heard, wallMilliseconds())).run())
+            return bookFailure(database);
+        clock = std::max(clock, believed(all.integer(3)));
+    }
+    known.add(seen);
+    constexpr int many = 1000;
+    untold += many;
+    untoldSince = untoldSince > 0 ? untoldSince : wallMilliseconds();
+    return writeOwn();
+}
+
+Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVector &seen)
+{
+    if (!context.isFree())
+        return Error{QStringLiteral("store"), 0, QStringLiteral("The store is being changed")};
+    sqlite::Statement attached = database.prepare("ATTACH ? AS arriving");
+    if (!attached.bind(databasePath).run())
+        return bookFailure(database);
+    attached.reset();
+    const VersionVector before = known;
+    const qint64 clockBefore = clock;
+    const int untoldBefore = untold;
+    std::vector<RowKey> ownRows;
+    const QScopedValueRollback guard(isTakingIn, true);
+    OptionalError unenforced =
+        database.execute("PRAGMA arriving.synchronous = OFF; PRAGMA foreign_keys = OFF");
+    auto changes =
+        unenforced
+            ? Result<StoreChanges>(*unenforced)
+            : context.changeManyRows(
+                  [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
+                      SnapshotMerge merge(database, model, nextRow);
+                      auto applied = merge.run();
+                      if (!applied)
+                          return applied;
+                      if (auto error = joinDevices(seen))
+                          return *error;
+                      ownRows = merge.ownRows();
+                      return applied;
+                  });
+    if (!changes) {
+        known = before;
+        clock = clockBefore;
+        untold = untoldBefore;
+    }
+    if (auto error = database.execute("PRAGMA foreign_keys = ON"))
+        return *error;
+    // Whatever stays attached is detached with the connection.
+    database.execute("DETACH arriving").ignore();
+    if (!changes)
+        return changes;
+    for (const RowKey &key : ownRows) {
+        if (const ObjectPtr object = context.object(key.table.toStdString(), key.id))
+            changes.value().inserted.push_back(object);
+    }
     return changes;
 }
 
