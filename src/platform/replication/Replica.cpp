@@ -60,7 +60,7 @@ OptionalError Replica::load(const QByteArray &machine)
             "ObjectStoreOutgoing (number) WHERE isSent "
             "= 0;"))
         return error;
-    for (const char *column : {"wall", "heard", "untold", "untoldSince"}) {
+    for (const char *column : {"wall", "heard", "untold", "untoldSince", "cleared"}) {
         const QByteArray count =
             "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreReplicas') WHERE name = '";
         if (database.queryInteger(count + column + '\'') > 0)
@@ -70,7 +70,7 @@ OptionalError Replica::load(const QByteArray &machine)
             return error;
     }
     sqlite::Statement all = database.prepare(
-        "SELECT device, number, time, machine, untold, untoldSince FROM ObjectStoreReplicas");
+        "SELECT device, number, time, machine, untold, untoldSince, cleared FROM ObjectStoreReplicas");
     while (all.step()) {
         const DeviceId device = all.text(0).toUtf8();
         known.add(device, all.integer(1));
@@ -80,6 +80,7 @@ OptionalError Replica::load(const QByteArray &machine)
         own = {device, all.integer(1)};
         untold = static_cast<int>(all.integer(4));
         untoldSince = all.integer(5);
+        clearedUpTo = all.integer(6);
     }
     all.reset();
     // Names that wait for rows that have come since, if the program was ended in between.
@@ -96,6 +97,7 @@ OptionalError Replica::startAs(const QByteArray &machine)
     if (auto error = database.execute("ATTACH ':memory:' AS emptyStore; BEGIN IMMEDIATE"))
         return error;
     own = {newDevice(), 1};
+    clearedUpTo = 0;
     OptionalError error =
         bookResult(database, database.prepare("UPDATE ObjectStoreReplicas SET machine = NULL").run() &&
                                  // What a former device did not send yet is in the rows, and goes with them.

@@ -60,6 +60,11 @@ public:
     };
     /// In order, at most so many bytes but at least one save.
     std::vector<Outgoing> outgoing(qsizetype mostBytes) const;
+    /// Up to which number the saves of this device are in the folder no more, or never were, since a snapshot
+    /// stands for them.
+    qint64 cleared() const { return clearedUpTo; }
+    /// Forgets the saves up to a number. They cannot be sent again.
+    OptionalError clear(qint64 upTo);
     int unsentCount() const;
     /// Whether the store keeps a save of this device, so that it can be sent again.
     std::optional<QByteArray> sent(qint64 number) const;
@@ -84,6 +89,9 @@ public:
     bool isOfNewerVersion(const ChangeFile &file) const { return file.schema > model.version(); }
     /// Whether nothing is under way in the store that this would come between.
     bool isFree() const { return context.isFree(); }
+    const QString &storePath() const { return context.path(); }
+    const ManagedObjectModel &objectModel() const { return model; }
+    int schema() const { return model.version(); }
     /// Looks once more at rows that wait for others. For what a save of this device brought back.
     bool hasUnsettled() const { return !unsettled.empty(); }
     Result<StoreChanges> settle();
@@ -157,6 +165,7 @@ private:
     /// (milliseconds since 1970).
     int untold = 0;
     qint64 untoldSince = 0;
+    qint64 clearedUpTo = 0;
 
     /// What the open transaction will have brought when it ends.
     struct Pending

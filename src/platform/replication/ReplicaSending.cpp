@@ -35,6 +35,19 @@ std::optional<QByteArray> Replica::sent(qint64 number) const
     return found.bind(number).step() ? std::optional(found.blob(0)) : std::nullopt;
 }
 
+OptionalError Replica::clear(qint64 upTo)
+{
+    const QByteArray limit = QByteArray::number(upTo);
+    OptionalError error = database.execute(
+        "BEGIN IMMEDIATE; DELETE FROM ObjectStoreOutgoing WHERE number <= " + limit +
+        "; UPDATE ObjectStoreReplicas SET cleared = " + limit + " WHERE machine IS NOT NULL; COMMIT");
+    if (!error)
+        clearedUpTo = upTo;
+    else if (!database.isAutocommit())
+        database.rollBack();
+    return error;
+}
+
 OptionalError Replica::markSent(qint64 number)
 {
     sqlite::Statement statement =
