@@ -1,5 +1,6 @@
 #include "replication/Replica.h"
 
+#include "replication/ForeignWrites.h"
 #include "replication/ReplicaBooks.h"
 #include "replication/RowLedger.h"
 
@@ -83,6 +84,8 @@ OptionalError Replica::load(const QByteArray &machine)
         clearedUpTo = all.integer(6);
     }
     all.reset();
+    if (auto error = foreignwrites::prepare(database, model))
+        return error;
     // Names that wait for rows that have come since, if the program was ended in between.
     sqlite::Statement waiting =
         database.prepare("SELECT DISTINCT tbl, id FROM ObjectStoreParked LIMIT 10000");
@@ -98,10 +101,12 @@ OptionalError Replica::startAs(const QByteArray &machine)
         return error;
     own = {newDevice(), 1};
     clearedUpTo = 0;
-    OptionalError error =
-        bookResult(database, database.prepare("UPDATE ObjectStoreReplicas SET machine = NULL").run() &&
-                                 // What a former device did not send yet is in the rows, and goes with them.
-                                 database.prepare("DELETE FROM ObjectStoreOutgoing").run());
+    OptionalError error = foreignwrites::forget(database);
+    if (!error)
+        error = bookResult(database,
+                           database.prepare("UPDATE ObjectStoreReplicas SET machine = NULL").run() &&
+                               // What a former device did not send yet is in the rows, and goes with them.
+                               database.prepare("DELETE FROM ObjectStoreOutgoing").run());
     // A stamp before all others: whoever has changed a row since wins against a mere copy.
     const Stamp stamp{1, own.device};
     for (const EntityDescription &entity : model.entities()) {
@@ -121,7 +126,7 @@ OptionalError Replica::startAs(const QByteArray &machine)
                            added.bind(QString::fromUtf8(own.device)).bind(QString::fromUtf8(machine)).run());
     }
     if (!error)
-        error = addPresentRows(stamp);
+        error = hasManyRows() ? standFirstSaveInSnapshot() : addPresentRows(stamp);
     known.add(own.device, own.number);
     clock = std::max(clock, stamp.time);
     if (!error)
@@ -133,6 +138,23 @@ OptionalError Replica::startAs(const QByteArray &machine)
     // Without it nothing is lost but some memory.
     database.execute("DETACH emptyStore").ignore();
     return error;
+}
+
+/// More than that go into a snapshot rather than into a save.
+bool Replica::hasManyRows() const
+{
+    constexpr int most = 5000;
+    return database.prepare("SELECT 1 FROM ObjectStoreRowStates LIMIT 1 OFFSET " + QByteArray::number(most))
+        .step();
+}
+
+/// The first save counts as cleared, so that a snapshot is made which stands for it.
+OptionalError Replica::standFirstSaveInSnapshot()
+{
+    sqlite::Statement statement =
+        database.prepare("UPDATE ObjectStoreReplicas SET cleared = ? WHERE device = ?");
+    clearedUpTo = own.number;
+    return bookResult(database, statement.bind(clearedUpTo).bind(QString::fromUtf8(own.device)).run());
 }
 
 /// The rows that are there count as the first save; without any there is none.

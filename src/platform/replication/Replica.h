@@ -76,6 +76,10 @@ public:
     bool owesAcknowledgement() const;
     /// Tells it, with a save that changes nothing. The store must be free.
     OptionalError acknowledge();
+    /// Makes a save of what other programs have written into the store, as the next commit does, too. The
+    /// store must be free.
+    OptionalError saveForeignWrites();
+    bool hasForeignWrites() const;
     /// The next commit counts as a change of this row, even if it changes no value of it: a deletion by who
     /// did not know of it does not prevail. For a row that stays in the place of others.
     void keep(const RowKey &key) { kept.insert(key); }
@@ -135,6 +139,8 @@ private:
     OptionalError load(const QByteArray &machine);
     OptionalError startAs(const QByteArray &machine);
     OptionalError addPresentRows(const Stamp &stamp);
+    bool hasManyRows() const;
+    OptionalError standFirstSaveInSnapshot();
     Result<QByteArray> capturedChangeset() const;
     OptionalError writeOwn() const { return writeOwn(own.number, clock, known); }
     OptionalError writeOwn(qint64 number, qint64 time, const VersionVector &seen) const;

@@ -74,6 +74,10 @@ void ReplicaExchange::startRound()
         return;
     }
     wantsAnother = false;
+    if (replica.isFree()) {
+        if (const auto error = replica.saveForeignWrites())
+            Log::line(error->message);
+    }
     if (hasCheckedOwnFiles && replica.isFree() && replica.owesAcknowledgement()) {
         if (const auto error = replica.acknowledge())
             Log::line(error->message);

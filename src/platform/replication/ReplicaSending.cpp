@@ -1,3 +1,4 @@
+#include "replication/ForeignWrites.h"
 #include "replication/Replica.h"
 #include "replication/ReplicaBooks.h"
 #include "replication/RowLedger.h"
@@ -90,6 +91,9 @@ void Replica::transactionBegan(sqlite::Database &)
         },
         this);
     sqlite3session_attach(started, nullptr);
+    // A part of this commit, before anything else touches those rows.
+    if (hasForeignWrites())
+        foreignwrites::show(database, model, *started);
 }
 
 void Replica::transactionEnded()
@@ -168,6 +172,25 @@ OptionalError Replica::willCommit(sqlite::Database &)
         return error;
     untold = 0;
     return writeOwn(pending->dot.number, pending->clock, pending->known);
+}
+
+bool Replica::hasForeignWrites() const
+{
+    return foreignwrites::isAnyThere(database);
+}
+
+OptionalError Replica::saveForeignWrites()
+{
+    if (!hasForeignWrites())
+        return std::nullopt;
+    // Any commit tells of them, even one of nothing.
+    const auto changes = context.changeRows(
+        [this](sqlite::Database &, const RowNumbering &) -> Result<std::vector<AppliedChange>> {
+            if (hasForeignWrites())
+                return bookFailure(database);
+            return std::vector<AppliedChange>();
+        });
+    return changes ? OptionalError() : OptionalError(changes.error());
 }
 
 bool Replica::owesAcknowledgement() const

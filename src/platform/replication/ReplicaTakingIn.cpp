@@ -11,6 +11,12 @@
 
 namespace replication {
 
+/// Another program was quicker by a moment; the next look tries again.
+static Error foreignWritesWait()
+{
+    return {QStringLiteral("replication"), 0, QStringLiteral("Another program is writing to the store")};
+}
+
 bool Replica::isReady(const ChangeFile &file) const
 {
     return !isOfNewerVersion(file) && known.of(file.dot.device) + 1 == file.dot.number &&
@@ -35,6 +41,9 @@ OptionalError Replica::noteDevice(const ChangeFile &file)
 
 Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostChanges)
 {
+    // What other programs wrote before comes before.
+    if (auto error = saveForeignWrites())
+        return *error;
     const VersionVector before = known;
     const qint64 clockBefore = clock;
     const int untoldBefore = untold;
@@ -42,6 +51,8 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
     const QScopedValueRollback guard(isTakingIn, true);
     auto changes = context.changeRows(
         [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
+            if (hasForeignWrites())
+                return foreignWritesWait();
             RowMerge merge(database, model, nextRow);
             int taken = 0;
             bool isMoving = true;
@@ -127,6 +138,8 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
 {
     if (!context.isFree())
         return Error{QStringLiteral("store"), 0, QStringLiteral("The store is being changed")};
+    if (auto error = saveForeignWrites())
+        return *error;
     sqlite::Statement attached = database.prepare("ATTACH ? AS arriving");
     if (!attached.bind(databasePath).run())
         return bookFailure(database);
@@ -143,6 +156,8 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
             ? Result<StoreChanges>(*unenforced)
             : context.changeManyRows(
                   [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
+                      if (hasForeignWrites())
+                          return foreignWritesWait();
                       SnapshotMerge merge(database, model, nextRow);
                       auto applied = merge.run();
                       if (!applied)
@@ -172,6 +187,8 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
 
 Result<StoreChanges> Replica::settle()
 {
+    if (auto error = saveForeignWrites())
+        return *error;
     const QScopedValueRollback guard(isTakingIn, true);
     const std::set<RowKey> keys = std::exchange(unsettled, {});
     return context.changeRows(

@@ -81,6 +81,10 @@ public:
         ASSERT_TRUE(changes) << changes.error().message.toStdString();
         settle();
     }
+    void saveForeignWrites()
+    {
+        EXPECT_FALSE(opened->saveForeignWrites());
+    }
     size_t waitingCount() const { return waiting.size(); }
 
 private:

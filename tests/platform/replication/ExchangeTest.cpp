@@ -21,6 +21,32 @@ TEST_F(ExchangeTest, WhatIsSavedArrivesInBothDirections)
     EXPECT_EQ(one.exchange().health().devices.size(), 2u);
 }
 
+TEST_F(ExchangeTest, WhatOtherProgramsWriteIntoTheStoreArrivesToo)
+{
+    one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("Kim"); }));
+    one.stop();
+    one.library().open();
+    one.library().elsewhere(
+        "UPDATE Book SET pages = 7 WHERE title = 'Momo'; UPDATE Book SET pages = 8 WHERE "
+        "title = 'Momo'; DELETE FROM Book WHERE title = 'Emma'; INSERT INTO Label (id, name) "
+        "VALUES ('l', 'red'); INSERT INTO Book_labels SELECT id, 'l' FROM Book");
+    one.start();
+    EXPECT_TRUE(waitFor([this] { return !other.has("Emma"); }));
+    // While it runs, and over what the other one changes elsewhere in the row.
+    other.library().find("Kim")->setPages(3);
+    other.library().save();
+    one.library().elsewhere("UPDATE Book SET title = 'Kim Two' WHERE title = 'Kim'");
+    one.look();
+    other.look();
+    EXPECT_TRUE(
+        waitFor([this] { return other.has("Kim Two") && one.library().dump() == other.library().dump(); }));
+    EXPECT_EQ(other.library().find("Kim Two")->pages(), 3);
+    EXPECT_EQ(other.library().find("Momo")->pages(), 8);
+    EXPECT_EQ(other.library().find("Momo")->labels().size(), 1u);
+    EXPECT_EQ(one.library().ask(u"SELECT COUNT(*) FROM ObjectStoreFormer"_qs), QStringList(u"0"_qs));
+}
+
 TEST_F(ExchangeTest, FilesThatAreBrokenOrOfOthersAreToldOfAndTriedAgain)
 {
     const LogCapture log;

@@ -41,11 +41,15 @@ public:
                 EXPECT_FALSE(isRedo ? device.library()->redo() : device.library()->undo());
             } else if (oneIn(5))
                 changeTwins(device);
+            else if (oneIn(8))
+                changeElsewhere(device.library());
             else
                 change(device.library());
             if (oneIn(30)) {
                 EXPECT_FALSE(device.replica().acknowledge());
             }
+            if (oneIn(2))
+                device.saveForeignWrites();
             device.settle();
             exchange(number, oneIn(4));
             if (oneIn(15))
@@ -54,6 +58,8 @@ public:
                 join(number);
         }
         const FrozenClock clock(Date::fromReferenceSeconds(8e8 + now));
+        for (const auto &device : devices)
+            device->saveForeignWrites();
         for (int round = 0; round < 2; ++round) {
             for (size_t number = 0; number < devices.size(); ++number)
                 exchange(number, true);
@@ -138,6 +144,36 @@ private:
     }
 
     QString word() { return QString(QChar(u'a' + below(26))) + QString::number(below(100)); }
+
+    /// Another program writes, some of it twice or with nothing left of it.
+    void changeElsewhere(Library &library)
+    {
+        const QByteArray id = "elsewhere-" + QByteArray::number(below(12));
+        const QByteArray any = " WHERE id = (SELECT id FROM Book ORDER BY id LIMIT 1 OFFSET " +
+                               QByteArray::number(below(4)) + ");";
+        const QByteArray number = QByteArray::number(below(900));
+        QByteArray sql;
+        for (int count = 1 + below(3); count > 0; --count) {
+            switch (below(5)) {
+            case 0:
+                sql += "INSERT OR REPLACE INTO Book (id, title, shelf) VALUES ('" + id + "', 'e" + number +
+                       "', (SELECT MAX(id) FROM Shelf));";
+                break;
+            case 1:
+                sql += "UPDATE Book SET pages = " + number + any;
+                break;
+            case 2:
+                sql += "UPDATE Book SET title = 'e" + number + "', author = NULL" + any;
+                break;
+            case 3:
+                sql += "DELETE FROM Book_labels WHERE source = (SELECT MAX(source) FROM Book_labels);";
+                break;
+            default:
+                sql += "DELETE FROM Book" + any;
+            }
+        }
+        library.elsewhere("PRAGMA foreign_keys = ON;" + sql);
+    }
 
     /// One save with a few changes.
     void change(Library &library)
