@@ -57,9 +57,8 @@ OptionalError Replica::load(const QByteArray &machine)
             "PRIMARY KEY, bytes BLOB NOT NULL, "
             "isSent INTEGER NOT NULL DEFAULT 0);"
             "CREATE TABLE IF NOT EXISTS ObjectStoreWitnessed (item TEXT PRIMARY KEY NOT NULL) WITHOUT ROWID;"
-            "CREATE INDEX IF NOT EXISTS ObjectStoreOutgoing_waiting ON "
-            "ObjectStoreOutgoing (number) WHERE isSent "
-            "= 0;"))
+            // It cost each save a page; there are few saves at a time.
+            "DROP INDEX IF EXISTS ObjectStoreOutgoing_waiting;"))
         return error;
     for (const char *column : {"wall", "heard", "untold", "untoldSince", "cleared"}) {
         const QByteArray count =
@@ -78,8 +77,10 @@ OptionalError Replica::load(const QByteArray &machine)
         clock = std::max(clock, believed(all.integer(2)));
         if (all.isNull(3) || all.text(3).toUtf8() != machine)
             continue;
-        own = {device, all.integer(1)};
-        untold = static_cast<int>(all.integer(4));
+        own = {device, std::max(all.integer(1), lastOutgoing())};
+        known.add(device, own.number);
+        // A save since has told them.
+        untold = own.number > all.integer(1) ? 0 : static_cast<int>(all.integer(4));
         untoldSince = all.integer(5);
         clearedUpTo = all.integer(6);
     }
@@ -93,6 +94,13 @@ OptionalError Replica::load(const QByteArray &machine)
         unsettled.insert({waiting.text(0).toUtf8(), waiting.text(1)});
     waiting.reset();
     return own.device.isEmpty() ? startAs(machine) : OptionalError();
+}
+
+/// The number of a save stands in its own row only; that of the device follows when something else is
+/// written there.
+qint64 Replica::lastOutgoing() const
+{
+    return database.queryInteger("SELECT MAX(number) FROM ObjectStoreOutgoing");
 }
 
 OptionalError Replica::startAs(const QByteArray &machine)

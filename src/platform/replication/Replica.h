@@ -145,6 +145,7 @@ private:
     OptionalError writeOwn() const { return writeOwn(own.number, clock, known); }
     OptionalError writeOwn(qint64 number, qint64 time, const VersionVector &seen) const;
     qint64 nextTime() const;
+    qint64 lastOutgoing() const;
     TableColumns columnsOfTables();
     OptionalError writeBooks(RowLedger &ledger, const std::vector<RowDelta> &deltas);
     std::vector<RowKey> touchedBy(const std::vector<RowDelta> &deltas);

@@ -101,10 +101,7 @@ void Replica::transactionEnded()
     session.reset();
     if (database.isAutocommit() && pending) {
         // Whether it was committed is known to the store alone.
-        sqlite::Statement stored =
-            database.prepare("SELECT number FROM ObjectStoreReplicas WHERE device = ?");
-        const bool isCommitted =
-            stored.bind(QString::fromUtf8(own.device)).step() && (stored.integer(0) == pending->dot.number);
+        const bool isCommitted = lastOutgoing() == pending->dot.number;
         if (isCommitted) {
             own = pending->dot;
             clock = pending->clock;
@@ -168,10 +165,8 @@ OptionalError Replica::willCommit(sqlite::Database &)
     }
     if (auto error = writeBooks(ledger, deltas))
         return error;
-    if (auto error = addOutgoing(file))
-        return error;
     untold = 0;
-    return writeOwn(pending->dot.number, pending->clock, pending->known);
+    return addOutgoing(file);
 }
 
 bool Replica::hasForeignWrites() const

@@ -149,8 +149,10 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
     const int untoldBefore = untold;
     std::vector<RowKey> ownRows;
     const QScopedValueRollback guard(isTakingIn, true);
-    OptionalError unenforced =
-        database.execute("PRAGMA arriving.synchronous = OFF; PRAGMA foreign_keys = OFF");
+    // So many pages change that they would be written several times.
+    const QByteArray formerCache = QByteArray::number(database.queryInteger("PRAGMA main.cache_size"));
+    OptionalError unenforced = database.execute(
+        "PRAGMA arriving.synchronous = OFF; PRAGMA foreign_keys = OFF; PRAGMA main.cache_size = -262144");
     auto changes =
         unenforced
             ? Result<StoreChanges>(*unenforced)
@@ -172,7 +174,7 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
         clock = clockBefore;
         untold = untoldBefore;
     }
-    if (auto error = database.execute("PRAGMA foreign_keys = ON"))
+    if (auto error = database.execute("PRAGMA foreign_keys = ON; PRAGMA main.cache_size = " + formerCache))
         return *error;
     // Whatever stays attached is detached with the connection.
     database.execute("DETACH arriving").ignore();

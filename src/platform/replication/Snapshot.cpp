@@ -185,7 +185,11 @@ QByteArray extraction(const ManagedObjectModel &model)
         " main.ObjectStoreCellStamps;"
         "INSERT INTO copy.ObjectStoreParked SELECT tbl, id, col, value FROM main.ObjectStoreParked;"
         "INSERT INTO copy.ObjectStoreReplicas SELECT device, name, number, time, seen, wall, heard FROM"
-        " main.ObjectStoreReplicas;";
+        " main.ObjectStoreReplicas;"
+        // The number of the last save stands with the save.
+        "UPDATE copy.ObjectStoreReplicas SET number = MAX(number, (SELECT IFNULL(MAX(number), 0) FROM"
+        " main.ObjectStoreOutgoing)) WHERE device = (SELECT device FROM main.ObjectStoreReplicas WHERE"
+        " machine IS NOT NULL);";
     for (const QByteArray &table : tablesOf(model))
         sql += "CREATE TABLE copy." + quoted(table) + " AS SELECT * FROM main." + quoted(table) + ';';
     return sql;

@@ -23,6 +23,8 @@ public:
 private:
     bool findKnown();
     bool bringNewRows();
+    bool takeOffIndexes();
+    bool putOnIndexes();
     bool bringTable(const QByteArray &table, const QByteArray &key);
     bool bringBooks();
     bool setAsideDangling();
@@ -36,6 +38,8 @@ private:
     /// Rows that both know, with another state.
     std::vector<RowKey> differing;
     std::vector<RowKey> onlyHere;
+    /// What makes the indexes again that were taken off.
+    QByteArray indexes;
     /// Rows whose place is to be looked at once all have come.
     std::vector<RowKey> open;
 };
