@@ -62,7 +62,12 @@ Result<ChangeFile> ChangeFile::fromBytes(const QByteArray &bytes)
     const QByteArray content = bytes.mid(mark.size() + digestLength);
     if (QCryptographicHash::hash(content, QCryptographicHash::Sha256) != bytes.mid(mark.size(), digestLength))
         return unreadable("It is not complete");
-    const QCborMap map = QCborValue::fromCbor(content).toMap();
+    // What was read before an error is no map that can be asked.
+    QCborParserError parser;
+    const QCborValue value = QCborValue::fromCbor(content, &parser);
+    if (parser.error.c != QCborError::NoError)
+        return unreadable("It is damaged");
+    const QCborMap map = value.toMap();
     if (map.value(key::Format).toInteger() != formatVersion)
         return unreadable("It was written by another version of the program");
     ChangeFile file;

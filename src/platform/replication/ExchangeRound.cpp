@@ -163,6 +163,8 @@ void ExchangeRound::findSnapshots()
             head = Error{{}, 0, QStringLiteral("It is another save than its name says")};
         if (head && head->schema > schema)
             head = Error{{}, 0, QStringLiteral("It was written by a newer version of the program")};
+        if (head && !refused.isEmpty() && refused.contains(sizeMark(entry)))
+            head = Error{{}, 0, QStringLiteral("It is damaged")};
         if (head)
             snapshots.push_back({entry, *head});
         else if (entry.device == own)
@@ -191,6 +193,7 @@ void ExchangeRound::takeSnapshot()
                                      snapshotSealName({entry.device, entry.number}), arrivalPath);
         if (head) {
             arrived = *head;
+            arrivedMark = sizeMark(entry);
             return;
         }
         problems.push_back({entry.path, head.error().message});

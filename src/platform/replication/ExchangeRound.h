@@ -53,6 +53,8 @@ struct ExchangeRound
     std::shared_ptr<const Sealing> sealing = {};
     /// Snapshots that were read to their end before.
     QSet<QString> verified = {};
+    /// Snapshots that could not be taken in.
+    QSet<QString> refused = {};
 
     // What it finds.
     SealingStatus sealed = {};
@@ -67,6 +69,8 @@ struct ExchangeRound
     bool isMoreLeft = false;
     /// A snapshot that was unpacked for this device.
     std::optional<SnapshotHead> arrived = {};
+    /// Tells its file from others, also from another one of its name.
+    QString arrivedMark = {};
     /// Up to which number a save of this device is in a snapshot of the folder.
     qint64 ownCovered = 0;
     bool isSnapshotDue = false;

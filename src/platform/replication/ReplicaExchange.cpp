@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <array>
 
 namespace replication {
 
@@ -19,6 +20,15 @@ constexpr Seconds betweenLooks{60.0};
 constexpr Seconds untilFree{0.3};
 constexpr qsizetype mostBytesToSend = 8'000'000;
 constexpr int mostChangesAtOnce = 400;
+
+/// Whether what failed may succeed later: the disk is full, or the store is in use.
+bool isPassing(const Error &error)
+{
+    constexpr int resultBits = 0xff;
+    constexpr std::array codes = {5, 10, 13}; // SQLITE_BUSY, SQLITE_IOERR, SQLITE_FULL
+    return error.domain == u"store" || error.domain == u"replication" ||
+           (error.domain == u"sqlite" && std::ranges::find(codes, error.code & resultBits) != codes.end());
+}
 
 QByteArray keyMarkOf(const SealingStatus &sealed)
 {
@@ -99,6 +109,7 @@ void ReplicaExchange::startRound()
         round->arrivalPath = arrivalPath;
     round->sealing = sealing;
     round->verified = verified;
+    round->refused = refused;
     thread.start([this, round, alive = std::weak_ptr(living)] {
         round->run();
         MainLoop::performDelayed(Seconds(0), [this, round, alive] {
@@ -130,8 +141,10 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
         checkOwnFiles(round);
     for (ChangeFile &file : round.files)
         waiting.push_back(std::move(file));
-    if (round.arrived)
+    if (round.arrived) {
         arrived = std::move(round.arrived);
+        arrivedMark = round.arrivedMark;
+    }
     if (!round.listsOwn && hasExchanged)
         tidy(round);
     follow(round.watchedFolders);
@@ -227,12 +240,15 @@ void ReplicaExchange::takeInSome()
         const SnapshotHead head = *std::exchange(arrived, std::nullopt);
         const auto adopted = replica.adopt(arrivalPath, head.seen);
         QFile::remove(arrivalPath);
-        if (!adopted)
+        if (!adopted) {
             Log::line(adopted.error().message);
-        else
+            if (!isPassing(adopted.error()))
+                refused.insert(arrivedMark);
+        } else {
             takenIn(adopted.value());
-        // There may be nothing left to wait for.
-        lookSoon();
+            // There may be nothing left to wait for.
+            lookSoon();
+        }
     }
     const size_t before = waiting.size();
     const auto changes =

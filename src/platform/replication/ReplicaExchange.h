@@ -92,7 +92,9 @@ private:
     /// An unpacked snapshot that waits to be taken in, and where it does.
     std::optional<SnapshotHead> arrived;
     QString arrivalPath;
+    QString arrivedMark;
     QSet<QString> verified;
+    QSet<QString> refused;
     bool isMaking = false;
     bool isResting = false;
     bool isRoundDue = false;

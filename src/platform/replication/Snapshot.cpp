@@ -135,7 +135,11 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
     auto bytes = reader.read(0);
     if (!bytes)
         return bytes.error();
-    const QCborMap map = QCborValue::fromCbor(*bytes).toMap();
+    QCborParserError parser;
+    const QCborValue value = QCborValue::fromCbor(*bytes, &parser);
+    if (parser.error.c != QCborError::NoError)
+        return failure(QStringLiteral("It is damaged"));
+    const QCborMap map = value.toMap();
     if (map.value(headkey::Format).toInteger() != snapshotFormat)
         return failure(QStringLiteral("It was written by another version of the program"));
     HeadWithParts found;

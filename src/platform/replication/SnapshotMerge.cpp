@@ -47,7 +47,11 @@ Result<std::vector<AppliedChange>> SnapshotMerge::run()
         return database.lastError(QStringLiteral("Cannot take in a snapshot"));
     for (const RowKey &key : open)
         merge.settleLater(key);
-    return merge.finish();
+    auto applied = merge.finish();
+    // The books of a damaged one can name rows that it does not have.
+    if (applied && database.prepare("PRAGMA main.foreign_key_check").step())
+        return Error{QStringLiteral("snapshot"), 0, QStringLiteral("It is damaged")};
+    return applied;
 }
 
 bool SnapshotMerge::collect(const QByteArray &sql, std::vector<RowKey> &into)
