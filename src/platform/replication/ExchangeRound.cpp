@@ -42,11 +42,12 @@ OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed
 }
 
 OptionalError makeSnapshot(const ReplicaFolder &folder, const SealingStatus &sealed, const QString &storePath,
-                           const ManagedObjectModel &model, const DeviceId &own)
+                           const ManagedObjectModel &model, const DeviceId &own,
+                           const std::atomic<bool> &isCancelled)
 {
     const QString databasePath = storePath + QStringLiteral("-leaving");
     const auto remover = qScopeGuard([&databasePath] { QFile::remove(databasePath); });
-    auto head = snapshot::extract(storePath, model, databasePath);
+    auto head = snapshot::extract(storePath, model, databasePath, isCancelled);
     if (!head)
         return head.error();
     if (head->dot.device != own)

@@ -23,7 +23,8 @@ OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed
 /// Makes a snapshot of a store and puts it into the folder in the place of the former ones of this device.
 /// \param storePath of the store, which may be in use. What is made on the way lies beside it.
 OptionalError makeSnapshot(const ReplicaFolder &folder, const SealingStatus &sealed, const QString &storePath,
-                           const ManagedObjectModel &model, const DeviceId &own);
+                           const ManagedObjectModel &model, const DeviceId &own,
+                           const std::atomic<bool> &isCancelled);
 
 /// What one look at the folder does, and what it finds. It runs off the main thread, and knows nothing of the
 /// replica but what it was given.

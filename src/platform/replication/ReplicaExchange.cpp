@@ -60,6 +60,7 @@ ReplicaExchange::~ReplicaExchange()
 {
     living.reset();
     thread.waitForDone();
+    isEnding = true;
     maker.waitForDone();
 }
 
@@ -198,7 +199,7 @@ void ReplicaExchange::tidy(const ExchangeRound &round)
         return;
     maker.start([this, from = replica.storePath(), own = replica.device(), model = &replica.objectModel(),
                  to = folder, status = sealed, alive = std::weak_ptr(living)] {
-        const OptionalError error = makeSnapshot(to, status, from, *model, own);
+        const OptionalError error = makeSnapshot(to, status, from, *model, own, isEnding);
         MainLoop::performDelayed(Seconds(0), [this, error, alive] {
             if (!alive.lock())
                 return;

@@ -96,6 +96,8 @@ private:
     QSet<QString> verified;
     QSet<QString> refused;
     bool isMaking = false;
+    /// Whoever makes a snapshot stops then.
+    std::atomic<bool> isEnding = false;
     bool isResting = false;
     bool isRoundDue = false;
     bool isRunning = false;

@@ -13,6 +13,8 @@
 #include <QScopeGuard>
 #include <QtEndian>
 
+#include <sqlite3.h>
+
 namespace replication::snapshot {
 
 namespace {
@@ -202,7 +204,7 @@ QByteArray extraction(const ManagedObjectModel &model)
 } // namespace
 
 Result<SnapshotHead> extract(const QString &storePath, const ManagedObjectModel &model,
-                             const QString &databasePath)
+                             const QString &databasePath, const std::atomic<bool> &isCancelled)
 {
     // An empty file is an empty database, which the connection does not make by itself.
     QFile::remove(databasePath);
@@ -212,6 +214,11 @@ Result<SnapshotHead> extract(const QString &storePath, const ManagedObjectModel 
         return opened.error();
     sqlite::Database &database = **opened;
     database.setCheckpointAtEnd(false);
+    constexpr int stepsBetweenLooks = 10'000;
+    sqlite3_progress_handler(
+        database.handle(), stepsBetweenLooks,
+        [](void *cancelled) { return static_cast<const std::atomic<bool> *>(cancelled)->load() ? 1 : 0; },
+        const_cast<std::atomic<bool> *>(&isCancelled));
     sqlite::Statement attached = database.prepare("ATTACH ? AS copy");
     if (!attached.bind(databasePath).run())
         return database.lastError(QStringLiteral("Cannot make a snapshot"));

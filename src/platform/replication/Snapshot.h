@@ -4,6 +4,8 @@
 #include "replication/Sealing.h"
 #include "replication/Stamp.h"
 
+#include <atomic>
+
 class ManagedObjectModel;
 
 namespace replication {
@@ -29,8 +31,9 @@ namespace snapshot {
 
 /// Copies what belongs into a snapshot from a store, as its last commit left it, to a new database file.
 /// \param storePath of a store that may be in use.
+/// \param isCancelled ends it soon, with an error, once it is true.
 Result<SnapshotHead> extract(const QString &storePath, const ManagedObjectModel &model,
-                             const QString &databasePath);
+                             const QString &databasePath, const std::atomic<bool> &isCancelled);
 /// Writes a snapshot of an extracted database, whole or not at all.
 /// \param sealer null for an open folder.
 /// \param name what the seal binds it to: where it lies below the folder.

@@ -68,7 +68,7 @@ public:
     };
     Snapshot snapshot(const QString &path) const
     {
-        auto head = replication::snapshot::extract(store.path(), libraryModel(), path);
+        auto head = replication::snapshot::extract(store.path(), libraryModel(), path, false);
         EXPECT_TRUE(head) << head.error().message.toStdString();
         return {path, head->seen};
     }
@@ -81,10 +81,7 @@ public:
         ASSERT_TRUE(changes) << changes.error().message.toStdString();
         settle();
     }
-    void saveForeignWrites()
-    {
-        EXPECT_FALSE(opened->saveForeignWrites());
-    }
+    void saveForeignWrites() { EXPECT_FALSE(opened->saveForeignWrites()); }
     size_t waitingCount() const { return waiting.size(); }
 
 private:
