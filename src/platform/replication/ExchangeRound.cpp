@@ -1,5 +1,6 @@
 #include "replication/ExchangeRound.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>

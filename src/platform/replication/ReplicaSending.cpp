@@ -1,3 +1,4 @@
+#include "objectstore/ChangeJournal.h"
 #include "replication/ForeignWrites.h"
 #include "replication/Replica.h"
 #include "replication/ReplicaBooks.h"
