@@ -1,15 +1,17 @@
 #include "StoreGenerator.h"
 #include "foundation/Clock.h"
-#include "replication/Replica.h"
+#include "replication/ReplicaExchange.h"
 #include "store/entities/Entities.h"
 #include "store/entities/Model.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -95,6 +97,87 @@ double applyBare(const QString &path, const std::vector<ChangeFile> &files, bool
     return time;
 }
 
+/// As long as it takes until the copy is on the disk.
+double copyFile(const QString &from, const QString &to)
+{
+    return measured([&] {
+        expect(QFile::copy(from, to));
+        QFile copy(to);
+        expect(copy.open(QIODevice::ReadWrite) && fsync(copy.handle()) == 0);
+    });
+}
+
+/// Makes a snapshot of a store, and a new device of it.
+void measureSnapshot(const QTemporaryDir &folder, const QString &store)
+{
+    using namespace replication;
+    const QString extracted = folder.filePath(QStringLiteral("extracted"));
+    const QString packed = folder.filePath(QStringLiteral("packed"));
+    const QString arrived = folder.filePath(QStringLiteral("arrived"));
+    const double made = measured([&] {
+        auto head = snapshot::extract(store, organiserModel(), extracted, false);
+        expect(head.hasValue() && !snapshot::pack(*head, extracted, nullptr, QStringLiteral("n"), packed));
+    });
+    std::vector<double> copied;
+    std::vector<double> unpacked;
+    std::vector<double> adopted;
+    for (int round = 0; round < 3; ++round) {
+        const QString copy = folder.filePath(QStringLiteral("copy%1").arg(round));
+        copied.push_back(copyFile(store, copy));
+        QFile::remove(copy);
+        auto newcomer = opened(folder.filePath(QStringLiteral("new%1.sqlite").arg(round)));
+        const auto its = replicaOf(*newcomer, "new");
+        VersionVector seen;
+        unpacked.push_back(measured([&] {
+            auto head = snapshot::unpack(packed, nullptr, QStringLiteral("n"), arrived);
+            expect(head.hasValue());
+            seen = head->seen;
+        }));
+        adopted.push_back(measured([&] { expect(its->adopt(arrived, seen).hasValue()); }));
+        expect(newcomer->count(EntityTask::fetchRequest()) == taskCount);
+    }
+    std::printf("%-46s %9.1f ms  (file of %lld MB from a store of %lld MB)\n",
+                "A snapshot made, off the main thread", made, QFileInfo(packed).size() / 1'000'000,
+                QFileInfo(store).size() / 1'000'000);
+    std::printf(
+        "%-46s %9.1f ms  copying the store %7.1f ms  ratio %4.2f  (%.1f ms of it on the main thread)\n",
+        "A new device begins with it", median(unpacked) + median(adopted), median(copied),
+        (median(unpacked) + median(adopted)) / median(copied), median(adopted));
+}
+
+/// What the main thread does until a folder is being looked at.
+double startOf(ManagedObjectContext &context, const QString &shared)
+{
+    return measured([&] {
+        const auto replica = replicaOf(context, "start");
+        const replication::ReplicaExchange exchange(*replica, replication::ReplicaFolder(shared),
+                                                    [](const StoreChanges &) {});
+    });
+}
+
+void measureStart(const QTemporaryDir &folder)
+{
+    const QString shared = folder.filePath(QStringLiteral("shared"));
+    const QString empty = folder.filePath(QStringLiteral("empty"));
+    QDir().mkpath(empty);
+    QDir().mkpath(shared + QStringLiteral("/0123456789abcdef"));
+    for (int number = 0; number < 10'000; ++number) {
+        QFile file(shared +
+                   QStringLiteral("/0123456789abcdef/changes-%1").arg(number + 2, 10, 10, QLatin1Char('0')));
+        expect(file.open(QIODevice::WriteOnly));
+    }
+    auto context = opened(folder.filePath(QStringLiteral("start.sqlite")));
+    startOf(*context, empty);
+    std::vector<double> full;
+    std::vector<double> without;
+    for (int round = 0; round < 21; ++round) {
+        full.push_back(startOf(*context, shared));
+        without.push_back(startOf(*context, empty));
+    }
+    std::printf("%-46s %9.3f ms  empty folder %8.3f ms  ratio %4.2f\n", "Start with a folder of 10,000 files",
+                median(full), median(without), median(full) / median(without));
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -152,5 +235,10 @@ int main(int argc, char *argv[])
     std::printf(
         "%-46s %9.1f ms  bare, one by one %7.1f ms  ratio %4.2f  bare, all at once %6.1f ms  ratio %4.2f\n",
         "1,000 saves of another device taken in", taken, each, taken / each, once, taken / once);
+
+    replica.reset();
+    context.reset();
+    measureSnapshot(folder, first);
+    measureStart(folder);
     return 0;
 }

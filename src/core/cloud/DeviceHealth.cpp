@@ -42,6 +42,9 @@ DeviceHealth::Line lineOf(const Device &device, const Device &own)
         line.detail +=
             QStringLiteral(" · ") +
             localized(QStringLiteral("changes it has not told of having: %1")).arg(QString::number(count));
+    if (device.isClockAhead)
+        line.detail += QStringLiteral(" · ") +
+                       localized(QStringLiteral("its clock is ahead of the one here, please check both"));
     return line;
 }
 

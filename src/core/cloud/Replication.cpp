@@ -94,6 +94,11 @@ void Replication::sawCalendarItems(const QSet<QString> &items)
     replica->witness(items);
 }
 
+void Replication::keep(const ManagedObject &row)
+{
+    replica->keep({row.entity().table(), row.identifier()});
+}
+
 std::vector<replication::Replica::Orphan> Replication::orphansOf(std::string_view entity,
                                                                  std::string_view attribute) const
 {

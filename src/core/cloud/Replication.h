@@ -32,6 +32,10 @@ public:
     /// Items that are in the calendars of this device.
     void sawCalendarItems(const QSet<QString> &items);
 
+    /// A row that stays in the place of its doubles counts as changed by the next commit: another device may
+    /// be joining them into another one.
+    void keep(const ManagedObject &row);
+
     /// References to rows of an entity that have gone, with the text that those had in an attribute.
     std::vector<replication::Replica::Orphan> orphansOf(std::string_view entity,
                                                         std::string_view attribute) const;

@@ -156,6 +156,7 @@ private:
     /// Gives children whose row was joined with another one of its title to that.
     void adoptOrphans();
     void startReplication();
+    void keepInPlaceOfDoubles(const ObjectPtr &survivor);
     /// What lies on calendars that this computer has never had is shown: here nobody can choose them.
     const QStringList &referencesElsewhere();
     void recordsCameIn(const StoreChanges &imported);

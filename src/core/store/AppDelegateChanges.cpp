@@ -20,7 +20,7 @@ void AppDelegate::managedObjectContexLocalChangeData(const StoreChanges &changes
     if (changes.concerns(EntityTask::entityName))
         badgeUpdataSoon();
     tendSearchIndexSoon();
-    if (exchange && !changes.isUnknown)
+    if (exchange)
         exchange->look();
     NotificationCenter::defaultCenter().post(notifications::contextDidSave, changes);
 }

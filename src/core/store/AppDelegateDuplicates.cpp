@@ -1,4 +1,5 @@
 #include "calendarsync/CalendarEvent.h"
+#include "cloud/Replication.h"
 #include "foundation/Log.h"
 #include "records/dates/MTDates.h"
 #include "store/AppDelegate.h"
@@ -46,13 +47,14 @@ template <typename Entity>
 void keepSmallerIndex(Entity &, const Entity &, const Entity &)
 {}
 
-/// Joins the rows of one title into the newest one; on a tie the given row stays.
+/// Joins the rows of one title into the newest one; on a tie the given row stays. Gives the one that stays;
+/// null if there are no others.
 template <typename Entity>
-void removeSeededDuplicates(ManagedObjectContext &context, const std::shared_ptr<Entity> &row,
-                            std::initializer_list<const char *> relationships)
+ObjectPtr removeSeededDuplicates(ManagedObjectContext &context, const std::shared_ptr<Entity> &row,
+                                 std::initializer_list<const char *> relationships)
 {
     if (!row)
-        return;
+        return nullptr;
     std::vector<std::shared_ptr<Entity>> others;
     for (const auto &one :
          context.fetch<Entity>(Entity::fetchRequest().where(Predicate::format("title = %@", row->title())))) {
@@ -60,7 +62,7 @@ void removeSeededDuplicates(ManagedObjectContext &context, const std::shared_ptr
             others.push_back(one);
     }
     if (others.empty())
-        return;
+        return nullptr;
     std::vector<UnionOfChildren> unions(relationships.begin(), relationships.end());
     const auto addChildren = [&unions](const Entity &from) {
         for (UnionOfChildren &one : unions)
@@ -82,6 +84,7 @@ void removeSeededDuplicates(ManagedObjectContext &context, const std::shared_ptr
     }
     for (const UnionOfChildren &one : unions)
         one.giveTo(*survivor);
+    return survivor;
 }
 
 /// The day or moment that a task's copies must share.
@@ -176,34 +179,41 @@ void makeCalendarItem(EntityTask &task)
 
 } // namespace
 
+void AppDelegate::keepInPlaceOfDoubles(const ObjectPtr &survivor)
+{
+    if (exchange && survivor && !survivor->isDeleted())
+        exchange->keep(*survivor);
+}
+
 void AppDelegate::deleteDuplicateCategoryWith(const CategoryPtr &category)
 {
-    removeSeededDuplicates(managedObjectContext(), category, {"task", "project"});
+    keepInPlaceOfDoubles(removeSeededDuplicates(managedObjectContext(), category, {"task", "project"}));
 }
 
 void AppDelegate::deleteDuplicateCategoryContactWith(const std::shared_ptr<EntityContactCategory> &category)
 {
-    removeSeededDuplicates(managedObjectContext(), category, {"contact", "contactGroup"});
+    keepInPlaceOfDoubles(
+        removeSeededDuplicates(managedObjectContext(), category, {"contact", "contactGroup"}));
 }
 
 void AppDelegate::deleteDuplicatePhoneTypeWith(const std::shared_ptr<EntityPhoneType> &type)
 {
-    removeSeededDuplicates(managedObjectContext(), type, {"phone"});
+    keepInPlaceOfDoubles(removeSeededDuplicates(managedObjectContext(), type, {"phone"}));
 }
 
 void AppDelegate::deleteDuplicateEmailTypeWith(const std::shared_ptr<EntityEmailType> &type)
 {
-    removeSeededDuplicates(managedObjectContext(), type, {"email"});
+    keepInPlaceOfDoubles(removeSeededDuplicates(managedObjectContext(), type, {"email"}));
 }
 
 void AppDelegate::deleteDuplicateAddressTypeWith(const std::shared_ptr<EntityAddressType> &type)
 {
-    removeSeededDuplicates(managedObjectContext(), type, {"address"});
+    keepInPlaceOfDoubles(removeSeededDuplicates(managedObjectContext(), type, {"address"}));
 }
 
 void AppDelegate::deleteDuplicateUrlTypeWith(const std::shared_ptr<EntityURLType> &type)
 {
-    removeSeededDuplicates(managedObjectContext(), type, {"url"});
+    keepInPlaceOfDoubles(removeSeededDuplicates(managedObjectContext(), type, {"url"}));
 }
 
 void AppDelegate::deleteDuplicateTaskTypeWith(const TaskPtr &task)
@@ -234,6 +244,7 @@ void AppDelegate::deleteDuplicateTaskTypeWith(const TaskPtr &task)
         Log::line(QStringLiteral("deleted: %1").arg(deleted->title()));
         managedObjectContext().deleteObject(deleted);
     }
+    keepInPlaceOfDoubles(survivor);
     makeCalendarItem(*survivor);
 }
 

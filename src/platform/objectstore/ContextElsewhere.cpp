@@ -88,11 +88,23 @@ OptionalError ManagedObjectContext::applyRowsFromElsewhere(int limit, StoreChang
 
 Result<StoreChanges> ManagedObjectContext::changeRows(const RowChanges &change)
 {
+    return changeRows(change, true);
+}
+
+Result<StoreChanges> ManagedObjectContext::changeManyRows(const RowChanges &change)
+{
+    return changeRows(change, false);
+}
+
+Result<StoreChanges> ManagedObjectContext::changeRows(const RowChanges &change, bool isTold)
+{
     if (!isFree())
         return Error{QStringLiteral("store"), 0, QStringLiteral("The store is being changed")};
     const Transaction changing(*this, ChangeAuthor::Replication);
     StoreChanges changes;
     OptionalError error = begin();
+    if (!isTold)
+        journal->stopCapture();
     if (!error) {
         auto applied = change(*database, [this](const EntityDescription &entity) {
             return ChangeWriter(*this).nextRow(entity);
@@ -100,6 +112,7 @@ Result<StoreChanges> ManagedObjectContext::changeRows(const RowChanges &change)
         if (applied) {
             refreshAllObjects();
             changes = changesOf(*applied);
+            changes.isUnknown = !isTold;
             error = commitRows(changes);
         } else {
             error = applied.error();

@@ -183,6 +183,9 @@ public:
     /// Changes rows without objects as a commit of its own of the author `Replication`, and gives what it
     /// changed. While a transaction is open or something is to be saved, it does nothing: see `isFree`.
     Result<StoreChanges> changeRows(const RowChanges &change);
+    /// The same for so many rows that nobody is told of them one by one: the outcome says that everything may
+    /// be different. The history keeps nothing of it.
+    Result<StoreChanges> changeManyRows(const RowChanges &change);
     /// Whether nothing is under way that another commit would come between.
     bool isFree() const { return !openTransaction && !isInTransaction && !isWriting && !hasWork(); }
     /// The connection, for the store's own books. Rows of entities are not changed through it but by
@@ -304,6 +307,7 @@ private:
     OptionalError applyRowsFromElsewhere(int limit, StoreChanges &changes, bool &isMoreLeft);
     /// Commits rows that were changed without objects, with what follows from it.
     OptionalError commitRows(const StoreChanges &changes);
+    Result<StoreChanges> changeRows(const RowChanges &change, bool isTold);
     void tellOfChangesFromElsewhere();
     StoreChanges changesOf(const std::vector<AppliedChange> &applied);
     void endCapture();

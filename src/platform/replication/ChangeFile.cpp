@@ -17,7 +17,7 @@ constexpr int formatVersion = 1;
 
 /// The keys of the map.
 namespace key {
-enum { Format, Schema, Device, Number, Time, Seen, Name, Tables, Changes, Touched };
+enum { Format, Schema, Device, Number, Time, Seen, Name, Tables, Changes, Touched, Wall };
 }
 
 Error unreadable(const char *why)
@@ -42,6 +42,7 @@ QByteArray ChangeFile::toBytes() const
     map.insert(key::Device, QString::fromUtf8(dot.device));
     map.insert(key::Number, dot.number);
     map.insert(key::Time, time);
+    map.insert(key::Wall, wall);
     map.insert(key::Seen, QString::fromUtf8(seen.text()));
     map.insert(key::Name, deviceName);
     map.insert(key::Tables, columns);
@@ -61,13 +62,19 @@ Result<ChangeFile> ChangeFile::fromBytes(const QByteArray &bytes)
     const QByteArray content = bytes.mid(mark.size() + digestLength);
     if (QCryptographicHash::hash(content, QCryptographicHash::Sha256) != bytes.mid(mark.size(), digestLength))
         return unreadable("It is not complete");
-    const QCborMap map = QCborValue::fromCbor(content).toMap();
+    // What was read before an error is no map that can be asked.
+    QCborParserError parser;
+    const QCborValue value = QCborValue::fromCbor(content, &parser);
+    if (parser.error.c != QCborError::NoError)
+        return unreadable("It is damaged");
+    const QCborMap map = value.toMap();
     if (map.value(key::Format).toInteger() != formatVersion)
         return unreadable("It was written by another version of the program");
     ChangeFile file;
     file.schema = static_cast<int>(map.value(key::Schema).toInteger());
     file.dot = {map.value(key::Device).toString().toUtf8(), map.value(key::Number).toInteger()};
     file.time = map.value(key::Time).toInteger();
+    file.wall = map.value(key::Wall).toInteger();
     file.seen = VersionVector::fromText(map.value(key::Seen).toString().toUtf8());
     file.deviceName = map.value(key::Name).toString();
     file.changeset = map.value(key::Changes).toByteArray();
@@ -90,6 +97,12 @@ std::optional<std::vector<RowDelta>> ChangeFile::deltas(const ManagedObjectModel
     std::vector<RowDelta> list;
     if (!readChangeset(changeset, tables, model, {time, dot.device}, dot, seen, list))
         return std::nullopt;
+    addTouched(model, list);
+    return list;
+}
+
+void ChangeFile::addTouched(const ManagedObjectModel &model, std::vector<RowDelta> &list) const
+{
     for (const RowKey &one : touched) {
         if (!model.entityOfTable({one.table.constData(), static_cast<size_t>(one.table.size())}))
             continue;
@@ -97,7 +110,6 @@ std::optional<std::vector<RowDelta>> ChangeFile::deltas(const ManagedObjectModel
         delta.events.add(dot.device, dot.number);
         list.push_back(std::move(delta));
     }
-    return list;
 }
 
 } // namespace replication

@@ -14,8 +14,10 @@ struct ChangeFile
     /// Of the model that its tables belong to. A reader that knows less waits until it knows more.
     int schema = 0;
     Dot dot;
-    /// When it was made, by the hybrid clock.
+    /// The stamp of its values, by the hybrid clock.
     qint64 time = 0;
+    /// What the clock of its device showed, in milliseconds since 1970; 0 if that is not known.
+    qint64 wall = 0;
     /// What its device knew before.
     VersionVector seen = {};
     /// How the user calls the device.
@@ -27,6 +29,8 @@ struct ChangeFile
 
     /// What it says, row by row; absent if the changeset is damaged.
     std::optional<std::vector<RowDelta>> deltas(const ManagedObjectModel &model) const;
+    /// What the touched rows have to say.
+    void addTouched(const ManagedObjectModel &model, std::vector<RowDelta> &list) const;
     /// A mark of eight letters, the SHA-256 of what follows, and that: a map in CBOR (RFC 8949).
     QByteArray toBytes() const;
     /// The error says why they are not such a file: cut off, changed, or of another kind.

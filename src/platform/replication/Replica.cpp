@@ -1,55 +1,24 @@
 #include "replication/Replica.h"
 
-#include "foundation/Clock.h"
-#include "replication/RowMerge.h"
+#include "replication/ForeignWrites.h"
+#include "replication/ReplicaBooks.h"
+#include "replication/RowLedger.h"
 
 #include <QRandomGenerator>
-#include <QScopedValueRollback>
 
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
+
+// Which device a replica is, and what it knows of the others.
 
 namespace replication {
 
-namespace {
-
-DeviceId newDevice()
+static DeviceId newDevice()
 {
     const auto random = static_cast<qulonglong>(QRandomGenerator::system()->generate64());
     return QByteArray::number(random, 16).rightJustified(16, '0');
 }
-
-Error failureIn(const sqlite::Database &database)
-{
-    return database.lastError(QStringLiteral("Cannot keep the books for other devices"));
-}
-
-OptionalError ran(const sqlite::Database &database, bool isDone)
-{
-    return isDone ? std::nullopt : OptionalError(failureIn(database));
-}
-
-const EntityDescription *entityOf(const ManagedObjectModel &model, const RowKey &key)
-{
-    return model.entityOfTable({key.table.constData(), static_cast<size_t>(key.table.size())});
-}
-
-/// Milliseconds of the wall clock, with room for a count below them.
-constexpr int countBits = 16;
-
-qint64 wallTime()
-{
-    return static_cast<qint64>(Clock::now().unixSeconds() * 1000.0) << countBits;
-}
-
-Date dateOfTime(qint64 time)
-{
-    return Date::fromUnixSeconds(double(time >> countBits) / 1000.0);
-}
-
-} // namespace
 
 Replica::Replica(ManagedObjectContext &replicated, QString deviceName)
     : context(replicated)
@@ -88,19 +57,36 @@ OptionalError Replica::load(const QByteArray &machine)
             "PRIMARY KEY, bytes BLOB NOT NULL, "
             "isSent INTEGER NOT NULL DEFAULT 0);"
             "CREATE TABLE IF NOT EXISTS ObjectStoreWitnessed (item TEXT PRIMARY KEY NOT NULL) WITHOUT ROWID;"
-            "CREATE INDEX IF NOT EXISTS ObjectStoreOutgoing_waiting ON "
-            "ObjectStoreOutgoing (number) WHERE isSent "
-            "= 0;"))
+            // It cost each save a page; there are few saves at a time.
+            "DROP INDEX IF EXISTS ObjectStoreOutgoing_waiting;"))
         return error;
-    sqlite::Statement all = database.prepare("SELECT device, number, time, machine FROM ObjectStoreReplicas");
+    for (const char *column : {"wall", "heard", "untold", "untoldSince", "cleared"}) {
+        const QByteArray count =
+            "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreReplicas') WHERE name = '";
+        if (database.queryInteger(count + column + '\'') > 0)
+            continue;
+        if (auto error = database.execute(QByteArray("ALTER TABLE ObjectStoreReplicas ADD COLUMN ") + column +
+                                          " INTEGER NOT NULL DEFAULT 0"))
+            return error;
+    }
+    sqlite::Statement all = database.prepare(
+        "SELECT device, number, time, machine, untold, untoldSince, cleared FROM ObjectStoreReplicas");
     while (all.step()) {
         const DeviceId device = all.text(0).toUtf8();
         known.add(device, all.integer(1));
-        clock = std::max(clock, all.integer(2));
-        if (!all.isNull(3) && all.text(3).toUtf8() == machine)
-            own = {device, all.integer(1)};
+        clock = std::max(clock, believed(all.integer(2)));
+        if (all.isNull(3) || all.text(3).toUtf8() != machine)
+            continue;
+        own = {device, std::max(all.integer(1), lastOutgoing())};
+        known.add(device, own.number);
+        // A save since has told them.
+        untold = own.number > all.integer(1) ? 0 : static_cast<int>(all.integer(4));
+        untoldSince = all.integer(5);
+        clearedUpTo = all.integer(6);
     }
     all.reset();
+    if (auto error = foreignwrites::prepare(database, model))
+        return error;
     // Names that wait for rows that have come since, if the program was ended in between.
     sqlite::Statement waiting =
         database.prepare("SELECT DISTINCT tbl, id FROM ObjectStoreParked LIMIT 10000");
@@ -110,15 +96,25 @@ OptionalError Replica::load(const QByteArray &machine)
     return own.device.isEmpty() ? startAs(machine) : OptionalError();
 }
 
+/// The number of a save stands in its own row only; that of the device follows when something else is
+/// written there.
+qint64 Replica::lastOutgoing() const
+{
+    return database.queryInteger("SELECT MAX(number) FROM ObjectStoreOutgoing");
+}
+
 OptionalError Replica::startAs(const QByteArray &machine)
 {
     if (auto error = database.execute("ATTACH ':memory:' AS emptyStore; BEGIN IMMEDIATE"))
         return error;
     own = {newDevice(), 1};
-    OptionalError error =
-        ran(database, database.prepare("UPDATE ObjectStoreReplicas SET machine = NULL").run() &&
-                          // What a former device did not send yet is in the rows, and goes with them.
-                          database.prepare("DELETE FROM ObjectStoreOutgoing").run());
+    clearedUpTo = 0;
+    OptionalError error = foreignwrites::forget(database);
+    if (!error)
+        error = bookResult(database,
+                           database.prepare("UPDATE ObjectStoreReplicas SET machine = NULL").run() &&
+                               // What a former device did not send yet is in the rows, and goes with them.
+                               database.prepare("DELETE FROM ObjectStoreOutgoing").run());
     // A stamp before all others: whoever has changed a row since wins against a mere copy.
     const Stamp stamp{1, own.device};
     for (const EntityDescription &entity : model.entities()) {
@@ -134,11 +130,11 @@ OptionalError Replica::startAs(const QByteArray &machine)
     if (!error) {
         sqlite::Statement added =
             database.prepare("INSERT INTO ObjectStoreReplicas (device, machine) VALUES (?, ?)");
-        error =
-            ran(database, added.bind(QString::fromUtf8(own.device)).bind(QString::fromUtf8(machine)).run());
+        error = bookResult(database,
+                           added.bind(QString::fromUtf8(own.device)).bind(QString::fromUtf8(machine)).run());
     }
     if (!error)
-        error = addPresentRows(stamp);
+        error = hasManyRows() ? standFirstSaveInSnapshot() : addPresentRows(stamp);
     known.add(own.device, own.number);
     clock = std::max(clock, stamp.time);
     if (!error)
@@ -150,6 +146,23 @@ OptionalError Replica::startAs(const QByteArray &machine)
     // Without it nothing is lost but some memory.
     database.execute("DETACH emptyStore").ignore();
     return error;
+}
+
+/// More than that go into a snapshot rather than into a save.
+bool Replica::hasManyRows() const
+{
+    constexpr int most = 5000;
+    return database.prepare("SELECT 1 FROM ObjectStoreRowStates LIMIT 1 OFFSET " + QByteArray::number(most))
+        .step();
+}
+
+/// The first save counts as cleared, so that a snapshot is made which stands for it.
+OptionalError Replica::standFirstSaveInSnapshot()
+{
+    sqlite::Statement statement =
+        database.prepare("UPDATE ObjectStoreReplicas SET cleared = ? WHERE device = ?");
+    clearedUpTo = own.number;
+    return bookResult(database, statement.bind(clearedUpTo).bind(QString::fromUtf8(own.device)).run());
 }
 
 /// The rows that are there count as the first save; without any there is none.
@@ -181,24 +194,14 @@ OptionalError Replica::addPresentRows(const Stamp &stamp)
     return std::nullopt;
 }
 
-Result<QByteArray> Replica::capturedChangeset() const
-{
-    int size = 0;
-    void *bytes = nullptr;
-    const int code = sqlite3session_changeset(session.get(), &size, &bytes);
-    const QByteArray changeset(static_cast<const char *>(bytes), size);
-    sqlite3_free(bytes);
-    if (code != SQLITE_OK)
-        return sqlite::error(code, QStringLiteral("Cannot tell what was changed"));
-    return changeset;
-}
-
 OptionalError Replica::writeOwn(qint64 number, qint64 time, const VersionVector &seen) const
 {
     sqlite::Statement statement = database.prepare(
-        "UPDATE ObjectStoreReplicas SET name = ?, number = ?, time = ?, seen = ? WHERE device = ?");
+        "UPDATE ObjectStoreReplicas SET name = ?, number = ?, time = ?, seen = ?, wall = ?, untold = ?, "
+        "untoldSince = ? WHERE device = ?");
     statement.bind(name).bind(number).bind(time).bind(QString::fromUtf8(seen.text()));
-    return ran(database, statement.bind(QString::fromUtf8(own.device)).run());
+    statement.bind(wallMilliseconds()).bind(qint64(untold)).bind(untoldSince);
+    return bookResult(database, statement.bind(QString::fromUtf8(own.device)).run());
 }
 
 OptionalError Replica::becomeAnother()
@@ -214,14 +217,19 @@ OptionalError Replica::becomeAnother()
 std::vector<Device> Replica::devices() const
 {
     std::vector<Device> list;
-    sqlite::Statement all =
-        database.prepare("SELECT device, name, number, time, seen FROM ObjectStoreReplicas ORDER BY device");
+    sqlite::Statement all = database.prepare(
+        "SELECT device, name, number, time, seen, wall, heard FROM ObjectStoreReplicas ORDER BY device");
     while (all.step()) {
-        Device device{.id = all.text(0).toUtf8(), .name = all.text(1), .lastSave = {}, .seen = {}};
+        Device device{
+            .id = all.text(0).toUtf8(), .name = all.text(1), .lastSave = {}, .heard = {}, .seen = {}};
         device.isOwn = device.id == own.device;
         device.number = all.integer(2);
-        if (all.integer(3) > 0)
-            device.lastSave = dateOfTime(all.integer(3));
+        const qint64 wall = all.integer(5) > 0 ? all.integer(5) : all.integer(3) >> countBits;
+        if (wall > 0 && device.number > 0)
+            device.lastSave = dateOfMilliseconds(wall);
+        if (all.integer(6) > 0)
+            device.heard = dateOfMilliseconds(all.integer(6));
+        device.isClockAhead = !device.isOwn && wall > wallMilliseconds() + millisecondsADay;
         device.seen = device.isOwn ? known : VersionVector::fromText(all.text(4).toUtf8());
         list.push_back(std::move(device));
     }
@@ -278,309 +286,6 @@ void Replica::witness(const QSet<QString> &items)
     if (isOwn && database.execute("COMMIT"))
         database.rollBack();
     seenItems->unite(fresh);
-}
-
-// What goes out.
-
-std::vector<Replica::Outgoing> Replica::outgoing(qsizetype mostBytes) const
-{
-    std::vector<Outgoing> list;
-    qsizetype size = 0;
-    sqlite::Statement waiting =
-        database.prepare("SELECT number, bytes FROM ObjectStoreOutgoing WHERE isSent = 0 ORDER BY number");
-    while (size < mostBytes && waiting.step()) {
-        list.push_back({waiting.integer(0), waiting.blob(1)});
-        size += list.back().bytes.size();
-    }
-    return list;
-}
-
-int Replica::unsentCount() const
-{
-    return static_cast<int>(
-        database.queryInteger("SELECT COUNT(*) FROM ObjectStoreOutgoing WHERE isSent = 0"));
-}
-
-std::optional<QByteArray> Replica::sent(qint64 number) const
-{
-    sqlite::Statement found = database.prepare("SELECT bytes FROM ObjectStoreOutgoing WHERE number = ?");
-    return found.bind(number).step() ? std::optional(found.blob(0)) : std::nullopt;
-}
-
-OptionalError Replica::markSent(qint64 number)
-{
-    sqlite::Statement statement =
-        database.prepare("UPDATE ObjectStoreOutgoing SET isSent = 1 WHERE number = ?");
-    return ran(database, statement.bind(number).run());
-}
-
-OptionalError Replica::markUnsent(qint64 number)
-{
-    sqlite::Statement statement =
-        database.prepare("UPDATE ObjectStoreOutgoing SET isSent = 0 WHERE number = ?");
-    return ran(database, statement.bind(number).run());
-}
-
-void Replica::transactionBegan(sqlite::Database &)
-{
-    if (isTakingIn)
-        return;
-    sqlite3_session *started = nullptr;
-    if (sqlite3session_create(database.handle(), "main", &started) != SQLITE_OK)
-        return;
-    session.reset(started);
-    sqlite3session_table_filter(
-        started,
-        [](void *self, const char *table) {
-            const EntityDescription *entity = static_cast<Replica *>(self)->model.entityOfTable(table);
-            return entity && !entity->isDerived() ? 1 : 0;
-        },
-        this);
-    sqlite3session_attach(started, nullptr);
-}
-
-void Replica::transactionEnded()
-{
-    session.reset();
-    if (database.isAutocommit() && pending) {
-        // Whether it was committed is known to the store alone.
-        sqlite::Statement stored =
-            database.prepare("SELECT number FROM ObjectStoreReplicas WHERE device = ?");
-        const bool isCommitted =
-            stored.bind(QString::fromUtf8(own.device)).step() && (stored.integer(0) == pending->dot.number);
-        if (isCommitted) {
-            own = pending->dot;
-            clock = pending->clock;
-            known = std::move(pending->known);
-            unsettled.merge(pending->unsettled);
-        }
-    }
-    pending.reset();
-}
-
-qint64 Replica::nextTime() const
-{
-    return std::max(wallTime(), clock + 1);
-}
-
-OptionalError Replica::willCommit(sqlite::Database &)
-{
-    if (!session)
-        return std::nullopt;
-    auto captured = capturedChangeset();
-    if (!captured)
-        return captured.error();
-    const QByteArray &changeset = captured.value();
-    if (changeset.isEmpty() && !pending)
-        return std::nullopt;
-    if (!pending) {
-        pending = Pending{{own.device, own.number + 1}, nextTime(), known, {}};
-        pending->known.add(own.device, pending->dot.number);
-    }
-    ChangeFile file = fileOf(changeset, pending->clock, pending->dot);
-    auto deltas = file.deltas(model);
-    if (!deltas)
-        return Error{QStringLiteral("replication"), 0, QStringLiteral("Cannot read what was changed")};
-    file.touched = touchedBy(*deltas);
-    deltas = file.deltas(model);
-    if (auto error = writeBooks(*deltas))
-        return error;
-    if (auto error = addOutgoing(file))
-        return error;
-    return writeOwn(pending->dot.number, pending->clock, pending->known);
-}
-
-TableColumns Replica::columnsOfTables()
-{
-    if (!columns.empty())
-        return columns;
-    const auto add = [this](const QByteArray &table) {
-        sqlite::Statement statement = database.prepare("PRAGMA table_info(\"" + table + "\")");
-        while (statement.step())
-            columns[table].push_back(statement.text(1).toUtf8());
-    };
-    for (const EntityDescription &entity : model.entities()) {
-        if (entity.isDerived())
-            continue;
-        add(entity.table());
-        for (const RelationshipDescription &one : entity.relationships()) {
-            if (one.cardinality == Cardinality::ToManyOwningJoin)
-                add(model.joinTable(entity, one).table);
-        }
-    }
-    return columns;
-}
-
-/// The values stand in their tables already; the books follow.
-OptionalError Replica::writeBooks(const std::vector<RowDelta> &deltas)
-{
-    RowLedger ledger(database);
-    for (const RowDelta &delta : deltas) {
-        const RowKey &key = delta.key;
-        ledger.join(delta);
-        if (!delta.deletions.empty()) {
-            for (const auto &[column, value] : delta.formerValues) {
-                // A name that waited for its row says more than the empty column.
-                if (!ledger.row(key).parked.contains(column))
-                    ledger.park(key, column, value);
-            }
-            continue;
-        }
-        if (delta.base.time > 0) {
-            ledger.unparkAll(key);
-            pending->unsettled.insert(key);
-        }
-        for (const auto &[column, cell] : delta.cells)
-            ledger.unpark(key, column);
-        for (const auto &[column, value] : delta.lostReferences)
-            ledger.park(key, column, value);
-    }
-    if (!ledger.write())
-        return failureIn(database);
-    // Only those for which something waits are looked at again.
-    std::erase_if(pending->unsettled,
-                  [&ledger](const RowKey &key) { return ledger.placesOf(key.id).empty(); });
-    return std::nullopt;
-}
-
-/// Who changes a detail of a record, or what is linked to it, means the record.
-std::vector<RowKey> Replica::touchedBy(const std::vector<RowDelta> &deltas)
-{
-    std::set<RowKey> touched;
-    std::set<RowKey> deleted;
-    for (const RowDelta &delta : deltas) {
-        if (!delta.deletions.empty())
-            deleted.insert(delta.key);
-        const EntityDescription *entity = entityOf(model, delta.key);
-        if (entity->table() != delta.key.table) {
-            touched.insert({entity->table(), delta.key.id.section(u'/', 0, 0)});
-            continue;
-        }
-        if (!delta.deletions.empty() || delta.events.isEmpty())
-            continue;
-        for (const RelationshipDescription &one : entity->relationships()) {
-            const EntityDescription &target = model.destinationOf(one);
-            const RelationshipDescription *inverse = target.relationship(one.inverse);
-            if (one.cardinality != Cardinality::ToOne || inverse->deleteRule != DeleteRule::Cascade)
-                continue;
-            const QByteArray column(one.name.data(), static_cast<qsizetype>(one.name.size()));
-            sqlite::Statement owner = database.prepare("SELECT \"" + column + "\" FROM \"" + entity->table() +
-                                                       "\" WHERE \"id\" = ?");
-            if (owner.bind(delta.key.id).step() && !owner.isNull(0))
-                touched.insert({target.table(), owner.text(0)});
-        }
-    }
-    std::vector<RowKey> list;
-    std::ranges::set_difference(touched, deleted, std::back_inserter(list));
-    return list;
-}
-
-OptionalError Replica::addOutgoing(const ChangeFile &file)
-{
-    sqlite::Statement added =
-        database.prepare("INSERT OR REPLACE INTO ObjectStoreOutgoing (number, bytes) VALUES (?, ?)");
-    return ran(database, added.bind(file.dot.number).bindBlob(file.toBytes()).run());
-}
-
-ChangeFile Replica::fileOf(const QByteArray &changeset, qint64 time, const Dot &dot)
-{
-    ChangeFile file{model.version(), dot, time, known, name, {}, changeset};
-    for (const auto &[table, list] : columnsOfTables()) {
-        if (changeset.contains(table))
-            file.tables[table] = list;
-    }
-    return file;
-}
-
-// What comes in.
-
-bool Replica::isReady(const ChangeFile &file) const
-{
-    return !isOfNewerVersion(file) && known.of(file.dot.device) + 1 == file.dot.number &&
-           known.covers(file.seen);
-}
-
-OptionalError Replica::noteDevice(const ChangeFile &file)
-{
-    sqlite::Statement statement = database.prepare(
-        "INSERT INTO ObjectStoreReplicas (device, name, number, time, seen) VALUES (?1, ?2, ?3, ?4, ?5) ON "
-        "CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = MAX(time, ?4), seen = ?5");
-    VersionVector its = file.seen;
-    its.add(file.dot.device, file.dot.number);
-    statement.bind(QString::fromUtf8(file.dot.device)).bind(file.deviceName).bind(file.dot.number);
-    return ran(database, statement.bind(file.time).bind(QString::fromUtf8(its.text())).run());
-}
-
-Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostChanges)
-{
-    const VersionVector before = known;
-    const qint64 clockBefore = clock;
-    std::deque<ChangeFile> rest = waiting;
-    const QScopedValueRollback guard(isTakingIn, true);
-    auto changes = context.changeRows(
-        [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
-            RowMerge merge(database, model, nextRow);
-            int taken = 0;
-            bool isMoving = true;
-            while (isMoving && taken < mostChanges) {
-                isMoving = false;
-                for (auto file = rest.begin(); file != rest.end() && taken < mostChanges;) {
-                    if (isKnown(*file)) {
-                        file = rest.erase(file);
-                        continue;
-                    }
-                    if (!isReady(*file)) {
-                        ++file;
-                        continue;
-                    }
-                    const auto deltas = file->deltas(model);
-                    if (!deltas)
-                        return Error{QStringLiteral("replication"), 0,
-                                     QStringLiteral("What another device changed cannot be read")};
-                    for (const RowDelta &delta : *deltas) {
-                        if (!merge.merge(delta, true))
-                            return failureIn(database);
-                    }
-                    if (auto error = noteDevice(*file))
-                        return *error;
-                    taken += static_cast<int>(deltas->size()) + 1;
-                    known.add(file->dot.device, file->dot.number);
-                    clock = std::max(clock, file->time);
-                    isMoving = true;
-                    file = rest.erase(file);
-                }
-            }
-            auto applied = merge.finish();
-            if (applied) {
-                if (auto error = writeOwn())
-                    return *error;
-            }
-            return applied;
-        });
-    if (!changes) {
-        known = before;
-        clock = clockBefore;
-        return changes.error();
-    }
-    waiting = std::move(rest);
-    return changes;
-}
-
-Result<StoreChanges> Replica::settle()
-{
-    const QScopedValueRollback guard(isTakingIn, true);
-    const std::set<RowKey> keys = std::exchange(unsettled, {});
-    return context.changeRows(
-        [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
-            RowMerge merge(database, model, nextRow);
-            RowLedger ledger(database);
-            for (const RowKey &key : keys) {
-                merge.settleLater(key);
-                for (const auto &[place, column] : ledger.placesOf(key.id))
-                    merge.settleLater(place);
-            }
-            return merge.finish();
-        });
 }
 
 } // namespace replication

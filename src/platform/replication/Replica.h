@@ -12,6 +12,8 @@ struct sqlite3_session;
 
 namespace replication {
 
+class RowLedger;
+
 /// A device that takes part, as far as this one knows.
 struct Device
 {
@@ -20,8 +22,12 @@ struct Device
     bool isOwn = false;
     /// Its last save that was taken in.
     qint64 number = 0;
-    /// When its last save was made; absent before the first.
+    /// When its last save was made, by its own clock; absent before the first.
     OptionalDate lastSave;
+    /// When something of it was last taken in here, by the clock of this device.
+    OptionalDate heard;
+    /// Whether its clock is more than a day ahead of the one here.
+    bool isClockAhead = false;
     /// What it knew when it last told.
     VersionVector seen;
 };
@@ -54,11 +60,29 @@ public:
     };
     /// In order, at most so many bytes but at least one save.
     std::vector<Outgoing> outgoing(qsizetype mostBytes) const;
+    /// Up to which number the saves of this device are in the folder no more, or never were, since a snapshot
+    /// stands for them.
+    qint64 cleared() const { return clearedUpTo; }
+    /// Forgets the saves up to a number. They cannot be sent again.
+    OptionalError clear(qint64 upTo);
     int unsentCount() const;
     /// Whether the store keeps a save of this device, so that it can be sent again.
     std::optional<QByteArray> sent(qint64 number) const;
     OptionalError markSent(qint64 number);
     OptionalError markUnsent(qint64 number);
+
+    /// Whether the others should be told that their saves have arrived here, though nothing was saved here
+    /// for long: after fifty of them, or a day. Saves that say nothing else are not answered.
+    bool owesAcknowledgement() const;
+    /// Tells it, with a save that changes nothing. The store must be free.
+    OptionalError acknowledge();
+    /// Makes a save of what other programs have written into the store, as the next commit does, too. The
+    /// store must be free.
+    OptionalError saveForeignWrites();
+    bool hasForeignWrites() const;
+    /// The next commit counts as a change of this row, even if it changes no value of it: a deletion by who
+    /// did not know of it does not prevail. For a row that stays in the place of others.
+    void keep(const RowKey &key) { kept.insert(key); }
 
     /// Takes in what can be taken in by now: saves come in the order of their device, and after all that
     /// their device knew of. The others stay in the list; those that are known already leave it. \param
@@ -69,9 +93,20 @@ public:
     bool isOfNewerVersion(const ChangeFile &file) const { return file.schema > model.version(); }
     /// Whether nothing is under way in the store that this would come between.
     bool isFree() const { return context.isFree(); }
+    const QString &storePath() const { return context.path(); }
+    const ManagedObjectModel &objectModel() const { return model; }
+    int schema() const { return model.version(); }
     /// Looks once more at rows that wait for others. For what a save of this device brought back.
     bool hasUnsettled() const { return !unsettled.empty(); }
     Result<StoreChanges> settle();
+
+    /// Takes in a snapshot: all that it holds, whether this device holds nothing, or other things, or is
+    /// ahead. The store must be free.
+    /// \param databasePath an unpacked snapshot, which is changed.
+    /// \param seen the saves in it.
+    /// \return Everything may have changed. As inserted it names the rows that were here only, since what
+    /// came can hold doubles of them.
+    Result<StoreChanges> adopt(const QString &databasePath, const VersionVector &seen);
 
     /// Another device uses the number of this one: it goes on under a new one, and the former counts as
     /// another.
@@ -104,16 +139,21 @@ private:
     OptionalError load(const QByteArray &machine);
     OptionalError startAs(const QByteArray &machine);
     OptionalError addPresentRows(const Stamp &stamp);
+    bool hasManyRows() const;
+    OptionalError standFirstSaveInSnapshot();
     Result<QByteArray> capturedChangeset() const;
     OptionalError writeOwn() const { return writeOwn(own.number, clock, known); }
     OptionalError writeOwn(qint64 number, qint64 time, const VersionVector &seen) const;
     qint64 nextTime() const;
+    qint64 lastOutgoing() const;
     TableColumns columnsOfTables();
-    OptionalError writeBooks(const std::vector<RowDelta> &deltas);
+    OptionalError writeBooks(RowLedger &ledger, const std::vector<RowDelta> &deltas);
     std::vector<RowKey> touchedBy(const std::vector<RowDelta> &deltas);
     ChangeFile fileOf(const QByteArray &changeset, qint64 time, const Dot &dot);
+    qint64 timeBeyond(RowLedger &ledger, const std::vector<RowDelta> &deltas, qint64 time) const;
     OptionalError addOutgoing(const ChangeFile &file);
     OptionalError noteDevice(const ChangeFile &file);
+    OptionalError joinDevices(const VersionVector &seen);
 
     ManagedObjectContext &context;
     sqlite::Database &database;
@@ -127,6 +167,12 @@ private:
     TableColumns columns;
     std::set<RowKey> unsettled;
     std::optional<QSet<QString>> seenItems;
+    std::set<RowKey> kept;
+    /// Saves that changed something, taken in since the last save of this device, and when the first came
+    /// (milliseconds since 1970).
+    int untold = 0;
+    qint64 untoldSince = 0;
+    qint64 clearedUpTo = 0;
 
     /// What the open transaction will have brought when it ends.
     struct Pending

@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <array>
 
 namespace replication {
 
@@ -17,23 +18,16 @@ constexpr Seconds restBeforeLook{0.2};
 constexpr Seconds betweenLooks{60.0};
 /// While the store is being changed.
 constexpr Seconds untilFree{0.3};
-constexpr qsizetype mostBytesAtOnce = 8'000'000;
+constexpr qsizetype mostBytesToSend = 8'000'000;
 constexpr int mostChangesAtOnce = 400;
 
-/// What identifies a file for the seal: where it lies below the folder.
-QString sealName(const Dot &dot)
+/// Whether what failed may succeed later: the disk is full, or the store is in use.
+bool isPassing(const Error &error)
 {
-    return QString::fromUtf8(dot.device) + u'/' + QString::number(dot.number);
-}
-
-/// Writes a save, sealed if the folder is.
-OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed, const Dot &dot,
-                        const QByteArray &bytes)
-{
-    if (!sealed.sealer)
-        return folder.write(dot, bytes);
-    auto content = sealed.sealer->seal(bytes, sealName(dot));
-    return content ? folder.write(dot, *content) : OptionalError(content.error());
+    constexpr int resultBits = 0xff;
+    constexpr std::array codes = {5, 10, 13}; // SQLITE_BUSY, SQLITE_IOERR, SQLITE_FULL
+    return error.domain == u"store" || error.domain == u"replication" ||
+           (error.domain == u"sqlite" && std::ranges::find(codes, error.code & resultBits) != codes.end());
 }
 
 QByteArray keyMarkOf(const SealingStatus &sealed)
@@ -43,120 +37,18 @@ QByteArray keyMarkOf(const SealingStatus &sealed)
 
 } // namespace
 
-/// What one look does off the main thread, and what it finds.
-struct ReplicaExchange::Round
-{
-    ReplicaFolder folder;
-    DeviceId own;
-    std::vector<Replica::Outgoing> outgoing;
-    VersionVector known;
-    Dots waiting;
-    bool listsOwn = false;
-    std::shared_ptr<const Sealing> sealing = {};
-
-    SealingStatus sealed = {};
-    /// Own files that are open in a sealed folder, or sealed with a former key.
-    std::vector<qint64> unfit = {};
-    std::vector<qint64> written = {};
-    std::vector<qint64> ownNumbers = {};
-    std::vector<ChangeFile> files = {};
-    std::vector<Health::Problem> problems = {};
-    QString folderProblem = {};
-    bool isMoreLeft = false;
-
-    void run()
-    {
-        if (const auto error = folder.prepare()) {
-            folderProblem = error->message;
-            return;
-        }
-        if (sealing)
-            sealed = sealing->look();
-        // What comes first tells of a folder whose file with the key is still on its way.
-        if (sealed.canExchange())
-            read();
-        if (!sealed.canExchange())
-            return;
-        if (listsOwn)
-            listOwn();
-        else
-            write();
-    }
-
-private:
-    void listOwn()
-    {
-        ownNumbers = folder.numbersOf(own);
-        if (!sealed.sealer)
-            return;
-        for (const qint64 number : ownNumbers) {
-            QFile file(folder.pathOf({own, number}));
-            if (file.open(QIODevice::ReadOnly) && !sealed.sealer->isOwnSeal(file.read(Sealer::headLength())))
-                unfit.push_back(number);
-        }
-    }
-    /// The save in a file that is sealed just if the folder is.
-    Result<ChangeFile> saveIn(const QByteArray &bytes, const Dot &dot)
-    {
-        if (sealed.sealer) {
-            auto content = sealed.sealer->open(bytes, sealName(dot));
-            return content ? ChangeFile::fromBytes(*content) : Result<ChangeFile>(content.error());
-        }
-        if (!Sealer::isSealed(bytes))
-            return ChangeFile::fromBytes(bytes);
-        const Error error{
-            QStringLiteral("sealing"), 0,
-            QStringLiteral("It is sealed, and the file \"key\" of the folder has not come yet")};
-        // Nothing may be written in the open beside it.
-        sealed = {SealingState::Unusable, nullptr, error.message};
-        return error;
-    }
-    void write()
-    {
-        for (const Replica::Outgoing &one : outgoing) {
-            if (const auto error = writeSave(folder, sealed, {own, one.number}, one.bytes)) {
-                folderProblem = error->message;
-                return;
-            }
-            written.push_back(one.number);
-        }
-    }
-    void read()
-    {
-        qsizetype size = 0;
-        for (const ReplicaFolder::Entry &entry : folder.list(known)) {
-            if (entry.device == own || waiting.contains({entry.device, entry.number}))
-                continue;
-            if (size > mostBytesAtOnce) {
-                isMoreLeft = true;
-                return;
-            }
-            QFile file(entry.path);
-            if (!file.open(QIODevice::ReadOnly)) {
-                problems.push_back({entry.path, file.errorString()});
-                continue;
-            }
-            const QByteArray bytes = file.readAll();
-            size += bytes.size();
-            auto content = saveIn(bytes, {entry.device, entry.number});
-            if (!content)
-                problems.push_back({entry.path, content.error().message});
-            else if (content->dot != Dot{entry.device, entry.number})
-                problems.push_back({entry.path, QStringLiteral("It is another save than its name says")});
-            else
-                files.push_back(std::move(*content));
-        }
-    }
-};
-
 ReplicaExchange::ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn hearer,
-                                 std::shared_ptr<const Sealing> folderSealing)
+                                 std::shared_ptr<const Sealing> folderSealing, SnapshotTerms snapshotTerms)
     : replica(exchanged)
     , folder(std::move(sharedFolder))
     , takenIn(std::move(hearer))
     , timer(std::make_unique<RepeatingTimer>(betweenLooks, [this] { lookSoon(); }))
     , sealing(std::move(folderSealing))
+    , terms(snapshotTerms)
+    , arrivalPath(replica.storePath() + QStringLiteral("-arriving"))
 {
+    QFile::remove(arrivalPath);
+    maker.setMaxThreadCount(1);
     if (sealing)
         sealed = sealing->look();
     thread.setMaxThreadCount(1);
@@ -168,6 +60,8 @@ ReplicaExchange::~ReplicaExchange()
 {
     living.reset();
     thread.waitForDone();
+    isEnding = true;
+    maker.waitForDone();
 }
 
 void ReplicaExchange::lookSoon()
@@ -191,14 +85,32 @@ void ReplicaExchange::startRound()
         return;
     }
     wantsAnother = false;
-    auto round = std::make_shared<Round>(Round{folder, replica.device(), {}, replica.seen(), {}});
+    if (replica.isFree()) {
+        if (const auto error = replica.saveForeignWrites())
+            Log::line(error->message);
+    }
+    if (hasCheckedOwnFiles && replica.isFree() && replica.owesAcknowledgement()) {
+        if (const auto error = replica.acknowledge())
+            Log::line(error->message);
+    }
+    auto round = std::make_shared<ExchangeRound>(folder, replica.device());
+    round->known = replica.seen();
+    round->schema = replica.schema();
+    round->number = replica.number();
+    round->cleared = replica.cleared();
+    round->devices = replica.devices();
+    round->terms = terms;
     // Before it writes, it must know that nobody else writes under its name.
     round->listsOwn = !hasCheckedOwnFiles;
     if (hasCheckedOwnFiles)
-        round->outgoing = replica.outgoing(mostBytesAtOnce);
+        round->outgoing = replica.outgoing(mostBytesToSend);
     for (const ChangeFile &file : waiting)
         round->waiting.insert(file.dot);
+    if (!arrived)
+        round->arrivalPath = arrivalPath;
     round->sealing = sealing;
+    round->verified = verified;
+    round->refused = refused;
     thread.start([this, round, alive = std::weak_ptr(living)] {
         round->run();
         MainLoop::performDelayed(Seconds(0), [this, round, alive] {
@@ -208,7 +120,7 @@ void ReplicaExchange::startRound()
     });
 }
 
-void ReplicaExchange::finishRound(Round &round)
+void ReplicaExchange::finishRound(ExchangeRound &round)
 {
     isRunning = false;
     folderProblem = round.folderProblem;
@@ -225,12 +137,19 @@ void ReplicaExchange::finishRound(Round &round)
         hasCheckedOwnFiles = false;
         wantsAnother = true;
     }
+    verified = std::move(round.verified);
     if (round.listsOwn && hasExchanged)
-        checkOwnFiles(round.ownNumbers, round.unfit);
+        checkOwnFiles(round);
     for (ChangeFile &file : round.files)
         waiting.push_back(std::move(file));
-    follow();
-    if (!waiting.empty() || replica.hasUnsettled())
+    if (round.arrived) {
+        arrived = std::move(round.arrived);
+        arrivedMark = round.arrivedMark;
+    }
+    if (!round.listsOwn && hasExchanged)
+        tidy(round);
+    follow(round.watchedFolders);
+    if (!waiting.empty() || arrived || replica.hasUnsettled())
         takeInSome();
     const bool hasMoreToSend = hasExchanged && !replica.outgoing(1).empty();
     if (wantsAnother || round.isMoreLeft || hasMoreToSend || (round.listsOwn && hasCheckedOwnFiles))
@@ -238,28 +157,60 @@ void ReplicaExchange::finishRound(Round &round)
     tell();
 }
 
-/// Files that are gone are written again. Files of this device that it has not written are those of a store
-/// that was put back from a copy, or of a second one with its name. Files that are not sealed as they should
-/// be are written anew.
-void ReplicaExchange::checkOwnFiles(const std::vector<qint64> &numbers, const std::vector<qint64> &unfit)
+/// Files that are gone are written again. Files of this device that it has not written, or that others know
+/// of, are those of a store that was put back from a copy, or of a second one with its name. Files that are
+/// not sealed as they should be are written anew.
+void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
 {
-    if (!numbers.empty() && numbers.back() > replica.number()) {
+    const std::vector<qint64> &numbers = round.ownNumbers;
+    qint64 last = numbers.empty() ? round.ownCovered : std::max(numbers.back(), round.ownCovered);
+    for (const ChangeFile &file : round.files)
+        last = std::max(last, file.seen.of(replica.device()));
+    if (last > replica.number()) {
         if (const auto error = replica.becomeAnother())
             Log::line(error->message);
+        wantsAnother = true;
         return;
     }
     hasCheckedOwnFiles = true;
     ownProblems.clear();
-    for (qint64 number = replica.number(); number > 0; --number) {
-        if (std::ranges::binary_search(numbers, number) && !std::ranges::binary_search(unfit, number))
+    for (qint64 number = replica.number(); number > replica.cleared(); --number) {
+        if (std::ranges::binary_search(numbers, number) && !std::ranges::binary_search(round.unfit, number))
             continue;
         if (!replica.sent(number)) {
-            noteLost(unfit, number);
+            noteLost(round.unfit, number);
             break;
         }
         if (const auto error = replica.markUnsent(number))
             Log::line(error->message);
     }
+}
+
+/// The store forgets saves before their files go, which the next round sees to.
+void ReplicaExchange::tidy(const ExchangeRound &round)
+{
+    if (round.clearable > replica.cleared() && replica.isFree()) {
+        if (const auto error = replica.clear(round.clearable))
+            Log::line(error->message);
+        else
+            wantsAnother = true;
+    }
+    if (!round.isSnapshotDue || std::exchange(isMaking, true))
+        return;
+    maker.start([this, from = replica.storePath(), own = replica.device(), model = &replica.objectModel(),
+                 to = folder, status = sealed, alive = std::weak_ptr(living)] {
+        const OptionalError error = makeSnapshot(to, status, from, *model, own, isEnding);
+        MainLoop::performDelayed(Seconds(0), [this, error, alive] {
+            if (!alive.lock())
+                return;
+            // After a failure the next look that comes by itself tries again.
+            isMaking = false;
+            if (error)
+                Log::line(error->message);
+            else
+                lookSoon();
+        });
+    });
 }
 
 /// What the store does not keep any more cannot be written anew; all before it neither.
@@ -286,6 +237,20 @@ void ReplicaExchange::takeInSome()
         return;
     if (!replica.isFree())
         return again(untilFree);
+    if (arrived) {
+        const SnapshotHead head = *std::exchange(arrived, std::nullopt);
+        const auto adopted = replica.adopt(arrivalPath, head.seen);
+        QFile::remove(arrivalPath);
+        if (!adopted) {
+            Log::line(adopted.error().message);
+            if (!isPassing(adopted.error()))
+                refused.insert(arrivedMark);
+        } else {
+            takenIn(adopted.value());
+            // There may be nothing left to wait for.
+            lookSoon();
+        }
+    }
     const size_t before = waiting.size();
     const auto changes =
         std::ranges::any_of(waiting, [this](const ChangeFile &one) { return replica.isNext(one); })
@@ -309,13 +274,15 @@ void ReplicaExchange::takeInSome()
     tell();
     if (waiting.size() < before && !waiting.empty())
         again(Seconds(0));
+    else if (replica.owesAcknowledgement())
+        lookSoon();
 }
 
 /// Folders of devices that came since are watched, too.
-void ReplicaExchange::follow()
+void ReplicaExchange::follow(const QStringList &folders)
 {
     const QStringList watched = watcher.directories();
-    for (const QString &path : folder.watchedFolders()) {
+    for (const QString &path : folders) {
         // What came there before it was watched is still to be looked for.
         if (!watched.contains(path) && watcher.addPath(path))
             lookSoon();
@@ -330,7 +297,7 @@ void ReplicaExchange::sendNow()
     const SealingStatus status = sealing ? sealing->look() : sealed;
     if (!status.canExchange() || !sealed.canExchange())
         return;
-    for (const Replica::Outgoing &one : replica.outgoing(mostBytesAtOnce)) {
+    for (const Replica::Outgoing &one : replica.outgoing(mostBytesToSend)) {
         if (writeSave(folder, status, {replica.device(), one.number}, one.bytes) ||
             replica.markSent(one.number))
             return;

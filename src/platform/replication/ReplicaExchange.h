@@ -1,8 +1,6 @@
 #pragma once
 
-#include "replication/Replica.h"
-#include "replication/ReplicaFolder.h"
-#include "replication/Sealing.h"
+#include "replication/ExchangeRound.h"
 
 #include <QFileSystemWatcher>
 #include <QThreadPool>
@@ -16,12 +14,7 @@ namespace replication {
 /// How the exchange with the other devices stands.
 struct Health
 {
-    struct Problem
-    {
-        QString path;
-        /// Why it cannot be taken in, in words.
-        QString reason;
-    };
+    using Problem = FileProblem;
 
     std::vector<Device> devices;
     /// Saves of this device that are not in the folder yet.
@@ -39,8 +32,8 @@ struct Health
 /// Keeps a replica and the folder of the devices in step: what is saved here goes there soon, and what comes
 /// there is taken in. Files are read and written off the main thread; a file that cannot be read is tried
 /// again at each look, since it may not have come whole yet. In a sealed folder it writes and takes in sealed
-/// files only, and its own that are open it writes anew; without the key nothing goes out or comes in. Main
-/// thread.
+/// files only, and its own that are open it writes anew; without the key nothing goes out or comes in. Saves
+/// that all devices have, and that a snapshot holds, it removes. Main thread.
 class ReplicaExchange
 {
 public:
@@ -48,8 +41,9 @@ public:
 
     /// \param takenIn hears of each commit that brought in something.
     /// \param folderSealing whether the folder is sealed; null if it never is.
+    /// \param snapshotTerms when it makes a snapshot.
     ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn takenIn,
-                    std::shared_ptr<const Sealing> folderSealing = nullptr);
+                    std::shared_ptr<const Sealing> folderSealing = nullptr, SnapshotTerms snapshotTerms = {});
     /// Waits for the file that is being written or read.
     ~ReplicaExchange();
     ReplicaExchange(const ReplicaExchange &) = delete;
@@ -68,13 +62,13 @@ public:
     void setListener(std::function<void()> wanted) { listener = std::move(wanted); }
 
 private:
-    struct Round;
     void startRound();
-    void finishRound(Round &round);
+    void finishRound(ExchangeRound &round);
     void noteLost(const std::vector<qint64> &unfit, qint64 upTo);
     void takeInSome();
-    void checkOwnFiles(const std::vector<qint64> &numbers, const std::vector<qint64> &unfit);
-    void follow();
+    void checkOwnFiles(const ExchangeRound &round);
+    void tidy(const ExchangeRound &round);
+    void follow(const QStringList &folders);
     void tell() const;
 
     Replica &replica;
@@ -82,6 +76,8 @@ private:
     TakenIn takenIn;
     std::function<void()> listener;
     QThreadPool thread;
+    /// Makes snapshots, which takes seconds, beside it.
+    QThreadPool maker;
     QFileSystemWatcher watcher;
     std::unique_ptr<RepeatingTimer> timer;
     std::deque<ChangeFile> waiting;
@@ -92,6 +88,16 @@ private:
     SealingStatus sealed;
     /// The key under which the own files were found, or are being written; empty for open files.
     QByteArray ownKeyMark;
+    SnapshotTerms terms;
+    /// An unpacked snapshot that waits to be taken in, and where it does.
+    std::optional<SnapshotHead> arrived;
+    QString arrivalPath;
+    QString arrivedMark;
+    QSet<QString> verified;
+    QSet<QString> refused;
+    bool isMaking = false;
+    /// Whoever makes a snapshot stops then.
+    std::atomic<bool> isEnding = false;
     bool isResting = false;
     bool isRoundDue = false;
     bool isRunning = false;

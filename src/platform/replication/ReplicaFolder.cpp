@@ -15,16 +15,30 @@ namespace replication {
 namespace {
 
 const QString prefix = QStringLiteral("changes-");
+const QString snapshotPrefix = QStringLiteral("snapshot-");
 constexpr int digits = 10;
 
-/// The number in the name of a save, or 0 if it is the name of something else.
-qint64 numberIn(const QString &name)
+/// The number in the name of a file, or 0 if it is the name of something else.
+qint64 numberIn(const QString &name, const QString &beginning)
 {
-    if (name.size() != prefix.size() + digits || !name.startsWith(prefix))
+    if (name.size() != beginning.size() + digits || !name.startsWith(beginning))
         return 0;
     bool isNumber = false;
-    const qint64 number = name.mid(prefix.size()).toLongLong(&isNumber);
+    const qint64 number = name.mid(beginning.size()).toLongLong(&isNumber);
     return isNumber && number > 0 ? number : 0;
+}
+
+std::vector<qint64> numbersIn(const QString &folder, const QString &beginning)
+{
+    std::vector<qint64> numbers;
+    QDirIterator names(folder, QDir::Files);
+    while (names.hasNext()) {
+        names.next();
+        if (const qint64 number = numberIn(names.fileName(), beginning))
+            numbers.push_back(number);
+    }
+    std::ranges::sort(numbers);
+    return numbers;
 }
 
 bool isDevice(const QString &name)
@@ -47,41 +61,64 @@ OptionalError ReplicaFolder::prepare() const
 
 QString ReplicaFolder::pathOf(const Dot &dot) const
 {
-    return folder + u'/' + QString::fromUtf8(dot.device) + u'/' + prefix +
+    return folderOf(dot.device) + u'/' + prefix + QString::number(dot.number).rightJustified(digits, u'0');
+}
+
+QString ReplicaFolder::snapshotPathOf(const Dot &dot) const
+{
+    return folderOf(dot.device) + u'/' + snapshotPrefix +
            QString::number(dot.number).rightJustified(digits, u'0');
+}
+
+OptionalError ReplicaFolder::makeFolderOf(const DeviceId &device) const
+{
+    const QString path = folderOf(device);
+    return PrivateFiles::makeFolder(path)
+               ? std::nullopt
+               : OptionalError(Error{QStringLiteral("files"), 0,
+                                     QStringLiteral("The folder %1 cannot be made").arg(path)});
 }
 
 OptionalError ReplicaFolder::write(const Dot &dot, const QByteArray &bytes) const
 {
-    const QString path = pathOf(dot);
-    PrivateFiles::makeFolder(QFileInfo(path).path());
-    return writeFileAtomically(path, bytes);
+    if (auto error = makeFolderOf(dot.device))
+        return error;
+    return writeFileAtomically(pathOf(dot), bytes);
 }
 
 std::vector<qint64> ReplicaFolder::numbersOf(const DeviceId &device) const
 {
-    std::vector<qint64> numbers;
-    QDirIterator names(folder + u'/' + QString::fromUtf8(device), QDir::Files);
-    while (names.hasNext()) {
-        names.next();
-        if (const qint64 number = numberIn(names.fileName()))
-            numbers.push_back(number);
+    return numbersIn(folderOf(device), prefix);
+}
+
+std::vector<DeviceId> ReplicaFolder::devices() const
+{
+    std::vector<DeviceId> list;
+    for (const QString &name : QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (isDevice(name))
+            list.push_back(name.toUtf8());
     }
-    std::ranges::sort(numbers);
-    return numbers;
+    return list;
 }
 
 std::vector<ReplicaFolder::Entry> ReplicaFolder::list(const VersionVector &beyond) const
 {
     std::vector<Entry> entries;
-    for (const QString &name : QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (!isDevice(name))
-            continue;
-        const DeviceId device = name.toUtf8();
+    for (const DeviceId &device : devices()) {
         for (const qint64 number : numbersOf(device)) {
             if (number > beyond.of(device))
                 entries.push_back({device, number, pathOf({device, number})});
         }
+    }
+    return entries;
+}
+
+std::vector<ReplicaFolder::Entry> ReplicaFolder::snapshots() const
+{
+    std::vector<Entry> entries;
+    for (const DeviceId &device : devices()) {
+        for (const qint64 number : numbersIn(folderOf(device), snapshotPrefix))
+            entries.push_back({device, number, snapshotPathOf({device, number})});
     }
     return entries;
 }
@@ -91,10 +128,8 @@ QStringList ReplicaFolder::watchedFolders() const
     QStringList folders;
     if (QFileInfo(folder).isDir())
         folders.append(folder);
-    for (const QString &name : QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (isDevice(name))
-            folders.append(folder + u'/' + name);
-    }
+    for (const DeviceId &device : devices())
+        folders.append(folderOf(device));
     return folders;
 }
 

@@ -11,8 +11,9 @@ namespace replication {
 
 /// The folder through which devices exchange their saves, and which another program replicates. Each device
 /// writes into a folder of its own, one file for each save, which never changes once it has its name, unless
-/// it is sealed later. Other files are left alone: what is still being transferred, and what a replicating
-/// program makes of conflicts, has other names. Any thread.
+/// it is sealed later; and now and then a snapshot of all that it knows, after which files may go. Other
+/// files are left alone: what is still being transferred, and what a replicating program makes of conflicts,
+/// has other names. Any thread.
 class ReplicaFolder
 {
 public:
@@ -38,8 +39,14 @@ public:
     /// The folders that change when something new comes.
     QStringList watchedFolders() const;
     QString pathOf(const Dot &dot) const;
+    /// The snapshots of all devices; the number is that of the last save of the device that is in it.
+    std::vector<Entry> snapshots() const;
+    QString snapshotPathOf(const Dot &dot) const;
+    OptionalError makeFolderOf(const DeviceId &device) const;
 
 private:
+    QString folderOf(const DeviceId &device) const { return folder + u'/' + QString::fromUtf8(device); }
+    std::vector<DeviceId> devices() const;
     QString folder;
 };
 

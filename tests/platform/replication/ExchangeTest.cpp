@@ -1,110 +1,8 @@
-#include "../objectstore/Library.h"
+#include "ExchangeFixture.h"
 
 #include "objectstore/ChangeHistory.h"
 
-#include "replication/ReplicaExchange.h"
-#include "support/TestSupport.h"
-
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-
 // What can happen in the folder between two devices.
-
-using replication::Replica;
-using replication::ReplicaExchange;
-using replication::ReplicaFolder;
-
-namespace {
-
-class Device
-{
-public:
-    Device(const QString &shared, const QByteArray &name)
-        : folder(shared)
-        , machine(name)
-    {
-        start();
-    }
-    Library &library() { return store; }
-    const ReplicaExchange &exchange() const { return *running; }
-    QByteArray id() const { return replica->device(); }
-    void stop()
-    {
-        running.reset();
-        replica.reset();
-        store.close();
-    }
-    void start()
-    {
-        if (!replica)
-            store.open();
-        auto opened = Replica::open(store.context(), QString::fromUtf8(machine), machine);
-        ASSERT_TRUE(opened) << opened.error().message.toStdString();
-        replica = std::move(*opened);
-        running = std::make_unique<ReplicaExchange>(
-            *replica, ReplicaFolder(folder), [this](const StoreChanges &) { ++importCount; }, sealing);
-    }
-    void look() { running->lookSoon(); }
-    /// Begins anew, with what the device knows of the seal of the folder.
-    void restartWith(std::shared_ptr<const replication::Sealing> seal)
-    {
-        stop();
-        sealing = std::move(seal);
-        start();
-    }
-    void sealingChanged() { running->sealingChanged(); }
-    bool has(const char *title) { return store.find(title) != nullptr; }
-    int importCount = 0;
-
-private:
-    QString folder;
-    QByteArray machine;
-    Library store;
-    std::shared_ptr<const replication::Sealing> sealing;
-    std::unique_ptr<Replica> replica;
-    std::unique_ptr<ReplicaExchange> running;
-};
-
-class ExchangeTest : public testing::Test
-{
-protected:
-    static bool waitFor(const std::function<bool()> &condition, int milliseconds = 10'000)
-    {
-        const QDeadlineTimer deadline(milliseconds);
-        while (!condition() && !deadline.hasExpired())
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        return condition();
-    }
-    QStringList filesOf(const Device &device) const
-    {
-        return QDir(shared.filePath(QString::fromUtf8(device.id()))).entryList(QDir::Files);
-    }
-    QString path(const Device &device, const QString &name) const
-    {
-        return shared.filePath(QString::fromUtf8(device.id())) + u'/' + name;
-    }
-    static void write(const QString &path, const QByteArray &bytes)
-    {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-    static QByteArray contents(const QString &path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
-    QTemporaryDir shared;
-    Device one{shared.path(), "one"};
-    Device other{shared.path(), "other"};
-};
-
-} // namespace
 
 TEST_F(ExchangeTest, WhatIsSavedArrivesInBothDirections)
 {
@@ -121,6 +19,32 @@ TEST_F(ExchangeTest, WhatIsSavedArrivesInBothDirections)
     EXPECT_FALSE(one.has("Emma") && one.has("Momo"));
     EXPECT_TRUE(waitFor([this] { return one.exchange().health().unsent == 0; }));
     EXPECT_EQ(one.exchange().health().devices.size(), 2u);
+}
+
+TEST_F(ExchangeTest, WhatOtherProgramsWriteIntoTheStoreArrivesToo)
+{
+    one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("Kim"); }));
+    one.stop();
+    one.library().open();
+    one.library().elsewhere(
+        "UPDATE Book SET pages = 7 WHERE title = 'Momo'; UPDATE Book SET pages = 8 WHERE "
+        "title = 'Momo'; DELETE FROM Book WHERE title = 'Emma'; INSERT INTO Label (id, name) "
+        "VALUES ('l', 'red'); INSERT INTO Book_labels SELECT id, 'l' FROM Book");
+    one.start();
+    EXPECT_TRUE(waitFor([this] { return !other.has("Emma"); }));
+    // While it runs, and over what the other one changes elsewhere in the row.
+    other.library().find("Kim")->setPages(3);
+    other.library().save();
+    one.library().elsewhere("UPDATE Book SET title = 'Kim Two' WHERE title = 'Kim'");
+    one.look();
+    other.look();
+    EXPECT_TRUE(
+        waitFor([this] { return other.has("Kim Two") && one.library().dump() == other.library().dump(); }));
+    EXPECT_EQ(other.library().find("Kim Two")->pages(), 3);
+    EXPECT_EQ(other.library().find("Momo")->pages(), 8);
+    EXPECT_EQ(other.library().find("Momo")->labels().size(), 1u);
+    EXPECT_EQ(one.library().ask(u"SELECT COUNT(*) FROM ObjectStoreFormer"_qs), QStringList(u"0"_qs));
 }
 
 TEST_F(ExchangeTest, FilesThatAreBrokenOrOfOthersAreToldOfAndTriedAgain)

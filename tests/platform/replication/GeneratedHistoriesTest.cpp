@@ -1,6 +1,5 @@
-#include "../objectstore/Library.h"
+#include "DeviceOfLibrary.h"
 
-#include "replication/Replica.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -8,75 +7,9 @@
 #include <random>
 
 // Several devices change the same library, each on its own for a while, and hear of each other in any order.
-// In the end all hold the same rows.
-
-using replication::ChangeFile;
-using replication::Replica;
+// In the end all hold the same rows, and of twins that several of them joined at once, one is left.
 
 namespace {
-
-class DeviceOfLibrary
-{
-public:
-    explicit DeviceOfLibrary(int number)
-        : place(QByteArray::number(number))
-    {
-        start();
-    }
-
-    Library &library() { return store; }
-    Replica &replica() { return *opened; }
-    /// As after a kill: what was not saved is gone.
-    void restart()
-    {
-        opened.reset();
-        store.reopen();
-        start();
-    }
-    /// Hands out what was saved since the last time.
-    std::vector<QByteArray> send()
-    {
-        std::vector<QByteArray> files;
-        for (const Replica::Outgoing &one : opened->outgoing(std::numeric_limits<qsizetype>::max())) {
-            files.push_back(one.bytes);
-            EXPECT_FALSE(opened->markSent(one.number));
-        }
-        return files;
-    }
-    void receive(const QByteArray &bytes)
-    {
-        auto file = ChangeFile::fromBytes(bytes);
-        ASSERT_TRUE(file) << file.error().message.toStdString();
-        waiting.push_back(std::move(*file));
-    }
-    void takeIn()
-    {
-        const auto changes = opened->takeIn(waiting, 1000);
-        EXPECT_TRUE(changes) << changes.error().message.toStdString();
-        settle();
-    }
-    void settle()
-    {
-        if (opened->hasUnsettled()) {
-            const auto changes = opened->settle();
-            EXPECT_TRUE(changes) << changes.error().message.toStdString();
-        }
-    }
-    size_t waitingCount() const { return waiting.size(); }
-
-private:
-    void start()
-    {
-        auto result = Replica::open(store.context(), QString::fromUtf8(place), place);
-        ASSERT_TRUE(result) << result.error().message.toStdString();
-        opened = std::move(*result);
-    }
-
-    QByteArray place;
-    Library store;
-    std::unique_ptr<Replica> opened;
-    std::deque<ChangeFile> waiting;
-};
 
 /// What the devices do, and what they hear.
 class Story
@@ -88,9 +21,8 @@ public:
         for (int number = 0; number < deviceCount; ++number)
             devices.push_back(std::make_unique<DeviceOfLibrary>(number));
         inboxes.resize(devices.size());
-        skews.resize(devices.size());
-        for (double &skew : skews)
-            skew = oneIn(3) ? below(200'000) - 100'000 : 0;
+        for (size_t number = 0; number < devices.size(); ++number)
+            skews.push_back(anySkew());
     }
 
     void run(int steps)
@@ -98,21 +30,36 @@ public:
         for (int step = 0; step < steps; ++step) {
             const auto number = static_cast<size_t>(below(static_cast<int>(devices.size())));
             if (oneIn(20))
-                skews[number] = below(200'000) - 100'000;
+                skews[number] = anySkew();
             now += below(3);
             const FrozenClock clock(Date::fromReferenceSeconds(8e8 + now + skews[number]));
             DeviceOfLibrary &device = *devices[number];
             if (oneIn(40))
                 device.restart();
-            if (oneIn(8) && device.library()->canUndo())
-                EXPECT_FALSE(oneIn(4) && device.library()->canRedo() ? device.library()->redo()
-                                                                     : device.library()->undo());
+            if (oneIn(8) && device.library()->canUndo()) {
+                const bool isRedo = oneIn(4) && device.library()->canRedo();
+                EXPECT_FALSE(isRedo ? device.library()->redo() : device.library()->undo());
+            } else if (oneIn(5))
+                changeTwins(device);
+            else if (oneIn(8))
+                changeElsewhere(device.library());
             else
                 change(device.library());
+            if (oneIn(30)) {
+                EXPECT_FALSE(device.replica().acknowledge());
+            }
+            if (oneIn(2))
+                device.saveForeignWrites();
             device.settle();
             exchange(number, oneIn(4));
+            if (oneIn(15))
+                handOverSnapshot(number);
+            if (oneIn(40) && devices.size() < 5)
+                join(number);
         }
         const FrozenClock clock(Date::fromReferenceSeconds(8e8 + now));
+        for (const auto &device : devices)
+            device->saveForeignWrites();
         for (int round = 0; round < 2; ++round) {
             for (size_t number = 0; number < devices.size(); ++number)
                 exchange(number, true);
@@ -128,6 +75,8 @@ public:
             EXPECT_EQ(missingIn(device->library().dump(), first), QStringList());
             EXPECT_EQ(device->library().ask(QStringLiteral("PRAGMA foreign_key_check")), QStringList());
         }
+        for (const int number : made)
+            EXPECT_FALSE(twins(devices.front()->library(), number).empty()) << "Twins " << number;
     }
 
 private:
@@ -149,8 +98,82 @@ private:
         const auto all = library->fetch<T>(FetchRequest(T::entityName));
         return all.size() == 0 || oneIn(6) ? nullptr : all[below(static_cast<int>(all.size()))];
     }
+    /// Seconds; sometimes more than a year.
+    double anySkew()
+    {
+        if (oneIn(10))
+            return oneIn(2) ? 4e7 : -4e7;
+        return oneIn(3) ? below(200'000) - 100'000 : 0;
+    }
+
+    // Authors of the same name that came about on several devices, of which one is to stay: one with a
+    // birthday before one without, then the one of the smaller identifier.
+
+    static QString twinName(int number) { return QStringLiteral("twin %1").arg(number); }
+    static std::vector<std::shared_ptr<Author>> twins(Library &library, int number)
+    {
+        std::vector<std::shared_ptr<Author>> list;
+        for (const auto &one : library->fetch<Author>(
+                 FetchRequest("Author").where(Predicate::format("name = %@", twinName(number)))))
+            list.push_back(one);
+        std::ranges::sort(
+            list, {}, [](const auto &one) { return std::pair(!one->born().has_value(), one->identifier()); });
+        return list;
+    }
+    void changeTwins(DeviceOfLibrary &device)
+    {
+        Library &library = device.library();
+        const auto all = twins(library, below(2));
+        if (all.size() > 1 && oneIn(2)) {
+            Transaction joining(library.context(), ChangeAuthor::Replication);
+            device.replica().keep({"Author", all.front()->identifier()});
+            for (size_t place = 1; place < all.size(); ++place)
+                library->deleteObject(all[place]);
+            EXPECT_FALSE(joining.commit());
+        } else if (all.empty() || oneIn(4)) {
+            Transaction making(library.context(), ChangeAuthor::Program);
+            const int number = below(2);
+            library->insert<Author>()->setName(twinName(number));
+            EXPECT_FALSE(making.commit());
+            made.insert(number);
+        } else {
+            const auto &one = all[static_cast<size_t>(below(int(all.size())))];
+            one->setBorn(one->born() ? OptionalDate() : Date::fromReferenceSeconds(1));
+            library.save();
+        }
+    }
 
     QString word() { return QString(QChar(u'a' + below(26))) + QString::number(below(100)); }
+
+    /// Another program writes, some of it twice or with nothing left of it.
+    void changeElsewhere(Library &library)
+    {
+        const QByteArray id = "elsewhere-" + QByteArray::number(below(12));
+        const QByteArray any = " WHERE id = (SELECT id FROM Book ORDER BY id LIMIT 1 OFFSET " +
+                               QByteArray::number(below(4)) + ");";
+        const QByteArray number = QByteArray::number(below(900));
+        QByteArray sql;
+        for (int count = 1 + below(3); count > 0; --count) {
+            switch (below(5)) {
+            case 0:
+                sql += "INSERT OR REPLACE INTO Book (id, title, shelf) VALUES ('" + id + "', 'e" + number +
+                       "', (SELECT MAX(id) FROM Shelf));";
+                break;
+            case 1:
+                sql += "UPDATE Book SET pages = " + number + any;
+                break;
+            case 2:
+                sql += "UPDATE Book SET title = 'e" + number + "', author = NULL" + any;
+                break;
+            case 3:
+                sql += "DELETE FROM Book_labels WHERE source = (SELECT MAX(source) FROM Book_labels);";
+                break;
+            default:
+                sql += "DELETE FROM Book" + any;
+            }
+        }
+        library.elsewhere("PRAGMA foreign_keys = ON;" + sql);
+    }
 
     /// One save with a few changes.
     void change(Library &library)
@@ -181,7 +204,7 @@ private:
                     shelf->setName(word());
                 break;
             case 6:
-                if (const auto author = any<Author>(library))
+                if (const auto author = any<Author>(library); author && !author->name().startsWith(u"twin"))
                     library->deleteObject(author);
                 break;
             case 7:
@@ -220,6 +243,7 @@ private:
     void exchange(size_t number, bool isAll)
     {
         for (const QByteArray &bytes : devices[number]->send()) {
+            sent.push_back(bytes);
             for (size_t other = 0; other < devices.size(); ++other) {
                 if (other != number)
                     inboxes[other].push_back(bytes);
@@ -237,7 +261,54 @@ private:
         devices[number]->takeIn();
     }
 
+    DeviceOfLibrary::Snapshot snapshotOf(size_t number)
+    {
+        return devices[number]->snapshot(folder.filePath(QString::number(++snapshotCount)));
+    }
+    /// A snapshot takes the place of all that another device has not taken in yet, or comes beside it.
+    void handOverSnapshot(size_t number)
+    {
+        const size_t other = static_cast<size_t>(below(int(devices.size())));
+        const auto snapshot = snapshotOf(number);
+        if (oneIn(2)) {
+            std::erase_if(inboxes[other], [&](const QByteArray &bytes) {
+                const auto file = replication::ChangeFile::fromBytes(bytes);
+                return snapshot.seen.of(file.value().dot.device) >= file.value().dot.number;
+            });
+            devices[other]->adopt(snapshot);
+        } else {
+            late.push_back({other, snapshot});
+        }
+        if (!late.empty() && oneIn(2)) {
+            devices[late.back().first]->adopt(late.back().second);
+            late.pop_back();
+        }
+    }
+    /// A new device, with some rows of its own already, hears only what comes after a snapshot.
+    void join(size_t number)
+    {
+        devices.push_back(std::make_unique<DeviceOfLibrary>(int(devices.size())));
+        inboxes.emplace_back();
+        skews.push_back(anySkew());
+        if (oneIn(2))
+            change(devices.back()->library());
+        const auto snapshot = snapshotOf(number);
+        // What the maker of the snapshot has not heard of yet.
+        inboxes.back() = sent;
+        std::erase_if(inboxes.back(), [&](const QByteArray &bytes) {
+            const auto file = replication::ChangeFile::fromBytes(bytes);
+            return snapshot.seen.of(file.value().dot.device) >= file.value().dot.number;
+        });
+        devices.back()->adopt(snapshot);
+    }
+
     std::mt19937 random;
+    QTemporaryDir folder;
+    int snapshotCount = 0;
+    std::vector<std::pair<size_t, DeviceOfLibrary::Snapshot>> late;
+    /// All saves of all devices.
+    std::vector<QByteArray> sent;
+    std::set<int> made;
     double now = 0;
     std::vector<std::unique_ptr<DeviceOfLibrary>> devices;
     std::vector<std::vector<QByteArray>> inboxes;

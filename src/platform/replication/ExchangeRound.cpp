@@ -1,0 +1,244 @@
+#include "replication/ExchangeRound.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
+
+#include <algorithm>
+
+namespace replication {
+
+namespace {
+
+constexpr qsizetype mostBytesAtOnce = 8'000'000;
+
+/// What identifies a file for the seal: where it lies below the folder.
+QString sealName(const Dot &dot)
+{
+    return QString::fromUtf8(dot.device) + u'/' + QString::number(dot.number);
+}
+
+QString snapshotSealName(const Dot &dot)
+{
+    return QStringLiteral("snapshot/") + sealName(dot);
+}
+
+QString sizeMark(const ReplicaFolder::Entry &entry)
+{
+    const QFileInfo info(entry.path);
+    return entry.path + u' ' + QString::number(info.size()) + u' ' +
+           QString::number(info.lastModified().toMSecsSinceEpoch());
+}
+
+} // namespace
+
+OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed, const Dot &dot,
+                        const QByteArray &bytes)
+{
+    if (!sealed.sealer)
+        return folder.write(dot, bytes);
+    auto content = sealed.sealer->seal(bytes, sealName(dot));
+    return content ? folder.write(dot, *content) : OptionalError(content.error());
+}
+
+OptionalError makeSnapshot(const ReplicaFolder &folder, const SealingStatus &sealed, const QString &storePath,
+                           const ManagedObjectModel &model, const DeviceId &own,
+                           const std::atomic<bool> &isCancelled)
+{
+    const QString databasePath = storePath + QStringLiteral("-leaving");
+    const auto remover = qScopeGuard([&databasePath] { QFile::remove(databasePath); });
+    auto head = snapshot::extract(storePath, model, databasePath, isCancelled);
+    if (!head)
+        return head.error();
+    if (head->dot.device != own)
+        return Error{QStringLiteral("snapshot"), 0, QStringLiteral("The store is that of another device")};
+    if (auto error = folder.makeFolderOf(own))
+        return error;
+    if (auto error = snapshot::pack(*head, databasePath, sealed.sealer.get(), snapshotSealName(head->dot),
+                                    folder.snapshotPathOf(head->dot)))
+        return error;
+    for (const ReplicaFolder::Entry &entry : folder.snapshots()) {
+        if (entry.device == own && entry.number != head->dot.number)
+            QFile::remove(entry.path);
+    }
+    return std::nullopt;
+}
+
+void ExchangeRound::run()
+{
+    if (const auto error = folder.prepare()) {
+        folderProblem = error->message;
+        return;
+    }
+    watchedFolders = folder.watchedFolders();
+    if (sealing)
+        sealed = sealing->look();
+    // What comes first tells of a folder whose file with the key is still on its way.
+    if (sealed.canExchange())
+        read();
+    if (!sealed.canExchange())
+        return;
+    findSnapshots();
+    takeSnapshot();
+    if (listsOwn) {
+        listOwn();
+        return;
+    }
+    write();
+    tidy();
+}
+
+void ExchangeRound::listOwn()
+{
+    ownNumbers = folder.numbersOf(own);
+    if (!sealed.sealer)
+        return;
+    for (const qint64 one : ownNumbers) {
+        QFile file(folder.pathOf({own, one}));
+        if (file.open(QIODevice::ReadOnly) && !sealed.sealer->isOwnSeal(file.read(Sealer::headLength())))
+            unfit.push_back(one);
+    }
+}
+
+/// The save in a file that is sealed just if the folder is.
+Result<ChangeFile> ExchangeRound::saveIn(const QByteArray &bytes, const Dot &dot)
+{
+    if (sealed.sealer) {
+        auto content = sealed.sealer->open(bytes, sealName(dot));
+        return content ? ChangeFile::fromBytes(*content) : Result<ChangeFile>(content.error());
+    }
+    if (!Sealer::isSealed(bytes))
+        return ChangeFile::fromBytes(bytes);
+    const Error error{QStringLiteral("sealing"), 0,
+                      QStringLiteral("It is sealed, and the file \"key\" of the folder has not come yet")};
+    // Nothing may be written in the open beside it.
+    sealed = {SealingState::Unusable, nullptr, error.message};
+    return error;
+}
+
+void ExchangeRound::write()
+{
+    for (const Replica::Outgoing &one : outgoing) {
+        if (const auto error = writeSave(folder, sealed, {own, one.number}, one.bytes)) {
+            folderProblem = error->message;
+            return;
+        }
+        written.push_back(one.number);
+    }
+}
+
+void ExchangeRound::read()
+{
+    qsizetype size = 0;
+    present = folder.list(known);
+    for (const ReplicaFolder::Entry &entry : present) {
+        if (entry.device == own || waiting.contains({entry.device, entry.number}))
+            continue;
+        if (size > mostBytesAtOnce) {
+            isMoreLeft = true;
+            return;
+        }
+        QFile file(entry.path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            problems.push_back({entry.path, file.errorString()});
+            continue;
+        }
+        const QByteArray bytes = file.readAll();
+        size += bytes.size();
+        auto content = saveIn(bytes, {entry.device, entry.number});
+        if (!content)
+            problems.push_back({entry.path, content.error().message});
+        else if (content->dot != Dot{entry.device, entry.number})
+            problems.push_back({entry.path, QStringLiteral("It is another save than its name says")});
+        else
+            files.push_back(std::move(*content));
+    }
+}
+
+void ExchangeRound::findSnapshots()
+{
+    for (const ReplicaFolder::Entry &entry : folder.snapshots()) {
+        const Dot dot{entry.device, entry.number};
+        auto head = snapshot::readHead(entry.path, sealed.sealer.get(), snapshotSealName(dot));
+        if (head && head->dot != dot)
+            head = Error{{}, 0, QStringLiteral("It is another save than its name says")};
+        if (head && head->schema > schema)
+            head = Error{{}, 0, QStringLiteral("It was written by a newer version of the program")};
+        if (head && !refused.isEmpty() && refused.contains(sizeMark(entry)))
+            head = Error{{}, 0, QStringLiteral("It is damaged")};
+        if (head)
+            snapshots.push_back({entry, *head});
+        else if (entry.device == own)
+            isSnapshotDue = !listsOwn; // An open one in a sealed folder among them.
+        else
+            problems.push_back({entry.path, head.error().message});
+    }
+    for (const Found &one : snapshots)
+        ownCovered = std::max(ownCovered, one.head.seen.of(own));
+}
+
+void ExchangeRound::takeSnapshot()
+{
+    if (arrivalPath.isEmpty())
+        return;
+    Dots there = waiting;
+    for (const ReplicaFolder::Entry &entry : present)
+        there.insert({entry.device, entry.number});
+    std::vector<SnapshotHead> heads;
+    for (const Found &one : snapshots)
+        heads.push_back(one.head);
+    // One that turns out to be damaged leaves the place to the next one.
+    while (const auto place = snapshotToTake(heads, known, there, own)) {
+        const ReplicaFolder::Entry &entry = snapshots[*place].entry;
+        auto head = snapshot::unpack(entry.path, sealed.sealer.get(),
+                                     snapshotSealName({entry.device, entry.number}), arrivalPath);
+        if (head) {
+            arrived = *head;
+            arrivedMark = sizeMark(entry);
+            return;
+        }
+        problems.push_back({entry.path, head.error().message});
+        snapshots.erase(snapshots.begin() + static_cast<std::ptrdiff_t>(*place));
+        heads.erase(heads.begin() + static_cast<std::ptrdiff_t>(*place));
+    }
+}
+
+/// Looks whether a snapshot is to be made, and removes own saves that nobody needs any more.
+void ExchangeRound::tidy()
+{
+    ownNumbers = folder.numbersOf(own);
+    qint64 bytes = 0;
+    int uncovered = 0;
+    for (const qint64 one : ownNumbers) {
+        if (one > ownCovered) {
+            ++uncovered;
+            bytes += uncovered < terms.mostFiles ? QFileInfo(folder.pathOf({own, one})).size() : 0;
+        }
+    }
+    isSnapshotDue =
+        isSnapshotDue || cleared > ownCovered || uncovered >= terms.mostFiles || bytes >= terms.mostBytes;
+    // Those that may have to stand in for files are read to their end, once.
+    std::vector<SnapshotHead> whole;
+    for (const Found &one : snapshots) {
+        if (one.head.seen.of(own) == 0)
+            continue;
+        const QString mark = sizeMark(one.entry);
+        const bool isWhole = verified.contains(mark) ||
+                             snapshot::unpack(one.entry.path, sealed.sealer.get(),
+                                              snapshotSealName({one.entry.device, one.entry.number}), {});
+        if (!isWhole)
+            continue;
+        verified.insert(mark);
+        whole.push_back(one.head);
+    }
+    if (ownNumbers.empty())
+        return;
+    clearable = clearableUpTo(ownNumbers.back(), devices, whole, own);
+    for (const qint64 one : ownNumbers) {
+        if (one <= std::min(clearable, cleared))
+            QFile::remove(folder.pathOf({own, one}));
+    }
+}
+
+} // namespace replication

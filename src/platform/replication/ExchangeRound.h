@@ -1,0 +1,100 @@
+#pragma once
+
+#include "replication/Clearing.h"
+#include "replication/ReplicaFolder.h"
+#include "replication/Sealing.h"
+
+#include <QSet>
+
+namespace replication {
+
+/// A file in the folder that cannot be used.
+struct FileProblem
+{
+    QString path;
+    /// Why it cannot be taken in, in words.
+    QString reason;
+};
+
+/// Writes a save, sealed if the folder is.
+OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed, const Dot &dot,
+                        const QByteArray &bytes);
+
+/// Makes a snapshot of a store and puts it into the folder in the place of the former ones of this device.
+/// \param storePath of the store, which may be in use. What is made on the way lies beside it.
+OptionalError makeSnapshot(const ReplicaFolder &folder, const SealingStatus &sealed, const QString &storePath,
+                           const ManagedObjectModel &model, const DeviceId &own,
+                           const std::atomic<bool> &isCancelled);
+
+/// What one look at the folder does, and what it finds. It runs off the main thread, and knows nothing of the
+/// replica but what it was given.
+struct ExchangeRound
+{
+    ExchangeRound(ReplicaFolder shared, DeviceId device)
+        : folder(std::move(shared))
+        , own(std::move(device))
+    {}
+
+    // What it is given.
+    ReplicaFolder folder;
+    DeviceId own;
+    VersionVector known = {};
+    int schema = 0;
+    /// Of this device.
+    qint64 number = 0;
+    qint64 cleared = 0;
+    std::vector<Replica::Outgoing> outgoing = {};
+    std::vector<Device> devices = {};
+    SnapshotTerms terms = {};
+    /// What waits to be taken in already.
+    Dots waiting = {};
+    bool listsOwn = false;
+    /// Where an unpacked snapshot goes; empty if one waits there already.
+    QString arrivalPath = {};
+    std::shared_ptr<const Sealing> sealing = {};
+    /// Snapshots that were read to their end before.
+    QSet<QString> verified = {};
+    /// Snapshots that could not be taken in.
+    QSet<QString> refused = {};
+
+    // What it finds.
+    SealingStatus sealed = {};
+    std::vector<qint64> written = {};
+    std::vector<qint64> ownNumbers = {};
+    /// Own files that are open in a sealed folder, or sealed with a former key.
+    std::vector<qint64> unfit = {};
+    std::vector<ChangeFile> files = {};
+    std::vector<FileProblem> problems = {};
+    QString folderProblem = {};
+    QStringList watchedFolders = {};
+    bool isMoreLeft = false;
+    /// A snapshot that was unpacked for this device.
+    std::optional<SnapshotHead> arrived = {};
+    /// Tells its file from others, also from another one of its name.
+    QString arrivedMark = {};
+    /// Up to which number a save of this device is in a snapshot of the folder.
+    qint64 ownCovered = 0;
+    bool isSnapshotDue = false;
+    qint64 clearable = 0;
+
+    void run();
+
+private:
+    struct Found
+    {
+        ReplicaFolder::Entry entry;
+        SnapshotHead head;
+    };
+    void listOwn();
+    Result<ChangeFile> saveIn(const QByteArray &bytes, const Dot &dot);
+    void write();
+    void read();
+    void findSnapshots();
+    void takeSnapshot();
+    void tidy();
+
+    std::vector<ReplicaFolder::Entry> present = {};
+    std::vector<Found> snapshots = {};
+};
+
+} // namespace replication

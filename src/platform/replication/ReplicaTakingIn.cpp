@@ -1,0 +1,209 @@
+#include "replication/Replica.h"
+#include "replication/ReplicaBooks.h"
+#include "replication/RowMerge.h"
+#include "replication/SnapshotMerge.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+// What a replica takes in from the others.
+
+namespace replication {
+
+/// Another program was quicker by a moment; the next look tries again.
+static Error foreignWritesWait()
+{
+    return {QStringLiteral("replication"), 0, QStringLiteral("Another program is writing to the store")};
+}
+
+bool Replica::isReady(const ChangeFile &file) const
+{
+    return !isOfNewerVersion(file) && known.of(file.dot.device) + 1 == file.dot.number &&
+           known.covers(file.seen);
+}
+
+OptionalError Replica::noteDevice(const ChangeFile &file)
+{
+    sqlite::Statement statement = database.prepare(
+        "INSERT INTO ObjectStoreReplicas (device, name, number, time, seen, wall, heard) VALUES (?1, ?2, ?3, "
+        "?4, ?5, ?6, ?7) ON CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = MAX(time, ?4), "
+        "seen = ?5, wall = ?6, heard = ?7");
+    VersionVector its = file.seen;
+    its.add(file.dot.device, file.dot.number);
+    statement.bind(QString::fromUtf8(file.dot.device)).bind(file.deviceName).bind(file.dot.number);
+    return bookResult(database, statement.bind(file.time)
+                                    .bind(QString::fromUtf8(its.text()))
+                                    .bind(file.wall)
+                                    .bind(wallMilliseconds())
+                                    .run());
+}
+
+Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostChanges)
+{
+    // What other programs wrote before comes before.
+    if (auto error = saveForeignWrites())
+        return *error;
+    const VersionVector before = known;
+    const qint64 clockBefore = clock;
+    const int untoldBefore = untold;
+    std::deque<ChangeFile> rest = waiting;
+    const QScopedValueRollback guard(isTakingIn, true);
+    auto changes = context.changeRows(
+        [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
+            if (hasForeignWrites())
+                return foreignWritesWait();
+            RowMerge merge(database, model, nextRow);
+            int taken = 0;
+            bool isMoving = true;
+            while (isMoving && taken < mostChanges) {
+                isMoving = false;
+                for (auto file = rest.begin(); file != rest.end() && taken < mostChanges;) {
+                    if (isKnown(*file)) {
+                        file = rest.erase(file);
+                        continue;
+                    }
+                    if (!isReady(*file)) {
+                        ++file;
+                        continue;
+                    }
+                    const auto deltas = file->deltas(model);
+                    if (!deltas)
+                        return Error{QStringLiteral("replication"), 0,
+                                     QStringLiteral("What another device changed cannot be read")};
+                    for (const RowDelta &delta : *deltas) {
+                        if (!merge.merge(delta, true))
+                            return bookFailure(database);
+                    }
+                    if (auto error = noteDevice(*file))
+                        return *error;
+                    taken += static_cast<int>(deltas->size()) + 1;
+                    known.add(file->dot.device, file->dot.number);
+                    clock = std::max(clock, believed(file->time));
+                    if (!deltas->empty() && untold++ == 0)
+                        untoldSince = wallMilliseconds();
+                    isMoving = true;
+                    file = rest.erase(file);
+                }
+            }
+            auto applied = merge.finish();
+            if (applied) {
+                if (auto error = writeOwn())
+                    return *error;
+            }
+            return applied;
+        });
+    if (!changes) {
+        known = before;
+        clock = clockBefore;
+        untold = untoldBefore;
+        return changes.error();
+    }
+    waiting = std::move(rest);
+    return changes;
+}
+
+/// What a snapshot knows of the devices.
+OptionalError Replica::joinDevices(const VersionVector &seen)
+{
+    sqlite::Statement all = database.prepare(
+        "SELECT device, name, number, time, seen, wall, heard FROM arriving.ObjectStoreReplicas");
+    while (all.step()) {
+        const DeviceId device = all.text(0).toUtf8();
+        if (device == own.device || all.integer(2) <= known.of(device))
+            continue;
+        sqlite::Statement statement = database.prepare(
+            "INSERT INTO main.ObjectStoreReplicas (device, name, number, time, seen, wall, heard) VALUES "
+            "(?1, "
+            "?2, ?3, ?4, ?5, ?6, ?7) ON CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = "
+            "MAX(time, ?4), seen = ?5, wall = ?6, heard = MAX(heard, ?7)");
+        statement.bind(all.text(0)).bind(all.text(1)).bind(all.integer(2)).bind(all.integer(3));
+        // Its own row says it when it is the maker's.
+        VersionVector its = VersionVector::fromText(all.text(4).toUtf8());
+        its.add(device, all.integer(2));
+        statement.bind(QString::fromUtf8(its.text())).bind(all.integer(5));
+        const qint64 heard = all.integer(6) > 0 ? all.integer(6) : all.integer(5);
+        if (!statement.bind(std::min(heard, wallMilliseconds())).run())
+            return bookFailure(database);
+        clock = std::max(clock, believed(all.integer(3)));
+    }
+    known.add(seen);
+    constexpr int many = 1000;
+    untold += many;
+    untoldSince = untoldSince > 0 ? untoldSince : wallMilliseconds();
+    return writeOwn();
+}
+
+Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVector &seen)
+{
+    if (!context.isFree())
+        return Error{QStringLiteral("store"), 0, QStringLiteral("The store is being changed")};
+    if (auto error = saveForeignWrites())
+        return *error;
+    sqlite::Statement attached = database.prepare("ATTACH ? AS arriving");
+    if (!attached.bind(databasePath).run())
+        return bookFailure(database);
+    attached.reset();
+    const VersionVector before = known;
+    const qint64 clockBefore = clock;
+    const int untoldBefore = untold;
+    std::vector<RowKey> ownRows;
+    const QScopedValueRollback guard(isTakingIn, true);
+    // So many pages change that they would be written several times.
+    const QByteArray formerCache = QByteArray::number(database.queryInteger("PRAGMA main.cache_size"));
+    OptionalError unenforced = database.execute(
+        "PRAGMA arriving.synchronous = OFF; PRAGMA foreign_keys = OFF; PRAGMA main.cache_size = -262144");
+    auto changes =
+        unenforced
+            ? Result<StoreChanges>(*unenforced)
+            : context.changeManyRows(
+                  [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
+                      if (hasForeignWrites())
+                          return foreignWritesWait();
+                      SnapshotMerge merge(database, model, nextRow);
+                      auto applied = merge.run();
+                      if (!applied)
+                          return applied;
+                      if (auto error = joinDevices(seen))
+                          return *error;
+                      ownRows = merge.ownRows();
+                      return applied;
+                  });
+    if (!changes) {
+        known = before;
+        clock = clockBefore;
+        untold = untoldBefore;
+    }
+    if (auto error = database.execute("PRAGMA foreign_keys = ON; PRAGMA main.cache_size = " + formerCache))
+        return *error;
+    // Whatever stays attached is detached with the connection.
+    database.execute("DETACH arriving").ignore();
+    if (!changes)
+        return changes;
+    for (const RowKey &key : ownRows) {
+        if (const ObjectPtr object = context.object(key.table.toStdString(), key.id))
+            changes.value().inserted.push_back(object);
+    }
+    return changes;
+}
+
+Result<StoreChanges> Replica::settle()
+{
+    if (auto error = saveForeignWrites())
+        return *error;
+    const QScopedValueRollback guard(isTakingIn, true);
+    const std::set<RowKey> keys = std::exchange(unsettled, {});
+    return context.changeRows(
+        [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
+            RowMerge merge(database, model, nextRow);
+            RowLedger ledger(database);
+            for (const RowKey &key : keys) {
+                merge.settleLater(key);
+                for (const auto &[place, column] : ledger.placesOf(key.id))
+                    merge.settleLater(place);
+            }
+            return merge.finish();
+        });
+}
+
+} // namespace replication

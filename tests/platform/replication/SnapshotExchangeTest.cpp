@@ -1,0 +1,180 @@
+#include "ExchangeFixture.h"
+
+// Snapshots take the place of saves.
+
+namespace {
+
+class SnapshotExchangeTest : public ExchangeTest
+{
+protected:
+    SnapshotExchangeTest()
+    {
+        other.stop();
+        one.stop();
+        one.terms.mostFiles = 5;
+        one.start();
+    }
+    QStringList snapshotsOf(const Device &device) const { return filesOf(device).filter(u"snapshot-"_qs); }
+    qsizetype saveCountOf(const Device &device) const
+    {
+        return filesOf(device).filter(u"changes-"_qs).size();
+    }
+    QString pathOfSnapshot(const Device &device) const { return path(device, snapshotsOf(device).front()); }
+    void expectEqual()
+    {
+        EXPECT_TRUE(waitFor([this] { return one.library().dump() == other.library().dump(); }));
+        for (Device *device : {&one, &other})
+            EXPECT_EQ(device->library().ask(u"PRAGMA foreign_key_check"_qs), QStringList());
+    }
+    const QStringList six = {u"A"_qs, u"B"_qs, u"C"_qs, u"D"_qs, u"E"_qs, u"F"_qs};
+};
+
+} // namespace
+
+TEST_F(SnapshotExchangeTest, ANewDeviceBeginsWithOneAndGoesOn)
+{
+    one.save(six);
+    ASSERT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1 && saveCountOf(one) == 1; }))
+        << "The last save stays";
+    other.start();
+    other.save({u"Own"_qs});
+    EXPECT_TRUE(waitFor([this] { return other.has("A") && other.has("F") && one.has("Own"); }));
+    // Its own edit of what came with the snapshot goes back, and what is new comes by itself.
+    other.library().find("B")->setTitle(u"Bee"_qs);
+    other.library().save();
+    other.look();
+    one.save({u"G"_qs});
+    EXPECT_TRUE(waitFor([this] { return other.has("G") && one.has("Bee"); }));
+    expectEqual();
+    EXPECT_TRUE(other.exchange().health().problems.empty());
+    // The next one replaces it, and the saves that both have go again.
+    one.save({u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs, u"5"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("5"); }));
+    other.save({u"Told"_qs});
+    EXPECT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1 && saveCountOf(one) == 1; }));
+    one.stop();
+    one.start();
+    EXPECT_FALSE(waitFor([this] { return saveCountOf(one) != 1; }, 700)) << "What was cleared stays away";
+}
+
+TEST_F(SnapshotExchangeTest, SavesStayUntilAllHaveThemButForWhoIsAwayForMonths)
+{
+    other.start();
+    other.save({u"Here I am"_qs});
+    ASSERT_TRUE(waitFor([this] { return one.has("Here I am"); }));
+    other.stop();
+    one.save(six);
+    ASSERT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1; }));
+    EXPECT_FALSE(waitFor([this] { return saveCountOf(one) < 6; }, 700));
+    // It edits what the others go on with meanwhile, and deletes what they edit.
+    other.start();
+    ASSERT_TRUE(waitFor([this] { return other.has("F"); }));
+    other.stop();
+    const QTemporaryDir empty;
+    {
+        Device &away = other;
+        away.startIn(empty.path());
+        away.library().find("A")->setTitle(u"Away"_qs);
+        away.library()->deleteObject(away.library().find("B"));
+        away.library()->deleteObject(away.library().find("C"));
+        away.library().save();
+        away.stop();
+    }
+    const FrozenClock later(Clock::now() + Seconds(100.0 * 86400));
+    one.library().find("A")->setPages(7);
+    one.library().find("B")->setPages(8);
+    one.library().save();
+    one.save({u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs, u"5"_qs, u"6"_qs});
+    ASSERT_TRUE(waitFor([this] { return saveCountOf(one) == 1; })) << "Nobody waits for ever";
+    other.startIn(shared.path());
+    EXPECT_TRUE(waitFor([this] { return one.has("Away") && other.has("6"); }));
+    expectEqual();
+    EXPECT_TRUE(other.has("B")) << "The deletion did not know of the edit";
+    EXPECT_FALSE(other.has("C"));
+    EXPECT_EQ(other.library().find("Away")->pages(), 7);
+}
+
+TEST_F(SnapshotExchangeTest, ADamagedOneIsToldOfAndLosesNothing)
+{
+    const LogCapture log;
+    one.save(six);
+    ASSERT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1 && saveCountOf(one) == 1; }));
+    const QString file = pathOfSnapshot(one);
+    one.stop();
+    const QByteArray whole = contents(file);
+    const qsizetype middle = whole.size() / 2;
+    for (const QByteArray &bad :
+         {whole.left(whole.size() - 1), whole.left(20), QByteArray(), whole + 'x',
+          QByteArray(whole).replace(middle, 1, QByteArray(1, char(whole.at(middle) ^ 1))),
+          QByteArray(5000, 'z')}) {
+        write(file, bad);
+        other.start();
+        EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 1; })) << bad.size();
+        EXPECT_FALSE(other.has("A"));
+        EXPECT_EQ(other.library().ask(u"PRAGMA foreign_key_check"_qs), QStringList());
+        other.stop();
+    }
+    // Whoever made it makes another one as soon as it looks.
+    one.start();
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("A"); }));
+    expectEqual();
+    // Without any, too.
+    other.stop();
+    ASSERT_TRUE(QFile::remove(pathOfSnapshot(one)));
+    one.look();
+    EXPECT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1; }));
+}
+
+TEST_F(SnapshotExchangeTest, AStoreThatWasPutBackIsAnotherDeviceThoughItsSavesAreCleared)
+{
+    one.save({u"Before"_qs});
+    ASSERT_TRUE(waitFor([this] { return saveCountOf(one) == 1; }));
+    one.stop();
+    const QString store = one.library().path();
+    const QString copy = store + u".copy"_qs;
+    ASSERT_TRUE(QFile::copy(store, copy));
+    one.start();
+    const QByteArray former = one.id();
+    one.save(six);
+    ASSERT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1 && saveCountOf(one) == 1; }));
+    const QString last = path(one, filesOf(one).filter(u"changes-"_qs).front());
+    one.stop();
+    ASSERT_TRUE(QFile::remove(store) && QFile::rename(copy, store) && QFile::remove(last));
+    one.start();
+    EXPECT_TRUE(waitFor([&] { return one.id() != former && one.has("F"); }));
+    one.save({u"After"_qs});
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("After") && other.has("Before") && other.has("A"); }));
+    expectEqual();
+}
+
+TEST_F(SnapshotExchangeTest, ADeviceThatOnlyReadsSaysSoOnce)
+{
+    other.start();
+    QStringList many;
+    for (int number = 0; number < 55; ++number)
+        many.append(QString::number(number));
+    one.save(many);
+    const auto told = [this] {
+        for (const replication::Device &device : one.exchange().health().devices) {
+            if (!device.isOwn)
+                return device.seen.of(one.id());
+        }
+        return qint64(0);
+    };
+    EXPECT_TRUE(waitFor([&] { return told() >= 50; }));
+    EXPECT_TRUE(waitFor([this] { return saveCountOf(one) < 55; })) << "So that its saves can go";
+    const auto filesOfBoth = [this] { return filesOf(one) + filesOf(other); };
+    waitFor([&] { return one.exchange().health().unsent + other.exchange().health().unsent == 0; });
+    // They have nothing more to say to each other, not even after days.
+    const FrozenClock later(Clock::now() + Seconds(3.0 * 86400));
+    other.look();
+    EXPECT_TRUE(waitFor([&] { return told() == 55; }));
+    waitFor([] { return false; }, 1000);
+    const QStringList before = filesOfBoth();
+    const FrozenClock evenLater(Clock::now() + Seconds(3.0 * 86400));
+    one.look();
+    other.look();
+    EXPECT_FALSE(waitFor([&] { return filesOfBoth() != before; }, 1500));
+}
