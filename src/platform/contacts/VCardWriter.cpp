@@ -159,6 +159,8 @@ QByteArray VCardWriter::text(const CNContact &contact, Version version)
         card.line("TITLE:" + escaped(contact.jobTitle));
     if (contact.birthday)
         writeBirthday(card, *contact.birthday);
+    if (!contact.note.isEmpty())
+        card.line("NOTE:" + escaped(contact.note));
     for (const auto &[label, number] : contact.phoneNumbers)
         card.labelled("TEL", label, phoneTypes(), escaped(number));
     for (const auto &[label, address] : contact.emailAddresses)

@@ -32,6 +32,19 @@ QColor translucent(QColor colour, int alpha)
     return colour;
 }
 
+/// The ground of a chosen row: no stronger than its quiet words can bear.
+QColor selectionOf(const QColor &fill, Theme::Scheme scheme, int alpha)
+{
+    constexpr int step = 2;
+    const auto canBeRead = [scheme](const QColor &ground) {
+        return Theme::contrast(Theme::secondaryText.of(scheme),
+                               Theme::mixed(ground, Theme::card.of(scheme))) >= Theme::leastTextContrast;
+    };
+    while (alpha > step && !canBeRead(translucent(fill, alpha)))
+        alpha -= step;
+    return translucent(fill, alpha);
+}
+
 bool isDarkScheme(Theme::Scheme scheme)
 {
     return scheme == Theme::Scheme::Dark || scheme == Theme::Scheme::DarkContrast;
@@ -103,7 +116,7 @@ QColor Theme::accentOf(Scheme scheme, Accent part, std::optional<QColor> accent)
     case Accent::TextOnFill:
         return dark ? QColor(10, 18, 32) : QColor(255, 255, 255);
     case Accent::Selection:
-        return translucent(fill, strong ? 60 : dark ? 46 : 30);
+        return selectionOf(fill, scheme, strong ? 60 : dark ? 46 : 30);
     case Accent::SelectionStrong:
         return translucent(fill, strong ? 90 : dark ? 72 : 48);
     case Accent::Ring:

@@ -195,12 +195,11 @@ TEST_F(AccessibilityTest, TabGoesAsTheEyeDoesOnEveryScreenThatIsReturnedTo)
         } while (way.last() != list().objectName() && way.size() < 10);
         QStringList wanted = {u"buttonFilter"_s,    u"outlineViewListItem"_s, u"buttonAdd"_s,
                               u"buttonCalendars"_s, u"searchField"_s,         u"tableViewTasks"_s};
+        if (item == SidebarItem::Categories)
+            wanted.front() = u"popUpButtonSort"_s;
+        wanted.insert(1, item == SidebarItem::Categories ? u"tableViewCategory"_s : u"captureField"_s);
         if (item == SidebarItem::Today)
             wanted.prepend(u"tasksGroupedView"_s);
-        if (item == SidebarItem::Categories) {
-            wanted.front() = u"popUpButtonSort"_s;
-            wanted.insert(1, u"tableViewCategory"_s);
-        }
         EXPECT_EQ(way, wanted) << qPrintable(way.join(u' '));
     }
 }

@@ -48,6 +48,11 @@ void CaptureBar::save()
     const TaskPtr task = CapturedTask::save(field->capture(), request());
     if (!task)
         return;
-    field->clear();
+    const QString words = CapturedTask::inWords(field->capture());
+    // With nothing of it to be typed anew by Undo, which takes the task back.
+    field->setText({});
+    // Where it went may be another list; this stays until the next line is typed.
+    understood->setText(task->title() + (words.isEmpty() ? QString() : u" · "_s + words));
+    understood->setVisible(true);
     Q_EMIT captured(task);
 }

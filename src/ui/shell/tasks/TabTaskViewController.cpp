@@ -50,7 +50,8 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
         setUpGrouping();
     }
     addButton(ToolBarButton::Calendars);
-    if (type() != ListType::Done)
+    // What is done is not typed anew, and a category has its list beside that of the tasks.
+    if (type() != ListType::Done && type() != ListType::Categories)
         setUpCapture();
     connect(table(), &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
     connect(commands, &TaskRowCommands::whyChosen, this, &TabTaskViewController::whyRequested);
