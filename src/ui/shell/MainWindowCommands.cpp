@@ -46,18 +46,18 @@ static ManagedObjectContext *context()
 /// While a text has the keys, its own typing is what is taken back.
 static bool canUndo()
 {
-    return TextCommands::hasText() ? TextCommands::canUndo() : context() && context()->canUndo();
+    return TextCommands::hasSteps() ? TextCommands::canUndo() : context() && context()->canUndo();
 }
 
 static bool canRedo()
 {
-    return TextCommands::hasText() ? TextCommands::canRedo() : context() && context()->canRedo();
+    return TextCommands::hasSteps() ? TextCommands::canRedo() : context() && context()->canRedo();
 }
 
 /// What the step that would be taken back, or done again, is called; empty for typing.
 static QString nameOfStep(QString (ManagedObjectContext::*name)())
 {
-    return TextCommands::hasText() || !context() ? QString() : localized((context()->*name)());
+    return TextCommands::hasSteps() || !context() ? QString() : localized((context()->*name)());
 }
 
 /// Opens an address with the program that the desktop has for it, or says that there is none.
@@ -273,12 +273,12 @@ void MainWindowController::groupsMayHaveChanged()
 
 void MainWindowController::undo()
 {
-    TextCommands::hasText() ? TextCommands::undo() : stepBack(&ManagedObjectContext::undo);
+    TextCommands::hasSteps() ? TextCommands::undo() : stepBack(&ManagedObjectContext::undo);
 }
 
 void MainWindowController::redo()
 {
-    TextCommands::hasText() ? TextCommands::redo() : stepBack(&ManagedObjectContext::redo);
+    TextCommands::hasSteps() ? TextCommands::redo() : stepBack(&ManagedObjectContext::redo);
 }
 
 /// Takes the last save back, or does it again, and shows what has come of it.

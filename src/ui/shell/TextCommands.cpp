@@ -1,5 +1,7 @@
 #include "shell/TextCommands.h"
 
+#include "shell/tasks/CaptureEdit.h"
+
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
@@ -29,6 +31,12 @@ struct FocusedText
         return rich ? !rich->isReadOnly() : plain && !plain->isReadOnly();
     }
     bool isThere() const { return line || rich || plain; }
+    /// What was typed last in an empty line for new tasks is a task already, which Undo takes back.
+    bool leavesSteps() const
+    {
+        return qobject_cast<CaptureEdit *>(line) && line->text().isEmpty() && !line->isUndoAvailable() &&
+               !line->isRedoAvailable();
+    }
     bool canUndo() const
     {
         if (line)
@@ -62,6 +70,11 @@ struct FocusedText
 bool TextCommands::hasText()
 {
     return FocusedText().isThere();
+}
+
+bool TextCommands::hasSteps()
+{
+    return FocusedText().isThere() && !FocusedText().leavesSteps();
 }
 
 bool TextCommands::canCut()

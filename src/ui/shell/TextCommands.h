@@ -5,6 +5,8 @@ namespace TextCommands {
 
 /// Whether a text has the keys, which the commands of a list then leave alone.
 bool hasText();
+/// Whether Undo and Redo belong to that text.
+bool hasSteps();
 
 bool canCut();
 bool canCopy();

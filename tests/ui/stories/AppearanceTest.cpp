@@ -2,8 +2,8 @@
 
 #include "widgets/Appearance.h"
 #include "foundation/UserDefaults.h"
-#include "widgets/LookOfProgram.h"
 #include "ui/support/ShellTest.h"
+#include "widgets/LookOfProgram.h"
 
 #include <QLabel>
 #include <QRadioButton>

@@ -2,11 +2,11 @@
 
 #include "calendarsync/SyncSettings.h"
 #include "foundation/Localization.h"
-#include "widgets/LookOfProgram.h"
 #include "shell/devices/DevicesWindow.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/FormCard.h"
+#include "widgets/LookOfProgram.h"
 #include "widgets/TextLabel.h"
 #include "widgets/WindowPlace.h"
 
