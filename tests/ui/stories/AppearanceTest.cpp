@@ -7,6 +7,7 @@
 
 #include <QLabel>
 #include <QRadioButton>
+#include <QScreen>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -75,6 +76,26 @@ TEST_F(AppearanceTest, TheChoiceInThePreferencesShowsAtOnceEverywhere)
     choose("radioButtonContrastDesktop");
     EXPECT_EQ(groundOf(settings), Theme::card.of(Theme::Scheme::Light));
     EXPECT_EQ(heading->palette().color(QPalette::WindowText), lightWords);
+}
+
+TEST_F(AppearanceTest, ThePreferencesFitOntoALowScreenAndAllOfThemCanBeReached)
+{
+    QWidget &settings = *preferences();
+    EXPECT_LE(settings.height(), settings.screen()->availableGeometry().height());
+    auto &button = find<QWidget>(settings, "buttonDevices");
+    settings.resize(settings.width(), 300);
+    QApplication::setActiveWindow(&settings);
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), u"radioButtonSchemeDesktop"_s);
+    for (int count = 0; count < 30 && !button.hasFocus(); ++count)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_TRUE(button.hasFocus());
+    QApplication::processEvents();
+    const QRect shown(button.mapTo(&settings, QPoint()), button.size());
+    EXPECT_TRUE(settings.rect().contains(shown)) << "what has the focus comes into sight";
+    const QRect widest(find<QWidget>(settings, "radioButtonSchemeDark").mapTo(&settings, QPoint()),
+                       find<QWidget>(settings, "radioButtonSchemeDark").size());
+    EXPECT_LE(widest.right(), settings.width());
 }
 
 TEST_F(AppearanceTest, WhatTheDesktopWantedLastIsTheFirstPictureOfTheNextStart)

@@ -6,6 +6,7 @@
 #include "store/state/NotificationNames.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/FormCard.h"
+#include "widgets/FormScroll.h"
 #include "widgets/LookOfProgram.h"
 #include "widgets/TextLabel.h"
 #include "widgets/WindowPlace.h"
@@ -17,6 +18,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
+#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -25,20 +28,25 @@ constexpr int width = 480;
 
 MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
     : QWidget(parent, Qt::Window)
-    , column(new QVBoxLayout(this))
+    , column(new QVBoxLayout)
 {
     setObjectName(u"PreferencesWindow"_s);
     setWindowTitle(localized(u"Preferences"_s));
     setAttribute(Qt::WA_DeleteOnClose);
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(2 * Theme::unit);
-    column->setSizeConstraint(QLayout::SetFixedSize);
+    auto *body = new QWidget;
+    body->setLayout(column);
     setUpLook();
     setUpAccess();
     setUpSync();
     setUpContacts();
     setUpDevices();
     refresh();
+    auto *around = new QVBoxLayout(this);
+    around->setContentsMargins({});
+    around->addWidget(new FormScroll(body));
+    setFixedWidth(body->sizeHint().width());
     preferences =
         NotificationCenter::defaultCenter().addObserver(notifications::preferences, [this] { refresh(); });
 }
@@ -212,8 +220,12 @@ void MVSetiingsCalendarController::actionRadioButtonDisplayOrder(int choice)
 void MVSetiingsCalendarController::showWindow()
 {
     if (!isVisible()) {
-        adjustSize();
+        // Where the screen is too low for all of it, the rest is scrolled to.
+        const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+        const int room = screen()->availableGeometry().height() - titleBar - 2 * Theme::unit;
+        resize(width(), std::min(sizeHint().height(), room));
         placeOverParent(*this);
+        scheme->checkedButton()->setFocus(Qt::OtherFocusReason);
     }
     show();
     raise();
