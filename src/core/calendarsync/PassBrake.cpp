@@ -35,9 +35,7 @@ std::optional<bool> mayRemove(int rowCount)
     Log::line(QStringLiteral("The pass would remove %1 tasks, which is much; nothing is removed unasked.")
                   .arg(rowCount));
     const QString message =
-        rowCount == 1
-            ? localized(QStringLiteral("One task is no longer found in your calendars."))
-            : localized(QStringLiteral("%1 tasks are no longer found in your calendars.")).arg(rowCount);
+        localizedCount(QStringLiteral("%1 tasks are no longer found in your calendars."), rowCount);
     const QString information =
         localized(QStringLiteral("If a calendar is only missing at the moment, keep them. If you removed "
                                  "their events, remove them too."));

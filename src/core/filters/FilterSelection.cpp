@@ -9,10 +9,10 @@ QString FilterSelection::popUpTitle(bool selectedAll, int countObjects)
         return localized(QStringLiteral("All"));
     if (countObjects == 0)
         return localized(QStringLiteral("None"));
-    const QString noun = countObjects == 1 ? QStringLiteral("item") : QStringLiteral("items");
     // The first letter of the word is the Cyrillic one.
     return QStringLiteral("%1 %2 %3")
-        .arg(localized(QStringLiteral("\u0421hoose")), QString::number(countObjects), localized(noun));
+        .arg(localized(QStringLiteral("\u0421hoose")), QString::number(countObjects),
+             localizedCount(QStringLiteral("items"), countObjects));
 }
 
 QString FilterSelection::title() const

@@ -97,8 +97,9 @@ UserNotification digestOf(const std::vector<UserNotification> &missed)
     if (names.size() > namesShown)
         names = names.first(namesShown) << QStringLiteral("…");
     UserNotification digest = missed.back();
-    digest.subtitle = localized(QStringLiteral("%1 alerts came while Morvane was closed: %2"))
-                          .arg(QString::number(missed.size()), names.join(QStringLiteral(", ")));
+    digest.subtitle = localizedCount(QStringLiteral("%1 alerts came while Morvane was closed: %2"),
+                                     static_cast<qint64>(missed.size()))
+                          .arg(names.join(QStringLiteral(", ")));
     digest.hasActionButton = false;
     return digest;
 }

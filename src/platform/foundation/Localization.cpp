@@ -1,5 +1,6 @@
 #include "foundation/Localization.h"
 
+#include "foundation/IcuText.h"
 #include "foundation/Log.h"
 #include "foundation/Region.h"
 
@@ -8,9 +9,19 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <map>
 #include <mutex>
+#include <unicode/plurrule.h>
 
-using Words = QHash<QString, QString>;
+/// The text of a key. One that counts has its texts by plural form.
+struct Entry
+{
+    QString text;
+    QHash<QString, QString> forms;
+    QString language;
+};
+
+using Words = QHash<QString, Entry>;
 
 /// All words read so far, for one state of the region and one list of folders.
 struct WordTables
@@ -39,11 +50,42 @@ static QJsonObject readTable(const QString &path)
     return document.object();
 }
 
-static void addWords(Words &words, const QString &path)
+static Entry entryOf(const QJsonValue &value, const QString &language)
+{
+    Entry entry{value.toString(), {}, language};
+    const QJsonObject forms = value.toObject();
+    for (auto form = forms.begin(); form != forms.end(); ++form)
+        entry.forms.insert(form.key(), form.value().toString());
+    return entry;
+}
+
+static void addWords(Words &words, const QString &path, const QString &language)
 {
     const QJsonObject table = readTable(path);
     for (auto entry = table.begin(); entry != table.end(); ++entry)
-        words.insert(entry.key(), entry.value().toString());
+        words.insert(entry.key(), entryOf(entry.value(), language));
+}
+
+/// The plural category of a number, "few" for example.
+static QString pluralForm(const QString &language, qint64 count)
+{
+    thread_local std::map<QString, std::unique_ptr<icu::PluralRules>> rulesOfLanguages;
+    auto &rules = rulesOfLanguages[language];
+    if (!rules) {
+        UErrorCode status = U_ZERO_ERROR;
+        rules.reset(icu::PluralRules::forLocale(icu::Locale(language.toUtf8().constData()), status));
+    }
+    return rules ? qtText(rules->select(static_cast<double>(count))) : QStringLiteral("other");
+}
+
+static QString textFor(const Entry &entry, qint64 count)
+{
+    if (entry.forms.isEmpty())
+        return entry.text;
+    const QString exact = entry.forms.value(QLatin1Char('=') + QString::number(count));
+    if (!exact.isEmpty())
+        return exact;
+    return entry.forms.value(pluralForm(entry.language, count), entry.forms.value(QStringLiteral("other")));
 }
 
 static QString fileName(const QString &table, const QString &language)
@@ -59,7 +101,7 @@ static Words readWords(const QString &table, const QStringList &folders)
     const QStringList languages = Region::preferredLocalizations();
     for (auto language = languages.rbegin(); language != languages.rend(); ++language)
         for (const QString &folder : folders)
-            addWords(words, folder + fileName(table, *language));
+            addWords(words, folder + fileName(table, *language), *language);
     return words;
 }
 
@@ -84,7 +126,18 @@ QString localized(const QString &key)
 QString localized(const QString &key, const QString &table)
 {
     const std::lock_guard lock(tables().mutex);
-    return wordsOf(table).value(key, key);
+    const Words &words = wordsOf(table);
+    const auto entry = words.constFind(key);
+    return entry == words.constEnd() || !entry->forms.isEmpty() ? key : entry->text;
+}
+
+QString localizedCount(const QString &key, qint64 count)
+{
+    const std::lock_guard lock(tables().mutex);
+    const Words &words = wordsOf(QString());
+    const auto entry = words.constFind(key);
+    QString text = entry == words.constEnd() ? key : textFor(*entry, count);
+    return text.replace(QStringLiteral("%1"), QString::number(count));
 }
 
 QString languageOfWords()

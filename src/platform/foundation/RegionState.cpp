@@ -41,5 +41,10 @@ QString languageOf(const icu::Locale &locale)
         likely.addLikelySubtags(status);
         script = likely.getScript();
     }
+    // Written Norwegian and Portuguese are at hand in one form each.
+    if (language == QLatin1String("no") || language == QLatin1String("nn"))
+        return QStringLiteral("nb");
+    if (language == QLatin1String("pt"))
+        return QStringLiteral("pt-PT");
     return script.isEmpty() ? language : language + QLatin1Char('-') + QString::fromLatin1(script);
 }

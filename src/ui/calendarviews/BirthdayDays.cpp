@@ -66,7 +66,7 @@ QString BirthdayDays::wordsFor(const List &birthdays, const std::function<bool(c
             return words;
     if (birthdays.size() < 2)
         return names;
-    const QString count = localized(u"%1 birthdays"_s).arg(birthdays.size());
+    const QString count = localizedCount(u"%1 birthdays"_s, birthdays.size());
     return fits(count) ? count : QString::number(birthdays.size());
 }
 

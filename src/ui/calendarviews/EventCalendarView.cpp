@@ -155,7 +155,7 @@ QString EventCalendarView::dayTitle(Date date, int items)
     QStringList words{dayName(date)};
     if (Calendar::current().isDateInToday(date))
         words << localized(u"Today"_s);
-    words << (items == 1 ? localized(u"1 item"_s) : localized(u"%1 items"_s).arg(items));
+    words << localizedCount(u"%1 items"_s, items);
     return words.join(u", "_s);
 }
 

@@ -86,7 +86,7 @@ void MVPopUp::showRows()
 void MVPopUp::tellCount()
 {
     const int found = pick.rowCount();
-    const QString words = found == 1 ? localized(u"1 result"_s) : localized(u"%1 results"_s).arg(found);
+    const QString words = localizedCount(u"%1 results"_s, found);
     Accessibility::announce(*this, found == 0 ? labelEmpty->text() : words);
 }
 

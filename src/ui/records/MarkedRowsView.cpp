@@ -79,7 +79,7 @@ void MarkedRowsView::showMarks()
 void MarkedRowsView::tellCount()
 {
     const auto found = std::ranges::count(rows.rows(), false, &MarkedRows::Row::isHeading);
-    const QString sentence = found == 1 ? localized(u"1 result"_s) : localized(u"%1 results"_s).arg(found);
+    const QString sentence = localizedCount(u"%1 results"_s, found);
     Accessibility::announce(*table, found == 0 ? labelEmpty->text() : sentence);
 }
 

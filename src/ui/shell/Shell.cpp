@@ -77,6 +77,9 @@ void Shell::prepareApplication()
     QApplication::setPalette(Theme::palette());
     QApplication::setFont(Theme::applicationFont());
     LookOfProgram::showRemembered();
+    // Where the words are left to right, the desktop's own wish stands.
+    if (QLocale(languageOfWords()).textDirection() == Qt::RightToLeft)
+        QApplication::setLayoutDirection(Qt::RightToLeft);
     QApplication::setApplicationDisplayName(u"Morvane"_s);
     QApplication::setDesktopFileName(u"com.halvern.morvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);

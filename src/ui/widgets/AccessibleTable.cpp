@@ -406,7 +406,7 @@ void AccessibleTable::tellSelection()
         for (const auto &[key, isSelected] : rows)
             Accessibility::partSelected(view, key, isSelected);
     } else if (view.selectedCount() > 1) {
-        Accessibility::announce(view, localized(u"%1 selected"_s).arg(view.selectedCount()));
+        Accessibility::announce(view, localizedCount(u"%1 selected"_s, view.selectedCount()));
     }
 }
 

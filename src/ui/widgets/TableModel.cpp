@@ -15,7 +15,7 @@ Qt::ItemFlags TableModel::flags(const QModelIndex &index) const
 
 QString TableModel::countInWords(int items) const
 {
-    return items == 1 ? localized(u"1 line"_s) : localized(u"%1 lines"_s).arg(items);
+    return localizedCount(u"%1 lines"_s, items);
 }
 
 int TableModel::nearestItem(int row, int direction) const

@@ -531,26 +531,19 @@ TaskImportAccount TaskImport::import(const StepBlock &step)
 QStringList TaskImportAccount::sentences() const
 {
     QStringList all;
-    all.append(added == 0   ? localized(u"Nothing new was imported."_s)
-               : added == 1 ? localized(u"1 entry was imported."_s)
-                            : localized(u"%1 entries were imported."_s).arg(added));
+    all.append(added == 0 ? localized(u"Nothing new was imported."_s)
+                          : localizedCount(u"%1 entries were imported."_s, added));
     if (same > 0)
-        all.append(same == 1 ? localized(u"1 was there already, just the same."_s)
-                             : localized(u"%1 were there already, just the same."_s).arg(same));
-    const auto tell = [&](const QStringList &titles, const QString &one, const QString &many) {
-        if (titles.size() == 1)
-            all.append(localized(one).arg(titles.first()));
-        else if (!titles.isEmpty())
-            all.append(localized(many).arg(titles.size()).arg(someTitles(titles)));
+        all.append(localizedCount(u"%1 were there already, just the same."_s, same));
+    const auto tell = [&](const QStringList &titles, const QString &sentence) {
+        if (!titles.isEmpty())
+            all.append(localizedCount(sentence, titles.size()).arg(someTitles(titles)));
     };
     if (wasStopped)
         all.append(localized(u"The import was stopped; what it had done by then stays."_s));
-    tell(changed, u"One was there and now says what the file says: %1."_s,
-         u"%1 were there and now say what the file says: %2."_s);
-    tell(newerHere, u"One says something else here, and stays as it is: %1."_s,
-         u"%1 say something else here, and stay as they are: %2."_s);
-    tell(partial, u"Of one, not everything could be taken over: %1."_s,
-         u"Of %1, not everything could be taken over: %2."_s);
-    tell(refused, u"One could not be imported: %1"_s, u"%1 could not be imported: %2"_s);
+    tell(changed, u"%1 were there and now say what the file says: %2."_s);
+    tell(newerHere, u"%1 say something else here, and stay as they are: %2."_s);
+    tell(partial, u"Of %1, not everything could be taken over: %2."_s);
+    tell(refused, u"%1 could not be imported: %2"_s);
     return all;
 }

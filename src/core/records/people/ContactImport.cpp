@@ -398,31 +398,22 @@ QStringList ContactImportAccount::sentences() const
 {
     QStringList all;
     if (added > 0 || addedCompanies == 0)
-        all.append(added == 0   ? localized(u"No contact was imported."_s)
-                   : added == 1 ? localized(u"1 contact was imported."_s)
-                                : localized(u"%1 contacts were imported."_s).arg(added));
+        all.append(added == 0 ? localized(u"No contact was imported."_s)
+                              : localizedCount(u"%1 contacts were imported."_s, added));
     if (addedCompanies > 0)
-        all.append(addedCompanies == 1 ? localized(u"1 company was imported."_s)
-                                       : localized(u"%1 companies were imported."_s).arg(addedCompanies));
-    const auto tell = [&](const QStringList &names, const QString &one, const QString &many) {
-        if (names.size() == 1)
-            all.append(localized(one).arg(names.first()));
-        else if (!names.isEmpty())
-            all.append(localized(many).arg(names.size()).arg(someOf(names)));
+        all.append(localizedCount(u"%1 companies were imported."_s, addedCompanies));
+    const auto tell = [&](const QStringList &names, const QString &sentence) {
+        if (!names.isEmpty())
+            all.append(localizedCount(sentence, names.size()).arg(someOf(names)));
     };
     if (wasStopped)
         all.append(localized(u"The import was stopped; what it had done by then stays."_s));
-    tell(existing, u"One was there already: %1."_s, u"%1 were there already: %2."_s);
-    tell(poorer, u"One of those lacks something that its card has, and stays as it is: %1."_s,
-         u"%1 of those lack something that their cards have, and stay as they are: %2."_s);
-    tell(refused, u"One could not be imported: %1"_s, u"%1 could not be imported: %2"_s);
-    tell(withoutPicture, u"One came without a picture, since that is none or cannot be read: %1."_s,
-         u"%1 came without a picture, since that is none or cannot be read: %2."_s);
-    tell(withoutYear, u"One birthday without a year stands in a note: %1."_s,
-         u"%1 birthdays without a year stand in notes: %2."_s);
-    tell(unreadBirthdays, u"One birthday cannot be read and stands in a note: %1."_s,
-         u"%1 birthdays cannot be read and stand in notes: %2."_s);
-    tell(otherJobTitles, u"One job title is none of those that there are and stands in a note: %1."_s,
-         u"%1 job titles are none of those that there are and stand in notes: %2."_s);
+    tell(existing, u"%1 were there already: %2."_s);
+    tell(poorer, u"%1 of those lack something that their cards have, and stay as they are: %2."_s);
+    tell(refused, u"%1 could not be imported: %2"_s);
+    tell(withoutPicture, u"%1 came without a picture, since that is none or cannot be read: %2."_s);
+    tell(withoutYear, u"%1 birthdays without a year stand in notes: %2."_s);
+    tell(unreadBirthdays, u"%1 birthdays cannot be read and stand in notes: %2."_s);
+    tell(otherJobTitles, u"%1 job titles are none of those that there are and stand in notes: %2."_s);
     return all;
 }

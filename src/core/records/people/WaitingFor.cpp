@@ -43,7 +43,7 @@ QString sinceInWords(OptionalDate since)
     if (days <= 0)
         return localized(u"since today"_s);
     return days == 1 ? localized(u"since yesterday"_s)
-                     : localized(u"since %1 (%2 days)"_s).arg(dayInWords(*since)).arg(days);
+                     : localizedCount(u"since %2 (%1 days)"_s, days).arg(dayInWords(*since));
 }
 
 QString askedInWords(OptionalDate asked)
@@ -106,8 +106,7 @@ QString WaitingFor::inWords(const EntityContacts &contact)
         if (task->lastAsked() && (!asked || *asked < *task->lastAsked()))
             asked = task->lastAsked();
     }
-    const QString count =
-        tasks.size() == 1 ? localized(u"1 open task"_s) : localized(u"%1 open tasks"_s).arg(tasks.size());
+    const QString count = localizedCount(u"%1 open tasks"_s, tasks.size());
     QStringList parts{count, sinceInWords(since(*tasks.front())), askedInWords(asked)};
     parts.removeAll(QString());
     return parts.join(u", "_s);

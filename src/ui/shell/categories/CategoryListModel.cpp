@@ -92,7 +92,7 @@ quint64 CategoryListModel::stableIdAt(int row) const
 
 QString CategoryListModel::countInWords(int items) const
 {
-    return items == 1 ? localized(u"1 category"_s) : localized(u"%1 categories"_s).arg(items);
+    return localizedCount(u"%1 categories"_s, items);
 }
 
 /// What a screen reader says of a row.
@@ -100,8 +100,7 @@ static QString spoken(const QString &title, int openTasks, bool isDefault)
 {
     QStringList parts = {title};
     if (openTasks > 0)
-        parts << (openTasks == 1 ? localized(u"1 open task"_s)
-                                 : localized(u"%1 open tasks"_s).arg(openTasks));
+        parts << localizedCount(u"%1 open tasks"_s, openTasks);
     if (isDefault)
         parts << localized(u"default"_s);
     return parts.join(u", "_s);

@@ -228,7 +228,7 @@ void ImportContactWindowController::addFiles(const QStringList &paths)
     if (paths.isEmpty() || isSaving)
         return;
     const QString title =
-        paths.size() == 1 ? QFileInfo(paths.first()).fileName() : localized(u"%1 files"_s).arg(paths.size());
+        paths.size() == 1 ? QFileInfo(paths.first()).fileName() : localizedCount(u"%1 files"_s, paths.size());
     sources.push_back({title, {}, paths});
     popUpSources->addItem(title);
     showSource(popUpSources->count() - 1);
@@ -348,7 +348,7 @@ void ImportContactWindowController::showCounts()
     const QStringList problems = failures + contacts.problems();
     sentences += problems.mid(0, mostSentences);
     if (problems.size() > mostSentences)
-        sentences.append(localized(u"And %1 more of that kind."_s).arg(problems.size() - mostSentences));
+        sentences.append(localizedCount(u"And %1 more of that kind."_s, problems.size() - mostSentences));
     labelState->setToolTip(readablePart(problems.mid(0, 20).join(u'\n')));
     say(sentences.join(u'\n'));
 }

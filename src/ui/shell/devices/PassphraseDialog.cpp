@@ -87,7 +87,7 @@ QString PassphraseDialog::objection() const
     if (purpose == Purpose::Enter)
         return {};
     if (first->text().size() < fewestLetters)
-        return localized(u"The passphrase needs at least %1 letters."_s).arg(fewestLetters);
+        return localizedCount(u"The passphrase needs at least %1 letters."_s, fewestLetters);
     return first->text() == second->text() ? QString() : localized(u"The two are not the same."_s);
 }
 

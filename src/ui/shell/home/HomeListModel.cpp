@@ -91,7 +91,7 @@ QString HomeListModel::countInWords(int items) const
         return localized(u"No events"_s);
     if (!isTickable())
         return TableModel::countInWords(items);
-    return items == 1 ? localized(u"1 task"_s) : localized(u"%1 tasks"_s).arg(items);
+    return localizedCount(u"%1 tasks"_s, items);
 }
 
 int HomeListModel::rowCount(const QModelIndex &parent) const

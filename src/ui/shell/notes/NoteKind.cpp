@@ -20,7 +20,7 @@ static QString countInWords(int notes)
 {
     if (notes == 0)
         return localized(u"No Notes"_s);
-    return notes == 1 ? localized(u"1 note"_s) : localized(u"%1 notes"_s).arg(notes);
+    return localizedCount(u"%1 notes"_s, notes);
 }
 
 RecordKind NoteKind::description()

@@ -51,7 +51,7 @@ static QString contactsInWords(int people)
 {
     if (people == 0)
         return localized(u"No People"_s);
-    return people == 1 ? localized(u"1 person"_s) : localized(u"%1 people"_s).arg(people);
+    return localizedCount(u"%1 people"_s, people);
 }
 
 RecordKind PeopleKinds::contacts()
@@ -102,7 +102,7 @@ static QString employeesOf(const EntityCompany &company)
     const auto itself = DBWorker::getObjectFromId(company.uri());
     const int count = mainContext().count(EntityContacts::fetchRequest().where(
         Predicate::format("company == %@", std::static_pointer_cast<EntityCompany>(itself))));
-    return count == 1 ? localized(u"1 employee"_s) : localized(u"%1 employees"_s).arg(count);
+    return localizedCount(u"%1 employees"_s, count);
 }
 
 static RecordLook lookOfCompany(const ManagedObject &record)
@@ -115,7 +115,7 @@ static QString companiesInWords(int companies)
 {
     if (companies == 0)
         return localized(u"No Companies"_s);
-    return companies == 1 ? localized(u"1 company"_s) : localized(u"%1 companies"_s).arg(companies);
+    return localizedCount(u"%1 companies"_s, companies);
 }
 
 RecordKind PeopleKinds::companies()

@@ -31,7 +31,7 @@ static QString waitingInWords(int tasks)
 {
     if (tasks == 0)
         return localized(u"No Tasks"_s);
-    return tasks == 1 ? localized(u"1 task"_s) : localized(u"%1 tasks"_s).arg(tasks);
+    return localizedCount(u"%1 tasks"_s, tasks);
 }
 
 static RecordKind waitingFor()

@@ -53,7 +53,7 @@ static QString countInWords(int projects)
 {
     if (projects == 0)
         return localized(u"No Projects"_s);
-    return projects == 1 ? localized(u"1 project"_s) : localized(u"%1 projects"_s).arg(projects);
+    return localizedCount(u"%1 projects"_s, projects);
 }
 
 RecordKind ProjectKind::description()

@@ -50,7 +50,7 @@ QString SearchResultsModel::countInWords(int items) const
 {
     if (items == 0)
         return localized(u"Nothing found"_s);
-    return items == 1 ? localized(u"1 result"_s) : localized(u"%1 results"_s).arg(items);
+    return localizedCount(u"%1 results"_s, items);
 }
 
 int SearchResultsModel::rowCount(const QModelIndex &parent) const
