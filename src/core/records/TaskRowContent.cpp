@@ -1,6 +1,8 @@
 #include "records/TaskRowContent.h"
 
 #include "foundation/Localization.h"
+#include "records/Categories.h"
+#include "records/ProjectManager.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/Entities.h"
 
@@ -37,6 +39,27 @@ QString labelFor(const EntityTask &task, ListType list)
     return label(task.dueDate(), hasTime, false, false);
 }
 
+std::vector<TaskRowDetail> detailsOf(const EntityTask &task, ListType list)
+{
+    using Kind = TaskRowDetail::Kind;
+    std::vector<TaskRowDetail> details;
+    const auto tell = [&details](Kind kind, const QString &text, const CategoryPtr &category = nullptr) {
+        if (const QString words = text.simplified(); !words.isEmpty())
+            details.push_back({kind, words, category});
+    };
+    if (const CategoryPtr category = task.category())
+        tell(Kind::Category, Categories::shownTitle(category), category);
+    if (const ProjectPtr project = task.project(); project && list != ListType::ProjectDetail)
+        tell(Kind::Project, ProjectManager::shownTitle(*project));
+    if (const ContactPtr person = task.delegateToUser())
+        tell(Kind::Person, person->fullName());
+    if (const CompanyPtr company = task.company())
+        tell(Kind::Company, company->title());
+    if (const auto place = task.location())
+        tell(Kind::Place, place->title());
+    return details;
+}
+
 } // namespace
 
 TaskRowContent TaskRowContent::of(const EntityTask &task, ListType list)
@@ -49,6 +72,9 @@ TaskRowContent TaskRowContent::of(const EntityTask &task, ListType list)
     content.hasCheckBox = task.allowsContentModifications().value_or(true);
     content.isChecked = task.status() == TaskStatus::Done;
     content.priority = content.hasCheckBox ? task.priority().value_or(Priority::None) : Priority::None;
+    content.repeats = !task.repeat().isEmpty();
+    content.hasNote = !task.details().trimmed().isEmpty();
+    content.details = detailsOf(task, list);
     if (list == ListType::ProjectDetail && task.project())
         content.project = task.project()->title();
     return content;

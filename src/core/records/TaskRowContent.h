@@ -6,9 +6,21 @@
 #include <QString>
 
 #include <memory>
-#include <optional>
+#include <vector>
 
+class EntityCategory;
 class EntityTask;
+
+/// Where a task belongs, of which its row tells below the title.
+struct TaskRowDetail
+{
+    enum class Kind { Category, Project, Person, Company, Place };
+
+    Kind kind = Kind::Category;
+    QString text;
+    /// For its colour, if it is one.
+    std::shared_ptr<EntityCategory> category;
+};
 
 /// What a row of a task list shows of a task.
 struct TaskRowContent
@@ -23,6 +35,10 @@ struct TaskRowContent
     bool hasCheckBox = true;
     bool isChecked = false;
     Priority priority = Priority::None;
+    bool repeats = false;
+    bool hasNote = false;
+    /// In the order of their kinds. The project is not among them in the table of a project.
+    std::vector<TaskRowDetail> details;
 
     /// What a task shows in a list of that kind at this moment.
     static TaskRowContent of(const EntityTask &task, ListType list);

@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QWidget>
 
+#include <utility>
+
 Appearance &Appearance::shared()
 {
     static Appearance instance;
@@ -29,6 +31,12 @@ void Appearance::setTextScale(double scale)
     textScale = scale;
     QApplication::setFont(Theme::applicationFont(scale));
     Q_EMIT changed();
+}
+
+void Appearance::setCompact(bool isWanted)
+{
+    if (std::exchange(isCompactShown, isWanted) != isWanted)
+        Q_EMIT changed();
 }
 
 void Appearance::follow(QWidget &widget, std::function<void()> block)

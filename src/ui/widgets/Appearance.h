@@ -6,7 +6,8 @@
 
 #include <functional>
 
-/// Brings a scheme of the theme onto the screen, at any time while the program runs. Main thread only.
+/// Brings a scheme of the theme, the size of the text and the density of lists onto the screen, at any time
+/// while the program runs. Main thread only.
 class Appearance : public QObject
 {
     Q_OBJECT
@@ -19,6 +20,10 @@ public:
 
     /// Makes all texts larger or smaller than the desktop's font is, 1 for as it is.
     void setTextScale(double scale);
+
+    /// Whether lists show more rows, each on one line.
+    bool isCompact() const { return isCompactShown; }
+    void setCompact(bool isWanted);
 
     /// Calls a block now, and whenever the scheme changes as long as the widget lives.
     static void follow(QWidget &widget, std::function<void()> block);
@@ -34,6 +39,7 @@ private:
 
     std::optional<QColor> shownAccent;
     double textScale = 1;
+    bool isCompactShown = false;
 };
 
 /// What is painted while it lives is meant for paper: in the light scheme, whatever the screen has.

@@ -14,6 +14,7 @@ namespace {
 
 const QString schemeKey = u"appearanceScheme"_s;
 const QString contrastKey = u"appearanceContrast"_s;
+const QString densityKey = u"appearanceDensity"_s;
 // What the desktop wanted last.
 const QString lastSchemeKey = u"desktopScheme"_s;
 const QString lastContrastKey = u"desktopContrast"_s;
@@ -68,6 +69,7 @@ void LookOfProgram::show(const DesktopLook &look)
         accent =
             QColor::fromRgbF(float((*look.accent)[0]), float((*look.accent)[1]), float((*look.accent)[2]));
     Appearance::shared().setTextScale(look.textScale);
+    Appearance::shared().setCompact(densityChoice() == DensityChoice::Compact);
     Appearance::shared().show(schemeOf(isDark, isHigh), accent);
 }
 
@@ -79,6 +81,17 @@ LookOfProgram::SchemeChoice LookOfProgram::schemeChoice()
 LookOfProgram::ContrastChoice LookOfProgram::contrastChoice()
 {
     return choiceOf(contrastKey, ContrastChoice::High);
+}
+
+LookOfProgram::DensityChoice LookOfProgram::densityChoice()
+{
+    return choiceOf(densityKey, DensityChoice::Compact);
+}
+
+void LookOfProgram::choose(DensityChoice choice)
+{
+    UserDefaults::standard().setObject(densityKey, qint64(choice));
+    showRemembered();
 }
 
 void LookOfProgram::choose(SchemeChoice choice)
@@ -101,6 +114,11 @@ QStringList LookOfProgram::schemeTitles()
 QStringList LookOfProgram::contrastTitles()
 {
     return {localized(u"As the desktop"_s), localized(u"Normal"_s), localized(u"High"_s)};
+}
+
+QStringList LookOfProgram::densityTitles()
+{
+    return {localized(u"Comfortable"_s), localized(u"Compact"_s)};
 }
 
 DesktopLook LookOfProgram::remembered()

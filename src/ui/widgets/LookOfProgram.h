@@ -15,6 +15,8 @@ public:
     enum class SchemeChoice { AsDesktop = 0, Light = 1, Dark = 2 };
     enum class ContrastChoice { AsDesktop = 0, Normal = 1, High = 2 };
 
+    enum class DensityChoice { Comfortable = 0, Compact = 1 };
+
     explicit LookOfProgram(QObject *parent = nullptr);
 
     /// Shows the look of the last run.
@@ -24,12 +26,15 @@ public:
 
     static SchemeChoice schemeChoice();
     static ContrastChoice contrastChoice();
+    static DensityChoice densityChoice();
     /// Kept, and shown at once.
     static void choose(SchemeChoice choice);
     static void choose(ContrastChoice choice);
+    static void choose(DensityChoice choice);
     /// The words of the choices, in their order.
     static QStringList schemeTitles();
     static QStringList contrastTitles();
+    static QStringList densityTitles();
 
 private:
     static void show(const DesktopLook &look);

@@ -1,6 +1,7 @@
 #include "widgets/TableViewExtended.h"
 
 #include "widgets/AccessibleTable.h"
+#include "widgets/Appearance.h"
 #include "widgets/TableCell.h"
 #include "widgets/Theme.h"
 
@@ -11,6 +12,7 @@
 TableViewExtended::TableViewExtended(QWidget *parent)
     : QAbstractItemView(parent)
     , accessible(new AccessibleTable(*this))
+    , heights(wantedHeights.shown())
 {
     setFrameShape(NoFrame);
     setSelectionMode(ExtendedSelection);
@@ -23,6 +25,7 @@ TableViewExtended::TableViewExtended(QWidget *parent)
     viewport()->setMouseTracking(true);
     viewport()->setAutoFillBackground(false);
     autoScrollTimer.setInterval(30);
+    connect(&Appearance::shared(), &Appearance::changed, this, &TableViewExtended::showHeights);
     connect(&autoScrollTimer, &QTimer::timeout, this, &TableViewExtended::autoScroll);
 }
 
@@ -62,8 +65,35 @@ void TableViewExtended::tellCount()
 
 void TableViewExtended::setRowHeights(const RowHeights &newHeights)
 {
-    heights = newHeights;
+    wantedHeights = newHeights;
+    heights = wantedHeights.shown();
     rebuildGeometry();
+}
+
+RowHeights RowHeights::shown() const
+{
+    // Above and below the words.
+    constexpr int room = 10;
+    constexpr int betweenLines = 2;
+    const int line = QFontMetrics(Theme::font(Theme::FontRole::Body)).height();
+    const int smallLine = QFontMetrics(Theme::font(Theme::FontRole::Small)).height();
+    RowHeights all = *this;
+    const bool isCompact = compactItem > 0 && Appearance::shared().isCompact();
+    if (isCompact)
+        all.item = compactItem;
+    const int secondLine = isCompact || lines < 2 ? 0 : betweenLines + smallLine;
+    all.item = std::max(all.item, line + secondLine + room);
+    all.header = std::max(header, line + room);
+    return all;
+}
+
+/// The text became larger, or the user wants rows lower; what was in sight stays.
+void TableViewExtended::showHeights()
+{
+    const auto sights = rowsInSight();
+    heights = wantedHeights.shown();
+    rebuildGeometry();
+    keepInSight(sights);
 }
 
 std::set<int> TableViewExtended::selectedRows() const

@@ -15,14 +15,21 @@
 
 class QMimeData;
 
-/// The heights of the kinds of rows.
+/// The heights of the kinds of rows. Where the text is larger than they were made for, rows grow with it.
 struct RowHeights
 {
     int item = 51;
+    /// Of rows that tell all on one line, where the user wants lists compact; 0 for rows that cannot.
+    int compactItem = 0;
+    /// How many lines of text an item has.
+    int lines = 2;
     int header = 51;
     int separator = 10;
     /// Room below the last row when the list is scrolled to its end.
     int below = Theme::unit;
+
+    /// As they are shown at present: for the size of the text and the density that the user wants.
+    RowHeights shown() const;
 };
 
 class AccessibleTable;
@@ -127,6 +134,7 @@ protected:
 private:
     const RowGeometry &rowGeometry() const;
     void rebuildGeometry();
+    void showHeights();
     void rowsStandElsewhere();
     QRect rectOfRow(int row) const;
     void paintRow(QPainter &painter, QStyleOptionViewItem &option, int row) const;
@@ -151,6 +159,7 @@ private:
 
     TableModel *rowsModel = nullptr;
     AccessibleTable *accessible;
+    RowHeights wantedHeights;
     RowHeights heights;
     /// Measured when it is needed.
     mutable RowGeometry geometry;

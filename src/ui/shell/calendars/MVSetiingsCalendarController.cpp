@@ -109,6 +109,11 @@ void MVSetiingsCalendarController::setUpLook()
                                 {u"radioButtonContrastDesktop"_s, u"radioButtonContrastNormal"_s,
                                  u"radioButtonContrastHigh"_s},
                                 LookOfProgram::contrastTitles()});
+    density = addChoice(card, {localized(u"Lists"_s),
+                               {u"radioButtonDensityComfortable"_s, u"radioButtonDensityCompact"_s},
+                               LookOfProgram::densityTitles()});
+    connect(density, &QButtonGroup::idClicked, this,
+            [](int choice) { LookOfProgram::choose(static_cast<LookOfProgram::DensityChoice>(choice)); });
     connect(scheme, &QButtonGroup::idClicked, this,
             [](int choice) { LookOfProgram::choose(static_cast<LookOfProgram::SchemeChoice>(choice)); });
     connect(contrast, &QButtonGroup::idClicked, this,
@@ -192,6 +197,7 @@ void MVSetiingsCalendarController::refresh()
     for (const auto &[kind, button] : switches)
         button->setChecked(accesschoice::isAllowed(kind));
     scheme->button(static_cast<int>(LookOfProgram::schemeChoice()))->setChecked(true);
+    density->button(static_cast<int>(LookOfProgram::densityChoice()))->setChecked(true);
     contrast->button(static_cast<int>(LookOfProgram::contrastChoice()))->setChecked(true);
     period->button(static_cast<int>(SyncSettings::syncPeriod()))->setChecked(true);
     frequency->button(static_cast<int>(SyncSettings::syncFrequency()))->setChecked(true);

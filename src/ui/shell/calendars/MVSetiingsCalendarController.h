@@ -59,6 +59,7 @@ private:
     std::vector<std::pair<accesschoice::Kind, QCheckBox *>> switches;
     QButtonGroup *scheme = nullptr;
     QButtonGroup *contrast = nullptr;
+    QButtonGroup *density = nullptr;
     QButtonGroup *period = nullptr;
     QButtonGroup *frequency = nullptr;
     QButtonGroup *order = nullptr;

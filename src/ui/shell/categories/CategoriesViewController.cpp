@@ -90,7 +90,7 @@ void CategoriesViewController::setUpTable()
     table->setObjectName(u"tableViewCategory"_s);
     table->setAccessibleName(localized(u"Categories"_s));
     table->setSelectionMode(QAbstractItemView::SingleSelection);
-    table->setRowHeights({.item = categoryRowHeight});
+    table->setRowHeights({.item = categoryRowHeight, .lines = 1});
     table->setItemDelegate(cell);
     table->setModel(categories);
     connect(table, &TableViewExtended::rowSelectionChanged, this,

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "widgets/TableCell.h"
+#include "widgets/TableViewExtended.h"
 
 /// Paints the rows of search results: headings, and records a little further in.
 class CellViewSearchDeteil : public TableCell
 {
     Q_OBJECT
 public:
-    static constexpr int rowHeight = 32;
-    static constexpr int headerHeight = 32;
+    static constexpr RowHeights heights{.item = 32, .lines = 1, .header = 32, .separator = 0, .below = 0};
 
     using TableCell::TableCell;
 

@@ -45,10 +45,7 @@ SearchPopover::SearchPopover(SearchField &searchField)
     hint->setAttribute(Qt::WA_TransparentForMouseEvents);
     view->setObjectName(u"tableViewSearch"_s);
     view->setAccessibleName(localized(u"Search results"_s));
-    view->setRowHeights({.item = CellViewSearchDeteil::rowHeight,
-                         .header = CellViewSearchDeteil::headerHeight,
-                         .separator = 0,
-                         .below = 0});
+    view->setRowHeights(CellViewSearchDeteil::heights);
     view->setItemDelegate(new CellViewSearchDeteil(view));
     view->setSelectionMode(QAbstractItemView::SingleSelection);
     view->setFocusPolicy(Qt::NoFocus);
@@ -146,8 +143,8 @@ void SearchPopover::place()
     const int trailing = isRightToLeft() ? around.left() : around.right() + 1 - wide;
     const int left = std::clamp(trailing, Theme::unit, parentWidget()->width() - wide - Theme::unit);
     const int top = around.bottom() + gap;
-    const double wanted =
-        model->found().popoverHeight(CellViewSearchDeteil::rowHeight, CellViewSearchDeteil::headerHeight);
+    const RowHeights heights = CellViewSearchDeteil::heights.shown();
+    const double wanted = model->found().popoverHeight(heights.item, heights.header);
     const int room = parentWidget()->height() - top - Theme::unit;
     setGeometry(left, top, wide, std::min(static_cast<int>(wanted), room));
 }

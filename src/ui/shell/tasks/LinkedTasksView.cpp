@@ -269,7 +269,7 @@ void LinkedTasksView::showProgress()
 
 void LinkedTasksView::fitHeight()
 {
-    const RowHeights heights;
+    const RowHeights heights = TaskTableCell::heights.shown();
     const int rows = allTasks > 0 ? allTasks * heights.item : heights.header;
     listPlace->setWantedHeight(rows + heights.below + 1);
 }

@@ -38,6 +38,13 @@ void RowWriter::paintIcon(const QRect &where, const QString &icon, const QColor 
     Icons::paint(painter, placed(where), icon, colour, where.width());
 }
 
+void RowWriter::paintDisc(const QRect &where, const QColor &colour) const
+{
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawEllipse(placed(where));
+}
+
 void RowWriter::paintCheckBox(const QRect &where, bool isChecked) const
 {
     if (isChecked) {

@@ -23,6 +23,7 @@ public:
     /// struck out where it is done.
     void writeTitle(const QRect &where, const QString &title, bool isDone) const;
     void paintIcon(const QRect &where, const QString &icon, const QColor &colour) const;
+    void paintDisc(const QRect &where, const QColor &colour) const;
     void paintCheckBox(const QRect &where, bool isChecked) const;
 
 private:

@@ -16,7 +16,9 @@ TaskListModel::TaskListModel(ListType list, QObject *parent)
 
 void TaskListModel::fetch()
 {
-    setRows(query().fetch());
+    const TaskListQuery list = query();
+    groupedBy = list.groupedBy;
+    setRows(list.fetch());
 }
 
 void TaskListModel::setRows(TaskRows rows)
@@ -66,7 +68,7 @@ QString TaskListModel::countInWords(int items) const
 {
     if (items == 0)
         return localized(u"No Tasks"_s);
-    return items == 1 ? localized(u"1 task"_s) : localized(u"%1 tasks"_s).arg(items);
+    return localizedCount(u"%1 tasks"_s, items);
 }
 
 int TaskListModel::rowCount(const QModelIndex &parent) const
@@ -137,10 +139,34 @@ QString spoken(const TaskRowContent &content)
     QStringList parts = {content.title, content.project, content.dateLabel,
                          content.isOverdue ? localized(u"overdue"_s) : QString(),
                          priorityInWords(content.priority)};
+    for (const TaskRowDetail &detail : content.details)
+        parts << detail.text;
+    if (content.repeats)
+        parts << localized(u"repeats"_s);
+    if (content.hasNote)
+        parts << localized(u"has a note"_s);
     if (!content.hasCheckBox)
         parts << localized(u"cannot be changed"_s);
     parts.removeAll(QString());
     return parts.join(u", "_s);
+}
+
+/// What the headers of a grouping tell of the rows below them.
+std::optional<TaskRowDetail::Kind> toldByHeader(GroupedBy grouping)
+{
+    switch (grouping) {
+    case GroupedBy::Category:
+        return TaskRowDetail::Kind::Category;
+    case GroupedBy::Project:
+        return TaskRowDetail::Kind::Project;
+    case GroupedBy::Delegate:
+        return TaskRowDetail::Kind::Person;
+    case GroupedBy::Nothing:
+    case GroupedBy::Priority:
+    case GroupedBy::DayDone:
+        break;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -155,6 +181,8 @@ TaskRowContent TaskListModel::contentOf(const EntityTask &task) const
     TaskRowContent content = TaskRowContent::of(task, type);
     if (!showsProject)
         content.project.clear();
+    if (const auto told = toldByHeader(groupedBy))
+        std::erase_if(content.details, [&](const TaskRowDetail &detail) { return detail.kind == *told; });
     return content;
 }
 

@@ -47,4 +47,5 @@ private:
     std::function<TaskListQuery()> query;
     TaskRows dataSourceTasks;
     bool showsProject = true;
+    GroupedBy groupedBy = GroupedBy::Nothing;
 };

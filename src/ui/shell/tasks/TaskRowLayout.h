@@ -2,8 +2,13 @@
 
 #include <QRect>
 
+#include <vector>
+
 /// Where the parts of a task row stand, written from left to right; a view mirrors it where texts run the
 /// other way.
+///
+/// The title stands above what there is to tell, the date beside both and never far from them. A narrow row
+/// has the date on the second line, and a row that is too low for two lines has it all on one.
 struct TaskRowLayout
 {
     /// What the layout depends on, all in device-independent pixels.
@@ -12,8 +17,12 @@ struct TaskRowLayout
         QRect row;
         int titleHeight = 0;
         int detailHeight = 0;
+        int titleWidth = 0;
         int dateWidth = 0;
-        int projectWidth = 0;
+        /// How wide each detail is, with its sign.
+        std::vector<int> detailWidths = {};
+        /// How many signs there are, of repetition and the like.
+        int signs = 0;
         bool hasCheckBox = true;
         bool isOverdue = false;
     };
@@ -22,11 +31,12 @@ struct TaskRowLayout
     QRect checkBox;
     QRect priorityDot;
     QRect title;
-    QRect project;
+    /// Behind the title.
+    std::vector<QRect> signs;
+    /// Empty where there was no room; the last one that is not may be narrower than it wanted to be.
+    std::vector<QRect> details;
     QRect overdueMark;
     QRect date;
-    /// Whether date and project stand below the title for want of width.
-    bool isTwoLines = false;
 
     static TaskRowLayout of(const Input &input);
 };

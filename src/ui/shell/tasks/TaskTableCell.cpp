@@ -3,6 +3,7 @@
 #include "records/RecordCell.h"
 #include "shell/tasks/RowWriter.h"
 #include "shell/tasks/TaskListModel.h"
+#include "widgets/CategoryIcon.h"
 #include "widgets/TaskTableRow.h"
 #include "widgets/Theme.h"
 
@@ -12,7 +13,11 @@ using namespace Qt::Literals::StringLiterals;
 
 static TaskRowContent contentOf(const QModelIndex &index)
 {
-    return index.data(TaskListModel::ContentRole).value<TaskRowContent>();
+    auto content = index.data(TaskListModel::ContentRole).value<TaskRowContent>();
+    // The project of a table that has one stands with what else there is to tell.
+    if (!content.project.isEmpty())
+        content.details.insert(content.details.begin(), {TaskRowDetail::Kind::Project, content.project, {}});
+    return content;
 }
 
 static const TableModel &modelOf(const QModelIndex &index)
@@ -31,17 +36,62 @@ static int widthOf(const QString &text, const QFontMetrics &metrics)
     return text.isEmpty() ? 0 : metrics.horizontalAdvance(text) + 1;
 }
 
+namespace {
+
+constexpr int detailSignSize = 11;
+constexpr int categoryDotSize = 8;
+constexpr int detailSignGap = 5;
+
+QString signOf(TaskRowDetail::Kind kind)
+{
+    switch (kind) {
+    case TaskRowDetail::Kind::Category:
+        break;
+    case TaskRowDetail::Kind::Project:
+        return u"project"_s;
+    case TaskRowDetail::Kind::Person:
+        return u"people"_s;
+    case TaskRowDetail::Kind::Company:
+        return u"company"_s;
+    case TaskRowDetail::Kind::Place:
+        return u"location"_s;
+    }
+    return {};
+}
+
+int signSizeOf(const TaskRowDetail &detail)
+{
+    return detail.category ? categoryDotSize : detailSignSize;
+}
+
+/// The signs behind the title.
+QStringList signsOf(const TaskRowContent &content)
+{
+    QStringList signs;
+    if (content.repeats)
+        signs << u"repeat"_s;
+    if (content.hasNote)
+        signs << u"note"_s;
+    return signs;
+}
+
+} // namespace
+
 TaskRowLayout TaskTableCell::layoutOf(const QRect &row, const TaskRowContent &content)
 {
     const QFontMetrics title(Theme::font(Theme::FontRole::Body));
-    const QFontMetrics detail(Theme::font(Theme::FontRole::Small));
-    return TaskRowLayout::of({.row = row,
-                              .titleHeight = title.height(),
-                              .detailHeight = detail.height(),
-                              .dateWidth = widthOf(content.dateLabel, detail),
-                              .projectWidth = widthOf(content.project, detail),
-                              .hasCheckBox = content.hasCheckBox,
-                              .isOverdue = content.isOverdue});
+    const QFontMetrics small(Theme::font(Theme::FontRole::Small));
+    TaskRowLayout::Input input{.row = row,
+                               .titleHeight = title.height(),
+                               .detailHeight = small.height(),
+                               .titleWidth = widthOf(content.title, title),
+                               .dateWidth = widthOf(content.dateLabel, small),
+                               .signs = static_cast<int>(signsOf(content).size()),
+                               .hasCheckBox = content.hasCheckBox,
+                               .isOverdue = content.isOverdue};
+    for (const TaskRowDetail &detail : content.details)
+        input.detailWidths.push_back(signSizeOf(detail) + detailSignGap + widthOf(detail.text, small));
+    return TaskRowLayout::of(input);
 }
 
 QRect TaskTableCell::checkBoxRect(const QRect &row, Qt::LayoutDirection direction,
@@ -75,14 +125,18 @@ void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->restore();
 }
 
-static void paintDot(QPainter &painter, const QRect &where, Priority priority)
+static void writeDetail(const RowWriter &writer, const QRect &where, const TaskRowDetail &detail)
 {
-    const QColor colour = Theme::priority(priority);
-    if (!colour.isValid())
+    if (where.isEmpty())
         return;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(colour);
-    painter.drawEllipse(where);
+    const int size = signSizeOf(detail);
+    const QRect sign(where.left(), where.top() + (where.height() - size) / 2, size, size);
+    if (detail.category)
+        writer.paintDisc(sign, CategoryIcon::colorOf(*detail.category));
+    else
+        writer.paintIcon(sign, signOf(detail.kind), Theme::secondaryText);
+    writer.write(where.adjusted(size + detailSignGap, 0, 0, 0), Theme::FontRole::Small, Theme::secondaryText,
+                 detail.text);
 }
 
 void TaskTableCell::paintTask(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
@@ -94,12 +148,16 @@ void TaskTableCell::paintTask(QPainter &painter, const QStyleOptionViewItem &opt
     row.paint(painter, option, writer.placed(layout.card), writer.placed(layout.title));
     if (content.hasCheckBox) {
         writer.paintCheckBox(layout.checkBox, content.isChecked);
-        paintDot(painter, writer.placed(layout.priorityDot), content.priority);
+        if (const QColor colour = Theme::priority(content.priority); colour.isValid())
+            writer.paintDisc(layout.priorityDot, colour);
     }
     writer.writeTitle(layout.title, content.title, content.isChecked);
-    writer.write(layout.project, Theme::FontRole::Small, Theme::secondaryText, content.project);
-    writer.write(layout.date, Theme::FontRole::Small,
-                 content.isOverdue ? Theme::overdue : Theme::secondaryText, content.dateLabel);
+    const QStringList signs = signsOf(content);
+    for (size_t sign = 0; sign < layout.signs.size(); ++sign)
+        writer.paintIcon(layout.signs[sign], signs[static_cast<qsizetype>(sign)], Theme::secondaryText);
+    for (size_t detail = 0; detail < content.details.size(); ++detail)
+        writeDetail(writer, layout.details[detail], content.details[detail]);
+    writer.write(layout.date, Theme::FontRole::Small, Theme::secondaryText, content.dateLabel);
     if (content.isOverdue)
         writer.paintIcon(layout.overdueMark, u"overdue"_s, Theme::overdue);
 }

@@ -2,6 +2,7 @@
 
 #include "shell/tasks/TaskRowLayout.h"
 #include "widgets/TableCell.h"
+#include "widgets/TableViewExtended.h"
 
 struct TaskRowContent;
 
@@ -10,6 +11,8 @@ class TaskTableCell : public TableCell
 {
     Q_OBJECT
 public:
+    static constexpr RowHeights heights{.compactItem = 34};
+
     using TableCell::TableCell;
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
