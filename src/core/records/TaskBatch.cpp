@@ -1,11 +1,17 @@
 #include "records/TaskBatch.h"
 
 #include "calendarsync/RecordsTransaction.h"
+#include "foundation/Clock.h"
+#include "records/CalendarDrag.h"
+#include "records/NewTaskRequest.h"
 #include "records/RepeatBan.h"
+#include "records/TaskFormState.h"
 #include "records/TaskManager.h"
 #include "records/copies/MVTask.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -56,15 +62,48 @@ void changeStatus(const std::vector<TaskPtr> &tasks, TaskStatus status, const St
         RepeatBan::tell();
 }
 
+/// Changes working copies and saves them.
+template <typename Change>
+void changeCopies(const std::vector<TaskPtr> &tasks, const StepBlock &step, Change change)
+{
+    changeEach(writable(tasks), step, [&](RecordsTransaction &transaction, const TaskPtr &task) {
+        MVTask copy(task);
+        change(copy);
+        TaskManager::saveTaskTemp(transaction, copy);
+    });
+}
+
 template <typename Value>
 void setField(const std::vector<TaskPtr> &tasks, const StepBlock &step, Value MVTask::*field,
               const Value &value)
 {
-    changeEach(writable(tasks), step, [&](RecordsTransaction &transaction, const TaskPtr &task) {
-        MVTask copy(task);
-        copy.*field = value;
-        TaskManager::saveTaskTemp(transaction, copy);
-    });
+    changeCopies(tasks, step, [&](MVTask &copy) { copy.*field = value; });
+}
+
+void putOff(MVTask &task)
+{
+    task.type = TaskType::ToDo;
+    task.dueSomeDay = true;
+    task.repeat.clear();
+    for (OptionalDate *date :
+         {&task.startDate, &task.dueDate, &task.alert, &task.secondAlert, &task.endRepeat})
+        date->reset();
+}
+
+/// Stores new tasks together.
+std::vector<TaskPtr> store(const QString &name, std::vector<MVTask> copies, const StepBlock &step)
+{
+    std::vector<TaskPtr> stored;
+    RecordsTransaction transaction(name);
+    for (MVTask &copy : copies) {
+        if (TaskManager::saveTaskTemp(transaction, copy) == SaveEnd::Saved && copy.task())
+            stored.push_back(copy.task());
+        if (step && !step())
+            break;
+    }
+    DBWorker::tellOfFailure(transaction.commit());
+    std::erase_if(stored, isGone);
+    return stored;
 }
 
 } // namespace
@@ -91,4 +130,63 @@ void TaskBatch::setCategory(const std::vector<TaskPtr> &tasks, const CategoryPtr
                             const StepBlock &step)
 {
     setField(tasks, step, &MVTask::category, category);
+}
+
+void TaskBatch::setProject(const std::vector<TaskPtr> &tasks, const ProjectPtr &project,
+                           const StepBlock &step)
+{
+    setField(tasks, step, &MVTask::project, project);
+}
+
+void TaskBatch::planOn(const std::vector<TaskPtr> &tasks, Date day, const StepBlock &step)
+{
+    changeCopies(tasks, step, [day](MVTask &copy) { CalendarDrag::planOn(copy, day); });
+}
+
+void TaskBatch::plan(const std::vector<TaskPtr> &tasks, QuickDay day, const StepBlock &step)
+{
+    if (const OptionalDate date = quickdays::dayOf(day, Clock::now()))
+        return planOn(tasks, *date, step);
+    changeCopies(tasks, step, putOff);
+}
+
+std::vector<TaskPtr> TaskBatch::duplicate(const std::vector<TaskPtr> &tasks, const StepBlock &step)
+{
+    std::vector<MVTask> copies;
+    for (const TaskPtr &task : tasks) {
+        if (isGone(task))
+            continue;
+        MVTask &copy = copies.emplace_back(task);
+        const bool isOfReadOnlyCalendar = !isWritable(task);
+        copy.detachFromEvent();
+        copy.status = TaskStatus::Open;
+        copy.creationDate.reset();
+        copy.lastAsked.reset();
+        copy.repeat.clear();
+        copy.endRepeat.reset();
+        if (isOfReadOnlyCalendar)
+            copy.typeCalendarID = TaskFormState(NewTaskRequest()).currentTask().typeCalendarID;
+    }
+    return store(QStringLiteral("Duplicate Tasks"), std::move(copies), step);
+}
+
+std::vector<TaskPtr> TaskBatch::addLines(const QStringList &lines, const NewTaskRequest &request,
+                                         const StepBlock &step)
+{
+    static const QRegularExpression beginning(
+        QStringLiteral(R"(^\s*(?:(?:[-*+•‣◦–—]|\d{1,3}[.)])\s+)?(?:(\[[ xX]?\]|[☐☑☒✓✔])\s+)?)"));
+    const QStringList done = {QStringLiteral("[x]"), QStringLiteral("[X]"), QStringLiteral("☑"),
+                              QStringLiteral("☒"),   QStringLiteral("✓"),   QStringLiteral("✔")};
+    std::vector<MVTask> copies;
+    for (const QString &line : lines) {
+        const auto match = beginning.match(line);
+        const QString title = line.mid(match.capturedEnd()).simplified();
+        if (title.isEmpty())
+            continue;
+        MVTask &copy = copies.emplace_back(TaskFormState(request).currentTask());
+        copy.title = title;
+        if (done.contains(match.captured(1)))
+            copy.status = TaskStatus::Done;
+    }
+    return store(QStringLiteral("Add Tasks"), std::move(copies), step);
 }

@@ -24,15 +24,7 @@ TaskFormState::TaskFormState(const TaskDraft &draft)
     , calendarAccess(CalendarEvent::hasAccesToCalendar())
     , touched(true)
 {
-    // It gets an event, a place and dates of its own.
-    task.calendarID.clear();
-    task.remindID.clear();
-    task.repeatInfoUser.clear();
-    task.position.reset();
-    task.expirationDate.reset();
-    task.lastModificationDate.reset();
-    task.allowsContentModifications.reset();
-    task.wasCreatedOffCalendar.reset();
+    task.detachFromEvent();
     // What was typed for one occurrence is no second series.
     const bool isOfSeries = !draft.base.repeat.isEmpty() && draft.edited.repeat == draft.base.repeat;
     if (isOfSeries) {

@@ -326,12 +326,22 @@ void RecordListScreen::selectItem(const ObjectPtr &record)
 
 void RecordListScreen::showNewRecord(const ObjectPtr &record)
 {
+    selectRecords({record});
+}
+
+void RecordListScreen::selectRecords(const std::vector<ObjectPtr> &records)
+{
     updateRows();
-    const int row = listModel->rowOf(record);
-    if (row < 0)
+    std::set<int> rows;
+    for (const ObjectPtr &record : records) {
+        const int row = record ? listModel->rowOf(record) : -1;
+        if (row >= 0)
+            rows.insert(row);
+    }
+    if (rows.empty())
         return;
-    view->selectRow(row);
-    view->scrollToRow(row);
+    view->selectRows(rows);
+    view->scrollToRow(*rows.begin());
 }
 
 void RecordListScreen::selectionChanged()

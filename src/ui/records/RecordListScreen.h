@@ -76,6 +76,7 @@ public:
     void detailOnTop(const ObjectPtr &record) override;
     void clearController() override;
     void selectItem(const ObjectPtr &record) override;
+    void selectRecords(const std::vector<ObjectPtr> &records) override;
     void takeKeysBack() override { view->setFocus(); }
 
     // The filter.

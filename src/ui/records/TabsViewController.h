@@ -37,6 +37,12 @@ public:
 
     /// Selects a record, scrolls to it and shows it; nothing if it is not on the screen.
     virtual void selectItem(const ObjectPtr &record) { Q_UNUSED(record) }
+    /// Selects those of some records that are on the screen, and scrolls to the first of them.
+    virtual void selectRecords(const std::vector<ObjectPtr> &records) { Q_UNUSED(records) }
+    /// Whether lines of text can become tasks here.
+    virtual bool canTakeLines() const { return false; }
+    /// Makes a task of each line.
+    virtual void takeLines(const QStringList &lines) { Q_UNUSED(lines) }
     /// The task list that it is; absent for any other screen.
     virtual std::optional<ListType> listType() const { return std::nullopt; }
     /// The one task that is selected, or null.

@@ -1,6 +1,7 @@
 #include "shell/Actions.h"
 
 #include "foundation/Localization.h"
+#include "shell/tasks/TaskPopupMenu.h"
 
 #include <algorithm>
 
@@ -26,6 +27,17 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::Paste, u"actionPaste", u"Paste", u"Ctrl+V"},
     ActionDescription{ActionId::Delete, u"actionDelete", u"Delete", u"Del"},
     ActionDescription{ActionId::SelectAll, u"actionSelectAll", u"Select All", u"Ctrl+A"},
+    ActionDescription{ActionId::Duplicate, u"actionDuplicate", u"Duplicate", taskkeys::duplicate},
+    ActionDescription{ActionId::PlanToday, u"actionPlanToday", u"Plan for Today", taskkeys::plan[0]},
+    ActionDescription{ActionId::PlanTomorrow, u"actionPlanTomorrow", u"Plan for Tomorrow", taskkeys::plan[1]},
+    ActionDescription{ActionId::PlanWeekend, u"actionPlanWeekend", u"Plan for the Weekend",
+                      taskkeys::plan[2]},
+    ActionDescription{ActionId::PlanNextWeek, u"actionPlanNextWeek", u"Plan for Next Week",
+                      taskkeys::plan[3]},
+    ActionDescription{ActionId::PlanSomeday, u"actionPlanSomeday", u"Put Off for Some Day",
+                      taskkeys::plan[4]},
+    ActionDescription{ActionId::PlanOtherDay, u"actionPlanOtherDay", u"Plan for Another Day…",
+                      taskkeys::planOnOther},
     ActionDescription{ActionId::Search, u"actionSearch", u"Search Morvane", u"Ctrl+F"},
     ActionDescription{ActionId::FilterTasks, u"actionFilterTasks", u"Filter…", u"Ctrl+Shift+F"},
     ActionDescription{ActionId::ClearFilter, u"actionClearFilter", u"Clear filter", u"Ctrl+Shift+Backspace"},

@@ -8,8 +8,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-static const std::u16string_view calendarTitle = u"Calendar";
-
 const std::vector<MainMenu::Description> &MainMenu::menus()
 {
     using enum ActionId;
@@ -20,15 +18,19 @@ const std::vector<MainMenu::Description> &MainMenu::menus()
          {NewTask, AddInLine, separator, Save, separator, OpenMainWindow, CloseWindow, separator, Import,
           Export, Print}},
         {u"Edit",
-         {Undo, Redo, separator, Cut, Copy, Paste, Delete, SelectAll, separator, Search, FilterTasks,
-          ClearFilter, WhyIsItHere, ShowHistory}},
+         {Undo, Redo, separator, Cut, Copy, Paste, Duplicate, Delete, SelectAll, separator, Search,
+          FilterTasks, ClearFilter, WhyIsItHere, ShowHistory}},
         {u"View", {ShowHome,    ShowProjects,   separator,     ShowPeople,     ShowCompanies,
                    ShowNotes,   separator,      ShowInbox,     ShowToday,      ShowScheduled,
                    ShowSomeday, ShowCategories, ShowDelegated, ShowWaitingFor, ShowNotDone,
                    ShowDone,    separator,      ShowCalendar,  separator,      FullScreen}},
+        {u"Plan",
+         {PlanToday, PlanTomorrow, PlanWeekend, PlanNextWeek, PlanSomeday, separator, PlanOtherDay},
+         Search},
         {u"Calendar",
          {CalendarToday, CalendarGoToDate, CalendarDay, CalendarWeek, CalendarMonth, CalendarNext,
-          CalendarPrevious, separator, CalendarBirthdays}},
+          CalendarPrevious, separator, CalendarBirthdays},
+         FullScreen},
         {u"Help",
          {UserGuide, KeyboardShortcuts, ShortcutsHere, separator, Feedback, HowTo, separator, Welcome}},
     };
@@ -46,6 +48,20 @@ static void fillMenu(QMenu *menu, Actions &actions, const MainMenu::Description 
     QObject::connect(menu, &QMenu::aboutToShow, &actions, &Actions::update);
 }
 
+/// A menu inside of the one that has a certain entry, above that entry.
+static void insertInside(QMenuBar &menuBar, Actions &actions, const MainMenu::Description &description)
+{
+    QAction *const entry = actions.action(*description.before);
+    for (QAction *title : menuBar.actions()) {
+        if (!title->menu()->actions().contains(entry))
+            continue;
+        auto *inner = new QMenu(localized(QString::fromUtf16(description.title)), title->menu());
+        fillMenu(inner, actions, description);
+        title->menu()->insertMenu(entry, inner);
+        title->menu()->insertSeparator(entry);
+    }
+}
+
 /// What leads to pages of the web is there where somebody has set up such pages.
 static void showConfigured(const Actions &actions)
 {
@@ -56,22 +72,16 @@ static void showConfigured(const Actions &actions)
 
 void MainMenu::fill(QMenuBar &menuBar, Actions &actions)
 {
-    QMenu *view = nullptr;
     for (const Description &description : menus()) {
         const QString title = localized(QString::fromUtf16(description.title));
-        if (description.title == calendarTitle) {
-            auto *calendar = new QMenu(title, view);
-            fillMenu(calendar, actions, description);
-            view->insertMenu(actions.action(ActionId::FullScreen), calendar);
-            view->insertSeparator(actions.action(ActionId::FullScreen));
+        if (description.before) {
+            insertInside(menuBar, actions, description);
             continue;
         }
         // Alt with the first letter opens the menu.
         QMenu *menu = menuBar.addMenu(u'&' + title);
         fillMenu(menu, actions, description);
         QObject::connect(menu, &QMenu::aboutToShow, &actions, [&actions] { showConfigured(actions); });
-        if (std::u16string_view(description.title) == u"View")
-            view = menu;
     }
     QObject::connect(actions.action(ActionId::Menu), &QAction::triggered, &menuBar, [&menuBar] {
         menuBar.setFocus(Qt::MenuBarFocusReason);

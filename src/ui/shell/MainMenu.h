@@ -17,9 +17,11 @@ struct Description
     const char16_t *title;
     /// Nothing in place of a command is a separator.
     std::vector<std::optional<ActionId>> entries;
+    /// The entry of another menu above which it lies; absent for a menu of the bar.
+    std::optional<ActionId> before = {};
 };
 
-/// All menus in their order. That of the calendar lies in View.
+/// All menus, those of the bar in their order.
 const std::vector<Description> &menus();
 
 void fill(QMenuBar &menuBar, Actions &actions);

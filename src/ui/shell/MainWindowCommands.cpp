@@ -22,6 +22,7 @@
 #include "shell/help/UpdateCheck.h"
 #include "shell/tasks/CaptureBar.h"
 #include "shell/tasks/TabTaskViewController.h"
+#include "shell/tasks/TaskRowCommands.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
@@ -108,7 +109,8 @@ void MainWindowController::bindActions()
         [](const QStringList &paths) { ImportTasks::openFiles(paths); }, Qt::QueuedConnection);
     actions->bind(
         ActionId::Export, [this] { exportRecords(); }, [this] { return screen && screen->canExport(); });
-    actions->bind(ActionId::Paste, TextCommands::paste, TextCommands::canPaste);
+    actions->bind(
+        ActionId::Paste, [this] { paste(); }, [this] { return TextCommands::canPaste() || canTakeLines(); });
     actions->bind(
         ActionId::Save, [] { NotificationCenter::defaultCenter().post(notifications::keySave); },
         [this] { return details->top() && details->top()->canSave(); });
@@ -120,6 +122,7 @@ void MainWindowController::bindActions()
         ActionId::SelectAll,
         [this] { TextCommands::hasText() ? TextCommands::selectAll() : screen->selectAll(); },
         [this] { return TextCommands::hasText() || (screen && screen->hasRows()); });
+    bindPlanning();
     actions->bind(ActionId::FullScreen, [this] { toggleFullScreen(); });
 }
 
@@ -131,6 +134,69 @@ void MainWindowController::copy()
     const QString lines = screen ? screen->selectedText() : QString();
     if (!lines.isEmpty())
         QApplication::clipboard()->setText(lines);
+}
+
+/// What the clipboard has is asked of another program, which takes its time, so that is asked when it is
+/// wanted.
+bool MainWindowController::canTakeLines() const
+{
+    return !TextCommands::hasText() && screen && screen->canTakeLines();
+}
+
+/// Into a text, or else as a task for each line.
+void MainWindowController::paste()
+{
+    if (TextCommands::canPaste())
+        return TextCommands::paste();
+    static const QRegularExpression lineEnd(u"[\\r\\n\\x{2028}\\x{2029}]+"_s);
+    const QStringList lines = QApplication::clipboard()->text().split(lineEnd, Qt::SkipEmptyParts);
+    if (canTakeLines() && !lines.isEmpty())
+        screen->takeLines(lines);
+}
+
+// Tasks in their rows
+
+/// Those of the list that has the keys, or else of the one that has something selected.
+TaskRowCommands *MainWindowController::taskCommands() const
+{
+    for (TaskRowCommands *commands : mainWindow->findChildren<TaskRowCommands *>()) {
+        if (commands->hasKeys())
+            return commands;
+    }
+    if (!screen || !screen->hasSelection())
+        return nullptr;
+    const auto all = screen->findChildren<TaskRowCommands *>();
+    const auto found = std::ranges::find_if(all, &TaskRowCommands::hasTasks);
+    return found == all.end() ? nullptr : *found;
+}
+
+bool MainWindowController::hasTaskCommands() const
+{
+    return !TextCommands::hasSteps() && screen && screen->hasSelection() &&
+           screen->findChild<TaskRowCommands *>();
+}
+
+void MainWindowController::bindPlanning()
+{
+    const auto bind = [this](ActionId id, auto command) {
+        actions->bind(
+            id,
+            [this, command] {
+                if (TaskRowCommands *const commands = taskCommands())
+                    command(*commands);
+            },
+            [this] { return hasTaskCommands(); });
+    };
+    const auto bindDay = [&bind](ActionId id, QuickDay day) {
+        bind(id, [day](TaskRowCommands &commands) { commands.plan(day); });
+    };
+    bindDay(ActionId::PlanToday, QuickDay::Today);
+    bindDay(ActionId::PlanTomorrow, QuickDay::Tomorrow);
+    bindDay(ActionId::PlanWeekend, QuickDay::Weekend);
+    bindDay(ActionId::PlanNextWeek, QuickDay::NextWeek);
+    bindDay(ActionId::PlanSomeday, QuickDay::Someday);
+    bind(ActionId::PlanOtherDay, [](TaskRowCommands &commands) { commands.planOnOtherDay(); });
+    bind(ActionId::Duplicate, [](TaskRowCommands &commands) { commands.duplicate(); });
 }
 
 void MainWindowController::exportRecords()
@@ -281,14 +347,26 @@ void MainWindowController::redo()
     TextCommands::hasSteps() ? TextCommands::redo() : stepBack(&ManagedObjectContext::redo);
 }
 
-/// Takes the last save back, or does it again, and shows what has come of it.
+/// Takes the last save back, or does it again, and shows what has come of it: those of the records that are
+/// on the screen are selected.
 void MainWindowController::stepBack(OptionalError (ManagedObjectContext::*step)())
 {
     const BusyCursor busy;
-    ShellAlerts::presentError((context()->*step)());
+    std::vector<ObjectPtr> touched;
+    {
+        const Observation seen = NotificationCenter::defaultCenter().addObserver(
+            notifications::contextDidSave, [&touched](const StoreChanges &changes) {
+                touched.insert(touched.end(), changes.inserted.begin(), changes.inserted.end());
+                for (const StoreChanges::Update &update : changes.updated)
+                    touched.push_back(update.object);
+            });
+        ShellAlerts::presentError((context()->*step)());
+    }
     groupsMayHaveChanged();
-    if (screen)
-        screen->updateRows();
+    if (!screen)
+        return;
+    screen->updateRows();
+    screen->selectRecords(touched);
 }
 
 void MainWindowController::toggleFullScreen()

@@ -13,6 +13,7 @@
 #include "shell/OutlineViewExtended.h"
 #include "shell/RightToolBar.h"
 #include "shell/Screens.h"
+#include "shell/TaskDrops.h"
 #include "shell/search/SearchField.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
@@ -61,6 +62,12 @@ void MainWindowController::windowDidLoad()
     connect(&outline, &OutlineViewExtended::selectionDidChange, this,
             &MainWindowController::outlineViewSelectionDidChange);
     connect(&outline, &OutlineViewExtended::heldOver, this, &MainWindowController::heldOver);
+    // The drag ends first: what comes of it may ask the user something.
+    connect(&outline, &OutlineViewExtended::dropped, this, &MainWindowController::tasksDropped,
+            Qt::QueuedConnection);
+    outline.setTaskTargets([this](const QModelIndex &index) {
+        return index.isValid() && (TaskDrops::areTakenBy(sidebar->itemAt(index)) || opensUnderDrag(index));
+    });
     connect(&outline, &OutlineViewExtended::didRemoveRow, this, &MainWindowController::didRemoveRow);
     outline.setLeaveQuestion(
         [this](const QModelIndex &index) { return !isShown(index) && details->hasChanges(); },
@@ -307,10 +314,25 @@ bool MainWindowController::isShown(const QModelIndex &index) const
 /// Where tasks can be planned comes up under what is held; no question can be answered meanwhile.
 void MainWindowController::heldOver(const QModelIndex &index)
 {
-    const auto item = index.isValid() ? std::optional(sidebar->itemAt(index)) : std::nullopt;
-    const bool takesTasks = item == SidebarItem::Calendar || item == SidebarItem::Home;
-    if (takesTasks && !isShown(index) && !details->hasChanges())
-        showList(*item);
+    if (index.isValid() && opensUnderDrag(index) && !isShown(index) && !details->hasChanges())
+        showList(sidebar->itemAt(index));
+}
+
+bool MainWindowController::opensUnderDrag(const QModelIndex &index) const
+{
+    const SidebarItem item = sidebar->itemAt(index);
+    return item == SidebarItem::Calendar || item == SidebarItem::Home;
+}
+
+void MainWindowController::tasksDropped(const QModelIndex &index, const std::vector<TaskPtr> &tasks)
+{
+    if (!index.isValid() || tasks.empty())
+        return;
+    OutlineViewExtended &outline = *mainWindow->outlineViewListItem();
+    if (opensUnderDrag(index))
+        heldOver(index);
+    else
+        TaskDrops::drop(tasks, sidebar->itemAt(index), outline, outline.visualRect(index));
 }
 
 void MainWindowController::outlineViewSelectionDidChange(const QModelIndex &index)

@@ -17,6 +17,7 @@
 #include <optional>
 #include <vector>
 
+class TaskRowCommands;
 class Actions;
 class DetailStack;
 class MainWindow;
@@ -76,6 +77,11 @@ public:
     void explainPlace();
     void showHistory();
     void copy();
+    void paste();
+    bool canTakeLines() const;
+    TaskRowCommands *taskCommands() const;
+    bool hasTaskCommands() const;
+    void bindPlanning();
     void exportRecords();
     /// The store in use is about to be closed: screens, panes and windows let go of its records.
     void leaveDataBase();
@@ -109,6 +115,8 @@ private:
     void outlineViewSelectionDidChange(const QModelIndex &index);
     bool isShown(const QModelIndex &index) const;
     void heldOver(const QModelIndex &index);
+    bool opensUnderDrag(const QModelIndex &index) const;
+    void tasksDropped(const QModelIndex &index, const std::vector<TaskPtr> &tasks);
     /// False if it has to wait, since the user stays with what is typed elsewhere.
     bool openDraft(const Drafts::Found &found);
     void openAsNewTask(const Drafts::Found &found);

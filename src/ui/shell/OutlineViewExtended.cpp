@@ -296,23 +296,26 @@ void OutlineViewExtended::dragMoveEvent(QDragMoveEvent *event)
     if (heldIndex != index) {
         heldIndex = index;
         holdTimer.start();
+        viewport()->update();
     }
-    event->setAccepted(index.isValid());
+    event->setAccepted(index.isValid() && takes && takes(index));
 }
 
 void OutlineViewExtended::dragLeaveEvent(QDragLeaveEvent *)
 {
     holdTimer.stop();
     heldIndex = QModelIndex();
+    viewport()->update();
 }
 
-/// The row opens at once.
 void OutlineViewExtended::dropEvent(QDropEvent *event)
 {
     const QModelIndex index = indexAt(event->position().toPoint());
     dragLeaveEvent(nullptr);
+    if (!takes || !takes(index))
+        return event->ignore();
     event->acceptProposedAction();
-    Q_EMIT heldOver(index);
+    Q_EMIT dropped(index, DraggedRecords::tasksIn(*event->mimeData()));
 }
 
 void OutlineViewExtended::mousePressEvent(QMouseEvent *event)
@@ -376,6 +379,7 @@ void OutlineViewExtended::drawRow(QPainter *painter, const QStyleOptionViewItem 
     row.state.setFlag(QStyle::State_Selected, selectionModel()->isSelected(index));
     row.state.setFlag(QStyle::State_HasFocus, hasFocus() && index == currentIndex());
     const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
-    row.state.setFlag(QStyle::State_MouseOver, underMouse() && option.rect.contains(pointer));
+    const bool isTarget = heldIndex == index && takes && takes(index);
+    row.state.setFlag(QStyle::State_MouseOver, isTarget || (underMouse() && option.rect.contains(pointer)));
     itemDelegate()->paint(painter, row, index);
 }

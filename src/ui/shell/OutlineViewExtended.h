@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/entities/Entities.h"
 #include "widgets/Accessibility.h"
 
 #include <QPointer>
@@ -20,6 +21,11 @@ public:
     bool selectIndex(const QModelIndex &index);
     /// A row is left for another one only if `mayLeave` allows it, which is asked where `isHeld` says so of
     /// the other one.
+    /// Says on which rows tasks can be dropped.
+    void setTaskTargets(std::function<bool(const QModelIndex &)> takesTasks)
+    {
+        takes = std::move(takesTasks);
+    }
     void setLeaveQuestion(std::function<bool(const QModelIndex &)> isHeld, std::function<bool()> mayLeave);
     /// Lets the user type another title for a row that has one of its own.
     void rename(const QModelIndex &index);
@@ -31,6 +37,8 @@ Q_SIGNALS:
     void selectionDidChange(const QModelIndex &index);
     /// Something is held over a row for a while.
     void heldOver(const QModelIndex &index);
+    /// Tasks were dropped on a row.
+    void dropped(const QModelIndex &index, const std::vector<TaskPtr> &tasks);
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -67,6 +75,7 @@ private:
 
     std::function<bool(const QModelIndex &)> isHeld;
     std::function<bool()> mayLeave;
+    std::function<bool(const QModelIndex &)> takes;
     /// The row that the user has asked for, until its question comes.
     mutable QPersistentModelIndex wanted;
     /// Whether a press has brought the keys here, and from where.

@@ -2,13 +2,21 @@
 
 #include "foundation/Calendar.h"
 #include "foundation/Clock.h"
+#include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "foundation/RelativeDates.h"
+#include "records/capture/TypedDate.h"
 #include "records/dates/MVDate.h"
+#include "records/dates/QuickDays.h"
+#include "widgets/Appearance.h"
 #include "widgets/MonthGrid.h"
 #include "widgets/Theme.h"
 
 #include <QCheckBox>
+#include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTimeEdit>
 #include <QVBoxLayout>
@@ -30,6 +38,11 @@ DatePickerPopover::DatePickerPopover(const DatePickerState &state, QWidget *pare
     title->setFont(Theme::font(Theme::FontRole::BodyStrong));
     title->setAlignment(Qt::AlignCenter);
     column->addWidget(title);
+    // Years back nobody says in such words.
+    if (!state.showYears) {
+        column->addWidget(makeTyping());
+        column->addWidget(makeQuickDays());
+    }
     column->addWidget(grid, 0, Qt::AlignHCenter);
     if (state.showClock)
         column->addWidget(makeClock());
@@ -46,6 +59,105 @@ DatePickerPopover::DatePickerPopover(const DatePickerState &state, QWidget *pare
     connect(grid, &MonthGrid::accepted, this, &DatePickerPopover::accept);
     setDate(state.dateValue.value_or(Clock::now()));
     grid->setFocus();
+}
+
+QWidget *DatePickerPopover::makeTyping()
+{
+    auto *both = new QWidget;
+    auto *column = new QVBoxLayout(both);
+    column->setContentsMargins({});
+    column->setSpacing(Theme::unit / 2);
+    words = new QLineEdit;
+    words->setObjectName(u"typedDate"_s);
+    words->setClearButtonEnabled(true);
+    words->setPlaceholderText(
+        localized(u"Type a date: “%1”"_s).arg(RelativeDates::day(languageOfWords(), 1)));
+    words->setAccessibleName(localized(u"Date in words"_s));
+    meaning = new QLabel;
+    meaning->setObjectName(u"meaningOfTypedDate"_s);
+    meaning->setFont(Theme::font(Theme::FontRole::Small));
+    meaning->setAlignment(Qt::AlignHCenter);
+    meaning->setWordWrap(true);
+    meaning->hide();
+    connect(words, &QLineEdit::textChanged, this, &DatePickerPopover::typed);
+    connect(words, &QLineEdit::returnPressed, this, [this] {
+        if (words->text().trimmed().isEmpty() || !meaning->property("isWrong").toBool())
+            accept();
+    });
+    column->addWidget(words);
+    column->addWidget(meaning);
+    return both;
+}
+
+void DatePickerPopover::keyPressEvent(QKeyEvent *event)
+{
+    const QString text = event->text();
+    if (!words || text.isEmpty() || !text.front().isLetterOrNumber())
+        return Popover::keyPressEvent(event);
+    words->setFocus();
+    words->insert(text);
+}
+
+void DatePickerPopover::typed()
+{
+    const QString text = words->text();
+    const bool isEmpty = text.trimmed().isEmpty();
+    const auto date = TypedDate::read(text);
+    QString told;
+    if (!date)
+        told = localized(u"This is no date that can be read."_s);
+    else if (date->minute && !clock)
+        told = localized(u"Only a day can be chosen here."_s);
+    else if (!isWithinLimits(date->day))
+        told = localized(u"That day cannot be chosen here."_s);
+    const bool isWrong = !told.isEmpty();
+    meaning->setProperty("isWrong", isWrong && !isEmpty);
+    meaning->setVisible(!isEmpty);
+    if (!isWrong) {
+        grid->setDate(date->day);
+        if (date->minute)
+            clock->setTime(QTime(*date->minute / 60, *date->minute % 60));
+        told = DateFormatter::string(date->day, DateFormatter::patternFromTemplate(u"EEEEMMMMdyyyy"_s));
+    }
+    Appearance::colourText(*meaning, isWrong ? Theme::warning : Theme::secondaryText);
+    meaning->setText(told);
+    adjustSize();
+}
+
+QWidget *DatePickerPopover::makeQuickDays()
+{
+    auto *all = new QWidget;
+    auto *places = new QGridLayout(all);
+    places->setContentsMargins({});
+    places->setSpacing(Theme::unit / 2);
+    int place = 0;
+    for (const QuickDay day : quickdays::all) {
+        const OptionalDate date = quickdays::dayOf(day, Clock::now());
+        if (!date)
+            continue;
+        auto *button = new QPushButton(quickdays::title(day));
+        button->setObjectName(u"quickDay%1"_s.arg(static_cast<int>(day)));
+        button->setToolTip(DateFormatter::string(*date, DateFormatter::patternFromTemplate(u"EEEEMMMMd"_s)));
+        button->setEnabled(isWithinLimits(*date));
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, [this, date] { take(*date); });
+        places->addWidget(button, place / 2, place % 2);
+        ++place;
+    }
+    return all;
+}
+
+bool DatePickerPopover::isWithinLimits(Date day) const
+{
+    const Calendar calendar = Calendar::current();
+    return (!minimum || day >= calendar.startOfDay(*minimum)) &&
+           (!maximum || day <= calendar.startOfDay(*maximum));
+}
+
+void DatePickerPopover::take(Date day)
+{
+    grid->setDate(day);
+    accept();
 }
 
 QWidget *DatePickerPopover::makeClock()

@@ -5,9 +5,12 @@
 
 class MonthGrid;
 class QCheckBox;
+class QLabel;
+class QLineEdit;
 class QTimeEdit;
 
-/// The bubble of a date picker: a month, on request a time of day and a check box, and the two buttons.
+/// The bubble of a date picker: a field for a date in words, the days that are chosen most, a month, on
+/// request a time of day and a check box, and the two buttons.
 class DatePickerPopover : public Popover
 {
     Q_OBJECT
@@ -23,14 +26,27 @@ Q_SIGNALS:
     void doneClicked(Date date);
     void checkToggled(bool isChecked);
 
+protected:
+    /// Letters and digits begin a date in words.
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
+    QWidget *makeTyping();
+    QWidget *makeQuickDays();
     QWidget *makeClock();
     QWidget *makeButtons();
+    /// Shows what the words in the field mean, or why they cannot be taken.
+    void typed();
+    /// Takes a day, at the time that is shown, and is done.
+    void take(Date day);
+    bool isWithinLimits(Date day) const;
     void accept();
 
     OptionalDate minimum;
     OptionalDate maximum;
     MonthGrid *grid;
+    QLineEdit *words = nullptr;
+    QLabel *meaning = nullptr;
     QTimeEdit *clock = nullptr;
     QCheckBox *check = nullptr;
 };

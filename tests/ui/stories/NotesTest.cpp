@@ -189,6 +189,9 @@ TEST_F(NotesTest, DeletedOnesLeaveAndTheNextIsRead)
     run(ActionId::Undo);
     settle();
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"beta"_s, u"gamma"_s}));
+    EXPECT_EQ(notes().table()->selectedRows(), (std::set<int>{0, 1})) << "what has come back is marked";
+    select(2);
+    settle();
     context().deleteObject(stored(u"gamma"_s));
     ASSERT_FALSE(DBWorker::saveContext());
     settle();

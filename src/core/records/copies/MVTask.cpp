@@ -70,6 +70,19 @@ void MVTask::moveToRow(TaskPtr task)
     setTaskValues();
 }
 
+void MVTask::detachFromEvent()
+{
+    detach();
+    calendarID.clear();
+    remindID.clear();
+    repeatInfoUser.clear();
+    position.reset();
+    expirationDate.reset();
+    lastModificationDate.reset();
+    allowsContentModifications.reset();
+    wasCreatedOffCalendar.reset();
+}
+
 MVTask &MVTask::save()
 {
     isNew = false;

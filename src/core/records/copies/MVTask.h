@@ -68,6 +68,8 @@ public:
     const TaskPtr &task() const { return row; }
     /// Forgets the row, so that the next save makes a new one.
     void detach() { row = nullptr; }
+    /// Forgets the row and what belonged to it alone: its event, its place and its stamps.
+    void detachFromEvent();
 
     /// Binds a row and takes its values for the fields that are still empty; those that hold something stay.
     void setTask(TaskPtr task);

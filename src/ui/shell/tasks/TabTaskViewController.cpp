@@ -5,12 +5,14 @@
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "records/ShellAlerts.h"
+#include "records/TaskBatch.h"
 #include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
 #include "shell/tasks/CaptureBar.h"
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "shell/tasks/TaskTableCell.h"
+#include "widgets/LongWork.h"
 #include "widgets/MVSegmentView.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -26,6 +28,7 @@ static RecordListDescription listDescriptionOf(const TaskListDescription &descri
             .filteredSentence = localized(u"No task passes the filter."_s),
             .deletingSentence = localized(u"Deleting the selected tasks"_s),
             .detailPlace = description.detailPlace,
+            .rowHeights = TaskTableCell::heights,
             .exports = {ExportFormat::ICalendar, ExportFormat::Csv}};
 }
 
@@ -56,6 +59,9 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
     connect(table(), &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
     connect(commands, &TaskRowCommands::whyChosen, this, &TabTaskViewController::whyRequested);
     connect(commands, &TaskRowCommands::deleteChosen, this, &TabTaskViewController::removeSelection);
+    connect(commands, &TaskRowCommands::tasksMade, this, [this](const std::vector<TaskPtr> &tasks) {
+        selectRecords({tasks.begin(), tasks.end()});
+    });
 }
 
 // Capturing
@@ -66,6 +72,20 @@ void TabTaskViewController::setUpCapture()
     setHead(capture);
     connect(capture, &CaptureBar::captured, this, &TabTaskViewController::showNewRecord);
     connect(capture, &CaptureBar::left, this, [this] { table()->setFocus(Qt::OtherFocusReason); });
+}
+
+bool TabTaskViewController::canTakeLines() const
+{
+    return capture != nullptr;
+}
+
+/// What a calendar or a rule refuses stays out, and its message has said so.
+void TabTaskViewController::takeLines(const QStringList &lines)
+{
+    LongWork work(static_cast<size_t>(lines.size()), localized(u"Adding tasks"_s));
+    const std::vector<TaskPtr> made =
+        TaskBatch::addLines(lines, newTaskRequest(), [&work] { return work.step(); });
+    selectRecords({made.begin(), made.end()});
 }
 
 // Grouping

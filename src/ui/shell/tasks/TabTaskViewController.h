@@ -40,6 +40,8 @@ public:
     TaskPtr selectedTask() const override;
     QString explanationOf(const TaskPtr &task) const override;
     QRect placeOf(const TaskPtr &task) const override;
+    bool canTakeLines() const override;
+    void takeLines(const QStringList &lines) override;
 
 protected:
     /// What is listed at present; `grouping` is None where the list has no grouping or none is chosen.

@@ -12,16 +12,28 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+/// The keys stand beside the words; those of the window are who hears them.
+static QString withKeys(const QString &words, const char16_t *keys)
+{
+    return words + u'\t' +
+           QKeySequence(QString::fromUtf16(keys), QKeySequence::PortableText)
+               .toString(QKeySequence::NativeText);
+}
+
 TaskPopupMenu::TaskPopupMenu(QWidget *parent)
     : QMenu(parent)
     , categoryMenu(addMenu(localized(u"Category"_s)))
     , statusMenu(addMenu(localized(u"Status"_s)))
     , priorityMenu(addMenu(localized(u"Priority"_s)))
+    , dayMenu(addMenu(localized(u"Plan"_s)))
 {
     setObjectName(u"taskPopupMenu"_s);
+    addDays();
     addStatuses();
     addPriorities();
     addSeparator();
+    duplicateAction = addAction(withKeys(localized(u"Duplicate"_s), taskkeys::duplicate), this,
+                                &TaskPopupMenu::duplicateChosen);
     whyAction = addAction(Icons::icon(u"info"_s, Theme::text), localized(u"Why Is It Here?"_s), this,
                           &TaskPopupMenu::whyChosen);
     deleteAction = addAction(Icons::icon(u"trash"_s, Theme::text), localized(u"Delete"_s), this,
@@ -35,6 +47,17 @@ static QAction *addChoice(QMenu &menu, const QString &text, const QVariant &valu
     action->setCheckable(true);
     action->setData(value);
     return action;
+}
+
+void TaskPopupMenu::addDays()
+{
+    for (const QuickDay day : quickdays::all) {
+        dayMenu->addAction(withKeys(quickdays::title(day), taskkeys::plan.at(static_cast<size_t>(day))), this,
+                           [this, day] { Q_EMIT dayChosen(day); });
+    }
+    dayMenu->addSeparator();
+    dayMenu->addAction(withKeys(localized(u"Other Day…"_s), taskkeys::planOnOther), this,
+                       &TaskPopupMenu::otherDayWanted);
 }
 
 void TaskPopupMenu::addStatuses()
@@ -92,8 +115,8 @@ void TaskPopupMenu::setTasks(const std::vector<TaskPtr> &tasks)
     whyAction->setEnabled(tasks.size() == 1);
     const bool isAnyWritable = std::ranges::any_of(
         tasks, [](const TaskPtr &task) { return task->allowsContentModifications().value_or(true); });
-    for (QAction *change :
-         {categoryMenu->menuAction(), statusMenu->menuAction(), priorityMenu->menuAction(), deleteAction})
+    for (QAction *change : {dayMenu->menuAction(), categoryMenu->menuAction(), statusMenu->menuAction(),
+                            priorityMenu->menuAction(), deleteAction})
         change->setEnabled(isAnyWritable);
     tick(*categoryMenu, shared(tasks, [](const EntityTask &task) {
         const CategoryPtr category = task.category();

@@ -1,10 +1,14 @@
 #include "shell/tasks/TaskRowCommands.h"
 
+#include "foundation/Clock.h"
 #include "foundation/Localization.h"
+#include "records/DatePickerState.h"
 #include "records/ShellAlerts.h"
 #include "records/TaskBatch.h"
 #include "shell/tasks/TaskPopupMenu.h"
+#include "widgets/DatePickerPopover.h"
 #include "widgets/LongWork.h"
+#include "widgets/TableViewExtended.h"
 
 #include <algorithm>
 
@@ -46,17 +50,82 @@ void TaskRowCommands::changeTasks(const Tasks &tasks, Change change, const Value
     inRows({tasks.begin(), tasks.end()}, [&] { change(tasks, value..., [&work] { return work.step(); }); });
 }
 
-void TaskRowCommands::toggleDone(const Tasks &tasks)
+/// The user is told where none can be changed.
+static bool canChange(const std::vector<TaskPtr> &tasks)
 {
     const auto isBarred = [](const TaskPtr &task) { return isReadOnly(*task); };
-    if (!tasks.empty() && std::ranges::all_of(tasks, isBarred))
-        return ShellAlerts::alertEditingEvent(localized(tasks.front()->calendarTitle()));
-    changeTasks(tasks, &TaskBatch::toggleDone);
+    if (tasks.empty() || !std::ranges::all_of(tasks, isBarred))
+        return !tasks.empty();
+    ShellAlerts::alertEditingEvent(localized(tasks.front()->calendarTitle()));
+    return false;
+}
+
+void TaskRowCommands::toggleDone(const Tasks &tasks)
+{
+    if (canChange(tasks))
+        changeTasks(tasks, &TaskBatch::toggleDone);
+}
+
+// When
+
+void TaskRowCommands::plan(const Tasks &tasks, QuickDay day)
+{
+    if (canChange(tasks))
+        changeTasks(tasks, &TaskBatch::plan, day);
+}
+
+void TaskRowCommands::planOn(const Tasks &tasks, Date day)
+{
+    if (canChange(tasks))
+        changeTasks(tasks, &TaskBatch::planOn, day);
+}
+
+void TaskRowCommands::plan(QuickDay day)
+{
+    plan(selectedTasks(), day);
+}
+
+/// Where the selection is seen.
+static QRect placeOfSelection(const QWidget &list)
+{
+    const auto *table = list.findChild<TableViewExtended *>();
+    const int row = table ? table->firstSelectedRow() : -1;
+    if (row < 0)
+        return {list.rect().center(), QSize(1, 1)};
+    const QRect seen =
+        table->visualRect(table->tableModel()->index(row)).intersected(table->viewport()->rect());
+    return {table->viewport()->mapTo(&list, seen.topLeft() + QPoint(Theme::contentMargin, 0)), seen.size()};
+}
+
+void TaskRowCommands::planOnOtherDay()
+{
+    const Tasks tasks = selectedTasks();
+    if (tasks.empty() || !canChange(tasks))
+        return;
+    DatePickerState state(DatePickerState::Type::DueDate);
+    state.titlePopover = localized(u"Plan for a Day"_s);
+    state.showClock = false;
+    state.dateValue = tasks.front()->dueDate().value_or(Clock::now());
+    auto *popover = new DatePickerPopover(state, &menuParent);
+    popover->setAttribute(Qt::WA_DeleteOnClose);
+    connect(popover, &DatePickerPopover::doneClicked, this,
+            [this](Date day) { planOn(selectedTasks(), day); });
+    popover->showBeside(menuParent, placeOfSelection(menuParent));
+}
+
+void TaskRowCommands::duplicate()
+{
+    const Tasks tasks = selectedTasks();
+    LongWork work(tasks.size(), localized(u"Changing the selected tasks"_s));
+    Q_EMIT tasksMade(TaskBatch::duplicate(tasks, [&work] { return work.step(); }));
 }
 
 void TaskRowCommands::setUpMenu()
 {
     taskPopupMenu = new TaskPopupMenu(&menuParent);
+    connect(taskPopupMenu, &TaskPopupMenu::dayChosen, this, [this](QuickDay day) { plan(day); });
+    connect(taskPopupMenu, &TaskPopupMenu::otherDayWanted, this, &TaskRowCommands::planOnOtherDay);
+    connect(taskPopupMenu, &TaskPopupMenu::duplicateChosen, this, &TaskRowCommands::duplicate);
     connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
             [this](TaskStatus status) { changeTasks(selectedTasks(), &TaskBatch::setStatus, status); });
     connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this,

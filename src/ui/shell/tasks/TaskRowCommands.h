@@ -1,8 +1,9 @@
 #pragma once
 
+#include "records/dates/QuickDays.h"
 #include "store/entities/Entities.h"
 
-#include <QObject>
+#include <QApplication>
 
 #include <functional>
 #include <vector>
@@ -25,12 +26,27 @@ public:
 
     /// Ticks tasks, or clears them if all of them are ticked. The user is told where none can be changed.
     void toggleDone(const Tasks &tasks);
+    /// Whether there is anything selected to do something with.
+    bool hasTasks() const { return !selectedTasks().empty(); }
+    /// Whether the list is the one that has the keys.
+    bool hasKeys() const { return menuParent.isAncestorOf(QApplication::focusWidget()); }
+    /// Plans the selected tasks.
+    void plan(QuickDay day);
+    /// Asks for a day beside the list, and plans the selected tasks for it.
+    void planOnOtherDay();
+    /// Makes copies of the selected tasks.
+    void duplicate();
+    // What is dropped on something that stands for a value.
+    void plan(const Tasks &tasks, QuickDay day);
+    void planOn(const Tasks &tasks, Date day);
     /// Shows the menu about the selected tasks.
     void showMenu(const QPoint &globalPosition);
     /// Those of some tasks that may be deleted. The user is told where that is none because of its calendar.
     static std::vector<ObjectPtr> removable(const std::vector<ObjectPtr> &tasks);
 
 Q_SIGNALS:
+    /// Tasks were made that the list may show.
+    void tasksMade(const std::vector<TaskPtr> &tasks);
     void whyChosen();
     void deleteChosen();
 

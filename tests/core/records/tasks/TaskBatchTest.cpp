@@ -2,6 +2,8 @@
 
 #include "CoreTest.h"
 
+#include "foundation/Clock.h"
+#include "records/NewTaskRequest.h"
 #include "records/TaskBatch.h"
 #include "records/TaskManager.h"
 #include "store/state/NotificationNames.h"
@@ -121,4 +123,79 @@ TEST_F(TaskBatchTest, PassesOverWhatGoesMeanwhile)
     TaskBatch::setPriority(tasks, Priority::High, deleteLast);
     EXPECT_EQ(tasks[2]->priority(), Priority::High);
     EXPECT_EQ(DBWorker::allTasks().size(), 3);
+}
+
+TEST_F(TaskBatchTest, ADayAPressAwayKeepsTimesAndLengthsAndOneUndoTakesItBack)
+{
+    const TaskPtr plain = add(u"plain"_s);
+    const TaskPtr trip =
+        add(u"trip"_s, TaskType::ToDo, localDate(2026, 11, 2), localDate(2026, 11, 4, 23, 59));
+    const TaskPtr meeting =
+        add(u"meeting"_s, TaskType::Appointment, localDate(2026, 11, 3, 15), localDate(2026, 11, 3, 16, 30));
+    TaskBatch::plan({plain, trip, meeting}, QuickDay::NextWeek);
+    EXPECT_EQ(plain->startDate(), localDate(2026, 11, 23));
+    EXPECT_EQ(plain->dueDate(), localDate(2026, 11, 23, 23, 59));
+    EXPECT_EQ(trip->startDate(), localDate(2026, 11, 23));
+    EXPECT_EQ(trip->dueDate(), localDate(2026, 11, 25, 23, 59));
+    EXPECT_EQ(meeting->startDate(), localDate(2026, 11, 23, 15));
+    EXPECT_EQ(meeting->dueDate(), localDate(2026, 11, 23, 16, 30));
+
+    TaskBatch::plan({meeting, trip}, QuickDay::Someday);
+    for (const TaskPtr &task : {meeting, trip}) {
+        EXPECT_EQ(task->dueSomeDay(), true);
+        EXPECT_EQ(task->type(), TaskType::ToDo);
+        EXPECT_FALSE(task->startDate() || task->dueDate());
+    }
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(meeting->startDate(), localDate(2026, 11, 23, 15));
+    EXPECT_EQ(meeting->type(), TaskType::Appointment);
+    TaskBatch::plan({trip}, QuickDay::Someday);
+    TaskBatch::planOn({trip}, localDate(2026, 12, 24));
+    EXPECT_EQ(trip->dueSomeDay(), false) << "a day takes it out of Someday";
+    EXPECT_EQ(trip->startDate(), localDate(2026, 12, 24));
+}
+
+TEST_F(TaskBatchTest, ACopyHasTheFieldsAndNothingThatBelongsToOneTaskAlone)
+{
+    const TaskPtr task =
+        add(u"original"_s, TaskType::Appointment, localDate(2026, 11, 3, 15), localDate(2026, 11, 3, 16));
+    task->setDetails(u"with words"_s);
+    task->setStatus(TaskStatus::Done);
+    task->setCalendarID(u"event"_s);
+    task->setPriority(Priority::High);
+    ASSERT_FALSE(DBWorker::saveContext());
+    const std::vector<TaskPtr> copies = TaskBatch::duplicate({task});
+    ASSERT_EQ(copies.size(), 1U);
+    const TaskPtr copy = copies.front();
+    EXPECT_NE(copy->identifier(), task->identifier());
+    EXPECT_EQ(copy->title(), u"original"_s);
+    EXPECT_EQ(copy->details(), u"with words"_s);
+    EXPECT_EQ(copy->priority(), Priority::High);
+    EXPECT_EQ(copy->startDate(), task->startDate());
+    EXPECT_EQ(copy->status(), TaskStatus::Open);
+    EXPECT_NE(copy->calendarID(), u"event"_s);
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(DBWorker::allTasks().size(), 5);
+    EXPECT_EQ(task->status(), TaskStatus::Done);
+}
+
+TEST_F(TaskBatchTest, LinesBecomeTasksWithoutWhatListsBeginTheirLinesWith)
+{
+    const QStringList lines = {u"- Milk"_s,         u"* 2 eggs"_s, u"  1. Bread"_s,   u"[x] Paid"_s,
+                               u"- [ ] Open one"_s, u"☑ Ticked"_s, u"   "_s,          u"-5 degrees"_s,
+                               u"2026 in review"_s, u"—"_s,        u"(a) tab\there"_s};
+    const auto made = TaskBatch::addLines(lines, NewTaskRequest::ofList(ListType::Today, Clock::now()));
+    QStringList titles;
+    QStringList done;
+    for (const TaskPtr &task : made) {
+        titles << task->title();
+        if (task->status() == TaskStatus::Done)
+            done << task->title();
+        EXPECT_EQ(task->startDate(), localDate(2026, 11, 21));
+    }
+    EXPECT_EQ(titles, (QStringList{u"Milk"_s, u"2 eggs"_s, u"Bread"_s, u"Paid"_s, u"Open one"_s, u"Ticked"_s,
+                                   u"-5 degrees"_s, u"2026 in review"_s, u"—"_s, u"(a) tab here"_s}));
+    EXPECT_EQ(done, (QStringList{u"Paid"_s, u"Ticked"_s}));
+    ASSERT_FALSE(context().undo());
+    EXPECT_EQ(DBWorker::allTasks().size(), 4);
 }
