@@ -18,6 +18,7 @@
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QListView>
+#include <QPainter>
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTemporaryDir>
@@ -61,6 +62,14 @@ void print(const char *what, const Times &ours, const Times &bare = {})
     if (bare.median > 0)
         std::printf("  bare %6.2f ms  ratio %4.2f", bare.median, ours.median / bare.median);
     std::printf("\n");
+}
+
+/// Paints all that a window shows, also what a change would have left as it was.
+void paintWhole(QWidget &window)
+{
+    for (QWidget *part : window.findChildren<QWidget *>())
+        part->update();
+    window.repaint();
 }
 
 void press(QWidget &widget, Qt::Key key)
@@ -195,7 +204,7 @@ Times dragStepsOf(CalendarGrid &grid, QWidget &window)
     sendMouse(grid, QEvent::MouseButtonPress, from);
     const Times steps = timesOf([&](int round) {
         sendMouse(grid, QEvent::MouseMove, from + QPointF(round * 3, 9 * round));
-        window.repaint();
+        paintWhole(window);
     });
     grid.cancelDrag();
     return steps;
@@ -212,13 +221,13 @@ void measureSlides(CalendarViewController &calendar, QWidget &window)
     for (int round = 0; round < slides; ++round) {
         starts.push_back(measured([&] {
             calendar.daysControllerSelectButton(round % 2 ? -1 : 1);
-            window.repaint();
+            paintWhole(window);
         }));
         QElapsedTimer slid;
         slid.start();
         while (!slid.hasExpired(Animations::duration(Animations::calendarSlide) + 50)) {
             QApplication::processEvents(QEventLoop::AllEvents);
-            frames.push_back(measured([&] { window.repaint(); }));
+            frames.push_back(measured([&] { paintWhole(window); }));
         }
     }
     Animations::setEnabled(false);
@@ -233,10 +242,51 @@ Times bareWindow(CalendarViewController &calendar, QWidget &window)
 {
     calendar.calendarGoToDate(Date::fromReferenceSeconds(-3e9));
     QApplication::processEvents();
-    const Times times = timesOf([&](int) { window.repaint(); });
+    const Times times = timesOf([&](int) { paintWhole(window); });
     calendar.calendarToday();
     QApplication::processEvents();
     return times;
+}
+
+/// As many boxes with a title and a time each as a week shows, painted by the plain means of the toolkit.
+class PlainBoxes : public QWidget
+{
+public:
+    explicit PlainBoxes(size_t number)
+        : count(number)
+    {
+        resize(1200, 800);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.fillRect(rect(), Qt::white);
+        for (size_t box = 0; box < count; ++box) {
+            const QRect place(int(box % 20) * 60, int(box / 20) * 40, 58, 38);
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(QColor(78, 107, 145));
+            painter.drawRoundedRect(place, 3, 3);
+            painter.setPen(Qt::white);
+            const QString title = QStringLiteral("Task %1").arg(box);
+            painter.drawText(place.adjusted(7, 0, 0, -19), Qt::AlignLeft, title);
+            painter.drawText(place.adjusted(7, 19, 0, 0), Qt::AlignLeft,
+                             QStringLiteral("9:00 – 10:%1").arg(box));
+        }
+    }
+
+private:
+    size_t count;
+};
+
+Times plainBoxes(size_t count)
+{
+    PlainBoxes boxes(count);
+    boxes.show();
+    QApplication::processEvents();
+    return timesOf([&](int) { boxes.repaint(); });
 }
 
 /// What the week shows, read as one bare range of dates for each type of task.
@@ -283,7 +333,7 @@ void measurePeople(MainWindow &window, const std::function<void(const char *)> &
         bare.push_back(bareContacts());
         shown.push_back(measured([&] {
             run("actionShowPeople");
-            window.repaint();
+            paintWhole(window);
         }));
     }
     std::ranges::sort(shown);
@@ -296,7 +346,7 @@ void measurePeople(MainWindow &window, const std::function<void(const char *)> &
     print("A key press with the next pane", timesOf([&](int) {
               press(list, Qt::Key_Down);
               QApplication::processEvents();
-              window.repaint();
+              paintWhole(window);
           }));
     ManagedObjectContext &context = AppDelegate::shared()->managedObjectContext();
     const ContactPtr one = context.fetchFirst<EntityContacts>(EntityContacts::fetchRequest());
@@ -305,7 +355,7 @@ void measurePeople(MainWindow &window, const std::function<void(const char *)> &
               if (DBWorker::saveContext())
                   std::abort();
               QApplication::processEvents();
-              window.repaint();
+              paintWhole(window);
           }));
 }
 
@@ -313,7 +363,7 @@ void measureTasks(MainWindow &window, const std::function<void(const char *)> &r
 {
     const double shown = measured([&] {
         run("actionShowNotDone");
-        window.repaint();
+        paintWhole(window);
     });
     std::printf("%-34s        %7.2f ms\n", "Not Done shown", shown);
 
@@ -328,7 +378,7 @@ void measureTasks(MainWindow &window, const std::function<void(const char *)> &r
     print("A task opened over the list", timesOf([&](int round) {
               list.selectRow(round * 3 + 1);
               press(list, Qt::Key_Return);
-              window.repaint();
+              paintWhole(window);
           }));
 }
 
@@ -344,9 +394,15 @@ void measureCalendar(CalendarViewController &calendar, QWidget &window)
     const Times bareQuery = bareWeekQuery();
     print("Week, read again and painted", timesOf([&](int) {
               calendar.reloadData();
-              window.repaint();
+              paintWhole(window);
           }),
           {bareQuery.median + bareWeek.median, bareQuery.longest + bareWeek.longest});
+    const Times boxes = plainBoxes(300);
+    print("The same, with 300 plain boxes", timesOf([&](int) {
+              calendar.reloadData();
+              paintWhole(window);
+          }),
+          {bareQuery.median + bareWeek.median + boxes.median, 0});
     print("A drag step in the week", dragStepsOf(*calendar.calendarPage()->mainGrid(), window));
     measureSlides(calendar, window);
     calendar.showCalendar(Type::Month);

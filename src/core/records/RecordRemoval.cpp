@@ -5,20 +5,91 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
+#include <algorithm>
+#include <map>
+
 using namespace Qt::Literals::StringLiterals;
 
-bool RecordRemoval::isWanted(std::size_t count)
+namespace {
+
+/// The key of how many there are of one kind; empty for kinds that are counted as items.
+QString countOf(std::string_view entity)
 {
-    const QString message = count == 1 ? u"Are you sure you want to delete the selected item?"_s
-                                       : u"Are you sure you want to delete the selected items?"_s;
-    return Alert::run({{}, localized(message), {}, {localized(u"Delete"_s), localized(u"Cancel"_s)}}) ==
-           Alert::firstButton;
+    static const std::map<std::string_view, QString> counts = {{EntityTask::entityName, u"%1 tasks"_s},
+                                                               {EntityProject::entityName, u"%1 projects"_s},
+                                                               {EntityContacts::entityName, u"%1 people"_s},
+                                                               {EntityCompany::entityName, u"%1 companies"_s},
+                                                               {EntityNote::entityName, u"%1 notes"_s}};
+    const auto count = counts.find(entity);
+    return count == counts.end() ? u"%1 items"_s : count->second;
+}
+
+QString countInWords(const std::vector<ObjectPtr> &records)
+{
+    const auto isOfOneKind = [&records](const ObjectPtr &record) {
+        return record->entity().name() == records.front()->entity().name();
+    };
+    const QString key =
+        std::ranges::all_of(records, isOfOneKind) ? countOf(records.front()->entity().name()) : u"%1 items"_s;
+    return localizedCount(key, static_cast<qint64>(records.size()));
+}
+
+} // namespace
+
+QString RecordRemoval::titleOf(const ObjectPtr &record)
+{
+    constexpr int longest = 60;
+    QString title;
+    const auto take = [&title](const auto &titled) {
+        if (titled)
+            title = localized(titled->title());
+    };
+    if (const auto contact = std::dynamic_pointer_cast<EntityContacts>(record))
+        title = contact->fullName();
+    take(std::dynamic_pointer_cast<EntityTask>(record));
+    take(std::dynamic_pointer_cast<EntityProject>(record));
+    take(std::dynamic_pointer_cast<EntityCompany>(record));
+    take(std::dynamic_pointer_cast<EntityNote>(record));
+    take(std::dynamic_pointer_cast<EntityCategory>(record));
+    take(std::dynamic_pointer_cast<EntityLocation>(record));
+    take(std::dynamic_pointer_cast<EntityContactGroup>(record));
+    title = title.simplified();
+    return title.size() > longest ? title.first(longest - 1) + u'…' : title;
+}
+
+QString RecordRemoval::inWords(const std::vector<ObjectPtr> &records)
+{
+    constexpr size_t mostTitles = 3;
+    if (records.empty())
+        return {};
+    QStringList titles;
+    for (const ObjectPtr &record : records) {
+        if (const QString title = titleOf(record); !title.isEmpty() && titles.size() < qsizetype(mostTitles))
+            titles << u"“%1”"_s.arg(title);
+    }
+    if (records.size() == 1)
+        return titles.join(QString());
+    QString some = titles.join(u", "_s);
+    const auto left = static_cast<qsizetype>(records.size()) - titles.size();
+    if (left > 0 && !some.isEmpty())
+        some = localized(u"%1 and %2 more"_s).arg(some).arg(left);
+    return some.isEmpty() ? countInWords(records) : countInWords(records) + u": "_s + some;
+}
+
+bool RecordRemoval::isWanted(const std::vector<ObjectPtr> &records)
+{
+    const QString message = records.size() == 1 ? u"Are you sure you want to delete the selected item?"_s
+                                                : u"Are you sure you want to delete the selected items?"_s;
+    return Alert::run({.message = localized(message),
+                       .informativeText = inWords(records),
+                       .buttons = {localized(u"Delete"_s), localized(u"Cancel"_s)},
+                       .takesAway = true}) == Alert::firstButton;
 }
 
 void RecordRemoval::remove(const std::vector<ObjectPtr> &records, const std::function<void()> &removed,
                            const StepBlock &step)
 {
-    if (!isWanted(records.size()))
+    if (!isWanted(records))
         return;
     RecordsTransaction transaction(u"Delete"_s);
     for (const ObjectPtr &record : records) {

@@ -50,17 +50,18 @@ Selection sorted(const std::vector<ObjectPtr> &objects)
 }
 
 /// How far the deletion of repeating tasks reaches; nothing if the user gives it up.
-std::optional<Span> askedSpan(size_t count)
+std::optional<Span> askedSpan(const std::vector<TaskPtr> &tasks)
 {
-    const bool isOne = count == 1;
+    const bool isOne = tasks.size() == 1;
     const int answer = Alert::run(
         {{},
          localized(isOne ? QStringLiteral("This is a repeating task.")
                          : QStringLiteral("This is a repeating tasks.")),
-         {},
+         RecordRemoval::inWords({tasks.begin(), tasks.end()}),
          {localized(isOne ? QStringLiteral("Delete This Task Only")
                           : QStringLiteral("Delete This Tasks Only")),
-          localized(QStringLiteral("Delete All Future Tasks")), localized(QStringLiteral("Cancel"))}});
+          localized(QStringLiteral("Delete All Future Tasks")), localized(QStringLiteral("Cancel"))},
+         true});
     if (answer == Alert::firstButton)
         return Span::ThisTask;
     return answer == Alert::secondButton ? std::optional(Span::FutureTasks) : std::nullopt;
@@ -111,10 +112,12 @@ void TaskManager::deleteTasks(const std::vector<ObjectPtr> &tasks, const std::fu
     const Selection selection = sorted(tasks);
     std::optional<Span> span;
     if (selection.repeating.empty()) {
-        if (!RecordRemoval::isWanted(selection.plain.size() + selection.projects.size()))
+        std::vector<ObjectPtr> going(selection.plain.begin(), selection.plain.end());
+        going.insert(going.end(), selection.projects.begin(), selection.projects.end());
+        if (!RecordRemoval::isWanted(going))
             return;
     } else if (CalendarEvent::isAccessChangeRepeatTaskWithMessage(true)) {
-        span = askedSpan(selection.repeating.size());
+        span = askedSpan(selection.repeating);
         if (!span)
             return;
     }

@@ -8,10 +8,12 @@
 /// What an alert asks. The buttons stand in the order in which they are numbered.
 struct AlertQuestion
 {
-    QString title;
-    QString message;
-    QString informativeText;
-    QStringList buttons;
+    QString title = {};
+    QString message = {};
+    QString informativeText = {};
+    QStringList buttons = {};
+    /// Whether the buttons that do something take away what the user has.
+    bool takesAway = false;
 
     bool operator==(const AlertQuestion &) const = default;
 };

@@ -9,10 +9,13 @@
 #include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/TextLabel.h"
+#include "widgets/TextLines.h"
 #include "widgets/Theme.h"
 
 #include <QPainter>
 #include <QStyle>
+
+#include <map>
 
 using namespace Qt::Literals::StringLiterals;
 using Style = DateFormatter::Style;
@@ -48,12 +51,21 @@ bool isLight(const QColor &colour)
     return Theme::contrast(Theme::textOnColour, colour) < leastContrast;
 }
 
-QFont titleFont()
+/// Made once for each size of the text.
+QFont titleFont(bool isStruckOut = false)
 {
-    QFont font = Theme::font(Theme::FontRole::Small);
-    font.setWeight(QFont::Medium);
-    font.setLetterSpacing(QFont::AbsoluteSpacing, 0.4);
-    return font;
+    static QFont base;
+    static std::array<QFont, 2> made;
+    if (const QFont present = Theme::font(Theme::FontRole::Small); !(present == base)) {
+        base = present;
+        for (QFont &font : made) {
+            font = base;
+            font.setWeight(QFont::Medium);
+            font.setLetterSpacing(QFont::AbsoluteSpacing, 0.4);
+        }
+        made[1].setStrikeOut(true);
+    }
+    return made[isStruckOut ? 1 : 0];
 }
 
 int iconSize()
@@ -103,16 +115,42 @@ QColor EventCalendarView::backgraundColor() const
     return fill;
 }
 
+namespace {
+
+/// What becomes of a fill so that words can be read on it.
+struct Ground
+{
+    QColor colour;
+    bool isLight;
+
+    static Ground of(const QColor &fill)
+    {
+        const QColor seen = Theme::mixed(fill, Theme::card);
+        const bool light = ::isLight(seen);
+        return {light ? seen : Theme::readable(seen, Theme::textOnColour, Theme::leastTextContrast), light};
+    }
+
+    /// There are few colours, and many items.
+    static const Ground &kept(const QColor &fill)
+    {
+        static std::map<std::pair<QRgb, QRgb>, Ground> known;
+        const std::pair key(fill.rgba(), QColor(Theme::card).rgba());
+        const auto found = known.find(key);
+        return found != known.end() ? found->second : known.emplace(key, of(fill)).first->second;
+    }
+};
+
+} // namespace
+
 QColor EventCalendarView::ground(bool isSelected) const
 {
-    const QColor fill = Theme::mixed(isSelected ? selectedBacgraundColor() : backgraundColor(), Theme::card);
-    return isLight(fill) ? fill : Theme::readable(fill, Theme::textOnColour, Theme::leastTextContrast);
+    return Ground::kept(isSelected ? selectedBacgraundColor() : backgraundColor()).colour;
 }
 
 QColor EventCalendarView::textColour() const
 {
-    return isLight(Theme::mixed(backgraundColor(), Theme::card)) ? Theme::darkTextOnColour
-                                                                 : Theme::textOnColour;
+    return Ground::kept(backgraundColor()).isLight ? QColor(Theme::darkTextOnColour)
+                                                   : QColor(Theme::textOnColour);
 }
 
 // Words
@@ -255,9 +293,7 @@ void EventCalendarView::paintWords(QPainter &painter, const QRectF &frame, const
         return place.toAlignedRect();
     };
     const bool isBesideIcon = frame.height() - top < line + iconSize() + iconGap;
-    QFont written = titleFont();
-    written.setStrikeOut(isDone());
-    painter.setFont(written);
+    painter.setFont(titleFont(isDone()));
     painter.setPen(textColour());
     Direction::drawLine(painter, placeOf(top, isBesideIcon ? end : frame.width() - 3), state.direction,
                         title());
@@ -267,6 +303,6 @@ void EventCalendarView::paintWords(QPainter &painter, const QRectF &frame, const
     painter.setFont(Theme::font(Theme::FontRole::Small));
     const QRect place = placeOf(top + line - 2, isTimeBesideIcon ? end : frame.width() - 3);
     const QString whole = timeText();
-    const bool fits = painter.fontMetrics().horizontalAdvance(whole) <= place.width();
+    const bool fits = TextLines::width(painter.font(), whole) <= place.width();
     Direction::drawLine(painter, place, state.direction, fits ? whole : startText());
 }

@@ -29,6 +29,8 @@ public:
     /// Shows the window, or brings it to the front as it is.
     void showWindow();
 
+    /// Of the record that it is about.
+    std::string_view entity() const { return model->entity(); }
     void clickButtonSave();
     /// Asks what to do with what was typed, then closes or stays.
     void clickButtonClose();

@@ -70,6 +70,7 @@ enum class ActionId {
     About,
     CheckUpdates,
     Welcome,
+    HelpHere,
     UserGuide,
     KeyboardShortcuts,
     ShortcutsHere,

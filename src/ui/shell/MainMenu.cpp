@@ -32,7 +32,8 @@ const std::vector<MainMenu::Description> &MainMenu::menus()
           CalendarPrevious, separator, CalendarBirthdays},
          FullScreen},
         {u"Help",
-         {UserGuide, KeyboardShortcuts, ShortcutsHere, separator, Feedback, HowTo, separator, Welcome}},
+         {UserGuide, HelpHere, KeyboardShortcuts, ShortcutsHere, separator, Feedback, HowTo, separator,
+          Welcome}},
     };
     return all;
 }

@@ -27,10 +27,16 @@ class ColouredPane : public QWidget
 public:
     explicit ColouredPane(Theme::Role paneColour)
         : colour(paneColour)
-    {}
+    {
+        // What is below is not painted in vain.
+        setAttribute(Qt::WA_OpaquePaintEvent);
+    }
 
 protected:
-    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), QColor(colour)); }
+    void paintEvent(QPaintEvent *event) override
+    {
+        QPainter(this).fillRect(event->rect(), Theme::mixed(colour, Theme::content));
+    }
 
 private:
     Theme::Role colour;

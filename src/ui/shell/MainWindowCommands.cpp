@@ -384,11 +384,36 @@ void MainWindowController::fullScreenChanged()
 
 // Help
 
+QString MainWindowController::helpPage() const
+{
+    if (const DetailViewController *pane = details->top(); pane && pane->record())
+        return HelpPages::ofRecords(pane->record()->entity().name());
+    switch (selectItem.value_or(SidebarItem::Home)) {
+    case SidebarItem::Home:
+        return u"start.html"_s;
+    case SidebarItem::Projects:
+        return u"projects.html"_s;
+    case SidebarItem::Contacts:
+    case SidebarItem::People:
+    case SidebarItem::Companies:
+    case SidebarItem::ContactGroup:
+    case SidebarItem::WaitingFor:
+        return u"people.html"_s;
+    case SidebarItem::Calendar:
+        return u"calendar.html"_s;
+    case SidebarItem::Notes:
+        return u"notes.html"_s;
+    default:
+        return u"lists.html"_s;
+    }
+}
+
 void MainWindowController::bindHelp()
 {
     actions->bind(ActionId::About, [] { AboutWindowController::defaultController()->showWindow(); });
     actions->bind(ActionId::CheckUpdates, [] { UpdateCheck::run(); });
     actions->bind(ActionId::Welcome, [this] { openWelcomeWindow(); });
+    actions->bind(ActionId::HelpHere, [this] { HelpWindow::showPage(helpPage()); });
     actions->bind(ActionId::UserGuide, [this] { Q_EMIT userGuideRequested(); });
     actions->bind(ActionId::KeyboardShortcuts, [] { HelpWindow::showPage(HelpPages::shortcuts); });
     actions->bind(ActionId::ShortcutsHere, [this] {

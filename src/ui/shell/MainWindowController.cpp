@@ -13,7 +13,9 @@
 #include "shell/OutlineViewExtended.h"
 #include "shell/RightToolBar.h"
 #include "shell/Screens.h"
+#include "shell/ShortcutTips.h"
 #include "shell/TaskDrops.h"
+#include "shell/UndoNote.h"
 #include "shell/search/SearchField.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
@@ -76,6 +78,9 @@ void MainWindowController::windowDidLoad()
     connect(details.get(), &DetailStack::recordWanted, this, &MainWindowController::showOver);
     connect(details.get(), &DetailStack::newTaskWanted, this, &MainWindowController::showNewTask);
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
+    auto *note = new UndoNote(*mainWindow->rightContentView());
+    connect(note, &UndoNote::undoWanted, this, [this] { stepBack(&ManagedObjectContext::undo); });
+    connect(this, &MainWindowController::storeLeft, note, &QWidget::hide);
     badgeRecount.setSingleShot(true);
     connect(&badgeRecount, &QTimer::timeout, this, &MainWindowController::countTasksBadge);
     groupsRecount.setSingleShot(true);
@@ -248,6 +253,7 @@ void MainWindowController::selectAgain(SidebarItem former, const QString &former
 
 void MainWindowController::leaveDataBase()
 {
+    Q_EMIT storeLeft();
     details->removeAllDetail();
     searchWanted = nullptr;
     newGroupEntity = nullptr;
@@ -294,7 +300,7 @@ void MainWindowController::openWelcomeWindow()
 void MainWindowController::didRemoveRow(const QModelIndex &index)
 {
     const auto group = sidebar->groupAt(index);
-    if (!group || !RecordRemoval::isWanted(1))
+    if (!group || !RecordRemoval::isWanted({group}))
         return;
     AppDelegate::shared()->managedObjectContext().deleteObject(group);
     DBWorker::saveOrTell();
@@ -359,6 +365,8 @@ void MainWindowController::show(TabsViewController *newScreen)
     connect(newScreen, &TabsViewController::recordWanted, this,
             [this, newScreen](const ObjectPtr &record) { showOver(record, newScreen); });
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::update);
+    ShortcutTips::put(*newScreen->toolBarView());
+    ShortcutTips::put(*newScreen);
     newScreen->reloadData();
     mainWindow->rightToolBarMain()->chengedToolBar()->addToolBar(newScreen->toolBarView());
     mainWindow->rightContentView()->layout()->addWidget(newScreen);

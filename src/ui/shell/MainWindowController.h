@@ -58,6 +58,8 @@ public:
     /// The same with what was marked in a calendar.
     void newTask(const MarkedSpan &dates, TimePeriod timePeriod);
     void showCalendars();
+    /// The page of the guide about what the user has before them.
+    QString helpPage() const;
     void showSettings();
     void calendarsAllowed();
     /// Asks about every window and every pane with something typed. False if one of them is to stay; then all
@@ -94,6 +96,8 @@ public:
 Q_SIGNALS:
     void quitRequested();
     void userGuideRequested();
+    /// The records on the screen belong to a store that is about to be left.
+    void storeLeft();
 
 private:
     void windowDidLoad();

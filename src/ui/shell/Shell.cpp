@@ -7,6 +7,7 @@
 #include "objectstore/Sqlite.h"
 #include "records/DraftKeeper.h"
 #include "records/HelpAddresses.h"
+#include "records/RecordWindow.h"
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -53,6 +54,7 @@ void Shell::bindCommands()
 {
     commands->bind(ActionId::Quit, [this] { quit(); });
     commands->bind(ActionId::UserGuide, [this] { openHelp(); });
+    commands->bind(ActionId::HelpHere, [this] { HelpWindow::showPage(helpPage()); });
     commands->bind(ActionId::KeyboardShortcuts, [] { HelpWindow::showPage(HelpPages::shortcuts); });
     commands->bind(ActionId::OpenMainWindow, [] { StartWindowController::openMainWindow(); });
     commands->bind(ActionId::Preferences, [this] {
@@ -153,6 +155,16 @@ void Shell::leaveStore()
 {
     if (controller)
         controller->leaveDataBase();
+}
+
+/// The page about the window that the user is in.
+QString Shell::helpPage() const
+{
+    const QWidget *window = QApplication::activeWindow();
+    if (controller && window == controller->window())
+        return controller->helpPage();
+    const auto *record = qobject_cast<const RecordWindow *>(window);
+    return record ? HelpPages::ofRecords(record->entity()) : HelpPages::contents;
 }
 
 void Shell::changeDataBase()

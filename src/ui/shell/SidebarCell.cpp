@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "shell/SidebarModel.h"
 #include "widgets/BadgePainter.h"
+#include "widgets/Direction.h"
 #include "widgets/Icons.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -49,10 +50,9 @@ static void paintPlate(QPainter &painter, const QStyleOptionViewItem &option)
     painter.drawRoundedRect(plate, plateRadius, plateRadius);
     if (!option.state.testFlag(QStyle::State_HasFocus))
         return;
-    // On the selected row the plate shows where the focus is already.
-    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
-    painter.setPen(isSelected ? Theme::sidebarFocusQuiet : Theme::sidebarFocus);
-    painter.drawRoundedRect(plate.adjusted(0.5, 0.5, -0.5, -0.5), plateRadius, plateRadius);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(Theme::sidebarFocus, 2));
+    painter.drawRoundedRect(plate.adjusted(1, 1, -1, -1), plateRadius - 1, plateRadius - 1);
 }
 
 static QColor textColour(const QStyleOptionViewItem &option, bool isTop)
@@ -98,13 +98,9 @@ void SidebarCell::paint(QPainter *painter, const QStyleOptionViewItem &option, c
     paintPlate(*painter, option);
     Icons::paint(*painter, placed(icon), index.data(SidebarModel::IconRole).toString(),
                  isSelected ? Theme::sidebarAccent : Theme::sidebarQuiet, size);
-    const QFont font = Theme::font(isTop ? Theme::FontRole::SidebarTop : Theme::FontRole::SidebarChild);
-    painter->setFont(font);
+    painter->setFont(Theme::font(isTop ? Theme::FontRole::SidebarTop : Theme::FontRole::SidebarChild));
     painter->setPen(textColour(option, isTop));
-    const QString title =
-        QFontMetrics(font).elidedText(firstPart(index.data().toString()), Qt::ElideRight, text.width());
-    painter->drawText(placed(text),
-                      QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter), title);
+    Direction::drawLine(*painter, placed(text), option.direction, index.data().toString());
     paintArrow(*painter, option, index);
     badge.paint(*painter, option.rect, option.direction);
     painter->restore();

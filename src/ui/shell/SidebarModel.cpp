@@ -3,7 +3,10 @@
 #include "filters/ContactGroups.h"
 #include "foundation/Localization.h"
 #include "records/TaskPlacement.h"
+#include "shell/Actions.h"
 #include "shell/Screens.h"
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -197,6 +200,18 @@ QString SidebarModel::badgesInWords(const QModelIndex &index) const
     return words.join(u", "_s);
 }
 
+QString SidebarModel::tipAt(const QModelIndex &index) const
+{
+    const auto command = std::ranges::find_if(Actions::table(), [&](const ActionDescription &description) {
+        return description.list == itemAt(index);
+    });
+    const QString title = titleAt(index).toHtmlEscaped();
+    if (groupAt(index) || command == Actions::table().end())
+        return u"<span>%1</span>"_s.arg(title);
+    return u"<span>%1 (%2)</span>"_s.arg(
+        title, Actions::shortcutOf(command->id).toString(QKeySequence::NativeText).toHtmlEscaped());
+}
+
 QVariant SidebarModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid())
@@ -206,6 +221,8 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
     case Qt::EditRole:
         return titleAt(index);
+    case Qt::ToolTipRole:
+        return tipAt(index);
     case Qt::AccessibleDescriptionRole:
         return badgesInWords(index);
     case StableIdRole:

@@ -72,6 +72,8 @@ private:
     const std::vector<Child> &childrenOf(int topRow) const;
     const Child *childAt(const QModelIndex &index) const;
     QString titleAt(const QModelIndex &index) const;
+    /// The title, which may be cut on the screen, and the keys that lead there.
+    QString tipAt(const QModelIndex &index) const;
     QString badgesInWords(const QModelIndex &index) const;
     Badge badgeAt(const QModelIndex &index) const;
 

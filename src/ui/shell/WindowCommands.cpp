@@ -16,7 +16,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr std::array everywhere = {ActionId::CloseWindow,    ActionId::Quit,
-                                   ActionId::Preferences,    ActionId::UserGuide,
+                                   ActionId::Preferences,    ActionId::HelpHere,
                                    ActionId::OpenMainWindow, ActionId::KeyboardShortcuts,
                                    ActionId::ShortcutsHere};
 

@@ -6,6 +6,7 @@
 
 #include <QPainter>
 #include <QStyleOption>
+#include <QWidget>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace Shapes;
@@ -14,6 +15,35 @@ bool ButtonLook::isDefault(const QStyleOption *option)
 {
     const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
     return button && button->features.testFlag(QStyleOptionButton::DefaultButton);
+}
+
+constexpr const char *takesAwayProperty = "takesAway";
+
+void ButtonLook::setTakesAway(QWidget &button)
+{
+    button.setProperty(takesAwayProperty, true);
+}
+
+bool ButtonLook::takesAway(const QStyleOption *option)
+{
+    return option->styleObject && option->styleObject->property(takesAwayProperty).toBool();
+}
+
+QColor ButtonLook::wordsOf(const QStyleOption *option)
+{
+    if (takesAway(option))
+        return isDefault(option) ? Theme::badgeOverdueText : Theme::overdue;
+    return isDefault(option) ? Theme::textOnAccent : Theme::text;
+}
+
+static QColor dangerFill(const QStyleOption *option)
+{
+    constexpr int hovered = 108;
+    constexpr int pressed = 120;
+    const QColor fill = Theme::badgeOverdue;
+    if (option->state.testFlag(QStyle::State_Sunken))
+        return fill.darker(pressed);
+    return option->state.testFlag(QStyle::State_MouseOver) ? fill.darker(hovered) : fill;
 }
 
 static QColor accentFill(const QStyleOption *option)
@@ -35,7 +65,8 @@ QColor ButtonLook::plainFill(const QStyleOption *option)
 void ButtonLook::draw(const QStyleOption *option, QPainter *painter)
 {
     const bool stands = isDefault(option);
-    drawRounded(painter, bounds(option->rect), stands ? accentFill(option) : plainFill(option),
+    const QColor standing = takesAway(option) ? dangerFill(option) : accentFill(option);
+    drawRounded(painter, bounds(option->rect), stands ? standing : plainFill(option),
                 stands ? QColor() : Theme::controlBorder);
     if (option->state.testFlag(QStyle::State_HasFocus))
         MorvaneStyle::drawFocusRing(*painter, option->rect, Theme::controlRadius,

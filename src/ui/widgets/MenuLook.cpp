@@ -16,6 +16,19 @@ void MenuLook::drawSelection(const QStyleOption *option, QPainter *painter)
     Shapes::drawRounded(painter, QRectF(option->rect).adjusted(4, 1, -4, -1), Theme::selection, {});
 }
 
+void MenuLook::drawBar(const QRect &rect, QPainter *painter)
+{
+    painter->fillRect(rect, Theme::mixed(Theme::sidebar, Theme::content));
+}
+
+void MenuLook::drawBarItem(const QStyleOptionMenuItem &item, QPainter *painter)
+{
+    if (item.state.testFlag(QStyle::State_Selected))
+        Shapes::drawRounded(painter, QRectF(item.rect).adjusted(2, 2, -2, -2), Theme::sidebarSelection, {});
+    painter->setPen(item.state.testFlag(QStyle::State_Enabled) ? Theme::sidebarText : Theme::sidebarQuiet);
+    painter->drawText(item.rect, Qt::AlignCenter | Qt::TextHideMnemonic, item.text);
+}
+
 void MenuLook::drawSeparator(const QRect &rect, QPainter *painter)
 {
     painter->fillRect(QRect(rect.left(), rect.center().y(), rect.width(), 1), QColor(Theme::cardBorder));

@@ -2,6 +2,7 @@
 #include "widgets/Appearance.h"
 
 #include "foundation/Localization.h"
+#include "widgets/ButtonLook.h"
 #include "widgets/Icons.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
@@ -112,6 +113,10 @@ int MessageBoxPresenter::present(const AlertQuestion &question)
     QList<QAbstractButton *> buttons;
     for (const QString &title : titles)
         buttons.append(box.addButton(title, roleOf(buttons.size(), quietButton(titles))));
+    if (question.takesAway) {
+        for (qsizetype index = 0; index < quietButton(titles); ++index)
+            ButtonLook::setTakesAway(*buttons.at(index));
+    }
     box.setDefaultButton(qobject_cast<QPushButton *>(buttons.first()));
     box.setEscapeButton(buttons.at(quietButton(titles)));
     box.exec();

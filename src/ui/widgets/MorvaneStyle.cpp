@@ -110,21 +110,18 @@ void MorvaneStyle::drawControl(ControlElement element, const QStyleOption *optio
         return QProxyStyle::drawControl(element, &plain, painter, widget);
     }
     if (element == CE_MenuBarItem && item) {
-        painter->fillRect(option->rect, QColor(Theme::card));
-        MenuLook::drawSelection(option, painter);
-        return proxy()->drawItemText(painter, option->rect, Qt::AlignCenter | Qt::TextHideMnemonic,
-                                     item->palette, item->state.testFlag(State_Enabled), item->text,
-                                     QPalette::WindowText);
+        MenuLook::drawBar(option->rect, painter);
+        return MenuLook::drawBarItem(*item, painter);
     }
     if (element == CE_MenuBarEmptyArea)
-        return painter->fillRect(option->rect, QColor(Theme::card));
+        return MenuLook::drawBar(option->rect, painter);
     const auto *toolButton = qstyleoption_cast<const QStyleOptionToolButton *>(option);
     if (element == CE_ToolButtonLabel && ButtonLook::hasWordsBesideIcon(toolButton))
         return ButtonLook::drawWordsBesideIcon(*toolButton, painter);
-    if (element == CE_PushButtonLabel && ButtonLook::isDefault(option)) {
+    if (element == CE_PushButtonLabel && (ButtonLook::isDefault(option) || ButtonLook::takesAway(option))) {
         QStyleOptionButton button(*qstyleoption_cast<const QStyleOptionButton *>(option));
-        button.palette.setColor(QPalette::Active, QPalette::ButtonText, Theme::textOnAccent);
-        button.palette.setColor(QPalette::Inactive, QPalette::ButtonText, Theme::textOnAccent);
+        button.palette.setColor(QPalette::Active, QPalette::ButtonText, ButtonLook::wordsOf(option));
+        button.palette.setColor(QPalette::Inactive, QPalette::ButtonText, ButtonLook::wordsOf(option));
         return QProxyStyle::drawControl(element, &button, painter, widget);
     }
     QProxyStyle::drawControl(element, option, painter, widget);

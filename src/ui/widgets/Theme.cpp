@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -177,8 +178,9 @@ static QFont scaled(double factor, QFont::Weight weight)
     return font;
 }
 
-QFont Theme::font(FontRole role)
+static QFont madeFor(Theme::FontRole role)
 {
+    using FontRole = Theme::FontRole;
     switch (role) {
     case FontRole::Body:
         return scaled(1, QFont::Normal);
@@ -198,6 +200,19 @@ QFont Theme::font(FontRole role)
         return scaled(0.95, QFont::Normal);
     }
     return QGuiApplication::font();
+}
+
+/// Whoever asks gets the same one each time: a font finds its letters at its first use, which takes its time.
+QFont Theme::font(FontRole role)
+{
+    static QFont base;
+    static std::map<FontRole, QFont> made;
+    if (const QFont present = QGuiApplication::font(); !(present == base) || made.empty()) {
+        base = present;
+        made.clear();
+    }
+    const auto known = made.find(role);
+    return known != made.end() ? known->second : made.emplace(role, madeFor(role)).first->second;
 }
 
 QFont Theme::applicationFont(double scale)

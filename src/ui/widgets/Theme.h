@@ -158,8 +158,6 @@ inline constexpr Role sidebarHover{
     {255, 255, 255, 13}, {255, 255, 255, 13}, {255, 255, 255, 32}, {255, 255, 255, 32}};
 inline constexpr Role sidebarAccent{{126, 172, 255}, {126, 172, 255}, {160, 200, 255}, {160, 200, 255}};
 inline constexpr Role sidebarFocus{{126, 172, 255}, {126, 172, 255}, {255, 255, 255}, {255, 255, 255}};
-inline constexpr Role sidebarFocusQuiet{
-    {255, 255, 255, 64}, {255, 255, 255, 64}, {255, 255, 255, 128}, {255, 255, 255, 128}};
 inline constexpr Role badge{
     {255, 255, 255, 31}, {255, 255, 255, 26}, {255, 255, 255, 40}, {255, 255, 255, 40}};
 inline constexpr Role badgeText{{228, 231, 234}, {216, 220, 224}, {255, 255, 255}, {255, 255, 255}};

@@ -103,8 +103,8 @@ TEST_F(HelpTest, TheMenusHaveTheirCommands)
         return texts;
     };
     EXPECT_EQ(commandsOf(4),
-              (QStringList{u"User Guide"_s, u"Keyboard Shortcuts"_s, u"Shortcuts of This Window"_s,
-                           u"Feedback"_s, u"Welcome to Morvane"_s}));
+              (QStringList{u"User Guide"_s, u"Help on This Screen"_s, u"Keyboard Shortcuts"_s,
+                           u"Shortcuts of This Window"_s, u"Feedback"_s, u"Welcome to Morvane"_s}));
     EXPECT_FALSE(commandsOf(0).contains(u"Check for Updates..."_s));
     configure(R"({"updateFeed": "https://x", "helpPages": {"videos": "https://x/v"}})");
     EXPECT_EQ(commandsOf(0).mid(0, 2), (QStringList{u"About Morvane"_s, u"Check for Updates..."_s}));
@@ -173,8 +173,15 @@ TEST_F(HelpTest, TheGuideNamesNoKeysThatThereAreNot)
 
 TEST_F(HelpTest, TheGuideIsReadSearchedAndGoneThrough)
 {
+    showList(SidebarItem::People);
     QTest::keyClick(&window(), Qt::Key_F1);
     ASSERT_NE(HelpWindow::shared(), nullptr);
+    EXPECT_EQ(help().browser()->page(), u"people.html"_s) << "the page of the screen";
+    showList(SidebarItem::Calendar);
+    QTest::keyClick(&window(), Qt::Key_F1);
+    EXPECT_EQ(help().browser()->page(), u"calendar.html"_s);
+    help().close();
+    run(ActionId::UserGuide);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&help()));
     EXPECT_EQ(help().windowTitle(), u"User Guide"_s);
     auto &back = find<QToolButton>(help(), "buttonBack");

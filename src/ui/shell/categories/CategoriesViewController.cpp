@@ -278,7 +278,7 @@ void CategoriesViewController::removeCategory()
 {
     const int row = table->currentRow();
     const CategoryPtr category = categories->categoryAt(row);
-    if (!category || Categories::isBuiltIn(*category) || !RecordRemoval::isWanted(1))
+    if (!category || Categories::isBuiltIn(*category) || !RecordRemoval::isWanted({category}))
         return;
     const BusyCursor busy;
     Categories::remove(category);

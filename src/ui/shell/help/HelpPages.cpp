@@ -4,6 +4,7 @@
 #include "foundation/Localization.h"
 #include "records/dates/MTDates.h"
 #include "store/AppDelegate.h"
+#include "store/entities/Entities.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -46,6 +47,17 @@ std::function<QString()> &shortcutsSource()
 void HelpPages::setShortcuts(std::function<QString()> page)
 {
     shortcutsSource() = std::move(page);
+}
+
+QString HelpPages::ofRecords(std::string_view entity)
+{
+    if (entity == EntityTask::entityName)
+        return u"tasks.html"_s;
+    if (entity == EntityProject::entityName)
+        return u"projects.html"_s;
+    if (entity == EntityContacts::entityName || entity == EntityCompany::entityName)
+        return u"people.html"_s;
+    return entity == EntityNote::entityName ? u"notes.html"_s : contents;
 }
 
 QString HelpPages::folder()

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <string_view>
 
 /// The pages of the user guide: files in a folder for each language, "share/morvane/help/<language>" beside
 /// the folder of the program, and the page of the shortcuts, which is made from the table of commands.
@@ -15,6 +16,8 @@ inline const QString shortcuts = QStringLiteral("shortcuts.html");
 
 /// Where the page of the shortcuts comes from, in HTML.
 void setShortcuts(std::function<QString()> page);
+/// The page about records of an entity; the first page for those that have none of their own.
+QString ofRecords(std::string_view entity);
 /// The folder in the user's language, or the English one.
 QString folder();
 /// The names of all pages, in the order in which the first one links them.

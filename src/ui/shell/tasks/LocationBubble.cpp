@@ -71,10 +71,11 @@ void LocationBubble::press(int row)
 /// The question cannot be answered below an open bubble.
 void LocationBubble::removeRow(int row)
 {
-    if (!choice.locationAt(row))
+    const LocationPtr location = choice.locationAt(row);
+    if (!location)
         return;
     hide();
-    if (RecordRemoval::isWanted(1)) {
+    if (RecordRemoval::isWanted({location})) {
         const LocationPtr gone = choice.remove(row);
         reload();
         Q_EMIT removed(gone);

@@ -5,6 +5,7 @@
 #include "shell/tasks/TaskListModel.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/TaskTableRow.h"
+#include "widgets/TextLines.h"
 #include "widgets/Theme.h"
 
 #include <QPainter>
@@ -31,9 +32,9 @@ static QRect generous(const QRect &rect)
     return rect.isEmpty() ? QRect() : rect.adjusted(-Theme::unit, -Theme::unit, Theme::unit, Theme::unit);
 }
 
-static int widthOf(const QString &text, const QFontMetrics &metrics)
+static int widthOf(const QString &text, const QFont &font)
 {
-    return text.isEmpty() ? 0 : metrics.horizontalAdvance(text) + 1;
+    return text.isEmpty() ? 0 : TextLines::width(font, text) + 1;
 }
 
 namespace {
@@ -79,11 +80,11 @@ QStringList signsOf(const TaskRowContent &content)
 
 TaskRowLayout TaskTableCell::layoutOf(const QRect &row, const TaskRowContent &content)
 {
-    const QFontMetrics title(Theme::font(Theme::FontRole::Body));
-    const QFontMetrics small(Theme::font(Theme::FontRole::Small));
+    const QFont title = Theme::font(Theme::FontRole::Body);
+    const QFont small = Theme::font(Theme::FontRole::Small);
     TaskRowLayout::Input input{.row = row,
-                               .titleHeight = title.height(),
-                               .detailHeight = small.height(),
+                               .titleHeight = QFontMetrics(title).height(),
+                               .detailHeight = QFontMetrics(small).height(),
                                .titleWidth = widthOf(content.title, title),
                                .dateWidth = widthOf(content.dateLabel, small),
                                .signs = static_cast<int>(signsOf(content).size()),
