@@ -19,6 +19,8 @@ QString written(const QString &locale, Write write)
 
 UDateDirection directionOf(int steps)
 {
+    if (steps < 0)
+        return UDAT_DIRECTION_LAST;
     return steps == 0 ? UDAT_DIRECTION_THIS : steps == 1 ? UDAT_DIRECTION_NEXT : UDAT_DIRECTION_NEXT_2;
 }
 
@@ -26,7 +28,7 @@ UDateDirection directionOf(int steps)
 
 QString RelativeDates::day(const QString &locale, int daysFromToday)
 {
-    if (daysFromToday < 0 || daysFromToday > 2)
+    if (daysFromToday < -1 || daysFromToday > 2)
         return {};
     return written(locale, [daysFromToday](const auto &formatter, auto &text, auto &status) {
         formatter.format(directionOf(daysFromToday), UDAT_ABSOLUTE_DAY, text, status);

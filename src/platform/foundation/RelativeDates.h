@@ -7,8 +7,8 @@ namespace RelativeDates {
 
 enum class Unit { Day, Week, Month, Year };
 
-/// The word for a day: "today" for 0, "tomorrow" for 1, "the day after tomorrow" for 2; empty where the
-/// language has none.
+/// The word for a day: "yesterday" for -1, "today" for 0, "tomorrow" for 1, "the day after tomorrow" for 2;
+/// empty where the language has none.
 QString day(const QString &locale, int daysFromToday);
 /// "next week", "next month", "next year".
 QString next(const QString &locale, Unit unit);

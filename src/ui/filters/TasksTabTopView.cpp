@@ -38,16 +38,34 @@ void TasksTabTopView::shareRoom()
     int wanted = row->contentsMargins().left() + row->contentsMargins().right();
     for (const QWidget *part : findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
         if (!part->isHidden())
-            wanted += part->sizeHint().width() + row->spacing();
+            wanted += (part->sizePolicy().horizontalPolicy() == QSizePolicy::Expanding
+                           ? part->minimumSizeHint().width()
+                           : part->sizeHint().width()) +
+                      row->spacing();
     }
     cancelView->setMaximumWidth(wanted > width() ? cancelView->minimumSizeHint().width()
                                                  : cancelView->sizeHint().width());
 }
 
+void TasksTabTopView::setMiddle(QWidget *middle)
+{
+    constexpr int leastShare = 100;
+    row->insertWidget(row->indexOf(cancelView) - 1, middle, leastShare);
+    orderTabs();
+}
+
+/// The tab key goes through a strip in the order in which its parts came.
+void TasksTabTopView::orderTabs()
+{
+    for (QWidget *part : {static_cast<QWidget *>(cancelView), static_cast<QWidget *>(filterButton)}) {
+        row->removeWidget(part);
+        part->setParent(nullptr);
+        row->addWidget(part);
+    }
+}
+
 void TasksTabTopView::setGrouping(MVSegmentView *grouping)
 {
     row->insertWidget(0, grouping);
-    // Tab goes as the eye does.
-    setTabOrder(grouping, cancelView);
-    setTabOrder(cancelView, filterButton);
+    orderTabs();
 }

@@ -7,7 +7,7 @@ class MVSegmentView;
 class QHBoxLayout;
 class FilterButton;
 
-/// The strip above a list of records of any kind: how it is grouped, and its filter.
+/// The strip above a list of records of any kind: how it is grouped, what is added to it, and its filter.
 class TasksTabTopView : public QWidget
 {
     Q_OBJECT
@@ -19,6 +19,9 @@ public:
 
     /// Puts the grouping at the leading side.
     void setGrouping(MVSegmentView *grouping);
+    /// Puts something between the grouping and the filter; it takes the room that they leave, up to its own
+    /// limit.
+    void setMiddle(QWidget *middle);
     FilterButton *buttonFilter() const { return filterButton; }
     FilterButtonCancelView *cancelFilterView() const { return cancelView; }
 
@@ -27,6 +30,7 @@ protected:
 
 private:
     void shareRoom();
+    void orderTabs();
 
     QHBoxLayout *row;
     FilterButtonCancelView *cancelView;

@@ -21,7 +21,10 @@ void RecordListScreen::setUpFilter(std::shared_ptr<ListFilter> filter)
     filteredState->setAction(localized(u"Clear filter"_s));
     listLayer->layout()->addWidget(filteredState);
     filteredState->hide();
-    connect(filteredState, &EmptyState::actionClicked, this, &RecordListScreen::clearFilter);
+    connect(filteredState, &EmptyState::actionClicked, this, [this] {
+        clearFilter();
+        view->setFocus();
+    });
     // Keys that come in quick succession share one fetch.
     filterState = std::make_unique<FilterState>(*listFilter, [this] {
         mustCloseHidden = true;

@@ -14,6 +14,7 @@
 #include "widgets/TableCell.h"
 #include "widgets/Theme.h"
 
+#include <QHash>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStackedLayout>
@@ -36,6 +37,10 @@ RecordListScreen::RecordListScreen(RecordListDescription listDescription, Record
     listModel->setParent(this);
     setUpView(cell);
     addButton(description.addType);
+    if (description.offersFirst && !emptyState->sentence().isEmpty()) {
+        emptyState->setAction(ToolBarButton::titleOf(description.addType), u"buttonAddFirst"_s);
+        connect(emptyState, &EmptyState::actionClicked, this, &RecordListScreen::addFirst);
+    }
     if (description.secondType)
         addButton(*description.secondType);
     promptUpdate.setSingleShot(true);
@@ -78,8 +83,13 @@ void RecordListScreen::setUpView(TableCell *cell)
 
 void RecordListScreen::setHead(QWidget *aboveRows)
 {
+    // It is as wide as the rows, and not in the way of a pane beside them.
+    head = new QWidget;
+    auto *own = new QVBoxLayout(head);
+    own->setContentsMargins({});
+    own->addWidget(aboveRows);
     auto *column = static_cast<QVBoxLayout *>(layout());
-    column->insertWidget(column->indexOf(listLayer), aboveRows);
+    column->insertWidget(column->indexOf(listLayer), head);
 }
 
 void RecordListScreen::observe()
@@ -240,9 +250,24 @@ void RecordListScreen::updateEmptyState()
         besideState->setVisible(!isEmpty);
 }
 
+/// Where each list was left, as long as the program runs.
+static QHash<QString, int> &placesLeft()
+{
+    static QHash<QString, int> places;
+    return places;
+}
+
+void RecordListScreen::showEvent(QShowEvent *event)
+{
+    TabsViewController::showEvent(event);
+    if (const int place = placesLeft().take(description.title); place > 0 && !view->hasSelectedRows())
+        view->verticalScrollBar()->setValue(place);
+}
+
 void RecordListScreen::clearController()
 {
     opening.stop();
+    placesLeft().insert(description.title, view->verticalScrollBar()->value());
     if (topView)
         topView->buttonFilter()->closePopover();
 }
@@ -488,7 +513,10 @@ void RecordListScreen::setDetailSpace(int width)
 {
     if (isBeside())
         width = qRound(this->width() * description.detailPlace.width);
-    listLayer->setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
+    for (QWidget *part : {listLayer, head}) {
+        if (part)
+            part->setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);
+    }
     if (besideState)
         besideState->setGeometry(
             QStyle::visualRect(layoutDirection(), rect(), QRect(this->width() - width, 0, width, height())));

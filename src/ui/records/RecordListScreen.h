@@ -36,6 +36,8 @@ struct RecordListDescription
     std::vector<std::string_view> toldOf = {};
     /// What an empty list says in its middle; empty if it says so in a row of its own.
     QString emptySentence = {};
+    /// Whether an empty list offers to add its first record.
+    bool offersFirst = true;
     /// The same of a list whose filter leaves nothing.
     QString filteredSentence = {};
     /// What stands over the sign of a long deletion.
@@ -112,6 +114,8 @@ protected:
     virtual void othersChanged(const StoreChanges &changes) { Q_UNUSED(changes) }
     /// The number of the grouping that makes the filter rest; -1 for none.
     virtual int groupingIndex() const { return -1; }
+    /// The button of the empty list was pressed.
+    virtual void addFirst() { Q_EMIT buttonAdd(description.addType); }
     /// Two presses on a row while several are selected.
     virtual void severalOpened() {}
 
@@ -127,6 +131,7 @@ protected:
     /// What the list is to leave out; null for nothing.
     const FilterEntry *filter() const { return filterState ? filterState->filterOfList() : nullptr; }
 
+    void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
     std::vector<ObjectPtr> recordsAt(const std::set<int> &rows) const;
@@ -164,6 +169,8 @@ private:
     RecordListModel *listModel;
     TableViewExtended *view;
     QWidget *listLayer;
+    /// What stands right above the rows; null for nothing.
+    QWidget *head = nullptr;
     EmptyState *emptyState;
     EmptyState *filteredState = nullptr;
     EmptyState *besideState = nullptr;

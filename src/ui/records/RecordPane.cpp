@@ -105,6 +105,27 @@ void RecordPane::addToHeader(QWidget *widget)
     setTabOrder(widget, buttonEdit);
 }
 
+/// Where the words have no room, the icons stand for them; their tips have the words.
+void RecordPane::fitHeader()
+{
+    const auto buttons = headerLine->parentWidget()->findChildren<QToolButton *>();
+    for (const Qt::ToolButtonStyle style : {Qt::ToolButtonTextBesideIcon, Qt::ToolButtonIconOnly}) {
+        for (QToolButton *button : buttons) {
+            if (!button->icon().isNull())
+                button->setToolButtonStyle(style);
+        }
+        headerLine->invalidate();
+        if (headerLine->sizeHint().width() <= width())
+            return;
+    }
+}
+
+void RecordPane::resizeEvent(QResizeEvent *event)
+{
+    DetailViewController::resizeEvent(event);
+    fitHeader();
+}
+
 /// It has the width of the form above it.
 void RecordPane::addToBody(QWidget *widget)
 {

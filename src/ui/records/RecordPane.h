@@ -83,10 +83,12 @@ protected:
     static QToolButton *makeHeaderButton(const QString &name, const QString &icon, const QString &text);
 
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     static void nameButton(QToolButton &button, const QString &icon, const QString &text);
     QWidget *makeHeader();
+    void fitHeader();
     QWidget *makeBody();
     void observeStore();
     void recordChanged();

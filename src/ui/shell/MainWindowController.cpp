@@ -16,6 +16,7 @@
 #include "shell/ShortcutTips.h"
 #include "shell/TaskDrops.h"
 #include "shell/UndoNote.h"
+#include "shell/WindowMemory.h"
 #include "shell/search/SearchField.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
@@ -78,6 +79,7 @@ void MainWindowController::windowDidLoad()
     connect(details.get(), &DetailStack::recordWanted, this, &MainWindowController::showOver);
     connect(details.get(), &DetailStack::newTaskWanted, this, &MainWindowController::showNewTask);
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
+    memory = std::make_unique<WindowMemory>(*mainWindow, *sidebar);
     auto *note = new UndoNote(*mainWindow->rightContentView());
     connect(note, &UndoNote::undoWanted, this, [this] { stepBack(&ManagedObjectContext::undo); });
     connect(this, &MainWindowController::storeLeft, note, &QWidget::hide);

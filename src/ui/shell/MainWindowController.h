@@ -18,6 +18,7 @@
 #include <vector>
 
 class TaskRowCommands;
+class WindowMemory;
 class Actions;
 class DetailStack;
 class MainWindow;
@@ -152,6 +153,7 @@ private:
     void fullScreenChanged();
 
     std::unique_ptr<MainWindow> mainWindow;
+    std::unique_ptr<WindowMemory> memory;
     SidebarModel *sidebar;
     Actions *actions;
     std::unique_ptr<DetailStack> details;

@@ -32,6 +32,9 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 #include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
@@ -72,6 +75,16 @@ void Shell::quit()
         life->quit();
 }
 
+/// The dialogs of the toolkit speak the language of the program, where there are words of it.
+static void loadWordsOfToolkit()
+{
+    static QTranslator words;
+    const QLocale language(languageOfWords());
+    if (language.language() != QLocale::English &&
+        words.load(language, u"qtbase"_s, u"_"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&words);
+}
+
 void Shell::prepareApplication()
 {
     Accessibility::install();
@@ -79,6 +92,7 @@ void Shell::prepareApplication()
     QApplication::setPalette(Theme::palette());
     QApplication::setFont(Theme::applicationFont());
     LookOfProgram::showRemembered();
+    loadWordsOfToolkit();
     // Where the words are left to right, the desktop's own wish stands.
     if (QLocale(languageOfWords()).textDirection() == Qt::RightToLeft)
         QApplication::setLayoutDirection(Qt::RightToLeft);

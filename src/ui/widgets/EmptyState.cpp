@@ -22,11 +22,11 @@ EmptyState::EmptyState(const QString &iconName, const QString &sentence, QWidget
     setFont(Theme::font(Theme::FontRole::Large));
 }
 
-void EmptyState::setAction(const QString &title)
+void EmptyState::setAction(const QString &title, const QString &name)
 {
     action = new QPushButton(title, this);
     action->setFont(Theme::font(Theme::FontRole::Body));
-    action->setObjectName(QStringLiteral("buttonOfEmptyState"));
+    action->setObjectName(name);
     setAttribute(Qt::WA_TransparentForMouseEvents, false);
     connect(action, &QPushButton::clicked, this, &EmptyState::actionClicked);
 }

@@ -13,7 +13,8 @@ public:
 
     QString sentence() const { return text; }
     /// Puts a button below the sentence.
-    void setAction(const QString &title);
+    /// \param name what the button is called among the widgets.
+    void setAction(const QString &title, const QString &name = QStringLiteral("buttonOfEmptyState"));
 
 Q_SIGNALS:
     void actionClicked();

@@ -69,6 +69,7 @@ void RowItemView::setLabel(const QString &text)
 {
     label->setText(text);
     label->show();
+    settle();
     if (label->buddy())
         label->buddy()->setAccessibleName(text);
 }
@@ -110,12 +111,22 @@ void RowItemView::setGrows()
 void RowItemView::settle()
 {
     const bool isFree = grows || isPreviewing;
-    const int needed = control ? control->minimumSizeHint().height() + topMargin + bottomMargin : 0;
-    const int least = std::max(shownHeight, isFree ? 0 : needed);
+    const int ofControl = control ? control->minimumSizeHint().height() : 0;
+    const int ofLabel = label->text().isEmpty() ? 0 : label->heightForWidth(labelWidth);
+    const int needed = (isFree ? ofLabel : std::max(ofControl, ofLabel)) + topMargin + bottomMargin;
+    const int least = std::max(shownHeight, needed);
     setMinimumHeight(isCollapsed ? 0 : least);
     setMaximumHeight(isCollapsed ? 0 : isFree ? QWIDGETSIZE_MAX : least);
     setSizePolicy(QSizePolicy::Preferred, isFree ? QSizePolicy::Minimum : QSizePolicy::Fixed);
     setVisible(!isCollapsed);
+    isAnimated = false;
+}
+
+void RowItemView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && !isAnimated)
+        settle();
 }
 
 void RowItemView::setRowHeight(int height)
@@ -131,6 +142,7 @@ void RowItemView::setRowHidden(bool hidden)
     if (!window()->isVisible())
         return settle();
     setVisible(true);
+    isAnimated = true;
     auto *animation = new QPropertyAnimation(this, "rowHeight");
     animation->setDuration(Animations::duration(Animations::rowCollapse));
     animation->setStartValue(hidden ? height() : 0);

@@ -51,6 +51,7 @@ protected:
     bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     QLabel *previewLabel();
@@ -67,6 +68,7 @@ private:
     bool grows = false;
     bool isCollapsed = false;
     bool isPreviewing = false;
+    bool isAnimated = false;
     bool hasValue = false;
     QLabel *label;
     QWidget *control = nullptr;

@@ -5,6 +5,8 @@
 
 #include <QVariantMap>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 SplitPanes::SplitPanes(QWidget *parent)
@@ -28,6 +30,12 @@ void SplitPanes::setLeftBounds(int minimum, int maximum)
     widget(0)->setMinimumWidth(minimum);
     widget(0)->setMaximumWidth(maximum);
     leftWanted = maximum;
+}
+
+void SplitPanes::setLeftWidth(int wanted)
+{
+    leftWanted = std::clamp(wanted, widget(0)->minimumWidth(), widget(0)->maximumWidth());
+    setSizes({leftWanted, std::max(0, width() - leftWanted)});
 }
 
 /// The right pane may need more room, or less, with each screen.

@@ -14,6 +14,8 @@ public:
     /// The bounds of the left pane, which begins at the upper one. It gives way where the right pane needs
     /// its room, and comes back to the width that the user gave it.
     void setLeftBounds(int minimum, int maximum);
+    /// As if the user had given it that width.
+    void setLeftWidth(int width);
 
 protected:
     bool event(QEvent *event) override;

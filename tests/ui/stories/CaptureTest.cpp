@@ -21,8 +21,8 @@ protected:
     CaptureEdit &line() { return *screen().captureBar()->edit(); }
     QString told()
     {
-        const auto &label = find<QLabel>(*screen().captureBar(), "labelCaptured");
-        return label.isVisibleTo(screen().captureBar()) ? label.text() : QString();
+        const auto *label = screen().findChild<QLabel *>(u"labelCaptured"_s);
+        return label && label->isVisibleTo(&screen()) ? label->text() : QString();
     }
     void type(const QString &text) { QTest::keyClicks(&line(), text); }
     void press(Qt::Key pressed) { QTest::keyClick(&line(), pressed); }

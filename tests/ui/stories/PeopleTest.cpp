@@ -12,6 +12,7 @@
 #include "shell/people/PeopleDetailViewControllers.h"
 #include "shell/tasks/LinkedTasksView.h"
 #include "shell/tasks/TaskDetailViewController.h"
+#include "store/state/SettingsKeys.h"
 #include "support/OtherProgram.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/DatePickerPopover.h"

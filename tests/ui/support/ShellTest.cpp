@@ -24,7 +24,9 @@ ShellTest::ShellTest()
     prepareOnce();
     if (!qEnvironmentVariableIsSet("MORVANE_TEST_HOME"))
         QDir(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Morvane")).removeRecursively();
-    for (const QString &setting : {settings::valueSwitchDatabase, settings::firstRun, settings::taskGrouped})
+    for (const QString &setting :
+         {settings::valueSwitchDatabase, settings::firstRun, settings::taskGrouped,
+          QStringLiteral("windowPlaces"), QStringLiteral("sidebarWidth"), QStringLiteral("sidebarOpen")})
         UserDefaults::standard().removeObject(setting);
     auto made = std::make_unique<Shell>();
     shell = made.get();

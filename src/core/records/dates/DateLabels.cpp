@@ -4,6 +4,9 @@
 #include "foundation/Clock.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "foundation/RelativeDates.h"
+
+#include <QHash>
 
 #include <cmath>
 
@@ -57,6 +60,34 @@ static QString dateInWords(Date date, bool considerTime)
     return shown(date, monthAndDay) + atTime(date) + shown(date, QStringLiteral("',' yyyy"));
 }
 
+/// Other languages have an order of their own, and write the names of near days small within a sentence.
+static bool isEnglish()
+{
+    return languageOfWords() == QLatin1String("en");
+}
+
+static QString dateInOrderOfLanguage(Date date, bool considerTime)
+{
+    if (!considerTime)
+        return shown(date, DateStyle::Medium, DateStyle::None);
+    return shown(date, DateFormatter::patternFromTemplate(QStringLiteral("yMMMMdjm"),
+                                                          DateFormatter::Language::OfWords));
+}
+
+static QString dayWithinSentence(const QString &nearDay)
+{
+    const int away = nearDay == QLatin1String("Today") ? 0 : nearDay == QLatin1String("Tomorrow") ? 1 : -1;
+    if (isEnglish())
+        return localized(nearDay);
+    // Each row of a list asks.
+    thread_local QHash<QString, QString> known;
+    const QString key = languageOfWords() + QString::number(away);
+    auto word = known.constFind(key);
+    if (word == known.constEnd())
+        word = known.insert(key, RelativeDates::day(languageOfWords(), away));
+    return word->isEmpty() ? localized(nearDay) : *word;
+}
+
 /// "Yesterday", "Today", "Tomorrow" or nothing. Two midnights make neighbours only if exactly 86400 seconds
 /// lie between them, so beside a day of 23 or 25 hours the date itself is shown.
 static QString nameOfNearDay(Date date)
@@ -79,11 +110,12 @@ QString MVDate::getLabelText(OptionalDate date, bool considerTime, bool inOrderT
     const LeadWords lead = leadWords(inOrderToStartDate || isEmailCall);
     const QString nearDay = nameOfNearDay(*date);
     if (nearDay.isEmpty())
-        return joined(lead.beforeDate, dateInWords(*date, considerTime));
+        return joined(lead.beforeDate, isEnglish() ? dateInWords(*date, considerTime)
+                                                   : dateInOrderOfLanguage(*date, considerTime));
     if (!considerTime)
-        return joined(lead.alone, localized(nearDay));
+        return joined(lead.alone, dayWithinSentence(nearDay));
     const bool isToday = nearDay == QLatin1String("Today");
-    return (isToday ? lead.alone : joined(lead.alone, localized(nearDay))) + atTime(*date);
+    return (isToday ? lead.alone : joined(lead.alone, dayWithinSentence(nearDay))) + atTime(*date);
 }
 
 static QString creationLabelOfFarDay(Date date)

@@ -54,7 +54,7 @@ MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
 static QLabel *makeLabel(const QString &text, Theme::FontRole role, Theme::Role color)
 {
     QLabel *label = makeTextLabel(text, role, color);
-    label->setFixedWidth(width);
+    label->setMinimumWidth(width);
     return label;
 }
 

@@ -43,6 +43,7 @@ static RecordKind waitingFor()
                  .tableName = u"tableViewWaiting"_s,
                  .toldOf = {EntityContacts::entityName},
                  .emptySentence = localized(u"What you have given to others and wait for."_s),
+                 .offersFirst = false,
                  .deletingSentence = localized(u"Deleting the selected tasks"_s),
                  .rowHeights = {.item = 56},
                  .exports = {ExportFormat::ICalendar, ExportFormat::Csv}};

@@ -3,41 +3,101 @@
 #include "records/capture/CapturedTask.h"
 #include "shell/tasks/CaptureEdit.h"
 #include "widgets/Accessibility.h"
-#include "widgets/TextLabel.h"
+#include "widgets/Theme.h"
 
 #include <QLabel>
+#include <QPainter>
+#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
+
+constexpr int leastCardWidth = 320;
+
+/// How long it is told what became of a line.
+constexpr auto told = std::chrono::seconds(6);
+
+/// What was understood, on a card that hangs below the line over whatever is there.
+class UnderstoodCard : public QLabel
+{
+public:
+    UnderstoodCard()
+    {
+        setObjectName(u"labelCaptured"_s);
+        setTextFormat(Qt::PlainText);
+        setFont(Theme::font(Theme::FontRole::Small));
+        setContentsMargins(Theme::unit, Theme::unit / 2, Theme::unit, Theme::unit / 2);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Theme::controlBorder, 1));
+        painter.setBrush(Theme::card);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::controlRadius,
+                                Theme::controlRadius);
+        QLabel::paintEvent(event);
+    }
+};
 
 CaptureBar::CaptureBar(std::function<NewTaskRequest()> ofList, QWidget *parent)
     : QWidget(parent)
     , request(std::move(ofList))
     , field(new CaptureEdit)
-    , understood(makeTextLabel({}, Theme::FontRole::Small, Theme::secondaryText))
+    , understood(new UnderstoodCard)
 {
+    constexpr int mostWidth = 560;
+    constexpr int leastWidth = 110;
     setObjectName(u"captureBar"_s);
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(Theme::contentMargin, 0, Theme::contentMargin, Theme::unit);
-    column->setSpacing(Theme::unit / 2);
-    column->addWidget(field);
-    column->addWidget(understood);
-    understood->setObjectName(u"labelCaptured"_s);
-    understood->setContentsMargins(Theme::unit, 0, Theme::unit, 0);
-    understood->hide();
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setMaximumWidth(mostWidth);
+    field->setMinimumWidth(leastWidth);
+    auto *line = new QVBoxLayout(this);
+    line->setContentsMargins({});
+    line->addWidget(field);
     setFocusProxy(field);
+    going.setSingleShot(true);
+    going.setInterval(told);
+    connect(&going, &QTimer::timeout, understood, &QWidget::hide);
     connect(field, &CaptureEdit::captureChanged, this, &CaptureBar::tell);
     connect(field, &CaptureEdit::accepted, this, &CaptureBar::save);
     connect(field, &CaptureEdit::left, this, &CaptureBar::left);
 }
 
+CaptureBar::~CaptureBar()
+{
+    delete understood;
+}
+
+/// Below the field, on the screen of the list.
+void CaptureBar::showWords(const QString &words)
+{
+    if (QWidget *const screen = parentWidget() ? parentWidget()->parentWidget() : nullptr;
+        screen && understood->parentWidget() != screen)
+        understood->setParent(screen);
+    understood->setText(words);
+    understood->setVisible(!words.isEmpty() && understood->parentWidget());
+    if (!understood->isVisibleTo(understood->parentWidget()))
+        return;
+    const QPoint below = field->mapTo(understood->parentWidget(), QPoint(0, field->height() + 2));
+    const int width = std::min(understood->sizeHint().width(), std::max(field->width(), leastCardWidth));
+    const QRect around(below, QSize(field->width(), understood->sizeHint().height()));
+    understood->setGeometry(QStyle::alignedRect(layoutDirection(), Qt::AlignLeft | Qt::AlignTop,
+                                                {width, around.height()}, around));
+    understood->raise();
+}
+
 void CaptureBar::tell()
 {
     const QString words = CapturedTask::inWords(field->capture());
-    if (words == understood->text())
+    if (words == understood->text() && !going.isActive())
         return;
-    understood->setText(words);
-    understood->setVisible(!words.isEmpty());
+    going.stop();
+    showWords(words);
     field->setAccessibleDescription(words);
 }
 
@@ -51,8 +111,8 @@ void CaptureBar::save()
     const QString words = CapturedTask::inWords(field->capture());
     // With nothing of it to be typed anew by Undo, which takes the task back.
     field->setText({});
-    // Where it went may be another list; this stays until the next line is typed.
-    understood->setText(task->title() + (words.isEmpty() ? QString() : u" · "_s + words));
-    understood->setVisible(true);
+    // Where it went may be another list.
+    showWords(task->title() + (words.isEmpty() ? QString() : u" · "_s + words));
+    going.start();
     Q_EMIT captured(task);
 }

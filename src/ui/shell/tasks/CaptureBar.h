@@ -2,20 +2,24 @@
 
 #include "records/NewTaskRequest.h"
 
+#include <QLabel>
+#include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
 
 class CaptureEdit;
-class QLabel;
 
-/// The line above a list in which new tasks are typed, with what was understood of it in words below.
+/// The line above a list in which new tasks are typed. What was understood of it hangs below it while one
+/// types, and for some seconds after.
 class CaptureBar : public QWidget
 {
     Q_OBJECT
 public:
     /// \param ofList what a new task of the list begins with.
     explicit CaptureBar(std::function<NewTaskRequest()> ofList, QWidget *parent = nullptr);
+    ~CaptureBar() override;
 
     CaptureEdit *edit() const { return field; }
 
@@ -25,10 +29,12 @@ Q_SIGNALS:
     void left();
 
 private:
+    void showWords(const QString &words);
     void tell();
     void save();
 
     std::function<NewTaskRequest()> request;
     CaptureEdit *field;
-    QLabel *understood;
+    QPointer<QLabel> understood;
+    QTimer going;
 };

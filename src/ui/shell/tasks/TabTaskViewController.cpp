@@ -25,6 +25,7 @@ static RecordListDescription listDescriptionOf(const TaskListDescription &descri
             .tableName = u"tableViewTasks"_s,
             .addType = description.addType,
             .emptySentence = description.emptySentence,
+            .offersFirst = description.type != ListType::Done && description.type != ListType::Categories,
             .filteredSentence = localized(u"No task passes the filter."_s),
             .deletingSentence = localized(u"Deleting the selected tasks"_s),
             .detailPlace = description.detailPlace,
@@ -69,9 +70,24 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
 void TabTaskViewController::setUpCapture()
 {
     capture = new CaptureBar([this] { return newTaskRequest(); });
-    setHead(capture);
+    if (filterStrip()) {
+        filterStrip()->setMiddle(capture);
+    } else {
+        capture->setMaximumWidth(QWIDGETSIZE_MAX);
+        capture->layout()->setContentsMargins(Theme::contentMargin, 0, Theme::contentMargin, Theme::unit);
+        setHead(capture);
+    }
     connect(capture, &CaptureBar::captured, this, &TabTaskViewController::showNewRecord);
     connect(capture, &CaptureBar::left, this, [this] { table()->setFocus(Qt::OtherFocusReason); });
+}
+
+/// Where tasks are typed, the first one is, too.
+void TabTaskViewController::addFirst()
+{
+    if (capture)
+        capture->setFocus(Qt::OtherFocusReason);
+    else
+        RecordListScreen::addFirst();
 }
 
 bool TabTaskViewController::canTakeLines() const

@@ -56,6 +56,7 @@ protected:
     void showMenu(const QPoint &globalPosition) override;
     int groupingIndex() const override;
     void severalOpened() override;
+    void addFirst() override;
 
 private:
     TabTaskViewController(const TaskListDescription &description, TaskListModel *model, QWidget *parent);
