@@ -181,7 +181,9 @@ TaskRowContent TaskListModel::contentOf(const EntityTask &task) const
     TaskRowContent content = TaskRowContent::of(task, type);
     if (!showsProject)
         content.project.clear();
-    if (const auto told = toldByHeader(groupedBy))
+    // The list of a category says so above all of its rows.
+    const auto told = type == ListType::Categories ? TaskRowDetail::Kind::Category : toldByHeader(groupedBy);
+    if (told)
         std::erase_if(content.details, [&](const TaskRowDetail &detail) { return detail.kind == *told; });
     return content;
 }
