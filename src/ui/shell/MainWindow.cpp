@@ -82,6 +82,11 @@ QWidget *MainWindow::makeSidebar()
     return pane;
 }
 
+void MainWindow::setSidebarFoot(QWidget *foot)
+{
+    outline->parentWidget()->layout()->addWidget(foot);
+}
+
 QWidget *MainWindow::makeRightSide()
 {
     auto *pane = new QWidget;

@@ -15,6 +15,8 @@ class MainWindow : public QMainWindow
 public:
     MainWindow();
 
+    /// Puts something quiet below the rows of the sidebar.
+    void setSidebarFoot(QWidget *foot);
     OutlineViewExtended *outlineViewListItem() const { return outline; }
     SplitPanes *splitViewMain() const { return split; }
     RightToolBar *rightToolBarMain() const { return toolBar; }

@@ -8,6 +8,7 @@
 #include "records/RecordWindow.h"
 #include "records/Waiting.h"
 #include "shell/Actions.h"
+#include "shell/FirstHints.h"
 #include "shell/MainMenu.h"
 #include "shell/MainWindow.h"
 #include "shell/OutlineViewExtended.h"
@@ -80,6 +81,7 @@ void MainWindowController::windowDidLoad()
     connect(details.get(), &DetailStack::newTaskWanted, this, &MainWindowController::showNewTask);
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     memory = std::make_unique<WindowMemory>(*mainWindow, *sidebar);
+    mainWindow->setSidebarFoot(new FirstHints(*actions, mainWindow.get()));
     auto *note = new UndoNote(*mainWindow->rightContentView());
     connect(note, &UndoNote::undoWanted, this, [this] { stepBack(&ManagedObjectContext::undo); });
     connect(this, &MainWindowController::storeLeft, note, &QWidget::hide);
@@ -281,6 +283,8 @@ void MainWindowController::changeDataBase()
     SelectedTaskController::sharedCenter().removeAllTasks();
     const SidebarItem former = selectItem.value_or(SidebarItem::Home);
     const QString group = selectedGroup;
+    if (auto *hints = mainWindow->findChild<FirstHints *>())
+        hints->refresh();
     // Its screen shows the other store, too.
     selectItem.reset();
     loadContactsGroup();

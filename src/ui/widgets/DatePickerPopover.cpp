@@ -92,6 +92,10 @@ QWidget *DatePickerPopover::makeTyping()
 void DatePickerPopover::keyPressEvent(QKeyEvent *event)
 {
     const QString text = event->text();
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // The field has heard it, and knows whether its words can be taken.
+    if (isReturn && words && words->hasFocus())
+        return;
     if (!words || text.isEmpty() || !text.front().isLetterOrNumber())
         return Popover::keyPressEvent(event);
     words->setFocus();

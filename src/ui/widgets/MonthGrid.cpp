@@ -194,6 +194,12 @@ void MonthGrid::choose(Date day)
     Q_EMIT dateChanged(chosen);
 }
 
+int MonthGrid::placeInWeek() const
+{
+    const Calendar calendar = Calendar::current();
+    return (calendar.weekday(chosen) - calendar.firstWeekday() + MonthPage::columns) % MonthPage::columns;
+}
+
 void MonthGrid::moveBy(int days)
 {
     const Date target = Calendar::current().dateByAdding(CalendarUnit::Day, days, chosen);
@@ -259,6 +265,10 @@ void MonthGrid::keyPressEvent(QKeyEvent *event)
         return moveBy(-MonthPage::columns);
     case Qt::Key_Down:
         return moveBy(MonthPage::columns);
+    case Qt::Key_Home:
+        return moveBy(-placeInWeek());
+    case Qt::Key_End:
+        return moveBy(MonthPage::columns - 1 - placeInWeek());
     case Qt::Key_PageUp:
         return byMonths(-months);
     case Qt::Key_PageDown:

@@ -42,6 +42,8 @@ private:
     bool isAllowed(const MonthPage::Day &day) const;
     void choose(Date day);
     void moveBy(int days);
+    /// How many days of its week lie before the chosen one.
+    int placeInWeek() const;
     void paintTitle(QPainter &painter) const;
     void paintDay(QPainter &painter, int index) const;
     QRect arrow(int direction) const;

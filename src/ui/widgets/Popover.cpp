@@ -6,6 +6,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPushButton>
 #include <QScreen>
 
 constexpr int gap = 4;
@@ -86,10 +87,20 @@ void Popover::closeEvent(QCloseEvent *event)
     Q_EMIT closed();
 }
 
+/// A bubble is no dialog of the toolkit, which would press the button that stands out by itself.
 void Popover::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape)
+    if (event->key() == Qt::Key_Escape) {
         close();
-    else
-        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        if (auto *focused = qobject_cast<QPushButton *>(focusWidget()))
+            return focused->click();
+        for (QPushButton *button : findChildren<QPushButton *>()) {
+            if (button->isDefault() && button->isVisible() && button->isEnabled())
+                return button->click();
+        }
+    }
+    QWidget::keyPressEvent(event);
 }

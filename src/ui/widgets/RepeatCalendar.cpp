@@ -105,6 +105,9 @@ std::vector<int> RepeatCalendar::selectedItems() const
 void RepeatCalendar::keyPressEvent(QKeyEvent *event)
 {
     const auto focused = std::ranges::find_if(cellItems, [](const auto *item) { return item->hasFocus(); });
+    if (!cellItems.empty() && (event->key() == Qt::Key_Home || event->key() == Qt::Key_End))
+        return (event->key() == Qt::Key_Home ? cellItems.front() : cellItems.back())
+            ->setFocus(Qt::TabFocusReason);
     const int along = isRightToLeft() ? -1 : 1;
     int step = 0;
     if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)

@@ -1,13 +1,17 @@
 // What the user has arranged is there again.
 
 #include "foundation/UserDefaults.h"
+#include "shell/FirstHints.h"
 #include "shell/WindowMemory.h"
+#include "support/TestSupport.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/EmptyState.h"
 #include "widgets/SplitPanes.h"
 
+#include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -69,4 +73,32 @@ TEST_F(MemoryTest, AnEmptyListOffersItsFirstRecord)
     EXPECT_FALSE(button.isVisible());
     showList(SidebarItem::Done);
     EXPECT_EQ(screen().findChild<QPushButton *>(u"buttonAddFirst"_s), nullptr) << "nothing is typed there";
+}
+
+TEST_F(MemoryTest, AHintGoesOnceItIsFollowedAndAllGoWithTheFirstDay)
+{
+    auto &all = find<FirstHints>(window(), "firstHints");
+    const auto &words = find<QLabel>(all, "labelHint");
+    ASSERT_TRUE(all.isVisible());
+    EXPECT_TRUE(words.text().contains(u"Ctrl+L"_s));
+    run(ActionId::AddInLine);
+    EXPECT_TRUE(words.text().contains(u"Alt+1"_s)) << "the next one";
+    run(ActionId::Search);
+    EXPECT_TRUE(words.text().contains(u"Alt+1"_s)) << "that one was not its turn yet";
+    addInbox({u"a"_s});
+    list().selectRow(0);
+    run(ActionId::PlanTomorrow);
+    EXPECT_TRUE(words.text().contains(u"Ctrl+Z"_s)) << "nobody is told to search who has done so";
+    {
+        const FrozenClock tomorrow(localDate(2026, 11, 22, 9, 16));
+        all.refresh();
+        EXPECT_FALSE(all.isVisible()) << "the day is over";
+    }
+    const FrozenClock evening(localDate(2026, 11, 21, 20));
+    all.refresh();
+    EXPECT_TRUE(all.isVisible());
+    find<QToolButton>(all, "buttonNoHints").click();
+    EXPECT_FALSE(all.isVisible());
+    const FirstHints next(*controller().commands());
+    EXPECT_TRUE(next.isHidden()) << "they do not come back";
 }

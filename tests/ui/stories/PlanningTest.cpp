@@ -6,6 +6,7 @@
 #include "widgets/Appearance.h"
 #include "widgets/DatePickerPopover.h"
 #include "widgets/LookOfProgram.h"
+#include "widgets/MonthGrid.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -86,6 +87,17 @@ TEST_F(PlanningTest, ADateIsTypedInWordsIntoTheBubble)
     EXPECT_TRUE(meaning.text().contains(u"December 5"_s)) << qPrintable(meaning.text());
     QTest::keyClick(&words, Qt::Key_Return);
     EXPECT_EQ(stored(u"a"_s)->startDate(), localDate(2026, 12, 5));
+
+    // Home and End are the ends of the week, and Return presses the button that has the keys.
+    run(ActionId::PlanOtherDay);
+    auto &grid = find<MonthGrid>(bubble(), "");
+    QTest::keyClick(&grid, Qt::Key_Home);
+    EXPECT_EQ(bubble().chosenDate(), localDate(2026, 11, 29));
+    QTest::keyClick(&grid, Qt::Key_End);
+    EXPECT_EQ(bubble().chosenDate(), localDate(2026, 12, 5));
+    find<QPushButton>(bubble(), "quickDay1").setFocus();
+    QTest::keyClick(&bubble(), Qt::Key_Return);
+    EXPECT_EQ(stored(u"a"_s)->startDate(), day(22));
 }
 
 TEST_F(PlanningTest, ACopyIsMadeAndMarkedAndLinesBecomeTasks)

@@ -26,7 +26,8 @@ ShellTest::ShellTest()
         QDir(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Morvane")).removeRecursively();
     for (const QString &setting :
          {settings::valueSwitchDatabase, settings::firstRun, settings::taskGrouped,
-          QStringLiteral("windowPlaces"), QStringLiteral("sidebarWidth"), QStringLiteral("sidebarOpen")})
+          QStringLiteral("windowPlaces"), QStringLiteral("sidebarWidth"), QStringLiteral("sidebarOpen"),
+          QStringLiteral("hintsSince"), QStringLiteral("hintsUsed")})
         UserDefaults::standard().removeObject(setting);
     auto made = std::make_unique<Shell>();
     shell = made.get();

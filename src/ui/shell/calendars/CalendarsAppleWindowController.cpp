@@ -217,6 +217,8 @@ void CalendarsAppleWindowController::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
         close();
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        clickButtonSave();
     else
         QWidget::keyPressEvent(event);
 }

@@ -6,6 +6,7 @@
 #include "widgets/Appearance.h"
 #include "widgets/PopUpButton.h"
 #include "widgets/RepeatCalendar.h"
+#include "widgets/RepeatCalendarItem.h"
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
@@ -156,8 +157,12 @@ void RepeatWindow::rebuildGrid()
     for (const int item : repeat.items())
         cells.push_back({item, repeat.titleOf(item), repeat.nameOf(item), repeat.isSelected(item)});
     grid->setItems(cells);
-    if (grid->itemsCount() > 0)
-        setTabOrder(fieldInterval, grid->items().front());
+    // They are made anew, and stand behind the number all the same.
+    QWidget *former = fieldInterval;
+    for (RepeatCalendarItem *item : grid->items()) {
+        setTabOrder(former, item);
+        former = item;
+    }
     labelUnit->setText(repeat.unitLabel());
     showOutcome();
 }

@@ -212,7 +212,10 @@ protected:
             result = real();
             EXPECT_EQ(log.lines(), model.effects.log);
             EXPECT_EQ(alerts.asked().size(), model.effects.alerts.size());
-            EXPECT_TRUE(alerts.asked() == model.effects.alerts);
+            EXPECT_TRUE(alerts.asked() == model.effects.alerts)
+                << (alerts.asked().empty() ? "" : qPrintable(alerts.asked().back().informativeText)) << " / "
+                << (model.effects.alerts.empty() ? ""
+                                                 : qPrintable(model.effects.alerts.back().informativeText));
         }
         EXPECT_EQ(result, expected);
         if (copy && copy->id == TaskModel::newRow())

@@ -213,6 +213,30 @@ void TaskModel::removeFrom(const QString &id, bool withFuture)
     });
 }
 
+QString TaskModel::named(const QStringList &ids)
+{
+    QStringList titles;
+    qsizetype tasks = 0;
+    for (const QString &id : ids) {
+        tasks += live.tasks.count(id) ? 1 : 0;
+        // Its projects have no titles.
+        const QString title = live.tasks.count(id) ? live.tasks[id].title.simplified() : QString();
+        if (!title.isEmpty() && titles.size() < 3)
+            titles << u"“"_text + title + u"”"_text;
+    }
+    if (ids.size() < 2)
+        return titles.join(QString());
+    const QString kind = tasks == ids.size() ? u" tasks"_text
+                         : tasks == 0        ? u" projects"_text
+                                             : u" items"_text;
+    QString all = QString::number(ids.size()) + kind;
+    if (!titles.isEmpty())
+        all += u": "_text + titles.join(u", "_text);
+    if (!titles.isEmpty() && ids.size() > titles.size())
+        all += u" and %1 more"_text.arg(ids.size() - titles.size());
+    return all;
+}
+
 /// True if the caller was told that something was deleted.
 bool TaskModel::deleteTasks(const QStringList &selection)
 {
@@ -226,14 +250,15 @@ bool TaskModel::deleteTasks(const QStringList &selection)
     if (repeating.isEmpty()) {
         asks(selection.size() == 1 ? u"Are you sure you want to delete the selected item?"_text
                                    : u"Are you sure you want to delete the selected items?"_text,
-             {u"Delete"_text, u"Cancel"_text});
+             {u"Delete"_text, u"Cancel"_text}, named(plain + projects));
         if (answer != Alert::firstButton)
             return false;
     } else if (!isBanned) {
         const bool isOne = repeating.size() == 1;
         asks(isOne ? u"This is a repeating task."_text : u"This is a repeating tasks."_text,
              {isOne ? u"Delete This Task Only"_text : u"Delete This Tasks Only"_text,
-              u"Delete All Future Tasks"_text, u"Cancel"_text});
+              u"Delete All Future Tasks"_text, u"Cancel"_text},
+             named(repeating));
         if (answer == Alert::thirdButton)
             return false;
         const bool withFuture = answer == Alert::secondButton;

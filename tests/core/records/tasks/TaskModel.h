@@ -119,10 +119,12 @@ private:
         effects.alerts.push_back({title, title, message, {QStringLiteral("OK")}});
         return true;
     }
-    void asks(const QString &message, const QStringList &buttons)
+    void asks(const QString &message, const QStringList &buttons, const std::optional<QString> &about = {})
     {
-        effects.alerts.push_back({{}, message, {}, buttons});
+        effects.alerts.push_back({{}, message, about.value_or(QString()), buttons, about.has_value()});
     }
+    /// What a question about deleting says of records.
+    QString named(const QStringList &ids);
     QString refusal(const Copy &copy);
     bool leavesProject(const Copy &copy);
     void write(Copy &copy);
