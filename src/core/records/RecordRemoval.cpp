@@ -67,8 +67,8 @@ QString RecordRemoval::inWords(const std::vector<ObjectPtr> &records)
         if (const QString title = titleOf(record); !title.isEmpty() && titles.size() < qsizetype(mostTitles))
             titles << u"“%1”"_s.arg(title);
     }
-    if (records.size() == 1)
-        return titles.join(QString());
+    if (records.size() == 1 && !titles.isEmpty())
+        return titles.front();
     QString some = titles.join(u", "_s);
     const auto left = static_cast<qsizetype>(records.size()) - titles.size();
     if (left > 0 && !some.isEmpty())

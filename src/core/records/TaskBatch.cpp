@@ -186,7 +186,7 @@ std::vector<TaskPtr> TaskBatch::addLines(const QStringList &lines, const NewTask
         MVTask &copy = copies.emplace_back(TaskFormState(request).currentTask());
         copy.title = title;
         if (done.contains(match.captured(1)))
-            copy.status = TaskStatus::Done;
+            copy.changeStatusType(TaskStatus::Done, false);
     }
     return store(QStringLiteral("Add Tasks"), std::move(copies), step);
 }

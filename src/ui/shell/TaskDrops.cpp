@@ -6,6 +6,7 @@
 #include "records/DatePickerState.h"
 #include "records/ProjectManager.h"
 #include "records/TaskBatch.h"
+#include "shell/tasks/TaskRowCommands.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/CategoryIcon.h"
 #include "widgets/DatePickerPopover.h"
@@ -96,6 +97,8 @@ bool TaskDrops::areTakenBy(SidebarItem item)
 
 void TaskDrops::drop(const Tasks &tasks, SidebarItem item, QWidget &sidebar, const QRect &row)
 {
+    if (!TaskRowCommands::canChange(tasks))
+        return;
     const QPoint beside = sidebar.mapToGlobal(row.bottomLeft());
     switch (item) {
     case SidebarItem::Today:

@@ -81,7 +81,7 @@ QWidget *DatePickerPopover::makeTyping()
     meaning->hide();
     connect(words, &QLineEdit::textChanged, this, &DatePickerPopover::typed);
     connect(words, &QLineEdit::returnPressed, this, [this] {
-        if (words->text().trimmed().isEmpty() || !meaning->property("isWrong").toBool())
+        if (done->isEnabled())
             accept();
     });
     column->addWidget(words);
@@ -112,10 +112,11 @@ void DatePickerPopover::typed()
         told = localized(u"This is no date that can be read."_s);
     else if (date->minute && !clock)
         told = localized(u"Only a day can be chosen here."_s);
-    else if (!isWithinLimits(date->day))
+    else if (!isWithinLimits(*date))
         told = localized(u"That day cannot be chosen here."_s);
     const bool isWrong = !told.isEmpty();
-    meaning->setProperty("isWrong", isWrong && !isEmpty);
+    // Words that say nothing are not passed over for the day that is marked.
+    done->setEnabled(isEmpty || !isWrong);
     meaning->setVisible(!isEmpty);
     if (!isWrong) {
         grid->setDate(date->day);
@@ -142,7 +143,7 @@ QWidget *DatePickerPopover::makeQuickDays()
         auto *button = new QPushButton(quickdays::title(day));
         button->setObjectName(u"quickDay%1"_s.arg(static_cast<int>(day)));
         button->setToolTip(DateFormatter::string(*date, DateFormatter::patternFromTemplate(u"EEEEMMMMd"_s)));
-        button->setEnabled(isWithinLimits(*date));
+        button->setEnabled(isWithinLimits(TypedDate{*date}));
         button->setAutoDefault(false);
         connect(button, &QPushButton::clicked, this, [this, date] { take(*date); });
         places->addWidget(button, place / 2, place % 2);
@@ -151,11 +152,15 @@ QWidget *DatePickerPopover::makeQuickDays()
     return all;
 }
 
-bool DatePickerPopover::isWithinLimits(Date day) const
+bool DatePickerPopover::isWithinLimits(const TypedDate &date) const
 {
+    if (date.minute) {
+        const Date moment = MVDate::setTimeWithCurrentDate(date.day, *date.minute / 60, *date.minute % 60, 0);
+        return (!minimum || moment >= *minimum) && (!maximum || moment <= *maximum);
+    }
     const Calendar calendar = Calendar::current();
-    return (!minimum || day >= calendar.startOfDay(*minimum)) &&
-           (!maximum || day <= calendar.startOfDay(*maximum));
+    return (!minimum || date.day >= calendar.startOfDay(*minimum)) &&
+           (!maximum || date.day <= calendar.startOfDay(*maximum));
 }
 
 void DatePickerPopover::take(Date day)
@@ -187,7 +192,7 @@ QWidget *DatePickerPopover::makeButtons()
     auto *row = new QHBoxLayout(line);
     row->setContentsMargins(0, Theme::unit / 2, 0, 0);
     auto *cancel = new QPushButton(localized(u"Cancel"_s));
-    auto *done = new QPushButton(localized(u"DoneButton"_s));
+    done = new QPushButton(localized(u"DoneButton"_s));
     done->setObjectName(u"buttonDone"_s);
     done->setDefault(true);
     connect(cancel, &QPushButton::clicked, this, &QWidget::close);

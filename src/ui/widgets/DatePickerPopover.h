@@ -7,7 +7,9 @@ class MonthGrid;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
+class QPushButton;
 class QTimeEdit;
+struct TypedDate;
 
 /// The bubble of a date picker: a field for a date in words, the days that are chosen most, a month, on
 /// request a time of day and a check box, and the two buttons.
@@ -39,7 +41,8 @@ private:
     void typed();
     /// Takes a day, at the time that is shown, and is done.
     void take(Date day);
-    bool isWithinLimits(Date day) const;
+    /// A day without a time is, if any of its moments is.
+    bool isWithinLimits(const TypedDate &date) const;
     void accept();
 
     OptionalDate minimum;
@@ -47,6 +50,7 @@ private:
     MonthGrid *grid;
     QLineEdit *words = nullptr;
     QLabel *meaning = nullptr;
+    QPushButton *done = nullptr;
     QTimeEdit *clock = nullptr;
     QCheckBox *check = nullptr;
 };

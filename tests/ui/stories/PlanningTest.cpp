@@ -81,6 +81,7 @@ TEST_F(PlanningTest, ADateIsTypedInWordsIntoTheBubble)
     EXPECT_TRUE(meaning.text().contains(u"no date"_s));
     QTest::keyClick(&words, Qt::Key_Return);
     EXPECT_TRUE(bubble().isVisible()) << "it stays until it is understood";
+    EXPECT_FALSE(find<QPushButton>(bubble(), "buttonDone").isEnabled());
     words.setText(u"tomorrow 5pm"_s);
     EXPECT_TRUE(meaning.text().contains(u"Only a day"_s)) << "no time is lost in silence";
     words.setText(u"in 2 weeks"_s);

@@ -50,8 +50,7 @@ void TaskRowCommands::changeTasks(const Tasks &tasks, Change change, const Value
     inRows({tasks.begin(), tasks.end()}, [&] { change(tasks, value..., [&work] { return work.step(); }); });
 }
 
-/// The user is told where none can be changed.
-static bool canChange(const std::vector<TaskPtr> &tasks)
+bool TaskRowCommands::canChange(const Tasks &tasks)
 {
     const auto isBarred = [](const TaskPtr &task) { return isReadOnly(*task); };
     if (tasks.empty() || !std::ranges::all_of(tasks, isBarred))
@@ -108,8 +107,7 @@ void TaskRowCommands::planOnOtherDay()
     state.dateValue = tasks.front()->dueDate().value_or(Clock::now());
     auto *popover = new DatePickerPopover(state, &menuParent);
     popover->setAttribute(Qt::WA_DeleteOnClose);
-    connect(popover, &DatePickerPopover::doneClicked, this,
-            [this](Date day) { planOn(selectedTasks(), day); });
+    connect(popover, &DatePickerPopover::doneClicked, this, [this, tasks](Date day) { planOn(tasks, day); });
     popover->showBeside(menuParent, placeOfSelection(menuParent));
 }
 

@@ -41,6 +41,8 @@ public:
     void planOn(const Tasks &tasks, Date day);
     /// Shows the menu about the selected tasks.
     void showMenu(const QPoint &globalPosition);
+    /// Whether any of some tasks can be changed. The user is told where none can because of its calendar.
+    static bool canChange(const Tasks &tasks);
     /// Those of some tasks that may be deleted. The user is told where that is none because of its calendar.
     static std::vector<ObjectPtr> removable(const std::vector<ObjectPtr> &tasks);
 

@@ -191,6 +191,7 @@ TEST_F(TaskBatchTest, LinesBecomeTasksWithoutWhatListsBeginTheirLinesWith)
         titles << task->title();
         if (task->status() == TaskStatus::Done)
             done << task->title();
+        EXPECT_EQ(task->expirationDate().has_value(), task->status() == TaskStatus::Done);
         EXPECT_EQ(task->startDate(), localDate(2026, 11, 21));
     }
     EXPECT_EQ(titles, (QStringList{u"Milk"_s, u"2 eggs"_s, u"Bread"_s, u"Paid"_s, u"Open one"_s, u"Ticked"_s,

@@ -224,8 +224,10 @@ QString TaskModel::named(const QStringList &ids)
         if (!title.isEmpty() && titles.size() < 3)
             titles << u"“"_text + title + u"”"_text;
     }
-    if (ids.size() < 2)
+    if (ids.isEmpty() || (ids.size() == 1 && !titles.isEmpty()))
         return titles.join(QString());
+    if (ids.size() == 1)
+        return tasks == 1 ? u"1 task"_text : u"1 project"_text;
     const QString kind = tasks == ids.size() ? u" tasks"_text
                          : tasks == 0        ? u" projects"_text
                                              : u" items"_text;
