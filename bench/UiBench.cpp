@@ -1,3 +1,4 @@
+#include "BenchContacts.h"
 #include "StoreGenerator.h"
 #include "calendarviews/CalendarGrid.h"
 #include "cloud/FileManager.h"
@@ -7,9 +8,11 @@
 #include "shell/MainWindowController.h"
 #include "shell/Shell.h"
 #include "shell/calendars/CalendarViewController.h"
+#include "shell/contactimport/ImportContactWindowController.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/Animations.h"
+#include "widgets/ProgressSign.h"
 #include "widgets/TableViewExtended.h"
 
 #include <QAction>
@@ -19,9 +22,12 @@
 #include <QKeyEvent>
 #include <QListView>
 #include <QPainter>
+#include <QPointer>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
@@ -359,6 +365,83 @@ void measurePeople(MainWindow &window, const std::function<void(const char *)> &
           }));
 }
 
+/// The longest silence of the event loop while it exists.
+class Silence
+{
+public:
+    Silence()
+    {
+        QObject::connect(&pulse, &QTimer::timeout, [this] { beat(); });
+        pulse.start(1);
+        since.start();
+    }
+    double longest()
+    {
+        beat();
+        return silence;
+    }
+
+private:
+    void beat()
+    {
+        silence = std::max(silence, double(since.nsecsElapsed()) / 1e6);
+        since.start();
+    }
+
+    QTimer pulse;
+    QElapsedTimer since;
+    double silence = 0;
+};
+
+/// How long the window keeps silent while it reads and imports a file of contacts, with people on the screen.
+void measureImport(MainWindow &window, const std::function<void(const char *)> &run)
+{
+    run("actionShowPeople");
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("cards.vcf"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(BenchContacts::cards()) < 0)
+        std::abort();
+    file.close();
+    const auto presses = [](const char *name) {
+        for (QWidget *shown : QApplication::topLevelWidgets()) {
+            auto *button = shown->findChild<QPushButton *>(QLatin1String(name));
+            if (shown->isVisible() && button && button->isEnabled())
+                return button->click(), true;
+        }
+        return false;
+    };
+    Silence reading;
+    QElapsedTimer timer;
+    timer.start();
+    const QPointer<QWidget> import = ImportContactWindowController::openFiles(&window, {path});
+    while (!presses("buttonSave"))
+        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    print("Contacts read to import, silence", {double(timer.elapsed()), reading.longest()});
+    timer.start();
+    Silence importing;
+    double silence = 0;
+    double duration = 0;
+    QTimer ending;
+    QObject::connect(&ending, &QTimer::timeout, [&] {
+        // The account of the import asks for a press.
+        auto *question = QApplication::activeModalWidget();
+        auto *button = question ? question->findChild<QPushButton *>() : nullptr;
+        if (!button || qobject_cast<ProgressSign *>(question))
+            return;
+        silence = importing.longest();
+        duration = double(timer.elapsed());
+        button->click();
+    });
+    ending.start(5);
+    while (import)
+        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    Silence after;
+    QApplication::processEvents();
+    print("Contacts imported, silence", {duration, silence});
+    print("Silence after the import", {0, after.longest()});
+}
+
 void measureTasks(MainWindow &window, const std::function<void(const char *)> &run)
 {
     const double shown = measured([&] {
@@ -417,7 +500,7 @@ void measureCalendar(CalendarViewController &calendar, QWidget &window)
 
 /// How long the window takes for what is done in it most, with 100,000 tasks: a key press and a jump in the
 /// longest list, a change by a pass, the opening of a task, and the pages of the calendar, each up to the
-/// painted picture. An argument picks one part: "tasks", "people" or "calendar".
+/// painted picture. An argument picks one part: "tasks", "people", "import" or "calendar".
 int main(int argc, char *argv[])
 {
     if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
@@ -451,6 +534,8 @@ int main(int argc, char *argv[])
     window.resize(1440, 900);
     if (isWanted("people"))
         measurePeople(window, run);
+    if (isWanted("import"))
+        measureImport(window, run);
     run("actionShowCalendar");
     if (auto *calendar = window.findChild<CalendarViewController *>(); calendar && isWanted("calendar"))
         measureCalendar(*calendar, window);

@@ -73,18 +73,20 @@ QByteArray ChangeJournal::capturedChangeset()
 }
 
 OptionalError ChangeJournal::record(ChangeAuthor author, const QString &name,
-                                    const std::vector<OutboxEntry> &outside)
+                                    const std::vector<OutboxEntry> &outside, std::optional<qint64> step)
 {
     const QByteArray changeset = capturedChangeset();
     if (changeset.isEmpty() && outside.empty())
         return std::nullopt;
     sqlite::Statement added =
         database.prepare("INSERT INTO ObjectStoreJournal (savedAt, isUndone, "
-                         "changeset, name, outside, digest, author) VALUES (?, 0, ?, ?, ?, ?, ?)");
+                         "changeset, name, outside, digest, author, step) VALUES (?, 0, ?, ?, ?, ?, ?, ?)");
     const QByteArray outsideBytes = outbox::toBytes(outside);
     added.bind(Value(Clock::now())).bindBlob(changeset.isNull() ? QByteArray("") : changeset);
     added.bind(name.isEmpty() ? Value() : Value(name)).bindBlob(outsideBytes);
-    added.bindBlob(digestOf(changeset, outsideBytes)).bind(qint64(author));
+    added.bindBlob(digestOf(changeset, outsideBytes))
+        .bind(qint64(author))
+        .bind(step ? Value(*step) : Value());
     const bool isRecorded = dropUndone() && trim() && added.run();
     return isRecorded ? std::nullopt
                       : OptionalError(database.lastError(QStringLiteral("Cannot keep the undo journal")));
@@ -153,11 +155,11 @@ bool ChangeJournal::trim()
 
 sqlite::Statement ChangeJournal::nextEntry(Direction direction)
 {
-    sqlite::Statement entry = database.prepare(direction == Direction::Undo
-                                                   ? "SELECT sequence, savedAt >= ? FROM ObjectStoreJournal "
-                                                     "WHERE isUndone = 0 ORDER BY sequence DESC LIMIT 1"
-                                                   : "SELECT sequence, savedAt >= ? FROM ObjectStoreJournal "
-                                                     "WHERE isUndone = 1 ORDER BY sequence LIMIT 1");
+    sqlite::Statement entry = database.prepare(
+        direction == Direction::Undo ? "SELECT sequence, savedAt >= ?, step FROM ObjectStoreJournal "
+                                       "WHERE isUndone = 0 ORDER BY sequence DESC LIMIT 1"
+                                     : "SELECT sequence, savedAt >= ?, step FROM ObjectStoreJournal "
+                                       "WHERE isUndone = 1 ORDER BY sequence LIMIT 1");
     entry.bind(Value(Clock::now() - maximumAge));
     return entry;
 }
@@ -179,12 +181,31 @@ QString ChangeJournal::nameOf(Direction direction)
 
 Result<AppliedEntry> ChangeJournal::apply(Direction direction, const RowNumbering &nextRow)
 {
+    AppliedEntry all;
+    std::optional<qint64> step;
+    do {
+        sqlite::Statement entry = nextEntry(direction);
+        if (!entry.step() || entry.integer(1) == 0)
+            break;
+        const qint64 sequence = entry.integer(0);
+        const auto stepOfEntry = entry.isNull(2) ? std::nullopt : std::optional<qint64>(entry.integer(2));
+        entry.reset();
+        if (step && stepOfEntry != step)
+            break;
+        step = stepOfEntry;
+        auto part = applyOne(sequence, direction, nextRow);
+        if (!part)
+            return part.error();
+        all.rows.insert(all.rows.end(), part->rows.begin(), part->rows.end());
+        outbox::append(all.outside, part->outside);
+    } while (step);
+    return all;
+}
+
+Result<AppliedEntry> ChangeJournal::applyOne(qint64 sequence, Direction direction,
+                                             const RowNumbering &nextRow)
+{
     const bool isUndo = direction == Direction::Undo;
-    sqlite::Statement entry = nextEntry(direction);
-    if (!entry.step() || entry.integer(1) == 0)
-        return AppliedEntry();
-    const qint64 sequence = entry.integer(0);
-    entry.reset();
     sqlite::Statement content =
         database.prepare("SELECT changeset, outside, digest FROM ObjectStoreJournal WHERE sequence = ?");
     const bool isThere = content.bind(sequence).step();

@@ -8,6 +8,7 @@
 #include "objectstore/StoreChanges.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 struct sqlite3_session;
@@ -67,7 +68,9 @@ public:
     void stopCapture();
     /// Adds what was captured as an entry, inside the transaction, with what goes with it outside of the
     /// store. Without a net change of either it adds none.
-    OptionalError record(ChangeAuthor author, const QString &name, const std::vector<OutboxEntry> &outside);
+    /// \param step the number of the step that the entry is a part of; absent if it is all of it.
+    OptionalError record(ChangeAuthor author, const QString &name, const std::vector<OutboxEntry> &outside,
+                         std::optional<qint64> step = {});
     /// The same for a save that no undo takes back.
     OptionalError recordInHistory(ChangeAuthor author);
     /// Adds a changeset that was captured by others; false on a failure.
@@ -77,7 +80,8 @@ public:
     /// What the user did in the step that would be applied; empty if it has no name.
     QString nameOf(Direction direction);
     /// Applies the newest entry backwards, or the oldest undone one forwards, inside the open transaction,
-    /// and marks it. A field whose value is no longer the one that the entry left is not touched.
+    /// and marks it; all parts of one step, as far as they lie beside each other. A field whose value is no
+    /// longer the one that the entry left is not touched.
     Result<AppliedEntry> apply(Direction direction, const RowNumbering &nextRow);
 
 private:
@@ -88,6 +92,7 @@ private:
     int isCaptured(std::string_view table) const;
     QByteArray capturedChangeset();
     sqlite::Statement nextEntry(Direction direction);
+    Result<AppliedEntry> applyOne(qint64 sequence, Direction direction, const RowNumbering &nextRow);
     bool dropUndone();
     bool trim();
     static bool trimHistory(sqlite::Database &database);

@@ -1,7 +1,7 @@
 #include "objectstore/ChangedObjects.h"
 
 /// More are read anew with all others.
-constexpr std::size_t mostChanges = 256;
+constexpr std::size_t mostChanges = 8192;
 
 quint64 ChangedObjects::nextStart()
 {

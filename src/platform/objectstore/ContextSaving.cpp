@@ -250,9 +250,10 @@ OptionalError ManagedObjectContext::commit()
         return error;
     if (auto error = deleteFromOutbox(finishing))
         return error;
-    const QString name = openTransaction ? openTransaction->name() : QString();
     if (canBeUndone(author())) {
-        if (auto error = journal->record(author(), name, posted))
+        const QString name = openTransaction ? openTransaction->name() : QString();
+        const auto step = openTransaction ? openTransaction->step() : std::nullopt;
+        if (auto error = journal->record(author(), name, posted, step))
             return error;
     } else if (auto error = journal->recordInHistory(author())) {
         return error;

@@ -84,4 +84,15 @@ std::vector<OutboxEntry> inverted(const std::vector<OutboxEntry> &entries)
     return back;
 }
 
+void append(std::vector<OutboxEntry> &entries, const std::vector<OutboxEntry> &others)
+{
+    int firstFree = 0;
+    for (const OutboxEntry &entry : entries)
+        firstFree = std::max(firstFree, entry.group + 1);
+    for (OutboxEntry entry : others) {
+        entry.group += firstFree;
+        entries.push_back(std::move(entry));
+    }
+}
+
 } // namespace outbox

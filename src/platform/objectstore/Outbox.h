@@ -39,4 +39,7 @@ Result<std::vector<OutboxEntry>> fromBytes(const QByteArray &bytes);
 /// What takes the entries back: the other way round, the last one first, and yielding.
 std::vector<OutboxEntry> inverted(const std::vector<OutboxEntry> &entries);
 
+/// Adds those of another commit, none of which belongs together with one that is there.
+void append(std::vector<OutboxEntry> &entries, const std::vector<OutboxEntry> &others);
+
 } // namespace outbox

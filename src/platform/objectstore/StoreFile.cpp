@@ -140,7 +140,7 @@ QByteArray bookkeepingTables()
            "CREATE TABLE IF NOT EXISTS ObjectStoreJournal (sequence INTEGER PRIMARY KEY, savedAt REAL NOT "
            "NULL,"
            " isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB NOT NULL, name TEXT, outside BLOB, digest "
-           "BLOB, author INTEGER NOT NULL DEFAULT 0);"
+           "BLOB, author INTEGER NOT NULL DEFAULT 0, step INTEGER);"
            // The saves that no undo takes back.
            "CREATE TABLE IF NOT EXISTS ObjectStoreHistory (sequence INTEGER PRIMARY KEY, savedAt REAL NOT "
            "NULL, author INTEGER NOT NULL, name TEXT, isUndone INTEGER NOT NULL DEFAULT 0, changeset BLOB "
@@ -164,7 +164,8 @@ QByteArray missingColumnsOfJournal(sqlite::Database &database)
     for (const auto &[name, type] : {std::pair("name", "TEXT"),
                                      {"outside", "BLOB"},
                                      {"digest", "BLOB"},
-                                     {"author", "INTEGER NOT NULL DEFAULT 0"}}) {
+                                     {"author", "INTEGER NOT NULL DEFAULT 0"},
+                                     {"step", "INTEGER"}}) {
         if (isThere && database.queryInteger(count + " WHERE name = '" + name + '\'') == 0)
             sql += QByteArray("ALTER TABLE ObjectStoreJournal ADD COLUMN ") + name + ' ' + type + ';';
     }

@@ -4,6 +4,8 @@
 #include "objectstore/ChangeJournal.h"
 #include "objectstore/ManagedObjectContext.h"
 
+#include <QRandomGenerator>
+
 #include <utility>
 
 Transaction::Transaction(ManagedObjectContext &context, ChangeAuthor author, QString name)
@@ -33,6 +35,13 @@ Transaction::~Transaction()
 OptionalError Transaction::commit()
 {
     return isInside ? std::nullopt : changed.commitAll();
+}
+
+OptionalError Transaction::commitPart()
+{
+    if (!stepOfParts)
+        stepOfParts = QRandomGenerator::global()->generate();
+    return Transaction::commit();
 }
 
 /// What waits is written first, so that it is still captured.

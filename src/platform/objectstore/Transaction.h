@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <optional>
+
 class ManagedObjectContext;
 
 /// The changes that one command makes to a store: who makes them, and what its undo step is called.
@@ -30,12 +32,18 @@ public:
     /// Writes everything to the disk, or nothing: on an error the changes stay for the next save. After it
     /// the transaction goes on empty.
     [[nodiscard]] virtual OptionalError commit();
+    /// The same for the first part of very much, so that the program is not busy for long at a time. For undo
+    /// all parts are one step; but what was written stays, whatever becomes of the parts to come.
+    [[nodiscard]] OptionalError commitPart();
+    /// The number by which the journal knows the parts; absent for what is committed at once.
+    std::optional<qint64> step() const { return stepOfParts; }
 
 private:
     ManagedObjectContext &changed;
     ChangeAuthor writer;
     QString undoName;
     bool isInside;
+    std::optional<qint64> stepOfParts;
 };
 
 /// While it lives, what is changed inside of a transaction of the user was done by others: it is committed

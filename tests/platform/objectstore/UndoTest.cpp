@@ -55,6 +55,46 @@ TEST_F(Undo, takesBackAllThatATransactionSavedAtOnce)
     EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"before"_qs));
 }
 
+TEST_F(Undo, takesBackAllPartsOfAStepAndNothingBesideThem)
+{
+    library.book("before");
+    library.save();
+    {
+        Transaction import(library.context(), ChangeAuthor::Import, u"Import"_qs);
+        library.book("one");
+        ASSERT_FALSE(import.commitPart());
+        EXPECT_EQ(library.ask(u"SELECT COUNT(*) FROM Book"_qs), QStringList(u"2"_qs)) << "is on the disk";
+        library.find("one")->setTitle(u"uno"_qs);
+        library.book("two");
+        ASSERT_FALSE(import.commitPart());
+        library.book("three");
+        ASSERT_FALSE(import.commit());
+    }
+    saveAs(ChangeAuthor::User, [this] { library.book("after"); });
+    const QStringList rows = library.dump();
+    undo();
+    EXPECT_EQ(library->undoName(), u"Import"_qs);
+    undo();
+    EXPECT_EQ(library.ask(u"SELECT title FROM Book"_qs), QStringList(u"before"_qs));
+    EXPECT_EQ(library->undoName(), QString()) << "the first book is a step of its own";
+    EXPECT_EQ(library->redoName(), u"Import"_qs);
+    redo();
+    EXPECT_EQ(library.ask(u"SELECT title FROM Book ORDER BY title"_qs),
+              QStringList({u"before"_qs, u"three"_qs, u"two"_qs, u"uno"_qs}));
+    redo();
+    EXPECT_EQ(library.dump(), rows);
+    undo();
+
+    // Two imports in a row are two steps.
+    {
+        Transaction import(library.context(), ChangeAuthor::Import, u"Import"_qs);
+        library.book("four");
+        ASSERT_FALSE(import.commitPart());
+    }
+    undo();
+    EXPECT_EQ(library.ask(u"SELECT COUNT(*) FROM Book"_qs), QStringList(u"4"_qs)) << "not the import before";
+}
+
 TEST_F(Undo, refusesADamagedStepAndTouchesNoRow)
 {
     library.book("one");

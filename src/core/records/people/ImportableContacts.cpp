@@ -149,7 +149,7 @@ int ImportableContacts::percentRead() const
 }
 
 void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
-                                    const StepBlock &step, bool &isStopped)
+                                    const StepBlock &step)
 {
     struct Wanted
     {
@@ -166,7 +166,7 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
         }
     };
     want(rows.marked(), true);
-    if (wanted.empty() || isStopped)
+    if (wanted.empty())
         return;
     // The account says of those that are there what they lack.
     want(known, false);
@@ -201,8 +201,7 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
             import.importCompany(contact);
         else if (const ContactPtr row = import.importContactToDataBase(contact))
             index.add(row);
-        isStopped = step && !step();
-        if (isStopped)
+        if (!step())
             return;
     }
     // The file is another one by now.
@@ -212,16 +211,35 @@ void ImportableContacts::importFrom(std::size_t origin, ContactImport &import, S
 
 ContactImportAccount ImportableContacts::import(const ContactImport::PngMaker &toPng, const StepBlock &step)
 {
+    // To write so many is hardly felt.
+    constexpr int contactsOfPart = 500;
     RecordsTransaction transaction(u"Import Contacts"_s, ChangeAuthor::Import);
     ContactImport contacts(toPng);
     SearchIndex::Ahead index;
+    bool isSaved = true;
+    const auto write = [&] {
+        isSaved = DBWorker::tellOfFailure(transaction.commitPart());
+        if (isSaved)
+            index.committed();
+        return isSaved;
+    };
     bool isStopped = false;
-    for (std::size_t origin = 0; origin < origins.size(); ++origin)
-        importFrom(origin, contacts, index, step, isStopped);
+    int waiting = 0;
+    const auto stepAndWrite = [&] {
+        if (++waiting == contactsOfPart) {
+            waiting = 0;
+            if (!write())
+                return false;
+        }
+        isStopped = step && !step();
+        return !isStopped;
+    };
+    for (std::size_t origin = 0; origin < origins.size() && isSaved && !isStopped; ++origin)
+        importFrom(origin, contacts, index, stepAndWrite);
+    if (isSaved)
+        write();
     ContactImportAccount account = contacts.finish();
     account.wasStopped = isStopped;
-    account.isSaved = DBWorker::tellOfFailure(transaction.commit());
-    if (account.isSaved)
-        index.committed();
+    account.isSaved = isSaved;
     return account;
 }

@@ -40,8 +40,8 @@ public:
     /// What could not be read, a sentence each.
     const QStringList &problems() const { return sentences; }
 
-    /// Imports the marked contacts in one step that can be taken back. \param step called after each of
-    /// them.
+    /// Imports the marked contacts in one step that can be taken back. Some hundred at a time are written; if
+    /// that fails, those before stay. \param step called after each of them.
     ContactImportAccount import(const ContactImport::PngMaker &toPng, const StepBlock &step = {});
 
 private:
@@ -55,7 +55,7 @@ private:
     void take(const ContactReader::Entry &card);
     void showRows();
     void importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
-                    const StepBlock &step, bool &isStopped);
+                    const StepBlock &step);
 
     MarkedRows rows{MarkedRows::LettersInSearch::Go};
     std::vector<ContactCards> origins;

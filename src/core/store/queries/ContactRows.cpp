@@ -105,7 +105,7 @@ const NamedContacts &AllContacts::sorted()
 /// False if there are so many that all are read as quickly.
 bool AllContacts::follow(const std::vector<ChangedObjects::Change> &changes)
 {
-    constexpr std::size_t most = 32;
+    constexpr std::size_t most = 1000;
     std::set<RowId> rows;
     for (const ChangedObjects::Change &change : changes) {
         RowId row = change.row;
@@ -128,17 +128,14 @@ bool AllContacts::follow(const std::vector<ChangedObjects::Change> &changes)
     std::erase_if(known.contacts, [&](const NamedContact &one) { return rows.contains(one.row); });
     FetchRequest request = EntityContacts::fetchRequest();
     request.candidates = std::vector<RowId>(rows.begin(), rows.end());
-    const std::size_t others = known.contacts.size();
+    const auto others = static_cast<std::ptrdiff_t>(known.contacts.size());
     mainContext().visit(request, nameColumns(order), [&](const RowReader &row) { appendName(known, row); });
-    std::vector<NamedContact> came(known.contacts.begin() + static_cast<std::ptrdiff_t>(others),
-                                   known.contacts.end());
-    known.contacts.resize(others);
-    for (const NamedContact &one : came) {
-        const auto isEarlier = [&all = known.names](const NamedContact &left, const NamedContact &right) {
-            return isBefore(all, left, right);
-        };
-        known.contacts.insert(std::ranges::lower_bound(known.contacts, one, isEarlier), one);
-    }
+    const auto isEarlier = [&all = known.names](const NamedContact &left, const NamedContact &right) {
+        return isBefore(all, left, right);
+    };
+    const auto came = known.contacts.begin() + others;
+    std::sort(came, known.contacts.end(), isEarlier);
+    std::inplace_merge(known.contacts.begin(), came, known.contacts.end(), isEarlier);
     return true;
 }
 
