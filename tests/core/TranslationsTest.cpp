@@ -54,11 +54,12 @@ QSet<QString> pluralFormsOf(const QString &language)
     return forms;
 }
 
-/// The English texts that the sources ask for by name.
+/// The English texts that the sources ask for by name, that name steps of undo, or with which a store begins.
 QStringList wordsInSources()
 {
     static const QRegularExpression asked(
-        uR"(\blocalized(?:Count)?\(\s*(?:u|QStringLiteral\()((?:\s*u?"(?:[^"\\]|\\.)*")+))"_s);
+        uR"(\b(?:localized(?:Count)?|saveStep|RecordsTransaction \w+)\(\s*(?:u|QStringLiteral\()((?:\s*u?"(?:[^"\\]|\\.)*")+))"_s);
+    static const QRegularExpression seeded(uR"(\{("\w+"), \d+, \d+, \d+\})"_s);
     static const QRegularExpression literal(uR"x("((?:[^"\\]|\\.)*)")x"_s);
     QStringList words;
     QDirIterator files(QStringLiteral(MORVANE_SOURCES), {u"*.cpp"_s, u"*.h"_s}, QDir::Files,
@@ -66,9 +67,14 @@ QStringList wordsInSources()
     while (files.hasNext()) {
         QFile file(files.next());
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        for (const auto &match : asked.globalMatch(QString::fromUtf8(file.readAll()))) {
+        const QString text = QString::fromUtf8(file.readAll());
+        QStringList found;
+        for (const QRegularExpression &wanted : {asked, seeded})
+            for (const auto &match : wanted.globalMatch(text))
+                found.append(match.captured(1));
+        for (const QString &literals : std::as_const(found)) {
             QString word;
-            for (const auto &part : literal.globalMatch(match.captured(1)))
+            for (const auto &part : literal.globalMatch(literals))
                 word += part.captured(1);
             word.replace(uR"(\")"_s, u"\""_s).replace(uR"(\n)"_s, u"\n"_s);
             words.append(word.replace(uR"(\u0421)"_s, u"\u0421"_s));

@@ -5,6 +5,8 @@
 #include "store/queries/ContactRows.h"
 #include "store/state/NotificationNames.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 bool ContactGroups::isGroup(const EntityContactGroup &group)
 {
     return !group.useGeneralFilter().value_or(true);
@@ -72,7 +74,7 @@ void ContactGroups::saveListFilterContacts(const MVContactGroup &list,
     contactGroup->setCriteria(list.criteria);
     contactGroup->setCategories(list.categories);
     contactGroup->setCompanies(list.companies);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"Change Group"_s);
     reloadData();
 }
 
@@ -87,7 +89,7 @@ std::shared_ptr<EntityContactGroup> ContactGroups::saveContactGroup(const MVCont
     group->setCategories(values.categories);
     group->setCompanies(values.companies);
     group->setCriteria(values.criteria);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"New Group"_s);
     return group;
 }
 
@@ -97,6 +99,6 @@ bool ContactGroups::rename(EntityContactGroup &group, const QString &title)
     if (wanted.isEmpty() || wanted == group.title())
         return false;
     group.setTitle(wanted);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"Change Group"_s);
     return true;
 }

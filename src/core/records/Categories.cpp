@@ -9,6 +9,8 @@
 
 #include <QSet>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 constexpr int firstOwnIndex = 6;
@@ -126,7 +128,7 @@ CategoryPtr Categories::add(const QString &title, const CategoryColor &color)
     category->setColorG(color.g);
     category->setColorB(color.b);
     category->setColorA(color.a);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"New Category"_s);
     return category;
 }
 
@@ -135,7 +137,7 @@ bool Categories::rename(const CategoryPtr &category, const QString &title)
     if (!category || isBuiltIn(*category) || !isTitleFree(title))
         return false;
     category->setTitle(title);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"Change Category"_s);
     return true;
 }
 
@@ -145,7 +147,7 @@ void Categories::setDefault(const CategoryPtr &category)
         former->setDefaultCategory(false);
     if (category)
         category->setDefaultCategory(true);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"Change Category"_s);
 }
 
 bool Categories::remove(const CategoryPtr &category)
@@ -159,6 +161,6 @@ bool Categories::remove(const CategoryPtr &category)
     for (const ProjectPtr &project : category->project())
         project->setCategory(heir);
     mainContext().deleteObject(category);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"Delete"_s);
     return true;
 }

@@ -64,7 +64,7 @@ LocationPtr LocationChoice::remove(int row)
         return nullptr;
     const LocationPtr before = chosen();
     mainContext().deleteObject(location);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(QStringLiteral("Delete"));
     load();
     const auto found = std::ranges::find(all, before);
     selected = before && found != all.end() ? static_cast<int>(found - all.begin()) + 1 : -1;

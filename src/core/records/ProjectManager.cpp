@@ -1,11 +1,14 @@
 #include "records/ProjectManager.h"
 
+#include "calendarsync/RecordsTransaction.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "records/Functional.h"
 #include "records/MVProject.h"
 #include "records/dates/MVDate.h"
 #include "store/queries/DBWorker.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -65,8 +68,9 @@ bool ProjectManager::saveProjectTemp(MVProject &project)
         return false;
     if (project.title.isEmpty())
         project.title = titleForWant;
+    RecordsTransaction transaction(project.isNewProject() ? u"New Project"_s : u"Change Project"_s);
     project.save();
-    if (const OptionalError error = DBWorker::saveContext()) {
+    if (const OptionalError error = transaction.commit()) {
         // The row keeps what was typed, for the next save.
         project.setProjectValues();
         DBWorker::tellOfFailure(error);

@@ -2,6 +2,8 @@
 
 #include "calendarsync/RecordsTransaction.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
+#include "records/ProjectManager.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
@@ -42,15 +44,17 @@ QString RecordRemoval::titleOf(const ObjectPtr &record)
     QString title;
     const auto take = [&title](const auto &titled) {
         if (titled)
-            title = localized(titled->title());
+            title = titled->title();
     };
     if (const auto contact = std::dynamic_pointer_cast<EntityContacts>(record))
         title = contact->fullName();
     take(std::dynamic_pointer_cast<EntityTask>(record));
-    take(std::dynamic_pointer_cast<EntityProject>(record));
+    if (const auto project = std::dynamic_pointer_cast<EntityProject>(record))
+        title = ProjectManager::shownTitle(*project);
     take(std::dynamic_pointer_cast<EntityCompany>(record));
     take(std::dynamic_pointer_cast<EntityNote>(record));
-    take(std::dynamic_pointer_cast<EntityCategory>(record));
+    if (const auto category = std::dynamic_pointer_cast<EntityCategory>(record))
+        title = Categories::shownTitle(category);
     take(std::dynamic_pointer_cast<EntityLocation>(record));
     take(std::dynamic_pointer_cast<EntityContactGroup>(record));
     title = title.simplified();

@@ -38,6 +38,21 @@ ContactPtr TaskFormChoices::contactOfRow(RowId row)
         .first();
 }
 
+QString TaskFormChoices::shownTitle(const EntityContactCategory &category)
+{
+    return localized(category.title());
+}
+
+std::vector<std::shared_ptr<EntityContactCategory>> TaskFormChoices::contactCategories()
+{
+    const auto found = DBWorker::allContactCategories();
+    std::vector<std::shared_ptr<EntityContactCategory>> choices(found.begin(), found.end());
+    std::ranges::stable_sort(choices, [](const auto &one, const auto &other) {
+        return shownTitle(*one).localeAwareCompare(shownTitle(*other)) < 0;
+    });
+    return choices;
+}
+
 std::vector<CompanyPtr> TaskFormChoices::companies()
 {
     const auto found = DBWorker::allCompany();

@@ -17,6 +17,9 @@ std::vector<ContactPtr> contacts();
 std::vector<ContactRows::Named> contactNames();
 /// Null for 0, and for one who has gone meanwhile.
 ContactPtr contactOfRow(RowId row);
+/// What people are to the user, in the order of the words that are shown.
+std::vector<std::shared_ptr<EntityContactCategory>> contactCategories();
+QString shownTitle(const EntityContactCategory &category);
 std::vector<CompanyPtr> companies();
 /// Open projects, and the one that is chosen already in any state.
 std::vector<ProjectPtr> projects(const ProjectPtr &chosen);

@@ -4,6 +4,7 @@
 #include "foundation/Calendar.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/PaletteColor.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/Direction.h"
@@ -217,7 +218,7 @@ QString EventCalendarView::spokenTime() const
 QString EventCalendarView::placeText() const
 {
     if (DBWorker::isSample())
-        return copy->category ? localized(copy->category->title()) : QString();
+        return copy->category ? Categories::shownTitle(copy->category) : QString();
     return localized(copy->calendarTitle);
 }
 

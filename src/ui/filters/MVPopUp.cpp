@@ -132,6 +132,7 @@ MVPopUp *MVPopUp::of(FilterRow::Editor kind, const FilterSelection &selected, QW
     if (kind == FilterRow::Editor::Companies)
         return new MVPopUp(localized(u"Companies"_s), entriesOf(TaskFormChoices::companies(), title),
                            selected, parent);
-    return new MVPopUp(localized(u"Categories"_s), entriesOf(DBWorker::allContactCategories(), title),
+    return new MVPopUp(localized(u"Categories"_s),
+                       entriesOf(TaskFormChoices::contactCategories(), &TaskFormChoices::shownTitle),
                        selected, parent);
 }

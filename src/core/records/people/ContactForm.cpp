@@ -155,9 +155,9 @@ std::vector<FormChoice> ContactForm::choices(int number)
         choices.push_back({localized(u"None"_s)});
     }
     if (number == JobTitle) {
-        for (const auto category : DBWorker::allContactCategories()) {
+        for (const auto &category : TaskFormChoices::contactCategories()) {
             records.push_back(category);
-            choices.push_back({localized(category->title()), markOf(*category)});
+            choices.push_back({TaskFormChoices::shownTitle(*category), markOf(*category)});
         }
     } else if (number == Company) {
         for (const CompanyPtr &company : TaskFormChoices::companies()) {

@@ -72,6 +72,8 @@ public:
     /// next save. Each command tells it once, what the program does by itself only if it was not told since
     /// the last save that succeeded. Whether it was saved.
     static bool saveOrTell(Occasion occasion = Occasion::Command);
+    /// The same for what the user did, by the English name of the undo step.
+    static bool saveStep(const QString &name);
     /// The same for the result of a commit of the open transaction, whose author tells the occasion.
     static bool tellOfFailure(const OptionalError &error);
     /// The permanent URI of an object, or an empty text for null.

@@ -76,6 +76,15 @@ bool DBWorker::saveOrTell(Occasion occasion)
     return !context || tell(context->save(), occasion);
 }
 
+bool DBWorker::saveStep(const QString &name)
+{
+    ManagedObjectContext *context = CoreContext::current().store();
+    if (!context)
+        return true;
+    Transaction step(*context, ChangeAuthor::User, name);
+    return tellOfFailure(step.commit());
+}
+
 bool DBWorker::tellOfFailure(const OptionalError &error)
 {
     const ManagedObjectContext *context = CoreContext::current().openedStore();
@@ -131,7 +140,7 @@ void DBWorker::newPositionInboxTask(const std::set<int> &rows, int toIndex,
     moveTo(tasks, places, static_cast<size_t>(target));
     for (size_t place = 0; place < tasks.size(); ++place)
         tasks[place]->setPosition(static_cast<int>(place) + 1);
-    saveOrTell();
+    saveStep(QStringLiteral("Change Order"));
 }
 
 std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, std::optional<double> latitude,
