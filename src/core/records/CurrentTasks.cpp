@@ -6,6 +6,7 @@
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/ListDefinitions.h"
 
 #include <algorithm>
 
@@ -48,7 +49,8 @@ std::vector<Predicate> CurrentTasks::predicatesFor(const ProjectPtr &project)
 
 void CurrentTasks::getAllData()
 {
-    std::vector<Predicate> all = {Predicate::format("title <> nil and title <> %@", u""_s)};
+    std::vector<Predicate> all = {Predicate::format("title <> nil and title <> %@", u""_s),
+                                  tasklists::visibleTasks()};
     if (const auto project = std::dynamic_pointer_cast<EntityProject>(object)) {
         for (Predicate &one : predicatesFor(project))
             all.push_back(std::move(one));

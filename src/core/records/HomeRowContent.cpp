@@ -33,6 +33,9 @@ HomeRowContent contentOf(const EntityTask &task)
 {
     return {.title = task.title(),
             .project = task.project() ? ProjectManager::shownTitle(*task.project()) : QString(),
+            .details = TaskRowContent::detailsOf(task, ListType::ProjectDetail),
+            .repeats = !task.repeat().isEmpty(),
+            .hasNote = !task.details().trimmed().isEmpty(),
             .isDone = task.status() == TaskStatus::Done};
 }
 
@@ -89,6 +92,8 @@ QString HomeRowContent::spoken() const
     QStringList parts = {title, dateIcon == DateIcon::Project ? localized(u"Project"_s) : project, dateLabel,
                          dateLook == DateLook::Late ? localized(u"overdue"_s) : QString(),
                          isDone && !hasCheckBox ? localized(u"Done"_s) : QString()};
+    for (const TaskRowDetail &detail : details)
+        parts.append(detail.text);
     parts.removeAll(QString());
     return parts.join(u", "_s);
 }

@@ -2,7 +2,11 @@
 
 #include "foundation/Date.h"
 
+#include "records/TaskRowContent.h"
+
 #include <QString>
+
+#include <vector>
 
 class EntityProject;
 class EntityTask;
@@ -18,6 +22,10 @@ struct HomeRowContent
     enum class DateLook { Plain, AllDay, Late } dateLook = DateLook::Plain;
     /// What stands before the words of the date.
     enum class DateIcon { None, ToDo, Project } dateIcon = DateIcon::None;
+    /// Where a task belongs beside its project.
+    std::vector<TaskRowDetail> details = {};
+    bool repeats = false;
+    bool hasNote = false;
     /// Whether the title is struck through.
     bool isDone = false;
     /// Whether it can be ticked in its row: a task on a calendar that can be written.

@@ -39,7 +39,9 @@ QString labelFor(const EntityTask &task, ListType list)
     return label(task.dueDate(), hasTime, false, false);
 }
 
-std::vector<TaskRowDetail> detailsOf(const EntityTask &task, ListType list)
+} // namespace
+
+std::vector<TaskRowDetail> TaskRowContent::detailsOf(const EntityTask &task, ListType list)
 {
     using Kind = TaskRowDetail::Kind;
     std::vector<TaskRowDetail> details;
@@ -59,8 +61,6 @@ std::vector<TaskRowDetail> detailsOf(const EntityTask &task, ListType list)
         tell(Kind::Place, place->title());
     return details;
 }
-
-} // namespace
 
 TaskRowContent TaskRowContent::of(const EntityTask &task, ListType list)
 {

@@ -42,4 +42,6 @@ struct TaskRowContent
 
     /// What a task shows in a list of that kind at this moment.
     static TaskRowContent of(const EntityTask &task, ListType list);
+    /// Where it belongs; without its project in the table of one.
+    static std::vector<TaskRowDetail> detailsOf(const EntityTask &task, ListType list);
 };

@@ -171,6 +171,7 @@ void DetailStack::add(DetailViewController *detail)
     connect(detail, &DetailViewController::backRequested, this, [this, detail] { requestBack(detail); });
     connect(detail, &DetailViewController::textLeft, this, &DetailStack::textLeft);
     connect(detail, &DetailViewController::newTaskWanted, this, &DetailStack::newTaskWanted);
+    connect(detail, &DetailViewController::commandsChanged, this, &DetailStack::commandsChanged);
     connect(detail, &DetailViewController::recordWanted, this,
             [this, detail](const ObjectPtr &record) { Q_EMIT recordWanted(record, detail); });
     connect(detail, &DetailViewController::recordRemoved, this,

@@ -67,6 +67,7 @@ Q_SIGNALS:
     void recordWanted(const ObjectPtr &record, DetailViewController *from);
     /// The user wants to write a task down from a pane.
     void newTaskWanted(const NewTaskRequest &request);
+    void commandsChanged();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -61,6 +61,8 @@ Q_SIGNALS:
     void recordWanted(const ObjectPtr &record);
     /// The user wants to write a task down from here.
     void newTaskWanted(const NewTaskRequest &request);
+    /// What the commands can do may have changed.
+    void commandsChanged();
     /// The pane has gone.
     void dismissDeteilViewController();
 

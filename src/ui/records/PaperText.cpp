@@ -2,8 +2,10 @@
 
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/FormItems.h"
 #include "records/FormModel.h"
+#include "records/ProjectManager.h"
 #include "records/RecordListModel.h"
 #include "records/TaskRowContent.h"
 #include "widgets/Theme.h"
@@ -35,8 +37,8 @@ QString cellsOfTask(const EntityTask &task, ListType list)
     const ProjectPtr project = task.project();
     return u"<td width=\"4%\">%1</td><td width=\"42%\">%2</td>"_s.arg(content.isChecked ? u"☑"_s : u"☐"_s,
                                                                       content.title.toHtmlEscaped()) +
-           cell(content.dateLabel) + cell(category ? localized(category->title()) : QString()) +
-           cell(project ? project->title() : QString());
+           cell(content.dateLabel) + cell(category ? Categories::shownTitle(category) : QString()) +
+           cell(project ? ProjectManager::shownTitle(*project) : QString());
 }
 
 QString cellsOfPerson(const EntityContacts &person)
@@ -69,7 +71,7 @@ QString cellsOf(const ObjectPtr &record, const QString &shown, ListType list)
     if (const auto company = std::dynamic_pointer_cast<EntityCompany>(record))
         return cellsOfCompany(*company);
     if (const auto project = std::dynamic_pointer_cast<EntityProject>(record))
-        return cell(project->title()) + cell(shortDate(project->startDate())) +
+        return cell(ProjectManager::shownTitle(*project)) + cell(shortDate(project->startDate())) +
                cell(shortDate(project->dueDate()));
     if (const auto note = std::dynamic_pointer_cast<EntityNote>(record))
         return cell(note->title()) + cell(note->detail());
@@ -121,6 +123,21 @@ QString PaperText::ofList(const QString &title, const RecordListModel &rows, std
                 u"<tr>%1</tr>"_s.arg(cellsOf(rows.recordAt(row), shown, list.value_or(ListType::NotDone)));
             break;
         }
+    }
+    return html + u"</table>"_s;
+}
+
+QString PaperText::ofLines(const QString &title, const std::vector<Line> &lines)
+{
+    QString html = u"<h2>%1</h2><table width=\"100%\" cellpadding=\"3\">"_s.arg(title.toHtmlEscaped());
+    for (const Line &line : lines) {
+        if (line.isHeading) {
+            html += u"<tr><td colspan=\"3\"><b>%1</b></td></tr>"_s.arg(line.text.toHtmlEscaped());
+            continue;
+        }
+        const QString box = line.isTicked ? *line.isTicked ? u"☑"_s : u"☐"_s : QString();
+        html += u"<tr><td width=\"4%\">%1</td><td width=\"56%\">%2</td>%3</tr>"_s.arg(
+            box, line.text.toHtmlEscaped(), cell(line.detail));
     }
     return html + u"</table>"_s;
 }

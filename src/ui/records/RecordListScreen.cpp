@@ -216,6 +216,7 @@ void RecordListScreen::reload(SelectionMemory::Otherwise otherwise)
         closeHiddenDetails();
     else
         closeDetailsOf(shown);
+    takePlace();
     selectFirstIfNone();
     keepPaneOfLeaver();
     Q_EMIT commandsChanged();
@@ -250,24 +251,47 @@ void RecordListScreen::updateEmptyState()
         besideState->setVisible(!isEmpty);
 }
 
-/// Where each list was left, as long as the program runs.
-static QHash<QString, int> &placesLeft()
+/// Where a list was left, and with what.
+struct PlaceLeft
 {
-    static QHash<QString, int> places;
+    int scrollValue = 0;
+    ObjectPtr selected;
+};
+
+/// As long as the program runs.
+static QHash<QString, PlaceLeft> &placesLeft()
+{
+    static QHash<QString, PlaceLeft> places;
     return places;
+}
+
+static QString keyOf(const RecordListDescription &description)
+{
+    return description.placeKey.isEmpty() ? description.title : description.placeKey;
+}
+
+void RecordListScreen::takePlace()
+{
+    if (std::exchange(hasTakenPlace, true))
+        return;
+    const PlaceLeft place = placesLeft().take(keyOf(description));
+    placeWanted = place.scrollValue;
+    const int row = isBeside() && place.selected ? listModel->rowOf(place.selected) : -1;
+    if (row >= 0)
+        view->selectRow(row);
 }
 
 void RecordListScreen::showEvent(QShowEvent *event)
 {
     TabsViewController::showEvent(event);
-    if (const int place = placesLeft().take(description.title); place > 0 && !view->hasSelectedRows())
+    if (const int place = std::exchange(placeWanted, 0); place > 0)
         view->verticalScrollBar()->setValue(place);
 }
 
 void RecordListScreen::clearController()
 {
     opening.stop();
-    placesLeft().insert(description.title, view->verticalScrollBar()->value());
+    placesLeft().insert(keyOf(description), {view->verticalScrollBar()->value(), selectedRecord()});
     if (topView)
         topView->buttonFilter()->closePopover();
 }
@@ -312,10 +336,8 @@ ExportRecords::Offer RecordListScreen::exportOffer() const
 QString RecordListScreen::selectedText() const
 {
     QStringList lines;
-    if (view->hasFocus()) {
-        for (const int row : view->selectedRows())
-            lines << listModel->index(row, 0).data().toString();
-    }
+    for (const int row : view->selectedRows())
+        lines << listModel->index(row, 0).data().toString();
     return lines.join(u'\n');
 }
 

@@ -24,6 +24,8 @@ class TasksTabTopView;
 struct RecordListDescription
 {
     QString title = {};
+    /// What its place is remembered by, where its title may be that of another list, too.
+    QString placeKey = {};
     QString icon = {};
     /// The entity whose records are the rows.
     std::string_view entity = {};
@@ -92,6 +94,7 @@ public:
     ObjectPtr selectedRecord() const override;
     bool canExport() const override { return hasRows() && !description.exports.empty(); }
     ExportRecords::Offer exportOffer() const override;
+    bool hasSelectedText() const override { return view->hasFocus() && hasSelection(); }
     QString selectedText() const override;
     /// Shows a record in a pane. One that is edited keeps the user there, and its row selected.
     void showDetail(const ObjectPtr &record);
@@ -161,6 +164,8 @@ private:
     void showBeside(const ObjectPtr &record);
     void selectEdited();
     void selectFirstIfNone();
+    /// Brings back what the list showed when it was left.
+    void takePlace();
     void keepPaneOfLeaver();
     void selectAfterRemoval(int lastIndex);
     void updateEmptyState();
@@ -193,6 +198,9 @@ private:
     bool isAllChanged = false;
     /// Those that the user is changing in their rows just now.
     std::set<RowId> editedRows;
+    /// Where its rows are to begin once they stand; 0 where they do.
+    int placeWanted = 0;
+    bool hasTakenPlace = false;
     /// The day on which the rows were fetched: on another one other records may belong to the list.
     Date shownDay;
     std::vector<Observation> observations;

@@ -51,7 +51,9 @@ public:
     virtual bool canExport() const { return false; }
     /// What of the screen can be written to a file.
     virtual ExportRecords::Offer exportOffer() const { return {}; }
-    /// The selected rows as lines of text; empty where the keys are not in them.
+    /// Whether `selectedText` has anything: rows are selected, and the keys are in them.
+    virtual bool hasSelectedText() const { return false; }
+    /// The selected rows as lines of text.
     virtual QString selectedText() const { return {}; }
     /// The one record of any kind that is selected, or null.
     virtual ObjectPtr selectedRecord() const { return selectedTask(); }

@@ -101,7 +101,7 @@ void MainWindowController::bindActions()
     actions->bind(ActionId::Cut, TextCommands::cut, TextCommands::canCut);
     actions->bind(
         ActionId::Copy, [this] { copy(); },
-        [this] { return TextCommands::canCopy() || (screen && screen->hasSelection()); });
+        [this] { return TextCommands::canCopy() || (screen && screen->hasSelectedText()); });
     actions->bind(ActionId::Import, [this] { ImportTasks::run(*mainWindow); });
     // The drag ends first: what comes of the files may ask the user something.
     connect(
@@ -131,9 +131,8 @@ void MainWindowController::copy()
 {
     if (TextCommands::canCopy())
         return TextCommands::copy();
-    const QString lines = screen ? screen->selectedText() : QString();
-    if (!lines.isEmpty())
-        QApplication::clipboard()->setText(lines);
+    if (screen && screen->hasSelectedText())
+        QApplication::clipboard()->setText(screen->selectedText());
 }
 
 /// What the clipboard has is asked of another program, which takes its time, so that is asked when it is
@@ -172,8 +171,11 @@ TaskRowCommands *MainWindowController::taskCommands() const
 
 bool MainWindowController::hasTaskCommands() const
 {
-    return !TextCommands::hasSteps() && screen && screen->hasSelection() &&
-           screen->findChild<TaskRowCommands *>();
+    const TaskRowCommands *const commands = TextCommands::hasSteps() ? nullptr : taskCommands();
+    if (!commands || !screen)
+        return false;
+    // A screen can have very many selected, which are not to be loaded for that.
+    return commands->isOn(*screen) ? screen->hasSelection() : commands->hasTasks();
 }
 
 void MainWindowController::bindPlanning()

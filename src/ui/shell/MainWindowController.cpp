@@ -79,6 +79,7 @@ void MainWindowController::windowDidLoad()
     connect(details.get(), &DetailStack::textLeft, this, &MainWindowController::openLeftText);
     connect(details.get(), &DetailStack::recordWanted, this, &MainWindowController::showOver);
     connect(details.get(), &DetailStack::newTaskWanted, this, &MainWindowController::showNewTask);
+    connect(details.get(), &DetailStack::commandsChanged, actions, &Actions::update);
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     memory = std::make_unique<WindowMemory>(*mainWindow, *sidebar);
     mainWindow->setSidebarFoot(new FirstHints(*actions, mainWindow.get()));
@@ -309,7 +310,7 @@ void MainWindowController::didRemoveRow(const QModelIndex &index)
     if (!group || !RecordRemoval::isWanted({group}))
         return;
     AppDelegate::shared()->managedObjectContext().deleteObject(group);
-    DBWorker::saveOrTell();
+    DBWorker::saveStep(u"Delete"_s);
     loadContactsGroup();
     showList(SidebarItem::People);
 }

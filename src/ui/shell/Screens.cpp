@@ -82,6 +82,7 @@ TabsViewController *Screens::makeOfGroup(const std::shared_ptr<EntityContactGrou
 {
     RecordKind people = described(of(Item::People));
     people.list.title = group->title();
+    people.list.placeKey = group->identifier();
     people.list.icon = QString::fromUtf16(of(Item::ContactGroup).icon);
     people.list.emptySentence = localized(ContactGroups::isGroup(*group) ? u"The people of this group."_s
                                                                          : u"Nobody is on this list."_s);

@@ -58,9 +58,10 @@ void UndoNote::stored(const StoreChanges &changes)
     if (changes.author != ChangeAuthor::User && changes.author != ChangeAuthor::Undo &&
         changes.author != ChangeAuthor::Import)
         return;
-    static const std::set<std::string_view> told = {EntityTask::entityName,     EntityProject::entityName,
-                                                    EntityContacts::entityName, EntityCompany::entityName,
-                                                    EntityNote::entityName,     EntityCategory::entityName};
+    static const std::set<std::string_view> told = {EntityTask::entityName,        EntityProject::entityName,
+                                                    EntityContacts::entityName,    EntityCompany::entityName,
+                                                    EntityNote::entityName,        EntityCategory::entityName,
+                                                    EntityContactGroup::entityName};
     std::vector<ObjectPtr> deleted;
     if (changes.author == ChangeAuthor::User) {
         for (const ObjectPtr &object : changes.deleted) {

@@ -40,6 +40,31 @@ TEST(HomeLayout, TheLinesOfARowStandBelowEachOtherInsideOfTheirCard)
     }
 }
 
+TEST(HomeLayout, WhatThereIsToTellFollowsTheDateAsFarAsThereIsRoom)
+{
+    HomeRowLayout::Input input{.row = {0, 0, 300, 60},
+                               .titleHeight = 18,
+                               .detailHeight = 16,
+                               .hasDate = true,
+                               .titleWidth = 120,
+                               .dateWidth = 60,
+                               .signs = 2,
+                               .detailWidths = {70, 90, 80}};
+    const HomeRowLayout wide = HomeRowLayout::of(input);
+    EXPECT_GT(wide.signs.at(0).left(), wide.title.left() + 120);
+    EXPECT_LE(wide.signs.at(1).right(), wide.card.right());
+    EXPECT_GT(wide.details.at(0).left(), wide.date.right());
+    EXPECT_EQ(wide.details.at(0).width(), 70);
+    EXPECT_LE(wide.details.at(1).right(), wide.card.right()) << "is cut off";
+    EXPECT_TRUE(wide.details.at(2).isEmpty());
+    input.row.setWidth(120);
+    input.titleWidth = 500;
+    const HomeRowLayout narrow = HomeRowLayout::of(input);
+    EXPECT_LT(narrow.title.right(), narrow.signs.at(0).left());
+    EXPECT_LE(narrow.signs.at(1).right(), narrow.card.right());
+    EXPECT_TRUE(narrow.details.at(0).isEmpty());
+}
+
 TEST(HomeLayout, TitlesStandInOneLineWhetherOrNotTheirRowCanBeTicked)
 {
     HomeRowLayout::Input input{.row = {0, 0, 240, 60}, .titleHeight = 18, .isTickable = true};

@@ -12,6 +12,11 @@
 #include "ui/support/Reader.h"
 #include "ui/support/ShellTest.h"
 
+#include <QClipboard>
+#include <QFileInfo>
+#include <QPrinter>
+#include <QTemporaryDir>
+
 using namespace Qt::Literals::StringLiterals;
 
 class HomeTest : public ShellTest
@@ -298,6 +303,41 @@ TEST_F(HomeTest, TheMenuChangesTheSelectedTasks)
     EXPECT_EQ(stored(u"a"_s)->status(), TaskStatus::Done);
     EXPECT_EQ(words(overdue()), u"a"_s) << "seen for a moment";
     EXPECT_TRUE(QTest::qWaitFor([this] { return words(overdue()) == u"No events"_s; }, 3000));
+}
+
+TEST_F(HomeTest, RowsAreCopiedPrintedAndMarkedAgainByUndo)
+{
+    const TaskPtr a = addLate(u"a"_s);
+    const TaskPtr b = addLate(u"b"_s);
+    b->setCategory(DBWorker::allCategories().front());
+    b->setDetails(u"why"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(words(overdue()), u"a|b"_s);
+    const HomeRowContent shown = content(overdue(), 1);
+    EXPECT_EQ(shown.details.size(), 1u);
+    EXPECT_TRUE(shown.hasNote);
+
+    overdue().setFocus();
+    overdue().selectRows({0, 1});
+    run(ActionId::Copy);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"a\nb"_s);
+    EXPECT_EQ(home().exportOffer().selected.size(), 2u);
+    overdue().selectRow(1);
+    run(ActionId::PlanTomorrow);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return words(overdue()) == u"a"_s; }));
+    overdue().clearSelection();
+    EXPECT_FALSE(controller().commands()->action(ActionId::Copy)->isEnabled()) << "there is nothing to copy";
+    run(ActionId::Undo);
+    EXPECT_EQ(words(overdue()), u"a|b"_s);
+    EXPECT_EQ(home().selectedTask(), b);
+
+    QTemporaryDir folder;
+    QPrinter printer;
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(folder.filePath(u"home.pdf"_s));
+    ASSERT_TRUE(controller().commands()->action(ActionId::Print)->isEnabled());
+    home().print(printer);
+    EXPECT_GT(QFileInfo(folder.filePath(u"home.pdf"_s)).size(), 1000);
 }
 
 TEST_F(HomeTest, APaneGoesWithTheLastRowOfItsTask)

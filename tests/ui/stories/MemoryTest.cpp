@@ -60,6 +60,31 @@ TEST_F(MemoryTest, AListIsWhereItWasLeft)
     EXPECT_EQ(list().verticalScrollBar()->value(), 700);
 }
 
+TEST_F(MemoryTest, AListBesideItsPaneComesBackWithWhatWasReadLast)
+{
+    for (int number = 0; number < 40; ++number) {
+        const auto note = context().insert<EntityNote>();
+        note->setTitle(u"note %1"_s.arg(number));
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    run(ActionId::ShowNotes);
+    settle();
+    const auto notes = [this] { return screen().findChild<TableViewExtended *>(u"tableViewNotes"_s); };
+    ASSERT_TRUE(notes());
+    notes()->selectRow(30);
+    notes()->scrollToRow(30);
+    settle();
+    const ObjectPtr read = screen().selectedRecord();
+    const int place = notes()->verticalScrollBar()->value();
+    ASSERT_GT(place, 0);
+    showList(SidebarItem::Today);
+    run(ActionId::ShowNotes);
+    settle();
+    EXPECT_EQ(screen().selectedRecord(), read);
+    EXPECT_EQ(notes()->verticalScrollBar()->value(), place);
+    EXPECT_EQ(controller().detailStack()->top()->record(), read);
+}
+
 TEST_F(MemoryTest, AnEmptyListOffersItsFirstRecord)
 {
     showList(SidebarItem::Inbox);

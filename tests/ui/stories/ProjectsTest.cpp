@@ -241,6 +241,21 @@ TEST_F(ProjectTasksTest, StandInItsPaneWithTheShareThatIsDone)
     EXPECT_EQ(title(), u"Boat"_s);
 }
 
+TEST_F(ProjectTasksTest, ArePlannedByTheKeysThatTheirMenuTells)
+{
+    taskOf(u"Boat"_s, u"mast"_s);
+    EXPECT_FALSE(controller().commands()->action(ActionId::PlanTomorrow)->isEnabled())
+        << "nothing is selected";
+    tasks().table()->setFocus();
+    tasks().table()->selectRow(0);
+    run(ActionId::PlanTomorrow);
+    EXPECT_EQ(ShellTest::stored(u"mast"_s)->startDate(), localDate(2026, 11, 22));
+    run(ActionId::Duplicate);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return titlesOfTasks() == QStringList{u"mast"_s, u"mast"_s}; }));
+    tasks().table()->clearSelection();
+    EXPECT_FALSE(controller().commands()->action(ActionId::PlanTomorrow)->isEnabled());
+}
+
 TEST_F(ProjectTasksTest, OpenOverThePane)
 {
     const TaskPtr mast = taskOf(u"Boat"_s, u"mast"_s);

@@ -240,6 +240,15 @@ void CalendarViewController::selectItem(const ObjectPtr &record)
     }
 }
 
+void CalendarViewController::selectRecords(const std::vector<ObjectPtr> &records)
+{
+    for (const ObjectPtr &record : records) {
+        const auto task = std::dynamic_pointer_cast<EntityTask>(record);
+        if (task && page->goToTask(task))
+            return;
+    }
+}
+
 TaskPtr CalendarViewController::selectedTask() const
 {
     return page->currentTask();

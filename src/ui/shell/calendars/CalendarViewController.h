@@ -35,7 +35,11 @@ public:
     void clearController() override;
     NewTaskRequest newTaskRequest() const override;
     void selectItem(const ObjectPtr &record) override;
+    /// The first of them that is on the page.
+    void selectRecords(const std::vector<ObjectPtr> &records) override;
     TaskPtr selectedTask() const override;
+    bool hasSelectedText() const override { return hasSelection(); }
+    QString selectedText() const override { return selectedTask()->title(); }
     bool hasSelection() const override { return selectedTask() != nullptr; }
     void removeSelection() override;
     void takeKeysBack() override;

@@ -141,6 +141,14 @@ std::vector<TaskPtr> HomeBlockView::selectedTasks() const
     return tasksAt(view->selectedRows());
 }
 
+std::vector<TaskPtr> HomeBlockView::allTasks() const
+{
+    std::set<int> rows;
+    for (int row = 0; row < model->rowCount(); ++row)
+        rows.insert(rows.end(), row);
+    return tasksAt(rows);
+}
+
 std::vector<TaskPtr> HomeBlockView::tasksAt(const std::set<int> &numbers) const
 {
     std::vector<TaskPtr> tasks;
@@ -161,6 +169,52 @@ bool HomeBlockView::selectRecord(const ObjectPtr &record)
     view->selectRow(row);
     view->scrollToRow(row);
     return true;
+}
+
+bool HomeBlockView::selectRecords(const std::vector<ObjectPtr> &records)
+{
+    std::set<int> rows;
+    for (const ObjectPtr &record : records) {
+        if (const int row = model->rowOf(record); row >= 0)
+            rows.insert(row);
+    }
+    if (rows.empty())
+        return false;
+    view->selectRows(rows);
+    view->scrollToRow(*rows.begin());
+    return true;
+}
+
+QString HomeBlockView::selectedText() const
+{
+    QStringList lines;
+    for (const int row : view->selectedRows())
+        lines << model->index(row).data().toString();
+    return lines.join(u'\n');
+}
+
+std::vector<PaperText::Line> HomeBlockView::linesOnPaper() const
+{
+    std::vector<PaperText::Line> lines;
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex index = model->index(row);
+        if (!model->isItem(row)) {
+            lines.push_back({.isHeading = !index.data(HomeListModel::IsNoticeRole).toBool(),
+                             .text = index.data().toString()});
+            continue;
+        }
+        const auto content = index.data(HomeListModel::ContentRole).value<HomeRowContent>();
+        QStringList details = {content.dateLabel, content.project};
+        for (const TaskRowDetail &detail : content.details)
+            details << detail.text;
+        details.removeAll(QString());
+        lines.push_back({.isTicked = content.dateIcon == HomeRowContent::DateIcon::Project
+                                         ? std::nullopt
+                                         : std::optional(content.isDone),
+                         .text = content.title,
+                         .detail = details.join(u", "_s)});
+    }
+    return lines;
 }
 
 void HomeBlockView::selectAt(int row)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "records/PaperText.h"
 #include "shell/home/HomeListModel.h"
 #include "widgets/TableViewExtended.h"
 
@@ -40,8 +41,18 @@ public:
     std::vector<ObjectPtr> selectedRecords() const;
     /// Those of them that are tasks.
     std::vector<TaskPtr> selectedTasks() const;
+    /// All tasks, each once.
+    std::vector<TaskPtr> allTasks() const;
+    /// What stands above the rows.
+    QString title() const { return view->accessibleName(); }
     /// Selects a record in its first row; false if it has none.
     bool selectRecord(const ObjectPtr &record);
+    /// The same for several, of which only some may have one.
+    bool selectRecords(const std::vector<ObjectPtr> &records);
+    /// The titles of the selected rows, a line each.
+    QString selectedText() const;
+    /// All rows as they stand on paper.
+    std::vector<PaperText::Line> linesOnPaper() const;
     /// Selects the row at a place, or else the last one.
     void selectAt(int row);
 

@@ -1,6 +1,7 @@
 #include "shell/home/HomeCell.h"
 
 #include "shell/home/HomeListModel.h"
+#include "shell/tasks/RowDetails.h"
 #include "shell/tasks/RowWriter.h"
 #include "widgets/Direction.h"
 #include "widgets/TaskTableRow.h"
@@ -20,16 +21,29 @@ static HomeRowContent contentOf(const QModelIndex &index)
     return index.data(HomeListModel::ContentRole).value<HomeRowContent>();
 }
 
+static QStringList signsOf(const HomeRowContent &content)
+{
+    return rowdetails::signsOf(content.repeats, content.hasNote);
+}
+
 HomeRowLayout HomeCell::layoutOf(const QRect &row, const QModelIndex &index, const HomeRowContent &content)
 {
-    return HomeRowLayout::of({.row = row,
-                              .titleHeight = QFontMetrics(Theme::font(Theme::FontRole::Body)).height(),
-                              .detailHeight = QFontMetrics(Theme::font(Theme::FontRole::Small)).height(),
-                              .hasCheckBox = content.hasCheckBox,
-                              .isTickable = modelOf(index).isTickable(),
-                              .hasProject = !content.project.isEmpty(),
-                              .hasDate = !content.dateLabel.isEmpty(),
-                              .hasDateIcon = content.dateIcon != HomeRowContent::DateIcon::None});
+    const QFont title = Theme::font(Theme::FontRole::Body);
+    const QFont small = Theme::font(Theme::FontRole::Small);
+    HomeRowLayout::Input input{.row = row,
+                               .titleHeight = QFontMetrics(title).height(),
+                               .detailHeight = QFontMetrics(small).height(),
+                               .hasCheckBox = content.hasCheckBox,
+                               .isTickable = modelOf(index).isTickable(),
+                               .hasProject = !content.project.isEmpty(),
+                               .hasDate = !content.dateLabel.isEmpty(),
+                               .hasDateIcon = content.dateIcon != HomeRowContent::DateIcon::None,
+                               .titleWidth = rowdetails::widthOf(content.title, title),
+                               .dateWidth = rowdetails::widthOf(content.dateLabel, small),
+                               .signs = static_cast<int>(signsOf(content).size())};
+    for (const TaskRowDetail &detail : content.details)
+        input.detailWidths.push_back(rowdetails::widthOf(detail));
+    return HomeRowLayout::of(input);
 }
 
 QRect HomeCell::checkBoxRect(const QRect &row, Qt::LayoutDirection direction, const QModelIndex &index) const
@@ -87,6 +101,9 @@ void HomeCell::paintRecord(QPainter &painter, const QStyleOptionViewItem &option
     if (content.hasCheckBox)
         writer.paintCheckBox(layout.checkBox, content.isDone);
     writer.writeTitle(layout.title, content.title, content.isDone);
+    const QStringList signs = signsOf(content);
+    for (std::size_t sign = 0; sign < layout.signs.size(); ++sign)
+        writer.paintIcon(layout.signs[sign], signs[static_cast<qsizetype>(sign)], Theme::secondaryText);
     writer.write(layout.project, Theme::FontRole::Small, Theme::secondaryText, content.project);
     const QColor colour = dateColour(content.dateLook);
     if (content.dateIcon != HomeRowContent::DateIcon::None) {
@@ -94,6 +111,8 @@ void HomeCell::paintRecord(QPainter &painter, const QStyleOptionViewItem &option
         writer.paintIcon(layout.dateIcon, isProject ? u"project"_s : u"today"_s, colour);
     }
     writer.write(layout.date, Theme::FontRole::Small, colour, content.dateLabel);
+    for (std::size_t detail = 0; detail < content.details.size(); ++detail)
+        rowdetails::write(writer, layout.details[detail], content.details[detail]);
 }
 
 void HomeCell::paintDay(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)

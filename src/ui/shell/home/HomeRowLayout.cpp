@@ -10,6 +10,9 @@ constexpr int checkBoxGap = 12;
 constexpr int lineGap = 3;
 constexpr int iconSize = 14;
 constexpr int iconGap = 5;
+constexpr int detailGap = 12;
+/// In less than that nothing can be read.
+constexpr int leastDetailWidth = 48;
 
 QRect HomeRowLayout::cardOf(const QRect &row)
 {
@@ -32,18 +35,33 @@ HomeRowLayout HomeRowLayout::of(const Input &input)
     const int details = (input.hasProject ? 1 : 0) + (input.hasDate ? 1 : 0);
     const int lines = input.titleHeight + details * (lineGap + input.detailHeight);
     int top = layout.card.top() + (layout.card.height() - lines) / 2;
-    layout.title = {left, top, right - left, input.titleHeight};
+    const int signs = input.signs * (iconSize + iconGap);
+    layout.title = {left, top, std::max(right - left - signs, 0), input.titleHeight};
+    int signLeft = left + std::min(input.titleWidth, layout.title.width()) + iconGap;
+    for (int sign = 0; sign < input.signs; ++sign, signLeft += iconSize + iconGap)
+        layout.signs.push_back({signLeft, top + (input.titleHeight - iconSize) / 2, iconSize, iconSize});
     top += input.titleHeight + lineGap;
     if (input.hasProject) {
         layout.project = {left, top, right - left, input.detailHeight};
         top += input.detailHeight + lineGap;
     }
+    layout.details.assign(input.detailWidths.size(), {});
     if (!input.hasDate)
         return layout;
     if (input.hasDateIcon) {
         layout.dateIcon = {left, top + (input.detailHeight - iconSize) / 2, iconSize, iconSize};
         left += iconSize + iconGap;
     }
-    layout.date = {left, top, std::max(right - left, 0), input.detailHeight};
+    const bool isAlone = input.detailWidths.empty();
+    layout.date = {left, top, std::max(isAlone ? right - left : std::min(input.dateWidth, right - left), 0),
+                   input.detailHeight};
+    left += layout.date.width() + detailGap;
+    for (std::size_t detail = 0; detail < input.detailWidths.size(); ++detail) {
+        const int width = std::min(input.detailWidths[detail], right - left);
+        if (width < std::min(leastDetailWidth, input.detailWidths[detail]))
+            break;
+        layout.details[detail] = {left, top, width, input.detailHeight};
+        left += width + detailGap;
+    }
     return layout;
 }

@@ -2,8 +2,11 @@
 
 #include <QRect>
 
+#include <vector>
+
 /// Where the parts of a row of Home stand, written from left to right; a view mirrors it where texts run the
-/// other way. Title, project and date stand below each other, each over the whole width.
+/// other way. Title, project and date stand below each other; behind the title are its signs, behind the date
+/// what else there is to tell, as far as there is room.
 struct HomeRowLayout
 {
     /// What the layout depends on, all in device-independent pixels.
@@ -18,6 +21,12 @@ struct HomeRowLayout
         bool hasProject = false;
         bool hasDate = false;
         bool hasDateIcon = false;
+        int titleWidth = 0;
+        int dateWidth = 0;
+        /// How many signs there are, of repetition and the like.
+        int signs = 0;
+        /// How wide each detail is, with its sign.
+        std::vector<int> detailWidths = {};
     };
 
     /// How far cards and headers stay from the edges of a list.
@@ -29,6 +38,9 @@ struct HomeRowLayout
     QRect project;
     QRect dateIcon;
     QRect date;
+    std::vector<QRect> signs;
+    /// Empty where there was no room; the last one that is not may be narrower than it wanted to be.
+    std::vector<QRect> details;
 
     static HomeRowLayout of(const Input &input);
     /// The card of a row.

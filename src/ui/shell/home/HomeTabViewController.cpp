@@ -302,6 +302,59 @@ bool HomeTabViewController::hasSelection() const
     return activeBlock()->table()->hasSelectedRows() || selectedEvent();
 }
 
+/// In the list that had the keys last, or else in the other one, or in the day.
+void HomeTabViewController::selectRecords(const std::vector<ObjectPtr> &records)
+{
+    HomeBlockView *const other = lastActive == overdue ? week : overdue;
+    if (lastActive->selectRecords(records) || other->selectRecords(records) || !dayCalendar)
+        return;
+    for (const ObjectPtr &record : records) {
+        const auto task = std::dynamic_pointer_cast<EntityTask>(record);
+        if (task && dayCalendar->goToTask(task))
+            return;
+    }
+}
+
+bool HomeTabViewController::hasSelectedText() const
+{
+    const TableViewExtended &table = *activeBlock()->table();
+    return selectedEvent() || (table.hasFocus() && table.hasSelectedRows());
+}
+
+QString HomeTabViewController::selectedText() const
+{
+    const TaskPtr event = selectedEvent();
+    return event ? event->title() : activeBlock()->selectedText();
+}
+
+bool HomeTabViewController::canExport() const
+{
+    return activeBlock()->hasItems();
+}
+
+ExportRecords::Offer HomeTabViewController::exportOffer() const
+{
+    const HomeBlockView &block = *activeBlock();
+    ExportRecords::Offer offer{
+        EntityTask::entityName, {ExportFormat::ICalendar, ExportFormat::Csv}, block.title()};
+    const auto rowsOf = [](const std::vector<TaskPtr> &tasks) {
+        std::vector<RowId> rows;
+        for (const TaskPtr &task : tasks)
+            rows.push_back(task->rowId());
+        return rows;
+    };
+    offer.selected = rowsOf(block.selectedTasks());
+    offer.all = rowsOf(block.allTasks());
+    return offer;
+}
+
+void HomeTabViewController::print(QPrinter &printer)
+{
+    PaperText::print(PaperText::ofLines(overdue->title(), overdue->linesOnPaper()) +
+                         PaperText::ofLines(week->title(), week->linesOnPaper()),
+                     printer);
+}
+
 bool HomeTabViewController::hasRows() const
 {
     return activeBlock()->hasItems();

@@ -37,6 +37,14 @@ public:
     void reloadData() override;
     void updateRows() override;
     bool hasSelection() const override;
+    void selectRecords(const std::vector<ObjectPtr> &records) override;
+    bool hasSelectedText() const override;
+    QString selectedText() const override;
+    /// The tasks of the list that commands are about.
+    bool canExport() const override;
+    ExportRecords::Offer exportOffer() const override;
+    bool canPrint() const override { return true; }
+    void print(QPrinter &printer) override;
     bool hasRows() const override;
     void removeSelection() override;
     void selectAll() override;

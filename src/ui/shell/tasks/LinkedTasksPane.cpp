@@ -20,6 +20,8 @@ LinkedTasksPane::LinkedTasksPane(const QString &name, std::unique_ptr<FormModel>
     connect(tasks, &LinkedTasksView::opened, this, &DetailViewController::recordWanted);
     connect(tasks, &LinkedTasksView::newTaskWanted, this,
             [this, request = linked.newTask] { Q_EMIT newTaskWanted(request(record())); });
+    connect(tasks->table(), &TableViewExtended::rowSelectionChanged, this,
+            &DetailViewController::commandsChanged);
     connect(tasks, &LinkedTasksView::currentTasksWanted, this, &LinkedTasksPane::addCurrentTasks);
 }
 

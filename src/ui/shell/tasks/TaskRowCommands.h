@@ -30,6 +30,11 @@ public:
     bool hasTasks() const { return !selectedTasks().empty(); }
     /// Whether the list is the one that has the keys.
     bool hasKeys() const { return menuParent.isAncestorOf(QApplication::focusWidget()); }
+    /// Whether the list is a part of a widget.
+    bool isOn(const QWidget &widget) const
+    {
+        return &widget == &menuParent || widget.isAncestorOf(&menuParent);
+    }
     /// Plans the selected tasks.
     void plan(QuickDay day);
     /// Asks for a day beside the list, and plans the selected tasks for it.

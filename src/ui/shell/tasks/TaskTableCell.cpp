@@ -1,11 +1,10 @@
 #include "shell/tasks/TaskTableCell.h"
 
 #include "records/RecordCell.h"
+#include "shell/tasks/RowDetails.h"
 #include "shell/tasks/RowWriter.h"
 #include "shell/tasks/TaskListModel.h"
-#include "widgets/CategoryIcon.h"
 #include "widgets/TaskTableRow.h"
-#include "widgets/TextLines.h"
 #include "widgets/Theme.h"
 
 #include <QPainter>
@@ -32,51 +31,10 @@ static QRect generous(const QRect &rect)
     return rect.isEmpty() ? QRect() : rect.adjusted(-Theme::unit, -Theme::unit, Theme::unit, Theme::unit);
 }
 
-static int widthOf(const QString &text, const QFont &font)
+static QStringList signsOf(const TaskRowContent &content)
 {
-    return text.isEmpty() ? 0 : TextLines::width(font, text) + 1;
+    return rowdetails::signsOf(content.repeats, content.hasNote);
 }
-
-namespace {
-
-constexpr int detailSignSize = 11;
-constexpr int categoryDotSize = 8;
-constexpr int detailSignGap = 5;
-
-QString signOf(TaskRowDetail::Kind kind)
-{
-    switch (kind) {
-    case TaskRowDetail::Kind::Category:
-        break;
-    case TaskRowDetail::Kind::Project:
-        return u"project"_s;
-    case TaskRowDetail::Kind::Person:
-        return u"people"_s;
-    case TaskRowDetail::Kind::Company:
-        return u"company"_s;
-    case TaskRowDetail::Kind::Place:
-        return u"location"_s;
-    }
-    return {};
-}
-
-int signSizeOf(const TaskRowDetail &detail)
-{
-    return detail.category ? categoryDotSize : detailSignSize;
-}
-
-/// The signs behind the title.
-QStringList signsOf(const TaskRowContent &content)
-{
-    QStringList signs;
-    if (content.repeats)
-        signs << u"repeat"_s;
-    if (content.hasNote)
-        signs << u"note"_s;
-    return signs;
-}
-
-} // namespace
 
 TaskRowLayout TaskTableCell::layoutOf(const QRect &row, const TaskRowContent &content)
 {
@@ -85,13 +43,13 @@ TaskRowLayout TaskTableCell::layoutOf(const QRect &row, const TaskRowContent &co
     TaskRowLayout::Input input{.row = row,
                                .titleHeight = QFontMetrics(title).height(),
                                .detailHeight = QFontMetrics(small).height(),
-                               .titleWidth = widthOf(content.title, title),
-                               .dateWidth = widthOf(content.dateLabel, small),
+                               .titleWidth = rowdetails::widthOf(content.title, title),
+                               .dateWidth = rowdetails::widthOf(content.dateLabel, small),
                                .signs = static_cast<int>(signsOf(content).size()),
                                .hasCheckBox = content.hasCheckBox,
                                .isOverdue = content.isOverdue};
     for (const TaskRowDetail &detail : content.details)
-        input.detailWidths.push_back(signSizeOf(detail) + detailSignGap + widthOf(detail.text, small));
+        input.detailWidths.push_back(rowdetails::widthOf(detail));
     return TaskRowLayout::of(input);
 }
 
@@ -126,20 +84,6 @@ void TaskTableCell::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->restore();
 }
 
-static void writeDetail(const RowWriter &writer, const QRect &where, const TaskRowDetail &detail)
-{
-    if (where.isEmpty())
-        return;
-    const int size = signSizeOf(detail);
-    const QRect sign(where.left(), where.top() + (where.height() - size) / 2, size, size);
-    if (detail.category)
-        writer.paintDisc(sign, CategoryIcon::colorOf(*detail.category));
-    else
-        writer.paintIcon(sign, signOf(detail.kind), Theme::secondaryText);
-    writer.write(where.adjusted(size + detailSignGap, 0, 0, 0), Theme::FontRole::Small, Theme::secondaryText,
-                 detail.text);
-}
-
 void TaskTableCell::paintTask(QPainter &painter, const QStyleOptionViewItem &option, const QModelIndex &index)
 {
     const TaskRowContent content = contentOf(index);
@@ -157,7 +101,7 @@ void TaskTableCell::paintTask(QPainter &painter, const QStyleOptionViewItem &opt
     for (size_t sign = 0; sign < layout.signs.size(); ++sign)
         writer.paintIcon(layout.signs[sign], signs[static_cast<qsizetype>(sign)], Theme::secondaryText);
     for (size_t detail = 0; detail < content.details.size(); ++detail)
-        writeDetail(writer, layout.details[detail], content.details[detail]);
+        rowdetails::write(writer, layout.details[detail], content.details[detail]);
     writer.write(layout.date, Theme::FontRole::Small, Theme::secondaryText, content.dateLabel);
     if (content.isOverdue)
         writer.paintIcon(layout.overdueMark, u"overdue"_s, Theme::overdue);
