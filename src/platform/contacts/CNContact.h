@@ -68,6 +68,10 @@ struct CNContact
     QString unreadBirthday = {};
     /// Any number of lines.
     QString note = {};
+    /// What no value above holds, each under the English name of what it is: "Full Name" of one that has more
+    /// than two names, "Nickname", "Department", "Role", "Messaging", "Anniversary", "Related", and a second
+    /// job title or birthday.
+    std::vector<CNLabeledValue<QString>> otherWords = {};
     /// The bytes of a picture as they came, of whatever format.
     QByteArray imageData = {};
     /// It has a picture that lies where it could not be read from.

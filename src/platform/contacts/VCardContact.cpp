@@ -199,15 +199,46 @@ void takeNames(CNContact &contact, const VCard &card)
         contact.familyName.clear();
         takeFullName(contact, fullName);
     }
+    // Titles and further names stand in other parts of it.
+    QStringList further = parts.mid(2);
+    further.removeIf([](const QString &part) { return part.trimmed().isEmpty(); });
+    if (further.isEmpty() || !contact.hasName())
+        return;
+    const QString all = QStringList{component(parts, 3), contact.givenName, component(parts, 2),
+                                    contact.familyName, component(parts, 4)}
+                            .join(u' ');
+    contact.otherWords.push_back({QStringLiteral("Full Name"), oneLine(all).simplified()});
 }
 
-QString organizationOf(const VCardAttribute &attribute)
+/// The first part is the organization, the others are parts of it.
+void takeOrganization(CNContact &contact, const VCardAttribute &attribute)
 {
+    QStringList parts;
     for (const QString &part : attribute.components()) {
-        if (!part.isEmpty())
-            return oneLine(part);
+        if (const QString words = oneLine(part); !words.isEmpty())
+            parts.append(words);
     }
-    return {};
+    if (contact.organizationName.isEmpty() && !parts.isEmpty())
+        contact.organizationName = parts.takeFirst();
+    if (!parts.isEmpty())
+        contact.otherWords.push_back({QStringLiteral("Department"), parts.join(QStringLiteral(", "))});
+}
+
+/// What a property is called for which there is no field; empty for what is no word of a person.
+QString nameOfOther(const QByteArray &property)
+{
+    static const QHash<QByteArray, QString> names = {{"NICKNAME", QStringLiteral("Nickname")},
+                                                     {"ROLE", QStringLiteral("Role")},
+                                                     {"IMPP", QStringLiteral("Messaging")},
+                                                     {"ANNIVERSARY", QStringLiteral("Anniversary")},
+                                                     {"RELATED", QStringLiteral("Related")},
+                                                     {"TITLE", QStringLiteral("Job Title")},
+                                                     {"BDAY", QStringLiteral("Birthday")},
+                                                     {"X-ABRELATEDNAMES", QStringLiteral("Related")},
+                                                     {"X-SPOUSE", QStringLiteral("Related")},
+                                                     {"X-EVOLUTION-SPOUSE", QStringLiteral("Related")},
+                                                     {"X-ANNIVERSARY", QStringLiteral("Anniversary")}};
+    return names.value(property);
 }
 
 /// Profiles of a person count as addresses of the web, by the name of the place.
@@ -260,8 +291,8 @@ void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
         add(contact.urlAddresses, labelOr(placeLabel(attribute.types())), oneLine(attribute.text()));
     } else if (name == "X-SOCIALPROFILE" || name == "SOCIALPROFILE") {
         add(contact.urlAddresses, labelOr(profileLabel(attribute)), oneLine(attribute.text()));
-    } else if (name == "ORG" && contact.organizationName.isEmpty()) {
-        contact.organizationName = organizationOf(attribute);
+    } else if (name == "ORG") {
+        takeOrganization(contact, attribute);
     } else if (name == "TITLE" && contact.jobTitle.isEmpty()) {
         contact.jobTitle = oneLine(attribute.text());
     } else if (name == "UID" && contact.identifier.isEmpty()) {
@@ -272,6 +303,8 @@ void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
             contact.unreadBirthday = oneLine(attribute.text());
     } else if (name == "NOTE") {
         contact.note = (contact.note + u'\n' + attribute.text()).trimmed();
+    } else if (const QString kind = nameOfOther(name); !kind.isEmpty()) {
+        add(contact.otherWords, kind, oneLine(attribute.text()));
     }
 }
 

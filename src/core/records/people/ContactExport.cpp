@@ -6,6 +6,8 @@
 #include "records/people/ContactLabels.h"
 #include "store/queries/DBWorker.h"
 
+#include <algorithm>
+
 namespace {
 
 template <typename Type, typename Known>
@@ -16,6 +18,24 @@ void addLabels(QHash<QString, QString> &labels, const ObjectList<Type> &types, c
         labels.insert(type->identifier(), place < known.size() ? known[place] : type->title());
         ++place;
     }
+}
+
+/// The notes of a contact from the first one on. Those that are called as the contact have no title here.
+QString wordsOfNotes(const EntityContacts &contact)
+{
+    const auto found = contact.note();
+    std::vector<std::shared_ptr<EntityNote>> notes(found.begin(), found.end());
+    std::ranges::sort(notes, {}, [](const auto &note) {
+        return std::pair(note->creationDate().value_or(Date()).referenceSeconds(), note->title());
+    });
+    QStringList words;
+    for (const auto &note : notes) {
+        if (note->title() != contact.fullName())
+            words << note->title();
+        words << note->detail();
+    }
+    words.removeAll(QString());
+    return words.join(QLatin1Char('\n'));
 }
 
 } // namespace
@@ -62,6 +82,7 @@ CNContact ContactExport::made(const EntityContacts &contact) const
         values.birthday =
             CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
     }
+    values.note = wordsOfNotes(contact);
     takeDetails(values, contact);
     return values;
 }
@@ -72,6 +93,7 @@ CNContact ContactExport::made(const EntityCompany &company) const
     values.identifier = company.identifier();
     values.organizationName = company.title();
     values.isOrganization = true;
+    values.note = company.details();
     takeDetails(values, company);
     return values;
 }

@@ -93,6 +93,11 @@ struct Comparison
     }
 };
 
+QString nameOf(const CNContact &card)
+{
+    return card.hasName() ? fullNameWith(card.givenName, card.familyName) : card.organizationName;
+}
+
 /// "Ann Lee, Bob Kay and 3 more".
 QString someOf(const QStringList &names)
 {
@@ -119,6 +124,30 @@ ContactImport::ContactImport(PngMaker toPng)
         RowId &first = companyRows[row.text(0)];
         first = first == 0 ? row.rowId() : std::min(first, row.rowId());
     });
+    bareCompanies = companiesWithTitleOnly();
+}
+
+QSet<QString> ContactImport::companiesWithTitleOnly()
+{
+    ManagedObjectContext &context = mainContext();
+    QSet<QString> described;
+    const auto collect = [&](const FetchRequest &details) {
+        context.visit(details, {"company"}, [&](const RowReader &row) {
+            if (!row.isNull(0))
+                described.insert(row.text(0));
+        });
+    };
+    collect(EntityPhone::fetchRequest());
+    collect(EntityEmail::fetchRequest());
+    collect(EntityURL::fetchRequest());
+    collect(EntityAddress::fetchRequest());
+    QSet<QString> titles;
+    context.visit(EntityCompany::fetchRequest(), {"id", "title", "details", "photoName"},
+                  [&](const RowReader &row) {
+                      if (!described.contains(row.text(0)) && row.text(2).isEmpty() && row.text(3).isEmpty())
+                          titles.insert(row.text(1));
+                  });
+    return titles;
 }
 
 std::shared_ptr<EntityPhoneType> ContactImport::phoneTypeWith(const QString &label) const
@@ -260,6 +289,10 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
         keep(u"Birthday"_s, contact.unreadBirthday, account.unreadBirthdays);
     if (!hasCategory && !contact.jobTitle.isEmpty())
         keep(u"Job Title"_s, oneLine(contact.jobTitle), account.otherJobTitles);
+    for (const auto &[kind, text] : contact.otherWords)
+        words.append(localized(kind) + u": "_s + text);
+    if (!contact.otherWords.empty())
+        account.withOtherWords.append(name);
     if (!contact.note.isEmpty())
         words.append(contact.note);
     return words;
@@ -318,8 +351,9 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
 CompanyPtr ContactImport::importCompany(const CNContact &contact)
 {
     const QString title = oneLine(contact.organizationName);
-    if (companyRows.contains(title) || describedCompanies.contains(title)) {
-        account.existing.append(title);
+    const bool hasMore = companyRows.contains(title) && !bareCompanies.contains(title);
+    if (hasMore || describedCompanies.contains(title)) {
+        meetCompany(contact);
         return nullptr;
     }
     describedCompanies.insert(title);
@@ -331,10 +365,21 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
     return company;
 }
 
+void ContactImport::meetCompany(const CNContact &contact)
+{
+    const QString title = oneLine(contact.organizationName);
+    account.existing.append(title);
+    const RowId row = companyRows.value(title);
+    CNContact card = contact;
+    card.imageData.clear();
+    if (row != 0)
+        metCompanies.emplace_back(row, std::move(card));
+}
+
 void ContactImport::meet(const CNContact &contact)
 {
     if (!contact.hasName())
-        return account.existing.append(oneLine(contact.organizationName));
+        return meetCompany(contact);
     const QString first = oneLine(contact.givenName);
     const QString last = oneLine(contact.familyName);
     account.existing.append(fullNameWith(first, last));
@@ -345,30 +390,34 @@ void ContactImport::meet(const CNContact &contact)
         met.emplace_back(row, std::move(card));
 }
 
-void ContactImport::compareExisting()
+template <typename Owner>
+void ContactImport::compareExisting(const std::vector<std::pair<RowId, CNContact>> &present,
+                                    const char *ownerColumn)
 {
     ManagedObjectContext &context = mainContext();
     QHash<QString, std::size_t> places;
     std::vector<Comparison> comparisons;
     std::vector<RowId> rows;
-    for (const auto &[row, card] : met)
+    for (const auto &[row, card] : present)
         rows.push_back(row);
-    const ObjectList<EntityContacts> loaded(context,
-                                            organiserModel().requireEntity(EntityContacts::entityName), rows);
-    for (std::size_t place = 0; place < met.size(); ++place) {
-        const ContactPtr contact = loaded.at(static_cast<int>(place));
-        // Two cards of one contact are compared as the first of them is.
-        if (!contact || places.contains(contact->identifier()))
+    const ObjectList<Owner> loaded(context, organiserModel().requireEntity(Owner::entityName), rows);
+    for (std::size_t place = 0; place < present.size(); ++place) {
+        const std::shared_ptr<Owner> owner = loaded.at(static_cast<int>(place));
+        // Two cards of one owner are compared as the first of them is.
+        if (!owner || places.contains(owner->identifier()))
             continue;
-        places.insert(contact->identifier(), comparisons.size());
-        comparisons.push_back({.card = &met[place].second,
-                               .lacksBirthday = !contact->birthday(),
-                               .lacksCompany = !contact->company()});
+        places.insert(owner->identifier(), comparisons.size());
+        Comparison comparison{.card = &present[place].second};
+        if constexpr (std::is_same_v<Owner, EntityContacts>) {
+            comparison.lacksBirthday = !owner->birthday();
+            comparison.lacksCompany = !owner->company();
+        }
+        comparisons.push_back(std::move(comparison));
     }
     if (comparisons.empty())
         return;
     const auto collect = [&](const FetchRequest &request, const char *column, auto take) {
-        context.visit(request, {"contact", column}, [&](const RowReader &row) {
+        context.visit(request, {ownerColumn, column}, [&](const RowReader &row) {
             const auto found = row.isNull(0) ? places.constEnd() : places.constFind(row.text(0));
             if (found != places.constEnd())
                 take(comparisons[*found], row.text(1));
@@ -383,14 +432,16 @@ void ContactImport::compareExisting()
     collect(EntityAddress::fetchRequest(), "city", [](Comparison &one, const QString &) { ++one.addresses; });
     for (const Comparison &one : comparisons) {
         if (one.isPoorer())
-            account.poorer.append(fullNameWith(one.card->givenName, one.card->familyName));
+            account.poorer.append(nameOf(*one.card));
     }
 }
 
 ContactImportAccount ContactImport::finish()
 {
-    compareExisting();
+    compareExisting<EntityContacts>(met, "contact");
+    compareExisting<EntityCompany>(metCompanies, "company");
     met.clear();
+    metCompanies.clear();
     return account;
 }
 
@@ -415,5 +466,8 @@ QStringList ContactImportAccount::sentences() const
     tell(withoutYear, u"%1 birthdays without a year stand in notes: %2."_s);
     tell(unreadBirthdays, u"%1 birthdays cannot be read and stand in notes: %2."_s);
     tell(otherJobTitles, u"%1 job titles are none of those that there are and stand in notes: %2."_s);
+    if (!withOtherWords.isEmpty())
+        all.append(localized(u"Words for which there is no field stand in notes: %1."_s)
+                       .arg(someOf(withOtherWords)));
     return all;
 }

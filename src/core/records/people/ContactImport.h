@@ -31,6 +31,8 @@ struct ContactImportAccount
     QStringList withoutYear;
     QStringList unreadBirthdays;
     QStringList otherJobTitles;
+    /// The names of those of whom other words stand in a note: a nickname, a department, a second name.
+    QStringList withOtherWords;
     bool wasStopped = false;
     /// False if the store could not be written, which the user was told. The contacts wait for the next save.
     bool isSaved = true;
@@ -55,13 +57,15 @@ public:
     /// why.
     ContactPtr importContactToDataBase(const CNContact &contact);
     /// Imports a card that names an organization only, as a company with its phones, mail, addresses, picture
-    /// and note. Null if there is one of that title, which is left as it is.
+    /// and note. Null if there is one of that title that has more than it, which is left as it is.
     CompanyPtr importCompany(const CNContact &contact);
     /// A contact that the user was told is there already: it is compared, and never imported.
     void meet(const CNContact &contact);
     /// Something that could not even be read.
     void refuse(const QString &sentence) { account.refused.append(sentence); }
 
+    /// The titles of the companies that have no more than their title: people brought them along.
+    static QSet<QString> companiesWithTitleOnly();
     /// What has come of all of it. Looks what the contacts that were there lack; to be called once, at the
     /// end.
     ContactImportAccount finish();
@@ -85,7 +89,9 @@ private:
     QString freePhotoName();
     /// What no field of a contact holds, a line each; the account gets the name.
     QStringList wordsWithoutField(const CNContact &contact, const QString &name, bool hasCategory);
-    void compareExisting();
+    void meetCompany(const CNContact &contact);
+    template <typename Owner>
+    void compareExisting(const std::vector<std::pair<RowId, CNContact>> &present, const char *ownerColumn);
 
     PngMaker pngOf;
     ContactImportAccount account;
@@ -100,7 +106,10 @@ private:
     QHash<QString, CompanyPtr> companies;
     /// The titles of those whose card has come in.
     QSet<QString> describedCompanies;
-    /// What the cards have of contacts that were there before, without pictures.
+    /// The titles of those that have no more than their title.
+    QSet<QString> bareCompanies;
+    /// What the cards have of contacts and companies that were there before, without pictures.
     std::vector<std::pair<RowId, CNContact>> met;
+    std::vector<std::pair<RowId, CNContact>> metCompanies;
     double lastPhotoMoment = 0;
 };

@@ -147,6 +147,8 @@ KnownTitles knownTitles()
     for (const QString &title : {u"Job Title"_s, u"Organization Title"_s})
         addBoth(title, {Sort::JobTitle});
     addBoth(u"Birthday"_s, {Sort::Birthday});
+    for (const QString &title : {u"Notes"_s, u"Note"_s, u"Comment"_s})
+        addBoth(title, {Sort::Note});
     addSort({u"Phone"_s, u"Telephone"_s, u"Phone Number"_s}, Sort::Phone);
     addSort({u"Email"_s, u"E-mail"_s, u"Email Address"_s}, Sort::Email);
     addSort({u"URL"_s, u"Website"_s, u"Web Page"_s}, Sort::Url);
@@ -305,6 +307,9 @@ CNContact ContactTable::contactOf(const QStringList &fields,
             contact.birthday = birthdayOf(text);
             if (!contact.birthday)
                 contact.unreadBirthday = text;
+            break;
+        case Sort::Note:
+            contact.note = text;
             break;
         case Sort::Phone:
             put(valueAt(phones, column), column, text);

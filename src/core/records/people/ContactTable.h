@@ -39,7 +39,8 @@ struct Column
         Phone,
         Email,
         Url,
-        Address
+        Address,
+        Note
     };
     enum class Part { Value, Label, Street, Street2, City, State, Zip, Country };
 

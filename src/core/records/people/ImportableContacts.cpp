@@ -21,6 +21,14 @@ QString titleOf(const CNContact &contact)
     return contact.hasName() ? fullNameWith(contact.givenName, contact.familyName) : contact.organizationName;
 }
 
+/// A card of which nothing but the title would come in.
+bool saysNoMore(const CNContact &organization)
+{
+    return organization.phoneNumbers.empty() && organization.emailAddresses.empty() &&
+           organization.urlAddresses.empty() && organization.postalAddresses.empty() &&
+           organization.note.isEmpty() && organization.otherWords.empty();
+}
+
 QString withoutEnd(QString sentence)
 {
     while (sentence.endsWith(u'.'))
@@ -37,6 +45,7 @@ ImportableContacts::ImportableContacts()
     });
     mainContext().visit(EntityCompany::fetchRequest(), {"title"},
                         [&](const RowReader &row) { presentCompanies.insert(row.text(0)); });
+    bareCompanies = ContactImport::companiesWithTitleOnly();
 }
 
 ImportableContacts::~ImportableContacts() = default;
@@ -104,7 +113,9 @@ void ImportableContacts::take(const ContactReader::Entry &card)
     }
     candidates.push_back(candidate);
     const auto key = static_cast<MarkedRows::Key>(candidates.size());
-    const bool isPresent = (contact.hasName() ? present : presentCompanies).contains(title);
+    const bool isPresent = contact.hasName() ? present.contains(title)
+                                             : presentCompanies.contains(title) &&
+                                                   (!bareCompanies.contains(title) || saysNoMore(contact));
     const QString detail = contact.hasName() ? contact.organizationName : localized(u"Company"_s);
     entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : detail});
     if (isPresent)

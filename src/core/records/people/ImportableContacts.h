@@ -68,6 +68,8 @@ private:
     std::vector<MarkedRows::Entry> entries;
     QSet<QString> present;
     QSet<QString> presentCompanies;
+    /// Those of them that a card may say more of.
+    QSet<QString> bareCompanies;
     std::unordered_set<MarkedRows::Key> known;
     QStringList sentences;
 };

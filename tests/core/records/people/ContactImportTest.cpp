@@ -463,6 +463,54 @@ TEST_F(ImportingContacts, MakesCompaniesOfOrganizations)
     EXPECT_EQ(count<EntityCompany>(), 0);
 }
 
+TEST_F(ImportingContacts, FillsACompanyThatPeopleBroughtAlongAndSaysWhatOthersLack)
+{
+    importAll(card("N:Lee;Ann;;;\r\nORG:Works"));
+    const QByteArray works = card("ORG:Works\r\nFN:Works\r\nTEL;TYPE=WORK:1\r\nNOTE:Since 1901");
+    const auto list = listOf(works);
+    EXPECT_EQ(shown(list->list()), u"W Works"_qs) << "can be marked";
+    list->list().markShown(true);
+    EXPECT_EQ(list->import(png).addedCompanies, 1);
+    ASSERT_EQ(count<EntityCompany>(), 1);
+    const CompanyPtr company = EntityCompany::name(u"Works"_qs);
+    EXPECT_EQ(company->details(), u"Since 1901"_qs);
+    EXPECT_EQ(company->phone().size(), 1u);
+    EXPECT_EQ(contact(u"Ann"_qs, u"Lee"_qs)->company(), company);
+    // What it has now stays, and the user is told what it lacks.
+    const auto more = listOf(card("ORG:Works\r\nFN:Works\r\nTEL:2") + card("N:Kay;Bob;;;"));
+    EXPECT_EQ(shown(more->list()), u"B Bob Kay W =Works"_qs);
+    more->list().markShown(true);
+    EXPECT_EQ(more->import(png).poorer, QStringList(u"Works"_qs));
+    EXPECT_EQ(company->phone().size(), 1u);
+
+    // Its details come back from both files.
+    for (const ExportFormat format : {ExportFormat::VCard, ExportFormat::Csv}) {
+        QBuffer file;
+        file.open(QIODevice::WriteOnly);
+        const CompanyPtr there = EntityCompany::name(u"Works"_qs);
+        ASSERT_FALSE(RecordExport::write(file, format, EntityCompany::entityName, {there->rowId()}));
+        EXPECT_TRUE(file.data().contains("Since 1901")) << file.data().constData();
+    }
+}
+
+TEST_F(ImportingContacts, KeepsWordsWithoutAFieldInTheNote)
+{
+    const ContactImportAccount account =
+        importAll(card("N:Lee;Ann;Maria;Dr.;Jr.\r\nFN:Dr. Ann Maria Lee Jr.\r\nORG:Works;Sales;North\r\n"
+                       "NICKNAME:Annie\r\nTITLE:Friend\r\nTITLE:Rower\r\nIMPP:xmpp:ann@b.org\r\n"
+                       "NOTE:Rings twice"));
+    EXPECT_EQ(account.withOtherWords, QStringList(u"Ann Lee"_qs));
+    const ContactPtr ann = contact(u"Ann"_qs, u"Lee"_qs);
+    ASSERT_TRUE(ann);
+    EXPECT_EQ(ann->company()->title(), u"Works"_qs);
+    ASSERT_EQ(ann->note().size(), 1u);
+    EXPECT_EQ(ann->note()[0]->detail(),
+              u"Department: Sales, North\nNickname: Annie\nJob Title: Rower\nMessaging: xmpp:ann@b.org\n"
+              "Full Name: Dr. Ann Maria Lee Jr.\nRings twice"_qs);
+    // Notes go with the card.
+    EXPECT_EQ(ContactExport().contactOf(*ann).note, ann->note()[0]->detail());
+}
+
 TEST_F(ImportingContacts, ExportsACompanyAsAnOrganization)
 {
     const auto works = context().insert<EntityCompany>();
