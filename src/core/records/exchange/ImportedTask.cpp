@@ -100,6 +100,8 @@ void takeWords(ImportedTask &task, const IcalComponent &component)
     task.place = lineOf(component, "LOCATION");
     task.position = positionOf(component.value("GEO"));
     task.person = lineOf(component, "X-MORVANE-PERSON");
+    task.delegatedSince = momentOf(component, "X-MORVANE-DELEGATED");
+    task.lastAsked = momentOf(component, "X-MORVANE-ASKED");
     if (task.person.isEmpty())
         task.contactWords = lineOf(component, "CONTACT");
     task.company = lineOf(component, "X-MORVANE-COMPANY");
@@ -120,7 +122,7 @@ void takeProgress(ImportedTask &task, const IcalComponent &component)
     if (!task.revised)
         task.revised = momentOf(component, "DTSTAMP");
     if (task.status == TaskStatus::Done)
-        task.done = momentOf(component, "COMPLETED");
+        task.done = momentOf(component, component.line("COMPLETED") ? "COMPLETED" : "X-MORVANE-DONE");
 }
 
 /// A task of days: the first and the last of them.

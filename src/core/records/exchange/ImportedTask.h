@@ -43,6 +43,9 @@ struct ImportedTask
     std::vector<Edit> edits;
 
     QString person;
+    /// Since when that person has it, and when they were last asked about it.
+    OptionalDate delegatedSince;
+    OptionalDate lastAsked;
     /// Somebody of whom another program has written, in words of its own.
     QString contactWords;
     QString company;

@@ -107,6 +107,12 @@ void putOwnFields(IcalComponent &component, const EntityTask &task)
         TaskComponents::putText(component, "CONTACT", person->fullName());
         TaskComponents::putText(component, "X-MORVANE-PERSON", person->fullName());
     }
+    const auto putMoment = [&component](const QByteArray &name, OptionalDate moment) {
+        if (moment)
+            component.setValue(name, UtcDateTime::string(*moment).toLatin1());
+    };
+    putMoment("X-MORVANE-DELEGATED", task.delegatedSince());
+    putMoment("X-MORVANE-ASKED", task.lastAsked());
     if (const CompanyPtr company = task.company())
         TaskComponents::putText(component, "X-MORVANE-COMPANY", company->title());
     if (const ProjectPtr project = task.project())
@@ -360,8 +366,9 @@ void TaskComponents::putProgress(IcalComponent &component, std::optional<TaskSta
         break;
     case TaskStatus::Done:
         component.setValue(isTodo ? "STATUS" : "X-MORVANE-STATUS", "COMPLETED");
-        if (isTodo && done)
-            component.setValue("COMPLETED", UtcDateTime::string(*done).toLatin1());
+        if (done)
+            component.setValue(isTodo ? "COMPLETED" : "X-MORVANE-DONE",
+                               UtcDateTime::string(*done).toLatin1());
         if (isTodo)
             component.setValue("PERCENT-COMPLETE", "100");
         break;

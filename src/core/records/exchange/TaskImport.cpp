@@ -316,6 +316,10 @@ void Importer::add(const QString &uid, const ImportedTask &task)
         row->setCreationDate(task.created);
     if (row && task.done)
         row->setExpirationDate(task.done);
+    if (row && task.delegatedSince)
+        row->setDelegatedSince(task.delegatedSince);
+    if (row && task.lastAsked)
+        row->setLastAsked(task.lastAsked);
     ++account.added;
     if (isPartial)
         account.partial.append(copy.title);
@@ -397,12 +401,29 @@ void Importer::edit(const TaskPtr &row, const ImportedTask &task)
     TaskManager::saveWithDate(transaction, formerDate, row, Span::ThisTask, true);
 }
 
+/// Whether a project says something else than a file. When it was changed is not kept.
+bool isOther(const EntityProject &project, const ImportedTask &task)
+{
+    const Calendar calendar = Calendar::current();
+    const auto isOtherDay = [&](OptionalDate one, OptionalDate other) {
+        return one.has_value() != other.has_value() ||
+               (one && calendar.dayNumber(*one) != calendar.dayNumber(*other));
+    };
+    return project.title() != task.title || project.details() != task.details ||
+           project.status().value_or(TaskStatus::Open) != task.status ||
+           isOtherDay(project.startDate(), task.start) || isOtherDay(project.dueDate(), task.due);
+}
+
 void Importer::takeProject(const CalendarFile::Object &object)
 {
     const QString identifier = TaskImport::identifierOf(object.uid);
     const auto task = ImportedTask::of(object);
-    if (!task || mainContext().object(EntityProject::entityName, identifier)) {
-        ++account.same;
+    const ObjectPtr present = mainContext().object(EntityProject::entityName, identifier);
+    if (!task || present) {
+        if (task && isOther(static_cast<const EntityProject &>(*present), *task))
+            account.newerHere.append(static_cast<const EntityProject &>(*present).title());
+        else
+            ++account.same;
         return;
     }
     const auto project = std::static_pointer_cast<EntityProject>(
@@ -414,7 +435,7 @@ void Importer::takeProject(const CalendarFile::Object &object)
     project->setCreationDate(task->created ? task->created : OptionalDate(MVDate::date()));
     project->setExpirationDate(task->done);
     project->setStartDate(task->start);
-    project->setDueDate(task->due ? OptionalDate(MTDates::startOfCurrentDay(*task->due)) : std::nullopt);
+    project->setDueDate(task->due ? OptionalDate(MTDates::endOfCurrentDay(*task->due)) : std::nullopt);
     MVTask copy;
     fillCategoryAndTags(copy, *task);
     project->setCategory(copy.category);
@@ -430,16 +451,22 @@ void Importer::takeProject(const CalendarFile::Object &object)
 void Importer::takeNote(const CalendarFile::Object &object)
 {
     const QString identifier = TaskImport::identifierOf(object.uid);
-    if (mainContext().object(EntityNote::entityName, identifier)) {
-        ++account.same;
+    const IcalComponent &journal = *object.calendar.children().back();
+    const QString said = IcalText::decoded(journal.value("SUMMARY")).simplified();
+    const QString title = said.isEmpty() ? localized(u"No Title"_s) : said;
+    const QString detail = IcalText::decoded(journal.value("DESCRIPTION"));
+    if (const ObjectPtr present = mainContext().object(EntityNote::entityName, identifier)) {
+        const auto &known = static_cast<const EntityNote &>(*present);
+        if (known.title().simplified() == title && known.detail() == detail)
+            ++account.same;
+        else
+            account.newerHere.append(known.title());
         return;
     }
-    const IcalComponent &journal = *object.calendar.children().back();
     const auto note =
         std::static_pointer_cast<EntityNote>(mainContext().insertObject(EntityNote::entityName, identifier));
-    const QString title = IcalText::decoded(journal.value("SUMMARY")).simplified();
-    note->setTitle(title.isEmpty() ? localized(u"No Title"_s) : title);
-    note->setDetail(IcalText::decoded(journal.value("DESCRIPTION")));
+    note->setTitle(title);
+    note->setDetail(detail);
     const OptionalDate created = UtcDateTime::date(QString::fromLatin1(journal.value("CREATED").trimmed()));
     note->setCreationDate(created ? created : OptionalDate(MVDate::date()));
     note->setContact(personNamed(IcalText::decoded(journal.value("CONTACT")).simplified()));

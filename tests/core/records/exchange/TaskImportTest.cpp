@@ -85,6 +85,8 @@ protected:
         ann->setFirstName(u"Ann Mary"_qs);
         ann->setLastName(u"Lee"_qs);
         toDo->setDelegateToUser(ann);
+        toDo->setDelegatedSince(utcDate(2026, 11, 2, 8));
+        toDo->setLastAsked(utcDate(2026, 11, 9, 8));
         const TaskPtr call = add(u"Call"_qs, TaskType::EmailCall, {}, localDate(2026, 11, 25, 14, 30));
         call->setAlert(localDate(2026, 11, 25, 14));
         call->setStatus(TaskStatus::Pending);
@@ -94,6 +96,10 @@ protected:
                                     localDate(2026, 11, 25, 11));
         meeting->setAlert(localDate(2026, 11, 25, 9, 45));
         meeting->setPriority(Priority::Low);
+        const TaskPtr met =
+            add(u"Met"_qs, TaskType::Appointment, localDate(2026, 11, 18, 10), localDate(2026, 11, 18, 11));
+        met->setStatus(TaskStatus::Done);
+        met->setExpirationDate(utcDate(2026, 11, 18, 11));
         const TaskPtr someday = add(u"Sail"_qs);
         someday->setDueSomeDay(true);
         const TaskPtr due = add(u"Pay"_qs, TaskType::ToDo, {}, localDate(2026, 12, 1, 23, 59, 59));
@@ -102,7 +108,7 @@ protected:
         done->setStatus(TaskStatus::Done);
         done->setExpirationDate(utcDate(2026, 11, 20, 12));
         EXPECT_FALSE(DBWorker::saveContext());
-        return {toDo, call, meeting, someday, due, done};
+        return {toDo, call, meeting, someday, due, done, met};
     }
 };
 
@@ -112,22 +118,25 @@ TEST_F(TaskImportTest, ReadsBackAllThatAnExportSays)
     const QByteArray text = exported(ExportFormat::ICalendar, assorted());
     clear();
     const TaskImportAccount account = import(text);
-    EXPECT_EQ(account.added, 6) << qPrintable(account.sentences().join(u'\n'));
+    EXPECT_EQ(account.added, 7) << qPrintable(account.sentences().join(u'\n'));
     EXPECT_THAT(account.partial, IsEmpty());
     std::vector<TaskPtr> again;
     for (const QString &title :
-         {u"Paint, the; house"_qs, u"Call"_qs, u"Meeting"_qs, u"Sail"_qs, u"Pay"_qs, u"Swept"_qs})
+         {u"Paint, the; house"_qs, u"Call"_qs, u"Meeting"_qs, u"Sail"_qs, u"Pay"_qs, u"Swept"_qs, u"Met"_qs})
         again.push_back(row(title));
     EXPECT_EQ(substanceOf(exported(ExportFormat::ICalendar, again)), substanceOf(text));
     EXPECT_EQ(again[0]->category(), EntityCategory::title(u"Work"_qs));
     EXPECT_THAT(again[0]->tags(), SizeIs(2)) << "one of them is called as a category is";
     EXPECT_FALSE(again[1]->category());
     EXPECT_EQ(again[5]->expirationDate(), utcDate(2026, 11, 20, 12));
+    EXPECT_EQ(again[6]->expirationDate(), utcDate(2026, 11, 18, 11));
+    EXPECT_EQ(again[0]->delegatedSince(), utcDate(2026, 11, 2, 8));
+    EXPECT_EQ(again[0]->lastAsked(), utcDate(2026, 11, 9, 8));
     EXPECT_EQ(context().count(EntityContacts::fetchRequest()), 1);
     // Once more: nothing comes twice, nothing changes.
     const TaskImportAccount second = import(text);
     EXPECT_EQ(second.added, 0);
-    EXPECT_EQ(second.same, 6) << qPrintable(second.sentences().join(u'\n'));
+    EXPECT_EQ(second.same, 7) << qPrintable(second.sentences().join(u'\n'));
     ASSERT_FALSE(context().undo());
     EXPECT_THAT(rows(), IsEmpty()) << "one step takes all of it back";
 }
@@ -252,6 +261,11 @@ TEST_F(TaskImportTest, BringsProjectsWithTheirTasks)
     EXPECT_EQ(substanceOf(exported(ExportFormat::ICalendar, std::vector{again->project()})),
               substanceOf(text));
     EXPECT_EQ(import(text).same, 2);
+    // What says something else here stays, and the user is told.
+    again->project()->setTitle(u"Hut"_qs);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(import(text).newerHere, QStringList(u"Hut"_qs));
+    EXPECT_EQ(again->project()->title(), u"Hut"_qs);
 }
 
 } // namespace
