@@ -265,7 +265,7 @@ void DaysCalendarView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), QColor(Theme::card));
-    painter.fillRect(separator, QColor(Theme::controlBorder));
+    painter.fillRect(separator, QColor(Theme::edge));
 }
 
 QRect DaysCalendarView::slidingArea() const
@@ -345,7 +345,7 @@ void DaysCalendarView::paintForPaper(QPainter &painter)
     if (lanes->laneCount() > 0) {
         lanes->paintForPaper(painter);
         painter.translate(0, lanes->height());
-        painter.fillRect(0, 0, width(), 1, QColor(Theme::controlBorder));
+        painter.fillRect(0, 0, width(), 1, QColor(Theme::edge));
         painter.translate(0, 2);
     }
     const auto [top, bottom] = hoursOnPaper();

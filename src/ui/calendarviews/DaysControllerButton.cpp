@@ -107,7 +107,7 @@ void DaysControllerButton::paintEvent(QPaintEvent *)
             continue;
         const QRect next = rectOf(before);
         const int edge = isRightToLeft() ? next.right() : next.left();
-        painter.fillRect(QRect(edge, 7, 1, height() - 14), QColor(Theme::controlBorder));
+        painter.fillRect(QRect(edge, 7, 1, height() - 14), QColor(Theme::edge));
     }
     if (hasFocus())
         MorvaneStyle::drawFocusRing(painter, QRectF(rectOf(focused)).adjusted(2, 2, -2, -2),

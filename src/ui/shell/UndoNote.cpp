@@ -118,7 +118,7 @@ void UndoNote::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Theme::controlBorder, 1));
+    painter.setPen(QPen(Theme::edge, 1));
     painter.setBrush(Theme::card);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::cardRadius,
                             Theme::cardRadius);

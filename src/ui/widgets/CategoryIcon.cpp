@@ -1,6 +1,7 @@
 #include "widgets/CategoryIcon.h"
 
 #include "store/entities/EntityCategory.h"
+#include "widgets/Theme.h"
 
 #include <QPainter>
 
@@ -17,10 +18,10 @@ QIcon CategoryIcon::circle(const QColor &colour)
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
+    painter.setPen(Theme::dotEdge(colour));
     painter.setBrush(colour);
-    constexpr int margin = (categoryIconSize - categoryDotSize) / 2;
-    painter.drawEllipse(margin, margin, categoryDotSize, categoryDotSize);
+    constexpr double margin = (categoryIconSize - categoryDotSize + 1) / 2.0;
+    painter.drawEllipse(QRectF(margin, margin, categoryDotSize - 1, categoryDotSize - 1));
     return QIcon(pixmap);
 }
 

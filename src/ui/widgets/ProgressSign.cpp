@@ -91,7 +91,7 @@ void ProgressSign::setValue(int steps)
 void ProgressSign::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setPen(Theme::controlBorder);
+    painter.setPen(Theme::edge);
     painter.setBrush(Theme::card);
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }

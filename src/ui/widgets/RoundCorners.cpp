@@ -97,9 +97,9 @@ void RoundCorners::drawPanel(QPainter &painter, const QWidget &window, int radiu
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF whole(window.rect());
     if (window.testAttribute(Qt::WA_TranslucentBackground))
-        painter.fillPath(rounded(whole, radius), Theme::controlBorder);
+        painter.fillPath(rounded(whole, radius), Theme::edge);
     else
-        painter.fillRect(whole, QColor(Theme::controlBorder));
+        painter.fillRect(whole, QColor(Theme::edge));
     painter.fillPath(rounded(whole.adjusted(1, 1, -1, -1), radius - 1), Theme::card);
     painter.restore();
 }

@@ -242,7 +242,7 @@ QPalette Theme::palette()
         {QPalette::LinkVisited, selectedText},
         {QPalette::ToolTipBase, text},
         {QPalette::ToolTipText, card},
-        {QPalette::Mid, controlBorder},
+        {QPalette::Mid, edge},
         {QPalette::Light, card},
         {QPalette::Midlight, divider},
         {QPalette::Dark, secondaryText},
@@ -254,6 +254,11 @@ QPalette Theme::palette()
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, disabledText);
     return palette;
+}
+
+QColor Theme::dotEdge(const QColor &colour)
+{
+    return readable(colour, card, leastMarkContrast);
 }
 
 QColor Theme::priority(Priority priority)

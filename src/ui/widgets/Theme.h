@@ -91,7 +91,10 @@ inline constexpr Role divider{{236, 239, 243}, {45, 50, 57}, {120, 130, 140}, {1
 inline constexpr Role hover{{247, 249, 252}, {40, 45, 51}, {234, 239, 246}, {30, 36, 44}};
 inline constexpr Role control{{255, 255, 255}, {43, 48, 55}, {255, 255, 255}, {0, 0, 0}};
 inline constexpr Role controlPressed{{236, 240, 246}, {53, 59, 67}, {222, 229, 238}, {40, 48, 58}};
-inline constexpr Role controlBorder{{208, 215, 224}, {70, 77, 87}, {60, 70, 80}, {200, 208, 218}};
+/// The edges of fields and buttons, by which they are known.
+inline constexpr Role controlBorder{{130, 143, 158}, {120, 130, 142}, {60, 70, 80}, {200, 208, 218}};
+/// The edges of bubbles, and lines that only divide.
+inline constexpr Role edge{{208, 215, 224}, {70, 77, 87}, {60, 70, 80}, {200, 208, 218}};
 inline constexpr Role shadow{{15, 30, 45, 255}, {0, 0, 0, 255}, {15, 30, 45, 255}, {0, 0, 0, 255}};
 inline constexpr Role scrollHandle{
     {15, 30, 45, 60}, {255, 255, 255, 60}, {0, 0, 0, 140}, {255, 255, 255, 150}};
@@ -127,7 +130,7 @@ inline constexpr Role overdue{{203, 46, 38}, {255, 134, 126}, {160, 10, 0}, {255
 inline constexpr Role warning{{158, 92, 8}, {240, 178, 92}, {112, 62, 0}, {255, 206, 130}};
 inline constexpr Role checkBox{{126, 140, 156}, {132, 143, 156}, {30, 40, 50}, {230, 236, 242}};
 inline constexpr Role checkBoxDone{Accent::Fill};
-inline constexpr Role emptyIcon{{150, 163, 179}, {112, 122, 135}, {60, 70, 82}, {200, 208, 218}};
+inline constexpr Role emptyIcon{{122, 136, 153}, {118, 128, 141}, {60, 70, 82}, {200, 208, 218}};
 inline constexpr Role emptyDisc{{235, 239, 245}, {42, 47, 54}, {235, 239, 245}, {30, 36, 44}};
 
 // The circles with the initials of people and companies.
@@ -192,10 +195,14 @@ QPalette palette();
 double contrast(const QColor &ink, const QColor &ground);
 /// What words need at least.
 inline constexpr double leastTextContrast = 4.5;
+/// What has to be seen, but not read, needs at least: signs, and the edges of controls.
+inline constexpr double leastMarkContrast = 3;
 /// The colour itself, or the nearest of its hue, lighter or darker, that has a contrast to another one.
 QColor readable(const QColor &colour, const QColor &other, double leastContrast);
 /// A colour as it looks on an opaque one.
 QColor mixed(const QColor &above, const QColor &below);
+/// The edge of a dot, by which one of any colour is seen on a card.
+QColor dotEdge(const QColor &colour);
 /// The colour of the dot of a priority; invalid for none.
 QColor priority(Priority priority);
 

@@ -2,9 +2,15 @@
 
 #include "widgets/Theme.h"
 
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 #include <string>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -19,7 +25,7 @@ struct Pair
 
 constexpr double text = Theme::leastTextContrast;
 /// What has to be seen, but not read: marks, and the edges of controls.
-constexpr double mark = 3;
+constexpr double mark = Theme::leastMarkContrast;
 
 std::vector<Pair> pairs()
 {
@@ -57,7 +63,14 @@ std::vector<Pair> pairs()
         {"overdue in the badge", Theme::badgeOverdueText, Theme::badgeOverdue, text},
         {"circle to tick", Theme::checkBox, Theme::card, mark},
         {"ticked circle", Theme::checkBoxDone, Theme::card, mark},
-        {"priority, high", Theme::priorityHigh, Theme::card, 2.5},
+        {"edge of a control", Theme::controlBorder, Theme::control, mark},
+        {"edge of a control on a card", Theme::controlBorder, Theme::card, mark},
+        {"edge of a control on the screen", Theme::controlBorder, Theme::content, mark},
+        {"icon of an empty list", Theme::emptyIcon, Theme::content, mark},
+        {"icon of an empty list on its disc", Theme::emptyIcon, Theme::emptyDisc, mark},
+        {"label of a dragged edge", Theme::minuteLabelText, Theme::minuteLabel, text},
+        {"words on the veil", Theme::textOnVeil, Theme::veil, text},
+        {"keys on the veil", Theme::sidebarAccent, Theme::veil, text},
         {"present moment", Theme::currentTime, Theme::card, mark},
         {"ring", Theme::focusRing, Theme::card, mark},
         {"ring on the screen", Theme::focusRing, Theme::content, mark},
@@ -98,6 +111,42 @@ TEST_F(ThemeTest, EveryWordAndMarkStandsOutInEachSchemeWithEachAccent)
             }
         }
     }
+}
+
+TEST_F(ThemeTest, DotsOfAnyColourHaveAnEdgeThatIsSeen)
+{
+    for (const Theme::Scheme scheme : Theme::schemes) {
+        Theme::setScheme(scheme);
+        for (const QColor &colour :
+             {QColor(Theme::priorityHigh), QColor(Theme::priorityMedium), QColor(Theme::priorityLow),
+              QColor(Qt::white), QColor(Qt::black), QColor(255, 255, 0)})
+            EXPECT_GE(Theme::contrast(Theme::dotEdge(colour), Theme::card), mark) << int(scheme);
+    }
+}
+
+TEST_F(ThemeTest, NoRoleIsForgotten)
+{
+    // Faint on purpose: what cannot be used, what only divides or shades, and what has its words in a role
+    // above.
+    const QStringList faint =
+        u"disabledText cardBorder divider edge shadow scrollHandle scrollHandleHover scrollHandleOnDark "
+        "scrollHandleOnDarkHover halfHourLine eventShadow eventShadowOverOther sidebarHover filterPillHover "
+        "darkTextOnColour startText"_s.split(u' ');
+    const auto read = [](const QString &path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+        return QString::fromUtf8(file.readAll());
+    };
+    const QString roles = read(QStringLiteral(MORVANE_SOURCES "/ui/widgets/Theme.h"));
+    const QString tests = read(QStringLiteral(MORVANE_SOURCES "/../tests/ui/layout/ThemeTest.cpp"));
+    static const QRegularExpression declared(u"inline constexpr Role (\\w+)"_s);
+    int count = 0;
+    for (const auto &match : declared.globalMatch(roles)) {
+        const QString name = match.captured(1);
+        EXPECT_TRUE(faint.contains(name) || tests.contains(u"Theme::"_s + name)) << qPrintable(name);
+        ++count;
+    }
+    EXPECT_GT(count, 50);
 }
 
 TEST_F(ThemeTest, TheDarkSidebarCanBeReadInEachScheme)

@@ -212,7 +212,7 @@ void SearchPopover::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Theme::controlBorder);
+    painter.setPen(Theme::edge);
     painter.setBrush(Theme::card);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::cardRadius,
                             Theme::cardRadius);

@@ -56,7 +56,7 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawPixmap(rect(), picture);
-        painter.setPen(Theme::controlBorder);
+        painter.setPen(Theme::edge);
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }
 

@@ -40,9 +40,9 @@ void RowWriter::paintIcon(const QRect &where, const QString &icon, const QColor 
 
 void RowWriter::paintDisc(const QRect &where, const QColor &colour) const
 {
-    painter.setPen(Qt::NoPen);
+    painter.setPen(Theme::dotEdge(colour));
     painter.setBrush(colour);
-    painter.drawEllipse(placed(where));
+    painter.drawEllipse(QRectF(placed(where)).adjusted(0.5, 0.5, -0.5, -0.5));
 }
 
 void RowWriter::paintCheckBox(const QRect &where, bool isChecked) const
