@@ -80,6 +80,8 @@ void ExchangeRound::run()
     if (!sealed.canExchange())
         return;
     findSnapshots();
+    if (!sealed.canExchange())
+        return;
     takeSnapshot();
     if (listsOwn) {
         listOwn();
@@ -92,29 +94,28 @@ void ExchangeRound::run()
 void ExchangeRound::listOwn()
 {
     ownNumbers = folder.numbersOf(own);
-    if (!sealed.sealer)
-        return;
     for (const qint64 one : ownNumbers) {
         QFile file(folder.pathOf({own, one}));
-        if (file.open(QIODevice::ReadOnly) && !sealed.sealer->isOwnSeal(file.read(Sealer::headLength())))
+        if (file.open(QIODevice::ReadOnly) && !sealed.isFit(file.read(Sealer::headLength())))
             unfit.push_back(one);
     }
 }
 
-/// The save in a file that is sealed just if the folder is.
 Result<ChangeFile> ExchangeRound::saveIn(const QByteArray &bytes, const Dot &dot)
 {
-    if (sealed.sealer) {
-        auto content = sealed.sealer->open(bytes, sealName(dot));
-        return content ? ChangeFile::fromBytes(*content) : Result<ChangeFile>(content.error());
-    }
-    if (!Sealer::isSealed(bytes))
-        return ChangeFile::fromBytes(bytes);
-    const Error error{QStringLiteral("sealing"), 0,
-                      QStringLiteral("It is sealed, and the file \"key\" of the folder has not come yet")};
-    // Nothing may be written in the open beside it.
-    sealed = {SealingState::Unusable, nullptr, error.message};
-    return error;
+    auto content = sealed.opened(bytes, sealName(dot));
+    if (content)
+        return ChangeFile::fromBytes(*content);
+    heed(content.error());
+    return content.error();
+}
+
+/// Nothing may be written in the open beside a file that is sealed with a key of which the folder tells
+/// nothing yet.
+void ExchangeRound::heed(const Error &error)
+{
+    if (error.code == SealingStatus::unknownKey && error.domain == u"sealing")
+        sealed = {.state = SealingState::Unusable, .problem = error.message};
 }
 
 void ExchangeRound::write()
@@ -147,9 +148,11 @@ void ExchangeRound::read()
         const QByteArray bytes = file.readAll();
         size += bytes.size();
         auto content = saveIn(bytes, {entry.device, entry.number});
-        if (!content)
+        if (!content) {
             problems.push_back({entry.path, content.error().message});
-        else if (content->dot != Dot{entry.device, entry.number})
+            if (!sealed.isFit(bytes))
+                unopened.insert({entry.device, entry.number});
+        } else if (content->dot != Dot{entry.device, entry.number})
             problems.push_back({entry.path, QStringLiteral("It is another save than its name says")});
         else
             files.push_back(std::move(*content));
@@ -160,7 +163,7 @@ void ExchangeRound::findSnapshots()
 {
     for (const ReplicaFolder::Entry &entry : folder.snapshots()) {
         const Dot dot{entry.device, entry.number};
-        auto head = snapshot::readHead(entry.path, sealed.sealer.get(), snapshotSealName(dot));
+        auto head = snapshot::readHead(entry.path, sealed, snapshotSealName(dot));
         if (head && head->dot != dot)
             head = Error{{}, 0, QStringLiteral("It is another save than its name says")};
         if (head && head->schema > schema)
@@ -169,10 +172,13 @@ void ExchangeRound::findSnapshots()
             head = Error{{}, 0, QStringLiteral("It is damaged")};
         if (head)
             snapshots.push_back({entry, *head});
-        else if (entry.device == own)
-            isSnapshotDue = !listsOwn; // An open one in a sealed folder among them.
-        else
+        else if (entry.device != own)
             problems.push_back({entry.path, head.error().message});
+        if (!head)
+            heed(head.error());
+        // One that is not sealed as it should be is made anew.
+        if (entry.device == own && (!head || head->keyMark != sealed.keyMark()))
+            isSnapshotDue = !listsOwn;
     }
     for (const Found &one : snapshots)
         ownCovered = std::max(ownCovered, one.head.seen.of(own));
@@ -183,16 +189,19 @@ void ExchangeRound::takeSnapshot()
     if (arrivalPath.isEmpty())
         return;
     Dots there = waiting;
-    for (const ReplicaFolder::Entry &entry : present)
-        there.insert({entry.device, entry.number});
+    for (const ReplicaFolder::Entry &entry : present) {
+        // What is sealed otherwise may stay so for ever, if its device is gone.
+        if (!unopened.contains({entry.device, entry.number}))
+            there.insert({entry.device, entry.number});
+    }
     std::vector<SnapshotHead> heads;
     for (const Found &one : snapshots)
         heads.push_back(one.head);
     // One that turns out to be damaged leaves the place to the next one.
     while (const auto place = snapshotToTake(heads, known, there, own)) {
         const ReplicaFolder::Entry &entry = snapshots[*place].entry;
-        auto head = snapshot::unpack(entry.path, sealed.sealer.get(),
-                                     snapshotSealName({entry.device, entry.number}), arrivalPath);
+        auto head =
+            snapshot::unpack(entry.path, sealed, snapshotSealName({entry.device, entry.number}), arrivalPath);
         if (head) {
             arrived = *head;
             arrivedMark = sizeMark(entry);
@@ -225,7 +234,7 @@ void ExchangeRound::tidy()
             continue;
         const QString mark = sizeMark(one.entry);
         const bool isWhole = verified.contains(mark) ||
-                             snapshot::unpack(one.entry.path, sealed.sealer.get(),
+                             snapshot::unpack(one.entry.path, sealed,
                                               snapshotSealName({one.entry.device, one.entry.number}), {});
         if (!isWhole)
             continue;

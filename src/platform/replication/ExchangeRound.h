@@ -61,7 +61,7 @@ struct ExchangeRound
     SealingStatus sealed = {};
     std::vector<qint64> written = {};
     std::vector<qint64> ownNumbers = {};
-    /// Own files that are open in a sealed folder, or sealed with a former key.
+    /// Own files that are open in a sealed folder, sealed in an open one, or sealed with a former key.
     std::vector<qint64> unfit = {};
     std::vector<ChangeFile> files = {};
     std::vector<FileProblem> problems = {};
@@ -87,6 +87,7 @@ private:
     };
     void listOwn();
     Result<ChangeFile> saveIn(const QByteArray &bytes, const Dot &dot);
+    void heed(const Error &error);
     void write();
     void read();
     void findSnapshots();
@@ -94,6 +95,8 @@ private:
     void tidy();
 
     std::vector<ReplicaFolder::Entry> present = {};
+    /// Those of them that are open in a sealed folder, sealed in an open one, or sealed with another key.
+    Dots unopened = {};
     std::vector<Found> snapshots = {};
 };
 

@@ -30,11 +30,6 @@ bool isPassing(const Error &error)
            (error.domain == u"sqlite" && std::ranges::find(codes, error.code & resultBits) != codes.end());
 }
 
-QByteArray keyMarkOf(const SealingStatus &sealed)
-{
-    return sealed.sealer ? sealed.sealer->keyMark() : QByteArray();
-}
-
 } // namespace
 
 ReplicaExchange::ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn hearer,
@@ -131,9 +126,9 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     }
     const bool hasExchanged = folderProblem.isEmpty() && round.sealed.canExchange();
     sealed = std::move(round.sealed);
-    if (hasExchanged && ownKeyMark != keyMarkOf(sealed)) {
+    if (hasExchanged && ownKeyMark != sealed.keyMark()) {
         // All that lies there under another key, or open, is to be written anew.
-        ownKeyMark = keyMarkOf(sealed);
+        ownKeyMark = sealed.keyMark();
         hasCheckedOwnFiles = false;
         wantsAnother = true;
     }
