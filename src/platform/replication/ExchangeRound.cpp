@@ -1,6 +1,7 @@
 #include "replication/ExchangeRound.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
@@ -227,27 +228,64 @@ void ExchangeRound::tidy()
     }
     isSnapshotDue =
         isSnapshotDue || cleared > ownCovered || uncovered >= terms.mostFiles || bytes >= terms.mostBytes;
-    // Those that may have to stand in for files are read to their end, once.
     std::vector<SnapshotHead> whole;
     for (const Found &one : snapshots) {
-        if (one.head.seen.of(own) == 0)
-            continue;
-        const QString mark = sizeMark(one.entry);
-        const bool isWhole = verified.contains(mark) ||
-                             snapshot::unpack(one.entry.path, sealed,
-                                              snapshotSealName({one.entry.device, one.entry.number}), {});
-        if (!isWhole)
-            continue;
-        verified.insert(mark);
-        whole.push_back(one.head);
+        if (one.head.seen.of(own) > 0 && isWhole(one))
+            whole.push_back(one.head);
     }
-    if (ownNumbers.empty())
+    if (!ownNumbers.empty()) {
+        clearable = clearableUpTo(ownNumbers.back(), devices, whole, own);
+        for (const qint64 one : ownNumbers) {
+            if (one <= std::min(clearable, cleared))
+                QFile::remove(folder.pathOf({own, one}));
+        }
+    }
+    for (const Device &device : devices) {
+        if (device.isRemoved)
+            clearAwayRemoved(device.id);
+    }
+}
+
+/// Whether a snapshot can be read to its end. One that may have to stand in for files is, once.
+bool ExchangeRound::isWhole(const Found &snapshot)
+{
+    const QString mark = sizeMark(snapshot.entry);
+    const Dot dot{snapshot.entry.device, snapshot.entry.number};
+    if (!verified.contains(mark) && !snapshot::unpack(snapshot.entry.path, sealed, snapshotSealName(dot), {}))
+        return false;
+    verified.insert(mark);
+    return true;
+}
+
+/// What a removed device has left in the folder goes once the snapshot of another one holds it.
+void ExchangeRound::clearAwayRemoved(const DeviceId &removed)
+{
+    if (!QFileInfo::exists(folder.path() + u'/' + QString::fromUtf8(removed)))
         return;
-    clearable = clearableUpTo(ownNumbers.back(), devices, whole, own);
-    for (const qint64 one : ownNumbers) {
-        if (one <= std::min(clearable, cleared))
-            QFile::remove(folder.pathOf({own, one}));
+    const auto isGone = [this](const DeviceId &id) {
+        return std::ranges::any_of(devices,
+                                   [&id](const Device &one) { return one.id == id && one.isRemoved; });
+    };
+    std::vector<SnapshotHead> whole;
+    for (const Found &one : snapshots) {
+        if (!isGone(one.entry.device) && one.head.seen.of(removed) > 0 && isWhole(one))
+            whole.push_back(one.head);
     }
+    const qint64 upTo = clearableOfRemoved(removed, devices, whole);
+    for (const qint64 one : folder.numbersOf(removed)) {
+        if (one <= upTo)
+            QFile::remove(folder.pathOf({removed, one}));
+    }
+    for (const Found &one : snapshots) {
+        const bool isHeld =
+            one.entry.device == removed && std::ranges::any_of(whole, [&one](const SnapshotHead &other) {
+                return other.seen.covers(one.head.seen);
+            });
+        if (isHeld)
+            QFile::remove(one.entry.path);
+    }
+    // It stays while something is in it.
+    QDir(folder.path()).rmdir(QString::fromUtf8(removed));
 }
 
 } // namespace replication

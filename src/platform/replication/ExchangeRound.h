@@ -93,6 +93,8 @@ private:
     void findSnapshots();
     void takeSnapshot();
     void tidy();
+    bool isWhole(const Found &snapshot);
+    void clearAwayRemoved(const DeviceId &removed);
 
     std::vector<ReplicaFolder::Entry> present = {};
     /// Those of them that are open in a sealed folder, sealed in an open one, or sealed with another key.

@@ -317,6 +317,7 @@ Health ReplicaExchange::health() const
 {
     Health health;
     health.devices = replica.devices();
+    std::erase_if(health.devices, [](const Device &device) { return device.isRemoved; });
     health.unsent = replica.unsentCount();
     health.waiting = static_cast<int>(waiting.size());
     health.problems = problems;

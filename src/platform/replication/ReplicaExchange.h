@@ -16,6 +16,7 @@ struct Health
 {
     using Problem = FileProblem;
 
+    /// Without those that were removed.
     std::vector<Device> devices;
     /// Saves of this device that are not in the folder yet.
     int unsent = 0;
