@@ -84,6 +84,7 @@ void ExchangeRound::run()
     if (!sealed.canExchange())
         return;
     takeSnapshot();
+    std::ranges::move(sealedfiles::refit(filesBeside, sealed, fitFiles), std::back_inserter(problems));
     if (listsOwn) {
         listOwn();
         return;

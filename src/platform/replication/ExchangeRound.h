@@ -2,19 +2,11 @@
 
 #include "replication/Clearing.h"
 #include "replication/ReplicaFolder.h"
-#include "replication/Sealing.h"
+#include "replication/SealedFiles.h"
 
 #include <QSet>
 
 namespace replication {
-
-/// A file in the folder that cannot be used.
-struct FileProblem
-{
-    QString path;
-    /// Why it cannot be taken in, in words.
-    QString reason;
-};
 
 /// Writes a save, sealed if the folder is.
 OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed, const Dot &dot,
@@ -56,6 +48,9 @@ struct ExchangeRound
     QSet<QString> verified = {};
     /// Snapshots that could not be taken in.
     QSet<QString> refused = {};
+    sealedfiles::Place filesBeside = {};
+    /// Those of them that are as they should be.
+    QSet<QString> fitFiles = {};
 
     // What it finds.
     SealingStatus sealed = {};

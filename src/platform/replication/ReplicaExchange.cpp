@@ -106,6 +106,8 @@ void ReplicaExchange::startRound()
     round->sealing = sealing;
     round->verified = verified;
     round->refused = refused;
+    round->filesBeside = filesBeside;
+    round->fitFiles = fitFiles;
     thread.start([this, round, alive = std::weak_ptr(living)] {
         round->run();
         MainLoop::performDelayed(Seconds(0), [this, round, alive] {
@@ -129,10 +131,12 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     if (hasExchanged && ownKeyMark != sealed.keyMark()) {
         // All that lies there under another key, or open, is to be written anew.
         ownKeyMark = sealed.keyMark();
+        round.fitFiles.clear();
         hasCheckedOwnFiles = false;
         wantsAnother = true;
     }
     verified = std::move(round.verified);
+    fitFiles = std::move(round.fitFiles);
     if (round.listsOwn && hasExchanged)
         checkOwnFiles(round);
     for (ChangeFile &file : round.files)

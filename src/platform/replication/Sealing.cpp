@@ -184,12 +184,16 @@ SealingStatus Sealing::lookNow() const
     if (!current)
         return {};
     const bool isEnded = current->isEnd();
+    // Loading it takes a while, and an open folder has no use for it.
+    const Cipher *with = cipher();
     if (!isEnded && keyOfMark(known.keys, current->mark()).isEmpty()) {
         const bool hadKey = known.folder == folder;
-        return {.state = SealingState::NeedsPassphrase,
-                .problem = QString::fromUtf8(hadKey ? otherKey : noKey)};
+        SealingStatus status{.state = SealingState::NeedsPassphrase,
+                             .problem = QString::fromUtf8(hadKey ? otherKey : noKey)};
+        if (hadKey && with)
+            status.formerSealer = std::make_shared<Sealer>(*with, known.keys);
+        return status;
     }
-    const Cipher *with = cipher();
     if (!with && !isEnded)
         return {.state = SealingState::Unusable, .problem = QString::fromUtf8(noLibrary)};
     // What came from others is kept, too, lest it be lost with the folder.

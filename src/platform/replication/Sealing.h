@@ -27,7 +27,8 @@ struct SealingStatus
     SealingState state = SealingState::Open;
     /// Only if sealed.
     std::shared_ptr<const Sealer> sealer = {};
-    /// Opens what is still sealed in a folder whose sealing ended; null if this device has no key.
+    /// Opens what is sealed with former keys, in a folder whose sealing ended or whose new key this device
+    /// does not have; null without any.
     std::shared_ptr<const Sealer> formerSealer = {};
     /// The marks of all keys that the folder has had.
     std::set<QByteArray> marks = {};
