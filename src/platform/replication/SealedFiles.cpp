@@ -46,6 +46,7 @@ QFileInfoList filesIn(const QString &folder)
     return QDir(folder).entryInfoList(QDir::Files);
 }
 
+/// What came meanwhile stays, and is looked at the next time.
 OptionalError refitOne(const QString &path, const SealingStatus &status)
 {
     const QString before = stateOf(path);
@@ -53,11 +54,12 @@ OptionalError refitOne(const QString &path, const SealingStatus &status)
     if (!content)
         return content.error();
     const std::scoped_lock lock(writing());
-    return writeNow(path, *content, status, [&]() -> OptionalError {
-        if (stateOf(path) == before)
-            return std::nullopt;
-        return Error{QStringLiteral("sealing"), 0, QStringLiteral("It is being changed")};
+    bool isOvertaken = false;
+    auto error = writeNow(path, *content, status, [&]() -> OptionalError {
+        isOvertaken = stateOf(path) != before;
+        return isOvertaken ? OptionalError(Error{}) : std::nullopt;
     });
+    return isOvertaken ? std::nullopt : error;
 }
 
 void sendWaiting(const Place &place, const SealingStatus &status)
@@ -114,7 +116,7 @@ std::vector<FileProblem> refit(const Place &place, const SealingStatus &status, 
         const OptionalError error = isFit ? std::nullopt : refitOne(path, status);
         if (error)
             problems.push_back({path, error->message});
-        else
+        else if (isFit)
             fit.insert(stateOf(path));
     }
     return problems;
