@@ -5,6 +5,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 // What the key of a folder opens, and what nothing opens.
@@ -287,6 +290,35 @@ TEST_F(SealingChangeTest, AnEndThatWasSaidByWhoHasTheKeyCountsForAll)
     EXPECT_EQ(one.look().state, SealingState::NeedsPassphrase);
     const auto unknown = fresh.look();
     EXPECT_EQ(unknown.state, SealingState::NeedsPassphrase);
+}
+
+TEST_F(SealingChangeTest, FilesOfFormerVersionsGoOn)
+{
+    // They knew one key, and no end.
+    const QByteArray sealed = sealedBy(one, "Momo", name);
+    QJsonObject file = QJsonDocument::fromJson(contents(keyFile())).object();
+    file.remove(u"generation"_qs);
+    file.remove(u"end"_qs);
+    write(keyFile(), QJsonDocument(file).toJson());
+    for (const char *computer : {"one", "other"}) {
+        const QJsonObject now = QJsonDocument::fromJson(kept(computer)).object();
+        const QJsonObject key = now.value(u"keys"_qs).toArray().first().toObject();
+        write(keptPath(computer), QJsonDocument(QJsonObject{{u"folder"_qs, shared.path()},
+                                                            {u"terms"_qs, file},
+                                                            {u"key"_qs, key.value(u"key"_qs)}})
+                                      .toJson());
+    }
+    EXPECT_EQ(openedBy(one, sealed, name), "Momo");
+    EXPECT_EQ(openedBy(other, sealed, name), "Momo");
+    ASSERT_EQ(messageOf(one.end()), QString());
+    EXPECT_EQ(one.look().state, SealingState::Open);
+    EXPECT_EQ(other.look().state, SealingState::Open);
+    // Who never had the key cannot tell whether that is true, and asks for it.
+    const Sealing fresh = device(u"fresh"_qs);
+    EXPECT_EQ(fresh.look().state, SealingState::NeedsPassphrase);
+    ASSERT_EQ(messageOf(fresh.enter(passphrase)), QString());
+    EXPECT_EQ(fresh.look().state, SealingState::Open);
+    EXPECT_EQ(openedBy(fresh, sealed, name), "Momo");
 }
 
 TEST_F(SealingChangeTest, TwoChangesAtTheSameTimeComeOutAlikeEverywhere)

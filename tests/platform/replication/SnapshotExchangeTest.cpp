@@ -294,3 +294,36 @@ TEST_F(RemovedDeviceTest, ItComesBackWithoutAnythingToSay)
     one.start();
     EXPECT_TRUE(knows(one, lost));
 }
+
+TEST_F(SnapshotExchangeTest, TheSnapshotOfARemovedDeviceStaysWhileItAloneHoldsSomething)
+{
+    one.stop();
+    one.terms.mostFiles = 1000;
+    one.start();
+    Device third(shared.path(), "third");
+    third.stop();
+    third.terms.mostFiles = 3;
+    third.start();
+    one.save(six);
+    ASSERT_TRUE(waitFor([&] { return third.has("F"); }));
+    third.save({u"1"_qs, u"2"_qs, u"3"_qs});
+    ASSERT_TRUE(waitFor([this] { return one.has("3") && saveCountOf(one) == 1; }));
+    const QByteArray lost = third.id();
+    const QString folder = shared.filePath(QString::fromUtf8(lost));
+    third.stop();
+    ASSERT_FALSE(one.remove(lost));
+    EXPECT_FALSE(
+        waitFor([&] { return QDir(folder).entryList({u"snapshot-*"_qs}, QDir::Files).isEmpty(); }, 1000));
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("A") && other.has("3"); }));
+    other.save({u"Told"_qs});
+    ASSERT_TRUE(waitFor([this] { return one.has("Told"); }));
+    // It goes once another one holds all of that.
+    one.stop();
+    one.terms.mostFiles = 3;
+    one.start();
+    one.save({u"x"_qs, u"y"_qs, u"z"_qs});
+    EXPECT_TRUE(waitFor([&] { return !QFile::exists(folder); }));
+    Device fresh(shared.path(), "fresh");
+    EXPECT_TRUE(waitFor([&] { return fresh.has("A") && fresh.has("3") && fresh.has("z"); }));
+}
