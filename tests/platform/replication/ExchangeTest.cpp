@@ -318,6 +318,33 @@ TEST_F(SealedExchangeTest, ANewPassphraseReachesADeviceThatIsAwayAndNothingIsLos
     EXPECT_EQ(one.library().dump(), other.library().dump());
 }
 
+TEST_F(SealedExchangeTest, ASnapshotFollowsTheKeyOfTheFolder)
+{
+    other.stop();
+    one.terms.mostFiles = 3;
+    ASSERT_FALSE(sealOfOne->begin(passphrase));
+    one.restartWith(sealOfOne);
+    one.save({u"A"_qs, u"B"_qs, u"C"_qs, u"D"_qs});
+    const auto snapshot = [this] {
+        const QStringList names = filesOf(one).filter(u"snapshot-"_qs);
+        return names.size() == 1 ? contents(path(one, names.front())) : QByteArray();
+    };
+    const auto isSealed = [&] { return snapshot().contains("MVSEALED" + sealOfOne->look().keyMark()); };
+    ASSERT_TRUE(waitFor(isSealed));
+    ASSERT_FALSE(sealOfOne->change(u"sealed once more"_qs));
+    one.sealingChanged();
+    EXPECT_TRUE(waitFor(isSealed)) << "With the new key";
+    ASSERT_FALSE(sealOfOther->enter(u"sealed once more"_qs));
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("A") && other.has("D"); }));
+    ASSERT_FALSE(sealOfOne->end());
+    one.sealingChanged();
+    EXPECT_TRUE(waitFor([&] { return !snapshot().isEmpty() && !snapshot().contains("MVSEALED"); }));
+    Device third(shared.path(), "third");
+    third.restartWith(seal("third.key"));
+    EXPECT_TRUE(waitFor([&] { return third.has("A") && third.has("D"); }));
+}
+
 TEST_F(SealedExchangeTest, AnEndedSealingOpensTheFilesOfEachDeviceWhenItHearsOfIt)
 {
     const LogCapture log;

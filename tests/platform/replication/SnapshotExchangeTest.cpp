@@ -293,6 +293,11 @@ TEST_F(RemovedDeviceTest, ItComesBackWithoutAnythingToSay)
     one.stop();
     one.start();
     EXPECT_TRUE(knows(one, lost));
+    // Also when it knows everything but this.
+    ASSERT_FALSE(one.remove(lost));
+    ASSERT_TRUE(waitFor([this] { return !knows(one, lost) && !knows(other, lost); }));
+    third.start();
+    EXPECT_TRUE(waitFor([this] { return knows(one, lost) && knows(other, lost); }));
 }
 
 TEST_F(SnapshotExchangeTest, TheSnapshotOfARemovedDeviceStaysWhileItAloneHoldsSomething)
