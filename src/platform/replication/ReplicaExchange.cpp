@@ -271,10 +271,11 @@ void ReplicaExchange::takeInSome()
             takenIn(settled.value());
     }
     tell();
-    if (waiting.size() < before && !waiting.empty())
+    const bool hasTaken = waiting.size() < before;
+    if (hasTaken && !waiting.empty())
         again(Seconds(0));
-    else if (replica.owesAcknowledgement())
-        lookSoon();
+    else if (hasTaken || replica.owesAcknowledgement())
+        lookSoon(); // What others have told of having can go now.
 }
 
 /// Folders of devices that came since are watched, too.
