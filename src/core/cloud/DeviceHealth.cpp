@@ -34,8 +34,8 @@ qint64 behind(const Device &own, const Device &other)
 
 DeviceHealth::Line lineOf(const Device &device, const Device &own)
 {
-    DeviceHealth::Line line{device.name.isEmpty() ? QString::fromUtf8(device.id) : device.name,
-                            lastHeard(device), device.isOwn};
+    const QString name = device.name.isEmpty() ? QString::fromUtf8(device.id) : device.name;
+    DeviceHealth::Line line{name, lastHeard(device), device.isOwn, device.id, name};
     if (device.isOwn)
         line.title = localized(QStringLiteral("%1 (this computer)")).arg(line.title);
     else if (const qint64 count = behind(own, device); count > 0)
@@ -96,6 +96,7 @@ DeviceHealth DeviceHealth::of(const Health &health)
         words.problems.push_back({QFileInfo(problem.path).fileName(), localized(problem.reason)});
     words.sealing = sealingIn(health);
     words.canSeal = health.sealing == SealingState::Open;
+    words.isSealed = health.sealing == SealingState::Sealed;
     words.needsPassphrase = health.sealing == SealingState::NeedsPassphrase;
     words.isWrong =
         !health.folderProblem.isEmpty() || !health.sealingProblem.isEmpty() || !health.problems.empty();

@@ -15,6 +15,12 @@ struct DeviceHealth
         QString title;
         QString detail;
         bool isOwn = false;
+        /// Of a device; empty for a file.
+        replication::DeviceId device = {};
+        /// What the user calls the device.
+        QString name = {};
+
+        bool canBeRemoved() const { return !device.isEmpty() && !isOwn; }
     };
 
     /// One sentence for all of it.
@@ -30,6 +36,7 @@ struct DeviceHealth
     /// What the user can do about it.
     bool canSeal = false;
     bool needsPassphrase = false;
+    bool isSealed = false;
 
     /// \param replication null without a shared folder.
     static DeviceHealth of(const Replication *replication);

@@ -54,6 +54,11 @@ QString IcloudManager::localImagesUrl()
     return FileManager::appFolderURL() + u'/' + imageFolder;
 }
 
+QString IcloudManager::waitingImagesUrl()
+{
+    return FileManager::appFolderURL() + u'/' + imageFolder + QStringLiteral(" Waiting");
+}
+
 QString IcloudManager::iCloudImagesUrl()
 {
     return UbiquityContainer::path() + QStringLiteral("/Documents/") + imageFolder;

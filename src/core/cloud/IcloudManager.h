@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /// What the cloud means for this run, and the image store: the folder of the pictures of contacts and
 /// companies. Locations are paths.
 ///
@@ -25,19 +27,25 @@ public:
     static QString sampleImagesUrl();
     static QString localImagesUrl();
     static QString iCloudImagesUrl();
-    /// The one of the three that the state asks for.
+    /// Of this device, for pictures that cannot go into a sealed folder without its passphrase.
+    static QString waitingImagesUrl();
+    /// The one of the first three that the state asks for.
     static QString imageUrl();
     /// Without the cloud all names of the local folder; with it those of the pictures that are on this
     /// machine already.
     static QStringList listImageName();
     /// The paths of what the folder in use holds, hidden files left out.
     static QStringList listImageURL();
-    /// Where a picture of that name would lie; a null text for a name that is no plain one.
+    /// Where a picture of that name lies or would lie; a null text for a name that is no plain one. What lies
+    /// there may be sealed.
     static QString pathOfImage(const QString &name);
     /// The bytes of a picture; empty if it is missing or cannot be read.
     static QByteArray imageData(const QString &name);
-    /// Writes a picture, whole or not at all, over one of the same name. Whether that worked; the log says
-    /// why not.
+    /// What reads a picture by its path, on any thread: its bytes, which are never written anywhere; empty if
+    /// it cannot be read.
+    static std::function<QByteArray()> imageReader(const QString &path);
+    /// Writes a picture, whole or not at all, over one of the same name. In a sealed folder it is sealed;
+    /// without the passphrase it waits on this device. Whether that worked; the log says why not.
     static bool saveImageWithData(const QByteArray &data, const QString &name);
     /// Whether there was a picture of that name and it is gone.
     static bool removeImage(const QString &name);

@@ -1,7 +1,9 @@
 #include "cloud/Replication.h"
 
+#include "cloud/IcloudManager.h"
 #include "foundation/ApplicationPaths.h"
 #include "foundation/Log.h"
+#include "store/state/NotificationNames.h"
 #include "ubiquity/UbiquityContainer.h"
 
 #include <QCryptographicHash>
@@ -30,12 +32,26 @@ Replication::Replication(ManagedObjectContext &context, std::unique_ptr<replicat
                          Imported imported)
     : store(context)
     , replica(std::move(opened))
-    , sealing(std::make_shared<replication::Sealing>(
-          contentFolder(), ApplicationPaths::configFolder() + QStringLiteral("/Morvane/sealing.key"),
-          sealingLibrary()))
+    , sealing(sharedSealing())
     , exchange(std::make_unique<replication::ReplicaExchange>(
           *replica, replication::ReplicaFolder(contentFolder()), std::move(imported), sealing))
-{}
+{
+    exchange->setFilesBeside({IcloudManager::iCloudImagesUrl(), IcloudManager::waitingImagesUrl()});
+}
+
+std::shared_ptr<const replication::Sealing> Replication::sharedSealing()
+{
+    static std::shared_ptr<const replication::Sealing> current;
+    static QStringList madeFor;
+    if (UbiquityContainer::path().isEmpty())
+        return nullptr;
+    const QStringList places{contentFolder(),
+                             ApplicationPaths::configFolder() + QStringLiteral("/Morvane/sealing.key"),
+                             sealingLibrary()};
+    if (std::exchange(madeFor, places) != places)
+        current = std::make_shared<replication::Sealing>(places[0], places[1], places[2]);
+    return current;
+}
 
 void Replication::setSealingLibrary(const QString &path)
 {
@@ -44,15 +60,37 @@ void Replication::setSealingLibrary(const QString &path)
 
 OptionalError Replication::seal(const QString &passphrase)
 {
-    const OptionalError error = sealing->begin(passphrase);
-    exchange->sealingChanged();
-    return error;
+    return sealingChanged(sealing->begin(passphrase));
 }
 
 OptionalError Replication::enterPassphrase(const QString &passphrase)
 {
-    const OptionalError error = sealing->enter(passphrase);
+    return sealingChanged(sealing->enter(passphrase));
+}
+
+OptionalError Replication::changePassphrase(const QString &passphrase)
+{
+    return sealingChanged(sealing->change(passphrase));
+}
+
+OptionalError Replication::endSealing()
+{
+    return sealingChanged(sealing->end());
+}
+
+OptionalError Replication::sealingChanged(OptionalError error)
+{
     exchange->sealingChanged();
+    // Pictures that could not be opened can be now.
+    if (!error)
+        NotificationCenter::defaultCenter().post(notifications::iCloudChange);
+    return error;
+}
+
+OptionalError Replication::removeDevice(const replication::DeviceId &device)
+{
+    const OptionalError error = replica->remove(device);
+    exchange->lookSoon();
     return error;
 }
 

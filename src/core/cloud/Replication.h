@@ -46,12 +46,21 @@ public:
     /// The library that seals, without its suffix; to be set before the start. Without it, sealed folders
     /// cannot be used.
     static void setSealingLibrary(const QString &path);
+    /// How the folder is sealed that the devices share now; null without one. For any thread from then on.
+    static std::shared_ptr<const replication::Sealing> sharedSealing();
     /// Seals what the devices exchange, with a passphrase that the other devices then need. It takes a
-    /// second. Pictures are not sealed. The error says why the folder stays open.
+    /// second. The error says why the folder stays open.
     OptionalError seal(const QString &passphrase);
     /// Gives this device the passphrase of a sealed folder. It takes a second. The error says that it is
     /// another one, or why it cannot be used.
     OptionalError enterPassphrase(const QString &passphrase);
+    /// Seals with a new passphrase from now on, which the other devices then need. It takes a second. The
+    /// error says why the former one stays.
+    OptionalError changePassphrase(const QString &passphrase);
+    /// Opens the folder for all devices. The error says why it stays sealed.
+    OptionalError endSealing();
+    /// Removes another device that is gone for good, for all devices. The error says why it stays.
+    OptionalError removeDevice(const replication::DeviceId &device);
 
     replication::Health health() const { return exchange->health(); }
     void setListener(std::function<void()> listener) { exchange->setListener(std::move(listener)); }
@@ -64,6 +73,8 @@ private:
 
     ManagedObjectContext &store;
     std::unique_ptr<replication::Replica> replica;
+    OptionalError sealingChanged(OptionalError error);
+
     std::shared_ptr<const replication::Sealing> sealing;
     std::unique_ptr<replication::ReplicaExchange> exchange;
 };

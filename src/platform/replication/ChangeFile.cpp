@@ -17,7 +17,7 @@ constexpr int formatVersion = 1;
 
 /// The keys of the map.
 namespace key {
-enum { Format, Schema, Device, Number, Time, Seen, Name, Tables, Changes, Touched, Wall };
+enum { Format, Schema, Device, Number, Time, Seen, Name, Tables, Changes, Touched, Wall, Removed };
 }
 
 Error unreadable(const char *why)
@@ -51,6 +51,8 @@ QByteArray ChangeFile::toBytes() const
     for (const RowKey &one : touched)
         rows.append(QCborArray{QString::fromUtf8(one.table), one.id});
     map.insert(key::Touched, rows);
+    if (!removed.isEmpty())
+        map.insert(key::Removed, QString::fromUtf8(removed.text()));
     const QByteArray content = QCborValue(map).toCbor();
     return mark + QCryptographicHash::hash(content, QCryptographicHash::Sha256) + content;
 }
@@ -86,6 +88,7 @@ Result<ChangeFile> ChangeFile::fromBytes(const QByteArray &bytes)
     }
     for (const QCborValue &one : map.value(key::Touched).toArray())
         file.touched.push_back({one.toArray().at(0).toString().toUtf8(), one.toArray().at(1).toString()});
+    file.removed = VersionVector::fromText(map.value(key::Removed).toString().toUtf8());
     constexpr qint64 latest = qint64(1) << 62;
     if (file.dot.device.isEmpty() || file.dot.number < 1 || file.time < 1 || file.time > latest)
         return unreadable("It does not say which save it is");

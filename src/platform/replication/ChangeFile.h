@@ -26,6 +26,9 @@ struct ChangeFile
     QByteArray changeset = {};
     /// Rows that count as changed because a detail of theirs was.
     std::vector<RowKey> touched = {};
+    /// Devices that the user has removed, each with its last save that was known. One that saves more takes
+    /// part again.
+    VersionVector removed = {};
 
     /// What it says, row by row; absent if the changeset is damaged.
     std::optional<std::vector<RowDelta>> deltas(const ManagedObjectModel &model) const;

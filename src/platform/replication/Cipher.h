@@ -34,6 +34,9 @@ public:
     /// is another each time. Empty if the key is none.
     virtual QByteArray encrypt(const QByteArray &bytes, const QByteArray &others,
                                const QByteArray &key) const = 0;
+    /// The same, but with the same outcome each time for the same bytes, others and key.
+    virtual QByteArray encryptAlike(const QByteArray &bytes, const QByteArray &others,
+                                    const QByteArray &key) const = 0;
     /// What was encrypted; absent if it, the others or the key are not the same.
     virtual std::optional<QByteArray> decrypt(const QByteArray &bytes, const QByteArray &others,
                                               const QByteArray &key) const = 0;

@@ -57,17 +57,32 @@ qint64 coveredBy(const std::vector<SnapshotHead> &snapshots, const DeviceId &dev
     return covered;
 }
 
+/// The saves of a device that all have told of which are waited for.
+static qint64 toldByAll(qint64 most, const DeviceId &device, const std::vector<Device> &devices)
+{
+    const Date longAgo = dateOfMilliseconds(wallMilliseconds() - daysOfPatience * millisecondsADay);
+    for (const Device &other : devices) {
+        if (!other.isOwn && !other.isRemoved && other.heard.value_or(longAgo) > longAgo)
+            most = std::min(most, other.seen.of(device));
+    }
+    return std::max(qint64(0), most);
+}
+
 qint64 clearableUpTo(qint64 lastNumber, const std::vector<Device> &devices,
                      const std::vector<SnapshotHead> &snapshots, const DeviceId &own)
 {
-    qint64 number = std::min(lastNumber - 1, coveredBy(snapshots, own));
-    const Date longAgo = dateOfMilliseconds(wallMilliseconds() - daysOfPatience * millisecondsADay);
+    return toldByAll(std::min(lastNumber - 1, coveredBy(snapshots, own)), own, devices);
+}
+
+qint64 clearableOfRemoved(const DeviceId &removed, const std::vector<Device> &devices,
+                          const std::vector<SnapshotHead> &snapshots)
+{
+    qint64 most = coveredBy(snapshots, removed);
     for (const Device &device : devices) {
-        const bool isWaitedFor = !device.isOwn && device.heard.value_or(longAgo) > longAgo;
-        if (isWaitedFor)
-            number = std::min(number, device.seen.of(own));
+        if (device.isOwn)
+            most = std::min(most, device.seen.of(removed));
     }
-    return std::max(qint64(0), number);
+    return toldByAll(most, removed, devices);
 }
 
 } // namespace replication

@@ -30,10 +30,16 @@ std::optional<size_t> snapshotToTake(const std::vector<SnapshotHead> &snapshots,
 qint64 coveredBy(const std::vector<SnapshotHead> &snapshots, const DeviceId &device);
 
 /// Up to which number a device may remove its own saves: those that a snapshot holds and that every other
-/// device has told of having. Who was not heard of for ninety days is not waited for, and takes in the
-/// snapshot when it comes back. The last save always stays, as the sign of how far the device has come.
-/// \param snapshots that were read to their end.
+/// device has told of having. Who was removed, or not heard of for ninety days, is not waited for, and
+/// takes in the snapshot when it comes back. The last save always stays, as the sign of how far the device
+/// has come. \param snapshots that were read to their end.
 qint64 clearableUpTo(qint64 lastNumber, const std::vector<Device> &devices,
                      const std::vector<SnapshotHead> &snapshots, const DeviceId &own);
+
+/// Up to which number everybody may remove the saves of a device that the user has removed: those that a
+/// snapshot holds and that all others have.
+/// \param snapshots of devices that were not removed, read to their end.
+qint64 clearableOfRemoved(const DeviceId &removed, const std::vector<Device> &devices,
+                          const std::vector<SnapshotHead> &snapshots);
 
 } // namespace replication

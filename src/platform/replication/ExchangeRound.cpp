@@ -1,6 +1,7 @@
 #include "replication/ExchangeRound.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
@@ -80,7 +81,10 @@ void ExchangeRound::run()
     if (!sealed.canExchange())
         return;
     findSnapshots();
+    if (!sealed.canExchange())
+        return;
     takeSnapshot();
+    std::ranges::move(sealedfiles::refit(filesBeside, sealed, fitFiles), std::back_inserter(problems));
     if (listsOwn) {
         listOwn();
         return;
@@ -92,29 +96,28 @@ void ExchangeRound::run()
 void ExchangeRound::listOwn()
 {
     ownNumbers = folder.numbersOf(own);
-    if (!sealed.sealer)
-        return;
     for (const qint64 one : ownNumbers) {
         QFile file(folder.pathOf({own, one}));
-        if (file.open(QIODevice::ReadOnly) && !sealed.sealer->isOwnSeal(file.read(Sealer::headLength())))
+        if (file.open(QIODevice::ReadOnly) && !sealed.isFit(file.read(Sealer::headLength())))
             unfit.push_back(one);
     }
 }
 
-/// The save in a file that is sealed just if the folder is.
 Result<ChangeFile> ExchangeRound::saveIn(const QByteArray &bytes, const Dot &dot)
 {
-    if (sealed.sealer) {
-        auto content = sealed.sealer->open(bytes, sealName(dot));
-        return content ? ChangeFile::fromBytes(*content) : Result<ChangeFile>(content.error());
-    }
-    if (!Sealer::isSealed(bytes))
-        return ChangeFile::fromBytes(bytes);
-    const Error error{QStringLiteral("sealing"), 0,
-                      QStringLiteral("It is sealed, and the file \"key\" of the folder has not come yet")};
-    // Nothing may be written in the open beside it.
-    sealed = {SealingState::Unusable, nullptr, error.message};
-    return error;
+    auto content = sealed.opened(bytes, sealName(dot));
+    if (content)
+        return ChangeFile::fromBytes(*content);
+    heed(content.error());
+    return content.error();
+}
+
+/// Nothing may be written in the open beside a file that is sealed with a key of which the folder tells
+/// nothing yet.
+void ExchangeRound::heed(const Error &error)
+{
+    if (error.code == SealingStatus::unknownKey && error.domain == u"sealing")
+        sealed = {.state = SealingState::Unusable, .problem = error.message};
 }
 
 void ExchangeRound::write()
@@ -147,9 +150,11 @@ void ExchangeRound::read()
         const QByteArray bytes = file.readAll();
         size += bytes.size();
         auto content = saveIn(bytes, {entry.device, entry.number});
-        if (!content)
+        if (!content) {
             problems.push_back({entry.path, content.error().message});
-        else if (content->dot != Dot{entry.device, entry.number})
+            if (!sealed.isFit(bytes))
+                unopened.insert({entry.device, entry.number});
+        } else if (content->dot != Dot{entry.device, entry.number})
             problems.push_back({entry.path, QStringLiteral("It is another save than its name says")});
         else
             files.push_back(std::move(*content));
@@ -160,7 +165,7 @@ void ExchangeRound::findSnapshots()
 {
     for (const ReplicaFolder::Entry &entry : folder.snapshots()) {
         const Dot dot{entry.device, entry.number};
-        auto head = snapshot::readHead(entry.path, sealed.sealer.get(), snapshotSealName(dot));
+        auto head = snapshot::readHead(entry.path, sealed, snapshotSealName(dot));
         if (head && head->dot != dot)
             head = Error{{}, 0, QStringLiteral("It is another save than its name says")};
         if (head && head->schema > schema)
@@ -169,10 +174,13 @@ void ExchangeRound::findSnapshots()
             head = Error{{}, 0, QStringLiteral("It is damaged")};
         if (head)
             snapshots.push_back({entry, *head});
-        else if (entry.device == own)
-            isSnapshotDue = !listsOwn; // An open one in a sealed folder among them.
-        else
+        else if (entry.device != own)
             problems.push_back({entry.path, head.error().message});
+        if (!head)
+            heed(head.error());
+        // One that is not sealed as it should be is made anew.
+        if (entry.device == own && (!head || head->keyMark != sealed.keyMark()))
+            isSnapshotDue = !listsOwn;
     }
     for (const Found &one : snapshots)
         ownCovered = std::max(ownCovered, one.head.seen.of(own));
@@ -183,16 +191,19 @@ void ExchangeRound::takeSnapshot()
     if (arrivalPath.isEmpty())
         return;
     Dots there = waiting;
-    for (const ReplicaFolder::Entry &entry : present)
-        there.insert({entry.device, entry.number});
+    for (const ReplicaFolder::Entry &entry : present) {
+        // What is sealed otherwise may stay so for ever, if its device is gone.
+        if (!unopened.contains({entry.device, entry.number}))
+            there.insert({entry.device, entry.number});
+    }
     std::vector<SnapshotHead> heads;
     for (const Found &one : snapshots)
         heads.push_back(one.head);
     // One that turns out to be damaged leaves the place to the next one.
     while (const auto place = snapshotToTake(heads, known, there, own)) {
         const ReplicaFolder::Entry &entry = snapshots[*place].entry;
-        auto head = snapshot::unpack(entry.path, sealed.sealer.get(),
-                                     snapshotSealName({entry.device, entry.number}), arrivalPath);
+        auto head =
+            snapshot::unpack(entry.path, sealed, snapshotSealName({entry.device, entry.number}), arrivalPath);
         if (head) {
             arrived = *head;
             arrivedMark = sizeMark(entry);
@@ -218,27 +229,64 @@ void ExchangeRound::tidy()
     }
     isSnapshotDue =
         isSnapshotDue || cleared > ownCovered || uncovered >= terms.mostFiles || bytes >= terms.mostBytes;
-    // Those that may have to stand in for files are read to their end, once.
     std::vector<SnapshotHead> whole;
     for (const Found &one : snapshots) {
-        if (one.head.seen.of(own) == 0)
-            continue;
-        const QString mark = sizeMark(one.entry);
-        const bool isWhole = verified.contains(mark) ||
-                             snapshot::unpack(one.entry.path, sealed.sealer.get(),
-                                              snapshotSealName({one.entry.device, one.entry.number}), {});
-        if (!isWhole)
-            continue;
-        verified.insert(mark);
-        whole.push_back(one.head);
+        if (one.head.seen.of(own) > 0 && isWhole(one))
+            whole.push_back(one.head);
     }
-    if (ownNumbers.empty())
+    if (!ownNumbers.empty()) {
+        clearable = clearableUpTo(ownNumbers.back(), devices, whole, own);
+        for (const qint64 one : ownNumbers) {
+            if (one <= std::min(clearable, cleared))
+                QFile::remove(folder.pathOf({own, one}));
+        }
+    }
+    for (const Device &device : devices) {
+        if (device.isRemoved)
+            clearAwayRemoved(device.id);
+    }
+}
+
+/// Whether a snapshot can be read to its end. One that may have to stand in for files is, once.
+bool ExchangeRound::isWhole(const Found &snapshot)
+{
+    const QString mark = sizeMark(snapshot.entry);
+    const Dot dot{snapshot.entry.device, snapshot.entry.number};
+    if (!verified.contains(mark) && !snapshot::unpack(snapshot.entry.path, sealed, snapshotSealName(dot), {}))
+        return false;
+    verified.insert(mark);
+    return true;
+}
+
+/// What a removed device has left in the folder goes once the snapshot of another one holds it.
+void ExchangeRound::clearAwayRemoved(const DeviceId &removed)
+{
+    if (!QFileInfo::exists(folder.path() + u'/' + QString::fromUtf8(removed)))
         return;
-    clearable = clearableUpTo(ownNumbers.back(), devices, whole, own);
-    for (const qint64 one : ownNumbers) {
-        if (one <= std::min(clearable, cleared))
-            QFile::remove(folder.pathOf({own, one}));
+    const auto isGone = [this](const DeviceId &id) {
+        return std::ranges::any_of(devices,
+                                   [&id](const Device &one) { return one.id == id && one.isRemoved; });
+    };
+    std::vector<SnapshotHead> whole;
+    for (const Found &one : snapshots) {
+        if (!isGone(one.entry.device) && one.head.seen.of(removed) > 0 && isWhole(one))
+            whole.push_back(one.head);
     }
+    const qint64 upTo = clearableOfRemoved(removed, devices, whole);
+    for (const qint64 one : folder.numbersOf(removed)) {
+        if (one <= upTo)
+            QFile::remove(folder.pathOf({removed, one}));
+    }
+    for (const Found &one : snapshots) {
+        const bool isHeld =
+            one.entry.device == removed && std::ranges::any_of(whole, [&one](const SnapshotHead &other) {
+                return other.seen.covers(one.head.seen);
+            });
+        if (isHeld)
+            QFile::remove(one.entry.path);
+    }
+    // It stays while something is in it.
+    QDir(folder.path()).rmdir(QString::fromUtf8(removed));
 }
 
 } // namespace replication

@@ -2,19 +2,11 @@
 
 #include "replication/Clearing.h"
 #include "replication/ReplicaFolder.h"
-#include "replication/Sealing.h"
+#include "replication/SealedFiles.h"
 
 #include <QSet>
 
 namespace replication {
-
-/// A file in the folder that cannot be used.
-struct FileProblem
-{
-    QString path;
-    /// Why it cannot be taken in, in words.
-    QString reason;
-};
 
 /// Writes a save, sealed if the folder is.
 OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed, const Dot &dot,
@@ -56,12 +48,15 @@ struct ExchangeRound
     QSet<QString> verified = {};
     /// Snapshots that could not be taken in.
     QSet<QString> refused = {};
+    sealedfiles::Place filesBeside = {};
+    /// Those of them that are as they should be.
+    QSet<QString> fitFiles = {};
 
     // What it finds.
     SealingStatus sealed = {};
     std::vector<qint64> written = {};
     std::vector<qint64> ownNumbers = {};
-    /// Own files that are open in a sealed folder, or sealed with a former key.
+    /// Own files that are open in a sealed folder, sealed in an open one, or sealed with a former key.
     std::vector<qint64> unfit = {};
     std::vector<ChangeFile> files = {};
     std::vector<FileProblem> problems = {};
@@ -87,13 +82,18 @@ private:
     };
     void listOwn();
     Result<ChangeFile> saveIn(const QByteArray &bytes, const Dot &dot);
+    void heed(const Error &error);
     void write();
     void read();
     void findSnapshots();
     void takeSnapshot();
     void tidy();
+    bool isWhole(const Found &snapshot);
+    void clearAwayRemoved(const DeviceId &removed);
 
     std::vector<ReplicaFolder::Entry> present = {};
+    /// Those of them that are open in a sealed folder, sealed in an open one, or sealed with another key.
+    Dots unopened = {};
     std::vector<Found> snapshots = {};
 };
 

@@ -60,7 +60,7 @@ OptionalError Replica::load(const QByteArray &machine)
             // It cost each save a page; there are few saves at a time.
             "DROP INDEX IF EXISTS ObjectStoreOutgoing_waiting;"))
         return error;
-    for (const char *column : {"wall", "heard", "untold", "untoldSince", "cleared"}) {
+    for (const char *column : {"wall", "heard", "untold", "untoldSince", "cleared", "removed"}) {
         const QByteArray count =
             "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreReplicas') WHERE name = '";
         if (database.queryInteger(count + column + '\'') > 0)
@@ -69,8 +69,8 @@ OptionalError Replica::load(const QByteArray &machine)
                                           " INTEGER NOT NULL DEFAULT 0"))
             return error;
     }
-    sqlite::Statement all = database.prepare(
-        "SELECT device, number, time, machine, untold, untoldSince, cleared FROM ObjectStoreReplicas");
+    sqlite::Statement all = database.prepare("SELECT device, number, time, machine, untold, untoldSince, "
+                                             "cleared, removed FROM ObjectStoreReplicas");
     while (all.step()) {
         const DeviceId device = all.text(0).toUtf8();
         known.add(device, all.integer(1));
@@ -83,6 +83,7 @@ OptionalError Replica::load(const QByteArray &machine)
         untold = own.number > all.integer(1) ? 0 : static_cast<int>(all.integer(4));
         untoldSince = all.integer(5);
         clearedUpTo = all.integer(6);
+        removedAt = all.integer(7);
     }
     all.reset();
     if (auto error = foreignwrites::prepare(database, model))
@@ -109,6 +110,7 @@ OptionalError Replica::startAs(const QByteArray &machine)
         return error;
     own = {newDevice(), 1};
     clearedUpTo = 0;
+    removedAt = 0;
     OptionalError error = foreignwrites::forget(database);
     if (!error)
         error = bookResult(database,
@@ -217,8 +219,8 @@ OptionalError Replica::becomeAnother()
 std::vector<Device> Replica::devices() const
 {
     std::vector<Device> list;
-    sqlite::Statement all = database.prepare(
-        "SELECT device, name, number, time, seen, wall, heard FROM ObjectStoreReplicas ORDER BY device");
+    sqlite::Statement all = database.prepare("SELECT device, name, number, time, seen, wall, heard, removed "
+                                             "FROM ObjectStoreReplicas ORDER BY device");
     while (all.step()) {
         Device device{
             .id = all.text(0).toUtf8(), .name = all.text(1), .lastSave = {}, .heard = {}, .seen = {}};
@@ -231,6 +233,7 @@ std::vector<Device> Replica::devices() const
             device.heard = dateOfMilliseconds(all.integer(6));
         device.isClockAhead = !device.isOwn && wall > wallMilliseconds() + millisecondsADay;
         device.seen = device.isOwn ? known : VersionVector::fromText(all.text(4).toUtf8());
+        device.isRemoved = !device.isOwn && all.integer(7) > 0 && all.integer(7) >= device.number;
         list.push_back(std::move(device));
     }
     return list;

@@ -30,6 +30,9 @@ struct Device
     bool isClockAhead = false;
     /// What it knew when it last told.
     VersionVector seen;
+    /// Whether the user has removed it, on this device or another one, and nothing of it came since. Nobody
+    /// waits for it then.
+    bool isRemoved = false;
 };
 
 /// A store as one of several that hold the same records: it writes each commit down for the others, in the
@@ -72,10 +75,15 @@ public:
     OptionalError markUnsent(qint64 number);
 
     /// Whether the others should be told that their saves have arrived here, though nothing was saved here
-    /// for long: after fifty of them, or a day. Saves that say nothing else are not answered.
+    /// for long: after fifty of them, or a day. Saves that say nothing else are not answered. A device that
+    /// was removed tells it as soon as it hears of that, and takes part again.
     bool owesAcknowledgement() const;
     /// Tells it, with a save that changes nothing. The store must be free.
     OptionalError acknowledge();
+    /// Removes another device that is gone for good, for all devices: nobody waits for it any more. Nothing
+    /// that it wrote is lost: if it comes back, it takes in what it missed, sends what nobody has seen, and
+    /// takes part again by its next save. The store must be free. The error says why it stays.
+    OptionalError remove(const DeviceId &device);
     /// Makes a save of what other programs have written into the store, as the next commit does, too. The
     /// store must be free.
     OptionalError saveForeignWrites();
@@ -153,6 +161,8 @@ private:
     qint64 timeBeyond(RowLedger &ledger, const std::vector<RowDelta> &deltas, qint64 time) const;
     OptionalError addOutgoing(const ChangeFile &file);
     OptionalError noteDevice(const ChangeFile &file);
+    OptionalError noteRemoved(const VersionVector &removed);
+    OptionalError saveNothing(const VersionVector &removed);
     OptionalError joinDevices(const VersionVector &seen);
 
     ManagedObjectContext &context;
@@ -172,6 +182,8 @@ private:
     /// (milliseconds since 1970).
     int untold = 0;
     qint64 untoldSince = 0;
+    /// Others do not wait for this device, as long as it saves nothing beyond this.
+    qint64 removedAt = 0;
     qint64 clearedUpTo = 0;
 
     /// What the open transaction will have brought when it ends.

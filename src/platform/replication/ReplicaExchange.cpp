@@ -30,11 +30,6 @@ bool isPassing(const Error &error)
            (error.domain == u"sqlite" && std::ranges::find(codes, error.code & resultBits) != codes.end());
 }
 
-QByteArray keyMarkOf(const SealingStatus &sealed)
-{
-    return sealed.sealer ? sealed.sealer->keyMark() : QByteArray();
-}
-
 } // namespace
 
 ReplicaExchange::ReplicaExchange(Replica &exchanged, ReplicaFolder sharedFolder, TakenIn hearer,
@@ -111,6 +106,8 @@ void ReplicaExchange::startRound()
     round->sealing = sealing;
     round->verified = verified;
     round->refused = refused;
+    round->filesBeside = filesBeside;
+    round->fitFiles = fitFiles;
     thread.start([this, round, alive = std::weak_ptr(living)] {
         round->run();
         MainLoop::performDelayed(Seconds(0), [this, round, alive] {
@@ -131,13 +128,15 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     }
     const bool hasExchanged = folderProblem.isEmpty() && round.sealed.canExchange();
     sealed = std::move(round.sealed);
-    if (hasExchanged && ownKeyMark != keyMarkOf(sealed)) {
+    if (hasExchanged && ownKeyMark != sealed.keyMark()) {
         // All that lies there under another key, or open, is to be written anew.
-        ownKeyMark = keyMarkOf(sealed);
+        ownKeyMark = sealed.keyMark();
+        round.fitFiles.clear();
         hasCheckedOwnFiles = false;
         wantsAnother = true;
     }
     verified = std::move(round.verified);
+    fitFiles = std::move(round.fitFiles);
     if (round.listsOwn && hasExchanged)
         checkOwnFiles(round);
     for (ChangeFile &file : round.files)
@@ -272,10 +271,11 @@ void ReplicaExchange::takeInSome()
             takenIn(settled.value());
     }
     tell();
-    if (waiting.size() < before && !waiting.empty())
+    const bool hasTaken = waiting.size() < before;
+    if (hasTaken && !waiting.empty())
         again(Seconds(0));
-    else if (replica.owesAcknowledgement())
-        lookSoon();
+    else if (hasTaken || replica.owesAcknowledgement())
+        lookSoon(); // What others have told of having can go now.
 }
 
 /// Folders of devices that came since are watched, too.
@@ -322,6 +322,7 @@ Health ReplicaExchange::health() const
 {
     Health health;
     health.devices = replica.devices();
+    std::erase_if(health.devices, [](const Device &device) { return device.isRemoved; });
     health.unsent = replica.unsentCount();
     health.waiting = static_cast<int>(waiting.size());
     health.problems = problems;

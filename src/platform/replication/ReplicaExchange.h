@@ -16,6 +16,7 @@ struct Health
 {
     using Problem = FileProblem;
 
+    /// Without those that were removed.
     std::vector<Device> devices;
     /// Saves of this device that are not in the folder yet.
     int unsent = 0;
@@ -55,6 +56,8 @@ public:
     void sendNow();
     /// To be called when the folder was sealed, or its key was entered.
     void sealingChanged();
+    /// Files that travel beside the saves, and are sealed with them.
+    void setFilesBeside(sealedfiles::Place place) { filesBeside = std::move(place); }
     /// While it rests, nothing goes out or comes in.
     void setResting(bool isOn);
     Health health() const;
@@ -95,6 +98,8 @@ private:
     QString arrivedMark;
     QSet<QString> verified;
     QSet<QString> refused;
+    sealedfiles::Place filesBeside;
+    QSet<QString> fitFiles;
     bool isMaking = false;
     /// Whoever makes a snapshot stops then.
     std::atomic<bool> isEnding = false;

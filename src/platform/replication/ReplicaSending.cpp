@@ -192,19 +192,43 @@ OptionalError Replica::saveForeignWrites()
 bool Replica::owesAcknowledgement() const
 {
     constexpr int most = 50;
-    return untold >= most || (untold > 0 && wallMilliseconds() >= untoldSince + millisecondsADay);
+    const bool isRemoved = removedAt > 0 && removedAt >= own.number;
+    return isRemoved || untold >= most ||
+           (untold > 0 && wallMilliseconds() >= untoldSince + millisecondsADay);
 }
 
 OptionalError Replica::acknowledge()
 {
+    return saveNothing({});
+}
+
+OptionalError Replica::remove(const DeviceId &device)
+{
+    if (device == own.device)
+        return Error{QStringLiteral("replication"), 0, QStringLiteral("This computer cannot be removed")};
+    // A former device of this computer can have saved nothing.
+    VersionVector removed;
+    removed.add(device, std::max(qint64(1), known.of(device)));
+    if (!isFree())
+        return Error{QStringLiteral("replication"), 0,
+                     QStringLiteral("Your records are being changed. Please try again")};
+    return saveNothing(removed);
+}
+
+/// A save that changes no row.
+OptionalError Replica::saveNothing(const VersionVector &removed)
+{
     const Dot dot{own.device, own.number + 1};
-    const ChangeFile file = fileOf({}, nextTime(), dot);
+    ChangeFile file = fileOf({}, nextTime(), dot);
+    file.removed = removed;
     VersionVector seen = known;
     seen.add(dot.device, dot.number);
     if (auto error = database.execute("BEGIN IMMEDIATE"))
         return error;
     const int formerlyUntold = std::exchange(untold, 0);
     OptionalError error = addOutgoing(file);
+    if (!error)
+        error = noteRemoved(removed);
     if (!error)
         error = writeOwn(dot.number, file.time, seen);
     if (!error)

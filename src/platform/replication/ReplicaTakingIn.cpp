@@ -39,6 +39,19 @@ OptionalError Replica::noteDevice(const ChangeFile &file)
                                     .run());
 }
 
+OptionalError Replica::noteRemoved(const VersionVector &removed)
+{
+    for (const auto &[device, number] : removed.entries()) {
+        sqlite::Statement statement =
+            database.prepare("UPDATE ObjectStoreReplicas SET removed = MAX(removed, ?) WHERE device = ?");
+        if (!statement.bind(number).bind(QString::fromUtf8(device)).run())
+            return bookFailure(database);
+        if (device == own.device)
+            removedAt = std::max(removedAt, number);
+    }
+    return std::nullopt;
+}
+
 Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostChanges)
 {
     // What other programs wrote before comes before.
@@ -47,6 +60,7 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
     const VersionVector before = known;
     const qint64 clockBefore = clock;
     const int untoldBefore = untold;
+    const qint64 removedBefore = removedAt;
     std::deque<ChangeFile> rest = waiting;
     const QScopedValueRollback guard(isTakingIn, true);
     auto changes = context.changeRows(
@@ -77,6 +91,8 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
                     }
                     if (auto error = noteDevice(*file))
                         return *error;
+                    if (auto error = noteRemoved(file->removed))
+                        return *error;
                     taken += static_cast<int>(deltas->size()) + 1;
                     known.add(file->dot.device, file->dot.number);
                     clock = std::max(clock, believed(file->time));
@@ -97,6 +113,7 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
         known = before;
         clock = clockBefore;
         untold = untoldBefore;
+        removedAt = removedBefore;
         return changes.error();
     }
     waiting = std::move(rest);
@@ -106,10 +123,16 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
 /// What a snapshot knows of the devices.
 OptionalError Replica::joinDevices(const VersionVector &seen)
 {
-    sqlite::Statement all = database.prepare(
-        "SELECT device, name, number, time, seen, wall, heard FROM arriving.ObjectStoreReplicas");
+    // Snapshots of former versions do not say who was removed.
+    const bool tellsRemoved = database.queryInteger("SELECT COUNT(*) FROM arriving.pragma_table_info("
+                                                    "'ObjectStoreReplicas') WHERE name = 'removed'") > 0;
+    VersionVector removed;
+    sqlite::Statement all =
+        database.prepare("SELECT device, name, number, time, seen, wall, heard, " +
+                         QByteArray(tellsRemoved ? "removed" : "0") + " FROM arriving.ObjectStoreReplicas");
     while (all.step()) {
         const DeviceId device = all.text(0).toUtf8();
+        removed.add(device, all.integer(7));
         if (device == own.device || all.integer(2) <= known.of(device))
             continue;
         sqlite::Statement statement = database.prepare(
@@ -127,6 +150,8 @@ OptionalError Replica::joinDevices(const VersionVector &seen)
             return bookFailure(database);
         clock = std::max(clock, believed(all.integer(3)));
     }
+    if (auto error = noteRemoved(removed))
+        return error;
     known.add(seen);
     constexpr int many = 1000;
     untold += many;
@@ -147,6 +172,7 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
     const VersionVector before = known;
     const qint64 clockBefore = clock;
     const int untoldBefore = untold;
+    const qint64 removedBefore = removedAt;
     std::vector<RowKey> ownRows;
     const QScopedValueRollback guard(isTakingIn, true);
     // So many pages change that they would be written several times.
@@ -173,6 +199,7 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
         known = before;
         clock = clockBefore;
         untold = untoldBefore;
+        removedAt = removedBefore;
     }
     if (auto error = database.execute("PRAGMA foreign_keys = ON; PRAGMA main.cache_size = " + formerCache))
         return *error;

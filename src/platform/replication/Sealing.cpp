@@ -5,46 +5,29 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRandomGenerator>
+
+#include <algorithm>
 
 namespace replication {
 
 namespace {
 
-const QByteArray sealMark = "MVSEALED";
-constexpr qsizetype keyMarkLength = 8;
-constexpr int keyFormat = 1;
-/// What the check value holds.
-const QByteArray checkText = "Morvane";
-const QString checkName = QStringLiteral("key");
-
-namespace field {
-const QString format = QStringLiteral("format");
-const QString salt = QStringLiteral("salt");
-const QString opsLimit = QStringLiteral("opsLimit");
-const QString memLimit = QStringLiteral("memLimit");
-const QString algorithm = QStringLiteral("algorithm");
-const QString check = QStringLiteral("check");
+namespace keptfield {
 const QString folder = QStringLiteral("folder");
-const QString terms = QStringLiteral("terms");
+const QString files = QStringLiteral("files");
+const QString keys = QStringLiteral("keys");
+const QString mark = QStringLiteral("mark");
 const QString key = QStringLiteral("key");
-} // namespace field
+/// Of files of former versions, which know one key.
+const QString terms = QStringLiteral("terms");
+} // namespace keptfield
 
 Error sealingError(const char *why)
 {
     return {QStringLiteral("sealing"), 0, QString::fromUtf8(why)};
-}
-
-QByteArray bytesOf(const QJsonValue &value)
-{
-    return QByteArray::fromBase64(value.toString().toLatin1());
-}
-
-QString base64(const QByteArray &bytes)
-{
-    return QString::fromLatin1(bytes.toBase64());
 }
 
 /// The same letters typed on another system may be other bytes.
@@ -53,91 +36,59 @@ QByteArray bytesOfPassphrase(const QString &passphrase)
     return passphrase.normalized(QString::NormalizationForm_C).toUtf8();
 }
 
+QByteArray bytesIn(const QJsonValue &value)
+{
+    return QByteArray::fromBase64(value.toString().toLatin1());
+}
+
 const char *const noLibrary = "The part of Morvane that opens sealed files is not installed";
 const char *const noKey = "The folder is sealed, and its passphrase was not entered on this computer";
-const char *const badKeyFile = "The file \"key\" of the folder cannot be read";
+const char *const otherKey =
+    "The passphrase of the folder was changed, and the new one was not entered on this computer";
+
+/// The keys that are known, with one of them first.
+std::vector<SealingKey> ringOf(std::vector<SealingKey> keys, const QByteArray &first)
+{
+    const auto found = std::ranges::find(keys, first, &SealingKey::mark);
+    if (found != keys.end())
+        std::rotate(keys.begin(), found, found + 1);
+    return keys;
+}
+
+void addTo(std::vector<SealingKey> &keys, const std::vector<SealingKey> &more)
+{
+    for (const SealingKey &one : more) {
+        if (keyOfMark(keys, one.mark).isEmpty())
+            keys.push_back(one);
+    }
+}
 
 } // namespace
 
-// One key.
+// What a status says of files.
 
-Sealer::Sealer(const Cipher &with, QByteArray sealingKey, const QByteArray &salt)
-    : cipher(with)
-    , key(std::move(sealingKey))
-    , mark(salt.left(keyMarkLength))
-{}
-
-qsizetype Sealer::headLength()
+Result<QByteArray> SealingStatus::opened(const QByteArray &bytes, const QString &name) const
 {
-    return sealMark.size() + keyMarkLength;
+    if (sealer)
+        return sealer->open(bytes, name);
+    if (!Sealer::isSealed(bytes))
+        return bytes;
+    if (!marks.contains(Sealer::keyMarkIn(bytes)))
+        return Error{QStringLiteral("sealing"), unknownKey,
+                     QStringLiteral("It is sealed, and the file \"key\" of the folder has not come yet")};
+    return formerSealer ? formerSealer->open(bytes, name)
+                        : sealingError("It is sealed with another passphrase");
 }
 
-bool Sealer::isSealed(const QByteArray &head)
-{
-    return head.startsWith(sealMark);
-}
-
-bool Sealer::isOwnSeal(const QByteArray &head) const
-{
-    return head.startsWith(sealMark + mark);
-}
-
-Result<QByteArray> Sealer::seal(const QByteArray &bytes, const QString &name) const
-{
-    const QByteArray head = sealMark + mark;
-    const QByteArray sealed = cipher.encrypt(bytes, head + name.toUtf8(), key);
-    if (sealed.isEmpty())
-        return sealingError("It cannot be sealed");
-    return head + sealed;
-}
-
-Result<QByteArray> Sealer::open(const QByteArray &bytes, const QString &name) const
-{
-    if (!isSealed(bytes))
-        return sealingError("It is not sealed");
-    if (!isOwnSeal(bytes))
-        return sealingError("It is sealed with another passphrase");
-    const auto content =
-        cipher.decrypt(bytes.mid(headLength()), bytes.left(headLength()) + name.toUtf8(), key);
-    if (!content)
-        return sealingError("It is sealed, and was changed or is not complete");
-    return *content;
-}
-
-// The key of a folder.
-
-/// What lies in the folder.
-struct Sealing::KeyFile
-{
-    KeyTerms terms;
-    QByteArray check;
-
-    bool isWhole() const { return terms.salt.size() >= keyMarkLength && !check.isEmpty(); }
-    QJsonObject toJson() const
-    {
-        return {{field::format, keyFormat},
-                {field::salt, base64(terms.salt)},
-                {field::opsLimit, qint64(terms.opsLimit)},
-                {field::memLimit, qint64(terms.memLimit)},
-                {field::algorithm, terms.algorithm},
-                {field::check, base64(check)}};
-    }
-    static KeyFile fromJson(const QJsonObject &json)
-    {
-        if (json.value(field::format).toInt() != keyFormat)
-            return {};
-        return {{bytesOf(json.value(field::salt)), quint64(json.value(field::opsLimit).toInteger()),
-                 quint64(json.value(field::memLimit).toInteger()), json.value(field::algorithm).toInt()},
-                bytesOf(json.value(field::check))};
-    }
-};
+// The keys of this device.
 
 /// What this device keeps.
-struct Sealing::KeptKey
+struct Sealing::Kept
 {
-    QString folder;
-    KeyFile file;
-    QByteArray key;
+    /// Empty if nothing is kept.
+    QString folder = {};
+    KeyFiles files = {};
+    std::vector<SealingKey> keys = {};
 };
 
 Sealing::Sealing(QString contentFolder, QString keptKeyPath, const QString &libraryPath)
@@ -150,123 +101,227 @@ Sealing::Sealing(QString contentFolder, QString keptKeyPath, const QString &libr
 
 const Cipher *Sealing::cipher() const
 {
-    const std::scoped_lock lock(libraryMutex);
     const auto make =
         reinterpret_cast<decltype(morvaneSealingCipher) *>(library.resolve("morvaneSealingCipher"));
     return make ? make() : nullptr;
 }
 
-/// Absent if there is none; the error says that it cannot be read, as while it is being transferred.
-Result<std::optional<Sealing::KeyFile>> Sealing::keyFile() const
-{
-    QFile file(keyFilePath());
-    if (!file.exists())
-        return std::optional<KeyFile>();
-    if (!file.open(QIODevice::ReadOnly))
-        return sealingError(badKeyFile);
-    const auto content = KeyFile::fromJson(QJsonDocument::fromJson(file.readAll()).object());
-    if (!content.isWhole())
-        return sealingError(badKeyFile);
-    return std::optional(content);
-}
-
-/// Writes the file of the folder, but never over one that is there.
-OptionalError Sealing::publish(const KeyFile &file) const
-{
-    const QString draft =
-        folder + QStringLiteral("/.key.") + QString::number(QRandomGenerator::system()->generate64(), 16);
-    PrivateFiles::makeFolder(folder);
-    if (auto error = writeFileAtomically(draft, QJsonDocument(file.toJson()).toJson()))
-        return error;
-    // It does not replace a file that is there.
-    if (QFile::rename(draft, keyFilePath()))
-        return std::nullopt;
-    QFile::remove(draft);
-    return QFile::exists(keyFilePath())
-               ? sealingError("Another computer has sealed the folder. Please enter its passphrase")
-               : sealingError("The folder cannot be written to");
-}
-
-std::optional<Sealing::KeptKey> Sealing::keptKey() const
+Sealing::Kept Sealing::kept() const
 {
     QFile file(keptPath);
     if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
+        return {};
     const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
-    KeptKey kept{json.value(field::folder).toString(), KeyFile::fromJson(json.value(field::terms).toObject()),
-                 bytesOf(json.value(field::key))};
-    return kept.file.isWhole() && !kept.key.isEmpty() ? std::optional(std::move(kept)) : std::nullopt;
+    Kept found{.folder = json.value(keptfield::folder).toString()};
+    QJsonArray files = json.value(keptfield::files).toArray();
+    if (json.contains(keptfield::terms))
+        files.append(json.value(keptfield::terms));
+    for (const QJsonValue &one : files) {
+        KeyFile content = KeyFile::fromJson(one.toObject());
+        if (content.isWhole())
+            found.files.insert_or_assign(content.name(), std::move(content));
+    }
+    for (const QJsonValue &one : json.value(keptfield::keys).toArray())
+        found.keys.push_back(
+            {bytesIn(one.toObject().value(keptfield::mark)), bytesIn(one.toObject().value(keptfield::key))});
+    if (json.contains(keptfield::key) && !found.files.empty())
+        found.keys.push_back({found.files.begin()->second.mark(), bytesIn(json.value(keptfield::key))});
+    return found.keys.empty() ? Kept() : found;
 }
 
-OptionalError Sealing::keep(const KeyFile &file, const QByteArray &key) const
+OptionalError Sealing::keep(const Kept &kept) const
 {
+    if (kept.keys.empty()) {
+        QFile::remove(keptPath);
+        return std::nullopt;
+    }
+    QJsonArray files;
+    for (const auto &[name, file] : kept.files)
+        files.append(file.toJson());
+    QJsonArray keys;
+    for (const SealingKey &one : kept.keys)
+        keys.append(QJsonObject{{keptfield::mark, QString::fromLatin1(one.mark.toBase64())},
+                                {keptfield::key, QString::fromLatin1(one.key.toBase64())}});
     PrivateFiles::makeFolder(QFileInfo(keptPath).path());
-    const QJsonObject json{{field::folder, folder}, {field::terms, file.toJson()}, {field::key, base64(key)}};
+    const QJsonObject json{
+        {keptfield::folder, kept.folder}, {keptfield::files, files}, {keptfield::keys, keys}};
     // A file that is there keeps its mode.
     PrivateFiles::narrow(keptPath);
     return writeFileAtomically(keptPath, QJsonDocument(json).toJson());
 }
 
+// The folder.
+
+/// The key files of the folder, those included that this device alone still has: it publishes them.
+Result<KeyFiles> Sealing::filesWith(const Kept &kept) const
+{
+    auto files = keyfiles::readFrom(folder);
+    if (!files || kept.folder != folder)
+        return files;
+    for (const auto &[name, file] : kept.files) {
+        if (files->contains(name))
+            continue;
+        if (auto error = keyfiles::publish(folder, file))
+            return *error;
+        files->insert({name, file});
+    }
+    return files;
+}
+
 SealingStatus Sealing::look() const
 {
-    const auto inFolder = keyFile();
-    if (!inFolder)
-        return {SealingState::Unusable, nullptr, inFolder.error().message};
-    const auto kept = keptKey();
-    if (!inFolder.value()) {
-        if (!kept || kept->folder != folder)
-            return {};
-        // Without the file, other devices would take the folder for an open one.
-        if (const auto error = publish(kept->file))
-            return {SealingState::Unusable, nullptr, error->message};
-    } else if (!kept || kept->file.terms.salt != inFolder.value()->terms.salt) {
-        return {SealingState::NeedsPassphrase, nullptr, QString::fromUtf8(noKey)};
+    const std::scoped_lock lock(mutex);
+    return lookNow();
+}
+
+SealingStatus Sealing::lookNow() const
+{
+    Kept known = kept();
+    auto files = filesWith(known);
+    if (!files)
+        return {.state = SealingState::Unusable, .problem = files.error().message};
+    const KeyFile *current = currentKeyFile(*files, known.keys);
+    if (!current)
+        return {};
+    const bool isEnded = current->isEnd();
+    // Loading it takes a while, and an open folder has no use for it.
+    const Cipher *with = cipher();
+    if (!isEnded && keyOfMark(known.keys, current->mark()).isEmpty()) {
+        const bool hadKey = known.folder == folder;
+        SealingStatus status{.state = SealingState::NeedsPassphrase,
+                             .problem = QString::fromUtf8(hadKey ? otherKey : noKey)};
+        if (hadKey && with)
+            status.formerSealer = std::make_shared<Sealer>(*with, known.keys);
+        return status;
     }
+    if (!with && !isEnded)
+        return {.state = SealingState::Unusable, .problem = QString::fromUtf8(noLibrary)};
+    // What came from others is kept, too, lest it be lost with the folder.
+    if (known.folder == folder && known.files.size() < files->size()) {
+        known.files = *files;
+        if (const auto error = keep(known))
+            return {.state = SealingState::Unusable, .problem = error->message};
+    }
+    SealingStatus status;
+    for (const auto &[name, file] : *files) {
+        if (!file.isEnd())
+            status.marks.insert(file.mark());
+    }
+    if (isEnded) {
+        if (with && !known.keys.empty())
+            status.formerSealer = std::make_shared<Sealer>(*with, known.keys);
+    } else {
+        status.state = SealingState::Sealed;
+        status.sealer = std::make_shared<Sealer>(*with, ringOf(known.keys, current->mark()));
+    }
+    return status;
+}
+
+/// What is kept comes before what is published: who is interrupted in between finishes it at the next look.
+OptionalError Sealing::bring(const KeyFile &file, const std::vector<SealingKey> &keys) const
+{
+    const Kept before = kept();
+    Kept after = before.folder == folder ? before : Kept{.folder = folder};
+    if (auto files = keyfiles::readFrom(folder)) {
+        for (const auto &[name, one] : *files)
+            after.files.insert_or_assign(name, one);
+    }
+    after.files.insert_or_assign(file.name(), file);
+    addTo(after.keys, keys);
+    if (auto error = keep(after))
+        return error;
+    auto error = keyfiles::publish(folder, file);
+    if (error) {
+        // If that fails, too, it is published later.
+        if (const auto second = keep(before))
+            error->message = second->message;
+    }
+    return error;
+}
+
+OptionalError Sealing::addKey(const QString &passphrase) const
+{
     const Cipher *with = cipher();
     if (!with)
-        return {SealingState::Unusable, nullptr, QString::fromUtf8(noLibrary)};
-    return {SealingState::Sealed, std::make_shared<Sealer>(*with, kept->key, kept->file.terms.salt), {}};
+        return sealingError(noLibrary);
+    const Kept known = kept();
+    auto files = filesWith(known);
+    if (!files)
+        return files.error();
+    const KeyFile *current = currentKeyFile(*files, known.keys);
+    const KeyTerms terms = with->newTerms();
+    const QByteArray key = with->keyOf(bytesOfPassphrase(passphrase), terms);
+    if (key.isEmpty())
+        return sealingError("There is not enough memory for making the key");
+    const bool hasFormer = known.folder == folder || current;
+    const std::vector<SealingKey> before = hasFormer ? known.keys : std::vector<SealingKey>();
+    auto file = KeyFile::ofKey(*with, current ? current->generation + 1 : 1, terms, key, before);
+    if (!file)
+        return file.error();
+    std::vector<SealingKey> all = before;
+    all.push_back({file->mark(), key});
+    return bring(*file, all);
 }
 
 OptionalError Sealing::begin(const QString &passphrase) const
 {
-    const Cipher *with = cipher();
-    if (!with)
+    const std::scoped_lock lock(mutex);
+    if (!cipher())
         return sealingError(noLibrary);
-    if (look().state != SealingState::Open)
+    if (lookNow().state != SealingState::Open)
         return sealingError("The folder is sealed already");
-    KeyFile file{with->newTerms(), {}};
-    const QByteArray key = with->keyOf(bytesOfPassphrase(passphrase), file.terms);
-    if (key.isEmpty())
-        return sealingError("There is not enough memory for making the key");
-    auto check = Sealer(*with, key, file.terms.salt).seal(checkText, checkName);
-    if (!check)
-        return check.error();
-    file.check = *check;
-    // If the key is not kept then, the passphrase can be entered again.
-    if (auto error = publish(file))
-        return error;
-    return keep(file, key);
+    return addKey(passphrase);
+}
+
+OptionalError Sealing::change(const QString &passphrase) const
+{
+    const std::scoped_lock lock(mutex);
+    const SealingStatus status = lookNow();
+    if (status.state != SealingState::Sealed)
+        return sealingError(status.canExchange() ? "The folder is not sealed any more" : noKey);
+    return addKey(passphrase);
+}
+
+OptionalError Sealing::end() const
+{
+    const std::scoped_lock lock(mutex);
+    const SealingStatus status = lookNow();
+    if (status.state != SealingState::Sealed)
+        return sealingError(status.canExchange() ? "The folder is not sealed any more" : noKey);
+    const Kept known = kept();
+    auto files = filesWith(known);
+    if (!files)
+        return files.error();
+    const KeyFile *current = currentKeyFile(*files, known.keys);
+    return bring(current->endedWith(keyOfMark(known.keys, current->mark())), known.keys);
 }
 
 OptionalError Sealing::enter(const QString &passphrase) const
 {
+    const std::scoped_lock lock(mutex);
     const Cipher *with = cipher();
     if (!with)
         return sealingError(noLibrary);
-    const auto file = keyFile();
-    if (!file)
-        return file.error();
-    if (!file.value())
+    const Kept known = kept();
+    auto files = filesWith(known);
+    if (!files)
+        return files.error();
+    const KeyFile *current = currentKeyFile(*files, known.keys);
+    if (!current)
         return sealingError("The file \"key\" of the folder has not come yet");
-    const KeyTerms &terms = file.value()->terms;
-    const QByteArray key = with->keyOf(bytesOfPassphrase(passphrase), terms);
+    if (current->isEnd())
+        return sealingError("The folder is not sealed any more");
+    const QByteArray key = with->keyOf(bytesOfPassphrase(passphrase), current->terms);
     if (key.isEmpty())
         return sealingError("The key cannot be made: the file \"key\" is damaged, or memory is short");
-    const auto check = Sealer(*with, key, terms.salt).open(file.value()->check, checkName);
-    if (!check || check.value() != checkText)
+    const auto keys = current->keysWith(*with, key);
+    if (!keys)
         return sealingError("This is not the passphrase of the folder");
-    return keep(*file.value(), key);
+    Kept after{.folder = folder, .files = *files, .keys = *keys};
+    // A key that lost against this one still opens what this device sealed with it.
+    if (known.folder == folder)
+        addTo(after.keys, known.keys);
+    return keep(after);
 }
 
 } // namespace replication

@@ -1,45 +1,14 @@
 #pragma once
 
-#include "foundation/Error.h"
-#include "replication/Cipher.h"
+#include "replication/KeyFile.h"
 
 #include <QLibrary>
-#include <QString>
 
 #include <memory>
 #include <mutex>
+#include <set>
 
 namespace replication {
-
-/// Seals files with one key, so that nobody without it can read or change them. It hides neither their sizes
-/// nor their names. Any thread.
-class Sealer
-{
-public:
-    /// \param cipher must outlive it.
-    Sealer(const Cipher &cipher, QByteArray sealingKey, const QByteArray &salt);
-
-    /// \param name of the file; it can be opened under this name only. The error says why it cannot be
-    /// sealed.
-    Result<QByteArray> seal(const QByteArray &bytes, const QString &name) const;
-    /// What was sealed. The error says why the bytes cannot be opened: not sealed, sealed with another key,
-    /// changed, cut off, or the file of another name.
-    Result<QByteArray> open(const QByteArray &bytes, const QString &name) const;
-    /// Tells the key from others, and tells nothing of it.
-    const QByteArray &keyMark() const { return mark; }
-
-    /// How many bytes of a file say under which key it is sealed.
-    static qsizetype headLength();
-    /// Whether a file that begins so is a sealed one.
-    static bool isSealed(const QByteArray &head);
-    /// Whether a file that begins so is sealed with this key.
-    bool isOwnSeal(const QByteArray &head) const;
-
-private:
-    const Cipher &cipher;
-    QByteArray key;
-    QByteArray mark;
-};
 
 enum class SealingState {
     /// The folder is not sealed.
@@ -58,25 +27,51 @@ struct SealingStatus
     SealingState state = SealingState::Open;
     /// Only if sealed.
     std::shared_ptr<const Sealer> sealer = {};
+    /// Opens what is sealed with former keys, in a folder whose sealing ended or whose new key this device
+    /// does not have; null without any.
+    std::shared_ptr<const Sealer> formerSealer = {};
+    /// The marks of all keys that the folder has had.
+    std::set<QByteArray> marks = {};
     /// Why nothing can be exchanged, in words; empty if it can.
     QString problem = {};
+
     bool canExchange() const { return problem.isEmpty(); }
+    /// Of the key that seals; empty if none does.
+    QByteArray keyMark() const { return sealer ? sealer->keyMark() : QByteArray(); }
+    /// Whether a file that begins so is as a file is to be written now.
+    bool isFit(const QByteArray &head) const { return Sealer::keyMarkIn(head) == keyMark(); }
+    /// What is in a file. In a sealed folder an open file is an error, in an open one a sealed file is, if
+    /// its key is not known. Then the code is `unknownKey`: the folder is sealed, though nothing else says
+    /// so.
+    Result<QByteArray> opened(const QByteArray &bytes, const QString &name) const;
+    static constexpr int unknownKey = 1;
 };
 
 /// Whether the folder that the devices share is sealed, and the key of this device.
 ///
-/// A folder is sealed once it holds a file `key`, which is written once: how the key is made from the
-/// passphrase, and a check value that only the right key opens. Each device keeps the key itself, but not the
-/// passphrase, in a file for its owner only. Only the saves in the folder are sealed; pictures, which lie in
-/// a folder beside it, are not. A folder for which this device has a key never counts as open again, even if
-/// the file `key` has gone: it is then written anew.
+/// The folder says so by key files (see `KeyFile`), which follow each other: the first brings a key, the next
+/// another key or the end of the sealing. The latest counts; where two devices each wrote the next one, that
+/// is the same one everywhere, and one that seals. Each key file also holds the keys before it, sealed, so
+/// that who has the latest key reads all that was ever sealed. Nothing else tells the new key, so that
+/// whoever knows a former passphrase, or has a stolen computer, does not read what is written afterwards.
+///
+/// - A device that has a former key goes on with it until the new key file arrives; what it writes, all can
+///   read. Then it exchanges nothing until the new passphrase is entered, and afterwards seals its own files
+///   anew. What is sealed with a key that has not arrived waits.
+/// - The end discloses a value that only who had the key can know and of which the key file holds the digest,
+///   so that every device, even one that never had the key, believes this end and no other. Until it arrives,
+///   a device goes on sealing. Then each device rewrites its own files open.
+/// - A device keeps the keys, not the passphrase, in a file for its owner only, together with the key files.
+///   What it keeps stands before it is published: a change that was interrupted is finished at the next look,
+///   and a key file that has gone from the folder is written again. So a sealed folder never counts as open
+///   just because a file is missing.
 ///
 /// All files are read at each call. Any thread.
 class Sealing
 {
 public:
     /// \param contentFolder where the devices exchange their saves.
-    /// \param keptKeyPath where this device keeps the key.
+    /// \param keptKeyPath where this device keeps its keys.
     /// \param libraryPath the library that seals, without its suffix; loaded when it is needed.
     Sealing(QString contentFolder, QString keptKeyPath, const QString &libraryPath);
 
@@ -88,20 +83,24 @@ public:
     /// Gives this device the key of a sealed folder. It takes a second. The error says that the passphrase is
     /// another one, or why the key cannot be made or kept.
     OptionalError enter(const QString &passphrase) const;
+    /// Seals with a new key from now on. It takes a second. The error says why the former one stays.
+    OptionalError change(const QString &passphrase) const;
+    /// Ends the sealing for all devices. The error says why the folder stays sealed.
+    OptionalError end() const;
 
 private:
-    struct KeyFile;
-    struct KeptKey;
+    struct Kept;
     const Cipher *cipher() const;
-    QString keyFilePath() const { return folder + QStringLiteral("/key"); }
-    Result<std::optional<KeyFile>> keyFile() const;
-    OptionalError publish(const KeyFile &file) const;
-    std::optional<KeptKey> keptKey() const;
-    OptionalError keep(const KeyFile &file, const QByteArray &key) const;
+    SealingStatus lookNow() const;
+    Result<KeyFiles> filesWith(const Kept &kept) const;
+    OptionalError addKey(const QString &passphrase) const;
+    OptionalError bring(const KeyFile &file, const std::vector<SealingKey> &keys) const;
+    Kept kept() const;
+    OptionalError keep(const Kept &kept) const;
 
     QString folder;
     QString keptPath;
-    mutable std::mutex libraryMutex;
+    mutable std::mutex mutex;
     mutable QLibrary library;
 };
 

@@ -92,9 +92,9 @@ private:
 class PartReader
 {
 public:
-    PartReader(QIODevice &device, const Sealer *cipher, QString fileName)
+    PartReader(QIODevice &device, const SealingStatus &status, QString fileName)
         : file(device)
-        , sealer(cipher)
+        , sealed(status)
         , name(std::move(fileName))
     {}
     Result<QByteArray> read(int part)
@@ -108,17 +108,16 @@ public:
         const QByteArray bytes = file.read(length);
         if (QCryptographicHash::hash(bytes, QCryptographicHash::Sha256) != begin.mid(lengthSize))
             return failure(QStringLiteral("It is not complete"));
-        if (sealer)
-            return sealer->open(bytes, partName(name, part));
-        if (Sealer::isSealed(bytes))
-            return failure(
-                QStringLiteral("It is sealed, and the file \"key\" of the folder has not come yet"));
-        return bytes;
+        mark = Sealer::keyMarkIn(bytes);
+        return sealed.opened(bytes, partName(name, part));
     }
+    /// Of the key of the part that was read last.
+    const QByteArray &keyMark() const { return mark; }
 
 private:
     QIODevice &file;
-    const Sealer *sealer;
+    const SealingStatus &sealed;
+    QByteArray mark;
     QString name;
 };
 
@@ -149,6 +148,7 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
     found.head.dot = {map.value(headkey::Device).toString().toUtf8(), map.value(headkey::Number).toInteger()};
     found.head.seen = VersionVector::fromText(map.value(headkey::Seen).toString().toUtf8());
     found.head.size = file.size();
+    found.head.keyMark = reader.keyMark();
     found.parts = static_cast<int>(map.value(headkey::Parts).toInteger());
     // The parts before it was known how long they become.
     const qint64 expected = file.pos() + map.value(headkey::Size).toInteger();
@@ -184,14 +184,14 @@ QByteArray extraction(const ManagedObjectModel &model)
         "CREATE TABLE copy.ObjectStoreParked (tbl TEXT NOT NULL, id TEXT NOT NULL, col TEXT NOT NULL, value,"
         " PRIMARY KEY (tbl, id, col)) WITHOUT ROWID;"
         "CREATE TABLE copy.ObjectStoreReplicas (device TEXT PRIMARY KEY NOT NULL, name TEXT, number INTEGER,"
-        " time INTEGER, seen TEXT, wall INTEGER, heard INTEGER) WITHOUT ROWID;"
+        " time INTEGER, seen TEXT, wall INTEGER, heard INTEGER, removed INTEGER) WITHOUT ROWID;"
         "INSERT INTO copy.ObjectStoreRowStates SELECT tbl, id, stamp, device, events, buried, deletions FROM"
         " main.ObjectStoreRowStates;"
         "INSERT INTO copy.ObjectStoreCellStamps SELECT tbl, id, col, stamp, device FROM"
         " main.ObjectStoreCellStamps;"
         "INSERT INTO copy.ObjectStoreParked SELECT tbl, id, col, value FROM main.ObjectStoreParked;"
-        "INSERT INTO copy.ObjectStoreReplicas SELECT device, name, number, time, seen, wall, heard FROM"
-        " main.ObjectStoreReplicas;"
+        "INSERT INTO copy.ObjectStoreReplicas SELECT device, name, number, time, seen, wall, heard,"
+        " removed FROM main.ObjectStoreReplicas;"
         // The number of the last save stands with the save.
         "UPDATE copy.ObjectStoreReplicas SET number = MAX(number, (SELECT IFNULL(MAX(number), 0) FROM"
         " main.ObjectStoreOutgoing)) WHERE device = (SELECT device FROM main.ObjectStoreReplicas WHERE"
@@ -275,19 +275,19 @@ OptionalError pack(const SnapshotHead &head, const QString &databasePath, const 
     return file.commit() ? std::nullopt : OptionalError(failure(file.errorString()));
 }
 
-Result<SnapshotHead> readHead(const QString &path, const Sealer *sealer, const QString &name)
+Result<SnapshotHead> readHead(const QString &path, const SealingStatus &sealed, const QString &name)
 {
     QFile file(path);
-    PartReader reader(file, sealer, name);
+    PartReader reader(file, sealed, name);
     auto found = headOf(file, reader);
     return found ? Result<SnapshotHead>(found->head) : Result<SnapshotHead>(found.error());
 }
 
-Result<SnapshotHead> unpack(const QString &path, const Sealer *sealer, const QString &name,
+Result<SnapshotHead> unpack(const QString &path, const SealingStatus &sealed, const QString &name,
                             const QString &databasePath)
 {
     QFile file(path);
-    PartReader reader(file, sealer, name);
+    PartReader reader(file, sealed, name);
     auto found = headOf(file, reader);
     if (!found)
         return found.error();

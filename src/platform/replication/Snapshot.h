@@ -21,6 +21,8 @@ struct SnapshotHead
     VersionVector seen;
     /// Of the whole file, in bytes.
     qint64 size = 0;
+    /// Of the key that it is sealed with; empty if it is open.
+    QByteArray keyMark = {};
 };
 
 /// All that a store holds for its devices, in one file: it takes the place of the saves of which it came
@@ -41,11 +43,11 @@ OptionalError pack(const SnapshotHead &head, const QString &databasePath, const 
                    const QString &name, const QString &path);
 /// What a snapshot says of itself, without reading it to its end. The error says why it is none, cut off
 /// included.
-Result<SnapshotHead> readHead(const QString &path, const Sealer *sealer, const QString &name);
+Result<SnapshotHead> readHead(const QString &path, const SealingStatus &sealed, const QString &name);
 /// Writes the database in a snapshot to a file, or only reads all of it. The error says why it is damaged,
 /// or cannot be written; then no file is left.
 /// \param databasePath empty for reading only.
-Result<SnapshotHead> unpack(const QString &path, const Sealer *sealer, const QString &name,
+Result<SnapshotHead> unpack(const QString &path, const SealingStatus &sealed, const QString &name,
                             const QString &databasePath);
 
 } // namespace snapshot

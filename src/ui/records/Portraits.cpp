@@ -8,7 +8,7 @@
 #include "widgets/Theme.h"
 
 #include <QApplication>
-#include <QFile>
+#include <QBuffer>
 #include <QPainter>
 
 using namespace Qt::Literals::StringLiterals;
@@ -68,8 +68,9 @@ void Portraits::readNext()
     isReading = true;
     const Wanted wanted = queue.back();
     queue.pop_back();
-    thread.start([this, wanted] {
-        QFile file(wanted.path);
+    thread.start([this, wanted, read = IcloudManager::imageReader(wanted.path)] {
+        QByteArray bytes = read();
+        QBuffer file(&bytes);
         const QImage circle =
             file.open(QIODevice::ReadOnly) ? PictureReader::round(file, wanted.pixels) : QImage();
         QMetaObject::invokeMethod(

@@ -61,6 +61,12 @@ public:
         start();
     }
     void sealingChanged() { running->sealingChanged(); }
+    OptionalError remove(const QByteArray &gone)
+    {
+        OptionalError error = replica->remove(gone);
+        look();
+        return error;
+    }
     bool has(const char *title) { return store.find(title) != nullptr; }
     /// Saves books of these titles, one save for each.
     void save(const QStringList &titles)

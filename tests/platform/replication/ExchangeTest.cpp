@@ -272,6 +272,130 @@ TEST_F(SealedExchangeTest, OpenChangedAndMisplacedFilesAreToldOfAndTriedAgain)
     EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.empty(); }));
 }
 
+TEST_F(SealedExchangeTest, ANewPassphraseReachesADeviceThatIsAwayAndNothingIsLost)
+{
+    const LogCapture log;
+    ASSERT_FALSE(sealOfOne->begin(passphrase));
+    ASSERT_FALSE(sealOfOther->enter(passphrase));
+    one.sealingChanged();
+    other.sealingChanged();
+    save(one, "Momo");
+    save(other, "Emma");
+    ASSERT_TRUE(waitFor([this] { return other.has("Momo") && one.has("Emma"); }));
+    const QByteArray former = contents(path(one, filesOf(one).front()));
+
+    // The other one works on in a copy of the folder, as while nothing is carried to and fro.
+    other.stop();
+    ASSERT_FALSE(sealOfOne->change(u"sealed once more"_qs));
+    one.sealingChanged();
+    save(one, "Kim");
+    EXPECT_TRUE(waitFor([this] { return areSealed(one, 2); })) << "The earlier ones with the new key, too";
+    EXPECT_FALSE(sealOfOne->look().isFit(former));
+    const QString key = shared.filePath(QDir(shared.path()).entryList({u"key-2-*"_qs}, QDir::Files).front());
+    const QString later = shared.filePath(u"later"_qs);
+    ASSERT_TRUE(QFile::rename(key, later));
+    one.stop();
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 1; }));
+    save(other, "Ulysses");
+    EXPECT_TRUE(waitFor([this] { return filesOf(other).size() == 2; })) << "It seals as it can";
+    other.stop();
+    // Both are in step again, and the other one knows of the change, but not the passphrase.
+    ASSERT_TRUE(QFile::rename(later, key));
+    one.start();
+    EXPECT_TRUE(waitFor([this] { return one.has("Ulysses"); })) << "What was sealed with the former key";
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return stateOf(other) == State::NeedsPassphrase; }));
+    save(other, "Brave New World");
+    EXPECT_FALSE(waitFor([this] { return filesOf(other).size() != 2 || other.has("Kim"); }, 1000));
+    other.stop();
+    other.start(); // As after a kill.
+    ASSERT_FALSE(sealOfOther->enter(u"sealed once more"_qs));
+    other.sealingChanged();
+    EXPECT_TRUE(waitFor([this] { return other.has("Kim") && one.has("Brave New World"); }));
+    EXPECT_TRUE(waitFor([this] { return areSealed(other, 3); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.empty(); }));
+    EXPECT_EQ(one.library().dump(), other.library().dump());
+}
+
+TEST_F(SealedExchangeTest, ASnapshotFollowsTheKeyOfTheFolder)
+{
+    other.stop();
+    one.terms.mostFiles = 3;
+    ASSERT_FALSE(sealOfOne->begin(passphrase));
+    one.restartWith(sealOfOne);
+    one.save({u"A"_qs, u"B"_qs, u"C"_qs, u"D"_qs});
+    const auto snapshot = [this] {
+        const QStringList names = filesOf(one).filter(u"snapshot-"_qs);
+        return names.size() == 1 ? contents(path(one, names.front())) : QByteArray();
+    };
+    const auto isSealed = [&] { return snapshot().contains("MVSEALED" + sealOfOne->look().keyMark()); };
+    ASSERT_TRUE(waitFor(isSealed));
+    ASSERT_FALSE(sealOfOne->change(u"sealed once more"_qs));
+    one.sealingChanged();
+    EXPECT_TRUE(waitFor(isSealed)) << "With the new key";
+    ASSERT_FALSE(sealOfOther->enter(u"sealed once more"_qs));
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("A") && other.has("D"); }));
+    ASSERT_FALSE(sealOfOne->end());
+    one.sealingChanged();
+    EXPECT_TRUE(waitFor([&] { return !snapshot().isEmpty() && !snapshot().contains("MVSEALED"); }));
+    Device third(shared.path(), "third");
+    third.restartWith(seal("third.key"));
+    EXPECT_TRUE(waitFor([&] { return third.has("A") && third.has("D"); }));
+}
+
+TEST_F(SealedExchangeTest, AnEndedSealingOpensTheFilesOfEachDeviceWhenItHearsOfIt)
+{
+    const LogCapture log;
+    ASSERT_FALSE(sealOfOne->begin(passphrase));
+    ASSERT_FALSE(sealOfOther->enter(passphrase));
+    one.sealingChanged();
+    other.sealingChanged();
+    save(one, "Momo");
+    save(other, "Emma");
+    ASSERT_TRUE(waitFor([this] { return other.has("Momo") && one.has("Emma"); }));
+    const auto areOpen = [this](const Device &device, int count) {
+        const QStringList names = filesOf(device);
+        return names.size() == count && std::ranges::all_of(names, [&](const QString &file) {
+                   return contents(path(device, file)).startsWith("MVCHANGE");
+               });
+    };
+    other.stop();
+    ASSERT_FALSE(sealOfOne->end());
+    one.sealingChanged();
+    EXPECT_TRUE(waitFor([&] { return areOpen(one, 1); }));
+    EXPECT_EQ(stateOf(one), State::Open);
+    save(one, "Kim");
+    EXPECT_TRUE(waitFor([&] { return areOpen(one, 2); }));
+    // A device that never had the key meets what the other one has not opened yet, and works.
+    Device third(shared.path(), "third");
+    third.restartWith(seal("third.key"));
+    EXPECT_TRUE(waitFor([&] { return third.has("Momo") && !third.exchange().health().problems.empty(); }));
+    EXPECT_EQ(stateOf(third), State::Open);
+    // The other one has not heard of the end: it seals, and takes no open file for what it should be.
+    const QString end = shared.filePath(u"key-2-open"_qs);
+    const QString later = shared.filePath(u"later"_qs);
+    one.stop();
+    third.stop();
+    ASSERT_TRUE(QFile::rename(end, later));
+    other.start();
+    save(other, "Ulysses");
+    EXPECT_TRUE(waitFor([this] {
+        return filesOf(other).size() == 2 &&
+               contents(path(other, filesOf(other).back())).startsWith("MVSEALED");
+    }));
+    EXPECT_FALSE(other.has("Kim"));
+    EXPECT_FALSE(other.exchange().health().problems.empty());
+    ASSERT_TRUE(QFile::rename(later, end));
+    one.start();
+    third.start();
+    EXPECT_TRUE(waitFor([&] { return areOpen(other, 2) && other.has("Kim"); }));
+    EXPECT_TRUE(waitFor([&] { return one.has("Ulysses") && third.has("Ulysses") && third.has("Emma"); }));
+    for (const Device *device : {&one, &other, &third})
+        EXPECT_TRUE(waitFor([&] { return device->exchange().health().problems.empty(); }));
+}
+
 TEST_F(SealedExchangeTest, ASealedFolderWhoseKeyHasNotComeGetsNoOpenFiles)
 {
     const LogCapture log;

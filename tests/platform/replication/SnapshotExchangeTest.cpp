@@ -178,3 +178,157 @@ TEST_F(SnapshotExchangeTest, ADeviceThatOnlyReadsSaysSoOnce)
     other.look();
     EXPECT_FALSE(waitFor([&] { return filesOfBoth() != before; }, 1500));
 }
+
+// A device is gone for good, or so the user believes.
+
+namespace {
+
+class RemovedDeviceTest : public SnapshotExchangeTest
+{
+protected:
+    RemovedDeviceTest()
+    {
+        other.start();
+        third.save({u"Of the third"_qs});
+        other.save({u"Of the other"_qs});
+        for (Device *device : {&one, &other, &third})
+            EXPECT_TRUE(waitFor([&] { return device->has("Of the third") && device->has("Of the other"); }));
+        lost = third.id();
+        third.stop();
+        // The other one tells what it has; the third cannot.
+        one.save(six);
+        EXPECT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1 && other.has("F"); }));
+        other.save({u"Told"_qs});
+        EXPECT_TRUE(waitFor([this] { return one.has("Told"); }));
+    }
+    bool knows(const Device &device, const QByteArray &id) const
+    {
+        return std::ranges::any_of(device.exchange().health().devices,
+                                   [&id](const replication::Device &known) { return known.id == id; });
+    }
+    bool hasFolder(const QByteArray &id) const
+    {
+        return QFile::exists(shared.filePath(QString::fromUtf8(id)));
+    }
+
+    Device third{shared.path(), "third"};
+    QByteArray lost;
+};
+
+} // namespace
+
+TEST_F(RemovedDeviceTest, NobodyWaitsForItAnyMore)
+{
+    EXPECT_FALSE(waitFor([this] { return saveCountOf(one) < 6; }, 700)) << "They wait for the third";
+    EXPECT_TRUE(one.remove(one.id()).has_value()) << "Nobody removes itself";
+    ASSERT_TRUE(knows(one, lost) && knows(other, lost));
+    ASSERT_FALSE(one.remove(lost));
+    EXPECT_FALSE(knows(one, lost));
+    EXPECT_TRUE(waitFor([this] { return saveCountOf(one) == 1 && !knows(other, lost); }));
+    EXPECT_TRUE(waitFor([this] { return !hasFolder(lost); })) << "A snapshot holds what it wrote";
+    EXPECT_TRUE(one.has("Of the third") && other.has("Of the third"));
+    // It stays away over a start, also with a device that has all of it from the snapshot.
+    other.stop();
+    other.start();
+    EXPECT_FALSE(knows(other, lost));
+    one.save({u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs, u"5"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("5") && snapshotsOf(one).front().endsWith(u"12"_qs); }));
+    other.save({u"Told again"_qs});
+    ASSERT_TRUE(waitFor([this] { return saveCountOf(one) == 1; }));
+    Device fresh(shared.path(), "fresh");
+    EXPECT_TRUE(waitFor([&] { return fresh.has("Of the third") && fresh.has("Told again"); }));
+    EXPECT_FALSE(knows(fresh, lost));
+}
+
+TEST_F(RemovedDeviceTest, ItLosesNothingIfItComesBackAndTakesPartAgain)
+{
+    // It is alive, and works on without the folder.
+    const QTemporaryDir elsewhere;
+    third.startIn(elsewhere.path());
+    third.save({u"Unseen"_qs});
+    third.library().find("Of the other")->setTitle(u"Changed there"_qs);
+    third.library()->deleteObject(third.library().find("Of the third"));
+    third.library().save();
+    third.stop();
+    ASSERT_FALSE(one.remove(lost));
+    // What it never saw is deleted and cleared, and what it deletes is edited.
+    one.library()->deleteObject(one.library().find("A"));
+    one.library().find("Of the third")->setPages(3);
+    one.library().save();
+    one.save({u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs, u"5"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("5"); }));
+    other.save({u"Told again"_qs});
+    ASSERT_TRUE(waitFor([this] { return saveCountOf(one) == 1 && !hasFolder(lost); }));
+
+    third.startIn(shared.path());
+    EXPECT_TRUE(waitFor([this] { return one.has("Unseen") && other.has("Unseen") && third.has("5"); }));
+    EXPECT_TRUE(waitFor([this] { return knows(one, lost) && knows(other, lost); }))
+        << "It is one of them again";
+    for (Device *device : {&one, &other, &third}) {
+        EXPECT_TRUE(waitFor([&] { return device->has("Changed there") && device->has("Told again"); }));
+        EXPECT_TRUE(device->has("Of the third")) << "The deletion did not know of the edit";
+        EXPECT_FALSE(device->has("A")) << "What was cleared did not come back";
+        EXPECT_TRUE(waitFor([&] { return device->library().dump() == one.library().dump(); }));
+    }
+    // What it has told counts again.
+    third.save({u"Back"_qs});
+    EXPECT_TRUE(waitFor([this] { return one.has("Back") && other.has("Back"); }));
+    third.stop();
+    const QStringList snapshot = snapshotsOf(one);
+    one.save({u"u"_qs, u"v"_qs, u"w"_qs, u"x"_qs, u"y"_qs, u"z"_qs});
+    EXPECT_TRUE(waitFor([&] { return saveCountOf(one) >= 6 && snapshotsOf(one) != snapshot; }));
+    other.save({u"Told at last"_qs});
+    EXPECT_TRUE(waitFor([this] { return one.has("Told at last"); }));
+    EXPECT_FALSE(waitFor([this] { return saveCountOf(one) < 6; }, 700));
+}
+
+TEST_F(RemovedDeviceTest, ItComesBackWithoutAnythingToSay)
+{
+    ASSERT_FALSE(one.remove(lost));
+    EXPECT_TRUE(waitFor([this] { return saveCountOf(one) == 1 && !knows(other, lost); }));
+    third.start();
+    EXPECT_TRUE(waitFor([this] { return knows(one, lost) && knows(other, lost) && third.has("Told"); }));
+    EXPECT_EQ(third.id(), lost);
+    third.stop();
+    one.stop();
+    one.start();
+    EXPECT_TRUE(knows(one, lost));
+    // Also when it knows everything but this.
+    ASSERT_FALSE(one.remove(lost));
+    ASSERT_TRUE(waitFor([this] { return !knows(one, lost) && !knows(other, lost); }));
+    third.start();
+    EXPECT_TRUE(waitFor([this] { return knows(one, lost) && knows(other, lost); }));
+}
+
+TEST_F(SnapshotExchangeTest, TheSnapshotOfARemovedDeviceStaysWhileItAloneHoldsSomething)
+{
+    one.stop();
+    one.terms.mostFiles = 1000;
+    one.start();
+    Device third(shared.path(), "third");
+    third.stop();
+    third.terms.mostFiles = 3;
+    third.start();
+    one.save(six);
+    ASSERT_TRUE(waitFor([&] { return third.has("F"); }));
+    third.save({u"1"_qs, u"2"_qs, u"3"_qs});
+    ASSERT_TRUE(waitFor([this] { return one.has("3") && saveCountOf(one) == 1; }));
+    const QByteArray lost = third.id();
+    const QString folder = shared.filePath(QString::fromUtf8(lost));
+    third.stop();
+    ASSERT_FALSE(one.remove(lost));
+    EXPECT_FALSE(
+        waitFor([&] { return QDir(folder).entryList({u"snapshot-*"_qs}, QDir::Files).isEmpty(); }, 1000));
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("A") && other.has("3"); }));
+    other.save({u"Told"_qs});
+    ASSERT_TRUE(waitFor([this] { return one.has("Told"); }));
+    // It goes once another one holds all of that.
+    one.stop();
+    one.terms.mostFiles = 3;
+    one.start();
+    one.save({u"x"_qs, u"y"_qs, u"z"_qs});
+    EXPECT_TRUE(waitFor([&] { return !QFile::exists(folder); }));
+    Device fresh(shared.path(), "fresh");
+    EXPECT_TRUE(waitFor([&] { return fresh.has("A") && fresh.has("3") && fresh.has("z"); }));
+}

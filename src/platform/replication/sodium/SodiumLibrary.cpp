@@ -50,15 +50,30 @@ public:
     QByteArray encrypt(const QByteArray &bytes, const QByteArray &others,
                        const QByteArray &key) const override
     {
+        QByteArray nonce(nonceLength, '\0');
+        randombytes_buf(nonce.data(), size_t(nonceLength));
+        return encryptWith(nonce, bytes, others, key);
+    }
+
+    QByteArray encryptAlike(const QByteArray &bytes, const QByteArray &others,
+                            const QByteArray &key) const override
+    {
         if (key.size() != keyLength)
             return {};
-        QByteArray outcome(nonceLength + bytes.size() + tagLength, '\0');
-        unsigned char *nonce = roomIn(outcome);
-        randombytes_buf(nonce, size_t(nonceLength));
-        crypto_aead_xchacha20poly1305_ietf_encrypt(nonce + nonceLength, nullptr, bytesIn(bytes),
-                                                   quint64(bytes.size()), bytesIn(others),
-                                                   quint64(others.size()), nullptr, nonce, bytesIn(key));
-        return outcome;
+        // The nonce follows from all that is encrypted, by a key of its own: other bytes have another one.
+        static const QByteArray purpose = "nonce of a file that is alike";
+        QByteArray ofNonces(keyLength, '\0');
+        crypto_generichash(roomIn(ofNonces), size_t(keyLength), bytesIn(purpose), quint64(purpose.size()),
+                           bytesIn(key), size_t(key.size()));
+        const auto length = quint64(others.size());
+        QByteArray nonce(nonceLength, '\0');
+        crypto_generichash_state state;
+        crypto_generichash_init(&state, bytesIn(ofNonces), size_t(keyLength), size_t(nonceLength));
+        crypto_generichash_update(&state, reinterpret_cast<const unsigned char *>(&length), sizeof length);
+        crypto_generichash_update(&state, bytesIn(others), length);
+        crypto_generichash_update(&state, bytesIn(bytes), quint64(bytes.size()));
+        crypto_generichash_final(&state, roomIn(nonce), size_t(nonceLength));
+        return encryptWith(nonce, bytes, others, key);
     }
 
     std::optional<QByteArray> decrypt(const QByteArray &bytes, const QByteArray &others,
@@ -72,6 +87,20 @@ public:
             roomIn(content), nullptr, nullptr, nonce + nonceLength, quint64(bytes.size() - nonceLength),
             bytesIn(others), quint64(others.size()), nonce, bytesIn(key));
         return code == 0 ? std::optional(content) : std::nullopt;
+    }
+
+private:
+    static QByteArray encryptWith(const QByteArray &nonce, const QByteArray &bytes, const QByteArray &others,
+                                  const QByteArray &key)
+    {
+        if (key.size() != keyLength)
+            return {};
+        QByteArray outcome = nonce + QByteArray(bytes.size() + tagLength, '\0');
+        unsigned char *room = roomIn(outcome);
+        crypto_aead_xchacha20poly1305_ietf_encrypt(room + nonceLength, nullptr, bytesIn(bytes),
+                                                   quint64(bytes.size()), bytesIn(others),
+                                                   quint64(others.size()), nullptr, room, bytesIn(key));
+        return outcome;
     }
 };
 

@@ -2,9 +2,11 @@
 
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
-#include "shell/devices/PassphraseDialog.h"
+#include "shell/devices/DeviceRow.h"
 #include "store/AppDelegate.h"
+#include "widgets/Accessibility.h"
 #include "widgets/FormCard.h"
+#include "widgets/FormScroll.h"
 #include "widgets/TextLabel.h"
 #include "widgets/WindowPlace.h"
 
@@ -14,13 +16,25 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr int textWidth = 520;
+/// Long enough for a sentence to be read in two lines, in any size of the letters.
+int textWidth()
+{
+    constexpr int fewestPixels = 520;
+    constexpr int letters = 72;
+    return std::max(fewestPixels,
+                    letters * QFontMetrics(Theme::font(Theme::FontRole::Small)).averageCharWidth());
+}
 
 QVBoxLayout *addCardTo(QVBoxLayout &column, const QString &title)
 {
@@ -37,18 +51,28 @@ QLabel *addText(QVBoxLayout &rows, const QString &text, Theme::FontRole role, Th
 {
     QLabel *label = makeTextLabel(text, role, color);
     label->setWordWrap(true);
-    label->setFixedWidth(textWidth);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     rows.addWidget(label);
     return label;
 }
 
-void clear(QVBoxLayout &rows)
+QWidget *addList(QVBoxLayout &rows, const QString &name)
 {
-    while (QLayoutItem *item = rows.takeAt(0)) {
-        delete item->widget();
-        delete item;
-    }
+    auto *list = new QWidget;
+    Accessibility::describe(*list, {.role = QAccessible::List, .name = [name] { return name; }});
+    auto *column = new QVBoxLayout(list);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(Theme::unit);
+    rows.addWidget(list);
+    return list;
+}
+
+QPushButton *addButton(QHBoxLayout &row, const QString &words, const QString &name)
+{
+    auto *button = new QPushButton(words);
+    button->setObjectName(name);
+    row.addWidget(button);
+    return button;
 }
 
 } // namespace
@@ -59,10 +83,14 @@ DevicesWindow::DevicesWindow(QWidget *parent)
     setObjectName(u"DevicesWindow"_s);
     setWindowTitle(localized(u"Devices"_s));
     setAttribute(Qt::WA_DeleteOnClose);
-    auto *column = new QVBoxLayout(this);
+    auto *body = new QWidget;
+    auto *column = new QVBoxLayout(body);
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(2 * Theme::unit);
-    column->setSizeConstraint(QLayout::SetFixedSize);
+    scroll = new FormScroll(body);
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(scroll);
 
     QVBoxLayout *shared = addCardTo(*column, localized(u"Shared Folder"_s));
     addText(
@@ -74,50 +102,66 @@ DevicesWindow::DevicesWindow(QWidget *parent)
     folder->setObjectName(u"labelFolder"_s);
     hint = addText(*shared, {}, Theme::FontRole::Small, Theme::secondaryText);
     auto *buttons = new QHBoxLayout;
-    auto *choose = new QPushButton(localized(u"Choose Folder…"_s));
-    choose->setObjectName(u"buttonChooseFolder"_s);
-    leave = new QPushButton(localized(u"Stop Sharing"_s));
-    leave->setObjectName(u"buttonStopSharing"_s);
-    buttons->addWidget(choose);
-    buttons->addWidget(leave);
+    QPushButton *choose = addButton(*buttons, localized(u"Choose Folder…"_s), u"buttonChooseFolder"_s);
+    leave = addButton(*buttons, localized(u"Stop Sharing"_s), u"buttonStopSharing"_s);
     buttons->addStretch(1);
     shared->addLayout(buttons);
 
     QVBoxLayout *sealed = addCardTo(*column, localized(u"Sealing"_s));
     sealingCard = sealed->parentWidget();
-    addText(*sealed,
-            localized(u"In a sealed folder, only computers that know the passphrase can read your records. "
-                      "Pictures are not sealed, and the number and the size of the files can be seen."_s),
-            Theme::FontRole::Small, Theme::secondaryText);
+    addText(
+        *sealed,
+        localized(u"In a sealed folder, only computers that know the passphrase can read your records and "
+                  "pictures. The number, the names and the sizes of the files can be seen."_s),
+        Theme::FontRole::Small, Theme::secondaryText);
     sealing = addText(*sealed, {}, Theme::FontRole::Body, Theme::text);
     sealing->setObjectName(u"labelSealing"_s);
-    seal = new QPushButton(localized(u"Seal With a Passphrase…"_s));
-    seal->setObjectName(u"buttonSeal"_s);
-    enter = new QPushButton(localized(u"Enter Passphrase…"_s));
-    enter->setObjectName(u"buttonEnterPassphrase"_s);
-    sealed->addWidget(seal, 0, Qt::AlignLeft);
-    sealed->addWidget(enter, 0, Qt::AlignLeft);
+    auto *sealButtons = new QHBoxLayout;
+    seal = addButton(*sealButtons, localized(u"Seal With a Passphrase…"_s), u"buttonSeal"_s);
+    enter = addButton(*sealButtons, localized(u"Enter Passphrase…"_s), u"buttonEnterPassphrase"_s);
+    change = addButton(*sealButtons, localized(u"Change Passphrase…"_s), u"buttonChangePassphrase"_s);
+    end = addButton(*sealButtons, localized(u"End Sealing…"_s), u"buttonEndSealing"_s);
+    sealButtons->addStretch(1);
+    sealed->addLayout(sealButtons);
 
     QVBoxLayout *state = addCardTo(*column, localized(u"Devices"_s));
     summary = addText(*state, {}, Theme::FontRole::Body, Theme::text);
     summary->setObjectName(u"labelSummary"_s);
-    devices = new QVBoxLayout;
-    devices->setSpacing(Theme::unit);
-    state->addLayout(devices);
+    devices = addList(*state, localized(u"Devices"_s));
 
     QVBoxLayout *wrong = addCardTo(*column, localized(u"Files That Cannot Be Read"_s));
     problemCard = wrong->parentWidget();
-    problems = new QVBoxLayout;
-    problems->setSpacing(Theme::unit);
-    wrong->addLayout(problems);
+    problems = addList(*wrong, localized(u"Files That Cannot Be Read"_s));
+    column->addStretch(1);
+    scroll->keepRoomForBar();
 
+    using Purpose = PassphraseDialog::Purpose;
     connect(choose, &QPushButton::clicked, this, &DevicesWindow::chooseFolder);
     connect(leave, &QPushButton::clicked, this, &DevicesWindow::leaveFolder);
-    connect(seal, &QPushButton::clicked, this, &DevicesWindow::askForPassphrase);
-    connect(enter, &QPushButton::clicked, this, &DevicesWindow::askForPassphrase);
+    connect(seal, &QPushButton::clicked, this, [this] { askForPassphrase(Purpose::Seal); });
+    connect(enter, &QPushButton::clicked, this, [this] { askForPassphrase(Purpose::Enter); });
+    connect(change, &QPushButton::clicked, this, [this] { askForPassphrase(Purpose::Change); });
+    connect(end, &QPushButton::clicked, this, &DevicesWindow::endSealing);
     if (Replication *replication = AppDelegate::shared() ? AppDelegate::shared()->replication() : nullptr)
         replication->setListener([this] { refresh(); });
     refresh();
+    fitIntoScreen();
+}
+
+/// As large as it needs to be, but for some room around it.
+void DevicesWindow::fitIntoScreen()
+{
+    constexpr double mostOfWidth = 0.95;
+    constexpr double mostOfHeight = 0.8;
+    const QSize room = screen()->availableSize();
+    const QWidget &body = *scroll->widget();
+    // What was hidden before the window is shown counts until then.
+    for (QLayout *one : body.findChildren<QLayout *>())
+        one->invalidate();
+    const int aroundTexts = 8 * Theme::unit + Theme::scrollBarWidth;
+    const int width = std::min(std::max(body.minimumSizeHint().width(), textWidth() + aroundTexts),
+                               int(room.width() * mostOfWidth));
+    resize(width, std::min(body.heightForWidth(width), int(room.height() * mostOfHeight)));
 }
 
 DevicesWindow::~DevicesWindow()
@@ -131,7 +175,6 @@ void DevicesWindow::open(QWidget *parent)
     static QPointer<DevicesWindow> window;
     if (!window) {
         window = new DevicesWindow(parent);
-        window->adjustSize();
         placeOverParent(*window);
     }
     window->show();
@@ -152,21 +195,35 @@ void DevicesWindow::refresh()
     sealing->setText(health.sealing);
     seal->setVisible(health.canSeal);
     enter->setVisible(health.needsPassphrase);
+    change->setVisible(health.isSealed);
+    end->setVisible(health.isSealed);
+    const bool isNews = summary->text() != health.summary && !summary->text().isEmpty();
     summary->setText(health.summary);
-    clear(*devices);
-    addLines(*devices, health.devices);
-    clear(*problems);
-    addLines(*problems, health.problems);
+    if (isNews)
+        Accessibility::announce(*this, health.summary);
+    setLines(*devices, health.devices);
+    setLines(*problems, health.problems);
     problemCard->setVisible(!health.problems.empty());
 }
 
-void DevicesWindow::addLines(QVBoxLayout &rows, const std::vector<DeviceHealth::Line> &lines)
+void DevicesWindow::setLines(QWidget &list, const std::vector<DeviceHealth::Line> &lines)
 {
-    for (const DeviceHealth::Line &line : lines) {
-        addText(rows, line.title, line.isOwn ? Theme::FontRole::BodyStrong : Theme::FontRole::Body,
-                Theme::text);
-        addText(rows, line.detail, Theme::FontRole::Small, Theme::secondaryText);
+    QLayout &rows = *list.layout();
+    while (rows.count() > int(lines.size())) {
+        const std::unique_ptr<QLayoutItem> item(rows.takeAt(rows.count() - 1));
+        // Its button may be what asks for this.
+        item->widget()->hide();
+        item->widget()->deleteLater();
     }
+    while (rows.count() < int(lines.size())) {
+        // This device comes first.
+        const bool isOwn = lines[size_t(rows.count())].isOwn;
+        auto *row = new DeviceRow(isOwn ? Theme::FontRole::BodyStrong : Theme::FontRole::Body);
+        connect(row, &DeviceRow::removeWanted, this, &DevicesWindow::removeDevice);
+        rows.addWidget(row);
+    }
+    for (int place = 0; place < rows.count(); ++place)
+        static_cast<DeviceRow *>(rows.itemAt(place)->widget())->setLine(lines[size_t(place)]);
 }
 
 void DevicesWindow::chooseFolder()
@@ -194,24 +251,77 @@ void DevicesWindow::leaveFolder()
     refresh();
 }
 
-void DevicesWindow::askForPassphrase()
+void DevicesWindow::askForPassphrase(PassphraseDialog::Purpose purpose)
 {
-    const auto isNew = DeviceHealth::of(AppDelegate::shared()->replication()).canSeal;
     auto *dialog = new PassphraseDialog(
-        isNew ? PassphraseDialog::Purpose::Seal : PassphraseDialog::Purpose::Enter,
-        [isNew](const QString &passphrase) -> OptionalError {
-            Replication *replication = AppDelegate::shared()->replication();
-            return isNew ? replication->seal(passphrase) : replication->enterPassphrase(passphrase);
+        purpose,
+        [purpose](const QString &passphrase) -> OptionalError {
+            Replication &replication = *AppDelegate::shared()->replication();
+            switch (purpose) {
+            case PassphraseDialog::Purpose::Seal:
+                return replication.seal(passphrase);
+            case PassphraseDialog::Purpose::Change:
+                return replication.changePassphrase(passphrase);
+            case PassphraseDialog::Purpose::Enter:
+                break;
+            }
+            return replication.enterPassphrase(passphrase);
         },
         this);
     dialog->setModal(true);
     dialog->show();
 }
 
+void DevicesWindow::endSealing()
+{
+    const int answer = Alert::run(
+        {{},
+         localized(u"End the sealing of the shared folder?"_s),
+         localized(u"All computers then write their files in the open: whoever reads the folder reads your "
+                   "records and pictures."_s),
+         {localized(u"End Sealing"_s), localized(u"Cancel"_s)}});
+    if (answer != Alert::firstButton)
+        return;
+    if (const auto error = AppDelegate::shared()->replication()->endSealing())
+        Alert::run({{}, localized(error->message) + u'.', {}, {localized(u"OK"_s)}});
+}
+
+void DevicesWindow::removeDevice(const DeviceHealth::Line &line)
+{
+    QString consequences = localized(
+        u"Do this when the device is lost or no longer used. Your other devices no longer wait for it, and "
+        u"its "
+        "files leave the shared folder once all have what it wrote. If it comes back, it loses nothing and "
+        "takes part again."_s);
+    if (end->isVisibleTo(this))
+        consequences +=
+            u' ' + localized(u"If it was stolen, please change the passphrase of the folder, too."_s);
+    const DeviceHealth::Line gone = line;
+    const int answer = Alert::run({{},
+                                   localized(u"Remove %1 from your devices?"_s).arg(firstPart(gone.name)),
+                                   consequences,
+                                   {localized(u"Remove Device"_s), localized(u"Cancel"_s)}});
+    if (answer != Alert::firstButton)
+        return;
+    if (const auto error = AppDelegate::shared()->replication()->removeDevice(gone.device))
+        Alert::run({{}, localized(error->message) + u'.', {}, {localized(u"OK"_s)}});
+    refresh();
+}
+
 void DevicesWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape)
+    QScrollBar &bar = *scroll->verticalScrollBar();
+    switch (event->key()) {
+    case Qt::Key_Escape:
         close();
-    else
+        break;
+    case Qt::Key_PageUp:
+        bar.triggerAction(QAbstractSlider::SliderPageStepSub);
+        break;
+    case Qt::Key_PageDown:
+        bar.triggerAction(QAbstractSlider::SliderPageStepAdd);
+        break;
+    default:
         QWidget::keyPressEvent(event);
+    }
 }

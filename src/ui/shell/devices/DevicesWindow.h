@@ -1,12 +1,14 @@
 #pragma once
 
 #include "cloud/DeviceHealth.h"
+#include "shell/devices/PassphraseDialog.h"
 
 #include <QWidget>
 
 class QLabel;
 class QPushButton;
 class QVBoxLayout;
+class FormScroll;
 
 /// The user's devices: which take part, when each was last heard of, what waits and what could not be read;
 /// and the folder that they share, with its seal.
@@ -25,11 +27,16 @@ protected:
 
 private:
     void refresh();
-    void addLines(QVBoxLayout &rows, const std::vector<DeviceHealth::Line> &lines);
+    void fitIntoScreen();
+    /// Shows lines in the rows of a list, which stay where they can.
+    void setLines(QWidget &list, const std::vector<DeviceHealth::Line> &lines);
     void chooseFolder();
     void leaveFolder();
-    void askForPassphrase();
+    void askForPassphrase(PassphraseDialog::Purpose purpose);
+    void endSealing();
+    void removeDevice(const DeviceHealth::Line &line);
 
+    FormScroll *scroll;
     QLabel *folder;
     QLabel *hint;
     QPushButton *leave;
@@ -37,8 +44,10 @@ private:
     QLabel *sealing;
     QPushButton *seal;
     QPushButton *enter;
+    QPushButton *change;
+    QPushButton *end;
     QLabel *summary;
-    QVBoxLayout *devices;
-    QVBoxLayout *problems;
+    QWidget *devices;
+    QWidget *problems;
     QWidget *problemCard;
 };

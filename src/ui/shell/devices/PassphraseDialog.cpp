@@ -17,6 +17,37 @@ namespace {
 constexpr int passphraseWidth = 420;
 constexpr int fewestLetters = 8;
 
+struct Words
+{
+    QString title;
+    QString text;
+    QString button;
+};
+
+Words wordsFor(PassphraseDialog::Purpose purpose)
+{
+    switch (purpose) {
+    case PassphraseDialog::Purpose::Seal:
+        return {
+            localized(u"Seal the Folder"_s),
+            localized(u"Every other computer asks for this passphrase once. Keep it in a safe place: nobody "
+                      "can open the folder without it, and it cannot be found again."_s),
+            localized(u"Seal"_s)};
+    case PassphraseDialog::Purpose::Change:
+        return {
+            localized(u"Change the Passphrase"_s),
+            localized(u"Every other computer asks for the new passphrase once; until then, nothing goes out "
+                      "or comes in there. Whoever knows only the former one cannot read what is written "
+                      "from now on."_s),
+            localized(u"Change Passphrase"_s)};
+    case PassphraseDialog::Purpose::Enter:
+        break;
+    }
+    return {localized(u"Enter the Passphrase"_s),
+            localized(u"It was chosen on the computer that sealed the folder."_s),
+            localized(u"Use Passphrase"_s)};
+}
+
 } // namespace
 
 PassphraseDialog::PassphraseDialog(Purpose asked, Use used, QWidget *parent)
@@ -24,20 +55,16 @@ PassphraseDialog::PassphraseDialog(Purpose asked, Use used, QWidget *parent)
     , purpose(asked)
     , useOf(std::move(used))
 {
-    const bool isNew = purpose == Purpose::Seal;
+    const bool isNew = purpose != Purpose::Enter;
+    const Words shown = wordsFor(purpose);
     setObjectName(u"PassphraseDialog"_s);
-    setWindowTitle(isNew ? localized(u"Seal the Folder"_s) : localized(u"Enter the Passphrase"_s));
+    setWindowTitle(shown.title);
     setAttribute(Qt::WA_DeleteOnClose);
     auto *column = new QVBoxLayout(this);
     column->setSpacing(Theme::unit);
     column->setSizeConstraint(QLayout::SetFixedSize);
     column->addWidget(makeTextLabel(windowTitle(), Theme::FontRole::BodyStrong, Theme::text));
-    auto *words = makeTextLabel(
-        isNew ? localized(
-                    u"Every other computer asks for this passphrase once. Keep it in a safe place: nobody "
-                    "can open the folder without it, and it cannot be found again."_s)
-              : localized(u"It was chosen on the computer that sealed the folder."_s),
-        Theme::FontRole::Small, Theme::secondaryText);
+    auto *words = makeTextLabel(shown.text, Theme::FontRole::Small, Theme::secondaryText);
     words->setWordWrap(true);
     words->setFixedWidth(passphraseWidth);
     column->addWidget(words);
@@ -52,8 +79,7 @@ PassphraseDialog::PassphraseDialog(Purpose asked, Use used, QWidget *parent)
     column->addWidget(wrong);
     auto *buttons = new QDialogButtonBox;
     auto *cancel = buttons->addButton(localized(u"Cancel"_s), QDialogButtonBox::RejectRole);
-    done = buttons->addButton(isNew ? localized(u"Seal"_s) : localized(u"Use Passphrase"_s),
-                              QDialogButtonBox::AcceptRole);
+    done = buttons->addButton(shown.button, QDialogButtonBox::AcceptRole);
     cancel->setObjectName(u"buttonCancel"_s);
     done->setObjectName(u"buttonDone"_s);
     column->addWidget(buttons);

@@ -16,7 +16,7 @@ class PassphraseDialog : public QDialog
 {
     Q_OBJECT
 public:
-    enum class Purpose { Seal, Enter };
+    enum class Purpose { Seal, Change, Enter };
     /// Does the work with the passphrase; the error is shown.
     using Use = std::function<OptionalError(const QString &)>;
 
