@@ -52,10 +52,20 @@ std::vector<TableOfModel> tablesOfModel(const ManagedObjectModel &model)
 /// Conflict clauses of the statement that fires a trigger count for nothing where there is an own one.
 const QByteArray unlessKnown = " ON CONFLICT (tbl, id, col) DO NOTHING; ";
 
-QByteArray noted(const TableOfModel &table, const char *row, bool wasThere)
+/// \param wasThere an expression: 1 for a row that was there.
+QByteArray noted(const TableOfModel &table, const char *row, const QByteArray &wasThere)
 {
     return "INSERT INTO " + formerTable + " SELECT '" + table.table + "', " + table.keyOf(row) + ", '', " +
-           (wasThere ? "1" : "0") + " WHERE true" + unlessKnown;
+           wasThere + " WHERE true" + unlessKnown;
+}
+
+/// Values that a select gives as `col` and `value`, of a row that is noted as one that was there.
+QByteArray notedValuesOf(const TableOfModel &table, const char *row, const QByteArray &values)
+{
+    return "INSERT INTO " + formerTable + " SELECT '" + table.table + "', " + table.keyOf(row) +
+           ", col, value FROM (" + values + ") WHERE EXISTS (SELECT 1 FROM " + formerTable +
+           " known WHERE known.tbl = '" + table.table + "' AND known.id = " + table.keyOf(row) +
+           " AND known.col = '' AND known.value = 1)" + unlessKnown;
 }
 
 /// The former values, of a row that was there.
@@ -70,23 +80,35 @@ QByteArray notedValues(const TableOfModel &table, bool isOfUpdate)
             values += " WHERE old." + name + " IS NOT new." + name + " OR " + table.keyOf("old") +
                       " IS NOT " + table.keyOf("new");
     }
-    return "INSERT INTO " + formerTable + " SELECT '" + table.table + "', " + table.keyOf("old") +
-           ", col, value FROM (" + values + ") WHERE EXISTS (SELECT 1 FROM " + formerTable +
-           " known WHERE known.tbl = '" + table.table + "' AND known.id = " + table.keyOf("old") +
-           " AND known.col = '' AND known.value = 1)" + unlessKnown;
+    return notedValuesOf(table, "old", values);
+}
+
+/// A row that replaces another goes without a trigger for the other, which is still there before.
+QByteArray notedBeforeInsert(const TableOfModel &table)
+{
+    const QByteArray present =
+        quoted(table.table) + " AS present WHERE " +
+        (table.isOfPairs ? "present.source = new.source AND present.target = new.target"
+                         : "present.\"id\" = new.\"id\"");
+    QByteArray values;
+    for (const QByteArray &column : table.columns)
+        values += (values.isEmpty() ? "SELECT '" : " UNION ALL SELECT '") + column + "' AS col, present." +
+                  quoted(column) + " AS value FROM " + present;
+    return noted(table, "new", "EXISTS (SELECT 1 FROM " + present + ")") +
+           notedValuesOf(table, "new", values);
 }
 
 std::vector<std::pair<QByteArray, QByteArray>> triggersOf(const TableOfModel &table)
 {
-    const auto trigger = [&table](const QByteArray &event, const QByteArray &body) {
+    const auto trigger = [&table](const char *moment, const QByteArray &event, const QByteArray &body) {
         const QByteArray name = table.table + "_former_" + event.toLower();
-        return std::pair(name, "CREATE TRIGGER " + quoted(name) + " AFTER " + event + " ON " +
+        return std::pair(name, "CREATE TRIGGER " + quoted(name) + ' ' + moment + ' ' + event + " ON " +
                                    quoted(table.table) + " BEGIN " + body + "END");
     };
-    return {
-        trigger("INSERT", noted(table, "new", false)),
-        trigger("UPDATE", noted(table, "old", true) + notedValues(table, true) + noted(table, "new", false)),
-        trigger("DELETE", noted(table, "old", true) + notedValues(table, false))};
+    return {trigger("BEFORE", "INSERT", notedBeforeInsert(table)),
+            trigger("AFTER", "UPDATE",
+                    noted(table, "old", "1") + notedValues(table, true) + noted(table, "new", "0")),
+            trigger("AFTER", "DELETE", noted(table, "old", "1") + notedValues(table, false))};
 }
 
 /// One row, as it is and as it was.

@@ -44,6 +44,15 @@ TEST_F(ExchangeTest, WhatOtherProgramsWriteIntoTheStoreArrivesToo)
     EXPECT_EQ(other.library().find("Kim Two")->pages(), 3);
     EXPECT_EQ(other.library().find("Momo")->pages(), 8);
     EXPECT_EQ(other.library().find("Momo")->labels().size(), 1u);
+    // A row that is replaced goes in silence, and then it goes altogether.
+    one.library().elsewhere("PRAGMA foreign_keys = ON;"
+                            "INSERT OR REPLACE INTO Book SELECT * FROM Book WHERE title = 'Momo'; "
+                            "DELETE FROM Book WHERE title = 'Momo'; "
+                            "INSERT OR REPLACE INTO Book (id, title) SELECT id, 'Kim Three' FROM Book WHERE "
+                            "title = 'Kim Two'");
+    one.look();
+    EXPECT_TRUE(waitFor([this] { return !other.has("Momo") && other.has("Kim Three"); }));
+    EXPECT_TRUE(waitFor([this] { return one.library().dump() == other.library().dump(); }));
     EXPECT_EQ(one.library().ask(u"SELECT COUNT(*) FROM ObjectStoreFormer"_qs), QStringList(u"0"_qs));
 }
 
