@@ -4,12 +4,18 @@
 
 #include <algorithm>
 
-MultiPick::MultiPick(std::vector<Entry> entries, const FilterSelection &selected)
+MultiPick::MultiPick(std::vector<Entry> entries, Load load, const FilterSelection &selected)
     : all(std::move(entries))
+    , objectOf(std::move(load))
     , everything(selected.selectedAll)
 {
+    std::set<RowId> rows;
+    for (const ObjectPtr &object : selected.objects) {
+        if (object)
+            rows.insert(object->rowId());
+    }
     for (std::size_t index = 0; index < all.size(); ++index) {
-        if (everything || std::ranges::count(selected.objects, all[index].object) > 0)
+        if (everything || rows.contains(all[index].row))
             selectRows.insert(index);
     }
     search({});
@@ -45,7 +51,11 @@ FilterSelection MultiPick::selection() const
 {
     FilterSelection selection;
     selection.selectedAll = everything;
-    for (const std::size_t index : selectRows)
-        selection.objects.push_back(all[index].object);
+    if (everything)
+        return selection;
+    for (const std::size_t index : selectRows) {
+        if (ObjectPtr object = objectOf(all[index].row))
+            selection.objects.push_back(std::move(object));
+    }
     return selection;
 }

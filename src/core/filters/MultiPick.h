@@ -2,6 +2,7 @@
 
 #include "filters/ListFilter.h"
 
+#include <functional>
 #include <set>
 
 /// Objects of which any number are marked: all of them, or those that the user marks one by one. A search
@@ -11,11 +12,15 @@ class MultiPick
 public:
     struct Entry
     {
-        ObjectPtr object;
+        /// What the store calls the object.
+        RowId row = 0;
         QString title;
     };
+    /// Gives the object of a row; null for one that has gone.
+    using Load = std::function<ObjectPtr(RowId)>;
 
-    MultiPick(std::vector<Entry> entries, const FilterSelection &selected);
+    /// \param load asked for what is handed over, so that of very many none has to be loaded before.
+    MultiPick(std::vector<Entry> entries, Load load, const FilterSelection &selected);
 
     /// What is shown, in order.
     const std::vector<Entry> &allData() const { return all; }
@@ -30,13 +35,14 @@ public:
     void toggle(int row);
     /// Marks everything, or unmarks it, whatever a search shows of it.
     void toggleAll();
-    /// What is handed over.
+    /// What is handed over. If that is everything, it is said and not listed.
     FilterSelection selection() const;
 
 private:
     std::size_t indexOf(int row) const { return dataSource[static_cast<std::size_t>(row)]; }
 
     std::vector<Entry> all;
+    Load objectOf;
     std::vector<std::size_t> dataSource;
     std::set<std::size_t> selectRows;
     bool everything;

@@ -18,12 +18,6 @@ std::vector<CategoryPtr> TaskFormChoices::categories()
     return choices;
 }
 
-std::vector<ContactPtr> TaskFormChoices::contacts()
-{
-    const auto found = DBWorker::selectContactsWithPredicates({});
-    return DBWorker::sortContacta({found.begin(), found.end()});
-}
-
 std::vector<ContactRows::Named> TaskFormChoices::contactNames()
 {
     return ContactRows::named(EntityContacts::fetchRequest());

@@ -12,8 +12,7 @@ namespace TaskFormChoices {
 
 /// In the sample every task has a category; elsewhere null, for none, comes first.
 std::vector<CategoryPtr> categories();
-std::vector<ContactPtr> contacts();
-/// The same without loading anybody.
+/// Those of all contacts, without loading anybody.
 std::vector<ContactRows::Named> contactNames();
 /// Null for 0, and for one who has gone meanwhile.
 ContactPtr contactOfRow(RowId row);

@@ -2,13 +2,13 @@
 
 #include "foundation/Localization.h"
 #include "records/TaskFormChoices.h"
-#include "store/queries/DBWorker.h"
 #include "widgets/Accessibility.h"
 #include "widgets/BubbleHeader.h"
 #include "widgets/CheckList.h"
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
+#include <QHash>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,10 +19,9 @@ using namespace Qt::Literals::StringLiterals;
 constexpr QSize bubbleSize(350, 223);
 constexpr int popUpMargin = 12;
 
-MVPopUp::MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, const FilterSelection &selected,
-                 QWidget *parent)
+MVPopUp::MVPopUp(const QString &title, MultiPick picked, QWidget *parent)
     : Popover(parent)
-    , pick(std::move(entries), selected)
+    , pick(std::move(picked))
     , header(new BubbleHeader(title))
     , fieldSearch(new QLineEdit)
     , buttonAll(new QPushButton)
@@ -113,26 +112,33 @@ void MVPopUp::keyPressEvent(QKeyEvent *event)
         Popover::keyPressEvent(event);
 }
 
-template <typename Records, typename TitleOf>
-static std::vector<MultiPick::Entry> entriesOf(const Records &records, TitleOf titleOf)
+template <typename T, typename TitleOf>
+static MVPopUp *popUpOf(const QString &title, const std::vector<std::shared_ptr<T>> &records, TitleOf titleOf,
+                        const FilterSelection &selected, QWidget *parent)
 {
     std::vector<MultiPick::Entry> entries;
-    for (const auto &record : records)
-        entries.push_back({record, titleOf(*record)});
-    return entries;
+    QHash<RowId, ObjectPtr> objects;
+    for (const auto &record : records) {
+        entries.push_back({record->rowId(), titleOf(*record)});
+        objects.insert(record->rowId(), record);
+    }
+    return new MVPopUp(
+        title, {std::move(entries), [objects](RowId row) { return objects.value(row); }, selected}, parent);
 }
 
 MVPopUp *MVPopUp::of(FilterRow::Editor kind, const FilterSelection &selected, QWidget *parent)
 {
-    const auto title = [](const auto &record) { return record.title(); };
-    const auto fullName = [](const EntityContacts &contact) { return contact.fullName(); };
-    if (kind == FilterRow::Editor::Contacts)
-        return new MVPopUp(localized(u"Contacts"_s), entriesOf(TaskFormChoices::contacts(), fullName),
-                           selected, parent);
+    if (kind == FilterRow::Editor::Contacts) {
+        std::vector<MultiPick::Entry> entries;
+        for (ContactRows::Named &contact : TaskFormChoices::contactNames())
+            entries.push_back({contact.row, std::move(contact.fullName)});
+        return new MVPopUp(localized(u"Contacts"_s),
+                           {std::move(entries), &TaskFormChoices::contactOfRow, selected}, parent);
+    }
     if (kind == FilterRow::Editor::Companies)
-        return new MVPopUp(localized(u"Companies"_s), entriesOf(TaskFormChoices::companies(), title),
-                           selected, parent);
-    return new MVPopUp(localized(u"Categories"_s),
-                       entriesOf(TaskFormChoices::contactCategories(), &TaskFormChoices::shownTitle),
-                       selected, parent);
+        return popUpOf(
+            localized(u"Companies"_s), TaskFormChoices::companies(),
+            [](const EntityCompany &company) { return company.title(); }, selected, parent);
+    return popUpOf(localized(u"Categories"_s), TaskFormChoices::contactCategories(),
+                   &TaskFormChoices::shownTitle, selected, parent);
 }

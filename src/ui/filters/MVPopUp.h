@@ -14,8 +14,7 @@ class MVPopUp : public Popover
 {
     Q_OBJECT
 public:
-    MVPopUp(const QString &title, std::vector<MultiPick::Entry> entries, const FilterSelection &selected,
-            QWidget *parent = nullptr);
+    MVPopUp(const QString &title, MultiPick picked, QWidget *parent = nullptr);
 
     /// The bubble for all records of a kind.
     static MVPopUp *of(FilterRow::Editor kind, const FilterSelection &selected, QWidget *parent);

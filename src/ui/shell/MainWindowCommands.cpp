@@ -155,27 +155,38 @@ void MainWindowController::paste()
 
 // Tasks in their rows
 
+TaskRowCommands *MainWindowController::taskCommandsWithKeys() const
+{
+    const auto &all = TaskRowCommands::ofAllLists();
+    const auto found = std::ranges::find_if(all, [this](const TaskRowCommands *commands) {
+        return commands->hasKeys() && commands->isOn(*mainWindow);
+    });
+    return found == all.end() ? nullptr : *found;
+}
+
 /// Those of the list that has the keys, or else of the one that has something selected.
 TaskRowCommands *MainWindowController::taskCommands() const
 {
-    for (TaskRowCommands *commands : mainWindow->findChildren<TaskRowCommands *>()) {
-        if (commands->hasKeys())
-            return commands;
-    }
+    if (TaskRowCommands *const commands = taskCommandsWithKeys())
+        return commands;
     if (!screen || !screen->hasSelection())
         return nullptr;
-    const auto all = screen->findChildren<TaskRowCommands *>();
-    const auto found = std::ranges::find_if(all, &TaskRowCommands::hasTasks);
+    const auto &all = TaskRowCommands::ofAllLists();
+    const auto found = std::ranges::find_if(all, [this](const TaskRowCommands *commands) {
+        return commands->isOn(*screen) && commands->hasTasks();
+    });
     return found == all.end() ? nullptr : *found;
 }
 
 bool MainWindowController::hasTaskCommands() const
 {
-    const TaskRowCommands *const commands = TextCommands::hasSteps() ? nullptr : taskCommands();
-    if (!commands || !screen)
+    if (TextCommands::hasSteps() || !screen)
         return false;
     // A screen can have very many selected, which are not to be loaded for that.
-    return commands->isOn(*screen) ? screen->hasSelection() : commands->hasTasks();
+    const auto isOnScreen = [this](const TaskRowCommands *commands) { return commands->isOn(*screen); };
+    if (const TaskRowCommands *const commands = taskCommandsWithKeys(); commands && !isOnScreen(commands))
+        return commands->hasTasks();
+    return screen->hasSelection() && std::ranges::any_of(TaskRowCommands::ofAllLists(), isOnScreen);
 }
 
 void MainWindowController::bindPlanning()

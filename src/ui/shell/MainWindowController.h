@@ -83,6 +83,7 @@ public:
     void paste();
     bool canTakeLines() const;
     TaskRowCommands *taskCommands() const;
+    TaskRowCommands *taskCommandsWithKeys() const;
     bool hasTaskCommands() const;
     void bindPlanning();
     void exportRecords();

@@ -177,8 +177,9 @@ QString Shell::helpPage() const
     const QWidget *window = QApplication::activeWindow();
     if (controller && window == controller->window())
         return controller->helpPage();
-    const auto *record = qobject_cast<const RecordWindow *>(window);
-    return record ? HelpPages::ofRecords(record->entity()) : HelpPages::contents;
+    if (const auto *record = qobject_cast<const RecordWindow *>(window))
+        return HelpPages::ofRecords(record->entity());
+    return window ? HelpPages::ofWindow(window->objectName()) : HelpPages::contents;
 }
 
 void Shell::changeDataBase()

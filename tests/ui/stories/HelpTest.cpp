@@ -182,6 +182,8 @@ TEST_F(HelpTest, TheGuideIsReadSearchedAndGoneThrough)
     trigger(ActionId::ShowCalendar);
     trigger(ActionId::HelpHere);
     EXPECT_EQ(help().browser()->page(), u"calendar.html"_s);
+    for (const QString &name : {u"DevicesWindow"_s, u"CallSheetWindow"_s, u"HistoryWindow"_s})
+        EXPECT_GT(HelpPages::names().indexOf(HelpPages::ofWindow(name)), 0) << qPrintable(name);
     trigger(ActionId::UserGuide);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&help()));
     EXPECT_EQ(help().windowTitle(), u"User Guide"_s);

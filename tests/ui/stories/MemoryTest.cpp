@@ -67,20 +67,22 @@ TEST_F(MemoryTest, AListBesideItsPaneComesBackWithWhatWasReadLast)
         note->setTitle(u"note %1"_s.arg(number));
     }
     ASSERT_FALSE(DBWorker::saveContext());
-    run(ActionId::ShowNotes);
+    controller().commands()->action(ActionId::ShowNotes)->trigger();
     settle();
-    const auto notes = [this] { return screen().findChild<TableViewExtended *>(u"tableViewNotes"_s); };
+    const auto notes = [this] {
+        return controller().currentScreen()->findChild<TableViewExtended *>(u"tableViewNotes"_s);
+    };
     ASSERT_TRUE(notes());
     notes()->selectRow(30);
     notes()->scrollToRow(30);
     settle();
-    const ObjectPtr read = screen().selectedRecord();
+    const ObjectPtr read = controller().currentScreen()->selectedRecord();
     const int place = notes()->verticalScrollBar()->value();
     ASSERT_GT(place, 0);
     showList(SidebarItem::Today);
-    run(ActionId::ShowNotes);
+    controller().commands()->action(ActionId::ShowNotes)->trigger();
     settle();
-    EXPECT_EQ(screen().selectedRecord(), read);
+    EXPECT_EQ(controller().currentScreen()->selectedRecord(), read);
     EXPECT_EQ(notes()->verticalScrollBar()->value(), place);
     EXPECT_EQ(controller().detailStack()->top()->record(), read);
 }

@@ -220,7 +220,7 @@ TEST_F(NotesTest, TypedWordsOutliveTheirNoteAndTheProgram)
     namesake->setFirstName(ann->firstName());
     ASSERT_FALSE(DBWorker::saveContext());
     Q_EMIT find<QComboBox>(*pane(), "popUpButtonContact").activated(2);
-    const ContactPtr second = TaskFormChoices::contacts().at(1);
+    const ContactPtr second = TaskFormChoices::contactOfRow(TaskFormChoices::contactNames().at(1).row);
     DraftKeeper::finishAll();
     EXPECT_EQ(Drafts::find().drafts.size(), 1);
     // The program ended there: the words come back to their note.

@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QRegularExpression>
 #include <QTextDocumentFragment>
 
@@ -58,6 +59,22 @@ QString HelpPages::ofRecords(std::string_view entity)
     if (entity == EntityContacts::entityName || entity == EntityCompany::entityName)
         return u"people.html"_s;
     return entity == EntityNote::entityName ? u"notes.html"_s : contents;
+}
+
+QString HelpPages::ofWindow(const QString &name)
+{
+    static const QHash<QString, QString> pages = {{u"DevicesWindow"_s, u"devices.html"_s},
+                                                  {u"ImportContactWindow"_s, u"people.html"_s},
+                                                  {u"CallSheetWindow"_s, u"people.html"_s},
+                                                  {u"WindowAddContactsGroup"_s, u"people.html"_s},
+                                                  {u"AddCurrentTasksWindow"_s, u"projects.html"_s},
+                                                  {u"RepeatWindow"_s, u"tasks.html"_s},
+                                                  {u"CalendarsAppleWindow"_s, u"calendars.html"_s},
+                                                  {u"PreferencesWindow"_s, u"calendars.html"_s},
+                                                  {u"GoToDateWindowController"_s, u"calendar.html"_s},
+                                                  {u"HistoryWindow"_s, u"undo.html"_s},
+                                                  {u"StartWindow"_s, u"start.html"_s}};
+    return pages.value(name, contents);
 }
 
 QString HelpPages::folder()

@@ -18,6 +18,8 @@ inline const QString shortcuts = QStringLiteral("shortcuts.html");
 void setShortcuts(std::function<QString()> page);
 /// The page about records of an entity; the first page for those that have none of their own.
 QString ofRecords(std::string_view entity);
+/// The page about a window that is none of a record, by the name that it has among the widgets.
+QString ofWindow(const QString &name);
 /// The folder in the user's language, or the English one.
 QString folder();
 /// The names of all pages, in the order in which the first one links them.

@@ -19,12 +19,31 @@ static bool isReadOnly(const EntityTask &task)
     return !task.allowsContentModifications().value_or(true);
 }
 
+/// The focus moves while widgets go, when none may be asked for its children.
+static std::vector<TaskRowCommands *> &living()
+{
+    static std::vector<TaskRowCommands *> all;
+    return all;
+}
+
 TaskRowCommands::TaskRowCommands(QWidget &list, std::function<Tasks()> selected, ChangeInRows changeInRows)
     : QObject(&list)
     , menuParent(list)
     , selectedTasks(std::move(selected))
     , inRows(std::move(changeInRows))
-{}
+{
+    living().push_back(this);
+}
+
+TaskRowCommands::~TaskRowCommands()
+{
+    std::erase(living(), this);
+}
+
+const std::vector<TaskRowCommands *> &TaskRowCommands::ofAllLists()
+{
+    return living();
+}
 
 std::vector<ObjectPtr> TaskRowCommands::removable(const std::vector<ObjectPtr> &tasks)
 {

@@ -23,6 +23,9 @@ public:
     /// \param list what the menu belongs to, and these commands with it.
     /// \param selected the tasks that are selected at the moment of a call.
     TaskRowCommands(QWidget &list, std::function<Tasks()> selected, ChangeInRows changeInRows);
+    ~TaskRowCommands() override;
+    /// Those of all lists that there are, in any window.
+    static const std::vector<TaskRowCommands *> &ofAllLists();
 
     /// Ticks tasks, or clears them if all of them are ticked. The user is told where none can be changed.
     void toggleDone(const Tasks &tasks);
