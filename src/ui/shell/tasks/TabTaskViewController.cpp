@@ -69,7 +69,7 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
 
 void TabTaskViewController::setUpCapture()
 {
-    capture = new CaptureBar([this] { return newTaskRequest(); });
+    capture = new CaptureBar([this] { return newTaskRequest(); }, QString::number(static_cast<int>(type())));
     if (filterStrip()) {
         filterStrip()->setMiddle(capture);
     } else {
