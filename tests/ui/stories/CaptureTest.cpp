@@ -204,6 +204,36 @@ TEST_F(CaptureTest, AHalfTypedLineIsThereAgainAfterAnotherListAndAfterAKill)
     EXPECT_TRUE(alerts.asked().empty()) << "nobody is asked anything";
 }
 
+TEST_F(CaptureTest, NamesAreUnderstoodAsTheyAreShownAndBringWhatBelongsToThem)
+{
+    const CompanyPtr company = context().insert<EntityCompany>();
+    company->setTitle(u"Engines"_s);
+    const ContactPtr ada = context().insert<EntityContacts>();
+    ada->setFirstName(u"Ada"_s);
+    ada->setLastName(u"Lovelace"_s);
+    ada->setCompany(company);
+    const ProjectPtr project = context().insert<EntityProject>();
+    project->setTitle(ProjectManager::titleForWant());
+    ASSERT_FALSE(DBWorker::saveContext());
+    Region::setLocale(u"de_DE"_s);
+    showList(SidebarItem::Inbox);
+    run(ActionId::AddInLine);
+    type(u"Treffen morgen 12:30 #Arbeit +Neues Projekt @Ada ort:\"Altes Rathaus\""_s);
+    EXPECT_TRUE(told().contains(u"Arbeit"_s) && told().contains(u"Neues Projekt"_s)) << told().toStdString();
+    press(Qt::Key_Return);
+    const TaskPtr task = stored(u"Treffen"_s);
+    ASSERT_NE(task, nullptr);
+    EXPECT_EQ(task->category(), EntityCategory::title(u"Work"_s));
+    EXPECT_EQ(task->project(), project);
+    EXPECT_EQ(task->delegateToUser(), ada);
+    EXPECT_EQ(task->company(), company);
+    ASSERT_NE(DBWorker::locationOf(u"Altes Rathaus"_s), nullptr);
+    EXPECT_EQ(task->location(), DBWorker::locationOf(u"Altes Rathaus"_s));
+    run(ActionId::Undo);
+    EXPECT_EQ(stored(u"Treffen"_s), nullptr);
+    EXPECT_EQ(DBWorker::locationOf(u"Altes Rathaus"_s), nullptr) << "the place is a part of the step";
+}
+
 TEST_F(CaptureTest, ThePiecesLieUnderTheirWords)
 {
     showList(SidebarItem::Inbox);
