@@ -218,7 +218,28 @@ CaptureReader::Days CaptureReader::dayAt(size_t place, bool isSure) const
         return {};
     Days days = ofMatch(*phrase);
     const size_t next = place + size_t(days.count);
-    if (phrase->entry.meaning == NextWeek) {
+    if (phrase->entry.meaning == NextMonth) {
+        // "next month on the 5th"
+        const auto on = match(next, {BeforeDate});
+        const size_t at = next + size_t(on ? on->count : 0);
+        const Days lone = on ? loneDay(next, at) : Days{};
+        const auto date = lone.count == 1
+                              ? dayOf(calendar.year(days.first), calendar.month(days.first), numberOfDay(at))
+                              : OptionalDate();
+        if (date)
+            return {.count = int(at - place) + 1, .first = *date};
+    } else if (phrase->entry.meaning == WeeksAhead) {
+        // "in 2 weeks on Monday"
+        const auto on = match(next, {BeforeDate});
+        const auto day = on ? match(next + size_t(on->count), {Weekday}) : std::nullopt;
+        if (day) {
+            days.first =
+                calendar.dateByAdding(CalendarUnit::Day, 7 * phrase->number.value_or(phrase->entry.number),
+                                      nextWeekday(day->entry.number, false));
+            days.part = day->entry.part;
+            days.count += on->count + day->count;
+        }
+    } else if (phrase->entry.meaning == NextWeek) {
         // "next week on Friday"
         const auto on = match(next, {BeforeDate});
         const size_t at = next + size_t(on ? on->count : 0);

@@ -22,6 +22,8 @@ void CaptureWords::addGerman()
     add({u"in # stunden", u"in # stunde", u"in einer stunde"}, HoursAhead, 1);
     add({u"in # minuten", u"in # minute", u"in # min"}, MinutesAhead, 1);
     add({u"in einem halben jahr"}, MonthsAhead, 6);
+    add({u"in einer viertelstunde"}, MinutesAhead, 15);
+    add({u"in einer dreiviertelstunde"}, MinutesAhead, 45);
     for (const QStringView word :
          {u"nächste", u"nächster", u"nächsten", u"nächstes", u"kommende", u"kommenden", u"kommender"}) {
         const QString next = word.toString();
@@ -120,6 +122,8 @@ void CaptureWords::addGerman()
     add({u"# stunden", u"# stunde", u"# std", u"# std.", u"#std", u"#std."}, Hours, 1);
     add({u"# minuten", u"# minute", u"# min."}, Minutes, 1);
     add({u"eine halbe stunde", u"einer halben stunde"}, Minutes, 30);
+    add({u"eine viertelstunde"}, Minutes, 15);
+    add({u"eine dreiviertelstunde"}, Minutes, 45);
     add({u"anderthalb stunden", u"eineinhalb stunden"}, Minutes, 90);
     add({u"uhr"}, OClock);
     add({u"tag", u"tage", u"tagen"}, DayUnit);

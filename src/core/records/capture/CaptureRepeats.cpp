@@ -302,12 +302,9 @@ CaptureReader::Repeat CaptureReader::everyAt(size_t place) const
         // "every morning"
         return {int(next - place) + part->count, ruleOf(RecurrenceFrequency::daily), {}, part->entry.number};
     }
-    // Weekdays: after "every" at once, or after "every 2 weeks on".
-    size_t after = next;
-    if (unit) {
-        const auto on = match(after, {Meaning::BeforeDate});
-        after += on ? size_t(on->count) : 0;
-    }
+    // Weekdays and days: after "every" at once, or after "every 2 weeks on" and "immer am".
+    const auto on = match(next, {Meaning::BeforeDate});
+    const size_t after = next + size_t(on ? on->count : 0);
     if (!unit || repeat.rule->frequency == RecurrenceFrequency::weekly) {
         const bool isSure = !unit || after != next;
         const Weekdays weekdays = weekdaysAt(after, Meaning::Weekday, isSure);
@@ -475,5 +472,8 @@ void CaptureReader::finish()
             title.append(words[place].text);
     }
     result.title = title.join(u' ');
+    // "Call Ada, tomorrow"
+    if (!result.pieces.empty() && (result.title.endsWith(u',') || result.title.endsWith(u';')))
+        result.title.chop(1);
     std::ranges::sort(result.pieces, {}, &CapturePiece::from);
 }

@@ -203,6 +203,15 @@ TEST_F(CaptureLineTest, EnglishLines)
             {u"Lunch place:Bistro, tomorrow", u"Lunch [2026-11-22, at Bistro]"},
             {u"Lunch place:\"Town Hall\" Friday noon", u"Lunch [2026-11-27, 12:00, at Town Hall]"},
             {u"Book a table for Friday 7pm", u"Book a table [2026-11-27, 19:00]"},
+            {u"Call Ada, tomorrow, 5 pm", u"Call Ada [2026-11-22, 17:00]"},
+            {u"Doctor on Nov 30th at 3.15pm", u"Doctor [2026-11-30, 15:15]"},
+            {u"Backup every Sunday night", u"Backup [2026-11-22, 20:00, every 1 week 1]"},
+            {u"Payroll every two weeks on Friday", u"Payroll [2026-11-27, every 2 week 6]"},
+            {u"Meeting Tue 2-3", u"Meeting [2026-11-24, 14:00-15:00]"},
+            {u"Conference 1-3 Dec 2027", u"Conference [2027-12-01/2027-12-03]"},
+            {u"Review every 3 months on the 1st", u"Review [2026-12-01, every 3 month]"},
+            {u"Call Bob in 1.5 hours", u"Call Bob [2026-11-21, 10:45]"},
+            {u"Go home at a quarter to 5", u"Go home [2026-11-21, 16:45]"},
         });
 }
 
@@ -311,6 +320,15 @@ TEST_F(CaptureLineTest, GermanLines)
                // Signs.
                {u"Essen ort:\"Altes Rathaus\" Freitag", u"Essen [2026-11-27, at Altes Rathaus]"},
                {u"Tisch für Freitag 19 Uhr bestellen", u"Tisch bestellen [2026-11-27, 19:00]"},
+               {u"Film am Samstag, den 28.11., um 20.15 Uhr", u"Film [2026-11-28, 20:15]"},
+               {u"Sicherung jede Nacht um 23 Uhr", u"Sicherung [2026-11-21, 23:00, every 1 day]"},
+               {u"Konferenz 1.–3. Dezember 2027", u"Konferenz [2027-12-01/2027-12-03]"},
+               {u"Miete immer am 1.", u"Miete [2026-12-01, every 1 month]"},
+               {u"Bob in einer Viertelstunde anrufen", u"Bob anrufen [2026-11-21, 9:30]"},
+               {u"Bericht nächsten Monat am 5.", u"Bericht [2026-12-05]"},
+               {u"Bericht in 2 Wochen am Montag", u"Bericht [2026-12-07]"},
+               {u"Tisch für 4 Personen um 19 Uhr", u"Tisch für 4 Personen [2026-11-21, 19:00]"},
+               {u"Miete immer zum Monatsende", u"Miete immer [2026-11-30]"},
            });
 }
 
@@ -437,6 +455,9 @@ TEST_F(CaptureLineTest, OtherLanguagesHaveTheirWordsFromTheLocaleData)
     const std::tuple<QStringView, QStringView, QStringView> lines[] = {
         {u"fr", u"Courses demain", u"Courses [2026-11-22]"},
         {u"fr", u"Courses dans 3 jours", u"Courses [2026-11-24]"},
+        {u"fr", u"Réunion demain 17h30", u"Réunion [2026-11-22, 17:30]"},
+        {u"fr", u"Réunion 17h", u"Réunion [2026-11-21, 17:00]"},
+        {u"sv", u"Film 17h", u"Film 17h"},
         {u"es", u"Compras pasado mañana", u"Compras [2026-11-23]"},
         {u"it", u"Spesa lunedì", u"Spesa [2026-11-23]"},
         {u"nl", u"Boodschappen over 2 weken", u"Boodschappen [2026-12-05]"},
