@@ -9,6 +9,9 @@
 using namespace Qt::Literals::StringLiterals;
 using Meaning = CaptureWords::Meaning;
 
+/// Behind it there are no dates.
+constexpr int lastYear = 9999;
+
 bool CaptureReader::takeDate(size_t &place)
 {
     if (known.contains(CapturePiece::Kind::Date))
@@ -268,7 +271,10 @@ CaptureReader::Days CaptureReader::weekdayOf(size_t place, bool isSure) const
     using enum CaptureWords::Meaning;
     constexpr int mostMonthsToMatch = 24;
     const auto day = match(place, {Weekday});
-    if (!day)
+    static const QStringList past{u"last"_s,   u"letzte"_s,  u"letzten"_s,    u"letzter"_s,
+                                  u"vorige"_s, u"vorigen"_s, u"vergangene"_s, u"vergangenen"_s,
+                                  u"past"_s,   u"previous"_s};
+    if (!day || (place > 0 && past.contains(words[place - 1].folded)))
         return {};
     const size_t behind = place + size_t(day->count);
     size_t next = behind;
@@ -350,7 +356,7 @@ CaptureReader::Days CaptureReader::partOf(size_t place) const
         part = dictionary.match(std::array{u"mid"_s}, {PartOf});
         period = dictionary.match(one, {Month});
     }
-    if (!part || !period)
+    if (!part || !period || calendar.year(today) >= lastYear)
         return {};
     next += size_t(period->count);
     const int where = part->entry.number;
@@ -430,7 +436,7 @@ OptionalDate CaptureReader::mondayOfWeek(int number) const
 {
     constexpr int mostWeeks = 53;
     constexpr int monday = 2;
-    if (number < 1 || number > mostWeeks)
+    if (number < 1 || number > mostWeeks || calendar.year(today) >= lastYear)
         return {};
     const Date thisMonday = dayOfWeekAhead(monday, 0);
     for (int away = 0; away <= mostWeeks + 1; ++away) {
@@ -482,7 +488,10 @@ CaptureReader::Days CaptureReader::ofMatch(const CaptureWords::Match &match) con
             CalendarUnit::Month, 1, calendar.dateByAdding(CalendarUnit::Day, 1 - calendar.day(today), today));
         break;
     case Meaning::NextYear:
-        days.first = *dayOf(calendar.year(today) + 1, 1, 1);
+        if (const OptionalDate newYear = dayOf(calendar.year(today) + 1, 1, 1))
+            days.first = *newYear;
+        else
+            days.count = 0;
         break;
     case Meaning::Weekend:
         // On a Sunday there is no more of it than that day.
@@ -514,7 +523,6 @@ CaptureReader::Days CaptureReader::ofMatch(const CaptureWords::Match &match) con
 
 OptionalDate CaptureReader::dayOf(int year, int month, int day) const
 {
-    constexpr int lastYear = 9999;
     if (year < 1 || year > lastYear || month < 1 || month > 12 || day < 1)
         return {};
     const Date first = calendar.dateFromComponents({.year = year, .month = month, .day = 1});

@@ -78,8 +78,9 @@ void CaptureWords::addGerman()
         add(full + u's', Entry{WeekdayEach, day});
         for (const auto &[part, minute] : parts)
             add(full + part.toString(), Entry{Weekday, day, false, minute});
-        // With the full stop it is a weekday; without, "so" and "do" are mostly something else.
-        add(full.left(2) + u"."_s, Entry{Weekday, day});
+        // With the full stop it is a weekday, but for "Fr. Müller"; without, "so" and "do" are mostly
+        // something else.
+        add(full.left(2) + u"."_s, Entry{Weekday, day, name == u"freitag"});
         add(full.left(2), Entry{Weekday, day, true});
     }
     add({u"sonnabend"}, Weekday, 7);
@@ -114,8 +115,8 @@ void CaptureWords::addGerman()
     add({u"den", u"dem", u"der", u"für", u"für den"}, BeforeDate, 0, true);
     add({u"um", u"gegen", u"bis", u"ab"}, BeforeTime);
     add({u"von", u"vom", u"ab"}, From);
-    add({u"bis", u"bis zum"}, To);
-    add({u"bis", u"bis zum"}, Until);
+    add({u"bis", u"bis zum", u"bis einschließlich", u"bis inklusive"}, To);
+    add({u"bis", u"bis zum", u"bis einschließlich"}, Until);
     add({u"zwischen"}, Between);
     add({u"für"}, For);
     add({u"und"}, And);

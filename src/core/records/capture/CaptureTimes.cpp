@@ -243,6 +243,9 @@ CaptureReader::Times CaptureReader::timesAt(size_t place) const
         times = rangeOfClocks(next, lead.has_value());
     if (lead && lead->entry.meaning == Meaning::Between && !times.last)
         return {};
+    // "from 5" alone is rather where a count begins.
+    if (lead && !times.isSure && !times.last && times.count > 0 && !match(next - 1, {Meaning::BeforeTime}))
+        return onlyPart;
     const size_t end = next + size_t(times.count);
     if (times.count == 0) {
         // "8 abends": what follows makes a time of the number.
@@ -302,8 +305,11 @@ CaptureReader::Clock CaptureReader::clockAt(size_t place, bool hasLead) const
     if (!parts.hasMatch())
         return {};
     int hour = parts.captured(1).toInt();
-    const int minute = parts.captured(3).toInt();
+    int minute = parts.captured(3).toInt();
     const QString apart = parts.captured(2);
+    // "23.12." is a date.
+    if (apart == u"."_s && word.endsWith(u'.') && parts.captured(4).isEmpty())
+        return {};
     QString half = parts.captured(4);
     int count = 1;
     const bool isBehindDay = isBehind(place, CapturePiece::Kind::Date);
@@ -322,6 +328,12 @@ CaptureReader::Clock CaptureReader::clockAt(size_t place, bool hasLead) const
         } else if (isOClock(place + 1)) {
             half = u"uhr"_s;
             ++count;
+            // "7 Uhr 30"
+            static const QRegularExpression minutes(u"^[0-5]\\d$"_s);
+            if (apart.isEmpty() && isFree(place + 2) && minutes.match(words[place + 2].folded).hasMatch()) {
+                minute = words[place + 2].folded.toInt();
+                ++count;
+            }
         } else if (next == u"h"_s) {
             half = u"h"_s;
             ++count;

@@ -280,6 +280,7 @@ TEST_F(CaptureLineTest, GermanLines)
                {u"Feiern 29.2.", u"Feiern [2028-02-29]"},
                // Ranges.
                {u"Urlaub vom 9. bis 12. März", u"Urlaub [2027-03-09/2027-03-12]"},
+               {u"Urlaub vom 23.12. bis einschließlich 6.1.", u"Urlaub [2026-12-23/2027-01-06]"},
                {u"Urlaub 24.-27.12.", u"Urlaub [2026-12-24/2026-12-27]"},
                {u"Urlaub 24.12.-3.1.", u"Urlaub [2026-12-24/2027-01-03]"},
                {u"Messe von Freitag bis Montag", u"Messe [2026-11-27/2026-11-30]"},
@@ -290,6 +291,7 @@ TEST_F(CaptureLineTest, GermanLines)
                {u"Kurs Montag 17 Uhr, 90 min", u"Kurs [2026-11-23, 17:00-18:30]"},
                {u"Kurs Montag 10-12", u"Kurs [2026-11-23, 10:00-12:00]"},
                {u"Kurs Montag 17h", u"Kurs [2026-11-23, 17:00]"},
+               {u"7 Uhr 30 aufstehen", u"aufstehen [2026-11-22, 7:30]"},
                {u"Tee halb fünf", u"Tee [2026-11-21, 16:30]"},
                {u"Tee um Viertel nach 5", u"Tee [2026-11-21, 17:15]"},
                {u"Tee heute Abend um 8", u"Tee [2026-11-21, 20:00]"},
@@ -394,7 +396,15 @@ TEST_F(CaptureLineTest, WordsThatOnlyLookLikeDatesStayInTheTitle)
                              u"Every cloud",
                              u"Night shift",
                              u"Gym 3 times a week",
-                             u"Read chapters 3 to 5"});
+                             u"Read chapters 3 to 5",
+                             u"Last Monday notes",
+                             u"Wed wedding planner",
+                             u"May I come in",
+                             u"Jan called",
+                             u"Tomorrow's World",
+                             u"End of story",
+                             u"In 3 steps",
+                             u"10 times table"});
     Region::setLocale(u"de_DE"_s);
     expectTitles({u"de"_s, u"en"_s}, {u"Tod eines Handlungsreisenden lesen",
                                       u"Mai Thai bestellen",
@@ -416,7 +426,15 @@ TEST_F(CaptureLineTest, WordsThatOnlyLookLikeDatesStayInTheTitle)
                                       u"Zweite Mahnung schicken",
                                       u"Ab und zu lüften",
                                       u"Mitte suchen",
-                                      u"Jeder Tag zählt"});
+                                      u"Jeder Tag zählt",
+                                      u"Fr. Müller anrufen",
+                                      u"Von 5 auf 7 erhöhen",
+                                      u"Letzten Freitag",
+                                      u"August Macke",
+                                      u"Mi Casa",
+                                      u"Bis bald",
+                                      u"3. Advent feiern",
+                                      u"Alle 10 Minuten"});
 }
 
 TEST_F(CaptureLineTest, MonthEndsAndChangesOfTheClock)
@@ -436,6 +454,19 @@ TEST_F(CaptureLineTest, MonthEndsAndChangesOfTheClock)
     // The night in which an hour is skipped, and the one in which there are two of it.
     expect(words, localDate(2026, 3, 28, 12),
            {{u"a morgen 2:30", u"a [2026-03-29, 2:30]"}, {u"b in 1 Tag", u"b [2026-03-29]"}});
+    expect(words, localDate(2026, 10, 24, 20),
+           {{u"a in 7 Stunden", u"a [2026-10-25, 2:00]"},
+            {u"b 23-7 Uhr", u"b [2026-10-24/2026-10-25, 23:00-7:00]"},
+            {u"c morgen 2:30", u"c [2026-10-25, 2:30]"}});
+    expect(words, localDate(2028, 2, 28, 12),
+           {{u"a morgen", u"a [2028-02-29]"},
+            {u"b 29.2.", u"b [2028-02-29]"},
+            {u"c Monatsende", u"c [2028-02-29]"},
+            {u"d 29.2.2027", u"d 29.2.2027"}});
+    expect(words, localDate(2026, 12, 30, 9),
+           {{u"a Ende der Woche", u"a [2027-01-01]"},
+            {u"b KW 1", u"b [2027-01-04]"},
+            {u"c nächstes Wochenende", u"c [2027-01-09]"}});
     expect(words, localDate(2026, 10, 25, 0, 30),
            {{u"a in 24 Stunden", u"a [2026-10-25, 23:30]"}, {u"b morgen", u"b [2026-10-26]"}});
     expect(words, localDate(2026, 12, 31, 22, 30),
@@ -446,7 +477,11 @@ TEST_F(CaptureLineTest, MonthEndsAndChangesOfTheClock)
                {u"d Ende nächsten Monats", u"d [2027-01-31]"},
                {u"e Silvester 31.12. 23-1 Uhr", u"e Silvester [2026-12-31/2027-01-01, 23:00-1:00]"},
            });
-    expect(words, localDate(9999, 12, 31, 12), {{u"a 1.1.", u"a 1.1."}});
+    expect(words, localDate(9999, 12, 31, 12),
+           {{u"a 1.1.", u"a 1.1."},
+            {u"Ende März", u"Ende März"},
+            {u"KW 9", u"KW 9"},
+            {u"nächstes Jahr", u"nächstes Jahr"}});
 }
 
 TEST_F(CaptureLineTest, OtherLanguagesHaveTheirWordsFromTheLocaleData)
