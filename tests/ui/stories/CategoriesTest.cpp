@@ -263,7 +263,7 @@ TEST_F(CategoriesScreen, BesideADetailTheTasksKeepTheirRoom)
 
 TEST_F(CategoriesScreen, ATaskThatIsTypedAboveTheTasksOfACategoryBelongsToIt)
 {
-    select(u"Personal"_s);
+    select(u"Work"_s);
     run(ActionId::AddInLine);
     QLineEdit *const line = categories().captureBar()->edit();
     ASSERT_TRUE(line->hasFocus());
@@ -271,10 +271,11 @@ TEST_F(CategoriesScreen, ATaskThatIsTypedAboveTheTasksOfACategoryBelongsToIt)
     QTest::keyClick(line, Qt::Key_Return);
     settle();
     EXPECT_TRUE(shownTitles().contains(u"Water plants"_s));
-    EXPECT_EQ(stored(u"Water plants"_s)->category(), EntityCategory::title(u"Personal"_s));
-    QTest::keyClicks(line, u"File papers #Work"_s);
+    EXPECT_EQ(stored(u"Water plants"_s)->category(), EntityCategory::title(u"Work"_s));
+    QTest::keyClicks(line, u"File papers #Personal"_s);
     QTest::keyClick(line, Qt::Key_Return);
-    EXPECT_EQ(stored(u"File papers"_s)->category(), EntityCategory::title(u"Work"_s)) << "what is typed wins";
+    EXPECT_EQ(stored(u"File papers"_s)->category(), EntityCategory::title(u"Personal"_s))
+        << "what is typed wins";
 }
 
 TEST_F(CategoriesScreen, AHalfTypedTitleIsKeptWhenTheScreenIsLeftAndWhenTheProgramQuits)
