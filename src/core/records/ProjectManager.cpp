@@ -48,13 +48,16 @@ bool leavesOutTasks(const MVProject &project)
     return true;
 }
 
-const QString titleForWant = QStringLiteral("NewProject");
-
 } // namespace
+
+QString ProjectManager::titleForWant()
+{
+    return QStringLiteral("NewProject");
+}
 
 QString ProjectManager::shownTitle(const EntityProject &project)
 {
-    return project.title() == titleForWant ? localized(titleForWant) : project.title();
+    return project.title() == titleForWant() ? localized(titleForWant()) : project.title();
 }
 
 bool ProjectManager::saveProjectTemp(MVProject &project)
@@ -67,7 +70,7 @@ bool ProjectManager::saveProjectTemp(MVProject &project)
     if (isDueBeforeStart(project) || (!project.isNewProject() && leavesOutTasks(project)))
         return false;
     if (project.title.isEmpty())
-        project.title = titleForWant;
+        project.title = titleForWant();
     RecordsTransaction transaction(project.isNewProject() ? u"New Project"_s : u"Change Project"_s);
     project.save();
     if (const OptionalError error = transaction.commit()) {

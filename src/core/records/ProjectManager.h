@@ -18,6 +18,8 @@ public:
     /// failed commit stopped it; a message leaves the row as it was.
     static bool saveProjectTemp(MVProject &project);
 
+    /// What a project is called in the store for want of a title.
+    static QString titleForWant();
     /// The title that is shown: the one a project got for want of a better is in the language of the user.
     static QString shownTitle(const EntityProject &project);
 

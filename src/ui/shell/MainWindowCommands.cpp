@@ -231,7 +231,7 @@ void MainWindowController::menuClickNewTask()
 void MainWindowController::addInLine()
 {
     const auto line = [this] { return qobject_cast<TabTaskViewController *>(screen); };
-    if (!line() || !line()->captureBar())
+    if (!line() || !line()->canTakeLines())
         goToList(SidebarItem::Inbox);
     if (line() && line()->captureBar())
         line()->captureBar()->setFocus(Qt::ShortcutFocusReason);

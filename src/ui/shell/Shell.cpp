@@ -8,6 +8,7 @@
 #include "records/DraftKeeper.h"
 #include "records/HelpAddresses.h"
 #include "records/RecordWindow.h"
+#include "records/capture/CaptureDrafts.h"
 #include "shell/ApplicationLife.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -203,6 +204,7 @@ bool Shell::commitEditing()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
     // Whoever cannot be asked any more finds the text at the next start.
     DraftKeeper::finishAll();
+    CaptureDraftKeeper::finishAll();
     return true;
 }
 

@@ -17,6 +17,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimeEdit>
 #include <QVBoxLayout>
@@ -28,6 +29,7 @@ DatePickerPopover::DatePickerPopover(const DatePickerState &state, QWidget *pare
     , minimum(state.minDate)
     , maximum(state.maxDate)
     , grid(new MonthGrid)
+    , canBeSomeday(state.showCheckBox && state.typePicker == DatePickerState::Type::DueDate)
 {
     setObjectName(u"datePickerPopover"_s);
     setAccessibleName(state.titlePopover);
@@ -82,7 +84,7 @@ QWidget *DatePickerPopover::makeTyping()
     connect(words, &QLineEdit::textChanged, this, &DatePickerPopover::typed);
     connect(words, &QLineEdit::returnPressed, this, [this] {
         if (done->isEnabled())
-            accept();
+            takeShown();
     });
     column->addWidget(words);
     column->addWidget(meaning);
@@ -107,18 +109,21 @@ void DatePickerPopover::typed()
     const QString text = words->text();
     const bool isEmpty = text.trimmed().isEmpty();
     const auto date = TypedDate::read(text);
+    isSomedayTyped = date && date->isSomeday && canBeSomeday;
     QString told;
     if (!date)
         told = localized(u"This is no date that can be read."_s);
-    else if (date->minute && !clock)
+    else if ((date->isSomeday && !canBeSomeday) || (date->minute && !clock))
         told = localized(u"Only a day can be chosen here."_s);
-    else if (!isWithinLimits(*date))
+    else if (!date->isSomeday && !isWithinLimits(*date))
         told = localized(u"That day cannot be chosen here."_s);
     const bool isWrong = !told.isEmpty();
     // Words that say nothing are not passed over for the day that is marked.
     done->setEnabled(isEmpty || !isWrong);
     meaning->setVisible(!isEmpty);
-    if (!isWrong) {
+    if (isSomedayTyped) {
+        told = quickdays::title(QuickDay::Someday);
+    } else if (!isWrong) {
         grid->setDate(date->day);
         if (date->minute)
             clock->setTime(QTime(*date->minute / 60, *date->minute % 60));
@@ -138,13 +143,18 @@ QWidget *DatePickerPopover::makeQuickDays()
     int place = 0;
     for (const QuickDay day : quickdays::all) {
         const OptionalDate date = quickdays::dayOf(day, Clock::now());
-        if (!date)
+        if (!date && !canBeSomeday)
             continue;
         auto *button = new QPushButton(quickdays::title(day));
         button->setObjectName(u"quickDay%1"_s.arg(static_cast<int>(day)));
+        button->setAutoDefault(false);
+        if (!date) {
+            connect(button, &QPushButton::clicked, this, &DatePickerPopover::takeSomeday);
+            places->addWidget(button, place / 2, 0, 1, 2);
+            continue;
+        }
         button->setToolTip(DateFormatter::string(*date, DateFormatter::patternFromTemplate(u"EEEEMMMMd"_s)));
         button->setEnabled(isWithinLimits(TypedDate{*date}));
-        button->setAutoDefault(false);
         connect(button, &QPushButton::clicked, this, [this, date] { take(*date); });
         places->addWidget(button, place / 2, place % 2);
         ++place;
@@ -165,7 +175,36 @@ bool DatePickerPopover::isWithinLimits(const TypedDate &date) const
 
 void DatePickerPopover::take(Date day)
 {
+    leaveSomeday();
     grid->setDate(day);
+    accept();
+}
+
+/// A day that was said is meant, whatever the box says.
+void DatePickerPopover::leaveSomeday()
+{
+    if (!canBeSomeday || !check->isChecked())
+        return;
+    const Date marked = grid->date();
+    check->setChecked(false);
+    grid->setDate(marked);
+}
+
+/// Whoever made the bubble hears of the box, and closes the bubble where the rules say so.
+void DatePickerPopover::takeSomeday()
+{
+    const QPointer<DatePickerPopover> self = this;
+    check->setChecked(true);
+    if (self)
+        close();
+}
+
+void DatePickerPopover::takeShown()
+{
+    if (isSomedayTyped)
+        return takeSomeday();
+    if (words && !words->text().trimmed().isEmpty())
+        leaveSomeday();
     accept();
 }
 
@@ -196,7 +235,7 @@ QWidget *DatePickerPopover::makeButtons()
     done->setObjectName(u"buttonDone"_s);
     done->setDefault(true);
     connect(cancel, &QPushButton::clicked, this, &QWidget::close);
-    connect(done, &QPushButton::clicked, this, &DatePickerPopover::accept);
+    connect(done, &QPushButton::clicked, this, &DatePickerPopover::takeShown);
     row->addWidget(cancel, 1);
     row->addWidget(done, 1);
     return line;

@@ -41,6 +41,11 @@ private:
     void typed();
     /// Takes a day, at the time that is shown, and is done.
     void take(Date day);
+    /// Ticks the box that says so, and is done.
+    void takeSomeday();
+    void leaveSomeday();
+    /// Takes what was typed or is marked.
+    void takeShown();
     /// A day without a time is, if any of its moments is.
     bool isWithinLimits(const TypedDate &date) const;
     void accept();
@@ -53,4 +58,7 @@ private:
     QPushButton *done = nullptr;
     QTimeEdit *clock = nullptr;
     QCheckBox *check = nullptr;
+    /// Whether the check box is the one of some day.
+    bool canBeSomeday;
+    bool isSomedayTyped = false;
 };

@@ -199,8 +199,7 @@ TEST_F(AccessibilityTest, TabGoesAsTheEyeDoesOnEveryScreenThatIsReturnedTo)
             wanted.front() = u"popUpButtonSort"_s;
         if (item == SidebarItem::Categories)
             wanted.insert(1, u"tableViewCategory"_s);
-        else
-            wanted.prepend(u"captureField"_s);
+        wanted.insert(item == SidebarItem::Categories ? 2 : 0, u"captureField"_s);
         if (item == SidebarItem::Today)
             wanted.prepend(u"tasksGroupedView"_s);
         // It is empty, and what helps stands in its middle.

@@ -1,11 +1,15 @@
 // Tasks are typed in one line above a list.
 
 #include "foundation/Region.h"
+#include "records/DraftKeeper.h"
+#include "records/ProjectManager.h"
+#include "shell/Shell.h"
 #include "shell/tasks/CaptureBar.h"
 #include "shell/tasks/CaptureEdit.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/TableViewExtended.h"
 
+#include <QFile>
 #include <QLabel>
 
 using namespace Qt::Literals::StringLiterals;
@@ -26,6 +30,26 @@ protected:
     }
     void type(const QString &text) { QTest::keyClicks(&line(), text); }
     void press(Qt::Key pressed) { QTest::keyClick(&line(), pressed); }
+    /// The program ends as it does for the system, and starts again.
+    void restart()
+    {
+        EXPECT_EQ(delegate->applicationShouldTerminate(AppDelegate::QuitWish::OfSystem),
+                  AppDelegate::TerminateReply::Now);
+        delegate->applicationWillTerminate();
+        delegate.reset();
+        auto made = std::make_unique<Shell>();
+        shell = made.get();
+        delegate = std::make_unique<AppDelegate>(std::move(made));
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+        window().resize(1080, 700);
+    }
+    static QByteArray linesOnDisk()
+    {
+        QFile file(Drafts::folder() + u"/lines.json"_s);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
 };
 
 } // namespace
@@ -112,6 +136,102 @@ TEST_F(CaptureTest, BackspaceMakesPlainWordsOfAPieceAndNothingIsLost)
     EXPECT_EQ(line().text(), QString());
     press(Qt::Key_Escape);
     EXPECT_TRUE(list().hasFocus());
+}
+
+TEST_F(CaptureTest, OneBackspaceTakesBackAllWordsOfAPiece)
+{
+    showList(SidebarItem::Inbox);
+    run(ActionId::AddInLine);
+    for (const QString &text : {u"Sing on Friday"_s, u"Sing every Monday"_s, u"Sing the day after tomorrow"_s,
+                                u"Sing place:\"Town Hall\""_s}) {
+        type(text);
+        EXPECT_NE(told(), QString()) << text.toStdString();
+        press(Qt::Key_Backspace);
+        EXPECT_EQ(told(), QString()) << text.toStdString();
+        EXPECT_EQ(line().capture().title, text);
+        EXPECT_TRUE(line().capture().pieces.empty()) << text.toStdString();
+        press(Qt::Key_Escape);
+    }
+    type(u"tomorrow 5pm"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(told(), u"A title is missing"_s);
+    EXPECT_EQ(line().text(), u"tomorrow 5pm"_s);
+    press(Qt::Key_Home);
+    type(u"Tea "_s);
+    press(Qt::Key_Return);
+    EXPECT_NE(stored(u"Tea"_s), nullptr);
+}
+
+TEST_F(CaptureTest, AHalfTypedLineIsThereAgainAfterAnotherListAndAfterAKill)
+{
+    const ScriptedAlerts alerts(std::deque<int>{});
+    showList(SidebarItem::Inbox);
+    run(ActionId::AddInLine);
+    type(u"Read Tomorrow"_s);
+    press(Qt::Key_Backspace);
+    type(u" and mor"_s);
+    showList(SidebarItem::Today);
+    EXPECT_EQ(line().text(), QString()) << "each list has its own";
+    run(ActionId::AddInLine);
+    type(u"Call"_s);
+    controller().goToList(SidebarItem::Someday);
+    showList(SidebarItem::Inbox);
+    EXPECT_EQ(line().text(), u"Read Tomorrow and mor"_s);
+    EXPECT_EQ(line().capture().title, u"Read Tomorrow and mor"_s) << "what was taken back stays so";
+    EXPECT_EQ(told(), QString()) << "nothing hangs over the list before one goes on";
+
+    run(ActionId::AddInLine);
+    press(Qt::Key_End);
+    type(u"e today"_s);
+    EXPECT_TRUE(QTest::qWaitFor([] { return linesOnDisk().contains("and more today"); }))
+        << "what a kill leaves: " << linesOnDisk().toStdString();
+    run(ActionId::CloseWindow);
+    controller().showWindow();
+    EXPECT_EQ(line().text(), u"Read Tomorrow and more today"_s);
+    restart();
+    showList(SidebarItem::Today);
+    EXPECT_EQ(line().text(), u"Call"_s);
+    showList(SidebarItem::Inbox);
+    EXPECT_EQ(line().text(), u"Read Tomorrow and more today"_s);
+    run(ActionId::AddInLine);
+    press(Qt::Key_Return);
+    EXPECT_NE(stored(u"Read Tomorrow and more"_s), nullptr);
+    EXPECT_FALSE(linesOnDisk().contains("Read")) << "what is stored does not come back as a line";
+    showList(SidebarItem::Today);
+    run(ActionId::AddInLine);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(linesOnDisk(), QByteArray());
+    EXPECT_TRUE(alerts.asked().empty()) << "nobody is asked anything";
+}
+
+TEST_F(CaptureTest, NamesAreUnderstoodAsTheyAreShownAndBringWhatBelongsToThem)
+{
+    const CompanyPtr company = context().insert<EntityCompany>();
+    company->setTitle(u"Engines"_s);
+    const ContactPtr ada = context().insert<EntityContacts>();
+    ada->setFirstName(u"Ada"_s);
+    ada->setLastName(u"Lovelace"_s);
+    ada->setCompany(company);
+    const ProjectPtr project = context().insert<EntityProject>();
+    project->setTitle(ProjectManager::titleForWant());
+    ASSERT_FALSE(DBWorker::saveContext());
+    Region::setLocale(u"de_DE"_s);
+    showList(SidebarItem::Inbox);
+    run(ActionId::AddInLine);
+    type(u"Treffen morgen 12:30 #Arbeit +Neues Projekt @Ada ort:\"Altes Rathaus\""_s);
+    EXPECT_TRUE(told().contains(u"Arbeit"_s) && told().contains(u"Neues Projekt"_s)) << told().toStdString();
+    press(Qt::Key_Return);
+    const TaskPtr task = stored(u"Treffen"_s);
+    ASSERT_NE(task, nullptr);
+    EXPECT_EQ(task->category(), EntityCategory::title(u"Work"_s));
+    EXPECT_EQ(task->project(), project);
+    EXPECT_EQ(task->delegateToUser(), ada);
+    EXPECT_EQ(task->company(), company);
+    ASSERT_NE(DBWorker::locationOf(u"Altes Rathaus"_s), nullptr);
+    EXPECT_EQ(task->location(), DBWorker::locationOf(u"Altes Rathaus"_s));
+    run(ActionId::Undo);
+    EXPECT_EQ(stored(u"Treffen"_s), nullptr);
+    EXPECT_EQ(DBWorker::locationOf(u"Altes Rathaus"_s), nullptr) << "the place is a part of the step";
 }
 
 TEST_F(CaptureTest, ThePiecesLieUnderTheirWords)

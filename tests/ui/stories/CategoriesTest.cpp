@@ -5,6 +5,8 @@
 #include "records/DetailStack.h"
 #include "shell/categories/CategoriesViewController.h"
 #include "shell/categories/CategoryTasksCell.h"
+#include "shell/tasks/CaptureBar.h"
+#include "shell/tasks/CaptureEdit.h"
 #include "store/entities/EntityCategory.h"
 #include "store/state/SettingsKeys.h"
 #include "ui/support/ShellTest.h"
@@ -257,6 +259,23 @@ TEST_F(CategoriesScreen, BesideADetailTheTasksKeepTheirRoom)
     EXPECT_GT(list().width(), 250);
     categories().detailStack()->removeAllDetail();
     EXPECT_TRUE(panel.isVisible());
+}
+
+TEST_F(CategoriesScreen, ATaskThatIsTypedAboveTheTasksOfACategoryBelongsToIt)
+{
+    select(u"Work"_s);
+    run(ActionId::AddInLine);
+    QLineEdit *const line = categories().captureBar()->edit();
+    ASSERT_TRUE(line->hasFocus());
+    QTest::keyClicks(line, u"Water plants tomorrow"_s);
+    QTest::keyClick(line, Qt::Key_Return);
+    settle();
+    EXPECT_TRUE(shownTitles().contains(u"Water plants"_s));
+    EXPECT_EQ(stored(u"Water plants"_s)->category(), EntityCategory::title(u"Work"_s));
+    QTest::keyClicks(line, u"File papers #Personal"_s);
+    QTest::keyClick(line, Qt::Key_Return);
+    EXPECT_EQ(stored(u"File papers"_s)->category(), EntityCategory::title(u"Personal"_s))
+        << "what is typed wins";
 }
 
 TEST_F(CategoriesScreen, AHalfTypedTitleIsKeptWhenTheScreenIsLeftAndWhenTheProgramQuits)

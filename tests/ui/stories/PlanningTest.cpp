@@ -4,6 +4,7 @@
 #include "records/DraggedRecords.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/Appearance.h"
+#include "widgets/DatePicker.h"
 #include "widgets/DatePickerPopover.h"
 #include "widgets/LookOfProgram.h"
 #include "widgets/MonthGrid.h"
@@ -99,6 +100,41 @@ TEST_F(PlanningTest, ADateIsTypedInWordsIntoTheBubble)
     find<QPushButton>(bubble(), "quickDay1").setFocus();
     QTest::keyClick(&bubble(), Qt::Key_Return);
     EXPECT_EQ(stored(u"a"_s)->startDate(), day(22));
+}
+
+TEST_F(PlanningTest, TheDueDateOfAToDoCanBeSomeDayByAButtonAndByAWord)
+{
+    WindowNewTask &form = openNewTask();
+    auto &picker = find<DatePicker>(form, "datePickerDueDate");
+    const auto isSomeday = [&form] { return form.taskForm()->currentTask().dueSomeDay.value_or(false); };
+    const auto open = [&]() -> DatePickerPopover & {
+        Q_EMIT picker.pressed();
+        return find<DatePickerPopover>(form, "datePickerPopover");
+    };
+    find<QPushButton>(open(), "quickDay4").click();
+    settle();
+    EXPECT_TRUE(isSomeday());
+    DatePickerPopover &again = open();
+    find<QPushButton>(again, "quickDay1").click();
+    settle();
+    EXPECT_FALSE(isSomeday());
+    DatePickerPopover &typed = open();
+    auto &words = find<QLineEdit>(typed, "typedDate");
+    words.setText(u"someday"_s);
+    EXPECT_EQ(find<QLabel>(typed, "meaningOfTypedDate").text(), u"Someday"_s);
+    QTest::keyClick(&words, Qt::Key_Return);
+    settle();
+    EXPECT_TRUE(isSomeday());
+
+    // A start has its day.
+    Q_EMIT find<DatePicker>(form, "datePickerStartDate").pressed();
+    auto &start = find<DatePickerPopover>(form, "datePickerPopover");
+    EXPECT_EQ(start.findChild<QPushButton *>(u"quickDay4"_s), nullptr);
+    find<QLineEdit>(start, "typedDate").setText(u"someday"_s);
+    EXPECT_FALSE(find<QPushButton>(start, "buttonDone").isEnabled());
+    start.close();
+    const ScriptedAlerts alerts({Alert::thirdButton});
+    form.close();
 }
 
 TEST_F(PlanningTest, ACopyIsMadeAndMarkedAndLinesBecomeTasks)

@@ -19,3 +19,8 @@ Capture CaptureLine::read(const QString &line, const std::set<int> &literal) con
 {
     return CaptureReader(words, names, moment, line, literal).read();
 }
+
+Capture CaptureLine::readDate(const QString &text) const
+{
+    return CaptureReader(words, names, moment, text, {}, true).read();
+}

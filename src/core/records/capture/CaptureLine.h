@@ -77,6 +77,9 @@ public:
 
     /// \param literal places in the line at which nothing is to be understood: pieces that were taken back.
     Capture read(const QString &line, const std::set<int> &literal = {}) const;
+    /// Reads words that can be nothing but a date: "sat" and "15." count, which are mostly something else in
+    /// a line of words.
+    Capture readDate(const QString &text) const;
 
 private:
     const CaptureWords &words;

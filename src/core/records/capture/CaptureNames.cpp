@@ -1,3 +1,5 @@
+#include "records/Categories.h"
+#include "records/ProjectManager.h"
 #include "records/capture/CaptureLine.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
@@ -36,19 +38,25 @@ void takeLonger(std::pair<Pointer, int> &best, const Pointer &record, int letter
 std::pair<CategoryPtr, int> categoryIn(QStringView text)
 {
     std::pair<CategoryPtr, int> best{nullptr, 0};
-    for (const CategoryPtr &category : DBWorker::allCategories())
-        takeLonger(best, category, lettersOf(text, category->title()));
+    for (const CategoryPtr &category : DBWorker::allCategories()) {
+        // As it is shown, and as it is called in the store.
+        for (const QString &title : {Categories::shownTitle(category), category->title()})
+            takeLonger(best, category, lettersOf(text, title));
+    }
     return best;
 }
 
 std::pair<ProjectPtr, int> projectIn(QStringView text)
 {
     std::pair<ProjectPtr, int> best{nullptr, 0};
-    const auto request =
-        EntityProject::fetchRequest().where(Predicate::format("title beginswith[cd] %@", firstWordOf(text)));
+    // The title of one that has none yet is shown in the language of the user.
+    const auto request = EntityProject::fetchRequest().where(Predicate::format(
+        "title beginswith[cd] %@ or title = %@", firstWordOf(text), ProjectManager::titleForWant()));
     for (const ProjectPtr &project : mainContext().fetch<EntityProject>(request)) {
-        if (project)
-            takeLonger(best, project, lettersOf(text, project->title()));
+        if (!project)
+            continue;
+        for (const QString &title : {ProjectManager::shownTitle(*project), project->title()})
+            takeLonger(best, project, lettersOf(text, title));
     }
     return best;
 }

@@ -11,8 +11,9 @@ class CaptureReader
 public:
     static constexpr int minutesOfDay = 24 * 60;
 
+    /// \param isDate the whole line can be nothing but a date: words that are mostly something else count.
     CaptureReader(const CaptureWords &dictionary, const CaptureLine::Names &knownNames, Date now,
-                  const QString &text, const std::set<int> &literalPlaces);
+                  const QString &text, const std::set<int> &literalPlaces, bool isDate = false);
 
     Capture read();
 
@@ -33,19 +34,57 @@ private:
         OptionalDate last = {};
         bool isSomeday = false;
         std::optional<int> minute = {};
+        /// The part of the day that was said with it.
+        std::optional<int> part = {};
+        /// It names a day of a month: "24 Dec".
+        bool isOfMonth = false;
     };
     struct Times
     {
         int count = 0;
         int minute = 0;
+        /// Above the minutes of a day behind midnight.
         std::optional<int> last = {};
+        /// What was said, where that can be in either half of the day.
+        std::optional<int> spoken = {};
+        bool hasPart = false;
+        bool isSure = false;
     };
     struct Clock
     {
         int count = 0;
         int minute = 0;
-        /// "5" in "5-6pm" takes its half of the day from what follows.
+        std::optional<int> spoken = {};
+        /// A number and nothing else.
         bool isBare = false;
+        /// With "am" or "pm".
+        bool isHalf = false;
+    };
+    struct Length
+    {
+        int count = 0;
+        int minutes = 0;
+    };
+    struct Counted
+    {
+        int count = 0;
+        int number = 0;
+    };
+    struct OrdinalDay
+    {
+        int count = 0;
+        /// -1 for the last one.
+        int number = 0;
+        int weekday = 0;
+        std::optional<int> part = {};
+        bool isOfMonth = false;
+        bool isOfEach = false;
+    };
+    struct Weekdays
+    {
+        int count = 0;
+        std::vector<EKWeekday> days = {};
+        std::optional<int> part = {};
     };
     struct Repeat
     {
@@ -53,6 +92,7 @@ private:
         std::optional<RecurrenceRule> rule = {};
         /// The day of the month on which it begins, if that was said.
         OptionalDate first = {};
+        std::optional<int> part = {};
     };
 
     void split();
@@ -61,34 +101,76 @@ private:
                                              std::initializer_list<CaptureWords::Meaning> meanings) const;
     /// Whether a word can be read: inside of the line, not quoted, not taken back.
     bool isFree(size_t place) const;
+    /// Outside of the line, taken or taken back.
+    bool isBarred(size_t place) const;
+    /// Whether the piece that was understood last is of that kind, and ends right before the word.
+    bool isBehind(size_t place, CapturePiece::Kind kind) const;
+    void note(CapturePiece::Kind kind, size_t first, size_t count);
+    /// What was read as a time has nothing to belong to, and goes back into the title.
+    void giveBackTimes();
+    void finish();
+
     bool takeName(size_t &place);
     bool takePriority(size_t &place);
     bool takePlace(size_t &place);
     bool takeRepeat(size_t &place);
+    bool takeEndOfRepeat(size_t &place);
     bool takeDate(size_t &place);
+    bool takeDayPart(size_t &place);
     bool takeTime(size_t &place);
     bool takeLength(size_t &place);
-    void note(CapturePiece::Kind kind, size_t first, size_t count);
 
+    // Dates. `isSure`: nothing but a date can stand there.
     Days daysAt(size_t place) const;
-    Days dayAt(size_t place, bool mustBeDate) const;
-    Days ofMatch(const CaptureWords::Match &match) const;
-    Days numericDay(size_t place, bool isAfterPreposition) const;
+    Days dayAt(size_t place, bool isSure) const;
+    Days weekdayOf(size_t place, bool isSure) const;
+    Days withWeekday(Days days, size_t place) const;
+    Days partOf(size_t place) const;
+    Days loneDay(size_t lead, size_t place) const;
+    Days numericDay(size_t place, bool isSure) const;
     Days dayAndMonth(size_t place) const;
-    Times timesAt(size_t place) const;
-    Clock clockAt(size_t place, bool isAfterPreposition) const;
-    Repeat repeatAt(size_t place) const;
-    Repeat everyAt(size_t place) const;
-    size_t readEnd(size_t place, Repeat &repeat) const;
-
+    Days ofMatch(const CaptureWords::Match &match) const;
+    Days inMinutes(int count, int minutes) const;
+    Days gluedRange(size_t place) const;
+    Days rangeFromNumber(size_t place) const;
+    Days rangeFrom(Days days, size_t place) const;
+    int numberOfDay(size_t place) const;
+    bool canEndDay(size_t lead, size_t last) const;
+    bool isLikelyDay(size_t behind) const;
+    bool isTimeOfDay(size_t place) const;
+    bool isFraction(size_t place) const;
     OptionalDate dayOf(int year, int month, int day) const;
     OptionalDate nextDay(int month, int day) const;
     OptionalDate nextDayOfMonth(int day) const;
+    OptionalDate mondayOfWeek(int number) const;
+    Date dayOfWeekAhead(int weekday, int weeks) const;
     Date nextWeekday(int weekday, bool canBeToday) const;
     Date ahead(CalendarUnit unit, int amount) const { return calendar.dateByAdding(unit, amount, today); }
-    /// What was read as a time has nothing to belong to, and goes back into the title.
-    void giveBackTimes();
-    void finish();
+
+    // Times.
+    Times timesAt(size_t place) const;
+    Times joinedTimes(size_t place, bool hasLead) const;
+    Times rangeOfClocks(size_t place, bool hasLead) const;
+    Clock clockAt(size_t place, bool hasLead) const;
+    Length lengthAt(size_t place) const;
+    bool isBetween(size_t place) const;
+    bool canEndTime(size_t lead, size_t last) const;
+    void setPart(int part);
+
+    // Repetitions.
+    Repeat repeatAt(size_t place) const;
+    Repeat everyAt(size_t place) const;
+    Repeat onDayOfEachMonth(size_t place) const;
+    Repeat onEachWeekday(size_t place) const;
+    Repeat onLastDay(int count) const;
+    Repeat ofOrdinalDay(const OrdinalDay &day, int count) const;
+    size_t onDayOfMonth(size_t place, size_t otherwise, Repeat &repeat) const;
+    size_t onDayOfYear(size_t place, size_t otherwise, int interval, Repeat &repeat) const;
+    size_t readEnd(size_t place, RecurrenceRule &rule) const;
+    Counted ordinalAt(size_t place) const;
+    OrdinalDay ordinalDayAt(size_t place) const;
+    OptionalDate nextOrdinalDay(const OrdinalDay &day, Date start) const;
+    Weekdays weekdaysAt(size_t place, CaptureWords::Meaning meaning, bool canBeWeak) const;
     void beginRepeat();
 
     const CaptureWords &dictionary;
@@ -102,6 +184,10 @@ private:
     std::vector<QString> folded;
     std::vector<bool> isTaken;
     std::optional<int> lengthInMinutes;
+    /// The time as it was said, where a part of the day can still move it.
+    std::optional<int> spoken;
+    bool hasDayPart = false;
+    bool mustBeDate;
     OptionalDate firstOfRepeat;
     Capture result;
     std::set<CapturePiece::Kind> known;

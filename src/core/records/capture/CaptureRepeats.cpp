@@ -29,9 +29,29 @@ bool CaptureReader::takeRepeat(size_t &place)
     Repeat repeat = repeatAt(place);
     if (repeat.count == 0)
         return false;
-    const size_t end = readEnd(place + size_t(repeat.count), repeat);
+    const size_t end = readEnd(place + size_t(repeat.count), *repeat.rule);
     result.repeat = repeat.rule;
     firstOfRepeat = repeat.first;
+    note(CapturePiece::Kind::Repeat, place, end - place);
+    place = end;
+    if (repeat.part && !takeTime(place)) {
+        if (!result.minute)
+            result.minute = repeat.part;
+        setPart(*repeat.part);
+    } else if (repeat.part && !hasDayPart) {
+        setPart(*repeat.part);
+    }
+    return true;
+}
+
+/// "every Monday 9am until 31.12.": the end may stand behind the time.
+bool CaptureReader::takeEndOfRepeat(size_t &place)
+{
+    if (!result.repeat || result.repeat->recurrenceEnd)
+        return false;
+    const size_t end = readEnd(place, *result.repeat);
+    if (end == place)
+        return false;
     note(CapturePiece::Kind::Repeat, place, end - place);
     place = end;
     return true;
@@ -39,6 +59,10 @@ bool CaptureReader::takeRepeat(size_t &place)
 
 CaptureReader::Repeat CaptureReader::repeatAt(size_t place) const
 {
+    if (Repeat repeat = onDayOfEachMonth(place); repeat.count > 0)
+        return repeat;
+    if (Repeat repeat = onEachWeekday(place); repeat.count > 0)
+        return repeat;
     const auto phrase = match(place, {Meaning::Daily, Meaning::Weekly, Meaning::Monthly, Meaning::Yearly,
                                       Meaning::OnWorkdays, Meaning::OnWeekends});
     const Repeat every = everyAt(place);
@@ -67,7 +91,169 @@ CaptureReader::Repeat CaptureReader::repeatAt(size_t place) const
     return repeat;
 }
 
-/// "every 2 weeks", "every Monday and Thursday", "alle 3 Tage", "jeden 15.", "every 31 Dec".
+/// "2.", "2nd", "second", "last": -1 for the last one.
+CaptureReader::Counted CaptureReader::ordinalAt(size_t place) const
+{
+    static const QRegularExpression numeral(u"^(\\d{1,2})(?:\\.|st|nd|rd|th)$"_s);
+    if (!isFree(place))
+        return {};
+    if (const auto parts = numeral.match(words[place].folded); parts.hasMatch())
+        return {1, parts.captured(1).toInt()};
+    const auto named = match(place, {Meaning::Ordinal});
+    return named ? Counted{named->count, named->entry.number} : Counted{};
+}
+
+/// "first Monday of the month", "letzten Freitag im Monat"; without the month, too.
+CaptureReader::OrdinalDay CaptureReader::ordinalDayAt(size_t place) const
+{
+    const Counted ordinal = ordinalAt(place);
+    const auto day =
+        ordinal.count > 0 ? match(place + size_t(ordinal.count), {Meaning::Weekday}) : std::nullopt;
+    constexpr int mostInMonth = 5;
+    if (!day || ordinal.number > mostInMonth || ordinal.number == 0)
+        return {};
+    OrdinalDay found{.count = ordinal.count + day->count,
+                     .number = ordinal.number,
+                     .weekday = day->entry.number,
+                     .part = day->entry.part};
+    if (const auto month = match(place + size_t(found.count), {Meaning::EachMonth})) {
+        found.count += month->count;
+        found.isOfMonth = true;
+        found.isOfEach = month->entry.number > 0;
+    }
+    return found;
+}
+
+/// The first of these days from `start` on.
+OptionalDate CaptureReader::nextOrdinalDay(const OrdinalDay &day, Date start) const
+{
+    constexpr int mostMonths = 24;
+    for (int away = 0; away <= mostMonths; ++away) {
+        const int month = calendar.month(start) - 1 + away;
+        const OptionalDate first = dayOf(calendar.year(start) + month / 12, month % 12 + 1, 1);
+        if (!first)
+            return {};
+        const int offset = (day.weekday - calendar.weekday(*first) + 7) % 7;
+        const int days = calendar.daysInMonth(*first);
+        const int number = 1 + offset + 7 * (day.number > 0 ? day.number - 1 : (days - 1 - offset) / 7);
+        const OptionalDate date = dayOf(calendar.year(*first), calendar.month(*first), number);
+        if (date && *date >= start)
+            return date;
+    }
+    return {};
+}
+
+CaptureReader::Repeat CaptureReader::ofOrdinalDay(const OrdinalDay &day, int count) const
+{
+    RecurrenceRule rule = ruleOf(RecurrenceFrequency::monthly);
+    rule.byweekday = {EKWeekday(day.weekday)};
+    rule.bysetpos = {day.number};
+    return {count, rule, nextOrdinalDay(day, today), day.part};
+}
+
+CaptureReader::Repeat CaptureReader::onLastDay(int count) const
+{
+    RecurrenceRule rule = ruleOf(RecurrenceFrequency::monthly);
+    rule.bymonthday = {-1};
+    return {count, rule, ahead(CalendarUnit::Day, calendar.daysInMonth(today) - calendar.day(today))};
+}
+
+/// "on the 1st of every month", "first Monday of every month", "am letzten Tag jedes Monats".
+CaptureReader::Repeat CaptureReader::onDayOfEachMonth(size_t place) const
+{
+    const auto lead = match(place, {Meaning::BeforeDate});
+    const size_t begin = place + size_t(lead ? lead->count : 0);
+    const int leading = int(begin - place);
+    if (const OrdinalDay day = ordinalDayAt(begin); day.count > 0 && day.isOfEach)
+        return ofOrdinalDay(day, leading + day.count);
+    const auto isEach = [this](size_t at) {
+        const auto month = match(at, {Meaning::EachMonth});
+        return month && month->entry.number > 0 ? month->count : 0;
+    };
+    if (const auto last = match(begin, {Meaning::LastDay})) {
+        if (const int count = isEach(begin + size_t(last->count)); count > 0)
+            return onLastDay(leading + last->count + count);
+    }
+    const Counted ordinal = ordinalAt(begin);
+    const int count = ordinal.count > 0 && ordinal.number > 0 ? isEach(begin + size_t(ordinal.count)) : 0;
+    if (const OptionalDate date = count > 0 ? nextDayOfMonth(ordinal.number) : OptionalDate())
+        return {leading + ordinal.count + count, ruleOf(RecurrenceFrequency::monthly), date};
+    return {};
+}
+
+/// Weekdays with what joins them: "Mon, Wed and Fri", "Mo-Fr", "Mon/Wed".
+CaptureReader::Weekdays CaptureReader::weekdaysAt(size_t place, Meaning meaning, bool canBeWeak) const
+{
+    Weekdays found;
+    size_t next = place;
+    const auto add = [&found](int day) {
+        if (std::ranges::find(found.days, EKWeekday(day)) == found.days.end())
+            found.days.push_back(EKWeekday(day));
+    };
+    bool isRange = false;
+    while (isFree(next)) {
+        int last = 0;
+        size_t count = 0;
+        static const QRegularExpression joiner(u"[-–/+&]"_s);
+        const auto day = match(next, {meaning, Meaning::WeekdayEach});
+        if (day && (canBeWeak || !day->entry.isWeak)) {
+            last = day->entry.number;
+            count = size_t(day->count);
+            found.part = day->entry.part;
+            if (isRange) {
+                for (int each = int(found.days.back()) % 7 + 1; each != last; each = each % 7 + 1)
+                    add(each);
+            }
+            add(last);
+        } else if (const QStringList parts = words[next].folded.split(joiner); parts.size() > 1) {
+            std::vector<int> numbers;
+            for (const QString &part : parts) {
+                const std::array one{part};
+                const auto each = dictionary.match(one, {meaning, Meaning::WeekdayEach});
+                if (!each)
+                    return found;
+                numbers.push_back(each->entry.number);
+            }
+            const bool isSpan = numbers.size() == 2 &&
+                                (words[next].folded.contains(u'-') || words[next].folded.contains(u'–'));
+            for (const int number : numbers) {
+                if (isSpan && number == numbers.back()) {
+                    for (int each = numbers.front() % 7 + 1; each != number; each = each % 7 + 1)
+                        add(each);
+                }
+                add(number);
+            }
+            count = 1;
+        } else {
+            break;
+        }
+        next += count;
+        found.count = int(next - place);
+        const auto also = match(next, {Meaning::And, Meaning::To});
+        isRange = also && also->entry.meaning == Meaning::To;
+        next += size_t(also ? also->count : 0);
+    }
+    std::ranges::sort(found.days);
+    return found;
+}
+
+/// "Mondays and Thursdays", "dienstags".
+CaptureReader::Repeat CaptureReader::onEachWeekday(size_t place) const
+{
+    const auto lead = match(place, {Meaning::BeforeDate});
+    const size_t begin = place + size_t(lead ? lead->count : 0);
+    if (!match(begin, {Meaning::WeekdayEach}))
+        return {};
+    const Weekdays weekdays = weekdaysAt(begin, Meaning::WeekdayEach, false);
+    if (weekdays.days.empty())
+        return {};
+    RecurrenceRule rule = ruleOf(RecurrenceFrequency::weekly);
+    rule.byweekday = weekdays.days;
+    return {int(begin - place) + weekdays.count, rule, {}, weekdays.part};
+}
+
+/// "every 2 weeks", "every Monday and Thursday", "alle 3 Tage", "jeden 15.", "every 31 Dec", "every 2nd
+/// week".
 CaptureReader::Repeat CaptureReader::everyAt(size_t place) const
 {
     auto lead = match(place, {Meaning::Every});
@@ -85,7 +271,24 @@ CaptureReader::Repeat CaptureReader::everyAt(size_t place) const
         unit = unitAt(place + 1);
     }
     size_t next = place + size_t(lead->count);
-    const int interval = std::max(1, lead->number.value_or(lead->entry.number));
+    int interval = std::max(1, lead->number.value_or(lead->entry.number));
+    if (const auto last = match(next, {Meaning::LastDay})) {
+        const size_t behind = next + size_t(last->count);
+        if (const auto month = match(behind, {Meaning::EachMonth}))
+            return onLastDay(int(behind - place) + month->count);
+    }
+    if (const OrdinalDay day = ordinalDayAt(next); day.count > 0) {
+        // "every first Monday" can only be one of a month, "every 2nd Tuesday" is every other week.
+        if (day.isOfMonth || day.number == 1 || day.number == -1)
+            return ofOrdinalDay(day, int(next - place) + day.count);
+        interval = day.number;
+        next += size_t(ordinalAt(next).count);
+    } else if (const Counted ordinal = ordinalAt(next);
+               ordinal.count > 0 && ordinal.number > 0 && unitAt(next + size_t(ordinal.count))) {
+        interval = ordinal.number;
+        next += size_t(ordinal.count);
+        unit = unitAt(next);
+    }
     Repeat repeat;
     if (unit) {
         next += size_t(unit->count);
@@ -95,90 +298,126 @@ CaptureReader::Repeat CaptureReader::everyAt(size_t place) const
                              : meaning == Meaning::MonthUnit ? RecurrenceFrequency::monthly
                                                              : RecurrenceFrequency::yearly,
                              interval);
+    } else if (const auto part = match(next, {Meaning::DayPart}); part && interval == 1) {
+        // "every morning"
+        return {int(next - place) + part->count, ruleOf(RecurrenceFrequency::daily), {}, part->entry.number};
     }
-    // Weekdays: after "every" at once, or after "every 2 weeks on".
-    size_t after = next;
-    if (unit) {
-        const auto on = match(after, {Meaning::BeforeDate});
-        after += on ? size_t(on->count) : 0;
-    }
-    std::vector<EKWeekday> days;
-    const bool canHaveDays = !unit || repeat.rule->frequency == RecurrenceFrequency::weekly;
-    while (canHaveDays) {
-        const auto day = match(after, {Meaning::Weekday});
-        if (!day)
-            break;
-        days.push_back(EKWeekday(day->entry.number));
-        after += size_t(day->count);
-        next = after;
-        const auto also = match(after, {Meaning::And});
-        after += also ? size_t(also->count) : 0;
-    }
-    if (!days.empty()) {
-        if (!unit)
-            repeat.rule = ruleOf(RecurrenceFrequency::weekly, interval);
-        std::ranges::sort(days);
-        days.erase(std::unique(days.begin(), days.end()), days.end());
-        repeat.rule->byweekday = days;
-    } else if (!unit || repeat.rule->frequency == RecurrenceFrequency::monthly ||
-               repeat.rule->frequency == RecurrenceFrequency::yearly) {
-        const bool mayBeInYear = !unit || repeat.rule->frequency == RecurrenceFrequency::yearly;
-        if (const Days date = dayAndMonth(after); mayBeInYear && date.count > 0) {
+    // Weekdays and days: after "every" at once, or after "every 2 weeks on" and "immer am".
+    const auto on = match(next, {Meaning::BeforeDate});
+    const size_t after = next + size_t(on ? on->count : 0);
+    if (!unit || repeat.rule->frequency == RecurrenceFrequency::weekly) {
+        const bool isSure = !unit || after != next;
+        const Weekdays weekdays = weekdaysAt(after, Meaning::Weekday, isSure);
+        if (!weekdays.days.empty()) {
             if (!unit)
-                repeat.rule = ruleOf(RecurrenceFrequency::yearly, interval);
-            repeat.first = date.first;
-            next = after + size_t(date.count);
-        } else if (const Days day = isFree(after) ? numericDay(after, true) : Days{};
-                   day.count > 0 && (!unit || repeat.rule->frequency == RecurrenceFrequency::monthly)) {
-            static const QRegularExpression hasMonth(u"^\\d+[./-]\\d+"_s);
-            const bool isInYear = hasMonth.match(words[after].folded).hasMatch();
-            if (isInYear && unit)
-                return {int(next - place), repeat.rule};
-            if (!unit)
-                repeat.rule =
-                    ruleOf(isInYear ? RecurrenceFrequency::yearly : RecurrenceFrequency::monthly, interval);
-            repeat.first = day.first;
-            next = after + size_t(day.count);
+                repeat.rule = ruleOf(RecurrenceFrequency::weekly, interval);
+            repeat.rule->byweekday = weekdays.days;
+            repeat.part = weekdays.part;
+            repeat.count = int(after - place) + weekdays.count;
+            return repeat;
         }
     }
+    if (unit && repeat.rule->frequency == RecurrenceFrequency::monthly)
+        next = onDayOfMonth(after, next, repeat);
+    else if (!unit || repeat.rule->frequency == RecurrenceFrequency::yearly)
+        next = onDayOfYear(after, next, interval, repeat);
     if (!repeat.rule)
         return {};
     repeat.count = int(next - place);
     return repeat;
 }
 
+/// "every month on the 15th", "… on the last day", "… on the first Monday".
+size_t CaptureReader::onDayOfMonth(size_t place, size_t otherwise, Repeat &repeat) const
+{
+    const int interval = repeat.rule->interval;
+    if (const auto last = match(place, {Meaning::LastDay})) {
+        repeat = onLastDay(0);
+        repeat.rule->interval = interval;
+        return place + size_t(last->count);
+    }
+    if (const OrdinalDay day = ordinalDayAt(place); day.count > 0) {
+        repeat = ofOrdinalDay(day, 0);
+        repeat.rule->interval = interval;
+        return place + size_t(day.count);
+    }
+    if (const int day = place > otherwise || ordinalAt(place).count > 0 ? numberOfDay(place) : 0; day > 0) {
+        if (const OptionalDate date = nextDayOfMonth(day)) {
+            repeat.first = date;
+            return place + 1;
+        }
+    }
+    return otherwise;
+}
+
+/// "every 31 Dec", "every year on 24.12.", "every 15th".
+size_t CaptureReader::onDayOfYear(size_t place, size_t otherwise, int interval, Repeat &repeat) const
+{
+    Days date = dayAndMonth(place);
+    if (date.count == 0)
+        date = numericDay(place, true);
+    if (date.count > 0) {
+        if (!repeat.rule)
+            repeat.rule = ruleOf(RecurrenceFrequency::yearly, interval);
+        repeat.first = date.first;
+        return place + size_t(date.count);
+    }
+    const Counted ordinal = ordinalAt(place);
+    const OptionalDate day =
+        ordinal.count > 0 && !repeat.rule ? nextDayOfMonth(ordinal.number) : OptionalDate();
+    if (!day)
+        return otherwise;
+    repeat.rule = ruleOf(RecurrenceFrequency::monthly, interval);
+    repeat.first = day;
+    return place + size_t(ordinal.count);
+}
+
 /// "until 31.12.", "bis Ende Mai"; "5 times", "10 mal".
-size_t CaptureReader::readEnd(size_t place, Repeat &repeat) const
+size_t CaptureReader::readEnd(size_t place, RecurrenceRule &rule) const
 {
     if (const auto times = match(place, {Meaning::Times}); times && times->number.value_or(0) > 0) {
-        repeat.rule->recurrenceEnd = EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(*times->number);
+        rule.recurrenceEnd = EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(*times->number);
         return place + size_t(times->count);
     }
     const auto until = match(place, {Meaning::Until});
     if (!until)
         return place;
-    const Days last = dayAt(place + size_t(until->count), true);
+    const size_t next = place + size_t(until->count);
+    Days last = dayAt(next, true);
+    if (last.count == 0)
+        last = loneDay(place, next);
     if (last.count == 0 || last.isSomeday || last.minute)
         return place;
-    repeat.rule->recurrenceEnd =
+    rule.recurrenceEnd =
         EKRecurrenceEnd::recurrenceEndWithEndDate(calendar.startOfNextDay(last.first) + Seconds(-1));
-    return place + size_t(until->count + last.count);
+    return next + size_t(last.count);
 }
 
-/// A repetition without a date begins with its first day from today on.
+/// A repetition begins with its first day from today, or from the date that was said, on.
 void CaptureReader::beginRepeat()
 {
     if (!result.repeat)
         return;
-    if (!result.day)
+    const RecurrenceRule &rule = *result.repeat;
+    const bool isSaid = result.day.has_value();
+    if (!isSaid && !firstOfRepeat) {
+        // What is over today begins tomorrow.
+        const int present = calendar.hour(now) * 60 + calendar.minute(now);
+        result.day = result.minute && *result.minute <= present ? ahead(CalendarUnit::Day, 1) : today;
+    } else if (!isSaid) {
         result.day = firstOfRepeat;
-    if (!result.day) {
-        result.day = today;
-        const std::vector<EKWeekday> &days = result.repeat->byweekday;
-        if (!days.empty()) {
-            result.day = nextWeekday(int(days.front()), true);
-            for (const EKWeekday day : days)
-                result.day = std::min(*result.day, nextWeekday(int(day), true));
+    }
+    if (rule.bysetpos.size() == 1 && rule.byweekday.size() == 1 && isSaid) {
+        const OrdinalDay day{.number = rule.bysetpos.front(), .weekday = int(rule.byweekday.front())};
+        result.day = nextOrdinalDay(day, *result.day).value_or(*result.day);
+    } else if (rule.bysetpos.empty() && !rule.byweekday.empty()) {
+        constexpr int daysOfWeek = 7;
+        for (int away = 0; away < daysOfWeek; ++away) {
+            const Date day = calendar.dateByAdding(CalendarUnit::Day, away, *result.day);
+            if (std::ranges::find(rule.byweekday, EKWeekday(calendar.weekday(day))) != rule.byweekday.end()) {
+                result.day = day;
+                break;
+            }
         }
     }
     result.isSomeday = false;
@@ -201,11 +440,22 @@ void CaptureReader::finish()
 {
     beginRepeat();
     if (result.minute && lengthInMinutes && !result.lastMinute)
-        result.lastMinute = std::min(*result.minute + *lengthInMinutes, minutesOfDay - 1);
+        result.lastMinute = *result.minute + *lengthInMinutes;
     // A time alone is the next one of it.
     if (result.minute && !result.day && !result.isSomeday) {
         const int present = calendar.hour(now) * 60 + calendar.minute(now);
         result.day = ahead(CalendarUnit::Day, *result.minute > present ? 0 : 1);
+    }
+    // Midnight ends the day that it is said with; what lasts longer ends on the next one.
+    if (result.minute && result.day && *result.minute >= minutesOfDay) {
+        result.day = calendar.startOfNextDay(*result.day);
+        result.minute = *result.minute - minutesOfDay;
+        if (result.lastMinute)
+            result.lastMinute = *result.lastMinute - minutesOfDay;
+    }
+    if (result.lastMinute && result.day && *result.lastMinute > minutesOfDay) {
+        result.lastMinute = *result.lastMinute - minutesOfDay;
+        result.lastDay = calendar.startOfNextDay(result.lastDay.value_or(*result.day));
     }
     if (result.isSomeday) {
         // Without a day there is no time: the words stay where they were.
@@ -222,5 +472,8 @@ void CaptureReader::finish()
             title.append(words[place].text);
     }
     result.title = title.join(u' ');
+    // "Call Ada, tomorrow"
+    if (!result.pieces.empty() && (result.title.endsWith(u',') || result.title.endsWith(u';')))
+        result.title.chop(1);
     std::ranges::sort(result.pieces, {}, &CapturePiece::from);
 }

@@ -12,10 +12,16 @@ CaptureWords::CaptureWords(const QStringList &languages)
 {
     addEnglish();
     for (const QString &language : languages) {
-        if (language == u"de"_s || language.startsWith(u"de-"_s))
+        const QString code = language.section(u'-', 0, 0);
+        if (code == u"de"_s)
             addGerman();
+        static const QStringList withHours{u"ca"_s, u"es"_s, u"fr"_s, u"it"_s, u"pt"_s};
+        writesHours = writesHours || withHours.contains(code);
         addOfLocale(language);
     }
+    // To a German it is a death.
+    if (!knowsGerman)
+        add({u"tod"}, Meaning::DaysAhead, 0);
 }
 
 const CaptureWords &CaptureWords::ofUser()
@@ -51,160 +57,6 @@ void CaptureWords::add(std::initializer_list<QStringView> phrases, Meaning meani
         add(phrase.toString(), Entry{meaning, number, isWeak});
 }
 
-void CaptureWords::addEnglish()
-{
-    using enum Meaning;
-    constexpr int hour = 60;
-    add({u"today", u"tod"}, DaysAhead, 0);
-    add({u"tomorrow", u"tmrw", u"tmr"}, DaysAhead, 1);
-    add({u"day after tomorrow", u"the day after tomorrow", u"overmorrow"}, DaysAhead, 2);
-    add({u"in # days", u"in # day", u"# days from now", u"in a day"}, DaysAhead, 1);
-    add({u"in # weeks", u"in # week", u"# weeks from now", u"in a week"}, WeeksAhead, 1);
-    add({u"in # months", u"in # month", u"# months from now", u"in a month"}, MonthsAhead, 1);
-    add({u"in # years", u"in # year", u"# years from now", u"in a year"}, YearsAhead, 1);
-    add({u"in # hours", u"in # hour", u"in an hour", u"in # h"}, HoursAhead, 1);
-    add({u"in # minutes", u"in # minute", u"in # min", u"in a minute"}, MinutesAhead, 1);
-    add({u"in half an hour"}, MinutesAhead, 30);
-    add({u"in a fortnight"}, WeeksAhead, 2);
-    add({u"next week"}, NextWeek);
-    add({u"next month"}, NextMonth);
-    add({u"next year"}, NextYear);
-    add({u"weekend", u"the weekend", u"this weekend", u"at the weekend", u"on the weekend"}, Weekend);
-    add({u"end of month", u"end of the month", u"eom"}, EndOfMonth);
-    add({u"someday", u"some day"}, Someday);
-    const std::initializer_list<QStringView> shortDays[] = {
-        {u"sun"}, {u"mon"}, {u"tue", u"tues"}, {u"wed", u"weds"}, {u"thu", u"thur", u"thurs"},
-        {u"fri"}, {u"sat"}};
-    int day = 0;
-    for (const auto &names : shortDays) {
-        ++day;
-        add(names, Weekday, day, day == 1 || day == 7 || day == 4);
-        for (const QStringView name : names)
-            add(u"next "_s + name.toString(), Entry{WeekdayNextWeek, day});
-    }
-    add({u"jan"}, Month, 1);
-    add({u"feb"}, Month, 2);
-    add({u"sept"}, Month, 9);
-    add({u"noon", u"midday", u"at noon"}, Minute, 12 * hour);
-    add({u"in the morning", u"this morning"}, Minute, 9 * hour);
-    add({u"in the afternoon", u"this afternoon"}, Minute, 15 * hour);
-    add({u"in the evening", u"this evening"}, Minute, 18 * hour);
-    add({u"tonight"}, Minute, 20 * hour);
-    add({u"daily", u"every day", u"each day", u"everyday"}, Daily);
-    add({u"weekly", u"every week", u"each week"}, Weekly);
-    add({u"biweekly", u"fortnightly", u"every fortnight"}, Weekly, 2);
-    add({u"monthly", u"every month", u"each month"}, Monthly);
-    add({u"quarterly", u"every quarter"}, Monthly, 3);
-    add({u"yearly", u"annually", u"every year", u"each year"}, Yearly);
-    add({u"every weekday", u"weekdays", u"on weekdays", u"every workday", u"every working day"}, OnWorkdays);
-    add({u"every weekend", u"on weekends"}, OnWeekends);
-    add({u"every", u"each"}, Every);
-    add({u"every other", u"every second"}, Every, 2);
-    add({u"every #"}, Every, 0);
-    add({u"# times", u"for # times"}, Times);
-    add({u"on", u"by", u"due", u"due on", u"on the", u"by the", u"this", u"the", u"on this"}, BeforeDate);
-    add({u"at", u"by", u"around"}, BeforeTime);
-    add({u"from"}, From);
-    add({u"to", u"till", u"until", u"-", u"–"}, To);
-    add({u"until", u"till"}, Until);
-    add({u"for"}, For);
-    add({u"and", u"&"}, And);
-    add({u"of"}, OfMonth);
-    add({u"hours", u"hour", u"h", u"hrs", u"hr"}, Hours);
-    add({u"minutes", u"minute", u"min", u"mins"}, Minutes);
-    add({u"o'clock", u"o’clock"}, OClock);
-    add({u"day", u"days"}, DayUnit);
-    add({u"week", u"weeks"}, WeekUnit);
-    add({u"month", u"months"}, MonthUnit);
-    add({u"year", u"years"}, YearUnit);
-    const QStringView names[] = {u"one",   u"two",   u"three", u"four", u"five",   u"six",
-                                 u"seven", u"eight", u"nine",  u"ten",  u"eleven", u"twelve"};
-    int number = 0;
-    for (const QStringView name : names)
-        numbers.emplace(name.toString(), ++number);
-    addOfLocale(u"en"_s);
-}
-
-void CaptureWords::addGerman()
-{
-    using enum Meaning;
-    constexpr int hour = 60;
-    add({u"heute"}, DaysAhead, 0);
-    add({u"morgen"}, DaysAhead, 1);
-    add({u"übermorgen", u"uebermorgen"}, DaysAhead, 2);
-    add({u"in # tagen", u"in # tag", u"in einem tag"}, DaysAhead, 1);
-    add({u"in # wochen", u"in # woche", u"in einer woche"}, WeeksAhead, 1);
-    add({u"in # monaten", u"in # monat", u"in einem monat"}, MonthsAhead, 1);
-    add({u"in # jahren", u"in # jahr", u"in einem jahr"}, YearsAhead, 1);
-    add({u"in # stunden", u"in # stunde", u"in einer stunde"}, HoursAhead, 1);
-    add({u"in # minuten", u"in # minute", u"in # min"}, MinutesAhead, 1);
-    add({u"in einer halben stunde"}, MinutesAhead, 30);
-    for (const QStringView word :
-         {u"nächste", u"nächster", u"nächsten", u"nächstes", u"kommende", u"kommenden"}) {
-        add(word.toString() + u" woche"_s, Entry{NextWeek});
-        add(word.toString() + u" monat"_s, Entry{NextMonth});
-        add(word.toString() + u" jahr"_s, Entry{NextYear});
-    }
-    add({u"wochenende", u"am wochenende", u"dieses wochenende"}, Weekend);
-    add({u"monatsende", u"ende des monats", u"zum monatsende"}, EndOfMonth);
-    add({u"irgendwann", u"eines tages"}, Someday);
-    const QStringView days[] = {u"sonntag",    u"montag",  u"dienstag", u"mittwoch",
-                                u"donnerstag", u"freitag", u"samstag"};
-    int day = 0;
-    for (const QStringView name : days) {
-        ++day;
-        const QString full = name.toString();
-        for (const QStringView word : {u"nächsten ", u"nächster ", u"nächste "})
-            add(word.toString() + full, Entry{WeekdayNextWeek, day});
-        add(u"kommenden "_s + full, Entry{Weekday, day});
-        add(full + u"s"_s, Entry{Weekday, day, true});
-        // With the full stop it is a weekday; without, "so" and "do" are mostly something else.
-        add(full.left(2) + u"."_s, Entry{Weekday, day});
-        add(full.left(2), Entry{Weekday, day, true});
-    }
-    add({u"sonnabend"}, Weekday, 7);
-    add({u"jänner"}, Month, 1);
-    add({u"mittags", u"mittag", u"am mittag"}, Minute, 12 * hour);
-    add({u"früh", u"morgens", u"am morgen"}, Minute, 9 * hour);
-    add({u"vormittags", u"vormittag", u"am vormittag"}, Minute, 10 * hour);
-    add({u"nachmittags", u"nachmittag", u"am nachmittag"}, Minute, 15 * hour);
-    add({u"abends", u"abend", u"am abend"}, Minute, 18 * hour);
-    add({u"täglich", u"jeden tag"}, Daily);
-    add({u"wöchentlich", u"jede woche"}, Weekly);
-    add({u"vierzehntägig"}, Weekly, 2);
-    add({u"monatlich", u"jeden monat"}, Monthly);
-    add({u"vierteljährlich", u"jedes quartal"}, Monthly, 3);
-    add({u"jährlich", u"jedes jahr"}, Yearly);
-    add({u"werktags", u"jeden werktag", u"an werktagen", u"wochentags"}, OnWorkdays);
-    add({u"jedes wochenende", u"an wochenenden"}, OnWeekends);
-    add({u"jeden", u"jede", u"jedes", u"immer"}, Every);
-    add({u"jeden zweiten", u"jede zweite", u"jedes zweite"}, Every, 2);
-    add({u"alle #"}, Every, 0);
-    add({u"# mal"}, Times);
-    add({u"am", u"bis", u"bis zum", u"zum", u"diesen", u"dieser", u"den", u"fällig", u"fällig am"},
-        BeforeDate);
-    add({u"um", u"gegen", u"bis", u"ab"}, BeforeTime);
-    add({u"von", u"vom", u"ab"}, From);
-    add({u"bis", u"bis zum"}, To);
-    add({u"bis", u"bis zum", u"bis ende"}, Until);
-    add({u"für"}, For);
-    add({u"und"}, And);
-    add({u"stunden", u"stunde", u"std", u"std."}, Hours);
-    add({u"minuten", u"minute", u"min."}, Minutes);
-    add({u"uhr"}, OClock);
-    add({u"tag", u"tage", u"tagen"}, DayUnit);
-    add({u"woche", u"wochen"}, WeekUnit);
-    add({u"monat", u"monate", u"monaten"}, MonthUnit);
-    add({u"jahr", u"jahre", u"jahren"}, YearUnit);
-    const QStringView names[] = {u"eins",   u"zwei", u"drei", u"vier", u"fünf", u"sechs",
-                                 u"sieben", u"acht", u"neun", u"zehn", u"elf",  u"zwölf"};
-    int number = 0;
-    for (const QStringView name : names)
-        numbers.emplace(name.toString(), ++number);
-    for (const QStringView name : {u"ein", u"eine", u"einem", u"einer"})
-        numbers.emplace(name.toString(), 1);
-}
-
 void CaptureWords::addOfLocale(const QString &language)
 {
     using enum Meaning;
@@ -234,7 +86,7 @@ void CaptureWords::addOfLocale(const QString &language)
         add(RelativeDates::weekday(locale, day, 1), Entry{WeekdayNextWeek, day});
     }
     using Unit = RelativeDates::Unit;
-    add(RelativeDates::next(locale, Unit::Week), Entry{NextWeek});
+    add(RelativeDates::next(locale, Unit::Week), Entry{NextWeek, 1});
     add(RelativeDates::next(locale, Unit::Month), Entry{NextMonth});
     add(RelativeDates::next(locale, Unit::Year), Entry{NextYear});
     const std::pair<Unit, Meaning> units[] = {{Unit::Day, DaysAhead},
@@ -306,8 +158,16 @@ std::optional<CaptureWords::Match> CaptureWords::match(std::span<const QString> 
     };
     for (int count = std::min(longest, int(words.size())); count > 0; --count) {
         const auto part = words.first(size_t(count));
-        if (const auto entry = entryOf(QStringList(part.begin(), part.end()).join(u' ')))
+        QStringList phrase(part.begin(), part.end());
+        if (const auto entry = entryOf(phrase.join(u' ')))
             return Match{*entry, count};
+        // The end of a sentence: "tomorrow." and "Tomorrow: call Ada".
+        constexpr int leastLetters = 3;
+        if (phrase.back().size() > leastLetters && u".:!?"_s.contains(phrase.back().back())) {
+            phrase.back().chop(1);
+            if (const auto entry = entryOf(phrase.join(u' ')))
+                return Match{*entry, count};
+        }
         const auto [pattern, number] = patternOf(part, *this);
         if (!number)
             continue;

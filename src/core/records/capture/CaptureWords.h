@@ -21,17 +21,27 @@ public:
         YearsAhead,  ///< from today
         HoursAhead,
         MinutesAhead,
-        Weekday,         ///< the next one of it; 1 is Sunday
-        WeekdayNextWeek, ///< in the week after the present one
-        NextWeek,
+        WeeksFrom,        ///< weeks from the day that follows
+        Weekday,          ///< the next one of it; 1 is Sunday
+        WeekdayNextWeek,  ///< in the week after the present one
+        WeekdayAfterNext, ///< a week after the next one of it
+        ThisWeek,
+        ThisMonth,
+        ThisYear,
+        NextWeek, ///< that many weeks ahead
         NextMonth,
         NextYear,
-        Weekend,
+        Weekend, ///< that many weeks ahead
+        WeekNumber,
         EndOfMonth,
+        EndOfYear,
+        PartOf, ///< 0 is the first day of what follows, 1 its middle, 2 the last day
         Someday,
         Month, ///< 1 is January
         // Times.
-        Minute, ///< of the day
+        Minute,      ///< of the day
+        DayPart,     ///< the minute that it mostly means; says which half of the day is meant by a time
+        ClockAround, ///< minutes before or after an hour
         // Repetitions.
         Daily,
         Weekly,
@@ -39,20 +49,25 @@ public:
         Yearly,
         OnWorkdays,
         OnWeekends,
-        EveryUnit, ///< "every # <unit>", counted by the number; see `unit`
         Every,
+        Ordinal,     ///< -1 is the last one
+        WeekdayEach, ///< each one of it; 1 is Sunday
+        EachMonth,   ///< "of every month" with 1; with 0 "of the month", which can also be a single one
+        LastDay,
         Times, ///< "3 times"
         // What stands before and between.
         BeforeDate,
         BeforeTime,
         From,
+        Between,
         To,
         Until,
         For,
+        In,
         And,
         OfMonth,
-        Hours,
-        Minutes,
+        Hours,   ///< a length; the number is what stands for '#'
+        Minutes, ///< the same
         OClock,
         DayUnit,
         WeekUnit,
@@ -66,6 +81,8 @@ public:
         int number = 0;
         /// Also a common word of another meaning: it counts only where a date must be meant.
         bool isWeak = false;
+        /// The part of the day that is said with the day: "tonight".
+        std::optional<int> part = {};
     };
     struct Match
     {
@@ -88,6 +105,8 @@ public:
     std::optional<int> numberOf(const QString &word) const;
     /// Without case, and without the comma or semicolon behind it.
     static QString foldedWord(QStringView word);
+    /// Whether "17h" is how one of the languages writes a time of day.
+    bool hasHoursWithH() const { return writesHours; }
 
 private:
     void add(const QString &phrase, const Entry &entry);
@@ -101,4 +120,6 @@ private:
     std::unordered_multimap<QString, Entry> entries;
     std::unordered_map<QString, int> numbers;
     int longest = 1;
+    bool knowsGerman = false;
+    bool writesHours = false;
 };

@@ -3,12 +3,15 @@
 #include "foundation/Calendar.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "records/Categories.h"
 #include "records/Functional.h"
+#include "records/ProjectManager.h"
 #include "records/TaskFormState.h"
 #include "records/dates/MVDate.h"
 #include "recurrence/RRule.h"
 #include "recurrence/RecurrenceSentence.h"
 #include "store/entities/FullName.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -57,8 +60,11 @@ NewTaskRequest CapturedTask::request(const Capture &capture, const NewTaskReques
     }
     if (capture.project)
         request.createWithProject = capture.project;
-    if (capture.person)
+    if (capture.person) {
         request.createWithContact = capture.person;
+        // As where a person is chosen in the form.
+        request.createWithCompany = capture.person->company();
+    }
     if (capture.category)
         request.createWithCategory = capture.category;
     return request;
@@ -72,14 +78,26 @@ TaskPtr CapturedTask::save(const Capture &capture, const NewTaskRequest &ofList)
     form.setTitle(capture.title);
     if (capture.priority)
         form.setPriority(*capture.priority);
-    if (!capture.place.isEmpty())
-        form.setLocation(DBWorker::saveLocation(capture.place, {}, {}));
+    // A place that is not there yet is committed together with the task.
+    std::shared_ptr<EntityLocation> newPlace;
+    if (!capture.place.isEmpty()) {
+        auto place = DBWorker::locationOf(capture.place);
+        if (!place) {
+            place = newPlace = mainContext().insert<EntityLocation>();
+            place->setTitle(capture.place);
+        }
+        form.setLocation(place);
+    }
     if (capture.repeat && capture.day) {
         RecurrenceRule rule = *capture.repeat;
         rule.startDate = spanOf(capture)->start;
         form.setRepeat(RRule::stringFromRule(rule));
     }
-    return form.save() ? form.currentTask().task() : nullptr;
+    if (form.save())
+        return form.currentTask().task();
+    if (newPlace)
+        mainContext().deleteObject(newPlace);
+    return nullptr;
 }
 
 QString CapturedTask::inWords(const Capture &capture)
@@ -102,9 +120,9 @@ QString CapturedTask::inWords(const Capture &capture)
     if (capture.priority)
         parts.append(Functional::priorityStringFromType(*capture.priority));
     if (capture.category)
-        parts.append(capture.category->title());
+        parts.append(Categories::shownTitle(capture.category));
     if (capture.project)
-        parts.append(capture.project->title());
+        parts.append(ProjectManager::shownTitle(*capture.project));
     if (capture.person)
         parts.append(fullNameWith(capture.person->firstName(), capture.person->lastName()));
     if (!capture.place.isEmpty())

@@ -4,15 +4,33 @@
 #include "records/capture/CaptureLine.h"
 #include "records/capture/CaptureWords.h"
 
-std::optional<TypedDate> TypedDate::read(const QString &text)
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+std::optional<TypedDate> readWith(const CaptureWords &dictionary, const QString &text)
 {
     const CaptureLine::Names none{[](QStringView) { return std::pair(CategoryPtr(), 0); },
                                   [](QStringView) { return std::pair(ProjectPtr(), 0); },
                                   [](QStringView) { return std::pair(ContactPtr(), 0); }};
-    const Capture capture = CaptureLine(CaptureWords::ofUser(), none, Clock::now()).read(text);
-    const bool isOneDay = capture.day && !capture.lastDay && !capture.repeat && !capture.isSomeday;
-    const bool isMore = capture.priority || !capture.place.isEmpty() || capture.lastMinute;
+    const Capture capture = CaptureLine(dictionary, none, Clock::now()).readDate(text);
+    const bool isOneDay = capture.isSomeday || (capture.day && !capture.lastDay);
+    const bool isMore =
+        capture.repeat || capture.priority || !capture.place.isEmpty() || capture.lastMinute.has_value();
     if (!isOneDay || isMore || !capture.title.trimmed().isEmpty())
         return std::nullopt;
+    if (capture.isSomeday)
+        return TypedDate{.isSomeday = true};
     return TypedDate{*capture.day, capture.minute};
+}
+
+} // namespace
+
+std::optional<TypedDate> TypedDate::read(const QString &text)
+{
+    if (const auto date = readWith(CaptureWords::ofUser(), text))
+        return date;
+    // Where all of it must be a date, words of the other language that is known best do no harm.
+    static const CaptureWords german({u"de"_s});
+    return readWith(german, text);
 }

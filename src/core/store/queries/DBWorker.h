@@ -190,6 +190,9 @@ public:
                                                                const SortDescriptors &usingSortDescriptors,
                                                                const std::vector<Predicate> &andPredicates);
 
+    /// The location of that title; null if there is none.
+    static std::shared_ptr<EntityLocation> locationOf(const QString &title);
+
     // Writers.
     /// The location of that title; a new one with these coordinates, absent if nobody knows them, only if
     /// there is none yet.

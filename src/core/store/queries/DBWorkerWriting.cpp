@@ -143,11 +143,16 @@ void DBWorker::newPositionInboxTask(const std::set<int> &rows, int toIndex,
     saveStep(QStringLiteral("Change Order"));
 }
 
+std::shared_ptr<EntityLocation> DBWorker::locationOf(const QString &title)
+{
+    return mainContext().fetchFirst<EntityLocation>(
+        EntityLocation::fetchRequest().where(Predicate::format("title = %@", title)));
+}
+
 std::shared_ptr<EntityLocation> DBWorker::saveLocation(const QString &title, std::optional<double> latitude,
                                                        std::optional<double> longitude)
 {
-    auto location = mainContext().fetchFirst<EntityLocation>(
-        EntityLocation::fetchRequest().where(Predicate::format("title = %@", title)));
+    auto location = locationOf(title);
     if (location)
         return location;
     location = mainContext().insert<EntityLocation>();

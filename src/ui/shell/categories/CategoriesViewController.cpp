@@ -3,6 +3,7 @@
 #include "foundation/Localization.h"
 #include "records/RecordRemoval.h"
 #include "shell/categories/CategoryTasksCell.h"
+#include "shell/tasks/CaptureBar.h"
 #include "widgets/BusyCursor.h"
 #include "widgets/Direction.h"
 #include "widgets/PopUpButton.h"
@@ -39,6 +40,7 @@ CategoriesViewController::CategoriesViewController(QWidget *parent)
     labelTitleCategory->setWordWrap(false);
     setUpTable();
     setUpPanel();
+    setUpCapture();
     connect(this, &TabsViewController::buttonAdd, this, [this](ToolBarButton::ActionType type) {
         if (type == ToolBarButton::NewCategory)
             addCategory();
@@ -169,6 +171,8 @@ void CategoriesViewController::categorySelectionChanged()
         tableViewTasks()->scrollToTop();
     }
     showTitle();
+    // Without a category there is only the one that new tasks have anyway.
+    captureBar()->setVisible(selectCategory || !EntityCategory::getCustom());
     TabTaskViewController::reloadData();
 }
 
@@ -176,6 +180,13 @@ void CategoriesViewController::categorySelectionChanged()
 void CategoriesViewController::reloadData()
 {
     isEditing() ? TabTaskViewController::reloadData() : reloadCategories();
+}
+
+NewTaskRequest CategoriesViewController::captureRequest() const
+{
+    NewTaskRequest request = newTaskRequest();
+    request.createWithCategory = selectCategory;
+    return request;
 }
 
 TaskListQuery CategoriesViewController::query(Grouping) const

@@ -29,6 +29,7 @@ public:
 
 protected:
     TaskListQuery query(Grouping grouping) const override;
+    NewTaskRequest captureRequest() const override;
     void othersChanged(const StoreChanges &changes) override;
     void resizeEvent(QResizeEvent *event) override;
 

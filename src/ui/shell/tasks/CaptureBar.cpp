@@ -1,5 +1,6 @@
 #include "shell/tasks/CaptureBar.h"
 
+#include "foundation/Localization.h"
 #include "records/capture/CapturedTask.h"
 #include "shell/tasks/CaptureEdit.h"
 #include "widgets/Accessibility.h"
@@ -44,11 +45,12 @@ protected:
     }
 };
 
-CaptureBar::CaptureBar(std::function<NewTaskRequest()> ofList, QWidget *parent)
+CaptureBar::CaptureBar(std::function<NewTaskRequest()> ofList, const QString &key, QWidget *parent)
     : QWidget(parent)
     , request(std::move(ofList))
     , field(new CaptureEdit)
     , understood(new UnderstoodCard)
+    , keeper(key)
 {
     constexpr int mostWidth = 560;
     constexpr int leastWidth = 110;
@@ -63,6 +65,8 @@ CaptureBar::CaptureBar(std::function<NewTaskRequest()> ofList, QWidget *parent)
     going.setSingleShot(true);
     going.setInterval(told);
     connect(&going, &QTimer::timeout, understood, &QWidget::hide);
+    field->resume(keeper.kept());
+    connect(field, &CaptureEdit::captureChanged, this, [this] { keeper.keep(field->draft()); });
     connect(field, &CaptureEdit::captureChanged, this, &CaptureBar::tell);
     connect(field, &CaptureEdit::accepted, this, &CaptureBar::save);
     connect(field, &CaptureEdit::left, this, &CaptureBar::left);
@@ -105,6 +109,11 @@ void CaptureBar::tell()
 void CaptureBar::save()
 {
     field->readAgain();
+    if (field->capture().title.trimmed().isEmpty()) {
+        if (!field->text().trimmed().isEmpty())
+            showWords(localized(u"A title is missing"_s));
+        return;
+    }
     const TaskPtr task = CapturedTask::save(field->capture(), request());
     if (!task)
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/NewTaskRequest.h"
+#include "records/capture/CaptureDrafts.h"
 
 #include <QLabel>
 #include <QPointer>
@@ -18,7 +19,8 @@ class CaptureBar : public QWidget
     Q_OBJECT
 public:
     /// \param ofList what a new task of the list begins with.
-    explicit CaptureBar(std::function<NewTaskRequest()> ofList, QWidget *parent = nullptr);
+    /// \param key of the list. A line that was begun there stands in the field again.
+    CaptureBar(std::function<NewTaskRequest()> ofList, const QString &key, QWidget *parent = nullptr);
     ~CaptureBar() override;
 
     CaptureEdit *edit() const { return field; }
@@ -37,4 +39,5 @@ private:
     CaptureEdit *field;
     QPointer<QLabel> understood;
     QTimer going;
+    CaptureDraftKeeper keeper;
 };

@@ -30,6 +30,13 @@ void CaptureEdit::readAgain()
     Q_EMIT captureChanged();
 }
 
+void CaptureEdit::resume(const CaptureDraft &draft)
+{
+    setText(draft.text);
+    literal = draft.literal;
+    readAgain();
+}
+
 /// What was taken back stays so, wherever the words before it move it.
 void CaptureEdit::edited()
 {
@@ -57,7 +64,12 @@ bool CaptureEdit::takeBackPiece()
         read.pieces, [this](const CapturePiece &one) { return one.from + one.length == cursorPosition(); });
     if (piece == read.pieces.end())
         return false;
-    literal.insert(piece->from);
+    // All of its words: "Friday" is none, either, once "on Friday" was taken back.
+    const QString line = text();
+    for (int place = piece->from; place < piece->from + piece->length; ++place) {
+        if (place == piece->from || line.at(place - 1).isSpace())
+            literal.insert(place);
+    }
     readAgain();
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "records/capture/CaptureDrafts.h"
 #include "records/capture/CaptureLine.h"
 
 #include <QLineEdit>
@@ -14,6 +15,9 @@ public:
     explicit CaptureEdit(QWidget *parent = nullptr);
 
     const Capture &capture() const { return read; }
+    /// What stands in the field, to go on with it later.
+    CaptureDraft draft() const { return {text(), literal}; }
+    void resume(const CaptureDraft &draft);
     /// Reads the line again: names or the time may have changed.
     void readAgain();
 
@@ -39,6 +43,6 @@ private:
 
     Capture read;
     QString before;
-    /// Where pieces began that were taken back.
+    /// Where the words of pieces begin that were taken back.
     std::set<int> literal;
 };

@@ -54,7 +54,7 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
         setUpGrouping();
     }
     addButton(ToolBarButton::Calendars);
-    // What is done is not typed anew, and a category has its list beside that of the tasks.
+    // What is done is not typed anew, and the tasks of a category are set up by their screen.
     if (type() != ListType::Done && type() != ListType::Categories)
         setUpCapture();
     connect(table(), &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
@@ -69,7 +69,7 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
 
 void TabTaskViewController::setUpCapture()
 {
-    capture = new CaptureBar([this] { return newTaskRequest(); });
+    capture = new CaptureBar([this] { return captureRequest(); }, QString::number(static_cast<int>(type())));
     if (filterStrip()) {
         filterStrip()->setMiddle(capture);
     } else {
@@ -92,7 +92,7 @@ void TabTaskViewController::addFirst()
 
 bool TabTaskViewController::canTakeLines() const
 {
-    return capture != nullptr;
+    return capture && !capture->isHidden();
 }
 
 /// What a calendar or a rule refuses stays out, and its message has said so.
@@ -100,7 +100,7 @@ void TabTaskViewController::takeLines(const QStringList &lines)
 {
     LongWork work(static_cast<size_t>(lines.size()), localized(u"Adding tasks"_s));
     const std::vector<TaskPtr> made =
-        TaskBatch::addLines(lines, newTaskRequest(), [&work] { return work.step(); });
+        TaskBatch::addLines(lines, captureRequest(), [&work] { return work.step(); });
     selectRecords({made.begin(), made.end()});
 }
 

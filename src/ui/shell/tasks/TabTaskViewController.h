@@ -57,10 +57,12 @@ protected:
     int groupingIndex() const override;
     void severalOpened() override;
     void addFirst() override;
+    /// The line above the rows, and what a task that is typed or pasted there begins with.
+    void setUpCapture();
+    virtual NewTaskRequest captureRequest() const { return newTaskRequest(); }
 
 private:
     TabTaskViewController(const TaskListDescription &description, TaskListModel *model, QWidget *parent);
-    void setUpCapture();
     void setUpGrouping();
     Grouping grouping() const { return static_cast<Grouping>(groupingIndex()); }
     void saveGrouping(int index);
