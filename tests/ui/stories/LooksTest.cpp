@@ -1,5 +1,6 @@
-// Every screen in three languages, one of them mirrored, at three sizes of the text and in each scheme: all
-// words are whole, inside of what holds them and beside each other.
+// Every screen in three languages, one of them mirrored, at three sizes of the text: all words are whole,
+// inside of what holds them and beside each other. And in each scheme: they stand out from what is painted
+// below them.
 
 #include "foundation/Region.h"
 #include "ui/support/ShellTest.h"
@@ -74,6 +75,37 @@ bool isInScrollArea(const QWidget &widget)
 {
     const auto *area = qobject_cast<const QAbstractScrollArea *>(widget.parentWidget()->parentWidget());
     return area && area->viewport() == widget.parentWidget();
+}
+
+/// What most pixels of a part of a picture have.
+QColor groundOf(const QImage &picture, const QRect &place)
+{
+    QHash<QRgb, int> counts;
+    const QRect inside = place & picture.rect();
+    for (int y = inside.top(); y <= inside.bottom(); ++y)
+        for (int x = inside.left(); x <= inside.right(); ++x)
+            ++counts[picture.pixel(x, y)];
+    QRgb most = 0;
+    for (auto one = counts.cbegin(); one != counts.cend(); ++one)
+        most = counts.value(most) < one.value() ? one.key() : most;
+    return QColor::fromRgb(most);
+}
+
+/// The words of labels that are hard to see.
+QStringList faintWordsIn(QWidget &window)
+{
+    const QImage picture = window.grab().toImage();
+    QStringList found;
+    for (const QLabel *label : window.findChildren<QLabel *>()) {
+        const QRect seen = label->visibleRegion().boundingRect();
+        if (!label->isEnabled() || label->text().isEmpty() || seen.isEmpty())
+            continue;
+        const QColor ground = groundOf(picture, seen.translated(label->mapTo(&window, QPoint())));
+        const double contrast = Theme::contrast(label->palette().color(label->foregroundRole()), ground);
+        if (contrast < Theme::leastTextContrast)
+            found << u"%1: “%2” has %3"_s.arg(nameOf(*label), label->text().left(50)).arg(contrast);
+    }
+    return found;
 }
 
 class Faults
@@ -162,6 +194,19 @@ protected:
         });
         add(u"Idea"_s, [](MVTask &task) { task.dueSomeDay = true; });
         addInbox({u"Inbox one"_s, u"Inbox two"_s});
+        const auto person = context().insert<EntityContacts>();
+        person->setFirstName(u"Bartholomäus"_s);
+        person->setLastName(u"von und zu Hohenlohe-Waldenburg-Schillingsfürst"_s);
+        const auto company = context().insert<EntityCompany>();
+        company->setTitle(u"Works for Things of Every Kind & Sons, Limited"_s);
+        person->setCompany(company);
+        const auto project = context().insert<EntityProject>();
+        project->setTitle(u"A project that nobody could describe in few words"_s);
+        project->setStartDate(localDate(2026, 11, 2));
+        const auto note = context().insert<EntityNote>();
+        note->setTitle(u"What was said about everything"_s);
+        note->setDetail(u"First line\nsecond line"_s);
+        EXPECT_FALSE(DBWorker::saveContext());
         window().resize(1080, 760);
     }
     ~LooksTest() override
@@ -180,32 +225,50 @@ protected:
             << qPrintable(what) << "\n  " << qPrintable(faults.found.join(u"\n  "_s));
     }
 
+    static void expectVivid(QWidget &shown, const QString &what)
+    {
+        settle();
+        const QStringList faint = faintWordsIn(shown);
+        EXPECT_TRUE(faint.isEmpty()) << qPrintable(what) << "\n  " << qPrintable(faint.join(u"\n  "_s));
+    }
+
     /// All screens, the windows over them and the panes beside them.
-    void walk(const QString &look)
+    void walk(const QString &look) { walk(look, &LooksTest::expectFine); }
+    void walk(const QString &look, void (*expect)(QWidget &, const QString &))
     {
         for (const ActionDescription &description : Actions::table()) {
             if (!description.list)
                 continue;
             run(description.id);
-            expectFine(window(), look + QString::fromUtf16(description.text));
+            expect(window(), look + QString::fromUtf16(description.text));
         }
         for (const ActionId page : {ActionId::CalendarDay, ActionId::CalendarWeek, ActionId::CalendarMonth}) {
             run(page);
-            expectFine(window(), look + QString::fromUtf16(Actions::describe(page).text));
+            expect(window(), look + QString::fromUtf16(Actions::describe(page).text));
         }
         run(ActionId::ShowToday);
         list().selectRow(0);
         key(Qt::Key_Return);
-        expectFine(window(), look + u"pane"_s);
+        expect(window(), look + u"pane"_s);
         run(ActionId::Preferences);
         for (QWidget *shown : QApplication::topLevelWidgets()) {
             if (shown->isVisible() && shown != &window() && !shown->windowFlags().testFlag(Qt::ToolTip)) {
-                expectFine(*shown, look + shown->objectName());
+                expect(*shown, look + shown->objectName());
                 shown->close();
             }
         }
+        using Kind = ToolBarButton::ActionType;
+        for (const Kind kind : {Kind::NewProject, Kind::NewContact, Kind::NewCompany, Kind::NewNote}) {
+            Q_EMIT controller().currentScreen()->buttonAdd(kind);
+            settle();
+            QWidget *const shown = QApplication::activeWindow();
+            ASSERT_TRUE(shown && shown != &window());
+            expect(*shown, look + shown->objectName() + QString::number(int(kind)));
+            shown->close();
+            settle();
+        }
         WindowNewTask &form = openNewTask();
-        expectFine(form, look + u"new task"_s);
+        expect(form, look + u"new task"_s);
         form.close();
         settle();
     }
@@ -219,5 +282,13 @@ TYPED_TEST(LooksTest, AllWordsAreWholeAtEachSizeOfTheText)
     for (const double scale : {1.0, 1.5, 2.0}) {
         Appearance::shared().setTextScale(scale);
         this->walk(u"%1 %: "_s.arg(scale * 100));
+    }
+}
+
+TYPED_TEST(LooksTest, AllWordsStandOutInEachScheme)
+{
+    for (const Theme::Scheme scheme : Theme::schemes) {
+        Appearance::shared().show(scheme);
+        this->walk(u"scheme %1: "_s.arg(int(scheme)), &LooksTest<TypeParam>::expectVivid);
     }
 }
