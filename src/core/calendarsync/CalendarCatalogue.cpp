@@ -236,6 +236,27 @@ bool CalendarCatalogue::isKnownReference(const QString &reference)
            calendarOfIdentifier(reference).has_value();
 }
 
+bool CalendarCatalogue::isHere(const QString &reference)
+{
+    const QString own = calendarreferences::identifierOf(reference);
+    return std::ranges::any_of(getAllCalendars(), [&](const EKCalendar &one) {
+        return own.isEmpty() ? identifierOfCalendar(one) == reference : one.calendarIdentifier == own;
+    });
+}
+
+QStringList CalendarCatalogue::namesForOtherDevices()
+{
+    QStringList names;
+    for (const EKCalendar &one : knowncalendars::read()) {
+        const QStringList references =
+            QStringList(identifierOfCalendar(one)) + calendarreferences::formerOf(one.calendarIdentifier);
+        std::ranges::transform(references, std::back_inserter(names), calendarreferences::nameElsewhere);
+    }
+    names.sort();
+    names.removeDuplicates();
+    return names;
+}
+
 std::optional<EKCalendar> CalendarCatalogue::calendarOfIdentifier(const QString &identifier)
 {
     if (identifier.isNull())

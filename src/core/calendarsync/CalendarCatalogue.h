@@ -49,6 +49,11 @@ public:
     static QStringList visibleReferences();
     /// Whether a reference is that of a calendar that this computer has, or had.
     static bool isKnownReference(const QString &reference);
+    /// Whether such a calendar is on this computer, chosen or not.
+    static bool isHere(const QString &reference);
+    /// By what other devices know the calendars that this one has, chosen or not; those last seen while there
+    /// is no access to them.
+    static QStringList namesForOtherDevices();
     /// The calendar that has or had such a name: a writable one only if it is chosen.
     static std::optional<EKCalendar> calendarOfIdentifier(const QString &identifier);
     static std::optional<EKCalendar> calendarOfTitle(const QString &title);

@@ -8,6 +8,7 @@
 #include "foundation/UserDefaults.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/CoreContext.h"
 #include "store/state/SettingsKeys.h"
 
 #include <QStringList>
@@ -94,8 +95,17 @@ bool mayRemoveTasksOf(const QString &identifier, const QString &reference)
                 .size()));
 }
 
+/// Whether another device still has a calendar that has gone here: its account was given up on this computer
+/// alone. The rows with all that is the user's are that one's too, so that they stay until it is gone there.
+bool isStillElsewhere(const QStringList &references)
+{
+    QStringList names;
+    std::ranges::transform(references, std::back_inserter(names), calendarreferences::nameElsewhere);
+    return CoreContext::current().isCalendarElsewhere(names);
+}
+
 /// What becomes of the tasks of calendars that have gone since their titles were last written down. Gives
-/// those whose tasks the user keeps, by identifier.
+/// those whose tasks are kept, by identifier: it is asked about them again.
 QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVariantMap &known)
 {
     QVariantMap missed;
@@ -108,12 +118,13 @@ QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVari
         gone.calendarIdentifier = entry.key();
         gone.title = formerTitle;
         const QString reference = CalendarCatalogue::identifierOfCalendar(gone);
-        if (!mayRemoveTasksOf(entry.key(), reference)) {
+        const QStringList references = QStringList(reference) + calendarreferences::formerOf(entry.key());
+        if (isStillElsewhere(references) || !mayRemoveTasksOf(entry.key(), reference)) {
             missed.insert(entry.key(), formerTitle);
             continue;
         }
         CalendarOutbox::forgetCalendar(mainContext(), entry.key());
-        for (const QString &own : QStringList(reference) + calendarreferences::formerOf(entry.key()))
+        for (const QString &own : references)
             DBWorker::removeAllTasksByCalendarIdentifier(own);
         replaceInSettings(reference, QString());
     }

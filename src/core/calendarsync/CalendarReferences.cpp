@@ -139,6 +139,12 @@ QString identifierOf(const QString &reference)
     return found == references().end() ? QString() : found->first;
 }
 
+QString nameElsewhere(const QString &reference)
+{
+    const qsizetype mark = reference.lastIndexOf(identifierMark);
+    return mark > 0 ? reference.left(mark) : reference;
+}
+
 QStringList formerOf(const QString &identifier)
 {
     const auto own = references().find(identifier);

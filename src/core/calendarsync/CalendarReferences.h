@@ -31,6 +31,9 @@ struct Renamed
 void take(const std::vector<EKCalendar> &calendars);
 /// Of a calendar that was not taken, the one that it would get.
 QString of(const EKCalendar &calendar);
+/// What a reference says to another device, where the same calendar can have another identifier: the title,
+/// if there is one.
+QString nameElsewhere(const QString &reference);
 /// The identifier of the calendar that has or had a reference; empty if there is none.
 QString identifierOf(const QString &reference);
 /// References that were a calendar's; no other one gets them while it is there.

@@ -218,6 +218,10 @@ Result<std::vector<EKEvent>> EventReader::eventsOfRow(const QString &identifier,
     if (EventStoreAccess::eventStore().mayBeUnusable(identifier))
         return CalendarError::make(CalendarError::Unreadable,
                                    QStringLiteral("The event cannot be read at present."));
+    // Another device may have the calendar, and the event.
+    if (!calendar.isEmpty() && !CalendarCatalogue::isHere(calendar))
+        return CalendarError::make(CalendarError::Storage,
+                                   QStringLiteral("The calendar %1 is not there at present.").arg(calendar));
     return std::vector<EKEvent>();
 }
 

@@ -34,7 +34,8 @@ public:
     static Result<std::vector<EKEvent>>
     eventsWithExternalIdentifier(const QString &identifier, const std::vector<OptionalDate> &onDaysOf = {});
     /// The same in the calendar that a row names, or if that has none, in the other chosen ones. An error
-    /// also if none is found and an object that cannot be read may be it.
+    /// also if none is found and an object that cannot be read may be it, or its calendar is not on this
+    /// computer.
     static Result<std::vector<EKEvent>> eventsOfRow(const QString &identifier, const QString &calendar,
                                                     const std::vector<OptionalDate> &onDaysOf);
     /// Whether nothing else has its identifier, so that its row is known by that alone, wherever it was

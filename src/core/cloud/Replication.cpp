@@ -3,12 +3,15 @@
 #include "cloud/IcloudManager.h"
 #include "foundation/ApplicationPaths.h"
 #include "foundation/Log.h"
+#include "replication/Clearing.h"
 #include "store/state/NotificationNames.h"
 #include "ubiquity/UbiquityContainer.h"
 
 #include <QCryptographicHash>
 #include <QFileInfo>
 #include <QSysInfo>
+
+#include <algorithm>
 
 namespace {
 
@@ -130,6 +133,23 @@ bool Replication::awaitsCalendarItem(const ManagedObject &row, const QString &it
 void Replication::sawCalendarItems(const QSet<QString> &items)
 {
     replica->witness(items);
+}
+
+void Replication::tellCalendars(const QStringList &names)
+{
+    replica->hold(names);
+    if (replica->owesAcknowledgement())
+        exchange->lookSoon();
+}
+
+bool Replication::isCalendarElsewhere(const QStringList &names) const
+{
+    const auto isAmong = [&names](const QStringList &held) {
+        return std::ranges::any_of(names, [&held](const QString &name) { return held.contains(name); });
+    };
+    return std::ranges::any_of(replica->devices(), [&isAmong](const replication::Device &device) {
+        return replication::isExpected(device) && (!device.holdings || isAmong(*device.holdings));
+    });
 }
 
 void Replication::keep(const ManagedObject &row)

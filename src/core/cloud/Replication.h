@@ -31,6 +31,11 @@ public:
     bool awaitsCalendarItem(const ManagedObject &row, const QString &item);
     /// Items that are in the calendars of this device.
     void sawCalendarItems(const QSet<QString> &items);
+    /// Tells the other devices which calendars this one has, by names that these know, too.
+    void tellCalendars(const QStringList &names);
+    /// Whether another device that takes part may have a calendar of one of these names: it has told so, or
+    /// has not told of its calendars yet. Who was removed, or not heard of for ninety days, takes no part.
+    bool isCalendarElsewhere(const QStringList &names) const;
 
     /// A row that stays in the place of its doubles counts as changed by the next commit: another device may
     /// be joining them into another one.

@@ -78,6 +78,9 @@ void AppDelegate::fillContext()
         if (exchange)
             exchange->sawCalendarItems(items);
     };
+    core->isCalendarElsewhere = [this](const QStringList &names) {
+        return exchange && exchange->isCalendarElsewhere(names);
+    };
     core->visibleCalendars = [this] {
         const QStringList references = CalendarCatalogue::visibleReferences() + referencesElsewhere();
         followVisibleCalendars(references);

@@ -194,6 +194,8 @@ void AppDelegate::activate()
         CalendarOutbox::carryOut(managedObjectContext());
         CalendarEvent::handleChangedCalendars();
     }
+    if (exchange && !core->isSample)
+        exchange->tellCalendars(CalendarCatalogue::namesForOtherDevices());
     Log::line(QStringLiteral("SYNC:%1 - ACCESS APP TO iCALENDAR").arg(yesOrNo(hasCalendar)));
     const bool isCalendarInCloud = CalendarEvent::getSourceType() == CalendarCatalogue::cloudSourceType;
     Log::line(QStringLiteral("SYNC:%1 - iCLOUD CALENDARS").arg(yesOrNo(isCalendarInCloud)));

@@ -17,7 +17,7 @@ constexpr int formatVersion = 1;
 
 /// The keys of the map.
 namespace key {
-enum { Format, Schema, Device, Number, Time, Seen, Name, Tables, Changes, Touched, Wall, Removed };
+enum { Format, Schema, Device, Number, Time, Seen, Name, Tables, Changes, Touched, Wall, Removed, Holdings };
 }
 
 Error unreadable(const char *why)
@@ -53,6 +53,8 @@ QByteArray ChangeFile::toBytes() const
     map.insert(key::Touched, rows);
     if (!removed.isEmpty())
         map.insert(key::Removed, QString::fromUtf8(removed.text()));
+    if (holdings)
+        map.insert(key::Holdings, QCborArray::fromStringList(*holdings));
     const QByteArray content = QCborValue(map).toCbor();
     return mark + QCryptographicHash::hash(content, QCryptographicHash::Sha256) + content;
 }
@@ -89,6 +91,11 @@ Result<ChangeFile> ChangeFile::fromBytes(const QByteArray &bytes)
     for (const QCborValue &one : map.value(key::Touched).toArray())
         file.touched.push_back({one.toArray().at(0).toString().toUtf8(), one.toArray().at(1).toString()});
     file.removed = VersionVector::fromText(map.value(key::Removed).toString().toUtf8());
+    if (map.contains(key::Holdings)) {
+        file.holdings.emplace();
+        for (const QCborValue &one : map.value(key::Holdings).toArray())
+            file.holdings->append(one.toString());
+    }
     constexpr qint64 latest = qint64(1) << 62;
     if (file.dot.device.isEmpty() || file.dot.number < 1 || file.time < 1 || file.time > latest)
         return unreadable("It does not say which save it is");

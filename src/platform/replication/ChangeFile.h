@@ -4,6 +4,8 @@
 #include "foundation/Error.h"
 #include "replication/RowDelta.h"
 
+#include <QStringList>
+
 #include <optional>
 
 namespace replication {
@@ -29,6 +31,8 @@ struct ChangeFile
     /// Devices that the user has removed, each with its last save that was known. One that saves more takes
     /// part again.
     VersionVector removed = {};
+    /// What its device has outside of the store; absent if it does not say.
+    std::optional<QStringList> holdings = {};
 
     /// What it says, row by row; absent if the changeset is damaged.
     std::optional<std::vector<RowDelta>> deltas(const ManagedObjectModel &model) const;

@@ -57,12 +57,17 @@ qint64 coveredBy(const std::vector<SnapshotHead> &snapshots, const DeviceId &dev
     return covered;
 }
 
+bool isExpected(const Device &device)
+{
+    const Date longAgo = dateOfMilliseconds(wallMilliseconds() - daysOfPatience * millisecondsADay);
+    return !device.isOwn && !device.isRemoved && device.heard.value_or(longAgo) > longAgo;
+}
+
 /// The saves of a device that all have told of which are waited for.
 static qint64 toldByAll(qint64 most, const DeviceId &device, const std::vector<Device> &devices)
 {
-    const Date longAgo = dateOfMilliseconds(wallMilliseconds() - daysOfPatience * millisecondsADay);
     for (const Device &other : devices) {
-        if (!other.isOwn && !other.isRemoved && other.heard.value_or(longAgo) > longAgo)
+        if (isExpected(other))
             most = std::min(most, other.seen.of(device));
     }
     return std::max(qint64(0), most);

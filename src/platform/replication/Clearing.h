@@ -26,6 +26,10 @@ struct SnapshotTerms
 std::optional<size_t> snapshotToTake(const std::vector<SnapshotHead> &snapshots, const VersionVector &known,
                                      const Dots &present, const DeviceId &own);
 
+/// Whether a device counts as one that takes part: it is another one, was not removed, and was heard of
+/// within ninety days.
+bool isExpected(const Device &device);
+
 /// The greatest number of a save of a device that is in a snapshot.
 qint64 coveredBy(const std::vector<SnapshotHead> &snapshots, const DeviceId &device);
 

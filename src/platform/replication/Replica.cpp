@@ -69,8 +69,13 @@ OptionalError Replica::load(const QByteArray &machine)
                                           " INTEGER NOT NULL DEFAULT 0"))
             return error;
     }
+    if (database.queryInteger(
+            "SELECT COUNT(*) FROM pragma_table_info('ObjectStoreReplicas') WHERE name = 'holdings'") == 0) {
+        if (auto error = database.execute("ALTER TABLE ObjectStoreReplicas ADD COLUMN holdings TEXT"))
+            return error;
+    }
     sqlite::Statement all = database.prepare("SELECT device, number, time, machine, untold, untoldSince, "
-                                             "cleared, removed FROM ObjectStoreReplicas");
+                                             "cleared, removed, holdings FROM ObjectStoreReplicas");
     while (all.step()) {
         const DeviceId device = all.text(0).toUtf8();
         known.add(device, all.integer(1));
@@ -84,6 +89,7 @@ OptionalError Replica::load(const QByteArray &machine)
         untoldSince = all.integer(5);
         clearedUpTo = all.integer(6);
         removedAt = all.integer(7);
+        toldOf = held = listOfText(all.text(8));
     }
     all.reset();
     if (auto error = foreignwrites::prepare(database, model))
@@ -111,6 +117,8 @@ OptionalError Replica::startAs(const QByteArray &machine)
     own = {newDevice(), 1};
     clearedUpTo = 0;
     removedAt = 0;
+    // Under the new number nobody has heard of it.
+    toldOf.reset();
     OptionalError error = foreignwrites::forget(database);
     if (!error)
         error = bookResult(database,
@@ -219,8 +227,8 @@ OptionalError Replica::becomeAnother()
 std::vector<Device> Replica::devices() const
 {
     std::vector<Device> list;
-    sqlite::Statement all = database.prepare("SELECT device, name, number, time, seen, wall, heard, removed "
-                                             "FROM ObjectStoreReplicas ORDER BY device");
+    sqlite::Statement all = database.prepare("SELECT device, name, number, time, seen, wall, heard, removed, "
+                                             "holdings FROM ObjectStoreReplicas ORDER BY device");
     while (all.step()) {
         Device device{
             .id = all.text(0).toUtf8(), .name = all.text(1), .lastSave = {}, .heard = {}, .seen = {}};
@@ -234,6 +242,7 @@ std::vector<Device> Replica::devices() const
         device.isClockAhead = !device.isOwn && wall > wallMilliseconds() + millisecondsADay;
         device.seen = device.isOwn ? known : VersionVector::fromText(all.text(4).toUtf8());
         device.isRemoved = !device.isOwn && all.integer(7) > 0 && all.integer(7) >= device.number;
+        device.holdings = listOfText(all.text(8));
         list.push_back(std::move(device));
     }
     return list;
@@ -258,6 +267,11 @@ bool Replica::isMadeElsewhere(const RowKey &key) const
         database.prepare("SELECT device FROM ObjectStoreRowStates WHERE tbl = ? AND id = ?");
     state.bind(QString::fromUtf8(key.table)).bind(key.id);
     return state.step() && state.text(0).toUtf8() != own.device;
+}
+
+void Replica::hold(const QStringList &holdings)
+{
+    held = holdings;
 }
 
 const QSet<QString> &Replica::witnessed()

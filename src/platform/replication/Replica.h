@@ -5,6 +5,7 @@
 #include "replication/ChangeFile.h"
 
 #include <QSet>
+#include <QStringList>
 
 #include <deque>
 
@@ -33,6 +34,8 @@ struct Device
     /// Whether the user has removed it, on this device or another one, and nothing of it came since. Nobody
     /// waits for it then.
     bool isRemoved = false;
+    /// What it has outside of the store, as far as it has told; absent if it never did.
+    std::optional<QStringList> holdings = {};
 };
 
 /// A store as one of several that hold the same records: it writes each commit down for the others, in the
@@ -76,7 +79,8 @@ public:
 
     /// Whether the others should be told that their saves have arrived here, though nothing was saved here
     /// for long: after fifty of them, or a day. Saves that say nothing else are not answered. A device that
-    /// was removed tells it as soon as it hears of that, and takes part again.
+    /// was removed tells it as soon as it hears of that, and takes part again; one that holds other things
+    /// than it has told of tells that at once.
     bool owesAcknowledgement() const;
     /// Tells it, with a save that changes nothing. The store must be free.
     OptionalError acknowledge();
@@ -135,6 +139,9 @@ public:
     /// Texts that this device keeps for itself: things outside of the store that it has seen.
     const QSet<QString> &witnessed();
     void witness(const QSet<QString> &items);
+    /// What this device has outside of the store: the others hear of it with its next save. The former ones
+    /// count no more.
+    void hold(const QStringList &holdings);
 
     void transactionBegan(sqlite::Database &database) override;
     OptionalError willCommit(sqlite::Database &database) override;
@@ -163,6 +170,7 @@ private:
     OptionalError noteDevice(const ChangeFile &file);
     OptionalError noteRemoved(const VersionVector &removed);
     OptionalError saveNothing(const VersionVector &removed);
+    OptionalError noteHoldings(const std::optional<QStringList> &holdings);
     OptionalError joinDevices(const VersionVector &seen);
 
     ManagedObjectContext &context;
@@ -185,6 +193,9 @@ private:
     /// Others do not wait for this device, as long as it saves nothing beyond this.
     qint64 removedAt = 0;
     qint64 clearedUpTo = 0;
+    std::optional<QStringList> held;
+    /// What the last save that told of it said.
+    std::optional<QStringList> toldOf;
 
     /// What the open transaction will have brought when it ends.
     struct Pending

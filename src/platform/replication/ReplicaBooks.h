@@ -3,7 +3,12 @@
 #include "foundation/Clock.h"
 #include "objectstore/Sqlite.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QStringList>
+
 #include <algorithm>
+#include <optional>
 
 // What the parts of a replica share.
 
@@ -39,6 +44,25 @@ constexpr qint64 millisecondsADay = 86'400'000;
 inline qint64 believed(qint64 time)
 {
     return std::min(time, wallTime() + (millisecondsADay << countBits));
+}
+
+/// Texts as the books keep them; null for none that are known.
+inline QString textOfList(const std::optional<QStringList> &list)
+{
+    return list ? QString::fromUtf8(
+                      QJsonDocument(QJsonArray::fromStringList(*list)).toJson(QJsonDocument::Compact))
+                : QString();
+}
+
+inline std::optional<QStringList> listOfText(const QString &text)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
+    if (!document.isArray())
+        return std::nullopt;
+    QStringList list;
+    for (const QJsonValue &one : document.array())
+        list.append(one.toString());
+    return list;
 }
 
 inline Date dateOfMilliseconds(qint64 milliseconds)

@@ -107,6 +107,7 @@ void Replica::transactionEnded()
             own = pending->dot;
             clock = pending->clock;
             known = std::move(pending->known);
+            toldOf = held;
             unsettled.merge(pending->unsettled);
         }
     }
@@ -193,7 +194,7 @@ bool Replica::owesAcknowledgement() const
 {
     constexpr int most = 50;
     const bool isRemoved = removedAt > 0 && removedAt >= own.number;
-    return isRemoved || untold >= most ||
+    return isRemoved || held != toldOf || untold >= most ||
            (untold > 0 && wallMilliseconds() >= untoldSince + millisecondsADay);
 }
 
@@ -242,7 +243,16 @@ OptionalError Replica::saveNothing(const VersionVector &removed)
     own = dot;
     clock = file.time;
     known = seen;
+    toldOf = held;
     return std::nullopt;
+}
+
+/// With a save that tells of what this device has.
+OptionalError Replica::noteHoldings(const std::optional<QStringList> &holdings)
+{
+    sqlite::Statement statement =
+        database.prepare("UPDATE ObjectStoreReplicas SET holdings = ? WHERE machine IS NOT NULL");
+    return bookResult(database, statement.bind(textOfList(holdings)).run());
 }
 
 TableColumns Replica::columnsOfTables()
@@ -333,12 +343,15 @@ OptionalError Replica::addOutgoing(const ChangeFile &file)
 {
     sqlite::Statement added =
         database.prepare("INSERT OR REPLACE INTO ObjectStoreOutgoing (number, bytes) VALUES (?, ?)");
-    return bookResult(database, added.bind(file.dot.number).bindBlob(file.toBytes()).run());
+    if (!added.bind(file.dot.number).bindBlob(file.toBytes()).run())
+        return bookFailure(database);
+    return file.holdings == toldOf ? OptionalError() : noteHoldings(file.holdings);
 }
 
 ChangeFile Replica::fileOf(const QByteArray &changeset, qint64 time, const Dot &dot)
 {
     ChangeFile file{model.version(), dot, time, wallMilliseconds(), known, name, {}, changeset};
+    file.holdings = held;
     for (const auto &[table, list] : columnsOfTables()) {
         if (changeset.contains(table))
             file.tables[table] = list;

@@ -26,9 +26,10 @@ bool Replica::isReady(const ChangeFile &file) const
 OptionalError Replica::noteDevice(const ChangeFile &file)
 {
     sqlite::Statement statement = database.prepare(
-        "INSERT INTO ObjectStoreReplicas (device, name, number, time, seen, wall, heard) VALUES (?1, ?2, ?3, "
-        "?4, ?5, ?6, ?7) ON CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = MAX(time, ?4), "
-        "seen = ?5, wall = ?6, heard = ?7");
+        "INSERT INTO ObjectStoreReplicas (device, name, number, time, seen, wall, heard, holdings) VALUES "
+        "(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8) ON CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = "
+        "MAX(time, ?4), seen = ?5, wall = ?6, heard = ?7, holdings = "
+        "IFNULL(NULLIF(?8, ''), holdings)");
     VersionVector its = file.seen;
     its.add(file.dot.device, file.dot.number);
     statement.bind(QString::fromUtf8(file.dot.device)).bind(file.deviceName).bind(file.dot.number);
@@ -36,6 +37,7 @@ OptionalError Replica::noteDevice(const ChangeFile &file)
                                     .bind(QString::fromUtf8(its.text()))
                                     .bind(file.wall)
                                     .bind(wallMilliseconds())
+                                    .bind(textOfList(file.holdings))
                                     .run());
 }
 
@@ -123,30 +125,35 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
 /// What a snapshot knows of the devices.
 OptionalError Replica::joinDevices(const VersionVector &seen)
 {
-    // Snapshots of former versions do not say who was removed.
-    const bool tellsRemoved = database.queryInteger("SELECT COUNT(*) FROM arriving.pragma_table_info("
-                                                    "'ObjectStoreReplicas') WHERE name = 'removed'") > 0;
+    // Snapshots of former versions do not say who was removed, nor what a device has.
+    const auto columnOr = [this](const QByteArray &column, const char *otherwise) {
+        const bool isThere = database.queryInteger("SELECT COUNT(*) FROM arriving.pragma_table_info("
+                                                   "'ObjectStoreReplicas') WHERE name = '" +
+                                                   column + '\'') > 0;
+        return isThere ? column : QByteArray(otherwise);
+    };
     VersionVector removed;
     sqlite::Statement all =
-        database.prepare("SELECT device, name, number, time, seen, wall, heard, " +
-                         QByteArray(tellsRemoved ? "removed" : "0") + " FROM arriving.ObjectStoreReplicas");
+        database.prepare("SELECT device, name, number, time, seen, wall, heard, " + columnOr("removed", "0") +
+                         ", " + columnOr("holdings", "NULL") + " FROM arriving.ObjectStoreReplicas");
     while (all.step()) {
         const DeviceId device = all.text(0).toUtf8();
         removed.add(device, all.integer(7));
         if (device == own.device || all.integer(2) <= known.of(device))
             continue;
         sqlite::Statement statement = database.prepare(
-            "INSERT INTO main.ObjectStoreReplicas (device, name, number, time, seen, wall, heard) VALUES "
-            "(?1, "
-            "?2, ?3, ?4, ?5, ?6, ?7) ON CONFLICT (device) DO UPDATE SET name = ?2, number = ?3, time = "
-            "MAX(time, ?4), seen = ?5, wall = ?6, heard = MAX(heard, ?7)");
+            "INSERT INTO main.ObjectStoreReplicas (device, name, number, time, seen, wall, heard, holdings) "
+            "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8) ON CONFLICT (device) DO UPDATE SET name = ?2, number = "
+            "?3, time = MAX(time, ?4), seen = ?5, wall = ?6, heard = MAX(heard, ?7), holdings = "
+            "IFNULL(NULLIF(?8, ''), holdings)");
         statement.bind(all.text(0)).bind(all.text(1)).bind(all.integer(2)).bind(all.integer(3));
         // Its own row says it when it is the maker's.
         VersionVector its = VersionVector::fromText(all.text(4).toUtf8());
         its.add(device, all.integer(2));
         statement.bind(QString::fromUtf8(its.text())).bind(all.integer(5));
         const qint64 heard = all.integer(6) > 0 ? all.integer(6) : all.integer(5);
-        if (!statement.bind(std::min(heard, wallMilliseconds())).run())
+        statement.bind(std::min(heard, wallMilliseconds())).bind(all.text(8));
+        if (!statement.run())
             return bookFailure(database);
         clock = std::max(clock, believed(all.integer(3)));
     }

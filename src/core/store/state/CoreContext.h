@@ -42,6 +42,8 @@ public:
         [](const ManagedObject &, const QString &) { return false; };
     /// Hears which events are in the calendars of this device.
     std::function<void(const QSet<QString> &)> sawCalendarItems = [](const QSet<QString> &) {};
+    /// Tells whether another device of the user may have a calendar of one of these names.
+    std::function<bool(const QStringList &)> isCalendarElsewhere = [](const QStringList &) { return false; };
     /// Whether the store in use is that of the examples.
     bool isSample = false;
     /// Whether the program is in front of all others.
