@@ -3,6 +3,7 @@
 #include "calendarviews/CalendarGrid.h"
 #include "cloud/FileManager.h"
 #include "objectstore/Transaction.h"
+#include "records/TabsViewController.h"
 #include "records/dates/MVDate.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -442,6 +443,37 @@ void measureImport(MainWindow &window, const std::function<void(const char *)> &
     print("Silence after the import", {0, after.longest()});
 }
 
+/// The pane of a project with very many tasks, from the press on its row to the painted picture.
+void measureProject(MainWindow &window, const std::function<void(const char *)> &run)
+{
+    constexpr int tasksOfProject = 10'000;
+    ManagedObjectContext &context = AppDelegate::shared()->managedObjectContext();
+    const auto small = context.insert<EntityProject>();
+    small->setTitle(QStringLiteral("!small"));
+    const auto large = context.insert<EntityProject>();
+    large->setTitle(QStringLiteral("!large"));
+    const auto tasks = context.fetch<EntityTask>(EntityTask::fetchRequest());
+    for (int number = 0; number < tasksOfProject; ++number)
+        tasks.at(number)->setProject(large);
+    if (DBWorker::saveContext())
+        std::abort();
+    run("actionShowProjects");
+    TabsViewController *const screen = window.findChild<TabsViewController *>();
+    std::vector<double> shown;
+    for (int round = 0; round < 9; ++round) {
+        screen->selectItem(small);
+        QApplication::processEvents();
+        paintWhole(window);
+        shown.push_back(measured([&] {
+            screen->selectItem(large);
+            QApplication::processEvents();
+            paintWhole(window);
+        }));
+    }
+    std::ranges::sort(shown);
+    print("A project of 10,000 tasks, opened", {shown[4], shown.back()});
+}
+
 void measureTasks(MainWindow &window, const std::function<void(const char *)> &run)
 {
     const double shown = measured([&] {
@@ -500,7 +532,7 @@ void measureCalendar(CalendarViewController &calendar, QWidget &window)
 
 /// How long the window takes for what is done in it most, with 100,000 tasks: a key press and a jump in the
 /// longest list, a change by a pass, the opening of a task, and the pages of the calendar, each up to the
-/// painted picture. An argument picks one part: "tasks", "people", "import" or "calendar".
+/// painted picture. An argument picks one part: "tasks", "people", "project", "import" or "calendar".
 int main(int argc, char *argv[])
 {
     if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
@@ -534,6 +566,8 @@ int main(int argc, char *argv[])
     window.resize(1440, 900);
     if (isWanted("people"))
         measurePeople(window, run);
+    if (isWanted("project"))
+        measureProject(window, run);
     if (isWanted("import"))
         measureImport(window, run);
     run("actionShowCalendar");
