@@ -1,6 +1,7 @@
 #include "cloud/Replication.h"
 #include "foundation/Log.h"
 #include "store/AppDelegate.h"
+#include "store/queries/ContactRows.h"
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
 
@@ -33,7 +34,7 @@ void AppDelegate::tendSearchIndexSoon()
         if (const auto isDue = due.lock(); isDue && std::exchange(*isDue, false)) {
             const bool isMoreWritten = managedObjectContext().takeInRowsFromElsewhere(rowsAtOnce);
             const bool isMoreLeft = managedObjectContext().tendSubstringIndexes();
-            if (isMoreWritten || isMoreLeft || sweep.step(managedObjectContext()))
+            if (isMoreWritten || isMoreLeft || sweep.step(managedObjectContext()) || ContactRows::readAhead())
                 tendSearchIndexSoon();
         }
     });

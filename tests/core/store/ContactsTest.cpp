@@ -88,6 +88,38 @@ TEST_F(Contacts, AreChosenByTheCriteriaOfAGroup)
     EXPECT_TRUE(DBWorker::allContactPrivateList().isEmpty());
 }
 
+TEST_F(Contacts, AreReadAheadInStepsAmongWhichTheyChange)
+{
+    const auto listed = [] {
+        QStringList all;
+        for (const ContactRows::Named &one : ContactRows::named(EntityContacts::fetchRequest()))
+            all << one.fullName;
+        return all;
+    };
+    constexpr int many = 25'000;
+    std::vector<ContactPtr> people;
+    for (int number = 0; number < many; ++number)
+        people.push_back(person(u"P"_qs, QString::number(number).rightJustified(6, u'0')));
+    EXPECT_FALSE(ContactRows::readAhead()) << "not while something waits to be saved";
+    ASSERT_FALSE(DBWorker::saveContext());
+    context().refreshAllObjects();
+    ASSERT_TRUE(ContactRows::readAhead());
+    people.front()->setFirstName(u"Z"_qs);
+    context().deleteObject(people[1]);
+    person(u"A"_qs, u"new"_qs);
+    ASSERT_FALSE(DBWorker::saveContext());
+    int steps = 1;
+    while (ContactRows::readAhead())
+        ++steps;
+    EXPECT_EQ(steps, 2) << "the last one has nothing left";
+    const QStringList all = listed();
+    EXPECT_EQ(all.size(), many);
+    EXPECT_EQ(all.first(), u"A new"_qs);
+    EXPECT_EQ(all.last(), u"Z 000000"_qs);
+    EXPECT_FALSE(all.contains(u"P 000001"_qs));
+    EXPECT_FALSE(ContactRows::readAhead()) << "they are known";
+}
+
 /// The names are kept; whatever changes them must be seen at the next look.
 TEST_F(Contacts, AreListedByTheirNamesAsTheyAreNow)
 {

@@ -4,6 +4,7 @@
 #include "store/entities/MainContext.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -62,14 +63,19 @@ bool isBefore(std::string_view all, const NamedContact &one, const NamedContact 
     return order == 0 ? one.row < other.row : order < 0;
 }
 
+void sort(NamedContacts &found)
+{
+    std::ranges::sort(found.contacts, [&all = found.names](const auto &one, const auto &other) {
+        return isBefore(all, one, other);
+    });
+}
+
 NamedContacts sortedContacts(const FetchRequest &request)
 {
     NamedContacts found;
     mainContext().visit(request, nameColumns(preferredNameOrder()),
                         [&](const RowReader &row) { appendName(found, row); });
-    std::ranges::sort(found.contacts, [&all = found.names](const auto &one, const auto &other) {
-        return isBefore(all, one, other);
-    });
+    sort(found);
     return found;
 }
 
@@ -78,14 +84,66 @@ class AllContacts
 {
 public:
     const NamedContacts &sorted();
+    bool readSome();
 
 private:
+    /// What was read of them before they were asked for.
+    struct Ahead
+    {
+        NamedContacts found;
+        std::vector<RowId> rows;
+        std::size_t next = 0;
+        NameOrder order;
+        quint64 revision;
+    };
     bool follow(const std::vector<ChangedObjects::Change> &changes);
 
     NamedContacts known;
     NameOrder order = NameOrder::FirstNameFirst;
+    /// Of the last change that they know of; 0 before they were read.
     quint64 revision = 0;
+    std::optional<Ahead> ahead;
 };
+
+AllContacts &allContacts()
+{
+    static AllContacts all;
+    return all;
+}
+
+/// What was changed since it began is read again when it is asked for.
+bool AllContacts::readSome()
+{
+    // So many are not felt.
+    constexpr std::size_t atOnce = 10'000;
+    ManagedObjectContext &context = mainContext();
+    const ChangedObjects &changed = context.changedObjects(EntityContacts::entityName);
+    const bool isKnown = order == preferredNameOrder() && changed.since(revision);
+    if (isKnown || context.hasChanges() || context.transaction()) {
+        ahead.reset();
+        return false;
+    }
+    if (!ahead || ahead->order != preferredNameOrder() || !changed.since(ahead->revision)) {
+        const auto all = context.fetchObjects(EntityContacts::fetchRequest());
+        ahead.emplace(
+            Ahead{{}, {all.rows().begin(), all.rows().end()}, 0, preferredNameOrder(), changed.revision()});
+    }
+    const std::size_t end = std::min(ahead->next + atOnce, ahead->rows.size());
+    FetchRequest request = EntityContacts::fetchRequest();
+    request.candidates = std::vector<RowId>(ahead->rows.begin() + static_cast<std::ptrdiff_t>(ahead->next),
+                                            ahead->rows.begin() + static_cast<std::ptrdiff_t>(end));
+    context.visit(request, nameColumns(ahead->order),
+                  [this](const RowReader &row) { appendName(ahead->found, row); });
+    ahead->next = end;
+    if (end < ahead->rows.size())
+        return true;
+    sort(ahead->found);
+    known = std::move(ahead->found);
+    order = ahead->order;
+    revision = ahead->revision;
+    ahead.reset();
+    return false;
+}
 
 const NamedContacts &AllContacts::sorted()
 {
@@ -142,15 +200,19 @@ bool AllContacts::follow(const std::vector<ChangedObjects::Change> &changes)
 /// What a request gives; `read` is for those that pass a condition.
 const NamedContacts &contactsOf(const FetchRequest &request, NamedContacts &read)
 {
-    static AllContacts all;
     const bool isForAll = request.predicate.isAlwaysTrue() && !request.candidates && request.limit < 0;
     if (isForAll)
-        return all.sorted();
+        return allContacts().sorted();
     read = sortedContacts(request);
     return read;
 }
 
 } // namespace
+
+bool ContactRows::readAhead()
+{
+    return allContacts().readSome();
+}
 
 std::vector<RowId> ContactRows::byFullName(const FetchRequest &request)
 {

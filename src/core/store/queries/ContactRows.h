@@ -14,6 +14,10 @@ namespace ContactRows {
 /// is loaded.
 std::vector<RowId> byFullName(const FetchRequest &request);
 
+/// Reads some names before they are asked for, so that the first list comes up at once. True while there is
+/// more to read; to be called while the program rests.
+bool readAhead();
+
 struct Named
 {
     RowId row;
