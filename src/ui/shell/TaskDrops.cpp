@@ -6,6 +6,7 @@
 #include "records/DatePickerState.h"
 #include "records/ProjectManager.h"
 #include "records/TaskBatch.h"
+#include "records/TaskFormChoices.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "store/queries/DBWorker.h"
 #include "widgets/CategoryIcon.h"
@@ -57,7 +58,7 @@ void askForCategory(const Tasks &tasks, QWidget &sidebar, const QPoint &place)
 void askForProject(const Tasks &tasks, QWidget &sidebar, const QPoint &place)
 {
     auto *menu = new RecordMenu(sidebar);
-    for (const ProjectPtr &project : DBWorker::allProjects())
+    for (const ProjectPtr &project : TaskFormChoices::projects(nullptr))
         menu->addRecord(ProjectManager::shownTitle(*project),
                         [tasks, project] { change(tasks, &TaskBatch::setProject, project); });
     if (menu->isEmpty())
