@@ -39,16 +39,6 @@ const QString mark = QStringLiteral("mark");
 const QString key = QStringLiteral("key");
 } // namespace field
 
-Error keyFileError(const char *why)
-{
-    return {QStringLiteral("sealing"), 0, QString::fromUtf8(why)};
-}
-
-QByteArray bytesOf(const QJsonValue &value)
-{
-    return QByteArray::fromBase64(value.toString().toLatin1());
-}
-
 QString base64(const QByteArray &bytes)
 {
     return QString::fromLatin1(bytes.toBase64());
@@ -71,6 +61,16 @@ bool isNameOfKeyFile(const QString &name)
 }
 
 } // namespace
+
+Error sealingError(const char *why)
+{
+    return {QStringLiteral("sealing"), 0, QString::fromUtf8(why)};
+}
+
+QByteArray bytesIn(const QJsonValue &value)
+{
+    return QByteArray::fromBase64(value.toString().toLatin1());
+}
 
 bool KeyFile::isWhole() const
 {
@@ -111,12 +111,12 @@ KeyFile KeyFile::fromJson(const QJsonObject &json)
     if (json.value(field::format).toInt() != keyFormat)
         return {};
     return {.generation = json.value(field::generation).toInt(1),
-            .terms = {bytesOf(json.value(field::salt)), quint64(json.value(field::opsLimit).toInteger()),
+            .terms = {bytesIn(json.value(field::salt)), quint64(json.value(field::opsLimit).toInteger()),
                       quint64(json.value(field::memLimit).toInteger()), json.value(field::algorithm).toInt()},
-            .check = bytesOf(json.value(field::check)),
-            .digestOfEnd = bytesOf(json.value(field::end)),
-            .ended = bytesOf(json.value(field::ended)),
-            .disclosed = bytesOf(json.value(field::disclosed))};
+            .check = bytesIn(json.value(field::check)),
+            .digestOfEnd = bytesIn(json.value(field::end)),
+            .ended = bytesIn(json.value(field::ended)),
+            .disclosed = bytesIn(json.value(field::disclosed))};
 }
 
 Result<KeyFile> KeyFile::ofKey(const Cipher &cipher, int generation, const KeyTerms &terms,
@@ -146,7 +146,7 @@ std::optional<std::vector<SealingKey>> KeyFile::keysWith(const Cipher &cipher, c
     std::vector<SealingKey> keys{{mark(), key}};
     for (const QJsonValue &one : QJsonDocument::fromJson(content->mid(checkText.size())).array())
         keys.push_back(
-            {bytesOf(one.toObject().value(field::mark)), bytesOf(one.toObject().value(field::key))});
+            {bytesIn(one.toObject().value(field::mark)), bytesIn(one.toObject().value(field::key))});
     return keys;
 }
 
@@ -204,7 +204,7 @@ Result<KeyFiles> keyfiles::readFrom(const QString &folder)
         KeyFile content =
             isOpen ? KeyFile::fromJson(QJsonDocument::fromJson(file.readAll()).object()) : KeyFile();
         if (!content.isWhole() || content.name() != name)
-            return keyFileError("The file \"key\" of the folder cannot be read");
+            return sealingError("The file \"key\" of the folder cannot be read");
         files.insert_or_assign(name, std::move(content));
     }
     return files;
@@ -223,8 +223,8 @@ OptionalError keyfiles::publish(const QString &folder, const KeyFile &file)
         return std::nullopt;
     QFile::remove(draft);
     return QFile::exists(path)
-               ? keyFileError("Another computer has sealed the folder. Please enter its passphrase")
-               : keyFileError("The folder cannot be written to");
+               ? sealingError("Another computer has sealed the folder. Please enter its passphrase")
+               : sealingError("The folder cannot be written to");
 }
 
 } // namespace replication

@@ -61,6 +61,11 @@ const KeyFile *currentKeyFile(const KeyFiles &files, const std::vector<SealingKe
 /// The key of a mark; empty if it is not among them.
 QByteArray keyOfMark(const std::vector<SealingKey> &keys, const QByteArray &mark);
 
+/// What is wrong with a seal; the sentence is a key of the translations.
+Error sealingError(const char *why);
+/// Bytes that stand in JSON as base64; none for anything else.
+QByteArray bytesIn(const QJsonValue &value);
+
 namespace keyfiles {
 
 /// Those in a folder. The error says that one cannot be read, as while it is being transferred.

@@ -25,20 +25,10 @@ const QString key = QStringLiteral("key");
 const QString terms = QStringLiteral("terms");
 } // namespace keptfield
 
-Error sealingError(const char *why)
-{
-    return {QStringLiteral("sealing"), 0, QString::fromUtf8(why)};
-}
-
 /// The same letters typed on another system may be other bytes.
 QByteArray bytesOfPassphrase(const QString &passphrase)
 {
     return passphrase.normalized(QString::NormalizationForm_C).toUtf8();
-}
-
-QByteArray bytesIn(const QJsonValue &value)
-{
-    return QByteArray::fromBase64(value.toString().toLatin1());
 }
 
 const char *const noLibrary = "The part of Morvane that opens sealed files is not installed";

@@ -18,6 +18,8 @@ public:
     Capture read();
 
 private:
+    /// Behind it there are no dates.
+    static constexpr int lastYear = 9999;
     struct Word
     {
         QString text;
