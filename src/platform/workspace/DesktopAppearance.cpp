@@ -186,7 +186,8 @@ void DesktopAppearance::askPortal()
         if (watcher->isError() || answer.signature() != u"a{sa{sv}}"_s)
             return decide();
         ofPortal = {};
-        isHighContrastByTheme = false;
+        themeOfPortal.reset();
+        isSchemeTold = false;
         hasPortal = true;
         const auto spaces = answer.arguments().constFirst().value<QDBusArgument>();
         for (spaces.beginMap(); !spaces.atEnd();) {
@@ -217,6 +218,7 @@ void DesktopAppearance::take(const QString &space, const QString &key, const QVa
 {
     if (space == appearanceSpace && key == u"color-scheme"_s) {
         const uint wish = value.toUInt();
+        isSchemeTold = true;
         ofPortal.scheme = wish == 1   ? DesktopLook::Scheme::Dark
                           : wish == 2 ? DesktopLook::Scheme::Light
                                       : DesktopLook::Scheme::NoWish;
@@ -226,7 +228,7 @@ void DesktopAppearance::take(const QString &space, const QString &key, const QVa
                (space == accessibilitySpace && key == u"high-contrast"_s)) {
         ofPortal.hasHighContrast = value.toBool() || value.toUInt() == 1;
     } else if (space == interfaceSpace && key == u"gtk-theme"_s) {
-        isHighContrastByTheme = isNameOfHighContrast(value.toString());
+        themeOfPortal = value.toString();
     } else if (space == interfaceSpace && key == u"text-scaling-factor"_s) {
         const double scale = value.toDouble();
         ofPortal.textScale = scale > 0 ? std::clamp(scale, leastTextScale, mostTextScale) : 1;
@@ -250,12 +252,26 @@ void DesktopAppearance::readFiles()
     decide();
 }
 
+/// Older desktops tell a dark look by the name of the theme alone, and some portals tell neither.
+DesktopLook DesktopAppearance::completed() const
+{
+    DesktopLook look = ofPortal;
+    if (themeOfPortal) {
+        look.hasHighContrast = look.hasHighContrast || isNameOfHighContrast(*themeOfPortal);
+        if (look.scheme == DesktopLook::Scheme::NoWish && isNameOfDark(*themeOfPortal))
+            look.scheme = DesktopLook::Scheme::Dark;
+    } else if (!isSchemeTold) {
+        look.scheme = ofFiles.scheme;
+        look.hasHighContrast = look.hasHighContrast || ofFiles.hasHighContrast;
+    }
+    return look;
+}
+
 void DesktopAppearance::decide()
 {
     if (!isSettled)
         return;
-    DesktopLook look = hasPortal ? ofPortal : ofFiles;
-    look.hasHighContrast = look.hasHighContrast || (hasPortal && isHighContrastByTheme);
+    const DesktopLook look = hasPortal ? completed() : ofFiles;
     if (look == current)
         return;
     current = look;

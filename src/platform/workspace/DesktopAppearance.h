@@ -57,13 +57,17 @@ private:
     void askPortal();
     void readFiles();
     void take(const QString &space, const QString &key, const QVariant &value);
+    DesktopLook completed() const;
     void decide();
 
     QString folder;
     QFileSystemWatcher files;
     DesktopLook ofFiles;
     DesktopLook ofPortal;
-    bool isHighContrastByTheme = false;
+    /// The name of the GTK theme, if the portal tells it.
+    std::optional<QString> themeOfPortal;
+    /// Whether the portal tells of a wish for dark or light, be it that there is none.
+    bool isSchemeTold = false;
     bool hasPortal = false;
     /// Whether the portal has answered, or cannot.
     bool isSettled = false;

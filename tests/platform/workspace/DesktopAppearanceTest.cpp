@@ -70,8 +70,36 @@ TEST(DesktopAppearanceTest, FollowsThePortalAlsoOneThatComesLater)
                   QStringLiteral("HighContrastInverse"));
     portal.change(appearance, QStringLiteral("color-scheme"), QStringLiteral("a text"));
     EXPECT_TRUE(becomes(desktop, [](const DesktopLook &look) {
-        return look.hasHighContrast && look.scheme == Scheme::NoWish;
+        return look.hasHighContrast && look.scheme == Scheme::Dark;
     })) << "the theme of the older desktops says it, too";
+}
+
+TEST(DesktopAppearanceTest, LooksElsewhereForWhatThePortalDoesNotTell)
+{
+    const QTemporaryDir home;
+    const QByteArray former = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+    write(home.filePath(QStringLiteral("gtk-3.0/settings.ini")), "[Settings]\ngtk-theme-name=Adwaita-dark\n");
+    SettingsPortal portal;
+    portal.settings[QStringLiteral("org.gnome.desktop.interface")] = {
+        {QStringLiteral("text-scaling-factor"), 1.5}};
+    portal.appear();
+    DesktopAppearance desktop;
+    desktop.start();
+    const auto shows = [&desktop](Scheme scheme) {
+        return becomes(desktop, [scheme](const DesktopLook &look) {
+            return look.scheme == scheme && look.textScale == 1.5;
+        });
+    };
+    EXPECT_TRUE(shows(Scheme::Dark)) << "as the file of the theme";
+    const QString theme = QStringLiteral("gtk-theme");
+    portal.change(QStringLiteral("org.gnome.desktop.interface"), theme, QStringLiteral("Adwaita"));
+    EXPECT_TRUE(shows(Scheme::NoWish)) << "the portal knows better which theme it is";
+    portal.change(QStringLiteral("org.gnome.desktop.interface"), theme, QStringLiteral("Arc-Dark"));
+    EXPECT_TRUE(shows(Scheme::Dark));
+    portal.change(appearance, QStringLiteral("color-scheme"), 2U);
+    EXPECT_TRUE(shows(Scheme::Light)) << "a wish comes before a name";
+    qputenv("XDG_CONFIG_HOME", former);
 }
 
 TEST(DesktopAppearanceTest, ReadsTheFilesOfGtkAndOfPlasma)
