@@ -87,7 +87,7 @@ bool RecordRemoval::isWanted(const std::vector<ObjectPtr> &records)
     return Alert::run({.message = localized(message),
                        .informativeText = inWords(records),
                        .buttons = {localized(u"Delete"_s), localized(u"Cancel"_s)},
-                       .takesAway = true}) == Alert::firstButton;
+                       .takingAway = {0}}) == Alert::firstButton;
 }
 
 void RecordRemoval::remove(const std::vector<ObjectPtr> &records, const std::function<void()> &removed,

@@ -61,7 +61,7 @@ std::optional<Span> askedSpan(const std::vector<TaskPtr> &tasks)
          {localized(isOne ? QStringLiteral("Delete This Task Only")
                           : QStringLiteral("Delete This Tasks Only")),
           localized(QStringLiteral("Delete All Future Tasks")), localized(QStringLiteral("Cancel"))},
-         true});
+         {0, 1}});
     if (answer == Alert::firstButton)
         return Span::ThisTask;
     return answer == Alert::secondButton ? std::optional(Span::FutureTasks) : std::nullopt;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -12,8 +13,8 @@ struct AlertQuestion
     QString message = {};
     QString informativeText = {};
     QStringList buttons = {};
-    /// Whether the buttons that do something take away what the user has.
-    bool takesAway = false;
+    /// The buttons, counted from 0, that take away what the user has.
+    QList<int> takingAway = {};
 
     bool operator==(const AlertQuestion &) const = default;
 };

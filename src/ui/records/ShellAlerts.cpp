@@ -19,7 +19,8 @@ ShellAlerts::DontSaveAnswer ShellAlerts::alertDontSave()
         Alert::run({.title = {},
                     .message = localized(u"Do you want to save the changes you have made?"_s),
                     .informativeText = localized(u"Your changes will be lost if you don't save them"_s),
-                    .buttons = {localized(u"Save"_s), localized(u"Cancel"_s), localized(u"Don't Save"_s)}});
+                    .buttons = {localized(u"Save"_s), localized(u"Cancel"_s), localized(u"Don't Save"_s)},
+                    .takingAway = {2}});
     switch (answer) {
     case Alert::firstButton:
         return DontSaveAnswer::Save;

@@ -113,10 +113,8 @@ int MessageBoxPresenter::present(const AlertQuestion &question)
     QList<QAbstractButton *> buttons;
     for (const QString &title : titles)
         buttons.append(box.addButton(title, roleOf(buttons.size(), quietButton(titles))));
-    if (question.takesAway) {
-        for (qsizetype index = 0; index < quietButton(titles); ++index)
-            ButtonLook::setTakesAway(*buttons.at(index));
-    }
+    for (const int index : question.takingAway)
+        ButtonLook::setTakesAway(*buttons.at(index));
     box.setDefaultButton(qobject_cast<QPushButton *>(buttons.first()));
     box.setEscapeButton(buttons.at(quietButton(titles)));
     box.exec();

@@ -1,5 +1,6 @@
 // What is deleted is named before, and can be had back for a while after.
 
+#include "records/ShellAlerts.h"
 #include "shell/UndoNote.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/MessageBoxPresenter.h"
@@ -40,22 +41,42 @@ TEST_F(DeletingTest, TheQuestionSaysHowManyAndWhat)
 TEST_F(DeletingTest, WhatHarmsDoesNotLookLikeWhatDoesNot)
 {
     Alert::setPresenter(std::make_shared<MessageBoxPresenter>());
-    const auto colourOfDefault = [](bool takesAway) {
-        QColor colour;
-        QTimer::singleShot(0, [&colour] {
+    QMap<QString, QImage> buttons;
+    const auto look = [&buttons] {
+        buttons.clear();
+        QTimer::singleShot(0, [&buttons] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
             ASSERT_NE(box, nullptr);
-            auto *button = qobject_cast<QPushButton *>(box->defaultButton());
-            colour = button->grab().toImage().pixelColor(12, button->height() / 2);
+            for (QAbstractButton *button : box->buttons())
+                buttons[button->text()] = button->grab().toImage();
             box->reject();
         });
-        Alert::run({.message = u"Sure?"_s, .buttons = {u"Do"_s, u"Cancel"_s}, .takesAway = takesAway});
-        return colour;
     };
-    const QColor harmless = colourOfDefault(false);
-    const QColor harmful = colourOfDefault(true);
-    EXPECT_GT(harmless.blue(), harmless.red());
-    EXPECT_GT(harmful.red(), 2 * harmful.blue());
+    const auto edgeOf = [&buttons](const QString &title) {
+        const QImage &image = buttons[title];
+        return image.isNull() ? QColor() : image.pixelColor(12, image.height() / 2);
+    };
+    const auto hasRed = [&buttons](const QString &title) {
+        const QImage &image = buttons[title];
+        for (int place = 0; place < image.width() * image.height(); ++place) {
+            const QColor one = image.pixelColor(place % image.width(), place / image.width());
+            if (one.red() > 2 * one.blue() && one.red() > 100)
+                return true;
+        }
+        return false;
+    };
+    look();
+    Alert::run({.message = u"Sure?"_s, .buttons = {u"Do"_s, u"Cancel"_s}});
+    EXPECT_GT(edgeOf(u"Do"_s).blue(), edgeOf(u"Do"_s).red());
+    look();
+    Alert::run({.message = u"Sure?"_s, .buttons = {u"Do"_s, u"Cancel"_s}, .takingAway = {0}});
+    EXPECT_GT(edgeOf(u"Do"_s).red(), 2 * edgeOf(u"Do"_s).blue());
+    // Typed words go with one of three answers.
+    look();
+    EXPECT_EQ(ShellAlerts::alertDontSave(), ShellAlerts::DontSaveAnswer::Cancel);
+    EXPECT_FALSE(hasRed(u"Save"_s));
+    EXPECT_FALSE(hasRed(u"Cancel"_s));
+    EXPECT_TRUE(hasRed(u"Don't Save"_s));
     Alert::setPresenter(nullptr);
 }
 

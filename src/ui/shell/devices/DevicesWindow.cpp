@@ -279,7 +279,8 @@ void DevicesWindow::endSealing()
          localized(u"End the sealing of the shared folder?"_s),
          localized(u"All computers then write their files in the open: whoever reads the folder reads your "
                    "records and pictures."_s),
-         {localized(u"End Sealing"_s), localized(u"Cancel"_s)}});
+         {localized(u"End Sealing"_s), localized(u"Cancel"_s)},
+         {0}});
     if (answer != Alert::firstButton)
         return;
     if (const auto error = AppDelegate::shared()->replication()->endSealing())
@@ -300,7 +301,8 @@ void DevicesWindow::removeDevice(const DeviceHealth::Line &line)
     const int answer = Alert::run({{},
                                    localized(u"Remove %1 from your devices?"_s).arg(firstPart(gone.name)),
                                    consequences,
-                                   {localized(u"Remove Device"_s), localized(u"Cancel"_s)}});
+                                   {localized(u"Remove Device"_s), localized(u"Cancel"_s)},
+                                   {0}});
     if (answer != Alert::firstButton)
         return;
     if (const auto error = AppDelegate::shared()->replication()->removeDevice(gone.device))

@@ -121,7 +121,11 @@ private:
     }
     void asks(const QString &message, const QStringList &buttons, const std::optional<QString> &about = {})
     {
-        effects.alerts.push_back({{}, message, about.value_or(QString()), buttons, about.has_value()});
+        // All but the last button delete.
+        QList<int> takingAway;
+        for (int button = 0; about && button + 1 < buttons.size(); ++button)
+            takingAway.append(button);
+        effects.alerts.push_back({{}, message, about.value_or(QString()), buttons, takingAway});
     }
     /// What a question about deleting says of records.
     QString named(const QStringList &ids);
