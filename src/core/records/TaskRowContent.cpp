@@ -16,7 +16,7 @@ bool isOfType(const EntityTask &task, TaskType type)
 bool isLate(const EntityTask &task, ListType list)
 {
     const OptionalDate due = task.dueDate();
-    if (list == ListType::Done || !due)
+    if (list == ListType::Done || task.status() == TaskStatus::Done || !due)
         return false;
     const Date now = MVDate::date();
     return *due < (isMoment(task.type()) ? now : MVDate::getStartOfDay(now));

@@ -11,10 +11,10 @@
 class EntityCategory;
 class EntityTask;
 
-/// Where a task belongs, of which its row tells below the title.
+/// Where a task belongs, or how long somebody has had it, of which its row tells below the title.
 struct TaskRowDetail
 {
-    enum class Kind { Category, Project, Person, Company, Place };
+    enum class Kind { Category, Project, Person, Company, Place, Waiting };
 
     Kind kind = Kind::Category;
     QString text;
@@ -30,6 +30,7 @@ struct TaskRowContent
     QString project;
     /// When it is due or starts, in words.
     QString dateLabel;
+    /// Never of what is done.
     bool isOverdue = false;
     /// False on a calendar that cannot be written: no check box and no priority are shown.
     bool hasCheckBox = true;

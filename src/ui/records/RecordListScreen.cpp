@@ -38,7 +38,9 @@ RecordListScreen::RecordListScreen(RecordListDescription listDescription, Record
     setUpView(cell);
     addButton(description.addType);
     if (description.offersFirst && !emptyState->sentence().isEmpty()) {
-        emptyState->setAction(ToolBarButton::titleOf(description.addType), u"buttonAddFirst"_s);
+        emptyState->setAction(description.firstTitle.isEmpty() ? ToolBarButton::titleOf(description.addType)
+                                                               : description.firstTitle,
+                              u"buttonAddFirst"_s);
         connect(emptyState, &EmptyState::actionClicked, this, &RecordListScreen::addFirst);
     }
     if (description.secondType)

@@ -40,6 +40,8 @@ struct RecordListDescription
     QString emptySentence = {};
     /// Whether an empty list offers to add its first record.
     bool offersFirst = true;
+    /// What is offered in place of the button that adds; empty for that one.
+    QString firstTitle = {};
     /// The same of a list whose filter leaves nothing.
     QString filteredSentence = {};
     /// What stands over the sign of a long deletion.

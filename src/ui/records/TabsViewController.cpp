@@ -34,12 +34,25 @@ void TabsViewController::setAvailableTypes(const QList<ToolBarButton::ActionType
         button->setAvailableTypes(types);
 }
 
+static QString nameOf(ToolBarButton::ActionType type)
+{
+    switch (type) {
+    case ToolBarButton::Calendars:
+        return u"buttonCalendars"_s;
+    case ToolBarButton::ImportContacts:
+        return u"buttonImport"_s;
+    case ToolBarButton::AskAgain:
+        return u"buttonAskAgain"_s;
+    default:
+        return u"buttonAdd"_s;
+    }
+}
+
 ToolBarButton *TabsViewController::addButton(ToolBarButton::ActionType type)
 {
     auto *button = new ToolBarButton(type);
     const bool isCalendars = type == ToolBarButton::Calendars;
-    const bool isImport = type == ToolBarButton::ImportContacts;
-    button->setObjectName(isCalendars ? u"buttonCalendars"_s : isImport ? u"buttonImport"_s : u"buttonAdd"_s);
+    button->setObjectName(nameOf(type));
     if (isCalendars && DBWorker::isSample())
         button->setUnseen();
     connect(button, &ToolBarButton::buttonAdd, this, &TabsViewController::buttonAdd);

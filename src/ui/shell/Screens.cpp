@@ -84,8 +84,10 @@ TabsViewController *Screens::makeOfGroup(const std::shared_ptr<EntityContactGrou
     people.list.title = group->title();
     people.list.placeKey = group->identifier();
     people.list.icon = QString::fromUtf16(of(Item::ContactGroup).icon);
-    people.list.emptySentence = localized(ContactGroups::isGroup(*group) ? u"The people of this group."_s
-                                                                         : u"Nobody is on this list."_s);
+    const bool isGroup = ContactGroups::isGroup(*group);
+    people.list.emptySentence =
+        localized(isGroup ? u"Nobody is in this group yet."_s : u"Nobody is on this list."_s);
+    people.list.firstTitle = localized(isGroup ? u"Edit contacts group"_s : u"Filter…"_s);
     return PeopleKinds::screenOfGroup(people, group);
 }
 

@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "widgets/Accessibility.h"
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -25,7 +26,7 @@ ToolBarButton::ToolBarButton(ActionType type, QWidget *parent)
     describe();
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setFont(Theme::font(Theme::FontRole::BodyStrong));
+    Appearance::setFont(*this, Theme::FontRole::BodyStrong);
     setActionType(type);
 }
 
@@ -72,6 +73,8 @@ QString ToolBarButton::titleOf(ActionType type)
         return localized(u"New Category"_s);
     case Calendars:
         return localized(u"Calendars"_s);
+    case AskAgain:
+        return localized(u"Ask Again"_s);
     }
     return {};
 }
@@ -126,6 +129,8 @@ QString ToolBarButton::iconName() const
 {
     if (shownType == Calendars)
         return u"calendars"_s;
+    if (shownType == AskAgain)
+        return u"mail"_s;
     return shownType == ImportContacts ? u"people"_s : u"add"_s;
 }
 
@@ -148,7 +153,7 @@ void ToolBarButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     paintBack(painter);
-    const QColor ink = isQuiet() ? Theme::text : Theme::textOnAccent;
+    const QColor ink = !isEnabled() ? Theme::disabledText : isQuiet() ? Theme::text : Theme::textOnAccent;
     const auto placed = [this](int left, int wide) {
         return QStyle::visualRect(layoutDirection(), rect(), QRect(left, 0, wide, height()));
     };

@@ -21,6 +21,7 @@ public:
         ImportContacts = 6,
         NewCategory = 7,
         Calendars = 8,
+        AskAgain = 9,
     };
 
     explicit ToolBarButton(ActionType type, QWidget *parent = nullptr);

@@ -12,10 +12,12 @@
 #include "shell/people/CallSheetWindow.h"
 #include "shell/people/WaitingForViewController.h"
 #include "shell/people/WindowAddContactsGroup.h"
+#include "shell/tasks/TaskPopupMenu.h"
 #include "store/state/NotificationNames.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/CheckList.h"
 #include "widgets/MVSegmentView.h"
+#include "widgets/ToolBarButton.h"
 #include "workspace/Workspace.h"
 
 #include <QClipboard>
@@ -126,6 +128,62 @@ TEST_F(ChaseTest, WhoHasSomethingToDoIsAskedAboutIt)
     EXPECT_EQ(WaitingFor::inWords(*later), u"Ann, since yesterday, asked Nov 21, 2026"_s);
 }
 
+TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    const TaskPtr roof = give(u"Mend the roof"_s, ann, 2);
+    const TaskPtr bank = give(u"Ask the bank"_s, contact(u"Bob"_s), 10);
+    go(SidebarItem::People);
+    static_cast<TabsViewController &>(current()).selectItem(ann);
+    settle();
+    const auto told = [](TableViewExtended &table) {
+        QStringList rows;
+        for (int row = 0; row < table.model()->rowCount(); ++row)
+            rows << table.model()->index(row, 0).data(Qt::AccessibleTextRole).toString();
+        return rows.join(u'\n');
+    };
+    EXPECT_EQ(told(find<TableViewExtended>(window(), "tableViewLinkedTasks")),
+              u"Mend the roof, since Nov 2, 2026 (19 days), not asked yet\n"_s);
+
+    go(SidebarItem::WaitingFor);
+    auto &list = static_cast<RecordListScreen &>(current());
+    EXPECT_EQ(told(*list.table()), u"Mend the roof, Ann, since Nov 2, 2026 (19 days), not asked yet\n"
+                                   u"Ask the bank, Bob, since Nov 10, 2026 (11 days), not asked yet"_s);
+    auto &ask = find<ToolBarButton>(window(), "buttonAskAgain");
+    EXPECT_FALSE(ask.isEnabled()) << "Nothing is selected";
+    list.table()->setFocus();
+    list.table()->selectRow(1);
+    ASSERT_TRUE(ask.isEnabled());
+    QTest::mouseClick(&ask, Qt::LeftButton);
+    settle();
+    EXPECT_EQ(opened.size(), 1);
+    EXPECT_FALSE(roof->lastAsked());
+    EXPECT_TRUE(told(*list.table()).endsWith(u"asked Nov 21, 2026"_s)) << told(*list.table()).toStdString();
+    // The same from the menu, which has all else that tasks have in their rows.
+    const QPoint place = list.table()->visualRect(list.table()->tableModel()->index(0)).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, place, list.table()->viewport()->mapToGlobal(place));
+    QCoreApplication::sendEvent(list.table()->viewport(), &event);
+    auto &menu = find<TaskPopupMenu>(current(), "taskPopupMenu");
+    ASSERT_EQ(menu.actions().front()->objectName(), u"actionAskAgain"_s);
+    menu.actions().front()->trigger();
+    menu.close();
+    settle();
+    EXPECT_EQ(roof->lastAsked(), localDate(2026, 11, 21, 9, 15));
+    run(ActionId::PlanTomorrow);
+    EXPECT_EQ(roof->dueDate(), localDate(2026, 11, 22, 23, 59));
+    EXPECT_FALSE(bank->dueDate());
+
+    // What is ticked leaves once that was seen, and comes back to its place.
+    QTest::keyClick(list.table(), Qt::Key_Space);
+    EXPECT_EQ(roof->status(), TaskStatus::Done);
+    EXPECT_EQ(list.table()->tableModel()->rowCount(), 2);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.table()->tableModel()->rowCount() == 1; }, 3000));
+    run(ActionId::Undo);
+    settle();
+    EXPECT_TRUE(told(*list.table()).startsWith(u"Mend the roof"_s)) << told(*list.table()).toStdString();
+    EXPECT_EQ(list.selectedRecord(), roof);
+}
+
 TEST_F(ChaseTest, AListAndAGroupAreMadeAboveThePeople)
 {
     const ContactPtr ann = contact(u"Ann"_s);
@@ -169,6 +227,18 @@ TEST_F(ChaseTest, AListAndAGroupAreMadeAboveThePeople)
     QTest::mouseClick(&find<QPushButton>(members, "buttonDone"), Qt::LeftButton);
     ASSERT_TRUE(QTest::qWaitFor([&] { return DBWorker::allContactPrivateGroup().size() == 1; }));
     EXPECT_EQ(DBWorker::allContactPrivateGroup().at(0)->contacts(), std::vector<ContactPtr>({ann}));
+
+    // Nobody is in it any more: it offers to take somebody in.
+    ann->context()->deleteObject(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown() == 0; }));
+    EXPECT_EQ(find<QPushButton>(current(), "buttonAddFirst").text(), u"Edit contacts group"_s);
+    QTest::mouseClick(&find<QPushButton>(current(), "buttonAddFirst"), Qt::LeftButton);
+    EXPECT_EQ(
+        find<CheckList>(find<WindowAddContactsGroup>(window(), "WindowAddContactsGroup"), "tableContacts")
+            .textOf(1),
+        u"Bob"_s);
 }
 
 TEST_F(ChaseTest, WhoLeavesTheListWhileTheyAreEditedIsNotAskedAbout)

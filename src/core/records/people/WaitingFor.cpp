@@ -8,6 +8,7 @@
 #include "records/MailDraft.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/ListDefinitions.h"
 
 #include <algorithm>
 
@@ -57,7 +58,8 @@ std::vector<RowId> WaitingFor::rows()
 {
     std::vector<Waiting> found;
     const FetchRequest request = EntityTask::fetchRequest().where(
-        Predicate::format("delegateToUser != nil and status <> %d", TaskStatus::Done));
+        Predicate::format("delegateToUser != nil and status <> %d", TaskStatus::Done) &&
+        tasklists::visibleTasks());
     mainContext().visit(request, {"delegatedSince", "creationDate"}, [&](const RowReader &row) {
         const OptionalDate since = row.date(0);
         found.push_back({row.rowId(), since ? since : row.date(1)});
@@ -87,11 +89,17 @@ OptionalDate WaitingFor::since(const EntityTask &task)
     return given ? given : task.creationDate();
 }
 
+QString WaitingFor::timesInWords(const EntityTask &task)
+{
+    QStringList parts{sinceInWords(since(task)), askedInWords(task.lastAsked())};
+    parts.removeAll(QString());
+    return parts.join(u", "_s);
+}
+
 QString WaitingFor::inWords(const EntityTask &task)
 {
     const ContactPtr contact = task.delegateToUser();
-    QStringList parts{contact ? contact->fullName() : QString(), sinceInWords(since(task)),
-                      askedInWords(task.lastAsked())};
+    QStringList parts{contact ? contact->fullName() : QString(), timesInWords(task)};
     parts.removeAll(QString());
     return parts.join(u", "_s);
 }

@@ -13,14 +13,18 @@ class WaitingFor
 public:
     WaitingFor() = delete;
 
-    /// The rows of all open tasks that are delegated, those that wait longest first.
+    /// The rows of all open tasks that are delegated and whose calendar can be seen, those that wait longest
+    /// first.
     static std::vector<RowId> rows();
     /// The open tasks that a contact has, those that wait longest first.
     static std::vector<TaskPtr> tasksOf(const EntityContacts &contact);
 
     /// Since when the delegate has the task: at least since it was made.
     static OptionalDate since(const EntityTask &task);
-    /// "Ada Lovelace, since October 3 (50 days), asked November 20".
+    /// Since when the delegate has the task and when they were asked: "since October 3 (50 days), asked
+    /// November 20".
+    static QString timesInWords(const EntityTask &task);
+    /// The same with who that is before it.
     static QString inWords(const EntityTask &task);
     /// The same of everything that a contact has: how much that is, since when, and when they were asked.
     /// Empty for nothing.

@@ -57,6 +57,17 @@ void ContactViewController::pickMembers()
     (new WindowAddContactsGroup(group, window()))->showWindow();
 }
 
+/// A new contact would stand neither in a group nor surely on a list.
+void ContactViewController::addFirst()
+{
+    if (!group)
+        PlainRecordScreen::addFirst();
+    else if (ContactGroups::isGroup(*group))
+        pickMembers();
+    else
+        openFilter();
+}
+
 void ContactViewController::dragEnterEvent(QDragEnterEvent *event)
 {
     if (!ImportContactWindowController::filesIn(*event->mimeData()).isEmpty())

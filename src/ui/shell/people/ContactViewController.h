@@ -21,6 +21,7 @@ public:
     bool canFilter() const override;
 
 protected:
+    void addFirst() override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 

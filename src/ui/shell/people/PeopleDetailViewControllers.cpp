@@ -41,6 +41,7 @@ DetailContactViewController::DetailContactViewController(std::unique_ptr<FormMod
           name, std::move(form), formView,
           {.tasks = [](const ManagedObject &one) { return static_cast<const EntityContacts &>(one).task(); },
            .newTask = newTaskOfContact,
+           .tellsWaiting = true,
            .above = makeWaitingStrip},
           parent)
 {

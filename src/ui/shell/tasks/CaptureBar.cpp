@@ -4,6 +4,7 @@
 #include "records/capture/CapturedTask.h"
 #include "shell/tasks/CaptureEdit.h"
 #include "widgets/Accessibility.h"
+#include "widgets/Appearance.h"
 #include "widgets/Theme.h"
 
 #include <QLabel>
@@ -26,7 +27,7 @@ public:
     {
         setObjectName(u"labelCaptured"_s);
         setTextFormat(Qt::PlainText);
-        setFont(Theme::font(Theme::FontRole::Small));
+        Appearance::setFont(*this, Theme::FontRole::Small);
         setContentsMargins(Theme::unit, Theme::unit / 2, Theme::unit, Theme::unit / 2);
         setAttribute(Qt::WA_TransparentForMouseEvents);
         hide();

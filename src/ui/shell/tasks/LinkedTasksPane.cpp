@@ -14,6 +14,7 @@ LinkedTasksPane::LinkedTasksPane(const QString &name, std::unique_ptr<FormModel>
     }))
 {
     tasks->setShowProject(linked.showsProject);
+    tasks->setTellsWaiting(linked.tellsWaiting);
     if (linked.above)
         addToBody(linked.above(*this));
     addToBody(tasks);

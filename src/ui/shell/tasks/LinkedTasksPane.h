@@ -20,6 +20,8 @@ public:
         std::function<NewTaskRequest(const ObjectPtr &record)> newTask;
         /// Whether the rows say to which project a task belongs.
         bool showsProject = true;
+        /// Whether the rows say since when the record has them.
+        bool tellsWaiting = false;
         /// Makes what stands between the form and the tasks of a pane; empty for nothing.
         std::function<QWidget *(const RecordPane &pane)> above = {};
     };

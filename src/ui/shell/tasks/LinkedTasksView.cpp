@@ -5,6 +5,7 @@
 #include "records/SelectionMemory.h"
 #include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
+#include "records/people/WaitingFor.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "shell/tasks/TaskTableCell.h"
 #include "store/entities/MainContext.h"
@@ -50,9 +51,28 @@ public:
         setRows(TaskRows::flat(TaskList(mainContext(), organiserModel().requireEntity(EntityTask::entityName),
                                         std::move(identifiers))));
     }
+    void setTellsWaiting(bool tells) { tellsWaiting = tells; }
+
+protected:
+    TaskRowContent contentOf(const EntityTask &task) const override
+    {
+        using Kind = TaskRowDetail::Kind;
+        TaskRowContent content = TaskListModel::contentOf(task);
+        if (!tellsWaiting)
+            return content;
+        // Who has it, the pane says.
+        std::erase_if(content.details, [](const TaskRowDetail &one) { return one.kind == Kind::Person; });
+        if (const QString project = std::exchange(content.project, {}); !project.isEmpty())
+            content.details.insert(content.details.begin(), {Kind::Project, project, nullptr});
+        if (!content.isChecked)
+            content.details.insert(content.details.begin(),
+                                   {Kind::Waiting, WaitingFor::timesInWords(task), nullptr});
+        return content;
+    }
 
 private:
     LinkedTasksView::Source source;
+    bool tellsWaiting = false;
 };
 
 /// How much of something is done, as a line.
@@ -232,6 +252,12 @@ void LinkedTasksView::observe()
 void LinkedTasksView::setShowProject(bool shows)
 {
     model->setShowsProject(shows);
+    view->showRowsAnew();
+}
+
+void LinkedTasksView::setTellsWaiting(bool tells)
+{
+    model->setTellsWaiting(tells);
     view->showRowsAnew();
 }
 

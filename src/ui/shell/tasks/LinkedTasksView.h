@@ -29,6 +29,8 @@ public:
     TableViewExtended *table() const { return view; }
     /// In the table of a project its title would stand in each row.
     void setShowProject(bool shows);
+    /// Whether the rows tell since when their delegate, whom the pane is about, has each task.
+    void setTellsWaiting(bool tells);
 
     /// Takes the tasks anew.
     void loadTasks();

@@ -2,6 +2,7 @@
 
 #include "foundation/Localization.h"
 #include "shell/maps/MapView.h"
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 #include "workspace/PlatformConfiguration.h"
@@ -32,7 +33,7 @@ LocationMap::LocationMap(QWidget *parent)
     line->addWidget(buttonSearch);
     labelStatus = new QLabel;
     labelStatus->setObjectName(u"labelStatus"_s);
-    labelStatus->setFont(Theme::font(Theme::FontRole::Small));
+    Appearance::setFont(*labelStatus, Theme::FontRole::Small);
     labelStatus->setWordWrap(true);
     labelStatus->hide();
     column->addLayout(line);

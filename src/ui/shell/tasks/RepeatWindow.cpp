@@ -102,7 +102,7 @@ static QLabel *makeText(const QString &name, Theme::Role colour, Theme::FontRole
 {
     auto *label = new QLabel;
     label->setObjectName(name);
-    label->setFont(Theme::font(role));
+    Appearance::setFont(*label, role);
     label->setWordWrap(true);
     label->setTextFormat(Qt::PlainText);
     label->setFixedWidth(contentWidth);

@@ -26,6 +26,8 @@ QString signOf(TaskRowDetail::Kind kind)
         return u"company"_s;
     case TaskRowDetail::Kind::Place:
         return u"location"_s;
+    case TaskRowDetail::Kind::Waiting:
+        return u"scheduled"_s;
     }
     return {};
 }

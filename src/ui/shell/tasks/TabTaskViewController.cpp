@@ -4,13 +4,9 @@
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
-#include "records/ShellAlerts.h"
 #include "records/TaskBatch.h"
-#include "records/TaskManager.h"
 #include "records/TaskPlacement.h"
 #include "shell/tasks/CaptureBar.h"
-#include "shell/tasks/TaskDetailViewController.h"
-#include "shell/tasks/TaskRowCommands.h"
 #include "shell/tasks/TaskTableCell.h"
 #include "widgets/LongWork.h"
 #include "widgets/MVSegmentView.h"
@@ -39,16 +35,10 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
 
 TabTaskViewController::TabTaskViewController(const TaskListDescription &listDescription,
                                              TaskListModel *taskModel, QWidget *parent)
-    : RecordListScreen(listDescriptionOf(listDescription), taskModel, new TaskTableCell, parent)
+    : TaskRowsScreen(listDescriptionOf(listDescription), taskModel, parent)
     , description(listDescription)
-    , model(taskModel)
-    , commands(new TaskRowCommands(
-          *this, [this] { return tasksAt(table()->selectedRows()); },
-          [this](const std::vector<ObjectPtr> &records, const std::function<void()> &change) {
-              changeInRows(records, change);
-          }))
 {
-    model->setQuery([this] { return query(grouping()); });
+    taskModel->setQuery([this] { return query(grouping()); });
     if (TasksFilter::isFilterable(static_cast<int>(type()))) {
         setUpFilter(std::make_shared<TasksFilter>(static_cast<int>(type())));
         setUpGrouping();
@@ -57,12 +47,6 @@ TabTaskViewController::TabTaskViewController(const TaskListDescription &listDesc
     // What is done is not typed anew, and the tasks of a category are set up by their screen.
     if (type() != ListType::Done && type() != ListType::Categories)
         setUpCapture();
-    connect(table(), &TableViewExtended::checkToggled, this, &TabTaskViewController::toggleDone);
-    connect(commands, &TaskRowCommands::whyChosen, this, &TabTaskViewController::whyRequested);
-    connect(commands, &TaskRowCommands::deleteChosen, this, &TabTaskViewController::removeSelection);
-    connect(commands, &TaskRowCommands::tasksMade, this, [this](const std::vector<TaskPtr> &tasks) {
-        selectRecords({tasks.begin(), tasks.end()});
-    });
 }
 
 // Capturing
@@ -139,60 +123,7 @@ NewTaskRequest TabTaskViewController::newTaskRequest() const
     return NewTaskRequest::ofList(type(), Clock::now());
 }
 
-TaskPtr TabTaskViewController::selectedTask() const
-{
-    return std::static_pointer_cast<EntityTask>(selectedRecord());
-}
-
 QString TabTaskViewController::explanationOf(const TaskPtr &task) const
 {
     return TaskPlacement(task).explanation(type(), filter());
-}
-
-QRect TabTaskViewController::placeOf(const TaskPtr &task) const
-{
-    return placeOfRecord(task);
-}
-
-DetailViewController *TabTaskViewController::makePane(const ObjectPtr &record)
-{
-    return new TaskDetailViewController(std::static_pointer_cast<EntityTask>(record));
-}
-
-void TabTaskViewController::severalOpened()
-{
-    ShellAlerts::alertSelectOneTask();
-}
-
-std::vector<TaskPtr> TabTaskViewController::tasksAt(const std::set<int> &rows) const
-{
-    std::vector<TaskPtr> tasks;
-    for (const ObjectPtr &record : recordsAt(rows))
-        tasks.push_back(std::static_pointer_cast<EntityTask>(record));
-    return tasks;
-}
-
-// Deleting
-
-std::vector<ObjectPtr> TabTaskViewController::removable(const std::vector<ObjectPtr> &records)
-{
-    return TaskRowCommands::removable(records);
-}
-
-void TabTaskViewController::remove(const std::vector<ObjectPtr> &records,
-                                   const std::function<void()> &removed, const Step &step)
-{
-    TaskManager::deleteTasks(records, removed, step);
-}
-
-// Changing tasks in their rows
-
-void TabTaskViewController::toggleDone(const std::set<int> &rows)
-{
-    commands->toggleDone(tasksAt(rows));
-}
-
-void TabTaskViewController::showMenu(const QPoint &globalPosition)
-{
-    commands->showMenu(globalPosition);
 }

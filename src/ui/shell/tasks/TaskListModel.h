@@ -38,11 +38,10 @@ public:
 
 protected:
     void setRows(TaskRows rows);
-
-private:
-    TaskRowContent contentOf(const EntityTask &task) const;
+    virtual TaskRowContent contentOf(const EntityTask &task) const;
     QVariant taskData(const EntityTask &task, int role) const;
 
+private:
     ListType type;
     std::function<TaskListQuery()> query;
     TaskRows dataSourceTasks;

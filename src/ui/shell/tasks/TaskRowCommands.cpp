@@ -137,8 +137,10 @@ void TaskRowCommands::duplicate()
     Q_EMIT tasksMade(TaskBatch::duplicate(tasks, [&work] { return work.step(); }));
 }
 
-void TaskRowCommands::setUpMenu()
+TaskPopupMenu *TaskRowCommands::menu()
 {
+    if (taskPopupMenu)
+        return taskPopupMenu;
     taskPopupMenu = new TaskPopupMenu(&menuParent);
     connect(taskPopupMenu, &TaskPopupMenu::dayChosen, this, [this](QuickDay day) { plan(day); });
     connect(taskPopupMenu, &TaskPopupMenu::otherDayWanted, this, &TaskRowCommands::planOnOtherDay);
@@ -152,12 +154,24 @@ void TaskRowCommands::setUpMenu()
     });
     connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TaskRowCommands::whyChosen);
     connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TaskRowCommands::deleteChosen);
+    return taskPopupMenu;
+}
+
+void TaskRowCommands::addOwn(const QString &title, const QString &name, std::function<void()> command)
+{
+    QAction *const first = menu()->actions().value(0);
+    auto *const own = new QAction(title, menu());
+    own->setObjectName(name);
+    connect(own, &QAction::triggered, this, std::move(command));
+    menu()->insertAction(first, own);
+    menu()->insertSeparator(first);
 }
 
 void TaskRowCommands::showMenu(const QPoint &globalPosition)
 {
-    if (!taskPopupMenu)
-        setUpMenu();
-    taskPopupMenu->setTasks(selectedTasks());
-    taskPopupMenu->popup(globalPosition);
+    const Tasks tasks = selectedTasks();
+    if (tasks.empty())
+        return;
+    menu()->setTasks(tasks);
+    menu()->popup(globalPosition);
 }

@@ -47,7 +47,9 @@ public:
     // What is dropped on something that stands for a value.
     void plan(const Tasks &tasks, QuickDay day);
     void planOn(const Tasks &tasks, Date day);
-    /// Shows the menu about the selected tasks.
+    /// Puts a command of this list alone at the top of the menu.
+    void addOwn(const QString &title, const QString &name, std::function<void()> command);
+    /// Shows the menu about the selected tasks; none without any.
     void showMenu(const QPoint &globalPosition);
     /// Whether any of some tasks can be changed. The user is told where none can because of its calendar.
     static bool canChange(const Tasks &tasks);
@@ -61,7 +63,7 @@ Q_SIGNALS:
     void deleteChosen();
 
 private:
-    void setUpMenu();
+    TaskPopupMenu *menu();
     template <typename Change, typename... Value>
     void changeTasks(const Tasks &tasks, Change change, const Value &...value);
 

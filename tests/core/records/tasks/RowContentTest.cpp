@@ -45,6 +45,8 @@ TEST_F(RowContent, MarksWhatIsOverdue)
     EXPECT_TRUE(isOverdue(yesterday, ListType::Scheduled));
     EXPECT_TRUE(isOverdue(ended));
     EXPECT_FALSE(isOverdue(ended, ListType::Done));
+    ended->setStatus(TaskStatus::Done);
+    EXPECT_FALSE(isOverdue(ended, ListType::ProjectDetail)) << "what is done is late for nothing";
     EXPECT_FALSE(isOverdue(add(u"plain"_qs)));
 }
 
