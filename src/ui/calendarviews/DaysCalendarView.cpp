@@ -12,6 +12,7 @@
 #include "records/calendars/AllDayLanes.h"
 #include "records/dates/MVDate.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Appearance.h"
 #include "widgets/Theme.h"
 
 #include <QCursor>
@@ -56,7 +57,7 @@ DaysCalendarView::DaysCalendarView(int days, QWidget *parent)
         allDayLabel = new QToolButton(this);
         allDayLabel->setObjectName(u"allDayLabel"_s);
         allDayLabel->setAutoRaise(true);
-        allDayLabel->setFont(Theme::font(Theme::FontRole::SmallStrong));
+        Appearance::setFont(*allDayLabel, Theme::FontRole::SmallStrong);
         allDayLabel->setText(localized(u"All day"_s));
         allDayLabel->setToolTip(localized(u"New task for the whole day"_s));
         connect(allDayLabel, &QToolButton::clicked, this, &DaysCalendarView::newAllDayEvent);

@@ -2,12 +2,15 @@
 
 #include "foundation/Localization.h"
 #include "widgets/Accessibility.h"
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
+#include "widgets/KeyTip.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Shapes.h"
 #include "widgets/Theme.h"
 
 #include <QAccessibleActionInterface>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -37,7 +40,7 @@ DaysControllerButton::DaysControllerButton(QWidget *parent)
     Accessibility::describe(*this, {.role = QAccessible::Grouping,
                                     .name = [] { return localized(u"Go to"_s); },
                                     .parts = std::move(parts)});
-    setFont(Theme::font(Theme::FontRole::Body));
+    Appearance::setFont(*this, Theme::FontRole::Body);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -81,6 +84,16 @@ void DaysControllerButton::paintPart(QPainter &painter, int part) const
     constexpr int iconSize = 18;
     const bool pointsRight = (part == 2) != isRightToLeft();
     Icons::paint(painter, place, pointsRight ? u"chevron-right"_s : u"chevron-left"_s, Theme::text, iconSize);
+}
+
+bool DaysControllerButton::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip || partTips.isEmpty())
+        return QWidget::event(event);
+    const auto &wish = static_cast<const QHelpEvent &>(*event);
+    const int part = partAt(wish.pos());
+    keytip::show(wish, *this, rectOf(part), partTips.value(part));
+    return true;
 }
 
 /// The line beside a part that is pressed is not drawn.

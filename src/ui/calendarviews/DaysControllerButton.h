@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QWidget>
 
 /// Back, today and on, as one rounded control of three parts.
@@ -9,6 +10,9 @@ class DaysControllerButton : public QWidget
 public:
     explicit DaysControllerButton(QWidget *parent = nullptr);
 
+    /// What to say of each part to whoever rests on it.
+    void setPartTips(const QStringList &tips) { partTips = tips; }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -17,6 +21,7 @@ Q_SIGNALS:
     void pressed(int number);
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -34,4 +39,5 @@ private:
     int held = -1;
     int hovered = -1;
     int focused = 1;
+    QStringList partTips;
 };

@@ -1,6 +1,7 @@
 #include "filters/FilterButtonCancelView.h"
 
 #include "foundation/Localization.h"
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -21,7 +22,7 @@ FilterButtonCancelView::FilterButtonCancelView(QWidget *parent)
     setObjectName(u"cancelFilterView"_s);
     setText(localized(u"Clear filter"_s));
     setAccessibleName(text());
-    setFont(Theme::font(Theme::FontRole::Small));
+    Appearance::setFont(*this, Theme::FontRole::Small);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);

@@ -1,5 +1,6 @@
 #include "filters/StripButton.h"
 
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
@@ -18,7 +19,7 @@ StripButton::StripButton(QString icon, QString onIcon, QWidget *parent)
     , iconOff(std::move(icon))
     , iconOn(std::move(onIcon))
 {
-    setFont(Theme::font(Theme::FontRole::Small));
+    Appearance::setFont(*this, Theme::FontRole::Small);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);

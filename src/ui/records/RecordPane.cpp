@@ -10,6 +10,7 @@
 #include "widgets/Direction.h"
 #include "widgets/FormScroll.h"
 #include "widgets/Icons.h"
+#include "widgets/KeyTip.h"
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
@@ -87,6 +88,7 @@ QWidget *RecordPane::makeHeader()
     headerLine->setSpacing(Theme::unit);
     buttonBack = makeHeaderButton(u"buttonBack"_s, isRightToLeft() ? u"chevron-right"_s : u"chevron-left"_s,
                                   localized(u"Back"_s));
+    buttonBack->setToolTip(keytip::of(localized(u"Back"_s), Qt::Key_Escape));
     connect(buttonBack, &QToolButton::clicked, this, &RecordPane::clickButtonBack);
     buttonEdit = new QPushButton;
     buttonEdit->setObjectName(u"buttonEdit"_s);
@@ -137,7 +139,7 @@ QWidget *RecordPane::makeBody()
 {
     labelCreated = new QLabel;
     labelCreated->setObjectName(u"labelCreated"_s);
-    labelCreated->setFont(Theme::font(Theme::FontRole::Small));
+    Appearance::setFont(*labelCreated, Theme::FontRole::Small);
     labelCreated->setAlignment(Qt::AlignCenter);
     Appearance::colourText(*labelCreated, Theme::secondaryText);
     auto *body = new QWidget;
@@ -261,6 +263,8 @@ void RecordPane::statusChanged()
 {
     setAccessibleName(model->title());
     buttonEdit->setText(localized(isEditing() ? u"DoneButton"_s : u"Edit"_s));
+    buttonEdit->setToolTip(keytip::of(
+        buttonEdit->text(), isEditing() ? QKeySequence(Qt::CTRL | Qt::Key_Return) : Qt::Key_Return));
     buttonEdit->setDefault(isEditing());
     buttonEdit->setVisible(model->allowsEditing());
     buttonEdit->setEnabled(isEditing() || model->canEdit());

@@ -5,6 +5,7 @@
 #include "records/ShellAlerts.h"
 #include "widgets/Animations.h"
 #include "widgets/FormScroll.h"
+#include "widgets/KeyTip.h"
 #include "widgets/Theme.h"
 #include "widgets/WindowPlace.h"
 
@@ -100,9 +101,11 @@ QWidget *RecordWindow::makeButtons()
     row->setContentsMargins(formMargin, formMargin, formMargin, formMargin);
     auto *buttonClose = new QPushButton(localized(u"Close"_s));
     buttonClose->setObjectName(u"buttonClose"_s);
+    buttonClose->setToolTip(keytip::of(buttonClose->text(), Qt::Key_Escape));
     connect(buttonClose, &QPushButton::clicked, this, &RecordWindow::clickButtonClose);
     buttonSave = new QPushButton(localized(u"Save"_s));
     buttonSave->setObjectName(u"buttonSave"_s);
+    buttonSave->setToolTip(keytip::of(buttonSave->text(), Qt::CTRL | Qt::Key_Return));
     buttonSave->setDefault(true);
     buttonSave->setEnabled(model->canSave());
     connect(buttonSave, &QPushButton::clicked, this, &RecordWindow::clickButtonSave);

@@ -129,6 +129,7 @@ Actions::Actions(QObject *parent)
         auto *action = new QAction(textOf(description.id), this);
         action->setObjectName(QString::fromUtf16(description.name));
         action->setShortcut(shortcutOf(description.id));
+        connect(action, &QAction::triggered, this, [this, id = description.id] { noteUse(id); });
         actions.insert(description.id, action);
     }
 }

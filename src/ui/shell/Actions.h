@@ -114,6 +114,12 @@ public:
     void update();
     /// From here on nothing is asked of commands: what could answer is about to go.
     void forgetRules();
+    /// The user did in another way what a command does.
+    void noteUse(ActionId id) { Q_EMIT used(id); }
+
+Q_SIGNALS:
+    /// A command was given, or done in another way.
+    void used(ActionId id);
 
 private:
     QHash<ActionId, QAction *> actions;

@@ -3,8 +3,11 @@
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
 #include "foundation/UserDefaults.h"
+#include "objectstore/StoreChanges.h"
 #include "shell/Actions.h"
+#include "store/entities/Entities.h"
 #include "store/queries/DBWorker.h"
+#include "store/state/NotificationNames.h"
 #include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
@@ -13,6 +16,9 @@
 #include <QLabel>
 #include <QPainter>
 #include <QToolButton>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -69,7 +75,7 @@ FirstHints::FirstHints(const Actions &actions, QWidget *parent)
     line->setContentsMargins(2 * Theme::unit, Theme::unit, Theme::unit, Theme::unit);
     line->setSpacing(Theme::unit / 2);
     words->setObjectName(u"labelHint"_s);
-    words->setFont(Theme::font(Theme::FontRole::Small));
+    Appearance::setFont(*words, Theme::FontRole::Small);
     words->setWordWrap(true);
     words->setTextFormat(Qt::PlainText);
     Appearance::colourText(*words, Theme::sidebarQuiet);
@@ -87,13 +93,38 @@ FirstHints::FirstHints(const Actions &actions, QWidget *parent)
         for (int hint = 0; hint < static_cast<int>(hints.size()); ++hint)
             used(hint);
     });
-    for (int hint = 0; hint < static_cast<int>(hints.size()); ++hint) {
-        const auto place = static_cast<size_t>(hint);
-        for (int id = static_cast<int>(hints[place].first); id <= static_cast<int>(hints[place].last); ++id)
-            connect(actions.action(static_cast<ActionId>(id)), &QAction::triggered, this,
-                    [this, hint] { used(hint); });
-    }
+    connect(&actions, &Actions::used, this, &FirstHints::commandUsed);
+    observation = NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) { lookAt(changes); });
     refresh();
+}
+
+void FirstHints::commandUsed(ActionId id)
+{
+    for (int hint = 0; hint < static_cast<int>(hints.size()); ++hint) {
+        const Hint &one = hints[static_cast<size_t>(hint)];
+        if (one.first <= id && id <= one.last)
+            used(hint);
+    }
+}
+
+/// Days are given and steps taken back in more ways than by their keys.
+void FirstHints::lookAt(const StoreChanges &changes)
+{
+    if (changes.author == ChangeAuthor::Undo)
+        return commandUsed(ActionId::Undo);
+    if (changes.author != ChangeAuthor::User)
+        return;
+    using Task = EntityTask;
+    constexpr std::array days = {Task::column<"startDate">(), Task::column<"dueDate">(),
+                                 Task::column<"dueSomeDay">()};
+    const bool isPlanned = std::ranges::any_of(changes.updated, [&](const StoreChanges::Update &one) {
+        return one.object->entity().name() == Task::entityName && std::ranges::any_of(days, [&](int column) {
+                   return one.columns.test(static_cast<std::size_t>(column));
+               });
+    });
+    if (isPlanned)
+        commandUsed(ActionId::PlanToday);
 }
 
 void FirstHints::used(int hint)

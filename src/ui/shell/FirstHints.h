@@ -1,9 +1,12 @@
 #pragma once
 
+#include "foundation/NotificationCenter.h"
+#include "shell/Actions.h"
+
 #include <QWidget>
 
-class Actions;
 class QLabel;
+struct StoreChanges;
 
 /// Five quiet hints of the first day, one at a time below the rows of the sidebar. A hint goes for good once
 /// the user does what it says, and all of them go when the day is over or the user wants no more.
@@ -20,7 +23,10 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void commandUsed(ActionId id);
+    void lookAt(const StoreChanges &changes);
     void used(int hint);
 
     QLabel *words;
+    Observation observation;
 };

@@ -19,6 +19,7 @@
 #include "shell/UndoNote.h"
 #include "shell/WindowMemory.h"
 #include "shell/search/SearchField.h"
+#include "shell/tasks/CaptureBar.h"
 #include "store/AppDelegate.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/ScreenToolBar.h"
@@ -83,6 +84,8 @@ void MainWindowController::windowDidLoad()
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     memory = std::make_unique<WindowMemory>(*mainWindow, *sidebar);
     mainWindow->setSidebarFoot(new FirstHints(*actions, mainWindow.get()));
+    connect(mainWindow->rightToolBarMain()->searchField(), &SearchField::textChanged, this,
+            [this] { actions->noteUse(ActionId::Search); });
     auto *note = new UndoNote(*mainWindow->rightContentView());
     connect(note, &UndoNote::undoWanted, this, [this] { stepBack(&ManagedObjectContext::undo); });
     connect(this, &MainWindowController::storeLeft, note, &QWidget::hide);
@@ -372,6 +375,8 @@ void MainWindowController::show(TabsViewController *newScreen)
     connect(newScreen, &TabsViewController::recordWanted, this,
             [this, newScreen](const ObjectPtr &record) { showOver(record, newScreen); });
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::update);
+    for (const auto *capture : newScreen->findChildren<CaptureBar *>())
+        connect(capture, &CaptureBar::captured, actions, [this] { actions->noteUse(ActionId::AddInLine); });
     ShortcutTips::put(*newScreen->toolBarView());
     ShortcutTips::put(*newScreen);
     newScreen->reloadData();

@@ -1,6 +1,9 @@
 #include "shell/ShortcutTips.h"
 
+#include "calendarviews/DaysControllerButton.h"
 #include "shell/Actions.h"
+#include "widgets/KeyTip.h"
+#include "widgets/MVSegmentView.h"
 #include "widgets/ToolBarButton.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -19,10 +22,31 @@ constexpr std::array controls = {
     Control{u"searchField", ActionId::Search},
 };
 
+/// A control of parts, each with a command.
+struct PartedControl
+{
+    QStringView name;
+    std::array<ActionId, 3> commands;
+};
+
+constexpr PartedControl calendarKinds{
+    u"calendarSegment", {ActionId::CalendarDay, ActionId::CalendarWeek, ActionId::CalendarMonth}};
+constexpr PartedControl calendarPages{
+    u"daysCalendarController", {ActionId::CalendarPrevious, ActionId::CalendarToday, ActionId::CalendarNext}};
+
 QString tipOf(ActionId command)
 {
-    return u"%1 (%2)"_s.arg(Actions::textOf(command),
-                            Actions::shortcutOf(command).toString(QKeySequence::NativeText));
+    return keytip::of(Actions::textOf(command), Actions::shortcutOf(command));
+}
+
+template <typename Control>
+void putOnParts(const QWidget &part, const PartedControl &control)
+{
+    QStringList tips;
+    for (const ActionId command : control.commands)
+        tips << tipOf(command);
+    for (auto *widget : part.findChildren<Control *>(control.name.toString()))
+        widget->setPartTips(tips);
 }
 
 } // namespace
@@ -38,4 +62,6 @@ void ShortcutTips::put(const QWidget &part)
         if (button->actionType() == ToolBarButton::NewTask)
             button->setToolTip(tipOf(ActionId::NewTask));
     }
+    putOnParts<MVSegmentView>(part, calendarKinds);
+    putOnParts<DaysControllerButton>(part, calendarPages);
 }

@@ -7,6 +7,7 @@
 #include "store/state/NotificationNames.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Appearance.h"
+#include "widgets/KeyTip.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
@@ -35,8 +36,7 @@ UndoNote::UndoNote(QWidget &lower)
     row->setSpacing(2 * Theme::unit);
     words->setTextFormat(Qt::PlainText);
     button->setObjectName(u"buttonUndoDeletion"_s);
-    button->setToolTip(u"%1 (%2)"_s.arg(
-        button->text(), Actions::shortcutOf(ActionId::Undo).toString(QKeySequence::NativeText)));
+    button->setToolTip(keytip::of(button->text(), Actions::shortcutOf(ActionId::Undo)));
     row->addWidget(words, 1);
     row->addWidget(button);
     going.setSingleShot(true);

@@ -45,6 +45,11 @@ void Appearance::follow(QWidget &widget, std::function<void()> block)
     connect(&shared(), &Appearance::changed, &widget, std::move(block));
 }
 
+void Appearance::setFont(QWidget &widget, Theme::FontRole role)
+{
+    follow(widget, [&widget, role] { widget.setFont(Theme::font(role)); });
+}
+
 namespace {
 
 /// Belongs to the widget whose words it colours.

@@ -27,6 +27,8 @@ public:
 
     /// Calls a block now, and whenever the scheme changes as long as the widget lives.
     static void follow(QWidget &widget, std::function<void()> block);
+    /// Gives a widget a font of the theme, which follows the size of the text.
+    static void setFont(QWidget &widget, Theme::FontRole role);
     /// Gives the words of a widget a colour of the theme, which follows the scheme. A second call replaces
     /// the first.
     static void colourText(QWidget &widget, Theme::Role role);

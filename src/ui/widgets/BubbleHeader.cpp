@@ -1,6 +1,7 @@
 #include "widgets/BubbleHeader.h"
 
 #include "foundation/Localization.h"
+#include "widgets/Appearance.h"
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
@@ -21,7 +22,7 @@ BubbleHeader::BubbleHeader(const QString &title, QWidget *parent)
     cancel->setObjectName(u"buttonCancel"_s);
     done->setObjectName(u"buttonDone"_s);
     done->setDefault(true);
-    label->setFont(Theme::font(Theme::FontRole::BodyStrong));
+    Appearance::setFont(*label, Theme::FontRole::BodyStrong);
     label->setAlignment(Qt::AlignCenter);
     label->setMinimumWidth(1);
     line->addWidget(cancel);

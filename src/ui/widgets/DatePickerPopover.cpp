@@ -37,7 +37,7 @@ DatePickerPopover::DatePickerPopover(const DatePickerState &state, QWidget *pare
     column->setContentsMargins(2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit, 2 * Theme::unit);
     column->setSpacing(Theme::unit);
     auto *title = new QLabel(state.titlePopover);
-    title->setFont(Theme::font(Theme::FontRole::BodyStrong));
+    Appearance::setFont(*title, Theme::FontRole::BodyStrong);
     title->setAlignment(Qt::AlignCenter);
     column->addWidget(title);
     // Years back nobody says in such words.
@@ -77,7 +77,7 @@ QWidget *DatePickerPopover::makeTyping()
     words->setAccessibleName(localized(u"Date in words"_s));
     meaning = new QLabel;
     meaning->setObjectName(u"meaningOfTypedDate"_s);
-    meaning->setFont(Theme::font(Theme::FontRole::Small));
+    Appearance::setFont(*meaning, Theme::FontRole::Small);
     meaning->setAlignment(Qt::AlignHCenter);
     meaning->setWordWrap(true);
     meaning->hide();

@@ -1,6 +1,7 @@
 #include "widgets/EmptyState.h"
 
 #include "widgets/Accessibility.h"
+#include "widgets/Appearance.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
@@ -19,13 +20,13 @@ EmptyState::EmptyState(const QString &iconName, const QString &sentence, QWidget
     Accessibility::describe(*this, {.role = QAccessible::Grouping});
     setAccessibleName(sentence);
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    setFont(Theme::font(Theme::FontRole::Large));
+    Appearance::setFont(*this, Theme::FontRole::Large);
 }
 
 void EmptyState::setAction(const QString &title, const QString &name)
 {
     action = new QPushButton(title, this);
-    action->setFont(Theme::font(Theme::FontRole::Body));
+    Appearance::setFont(*action, Theme::FontRole::Body);
     action->setObjectName(name);
     setAttribute(Qt::WA_TransparentForMouseEvents, false);
     connect(action, &QPushButton::clicked, this, &EmptyState::actionClicked);

@@ -1,5 +1,6 @@
 #include "widgets/GrowingTextField.h"
 
+#include "widgets/Appearance.h"
 #include "widgets/Theme.h"
 
 #include <QKeyEvent>
@@ -22,7 +23,7 @@ GrowingTextField::GrowingTextField(Kind kind, QWidget *parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(kind == Kind::Title ? 2 : Theme::unit);
-    setFont(Theme::font(kind == Kind::Title ? Theme::FontRole::Large : Theme::FontRole::Body));
+    Appearance::setFont(*this, kind == Kind::Title ? Theme::FontRole::Large : Theme::FontRole::Body);
     connect(this, &QTextEdit::textChanged, this, &QWidget::updateGeometry);
 }
 

@@ -1,10 +1,13 @@
 #include "widgets/MVSegmentView.h"
 
 #include "widgets/Accessibility.h"
+#include "widgets/Appearance.h"
+#include "widgets/KeyTip.h"
 #include "widgets/MorvaneStyle.h"
 #include "widgets/Theme.h"
 
 #include <QAccessibleActionInterface>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -21,7 +24,7 @@ MVSegmentView::MVSegmentView(const QStringList &titles, QWidget *parent)
     setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setFont(Theme::font(Theme::FontRole::Small));
+    Appearance::setFont(*this, Theme::FontRole::Small);
 }
 
 void MVSegmentView::describe()
@@ -91,6 +94,16 @@ void MVSegmentView::choose(int index)
     setSelectedIndex(index == selected ? -1 : index);
     focused = index;
     Q_EMIT selectedIndexChanged(selected);
+}
+
+bool MVSegmentView::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip || partTips.isEmpty())
+        return QWidget::event(event);
+    const auto &wish = static_cast<const QHelpEvent &>(*event);
+    const int part = indexAt(wish.pos());
+    keytip::show(wish, *this, rectOf(part), partTips.value(part));
+    return true;
 }
 
 void MVSegmentView::paintEvent(QPaintEvent *)

@@ -16,6 +16,9 @@ public:
     void setSelectedIndex(int index);
     void setHaveNotSelect(bool allowed) { canBeNone = allowed; }
 
+    /// What to say of each part to whoever rests on it.
+    void setPartTips(const QStringList &tips) { partTips = tips; }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -24,6 +27,7 @@ Q_SIGNALS:
     void selectedIndexChanged(int index);
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
@@ -43,4 +47,5 @@ private:
     int focused = 0;
     int hovered = -1;
     bool canBeNone = false;
+    QStringList partTips;
 };

@@ -1,6 +1,7 @@
 #include "widgets/ScreenToolBar.h"
 
 #include "widgets/Accessibility.h"
+#include "widgets/Appearance.h"
 #include "widgets/Direction.h"
 #include "widgets/Theme.h"
 
@@ -19,7 +20,7 @@ public:
         : QWidget(parent)
     {
         Accessibility::describe(*this, {.role = QAccessible::Heading});
-        setFont(Theme::font(Theme::FontRole::Title));
+        Appearance::setFont(*this, Theme::FontRole::Title);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     }
     void setText(const QString &title)

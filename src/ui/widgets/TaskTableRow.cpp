@@ -61,8 +61,10 @@ void TaskTableRow::paint(QPainter &painter, const QStyleOptionViewItem &option, 
     }
     painter.strokePath(shape, QPen(Theme::cardBorder));
     painter.restore();
-    // On a selected row the colours of the selection show where the focus is.
-    if (option.state.testFlag(QStyle::State_HasFocus) && !option.state.testFlag(QStyle::State_Selected))
+    // On a selected row the colours of the selection tell it, but to who goes by keys among several of them.
+    if (option.state.testFlag(QStyle::State_HasFocus) &&
+        (!option.state.testFlag(QStyle::State_Selected) ||
+         option.state.testFlag(QStyle::State_KeyboardFocusChange)))
         MorvaneStyle::drawFocusRing(painter, QRectF(card).adjusted(2, 2, -2, -2), Theme::controlRadius,
                                     Theme::focusRing);
 }

@@ -34,7 +34,7 @@ QString readablePart(const QString &text)
 QLabel *makeTextLabel(const QString &text, Theme::FontRole role, Theme::Role colour)
 {
     auto *label = new QLabel(text);
-    Appearance::follow(*label, [label, role] { label->setFont(Theme::font(role)); });
+    Appearance::setFont(*label, role);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     Appearance::colourText(*label, colour);

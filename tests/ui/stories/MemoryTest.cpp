@@ -1,6 +1,7 @@
 // What the user has arranged is there again.
 
 #include "foundation/UserDefaults.h"
+#include "records/TaskManager.h"
 #include "shell/FirstHints.h"
 #include "shell/WindowMemory.h"
 #include "support/TestSupport.h"
@@ -8,10 +9,12 @@
 #include "widgets/EmptyState.h"
 #include "widgets/SplitPanes.h"
 
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QToolButton>
+#include <QToolTip>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -128,4 +131,41 @@ TEST_F(MemoryTest, AHintGoesOnceItIsFollowedAndAllGoWithTheFirstDay)
     EXPECT_FALSE(all.isVisible());
     const FirstHints next(*controller().commands());
     EXPECT_TRUE(next.isHidden()) << "they do not come back";
+}
+
+TEST_F(MemoryTest, AHintGoesAlsoOnceItIsFollowedWithoutItsKeys)
+{
+    const auto &words = find<QLabel>(find<FirstHints>(window(), "firstHints"), "labelHint");
+    showList(SidebarItem::Inbox);
+    QTest::keyClicks(&find<QWidget>(screen(), "captureField"), u"a"_s);
+    ASSERT_TRUE(words.text().contains(u"Ctrl+L"_s));
+    QTest::keyClick(&find<QWidget>(screen(), "captureField"), Qt::Key_Return);
+    EXPECT_TRUE(words.text().contains(u"Alt+1"_s)) << words.text().toStdString();
+    MVTask copy(stored(u"a"_s));
+    copy.title = u"b"_s;
+    ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    EXPECT_TRUE(words.text().contains(u"Alt+1"_s)) << "it has no other day";
+    copy.dueDate = localDate(2026, 12, 1);
+    ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
+    EXPECT_TRUE(words.text().contains(u"Ctrl+F"_s)) << words.text().toStdString();
+    QTest::keyClicks(&find<QWidget>(window(), "searchField"), u"b"_s);
+    EXPECT_TRUE(words.text().contains(u"Ctrl+Z"_s)) << words.text().toStdString();
+    ASSERT_FALSE(context().undo());
+    EXPECT_TRUE(words.text().contains(u"F1"_s)) << words.text().toStdString();
+}
+
+TEST_F(MemoryTest, TipsTellTheKeysOfEachPart)
+{
+    controller().goToList(SidebarItem::Calendar);
+    const auto tipAt = [this](const char *name, double share) {
+        QWidget &control = find<QWidget>(window(), name);
+        const QPoint place(qRound(control.width() * share), control.height() / 2);
+        QHelpEvent wish(QEvent::ToolTip, place, control.mapToGlobal(place));
+        QCoreApplication::sendEvent(&control, &wish);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(tipAt("calendarSegment", 0.1), u"Day (Ctrl+Shift+5)"_s);
+    EXPECT_EQ(tipAt("calendarSegment", 0.9), u"Month (Ctrl+Shift+7)"_s);
+    EXPECT_EQ(tipAt("daysCalendarController", 0.1), u"Previous (Ctrl+Shift+PgUp)"_s);
+    EXPECT_EQ(tipAt("daysCalendarController", 0.9), u"Next (Ctrl+Shift+PgDown)"_s);
 }

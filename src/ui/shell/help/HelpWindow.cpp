@@ -4,6 +4,7 @@
 #include "shell/help/HelpPages.h"
 #include "widgets/Appearance.h"
 #include "widgets/Icons.h"
+#include "widgets/KeyTip.h"
 #include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 #include "workspace/Workspace.h"
@@ -152,7 +153,7 @@ QToolButton *HelpWindow::addButton(const char *name, const QString &icon, const 
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setFocusPolicy(Qt::TabFocus);
     button->setShortcut(sequence);
-    button->setToolTip(u"%1 (%2)"_s.arg(title, sequence.toString(QKeySequence::NativeText)));
+    button->setToolTip(keytip::of(title, sequence));
     connect(button, &QToolButton::clicked, this, press);
     bar->addWidget(button);
     return button;

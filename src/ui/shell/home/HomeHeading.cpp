@@ -1,6 +1,7 @@
 #include "shell/home/HomeHeading.h"
 
 #include "widgets/Accessibility.h"
+#include "widgets/Appearance.h"
 #include "widgets/Direction.h"
 
 #include <QPainter>
@@ -10,7 +11,7 @@ HomeHeading::HomeHeading(Theme::FontRole fontRole, Theme::Role textColour, QWidg
     , colour(textColour)
 {
     Accessibility::describe(*this, {.role = QAccessible::Heading});
-    setFont(Theme::font(fontRole));
+    Appearance::setFont(*this, fontRole);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
