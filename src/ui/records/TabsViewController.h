@@ -39,9 +39,9 @@ public:
     virtual void selectItem(const ObjectPtr &record) { Q_UNUSED(record) }
     /// Selects those of some records that are on the screen, and scrolls to the first of them.
     virtual void selectRecords(const std::vector<ObjectPtr> &records) { Q_UNUSED(records) }
-    /// Whether lines of text can become tasks here.
-    virtual bool canTakeLines() const { return false; }
-    /// Makes a task of each line.
+    /// Where new tasks are typed, if they can be at this moment; else null.
+    virtual QWidget *taskLine() const { return nullptr; }
+    /// Makes a task of each line of text, where there is such a place.
     virtual void takeLines(const QStringList &lines) { Q_UNUSED(lines) }
     /// The task list that it is; absent for any other screen.
     virtual std::optional<ListType> listType() const { return std::nullopt; }

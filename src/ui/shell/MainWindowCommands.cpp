@@ -20,8 +20,6 @@
 #include "shell/help/HelpPages.h"
 #include "shell/help/HelpWindow.h"
 #include "shell/help/UpdateCheck.h"
-#include "shell/tasks/CaptureBar.h"
-#include "shell/tasks/TabTaskViewController.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
@@ -139,7 +137,7 @@ void MainWindowController::copy()
 /// wanted.
 bool MainWindowController::canTakeLines() const
 {
-    return !TextCommands::hasText() && screen && screen->canTakeLines();
+    return !TextCommands::hasText() && screen && screen->taskLine();
 }
 
 /// Into a text, or else as a task for each line.
@@ -230,11 +228,10 @@ void MainWindowController::menuClickNewTask()
 /// From where nothing can be typed so, it goes to the Inbox first.
 void MainWindowController::addInLine()
 {
-    const auto line = [this] { return qobject_cast<TabTaskViewController *>(screen); };
-    if (!line() || !line()->canTakeLines())
+    if (!screen || !screen->taskLine())
         goToList(SidebarItem::Inbox);
-    if (line() && line()->captureBar())
-        line()->captureBar()->setFocus(Qt::ShortcutFocusReason);
+    if (QWidget *const line = screen ? screen->taskLine() : nullptr)
+        line->setFocus(Qt::ShortcutFocusReason);
 }
 
 void MainWindowController::bindLists()

@@ -375,10 +375,13 @@ void MainWindowController::show(TabsViewController *newScreen)
     connect(newScreen, &TabsViewController::recordWanted, this,
             [this, newScreen](const ObjectPtr &record) { showOver(record, newScreen); });
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::update);
-    for (const auto *capture : newScreen->findChildren<CaptureBar *>())
-        connect(capture, &CaptureBar::captured, actions, [this] { actions->noteUse(ActionId::AddInLine); });
-    ShortcutTips::put(*newScreen->toolBarView());
-    ShortcutTips::put(*newScreen);
+    for (const QWidget *part :
+         {static_cast<QWidget *>(newScreen->toolBarView()), static_cast<QWidget *>(newScreen)}) {
+        for (const auto *capture : part->findChildren<CaptureBar *>())
+            connect(capture, &CaptureBar::captured, actions,
+                    [this] { actions->noteUse(ActionId::AddInLine); });
+        ShortcutTips::put(*part);
+    }
     newScreen->reloadData();
     mainWindow->rightToolBarMain()->chengedToolBar()->addToolBar(newScreen->toolBarView());
     mainWindow->rightContentView()->layout()->addWidget(newScreen);

@@ -73,3 +73,28 @@ void ScreenToolBar::addControl(QWidget *control)
 {
     row->addWidget(control);
 }
+
+void ScreenToolBar::setMiddle(QWidget *wanted)
+{
+    constexpr int share = 4;
+    middle = wanted;
+    // The window is not to be wider for it.
+    middle->hide();
+    row->insertWidget(1, middle, share);
+}
+
+void ScreenToolBar::resizeEvent(QResizeEvent *event)
+{
+    constexpr int leastMiddleWidth = 220;
+    QWidget::resizeEvent(event);
+    if (!middle)
+        return;
+    const QMargins margins = row->contentsMargins();
+    int taken = margins.left() + margins.right();
+    for (int place = 0; place < row->count(); ++place) {
+        QWidget *const part = row->itemAt(place)->widget();
+        if (part != middle)
+            taken += part->sizeHint().width() + row->spacing();
+    }
+    middle->setVisible(width() - taken >= leastMiddleWidth);
+}

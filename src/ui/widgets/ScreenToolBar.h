@@ -15,9 +15,15 @@ public:
     void setTitle(const QString &title);
     /// Puts a control behind those that are there.
     void addControl(QWidget *control);
+    /// Puts something between title and controls that shows where they leave it room.
+    void setMiddle(QWidget *wanted);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     class TitleLabel;
     TitleLabel *titleLabel;
     QHBoxLayout *row;
+    QWidget *middle = nullptr;
 };

@@ -25,8 +25,8 @@ protected:
     CaptureEdit &line() { return *screen().captureBar()->edit(); }
     QString told()
     {
-        const auto *label = screen().findChild<QLabel *>(u"labelCaptured"_s);
-        return label && label->isVisibleTo(&screen()) ? label->text() : QString();
+        const auto *label = window().findChild<QLabel *>(u"labelCaptured"_s);
+        return label && label->isVisible() ? label->text() : QString();
     }
     void type(const QString &text) { QTest::keyClicks(&line(), text); }
     void press(Qt::Key pressed) { QTest::keyClick(&line(), pressed); }
@@ -255,4 +255,37 @@ TEST_F(CaptureTest, ThePiecesLieUnderTheirWords)
         }
     }
     EXPECT_NEAR(last - first, metrics.horizontalAdvance(u"tomorrow"_s), 8);
+}
+
+TEST_F(CaptureTest, HomeTakesALineWhereItHasRoomForIt)
+{
+    controller().goToList(SidebarItem::Home);
+    settle();
+    window().resize(1200, 760);
+    settle();
+    const auto *home = controller().currentScreen();
+    run(ActionId::AddInLine);
+    ASSERT_EQ(controller().currentScreen(), home);
+    auto *typed = qobject_cast<CaptureEdit *>(QApplication::focusWidget());
+    ASSERT_NE(typed, nullptr);
+    QTest::keyClicks(typed, u"Call the bank tomorrow 9am"_s);
+    EXPECT_TRUE(told().contains(u"9:00"_s)) << told().toStdString();
+    QTest::keyClick(typed, Qt::Key_Return);
+    settle();
+    const TaskPtr call = stored(u"Call the bank"_s);
+    ASSERT_NE(call, nullptr);
+    EXPECT_EQ(call->startDate(), localDate(2026, 11, 22, 9));
+    EXPECT_EQ(home->selectedTask(), call) << "its row is in sight";
+    QTest::keyClicks(typed, u"Another"_s);
+    QTest::keyClick(typed, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(stored(u"Another"_s)->dueDate(), localDate(2026, 11, 21, 23, 59)) << "for today";
+
+    // In a narrow window the line is that of the Inbox.
+    window().resize(700, 600);
+    settle();
+    EXPECT_EQ(told(), QString()) << "nothing hangs below a line that is gone";
+    run(ActionId::AddInLine);
+    EXPECT_EQ(screen().type(), ListType::Inbox);
+    EXPECT_TRUE(line().hasFocus());
 }

@@ -14,11 +14,13 @@
 #include "shell/calendars/CalendarItemCommands.h"
 #include "shell/home/HomeColumns.h"
 #include "shell/home/HomeHeading.h"
+#include "shell/tasks/CaptureBar.h"
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/TaskRowCommands.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Direction.h"
 #include "widgets/LongWork.h"
+#include "widgets/ScreenToolBar.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -38,7 +40,11 @@ HomeTabViewController::HomeTabViewController(MakeProjectPane makeProjectPane, QW
     , week(addBlock(HomeListModel::List::Week, localized(u"Week"_s), u"weekEventsTableView"_s))
     , lastActive(overdue)
     , eventCommands(new CalendarItemCommands(*this))
+    , capture(new CaptureBar([] { return NewTaskRequest::ofList(ListType::Today, Clock::now()); }, u"home"_s))
 {
+    toolBarView()->setMiddle(capture);
+    connect(capture, &CaptureBar::captured, this, [this](const TaskPtr &task) { showNew({task}); });
+    connect(capture, &CaptureBar::left, this, &HomeTabViewController::takeKeysBack);
     addButton(ToolBarButton::NewTask);
     addButton(ToolBarButton::Calendars);
     setTabOrder(overdue->table(), week->table());
@@ -483,6 +489,24 @@ void HomeTabViewController::closePanesWithoutRow()
     });
     if (!gone.empty())
         detailStack()->removeAllDetailFrom(gone);
+}
+
+// Writing down
+
+QWidget *HomeTabViewController::taskLine() const
+{
+    return capture->isHidden() ? nullptr : capture;
+}
+
+void HomeTabViewController::showNew(const std::vector<TaskPtr> &tasks)
+{
+    updateRows();
+    selectRecords({tasks.begin(), tasks.end()});
+}
+
+void HomeTabViewController::takeLines(const QStringList &lines)
+{
+    showNew(capture->takeLines(lines));
 }
 
 // Deleting

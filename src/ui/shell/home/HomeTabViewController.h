@@ -10,6 +10,7 @@
 #include <functional>
 
 class CalendarItemCommands;
+class CaptureBar;
 class DayCalendarViewController;
 class HomeHeading;
 
@@ -38,6 +39,8 @@ public:
     void updateRows() override;
     bool hasSelection() const override;
     void selectRecords(const std::vector<ObjectPtr> &records) override;
+    QWidget *taskLine() const override;
+    void takeLines(const QStringList &lines) override;
     bool hasSelectedText() const override;
     QString selectedText() const override;
     /// The tasks of the list that commands are about.
@@ -77,6 +80,7 @@ private:
     void open(HomeBlockView &block, const ObjectPtr &record);
     bool showDetail(const ObjectPtr &record);
     void selectTop();
+    void showNew(const std::vector<TaskPtr> &tasks);
     bool hasRow(const ObjectPtr &record) const;
     void notePanes();
     void closePanesWithoutRow();
@@ -92,6 +96,7 @@ private:
     HomeBlockView *week;
     HomeBlockView *lastActive;
     CalendarItemCommands *eventCommands;
+    CaptureBar *capture;
     /// Something is being selected in the calendar, for which the lists give way.
     bool isEventSelected = false;
     /// Nothing was fetched yet: the window is to be painted first.

@@ -1,20 +1,19 @@
 #include "shell/tasks/CaptureBar.h"
 
 #include "foundation/Localization.h"
+#include "records/TaskBatch.h"
 #include "records/capture/CapturedTask.h"
 #include "shell/tasks/CaptureEdit.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Appearance.h"
+#include "widgets/LongWork.h"
 #include "widgets/Theme.h"
 
 #include <QLabel>
 #include <QPainter>
-#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
-
-constexpr int leastCardWidth = 320;
 
 /// How long it is told what became of a line.
 constexpr auto told = std::chrono::seconds(6);
@@ -78,22 +77,36 @@ CaptureBar::~CaptureBar()
     delete understood;
 }
 
-/// Below the field, on the screen of the list.
+std::vector<TaskPtr> CaptureBar::takeLines(const QStringList &lines)
+{
+    LongWork work(static_cast<size_t>(lines.size()), localized(u"Adding tasks"_s));
+    return TaskBatch::addLines(lines, request(), [&work] { return work.step(); });
+}
+
+/// Below the field, over whatever the window has there.
 void CaptureBar::showWords(const QString &words)
 {
-    if (QWidget *const screen = parentWidget() ? parentWidget()->parentWidget() : nullptr;
-        screen && understood->parentWidget() != screen)
-        understood->setParent(screen);
+    if (understood->parentWidget() != window())
+        understood->setParent(window());
     understood->setText(words);
     understood->setVisible(!words.isEmpty() && understood->parentWidget());
     if (!understood->isVisibleTo(understood->parentWidget()))
         return;
     const QPoint below = field->mapTo(understood->parentWidget(), QPoint(0, field->height() + 2));
-    const int width = std::min(understood->sizeHint().width(), std::max(field->width(), leastCardWidth));
-    const QRect around(below, QSize(field->width(), understood->sizeHint().height()));
-    understood->setGeometry(QStyle::alignedRect(layoutDirection(), Qt::AlignLeft | Qt::AlignTop,
-                                                {width, around.height()}, around));
+    // It begins where the field does, and goes on to the edge of the window.
+    const int end = below.x() + field->width();
+    const int room = (isRightToLeft() ? end : understood->parentWidget()->width() - below.x()) - Theme::unit;
+    const QSize size(std::min(understood->sizeHint().width(), std::max(field->width(), room)),
+                     understood->sizeHint().height());
+    understood->setGeometry(QRect({isRightToLeft() ? end - size.width() : below.x(), below.y()}, size));
     understood->raise();
+}
+
+void CaptureBar::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    if (understood)
+        understood->hide();
 }
 
 void CaptureBar::tell()

@@ -24,11 +24,17 @@ public:
     ~CaptureBar() override;
 
     CaptureEdit *edit() const { return field; }
+    /// Makes a task of each line, as it stands. What a calendar or a rule refuses stays out, and its message
+    /// has said so.
+    std::vector<TaskPtr> takeLines(const QStringList &lines);
 
 Q_SIGNALS:
     /// A task was stored.
     void captured(const TaskPtr &task);
     void left();
+
+protected:
+    void hideEvent(QHideEvent *event) override;
 
 private:
     void showWords(const QString &words);

@@ -4,11 +4,9 @@
 #include "filters/TasksTabTopView.h"
 #include "foundation/Clock.h"
 #include "foundation/Localization.h"
-#include "records/TaskBatch.h"
 #include "records/TaskPlacement.h"
 #include "shell/tasks/CaptureBar.h"
 #include "shell/tasks/TaskTableCell.h"
-#include "widgets/LongWork.h"
 #include "widgets/MVSegmentView.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -74,17 +72,14 @@ void TabTaskViewController::addFirst()
         RecordListScreen::addFirst();
 }
 
-bool TabTaskViewController::canTakeLines() const
+QWidget *TabTaskViewController::taskLine() const
 {
-    return capture && !capture->isHidden();
+    return capture && !capture->isHidden() ? capture : nullptr;
 }
 
-/// What a calendar or a rule refuses stays out, and its message has said so.
 void TabTaskViewController::takeLines(const QStringList &lines)
 {
-    LongWork work(static_cast<size_t>(lines.size()), localized(u"Adding tasks"_s));
-    const std::vector<TaskPtr> made =
-        TaskBatch::addLines(lines, captureRequest(), [&work] { return work.step(); });
+    const std::vector<TaskPtr> made = capture->takeLines(lines);
     selectRecords({made.begin(), made.end()});
 }
 

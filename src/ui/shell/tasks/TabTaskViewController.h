@@ -35,7 +35,7 @@ public:
     NewTaskRequest newTaskRequest() const override;
     std::optional<ListType> listType() const override { return description.type; }
     QString explanationOf(const TaskPtr &task) const override;
-    bool canTakeLines() const override;
+    QWidget *taskLine() const override;
     void takeLines(const QStringList &lines) override;
 
 protected:
