@@ -85,7 +85,7 @@ void ScreenToolBar::setMiddle(QWidget *wanted)
 
 void ScreenToolBar::resizeEvent(QResizeEvent *event)
 {
-    constexpr int leastMiddleWidth = 220;
+    constexpr int leastMiddleWidth = 150;
     QWidget::resizeEvent(event);
     if (!middle)
         return;
