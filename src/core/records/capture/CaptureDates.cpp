@@ -171,8 +171,17 @@ CaptureReader::Days CaptureReader::gluedRange(size_t place) const
 /// meant, at an end of the line or with a time behind them.
 bool CaptureReader::isLikelyDay(size_t behind) const
 {
-    const bool isAtEnd = behind >= words.size() && behind > 1;
-    return isAtEnd || (behind < words.size() && timesAt(behind).count > 0);
+    if (behind >= words.size())
+        return behind > 1;
+    const auto to = match(behind, {Meaning::To});
+    return timesAt(behind).count > 0 || (to && match(behind + size_t(to->count), {Meaning::Weekday}));
+}
+
+/// "in 24 hours" is no time from now on in "check in 24 hours before the flight".
+bool CaptureReader::isBeforeOrAfter(size_t place) const
+{
+    static const QStringList relations{u"before"_s, u"after"_s, u"prior"_s, u"vor"_s, u"nach"_s};
+    return place < words.size() && relations.contains(words[place].folded);
 }
 
 CaptureReader::Days CaptureReader::dayAt(size_t place, bool isSure) const
@@ -186,6 +195,8 @@ CaptureReader::Days CaptureReader::dayAt(size_t place, bool isSure) const
         return withWeekday(days, place);
     if (Days days = partOf(place); days.count > 0)
         return days;
+    if (const auto late = match(place, {WeekdayAfterNext}); late && !late->entry.isWeak)
+        return ofMatch(*late);
     if (Days days = weekdayOf(place, isSure); days.count > 0)
         return days;
     // "first Monday of the month"
@@ -195,6 +206,8 @@ CaptureReader::Days CaptureReader::dayAt(size_t place, bool isSure) const
     }
     if (const auto lead = match(place, {In})) {
         const Length length = lengthAt(place + size_t(lead->count));
+        if (length.count > 0 && isBeforeOrAfter(place + size_t(lead->count + length.count)))
+            return {};
         if (length.count > 0)
             return inMinutes(lead->count + length.count, length.minutes);
     }
@@ -213,6 +226,9 @@ CaptureReader::Days CaptureReader::dayAt(size_t place, bool isSure) const
                                       MinutesAhead, WeekdayNextWeek, WeekdayAfterNext, NextWeek, NextMonth,
                                       NextYear, Weekend, WeekNumber, EndOfMonth, EndOfYear, Someday});
     if (!phrase || (phrase->entry.isWeak && !isSure && !isLikelyDay(place + size_t(phrase->count))))
+        return {};
+    const bool isAhead = phrase->number && phrase->entry.meaning != WeekNumber;
+    if (isAhead && isBeforeOrAfter(place + size_t(phrase->count)))
         return {};
     Days days = ofMatch(*phrase);
     const size_t next = place + size_t(days.count);
@@ -308,7 +324,11 @@ CaptureReader::Days CaptureReader::weekdayOf(size_t place, bool isSure) const
     const bool isNoun = place > 0 && articles.contains(words[place - 1].folded);
     if (day->entry.isWeak && !isSure && (isNoun || !isLikelyDay(behind)))
         return {};
-    return ofMatch(*day);
+    Days days = ofMatch(*day);
+    static const QStringList present{u"this"_s, u"diesen"_s, u"dieser"_s};
+    if (present.contains(words[place].folded) || (place > 0 && present.contains(words[place - 1].folded)))
+        days.first = nextWeekday(day->entry.number, true);
+    return days;
 }
 
 /// "17.10 Uhr" behind a weekday is no date.

@@ -177,9 +177,15 @@ CaptureReader::Days CaptureReader::numericDay(size_t place, bool isSure) const
     return {};
 }
 
-/// "3/4 inch" and "24/7" are no dates.
+/// "3/4 inch", "24/7" and "chapter 12/13" are no dates.
 bool CaptureReader::isFraction(size_t place) const
 {
+    static const QStringList numbered{u"chapter"_s,  u"chapters"_s, u"page"_s,    u"pages"_s,  u"part"_s,
+                                      u"parts"_s,    u"unit"_s,     u"units"_s,   u"lesson"_s, u"lessons"_s,
+                                      u"exercise"_s, u"no."_s,      u"kapitel"_s, u"seite"_s,  u"seiten"_s,
+                                      u"teil"_s,     u"lektion"_s,  u"aufgabe"_s, u"nr."_s,    u"nummer"_s};
+    if (place > 0 && numbered.contains(words[place - 1].folded))
+        return true;
     static const QStringList fractions{u"1/2"_s, u"1/3"_s, u"2/3"_s, u"1/4"_s, u"3/4"_s};
     const QString &word = words[place].folded;
     if (word == u"24/7"_s)

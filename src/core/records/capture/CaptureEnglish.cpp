@@ -11,6 +11,11 @@ void CaptureWords::addEnglish()
     add({u"today"}, DaysAhead, 0);
     add({u"tomorrow", u"tmrw", u"tmr"}, DaysAhead, 1);
     add({u"day after tomorrow", u"the day after tomorrow", u"overmorrow"}, DaysAhead, 2);
+    add({u"good morning", u"good afternoon", u"good evening", u"good night"}, Saying);
+    add({u"mr", u"mr.", u"mrs", u"mrs.", u"ms", u"ms.", u"miss", u"dr", u"dr."}, PersonTitle);
+    add({u"within # days", u"within a day"}, DaysAhead, 1);
+    add({u"within # weeks", u"within a week"}, WeeksAhead, 1);
+    add({u"within # months", u"within a month"}, MonthsAhead, 1);
     add({u"in # days", u"in # day", u"# days from now", u"in a day"}, DaysAhead, 1);
     add({u"in # weeks", u"in # week", u"# weeks from now", u"in a week"}, WeeksAhead, 1);
     add({u"in # months", u"in # month", u"# months from now", u"in a month"}, MonthsAhead, 1);
@@ -61,6 +66,7 @@ void CaptureWords::addEnglish()
         ++day;
         add(name.toString() + u's', Entry{WeekdayEach, day});
         add(u"coming "_s + name.toString(), Entry{Weekday, day});
+        add(name.toString() + u" after next"_s, Entry{WeekdayAfterNext, day});
     }
     add({u"jan"}, Month, 1);
     add({u"feb"}, Month, 2);
@@ -97,7 +103,7 @@ void CaptureWords::addEnglish()
     add({u"every #"}, Every, 0);
     add({u"# times", u"for # times", u"#x", u"# x"}, Times);
     add({u"on", u"by", u"due", u"due on", u"due by", u"on the", u"by the", u"this", u"on this", u"starting",
-         u"starting on", u"beginning on", u"as of"},
+         u"starting on", u"beginning on", u"as of", u"until", u"till"},
         BeforeDate);
     // These stand before other words as well: "the sun", "for 5".
     add({u"the", u"for", u"for the"}, BeforeDate, 0, true);

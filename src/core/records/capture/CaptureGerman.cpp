@@ -15,6 +15,15 @@ void CaptureWords::addGerman()
     add({u"heute"}, DaysAhead, 0);
     add({u"morgen"}, DaysAhead, 1);
     add({u"übermorgen", u"uebermorgen"}, DaysAhead, 2);
+    add({u"guten morgen", u"guten abend", u"gute nacht", u"guten tag"}, Saying);
+    add({u"herr", u"herrn", u"hr.", u"frau", u"fr.", u"familie", u"dr."}, PersonTitle);
+    for (const QStringView within : {u"binnen ", u"innerhalb von ", u"innerhalb "}) {
+        add(within.toString() + u"# tagen"_s, Entry{DaysAhead, 1});
+        add(within.toString() + u"# wochen"_s, Entry{WeeksAhead, 1});
+        add(within.toString() + u"# monaten"_s, Entry{MonthsAhead, 1});
+        add(within.toString() + u"einer woche"_s, Entry{WeeksAhead, 1});
+        add(within.toString() + u"eines monats"_s, Entry{MonthsAhead, 1});
+    }
     add({u"in # tagen", u"in # tag", u"in einem tag"}, DaysAhead, 1);
     add({u"in # wochen", u"in # woche", u"in einer woche"}, WeeksAhead, 1);
     add({u"in # monaten", u"in # monat", u"in einem monat"}, MonthsAhead, 1);

@@ -80,6 +80,7 @@ bool CaptureReader::isBehind(size_t place, CapturePiece::Kind kind) const
 Capture CaptureReader::read()
 {
     for (size_t place = 0; place < words.size();) {
+        leaveSaying(place);
         const bool isUnderstood =
             (!isBarred(place) && takePlace(place)) ||
             (isFree(place) &&
@@ -101,6 +102,19 @@ void CaptureReader::note(CapturePiece::Kind kind, size_t first, size_t count)
     const int end = last.end() - (last.text.toCaseFolded() == last.folded ? 0 : std::max(0, kept));
     result.pieces.push_back({kind, words[first].from, end - words[first].from});
     std::fill_n(isTaken.begin() + std::ptrdiff_t(first), count, true);
+}
+
+/// "Good morning" is no time, and nobody meets "Mr Friday" on one.
+void CaptureReader::leaveSaying(size_t place)
+{
+    size_t count = 0;
+    if (const auto saying = match(place, {Meaning::Saying}))
+        count = size_t(saying->count);
+    else if (match(place, {Meaning::PersonTitle}) && isFree(place + 1) &&
+             words[place + 1].text.front().isUpper())
+        count = 2;
+    for (size_t word = place; word < place + count; ++word)
+        words[word].isQuoted = true;
 }
 
 // Names and marks

@@ -112,6 +112,7 @@ private:
     void giveBackTimes();
     void finish();
 
+    void leaveSaying(size_t place);
     bool takeName(size_t &place);
     bool takePriority(size_t &place);
     bool takePlace(size_t &place);
@@ -141,6 +142,7 @@ private:
     bool isLikelyDay(size_t behind) const;
     bool isTimeOfDay(size_t place) const;
     bool isFraction(size_t place) const;
+    bool isBeforeOrAfter(size_t place) const;
     OptionalDate dayOf(int year, int month, int day) const;
     OptionalDate nextDay(int month, int day) const;
     OptionalDate nextDayOfMonth(int day) const;
@@ -162,6 +164,7 @@ private:
     // Repetitions.
     Repeat repeatAt(size_t place) const;
     Repeat everyAt(size_t place) const;
+    bool isOnlyNamed(size_t place, const Repeat &repeat) const;
     Repeat onDayOfEachMonth(size_t place) const;
     Repeat onEachWeekday(size_t place) const;
     Repeat onLastDay(int count) const;

@@ -27,7 +27,7 @@ bool CaptureReader::takeRepeat(size_t &place)
     if (known.contains(CapturePiece::Kind::Repeat))
         return false;
     Repeat repeat = repeatAt(place);
-    if (repeat.count == 0)
+    if (repeat.count == 0 || isOnlyNamed(place, repeat))
         return false;
     const size_t end = readEnd(place + size_t(repeat.count), *repeat.rule);
     result.repeat = repeat.rule;
@@ -42,6 +42,18 @@ bool CaptureReader::takeRepeat(size_t &place)
         setPart(*repeat.part);
     }
     return true;
+}
+
+/// "Quarterly report every 3 months": the first word belongs to the title.
+bool CaptureReader::isOnlyNamed(size_t place, const Repeat &repeat) const
+{
+    if (place > 0 || repeat.count > 1)
+        return false;
+    for (size_t later = 1; later < words.size(); ++later) {
+        if (isFree(later) && repeatAt(later).count > 0)
+            return true;
+    }
+    return false;
 }
 
 /// "every Monday 9am until 31.12.": the end may stand behind the time.

@@ -287,7 +287,9 @@ CaptureReader::Clock CaptureReader::clockAt(size_t place, bool hasLead) const
         const int minute = hour % 12 * 60 + around->entry.number;
         const int count = around->count + (match(place + size_t(around->count), {Meaning::OClock}) ? 1 : 0);
         const int within = minute < 0 ? minute + noon : minute;
-        return {.count = count, .minute = likely(within), .spoken = within};
+        // "halb eins" and "quarter past twelve" are at noon.
+        const int at = within < 60 ? within + noon : likely(within);
+        return {.count = count, .minute = at, .spoken = within};
     }
     static const QRegularExpression pattern(
         u"^(\\d{1,2})(?:([:.h])(\\d{2}))?(am|pm|a\\.m\\.|p\\.m\\.|a|p|h|uhr)?[.!?]?$"_s);
@@ -353,6 +355,8 @@ CaptureReader::Clock CaptureReader::clockAt(size_t place, bool hasLead) const
     const bool isHalf = half.startsWith(u'a') || half.startsWith(u'p');
     if (hour > 24 || minute > 59 || (hour == 24 && minute > 0) || (isHalf && (hour < 1 || hour > 12)))
         return {};
+    // "Montag 10.30"
+    isSure = isSure || (apart == u"."_s && isBehindDay && minute > 12);
     if (!isSure && !hasLead)
         return {};
     const int said = hour * 60 + minute;
@@ -362,7 +366,10 @@ CaptureReader::Clock CaptureReader::clockAt(size_t place, bool hasLead) const
     const bool countsToTwelve =
         Region::localeIdentifier().startsWith(u"en_US"_s) || Region::localeIdentifier() == u"en"_s;
     int at = hour * 60 + minute;
-    if (isBare && countsToTwelve)
+    // Nor by "2:30", but by "02:30" and "6:30".
+    constexpr int firstHour = 6;
+    const bool isOfDay = apart == u":"_s && half.isEmpty() && !word.startsWith(u'0') && hour < firstHour;
+    if ((isBare || isOfDay) && countsToTwelve)
         at = likely(at);
     const std::optional<int> spokenMinute = isHalf || hour > 12 ? std::nullopt : std::optional(said);
     return {.count = count, .minute = at, .spoken = spokenMinute, .isBare = isBare, .isHalf = isHalf};

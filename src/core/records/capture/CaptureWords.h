@@ -73,6 +73,9 @@ public:
         WeekUnit,
         MonthUnit,
         YearUnit,
+        // What is none of these.
+        Saying,      ///< a phrase with a word in it that would be a date elsewhere
+        PersonTitle, ///< a name follows
     };
 
     struct Entry

@@ -484,6 +484,49 @@ TEST_F(CaptureLineTest, MonthEndsAndChangesOfTheClock)
             {u"nächstes Jahr", u"nächstes Jahr"}});
 }
 
+TEST_F(CaptureLineTest, LinesOfTheDaysAroundTheChangeOfTheClock)
+{
+    Region::setLocale(u"en_US"_s);
+    // A Friday.
+    expect(
+        CaptureWords({u"en"_s}), localDate(2026, 10, 23, 9, 15),
+        {
+            {u"Submit taxes by the end of October", u"Submit taxes [2026-10-31]"},
+            {u"Call mum on Sunday at 2:30am", u"Call mum [2026-10-25, 2:30]"},
+            {u"Flight Sunday 25 Oct 02:30", u"Flight [2026-10-25, 2:30]"},
+            {u"Dentist 2:30", u"Dentist [2026-10-23, 14:30]"},
+            {u"Run 6:30", u"Run [2026-10-24, 6:30]"},
+            {u"Meeting this Friday at half past ten", u"Meeting [2026-10-23, 10:30]"},
+            {u"Meeting Friday at quarter past twelve", u"Meeting [2026-10-30, 12:15]"},
+            {u"Return book the Monday after next", u"Return book [2026-11-02]"},
+            {u"Return book within 2 weeks", u"Return book [2026-11-06]"},
+            {u"Vacation until Nov 8", u"Vacation [2026-11-08]"},
+            {u"Quarterly report every 3 months on the 15th", u"Quarterly report [2026-11-15, every 3 month]"},
+            {u"Weekly review Friday 3pm", u"review [2026-10-30, 15:00, every 1 week]"},
+            {u"Check in 24 hours before the flight", u"Check in 24 hours before the flight"},
+            {u"Chapter 12/13 revision", u"Chapter 12/13 revision"},
+            {u"Say good morning to Mr Friday tomorrow", u"Say good morning to Mr Friday [2026-10-24]"},
+        });
+    Region::setLocale(u"de_DE"_s);
+    // A Friday.
+    expect(CaptureWords({u"de"_s, u"en"_s}), localDate(2027, 1, 29, 14, 30),
+           {
+               {u"Steuer bis Ende Februar", u"Steuer [2027-02-28]"},
+               {u"Rechnung am 29.2.", u"Rechnung [2028-02-29]"},
+               {u"Rechnung am 30.2.", u"Rechnung am 30.2."},
+               {u"Uhr umstellen am 28.3. um 2 Uhr", u"Uhr umstellen [2027-03-28, 2:00]"},
+               {u"Seminar Mo bis Mi", u"Seminar [2027-02-01/2027-02-03]"},
+               {u"Treffen Montag 10.30", u"Treffen [2027-02-01, 10:30]"},
+               {u"Treffen Freitag 10.12.", u"Treffen [2027-12-10]"},
+               {u"Treffen diesen Freitag um halb elf", u"Treffen [2027-01-29, 10:30]"},
+               {u"Essen um halb eins", u"Essen [2027-01-30, 12:30]"},
+               {u"Buch zurückgeben binnen 2 Wochen", u"Buch zurückgeben [2027-02-12]"},
+               {u"Anrufen in 3 Tagen nach dem Urlaub", u"Anrufen in 3 Tagen nach dem Urlaub"},
+               {u"Herrn Montag und Frau Mai anrufen", u"Herrn Montag und Frau Mai anrufen"},
+               {u"Guten Morgen sagen", u"Guten Morgen sagen"},
+           });
+}
+
 TEST_F(CaptureLineTest, OtherLanguagesHaveTheirWordsFromTheLocaleData)
 {
     const Date now = localDate(2026, 11, 21, 9, 15);
