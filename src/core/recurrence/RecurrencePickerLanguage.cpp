@@ -7,7 +7,7 @@
 static const QStringList &codes()
 {
     static const QStringList list =
-        QStringLiteral("en zh-Hans zh-Hant ko ja ru fr de uk es it pt-PT nl nb sv ms").split(u' ');
+        QStringLiteral("en zh-Hans zh-Hant ko ja ru fr de uk es it pt-PT nl nb sv ms he ar").split(u' ');
     return list;
 }
 

@@ -20,11 +20,13 @@ enum class RecurrencePickerLanguage {
     norwegian,
     swedish,
     malay,
+    hebrew,
+    arabic,
 };
 
 namespace RecurrencePickerLanguages {
 
-constexpr int count = 16;
+constexpr int count = 18;
 
 /// The code that selects a language and names its texts: "zh-Hans", "pt-PT", "nb".
 QString code(RecurrencePickerLanguage language);

@@ -132,7 +132,7 @@ TEST(RecurrenceSentence, TellsIntervalAndListsInTheOrderOfTheLanguage)
     EXPECT_EQ(sentence(u"FREQ=HOURLY"_s), QString());
 }
 
-TEST(RecurrenceSentence, SlavicCountsHaveThreeForms)
+TEST(RecurrenceSentence, CountsHaveTheFormsOfTheirLanguage)
 {
     const auto every = [](int days, Language language) {
         return sentence(u"FREQ=DAILY;INTERVAL=%1"_s.arg(days), language);
@@ -141,6 +141,10 @@ TEST(RecurrenceSentence, SlavicCountsHaveThreeForms)
     EXPECT_EQ(every(5, Language::russian), u"Повторяется каждые 5 дней"_s);
     EXPECT_EQ(every(21, Language::russian), u"Повторяется каждый 21 день"_s);
     EXPECT_EQ(every(3, Language::ukrainian), u"Повторюється кожні 3 дні"_s);
+    EXPECT_EQ(every(2, Language::hebrew), u"חוזר כל יומיים"_s);
+    EXPECT_EQ(every(2, Language::arabic), u"يتكرر كل يومين"_s);
+    EXPECT_EQ(every(5, Language::arabic), u"يتكرر كل ٥ أيام"_s);
+    EXPECT_EQ(every(21, Language::arabic), u"يتكرر كل ٢١ يومًا"_s);
 }
 
 /// Whatever a rule says, no language leaves a key, a brace or a double blank behind.
