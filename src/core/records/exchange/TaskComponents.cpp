@@ -12,6 +12,7 @@
 #include "eventkit/UtcDateTime.h"
 #include "foundation/Calendar.h"
 #include "foundation/Region.h"
+#include "records/exchange/PersonName.h"
 #include "store/queries/DBWorker.h"
 
 #include <algorithm>
@@ -105,7 +106,7 @@ void putOwnFields(IcalComponent &component, const EntityTask &task)
     TaskComponents::putCategories(component, category ? category->title() : QString(), tags);
     if (const ContactPtr person = task.delegateToUser()) {
         TaskComponents::putText(component, "CONTACT", person->fullName());
-        TaskComponents::putText(component, "X-MORVANE-PERSON", person->fullName());
+        TaskComponents::putText(component, "X-MORVANE-PERSON", personname::written(*person));
     }
     const auto putMoment = [&component](const QByteArray &name, OptionalDate moment) {
         if (moment)
