@@ -121,8 +121,11 @@ void takeProgress(ImportedTask &task, const IcalComponent &component)
     task.revised = momentOf(component, "LAST-MODIFIED");
     if (!task.revised)
         task.revised = momentOf(component, "DTSTAMP");
-    if (task.status == TaskStatus::Done)
-        task.done = momentOf(component, component.line("COMPLETED") ? "COMPLETED" : "X-MORVANE-DONE");
+    task.done = momentOf(component, component.line("COMPLETED") ? "COMPLETED" : "X-MORVANE-DONE");
+    bool hasPlace = false;
+    const int place = component.value("X-MORVANE-POSITION").trimmed().toInt(&hasPlace);
+    if (hasPlace)
+        task.placeInInbox = place;
 }
 
 /// A task of days: the first and the last of them.

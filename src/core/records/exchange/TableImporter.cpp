@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -341,42 +342,48 @@ void TableImporter::addSeries(std::vector<Line> lines)
     }
     for (const auto &[day, line] : rows)
         beside.push_back(line);
+    std::set<const Line *> alone;
     for (const Line *line : beside) {
         if (task.excluded.empty()) {
-            ImportedTask alone = line->content.task;
-            alone.rule.clear();
-            records.add(uidOf(*line), alone);
+            alone.insert(line);
             continue;
         }
         task.edits.push_back({task.excluded.back(), line->content.task});
         task.excluded.pop_back();
+    }
+    for (const Line *line : alone) {
+        ImportedTask single = line->content.task;
+        single.rule.clear();
+        records.add(uidOf(*line), single);
     }
     const int addedBefore = records.account.added;
     const TaskPtr anchor = records.add(uidOf(whole), task);
     if (!anchor)
         return;
     records.transaction.settle();
-    takeTags(anchor, lines);
-    records.account.added = addedBefore + int(lines.size() - beside.size());
+    std::erase_if(lines, [&alone](const Line &line) { return alone.contains(&line); });
+    const int found = takeTags(anchor, lines);
+    records.account.added = addedBefore + found;
+    // Without calendars, and outside of the time that they are looked at, a series is one row.
+    if (found < int(lines.size()) && !records.account.partial.contains(task.title))
+        records.account.partial.append(task.title);
 }
 
-/// Each occurrence has tags of its own, of which no calendar knows.
-void TableImporter::takeTags(const TaskPtr &anchor, const std::vector<Line> &lines)
+/// Each occurrence has tags of its own, of which no calendar knows. How many of them there are.
+int TableImporter::takeTags(const TaskPtr &anchor, const std::vector<Line> &lines)
 {
     const Calendar calendar = Calendar::current();
     const std::map<int, TaskPtr> rows = rowsByDay(anchor);
-    bool isLeftOut = false;
+    int found = 0;
     for (const Line &line : lines) {
         const auto row = rows.find(calendar.dayNumber(*baseOf(line.content.task)));
-        isLeftOut = isLeftOut || row == rows.end();
         if (row == rows.end())
             continue;
+        ++found;
         MVTask copy(row->second);
         importfields::fillCategoryAndTags(copy, line.content.task);
-        if (row->second->tags().size() != copy.tags.size() || !copy.tags.empty())
+        if (!copy.tags.empty() || !row->second->tags().empty())
             row->second->setTags(copy.tags);
     }
-    const QString &title = lines.front().content.task.title;
-    if (isLeftOut && !records.account.partial.contains(title))
-        records.account.partial.append(title);
+    return found;
 }

@@ -41,7 +41,7 @@ private:
     void compareSeries(const TaskPtr &anchor, const std::vector<Line> &lines);
     void addSeries(std::vector<Line> lines);
     TaskPtr rowOfSeries(const QString &series, const std::vector<Line> &lines) const;
-    void takeTags(const TaskPtr &anchor, const std::vector<Line> &lines);
+    static int takeTags(const TaskPtr &anchor, const std::vector<Line> &lines);
 
     RecordImporter &records;
     const RecordTable &table;

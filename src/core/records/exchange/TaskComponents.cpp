@@ -122,6 +122,8 @@ void putOwnFields(IcalComponent &component, const EntityTask &task)
         component.setValue("X-MORVANE-TYPE", "EMAIL-CALL");
     if (task.dueSomeDay().value_or(false))
         component.setValue("X-MORVANE-SOMEDAY", "TRUE");
+    if (task.position())
+        component.setValue("X-MORVANE-POSITION", QByteArray::number(*task.position()));
 }
 
 IcalComponent componentOfRow(const EntityTask &task, const QString &uid, bool isRepeated)
@@ -374,4 +376,7 @@ void TaskComponents::putProgress(IcalComponent &component, std::optional<TaskSta
             component.setValue("PERCENT-COMPLETE", "100");
         break;
     }
+    // It was done once, and is open again.
+    if (done && status.value_or(TaskStatus::Open) != TaskStatus::Done)
+        component.setValue("X-MORVANE-DONE", UtcDateTime::string(*done).toLatin1());
 }

@@ -186,11 +186,11 @@ QStringList TaskImportAccount::sentences() const
     tell(changed, u"%1 were there and now say what the file says: %2."_s);
     tell(newerHere, u"%1 say something else here, and stay as they are: %2."_s);
     tell(partial, u"Of %1, not everything could be taken over: %2."_s);
-    tell(unread, u"%1 words are no date or number and stand in notes: %2."_s);
     const auto list = [&](const QStringList &names, const QString &sentence) {
         if (!names.isEmpty())
             all.append(localized(sentence).arg(someTitles(names)));
     };
+    list(unread, u"What is no date or number stands in notes: %1."_s);
     list(unknownColumns, u"Columns that mean nothing here were left out: %1."_s);
     list(otherCalendars, u"Calendars that are not here; what was in them goes to the usual one: %1."_s);
     list(missingTasks, u"Tasks of projects that are in no table that was imported: %1."_s);
