@@ -7,6 +7,9 @@
 #include "foundation/Localization.h"
 #include "records/dates/MVDate.h"
 #include "records/people/ContactLabels.h"
+#include "records/people/ContactTable.h"
+#include "store/entities/EntityContactGroup.h"
+#include "store/entities/EntityProject.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
@@ -292,6 +295,43 @@ void ContactImport::addDetails(const std::shared_ptr<Owner> &owner, const CNCont
     }
 }
 
+/// A private group of which people are members, made if there is none.
+static std::shared_ptr<EntityContactGroup> groupOfPeople(const QString &title)
+{
+    if (auto known = mainContext().fetchFirst<EntityContactGroup>(EntityContactGroup::fetchRequest().where(
+            Predicate::format("title = %@ and useGeneralFilter = false", title))))
+        return known;
+    const auto group = mainContext().insert<EntityContactGroup>();
+    group->setTitle(title);
+    group->setUseGeneralFilter(false);
+    return group;
+}
+
+/// A list that is restricted to companies. What else it asks for is not known here, so that none is made.
+static std::shared_ptr<EntityContactGroup> listOfCompanies(const QString &title)
+{
+    return mainContext().fetchFirst<EntityContactGroup>(
+        EntityContactGroup::fetchRequest().where(Predicate::format("title = %@", title)));
+}
+
+/// The groups and projects that a table names.
+static void addLinks(const ContactPtr &person, const CNContact &contact)
+{
+    for (const auto &[kind, word] : contact.otherWords) {
+        if (kind == ContactTable::groups) {
+            groupOfPeople(word)->addRelated("contacts", person);
+        } else if (kind == ContactTable::projects) {
+            ProjectPtr project = mainContext().fetchFirst<EntityProject>(
+                EntityProject::fetchRequest().where(Predicate::format("title = %@", word)));
+            if (!project) {
+                project = mainContext().insert<EntityProject>();
+                project->setTitle(word);
+            }
+            project->addRelated("delegateToUser", person);
+        }
+    }
+}
+
 /// Several can come in a millisecond; each then takes the next one that is free.
 QString ContactImport::freePhotoName()
 {
@@ -339,9 +379,15 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
         keep(u"Birthday"_s, contact.unreadBirthday, account.unreadBirthdays);
     if (!hasCategory && !contact.jobTitle.isEmpty())
         keep(u"Job Title"_s, oneLine(contact.jobTitle), account.otherJobTitles);
-    for (const auto &[kind, text] : contact.otherWords)
-        words.append(localized(kind) + u": "_s + text);
-    if (!contact.otherWords.empty())
+    const auto isLink = [&contact](const auto &one) {
+        if (one.label == ContactTable::groups)
+            return contact.hasName() || listOfCompanies(one.value);
+        return one.label == ContactTable::projects && contact.hasName();
+    };
+    for (const auto &one : contact.otherWords)
+        if (!isLink(one))
+            words.append(localized(one.label) + u": "_s + one.value);
+    if (!std::ranges::all_of(contact.otherWords, isLink))
         account.withOtherWords.append(name);
     if (!contact.note.isEmpty())
         words.append(contact.note);
@@ -389,6 +435,7 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
         note->setContact(row);
     }
     addDetails(row, contact);
+    addLinks(row, contact);
     addPicture(row, row->fullName(), contact);
     ++account.added;
     return row;
@@ -407,6 +454,9 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
     const CompanyPtr company = companyNamed(title);
     company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
     addDetails(company, contact);
+    for (const auto &[kind, word] : contact.otherWords)
+        if (const auto list = kind == ContactTable::groups ? listOfCompanies(word) : nullptr)
+            list->addRelated("companies", company);
     addPicture(company, title, contact);
     ++account.addedCompanies;
     return company;

@@ -4,7 +4,6 @@
 #include "ExchangeTest.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "foundation/Csv.h"
-#include "foundation/Localization.h"
 #include "foundation/Region.h"
 #include "records/copies/TaskColumns.h"
 #include "records/dates/MTDates.h"
@@ -388,27 +387,46 @@ TEST_F(TableImportTest, ASeriesComesBackWithWhatIsLeftOutAndWhatWasEdited)
     EXPECT_EQ(lines(), former);
 }
 
-TEST_F(TableImportTest, TheUsersLanguageAndEnglishAreBothUnderstood)
+TEST_F(TableImportTest, ComesBackInEveryLanguageAndEnglishIsUnderstoodInAll)
 {
     deny();
-    const QTemporaryDir words;
-    QFile table(words.filePath(u"en.json"_qs));
-    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
-    table.write(
-        R"({"Title": "Titel", "Due": "Fällig", "Status": "Stand", "Done": "Erledigt", "Notes": "Notizen",
-        "High": "Hoch", "Priority": "Priorität", "Yes": "Ja", "Someday": "Irgendwann", "Work": "Arbeit",
-        "Category": "Kategorie", "Appointment": "Termin", "Type": "Typ"})");
-    table.close();
-    LocalizationTable::loadDirectory(words.path());
-    const QByteArray text = exported(ExportFormat::Csv, assorted());
-    EXPECT_THAT(text.toStdString(), AllOf(HasSubstr("Titel,Typ,"), HasSubstr(",Arbeit,")));
-    const QStringList former = values<EntityTask>();
-    clear();
-    EXPECT_EQ(import(text).added, 7);
-    EXPECT_EQ(values<EntityTask>(), former);
-    LocalizationTable::unloadDirectory(words.path());
-    EXPECT_EQ(import("Priority;Fällig;Title\nHigh;x;Mixed\n").added, 1);
-    EXPECT_EQ(row(u"Mixed"_qs)->priority(), Priority::High);
+    const QString locale = Region::localeIdentifier();
+    const std::vector<TaskPtr> tasks = assorted();
+    const auto house = make<EntityProject>(u"Roof"_qs);
+    house->setStatus(TaskStatus::InProgress);
+    house->setPriority(Priority::Low);
+    house->setDueDate(localDate(2026, 12, 24, 23, 59, 59));
+    house->setCategory(EntityCategory::title(u"Sport"_qs));
+    house->setCreationDate(utcDate(2026, 10, 1, 8));
+    house->setDelegateToUser({tasks[0]->delegateToUser()});
+    const auto note = make<EntityNote>(u"Colours"_qs);
+    note->setCreationDate(utcDate(2026, 10, 2, 8));
+    note->setContact(tasks[1]->delegateToUser());
+    ASSERT_FALSE(DBWorker::saveContext());
+    const QByteArray english = exported(ExportFormat::Csv, tasks);
+    const QStringList formerTasks = values<EntityTask>();
+    const QString formerProject = valuesOf(*house);
+    const QStringList formerNotes = values<EntityNote>();
+    for (const QString &language :
+         {u"de_DE"_qs, u"ar_EG"_qs, u"es_ES"_qs, u"fr_FR"_qs, u"he_IL"_qs, u"it_IT"_qs, u"ja_JP"_qs,
+          u"ko_KR"_qs, u"ms_MY"_qs, u"nb_NO"_qs, u"nl_NL"_qs, u"pt_PT"_qs, u"ru_RU"_qs, u"sv_SE"_qs,
+          u"uk_UA"_qs, u"zh_CN"_qs, u"zh_TW"_qs}) {
+        SCOPED_TRACE(qPrintable(language));
+        Region::setLocale(language);
+        const std::vector<QByteArray> tables = {exported(ExportFormat::Csv, all<EntityTask>()),
+                                                exported(ExportFormat::Csv, all<EntityProject>()),
+                                                exported(ExportFormat::Csv, all<EntityNote>())};
+        EXPECT_NE(tables[0].left(tables[0].indexOf('\n')), english.left(english.indexOf('\n')));
+        EXPECT_EQ(import(english).same, 7);
+        clear();
+        const TaskImportAccount account = import(tables);
+        EXPECT_EQ(account.added, 11);
+        EXPECT_EQ(account.sentences().size(), 1) << said(account);
+        EXPECT_EQ(values<EntityTask>(), formerTasks);
+        EXPECT_THAT(values<EntityProject>(), testing::Contains(formerProject));
+        EXPECT_EQ(values<EntityNote>(), formerNotes);
+    }
+    Region::setLocale(locale);
 }
 
 TEST_F(TableImportTest, ReadsTablesOfSpreadsheets)
