@@ -2,6 +2,7 @@
 // as they can be understood.
 
 #include "ExchangeTest.h"
+#include "calendarsync/CalendarOutbox.h"
 #include "calendarsync/RecordsTransaction.h"
 #include "foundation/Csv.h"
 #include "foundation/Region.h"
@@ -575,6 +576,28 @@ TEST_F(TableImportTest, ThousandsComeInPartsAndAreOneStep)
     EXPECT_THAT(rows(), SizeIs(1'200));
     ASSERT_FALSE(context().undo());
     EXPECT_THAT(rows(), IsEmpty()) << "its parts are one step";
+}
+
+TEST_F(TableImportTest, PartsReachTheCalendarsAndAreTakenBackFromThem)
+{
+    QByteArray text = "Title,Due,Calendar\n";
+    for (int number = 0; number < 510; ++number)
+        text += "Task " + QByteArray::number(number) + ",2026-11-24T10:00:00Z," +
+                (number % 2 == 0 ? "Work" : "Gone") + "\n";
+    const TaskImportAccount account = import(text);
+    EXPECT_EQ(account.added, 510);
+    EXPECT_THAT(account.otherCalendars, ElementsAre(u"Gone"_qs));
+    // So many are carried out while the program goes on.
+    CalendarOutbox::carryOutFor(context(), Seconds(20));
+    EXPECT_EQ(files(u"Work"_qs).size(), 255);
+    EXPECT_EQ(eventsElsewhere().size(), 510u);
+    EXPECT_EQ(import(text).same, 510);
+    pass();
+    EXPECT_EQ(rows().size(), 510u);
+    ASSERT_FALSE(context().undo());
+    CalendarOutbox::carryOutFor(context(), Seconds(20));
+    EXPECT_TRUE(rows().empty());
+    EXPECT_TRUE(eventsElsewhere().empty());
 }
 
 } // namespace
