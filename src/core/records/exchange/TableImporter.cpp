@@ -50,6 +50,56 @@ bool isLikeSeries(const ImportedTask &row, const ImportedTask &given)
            isSameMoment(row.due, given.due);
 }
 
+/// The days that the rule of a task gives from its first one to a last one, without the first.
+std::vector<Date> daysOf(const ImportedTask &task, Date last)
+{
+    const Calendar calendar = Calendar::current();
+    auto rule = EKRecurrenceRule::recurrenceRuleFromString(task.rule);
+    if (task.ruleEnd)
+        rule->setRecurrenceEnd(EKRecurrenceEnd::recurrenceEndWithEndDate(*task.ruleEnd));
+    const Date start = *baseOf(task);
+    std::vector<Date> days;
+    for (const RecurrenceInstance &instance :
+         RecurrenceExpander(rule->pattern(), start, calendar)
+             .instances({.from = start, .to = calendar.startOfNextDay(last)}))
+        if (!calendar.isSameDay(instance.date, start))
+            days.push_back(instance.date);
+    return days;
+}
+
+/// Adds the other rows of a series to its first one, in the order of their dates. A day of the rule that has
+/// no row is left out; a row on another day stands for one of those. What is left over stands alone.
+std::vector<const ImportedTask *> joinOccurrences(ImportedTask &task,
+                                                  const std::vector<const ImportedTask *> &others)
+{
+    const Calendar calendar = Calendar::current();
+    std::map<int, const ImportedTask *> rows;
+    std::vector<const ImportedTask *> beside;
+    for (const ImportedTask *other : others) {
+        const bool isOfFirstDay = calendar.isSameDay(*baseOf(*other), *baseOf(task));
+        if (isOfFirstDay || !rows.emplace(calendar.dayNumber(*baseOf(*other)), other).second)
+            beside.push_back(other);
+    }
+    for (const Date date : daysOf(task, others.empty() ? *baseOf(task) : *baseOf(*others.back()))) {
+        const auto row = rows.find(calendar.dayNumber(date));
+        if (row == rows.end()) {
+            task.excluded.push_back(date);
+            continue;
+        }
+        if (!isLikeSeries(*row->second, task.movedTo(date)))
+            task.edits.push_back({date, *row->second});
+        rows.erase(row);
+    }
+    for (const auto &[day, row] : rows)
+        beside.push_back(row);
+    while (!beside.empty() && !task.excluded.empty()) {
+        task.edits.push_back({task.excluded.back(), *beside.back()});
+        task.excluded.pop_back();
+        beside.pop_back();
+    }
+    return beside;
+}
+
 /// The rows of the series of a task, itself among them, by the days on which they stand.
 std::map<int, TaskPtr> rowsByDay(const TaskPtr &task)
 {
@@ -291,17 +341,14 @@ void TableImporter::compareSeries(const TaskPtr &anchor, const std::vector<Line>
     }
 }
 
-/// The first row with the rule stands for the series. A day of the rule that has no row is left out; a row on
-/// another day stands for one of those.
+/// The first row with the rule stands for the series.
 void TableImporter::addSeries(std::vector<Line> lines)
 {
-    const Calendar calendar = Calendar::current();
-    std::erase_if(lines, [this](const Line &line) {
-        const bool isAlone = !baseOf(line.content.task);
-        if (isAlone)
+    const auto standsAlone = [](const Line &line) { return !baseOf(line.content.task); };
+    for (const Line &line : lines)
+        if (standsAlone(line))
             takeTask(line);
-        return isAlone;
-    });
+    std::erase_if(lines, standsAlone);
     std::ranges::sort(lines, {},
                       [](const Line &line) { return baseOf(line.content.task)->referenceSeconds(); });
     const auto first =
@@ -311,57 +358,27 @@ void TableImporter::addSeries(std::vector<Line> lines)
             takeTask(line);
         return;
     }
-    const Line whole = *first;
-    ImportedTask task = whole.content.task;
-    const Date start = *baseOf(task);
-    const Date last = *baseOf(lines.back().content.task);
-    auto rule = EKRecurrenceRule::recurrenceRuleFromString(task.rule);
-    if (task.ruleEnd)
-        rule->setRecurrenceEnd(EKRecurrenceEnd::recurrenceEndWithEndDate(*task.ruleEnd));
-    std::map<int, const Line *> rows;
-    std::vector<const Line *> beside;
+    ImportedTask task = first->content.task;
+    std::vector<const ImportedTask *> others;
     for (const Line &line : lines)
-        if (&line != &*first && !rows.emplace(calendar.dayNumber(*baseOf(line.content.task)), &line).second)
-            beside.push_back(&line);
-    rows.erase(calendar.dayNumber(start));
-    for (const RecurrenceInstance &instance :
-         RecurrenceExpander(rule->pattern(), start, calendar)
-             .instances({.from = start, .to = calendar.startOfNextDay(last)})) {
-        const int day = calendar.dayNumber(instance.date);
-        const auto row = rows.find(day);
-        if (day == calendar.dayNumber(start))
-            continue;
-        if (row == rows.end()) {
-            task.excluded.push_back(instance.date);
-            continue;
-        }
-        const ImportedTask &said = row->second->content.task;
-        if (!isLikeSeries(said, task.movedTo(instance.date)))
-            task.edits.push_back({instance.date, said});
-        rows.erase(row);
-    }
-    for (const auto &[day, line] : rows)
-        beside.push_back(line);
-    std::set<const Line *> alone;
-    for (const Line *line : beside) {
-        if (task.excluded.empty()) {
-            alone.insert(line);
-            continue;
-        }
-        task.edits.push_back({task.excluded.back(), line->content.task});
-        task.excluded.pop_back();
-    }
-    for (const Line *line : alone) {
-        ImportedTask single = line->content.task;
+        if (&line != &*first)
+            others.push_back(&line.content.task);
+    const auto beside = joinOccurrences(task, others);
+    const auto isBeside = [&beside](const Line &line) {
+        return std::ranges::count(beside, &line.content.task) > 0;
+    };
+    for (const Line &line : lines) {
+        ImportedTask single = line.content.task;
         single.rule.clear();
-        records.add(uidOf(*line), single);
+        if (isBeside(line))
+            records.add(uidOf(line), single);
     }
     const int addedBefore = records.account.added;
-    const TaskPtr anchor = records.add(uidOf(whole), task);
+    const TaskPtr anchor = records.add(uidOf(*first), task);
     if (!anchor)
         return;
     records.transaction.settle();
-    std::erase_if(lines, [&alone](const Line &line) { return alone.contains(&line); });
+    std::erase_if(lines, isBeside);
     const int found = takeTags(anchor, lines);
     records.account.added = addedBefore + found;
     // Without calendars, and outside of the time that they are looked at, a series is one row.

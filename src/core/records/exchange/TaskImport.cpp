@@ -106,65 +106,99 @@ std::size_t TaskImport::count() const
     return all;
 }
 
-TaskImportAccount TaskImport::import(const StepBlock &step)
+namespace {
+
+/// Counts the records of an import and writes them in parts.
+class ImportParts
 {
-    // To write so many is hardly felt.
-    constexpr int recordsOfPart = 500;
-    RecordsTransaction transaction(u"Import Tasks"_s, ChangeAuthor::Import);
-    RecordImporter importer(transaction);
-    TaskImportAccount &account = importer.account;
-    account.refused = problems;
-    // The calendars are read once for the tasks of a part.
-    const auto hold = [] {
-        return CalendarEvent::hasAccesToCalendar() ? CalendarEvent::eventStore().holdContents() : nullptr;
-    };
-    auto held = hold();
-    int waiting = 0;
-    const auto goesOn = [&] {
+public:
+    ImportParts(RecordsTransaction &openTransaction, TaskImportAccount &importAccount,
+                const StepBlock &stepBlock)
+        : transaction(openTransaction)
+        , account(importAccount)
+        , step(stepBlock)
+    {
+        hold();
+    }
+
+    /// After each record. False once no more are wanted.
+    bool next()
+    {
+        // To write so many is hardly felt.
+        constexpr int recordsOfPart = 500;
         if (++waiting == recordsOfPart) {
             waiting = 0;
             transaction.settle();
             held.reset();
             account.isSaved = DBWorker::tellOfFailure(transaction.commitPart());
-            held = hold();
+            hold();
         }
         account.wasStopped = account.isSaved && step && !step();
-        return account.isSaved && !account.wasStopped;
-    };
+        return goesOn();
+    }
+    bool goesOn() const { return account.isSaved && !account.wasStopped; }
+    void finish()
+    {
+        held.reset();
+        if (account.isSaved)
+            account.isSaved = DBWorker::tellOfFailure(transaction.commit());
+    }
+
+private:
+    /// The calendars are read once for the records of a part.
+    void hold()
+    {
+        if (CalendarEvent::hasAccesToCalendar())
+            held = CalendarEvent::eventStore().holdContents();
+    }
+
+    RecordsTransaction &transaction;
+    TaskImportAccount &account;
+    const StepBlock &step;
+    std::shared_ptr<void> held;
+    int waiting = 0;
+};
+
+bool isProject(const CalendarFile::Object &object)
+{
+    const auto children = object.calendar.children();
+    return !children.empty() && children.back()->line("X-MORVANE-KIND");
+}
+
+} // namespace
+
+TaskImportAccount TaskImport::import(const StepBlock &step)
+{
+    RecordsTransaction transaction(u"Import Tasks"_s, ChangeAuthor::Import);
+    RecordImporter importer(transaction);
+    TaskImportAccount &account = importer.account;
+    account.refused = problems;
+    ImportParts parts(transaction, account, step);
     std::vector<std::unique_ptr<TableImporter>> tables;
-    const auto takeCalendar = [&](const File &file, bool areProjects) {
+    const auto take = [&](const File &file, bool areProjects) {
         for (const CalendarFile::Object &object : file.content.objects()) {
-            const auto children = object.calendar.children();
-            const bool isProject = !children.empty() && children.back()->line("X-MORVANE-KIND");
-            if (isProject != areProjects)
+            if (isProject(object) != areProjects)
                 continue;
             importer.take(object);
-            if (!goesOn())
-                return false;
+            if (!parts.next())
+                return;
         }
-        return true;
-    };
-    const auto takeTable = [&](const File &file, bool areProjects) {
         if ((file.table.kind() == RecordTable::Kind::Projects) != areProjects || file.table.rows().empty())
-            return true;
+            return;
+        account.unknownColumns.append(file.table.unknownTitles());
         tables.push_back(std::make_unique<TableImporter>(importer, file.table));
         for (const RecordTable::Row &row : file.table.rows()) {
             tables.back()->take(row);
-            if (!goesOn())
-                return false;
+            if (!parts.next())
+                return;
         }
-        account.unknownColumns.append(file.table.unknownTitles());
-        return true;
     };
     // Tasks name their projects.
     for (const bool areProjects : {true, false})
         for (const File &file : files)
-            if (account.isSaved && !account.wasStopped && takeCalendar(file, areProjects))
-                takeTable(file, areProjects);
-    if (account.isSaved) {
-        held.reset();
-        account.isSaved = DBWorker::tellOfFailure(transaction.commit());
-    }
+            if (parts.goesOn())
+                take(file, areProjects);
+    parts.finish();
     for (const auto &table : tables)
         table->finish();
     return account;

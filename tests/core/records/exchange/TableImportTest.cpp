@@ -388,6 +388,32 @@ TEST_F(TableImportTest, ASeriesComesBackWithWhatIsLeftOutAndWhatWasEdited)
     EXPECT_EQ(lines(), former);
 }
 
+TEST_F(TableImportTest, AnOccurrenceOnAnotherDayStandsForTheOneThatIsMissing)
+{
+    QByteArray text = "Title,Type,Start,Due,Repeat,End Repeat,Series,Tags\n";
+    for (const QByteArray day : {"27", "23", "24", "25"})
+        text += "Run,Appointment,2026-11-" + day + "T07:00:00+01:00,2026-11-" + day +
+                "T08:00:00+01:00,RRULE:FREQ=DAILY,2026-11-27,s,\"day " + day + "\nrun\"\n";
+    text += "Run late,Appointment,2026-11-28T07:00:00+01:00,2026-11-28T08:00:00+01:00,,,s,\n"
+            "Rest,Appointment,2026-11-29T07:00:00+01:00,2026-11-29T08:00:00+01:00,,,s,\n";
+    EXPECT_EQ(said(import(text)), "6 entries were imported.");
+    QStringList shownRows;
+    for (const TaskPtr &row : rows())
+        shownRows << wallClock(*row->startDate()).mid(8, 2) + u' ' + row->title() + u' ' + shown(row->tags());
+    shownRows.sort();
+    EXPECT_THAT(shownRows,
+                ElementsAre(u"23 Run day 23; run"_qs, u"24 Run day 24; run"_qs, u"25 Run day 25; run"_qs,
+                            u"27 Run day 27; run"_qs, u"28 Run late "_qs, u"29 Rest "_qs));
+    EXPECT_THAT(eventsElsewhere(), SizeIs(6));
+    ASSERT_FALSE(context().undo());
+    EXPECT_THAT(rows(), IsEmpty());
+    // Without calendars there is the first row until they are back, and the user is told.
+    deny();
+    const TaskImportAccount account = import(text);
+    EXPECT_EQ(account.added, 2);
+    EXPECT_THAT(account.partial, ElementsAre(u"Run"_qs));
+}
+
 TEST_F(TableImportTest, ComesBackInEveryLanguageAndEnglishIsUnderstoodInAll)
 {
     deny();
