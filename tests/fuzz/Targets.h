@@ -37,6 +37,9 @@ QString contradictionInDraft(const QByteArray &bytes);
 /// Reads vCards, and writes what was understood of each in both versions. It is read again the same.
 QString contradictionInContacts(const QByteArray &bytes);
 
+/// Reads a table of tasks, projects or notes, and writes its cells. They are read again the same.
+QString contradictionInTable(const QByteArray &bytes);
+
 struct FuzzTarget
 {
     /// Also that of its folder in the corpus.
@@ -44,11 +47,12 @@ struct FuzzTarget
     QString (*contradictionIn)(const QByteArray &bytes);
 };
 
-inline constexpr std::array<FuzzTarget, 8> fuzzTargets = {{{"recurrence", contradictionInRecurrence},
+inline constexpr std::array<FuzzTarget, 9> fuzzTargets = {{{"recurrence", contradictionInRecurrence},
                                                            {"calendar", contradictionInCalendar},
                                                            {"settings", contradictionInSettings},
                                                            {"predicate", contradictionInPredicate},
                                                            {"journal", contradictionInJournal},
                                                            {"notifications", contradictionInNotifications},
                                                            {"draft", contradictionInDraft},
-                                                           {"contacts", contradictionInContacts}}};
+                                                           {"contacts", contradictionInContacts},
+                                                           {"table", contradictionInTable}}};

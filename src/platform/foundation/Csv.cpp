@@ -180,6 +180,7 @@ std::optional<CsvReader::Record> CsvReader::next()
         isAtBegin = isSeparator;
     }
     record.fields.append(decoded(field));
+    record.isWhole = !isInside;
     if (!record.isBearable)
         record.fields.clear();
     return record;

@@ -41,6 +41,8 @@ public:
         qint64 line = 0;
         /// False for a record that is longer than any is; its fields are left out.
         bool isBearable = true;
+        /// False where the text ends inside of quotes, so that something is missing.
+        bool isWhole = true;
     };
     /// A record of more bytes is not read.
     static constexpr qsizetype mostBytes = 16 * 1024 * 1024;

@@ -265,10 +265,11 @@ bool turnBackAndForth(sqlite::Database &database, const ManagedObjectModel &mode
     if (!std::ranges::all_of(rows, &WrittenRow::turnBack))
         return false;
     // A row that goes may have the number of one that comes.
-    const auto coming = std::ranges::partition(rows, [](const WrittenRow &one) { return one.isGone(); });
+    const auto coming =
+        std::partition(rows.begin(), rows.end(), [](const WrittenRow &one) { return one.isGone(); });
     sqlite3session_enable(&session, 1);
-    return std::ranges::all_of(rows.begin(), coming.begin(), &WrittenRow::turnForth) &&
-           std::ranges::all_of(coming, &WrittenRow::turnForth);
+    return std::ranges::all_of(rows.begin(), coming, &WrittenRow::turnForth) &&
+           std::ranges::all_of(coming, rows.end(), &WrittenRow::turnForth);
 }
 
 } // namespace

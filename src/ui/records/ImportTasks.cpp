@@ -2,6 +2,7 @@
 
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "records/exchange/RecordTable.h"
 #include "records/exchange/TaskImport.h"
 #include "widgets/LongWork.h"
 
@@ -14,21 +15,31 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-static bool isCalendarFile(const QString &path)
+static bool hasSuffix(const QString &path, const QStringList &suffixes)
 {
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    return suffix == u"ics" || suffix == u"ical";
+    return suffixes.contains(QFileInfo(path).suffix().toLower());
 }
 
-void ImportTasks::run(QWidget &window)
+/// A file of vCards, or a table of people.
+static bool isOfPeople(const QString &path)
+{
+    if (!hasSuffix(path, {u"csv"_s}) || !QFileInfo(path).isFile())
+        return hasSuffix(path, {u"vcf"_s});
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && RecordTable::kindOf(file) == RecordTable::Kind::People;
+}
+
+void ImportTasks::run(QWidget &window, const FilesOpener &openPeople)
 {
     auto *dialog = new QFileDialog(&window, localized(u"Import"_s),
                                    QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setNameFilters(
-        {localized(u"Calendar files"_s) + u" (*.ics *.ICS *.ical)"_s, localized(u"All files"_s) + u" (*)"_s});
-    QObject::connect(dialog, &QFileDialog::filesSelected, dialog, &ImportTasks::openFiles);
+        {localized(u"Calendar files and tables"_s) + u" (*.ics *.ICS *.ical *.csv *.CSV)"_s,
+         localized(u"All files"_s) + u" (*)"_s});
+    QObject::connect(dialog, &QFileDialog::filesSelected, dialog,
+                     [openPeople](const QStringList &paths) { openFiles(paths, openPeople); });
     dialog->open();
 }
 
@@ -45,12 +56,20 @@ static void addPath(TaskImport &import, const QString &path)
         import.addFile(file, name);
 }
 
-void ImportTasks::openFiles(const QStringList &paths)
+void ImportTasks::openFiles(const QStringList &paths, const FilesOpener &openPeople)
 {
+    QStringList people;
+    QStringList others;
+    for (const QString &path : paths)
+        (isOfPeople(path) ? people : others).append(path);
+    if (!people.isEmpty())
+        openPeople(people);
+    if (others.isEmpty())
+        return;
     TaskImportAccount account;
     {
         TaskImport import;
-        for (const QString &path : paths)
+        for (const QString &path : others)
             addPath(import, path);
         LongWork work(import.count(), localized(u"Importing the tasks"_s));
         account = import.import([&work] { return work.step(); });
@@ -66,7 +85,7 @@ QStringList ImportTasks::filesIn(const QMimeData &data)
 {
     QStringList paths;
     for (const QUrl &url : data.urls())
-        if (url.isLocalFile() && isCalendarFile(url.toLocalFile()))
+        if (url.isLocalFile() && hasSuffix(url.toLocalFile(), {u"ics"_s, u"ical"_s, u"csv"_s, u"vcf"_s}))
             paths.append(url.toLocalFile());
     return paths;
 }

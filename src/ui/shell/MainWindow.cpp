@@ -68,7 +68,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     event->acceptProposedAction();
-    Q_EMIT calendarFilesDropped(ImportTasks::filesIn(*event->mimeData()));
+    Q_EMIT filesDropped(ImportTasks::filesIn(*event->mimeData()));
 }
 
 QWidget *MainWindow::makeSidebar()

@@ -33,8 +33,8 @@ Q_SIGNALS:
     void didBecomeKey();
     /// It became large or small, or filled the screen, by whomever.
     void stateChanged();
-    /// iCalendar files were dropped anywhere in the window.
-    void calendarFilesDropped(const QStringList &paths);
+    /// Files that can be imported were dropped anywhere in the window.
+    void filesDropped(const QStringList &paths);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -16,6 +16,7 @@
 #include "shell/WindowCommands.h"
 #include "shell/calendars/CalendarViewController.h"
 #include "shell/calendars/GoToDateWindowController.h"
+#include "shell/contactimport/ImportContactWindowController.h"
 #include "shell/help/AboutWindowController.h"
 #include "shell/help/HelpPages.h"
 #include "shell/help/HelpWindow.h"
@@ -100,11 +101,15 @@ void MainWindowController::bindActions()
     actions->bind(
         ActionId::Copy, [this] { copy(); },
         [this] { return TextCommands::canCopy() || (screen && screen->hasSelectedText()); });
-    actions->bind(ActionId::Import, [this] { ImportTasks::run(*mainWindow); });
+    const auto openPeople = [this](const QStringList &paths) {
+        ImportContactWindowController::openFiles(mainWindow.get(), paths);
+    };
+    actions->bind(ActionId::Import, [this, openPeople] { ImportTasks::run(*mainWindow, openPeople); });
     // The drag ends first: what comes of the files may ask the user something.
     connect(
-        mainWindow.get(), &MainWindow::calendarFilesDropped, this,
-        [](const QStringList &paths) { ImportTasks::openFiles(paths); }, Qt::QueuedConnection);
+        mainWindow.get(), &MainWindow::filesDropped, this,
+        [openPeople](const QStringList &paths) { ImportTasks::openFiles(paths, openPeople); },
+        Qt::QueuedConnection);
     actions->bind(
         ActionId::Export, [this] { exportRecords(); }, [this] { return screen && screen->canExport(); });
     actions->bind(

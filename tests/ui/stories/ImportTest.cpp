@@ -251,6 +251,38 @@ TEST_F(ImportTest, CalendarFilesThatAreDroppedOrChosenBecomeTasks)
     EXPECT_EQ(tasks(), 0);
 }
 
+TEST_F(ImportTest, TablesAreTakenByWhatTheyHold)
+{
+    const QString tasks = write(u"tasks.csv"_s, "Task;Due;Size\nPack;24.11.2026;9\nCall;soon;\n");
+    const QString people = write(u"people.csv"_s, "First Name,Last Name\nDan,Kay\n");
+    const QString other = write(u"other.csv"_s, "colour\nred\n");
+    allow(3);
+    showList(SidebarItem::Inbox);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(tasks), QUrl::fromLocalFile(people), QUrl::fromLocalFile(other)});
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&window(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&window(), &drop);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !alerts.asked().empty(); }));
+        EXPECT_EQ(alerts.asked().at(0).message, u"2 entries were imported."_s);
+        const QString details = alerts.asked().at(0).informativeText;
+        for (const QString &part : {u"\"soon\" in line 3"_s, u"left out: Size."_s,
+                                    u"\"other.csv\" is no table of tasks, projects or notes."_s})
+            EXPECT_TRUE(details.contains(part)) << qPrintable(details);
+    }
+    ASSERT_TRUE(importWindow());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return lines().contains(u"xDan Kay"_s); }));
+    importWindow()->close();
+    settle();
+    EXPECT_EQ(context().count(EntityTask::fetchRequest()), 2);
+    run(ActionId::Undo);
+    EXPECT_EQ(context().count(EntityTask::fetchRequest()), 0);
+}
+
 TEST_F(ImportTest, WithoutAccessItLeadsToThePreferences)
 {
     int asked = 0;

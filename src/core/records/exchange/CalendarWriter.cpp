@@ -4,6 +4,7 @@
 #include "eventkit/IcalDocument.h"
 #include "eventkit/IcalTime.h"
 #include "eventkit/VTimeZone.h"
+#include "records/exchange/PersonName.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -107,7 +108,7 @@ QByteArray CalendarWriter::textOf(const EntityProject &project)
         TaskComponents::putCategories(component, category->title(), {});
     for (const ContactPtr &person : project.delegateToUser())
         if (person)
-            TaskComponents::putText(component, "CONTACT", person->fullName());
+            TaskComponents::putText(component, "CONTACT", personname::written(*person));
     QByteArray text = textOfComponent(component);
     for (const TaskPtr &task : project.task())
         if (task)
@@ -121,7 +122,9 @@ QByteArray CalendarWriter::textOf(const EntityNote &note)
     TaskComponents::putIdentity(component, note.identifier(), note.creationDate(), {});
     TaskComponents::putText(component, "SUMMARY", note.title());
     TaskComponents::putText(component, "DESCRIPTION", note.detail());
-    if (const ContactPtr person = note.contact())
+    if (const ContactPtr person = note.contact()) {
         TaskComponents::putText(component, "CONTACT", person->fullName());
+        TaskComponents::putText(component, "X-MORVANE-PERSON", personname::written(*person));
+    }
     return textOfComponent(component);
 }

@@ -121,8 +121,11 @@ void takeProgress(ImportedTask &task, const IcalComponent &component)
     task.revised = momentOf(component, "LAST-MODIFIED");
     if (!task.revised)
         task.revised = momentOf(component, "DTSTAMP");
-    if (task.status == TaskStatus::Done)
-        task.done = momentOf(component, component.line("COMPLETED") ? "COMPLETED" : "X-MORVANE-DONE");
+    task.done = momentOf(component, component.line("COMPLETED") ? "COMPLETED" : "X-MORVANE-DONE");
+    bool hasPlace = false;
+    const int place = component.value("X-MORVANE-POSITION").trimmed().toInt(&hasPlace);
+    if (hasPlace)
+        task.placeInInbox = place;
 }
 
 /// A task of days: the first and the last of them.
@@ -245,25 +248,6 @@ std::optional<ImportedTask> taskOf(const IcalComponent &component, const IcalZon
     return task;
 }
 
-/// The same task at another of its dates.
-ImportedTask movedTo(ImportedTask task, Date start)
-{
-    const OptionalDate former = task.start ? task.start : task.due;
-    const Seconds length = former && task.due ? *task.due - *former : Seconds(0);
-    if (task.type == TaskType::ToDo) {
-        if (task.start)
-            task.start = MTDates::startOfCurrentDay(start);
-        task.due = MTDates::endOfCurrentDay(start + (task.start ? length : Seconds(0)));
-    } else {
-        if (task.start)
-            task.start = start;
-        task.due = start + length;
-    }
-    for (Date &alert : task.alerts)
-        alert = former ? start + (alert - *former) : alert;
-    return task;
-}
-
 /// A date beside the rule stands for one that the rule gives and that is left out.
 void takeDatesBesideRule(ImportedTask &task, const std::vector<Date> &dates)
 {
@@ -278,7 +262,7 @@ void takeDatesBesideRule(ImportedTask &task, const std::vector<Date> &dates)
         if (edit != task.edits.end())
             edit->original = instead;
         else
-            task.edits.push_back({instead, movedTo(task, date)});
+            task.edits.push_back({instead, task.movedTo(date)});
     }
 }
 
@@ -312,4 +296,24 @@ std::optional<ImportedTask> ImportedTask::of(const CalendarFile::Object &object)
     // Without a rule there is no occurrence that they could be.
     whole->isPartial = whole->isPartial || (whole->rule.isEmpty() && !whole->edits.empty());
     return whole;
+}
+
+ImportedTask ImportedTask::movedTo(Date date) const
+{
+    ImportedTask task = *this;
+    const OptionalDate former = task.start ? task.start : task.due;
+    const Seconds length = former && task.due ? *task.due - *former : Seconds(0);
+    if (task.type == TaskType::ToDo) {
+        if (task.start)
+            task.start = MTDates::startOfCurrentDay(date);
+        task.due = MTDates::endOfCurrentDay(date + (task.start ? length : Seconds(0)));
+    } else {
+        if (task.start)
+            task.start = date;
+        task.due = date + length;
+    }
+    for (OptionalDate &alert : task.alerts)
+        if (alert && former)
+            alert = date + (*alert - *former);
+    return task;
 }

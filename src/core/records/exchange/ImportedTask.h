@@ -32,8 +32,8 @@ struct ImportedTask
     QStringList tags;
     QString place;
     std::optional<GeoLocation> position;
-    /// The first two alarms.
-    std::vector<Date> alerts;
+    /// The first two alarms; the first can be absent where there is a second.
+    std::vector<OptionalDate> alerts;
     /// The rule as a task keeps it; empty for none.
     QString rule;
     OptionalDate ruleEnd;
@@ -51,12 +51,17 @@ struct ImportedTask
     QString company;
     QString project;
     QString projectUid;
+    /// The title of the calendar that it is to lie in, and its place in the Inbox; as tables say them.
+    QString calendar;
+    std::optional<int> placeInInbox;
     bool isCancelled = false;
     /// Something that a task cannot hold: further alarms, dates beside the rule, a rule by hours.
     bool isPartial = false;
 
     /// Absent for an event without a date that can be read.
     static std::optional<ImportedTask> of(const CalendarFile::Object &object);
+    /// The same task at another of its dates.
+    ImportedTask movedTo(Date date) const;
 };
 
 /// An occurrence that was edited alone.

@@ -4,6 +4,8 @@
 #include "foundation/Csv.h"
 #include "foundation/Localization.h"
 #include "records/Functional.h"
+#include "records/dates/MTDates.h"
+#include "records/exchange/PersonName.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ContactTable.h"
 #include "store/entities/MainContext.h"
@@ -56,7 +58,18 @@ QString titleOf(const std::shared_ptr<Titled> &record)
 
 QString nameOf(const ContactPtr &contact)
 {
-    return contact ? contact->fullName() : QString();
+    return contact ? personname::written(*contact) : QString();
+}
+
+/// A day where a date is the first moment of one, or the last one for those that end.
+enum class Edge { First, Last };
+QString dateText(std::optional<TaskType> type, OptionalDate date, Edge edge)
+{
+    if (!date || isMoment(type))
+        return momentText(date);
+    const Date whole =
+        edge == Edge::First ? MTDates::startOfCurrentDay(*date) : MTDates::endOfCurrentDay(*date);
+    return Functional::sameMinute(whole, *date) ? dayText(date) : momentText(date);
 }
 
 /// Several titles, a line each, as a title may hold a comma.
@@ -96,14 +109,8 @@ const Columns<EntityTask> &columnsOf(const EntityTask *)
          [](const Task &task) {
              return Functional::priorityStringFromType(task.priority().value_or(Priority::None));
          }},
-        {u"Start",
-         [](const Task &task) {
-             return isMoment(task.type()) ? momentText(task.startDate()) : dayText(task.startDate());
-         }},
-        {u"Due",
-         [](const Task &task) {
-             return isMoment(task.type()) ? momentText(task.dueDate()) : dayText(task.dueDate());
-         }},
+        {u"Start", [](const Task &task) { return dateText(task.type(), task.startDate(), Edge::First); }},
+        {u"Due", [](const Task &task) { return dateText(task.type(), task.dueDate(), Edge::Last); }},
         {u"Someday",
          [](const Task &task) {
              return task.dueSomeDay().value_or(false) ? localized(u"Yes"_s) : QString();
@@ -114,6 +121,8 @@ const Columns<EntityTask> &columnsOf(const EntityTask *)
              return title.isEmpty() ? title : localized(title);
          }},
         {u"Project", [](const Task &task) { return titleOf(task.project()); }},
+        {u"Project Identifier",
+         [](const Task &task) { return task.project() ? task.project()->identifier() : QString(); }},
         {u"Delegated", [](const Task &task) { return nameOf(task.delegateToUser()); }},
         {u"Delegated since", [](const Task &task) { return momentText(task.delegatedSince()); }},
         {u"Last asked", [](const Task &task) { return momentText(task.lastAsked()); }},
@@ -129,7 +138,9 @@ const Columns<EntityTask> &columnsOf(const EntityTask *)
         {u"Second Alert", [](const Task &task) { return momentText(task.secondAlert()); }},
         {u"Repeat", [](const Task &task) { return task.repeat(); }},
         {u"End Repeat", [](const Task &task) { return dayText(task.endRepeat()); }},
+        {u"Series", [](const Task &task) { return task.calendarID(); }},
         {u"Calendar", [](const Task &task) { return task.calendarTitle(); }},
+        {u"Position", [](const Task &task) { return numberText(task.position()); }},
         {u"Notes", [](const Task &task) { return task.details(); }},
         {u"Created", [](const Task &task) { return momentText(task.creationDate()); }},
         {u"Last changed", [](const Task &task) { return momentText(task.lastModificationDate()); }},
@@ -161,7 +172,8 @@ const Columns<EntityProject> &columnsOf(const EntityProject *)
          }},
         {u"People",
          [](const Project &project) {
-             return linesOf(project.delegateToUser(), [](const auto &person) { return person->fullName(); });
+             return linesOf(project.delegateToUser(),
+                            [](const auto &person) { return personname::written(*person); });
          }},
         {u"Tasks",
          [](const Project &project) {
@@ -218,6 +230,24 @@ const Columns<EntityCompany> &columnsOf(const EntityCompany *)
         {u"Identifier", [](const Company &company) { return company.identifier(); }},
     };
     return columns;
+}
+
+template <typename Record>
+QHash<QString, QString> cellsOf(const Record &record)
+{
+    QHash<QString, QString> cells;
+    for (const auto &column : columnsOf(&record))
+        cells.insert(QString::fromUtf16(column.title), column.text(record));
+    return cells;
+}
+
+template <typename Record>
+QStringList keysOf()
+{
+    QStringList titles;
+    for (const auto &column : columnsOf(static_cast<const Record *>(nullptr)))
+        titles << QString::fromUtf16(column.title);
+    return titles;
 }
 
 template <typename Record>
@@ -279,6 +309,22 @@ private:
 };
 
 } // namespace
+
+QStringList recordcolumns::titles(std::string_view entity)
+{
+    if (entity == EntityTask::entityName)
+        return keysOf<EntityTask>();
+    return entity == EntityProject::entityName ? keysOf<EntityProject>() : keysOf<EntityNote>();
+}
+
+QHash<QString, QString> recordcolumns::cells(const ManagedObject &record)
+{
+    if (record.entity().name() == EntityTask::entityName)
+        return cellsOf(static_cast<const EntityTask &>(record));
+    if (record.entity().name() == EntityProject::entityName)
+        return cellsOf(static_cast<const EntityProject &>(record));
+    return cellsOf(static_cast<const EntityNote &>(record));
+}
 
 std::unique_ptr<RecordWriter> makeTableWriter(const EntityDescription &entity, std::span<const RowId> rows)
 {

@@ -12,6 +12,7 @@
 #include "eventkit/UtcDateTime.h"
 #include "foundation/Calendar.h"
 #include "foundation/Region.h"
+#include "records/exchange/PersonName.h"
 #include "store/queries/DBWorker.h"
 
 #include <algorithm>
@@ -105,7 +106,7 @@ void putOwnFields(IcalComponent &component, const EntityTask &task)
     TaskComponents::putCategories(component, category ? category->title() : QString(), tags);
     if (const ContactPtr person = task.delegateToUser()) {
         TaskComponents::putText(component, "CONTACT", person->fullName());
-        TaskComponents::putText(component, "X-MORVANE-PERSON", person->fullName());
+        TaskComponents::putText(component, "X-MORVANE-PERSON", personname::written(*person));
     }
     const auto putMoment = [&component](const QByteArray &name, OptionalDate moment) {
         if (moment)
@@ -121,6 +122,8 @@ void putOwnFields(IcalComponent &component, const EntityTask &task)
         component.setValue("X-MORVANE-TYPE", "EMAIL-CALL");
     if (task.dueSomeDay().value_or(false))
         component.setValue("X-MORVANE-SOMEDAY", "TRUE");
+    if (task.position())
+        component.setValue("X-MORVANE-POSITION", QByteArray::number(*task.position()));
 }
 
 IcalComponent componentOfRow(const EntityTask &task, const QString &uid, bool isRepeated)
@@ -373,4 +376,7 @@ void TaskComponents::putProgress(IcalComponent &component, std::optional<TaskSta
             component.setValue("PERCENT-COMPLETE", "100");
         break;
     }
+    // It was done once, and is open again.
+    if (done && status.value_or(TaskStatus::Open) != TaskStatus::Done)
+        component.setValue("X-MORVANE-DONE", UtcDateTime::string(*done).toLatin1());
 }

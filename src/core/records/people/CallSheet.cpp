@@ -59,7 +59,7 @@ std::vector<TaskPtr> CallSheet::calls() const
         for (const ContactPtr &person : whole->contact())
             std::ranges::copy(person->task(), std::back_inserter(tasks));
         std::ranges::sort(tasks);
-        tasks.erase(std::ranges::unique(tasks).begin(), tasks.end());
+        tasks.erase(std::unique(tasks.begin(), tasks.end()), tasks.end());
     }
     std::erase_if(tasks, [](const TaskPtr &task) {
         return task->type() != TaskType::EmailCall || task->status() == TaskStatus::Done;

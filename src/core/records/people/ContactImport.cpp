@@ -7,6 +7,9 @@
 #include "foundation/Localization.h"
 #include "records/dates/MVDate.h"
 #include "records/people/ContactLabels.h"
+#include "records/people/ContactTable.h"
+#include "store/entities/EntityContactGroup.h"
+#include "store/entities/EntityProject.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
@@ -17,6 +20,15 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+/// What a card brings to somebody who is there.
+enum class CardVerdict {
+    Nothing,
+    /// Something that is missing there.
+    More,
+    /// Nothing but another phone and mail, as somebody else of the same name has.
+    OtherPerson,
+};
+
 namespace {
 
 /// Names cannot hold it.
@@ -25,6 +37,12 @@ constexpr QChar nameSeparator(u'\n');
 QString keyOf(const QString &first, const QString &last)
 {
     return first + nameSeparator + last;
+}
+
+/// Companies have a title, and no two names.
+QString keyOfCompany(const QString &title)
+{
+    return keyOf(keyOf({}, title), {});
 }
 
 template <typename Type, typename Labels>
@@ -68,34 +86,69 @@ QString essence(const QString &value)
     return digits.isEmpty() ? value.trimmed() : digits;
 }
 
-/// A card that comes to a contact that is there, and what the contact has of it.
-struct Comparison
+QString addressKey(const QString &street, const QString &zip, const QString &city)
 {
-    const CNContact *card;
-    QSet<QString> phones = {};
-    QSet<QString> emails = {};
-    QSet<QString> urls = {};
-    int addresses = 0;
-    bool lacksBirthday = false;
-    bool lacksCompany = false;
-
-    bool isPoorer() const
-    {
-        const auto lacks = [](const auto &values, const QSet<QString> &present) {
-            return std::ranges::any_of(
-                values, [&](const auto &one) { return !present.contains(essence(one.value)); });
-        };
-        return lacks(card->phoneNumbers, phones) || lacks(card->emailAddresses, emails) ||
-               lacks(card->urlAddresses, urls) ||
-               static_cast<int>(card->postalAddresses.size()) > addresses ||
-               (lacksBirthday && card->birthday && card->birthday->year) ||
-               (lacksCompany && !card->organizationName.isEmpty());
-    }
-};
+    return (oneLine(street) + u'|' + oneLine(zip) + u'|' + oneLine(city)).toLower();
+}
 
 QString nameOf(const CNContact &card)
 {
     return card.hasName() ? fullNameWith(card.givenName, card.familyName) : card.organizationName;
+}
+
+template <typename Values>
+bool lacks(const Values &values, const QSet<QString> &present)
+{
+    return std::ranges::any_of(values,
+                               [&](const auto &one) { return !present.contains(essence(one.value)); });
+}
+
+bool hasMore(const CNContact &card, const KnownContact &known)
+{
+    const auto isMissing = [&known](const auto &place) {
+        return !known.addresses.contains(
+            addressKey(place.value.street, place.value.postalCode, place.value.city));
+    };
+    const QStringList lines = card.note.split(u'\n', Qt::SkipEmptyParts);
+    const auto isUnknown = [&known](const QString &line) { return !known.words.contains(line.trimmed()); };
+    const bool hasBirthday = card.birthday && card.birthday->year;
+    return lacks(card.phoneNumbers, known.phones) || lacks(card.emailAddresses, known.emails) ||
+           lacks(card.urlAddresses, known.urls) || std::ranges::any_of(card.postalAddresses, isMissing) ||
+           (hasBirthday && card.birthday != known.birthday) ||
+           (!card.organizationName.isEmpty() && oneLine(card.organizationName) != known.company) ||
+           std::ranges::any_of(lines, isUnknown);
+}
+
+CardVerdict verdictOn(const CNContact &card, const KnownContact &known)
+{
+    if (!hasMore(card, known))
+        return CardVerdict::Nothing;
+    const auto sharesOne = [](const auto &values, const QSet<QString> &present) {
+        return std::ranges::any_of(values,
+                                   [&](const auto &one) { return present.contains(essence(one.value)); });
+    };
+    const bool canBeReached = !card.phoneNumbers.empty() || !card.emailAddresses.empty();
+    const bool isReached = !known.phones.isEmpty() || !known.emails.isEmpty();
+    const bool isSomebodyElse = canBeReached && isReached && !sharesOne(card.phoneNumbers, known.phones) &&
+                                !sharesOne(card.emailAddresses, known.emails);
+    return isSomebodyElse && card.hasName() ? CardVerdict::OtherPerson : CardVerdict::More;
+}
+
+KnownContact knownFrom(const CNContact &card)
+{
+    KnownContact known{.words = card.note,
+                       .birthday = card.birthday && card.birthday->year ? card.birthday : std::nullopt,
+                       .company = oneLine(card.organizationName)};
+    const auto take = [](QSet<QString> &into, const auto &values) {
+        for (const auto &one : values)
+            into.insert(essence(one.value));
+    };
+    take(known.phones, card.phoneNumbers);
+    take(known.emails, card.emailAddresses);
+    take(known.urls, card.urlAddresses);
+    for (const auto &place : card.postalAddresses)
+        known.addresses.insert(addressKey(place.value.street, place.value.postalCode, place.value.city));
+    return known;
 }
 
 /// "Ann Lee, Bob Kay and 3 more".
@@ -242,6 +295,43 @@ void ContactImport::addDetails(const std::shared_ptr<Owner> &owner, const CNCont
     }
 }
 
+/// A private group of which people are members, made if there is none.
+static std::shared_ptr<EntityContactGroup> groupOfPeople(const QString &title)
+{
+    if (auto known = mainContext().fetchFirst<EntityContactGroup>(EntityContactGroup::fetchRequest().where(
+            Predicate::format("title = %@ and useGeneralFilter = false", title))))
+        return known;
+    const auto group = mainContext().insert<EntityContactGroup>();
+    group->setTitle(title);
+    group->setUseGeneralFilter(false);
+    return group;
+}
+
+/// A list that is restricted to companies. What else it asks for is not known here, so that none is made.
+static std::shared_ptr<EntityContactGroup> listOfCompanies(const QString &title)
+{
+    return mainContext().fetchFirst<EntityContactGroup>(
+        EntityContactGroup::fetchRequest().where(Predicate::format("title = %@", title)));
+}
+
+/// The groups and projects that a table names.
+static void addLinks(const ContactPtr &person, const CNContact &contact)
+{
+    for (const auto &[kind, word] : contact.otherWords) {
+        if (kind == ContactTable::groups) {
+            groupOfPeople(word)->addRelated("contacts", person);
+        } else if (kind == ContactTable::projects) {
+            ProjectPtr project = mainContext().fetchFirst<EntityProject>(
+                EntityProject::fetchRequest().where(Predicate::format("title = %@", word)));
+            if (!project) {
+                project = mainContext().insert<EntityProject>();
+                project->setTitle(word);
+            }
+            project->addRelated("delegateToUser", person);
+        }
+    }
+}
+
 /// Several can come in a millisecond; each then takes the next one that is free.
 QString ContactImport::freePhotoName()
 {
@@ -289,9 +379,15 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
         keep(u"Birthday"_s, contact.unreadBirthday, account.unreadBirthdays);
     if (!hasCategory && !contact.jobTitle.isEmpty())
         keep(u"Job Title"_s, oneLine(contact.jobTitle), account.otherJobTitles);
-    for (const auto &[kind, text] : contact.otherWords)
-        words.append(localized(kind) + u": "_s + text);
-    if (!contact.otherWords.empty())
+    const auto isLink = [&contact](const auto &one) {
+        if (one.label == ContactTable::groups)
+            return contact.hasName() || listOfCompanies(one.value);
+        return one.label == ContactTable::projects && contact.hasName();
+    };
+    for (const auto &one : contact.otherWords)
+        if (!isLink(one))
+            words.append(localized(one.label) + u": "_s + one.value);
+    if (!std::ranges::all_of(contact.otherWords, isLink))
         account.withOtherWords.append(name);
     if (!contact.note.isEmpty())
         words.append(contact.note);
@@ -312,15 +408,11 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     }
     const auto known = contacts.constFind(keyOf(first, last));
     if (known != contacts.constEnd()) {
-        account.existing.append(name);
-        CNContact card = contact;
-        card.imageData.clear();
-        // One that has just come in is compared with nothing.
-        if (*known != 0)
-            met.emplace_back(*known, std::move(card));
+        meet(contact);
         return nullptr;
     }
     contacts.insert(keyOf(first, last), 0);
+    newcomers.insert(keyOf(first, last), knownFrom(contact));
     const ContactPtr row = mainContext().insert<EntityContacts>();
     row->setFirstName(first);
     row->setLastName(last);
@@ -343,6 +435,7 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
         note->setContact(row);
     }
     addDetails(row, contact);
+    addLinks(row, contact);
     addPicture(row, row->fullName(), contact);
     ++account.added;
     return row;
@@ -357,9 +450,13 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
         return nullptr;
     }
     describedCompanies.insert(title);
+    newcomers.insert(keyOfCompany(title), knownFrom(contact));
     const CompanyPtr company = companyNamed(title);
     company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
     addDetails(company, contact);
+    for (const auto &[kind, word] : contact.otherWords)
+        if (const auto list = kind == ContactTable::groups ? listOfCompanies(word) : nullptr)
+            list->addRelated("companies", company);
     addPicture(company, title, contact);
     ++account.addedCompanies;
     return company;
@@ -370,9 +467,12 @@ void ContactImport::meetCompany(const CNContact &contact)
     const QString title = oneLine(contact.organizationName);
     account.existing.append(title);
     const RowId row = companyRows.value(title);
+    const bool isNew = describedCompanies.contains(title);
+    if (isNew)
+        tell(contact, verdictOn(contact, newcomers.value(keyOfCompany(title))));
     CNContact card = contact;
     card.imageData.clear();
-    if (row != 0)
+    if (row != 0 && !isNew)
         metCompanies.emplace_back(row, std::move(card));
 }
 
@@ -388,6 +488,34 @@ void ContactImport::meet(const CNContact &contact)
     card.imageData.clear();
     if (row != 0)
         met.emplace_back(row, std::move(card));
+    else if (const auto newcomer = newcomers.constFind(keyOf(first, last)); newcomer != newcomers.constEnd())
+        tell(contact, verdictOn(contact, *newcomer));
+}
+
+/// What a stored row itself has.
+static KnownContact knownFrom(const EntityContacts &contact)
+{
+    KnownContact known;
+    if (const OptionalDate birthday = contact.birthday()) {
+        const Calendar calendar = Calendar::current();
+        known.birthday =
+            CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
+    }
+    known.company = contact.company() ? contact.company()->title() : QString();
+    return known;
+}
+
+static KnownContact knownFrom(const EntityCompany &company)
+{
+    return {.words = company.details(), .company = company.title()};
+}
+
+void ContactImport::tell(const CNContact &card, CardVerdict verdict)
+{
+    if (verdict == CardVerdict::More)
+        account.poorer.append(nameOf(card));
+    else if (verdict == CardVerdict::OtherPerson)
+        account.namesakes.append(nameOf(card));
 }
 
 template <typename Owner>
@@ -396,44 +524,53 @@ void ContactImport::compareExisting(const std::vector<std::pair<RowId, CNContact
 {
     ManagedObjectContext &context = mainContext();
     QHash<QString, std::size_t> places;
-    std::vector<Comparison> comparisons;
+    std::vector<KnownContact> known;
+    // The place of the owner of each card; absent for one that is gone.
+    std::vector<std::optional<std::size_t>> owners;
     std::vector<RowId> rows;
     for (const auto &[row, card] : present)
         rows.push_back(row);
     const ObjectList<Owner> loaded(context, organiserModel().requireEntity(Owner::entityName), rows);
     for (std::size_t place = 0; place < present.size(); ++place) {
         const std::shared_ptr<Owner> owner = loaded.at(static_cast<int>(place));
-        // Two cards of one owner are compared as the first of them is.
-        if (!owner || places.contains(owner->identifier()))
+        if (!owner) {
+            owners.emplace_back();
             continue;
-        places.insert(owner->identifier(), comparisons.size());
-        Comparison comparison{.card = &present[place].second};
-        if constexpr (std::is_same_v<Owner, EntityContacts>) {
-            comparison.lacksBirthday = !owner->birthday();
-            comparison.lacksCompany = !owner->company();
         }
-        comparisons.push_back(std::move(comparison));
+        if (!places.contains(owner->identifier())) {
+            places.insert(owner->identifier(), known.size());
+            known.push_back(knownFrom(*owner));
+        }
+        owners.emplace_back(places.value(owner->identifier()));
     }
-    if (comparisons.empty())
+    if (known.empty())
         return;
-    const auto collect = [&](const FetchRequest &request, const char *column, auto take) {
-        context.visit(request, {ownerColumn, column}, [&](const RowReader &row) {
+    const auto collect = [&](const FetchRequest &request, std::vector<std::string> columns, auto take) {
+        columns.insert(columns.begin(), ownerColumn);
+        context.visit(request, columns, [&](const RowReader &row) {
             const auto found = row.isNull(0) ? places.constEnd() : places.constFind(row.text(0));
             if (found != places.constEnd())
-                take(comparisons[*found], row.text(1));
+                take(known[*found], row);
         });
     };
-    const auto into = [](QSet<QString> Comparison::*values) {
-        return [values](Comparison &one, const QString &value) { (one.*values).insert(essence(value)); };
+    const auto into = [](QSet<QString> KnownContact::*values) {
+        return
+            [values](KnownContact &one, const RowReader &row) { (one.*values).insert(essence(row.text(1))); };
     };
-    collect(EntityPhone::fetchRequest(), "number", into(&Comparison::phones));
-    collect(EntityEmail::fetchRequest(), "mail", into(&Comparison::emails));
-    collect(EntityURL::fetchRequest(), "url", into(&Comparison::urls));
-    collect(EntityAddress::fetchRequest(), "city", [](Comparison &one, const QString &) { ++one.addresses; });
-    for (const Comparison &one : comparisons) {
-        if (one.isPoorer())
-            account.poorer.append(nameOf(*one.card));
-    }
+    collect(EntityPhone::fetchRequest(), {"number"}, into(&KnownContact::phones));
+    collect(EntityEmail::fetchRequest(), {"mail"}, into(&KnownContact::emails));
+    collect(EntityURL::fetchRequest(), {"url"}, into(&KnownContact::urls));
+    collect(EntityAddress::fetchRequest(), {"street1", "zip", "city"},
+            [](KnownContact &one, const RowReader &row) {
+                one.addresses.insert(addressKey(row.text(1), row.text(2), row.text(3)));
+            });
+    if constexpr (std::is_same_v<Owner, EntityContacts>)
+        collect(EntityNote::fetchRequest(), {"title", "detail"}, [](KnownContact &one, const RowReader &row) {
+            one.words += u'\n' + row.text(1) + u'\n' + row.text(2);
+        });
+    for (std::size_t place = 0; place < present.size(); ++place)
+        if (owners[place])
+            tell(present[place].second, verdictOn(present[place].second, known[*owners[place]]));
 }
 
 ContactImportAccount ContactImport::finish()
@@ -461,6 +598,11 @@ QStringList ContactImportAccount::sentences() const
         all.append(localized(u"The import was stopped; what it had done by then stays."_s));
     tell(existing, u"%1 were there already: %2."_s);
     tell(poorer, u"%1 of those lack something that their cards have, and stay as they are: %2."_s);
+    if (!namesakes.isEmpty())
+        all.append(
+            localized(
+                u"Cards with other phones and mail, which may be those of other people, were left out: %1."_s)
+                .arg(someOf(namesakes)));
     tell(refused, u"%1 could not be imported: %2"_s);
     tell(withoutPicture, u"%1 came without a picture, since that is none or cannot be read: %2."_s);
     tell(withoutYear, u"%1 birthdays without a year stand in notes: %2."_s);

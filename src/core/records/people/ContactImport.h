@@ -22,6 +22,9 @@ struct ContactImportAccount
     /// card has.
     QStringList existing;
     QStringList poorer;
+    /// The names of those of the first that have nothing in common with their cards by which somebody is
+    /// reached, so that these may be other people.
+    QStringList namesakes;
     /// What was not imported, each with its reason in the user's language.
     QStringList refused;
     /// The names of those whose picture was none, or could not be had or kept.
@@ -40,6 +43,20 @@ struct ContactImportAccount
     /// All of it for the user to read, a sentence each; names only of the first few.
     QStringList sentences() const;
 };
+
+/// What is known of somebody who is there, to be compared with a card.
+struct KnownContact
+{
+    QSet<QString> phones = {};
+    QSet<QString> emails = {};
+    QSet<QString> urls = {};
+    QSet<QString> addresses = {};
+    QString words = {};
+    /// With its year.
+    std::optional<CNBirthday> birthday = {};
+    QString company = {};
+};
+enum class CardVerdict;
 
 /// Puts contacts of address books and vCards into the store. A contact whose first and last name are there
 /// already is left as it is, and brings nothing with it. Nothing is committed here: whoever calls it has a
@@ -90,6 +107,7 @@ private:
     /// What no field of a contact holds, a line each; the account gets the name.
     QStringList wordsWithoutField(const CNContact &contact, const QString &name, bool hasCategory);
     void meetCompany(const CNContact &contact);
+    void tell(const CNContact &card, CardVerdict verdict);
     template <typename Owner>
     void compareExisting(const std::vector<std::pair<RowId, CNContact>> &present, const char *ownerColumn);
 
@@ -108,6 +126,8 @@ private:
     QSet<QString> describedCompanies;
     /// The titles of those that have no more than their title.
     QSet<QString> bareCompanies;
+    /// What the first card of each name had, of those that came in with this import.
+    QHash<QString, KnownContact> newcomers;
     /// What the cards have of contacts and companies that were there before, without pictures.
     std::vector<std::pair<RowId, CNContact>> met;
     std::vector<std::pair<RowId, CNContact>> metCompanies;

@@ -39,7 +39,9 @@ public:
         const auto record = records.next();
         if (!record || !hasColumns)
             return std::nullopt;
-        const auto state = record->isBearable ? VCard::State::Whole : VCard::State::TooLarge;
+        const auto state = !record->isBearable ? VCard::State::TooLarge
+                           : !record->isWhole  ? VCard::State::CutOff
+                                               : VCard::State::Whole;
         return Entry{ContactTable::contactOf(record->fields, columns), state, record->line};
     }
     qint64 position() const override { return records.position(); }

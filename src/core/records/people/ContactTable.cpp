@@ -149,6 +149,8 @@ KnownTitles knownTitles()
     addBoth(u"Birthday"_s, {Sort::Birthday});
     for (const QString &title : {u"Notes"_s, u"Note"_s, u"Comment"_s})
         addBoth(title, {Sort::Note});
+    addBoth(ContactTable::groups, {Sort::Groups});
+    addBoth(ContactTable::projects, {Sort::Projects});
     addSort({u"Phone"_s, u"Telephone"_s, u"Phone Number"_s}, Sort::Phone);
     addSort({u"Email"_s, u"E-mail"_s, u"Email Address"_s}, Sort::Email);
     addSort({u"URL"_s, u"Website"_s, u"Web Page"_s}, Sort::Url);
@@ -310,6 +312,12 @@ CNContact ContactTable::contactOf(const QStringList &fields,
             break;
         case Sort::Note:
             contact.note = text;
+            break;
+        case Sort::Groups:
+        case Sort::Projects:
+            for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts))
+                contact.otherWords.push_back(
+                    {column.sort == Sort::Groups ? groups : projects, line.trimmed()});
             break;
         case Sort::Phone:
             put(valueAt(phones, column), column, text);

@@ -40,7 +40,9 @@ struct Column
         Email,
         Url,
         Address,
-        Note
+        Note,
+        Groups,
+        Projects
     };
     enum class Part { Value, Label, Street, Street2, City, State, Zip, Country };
 
@@ -55,6 +57,10 @@ struct Column
     /// column that is none of a contact.
     static std::optional<Column> of(const QString &title);
 };
+
+/// What `CNContact::otherWords` calls the groups and the projects of a contact, each of which is one of them.
+inline const QString groups = QStringLiteral("Groups");
+inline const QString projects = QStringLiteral("Projects");
 
 /// The contact of a row. Fields that have no column are left out.
 CNContact contactOf(const QStringList &fields, const std::vector<std::optional<Column>> &columns);

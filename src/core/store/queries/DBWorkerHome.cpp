@@ -130,8 +130,10 @@ std::vector<HomeTask> homeTasks(const std::vector<Predicate> &conditions, const 
     }
     if (conditions.size() > 1) {
         std::ranges::sort(tasks, {}, &HomeTask::row);
-        const auto again = std::ranges::unique(tasks, {}, &HomeTask::row);
-        tasks.erase(again.begin(), again.end());
+        const auto isSameRow = [](const HomeTask &one, const HomeTask &other) {
+            return one.row == other.row;
+        };
+        tasks.erase(std::unique(tasks.begin(), tasks.end(), isSameRow), tasks.end());
     }
     markThoseOfProjects(tasks);
     return tasks;

@@ -5,6 +5,8 @@
 #include "foundation/Localization.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ImportableContacts.h"
+#include "store/entities/EntityContactGroup.h"
+#include "store/entities/EntityProject.h"
 
 #include <gmock/gmock.h>
 
@@ -139,14 +141,25 @@ TEST_F(TableFileTest, HasEveryFieldOfATask)
 TEST_F(TableFileTest, PeopleComeBackAsTheyWere)
 {
     const ContactPtr ann = makeAnn();
+    const auto choir = make<EntityContactGroup>(u"Choir"_qs);
+    choir->setUseGeneralFilter(false);
+    choir->setContacts({ann});
+    const auto house = make<EntityProject>(u"House"_qs);
+    house->setDelegateToUser({ann});
     ASSERT_FALSE(DBWorker::saveContext());
     const CNContact former = valuesOf(*ann);
     const QByteArray text = exported(ExportFormat::Csv, std::vector{ann});
     EXPECT_EQ(table(text).front().value(u"Birthday"_qs), u"1990-02-03"_qs);
     forgetPeople();
+    context().deleteObject(choir);
+    ASSERT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(import(text).sentences(), QStringList(u"1 contact was imported."_qs));
     CNContact present = valuesOf(*onlyContact());
     EXPECT_EQ(present, former);
+    EXPECT_THAT(house->delegateToUser(), ElementsAre(onlyContact()));
+    ASSERT_EQ(onlyContact()->contactGroup().size(), 1u);
+    EXPECT_EQ(onlyContact()->contactGroup().front()->title(), u"Choir"_qs);
+    EXPECT_EQ(onlyContact()->contactGroup().front()->useGeneralFilter(), false);
     // Once more, it is there already and lacks nothing.
     const ContactImportAccount again = import(text);
     EXPECT_EQ(again.added, 0);

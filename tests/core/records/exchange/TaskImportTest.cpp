@@ -102,7 +102,10 @@ protected:
         met->setExpirationDate(utcDate(2026, 11, 18, 11));
         const TaskPtr someday = add(u"Sail"_qs);
         someday->setDueSomeDay(true);
+        someday->setPosition(2);
         const TaskPtr due = add(u"Pay"_qs, TaskType::ToDo, {}, localDate(2026, 12, 1, 23, 59, 59));
+        // It was done once.
+        due->setExpirationDate(utcDate(2026, 11, 19, 12));
         const TaskPtr done =
             add(u"Swept"_qs, TaskType::ToDo, localDate(2026, 11, 20), localDate(2026, 11, 20, 23, 59, 59));
         done->setStatus(TaskStatus::Done);
@@ -130,6 +133,8 @@ TEST_F(TaskImportTest, ReadsBackAllThatAnExportSays)
     EXPECT_FALSE(again[1]->category());
     EXPECT_EQ(again[5]->expirationDate(), utcDate(2026, 11, 20, 12));
     EXPECT_EQ(again[6]->expirationDate(), utcDate(2026, 11, 18, 11));
+    EXPECT_EQ(again[4]->expirationDate(), utcDate(2026, 11, 19, 12));
+    EXPECT_EQ(again[3]->position(), 2);
     EXPECT_EQ(again[0]->delegatedSince(), utcDate(2026, 11, 2, 8));
     EXPECT_EQ(again[0]->lastAsked(), utcDate(2026, 11, 9, 8));
     EXPECT_EQ(context().count(EntityContacts::fetchRequest()), 1);

@@ -167,11 +167,39 @@ TEST_F(ImportingContacts, AddsNoneTwiceAndLeavesNothingBehind)
     ASSERT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(account.added, 1);
     EXPECT_EQ(account.existing, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs, u"Lee Ann"_qs}));
-    EXPECT_EQ(account.poorer, QStringList(u"Bob Kay"_qs)) << "has no phone yet, and keeps none";
+    EXPECT_EQ(account.poorer, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs}))
+        << "one works elsewhere, the other has no phone yet; both stay as they are";
+    EXPECT_EQ(account.namesakes, QStringList(u"Lee Ann"_qs));
     EXPECT_EQ(account.refused, QStringList(u"\"Nowhere\" is no person."_qs));
     EXPECT_EQ(count<EntityContacts>(), 3);
     EXPECT_EQ(count<EntityPhone>(), 2);
     EXPECT_EQ(count<EntityCompany>(), 1) << "the company of one that is there is not made either";
+}
+
+TEST_F(ImportingContacts, TellsOfASecondCardOfOneNameThatSaysMore)
+{
+    const QByteArray ann = card("N:Lee;Ann;;;\r\nTEL:1\r\nEMAIL:a@b.org\r\nNOTE:Sings");
+    const QByteArray works = card("ORG:Works\r\nTEL:2");
+    const ContactImportAccount account =
+        importAll(ann + ann + card("N:Lee;Ann;;;\r\nTEL:1\r\nTEL:7") + card("N:Kay;Bob;;;\r\nTEL:3") +
+                  card("N:Kay;Bob;;;\r\nTEL:4") + card("N:Ray;Cid;;;") + card("N:Ray;Cid;;;\r\nNOTE:Tall") +
+                  works + card("ORG:Works\r\nADR:;;Main St 1;Ulm;;;") + works);
+    EXPECT_EQ(account.added, 3);
+    EXPECT_EQ(account.addedCompanies, 1);
+    EXPECT_EQ(account.existing, (QStringList{u"Ann Lee"_qs, u"Ann Lee"_qs, u"Bob Kay"_qs, u"Cid Ray"_qs,
+                                             u"Works"_qs, u"Works"_qs}));
+    EXPECT_EQ(account.poorer, (QStringList{u"Ann Lee"_qs, u"Cid Ray"_qs, u"Works"_qs}));
+    EXPECT_EQ(account.namesakes, QStringList(u"Bob Kay"_qs));
+    EXPECT_TRUE(account.sentences().join(u'\n').contains(u"which may be those of other people"_qs))
+        << qPrintable(account.sentences().join(u'\n'));
+    // Those that have been here for long are compared the same, each card by itself.
+    const QByteArray newcomer = card("N:New;Eva;;;");
+    const ContactImportAccount again = importAll(
+        ann + card("N:Lee;Ann;;;\r\nTEL:1\r\nADR:;;Elsewhere 1;Ulm;;;") +
+        card("N:Lee;Ann;;;\r\nTEL:8\r\nEMAIL:other@b.org") + card("N:Kay;Bob;;;\r\nTEL:4") + newcomer);
+    EXPECT_EQ(again.added, 1);
+    EXPECT_EQ(again.poorer, QStringList(u"Ann Lee"_qs));
+    EXPECT_EQ(again.namesakes, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs}));
 }
 
 TEST_F(ImportingContacts, FindsTypesByTheirPlace)
@@ -442,9 +470,11 @@ TEST_F(ImportingContacts, MakesCompaniesOfOrganizations)
              QByteArray("JPEG").toBase64()) +
         card("N:Lee;Ann;;;\r\nORG:Works") + card("ORG:Works\r\nFN:Works\r\nTEL:2") +
         card("ORG:Mill\r\nFN:Mill");
-    EXPECT_EQ(importAll(text).sentences(),
-              (QStringList{u"1 contact was imported."_qs, u"2 companies were imported."_qs,
-                           u"One was there already: Works."_qs}));
+    EXPECT_EQ(
+        importAll(text).sentences(),
+        (QStringList{u"1 contact was imported."_qs, u"2 companies were imported."_qs,
+                     u"One was there already: Works."_qs,
+                     u"One of those lacks something that its card has, and stays as it is: Works."_qs}));
     EXPECT_EQ(count<EntityCompany>(), 2);
     const CompanyPtr works = EntityCompany::name(u"Works"_qs);
     ASSERT_TRUE(works);

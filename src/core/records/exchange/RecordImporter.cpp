@@ -1,0 +1,342 @@
+#include "records/exchange/RecordImporter.h"
+
+#include "calendarsync/SeriesRows.h"
+#include "eventkit/IcalText.h"
+#include "eventkit/UtcDateTime.h"
+#include "foundation/Calendar.h"
+#include "foundation/Localization.h"
+#include "records/TaskManager.h"
+#include "records/dates/MTDates.h"
+#include "records/dates/MVDate.h"
+#include "records/exchange/ImportFields.h"
+#include "records/exchange/PersonName.h"
+#include "store/entities/MainContext.h"
+#include "store/queries/DBWorker.h"
+
+#include <algorithm>
+#include <map>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace importfields;
+
+namespace {
+
+/// The row that stands for an object: the one that it was imported to or exported from, else the first open
+/// one of its event.
+TaskPtr rowOf(const QString &uid)
+{
+    if (const ObjectPtr row = mainContext().object(EntityTask::entityName, TaskImport::identifierOf(uid)))
+        return std::static_pointer_cast<EntityTask>(row);
+    return mainContext().fetchFirst<EntityTask>(
+        EntityTask::fetchRequest()
+            .where(Predicate::format("calendarID = %@ and status != %d", uid, int(TaskStatus::Done)))
+            .sortedBy({ascending("startDate"), ascending("dueDate")}));
+}
+
+/// Whether a project says something else than a file. When it was changed is not kept.
+bool isOtherProject(const EntityProject &project, const ImportedTask &task)
+{
+    const Calendar calendar = Calendar::current();
+    const auto isOtherDay = [&](OptionalDate one, OptionalDate other) {
+        return one.has_value() != other.has_value() ||
+               (one && calendar.dayNumber(*one) != calendar.dayNumber(*other));
+    };
+    return project.title() != task.title || project.details() != task.details ||
+           project.status().value_or(TaskStatus::Open) != task.status ||
+           isOtherDay(project.startDate(), task.start) || isOtherDay(project.dueDate(), task.due);
+}
+
+/// What a form does not write: when it was made, changed and done, and since when somebody has it.
+void writeStamps(EntityTask &row, const ImportedTask &task)
+{
+    if (task.created)
+        row.setCreationDate(task.created);
+    if (task.revised)
+        row.setLastModificationDate(std::min(*task.revised, MVDate::date()));
+    if (task.done)
+        row.setExpirationDate(task.done);
+    if (task.delegatedSince)
+        row.setDelegatedSince(task.delegatedSince);
+    if (task.lastAsked)
+        row.setLastAsked(task.lastAsked);
+    // Without its event a done task would lose the rule that it once had.
+    if (task.status == TaskStatus::Done && !task.rule.isEmpty()) {
+        row.setRepeat(task.rule);
+        row.setEndRepeat(task.ruleEnd);
+    }
+}
+
+} // namespace
+
+RecordImporter::RecordImporter(RecordsTransaction &openTransaction)
+    : transaction(openTransaction)
+    , lastPosition(DBWorker::maxPositionTaskInbox())
+{}
+
+void RecordImporter::take(const CalendarFile::Object &object)
+{
+    const auto children = object.calendar.children();
+    const auto record =
+        std::ranges::find_if(children, [](const IcalComponent *one) { return one->name() != "VTIMEZONE"; });
+    if (record == children.end())
+        return;
+    if ((*record)->name() == "VJOURNAL")
+        takeNote(object);
+    else if ((*record)->value("X-MORVANE-KIND").trimmed().toUpper() == "PROJECT")
+        takeProject(object);
+    else
+        takeTask(object);
+}
+
+void RecordImporter::takeTask(const CalendarFile::Object &object)
+{
+    const auto task = ImportedTask::of(object);
+    if (!task) {
+        const auto children = object.calendar.children();
+        const QString title = IcalText::decoded(children.back()->value("SUMMARY")).simplified();
+        account.refused.append(
+            localized(u"\"%1\" in line %2 has no date that can be read."_s).arg(title).arg(object.line));
+        return;
+    }
+    if (task->isCancelled) {
+        account.refused.append(localized(u"\"%1\" was called off."_s).arg(task->title));
+        return;
+    }
+    const TaskPtr row = rowOf(object.uid);
+    if (!row) {
+        add(object.uid, *task);
+        return;
+    }
+    // The dates of a series move on here, so that only its words are followed.
+    MVTask copy(row);
+    fillWords(copy, *task);
+    if (row->repeat().isEmpty()) {
+        fillDates(copy, *task);
+        fillRule(copy, *task);
+    } else {
+        copy.status = row->status();
+    }
+    const OptionalDate here = row->lastModificationDate();
+    if (!isOther(copy))
+        ++account.same;
+    else if (!task->revised || (here && *here >= *task->revised))
+        account.newerHere.append(row->title());
+    else
+        follow(row, *task);
+}
+
+ProjectPtr RecordImporter::projectOf(const ImportedTask &task)
+{
+    const QString identifier =
+        task.projectUid.isEmpty() ? QString() : TaskImport::identifierOf(task.projectUid);
+    if (!identifier.isEmpty())
+        if (const ObjectPtr project = mainContext().object(EntityProject::entityName, identifier))
+            return std::static_pointer_cast<EntityProject>(project);
+    if (task.project.isEmpty())
+        return nullptr;
+    // Of two projects of one title in a file each is its own; one that was here before is meant by its title.
+    const ProjectPtr titled = projectTitled(task.project);
+    if (titled && (identifier.isEmpty() || !newProjects.contains(titled->identifier())))
+        return titled;
+    const auto made = identifier.isEmpty()
+                          ? mainContext().insert<EntityProject>()
+                          : std::static_pointer_cast<EntityProject>(
+                                mainContext().insertObject(EntityProject::entityName, identifier));
+    made->setTitle(task.project);
+    newProjects.insert(made->identifier());
+    return made;
+}
+
+TaskPtr RecordImporter::add(const QString &uid, const ImportedTask &task)
+{
+    MVTask copy;
+    copy.newIdentifier = TaskImport::identifierOf(uid);
+    fillWords(copy, task);
+    fillDates(copy, task);
+    fillRule(copy, task);
+    if (!fillCalendar(copy, task) && !account.otherCalendars.contains(task.calendar))
+        account.otherCalendars.append(task.calendar);
+    const ProjectPtr project = projectOf(task);
+    bool isPartial = task.isPartial;
+    if (project && fitsInto(*project, copy.startDate, copy.dueDate))
+        copy.project = project;
+    else
+        isPartial = isPartial || project;
+    if (TaskManager::saveTaskTemp(transaction, copy) != SaveEnd::Saved) {
+        account.refused.append(localized(u"\"%1\" breaks a rule for dates."_s).arg(copy.title));
+        return nullptr;
+    }
+    const TaskPtr row = copy.task();
+    if (row) {
+        writeStamps(*row, task);
+        if (task.placeInInbox)
+            row->setPosition(lastPosition + *task.placeInInbox);
+    }
+    ++account.added;
+    if (isPartial)
+        account.partial.append(copy.title);
+    if (row && !task.rule.isEmpty() && !(task.excluded.empty() && task.edits.empty()))
+        takeOccurrences(row, task);
+    return row;
+}
+
+/// The dates of a series move on here, so that only its words are followed.
+bool RecordImporter::follow(const TaskPtr &row, const ImportedTask &task)
+{
+    MVTask copy(row);
+    const bool isSeries = !row->repeat().isEmpty();
+    fillWords(copy, task);
+    if (isSeries) {
+        copy.status = row->status();
+    } else {
+        fillDates(copy, task);
+        fillRule(copy, task);
+    }
+    const ProjectPtr project = projectOf(task);
+    if (project && fitsInto(*project, copy.startDate, copy.dueDate))
+        copy.project = project;
+    const OptionalDate formerDate = baseDateOf(*row);
+    if (isSeries) {
+        copy.save();
+        TaskManager::saveWithDate(transaction, formerDate, row, Span::FutureTasks, true);
+    } else if (TaskManager::saveTaskTemp(transaction, copy) != SaveEnd::Saved) {
+        account.refused.append(localized(u"\"%1\" breaks a rule for dates."_s).arg(copy.title));
+        return false;
+    } else if (copy.task()) {
+        ImportedTask stamps = task;
+        // It was changed just now.
+        stamps.revised.reset();
+        writeStamps(*copy.task(), stamps);
+    }
+    account.changed.append(copy.title);
+    return true;
+}
+
+/// The rows of a series are there once the pass that follows its making has run.
+void RecordImporter::takeOccurrences(const TaskPtr &row, const ImportedTask &task)
+{
+    transaction.settle();
+    const Calendar calendar = Calendar::current();
+    std::map<int, TaskPtr> rows;
+    for (const TaskPtr &other : series::otherRows(*row))
+        if (const OptionalDate base = baseDateOf(*other))
+            rows.emplace(calendar.dayNumber(*base), other);
+    if (const OptionalDate base = baseDateOf(*row))
+        rows.emplace(calendar.dayNumber(*base), row);
+    // What lies behind the last row that is there now comes with the rule.
+    bool isLeftOut = false;
+    for (const ImportedTask::Edit &one : task.edits) {
+        const auto found = rows.find(calendar.dayNumber(one.original));
+        if (found != rows.end())
+            edit(found->second, one.task);
+        else
+            isLeftOut = true;
+    }
+    for (const Date date : task.excluded) {
+        const auto found = rows.find(calendar.dayNumber(date));
+        if (found != rows.end())
+            TaskManager::deleteTask(transaction, found->second);
+        else
+            isLeftOut = true;
+    }
+    if (isLeftOut && (account.partial.isEmpty() || account.partial.last() != task.title))
+        account.partial.append(task.title);
+}
+
+void RecordImporter::edit(const TaskPtr &row, const ImportedTask &task)
+{
+    const OptionalDate formerDate = baseDateOf(*row);
+    MVTask copy(row);
+    fillWords(copy, task);
+    fillDates(copy, task);
+    copy.save();
+    TaskManager::saveWithDate(transaction, formerDate, row, Span::ThisTask, true);
+}
+
+ProjectPtr RecordImporter::addProject(const QString &identifier, const ImportedTask &task,
+                                      const QStringList &people)
+{
+    const auto project = std::static_pointer_cast<EntityProject>(
+        mainContext().insertObject(EntityProject::entityName, identifier));
+    newProjects.insert(identifier);
+    fill(*project, task, people);
+    ++account.added;
+    return project;
+}
+
+void RecordImporter::fill(EntityProject &project, const ImportedTask &task, const QStringList &people)
+{
+    project.setTitle(task.title);
+    project.setDetails(task.details);
+    project.setStatus(task.status);
+    project.setPriority(task.priority);
+    project.setCreationDate(task.created ? task.created : OptionalDate(MVDate::date()));
+    project.setExpirationDate(task.done);
+    project.setStartDate(task.start);
+    project.setDueDate(task.due ? OptionalDate(MTDates::endOfCurrentDay(*task.due)) : std::nullopt);
+    MVTask copy;
+    fillCategoryAndTags(copy, task);
+    project.setCategory(copy.category);
+    std::vector<ContactPtr> members = project.delegateToUser();
+    for (const QString &name : people) {
+        const ContactPtr person = personname::foundOrMade(name);
+        if (person && std::ranges::count(members, person) == 0)
+            members.push_back(person);
+    }
+    project.setDelegateToUser(members);
+}
+
+void RecordImporter::takeProject(const CalendarFile::Object &object)
+{
+    const QString identifier = TaskImport::identifierOf(object.uid);
+    const auto task = ImportedTask::of(object);
+    const ObjectPtr present = mainContext().object(EntityProject::entityName, identifier);
+    if (!task || present) {
+        if (task && isOtherProject(static_cast<const EntityProject &>(*present), *task))
+            account.newerHere.append(static_cast<const EntityProject &>(*present).title());
+        else
+            ++account.same;
+        return;
+    }
+    QStringList people;
+    for (const IcalComponent *component : object.calendar.children())
+        for (const ContentLine *line : component->lines("CONTACT"))
+            people.append(IcalText::decoded(line->value()).simplified());
+    addProject(identifier, *task, people);
+}
+
+void RecordImporter::addNote(const QString &identifier, const ImportedTask &task)
+{
+    const auto note =
+        std::static_pointer_cast<EntityNote>(mainContext().insertObject(EntityNote::entityName, identifier));
+    note->setTitle(task.title);
+    note->setDetail(task.details);
+    note->setCreationDate(task.created ? task.created : OptionalDate(MVDate::date()));
+    note->setContact(personname::foundOrMade(task.person));
+}
+
+void RecordImporter::takeNote(const CalendarFile::Object &object)
+{
+    const QString identifier = TaskImport::identifierOf(object.uid);
+    const IcalComponent &journal = *object.calendar.children().back();
+    const QString said = IcalText::decoded(journal.value("SUMMARY")).simplified();
+    ImportedTask note;
+    note.title = said.isEmpty() ? localized(u"No Title"_s) : said;
+    note.details = IcalText::decoded(journal.value("DESCRIPTION"));
+    if (const ObjectPtr present = mainContext().object(EntityNote::entityName, identifier)) {
+        const auto &known = static_cast<const EntityNote &>(*present);
+        if (known.title().simplified() == note.title && known.detail() == note.details)
+            ++account.same;
+        else
+            account.newerHere.append(known.title());
+        return;
+    }
+    note.created = UtcDateTime::date(QString::fromLatin1(journal.value("CREATED").trimmed()));
+    note.person = IcalText::decoded(journal.value("X-MORVANE-PERSON")).simplified();
+    // Whom other programs name is somebody of theirs, unless there is such a person.
+    const QString contact = IcalText::decoded(journal.value("CONTACT")).simplified();
+    if (note.person.isEmpty() && personname::found(contact))
+        note.person = contact;
+    addNote(identifier, note);
+    ++account.added;
+}
