@@ -58,13 +58,13 @@ bool isQuoted(const QString &field)
 
 } // namespace
 
-QByteArray Csv::line(const QStringList &fields)
+QByteArray Csv::line(const QStringList &fields, char16_t separator)
 {
     QString text;
     for (qsizetype index = 0; index < fields.size(); ++index) {
         QString field = guarded(fields[index]);
         if (index > 0)
-            text += u',';
+            text += separator;
         if (isQuoted(field))
             field = u'"' + field.replace(u'"', QStringLiteral("\"\"")) + u'"';
         text += field;

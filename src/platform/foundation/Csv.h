@@ -23,7 +23,8 @@ inline const QByteArray byteOrderMark = QByteArrayLiteral("\xEF\xBB\xBF");
 /// Such a field gets an apostrophe before it, which spreadsheets read as "this is text". A field of a sign
 /// and the characters of a phone number gets none: it can compute nothing but a number, other programs read
 /// phone numbers as they stand, and "'+49 30 1" would be none. `CsvReader` takes the apostrophe away again.
-QByteArray line(const QStringList &fields);
+/// \param separator a comma, a semicolon or a tab.
+QByteArray line(const QStringList &fields, char16_t separator = u',');
 
 } // namespace Csv
 

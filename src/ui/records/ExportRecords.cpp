@@ -1,12 +1,15 @@
 #include "records/ExportRecords.h"
 
 #include "foundation/Alert.h"
+#include "foundation/Csv.h"
 #include "foundation/Localization.h"
 #include "records/exchange/RecordExport.h"
 #include "widgets/LongWork.h"
 
+#include <QBuffer>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QMimeData>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -100,4 +103,25 @@ void ExportRecords::run(const Offer &offer, QWidget &window)
         writeRecords(offer.entity, formatOf(path, dialog->selectedNameFilter(), offer.formats), rows, path);
     });
     dialog->open();
+}
+
+std::unique_ptr<QMimeData> ExportRecords::table(const Offer &offer)
+{
+    const std::vector<RowId> &rows = offer.selected.empty() ? offer.all : offer.selected;
+    QBuffer file;
+    file.open(QIODevice::ReadWrite);
+    LongWork work(rows.size(), localized(u"Exporting"_s));
+    bool isWanted = true;
+    const auto step = [&] { return isWanted = work.step(); };
+    if (RecordExport::write(file, ExportFormat::Csv, offer.entity, rows, step) || !isWanted)
+        return nullptr;
+    file.seek(0);
+    QByteArray text;
+    CsvReader reader(file);
+    while (const auto record = reader.next())
+        text += Csv::line(record->fields, u'\t');
+    auto data = std::make_unique<QMimeData>();
+    data->setText(QString::fromUtf8(text));
+    data->setData(u"text/csv"_s, file.data());
+    return data;
 }

@@ -5,9 +5,11 @@
 
 #include <QString>
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
+class QMimeData;
 class QWidget;
 
 /// The records of a list as a file for other programs.
@@ -31,5 +33,9 @@ struct Offer
 /// name decides the format, and writes them there. The user is told if it cannot be written; then a file
 /// that was there stays as it was.
 void run(const Offer &offer, QWidget &window);
+
+/// The selected records, or all where none are, as a table for the clipboard: with tabs as text, which
+/// spreadsheets take, and with commas as "text/csv". Null if the user gives it up.
+std::unique_ptr<QMimeData> table(const Offer &offer);
 
 } // namespace ExportRecords

@@ -6,11 +6,13 @@
 #include "records/exchange/TaskImport.h"
 #include "widgets/LongWork.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMimeData>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
@@ -79,6 +81,23 @@ void ImportTasks::openFiles(const QStringList &paths, const FilesOpener &openPeo
     const QStringList sentences = account.sentences();
     Alert::run(
         {localized(u"Import"_s), sentences.first(), sentences.mid(1).join(u'\n'), {localized(u"OK"_s)}});
+}
+
+bool ImportTasks::openTable(const QString &text, const FilesOpener &openPeople)
+{
+    QByteArray bytes = text.toUtf8();
+    QBuffer table(&bytes);
+    table.open(QIODevice::ReadOnly);
+    if (RecordTable::kindOf(table) == RecordTable::Kind::Other)
+        return false;
+    // People are marked in a window of their own, which reads it later.
+    static const QTemporaryDir folder;
+    QFile file(folder.filePath(localized(u"Clipboard"_s) + u".csv"_s));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        return false;
+    file.close();
+    openFiles({file.fileName()}, openPeople);
+    return true;
 }
 
 QStringList ImportTasks::filesIn(const QMimeData &data)

@@ -24,6 +24,7 @@ constexpr std::array actionTable = {
     ActionDescription{ActionId::Redo, u"actionRedo", u"Redo", u"Ctrl+Shift+Z"},
     ActionDescription{ActionId::Cut, u"actionCut", u"Cut", u"Ctrl+X"},
     ActionDescription{ActionId::Copy, u"actionCopy", u"Copy", u"Ctrl+C"},
+    ActionDescription{ActionId::CopyTable, u"actionCopyTable", u"Copy as Table", u"Ctrl+Alt+C"},
     ActionDescription{ActionId::Paste, u"actionPaste", u"Paste", u"Ctrl+V"},
     ActionDescription{ActionId::Delete, u"actionDelete", u"Delete", u"Del"},
     ActionDescription{ActionId::SelectAll, u"actionSelectAll", u"Select All", u"Ctrl+A"},

@@ -27,6 +27,7 @@ enum class ActionId {
     Redo,
     Cut,
     Copy,
+    CopyTable,
     Paste,
     Search,
     FilterTasks,

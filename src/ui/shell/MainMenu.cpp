@@ -18,7 +18,7 @@ const std::vector<MainMenu::Description> &MainMenu::menus()
          {NewTask, AddInLine, separator, Save, separator, OpenMainWindow, CloseWindow, separator, Import,
           Export, Print}},
         {u"Edit",
-         {Undo, Redo, separator, Cut, Copy, Paste, Duplicate, Delete, SelectAll, separator, Search,
+         {Undo, Redo, separator, Cut, Copy, CopyTable, Paste, Duplicate, Delete, SelectAll, separator, Search,
           FilterTasks, ClearFilter, WhyIsItHere, ShowHistory}},
         {u"View", {ShowHome,    ShowProjects,   separator,     ShowPeople,     ShowCompanies,
                    ShowNotes,   separator,      ShowInbox,     ShowToday,      ShowScheduled,

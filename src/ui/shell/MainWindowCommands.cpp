@@ -5,7 +5,6 @@
 #include "records/DetailStack.h"
 #include "records/FeedbackMail.h"
 #include "records/HelpAddresses.h"
-#include "records/ImportTasks.h"
 #include "records/ShellAlerts.h"
 #include "shell/Actions.h"
 #include "shell/MainWindow.h"
@@ -101,6 +100,8 @@ void MainWindowController::bindActions()
     actions->bind(
         ActionId::Copy, [this] { copy(); },
         [this] { return TextCommands::canCopy() || (screen && screen->hasSelectedText()); });
+    actions->bind(
+        ActionId::CopyTable, [this] { copyTable(); }, [this] { return canCopyTable(); });
     const auto openPeople = [this](const QStringList &paths) {
         ImportContactWindowController::openFiles(mainWindow.get(), paths);
     };
@@ -113,7 +114,8 @@ void MainWindowController::bindActions()
     actions->bind(
         ActionId::Export, [this] { exportRecords(); }, [this] { return screen && screen->canExport(); });
     actions->bind(
-        ActionId::Paste, [this] { paste(); }, [this] { return TextCommands::canPaste() || canTakeLines(); });
+        ActionId::Paste, [this, openPeople] { paste(openPeople); },
+        [this] { return TextCommands::canPaste() || canTakeLines() || canCopyTable(); });
     actions->bind(
         ActionId::Save, [] { NotificationCenter::defaultCenter().post(notifications::keySave); },
         [this] { return details->top() && details->top()->canSave(); });
@@ -138,6 +140,17 @@ void MainWindowController::copy()
         QApplication::clipboard()->setText(screen->selectedText());
 }
 
+bool MainWindowController::canCopyTable() const
+{
+    return !TextCommands::hasText() && screen && screen->canExport();
+}
+
+void MainWindowController::copyTable()
+{
+    if (auto table = screen ? ExportRecords::table(screen->exportOffer()) : nullptr)
+        QApplication::clipboard()->setMimeData(table.release());
+}
+
 /// What the clipboard has is asked of another program, which takes its time, so that is asked when it is
 /// wanted.
 bool MainWindowController::canTakeLines() const
@@ -145,13 +158,17 @@ bool MainWindowController::canTakeLines() const
     return !TextCommands::hasText() && screen && screen->taskLine();
 }
 
-/// Into a text, or else as a task for each line.
-void MainWindowController::paste()
+/// Into a text, or else as the records of a table, or as a task for each line.
+void MainWindowController::paste(const ImportTasks::FilesOpener &openPeople)
 {
     if (TextCommands::canPaste())
         return TextCommands::paste();
+    const QString text = QApplication::clipboard()->text();
+    // A first line of one word is no title row.
+    if (text.section(u'\n', 0, 0).contains(u'\t') && ImportTasks::openTable(text, openPeople))
+        return;
     static const QRegularExpression lineEnd(u"[\\r\\n\\x{2028}\\x{2029}]+"_s);
-    const QStringList lines = QApplication::clipboard()->text().split(lineEnd, Qt::SkipEmptyParts);
+    const QStringList lines = text.split(lineEnd, Qt::SkipEmptyParts);
     if (canTakeLines() && !lines.isEmpty())
         screen->takeLines(lines);
 }

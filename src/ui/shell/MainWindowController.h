@@ -4,6 +4,7 @@
 #include "foundation/Error.h"
 #include "foundation/MainLoop.h"
 #include "foundation/NotificationCenter.h"
+#include "records/ImportTasks.h"
 #include "records/TabsViewController.h"
 #include "shell/SidebarModel.h"
 #include "store/queries/BackgroundBadges.h"
@@ -80,7 +81,9 @@ public:
     void explainPlace();
     void showHistory();
     void copy();
-    void paste();
+    bool canCopyTable() const;
+    void copyTable();
+    void paste(const ImportTasks::FilesOpener &openPeople);
     bool canTakeLines() const;
     TaskRowCommands *taskCommands() const;
     TaskRowCommands *taskCommandsWithKeys() const;

@@ -5,8 +5,11 @@
 #include "support/FullDisk.h"
 #include "ui/support/ShellTest.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QFile>
 #include <QFileDialog>
+#include <QMimeData>
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
@@ -131,4 +134,42 @@ TEST_F(ExportTest, AFullDiskLeavesTheFormerFileAndSaysSo)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), former);
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{u"a.csv"_s}) << "no half file";
+}
+
+TEST_F(ExportTest, ATableGoesOverTheClipboardAndComesBack)
+{
+    const TaskPtr one = add(u"One, with a \"tab\"\tin it"_s, [](MVTask &copy) {
+        copy.details = u"two\nlines"_s;
+        copy.dueDate = localDate(2026, 12, 24);
+    });
+    const TaskPtr two = add(u"Two"_s);
+    RecordListScreen &list = go(SidebarItem::Inbox);
+    list.table()->setFocus();
+    list.selectRecords({one});
+    run(ActionId::CopyTable);
+    const QMimeData *copied = QApplication::clipboard()->mimeData();
+    EXPECT_TRUE(copied->data(u"text/csv"_s).contains("One, with"));
+    EXPECT_FALSE(copied->text().contains(u"Two"_s)) << "what is selected";
+    EXPECT_EQ(copied->text().section(u'\n', 0, 0).count(u'\t'),
+              QString::fromUtf8(copied->data(u"text/csv"_s)).section(u'\n', 0, 0).count(u','));
+    const QString title = one->title();
+    const OptionalDate due = one->dueDate();
+    context().deleteObject(one);
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    {
+        const ScriptedAlerts account({Alert::firstButton});
+        run(ActionId::Paste);
+        settle();
+        EXPECT_EQ(account.asked().size(), 1) << "what has become of it";
+    }
+    const TaskPtr back = stored(title);
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->details(), u"two\nlines"_s);
+    EXPECT_EQ(back->dueDate(), due);
+    // Lines that only look a little like one are tasks.
+    QApplication::clipboard()->setText(u"Title\nBuy milk"_s);
+    run(ActionId::Paste);
+    settle();
+    EXPECT_NE(stored(u"Buy milk"_s), nullptr);
 }
