@@ -119,6 +119,9 @@ public:
     /// \return Everything may have changed. As inserted it names the rows that were here only, since what
     /// came can hold doubles of them.
     Result<StoreChanges> adopt(const QString &databasePath, const VersionVector &seen);
+    /// Brings what a snapshot brought from the log of a store, where it is safe already, to its place in the
+    /// file. Otherwise the next save would, and take long. Any thread; the store may be in use.
+    static OptionalError moveFromLog(const QString &storePath);
 
     /// Another device uses the number of this one: it goes on under a new one, and the former counts as
     /// another.
