@@ -42,6 +42,8 @@ void ChangeJournal::startCapture()
     if (sqlite3session_create(database.handle(), "main", &started) != SQLITE_OK)
         return;
     session.reset(started);
+    isSessionOn = true;
+    net.reset();
     const auto filter = [](void *self, const char *table) {
         return static_cast<const ChangeJournal *>(self)->isCaptured(table);
     };
@@ -51,6 +53,7 @@ void ChangeJournal::startCapture()
 
 void ChangeJournal::setCapturing(bool isOn)
 {
+    isSessionOn = isOn;
     if (session)
         sqlite3session_enable(session.get(), isOn ? 1 : 0);
 }
@@ -58,24 +61,27 @@ void ChangeJournal::setCapturing(bool isOn)
 void ChangeJournal::stopCapture()
 {
     session.reset();
+    net.reset();
 }
 
-QByteArray ChangeJournal::capturedChangeset()
+const Result<QByteArray> &ChangeJournal::captured()
 {
+    if (net)
+        return *net;
     int size = 0;
     void *bytes = nullptr;
-    QByteArray changeset;
-    if (session && sqlite3session_changeset(session.get(), &size, &bytes) == SQLITE_OK && size > 0)
-        changeset = QByteArray(static_cast<const char *>(bytes), size);
+    const int code = session ? sqlite3session_changeset(session.get(), &size, &bytes) : SQLITE_OK;
+    net = code == SQLITE_OK
+              ? Result<QByteArray>(QByteArray(static_cast<const char *>(bytes), size))
+              : Result<QByteArray>(sqlite::error(code, QStringLiteral("Cannot tell what was changed")));
     sqlite3_free(bytes);
-    session.reset();
-    return changeset;
+    return *net;
 }
 
 OptionalError ChangeJournal::record(ChangeAuthor author, const QString &name,
                                     const std::vector<OutboxEntry> &outside, std::optional<qint64> step)
 {
-    const QByteArray changeset = capturedChangeset();
+    const QByteArray changeset = captured() ? captured().value() : QByteArray();
     if (changeset.isEmpty() && outside.empty())
         return std::nullopt;
     sqlite::Statement added =
@@ -94,7 +100,7 @@ OptionalError ChangeJournal::record(ChangeAuthor author, const QString &name,
 
 OptionalError ChangeJournal::recordInHistory(ChangeAuthor author)
 {
-    return addToHistory(database, author, capturedChangeset())
+    return addToHistory(database, author, captured() ? captured().value() : QByteArray())
                ? std::nullopt
                : OptionalError(database.lastError(QStringLiteral("Cannot keep history")));
 }

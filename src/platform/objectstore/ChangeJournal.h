@@ -64,8 +64,13 @@ public:
     /// Whether what happens from here on is a part of it. Of a row that was captured before, the last state
     /// is.
     void setCapturing(bool isOn);
-    /// Forgets what was captured.
+    bool isCapturing() const { return session && isSessionOn; }
+    /// Forgets what was captured, and captures no more.
     void stopCapture();
+    /// The net change of what was captured, empty without any. It is told once and known from then on, until
+    /// `captureWentOn`.
+    const Result<QByteArray> &captured();
+    void captureWentOn() { net.reset(); }
     /// Adds what was captured as an entry, inside the transaction, with what goes with it outside of the
     /// store. Without a net change of either it adds none.
     /// \param step the number of the step that the entry is a part of; absent if it is all of it.
@@ -90,7 +95,6 @@ private:
         void operator()(sqlite3_session *session) const;
     };
     int isCaptured(std::string_view table) const;
-    QByteArray capturedChangeset();
     sqlite::Statement nextEntry(Direction direction);
     Result<AppliedEntry> applyOne(qint64 sequence, Direction direction, const RowNumbering &nextRow);
     bool dropUndone();
@@ -100,4 +104,6 @@ private:
     sqlite::Database &database;
     const ManagedObjectModel &objectModel;
     std::unique_ptr<sqlite3_session, SessionDeleter> session;
+    bool isSessionOn = false;
+    std::optional<Result<QByteArray>> net;
 };

@@ -103,8 +103,10 @@ Result<StoreChanges> ManagedObjectContext::changeRows(const RowChanges &change, 
     const Transaction changing(*this, ChangeAuthor::Replication);
     StoreChanges changes;
     OptionalError error = begin();
-    if (!isTold)
+    if (!isTold) {
+        pauseCapture();
         journal->stopCapture();
+    }
     if (!error) {
         auto applied = change(*database, [this](const EntityDescription &entity) {
             return ChangeWriter(*this).nextRow(entity);

@@ -77,8 +77,15 @@ OptionalError ManagedObjectContext::begin()
     if (canBeUndone(author()))
         journal->setCapturing(!isJournalPaused);
     if (commitLog)
-        commitLog->transactionBegan(*database);
+        commitLog->transactionBegan(*database, journal->isCapturing());
     return std::nullopt;
+}
+
+void ManagedObjectContext::pauseCapture()
+{
+    journal->setCapturing(false);
+    if (commitLog && isInTransaction)
+        commitLog->captureEnds();
 }
 
 void ManagedObjectContext::endCapture()
@@ -268,7 +275,9 @@ OptionalError ManagedObjectContext::commit()
 
 OptionalError ManagedObjectContext::commitTransaction()
 {
-    const auto writeLog = [this] { return commitLog ? commitLog->willCommit(*database) : OptionalError(); };
+    const auto writeLog = [this] {
+        return commitLog ? commitLog->willCommit(*database, journal->captured()) : OptionalError();
+    };
     if (auto error = writeLog())
         return error;
     bool isDone = !database->execute("COMMIT");
@@ -276,6 +285,7 @@ OptionalError ManagedObjectContext::commitTransaction()
         // An object that is named here was deleted elsewhere. The name goes, and everything else is saved.
         if (auto error = clearReferencesToMissing())
             return error;
+        journal->captureWentOn();
         if (auto error = writeLog())
             return error;
         isDone = !database->execute("COMMIT");

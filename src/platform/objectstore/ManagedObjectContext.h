@@ -310,6 +310,8 @@ private:
     Result<StoreChanges> changeRows(const RowChanges &change, bool isTold);
     void tellOfChangesFromElsewhere();
     StoreChanges changesOf(const std::vector<AppliedChange> &applied);
+    /// What is changed from here on is no part of the entry in the journal.
+    void pauseCapture();
     void endCapture();
     /// Stands for a row that is no longer there.
     ObjectPtr goneObject(const EntityDescription &entity, const QString &id, RowId row);

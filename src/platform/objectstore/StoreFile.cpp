@@ -45,9 +45,16 @@ QByteArray columnDefinition(const EntityDescription &entity, int column)
     return definition;
 }
 
-QByteArray createTable(const EntityDescription &entity)
+/// What stands before a name to say in which attached database it is; empty for the store itself.
+QByteArray prefixOf(const QByteArray &schema)
 {
-    QByteArray sql = "CREATE TABLE " + quoted(entity.name()) + " (\"id\" TEXT PRIMARY KEY NOT NULL";
+    return schema.isEmpty() ? schema : schema + '.';
+}
+
+QByteArray createTable(const EntityDescription &entity, const QByteArray &schema = {})
+{
+    QByteArray sql =
+        "CREATE TABLE " + prefixOf(schema) + quoted(entity.name()) + " (\"id\" TEXT PRIMARY KEY NOT NULL";
     for (int column = 0; column < entity.columnCount(); ++column)
         sql += ", " + columnDefinition(entity, column);
     return sql + ");";
@@ -59,14 +66,17 @@ QByteArray joinTableName(const EntityDescription &entity, const RelationshipDesc
            QByteArray(relationship.name.data(), static_cast<qsizetype>(relationship.name.size()));
 }
 
-QByteArray createJoinTable(const EntityDescription &entity, const RelationshipDescription &relationship)
+QByteArray createJoinTable(const EntityDescription &entity, const RelationshipDescription &relationship,
+                           const QByteArray &schema = {})
 {
     const QByteArray table = joinTableName(entity, relationship);
     const QByteArray reference = "(\"id\") ON DELETE CASCADE DEFERRABLE INITIALLY DEFERRED";
-    return "CREATE TABLE IF NOT EXISTS \"" + table + "\" (source TEXT NOT NULL REFERENCES " +
+    const QByteArray prefix = prefixOf(schema);
+    return "CREATE TABLE IF NOT EXISTS " + prefix + quoted(table) + " (source TEXT NOT NULL REFERENCES " +
            quoted(entity.name()) + reference + ", target TEXT NOT NULL REFERENCES " +
            quoted(relationship.destination) + reference + ", PRIMARY KEY (source, target)) WITHOUT ROWID;" +
-           "CREATE INDEX IF NOT EXISTS \"" + table + "_target\" ON \"" + table + "\" (target);";
+           "CREATE INDEX IF NOT EXISTS " + prefix + quoted(table + "_target") + " ON " + quoted(table) +
+           " (target);";
 }
 
 /// A table of pairs that was made by hand may lack the key, without which a pair could stand there twice and
@@ -85,16 +95,23 @@ QByteArray missingJoinTable(sqlite::Database &database, const EntityDescription 
            quoted(relationship.destination) + "); DROP TABLE " + former + ';';
 }
 
+QByteArray createIndex(const EntityDescription &entity, const IndexDescription &index,
+                       const QByteArray &schema = {})
+{
+    QByteArray sql = "CREATE INDEX " + prefixOf(schema) + quoted(index.name) + " ON " +
+                     quoted(entity.name()) + " (" + bytes(index.columns) + ')';
+    if (!index.where.empty())
+        sql += " WHERE " + bytes(index.where);
+    return sql;
+}
+
 /// Makes the indexes that are missing or that a former version defined otherwise.
 QByteArray missingIndexes(sqlite::Database &database, const EntityDescription &entity)
 {
     QByteArray sql;
     for (const IndexDescription &index : entity.indexes()) {
         const QByteArray name = quoted(index.name);
-        QByteArray wanted =
-            "CREATE INDEX " + name + " ON " + quoted(entity.name()) + " (" + bytes(index.columns) + ')';
-        if (!index.where.empty())
-            wanted += " WHERE " + bytes(index.where);
+        const QByteArray wanted = createIndex(entity, index);
         sqlite::Statement present =
             database.prepare("SELECT sql FROM sqlite_master WHERE type = 'index' AND name = ?");
         present.bind(QString::fromUtf8(bytes(index.name)));
@@ -382,6 +399,24 @@ Result<std::unique_ptr<sqlite::Database>> open(const QString &path, const Manage
         return *error;
     database.setCheckpointAtEnd(true);
     return opened;
+}
+
+QByteArray tablesOf(const EntityDescription &entity, const QByteArray &schema)
+{
+    QByteArray sql = createTable(entity, schema);
+    for (const RelationshipDescription &one : entity.relationships()) {
+        if (one.cardinality == Cardinality::ToManyOwningJoin)
+            sql += createJoinTable(entity, one, schema);
+    }
+    return sql;
+}
+
+QByteArray indexesOf(const EntityDescription &entity, const QByteArray &schema)
+{
+    QByteArray sql;
+    for (const IndexDescription &index : entity.indexes())
+        sql += createIndex(entity, index, schema) + ';';
+    return sql;
 }
 
 QString storeIdentifier(sqlite::Database &database)

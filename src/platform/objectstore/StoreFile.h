@@ -17,6 +17,13 @@ constexpr qint32 applicationId = 0x4D765374;
 /// another program or was written by a newer model is refused and left as it is.
 Result<std::unique_ptr<sqlite::Database>> open(const QString &path, const ManagedObjectModel &model);
 
+/// Statements that make the tables of an entity and of its pairs, as a new store has them, in an attached
+/// database.
+/// \param schema the name under which the database is attached.
+QByteArray tablesOf(const EntityDescription &entity, const QByteArray &schema);
+/// Statements that make the indexes of the same.
+QByteArray indexesOf(const EntityDescription &entity, const QByteArray &schema);
+
 /// The identity of a store, made with the file.
 QString storeIdentifier(sqlite::Database &database);
 

@@ -52,7 +52,7 @@ JournalPause::JournalPause(ManagedObjectContext &context)
     // A failure stays with the changes and is reported by the commit.
     paused.write().ignore();
     paused.isJournalPaused = true;
-    paused.journal->setCapturing(false);
+    paused.pauseCapture();
 }
 
 JournalPause::~JournalPause()

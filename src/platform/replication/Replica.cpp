@@ -190,10 +190,10 @@ OptionalError Replica::addPresentRows(const Stamp &stamp)
     }
     if (auto error = database.execute(sql))
         return error;
-    transactionBegan(database);
+    startSession();
     for (const auto &[table, names] : columnsOfTables())
         sqlite3session_diff(session.get(), "emptyStore", table.constData(), nullptr);
-    auto changeset = capturedChangeset();
+    auto changeset = changesetOfSession();
     session.reset();
     if (!changeset)
         return changeset.error();

@@ -119,6 +119,9 @@ public:
     /// \return Everything may have changed. As inserted it names the rows that were here only, since what
     /// came can hold doubles of them.
     Result<StoreChanges> adopt(const QString &databasePath, const VersionVector &seen);
+    /// Brings what a snapshot brought from the log of a store, where it is safe already, to its place in the
+    /// file. Otherwise the next save would, and take long. Any thread; the store may be in use.
+    static OptionalError moveFromLog(const QString &storePath);
 
     /// Another device uses the number of this one: it goes on under a new one, and the former counts as
     /// another.
@@ -143,8 +146,9 @@ public:
     /// count no more.
     void hold(const QStringList &holdings);
 
-    void transactionBegan(sqlite::Database &database) override;
-    OptionalError willCommit(sqlite::Database &database) override;
+    void transactionBegan(sqlite::Database &database, bool isCaptured) override;
+    void captureEnds() override;
+    OptionalError willCommit(sqlite::Database &database, const Result<QByteArray> &captured) override;
     void transactionEnded() override;
 
 private:
@@ -156,7 +160,9 @@ private:
     OptionalError addPresentRows(const Stamp &stamp);
     bool hasManyRows() const;
     OptionalError standFirstSaveInSnapshot();
-    Result<QByteArray> capturedChangeset() const;
+    void startSession();
+    Result<QByteArray> changesetOfSession() const;
+    Result<QByteArray> netChange(const Result<QByteArray> &captured) const;
     OptionalError writeOwn() const { return writeOwn(own.number, clock, known); }
     OptionalError writeOwn(qint64 number, qint64 time, const VersionVector &seen) const;
     qint64 nextTime() const;
@@ -180,7 +186,13 @@ private:
     Dot own;
     qint64 clock = 0;
     VersionVector known;
+    /// Sees what the context does not capture of the open transaction; null while there is nothing of that.
     std::unique_ptr<sqlite3_session, void (*)(sqlite3_session *)> session;
+    bool isSessionMissing = false;
+    /// Whether a save is made of the open transaction.
+    bool isWatching = false;
+    /// Whether the context captures the open transaction, or its beginning.
+    bool usesCaptured = false;
     bool isTakingIn = false;
     TableColumns columns;
     std::set<RowKey> unsettled;

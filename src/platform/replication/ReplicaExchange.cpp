@@ -246,6 +246,8 @@ void ReplicaExchange::takeInSome()
                 refused.insert(arrivedMark);
         } else {
             takenIn(adopted.value());
+            // If that fails, a save does it.
+            maker.start([path = replica.storePath()] { Replica::moveFromLog(path).ignore(); });
             // There may be nothing left to wait for.
             lookSoon();
         }

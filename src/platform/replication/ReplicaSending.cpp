@@ -64,24 +64,11 @@ OptionalError Replica::markUnsent(qint64 number)
     return bookResult(database, statement.bind(number).run());
 }
 
-Result<QByteArray> Replica::capturedChangeset() const
+void Replica::startSession()
 {
-    int size = 0;
-    void *bytes = nullptr;
-    const int code = sqlite3session_changeset(session.get(), &size, &bytes);
-    const QByteArray changeset(static_cast<const char *>(bytes), size);
-    sqlite3_free(bytes);
-    if (code != SQLITE_OK)
-        return sqlite::error(code, QStringLiteral("Cannot tell what was changed"));
-    return changeset;
-}
-
-void Replica::transactionBegan(sqlite::Database &)
-{
-    if (isTakingIn)
-        return;
     sqlite3_session *started = nullptr;
-    if (sqlite3session_create(database.handle(), "main", &started) != SQLITE_OK)
+    isSessionMissing = sqlite3session_create(database.handle(), "main", &started) != SQLITE_OK;
+    if (isSessionMissing)
         return;
     session.reset(started);
     sqlite3session_table_filter(
@@ -92,14 +79,76 @@ void Replica::transactionBegan(sqlite::Database &)
         },
         this);
     sqlite3session_attach(started, nullptr);
+}
+
+Result<QByteArray> Replica::changesetOfSession() const
+{
+    int size = 0;
+    void *bytes = nullptr;
+    const int code = session ? sqlite3session_changeset(session.get(), &size, &bytes) : SQLITE_NOMEM;
+    const QByteArray changeset(static_cast<const char *>(bytes), size);
+    sqlite3_free(bytes);
+    if (code != SQLITE_OK)
+        return sqlite::error(code, QStringLiteral("Cannot tell what was changed"));
+    return changeset;
+}
+
+/// Of what the context captured, and of what was seen here. Both tell the last state of a row that is in
+/// both; the former one stands in what was captured.
+Result<QByteArray> Replica::netChange(const Result<QByteArray> &captured) const
+{
+    if (!session && !isSessionMissing)
+        return captured;
+    auto seen = changesetOfSession();
+    if (!seen || !usesCaptured)
+        return seen;
+    if (!captured || seen->isEmpty())
+        return captured;
+    sqlite3_changegroup *created = nullptr;
+    int code = sqlite3changegroup_new(&created);
+    const std::unique_ptr<sqlite3_changegroup, void (*)(sqlite3_changegroup *)> group(
+        created, sqlite3changegroup_delete);
+    for (const QByteArray &one : {captured.value(), *seen}) {
+        if (code == SQLITE_OK)
+            code = sqlite3changegroup_add(created, static_cast<int>(one.size()),
+                                          const_cast<char *>(one.constData()));
+    }
+    int size = 0;
+    void *bytes = nullptr;
+    if (code == SQLITE_OK)
+        code = sqlite3changegroup_output(created, &size, &bytes);
+    const QByteArray joined(static_cast<const char *>(bytes), size);
+    sqlite3_free(bytes);
+    if (code != SQLITE_OK)
+        return sqlite::error(code, QStringLiteral("Cannot tell what was changed"));
+    return joined;
+}
+
+void Replica::transactionBegan(sqlite::Database &, bool isCaptured)
+{
+    if (isTakingIn)
+        return;
+    isWatching = true;
+    const bool hasMoreToTell = hasForeignWrites();
+    usesCaptured = isCaptured && !hasMoreToTell;
+    if (!usesCaptured)
+        startSession();
     // A part of this commit, before anything else touches those rows.
-    if (hasForeignWrites())
-        foreignwrites::show(database, model, *started);
+    if (hasMoreToTell && session)
+        foreignwrites::show(database, model, *session);
+}
+
+void Replica::captureEnds()
+{
+    if (isWatching && !session)
+        startSession();
 }
 
 void Replica::transactionEnded()
 {
     session.reset();
+    isSessionMissing = false;
+    isWatching = false;
     if (database.isAutocommit() && pending) {
         // Whether it was committed is known to the store alone.
         const bool isCommitted = lastOutgoing() == pending->dot.number;
@@ -137,14 +186,14 @@ qint64 Replica::timeBeyond(RowLedger &ledger, const std::vector<RowDelta> &delta
     return time;
 }
 
-OptionalError Replica::willCommit(sqlite::Database &)
+OptionalError Replica::willCommit(sqlite::Database &, const Result<QByteArray> &captured)
 {
-    if (!session)
+    if (!isWatching)
         return std::nullopt;
-    auto captured = capturedChangeset();
-    if (!captured)
-        return captured.error();
-    const QByteArray &changeset = captured.value();
+    const auto change = netChange(captured);
+    if (!change)
+        return change.error();
+    const QByteArray &changeset = change.value();
     if (changeset.isEmpty() && !pending)
         return std::nullopt;
     if (!pending) {

@@ -185,7 +185,9 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
     // So many pages change that they would be written several times.
     const QByteArray formerCache = QByteArray::number(database.queryInteger("PRAGMA main.cache_size"));
     OptionalError unenforced = database.execute(
-        "PRAGMA arriving.synchronous = OFF; PRAGMA foreign_keys = OFF; PRAGMA main.cache_size = -262144");
+        "PRAGMA arriving.synchronous = OFF; PRAGMA foreign_keys = OFF; PRAGMA main.cache_size = -262144;"
+        // What is in the log is safe; it takes its place in the file off the main thread: `moveFromLog`.
+        "PRAGMA wal_autocheckpoint = 0");
     auto changes =
         unenforced
             ? Result<StoreChanges>(*unenforced)
@@ -208,7 +210,9 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
         untold = untoldBefore;
         removedAt = removedBefore;
     }
-    if (auto error = database.execute("PRAGMA foreign_keys = ON; PRAGMA main.cache_size = " + formerCache))
+    if (auto error = database.execute("PRAGMA wal_autocheckpoint = 1000; PRAGMA foreign_keys = ON; PRAGMA "
+                                      "main.cache_size = " +
+                                      formerCache))
         return *error;
     // Whatever stays attached is detached with the connection.
     database.execute("DETACH arriving").ignore();
@@ -219,6 +223,15 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
             changes.value().inserted.push_back(object);
     }
     return changes;
+}
+
+OptionalError Replica::moveFromLog(const QString &storePath)
+{
+    auto opened = sqlite::Database::open(storePath, sqlite::Database::Mode::ReadWrite);
+    if (!opened)
+        return opened.error();
+    (*opened)->setCheckpointAtEnd(false);
+    return (*opened)->execute("PRAGMA wal_checkpoint(PASSIVE)");
 }
 
 Result<StoreChanges> Replica::settle()

@@ -4,6 +4,7 @@
 #include "objectstore/ManagedObjectModel.h"
 #include "objectstore/SqlText.h"
 #include "objectstore/Sqlite.h"
+#include "objectstore/StoreFile.h"
 
 #include <QCborMap>
 #include <QCborValue>
@@ -11,9 +12,12 @@
 #include <QFile>
 #include <QSaveFile>
 #include <QScopeGuard>
+#include <QThreadPool>
 #include <QtEndian>
 
 #include <sqlite3.h>
+
+#include <algorithm>
 
 namespace replication::snapshot {
 
@@ -97,7 +101,15 @@ public:
         , sealed(status)
         , name(std::move(fileName))
     {}
-    Result<QByteArray> read(int part)
+    /// A part as it stands in the file.
+    struct Packed
+    {
+        int number = 0;
+        QByteArray digest = {};
+        QByteArray bytes = {};
+    };
+    /// The next part, which must have the number.
+    Result<Packed> next(int number)
     {
         const QByteArray begin = file.read(lengthSize + partDigest);
         if (begin.size() != lengthSize + partDigest)
@@ -105,19 +117,19 @@ public:
         const auto length = qFromBigEndian<quint32>(begin.constData());
         if (length > largestPart)
             return failure(QStringLiteral("It is no snapshot"));
-        const QByteArray bytes = file.read(length);
-        if (QCryptographicHash::hash(bytes, QCryptographicHash::Sha256) != begin.mid(lengthSize))
-            return failure(QStringLiteral("It is not complete"));
-        mark = Sealer::keyMarkIn(bytes);
-        return sealed.opened(bytes, partName(name, part));
+        return Packed{number, begin.mid(lengthSize), file.read(length)};
     }
-    /// Of the key of the part that was read last.
-    const QByteArray &keyMark() const { return mark; }
+    /// What is in a part. Any thread, several at a time.
+    Result<QByteArray> opened(const Packed &part) const
+    {
+        if (QCryptographicHash::hash(part.bytes, QCryptographicHash::Sha256) != part.digest)
+            return failure(QStringLiteral("It is not complete"));
+        return sealed.opened(part.bytes, partName(name, part.number));
+    }
 
 private:
     QIODevice &file;
     const SealingStatus &sealed;
-    QByteArray mark;
     QString name;
 };
 
@@ -133,7 +145,10 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
         return failure(file.errorString());
     if (file.read(fileMark.size()) != fileMark)
         return failure(QStringLiteral("It is no snapshot"));
-    auto bytes = reader.read(0);
+    auto part = reader.next(0);
+    if (!part)
+        return part.error();
+    auto bytes = reader.opened(*part);
     if (!bytes)
         return bytes.error();
     QCborParserError parser;
@@ -148,7 +163,7 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
     found.head.dot = {map.value(headkey::Device).toString().toUtf8(), map.value(headkey::Number).toInteger()};
     found.head.seen = VersionVector::fromText(map.value(headkey::Seen).toString().toUtf8());
     found.head.size = file.size();
-    found.head.keyMark = reader.keyMark();
+    found.head.keyMark = Sealer::keyMarkIn(part->bytes);
     found.parts = static_cast<int>(map.value(headkey::Parts).toInteger());
     // The parts before it was known how long they become.
     const qint64 expected = file.pos() + map.value(headkey::Size).toInteger();
@@ -157,50 +172,112 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
     return found;
 }
 
-/// The tables that a snapshot has.
-std::vector<QByteArray> tablesOf(const ManagedObjectModel &model)
+/// So many parts are unpacked beside each other.
+constexpr int partsAtOnce = 4;
+
+/// The next parts of the database, in their order.
+Result<std::vector<QByteArray>> unpackParts(PartReader &reader, int first, int count)
 {
-    std::vector<QByteArray> tables;
+    std::vector<PartReader::Packed> parts;
+    for (int number = first; number < first + count; ++number) {
+        auto part = reader.next(number);
+        if (!part)
+            return part.error();
+        parts.push_back(std::move(*part));
+    }
+    std::vector<Result<QByteArray>> contents(parts.size(), Result<QByteArray>(QByteArray()));
+    QThreadPool threads;
+    for (size_t place = 0; place < parts.size(); ++place) {
+        threads.start([&reader, &part = parts[place], &content = contents[place]] {
+            content = reader.opened(part);
+            if (content)
+                content = qUncompress(*content);
+        });
+    }
+    threads.waitForDone();
+    std::vector<QByteArray> unpacked;
+    for (Result<QByteArray> &content : contents) {
+        if (!content)
+            return content.error();
+        if (content->isEmpty() || content->size() > partSize)
+            return failure(QStringLiteral("It is damaged"));
+        unpacked.push_back(std::move(*content));
+    }
+    return unpacked;
+}
+
+std::vector<std::pair<QByteArray, QByteArray>> columnsOf(sqlite::Database &database, const char *schema,
+                                                         const QByteArray &table)
+{
+    std::vector<std::pair<QByteArray, QByteArray>> columns;
+    sqlite::Statement statement =
+        database.prepare("PRAGMA " + QByteArray(schema) + ".table_info(" + quoted(table) + ')');
+    while (statement.step())
+        columns.emplace_back(statement.text(1).toUtf8(), statement.text(2).toUtf8());
+    return columns;
+}
+
+/// The rows of a table. Columns stand in the order of a new store, whatever the order is here, so that a new
+/// device can take over the whole table; those that the model does not know come behind.
+QByteArray rowsOf(sqlite::Database &database, const QByteArray &table)
+{
+    const auto known = columnsOf(database, "copy", table);
+    QByteArray sql;
+    QByteArray names;
+    for (const auto &[name, type] : columnsOf(database, "main", table)) {
+        names += (names.isEmpty() ? "" : ", ") + quoted(name);
+        const auto isNamed = [&](const auto &one) {
+            return one.first.compare(name, Qt::CaseInsensitive) == 0;
+        };
+        if (std::ranges::none_of(known, isNamed))
+            sql += "ALTER TABLE copy." + quoted(table) + " ADD COLUMN " + quoted(name) + ' ' + type + ';';
+    }
+    return sql + "INSERT OR IGNORE INTO copy." + quoted(table) + " (" + names + ") SELECT " + names +
+           " FROM main." + quoted(table) + ';';
+}
+
+/// The rows of all tables. Indexes are made of the rows, so that a damaged one does not travel.
+OptionalError extractRows(sqlite::Database &database, const ManagedObjectModel &model)
+{
     for (const EntityDescription &entity : model.entities()) {
         if (entity.isDerived())
             continue;
-        tables.push_back(entity.table());
+        if (auto error = database.execute(storefile::tablesOf(entity, "copy")))
+            return error;
+        QByteArray sql = rowsOf(database, entity.table());
         for (const RelationshipDescription &one : entity.relationships()) {
             if (one.cardinality == Cardinality::ToManyOwningJoin)
-                tables.push_back(model.joinTable(entity, one).table);
+                sql += rowsOf(database, model.joinTable(entity, one).table);
         }
+        if (auto error = database.execute(sql + storefile::indexesOf(entity, "copy")))
+            return error;
     }
-    return tables;
+    return std::nullopt;
 }
 
-QByteArray extraction(const ManagedObjectModel &model)
-{
-    QByteArray sql =
-        "CREATE TABLE copy.ObjectStoreRowStates (tbl TEXT NOT NULL, id TEXT NOT NULL, stamp INTEGER NOT NULL,"
-        " device TEXT NOT NULL, events TEXT NOT NULL, buried TEXT, deletions TEXT, PRIMARY KEY (tbl, id))"
-        " WITHOUT ROWID;"
-        "CREATE TABLE copy.ObjectStoreCellStamps (tbl TEXT NOT NULL, id TEXT NOT NULL, col TEXT NOT NULL,"
-        " stamp INTEGER NOT NULL, device TEXT NOT NULL, PRIMARY KEY (tbl, id, col)) WITHOUT ROWID;"
-        "CREATE TABLE copy.ObjectStoreParked (tbl TEXT NOT NULL, id TEXT NOT NULL, col TEXT NOT NULL, value,"
-        " PRIMARY KEY (tbl, id, col)) WITHOUT ROWID;"
-        "CREATE TABLE copy.ObjectStoreReplicas (device TEXT PRIMARY KEY NOT NULL, name TEXT, number INTEGER,"
-        " time INTEGER, seen TEXT, wall INTEGER, heard INTEGER, removed INTEGER, holdings TEXT) WITHOUT "
-        "ROWID;"
-        "INSERT INTO copy.ObjectStoreRowStates SELECT tbl, id, stamp, device, events, buried, deletions FROM"
-        " main.ObjectStoreRowStates;"
-        "INSERT INTO copy.ObjectStoreCellStamps SELECT tbl, id, col, stamp, device FROM"
-        " main.ObjectStoreCellStamps;"
-        "INSERT INTO copy.ObjectStoreParked SELECT tbl, id, col, value FROM main.ObjectStoreParked;"
-        "INSERT INTO copy.ObjectStoreReplicas SELECT device, name, number, time, seen, wall, heard,"
-        " removed, holdings FROM main.ObjectStoreReplicas;"
-        // The number of the last save stands with the save.
-        "UPDATE copy.ObjectStoreReplicas SET number = MAX(number, (SELECT IFNULL(MAX(number), 0) FROM"
-        " main.ObjectStoreOutgoing)) WHERE device = (SELECT device FROM main.ObjectStoreReplicas WHERE"
-        " machine IS NOT NULL);";
-    for (const QByteArray &table : tablesOf(model))
-        sql += "CREATE TABLE copy." + quoted(table) + " AS SELECT * FROM main." + quoted(table) + ';';
-    return sql;
-}
+/// Makes the books, with what they hold.
+const QByteArray extraction =
+    "CREATE TABLE copy.ObjectStoreRowStates (tbl TEXT NOT NULL, id TEXT NOT NULL, stamp INTEGER NOT NULL,"
+    " device TEXT NOT NULL, events TEXT NOT NULL, buried TEXT, deletions TEXT, PRIMARY KEY (tbl, id))"
+    " WITHOUT ROWID;"
+    "CREATE TABLE copy.ObjectStoreCellStamps (tbl TEXT NOT NULL, id TEXT NOT NULL, col TEXT NOT NULL,"
+    " stamp INTEGER NOT NULL, device TEXT NOT NULL, PRIMARY KEY (tbl, id, col)) WITHOUT ROWID;"
+    "CREATE TABLE copy.ObjectStoreParked (tbl TEXT NOT NULL, id TEXT NOT NULL, col TEXT NOT NULL, value,"
+    " PRIMARY KEY (tbl, id, col)) WITHOUT ROWID;"
+    "CREATE TABLE copy.ObjectStoreReplicas (device TEXT PRIMARY KEY NOT NULL, name TEXT, number INTEGER,"
+    " time INTEGER, seen TEXT, wall INTEGER, heard INTEGER, removed INTEGER, holdings TEXT) WITHOUT "
+    "ROWID;"
+    "INSERT INTO copy.ObjectStoreRowStates SELECT tbl, id, stamp, device, events, buried, deletions FROM"
+    " main.ObjectStoreRowStates;"
+    "INSERT INTO copy.ObjectStoreCellStamps SELECT tbl, id, col, stamp, device FROM"
+    " main.ObjectStoreCellStamps;"
+    "INSERT INTO copy.ObjectStoreParked SELECT tbl, id, col, value FROM main.ObjectStoreParked;"
+    "INSERT INTO copy.ObjectStoreReplicas SELECT device, name, number, time, seen, wall, heard,"
+    " removed, holdings FROM main.ObjectStoreReplicas;"
+    // The number of the last save stands with the save.
+    "UPDATE copy.ObjectStoreReplicas SET number = MAX(number, (SELECT IFNULL(MAX(number), 0) FROM"
+    " main.ObjectStoreOutgoing)) WHERE device = (SELECT device FROM main.ObjectStoreReplicas WHERE"
+    " machine IS NOT NULL);";
 
 } // namespace
 
@@ -225,8 +302,12 @@ Result<SnapshotHead> extract(const QString &storePath, const ManagedObjectModel 
         return database.lastError(QStringLiteral("Cannot make a snapshot"));
     attached.reset();
     OptionalError error = database.execute("PRAGMA copy.journal_mode = OFF; PRAGMA copy.synchronous = OFF;"
-                                           "BEGIN;" +
-                                           extraction(model) + "COMMIT");
+                                           "PRAGMA copy.cache_size = -65536; BEGIN;" +
+                                           extraction);
+    if (!error)
+        error = extractRows(database, model);
+    if (!error)
+        error = database.execute("COMMIT");
     if (error) {
         QFile::remove(databasePath);
         return *error;
@@ -302,15 +383,14 @@ Result<SnapshotHead> unpack(const QString &path, const SealingStatus &sealed, co
         if (!databasePath.isEmpty())
             database.remove();
     });
-    for (int part = 1; part <= found->parts; ++part) {
-        auto bytes = reader.read(part);
-        if (!bytes)
-            return bytes.error();
-        const QByteArray content = qUncompress(*bytes);
-        if (content.isEmpty() || content.size() > partSize)
-            return failure(QStringLiteral("It is damaged"));
-        if (!databasePath.isEmpty() && database.write(content) != content.size())
-            return failure(database.errorString());
+    for (int first = 1; first <= found->parts; first += partsAtOnce) {
+        auto contents = unpackParts(reader, first, std::min(partsAtOnce, found->parts - first + 1));
+        if (!contents)
+            return contents.error();
+        for (const QByteArray &content : *contents) {
+            if (!databasePath.isEmpty() && database.write(content) != content.size())
+                return failure(database.errorString());
+        }
     }
     if (!databasePath.isEmpty() && !database.flush())
         return failure(database.errorString());

@@ -28,7 +28,8 @@ struct SnapshotHead
 /// All that a store holds for its devices, in one file: it takes the place of the saves of which it came
 /// about, for devices that have not got them. It consists of parts, each with its length, its digest and, in
 /// a sealed folder, its own seal: the head, then a database, compressed, with the rows and the books on them.
-/// What a device keeps for itself is not in it. Any thread.
+/// Its tables have the keys and indexes of a new store, since copying these is quicker than making them. What
+/// a device keeps for itself is not in it. Any thread.
 namespace snapshot {
 
 /// Copies what belongs into a snapshot from a store, as its last commit left it, to a new database file.

@@ -95,7 +95,21 @@ bool SnapshotMerge::findKnown()
                    open);
 }
 
-/// Where very many rows come, an index is made faster at once than row by row.
+/// Whether nothing of a table is known here, not even a row that has gone, and the columns are the same.
+bool SnapshotMerge::comesWhole(const QByteArray &table)
+{
+    const auto [place, isNew] = whole.try_emplace(table, false);
+    if (!isNew)
+        return place->second;
+    sqlite::Statement known = database.prepare("SELECT 1 FROM temp.KnownToBoth WHERE tbl = ? LIMIT 1");
+    place->second = columnsOf(database, "main", table) == columnsOf(database, "arriving", table) &&
+                    !database.prepare("SELECT 1 FROM main." + quoted(table) + " LIMIT 1").step() &&
+                    !known.bind(QString::fromUtf8(table)).step();
+    return place->second;
+}
+
+/// Where very many rows come, an index is made faster at once than row by row; but one that comes with a
+/// whole table stays on it.
 bool SnapshotMerge::takeOffIndexes()
 {
     constexpr qint64 many = 5000;
@@ -107,9 +121,12 @@ bool SnapshotMerge::takeOffIndexes()
         };
         if (entity.isDerived() || rowsIn("arriving") < many + 2 * rowsIn("main"))
             continue;
-        sqlite::Statement own = database.prepare("SELECT name, sql FROM main.sqlite_master WHERE type = "
-                                                 "'index' AND tbl_name = ? AND sql IS NOT NULL");
-        own.bind(QString::fromUtf8(table));
+        sqlite::Statement own = database.prepare(
+            "SELECT mine.name, mine.sql FROM main.sqlite_master mine WHERE mine.type = 'index' AND "
+            "mine.tbl_name = ?1 AND mine.sql IS NOT NULL AND NOT (?2 AND EXISTS (SELECT 1 FROM "
+            "arriving.sqlite_master its WHERE its.type = 'index' AND its.name = mine.name AND its.sql = "
+            "mine.sql))");
+        own.bind(QString::fromUtf8(table)).bind(Value(comesWhole(table)));
         while (own.step()) {
             removal += "DROP INDEX main." + quoted(own.text(0).toUtf8()) + ';';
             indexes += own.text(1).toUtf8() + ';';
@@ -130,6 +147,9 @@ bool SnapshotMerge::bringNewRows()
             continue;
         if (!bringTable(entity.table(), "its.\"id\""))
             return false;
+        const auto index = SubstringIndex::of(entity);
+        if (index && database.execute(index->startAnew()))
+            return false;
         // The search, and what else follows a record, comes to them a little at a time.
         if (entity.followsLinks() &&
             database.execute("INSERT OR IGNORE INTO ObjectStoreElsewhere (entity, id) SELECT '" +
@@ -148,6 +168,9 @@ bool SnapshotMerge::bringNewRows()
 
 bool SnapshotMerge::bringTable(const QByteArray &table, const QByteArray &key)
 {
+    if (comesWhole(table))
+        return !database.execute("INSERT OR IGNORE INTO main." + quoted(table) + " SELECT * FROM arriving." +
+                                 quoted(table));
     std::vector<QByteArray> columns = columnsOf(database, "main", table);
     const std::vector<QByteArray> its = columnsOf(database, "arriving", table);
     std::erase_if(columns,
@@ -167,17 +190,32 @@ bool SnapshotMerge::bringBooks()
                        " AND (its.deletions IS NOT NULL OR EXISTS (SELECT 1 FROM arriving.ObjectStoreParked "
                        "parked WHERE parked.tbl = its.tbl AND parked.id = its.id))",
                    open) &&
-           !database.execute(
-               "INSERT INTO main.ObjectStoreRowStates (tbl, id, stamp, device, events, buried, deletions)"
-               " SELECT tbl, id, stamp, device, events, buried, deletions FROM "
-               "arriving.ObjectStoreRowStates" +
-               ofNew +
-               "; INSERT INTO main.ObjectStoreCellStamps (tbl, id, col, stamp, device) SELECT tbl, id, col,"
-               " stamp, device FROM arriving.ObjectStoreCellStamps" +
-               ofNew +
-               "; INSERT INTO main.ObjectStoreParked (tbl, id, col, value) SELECT tbl, id, col, value FROM"
-               " arriving.ObjectStoreParked" +
-               ofNew);
+           bringBook("ObjectStoreRowStates", "tbl, id, stamp, device, events, buried, deletions") &&
+           bringBook("ObjectStoreCellStamps", "tbl, id, col, stamp, device") &&
+           bringBook("ObjectStoreParked", "tbl, id, col, value");
+}
+
+/// What one of the books says of rows that are not known here.
+bool SnapshotMerge::bringBook(const QByteArray &book, const QByteArray &columns)
+{
+    constexpr int few = 1000;
+    const bool areFewHere =
+        !database.prepare("SELECT 1 FROM main." + book + " LIMIT 1 OFFSET " + QByteArray::number(few)).step();
+    if (areFewHere && columnsOf(database, "main", book) == columnsOf(database, "arriving", book))
+        return bringWholeBook(book);
+    return !database.execute("INSERT INTO main." + book + " (" + columns + ") SELECT " + columns +
+                             " FROM arriving." + book + " its WHERE " + isNotKnown +
+                             "its.tbl AND known.id = its.id)");
+}
+
+/// The few entries that are here step aside, since only an empty table takes over another one as it is.
+bool SnapshotMerge::bringWholeBook(const QByteArray &book)
+{
+    return !database.execute("CREATE TEMP TABLE Aside AS SELECT * FROM main." + book + "; DELETE FROM main." +
+                             book + "; INSERT INTO main." + book + " SELECT * FROM arriving." + book +
+                             "; DELETE FROM main." + book +
+                             " WHERE (tbl, id) IN (SELECT tbl, id FROM temp.KnownToBoth); INSERT INTO main." +
+                             book + " SELECT * FROM temp.Aside; DROP TABLE temp.Aside");
 }
 
 /// Names of rows that are there, but not here, wait; pairs with them go.

@@ -8,6 +8,9 @@ namespace replication {
 /// transaction. Rows that only it knows come over table by table; of rows that both know, each column belongs
 /// to who wrote it last, as ever. What is only here stays.
 ///
+/// A table of which nothing is known here, such as the tasks of a new device, comes over as it is, with its
+/// indexes: SQLite then copies the entries in their order and makes none anew.
+///
 /// While it runs, foreign keys must not be enforced. What comes over without its target waits for it.
 class SnapshotMerge
 {
@@ -25,8 +28,11 @@ private:
     bool bringNewRows();
     bool takeOffIndexes();
     bool putOnIndexes();
+    bool comesWhole(const QByteArray &table);
     bool bringTable(const QByteArray &table, const QByteArray &key);
     bool bringBooks();
+    bool bringWholeBook(const QByteArray &book);
+    bool bringBook(const QByteArray &book, const QByteArray &columns);
     bool setAsideDangling();
     bool mergeKnown();
     bool mergeRow(const RowKey &key);
@@ -40,6 +46,8 @@ private:
     std::vector<RowKey> onlyHere;
     /// What makes the indexes again that were taken off.
     QByteArray indexes;
+    /// Whether a table comes whole, as far as it was asked.
+    std::map<QByteArray, bool> whole;
     /// Rows whose place is to be looked at once all have come.
     std::vector<RowKey> open;
 };
