@@ -40,6 +40,10 @@ QString contradictionInContacts(const QByteArray &bytes);
 /// Reads a table of tasks, projects or notes, and writes its cells. They are read again the same.
 QString contradictionInTable(const QByteArray &bytes);
 
+/// Takes bytes for what a save of another device says, and takes it in. Either it is refused and all rows
+/// stay, or the store is whole.
+QString contradictionInSave(const QByteArray &bytes);
+
 struct FuzzTarget
 {
     /// Also that of its folder in the corpus.
@@ -47,12 +51,13 @@ struct FuzzTarget
     QString (*contradictionIn)(const QByteArray &bytes);
 };
 
-inline constexpr std::array<FuzzTarget, 9> fuzzTargets = {{{"recurrence", contradictionInRecurrence},
-                                                           {"calendar", contradictionInCalendar},
-                                                           {"settings", contradictionInSettings},
-                                                           {"predicate", contradictionInPredicate},
-                                                           {"journal", contradictionInJournal},
-                                                           {"notifications", contradictionInNotifications},
-                                                           {"draft", contradictionInDraft},
-                                                           {"contacts", contradictionInContacts},
-                                                           {"table", contradictionInTable}}};
+inline constexpr std::array<FuzzTarget, 10> fuzzTargets = {{{"recurrence", contradictionInRecurrence},
+                                                            {"calendar", contradictionInCalendar},
+                                                            {"settings", contradictionInSettings},
+                                                            {"predicate", contradictionInPredicate},
+                                                            {"journal", contradictionInJournal},
+                                                            {"notifications", contradictionInNotifications},
+                                                            {"draft", contradictionInDraft},
+                                                            {"contacts", contradictionInContacts},
+                                                            {"table", contradictionInTable},
+                                                            {"save", contradictionInSave}}};
