@@ -1,6 +1,7 @@
 #include "records/RecordHistory.h"
 
 #include "calendarsync/RecordsTransaction.h"
+#include "cloud/IcloudManager.h"
 #include "foundation/Alert.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
@@ -10,11 +11,14 @@
 #include "records/ProjectManager.h"
 #include "records/TaskManager.h"
 #include "records/copies/TaskColumns.h"
+#include "records/people/LoosePictures.h"
 #include "recurrence/RRule.h"
 #include "recurrence/RecurrenceSentence.h"
 #include "store/entities/Entities.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -76,10 +80,10 @@ constexpr auto knownValues = std::to_array<Known>({
     {ofContact, "birthday", u"Birthday", Told::Day},
     {ofContact, "company", u"Company", Told::Record},
     {ofContact, "contactCategory", u"Job Title", Told::Record},
-    {ofContact, "photoName", u"Photo", Told::Picture, Restored::Never},
+    {ofContact, "photoName", u"Photo", Told::Picture},
     {ofCompany, "title", u"Title"},
     {ofCompany, "details", u"Details"},
-    {ofCompany, "photoName", u"Photo", Told::Picture, Restored::Never},
+    {ofCompany, "photoName", u"Photo", Told::Picture},
     {ofNote, "title", u"Title"},
     {ofNote, "detail", u"Details"},
     {ofNote, "contact", u"Contact", Told::Record},
@@ -104,6 +108,12 @@ const Known *knownOf(const RowChange &row, const RowChange::Field &field)
         return one.entity == row.entity->name() && one.key == field.key;
     });
     return found == knownValues.end() ? nullptr : &*found;
+}
+
+bool isPicture(const RowChange &row, const RowChange::Field &field)
+{
+    const Known *known = knownOf(row, field);
+    return known && known->told == Told::Picture;
 }
 
 /// The object that a value of a relationship names, or null.
@@ -270,6 +280,8 @@ void RecordHistory::addLines(std::size_t number, Entry &entry, std::vector<Place
                       .before = inWords(*known, row, changed, changed.before),
                       .after = inWords(*known, row, changed, changed.after),
                       .canRestore = known->restored != Restored::Never && isRestorable(row, changed)};
+            if (known->told == Told::Picture && !line.before.isEmpty() && line.before == line.after)
+                line.after = localized(u"another picture"_s);
             if (line.before == line.after)
                 continue;
             entry.lines.push_back(std::move(line));
@@ -304,6 +316,10 @@ bool RecordHistory::isRestorable(const RowChange &row, const RowChange::Field &f
     if (row.kind == RowChange::Kind::Deleted)
         return !isThere(object) && !hasPart(row, field);
     if (!isThere(object))
+        return false;
+    // The files of former pictures go after a while.
+    const auto *picture = isPicture(row, field) ? std::get_if<QString>(&field.before) : nullptr;
+    if (picture && !picture->isEmpty() && !QFileInfo(IcloudManager::pathOfImage(*picture)).isFile())
         return false;
     if (row.entity->columnOf(field.key) >= 0)
         return object->valueForKey(field.key) != field.before;
@@ -413,16 +429,23 @@ bool RecordHistory::restoreValue(const RowChange &row, const RowChange::Field &f
     }
     RecordsTransaction transaction(u"Restore"_s);
     const ObjectPtr object = mainContext().object(row.entity->name(), row.identifier);
+    QString loose;
     if (row.kind == RowChange::Kind::Deleted) {
         bringBack(row);
     } else if (row.entity->columnOf(field.key) >= 0) {
+        if (const auto *present = std::get_if<QString>(&object->valueForKey(field.key));
+            present && isPicture(row, field))
+            loose = *present;
         object->setValueForKey(field.key, field.before);
     } else if (const ObjectPtr added = namedBy(row, field, field.after)) {
         object->removeRelated(field.key, added);
     } else if (const ObjectPtr removed = namedBy(row, field, field.before)) {
         object->addRelated(field.key, removed);
     }
-    return DBWorker::tellOfFailure(transaction.commit());
+    if (!DBWorker::tellOfFailure(transaction.commit()))
+        return false;
+    LoosePictures::add({loose});
+    return true;
 }
 
 /// As a row of its own: the former one may be known as gone elsewhere.

@@ -224,13 +224,15 @@ QByteArray rowsOf(sqlite::Database &database, const QByteArray &table)
     const auto known = columnsOf(database, "copy", table);
     QByteArray sql;
     QByteArray names;
-    for (const auto &[name, type] : columnsOf(database, "main", table)) {
+    for (const auto &column : columnsOf(database, "main", table)) {
+        const QByteArray &name = column.first;
         names += (names.isEmpty() ? "" : ", ") + quoted(name);
-        const auto isNamed = [&](const auto &one) {
+        const auto isNamed = [&name](const auto &one) {
             return one.first.compare(name, Qt::CaseInsensitive) == 0;
         };
         if (std::ranges::none_of(known, isNamed))
-            sql += "ALTER TABLE copy." + quoted(table) + " ADD COLUMN " + quoted(name) + ' ' + type + ';';
+            sql += "ALTER TABLE copy." + quoted(table) + " ADD COLUMN " + quoted(name) + ' ' + column.second +
+                   ';';
     }
     return sql + "INSERT OR IGNORE INTO copy." + quoted(table) + " (" + names + ") SELECT " + names +
            " FROM main." + quoted(table) + ';';

@@ -1,8 +1,10 @@
 // What was changed in a record, in its window, and how a former value comes back.
 
 #include "calendarsync/RecordsTransaction.h"
+#include "cloud/IcloudManager.h"
 #include "records/HistoryWindow.h"
 #include "records/ProjectForm.h"
+#include "records/RecordHistory.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/CheckList.h"
 
@@ -233,4 +235,28 @@ TEST_F(HistoryTest, AContactKeepsAName)
     const ScriptedAlerts alerts({Alert::firstButton});
     EXPECT_FALSE(history.restore(0, static_cast<std::size_t>(lastName - lines.begin())));
     EXPECT_EQ(contact->lastName(), u"Lovelace"_s);
+}
+
+TEST_F(HistoryTest, AFormerPhotoComesBackAsLongAsItsFileIsThere)
+{
+    for (const QString &name : {u"one.png"_s, u"two.png"_s, u"three.png"_s})
+        ASSERT_TRUE(IcloudManager::saveImageWithData("picture", name));
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_s);
+    ann->setPhotoName(u"one.png"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    at(10, ChangeAuthor::User, [&] { ann->setPhotoName(u"two.png"_s); });
+    at(11, ChangeAuthor::User, [&] { ann->setPhotoName(u"three.png"_s); });
+    IcloudManager::removeImage(u"one.png"_s);
+    RecordHistory history(ann);
+    ASSERT_EQ(history.entries().size(), 3U);
+    EXPECT_TRUE(history.entries()[0].lines.at(0).canRestore);
+    EXPECT_FALSE(history.entries()[1].lines.at(0).canRestore) << "its file is gone";
+    Clock::setSource([] { return localDate(2026, 11, 21, 12, 0); });
+    EXPECT_TRUE(history.restore(0, 0));
+    EXPECT_EQ(ann->photoName(), u"two.png"_s);
+    // The one that has left can come back in turn.
+    ASSERT_EQ(history.entries().size(), 4U);
+    EXPECT_TRUE(history.restore(0, 0));
+    EXPECT_EQ(ann->photoName(), u"three.png"_s);
 }
