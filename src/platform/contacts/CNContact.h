@@ -78,6 +78,8 @@ struct CNContact
     bool isImageMissing = false;
     /// It stands for an organization rather than for a person.
     bool isOrganization = false;
+    /// It stands for a group, a place or a device, and says nothing here.
+    bool isOfNobody = false;
     std::vector<CNLabeledValue<QString>> phoneNumbers = {};
     std::vector<CNLabeledValue<QString>> emailAddresses = {};
     std::vector<CNLabeledValue<CNPostalAddress>> postalAddresses = {};

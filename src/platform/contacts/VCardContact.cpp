@@ -176,6 +176,16 @@ void takeFullName(CNContact &contact, const QString &fullName)
     }
 }
 
+/// Whether a text has a word that is not among others: "José “Pepe” García" beside "José García".
+bool saysMore(const QString &text, const QString &known)
+{
+    static const QRegularExpression between(QStringLiteral("[^\\w]+"),
+                                            QRegularExpression::UseUnicodePropertiesOption);
+    const QStringList knownWords = known.toCaseFolded().split(between, Qt::SkipEmptyParts);
+    const QStringList words = text.toCaseFolded().split(between, Qt::SkipEmptyParts);
+    return std::ranges::any_of(words, [&](const QString &word) { return !knownWords.contains(word); });
+}
+
 void takeNames(CNContact &contact, const VCard &card)
 {
     const VCardAttribute *name = card.find("N");
@@ -202,8 +212,13 @@ void takeNames(CNContact &contact, const VCard &card)
     // Titles and further names stand in other parts of it.
     QStringList further = parts.mid(2);
     further.removeIf([](const QString &part) { return part.trimmed().isEmpty(); });
-    if (further.isEmpty() || !contact.hasName())
+    if (!contact.hasName())
         return;
+    if (further.isEmpty()) {
+        if (saysMore(fullName, contact.givenName + u' ' + contact.familyName))
+            contact.otherWords.push_back({QStringLiteral("Full Name"), fullName});
+        return;
+    }
     const QString all = QStringList{component(parts, 3), contact.givenName, component(parts, 2),
                                     contact.familyName, component(parts, 4)}
                             .join(u' ');
@@ -313,7 +328,8 @@ void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
 CNContact contactFrom(const VCard &card, CardImage image)
 {
     CNContact contact;
-    if (isSomethingElse(card))
+    contact.isOfNobody = isSomethingElse(card);
+    if (contact.isOfNobody)
         return contact;
     const QHash<QByteArray, QString> labels = groupLabels(card);
     for (const VCardAttribute &attribute : card.attributes) {

@@ -38,7 +38,7 @@ void ImportTasks::run(QWidget &window, const FilesOpener &openPeople)
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setNameFilters(
-        {localized(u"Calendar files and tables"_s) + u" (*.ics *.ICS *.ical *.csv *.CSV)"_s,
+        {localized(u"Calendar files and tables"_s) + u" (*.ics *.ICS *.ical *.csv *.CSV *.vcf *.VCF)"_s,
          localized(u"All files"_s) + u" (*)"_s});
     QObject::connect(dialog, &QFileDialog::filesSelected, dialog,
                      [openPeople](const QStringList &paths) { openFiles(paths, openPeople); });

@@ -43,6 +43,7 @@ public:
     ~PlainRecordScreen() override;
 
 protected:
+    void showMenu(const QPoint &globalPosition) override { Q_EMIT menuWanted(globalPosition); }
     DetailViewController *makePane(const ObjectPtr &record) override;
     void remove(const std::vector<ObjectPtr> &records, const std::function<void()> &removed,
                 const Step &step) override;

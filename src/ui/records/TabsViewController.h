@@ -104,6 +104,8 @@ Q_SIGNALS:
     void whyRequested();
     /// A record of another kind is to be shown over the screen.
     void recordWanted(const ObjectPtr &record);
+    /// A menu of the commands about the selected records is wanted there.
+    void menuWanted(const QPoint &globalPosition);
     /// What the commands can do may have changed.
     void commandsChanged();
 

@@ -29,6 +29,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QMenu>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 
@@ -138,6 +139,20 @@ void MainWindowController::copy()
         return TextCommands::copy();
     if (screen && screen->hasSelectedText())
         QApplication::clipboard()->setText(screen->selectedText());
+}
+
+/// What can be done with the selected records of a list that has no menu of its own.
+void MainWindowController::showRecordMenu(const QPoint &globalPosition)
+{
+    auto *menu = new QMenu(mainWindow.get());
+    menu->setObjectName(u"recordMenu"_s);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    actions->update();
+    for (const ActionId id : {ActionId::Copy, ActionId::CopyTable, ActionId::Export, ActionId::ShowHistory})
+        menu->addAction(actions->action(id));
+    menu->addSeparator();
+    menu->addAction(actions->action(ActionId::Delete));
+    menu->popup(globalPosition);
 }
 
 bool MainWindowController::canCopyTable() const

@@ -375,6 +375,7 @@ void MainWindowController::show(TabsViewController *newScreen)
     connect(newScreen, &TabsViewController::recordWanted, this,
             [this, newScreen](const ObjectPtr &record) { showOver(record, newScreen); });
     connect(newScreen, &TabsViewController::commandsChanged, actions, &Actions::update);
+    connect(newScreen, &TabsViewController::menuWanted, this, &MainWindowController::showRecordMenu);
     for (const QWidget *part :
          {static_cast<QWidget *>(newScreen->toolBarView()), static_cast<QWidget *>(newScreen)}) {
         for (const auto *capture : part->findChildren<CaptureBar *>())

@@ -81,6 +81,7 @@ public:
     void explainPlace();
     void showHistory();
     void copy();
+    void showRecordMenu(const QPoint &globalPosition);
     bool canCopyTable() const;
     void copyTable();
     void paste(const ImportTasks::FilesOpener &openPeople);

@@ -39,6 +39,9 @@ UndoNote::UndoNote(QWidget &lower)
     button->setToolTip(keytip::of(button->text(), Actions::shortcutOf(ActionId::Undo)));
     row->addWidget(words, 1);
     row->addWidget(button);
+    constexpr int lookInterval = 100;
+    staying.setInterval(lookInterval);
+    connect(&staying, &QTimer::timeout, this, [this] { isVisible() ? raise() : staying.stop(); });
     going.setSingleShot(true);
     going.setInterval(stays);
     connect(&going, &QTimer::timeout, this, &QWidget::hide);
@@ -82,6 +85,8 @@ void UndoNote::tell(const std::vector<ObjectPtr> &deleted)
     show();
     raise();
     going.start();
+    // Panes that come up meanwhile would lie over it.
+    staying.start();
     Accessibility::announce(over, words->text());
 }
 

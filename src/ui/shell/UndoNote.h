@@ -36,5 +36,6 @@ private:
     QLabel *words;
     QPushButton *button;
     QTimer going;
+    QTimer staying;
     Observation observation;
 };

@@ -40,11 +40,10 @@ DatePickerPopover::DatePickerPopover(const DatePickerState &state, QWidget *pare
     Appearance::setFont(*title, Theme::FontRole::BodyStrong);
     title->setAlignment(Qt::AlignCenter);
     column->addWidget(title);
+    column->addWidget(makeTyping(state));
     // Years back nobody says in such words.
-    if (!state.showYears) {
-        column->addWidget(makeTyping());
+    if (!state.showYears)
         column->addWidget(makeQuickDays());
-    }
     column->addWidget(grid, 0, Qt::AlignHCenter);
     if (state.showClock)
         column->addWidget(makeClock());
@@ -63,7 +62,7 @@ DatePickerPopover::DatePickerPopover(const DatePickerState &state, QWidget *pare
     grid->setFocus();
 }
 
-QWidget *DatePickerPopover::makeTyping()
+QWidget *DatePickerPopover::makeTyping(const DatePickerState &state)
 {
     auto *both = new QWidget;
     auto *column = new QVBoxLayout(both);
@@ -72,8 +71,12 @@ QWidget *DatePickerPopover::makeTyping()
     words = new QLineEdit;
     words->setObjectName(u"typedDate"_s);
     words->setClearButtonEnabled(true);
-    words->setPlaceholderText(
-        localized(u"Type a date: “%1”"_s).arg(RelativeDates::day(languageOfWords(), 1)));
+    liesBack = state.showYears;
+    const QString example =
+        liesBack ? DateFormatter::string(state.dateValue.value_or(Clock::now()), DateFormatter::Style::Medium,
+                                         DateFormatter::Style::None)
+                 : RelativeDates::day(languageOfWords(), 1);
+    words->setPlaceholderText(localized(u"Type a date: “%1”"_s).arg(example));
     words->setAccessibleName(localized(u"Date in words"_s));
     meaning = new QLabel;
     meaning->setObjectName(u"meaningOfTypedDate"_s);
@@ -104,11 +107,24 @@ void DatePickerPopover::keyPressEvent(QKeyEvent *event)
     words->insert(text);
 }
 
+/// A day without a year was the last one of it, and "84" is a year of the century before.
+Date DatePickerPopover::formerOf(Date day) const
+{
+    for (const int years : {1, 100}) {
+        const Date former = Calendar::current().dateByAdding(CalendarUnit::Year, -years, day);
+        if (former <= *maximum)
+            return former;
+    }
+    return day;
+}
+
 void DatePickerPopover::typed()
 {
     const QString text = words->text();
     const bool isEmpty = text.trimmed().isEmpty();
-    const auto date = TypedDate::read(text);
+    auto date = TypedDate::read(text);
+    if (date && liesBack && maximum && date->day > *maximum)
+        date->day = formerOf(date->day);
     isSomedayTyped = date && date->isSomeday && canBeSomeday;
     QString told;
     if (!date)

@@ -33,12 +33,13 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    QWidget *makeTyping();
+    QWidget *makeTyping(const DatePickerState &state);
     QWidget *makeQuickDays();
     QWidget *makeClock();
     QWidget *makeButtons();
     /// Shows what the words in the field mean, or why they cannot be taken.
     void typed();
+    Date formerOf(Date day) const;
     /// Takes a day, at the time that is shown, and is done.
     void take(Date day);
     /// Ticks the box that says so, and is done.
@@ -55,6 +56,8 @@ private:
     MonthGrid *grid;
     QLineEdit *words = nullptr;
     QLabel *meaning = nullptr;
+    /// Days that are chosen here have been.
+    bool liesBack = false;
     QPushButton *done = nullptr;
     QTimeEdit *clock = nullptr;
     QCheckBox *check = nullptr;

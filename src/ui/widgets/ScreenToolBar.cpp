@@ -85,7 +85,7 @@ void ScreenToolBar::setMiddle(QWidget *wanted)
 
 void ScreenToolBar::resizeEvent(QResizeEvent *event)
 {
-    constexpr int leastMiddleWidth = 150;
+    constexpr int leastMiddleWidth = 120;
     QWidget::resizeEvent(event);
     if (!middle)
         return;

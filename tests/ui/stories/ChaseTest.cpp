@@ -131,6 +131,9 @@ TEST_F(ChaseTest, WhoHasSomethingToDoIsAskedAboutIt)
 TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
 {
     const ContactPtr ann = contact(u"Ann"_s);
+    const auto mail = context().insert<EntityEmail>();
+    mail->setMail(u"ann@example.org"_s);
+    mail->setContact(ann);
     const TaskPtr roof = give(u"Mend the roof"_s, ann, 2);
     const TaskPtr bank = give(u"Ask the bank"_s, contact(u"Bob"_s), 10);
     go(SidebarItem::People);
@@ -145,6 +148,19 @@ TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
     EXPECT_EQ(told(find<TableViewExtended>(window(), "tableViewLinkedTasks")),
               u"Mend the roof, since Nov 2, 2026 (19 days), not asked yet\n"_s);
 
+    // What was noted about her is one step away, too.
+    EXPECT_FALSE(find<QWidget>(window(), "notesStrip").isVisible());
+    const auto note = context().insert<EntityNote>();
+    note->setTitle(u"Likes <tea>"_s);
+    note->setContact(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    ASSERT_TRUE(find<QWidget>(window(), "notesStrip").isVisible());
+    EXPECT_TRUE(find<QLabel>(window(), "labelNotes").text().contains(u">Likes &lt;tea&gt;</a>"_s));
+    Q_EMIT find<QLabel>(window(), "labelNotes").linkActivated(u"0"_s);
+    settle();
+    EXPECT_EQ(controller().detailStack()->top()->record(), note);
+
     go(SidebarItem::WaitingFor);
     auto &list = static_cast<RecordListScreen &>(current());
     EXPECT_EQ(told(*list.table()), u"Mend the roof, Ann, since Nov 2, 2026 (19 days), not asked yet\n"
@@ -154,9 +170,15 @@ TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
     list.table()->setFocus();
     list.table()->selectRow(1);
     ASSERT_TRUE(ask.isEnabled());
-    QTest::mouseClick(&ask, Qt::LeftButton);
-    settle();
-    EXPECT_EQ(opened.size(), 1);
+    // Without an address there is no mail, and nothing was asked unless the user says so.
+    for (const int answer : {Alert::secondButton, Alert::firstButton}) {
+        EXPECT_FALSE(bank->lastAsked());
+        const ScriptedAlerts alerts({answer});
+        QTest::mouseClick(&ask, Qt::LeftButton);
+        settle();
+        EXPECT_EQ(alerts.asked().front().message, u"Bob has no email address."_s);
+    }
+    EXPECT_EQ(opened, QStringList());
     EXPECT_FALSE(roof->lastAsked());
     EXPECT_TRUE(told(*list.table()).endsWith(u"asked Nov 21, 2026"_s)) << told(*list.table()).toStdString();
     // The same from the menu, which has all else that tasks have in their rows.
@@ -168,6 +190,7 @@ TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
     menu.actions().front()->trigger();
     menu.close();
     settle();
+    EXPECT_EQ(opened.size(), 1);
     EXPECT_EQ(roof->lastAsked(), localDate(2026, 11, 21, 9, 15));
     run(ActionId::PlanTomorrow);
     EXPECT_EQ(roof->dueDate(), localDate(2026, 11, 22, 23, 59));

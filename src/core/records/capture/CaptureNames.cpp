@@ -61,12 +61,12 @@ std::pair<ProjectPtr, int> projectIn(QStringView text)
     return best;
 }
 
-/// By the whole name in either order, or by the first name alone where only one person has it.
+/// By the whole name in either order, or by a first or last name where only one person has it.
 std::pair<ContactPtr, int> personIn(QStringView text)
 {
     std::pair<ContactPtr, int> best{nullptr, 0};
-    std::pair<ContactPtr, int> byFirstName{nullptr, 0};
-    int ofThatFirstName = 0;
+    std::pair<ContactPtr, int> byOneName{nullptr, 0};
+    int ofThatName = 0;
     const QString word = firstWordOf(text);
     // A sign behind the name is no part of it.
     const auto end = std::ranges::find_if_not(word, [](QChar letter) {
@@ -84,12 +84,15 @@ std::pair<ContactPtr, int> personIn(QStringView text)
         for (const NameOrder order : {NameOrder::FirstNameFirst, NameOrder::LastNameFirst})
             takeLonger(best, person,
                        lettersOf(text, fullNameIn(order, person->firstName(), person->lastName())));
-        if (const int letters = lettersOf(text, person->firstName()); letters > 0) {
-            ++ofThatFirstName;
-            takeLonger(byFirstName, person, letters);
+        // Of several first names the one that somebody is called by comes first.
+        int letters = std::max(lettersOf(text, person->firstName()), lettersOf(text, person->lastName()));
+        letters = std::max(letters, lettersOf(text, firstWordOf(person->firstName().simplified())));
+        if (letters > 0) {
+            ++ofThatName;
+            takeLonger(byOneName, person, letters);
         }
     }
-    return best.first || ofThatFirstName != 1 ? best : byFirstName;
+    return best.first || ofThatName != 1 ? best : byOneName;
 }
 
 } // namespace

@@ -37,7 +37,9 @@ std::vector<CallSheet::Number> CallSheet::numbers() const
                 continue;
             const auto type = phone->type();
             const QString typeInWords = type ? localized(type->title()) : QString();
-            found.push_back({owner.isEmpty() ? typeInWords : owner, item.text(), item.link()});
+            QStringList whose{owner, typeInWords};
+            whose.removeAll(QString());
+            found.push_back({whose.join(u", "_s), item.text(), item.link()});
         }
     };
     if (const ContactPtr person = contact()) {

@@ -14,7 +14,7 @@ public:
 
     struct Number
     {
-        /// Whose it is, where it is not that of the one who is called; else its type.
+        /// Whose it is, where it is not that of the one who is called, and its type.
         QString owner;
         QString words;
         /// A "tel:" address.

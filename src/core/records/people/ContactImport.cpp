@@ -363,6 +363,33 @@ void ContactImport::addPicture(const std::shared_ptr<Owner> &owner, const QStrin
     owner->setPhotoName(photo);
 }
 
+/// What details are called for which there is no type: they get the last one, and the word stands in a note.
+template <typename Values, typename Labels, typename Type, typename InWords>
+static void addOwnLabels(QStringList &words, const Values &values, const Labels &labels,
+                         const std::vector<std::shared_ptr<Type>> &types, InWords inWords)
+{
+    for (const auto &[label, value] : values) {
+        const auto isTitle = [&label = label](const std::shared_ptr<Type> &type) {
+            return type->title().compare(label, Qt::CaseInsensitive) == 0;
+        };
+        if (!label.isEmpty() && ContactLabels::placeOf(label, labels) < 0 &&
+            std::ranges::none_of(types, isTitle))
+            words.append(oneLine(label) + u": "_s + oneLine(inWords(value)));
+    }
+}
+
+QStringList ContactImport::ownLabels(const CNContact &contact) const
+{
+    QStringList words;
+    const auto asItStands = [](const QString &text) { return text; };
+    addOwnLabels(words, contact.phoneNumbers, ContactLabels::phone, phoneTypes, asItStands);
+    addOwnLabels(words, contact.emailAddresses, ContactLabels::email, emailTypes, asItStands);
+    addOwnLabels(words, contact.urlAddresses, ContactLabels::url, urlTypes, asItStands);
+    addOwnLabels(words, contact.postalAddresses, ContactLabels::address, addressTypes,
+                 [](const CNPostalAddress &place) { return place.street + u'\n' + place.city; });
+    return words;
+}
+
 QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QString &name, bool hasCategory)
 {
     QStringList words;
@@ -387,7 +414,9 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
     for (const auto &one : contact.otherWords)
         if (!isLink(one))
             words.append(localized(one.label) + u": "_s + one.value);
-    if (!std::ranges::all_of(contact.otherWords, isLink))
+    const QStringList labels = ownLabels(contact);
+    words += labels;
+    if (!labels.isEmpty() || !std::ranges::all_of(contact.otherWords, isLink))
         account.withOtherWords.append(name);
     if (!contact.note.isEmpty())
         words.append(contact.note);
@@ -451,6 +480,8 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
     }
     describedCompanies.insert(title);
     newcomers.insert(keyOfCompany(title), knownFrom(contact));
+    if (companyRows.contains(title))
+        ++account.filledCompanies;
     const CompanyPtr company = companyNamed(title);
     company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
     addDetails(company, contact);
@@ -588,8 +619,8 @@ QStringList ContactImportAccount::sentences() const
     if (added > 0 || addedCompanies == 0)
         all.append(added == 0 ? localized(u"No contact was imported."_s)
                               : localizedCount(u"%1 contacts were imported."_s, added));
-    if (addedCompanies > 0)
-        all.append(localizedCount(u"%1 companies were imported."_s, addedCompanies));
+    if (const int newCompanies = companies + filledCompanies; newCompanies > 0)
+        all.append(localizedCount(u"%1 companies were imported."_s, newCompanies));
     const auto tell = [&](const QStringList &names, const QString &sentence) {
         if (!names.isEmpty())
             all.append(localizedCount(sentence, names.size()).arg(someOf(names)));

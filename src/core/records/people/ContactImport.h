@@ -18,6 +18,8 @@ struct ContactImportAccount
     int addedCompanies = 0;
     /// All that are new, also those that only a contact names.
     int companies = 0;
+    /// Companies that were known by their title alone, and took what their card says.
+    int filledCompanies = 0;
     /// The full names of those that were there before, and of those among them that lack something that the
     /// card has.
     QStringList existing;
@@ -104,6 +106,8 @@ private:
     template <typename Owner>
     void addPicture(const std::shared_ptr<Owner> &owner, const QString &name, const CNContact &contact);
     QString freePhotoName();
+    /// Details by the labels that no type has.
+    QStringList ownLabels(const CNContact &contact) const;
     /// What no field of a contact holds, a line each; the account gets the name.
     QStringList wordsWithoutField(const CNContact &contact, const QString &name, bool hasCategory);
     void meetCompany(const CNContact &contact);

@@ -107,8 +107,10 @@ void ImportableContacts::take(const ContactReader::Entry &card)
                 .arg(card.line)
                 .arg(origin));
     if (title.isEmpty()) {
-        sentences.append(
-            localized(u"The card in line %1 of \"%2\" has no name."_s).arg(card.line).arg(origin));
+        const QString sentence =
+            contact.isOfNobody ? u"The card in line %1 of \"%2\" is that of a group, a place or a device."_s
+                               : u"The card in line %1 of \"%2\" has no name."_s;
+        sentences.append(localized(sentence).arg(card.line).arg(origin));
         return;
     }
     candidates.push_back(candidate);

@@ -2,9 +2,11 @@
 
 #include "foundation/Localization.h"
 #include "shell/people/CallSheetWindow.h"
+#include "shell/people/NotesStrip.h"
 #include "shell/people/WaitingStrip.h"
 
 #include <QPushButton>
+#include <QVBoxLayout>
 
 /// Who it is delegated to brings the company along.
 static NewTaskRequest newTaskOfContact(const ObjectPtr &record)
@@ -13,9 +15,19 @@ static NewTaskRequest newTaskOfContact(const ObjectPtr &record)
     return {.createWithContact = contact, .createWithCompany = contact->company()};
 }
 
-static QWidget *makeWaitingStrip(const RecordPane &pane)
+/// What they have to do, and what was noted about them.
+static QWidget *makeStrips(RecordPane &pane)
 {
-    return new WaitingStrip([&pane] { return std::static_pointer_cast<EntityContacts>(pane.record()); });
+    const auto contact = [&pane] { return std::static_pointer_cast<EntityContacts>(pane.record()); };
+    auto *strips = new QWidget;
+    auto *column = new QVBoxLayout(strips);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(new WaitingStrip(contact));
+    auto *notes = new NotesStrip(contact);
+    QObject::connect(notes, &NotesStrip::opened, &pane, &DetailViewController::recordWanted);
+    column->addWidget(notes);
+    return strips;
 }
 
 /// Opens the page for a call.
@@ -42,7 +54,7 @@ DetailContactViewController::DetailContactViewController(std::unique_ptr<FormMod
           {.tasks = [](const ManagedObject &one) { return static_cast<const EntityContacts &>(one).task(); },
            .newTask = newTaskOfContact,
            .tellsWaiting = true,
-           .above = makeWaitingStrip},
+           .above = makeStrips},
           parent)
 {
     addToHeader(makeCallButton(*this));

@@ -1,5 +1,6 @@
 #include "shell/people/WaitingStrip.h"
 
+#include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "objectstore/StoreChanges.h"
 #include "records/OpenLink.h"
@@ -15,6 +16,13 @@ using namespace Qt::Literals::StringLiterals;
 
 bool openAskingMail(const ContactPtr &contact, const std::vector<TaskPtr> &tasks)
 {
+    const auto isAddress = [](const auto &email) { return !email->mail().trimmed().isEmpty(); };
+    if (contact && !std::ranges::any_of(contact->email(), isAddress))
+        return Alert::run(
+                   {.message = localized(u"%1 has no email address."_s).arg(contact->fullName()),
+                    .informativeText = localized(u"You can ask in another way, and have it noted here."_s),
+                    .buttons = {localized(u"Note That I Asked"_s), localized(u"Cancel"_s)}}) ==
+               Alert::firstButton;
     return contact && !tasks.empty() &&
            openLink(WaitingFor::askingMail(*contact, tasks), localized(u"Ask Again"_s), contact->fullName());
 }

@@ -23,7 +23,7 @@ public:
         /// Whether the rows say since when the record has them.
         bool tellsWaiting = false;
         /// Makes what stands between the form and the tasks of a pane; empty for nothing.
-        std::function<QWidget *(const RecordPane &pane)> above = {};
+        std::function<QWidget *(RecordPane &pane)> above = {};
     };
     LinkedTasksPane(const QString &name, std::unique_ptr<FormModel> form, FormView *view,
                     const Linked &linked, QWidget *parent = nullptr);

@@ -106,7 +106,8 @@ TEST_F(ImportingContacts, WritesEveryFieldOfOne)
         "St\\nNorth;Ulm;BW;89073;Germany\r\nADR:;;;;;;\r\n"
         "X-SOCIALPROFILE;type=linkedin:l.org/ann\r\nPHOTO;ENCODING=b:" +
         QByteArray("JPEG").toBase64()));
-    EXPECT_EQ(account.sentences(), QStringList(u"1 contact was imported."_qs));
+    EXPECT_EQ(account.sentences(),
+              (QStringList{u"1 contact was imported."_qs, u"1 company was imported."_qs}));
     EXPECT_EQ(account.companies, 1);
     EXPECT_FALSE(context().hasChanges());
     const QStringList texts = indexTexts();

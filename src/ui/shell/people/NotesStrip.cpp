@@ -1,0 +1,56 @@
+#include "shell/people/NotesStrip.h"
+
+#include "foundation/Localization.h"
+#include "objectstore/StoreChanges.h"
+#include "records/people/CallSheet.h"
+#include "store/state/NotificationNames.h"
+#include "widgets/Appearance.h"
+#include "widgets/TextLabel.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+NotesStrip::NotesStrip(std::function<ContactPtr()> shownContact, QWidget *parent)
+    : QWidget(parent)
+    , contact(std::move(shownContact))
+    , label(makeTextLabel({}, Theme::FontRole::Small, Theme::secondaryText))
+{
+    setObjectName(u"notesStrip"_s);
+    label->setObjectName(u"labelNotes"_s);
+    label->setTextFormat(Qt::RichText);
+    label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    label->setFocusPolicy(Qt::TabFocus);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, Theme::unit, 0, 0);
+    column->addWidget(label);
+    connect(label, &QLabel::linkActivated, this, [this](const QString &place) {
+        const auto chosen = place.toUInt();
+        if (chosen < notes.size() && notes[chosen]->context() && !notes[chosen]->isDeleted())
+            Q_EMIT opened(notes[chosen]);
+    });
+    soon.setSingleShot(true);
+    connect(&soon, &QTimer::timeout, this, &NotesStrip::load);
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(
+        notifications::contextDidSave, [this](const StoreChanges &changes) {
+            if (changes.concerns(EntityNote::entityName))
+                soon.start(0);
+        }));
+    Appearance::follow(*this, [this] { load(); });
+}
+
+void NotesStrip::load()
+{
+    const ContactPtr shown = contact();
+    notes.clear();
+    if (shown && shown->context() && !shown->isDeleted())
+        notes = CallSheet(shown).lastNotes();
+    QStringList links;
+    for (const auto &note : notes)
+        links << u"<a href=\"%1\" style=\"color:%2\">%3</a>"_s.arg(links.size())
+                     .arg(Theme::selectedText.name(), firstPart(note->title()).toHtmlEscaped());
+    label->setText(localized(u"Notes"_s).toHtmlEscaped() + u": "_s + links.join(u", "_s));
+    // Before it stands in its pane it would come up as a window.
+    setHidden(notes.empty());
+}
