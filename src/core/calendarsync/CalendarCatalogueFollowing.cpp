@@ -95,13 +95,18 @@ bool mayRemoveTasksOf(const QString &identifier, const QString &reference)
                 .size()));
 }
 
+QStringList namesElsewhere(const QStringList &references)
+{
+    QStringList names;
+    std::ranges::transform(references, std::back_inserter(names), calendarreferences::nameElsewhere);
+    return names;
+}
+
 /// Whether another device still has a calendar that has gone here: its account was given up on this computer
 /// alone. The rows with all that is the user's are that one's too, so that they stay until it is gone there.
 bool isStillElsewhere(const QStringList &references)
 {
-    QStringList names;
-    std::ranges::transform(references, std::back_inserter(names), calendarreferences::nameElsewhere);
-    return CoreContext::current().isCalendarElsewhere(names);
+    return CoreContext::current().isCalendarElsewhere(namesElsewhere(references));
 }
 
 /// What becomes of the tasks of calendars that have gone since their titles were last written down. Gives
@@ -124,6 +129,7 @@ QVariantMap followRemovals(const std::vector<EKCalendar> &calendars, const QVari
             continue;
         }
         CalendarOutbox::forgetCalendar(mainContext(), entry.key());
+        CoreContext::current().answerForCalendars(namesElsewhere(references));
         for (const QString &own : references)
             DBWorker::removeAllTasksByCalendarIdentifier(own);
         replaceInSettings(reference, QString());

@@ -2,6 +2,7 @@
 
 #include "calendarsync/CalendarPass.h"
 #include "calendarsync/CalendarStoreState.h"
+#include "calendarsync/ChangesOfOthers.h"
 #include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/OfflineChanges.h"
 #include "calendarsync/RefusedChanges.h"
@@ -235,6 +236,7 @@ void post(ManagedObjectContext &context, const StoreChanges &changes)
     if (DBWorker::isSample())
         return;
     offlinechanges::post(context, changes);
+    ChangesOfOthers::post(context, changes);
     if (changes.author == ChangeAuthor::Undo)
         followTakenBackSoon(!context.pendingOutbox().empty());
     if (!hasWork())

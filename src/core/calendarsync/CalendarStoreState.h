@@ -3,6 +3,7 @@
 #include "eventkit/EKEventStore.h"
 #include "foundation/Date.h"
 #include "foundation/NotificationCenter.h"
+#include "objectstore/ManagedObject.h"
 #include "store/entities/TaskValues.h"
 
 #include <QString>
@@ -25,6 +26,20 @@ struct Unwritten
     OptionalDate day;
 };
 
+/// What a row was before a save that is being taken in, of a device that has not got its calendar.
+struct BeforeArrival
+{
+    /// What that device has written.
+    ManagedObject::ColumnSet columns;
+    QString item;
+    QString calendar;
+    OptionalDate day;
+    bool isOfSeries = false;
+    bool isOffCalendar = false;
+    /// The row comes back after it had been deleted.
+    bool isReturning = false;
+};
+
 struct State
 {
     std::unique_ptr<EKEventStore> store;
@@ -41,6 +56,8 @@ struct State
     std::map<QString, Date> changedEvents;
     /// Rows whose events could not be read or written by what is not yet committed; by identifier.
     std::map<QString, Unwritten> unwritten;
+    /// Rows that another device changes by what is not yet committed; by identifier.
+    std::map<QString, BeforeArrival> arriving;
     /// Whether what is not yet committed was kept for later, and is to be tried again soon.
     bool isKeptForLater = false;
     /// Changes that calendars have refused, of which the user was not told yet.

@@ -43,13 +43,6 @@ TaskPtr rowWithEvent(const ObjectPtr &object)
     return task && !task->calendarID().isEmpty() ? task : nullptr;
 }
 
-bool concernsEvent(const ManagedObject::ColumnSet &columns)
-{
-    const EventFields fields = EventFields::ofColumns(columns);
-    return fields.title || fields.place || fields.notes || fields.dates || fields.alarms || fields.calendar ||
-           fields.rule || columns.test(static_cast<size_t>(EntityTask::column<"status">()));
-}
-
 /// One side of an entry: where the event stands before or after the change, and what the change is about. The
 /// text of a deletion names the calendar of the row, which nobody else knows any more; that of an edit the
 /// event, from which a row that was ticked off is parted.
@@ -234,6 +227,13 @@ bool isOne(const OutboxEntry &entry)
     return entry.place.isEmpty();
 }
 
+bool concernsEvent(const ManagedObject::ColumnSet &columns)
+{
+    const EventFields fields = EventFields::ofColumns(columns);
+    return fields.title || fields.place || fields.notes || fields.dates || fields.alarms || fields.calendar ||
+           fields.rule || columns.test(static_cast<size_t>(EntityTask::column<"status">()));
+}
+
 void keepForLater(EntityTask &row, Span span, OptionalDate formerDay)
 {
     if (DBWorker::isSample())
@@ -262,6 +262,27 @@ void keepDeletionForLater(const EntityTask &row, Span span)
     state().isKeptForLater = true;
 }
 
+void postEdit(ManagedObjectContext &context, const EntityTask &row, const EventOfEntry &event,
+              const ManagedObject::ColumnSet &columns)
+{
+    const Side before{false, event.span, event.day, columns, event.item};
+    Side after = before;
+    after.day = dateOf(row);
+    context.post({0, 0, {}, row.identifier(), before.text(), after.text()});
+}
+
+void postDeletion(ManagedObjectContext &context, const EventOfEntry &event)
+{
+    const Side side{true, event.span, event.day, {}, event.calendar};
+    context.post({0, 0, {}, event.item, std::nullopt, side.text()});
+}
+
+void postReturn(ManagedObjectContext &context, const EventOfEntry &event)
+{
+    const Side side{true, event.span, event.day, {}, event.calendar};
+    context.post({0, 0, {}, event.item, side.text(), std::nullopt});
+}
+
 void post(ManagedObjectContext &context, const StoreChanges &changes)
 {
     if (!isOfUser(changes.author))
@@ -283,23 +304,17 @@ void post(ManagedObjectContext &context, const StoreChanges &changes)
     };
     for (const StoreChanges::Update &update : changes.updated) {
         const TaskPtr row = rowWithEvent(update.object);
-        auto before = row && concernsEvent(update.columns) ? sideOf(*row) : std::nullopt;
+        const auto before = row && concernsEvent(update.columns) ? sideOf(*row) : std::nullopt;
         if (!before)
             continue;
-        before->columns = update.columns;
-        before->name = row->calendarID();
-        Side after = *before;
-        after.day = dateOf(*row);
-        context.post({0, 0, {}, row->identifier(), before->text(), after.text()});
+        postEdit(context, *row, {row->calendarID(), {}, before->span, before->day}, update.columns);
     }
     for (const ObjectPtr &object : changes.deleted) {
         const TaskPtr row = rowWithEvent(object);
-        auto before = row ? sideOf(*row) : std::nullopt;
+        const auto before = row ? sideOf(*row) : std::nullopt;
         if (!before)
             continue;
-        before->isDeletion = true;
-        before->name = row->typeCalendarID();
-        context.post({0, 0, {}, row->calendarID(), std::nullopt, before->text()});
+        postDeletion(context, {row->calendarID(), row->typeCalendarID(), before->span, before->day});
     }
 }
 

@@ -22,6 +22,26 @@ void keepForLater(EntityTask &row, Span span, OptionalDate formerDay = {});
 /// The same of a row that is about to be deleted.
 void keepDeletionForLater(const EntityTask &row, Span span);
 
+/// An event as an entry knows it: its identifier, the calendar that its row named, and its day; with the
+/// span, of a series those after it.
+struct EventOfEntry
+{
+    QString item;
+    QString calendar;
+    Span span = Span::ThisTask;
+    OptionalDate day;
+};
+/// Whether columns of a row say something that its event shows.
+bool concernsEvent(const ManagedObject::ColumnSet &columns);
+/// For the commit that is under way: the columns of a row are to be written to its event, which is still on
+/// its former day. Of a row that names no event, one is to be made.
+void postEdit(ManagedObjectContext &context, const EntityTask &row, const EventOfEntry &event,
+              const ManagedObject::ColumnSet &columns);
+/// The same: the event is to go.
+void postDeletion(ManagedObjectContext &context, const EventOfEntry &event);
+/// The same: it is to be there again.
+void postReturn(ManagedObjectContext &context, const EventOfEntry &event);
+
 /// Posts what a commit changes and the calendars cannot take now.
 void post(ManagedObjectContext &context, const StoreChanges &changes);
 /// The commit has what was kept for later.

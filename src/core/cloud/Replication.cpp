@@ -32,13 +32,15 @@ QString &sealingLibrary()
 } // namespace
 
 Replication::Replication(ManagedObjectContext &context, std::unique_ptr<replication::Replica> opened,
-                         Imported imported)
+                         Imported imported, std::unique_ptr<replication::Onlooker> looking)
     : store(context)
+    , onlooker(std::move(looking))
     , replica(std::move(opened))
     , sealing(sharedSealing())
     , exchange(std::make_unique<replication::ReplicaExchange>(
           *replica, replication::ReplicaFolder(contentFolder()), std::move(imported), sealing))
 {
+    replica->setOnlooker(onlooker.get());
     exchange->setFilesBeside({IcloudManager::iCloudImagesUrl(), IcloudManager::waitingImagesUrl()});
 }
 
@@ -102,7 +104,8 @@ QString Replication::contentFolder()
     return UbiquityContainer::path() + QStringLiteral("/Orrelin/Orrelin CoreData");
 }
 
-std::unique_ptr<Replication> Replication::start(ManagedObjectContext &context, Imported imported)
+std::unique_ptr<Replication> Replication::start(ManagedObjectContext &context, Imported imported,
+                                                std::unique_ptr<replication::Onlooker> onlooker)
 {
     if (UbiquityContainer::path().isEmpty())
         return nullptr;
@@ -111,7 +114,8 @@ std::unique_ptr<Replication> Replication::start(ManagedObjectContext &context, I
         Log::line(replica.error().message);
         return nullptr;
     }
-    return std::unique_ptr<Replication>(new Replication(context, std::move(*replica), std::move(imported)));
+    return std::unique_ptr<Replication>(
+        new Replication(context, std::move(*replica), std::move(imported), std::move(onlooker)));
 }
 
 void Replication::look()
@@ -140,6 +144,15 @@ void Replication::tellCalendars(const QStringList &names)
     replica->hold(names);
     if (replica->owesAcknowledgement())
         exchange->lookSoon();
+}
+
+void Replication::answerForCalendars(const QStringList &names)
+{
+    for (const replication::Device &device : replica->devices()) {
+        // Who has told of nothing is taken to have everything.
+        if (device.isOwn && device.holdings)
+            replica->hold(*device.holdings + names);
+    }
 }
 
 bool Replication::isCalendarElsewhere(const QStringList &names) const

@@ -17,7 +17,9 @@ public:
     /// Begins it for a store, if there is a shared folder; else gives null. A store that cannot take part is
     /// told of in the log, and is used alone.
     /// \param imported hears of each commit that brought in something from the others.
-    static std::unique_ptr<Replication> start(ManagedObjectContext &context, Imported imported);
+    /// \param onlooker looks on while that comes in; null for nobody.
+    static std::unique_ptr<Replication> start(ManagedObjectContext &context, Imported imported,
+                                              std::unique_ptr<replication::Onlooker> onlooker = nullptr);
 
     /// Looks for what is new on both sides soon.
     void look();
@@ -33,6 +35,9 @@ public:
     void sawCalendarItems(const QSet<QString> &items);
     /// Tells the other devices which calendars this one has, by names that these know, too.
     void tellCalendars(const QStringList &names);
+    /// Tells with the next commit, until `tellCalendars`, that this device has these beside what it has told
+    /// of. For a commit that says of calendars that have gone what only who has them may say.
+    void answerForCalendars(const QStringList &names);
     /// Whether another device that takes part may have a calendar of one of these names: it has told so, or
     /// has not told of its calendars yet. Who was removed, or not heard of for ninety days, takes no part.
     bool isCalendarElsewhere(const QStringList &names) const;
@@ -74,9 +79,10 @@ public:
 
 private:
     Replication(ManagedObjectContext &context, std::unique_ptr<replication::Replica> opened,
-                Imported imported);
+                Imported imported, std::unique_ptr<replication::Onlooker> looking);
 
     ManagedObjectContext &store;
+    std::unique_ptr<replication::Onlooker> onlooker;
     std::unique_ptr<replication::Replica> replica;
     OptionalError sealingChanged(OptionalError error);
 

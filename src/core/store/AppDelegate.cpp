@@ -2,6 +2,7 @@
 #include "store/CommitRoad.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "calendarsync/ChangesOfOthers.h"
 #include "calendarsync/Reminder.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
@@ -81,6 +82,10 @@ void AppDelegate::fillContext()
     core->isCalendarElsewhere = [this](const QStringList &names) {
         return exchange && exchange->isCalendarElsewhere(names);
     };
+    core->answerForCalendars = [this](const QStringList &names) {
+        if (exchange)
+            exchange->answerForCalendars(names);
+    };
     core->visibleCalendars = [this] {
         const QStringList references = CalendarCatalogue::visibleReferences() + referencesElsewhere();
         followVisibleCalendars(references);
@@ -103,8 +108,9 @@ const QStringList &AppDelegate::referencesElsewhere()
 
 void AppDelegate::startReplication()
 {
-    exchange = Replication::start(*contexts[ownStack],
-                                  [this](const StoreChanges &imported) { recordsCameIn(imported); });
+    exchange = Replication::start(
+        *contexts[ownStack], [this](const StoreChanges &imported) { recordsCameIn(imported); },
+        std::make_unique<ChangesOfOthers>(*contexts[ownStack]));
 }
 
 void AppDelegate::followVisibleCalendars(QStringList references)

@@ -38,6 +38,27 @@ struct Device
     std::optional<QStringList> holdings = {};
 };
 
+/// A save of another device that is about to be taken in: the rows are still what they were.
+struct Arrival
+{
+    /// What its device has outside of the store; absent if it never told.
+    std::optional<QStringList> holdings;
+    const std::vector<RowDelta> &deltas;
+    /// The rows that it makes anew, after they had been deleted.
+    std::set<RowKey> returning;
+};
+
+/// Looks on while saves of other devices are taken in.
+class Onlooker
+{
+public:
+    virtual ~Onlooker() = default;
+    /// Inside of the transaction that takes it in.
+    virtual void comes(const Arrival &arrival) = 0;
+    /// The transaction has ended, whatever became of it.
+    virtual void ended() = 0;
+};
+
 /// A store as one of several that hold the same records: it writes each commit down for the others, in the
 /// store itself and as a part of the commit, and takes in what the others wrote down. Main thread only.
 class Replica final : public CommitLog
@@ -145,6 +166,8 @@ public:
     /// What this device has outside of the store: the others hear of it with its next save. The former ones
     /// count no more.
     void hold(const QStringList &holdings);
+    /// Who looks on from now on; null for nobody. It must live until it is replaced.
+    void setOnlooker(Onlooker *wanted) { onlooker = wanted; }
 
     void transactionBegan(sqlite::Database &database, bool isCaptured) override;
     void captureEnds() override;
@@ -174,6 +197,7 @@ private:
     qint64 timeBeyond(RowLedger &ledger, const std::vector<RowDelta> &deltas, qint64 time) const;
     OptionalError addOutgoing(const ChangeFile &file);
     OptionalError noteDevice(const ChangeFile &file);
+    Arrival arrivalOf(const ChangeFile &file, const std::vector<RowDelta> &deltas) const;
     OptionalError noteRemoved(const VersionVector &removed);
     OptionalError saveNothing(const VersionVector &removed);
     OptionalError noteHoldings(const std::optional<QStringList> &holdings);
@@ -205,6 +229,7 @@ private:
     /// Others do not wait for this device, as long as it saves nothing beyond this.
     qint64 removedAt = 0;
     qint64 clearedUpTo = 0;
+    Onlooker *onlooker = nullptr;
     std::optional<QStringList> held;
     /// What the last save that told of it said.
     std::optional<QStringList> toldOf;

@@ -41,6 +41,27 @@ OptionalError Replica::noteDevice(const ChangeFile &file)
                                     .run());
 }
 
+Arrival Replica::arrivalOf(const ChangeFile &file, const std::vector<RowDelta> &deltas) const
+{
+    Arrival arrival{file.holdings, deltas, {}};
+    if (!arrival.holdings) {
+        sqlite::Statement former =
+            database.prepare("SELECT holdings FROM ObjectStoreReplicas WHERE device = ?");
+        if (former.bind(QString::fromUtf8(file.dot.device)).step())
+            arrival.holdings = listOfText(former.text(0));
+    }
+    sqlite::Statement deleted = database.prepare(
+        "SELECT 1 FROM ObjectStoreRowStates WHERE tbl = ? AND id = ? AND deletions IS NOT NULL");
+    for (const RowDelta &delta : deltas) {
+        if (delta.base.time == 0)
+            continue;
+        deleted.reset();
+        if (deleted.bind(QString::fromUtf8(delta.key.table)).bind(delta.key.id).step())
+            arrival.returning.insert(delta.key);
+    }
+    return arrival;
+}
+
 OptionalError Replica::noteRemoved(const VersionVector &removed)
 {
     for (const auto &[device, number] : removed.entries()) {
@@ -87,6 +108,8 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
                     if (!deltas)
                         return Error{QStringLiteral("replication"), 0,
                                      QStringLiteral("What another device changed cannot be read")};
+                    if (onlooker)
+                        onlooker->comes(arrivalOf(*file, *deltas));
                     for (const RowDelta &delta : *deltas) {
                         if (!merge.merge(delta, true))
                             return bookFailure(database);
@@ -111,6 +134,8 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
             }
             return applied;
         });
+    if (onlooker)
+        onlooker->ended();
     if (!changes) {
         known = before;
         clock = clockBefore;

@@ -44,6 +44,9 @@ public:
     std::function<void(const QSet<QString> &)> sawCalendarItems = [](const QSet<QString> &) {};
     /// Tells whether another device of the user may have a calendar of one of these names.
     std::function<bool(const QStringList &)> isCalendarElsewhere = [](const QStringList &) { return false; };
+    /// Hears which calendars have gone whose tasks the next commit removes: to the other devices that is no
+    /// wish of the user that the events go, too.
+    std::function<void(const QStringList &)> answerForCalendars = [](const QStringList &) {};
     /// Whether the store in use is that of the examples.
     bool isSample = false;
     /// Whether the program is in front of all others.
