@@ -10,7 +10,10 @@ bool becomes(Condition condition)
     constexpr qint64 mostMilliseconds = 5000;
     QElapsedTimer timer;
     timer.start();
-    while (!condition() && timer.elapsed() < mostMilliseconds)
+    while (!condition()) {
+        if (timer.elapsed() >= mostMilliseconds)
+            return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-    return condition();
+    }
+    return true;
 }

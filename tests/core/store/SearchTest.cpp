@@ -107,9 +107,12 @@ protected:
     static bool waitFor(Condition condition)
     {
         const QDeadlineTimer end(5000);
-        while (!condition() && !end.hasExpired())
+        while (!condition()) {
+            if (end.hasExpired())
+                return false;
             QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        return condition();
+        }
+        return true;
     }
     QStringList searchLater(const QString &text)
     {

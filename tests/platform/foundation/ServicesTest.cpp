@@ -18,9 +18,12 @@ static bool waitUntil(const std::function<bool()> &condition)
 {
     QElapsedTimer waited;
     waited.start();
-    while (!condition() && waited.elapsed() < 5000)
+    while (!condition()) {
+        if (waited.elapsed() >= 5000)
+            return false;
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    return condition();
+    }
+    return true;
 }
 
 TEST(AlertTest, ThePresenterIsAskedAndItsAnswerPassedOn)

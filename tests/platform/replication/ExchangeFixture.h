@@ -96,9 +96,12 @@ protected:
     static bool waitFor(const std::function<bool()> &condition, int milliseconds = 10'000)
     {
         const QDeadlineTimer deadline(milliseconds);
-        while (!condition() && !deadline.hasExpired())
+        while (!condition()) {
+            if (deadline.hasExpired())
+                return false;
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        return condition();
+        }
+        return true;
     }
     QStringList filesOf(const Device &device) const
     {

@@ -24,9 +24,12 @@ protected:
     static bool waitFor(const std::function<bool()> &condition)
     {
         const QDeadlineTimer deadline(5000);
-        while (!condition() && !deadline.hasExpired())
+        while (!condition()) {
+            if (deadline.hasExpired())
+                return false;
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-        return condition();
+        }
+        return true;
     }
 };
 
