@@ -4,6 +4,7 @@
 #include "objectstore/StoreReader.h"
 #include "store/entities/Entities.h"
 #include "store/queries/DBWorker.h"
+#include "store/queries/TypedNumber.h"
 
 #include <QUrl>
 
@@ -64,6 +65,25 @@ void add(NamedByKind &named, const QString &uri, const QString &store)
 /// So many fill a screen.
 constexpr std::size_t firstRecords = 60;
 
+/// Whose number has these digits, however it is divided.
+bool addHoldersOfNumber(NamedByKind &named, StoreReader &reader, const QString &digits, const QString &store)
+{
+    if (digits.isEmpty())
+        return true;
+    return reader.visit(
+        EntityPhone::fetchRequest(), {"number", "contact", "company"}, [&](const RowReader &row) {
+            if (!typednumber::isIn(row.text(0), digits))
+                return;
+            for (const auto &[column, entity] :
+                 {std::pair(1, EntityContacts::entityName), std::pair(2, EntityCompany::entityName)}) {
+                const QByteArray holder = QUrl::toPercentEncoding(row.text(column));
+                const QString kind = QString::fromUtf8(entity.data(), static_cast<qsizetype>(entity.size()));
+                if (!holder.isEmpty())
+                    add(named, store + kind + u'/' + QString::fromLatin1(holder), store);
+            }
+        });
+}
+
 /// \param enough is called once as soon as there are enough for a screen.
 std::optional<NamedByKind> namedIn(StoreReader &reader, const searchhits::Query &query,
                                    const std::function<void(const NamedByKind &)> &enough)
@@ -81,7 +101,9 @@ std::optional<NamedByKind> namedIn(StoreReader &reader, const searchhits::Query 
         if (enough && seen.size() == firstRecords)
             enough(named);
     });
-    return isRead ? std::optional(std::move(named)) : std::nullopt;
+    if (!isRead || !addHoldersOfNumber(named, reader, typednumber::digitsOf(query.text), store))
+        return std::nullopt;
+    return named;
 }
 
 /// The names of the records, by their places; absent for a record that is gone.

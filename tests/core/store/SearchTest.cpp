@@ -81,6 +81,11 @@ TEST_F(Searching, KnowsNumbersAndShownCategories)
     task->setCategory(EntityCategory::title(u"HomeCategory"_qs));
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(search(u"312) 5"_qs), QStringList({u"CONTACT"_qs, u"- Ann"_qs, u"COMPANY"_qs, u"- Ltd"_qs}));
+    const QStringList both{u"CONTACT"_qs, u"- Ann"_qs, u"COMPANY"_qs, u"- Ltd"_qs};
+    for (const QString &typed : {u"1312555"_qs, u"0312-555"_qs, u"001 312 555"_qs, u"+1312/555"_qs})
+        EXPECT_EQ(search(typed), both) << qPrintable(typed);
+    for (const QString &other : {u"555312"_qs, u"13125556"_qs, u"room 12555"_qs, u"( ) 0"_qs})
+        EXPECT_TRUE(search(other).isEmpty()) << qPrintable(other);
     EXPECT_EQ(search(u"home"_qs), QStringList({u"TASK"_qs, u"- lamp"_qs}));
     EXPECT_TRUE(search(u"HomeCat"_qs).isEmpty());
 }

@@ -183,7 +183,8 @@ public:
     static std::vector<ProjectPtr> allProjectsSortDueDate(const FilterEntry *filter = nullptr);
     /// The index rows whose text contains a text, case and diacritics ignored.
     static ObjectList<EntitySearchIndex> searchEntityWithString(const QString &text);
-    /// The records that those rows stand for, each as often as it is found.
+    /// The records that those rows stand for, and who has a telephone number with the digits of one that is
+    /// looked for; each as often as it is found.
     static std::vector<QString> searchObjectIdsWithString(const QString &text);
     /// Nothing for an empty entity name.
     static std::optional<ObjectListBase> getAllObjectsOFEntity(const std::string &entity,

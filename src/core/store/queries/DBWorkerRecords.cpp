@@ -3,6 +3,7 @@
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 #include "store/queries/ListDefinitions.h"
+#include "store/queries/TypedNumber.h"
 
 // Fetches of everything that is not a list of tasks.
 
@@ -172,6 +173,17 @@ std::vector<QString> DBWorker::searchObjectIdsWithString(const QString &text)
     std::vector<QString> ids;
     mainContext().visit(indexRowsWith(text), {"objectId"},
                         [&ids](const RowReader &row) { ids.push_back(row.text(0)); });
+    const QString digits = typednumber::digitsOf(text);
+    if (digits.isEmpty())
+        return ids;
+    for (const auto &phone : mainContext().fetch<EntityPhone>(EntityPhone::fetchRequest())) {
+        if (!typednumber::isIn(phone->number(), digits))
+            continue;
+        for (const ObjectPtr &holder : {ObjectPtr(phone->contact()), ObjectPtr(phone->company())}) {
+            if (holder)
+                ids.push_back(getIdFromObject(holder));
+        }
+    }
     return ids;
 }
 
