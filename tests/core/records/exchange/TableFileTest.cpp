@@ -153,7 +153,8 @@ TEST_F(TableFileTest, PeopleComeBackAsTheyWere)
     forgetPeople();
     context().deleteObject(choir);
     ASSERT_FALSE(DBWorker::saveContext());
-    EXPECT_EQ(import(text).sentences(), QStringList(u"1 contact was imported."_qs));
+    EXPECT_EQ(import(text).sentences(),
+              (QStringList{u"1 contact was imported."_qs, u"1 company was imported."_qs}));
     CNContact present = valuesOf(*onlyContact());
     EXPECT_EQ(present, former);
     EXPECT_THAT(house->delegateToUser(), ElementsAre(onlyContact()));
