@@ -27,7 +27,6 @@ ContactsTopView::ContactsTopView(QWidget *parent)
     row->addWidget(buttonFilter);
     buttonGroup->setObjectName(u"buttonGroup"_s);
     buttonFilter->setFilter(&filter);
-    buttonFilter->setAction({localized(u"Save"_s), [this] { clickButtonSave(); }});
     connect(buttonGroup, &QAbstractButton::clicked, this, &ContactsTopView::membersWanted);
     setContactGroup(nullptr);
     // Undo, and whoever else changes a list, changes what its bubble begins with.
@@ -51,6 +50,10 @@ void ContactsTopView::setContactGroup(const std::shared_ptr<EntityContactGroup> 
     contactGroup = group;
     const ContactFilterButtons buttons = ContactGroups::activeFilterButtons(group.get());
     buttonFilter->closePopover();
+    const bool isList = group && !ContactGroups::isGroup(*group);
+    buttonFilter->setAction(
+        {localized(u"Save"_s), [this] { clickButtonSave(); },
+         isList ? QString() : localized(u"Saving adds a list of these people to the sidebar."_s)});
     showState(*buttonFilter, buttons.filter);
     showState(*buttonGroup, buttons.group);
     filter.viewWillAppear(group.get());

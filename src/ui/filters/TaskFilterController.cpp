@@ -13,6 +13,7 @@
 #include "widgets/PopUpButton.h"
 #include "widgets/Popover.h"
 #include "widgets/RowItemView.h"
+#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 
 #include <QHBoxLayout>
@@ -46,7 +47,8 @@ static QLayout *makeButton(const TaskFilterController::Action &action, Popover *
     button->setDefault(true);
     auto *row = new QHBoxLayout;
     row->setContentsMargins(2 * Theme::unit, Theme::unit, 2 * Theme::unit, Theme::unit);
-    row->addStretch(1);
+    row->setSpacing(2 * Theme::unit);
+    row->addWidget(makeTextLabel(action.hint, Theme::FontRole::Small, Theme::secondaryText), 1);
     row->addWidget(button);
     QObject::connect(button, &QPushButton::clicked, bubble, [bubble, perform = action.perform] {
         bubble->close();

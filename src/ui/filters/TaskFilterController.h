@@ -31,6 +31,8 @@ public:
     {
         QString words;
         std::function<void()> perform;
+        /// What comes of it, in a sentence beside the button; empty for nothing to say.
+        QString hint = {};
     };
     /// A bubble with the rows in it, ready to be shown; it goes when it is closed.
     /// \param action absent for none.

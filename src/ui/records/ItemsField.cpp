@@ -37,7 +37,7 @@ struct ItemsField::EditedItem
     }
 };
 
-constexpr int typeWidth = 104;
+constexpr int typeWidth = 92;
 /// Below this width there is no room for a field and its type in one line.
 constexpr int narrowField = 260;
 

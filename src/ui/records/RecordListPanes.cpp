@@ -108,8 +108,10 @@ void RecordListScreen::closeHiddenDetails()
 
 void RecordListScreen::setDetailSpace(int width)
 {
+    // Without rows there is nothing to look at beside them, but for a pane that still has words.
+    const bool hasPane = detailStack() && detailStack()->top();
     if (isBeside())
-        width = qRound(this->width() * description.detailPlace.width);
+        width = hasRows() || hasPane ? qRound(this->width() * description.detailPlace.width) : 0;
     for (QWidget *part : {listLayer, head}) {
         if (part)
             part->setContentsMargins(isRightToLeft() ? width : 0, 0, isRightToLeft() ? 0 : width, 0);

@@ -251,6 +251,8 @@ void RecordListScreen::updateEmptyState()
         filteredState->setVisible(isByFilter);
     if (besideState)
         besideState->setVisible(!isEmpty);
+    if (isBeside())
+        setDetailSpace(0);
 }
 
 /// Where a list was left, and with what.
@@ -395,6 +397,10 @@ void RecordListScreen::selectRecords(const std::vector<ObjectPtr> &records)
 
 void RecordListScreen::selectionChanged()
 {
+    const auto selected = static_cast<int>(view->selectedRows().size());
+    if (besideState)
+        besideState->setSentence(selected > 1 ? listModel->countInWords(selected)
+                                              : description.besideSentence);
     // Keys that come in quick succession open one pane.
     if (isBeside())
         opening.start(0);

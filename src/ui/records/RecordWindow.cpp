@@ -17,7 +17,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int firstWidth = 520;
+constexpr int firstWidth = 560;
 constexpr int formMargin = 2 * Theme::unit;
 /// The rows have come to rest by then.
 constexpr auto afterRows = std::chrono::milliseconds(40);
@@ -126,6 +126,7 @@ void RecordWindow::clickButtonSave()
     keeper.drop();
     isClosingAgreed = true;
     close();
+    Q_EMIT saved(model->record());
 }
 
 void RecordWindow::clickButtonClose()

@@ -17,6 +17,10 @@ class QPushButton;
 class RecordWindow : public QWidget, public EditedPlace
 {
     Q_OBJECT
+Q_SIGNALS:
+    /// The record was stored.
+    void saved(const ObjectPtr &record);
+
 public:
     /// \param name what the window is called among the widgets.
     /// \param form the new record; \param view shows it. Both go with the window.
@@ -24,6 +28,8 @@ public:
                  QWidget *parent = nullptr);
     ~RecordWindow() override;
 
+    /// The record while it is edited.
+    FormModel &form() { return *model; }
     /// Begins with the words that an earlier form was left with.
     void resume(const QString &file, const RecordDraft &draft);
     /// Shows the window, or brings it to the front as it is.

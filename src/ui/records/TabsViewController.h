@@ -10,6 +10,7 @@
 #include <QWidget>
 
 class DetailStack;
+class FormModel;
 class QPrinter;
 
 /// A screen of the content area with its bar. Only one of them lives at a time.
@@ -35,6 +36,8 @@ public:
     /// What the add button gives a new task of this screen.
     virtual NewTaskRequest newTaskRequest() const { return {}; }
 
+    /// A new record is about to be edited that was asked for from this screen.
+    virtual void prepareNew(FormModel &form) { Q_UNUSED(form) }
     /// Selects a record, scrolls to it and shows it; nothing if it is not on the screen.
     virtual void selectItem(const ObjectPtr &record) { Q_UNUSED(record) }
     /// Selects those of some records that are on the screen, and scrolls to the first of them.

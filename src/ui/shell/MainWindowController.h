@@ -54,9 +54,11 @@ public:
     bool showList(SidebarItem item);
     /// The same, and puts the focus into its rows.
     void goToList(SidebarItem item);
-    /// Opens the window for a new task; one that is open is brought to the front as it is.
     void showOver(const ObjectPtr &record, QWidget *from);
+    /// Opens the window for a new task; one that is open is brought to the front as it is.
     void showNewTask(const NewTaskRequest &request);
+    /// Selects what was stored in a window of its own, if it is on the screen.
+    void showNewRecord(const ObjectPtr &record);
     /// The same with what was marked in a calendar.
     void newTask(const MarkedSpan &dates, TimePeriod timePeriod);
     void showCalendars();

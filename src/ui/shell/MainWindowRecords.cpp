@@ -29,7 +29,12 @@ void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
                 &ImportContactWindowController::preferencesWanted, this, &MainWindowController::showSettings,
                 Qt::UniqueConnection);
     else if (const auto kind = Screens::kindAddedBy(type))
-        showNewWindow(kind->windowName, [&] { return kind->makeWindow(mainWindow.get()); });
+        showNewWindow(kind->windowName, [&] {
+            RecordWindow *const window = kind->makeWindow(mainWindow.get());
+            if (screen)
+                screen->prepareNew(window->form());
+            return window;
+        });
 }
 
 /// One that is open is brought to the front as it is.
@@ -40,8 +45,16 @@ void MainWindowController::showNewWindow(const QString &name, Make make)
     if (!window) {
         window = make();
         window->setAttribute(Qt::WA_DeleteOnClose);
+        connect(window, &RecordWindow::saved, this, &MainWindowController::showNewRecord);
     }
     window->showWindow();
+}
+
+/// It is the next that one works with; only where words wait to be saved, these come first.
+void MainWindowController::showNewRecord(const ObjectPtr &record)
+{
+    if (record && screen && !details->hasChanges())
+        screen->selectRecords({record});
 }
 
 void MainWindowController::showNewTask(const NewTaskRequest &request)

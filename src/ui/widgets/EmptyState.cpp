@@ -15,12 +15,18 @@ constexpr int textWidth = 360;
 EmptyState::EmptyState(const QString &iconName, const QString &sentence, QWidget *parent)
     : QWidget(parent)
     , icon(iconName)
-    , text(sentence)
 {
     Accessibility::describe(*this, {.role = QAccessible::Grouping});
-    setAccessibleName(sentence);
+    setSentence(sentence);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     Appearance::setFont(*this, Theme::FontRole::Large);
+}
+
+void EmptyState::setSentence(const QString &sentence)
+{
+    text = sentence;
+    setAccessibleName(sentence);
+    update();
 }
 
 void EmptyState::setAction(const QString &title, const QString &name)

@@ -12,6 +12,7 @@ public:
     EmptyState(const QString &iconName, const QString &sentence, QWidget *parent = nullptr);
 
     QString sentence() const { return text; }
+    void setSentence(const QString &sentence);
     /// Puts a button below the sentence.
     /// \param name what the button is called among the widgets.
     void setAction(const QString &title, const QString &name = QStringLiteral("buttonOfEmptyState"));

@@ -164,7 +164,7 @@ TEST_F(NotesTest, ANewOneIsMadeInItsWindow)
     EXPECT_EQ(stored(u"delta"_s)->creationDate(), Clock::now());
     settle();
     EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"beta"_s, u"delta"_s, u"gamma"_s}));
-    EXPECT_EQ(title().text(), u"alpha"_s) << "what is read stays";
+    EXPECT_EQ(title().text(), u"delta"_s) << "one goes on with what is new";
 }
 
 TEST_F(NotesTest, DeletedOnesLeaveAndTheNextIsRead)

@@ -388,7 +388,8 @@ TEST_F(PeopleTest, NewOnesAreMadeInTheirWindowsFromAnyScreen)
     press(*newContact, "buttonSave");
     EXPECT_EQ(rows().last(), u"Dora"_s);
     const auto dora = EntityContacts::firstName(u"Dora"_s, {});
-    EXPECT_EQ(people().selectedRecord(), ann) << "who is read stays";
+    EXPECT_EQ(people().selectedRecord(), dora);
+    EXPECT_EQ(name(), u"Dora"_s) << "one goes on with who is new";
     run(ActionId::Undo);
     settle();
     EXPECT_EQ(rows().size(), 3) << "with all that belongs to them";
@@ -451,6 +452,15 @@ TEST_F(PeopleTest, AGroupShowsItsMembersAndFollowsThem)
     EXPECT_EQ(rows(), (QStringList{u"Ann Lee"_s, u"Cleo"_s}));
     EXPECT_EQ(dynamic_cast<ContactViewController &>(people()).contactGroup(), group);
     EXPECT_EQ(name(), u"Ann Lee"_s);
+    pressAdd();
+    auto *newContact = window().findChild<RecordWindow *>(u"WindowNewContacts"_s);
+    QTest::keyClicks(newContact->focusWidget(), u"Dora"_s);
+    press(*newContact, "buttonSave");
+    EXPECT_EQ(rows(), (QStringList{u"Ann Lee"_s, u"Cleo"_s, u"Dora"_s})) << "who is made here belongs here";
+    EXPECT_EQ(name(), u"Dora"_s);
+    run(ActionId::Undo);
+    settle();
+    EXPECT_EQ(rows(), (QStringList{u"Ann Lee"_s, u"Cleo"_s}));
     group->setContacts({cleo, bob});
     save();
     EXPECT_EQ(rows(), (QStringList{u"Bob Kay"_s, u"Cleo"_s}));

@@ -326,6 +326,9 @@ QString ContactForm::stepName(bool isNew) const
 void ContactForm::insertRow()
 {
     row = mainContext().insert<EntityContacts>();
+    auto groups = values.contactGroup;
+    std::erase_if(groups, [](const auto &group) { return group->isDeleted() || !group->context(); });
+    row->setContactGroup(groups);
 }
 
 void ContactForm::writeValues()

@@ -2,6 +2,7 @@
 
 #include "filters/ContactGroups.h"
 #include "filters/ContactsTopView.h"
+#include "records/people/ContactForm.h"
 #include "shell/contactimport/ImportContactWindowController.h"
 #include "shell/people/BirthdaysStrip.h"
 #include "shell/people/WindowAddContactsGroup.h"
@@ -66,6 +67,14 @@ void ContactViewController::addFirst()
         pickMembers();
     else
         openFilter();
+}
+
+/// Who is made while a group is shown belongs to it; else nobody would see where the contact went.
+void ContactViewController::prepareNew(FormModel &form)
+{
+    if (auto *const contact = dynamic_cast<ContactForm *>(&form);
+        contact && group && ContactGroups::isGroup(*group))
+        contact->values.contactGroup = {group};
 }
 
 void ContactViewController::dragEnterEvent(QDragEnterEvent *event)

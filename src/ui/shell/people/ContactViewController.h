@@ -18,6 +18,7 @@ public:
     void setContactGroup(const std::shared_ptr<EntityContactGroup> &newGroup);
 
     void openFilter() override;
+    void prepareNew(FormModel &form) override;
     bool canFilter() const override;
 
 protected:
