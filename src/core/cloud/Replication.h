@@ -73,6 +73,8 @@ public:
     OptionalError removeDevice(const replication::DeviceId &device);
 
     replication::Health health() const { return exchange->health(); }
+    /// Whether nothing is under way between the store and the folder.
+    bool isAtRest() const { return exchange->isAtRest(); }
     void setListener(std::function<void()> listener) { exchange->setListener(std::move(listener)); }
     /// Where the devices meet.
     static QString contentFolder();

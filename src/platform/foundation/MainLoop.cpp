@@ -10,10 +10,17 @@ static Milliseconds rounded(Seconds length)
     return std::max(std::chrono::round<Milliseconds>(length), Milliseconds::zero());
 }
 
+static double pace = 1;
+
+void MainLoop::setPace(double timesFaster)
+{
+    pace = timesFaster;
+}
+
 void MainLoop::performDelayed(Seconds delay, std::function<void()> block)
 {
     if (auto *application = QCoreApplication::instance())
-        QTimer::singleShot(rounded(delay), application, std::move(block));
+        QTimer::singleShot(rounded(delay / pace), application, std::move(block));
 }
 
 class RepeatingTimer::Timer : public QTimer

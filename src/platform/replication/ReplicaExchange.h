@@ -61,6 +61,8 @@ public:
     /// While it rests, nothing goes out or comes in.
     void setResting(bool isOn);
     Health health() const;
+    /// Whether nothing is being looked for, written or taken in, and nothing is about to be.
+    bool isAtRest() const { return !isRoundDue && !isRunning && !isMaking; }
     /// Called whenever the health may be another.
     void setListener(std::function<void()> wanted) { listener = std::move(wanted); }
 

@@ -2,6 +2,7 @@
 
 #include "cloud/Replication.h"
 #include "foundation/ApplicationPaths.h"
+#include "foundation/MainLoop.h"
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 
@@ -11,6 +12,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -23,10 +25,12 @@ public:
         : formerHome(qgetenv("XDG_DATA_HOME"))
     {
         write(QJsonObject{{QStringLiteral("cloudFolder"), shared.path()}});
+        MainLoop::setPace(10);
     }
     ~TwoDevices()
     {
         end();
+        MainLoop::setPace(1);
         qputenv("XDG_DATA_HOME", formerHome);
         write({});
     }
@@ -48,15 +52,18 @@ public:
     {
         ASSERT_NE(running->replication(), nullptr);
         running->replication()->look();
-        QDeadlineTimer deadline(10'000);
-        int quietRounds = 0;
-        replication::Health before;
-        while (quietRounds < 2 && !deadline.hasExpired()) {
-            QDeadlineTimer round(300);
-            while (!round.hasExpired())
-                QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-            const replication::Health now = running->replication()->health();
-            quietRounds = now.unsent == 0 && seenOf(now) == seenOf(before) ? quietRounds + 1 : 0;
+        // Longer than any of the pauses that the program makes in between; the longest is that after a change
+        // in a folder of calendars.
+        constexpr int longEnough = 250;
+        const QDeadlineTimer deadline(10'000);
+        QDeadlineTimer quiet(longEnough);
+        QByteArray before;
+        while (!quiet.hasExpired() && !deadline.hasExpired()) {
+            QThread::msleep(1);
+            QCoreApplication::processEvents();
+            const QByteArray now = seenOf(running->replication()->health());
+            if (!running->replication()->isAtRest() || now != before)
+                quiet.setRemainingTime(longEnough);
             before = now;
         }
     }
@@ -85,7 +92,7 @@ private:
         QByteArray text;
         for (const replication::Device &device : health.devices)
             text += device.id + QByteArray::number(device.number) + ' ';
-        return text + QByteArray::number(health.waiting);
+        return text + QByteArray::number(health.waiting) + ' ' + QByteArray::number(health.unsent);
     }
     static void write(const QJsonObject &values)
     {
