@@ -6,11 +6,13 @@
 #include "shell/Shell.h"
 #include "shell/tasks/CaptureBar.h"
 #include "shell/tasks/CaptureEdit.h"
+#include "shell/tasks/CaptureOfferList.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/TableViewExtended.h"
 
 #include <QFile>
 #include <QLabel>
+#include <QListView>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,6 +29,20 @@ protected:
     {
         const auto *label = window().findChild<QLabel *>(u"labelCaptured"_s);
         return label && label->isVisible() ? label->text() : QString();
+    }
+    /// The names with which the line can go on; the marked one in brackets.
+    QString offered()
+    {
+        const auto *offers = window().findChild<CaptureOfferList *>(u"captureOffers"_s);
+        if (!offers || !offers->isVisible())
+            return {};
+        QStringList names;
+        const QAbstractItemModel &model = *offers->findChild<QListView *>()->model();
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const QString name = model.index(row, 0).data().toString();
+            names.append(name == offers->marked() ? u'[' + name + u']' : name);
+        }
+        return names.join(u", "_s);
     }
     void type(const QString &text) { QTest::keyClicks(&line(), text); }
     void press(Qt::Key pressed) { QTest::keyClick(&line(), pressed); }
@@ -288,4 +304,68 @@ TEST_F(CaptureTest, HomeTakesALineWhereItHasRoomForIt)
     run(ActionId::AddInLine);
     EXPECT_EQ(screen().type(), ListType::Inbox);
     EXPECT_TRUE(line().hasFocus());
+}
+
+TEST_F(CaptureTest, NamesAreOfferedAsTheyAreTyped)
+{
+    for (const QString &title : {u"Workshop"_s, u"Garden, back"_s})
+        context().insert<EntityCategory>()->setTitle(title);
+    for (const auto &[title, status] :
+         {std::pair(u"Gate"_s, TaskStatus::Open), std::pair(u"Garage"_s, TaskStatus::Done)}) {
+        const auto project = context().insert<EntityProject>();
+        project->setTitle(title);
+        project->setStatus(status);
+    }
+    for (const auto &[first, last] : {std::pair(u"Zoë"_s, u"Gale"_s), std::pair(u"Ann"_s, u"Lee"_s),
+                                      std::pair(u"Ann Maria"_s, u"Zorn"_s)}) {
+        const auto person = context().insert<EntityContacts>();
+        person->setFirstName(first);
+        person->setLastName(last);
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    showList(SidebarItem::Inbox);
+    run(ActionId::AddInLine);
+    type(u"Dig #ga"_s);
+    EXPECT_EQ(offered(), u"[Garden, back]"_s);
+    EXPECT_EQ(told(), QString()) << "one thing at a time";
+    press(Qt::Key_Return);
+    EXPECT_EQ(line().text(), u"Dig #Garden, back "_s) << "the first Return takes the name";
+    EXPECT_EQ(offered(), QString());
+    type(u"+ga"_s);
+    EXPECT_EQ(offered(), u"[Gate]"_s) << "what is finished is not offered";
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(line().hasFocus());
+    type(u"@zo"_s);
+    EXPECT_EQ(offered(), u"[Ann Maria Zorn], Zoë Gale"_s) << "by either name, whatever the accents";
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    press(Qt::Key_Return);
+    const TaskPtr dig = stored(u"Dig"_s);
+    ASSERT_NE(dig, nullptr);
+    EXPECT_EQ(dig->category()->title(), u"Garden, back"_s);
+    EXPECT_EQ(dig->project()->title(), u"Gate"_s);
+    EXPECT_EQ(dig->delegateToUser()->firstName(), u"Zoë"_s);
+
+    // What is a name already goes as it is, and so does what is no name.
+    type(u"Sweep #Work"_s);
+    EXPECT_EQ(offered(), u"Workshop"_s);
+    press(Qt::Key_Return);
+    ASSERT_NE(stored(u"Sweep"_s), nullptr);
+    EXPECT_EQ(stored(u"Sweep"_s)->category()->title(), u"Work"_s);
+    type(u"C #gar"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(offered(), QString());
+    EXPECT_EQ(line().text(), u"C #gar"_s) << "Escape closes the names first";
+    press(Qt::Key_Return);
+    EXPECT_NE(stored(u"C #gar"_s), nullptr);
+    for (const QString &plain : {u"Learn C#"_s, u"1 + 1"_s, u"me@gale"_s, u"Say \"#gar"_s, u"@"_s}) {
+        line().clear();
+        type(plain);
+        EXPECT_EQ(offered(), QString()) << plain.toStdString();
+    }
+    line().clear();
+    type(u"#gar"_s);
+    EXPECT_NE(offered(), QString());
+    press(Qt::Key_Home);
+    EXPECT_EQ(offered(), QString()) << "the cursor has left the word";
 }

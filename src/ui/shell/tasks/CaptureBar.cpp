@@ -6,11 +6,11 @@
 #include "shell/tasks/CaptureEdit.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Appearance.h"
+#include "widgets/FloatingCard.h"
 #include "widgets/LongWork.h"
 #include "widgets/Theme.h"
 
 #include <QLabel>
-#include <QPainter>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,12 +35,7 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override
     {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(Theme::controlBorder, 1));
-        painter.setBrush(Theme::card);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::controlRadius,
-                                Theme::controlRadius);
+        paintFloatingCard(*this);
         QLabel::paintEvent(event);
     }
 };
@@ -68,6 +63,7 @@ CaptureBar::CaptureBar(std::function<NewTaskRequest()> ofList, const QString &ke
     field->resume(keeper.kept());
     connect(field, &CaptureEdit::captureChanged, this, [this] { keeper.keep(field->draft()); });
     connect(field, &CaptureEdit::captureChanged, this, &CaptureBar::tell);
+    connect(field, &CaptureEdit::offering, this, &CaptureBar::tell);
     connect(field, &CaptureEdit::accepted, this, &CaptureBar::save);
     connect(field, &CaptureEdit::left, this, &CaptureBar::left);
 }
@@ -111,7 +107,8 @@ void CaptureBar::hideEvent(QHideEvent *event)
 
 void CaptureBar::tell()
 {
-    const QString words = CapturedTask::inWords(field->capture());
+    // Names to choose from take its place meanwhile.
+    const QString words = field->isOffering() ? QString() : CapturedTask::inWords(field->capture());
     if (words == understood->text() && !going.isActive())
         return;
     going.stop();

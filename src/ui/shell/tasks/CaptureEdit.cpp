@@ -1,6 +1,7 @@
 #include "shell/tasks/CaptureEdit.h"
 
 #include "foundation/Localization.h"
+#include "shell/tasks/CaptureOfferList.h"
 #include "widgets/Icons.h"
 #include "widgets/Theme.h"
 
@@ -20,7 +21,97 @@ CaptureEdit::CaptureEdit(QWidget *parent)
     setAccessibleName(localized(u"Add a task"_s));
     addAction(Icons::icon(u"add"_s, Theme::secondaryText), LeadingPosition);
     connect(this, &QLineEdit::textChanged, this, &CaptureEdit::edited);
+    connect(this, &QLineEdit::textEdited, this, &CaptureEdit::offerNames);
+    connect(this, &QLineEdit::cursorPositionChanged, this, [this](int, int now) {
+        if (offer && now != offer->from + offer->length)
+            endOffer();
+    });
 }
+
+CaptureEdit::~CaptureEdit()
+{
+    delete offers;
+}
+
+// Names that are offered
+
+bool CaptureEdit::isOffering() const
+{
+    return offers && offers->isVisible();
+}
+
+void CaptureEdit::offerNames()
+{
+    offer = CaptureOffer::at(text(), cursorPosition(), literal);
+    if (!offer)
+        return endOffer();
+    if (!offers) {
+        offers = new CaptureOfferList;
+        connect(offers, &CaptureOfferList::chosen, this, &CaptureEdit::takeName);
+    }
+    const int typed = fontMetrics().horizontalAdvance(text().mid(offer->from, offer->length));
+    offers->showBelow(*this, cursorRect().center().x() - (isRightToLeft() ? -typed : typed), *offer);
+    Q_EMIT offering();
+}
+
+void CaptureEdit::endOffer()
+{
+    offer.reset();
+    if (!isOffering())
+        return;
+    offers->hide();
+    Q_EMIT offering();
+}
+
+void CaptureEdit::takeName(const QString &name)
+{
+    if (!offer)
+        return;
+    const CaptureOffer taken = *offer;
+    const int end = taken.from + taken.length;
+    const bool isLast = end >= text().size() || !text().at(end).isSpace();
+    setSelection(taken.from, taken.length);
+    insert(isLast ? name + u' ' : name);
+    endOffer();
+}
+
+bool CaptureEdit::keyOfOffer(const QKeyEvent &event)
+{
+    if (!isOffering() || event.modifiers().testFlag(Qt::ControlModifier))
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        offers->walk(event.key() == Qt::Key_Down ? 1 : -1);
+        return true;
+    case Qt::Key_Escape:
+        endOffer();
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Tab:
+        if (offers->marked().isEmpty())
+            return false;
+        takeName(offers->marked());
+        return true;
+    default:
+        return false;
+    }
+}
+
+void CaptureEdit::focusOutEvent(QFocusEvent *event)
+{
+    endOffer();
+    QLineEdit::focusOutEvent(event);
+}
+
+void CaptureEdit::hideEvent(QHideEvent *event)
+{
+    QLineEdit::hideEvent(event);
+    endOffer();
+}
+
+// What was understood
 
 void CaptureEdit::readAgain()
 {
@@ -79,6 +170,11 @@ bool CaptureEdit::event(QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride && !text().isEmpty() &&
         static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
+        event->accept();
+        return true;
+    }
+    // Tab would go on to the next field.
+    if (event->type() == QEvent::KeyPress && keyOfOffer(*static_cast<QKeyEvent *>(event))) {
         event->accept();
         return true;
     }
