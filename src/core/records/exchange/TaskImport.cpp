@@ -225,7 +225,7 @@ QStringList TaskImportAccount::sentences() const
             all.append(localized(sentence).arg(someTitles(names)));
     };
     list(unread, u"What is no date or number stands in notes: %1."_s);
-    list(unknownColumns, u"Columns that mean nothing here were left out: %1."_s);
+    list(unknownColumns, u"Columns that mean nothing here stand in notes: %1."_s);
     list(otherCalendars, u"Calendars that are not here; what was in them goes to the usual one: %1."_s);
     list(missingTasks, u"Tasks of projects that are in no table that was imported: %1."_s);
     tell(refused, u"%1 could not be imported: %2"_s);
