@@ -198,6 +198,7 @@ TaskImportAccount TaskImport::import(const StepBlock &step)
         for (const File &file : files)
             if (parts.goesOn())
                 take(file, areProjects);
+    importer.finish();
     parts.finish();
     for (const auto &table : tables)
         table->finish();
