@@ -116,6 +116,8 @@ QStringList RecordTable::columnsOf(Kind kind, const QStringList &titles)
             mostKnown = count;
             best = all;
         }
+        if (mostKnown == titles.size())
+            break;
     }
     return best;
 }

@@ -30,7 +30,11 @@ bool tablewords::means(const QString &text, const QString &english)
 
 QString tablewords::keyOf(const QString &title)
 {
+    // No title is so long.
+    constexpr qsizetype longest = 200;
     QString key;
+    if (title.size() > longest)
+        return key;
     for (const QChar letter : title.toLower())
         if (letter.isLetterOrNumber())
             key += letter;

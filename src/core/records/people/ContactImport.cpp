@@ -122,8 +122,10 @@ bool hasMore(const CNContact &card, const KnownContact &known)
     const auto isOtherWord = [&](const auto &one) {
         return !isLink(card, one) && !known.words.contains(one.value);
     };
+    const auto isOtherGroup = [&known](const QString &title) { return !known.groups.contains(title); };
     const bool hasBirthday = card.birthday && card.birthday->year;
     return (!card.imageData.isEmpty() && !known.hasPicture) ||
+           (card.hasName() && std::ranges::any_of(card.groups, isOtherGroup)) ||
            std::ranges::any_of(card.otherWords, isOtherWord) || lacks(card.phoneNumbers, known.phones) ||
            lacks(card.emailAddresses, known.emails) || lacks(card.urlAddresses, known.urls) ||
            std::ranges::any_of(card.postalAddresses, isMissing) ||
@@ -153,6 +155,7 @@ KnownContact knownFrom(const CNContact &card)
                        .birthday = card.birthday && card.birthday->year ? card.birthday : std::nullopt,
                        .company = oneLine(card.organizationName),
                        .hasPicture = !card.imageData.isEmpty()};
+    known.groups = {card.groups.begin(), card.groups.end()};
     for (const auto &one : card.otherWords)
         known.words += u'\n' + one.value;
     const auto take = [](QSet<QString> &into, const auto &values) {
@@ -599,6 +602,8 @@ static KnownContact knownFrom(const EntityContacts &contact)
     }
     known.company = contact.company() ? contact.company()->title() : QString();
     known.hasPicture = !contact.photoName().isEmpty();
+    for (const auto &group : contact.contactGroup())
+        known.groups.insert(group->title());
     return known;
 }
 

@@ -62,6 +62,7 @@ struct KnownContact
     std::optional<CNBirthday> birthday = {};
     QString company = {};
     bool hasPicture = false;
+    QSet<QString> groups = {};
 };
 enum class CardVerdict;
 

@@ -343,13 +343,18 @@ private:
                 keep(column, pieces[part]);
         }
     }
-    /// The family name is the last word, or what stands beside a given name that is known.
+    /// The family name is the last word, or stands before a comma, or is what stands beside a given name that
+    /// is known.
     void takeFullName()
     {
         if (fullName.isEmpty())
             return;
         QString rest = fullName;
-        if (!contact.hasName()) {
+        const qsizetype comma = fullName.indexOf(u',');
+        if (!contact.hasName() && comma > 0) {
+            contact.familyName = fullName.left(comma).trimmed();
+            contact.givenName = fullName.mid(comma + 1).trimmed();
+        } else if (!contact.hasName()) {
             contact.familyName = fullName.section(u' ', -1);
             contact.givenName = fullName.chopped(contact.familyName.size()).trimmed();
         } else if (contact.familyName.isEmpty()) {

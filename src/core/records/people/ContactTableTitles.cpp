@@ -152,9 +152,11 @@ public:
         // "Street 2" is a title with a digit of its own, so the first number is the one that counts.
         static const QRegularExpression firstNumber(u"^(\\D+?)\\s*(\\d+)(.*)$"_s);
         Column column{.sort = Sort::Other};
-        if (const auto found = known.constFind(tablewords::keyOf(title)); found != known.constEnd()) {
+        const QString key = tablewords::keyOf(title);
+        if (const auto found = known.constFind(key); found != known.constEnd()) {
             column = *found;
-        } else if (const auto match = firstNumber.match(title.trimmed()); match.hasMatch()) {
+        } else if (const auto match = firstNumber.match(key.isEmpty() ? QString() : title.trimmed());
+                   match.hasMatch()) {
             const auto numbered = known.constFind(tablewords::keyOf(match.captured(1) + match.captured(3)));
             if (numbered != known.constEnd()) {
                 column = *numbered;
@@ -280,6 +282,8 @@ std::vector<Column> ContactTable::columnsOf(const QStringList &titles)
             mostKnown = known;
             best = std::move(columns);
         }
+        if (mostKnown == titles.size())
+            break;
     }
     const bool isDivided = std::ranges::count(best, Part::Year, &Column::part) > 0;
     for (std::size_t place = 0; place < best.size(); ++place) {

@@ -212,6 +212,8 @@ TEST_F(TableFileTest, ReadsTablesOfOtherPrograms)
     EXPECT_FALSE(EntityContacts::firstName(u"Cem"_qs, u""_qs)->birthday()) << "there is no such day";
     EXPECT_EQ(import("Name\nAda Maria Lovelace\n", u"names.CSV"_qs).added, 1);
     EXPECT_TRUE(EntityContacts::firstName(u"Ada Maria"_qs, u"Lovelace"_qs));
+    EXPECT_EQ(import("sep=;\nName;Mail\nKing, Ada;k@b.org\n").added, 1);
+    EXPECT_TRUE(EntityContacts::firstName(u"Ada"_qs, u"King"_qs));
     EXPECT_EQ(import("colour,size\nred,1\n").added, 0);
     EXPECT_THAT(problems,
                 ElementsAre(u"No title of names is understood in the first line of \"people.csv\", so "

@@ -6,6 +6,7 @@
 #include "records/exchange/RecordExport.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ImportableContacts.h"
+#include "store/entities/EntityContactGroup.h"
 #include "support/FullDisk.h"
 
 #include <QBuffer>
@@ -201,6 +202,35 @@ TEST_F(ImportingContacts, TellsOfASecondCardOfOneNameThatSaysMore)
     EXPECT_EQ(again.added, 1);
     EXPECT_EQ(again.poorer, QStringList(u"Ann Lee"_qs));
     EXPECT_EQ(again.namesakes, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs}));
+}
+
+TEST_F(ImportingContacts, CompletesWhomOnlyTheNameIsKnownOfAndBringsGroups)
+{
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_qs);
+    ann->setLastName(u"Lee"_qs);
+    const auto note = context().insert<EntityNote>();
+    note->setTitle(u"Ann Lee"_qs);
+    note->setDetail(u"Sings\nRings"_qs);
+    note->setContact(ann);
+    const auto choir = context().insert<EntityContactGroup>();
+    choir->setTitle(u"Choir"_qs);
+    choir->setUseGeneralFilter(false);
+    ASSERT_FALSE(DBWorker::saveContext());
+    const QByteArray text =
+        card("N:Lee;Ann;;;\r\nTEL:1\r\nNOTE:Sings\\nRings\r\nCATEGORIES:Choir,Tea\\, black") +
+        card("N:Kay;Bob;;;\r\nCATEGORIES:Choir");
+    const ContactImportAccount account = importAll(text);
+    EXPECT_EQ(account.sentences(), (QStringList{u"2 contacts were imported."_qs, u"1 group is new."_qs}));
+    EXPECT_EQ(ContactExport().contactOf(*ann).groups, (QStringList{u"Choir"_qs, u"Tea, black"_qs}));
+    EXPECT_EQ(ann->phone().size(), 1u);
+    EXPECT_EQ(count<EntityNote>(), 1) << "what the card says of her stands there already";
+    EXPECT_EQ(count<EntityContactGroup>(), 2);
+    EXPECT_EQ(importAll(text + card("N:;Cid;;;")).poorer, QStringList());
+    // Later she lacks a group, which she is not given again.
+    choir->setContacts({});
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(importAll(text + card("N:;Dan;;;")).poorer, QStringList(u"Ann Lee"_qs));
 }
 
 TEST_F(ImportingContacts, FindsTypesByTheirPlace)
