@@ -21,6 +21,14 @@ ImportedRow rowOf(const RecordTable &table, const QHash<QString, QString> &cells
                                                        : tablecells::taskOf(cells, true);
 }
 
+/// Those of known columns: what stands in others is no column of a table that is written.
+QHash<QString, QString> cellsOf(const RecordTable &table, const RecordTable::Row &row)
+{
+    auto cells = table.cells(row);
+    cells.remove(tablecells::wordsOfUnknown);
+    return cells;
+}
+
 } // namespace
 
 QString contradictionInTable(const QByteArray &bytes)
@@ -28,12 +36,12 @@ QString contradictionInTable(const QByteArray &bytes)
     const RecordTable table = tableIn(bytes);
     if (table.rows().empty())
         return {};
-    QStringList titles = table.cells(table.rows().front()).keys();
+    QStringList titles = cellsOf(table, table.rows().front()).keys();
     titles.sort();
     QByteArray text = Csv::byteOrderMark + Csv::line(titles);
     std::vector<QHash<QString, QString>> wanted;
     for (const RecordTable::Row &row : table.rows()) {
-        auto cells = table.cells(row);
+        auto cells = cellsOf(table, row);
         QStringList fields;
         for (const QString &title : titles) {
             // Line ends have one form when they are read.
@@ -56,7 +64,7 @@ QString contradictionInTable(const QByteArray &bytes)
     if (again.kind() != table.kind() || again.rows().size() != wanted.size())
         return QStringLiteral("another table: ") + QString::fromUtf8(text);
     for (std::size_t place = 0; place < wanted.size(); ++place)
-        if (again.cells(again.rows()[place]) != wanted[place])
+        if (cellsOf(again, again.rows()[place]) != wanted[place])
             return QStringLiteral("another row: ") + QString::fromUtf8(text);
     return {};
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -72,6 +73,8 @@ struct CNContact
     /// than two names, "Nickname", "Department", "Role", "Messaging", "Anniversary", "Related", and a second
     /// job title or birthday.
     std::vector<CNLabeledValue<QString>> otherWords = {};
+    /// The titles of the groups that it belongs to.
+    QStringList groups = {};
     /// The bytes of a picture as they came, of whatever format.
     QByteArray imageData = {};
     /// It has a picture that lies where it could not be read from.

@@ -129,9 +129,9 @@ QString withoutEscapes(const QString &written)
     return plain;
 }
 
-/// Splits at semicolons that have no backslash before them.
+/// Splits at separators that have no backslash before them.
 template <typename Text>
-std::vector<Text> partsOf(const Text &written)
+std::vector<Text> partsOf(const Text &written, char16_t separator)
 {
     using Letter = typename Text::value_type;
     std::vector<Text> parts;
@@ -139,7 +139,7 @@ std::vector<Text> partsOf(const Text &written)
     for (qsizetype place = 0; place < written.size(); ++place) {
         if (written[place] == Letter(u'\\')) {
             ++place;
-        } else if (written[place] == Letter(u';')) {
+        } else if (written[place] == Letter(separator)) {
             parts.push_back(written.mid(begin, place - begin));
             begin = place + 1;
         }
@@ -243,12 +243,22 @@ QString VCardAttribute::text() const
 /// A semicolon that quoted-printable encodes separates nothing; one inside of a letter of two bytes neither.
 QStringList VCardAttribute::components() const
 {
+    return partsBetween(u';');
+}
+
+QStringList VCardAttribute::list() const
+{
+    return partsBetween(u',');
+}
+
+QStringList VCardAttribute::partsBetween(char16_t separator) const
+{
     QStringList all;
     if (encoding == Encoding::QuotedPrintable) {
-        for (const QByteArray &part : partsOf(value))
+        for (const QByteArray &part : partsOf(value, separator))
             all.append(withoutEscapes(decoded(withoutQuotedPrintable(part))).trimmed());
     } else {
-        for (const QString &part : partsOf(decoded(bytes())))
+        for (const QString &part : partsOf(decoded(bytes()), separator))
             all.append(withoutEscapes(part).trimmed());
     }
     return all;

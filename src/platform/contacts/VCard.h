@@ -42,6 +42,8 @@ public:
     QString text() const;
     /// The parts between semicolons, each as `text`.
     QStringList components() const;
+    /// The parts between commas, each as `text`.
+    QStringList list() const;
     /// The bytes of a value in base64, or those of a value in quoted-printable; else the value as it stands.
     QByteArray bytes() const;
     bool isBase64() const { return encoding == Encoding::Base64; }
@@ -54,6 +56,7 @@ public:
 
 private:
     QString decoded(const QByteArray &bytes) const;
+    QStringList partsBetween(char16_t separator) const;
 
     QByteArray groupName;
     QByteArray upperName;

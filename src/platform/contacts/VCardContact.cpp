@@ -316,6 +316,10 @@ void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
         contact.birthday = birthdayOf(attribute);
         if (!contact.birthday)
             contact.unreadBirthday = oneLine(attribute.text());
+    } else if (name == "CATEGORIES") {
+        for (const QString &group : attribute.list())
+            if (const QString title = oneLine(group); !title.isEmpty() && !contact.groups.contains(title))
+                contact.groups.append(title);
     } else if (name == "NOTE") {
         contact.note = (contact.note + u'\n' + attribute.text()).trimmed();
     } else if (const QString kind = nameOfOther(name); !kind.isEmpty()) {

@@ -159,6 +159,12 @@ QByteArray VCardWriter::text(const CNContact &contact, Version version)
         card.line("TITLE:" + escaped(contact.jobTitle));
     if (contact.birthday)
         writeBirthday(card, *contact.birthday);
+    if (!contact.groups.isEmpty()) {
+        QByteArrayList titles;
+        for (const QString &group : contact.groups)
+            titles.append(escaped(group));
+        card.line("CATEGORIES:" + titles.join(','));
+    }
     if (!contact.note.isEmpty())
         card.line("NOTE:" + escaped(contact.note));
     for (const auto &[label, number] : contact.phoneNumbers)

@@ -40,7 +40,10 @@ static void writeRecords(std::string_view entity, ExportFormat written, const st
         return file.cancelWriting();
     // A failed `commit` no longer knows why.
     if (!file.flush() || !file.commit())
-        tellOfFailedExport(path, file.errorString());
+        return tellOfFailedExport(path, file.errorString());
+    const QString leftOut = RecordExport::wordsOnWhatIsLeftOut(written, entity, rows);
+    if (!leftOut.isEmpty())
+        Alert::run({localized(u"Export"_s), leftOut, {}, {localized(u"OK"_s)}});
 }
 
 /// Which rows are meant; none if the user gives it up.

@@ -51,6 +51,8 @@ protected:
                 {label(),
                  {text(9) + u"\nline"_qs, number(1) ? text(9) : QString(), text(9), {}, text(9), text(3)}});
         }
+        for (int count = number(2); count > 0; --count)
+            made.groups.append(QString::number(count) + text(9));
         for (int count = number(200); count > 0; --count)
             made.imageData += char(number(255));
         return made;

@@ -34,11 +34,16 @@ protected:
         EXPECT_EQ(dialog->nameFilters(), filters);
         Q_EMIT dialog->fileSelected(folder.filePath(name));
         delete dialog;
+        told.clear();
+        for (const auto &question : alerts.asked())
+            told << question.message;
         QFile file(folder.filePath(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     const QTemporaryDir folder;
+    /// What the user was told with the last file.
+    QStringList told;
     const QStringList ofTasks = {u"Calendar (*.ics)"_s, u"Table (*.csv)"_s};
     const QStringList ofPeople = {u"vCards (*.vcf)"_s, u"Table (*.csv)"_s};
 };
@@ -108,6 +113,24 @@ TEST_F(ExportTest, WhatIsSelectedLeavesWhereTheUserSaysSo)
     QFile late(folder.filePath(u"late.ics"_s));
     ASSERT_TRUE(late.open(QIODevice::ReadOnly));
     EXPECT_EQ(late.readAll().count("BEGIN:VTODO"), 2);
+}
+
+TEST_F(ExportTest, ATableOfPeopleSaysThatItHasNoPictures)
+{
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    go(SidebarItem::People);
+    const auto askedFor = [this](const QString &name) {
+        exported(name, ofPeople, {Alert::firstButton});
+        return told.join(u'\n');
+    };
+    EXPECT_EQ(askedFor(u"plain.csv"_s), QString());
+    ann->setPhotoName(u"face.png"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(askedFor(u"table.csv"_s),
+              u"1 picture has no place in a table and was left out. A file of vCards has it."_s);
+    EXPECT_EQ(askedFor(u"cards.vcf"_s), QString());
 }
 
 TEST_F(ExportTest, AFullDiskLeavesTheFormerFileAndSaysSo)

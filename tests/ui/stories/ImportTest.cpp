@@ -270,7 +270,7 @@ TEST_F(ImportTest, TablesAreTakenByWhatTheyHold)
         ASSERT_TRUE(QTest::qWaitFor([&] { return !alerts.asked().empty(); }));
         EXPECT_EQ(alerts.asked().at(0).message, u"2 entries were imported."_s);
         const QString details = alerts.asked().at(0).informativeText;
-        for (const QString &part : {u"\"soon\" in line 3"_s, u"left out: Size."_s,
+        for (const QString &part : {u"\"soon\" in line 3"_s, u"stand in notes: Size."_s,
                                     u"\"other.csv\" is no table of tasks, projects or notes."_s})
             EXPECT_TRUE(details.contains(part)) << qPrintable(details);
     }

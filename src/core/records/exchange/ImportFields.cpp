@@ -8,6 +8,7 @@
 #include "records/TaskManager.h"
 #include "records/dates/MTDates.h"
 #include "records/exchange/PersonName.h"
+#include "records/exchange/TableWords.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
@@ -62,11 +63,7 @@ std::shared_ptr<EntityLocation> placeNamed(const QString &title, const std::opti
 
 CategoryPtr importfields::categoryNamed(const QString &title)
 {
-    for (const CategoryPtr &category : DBWorker::allCategories())
-        if (title.compare(category->title(), Qt::CaseInsensitive) == 0 ||
-            title.compare(localized(category->title()), Qt::CaseInsensitive) == 0)
-            return category;
-    return nullptr;
+    return tablewords::namedAmong(DBWorker::allCategories(), title);
 }
 
 bool importfields::isSameRule(const QString &one, const QString &other)

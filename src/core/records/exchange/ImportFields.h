@@ -22,7 +22,7 @@ bool isOther(const MVTask &copy);
 bool fitsInto(const EntityProject &project, OptionalDate start, OptionalDate due);
 /// The moment from which a task repeats.
 OptionalDate baseDateOf(const EntityTask &row);
-/// By its title in English or in the user's language; null for none.
+/// By its title in any language of the program; null for none.
 CategoryPtr categoryNamed(const QString &title);
 /// The first project of a title; null for none.
 ProjectPtr projectTitled(const QString &title);

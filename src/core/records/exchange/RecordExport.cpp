@@ -11,6 +11,8 @@
 
 #include <QIODevice>
 
+#include <unordered_set>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -81,6 +83,25 @@ std::unique_ptr<RecordWriter> RecordWriter::of(ExportFormat format, const Entity
         return isOfPeople ? nullptr : std::make_unique<CalendarWriter>();
     }
     return nullptr;
+}
+
+QString RecordExport::wordsOnWhatIsLeftOut(ExportFormat format, std::string_view entityName,
+                                           const std::vector<RowId> &rows)
+{
+    const bool isOfPeople =
+        entityName == EntityContacts::entityName || entityName == EntityCompany::entityName;
+    if (format != ExportFormat::Csv || !isOfPeople)
+        return {};
+    const std::unordered_set<RowId> written(rows.begin(), rows.end());
+    int pictures = 0;
+    mainContext().visit(FetchRequest(entityName), {"photoName"}, [&](const RowReader &row) {
+        pictures += !row.text(0).isEmpty() && written.contains(row.rowId()) ? 1 : 0;
+    });
+    return pictures == 0
+               ? QString()
+               : localizedCount(
+                     u"%1 pictures have no place in a table and were left out. A file of vCards has them."_s,
+                     pictures);
 }
 
 OptionalError RecordExport::write(QIODevice &device, ExportFormat format, std::string_view entityName,

@@ -19,4 +19,7 @@ namespace RecordExport {
 OptionalError write(QIODevice &device, ExportFormat format, std::string_view entity,
                     const std::vector<RowId> &rows, const StepBlock &step = {});
 
+/// What such a file cannot hold of these records, in the user's language; empty for nothing.
+QString wordsOnWhatIsLeftOut(ExportFormat format, std::string_view entity, const std::vector<RowId> &rows);
+
 } // namespace RecordExport

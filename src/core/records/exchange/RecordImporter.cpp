@@ -10,6 +10,7 @@
 #include "records/dates/MVDate.h"
 #include "records/exchange/ImportFields.h"
 #include "records/exchange/PersonName.h"
+#include "records/people/NoteWords.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
@@ -44,6 +45,17 @@ bool isOtherProject(const EntityProject &project, const ImportedTask &task)
     return project.title() != task.title || project.details() != task.details ||
            project.status().value_or(TaskStatus::Open) != task.status ||
            isOtherDay(project.startDate(), task.start) || isOtherDay(project.dueDate(), task.due);
+}
+
+/// A project that came as a name, with a person or a task: nobody has said when it was made. The file that
+/// has it whole knows its right identifier.
+ProjectPtr projectKnownByName(const QString &title)
+{
+    for (const ProjectPtr &project : mainContext().fetch<EntityProject>(
+             EntityProject::fetchRequest().where(Predicate::format("title = %@", title))))
+        if (!project->creationDate() && RecordImporter::isBare(*project))
+            return project;
+    return nullptr;
 }
 
 /// What a form does not write: when it was made, changed and done, and since when somebody has it.
@@ -259,9 +271,28 @@ ProjectPtr RecordImporter::addProject(const QString &identifier, const ImportedT
     const auto project = std::static_pointer_cast<EntityProject>(
         mainContext().insertObject(EntityProject::entityName, identifier));
     newProjects.insert(identifier);
+    const ProjectPtr named = projectKnownByName(task.title);
+    if (named) {
+        project->setDelegateToUser(named->delegateToUser());
+        const std::vector<TaskPtr> tasks = named->task();
+        for (const TaskPtr &one : tasks)
+            one->setProject(project);
+        project->setRowIndex(named->rowIndex());
+        project->setStage(named->stage());
+        mainContext().deleteObject(named);
+        account.changed.append(task.title);
+    } else {
+        ++account.added;
+    }
     fill(*project, task, people);
-    ++account.added;
     return project;
+}
+
+bool RecordImporter::isBare(const EntityProject &project)
+{
+    return project.details().isEmpty() && !project.startDate() && !project.dueDate() && !project.category() &&
+           project.status().value_or(TaskStatus::Open) == TaskStatus::Open &&
+           project.priority().value_or(Priority::None) == Priority::None;
 }
 
 void RecordImporter::fill(EntityProject &project, const ImportedTask &task, const QStringList &people)
@@ -291,18 +322,27 @@ void RecordImporter::takeProject(const CalendarFile::Object &object)
     const QString identifier = TaskImport::identifierOf(object.uid);
     const auto task = ImportedTask::of(object);
     const ObjectPtr present = mainContext().object(EntityProject::entityName, identifier);
-    if (!task || present) {
-        if (task && isOtherProject(static_cast<const EntityProject &>(*present), *task))
-            account.newerHere.append(static_cast<const EntityProject &>(*present).title());
-        else
-            ++account.same;
-        return;
-    }
     QStringList people;
     for (const IcalComponent *component : object.calendar.children())
         for (const ContentLine *line : component->lines("CONTACT"))
             people.append(IcalText::decoded(line->value()).simplified());
-    addProject(identifier, *task, people);
+    if (!present) {
+        if (task)
+            addProject(identifier, *task, people);
+        return;
+    }
+    auto &project = static_cast<EntityProject &>(*present);
+    if (!task || !isOtherProject(project, *task)) {
+        ++account.same;
+        // A task has named it before.
+        if (task && !project.creationDate())
+            fill(project, *task, people);
+    } else if (isBare(project)) {
+        fill(project, *task, people);
+        account.changed.append(task->title);
+    } else {
+        account.newerHere.append(project.title());
+    }
 }
 
 void RecordImporter::addNote(const QString &identifier, const ImportedTask &task)
@@ -313,6 +353,81 @@ void RecordImporter::addNote(const QString &identifier, const ImportedTask &task
     note->setDetail(task.details);
     note->setCreationDate(task.created ? task.created : OptionalDate(MVDate::date()));
     note->setContact(personname::foundOrMade(task.person));
+    newNotes.insert(identifier);
+    ++account.added;
+}
+
+static bool areEqual(const EntityNote &one, const EntityNote &other)
+{
+    return one.title() == other.title() && one.detail().trimmed() == other.detail().trimmed();
+}
+
+/// The note of the file stays, as it is known by its identifier when the file comes again.
+void RecordImporter::drop(const std::shared_ptr<EntityNote> &note, std::size_t insteadOf)
+{
+    mainContext().deleteObject(note);
+    account.added -= static_cast<int>(insteadOf);
+    account.same += static_cast<int>(insteadOf);
+}
+
+void RecordImporter::dropFormerNotesOf(const EntityContacts &person)
+{
+    std::vector<std::shared_ptr<EntityNote>> fromFile;
+    std::vector<std::shared_ptr<EntityNote>> former;
+    for (const auto &note : person.note())
+        (newNotes.contains(note->identifier()) ? fromFile : former).push_back(note);
+    // A card brings all notes of somebody as one.
+    const QString words = notewords::of(person, fromFile);
+    for (const auto &note : former)
+        if (notewords::isNameOf(person, note->title()) && notewords::areSame(note->detail(), words))
+            return drop(note, fromFile.size());
+    for (const auto &note : fromFile) {
+        const auto same =
+            std::ranges::find_if(former, [&note](const auto &one) { return areEqual(*one, *note); });
+        if (same == former.end())
+            continue;
+        drop(*same, 1);
+        former.erase(same);
+    }
+}
+
+void RecordImporter::dropFormerNotesOfNobody(const std::vector<std::shared_ptr<EntityNote>> &fromFile)
+{
+    QMultiHash<QString, QString> former;
+    mainContext().visit(EntityNote::fetchRequest().where(Predicate::format("contact = nil")), {"id", "title"},
+                        [&](const RowReader &row) {
+                            if (!newNotes.contains(row.text(0)))
+                                former.insert(row.text(1), row.text(0));
+                        });
+    for (const auto &note : fromFile)
+        for (const QString &identifier : former.values(note->title())) {
+            const auto one = std::static_pointer_cast<EntityNote>(
+                mainContext().object(EntityNote::entityName, identifier));
+            if (!one || !areEqual(*one, *note))
+                continue;
+            drop(one, 1);
+            former.remove(note->title(), identifier);
+            break;
+        }
+}
+
+void RecordImporter::finish()
+{
+    std::vector<std::shared_ptr<EntityNote>> ofNobody;
+    std::map<QString, ContactPtr> people;
+    for (const QString &identifier : std::as_const(newNotes)) {
+        const auto note =
+            std::static_pointer_cast<EntityNote>(mainContext().object(EntityNote::entityName, identifier));
+        if (const ContactPtr person = note ? note->contact() : nullptr)
+            people.emplace(person->identifier(), person);
+        else if (note)
+            ofNobody.push_back(note);
+    }
+    for (const auto &[identifier, person] : people)
+        dropFormerNotesOf(*person);
+    if (!ofNobody.empty())
+        dropFormerNotesOfNobody(ofNobody);
+    newNotes.clear();
 }
 
 void RecordImporter::takeNote(const CalendarFile::Object &object)
@@ -338,5 +453,4 @@ void RecordImporter::takeNote(const CalendarFile::Object &object)
     if (note.person.isEmpty() && personname::found(contact))
         note.person = contact;
     addNote(identifier, note);
-    ++account.added;
 }

@@ -22,9 +22,15 @@ public:
     TaskPtr add(const QString &uid, const ImportedTask &task);
     /// The row says what the file says from now on. False, and the account says why, if a rule forbids it.
     bool follow(const TaskPtr &row, const ImportedTask &task);
+    /// Makes a project, or completes the one of its title that came as a name only.
     ProjectPtr addProject(const QString &identifier, const ImportedTask &task, const QStringList &people);
     static void fill(EntityProject &project, const ImportedTask &task, const QStringList &people);
-    static void addNote(const QString &identifier, const ImportedTask &task);
+    /// Whether no more is known of a project than its title, since a task or a person named it.
+    static bool isBare(const EntityProject &project);
+    void addNote(const QString &identifier, const ImportedTask &task);
+    /// To be called when all files have been taken: of notes that have come before under other identifiers,
+    /// or with the card of somebody, one stays.
+    void finish();
     /// The project that a task is to belong to, made if there is none of that name; null for none.
     ProjectPtr projectOf(const ImportedTask &task);
 
@@ -38,8 +44,13 @@ private:
     void takeOccurrences(const TaskPtr &row, const ImportedTask &task);
     void edit(const TaskPtr &row, const ImportedTask &task);
 
+    void dropFormerNotesOf(const EntityContacts &person);
+    void dropFormerNotesOfNobody(const std::vector<std::shared_ptr<EntityNote>> &fromFile);
+    void drop(const std::shared_ptr<EntityNote> &note, std::size_t insteadOf);
+
     /// Those that came in with this import.
     QSet<QString> newProjects;
+    QSet<QString> newNotes;
     /// The last place in the Inbox before it.
     int lastPosition;
 };

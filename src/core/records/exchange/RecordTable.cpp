@@ -1,7 +1,7 @@
 #include "records/exchange/RecordTable.h"
 
-#include "foundation/Csv.h"
-#include "foundation/Localization.h"
+#include "records/exchange/TableCells.h"
+#include "records/exchange/TableWords.h"
 #include "records/exchange/TableWriter.h"
 #include "records/people/ContactTable.h"
 #include "store/entities/EntityProject.h"
@@ -13,18 +13,9 @@
 #include <optional>
 
 using namespace Qt::Literals::StringLiterals;
+using tablewords::keyOf;
 
 namespace {
-
-/// Letters and digits alone.
-QString keyOf(const QString &title)
-{
-    QString key;
-    for (const QChar letter : title.toLower())
-        if (letter.isLetterOrNumber())
-            key += letter;
-    return key;
-}
 
 struct OtherTitles
 {
@@ -53,7 +44,7 @@ const std::vector<OtherTitles> &otherTitles()
 }
 
 /// The columns of an entity by the keys of all their titles.
-QHash<QString, QString> knownColumns(std::string_view entity)
+QHash<QString, QString> knownColumns(std::string_view entity, const tablewords::Wording &inLanguage)
 {
     QHash<QString, QString> known;
     const QStringList own = recordcolumns::titles(entity);
@@ -63,11 +54,11 @@ QHash<QString, QString> knownColumns(std::string_view entity)
             continue;
         for (const char16_t *title : other.titles) {
             known.insert(keyOf(QString::fromUtf16(title)), column);
-            known.insert(keyOf(localized(QString::fromUtf16(title))), column);
+            known.insert(keyOf(inLanguage(QString::fromUtf16(title))), column);
         }
     }
     for (const QString &title : own)
-        known.insert(keyOf(localized(title)), title);
+        known.insert(keyOf(inLanguage(title)), title);
     // The English ones are the same everywhere, whatever a word means in another language.
     for (const QString &title : own)
         known.insert(keyOf(title), title);
@@ -81,9 +72,8 @@ std::vector<Sort> sortsOf(const QStringList &titles)
 {
     constexpr qsizetype most = 40;
     std::vector<Sort> sorts;
-    for (const QString &title : titles.mid(0, most))
-        if (const auto column = ContactTable::Column::of(title))
-            sorts.push_back(column->sort);
+    for (const ContactTable::Column &column : ContactTable::columnsOf(titles.mid(0, most)))
+        sorts.push_back(column.sort);
     return sorts;
 }
 
@@ -92,16 +82,16 @@ bool hasBothNames(const std::vector<Sort> &sorts)
     return std::ranges::count(sorts, Sort::FirstName) > 0 && std::ranges::count(sorts, Sort::LastName) > 0;
 }
 
-/// The titles of a table. Spreadsheets may say the separator in a line before them.
-std::optional<CsvReader::Record> titlesIn(CsvReader &reader)
+} // namespace
+
+/// Spreadsheets may say the separator in a line before them.
+std::optional<CsvReader::Record> RecordTable::titlesIn(CsvReader &reader)
 {
     auto titles = reader.next();
     if (titles && titles->fields.front().startsWith(u"sep="_s))
         titles = reader.next();
     return titles;
 }
-
-} // namespace
 
 std::string_view RecordTable::entityOf(Kind kind)
 {
@@ -110,16 +100,26 @@ std::string_view RecordTable::entityOf(Kind kind)
                                   : EntityTask::entityName;
 }
 
-/// The first of several columns of one kind is meant.
+/// The first of several columns of one kind is meant. The language that explains most of them is theirs.
 QStringList RecordTable::columnsOf(Kind kind, const QStringList &titles)
 {
-    const QHash<QString, QString> known = knownColumns(entityOf(kind));
-    QStringList all;
-    for (const QString &title : titles) {
-        const QString column = known.value(keyOf(title));
-        all.append(all.contains(column) ? QString() : column);
+    QStringList best;
+    qsizetype mostKnown = -1;
+    for (const tablewords::Wording &wording : tablewords::wordings()) {
+        const QHash<QString, QString> known = knownColumns(entityOf(kind), wording);
+        QStringList all;
+        for (const QString &title : titles) {
+            const QString column = known.value(keyOf(title));
+            all.append(all.contains(column) ? QString() : column);
+        }
+        if (const qsizetype count = all.size() - all.count(QString()); count > mostKnown) {
+            mostKnown = count;
+            best = all;
+        }
+        if (mostKnown == titles.size())
+            break;
     }
-    return all;
+    return best;
 }
 
 RecordTable::Kind RecordTable::kindOf(const QStringList &titles)
@@ -140,7 +140,13 @@ RecordTable::Kind RecordTable::kindOf(const QStringList &titles)
         return Kind::Tasks;
     if (has(u"Title"_s) && columnsOf(Kind::Notes, titles).contains(u"Contact"_s))
         return Kind::Notes;
-    const bool hasPeople = std::ranges::any_of(sorts, [](Sort sort) { return sort != Sort::Note; });
+    // Much of what people have, others have, too.
+    const bool hasTitle = has(u"Title"_s) && std::ranges::count(sorts, Sort::FullName) == 0;
+    const bool hasPeople = std::ranges::any_of(sorts, [hasTitle](Sort sort) {
+        if (sort == Sort::Address || sort == Sort::Url || sort == Sort::Projects || sort == Sort::Groups)
+            return !hasTitle;
+        return sort != Sort::Note && sort != Sort::Identifier && sort != Sort::Other;
+    });
     return hasPeople ? Kind::People : has(u"Title"_s) ? Kind::Tasks : Kind::Other;
 }
 
@@ -196,10 +202,24 @@ RecordTable RecordTable::read(QIODevice &device)
 QHash<QString, QString> RecordTable::cells(const Row &row) const
 {
     QHash<QString, QString> cells;
-    for (qsizetype place = 0; place < columns.size(); ++place)
-        if (!columns[place].isEmpty())
-            cells.insert(columns[place], row.fields.value(place));
+    QStringList unknown;
+    for (qsizetype place = 0; place < std::max(columns.size(), row.fields.size()); ++place) {
+        const QString text = row.fields.value(place);
+        if (const QString column = columns.value(place); !column.isEmpty())
+            cells.insert(column, text);
+        else if (!text.trimmed().isEmpty())
+            unknown.append(titleAt(place) + u": "_s + text.trimmed());
+    }
+    if (!unknown.isEmpty())
+        cells.insert(tablecells::wordsOfUnknown, unknown.join(u'\n'));
     return cells;
+}
+
+/// A column without a title is called by its number.
+QString RecordTable::titleAt(qsizetype place) const
+{
+    const QString title = titlesOfFile.value(place).simplified();
+    return title.isEmpty() ? u'#' + QString::number(place + 1) : title;
 }
 
 QStringList RecordTable::unknownTitles() const
@@ -207,8 +227,7 @@ QStringList RecordTable::unknownTitles() const
     QStringList titles;
     for (qsizetype place = 0; place < columns.size(); ++place)
         if (columns[place].isEmpty() && isFilled[static_cast<std::size_t>(place)])
-            titles.append(titlesOfFile[place].simplified());
-    titles.removeAll(QString());
+            titles.append(titleAt(place));
     if (mostFields > columns.size())
         titles.append(u'#' + QString::number(mostFields));
     return titles;

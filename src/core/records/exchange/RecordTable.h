@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Csv.h"
+
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -42,10 +44,12 @@ public:
     /// So many are read from one file; what follows is left out, and `isTooLong` says so.
     static constexpr std::size_t mostRows = 200'000;
 
-    /// What a table with such titles holds, in the user's language or in English.
+    /// What a table with such titles holds, in any language of the program or in words of others.
     static Kind kindOf(const QStringList &titles);
     /// The same of a device that is open for reading; reads no more than the titles.
     static Kind kindOf(QIODevice &device);
+    /// The titles of a table of which nothing has been read yet; absent for an empty one.
+    static std::optional<CsvReader::Record> titlesIn(CsvReader &reader);
     /// Reads all of a device that is open for reading.
     static RecordTable read(QIODevice &device);
 
@@ -54,7 +58,7 @@ public:
     std::string_view entity() const { return entityOf(tableKind); }
     const std::vector<Row> &rows() const { return found; }
     /// What stands in a row, by the titles of `recordcolumns`. A column that the table has is there even if
-    /// the field is empty.
+    /// the field is empty. What stands in other columns is `tablecells::wordsOfUnknown`.
     QHash<QString, QString> cells(const Row &row) const;
     bool has(const QString &column) const { return columns.contains(column); }
 
@@ -67,6 +71,7 @@ public:
 private:
     static std::string_view entityOf(Kind kind);
     static QStringList columnsOf(Kind kind, const QStringList &titles);
+    QString titleAt(qsizetype place) const;
 
     Kind tableKind = Kind::Other;
     QStringList titlesOfFile;

@@ -7,6 +7,7 @@
 #include "records/Functional.h"
 #include "records/dates/MTDates.h"
 #include "records/exchange/ImportFields.h"
+#include "records/exchange/TableWords.h"
 
 #include <QDate>
 #include <QLocale>
@@ -32,10 +33,10 @@ const Words noWords = {{u"No", u"False", u"0", u"-"}};
 
 std::optional<int> numberOf(const QString &text, const Words &words)
 {
+    if (text.isEmpty())
+        return std::nullopt;
     const auto means = [&text](const char16_t *word) {
-        const QString english = QString::fromUtf16(word);
-        return text.compare(english, Qt::CaseInsensitive) == 0 ||
-               text.compare(localized(english), Qt::CaseInsensitive) == 0;
+        return tablewords::means(text, QString::fromUtf16(word));
     };
     const auto found = std::ranges::find_if(
         words, [&](const auto &ofNumber) { return std::ranges::any_of(ofNumber, means); });
@@ -43,13 +44,6 @@ std::optional<int> numberOf(const QString &text, const Words &words)
 }
 
 // Dates
-
-/// Whether the user's language has the month before the day.
-bool isMonthFirst()
-{
-    const QString format = QLocale(Region::localeIdentifier()).dateFormat(QLocale::ShortFormat);
-    return format.indexOf(u'M') < format.indexOf(u'd');
-}
 
 /// Year, month and day; absent for no day.
 std::optional<DateComponents> dayIn(const QRegularExpressionMatch &match)
@@ -67,7 +61,7 @@ std::optional<DateComponents> dayIn(const QRegularExpressionMatch &match)
         month = part(u"second");
         year = part(u"slashedYear");
         constexpr int months = 12;
-        if (month > months || (day <= months && isMonthFirst()))
+        if (month > months || (day <= months && tablecells::isMonthFirst()))
             std::swap(day, month);
     }
     constexpr int century = 100;
@@ -181,10 +175,11 @@ public:
         row.unread.append(said.simplified());
         unreadLines.append(localized(column) + u": "_s + said);
     }
-    /// The row, with what could not be read behind its details.
+    /// The row, with what could not be read and what no column means behind its details.
     ImportedRow finished()
     {
         QString &details = row.task.details;
+        unreadLines += cells.value(tablecells::wordsOfUnknown).split(u'\n', Qt::SkipEmptyParts);
         for (const QString &line : unreadLines)
             if (!details.contains(line))
                 details += (details.isEmpty() ? u""_s : u"\n"_s) + line;
@@ -326,6 +321,12 @@ bool isSameWord(const QString &one, const QString &other)
 }
 
 } // namespace
+
+bool tablecells::isMonthFirst()
+{
+    const QString format = QLocale(Region::localeIdentifier()).dateFormat(QLocale::ShortFormat);
+    return format.indexOf(u'M') < format.indexOf(u'd');
+}
 
 std::optional<tablecells::WrittenDate> tablecells::dateOf(const QString &text)
 {

@@ -22,6 +22,9 @@ struct ImportedRow
 
 namespace tablecells {
 
+/// The cell of the words of columns that mean nothing here, a line each: they stand in the details.
+inline const QString wordsOfUnknown = QString();
+
 /// Days and moments are read as `RecordWriter` writes them, and as people do: "24.11.2026", "11/24/26 9:30
 /// PM", in the order of day and month that is usual in the language of the user.
 /// \param isOwn whether the table is one of this program, where several tags stand in a line each.
@@ -31,6 +34,9 @@ ImportedRow noteOf(const QHash<QString, QString> &cells);
 
 /// Whether two rows say the same of a record, whenever it was made and changed.
 bool isSame(const ImportedRow &one, const ImportedRow &other);
+
+/// Whether the user's language has the month before the day.
+bool isMonthFirst();
 
 /// What people write for a day or a moment; absent for anything else.
 struct WrittenDate

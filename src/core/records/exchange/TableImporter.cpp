@@ -31,14 +31,6 @@ bool isLater(OptionalDate one, Date other)
     return one && std::floor(one->referenceSeconds()) > std::floor(other.referenceSeconds());
 }
 
-/// A project of which no more is known than its title, since a task named it.
-bool isBare(const EntityProject &project)
-{
-    return project.details().isEmpty() && !project.startDate() && !project.dueDate() && !project.category() &&
-           project.status().value_or(TaskStatus::Open) == TaskStatus::Open &&
-           project.priority().value_or(Priority::None) == Priority::None;
-}
-
 /// Whether an occurrence is what its series gives for its day.
 bool isLikeSeries(const ImportedTask &row, const ImportedTask &given)
 {
@@ -264,7 +256,10 @@ void TableImporter::takeProject(const Line &line)
         project = records.addProject(TaskImport::identifierOf(uid), line.content.task, line.content.people);
     } else if (isSame(*project, line, laidOver(*project, line))) {
         ++records.account.same;
-    } else if (isBare(*project)) {
+        // A task has named it before.
+        if (!project->creationDate())
+            RecordImporter::fill(*project, line.content.task, line.content.people);
+    } else if (RecordImporter::isBare(*project)) {
         const ImportedRow said = laidOver(*project, line);
         RecordImporter::fill(*project, said.task, said.people);
         records.account.changed.append(said.task.title);
@@ -279,8 +274,7 @@ void TableImporter::takeNote(const Line &line)
     const QString uid = uidOf(line);
     const auto note = recordOf<EntityNote>(uid);
     if (!note) {
-        RecordImporter::addNote(TaskImport::identifierOf(uid), line.content.task);
-        ++records.account.added;
+        records.addNote(TaskImport::identifierOf(uid), line.content.task);
     } else if (isSame(*note, line, laidOver(*note, line))) {
         ++records.account.same;
     } else {

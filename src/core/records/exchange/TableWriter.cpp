@@ -8,6 +8,7 @@
 #include "records/exchange/PersonName.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ContactTable.h"
+#include "records/people/NoteWords.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 
@@ -213,6 +214,7 @@ const Columns<EntityContacts> &columnsOf(const EntityContacts *)
          [](const Contact &contact) {
              return linesOf(contact.project(), [](const auto &project) { return project->title(); });
          }},
+        {u"Notes", [](const Contact &contact) { return notewords::of(contact); }},
         {u"Identifier", [](const Contact &contact) { return contact.identifier(); }},
     };
     return columns;

@@ -198,6 +198,7 @@ TaskImportAccount TaskImport::import(const StepBlock &step)
         for (const File &file : files)
             if (parts.goesOn())
                 take(file, areProjects);
+    importer.finish();
     parts.finish();
     for (const auto &table : tables)
         table->finish();
@@ -225,7 +226,7 @@ QStringList TaskImportAccount::sentences() const
             all.append(localized(sentence).arg(someTitles(names)));
     };
     list(unread, u"What is no date or number stands in notes: %1."_s);
-    list(unknownColumns, u"Columns that mean nothing here were left out: %1."_s);
+    list(unknownColumns, u"Columns that mean nothing here stand in notes: %1."_s);
     list(otherCalendars, u"Calendars that are not here; what was in them goes to the usual one: %1."_s);
     list(missingTasks, u"Tasks of projects that are in no table that was imported: %1."_s);
     tell(refused, u"%1 could not be imported: %2"_s);

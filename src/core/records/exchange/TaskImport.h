@@ -24,7 +24,7 @@ struct TaskImportAccount
     QStringList partial;
     /// What is not what its column wants, each with its line, and stands in the details.
     QStringList unread;
-    /// The titles of columns that hold something and mean nothing here.
+    /// The titles of columns that mean nothing here and hold something, which stands in the details.
     QStringList unknownColumns;
     /// The titles of calendars that are not here.
     QStringList otherCalendars;

@@ -4,9 +4,9 @@
 #include "foundation/Calendar.h"
 #include "foundation/Localization.h"
 #include "records/people/ContactLabels.h"
+#include "records/people/NoteWords.h"
+#include "store/entities/EntityContactGroup.h"
 #include "store/queries/DBWorker.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -20,22 +20,14 @@ void addLabels(QHash<QString, QString> &labels, const ObjectList<Type> &types, c
     }
 }
 
-/// The notes of a contact from the first one on. Those that are called as the contact have no title here.
-QString wordsOfNotes(const EntityContacts &contact)
+template <typename Owner>
+QStringList groupsOf(const Owner &owner)
 {
-    const auto found = contact.note();
-    std::vector<std::shared_ptr<EntityNote>> notes(found.begin(), found.end());
-    std::ranges::sort(notes, {}, [](const auto &note) {
-        return std::pair(note->creationDate().value_or(Date()).referenceSeconds(), note->title());
-    });
-    QStringList words;
-    for (const auto &note : notes) {
-        if (note->title() != contact.fullName())
-            words << note->title();
-        words << note->detail();
-    }
-    words.removeAll(QString());
-    return words.join(QLatin1Char('\n'));
+    QStringList titles;
+    for (const auto &group : owner.contactGroup())
+        titles << group->title();
+    titles.sort();
+    return titles;
 }
 
 } // namespace
@@ -82,7 +74,8 @@ CNContact ContactExport::made(const EntityContacts &contact) const
         values.birthday =
             CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
     }
-    values.note = wordsOfNotes(contact);
+    values.note = notewords::of(contact);
+    values.groups = groupsOf(contact);
     takeDetails(values, contact);
     return values;
 }
@@ -94,6 +87,7 @@ CNContact ContactExport::made(const EntityCompany &company) const
     values.organizationName = company.title();
     values.isOrganization = true;
     values.note = company.details();
+    values.groups = groupsOf(company);
     takeDetails(values, company);
     return values;
 }

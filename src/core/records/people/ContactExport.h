@@ -12,9 +12,9 @@ public:
     /// Reads the types of the store.
     ContactExport();
 
-    /// What an address book would have of a contact: names, company, job title, birthday, picture, phones,
-    /// mail, postal and web addresses. Types become the labels of their places; types of the user's own
-    /// become labels of their titles.
+    /// What an address book would have of a contact: names, company, job title, birthday, groups, picture,
+    /// phones, mail, postal and web addresses, and its notes as one text. Types become the labels of their
+    /// places; types of the user's own become labels of their titles.
     CNContact contactOf(const EntityContacts &contact) const;
     /// The same of a company, as an organization.
     CNContact contactOf(const EntityCompany &company) const;

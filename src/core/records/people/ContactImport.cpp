@@ -6,8 +6,10 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "records/dates/MVDate.h"
+#include "records/exchange/TableWords.h"
 #include "records/people/ContactLabels.h"
 #include "records/people/ContactTable.h"
+#include "records/people/NoteWords.h"
 #include "store/entities/EntityContactGroup.h"
 #include "store/entities/EntityProject.h"
 #include "store/entities/FullName.h"
@@ -96,6 +98,12 @@ QString nameOf(const CNContact &card)
     return card.hasName() ? fullNameWith(card.givenName, card.familyName) : card.organizationName;
 }
 
+/// A project of a person, which is linked.
+bool isLink(const CNContact &card, const CNLabeledValue<QString> &words)
+{
+    return words.label == ContactTable::projects && card.hasName();
+}
+
 template <typename Values>
 bool lacks(const Values &values, const QSet<QString> &present)
 {
@@ -111,9 +119,16 @@ bool hasMore(const CNContact &card, const KnownContact &known)
     };
     const QStringList lines = card.note.split(u'\n', Qt::SkipEmptyParts);
     const auto isUnknown = [&known](const QString &line) { return !known.words.contains(line.trimmed()); };
+    const auto isOtherWord = [&](const auto &one) {
+        return !isLink(card, one) && !known.words.contains(one.value);
+    };
+    const auto isOtherGroup = [&known](const QString &title) { return !known.groups.contains(title); };
     const bool hasBirthday = card.birthday && card.birthday->year;
-    return lacks(card.phoneNumbers, known.phones) || lacks(card.emailAddresses, known.emails) ||
-           lacks(card.urlAddresses, known.urls) || std::ranges::any_of(card.postalAddresses, isMissing) ||
+    return (!card.imageData.isEmpty() && !known.hasPicture) ||
+           (card.hasName() && std::ranges::any_of(card.groups, isOtherGroup)) ||
+           std::ranges::any_of(card.otherWords, isOtherWord) || lacks(card.phoneNumbers, known.phones) ||
+           lacks(card.emailAddresses, known.emails) || lacks(card.urlAddresses, known.urls) ||
+           std::ranges::any_of(card.postalAddresses, isMissing) ||
            (hasBirthday && card.birthday != known.birthday) ||
            (!card.organizationName.isEmpty() && oneLine(card.organizationName) != known.company) ||
            std::ranges::any_of(lines, isUnknown);
@@ -138,7 +153,11 @@ KnownContact knownFrom(const CNContact &card)
 {
     KnownContact known{.words = card.note,
                        .birthday = card.birthday && card.birthday->year ? card.birthday : std::nullopt,
-                       .company = oneLine(card.organizationName)};
+                       .company = oneLine(card.organizationName),
+                       .hasPicture = !card.imageData.isEmpty()};
+    known.groups = {card.groups.begin(), card.groups.end()};
+    for (const auto &one : card.otherWords)
+        known.words += u'\n' + one.value;
     const auto take = [](QSet<QString> &into, const auto &values) {
         for (const auto &one : values)
             into.insert(essence(one.value));
@@ -178,28 +197,46 @@ ContactImport::ContactImport(PngMaker toPng)
         first = first == 0 ? row.rowId() : std::min(first, row.rowId());
     });
     bareCompanies = companiesWithTitleOnly();
+    bareContacts = contactsWithNameOnly();
+}
+
+/// The identifiers of those who have a phone, an address, mail or a page of the web.
+static QSet<QString> ownersOfDetails(const std::string &ownerColumn)
+{
+    QSet<QString> owners;
+    for (const FetchRequest &details : {EntityPhone::fetchRequest(), EntityEmail::fetchRequest(),
+                                        EntityURL::fetchRequest(), EntityAddress::fetchRequest()})
+        mainContext().visit(details, {ownerColumn}, [&](const RowReader &row) {
+            if (!row.isNull(0))
+                owners.insert(row.text(0));
+        });
+    return owners;
+}
+
+QSet<RowId> ContactImport::contactsWithNameOnly()
+{
+    const QSet<QString> described = ownersOfDetails("contact");
+    QSet<RowId> rows;
+    mainContext().visit(EntityContacts::fetchRequest(),
+                        {"id", "birthday", "photoName", "company", "contactCategory"},
+                        [&](const RowReader &row) {
+                            const bool hasMore = !row.isNull(1) || !row.text(2).isEmpty() || !row.isNull(3) ||
+                                                 !row.isNull(4) || described.contains(row.text(0));
+                            if (!hasMore)
+                                rows.insert(row.rowId());
+                        });
+    return rows;
 }
 
 QSet<QString> ContactImport::companiesWithTitleOnly()
 {
-    ManagedObjectContext &context = mainContext();
-    QSet<QString> described;
-    const auto collect = [&](const FetchRequest &details) {
-        context.visit(details, {"company"}, [&](const RowReader &row) {
-            if (!row.isNull(0))
-                described.insert(row.text(0));
-        });
-    };
-    collect(EntityPhone::fetchRequest());
-    collect(EntityEmail::fetchRequest());
-    collect(EntityURL::fetchRequest());
-    collect(EntityAddress::fetchRequest());
+    const QSet<QString> described = ownersOfDetails("company");
     QSet<QString> titles;
-    context.visit(EntityCompany::fetchRequest(), {"id", "title", "details", "photoName"},
-                  [&](const RowReader &row) {
-                      if (!described.contains(row.text(0)) && row.text(2).isEmpty() && row.text(3).isEmpty())
-                          titles.insert(row.text(1));
-                  });
+    mainContext().visit(
+        EntityCompany::fetchRequest(), {"id", "title", "details", "photoName"}, [&](const RowReader &row) {
+            if (!described.contains(row.text(0)) && row.text(2).isEmpty() && row.text(3).isEmpty())
+                titles.insert(row.text(1));
+        });
     return titles;
 }
 
@@ -225,11 +262,14 @@ std::shared_ptr<EntityURLType> ContactImport::urlsTypeWith(const QString &label)
 
 std::shared_ptr<EntityContactCategory> ContactImport::categoryNamed(const QString &title) const
 {
-    const auto found = std::ranges::find_if(categories, [&](const auto &category) {
-        return title.compare(category->title(), Qt::CaseInsensitive) == 0 ||
-               title.compare(localized(category->title()), Qt::CaseInsensitive) == 0;
-    });
-    return title.isEmpty() || found == categories.end() ? nullptr : *found;
+    return tablewords::namedAmong(categories, title);
+}
+
+template <typename Entity>
+static std::shared_ptr<Entity> loaded(RowId row)
+{
+    const ObjectList<Entity> rows(mainContext(), organiserModel().requireEntity(Entity::entityName), {row});
+    return rows.at(0);
 }
 
 CompanyPtr ContactImport::companyNamed(const QString &title)
@@ -237,11 +277,8 @@ CompanyPtr ContactImport::companyNamed(const QString &title)
     CompanyPtr &company = companies[title];
     if (company)
         return company;
-    if (const RowId row = companyRows.value(title)) {
-        const ObjectList<EntityCompany> loaded(
-            mainContext(), organiserModel().requireEntity(EntityCompany::entityName), {row});
-        company = loaded.at(0);
-    }
+    if (const RowId row = companyRows.value(title))
+        company = loaded<EntityCompany>(row);
     if (!company) {
         company = mainContext().insert<EntityCompany>();
         company->setTitle(title);
@@ -296,14 +333,18 @@ void ContactImport::addDetails(const std::shared_ptr<Owner> &owner, const CNCont
 }
 
 /// A private group of which people are members, made if there is none.
-static std::shared_ptr<EntityContactGroup> groupOfPeople(const QString &title)
+std::shared_ptr<EntityContactGroup> ContactImport::groupOfPeople(const QString &title)
 {
-    if (auto known = mainContext().fetchFirst<EntityContactGroup>(EntityContactGroup::fetchRequest().where(
-            Predicate::format("title = %@ and useGeneralFilter = false", title))))
-        return known;
-    const auto group = mainContext().insert<EntityContactGroup>();
+    std::shared_ptr<EntityContactGroup> &group = groups[title];
+    if (!group)
+        group = mainContext().fetchFirst<EntityContactGroup>(EntityContactGroup::fetchRequest().where(
+            Predicate::format("title = %@ and useGeneralFilter = false", title)));
+    if (group)
+        return group;
+    group = mainContext().insert<EntityContactGroup>();
     group->setTitle(title);
     group->setUseGeneralFilter(false);
+    ++account.groups;
     return group;
 }
 
@@ -314,21 +355,21 @@ static std::shared_ptr<EntityContactGroup> listOfCompanies(const QString &title)
         EntityContactGroup::fetchRequest().where(Predicate::format("title = %@", title)));
 }
 
-/// The groups and projects that a table names.
-static void addLinks(const ContactPtr &person, const CNContact &contact)
+/// The groups of a card, and the projects that a table names.
+void ContactImport::addLinks(const ContactPtr &person, const CNContact &contact)
 {
+    for (const QString &title : contact.groups)
+        groupOfPeople(title)->addRelated("contacts", person);
     for (const auto &[kind, word] : contact.otherWords) {
-        if (kind == ContactTable::groups) {
-            groupOfPeople(word)->addRelated("contacts", person);
-        } else if (kind == ContactTable::projects) {
-            ProjectPtr project = mainContext().fetchFirst<EntityProject>(
-                EntityProject::fetchRequest().where(Predicate::format("title = %@", word)));
-            if (!project) {
-                project = mainContext().insert<EntityProject>();
-                project->setTitle(word);
-            }
-            project->addRelated("delegateToUser", person);
+        if (kind != ContactTable::projects)
+            continue;
+        ProjectPtr project = mainContext().fetchFirst<EntityProject>(
+            EntityProject::fetchRequest().where(Predicate::format("title = %@", word)));
+        if (!project) {
+            project = mainContext().insert<EntityProject>();
+            project->setTitle(word);
         }
+        project->addRelated("delegateToUser", person);
     }
 }
 
@@ -406,21 +447,30 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
         keep(u"Birthday"_s, contact.unreadBirthday, account.unreadBirthdays);
     if (!hasCategory && !contact.jobTitle.isEmpty())
         keep(u"Job Title"_s, oneLine(contact.jobTitle), account.otherJobTitles);
-    const auto isLink = [&contact](const auto &one) {
-        if (one.label == ContactTable::groups)
-            return contact.hasName() || listOfCompanies(one.value);
-        return one.label == ContactTable::projects && contact.hasName();
-    };
+    QStringList others;
     for (const auto &one : contact.otherWords)
-        if (!isLink(one))
-            words.append(localized(one.label) + u": "_s + one.value);
+        if (!isLink(contact, one))
+            others.append(localized(one.label) + u": "_s + one.value);
+    for (const QString &title : contact.groups)
+        if (!contact.hasName() && !listOfCompanies(title))
+            others.append(localized(u"Groups"_s) + u": "_s + title);
+    words += others;
     const QStringList labels = ownLabels(contact);
     words += labels;
-    if (!labels.isEmpty() || !std::ranges::all_of(contact.otherWords, isLink))
+    if (!labels.isEmpty() || !others.isEmpty())
         account.withOtherWords.append(name);
     if (!contact.note.isEmpty())
         words.append(contact.note);
     return words;
+}
+
+/// How much is said of somebody, so that it can be seen whether a card said more.
+static std::size_t sizeOf(const EntityContacts &contact)
+{
+    return contact.phone().size() + contact.email().size() + contact.url().size() + contact.address().size() +
+           contact.note().size() + contact.contactGroup().size() + contact.project().size() +
+           (contact.birthday() ? 1 : 0) + (contact.company() ? 1 : 0) + (contact.contactCategory() ? 1 : 0) +
+           (contact.photoName().isEmpty() ? 0 : 1);
 }
 
 /// The test for the contact that is there comes first, so that nothing of another is left behind.
@@ -435,14 +485,19 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
                                : localized(u"\"%1\" is no person."_s).arg(which));
         return nullptr;
     }
-    const auto known = contacts.constFind(keyOf(first, last));
-    if (known != contacts.constEnd()) {
+    const QString key = keyOf(first, last);
+    const auto known = contacts.constFind(key);
+    const ContactPtr present = known != contacts.constEnd() && bareContacts.remove(*known)
+                                   ? loaded<EntityContacts>(*known)
+                                   : nullptr;
+    if (known != contacts.constEnd() && !present) {
         meet(contact);
         return nullptr;
     }
-    contacts.insert(keyOf(first, last), 0);
-    newcomers.insert(keyOf(first, last), knownFrom(contact));
-    const ContactPtr row = mainContext().insert<EntityContacts>();
+    contacts.insert(key, 0);
+    newcomers.insert(key, knownFrom(contact));
+    const ContactPtr row = present ? present : mainContext().insert<EntityContacts>();
+    const std::size_t formerSize = sizeOf(*row);
     row->setFirstName(first);
     row->setLastName(last);
     if (contact.birthday && contact.birthday->year) {
@@ -456,7 +511,8 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     const auto category = categoryNamed(contact.jobTitle);
     row->setContactCategory(category);
     const QStringList words = wordsWithoutField(contact, name, category != nullptr);
-    if (!words.isEmpty()) {
+    // Its notes may have come before its card, as parts of a file of their own.
+    if (!words.isEmpty() && !notewords::areSame(words.join(u'\n'), notewords::of(*row))) {
         const auto note = mainContext().insert<EntityNote>();
         note->setTitle(name);
         note->setDetail(words.join(u'\n'));
@@ -466,7 +522,12 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     addDetails(row, contact);
     addLinks(row, contact);
     addPicture(row, row->fullName(), contact);
-    ++account.added;
+    if (!present)
+        ++account.added;
+    else if (sizeOf(*row) > formerSize)
+        ++account.filledContacts;
+    else
+        account.existing.append(name);
     return row;
 }
 
@@ -485,12 +546,21 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
     const CompanyPtr company = companyNamed(title);
     company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
     addDetails(company, contact);
-    for (const auto &[kind, word] : contact.otherWords)
-        if (const auto list = kind == ContactTable::groups ? listOfCompanies(word) : nullptr)
+    for (const QString &group : contact.groups)
+        if (const auto list = listOfCompanies(group))
             list->addRelated("companies", company);
     addPicture(company, title, contact);
     ++account.addedCompanies;
     return company;
+}
+
+/// That it has a picture is all that counts.
+static CNContact withoutPicture(const CNContact &contact)
+{
+    CNContact card = contact;
+    if (!card.imageData.isEmpty())
+        card.imageData = "1";
+    return card;
 }
 
 void ContactImport::meetCompany(const CNContact &contact)
@@ -501,8 +571,7 @@ void ContactImport::meetCompany(const CNContact &contact)
     const bool isNew = describedCompanies.contains(title);
     if (isNew)
         tell(contact, verdictOn(contact, newcomers.value(keyOfCompany(title))));
-    CNContact card = contact;
-    card.imageData.clear();
+    CNContact card = withoutPicture(contact);
     if (row != 0 && !isNew)
         metCompanies.emplace_back(row, std::move(card));
 }
@@ -515,8 +584,7 @@ void ContactImport::meet(const CNContact &contact)
     const QString last = oneLine(contact.familyName);
     account.existing.append(fullNameWith(first, last));
     const RowId row = contacts.value(keyOf(first, last));
-    CNContact card = contact;
-    card.imageData.clear();
+    CNContact card = withoutPicture(contact);
     if (row != 0)
         met.emplace_back(row, std::move(card));
     else if (const auto newcomer = newcomers.constFind(keyOf(first, last)); newcomer != newcomers.constEnd())
@@ -533,12 +601,16 @@ static KnownContact knownFrom(const EntityContacts &contact)
             CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
     }
     known.company = contact.company() ? contact.company()->title() : QString();
+    known.hasPicture = !contact.photoName().isEmpty();
+    for (const auto &group : contact.contactGroup())
+        known.groups.insert(group->title());
     return known;
 }
 
 static KnownContact knownFrom(const EntityCompany &company)
 {
-    return {.words = company.details(), .company = company.title()};
+    return {
+        .words = company.details(), .company = company.title(), .hasPicture = !company.photoName().isEmpty()};
 }
 
 void ContactImport::tell(const CNContact &card, CardVerdict verdict)
@@ -616,11 +688,13 @@ ContactImportAccount ContactImport::finish()
 QStringList ContactImportAccount::sentences() const
 {
     QStringList all;
-    if (added > 0 || addedCompanies == 0)
-        all.append(added == 0 ? localized(u"No contact was imported."_s)
-                              : localizedCount(u"%1 contacts were imported."_s, added));
+    if (const int people = added + filledContacts; people > 0 || addedCompanies == 0)
+        all.append(people == 0 ? localized(u"No contact was imported."_s)
+                               : localizedCount(u"%1 contacts were imported."_s, people));
     if (const int newCompanies = companies + filledCompanies; newCompanies > 0)
         all.append(localizedCount(u"%1 companies were imported."_s, newCompanies));
+    if (groups > 0)
+        all.append(localizedCount(u"%1 groups are new."_s, groups));
     const auto tell = [&](const QStringList &names, const QString &sentence) {
         if (!names.isEmpty())
             all.append(localizedCount(sentence, names.size()).arg(someOf(names)));

@@ -14,12 +14,16 @@
 struct ContactImportAccount
 {
     int added = 0;
+    /// Contacts that were known by their name alone, and took what their card says.
+    int filledContacts = 0;
     /// Those that came as cards of their own.
     int addedCompanies = 0;
     /// All that are new, also those that only a contact names.
     int companies = 0;
     /// Companies that were known by their title alone, and took what their card says.
     int filledCompanies = 0;
+    /// Those that are new since a card names them.
+    int groups = 0;
     /// The full names of those that were there before, and of those among them that lack something that the
     /// card has.
     QStringList existing;
@@ -57,12 +61,14 @@ struct KnownContact
     /// With its year.
     std::optional<CNBirthday> birthday = {};
     QString company = {};
+    bool hasPicture = false;
+    QSet<QString> groups = {};
 };
 enum class CardVerdict;
 
 /// Puts contacts of address books and vCards into the store. A contact whose first and last name are there
-/// already is left as it is, and brings nothing with it. Nothing is committed here: whoever calls it has a
-/// transaction open. Main thread only.
+/// already is left as it is, and brings nothing with it, unless no more than the name was known. Nothing is
+/// committed here: whoever calls it has a transaction open. Main thread only.
 class ContactImport
 {
 public:
@@ -83,6 +89,9 @@ public:
     /// Something that could not even be read.
     void refuse(const QString &sentence) { account.refused.append(sentence); }
 
+    /// The contacts that have no more than their name, groups, projects and notes: a task, a project or a
+    /// note brought them along.
+    static QSet<RowId> contactsWithNameOnly();
     /// The titles of the companies that have no more than their title: people brought them along.
     static QSet<QString> companiesWithTitleOnly();
     /// What has come of all of it. Looks what the contacts that were there lack; to be called once, at the
@@ -105,6 +114,8 @@ private:
     void addDetails(const std::shared_ptr<Owner> &owner, const CNContact &contact);
     template <typename Owner>
     void addPicture(const std::shared_ptr<Owner> &owner, const QString &name, const CNContact &contact);
+    std::shared_ptr<EntityContactGroup> groupOfPeople(const QString &title);
+    void addLinks(const ContactPtr &person, const CNContact &contact);
     QString freePhotoName();
     /// Details by the labels that no type has.
     QStringList ownLabels(const CNContact &contact) const;
@@ -126,10 +137,13 @@ private:
     QHash<QString, RowId> contacts;
     QHash<QString, RowId> companyRows;
     QHash<QString, CompanyPtr> companies;
+    QHash<QString, std::shared_ptr<EntityContactGroup>> groups;
     /// The titles of those whose card has come in.
     QSet<QString> describedCompanies;
     /// The titles of those that have no more than their title.
     QSet<QString> bareCompanies;
+    /// Those that have no more than their name.
+    QSet<RowId> bareContacts;
     /// What the first card of each name had, of those that came in with this import.
     QHash<QString, KnownContact> newcomers;
     /// What the cards have of contacts and companies that were there before, without pictures.

@@ -2,6 +2,7 @@
 
 #include "contacts/VCardReader.h"
 #include "foundation/Csv.h"
+#include "records/exchange/RecordTable.h"
 #include "records/people/ContactTable.h"
 
 namespace {
@@ -37,7 +38,7 @@ public:
         if (!areTitlesRead)
             readTitles();
         const auto record = records.next();
-        if (!record || !hasColumns)
+        if (!record || !isNaming)
             return std::nullopt;
         const auto state = !record->isBearable ? VCard::State::TooLarge
                            : !record->isWhole  ? VCard::State::CutOff
@@ -45,25 +46,24 @@ public:
         return Entry{ContactTable::contactOf(record->fields, columns), state, record->line};
     }
     qint64 position() const override { return records.position(); }
+    bool isUnderstood() const override { return isNaming; }
 
 private:
     void readTitles()
     {
         areTitlesRead = true;
-        const auto titles = records.next();
+        const auto titles = RecordTable::titlesIn(records);
         if (!titles)
             return;
-        for (const QString &title : titles->fields) {
-            columns.push_back(ContactTable::Column::of(title));
-            hasColumns = hasColumns || columns.back();
-        }
+        columns = ContactTable::columnsOf(titles->fields);
+        isNaming = ContactTable::hasNames(columns);
     }
 
     CsvReader records;
     bool areTitlesRead = false;
-    /// A table without a title that is known holds no contacts.
-    bool hasColumns = false;
-    std::vector<std::optional<ContactTable::Column>> columns;
+    /// A table of which no title means names holds no contacts.
+    bool isNaming = true;
+    std::vector<ContactTable::Column> columns;
 };
 
 } // namespace

@@ -33,4 +33,6 @@ public:
     virtual std::optional<Entry> next(CardImage image) = 0;
     /// How many bytes of the source the contacts so far have taken.
     virtual qint64 position() const = 0;
+    /// False for a table of which no title means names, so that nothing can be read from it.
+    virtual bool isUnderstood() const { return true; }
 };

@@ -1,14 +1,20 @@
 #include "records/people/ContactTable.h"
 
+#include "foundation/Calendar.h"
+#include "foundation/Clock.h"
 #include "foundation/Localization.h"
+#include "records/exchange/TableCells.h"
+#include "records/exchange/TableWords.h"
 #include "records/people/ContactLabels.h"
 
 #include <QDate>
 #include <QHash>
 #include <QRegularExpression>
+#include <QUuid>
 
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -60,16 +66,25 @@ void forEachLabel(Visit visit)
     visitAll(ContactLabels::url);
 }
 
-/// The label that a word means in the user's language; the word itself where it means none.
-QString labelOf(const QString &word)
+/// The label that a word means in any language; the word itself where it means none.
+QString labelOf(const QString &said)
 {
-    QString found = word;
+    // Other programs mark the one that is preferred.
+    const QString word = said.startsWith(u"* "_s) ? said.mid(2).trimmed() : said;
+    QString found;
     forEachLabel([&](const QString &label) {
-        if (word.compare(localized(label), Qt::CaseInsensitive) == 0 ||
-            word.compare(label, Qt::CaseInsensitive) == 0)
+        if (found.isEmpty() && tablewords::means(word, label))
             found = label;
     });
-    return found;
+    if (!found.isEmpty())
+        return found;
+    const auto is = [&word](const QString &other) { return word.compare(other, Qt::CaseInsensitive) == 0; };
+    if (is(u"Business"_s) || is(u"geschäftlich"_s) || is(u"dienstlich"_s))
+        return CNLabel::work;
+    if (is(u"Cell"_s) || is(u"Handy"_s))
+        return CNLabel::mobile;
+    // The kind of a mail address, of which there is only one.
+    return is(u"privat"_s) ? CNLabel::home : is(u"SMTP"_s) ? QString() : word;
 }
 
 QString birthdayText(const CNBirthday &birthday)
@@ -80,117 +95,339 @@ QString birthdayText(const CNBirthday &birthday)
                          : u"--"_s + day;
 }
 
-/// ISO 8601, or day, month and year between dots.
+/// The year that two digits mean for somebody who has been born.
+int wholeYear(int year)
+{
+    constexpr int century = 100;
+    if (year >= century)
+        return year;
+    const int present = Calendar::current().year(Clock::now());
+    const int recent = present - present % century + year;
+    return recent > present ? recent - century : recent;
+}
+
+/// Two numbers as month and day: by the user's order, unless that makes no day.
+std::optional<CNBirthday> birthdayOf(std::optional<int> year, int first, int second, bool isMonthFirst)
+{
+    constexpr int leapYear = 2000;
+    for (const bool isOrder : {isMonthFirst, !isMonthFirst}) {
+        const CNBirthday birthday{year, isOrder ? first : second, isOrder ? second : first};
+        if (QDate::isValid(year.value_or(leapYear), birthday.month, birthday.day))
+            return birthday;
+        constexpr int months = 12;
+        // The 31st of February is none of any other month.
+        if (first <= months && second <= months)
+            break;
+    }
+    return std::nullopt;
+}
+
+/// ISO 8601, day and month between dots, or either order between strokes, each with a time behind it that
+/// says nothing.
 std::optional<CNBirthday> birthdayOf(const QString &text)
 {
-    static const QRegularExpression iso(u"^(\\d{4}|-)-(\\d{2})-(\\d{2})(?:T.*)?$"_s);
-    static const QRegularExpression dots(u"^(\\d{1,2})\\.\\s?(\\d{1,2})\\.\\s?(\\d{4})$"_s);
-    std::optional<CNBirthday> birthday;
-    if (const auto match = iso.match(text); match.hasMatch()) {
-        const bool hasYear = match.capturedView(1) != u"-";
-        birthday = {hasYear ? std::optional(match.capturedView(1).toInt()) : std::nullopt,
-                    match.capturedView(2).toInt(), match.capturedView(3).toInt()};
-    } else if (const auto parts = dots.match(text); parts.hasMatch()) {
-        birthday = {parts.capturedView(3).toInt(), parts.capturedView(2).toInt(),
-                    parts.capturedView(1).toInt()};
-    }
-    constexpr int leapYear = 2000;
-    if (birthday && !QDate::isValid(birthday->year.value_or(leapYear), birthday->month, birthday->day))
-        return std::nullopt;
-    return birthday;
-}
-
-// Titles
-
-/// Letters and digits alone.
-QString keyOf(const QString &title)
-{
-    QString key;
-    for (const QChar letter : title.toLower())
-        if (letter.isLetterOrNumber())
-            key += letter;
-    return key;
-}
-
-using KnownTitles = QHash<QString, Column>;
-
-/// All titles without a number, by their keys. A number stands as "#".
-KnownTitles knownTitles()
-{
-    KnownTitles known;
-    const auto add = [&](const QString &title, const Column &column) { known.insert(keyOf(title), column); };
-    const auto addBoth = [&](const QString &title, const Column &column) {
-        add(title, column);
-        add(localized(title), column);
+    static const QRegularExpression iso(u"^(\\d{4}|-)[-/.]?(\\d{1,2})[-/.](\\d{1,2})(?:[T ].*)?$"_s);
+    static const QRegularExpression whole(u"^(\\d{4})(\\d{2})(\\d{2})$"_s);
+    static const QRegularExpression dots(
+        u"^(\\d{1,2})\\.\\s?(\\d{1,2})\\.(?:\\s?(\\d{4}|\\d{2}))?(?: .*)?$"_s);
+    static const QRegularExpression strokes(u"^(\\d{1,2})[-/](\\d{1,2})[-/](\\d{4}|\\d{2})(?: .*)?$"_s);
+    const auto numberAt = [](const QRegularExpressionMatch &match, int place) {
+        return match.capturedView(place).toInt();
     };
-    const auto addSort = [&](const QStringList &titles, Sort sort) {
-        for (const QString &title : titles) {
-            for (const QString &word : {title, localized(title)}) {
-                add(word, {sort});
-                add(word + u" value"_s, {sort});
-                for (const QString &of : {u"Type"_s, u"Label"_s, localized(u"Type"_s)})
-                    add(word + of, {sort, Part::Label});
-            }
+    for (const QRegularExpression &form : {iso, whole}) {
+        const auto match = form.match(text);
+        const auto year = match.capturedView(1) == u"-" ? std::nullopt : std::optional(numberAt(match, 1));
+        constexpr int leapYear = 2000;
+        if (match.hasMatch() &&
+            QDate::isValid(year.value_or(leapYear), numberAt(match, 2), numberAt(match, 3)))
+            return CNBirthday{year, numberAt(match, 2), numberAt(match, 3)};
+    }
+    if (const auto match = dots.match(text); match.hasMatch()) {
+        const auto year = match.hasCaptured(3) ? std::optional(wholeYear(numberAt(match, 3))) : std::nullopt;
+        return birthdayOf(year, numberAt(match, 1), numberAt(match, 2), false);
+    }
+    const auto match = strokes.match(text);
+    return match.hasMatch() ? birthdayOf(wholeYear(numberAt(match, 3)), numberAt(match, 1),
+                                         numberAt(match, 2), tablecells::isMonthFirst())
+                            : std::nullopt;
+}
+
+/// What other programs write where nothing was chosen.
+bool saysNothing(const Column &column, const QString &text)
+{
+    static const QRegularExpression noDay(u"^0{1,4}[-/.]0{1,2}[-/.]0{1,4}$"_s);
+    static const QHash<QString, QString> defaults = {
+        {u"gender"_s, u"Unspecified"_s}, {u"priority"_s, u"Normal"_s},         {u"private"_s, u"False"_s},
+        {u"sensitivity"_s, u"Normal"_s}, {u"geschlecht"_s, u"Keine Angabe"_s}, {u"priorität"_s, u"Normal"_s},
+        {u"privat"_s, u"Aus"_s},         {u"vertraulichkeit"_s, u"Normal"_s}};
+    return noDay.match(text).hasMatch() ||
+           (column.sort == Sort::Other &&
+            defaults.value(tablewords::keyOf(column.title)).compare(text, Qt::CaseInsensitive) == 0);
+}
+
+QStringList wordsIn(const QString &text)
+{
+    static const QRegularExpression between(u"[^\\w@.+-]+"_s, QRegularExpression::UseUnicodePropertiesOption);
+    return text.toCaseFolded().split(between, Qt::SkipEmptyParts);
+}
+
+/// Makes a contact of a row, field by field.
+class FieldsReader
+{
+public:
+    void take(const Column &column, const QString &text)
+    {
+        switch (column.sort) {
+        case Sort::FirstName:
+            return takeOnce(contact.givenName, column, text);
+        case Sort::LastName:
+            return takeOnce(contact.familyName, column, text);
+        case Sort::FullName:
+            return takeOnce(fullName, column, text);
+        case Sort::Company:
+            return takeOnce(contact.organizationName, column, text);
+        case Sort::JobTitle:
+            return takeOnce(contact.jobTitle, column, text);
+        case Sort::Birthday:
+            return takeBirthday(column, text);
+        case Sort::Note:
+            contact.note += (contact.note.isEmpty() ? u""_s : u"\n"_s) + text;
+            return;
+        case Sort::Groups:
+        case Sort::Projects:
+            return takeLinks(column, text);
+        case Sort::Phone:
+            return takeValue(phones, column, text);
+        case Sort::Email:
+            return takeValue(emails, column, text);
+        case Sort::Url:
+            return takeValue(urls, column, text);
+        case Sort::Address:
+            return takeAddress(column, text);
+        case Sort::Identifier:
+            // That of another program is of use to people at most.
+            if (QUuid(text).isNull())
+                keep(column, text);
+            return;
+        case Sort::Repetition:
+            repeated.emplace_back(column, text);
+            return;
+        case Sort::Other:
+            return keep(column, text);
+        }
+    }
+
+    CNContact finished()
+    {
+        takeFullName();
+        takeParts();
+        append(contact.phoneNumbers, phones);
+        append(contact.emailAddresses, emails);
+        append(contact.urlAddresses, urls);
+        append(contact.postalAddresses, addresses);
+        for (const auto &[column, text] : repeated)
+            keepNews(column, text);
+        return contact;
+    }
+
+private:
+    /// Values with labels of their own stand behind those with numbers; several can share a number.
+    struct Place
+    {
+        bool isNamed;
+        int number;
+        QString label;
+        qsizetype part;
+        bool operator<(const Place &other) const
+        {
+            return std::tie(isNamed, number, label, part) <
+                   std::tie(other.isNamed, other.number, other.label, other.part);
         }
     };
-    const auto addLabelled = [&](const QString &title, Sort sort, const QString &label) {
-        add(title, {.sort = sort, .label = label});
-    };
-    for (const QString &title : {u"First Name"_s, u"Given Name"_s, u"Forename"_s})
-        addBoth(title, {Sort::FirstName});
-    for (const QString &title : {u"Last Name"_s, u"Family Name"_s, u"Surname"_s})
-        addBoth(title, {Sort::LastName});
-    for (const QString &title : {u"Name"_s, u"Full Name"_s, u"Display Name"_s})
-        addBoth(title, {Sort::FullName});
-    for (const QString &title : {u"Company"_s, u"Organization"_s, u"Organization Name"_s})
-        addBoth(title, {Sort::Company});
-    for (const QString &title : {u"Job Title"_s, u"Organization Title"_s})
-        addBoth(title, {Sort::JobTitle});
-    addBoth(u"Birthday"_s, {Sort::Birthday});
-    for (const QString &title : {u"Notes"_s, u"Note"_s, u"Comment"_s})
-        addBoth(title, {Sort::Note});
-    addBoth(ContactTable::groups, {Sort::Groups});
-    addBoth(ContactTable::projects, {Sort::Projects});
-    addSort({u"Phone"_s, u"Telephone"_s, u"Phone Number"_s}, Sort::Phone);
-    addSort({u"Email"_s, u"E-mail"_s, u"Email Address"_s}, Sort::Email);
-    addSort({u"URL"_s, u"Website"_s, u"Web Page"_s}, Sort::Url);
-    for (const QString &title : {u"Address"_s, localized(u"Address"_s)}) {
-        for (const QString &of : {u"Type"_s, u"Label"_s, localized(u"Type"_s)})
-            add(title + of, {Sort::Address, Part::Label});
-        for (const NamedPart &part : addressParts())
-            for (const QString &of : {part.title, localized(part.title)})
-                add(title + of, {Sort::Address, part.part});
-        add(title + u"Region"_s, {Sort::Address, Part::State});
-        add(title + u"Postal Code"_s, {Sort::Address, Part::Zip});
-        add(title + u"Extended Address"_s, {Sort::Address, Part::Street2});
+    template <typename Value>
+    using Values = std::map<Place, CNLabeledValue<Value>>;
+
+    void keep(const Column &column, const QString &text)
+    {
+        contact.otherWords.push_back({column.title, text});
     }
-    for (const QString &title : {u"Mobile Phone"_s, u"Mobile Number"_s, u"Mobile"_s})
-        addLabelled(title, Sort::Phone, CNLabel::mobile);
-    addLabelled(u"Home Phone"_s, Sort::Phone, CNLabel::home);
-    addLabelled(u"Business Phone"_s, Sort::Phone, CNLabel::work);
-    addLabelled(u"Work Phone"_s, Sort::Phone, CNLabel::work);
-    addLabelled(u"Home Fax"_s, Sort::Phone, CNLabel::homeFax);
-    addLabelled(u"Business Fax"_s, Sort::Phone, CNLabel::workFax);
-    return known;
-}
+    /// The first of several columns of one meaning counts; the others are kept in words.
+    void takeOnce(QString &field, const Column &column, const QString &text)
+    {
+        if (field.isEmpty())
+            field = text;
+        else if (field != text)
+            keep(column, text);
+    }
+    static QStringList piecesOf(const Column &column, const QString &text)
+    {
+        if (column.separators.isEmpty())
+            return {text};
+        QStringList pieces = text.split(QRegularExpression(column.separators));
+        for (QString &piece : pieces)
+            piece = piece.trimmed();
+        return pieces;
+    }
+    void takeLinks(const Column &column, const QString &text)
+    {
+        for (QString title : piecesOf(column, text)) {
+            // So do those that the program itself has.
+            if (title.startsWith(u"* "_s))
+                title = title.mid(2).trimmed();
+            if (title.isEmpty())
+                continue;
+            if (column.sort == Sort::Projects)
+                contact.otherWords.push_back({ContactTable::projects, title});
+            else if (!contact.groups.contains(title))
+                contact.groups.append(title);
+        }
+    }
+    void takeBirthday(const Column &column, const QString &text)
+    {
+        const int number = text.toInt();
+        if (column.part != Part::Value && number <= 0)
+            keep(column, text);
+        else if (column.part == Part::Year)
+            year = {column, number};
+        else if (column.part == Part::Month)
+            month = {column, number};
+        else if (column.part == Part::Day)
+            day = {column, number};
+        else if (contact.birthday || !contact.unreadBirthday.isEmpty())
+            keep(column, text);
+        else if (contact.birthday = birthdayOf(text); !contact.birthday)
+            contact.unreadBirthday = text;
+    }
+    static Place placeOf(const Column &column, qsizetype part)
+    {
+        return {!column.label.isEmpty(), column.number, column.label, part};
+    }
+    void takeValue(Values<QString> &values, const Column &column, const QString &text)
+    {
+        if (column.part == Part::Label) {
+            labels[&values][column.number] = labelOf(text);
+            return;
+        }
+        const QStringList pieces = piecesOf(column, text);
+        for (qsizetype part = 0; part < pieces.size(); ++part) {
+            // Two columns can have one title.
+            Place place = placeOf(column, part);
+            while (values.contains(place))
+                place.part += mostPieces;
+            if (!pieces[part].isEmpty())
+                values[place] = {column.label, pieces[part]};
+        }
+    }
+    void takeAddress(const Column &column, const QString &text)
+    {
+        if (column.part == Part::Label) {
+            labels[&addresses][column.number] = labelOf(text);
+            return;
+        }
+        const QStringList pieces = piecesOf(column, text);
+        for (qsizetype part = 0; part < pieces.size(); ++part) {
+            const Place place = placeOf(column, part);
+            if (column.part == Part::Whole) {
+                wholeAddresses[place] = {column, pieces[part]};
+                continue;
+            }
+            auto &address = addresses[place];
+            address.label = column.label;
+            const auto named = std::ranges::find(addressParts(), column.part, &NamedPart::part);
+            QString &field = address.value.*named->field;
+            if (field.isEmpty())
+                field = pieces[part];
+            else if (column.part == Part::Street2)
+                field += u", "_s + pieces[part];
+            else
+                keep(column, pieces[part]);
+        }
+    }
+    /// The family name is the last word, or stands before a comma, or is what stands beside a given name that
+    /// is known.
+    void takeFullName()
+    {
+        if (fullName.isEmpty())
+            return;
+        QString rest = fullName;
+        const qsizetype comma = fullName.indexOf(u',');
+        if (!contact.hasName() && comma > 0) {
+            contact.familyName = fullName.left(comma).trimmed();
+            contact.givenName = fullName.mid(comma + 1).trimmed();
+        } else if (!contact.hasName()) {
+            contact.familyName = fullName.section(u' ', -1);
+            contact.givenName = fullName.chopped(contact.familyName.size()).trimmed();
+        } else if (contact.familyName.isEmpty()) {
+            if (rest.startsWith(contact.givenName + u' '))
+                rest = rest.mid(contact.givenName.size()).trimmed();
+            contact.familyName = rest == contact.givenName ? QString() : rest;
+        } else {
+            repeated.emplace_back(Column{.sort = Sort::Repetition, .title = u"Full Name"_s}, fullName);
+        }
+    }
+    /// A birthday in three columns, and addresses that stand in one.
+    void takeParts()
+    {
+        constexpr int leapYear = 2000;
+        const bool isDay = month.second > 0 && day.second > 0 &&
+                           QDate::isValid(year.second > 0 ? year.second : leapYear, month.second, day.second);
+        if (isDay && !contact.birthday)
+            contact.birthday = CNBirthday{year.second > 0 ? std::optional(year.second) : std::nullopt,
+                                          month.second, day.second};
+        else
+            for (const auto &[column, number] : {year, month, day})
+                if (number > 0)
+                    keep(column, QString::number(number));
+        for (const auto &[place, whole] : wholeAddresses) {
+            if (addresses.contains(place)) {
+                repeated.push_back(whole);
+                continue;
+            }
+            auto &address = addresses[place];
+            address.label = whole.first.label;
+            address.value.street = whole.second;
+        }
+    }
+    template <typename Value>
+    void append(std::vector<CNLabeledValue<Value>> &list, Values<Value> &values)
+    {
+        const auto &ofNumbers = labels[&values];
+        for (auto &[place, value] : values) {
+            if (value.label.isEmpty() && ofNumbers.contains(place.number))
+                value.label = ofNumbers.at(place.number);
+            if (!value.value.isEmpty())
+                list.push_back(value);
+        }
+    }
+    void keepNews(const Column &column, const QString &text)
+    {
+        QStringList known =
+            wordsIn(contact.givenName + u' ' + contact.familyName + u' ' + contact.organizationName);
+        for (const auto &email : contact.emailAddresses)
+            known += wordsIn(email.value);
+        for (const auto &[label, place] : contact.postalAddresses)
+            for (const NamedPart &part : addressParts())
+                known += wordsIn(place.*part.field);
+        const QStringList words = wordsIn(text);
+        if (!std::ranges::all_of(words, [&](const QString &word) { return known.contains(word); }))
+            keep(column, text);
+    }
 
-template <typename Value>
-CNLabeledValue<Value> &valueAt(std::map<int, CNLabeledValue<Value>> &values, const Column &column)
-{
-    auto &value = values[column.number];
-    if (!column.label.isEmpty())
-        value.label = column.label;
-    return value;
-}
-
-template <typename Value, typename IsEmpty>
-void append(std::vector<CNLabeledValue<Value>> &list, const std::map<int, CNLabeledValue<Value>> &values,
-            IsEmpty isEmpty)
-{
-    for (const auto &[number, value] : values)
-        if (!isEmpty(value.value))
-            list.push_back(value);
-}
+    static constexpr qsizetype mostPieces = 1'000'000;
+    CNContact contact;
+    QString fullName;
+    Values<QString> phones;
+    Values<QString> emails;
+    Values<QString> urls;
+    Values<CNPostalAddress> addresses;
+    std::map<Place, std::pair<Column, QString>> wholeAddresses;
+    /// By the values that they are of, and the numbers of these.
+    std::map<const void *, std::map<int, QString>> labels;
+    std::pair<Column, int> year = {{Sort::Birthday}, 0};
+    std::pair<Column, int> month = {{Sort::Birthday}, 0};
+    std::pair<Column, int> day = {{Sort::Birthday}, 0};
+    std::vector<std::pair<Column, QString>> repeated;
+};
 
 } // namespace
 
@@ -249,104 +486,17 @@ QStringList ContactTable::fields(const CNContact &contact, const ContactTableWid
     return fields;
 }
 
-std::optional<ContactTable::Column> ContactTable::Column::of(const QString &title)
+CNContact ContactTable::contactOf(const QStringList &fields, const std::vector<Column> &columns)
 {
-    const KnownTitles known = knownTitles();
-    // "Street 2" is a title with a digit of its own, so the first number is the one that counts.
-    static const QRegularExpression firstNumber(u"^(\\D+?)\\s*(\\d+)(.*)$"_s);
-    if (const auto match = firstNumber.match(title.trimmed()); match.hasMatch()) {
-        const auto found = known.constFind(keyOf(match.captured(1) + match.captured(3)));
-        if (found != known.constEnd()) {
-            Column column = *found;
-            column.number = std::max(1, match.capturedView(2).toInt());
-            return column;
-        }
+    FieldsReader row;
+    for (qsizetype index = 0; index < fields.size(); ++index) {
+        const QString text = fields[index].trimmed();
+        const auto place = static_cast<std::size_t>(index);
+        const Column column = place < columns.size()
+                                  ? columns[place]
+                                  : Column{.sort = Sort::Other, .title = u'#' + QString::number(index + 1)};
+        if (!text.isEmpty() && !saysNothing(column, text))
+            row.take(column, text);
     }
-    const auto found = known.constFind(keyOf(title));
-    return found == known.constEnd() ? std::nullopt : std::optional(*found);
-}
-
-CNContact ContactTable::contactOf(const QStringList &fields,
-                                  const std::vector<std::optional<Column>> &columns)
-{
-    CNContact contact;
-    std::map<int, CNLabeledValue<QString>> phones;
-    std::map<int, CNLabeledValue<QString>> emails;
-    std::map<int, CNLabeledValue<QString>> urls;
-    std::map<int, CNLabeledValue<CNPostalAddress>> addresses;
-    QString fullName;
-    const auto put = [](CNLabeledValue<QString> &value, const Column &column, const QString &text) {
-        (column.part == Part::Label ? value.label : value.value) =
-            column.part == Part::Label ? labelOf(text) : text;
-    };
-    // Values that are called by their columns, and so have no numbers, come behind the others.
-    int unnumbered = 1'000'000;
-    const std::size_t count = std::min(columns.size(), static_cast<std::size_t>(fields.size()));
-    for (std::size_t index = 0; index < count; ++index) {
-        const QString text = fields[static_cast<int>(index)].trimmed();
-        if (!columns[index] || text.isEmpty())
-            continue;
-        Column column = *columns[index];
-        if (!column.label.isEmpty())
-            column.number = ++unnumbered;
-        switch (column.sort) {
-        case Sort::FirstName:
-            contact.givenName = text;
-            break;
-        case Sort::LastName:
-            contact.familyName = text;
-            break;
-        case Sort::FullName:
-            fullName = text;
-            break;
-        case Sort::Company:
-            contact.organizationName = text;
-            break;
-        case Sort::JobTitle:
-            contact.jobTitle = text;
-            break;
-        case Sort::Birthday:
-            contact.birthday = birthdayOf(text);
-            if (!contact.birthday)
-                contact.unreadBirthday = text;
-            break;
-        case Sort::Note:
-            contact.note = text;
-            break;
-        case Sort::Groups:
-        case Sort::Projects:
-            for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts))
-                contact.otherWords.push_back(
-                    {column.sort == Sort::Groups ? groups : projects, line.trimmed()});
-            break;
-        case Sort::Phone:
-            put(valueAt(phones, column), column, text);
-            break;
-        case Sort::Email:
-            put(valueAt(emails, column), column, text);
-            break;
-        case Sort::Url:
-            put(valueAt(urls, column), column, text);
-            break;
-        case Sort::Address:
-            auto &address = valueAt(addresses, column);
-            if (column.part == Part::Label)
-                address.label = labelOf(text);
-            for (const NamedPart &part : addressParts())
-                if (part.part == column.part)
-                    address.value.*part.field = text;
-            break;
-        }
-    }
-    if (!contact.hasName() && !fullName.isEmpty()) {
-        // The last word is the family name.
-        contact.familyName = fullName.section(u' ', -1);
-        contact.givenName = fullName.chopped(contact.familyName.size()).trimmed();
-    }
-    const auto isEmptyText = [](const QString &text) { return text.isEmpty(); };
-    append(contact.phoneNumbers, phones, isEmptyText);
-    append(contact.emailAddresses, emails, isEmptyText);
-    append(contact.urlAddresses, urls, isEmptyText);
-    append(contact.postalAddresses, addresses, [](const CNPostalAddress &place) { return place.isEmpty(); });
-    return contact;
+    return row.finished();
 }

@@ -42,9 +42,28 @@ struct Column
         Address,
         Note,
         Groups,
-        Projects
+        Projects,
+        Identifier,
+        /// Names and addresses over again, which only counts where it says more than these.
+        Repetition,
+        /// What no field holds.
+        Other
     };
-    enum class Part { Value, Label, Street, Street2, City, State, Zip, Country };
+    enum class Part {
+        Value,
+        Label,
+        Street,
+        Street2,
+        City,
+        State,
+        Zip,
+        Country,
+        /// An address as one text.
+        Whole,
+        Year,
+        Month,
+        Day
+    };
 
     Sort sort;
     Part part = Part::Value;
@@ -52,17 +71,22 @@ struct Column
     int number = 1;
     /// What the value is called by the title of its column, such as "home" of "Home Phone".
     QString label = {};
-
-    /// What a title says, in the user's language, in English, or as other programs write it; absent for a
-    /// column that is none of a contact.
-    static std::optional<Column> of(const QString &title);
+    /// As the table has it.
+    QString title = {};
+    /// What stands between several values in one field; empty where there is only one.
+    QString separators = {};
 };
 
-/// What `CNContact::otherWords` calls the groups and the projects of a contact, each of which is one of them.
-inline const QString groups = QStringLiteral("Groups");
+/// What the columns of a table are by their titles: in English, in the user's language or in another one of
+/// the program, whichever explains most of them, or as other programs write them.
+std::vector<Column> columnsOf(const QStringList &titles);
+/// Whether such columns can name somebody.
+bool hasNames(const std::vector<Column> &columns);
+
+/// What `CNContact::otherWords` calls the projects of a contact, each of which is one of them.
 inline const QString projects = QStringLiteral("Projects");
 
-/// The contact of a row. Fields that have no column are left out.
-CNContact contactOf(const QStringList &fields, const std::vector<std::optional<Column>> &columns);
+/// The contact of a row. What no field holds is among its `otherWords`, under the title of its column.
+CNContact contactOf(const QStringList &fields, const std::vector<Column> &columns);
 
 } // namespace ContactTable

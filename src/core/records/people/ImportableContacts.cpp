@@ -21,12 +21,15 @@ QString titleOf(const CNContact &contact)
     return contact.hasName() ? fullNameWith(contact.givenName, contact.familyName) : contact.organizationName;
 }
 
-/// A card of which nothing but the title would come in.
-bool saysNoMore(const CNContact &organization)
+/// A card of which nothing but the title or the name would come in.
+bool saysNoMore(const CNContact &card)
 {
-    return organization.phoneNumbers.empty() && organization.emailAddresses.empty() &&
-           organization.urlAddresses.empty() && organization.postalAddresses.empty() &&
-           organization.note.isEmpty() && organization.otherWords.empty();
+    const bool hasMoreAsPerson = card.birthday || !card.unreadBirthday.isEmpty() ||
+                                 !card.jobTitle.isEmpty() || !card.organizationName.isEmpty() ||
+                                 !card.groups.isEmpty();
+    return card.phoneNumbers.empty() && card.emailAddresses.empty() && card.urlAddresses.empty() &&
+           card.postalAddresses.empty() && card.note.isEmpty() && card.otherWords.empty() &&
+           !(card.hasName() && hasMoreAsPerson);
 }
 
 QString withoutEnd(QString sentence)
@@ -40,8 +43,12 @@ QString withoutEnd(QString sentence)
 
 ImportableContacts::ImportableContacts()
 {
+    const QSet<RowId> bare = ContactImport::contactsWithNameOnly();
     mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
-        present.insert(fullNameWith(row.text(0), row.text(1)));
+        const QString name = fullNameWith(row.text(0), row.text(1));
+        present.insert(name);
+        if (bare.contains(row.rowId()))
+            bareContacts.insert(name);
     });
     mainContext().visit(EntityCompany::fetchRequest(), {"title"},
                         [&](const RowReader &row) { presentCompanies.insert(row.text(0)); });
@@ -115,9 +122,9 @@ void ImportableContacts::take(const ContactReader::Entry &card)
     }
     candidates.push_back(candidate);
     const auto key = static_cast<MarkedRows::Key>(candidates.size());
-    const bool isPresent = contact.hasName() ? present.contains(title)
-                                             : presentCompanies.contains(title) &&
-                                                   (!bareCompanies.contains(title) || saysNoMore(contact));
+    const bool isKnown = (contact.hasName() ? present : presentCompanies).contains(title);
+    const bool isBare = (contact.hasName() ? bareContacts : bareCompanies).contains(title);
+    const bool isPresent = isKnown && (!isBare || saysNoMore(contact));
     const QString detail = contact.hasName() ? contact.organizationName : localized(u"Company"_s);
     entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : detail});
     if (isPresent)
@@ -136,9 +143,14 @@ bool ImportableContacts::readSome(int milliseconds)
         if (const auto card = reader->next(CardImage::Leave)) {
             take(*card);
         } else {
-            if (cardsOfOrigin == 0)
+            const QString &name = origins[nextOrigin - 1].name();
+            if (!reader->isUnderstood())
                 sentences.append(
-                    localized(u"There is no contact in \"%1\"."_s).arg(origins[nextOrigin - 1].name()));
+                    localized(
+                        u"No title of names is understood in the first line of \"%1\", so that nothing can be read from it."_s)
+                        .arg(name));
+            else if (cardsOfOrigin == 0)
+                sentences.append(localized(u"There is no contact in \"%1\"."_s).arg(name));
             reader.reset();
             device.reset();
         }

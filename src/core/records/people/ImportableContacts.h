@@ -70,6 +70,7 @@ private:
     QSet<QString> presentCompanies;
     /// Those of them that a card may say more of.
     QSet<QString> bareCompanies;
+    QSet<QString> bareContacts;
     std::unordered_set<MarkedRows::Key> known;
     QStringList sentences;
 };

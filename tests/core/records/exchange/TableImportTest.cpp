@@ -434,6 +434,7 @@ TEST_F(TableImportTest, ComesBackInEveryLanguageAndEnglishIsUnderstoodInAll)
     const QStringList formerTasks = values<EntityTask>();
     const QString formerProject = valuesOf(*house);
     const QStringList formerNotes = values<EntityNote>();
+    QString reader = u"zh_TW"_qs;
     for (const QString &language :
          {u"de_DE"_qs, u"ar_EG"_qs, u"es_ES"_qs, u"fr_FR"_qs, u"he_IL"_qs, u"it_IT"_qs, u"ja_JP"_qs,
           u"ko_KR"_qs, u"ms_MY"_qs, u"nb_NO"_qs, u"nl_NL"_qs, u"pt_PT"_qs, u"ru_RU"_qs, u"sv_SE"_qs,
@@ -446,6 +447,9 @@ TEST_F(TableImportTest, ComesBackInEveryLanguageAndEnglishIsUnderstoodInAll)
         EXPECT_NE(tables[0].left(tables[0].indexOf('\n')), english.left(english.indexOf('\n')));
         EXPECT_EQ(import(english).same, 7);
         clear();
+        // Its words are understood by somebody of any other language.
+        Region::setLocale(reader);
+        reader = language;
         const TaskImportAccount account = import(tables);
         EXPECT_EQ(account.added, 11);
         EXPECT_EQ(account.sentences().size(), 1) << said(account);
@@ -547,6 +551,22 @@ TEST_F(TableImportTest, TakesOverWhatWasChangedInTheTableAndNotWhatWasChangedHer
     EXPECT_THAT(account.newerHere, ElementsAre(u"Sail far"_qs));
     EXPECT_EQ(account.same, 6);
     EXPECT_EQ(sail->priority(), Priority::High);
+}
+
+TEST_F(TableImportTest, KeepsUnknownColumnsInTheDetails)
+{
+    deny();
+    const QByteArray text =
+        "Title,Due,Qx1,,Notes\nPaint,2026-11-24,red,wet,Twice,more\nSweep,2026-11-25,,,\n";
+    const TaskImportAccount account = import(text);
+    EXPECT_EQ(account.added, 2);
+    EXPECT_EQ(row(u"Paint"_qs)->details(), u"Twice\nQx1: red\n#4: wet\n#6: more"_qs);
+    EXPECT_EQ(row(u"Sweep"_qs)->details(), QString());
+    EXPECT_THAT(said(account), HasSubstr("Columns that mean nothing here stand in notes: Qx1, #4, #6."));
+    EXPECT_EQ(import(text).same, 2) << "once more it says nothing else";
+    // Titles are written in one language, whatever that of the reader is.
+    EXPECT_EQ(import("Titel;Fällig;Priorität\nKühn;2026-11-24;Hoch\n").added, 1);
+    EXPECT_EQ(row(u"Kühn"_qs)->priority(), Priority::High);
 }
 
 TEST_F(TableImportTest, TellsWhatCannotBeRead)

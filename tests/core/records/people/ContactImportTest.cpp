@@ -6,6 +6,7 @@
 #include "records/exchange/RecordExport.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ImportableContacts.h"
+#include "store/entities/EntityContactGroup.h"
 #include "support/FullDisk.h"
 
 #include <QBuffer>
@@ -203,6 +204,35 @@ TEST_F(ImportingContacts, TellsOfASecondCardOfOneNameThatSaysMore)
     EXPECT_EQ(again.namesakes, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs}));
 }
 
+TEST_F(ImportingContacts, CompletesWhomOnlyTheNameIsKnownOfAndBringsGroups)
+{
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_qs);
+    ann->setLastName(u"Lee"_qs);
+    const auto note = context().insert<EntityNote>();
+    note->setTitle(u"Ann Lee"_qs);
+    note->setDetail(u"Sings\nRings"_qs);
+    note->setContact(ann);
+    const auto choir = context().insert<EntityContactGroup>();
+    choir->setTitle(u"Choir"_qs);
+    choir->setUseGeneralFilter(false);
+    ASSERT_FALSE(DBWorker::saveContext());
+    const QByteArray text =
+        card("N:Lee;Ann;;;\r\nTEL:1\r\nNOTE:Sings\\nRings\r\nCATEGORIES:Choir,Tea\\, black") +
+        card("N:Kay;Bob;;;\r\nCATEGORIES:Choir");
+    const ContactImportAccount account = importAll(text);
+    EXPECT_EQ(account.sentences(), (QStringList{u"2 contacts were imported."_qs, u"1 group is new."_qs}));
+    EXPECT_EQ(ContactExport().contactOf(*ann).groups, (QStringList{u"Choir"_qs, u"Tea, black"_qs}));
+    EXPECT_EQ(ann->phone().size(), 1u);
+    EXPECT_EQ(count<EntityNote>(), 1) << "what the card says of her stands there already";
+    EXPECT_EQ(count<EntityContactGroup>(), 2);
+    EXPECT_EQ(importAll(text + card("N:;Cid;;;")).poorer, QStringList());
+    // Later she lacks a group, which she is not given again.
+    choir->setContacts({});
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(importAll(text + card("N:;Dan;;;")).poorer, QStringList(u"Ann Lee"_qs));
+}
+
 TEST_F(ImportingContacts, FindsTypesByTheirPlace)
 {
     const auto types = DBWorker::allPhoneType();
@@ -350,7 +380,8 @@ TEST_F(ImportingContacts, WaitsForTheNextSaveIfTheDiskIsFull)
     EXPECT_EQ(alerts.asked().size(), 1u);
     const ContactImportAccount again = list->import(png);
     EXPECT_TRUE(again.isSaved);
-    EXPECT_EQ(again.existing, QStringList(u"Ann"_qs));
+    EXPECT_EQ(again.filledContacts, 1) << "with the picture, too";
+    EXPECT_FALSE(contact(u"Ann"_qs, u""_qs)->photoName().isEmpty());
     EXPECT_FALSE(context().hasChanges());
     EXPECT_EQ(count<EntityContacts>(), 1);
     EXPECT_EQ(indexTexts().count(u"Ann"_qs), 1);
