@@ -21,15 +21,8 @@
 #include <unordered_map>
 
 using namespace Qt::Literals::StringLiterals;
-
-/// What a card brings to somebody who is there.
-enum class CardVerdict {
-    Nothing,
-    /// Something that is missing there.
-    More,
-    /// Nothing but another phone and mail, as somebody else of the same name has.
-    OtherPerson,
-};
+using knowncontacts::isLink;
+using knowncontacts::oneLine;
 
 namespace {
 
@@ -68,114 +61,9 @@ std::vector<std::shared_ptr<T>> typesIn(const ObjectList<T> &list)
     return {list.begin(), list.end()};
 }
 
-/// What stands in one line of a form; empty, and not absent, for nothing.
-QString oneLine(const QString &text)
-{
-    return u""_s + text.split(u'\n', Qt::SkipEmptyParts).join(u", "_s).trimmed();
-}
-
-/// How two values are compared that people write in many ways: a number by its digits, others in small
-/// letters.
-QString essence(const QString &value)
-{
-    QString digits;
-    for (const QChar letter : value) {
-        if (letter.isDigit())
-            digits += letter;
-        else if (letter.isLetter())
-            return value.trimmed().toLower();
-    }
-    return digits.isEmpty() ? value.trimmed() : digits;
-}
-
-QString addressKey(const QString &street, const QString &zip, const QString &city)
-{
-    return (oneLine(street) + u'|' + oneLine(zip) + u'|' + oneLine(city)).toLower();
-}
-
 QString nameOf(const CNContact &card)
 {
     return card.hasName() ? fullNameWith(card.givenName, card.familyName) : card.organizationName;
-}
-
-/// A project of a person, which is linked.
-bool isLink(const CNContact &card, const CNLabeledValue<QString> &words)
-{
-    return words.label == ContactTable::projects && card.hasName();
-}
-
-template <typename Values>
-bool lacks(const Values &values, const QSet<QString> &present)
-{
-    return std::ranges::any_of(values,
-                               [&](const auto &one) { return !present.contains(essence(one.value)); });
-}
-
-bool hasMore(const CNContact &card, const KnownContact &known)
-{
-    const auto isMissing = [&known](const auto &place) {
-        return !known.addresses.contains(
-            addressKey(place.value.street, place.value.postalCode, place.value.city));
-    };
-    const QStringList lines = card.note.split(u'\n', Qt::SkipEmptyParts);
-    const auto isUnknown = [&known](const QString &line) { return !known.words.contains(line.trimmed()); };
-    const auto isOtherWord = [&](const auto &one) {
-        return !isLink(card, one) && !known.words.contains(one.value);
-    };
-    const auto isOtherGroup = [&known](const QString &title) { return !known.groups.contains(title); };
-    const bool hasBirthday = card.birthday && card.birthday->year;
-    return (!card.imageData.isEmpty() && !known.hasPicture) ||
-           (card.hasName() && std::ranges::any_of(card.groups, isOtherGroup)) ||
-           std::ranges::any_of(card.otherWords, isOtherWord) || lacks(card.phoneNumbers, known.phones) ||
-           lacks(card.emailAddresses, known.emails) || lacks(card.urlAddresses, known.urls) ||
-           std::ranges::any_of(card.postalAddresses, isMissing) ||
-           (hasBirthday && card.birthday != known.birthday) ||
-           (!card.organizationName.isEmpty() && oneLine(card.organizationName) != known.company) ||
-           std::ranges::any_of(lines, isUnknown);
-}
-
-CardVerdict verdictOn(const CNContact &card, const KnownContact &known)
-{
-    if (!hasMore(card, known))
-        return CardVerdict::Nothing;
-    const auto sharesOne = [](const auto &values, const QSet<QString> &present) {
-        return std::ranges::any_of(values,
-                                   [&](const auto &one) { return present.contains(essence(one.value)); });
-    };
-    const bool canBeReached = !card.phoneNumbers.empty() || !card.emailAddresses.empty();
-    const bool isReached = !known.phones.isEmpty() || !known.emails.isEmpty();
-    const bool isSomebodyElse = canBeReached && isReached && !sharesOne(card.phoneNumbers, known.phones) &&
-                                !sharesOne(card.emailAddresses, known.emails);
-    return isSomebodyElse && card.hasName() ? CardVerdict::OtherPerson : CardVerdict::More;
-}
-
-KnownContact knownFrom(const CNContact &card)
-{
-    KnownContact known{.words = card.note,
-                       .birthday = card.birthday && card.birthday->year ? card.birthday : std::nullopt,
-                       .company = oneLine(card.organizationName),
-                       .hasPicture = !card.imageData.isEmpty()};
-    known.groups = {card.groups.begin(), card.groups.end()};
-    for (const auto &one : card.otherWords)
-        known.words += u'\n' + one.value;
-    const auto take = [](QSet<QString> &into, const auto &values) {
-        for (const auto &one : values)
-            into.insert(essence(one.value));
-    };
-    take(known.phones, card.phoneNumbers);
-    take(known.emails, card.emailAddresses);
-    take(known.urls, card.urlAddresses);
-    for (const auto &place : card.postalAddresses)
-        known.addresses.insert(addressKey(place.value.street, place.value.postalCode, place.value.city));
-    return known;
-}
-
-/// "Ann Lee, Bob Kay and 3 more".
-QString someOf(const QStringList &names)
-{
-    constexpr int most = 5;
-    const QString some = names.mid(0, most).join(u", "_s);
-    return names.size() > most ? localized(u"%1 and %2 more"_s).arg(some).arg(names.size() - most) : some;
 }
 
 } // namespace
@@ -439,9 +327,12 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
         names.append(name);
     };
     if (contact.birthday && !contact.birthday->year) {
-        const QString day = u"--%1-%2"_s.arg(contact.birthday->month, 2, 10, QLatin1Char('0'))
-                                .arg(contact.birthday->day, 2, 10, QLatin1Char('0'));
-        keep(u"Birthday"_s, day, account.withoutYear);
+        constexpr int anyLeapYear = 2000;
+        const Date day = Calendar::current().dateFromComponents(
+            {.year = anyLeapYear, .month = contact.birthday->month, .day = contact.birthday->day});
+        using enum DateFormatter::Language;
+        const QString pattern = DateFormatter::patternFromTemplate(u"MMMMd"_s, OfWords);
+        keep(u"Birthday"_s, DateFormatter::string(day, pattern, OfWords), account.withoutYear);
     }
     if (!contact.birthday && !contact.unreadBirthday.isEmpty())
         keep(u"Birthday"_s, contact.unreadBirthday, account.unreadBirthdays);
@@ -495,7 +386,7 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
         return nullptr;
     }
     contacts.insert(key, 0);
-    newcomers.insert(key, knownFrom(contact));
+    newcomers.insert(key, knowncontacts::from(contact));
     const ContactPtr row = present ? present : mainContext().insert<EntityContacts>();
     const std::size_t formerSize = sizeOf(*row);
     row->setFirstName(first);
@@ -540,7 +431,7 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
         return nullptr;
     }
     describedCompanies.insert(title);
-    newcomers.insert(keyOfCompany(title), knownFrom(contact));
+    newcomers.insert(keyOfCompany(title), knowncontacts::from(contact));
     if (companyRows.contains(title))
         ++account.filledCompanies;
     const CompanyPtr company = companyNamed(title);
@@ -570,7 +461,7 @@ void ContactImport::meetCompany(const CNContact &contact)
     const RowId row = companyRows.value(title);
     const bool isNew = describedCompanies.contains(title);
     if (isNew)
-        tell(contact, verdictOn(contact, newcomers.value(keyOfCompany(title))));
+        tell(contact, knowncontacts::verdictOn(contact, newcomers.value(keyOfCompany(title))));
     CNContact card = withoutPicture(contact);
     if (row != 0 && !isNew)
         metCompanies.emplace_back(row, std::move(card));
@@ -588,29 +479,7 @@ void ContactImport::meet(const CNContact &contact)
     if (row != 0)
         met.emplace_back(row, std::move(card));
     else if (const auto newcomer = newcomers.constFind(keyOf(first, last)); newcomer != newcomers.constEnd())
-        tell(contact, verdictOn(contact, *newcomer));
-}
-
-/// What a stored row itself has.
-static KnownContact knownFrom(const EntityContacts &contact)
-{
-    KnownContact known;
-    if (const OptionalDate birthday = contact.birthday()) {
-        const Calendar calendar = Calendar::current();
-        known.birthday =
-            CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
-    }
-    known.company = contact.company() ? contact.company()->title() : QString();
-    known.hasPicture = !contact.photoName().isEmpty();
-    for (const auto &group : contact.contactGroup())
-        known.groups.insert(group->title());
-    return known;
-}
-
-static KnownContact knownFrom(const EntityCompany &company)
-{
-    return {
-        .words = company.details(), .company = company.title(), .hasPicture = !company.photoName().isEmpty()};
+        tell(contact, knowncontacts::verdictOn(contact, *newcomer));
 }
 
 void ContactImport::tell(const CNContact &card, CardVerdict verdict)
@@ -621,100 +490,24 @@ void ContactImport::tell(const CNContact &card, CardVerdict verdict)
         account.namesakes.append(nameOf(card));
 }
 
-template <typename Owner>
-void ContactImport::compareExisting(const std::vector<std::pair<RowId, CNContact>> &present,
-                                    const char *ownerColumn)
+void ContactImport::compare(const Met &cards,
+                            std::vector<std::optional<KnownContact>> (*known)(const std::vector<RowId> &))
 {
-    ManagedObjectContext &context = mainContext();
-    QHash<QString, std::size_t> places;
-    std::vector<KnownContact> known;
-    // The place of the owner of each card; absent for one that is gone.
-    std::vector<std::optional<std::size_t>> owners;
     std::vector<RowId> rows;
-    for (const auto &[row, card] : present)
+    for (const auto &[row, card] : cards)
         rows.push_back(row);
-    const ObjectList<Owner> loaded(context, organiserModel().requireEntity(Owner::entityName), rows);
-    for (std::size_t place = 0; place < present.size(); ++place) {
-        const std::shared_ptr<Owner> owner = loaded.at(static_cast<int>(place));
-        if (!owner) {
-            owners.emplace_back();
-            continue;
-        }
-        if (!places.contains(owner->identifier())) {
-            places.insert(owner->identifier(), known.size());
-            known.push_back(knownFrom(*owner));
-        }
-        owners.emplace_back(places.value(owner->identifier()));
+    const std::vector<std::optional<KnownContact>> present = known(rows);
+    for (std::size_t place = 0; place < cards.size(); ++place) {
+        if (present[place])
+            tell(cards[place].second, knowncontacts::verdictOn(cards[place].second, *present[place]));
     }
-    if (known.empty())
-        return;
-    const auto collect = [&](const FetchRequest &request, std::vector<std::string> columns, auto take) {
-        columns.insert(columns.begin(), ownerColumn);
-        context.visit(request, columns, [&](const RowReader &row) {
-            const auto found = row.isNull(0) ? places.constEnd() : places.constFind(row.text(0));
-            if (found != places.constEnd())
-                take(known[*found], row);
-        });
-    };
-    const auto into = [](QSet<QString> KnownContact::*values) {
-        return
-            [values](KnownContact &one, const RowReader &row) { (one.*values).insert(essence(row.text(1))); };
-    };
-    collect(EntityPhone::fetchRequest(), {"number"}, into(&KnownContact::phones));
-    collect(EntityEmail::fetchRequest(), {"mail"}, into(&KnownContact::emails));
-    collect(EntityURL::fetchRequest(), {"url"}, into(&KnownContact::urls));
-    collect(EntityAddress::fetchRequest(), {"street1", "zip", "city"},
-            [](KnownContact &one, const RowReader &row) {
-                one.addresses.insert(addressKey(row.text(1), row.text(2), row.text(3)));
-            });
-    if constexpr (std::is_same_v<Owner, EntityContacts>)
-        collect(EntityNote::fetchRequest(), {"title", "detail"}, [](KnownContact &one, const RowReader &row) {
-            one.words += u'\n' + row.text(1) + u'\n' + row.text(2);
-        });
-    for (std::size_t place = 0; place < present.size(); ++place)
-        if (owners[place])
-            tell(present[place].second, verdictOn(present[place].second, known[*owners[place]]));
 }
 
 ContactImportAccount ContactImport::finish()
 {
-    compareExisting<EntityContacts>(met, "contact");
-    compareExisting<EntityCompany>(metCompanies, "company");
+    compare(met, knowncontacts::ofContacts);
+    compare(metCompanies, knowncontacts::ofCompanies);
     met.clear();
     metCompanies.clear();
     return account;
-}
-
-QStringList ContactImportAccount::sentences() const
-{
-    QStringList all;
-    if (const int people = added + filledContacts; people > 0 || addedCompanies == 0)
-        all.append(people == 0 ? localized(u"No contact was imported."_s)
-                               : localizedCount(u"%1 contacts were imported."_s, people));
-    if (const int newCompanies = companies + filledCompanies; newCompanies > 0)
-        all.append(localizedCount(u"%1 companies were imported."_s, newCompanies));
-    if (groups > 0)
-        all.append(localizedCount(u"%1 groups are new."_s, groups));
-    const auto tell = [&](const QStringList &names, const QString &sentence) {
-        if (!names.isEmpty())
-            all.append(localizedCount(sentence, names.size()).arg(someOf(names)));
-    };
-    if (wasStopped)
-        all.append(localized(u"The import was stopped; what it had done by then stays."_s));
-    tell(existing, u"%1 were there already: %2."_s);
-    tell(poorer, u"%1 of those lack something that their cards have, and stay as they are: %2."_s);
-    if (!namesakes.isEmpty())
-        all.append(
-            localized(
-                u"Cards with other phones and mail, which may be those of other people, were left out: %1."_s)
-                .arg(someOf(namesakes)));
-    tell(refused, u"%1 could not be imported: %2"_s);
-    tell(withoutPicture, u"%1 came without a picture, since that is none or cannot be read: %2."_s);
-    tell(withoutYear, u"%1 birthdays without a year stand in notes: %2."_s);
-    tell(unreadBirthdays, u"%1 birthdays cannot be read and stand in notes: %2."_s);
-    tell(otherJobTitles, u"%1 job titles are none of those that there are and stand in notes: %2."_s);
-    if (!withOtherWords.isEmpty())
-        all.append(localized(u"Words for which there is no field stand in notes: %1."_s)
-                       .arg(someOf(withOtherWords)));
-    return all;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "contacts/CNContact.h"
-#include "store/entities/Entities.h"
+#include "records/people/ContactImportAccount.h"
+#include "records/people/KnownContact.h"
 
 #include <QHash>
 #include <QSet>
@@ -9,62 +9,6 @@
 
 #include <functional>
 #include <vector>
-
-/// What has become of the contacts of an import.
-struct ContactImportAccount
-{
-    int added = 0;
-    /// Contacts that were known by their name alone, and took what their card says.
-    int filledContacts = 0;
-    /// Those that came as cards of their own.
-    int addedCompanies = 0;
-    /// All that are new, also those that only a contact names.
-    int companies = 0;
-    /// Companies that were known by their title alone, and took what their card says.
-    int filledCompanies = 0;
-    /// Those that are new since a card names them.
-    int groups = 0;
-    /// The full names of those that were there before, and of those among them that lack something that the
-    /// card has.
-    QStringList existing;
-    QStringList poorer;
-    /// The names of those of the first that have nothing in common with their cards by which somebody is
-    /// reached, so that these may be other people.
-    QStringList namesakes;
-    /// What was not imported, each with its reason in the user's language.
-    QStringList refused;
-    /// The names of those whose picture was none, or could not be had or kept.
-    QStringList withoutPicture;
-    /// The names of those of whom something stands in a note, since no field holds it: a birthday without a
-    /// year, words in place of a birthday, a job title that is no category.
-    QStringList withoutYear;
-    QStringList unreadBirthdays;
-    QStringList otherJobTitles;
-    /// The names of those of whom other words stand in a note: a nickname, a department, a second name.
-    QStringList withOtherWords;
-    bool wasStopped = false;
-    /// False if the store could not be written, which the user was told. The contacts wait for the next save.
-    bool isSaved = true;
-
-    /// All of it for the user to read, a sentence each; names only of the first few.
-    QStringList sentences() const;
-};
-
-/// What is known of somebody who is there, to be compared with a card.
-struct KnownContact
-{
-    QSet<QString> phones = {};
-    QSet<QString> emails = {};
-    QSet<QString> urls = {};
-    QSet<QString> addresses = {};
-    QString words = {};
-    /// With its year.
-    std::optional<CNBirthday> birthday = {};
-    QString company = {};
-    bool hasPicture = false;
-    QSet<QString> groups = {};
-};
-enum class CardVerdict;
 
 /// Puts contacts of address books and vCards into the store. A contact whose first and last name are there
 /// already is left as it is, and brings nothing with it, unless no more than the name was known. Nothing is
@@ -123,8 +67,10 @@ private:
     QStringList wordsWithoutField(const CNContact &contact, const QString &name, bool hasCategory);
     void meetCompany(const CNContact &contact);
     void tell(const CNContact &card, CardVerdict verdict);
-    template <typename Owner>
-    void compareExisting(const std::vector<std::pair<RowId, CNContact>> &present, const char *ownerColumn);
+    /// Cards with the rows of those that they name, who were there before.
+    using Met = std::vector<std::pair<RowId, CNContact>>;
+    void compare(const Met &cards,
+                 std::vector<std::optional<KnownContact>> (*known)(const std::vector<RowId> &rows));
 
     PngMaker pngOf;
     ContactImportAccount account;
@@ -147,7 +93,7 @@ private:
     /// What the first card of each name had, of those that came in with this import.
     QHash<QString, KnownContact> newcomers;
     /// What the cards have of contacts and companies that were there before, without pictures.
-    std::vector<std::pair<RowId, CNContact>> met;
-    std::vector<std::pair<RowId, CNContact>> metCompanies;
+    Met met;
+    Met metCompanies;
     double lastPhotoMoment = 0;
 };

@@ -325,7 +325,7 @@ TEST_F(ImportingContacts, KeepsInANoteWhatNoFieldHolds)
     };
     EXPECT_EQ(noteOf(u"Ann"_qs, u"Lee"_qs),
               u"Birthday: circa 1800\nJob Title: Beekeeper\nLikes tea\nand rain"_qs);
-    EXPECT_EQ(noteOf(u"Bob"_qs, u"Kay"_qs), u"Birthday: --05-17"_qs);
+    EXPECT_EQ(noteOf(u"Bob"_qs, u"Kay"_qs), u"Birthday: May 17"_qs);
     EXPECT_EQ(count<EntityNote>(), 2) << "a category and a birthday have their fields";
     EXPECT_EQ(DBWorker::allCompany().first()->details(), u"Rings twice"_qs);
     const QString said = account.sentences().join(u'\n');
