@@ -5,10 +5,12 @@
 #include "foundation/Log.h"
 #include "ubiquity/UbiquityContainer.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QJsonDocument>
+#include <QTimer>
 
 #include <utility>
 
@@ -16,25 +18,68 @@ UbiquitousKeyValueStore *UbiquitousKeyValueStore::defaultStore()
 {
     static std::unique_ptr<UbiquitousKeyValueStore> store;
     static QString folderOfStore;
+    static bool wasAway = false;
     const QString folder = UbiquityContainer::path();
-    if (folder != folderOfStore || folder.isEmpty()) {
-        store = folder.isEmpty() ? nullptr : std::make_unique<UbiquitousKeyValueStore>(folder);
+    const bool isBack = std::exchange(wasAway, folder.isEmpty()) && !folder.isEmpty();
+    if (folder.isEmpty())
+        return nullptr;
+    if (folder != folderOfStore) {
+        const bool wasWatched = store && store->watcher;
+        store = std::make_unique<UbiquitousKeyValueStore>(folder);
         folderOfStore = folder;
+        if (wasWatched)
+            store->watch();
+    } else if (isBack && store->watcher) {
+        store->watcher.reset();
+        store->watch();
+        // Whoever asks gets an answer first.
+        QTimer::singleShot(0, store->watcher.get(), [] { store->synchronize(); });
     }
     return store.get();
 }
 
 UbiquitousKeyValueStore::UbiquitousKeyValueStore(const QString &folder)
     : path(folder + QStringLiteral("/KeyValueStore.json"))
-    , values(read())
+    , values(read().value_or(QJsonObject()))
+    , inFile(values)
 {}
 
 UbiquitousKeyValueStore::~UbiquitousKeyValueStore() = default;
 
-QJsonObject UbiquitousKeyValueStore::read() const
+static std::optional<QJsonObject> objectIn(const QString &path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
+    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+}
+
+std::optional<QJsonObject> UbiquitousKeyValueStore::read() const
+{
+    return objectIn(path);
+}
+
+/// As programs name them that carry folders between computers: "KeyValueStore.sync-conflict-….json",
+/// "KeyValueStore (conflicted copy ….json".
+void UbiquitousKeyValueStore::takeFromCopies()
+{
+    const QFileInfo own(path);
+    QDir folder = own.dir();
+    std::optional<QJsonObject> all = read();
+    for (const QString &name :
+         folder.entryList({own.completeBaseName() + QStringLiteral("*conflict*.json")}, QDir::Files)) {
+        const std::optional<QJsonObject> copy = objectIn(folder.filePath(name));
+        if (!all || !copy)
+            continue;
+        const QJsonObject before = *all;
+        for (auto key = copy->begin(); key != copy->end(); ++key) {
+            if (!all->contains(key.key()))
+                all->insert(key.key(), key.value());
+        }
+        if (*all == before || write(*all))
+            folder.remove(name);
+    }
 }
 
 bool UbiquitousKeyValueStore::write(const QJsonObject &newValues) const
@@ -53,8 +98,9 @@ QVariant UbiquitousKeyValueStore::object(const QString &key) const
 
 bool UbiquitousKeyValueStore::setObject(const QString &key, const QVariant &value)
 {
-    QJsonObject inFile = read();
-    const QJsonObject before = inFile;
+    const std::optional<QJsonObject> present = read();
+    if (present)
+        inFile = *present;
     if (value.isValid())
         inFile.insert(key, jsonFromVariant(value));
     else
@@ -64,12 +110,13 @@ bool UbiquitousKeyValueStore::setObject(const QString &key, const QVariant &valu
         values.insert(key, inFile.value(key));
     else
         values.remove(key);
-    return inFile == before || write(inFile);
+    return inFile == present || write(inFile);
 }
 
 void UbiquitousKeyValueStore::synchronize()
 {
-    const QJsonObject before = std::exchange(values, read());
+    takeFromCopies();
+    const QJsonObject before = std::exchange(values, read().value_or(values));
     UbiquitousChange change{0, {}};
     for (const QString &key : before.keys() + values.keys()) {
         if (before.value(key) != values.value(key) && !change.keys.contains(key))
@@ -88,11 +135,14 @@ void UbiquitousKeyValueStore::watch()
     watcher->addPath(QFileInfo(path).path());
     if (QFile::exists(path))
         watcher->addPath(path);
-    const auto look = [this] {
-        if (!watcher->files().contains(path) && QFile::exists(path))
-            watcher->addPath(path);
-        synchronize();
-    };
-    QObject::connect(watcher.get(), &QFileSystemWatcher::directoryChanged, watcher.get(), look);
-    QObject::connect(watcher.get(), &QFileSystemWatcher::fileChanged, watcher.get(), look);
+    const auto changed = [this] { look(); };
+    QObject::connect(watcher.get(), &QFileSystemWatcher::directoryChanged, watcher.get(), changed);
+    QObject::connect(watcher.get(), &QFileSystemWatcher::fileChanged, watcher.get(), changed);
+}
+
+void UbiquitousKeyValueStore::look()
+{
+    if (!watcher->files().contains(path) && QFile::exists(path))
+        watcher->addPath(path);
+    synchronize();
 }

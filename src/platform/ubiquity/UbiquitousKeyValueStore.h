@@ -26,13 +26,16 @@ inline constexpr NotificationName<UbiquitousChange> ubiquitousStoreDidChangeExte
 /// A few settings that the user's devices share: a table of key and value in one file of the ubiquity
 /// container, "KeyValueStore.json", with the values in the form of `DefaultsCoding`. Main thread.
 ///
-/// The file is read again before each write, so that keys of other devices stay; a file that holds no JSON
-/// object counts as empty. A write that fails leaves the file as it was; the value is then kept until the
-/// file is read again.
+/// The file is read again before each write, so that keys of other devices stay. Whoever carries it between
+/// the devices may take it away for a moment or bring it in parts: while it is missing or holds no JSON
+/// object, what was read last goes on to count. A copy that is left over since two devices wrote at once
+/// gives the keys that the file lacks, and goes. A write that fails leaves the file as it was; the value is
+/// then kept until the file is read again.
 class UbiquitousKeyValueStore
 {
 public:
-    /// The store of the container in use, or null if there is no container.
+    /// The store of the container in use, or null if there is no container. One that is watched is watched on
+    /// after its container has gone and come back.
     static UbiquitousKeyValueStore *defaultStore();
 
     explicit UbiquitousKeyValueStore(const QString &folder);
@@ -53,10 +56,15 @@ public:
     void watch();
 
 private:
-    QJsonObject read() const;
+    /// Absent if it cannot be read now.
+    std::optional<QJsonObject> read() const;
+    void takeFromCopies();
+    void look();
     bool write(const QJsonObject &newValues) const;
 
     QString path;
     QJsonObject values;
+    /// What the file held when it could be read last, with what of it was not told of yet.
+    QJsonObject inFile;
     std::unique_ptr<QFileSystemWatcher> watcher;
 };

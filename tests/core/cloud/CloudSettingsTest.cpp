@@ -81,6 +81,7 @@ TEST_F(CloudSettings, KeepWhatAnotherDeviceWroteMeanwhile)
     writeFile(cloud.filePath(u"KeyValueStore.json"_qs), "{ broken");
     CloudUserDefaults::setInteger(4, u"one"_qs);
     EXPECT_EQ(inCloud(u"one"_qs), 4);
+    EXPECT_EQ(inCloud(u"two"_qs), 2) << "What was read before goes on to count";
     // A place that cannot be written: the setting is still kept here.
     QFile::remove(cloud.filePath(u"KeyValueStore.json"_qs));
     QDir(cloud.path()).mkdir(u"KeyValueStore.json"_qs);
@@ -131,6 +132,34 @@ TEST_F(CloudSettings, NoticeChangesOfTheSharedFile)
     waitFor(u"one"_qs, 7);
     elsewhere.setObject(u"one"_qs, 8);
     waitFor(u"one"_qs, 8);
+    // Whoever carries it takes the file away before the next one comes, and in parts.
+    const QString path = cloud.filePath(u"KeyValueStore.json"_qs);
+    for (const bool isGone : {true, false}) {
+        isGone ? void(QFile::remove(path)) : writeFile(path, R"({"one": )");
+        const QDeadlineTimer meanwhile(300);
+        while (!meanwhile.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        EXPECT_EQ(here(u"one"_qs), 8) << isGone;
+    }
+    EXPECT_EQ(CloudUserDefaults::integerForKey(u"one"_qs), 8);
+    writeFile(path, R"({"one": 9})");
+    waitFor(u"one"_qs, 9);
+    // Two devices wrote at once.
+    const QString copy = cloud.filePath(u"KeyValueStore.sync-conflict-20261123-101500-ABCDEFG.json"_qs);
+    writeFile(copy, R"({"one": 1, "two": 5})");
+    waitFor(u"two"_qs, 5);
+    EXPECT_EQ(here(u"one"_qs), 9);
+    EXPECT_FALSE(QFile::exists(copy));
+    EXPECT_EQ(inCloud(u"two"_qs), 5);
+    // The folder goes, as one on another computer, and comes back with something new.
+    ASSERT_TRUE(QDir().rename(cloud.path(), cloud.path() + u".away"_qs));
+    EXPECT_EQ(CloudUserDefaults::integerForKey(u"one"_qs), 9) << "as it was last known";
+    UbiquitousKeyValueStore(cloud.path() + u".away"_qs).setObject(u"one"_qs, 10);
+    ASSERT_TRUE(QDir().rename(cloud.path() + u".away"_qs, cloud.path()));
+    CloudUserDefaults::integerForKey(u"two"_qs);
+    waitFor(u"one"_qs, 10);
+    elsewhere.setObject(u"one"_qs, 11);
+    waitFor(u"one"_qs, 11);
 }
 
 TEST_F(CloudSettings, MoveToASuiteOfTheirOwn)
