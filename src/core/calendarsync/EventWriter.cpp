@@ -70,6 +70,24 @@ FoundEvent eventOfOccurrence(const EntityTask &task, OptionalDate formerDate)
     return occurrenceOf(task, formerDate, events.value());
 }
 
+/// What the event of a task is called that waits for its first one; empty for any other task. Each device of
+/// the user that can reach the calendar writes it, maybe before it hears of the others: in the account these
+/// are one event.
+QString nameOfFirstEvent(const EntityTask &task)
+{
+    return task.wasCreatedOffCalendar() && task.calendarID().isEmpty() ? task.identifier() : QString();
+}
+
+/// The first event of a task, if another device has made it and the account has brought it.
+FoundEvent orOfOtherDevice(FoundEvent found, const EntityTask &task)
+{
+    const QString name = nameOfFirstEvent(task);
+    if (!found || found.value() || name.isEmpty())
+        return found;
+    const auto events = EventReader::eventsOfRow(name, task.typeCalendarID(), {dateOf(task)});
+    return events && !events.value().empty() ? FoundEvent(events.value().front()) : found;
+}
+
 /// An event that is there, with what is to be written to it; or a new one, which takes everything.
 struct Draft
 {
@@ -79,7 +97,10 @@ struct Draft
     Draft(const EntityTask &task, std::optional<EKEvent> found)
         : event(found ? *found : EKEvent::eventWithEventStore(EventStoreAccess::eventStore()))
         , fields(found ? EventFields::changedIn(task) : EventFields::all())
-    {}
+    {
+        if (!found)
+            event.calendarItemExternalIdentifier = nameOfFirstEvent(task);
+    }
 };
 
 /// The row takes the identifier of its saved event, and all that a pass would bring it: what others have
@@ -126,7 +147,7 @@ OptionalError write(EntityTask &task, Draft &draft, Span span)
 
 OptionalError writeSingle(EntityTask &task, Span span, OptionalDate formerDate)
 {
-    const FoundEvent found = eventOfSingle(task, formerDate);
+    const FoundEvent found = orOfOtherDevice(eventOfSingle(task, formerDate), task);
     if (!found)
         return found.error();
     Draft draft(task, found.value());
@@ -183,7 +204,7 @@ OptionalError writeOccurrence(RecordsTransaction &transaction, EntityTask &task,
                               OptionalDate formerDate)
 {
     const QString formerIdentifier = task.calendarID();
-    const FoundEvent found = eventOfOccurrence(task, formerDate);
+    const FoundEvent found = orOfOtherDevice(eventOfOccurrence(task, formerDate), task);
     if (!found)
         return found.error();
     Draft draft(task, found.value());

@@ -90,12 +90,12 @@ protected:
             UserDefaults::standard().removeObject(key);
     }
 
-    void turnTo(int home)
+    void turnTo(int home, bool hasAccess = true)
     {
         devices.end();
         CalendarEvent::resetEventStore();
         EKEventStore::setSharedBackend(std::make_shared<FolderBackend>(calendars[home].path()));
-        PlatformConfiguration::setAuthorization(u"events"_qs, 3);
+        PlatformConfiguration::setAuthorization(u"events"_qs, hasAccess ? 3 : 0);
         devices.turnTo(home);
         devices.program().applicationDidBecomeActive();
         devices.settle();
@@ -117,6 +117,28 @@ protected:
             EXPECT_TRUE(QFile::copy(calendars[from].path() + u"/Local/Home/"_qs + name, target + name));
         }
     }
+    /// Until `joinAgain`, what is shared from now on does not meet what was shared before.
+    void cutOff()
+    {
+        devices.end();
+        parts.append(away() + u'-' + QString::number(parts.size()));
+        EXPECT_TRUE(QDir().rename(away(), parts.last()));
+    }
+    void joinAgain()
+    {
+        cutOff();
+        const QString content = u"/Orrelin CoreData/"_qs;
+        for (const QString &part : parts.mid(1)) {
+            for (const QString &device : QDir(part + content).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+                QDir(parts.first() + content + device).removeRecursively();
+                EXPECT_TRUE(QDir().rename(part + content + device, parts.first() + content + device));
+            }
+            EXPECT_TRUE(QDir(part).removeRecursively());
+        }
+        EXPECT_TRUE(QDir().rename(parts.first(), away()));
+        parts.clear();
+    }
+    QString away() const { return devices.sharedFolder() + u"/Orrelin"_qs; }
     void addOnCalendar(const QString &title)
     {
         const TaskPtr task = add(title);
@@ -136,4 +158,5 @@ protected:
     }
 
     QTemporaryDir calendars[2];
+    QStringList parts;
 };
