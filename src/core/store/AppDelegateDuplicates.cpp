@@ -146,6 +146,16 @@ bool staysBefore(const EntityTask &task, EntityTask &duplicate)
     return *task.creationDate() < *duplicate.creationDate();
 }
 
+/// The notes of both, where each says something else.
+void joinDetails(EntityTask &survivor, const EntityTask &twin)
+{
+    const QString own = survivor.details();
+    const QString other = twin.details();
+    if (own.isEmpty() || other.isEmpty() || own.contains(other))
+        return;
+    survivor.setDetails(other.contains(own) ? other : own + u'\n' + other);
+}
+
 /// What the user entered in the twin only goes on in the task that stays.
 void takeOverFrom(EntityTask &survivor, const EntityTask &twin)
 {
@@ -153,6 +163,7 @@ void takeOverFrom(EntityTask &survivor, const EntityTask &twin)
         const auto *text = std::get_if<QString>(&value);
         return isAbsent(value) || (text && text->isEmpty());
     };
+    joinDetails(survivor, twin);
     const EntityDescription &entity = survivor.entity();
     for (int column = 0; column < entity.columnCount(); ++column) {
         if (!isEmpty(survivor.value(column)) || isEmpty(twin.value(column)))

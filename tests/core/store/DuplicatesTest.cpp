@@ -98,6 +98,8 @@ TEST_F(Duplicates, OfTasksAreFoundByTypeAndKeepTheOlderOne)
     // A ToDo at another time of the same day is one; an Appointment a minute later is none.
     const TaskPtr older = copy(u"call"_qs, TaskType::ToDo, morning, noon, january);
     const TaskPtr newer = copy(u"call"_qs, TaskType::ToDo, noon, localDate(2026, 11, 25, 23, 59), february);
+    older->setDetails(u"about the keys"_qs);
+    newer->setDetails(u"ask for Ann"_qs);
     copy(u"meet"_qs, TaskType::Appointment, morning, noon, january);
     const TaskPtr later = copy(u"meet"_qs, TaskType::Appointment, morning + Seconds(60), noon, february);
     delegate->deleteDuplicateTaskTypeWith(newer);
@@ -105,6 +107,7 @@ TEST_F(Duplicates, OfTasksAreFoundByTypeAndKeepTheOlderOne)
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(count<EntityTask>(u"call"_qs), 1);
     EXPECT_EQ(older->title(), u"call"_qs);
+    EXPECT_EQ(older->details(), u"about the keys\nask for Ann"_qs) << "no words go with the double";
     EXPECT_EQ(count<EntityTask>(u"meet"_qs), 2);
 
     // ToDos without dates have none; a category decides before the age; a row without a date of creation
