@@ -9,6 +9,8 @@
 
 #include <QApplication>
 
+#include <cstdio>
+
 int main(int argc, char *argv[])
 {
     if (const auto code = CommandLine::answer(argc, argv))
@@ -20,8 +22,12 @@ int main(int argc, char *argv[])
         qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
     QApplication application(argc, argv);
     SingleInstance instance;
-    if (!instance.isFirst())
-        return instance.activateOther() ? 0 : 1;
+    if (!instance.isFirst()) {
+        if (instance.activateOther())
+            return 0;
+        std::fputs("morvane: it is running already, but does not answer.\n", stderr);
+        return 1;
+    }
     Shell::prepareApplication();
     connectCalendars();
     connectContacts();

@@ -1,7 +1,9 @@
 #include "cloud/DeviceHealth.h"
 
+#include "cloud/IcloudManager.h"
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
+#include "store/state/CoreContext.h"
 #include "workspace/PlatformConfiguration.h"
 
 #include <QDir>
@@ -36,6 +38,11 @@ DeviceHealth::Line lineOf(const Device &device, const Device &own)
 {
     const QString name = device.name.isEmpty() ? QString::fromUtf8(device.id) : device.name;
     DeviceHealth::Line line{name, lastHeard(device), device.isOwn, device.id, name};
+    if (device.heard && !device.isOwn)
+        line.detail += QStringLiteral(" · ") +
+                       localized(QStringLiteral("arrived here: %1"))
+                           .arg(DateFormatter::string(*device.heard, DateFormatter::Style::Medium,
+                                                      DateFormatter::Style::Short));
     if (device.isOwn)
         line.title = localized(QStringLiteral("%1 (this computer)")).arg(line.title);
     else if (const qint64 count = behind(own, device); count > 0)
@@ -63,6 +70,32 @@ QString sealingIn(const Health &health)
     return localized(health.sealingProblem) + u'.';
 }
 
+/// What is wrong and what waits, a sentence each; if nothing, that all is well.
+QStringList summaryOf(const Health &health)
+{
+    QStringList sentences;
+    const auto tell = [&sentences](const QString &sentence, const QString &about) {
+        sentences.append(localized(sentence).arg(about));
+    };
+    const bool isBlocked = !health.sealingProblem.isEmpty();
+    if (!health.folderProblem.isEmpty())
+        tell(QStringLiteral("The shared folder cannot be used: %1"), health.folderProblem);
+    else if (isBlocked)
+        tell(QStringLiteral("Nothing goes out or comes in. Changes that wait here: %1"),
+             QString::number(health.unsent));
+    if (!health.problems.empty())
+        sentences.append(localized(QStringLiteral("Some files cannot be read yet.")));
+    if (health.unsent > 0 && !isBlocked)
+        tell(QStringLiteral("Changes that are still to be written: %1"), QString::number(health.unsent));
+    if (health.waiting > 0)
+        tell(QStringLiteral("Changes that wait for others that have not come yet: %1"),
+             QString::number(health.waiting));
+    if (!sentences.isEmpty())
+        return sentences;
+    return {health.devices.size() < 2 ? localized(QStringLiteral("No other device has been heard of yet."))
+                                      : localized(QStringLiteral("Everything that has come is taken in."))};
+}
+
 } // namespace
 
 DeviceHealth DeviceHealth::of(const Replication *replication)
@@ -70,6 +103,10 @@ DeviceHealth DeviceHealth::of(const Replication *replication)
     if (replication)
         return of(replication->health());
     DeviceHealth health;
+    if (CoreContext::current().isSample && !sharedfolder::path().isEmpty()) {
+        health.summary = localized(QStringLiteral("Sharing rests while you look at the sample."));
+        return health;
+    }
     health.summary =
         sharedfolder::path().isEmpty()
             ? localized(QStringLiteral("Your records are on this computer only."))
@@ -100,24 +137,7 @@ DeviceHealth DeviceHealth::of(const Health &health)
     words.needsPassphrase = health.sealing == SealingState::NeedsPassphrase;
     words.isWrong =
         !health.folderProblem.isEmpty() || !health.sealingProblem.isEmpty() || !health.problems.empty();
-    if (!health.folderProblem.isEmpty())
-        words.summary =
-            localized(QStringLiteral("The shared folder cannot be used: %1")).arg(health.folderProblem);
-    else if (!health.sealingProblem.isEmpty())
-        words.summary = localized(QStringLiteral("Nothing goes out or comes in. Changes that wait here: %1"))
-                            .arg(QString::number(health.unsent));
-    else if (!health.problems.empty())
-        words.summary = localized(QStringLiteral("Some files cannot be read yet."));
-    else if (health.unsent > 0)
-        words.summary = localized(QStringLiteral("Changes that are still to be written: %1"))
-                            .arg(QString::number(health.unsent));
-    else if (health.waiting > 0)
-        words.summary = localized(QStringLiteral("Changes that wait for others that have not come yet: %1"))
-                            .arg(QString::number(health.waiting));
-    else if (health.devices.size() < 2)
-        words.summary = localized(QStringLiteral("No other device has been heard of yet."));
-    else
-        words.summary = localized(QStringLiteral("Everything that has come is taken in."));
+    words.summary = summaryOf(health).join(u'\n');
     return words;
 }
 
@@ -142,8 +162,15 @@ OptionalError choose(const QString &path)
     if (!path.isEmpty() && !(folder.isDir() && folder.isWritable() && QDir::isAbsolutePath(path)))
         return Error{QStringLiteral("files"), 0,
                      localized(QStringLiteral("Morvane cannot write to the folder %1")).arg(path)};
+    if (path != sharedfolder::path())
+        IcloudManager::keepImages();
     PlatformConfiguration::setText(folderKey, path);
     return std::nullopt;
+}
+
+void noteStart()
+{
+    pathInUse() = path();
 }
 
 bool isWaitingForStart()

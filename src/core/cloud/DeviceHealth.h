@@ -48,9 +48,11 @@ namespace sharedfolder {
 
 /// Its path as it is set; empty for none.
 QString path();
-/// Sets it, or none by an empty path. It is used from the next start on. The error says why it cannot be
-/// used.
+/// Sets it, or none by an empty path; the pictures of the one before are kept here. It is used from the next
+/// start on. The error says why it cannot be used.
 OptionalError choose(const QString &path);
+/// The program begins with the one that is set.
+void noteStart();
 /// Whether another one is set than the program uses.
 bool isWaitingForStart();
 

@@ -49,6 +49,11 @@ public:
     static bool saveImageWithData(const QByteArray &data, const QString &name);
     /// Whether there was a picture of that name and it is gone.
     static bool removeImage(const QString &name);
+    /// Gives the devices that share a folder those of some pictures that lie on this one alone, as after it
+    /// was joined. They wait for the next look at the folder.
+    static void shareImages(const QStringList &names);
+    /// Copies what the shared folder has here, as before it is left. What cannot be read stays out.
+    static void keepImages();
     static bool existenceFile(const QString &url);
 
     // The account behind the cloud. Its token is kept in the defaults.

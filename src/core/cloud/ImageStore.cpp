@@ -2,6 +2,7 @@
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
 #include "cloud/Replication.h"
+#include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 #include "foundation/PrivateFiles.h"
 #include "replication/SealedFiles.h"
@@ -19,8 +20,43 @@ QString IcloudManager::pathOfImage(const QString &name)
     if (!isPlain)
         return {};
     const QString waiting = waitingImagesUrl() + u'/' + name;
-    const bool isWaiting = stateDB() == 0 && QFileInfo(waiting).isFile();
-    return isWaiting ? waiting : imageUrl() + u'/' + name;
+    const QString usual = imageUrl() + u'/' + name;
+    if (stateDB() != 0)
+        return usual;
+    if (QFileInfo(waiting).isFile())
+        return waiting;
+    // It may be from the time before the folder was shared.
+    const QString former = localImagesUrl() + u'/' + name;
+    return !QFileInfo(usual).isFile() && QFileInfo(former).isFile() ? former : usual;
+}
+
+void IcloudManager::shareImages(const QStringList &names)
+{
+    if (stateDB() != 0)
+        return;
+    PrivateFiles::makeFolder(waitingImagesUrl());
+    for (const QString &name : names) {
+        const QString path = pathOfImage(name);
+        if (path == localImagesUrl() + u'/' + name && QFileInfo(path).isFile())
+            QFile::copy(path, waitingImagesUrl() + u'/' + name);
+    }
+}
+
+void IcloudManager::keepImages()
+{
+    if (!connectIcloud())
+        return;
+    PrivateFiles::makeFolder(localImagesUrl());
+    for (const QString &folder : {iCloudImagesUrl(), waitingImagesUrl()}) {
+        for (const QString &name : QDir(folder).entryList(QDir::Files)) {
+            const QString own = localImagesUrl() + u'/' + name;
+            const QByteArray data = QFile::exists(own) ? QByteArray() : imageReader(folder + u'/' + name)();
+            if (data.isEmpty())
+                continue;
+            if (const OptionalError error = writeFileAtomically(own, data))
+                Log::line(error->message);
+        }
+    }
 }
 
 QByteArray IcloudManager::imageData(const QString &name)
@@ -64,7 +100,12 @@ bool IcloudManager::saveImageWithData(const QByteArray &data, const QString &nam
 bool IcloudManager::removeImage(const QString &name)
 {
     const QString path = pathOfImage(name);
-    return !path.isEmpty() && FileManager::deleteFileFromPath(path);
+    if (path.isEmpty() || !FileManager::deleteFileFromPath(path))
+        return false;
+    // Nor does the one stay that it was copied from.
+    if (stateDB() == 0)
+        QFile::remove(localImagesUrl() + u'/' + name);
+    return true;
 }
 
 bool IcloudManager::existenceFile(const QString &url)

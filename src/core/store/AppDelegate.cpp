@@ -4,6 +4,7 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/ChangesOfOthers.h"
 #include "calendarsync/Reminder.h"
+#include "cloud/DeviceHealth.h"
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
 #include "cloud/Replication.h"
@@ -106,8 +107,26 @@ const QStringList &AppDelegate::referencesElsewhere()
     return *calendarsElsewhere;
 }
 
+/// The pictures of the own store.
+static QStringList picturesIn(ManagedObjectContext &context)
+{
+    QStringList names;
+    for (const std::string_view entity : {EntityContacts::entityName, EntityCompany::entityName}) {
+        context.visit(FetchRequest(entity).where(Predicate::format("photoName != nil")), {"photoName"},
+                      [&names](const RowReader &row) { names.append(row.text(0)); });
+    }
+    return names;
+}
+
 void AppDelegate::startReplication()
 {
+    sharedfolder::noteStart();
+    const QByteArray folder = IcloudManager::currentiCloudToken();
+    UserDefaults &defaults = UserDefaults::standard();
+    if (!folder.isEmpty() && defaults.object(settings::imagesSharedWith).toByteArray() != folder) {
+        IcloudManager::shareImages(picturesIn(*contexts[ownStack]));
+        defaults.setObject(settings::imagesSharedWith, folder);
+    }
     exchange = Replication::start(
         *contexts[ownStack], [this](const StoreChanges &imported) { recordsCameIn(imported); },
         std::make_unique<ChangesOfOthers>(*contexts[ownStack]));
@@ -192,6 +211,9 @@ void AppDelegate::closeStore()
 {
     if (shell)
         shell->leaveStore();
+    // What was saved last goes out before the store rests.
+    if (exchange && selectedStack() == ownStack)
+        exchange->finish();
     resetStack(selectedStack());
 }
 

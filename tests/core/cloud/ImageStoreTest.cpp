@@ -101,6 +101,32 @@ TEST_F(ImageStore, LeavesNoTraceOfAPictureThatCannotBeWritten)
     EXPECT_FALSE(IcloudManager::saveImageWithData(QByteArray(), u"a.png"_qs));
 }
 
+TEST_F(ImageStore, FollowsIntoASharedFolderAndOutOfIt)
+{
+    EXPECT_TRUE(IcloudManager::saveImageWithData("early", u"early.png"_qs));
+    EXPECT_TRUE(IcloudManager::saveImageWithData("sample", u"sample.png"_qs));
+    joinCloud();
+    const IcloudManager manager;
+    EXPECT_EQ(IcloudManager::imageData(u"early.png"_qs), "early") << "from the first moment on";
+    IcloudManager::shareImages({u"early.png"_qs, u"missing.png"_qs});
+    EXPECT_EQ(contentsOf(IcloudManager::waitingImagesUrl() + u"/early.png"_qs), "early");
+    EXPECT_EQ(QDir(IcloudManager::waitingImagesUrl()).entryList(QDir::Files).size(), 1);
+    EXPECT_TRUE(IcloudManager::saveImageWithData("late", u"late.png"_qs));
+    EXPECT_TRUE(IcloudManager::saveImageWithData("gone", u"gone.png"_qs));
+    // It left the folder before and was changed there.
+    EXPECT_TRUE(IcloudManager::saveImageWithData("other", u"sample.png"_qs));
+    EXPECT_EQ(IcloudManager::imageData(u"sample.png"_qs), "other");
+    EXPECT_TRUE(IcloudManager::removeImage(u"sample.png"_qs));
+    EXPECT_EQ(IcloudManager::imageData(u"sample.png"_qs), QByteArray())
+        << "the former one does not come back";
+    EXPECT_TRUE(IcloudManager::removeImage(u"gone.png"_qs));
+    IcloudManager::keepImages();
+    leaveCloud();
+    EXPECT_EQ(IcloudManager::imageData(u"early.png"_qs), "early");
+    EXPECT_EQ(IcloudManager::imageData(u"late.png"_qs), "late");
+    EXPECT_EQ(IcloudManager::imageData(u"gone.png"_qs), QByteArray());
+}
+
 TEST_F(ImageStore, IsSharedInTheCloudAndLeavesOutWhatIsNotHereYet)
 {
     joinCloud();

@@ -11,6 +11,8 @@ inline const QString firstRun = QStringLiteral("FirstRun");
 /// Pictures that no record holds any more, with the moment that they were let go of.
 inline const QString loosePictures = QStringLiteral("loosePictures");
 inline const QString sweptSearchIndexes = QStringLiteral("sweptSearchIndexes");
+/// The folder that was given the pictures of this device.
+inline const QString imagesSharedWith = QStringLiteral("ImagesSharedWith");
 inline const QString ubiquityIdentityToken = QStringLiteral("UbiquityIdentityToken");
 
 // Screens.
