@@ -55,6 +55,8 @@ public:
     /// The same, and puts the focus into its rows.
     void goToList(SidebarItem item);
     void showOver(const ObjectPtr &record, QWidget *from);
+    /// The command New Task: for the list that is shown, or for today.
+    void menuClickNewTask();
     /// Opens the window for a new task; one that is open is brought to the front as it is.
     void showNewTask(const NewTaskRequest &request);
     /// Selects what was stored in a window of its own, if it is on the screen.
@@ -144,7 +146,6 @@ private:
     void showNewWindow(const QString &name, Make make);
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
-    void menuClickNewTask();
     void addInLine();
     bool canRemoveSelected() const;
     void removeSelected();

@@ -20,6 +20,7 @@
 #include "shell/start/StartWindow.h"
 #include "shell/start/StartWindowItem.h"
 #include "store/StartWindowController.h"
+#include "store/state/NotificationNames.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Icons.h"
 #include "widgets/LongWork.h"
@@ -61,6 +62,16 @@ void Shell::bindCommands()
     commands->bind(ActionId::HelpHere, [this] { HelpWindow::showPage(helpPage()); });
     commands->bind(ActionId::KeyboardShortcuts, [] { HelpWindow::showPage(HelpPages::shortcuts); });
     commands->bind(ActionId::OpenMainWindow, [] { StartWindowController::openMainWindow(); });
+    commands->bind(ActionId::NewTask, [this] {
+        if (controller)
+            controller->menuClickNewTask();
+    });
+    commands->bind(ActionId::Search, [this] {
+        if (!controller)
+            return;
+        controller->showWindow();
+        NotificationCenter::defaultCenter().post(notifications::searchMorvane);
+    });
     commands->bind(ActionId::Preferences, [this] {
         if (controller)
             controller->showSettings();

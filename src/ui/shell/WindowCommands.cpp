@@ -4,6 +4,7 @@
 #include "shell/MainMenu.h"
 #include "shell/MainWindow.h"
 #include "shell/Shortcuts.h"
+#include "shell/help/HelpWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -11,14 +12,22 @@
 #include <QMessageBox>
 #include <QPrintPreviewDialog>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr std::array everywhere = {ActionId::CloseWindow,    ActionId::Quit,
-                                   ActionId::Preferences,    ActionId::HelpHere,
-                                   ActionId::OpenMainWindow, ActionId::KeyboardShortcuts,
-                                   ActionId::ShortcutsHere};
+constexpr std::array inAllWindows = {
+    ActionId::NewTask,           ActionId::Search,        ActionId::OpenMainWindow,
+    ActionId::CloseWindow,       ActionId::Preferences,   ActionId::HelpHere,
+    ActionId::KeyboardShortcuts, ActionId::ShortcutsHere, ActionId::Quit};
+
+/// The guide searches its own pages by the same keys.
+bool hasOwnUseOf(ActionId id, const QWidget &window)
+{
+    return id == ActionId::Search && qobject_cast<const HelpWindow *>(&window);
+}
 
 const char *const equippedMark = "morvaneCommands";
 
@@ -57,13 +66,19 @@ void WindowCommands::equip(QWidget &window)
     }
 }
 
+std::vector<ActionId> WindowCommands::everywhere()
+{
+    return {inAllWindows.begin(), inAllWindows.end()};
+}
+
 std::vector<ActionId> WindowCommands::commandsOf(const QWidget &window)
 {
     std::vector<ActionId> all;
     if (!qobject_cast<const MainWindow *>(&window)) {
         if (dynamic_cast<const RecordWindow *>(&window))
             all.push_back(ActionId::Save);
-        all.insert(all.end(), everywhere.begin(), everywhere.end());
+        std::ranges::copy_if(inAllWindows, std::back_inserter(all),
+                             [&window](ActionId id) { return !hasOwnUseOf(id, window); });
         return all;
     }
     for (const MainMenu::Description &menu : MainMenu::menus()) {

@@ -8,7 +8,7 @@
 #include <functional>
 #include <vector>
 
-/// The commands that every window knows by their keys: closing, saving, quitting, help. Each window beside
+/// The commands that every window knows by their keys, such as a new task, closing, quitting, help. Each window beside
 /// the main one gets them when it is first shown; questions, menus and bubbles do not.
 class WindowCommands : public QObject
 {
@@ -20,6 +20,8 @@ public:
     /// What a command does wherever it is given.
     void bind(ActionId id, std::function<void()> run) { runs.insert(id, std::move(run)); }
 
+    /// Those that all windows know, unless one has a use of its own for the keys.
+    static std::vector<ActionId> everywhere();
     /// The commands that a window knows, for the overlay of its shortcuts.
     static std::vector<ActionId> commandsOf(const QWidget &window);
 

@@ -242,7 +242,8 @@ TEST_F(HelpTest, TheShortcutsLieOverTheWindowUntilAKeyIsPressed)
     QTest::keySequence(&task, keys);
     ASSERT_NE(overlay(task), nullptr);
     EXPECT_TRUE(overlay(task)->text().contains(u"Save: Ctrl+S"_s));
-    EXPECT_FALSE(overlay(task)->text().contains(u"New Task"_s)) << "what another window knows is not said";
+    EXPECT_FALSE(overlay(task)->text().contains(Actions::textOf(ActionId::Import)))
+        << "what another window knows is not said";
     QTest::mouseClick(overlay(task), Qt::LeftButton);
     EXPECT_EQ(overlay(task), nullptr);
     task.close();
@@ -281,6 +282,19 @@ TEST_F(HelpTest, EveryWindowKnowsTheKeysOfTheProgram)
     const ScriptedAlerts drop({Alert::thirdButton});
     press(*newTaskWindow(), ActionId::CloseWindow);
     EXPECT_EQ(drop.asked().size(), 1u);
+}
+
+TEST_F(HelpTest, EveryWindowLeadsToANewTaskAndToTheSearch)
+{
+    controller().showSettings();
+    auto *settings = window().findChild<MVSetiingsCalendarController *>();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(settings));
+    QTest::keySequence(settings, Actions::shortcutOf(ActionId::NewTask));
+    settle();
+    ASSERT_NE(newTaskWindow(), nullptr);
+    QTest::keySequence(newTaskWindow(), Actions::shortcutOf(ActionId::Search));
+    settle();
+    EXPECT_EQ(window().focusWidget()->objectName(), u"searchField"_s);
 }
 
 TEST_F(HelpTest, AboutSaysWhatIsConfigured)
