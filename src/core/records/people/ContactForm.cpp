@@ -318,6 +318,21 @@ void ContactForm::resumeRow(int number, const QString &value)
     }
 }
 
+static const QString groupsInDraft = u"ContactGroup"_s;
+
+/// A new contact has the groups that it was made in; those of a stored one are not edited here.
+void ContactForm::addToDraft(RecordDraft &draft) const
+{
+    if (!row && !values.contactGroup.empty())
+        draft.values.insert(groupsInDraft, urisOf(values.contactGroup));
+}
+
+void ContactForm::takeFromDraft(const RecordDraft &draft)
+{
+    if (!row && draft.values.contains(groupsInDraft))
+        values.contactGroup = recordsOf<EntityContactGroup>(draft.values.value(groupsInDraft));
+}
+
 // The record
 
 QString ContactForm::stepName(bool isNew) const
