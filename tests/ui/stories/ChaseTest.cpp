@@ -128,6 +128,16 @@ TEST_F(ChaseTest, WhoHasSomethingToDoIsAskedAboutIt)
     EXPECT_EQ(WaitingFor::inWords(*later), u"Ann, since yesterday, asked Nov 21, 2026"_s);
 }
 
+TEST_F(ChaseTest, TasksOfHiddenCalendarsAreNowhereAskedAbout)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    const TaskPtr roof = give(u"Roof"_s, ann, 2);
+    give(u"Door"_s, ann, 20)->setTypeCalendarID(u"hidden"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(WaitingFor::rows(), std::vector<RowId>({roof->rowId()}));
+    EXPECT_EQ(WaitingFor::tasksOf(*ann), std::vector<TaskPtr>({roof}));
+}
+
 TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
 {
     const ContactPtr ann = contact(u"Ann"_s);
