@@ -147,6 +147,7 @@ QByteArray FormModel::encodedDraft() const
     draft.entity = QString::fromUtf8(entity().data(), static_cast<qsizetype>(entity().size()));
     draft.record = DBWorker::getIdFromObject(record());
     draft.isOfSample = DBWorker::isSample();
+    addToDraft(draft);
     return draft.encoded();
 }
 
@@ -161,6 +162,7 @@ void FormModel::resume(const RecordDraft &draft)
         else
             resumeRow(row.id, value);
     }
+    takeFromDraft(draft);
 }
 
 QString FormModel::mergedUris(const QString &mine, const QString &former, const QString &present)

@@ -221,6 +221,9 @@ public:
     /// What would be lost with the form, as the text of a file; empty if nothing would. Of most kinds, the
     /// rows that say something else than the record.
     virtual QByteArray encodedDraft() const;
+    /// Adds what stands in no row to a draft that says something, and takes it from there.
+    virtual void addToDraft(RecordDraft &) const {}
+    virtual void takeFromDraft(const RecordDraft &) {}
     /// Puts in what an earlier form was left with.
     void resume(const RecordDraft &draft);
 

@@ -11,8 +11,7 @@ static QString fullyEncoded(const QString &text)
     return encoded;
 }
 
-/// An address can name no further recipients and no header.
-static QString encodedAddress(const QString &mail)
+QString MailDraft::encodedAddress(const QString &mail)
 {
     QString address = mail.trimmed();
     address.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });

@@ -14,4 +14,6 @@ struct MailDraft
 
     /// The draft as a "mailto:" address (RFC 6068), every byte of the texts encoded.
     QString url() const;
+    /// A mail address as it stands in such an address, where it can name no further recipient and no header.
+    static QString encodedAddress(const QString &mail);
 };

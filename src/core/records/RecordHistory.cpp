@@ -11,6 +11,7 @@
 #include "records/ProjectManager.h"
 #include "records/TaskManager.h"
 #include "records/copies/TaskColumns.h"
+#include "records/dates/MVDate.h"
 #include "records/people/LoosePictures.h"
 #include "recurrence/RRule.h"
 #include "recurrence/RecurrenceSentence.h"
@@ -27,7 +28,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// How a value is told.
-enum class Told { Text, Moment, Day, YesOrNo, Type, Status, Priority, Picture, Record, Rule };
+enum class Told { Text, Moment, Day, Birthday, YesOrNo, Type, Status, Priority, Picture, Record, Rule };
 /// With which others it is put back: the dates of a task go together, and a rule with its end.
 enum class Restored { Never, Alone, WithDates, WithRule };
 
@@ -77,7 +78,7 @@ constexpr auto knownValues = std::to_array<Known>({
     {ofProject, "delegateToUser", u"Contacts", Told::Record},
     {ofContact, "firstName", u"First Name"},
     {ofContact, "lastName", u"Last Name"},
-    {ofContact, "birthday", u"Birthday", Told::Day},
+    {ofContact, "birthday", u"Birthday", Told::Birthday},
     {ofContact, "company", u"Company", Told::Record},
     {ofContact, "contactCategory", u"Job Title", Told::Record},
     {ofContact, "photoName", u"Photo", Told::Picture},
@@ -172,6 +173,10 @@ QString inWords(const Known &known, const RowChange &row, const RowChange::Field
     case Told::Day:
         return date ? DateFormatter::string(*date, Style::Medium,
                                             known.told == Told::Day ? Style::None : Style::Short,
+                                            DateFormatter::Language::OfWords)
+                    : QString();
+    case Told::Birthday:
+        return date ? DateFormatter::string(MVDate::getNearestDay(*date), Style::Medium, Style::None,
                                             DateFormatter::Language::OfWords)
                     : QString();
     case Told::YesOrNo:

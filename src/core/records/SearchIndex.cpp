@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -127,6 +128,31 @@ bool isIndexed(const ManagedObject &object)
     return object.entity().followsLinks();
 }
 
+template <typename Detail>
+ObjectPtr holderOf(const ManagedObject &object)
+{
+    const auto *detail = dynamic_cast<const Detail *>(&object);
+    if (!detail)
+        return nullptr;
+    if (const ContactPtr contact = detail->contact())
+        return contact;
+    return detail->company();
+}
+
+/// The record that is found by the texts of a changed one: itself, or the contact or company to which a
+/// number, address or link belongs.
+ObjectPtr foundBy(const ObjectPtr &changed)
+{
+    if (isIndexed(*changed))
+        return changed;
+    for (const auto &holder :
+         {holderOf<EntityPhone>, holderOf<EntityEmail>, holderOf<EntityURL>, holderOf<EntityAddress>}) {
+        if (const ObjectPtr record = holder(*changed))
+            return record;
+    }
+    return nullptr;
+}
+
 /// Whether the texts of a task can have changed; those of other records hang on more than their columns.
 bool canHaveOtherTexts(const StoreChanges::Update &update)
 {
@@ -236,9 +262,14 @@ void SearchIndex::follow(const StoreChanges &changes)
             addIndexWithObject(object);
     }
     deleteRowsOf(changes.deleted);
+    // A record is looked at once: a second look would not see the rows that the first one adds.
+    std::unordered_set<const ManagedObject *> seen;
+    for (const ObjectPtr &object : changes.inserted)
+        seen.insert(object.get());
     for (const StoreChanges::Update &update : changes.updated) {
-        if (canHaveOtherTexts(update))
-            bringUpToDate(update.object, stale);
+        const ObjectPtr record = canHaveOtherTexts(update) ? foundBy(update.object) : nullptr;
+        if (record && seen.insert(record.get()).second)
+            bringUpToDate(record, stale);
     }
     takeOut(std::move(stale));
 }

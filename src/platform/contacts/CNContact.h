@@ -70,8 +70,8 @@ struct CNContact
     /// Any number of lines.
     QString note = {};
     /// What no value above holds, each under the English name of what it is: "Full Name" of one that has more
-    /// than two names, "Nickname", "Department", "Role", "Messaging", "Anniversary", "Related", and a second
-    /// job title or birthday.
+    /// than two names, "Contact" of an organization, "Related", a second job title or birthday, and whatever
+    /// else a card says under a name of its own.
     std::vector<CNLabeledValue<QString>> otherWords = {};
     /// The titles of the groups that it belongs to.
     QStringList groups = {};

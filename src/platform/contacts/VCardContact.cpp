@@ -102,8 +102,8 @@ CNPostalAddress addressOf(const VCardAttribute &attribute)
     const QString box = component(parts, 0);
     if (address.street.isEmpty())
         address.street = box;
-    else if (address.extended.isEmpty())
-        address.extended = box;
+    else if (!box.isEmpty())
+        address.extended = address.extended.isEmpty() ? box : box + QStringLiteral(", ") + address.extended;
     return address;
 }
 
@@ -160,19 +160,48 @@ void takeImage(CNContact &contact, const VCardAttribute &attribute)
     contact.isImageMissing = contact.imageData.isEmpty();
 }
 
-/// The last word is the family name, unless a comma stands behind the first.
+/// Whether a part of a name behind a comma is a title: "PhD", "Jr.", "M.A.". Two letters that can be a given
+/// name have to be capitals.
+bool isTitle(const QString &part)
+{
+    static const QStringList titles = {
+        QStringLiteral("PHD"),     QStringLiteral("DPHIL"),     QStringLiteral("MBA"),
+        QStringLiteral("MSC"),     QStringLiteral("BSC"),       QStringLiteral("MENG"),
+        QStringLiteral("BENG"),    QStringLiteral("LLM"),       QStringLiteral("LLB"),
+        QStringLiteral("DDS"),     QStringLiteral("DVM"),       QStringLiteral("CPA"),
+        QStringLiteral("EDD"),     QStringLiteral("PHARMD"),    QStringLiteral("ESQ"),
+        QStringLiteral("ESQUIRE"), QStringLiteral("DIPLING"),   QStringLiteral("DIPLKFM"),
+        QStringLiteral("DIPLINF"), QStringLiteral("DIPLPSYCH"), QStringLiteral("JUNIOR"),
+        QStringLiteral("SENIOR"),  QStringLiteral("III"),       QStringLiteral("JR"),
+        QStringLiteral("SR")};
+    static const QStringList inCapitals = {QStringLiteral("MD"), QStringLiteral("MA"), QStringLiteral("MS"),
+                                           QStringLiteral("BA"), QStringLiteral("BS"), QStringLiteral("JD"),
+                                           QStringLiteral("RN"), QStringLiteral("II"), QStringLiteral("IV")};
+    QString letters = part;
+    letters.removeIf([](QChar c) { return !c.isLetterOrNumber(); });
+    return titles.contains(letters.toUpper()) || inCapitals.contains(letters);
+}
+
+/// The last word is the family name, unless a comma stands behind the first. Titles behind a comma are no
+/// part of either.
 void takeFullName(CNContact &contact, const QString &fullName)
 {
-    const qsizetype comma = fullName.indexOf(u',');
-    const qsizetype blank = fullName.lastIndexOf(u' ');
+    QStringList parts = fullName.split(u',');
+    while (parts.size() > 1 && parts.front().trimmed().contains(u' ') && isTitle(parts.back()))
+        parts.removeLast();
+    while (parts.size() > 2 && isTitle(parts.back()))
+        parts.removeLast();
+    const QString name = parts.join(u',').trimmed();
+    const qsizetype comma = name.indexOf(u',');
+    const qsizetype blank = name.lastIndexOf(u' ');
     if (comma > 0) {
-        contact.familyName = fullName.left(comma).trimmed();
-        contact.givenName = fullName.mid(comma + 1).trimmed();
+        contact.familyName = name.left(comma).trimmed();
+        contact.givenName = name.mid(comma + 1).trimmed();
     } else if (blank > 0) {
-        contact.givenName = fullName.left(blank).trimmed();
-        contact.familyName = fullName.mid(blank + 1).trimmed();
+        contact.givenName = name.left(blank).trimmed();
+        contact.familyName = name.mid(blank + 1).trimmed();
     } else {
-        contact.givenName = fullName;
+        contact.givenName = name;
     }
 }
 
@@ -184,6 +213,40 @@ bool saysMore(const QString &text, const QString &known)
     const QStringList knownWords = known.toCaseFolded().split(between, Qt::SkipEmptyParts);
     const QStringList words = text.toCaseFolded().split(between, Qt::SkipEmptyParts);
     return std::ranges::any_of(words, [&](const QString &word) { return !knownWords.contains(word); });
+}
+
+/// All parts of a name in the order in which they are spoken.
+QString spokenName(const QStringList &parts)
+{
+    return oneLine(QStringList{component(parts, 3), component(parts, 1), component(parts, 2),
+                               component(parts, 0), component(parts, 4)}
+                       .join(u' '));
+}
+
+/// Keeps each further name of a card that says more than what is known of it.
+void keepNames(CNContact &contact, const QString &label, QString known, const QStringList &names)
+{
+    for (const QString &name : names) {
+        if (!saysMore(name, known))
+            continue;
+        contact.otherWords.push_back({label, name});
+        known += u' ' + name;
+    }
+}
+
+/// The names in the order of a card, those for the family name first, the first of each kind included.
+QStringList allNames(const VCard &card)
+{
+    QStringList names;
+    for (const VCardAttribute &attribute : card.attributes) {
+        if (attribute.name() == "N")
+            names.append(spokenName(attribute.components()));
+    }
+    for (const VCardAttribute &attribute : card.attributes) {
+        if (attribute.name() == "FN")
+            names.append(oneLine(attribute.text()));
+    }
+    return names;
 }
 
 void takeNames(CNContact &contact, const VCard &card)
@@ -200,6 +263,7 @@ void takeNames(CNContact &contact, const VCard &card)
                 fullName.isEmpty() ? oneLine(contact.givenName + u' ' + contact.familyName) : fullName;
         contact.familyName.clear();
         contact.givenName.clear();
+        keepNames(contact, QStringLiteral("Contact"), contact.organizationName, allNames(card));
         return;
     }
     // Some write the whole name into the first place.
@@ -210,19 +274,9 @@ void takeNames(CNContact &contact, const VCard &card)
         takeFullName(contact, fullName);
     }
     // Titles and further names stand in other parts of it.
-    QStringList further = parts.mid(2);
-    further.removeIf([](const QString &part) { return part.trimmed().isEmpty(); });
-    if (!contact.hasName())
-        return;
-    if (further.isEmpty()) {
-        if (saysMore(fullName, contact.givenName + u' ' + contact.familyName))
-            contact.otherWords.push_back({QStringLiteral("Full Name"), fullName});
-        return;
-    }
-    const QString all = QStringList{component(parts, 3), contact.givenName, component(parts, 2),
-                                    contact.familyName, component(parts, 4)}
-                            .join(u' ');
-    contact.otherWords.push_back({QStringLiteral("Full Name"), oneLine(all).simplified()});
+    if (contact.hasName())
+        keepNames(contact, QStringLiteral("Full Name"), contact.givenName + u' ' + contact.familyName,
+                  allNames(card));
 }
 
 /// The first part is the organization, the others are parts of it.
@@ -239,21 +293,90 @@ void takeOrganization(CNContact &contact, const VCardAttribute &attribute)
         contact.otherWords.push_back({QStringLiteral("Department"), parts.join(QStringLiteral(", "))});
 }
 
+/// Whether a property is there for programs, and says nothing to a person.
+bool isTechnical(const QByteArray &property)
+{
+    static const QRegularExpression technical(QStringLiteral(
+        "^(BEGIN|END|VERSION|PRODID|REV|UID|KEY|CLIENTPIDMAP|KIND|MEMBER|SOURCE|NAME|PROFILE|CLASS|XML|AGENT|"
+        "MAILER|SORT-STRING|N|FN|PHOTO|LOGO|SOUND|CREATED|LABEL|FBURL|CAPURI|CALADRURI|"
+        "X-AB(LABEL|ADR|SHOWAS|UID|ORDER)|X-ADDRESSBOOKSERVER-.*|X-(MS-OL|MS-CARDPICTURE|MOZILLA|IRMC|SYNC|"
+        "RADICALE|WEBDAV|IMAGE|SHARED-PHOTO|SIM|TINE20|ACTIVESYNC|FUNAMBOL)[A-Z0-9-]*|"
+        "X-KADDRESSBOOK-(CRYPTO.*|OPENPGP.*|SMIME.*|LAYOUT.*)|"
+        "X-EVOLUTION-(FILE-AS|WEBDAV-.*|LIST.*|BOOK-URI|WANTS-HTML|DEST-.*|X509.*|PGP.*|E-BOOK-.*|GROUPWARE.*"
+        ")"
+        "|X-.*(ETAG|UUID|-UID|-ID|-REV|-HASH|-KIND|-SOURCE)|X-(UID|ID|PID|LUID|CLASS|CREATED|ACCOUNT))$"));
+    return technical.match(QString::fromLatin1(property)).hasMatch();
+}
+
 /// What a property is called for which there is no field; empty for what is no word of a person.
 QString nameOfOther(const QByteArray &property)
 {
-    static const QHash<QByteArray, QString> names = {{"NICKNAME", QStringLiteral("Nickname")},
-                                                     {"ROLE", QStringLiteral("Role")},
-                                                     {"IMPP", QStringLiteral("Messaging")},
-                                                     {"ANNIVERSARY", QStringLiteral("Anniversary")},
-                                                     {"RELATED", QStringLiteral("Related")},
+    static const QHash<QByteArray, QString> names = {{"IMPP", QStringLiteral("Messaging")},
                                                      {"TITLE", QStringLiteral("Job Title")},
                                                      {"BDAY", QStringLiteral("Birthday")},
+                                                     {"X-ABDATE", QStringLiteral("Date")},
                                                      {"X-ABRELATEDNAMES", QStringLiteral("Related")},
                                                      {"X-SPOUSE", QStringLiteral("Related")},
-                                                     {"X-EVOLUTION-SPOUSE", QStringLiteral("Related")},
-                                                     {"X-ANNIVERSARY", QStringLiteral("Anniversary")}};
-    return names.value(property);
+                                                     {"X-EVOLUTION-SPOUSE", QStringLiteral("Related")}};
+    const auto known = names.constFind(property);
+    if (known != names.constEnd())
+        return *known;
+    if (isTechnical(property))
+        return {};
+    static const QRegularExpression maker(
+        QStringLiteral("^X-((EVOLUTION|KADDRESSBOOK-X|KADDRESSBOOK|MS)-)?"));
+    QStringList words = QString::fromLatin1(property).remove(maker).split(u'-', Qt::SkipEmptyParts);
+    for (QString &word : words) {
+        constexpr qsizetype longestShortForm = 3;
+        if (word.size() > longestShortForm)
+            word = word.left(1) + word.mid(1).toLower();
+    }
+    return words.join(u' ');
+}
+
+/// "vnd.android.cursor.item/relation;Jane;8;;" is somebody's mother.
+CNLabeledValue<QString> androidWords(const VCardAttribute &attribute)
+{
+    static const std::array<QString, 14> relations = {
+        QStringLiteral("assistant"),        QStringLiteral("brother"),     QStringLiteral("child"),
+        QStringLiteral("domestic partner"), QStringLiteral("father"),      QStringLiteral("friend"),
+        QStringLiteral("manager"),          QStringLiteral("mother"),      QStringLiteral("parent"),
+        QStringLiteral("partner"),          QStringLiteral("referred by"), QStringLiteral("relative"),
+        QStringLiteral("sister"),           QStringLiteral("spouse")};
+    static const QHash<QString, QString> names = {{QStringLiteral("nickname"), QStringLiteral("Nickname")},
+                                                  {QStringLiteral("relation"), QStringLiteral("Related")},
+                                                  {QStringLiteral("contact_event"), QStringLiteral("Date")}};
+    const QStringList parts = attribute.components();
+    const QString kind = component(parts, 0).section(u'/', -1);
+    const QString words = oneLine(component(parts, 1));
+    QString label = oneLine(component(parts, 3));
+    const int relation = component(parts, 2).toInt();
+    if (label.isEmpty() && kind == QLatin1String("relation") && relation > 0 &&
+        relation <= int(relations.size()))
+        label = relations[static_cast<std::size_t>(relation) - 1];
+    return {names.value(kind, kind),
+            words.isEmpty() || label.isEmpty() ? words : words + QStringLiteral(" (") + label + u')'};
+}
+
+/// What a property without a field says, with its label behind it: "Jane (mother)".
+CNLabeledValue<QString> wordsOfOther(const VCardAttribute &attribute, const QString &groupLabel)
+{
+    if (attribute.name() == "X-ANDROID-CUSTOM")
+        return androidWords(attribute);
+    const QString name = nameOfOther(attribute.name());
+    if (name.isEmpty() || attribute.isBase64())
+        return {};
+    QStringList parts = attribute.components();
+    parts.removeIf([](const QString &part) { return part.trimmed().isEmpty(); });
+    const QString words = oneLine(parts.join(QStringLiteral(", ")));
+    const bool isForPrograms = words.startsWith(QLatin1String("urn:"), Qt::CaseInsensitive) ||
+                               words.startsWith(QLatin1String("data:"), Qt::CaseInsensitive);
+    QString label = groupLabel;
+    if (label.isEmpty() && attribute.name() == "RELATED")
+        label = attribute.types().join(QStringLiteral(", ")).toLower();
+    if (words.isEmpty() || isForPrograms)
+        return {};
+    return {name, label.isEmpty() ? words : words + QStringLiteral(" (") + oneLine(label) + u')'};
 }
 
 /// Profiles of a person count as addresses of the web, by the name of the place.
@@ -322,8 +445,9 @@ void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
                 contact.groups.append(title);
     } else if (name == "NOTE") {
         contact.note = (contact.note + u'\n' + attribute.text()).trimmed();
-    } else if (const QString kind = nameOfOther(name); !kind.isEmpty()) {
-        add(contact.otherWords, kind, oneLine(attribute.text()));
+    } else {
+        const auto [kind, words] = wordsOfOther(attribute, labelOr({}));
+        add(contact.otherWords, kind, words);
     }
 }
 
@@ -342,6 +466,10 @@ CNContact contactFrom(const VCard &card, CardImage image)
         if (isImage && contact.imageData.isEmpty())
             takeImage(contact, attribute);
     }
+    // It says again what the lines of an address say, if there are any.
+    const VCardAttribute *label = card.find("LABEL");
+    if (label && contact.postalAddresses.empty() && !oneLine(label->text()).isEmpty())
+        contact.otherWords.push_back({QStringLiteral("Address"), oneLine(label->text())});
     contact.isOrganization = isKind(card, "KIND", "org") || isKind(card, "X-ABSHOWAS", "company");
     takeNames(contact, card);
     return contact;

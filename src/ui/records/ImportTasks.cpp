@@ -4,6 +4,7 @@
 #include "foundation/Localization.h"
 #include "records/exchange/RecordTable.h"
 #include "records/exchange/TaskImport.h"
+#include "records/people/ContactCards.h"
 #include "widgets/LongWork.h"
 
 #include <QBuffer>
@@ -26,7 +27,7 @@ static bool hasSuffix(const QString &path, const QStringList &suffixes)
 static bool isOfPeople(const QString &path)
 {
     if (!hasSuffix(path, {u"csv"_s}) || !QFileInfo(path).isFile())
-        return hasSuffix(path, {u"vcf"_s});
+        return ContactCards::isFileOfCards(path);
     QFile file(path);
     return file.open(QIODevice::ReadOnly) && RecordTable::kindOf(file) == RecordTable::Kind::People;
 }
@@ -37,9 +38,10 @@ void ImportTasks::run(QWidget &window, const FilesOpener &openPeople)
                                    QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setNameFilters(
-        {localized(u"Calendar files and tables"_s) + u" (*.ics *.ICS *.ical *.csv *.CSV *.vcf *.VCF)"_s,
-         localized(u"All files"_s) + u" (*)"_s});
+    dialog->setNameFilters({localized(u"Calendar files and tables"_s) +
+                                u" (*.ics *.ICS *.ical *.csv *.CSV "_s + ContactCards::patternsOfFiles() +
+                                u')',
+                            localized(u"All files"_s) + u" (*)"_s});
     QObject::connect(dialog, &QFileDialog::filesSelected, dialog,
                      [openPeople](const QStringList &paths) { openFiles(paths, openPeople); });
     dialog->open();
@@ -104,7 +106,9 @@ QStringList ImportTasks::filesIn(const QMimeData &data)
 {
     QStringList paths;
     for (const QUrl &url : data.urls())
-        if (url.isLocalFile() && hasSuffix(url.toLocalFile(), {u"ics"_s, u"ical"_s, u"csv"_s, u"vcf"_s}))
-            paths.append(url.toLocalFile());
+        if (const QString path = url.toLocalFile();
+            url.isLocalFile() &&
+            (hasSuffix(path, {u"ics"_s, u"ical"_s, u"csv"_s}) || ContactCards::isFileOfCards(path)))
+            paths.append(path);
     return paths;
 }

@@ -214,6 +214,8 @@ void RecordPane::recordChanged()
             model->rollback();
             wasReadAnew();
         }
+        // Names of linked records can be others.
+        view->refresh();
         statusChanged();
     }
 }

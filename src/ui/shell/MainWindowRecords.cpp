@@ -14,6 +14,8 @@
 #include "store/AppDelegate.h"
 #include "store/queries/DBWorker.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 // The windows beside the main one.
@@ -113,8 +115,13 @@ bool MainWindowController::closeNewWindows()
     for (RecordWindow *window : windows)
         gate.add(*window, [window] { window->showWindow(); });
     details->addTo(gate);
-    if (!gate.mayLeave())
+    const auto imports =
+        mainWindow->findChildren<ImportContactWindowController *>(Qt::FindDirectChildrenOnly);
+    const bool isImporting = std::ranges::any_of(imports, &ImportContactWindowController::isBusy);
+    if (isImporting || !gate.mayLeave())
         return false;
+    for (ImportContactWindowController *window : imports)
+        window->close();
     for (RecordWindow *window : mainWindow->findChildren<RecordWindow *>(Qt::FindDirectChildrenOnly))
         window->close();
     return true;

@@ -106,6 +106,35 @@ TEST_F(SearchIndexOfRecords, FollowsWhatIsLinkedAndUnlinked)
     EXPECT_EQ(sortedTextsOf(contact), QStringList({u"555"_qs, u"Ann"_qs, u"House"_qs}));
 }
 
+TEST_F(SearchIndexOfRecords, FindsAContactAndACompanyByAnEditedDetail)
+{
+    const auto contact = context().insert<EntityContacts>();
+    contact->setFirstName(u"Ann"_qs);
+    const auto company = context().insert<EntityCompany>();
+    company->setTitle(u"Works"_qs);
+    const auto phone = context().insert<EntityPhone>();
+    phone->setContact(contact);
+    const auto url = context().insert<EntityURL>();
+    url->setContact(contact);
+    const auto email = context().insert<EntityEmail>();
+    email->setCompany(company);
+    const auto address = context().insert<EntityAddress>();
+    address->setCompany(company);
+    const auto write = [&](const QString &text) {
+        phone->setNumber(text + u" phone"_qs);
+        url->setUrl(text + u" url"_qs);
+        email->setMail(text + u" mail"_qs);
+        address->setCity(text + u" city"_qs);
+        EXPECT_FALSE(DBWorker::saveContext());
+    };
+    write(u"first"_qs);
+    write(u"second"_qs);
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"Ann"_qs, u"second phone"_qs, u"second url"_qs}));
+    EXPECT_EQ(sortedTextsOf(company), QStringList({u"Works"_qs, u"second city"_qs, u"second mail"_qs}));
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(sortedTextsOf(contact), QStringList({u"Ann"_qs, u"first phone"_qs, u"first url"_qs}));
+}
+
 TEST_F(SearchIndexOfRecords, FindsARenamedProjectAtOnceAndItsTasksByTheOldNameUntilTheyChange)
 {
     const auto project = context().insert<EntityProject>();

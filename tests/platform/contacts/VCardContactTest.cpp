@@ -42,6 +42,59 @@ TEST(VCardContactTest, TakesItsNamesFromWhereTheyAre)
     EXPECT_EQ(name("FN:A\r\nFN:B\r\nN:C;D\r\nN:E;F"), u"D|C|"_qs) << "the first of two names";
 }
 
+/// The words of a card that have no field, a line for each.
+QStringList otherWords(const QByteArray &lines)
+{
+    QStringList words;
+    for (const auto &[label, word] : read(lines).otherWords)
+        words.append(label + u": "_qs + word);
+    return words;
+}
+
+TEST(VCardContactTest, TakesNoTitleForAGivenName)
+{
+    EXPECT_EQ(name("FN:Ann Lee\\, PhD"), u"Ann|Lee|"_qs);
+    EXPECT_EQ(name("FN:Ann Lee\\, M.A.\\, Dipl.-Ing."), u"Ann|Lee|"_qs);
+    EXPECT_EQ(name("FN:Lee\\, Ann\\, Jr."), u"Ann|Lee|"_qs);
+    EXPECT_EQ(name("FN:de la Cruz\\, Ma"), u"Ma|de la Cruz|"_qs) << "a name, and no degree";
+    EXPECT_EQ(name("FN:de la Cruz\\, Ann"), u"Ann|de la Cruz|"_qs);
+    EXPECT_EQ(otherWords("FN:Ann Lee\\, PhD"), QStringList(u"Full Name: Ann Lee, PhD"_qs));
+}
+
+TEST(VCardContactTest, KeepsFurtherNamesInWords)
+{
+    EXPECT_EQ(otherWords("FN:Ann Lee\r\nFN:Annie Lee\r\nN:Lee;Ann\r\nN:Kay;Ann;;;"),
+              QStringList({u"Full Name: Ann Kay"_qs, u"Full Name: Annie Lee"_qs}));
+    EXPECT_EQ(otherWords("FN:Ann Lee\r\nN:Lee;Ann"), QStringList());
+    EXPECT_EQ(otherWords("ORG:Works\r\nFN:Works\r\nN:Lee;Ann;;Dr.;\r\nX-ABShowAs:COMPANY"),
+              QStringList(u"Contact: Dr. Ann Lee"_qs));
+    EXPECT_EQ(otherWords("ORG:Works\r\nFN:Works\r\nN:Works\r\nKIND:org"), QStringList());
+}
+
+TEST(VCardContactTest, KeepsInWordsWhateverElseACardSays)
+{
+    EXPECT_EQ(otherWords("FN:a\r\nitem1.X-ABDATE:2010-05-06\r\nitem1.X-ABLabel:_$!<Anniversary>!$_\r\n"
+                         "X-JABBER:a@b.org\r\nX-AIM;TYPE=HOME:ann\r\nX-PHONETIC-FIRST-NAME:En\r\n"
+                         "X-EVOLUTION-MANAGER:Bob\r\nX-KADDRESSBOOK-X-Profession:Rower\r\nGENDER:O;crew\r\n"
+                         "item2.X-ABRELATEDNAMES:Jane\r\nitem2.X-ABLabel:_$!<Mother>!$_\r\n"
+                         "RELATED;TYPE=friend;VALUE=text:Kay\r\nNICKNAME:Annie\r\n"
+                         "X-ANDROID-CUSTOM:vnd.android.cursor.item/relation;Jim;5;;;\r\n"
+                         "X-ANDROID-CUSTOM:vnd.android.cursor.item/nickname;Nan;1;;;"),
+              QStringList({u"Date: 2010-05-06 (anniversary)"_qs, u"Jabber: a@b.org"_qs, u"AIM: ann"_qs,
+                           u"Phonetic First Name: En"_qs, u"Manager: Bob"_qs, u"Profession: Rower"_qs,
+                           u"Gender: O, crew"_qs, u"Related: Jane (mother)"_qs, u"Related: Kay (friend)"_qs,
+                           u"Nickname: Annie"_qs, u"Related: Jim (father)"_qs, u"Nickname: Nan"_qs}));
+    EXPECT_EQ(
+        otherWords("FN:a\r\nVERSION:3.0\r\nPRODID:p\r\nREV:1\r\nUID:u\r\nUID:v\r\nKEY;ENCODING=b:AAAA\r\n"
+                   "LOGO;ENCODING=b:AAAA\r\nX-EVOLUTION-FILE-AS:a\r\nX-EVOLUTION-WEBDAV-ETAG:e\r\n"
+                   "SORT-STRING:a\r\nCLIENTPIDMAP:1;urn:uuid:1\r\nRELATED:urn:uuid:2\r\n"
+                   "X-SYNC-MARK:5\r\nX-ABUID:1\r\nX-OTHER;ENCODING=b:AAAA\r\nX-EMPTY: "),
+        QStringList())
+        << "what is there for programs";
+    EXPECT_EQ(otherWords("FN:a\r\nLABEL:1 Main St\\nUlm"), QStringList(u"Address: 1 Main St Ulm"_qs));
+    EXPECT_EQ(otherWords("FN:a\r\nADR:;;1 Main St;Ulm\r\nLABEL:1 Main St\\nUlm"), QStringList());
+}
+
 TEST(VCardContactTest, CallsPhonesByWhatTheyAre)
 {
     const CNContact contact =
@@ -77,7 +130,7 @@ TEST(VCardContactTest, TakesAddressesOfAllKinds)
     const std::vector<CNLabeledValue<CNPostalAddress>> addresses = {
         {u"home"_qs, {u"1 Main St\nFloor 2"_qs, {}, u"Ulm"_qs, u"BW"_qs, u"89073"_qs, u"Germany"_qs}},
         {u"work"_qs, {u"Box 7"_qs, {}, u"Ulm"_qs, {}, {}, {}}},
-        {{}, {u"2 Main St"_qs, u"Apt 3"_qs, {}, {}, {}, {}}}};
+        {{}, {u"2 Main St"_qs, u"Box 8, Apt 3"_qs, {}, {}, {}, {}}}};
     EXPECT_EQ(contact.postalAddresses, addresses);
     EXPECT_EQ(contact.jobTitle, u"Captain"_qs);
     EXPECT_EQ(contact.identifier, u"u1"_qs);

@@ -80,6 +80,34 @@ protected:
     QTemporaryDir root;
 };
 
+TEST_F(CalendarsTest, WhatSomebodyHasInACalendarIsCountedWhileTheCalendarIsShown)
+{
+    const auto chooseOrGiveUp = [this](int row) {
+        QWidget &chooser = open(ActionId::Calendars, "CalendarsAppleWindow");
+        click(find<QListView>(chooser, "tableCalendars"), row);
+        chooser.close();
+        settle();
+    };
+    chooseOrGiveUp(2);
+    const TaskPtr meeting = context().fetchFirst<EntityTask>(
+        EntityTask::fetchRequest().where(Predicate::format("title = %@", u"Meeting"_s)));
+    ASSERT_TRUE(meeting);
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_s);
+    meeting->setDelegateToUser(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    controller().goToList(SidebarItem::People);
+    settle();
+    static_cast<TabsViewController &>(*controller().currentScreen()).selectItem(ann);
+    settle();
+    const auto &strip = find<QWidget>(window(), "waitingStrip");
+    ASSERT_TRUE(strip.isVisible());
+    chooseOrGiveUp(2);
+    EXPECT_FALSE(strip.isVisible());
+    chooseOrGiveUp(2);
+    EXPECT_TRUE(strip.isVisible());
+}
+
 TEST_F(CalendarsTest, ChosenCalendarsBringTheirEventsWhenTheWindowCloses)
 {
     QWidget &chooser = open(ActionId::Calendars, "CalendarsAppleWindow");

@@ -128,6 +128,16 @@ TEST_F(ChaseTest, WhoHasSomethingToDoIsAskedAboutIt)
     EXPECT_EQ(WaitingFor::inWords(*later), u"Ann, since yesterday, asked Nov 21, 2026"_s);
 }
 
+TEST_F(ChaseTest, TasksOfHiddenCalendarsAreNowhereAskedAbout)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    const TaskPtr roof = give(u"Roof"_s, ann, 2);
+    give(u"Door"_s, ann, 20)->setTypeCalendarID(u"hidden"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(WaitingFor::rows(), std::vector<RowId>({roof->rowId()}));
+    EXPECT_EQ(WaitingFor::tasksOf(*ann), std::vector<TaskPtr>({roof}));
+}
+
 TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
 {
     const ContactPtr ann = contact(u"Ann"_s);
@@ -386,6 +396,55 @@ TEST_F(ChaseTest, ACallIsTickedOffOnItsSheetAndWhatWasSaidIsNoted)
     settle();
     EXPECT_EQ(CallSheet(ann).lastNotes().size(), 1u);
     EXPECT_TRUE(CallSheet(ann).calls().empty());
+}
+
+TEST_F(ChaseTest, WhatACompanySaidIsFoundAgainAndNothingIsLeftOutInSilence)
+{
+    const auto works = context().insert<EntityCompany>();
+    works->setTitle(u"Works"_s);
+    const ContactPtr ann = contact(u"Ann"_s);
+    ann->setCompany(works);
+    const TaskPtr call = add(u"Offer"_s, [&](MVTask &copy) {
+        copy.type = TaskType::EmailCall;
+        copy.company = works;
+    });
+    call->setDueDate(localDate(2026, 11, 23, 10, 0));
+    ASSERT_FALSE(DBWorker::saveContext());
+    CallSheetWindow sheet(works, nullptr);
+    sheet.show();
+    QTest::mouseClick(&find<QAbstractButton>(sheet, "checkCall"), Qt::LeftButton);
+    settle();
+    auto *note = sheet.findChild<RecordWindow *>();
+    ASSERT_NE(note, nullptr);
+    note->clickButtonSave();
+    settle();
+    ASSERT_EQ(CallSheet(works).lastNotes().size(), 1u);
+    EXPECT_EQ(CallSheet(works).lastNotes()[0]->title(), u"Offer · Works"_s);
+    EXPECT_TRUE(CallSheet(ann).lastNotes().empty());
+
+    for (int number = 0; number < 7; ++number) {
+        const auto more = context().insert<EntityNote>();
+        more->setTitle(u"%1 note"_s);
+        more->setContact(ann);
+    }
+    for (int number = 0; number < 23; ++number) {
+        const auto phone = context().insert<EntityPhone>();
+        phone->setNumber(u"030 %1"_s.arg(number));
+        phone->setContact(ann);
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    QStringList words;
+    for (const auto *label : sheet.findChildren<QLabel *>())
+        words << label->text();
+    EXPECT_EQ(words.filter(u" more"_s), QStringList({u"3 more"_s, u"3 more"_s})) << "numbers, and 8 notes";
+    EXPECT_EQ(sheet.findChildren<QLabel *>(u"labelNumber"_s).size(), 20);
+    go(SidebarItem::People);
+    static_cast<TabsViewController &>(current()).selectItem(ann);
+    settle();
+    const QString told = find<QLabel>(window(), "labelNotes").text();
+    EXPECT_TRUE(told.endsWith(u" and 2 more"_s)) << told.toStdString();
+    EXPECT_EQ(told.count(u">%1 note</a>"_s), 5) << told.toStdString();
 }
 
 TEST_F(ChaseTest, PeopleLeaveAsAFileAndRowsAsText)

@@ -202,10 +202,17 @@ TEST_F(ImportTest, FilesAreOpenedDroppedAndImportedWithPictures)
     other.setUrls({QUrl::fromLocalFile(u"/etc/hostname"_s)});
     EXPECT_TRUE(ImportContactWindowController::filesIn(other).isEmpty());
 
+    // Marks of a source stay while others are shown.
     auto &sources = find<PopUpButton>(*importWindow(), "popUpSources");
     EXPECT_EQ(sources.itemText(1), u"2 files"_s);
     Q_EMIT sources.activated(1);
     ASSERT_TRUE(hasLines({u"C"_s, u"xCid"_s, u"D"_s, u"xDan"_s}));
+    pressLine(1);
+    Q_EMIT sources.activated(0);
+    ASSERT_TRUE(hasLines({u"C"_s, u"xCid"_s}));
+    Q_EMIT sources.activated(1);
+    ASSERT_TRUE(hasLines({u"C"_s, u"Cid"_s, u"D"_s, u"xDan"_s}));
+    pressLine(1);
     const ScriptedAlerts alerts({Alert::firstButton});
     importMarked(alerts);
     EXPECT_EQ(alerts.asked().at(0).message, u"2 contacts were imported."_s);
@@ -213,6 +220,25 @@ TEST_F(ImportTest, FilesAreOpenedDroppedAndImportedWithPictures)
     const ContactPtr cid = EntityContacts::firstName(u"Cid"_s, u""_s);
     ASSERT_TRUE(cid);
     EXPECT_EQ(QImage(FileManager::imageFolderURL() + u'/' + cid->photoName()).size(), QSize(4, 3));
+}
+
+TEST_F(ImportTest, CardsOfEitherEndingOpenTheWindowThatGoesWithTheMainOne)
+{
+    const QString file = write(u"one.VCARD"_s, card("N:;Cid;;;"));
+    allow(0);
+    CNContactStore::setAccessQuestion([](const std::function<void(bool)> &answer) { answer(false); });
+    showList(SidebarItem::Inbox);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file)});
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&window(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&window(), &drop);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return importWindow() != nullptr; }));
+    ASSERT_TRUE(hasLines({u"C"_s, u"xCid"_s}));
+    EXPECT_TRUE(controller().closeNewWindows());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !importWindow(); }));
 }
 
 TEST_F(ImportTest, CalendarFilesThatAreDroppedOrChosenBecomeTasks)

@@ -216,6 +216,38 @@ TEST_F(PeopleTest, AreListedReadEditedAndTakenBack)
     EXPECT_EQ(people().selectedRecord(), bob);
 }
 
+TEST_F(PeopleTest, APaneShowsTheNamesThatLinkedRecordsHaveNow)
+{
+    ann->setCompany(works);
+    const auto project = context().insert<EntityProject>();
+    project->setTitle(u"House"_s);
+    project->setDelegateToUser({ann});
+    save();
+    const auto isShown = [this](const QString &text) {
+        const auto says = [&](const QLabel *label) {
+            return label->isVisible() && label->text().contains(text);
+        };
+        return std::ranges::any_of(pane().findChildren<QLabel *>(), says);
+    };
+    go(SidebarItem::People);
+    select(u"Ann Lee"_s);
+    EXPECT_TRUE(isShown(u"Works"_s) && isShown(u"House"_s));
+    works->setTitle(u"Mill"_s);
+    project->setTitle(u"Garden"_s);
+    save();
+    EXPECT_TRUE(isShown(u"Mill"_s) && isShown(u"Garden"_s));
+    EXPECT_FALSE(isShown(u"Works"_s) || isShown(u"House"_s));
+
+    go(SidebarItem::Projects);
+    people().table()->selectRow(0);
+    settle();
+    EXPECT_TRUE(isShown(u"Ann Lee"_s));
+    ann->setLastName(u"Kay"_s);
+    save();
+    EXPECT_TRUE(isShown(u"Ann Kay"_s));
+    EXPECT_FALSE(isShown(u"Ann Lee"_s));
+}
+
 TEST_F(PeopleTest, AnEntryTakenOutIsGone)
 {
     const auto phone = context().insert<EntityPhone>();

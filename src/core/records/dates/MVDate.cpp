@@ -262,3 +262,8 @@ Date MVDate::getStartOfDay(Date date)
 {
     return Calendar::current().startOfDay(date);
 }
+
+Date MVDate::getNearestDay(Date midnight)
+{
+    return getStartOfDay(midnight + Seconds(std::chrono::hours(12)));
+}

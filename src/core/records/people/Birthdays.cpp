@@ -3,6 +3,7 @@
 #include "foundation/Calendar.h"
 #include "foundation/Localization.h"
 #include "foundation/TextFolding.h"
+#include "records/dates/MVDate.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
 
@@ -72,7 +73,7 @@ std::vector<Birthdays::Birthday> Birthdays::between(Date first, Date last)
         const OptionalDate born = row.date(0);
         if (!born || !stretch.holds(*born))
             return;
-        const DateComponents bornOn = calendar.shortComponents(*born);
+        const DateComponents bornOn = calendar.shortComponents(MVDate::getNearestDay(*born));
         for (int year = calendar.year(start); year <= calendar.year(last); ++year) {
             const Date day = dayIn(year, bornOn, calendar);
             if (day < start || day > last)

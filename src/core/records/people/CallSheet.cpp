@@ -3,15 +3,30 @@
 #include "foundation/Localization.h"
 #include "foundation/TextFolding.h"
 #include "records/copies/MVTask.h"
+#include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
 
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr std::size_t mostNotes = 5;
-/// Nobody calls a whole concern from one page.
-constexpr std::size_t mostNumbers = 20;
+template <typename Values>
+static Values firstOf(Values values, std::size_t most)
+{
+    values.resize(std::min(values.size(), most));
+    return values;
+}
+
+static std::size_t beyond(std::size_t count, std::size_t most)
+{
+    return count - std::min(count, most);
+}
+
+/// The end of the title of a note that is about a company.
+static QString endOfTitle(const EntityCompany &company)
+{
+    return u" · "_s + company.title();
+}
 
 CallSheet::CallSheet(ObjectPtr calledOne)
     : called(std::move(calledOne))
@@ -29,11 +44,21 @@ QString CallSheet::title() const
 
 std::vector<CallSheet::Number> CallSheet::numbers() const
 {
+    return firstOf(allNumbers(), mostNumbers);
+}
+
+std::size_t CallSheet::moreNumbers() const
+{
+    return beyond(allNumbers().size(), mostNumbers);
+}
+
+std::vector<CallSheet::Number> CallSheet::allNumbers() const
+{
     std::vector<Number> found;
     const auto add = [&found](const auto &phones, const QString &owner) {
         for (const auto &phone : phones) {
             ItemListEmailPhoneUrl item = ItemListEmailPhoneUrl::initPhoneItem(phone, {}, {}, false);
-            if (item.isEmpty() || found.size() == mostNumbers)
+            if (item.isEmpty())
                 continue;
             const auto type = phone->type();
             const QString typeInWords = type ? localized(type->title()) : QString();
@@ -76,20 +101,35 @@ std::vector<TaskPtr> CallSheet::calls() const
     return tasks;
 }
 
-std::vector<std::shared_ptr<EntityNote>> CallSheet::lastNotes() const
+CallSheet::Notes CallSheet::lastNotes() const
 {
-    std::vector<std::shared_ptr<EntityNote>> notes;
+    return firstOf(allNotes(), mostNotes);
+}
+
+std::size_t CallSheet::moreNotes() const
+{
+    return beyond(allNotes().size(), mostNotes);
+}
+
+CallSheet::Notes CallSheet::allNotes() const
+{
+    Notes notes;
     if (const ContactPtr person = contact()) {
         notes = person->note();
     } else {
         for (const ContactPtr &employee : company()->contact())
             std::ranges::copy(employee->note(), std::back_inserter(notes));
+        const QString end = endOfTitle(*company());
+        for (const auto &note : mainContext().fetch<EntityNote>(
+                 EntityNote::fetchRequest().where(Predicate::format("contact = nil")))) {
+            if (note->title().endsWith(end))
+                notes.push_back(note);
+        }
     }
     const auto madeLater = [](const auto &one, const auto &other) {
         return one->creationDate().value_or(Date()) > other->creationDate().value_or(Date());
     };
     std::ranges::stable_sort(notes, madeLater);
-    notes.resize(std::min(notes.size(), mostNotes));
     return notes;
 }
 
@@ -103,4 +143,9 @@ bool CallSheet::tick(const TaskPtr &call)
 ContactPtr CallSheet::noteContact(const TaskPtr &call) const
 {
     return contact() ? contact() : call->delegateToUser();
+}
+
+QString CallSheet::noteTitle(const TaskPtr &call) const
+{
+    return noteContact(call) ? call->title() : call->title() + endOfTitle(*company());
 }

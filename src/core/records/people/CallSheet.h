@@ -21,20 +21,34 @@ public:
         QString link;
     };
     QString title() const;
+    /// At most `mostNumbers`.
     std::vector<Number> numbers() const;
+    /// How many others there are.
+    std::size_t moreNumbers() const;
     /// The open Emails/Calls, by when they are due.
     std::vector<TaskPtr> calls() const;
-    /// The newest first.
-    std::vector<std::shared_ptr<EntityNote>> lastNotes() const;
+    using Notes = std::vector<std::shared_ptr<EntityNote>>;
+    /// The newest first, at most `mostNotes`.
+    Notes lastNotes() const;
+    /// How many others there are.
+    std::size_t moreNotes() const;
 
     /// Ticks a call off by its rules. False if they stopped it, which the user is told.
     static bool tick(const TaskPtr &call);
     /// Whom a note about a call is about; null if nobody can know.
     ContactPtr noteContact(const TaskPtr &call) const;
+    /// What such a note is called. One that is about nobody names the company, by which it is found again.
+    QString noteTitle(const TaskPtr &call) const;
+
+    static constexpr std::size_t mostNotes = 5;
+    /// Nobody calls a whole concern from one page.
+    static constexpr std::size_t mostNumbers = 20;
     /// Whether the one who is called is no more.
     bool isGone() const;
 
 private:
+    std::vector<Number> allNumbers() const;
+    Notes allNotes() const;
     ContactPtr contact() const { return std::dynamic_pointer_cast<EntityContacts>(called); }
     CompanyPtr company() const { return std::dynamic_pointer_cast<EntityCompany>(called); }
 

@@ -5,6 +5,22 @@
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
+#include <QStringList>
+
+static const QStringList endingsOfCards = {QStringLiteral("vcf"), QStringLiteral("vcard")};
+
+bool ContactCards::isFileOfCards(const QString &path)
+{
+    return endingsOfCards.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+}
+
+QString ContactCards::patternsOfFiles()
+{
+    QStringList patterns;
+    for (const QString &ending : endingsOfCards)
+        patterns << QStringLiteral("*.") + ending << QStringLiteral("*.") + ending.toUpper();
+    return patterns.join(u' ');
+}
 
 ContactCards ContactCards::ofFile(const QString &path)
 {

@@ -18,6 +18,11 @@ public:
     /// A text of vCards. \param name that of the address book.
     static ContactCards ofText(const QString &name, const QByteArray &text);
 
+    /// Whether a file is one of vCards by the ending of its name.
+    static bool isFileOfCards(const QString &path);
+    /// The patterns of such files for a file dialog, between blanks.
+    static QString patternsOfFiles();
+
     /// What the user calls the origin: the name of the file or of the address book.
     const QString &name() const { return shownName; }
     /// How they are written: a file whose name ends with ".csv" is a table, anything else are vCards.

@@ -3,6 +3,7 @@
 #include "cloud/IcloudManager.h"
 #include "foundation/Calendar.h"
 #include "foundation/Localization.h"
+#include "records/dates/MVDate.h"
 #include "records/people/ContactLabels.h"
 #include "records/people/NoteWords.h"
 #include "store/entities/EntityContactGroup.h"
@@ -71,8 +72,8 @@ CNContact ContactExport::made(const EntityContacts &contact) const
         values.jobTitle = localized(category->title());
     if (const OptionalDate birthday = contact.birthday()) {
         const Calendar calendar = Calendar::current();
-        values.birthday =
-            CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
+        const Date day = MVDate::getNearestDay(*birthday);
+        values.birthday = CNBirthday{calendar.year(day), calendar.month(day), calendar.day(day)};
     }
     values.note = notewords::of(contact);
     values.groups = groupsOf(contact);

@@ -107,7 +107,8 @@ QString ContactForm::text(int number) const
     case Company:
         return values.company ? values.company->title() : QString();
     case Birthday:
-        return values.birthday ? DateFormatter::string(*values.birthday, Style::Medium, Style::None)
+        return values.birthday ? DateFormatter::string(MVDate::getNearestDay(*values.birthday), Style::Medium,
+                                                       Style::None)
                                : QString();
     case Projects:
         break;
@@ -243,7 +244,7 @@ void ContactForm::clear(int number)
 
 FormDate ContactForm::date(int) const
 {
-    return {.date = values.birthday};
+    return {.date = values.birthday ? OptionalDate(MVDate::getNearestDay(*values.birthday)) : std::nullopt};
 }
 
 DatePickerState ContactForm::openPicker(int)
@@ -254,7 +255,8 @@ DatePickerState ContactForm::openPicker(int)
     state.showClock = false;
     state.showYears = true;
     state.maxDate = MVDate::getEndOfDay(MVDate::date());
-    state.dateValue = values.birthday.value_or(MVDate::getStartOfDay(MVDate::date()));
+    state.dateValue =
+        values.birthday ? MVDate::getNearestDay(*values.birthday) : MVDate::getStartOfDay(MVDate::date());
     return state;
 }
 
@@ -314,6 +316,21 @@ void ContactForm::resumeRow(int number, const QString &value)
     default:
         return PeopleForm::resumeRow(number, value);
     }
+}
+
+static const QString groupsInDraft = u"ContactGroup"_s;
+
+/// A new contact has the groups that it was made in; those of a stored one are not edited here.
+void ContactForm::addToDraft(RecordDraft &draft) const
+{
+    if (!row && !values.contactGroup.empty())
+        draft.values.insert(groupsInDraft, urisOf(values.contactGroup));
+}
+
+void ContactForm::takeFromDraft(const RecordDraft &draft)
+{
+    if (!row && draft.values.contains(groupsInDraft))
+        values.contactGroup = recordsOf<EntityContactGroup>(draft.values.value(groupsInDraft));
 }
 
 // The record

@@ -40,6 +40,8 @@ public:
     ObjectPtr record() const override { return row; }
     QString kept(int number) const override;
     void resumeRow(int number, const QString &value) override;
+    void addToDraft(RecordDraft &draft) const override;
+    void takeFromDraft(const RecordDraft &draft) override;
 
 protected:
     std::unique_ptr<PeopleForm> fresh() const override { return std::make_unique<ContactForm>(row); }

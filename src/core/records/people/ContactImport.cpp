@@ -105,14 +105,23 @@ QSet<RowId> ContactImport::contactsWithNameOnly()
 {
     const QSet<QString> described = ownersOfDetails("contact");
     QSet<RowId> rows;
-    mainContext().visit(EntityContacts::fetchRequest(),
-                        {"id", "birthday", "photoName", "company", "contactCategory"},
-                        [&](const RowReader &row) {
-                            const bool hasMore = !row.isNull(1) || !row.text(2).isEmpty() || !row.isNull(3) ||
-                                                 !row.isNull(4) || described.contains(row.text(0));
-                            if (!hasMore)
-                                rows.insert(row.rowId());
-                        });
+    QHash<QString, int> namesakes;
+    QHash<RowId, QString> names;
+    mainContext().visit(
+        EntityContacts::fetchRequest(),
+        {"id", "birthday", "photoName", "company", "contactCategory", "firstName", "lastName"},
+        [&](const RowReader &row) {
+            const QString name = fullNameWith(row.text(5), row.text(6));
+            ++namesakes[name];
+            const bool hasMore = !row.isNull(1) || !row.text(2).isEmpty() || !row.isNull(3) ||
+                                 !row.isNull(4) || described.contains(row.text(0));
+            if (!hasMore)
+                names.insert(row.rowId(), name);
+        });
+    for (auto bare = names.constBegin(); bare != names.constEnd(); ++bare) {
+        if (namesakes.value(*bare) == 1)
+            rows.insert(bare.key());
+    }
     return rows;
 }
 

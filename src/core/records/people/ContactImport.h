@@ -34,7 +34,8 @@ public:
     void refuse(const QString &sentence) { account.refused.append(sentence); }
 
     /// The contacts that have no more than their name, groups, projects and notes: a task, a project or a
-    /// note brought them along.
+    /// note brought them along. One of whose name there are several is not among them, for a card could be
+    /// that of another one.
     static QSet<RowId> contactsWithNameOnly();
     /// The titles of the companies that have no more than their title: people brought them along.
     static QSet<QString> companiesWithTitleOnly();

@@ -9,6 +9,7 @@
 #include <QIODevice>
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 
 using namespace Qt::Literals::StringLiterals;
@@ -74,6 +75,39 @@ void ImportableContacts::clear()
     sentences.clear();
     rows.setMarked({});
     showRows();
+}
+
+std::vector<ImportableContacts::Mark> ImportableContacts::marksOfAll() const
+{
+    std::map<std::pair<QString, QString>, int> met;
+    std::vector<Mark> all;
+    for (std::size_t place = 0; place < entries.size(); ++place) {
+        const QString &origin = origins[candidates[place].origin].name();
+        const QString &title = entries[place].title;
+        all.emplace_back(origin, title, met[{origin, title}]++);
+    }
+    return all;
+}
+
+ImportableContacts::Marks ImportableContacts::marks() const
+{
+    const std::vector<Mark> all = marksOfAll();
+    Marks marked;
+    for (const MarkedRows::Key key : rows.marked())
+        marked.insert(all[static_cast<std::size_t>(key - 1)]);
+    return marked;
+}
+
+void ImportableContacts::mark(const Marks &wanted)
+{
+    const std::vector<Mark> all = marksOfAll();
+    std::set<MarkedRows::Key> keys = rows.marked();
+    for (std::size_t place = 0; place < all.size(); ++place) {
+        const MarkedRows::Key key = entries[place].key;
+        if (wanted.contains(all[place]) && !known.contains(key))
+            keys.insert(key);
+    }
+    rows.setMarked(std::move(keys));
 }
 
 void ImportableContacts::showRows()

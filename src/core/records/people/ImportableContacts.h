@@ -11,6 +11,8 @@
 #include <QStringList>
 
 #include <deque>
+#include <set>
+#include <tuple>
 #include <vector>
 
 /// The contacts of files and address books, of which the user marks those that are to be imported. Their
@@ -37,6 +39,13 @@ public:
     /// the store are marked, and stay so.
     MarkedRows &list() { return rows; }
     const MarkedRows &list() const { return rows; }
+    /// A card by its origin, its title, and how many of that title come before it there, by which it is found
+    /// again when the origins are read another time.
+    using Mark = std::tuple<QString, QString, int>;
+    using Marks = std::set<Mark>;
+    Marks marks() const;
+    /// Marks these as well, where they are there.
+    void mark(const Marks &wanted);
     /// What could not be read, a sentence each.
     const QStringList &problems() const { return sentences; }
 
@@ -54,6 +63,7 @@ private:
     bool openNext();
     void take(const ContactReader::Entry &card);
     void showRows();
+    std::vector<Mark> marksOfAll() const;
     void importFrom(std::size_t origin, ContactImport &import, SearchIndex::Ahead &index,
                     const StepBlock &step);
 

@@ -1,5 +1,6 @@
 #include "records/people/ItemListEmailPhoneUrl.h"
 
+#include "records/MailDraft.h"
 #include "records/people/FreeType.h"
 
 #include <QRegularExpression>
@@ -7,20 +8,50 @@
 
 namespace {
 
-/// The decimal digits of a text, of any script, as those that a telephone knows, with the sign of an
-/// international number before them.
+/// A text with the digits of any script, wide signs and wide brackets as those of ASCII.
+QString withPlainDigits(const QString &text)
+{
+    QString plain;
+    for (const char32_t character : text.toStdU32String()) {
+        constexpr char32_t firstWide = U'\uFF01';
+        constexpr char32_t lastWide = U'\uFF5E';
+        if (QChar::category(character) == QChar::Number_DecimalDigit)
+            plain += QChar(u'0' + QChar::digitValue(character));
+        else if (character >= firstWide && character <= lastWide)
+            plain += QChar(static_cast<char16_t>(character - firstWide + u'!'));
+        else
+            plain += QString::fromUcs4(&character, 1);
+    }
+    return plain;
+}
+
+/// The first number of a text as a telephone knows it (RFC 3966): digits, with the sign of an international
+/// number before them and the extension behind them. The zero of "+49 (0) 30" is dialled at home only, but
+/// that of Italy always.
 QString dialled(const QString &text)
 {
+    static const QRegularExpression extension(
+        QStringLiteral(
+            R"((?<![a-z])(?:ext(?:ension|n)?|x|durchwahl|dw|app(?:arat)?|poste|interno|int)(?![a-z]))"
+            R"([\s.:=-]*(\d+))"),
+        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression homeZero(
+        QStringLiteral(R"(^([^\d+]*(?:\+|00)\s*(?!39\D)\d{1,3}[^\d+(]*)\(\s*0\s*\))"));
+    // Pauses, or a further number.
+    static const QRegularExpression end(QStringLiteral(R"(\d[^\d,;]*([,;]))"));
+    QString number = withPlainDigits(text);
+    const QRegularExpressionMatch further = extension.match(number);
+    if (further.hasMatch())
+        number.truncate(further.capturedStart());
+    if (const QRegularExpressionMatch stop = end.match(number); stop.hasMatch())
+        number.truncate(stop.capturedStart(1));
+    number.replace(homeZero, QStringLiteral("\\1"));
     QString digits;
-    for (const char32_t character : text.toStdU32String()) {
-        constexpr char32_t wideSign = U'\uFF0B';
-        const bool isSign = character == U'+' || character == wideSign;
-        if (QChar::category(character) == QChar::Number_DecimalDigit)
-            digits += QChar(u'0' + QChar::digitValue(character));
-        else if (isSign && digits.isEmpty())
-            digits = u'+';
+    for (const QChar character : std::as_const(number)) {
+        if (character.isDigit() || (character == u'+' && digits.isEmpty()))
+            digits += character;
     }
-    return digits;
+    return further.hasMatch() ? digits + QStringLiteral(";ext=") + further.captured(1) : digits;
 }
 
 /// "https:" where nothing else is said. A colon alone says nothing: it may stand before a port.
@@ -106,7 +137,7 @@ void ItemListEmailPhoneUrl::setPhoneNumber(const QString &number)
 void ItemListEmailPhoneUrl::setEmailString(const QString &email)
 {
     shownText = email;
-    linkTarget = email.isEmpty() ? QString() : QStringLiteral("mailto:") + email;
+    linkTarget = email.isEmpty() ? QString() : QStringLiteral("mailto:") + MailDraft::encodedAddress(email);
 }
 
 void ItemListEmailPhoneUrl::setURLString(const QString &url)

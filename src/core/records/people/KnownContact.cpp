@@ -1,6 +1,7 @@
 #include "records/people/KnownContact.h"
 
 #include "foundation/Calendar.h"
+#include "records/dates/MVDate.h"
 #include "records/people/ContactTable.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
@@ -70,8 +71,8 @@ KnownContact storedIn(const EntityContacts &contact)
     KnownContact known;
     if (const OptionalDate birthday = contact.birthday()) {
         const Calendar calendar = Calendar::current();
-        known.birthday =
-            CNBirthday{calendar.year(*birthday), calendar.month(*birthday), calendar.day(*birthday)};
+        const Date day = MVDate::getNearestDay(*birthday);
+        known.birthday = CNBirthday{calendar.year(day), calendar.month(day), calendar.day(day)};
     }
     known.company = contact.company() ? contact.company()->title() : QString();
     known.hasPicture = !contact.photoName().isEmpty();

@@ -52,14 +52,19 @@ QString askedInWords(OptionalDate asked)
     return asked ? localized(u"asked %1"_s).arg(dayInWords(*asked)) : localized(u"not asked yet"_s);
 }
 
+/// What somebody has and is not done yet, without the calendars that are not shown.
+Predicate openTasksOfPeople()
+{
+    return Predicate::format("delegateToUser != nil and status <> %d", TaskStatus::Done) &&
+           tasklists::visibleTasks();
+}
+
 } // namespace
 
 std::vector<RowId> WaitingFor::rows()
 {
     std::vector<Waiting> found;
-    const FetchRequest request = EntityTask::fetchRequest().where(
-        Predicate::format("delegateToUser != nil and status <> %d", TaskStatus::Done) &&
-        tasklists::visibleTasks());
+    const FetchRequest request = EntityTask::fetchRequest().where(openTasksOfPeople());
     mainContext().visit(request, {"delegatedSince", "creationDate"}, [&](const RowReader &row) {
         const OptionalDate since = row.date(0);
         found.push_back({row.rowId(), since ? since : row.date(1)});
@@ -75,8 +80,10 @@ std::vector<RowId> WaitingFor::rows()
 
 std::vector<TaskPtr> WaitingFor::tasksOf(const EntityContacts &contact)
 {
-    std::vector<TaskPtr> tasks = contact.task();
-    std::erase_if(tasks, [](const TaskPtr &task) { return task->status() == TaskStatus::Done; });
+    const ObjectPtr delegate = std::const_pointer_cast<ManagedObject>(contact.shared_from_this());
+    const auto found = mainContext().fetch<EntityTask>(EntityTask::fetchRequest().where(
+        openTasksOfPeople() && Predicate::format("delegateToUser = %@", delegate)));
+    std::vector<TaskPtr> tasks(found.begin(), found.end());
     std::ranges::stable_sort(tasks, [](const TaskPtr &one, const TaskPtr &other) {
         return waitsLonger(since(*one), since(*other));
     });

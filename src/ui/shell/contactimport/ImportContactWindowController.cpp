@@ -217,6 +217,8 @@ void ImportContactWindowController::takeContainers(const CNContactStore::Contain
     for (int place = 0; place < added; ++place)
         popUpSources->insertItem(place, all[static_cast<std::size_t>(place)].title);
     sources.insert(sources.begin(), all.begin(), all.end());
+    if (shownSource >= 0)
+        shownSource += added;
     if (added > 0 && !hadSources)
         showSource(0);
     else
@@ -239,8 +241,9 @@ void ImportContactWindowController::chooseFiles()
     auto *dialog = new QFileDialog(this, localized(u"Open Contact Files"_s));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setNameFilters({localized(u"vCards and tables"_s) + u" (*.vcf *.VCF *.vcard *.csv *.CSV)"_s,
-                            localized(u"All files"_s) + u" (*)"_s});
+    dialog->setNameFilters(
+        {localized(u"vCards and tables"_s) + u" ("_s + ContactCards::patternsOfFiles() + u" *.csv *.CSV)"_s,
+         localized(u"All files"_s) + u" (*)"_s});
     connect(dialog, &QFileDialog::filesSelected, this, &ImportContactWindowController::addFiles);
     dialog->open();
 }
@@ -250,6 +253,9 @@ void ImportContactWindowController::showSource(int number)
     if (isSaving)
         return;
     popUpSources->setCurrentIndex(number);
+    if (shownSource >= 0)
+        keepMarks(sources.at(static_cast<std::size_t>(shownSource)));
+    shownSource = number;
     const Source &source = sources.at(static_cast<std::size_t>(number));
     failures.clear();
     contacts.clear();
@@ -273,6 +279,17 @@ void ImportContactWindowController::showSource(int number)
     startReading();
 }
 
+/// What was marked but has not been read again stays marked.
+void ImportContactWindowController::keepMarks(Source &source)
+{
+    ImportableContacts::Marks marks = contacts.marks();
+    if (source.marks)
+        marks.insert(source.marks->begin(), source.marks->end());
+    // What is not read yet can have no marks of the user.
+    if (!contacts.isReading() || source.marks)
+        source.marks = std::move(marks);
+}
+
 void ImportContactWindowController::startReading()
 {
     if (contacts.isReading())
@@ -293,9 +310,13 @@ void ImportContactWindowController::readOn()
 /// Who opens a file wants what is in it; of address books the user picks some.
 void ImportContactWindowController::getAllData()
 {
-    const int number = popUpSources->currentIndex();
-    if (number >= 0 && !sources[static_cast<std::size_t>(number)].files.isEmpty())
+    Source &source = sources[static_cast<std::size_t>(shownSource)];
+    if (source.marks)
+        contacts.mark(*source.marks);
+    else if (!source.files.isEmpty())
         contacts.list().markShown(true);
+    if (waiting == 0)
+        source.marks.reset();
     showContent();
     if (waiting == 0)
         Accessibility::announce(view->list(), labelState->text());
@@ -414,9 +435,10 @@ QStringList ImportContactWindowController::filesIn(const QMimeData &data)
 {
     QStringList paths;
     for (const QUrl &url : data.urls()) {
-        const QString suffix = QFileInfo(url.toLocalFile()).suffix().toLower();
-        if (url.isLocalFile() && (suffix == u"vcf" || suffix == u"vcard" || suffix == u"csv"))
-            paths.append(url.toLocalFile());
+        const QString path = url.toLocalFile();
+        const bool isTable = path.endsWith(u".csv"_s, Qt::CaseInsensitive);
+        if (url.isLocalFile() && (isTable || ContactCards::isFileOfCards(path)))
+            paths.append(path);
     }
     return paths;
 }

@@ -29,6 +29,8 @@ public:
     static QStringList filesIn(const QMimeData &data);
 
     ~ImportContactWindowController() override;
+    /// It writes what was marked, and cannot be closed meanwhile.
+    bool isBusy() const { return isSaving; }
 
 Q_SIGNALS:
     /// The user wants to change what the program may use.
@@ -48,6 +50,8 @@ private:
         QString title;
         std::vector<CNContainer> containers;
         QStringList files;
+        /// What the user had marked when another source was chosen.
+        std::optional<ImportableContacts::Marks> marks = {};
     };
 
     explicit ImportContactWindowController(QWidget *parent);
@@ -63,6 +67,7 @@ private:
     void addFiles(const QStringList &paths);
     void chooseFiles();
     void showSource(int number);
+    void keepMarks(Source &source);
     void startReading();
     void readOn();
     void getAllData();
@@ -77,6 +82,8 @@ private:
     CNContactStore contactStore;
     ImportableContacts contacts;
     std::vector<Source> sources;
+    /// The number of the one that is shown; -1 for none.
+    int shownSource = -1;
     /// Address books that have not answered yet.
     int waiting = 0;
     /// Answers to former questions are of no use.

@@ -77,6 +77,12 @@ static void addSentence(QVBoxLayout &block, const QString &sentence)
     block.addWidget(makeTextLabel(sentence, Theme::FontRole::Body, Theme::secondaryText));
 }
 
+static void addMore(QVBoxLayout &block, std::size_t count)
+{
+    if (count > 0)
+        addSentence(block, localized(u"%1 more"_s).arg(count));
+}
+
 void CallSheetWindow::load()
 {
     // A question may stand over it.
@@ -92,6 +98,7 @@ void CallSheetWindow::load()
     QVBoxLayout *numbers = addBlock(localized(u"Numbers"_s));
     for (const CallSheet::Number &number : sheet.numbers())
         addNumber(*numbers, number);
+    addMore(*numbers, sheet.moreNumbers());
     if (numbers->isEmpty())
         addSentence(*numbers, localized(u"There is no number."_s));
     QVBoxLayout *calls = addBlock(localized(u"To talk about"_s));
@@ -102,6 +109,7 @@ void CallSheetWindow::load()
     QVBoxLayout *notes = addBlock(localized(u"Last notes"_s));
     for (const auto &note : sheet.lastNotes())
         addNote(*notes, *note);
+    addMore(*notes, sheet.moreNotes());
     if (notes->isEmpty())
         addSentence(*notes, localized(u"Nothing was noted yet."_s));
     lines->addStretch(1);
@@ -179,7 +187,7 @@ void CallSheetWindow::tick(const TaskPtr &call)
 void CallSheetWindow::offerNote(const TaskPtr &call)
 {
     auto form = std::make_unique<NoteForm>();
-    form->values.title = call->title();
+    form->values.title = sheet.noteTitle(call);
     form->values.contact = sheet.noteContact(call);
     auto *view = new FormView(*form);
     auto *window =

@@ -44,13 +44,21 @@ void NotesStrip::load()
 {
     const ContactPtr shown = contact();
     notes.clear();
-    if (shown && shown->context() && !shown->isDeleted())
-        notes = CallSheet(shown).lastNotes();
+    std::size_t more = 0;
+    if (shown && shown->context() && !shown->isDeleted()) {
+        const CallSheet sheet(shown);
+        notes = sheet.lastNotes();
+        more = sheet.moreNotes();
+    }
     QStringList links;
     for (const auto &note : notes)
         links << u"<a href=\"%1\" style=\"color:%2\">%3</a>"_s.arg(links.size())
                      .arg(Theme::selectedText.name(), firstPart(note->title()).toHtmlEscaped());
-    label->setText(localized(u"Notes"_s).toHtmlEscaped() + u": "_s + links.join(u", "_s));
+    QString all = links.join(u", "_s);
+    // The titles can hold a "%1" of their own.
+    if (more > 0)
+        all = localized(u"%1 and %2 more"_s).toHtmlEscaped().arg(all, QString::number(more));
+    label->setText(localized(u"Notes"_s).toHtmlEscaped() + u": "_s + all);
     // Before it stands in its pane it would come up as a window.
     setHidden(notes.empty());
 }

@@ -55,6 +55,9 @@ WaitingStrip::WaitingStrip(std::function<ContactPtr()> shownContact, QWidget *pa
             if (changes.concerns(EntityTask::entityName))
                 soon.start(0);
         }));
+    // Other calendars are shown.
+    observations.push_back(NotificationCenter::defaultCenter().addObserver(notifications::iCloudChange,
+                                                                           [this] { soon.start(0); }));
     load();
 }
 

@@ -178,6 +178,33 @@ TEST_F(ImportingContacts, AddsNoneTwiceAndLeavesNothingBehind)
     EXPECT_EQ(count<EntityCompany>(), 1) << "the company of one that is there is not made either";
 }
 
+TEST_F(ImportingContacts, FillsNobodyOfWhomThereIsANamesake)
+{
+    const auto known = [&](const QString &number) {
+        const auto made = context().insert<EntityContacts>();
+        made->setFirstName(u"Ann"_qs);
+        made->setLastName(u"Lee"_qs);
+        if (!number.isEmpty()) {
+            const auto phone = context().insert<EntityPhone>();
+            phone->setNumber(number);
+            phone->setContact(made);
+        }
+        EXPECT_FALSE(DBWorker::saveContext());
+        return made;
+    };
+    known(u"1"_qs);
+    const ContactPtr bare = known({});
+    const auto list = listOf(card("N:Lee;Ann;;;\r\nTEL:1\r\nEMAIL:a@b.org"));
+    EXPECT_EQ(shown(list->list()), u"A =Ann Lee"_qs) << "whose card it is nobody can know";
+    ContactImport import(png);
+    CNContact card;
+    card.givenName = u"Ann"_qs;
+    card.familyName = u"Lee"_qs;
+    card.phoneNumbers = {{CNLabel::home, u"1"_qs}};
+    EXPECT_FALSE(import.importContactToDataBase(card));
+    EXPECT_TRUE(bare->phone().empty());
+}
+
 TEST_F(ImportingContacts, TellsOfASecondCardOfOneNameThatSaysMore)
 {
     const QByteArray ann = card("N:Lee;Ann;;;\r\nTEL:1\r\nEMAIL:a@b.org\r\nNOTE:Sings");

@@ -33,7 +33,16 @@ TEST_F(FormRows, LinkPhonesByTheirDigits)
 {
     EXPECT_EQ(phoneLink(u"+1 (312) 555-1212"_qs), u"tel:+13125551212"_qs);
     EXPECT_EQ(phoneLink(u"（＋49） 30/12+3"_qs), u"tel:+4930123"_qs);
-    EXPECT_EQ(phoneLink(u"٠١٢ ext ９"_qs), u"tel:0129"_qs);
+    EXPECT_EQ(phoneLink(u"٠١٢ ext ９"_qs), u"tel:012;ext=9"_qs);
+    EXPECT_EQ(phoneLink(u"+1-555-555 ext. 5555"_qs), u"tel:+1555555;ext=5555"_qs);
+    EXPECT_EQ(phoneLink(u"555x12"_qs), u"tel:555;ext=12"_qs);
+    EXPECT_EQ(phoneLink(u"030 12 Durchwahl: 7 or 8"_qs), u"tel:03012;ext=7"_qs);
+    EXPECT_EQ(phoneLink(u"Max 555 12"_qs), u"tel:55512"_qs) << "no x of a number";
+    EXPECT_EQ(phoneLink(u"555 12,,34"_qs), u"tel:55512"_qs) << "pauses are no part of a number";
+    EXPECT_EQ(phoneLink(u"+49 (0) 30 1"_qs), u"tel:+49301"_qs);
+    EXPECT_EQ(phoneLink(u"（０049） (0)30 1"_qs), u"tel:0049301"_qs);
+    EXPECT_EQ(phoneLink(u"+39 (0)6 1"_qs), u"tel:+39061"_qs) << "in Italy the zero is dialled from abroad";
+    EXPECT_EQ(phoneLink(u"(0) 30 1"_qs), u"tel:0301"_qs);
     EXPECT_EQ(phoneLink(u"ask Ann"_qs), u"tel:"_qs);
     EXPECT_EQ(phoneLink(QString()), QString());
 }
@@ -43,6 +52,8 @@ TEST_F(FormRows, LinkMailAndWebAddresses)
     Row mail;
     mail.setEmailString(u"ann@example.org"_qs);
     EXPECT_EQ(mail.link(), u"mailto:ann@example.org"_qs);
+    mail.setEmailString(u"a@b.org?bcc=x@y.org&body=hi"_qs);
+    EXPECT_EQ(mail.link(), u"mailto:a@b.org%3Fbcc%3Dx@y.org%26body%3Dhi"_qs) << "no second recipient";
     mail.setEmailString(QString());
     EXPECT_EQ(mail.link() + mail.text(), QString());
 

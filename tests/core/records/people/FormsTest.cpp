@@ -1,7 +1,11 @@
 #include "CoreTest.h"
 
+#include "foundation/Region.h"
+#include "records/people/Birthdays.h"
 #include "records/people/CompanyForm.h"
+#include "records/people/ContactExport.h"
 #include "records/people/ContactForm.h"
+#include "records/people/KnownContact.h"
 #include "records/people/NoteForm.h"
 #include "store/state/NotificationNames.h"
 #include "support/FullDisk.h"
@@ -53,6 +57,29 @@ TEST_F(Forms, StopAtAMissingNameWithoutAWord)
     EXPECT_EQ(NoteForm().clickButtonSave(), MissingField::Title);
     EXPECT_FALSE(context().hasChanges());
     EXPECT_EQ(newContacts.count + newCompanies.count + newNotes.count, 0);
+}
+
+TEST_F(Forms, KeepTheDayOfABirthdayInOtherTimeZones)
+{
+    const auto ann = context().insert<EntityContacts>();
+    ann->setFirstName(u"Ann"_qs);
+    Region::setZone("Europe/Berlin");
+    ann->setBirthday(localDate(1990, 2, 3));
+    EXPECT_FALSE(DBWorker::saveContext());
+    for (const char *zone : {"America/Los_Angeles", "Europe/Berlin", "Asia/Tokyo"}) {
+        Region::setZone(zone);
+        ContactForm form(ann);
+        EXPECT_EQ(form.text(ContactForm::Row::Birthday), u"Feb 3, 1990"_qs) << zone;
+        EXPECT_EQ(form.date(ContactForm::Row::Birthday).date, localDate(1990, 2, 3)) << zone;
+        EXPECT_EQ(form.openPicker(ContactForm::Row::Birthday).dateValue, localDate(1990, 2, 3)) << zone;
+        EXPECT_EQ(ContactExport().contactOf(*ann).birthday, (CNBirthday{1990, 2, 3})) << zone;
+        EXPECT_EQ(knowncontacts::ofContacts({ann->rowId()}).front()->birthday, (CNBirthday{1990, 2, 3}))
+            << zone;
+        const auto told = Birthdays::between(localDate(2026, 2, 3), localDate(2026, 2, 3));
+        EXPECT_EQ(told.size(), 1u) << zone;
+    }
+    Region::setZone("Europe/Berlin");
+    EXPECT_EQ(ann->birthday(), localDate(1990, 2, 3)) << "what is stored stays";
 }
 
 TEST_F(Forms, StoreAContactWithWhatWasTyped)

@@ -275,6 +275,23 @@ TEST_F(PeopleForms, AreKeptWholeInADraft)
     EXPECT_EQ(shown(other, Row::Phones), QStringList{u" (home)"_qs});
 }
 
+TEST_F(PeopleForms, KeepTheGroupOfANewContactInItsDraft)
+{
+    const auto group = context().insert<EntityContactGroup>();
+    group->setTitle(u"Rowers"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    ContactForm typed;
+    typed.values.contactGroup = {group};
+    EXPECT_TRUE(typed.encodedDraft().isEmpty()) << "nothing was typed yet";
+    typed.setText(ContactForm::FirstName, u"Ann"_qs);
+    const auto draft = RecordDraft::decoded(typed.encodedDraft());
+    ASSERT_TRUE(draft);
+    ContactForm resumed;
+    resumed.resume(*draft);
+    EXPECT_EQ(resumed.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(group->contacts(), std::vector<ContactPtr>({resumed.contact()}));
+}
+
 TEST_F(PeopleForms, ResumeADraftWithWhatCameMeanwhile)
 {
     const auto boat = context().insert<EntityProject>();
