@@ -103,6 +103,7 @@ void ReplicaExchange::startRound()
         round->waiting.insert(file.dot);
     if (!arrived)
         round->arrivalPath = arrivalPath;
+    round->unread = unread;
     round->sealing = sealing;
     round->verified = verified;
     round->refused = refused;
@@ -122,6 +123,7 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     isRunning = false;
     folderProblem = round.folderProblem;
     problems = std::move(round.problems);
+    unread = std::move(round.unread);
     for (const qint64 number : round.written) {
         if (const auto error = replica.markSent(number))
             Log::line(error->message);

@@ -32,9 +32,9 @@ struct Health
 
 /// Keeps a replica and the folder of the devices in step: what is saved here goes there soon, and what comes
 /// there is taken in. Files are read and written off the main thread; a file that cannot be read is tried
-/// again at each look, since it may not have come whole yet. In a sealed folder it writes and takes in sealed
-/// files only, and its own that are open it writes anew; without the key nothing goes out or comes in. Saves
-/// that all devices have, and that a snapshot holds, it removes. Main thread.
+/// again when it changes, since it may not have come whole yet, and now and then. In a sealed folder it
+/// writes and takes in sealed files only, and its own that are open it writes anew; without the key nothing
+/// goes out or comes in. Saves that all devices have, and that a snapshot holds, it removes. Main thread.
 class ReplicaExchange
 {
 public:
@@ -87,6 +87,7 @@ private:
     std::unique_ptr<RepeatingTimer> timer;
     std::deque<ChangeFile> waiting;
     std::vector<Health::Problem> problems;
+    std::map<Dot, UnreadSave> unread;
     std::vector<Health::Problem> ownProblems;
     QString folderProblem;
     std::shared_ptr<const Sealing> sealing;

@@ -87,6 +87,47 @@ TEST_F(ExchangeTest, FilesThatAreBrokenOrOfOthersAreToldOfAndTriedAgain)
     EXPECT_EQ(other.library().ask(QStringLiteral("SELECT COUNT(*) FROM Book")), QStringList(u"1"_qs));
 }
 
+TEST_F(ExchangeTest, WhatCannotBeReadKeepsNothingElseAndIsReadAgainWhenItChanges)
+{
+    const LogCapture log;
+    other.stop();
+    one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
+    ASSERT_TRUE(waitFor([this] { return filesOf(one).size() == 3; }));
+    const auto damage = [](const QByteArray &whole) { return whole.left(whole.size() - 1) + 'x'; };
+    const QString emma = path(one, filesOf(one).at(1));
+    const QString kim = path(one, filesOf(one).at(2));
+    const QByteArray wholeEmma = contents(emma);
+    const QByteArray wholeKim = contents(kim);
+    write(emma, damage(wholeEmma));
+    write(kim, damage(wholeKim));
+    const QDateTime time = QFileInfo(emma).lastModified();
+    // Saves of a device that comes before all others, more than are read at once.
+    const QString large = shared.filePath(u"0000000000000000"_qs);
+    ASSERT_TRUE(QDir().mkpath(large));
+    for (const QString &number : {u"1"_qs, u"2"_qs}) {
+        QFile file(large + u"/changes-000000000"_qs + number);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(9'000'000));
+    }
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 4; }));
+    // As long as a file looks the same, it is not read at each look.
+    write(emma, wholeEmma);
+    {
+        QFile file(emma);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(time, QFileDevice::FileModificationTime));
+    }
+    write(kim, wholeKim);
+    other.look();
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 3; }));
+    EXPECT_FALSE(other.has("Emma"));
+    const FrozenClock later(Clock::now() + Seconds(7200.0));
+    other.look();
+    EXPECT_TRUE(waitFor([this] { return other.has("Emma") && other.has("Kim"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 2; }));
+}
+
 TEST_F(ExchangeTest, FilesThatWentAreWrittenAgain)
 {
     for (const char *title : {"Momo", "Emma", "Ulysses"}) {
