@@ -225,11 +225,14 @@ void ExchangeRound::takeSnapshot()
 {
     if (arrivalPath.isEmpty())
         return;
-    Dots there = waiting;
+    Dots there;
+    // A snapshot may hold what the file does not say.
+    std::ranges::set_difference(waiting, aside, std::inserter(there, there.end()));
     for (const ReplicaFolder::Entry &entry : present) {
         // What is sealed otherwise may stay so for ever, if its device is gone.
-        if (!unopened.contains({entry.device, entry.number}))
-            there.insert({entry.device, entry.number});
+        const Dot dot{entry.device, entry.number};
+        if (!unopened.contains(dot) && !aside.contains(dot))
+            there.insert(dot);
     }
     std::vector<SnapshotHead> heads;
     for (const Found &one : snapshots)

@@ -54,6 +54,8 @@ struct ExchangeRound
     SnapshotTerms terms = {};
     /// What waits to be taken in already.
     Dots waiting = {};
+    /// Of that, what never can be.
+    Dots aside = {};
     /// What could not be read before. It is read again when its file changes, and now and then.
     std::map<Dot, UnreadSave> unread = {};
     bool listsOwn = false;

@@ -120,7 +120,10 @@ public:
     /// Takes in what can be taken in by now: saves come in the order of their device, and after all that
     /// their device knew of. The others stay in the list; those that are known already leave it. \param
     /// mostChanges about so many at once
+    /// One that cannot be taken in, whatever happens, is set aside until the next start; what comes after it
+    /// waits. An error is one that may pass, and nothing was taken in then.
     Result<StoreChanges> takeIn(std::deque<ChangeFile> &waiting, int mostChanges);
+    bool isSetAside(const ChangeFile &file) const { return asideSaves.contains(file.dot); }
     /// Whether it can be taken in now, or is known already.
     bool isNext(const ChangeFile &file) const { return isKnown(file) || isReady(file); }
     bool isOfNewerVersion(const ChangeFile &file) const { return file.schema > model.version(); }
@@ -176,6 +179,13 @@ public:
 
 private:
     bool isReady(const ChangeFile &file) const;
+    /// One transaction, and the saves that were meant to come in with it.
+    struct Attempt
+    {
+        Result<StoreChanges> changes;
+        Dots saves;
+    };
+    Attempt tryToTakeIn(std::deque<ChangeFile> &waiting, int mostChanges);
     bool isKnown(const ChangeFile &file) const { return known.of(file.dot.device) >= file.dot.number; }
     Replica(ManagedObjectContext &replicated, QString deviceName);
     OptionalError load(const QByteArray &machine);
@@ -218,6 +228,8 @@ private:
     /// Whether the context captures the open transaction, or its beginning.
     bool usesCaptured = false;
     bool isTakingIn = false;
+    /// Saves of others that cannot be taken in.
+    Dots asideSaves;
     TableColumns columns;
     std::set<RowKey> unsettled;
     std::optional<QSet<QString>> seenItems;

@@ -99,8 +99,11 @@ void ReplicaExchange::startRound()
     round->listsOwn = !hasCheckedOwnFiles;
     if (hasCheckedOwnFiles)
         round->outgoing = replica.outgoing(mostBytesToSend);
-    for (const ChangeFile &file : waiting)
+    for (const ChangeFile &file : waiting) {
         round->waiting.insert(file.dot);
+        if (replica.isSetAside(file))
+            round->aside.insert(file.dot);
+    }
     if (!arrived)
         round->arrivalPath = arrivalPath;
     round->unread = unread;
@@ -338,6 +341,9 @@ Health ReplicaExchange::health() const
         if (replica.isOfNewerVersion(file)) {
             health.problems.push_back({folder.pathOf(file.dot),
                                        QStringLiteral("It was written by a newer version of the program")});
+            --health.waiting;
+        } else if (replica.isSetAside(file)) {
+            health.problems.push_back({folder.pathOf(file.dot), QStringLiteral("It is damaged")});
             --health.waiting;
         }
     }

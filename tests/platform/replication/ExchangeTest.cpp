@@ -128,6 +128,49 @@ TEST_F(ExchangeTest, WhatCannotBeReadKeepsNothingElseAndIsReadAgainWhenItChanges
     EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 2; }));
 }
 
+TEST_F(ExchangeTest, ASaveThatCannotBeTakenInStopsItsOwnDeviceOnly)
+{
+    const LogCapture log;
+    other.stop();
+    one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
+    ASSERT_TRUE(waitFor([this] { return filesOf(one).size() == 3; }));
+    const QString emma = path(one, filesOf(one).at(1));
+    one.stop();
+    // Its digest is right, but not what it says.
+    auto file = replication::ChangeFile::fromBytes(contents(emma));
+    ASSERT_TRUE(file);
+    file->changeset = "no changes";
+    write(emma, file->toBytes());
+    // Those of another device that has not heard of that one, and of which the store refuses one.
+    const QTemporaryDir elsewhere;
+    Device third(elsewhere.path(), "third");
+    third.save({u"First"_qs, u"Twice"_qs, u"Twice"_qs, u"Last"_qs});
+    const QString folder = QString::fromUtf8(third.id());
+    ASSERT_TRUE(waitFor(
+        [&] { return QDir(elsewhere.filePath(folder)).entryList({u"changes-??????????"_qs}).size() == 4; }));
+    third.stop();
+    ASSERT_TRUE(QDir().rename(elsewhere.filePath(folder), shared.filePath(folder)));
+    other.library().open();
+    other.library().elsewhere("CREATE UNIQUE INDEX oneOfEach ON Book (title)");
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo") && other.has("First") && other.has("Twice"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 2; }));
+    QStringList bad;
+    for (const auto &problem : other.exchange().health().problems)
+        bad.append(QFileInfo(problem.path).fileName());
+    bad.sort();
+    EXPECT_EQ(bad, QStringList({u"changes-0000000002"_qs, u"changes-0000000003"_qs}));
+    EXPECT_EQ(other.exchange().health().folderProblem, QString());
+    EXPECT_EQ(other.exchange().health().waiting, 2) << "What follows them";
+    EXPECT_FALSE(other.has("Kim") || other.has("Last"));
+    // A snapshot that holds what the damaged file does not say takes its place.
+    ASSERT_TRUE(QDir().rename(shared.filePath(folder), elsewhere.filePath(folder)));
+    one.terms.mostFiles = 3;
+    one.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Emma") && other.has("Kim"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 1; }));
+}
+
 TEST_F(ExchangeTest, FilesThatWentAreWrittenAgain)
 {
     for (const char *title : {"Momo", "Emma", "Ulysses"}) {
