@@ -190,6 +190,7 @@ private:
     Replica(ManagedObjectContext &replicated, QString deviceName);
     OptionalError load(const QByteArray &machine);
     OptionalError startAs(const QByteArray &machine);
+    OptionalError writeStart(const QByteArray &machine);
     OptionalError addPresentRows(const Stamp &stamp);
     bool hasManyRows() const;
     OptionalError standFirstSaveInSnapshot();
@@ -245,6 +246,17 @@ private:
     std::optional<QStringList> held;
     /// What the last save that told of it said.
     std::optional<QStringList> toldOf;
+
+    /// What belongs to one device number; it comes back if another one could not be written.
+    struct Identity
+    {
+        Dot own;
+        qint64 clock;
+        VersionVector known;
+        qint64 removedAt;
+        qint64 clearedUpTo;
+        std::optional<QStringList> toldOf;
+    };
 
     /// What the open transaction will have brought when it ends.
     struct Pending

@@ -171,9 +171,11 @@ void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
     for (const ChangeFile &file : round.files)
         last = std::max(last, file.seen.of(replica.device()));
     if (last > replica.number()) {
+        // After a failure the next look that comes by itself tries again.
         if (const auto error = replica.becomeAnother())
             Log::line(error->message);
-        wantsAnother = true;
+        else
+            wantsAnother = true;
         return;
     }
     hasCheckedOwnFiles = true;
