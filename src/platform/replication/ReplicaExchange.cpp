@@ -130,6 +130,7 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     for (const qint64 number : round.written) {
         if (const auto error = replica.markSent(number))
             Log::line(error->message);
+        ownFiles.push_back(number);
     }
     const bool hasExchanged = folderProblem.isEmpty() && round.sealed.canExchange();
     sealed = std::move(round.sealed);
@@ -144,6 +145,8 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     fitFiles = std::move(round.fitFiles);
     if (round.listsOwn && hasExchanged)
         checkOwnFiles(round);
+    else if (hasExchanged)
+        lookForLostFiles(round);
     for (ChangeFile &file : round.files)
         waiting.push_back(std::move(file));
     if (round.arrived) {
@@ -179,6 +182,7 @@ void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
         return;
     }
     hasCheckedOwnFiles = true;
+    ownFiles = numbers;
     ownProblems.clear();
     for (qint64 number = replica.number(); number > replica.cleared(); --number) {
         if (std::ranges::binary_search(numbers, number) && !std::ranges::binary_search(round.unfit, number))
@@ -190,6 +194,20 @@ void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
         if (const auto error = replica.markUnsent(number))
             Log::line(error->message);
     }
+}
+
+/// What was there at the look before, or was written since, is to be there still. Otherwise the folder is
+/// not the one that it was, such as that below a file system which came or went: a look at all own files
+/// follows.
+void ReplicaExchange::lookForLostFiles(const ExchangeRound &round)
+{
+    std::ranges::sort(ownFiles);
+    const auto firstKept = std::ranges::upper_bound(ownFiles, replica.cleared());
+    if (!std::includes(round.ownNumbers.begin(), round.ownNumbers.end(), firstKept, ownFiles.end())) {
+        hasCheckedOwnFiles = false;
+        wantsAnother = true;
+    }
+    ownFiles = round.ownNumbers;
 }
 
 /// The store forgets saves before their files go, which the next round sees to.
@@ -310,6 +328,7 @@ void ReplicaExchange::sendNow()
         if (writeSave(folder, status, {replica.device(), one.number}, one.bytes) ||
             replica.markSent(one.number))
             return;
+        ownFiles.push_back(one.number);
     }
 }
 

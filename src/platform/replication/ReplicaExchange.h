@@ -72,6 +72,7 @@ private:
     void noteLost(const std::vector<qint64> &unfit, qint64 upTo);
     void takeInSome();
     void checkOwnFiles(const ExchangeRound &round);
+    void lookForLostFiles(const ExchangeRound &round);
     void tidy(const ExchangeRound &round);
     void follow(const QStringList &folders);
     void tell() const;
@@ -94,6 +95,8 @@ private:
     SealingStatus sealed;
     /// The key under which the own files were found, or are being written; empty for open files.
     QByteArray ownKeyMark;
+    /// The numbers of the own saves that are in the folder, as far as is known.
+    std::vector<qint64> ownFiles;
     SnapshotTerms terms;
     /// An unpacked snapshot that waits to be taken in, and where it does.
     std::optional<SnapshotHead> arrived;

@@ -190,6 +190,33 @@ TEST_F(ExchangeTest, FilesThatWentAreWrittenAgain)
     EXPECT_TRUE(waitFor([this] { return other.has("Ulysses") && other.has("Emma"); }));
 }
 
+TEST_F(ExchangeTest, FilesThatGoWhileItRunsAreWrittenAgain)
+{
+    other.stop();
+    one.save({u"Momo"_qs, u"Emma"_qs});
+    const auto areAllThere = [this](int count) {
+        return filesOf(one).size() == count && one.exchange().health().unsent == 0;
+    };
+    ASSERT_TRUE(waitFor([&] { return areAllThere(2); }));
+    // The folder goes, as with the file system that it lies on, and comes back.
+    const QString folder = shared.filePath(QString::fromUtf8(one.id()));
+    const QTemporaryDir elsewhere;
+    ASSERT_TRUE(QDir().rename(folder, elsewhere.filePath(u"former"_qs)));
+    one.save({u"Kim"_qs});
+    ASSERT_TRUE(waitFor([&] { return areAllThere(3); })) << "All that is missing, not only what is new";
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    ASSERT_TRUE(QDir().rename(elsewhere.filePath(u"former"_qs), folder));
+    one.look();
+    EXPECT_TRUE(waitFor([&] { return areAllThere(3); }));
+    // A single one, of many.
+    ASSERT_TRUE(QFile::remove(path(one, filesOf(one).at(1))));
+    one.look();
+    EXPECT_TRUE(waitFor([&] { return areAllThere(3); }));
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo") && other.has("Emma") && other.has("Kim"); }));
+    EXPECT_TRUE(waitFor([this] { return one.exchange().isAtRest(); })) << "It does not look for ever";
+}
+
 TEST_F(ExchangeTest, AFullDiskLosesNothing)
 {
     const LogCapture log;
