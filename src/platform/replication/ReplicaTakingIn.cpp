@@ -143,7 +143,7 @@ Replica::Attempt Replica::tryToTakeIn(std::deque<ChangeFile> &waiting, int mostC
                     if (onlooker)
                         onlooker->comes(arrivalOf(*file, *deltas));
                     for (const RowDelta &delta : *deltas) {
-                        if (!merge.merge(delta, true))
+                        if (!merge.merge(delta, file->dot, file->seen))
                             return bookFailure(database);
                     }
                     if (auto error = noteDevice(*file))
