@@ -252,7 +252,7 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
                   [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
                       if (hasForeignWrites())
                           return foreignWritesWait();
-                      SnapshotMerge merge(database, model, nextRow);
+                      SnapshotMerge merge(database, model, nextRow, own.device);
                       auto applied = merge.run();
                       if (!applied)
                           return applied;

@@ -171,6 +171,8 @@ bool RowMerge::isAlive(const RowKey &key)
 
 bool RowMerge::merge(const RowDelta &delta, const Dot &save, const VersionVector &seen)
 {
+    if (!keptDevice.isEmpty() && !isPair(delta.key))
+        noteReplaced(delta);
     const std::vector<QByteArray> winners = ledger.join(delta);
     unsettled.insert(delta.key);
     if (isPair(delta.key))
@@ -424,6 +426,20 @@ bool RowMerge::noteForSubstrings()
 }
 
 // The history of what lost.
+
+/// Before the delta is joined with what is known.
+void RowMerge::noteReplaced(const RowDelta &delta)
+{
+    const RowKey &key = delta.key;
+    for (const auto &[column, cell] : delta.cells) {
+        const Stamp present = ledger.row(key).state.stampOf(column);
+        if (present.device != keptDevice || present >= cell.stamp)
+            continue;
+        const RawValue value = logicalValue(key, column);
+        if (!isSame(value, cell.value))
+            losers.push_back({key, column, value});
+    }
+}
 
 void RowMerge::noteLosers(const RowDelta &delta, const std::vector<QByteArray> &winners, const Dot &save,
                           const VersionVector &seen)

@@ -26,6 +26,9 @@ public:
     /// The same for a delta of one save. A value that came with another one before is a loser, too, if this
     /// save has not seen it.
     bool merge(const RowDelta &delta, const Dot &save, const VersionVector &seen);
+    /// What this device wrote last is a loser, too, when another value takes its place. For a transaction of
+    /// which the history keeps nothing by itself.
+    void keepValuesOf(const DeviceId &device) { keptDevice = device; }
     /// Looks at a row again: whether it is to stand in its table, and what it names.
     void settleLater(const RowKey &key) { unsettled.insert(key); }
     /// Settles everything and writes the books; gives the rows of entities that changed.
@@ -75,6 +78,7 @@ private:
     bool settleReferences(const RowKey &key);
     void settleDependentsLater(const RowKey &key);
     bool noteForSubstrings();
+    void noteReplaced(const RowDelta &delta);
     void noteLosers(const RowDelta &delta, const std::vector<QByteArray> &winners, const Dot &save,
                     const VersionVector &seen);
     bool keepLosers();
@@ -93,6 +97,8 @@ private:
     std::set<RowKey> unsettled;
     std::map<RowKey, bool> inTable;
     std::map<const EntityDescription *, std::vector<Reference>> references;
+    /// Empty for none.
+    DeviceId keptDevice;
     std::vector<Loser> losers;
     /// The values that single saves have brought.
     std::map<std::pair<RowKey, QByteArray>, Brought> brought;

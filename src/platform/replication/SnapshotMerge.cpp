@@ -33,11 +33,13 @@ QByteArray listed(const std::vector<QByteArray> &names)
 } // namespace
 
 SnapshotMerge::SnapshotMerge(sqlite::Database &connection, const ManagedObjectModel &objectModel,
-                             RowNumbering numbering)
+                             RowNumbering numbering, const DeviceId &own)
     : database(connection)
     , model(objectModel)
     , merge(connection, objectModel, std::move(numbering))
-{}
+{
+    merge.keepValuesOf(own);
+}
 
 Result<std::vector<AppliedChange>> SnapshotMerge::run()
 {

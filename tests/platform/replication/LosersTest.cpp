@@ -56,6 +56,7 @@ protected:
         return titles;
     }
 
+    QTemporaryDir folder;
     DeviceOfLibrary one{1};
     DeviceOfLibrary two{2};
     DeviceOfLibrary three{3};
@@ -79,4 +80,31 @@ TEST_F(LosersTest, EachOfABatchHasItsOwnEntryWhateverTheOrder)
         EXPECT_EQ(only(reader)->title(), u"Latest"_qs);
         EXPECT_EQ(formerTitles(reader), QStringList({u"Early"_qs, u"Middle"_qs, u"Momo"_qs}));
     }
+}
+
+TEST_F(LosersTest, WhatADeviceWroteAndLosesToASnapshotIsThere)
+{
+    rename(two, "Sent", 10);
+    rename(two, "Mine", 15);
+    {
+        const FrozenClock clock(at(17));
+        only(two)->setPages(7);
+        two.library().save();
+    }
+    take(one, rename(three, "Of others", 20));
+    rename(one, "Theirs", 30);
+    const FrozenClock clock(at(60));
+    two.adopt(one.snapshot(folder.filePath(u"snapshot"_qs)));
+    EXPECT_EQ(only(two)->title(), u"Theirs"_qs);
+    EXPECT_EQ(only(two)->pages(), 7);
+    const auto saves = two.library()->historyOf(*only(two));
+    ASSERT_FALSE(saves.empty());
+    EXPECT_EQ(saves.front().author, ChangeAuthor::Replication);
+    EXPECT_EQ(formerTitles(two), QStringList({u"Mine"_qs, u"Momo"_qs, u"Sent"_qs}));
+    // What comes and loses is there as well.
+    rename(two, "Left behind", 70);
+    rename(three, "Latest", 90);
+    three.adopt(two.snapshot(folder.filePath(u"second"_qs)));
+    EXPECT_EQ(only(three)->title(), u"Latest"_qs);
+    EXPECT_EQ(formerTitles(three), QStringList({u"Left behind"_qs, u"Momo"_qs, u"Of others"_qs}));
 }
