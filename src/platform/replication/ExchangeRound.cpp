@@ -98,6 +98,7 @@ void ExchangeRound::run()
     takeSnapshot();
     std::ranges::move(sealedfiles::refit(filesBeside, sealed, fitFiles), std::back_inserter(problems));
     if (listsOwn) {
+        folder.removeLeftovers(own, started);
         listOwn();
         return;
     }
@@ -323,6 +324,8 @@ void ExchangeRound::clearAwayRemoved(const DeviceId &removed)
         if (isHeld)
             QFile::remove(one.entry.path);
     }
+    // If it lives after all, it is writing what is newer.
+    folder.removeLeftovers(removed, QDateTime::currentDateTimeUtc().addDays(-1));
     // It stays while something is in it.
     QDir(folder.path()).rmdir(QString::fromUtf8(removed));
 }

@@ -59,6 +59,8 @@ struct ExchangeRound
     /// What could not be read before. It is read again when its file changes, and now and then.
     std::map<Dot, UnreadSave> unread = {};
     bool listsOwn = false;
+    /// What was being written before that was left behind by a kill.
+    QDateTime started = {};
     /// Where an unpacked snapshot goes; empty if one waits there already.
     QString arrivalPath = {};
     std::shared_ptr<const Sealing> sealing = {};

@@ -97,6 +97,7 @@ void ReplicaExchange::startRound()
     round->terms = terms;
     // Before it writes, it must know that nobody else writes under its name.
     round->listsOwn = !hasCheckedOwnFiles;
+    round->started = started;
     if (hasCheckedOwnFiles)
         round->outgoing = replica.outgoing(mostBytesToSend);
     for (const ChangeFile &file : waiting) {

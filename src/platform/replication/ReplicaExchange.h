@@ -98,6 +98,7 @@ private:
     /// The numbers of the own saves that are in the folder, as far as is known.
     std::vector<qint64> ownFiles;
     SnapshotTerms terms;
+    const QDateTime started = QDateTime::currentDateTimeUtc();
     /// An unpacked snapshot that waits to be taken in, and where it does.
     std::optional<SnapshotHead> arrived;
     QString arrivalPath;

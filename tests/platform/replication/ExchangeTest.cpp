@@ -190,6 +190,26 @@ TEST_F(ExchangeTest, FilesThatWentAreWrittenAgain)
     EXPECT_TRUE(waitFor([this] { return other.has("Ulysses") && other.has("Emma"); }));
 }
 
+TEST_F(ExchangeTest, WhatAKillLeftGoesAtTheNextStart)
+{
+    one.save({u"Momo"_qs});
+    other.save({u"Emma"_qs});
+    ASSERT_TRUE(waitFor([this] { return one.has("Emma") && other.has("Momo"); }));
+    const QStringList own = {leaveBehind(path(one, u"changes-0000000002"_qs)),
+                             leaveBehind(path(one, u"snapshot-0000000002"_qs))};
+    const QString foreign = leaveBehind(path(other, u"changes-0000000002"_qs));
+    const QString unknown = path(one, u"changes-0000000001.sync-conflict-20261121-101500-ABCDEFG"_qs);
+    write(unknown, "x");
+    one.stop();
+    one.start();
+    EXPECT_TRUE(waitFor(
+        [&] { return std::ranges::none_of(own, [](const QString &left) { return QFile::exists(left); }); }));
+    EXPECT_TRUE(waitFor([this] { return one.exchange().isAtRest(); }));
+    EXPECT_TRUE(QFile::exists(foreign) && QFile::exists(unknown));
+    EXPECT_EQ(filesOf(one).size(), 2);
+    EXPECT_TRUE(one.exchange().health().problems.empty() && other.exchange().health().problems.empty());
+}
+
 TEST_F(ExchangeTest, FilesThatGoWhileItRunsAreWrittenAgain)
 {
     other.stop();
