@@ -1,5 +1,7 @@
 #include "replication/ExchangeRound.h"
 
+#include "foundation/Clock.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -13,6 +15,8 @@ namespace replication {
 namespace {
 
 constexpr qsizetype mostBytesAtOnce = 8'000'000;
+/// What could not be read, and has not changed since.
+constexpr Seconds untilReadAgain{3600.0};
 
 /// What identifies a file for the seal: where it lies below the folder.
 QString sealName(const Dot &dot)
@@ -30,6 +34,14 @@ QString sizeMark(const ReplicaFolder::Entry &entry)
     const QFileInfo info(entry.path);
     return entry.path + u' ' + QString::number(info.size()) + u' ' +
            QString::number(info.lastModified().toMSecsSinceEpoch());
+}
+
+QString marksOfKeys(const SealingStatus &sealed)
+{
+    QByteArray all;
+    for (const QByteArray &one : sealed.marks)
+        all += ' ' + one.toHex();
+    return QString::fromUtf8(all + (sealed.formerSealer ? " former " : " ") + sealed.keyMark().toHex());
 }
 
 } // namespace
@@ -86,6 +98,7 @@ void ExchangeRound::run()
     takeSnapshot();
     std::ranges::move(sealedfiles::refit(filesBeside, sealed, fitFiles), std::back_inserter(problems));
     if (listsOwn) {
+        folder.removeLeftovers(own, started);
         listOwn();
         return;
     }
@@ -108,7 +121,6 @@ Result<ChangeFile> ExchangeRound::saveIn(const QByteArray &bytes, const Dot &dot
     auto content = sealed.opened(bytes, sealName(dot));
     if (content)
         return ChangeFile::fromBytes(*content);
-    heed(content.error());
     return content.error();
 }
 
@@ -135,30 +147,54 @@ void ExchangeRound::read()
 {
     qsizetype size = 0;
     present = folder.list(known);
+    Dots there;
     for (const ReplicaFolder::Entry &entry : present) {
-        if (entry.device == own || waiting.contains({entry.device, entry.number}))
+        const Dot dot{entry.device, entry.number};
+        there.insert(dot);
+        if (entry.device == own || waiting.contains(dot))
             continue;
         if (size > mostBytesAtOnce) {
             isMoreLeft = true;
             return;
         }
+        size += readOne(entry);
+    }
+    std::erase_if(unread, [&there](const auto &one) { return !there.contains(one.first); });
+}
+
+/// Adds a save to the files, and gives its size. One that cannot be read is told of, counts nothing, and
+/// costs no time at the next looks.
+qsizetype ExchangeRound::readOne(const ReplicaFolder::Entry &entry)
+{
+    const Dot dot{entry.device, entry.number};
+    // Before it is read: what comes meanwhile counts as a change.
+    const QString looks = sizeMark(entry) + marksOfKeys(sealed);
+    auto former = unread.find(dot);
+    if (former == unread.end() || former->second.mark != looks ||
+        std::chrono::abs(Clock::now() - former->second.tried) > untilReadAgain) {
         QFile file(entry.path);
         if (!file.open(QIODevice::ReadOnly)) {
             problems.push_back({entry.path, file.errorString()});
-            continue;
+            return 0;
         }
         const QByteArray bytes = file.readAll();
-        size += bytes.size();
-        auto content = saveIn(bytes, {entry.device, entry.number});
-        if (!content) {
-            problems.push_back({entry.path, content.error().message});
-            if (!sealed.isFit(bytes))
-                unopened.insert({entry.device, entry.number});
-        } else if (content->dot != Dot{entry.device, entry.number})
-            problems.push_back({entry.path, QStringLiteral("It is another save than its name says")});
-        else
+        auto content = saveIn(bytes, dot);
+        if (content && content->dot != dot)
+            content = Error{{}, 0, QStringLiteral("It is another save than its name says")};
+        if (content) {
+            unread.erase(dot);
             files.push_back(std::move(*content));
+            return bytes.size();
+        }
+        const UnreadSave failed{looks, Clock::now(), content.error(), !sealed.isFit(bytes)};
+        former = unread.insert_or_assign(dot, failed).first;
     }
+    const UnreadSave &failed = former->second;
+    heed(failed.why);
+    problems.push_back({entry.path, failed.why.message});
+    if (failed.isUnfit)
+        unopened.insert(dot);
+    return 0;
 }
 
 void ExchangeRound::findSnapshots()
@@ -190,11 +226,14 @@ void ExchangeRound::takeSnapshot()
 {
     if (arrivalPath.isEmpty())
         return;
-    Dots there = waiting;
+    Dots there;
+    // A snapshot may hold what the file does not say.
+    std::ranges::set_difference(waiting, aside, std::inserter(there, there.end()));
     for (const ReplicaFolder::Entry &entry : present) {
         // What is sealed otherwise may stay so for ever, if its device is gone.
-        if (!unopened.contains({entry.device, entry.number}))
-            there.insert({entry.device, entry.number});
+        const Dot dot{entry.device, entry.number};
+        if (!unopened.contains(dot) && !aside.contains(dot))
+            there.insert(dot);
     }
     std::vector<SnapshotHead> heads;
     for (const Found &one : snapshots)
@@ -285,6 +324,8 @@ void ExchangeRound::clearAwayRemoved(const DeviceId &removed)
         if (isHeld)
             QFile::remove(one.entry.path);
     }
+    // If it lives after all, it is writing what is newer.
+    folder.removeLeftovers(removed, QDateTime::currentDateTimeUtc().addDays(-1));
     // It stays while something is in it.
     QDir(folder.path()).rmdir(QString::fromUtf8(removed));
 }

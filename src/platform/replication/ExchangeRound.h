@@ -1,10 +1,13 @@
 #pragma once
 
+#include "foundation/Date.h"
 #include "replication/Clearing.h"
 #include "replication/ReplicaFolder.h"
 #include "replication/SealedFiles.h"
 
 #include <QSet>
+
+#include <map>
 
 namespace replication {
 
@@ -17,6 +20,17 @@ OptionalError writeSave(const ReplicaFolder &folder, const SealingStatus &sealed
 OptionalError makeSnapshot(const ReplicaFolder &folder, const SealingStatus &sealed, const QString &storePath,
                            const ManagedObjectModel &model, const DeviceId &own,
                            const std::atomic<bool> &isCancelled);
+
+/// A save that could not be read.
+struct UnreadSave
+{
+    /// Tells its file, and the keys that were there, from others.
+    QString mark;
+    Date tried;
+    Error why;
+    /// Open in a sealed folder, sealed in an open one, or sealed with another key.
+    bool isUnfit = false;
+};
 
 /// What one look at the folder does, and what it finds. It runs off the main thread, and knows nothing of the
 /// replica but what it was given.
@@ -40,7 +54,13 @@ struct ExchangeRound
     SnapshotTerms terms = {};
     /// What waits to be taken in already.
     Dots waiting = {};
+    /// Of that, what never can be.
+    Dots aside = {};
+    /// What could not be read before. It is read again when its file changes, and now and then.
+    std::map<Dot, UnreadSave> unread = {};
     bool listsOwn = false;
+    /// What was being written before that was left behind by a kill.
+    QDateTime started = {};
     /// Where an unpacked snapshot goes; empty if one waits there already.
     QString arrivalPath = {};
     std::shared_ptr<const Sealing> sealing = {};
@@ -85,6 +105,7 @@ private:
     void heed(const Error &error);
     void write();
     void read();
+    qsizetype readOne(const ReplicaFolder::Entry &entry);
     void findSnapshots();
     void takeSnapshot();
     void tidy();

@@ -112,8 +112,33 @@ qint64 Replica::lastOutgoing() const
 
 OptionalError Replica::startAs(const QByteArray &machine)
 {
-    if (auto error = database.execute("ATTACH ':memory:' AS emptyStore; BEGIN IMMEDIATE"))
+    if (auto error = database.execute("ATTACH ':memory:' AS emptyStore"))
         return error;
+    const Identity former{own, clock, known, removedAt, clearedUpTo, toldOf};
+    OptionalError error = database.execute("BEGIN IMMEDIATE");
+    const bool hasBegun = !error;
+    if (!error)
+        error = writeStart(machine);
+    if (!error)
+        error = database.execute("COMMIT");
+    if (error) {
+        if (hasBegun && !database.isAutocommit())
+            database.rollBack();
+        own = former.own;
+        clock = former.clock;
+        known = former.known;
+        removedAt = former.removedAt;
+        clearedUpTo = former.clearedUpTo;
+        toldOf = former.toldOf;
+    }
+    // Without it nothing is lost but some memory.
+    database.execute("DETACH emptyStore").ignore();
+    return error;
+}
+
+/// Into the open transaction.
+OptionalError Replica::writeStart(const QByteArray &machine)
+{
     own = {newDevice(), 1};
     clearedUpTo = 0;
     removedAt = 0;
@@ -147,15 +172,7 @@ OptionalError Replica::startAs(const QByteArray &machine)
         error = hasManyRows() ? standFirstSaveInSnapshot() : addPresentRows(stamp);
     known.add(own.device, own.number);
     clock = std::max(clock, stamp.time);
-    if (!error)
-        error = writeOwn();
-    if (!error)
-        error = database.execute("COMMIT");
-    if (error && !database.isAutocommit())
-        database.rollBack();
-    // Without it nothing is lost but some memory.
-    database.execute("DETACH emptyStore").ignore();
-    return error;
+    return error ? error : writeOwn();
 }
 
 /// More than that go into a snapshot rather than into a save.

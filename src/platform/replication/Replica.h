@@ -120,7 +120,10 @@ public:
     /// Takes in what can be taken in by now: saves come in the order of their device, and after all that
     /// their device knew of. The others stay in the list; those that are known already leave it. \param
     /// mostChanges about so many at once
+    /// One that cannot be taken in, whatever happens, is set aside until the next start; what comes after it
+    /// waits. An error is one that may pass, and nothing was taken in then.
     Result<StoreChanges> takeIn(std::deque<ChangeFile> &waiting, int mostChanges);
+    bool isSetAside(const ChangeFile &file) const { return asideSaves.contains(file.dot); }
     /// Whether it can be taken in now, or is known already.
     bool isNext(const ChangeFile &file) const { return isKnown(file) || isReady(file); }
     bool isOfNewerVersion(const ChangeFile &file) const { return file.schema > model.version(); }
@@ -176,10 +179,18 @@ public:
 
 private:
     bool isReady(const ChangeFile &file) const;
+    /// One transaction, and the saves that were meant to come in with it.
+    struct Attempt
+    {
+        Result<StoreChanges> changes;
+        Dots saves;
+    };
+    Attempt tryToTakeIn(std::deque<ChangeFile> &waiting, int mostChanges);
     bool isKnown(const ChangeFile &file) const { return known.of(file.dot.device) >= file.dot.number; }
     Replica(ManagedObjectContext &replicated, QString deviceName);
     OptionalError load(const QByteArray &machine);
     OptionalError startAs(const QByteArray &machine);
+    OptionalError writeStart(const QByteArray &machine);
     OptionalError addPresentRows(const Stamp &stamp);
     bool hasManyRows() const;
     OptionalError standFirstSaveInSnapshot();
@@ -218,6 +229,8 @@ private:
     /// Whether the context captures the open transaction, or its beginning.
     bool usesCaptured = false;
     bool isTakingIn = false;
+    /// Saves of others that cannot be taken in.
+    Dots asideSaves;
     TableColumns columns;
     std::set<RowKey> unsettled;
     std::optional<QSet<QString>> seenItems;
@@ -233,6 +246,17 @@ private:
     std::optional<QStringList> held;
     /// What the last save that told of it said.
     std::optional<QStringList> toldOf;
+
+    /// What belongs to one device number; it comes back if another one could not be written.
+    struct Identity
+    {
+        Dot own;
+        qint64 clock;
+        VersionVector known;
+        qint64 removedAt;
+        qint64 clearedUpTo;
+        std::optional<QStringList> toldOf;
+    };
 
     /// What the open transaction will have brought when it ends.
     struct Pending

@@ -97,12 +97,17 @@ void ReplicaExchange::startRound()
     round->terms = terms;
     // Before it writes, it must know that nobody else writes under its name.
     round->listsOwn = !hasCheckedOwnFiles;
+    round->started = started;
     if (hasCheckedOwnFiles)
         round->outgoing = replica.outgoing(mostBytesToSend);
-    for (const ChangeFile &file : waiting)
+    for (const ChangeFile &file : waiting) {
         round->waiting.insert(file.dot);
+        if (replica.isSetAside(file))
+            round->aside.insert(file.dot);
+    }
     if (!arrived)
         round->arrivalPath = arrivalPath;
+    round->unread = unread;
     round->sealing = sealing;
     round->verified = verified;
     round->refused = refused;
@@ -122,9 +127,11 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     isRunning = false;
     folderProblem = round.folderProblem;
     problems = std::move(round.problems);
+    unread = std::move(round.unread);
     for (const qint64 number : round.written) {
         if (const auto error = replica.markSent(number))
             Log::line(error->message);
+        ownFiles.push_back(number);
     }
     const bool hasExchanged = folderProblem.isEmpty() && round.sealed.canExchange();
     sealed = std::move(round.sealed);
@@ -139,6 +146,8 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
     fitFiles = std::move(round.fitFiles);
     if (round.listsOwn && hasExchanged)
         checkOwnFiles(round);
+    else if (hasExchanged)
+        lookForLostFiles(round);
     for (ChangeFile &file : round.files)
         waiting.push_back(std::move(file));
     if (round.arrived) {
@@ -166,12 +175,15 @@ void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
     for (const ChangeFile &file : round.files)
         last = std::max(last, file.seen.of(replica.device()));
     if (last > replica.number()) {
+        // After a failure the next look that comes by itself tries again.
         if (const auto error = replica.becomeAnother())
             Log::line(error->message);
-        wantsAnother = true;
+        else
+            wantsAnother = true;
         return;
     }
     hasCheckedOwnFiles = true;
+    ownFiles = numbers;
     ownProblems.clear();
     for (qint64 number = replica.number(); number > replica.cleared(); --number) {
         if (std::ranges::binary_search(numbers, number) && !std::ranges::binary_search(round.unfit, number))
@@ -183,6 +195,20 @@ void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
         if (const auto error = replica.markUnsent(number))
             Log::line(error->message);
     }
+}
+
+/// What was there at the look before, or was written since, is to be there still. Otherwise the folder is
+/// not the one that it was, such as that below a file system which came or went: a look at all own files
+/// follows.
+void ReplicaExchange::lookForLostFiles(const ExchangeRound &round)
+{
+    std::ranges::sort(ownFiles);
+    const auto firstKept = std::ranges::upper_bound(ownFiles, replica.cleared());
+    if (!std::includes(round.ownNumbers.begin(), round.ownNumbers.end(), firstKept, ownFiles.end())) {
+        hasCheckedOwnFiles = false;
+        wantsAnother = true;
+    }
+    ownFiles = round.ownNumbers;
 }
 
 /// The store forgets saves before their files go, which the next round sees to.
@@ -303,6 +329,7 @@ void ReplicaExchange::sendNow()
         if (writeSave(folder, status, {replica.device(), one.number}, one.bytes) ||
             replica.markSent(one.number))
             return;
+        ownFiles.push_back(one.number);
     }
 }
 
@@ -336,6 +363,9 @@ Health ReplicaExchange::health() const
         if (replica.isOfNewerVersion(file)) {
             health.problems.push_back({folder.pathOf(file.dot),
                                        QStringLiteral("It was written by a newer version of the program")});
+            --health.waiting;
+        } else if (replica.isSetAside(file)) {
+            health.problems.push_back({folder.pathOf(file.dot), QStringLiteral("It is damaged")});
             --health.waiting;
         }
     }

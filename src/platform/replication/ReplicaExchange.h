@@ -32,9 +32,9 @@ struct Health
 
 /// Keeps a replica and the folder of the devices in step: what is saved here goes there soon, and what comes
 /// there is taken in. Files are read and written off the main thread; a file that cannot be read is tried
-/// again at each look, since it may not have come whole yet. In a sealed folder it writes and takes in sealed
-/// files only, and its own that are open it writes anew; without the key nothing goes out or comes in. Saves
-/// that all devices have, and that a snapshot holds, it removes. Main thread.
+/// again when it changes, since it may not have come whole yet, and now and then. In a sealed folder it
+/// writes and takes in sealed files only, and its own that are open it writes anew; without the key nothing
+/// goes out or comes in. Saves that all devices have, and that a snapshot holds, it removes. Main thread.
 class ReplicaExchange
 {
 public:
@@ -72,6 +72,7 @@ private:
     void noteLost(const std::vector<qint64> &unfit, qint64 upTo);
     void takeInSome();
     void checkOwnFiles(const ExchangeRound &round);
+    void lookForLostFiles(const ExchangeRound &round);
     void tidy(const ExchangeRound &round);
     void follow(const QStringList &folders);
     void tell() const;
@@ -87,13 +88,17 @@ private:
     std::unique_ptr<RepeatingTimer> timer;
     std::deque<ChangeFile> waiting;
     std::vector<Health::Problem> problems;
+    std::map<Dot, UnreadSave> unread;
     std::vector<Health::Problem> ownProblems;
     QString folderProblem;
     std::shared_ptr<const Sealing> sealing;
     SealingStatus sealed;
     /// The key under which the own files were found, or are being written; empty for open files.
     QByteArray ownKeyMark;
+    /// The numbers of the own saves that are in the folder, as far as is known.
+    std::vector<qint64> ownFiles;
     SnapshotTerms terms;
+    const QDateTime started = QDateTime::currentDateTimeUtc();
     /// An unpacked snapshot that waits to be taken in, and where it does.
     std::optional<SnapshotHead> arrived;
     QString arrivalPath;

@@ -41,6 +41,16 @@ std::vector<qint64> numbersIn(const QString &folder, const QString &beginning)
     return numbers;
 }
 
+/// Whether it is the name of a file while it is written.
+bool isTemporary(const QString &name)
+{
+    constexpr int letters = 6;
+    const QString wanted = name.chopped(std::min<qsizetype>(name.size(), letters + 1));
+    return (numberIn(wanted, prefix) > 0 || numberIn(wanted, snapshotPrefix) > 0) &&
+           name.at(wanted.size()) == u'.' &&
+           std::ranges::all_of(name.last(letters), [](QChar letter) { return letter.isLetter(); });
+}
+
 bool isDevice(const QString &name)
 {
     constexpr int hexDigits = 16;
@@ -121,6 +131,14 @@ std::vector<ReplicaFolder::Entry> ReplicaFolder::snapshots() const
             entries.push_back({device, number, snapshotPathOf({device, number})});
     }
     return entries;
+}
+
+void ReplicaFolder::removeLeftovers(const DeviceId &device, const QDateTime &before) const
+{
+    for (const QFileInfo &one : QDir(folderOf(device)).entryInfoList(QDir::Files)) {
+        if (isTemporary(one.fileName()) && one.lastModified() < before)
+            QFile::remove(one.filePath());
+    }
 }
 
 QStringList ReplicaFolder::watchedFolders() const

@@ -3,6 +3,7 @@
 #include "foundation/Error.h"
 #include "replication/Stamp.h"
 
+#include <QDateTime>
 #include <QString>
 
 #include <vector>
@@ -43,6 +44,9 @@ public:
     std::vector<Entry> snapshots() const;
     QString snapshotPathOf(const Dot &dot) const;
     OptionalError makeFolderOf(const DeviceId &device) const;
+    /// Removes what a device was writing when it was killed, if it was last written before that. Such a file
+    /// has the name that it was to get, and six letters behind it, so that nobody takes it for a save.
+    void removeLeftovers(const DeviceId &device, const QDateTime &before) const;
 
 private:
     QString folderOf(const DeviceId &device) const { return folder + u'/' + QString::fromUtf8(device); }

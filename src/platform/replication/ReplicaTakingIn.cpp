@@ -1,3 +1,4 @@
+#include "foundation/Log.h"
 #include "replication/Replica.h"
 #include "replication/ReplicaBooks.h"
 #include "replication/RowMerge.h"
@@ -5,7 +6,10 @@
 
 #include <QScopedValueRollback>
 
+#include <sqlite3.h>
+
 #include <algorithm>
+#include <array>
 
 // What a replica takes in from the others.
 
@@ -17,9 +21,19 @@ static Error foreignWritesWait()
     return {QStringLiteral("replication"), 0, QStringLiteral("Another program is writing to the store")};
 }
 
+/// Whether what was to be written is the reason, and not the store, which may be in use or full.
+static bool isOfContent(const Error &error)
+{
+    constexpr int resultBits = 0xff;
+    // The first and the last one: the rows are not what the books say.
+    constexpr std::array codes = {SQLITE_OK,         SQLITE_ERROR,    SQLITE_TOOBIG,
+                                  SQLITE_CONSTRAINT, SQLITE_MISMATCH, SQLITE_DONE};
+    return error.domain == u"sqlite" && std::ranges::find(codes, error.code & resultBits) != codes.end();
+}
+
 bool Replica::isReady(const ChangeFile &file) const
 {
-    return !isOfNewerVersion(file) && known.of(file.dot.device) + 1 == file.dot.number &&
+    return !isSetAside(file) && !isOfNewerVersion(file) && known.of(file.dot.device) + 1 == file.dot.number &&
            known.covers(file.seen);
 }
 
@@ -77,9 +91,24 @@ OptionalError Replica::noteRemoved(const VersionVector &removed)
 
 Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostChanges)
 {
+    Attempt attempt = tryToTakeIn(waiting, mostChanges);
+    // Fewer and fewer, until the one is alone that cannot be taken in.
+    while (!attempt.changes && isOfContent(attempt.changes.error()) && !attempt.saves.empty()) {
+        if (attempt.saves.size() == 1) {
+            Log::line(attempt.changes.error().message);
+            asideSaves.insert(*attempt.saves.begin());
+        }
+        attempt = tryToTakeIn(waiting, std::max(1, static_cast<int>(attempt.saves.size()) / 2));
+    }
+    return attempt.changes;
+}
+
+Replica::Attempt Replica::tryToTakeIn(std::deque<ChangeFile> &waiting, int mostChanges)
+{
     // What other programs wrote before comes before.
     if (auto error = saveForeignWrites())
-        return *error;
+        return {*error, {}};
+    Dots saves;
     const VersionVector before = known;
     const qint64 clockBefore = clock;
     const int untoldBefore = untold;
@@ -105,13 +134,16 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
                         continue;
                     }
                     const auto deltas = file->deltas(model);
-                    if (!deltas)
-                        return Error{QStringLiteral("replication"), 0,
-                                     QStringLiteral("What another device changed cannot be read")};
+                    if (!deltas) {
+                        asideSaves.insert(file->dot);
+                        ++file;
+                        continue;
+                    }
+                    saves.insert(file->dot);
                     if (onlooker)
                         onlooker->comes(arrivalOf(*file, *deltas));
                     for (const RowDelta &delta : *deltas) {
-                        if (!merge.merge(delta, true))
+                        if (!merge.merge(delta, file->dot, file->seen))
                             return bookFailure(database);
                     }
                     if (auto error = noteDevice(*file))
@@ -141,10 +173,10 @@ Result<StoreChanges> Replica::takeIn(std::deque<ChangeFile> &waiting, int mostCh
         clock = clockBefore;
         untold = untoldBefore;
         removedAt = removedBefore;
-        return changes.error();
+        return {changes.error(), saves};
     }
     waiting = std::move(rest);
-    return changes;
+    return {changes, saves};
 }
 
 /// What a snapshot knows of the devices.
@@ -220,7 +252,7 @@ Result<StoreChanges> Replica::adopt(const QString &databasePath, const VersionVe
                   [&](sqlite::Database &, const RowNumbering &nextRow) -> Result<std::vector<AppliedChange>> {
                       if (hasForeignWrites())
                           return foreignWritesWait();
-                      SnapshotMerge merge(database, model, nextRow);
+                      SnapshotMerge merge(database, model, nextRow, own.device);
                       auto applied = merge.run();
                       if (!applied)
                           return applied;

@@ -169,20 +169,15 @@ bool RowMerge::isAlive(const RowKey &key)
 
 // Taking in.
 
-bool RowMerge::merge(const RowDelta &delta, bool keepsLosers)
+bool RowMerge::merge(const RowDelta &delta, const Dot &save, const VersionVector &seen)
 {
-    const RowKey &key = delta.key;
+    if (!keptDevice.isEmpty() && !isPair(delta.key))
+        noteReplaced(delta);
     const std::vector<QByteArray> winners = ledger.join(delta);
-    unsettled.insert(key);
-    if (isPair(key))
+    unsettled.insert(delta.key);
+    if (isPair(delta.key))
         return true;
-    if (keepsLosers) {
-        for (const auto &[column, cell] : delta.cells) {
-            if (std::ranges::find(winners, column) == winners.end() &&
-                !isSame(cell.value, logicalValue(key, column)))
-                losers.push_back({key, column, cell.value});
-        }
-    }
+    noteLosers(delta, winners, save, seen);
     return takeValues(delta, winners);
 }
 
@@ -432,26 +427,75 @@ bool RowMerge::noteForSubstrings()
 
 // The history of what lost.
 
-/// Each is written for a moment, so that the history holds what it was before the later value.
+/// Before the delta is joined with what is known.
+void RowMerge::noteReplaced(const RowDelta &delta)
+{
+    const RowKey &key = delta.key;
+    for (const auto &[column, cell] : delta.cells) {
+        const Stamp present = ledger.row(key).state.stampOf(column);
+        if (present.device != keptDevice || present >= cell.stamp)
+            continue;
+        const RawValue value = logicalValue(key, column);
+        if (!isSame(value, cell.value))
+            losers.push_back({key, column, value});
+    }
+}
+
+void RowMerge::noteLosers(const RowDelta &delta, const std::vector<QByteArray> &winners, const Dot &save,
+                          const VersionVector &seen)
+{
+    const RowKey &key = delta.key;
+    for (const auto &[column, cell] : delta.cells) {
+        if (std::ranges::find(winners, column) == winners.end()) {
+            if (!isSame(cell.value, logicalValue(key, column)))
+                losers.push_back({key, column, cell.value});
+            continue;
+        }
+        if (save.number == 0)
+            continue;
+        const auto [former, isFirst] = brought.try_emplace({key, column}, Brought{save, cell.value});
+        if (isFirst)
+            continue;
+        Brought &one = former->second;
+        if (seen.of(one.save.device) < one.save.number && !isSame(one.value, cell.value))
+            losers.push_back({key, column, one.value});
+        one = {save, cell.value};
+    }
+}
+
+/// Of several that one column had, each has its turn.
 bool RowMerge::keepLosers()
 {
     std::erase_if(losers, [this](const Loser &one) { return !isInTable(one.key); });
-    if (losers.empty())
-        return true;
+    while (!losers.empty()) {
+        std::set<std::pair<RowKey, QByteArray>> places;
+        const auto later = std::ranges::stable_partition(losers, [&places](const Loser &one) {
+            return places.insert({one.key, one.column}).second;
+        });
+        if (!keepTogether({losers.begin(), later.begin()}))
+            return false;
+        losers.erase(losers.begin(), later.begin());
+    }
+    return true;
+}
+
+/// Each is written for a moment, so that the history holds what it was before the later value.
+bool RowMerge::keepTogether(std::span<const Loser> some)
+{
     std::vector<RawValue> winners;
     const auto set = [this](const Loser &one, const RawValue &value) {
         sqlite::Statement statement = database.prepare("UPDATE " + quoted(one.key.table) + " SET " +
                                                        quoted(one.column) + " = ? WHERE \"id\" = ?");
         return statement.bindRaw(value.get()).bind(one.key.id).run();
     };
-    for (const Loser &one : losers) {
+    for (const Loser &one : some) {
         sqlite::Statement statement = database.prepare("SELECT " + quoted(one.column) + " FROM " +
                                                        quoted(one.key.table) + " WHERE \"id\" = ?");
         if (!statement.bind(one.key.id).step())
             return false;
         winners.push_back(copied(statement.raw(0)));
     }
-    for (const Loser &one : losers) {
+    for (const Loser &one : some) {
         if (!set(one, one.value))
             return false;
     }
@@ -460,10 +504,10 @@ bool RowMerge::keepLosers()
         return false;
     const std::unique_ptr<sqlite3_session, void (*)(sqlite3_session *)> capture(session,
                                                                                 sqlite3session_delete);
-    for (const Loser &one : losers)
+    for (const Loser &one : some)
         sqlite3session_attach(session, one.key.table.constData());
-    for (size_t place = 0; place < losers.size(); ++place) {
-        if (!set(losers[place], winners[place]))
+    for (size_t place = 0; place < some.size(); ++place) {
+        if (!set(some[place], winners[place]))
             return false;
     }
     int size = 0;
@@ -471,7 +515,12 @@ bool RowMerge::keepLosers()
     const int code = sqlite3session_changeset(session, &size, &bytes);
     const QByteArray changeset(static_cast<const char *>(bytes), size);
     sqlite3_free(bytes);
-    return code == SQLITE_OK && ChangeJournal::addToHistory(database, ChangeAuthor::Replication, changeset);
+    if (code != SQLITE_OK)
+        return false;
+    // The history takes no larger ones.
+    if (changeset.size() > ChangeJournal::largestInHistory && some.size() > 1)
+        return keepTogether(some.first(some.size() / 2)) && keepTogether(some.subspan(some.size() / 2));
+    return ChangeJournal::addToHistory(database, ChangeAuthor::Replication, changeset);
 }
 
 // What is told.

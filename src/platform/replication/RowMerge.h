@@ -5,6 +5,7 @@
 #include "replication/RowLedger.h"
 
 #include <array>
+#include <span>
 
 namespace replication {
 
@@ -19,9 +20,15 @@ class RowMerge
 public:
     RowMerge(sqlite::Database &connection, const ManagedObjectModel &objectModel, RowNumbering numbering);
 
-    /// Takes in one delta. Rows and references are settled by `finish`.
-    /// \param keepsLosers what loses against a later value goes into the history of the record.
-    bool merge(const RowDelta &delta, bool keepsLosers);
+    /// Takes in one delta. Rows and references are settled by `finish`. What loses against a later value goes
+    /// into the history of the record, each value by itself.
+    bool merge(const RowDelta &delta) { return merge(delta, {}, {}); }
+    /// The same for a delta of one save. A value that came with another one before is a loser, too, if this
+    /// save has not seen it.
+    bool merge(const RowDelta &delta, const Dot &save, const VersionVector &seen);
+    /// What this device wrote last is a loser, too, when another value takes its place. For a transaction of
+    /// which the history keeps nothing by itself.
+    void keepValuesOf(const DeviceId &device) { keptDevice = device; }
     /// Looks at a row again: whether it is to stand in its table, and what it names.
     void settleLater(const RowKey &key) { unsettled.insert(key); }
     /// Settles everything and writes the books; gives the rows of entities that changed.
@@ -32,6 +39,11 @@ private:
     {
         RowKey key;
         QByteArray column;
+        RawValue value;
+    };
+    struct Brought
+    {
+        Dot save;
         RawValue value;
     };
     /// A to-one relationship, seen from the table that holds it.
@@ -66,7 +78,11 @@ private:
     bool settleReferences(const RowKey &key);
     void settleDependentsLater(const RowKey &key);
     bool noteForSubstrings();
+    void noteReplaced(const RowDelta &delta);
+    void noteLosers(const RowDelta &delta, const std::vector<QByteArray> &winners, const Dot &save,
+                    const VersionVector &seen);
     bool keepLosers();
+    bool keepTogether(std::span<const Loser> some);
 
     void note(const RowKey &key, AppliedChange::Kind kind, ManagedObject::ColumnSet columns = {},
               RowId row = 0);
@@ -81,7 +97,11 @@ private:
     std::set<RowKey> unsettled;
     std::map<RowKey, bool> inTable;
     std::map<const EntityDescription *, std::vector<Reference>> references;
+    /// Empty for none.
+    DeviceId keptDevice;
     std::vector<Loser> losers;
+    /// The values that single saves have brought.
+    std::map<std::pair<RowKey, QByteArray>, Brought> brought;
     std::vector<AppliedChange> applied;
 };
 

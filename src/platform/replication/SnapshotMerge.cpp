@@ -33,11 +33,13 @@ QByteArray listed(const std::vector<QByteArray> &names)
 } // namespace
 
 SnapshotMerge::SnapshotMerge(sqlite::Database &connection, const ManagedObjectModel &objectModel,
-                             RowNumbering numbering)
+                             RowNumbering numbering, const DeviceId &own)
     : database(connection)
     , model(objectModel)
     , merge(connection, objectModel, std::move(numbering))
-{}
+{
+    merge.keepValuesOf(own);
+}
 
 Result<std::vector<AppliedChange>> SnapshotMerge::run()
 {
@@ -288,7 +290,7 @@ bool SnapshotMerge::mergeRow(const RowKey &key)
     delta.deletions = dotsOfText(state.text(4).toUtf8());
     const EntityDescription &entity = *model.entityOfTable(key.table.toStdString());
     if (entity.table() != key.table)
-        return merge.merge(delta, false);
+        return merge.merge(delta);
     sqlite::Statement cells =
         database.prepare("SELECT col, stamp, device FROM arriving.ObjectStoreCellStamps "
                          "WHERE tbl = ? AND id = ?");
@@ -314,7 +316,7 @@ bool SnapshotMerge::mergeRow(const RowKey &key)
     parked.bind(table).bind(key.id);
     while (parked.step())
         take(parked.text(0).toUtf8(), parked.raw(1));
-    return merge.merge(delta, true);
+    return merge.merge(delta);
 }
 
 } // namespace replication

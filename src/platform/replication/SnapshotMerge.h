@@ -8,6 +8,8 @@ namespace replication {
 /// transaction. Rows that only it knows come over table by table; of rows that both know, each column belongs
 /// to who wrote it last, as ever. What is only here stays.
 ///
+/// What this device wrote last and loses goes into the history of its record, as does what comes and loses.
+///
 /// A table of which nothing is known here, such as the tasks of a new device, comes over as it is, with its
 /// indexes: SQLite then copies the entries in their order and makes none anew.
 ///
@@ -15,8 +17,9 @@ namespace replication {
 class SnapshotMerge
 {
 public:
-    SnapshotMerge(sqlite::Database &connection, const ManagedObjectModel &objectModel,
-                  RowNumbering numbering);
+    /// \param own this device.
+    SnapshotMerge(sqlite::Database &connection, const ManagedObjectModel &objectModel, RowNumbering numbering,
+                  const DeviceId &own);
 
     /// Gives the rows that changed and were here before; those that are new are too many to tell.
     Result<std::vector<AppliedChange>> run();

@@ -11,6 +11,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QTemporaryFile>
 
 // Two devices with a folder between them, in one process.
 
@@ -121,6 +122,19 @@ protected:
     {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    /// Leaves behind what a kill leaves of a file that is being written, where a file has a name from the
+    /// beginning, as on most file systems of networks.
+    static QString leaveBehind(const QString &path)
+    {
+        QTemporaryFile file(path + u".XXXXXX"_qs);
+        file.setAutoRemove(false);
+        EXPECT_TRUE(file.open() && file.write("half of it") > 0 && file.flush());
+        const QString name = file.fileName();
+        EXPECT_TRUE(QFile::exists(name));
+        EXPECT_TRUE(
+            file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+        return name;
     }
 
     QTemporaryDir shared;

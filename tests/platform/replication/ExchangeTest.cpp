@@ -87,6 +87,90 @@ TEST_F(ExchangeTest, FilesThatAreBrokenOrOfOthersAreToldOfAndTriedAgain)
     EXPECT_EQ(other.library().ask(QStringLiteral("SELECT COUNT(*) FROM Book")), QStringList(u"1"_qs));
 }
 
+TEST_F(ExchangeTest, WhatCannotBeReadKeepsNothingElseAndIsReadAgainWhenItChanges)
+{
+    const LogCapture log;
+    other.stop();
+    one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
+    ASSERT_TRUE(waitFor([this] { return filesOf(one).size() == 3; }));
+    const auto damage = [](const QByteArray &whole) { return whole.left(whole.size() - 1) + 'x'; };
+    const QString emma = path(one, filesOf(one).at(1));
+    const QString kim = path(one, filesOf(one).at(2));
+    const QByteArray wholeEmma = contents(emma);
+    const QByteArray wholeKim = contents(kim);
+    write(emma, damage(wholeEmma));
+    write(kim, damage(wholeKim));
+    const QDateTime time = QFileInfo(emma).lastModified();
+    // Saves of a device that comes before all others, more than are read at once.
+    const QString large = shared.filePath(u"0000000000000000"_qs);
+    ASSERT_TRUE(QDir().mkpath(large));
+    for (const QString &number : {u"1"_qs, u"2"_qs}) {
+        QFile file(large + u"/changes-000000000"_qs + number);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(9'000'000));
+    }
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 4; }));
+    // As long as a file looks the same, it is not read at each look.
+    write(emma, wholeEmma);
+    {
+        QFile file(emma);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(time, QFileDevice::FileModificationTime));
+    }
+    write(kim, wholeKim);
+    other.look();
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 3; }));
+    EXPECT_FALSE(other.has("Emma"));
+    const FrozenClock later(Clock::now() + Seconds(7200.0));
+    other.look();
+    EXPECT_TRUE(waitFor([this] { return other.has("Emma") && other.has("Kim"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 2; }));
+}
+
+TEST_F(ExchangeTest, ASaveThatCannotBeTakenInStopsItsOwnDeviceOnly)
+{
+    const LogCapture log;
+    other.stop();
+    one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
+    ASSERT_TRUE(waitFor([this] { return filesOf(one).size() == 3; }));
+    const QString emma = path(one, filesOf(one).at(1));
+    one.stop();
+    // Its digest is right, but not what it says.
+    auto file = replication::ChangeFile::fromBytes(contents(emma));
+    ASSERT_TRUE(file);
+    file->changeset = "no changes";
+    write(emma, file->toBytes());
+    // Those of another device that has not heard of that one, and of which the store refuses one.
+    const QTemporaryDir elsewhere;
+    Device third(elsewhere.path(), "third");
+    third.save({u"First"_qs, u"Twice"_qs, u"Twice"_qs, u"Last"_qs});
+    const QString folder = QString::fromUtf8(third.id());
+    ASSERT_TRUE(waitFor(
+        [&] { return QDir(elsewhere.filePath(folder)).entryList({u"changes-??????????"_qs}).size() == 4; }));
+    third.stop();
+    ASSERT_TRUE(QDir().rename(elsewhere.filePath(folder), shared.filePath(folder)));
+    other.library().open();
+    other.library().elsewhere("CREATE UNIQUE INDEX oneOfEach ON Book (title)");
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo") && other.has("First") && other.has("Twice"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 2; }));
+    QStringList bad;
+    for (const auto &problem : other.exchange().health().problems)
+        bad.append(QFileInfo(problem.path).fileName());
+    bad.sort();
+    EXPECT_EQ(bad, QStringList({u"changes-0000000002"_qs, u"changes-0000000003"_qs}));
+    EXPECT_EQ(other.exchange().health().folderProblem, QString());
+    EXPECT_EQ(other.exchange().health().waiting, 2) << "What follows them";
+    EXPECT_FALSE(other.has("Kim") || other.has("Last"));
+    // A snapshot that holds what the damaged file does not say takes its place.
+    ASSERT_TRUE(QDir().rename(shared.filePath(folder), elsewhere.filePath(folder)));
+    one.terms.mostFiles = 3;
+    one.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Emma") && other.has("Kim"); }));
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 1; }));
+}
+
 TEST_F(ExchangeTest, FilesThatWentAreWrittenAgain)
 {
     for (const char *title : {"Momo", "Emma", "Ulysses"}) {
@@ -104,6 +188,53 @@ TEST_F(ExchangeTest, FilesThatWentAreWrittenAgain)
     one.stop();
     one.start();
     EXPECT_TRUE(waitFor([this] { return other.has("Ulysses") && other.has("Emma"); }));
+}
+
+TEST_F(ExchangeTest, WhatAKillLeftGoesAtTheNextStart)
+{
+    one.save({u"Momo"_qs});
+    other.save({u"Emma"_qs});
+    ASSERT_TRUE(waitFor([this] { return one.has("Emma") && other.has("Momo"); }));
+    const QStringList own = {leaveBehind(path(one, u"changes-0000000002"_qs)),
+                             leaveBehind(path(one, u"snapshot-0000000002"_qs))};
+    const QString foreign = leaveBehind(path(other, u"changes-0000000002"_qs));
+    const QString unknown = path(one, u"changes-0000000001.sync-conflict-20261121-101500-ABCDEFG"_qs);
+    write(unknown, "x");
+    one.stop();
+    one.start();
+    EXPECT_TRUE(waitFor(
+        [&] { return std::ranges::none_of(own, [](const QString &left) { return QFile::exists(left); }); }));
+    EXPECT_TRUE(waitFor([this] { return one.exchange().isAtRest(); }));
+    EXPECT_TRUE(QFile::exists(foreign) && QFile::exists(unknown));
+    EXPECT_EQ(filesOf(one).size(), 2);
+    EXPECT_TRUE(one.exchange().health().problems.empty() && other.exchange().health().problems.empty());
+}
+
+TEST_F(ExchangeTest, FilesThatGoWhileItRunsAreWrittenAgain)
+{
+    other.stop();
+    one.save({u"Momo"_qs, u"Emma"_qs});
+    const auto areAllThere = [this](int count) {
+        return filesOf(one).size() == count && one.exchange().health().unsent == 0;
+    };
+    ASSERT_TRUE(waitFor([&] { return areAllThere(2); }));
+    // The folder goes, as with the file system that it lies on, and comes back.
+    const QString folder = shared.filePath(QString::fromUtf8(one.id()));
+    const QTemporaryDir elsewhere;
+    ASSERT_TRUE(QDir().rename(folder, elsewhere.filePath(u"former"_qs)));
+    one.save({u"Kim"_qs});
+    ASSERT_TRUE(waitFor([&] { return areAllThere(3); })) << "All that is missing, not only what is new";
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    ASSERT_TRUE(QDir().rename(elsewhere.filePath(u"former"_qs), folder));
+    one.look();
+    EXPECT_TRUE(waitFor([&] { return areAllThere(3); }));
+    // A single one, of many.
+    ASSERT_TRUE(QFile::remove(path(one, filesOf(one).at(1))));
+    one.look();
+    EXPECT_TRUE(waitFor([&] { return areAllThere(3); }));
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("Momo") && other.has("Emma") && other.has("Kim"); }));
+    EXPECT_TRUE(waitFor([this] { return one.exchange().isAtRest(); })) << "It does not look for ever";
 }
 
 TEST_F(ExchangeTest, AFullDiskLosesNothing)

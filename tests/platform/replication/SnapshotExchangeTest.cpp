@@ -222,6 +222,7 @@ TEST_F(RemovedDeviceTest, NobodyWaitsForItAnyMore)
     EXPECT_FALSE(waitFor([this] { return saveCountOf(one) < 6; }, 700)) << "They wait for the third";
     EXPECT_TRUE(one.remove(one.id()).has_value()) << "Nobody removes itself";
     ASSERT_TRUE(knows(one, lost) && knows(other, lost));
+    leaveBehind(shared.filePath(QString::fromUtf8(lost)) + u"/snapshot-0000000009"_qs);
     ASSERT_FALSE(one.remove(lost));
     EXPECT_FALSE(knows(one, lost));
     EXPECT_TRUE(waitFor([this] { return saveCountOf(one) == 1 && !knows(other, lost); }));
