@@ -8,8 +8,8 @@
 #include <functional>
 #include <vector>
 
-/// The commands that every window knows by their keys, such as a new task, closing, quitting, help. Each window beside
-/// the main one gets them when it is first shown; questions, menus and bubbles do not.
+/// The commands that every window knows by their keys, such as a new task, closing, quitting, help. Each
+/// window beside the main one gets them when it is first shown; questions, menus and bubbles do not.
 class WindowCommands : public QObject
 {
     Q_OBJECT
