@@ -1,8 +1,14 @@
 #include "records/TaskFormState.h"
 
 #include "calendarsync/CalendarEvent.h"
+#include "contacts/VCardContact.h"
+#include "contacts/VCardReader.h"
 #include "records/Functional.h"
 #include "records/TaskManager.h"
+
+#include <QBuffer>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -175,5 +181,38 @@ CustomRepeat TaskFormState::customRepeat() const
 void TaskFormState::findInvitation()
 {
     invited = TaskInvitation::of(task);
+    if (invited.mailOfStranger.isEmpty() || invited.mailOfStranger != askedMail)
+        knownOrganizer.reset();
+    if (knownOrganizer)
+        invited.recognize(*knownOrganizer);
     note();
+    if (!invited.mailOfStranger.isEmpty() && invited.mailOfStranger != askedMail)
+        askAddressBooks();
+}
+
+/// The user may know in an address book of the desktop who invites.
+void TaskFormState::askAddressBooks()
+{
+    askedMail = invited.mailOfStranger;
+    addressBooks = std::make_unique<CNContactStore>();
+    addressBooks->cardsWithMail(askedMail, [this, mail = askedMail](const Result<QByteArray> &answer) {
+        if (!answer || mail != invited.mailOfStranger)
+            return;
+        QByteArray text = answer.value();
+        QBuffer device(&text);
+        device.open(QIODevice::ReadOnly);
+        VCardReader reader(device);
+        const auto hasMail = [&mail](const auto &one) {
+            return one.value.compare(mail, Qt::CaseInsensitive) == 0;
+        };
+        while (const auto card = reader.next()) {
+            const CNContact contact = contactFrom(*card, CardImage::Leave);
+            if (!std::ranges::any_of(contact.emailAddresses, hasMail))
+                continue;
+            knownOrganizer = contact;
+            if (invited.recognize(contact))
+                note();
+            return;
+        }
+    });
 }

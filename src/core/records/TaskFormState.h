@@ -1,5 +1,6 @@
 #pragma once
 
+#include "contacts/CNContactStore.h"
 #include "records/FormModel.h"
 #include "records/NewTaskRequest.h"
 #include "records/TaskDraft.h"
@@ -173,7 +174,13 @@ private:
     MVTask task;
     /// The row as it was when the copy was taken.
     MVTask base;
+    void askAddressBooks();
+
     TaskInvitation invited;
+    /// Asked about a stranger who invites, and what it said last.
+    std::unique_ptr<CNContactStore> addressBooks;
+    QString askedMail;
+    std::optional<CNContact> knownOrganizer;
     bool calendarAccess;
     bool mayBeToDo = true;
     bool touched = false;

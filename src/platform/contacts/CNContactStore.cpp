@@ -132,3 +132,22 @@ void CNContactStore::cards(const CNContainer &container, std::function<void(Resu
                     localized(QStringLiteral("The address book \"%1\" does not answer.")).arg(container.name),
                     std::move(completion));
 }
+
+static Result<QByteArray> allWithMail(ContactBackend &backend, const QString &address)
+{
+    const auto containers = backend.containers();
+    if (!containers)
+        return containers.error();
+    QByteArray all;
+    for (const CNContainer &container : containers.value()) {
+        if (const auto found = joined(backend.cardsWithMail(container, address)))
+            all += found.value();
+    }
+    return all;
+}
+
+void CNContactStore::cardsWithMail(const QString &address, std::function<void(Result<QByteArray>)> completion)
+{
+    ask<QByteArray>([address](ContactBackend &backend) { return allWithMail(backend, address); },
+                    localized(QStringLiteral("The address books do not answer.")), std::move(completion));
+}

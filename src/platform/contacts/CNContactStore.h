@@ -41,6 +41,8 @@ public:
     void containers(std::function<void(Result<Containers>)> completion);
     /// The contacts of one as a text of vCards, for `VCardReader`.
     void cards(const CNContainer &container, std::function<void(Result<QByteArray>)> completion);
+    /// The same of those in all address books that may have a mail address. One that fails is passed over.
+    void cardsWithMail(const QString &address, std::function<void(Result<QByteArray>)> completion);
 
 private:
     template <typename T>

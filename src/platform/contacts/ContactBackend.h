@@ -26,4 +26,11 @@ public:
     virtual Result<std::vector<CNContainer>> containers() = 0;
     /// The contacts of one as vCards.
     virtual Result<std::vector<QByteArray>> cards(const CNContainer &container) = 0;
+    /// Those of them that may have a mail address: all where they cannot be picked out.
+    virtual Result<std::vector<QByteArray>> cardsWithMail(const CNContainer &container,
+                                                          const QString &address)
+    {
+        Q_UNUSED(address)
+        return cards(container);
+    }
 };

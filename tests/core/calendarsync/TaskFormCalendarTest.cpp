@@ -2,8 +2,11 @@
 
 #include "CalendarTest.h"
 
+#include "contacts/CNContactStore.h"
 #include "records/TaskFormChoices.h"
 #include "records/TaskFormState.h"
+#include "support/Becomes.h"
+#include "workspace/PlatformConfiguration.h"
 
 namespace {
 
@@ -54,6 +57,55 @@ TEST_F(TaskFormCalendarTest, AnInvitationNamesTheOrganiserWhetherKnownOrNot)
     connectStore();
     known.findInvitation();
     EXPECT_EQ(known.previewText(TaskFormRow::Contacts), u"ada@example.org"_qs);
+    const auto mail = mainContext().insert<EntityEmail>();
+    mail->setMail(u"Ada@Example.org"_qs);
+    mail->setContact(ada);
+    EXPECT_FALSE(DBWorker::saveContext());
+    known.findInvitation();
+    EXPECT_EQ(known.invitation().entityContactOrganizer, ada) << "by the address";
+}
+
+TEST_F(TaskFormCalendarTest, AnOrganiserIsRecognizedByTheAddressBooksOfTheDesktop)
+{
+    class Book : public ContactBackend
+    {
+    public:
+        Result<std::vector<CNContainer>> containers() override
+        {
+            return std::vector<CNContainer>{{u"a"_qs, u"A"_qs}};
+        }
+        Result<std::vector<QByteArray>> cards(const CNContainer &) override
+        {
+            return std::vector<QByteArray>{
+                "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Kay;Bob;;;\r\nEMAIL:bob@example.org\r\nEND:VCARD\r\n",
+                "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Bright;Ada;;;\r\nEMAIL:ADA@example.org\r\nEND:VCARD\r\n"};
+        }
+    };
+    CNContactStore::setBackendSource([] { return std::make_shared<Book>(); });
+    writeInvitation(u":mailto:ada@example.org"_qs);
+    const TaskPtr row = rowOf(u"Meeting"_qs);
+    ASSERT_NE(row, nullptr);
+    const auto shown = [](TaskFormState &form) { return form.previewText(TaskFormRow::Contacts); };
+    TaskFormState unasked(row);
+    unasked.findInvitation();
+    EXPECT_FALSE(becomes([&] { return shown(unasked) != u"ada@example.org"_qs; }))
+        << "without leave nobody is asked";
+    PlatformConfiguration::setAuthorization(u"contacts"_qs, 3);
+    TaskFormState form(row);
+    form.findInvitation();
+    EXPECT_TRUE(becomes([&] { return shown(form) == u"Ada Bright"_qs; }));
+    const ContactPtr ada = mainContext().insert<EntityContacts>();
+    ada->setFirstName(u"Ada"_qs);
+    ada->setLastName(u"Bright"_qs);
+    EXPECT_FALSE(DBWorker::saveContext());
+    form.findInvitation();
+    EXPECT_EQ(form.invitation().entityContactOrganizer, ada) << "without another question";
+    {
+        TaskFormState gone(row);
+        gone.findInvitation();
+    }
+    PlatformConfiguration::setAuthorization(u"contacts"_qs, 0);
+    CNContactStore::setBackendSource({});
 }
 
 TEST_F(TaskFormCalendarTest, ATaskWithoutGuestsIsNoInvitation)

@@ -95,7 +95,8 @@ Result<std::vector<CNContainer>> readContainers(bool &isLost)
     return found;
 }
 
-Result<std::vector<QByteArray>> readCards(const CNContainer &container, bool &isLost)
+/// \param query which of them, in the words of the library.
+Result<std::vector<QByteArray>> readCards(const CNContainer &container, const QByteArray &query, bool &isLost)
 {
     const QString reading =
         localized(QStringLiteral("Cannot read the address book \"%1\"")).arg(container.name);
@@ -118,13 +119,11 @@ Result<std::vector<QByteArray>> readCards(const CNContainer &container, bool &is
     isLost = !client && failure.isLostConnection();
     if (!client)
         return failed(reading, failure);
-    // The query for everything; the one of calendars is an error here.
-    constexpr const char *everything = R"((contains "x-evolution-any-field" ""))";
     GSList *contacts = nullptr;
     const EdsTimeLimit fetching(EdsTimeLimit::forWriting);
     const bool isRead = fetching.run([&] {
-        return e_book_client_get_contacts_sync(glibCast<EBookClient>(client.get()), everything, &contacts,
-                                               fetching.cancellable(), failure.out());
+        return e_book_client_get_contacts_sync(glibCast<EBookClient>(client.get()), query.constData(),
+                                               &contacts, fetching.cancellable(), failure.out());
     });
     isLost = !isRead && failure.isLostConnection();
     if (!isRead)
@@ -146,6 +145,19 @@ Result<std::vector<CNContainer>> EdsContacts::containers()
 
 Result<std::vector<QByteArray>> EdsContacts::cards(const CNContainer &container)
 {
+    // The query for everything; the one of calendars is an error here.
+    const QByteArray everything = R"((contains "x-evolution-any-field" ""))";
     return readAgainIfLost<std::vector<QByteArray>>(
-        [&](bool &isLost) { return readCards(container, isLost); });
+        [&](bool &isLost) { return readCards(container, everything, isLost); });
+}
+
+Result<std::vector<QByteArray>> EdsContacts::cardsWithMail(const CNContainer &container,
+                                                           const QString &address)
+{
+    EBookQuery *query =
+        e_book_query_field_test(E_CONTACT_EMAIL, E_BOOK_QUERY_IS, address.toUtf8().constData());
+    const QByteArray words = GlibText(e_book_query_to_string(query)).get();
+    e_book_query_unref(query);
+    return readAgainIfLost<std::vector<QByteArray>>(
+        [&](bool &isLost) { return readCards(container, words, isLost); });
 }

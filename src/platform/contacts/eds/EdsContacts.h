@@ -9,4 +9,6 @@ class EdsContacts : public ContactBackend
 public:
     Result<std::vector<CNContainer>> containers() override;
     Result<std::vector<QByteArray>> cards(const CNContainer &container) override;
+    Result<std::vector<QByteArray>> cardsWithMail(const CNContainer &container,
+                                                  const QString &address) override;
 };

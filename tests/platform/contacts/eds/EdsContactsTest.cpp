@@ -103,6 +103,20 @@ TEST_F(EdsContactsTest, AreReadWithAllThatAnotherProgramHasWritten)
     EXPECT_EQ(all.at(u"Bob"_qs).birthday, (CNBirthday{1970, 5, 17}));
 }
 
+TEST_F(EdsContactsTest, ArePickedOutByAMailAddress)
+{
+    ASSERT_NO_FATAL_FAILURE(
+        add({"BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Ann;;;\r\nEMAIL:other@example.org\r\nEMAIL:Ann@Example."
+             "org\r\nEND:VCARD",
+             "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Kay;Bob;;;\r\nEMAIL:bob@example.org\r\nEND:VCARD"}));
+    const auto found = EdsContacts().cardsWithMail(book, u"ann@example.org"_qs);
+    ASSERT_TRUE(found);
+    ASSERT_EQ(found.value().size(), 1u);
+    EXPECT_TRUE(found.value().front().contains("Lee;Ann"));
+    const auto none = EdsContacts().cardsWithMail(book, u"a\") (contains \"full_name\" \"\") (\""_qs);
+    EXPECT_TRUE(none && none.value().empty()) << "an address is no query";
+}
+
 TEST_F(EdsContactsTest, AreFoundByTheNamesOfTheirAddressBooks)
 {
     const auto containers = EdsContacts().containers();
