@@ -397,7 +397,7 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     contacts.insert(key, 0);
     newcomers.insert(key, knowncontacts::from(contact));
     const ContactPtr row = present ? present : mainContext().insert<EntityContacts>();
-    const std::size_t formerSize = sizeOf(*row);
+    const std::size_t formerSize = present ? sizeOf(*present) : 0;
     row->setFirstName(first);
     row->setLastName(last);
     if (contact.birthday && contact.birthday->year) {
