@@ -341,7 +341,7 @@ void measurePeople(MainWindow &window, const std::function<void(const char *)> &
         QApplication::processEvents(QEventLoop::AllEvents, 50);
     std::vector<double> shown;
     std::vector<double> bare;
-    for (int round = 0; round < 9; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         run("actionShowProjects");
         bare.push_back(bareContacts());
         shown.push_back(measured([&] {
@@ -351,7 +351,7 @@ void measurePeople(MainWindow &window, const std::function<void(const char *)> &
     }
     std::ranges::sort(shown);
     std::ranges::sort(bare);
-    print("People, to the first screen", {shown[4], shown.back()}, {bare[4], bare.back()});
+    print("People, to the first screen", {shown[rounds / 2], shown.back()}, {bare[4], bare.back()});
     auto &list = *window.findChild<TableViewExtended *>(QStringLiteral("tableViewContacts"));
     const auto frames = framesOf(list);
     print("A key press among people", frames.first);
@@ -466,7 +466,7 @@ void measureProject(MainWindow &window, const std::function<void(const char *)> 
     run("actionShowProjects");
     TabsViewController *const screen = window.findChild<TabsViewController *>();
     std::vector<double> shown;
-    for (int round = 0; round < 9; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         screen->selectItem(small);
         QApplication::processEvents();
         paintWhole(window);
@@ -477,7 +477,7 @@ void measureProject(MainWindow &window, const std::function<void(const char *)> 
         }));
     }
     std::ranges::sort(shown);
-    print("A project of 10,000 tasks, opened", {shown[4], shown.back()});
+    print("A project of 10,000 tasks, opened", {shown[rounds / 2], shown.back()});
 }
 
 void measureTasks(MainWindow &window, const std::function<void(const char *)> &run)

@@ -3,11 +3,13 @@
 #include "foundation/Localization.h"
 #include "records/copies/TaskColumns.h"
 #include "store/entities/Entities.h"
+#include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
 
 #include <QSet>
 #include <QStringList>
 
+#include <algorithm>
 #include <unordered_set>
 #include <utility>
 
@@ -43,6 +45,15 @@ void addNames(QStringList &texts, const std::vector<ContactPtr> &contacts)
 {
     for (const ContactPtr &contact : contacts)
         texts.append(contact->fullName());
+}
+
+/// The people of a company can be thousands, too.
+void addNamesOfPeople(QStringList &texts, const EntityCompany &company)
+{
+    mainContext().visit(
+        EntityContacts::fetchRequest().where(Predicate::format("company = %@", shared(company))),
+        {"firstName", "lastName"},
+        [&texts](const RowReader &row) { texts.append(fullNameWith(row.text(0), row.text(1))); });
 }
 
 /// Numbers, addresses and links of a contact or a company.
@@ -97,7 +108,7 @@ QStringList textsOf(const EntityCompany &company)
 {
     QStringList texts = {company.title()};
     addTaskTitles(texts, "company = %@", shared(company));
-    addNames(texts, company.contact());
+    addNamesOfPeople(texts, company);
     addDetails(texts, company);
     return texts;
 }
@@ -220,6 +231,8 @@ struct IndexedAhead
 {
     /// By a command that goes on.
     QSet<QString> now;
+    /// Companies that were given the names of those among them that belong to them.
+    QSet<QString> companies;
     /// By one whose commit failed: they wait for the next save, and may have changed by then.
     QSet<QString> doubtful;
 };
@@ -230,6 +243,32 @@ IndexedAhead &indexedAhead()
     return all;
 }
 
+/// The target of a to-one relationship; nothing if there is none.
+QString identifierIn(const Value &value)
+{
+    const auto *identifier = std::get_if<QString>(&value);
+    return identifier ? *identifier : QString();
+}
+
+/// The companies of which nothing is new but people that were indexed ahead. To read all of a company's
+/// people at each part of an import takes the longer the more there are.
+QSet<QString> companiesUpToDate(const StoreChanges &changes)
+{
+    QSet<QString> companies = indexedAhead().companies;
+    const bool isSomethingGone =
+        !changes.deleted.empty() ||
+        std::ranges::any_of(changes.updated, [](const StoreChanges::Update &update) {
+            return update.columns.any() && update.object->entity().relationship("company");
+        });
+    if (companies.isEmpty() || isSomethingGone)
+        return {};
+    for (const ObjectPtr &object : changes.inserted) {
+        if (object->entity().relationship("company") && !indexedAhead().now.contains(object->identifier()))
+            companies.remove(identifierIn(object->valueForKey("company")));
+    }
+    return companies;
+}
+
 } // namespace
 
 SearchIndex::Ahead::Ahead() = default;
@@ -237,17 +276,26 @@ SearchIndex::Ahead::Ahead() = default;
 SearchIndex::Ahead::~Ahead()
 {
     indexedAhead().doubtful.unite(std::exchange(indexedAhead().now, {}));
+    indexedAhead().companies.clear();
 }
 
 void SearchIndex::Ahead::add(const ObjectPtr &object)
 {
     addIndexWithObject(object);
     indexedAhead().now.insert(object->identifier());
+    const auto *contact = dynamic_cast<const EntityContacts *>(object.get());
+    const CompanyPtr company = contact ? contact->company() : nullptr;
+    // One that is new itself gets all of its texts at the commit.
+    if (!company || company->isInserted())
+        return;
+    insertEntitySearchIndexString(contact->fullName(), company->uri());
+    indexedAhead().companies.insert(company->identifier());
 }
 
 void SearchIndex::Ahead::committed()
 {
     indexedAhead().now.clear();
+    indexedAhead().companies.clear();
 }
 
 void SearchIndex::follow(const StoreChanges &changes)
@@ -266,7 +314,10 @@ void SearchIndex::follow(const StoreChanges &changes)
     std::unordered_set<const ManagedObject *> seen;
     for (const ObjectPtr &object : changes.inserted)
         seen.insert(object.get());
+    const QSet<QString> upToDate = companiesUpToDate(changes);
     for (const StoreChanges::Update &update : changes.updated) {
+        if (update.columns.none() && upToDate.contains(update.object->identifier()))
+            continue;
         const ObjectPtr record = canHaveOtherTexts(update) ? foundBy(update.object) : nullptr;
         if (record && seen.insert(record.get()).second)
             bringUpToDate(record, stale);

@@ -9,6 +9,8 @@ using namespace Qt::Literals::StringLiterals;
 /// Milliseconds of silence that nobody minds, and between two looks at what the user does.
 constexpr int patience = 400;
 constexpr int interval = 100;
+/// So many steps last longer than that at any rate.
+constexpr int manySteps = 2'000;
 
 LongWork::LongWork(std::size_t steps, QString sentence, bool canBeStopped)
     : count(static_cast<int>(steps))
@@ -32,7 +34,8 @@ bool LongWork::step()
         busy.emplace();
     }
     const qint64 now = timer.elapsed();
-    if (done >= count || now < patience || now - lastShown < interval)
+    const int silence = count < manySteps ? patience : interval;
+    if (done >= count || now < silence || now - lastShown < interval)
         return true;
     lastShown = now;
     if (!sign)

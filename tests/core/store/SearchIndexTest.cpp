@@ -1,5 +1,6 @@
 #include "CoreTest.h"
 
+#include "objectstore/Transaction.h"
 #include "records/SearchIndex.h"
 #include "store/state/NotificationNames.h"
 #include "support/OtherProgram.h"
@@ -133,6 +134,54 @@ TEST_F(SearchIndexOfRecords, FindsAContactAndACompanyByAnEditedDetail)
     EXPECT_EQ(sortedTextsOf(company), QStringList({u"Works"_qs, u"second city"_qs, u"second mail"_qs}));
     EXPECT_FALSE(context().undo());
     EXPECT_EQ(sortedTextsOf(contact), QStringList({u"Ann"_qs, u"first phone"_qs, u"first url"_qs}));
+}
+
+/// In parts, as an import writes: the names of newcomers reach their company without a look at all its
+/// people.
+TEST_F(SearchIndexOfRecords, FollowsACompanyThatGrowsInPartsWithWhatElseBecomesOfIt)
+{
+    const auto company = context().insert<EntityCompany>();
+    company->setTitle(u"Works"_qs);
+    const auto other = context().insert<EntityCompany>();
+    other->setTitle(u"Mill"_qs);
+    const auto person = [&](const QString &name, const CompanyPtr &firm) {
+        const auto contact = context().insert<EntityContacts>();
+        contact->setFirstName(name);
+        contact->setCompany(firm);
+        return contact;
+    };
+    const ContactPtr mover = person(u"Max"_qs, other);
+    ASSERT_FALSE(DBWorker::saveContext());
+    Transaction import(context(), ChangeAuthor::Import, u"Import"_qs);
+    SearchIndex::Ahead ahead;
+    CompanyPtr young;
+    const auto part = [&](
+                          const QString &name, const std::function<void()> &more = [] {}) {
+        ahead.add(person(name, company));
+        ahead.add(person(name, other));
+        more();
+        ASSERT_FALSE(import.commitPart());
+        ahead.committed();
+    };
+    part(u"Ann"_qs);
+    part(u"Ann"_qs, [&] {
+        young = context().insert<EntityCompany>();
+        young->setTitle(u"Start"_qs);
+        ahead.add(person(u"Yve"_qs, young));
+    });
+    part(u"Bob"_qs, [&] {
+        const auto phone = context().insert<EntityPhone>();
+        phone->setNumber(u"112"_qs);
+        phone->setCompany(company);
+        ahead.add(person(u"Zoe"_qs, young));
+    });
+    part(u"Cid"_qs, [&] { mover->setCompany(company); });
+    part(u"Dee"_qs, [&] { mover->setFirstName(u"Moe"_qs); });
+    EXPECT_EQ(sortedTextsOf(company), QStringList({u"112"_qs, u"Ann"_qs, u"Ann"_qs, u"Bob"_qs, u"Cid"_qs,
+                                                   u"Dee"_qs, u"Moe"_qs, u"Works"_qs}));
+    EXPECT_EQ(sortedTextsOf(other),
+              QStringList({u"Ann"_qs, u"Ann"_qs, u"Bob"_qs, u"Cid"_qs, u"Dee"_qs, u"Mill"_qs}));
+    EXPECT_EQ(sortedTextsOf(young), QStringList({u"Start"_qs, u"Yve"_qs, u"Zoe"_qs}));
 }
 
 TEST_F(SearchIndexOfRecords, FindsARenamedProjectAtOnceAndItsTasksByTheOldNameUntilTheyChange)

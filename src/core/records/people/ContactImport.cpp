@@ -26,18 +26,10 @@ using knowncontacts::oneLine;
 
 namespace {
 
-/// Names cannot hold it.
-constexpr QChar nameSeparator(u'\n');
-
-QString keyOf(const QString &first, const QString &last)
-{
-    return first + nameSeparator + last;
-}
-
 /// Companies have a title, and no two names.
 QString keyOfCompany(const QString &title)
 {
-    return keyOf(keyOf({}, title), {});
+    return PresentNames::keyOf(PresentNames::keyOf({}, title), {});
 }
 
 template <typename Type, typename Labels>
@@ -75,67 +67,7 @@ ContactImport::ContactImport(PngMaker toPng)
     , addressTypes(typesIn(DBWorker::allAddressType()))
     , urlTypes(typesIn(DBWorker::allURLType()))
     , categories(typesIn(DBWorker::allContactCategories()))
-{
-    mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
-        contacts.insert(keyOf(row.text(0), row.text(1)), row.rowId());
-    });
-    mainContext().visit(EntityCompany::fetchRequest(), {"title"}, [&](const RowReader &row) {
-        // Of several with one title the first is meant.
-        RowId &first = companyRows[row.text(0)];
-        first = first == 0 ? row.rowId() : std::min(first, row.rowId());
-    });
-    bareCompanies = companiesWithTitleOnly();
-    bareContacts = contactsWithNameOnly();
-}
-
-/// The identifiers of those who have a phone, an address, mail or a page of the web.
-static QSet<QString> ownersOfDetails(const std::string &ownerColumn)
-{
-    QSet<QString> owners;
-    for (const FetchRequest &details : {EntityPhone::fetchRequest(), EntityEmail::fetchRequest(),
-                                        EntityURL::fetchRequest(), EntityAddress::fetchRequest()})
-        mainContext().visit(details, {ownerColumn}, [&](const RowReader &row) {
-            if (!row.isNull(0))
-                owners.insert(row.text(0));
-        });
-    return owners;
-}
-
-QSet<RowId> ContactImport::contactsWithNameOnly()
-{
-    const QSet<QString> described = ownersOfDetails("contact");
-    QSet<RowId> rows;
-    QHash<QString, int> namesakes;
-    QHash<RowId, QString> names;
-    mainContext().visit(
-        EntityContacts::fetchRequest(),
-        {"id", "birthday", "photoName", "company", "contactCategory", "firstName", "lastName"},
-        [&](const RowReader &row) {
-            const QString name = fullNameWith(row.text(5), row.text(6));
-            ++namesakes[name];
-            const bool hasMore = !row.isNull(1) || !row.text(2).isEmpty() || !row.isNull(3) ||
-                                 !row.isNull(4) || described.contains(row.text(0));
-            if (!hasMore)
-                names.insert(row.rowId(), name);
-        });
-    for (auto bare = names.constBegin(); bare != names.constEnd(); ++bare) {
-        if (namesakes.value(*bare) == 1)
-            rows.insert(bare.key());
-    }
-    return rows;
-}
-
-QSet<QString> ContactImport::companiesWithTitleOnly()
-{
-    const QSet<QString> described = ownersOfDetails("company");
-    QSet<QString> titles;
-    mainContext().visit(
-        EntityCompany::fetchRequest(), {"id", "title", "details", "photoName"}, [&](const RowReader &row) {
-            if (!described.contains(row.text(0)) && row.text(2).isEmpty() && row.text(3).isEmpty())
-                titles.insert(row.text(1));
-        });
-    return titles;
-}
+{}
 
 std::shared_ptr<EntityPhoneType> ContactImport::phoneTypeWith(const QString &label) const
 {
@@ -162,20 +94,12 @@ std::shared_ptr<EntityContactCategory> ContactImport::categoryNamed(const QStrin
     return tablewords::namedAmong(categories, title);
 }
 
-template <typename Entity>
-static std::shared_ptr<Entity> loaded(RowId row)
-{
-    const ObjectList<Entity> rows(mainContext(), organiserModel().requireEntity(Entity::entityName), {row});
-    return rows.at(0);
-}
-
 CompanyPtr ContactImport::companyNamed(const QString &title)
 {
     CompanyPtr &company = companies[title];
     if (company)
         return company;
-    if (const RowId row = companyRows.value(title))
-        company = loaded<EntityCompany>(row);
+    company = presentNames.company(title);
     if (!company) {
         company = mainContext().insert<EntityCompany>();
         company->setTitle(title);
@@ -385,16 +309,14 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
                                : localized(u"\"%1\" is no person."_s).arg(which));
         return nullptr;
     }
-    const QString key = keyOf(first, last);
-    const auto known = contacts.constFind(key);
-    const ContactPtr present = known != contacts.constEnd() && bareContacts.remove(*known)
-                                   ? loaded<EntityContacts>(*known)
-                                   : nullptr;
-    if (known != contacts.constEnd() && !present) {
+    const QString key = PresentNames::keyOf(first, last);
+    const bool isNew = !newcomers.contains(key);
+    const bool isThere = presentNames.rowOfContact(first, last) != 0;
+    const ContactPtr present = isNew && isThere ? presentNames.bareContact(name) : nullptr;
+    if (!isNew || (isThere && !present)) {
         meet(contact);
         return nullptr;
     }
-    contacts.insert(key, 0);
     newcomers.insert(key, knowncontacts::from(contact));
     const ContactPtr row = present ? present : mainContext().insert<EntityContacts>();
     const std::size_t formerSize = present ? sizeOf(*present) : 0;
@@ -434,14 +356,14 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
 CompanyPtr ContactImport::importCompany(const CNContact &contact)
 {
     const QString title = oneLine(contact.organizationName);
-    const bool hasMore = companyRows.contains(title) && !bareCompanies.contains(title);
+    const bool hasMore = presentNames.hasCompany(title) && !presentNames.isBareCompany(title);
     if (hasMore || describedCompanies.contains(title)) {
         meetCompany(contact);
         return nullptr;
     }
     describedCompanies.insert(title);
     newcomers.insert(keyOfCompany(title), knowncontacts::from(contact));
-    if (companyRows.contains(title))
+    if (presentNames.hasCompany(title))
         ++account.filledCompanies;
     const CompanyPtr company = companyNamed(title);
     company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
@@ -467,7 +389,7 @@ void ContactImport::meetCompany(const CNContact &contact)
 {
     const QString title = oneLine(contact.organizationName);
     account.existing.append(title);
-    const RowId row = companyRows.value(title);
+    const RowId row = presentNames.rowOfCompany(title);
     const bool isNew = describedCompanies.contains(title);
     if (isNew)
         tell(contact, knowncontacts::verdictOn(contact, newcomers.value(keyOfCompany(title))));
@@ -483,12 +405,12 @@ void ContactImport::meet(const CNContact &contact)
     const QString first = oneLine(contact.givenName);
     const QString last = oneLine(contact.familyName);
     account.existing.append(fullNameWith(first, last));
-    const RowId row = contacts.value(keyOf(first, last));
     CNContact card = withoutPicture(contact);
-    if (row != 0)
-        met.emplace_back(row, std::move(card));
-    else if (const auto newcomer = newcomers.constFind(keyOf(first, last)); newcomer != newcomers.constEnd())
+    if (const auto newcomer = newcomers.constFind(PresentNames::keyOf(first, last));
+        newcomer != newcomers.constEnd())
         tell(contact, knowncontacts::verdictOn(contact, *newcomer));
+    else if (const RowId row = presentNames.rowOfContact(first, last); row != 0)
+        met.emplace_back(row, std::move(card));
 }
 
 void ContactImport::tell(const CNContact &card, CardVerdict verdict)

@@ -2,6 +2,7 @@
 
 #include "records/people/ContactImportAccount.h"
 #include "records/people/KnownContact.h"
+#include "records/people/PresentNames.h"
 
 #include <QHash>
 #include <QSet>
@@ -33,12 +34,6 @@ public:
     /// Something that could not even be read.
     void refuse(const QString &sentence) { account.refused.append(sentence); }
 
-    /// The contacts that have no more than their name, groups, projects and notes: a task, a project or a
-    /// note brought them along. One of whose name there are several is not among them, for a card could be
-    /// that of another one.
-    static QSet<RowId> contactsWithNameOnly();
-    /// The titles of the companies that have no more than their title: people brought them along.
-    static QSet<QString> companiesWithTitleOnly();
     /// What has come of all of it. Looks what the contacts that were there lack; to be called once, at the
     /// end.
     ContactImportAccount finish();
@@ -80,17 +75,11 @@ private:
     std::vector<std::shared_ptr<EntityAddressType>> addressTypes;
     std::vector<std::shared_ptr<EntityURLType>> urlTypes;
     std::vector<std::shared_ptr<EntityContactCategory>> categories;
-    /// Rows of contacts by their two names, and of companies by their title; 0 for those that are new.
-    QHash<QString, RowId> contacts;
-    QHash<QString, RowId> companyRows;
+    PresentNames presentNames;
     QHash<QString, CompanyPtr> companies;
     QHash<QString, std::shared_ptr<EntityContactGroup>> groups;
     /// The titles of those whose card has come in.
     QSet<QString> describedCompanies;
-    /// The titles of those that have no more than their title.
-    QSet<QString> bareCompanies;
-    /// Those that have no more than their name.
-    QSet<RowId> bareContacts;
     /// What the first card of each name had, of those that came in with this import.
     QHash<QString, KnownContact> newcomers;
     /// What the cards have of contacts and companies that were there before, without pictures.

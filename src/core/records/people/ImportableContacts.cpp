@@ -42,19 +42,7 @@ QString withoutEnd(QString sentence)
 
 } // namespace
 
-ImportableContacts::ImportableContacts()
-{
-    const QSet<RowId> bare = ContactImport::contactsWithNameOnly();
-    mainContext().visit(EntityContacts::fetchRequest(), {"firstName", "lastName"}, [&](const RowReader &row) {
-        const QString name = fullNameWith(row.text(0), row.text(1));
-        present.insert(name);
-        if (bare.contains(row.rowId()))
-            bareContacts.insert(name);
-    });
-    mainContext().visit(EntityCompany::fetchRequest(), {"title"},
-                        [&](const RowReader &row) { presentCompanies.insert(row.text(0)); });
-    bareCompanies = ContactImport::companiesWithTitleOnly();
-}
+ImportableContacts::ImportableContacts() = default;
 
 ImportableContacts::~ImportableContacts() = default;
 
@@ -156,9 +144,12 @@ void ImportableContacts::take(const ContactReader::Entry &card)
     }
     candidates.push_back(candidate);
     const auto key = static_cast<MarkedRows::Key>(candidates.size());
-    const bool isKnown = (contact.hasName() ? present : presentCompanies).contains(title);
-    const bool isBare = (contact.hasName() ? bareContacts : bareCompanies).contains(title);
-    const bool isPresent = isKnown && (!isBare || saysNoMore(contact));
+    const bool isKnown = contact.hasName() ? presentNames.hasContact(title) : presentNames.hasCompany(title);
+    const auto isBare = [&] {
+        return contact.hasName() ? presentNames.bareContact(title) != nullptr
+                                 : presentNames.isBareCompany(title);
+    };
+    const bool isPresent = isKnown && (saysNoMore(contact) || !isBare());
     const QString detail = contact.hasName() ? contact.organizationName : localized(u"Company"_s);
     entries.push_back({key, title, isPresent ? localized(u"Already there"_s) : detail});
     if (isPresent)

@@ -76,11 +76,7 @@ private:
     /// A contact has its place in here plus one for a key.
     std::vector<Candidate> candidates;
     std::vector<MarkedRows::Entry> entries;
-    QSet<QString> present;
-    QSet<QString> presentCompanies;
-    /// Those of them that a card may say more of.
-    QSet<QString> bareCompanies;
-    QSet<QString> bareContacts;
+    PresentNames presentNames;
     std::unordered_set<MarkedRows::Key> known;
     QStringList sentences;
 };
