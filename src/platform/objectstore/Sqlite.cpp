@@ -13,6 +13,8 @@ namespace sqlite {
 namespace {
 
 constexpr size_t maximumCachedStatements = 256;
+/// In bytes of its text.
+constexpr qsizetype longestCachedStatement = 4096;
 /// How long to wait for another process that holds the file, and between two tries.
 constexpr std::chrono::milliseconds busyTimeout{2000};
 constexpr std::chrono::milliseconds busyStep{10};
@@ -250,7 +252,8 @@ Statement Database::prepare(const QByteArray &sql)
     sqlite3_stmt *statement = nullptr;
     sqlite3_prepare_v3(connection, sql.constData(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
                        &statement, nullptr);
-    if (!statement || found != cache.end())
+    // A long text names rows and hardly comes again; it would hold much memory.
+    if (!statement || found != cache.end() || sql.size() > longestCachedStatement)
         return Statement(statement, nullptr);
     trimCache();
     auto &cached = cache[key];
@@ -318,6 +321,22 @@ void Database::setCheckpointAtEnd(bool isOn)
 bool Database::isReadOnly() const
 {
     return sqlite3_db_readonly(connection, "main") == 1;
+}
+
+RoomyCache::RoomyCache(Database &database)
+    : roomy(database)
+    , formerSize(database.queryInteger("PRAGMA main.cache_size"))
+    , formerLog(database.queryInteger("PRAGMA wal_autocheckpoint"))
+{
+    roomy.execute("PRAGMA main.cache_size = -65536; PRAGMA wal_autocheckpoint = 5000").ignore();
+}
+
+RoomyCache::~RoomyCache()
+{
+    roomy
+        .execute("PRAGMA main.cache_size = " + QByteArray::number(formerSize) +
+                 "; PRAGMA wal_autocheckpoint = " + QByteArray::number(formerLog) + "; PRAGMA shrink_memory")
+        .ignore();
 }
 
 } // namespace sqlite

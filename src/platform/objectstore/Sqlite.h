@@ -137,4 +137,21 @@ private:
     std::chrono::steady_clock::time_point waitingSince;
 };
 
+/// While it lives, more of the file may be in memory and more of it in the log: for work that changes so many
+/// pages that they would be written several times.
+class RoomyCache
+{
+public:
+    explicit RoomyCache(Database &database);
+    ~RoomyCache();
+    Q_DISABLE_COPY_MOVE(RoomyCache)
+
+private:
+    Database &roomy;
+    /// Pages, or kibibytes if negative.
+    qint64 formerSize;
+    /// Pages in the log from which on they are moved to their place in the file.
+    qint64 formerLog;
+};
+
 } // namespace sqlite

@@ -358,7 +358,7 @@ OptionalError configure(sqlite::Database &database)
     // They are there for other programs; what is written here needs no second note, and costs less without.
     sqlite3_db_config(database.handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     return database.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON;"
-                            "PRAGMA temp_store = MEMORY; PRAGMA cache_size = -32768;");
+                            "PRAGMA temp_store = MEMORY; PRAGMA cache_size = -6144;");
 }
 
 } // namespace

@@ -91,7 +91,7 @@ std::shared_ptr<EntityURLType> ContactImport::urlsTypeWith(const QString &label)
 
 std::shared_ptr<EntityContactCategory> ContactImport::categoryNamed(const QString &title) const
 {
-    return tablewords::namedAmong(categories, title);
+    return title.isEmpty() ? nullptr : tablewords::namedAmong(categories, title);
 }
 
 CompanyPtr ContactImport::companyNamed(const QString &title)

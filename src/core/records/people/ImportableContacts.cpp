@@ -2,6 +2,7 @@
 
 #include "calendarsync/RecordsTransaction.h"
 #include "foundation/Localization.h"
+#include "objectstore/Sqlite.h"
 #include "store/entities/FullName.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -263,6 +264,7 @@ ContactImportAccount ImportableContacts::import(const ContactImport::PngMaker &t
 {
     // To write so many is hardly felt.
     constexpr int contactsOfPart = 500;
+    const sqlite::RoomyCache cache(mainContext().connection());
     RecordsTransaction transaction(u"Import Contacts"_s, ChangeAuthor::Import);
     ContactImport contacts(toPng);
     SearchIndex::Ahead index;

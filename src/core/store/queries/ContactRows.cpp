@@ -68,6 +68,8 @@ void sort(NamedContacts &found)
     std::ranges::sort(found.contacts, [&all = found.names](const auto &one, const auto &other) {
         return isBefore(all, one, other);
     });
+    found.names.shrink_to_fit();
+    found.contacts.shrink_to_fit();
 }
 
 NamedContacts sortedContacts(const FetchRequest &request)
