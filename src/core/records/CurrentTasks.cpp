@@ -9,6 +9,7 @@
 #include "store/queries/ListDefinitions.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -47,6 +48,14 @@ std::vector<Predicate> CurrentTasks::predicatesFor(const ProjectPtr &project)
     return all;
 }
 
+static QString nameOfHolder(const ObjectPtr &holder)
+{
+    if (const auto person = std::dynamic_pointer_cast<EntityContacts>(holder))
+        return person->fullName();
+    const auto company = std::dynamic_pointer_cast<EntityCompany>(holder);
+    return company ? company->title() : QString();
+}
+
 void CurrentTasks::getAllData()
 {
     std::vector<Predicate> all = {Predicate::format("title <> nil and title <> %@", u""_s),
@@ -56,13 +65,23 @@ void CurrentTasks::getAllData()
             all.push_back(std::move(one));
     }
     std::vector<MarkedRows::Entry> found;
+    std::unordered_map<std::string, std::vector<std::size_t>> placesOfOthers;
     const std::string own = object->identifier().toStdString();
     const FetchRequest request = EntityTask::fetchRequest().where(Predicate::allOf(all));
     mainContext().visit(request, {"title", columnOf(*object)}, [&](const RowReader &row) {
-        found.push_back({row.rowId(), row.text(0)});
         if (row.utf8(1) == own)
             linked.insert(row.rowId());
+        else if (!row.isNull(1))
+            placesOfOthers[std::string(row.utf8(1))].push_back(found.size());
+        found.push_back({row.rowId(), row.text(0)});
     });
+    // A mark takes the task from somebody else, which is to be seen before.
+    for (const auto &[holder, places] : placesOfOthers) {
+        const QString name =
+            nameOfHolder(mainContext().object(object->entity().name(), QString::fromStdString(holder)));
+        for (const std::size_t place : places)
+            found[place].detail = name;
+    }
     tasks.setEntries(std::move(found));
     tasks.setMarked(linked);
 }

@@ -147,6 +147,14 @@ TEST_F(LinkingTasks, OffersAllTasksToAContactAndACompany)
         EXPECT_TRUE(tasks.save());
         EXPECT_EQ(CurrentTasks(object).list().marked().size(), 1u);
     }
+    const auto bob = context().insert<EntityContacts>();
+    const auto detailFor = [](const ObjectPtr &object) {
+        const CurrentTasks tasks(object);
+        return tasks.list().rows().back().detail;
+    };
+    ann->setFirstName(u"Ann"_qs);
+    EXPECT_EQ(detailFor(bob), u"Ann"_qs) << "whose task it is, before it is taken";
+    EXPECT_EQ(detailFor(ann), QString());
     EXPECT_EQ(done->delegateToUser(), ann);
     EXPECT_EQ(done->company(), firm);
     EXPECT_EQ(done->project(), house);
