@@ -469,12 +469,12 @@ bool RowMerge::keepLosers()
     std::erase_if(losers, [this](const Loser &one) { return !isInTable(one.key); });
     while (!losers.empty()) {
         std::set<std::pair<RowKey, QByteArray>> places;
-        const auto later = std::ranges::stable_partition(losers, [&places](const Loser &one) {
+        const auto later = std::stable_partition(losers.begin(), losers.end(), [&places](const Loser &one) {
             return places.insert({one.key, one.column}).second;
         });
-        if (!keepTogether({losers.begin(), later.begin()}))
+        if (!keepTogether({losers.begin(), later}))
             return false;
-        losers.erase(losers.begin(), later.begin());
+        losers.erase(losers.begin(), later);
     }
     return true;
 }
