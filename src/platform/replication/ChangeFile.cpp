@@ -1,6 +1,7 @@
 #include "replication/ChangeFile.h"
 
 #include "objectstore/ManagedObjectModel.h"
+#include "replication/WholeNumber.h"
 
 #include <QCborArray>
 #include <QCborMap>
@@ -72,13 +73,13 @@ Result<ChangeFile> ChangeFile::fromBytes(const QByteArray &bytes)
     if (parser.error.c != QCborError::NoError)
         return unreadable("It is damaged");
     const QCborMap map = value.toMap();
-    if (map.value(key::Format).toInteger() != formatVersion)
+    if (wholeNumber(map.value(key::Format)) != formatVersion)
         return unreadable("It was written by another version of the program");
     ChangeFile file;
-    file.schema = static_cast<int>(map.value(key::Schema).toInteger());
-    file.dot = {map.value(key::Device).toString().toUtf8(), map.value(key::Number).toInteger()};
-    file.time = map.value(key::Time).toInteger();
-    file.wall = map.value(key::Wall).toInteger();
+    file.schema = static_cast<int>(wholeNumber(map.value(key::Schema)));
+    file.dot = {map.value(key::Device).toString().toUtf8(), wholeNumber(map.value(key::Number))};
+    file.time = wholeNumber(map.value(key::Time));
+    file.wall = wholeNumber(map.value(key::Wall));
     file.seen = VersionVector::fromText(map.value(key::Seen).toString().toUtf8());
     file.deviceName = map.value(key::Name).toString();
     file.changeset = map.value(key::Changes).toByteArray();

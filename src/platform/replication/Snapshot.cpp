@@ -5,6 +5,7 @@
 #include "objectstore/SqlText.h"
 #include "objectstore/Sqlite.h"
 #include "objectstore/StoreFile.h"
+#include "replication/WholeNumber.h"
 
 #include <QCborMap>
 #include <QCborValue>
@@ -156,18 +157,19 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
     if (parser.error.c != QCborError::NoError)
         return failure(QStringLiteral("It is damaged"));
     const QCborMap map = value.toMap();
-    if (map.value(headkey::Format).toInteger() != snapshotFormat)
+    if (wholeNumber(map.value(headkey::Format)) != snapshotFormat)
         return failure(QStringLiteral("It was written by another version of the program"));
     HeadWithParts found;
-    found.head.schema = static_cast<int>(map.value(headkey::Schema).toInteger());
-    found.head.dot = {map.value(headkey::Device).toString().toUtf8(), map.value(headkey::Number).toInteger()};
+    found.head.schema = static_cast<int>(wholeNumber(map.value(headkey::Schema)));
+    found.head.dot = {map.value(headkey::Device).toString().toUtf8(),
+                      wholeNumber(map.value(headkey::Number))};
     found.head.seen = VersionVector::fromText(map.value(headkey::Seen).toString().toUtf8());
     found.head.size = file.size();
     found.head.keyMark = Sealer::keyMarkIn(part->bytes);
-    found.parts = static_cast<int>(map.value(headkey::Parts).toInteger());
+    found.parts = static_cast<int>(wholeNumber(map.value(headkey::Parts)));
     // The parts before it was known how long they become.
-    const qint64 expected = file.pos() + map.value(headkey::Size).toInteger();
-    if (found.head.dot.device.isEmpty() || found.parts < 1 || expected != file.size())
+    const qint64 size = wholeNumber(map.value(headkey::Size));
+    if (found.head.dot.device.isEmpty() || found.parts < 1 || size != file.size() - file.pos())
         return failure(QStringLiteral("It is not complete"));
     return found;
 }
