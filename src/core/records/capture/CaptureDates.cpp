@@ -43,6 +43,7 @@ CaptureReader::Days CaptureReader::daysAt(size_t place) const
     size_t next = place;
     bool isRange = false;
     bool isStrong = mustBeDate;
+    int shift = 0;
     if (const auto fromWord = match(next, {Meaning::From}); fromWord) {
         isRange = true;
         isStrong = true;
@@ -53,6 +54,7 @@ CaptureReader::Days CaptureReader::daysAt(size_t place) const
             return whole;
         next += size_t(lead->count);
         isStrong = isStrong || !lead->entry.isWeak;
+        shift = lead->entry.number * lead->number.value_or(1);
         if (Days glued = gluedRange(next); glued.count > 0) {
             glued.count += lead->count;
             return glued;
@@ -75,6 +77,11 @@ CaptureReader::Days CaptureReader::daysAt(size_t place) const
     if (!days.last && !canBeAlone)
         return {};
     days.count = int(next - place);
+    if (shift != 0 && (days.last || days.minute || days.part || days.isSomeday))
+        return {};
+    // Before tomorrow is today, and there is no day before that.
+    days.first =
+        std::max(calendar.dateByAdding(CalendarUnit::Day, shift, days.first), std::min(days.first, today));
     return days;
 }
 

@@ -105,6 +105,13 @@ void CaptureWords::addEnglish()
     add({u"on", u"by", u"due", u"due on", u"due by", u"on the", u"by the", u"this", u"on this", u"starting",
          u"starting on", u"beginning on", u"as of", u"until", u"till"},
         BeforeDate);
+    // What has to be done before a day has all of the day before it.
+    add({u"before", u"before the"}, BeforeDate, -1, true);
+    add({u"# days before", u"# day before", u"a day before", u"the day before"}, BeforeDate, -1, true);
+    add({u"# days after", u"# day after", u"a day after", u"the day after"}, BeforeDate, 1, true);
+    add({u"# weeks before", u"# week before", u"a week before", u"the week before"}, BeforeDate, -7, true);
+    add({u"# weeks after", u"# week after", u"a week after", u"the week after"}, BeforeDate, 7, true);
+    add({u"before"}, BeforeTime, 0, true);
     // These stand before other words as well: "the sun", "for 5".
     add({u"the", u"for", u"for the"}, BeforeDate, 0, true);
     add({u"at", u"by", u"around", u"due", u"due at", u"due by"}, BeforeTime);

@@ -121,6 +121,14 @@ void CaptureWords::addGerman()
          u"spätestens", u"spätestens am", u"bis spätestens", u"bis spätestens am", u"ab dem",
          u"bis einschließlich"},
         BeforeDate);
+    add({u"vor", u"noch vor", u"vor dem"}, BeforeDate, -1, true);
+    add({u"# tage vor", u"# tage vor dem", u"# tag vor", u"einen tag vor", u"am tag vor"}, BeforeDate, -1,
+        true);
+    add({u"# tage nach", u"# tage nach dem", u"# tag nach", u"einen tag nach", u"am tag nach"}, BeforeDate, 1,
+        true);
+    add({u"# wochen vor", u"# wochen vor dem", u"eine woche vor"}, BeforeDate, -7, true);
+    add({u"# wochen nach", u"# wochen nach dem", u"eine woche nach"}, BeforeDate, 7, true);
+    add({u"vor", u"noch vor"}, BeforeTime, 0, true);
     add({u"den", u"dem", u"der", u"für", u"für den"}, BeforeDate, 0, true);
     add({u"um", u"gegen", u"bis", u"ab"}, BeforeTime);
     add({u"von", u"vom", u"ab"}, From);

@@ -72,6 +72,11 @@ private:
         int count = 0;
         int number = 0;
     };
+    struct DaysOfMonth
+    {
+        int count = 0;
+        std::vector<int> days = {};
+    };
     struct OrdinalDay
     {
         int count = 0;
@@ -167,12 +172,15 @@ private:
     bool isOnlyNamed(size_t place, const Repeat &repeat) const;
     Repeat onDayOfEachMonth(size_t place) const;
     Repeat onEachWeekday(size_t place) const;
+    Repeat onSeveralWeekdays(size_t place) const;
     Repeat onLastDay(int count) const;
     Repeat ofOrdinalDay(const OrdinalDay &day, int count) const;
     size_t onDayOfMonth(size_t place, size_t otherwise, Repeat &repeat) const;
     size_t onDayOfYear(size_t place, size_t otherwise, int interval, Repeat &repeat) const;
     size_t readEnd(size_t place, RecurrenceRule &rule) const;
     Counted ordinalAt(size_t place) const;
+    DaysOfMonth daysOfMonthAt(size_t place, bool hasLead) const;
+    void repeatOn(const std::vector<int> &daysOfMonth, Repeat &repeat) const;
     OrdinalDay ordinalDayAt(size_t place) const;
     OptionalDate nextOrdinalDay(const OrdinalDay &day, Date start) const;
     Weekdays weekdaysAt(size_t place, CaptureWords::Meaning meaning, bool canBeWeak) const;

@@ -20,6 +20,24 @@ RecurrenceRule ruleOf(RecurrenceFrequency frequency, int interval = 1)
     return rule;
 }
 
+/// How often something that is repeated comes in one such unit; 0 if that differs from one to the next.
+int timesIn(Meaning unit, const RecurrenceRule &rule)
+{
+    constexpr int daysOfWeek = 7;
+    switch (rule.frequency) {
+    case RecurrenceFrequency::daily:
+        return unit == Meaning::DayUnit ? 1 : unit == Meaning::WeekUnit ? daysOfWeek : 0;
+    case RecurrenceFrequency::weekly:
+        return unit == Meaning::WeekUnit ? std::max(1, int(rule.byweekday.size())) : 0;
+    case RecurrenceFrequency::monthly:
+        return unit == Meaning::MonthUnit ? std::max(1, int(rule.bymonthday.size())) : 0;
+    case RecurrenceFrequency::yearly:
+        return unit == Meaning::YearUnit ? 1 : 0;
+    default:
+        return 0;
+    }
+}
+
 } // namespace
 
 bool CaptureReader::takeRepeat(size_t &place)
@@ -75,6 +93,8 @@ CaptureReader::Repeat CaptureReader::repeatAt(size_t place) const
         return repeat;
     if (Repeat repeat = onEachWeekday(place); repeat.count > 0)
         return repeat;
+    if (Repeat repeat = onSeveralWeekdays(place); repeat.count > 0)
+        return repeat;
     const auto phrase = match(place, {Meaning::Daily, Meaning::Weekly, Meaning::Monthly, Meaning::Yearly,
                                       Meaning::OnWorkdays, Meaning::OnWeekends});
     const Repeat every = everyAt(place);
@@ -91,6 +111,12 @@ CaptureReader::Repeat CaptureReader::repeatAt(size_t place) const
         break;
     case Meaning::Monthly:
         repeat.rule = ruleOf(RecurrenceFrequency::monthly, interval);
+        // "monthly on the 1st and 15th"
+        if (const auto on = match(place + size_t(repeat.count), {Meaning::BeforeDate})) {
+            const DaysOfMonth days = daysOfMonthAt(place + size_t(repeat.count + on->count), false);
+            repeatOn(days.days, repeat);
+            repeat.count += days.count > 0 ? on->count + days.count : 0;
+        }
         break;
     case Meaning::Yearly:
         repeat.rule = ruleOf(RecurrenceFrequency::yearly, interval);
@@ -113,6 +139,41 @@ CaptureReader::Counted CaptureReader::ordinalAt(size_t place) const
         return {1, parts.captured(1).toInt()};
     const auto named = match(place, {Meaning::Ordinal});
     return named ? Counted{named->count, named->entry.number} : Counted{};
+}
+
+/// "1st and 15th", "1., 10. und 20.": the days of a month, with a lead also as plain numbers.
+CaptureReader::DaysOfMonth CaptureReader::daysOfMonthAt(size_t place, bool hasLead) const
+{
+    DaysOfMonth found;
+    for (size_t next = place; isFree(next);) {
+        const bool isOrdinal = ordinalAt(next).count > 0;
+        const int day = isOrdinal ? ordinalAt(next).number : hasLead ? numberOfDay(next) : 0;
+        if (day < 1 || !nextDayOfMonth(day))
+            break;
+        found.days.push_back(day);
+        const size_t behind = next + size_t(isOrdinal ? ordinalAt(next).count : 1);
+        found.count = int(behind - place);
+        const auto also = match(behind, {Meaning::And});
+        const bool hasComma = words[behind - 1].text.endsWith(u',');
+        if (!also && !hasComma)
+            break;
+        next = behind + size_t(also ? also->count : 0);
+        hasLead = false;
+    }
+    std::ranges::sort(found.days);
+    return found;
+}
+
+/// It begins on the first of them; several are all in the rule.
+void CaptureReader::repeatOn(const std::vector<int> &daysOfMonth, Repeat &repeat) const
+{
+    for (const int day : daysOfMonth) {
+        const OptionalDate date = nextDayOfMonth(day);
+        if (!repeat.first || (date && *date < *repeat.first))
+            repeat.first = date;
+    }
+    if (daysOfMonth.size() > 1)
+        repeat.rule->bymonthday = daysOfMonth;
 }
 
 /// "first Monday of the month", "letzten Freitag im Monat"; without the month, too.
@@ -186,11 +247,13 @@ CaptureReader::Repeat CaptureReader::onDayOfEachMonth(size_t place) const
         if (const int count = isEach(begin + size_t(last->count)); count > 0)
             return onLastDay(leading + last->count + count);
     }
-    const Counted ordinal = ordinalAt(begin);
-    const int count = ordinal.count > 0 && ordinal.number > 0 ? isEach(begin + size_t(ordinal.count)) : 0;
-    if (const OptionalDate date = count > 0 ? nextDayOfMonth(ordinal.number) : OptionalDate())
-        return {leading + ordinal.count + count, ruleOf(RecurrenceFrequency::monthly), date};
-    return {};
+    const DaysOfMonth days = daysOfMonthAt(begin, false);
+    const int count = days.count > 0 ? isEach(begin + size_t(days.count)) : 0;
+    if (count == 0)
+        return {};
+    Repeat repeat{leading + days.count + count, ruleOf(RecurrenceFrequency::monthly)};
+    repeatOn(days.days, repeat);
+    return repeat;
 }
 
 /// Weekdays with what joins them: "Mon, Wed and Fri", "Mo-Fr", "Mon/Wed".
@@ -262,6 +325,26 @@ CaptureReader::Repeat CaptureReader::onEachWeekday(size_t place) const
     RecurrenceRule rule = ruleOf(RecurrenceFrequency::weekly);
     rule.byweekday = weekdays.days;
     return {int(begin - place) + weekdays.count, rule, {}, weekdays.part};
+}
+
+/// "Mon, Wed, Fri", "Di/Do": what is said of so many days comes each week. "Mon-Fri" is one span of days.
+CaptureReader::Repeat CaptureReader::onSeveralWeekdays(size_t place) const
+{
+    constexpr std::size_t many = 3;
+    if (known.contains(CapturePiece::Kind::Date))
+        return {};
+    const Weekdays weekdays = weekdaysAt(place, Meaning::Weekday, true);
+    const bool isGlued = weekdays.count == 1;
+    if (weekdays.days.size() < (isGlued ? many - 1 : many))
+        return {};
+    for (size_t next = place; next < place + size_t(weekdays.count); ++next) {
+        const bool isSpan = words[next].text.contains(u'-') || words[next].text.contains(u'–');
+        if (isSpan || match(next, {Meaning::To}))
+            return {};
+    }
+    RecurrenceRule rule = ruleOf(RecurrenceFrequency::weekly);
+    rule.byweekday = weekdays.days;
+    return {weekdays.count, rule, {}, weekdays.part};
 }
 
 /// "every 2 weeks", "every Monday and Thursday", "alle 3 Tage", "jeden 15.", "every 31 Dec", "every 2nd
@@ -353,13 +436,11 @@ size_t CaptureReader::onDayOfMonth(size_t place, size_t otherwise, Repeat &repea
         repeat.rule->interval = interval;
         return place + size_t(day.count);
     }
-    if (const int day = place > otherwise || ordinalAt(place).count > 0 ? numberOfDay(place) : 0; day > 0) {
-        if (const OptionalDate date = nextDayOfMonth(day)) {
-            repeat.first = date;
-            return place + 1;
-        }
-    }
-    return otherwise;
+    const DaysOfMonth days = daysOfMonthAt(place, place > otherwise);
+    if (days.count == 0)
+        return otherwise;
+    repeatOn(days.days, repeat);
+    return place + size_t(days.count);
 }
 
 /// "every 31 Dec", "every year on 24.12.", "every 15th".
@@ -374,14 +455,12 @@ size_t CaptureReader::onDayOfYear(size_t place, size_t otherwise, int interval, 
         repeat.first = date.first;
         return place + size_t(date.count);
     }
-    const Counted ordinal = ordinalAt(place);
-    const OptionalDate day =
-        ordinal.count > 0 && !repeat.rule ? nextDayOfMonth(ordinal.number) : OptionalDate();
-    if (!day)
+    const DaysOfMonth days = repeat.rule ? DaysOfMonth{} : daysOfMonthAt(place, false);
+    if (days.count == 0)
         return otherwise;
     repeat.rule = ruleOf(RecurrenceFrequency::monthly, interval);
-    repeat.first = day;
-    return place + size_t(ordinal.count);
+    repeatOn(days.days, repeat);
+    return place + size_t(days.count);
 }
 
 /// "until 31.12.", "bis Ende Mai"; "5 times", "10 mal".
@@ -390,6 +469,20 @@ size_t CaptureReader::readEnd(size_t place, RecurrenceRule &rule) const
     if (const auto times = match(place, {Meaning::Times}); times && times->number.value_or(0) > 0) {
         rule.recurrenceEnd = EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(*times->number);
         return place + size_t(times->count);
+    }
+    // "daily for 2 weeks"
+    if (const auto lasting = match(place, {Meaning::For}); lasting && rule.interval == 1) {
+        const size_t at = place + size_t(lasting->count);
+        const auto number = isFree(at) ? dictionary.numberOf(words[at].folded) : std::nullopt;
+        const auto unit =
+            number
+                ? match(at + 1, {Meaning::DayUnit, Meaning::WeekUnit, Meaning::MonthUnit, Meaning::YearUnit})
+                : std::nullopt;
+        const int each = unit ? timesIn(unit->entry.meaning, rule) : 0;
+        if (each > 0 && *number > 0) {
+            rule.recurrenceEnd = EKRecurrenceEnd::recurrenceEndWithOccurrenceCount(*number * each);
+            return at + 1 + size_t(unit->count);
+        }
     }
     const auto until = match(place, {Meaning::Until});
     if (!until)

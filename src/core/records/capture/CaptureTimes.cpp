@@ -233,16 +233,34 @@ CaptureReader::Times CaptureReader::timesAt(size_t place) const
         return {};
     size_t next = place + size_t(part ? part->count : 0);
     const auto lead = match(next, {Meaning::From, Meaning::BeforeTime, Meaning::Between});
+    // "5 vor 12"
+    if (lead && lead->entry.isWeak && place > 0 && dictionary.numberOf(words[place - 1].folded))
+        return {};
     next += size_t(lead ? lead->count : 0);
     const Times onlyPart =
         part ? Times{.count = part->count, .minute = part->entry.number, .hasPart = true} : Times{};
-    if (const auto fixed = match(next, {Meaning::Minute}); fixed && !part)
+    if (const auto fixed = match(next, {Meaning::Minute}); fixed && !part) {
+        // "Midnight snack"
+        const size_t behind = next + size_t(fixed->count);
+        if (next == 0 && behind < words.size() && !match(behind, {Meaning::BeforeDate}) &&
+            dayAt(behind, true).count == 0)
+            return {};
         return {.count = int(next - place) + fixed->count, .minute = fixed->entry.number};
+    }
     Times times = joinedTimes(next, lead.has_value());
     if (times.count == 0)
         times = rangeOfClocks(next, lead.has_value());
+    if (times.count == 0 && isBehindDay && !lead) {
+        // "tomorrow 9 to 5" at the end of a line, where nothing is left that could be counted.
+        const Times range = rangeOfClocks(next, true);
+        if (range.last && next + size_t(range.count) == words.size())
+            times = range;
+    }
     if (lead && lead->entry.meaning == Meaning::Between && !times.last)
         return {};
+    // "before 5 o'clock", but not "before 5 others".
+    if (lead && lead->entry.isWeak && !times.isSure)
+        return onlyPart;
     // "from 5" alone is rather where a count begins.
     if (lead && !times.isSure && !times.last && times.count > 0 && !match(next - 1, {Meaning::BeforeTime}))
         return onlyPart;
@@ -291,6 +309,10 @@ CaptureReader::Clock CaptureReader::clockAt(size_t place, bool hasLead) const
         const int at = within < 60 ? within + noon : likely(within);
         return {.count = count, .minute = at, .spoken = within};
     }
+    // "at 0830"
+    static const QRegularExpression fourDigits(u"^(0\\d)([0-5]\\d)$"_s);
+    if (const auto digits = fourDigits.match(words[place].folded); hasLead && digits.hasMatch())
+        return {.count = 1, .minute = digits.captured(1).toInt() * 60 + digits.captured(2).toInt()};
     static const QRegularExpression pattern(
         u"^(\\d{1,2})(?:([:.h])(\\d{2}))?(am|pm|a\\.m\\.|p\\.m\\.|a|p|h|uhr)?[.!?]?$"_s);
     QString word = words[place].folded;
@@ -369,7 +391,8 @@ CaptureReader::Clock CaptureReader::clockAt(size_t place, bool hasLead) const
     // Nor by "2:30", but by "02:30" and "6:30".
     constexpr int firstHour = 6;
     const bool isOfDay = apart == u":"_s && half.isEmpty() && !word.startsWith(u'0') && hour < firstHour;
-    if ((isBare || isOfDay) && countsToTwelve)
+    const bool isOClockHour = count > 1 && apart.isEmpty() && words[place + 1].folded.startsWith(u'o');
+    if ((isBare || isOfDay || isOClockHour) && countsToTwelve)
         at = likely(at);
     const std::optional<int> spokenMinute = isHalf || hour > 12 ? std::nullopt : std::optional(said);
     return {.count = count, .minute = at, .spoken = spokenMinute, .isBare = isBare, .isHalf = isHalf};

@@ -56,7 +56,7 @@ public:
         LastDay,
         Times, ///< "3 times"
         // What stands before and between.
-        BeforeDate,
+        BeforeDate, ///< so many days from it are meant
         BeforeTime,
         From,
         Between,
