@@ -166,8 +166,9 @@ void deleteRowsFrom(OptionalDate date, const QString &calendarID, const EntityTa
     for (const TaskPtr &row : mainContext().fetch<EntityTask>(
              EntityTask::fetchRequest().where(Predicate::format("calendarID == %@", calendarID)))) {
         const OptionalDate own = row ? dateOf(*row) : std::nullopt;
-        // An earlier occurrence of the same day belongs to the part that stays.
-        const bool isFromThenOn = own && *own >= *date;
+        // An earlier occurrence of the same day belongs to the part that stays. What was done is on no
+        // calendar, which could not give it anew.
+        const bool isFromThenOn = own && *own >= *date && row->status() != TaskStatus::Done;
         if (isFromThenOn && row.get() != &kept)
             mainContext().deleteObject(row);
     }
@@ -186,8 +187,10 @@ TaskPtr shared(EntityTask &task)
 void takeSharedFields(const TaskPtr &task, const series::SharedFields &fields)
 {
     fields.writeTo(*task);
-    for (const TaskPtr &row : series::otherRows(*task))
-        fields.writeTo(*row);
+    for (const TaskPtr &row : series::otherRows(*task)) {
+        if (row->status() != TaskStatus::Done)
+            fields.writeTo(*row);
+    }
     const DateInterval seen = EventReader::window();
     if (task->startDate() && (*task->startDate() < seen.start || *task->startDate() > seen.end))
         mainContext().deleteObject(task);

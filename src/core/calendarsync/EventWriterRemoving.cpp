@@ -151,6 +151,18 @@ void endSeriesOfOne(const EntityTask &task)
     }
 }
 
+/// Until when a series repeats. Where it ends after a number of times, the rows that leave it could not count
+/// them later.
+OptionalDate endOfSeries(const EKEvent &event)
+{
+    const auto end =
+        event.hasRecurrenceRules() ? event.recurrenceRules.front().recurrenceEnd() : std::nullopt;
+    if (!end || end->occurrenceCount() == 0)
+        return end ? end->endDate() : std::nullopt;
+    const OptionalDate last = EKEventStore::lastStartOf(event);
+    return last ? OptionalDate(MTDates::endOfCurrentDay(*last)) : std::nullopt;
+}
+
 void keepAsDone(const EntityTask &task, EntityTask &row, OptionalDate endOfRule,
                 const series::AlertOffsets &offsets)
 {
@@ -172,11 +184,22 @@ void removeFuture(const TaskPtr &task, bool isDeleteTasks, OptionalDate endOfRul
     const OptionalDate day = task->startDate() ? task->startDate() : task->dueDate();
     for (const TaskPtr &row : earlier)
         row->setEndRepeat(day ? OptionalDate(MTDates::endOfCurrentDay(*day)) : std::nullopt);
+    const bool isPutOff = !isDeleteTasks && task->status() != TaskStatus::Done;
     for (const TaskPtr &row : future) {
-        if (isDeleteTasks)
+        if (isPutOff && row == task)
+            continue;
+        // What was done before is not undone with what comes.
+        if (isPutOff && row->status() == TaskStatus::Done)
+            continue;
+        if (isDeleteTasks || isPutOff)
             mainContext().deleteObject(row);
         else
             keepAsDone(*task, *row, endOfRule, offsets);
+    }
+    if (isPutOff) {
+        task->setCalendarID(QString());
+        task->setRepeat(QString());
+        task->setEndRepeat(std::nullopt);
     }
     if (isDeleteTasks && earlier.size() == 1) {
         earlier.front()->setRepeat(QString());
@@ -205,8 +228,7 @@ void removeOccurrences(RecordsTransaction &transaction, const TaskPtr &task, Spa
     const auto event =
         firstThatGoes(*task, isFuture, occurrences ? occurrences.value() : std::vector<EKEvent>());
     if (event) {
-        if (event->hasRecurrenceRules() && event->recurrenceRules.front().recurrenceEnd())
-            endOfRule = event->recurrenceRules.front().recurrenceEnd()->endDate();
+        endOfRule = endOfSeries(*event);
         const auto error = EventStoreAccess::eventStore().removeEvent(
             *event, isFuture ? EKSpan::FutureEvents : EKSpan::ThisEvent, true);
         if (mustWait(error))

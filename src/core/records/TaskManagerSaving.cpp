@@ -1,5 +1,6 @@
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/RecordsTransaction.h"
+#include "calendarsync/StoreReach.h"
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -126,15 +127,39 @@ void followRow(MVTask &task, const TaskPtr &row)
         task.moveToRow(row);
 }
 
+/// Takes a task that is done, or has no date any more, out of the calendar. Its event is found by the dates
+/// and the rule that the row had, so that these stay with it until then.
+void leaveCalendar(RecordsTransaction &transaction, MVTask &task, Span span)
+{
+    const TaskPtr row = task.task();
+    const bool isOnCalendar = row && !row->calendarID().isEmpty() && !calendarstore::isOffline();
+    const OptionalDate start = task.startDate;
+    const OptionalDate due = task.dueDate;
+    if (isOnCalendar) {
+        task.startDate = row->startDate();
+        task.dueDate = row->dueDate();
+        task.repeat = row->repeat();
+        task.endRepeat = row->endRepeat();
+    }
+    task.save();
+    followRow(task, CalendarEvent::removeEventCalendarFromTask(transaction, task.task(), span, false));
+    if (!isOnCalendar || !task.task()->context() || task.task()->isDeleted())
+        return;
+    task.startDate = start;
+    task.dueDate = due;
+    task.task()->setStartDate(start);
+    task.task()->setDueDate(due);
+}
+
 void saveSingle(RecordsTransaction &transaction, MVTask &task, OptionalDate oldDate)
 {
-    task.save();
-    if (isOffCalendar(task))
-        followRow(task, CalendarEvent::removeEventCalendarFromTask(transaction, task.task(),
-                                                                   Span::FutureTasks, false));
-    else
+    if (isOffCalendar(task)) {
+        leaveCalendar(transaction, task, Span::FutureTasks);
+    } else {
+        task.save();
         CalendarEvent::initEventCalendarFromTask(transaction, *task.task(), Span::FutureTasks, oldDate,
                                                  false);
+    }
     tellOfChange(task.task());
 }
 
@@ -153,6 +178,8 @@ std::optional<Span> askForSpan(RecordsTransaction &transaction)
 
 void saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalDate oldDate, Span span)
 {
+    if (isOffCalendar(task))
+        return leaveCalendar(transaction, task, span);
     task.save();
     followRow(task, TaskManager::saveWithDate(transaction, oldDate, task.task(), span, true));
 }

@@ -228,6 +228,11 @@ bool EKEventStore::isOnlyOccurrence(const EKEvent &event)
     return event.origin && !ItemExpansion::hasOther(*event.origin->item, event.origin->occurrence.key);
 }
 
+OptionalDate EKEventStore::lastStartOf(const EKEvent &event)
+{
+    return event.origin ? ItemExpansion::lastStart(*event.origin->item) : std::nullopt;
+}
+
 std::shared_ptr<void> EKEventStore::holdContents() const
 {
     CalendarContents *held = contents.get();

@@ -107,6 +107,9 @@ public:
     bool mayBeUnusable(const QString &externalIdentifier) const;
     /// Whether a saved event has no other occurrence, however far away. Of the event as it was read.
     static bool isOnlyOccurrence(const EKEvent &event);
+    /// The start of the last occurrence of a saved event's series; absent if it has no end. Of the event as
+    /// it was read.
+    static OptionalDate lastStartOf(const EKEvent &event);
 
     /// Saves a new or changed event, which then is as the store has it. A new one that names an external
     /// identifier is made under that; the caller knows that there is none. Of a series with the span

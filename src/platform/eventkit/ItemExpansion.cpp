@@ -301,6 +301,15 @@ std::optional<qint64> ItemExpansion::next(const CalendarItem &item, qint64 key)
     return found;
 }
 
+OptionalDate ItemExpansion::lastStart(const CalendarItem &item)
+{
+    constexpr std::size_t most = 10'000;
+    if (!item.master())
+        return std::nullopt;
+    const ItemOccurrences all = occurrences(item, {.from = firstDate(item), .to = lastDate()}, most);
+    return all.isWhole && !all.found.empty() ? OptionalDate(all.found.back().start) : std::nullopt;
+}
+
 bool ItemExpansion::contains(const CalendarItem &item, qint64 key)
 {
     if (!item.master())

@@ -67,6 +67,8 @@ public:
     static std::optional<qint64> next(const CalendarItem &item, qint64 key);
     /// Whether there are any with another key.
     static bool hasOther(const CalendarItem &item, qint64 key);
+    /// The start of the last one of a series that ends; absent for one without an end, or of too many.
+    static OptionalDate lastStart(const CalendarItem &item);
     /// Whether the series itself has that occurrence, edited or not.
     static bool contains(const CalendarItem &item, qint64 key);
     /// The first match of any of the rules from an occurrence on, which is its own key if a rule has it.

@@ -38,13 +38,72 @@ TEST_F(SeriesStories, TheRestIsDone)
     for (const TaskPtr &row : rows()) {
         const bool isDone = row->status() == TaskStatus::Done;
         EXPECT_EQ(row->expirationDate().has_value(), isDone);
-        EXPECT_EQ(row->endRepeat(),
-                  isDone ? OptionalDate() : OptionalDate(localDate(2026, 11, 22, 23, 59, 59)));
+        EXPECT_EQ(row->endRepeat(), OptionalDate(localDate(2026, 11, isDone ? 25 : 22, 23, 59, 59)));
         EXPECT_EQ(row->calendarID(), u"standup"_qs);
     }
     pass();
     EXPECT_EQ(statuses(), QList({0, 0, 3, 3, 3, 3}));
     expectSettled();
+    // Opened again, the rest ends where the six of it ended.
+    editSeries(rows().at(2), Span::FutureTasks,
+               [](MVTask &task) { task.changeStatusType(TaskStatus::Open, false); });
+    pass();
+    EXPECT_EQ(calendar(),
+              QStringList({u"11-20 09:00 Standup"_qs, u"11-21 09:00 Standup"_qs, u"11-22 09:00 Standup"_qs,
+                           u"11-23 09:00 Standup"_qs, u"11-24 09:00 Standup"_qs, u"11-25 09:00 Standup"_qs}));
+}
+
+TEST_F(SeriesStories, WhatWasDoneOutlivesAnEditOfTheRest)
+{
+    pass();
+    finish(rows().at(1), Span::ThisTask);
+    finish(rows().at(3), Span::FutureTasks);
+    editSeries(rows().at(0), Span::FutureTasks, [](MVTask &task) { task.priority = Priority::High; });
+    pass();
+    EXPECT_EQ(statuses(), QList({0, 3, 0, 3, 3, 3}));
+    EXPECT_EQ(rows().at(2)->priority(), Priority::High);
+    EXPECT_EQ(rows().at(4)->priority(), Priority::None);
+}
+
+TEST_F(SeriesStories, AnOccurrenceThatIsPutOffLeavesTheCalendar)
+{
+    for (const Span span : {Span::ThisTask, Span::FutureTasks}) {
+        writeStandup(u"COUNT=6"_qs, {});
+        pass();
+        const auto putOff = [](MVTask &task) {
+            task.type = TaskType::ToDo;
+            task.dueSomeDay = true;
+            task.repeat.clear();
+            task.startDate.reset();
+            task.dueDate.reset();
+            task.endRepeat.reset();
+        };
+        // What was put off before comes first, without a date.
+        const int isRest = span == Span::FutureTasks ? 1 : 0;
+        editSeries(rows().at(2 + isRest), span, putOff);
+        pass();
+        EXPECT_THAT(calendar(), SizeIs(isRest ? 2 : 5));
+        EXPECT_FALSE(calendar().contains(u"11-22 09:00 Standup"_qs));
+        int someday = 0;
+        for (const auto &row : context().fetch<EntityTask>(EntityTask::fetchRequest()))
+            someday += row->startDate() ? 0 : 1;
+        EXPECT_EQ(someday, 1 + isRest) << "one of each round";
+    }
+}
+
+TEST_F(SeriesStories, AnOccurrenceThatIsDoneOnAnotherDayTakesItsOwnFromTheSeries)
+{
+    pass();
+    editSeries(rows().at(2), Span::ThisTask, [](MVTask &task) {
+        task.startDate = *task.startDate - Seconds(86400);
+        task.dueDate = *task.dueDate - Seconds(86400);
+        task.status = TaskStatus::Done;
+    });
+    pass();
+    EXPECT_THAT(calendar(), SizeIs(5));
+    EXPECT_TRUE(calendar().contains(u"11-21 09:00 Standup"_qs)) << "of that day";
+    EXPECT_FALSE(calendar().contains(u"11-22 09:00 Standup"_qs)) << "which was done";
+    EXPECT_THAT(rows(), SizeIs(6));
 }
 
 TEST_F(SeriesStories, OccurrencesMovedElsewhereAreFollowed)
