@@ -134,15 +134,17 @@ QString FormModel::kept(int number) const
 QByteArray FormModel::encodedDraft() const
 {
     RecordDraft draft;
+    bool isEdited = false;
     for (const FormRow &row : rows()) {
         const QString value = kept(row.id);
         const QString former = formerlyKept(row.id);
-        if (value == former)
+        isEdited |= value != former;
+        if (value.isEmpty() && former.isEmpty())
             continue;
         draft.values.insert(row.name, value);
         draft.formerValues.insert(row.name, former);
     }
-    if (draft.values.isEmpty())
+    if (!isEdited)
         return {};
     draft.entity = QString::fromUtf8(entity().data(), static_cast<qsizetype>(entity().size()));
     draft.record = DBWorker::getIdFromObject(record());
@@ -153,8 +155,9 @@ QByteArray FormModel::encodedDraft() const
 
 void FormModel::resume(const RecordDraft &draft)
 {
+    const bool isThere = record() && !isGone();
     for (const FormRow &row : rows()) {
-        if (!draft.values.contains(row.name))
+        if (!draft.values.contains(row.name) || (isThere && !draft.isEdited(row.name)))
             continue;
         const QString value = draft.values.value(row.name);
         if (draft.formerValues.contains(row.name))

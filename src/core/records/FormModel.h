@@ -218,13 +218,14 @@ public:
     /// The same of a stored record, which may have changed since it said `formerValue`: a row of several
     /// entries gets what the record and the draft have added, other rows what was typed.
     virtual void resumeRowSince(int row, const QString &value, const QString &formerValue);
-    /// What would be lost with the form, as the text of a file; empty if nothing would. Of most kinds, the
-    /// rows that say something else than the record.
+    /// What would be lost with the form, as the text of a file; empty if nothing was edited. It has all rows,
+    /// since another device can delete the record.
     virtual QByteArray encodedDraft() const;
     /// Adds what stands in no row to a draft that says something, and takes it from there.
     virtual void addToDraft(RecordDraft &) const {}
     virtual void takeFromDraft(const RecordDraft &) {}
-    /// Puts in what an earlier form was left with.
+    /// Puts in what an earlier form was left with. In a record that is still there, rows that were not edited
+    /// stay as they are.
     void resume(const RecordDraft &draft);
 
 protected:

@@ -13,8 +13,8 @@ struct RecordDraft
     QString entity;
     /// The URI of the stored record; empty for a new one.
     QString record;
-    /// What the rows say, as `FormModel::kept` gives it, by their names; rows that say what the record says
-    /// are left out.
+    /// What the rows say, as `FormModel::kept` gives it, by their names; empty rows that were empty before
+    /// are left out. Drafts of former versions have edited rows only.
     QMap<QString, QString> values;
     /// What the record said in those rows when the form was last in step with it; empty in drafts of former
     /// versions.
@@ -22,6 +22,11 @@ struct RecordDraft
     /// Whether it belongs to the sample.
     bool isOfSample = false;
 
+    /// Whether a row says something else than the record did.
+    bool isEdited(const QString &row) const
+    {
+        return !formerValues.contains(row) || values.value(row) != formerValues.value(row);
+    }
     /// JSON of a fixed version.
     QByteArray encoded() const;
     /// Reads what `encoded` has written; absent if it is anything else, or of a newer version.

@@ -106,6 +106,19 @@ std::vector<TaskPtr> store(const QString &name, std::vector<MVTask> copies, cons
     return stored;
 }
 
+/// Whether the numbers before lines are those of a list. Any others belong to the text, as in "24. December".
+bool countOnFromOne(const QStringList &lines)
+{
+    static const QRegularExpression number(QStringLiteral(R"(^\s*(\d{1,3})[.)]\s)"));
+    int last = 0;
+    for (const QString &line : lines) {
+        const auto match = number.match(line);
+        if (match.hasMatch() && match.captured(1).toInt() != ++last)
+            return false;
+    }
+    return last > 1;
+}
+
 } // namespace
 
 void TaskBatch::toggleDone(const std::vector<TaskPtr> &tasks, const StepBlock &step)
@@ -173,8 +186,10 @@ std::vector<TaskPtr> TaskBatch::duplicate(const std::vector<TaskPtr> &tasks, con
 std::vector<TaskPtr> TaskBatch::addLines(const QStringList &lines, const NewTaskRequest &request,
                                          const StepBlock &step)
 {
-    static const QRegularExpression beginning(
-        QStringLiteral(R"(^\s*(?:(?:[-*+•‣◦–—]|\d{1,3}[.)])\s+)?(?:(\[[ xX]?\]|[☐☑☒✓✔])\s+)?)"));
+    static const QString sign = QStringLiteral("[-*+•‣◦–—]");
+    static const QString signOrNumber = sign + QStringLiteral(R"(|\d{1,3}[.)])");
+    static const QString pattern = QStringLiteral(R"(^\s*(?:(?:%1)\s+)?(?:(\[[ xX]?\]|[☐☑☒✓✔])\s+)?)");
+    const QRegularExpression beginning(pattern.arg(countOnFromOne(lines) ? signOrNumber : sign));
     const QStringList done = {QStringLiteral("[x]"), QStringLiteral("[X]"), QStringLiteral("☑"),
                               QStringLiteral("☒"),   QStringLiteral("✓"),   QStringLiteral("✔")};
     std::vector<MVTask> copies;

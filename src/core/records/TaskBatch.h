@@ -33,7 +33,8 @@ void plan(const std::vector<TaskPtr> &tasks, QuickDay day, const StepBlock &step
 /// takes one. What repeats is copied as it stands on its day. \return the new tasks that were stored.
 std::vector<TaskPtr> duplicate(const std::vector<TaskPtr> &tasks, const StepBlock &step = {});
 /// Makes a task of each line that says something, without what lists of texts begin their lines with: "- ",
-/// "* ", "1. ", "[ ] ". One that begins with "[x] " is done.
+/// "* ", "[ ] ", and "1. " where the numbers of at least two lines count on from 1. One that begins with
+/// "[x] " is done.
 /// \param request what the list gives its new tasks.
 /// \return the new tasks that were stored.
 std::vector<TaskPtr> addLines(const QStringList &lines, const NewTaskRequest &request,

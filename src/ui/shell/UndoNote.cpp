@@ -4,6 +4,7 @@
 #include "records/RecordRemoval.h"
 #include "shell/Actions.h"
 #include "store/entities/Entities.h"
+#include "store/entities/MainContext.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Appearance.h"
@@ -17,6 +18,7 @@
 #include <QPainter>
 #include <QPushButton>
 
+#include <algorithm>
 #include <set>
 
 using namespace Qt::Literals::StringLiterals;
@@ -55,6 +57,17 @@ UndoNote::UndoNote(QWidget &lower)
     hide();
 }
 
+/// A command that changes a linked task can put a new row in the place of the old one.
+static void dropReplaced(std::vector<ObjectPtr> &deleted, const std::vector<ObjectPtr> &inserted)
+{
+    for (const ObjectPtr &row : inserted) {
+        const auto replaced = std::ranges::find_if(
+            deleted, [&](const ObjectPtr &one) { return one->entity().name() == row->entity().name(); });
+        if (replaced != deleted.end())
+            deleted.erase(replaced);
+    }
+}
+
 void UndoNote::stored(const StoreChanges &changes)
 {
     // What a pass or another device does takes no step of the user away.
@@ -72,6 +85,8 @@ void UndoNote::stored(const StoreChanges &changes)
                 deleted.push_back(object);
         }
     }
+    if (!deleted.empty() && mainContext().undoName() != u"Delete"_s)
+        dropReplaced(deleted, changes.inserted);
     if (deleted.empty())
         hide();
     else

@@ -17,21 +17,27 @@ protected:
     {
         return list().tableModel()->index(row).data(Qt::CheckStateRole).toInt() == Qt::Checked;
     }
-    /// Chooses an entry of a submenu of the context menu by its words.
-    void choose(const QString &menu, const QString &entry)
+    TaskPopupMenu &openMenu()
     {
         QContextMenuEvent event(QContextMenuEvent::Mouse, middleOf(list().currentRow()),
                                 list().viewport()->mapToGlobal(middleOf(list().currentRow())));
         QCoreApplication::sendEvent(list().viewport(), &event);
-        auto &popup = find<TaskPopupMenu>(screen(), "taskPopupMenu");
-        for (QMenu *submenu : popup.findChildren<QMenu *>()) {
-            for (QAction *action : submenu->actions()) {
-                if (submenu->title() == menu && action->text() == entry)
+        return find<TaskPopupMenu>(screen(), "taskPopupMenu");
+    }
+    /// Chooses an entry by its words, from a submenu or from the menu itself.
+    static void chooseFrom(QMenu &popup, const QString &menu, const QString &entry)
+    {
+        QList<QMenu *> menus = popup.findChildren<QMenu *>();
+        menus.prepend(&popup);
+        for (QMenu *one : menus) {
+            for (QAction *action : one->actions()) {
+                if (one->title() == menu && action->text() == entry)
                     action->trigger();
             }
         }
         popup.close();
     }
+    void choose(const QString &menu, const QString &entry) { chooseFrom(openMenu(), menu, entry); }
     /// How many commands of the menu that change something can be given.
     int possibleChanges()
     {
@@ -42,6 +48,45 @@ protected:
         }));
     }
 };
+
+TEST_F(WorkingOffTasksTest, TheMenuSparesTheNeighbourOfATaskThatGoesMeanwhile)
+{
+    const std::vector<std::pair<QString, QString>> commands = {
+        {u"Status"_s, u"Pending"_s},
+        {u"Priority"_s, u"High"_s},
+        {u"Plan"_s, quickdays::title(QuickDay::Today) + u"\tAlt+1"_s},
+        {u""_s, u"Duplicate\tCtrl+D"_s},
+        {u""_s, u"Delete"_s}};
+    const ScriptedAlerts alerts(std::deque<int>(commands.size(), Alert::firstButton));
+    QStringList titles = {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s, u"f"_s, u"g"_s};
+    addInbox(titles);
+    const auto goesElsewhere = [&](const QString &title) {
+        context().deleteObject(stored(title));
+        ASSERT_FALSE(DBWorker::saveContext());
+        titles.removeOne(title);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return shownTitles() == titles; }));
+    };
+    for (const auto &[menu, entry] : commands) {
+        clickRow(0);
+        TaskPopupMenu &popup = openMenu();
+        goesElsewhere(titles.front());
+        ASSERT_EQ(selectedTitles(), QStringList{titles.front()}) << "the selection has moved";
+        chooseFrom(popup, menu, entry);
+        settle();
+        EXPECT_EQ(inboxTitles(), titles) << qPrintable(entry);
+        const TaskPtr neighbour = stored(titles.front());
+        ASSERT_TRUE(neighbour);
+        EXPECT_EQ(neighbour->status(), TaskStatus::Open);
+        EXPECT_EQ(neighbour->priority().value_or(Priority::None), Priority::None);
+    }
+    EXPECT_TRUE(alerts.asked().empty());
+
+    list().selectRows({0, 1});
+    TaskPopupMenu &popup = openMenu();
+    goesElsewhere(u"f"_s);
+    chooseFrom(popup, u"Status"_s, u"Pending"_s);
+    EXPECT_EQ(stored(u"g"_s)->status(), TaskStatus::Pending) << "the other one is still meant";
+}
 
 TEST_F(WorkingOffTasksTest, ATickIsStoredAndSeenAtOnceAndTheRowLeavesLater)
 {

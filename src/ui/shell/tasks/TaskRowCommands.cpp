@@ -117,7 +117,11 @@ static QRect placeOfSelection(const QWidget &list)
 
 void TaskRowCommands::planOnOtherDay()
 {
-    const Tasks tasks = selectedTasks();
+    planOnOtherDay(selectedTasks());
+}
+
+void TaskRowCommands::planOnOtherDay(const Tasks &tasks)
+{
     if (tasks.empty() || !canChange(tasks))
         return;
     DatePickerState state(DatePickerState::Type::DueDate);
@@ -132,9 +136,30 @@ void TaskRowCommands::planOnOtherDay()
 
 void TaskRowCommands::duplicate()
 {
-    const Tasks tasks = selectedTasks();
+    duplicate(selectedTasks());
+}
+
+void TaskRowCommands::duplicate(const Tasks &tasks)
+{
     LongWork work(tasks.size(), localized(u"Changing the selected tasks"_s));
     Q_EMIT tasksMade(TaskBatch::duplicate(tasks, [&work] { return work.step(); }));
+}
+
+// The menu
+
+TaskRowCommands::Tasks TaskRowCommands::tasksOfMenu() const
+{
+    Tasks present;
+    std::ranges::copy_if(menuTasks, std::back_inserter(present),
+                         [](const TaskPtr &task) { return !task->isDeleted() && task->context(); });
+    return present;
+}
+
+bool TaskRowCommands::isMenuAboutSelection() const
+{
+    const Tasks present = tasksOfMenu();
+    const Tasks selected = selectedTasks();
+    return !present.empty() && std::ranges::is_permutation(present, selected);
 }
 
 TaskPopupMenu *TaskRowCommands::menu()
@@ -142,18 +167,31 @@ TaskPopupMenu *TaskRowCommands::menu()
     if (taskPopupMenu)
         return taskPopupMenu;
     taskPopupMenu = new TaskPopupMenu(&menuParent);
-    connect(taskPopupMenu, &TaskPopupMenu::dayChosen, this, [this](QuickDay day) { plan(day); });
-    connect(taskPopupMenu, &TaskPopupMenu::otherDayWanted, this, &TaskRowCommands::planOnOtherDay);
-    connect(taskPopupMenu, &TaskPopupMenu::duplicateChosen, this, &TaskRowCommands::duplicate);
-    connect(taskPopupMenu, &TaskPopupMenu::statusChosen, this,
-            [this](TaskStatus status) { changeTasks(selectedTasks(), &TaskBatch::setStatus, status); });
-    connect(taskPopupMenu, &TaskPopupMenu::priorityChosen, this,
-            [this](Priority priority) { changeTasks(selectedTasks(), &TaskBatch::setPriority, priority); });
-    connect(taskPopupMenu, &TaskPopupMenu::categoryChosen, this, [this](const CategoryPtr &category) {
-        changeTasks(selectedTasks(), &TaskBatch::setCategory, category);
+    const auto act = [this](auto signal, auto command) {
+        connect(taskPopupMenu, signal, this, [this, command](const auto &...value) {
+            if (const Tasks tasks = tasksOfMenu(); !tasks.empty())
+                command(tasks, value...);
+        });
+    };
+    act(&TaskPopupMenu::dayChosen, [this](const Tasks &tasks, QuickDay day) { plan(tasks, day); });
+    act(&TaskPopupMenu::otherDayWanted, [this](const Tasks &tasks) { planOnOtherDay(tasks); });
+    act(&TaskPopupMenu::duplicateChosen, [this](const Tasks &tasks) { duplicate(tasks); });
+    act(&TaskPopupMenu::statusChosen,
+        [this](const Tasks &tasks, TaskStatus status) { changeTasks(tasks, &TaskBatch::setStatus, status); });
+    act(&TaskPopupMenu::priorityChosen, [this](const Tasks &tasks, Priority priority) {
+        changeTasks(tasks, &TaskBatch::setPriority, priority);
     });
-    connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, &TaskRowCommands::whyChosen);
-    connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, &TaskRowCommands::deleteChosen);
+    act(&TaskPopupMenu::categoryChosen, [this](const Tasks &tasks, const CategoryPtr &category) {
+        changeTasks(tasks, &TaskBatch::setCategory, category);
+    });
+    connect(taskPopupMenu, &TaskPopupMenu::whyChosen, this, [this] {
+        if (isMenuAboutSelection())
+            Q_EMIT whyChosen();
+    });
+    connect(taskPopupMenu, &TaskPopupMenu::deleteChosen, this, [this] {
+        if (isMenuAboutSelection())
+            Q_EMIT deleteChosen();
+    });
     return taskPopupMenu;
 }
 
@@ -162,16 +200,19 @@ void TaskRowCommands::addOwn(const QString &title, const QString &name, std::fun
     QAction *const first = menu()->actions().value(0);
     auto *const own = new QAction(title, menu());
     own->setObjectName(name);
-    connect(own, &QAction::triggered, this, std::move(command));
+    connect(own, &QAction::triggered, this, [this, command = std::move(command)] {
+        if (isMenuAboutSelection())
+            command();
+    });
     menu()->insertAction(first, own);
     menu()->insertSeparator(first);
 }
 
 void TaskRowCommands::showMenu(const QPoint &globalPosition)
 {
-    const Tasks tasks = selectedTasks();
-    if (tasks.empty())
+    menuTasks = selectedTasks();
+    if (menuTasks.empty())
         return;
-    menu()->setTasks(tasks);
+    menu()->setTasks(menuTasks);
     menu()->popup(globalPosition);
 }

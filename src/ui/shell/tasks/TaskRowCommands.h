@@ -47,9 +47,11 @@ public:
     // What is dropped on something that stands for a value.
     void plan(const Tasks &tasks, QuickDay day);
     void planOn(const Tasks &tasks, Date day);
-    /// Puts a command of this list alone at the top of the menu.
+    /// Puts a command of this list alone at the top of the menu. It runs on the selected tasks, and only as
+    /// long as they are those that the menu was opened for.
     void addOwn(const QString &title, const QString &name, std::function<void()> command);
-    /// Shows the menu about the selected tasks; none without any.
+    /// Shows the menu about the selected tasks; none without any. The selection can move while the menu is
+    /// open: what is chosen changes only those tasks for which it was opened.
     void showMenu(const QPoint &globalPosition);
     /// Whether any of some tasks can be changed. The user is told where none can because of its calendar.
     static bool canChange(const Tasks &tasks);
@@ -59,11 +61,17 @@ public:
 Q_SIGNALS:
     /// Tasks were made that the list may show.
     void tasksMade(const std::vector<TaskPtr> &tasks);
+    // The selected tasks are those that the menu was opened for.
     void whyChosen();
     void deleteChosen();
 
 private:
     TaskPopupMenu *menu();
+    /// Those for which the menu was opened, without those that were deleted since.
+    Tasks tasksOfMenu() const;
+    bool isMenuAboutSelection() const;
+    void planOnOtherDay(const Tasks &tasks);
+    void duplicate(const Tasks &tasks);
     template <typename Change, typename... Value>
     void changeTasks(const Tasks &tasks, Change change, const Value &...value);
 
@@ -71,4 +79,5 @@ private:
     std::function<Tasks()> selectedTasks;
     ChangeInRows inRows;
     TaskPopupMenu *taskPopupMenu = nullptr;
+    Tasks menuTasks;
 };

@@ -336,6 +336,8 @@ TEST_F(PeopleForms, ResumeADraftWithWhatCameMeanwhile)
     ContactForm anew;
     anew.resume(*draft);
     EXPECT_EQ(anew.items(Row::Phones)->count(), 5) << "three numbers, the new one, the free one";
+    EXPECT_EQ(anew.title(), u"Ann"_qs) << "also what was not edited";
+    EXPECT_EQ(anew.values.project, std::vector<ProjectPtr>{house});
 }
 
 TEST_F(PeopleForms, AreSavedOnlyWithANameAndAWholePicture)

@@ -137,6 +137,45 @@ TEST_F(ProjectForms, WhatWasPutInComesBackFromADraft)
     EXPECT_TRUE(form.isChanged());
 }
 
+TEST_F(ProjectForms, ADraftOfOneThatIsGoneHasAllAndOfOneThatIsThereWhatWasEdited)
+{
+    const ContactPtr ann = contact(u"Ann"_qs);
+    const ProjectPtr house = project(u"House"_qs);
+    house->setPriority(Priority::Low);
+    house->setDueDate(localDate(2026, 12, 24));
+    house->setDelegateToUser({ann});
+    ASSERT_FALSE(DBWorker::saveContext());
+    ProjectForm left(house);
+    left.setText(ProjectForm::Details, u"of stone"_qs);
+    const auto early = RecordDraft::decoded(left.encodedDraft());
+    ASSERT_TRUE(early);
+
+    house->setTitle(u"Hut"_qs);
+    house->setPriority(Priority::High);
+    house->setDelegateToUser({});
+    ASSERT_FALSE(DBWorker::saveContext());
+    ProjectForm present(house);
+    present.resume(*early);
+    EXPECT_EQ(present.text(ProjectForm::Details), u"of stone"_qs);
+    EXPECT_EQ(present.title(), u"Hut"_qs) << "Another device has changed it";
+    EXPECT_EQ(present.currentProject().priority, Priority::High);
+    EXPECT_TRUE(present.links(ProjectForm::Contacts).empty());
+
+    context().deleteObject(house);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(left.finishEdit(), FormModel::EditEnd::Gone);
+    const auto late = RecordDraft::decoded(left.encodedDraft());
+    ASSERT_TRUE(late);
+    ProjectForm anew;
+    anew.resume(*late);
+    for (const FormRow &row : anew.rows())
+        EXPECT_EQ(anew.kept(row.id), left.kept(row.id)) << qPrintable(row.name);
+    EXPECT_EQ(anew.title(), u"House"_qs);
+    EXPECT_EQ(anew.links(ProjectForm::Contacts).size(), 1u);
+    ASSERT_TRUE(anew.save());
+    EXPECT_EQ(std::static_pointer_cast<EntityProject>(anew.record())->dueDate(), localDate(2026, 12, 24));
+}
+
 TEST_F(ProjectForms, WhatTheDiskDidNotTakeIsTriedAgainOrGivenUp)
 {
     ProjectForm form;

@@ -181,7 +181,7 @@ TEST_F(TaskBatchTest, ACopyHasTheFieldsAndNothingThatBelongsToOneTaskAlone)
 
 TEST_F(TaskBatchTest, LinesBecomeTasksWithoutWhatListsBeginTheirLinesWith)
 {
-    const QStringList lines = {u"- Milk"_s,         u"* 2 eggs"_s, u"  1. Bread"_s,   u"[x] Paid"_s,
+    const QStringList lines = {u"- Milk"_s,         u"* 2 eggs"_s, u"  • Bread"_s,    u"[x] Paid"_s,
                                u"- [ ] Open one"_s, u"☑ Ticked"_s, u"   "_s,          u"-5 degrees"_s,
                                u"2026 in review"_s, u"—"_s,        u"(a) tab\there"_s};
     const auto made = TaskBatch::addLines(lines, NewTaskRequest::ofList(ListType::Today, Clock::now()));
@@ -199,4 +199,26 @@ TEST_F(TaskBatchTest, LinesBecomeTasksWithoutWhatListsBeginTheirLinesWith)
     EXPECT_EQ(done, (QStringList{u"Paid"_s, u"Ticked"_s}));
     ASSERT_FALSE(context().undo());
     EXPECT_EQ(DBWorker::allTasks().size(), 4);
+}
+
+TEST_F(TaskBatchTest, OnlyNumbersThatCountOnFromOneAreNoPartOfTheText)
+{
+    const auto titlesOf = [](const QStringList &lines) {
+        QStringList titles;
+        for (const TaskPtr &task :
+             TaskBatch::addLines(lines, NewTaskRequest::ofList(ListType::Today, Clock::now())))
+            titles << task->title();
+        return titles;
+    };
+    EXPECT_EQ(titlesOf({u"  1. Milk"_s, u"- of oats"_s, u"2) [ ] Eggs"_s, u" "_s, u"3. 100 g flour"_s}),
+              (QStringList{u"Milk"_s, u"of oats"_s, u"Eggs"_s, u"100 g flour"_s}));
+    const std::vector<QStringList> texts = {
+        {u"24. Dezember Baum kaufen"_s, u"100. Geburtstag planen"_s},
+        {u"1. Mai frei nehmen"_s},
+        {u"1. Advent"_s, u"24. Dezember"_s, u"2. Januar"_s},
+        {u"2. Advent"_s, u"3. Advent"_s},
+        {u"1. Advent"_s, u"1. Mai"_s},
+    };
+    for (const QStringList &lines : texts)
+        EXPECT_EQ(titlesOf(lines), lines);
 }
