@@ -188,7 +188,8 @@ void takeSharedFields(const TaskPtr &task, const series::SharedFields &fields)
 {
     fields.writeTo(*task);
     for (const TaskPtr &row : series::otherRows(*task)) {
-        if (row->status() != TaskStatus::Done)
+        const bool isEarlier = series::isLater(*task, *row);
+        if (!isEarlier && row->status() != TaskStatus::Done)
             fields.writeTo(*row);
     }
     const DateInterval seen = EventReader::window();

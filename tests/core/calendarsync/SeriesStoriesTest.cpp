@@ -65,6 +65,22 @@ TEST_F(SeriesStories, WhatWasDoneOutlivesAnEditOfTheRest)
     EXPECT_EQ(rows().at(4)->priority(), Priority::None);
 }
 
+TEST_F(SeriesStories, AnEditOfTheRestSparesWhatComesBefore)
+{
+    pass();
+    editSeries(rows().at(1), Span::ThisTask, [](MVTask &task) { task.priority = Priority::Low; });
+    editSeries(rows().at(3), Span::FutureTasks, [](MVTask &task) { task.priority = Priority::High; });
+    pass();
+    QList<int> priorities;
+    for (const TaskPtr &row : rows())
+        priorities.append(numberOf(row->priority()).value_or(-1));
+    const int none = numberOf(rows().at(0)->priority()).value_or(-1);
+    const int high = numberOf(rows().at(3)->priority()).value_or(-1);
+    EXPECT_NE(none, high);
+    EXPECT_EQ(priorities.mid(2), QList({none, high, high, high}));
+    EXPECT_NE(priorities.at(1), high);
+}
+
 TEST_F(SeriesStories, AnOccurrenceThatIsPutOffLeavesTheCalendar)
 {
     for (const Span span : {Span::ThisTask, Span::FutureTasks}) {
