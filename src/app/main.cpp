@@ -22,9 +22,9 @@ int main(int argc, char *argv[])
         qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
     QApplication application(argc, argv);
     SingleInstance instance;
+    if (!instance.isFirst() && instance.activateOther())
+        return 0;
     if (!instance.isFirst()) {
-        if (instance.activateOther())
-            return 0;
         std::fputs("morvane: it is running already, but does not answer.\n", stderr);
         return 1;
     }

@@ -6,8 +6,10 @@
 #include <QCryptographicHash>
 #include <QDBusConnection>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QThread>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -15,7 +17,10 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+/// Milliseconds. One that is busy for longer looks at who has asked when it is free.
 constexpr int patience = 2000;
+/// Until one that is ending has ended.
+constexpr int patienceForEnd = 5000;
 
 /// A folder for the files of a running program. Socket paths must be short, so the data folder itself will
 /// not do.
@@ -38,6 +43,11 @@ SingleInstance::SingleInstance(QObject *parent)
     , socketPath(fileFor(u".socket"_s))
     , lockFile(::open(QFile::encodeName(fileFor(u".lock"_s)).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
 {
+    tryToBeFirst();
+}
+
+void SingleInstance::tryToBeFirst()
+{
     // Where no lock can be had at all, running is better than not running.
     first = lockFile < 0 || ::flock(lockFile, LOCK_EX | LOCK_NB) == 0;
     if (first)
@@ -57,16 +67,33 @@ void SingleInstance::listen()
     QLocalServer::removeServer(socketPath);
     server->listen(socketPath);
     connect(server, &QLocalServer::newConnection, this, [this] {
-        server->nextPendingConnection()->deleteLater();
+        QLocalSocket *other = server->nextPendingConnection();
+        connect(other, &QLocalSocket::disconnected, other, &QObject::deleteLater);
+        other->write("1");
+        other->flush();
         Q_EMIT activated();
     });
 }
 
-bool SingleInstance::activateOther() const
+/// One that was killed, or is closing, still takes the connection, and shows no window any more.
+bool SingleInstance::activateOther()
 {
-    QLocalSocket socket;
-    socket.connectToServer(socketPath);
-    return socket.waitForConnected(patience);
+    constexpr unsigned pause = 50;
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        QLocalSocket socket;
+        socket.connectToServer(socketPath);
+        if (socket.waitForConnected(patience)) {
+            const bool isAnswered = socket.waitForReadyRead(patience);
+            if (isAnswered || socket.state() == QLocalSocket::ConnectedState)
+                return true;
+        }
+        tryToBeFirst();
+        if (!first)
+            QThread::msleep(pause);
+    } while (!first && !timer.hasExpired(patienceForEnd));
+    return false;
 }
 
 void SingleInstance::registerOnBus()

@@ -20,8 +20,9 @@ public:
 
     /// Whether nobody else runs on this data.
     bool isFirst() const { return first; }
-    /// Asks the running one to show its window. False if it does not answer.
-    bool activateOther() const;
+    /// Asks the running one to show its window. False if it does not answer, or goes meanwhile: this one is
+    /// the first then.
+    bool activateOther();
     /// Takes the program's name on the message bus, if there is one.
     void registerOnBus();
 
@@ -32,6 +33,7 @@ Q_SIGNALS:
     void actionActivated(const QString &name);
 
 private:
+    void tryToBeFirst();
     void listen();
 
     QString socketPath;

@@ -9,7 +9,9 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSemaphore>
 #include <QSignalSpy>
+#include <QThread>
 #include <QTimer>
 
 #include <csignal>
@@ -61,10 +63,28 @@ TEST(SingleInstanceTest, ASecondStartShowsTheWindowOfTheFirst)
     SingleInstance first;
     ASSERT_TRUE(first.isFirst());
     QSignalSpy activated(&first, &SingleInstance::activated);
-    const SingleInstance second;
+    SingleInstance second;
     EXPECT_FALSE(second.isFirst());
     EXPECT_TRUE(second.activateOther());
     EXPECT_TRUE(activated.wait());
+}
+
+TEST(SingleInstanceTest, AStartWhileTheFirstIsEndingTakesItsPlace)
+{
+    QSemaphore begun;
+    const std::unique_ptr<QThread> ending(QThread::create([&begun] {
+        // It takes connections, and nobody looks at them.
+        const SingleInstance first;
+        begun.release();
+        QThread::msleep(300);
+    }));
+    ending->start();
+    begun.acquire();
+    SingleInstance second;
+    EXPECT_FALSE(second.isFirst());
+    EXPECT_FALSE(second.activateOther());
+    EXPECT_TRUE(second.isFirst());
+    ending->wait();
 }
 
 TEST(SingleInstanceTest, AfterTheFirstHasEndedTheNextIsFirstAgain)
