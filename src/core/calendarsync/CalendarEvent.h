@@ -149,14 +149,14 @@ public:
     {
         return EventWriter::changeEventCalendarStatusFromTask(task, withSpan, withChangeStartDue);
     }
-    static TaskPtr removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task,
-                                               Span span, bool isDeleteTasks)
+    static void removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task, Span span,
+                                            bool isDeleteTasks)
     {
-        return EventWriter::removeEventCalendarFromTask(transaction, task, span, isDeleteTasks);
+        EventWriter::removeEventCalendarFromTask(transaction, task, span, isDeleteTasks);
     }
-    static TaskPtr removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
+    static void removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
     {
-        return EventWriter::removeEventCalendarFromTask(task, span, isDeleteTasks);
+        EventWriter::removeEventCalendarFromTask(task, span, isDeleteTasks);
     }
     static void syncTask(const EntityTask &task, EKEvent &toEvent)
     {

@@ -28,11 +28,10 @@ public:
     /// What a change of status alone does to the event: none without a due date.
     static void changeEventCalendarStatusFromTask(const TaskPtr &task, Span withSpan,
                                                   OptionalDate withChangeStartDue);
-    /// Takes a task out of the calendar, and with `isDeleteTasks` out of the store. Gives the row that stands
-    /// for the task from now on, which can be a new one; null if it was deleted.
-    static TaskPtr removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task,
-                                               Span span, bool isDeleteTasks);
-    static TaskPtr removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks);
+    /// Takes a task out of the calendar, and with `isDeleteTasks` out of the store.
+    static void removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task, Span span,
+                                            bool isDeleteTasks);
+    static void removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks);
     /// Copies what an event shows of a task.
     static void syncTask(const EntityTask &task, EKEvent &toEvent);
     /// Puts the repetition of a task on its event; the task takes back the rule as the calendars hold it and

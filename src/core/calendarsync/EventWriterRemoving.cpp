@@ -7,7 +7,6 @@
 #include "calendarsync/StoreReach.h"
 #include "eventkit/CalendarError.h"
 #include "foundation/Log.h"
-#include "records/copies/MVTask.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
@@ -17,11 +16,6 @@
 // Taking tasks out of the calendars.
 
 namespace {
-
-TaskPtr leftOf(const TaskPtr &task)
-{
-    return task->context() && !task->isDeleted() ? task : nullptr;
-}
 
 void removeOffline(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
 {
@@ -53,17 +47,6 @@ bool mustWait(const OptionalError &error)
     return error && !CalendarError::isRefusal(error);
 }
 
-/// A task that leaves the calendar gets a row of its own, so that no later pass pairs it with its old event.
-TaskPtr replaceRow(const TaskPtr &task)
-{
-    task->setCalendarID(QString());
-    MVTask copy(task);
-    copy.detach();
-    copy.save();
-    mainContext().deleteObject(task);
-    return copy.task();
-}
-
 OptionalError removeEventOfSingle(const EntityTask &task)
 {
     const auto found = series::eventsOf(task);
@@ -80,16 +63,16 @@ OptionalError removeEventOfSingle(const EntityTask &task)
         *event, event->isOfSeries() ? EKSpan::ThisEvent : EKSpan::FutureEvents, true);
 }
 
-TaskPtr removeSingle(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
+/// A task that stays keeps its row, and with it its history and the place that it has in lists and windows.
+/// No later pass pairs it with its former event: it names none, and is done or has no date.
+void removeSingle(RecordsTransaction &transaction, const TaskPtr &task, Span span, bool isDeleteTasks)
 {
-    if (mustWait(removeEventOfSingle(*task))) {
+    if (mustWait(removeEventOfSingle(*task)))
         removeOffline(transaction, task, span, isDeleteTasks);
-        return leftOf(task);
-    }
-    if (!isDeleteTasks)
-        return replaceRow(task);
-    mainContext().deleteObject(task);
-    return nullptr;
+    else if (isDeleteTasks)
+        mainContext().deleteObject(task);
+    else
+        task->setCalendarID(QString());
 }
 
 /// The first occurrence that goes with a task: its own, or where that is not there, the next one if all later
@@ -244,16 +227,15 @@ void removeOccurrences(RecordsTransaction &transaction, const TaskPtr &task, Spa
 
 } // namespace
 
-TaskPtr EventWriter::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
+void EventWriter::removeEventCalendarFromTask(const TaskPtr &task, Span span, bool isDeleteTasks)
 {
     RecordsTransaction transaction;
-    const TaskPtr row = removeEventCalendarFromTask(transaction, task, span, isDeleteTasks);
+    removeEventCalendarFromTask(transaction, task, span, isDeleteTasks);
     transaction.settle();
-    return row ? leftOf(row) : nullptr;
 }
 
-TaskPtr EventWriter::removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task,
-                                                 Span span, bool isDeleteTasks)
+void EventWriter::removeEventCalendarFromTask(RecordsTransaction &transaction, const TaskPtr &task, Span span,
+                                              bool isDeleteTasks)
 {
     if (DBWorker::isSample()) {
         // Examples are on no calendar, but they can be deleted.
@@ -262,9 +244,8 @@ TaskPtr EventWriter::removeEventCalendarFromTask(RecordsTransaction &transaction
     } else if (calendarstore::isOffline() || task->calendarID().isEmpty()) {
         removeOffline(transaction, task, span, isDeleteTasks);
     } else if (task->repeat().isEmpty()) {
-        return removeSingle(transaction, task, span, isDeleteTasks);
+        removeSingle(transaction, task, span, isDeleteTasks);
     } else {
         removeOccurrences(transaction, task, span, isDeleteTasks);
     }
-    return leftOf(task);
 }

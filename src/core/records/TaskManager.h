@@ -35,10 +35,13 @@ public:
     /// Commits the transaction in which a copy was saved, which then holds what the store holds. False if it
     /// did not reach the disk.
     static bool commit(RecordsTransaction &transaction, MVTask &task);
-    /// The calendar side of a save of one occurrence or of the rest of a series. Gives the row that stands
-    /// for the task from now on; null if it was deleted.
-    static TaskPtr saveWithDate(RecordsTransaction &transaction, OptionalDate date, const TaskPtr &task,
-                                Span span, bool wasRepeat);
+    /// Stores the copy of one occurrence, or of the first of the rest of a series, as a part of a
+    /// transaction. \param date that of its row before the edit.
+    static void saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalDate date,
+                                   Span span);
+    /// The calendar side of a save of one occurrence or of the rest of a series.
+    static void saveWithDate(RecordsTransaction &transaction, OptionalDate date, const TaskPtr &task,
+                             Span span, bool wasRepeat);
     /// Deletes one task and what hangs on it, without a question.
     static void deleteTask(RecordsTransaction &transaction, const TaskPtr &task);
     /// Deletes tasks and projects after asking once; `compliteBlock` runs only if something was deleted.

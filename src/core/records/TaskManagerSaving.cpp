@@ -120,13 +120,6 @@ bool isOffCalendar(const EntityTask &task)
     return task.status() == TaskStatus::Done || (!task.startDate() && task.type() != TaskType::EmailCall);
 }
 
-/// The row can have been replaced, or have gone with what the calendars no longer show.
-void followRow(MVTask &task, const TaskPtr &row)
-{
-    if (row && row != task.task())
-        task.moveToRow(row);
-}
-
 /// Takes a task that is done, or has no date any more, out of the calendar. Its event is found by the dates
 /// and the rule that the row had, so that these stay with it until then.
 void leaveCalendar(RecordsTransaction &transaction, MVTask &task, Span span)
@@ -142,7 +135,7 @@ void leaveCalendar(RecordsTransaction &transaction, MVTask &task, Span span)
         task.endRepeat = row->endRepeat();
     }
     task.save();
-    followRow(task, CalendarEvent::removeEventCalendarFromTask(transaction, task.task(), span, false));
+    CalendarEvent::removeEventCalendarFromTask(transaction, task.task(), span, false);
     if (!isOnCalendar || !task.task()->context() || task.task()->isDeleted())
         return;
     task.startDate = start;
@@ -174,14 +167,6 @@ std::optional<Span> askForSpan(RecordsTransaction &transaction)
     if (answer == Alert::firstButton)
         return Span::ThisTask;
     return answer == Alert::secondButton ? std::optional(Span::FutureTasks) : std::nullopt;
-}
-
-void saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalDate oldDate, Span span)
-{
-    if (isOffCalendar(task))
-        return leaveCalendar(transaction, task, span);
-    task.save();
-    followRow(task, TaskManager::saveWithDate(transaction, oldDate, task.task(), span, true));
 }
 
 /// What is said where the dates of a task leave those of its project.
@@ -305,13 +290,22 @@ SaveEnd TaskManager::saveTaskTemp(RecordsTransaction &transaction, MVTask &task)
     return SaveEnd::Saved;
 }
 
-TaskPtr TaskManager::saveWithDate(RecordsTransaction &transaction, OptionalDate date, const TaskPtr &task,
-                                  Span span, bool wasRepeat)
+void TaskManager::saveMemberOfSeries(RecordsTransaction &transaction, MVTask &task, OptionalDate date,
+                                     Span span)
+{
+    if (isOffCalendar(task))
+        return leaveCalendar(transaction, task, span);
+    task.save();
+    saveWithDate(transaction, date, task.task(), span, true);
+}
+
+void TaskManager::saveWithDate(RecordsTransaction &transaction, OptionalDate date, const TaskPtr &task,
+                               Span span, bool wasRepeat)
 {
     if (isOffCalendar(*task))
-        return CalendarEvent::removeEventCalendarFromTask(transaction, task, span, false);
-    CalendarEvent::initEventCalendarFromTask(transaction, *task, span, date, wasRepeat);
-    return task;
+        CalendarEvent::removeEventCalendarFromTask(transaction, task, span, false);
+    else
+        CalendarEvent::initEventCalendarFromTask(transaction, *task, span, date, wasRepeat);
 }
 
 bool TaskManager::incorrectTaskTimeMessageProjectStartDate(OptionalDate projectStartDate,

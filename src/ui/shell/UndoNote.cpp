@@ -4,7 +4,6 @@
 #include "records/RecordRemoval.h"
 #include "shell/Actions.h"
 #include "store/entities/Entities.h"
-#include "store/entities/MainContext.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Accessibility.h"
 #include "widgets/Appearance.h"
@@ -18,7 +17,6 @@
 #include <QPainter>
 #include <QPushButton>
 
-#include <algorithm>
 #include <set>
 
 using namespace Qt::Literals::StringLiterals;
@@ -57,17 +55,6 @@ UndoNote::UndoNote(QWidget &lower)
     hide();
 }
 
-/// A command that changes a linked task can put a new row in the place of the old one.
-static void dropReplaced(std::vector<ObjectPtr> &deleted, const std::vector<ObjectPtr> &inserted)
-{
-    for (const ObjectPtr &row : inserted) {
-        const auto replaced = std::ranges::find_if(
-            deleted, [&](const ObjectPtr &one) { return one->entity().name() == row->entity().name(); });
-        if (replaced != deleted.end())
-            deleted.erase(replaced);
-    }
-}
-
 void UndoNote::stored(const StoreChanges &changes)
 {
     // What a pass or another device does takes no step of the user away.
@@ -85,8 +72,6 @@ void UndoNote::stored(const StoreChanges &changes)
                 deleted.push_back(object);
         }
     }
-    if (!deleted.empty() && mainContext().undoName() != u"Delete"_s)
-        dropReplaced(deleted, changes.inserted);
     if (deleted.empty())
         hide();
     else

@@ -1,9 +1,11 @@
 #include "CalendarTest.h"
+#include "records/RecordHistory.h"
 
 #include <gmock/gmock.h>
 
 namespace {
 
+using testing::ElementsAre;
 using testing::SizeIs;
 
 class WritingTasksToEvents : public CalendarTest
@@ -84,22 +86,31 @@ TEST_F(WritingTasksToEvents, APlaceOfUnknownPositionIsWrittenByItsNameAlone)
     EXPECT_FALSE(copy.location->latitude());
 }
 
-TEST_F(WritingTasksToEvents, DoneTasksLeaveTheCalendarAndComeBackAsNewOnes)
+TEST_F(WritingTasksToEvents, DoneTasksLeaveTheCalendarAndComeBackWithANewEvent)
 {
     MVTask copy = draft(TaskType::Appointment, localDate(2026, 11, 24, 9), localDate(2026, 11, 24, 10));
     ASSERT_TRUE(TaskManager::saveTaskTemp(copy, true));
-    const QString formerRow = copy.task()->identifier();
-    const QString formerEvent = copy.task()->calendarID();
+    const TaskPtr row = copy.task();
+    const QString formerEvent = row->calendarID();
+    row->setCreationDate(localDate(2026, 11, 2));
+    row->setDelegatedSince(localDate(2026, 11, 3));
+    row->setLastAsked(localDate(2026, 11, 4));
+    ASSERT_FALSE(DBWorker::saveContext());
+    const size_t formerSaves = RecordHistory(row).entries().size();
     copy.changeStatusType(TaskStatus::Done, true);
     EXPECT_THAT(files(u"Home"_qs), SizeIs(0));
-    ASSERT_THAT(rows(), SizeIs(1));
-    EXPECT_EQ(copy.task(), rows()[0]) << "the copy goes on with the row that took its place";
-    EXPECT_NE(copy.task()->identifier(), formerRow);
-    EXPECT_EQ(copy.title, u"Task"_qs);
+    ASSERT_THAT(rows(), ElementsAre(row)) << "what is known of a task hangs on its row";
+    EXPECT_EQ(row->calendarID(), QString());
     EXPECT_EQ(copy.status, TaskStatus::Done);
+    EXPECT_EQ(row->creationDate(), localDate(2026, 11, 2));
+    EXPECT_EQ(row->delegatedSince(), localDate(2026, 11, 3));
+    EXPECT_EQ(row->lastAsked(), localDate(2026, 11, 4));
+    EXPECT_EQ(RecordHistory(row).entries().size(), formerSaves + 1);
+    pass();
     copy.changeStatusType(TaskStatus::Open, true);
     EXPECT_THAT(files(u"Home"_qs), SizeIs(1));
-    EXPECT_NE(copy.task()->calendarID(), formerEvent);
+    EXPECT_NE(row->calendarID(), formerEvent);
+    EXPECT_THAT(rows(), ElementsAre(row));
 }
 
 TEST_F(WritingTasksToEvents, AnEditKeepsWhatOtherProgramsWrote)

@@ -104,26 +104,3 @@ TEST_F(DeletingTest, ANoteOffersToTakeItBackUntilSomethingElseIsDone)
     run(ActionId::Undo);
     EXPECT_FALSE(note().isVisible()) << "it is back already";
 }
-
-TEST_F(DeletingTest, ATaskWhoseRowIsReplacedIsNotCalledDeleted)
-{
-    addInbox({u"a"_s, u"b"_s, u"c"_s});
-    const auto replace = [this](const QStringList &gone, const QString &step) {
-        for (const QString &title : gone)
-            context().deleteObject(stored(title));
-        const auto row = context().insert<EntityTask>();
-        row->setTitle(gone.front());
-        row->setStatus(TaskStatus::Done);
-        EXPECT_TRUE(DBWorker::saveStep(step));
-        settle();
-    };
-    replace({u"a"_s}, u"Change Tasks"_s);
-    EXPECT_FALSE(note().isVisible());
-    replace({u"a"_s, u"b"_s}, u"Change Tasks"_s);
-    EXPECT_TRUE(note().isVisible());
-    EXPECT_EQ(find<QLabel>(note(), "").text(), u"Deleted: 1 task"_s);
-    replace({u"a"_s}, u"Change Tasks"_s);
-    EXPECT_FALSE(note().isVisible()) << "Undo would take back something else now";
-    replace({u"c"_s}, u"Delete"_s);
-    EXPECT_TRUE(note().isVisible()) << "a series that loses a day can get other rows";
-}

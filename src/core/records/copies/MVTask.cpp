@@ -64,12 +64,6 @@ void MVTask::setTaskValues()
     isNew = wasNew;
 }
 
-void MVTask::moveToRow(TaskPtr task)
-{
-    row = std::move(task);
-    setTaskValues();
-}
-
 void MVTask::detachFromEvent()
 {
     detach();

@@ -73,8 +73,6 @@ public:
 
     /// Binds a row and takes its values for the fields that are still empty; those that hold something stay.
     void setTask(TaskPtr task);
-    /// The task has another row from now on, from which everything is read.
-    void moveToRow(TaskPtr task);
     /// Reads every field from the row, whatever the copy holds.
     void setTaskValues();
     /// The same, by the name that screens use to give up an edit.
