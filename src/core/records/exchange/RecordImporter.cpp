@@ -209,8 +209,7 @@ bool RecordImporter::follow(const TaskPtr &row, const ImportedTask &task)
         copy.project = project;
     const OptionalDate formerDate = baseDateOf(*row);
     if (isSeries) {
-        copy.save();
-        TaskManager::saveWithDate(transaction, formerDate, row, Span::FutureTasks, true);
+        TaskManager::saveMemberOfSeries(transaction, copy, formerDate, Span::FutureTasks);
     } else if (TaskManager::saveTaskTemp(transaction, copy) != SaveEnd::Saved) {
         account.refused.append(localized(u"\"%1\" breaks a rule for dates."_s).arg(copy.title));
         return false;
@@ -261,8 +260,7 @@ void RecordImporter::edit(const TaskPtr &row, const ImportedTask &task)
     MVTask copy(row);
     fillWords(copy, task);
     fillDates(copy, task);
-    copy.save();
-    TaskManager::saveWithDate(transaction, formerDate, row, Span::ThisTask, true);
+    TaskManager::saveMemberOfSeries(transaction, copy, formerDate, Span::ThisTask);
 }
 
 ProjectPtr RecordImporter::addProject(const QString &identifier, const ImportedTask &task,

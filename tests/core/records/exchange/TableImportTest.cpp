@@ -355,8 +355,7 @@ TEST_F(TableImportTest, ASeriesComesBackWithWhatIsLeftOutAndWhatWasEdited)
         copy.title = u"Run far"_qs;
         copy.startDate = localDate(2026, 11, 26, 9);
         copy.dueDate = localDate(2026, 11, 26, 10);
-        copy.save();
-        TaskManager::saveWithDate(transaction, localDate(2026, 11, 26, 7), moved, Span::ThisTask, true);
+        TaskManager::saveMemberOfSeries(transaction, copy, localDate(2026, 11, 26, 7), Span::ThisTask);
         onDay(27)->setTags({make<EntityTags>(u"wet"_qs)});
         ASSERT_FALSE(transaction.commit());
     }

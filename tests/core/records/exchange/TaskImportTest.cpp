@@ -168,6 +168,32 @@ TEST_F(TaskImportTest, MakesASeriesWithWhatIsLeftOutAndWhatWasEdited)
     EXPECT_THAT(rows(), SizeIs(5));
 }
 
+TEST_F(TaskImportTest, TakesOutOfASeriesTheDayThatWasDoneAtAnotherTime)
+{
+    const QByteArray text =
+        calendar(event("UID:run\r\nSUMMARY:Run\r\nDTSTART;TZID=Europe/Berlin:20261120T070000\r\n"
+                       "DTEND;TZID=Europe/Berlin:20261120T080000\r\nRRULE:FREQ=DAILY;COUNT=6") +
+                 event("UID:run\r\nSUMMARY:Run far\r\nRECURRENCE-ID;TZID=Europe/Berlin:20261123T070000\r\n"
+                       "X-MORVANE-STATUS:COMPLETED\r\nDTSTART;TZID=Europe/Berlin:20261124T090000\r\n"
+                       "DTEND;TZID=Europe/Berlin:20261124T100000"));
+    EXPECT_EQ(import(text).added, 1);
+    const auto shown = [this] {
+        QStringList all;
+        for (const TaskPtr &one : rows())
+            all << wallClock(*one->startDate()) + u' ' + one->title() + u' ' +
+                       QString::number(one->calendarID().isEmpty());
+        all.sort();
+        return all;
+    };
+    const QStringList former = shown();
+    EXPECT_THAT(former, SizeIs(6));
+    ASSERT_TRUE(row(u"Run far"_qs));
+    EXPECT_EQ(row(u"Run far"_qs)->status(), TaskStatus::Done);
+    EXPECT_EQ(row(u"Run far"_qs)->startDate(), localDate(2026, 11, 24, 9));
+    pass();
+    EXPECT_EQ(shown(), former) << "the day of the series went, and not the one on which it was done";
+}
+
 TEST_F(TaskImportTest, WritesWhatHasADateToTheCalendarOnce)
 {
     const QByteArray text = calendar(
