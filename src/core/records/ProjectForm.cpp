@@ -327,6 +327,16 @@ static std::shared_ptr<Entity> recordOf(const QString &uri)
     return std::dynamic_pointer_cast<Entity>(DBWorker::getObjectFromId(uri));
 }
 
+static std::vector<ContactPtr> contactsOf(const QString &uris)
+{
+    std::vector<ContactPtr> contacts;
+    for (const QString &uri : uris.split(u' ', Qt::SkipEmptyParts)) {
+        if (auto contact = recordOf<EntityContacts>(uri))
+            contacts.push_back(std::move(contact));
+    }
+    return contacts;
+}
+
 void ProjectForm::resumeRowSince(int row, const QString &value, const QString &formerValue)
 {
     const bool isMerged = row == Contacts && base.project() && !isGone();
@@ -354,14 +364,8 @@ void ProjectForm::resumeRow(int row, const QString &value)
         else if (row == DueDate)
             values.dueDate = date;
     });
-    if (row != Contacts)
-        return;
-    std::vector<ContactPtr> contacts;
-    for (const QString &uri : value.split(u' ', Qt::SkipEmptyParts)) {
-        if (auto contact = recordOf<EntityContacts>(uri))
-            contacts.push_back(std::move(contact));
-    }
-    edit([&] { values.delegateToUser = contacts; });
+    if (row == Contacts)
+        edit([&] { values.delegateToUser = contactsOf(value); });
 }
 
 // The record
@@ -432,7 +436,13 @@ void ProjectForm::followRow()
     follow(&MVProject::priority);
     follow(&MVProject::startDate);
     follow(&MVProject::dueDate);
-    follow(&MVProject::delegateToUser);
+    // Who joined meanwhile is a member beside those who were put in here.
+    const QString members = keptOf(values, Contacts);
+    const QString merged = mergedUris(members, keptOf(base, Contacts), keptOf(present, Contacts));
+    if (merged != members) {
+        values.delegateToUser = contactsOf(merged);
+        hasFollowed = true;
+    }
     // When it was done goes with the status.
     if (values.status == base.status)
         follow(&MVProject::expirationDate);

@@ -113,6 +113,25 @@ TEST_F(ProjectForms, AnEditFollowsWhatItDoesNotTouch)
     EXPECT_FALSE(form.isChanged());
 }
 
+TEST_F(ProjectForms, MembersWhoComeAndGoMeanwhileAreMergedWithThoseOfTheEdit)
+{
+    const ContactPtr ann = contact(u"Ann"_qs);
+    const ContactPtr bob = contact(u"Bob"_qs);
+    const ContactPtr cher = contact(u"Cher"_qs);
+    const ContactPtr dora = contact(u"Dora"_qs);
+    const ProjectPtr house = project(u"House"_qs);
+    house->setDelegateToUser({ann, dora});
+    ProjectForm form(house);
+    choose(form, ProjectForm::Contacts, u"Cher"_qs);
+    house->setDelegateToUser({ann, bob});
+    EXPECT_EQ(form.finishEdit(), FormModel::EditEnd::Saved);
+    EXPECT_THAT(house->delegateToUser(), testing::UnorderedElementsAre(ann, bob, cher));
+    form.unlink(ProjectForm::Contacts, ann);
+    house->setDelegateToUser({ann, bob, cher, dora});
+    EXPECT_EQ(form.finishEdit(), FormModel::EditEnd::Saved);
+    EXPECT_THAT(house->delegateToUser(), testing::UnorderedElementsAre(bob, cher, dora));
+}
+
 TEST_F(ProjectForms, WhatWasPutInComesBackFromADraft)
 {
     const ContactPtr ann = contact(u"Ann"_qs);
