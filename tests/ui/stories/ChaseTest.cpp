@@ -25,6 +25,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTextEdit>
@@ -102,6 +103,12 @@ TEST_F(ChaseTest, WhoHasSomethingToDoIsAskedAboutIt)
     EXPECT_TRUE(body.contains(u"- Mend the roof & gutter\r\n- Paint the door\r\n"_s)) << body.toStdString();
     EXPECT_EQ(later->lastAsked(), localDate(2026, 11, 21, 9, 15));
     EXPECT_TRUE(label.text().endsWith(u"asked Nov 21, 2026"_s)) << label.text().toStdString();
+    const TaskPtr fresh = give(u"Sweep the yard"_s, ann, 21);
+    settle();
+    EXPECT_EQ(label.text(), u"3 open tasks, since Nov 2, 2026 (19 days), asked Nov 21, 2026, "
+                            "1 of them not asked yet"_s);
+    context().deleteObject(fresh);
+    ASSERT_FALSE(DBWorker::saveContext());
 
     // The list has what waits longest first, and loses what is done.
     const TaskPtr other = give(u"Ask the bank"_s, contact(u"Bob"_s), 10);
@@ -396,6 +403,52 @@ TEST_F(ChaseTest, ACallIsTickedOffOnItsSheetAndWhatWasSaidIsNoted)
     settle();
     EXPECT_EQ(CallSheet(ann).lastNotes().size(), 1u);
     EXPECT_TRUE(CallSheet(ann).calls().empty());
+}
+
+TEST_F(ChaseTest, ASheetClosesNoNoteUnderTheHandsOfWhoWrites)
+{
+    const ContactPtr ann = contact(u"Ann"_s);
+    for (const QString &title : {u"Roof"_s, u"Feast"_s}) {
+        const TaskPtr call = give(title, ann, 2);
+        call->setType(TaskType::EmailCall);
+        call->setDueDate(localDate(2026, 11, 23, 10));
+        call->setAllowsContentModifications(title == u"Roof"_s);
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    go(SidebarItem::People);
+    static_cast<TabsViewController &>(current()).selectItem(ann);
+    settle();
+    QTest::mouseClick(&find<QPushButton>(window(), "buttonCallSheet"), Qt::LeftButton);
+    const QPointer<CallSheetWindow> sheet = window().findChild<CallSheetWindow *>();
+    ASSERT_TRUE(sheet);
+    std::vector<QAbstractButton *> boxes;
+    for (auto *box : sheet->findChildren<QAbstractButton *>(u"checkCall"_s))
+        if (box->isVisible())
+            boxes.push_back(box);
+    ASSERT_EQ(boxes.size(), 1u) << "a calendar that lets nobody change it has the other";
+    QTest::mouseClick(boxes.front(), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(stored(u"Feast"_s)->status(), TaskStatus::Open);
+    const QPointer<RecordWindow> note = sheet->findChild<RecordWindow *>();
+    ASSERT_TRUE(note);
+    QTest::keyClicks(note->findChild<QTextEdit *>(u"textFieldDetails"_s), u"They come on Monday"_s);
+    {
+        const ScriptedAlerts alerts({Alert::secondButton, Alert::secondButton});
+        sheet->close();
+        EXPECT_FALSE(controller().closeNewWindows());
+        EXPECT_EQ(alerts.asked().size(), 2u) << "the way out of the sheet, and that of the program";
+    }
+    settle();
+    ASSERT_TRUE(sheet && sheet->isVisible() && note);
+    // Who was called goes, and what was said stays to be saved.
+    context().deleteObject(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    ASSERT_TRUE(note && note->isVisible());
+    note->clickButtonSave();
+    settle();
+    EXPECT_FALSE(sheet);
+    EXPECT_EQ(context().count(EntityNote::fetchRequest()), 1);
 }
 
 TEST_F(ChaseTest, WhatACompanySaidIsFoundAgainAndNothingIsLeftOutInSilence)

@@ -17,6 +17,7 @@
 #include "widgets/Theme.h"
 #include "widgets/WindowPlace.h"
 
+#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -88,8 +89,12 @@ void CallSheetWindow::load()
     // A question may stand over it.
     if (Alert::isAsking())
         return soon.start(Waiting::lookInterval);
-    if (sheet.isGone())
-        return void(close());
+    if (sheet.isGone()) {
+        // Who was called is no more, but what was said may be still being written down.
+        if (!findChild<RecordWindow *>())
+            close();
+        return;
+    }
     QWidget *const former = column->count() > 0 ? column->itemAt(0)->widget() : nullptr;
     content = new QWidget;
     auto *lines = new QVBoxLayout(content);
@@ -155,6 +160,12 @@ void CallSheetWindow::addCall(QVBoxLayout &block, const TaskPtr &call)
     auto *row = new QHBoxLayout;
     row->setSpacing(Theme::unit);
     row->addWidget(check, 0, Qt::AlignTop);
+    // What its calendar does not let go stands there without a box, as in the lists.
+    QSizePolicy policy = check->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    check->setSizePolicy(policy);
+    if (!call->allowsContentModifications().value_or(true))
+        check->hide();
     row->addWidget(makeTextLabel(words, Theme::FontRole::Body, Theme::text), 1);
     block.addLayout(row);
     if (!call->details().isEmpty())
@@ -193,7 +204,18 @@ void CallSheetWindow::offerNote(const TaskPtr &call)
     auto *window =
         new RecordWindow(u"WindowAddNewNote"_s, localized(u"What Was Said"_s), std::move(form), view, this);
     window->setAttribute(Qt::WA_DeleteOnClose);
+    connect(window, &QObject::destroyed, &soon, [this] { soon.start(0); });
     window->showWindow();
+}
+
+/// The notes that are being written go with the sheet, so they ask as well.
+void CallSheetWindow::closeEvent(QCloseEvent *event)
+{
+    LeaveGate gate;
+    const auto notes = findChildren<RecordWindow *>();
+    for (RecordWindow *note : notes)
+        gate.add(*note, [note] { note->showWindow(); });
+    event->setAccepted(gate.mayLeave());
 }
 
 void CallSheetWindow::keyPressEvent(QKeyEvent *event)

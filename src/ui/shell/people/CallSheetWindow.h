@@ -22,6 +22,7 @@ public:
     void showWindow();
 
 protected:
+    void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
