@@ -117,12 +117,17 @@ QString WaitingFor::inWords(const EntityContacts &contact)
     if (tasks.empty())
         return {};
     OptionalDate asked;
+    qsizetype notAsked = 0;
     for (const TaskPtr &task : tasks) {
-        if (task->lastAsked() && (!asked || *asked < *task->lastAsked()))
+        if (!task->lastAsked())
+            ++notAsked;
+        else if (!asked || *asked < *task->lastAsked())
             asked = task->lastAsked();
     }
-    const QString count = localizedCount(u"%1 open tasks"_s, tasks.size());
+    const QString count = localizedCount(u"%1 open tasks"_s, static_cast<qint64>(tasks.size()));
     QStringList parts{count, sinceInWords(since(*tasks.front())), askedInWords(asked)};
+    if (asked && notAsked > 0)
+        parts.append(localized(u"%1 of them not asked yet"_s).arg(notAsked));
     parts.removeAll(QString());
     return parts.join(u", "_s);
 }
