@@ -44,7 +44,8 @@ void RecordListScreen::showBeside(const ObjectPtr &record)
     if (!stack.mayLeave())
         return selectEdited();
     // The answer may have taken time, and the record away.
-    if (selectedRecord() != record)
+    const ObjectPtr selected = selectedRecord();
+    if (selected ? selected != record : hidden.lock() != record)
         return opening.start(0);
     if (DetailViewController *const pane = makePane(record))
         stack.embed(pane, *this);

@@ -230,7 +230,7 @@ void RecordListScreen::keepPaneOfLeaver()
 {
     DetailViewController *const top = isBeside() && detailStack() ? detailStack()->top() : nullptr;
     if (top && top->record() && listModel->rowOf(top->record()) < 0 &&
-        (top->canSave() || top->hasChanges() || top->staysWithoutRow()))
+        (top->canSave() || top->hasChanges() || top->staysWithoutRow() || isHiddenShown()))
         opening.stop();
 }
 
@@ -238,7 +238,7 @@ void RecordListScreen::keepPaneOfLeaver()
 void RecordListScreen::selectFirstIfNone()
 {
     const int first = listModel->nearestItem(0, 1);
-    if (isBeside() && first >= 0 && !view->hasSelectedRows())
+    if (isBeside() && first >= 0 && !view->hasSelectedRows() && !isHiddenShown())
         view->selectRow(first);
 }
 
@@ -363,6 +363,24 @@ bool RecordListScreen::hasRows() const
 void RecordListScreen::selectAll()
 {
     view->selectAll();
+}
+
+void RecordListScreen::showHidden(const ObjectPtr &record)
+{
+    updateRows();
+    if (record->entity().name() != description.entity || listModel->rowOf(record) >= 0)
+        return;
+    view->clearSelection();
+    opening.stop();
+    hidden = record;
+    showDetail(record);
+}
+
+/// Whether the pane on top is of a record that was asked for, and that the filter hides.
+bool RecordListScreen::isHiddenShown() const
+{
+    const DetailViewController *const top = detailStack() ? detailStack()->top() : nullptr;
+    return top && top->record() && top->record() == hidden.lock() && listModel->rowOf(top->record()) < 0;
 }
 
 void RecordListScreen::selectItem(const ObjectPtr &record)

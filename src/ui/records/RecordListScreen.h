@@ -81,6 +81,9 @@ public:
     void setDetailSpace(int width) override;
     void detailOnTop(const ObjectPtr &record) override;
     void clearController() override;
+    /// Shows a record of its kind that its filter hides, until something else is selected; nothing if it has
+    /// a row.
+    void showHidden(const ObjectPtr &record);
     void selectItem(const ObjectPtr &record) override;
     void selectRecords(const std::vector<ObjectPtr> &records) override;
     void takeKeysBack() override { view->setFocus(); }
@@ -166,6 +169,7 @@ private:
     void showBeside(const ObjectPtr &record);
     void selectEdited();
     void selectFirstIfNone();
+    bool isHiddenShown() const;
     /// Brings back what the list showed when it was left.
     void takePlace();
     void keepPaneOfLeaver();
@@ -193,6 +197,8 @@ private:
     std::set<RowId> changedRows;
     /// Those whose change the user is to see before they leave.
     std::set<RowId> seenRows;
+    /// What was asked for and has no row.
+    std::weak_ptr<ManagedObject> hidden;
     QTimer promptUpdate;
     QTimer seenUpdate;
     QTimer opening;

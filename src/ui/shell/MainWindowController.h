@@ -81,6 +81,7 @@ public:
     void countTasksBadge();
     /// A result of the search was chosen: goes to the screen that shows it.
     void searchSelectItem(const ObjectPtr &record);
+    void showHidden(const ObjectPtr &record);
     /// Says by which rule the task in question is on the shown list, or why it is not.
     void explainPlace();
     void showHistory();

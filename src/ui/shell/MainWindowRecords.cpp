@@ -2,6 +2,7 @@
 #include "records/DetailStack.h"
 #include "records/DraftKeeper.h"
 #include "records/RecordKind.h"
+#include "records/RecordListScreen.h"
 #include "records/ShellAlerts.h"
 #include "shell/MainWindow.h"
 #include "shell/MainWindowController.h"
@@ -55,8 +56,19 @@ void MainWindowController::showNewWindow(const QString &name, Make make)
 /// It is the next that one works with; only where words wait to be saved, these come first.
 void MainWindowController::showNewRecord(const ObjectPtr &record)
 {
-    if (record && screen && !details->hasChanges())
-        screen->selectRecords({record});
+    if (!record || !screen || details->hasChanges())
+        return;
+    screen->selectRecords({record});
+    showHidden(record);
+}
+
+/// A record that the filter of its list hides is shown beside the list all the same. A task stands in many
+/// lists, and in this one it has no place then.
+void MainWindowController::showHidden(const ObjectPtr &record)
+{
+    auto *list = dynamic_cast<RecordListScreen *>(screen.data());
+    if (list && !list->listType())
+        list->showHidden(record);
 }
 
 void MainWindowController::showNewTask(const NewTaskRequest &request)
@@ -111,7 +123,8 @@ void MainWindowController::calendarsAllowed()
 bool MainWindowController::closeNewWindows()
 {
     LeaveGate gate;
-    const auto windows = mainWindow->findChildren<RecordWindow *>(Qt::FindDirectChildrenOnly);
+    // That of what was said in a call belongs to the window of the call.
+    const auto windows = mainWindow->findChildren<RecordWindow *>();
     for (RecordWindow *window : windows)
         gate.add(*window, [window] { window->showWindow(); });
     details->addTo(gate);
@@ -122,7 +135,7 @@ bool MainWindowController::closeNewWindows()
         return false;
     for (ImportContactWindowController *window : imports)
         window->close();
-    for (RecordWindow *window : mainWindow->findChildren<RecordWindow *>(Qt::FindDirectChildrenOnly))
+    for (RecordWindow *window : mainWindow->findChildren<RecordWindow *>())
         window->close();
     return true;
 }

@@ -48,6 +48,7 @@ void MainWindowController::searchSelectItem(const ObjectPtr &record)
     if (screen->focusProxy())
         screen->setFocus(Qt::OtherFocusReason);
     screen->selectItem(record);
+    showHidden(record);
     searchedRecord = DBWorker::getIdFromObject(record);
     actions->update();
 }

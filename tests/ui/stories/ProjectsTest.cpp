@@ -5,6 +5,7 @@
 #include "filters/SavedFilter.h"
 #include "foundation/Clock.h"
 #include "records/DetailStack.h"
+#include "records/DraftKeeper.h"
 #include "records/RecordListScreen.h"
 #include "records/RecordPane.h"
 #include "records/RecordWindow.h"
@@ -180,6 +181,48 @@ TEST_F(ProjectsTest, AFilterHidesOthersAndClosesTheirPanes)
     projects().clearFilter();
     EXPECT_EQ(rows().size(), 3);
     EXPECT_EQ(title(), u"Boat"_s);
+}
+
+TEST_F(ProjectsTest, WhatTheFilterHidesIsShownToWhoAsksForIt)
+{
+    run(ActionId::FilterTasks);
+    QTest::keyClicks(QApplication::activePopupWidget()->findChild<QLineEdit *>(u"fieldTitle"_s), u"b"_s);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return rows() == QStringList{u"Boat"_s}; }));
+    QApplication::activePopupWidget()->close();
+    showList(SidebarItem::Inbox);
+    controller().searchSelectItem(stored(u"House"_s));
+    settle();
+    ASSERT_TRUE(pane());
+    EXPECT_EQ(title(), u"House"_s);
+    EXPECT_EQ(rows(), QStringList{u"Boat"_s});
+
+    // So is what was left typed for one.
+    press(*pane(), "buttonEdit");
+    find<GrowingTextField>(*pane(), "textFieldTitle").selectAll();
+    QTest::keyClicks(&find<GrowingTextField>(*pane(), "textFieldTitle"), u"Castle"_s);
+    DraftKeeper::finishAll();
+    controller().detailStack()->removeAllDetail();
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        controller().openDrafts();
+        EXPECT_EQ(alerts.asked().size(), 1u);
+    }
+    settle();
+    EXPECT_FALSE(window().findChild<RecordWindow *>(u"WindowNewProjects"_s));
+    ASSERT_TRUE(pane());
+    EXPECT_TRUE(pane()->isEditing());
+    press(*pane(), "buttonEdit");
+    EXPECT_TRUE(stored(u"Castle"_s));
+    EXPECT_EQ(rows(), QStringList{u"Boat"_s});
+
+    // And a new one.
+    Q_EMIT projects().buttonAdd(ToolBarButton::NewProject);
+    auto *form = window().findChild<RecordWindow *>(u"WindowNewProjects"_s);
+    ASSERT_TRUE(form);
+    QTest::keyClicks(&find<GrowingTextField>(*form, "textFieldTitle"), u"Garden"_s);
+    press(*form, "buttonSave");
+    EXPECT_EQ(title(), u"Garden"_s);
+    EXPECT_EQ(rows(), QStringList{u"Boat"_s});
 }
 
 // The tasks of a project
