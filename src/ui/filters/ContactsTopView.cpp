@@ -27,6 +27,8 @@ ContactsTopView::ContactsTopView(QWidget *parent)
     row->addWidget(buttonFilter);
     buttonGroup->setObjectName(u"buttonGroup"_s);
     buttonFilter->setFilter(&filter);
+    // What was chosen before and not saved is not what the list has.
+    connect(buttonFilter, &FilterButton::opening, this, &ContactsTopView::readGroup);
     connect(buttonGroup, &QAbstractButton::clicked, this, &ContactsTopView::membersWanted);
     setContactGroup(nullptr);
     // Undo, and whoever else changes a list, changes what its bubble begins with.
@@ -56,9 +58,14 @@ void ContactsTopView::setContactGroup(const std::shared_ptr<EntityContactGroup> 
          isList ? QString() : localized(u"Saving adds a list of these people to the sidebar."_s)});
     showState(*buttonFilter, buttons.filter);
     showState(*buttonGroup, buttons.group);
-    filter.viewWillAppear(group.get());
-    if (group && !ContactGroups::isGroup(*group))
-        filter.setFilter(*group);
+    readGroup();
+}
+
+void ContactsTopView::readGroup()
+{
+    filter.viewWillAppear(contactGroup.get());
+    if (contactGroup && !ContactGroups::isGroup(*contactGroup))
+        filter.setFilter(*contactGroup);
 }
 
 void ContactsTopView::setLeading(QWidget *widget)

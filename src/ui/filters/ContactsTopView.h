@@ -32,6 +32,7 @@ Q_SIGNALS:
     void membersWanted();
 
 private:
+    void readGroup();
     void clickButtonSave();
 
     FilterContact filter;

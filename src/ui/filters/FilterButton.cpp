@@ -39,6 +39,7 @@ void FilterButton::togglePopover()
         return closePopover();
     if (!isEnabled() || !filter)
         return;
+    Q_EMIT opening();
     bubble = TaskFilterController::makePopover(*filter, this, action);
     connect(bubble, &Popover::closed, this, [this] { update(); });
     bubble->showBeside(*this);

@@ -13,6 +13,10 @@ class Popover;
 class FilterButton : public StripButton
 {
     Q_OBJECT
+Q_SIGNALS:
+    /// The bubble is about to be made.
+    void opening();
+
 public:
     explicit FilterButton(QWidget *parent = nullptr);
 
