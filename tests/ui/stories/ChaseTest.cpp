@@ -224,6 +224,27 @@ TEST_F(ChaseTest, WhatOthersHaveIsWorkedOnWhereItIsListed)
     EXPECT_EQ(list.selectedRecord(), roof);
 }
 
+TEST_F(ChaseTest, ManyAreAskedAtOnceOnlyByWhoMeansIt)
+{
+    for (const QString &name : {u"Ann"_s, u"Bob"_s, u"Cleo"_s, u"Dora"_s}) {
+        const ContactPtr one = contact(name);
+        const auto mail = context().insert<EntityEmail>();
+        mail->setMail(name + u"@example.org"_s);
+        mail->setContact(one);
+        give(u"Ask "_s + name, one, 2);
+    }
+    go(SidebarItem::WaitingFor);
+    auto &list = static_cast<RecordListScreen &>(current());
+    list.table()->selectAll();
+    for (const int answer : {Alert::secondButton, Alert::firstButton}) {
+        const ScriptedAlerts alerts({answer});
+        QTest::mouseClick(&find<ToolBarButton>(window(), "buttonAskAgain"), Qt::LeftButton);
+        settle();
+        EXPECT_EQ(alerts.asked().front().message, u"Ask 4 people again?"_s);
+        EXPECT_EQ(opened.size(), answer == Alert::firstButton ? 4 : 0);
+    }
+}
+
 TEST_F(ChaseTest, AListAndAGroupAreMadeAboveThePeople)
 {
     const ContactPtr ann = contact(u"Ann"_s);
@@ -257,6 +278,16 @@ TEST_F(ChaseTest, AListAndAGroupAreMadeAboveThePeople)
     settle();
     EXPECT_EQ(lists().at(0)->criteria(), 2);
     EXPECT_EQ(shown(), 1);
+    // What is chosen there and not saved is not there at the next look.
+    run(ActionId::FilterTasks);
+    QTest::keyClick(&find<MVSegmentView>(current(), "segmentActive"), Qt::Key_Home);
+    QTest::keyClick(&find<MVSegmentView>(current(), "segmentActive"), Qt::Key_Space);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([] { return !QApplication::activePopupWidget(); }));
+    settle();
+    run(ActionId::FilterTasks);
+    EXPECT_EQ(find<MVSegmentView>(current(), "segmentActive").selectedIndex(), 2);
+    QApplication::activePopupWidget()->close();
 
     go(SidebarItem::People);
     QTest::mouseClick(&find<QAbstractButton>(current(), "buttonGroup"), Qt::LeftButton);
@@ -382,6 +413,7 @@ TEST_F(ChaseTest, ACallIsTickedOffOnItsSheetAndWhatWasSaidIsNoted)
                 return QTest::mouseClick(check, Qt::LeftButton);
         }
     };
+    find<QWidget>(*sheet, "checkCall").setFocus();
     tickFirst();
     settle();
     EXPECT_EQ(call->status(), TaskStatus::Done);
@@ -393,6 +425,7 @@ TEST_F(ChaseTest, ACallIsTickedOffOnItsSheetAndWhatWasSaidIsNoted)
     ASSERT_EQ(ann->note().size(), 1u);
     EXPECT_EQ(ann->note()[0]->title(), u"Roof"_s);
     EXPECT_EQ(ann->note()[0]->detail(), u"They come on Monday"_s);
+    EXPECT_EQ(sheet->focusWidget()->accessibleName(), u"Door"_s) << "the keys go on with the next";
     // Nobody has to write one.
     tickFirst();
     settle();

@@ -22,7 +22,11 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -84,6 +88,32 @@ static void addMore(QVBoxLayout &block, std::size_t count)
         addSentence(block, localized(u"%1 more"_s).arg(count));
 }
 
+static std::vector<QWidget *> stopsOf(const QWidget &page)
+{
+    std::vector<QWidget *> stops;
+    for (auto *one : page.findChildren<QWidget *>()) {
+        if (!one->isHidden() && (one->focusPolicy() & Qt::TabFocus) != 0)
+            stops.push_back(one);
+    }
+    return stops;
+}
+
+/// The keys and the eyes stay where they are on the page: what was ticked off is followed by its neighbour.
+static void takePlaceOf(const QScrollArea &former, QScrollArea &scroll)
+{
+    const std::vector<QWidget *> formerStops = stopsOf(former);
+    const auto place = std::ranges::find(formerStops, former.window()->focusWidget());
+    const std::vector<QWidget *> stops = stopsOf(scroll);
+    if (place != formerStops.end() && !stops.empty()) {
+        const auto number = static_cast<std::size_t>(place - formerStops.begin());
+        stops[std::min(number, stops.size() - 1)]->setFocus();
+    }
+    // It is laid out first.
+    QTimer::singleShot(0, &scroll, [&scroll, value = former.verticalScrollBar()->value()] {
+        scroll.verticalScrollBar()->setValue(value);
+    });
+}
+
 void CallSheetWindow::load()
 {
     // A question may stand over it.
@@ -95,7 +125,8 @@ void CallSheetWindow::load()
             close();
         return;
     }
-    QWidget *const former = column->count() > 0 ? column->itemAt(0)->widget() : nullptr;
+    auto *const former =
+        column->count() > 0 ? static_cast<QScrollArea *>(column->itemAt(0)->widget()) : nullptr;
     content = new QWidget;
     auto *lines = new QVBoxLayout(content);
     lines->setContentsMargins({});
@@ -121,6 +152,7 @@ void CallSheetWindow::load()
     auto *scroll = new FormScroll(content);
     column->insertWidget(0, scroll, 1);
     if (former) {
+        takePlaceOf(*former, *scroll);
         column->removeWidget(former);
         former->hide();
         former->deleteLater();

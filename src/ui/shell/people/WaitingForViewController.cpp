@@ -1,5 +1,6 @@
 #include "shell/people/WaitingForViewController.h"
 
+#include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "records/people/WaitingFor.h"
 #include "shell/people/WaitingForModel.h"
@@ -43,6 +44,13 @@ void WaitingForViewController::askAboutSelected()
         if (const ContactPtr contact = task->delegateToUser())
             byContact[contact->fullName() + contact->identifier()].push_back(task);
     }
+    // Nobody wants their screen full of mails by a slip.
+    constexpr std::size_t mostAtOnce = 3;
+    if (byContact.size() > mostAtOnce &&
+        Alert::run({.message = localized(u"Ask %1 people again?"_s).arg(byContact.size()),
+                    .informativeText = localized(u"A mail opens for each of them."_s),
+                    .buttons = {localized(u"Ask Again"_s), localized(u"Cancel"_s)}}) != Alert::firstButton)
+        return;
     std::vector<TaskPtr> asked;
     for (const auto &[name, tasks] : byContact) {
         if (openAskingMail(tasks.front()->delegateToUser(), tasks))
