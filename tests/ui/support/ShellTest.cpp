@@ -7,10 +7,28 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QEvent>
+
+/// What comes up as a window gets the commands of a window. Something that goes into another one after it was
+/// shown keeps them, and none of the shortcuts that both have works there any more.
+class WindowWatch : public QObject
+{
+public:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::ParentChange && watched->isWidgetType() &&
+            !static_cast<QWidget *>(watched)->isWindow() && watched->property("morvaneCommands").toBool())
+            ADD_FAILURE() << watched->metaObject()->className() << ' ' << watched->objectName().toStdString()
+                          << " was a window for a moment";
+        return false;
+    }
+};
 
 static void prepareOnce()
 {
     static const bool isPrepared = [] {
+        static WindowWatch watch;
+        qApp->installEventFilter(&watch);
         Shell::prepareApplication();
         Animations::setEnabled(false);
         return true;

@@ -59,6 +59,5 @@ void NotesStrip::load()
     if (more > 0)
         all = localized(u"%1 and %2 more"_s).toHtmlEscaped().arg(all, QString::number(more));
     label->setText(localized(u"Notes"_s).toHtmlEscaped() + u": "_s + all);
-    // Before it stands in its pane it would come up as a window.
     setHidden(notes.empty());
 }

@@ -17,7 +17,7 @@ class NotesStrip : public QWidget
     Q_OBJECT
 public:
     /// \param shownContact gives the contact of the pane; null for none.
-    explicit NotesStrip(std::function<ContactPtr()> shownContact, QWidget *parent = nullptr);
+    explicit NotesStrip(std::function<ContactPtr()> shownContact, QWidget *parent);
 
 Q_SIGNALS:
     void opened(const ObjectPtr &note);

@@ -23,8 +23,8 @@ static QWidget *makeStrips(RecordPane &pane)
     auto *column = new QVBoxLayout(strips);
     column->setContentsMargins({});
     column->setSpacing(0);
-    column->addWidget(new WaitingStrip(contact));
-    auto *notes = new NotesStrip(contact);
+    column->addWidget(new WaitingStrip(contact, strips));
+    auto *notes = new NotesStrip(contact, strips);
     QObject::connect(notes, &NotesStrip::opened, &pane, &DetailViewController::recordWanted);
     column->addWidget(notes);
     return strips;

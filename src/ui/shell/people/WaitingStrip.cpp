@@ -67,6 +67,5 @@ void WaitingStrip::load()
     const QString words =
         shown && shown->context() && !shown->isDeleted() ? WaitingFor::inWords(*shown) : QString();
     label->setText(words);
-    // Before it stands in its pane it would come up as a window.
     setHidden(words.isEmpty());
 }

@@ -22,7 +22,7 @@ class WaitingStrip : public QWidget
     Q_OBJECT
 public:
     /// \param shownContact gives the contact of the pane; null for none.
-    explicit WaitingStrip(std::function<ContactPtr()> shownContact, QWidget *parent = nullptr);
+    explicit WaitingStrip(std::function<ContactPtr()> shownContact, QWidget *parent);
 
 private:
     void load();
