@@ -20,7 +20,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr QSize firstSizeOfHistory(560, 560);
 
 HistoryWindow::HistoryWindow(const ObjectPtr &record, QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
     , history(record)
     , table(new CheckList)
     , labelEmpty(makeTextLabel(localized(u"Nothing was changed since the history began."_s),

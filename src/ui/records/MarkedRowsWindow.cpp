@@ -16,7 +16,7 @@ constexpr QSize firstSize(420, 520);
 constexpr int windowMargin = 2 * Theme::unit;
 
 MarkedRowsWindow::MarkedRowsWindow(const QString &title, QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
 {
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);

@@ -24,7 +24,7 @@ constexpr auto afterRows = std::chrono::milliseconds(40);
 
 RecordWindow::RecordWindow(const QString &name, const QString &title, std::unique_ptr<FormModel> form,
                            FormView *formView, QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
     , model(std::move(form))
     , keeper(*model)
     , view(formView)

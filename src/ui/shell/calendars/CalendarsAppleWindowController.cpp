@@ -23,7 +23,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr QSize firstSize(400, 480);
 
 CalendarsAppleWindowController::CalendarsAppleWindowController(QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
     , model(new CalendarListModel(this))
     , table(new QListView)
 {

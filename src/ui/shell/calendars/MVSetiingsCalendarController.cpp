@@ -27,7 +27,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int width = 480;
 
 MVSetiingsCalendarController::MVSetiingsCalendarController(QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
     , column(new QVBoxLayout)
 {
     setObjectName(u"PreferencesWindow"_s);

@@ -74,7 +74,7 @@ ImportContactWindowController *ImportContactWindowController::openFiles(QWidget 
 }
 
 ImportContactWindowController::ImportContactWindowController(QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
 {
     setObjectName(u"ImportContactWindow"_s);
     setWindowTitle(localized(u"Import contacts"_s));

@@ -78,7 +78,7 @@ QPushButton *addButton(QHBoxLayout &row, const QString &words, const QString &na
 } // namespace
 
 DevicesWindow::DevicesWindow(QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
 {
     setObjectName(u"DevicesWindow"_s);
     setWindowTitle(localized(u"Devices"_s));

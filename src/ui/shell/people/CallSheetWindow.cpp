@@ -34,7 +34,7 @@ constexpr QSize firstSizeOfSheet(460, 600);
 constexpr int sheetMargin = 2 * Theme::unit;
 
 CallSheetWindow::CallSheetWindow(const ObjectPtr &called, QWidget *parent)
-    : QWidget(parent, Qt::Window)
+    : QWidget(parent, Qt::Dialog)
     , sheet(called)
     , column(new QVBoxLayout(this))
 {
