@@ -10,6 +10,10 @@ using namespace Qt::Literals::StringLiterals;
 constexpr std::array actionTable = {
     ActionDescription{ActionId::NewTask, u"actionNewTask", u"New Task", u"Ctrl+N"},
     ActionDescription{ActionId::AddInLine, u"actionAddInLine", u"Add a Task in a Line", u"Ctrl+L"},
+    ActionDescription{ActionId::NewProject, u"actionNewProject", u"New Project", u"Ctrl+Alt+1"},
+    ActionDescription{ActionId::NewContact, u"actionNewContact", u"New Contact", u"Ctrl+Alt+2"},
+    ActionDescription{ActionId::NewCompany, u"actionNewCompany", u"New Company", u"Ctrl+Alt+3"},
+    ActionDescription{ActionId::NewNote, u"actionNewNote", u"New Note", u"Ctrl+Alt+4"},
     ActionDescription{ActionId::Save, u"actionSave", u"Save", u"Ctrl+S"},
     ActionDescription{ActionId::OpenMainWindow, u"actionOpenMainWindow", u"Open Main Window",
                       u"Ctrl+Shift+N"},

@@ -14,6 +14,10 @@
 enum class ActionId {
     NewTask,
     AddInLine,
+    NewProject,
+    NewContact,
+    NewCompany,
+    NewNote,
     Save,
     OpenMainWindow,
     Calendars,

@@ -15,8 +15,8 @@ const std::vector<MainMenu::Description> &MainMenu::menus()
     static const std::vector<Description> all = {
         {u"Morvane", {About, CheckUpdates, separator, ActionId::Preferences, Calendars, separator, Quit}},
         {u"File",
-         {NewTask, AddInLine, separator, Save, separator, OpenMainWindow, CloseWindow, separator, Import,
-          Export, Print}},
+         {NewTask, AddInLine, separator, NewProject, NewContact, NewCompany, NewNote, separator, Save,
+          separator, OpenMainWindow, CloseWindow, separator, Import, Export, Print}},
         {u"Edit",
          {Undo, Redo, separator, Cut, Copy, CopyTable, Paste, Duplicate, Delete, SelectAll, separator, Search,
           FilterTasks, ClearFilter, WhyIsItHere, ShowHistory}},

@@ -74,6 +74,11 @@ void MainWindowController::bindActions()
 {
     actions->bind(ActionId::NewTask, [this] { menuClickNewTask(); });
     actions->bind(ActionId::AddInLine, [this] { addInLine(); });
+    for (const auto &[id, type] : {std::pair(ActionId::NewProject, ToolBarButton::NewProject),
+                                   std::pair(ActionId::NewContact, ToolBarButton::NewContact),
+                                   std::pair(ActionId::NewCompany, ToolBarButton::NewCompany),
+                                   std::pair(ActionId::NewNote, ToolBarButton::NewNote)})
+        actions->bind(id, [this, type = type] { buttonAdd(type); });
     actions->bind(
         ActionId::Calendars, [this] { showCalendars(); }, [] { return !DBWorker::isSample(); });
     actions->bind(ActionId::Preferences, [this] { showSettings(); });

@@ -6,6 +6,8 @@
 #include "widgets/MVSegmentView.h"
 #include "widgets/ToolBarButton.h"
 
+#include <map>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -57,10 +59,16 @@ void ShortcutTips::put(const QWidget &part)
         for (QWidget *widget : part.findChildren<QWidget *>(control.name.toString()))
             widget->setToolTip(tipOf(control.command));
     }
-    // The button that adds has the command only where it adds tasks.
+    // Each list adds its own kind.
+    static const std::map<ToolBarButton::ActionType, ActionId> additions = {
+        {ToolBarButton::NewTask, ActionId::NewTask},       {ToolBarButton::NewProject, ActionId::NewProject},
+        {ToolBarButton::NewContact, ActionId::NewContact}, {ToolBarButton::NewCompany, ActionId::NewCompany},
+        {ToolBarButton::NewNote, ActionId::NewNote},
+    };
     for (auto *button : part.findChildren<ToolBarButton *>(u"buttonAdd"_s)) {
-        if (button->actionType() == ToolBarButton::NewTask)
-            button->setToolTip(tipOf(ActionId::NewTask));
+        const auto command = additions.find(button->actionType());
+        if (command != additions.end())
+            button->setToolTip(tipOf(command->second));
     }
     putOnParts<MVSegmentView>(part, calendarKinds);
     putOnParts<DaysControllerButton>(part, calendarPages);

@@ -216,7 +216,7 @@ TEST_F(ProjectsTest, WhatTheFilterHidesIsShownToWhoAsksForIt)
     EXPECT_EQ(rows(), QStringList{u"Boat"_s});
 
     // And a new one.
-    Q_EMIT projects().buttonAdd(ToolBarButton::NewProject);
+    run(ActionId::NewProject);
     auto *form = window().findChild<RecordWindow *>(u"WindowNewProjects"_s);
     ASSERT_TRUE(form);
     QTest::keyClicks(&find<GrowingTextField>(*form, "textFieldTitle"), u"Garden"_s);
