@@ -388,9 +388,12 @@ void EventGridWeek::paintHours(QPainter &painter, const QRect &clip) const
     font.setWeight(QFont::Normal);
     painter.setPen(Theme::secondaryText);
     const double text = QFontMetricsF(font).height();
+    const auto now = isPaintedForPaper() ? std::nullopt : grid.currentTimeLine(Clock::now());
     for (const TimedGridLayout::HourLabel &label : grid.hourLabels(text)) {
         const QRectF place = visual(label.frame);
-        if (!place.intersects(clip))
+        // The line of the present moment would strike its hour through.
+        const bool isStruck = now && now->intersects(label.frame);
+        if (isStruck || !place.intersects(clip))
             continue;
         const Date at = MVDate::setTimeWithCurrentDate(day, label.hour, 0, 0);
         const QString words = EventCalendarView::shortTime(at).toUpper();
