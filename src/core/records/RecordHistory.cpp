@@ -88,6 +88,7 @@ constexpr auto knownValues = std::to_array<Known>({
     {ofNote, "title", u"Title"},
     {ofNote, "detail", u"Details"},
     {ofNote, "contact", u"Contact", Told::Record},
+    {ofNote, "company", u"Company", Told::Record},
     {EntityPhone::entityName, "number", u"Phone"},
     {EntityEmail::entityName, "mail", u"Email"},
     {EntityURL::entityName, "url", u"URL"},

@@ -116,7 +116,9 @@ QStringList textsOf(const EntityCompany &company)
 QStringList textsOf(const EntityNote &note)
 {
     const ContactPtr contact = note.contact();
-    return {note.detail(), note.title(), contact ? contact->fullName() : QString()};
+    const CompanyPtr company = note.company();
+    return {note.detail(), note.title(), contact ? contact->fullName() : QString(),
+            company ? company->title() : QString()};
 }
 
 QStringList textsOf(const ManagedObject &object)

@@ -506,8 +506,15 @@ TEST_F(ChaseTest, WhatACompanySaidIsFoundAgainAndNothingIsLeftOutInSilence)
     note->clickButtonSave();
     settle();
     ASSERT_EQ(CallSheet(works).lastNotes().size(), 1u);
-    EXPECT_EQ(CallSheet(works).lastNotes()[0]->title(), u"Offer · Works"_s);
+    EXPECT_EQ(CallSheet(works).lastNotes()[0]->title(), u"Offer"_s);
     EXPECT_TRUE(CallSheet(ann).lastNotes().empty());
+    works->setTitle(u"Mills"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_EQ(CallSheet(works).lastNotes().size(), 1u) << "whatever it is called";
+    go(SidebarItem::Companies);
+    static_cast<TabsViewController &>(current()).selectItem(works);
+    settle();
+    EXPECT_TRUE(find<QLabel>(window(), "labelNotes").text().contains(u">Offer</a>"_s));
 
     for (int number = 0; number < 7; ++number) {
         const auto more = context().insert<EntityNote>();
@@ -529,7 +536,7 @@ TEST_F(ChaseTest, WhatACompanySaidIsFoundAgainAndNothingIsLeftOutInSilence)
     go(SidebarItem::People);
     static_cast<TabsViewController &>(current()).selectItem(ann);
     settle();
-    const QString told = find<QLabel>(window(), "labelNotes").text();
+    const QString told = find<QLabel>(*controller().detailStack()->top(), "labelNotes").text();
     EXPECT_TRUE(told.endsWith(u" and 2 more"_s)) << told.toStdString();
     EXPECT_EQ(told.count(u">%1 note</a>"_s), 5) << told.toStdString();
 }

@@ -126,5 +126,7 @@ QByteArray CalendarWriter::textOf(const EntityNote &note)
         TaskComponents::putText(component, "CONTACT", person->fullName());
         TaskComponents::putText(component, "X-MORVANE-PERSON", personname::written(*person));
     }
+    if (const CompanyPtr company = note.company())
+        TaskComponents::putText(component, "X-MORVANE-COMPANY", company->title());
     return textOfComponent(component);
 }

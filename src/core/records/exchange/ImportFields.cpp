@@ -114,6 +114,11 @@ void importfields::fillCategoryAndTags(MVTask &copy, const ImportedTask &task)
         copy.tags.push_back(titledOrNew<EntityTags>(tag));
 }
 
+CompanyPtr importfields::companyTitled(const QString &title)
+{
+    return titledOrNew<EntityCompany>(title);
+}
+
 void importfields::fillWords(MVTask &copy, const ImportedTask &task)
 {
     copy.title = task.title.isEmpty() ? localized(u"No Title"_s) : task.title;
@@ -121,7 +126,7 @@ void importfields::fillWords(MVTask &copy, const ImportedTask &task)
     copy.priority = task.priority;
     copy.status = task.status;
     copy.location = placeNamed(task.place, task.position);
-    copy.company = titledOrNew<EntityCompany>(task.company);
+    copy.company = companyTitled(task.company);
     copy.delegateToUser = task.contactWords.isEmpty() ? personname::foundOrMade(task.person)
                                                       : personname::found(task.contactWords);
     const QString words = localized(u"Contacts"_s) + u": "_s + task.contactWords;

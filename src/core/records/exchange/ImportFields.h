@@ -22,6 +22,8 @@ bool isOther(const MVTask &copy);
 bool fitsInto(const EntityProject &project, OptionalDate start, OptionalDate due);
 /// The moment from which a task repeats.
 OptionalDate baseDateOf(const EntityTask &row);
+/// The first company of a title, which is made where there is none; null for no title.
+CompanyPtr companyTitled(const QString &title);
 /// By its title in any language of the program; null for none.
 CategoryPtr categoryNamed(const QString &title);
 /// The first project of a title; null for none.

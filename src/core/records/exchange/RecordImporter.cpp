@@ -351,13 +351,15 @@ void RecordImporter::addNote(const QString &identifier, const ImportedTask &task
     note->setDetail(task.details);
     note->setCreationDate(task.created ? task.created : OptionalDate(MVDate::date()));
     note->setContact(personname::foundOrMade(task.person));
+    note->setCompany(companyTitled(task.company));
     newNotes.insert(identifier);
     ++account.added;
 }
 
 static bool areEqual(const EntityNote &one, const EntityNote &other)
 {
-    return one.title() == other.title() && one.detail().trimmed() == other.detail().trimmed();
+    return one.title() == other.title() && one.detail().trimmed() == other.detail().trimmed() &&
+           one.company() == other.company();
 }
 
 /// The note of the file stays, as it is known by its identifier when the file comes again.
@@ -446,6 +448,7 @@ void RecordImporter::takeNote(const CalendarFile::Object &object)
     }
     note.created = UtcDateTime::date(QString::fromLatin1(journal.value("CREATED").trimmed()));
     note.person = IcalText::decoded(journal.value("X-MORVANE-PERSON")).simplified();
+    note.company = IcalText::decoded(journal.value("X-MORVANE-COMPANY")).simplified();
     // Whom other programs name is somebody of theirs, unless there is such a person.
     const QString contact = IcalText::decoded(journal.value("CONTACT")).simplified();
     if (note.person.isEmpty() && personname::found(contact))

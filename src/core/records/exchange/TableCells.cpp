@@ -405,6 +405,7 @@ ImportedRow tablecells::noteOf(const QHash<QString, QString> &cellsOfRow)
     task.title = titleOf(cells);
     task.details = cells.raw(u"Notes"_s);
     task.person = cells.text(u"Contact"_s);
+    task.company = cells.text(u"Company"_s);
     task.created = cells.moment(u"Created"_s);
     return cells.finished();
 }

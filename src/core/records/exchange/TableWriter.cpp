@@ -195,6 +195,7 @@ const Columns<EntityNote> &columnsOf(const EntityNote *)
         {u"Title", [](const Note &note) { return note.title(); }},
         {u"Notes", [](const Note &note) { return note.detail(); }},
         {u"Contact", [](const Note &note) { return nameOf(note.contact()); }},
+        {u"Company", [](const Note &note) { return titleOf(note.company()); }},
         {u"Created", [](const Note &note) { return momentText(note.creationDate()); }},
         {u"Identifier", [](const Note &note) { return note.identifier(); }},
     };

@@ -22,12 +22,6 @@ static std::size_t beyond(std::size_t count, std::size_t most)
     return count - std::min(count, most);
 }
 
-/// The end of the title of a note that is about a company.
-static QString endOfTitle(const EntityCompany &company)
-{
-    return u" · "_s + company.title();
-}
-
 CallSheet::CallSheet(ObjectPtr calledOne)
     : called(std::move(calledOne))
 {}
@@ -119,10 +113,8 @@ CallSheet::Notes CallSheet::allNotes() const
     } else {
         for (const ContactPtr &employee : company()->contact())
             std::ranges::copy(employee->note(), std::back_inserter(notes));
-        const QString end = endOfTitle(*company());
-        for (const auto &note : mainContext().fetch<EntityNote>(
-                 EntityNote::fetchRequest().where(Predicate::format("contact = nil")))) {
-            if (note->title().endsWith(end))
+        for (const auto &note : company()->note()) {
+            if (std::ranges::find(notes, note) == notes.end())
                 notes.push_back(note);
         }
     }
@@ -143,9 +135,4 @@ bool CallSheet::tick(const TaskPtr &call)
 ContactPtr CallSheet::noteContact(const TaskPtr &call) const
 {
     return contact() ? contact() : call->delegateToUser();
-}
-
-QString CallSheet::noteTitle(const TaskPtr &call) const
-{
-    return noteContact(call) ? call->title() : call->title() + endOfTitle(*company());
 }

@@ -37,8 +37,8 @@ public:
     static bool tick(const TaskPtr &call);
     /// Whom a note about a call is about; null if nobody can know.
     ContactPtr noteContact(const TaskPtr &call) const;
-    /// What such a note is called. One that is about nobody names the company, by which it is found again.
-    QString noteTitle(const TaskPtr &call) const;
+    /// The company that is called; null for a person.
+    CompanyPtr company() const { return std::dynamic_pointer_cast<EntityCompany>(called); }
 
     static constexpr std::size_t mostNotes = 5;
     /// Nobody calls a whole concern from one page.
@@ -50,7 +50,6 @@ private:
     std::vector<Number> allNumbers() const;
     Notes allNotes() const;
     ContactPtr contact() const { return std::dynamic_pointer_cast<EntityContacts>(called); }
-    CompanyPtr company() const { return std::dynamic_pointer_cast<EntityCompany>(called); }
 
     ObjectPtr called;
 };

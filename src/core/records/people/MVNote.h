@@ -14,4 +14,5 @@ public:
     QString detail;
     /// Whom it is about; null for nobody.
     ContactPtr contact;
+    CompanyPtr company;
 };

@@ -16,6 +16,7 @@ MVNote NoteForm::valuesOf(const EntityNote &note)
     values.detail = note.detail();
     values.creationDate = note.creationDate();
     values.contact = note.contact();
+    values.company = note.company();
     return values;
 }
 
@@ -40,6 +41,7 @@ MissingField NoteForm::clickButtonSave()
         row->setTitle(values.title);
     row->setDetail(values.detail);
     row->setContact(values.contact);
+    row->setCompany(values.company);
     isUncommitted = !DBWorker::tellOfFailure(transaction.commit());
     if (isUncommitted)
         return MissingField::Store;
@@ -68,6 +70,11 @@ std::vector<FormRow> NoteForm::rows() const
              .editor = FormRow::Editor::Choice,
              .name = u"Contact"_s,
              .controlName = u"popUpButtonContact"_s,
+             .isClearable = true},
+            {.id = Company,
+             .editor = FormRow::Editor::Choice,
+             .name = u"Company"_s,
+             .controlName = u"popUpButtonCompany"_s,
              .isClearable = true}};
 }
 
@@ -78,6 +85,8 @@ QString NoteForm::label(int number) const
         return localized(u"Details"_s);
     case Contact:
         return localized(u"Contact"_s);
+    case Company:
+        return localized(u"Company"_s);
     default:
         return {};
     }
@@ -90,6 +99,8 @@ QString NoteForm::textOf(const MVNote &note, int number)
         return note.title;
     case Details:
         return note.detail;
+    case Company:
+        return note.company ? note.company->title() : QString();
     default:
         return note.contact ? note.contact->fullName() : QString();
     }
@@ -115,56 +126,93 @@ void NoteForm::setText(int number, const QString &text)
         edit([&] { field = text; });
 }
 
-std::vector<FormChoice> NoteForm::choices(int)
+std::vector<FormChoice> NoteForm::choices(int number)
 {
-    offered.clear();
     std::vector<FormChoice> choices = {{localized(u"None"_s)}};
+    if (number == Company) {
+        offeredCompanies = TaskFormChoices::companies();
+        for (const CompanyPtr &company : offeredCompanies)
+            choices.push_back({company->title()});
+        return choices;
+    }
+    offeredContacts.clear();
     for (ContactRows::Named &contact : TaskFormChoices::contactNames()) {
-        offered.push_back(contact.row);
+        offeredContacts.push_back(contact.row);
         choices.push_back({std::move(contact.fullName)});
     }
     return choices;
 }
 
-int NoteForm::chosen(int) const
+/// Its place below "None", or -1.
+template <typename Value>
+static int placeIn(const std::vector<Value> &offered, const Value &value)
 {
-    if (!values.contact)
-        return 0;
-    const auto found = std::ranges::find(offered, values.contact->rowId());
+    const auto found = std::ranges::find(offered, value);
     return found == offered.end() ? -1 : static_cast<int>(found - offered.begin()) + 1;
 }
 
-void NoteForm::choose(int, int place)
+int NoteForm::chosen(int number) const
 {
-    const RowId chosenRow = place == 0 ? 0 : offered.at(static_cast<std::size_t>(place - 1));
-    edit([&] { values.contact = TaskFormChoices::contactOfRow(chosenRow); });
+    if (!chosenRecord(number))
+        return 0;
+    return number == Company ? placeIn(offeredCompanies, values.company)
+                             : placeIn(offeredContacts, values.contact->rowId());
 }
 
-std::string_view NoteForm::entityOfChoices(int) const
+void NoteForm::choose(int number, int place)
 {
-    return EntityContacts::entityName;
+    if (place == 0)
+        return clear(number);
+    const auto index = static_cast<std::size_t>(place - 1);
+    if (number == Company)
+        edit([&] { values.company = offeredCompanies.at(index); });
+    else
+        edit([&] { values.contact = TaskFormChoices::contactOfRow(offeredContacts.at(index)); });
 }
 
-void NoteForm::clear(int)
+ObjectPtr NoteForm::chosenRecord(int number) const
 {
-    edit([this] { values.contact = nullptr; });
+    if (number == Company)
+        return values.company;
+    return number == Contact ? values.contact : nullptr;
+}
+
+std::string_view NoteForm::entityOfChoices(int number) const
+{
+    return number == Company ? EntityCompany::entityName : EntityContacts::entityName;
+}
+
+void NoteForm::clear(int number)
+{
+    if (number == Company)
+        edit([this] { values.company = nullptr; });
+    else
+        edit([this] { values.contact = nullptr; });
 }
 
 // Drafts
 
-/// Two contacts may have the same name.
+/// Two contacts, or companies, may have the same name.
 QString NoteForm::keptOf(const MVNote &note, int number)
 {
+    if (number == Company)
+        return DBWorker::getIdFromObject(note.company);
     return number == Contact ? DBWorker::getIdFromObject(note.contact) : textOf(note, number);
 }
 
 void NoteForm::resumeRow(int number, const QString &value)
 {
-    if (number != Contact)
+    if (number != Contact && number != Company)
         return setText(number, value);
-    const auto contact = std::dynamic_pointer_cast<EntityContacts>(DBWorker::getObjectFromId(value));
-    if (contact || value.isEmpty())
-        edit([&] { values.contact = contact; });
+    const ObjectPtr record = DBWorker::getObjectFromId(value);
+    if (!record && !value.isEmpty())
+        return;
+    edit([&] {
+        if (number == Company)
+            values.company = std::dynamic_pointer_cast<EntityCompany>(record);
+        else
+            values.contact = std::dynamic_pointer_cast<EntityContacts>(record);
+    });
 }
 
 // The record
@@ -175,8 +223,9 @@ bool NoteForm::isChanged()
     if (isUncommitted && mainContext().hasChanges())
         return true;
     followRow();
-    return !isGone() && ((!values.title.isEmpty() && values.title != base.title) ||
-                         values.detail != base.detail || values.contact != base.contact);
+    return !isGone() &&
+           ((!values.title.isEmpty() && values.title != base.title) || values.detail != base.detail ||
+            values.contact != base.contact || values.company != base.company);
 }
 
 void NoteForm::giveUp()
@@ -209,6 +258,7 @@ void NoteForm::followRow()
     follow(&MVNote::title);
     follow(&MVNote::detail);
     follow(&MVNote::contact);
+    follow(&MVNote::company);
     base = present;
     if (hasFollowed && changed)
         changed();

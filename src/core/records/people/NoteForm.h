@@ -10,7 +10,7 @@ using NotePtr = std::shared_ptr<EntityNote>;
 class NoteForm : public FormModel
 {
 public:
-    enum Row { Title = 1, Details, Contact };
+    enum Row { Title = 1, Details, Contact, Company };
 
     /// A new note.
     NoteForm() = default;
@@ -30,11 +30,11 @@ public:
     QString label(int row) const override;
     QString text(int row) const override;
     void setText(int row, const QString &text) override;
-    /// All contacts below "None".
+    /// All contacts, or companies, below "None".
     std::vector<FormChoice> choices(int row) override;
     int chosen(int row) const override;
     void choose(int row, int place) override;
-    ObjectPtr chosenRecord(int number) const override { return number == Contact ? values.contact : nullptr; }
+    ObjectPtr chosenRecord(int row) const override;
     std::string_view entityOfChoices(int row) const override;
     void clear(int row) override;
 
@@ -63,7 +63,8 @@ private:
     NotePtr row;
     /// The row as it was when the values were taken.
     MVNote base;
-    std::vector<RowId> offered;
+    std::vector<RowId> offeredContacts;
+    std::vector<CompanyPtr> offeredCompanies;
     bool touched = false;
     /// The row was made by this form, and no commit has reached the disk since.
     bool isNewRow = false;

@@ -11,6 +11,7 @@ MANAGED_TO_MANY_DEFINITION(EntityCompany, EntityEmail, email, setEmail)
 MANAGED_TO_MANY_DEFINITION(EntityCompany, EntityPhone, phone, setPhone)
 MANAGED_TO_MANY_DEFINITION(EntityCompany, EntityURL, url, setUrl)
 MANAGED_TO_MANY_DEFINITION(EntityCompany, EntityTask, task, setTask)
+MANAGED_TO_MANY_DEFINITION(EntityCompany, EntityNote, note, setNote)
 
 QString EntityCompany::employees() const
 {

@@ -8,6 +8,7 @@ class EntityAddress;
 class EntityContactGroup;
 class EntityContacts;
 class EntityEmail;
+class EntityNote;
 class EntityPhone;
 class EntityTask;
 class EntityURL;
@@ -31,6 +32,7 @@ public:
         {"phone", Cardinality::ToMany, "EntityPhone", "company", DeleteRule::Cascade},
         {"url", Cardinality::ToMany, "EntityURL", "company", DeleteRule::Cascade},
         {"task", Cardinality::ToMany, "EntityTask", "company"},
+        {"note", Cardinality::ToMany, "EntityNote", "company"},
     });
 
     /// A request for all of them.
@@ -51,4 +53,5 @@ public:
     MANAGED_TO_MANY(EntityPhone, phone, setPhone)
     MANAGED_TO_MANY(EntityURL, url, setUrl)
     MANAGED_TO_MANY(EntityTask, task, setTask)
+    MANAGED_TO_MANY(EntityNote, note, setNote)
 };

@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 7;
+constexpr int modelVersion = 8;
 
 template <typename Entity>
 EntityDescription describe()
@@ -103,7 +103,8 @@ std::vector<EntityDescription> describeEntities()
         describe<EntityContactGroup>(),
         describe<EntityTags>(),
         describe<EntityLocation>(),
-        describe<EntityNote>().followingLinks().indexedBy({{"EntityNote_contact", "\"contact\""}}),
+        describe<EntityNote>().followingLinks().indexedBy(
+            {{"EntityNote_contact", "\"contact\""}, {"EntityNote_company", "\"company\""}}),
         describe<EntitySearchIndex>().derived().substringIndexed("string").indexedBy(
             {{"EntitySearchIndex_object", "\"objectId\", \"string\""}}),
     };

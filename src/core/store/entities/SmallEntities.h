@@ -49,7 +49,7 @@ public:
     MANAGED_TO_MANY(EntityTask, task, setTask)
 };
 
-/// A note, of a contact or of nobody.
+/// A note, about a contact, a company or nobody.
 class EntityNote : public TypedObject<EntityNote>
 {
 public:
@@ -61,6 +61,7 @@ public:
     });
     static constexpr auto relationshipTable = std::to_array<RelationshipDescription>({
         {"contact", Cardinality::ToOne, "EntityContacts", "note"},
+        {"company", Cardinality::ToOne, "EntityCompany", "note"},
     });
 
     /// A request for all of them.
@@ -70,6 +71,7 @@ public:
     MANAGED_TEXT(detail, setDetail)
     MANAGED_DATE(creationDate, setCreationDate)
     MANAGED_TO_ONE(EntityContacts, contact, setContact)
+    MANAGED_TO_ONE(EntityCompany, company, setCompany)
 };
 
 /// One searchable text of one record, found again by the URI of the record.

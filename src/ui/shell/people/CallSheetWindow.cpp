@@ -230,8 +230,9 @@ void CallSheetWindow::tick(const TaskPtr &call)
 void CallSheetWindow::offerNote(const TaskPtr &call)
 {
     auto form = std::make_unique<NoteForm>();
-    form->values.title = sheet.noteTitle(call);
+    form->values.title = call->title();
     form->values.contact = sheet.noteContact(call);
+    form->values.company = sheet.company();
     auto *view = new FormView(*form);
     auto *window =
         new RecordWindow(u"WindowAddNewNote"_s, localized(u"What Was Said"_s), std::move(form), view, this);

@@ -12,9 +12,9 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-NotesStrip::NotesStrip(std::function<ContactPtr()> shownContact, QWidget *parent)
+NotesStrip::NotesStrip(std::function<ObjectPtr()> shownRecord, QWidget *parent)
     : QWidget(parent)
-    , contact(std::move(shownContact))
+    , record(std::move(shownRecord))
     , label(makeTextLabel({}, Theme::FontRole::Small, Theme::secondaryText))
 {
     setObjectName(u"notesStrip"_s);
@@ -42,7 +42,7 @@ NotesStrip::NotesStrip(std::function<ContactPtr()> shownContact, QWidget *parent
 
 void NotesStrip::load()
 {
-    const ContactPtr shown = contact();
+    const ObjectPtr shown = record();
     notes.clear();
     std::size_t more = 0;
     if (shown && shown->context() && !shown->isDeleted()) {

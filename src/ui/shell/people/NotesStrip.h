@@ -10,14 +10,14 @@
 
 class QLabel;
 
-/// A line in the pane about a contact: the notes about them, the newest first, each of which opens. It is not
-/// there for who has none.
+/// A line in the pane about a contact or a company: the notes about them, the newest first, each of which
+/// opens. It is not there for who has none.
 class NotesStrip : public QWidget
 {
     Q_OBJECT
 public:
-    /// \param shownContact gives the contact of the pane; null for none.
-    explicit NotesStrip(std::function<ContactPtr()> shownContact, QWidget *parent);
+    /// \param shownRecord gives the contact or company of the pane; null for none.
+    explicit NotesStrip(std::function<ObjectPtr()> shownRecord, QWidget *parent);
 
 Q_SIGNALS:
     void opened(const ObjectPtr &note);
@@ -25,7 +25,7 @@ Q_SIGNALS:
 private:
     void load();
 
-    std::function<ContactPtr()> contact;
+    std::function<ObjectPtr()> record;
     QLabel *label;
     std::vector<std::shared_ptr<EntityNote>> notes;
     QTimer soon;

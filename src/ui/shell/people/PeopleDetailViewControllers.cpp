@@ -15,6 +15,13 @@ static NewTaskRequest newTaskOfContact(const ObjectPtr &record)
     return {.createWithContact = contact, .createWithCompany = contact->company()};
 }
 
+static NotesStrip *makeNotesStrip(RecordPane &pane, QWidget *parent)
+{
+    auto *notes = new NotesStrip([&pane] { return pane.record(); }, parent);
+    QObject::connect(notes, &NotesStrip::opened, &pane, &DetailViewController::recordWanted);
+    return notes;
+}
+
 /// What they have to do, and what was noted about them.
 static QWidget *makeStrips(RecordPane &pane)
 {
@@ -24,10 +31,13 @@ static QWidget *makeStrips(RecordPane &pane)
     column->setContentsMargins({});
     column->setSpacing(0);
     column->addWidget(new WaitingStrip(contact, strips));
-    auto *notes = new NotesStrip(contact, strips);
-    QObject::connect(notes, &NotesStrip::opened, &pane, &DetailViewController::recordWanted);
-    column->addWidget(notes);
+    column->addWidget(makeNotesStrip(pane, strips));
     return strips;
+}
+
+static QWidget *makeStripOfCompany(RecordPane &pane)
+{
+    return makeNotesStrip(pane, &pane);
 }
 
 /// Opens the page for a call.
@@ -65,7 +75,8 @@ CompanyDetailViewController::CompanyDetailViewController(std::unique_ptr<FormMod
     : LinkedTasksPane(
           name, std::move(form), formView,
           {.tasks = [](const ManagedObject &one) { return static_cast<const EntityCompany &>(one).task(); },
-           .newTask = newTaskOfCompany},
+           .newTask = newTaskOfCompany,
+           .above = makeStripOfCompany},
           parent)
 {
     addToHeader(makeCallButton(*this));

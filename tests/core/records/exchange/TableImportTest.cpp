@@ -106,8 +106,8 @@ QString valuesOf(const EntityProject &project)
 
 QString valuesOf(const EntityNote &note)
 {
-    return QStringList{note.identifier(), note.title(), note.detail(), shown(note.creationDate()),
-                       shown(note.contact())}
+    return QStringList{note.identifier(),          note.title(),          note.detail(),
+                       shown(note.creationDate()), shown(note.contact()), shown(note.company())}
         .join(u'\n');
 }
 
@@ -297,6 +297,7 @@ TEST_F(TableImportTest, ProjectsAndNotesComeBackWithTheirPeopleAndTasks)
     note->setDetail(u"White\n- blue"_qs);
     note->setCreationDate(utcDate(2026, 10, 2, 8));
     note->setContact(tasks[0]->delegateToUser());
+    note->setCompany(make<EntityCompany>(u"Paints"_qs));
     make<EntityNote>(u"Nobody's"_qs)->setCreationDate(utcDate(2026, 10, 2, 9));
     ASSERT_FALSE(DBWorker::saveContext());
     const QByteArray projectTable = exported(ExportFormat::Csv, all<EntityProject>());

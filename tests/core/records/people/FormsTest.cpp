@@ -193,6 +193,23 @@ TEST_F(Forms, StoreCompaniesAndNotes)
     EXPECT_EQ(note.note()->creationDate(), Clock::now());
     EXPECT_EQ(ann->note(), std::vector<std::shared_ptr<EntityNote>>({note.note()}));
     EXPECT_EQ(newNotes.count, 1);
+
+    // A note can be about a company, too.
+    note.choices(NoteForm::Company);
+    note.choose(NoteForm::Company, 1);
+    EXPECT_EQ(note.chosen(NoteForm::Company), 1);
+    NoteForm again(note.note());
+    RecordDraft draft = *RecordDraft::decoded(note.encodedDraft());
+    again.resume(draft);
+    EXPECT_EQ(again.values.company, company.company());
+    EXPECT_EQ(again.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(company.company()->note(), std::vector<std::shared_ptr<EntityNote>>({note.note()}));
+    note.followRow();
+    note.clear(NoteForm::Company);
+    EXPECT_TRUE(note.isChanged());
+    EXPECT_EQ(note.clickButtonSave(), MissingField::None);
+    EXPECT_TRUE(company.company()->note().empty());
+    EXPECT_EQ(note.values.contact, ann);
 }
 
 TEST_F(Forms, SayThatTheStoreTookNothingAndStoreItOnceWhenItDoes)
