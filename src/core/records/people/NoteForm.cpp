@@ -27,6 +27,8 @@ NoteForm::NoteForm(const NotePtr &note)
 
 MissingField NoteForm::clickButtonSave()
 {
+    if (values.title != base.title)
+        values.title = values.title.trimmed();
     if (values.title.isEmpty() && !isStored())
         return MissingField::Title;
     RecordsTransaction transaction(isStored() ? u"Change Note"_s : u"New Note"_s);
@@ -175,7 +177,7 @@ bool NoteForm::isChanged()
     if (isUncommitted && mainContext().hasChanges())
         return true;
     followRow();
-    return !isGone() && ((!values.title.isEmpty() && values.title != base.title) ||
+    return !isGone() && ((!values.title.trimmed().isEmpty() && values.title != base.title) ||
                          values.detail != base.detail || values.contact != base.contact);
 }
 
