@@ -231,6 +231,36 @@ TEST_F(ImportingContacts, TellsOfASecondCardOfOneNameThatSaysMore)
     EXPECT_EQ(again.namesakes, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs}));
 }
 
+TEST_F(ImportingContacts, ComparesTheJobTitlesOfThoseWhoAreThere)
+{
+    struct Case
+    {
+        const char *there;
+        const char *card;
+        bool saysMore;
+    };
+    const auto cases = std::to_array<Case>({{"", "TITLE:Friend", true},
+                                            {"TITLE:Friend", "TITLE:Coworker", true},
+                                            {"TITLE:Friend", "TITLE:friend", false},
+                                            {"TITLE:Friend", "TITLE:Freund", false},
+                                            {"TITLE:Friend", "", false},
+                                            {"TITLE:Beekeeper", "TITLE:Beekeeper", false},
+                                            {"TITLE:Beekeeper", "TITLE:Smith", true}});
+    int number = 0;
+    for (const Case &one : cases) {
+        const QByteArray name = "N:Lee;Ann" + QByteArray::number(++number) + ";;;\r\nTEL:1\r\n";
+        importAll(card(name + one.there));
+        const ContactImportAccount account =
+            importAll(card("N:;Eve" + name.mid(5, 5)) + card(name + one.card));
+        EXPECT_EQ(account.poorer.size(), one.saysMore ? 1 : 0) << one.there << " and " << one.card;
+        // Nobody of one import is compared with the store.
+        const QByteArray other = "N:Kay;Bob" + QByteArray::number(number) + ";;;\r\nTEL:1\r\n";
+        EXPECT_EQ(importAll(card(other + one.there) + card(other + one.card)).poorer.size(),
+                  one.saysMore ? 1 : 0)
+            << one.there << " and then " << one.card;
+    }
+}
+
 TEST_F(ImportingContacts, CompletesWhomOnlyTheNameIsKnownOfAndBringsGroups)
 {
     const auto ann = context().insert<EntityContacts>();
