@@ -24,7 +24,5 @@ bool fitsInto(const EntityProject &project, OptionalDate start, OptionalDate due
 OptionalDate baseDateOf(const EntityTask &row);
 /// By its title in any language of the program; null for none.
 CategoryPtr categoryNamed(const QString &title);
-/// The first project of a title; null for none.
-ProjectPtr projectTitled(const QString &title);
 
 } // namespace importfields

@@ -6,6 +6,7 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "records/dates/MVDate.h"
+#include "records/exchange/ProjectName.h"
 #include "records/exchange/TableWords.h"
 #include "records/people/ContactLabels.h"
 #include "records/people/ContactTable.h"
@@ -184,11 +185,10 @@ void ContactImport::addLinks(const ContactPtr &person, const CNContact &contact)
     for (const auto &[kind, word] : contact.otherWords) {
         if (kind != ContactTable::projects)
             continue;
-        ProjectPtr project = mainContext().fetchFirst<EntityProject>(
-            EntityProject::fetchRequest().where(Predicate::format("title = %@", word)));
+        ProjectPtr project = projectname::found(word);
         if (!project) {
-            project = mainContext().insert<EntityProject>();
-            project->setTitle(word);
+            project = projectname::made(word);
+            ++account.projects;
         }
         project->addRelated("delegateToUser", person);
     }

@@ -22,6 +22,8 @@ QStringList ContactImportAccount::sentences() const
         all.append(localizedCount(u"%1 companies were imported."_s, newCompanies));
     if (groups > 0)
         all.append(localizedCount(u"%1 groups are new."_s, groups));
+    if (projects > 0)
+        all.append(localizedCount(u"%1 projects are new."_s, projects));
     const auto tell = [&](const QStringList &names, const QString &sentence) {
         if (!names.isEmpty())
             all.append(localizedCount(sentence, names.size()).arg(someOf(names)));

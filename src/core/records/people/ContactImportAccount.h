@@ -16,6 +16,7 @@ struct ContactImportAccount
     int filledCompanies = 0;
     /// Those that are new since a card names them.
     int groups = 0;
+    int projects = 0;
     /// The full names of those that were there before, and of those among them that lack something that the
     /// card has.
     QStringList existing;
