@@ -283,9 +283,39 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
     words += labels;
     if (!labels.isEmpty() || !others.isEmpty())
         account.withOtherWords.append(name);
-    if (!contact.note.isEmpty())
+    if (!contact.note.isEmpty() && contact.notes.empty())
         words.append(contact.note);
     return words;
+}
+
+static void addNote(const ContactPtr &person, const CNNote &values)
+{
+    const auto note = mainContext().insert<EntityNote>();
+    note->setTitle(values.title);
+    note->setDetail(values.text);
+    note->setCreationDate(values.created);
+    note->setContact(person);
+}
+
+/// The notes of a card, and a note of what no field holds. They may have come before the card, as parts of a
+/// file of their own.
+static void addNotes(const ContactPtr &person, const CNContact &card, const QStringList &wordsWithoutField)
+{
+    const QString words = wordsWithoutField.join(u'\n');
+    const QString all = card.notes.empty() ? words : words + u'\n' + card.note;
+    if (notewords::areSame(all, notewords::of(*person)))
+        return;
+    std::vector<CNNote> notes = card.notes;
+    if (!words.isEmpty())
+        notes.push_back({person->fullName(), words, MVDate::date()});
+    const auto present = person->note();
+    for (const CNNote &note : notes) {
+        const bool isThere = std::ranges::any_of(present, [&note](const auto &one) {
+            return one->title() == note.title && one->detail() == note.text;
+        });
+        if (!isThere)
+            addNote(person, note);
+    }
 }
 
 /// How much is said of somebody, so that it can be seen whether a card said more.
@@ -333,14 +363,7 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     const auto category = categoryNamed(contact.jobTitle);
     row->setContactCategory(category);
     const QStringList words = wordsWithoutField(contact, name, category != nullptr);
-    // Its notes may have come before its card, as parts of a file of their own.
-    if (!words.isEmpty() && !notewords::areSame(words.join(u'\n'), notewords::of(*row))) {
-        const auto note = mainContext().insert<EntityNote>();
-        note->setTitle(name);
-        note->setDetail(words.join(u'\n'));
-        note->setCreationDate(MVDate::date());
-        note->setContact(row);
-    }
+    addNotes(row, contact, words);
     addDetails(row, contact);
     addLinks(row, contact);
     addPicture(row, row->fullName(), contact);

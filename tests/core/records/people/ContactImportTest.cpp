@@ -3,10 +3,12 @@
 #include "cloud/IcloudManager.h"
 #include "contacts/VCardContact.h"
 #include "contacts/VCardReader.h"
+#include "eventkit/UtcDateTime.h"
 #include "records/exchange/RecordExport.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ImportableContacts.h"
 #include "store/entities/EntityContactGroup.h"
+#include "store/entities/EntityProject.h"
 #include "support/FullDisk.h"
 
 #include <QBuffer>
@@ -548,6 +550,101 @@ TEST_F(ImportingContacts, TakesWhatWasExported)
         const ContactPtr again = contact(one.givenName, one.familyName);
         ASSERT_TRUE(again) << qPrintable(one.givenName);
         EXPECT_EQ(valuesOf(*again), one) << qPrintable(one.givenName);
+    }
+}
+
+TEST_F(ImportingContacts, BringsBackProjectsAndEachNote)
+{
+    const auto notesOf = [](const EntityContacts &contact) {
+        QStringList told;
+        for (const auto &note : contact.note())
+            told.append(note->title() + u'|' + note->detail() + u'|' +
+                        (note->creationDate() ? UtcDateTime::string(*note->creationDate()) : u"-"_qs));
+        told.sort();
+        return told;
+    };
+    const auto projectsOf = [](const EntityContacts &contact) {
+        QStringList titles;
+        for (const auto &project : contact.project())
+            titles.append(project->title());
+        titles.sort();
+        return titles;
+    };
+    const auto forget = [this] {
+        const auto remove = [this](const auto &records) {
+            for (const auto &record : records)
+                context().deleteObject(record);
+        };
+        remove(context().fetch<EntityContacts>(EntityContacts::fetchRequest()));
+        remove(context().fetch<EntityNote>(EntityNote::fetchRequest()));
+        remove(context().fetch<EntityProject>(EntityProject::fetchRequest()));
+        ASSERT_FALSE(DBWorker::saveContext());
+    };
+    for (const bool hasPhone : {true, false}) {
+        const auto ann = context().insert<EntityContacts>();
+        ann->setFirstName(u"Ann"_qs);
+        ann->setLastName(u"Lee"_qs);
+        if (hasPhone) {
+            const auto phone = context().insert<EntityPhone>();
+            phone->setNumber(u"1"_qs);
+            phone->setContact(ann);
+        }
+        int day = 0;
+        const auto addNote = [&](const QString &title, const QString &detail) {
+            const auto note = context().insert<EntityNote>();
+            note->setTitle(title);
+            note->setDetail(detail);
+            note->setContact(ann);
+            if (++day < 5)
+                note->setCreationDate(utcDate(2026, 9, day, 8));
+        };
+        addNote(u"Ann Lee"_qs, u"Sings\nloud; and\\nclear"_qs);
+        addNote(u"Lee Ann"_qs, u"Lee Ann\nsaid so"_qs);
+        addNote(u"Tea, black"_qs, {});
+        addNote(u"Tea, black"_qs, u"Green\n\nX-MORVANE-NOTE:no"_qs);
+        addNote(u"Some day"_qs, u"Rows"_qs);
+        for (const QString &title : {u"Boat"_qs, u"House; \"old\", front"_qs}) {
+            const auto project = context().insert<EntityProject>();
+            project->setTitle(title);
+            ann->addRelated("project", project);
+        }
+        ASSERT_FALSE(DBWorker::saveContext());
+        const QStringList notes = notesOf(*ann);
+        const QStringList projects = projectsOf(*ann);
+        QBuffer file;
+        file.open(QIODevice::ReadWrite);
+        ASSERT_FALSE(
+            RecordExport::write(file, ExportFormat::VCard, EntityContacts::entityName, {ann->rowId()}));
+        const QString asOne = ContactExport().contactOf(*ann).note;
+        file.seek(0);
+        EXPECT_EQ(contactFrom(*VCardReader(file).next()).note, asOne) << "what others read";
+        const QByteArray text = file.data();
+        forget();
+        EXPECT_TRUE(importAll(text).sentences().contains(u"2 projects are new."_qs));
+        for (int time = 0; time < 2; ++time) {
+            const ContactPtr again = contact(u"Ann"_qs, u"Lee"_qs);
+            ASSERT_TRUE(again);
+            EXPECT_EQ(notesOf(*again), notes);
+            EXPECT_EQ(projectsOf(*again), projects);
+            const ContactImportAccount account =
+                importAll(text + card("N:;Eve" + QByteArray::number(time) + ";;;"));
+            EXPECT_EQ(account.existing, QStringList(u"Ann Lee"_qs));
+            EXPECT_TRUE(account.poorer.isEmpty() && account.withOtherWords.isEmpty());
+        }
+        // Where somebody has written the note anew, or has spoiled our lines, what everybody reads counts.
+        for (const auto &[from, to] : {std::pair<QByteArray, QByteArray>("NOTE:Some day", "NOTE:Swims"),
+                                       {"X-MORVANE-NOTE:2026", "X-MORVANE-NOTE:;;;;2026"},
+                                       {"X-MORVANE-NOTE:20260901T080000Z;", "X-MORVANE-NOTE:"}}) {
+            forget();
+            QByteArray edited = text;
+            const qsizetype place = edited.indexOf("\r\n" + from);
+            ASSERT_GT(place, 0) << from.constData();
+            importAll(edited.replace(place + 2, from.size(), to));
+            const ContactPtr other = contact(u"Ann"_qs, u"Lee"_qs);
+            ASSERT_EQ(other->note().size(), 1u) << to.constData();
+            EXPECT_EQ(other->note()[0]->detail(), to == "NOTE:Swims" ? u"Swims"_qs + asOne.mid(8) : asOne);
+        }
+        forget();
     }
 }
 
