@@ -370,7 +370,7 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     if (!present)
         ++account.added;
     else if (sizeOf(*row) > formerSize)
-        ++account.filledContacts;
+        account.filledContacts.append(name);
     else
         account.existing.append(name);
     return row;
@@ -387,7 +387,7 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
     describedCompanies.insert(title);
     newcomers.insert(keyOfCompany(title), knowncontacts::from(contact));
     if (presentNames.hasCompany(title))
-        ++account.filledCompanies;
+        account.filledCompanies.append(title);
     const CompanyPtr company = companyNamed(title);
     company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
     addDetails(company, contact);
