@@ -366,6 +366,8 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     addNotes(row, contact, words);
     addDetails(row, contact);
     addLinks(row, contact);
+    if (joinedGroup && joinedGroup->context() && !joinedGroup->isDeleted())
+        joinedGroup->addRelated("contacts", row);
     addPicture(row, row->fullName(), contact);
     if (!present)
         ++account.added;
