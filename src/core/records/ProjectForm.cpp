@@ -391,6 +391,8 @@ bool ProjectForm::save()
 {
     if (!canSave())
         return false;
+    if (values.title != base.title)
+        values.title = values.title.trimmed();
     // Tasks come and go beside the form.
     if (values.project())
         values.task = values.project()->task();

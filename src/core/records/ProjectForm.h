@@ -39,7 +39,7 @@ public:
     QString title() const override { return text(Title); }
     ObjectPtr record() const override { return values.project(); }
     QString creationText() const override { return createdOn(values.creationDate); }
-    bool canSave() const override { return isStored() || !values.title.isEmpty(); }
+    bool canSave() const override { return isStored() || !values.title.trimmed().isEmpty(); }
     bool isTouched() const override { return touched; }
     bool isChanged() override;
     /// By the rules of projects, which say what is wrong. A stored project that lost its title gets the one

@@ -21,6 +21,13 @@ QString titleOf(const std::shared_ptr<T> &object)
     return object ? object->title() : QString();
 }
 
+/// A category that came with the program has a key for a title: it is found by what is shown.
+template <typename T>
+QString shownTitleOf(const std::shared_ptr<T> &category)
+{
+    return localized(titleOf(category));
+}
+
 template <typename T>
 void addTitles(QStringList &texts, const std::vector<std::shared_ptr<T>> &objects)
 {
@@ -76,7 +83,7 @@ QStringList textsOf(const EntityTask &task)
     const ContactPtr delegate = task.delegateToUser();
     return {task.details(),
             task.title(),
-            localized(titleOf(task.category())),
+            shownTitleOf(task.category()),
             titleOf(task.project()),
             delegate ? delegate->fullName() : QString(),
             titleOf(task.company()),
@@ -85,7 +92,7 @@ QStringList textsOf(const EntityTask &task)
 
 QStringList textsOf(const EntityProject &project)
 {
-    QStringList texts = {project.details(), project.title(), titleOf(project.category())};
+    QStringList texts = {project.details(), project.title(), shownTitleOf(project.category())};
     addTaskTitles(texts, "project = %@", shared(project));
     addNames(texts, project.delegateToUser());
     return texts;
@@ -97,7 +104,7 @@ QStringList textsOf(const EntityContacts &contact)
     addTaskTitles(texts, "delegateToUser = %@", shared(contact));
     texts.append(titleOf(contact.company()));
     addTitles(texts, contact.project());
-    texts.append(titleOf(contact.contactCategory()));
+    texts.append(shownTitleOf(contact.contactCategory()));
     for (const auto &note : contact.note())
         texts.append({note->detail(), note->title()});
     addDetails(texts, contact);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Date.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -55,6 +57,16 @@ struct CNBirthday
     bool operator==(const CNBirthday &) const = default;
 };
 
+/// One of the notes of a contact.
+struct CNNote
+{
+    QString title;
+    /// Any number of lines.
+    QString text;
+    OptionalDate created;
+    bool operator==(const CNNote &) const = default;
+};
+
 /// A contact as an address book or a vCard has it. Texts are empty where it has none.
 struct CNContact
 {
@@ -69,6 +81,8 @@ struct CNContact
     QString unreadBirthday = {};
     /// Any number of lines.
     QString note = {};
+    /// The same one by one, where somebody has told them apart; address books do not.
+    std::vector<CNNote> notes = {};
     /// What no value above holds, each under the English name of what it is: "Full Name" of one that has more
     /// than two names, "Contact" of an organization, "Related", a second job title or birthday, and whatever
     /// else a card says under a name of its own.

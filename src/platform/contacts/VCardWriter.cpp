@@ -142,7 +142,7 @@ void writeImage(Card &card, const QByteArray &data)
 
 } // namespace
 
-QByteArray VCardWriter::text(const CNContact &contact, Version version)
+QByteArray VCardWriter::text(const CNContact &contact, Version version, const std::vector<OwnLine> &ownLines)
 {
     Card card(version);
     card.line("BEGIN:VCARD");
@@ -183,6 +183,12 @@ QByteArray VCardWriter::text(const CNContact &contact, Version version)
         card.labelled("URL", label, placeTypes(), escaped(url));
     if (!contact.imageData.isEmpty())
         writeImage(card, contact.imageData);
+    for (const auto &[name, parts] : ownLines) {
+        QByteArrayList values;
+        for (const QString &part : parts)
+            values.append(escaped(part));
+        card.line(name + ':' + values.join(';'));
+    }
     card.line("END:VCARD");
     return card.text();
 }

@@ -132,7 +132,7 @@ std::vector<RowChange> ChangeHistory::rowsOf(const QByteArray &changeset)
             continue;
         if (entity->table() == table)
             readRow(*entity, iterator, columnCount, kind);
-        else if (entity == recordEntity)
+        else
             readPair(*entity, iterator, table, kind);
     }
     sqlite3changeset_finalize(iterator);
@@ -173,12 +173,39 @@ void ChangeHistory::readRow(const EntityDescription &entity, sqlite3_changeset_i
         if (field.before != field.after)
             row.fields.push_back(std::move(field));
     }
+    findLinks(row);
     if (!wanted.contains(row.identifier) && !isPart(row))
         return;
     wanted.insert(row.identifier);
     found.push_back(std::move(row));
 }
 
+void ChangeHistory::addLink(std::string_view key, const QString &other, bool isBefore, bool isAfter)
+{
+    RowChange::Field field{key, {}, {}};
+    if (isBefore)
+        field.before = other;
+    if (isAfter)
+        field.after = other;
+    found.push_back({.entity = recordEntity, .identifier = record, .fields = {std::move(field)}});
+}
+
+/// A row that names the record, or named it, and does not belong to it.
+void ChangeHistory::findLinks(const RowChange &row)
+{
+    for (const RowChange::Field &field : row.fields) {
+        const RelationshipDescription *held = row.entity->relationship(field.key);
+        const RelationshipDescription *inverse = held && held->destination == recordEntity->name()
+                                                     ? recordEntity->relationship(held->inverse)
+                                                     : nullptr;
+        const bool isBefore = field.before == Value(record);
+        const bool isAfter = field.after == Value(record);
+        if (inverse && inverse->deleteRule != DeleteRule::Cascade && (isBefore || isAfter))
+            addLink(inverse->name, row.identifier, isBefore, isAfter);
+    }
+}
+
+/// A pair is told of whichever of its two is the record.
 void ChangeHistory::readPair(const EntityDescription &entity, sqlite3_changeset_iter *iterator,
                              QByteArrayView table, int kind)
 {
@@ -192,7 +219,7 @@ void ChangeHistory::readPair(const EntityDescription &entity, sqlite3_changeset_
         else if (name == "target")
             target = Sides(iterator, place, kind).identifier();
     }
-    if (source != record)
+    if (source != record && target != record)
         return;
     const auto relationship =
         std::ranges::find_if(entity.relationships(), [&](const RelationshipDescription &one) {
@@ -201,7 +228,9 @@ void ChangeHistory::readPair(const EntityDescription &entity, sqlite3_changeset_
         });
     if (relationship == entity.relationships().end())
         return;
-    RowChange::Field field{relationship->name, {}, {}};
-    (kind == SQLITE_DELETE ? field.before : field.after) = target;
-    found.push_back({.entity = &entity, .identifier = record, .fields = {std::move(field)}});
+    const bool isGone = kind == SQLITE_DELETE;
+    if (source == record && &entity == recordEntity)
+        addLink(relationship->name, target, isGone, !isGone);
+    if (target == record && relationship->destination == recordEntity->name())
+        addLink(relationship->inverse, source, isGone, !isGone);
 }

@@ -49,7 +49,8 @@ struct RecordedSave
 };
 
 /// The saves that changed a record, read from the changesets that the store keeps. Rows that an object takes
-/// along when it is deleted belong to it. A changeset that cannot be read is left out.
+/// along when it is deleted belong to it, and a link is told of both of its ends. A changeset that cannot be
+/// read is left out.
 class ChangeHistory
 {
 public:
@@ -69,6 +70,8 @@ private:
                  int kind);
     void readPair(const EntityDescription &entity, sqlite3_changeset_iter *iterator, QByteArrayView table,
                   int kind);
+    void findLinks(const RowChange &row);
+    void addLink(std::string_view key, const QString &other, bool isBefore, bool isAfter);
     bool isPart(const RowChange &row) const;
     const std::vector<QByteArray> &columnsOf(const QByteArray &table);
 

@@ -109,7 +109,7 @@ void MainWindowController::bindActions()
     actions->bind(
         ActionId::CopyTable, [this] { copyTable(); }, [this] { return canCopyTable(); });
     const auto openPeople = [this](const QStringList &paths) {
-        ImportContactWindowController::openFiles(mainWindow.get(), paths);
+        ImportContactWindowController::openFiles(mainWindow.get(), paths, joinedGroup());
     };
     actions->bind(ActionId::Import, [this, openPeople] { ImportTasks::run(*mainWindow, openPeople); });
     // The drag ends first: what comes of the files may ask the user something.

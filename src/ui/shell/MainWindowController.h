@@ -147,6 +147,7 @@ private:
     void showNewWindow(const QString &name, Make make);
     void selectFirstRow();
     void buttonAdd(ToolBarButton::ActionType type);
+    std::shared_ptr<EntityContactGroup> joinedGroup() const;
     void addInLine();
     bool canRemoveSelected() const;
     void removeSelected();

@@ -10,6 +10,7 @@
 #include "shell/calendars/CalendarsAppleWindowController.h"
 #include "shell/calendars/MVSetiingsCalendarController.h"
 #include "shell/contactimport/ImportContactWindowController.h"
+#include "shell/people/ContactViewController.h"
 #include "shell/tasks/TaskDetailViewController.h"
 #include "shell/tasks/WindowNewTask.h"
 #include "store/AppDelegate.h"
@@ -21,6 +22,13 @@ using namespace Qt::Literals::StringLiterals;
 
 // The windows beside the main one.
 
+/// To which those belong who come in now; null for none.
+std::shared_ptr<EntityContactGroup> MainWindowController::joinedGroup() const
+{
+    const auto *people = qobject_cast<ContactViewController *>(screen.data());
+    return people ? people->joinedGroup() : nullptr;
+}
+
 void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
 {
     if (type == ToolBarButton::NewTask || type == ToolBarButton::NewTaskOnStart)
@@ -28,7 +36,7 @@ void MainWindowController::buttonAdd(ToolBarButton::ActionType type)
     else if (type == ToolBarButton::Calendars)
         showCalendars();
     else if (type == ToolBarButton::ImportContacts)
-        connect(ImportContactWindowController::open(mainWindow.get()),
+        connect(ImportContactWindowController::open(mainWindow.get(), joinedGroup()),
                 &ImportContactWindowController::preferencesWanted, this, &MainWindowController::showSettings,
                 Qt::UniqueConnection);
     else if (const auto kind = Screens::kindAddedBy(type))

@@ -79,6 +79,11 @@ TEST_F(Searching, KnowsNumbersAndShownCategories)
     }
     const TaskPtr task = add(u"lamp"_qs);
     task->setCategory(EntityCategory::title(u"HomeCategory"_qs));
+    const auto house = titled<EntityProject>(u"House"_qs);
+    house->setCategory(EntityCategory::title(u"HomeCategory"_qs));
+    const auto title = DBWorker::allContactCategories().first();
+    title->setTitle(u"HomeCategory"_qs);
+    ann->setContactCategory(title);
     EXPECT_FALSE(DBWorker::saveContext());
     EXPECT_EQ(search(u"312) 5"_qs), QStringList({u"CONTACT"_qs, u"- Ann"_qs, u"COMPANY"_qs, u"- Ltd"_qs}));
     const QStringList both{u"CONTACT"_qs, u"- Ann"_qs, u"COMPANY"_qs, u"- Ltd"_qs};
@@ -86,7 +91,8 @@ TEST_F(Searching, KnowsNumbersAndShownCategories)
         EXPECT_EQ(search(typed), both) << qPrintable(typed);
     for (const QString &other : {u"555312"_qs, u"13125556"_qs, u"room 12555"_qs, u"( ) 0"_qs})
         EXPECT_TRUE(search(other).isEmpty()) << qPrintable(other);
-    EXPECT_EQ(search(u"home"_qs), QStringList({u"TASK"_qs, u"- lamp"_qs}));
+    EXPECT_EQ(search(u"home"_qs), QStringList({u"TASK"_qs, u"- lamp"_qs, u"PROJECT"_qs, u"- House"_qs,
+                                               u"CONTACT"_qs, u"- Ann"_qs}));
     EXPECT_TRUE(search(u"HomeCat"_qs).isEmpty());
 }
 

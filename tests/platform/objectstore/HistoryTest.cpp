@@ -109,6 +109,34 @@ TEST_F(History, keepsWhatWasTakenBackAndLinksOfMany)
     EXPECT_EQ(told(*book), QStringList(u"user Book.labels %1>-"_qs.arg(label->identifier())) + taken);
 }
 
+TEST_F(History, TellsLinksThatAnotherRecordHolds)
+{
+    std::shared_ptr<Label> label;
+    std::shared_ptr<Author> author;
+    std::shared_ptr<Book> book;
+    saveAs(ChangeAuthor::User, [&] {
+        label = library->insert<Label>();
+        author = library->insert<Author>();
+        book = library.book("one");
+    });
+    saveAs(ChangeAuthor::User, [&] {
+        label->addRelated("books", book);
+        author->addRelated("books", book);
+    });
+    saveAs(ChangeAuthor::Import, [&] {
+        book->setLabels({});
+        library.book("two")->setAuthor(author);
+    });
+    saveAs(ChangeAuthor::Pass, [&] { library->deleteObject(book); });
+    const QString id = book->identifier();
+    EXPECT_EQ(told(*label),
+              QStringList({u"import Label.books %1>-"_qs.arg(id), u"user Label.books ->%1"_qs.arg(id)}));
+    const QString two = author->relatedObjects("books").front()->identifier();
+    EXPECT_EQ(told(*author),
+              QStringList({u"pass Author.books %1>-"_qs.arg(id), u"import Author.books ->%1"_qs.arg(two),
+                           u"user Author.books ->%1"_qs.arg(id)}));
+}
+
 TEST_F(History, ReachesBackAsFarAsTheJournalAndSkipsWhatIsDamaged)
 {
     const auto book = library.book("one");

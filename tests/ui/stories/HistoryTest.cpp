@@ -170,16 +170,18 @@ TEST_F(HistoryTest, WhatBelongedToAContactComesBack)
     at(11, ChangeAuthor::User, [&] { context().deleteObject(phone); });
     at(12, ChangeAuthor::User, [&] { project->setDelegateToUser({}); });
     RecordHistory ofContact(contact);
-    ASSERT_EQ(ofContact.entries().size(), 2u);
-    EXPECT_EQ(ofContact.entries()[1].who, u"Imported"_s);
-    ASSERT_EQ(ofContact.entries()[0].lines.size(), 1u);
-    EXPECT_EQ(ofContact.entries()[0].lines[0].before, u"+49 30 1234"_s);
-    EXPECT_TRUE(ofContact.restore(0, 0));
+    ASSERT_EQ(ofContact.entries().size(), 3u);
+    EXPECT_EQ(ofContact.entries()[2].who, u"Imported"_s);
+    ASSERT_EQ(ofContact.entries()[1].lines.size(), 1u);
+    EXPECT_EQ(ofContact.entries()[1].lines[0].before, u"+49 30 1234"_s);
+    EXPECT_TRUE(ofContact.restore(1, 0));
     ASSERT_EQ(contact->phone().size(), 1u);
     EXPECT_EQ(contact->phone()[0]->number(), u"+49 30 1234"_s);
     for (std::size_t entry = 0; entry < ofContact.entries().size(); ++entry) {
-        for (std::size_t line = 0; line < ofContact.entries()[entry].lines.size(); ++line)
-            EXPECT_FALSE(ofContact.restore(entry, line)) << "It comes back once";
+        for (std::size_t line = 0; line < ofContact.entries()[entry].lines.size(); ++line) {
+            const bool isLink = ofContact.entries()[entry].lines[line].label == u"Projects"_s;
+            EXPECT_FALSE(!isLink && ofContact.restore(entry, line)) << "It comes back once";
+        }
     }
 
     RecordHistory ofProject(project);
@@ -194,6 +196,61 @@ TEST_F(HistoryTest, WhatBelongedToAContactComesBack)
     EXPECT_EQ(ofProject.entries()[0].lines[0].before, u"(deleted since)"_s);
     EXPECT_FALSE(ofProject.entries()[0].lines[0].canRestore);
     EXPECT_FALSE(ofProject.restore(0, 0));
+}
+
+TEST_F(HistoryTest, WhatTheFormsOfPeopleLinkIsToldAndComesBack)
+{
+    ContactPtr ann;
+    ProjectPtr house;
+    CompanyPtr works;
+    CompanyPtr mill;
+    at(9, ChangeAuthor::User, [&] {
+        ann = context().insert<EntityContacts>();
+        ann->setFirstName(u"Ann"_s);
+        house = context().insert<EntityProject>();
+        house->setTitle(u"House"_s);
+        works = context().insert<EntityCompany>();
+        works->setTitle(u"Works"_s);
+        mill = context().insert<EntityCompany>();
+        mill->setTitle(u"Mill"_s);
+    });
+    at(10, ChangeAuthor::User, [&] {
+        ann->setProject({house});
+        works->setContact({ann});
+    });
+    at(11, ChangeAuthor::User, [&] {
+        ann->setProject({});
+        mill->setContact({ann});
+    });
+    const auto placeOf = [](const RecordHistory &history, const QString &label) {
+        const auto &lines = history.entries().front().lines;
+        return std::size_t(std::ranges::find(lines, label, &RecordHistory::Line::label) - lines.begin());
+    };
+    const auto latest = [&](const ObjectPtr &record, const QString &label) {
+        const RecordHistory history(record);
+        const auto &lines = history.entries().front().lines;
+        const std::size_t place = placeOf(history, label);
+        return place < lines.size() ? lines[place].before + u" > "_s + lines[place].after : u"-"_s;
+    };
+    const auto restore = [&](const ObjectPtr &record, const QString &label) {
+        RecordHistory history(record);
+        return history.restore(0, placeOf(history, label));
+    };
+    EXPECT_EQ(latest(ann, u"Company"_s), u"Works > Mill"_s);
+    EXPECT_EQ(latest(ann, u"Projects"_s), u"House > "_s);
+    EXPECT_EQ(latest(house, u"Contacts"_s), u"Ann > "_s);
+    EXPECT_EQ(latest(works, u"Contacts"_s), u"Ann > "_s);
+    EXPECT_EQ(latest(mill, u"Contacts"_s), u" > Ann"_s);
+    Clock::setSource([] { return localDate(2026, 11, 21, 12, 0); });
+    EXPECT_TRUE(restore(ann, u"Projects"_s));
+    EXPECT_EQ(ann->project(), std::vector{house});
+    EXPECT_TRUE(restore(works, u"Contacts"_s));
+    EXPECT_EQ(ann->company(), works);
+    EXPECT_TRUE(mill->contact().empty());
+    Clock::setSource([] { return localDate(2026, 11, 21, 13, 0); });
+    EXPECT_EQ(latest(mill, u"Contacts"_s), u"Ann > "_s) << "She has left it again";
+    run(ActionId::Undo);
+    EXPECT_EQ(ann->company(), mill);
 }
 
 TEST_F(HistoryTest, AProjectIsOpenAgainAsIfItHadNeverBeenDone)

@@ -3,6 +3,7 @@
 #include "cloud/FileManager.h"
 #include "contacts/CNContactStore.h"
 #include "shell/contactimport/ImportContactWindowController.h"
+#include "store/entities/EntityContactGroup.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/CheckList.h"
 #include "widgets/PngPicture.h"
@@ -239,6 +240,64 @@ TEST_F(ImportTest, CardsOfEitherEndingOpenTheWindowThatGoesWithTheMainOne)
     ASSERT_TRUE(hasLines({u"C"_s, u"xCid"_s}));
     EXPECT_TRUE(controller().closeNewWindows());
     EXPECT_TRUE(QTest::qWaitFor([this] { return !importWindow(); }));
+}
+
+TEST_F(ImportTest, WhoComesInWhileAGroupIsShownJoinsIt)
+{
+    const auto group = addGroup(u"Choir"_s);
+    const auto present = context().insert<EntityContacts>();
+    present->setFirstName(u"Hal"_s);
+    ASSERT_FALSE(DBWorker::saveContext());
+    const auto members = [&] {
+        QStringList names;
+        for (const ContactPtr &one : group->contacts())
+            names << one->firstName();
+        names.sort();
+        return names.join(u' ');
+    };
+    const auto importByDrop = [&](const QByteArray &name) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(
+            write(QString::fromLatin1(name) + u".vcf"_s, card("N:;" + name + ";;;") + card("N:;Hal;;;")))});
+        QWidget *target = controller().currentScreen();
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(target, &enter);
+        QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(target, &drop);
+        ASSERT_TRUE(QTest::qWaitFor([this] {
+            return importWindow() && find<QPushButton>(*importWindow(), "buttonSave").isEnabled();
+        }));
+        const ScriptedAlerts alerts({Alert::firstButton});
+        importMarked(alerts);
+        settle();
+    };
+    const auto showGroup = [&] {
+        outline().selectIndex(sidebar().indexOfGroup(*group));
+        settle();
+    };
+    showGroup();
+    importByDrop("Dora");
+    EXPECT_EQ(members(), u"Dora"_s) << "and not Hal, who is there already";
+    Q_EMIT controller().currentScreen()->buttonAdd(ToolBarButton::ImportContacts);
+    ASSERT_TRUE(hasLines({u"A"_s, u"Ann Lee"_s, u"B"_s, u"Bob Kay"_s, u"W"_s, u"Works"_s}));
+    pressLine(1);
+    {
+        const ScriptedAlerts alerts({Alert::firstButton});
+        importMarked(alerts);
+    }
+    EXPECT_EQ(members(), u"Ann Dora"_s);
+    run(ActionId::Undo);
+    EXPECT_EQ(members(), u"Dora"_s);
+    // What is opened elsewhere, and who is on a list, has nothing to do with it.
+    controller().goToList(SidebarItem::People);
+    settle();
+    importByDrop("Eva");
+    group->setUseGeneralFilter(true);
+    ASSERT_FALSE(DBWorker::saveContext());
+    showGroup();
+    importByDrop("Fay");
+    EXPECT_EQ(members(), u"Dora"_s);
+    EXPECT_EQ(contactCount(), 4);
 }
 
 TEST_F(ImportTest, CalendarFilesThatAreDroppedOrChosenBecomeTasks)

@@ -115,6 +115,35 @@ TEST_F(ProjectsTest, AreListedReadAndEdited)
     EXPECT_EQ(title(), u"Tree"_s);
 }
 
+TEST_F(ProjectsTest, FollowTheColourOfTheirCategory)
+{
+    class Paints : public QObject
+    {
+    public:
+        int count = 0;
+
+    protected:
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            count += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+    };
+    const CategoryPtr category = EntityCategory::title(u"Work"_s);
+    stored(u"Boat"_s)->setCategory(category);
+    EXPECT_FALSE(DBWorker::saveContext());
+    Paints paints;
+    projects().table()->viewport()->installEventFilter(&paints);
+    settle();
+    paints.count = 0;
+    settle();
+    ASSERT_EQ(paints.count, 0) << "nothing else paints it";
+    category->setColorR(1);
+    EXPECT_FALSE(DBWorker::saveContext());
+    settle();
+    EXPECT_GT(paints.count, 0);
+}
+
 TEST_F(ProjectsTest, ANewOneIsMadeInItsWindowFromAnyScreen)
 {
     showList(SidebarItem::Inbox);

@@ -76,11 +76,6 @@ bool importfields::isSameRule(const QString &one, const QString &other)
     return one.isEmpty() == other.isEmpty() && rule == otherRule;
 }
 
-ProjectPtr importfields::projectTitled(const QString &title)
-{
-    return titled<EntityProject>(title);
-}
-
 bool importfields::fitsInto(const EntityProject &project, OptionalDate start, OptionalDate due)
 {
     const OptionalDate end =

@@ -26,7 +26,5 @@ OptionalDate baseDateOf(const EntityTask &row);
 CompanyPtr companyTitled(const QString &title);
 /// By its title in any language of the program; null for none.
 CategoryPtr categoryNamed(const QString &title);
-/// The first project of a title; null for none.
-ProjectPtr projectTitled(const QString &title);
 
 } // namespace importfields

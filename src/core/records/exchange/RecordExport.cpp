@@ -6,6 +6,7 @@
 #include "records/exchange/RecordWriter.h"
 #include "records/exchange/TableWriter.h"
 #include "records/people/ContactExport.h"
+#include "records/people/OwnCardLines.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
 
@@ -22,7 +23,9 @@ class CardsWriter : public RecordWriter
 public:
     QByteArray text(const ManagedObject &record) override
     {
-        return VCardWriter::text(contacts.contactOf(record));
+        const auto *person = dynamic_cast<const EntityContacts *>(&record);
+        return VCardWriter::text(contacts.contactOf(record), VCardWriter::Version::V30,
+                                 person ? owncardlines::of(*person) : std::vector<VCardWriter::OwnLine>());
     }
 
 private:

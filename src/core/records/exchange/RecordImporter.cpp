@@ -10,6 +10,7 @@
 #include "records/dates/MVDate.h"
 #include "records/exchange/ImportFields.h"
 #include "records/exchange/PersonName.h"
+#include "records/exchange/ProjectName.h"
 #include "records/people/NoteWords.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -45,17 +46,6 @@ bool isOtherProject(const EntityProject &project, const ImportedTask &task)
     return project.title() != task.title || project.details() != task.details ||
            project.status().value_or(TaskStatus::Open) != task.status ||
            isOtherDay(project.startDate(), task.start) || isOtherDay(project.dueDate(), task.due);
-}
-
-/// A project that came as a name, with a person or a task: nobody has said when it was made. The file that
-/// has it whole knows its right identifier.
-ProjectPtr projectKnownByName(const QString &title)
-{
-    for (const ProjectPtr &project : mainContext().fetch<EntityProject>(
-             EntityProject::fetchRequest().where(Predicate::format("title = %@", title))))
-        if (!project->creationDate() && RecordImporter::isBare(*project))
-            return project;
-    return nullptr;
 }
 
 /// What a form does not write: when it was made, changed and done, and since when somebody has it.
@@ -147,14 +137,10 @@ ProjectPtr RecordImporter::projectOf(const ImportedTask &task)
     if (task.project.isEmpty())
         return nullptr;
     // Of two projects of one title in a file each is its own; one that was here before is meant by its title.
-    const ProjectPtr titled = projectTitled(task.project);
+    const ProjectPtr titled = projectname::found(task.project);
     if (titled && (identifier.isEmpty() || !newProjects.contains(titled->identifier())))
         return titled;
-    const auto made = identifier.isEmpty()
-                          ? mainContext().insert<EntityProject>()
-                          : std::static_pointer_cast<EntityProject>(
-                                mainContext().insertObject(EntityProject::entityName, identifier));
-    made->setTitle(task.project);
+    const ProjectPtr made = projectname::made(task.project, identifier);
     newProjects.insert(made->identifier());
     return made;
 }
@@ -266,17 +252,17 @@ void RecordImporter::edit(const TaskPtr &row, const ImportedTask &task)
 ProjectPtr RecordImporter::addProject(const QString &identifier, const ImportedTask &task,
                                       const QStringList &people)
 {
-    const auto project = std::static_pointer_cast<EntityProject>(
-        mainContext().insertObject(EntityProject::entityName, identifier));
+    const ProjectPtr named = projectname::knownByName(task.title);
+    const ProjectPtr project = projectname::made(task.title, identifier);
+    // What this import has brought is another one of that title.
+    const bool isKnown = named && !newProjects.contains(named->identifier());
     newProjects.insert(identifier);
-    const ProjectPtr named = projectKnownByName(task.title);
-    if (named) {
+    if (isKnown) {
         project->setDelegateToUser(named->delegateToUser());
         const std::vector<TaskPtr> tasks = named->task();
         for (const TaskPtr &one : tasks)
             one->setProject(project);
         project->setRowIndex(named->rowIndex());
-        project->setStage(named->stage());
         mainContext().deleteObject(named);
         account.changed.append(task.title);
     } else {
@@ -284,13 +270,6 @@ ProjectPtr RecordImporter::addProject(const QString &identifier, const ImportedT
     }
     fill(*project, task, people);
     return project;
-}
-
-bool RecordImporter::isBare(const EntityProject &project)
-{
-    return project.details().isEmpty() && !project.startDate() && !project.dueDate() && !project.category() &&
-           project.status().value_or(TaskStatus::Open) == TaskStatus::Open &&
-           project.priority().value_or(Priority::None) == Priority::None;
 }
 
 void RecordImporter::fill(EntityProject &project, const ImportedTask &task, const QStringList &people)
@@ -332,10 +311,9 @@ void RecordImporter::takeProject(const CalendarFile::Object &object)
     auto &project = static_cast<EntityProject &>(*present);
     if (!task || !isOtherProject(project, *task)) {
         ++account.same;
-        // A task has named it before.
-        if (task && !project.creationDate())
+        if (task && projectname::isCompletedBy(task->created, project))
             fill(project, *task, people);
-    } else if (isBare(project)) {
+    } else if (projectname::isBare(project)) {
         fill(project, *task, people);
         account.changed.append(task->title);
     } else {

@@ -25,8 +25,6 @@ public:
     /// Makes a project, or completes the one of its title that came as a name only.
     ProjectPtr addProject(const QString &identifier, const ImportedTask &task, const QStringList &people);
     static void fill(EntityProject &project, const ImportedTask &task, const QStringList &people);
-    /// Whether no more is known of a project than its title, since a task or a person named it.
-    static bool isBare(const EntityProject &project);
     void addNote(const QString &identifier, const ImportedTask &task);
     /// To be called when all files have been taken: of notes that have come before under other identifiers,
     /// or with the card of somebody, one stays.

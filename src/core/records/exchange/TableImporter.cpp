@@ -8,6 +8,7 @@
 #include "records/Functional.h"
 #include "records/exchange/ImportFields.h"
 #include "records/exchange/PersonName.h"
+#include "records/exchange/ProjectName.h"
 #include "records/exchange/TableWriter.h"
 #include "store/entities/MainContext.h"
 #include "store/queries/DBWorker.h"
@@ -256,10 +257,9 @@ void TableImporter::takeProject(const Line &line)
         project = records.addProject(TaskImport::identifierOf(uid), line.content.task, line.content.people);
     } else if (isSame(*project, line, laidOver(*project, line))) {
         ++records.account.same;
-        // A task has named it before.
-        if (!project->creationDate())
+        if (projectname::isCompletedBy(line.content.task.created, *project))
             RecordImporter::fill(*project, line.content.task, line.content.people);
-    } else if (RecordImporter::isBare(*project)) {
+    } else if (projectname::isBare(*project)) {
         const ImportedRow said = laidOver(*project, line);
         RecordImporter::fill(*project, said.task, said.people);
         records.account.changed.append(said.task.title);

@@ -26,6 +26,7 @@ ContactForm::ContactForm(const ContactPtr &contact)
     values.company = contact->company();
     values.contactCategory = contact->contactCategory();
     values.project = contact->project();
+    values.contactGroup = contact->contactGroup();
     detailItems = DetailItems(*contact);
     photo = PhotoEdit(contact->photoName());
     settle();
@@ -320,10 +321,11 @@ void ContactForm::resumeRow(int number, const QString &value)
 
 static const QString groupsInDraft = u"ContactGroup"_s;
 
-/// A new contact has the groups that it was made in; those of a stored one are not edited here.
+/// Groups are not edited here: a new contact has those that it was made in, and one that is deleted while it
+/// is edited comes back to those that it had.
 void ContactForm::addToDraft(RecordDraft &draft) const
 {
-    if (!row && !values.contactGroup.empty())
+    if (!values.contactGroup.empty())
         draft.values.insert(groupsInDraft, urisOf(values.contactGroup));
 }
 
@@ -334,6 +336,13 @@ void ContactForm::takeFromDraft(const RecordDraft &draft)
 }
 
 // The record
+
+void ContactForm::followRow()
+{
+    if (!isGone())
+        values.contactGroup = row->contactGroup();
+    PeopleForm::followRow();
+}
 
 QString ContactForm::stepName(bool isNew) const
 {

@@ -42,6 +42,7 @@ public:
     void resumeRow(int number, const QString &value) override;
     void addToDraft(RecordDraft &draft) const override;
     void takeFromDraft(const RecordDraft &draft) override;
+    void followRow() override;
 
 protected:
     std::unique_ptr<PeopleForm> fresh() const override { return std::make_unique<ContactForm>(row); }

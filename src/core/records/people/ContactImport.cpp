@@ -6,6 +6,7 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "records/dates/MVDate.h"
+#include "records/exchange/ProjectName.h"
 #include "records/exchange/TableWords.h"
 #include "records/people/ContactLabels.h"
 #include "records/people/ContactTable.h"
@@ -184,11 +185,10 @@ void ContactImport::addLinks(const ContactPtr &person, const CNContact &contact)
     for (const auto &[kind, word] : contact.otherWords) {
         if (kind != ContactTable::projects)
             continue;
-        ProjectPtr project = mainContext().fetchFirst<EntityProject>(
-            EntityProject::fetchRequest().where(Predicate::format("title = %@", word)));
+        ProjectPtr project = projectname::found(word);
         if (!project) {
-            project = mainContext().insert<EntityProject>();
-            project->setTitle(word);
+            project = projectname::made(word);
+            ++account.projects;
         }
         project->addRelated("delegateToUser", person);
     }
@@ -283,9 +283,39 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
     words += labels;
     if (!labels.isEmpty() || !others.isEmpty())
         account.withOtherWords.append(name);
-    if (!contact.note.isEmpty())
+    if (!contact.note.isEmpty() && contact.notes.empty())
         words.append(contact.note);
     return words;
+}
+
+static void addNote(const ContactPtr &person, const CNNote &values)
+{
+    const auto note = mainContext().insert<EntityNote>();
+    note->setTitle(values.title);
+    note->setDetail(values.text);
+    note->setCreationDate(values.created);
+    note->setContact(person);
+}
+
+/// The notes of a card, and a note of what no field holds. They may have come before the card, as parts of a
+/// file of their own.
+static void addNotes(const ContactPtr &person, const CNContact &card, const QStringList &wordsWithoutField)
+{
+    const QString words = wordsWithoutField.join(u'\n');
+    const QString all = card.notes.empty() ? words : words + u'\n' + card.note;
+    if (notewords::areSame(all, notewords::of(*person)))
+        return;
+    std::vector<CNNote> notes = card.notes;
+    if (!words.isEmpty())
+        notes.push_back({person->fullName(), words, MVDate::date()});
+    const auto present = person->note();
+    for (const CNNote &note : notes) {
+        const bool isThere = std::ranges::any_of(present, [&note](const auto &one) {
+            return one->title() == note.title && one->detail() == note.text;
+        });
+        if (!isThere)
+            addNote(person, note);
+    }
 }
 
 /// How much is said of somebody, so that it can be seen whether a card said more.
@@ -333,21 +363,16 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     const auto category = categoryNamed(contact.jobTitle);
     row->setContactCategory(category);
     const QStringList words = wordsWithoutField(contact, name, category != nullptr);
-    // Its notes may have come before its card, as parts of a file of their own.
-    if (!words.isEmpty() && !notewords::areSame(words.join(u'\n'), notewords::of(*row))) {
-        const auto note = mainContext().insert<EntityNote>();
-        note->setTitle(name);
-        note->setDetail(words.join(u'\n'));
-        note->setCreationDate(MVDate::date());
-        note->setContact(row);
-    }
+    addNotes(row, contact, words);
     addDetails(row, contact);
     addLinks(row, contact);
+    if (joinedGroup && joinedGroup->context() && !joinedGroup->isDeleted())
+        joinedGroup->addRelated("contacts", row);
     addPicture(row, row->fullName(), contact);
     if (!present)
         ++account.added;
     else if (sizeOf(*row) > formerSize)
-        ++account.filledContacts;
+        account.filledContacts.append(name);
     else
         account.existing.append(name);
     return row;
@@ -364,7 +389,7 @@ CompanyPtr ContactImport::importCompany(const CNContact &contact)
     describedCompanies.insert(title);
     newcomers.insert(keyOfCompany(title), knowncontacts::from(contact));
     if (presentNames.hasCompany(title))
-        ++account.filledCompanies;
+        account.filledCompanies.append(title);
     const CompanyPtr company = companyNamed(title);
     company->setDetails(wordsWithoutField(contact, title, false).join(u'\n'));
     addDetails(company, contact);

@@ -22,6 +22,9 @@ public:
 
     explicit ContactImport(PngMaker toPng);
 
+    /// Those who come in belong to a private group; to none for null.
+    void setJoinedGroup(std::shared_ptr<EntityContactGroup> group) { joinedGroup = std::move(group); }
+
     /// Imports one contact with its company, job title, phones, mail, postal and web addresses and its
     /// picture. What no field holds goes into a note of the contact. The new row, or null: the account says
     /// why.
@@ -78,6 +81,7 @@ private:
     PresentNames presentNames;
     QHash<QString, CompanyPtr> companies;
     QHash<QString, std::shared_ptr<EntityContactGroup>> groups;
+    std::shared_ptr<EntityContactGroup> joinedGroup;
     /// The titles of those whose card has come in.
     QSet<QString> describedCompanies;
     /// What the first card of each name had, of those that came in with this import.

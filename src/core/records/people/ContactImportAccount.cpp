@@ -15,19 +15,24 @@ static QString someOf(const QStringList &names)
 QStringList ContactImportAccount::sentences() const
 {
     QStringList all;
-    if (const int people = added + filledContacts; people > 0 || addedCompanies == 0)
-        all.append(people == 0 ? localized(u"No contact was imported."_s)
-                               : localizedCount(u"%1 contacts were imported."_s, people));
-    if (const int newCompanies = companies + filledCompanies; newCompanies > 0)
-        all.append(localizedCount(u"%1 companies were imported."_s, newCompanies));
+    const QStringList filled = filledContacts + filledCompanies;
+    if (added > 0)
+        all.append(localizedCount(u"%1 contacts were imported."_s, added));
+    else if (addedCompanies == 0 && filled.isEmpty())
+        all.append(localized(u"No contact was imported."_s));
+    if (companies > 0)
+        all.append(localizedCount(u"%1 companies were imported."_s, companies));
     if (groups > 0)
         all.append(localizedCount(u"%1 groups are new."_s, groups));
+    if (projects > 0)
+        all.append(localizedCount(u"%1 projects are new."_s, projects));
     const auto tell = [&](const QStringList &names, const QString &sentence) {
         if (!names.isEmpty())
             all.append(localizedCount(sentence, names.size()).arg(someOf(names)));
     };
     if (wasStopped)
         all.append(localized(u"The import was stopped; what it had done by then stays."_s));
+    tell(filled, u"%1 were known by name only and now have what their cards say: %2."_s);
     tell(existing, u"%1 were there already: %2."_s);
     tell(poorer, u"%1 of those lack something that their cards have, and stay as they are: %2."_s);
     if (!namesakes.isEmpty())

@@ -6,16 +6,16 @@
 struct ContactImportAccount
 {
     int added = 0;
-    /// Contacts that were known by their name alone, and took what their card says.
-    int filledContacts = 0;
+    /// The names of contacts and companies that were known by these alone, and took what their card says.
+    QStringList filledContacts;
+    QStringList filledCompanies;
     /// Those that came as cards of their own.
     int addedCompanies = 0;
     /// All that are new, also those that only a contact names.
     int companies = 0;
-    /// Companies that were known by their title alone, and took what their card says.
-    int filledCompanies = 0;
     /// Those that are new since a card names them.
     int groups = 0;
+    int projects = 0;
     /// The full names of those that were there before, and of those among them that lack something that the
     /// card has.
     QStringList existing;

@@ -4,6 +4,7 @@
 #include "foundation/Csv.h"
 #include "records/exchange/RecordTable.h"
 #include "records/people/ContactTable.h"
+#include "records/people/OwnCardLines.h"
 
 namespace {
 
@@ -15,11 +16,13 @@ public:
     {}
     std::optional<Entry> next(CardImage image) override
     {
-        const auto card = cards.next();
+        auto card = cards.next();
         if (!card)
             return std::nullopt;
         const bool isThere = card->state != VCard::State::TooLarge;
-        return Entry{isThere ? contactFrom(*card, image) : CNContact(), card->state, card->line};
+        const VCard::State state = card->state;
+        const qint64 line = card->line;
+        return Entry{isThere ? owncardlines::contactFrom(std::move(*card), image) : CNContact(), state, line};
     }
     qint64 position() const override { return cards.position(); }
 

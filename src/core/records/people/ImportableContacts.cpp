@@ -267,6 +267,7 @@ ContactImportAccount ImportableContacts::import(const ContactImport::PngMaker &t
     const sqlite::RoomyCache cache(mainContext().connection());
     RecordsTransaction transaction(u"Import Contacts"_s, ChangeAuthor::Import);
     ContactImport contacts(toPng);
+    contacts.setJoinedGroup(joinedGroup);
     SearchIndex::Ahead index;
     bool isSaved = true;
     const auto write = [&] {

@@ -49,6 +49,8 @@ public:
     /// What could not be read, a sentence each.
     const QStringList &problems() const { return sentences; }
 
+    /// Those who are imported join a private group; none for null.
+    void setJoinedGroup(std::shared_ptr<EntityContactGroup> group) { joinedGroup = std::move(group); }
     /// Imports the marked contacts in one step that can be taken back. Some hundred at a time are written; if
     /// that fails, those before stay. \param step called after each of them.
     ContactImportAccount import(const ContactImport::PngMaker &toPng, const StepBlock &step = {});
@@ -79,4 +81,5 @@ private:
     PresentNames presentNames;
     std::unordered_set<MarkedRows::Key> known;
     QStringList sentences;
+    std::shared_ptr<EntityContactGroup> joinedGroup;
 };

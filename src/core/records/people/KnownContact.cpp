@@ -2,6 +2,7 @@
 
 #include "foundation/Calendar.h"
 #include "records/dates/MVDate.h"
+#include "records/exchange/TableWords.h"
 #include "records/people/ContactTable.h"
 #include "store/entities/MainContext.h"
 #include "store/entities/Model.h"
@@ -42,6 +43,13 @@ bool lacks(const Values &values, const QSet<QString> &present)
                                [&](const auto &one) { return !present.contains(essence(one.value)); });
 }
 
+/// One that is no category stands in a note, behind what it is called.
+bool hasJobTitle(const KnownContact &known, const QString &title)
+{
+    return tablewords::means(title, known.jobTitle) || tablewords::means(known.jobTitle, title) ||
+           known.words.contains(u": "_s + title);
+}
+
 bool hasMore(const CNContact &card, const KnownContact &known)
 {
     const auto isMissing = [&known](const auto &place) {
@@ -62,6 +70,7 @@ bool hasMore(const CNContact &card, const KnownContact &known)
            std::ranges::any_of(card.postalAddresses, isMissing) ||
            (hasBirthday && card.birthday != known.birthday) ||
            (!card.organizationName.isEmpty() && oneLine(card.organizationName) != known.company) ||
+           (!card.jobTitle.isEmpty() && !hasJobTitle(known, oneLine(card.jobTitle))) ||
            std::ranges::any_of(lines, isUnknown);
 }
 
@@ -75,6 +84,7 @@ KnownContact storedIn(const EntityContacts &contact)
         known.birthday = CNBirthday{calendar.year(day), calendar.month(day), calendar.day(day)};
     }
     known.company = contact.company() ? contact.company()->title() : QString();
+    known.jobTitle = contact.contactCategory() ? contact.contactCategory()->title() : QString();
     known.hasPicture = !contact.photoName().isEmpty();
     for (const auto &group : contact.contactGroup())
         known.groups.insert(group->title());
@@ -172,6 +182,7 @@ KnownContact knowncontacts::from(const CNContact &card)
     KnownContact known{.words = card.note,
                        .birthday = card.birthday && card.birthday->year ? card.birthday : std::nullopt,
                        .company = oneLine(card.organizationName),
+                       .jobTitle = oneLine(card.jobTitle),
                        .hasPicture = !card.imageData.isEmpty()};
     known.groups = {card.groups.begin(), card.groups.end()};
     for (const auto &one : card.otherWords)

@@ -19,6 +19,7 @@ struct KnownContact
     /// With its year.
     std::optional<CNBirthday> birthday = {};
     QString company = {};
+    QString jobTitle = {};
     bool hasPicture = false;
     QSet<QString> groups = {};
 };

@@ -28,6 +28,8 @@ NoteForm::NoteForm(const NotePtr &note)
 
 MissingField NoteForm::clickButtonSave()
 {
+    if (values.title != base.title)
+        values.title = values.title.trimmed();
     if (values.title.isEmpty() && !isStored())
         return MissingField::Title;
     RecordsTransaction transaction(isStored() ? u"Change Note"_s : u"New Note"_s);
@@ -224,8 +226,8 @@ bool NoteForm::isChanged()
         return true;
     followRow();
     return !isGone() &&
-           ((!values.title.isEmpty() && values.title != base.title) || values.detail != base.detail ||
-            values.contact != base.contact || values.company != base.company);
+           ((!values.title.trimmed().isEmpty() && values.title != base.title) ||
+            values.detail != base.detail || values.contact != base.contact || values.company != base.company);
 }
 
 void NoteForm::giveUp()

@@ -45,7 +45,7 @@ public:
     QString formerlyKept(int number) const override { return keptOf(base, number); }
     void resumeRow(int number, const QString &value) override;
     QString creationText() const override { return createdOn(values.creationDate); }
-    bool canSave() const override { return isStored() || !values.title.isEmpty(); }
+    bool canSave() const override { return isStored() || !values.title.trimmed().isEmpty(); }
     bool isTouched() const override { return touched; }
     bool isChanged() override;
     bool save() override { return clickButtonSave() == MissingField::None; }

@@ -10,23 +10,40 @@
 
 bool notewords::isNameOf(const EntityContacts &contact, const QString &title)
 {
-    return title == fullNameIn(NameOrder::FirstNameFirst, contact.firstName(), contact.lastName()) ||
-           title == fullNameIn(NameOrder::LastNameFirst, contact.firstName(), contact.lastName());
+    return isNameOf(contact.firstName(), contact.lastName(), title);
 }
 
-QString notewords::of(const EntityContacts &contact)
+bool notewords::isNameOf(const QString &firstName, const QString &lastName, const QString &title)
 {
-    const auto notes = contact.note();
-    return of(contact, {notes.begin(), notes.end()});
+    return title == fullNameIn(NameOrder::FirstNameFirst, firstName, lastName) ||
+           title == fullNameIn(NameOrder::LastNameFirst, firstName, lastName);
 }
 
-QString notewords::of(const EntityContacts &contact, std::vector<std::shared_ptr<EntityNote>> notes)
+using Notes = std::vector<std::shared_ptr<EntityNote>>;
+
+static Notes sorted(Notes notes)
 {
     std::ranges::sort(notes, {}, [](const auto &note) {
         return std::pair(note->creationDate().value_or(Date()).referenceSeconds(), note->title());
     });
+    return notes;
+}
+
+Notes notewords::inOrder(const EntityContacts &contact)
+{
+    const auto notes = contact.note();
+    return sorted({notes.begin(), notes.end()});
+}
+
+QString notewords::of(const EntityContacts &contact)
+{
+    return of(contact, inOrder(contact));
+}
+
+QString notewords::of(const EntityContacts &contact, std::vector<std::shared_ptr<EntityNote>> notes)
+{
     QStringList words;
-    for (const auto &note : notes) {
+    for (const auto &note : sorted(std::move(notes))) {
         if (!isNameOf(contact, note->title()))
             words << note->title();
         words << note->detail();

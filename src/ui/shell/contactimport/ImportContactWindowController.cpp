@@ -38,7 +38,10 @@ static bool isAllowed()
            CNAuthorizationStatus::Authorized;
 }
 
-ImportContactWindowController *ImportContactWindowController::shown(QWidget *parent, bool &isNew)
+using JoinedGroup = std::shared_ptr<EntityContactGroup>;
+
+ImportContactWindowController *ImportContactWindowController::shown(QWidget *parent, bool &isNew,
+                                                                    const JoinedGroup &joined)
 {
     static QPointer<ImportContactWindowController> present;
     isNew = !present || !present->isVisible();
@@ -46,26 +49,27 @@ ImportContactWindowController *ImportContactWindowController::shown(QWidget *par
         present = new ImportContactWindowController(parent);
         placeOverParent(*present);
     }
+    present->contacts.setJoinedGroup(joined);
     present->show();
     present->raise();
     present->activateWindow();
     return present;
 }
 
-ImportContactWindowController *ImportContactWindowController::open(QWidget *parent)
+ImportContactWindowController *ImportContactWindowController::open(QWidget *parent, const JoinedGroup &joined)
 {
     bool isNew = false;
-    auto *window = shown(parent, isNew);
+    auto *window = shown(parent, isNew, joined);
     if (isNew)
         window->getAccsesToContact();
     return window;
 }
 
-ImportContactWindowController *ImportContactWindowController::openFiles(QWidget *parent,
-                                                                        const QStringList &paths)
+ImportContactWindowController *
+ImportContactWindowController::openFiles(QWidget *parent, const QStringList &paths, const JoinedGroup &joined)
 {
     bool isNew = false;
-    auto *window = shown(parent, isNew);
+    auto *window = shown(parent, isNew, joined);
     window->addFiles(paths);
     // The drag ends first: the user may be asked for access.
     if (isNew)

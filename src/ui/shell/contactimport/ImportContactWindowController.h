@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <QWidget>
 
+class EntityContactGroup;
 class MarkedRowsView;
 class PopUpButton;
 class QLabel;
@@ -20,11 +21,15 @@ class ImportContactWindowController : public QWidget
     Q_OBJECT
 public:
     /// Opens the window with the contacts of all address books; the user is asked for access if nobody has
-    /// asked before. One that is open comes to the front.
-    static ImportContactWindowController *open(QWidget *parent);
+    /// asked before. One that is open comes to the front. \param joined the private group to which those
+    /// belong who are imported; null for none.
+    static ImportContactWindowController *open(QWidget *parent,
+                                               const std::shared_ptr<EntityContactGroup> &joined = nullptr);
     /// Opens the window with the contacts of files, all of them marked; for files that were dropped
     /// somewhere.
-    static ImportContactWindowController *openFiles(QWidget *parent, const QStringList &paths);
+    static ImportContactWindowController *
+    openFiles(QWidget *parent, const QStringList &paths,
+              const std::shared_ptr<EntityContactGroup> &joined = nullptr);
     /// The files of a drag that the window reads; empty for a drag of anything else.
     static QStringList filesIn(const QMimeData &data);
 
@@ -55,7 +60,8 @@ private:
     };
 
     explicit ImportContactWindowController(QWidget *parent);
-    static ImportContactWindowController *shown(QWidget *parent, bool &isNew);
+    static ImportContactWindowController *shown(QWidget *parent, bool &isNew,
+                                                const std::shared_ptr<EntityContactGroup> &joined);
 
     void setUp();
     QWidget *makeSources();

@@ -69,12 +69,16 @@ void ContactViewController::addFirst()
         openFilter();
 }
 
-/// Who is made while a group is shown belongs to it; else nobody would see where the contact went.
+/// Nobody would see where somebody new went who belonged to no group.
+std::shared_ptr<EntityContactGroup> ContactViewController::joinedGroup() const
+{
+    return group && ContactGroups::isGroup(*group) ? group : nullptr;
+}
+
 void ContactViewController::prepareNew(FormModel &form)
 {
-    if (auto *const contact = dynamic_cast<ContactForm *>(&form);
-        contact && group && ContactGroups::isGroup(*group))
-        contact->values.contactGroup = {group};
+    if (auto *const contact = dynamic_cast<ContactForm *>(&form); contact && joinedGroup())
+        contact->values.contactGroup = {joinedGroup()};
 }
 
 void ContactViewController::dragEnterEvent(QDragEnterEvent *event)
@@ -86,8 +90,8 @@ void ContactViewController::dragEnterEvent(QDragEnterEvent *event)
 void ContactViewController::dropEvent(QDropEvent *event)
 {
     event->acceptProposedAction();
-    ImportContactWindowController::openFiles(window(),
-                                             ImportContactWindowController::filesIn(*event->mimeData()));
+    ImportContactWindowController::openFiles(
+        window(), ImportContactWindowController::filesIn(*event->mimeData()), joinedGroup());
 }
 
 std::vector<ListedRecord> ContactViewController::rows(const FilterEntry *filter) const

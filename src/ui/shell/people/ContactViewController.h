@@ -14,6 +14,9 @@ public:
                           QWidget *parent = nullptr);
 
     const std::shared_ptr<EntityContactGroup> &contactGroup() const { return group; }
+    /// The private group that is shown, to which those belong who are made or imported meanwhile; null where
+    /// all people or a list is shown.
+    std::shared_ptr<EntityContactGroup> joinedGroup() const;
     /// Shows another group or list.
     void setContactGroup(const std::shared_ptr<EntityContactGroup> &newGroup);
 

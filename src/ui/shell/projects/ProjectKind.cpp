@@ -60,6 +60,7 @@ RecordKind ProjectKind::description()
 {
     return {
         .list = {.tableName = u"tableViewProjects"_s,
+                 .toldOf = {EntityCategory::entityName},
                  .emptySentence = localized(u"Projects gather the tasks that belong together."_s),
                  .filteredSentence = localized(u"No project passes the filter."_s),
                  .deletingSentence = localized(u"Deleting the selected projects"_s),

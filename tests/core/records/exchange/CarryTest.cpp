@@ -313,7 +313,7 @@ protected:
         const ContactImportAccount account = list.import([](const QByteArray &image) { return image; });
         EXPECT_TRUE(account.poorer.isEmpty() && account.namesakes.isEmpty() && account.refused.isEmpty())
             << account.sentences().join(u'\n').toStdString();
-        return account.added + account.filledContacts + account.addedCompanies + account.groups;
+        return account.added + int(account.filledContacts.size()) + account.addedCompanies + account.groups;
     }
 
     std::mt19937 random{testSeed()};

@@ -10,7 +10,10 @@
 #include "records/dates/MTDates.h"
 #include "records/exchange/TableCells.h"
 #include "records/exchange/TaskImport.h"
+#include "records/people/ImportableContacts.h"
 #include "store/entities/EntityProject.h"
+
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
@@ -246,6 +249,74 @@ protected:
         return tasks;
     }
 };
+
+TEST_F(TableImportTest, AProjectThatIsOnlyNamedBeginsAsANewOneUntilItsFileComes)
+{
+    const QTemporaryDir folder;
+    const auto importPeople = [&folder](const QByteArray &text) {
+        QFile file(folder.filePath(u"people.csv"_qs));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+        file.close();
+        ImportableContacts list;
+        list.add(ContactCards::ofFile(file.fileName()));
+        while (list.readSome(1'000)) {
+        }
+        list.list().markShown(true);
+        EXPECT_EQ(list.import([](const QByteArray &image) { return image; }).sentences(),
+                  (QStringList{u"1 contact was imported."_qs, u"1 project is new."_qs}));
+    };
+    const QByteArray titles =
+        "Title,Status,Priority,Start,Due,Category,Tasks,Notes,Created,Done on,Identifier\r\n";
+    const QByteArray whole = titles + "Boat,Open,High,,,,,,2026-09-03T08:00:00+00:00,,"
+                                      "0b9a4d6e-7c1f-4c62-9a59-4d2a3a1be001\r\n";
+    const QByteArray wholeWithoutMore = QByteArray(whole).replace("High", "No Priority");
+    struct Naming
+    {
+        const char *text;
+        bool isOfPeople;
+    };
+    const auto namings =
+        std::to_array<Naming>({{"First Name,Last Name,Projects\r\nAnn,Lee,Boat\r\n", true},
+                               {"Title,Type,Due,Project\r\nPaint,ToDo,2026-12-01,Boat\r\n", false},
+                               {"Title,Type,Due,Project,Project Identifier\r\nPaint,ToDo,2026-12-01,Boat,"
+                                "0b9a4d6e-7c1f-4c62-9a59-4d2a3a1be001\r\n",
+                                false}});
+    for (std::size_t number = 0; number < 2 * namings.size(); ++number) {
+        const auto &[text, isOfPeople] = namings[number / 2];
+        const bool saysMore = number % 2 == 0;
+        SCOPED_TRACE(text);
+        clear();
+        if (isOfPeople)
+            importPeople(text);
+        else
+            EXPECT_EQ(import(text).added, 1);
+        ASSERT_EQ(all<EntityProject>().size(), 1u);
+        ProjectPtr boat = all<EntityProject>().front();
+        EXPECT_EQ(boat->status(), TaskStatus::Open) << "so that filters find it";
+        EXPECT_EQ(boat->priority(), Priority::None);
+        EXPECT_EQ(boat->stage(), 0);
+        EXPECT_EQ(boat->creationDate(), Clock::now());
+        for (int time = 0; time < 2; ++time) {
+            const TaskImportAccount account = import(saysMore ? whole : wholeWithoutMore);
+            EXPECT_TRUE(account.newerHere.isEmpty()) << said(account);
+            ASSERT_EQ(all<EntityProject>().size(), 1u) << "its own file completes it";
+            boat = all<EntityProject>().front();
+            EXPECT_EQ(boat->identifier(), u"0b9a4d6e-7c1f-4c62-9a59-4d2a3a1be001"_qs);
+            EXPECT_EQ(boat->priority(), saysMore ? Priority::High : Priority::None);
+            EXPECT_EQ(boat->stage(), 0);
+            EXPECT_EQ(boat->creationDate(), utcDate(2026, 9, 3, 8));
+            EXPECT_EQ(boat->delegateToUser().size(), isOfPeople ? 1u : 0u);
+            EXPECT_EQ(boat->task().size(), isOfPeople ? 0u : 1u);
+        }
+    }
+    // One that has got a title of its own is no longer the one that was named.
+    clear();
+    importPeople(namings[0].text);
+    all<EntityProject>().front()->setTitle(u"Ship"_qs);
+    ASSERT_FALSE(DBWorker::saveContext());
+    importPeople("First Name,Last Name,Projects\r\nBob,Kay,Boat\r\n");
+    EXPECT_EQ(all<EntityProject>().size(), 2u);
+}
 
 TEST_F(TableImportTest, TasksComeBackAsTheyWere)
 {

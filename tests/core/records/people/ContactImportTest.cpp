@@ -3,10 +3,12 @@
 #include "cloud/IcloudManager.h"
 #include "contacts/VCardContact.h"
 #include "contacts/VCardReader.h"
+#include "eventkit/UtcDateTime.h"
 #include "records/exchange/RecordExport.h"
 #include "records/people/ContactExport.h"
 #include "records/people/ImportableContacts.h"
 #include "store/entities/EntityContactGroup.h"
+#include "store/entities/EntityProject.h"
 #include "support/FullDisk.h"
 
 #include <QBuffer>
@@ -231,6 +233,36 @@ TEST_F(ImportingContacts, TellsOfASecondCardOfOneNameThatSaysMore)
     EXPECT_EQ(again.namesakes, (QStringList{u"Ann Lee"_qs, u"Bob Kay"_qs}));
 }
 
+TEST_F(ImportingContacts, ComparesTheJobTitlesOfThoseWhoAreThere)
+{
+    struct Case
+    {
+        const char *there;
+        const char *card;
+        bool saysMore;
+    };
+    const auto cases = std::to_array<Case>({{"", "TITLE:Friend", true},
+                                            {"TITLE:Friend", "TITLE:Coworker", true},
+                                            {"TITLE:Friend", "TITLE:friend", false},
+                                            {"TITLE:Friend", "TITLE:Freund", false},
+                                            {"TITLE:Friend", "", false},
+                                            {"TITLE:Beekeeper", "TITLE:Beekeeper", false},
+                                            {"TITLE:Beekeeper", "TITLE:Smith", true}});
+    int number = 0;
+    for (const Case &one : cases) {
+        const QByteArray name = "N:Lee;Ann" + QByteArray::number(++number) + ";;;\r\nTEL:1\r\n";
+        importAll(card(name + one.there));
+        const ContactImportAccount account =
+            importAll(card("N:;Eve" + name.mid(5, 5)) + card(name + one.card));
+        EXPECT_EQ(account.poorer.size(), one.saysMore ? 1 : 0) << one.there << " and " << one.card;
+        // Nobody of one import is compared with the store.
+        const QByteArray other = "N:Kay;Bob" + QByteArray::number(number) + ";;;\r\nTEL:1\r\n";
+        EXPECT_EQ(importAll(card(other + one.there) + card(other + one.card)).poorer.size(),
+                  one.saysMore ? 1 : 0)
+            << one.there << " and then " << one.card;
+    }
+}
+
 TEST_F(ImportingContacts, CompletesWhomOnlyTheNameIsKnownOfAndBringsGroups)
 {
     const auto ann = context().insert<EntityContacts>();
@@ -248,7 +280,9 @@ TEST_F(ImportingContacts, CompletesWhomOnlyTheNameIsKnownOfAndBringsGroups)
         card("N:Lee;Ann;;;\r\nTEL:1\r\nNOTE:Sings\\nRings\r\nCATEGORIES:Choir,Tea\\, black") +
         card("N:Kay;Bob;;;\r\nCATEGORIES:Choir");
     const ContactImportAccount account = importAll(text);
-    EXPECT_EQ(account.sentences(), (QStringList{u"2 contacts were imported."_qs, u"1 group is new."_qs}));
+    EXPECT_EQ(account.sentences(),
+              (QStringList{u"1 contact was imported."_qs, u"1 group is new."_qs,
+                           u"One was known by name only and now has what its card says: Ann Lee."_qs}));
     EXPECT_EQ(ContactExport().contactOf(*ann).groups, (QStringList{u"Choir"_qs, u"Tea, black"_qs}));
     EXPECT_EQ(ann->phone().size(), 1u);
     EXPECT_EQ(count<EntityNote>(), 1) << "what the card says of her stands there already";
@@ -407,7 +441,7 @@ TEST_F(ImportingContacts, WaitsForTheNextSaveIfTheDiskIsFull)
     EXPECT_EQ(alerts.asked().size(), 1u);
     const ContactImportAccount again = list->import(png);
     EXPECT_TRUE(again.isSaved);
-    EXPECT_EQ(again.filledContacts, 1) << "with the picture, too";
+    EXPECT_EQ(again.filledContacts, QStringList(u"Ann"_qs)) << "with the picture, too";
     EXPECT_FALSE(contact(u"Ann"_qs, u""_qs)->photoName().isEmpty());
     EXPECT_FALSE(context().hasChanges());
     EXPECT_EQ(count<EntityContacts>(), 1);
@@ -521,6 +555,101 @@ TEST_F(ImportingContacts, TakesWhatWasExported)
     }
 }
 
+TEST_F(ImportingContacts, BringsBackProjectsAndEachNote)
+{
+    const auto notesOf = [](const EntityContacts &contact) {
+        QStringList told;
+        for (const auto &note : contact.note())
+            told.append(note->title() + u'|' + note->detail() + u'|' +
+                        (note->creationDate() ? UtcDateTime::string(*note->creationDate()) : u"-"_qs));
+        told.sort();
+        return told;
+    };
+    const auto projectsOf = [](const EntityContacts &contact) {
+        QStringList titles;
+        for (const auto &project : contact.project())
+            titles.append(project->title());
+        titles.sort();
+        return titles;
+    };
+    const auto forget = [this] {
+        const auto remove = [this](const auto &records) {
+            for (const auto &record : records)
+                context().deleteObject(record);
+        };
+        remove(context().fetch<EntityContacts>(EntityContacts::fetchRequest()));
+        remove(context().fetch<EntityNote>(EntityNote::fetchRequest()));
+        remove(context().fetch<EntityProject>(EntityProject::fetchRequest()));
+        ASSERT_FALSE(DBWorker::saveContext());
+    };
+    for (const bool hasPhone : {true, false}) {
+        const auto ann = context().insert<EntityContacts>();
+        ann->setFirstName(u"Ann"_qs);
+        ann->setLastName(u"Lee"_qs);
+        if (hasPhone) {
+            const auto phone = context().insert<EntityPhone>();
+            phone->setNumber(u"1"_qs);
+            phone->setContact(ann);
+        }
+        int day = 0;
+        const auto addNote = [&](const QString &title, const QString &detail) {
+            const auto note = context().insert<EntityNote>();
+            note->setTitle(title);
+            note->setDetail(detail);
+            note->setContact(ann);
+            if (++day < 5)
+                note->setCreationDate(utcDate(2026, 9, day, 8));
+        };
+        addNote(u"Ann Lee"_qs, u"Sings\nloud; and\\nclear"_qs);
+        addNote(u"Lee Ann"_qs, u"Lee Ann\nsaid so"_qs);
+        addNote(u"Tea, black"_qs, {});
+        addNote(u"Tea, black"_qs, u"Green\n\nX-MORVANE-NOTE:no"_qs);
+        addNote(u"Some day"_qs, u"Rows"_qs);
+        for (const QString &title : {u"Boat"_qs, u"House; \"old\", front"_qs}) {
+            const auto project = context().insert<EntityProject>();
+            project->setTitle(title);
+            ann->addRelated("project", project);
+        }
+        ASSERT_FALSE(DBWorker::saveContext());
+        const QStringList notes = notesOf(*ann);
+        const QStringList projects = projectsOf(*ann);
+        QBuffer file;
+        file.open(QIODevice::ReadWrite);
+        ASSERT_FALSE(
+            RecordExport::write(file, ExportFormat::VCard, EntityContacts::entityName, {ann->rowId()}));
+        const QString asOne = ContactExport().contactOf(*ann).note;
+        file.seek(0);
+        EXPECT_EQ(contactFrom(*VCardReader(file).next()).note, asOne) << "what others read";
+        const QByteArray text = file.data();
+        forget();
+        EXPECT_TRUE(importAll(text).sentences().contains(u"2 projects are new."_qs));
+        for (int time = 0; time < 2; ++time) {
+            const ContactPtr again = contact(u"Ann"_qs, u"Lee"_qs);
+            ASSERT_TRUE(again);
+            EXPECT_EQ(notesOf(*again), notes);
+            EXPECT_EQ(projectsOf(*again), projects);
+            const ContactImportAccount account =
+                importAll(text + card("N:;Eve" + QByteArray::number(time) + ";;;"));
+            EXPECT_EQ(account.existing, QStringList(u"Ann Lee"_qs));
+            EXPECT_TRUE(account.poorer.isEmpty() && account.withOtherWords.isEmpty());
+        }
+        // Where somebody has written the note anew, or has spoiled our lines, what everybody reads counts.
+        for (const auto &[from, to] : {std::pair<QByteArray, QByteArray>("NOTE:Some day", "NOTE:Swims"),
+                                       {"X-MORVANE-NOTE:2026", "X-MORVANE-NOTE:;;;;2026"},
+                                       {"X-MORVANE-NOTE:20260901T080000Z;", "X-MORVANE-NOTE:"}}) {
+            forget();
+            QByteArray edited = text;
+            const qsizetype place = edited.indexOf("\r\n" + from);
+            ASSERT_GT(place, 0) << from.constData();
+            importAll(edited.replace(place + 2, from.size(), to));
+            const ContactPtr other = contact(u"Ann"_qs, u"Lee"_qs);
+            ASSERT_EQ(other->note().size(), 1u) << to.constData();
+            EXPECT_EQ(other->note()[0]->detail(), to == "NOTE:Swims" ? u"Swims"_qs + asOne.mid(8) : asOne);
+        }
+        forget();
+    }
+}
+
 TEST_F(ImportingContacts, MakesCompaniesOfOrganizations)
 {
     const QByteArray text =
@@ -559,7 +688,8 @@ TEST_F(ImportingContacts, FillsACompanyThatPeopleBroughtAlongAndSaysWhatOthersLa
     const auto list = listOf(works);
     EXPECT_EQ(shown(list->list()), u"W Works"_qs) << "can be marked";
     list->list().markShown(true);
-    EXPECT_EQ(list->import(png).addedCompanies, 1);
+    EXPECT_EQ(list->import(png).sentences(),
+              QStringList(u"One was known by name only and now has what its card says: Works."_qs));
     ASSERT_EQ(count<EntityCompany>(), 1);
     const CompanyPtr company = EntityCompany::name(u"Works"_qs);
     EXPECT_EQ(company->details(), u"Since 1901"_qs);

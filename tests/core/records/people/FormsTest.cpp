@@ -212,6 +212,23 @@ TEST_F(Forms, StoreCompaniesAndNotes)
     EXPECT_EQ(note.values.contact, ann);
 }
 
+TEST_F(Forms, TakeATitleOfBlanksForNone)
+{
+    NoteForm note;
+    note.setText(NoteForm::Title, u" \n"_qs);
+    EXPECT_FALSE(note.canSave());
+    EXPECT_EQ(note.clickButtonSave(), MissingField::Title);
+    note.setText(NoteForm::Title, u" Tea\n"_qs);
+    EXPECT_EQ(note.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(note.note()->title(), u"Tea"_qs);
+    note.setText(NoteForm::Title, u"  "_qs);
+    EXPECT_FALSE(note.isChanged()) << "the former one stays";
+    note.setText(NoteForm::Details, u"green"_qs);
+    EXPECT_EQ(note.clickButtonSave(), MissingField::None);
+    EXPECT_EQ(note.note()->title(), u"Tea"_qs);
+    EXPECT_EQ(note.note()->detail(), u"green"_qs);
+}
+
 TEST_F(Forms, SayThatTheStoreTookNothingAndStoreItOnceWhenItDoes)
 {
     const QByteArray picture("\x89PNG\r\n\x1a\n");

@@ -292,6 +292,34 @@ TEST_F(PeopleForms, KeepTheGroupOfANewContactInItsDraft)
     EXPECT_EQ(group->contacts(), std::vector<ContactPtr>({resumed.contact()}));
 }
 
+TEST_F(PeopleForms, KeepTheGroupsOfAContactWhoIsDeletedElsewhere)
+{
+    const auto rowers = context().insert<EntityContactGroup>();
+    const auto choir = context().insert<EntityContactGroup>();
+    for (const bool isDraft : {false, true}) {
+        const ContactPtr ann = contact(u"Ann"_qs, {});
+        rowers->setContacts({ann});
+        choir->setContacts({});
+        ASSERT_FALSE(DBWorker::saveContext());
+        ContactForm edited(ann);
+        edited.setText(ContactForm::FirstName, u"Anna"_qs);
+        rowers->setContacts({});
+        choir->setContacts({ann});
+        ASSERT_FALSE(DBWorker::saveContext());
+        edited.followRow();
+        context().deleteObject(ann);
+        ASSERT_FALSE(DBWorker::saveContext());
+        ContactForm resumed;
+        const auto draft = RecordDraft::decoded(edited.encodedDraft());
+        ASSERT_TRUE(draft);
+        resumed.resume(*draft);
+        ContactForm &saved = isDraft ? resumed : edited;
+        ASSERT_EQ(saved.clickButtonSave(), MissingField::None);
+        EXPECT_EQ(choir->contacts(), std::vector<ContactPtr>({saved.contact()}));
+        EXPECT_TRUE(rowers->contacts().empty()) << "she had left it";
+    }
+}
+
 TEST_F(PeopleForms, ResumeADraftWithWhatCameMeanwhile)
 {
     const auto boat = context().insert<EntityProject>();

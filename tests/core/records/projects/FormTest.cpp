@@ -1,6 +1,7 @@
 #include "CoreTest.h"
 
 #include "records/ProjectForm.h"
+#include "records/ProjectManager.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
 #include "support/FullDisk.h"
@@ -75,6 +76,27 @@ TEST_F(ProjectForms, ANewOneIsStoredWithAllThatWasPutIn)
     EXPECT_EQ(stored->creationDate(), Clock::now());
     choose(form, ProjectForm::StatusRow, u"Pending"_qs);
     EXPECT_FALSE(form.currentProject().expirationDate) << "What is left open again was not done";
+}
+
+TEST_F(ProjectForms, ATitleOfBlanksIsNone)
+{
+    ProjectForm form;
+    form.setText(ProjectForm::Title, u" \n"_qs);
+    EXPECT_FALSE(form.canSave() || form.save());
+    form.setText(ProjectForm::Title, u" House "_qs);
+    ASSERT_TRUE(form.save());
+    const auto house = std::static_pointer_cast<EntityProject>(form.record());
+    EXPECT_EQ(house->title(), u"House"_qs);
+    // What another program wrote stays while nobody edits it, and blanks are as no title.
+    house->setTitle(u"House "_qs);
+    ASSERT_FALSE(DBWorker::saveContext());
+    ProjectForm edit(house);
+    edit.setText(ProjectForm::Details, u"old"_qs);
+    ASSERT_TRUE(edit.save());
+    EXPECT_EQ(house->title(), u"House "_qs);
+    edit.setText(ProjectForm::Title, u"  "_qs);
+    ASSERT_TRUE(edit.save());
+    EXPECT_EQ(house->title(), ProjectManager::titleForWant());
 }
 
 TEST_F(ProjectForms, AnEditFollowsWhatItDoesNotTouch)
