@@ -251,6 +251,25 @@ QStringList VCardAttribute::list() const
     return partsBetween(u',');
 }
 
+template <typename Text, typename ToText>
+std::vector<QStringList> VCardAttribute::listsIn(const Text &written, ToText toText)
+{
+    std::vector<QStringList> all;
+    for (const Text &part : partsOf(written, u';')) {
+        QStringList &list = all.emplace_back();
+        for (const Text &one : partsOf(part, u','))
+            list.append(withoutEscapes(toText(one)).trimmed());
+    }
+    return all;
+}
+
+std::vector<QStringList> VCardAttribute::lists() const
+{
+    if (encoding == Encoding::QuotedPrintable)
+        return listsIn(value, [this](const QByteArray &one) { return decoded(withoutQuotedPrintable(one)); });
+    return listsIn(decoded(bytes()), [](const QString &one) { return one; });
+}
+
 QStringList VCardAttribute::partsBetween(char16_t separator) const
 {
     QStringList all;

@@ -44,6 +44,8 @@ public:
     QStringList components() const;
     /// The parts between commas, each as `text`.
     QStringList list() const;
+    /// The parts between semicolons, each with its parts between commas.
+    std::vector<QStringList> lists() const;
     /// The bytes of a value in base64, or those of a value in quoted-printable; else the value as it stands.
     QByteArray bytes() const;
     bool isBase64() const { return encoding == Encoding::Base64; }
@@ -57,6 +59,8 @@ public:
 private:
     QString decoded(const QByteArray &bytes) const;
     QStringList partsBetween(char16_t separator) const;
+    template <typename Text, typename ToText>
+    static std::vector<QStringList> listsIn(const Text &written, ToText toText);
 
     QByteArray groupName;
     QByteArray upperName;

@@ -47,6 +47,21 @@ QHash<QByteArray, QString> groupLabels(const VCard &card)
     return labels;
 }
 
+/// A type that no list of types has is somebody's own label, such as "car" or "X-Reception".
+QString ownLabel(const QStringList &types)
+{
+    static const QStringList others = {
+        QStringLiteral("PREF"),     QStringLiteral("VOICE"), QStringLiteral("MSG"),  QStringLiteral("TEXT"),
+        QStringLiteral("VIDEO"),    QStringLiteral("DOM"),   QStringLiteral("INTL"), QStringLiteral("POSTAL"),
+        QStringLiteral("INTERNET"), QStringLiteral("PARCEL")};
+    for (const QString &type : types) {
+        const QString label = type.startsWith(QLatin1String("X-")) ? type.mid(2) : type;
+        if (!label.isEmpty() && !others.contains(label))
+            return label.toLower();
+    }
+    return {};
+}
+
 QString phoneLabel(const QStringList &types)
 {
     const auto has = [&](const char *type) { return types.contains(QLatin1String(type)); };
@@ -66,7 +81,8 @@ QString phoneLabel(const QStringList &types)
         return CNLabel::work;
     if (has("OTHER"))
         return CNLabel::other;
-    return has("PREF") ? CNLabel::main : QString();
+    const QString own = ownLabel(types);
+    return own.isEmpty() && has("PREF") ? CNLabel::main : own;
 }
 
 QString placeLabel(const QStringList &types)
@@ -75,7 +91,7 @@ QString placeLabel(const QStringList &types)
         if (types.contains(label.toUpper()))
             return label;
     }
-    return {};
+    return ownLabel(types);
 }
 
 /// "tel:" and "mailto:" say nothing that the name of the attribute does not.
@@ -234,17 +250,31 @@ void keepNames(CNContact &contact, const QString &label, QString known, const QS
     }
 }
 
-/// The names in the order of a card, those for the family name first, the first of each kind included.
+/// Several names in one part of a name stand between commas: "Maria,Jose". Where the full name has the comma
+/// as well, it was meant as one.
+QStringList partsOfName(const VCardAttribute &name, const QString &fullName)
+{
+    const std::vector<QStringList> lists = name.lists();
+    QStringList parts = name.components();
+    for (qsizetype place = 0; place < parts.size(); ++place) {
+        if (!fullName.contains(oneLine(parts[place])))
+            parts[place] = lists.at(static_cast<std::size_t>(place)).join(u' ');
+    }
+    return parts;
+}
+
+/// The names of a card, the full ones first, the first of each kind included.
 QStringList allNames(const VCard &card)
 {
     QStringList names;
     for (const VCardAttribute &attribute : card.attributes) {
-        if (attribute.name() == "N")
-            names.append(spokenName(attribute.components()));
-    }
-    for (const VCardAttribute &attribute : card.attributes) {
         if (attribute.name() == "FN")
             names.append(oneLine(attribute.text()));
+    }
+    const QString fullName = names.value(0);
+    for (const VCardAttribute &attribute : card.attributes) {
+        if (attribute.name() == "N")
+            names.append(spokenName(partsOfName(attribute, fullName)));
     }
     return names;
 }
@@ -254,7 +284,7 @@ void takeNames(CNContact &contact, const VCard &card)
     const VCardAttribute *name = card.find("N");
     const VCardAttribute *full = card.find("FN");
     const QString fullName = full ? oneLine(full->text()) : QString();
-    const QStringList parts = name ? name->components() : QStringList();
+    const QStringList parts = name ? partsOfName(*name, fullName) : QStringList();
     contact.familyName = oneLine(component(parts, 0));
     contact.givenName = oneLine(component(parts, 1));
     if (contact.isOrganization) {

@@ -39,6 +39,12 @@ TEST(VCardContactTest, TakesItsNamesFromWhereTheyAre)
     EXPECT_EQ(name("FN:Friends\r\nKIND:group\r\nMEMBER:urn:uuid:1"), u"||"_qs) << "no contact at all";
     EXPECT_EQ(name("FN:Friends\r\nX-ADDRESSBOOKSERVER-KIND:group"), u"||"_qs);
     EXPECT_EQ(name("TEL:1"), u"||"_qs);
+    // Several given names stand between commas; one that has a comma of its own says so, here or in the
+    // whole.
+    for (const QByteArray given : {"María,José", "María, José"})
+        EXPECT_EQ(name("N:García;" + given + ";;;\r\nFN:María José García"), u"María José|García|"_qs);
+    EXPECT_EQ(name("N:García;María\\,José;;;\r\nFN:X"), u"María,José|García|"_qs) << "escaped";
+    EXPECT_EQ(name("N:Lee, PhD;Ann;;;\r\nFN:Ann Lee, PhD"), u"Ann|Lee, PhD|"_qs);
     EXPECT_EQ(name("FN:A\r\nFN:B\r\nN:C;D\r\nN:E;F"), u"D|C|"_qs) << "the first of two names";
 }
 
@@ -64,7 +70,10 @@ TEST(VCardContactTest, TakesNoTitleForAGivenName)
 TEST(VCardContactTest, KeepsFurtherNamesInWords)
 {
     EXPECT_EQ(otherWords("FN:Ann Lee\r\nFN:Annie Lee\r\nN:Lee;Ann\r\nN:Kay;Ann;;;"),
-              QStringList({u"Full Name: Ann Kay"_qs, u"Full Name: Annie Lee"_qs}));
+              QStringList({u"Full Name: Annie Lee"_qs, u"Full Name: Ann Kay"_qs}));
+    EXPECT_EQ(otherWords("FN:Ms. Ann M. Lee\\, PhD\r\nN:Lee;Ann;M.;Ms.;PhD"),
+              QStringList(u"Full Name: Ms. Ann M. Lee, PhD"_qs))
+        << "as the card has it";
     EXPECT_EQ(otherWords("FN:Ann Lee\r\nN:Lee;Ann"), QStringList());
     EXPECT_EQ(otherWords("ORG:Works\r\nFN:Works\r\nN:Lee;Ann;;Dr.;\r\nX-ABShowAs:COMPANY"),
               QStringList(u"Contact: Dr. Ann Lee"_qs));
@@ -103,13 +112,15 @@ TEST(VCardContactTest, CallsPhonesByWhatTheyAre)
              "TEL;TYPE=PAGER:9\r\nTEL;TYPE=OTHER:10\r\nTEL;TYPE=VOICE:11\r\nTEL;TYPE=FAX:12\r\nTEL:\r\n"
              "item1.TEL;TYPE=CELL:13\r\nitem1.X-ABLabel:Boat\r\nITEM2.TEL:14\r\nitem2.X-ABLabel:_$!<WorkFAX>!"
              "$_\r\n"
-             "TEL;VALUE=uri;TYPE=cell:tel:+1-555-555%205;ext=5555");
+             "TEL;VALUE=uri;TYPE=cell:tel:+1-555-555%205;ext=5555\r\n"
+             "TEL;TYPE=car:15\r\nTEL;TYPE=X-Reception,VOICE:16\r\nTEL;TYPE=PREF,car:17");
     const Values expected = {
-        {u"home"_qs, u"1"_qs},     {u"work"_qs, u"2"_qs},      {u"iPhone"_qs, u"3"_qs},
-        {u"mobile"_qs, u"4"_qs},   {u"main"_qs, u"5"_qs},      {u"main"_qs, u"6"_qs},
-        {u"home fax"_qs, u"7"_qs}, {u"work fax"_qs, u"8"_qs},  {u"pager"_qs, u"9"_qs},
-        {u"other"_qs, u"10"_qs},   {QString(), u"11"_qs},      {u"fax"_qs, u"12"_qs},
-        {u"Boat"_qs, u"13"_qs},    {u"work fax"_qs, u"14"_qs}, {u"mobile"_qs, u"+1-555-555 5 ext. 5555"_qs}};
+        {u"home"_qs, u"1"_qs},     {u"work"_qs, u"2"_qs},       {u"iPhone"_qs, u"3"_qs},
+        {u"mobile"_qs, u"4"_qs},   {u"main"_qs, u"5"_qs},       {u"main"_qs, u"6"_qs},
+        {u"home fax"_qs, u"7"_qs}, {u"work fax"_qs, u"8"_qs},   {u"pager"_qs, u"9"_qs},
+        {u"other"_qs, u"10"_qs},   {QString(), u"11"_qs},       {u"fax"_qs, u"12"_qs},
+        {u"Boat"_qs, u"13"_qs},    {u"work fax"_qs, u"14"_qs},  {u"mobile"_qs, u"+1-555-555 5 ext. 5555"_qs},
+        {u"car"_qs, u"15"_qs},     {u"reception"_qs, u"16"_qs}, {u"car"_qs, u"17"_qs}};
     EXPECT_EQ(contact.phoneNumbers, expected);
 }
 
