@@ -150,6 +150,7 @@ TEST_F(ProjectsTest, DeletingAsksOnceAndTheNextIsRead)
         run(ActionId::Delete);
         ASSERT_EQ(yes.asked().size(), 1u);
         EXPECT_EQ(yes.asked().front().message, u"Are you sure you want to delete the selected item?"_s);
+        EXPECT_EQ(yes.asked().front().informativeText, u"“House”\n1 task stays, without a project."_s);
     }
     settle();
     EXPECT_EQ(rows(), (QStringList{u"Boat"_s, u"Tree"_s}));
@@ -158,6 +159,29 @@ TEST_F(ProjectsTest, DeletingAsksOnceAndTheNextIsRead)
     run(ActionId::Undo);
     settle();
     EXPECT_EQ(rows(), (QStringList{u"Boat"_s, u"House"_s, u"Tree"_s}));
+}
+
+TEST_F(ProjectsTest, TheQuestionBeforeDeletingCountsTheTasksThatStay)
+{
+    for (const QString &of : {u"House"_s, u"House"_s, u"Boat"_s}) {
+        const TaskPtr task = add(u"work"_s);
+        task->setProject(stored(of));
+        task->setStatus(of == u"Boat"_s ? TaskStatus::Done : TaskStatus::Open);
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    const std::vector<std::pair<std::set<int>, QString>> cases = {
+        {{2}, u"“Tree”"_s},
+        {{1}, u"“House”\n2 tasks stay, without a project."_s},
+        {{0, 1}, u"2 projects: “Boat”, “House”\n3 tasks stay, without a project."_s}};
+    for (const auto &[selected, sentence] : cases) {
+        const ScriptedAlerts no({Alert::secondButton});
+        projects().table()->selectRows(selected);
+        settle();
+        run(ActionId::Delete);
+        ASSERT_EQ(no.asked().size(), 1u);
+        EXPECT_EQ(no.asked().front().informativeText, sentence);
+    }
 }
 
 TEST_F(ProjectsTest, AFilterHidesOthersAndClosesTheirPanes)
