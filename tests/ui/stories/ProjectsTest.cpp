@@ -191,6 +191,7 @@ TEST_F(ProjectsTest, AFilterHidesOthersAndClosesTheirPanes)
     auto *field = QApplication::activePopupWidget()->findChild<QLineEdit *>(u"fieldTitle"_s);
     ASSERT_TRUE(field);
     EXPECT_EQ(field->placeholderText(), u"Type project title"_s);
+    EXPECT_EQ(field->toolTip(), u"Finds titles that begin with this"_s);
     QTest::keyClicks(field, u"b"_s);
     EXPECT_TRUE(QTest::qWaitFor([this] { return rows() == QStringList{u"Boat"_s}; }));
     settle();
