@@ -24,6 +24,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
@@ -322,6 +323,36 @@ TEST_F(ProjectTasksTest, ArePlannedByTheKeysThatTheirMenuTells)
     EXPECT_TRUE(QTest::qWaitFor([this] { return titlesOfTasks() == QStringList{u"mast"_s, u"mast"_s}; }));
     tasks().table()->clearSelection();
     EXPECT_FALSE(controller().commands()->action(ActionId::PlanTomorrow)->isEnabled());
+}
+
+TEST_F(ProjectTasksTest, AllScrollWithTheirPaneAndTheKeysStayInSight)
+{
+    for (int number = 100; number < 160; ++number)
+        add(u"task %1"_s.arg(number))->setProject(ProjectsTest::stored(u"Boat"_s));
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    TableViewExtended &table = *tasks().table();
+    EXPECT_EQ(table.verticalScrollBar()->maximum(), 0) << "there is one bar, that of the pane";
+    const auto isInSight = [&table](int row) {
+        const QRect place = table.visualRect(table.model()->index(row, 0));
+        const QRect seen = table.viewport()->visibleRegion().boundingRect();
+        return place.top() >= seen.top() && place.bottom() <= seen.bottom();
+    };
+    EXPECT_FALSE(isInSight(59));
+    table.setFocus();
+    for (const auto &[pressed, row] : {std::pair(Qt::Key_End, 59), std::pair(Qt::Key_Home, 0)}) {
+        QTest::keyClick(&table, pressed);
+        EXPECT_EQ(table.currentRow(), row);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return isInSight(row); })) << row;
+    }
+    for (int step = 0; step < 20; ++step)
+        QTest::keyClick(&table, Qt::Key_Down);
+    EXPECT_TRUE(isInSight(20));
+    // A page is what is seen of them.
+    QTest::keyClick(&table, Qt::Key_PageDown);
+    EXPECT_GT(table.currentRow(), 21);
+    EXPECT_LT(table.currentRow(), 50);
+    EXPECT_TRUE(isInSight(table.currentRow()));
 }
 
 TEST_F(ProjectTasksTest, OpenOverThePane)
