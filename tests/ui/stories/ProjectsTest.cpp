@@ -406,6 +406,23 @@ TEST_F(ProjectTasksTest, AreWrittenDownAndLinkedFromIt)
     EXPECT_EQ(titlesOfTasks(), QStringList{u"mast"_s});
 }
 
+TEST_F(ProjectTasksTest, TheMenuOfTheButtonEndsWhereTheButtonDoes)
+{
+    auto &more = find<QToolButton>(tasks(), "buttonMoreTasks");
+    for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        more.setLayoutDirection(direction);
+        auto *menu = more.findChild<QMenu *>();
+        menu->setLayoutDirection(direction);
+        menu->popup(more.mapToGlobal(QPoint(0, more.height())));
+        const QRect button(more.mapToGlobal(QPoint()), more.size());
+        if (direction == Qt::LeftToRight)
+            EXPECT_EQ(menu->geometry().right(), button.right());
+        else
+            EXPECT_EQ(menu->geometry().left(), button.left());
+        menu->close();
+    }
+}
+
 TEST_F(ProjectTasksTest, ItsContactsAreAddedTakenOutAndAskedFor)
 {
     for (const QString &name : {u"Ann"_s, u"Bob"_s})

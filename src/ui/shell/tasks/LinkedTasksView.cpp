@@ -108,6 +108,23 @@ private:
     double share = 0;
 };
 
+/// Ends where its button does, which stands at the edge of the window.
+class MenuAtEnd : public QMenu
+{
+public:
+    explicit MenuAtEnd(QWidget &button)
+        : QMenu(&button)
+    {}
+
+protected:
+    void showEvent(QShowEvent *event) override
+    {
+        QMenu::showEvent(event);
+        const QRect button(parentWidget()->mapToGlobal(QPoint()), parentWidget()->size());
+        move(isRightToLeft() ? button.left() : button.right() + 1 - width(), y());
+    }
+};
+
 /// Holds the list, as high as its rows, so that the pane alone scrolls. The cards in it begin and end with
 /// the form above.
 class ListPlace : public QWidget
@@ -194,7 +211,7 @@ QWidget *LinkedTasksView::makeHeader()
     more->setPopupMode(QToolButton::InstantPopup);
     // The button has an arrow of its own.
     more->setStyleSheet(u"QToolButton::menu-indicator { image: none; }"_s);
-    auto *menu = new QMenu(more);
+    auto *menu = new MenuAtEnd(*more);
     menu->addAction(localized(u"Add current Task"_s), this, &LinkedTasksView::currentTasksWanted);
     more->setMenu(menu);
     line->addWidget(title);
