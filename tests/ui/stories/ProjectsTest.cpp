@@ -406,6 +406,36 @@ TEST_F(ProjectTasksTest, AreWrittenDownAndLinkedFromIt)
     EXPECT_EQ(titlesOfTasks(), QStringList{u"mast"_s});
 }
 
+TEST_F(ProjectTasksTest, SelectAllMarksWhatIsShownWhereNoTextHasTheKeys)
+{
+    for (const QString &title : {u"anchor"_s, u"mast"_s, u"rope"_s})
+        add(title);
+    tasks().findChild<QMenu *>()->actions().first()->trigger();
+    auto *linking = window().findChild<AddCurrentTasksWindow *>();
+    ASSERT_TRUE(linking);
+    auto &list = find<CheckList>(*linking, "tableTasks");
+    auto &search = find<QLineEdit>(*linking, "fieldSearch");
+    const auto marked = [&list] {
+        QStringList titles;
+        for (int line = 0; line < list.lineCount(); ++line)
+            if (list.isMarked(line))
+                titles.append(list.textOf(line));
+        return titles;
+    };
+    QTest::keyClicks(&search, u"an"_s);
+    QTest::keyClick(&search, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(search.selectedText(), u"an"_s);
+    EXPECT_TRUE(marked().isEmpty());
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(marked(), QStringList(u"anchor"_s));
+    search.clear();
+    QTest::keyClick(&search, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(marked().size(), 3) << "an empty field has nothing to select";
+    press(*linking, "buttonDone");
+    EXPECT_EQ(titlesOfTasks().size(), 3);
+}
+
 TEST_F(ProjectTasksTest, TheMenuOfTheButtonEndsWhereTheButtonDoes)
 {
     auto &more = find<QToolButton>(tasks(), "buttonMoreTasks");
