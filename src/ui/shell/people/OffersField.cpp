@@ -4,15 +4,64 @@
 #include "foundation/NotificationCenter.h"
 #include "records/people/ContactForm.h"
 #include "store/state/NotificationNames.h"
+#include "widgets/Accessibility.h"
 #include "widgets/Appearance.h"
+#include "widgets/MorvaneStyle.h"
 #include "widgets/PngPicture.h"
 #include "widgets/TextLabel.h"
 
+#include <QAccessibleActionInterface>
+#include <QKeyEvent>
 #include <QLabel>
-#include <QTimer>
+#include <QPainter>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
+
+/// A line that the mouse presses on its words, and the keys anywhere in it.
+class OfferLine : public QLabel
+{
+public:
+    explicit OfferLine(std::function<void()> onPress)
+        : pressed(std::move(onPress))
+    {
+        setObjectName(u"labelOffer"_s);
+        Appearance::setFont(*this, Theme::FontRole::Body);
+        Appearance::colourText(*this, Theme::secondaryText);
+        setTextFormat(Qt::RichText);
+        setWordWrap(true);
+        setTextInteractionFlags(Qt::LinksAccessibleByMouse);
+        setFocusPolicy(Qt::StrongFocus);
+        setMinimumWidth(1);
+        hide();
+        const auto actions = [this] {
+            return std::vector<AccessibleAction>{
+                {QAccessibleActionInterface::pressAction(), pressed, u"Return"_s}};
+        };
+        Accessibility::describe(*this, {.role = QAccessible::Button, .actions = actions});
+        QObject::connect(this, &QLabel::linkActivated, this, [this] { pressed(); });
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        const int key = event->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space)
+            pressed();
+        else
+            QLabel::keyPressEvent(event);
+    }
+    void paintEvent(QPaintEvent *event) override
+    {
+        QLabel::paintEvent(event);
+        QPainter painter(this);
+        if (hasFocus())
+            MorvaneStyle::drawFocusRing(painter, rect(), Theme::controlRadius, Theme::accent);
+    }
+
+private:
+    std::function<void()> pressed;
+};
 
 OffersField::OffersField(ContactForm &shownForm, QWidget *parent)
     : QWidget(parent)
@@ -22,16 +71,11 @@ OffersField::OffersField(ContactForm &shownForm, QWidget *parent)
     column->setContentsMargins(0, Theme::unit, 0, Theme::unit);
     column->setSpacing(Theme::unit / 2);
     for (std::size_t place = 0; place < ContactOffers::mostOffers; ++place) {
-        QLabel *const line = makeTextLabel({}, Theme::FontRole::Body, Theme::text);
-        line->setObjectName(u"labelOffer"_s);
-        line->setTextFormat(Qt::RichText);
-        line->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-        line->setFocusPolicy(Qt::StrongFocus);
-        line->setMinimumWidth(1);
-        line->hide();
         // The line goes with its press.
-        connect(
-            line, &QLabel::linkActivated, this, [this, place] { press(place); }, Qt::QueuedConnection);
+        auto *line = new OfferLine([this, place] {
+            QMetaObject::invokeMethod(
+                this, [this, place] { press(place); }, Qt::QueuedConnection);
+        });
         column->addWidget(line);
         lines.push_back(line);
     }
@@ -51,16 +95,15 @@ void OffersField::showOffers()
         QLabel &line = *lines[place];
         if (place >= offers.size()) {
             if (line.hasFocus())
-                line.window()->setFocus();
+                focusPreviousChild();
             line.hide();
             continue;
         }
         const ContactOffers::Offer &offer = offers[place];
         const QString words = wordsOf(offer);
         const QString detail = offer.present ? QString() : readablePart(offer.detail);
-        line.setText(u"<a href=\"take\" style=\"color:%1\">%2</a> <span style=\"color:%3\">%4</span>"_s.arg(
-            Theme::selectedText.name(), words.toHtmlEscaped(), Theme::secondaryText.name(),
-            detail.toHtmlEscaped()));
+        line.setText(u"<a href=\"take\" style=\"color:%1\">%2</a> %3"_s.arg(
+            Theme::selectedText.name(), words.toHtmlEscaped(), detail.toHtmlEscaped()));
         line.setToolTip(offer.present ? QString()
                                       : localized(u"Puts what the address book has into the empty fields"_s));
         line.setAccessibleName(detail.isEmpty() ? words : words + u", "_s + detail);
