@@ -33,6 +33,8 @@ public:
         setTextInteractionFlags(Qt::LinksAccessibleByMouse);
         setFocusPolicy(Qt::StrongFocus);
         setMinimumWidth(1);
+        // The ring of the focus stands around the words.
+        setMargin(Theme::unit / 4);
         hide();
         const auto actions = [this] {
             return std::vector<AccessibleAction>{
