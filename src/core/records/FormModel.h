@@ -64,6 +64,8 @@ struct FormRow
     QString placeholder = {};
     /// What a date picker of the row asks for.
     DatePickerState::Type picker = DatePickerState::Type::StartDate;
+    /// Whether what the kind of record brings can be higher than the row, and is the same in both modes.
+    bool isTall = false;
 };
 
 /// One of the choices of a row.

@@ -80,12 +80,23 @@ QString RecordRemoval::inWords(const std::vector<ObjectPtr> &records)
     return some.isEmpty() ? countInWords(records) : countInWords(records) + u": "_s + some;
 }
 
+/// Tasks outlive their project; nothing else that is deleted here has any.
+static QString whatStays(const std::vector<ObjectPtr> &records)
+{
+    qint64 tasks = 0;
+    for (const ObjectPtr &record : records) {
+        if (const auto project = std::dynamic_pointer_cast<EntityProject>(record))
+            tasks += static_cast<qint64>(project->task().size());
+    }
+    return tasks == 0 ? QString() : u'\n' + localizedCount(u"%1 tasks stay, without a project."_s, tasks);
+}
+
 bool RecordRemoval::isWanted(const std::vector<ObjectPtr> &records)
 {
     const QString message = records.size() == 1 ? u"Are you sure you want to delete the selected item?"_s
                                                 : u"Are you sure you want to delete the selected items?"_s;
     return Alert::run({.message = localized(message),
-                       .informativeText = inWords(records),
+                       .informativeText = inWords(records) + whatStays(records),
                        .buttons = {localized(u"Delete"_s), localized(u"Cancel"_s)},
                        .takingAway = {0}}) == Alert::firstButton;
 }

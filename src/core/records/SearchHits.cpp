@@ -1,6 +1,7 @@
 #include "records/SearchHits.h"
 
 #include "foundation/Localization.h"
+#include "foundation/TextFolding.h"
 #include "objectstore/StoreReader.h"
 #include "store/entities/Entities.h"
 #include "store/queries/DBWorker.h"
@@ -166,24 +167,27 @@ SearchRows searchhits::rows(std::vector<SearchHit> hits, const QStringList &head
         SearchHit &hit = hits[place];
         if (hit.kind != std::exchange(lastKind, hit.kind))
             made->push_back({headings.at(hit.kind), {}, {}});
-        made->push_back({{}, std::move(hit.uri), std::move(hit.name)});
+        made->push_back({{}, std::move(hit.uri), std::move(hit.name), hit.isNamed});
     }
     return made;
 }
 
 /// The records with their names.
 static std::optional<std::vector<SearchHit>> hitsOf(StoreReader &reader, const NamedByKind &named,
-                                                    NameOrder order)
+                                                    const searchhits::Query &query)
 {
+    const QString wanted = foldedForSearch(query.text);
     std::vector<SearchHit> hits;
     for (int kind = 0; kind < searchhits::kindCount; ++kind) {
         const Named &of = named[static_cast<std::size_t>(kind)];
         std::vector<std::optional<QString>> names(of.uris.size());
-        if (!readNames(reader, kinds()[static_cast<std::size_t>(kind)], of, order, names))
+        if (!readNames(reader, kinds()[static_cast<std::size_t>(kind)], of, query.order, names))
             return std::nullopt;
         for (std::size_t place = 0; place < names.size(); ++place) {
-            if (names[place])
-                hits.push_back({kind, of.uris[place], std::move(*names[place])});
+            if (!names[place])
+                continue;
+            const bool isNamed = containsFolded(*names[place], wanted);
+            hits.push_back({kind, of.uris[place], std::move(*names[place]), isNamed});
         }
     }
     return hits;
@@ -195,9 +199,9 @@ std::optional<std::vector<SearchHit>> searchhits::read(StoreReader &reader, cons
     std::function<void(const NamedByKind &)> enough;
     if (first)
         enough = [&](const NamedByKind &some) {
-            if (auto hits = hitsOf(reader, some, query.order))
+            if (auto hits = hitsOf(reader, some, query))
                 first(std::move(*hits));
         };
     const auto named = namedIn(reader, query, enough);
-    return named ? hitsOf(reader, *named, query.order) : std::nullopt;
+    return named ? hitsOf(reader, *named, query) : std::nullopt;
 }

@@ -22,6 +22,8 @@ struct SearchHit
     QString uri;
     /// The name as the list shows and sorts it.
     QString name;
+    /// Whether the name has the text that was looked for, and not only something else of the record.
+    bool isNamed = false;
 };
 
 /// A line of the results: a heading (a localised word in capitals), or a record.
@@ -32,6 +34,8 @@ struct SearchRow
     QString uri;
     /// What the list shows of the record.
     QString name;
+    /// Whether that has the text that was looked for.
+    bool isNamed = false;
 
     bool isHeading() const { return uri.isEmpty(); }
     /// Null for a heading, and for a record that is gone since. Main thread only.

@@ -64,6 +64,7 @@ SearchViewController::~SearchViewController() = default;
 
 void SearchViewController::changeFileterString(const QString &text)
 {
+    const QString wanted = foldedForSearch(text);
     std::vector<SearchHit> hits;
     std::unordered_set<QString> seen;
     for (const QString &uri :
@@ -72,8 +73,11 @@ void SearchViewController::changeFileterString(const QString &text)
             continue;
         const ObjectPtr record = DBWorker::getObjectFromId(uri);
         const int kind = getEntityIndex(record);
-        if (kind < searchhits::kindCount)
-            hits.push_back({kind, uri, getStringWithObject(record)});
+        if (kind >= searchhits::kindCount)
+            continue;
+        QString name = getStringWithObject(record);
+        const bool isNamed = containsFolded(name, wanted);
+        hits.push_back({kind, uri, std::move(name), isNamed});
     }
     resultRows = searchhits::rows(std::move(hits), searchhits::headings());
 }
@@ -92,6 +96,14 @@ void SearchViewController::changeFileterStringLater(const QString &text, std::fu
         return background->find(text, take);
     background->cancel();
     take(std::make_shared<const std::vector<Row>>());
+}
+
+int SearchViewController::firstChoice() const
+{
+    const auto named = std::ranges::find(*resultRows, true, &Row::isNamed);
+    const auto first = std::ranges::find(*resultRows, false, &Row::isHeading);
+    const auto found = named != resultRows->end() ? named : first;
+    return found != resultRows->end() ? static_cast<int>(found - resultRows->begin()) : -1;
 }
 
 double SearchViewController::popoverHeight(double rowHeight, double headerHeight) const

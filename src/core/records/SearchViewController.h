@@ -30,6 +30,9 @@ public:
     bool isSearching() const { return searching; }
 
     const std::vector<Row> &rows() const { return *resultRows; }
+    /// The row that is meant by default: the first whose name has the text, else the first that only mentions
+    /// it; -1 without any.
+    int firstChoice() const;
     /// The height that the list takes, within the limits of the popover.
     double popoverHeight(double rowHeight, double headerHeight) const;
     /// Takes a record to the screen that shows it; false for a heading or a row that is none.

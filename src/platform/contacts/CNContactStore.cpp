@@ -133,6 +133,15 @@ void CNContactStore::cards(const CNContainer &container, std::function<void(Resu
                     std::move(completion));
 }
 
+void CNContactStore::cardsWithName(const CNContainer &container, const QString &words,
+                                   std::function<void(Result<QByteArray>)> completion)
+{
+    ask<QByteArray>([container, words](
+                        ContactBackend &backend) { return joined(backend.cardsWithName(container, words)); },
+                    localized(QStringLiteral("The address book \"%1\" does not answer.")).arg(container.name),
+                    std::move(completion));
+}
+
 static Result<QByteArray> allWithMail(ContactBackend &backend, const QString &address)
 {
     const auto containers = backend.containers();

@@ -43,6 +43,9 @@ public:
     void cards(const CNContainer &container, std::function<void(Result<QByteArray>)> completion);
     /// The same of those in all address books that may have a mail address. One that fails is passed over.
     void cardsWithMail(const QString &address, std::function<void(Result<QByteArray>)> completion);
+    /// The same of those in one address book that may have names which begin with each word of a text.
+    void cardsWithName(const CNContainer &container, const QString &words,
+                       std::function<void(Result<QByteArray>)> completion);
 
 private:
     template <typename T>

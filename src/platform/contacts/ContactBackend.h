@@ -33,4 +33,11 @@ public:
         Q_UNUSED(address)
         return cards(container);
     }
+    /// Those of them that may have names which begin with each word of a text, in any order: all where they
+    /// cannot be picked out.
+    virtual Result<std::vector<QByteArray>> cardsWithName(const CNContainer &container, const QString &words)
+    {
+        Q_UNUSED(words)
+        return cards(container);
+    }
 };

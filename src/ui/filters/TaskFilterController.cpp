@@ -120,6 +120,7 @@ QLineEdit *TaskFilterController::makeText(const FilterRow &row)
     field->setObjectName(u"field"_s + row.key);
     field->setPlaceholderText(row.placeholder);
     field->setAccessibleName(localized(row.key));
+    field->setToolTip(localized(u"Finds titles that begin with this"_s));
     field->setClearButtonEnabled(true);
     connect(field, &QLineEdit::textChanged, this,
             [this, key = row.key](const QString &text) { filter.changeValueForKey(text, key); });
@@ -184,6 +185,9 @@ QWidget *TaskFilterController::makePeriod()
     row->addWidget(new QLabel(u"-"_s));
     row->addWidget(toPicker, 1);
     row->addWidget(clearButton);
+    QSizePolicy keepsPlace = clearButton->sizePolicy();
+    keepsPlace.setRetainSizeWhenHidden(true);
+    clearButton->setSizePolicy(keepsPlace);
     for (DatePicker *picker : {fromPicker, toPicker})
         connect(picker, &DatePicker::pressed, this, [this, picker] { pickDate(*picker); });
     connect(clearButton, &QToolButton::clicked, this, &TaskFilterController::clearPeriod);
@@ -194,9 +198,22 @@ QWidget *TaskFilterController::makePeriod()
 
 void TaskFilterController::setDataPeriod()
 {
-    const FilterPeriodPickers &dates = filter.setDataPeriod();
+    filter.setDataPeriod();
+    showPeriod();
+}
+
+/// Without a period the pickers say what a press begins with.
+void TaskFilterController::showPeriod()
+{
+    const FilterPeriodPickers &dates = filter.periodPickers();
+    const bool isInForce = filter.criterion(u"Period"_s).value(u"Enabled"_s).toBool();
     fromPicker->setDate(dates.from, false);
     toPicker->setDate(dates.to, false);
+    for (DatePicker *picker : {fromPicker, toPicker})
+        picker->setInForce(isInForce);
+    if (!isInForce && clearButton->hasFocus())
+        fromPicker->setFocus();
+    clearButton->setVisible(isInForce);
 }
 
 void TaskFilterController::pickDate(DatePicker &picker)
@@ -217,8 +234,7 @@ void TaskFilterController::pickDate(DatePicker &picker)
         // Days are picked, and a period holds them whole.
         isFrom ? filter.setDateFrom(MVDate::getStartOfDay(date))
                : filter.setDateTo(MVDate::getEndOfDay(date));
-        fromPicker->setDate(filter.periodPickers().from, false);
-        toPicker->setDate(filter.periodPickers().to, false);
+        showPeriod();
     });
     bubble->showBeside(picker);
 }

@@ -47,6 +47,7 @@ private:
     PopUpButton *makePopUp(const QString &key);
     QWidget *makePeriod();
     void setDataPeriod();
+    void showPeriod();
     void pickDate(DatePicker &picker);
     void clearPeriod();
 

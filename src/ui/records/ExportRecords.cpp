@@ -3,6 +3,7 @@
 #include "foundation/Alert.h"
 #include "foundation/Csv.h"
 #include "foundation/Localization.h"
+#include "records/DocumentsFolder.h"
 #include "records/exchange/RecordExport.h"
 #include "widgets/LongWork.h"
 
@@ -11,7 +12,6 @@
 #include <QFileInfo>
 #include <QMimeData>
 #include <QSaveFile>
-#include <QStandardPaths>
 
 #include <algorithm>
 
@@ -86,8 +86,7 @@ void ExportRecords::run(const Offer &offer, QWidget &window)
     const std::vector<RowId> rows = rowsToExport(offer);
     if (rows.empty() || offer.formats.empty())
         return;
-    auto *dialog = new QFileDialog(&window, localized(u"Export"_s),
-                                   QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    auto *dialog = new QFileDialog(&window, localized(u"Export"_s), documentsFolder());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     QStringList filters;

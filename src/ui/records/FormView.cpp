@@ -101,9 +101,10 @@ void FormView::openPicker(int row)
 // Rows
 
 /// Whether the control of a row can be higher than the row, and shows its value in both modes itself.
-static bool isTall(Editor editor)
+static bool isTall(const FormRow &row)
 {
-    return editor == Editor::Title || editor == Editor::Text || editor == Editor::Picture ||
+    const Editor editor = row.editor;
+    return row.isTall || editor == Editor::Title || editor == Editor::Text || editor == Editor::Picture ||
            editor == Editor::Items || editor == Editor::Links || editor == Editor::Separator;
 }
 
@@ -118,7 +119,7 @@ void FormView::addRow(const FormRow &row)
     layout()->addWidget(view);
     connect(view, &RowItemView::goClicked, this,
             [this, number = row.id] { Q_EMIT linkOpened(model.chosenRecord(number)); });
-    if (isTall(row.editor))
+    if (isTall(row))
         view->setGrows();
     if (row.editor == Editor::Title && checkDone)
         view->setInset(checkBoxInset);
@@ -343,7 +344,16 @@ QWidget *FormView::makeChoice(const FormRow &row)
     fillings.push_back({popUp, row.id, true});
     connect(popUp, &QComboBox::activated, this,
             [this, number = row.id](int place) { model.choose(number, place); });
-    syncs.push_back([this, popUp, number = row.id] { popUp->setCurrentIndex(model.chosen(number)); });
+    syncs.push_back([this, popUp, number = row.id, missed = QString()]() mutable {
+        const int place = model.chosen(number);
+        popUp->setCurrentIndex(place);
+        // A value that has come since the pop-up was filled is offered from now on.
+        const QString value = place < 0 ? model.text(number) : QString();
+        if (std::exchange(missed, value) == value || value.isEmpty())
+            return;
+        std::ranges::find(fillings, number, &Filling::row)->isDue = true;
+        QMetaObject::invokeMethod(this, &FormView::fillDue, Qt::QueuedConnection);
+    });
     return popUp;
 }
 
@@ -434,7 +444,7 @@ void FormView::refreshRow(const Row &row)
     view.setError(model.error(number));
     view.setHasValue(model.hasValue(number) && editing);
     const bool isGiven = model.isGiven(number);
-    if (!isTall(row.about.editor)) {
+    if (!isTall(row.about)) {
         view.setPreview(model.text(number), iconOf(model.mark(number)));
         const bool leadsOn = row.about.editor == Editor::Choice && model.chosenRecord(number);
         view.setGoesTo(leadsOn ? localized(u"Show %1"_s).arg(firstPart(model.text(number))) : QString());

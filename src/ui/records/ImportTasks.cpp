@@ -2,6 +2,7 @@
 
 #include "foundation/Alert.h"
 #include "foundation/Localization.h"
+#include "records/DocumentsFolder.h"
 #include "records/exchange/RecordTable.h"
 #include "records/exchange/TaskImport.h"
 #include "records/people/ContactCards.h"
@@ -12,7 +13,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -34,8 +34,7 @@ static bool isOfPeople(const QString &path)
 
 void ImportTasks::run(QWidget &window, const FilesOpener &openPeople)
 {
-    auto *dialog = new QFileDialog(&window, localized(u"Import"_s),
-                                   QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    auto *dialog = new QFileDialog(&window, localized(u"Import"_s), documentsFolder());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setNameFilters({localized(u"Calendar files and tables"_s) +

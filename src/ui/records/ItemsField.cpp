@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QRegularExpression>
 #include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
@@ -224,6 +225,13 @@ void ItemsField::showLinks()
     links->show();
 }
 
+/// An address has no blanks: it may go on in the next line behind its signs.
+static QString withPlacesToBreak(QString words)
+{
+    static const QRegularExpression signBeforeMore(u"([@./_-])(?=[^\\s@./_-])"_s);
+    return words.replace(signBeforeMore, u"\\1\u200B"_s);
+}
+
 QWidget *ItemsField::makeLink(const LinkedItem &item)
 {
     auto *line = new QWidget;
@@ -233,7 +241,8 @@ QWidget *ItemsField::makeLink(const LinkedItem &item)
     auto *label = makeTextLabel({}, Theme::FontRole::Body, Theme::accent);
     label->setObjectName(u"labelLink"_s);
     label->setTextFormat(Qt::RichText);
-    const QString words = readablePart(item.words).toHtmlEscaped().replace(u'\n', u"<br>"_s);
+    const QString words =
+        withPlacesToBreak(readablePart(item.words)).toHtmlEscaped().replace(u'\n', u"<br>"_s);
     Appearance::follow(*label, [label, words] {
         label->setText(
             u"<a href=\"link\" style=\"color:%1\">%2</a>"_s.arg(Theme::selectedText.name(), words));

@@ -42,6 +42,8 @@ MarkedRowsView::MarkedRowsView(MarkedRows &shownRows, Words shownWords, QWidget 
         Q_EMIT changed();
     });
     connect(table, &CheckList::linePressed, this, &MarkedRowsView::toggle);
+    fieldSearch->installEventFilter(this);
+    table->installEventFilter(this);
     setFocusProxy(fieldSearch);
     showRows();
 }
@@ -88,6 +90,19 @@ void MarkedRowsView::toggle(int row)
     rows.toggle(row);
     table->setMarked(row, rows.isMarked(row));
     Q_EMIT changed();
+}
+
+/// Selecting all marks what is shown, but in a field that has a text of its own to select.
+bool MarkedRowsView::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isOfText = watched == fieldSearch && !fieldSearch->text().isEmpty();
+    if (event->type() != QEvent::KeyPress || isOfText ||
+        !static_cast<QKeyEvent *>(event)->matches(QKeySequence::SelectAll))
+        return QWidget::eventFilter(watched, event);
+    rows.markShown(true);
+    showMarks();
+    Q_EMIT changed();
+    return true;
 }
 
 /// From the field the keys go on to what it has found.

@@ -68,6 +68,11 @@ void MainWindowController::showNewRecord(const ObjectPtr &record)
         return;
     screen->selectRecords({record});
     showHidden(record);
+    // A list that was empty could not have the keys before.
+    const auto *list = dynamic_cast<RecordListScreen *>(screen.data());
+    const QWidget *focus = mainWindow->focusWidget();
+    if (list && list->table()->hasSelectedRows() && !(focus && screen->isAncestorOf(focus)))
+        list->table()->setFocus();
 }
 
 /// A record that the filter of its list hides is shown beside the list all the same. A task stands in many

@@ -25,6 +25,12 @@ void DatePicker::setIsSomeday(bool someday)
     changed();
 }
 
+void DatePicker::setInForce(bool holds)
+{
+    isHolding = holds;
+    changed();
+}
+
 void DatePicker::changed()
 {
     using Style = DateFormatter::Style;
@@ -33,5 +39,8 @@ void DatePicker::changed()
         words = localized(u"Someday"_s);
     else if (date)
         words = DateFormatter::string(*date, Style::Medium, hasClock ? Style::Short : Style::None);
-    setValue(words, localized(u"None"_s));
+    if (isHolding)
+        setValue(words, localized(u"None"_s));
+    else
+        setValue({}, words);
 }

@@ -14,6 +14,9 @@ public:
     void setDate(OptionalDate newDate, bool showClock);
     /// Shows that it is due some day instead of a date.
     void setIsSomeday(bool someday);
+    /// Whether the date holds; one that does not is shown in grey, as what a press would begin with.
+    void setInForce(bool holds);
+    bool isInForce() const { return isHolding; }
 
 private:
     void changed();
@@ -22,4 +25,5 @@ private:
     OptionalDate date;
     bool hasClock = true;
     bool isSomeday = false;
+    bool isHolding = true;
 };

@@ -229,7 +229,7 @@ void TableViewExtended::updateGeometries()
     const int page = viewport()->height();
     verticalScrollBar()->setPageStep(page);
     verticalScrollBar()->setSingleStep(heights.item / 2);
-    verticalScrollBar()->setRange(0, std::max(0, rowGeometry().totalHeight() + heights.below - page));
+    verticalScrollBar()->setRange(0, std::max(0, wholeHeight() - page));
     QAbstractItemView::updateGeometries();
 }
 
@@ -276,6 +276,12 @@ void TableViewExtended::scrollTo(const QModelIndex &index, ScrollHint hint)
         bar.setValue(index.row() == 0 ? 0 : top - Theme::unit);
     else if (bottom > bar.value() + page)
         bar.setValue(bottom + Theme::unit - page);
+    Q_EMIT scrolledTo(index.row());
+}
+
+int TableViewExtended::wholeHeight() const
+{
+    return rowGeometry().totalHeight() + heights.below;
 }
 
 // Selection

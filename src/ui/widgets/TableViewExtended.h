@@ -71,6 +71,8 @@ public:
     int currentRow() const { return currentIndex().row(); }
     int hoveredRow() const { return hoverRow; }
     bool isDragging() const { return drag.isActive(); }
+    /// With the room below: as high the list has to be to show all of its rows.
+    int wholeHeight() const;
     void scrollToRow(int row) { scrollTo(rowsModel->index(row)); }
 
     /// A row and how far below the upper edge of the list it stands.
@@ -107,6 +109,8 @@ Q_SIGNALS:
     /// The selected rows are to go one place up (-1) or down (1).
     void moveRequested(int direction);
     void rowSelectionChanged();
+    /// A row is to be in sight. Where the list is as high as its rows, what it stands in has to scroll.
+    void scrolledTo(int row);
 
 protected:
     bool event(QEvent *event) override;
@@ -142,6 +146,7 @@ private:
     bool isOnCheckBox(const QPoint &point) const;
     int rowInDirection(CursorAction action) const;
     int rowOnePageAway(int direction) const;
+    int heightInSight() const;
     void setHoverRow(int row);
     bool isEditKey(const QKeyEvent &event) const;
     void openMenu(const QModelIndex &index, const QPoint &globalPosition);

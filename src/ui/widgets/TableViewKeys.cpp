@@ -4,9 +4,16 @@
 
 #include <QKeyEvent>
 
+/// What the list stands in may show a part of it only.
+int TableViewExtended::heightInSight() const
+{
+    const int seen = viewport()->visibleRegion().boundingRect().height();
+    return seen > 0 ? seen : viewport()->height();
+}
+
 int TableViewExtended::rowOnePageAway(int direction) const
 {
-    const int y = rowGeometry().top(currentRow()) + direction * (viewport()->height() - heights.item);
+    const int y = rowGeometry().top(currentRow()) + direction * (heightInSight() - heights.item);
     const int row = rowGeometry().rowAt(std::clamp(y, 0, std::max(rowGeometry().totalHeight() - 1, 0)));
     const int found = rowsModel->nearestItem(row, direction);
     return found >= 0 ? found : rowsModel->nearestItem(row, -direction);

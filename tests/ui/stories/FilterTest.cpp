@@ -8,6 +8,7 @@
 #include "records/DetailStack.h"
 #include "ui/support/ShellTest.h"
 #include "widgets/CheckList.h"
+#include "widgets/DatePicker.h"
 #include "widgets/EmptyState.h"
 #include "widgets/MVSegmentView.h"
 #include "widgets/PickerField.h"
@@ -286,6 +287,14 @@ TEST_F(FilterTest, APeriodOfWholeDaysIsPickedAndTakenBack)
     };
     open();
     const QString untouched = find<PickerField>(*button().popover(), "pickerFrom").text();
+    const auto isInForce = [this] {
+        QWidget &bubble = *button().popover();
+        const bool isSaid = find<DatePicker>(bubble, "pickerFrom").isInForce();
+        EXPECT_EQ(find<DatePicker>(bubble, "pickerTo").isInForce(), isSaid);
+        EXPECT_EQ(find<QToolButton>(bubble, "buttonClearPeriod").isVisible(), isSaid);
+        return isSaid;
+    };
+    EXPECT_FALSE(isInForce()) << "nothing was picked";
     pickOffered("pickerTo");
     pickOffered("pickerFrom");
     EXPECT_TRUE(QTest::qWaitFor([&] {
@@ -296,8 +305,10 @@ TEST_F(FilterTest, APeriodOfWholeDaysIsPickedAndTakenBack)
     if (!button().popover())
         open();
     auto &from = find<PickerField>(*button().popover(), "pickerFrom");
+    EXPECT_TRUE(isInForce());
     QTest::mouseClick(&find<QToolButton>(*button().popover(), "buttonClearPeriod"), Qt::LeftButton);
     EXPECT_TRUE(QTest::qWaitFor([this] { return shownTitles().size() == 3; }));
     EXPECT_EQ(from.text(), untouched);
+    EXPECT_FALSE(isInForce());
     close();
 }

@@ -325,6 +325,8 @@ TEST_F(ImportTest, CalendarFilesThatAreDroppedOrChosenBecomeTasks)
     run(ActionId::Import);
     auto *dialog = window().findChild<QFileDialog *>();
     ASSERT_TRUE(dialog);
+    EXPECT_EQ(find<QLineEdit>(*dialog, "fileNameEdit").text(), QString())
+        << "a folder that is not there is no file";
     {
         const ScriptedAlerts alerts({Alert::firstButton});
         Q_EMIT dialog->filesSelected({file});

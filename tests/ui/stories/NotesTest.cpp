@@ -19,6 +19,31 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+/// Lists that have nothing yet.
+class FirstRecordTest : public ShellTest
+{};
+
+TEST_F(FirstRecordTest, HasTheKeysInItsListOnceItIsSaved)
+{
+    const std::vector<std::tuple<ActionId, ToolBarButton::ActionType, QString>> kinds = {
+        {ActionId::ShowNotes, ToolBarButton::NewNote, u"WindowAddNewNote"_s},
+        {ActionId::ShowProjects, ToolBarButton::NewProject, u"WindowNewProjects"_s}};
+    for (const auto &[show, add, name] : kinds) {
+        run(show);
+        settle();
+        outline().setFocus();
+        Q_EMIT controller().currentScreen()->buttonAdd(add);
+        auto *form = window().findChild<RecordWindow *>(name);
+        ASSERT_TRUE(form);
+        QTest::keyClicks(&find<GrowingTextField>(*form, "textFieldTitle"), u"first"_s);
+        QTest::mouseClick(&find<QPushButton>(*form, "buttonSave"), Qt::LeftButton);
+        settle();
+        const auto &list = static_cast<RecordListScreen &>(*controller().currentScreen());
+        EXPECT_EQ(list.table()->firstSelectedRow(), 0) << qPrintable(name);
+        EXPECT_EQ(window().focusWidget(), list.table()) << qPrintable(name);
+    }
+}
+
 class NotesTest : public ShellTest
 {
 protected:

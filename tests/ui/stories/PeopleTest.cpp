@@ -648,4 +648,31 @@ TEST_F(PicturesTest, ComeBackWithThoseWhoHadThem)
     EXPECT_EQ(imageOf(*back.first()).pixelColor(5, 5), QColor(Qt::red));
 }
 
+/// In a narrow pane, or with large letters, an address is wider than its line.
+TEST_F(PeopleTest, ALongAddressGoesOnInTheNextLineAndIsCopiedAsItIs)
+{
+    const QStringList addresses = {u"anna@gruen.examp"_s, u"https://works.example.org/about"_s,
+                                   u"anna.maria.gruen"_s};
+    for (const QString &address : addresses) {
+        const auto email = context().insert<EntityEmail>();
+        email->setMail(address);
+        email->setContact(ann);
+    }
+    save();
+    go(SidebarItem::People);
+    const auto shown = links(u"Emails"_s);
+    ASSERT_EQ(shown.size(), addresses.size());
+    for (QLabel *link : shown) {
+        const int wide = link->fontMetrics().horizontalAdvance(u"https://works.example.org/about"_s);
+        EXPECT_GT(link->heightForWidth(wide / 3), link->heightForWidth(2 * wide)) << qPrintable(link->text());
+        Q_EMIT link->customContextMenuRequested({});
+        auto *menu = link->findChild<QMenu *>();
+        ASSERT_TRUE(menu);
+        menu->actions().first()->trigger();
+        EXPECT_TRUE(addresses.contains(QApplication::clipboard()->text()));
+        EXPECT_FALSE(link->accessibleName().contains(u'\u200b'));
+        menu->close();
+    }
+}
+
 } // namespace

@@ -24,6 +24,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
@@ -179,6 +180,7 @@ TEST_F(ProjectsTest, DeletingAsksOnceAndTheNextIsRead)
         run(ActionId::Delete);
         ASSERT_EQ(yes.asked().size(), 1u);
         EXPECT_EQ(yes.asked().front().message, u"Are you sure you want to delete the selected item?"_s);
+        EXPECT_EQ(yes.asked().front().informativeText, u"“House”\n1 task stays, without a project."_s);
     }
     settle();
     EXPECT_EQ(rows(), (QStringList{u"Boat"_s, u"Tree"_s}));
@@ -189,6 +191,29 @@ TEST_F(ProjectsTest, DeletingAsksOnceAndTheNextIsRead)
     EXPECT_EQ(rows(), (QStringList{u"Boat"_s, u"House"_s, u"Tree"_s}));
 }
 
+TEST_F(ProjectsTest, TheQuestionBeforeDeletingCountsTheTasksThatStay)
+{
+    for (const QString &of : {u"House"_s, u"House"_s, u"Boat"_s}) {
+        const TaskPtr task = add(u"work"_s);
+        task->setProject(stored(of));
+        task->setStatus(of == u"Boat"_s ? TaskStatus::Done : TaskStatus::Open);
+    }
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    const std::vector<std::pair<std::set<int>, QString>> cases = {
+        {{2}, u"“Tree”"_s},
+        {{1}, u"“House”\n2 tasks stay, without a project."_s},
+        {{0, 1}, u"2 projects: “Boat”, “House”\n3 tasks stay, without a project."_s}};
+    for (const auto &[selected, sentence] : cases) {
+        const ScriptedAlerts no({Alert::secondButton});
+        projects().table()->selectRows(selected);
+        settle();
+        run(ActionId::Delete);
+        ASSERT_EQ(no.asked().size(), 1u);
+        EXPECT_EQ(no.asked().front().informativeText, sentence);
+    }
+}
+
 TEST_F(ProjectsTest, AFilterHidesOthersAndClosesTheirPanes)
 {
     select(u"House"_s);
@@ -196,6 +221,7 @@ TEST_F(ProjectsTest, AFilterHidesOthersAndClosesTheirPanes)
     auto *field = QApplication::activePopupWidget()->findChild<QLineEdit *>(u"fieldTitle"_s);
     ASSERT_TRUE(field);
     EXPECT_EQ(field->placeholderText(), u"Type project title"_s);
+    EXPECT_EQ(field->toolTip(), u"Finds titles that begin with this"_s);
     QTest::keyClicks(field, u"b"_s);
     EXPECT_TRUE(QTest::qWaitFor([this] { return rows() == QStringList{u"Boat"_s}; }));
     settle();
@@ -328,6 +354,36 @@ TEST_F(ProjectTasksTest, ArePlannedByTheKeysThatTheirMenuTells)
     EXPECT_FALSE(controller().commands()->action(ActionId::PlanTomorrow)->isEnabled());
 }
 
+TEST_F(ProjectTasksTest, AllScrollWithTheirPaneAndTheKeysStayInSight)
+{
+    for (int number = 100; number < 160; ++number)
+        add(u"task %1"_s.arg(number))->setProject(ProjectsTest::stored(u"Boat"_s));
+    ASSERT_FALSE(DBWorker::saveContext());
+    settle();
+    TableViewExtended &table = *tasks().table();
+    EXPECT_EQ(table.verticalScrollBar()->maximum(), 0) << "there is one bar, that of the pane";
+    const auto isInSight = [&table](int row) {
+        const QRect place = table.visualRect(table.model()->index(row, 0));
+        const QRect seen = table.viewport()->visibleRegion().boundingRect();
+        return place.top() >= seen.top() && place.bottom() <= seen.bottom();
+    };
+    EXPECT_FALSE(isInSight(59));
+    table.setFocus();
+    for (const auto &[pressed, row] : {std::pair(Qt::Key_End, 59), std::pair(Qt::Key_Home, 0)}) {
+        QTest::keyClick(&table, pressed);
+        EXPECT_EQ(table.currentRow(), row);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return isInSight(row); })) << row;
+    }
+    for (int step = 0; step < 20; ++step)
+        QTest::keyClick(&table, Qt::Key_Down);
+    EXPECT_TRUE(isInSight(20));
+    // A page is what is seen of them.
+    QTest::keyClick(&table, Qt::Key_PageDown);
+    EXPECT_GT(table.currentRow(), 21);
+    EXPECT_LT(table.currentRow(), 50);
+    EXPECT_TRUE(isInSight(table.currentRow()));
+}
+
 TEST_F(ProjectTasksTest, OpenOverThePane)
 {
     const TaskPtr mast = taskOf(u"Boat"_s, u"mast"_s);
@@ -377,6 +433,53 @@ TEST_F(ProjectTasksTest, AreWrittenDownAndLinkedFromIt)
     run(ActionId::Undo);
     settle();
     EXPECT_EQ(titlesOfTasks(), QStringList{u"mast"_s});
+}
+
+TEST_F(ProjectTasksTest, SelectAllMarksWhatIsShownWhereNoTextHasTheKeys)
+{
+    for (const QString &title : {u"anchor"_s, u"mast"_s, u"rope"_s})
+        add(title);
+    tasks().findChild<QMenu *>()->actions().first()->trigger();
+    auto *linking = window().findChild<AddCurrentTasksWindow *>();
+    ASSERT_TRUE(linking);
+    auto &list = find<CheckList>(*linking, "tableTasks");
+    auto &search = find<QLineEdit>(*linking, "fieldSearch");
+    const auto marked = [&list] {
+        QStringList titles;
+        for (int line = 0; line < list.lineCount(); ++line)
+            if (list.isMarked(line))
+                titles.append(list.textOf(line));
+        return titles;
+    };
+    QTest::keyClicks(&search, u"an"_s);
+    QTest::keyClick(&search, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(search.selectedText(), u"an"_s);
+    EXPECT_TRUE(marked().isEmpty());
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(marked(), QStringList(u"anchor"_s));
+    search.clear();
+    QTest::keyClick(&search, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(marked().size(), 3) << "an empty field has nothing to select";
+    press(*linking, "buttonDone");
+    EXPECT_EQ(titlesOfTasks().size(), 3);
+}
+
+TEST_F(ProjectTasksTest, TheMenuOfTheButtonEndsWhereTheButtonDoes)
+{
+    auto &more = find<QToolButton>(tasks(), "buttonMoreTasks");
+    for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        more.setLayoutDirection(direction);
+        auto *menu = more.findChild<QMenu *>();
+        menu->setLayoutDirection(direction);
+        menu->popup(more.mapToGlobal(QPoint(0, more.height())));
+        const QRect button(more.mapToGlobal(QPoint()), more.size());
+        if (direction == Qt::LeftToRight)
+            EXPECT_EQ(menu->geometry().right(), button.right());
+        else
+            EXPECT_EQ(menu->geometry().left(), button.left());
+        menu->close();
+    }
 }
 
 TEST_F(ProjectTasksTest, ItsContactsAreAddedTakenOutAndAskedFor)

@@ -77,6 +77,42 @@ TEST_F(SearchTest, TheKeysLeadFromAWordToATaskInItsList)
     EXPECT_FALSE(field().hasFocus());
 }
 
+TEST_F(SearchTest, ReturnShowsWhatIsCalledByTheWordRatherThanWhatOnlyMentionsIt)
+{
+    add(u"Send Ada the draft"_s, [](MVTask &task) { task.details = u"Miss Lovelace, Kraków"_s; });
+    const auto ada = context().insert<EntityContacts>();
+    ada->setFirstName(u"Ada"_s);
+    ada->setLastName(u"Lovelace"_s);
+    const auto note = context().insert<EntityNote>();
+    note->setTitle(u"Machines"_s);
+    note->setDetail(u"of Ada Lovelace in Krakow"_s);
+    EXPECT_FALSE(DBWorker::saveContext());
+    showList(SidebarItem::Someday);
+    const QString task = u"Send Ada the draft"_s;
+    const QString person = u"Ada Lovelace"_s;
+    const std::vector<std::tuple<QString, QStringList, QString>> cases = {
+        {u"LOVELÁCE"_s, {task, person, u"Machines"_s}, person},
+        {u"ada"_s, {task, person, u"Machines"_s}, task},
+        {u"krakow"_s, {task, u"Machines"_s}, task},
+        {u"machine"_s, {u"Machines"_s}, u"Machines"_s},
+    };
+    for (const auto &[word, all, first] : cases) {
+        field().clear();
+        search(word);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            QStringList records = found();
+            records.removeIf([](const QString &line) { return line == line.toUpper(); });
+            return records == all;
+        })) << qPrintable(found().join(u'|'));
+        EXPECT_EQ(results().currentIndex().data().toString(), first) << qPrintable(word);
+    }
+    field().clear();
+    search(u"lovelace"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return found().size() == 6; }));
+    fieldKey(Qt::Key_Return);
+    EXPECT_EQ(shownItem(), SidebarItem::People);
+}
+
 TEST_F(SearchTest, WhatChangesElsewhereIsFoundInTheOpenBubbleAndTheKeysStay)
 {
     add(u"Buy bread"_s);

@@ -12,6 +12,10 @@
 using namespace Qt::Literals::StringLiterals;
 
 ContactForm::ContactForm()
+    : newOffers(std::make_unique<ContactOffers>([this] {
+        if (changed)
+            changed();
+    }))
 {
     settle();
 }
@@ -35,6 +39,7 @@ ContactForm::ContactForm(const ContactPtr &contact)
 void ContactForm::takeValues(const PeopleForm &other)
 {
     values = static_cast<const ContactForm &>(other).values;
+    newCompany.clear();
 }
 
 // Rows
@@ -42,7 +47,7 @@ void ContactForm::takeValues(const PeopleForm &other)
 std::vector<FormRow> ContactForm::rows() const
 {
     using Editor = FormRow::Editor;
-    return {
+    std::vector<FormRow> all = {
         pictureRow(),
         {.id = FirstName,
          .editor = Editor::Name,
@@ -77,6 +82,10 @@ std::vector<FormRow> ContactForm::rows() const
          .controlName = u"popUpButtonProjects"_s,
          .placeholder = localized(u"Add Project"_s)},
     };
+    if (newOffers)
+        all.insert(std::ranges::find(all, int(JobTitle), &FormRow::id),
+                   {.id = Offers, .editor = Editor::Own, .name = u"Offers"_s, .isTall = true});
+    return all;
 }
 
 QString ContactForm::label(int number) const
@@ -90,6 +99,8 @@ QString ContactForm::label(int number) const
         return localized(u"Birthday"_s);
     case Projects:
         return localized(u"Projects"_s);
+    case Offers:
+        return localized(u"Address Books"_s);
     default:
         return PeopleForm::label(number);
     }
@@ -106,7 +117,7 @@ QString ContactForm::text(int number) const
     case JobTitle:
         return values.contactCategory ? localized(values.contactCategory->title()) : QString();
     case Company:
-        return values.company ? values.company->title() : QString();
+        return values.company ? values.company->title() : newCompany;
     case Birthday:
         return values.birthday ? DateFormatter::string(MVDate::getNearestDay(*values.birthday), Style::Medium,
                                                        Style::None)
@@ -120,6 +131,11 @@ QString ContactForm::text(int number) const
     for (const FormLink &link : links(Projects))
         titles.append(link.text);
     return titles.join(u", "_s);
+}
+
+bool ContactForm::isShown(int number) const
+{
+    return number == Offers ? !newOffers->offers().empty() : PeopleForm::isShown(number);
 }
 
 /// What a contact category is known by.
@@ -136,8 +152,16 @@ FormMark ContactForm::mark(int number) const
 
 void ContactForm::setText(int number, const QString &newText)
 {
-    if (newText != text(number))
-        edit([&] { (number == FirstName ? values.firstName : values.lastName) = newText; });
+    if (newText == text(number))
+        return;
+    edit([&] { (number == FirstName ? values.firstName : values.lastName) = newText; });
+    followName();
+}
+
+void ContactForm::followName()
+{
+    if (newOffers)
+        newOffers->setName(values.firstName, values.lastName);
 }
 
 bool ContactForm::isNamed() const
@@ -166,6 +190,10 @@ std::vector<FormChoice> ContactForm::choices(int number)
             records.push_back(company);
             choices.push_back({company->title()});
         }
+        if (!newCompany.isEmpty())
+            offeredCompany = newCompany;
+        if (!offeredCompany.isEmpty())
+            choices.push_back({offeredCompany});
     } else {
         for (const ProjectPtr project : DBWorker::allProjects()) {
             if (std::ranges::find(values.project, project) != values.project.end())
@@ -182,6 +210,8 @@ int ContactForm::chosen(int number) const
     const auto records = offered.find(number);
     if (number == Projects || records == offered.end())
         return -1;
+    if (number == Company && !newCompany.isEmpty())
+        return newCompany == offeredCompany ? static_cast<int>(records->second.size()) : -1;
     const ObjectPtr value = number == JobTitle ? ObjectPtr(values.contactCategory) : values.company;
     const auto found = std::ranges::find(records->second, value);
     return found == records->second.end() ? -1 : static_cast<int>(found - records->second.begin());
@@ -189,14 +219,21 @@ int ContactForm::chosen(int number) const
 
 void ContactForm::choose(int number, int place)
 {
-    const ObjectPtr record = offered.at(number).at(static_cast<std::size_t>(place));
+    const std::vector<ObjectPtr> &records = offered.at(number);
+    const auto index = static_cast<std::size_t>(place);
+    if (number == Company && index == records.size())
+        return edit([&] { nameCompany(offeredCompany); });
+    const ObjectPtr record = records.at(index);
     edit([&] {
-        if (number == JobTitle)
+        if (number == JobTitle) {
             values.contactCategory = std::static_pointer_cast<EntityContactCategory>(record);
-        else if (number == Company)
+        } else if (number == Company) {
             values.company = std::static_pointer_cast<EntityCompany>(record);
-        else
+            newCompany.clear();
+        } else {
+
             values.project.push_back(std::static_pointer_cast<EntityProject>(record));
+        }
     });
 }
 
@@ -269,6 +306,9 @@ void ContactForm::acceptDate(int, DatePickerState &picker, Date date)
 
 // Drafts
 
+/// What no URI begins with.
+static const QString markOfNewCompany = u"new "_s;
+
 QString ContactForm::kept(int number) const
 {
     switch (number) {
@@ -279,7 +319,7 @@ QString ContactForm::kept(int number) const
     case JobTitle:
         return uriOf(values.contactCategory);
     case Company:
-        return uriOf(values.company);
+        return newCompany.isEmpty() ? uriOf(values.company) : markOfNewCompany + newCompany;
     case Birthday:
         return values.birthday
                    ? QString::number(values.birthday->referenceSeconds(), 'g', QLocale::FloatingPointShortest)
@@ -298,14 +338,17 @@ void ContactForm::resumeRow(int number, const QString &value)
     const double seconds = value.toDouble(&isNumber);
     switch (number) {
     case FirstName:
-        return take(values.firstName, value);
     case LastName:
-        return take(values.lastName, value);
+        take(number == FirstName ? values.firstName : values.lastName, value);
+        return followName();
     case JobTitle:
         if (const auto category = recordOf<EntityContactCategory>(value); category || value.isEmpty())
             take(values.contactCategory, category);
         return;
     case Company:
+        if (value.startsWith(markOfNewCompany))
+            return edit([&] { nameCompany(value.mid(markOfNewCompany.size())); });
+        newCompany.clear();
         if (const auto company = recordOf<EntityCompany>(value); company || value.isEmpty())
             take(values.company, company);
         return;
@@ -362,6 +405,7 @@ void ContactForm::writeValues()
     values.firstName = values.firstName.trimmed();
     values.lastName = values.lastName.trimmed();
     values.photoName = photo.photoName();
+    makeCompany();
     row->setFirstName(values.firstName);
     row->setLastName(values.lastName);
     row->setBirthday(values.birthday);

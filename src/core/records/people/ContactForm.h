@@ -1,5 +1,7 @@
 #pragma once
 
+#include "records/people/ContactImport.h"
+#include "records/people/ContactOffers.h"
 #include "records/people/MVContacts.h"
 #include "records/people/PeopleForm.h"
 
@@ -17,9 +19,16 @@ public:
     /// The stored row; null until a new contact was saved.
     const ContactPtr &contact() const { return row; }
 
+    /// Who has the typed name in the address books; null for a stored contact.
+    const ContactOffers *offers() const { return newOffers.get(); }
+    /// Puts what an import would make of the card of an offer into the rows that are still empty. What was
+    /// typed stays; a name of which the beginning was typed is completed.
+    void takeOffer(std::size_t place, const ContactImport::PngMaker &toPng);
+
     std::vector<FormRow> rows() const override;
     QString label(int number) const override;
     QString text(int number) const override;
+    bool isShown(int number) const override;
     FormMark mark(int number) const override;
     void setText(int number, const QString &text) override;
     /// For the projects, those that can be added.
@@ -57,7 +66,19 @@ protected:
     bool isLinks(int number) const override { return number == Projects; }
 
 private:
+    void followName();
+    void fillName(const CNContact &card);
+    void fillChoices(const CNContact &card, const ContactImport &import);
+    void fillItems(const CNContact &card, const ContactImport &import);
+    void nameCompany(const QString &title);
+    void makeCompany();
+
     ContactPtr row;
+    std::unique_ptr<ContactOffers> newOffers;
+    /// The title of the company if that is not there yet; empty for none, or one that is there.
+    QString newCompany;
+    /// The last of the choices of companies, if that is not there yet.
+    QString offeredCompany;
     /// The records that were offered last; null for none of them.
     std::map<int, std::vector<ObjectPtr>> offered;
 };

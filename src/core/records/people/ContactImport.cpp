@@ -95,6 +95,15 @@ std::shared_ptr<EntityContactCategory> ContactImport::categoryNamed(const QStrin
     return title.isEmpty() ? nullptr : tablewords::namedAmong(categories, title);
 }
 
+OptionalDate ContactImport::birthdayOf(const CNContact &contact)
+{
+    const auto &birthday = contact.birthday;
+    if (!birthday || !birthday->year)
+        return std::nullopt;
+    return Calendar::current().dateFromComponents(
+        {.year = *birthday->year, .month = birthday->month, .day = birthday->day});
+}
+
 CompanyPtr ContactImport::companyNamed(const QString &title)
 {
     CompanyPtr &company = companies[title];
@@ -352,11 +361,8 @@ ContactPtr ContactImport::importContactToDataBase(const CNContact &contact)
     const std::size_t formerSize = present ? sizeOf(*present) : 0;
     row->setFirstName(first);
     row->setLastName(last);
-    if (contact.birthday && contact.birthday->year) {
-        row->setBirthday(Calendar::current().dateFromComponents({.year = *contact.birthday->year,
-                                                                 .month = contact.birthday->month,
-                                                                 .day = contact.birthday->day}));
-    }
+    if (const OptionalDate birthday = birthdayOf(contact))
+        row->setBirthday(birthday);
     const QString company = oneLine(contact.organizationName);
     if (!company.isEmpty())
         row->setCompany(companyNamed(company));

@@ -47,11 +47,13 @@ public:
     std::shared_ptr<EntityEmailType> emailTypeWith(const QString &label) const;
     std::shared_ptr<EntityAddressType> addressTypeWith(const QString &label) const;
     std::shared_ptr<EntityURLType> urlsTypeWith(const QString &label) const;
-
-private:
     /// The category that a job title names, in English or in the user's language; null for any other job
     /// title, as people are given one of the categories that there are.
     std::shared_ptr<EntityContactCategory> categoryNamed(const QString &title) const;
+    /// The day of somebody's birth; absent where its year is not known.
+    static OptionalDate birthdayOf(const CNContact &contact);
+
+private:
     CompanyPtr companyNamed(const QString &title);
     template <typename Owner>
     void addDetails(const std::shared_ptr<Owner> &owner, const CNContact &contact);

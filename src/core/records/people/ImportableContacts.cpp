@@ -138,8 +138,9 @@ void ImportableContacts::take(const ContactReader::Entry &card)
                 .arg(origin));
     if (title.isEmpty()) {
         const QString sentence =
-            contact.isOfNobody ? u"The card in line %1 of \"%2\" is that of a group, a place or a device."_s
-                               : u"The card in line %1 of \"%2\" has no name."_s;
+            contact.isOfNobody
+                ? u"The card in line %1 of \"%2\" is that of a group, a place or a device, and is left out."_s
+                : u"The card in line %1 of \"%2\" has no name."_s;
         sentences.append(localized(sentence).arg(card.line).arg(origin));
         return;
     }

@@ -32,7 +32,8 @@ public:
         SecondSeparator,
         Birthday,
         Projects,
-        Contacts
+        Contacts,
+        Offers
     };
 
     // The lists of entries. `FormModel::items` gives one of them as a form shows it.

@@ -161,3 +161,30 @@ Result<std::vector<QByteArray>> EdsContacts::cardsWithMail(const CNContainer &co
     return readAgainIfLost<std::vector<QByteArray>>(
         [&](bool &isLost) { return readCards(container, words, isLost); });
 }
+
+/// The query for a word with which one of somebody's names begins.
+static EBookQuery *nameBeginsWith(const QString &word)
+{
+    const QByteArray typed = word.toUtf8();
+    const QByteArray inside = ' ' + typed;
+    const auto begins = [&typed](EContactField field) {
+        return e_book_query_field_test(field, E_BOOK_QUERY_BEGINS_WITH, typed.constData());
+    };
+    return e_book_query_orv(
+        begins(E_CONTACT_FULL_NAME), begins(E_CONTACT_GIVEN_NAME), begins(E_CONTACT_FAMILY_NAME),
+        e_book_query_field_test(E_CONTACT_FULL_NAME, E_BOOK_QUERY_CONTAINS, inside.constData()), nullptr);
+}
+
+Result<std::vector<QByteArray>> EdsContacts::cardsWithName(const CNContainer &container, const QString &words)
+{
+    std::vector<EBookQuery *> queries;
+    for (const QString &word : words.simplified().split(u' ', Qt::SkipEmptyParts))
+        queries.push_back(nameBeginsWith(word));
+    if (queries.empty())
+        return std::vector<QByteArray>();
+    EBookQuery *query = e_book_query_and(static_cast<int>(queries.size()), queries.data(), true);
+    const QByteArray text = GlibText(e_book_query_to_string(query)).get();
+    e_book_query_unref(query);
+    return readAgainIfLost<std::vector<QByteArray>>(
+        [&](bool &isLost) { return readCards(container, text, isLost); });
+}

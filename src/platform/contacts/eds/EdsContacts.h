@@ -9,6 +9,8 @@ class EdsContacts : public ContactBackend
 public:
     Result<std::vector<CNContainer>> containers() override;
     Result<std::vector<QByteArray>> cards(const CNContainer &container) override;
+    Result<std::vector<QByteArray>> cardsWithName(const CNContainer &container,
+                                                  const QString &words) override;
     Result<std::vector<QByteArray>> cardsWithMail(const CNContainer &container,
                                                   const QString &address) override;
 };

@@ -5,6 +5,7 @@
 #include "records/people/ContactForm.h"
 #include "records/people/ContactRemoval.h"
 #include "shell/people/ContactViewController.h"
+#include "shell/people/OffersField.h"
 #include "shell/people/PeopleDetailViewControllers.h"
 #include "store/entities/MainContext.h"
 
@@ -54,6 +55,14 @@ static QString contactsInWords(int people)
     return localizedCount(u"%1 people"_s, people);
 }
 
+/// Who of the typed name is in the address books.
+static QWidget *makeOffers(FormModel &form, const FormRow &, std::function<void()> &sync)
+{
+    auto *field = new OffersField(static_cast<ContactForm &>(form));
+    sync = [field] { field->showOffers(); };
+    return field;
+}
+
 RecordKind PeopleKinds::contacts()
 {
     return {.list = {.tableName = u"tableViewContacts"_s,
@@ -73,6 +82,7 @@ RecordKind PeopleKinds::contacts()
             .windowName = u"WindowNewContacts"_s,
             .windowTitle = localized(u"New Contact"_s),
             .pane = makePane<DetailContactViewController>,
+            .ownControl = makeOffers,
             .remove = ContactRemoval::remove,
             .screen = [](const RecordKind &kind) -> TabsViewController * {
                 return new ContactViewController(kind, nullptr);

@@ -116,9 +116,10 @@ void SearchPopover::resultsChanged()
     if (same >= 0) {
         view->selectRow(same);
         view->scrollToRow(same);
-    } else if (const int first = model->nearestItem(0, 1); first >= 0) {
+    } else if (const int first = model->found().firstChoice(); first >= 0) {
         view->selectRow(first);
         view->scrollToTop();
+        view->scrollToRow(first);
     }
     place();
 }

@@ -22,6 +22,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QScrollArea>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -29,8 +30,6 @@ using namespace Qt::Literals::StringLiterals;
 
 /// Long enough for a tick to be seen before its row goes to another place.
 constexpr auto tickStands = std::chrono::milliseconds(1000);
-/// Then the rows scroll.
-constexpr int mostHeight = 460;
 
 /// The rows of the tasks that a function gives.
 class LinkedTasksModel : public TaskListModel
@@ -109,8 +108,25 @@ private:
     double share = 0;
 };
 
-/// Holds the list, as high as its rows as long as that leaves room for the rest of the pane. The cards in it
-/// begin and end with the form above; where the rows scroll, the bar has its place beside them.
+/// Ends where its button does, which stands at the edge of the window.
+class MenuAtEnd : public QMenu
+{
+public:
+    explicit MenuAtEnd(QWidget &button)
+        : QMenu(&button)
+    {}
+
+protected:
+    void showEvent(QShowEvent *event) override
+    {
+        QMenu::showEvent(event);
+        const QRect button(parentWidget()->mapToGlobal(QPoint()), parentWidget()->size());
+        move(isRightToLeft() ? button.left() : button.right() + 1 - width(), y());
+    }
+};
+
+/// Holds the list, as high as its rows, so that the pane alone scrolls. The cards in it begin and end with
+/// the form above.
 class ListPlace : public QWidget
 {
 public:
@@ -118,27 +134,31 @@ public:
         : list(heldList)
     {
         list.setParent(this);
-    }
-    void setWantedHeight(int height)
-    {
-        isScrolling = height > mostHeight;
-        setFixedHeight(std::min(height, mostHeight));
-        place();
+        QObject::connect(&list, &TableViewExtended::scrolledTo, this,
+                         [this](int row) { showInPane(list.visualRect(list.model()->index(row, 0))); });
     }
 
 protected:
-    void resizeEvent(QResizeEvent *) override { place(); }
+    void resizeEvent(QResizeEvent *) override
+    {
+        const int margin = Theme::contentMargin;
+        list.setGeometry(
+            QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(-margin, 0, margin, 0)));
+    }
 
 private:
-    void place()
+    void showInPane(const QRect &row)
     {
-        const int end = isScrolling ? 0 : Theme::contentMargin;
-        list.setGeometry(
-            QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(-Theme::contentMargin, 0, end, 0)));
+        QScrollArea *pane = nullptr;
+        for (QWidget *above = parentWidget(); above && !pane; above = above->parentWidget())
+            pane = qobject_cast<QScrollArea *>(above);
+        if (!pane)
+            return;
+        const QPoint middle = list.viewport()->mapTo(pane->widget(), row.center());
+        pane->ensureVisible(middle.x(), middle.y(), 0, row.height() / 2 + Theme::unit);
     }
 
     TableViewExtended &list;
-    bool isScrolling = false;
 };
 
 LinkedTasksView::LinkedTasksView(Source source, QWidget *parent)
@@ -191,7 +211,7 @@ QWidget *LinkedTasksView::makeHeader()
     more->setPopupMode(QToolButton::InstantPopup);
     // The button has an arrow of its own.
     more->setStyleSheet(u"QToolButton::menu-indicator { image: none; }"_s);
-    auto *menu = new QMenu(more);
+    auto *menu = new MenuAtEnd(*more);
     menu->addAction(localized(u"Add current Task"_s), this, &LinkedTasksView::currentTasksWanted);
     more->setMenu(menu);
     line->addWidget(title);
@@ -295,9 +315,7 @@ void LinkedTasksView::showProgress()
 
 void LinkedTasksView::fitHeight()
 {
-    const RowHeights heights = TaskTableCell::heights.shown();
-    const int rows = allTasks > 0 ? allTasks * heights.item : heights.header;
-    listPlace->setWantedHeight(rows + heights.below + 1);
+    listPlace->setFixedHeight(view->wholeHeight());
 }
 
 std::vector<TaskPtr> LinkedTasksView::tasksAt(const std::set<int> &rows) const

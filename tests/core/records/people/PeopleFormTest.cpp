@@ -61,8 +61,9 @@ TEST_F(PeopleForms, HaveTheRowsOfTheirKindInTheirOrder)
             names.append(row.name);
         return names.join(u' ');
     };
-    EXPECT_EQ(named(ContactForm()),
-              u"Title FirstName LastName JobTitle Company Phones Address Emails URLs Birthday Project"_qs);
+    EXPECT_EQ(
+        named(ContactForm()),
+        u"Title FirstName LastName Offers JobTitle Company Phones Address Emails URLs Birthday Project"_qs);
     EXPECT_EQ(named(CompanyForm()), u"Title CompanyTitle Details Phones Address Emails URLs Contact"_qs);
     const auto works = context().insert<EntityCompany>();
     EXPECT_EQ(named(CompanyForm(works)), u"Title CompanyTitle Details Seperator1 Phones Address Emails URLs "

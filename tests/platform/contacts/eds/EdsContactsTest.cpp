@@ -117,6 +117,41 @@ TEST_F(EdsContactsTest, ArePickedOutByAMailAddress)
     EXPECT_TRUE(none && none.value().empty()) << "an address is no query";
 }
 
+TEST_F(EdsContactsTest, ArePickedOutByTheirNames)
+{
+    const auto named = [](const QByteArray &names) {
+        return "BEGIN:VCARD\r\nVERSION:3.0\r\n" + names + "\r\nEND:VCARD";
+    };
+    ASSERT_NO_FATAL_FAILURE(add({named("FN:Ann Lee\r\nN:Lee;Ann;;;"),
+                                 named("FN:Anna Maria Gr\xC3\xBCn\r\nN:Gr\xC3\xBCn;Anna;Maria;;"),
+                                 named("FN:Leo Hanning\r\nN:Hanning;Leo;;;"), named("N:Kay;Bob;;;")}));
+    const auto found = [&](const QString &words) {
+        QStringList names;
+        const auto cards = EdsContacts().cardsWithName(book, words);
+        EXPECT_TRUE(cards) << qPrintable(words);
+        for (QByteArray text : cards ? cards.value() : std::vector<QByteArray>()) {
+            QBuffer device(&text);
+            device.open(QIODevice::ReadOnly);
+            names.append(contactFrom(*VCardReader(device).next()).givenName);
+        }
+        names.sort();
+        return names.join(u' ');
+    };
+    const std::vector<std::pair<QString, QString>> cases = {
+        {u"ann"_qs, u"Ann Anna"_qs},
+        {u" Le  an"_qs, u"Ann"_qs},
+        {u"an gr\u00fc"_qs, u"Anna"_qs},
+        {u"maria"_qs, u"Anna"_qs},
+        {u"le"_qs, u"Ann Leo"_qs},
+        {u"bob k"_qs, u"Bob"_qs},
+        {u"bob lee"_qs, {}},
+        {u" "_qs, {}},
+        {u"a\") (contains \"full_name\" \"\") (\""_qs, {}},
+    };
+    for (const auto &[words, names] : cases)
+        EXPECT_EQ(found(words), names) << qPrintable(words);
+}
+
 TEST_F(EdsContactsTest, AreFoundByTheNamesOfTheirAddressBooks)
 {
     const auto containers = EdsContacts().containers();
