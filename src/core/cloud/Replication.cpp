@@ -107,8 +107,11 @@ QString Replication::contentFolder()
 std::unique_ptr<Replication> Replication::start(ManagedObjectContext &context, Imported imported,
                                                 std::unique_ptr<replication::Onlooker> onlooker)
 {
-    if (UbiquityContainer::path().isEmpty())
+    if (UbiquityContainer::path().isEmpty()) {
+        if (const OptionalError error = replication::Replica::keepForLater(context))
+            Log::line(error->message);
         return nullptr;
+    }
     auto replica = replication::Replica::open(context, QSysInfo::machineHostName(), machineOf(context));
     if (!replica) {
         Log::line(replica.error().message);

@@ -98,11 +98,13 @@ QByteArray notedBeforeInsert(const TableOfModel &table)
            notedValuesOf(table, "new", values);
 }
 
-std::vector<std::pair<QByteArray, QByteArray>> triggersOf(const TableOfModel &table)
+/// \param creation the words that make one.
+std::vector<std::pair<QByteArray, QByteArray>> triggersOf(const TableOfModel &table,
+                                                          const QByteArray &creation = "CREATE TRIGGER ")
 {
-    const auto trigger = [&table](const char *moment, const QByteArray &event, const QByteArray &body) {
+    const auto trigger = [&](const char *moment, const QByteArray &event, const QByteArray &body) {
         const QByteArray name = table.table + "_former_" + event.toLower();
-        return std::pair(name, "CREATE TRIGGER " + quoted(name) + ' ' + moment + ' ' + event + " ON " +
+        return std::pair(name, creation + quoted(name) + ' ' + moment + ' ' + event + " ON " +
                                    quoted(table.table) + " BEGIN " + body + "END");
     };
     return {trigger("BEFORE", "INSERT", notedBeforeInsert(table)),
@@ -294,6 +296,19 @@ OptionalError prepare(sqlite::Database &database, const ManagedObjectModel &mode
                                             " (tbl TEXT NOT NULL, id TEXT NOT NULL, col TEXT NOT NULL, value,"
                                             " PRIMARY KEY (tbl, id, col)) WITHOUT ROWID;" +
                                             sql + "COMMIT");
+}
+
+/// Those of the store are switched off on this connection; temporary ones are not.
+OptionalError keepOwn(sqlite::Database &database, const ManagedObjectModel &model)
+{
+    if (database.queryInteger("SELECT COUNT(*) FROM sqlite_master WHERE name = '" + formerTable + '\'') == 0)
+        return std::nullopt;
+    QByteArray sql;
+    for (const TableOfModel &table : tablesOfModel(model)) {
+        for (const auto &[name, definition] : triggersOf(table, "CREATE TEMP TRIGGER IF NOT EXISTS "))
+            sql += definition + ';';
+    }
+    return database.execute(sql);
 }
 
 bool isAnyThere(sqlite::Database &database)

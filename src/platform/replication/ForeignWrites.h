@@ -13,6 +13,9 @@ namespace foreignwrites {
 
 /// Makes the table and the triggers that are missing or were made for a former model.
 OptionalError prepare(sqlite::Database &database, const ManagedObjectModel &model);
+/// Keeps what this very connection writes from here on, too. For a store that took part once and is on its
+/// own now; nothing for any other.
+OptionalError keepOwn(sqlite::Database &database, const ManagedObjectModel &model);
 bool isAnyThere(sqlite::Database &database);
 /// Lets a session see what was written, as if it were written now, and forgets it. The rows stay as they are.
 /// For the beginning of a transaction, so that nothing comes between what was written and its being told.

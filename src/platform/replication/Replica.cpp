@@ -43,6 +43,11 @@ Result<std::unique_ptr<Replica>> Replica::open(ManagedObjectContext &context, co
     return replica;
 }
 
+OptionalError Replica::keepForLater(ManagedObjectContext &context)
+{
+    return foreignwrites::keepOwn(context.connection(), context.model());
+}
+
 OptionalError Replica::load(const QByteArray &machine)
 {
     if (auto error = RowLedger::createTables(database))

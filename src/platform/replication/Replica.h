@@ -69,6 +69,9 @@ public:
     /// opened elsewhere is another device.
     static Result<std::unique_ptr<Replica>> open(ManagedObjectContext &context, const QString &deviceName,
                                                  const QByteArray &machine);
+    /// For a store that is on its own for a while, because its folder is away or none is chosen: what is
+    /// saved until the context goes is told to the others once the store is a replica again.
+    static OptionalError keepForLater(ManagedObjectContext &context);
     /// Nothing may be under way in the context.
     ~Replica() override;
 

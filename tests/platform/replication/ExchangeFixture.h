@@ -36,6 +36,12 @@ public:
         replica.reset();
         store.close();
     }
+    /// Begins without the folder.
+    void startAlone()
+    {
+        store.open();
+        EXPECT_FALSE(Replica::keepForLater(store.context()));
+    }
     void start()
     {
         if (!replica)

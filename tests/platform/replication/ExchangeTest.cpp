@@ -56,6 +56,38 @@ TEST_F(ExchangeTest, WhatOtherProgramsWriteIntoTheStoreArrivesToo)
     EXPECT_EQ(one.library().ask(u"SELECT COUNT(*) FROM ObjectStoreFormer"_qs), QStringList(u"0"_qs));
 }
 
+TEST_F(ExchangeTest, WhatWasSavedWhileTheFolderWasAwayArrivesWhenItIsBack)
+{
+    one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("Kim"); }));
+    // Two runs without it, with a change that is taken back, and one that another program makes.
+    for (const int run : {1, 2}) {
+        one.stop();
+        one.startAlone();
+        Library &library = one.library();
+        library.find("Kim")->setPages(run);
+        library.book(run == 1 ? "New" : "Newer")->setPages(5);
+        library.save();
+        library.context().deleteObject(library.find("Momo"));
+        ASSERT_FALSE(library.context().save());
+        if (run == 1)
+            ASSERT_FALSE(library.context().undo());
+        else
+            library.elsewhere("UPDATE Book SET pages = 8 WHERE title = 'Emma'");
+    }
+    other.library().find("Kim")->setTitle(u"Kim Two"_qs);
+    other.library().save();
+    one.stop();
+    one.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("New") && other.has("Newer") && !other.has("Momo"); }));
+    other.look();
+    EXPECT_TRUE(waitFor([this] { return one.library().dump() == other.library().dump(); }));
+    EXPECT_EQ(other.library().find("Kim Two")->pages(), 2);
+    EXPECT_EQ(other.library().find("Newer")->pages(), 5);
+    EXPECT_EQ(other.library().find("Emma")->pages(), 8);
+    EXPECT_EQ(one.library().ask(u"SELECT COUNT(*) FROM ObjectStoreFormer"_qs), QStringList(u"0"_qs));
+}
+
 TEST_F(ExchangeTest, FilesThatAreBrokenOrOfOthersAreToldOfAndTriedAgain)
 {
     const LogCapture log;
