@@ -123,7 +123,10 @@ void AppDelegate::startReplication()
     sharedfolder::noteStart();
     const QByteArray folder = IcloudManager::currentiCloudToken();
     UserDefaults &defaults = UserDefaults::standard();
-    if (!folder.isEmpty() && defaults.object(settings::imagesSharedWith).toByteArray() != folder) {
+    // Pictures that come while there is none are to reach it later.
+    if (folder.isEmpty()) {
+        defaults.removeObject(settings::imagesSharedWith);
+    } else if (defaults.object(settings::imagesSharedWith).toByteArray() != folder) {
         IcloudManager::shareImages(picturesIn(*contexts[ownStack]));
         defaults.setObject(settings::imagesSharedWith, folder);
     }

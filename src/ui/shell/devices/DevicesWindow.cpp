@@ -188,7 +188,8 @@ void DevicesWindow::refresh()
     const DeviceHealth health = DeviceHealth::of(delegate ? delegate->replication() : nullptr);
     const QString path = sharedfolder::path();
     folder->setText(path.isEmpty() ? localized(u"No folder is chosen."_s) : path);
-    hint->setText(localized(u"Morvane uses it from its next start on."_s));
+    hint->setText(localized(path.isEmpty() ? u"Sharing goes on until Morvane is started again."_s
+                                           : u"Morvane uses it from its next start on."_s));
     hint->setVisible(sharedfolder::isWaitingForStart());
     leave->setEnabled(!path.isEmpty());
     sealingCard->setVisible(!health.sealing.isEmpty());
