@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -80,13 +81,17 @@ QString RecordRemoval::inWords(const std::vector<ObjectPtr> &records)
     return some.isEmpty() ? countInWords(records) : countInWords(records) + u": "_s + some;
 }
 
-/// Tasks outlive their project; nothing else that is deleted here has any.
+/// Tasks outlive their project, unless they go with it; nothing else that is deleted here has any.
 static QString whatStays(const std::vector<ObjectPtr> &records)
 {
+    const std::set<ObjectPtr> gone(records.begin(), records.end());
     qint64 tasks = 0;
     for (const ObjectPtr &record : records) {
-        if (const auto project = std::dynamic_pointer_cast<EntityProject>(record))
-            tasks += static_cast<qint64>(project->task().size());
+        if (const auto project = std::dynamic_pointer_cast<EntityProject>(record)) {
+            const auto &its = project->task();
+            tasks += std::count_if(its.begin(), its.end(),
+                                   [&gone](const TaskPtr &one) { return !gone.count(one); });
+        }
     }
     return tasks == 0 ? QString() : u'\n' + localizedCount(u"%1 tasks stay, without a project."_s, tasks);
 }

@@ -239,6 +239,17 @@ QString TaskModel::named(const QStringList &ids)
     return all;
 }
 
+QString TaskModel::whatStays(const QStringList &tasks, const QStringList &projects) const
+{
+    qint64 stay = 0;
+    for (const auto &[id, row] : live.tasks)
+        stay += projects.contains(row.project) && !tasks.contains(id);
+    if (stay == 0)
+        return {};
+    return stay == 1 ? u"\n1 task stays, without a project."_text
+                     : u"\n%1 tasks stay, without a project."_text.arg(stay);
+}
+
 /// True if the caller was told that something was deleted.
 bool TaskModel::deleteTasks(const QStringList &selection)
 {
@@ -252,7 +263,7 @@ bool TaskModel::deleteTasks(const QStringList &selection)
     if (repeating.isEmpty()) {
         asks(selection.size() == 1 ? u"Are you sure you want to delete the selected item?"_text
                                    : u"Are you sure you want to delete the selected items?"_text,
-             {u"Delete"_text, u"Cancel"_text}, named(plain + projects));
+             {u"Delete"_text, u"Cancel"_text}, named(plain + projects) + whatStays(plain, projects));
         if (answer != Alert::firstButton)
             return false;
     } else if (!isBanned) {

@@ -129,6 +129,7 @@ private:
     }
     /// What a question about deleting says of records.
     QString named(const QStringList &ids);
+    QString whatStays(const QStringList &tasks, const QStringList &projects) const;
     QString refusal(const Copy &copy);
     bool leavesProject(const Copy &copy);
     void write(Copy &copy);
