@@ -261,7 +261,7 @@ TEST_F(NotesTest, TypedWordsOutliveTheirNoteAndTheProgram)
     writeElsewhere(context().path(), "DELETE FROM EntityNote WHERE title = 'beta'");
     ASSERT_TRUE(QTest::qWaitFor(window));
     EXPECT_EQ(titleIn(*window()), u"typed for beta"_s);
-    EXPECT_EQ(titles(), (QStringList{u"alpha"_s, u"gamma"_s}));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return titles() == QStringList{u"alpha"_s, u"gamma"_s}; }));
     window()->clickButtonSave();
     ASSERT_TRUE(stored(u"typed for beta"_s));
     EXPECT_EQ(std::static_pointer_cast<EntityNote>(stored(u"typed for beta"_s))->contact(), second);
