@@ -270,7 +270,11 @@ void ChangesOfOthers::note(const replication::Arrival &arrival, const RowDelta &
             calendar == delta.cells.end() ? QString() : replication::textIn(calendar->second.value);
         before.isReturning = true;
     }
-    if (!isHere(before.calendar) || !lacks(*arrival.holdings, before.calendar))
+    const auto named = before.isReturning ? delta.cells.find("calendarID") : delta.cells.end();
+    const QString item = named == delta.cells.end() ? before.item : replication::textIn(named->second.value);
+    const bool isUnseen = !item.isEmpty() && arrival.unseen.contains(item);
+    if (!isHere(before.calendar) ||
+        (!isUnseen && !(arrival.holdings && lacks(*arrival.holdings, before.calendar))))
         return;
     // What the row was before the first of several saves.
     state().arriving.try_emplace(delta.key.id, std::move(before)).first->second.columns |= columns;
@@ -278,7 +282,7 @@ void ChangesOfOthers::note(const replication::Arrival &arrival, const RowDelta &
 
 void ChangesOfOthers::comes(const replication::Arrival &arrival)
 {
-    if (!arrival.holdings || DBWorker::isSample())
+    if ((!arrival.holdings && arrival.unseen.isEmpty()) || DBWorker::isSample())
         return;
     const QByteArray table = context.model().entity(EntityTask::entityName)->table();
     // Objects of thousands of rows would be made only to be read once.

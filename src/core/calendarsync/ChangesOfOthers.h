@@ -8,7 +8,9 @@
 /// What a device without a calendar does to rows that have their events in it, brings this one, which has the
 /// calendar, to the events: it posts it with the commit that takes it in, like what was changed here while
 /// the calendars could not be reached. A device that has the calendar writes its events itself, and of one
-/// that has not told of its calendars that is supposed. What comes in a snapshot is not looked at.
+/// that has not told of its calendars that is supposed; but two devices can each have a calendar of that
+/// name, and what a device has never seen of it the other one writes. What comes in a snapshot is not looked
+/// at.
 class ChangesOfOthers final : public replication::Onlooker
 {
 public:

@@ -1,10 +1,12 @@
 #include "calendarsync/SeriesRows.h"
 
 #include "calendarsync/EventReader.h"
+#include "eventkit/CalendarError.h"
 #include "records/copies/TaskColumns.h"
 #include "records/dates/MTDates.h"
 #include "records/dates/MVDate.h"
 #include "store/entities/MainContext.h"
+#include "store/state/CoreContext.h"
 
 #include <algorithm>
 
@@ -151,7 +153,13 @@ Result<std::vector<EKEvent>> eventsOf(const EntityTask &task, OptionalDate forme
     if (task.calendarID().isEmpty())
         return std::vector<EKEvent>();
     const OptionalDate date = task.startDate() ? task.startDate() : task.dueDate();
-    return EventReader::eventsOfRow(task.calendarID(), task.typeCalendarID(), {date, formerDate});
+    auto events = EventReader::eventsOfRow(task.calendarID(), task.typeCalendarID(), {date, formerDate});
+    // Two computers can each have a calendar of the same name. The event is with the other one.
+    if (events && events.value().empty() &&
+        CoreContext::current().isCalendarItemElsewhere(task, task.calendarID()))
+        return CalendarError::make(CalendarError::Storage,
+                                   QStringLiteral("The event has not come to this computer."));
+    return events;
 }
 
 bool isLater(const EntityTask &row, const EntityTask &task)

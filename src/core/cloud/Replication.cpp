@@ -4,6 +4,7 @@
 #include "foundation/ApplicationPaths.h"
 #include "foundation/Log.h"
 #include "replication/Clearing.h"
+#include "store/entities/Entities.h"
 #include "store/state/NotificationNames.h"
 #include "ubiquity/UbiquityContainer.h"
 
@@ -41,6 +42,7 @@ Replication::Replication(ManagedObjectContext &context, std::unique_ptr<replicat
           *replica, replication::ReplicaFolder(contentFolder()), std::move(imported), sealing))
 {
     replica->setOnlooker(onlooker.get());
+    replica->outsideItems().nameBy(context.model().entity(EntityTask::entityName)->table(), "calendarID");
     exchange->setFilesBeside({IcloudManager::iCloudImagesUrl(), IcloudManager::waitingImagesUrl()});
 }
 
@@ -133,13 +135,26 @@ void Replication::finish()
 
 bool Replication::awaitsCalendarItem(const ManagedObject &row, const QString &item)
 {
-    return !replica->witnessed().contains(item) &&
-           replica->isMadeElsewhere({row.entity().table(), row.identifier()});
+    return !namerOf(row, item).isEmpty();
+}
+
+bool Replication::isCalendarItemElsewhere(const ManagedObject &row, const QString &item)
+{
+    const replication::DeviceId namer = namerOf(row, item);
+    return !namer.isEmpty() &&
+           std::ranges::any_of(replica->devices(), [&namer](const replication::Device &device) {
+               return device.id == namer && replication::isExpected(device);
+           });
+}
+
+replication::DeviceId Replication::namerOf(const ManagedObject &row, const QString &item)
+{
+    return replica->outsideItems().namedBy({row.entity().table(), row.identifier()}, item, replica->device());
 }
 
 void Replication::sawCalendarItems(const QSet<QString> &items)
 {
-    replica->witness(items);
+    replica->outsideItems().witness(items);
 }
 
 void Replication::tellCalendars(const QStringList &names)

@@ -28,9 +28,11 @@ public:
     /// While it rests, nothing goes out or comes in; what is saved is sent afterwards.
     void setResting(bool isOn) { exchange->setResting(isOn); }
 
-    /// Whether the row of a calendar item was made by another device, and the item has never been seen here:
-    /// it may be still on its way.
+    /// Whether another device has told of the calendar item of a row, and it has never been seen here: it may
+    /// be still on its way, or lie in a calendar of that device only.
     bool awaitsCalendarItem(const ManagedObject &row, const QString &item);
+    /// The same, and that device takes part still.
+    bool isCalendarItemElsewhere(const ManagedObject &row, const QString &item);
     /// Items that are in the calendars of this device.
     void sawCalendarItems(const QSet<QString> &items);
     /// Tells the other devices which calendars this one has, by names that these know, too.
@@ -87,6 +89,7 @@ private:
     std::unique_ptr<replication::Onlooker> onlooker;
     std::unique_ptr<replication::Replica> replica;
     OptionalError sealingChanged(OptionalError error);
+    replication::DeviceId namerOf(const ManagedObject &row, const QString &item);
 
     std::shared_ptr<const replication::Sealing> sealing;
     std::unique_ptr<replication::ReplicaExchange> exchange;

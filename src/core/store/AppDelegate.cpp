@@ -76,6 +76,9 @@ void AppDelegate::fillContext()
     core->awaitsCalendarItem = [this](const ManagedObject &row, const QString &item) {
         return exchange && exchange->awaitsCalendarItem(row, item);
     };
+    core->isCalendarItemElsewhere = [this](const ManagedObject &row, const QString &item) {
+        return exchange && exchange->isCalendarItemElsewhere(row, item);
+    };
     core->sawCalendarItems = [this](const QSet<QString> &items) {
         if (exchange)
             exchange->sawCalendarItems(items);

@@ -18,7 +18,22 @@ constexpr int formatVersion = 1;
 
 /// The keys of the map.
 namespace key {
-enum { Format, Schema, Device, Number, Time, Seen, Name, Tables, Changes, Touched, Wall, Removed, Holdings };
+enum {
+    Format,
+    Schema,
+    Device,
+    Number,
+    Time,
+    Seen,
+    Name,
+    Tables,
+    Changes,
+    Touched,
+    Wall,
+    Removed,
+    Holdings,
+    Unseen
+};
 }
 
 Error unreadable(const char *why)
@@ -56,6 +71,8 @@ QByteArray ChangeFile::toBytes() const
         map.insert(key::Removed, QString::fromUtf8(removed.text()));
     if (holdings)
         map.insert(key::Holdings, QCborArray::fromStringList(*holdings));
+    if (!unseen.isEmpty())
+        map.insert(key::Unseen, QCborArray::fromStringList(unseen));
     const QByteArray content = QCborValue(map).toCbor();
     return mark + QCryptographicHash::hash(content, QCryptographicHash::Sha256) + content;
 }
@@ -97,6 +114,8 @@ Result<ChangeFile> ChangeFile::fromBytes(const QByteArray &bytes)
         for (const QCborValue &one : map.value(key::Holdings).toArray())
             file.holdings->append(one.toString());
     }
+    for (const QCborValue &one : map.value(key::Unseen).toArray())
+        file.unseen.append(one.toString());
     constexpr qint64 latest = qint64(1) << 62;
     if (file.dot.device.isEmpty() || file.dot.number < 1 || file.time < 1 || file.time > latest)
         return unreadable("It does not say which save it is");

@@ -33,6 +33,8 @@ struct ChangeFile
     VersionVector removed = {};
     /// What its device has outside of the store; absent if it does not say.
     std::optional<QStringList> holdings = {};
+    /// Items outside of the store that rows of it stand for, and that its device has never seen.
+    QStringList unseen = {};
 
     /// What it says, row by row; absent if the changeset is damaged.
     std::optional<std::vector<RowDelta>> deltas(const ManagedObjectModel &model) const;

@@ -26,6 +26,7 @@ Replica::Replica(ManagedObjectContext &replicated, QString deviceName)
     , model(replicated.model())
     , name(std::move(deviceName))
     , session(nullptr, sqlite3session_delete)
+    , items(replicated.connection())
 {}
 
 Replica::~Replica()
@@ -52,18 +53,18 @@ OptionalError Replica::load(const QByteArray &machine)
 {
     if (auto error = RowLedger::createTables(database))
         return error;
-    if (auto error = database.execute(
-            "CREATE TABLE IF NOT EXISTS ObjectStoreReplicas (device TEXT PRIMARY "
-            "KEY NOT NULL, name TEXT, number "
-            "INTEGER NOT NULL DEFAULT 0, time INTEGER NOT NULL DEFAULT 0, seen "
-            "TEXT NOT NULL DEFAULT '', machine "
-            "TEXT) WITHOUT ROWID;"
-            "CREATE TABLE IF NOT EXISTS ObjectStoreOutgoing (number INTEGER "
-            "PRIMARY KEY, bytes BLOB NOT NULL, "
-            "isSent INTEGER NOT NULL DEFAULT 0);"
-            "CREATE TABLE IF NOT EXISTS ObjectStoreWitnessed (item TEXT PRIMARY KEY NOT NULL) WITHOUT ROWID;"
-            // It cost each save a page; there are few saves at a time.
-            "DROP INDEX IF EXISTS ObjectStoreOutgoing_waiting;"))
+    if (auto error = OutsideItems::createTables(database))
+        return error;
+    if (auto error = database.execute("CREATE TABLE IF NOT EXISTS ObjectStoreReplicas (device TEXT PRIMARY "
+                                      "KEY NOT NULL, name TEXT, number "
+                                      "INTEGER NOT NULL DEFAULT 0, time INTEGER NOT NULL DEFAULT 0, seen "
+                                      "TEXT NOT NULL DEFAULT '', machine "
+                                      "TEXT) WITHOUT ROWID;"
+                                      "CREATE TABLE IF NOT EXISTS ObjectStoreOutgoing (number INTEGER "
+                                      "PRIMARY KEY, bytes BLOB NOT NULL, "
+                                      "isSent INTEGER NOT NULL DEFAULT 0);"
+                                      // It cost each save a page; there are few saves at a time.
+                                      "DROP INDEX IF EXISTS ObjectStoreOutgoing_waiting;"))
         return error;
     for (const char *column : {"wall", "heard", "untold", "untoldSince", "cleared", "removed"}) {
         const QByteArray count =
@@ -283,48 +284,9 @@ std::vector<Replica::Orphan> Replica::orphansOf(const QByteArray &table, const Q
     return orphans;
 }
 
-bool Replica::isMadeElsewhere(const RowKey &key) const
-{
-    sqlite::Statement state =
-        database.prepare("SELECT device FROM ObjectStoreRowStates WHERE tbl = ? AND id = ?");
-    state.bind(QString::fromUtf8(key.table)).bind(key.id);
-    return state.step() && state.text(0).toUtf8() != own.device;
-}
-
 void Replica::hold(const QStringList &holdings)
 {
     held = holdings;
-}
-
-const QSet<QString> &Replica::witnessed()
-{
-    if (!seenItems) {
-        seenItems.emplace();
-        sqlite::Statement all = database.prepare("SELECT item FROM ObjectStoreWitnessed");
-        while (all.step())
-            seenItems->insert(all.text(0));
-    }
-    return *seenItems;
-}
-
-void Replica::witness(const QSet<QString> &items)
-{
-    const QSet<QString> fresh = QSet<QString>(items).subtract(witnessed());
-    if (fresh.isEmpty())
-        return;
-    // A part of what is under way, if something is.
-    const bool isOwn = database.isAutocommit();
-    if (isOwn && database.execute("BEGIN IMMEDIATE"))
-        return;
-    sqlite::Statement added = database.prepare("INSERT OR IGNORE INTO ObjectStoreWitnessed VALUES (?)");
-    for (const QString &item : fresh) {
-        added.reset();
-        added.bind(item).run();
-    }
-    added.reset();
-    if (isOwn && database.execute("COMMIT"))
-        database.rollBack();
-    seenItems->unite(fresh);
 }
 
 } // namespace replication

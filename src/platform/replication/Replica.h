@@ -3,6 +3,7 @@
 #include "objectstore/CommitLog.h"
 #include "objectstore/ManagedObjectContext.h"
 #include "replication/ChangeFile.h"
+#include "replication/OutsideItems.h"
 
 #include <QSet>
 #include <QStringList>
@@ -43,6 +44,8 @@ struct Arrival
 {
     /// What its device has outside of the store; absent if it never told.
     std::optional<QStringList> holdings;
+    /// The outside items that it is about and that its device has never seen.
+    QSet<QString> unseen;
     const std::vector<RowDelta> &deltas;
     /// The rows that it makes anew, after they had been deleted.
     std::set<RowKey> returning;
@@ -164,11 +167,7 @@ public:
     };
     /// Those that name rows of a table.
     std::vector<Orphan> orphansOf(const QByteArray &table, const QByteArray &column) const;
-    /// Whether the row was made by another device.
-    bool isMadeElsewhere(const RowKey &key) const;
-    /// Texts that this device keeps for itself: things outside of the store that it has seen.
-    const QSet<QString> &witnessed();
-    void witness(const QSet<QString> &items);
+    OutsideItems &outsideItems() { return items; }
     /// What this device has outside of the store: the others hear of it with its next save. The former ones
     /// count no more.
     void hold(const QStringList &holdings);
@@ -236,7 +235,7 @@ private:
     Dots asideSaves;
     TableColumns columns;
     std::set<RowKey> unsettled;
-    std::optional<QSet<QString>> seenItems;
+    OutsideItems items;
     std::set<RowKey> kept;
     /// Saves that changed something, taken in since the last save of this device, and when the first came
     /// (milliseconds since 1970).

@@ -206,6 +206,7 @@ OptionalError Replica::willCommit(sqlite::Database &, const Result<QByteArray> &
         return Error{QStringLiteral("replication"), 0, QStringLiteral("Cannot read what was changed")};
     file.touched = touchedBy(deltas);
     file.addTouched(model, deltas);
+    file.unseen = items.unseenIn(deltas, own.device);
     RowLedger ledger(database);
     file.time = timeBeyond(ledger, deltas, file.time);
     for (RowDelta &delta : deltas) {

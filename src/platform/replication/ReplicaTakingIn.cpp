@@ -57,7 +57,7 @@ OptionalError Replica::noteDevice(const ChangeFile &file)
 
 Arrival Replica::arrivalOf(const ChangeFile &file, const std::vector<RowDelta> &deltas) const
 {
-    Arrival arrival{file.holdings, deltas, {}};
+    Arrival arrival{file.holdings, QSet<QString>(file.unseen.begin(), file.unseen.end()), deltas, {}};
     if (!arrival.holdings) {
         sqlite::Statement former =
             database.prepare("SELECT holdings FROM ObjectStoreReplicas WHERE device = ?");

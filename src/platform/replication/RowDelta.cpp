@@ -160,9 +160,9 @@ private:
                 entity.columnOf(std::string_view(name.constData(), static_cast<size_t>(name.size())));
             if (column < 0)
                 continue;
-            if (operation.kind == SQLITE_DELETE)
+            if (before)
                 delta.formerValues[name] = before;
-            else if (after)
+            if (operation.kind != SQLITE_DELETE && after)
                 delta.cells[name] = {stamp, after};
             if (operation.kind == SQLITE_UPDATE && after && isNull(after) && !isNull(before) &&
                 entity.relationshipOfColumn(column))

@@ -69,7 +69,7 @@ struct RowDelta
     Dots deletions = {};
     Stamp base = {};
     std::map<QByteArray, Cell> cells = {};
-    /// Values that a deleted row had, for those who delete it here. Nobody else needs them.
+    /// What a deleted row had in all columns, and a changed one in the changed ones.
     std::map<QByteArray, RawValue> formerValues = {};
     /// References that were emptied only because the row that they named was deleted in the same save, with
     /// the name. They are no change: the name counts again if that row comes back.

@@ -36,9 +36,12 @@ public:
     std::function<QStringList()> visibleCalendars = [] { return QStringList(); };
     /// Tells whether the calendars can be used now.
     std::function<bool()> hasAccessToCalendars = [] { return false; };
-    /// Tells whether a row that lies on a calendar came from another device, and its event, by the
-    /// identifier, has not come to the calendars of this one yet.
+    /// Tells whether another device has named the event of a row, by the identifier, and it has not come to
+    /// the calendars of this one yet.
     std::function<bool(const ManagedObject &, const QString &)> awaitsCalendarItem =
+        [](const ManagedObject &, const QString &) { return false; };
+    /// The same, where that device can write the event: it is for it to do so.
+    std::function<bool(const ManagedObject &, const QString &)> isCalendarItemElsewhere =
         [](const ManagedObject &, const QString &) { return false; };
     /// Hears which events are in the calendars of this device.
     std::function<void(const QSet<QString> &)> sawCalendarItems = [](const QSet<QString> &) {};
