@@ -111,7 +111,7 @@ DeviceHealth DeviceHealth::of(const Replication *replication)
         sharedfolder::path().isEmpty()
             ? localized(QStringLiteral("Your records are on this computer only."))
             : localized(QStringLiteral("The shared folder cannot be used: %1")).arg(sharedfolder::path());
-    health.isWrong = !sharedfolder::path().isEmpty() && !sharedfolder::isWaitingForStart();
+    health.isCutOff = !sharedfolder::path().isEmpty() && !sharedfolder::isWaitingForStart();
     return health;
 }
 
@@ -135,8 +135,7 @@ DeviceHealth DeviceHealth::of(const Health &health)
     words.canSeal = health.sealing == SealingState::Open;
     words.isSealed = health.sealing == SealingState::Sealed;
     words.needsPassphrase = health.sealing == SealingState::NeedsPassphrase;
-    words.isWrong =
-        !health.folderProblem.isEmpty() || !health.sealingProblem.isEmpty() || !health.problems.empty();
+    words.isCutOff = !health.folderProblem.isEmpty() || !health.sealingProblem.isEmpty();
     words.summary = summaryOf(health).join(u'\n');
     return words;
 }

@@ -25,8 +25,8 @@ struct DeviceHealth
 
     /// One sentence for all of it.
     QString summary;
-    /// What is wrong needs the user.
-    bool isWrong = false;
+    /// Nothing goes out or comes in until the user does something.
+    bool isCutOff = false;
     /// This device first, then the others, who was heard of last first.
     std::vector<Line> devices;
     /// Files that could not be taken in, with the reason.

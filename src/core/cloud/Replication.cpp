@@ -43,6 +43,7 @@ Replication::Replication(ManagedObjectContext &context, std::unique_ptr<replicat
 {
     replica->setOnlooker(onlooker.get());
     replica->outsideItems().nameBy(context.model().entity(EntityTask::entityName)->table(), "calendarID");
+    exchange->setListener([] { NotificationCenter::defaultCenter().post(notifications::sharingChanged); });
     exchange->setFilesBeside({IcloudManager::iCloudImagesUrl(), IcloudManager::waitingImagesUrl()});
 }
 

@@ -77,7 +77,6 @@ public:
     replication::Health health() const { return exchange->health(); }
     /// Whether nothing is under way between the store and the folder.
     bool isAtRest() const { return exchange->isAtRest(); }
-    void setListener(std::function<void()> listener) { exchange->setListener(std::move(listener)); }
     /// Where the devices meet.
     static QString contentFolder();
 

@@ -1,8 +1,10 @@
 #include "store/AppDelegate.h"
 #include "store/CommitRoad.h"
 
+#include "calendarsync/CalendarCatalogue.h"
 #include "calendarsync/CalendarEvent.h"
 #include "calendarsync/ChangesOfOthers.h"
+#include "calendarsync/EventStoreAccess.h"
 #include "calendarsync/Reminder.h"
 #include "cloud/DeviceHealth.h"
 #include "cloud/FileManager.h"
@@ -17,6 +19,7 @@
 #include "store/queries/DBWorker.h"
 #include "store/state/NotificationNames.h"
 #include "store/state/SettingsKeys.h"
+#include "ubiquity/UbiquityContainer.h"
 #include "usernotifications/UserNotificationCenter.h"
 
 #include <cstdio>
@@ -136,6 +139,37 @@ void AppDelegate::startReplication()
     exchange = Replication::start(
         *contexts[ownStack], [this](const StoreChanges &imported) { recordsCameIn(imported); },
         std::make_unique<ChangesOfOthers>(*contexts[ownStack]));
+    if (exchange)
+        exchange->setResting(core->isSample);
+    else if (!sharedfolder::path().isEmpty())
+        awaitSharedFolder();
+    NotificationCenter::defaultCenter().post(notifications::sharingChanged);
+}
+
+void AppDelegate::awaitSharedFolder()
+{
+    constexpr Seconds interval{10};
+    if (std::exchange(*isFolderAwaited, true))
+        return;
+    MainLoop::performDelayed(interval, [this, awaited = std::weak_ptr(isFolderAwaited)] {
+        const auto isAwaited = awaited.lock();
+        if (!isAwaited)
+            return;
+        *isAwaited = false;
+        if (exchange || !contexts[ownStack] || sharedfolder::isWaitingForStart())
+            return;
+        if (UbiquityContainer::path().isEmpty())
+            return awaitSharedFolder();
+        contexts[ownStack]->afterTransaction([this, awaited] {
+            if (!awaited.lock() || exchange || !contexts[ownStack])
+                return;
+            startReplication();
+            if (exchange && EventStoreAccess::hasAccesToAppleCalendar())
+                exchange->tellCalendars(CalendarCatalogue::namesForOtherDevices());
+            if (exchange)
+                exchange->look();
+        });
+    });
 }
 
 void AppDelegate::followVisibleCalendars(QStringList references)

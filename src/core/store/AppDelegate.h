@@ -156,6 +156,8 @@ private:
     /// Gives children whose row was joined with another one of its title to that.
     void adoptOrphans();
     void startReplication();
+    /// The shared folder can come while the program runs, such as one on a stick.
+    void awaitSharedFolder();
     void keepInPlaceOfDoubles(const ObjectPtr &survivor);
     /// What lies on calendars that this computer has never had is shown: here nobody can choose them.
     const QStringList &referencesElsewhere();
@@ -178,6 +180,7 @@ private:
     std::unique_ptr<RepeatingTimer> badgeTimer;
     /// Whether the badge is to be brought up to date when the main loop comes round.
     std::shared_ptr<bool> isBadgeDue = std::make_shared<bool>(false);
+    std::shared_ptr<bool> isFolderAwaited = std::make_shared<bool>(false);
     std::shared_ptr<bool> isIndexDue = std::make_shared<bool>(false);
     SearchIndexSweep sweep;
     std::shared_ptr<bool> isActivationDue = std::make_shared<bool>(false);

@@ -283,14 +283,19 @@ OptionalError prepare(sqlite::Database &database, const ManagedObjectModel &mode
     while (all.step())
         present[all.text(0).toUtf8()] = all.text(1).toUtf8();
     all.reset();
+    QByteArray own;
     QByteArray sql;
     for (const TableOfModel &table : tablesOfModel(model)) {
         for (const auto &[name, definition] : triggersOf(table)) {
+            own += "DROP TRIGGER IF EXISTS temp." + quoted(name) + ';';
             const auto found = present.find(name);
             if (found == present.end() || found->second != definition)
                 sql += "DROP TRIGGER IF EXISTS " + quoted(name) + ';' + definition + ';';
         }
     }
+    // What this connection writes is told as it is written from here on.
+    if (auto error = database.execute(own))
+        return error;
     return sql.isEmpty() ? OptionalError()
                          : database.execute("BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS " + formerTable +
                                             " (tbl TEXT NOT NULL, id TEXT NOT NULL, col TEXT NOT NULL, value,"

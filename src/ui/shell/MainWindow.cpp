@@ -82,7 +82,7 @@ QWidget *MainWindow::makeSidebar()
     return pane;
 }
 
-void MainWindow::setSidebarFoot(QWidget *foot)
+void MainWindow::addToSidebarFoot(QWidget *foot)
 {
     outline->parentWidget()->layout()->addWidget(foot);
 }

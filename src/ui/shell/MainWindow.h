@@ -16,7 +16,7 @@ public:
     MainWindow();
 
     /// Puts something quiet below the rows of the sidebar.
-    void setSidebarFoot(QWidget *foot);
+    void addToSidebarFoot(QWidget *foot);
     OutlineViewExtended *outlineViewListItem() const { return outline; }
     SplitPanes *splitViewMain() const { return split; }
     RightToolBar *rightToolBarMain() const { return toolBar; }

@@ -15,6 +15,7 @@
 #include "shell/RightToolBar.h"
 #include "shell/Screens.h"
 #include "shell/ShortcutTips.h"
+#include "shell/SidebarNotice.h"
 #include "shell/TaskDrops.h"
 #include "shell/UndoNote.h"
 #include "shell/WindowMemory.h"
@@ -83,7 +84,9 @@ void MainWindowController::windowDidLoad()
     connect(details.get(), &DetailStack::commandsChanged, actions, &Actions::update);
     mainWindow->setCloseQuestion([this] { return closeNewWindows(); });
     memory = std::make_unique<WindowMemory>(*mainWindow, *sidebar);
-    mainWindow->setSidebarFoot(new FirstHints(*actions, mainWindow.get()));
+    mainWindow->addToSidebarFoot(new FirstHints(*actions, mainWindow.get()));
+    mainWindow->addToSidebarFoot(new SharingNotice(mainWindow.get()));
+    mainWindow->addToSidebarFoot(new SampleNotice(mainWindow.get()));
     connect(mainWindow->rightToolBarMain()->searchField(), &SearchField::textChanged, this,
             [this] { actions->noteUse(ActionId::Search); });
     auto *note = new UndoNote(*mainWindow->rightContentView());
@@ -287,8 +290,9 @@ void MainWindowController::changeDataBase()
     SelectedTaskController::sharedCenter().removeAllTasks();
     const SidebarItem former = selectItem.value_or(SidebarItem::Home);
     const QString group = selectedGroup;
-    if (auto *hints = mainWindow->findChild<FirstHints *>())
-        hints->refresh();
+    mainWindow->findChild<FirstHints *>()->refresh();
+    mainWindow->findChild<SharingNotice *>()->refresh();
+    mainWindow->findChild<SampleNotice *>()->refresh();
     // Its screen shows the other store, too.
     selectItem.reset();
     loadContactsGroup();

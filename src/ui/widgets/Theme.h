@@ -160,6 +160,7 @@ inline constexpr Role sidebarSelection{
 inline constexpr Role sidebarHover{
     {255, 255, 255, 13}, {255, 255, 255, 13}, {255, 255, 255, 32}, {255, 255, 255, 32}};
 inline constexpr Role sidebarAccent{{126, 172, 255}, {126, 172, 255}, {160, 200, 255}, {160, 200, 255}};
+inline constexpr Role sidebarWarning{{240, 178, 92}, {240, 178, 92}, {255, 206, 130}, {255, 206, 130}};
 inline constexpr Role sidebarFocus{{126, 172, 255}, {126, 172, 255}, {255, 255, 255}, {255, 255, 255}};
 inline constexpr Role badge{
     {255, 255, 255, 31}, {255, 255, 255, 26}, {255, 255, 255, 40}, {255, 255, 255, 40}};

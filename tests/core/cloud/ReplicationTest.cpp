@@ -1,5 +1,7 @@
 #include "ReplicatedCalendars.h"
 
+#include "cloud/DeviceHealth.h"
+
 #include <algorithm>
 #include <set>
 
@@ -248,4 +250,42 @@ TEST_F(ReplicationTest, ACopiedOrRestoredStoreIsAnotherDevice)
     devices.turnTo(1);
     for (const QString &title : {u"Before the copy"_qs, u"After the copy"_qs, u"After the return"_qs})
         EXPECT_NE(find(title), nullptr) << qPrintable(title);
+}
+
+TEST_F(ReplicationTest, AFolderThatComesBackIsUsedAtOnce)
+{
+    devices.turnTo(0);
+    add(u"before"_qs);
+    devices.turnTo(1);
+    devices.turnTo(0);
+    devices.end();
+    const QString away = devices.sharedFolder() + u".away"_qs;
+    ASSERT_TRUE(QDir().rename(devices.sharedFolder(), away));
+    devices.turnToAlone(0);
+    EXPECT_TRUE(DeviceHealth::of(nullptr).isCutOff);
+    add(u"meanwhile"_qs);
+    find(u"before"_qs)->setTitle(u"after"_qs);
+    save();
+    int told = 0;
+    const Observation telling =
+        NotificationCenter::defaultCenter().addObserver(notifications::sharingChanged, [&told] { ++told; });
+    ASSERT_TRUE(QDir().rename(away, devices.sharedFolder()));
+    const QDeadlineTimer deadline(10'000);
+    while (!devices.program().replication() && !deadline.hasExpired()) {
+        QThread::msleep(1);
+        QCoreApplication::processEvents();
+    }
+    ASSERT_TRUE(devices.program().replication());
+    EXPECT_GT(told, 0);
+    devices.settle();
+    // What is saved from here on is told once.
+    add(u"then"_qs);
+    devices.settle();
+    for (const int home : {1, 0}) {
+        devices.turnTo(home);
+        QStringList titles = inbox();
+        titles.sort();
+        EXPECT_EQ(titles, (QStringList{u"after"_qs, u"meanwhile"_qs, u"then"_qs})) << home;
+    }
+    EXPECT_FALSE(DeviceHealth::of(devices.program().replication()).isCutOff);
 }

@@ -47,6 +47,16 @@ public:
         running->applicationDidFinishLaunching();
         settle();
     }
+    /// Starts the program of a home while the folder is away.
+    void turnToAlone(int home)
+    {
+        end();
+        qputenv("XDG_DATA_HOME", homes[home].path().toUtf8());
+        running = std::make_unique<AppDelegate>();
+        running->applicationWillFinishLaunching();
+        running->applicationDidFinishLaunching();
+        EXPECT_EQ(running->replication(), nullptr);
+    }
     /// Waits until nothing is under way between the home and the folder.
     void settle()
     {

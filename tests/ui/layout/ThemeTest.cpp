@@ -70,6 +70,7 @@ std::vector<Pair> pairs()
         {"icon of an empty list on its disc", Theme::emptyIcon, Theme::emptyDisc, mark},
         {"label of a dragged edge", Theme::minuteLabelText, Theme::minuteLabel, text},
         {"words on the veil", Theme::textOnVeil, Theme::veil, text},
+        {"mark in the sidebar", Theme::sidebarWarning, Theme::sidebar, mark},
         {"keys on the veil", Theme::sidebarAccent, Theme::veil, text},
         {"present moment", Theme::currentTime, Theme::card, mark},
         {"ring", Theme::focusRing, Theme::card, mark},

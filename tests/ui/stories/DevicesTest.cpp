@@ -148,6 +148,9 @@ TEST_F(DevicesTest, ANewPassphraseIsTypedTwiceAndAWrongOneIsToldOfAtOnce)
     AppDelegate::shared()->replication()->look();
     EXPECT_TRUE(QTest::qWaitFor([this] { return offers("buttonEnterPassphrase"); }));
     EXPECT_TRUE(find<QLabel>(devices, "labelSummary").text().startsWith(u"Nothing goes out or comes in."_s));
+    auto &notice = find<QAbstractButton>(window(), "sharingNotice");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notice.isVisible(); })) << "The window says so, too";
+    EXPECT_TRUE(notice.accessibleDescription().startsWith(u"Nothing goes out or comes in."_s));
     {
         PassphraseDialog &dialog = openDialog("buttonEnterPassphrase");
         EXPECT_EQ(dialog.findChild<QLineEdit *>(u"fieldPassphraseAgain"_s), nullptr);
@@ -158,6 +161,7 @@ TEST_F(DevicesTest, ANewPassphraseIsTypedTwiceAndAWrongOneIsToldOfAtOnce)
         press(dialog);
     }
     closeDialogs();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notice.isHidden(); }));
     EXPECT_FALSE(offers("buttonEnterPassphrase"));
     EXPECT_TRUE(find<QLabel>(devices, "labelSealing").text().startsWith(u"The folder is sealed."_s));
 }

@@ -215,6 +215,20 @@ TEST_F(StartWindowTest, WhatIsBeingTypedIsAskedAboutOnce)
     EXPECT_EQ(newTaskWindow(), nullptr);
 }
 
+TEST_F(StartWindowTest, TheSampleSaysThatItIsOneAndLeadsBack)
+{
+    addInbox({u"mine"_s});
+    auto &notice = find<QAbstractButton>(window(), "sampleNotice");
+    EXPECT_TRUE(notice.isHidden());
+    goToSample();
+    EXPECT_TRUE(notice.isVisible());
+    notice.setFocus();
+    QTest::keyClick(&notice, Qt::Key_Return);
+    EXPECT_FALSE(DBWorker::isSample());
+    EXPECT_TRUE(notice.isHidden());
+    EXPECT_NE(stored(u"mine"_s), nullptr);
+}
+
 TEST_F(StartWindowTest, EachStoreHasFiltersOfItsOwn)
 {
     FilterEntry entry = SavedFilter::ofTasks(0).entry();

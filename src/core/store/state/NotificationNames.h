@@ -21,9 +21,11 @@ inline constexpr NotificationName<> coreDataAddNewTask{u"CoreDataAddNewTask"};
 inline constexpr NotificationName<TaskPtr> taskChange{u"TaskChange"};
 /// The values of a group that is to be saved.
 inline constexpr NotificationName<MVContactGroup> saveNewContactGroup{u"SaveNewContactGroup"};
-/// Settings that travel between devices were changed by another one.
 /// Birthdays were switched on or off in the calendars.
 inline constexpr NotificationName<> calendarBirthdays{u"com.halvern.morvane.calendarBirthdays"};
+/// How the exchange with the other devices stands is otherwise than before.
+inline constexpr NotificationName<> sharingChanged{u"com.halvern.morvane.sharingChanged"};
+/// Settings that travel between devices were changed by another one.
 inline constexpr NotificationName<> preferences{u"com.halvern.morvane.preferences"};
 
 // Selection and commands.

@@ -4,6 +4,7 @@
 #include "foundation/Localization.h"
 #include "shell/devices/DeviceRow.h"
 #include "store/AppDelegate.h"
+#include "store/state/NotificationNames.h"
 #include "widgets/Accessibility.h"
 #include "widgets/FormCard.h"
 #include "widgets/FormScroll.h"
@@ -142,8 +143,8 @@ DevicesWindow::DevicesWindow(QWidget *parent)
     connect(enter, &QPushButton::clicked, this, [this] { askForPassphrase(Purpose::Enter); });
     connect(change, &QPushButton::clicked, this, [this] { askForPassphrase(Purpose::Change); });
     connect(end, &QPushButton::clicked, this, &DevicesWindow::endSealing);
-    if (Replication *replication = AppDelegate::shared() ? AppDelegate::shared()->replication() : nullptr)
-        replication->setListener([this] { refresh(); });
+    observation =
+        NotificationCenter::defaultCenter().addObserver(notifications::sharingChanged, [this] { refresh(); });
     refresh();
     fitIntoScreen();
 }
@@ -162,12 +163,6 @@ void DevicesWindow::fitIntoScreen()
     const int width = std::min(std::max(body.minimumSizeHint().width(), textWidth() + aroundTexts),
                                int(room.width() * mostOfWidth));
     resize(width, std::min(body.heightForWidth(width), int(room.height() * mostOfHeight)));
-}
-
-DevicesWindow::~DevicesWindow()
-{
-    if (Replication *replication = AppDelegate::shared() ? AppDelegate::shared()->replication() : nullptr)
-        replication->setListener({});
 }
 
 void DevicesWindow::open(QWidget *parent)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cloud/DeviceHealth.h"
+#include "foundation/NotificationCenter.h"
 #include "shell/devices/PassphraseDialog.h"
 
 #include <QWidget>
@@ -17,7 +18,6 @@ class DevicesWindow : public QWidget
     Q_OBJECT
 public:
     explicit DevicesWindow(QWidget *parent = nullptr);
-    ~DevicesWindow() override;
 
     /// Shows the one window, making it if there is none.
     static void open(QWidget *parent);
@@ -50,4 +50,5 @@ private:
     QWidget *devices;
     QWidget *problems;
     QWidget *problemCard;
+    Observation observation;
 };
