@@ -62,8 +62,15 @@ bool beginsWithOneOf(const std::array<std::string_view, count> &names, std::stri
 
 bool isAsked(int argc, char *argv[], std::string_view shortName, std::string_view longName)
 {
-    return std::any_of(argv + std::min(argc, 1), argv + argc,
-                       [=](std::string_view one) { return one == shortName || one == longName; });
+    for (int place = 1; place < argc; ++place) {
+        const std::string_view argument = argv[place];
+        if (argument == shortName || argument == longName)
+            return true;
+        // What follows is its value, whatever it looks like.
+        if (isOneOf(optionsOfQtWithValue, argument))
+            ++place;
+    }
+    return false;
 }
 
 } // namespace
@@ -86,7 +93,11 @@ std::optional<int> CommandLine::refuse(int argc, char *argv[])
     for (int place = 1; place < argc; ++place) {
         const std::string_view argument = argv[place];
         if (isOneOf(optionsOfQtWithValue, argument)) {
-            ++place;
+            if (++place == argc) {
+                std::fprintf(stderr, "morvane: \"%s\" needs a value. See \"morvane --help\".\n",
+                             argv[argc - 1]);
+                return 2;
+            }
         } else if (!isOneOf(optionsOfQt, argument) && !beginsWithOneOf(optionsOfQtWithValue, argument)) {
             std::fprintf(stderr, "morvane: unknown argument \"%s\". See \"morvane --help\".\n", argv[place]);
             return 2;

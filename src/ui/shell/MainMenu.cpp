@@ -27,7 +27,7 @@ const std::vector<MainMenu::Description> &MainMenu::menus()
         {u"Plan",
          {PlanToday, PlanTomorrow, PlanWeekend, PlanNextWeek, PlanSomeday, separator, PlanOtherDay},
          Search},
-        {u"Calendar",
+        {u"Calendar View",
          {CalendarToday, CalendarGoToDate, CalendarDay, CalendarWeek, CalendarMonth, CalendarNext,
           CalendarPrevious, separator, CalendarBirthdays},
          FullScreen},

@@ -12,6 +12,8 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QTextLayout>
+#include <QtMath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -33,12 +35,32 @@ QFont sentenceFont()
     return Theme::font(Theme::FontRole::Small);
 }
 
-int heightIn(int width, const QFont &font, const QString &words)
+/// Words in lines of a width. A word breaks only where it is wider than that, such as the name of a folder.
+class WrappedText
 {
-    return QFontMetrics(font)
-        .boundingRect(QRect(0, 0, std::max(1, width), 1000), Qt::TextWordWrap | Qt::TextWrapAnywhere, words)
-        .height();
-}
+public:
+    WrappedText(const QString &words, const QFont &font, int width, Qt::LayoutDirection direction)
+        : layout(words, font)
+    {
+        QTextOption option;
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        option.setTextDirection(direction);
+        layout.setTextOption(option);
+        layout.beginLayout();
+        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(std::max(1, width));
+            line.setPosition({0, height});
+            height += line.height();
+        }
+        layout.endLayout();
+    }
+    int heightOfAll() const { return qCeil(height); }
+    void draw(QPainter &painter, const QPoint &place) const { layout.draw(&painter, place); }
+
+private:
+    QTextLayout layout;
+    qreal height = 0;
+};
 
 } // namespace
 
@@ -69,8 +91,8 @@ int SidebarNotice::heightForWidth(int width) const
 {
     const int room = width - 2 * margin;
     const int mark = kind == Kind::Warning ? dotSize + Theme::unit : 0;
-    return 2 * margin + heightIn(room - mark, titleFont(), text()) + gap +
-           heightIn(room, sentenceFont(), detail);
+    return 2 * margin + WrappedText(text(), titleFont(), room - mark, layoutDirection()).heightOfAll() + gap +
+           WrappedText(detail, sentenceFont(), room, layoutDirection()).heightOfAll();
 }
 
 QSize SidebarNotice::sizeHint() const
@@ -99,21 +121,19 @@ void SidebarNotice::paintEvent(QPaintEvent *)
     };
     const int mark = kind == Kind::Warning ? dotSize + Theme::unit : 0;
     const int room = width() - 2 * margin;
-    const int titleHeight = heightIn(room - mark, titleFont(), text());
+    const WrappedText title(text(), titleFont(), room - mark, layoutDirection());
+    const WrappedText lines(detail, sentenceFont(), room, layoutDirection());
     if (mark > 0) {
         const int line = QFontMetrics(titleFont()).height();
         painter.setPen(Qt::NoPen);
         painter.setBrush(QColor(Theme::sidebarWarning));
         painter.drawEllipse(placed({margin, margin + (line - dotSize) / 2, dotSize, dotSize}));
     }
-    constexpr int wrapped = Qt::AlignLeading | Qt::TextWordWrap | Qt::TextWrapAnywhere;
+    const int titleLeft = layoutDirection() == Qt::LeftToRight ? margin + mark : margin;
     painter.setPen(Theme::sidebarText);
-    painter.setFont(titleFont());
-    painter.drawText(placed({margin + mark, margin, room - mark, titleHeight}), wrapped, text());
+    title.draw(painter, {titleLeft, margin});
     painter.setPen(Theme::sidebarQuiet);
-    painter.setFont(sentenceFont());
-    const int top = margin + titleHeight + gap;
-    painter.drawText(placed({margin, top, room, height() - top}), wrapped, detail);
+    lines.draw(painter, {margin, margin + title.heightOfAll() + gap});
 }
 
 void SidebarNotice::keyPressEvent(QKeyEvent *event)
