@@ -45,7 +45,8 @@ public:
     /// it cannot be read.
     static std::function<QByteArray()> imageReader(const QString &path);
     /// Writes a picture, whole or not at all, over one of the same name. In a sealed folder it is sealed;
-    /// without the passphrase it waits on this device. Whether that worked; the log says why not.
+    /// without the passphrase, or where the folder does not take it, it waits on this device. Whether that
+    /// worked; the log says why not.
     static bool saveImageWithData(const QByteArray &data, const QString &name);
     /// Whether there was a picture of that name and it is gone.
     static bool removeImage(const QString &name);

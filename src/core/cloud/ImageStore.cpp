@@ -89,9 +89,16 @@ bool IcloudManager::saveImageWithData(const QByteArray &data, const QString &nam
     if (isShared)
         path = (status.canExchange() ? iCloudImagesUrl() : waitingImagesUrl()) + u'/' + name;
     PrivateFiles::makeFolder(QFileInfo(path).path());
-    const OptionalError error = status.sealer && !data.isNull()
-                                    ? replication::sealedfiles::write(path, data, status)
-                                    : document.writeToURL(path, document.type());
+    OptionalError error = status.sealer && !data.isNull()
+                              ? replication::sealedfiles::write(path, data, status)
+                              : document.writeToURL(path, document.type());
+    const QString waiting = waitingImagesUrl() + u'/' + name;
+    if (error && isShared && path != waiting && !data.isNull()) {
+        // The folder can be full, read-only, or of a kind that takes no such name.
+        Log::line(error->message);
+        PrivateFiles::makeFolder(waitingImagesUrl());
+        error = document.writeToURL(waiting, document.type());
+    }
     if (error)
         Log::line(error->message);
     return !error;

@@ -141,6 +141,16 @@ TEST_F(ImageStore, IsSharedInTheCloudAndLeavesOutWhatIsNotHereYet)
     EXPECT_EQ(IcloudManager::imageData(u"here.png"_qs), QByteArray()) << "Pictures do not follow";
 }
 
+TEST_F(ImageStore, KeepsWhatTheSharedFolderDoesNotTake)
+{
+    joinCloud();
+    const IcloudManager manager;
+    // Something stands in the way, as on a stick that takes no such name.
+    ASSERT_TRUE(QDir().mkpath(shared + u"/24-11-2026 10:00:00.png/x"_qs));
+    EXPECT_TRUE(IcloudManager::saveImageWithData("taken", u"24-11-2026 10:00:00.png"_qs));
+    EXPECT_EQ(IcloudManager::imageData(u"24-11-2026 10:00:00.png"_qs), "taken");
+}
+
 TEST_F(ImageStore, KnowsTheAccountByItsToken)
 {
     UserDefaults &defaults = UserDefaults::standard();

@@ -1,6 +1,7 @@
 #include "records/people/PeopleForm.h"
 
 #include "calendarsync/RecordsTransaction.h"
+#include "foundation/Alert.h"
 #include "foundation/Localization.h"
 #include "store/entities/MainContext.h"
 
@@ -205,6 +206,11 @@ MissingField PeopleForm::clickButtonSave()
 {
     if (!isNamed() && (wasNamed || !isStored()))
         return missingName();
+    if (const OptionalError error = photo.store()) {
+        const QString words = localized(QStringLiteral("Your changes could not be saved"));
+        Alert::run({words, words, error->message, {localized(QStringLiteral("OK"))}});
+        return MissingField::Store;
+    }
     const bool isNew = mustStoreAnew();
     RecordsTransaction transaction(stepName(isNew));
     if (isNew) {

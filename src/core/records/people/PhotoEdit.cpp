@@ -3,6 +3,7 @@
 #include "cloud/FileManager.h"
 #include "cloud/IcloudManager.h"
 #include "foundation/DateFormatter.h"
+#include "foundation/Localization.h"
 #include "records/dates/MVDate.h"
 #include "records/people/LoosePictures.h"
 
@@ -60,10 +61,20 @@ QByteArray PhotoEdit::pictureData() const
     return dropped.isEmpty() ? IcloudManager::imageData(name) : dropped;
 }
 
+OptionalError PhotoEdit::store() const
+{
+    if (!isNewPicture)
+        return std::nullopt;
+    LoosePictures::add({name});
+    if (IcloudManager::saveImageWithData(dropped, name))
+        return std::nullopt;
+    return Error{
+        QStringLiteral("files"), 0,
+        localized(QStringLiteral("Morvane cannot write to the folder %1")).arg(IcloudManager::imageUrl())};
+}
+
 void PhotoEdit::finish()
 {
-    if (isNewPicture)
-        IcloudManager::saveImageWithData(dropped, name);
     if (name != formerName)
         LoosePictures::add({formerName});
     *this = PhotoEdit(name);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Error.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -30,8 +32,10 @@ public:
     /// read.
     QByteArray pictureData() const;
 
-    /// The record was committed: writes a picture that is new and lets go of the earlier one. Failures are in
-    /// the log only.
+    /// Writes a picture that is new, before the record that names it is committed. Of one whose record is
+    /// not, the file goes after a while. The error says why it could not be written.
+    OptionalError store() const;
+    /// The record was committed: lets go of the earlier picture.
     void finish();
 
 private:
