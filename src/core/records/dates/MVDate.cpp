@@ -4,6 +4,8 @@
 #include "foundation/Clock.h"
 #include "foundation/DateFormatter.h"
 
+#include <QDate>
+
 #include <cmath>
 
 static constexpr double secondsPerDay = 86400.0;
@@ -265,5 +267,12 @@ Date MVDate::getStartOfDay(Date date)
 
 Date MVDate::getNearestDay(Date midnight)
 {
-    return getStartOfDay(midnight + Seconds(std::chrono::hours(12)));
+    if (getStartOfDay(midnight) == midnight)
+        return midnight;
+    // The midnights of all zones up to twelve hours away from UTC are nearest to that of their own day there.
+    constexpr qint64 secondsADay = 86400;
+    const auto days = static_cast<qint64>(std::floor(midnight.unixSeconds() / secondsADay + 0.5));
+    const QDate day = QDate(1970, 1, 1).addDays(days);
+    const DateComponents components{.year = day.year(), .month = day.month(), .day = day.day()};
+    return Calendar::current().dateFromComponents(components);
 }

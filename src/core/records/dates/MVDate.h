@@ -88,8 +88,9 @@ public:
     /// 23:59:59 of the date's day.
     static Date getEndOfDay(Date date);
     static Date getStartOfDay(Date date);
-    /// The start of the day that a stored midnight means, in whichever time zone it was midnight: that of
-    /// the nearest local one. For birthdays, which stay the same day wherever one travels.
+    /// The start of the day that a stored midnight means, in whichever time zone it was midnight: one of the
+    /// present zone, or else the nearest one of UTC. For birthdays, which stay the same day wherever one
+    /// travels.
     static Date getNearestDay(Date midnight);
 
     /// The label of a date in a task row, in the user's language: "Due Today", "Start Tomorrow at 2:00 PM".

@@ -66,7 +66,7 @@ TEST_F(Forms, KeepTheDayOfABirthdayInOtherTimeZones)
     Region::setZone("Europe/Berlin");
     ann->setBirthday(localDate(1990, 2, 3));
     EXPECT_FALSE(DBWorker::saveContext());
-    for (const char *zone : {"America/Los_Angeles", "Europe/Berlin", "Asia/Tokyo"}) {
+    for (const char *zone : {"America/Los_Angeles", "Europe/Berlin", "Asia/Tokyo", "Pacific/Auckland"}) {
         Region::setZone(zone);
         ContactForm form(ann);
         EXPECT_EQ(form.text(ContactForm::Row::Birthday), u"Feb 3, 1990"_qs) << zone;
@@ -80,6 +80,17 @@ TEST_F(Forms, KeepTheDayOfABirthdayInOtherTimeZones)
     }
     Region::setZone("Europe/Berlin");
     EXPECT_EQ(ann->birthday(), localDate(1990, 2, 3)) << "what is stored stays";
+    for (const char *writer : {"America/Los_Angeles", "UTC", "Asia/Tokyo", "Pacific/Auckland"}) {
+        Region::setZone(writer);
+        ann->setBirthday(localDate(1980, 2, 29));
+        for (const char *reader : {writer, "Europe/Berlin", "Asia/Tokyo"}) {
+            if (QByteArray(writer) == "Pacific/Auckland" && reader != writer)
+                continue;
+            Region::setZone(reader);
+            EXPECT_EQ(ContactExport().contactOf(*ann).birthday, (CNBirthday{1980, 2, 29}))
+                << writer << reader;
+        }
+    }
 }
 
 TEST_F(Forms, StoreAContactWithWhatWasTyped)
