@@ -317,8 +317,11 @@ void takeOrganization(CNContact &contact, const VCardAttribute &attribute)
         if (const QString words = oneLine(part); !words.isEmpty())
             parts.append(words);
     }
-    if (contact.organizationName.isEmpty() && !parts.isEmpty())
+    const bool isFirst = contact.organizationName.isEmpty();
+    if (isFirst && !parts.isEmpty())
         contact.organizationName = parts.takeFirst();
+    if (!isFirst && !parts.isEmpty())
+        contact.otherWords.push_back({QStringLiteral("Company"), parts.takeFirst()});
     if (!parts.isEmpty())
         contact.otherWords.push_back({QStringLiteral("Department"), parts.join(QStringLiteral(", "))});
 }
@@ -481,6 +484,26 @@ void takeAttribute(CNContact &contact, const VCardAttribute &attribute,
     }
 }
 
+/// What is preferred comes first in its list, which is how lists tell it (RFC 6350, 5.3; before it, a type).
+std::vector<const VCardAttribute *> inOrderOfPreference(const VCard &card)
+{
+    static constexpr int none = 101;
+    const auto preference = [](const VCardAttribute *attribute) {
+        static const std::array<QByteArray, 4> lists = {"TEL", "EMAIL", "ADR", "URL"};
+        if (std::ranges::find(lists, attribute->name()) == lists.end())
+            return none;
+        const int told = attribute->parameter("PREF").toInt();
+        if (told > 0)
+            return std::min(told, none);
+        return attribute->types().contains(QStringLiteral("PREF")) ? 1 : none;
+    };
+    std::vector<const VCardAttribute *> attributes;
+    for (const VCardAttribute &one : card.attributes)
+        attributes.push_back(&one);
+    std::ranges::stable_sort(attributes, {}, preference);
+    return attributes;
+}
+
 } // namespace
 
 CNContact contactFrom(const VCard &card, CardImage image)
@@ -490,7 +513,8 @@ CNContact contactFrom(const VCard &card, CardImage image)
     if (contact.isOfNobody)
         return contact;
     const QHash<QByteArray, QString> labels = groupLabels(card);
-    for (const VCardAttribute &attribute : card.attributes) {
+    for (const VCardAttribute *one : inOrderOfPreference(card)) {
+        const VCardAttribute &attribute = *one;
         takeAttribute(contact, attribute, labels);
         const bool isImage = attribute.name() == "PHOTO" && image == CardImage::Read;
         if (isImage && contact.imageData.isEmpty())

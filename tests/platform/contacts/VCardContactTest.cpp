@@ -114,14 +114,32 @@ TEST(VCardContactTest, CallsPhonesByWhatTheyAre)
              "$_\r\n"
              "TEL;VALUE=uri;TYPE=cell:tel:+1-555-555%205;ext=5555\r\n"
              "TEL;TYPE=car:15\r\nTEL;TYPE=X-Reception,VOICE:16\r\nTEL;TYPE=PREF,car:17");
-    const Values expected = {
-        {u"home"_qs, u"1"_qs},     {u"work"_qs, u"2"_qs},       {u"iPhone"_qs, u"3"_qs},
-        {u"mobile"_qs, u"4"_qs},   {u"main"_qs, u"5"_qs},       {u"main"_qs, u"6"_qs},
-        {u"home fax"_qs, u"7"_qs}, {u"work fax"_qs, u"8"_qs},   {u"pager"_qs, u"9"_qs},
-        {u"other"_qs, u"10"_qs},   {QString(), u"11"_qs},       {u"fax"_qs, u"12"_qs},
-        {u"Boat"_qs, u"13"_qs},    {u"work fax"_qs, u"14"_qs},  {u"mobile"_qs, u"+1-555-555 5 ext. 5555"_qs},
-        {u"car"_qs, u"15"_qs},     {u"reception"_qs, u"16"_qs}, {u"car"_qs, u"17"_qs}};
+    const Values expected = {{u"main"_qs, u"6"_qs},      {u"car"_qs, u"17"_qs},
+                             {u"home"_qs, u"1"_qs},      {u"work"_qs, u"2"_qs},
+                             {u"iPhone"_qs, u"3"_qs},    {u"mobile"_qs, u"4"_qs},
+                             {u"main"_qs, u"5"_qs},      {u"home fax"_qs, u"7"_qs},
+                             {u"work fax"_qs, u"8"_qs},  {u"pager"_qs, u"9"_qs},
+                             {u"other"_qs, u"10"_qs},    {{}, u"11"_qs},
+                             {u"fax"_qs, u"12"_qs},      {u"Boat"_qs, u"13"_qs},
+                             {u"work fax"_qs, u"14"_qs}, {u"mobile"_qs, u"+1-555-555 5 ext. 5555"_qs},
+                             {u"car"_qs, u"15"_qs},      {u"reception"_qs, u"16"_qs}};
     EXPECT_EQ(contact.phoneNumbers, expected);
+}
+
+TEST(VCardContactTest, PutsWhatIsPreferredFirst)
+{
+    const CNContact contact =
+        read("EMAIL;PREF=2:b@c.org\r\nEMAIL;TYPE=home:c@c.org\r\nEMAIL;PREF=1:a@c.org\r\n"
+             "ORG:Works;Tools\r\nORG:Usines;Outils",
+             "4.0");
+    QStringList mails;
+    for (const auto &one : contact.emailAddresses)
+        mails.append(one.value);
+    EXPECT_EQ(mails, (QStringList{u"a@c.org"_qs, u"b@c.org"_qs, u"c@c.org"_qs}));
+    EXPECT_EQ(contact.organizationName, u"Works"_qs);
+    EXPECT_EQ(contact.otherWords, (Values{{u"Department"_qs, u"Tools"_qs},
+                                          {u"Company"_qs, u"Usines"_qs},
+                                          {u"Department"_qs, u"Outils"_qs}}));
 }
 
 TEST(VCardContactTest, TakesAddressesOfAllKinds)
