@@ -1,7 +1,5 @@
 #include "shell/TextCommands.h"
 
-#include "shell/tasks/CaptureEdit.h"
-
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
@@ -31,11 +29,11 @@ struct FocusedText
         return rich ? !rich->isReadOnly() : plain && !plain->isReadOnly();
     }
     bool isThere() const { return line || rich || plain; }
-    /// What was typed last in an empty line for new tasks is a task already, which Undo takes back.
+    /// An empty line without steps of its own has nothing that the user could mean: what was typed last in
+    /// one for new tasks is a task already, and the field for searching takes the keys by itself.
     bool leavesSteps() const
     {
-        return qobject_cast<CaptureEdit *>(line) && line->text().isEmpty() && !line->isUndoAvailable() &&
-               !line->isRedoAvailable();
+        return line && line->text().isEmpty() && !line->isUndoAvailable() && !line->isRedoAvailable();
     }
     bool canUndo() const
     {
