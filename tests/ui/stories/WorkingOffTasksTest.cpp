@@ -213,6 +213,8 @@ TEST_F(WorkingOffTasksTest, TheEditMenuNamesTheStepThatItTakesBack)
     run(ActionId::Undo);
     EXPECT_EQ(texts(), (QStringList{u"Undo: Change Tasks"_s, u"Redo: Delete"_s}));
     run(ActionId::Search);
+    EXPECT_EQ(texts(), (QStringList{u"Undo: Change Tasks"_s, u"Redo: Delete"_s})) << "nothing is typed yet";
+    QTest::keyClicks(QApplication::focusWidget(), u"b"_s);
     EXPECT_EQ(texts(), (QStringList{u"Undo"_s, u"Redo"_s})) << "typing has no name";
 }
 
