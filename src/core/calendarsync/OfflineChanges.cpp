@@ -248,9 +248,7 @@ void keepForLater(EntityTask &row, Span span, OptionalDate formerDay)
     }
     if (row.repeat().isEmpty())
         return;
-    const auto offsets = series::AlertOffsets::of(row);
-    for (const TaskPtr &other : series::otherRows(row))
-        series::copyEdit(row, *other, offsets);
+    series::copyEditToOthers(row);
 }
 
 void keepDeletionForLater(const EntityTask &row, Span span)

@@ -88,6 +88,33 @@ void copyLengthOfToDo(const EntityTask &from, EntityTask &row)
     row.setDueDate(*row.startDate() + secondsPerDay * days);
 }
 
+/// What the rows of a series said before an edit of one of them.
+class CommonWords
+{
+public:
+    explicit CommonWords(const std::vector<TaskPtr> &rows)
+    {
+        for (const TaskPtr &row : rows) {
+            if (row->repeat().isEmpty())
+                continue;
+            ++titles[row->title()];
+            ++details[row->details()];
+        }
+    }
+    bool isOwnTitle(const QString &title) const { return isOfFew(title, titles); }
+    bool areOwnDetails(const QString &text) const { return isOfFew(text, details); }
+
+private:
+    /// Whether more rows agree on something else.
+    static bool isOfFew(const QString &words, const QHash<QString, int> &all)
+    {
+        return std::ranges::any_of(all, [&](int count) { return count > all.value(words); });
+    }
+
+    QHash<QString, int> titles;
+    QHash<QString, int> details;
+};
+
 OptionalDate moved(OptionalDate base, OptionalDate alert, double offset)
 {
     return base && alert ? OptionalDate(*base + Seconds(offset)) : std::nullopt;
@@ -182,6 +209,23 @@ void copyEdit(const EntityTask &from, EntityTask &row, const AlertOffsets &offse
     else
         copyLengthOfToDo(from, row);
     copyAlerts(from, row, offsets);
+}
+
+void copyEditToOthers(const EntityTask &from)
+{
+    const std::vector<TaskPtr> others = otherRows(from);
+    const auto offsets = AlertOffsets::of(from);
+    const CommonWords common(others);
+    for (const TaskPtr &row : others) {
+        const QString title = row->title();
+        const QString details = row->details();
+        copyEdit(from, *row, offsets);
+        const bool isAlone = row->repeat().isEmpty();
+        if (isAlone || common.isOwnTitle(title))
+            row->setTitle(title);
+        if (isAlone || common.areOwnDetails(details))
+            row->setDetails(details);
+    }
 }
 
 } // namespace series

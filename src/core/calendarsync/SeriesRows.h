@@ -46,5 +46,8 @@ void copyAlerts(const EntityTask &from, EntityTask &row, const AlertOffsets &off
 
 /// Copies an edit of one occurrence to a row of its series, which keeps its own day.
 void copyEdit(const EntityTask &from, EntityTask &row, const AlertOffsets &offsets);
+/// Copies an edit of one occurrence to the other rows of its series, each of which keeps its own day. One
+/// that was saved alone, or says something else than most, keeps its title and notes.
+void copyEditToOthers(const EntityTask &from);
 
 } // namespace series

@@ -20,7 +20,16 @@ protected:
     }
     void edit(const QString &title, const std::function<void(MVTask &)> &change)
     {
-        const TaskPtr row = find(title);
+        editRow(find(title), change);
+    }
+    /// The occurrence of so many days after the first.
+    TaskPtr ofDay(int day)
+    {
+        return devices.context().fetchFirst<EntityTask>(EntityTask::fetchRequest().where(
+            Predicate::format("startDate = %@", localDate(2026, 11, 23 + day, 9))));
+    }
+    void editRow(const TaskPtr &row, const std::function<void(MVTask &)> &change)
+    {
         ASSERT_TRUE(row);
         MVTask copy(row);
         change(copy);
@@ -104,33 +113,49 @@ TEST_F(AlikeCalendars, FollowWhatTheOtherComputerDoesToTheirTasks)
 
 TEST_F(AlikeCalendars, FollowWhatTheOtherComputerDoesToASeries)
 {
-    QFile file(folderOf(0) + u"/standup.ics"_qs);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:standup\r\n"
-               "DTSTAMP:20260101T000000Z\r\nSUMMARY:Standup\r\nDTSTART;TZID=Europe/Berlin:20261123T090000\r\n"
-               "DTEND;TZID=Europe/Berlin:20261123T091500\r\nRRULE:FREQ=DAILY;COUNT=4\r\nEND:VEVENT\r\n"
-               "END:VCALENDAR\r\n");
-    file.close();
-    goTo(0);
-    goTo(1);
     const QString day = u"Standup"_qs;
-    expectEverywhere({day, day, day, day}, "made");
-    {
-        const ScriptedAlerts only({Alert::firstButton});
-        edit(day, [](MVTask &task) { task.title = u"Talk"_qs; });
+    // What is said of one occurrence stays when the others are given another name, on either side of it.
+    for (const auto &[alone, edited] : {std::pair(0, 2), std::pair(2, 1)}) {
+        SCOPED_TRACE(alone);
+        QFile file(folderOf(0) + u"/standup%1.ics"_qs.arg(alone));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:standup" +
+                   QByteArray::number(alone) +
+                   "\r\nDTSTAMP:20260101T000000Z\r\nSUMMARY:Standup\r\n"
+                   "DTSTART;TZID=Europe/Berlin:20261123T090000\r\n"
+                   "DTEND;TZID=Europe/Berlin:20261123T091500\r\nRRULE:FREQ=DAILY;COUNT=4\r\n"
+                   "END:VEVENT\r\nEND:VCALENDAR\r\n");
+        file.close();
+        goTo(0);
+        goTo(1);
+        expectEverywhere({day, day, day, day}, "made");
+        {
+            const ScriptedAlerts only({Alert::firstButton});
+            editRow(ofDay(alone), [](MVTask &task) { task.title = u"Talk"_qs; });
+        }
+        expectEverywhere({day, day, day, u"Talk"_qs}, "one renamed");
+        {
+            const ScriptedAlerts all({Alert::secondButton});
+            editRow(ofDay(edited), [](MVTask &task) { task.title = u"Meeting"_qs; });
+        }
+        QStringList after(4, u"Meeting"_qs);
+        after[alone] = u"Talk"_qs;
+        after.sort();
+        expectEverywhere(after, "the rest renamed");
+        {
+            const ScriptedAlerts only({Alert::firstButton});
+            TaskManager::deleteTasks({ofDay(edited)}, [] {});
+            save();
+        }
+        after.removeOne(u"Meeting"_qs);
+        expectEverywhere(after, "one deleted", 2);
+        goTo(0);
+        for (const QString &name : QDir(folderOf(0)).entryList({u"*.ics"_qs}))
+            QFile::remove(folderOf(0) + u'/' + name);
+        goTo(1);
+        goTo(0);
+        expectEverywhere({}, "gone");
     }
-    expectEverywhere({day, day, day, u"Talk"_qs}, "one renamed");
-    {
-        const ScriptedAlerts all({Alert::secondButton});
-        edit(day, [](MVTask &task) { task.title = u"Meeting"_qs; });
-    }
-    expectEverywhere({u"Meeting"_qs, u"Meeting"_qs, u"Meeting"_qs, u"Talk"_qs}, "the rest renamed");
-    {
-        const ScriptedAlerts only({Alert::firstButton});
-        TaskManager::deleteTasks({find(u"Meeting"_qs)}, [] {});
-        save();
-    }
-    expectEverywhere({u"Meeting"_qs, u"Meeting"_qs, u"Talk"_qs}, "one deleted", 2);
 }
 
 TEST_F(AlikeCalendars, TakeOverTheTasksOfAComputerThatIsGone)

@@ -106,6 +106,31 @@ TEST_F(SeriesWithoutCalendar, OneOccurrenceLeavesItAlone)
     EXPECT_EQ(other->title(), u"day 23"_qs);
 }
 
+TEST_F(SeriesWithoutCalendar, WhatOneOccurrenceSaysByItselfStays)
+{
+    for (int day = 23; day <= 27; ++day)
+        member(TaskType::Appointment, day)->setTitle(u"Standup"_qs);
+    std::vector<TaskPtr> rows;
+    for (const TaskPtr &row : DBWorker::getAllTasks())
+        rows.push_back(row);
+    ASSERT_EQ(rows.size(), 5U);
+    std::ranges::sort(rows, {}, [](const TaskPtr &row) { return row->startDate(); });
+    MVTask alone(rows[0]);
+    alone.title = u"Alone"_qs;
+    EXPECT_TRUE(saveAnsweredWith(alone, thisOnly));
+    rows[1]->setDetails(u"what was said"_qs);
+    rows[3]->setTitle(u"Talk"_qs);
+    MVTask copy(rows[2]);
+    copy.title = u"Meeting"_qs;
+    copy.details = u"Room 2"_qs;
+    EXPECT_TRUE(saveAnsweredWith(copy, allFuture));
+    QStringList shown;
+    for (const TaskPtr &row : rows)
+        shown.append(row->title() + u": "_qs + row->details());
+    EXPECT_EQ(shown, (QStringList{u"Alone: "_qs, u"Meeting: what was said"_qs, u"Meeting: Room 2"_qs,
+                                  u"Talk: Room 2"_qs, u"Meeting: Room 2"_qs}));
+}
+
 TEST_F(SeriesWithoutCalendar, RowsThatNameNoCalendarItemAreNoSeries)
 {
     const TaskPtr plain = add(u"plain"_qs);

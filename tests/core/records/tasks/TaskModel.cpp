@@ -128,9 +128,23 @@ void TaskModel::spread(const QString &id, bool isThisOnly)
     }
     if (row.repeat.isEmpty() || row.calendarID.isEmpty())
         return;
+    const Organiser before = live;
+    // Words of its own has one that left the series, and one that says what fewer say than something else.
+    const auto isOwn = [&](const Row &one, QString Row::*field) {
+        QMap<QString, int> sayers;
+        for (const auto &[other, of] : before.tasks)
+            sayers[of.*field] += other != id && of.calendarID == row.calendarID && !of.repeat.isEmpty();
+        return one.repeat.isEmpty() || *std::ranges::max_element(sayers) > sayers[one.*field];
+    };
     for (auto &[other, to] : live.tasks) {
-        if (other != id && to.calendarID == row.calendarID)
-            copyEdit(row, to);
+        if (other == id || to.calendarID != row.calendarID)
+            continue;
+        copyEdit(row, to);
+        const Row &former = before.tasks.at(other);
+        for (QString Row::*field : {&Row::title, &Row::details}) {
+            if (isOwn(former, field))
+                to.*field = former.*field;
+        }
     }
 }
 
