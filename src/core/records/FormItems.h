@@ -14,6 +14,9 @@ public:
 
     /// What the empty fields of an entry say, in the order in which they are filled.
     virtual QStringList placeholders() const = 0;
+    /// What a further field says, the last by its number, which stands below the first one and only in
+    /// entries that have something in it. Empty: there is none.
+    virtual QString sparePlaceholder() const { return {}; }
     /// The types that an entry can have, in words.
     virtual QStringList types() const = 0;
 

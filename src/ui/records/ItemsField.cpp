@@ -26,12 +26,16 @@ struct ItemsField::EditedItem
 {
     QWidget *line = nullptr;
     std::vector<QLineEdit *> fields;
+    /// The last of them, or null.
+    QLineEdit *spare = nullptr;
     PopUpButton *type = nullptr;
     QToolButton *remove = nullptr;
     /// In the order in which the eye meets them.
     std::vector<QWidget *> inOrder() const
     {
         std::vector<QWidget *> all(fields.begin(), fields.end());
+        if (spare)
+            std::rotate(all.begin() + 1, all.end() - 1, all.end());
         all.push_back(type);
         all.push_back(remove);
         return all;
@@ -79,6 +83,19 @@ void ItemsField::showFields()
         fillEdited(item);
 }
 
+QLineEdit *ItemsField::makeField(int item, int field, const QString &placeholder)
+{
+    auto *edit = new QLineEdit;
+    edit->setObjectName(u"field"_s);
+    edit->setPlaceholderText(placeholder);
+    edit->setAccessibleName(items.placeholders().size() > 1 ? name + u", "_s + placeholder : name);
+    edit->setMinimumWidth(1);
+    connect(edit, &QLineEdit::textEdited, this,
+            [this, item, field](const QString &text) { items.setText(item, field, text); });
+    connect(edit, &QLineEdit::returnPressed, this, [this] { focusNextChild(); });
+    return edit;
+}
+
 /// Several fields stand two in a line below the first one, with the type and the button at the end.
 void ItemsField::addEdited()
 {
@@ -91,19 +108,17 @@ void ItemsField::addEdited()
     const QStringList placeholders = items.placeholders();
     const bool isLong = placeholders.size() > 1;
     for (int field = 0; field < placeholders.size(); ++field) {
-        auto *edit = new QLineEdit;
-        edit->setObjectName(u"field"_s);
-        edit->setPlaceholderText(placeholders.at(field));
-        edit->setAccessibleName(isLong ? name + u", "_s + placeholders.at(field) : name);
-        edit->setMinimumWidth(1);
-        connect(edit, &QLineEdit::textEdited, this,
-                [this, item, field](const QString &text) { items.setText(item, field, text); });
-        connect(edit, &QLineEdit::returnPressed, this, [this] { focusNextChild(); });
+        QLineEdit *edit = makeField(item, field, placeholders.at(field));
         if (field == 0)
             grid->addWidget(edit, 0, 0, 1, isLong ? 3 : 1);
         else
-            grid->addWidget(edit, (field + 1) / 2, field % 2 == 1 ? 0 : 1, 1, field % 2 == 1 ? 1 : 2);
+            grid->addWidget(edit, (field + 3) / 2, field % 2 == 1 ? 0 : 1, 1, field % 2 == 1 ? 1 : 2);
         added.fields.push_back(edit);
+    }
+    if (const QString spare = items.sparePlaceholder(); !spare.isEmpty()) {
+        added.spare = makeField(item, static_cast<int>(placeholders.size()), spare);
+        added.fields.push_back(added.spare);
+        grid->addWidget(added.spare, 1, 0, 1, 3);
     }
     added.type = new PopUpButton(u"popUpButtonType"_s);
     added.type->setAccessibleName(name + u", "_s + localized(u"Type"_s));
@@ -185,6 +200,9 @@ void ItemsField::fillEdited(int item)
         if (edit.text() != items.text(item, field))
             edit.setText(items.text(item, field));
     }
+    // Emptied, it stays for as long as somebody types in it.
+    if (shown.spare)
+        shown.spare->setVisible(!shown.spare->text().isEmpty() || shown.spare->hasFocus());
     shown.type->setCurrentIndex(items.type(item));
     const bool isFree = item == items.count() - 1;
     shown.remove->setVisible(!isFree);

@@ -33,6 +33,7 @@ private:
     };
     void showFields();
     void showLinks();
+    QLineEdit *makeField(int item, int field, const QString &placeholder);
     void addEdited();
     void placeType(const EditedItem &item) const;
     void dropEdited();

@@ -270,6 +270,37 @@ TEST_F(PeopleTest, AnEntryTakenOutIsGone)
     EXPECT_EQ(ann->phone().front()->number(), u"34"_s);
 }
 
+TEST_F(PeopleTest, TheSecondLineOfAStreetCanBeEditedWhereThereIsOne)
+{
+    const auto address = context().insert<EntityAddress>();
+    address->setStreet1(u"Main Street 1"_s);
+    address->setStreet2(u"Rear building"_s);
+    address->setCity(u"Ulm"_s);
+    address->setContact(ann);
+    save();
+    go(SidebarItem::People);
+    edit();
+    QList<QLineEdit *> shown;
+    for (QLineEdit *field : fields(pane(), u"Address"_s)) {
+        if (field->isVisible() && field->text() == u"Rear building"_s)
+            shown.append(field);
+    }
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown.front()->placeholderText(), u"Street"_s);
+    shown.front()->setFocus();
+    shown.front()->selectAll();
+    QTest::keyClick(shown.front(), Qt::Key_Delete);
+    EXPECT_TRUE(shown.front()->isVisible()) << "it is being typed in";
+    QTest::keyClicks(shown.front(), u"Floor 2"_s);
+    edit();
+    EXPECT_EQ(address->street2(), u"Floor 2"_s);
+    EXPECT_EQ(address->street1(), u"Main Street 1"_s);
+    address->setStreet2({});
+    save();
+    edit();
+    EXPECT_FALSE(shown.front()->isVisible());
+}
+
 TEST_F(PeopleTest, LinksLeadToTheProgramsOfTheDesktop)
 {
     ContactForm form(ann);

@@ -28,6 +28,11 @@ QStringList DetailRows::placeholders() const
             localized(u"Country"_s)};
 }
 
+QString DetailRows::sparePlaceholder() const
+{
+    return kind == DetailKind::Address ? localized(u"Street"_s) : QString();
+}
+
 // The list
 
 ItemListEmailPhoneUrl::Rows &DetailRows::lines() const
@@ -40,7 +45,8 @@ ItemListEmailPhoneUrl::Rows &DetailRows::lines() const
 QString &DetailRows::addressField(int item, int field) const
 {
     MVAddress &values = items.addresses.at(static_cast<std::size_t>(item)).values();
-    QString *const fields[] = {&values.street1, &values.city, &values.state, &values.zip, &values.country};
+    QString *const fields[] = {&values.street1, &values.city,    &values.state,
+                               &values.zip,     &values.country, &values.street2};
     return *fields[field];
 }
 

@@ -15,6 +15,8 @@ public:
     DetailRows(DetailItems &items, DetailKind kind, Edit edit);
 
     QStringList placeholders() const override;
+    /// The second line of a street, which cards have and few people type.
+    QString sparePlaceholder() const override;
     QStringList types() const override;
     int count() const override;
     QString text(int item, int field) const override;
