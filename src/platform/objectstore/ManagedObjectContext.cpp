@@ -238,6 +238,8 @@ std::vector<ObjectPtr> ManagedObjectContext::relatedObjects(const ManagedObject 
         sql += "\"id\" IN (SELECT " + join.farColumn + " FROM \"" + join.table + "\" WHERE " +
                join.nearColumn + " = ?)";
     }
+    if (const std::string_view order = destination.orderAttribute(); !order.empty())
+        sql += " ORDER BY " + quoted(order) + ", rowid";
     write().ignore();
     std::vector<RowId> rows;
     sqlite::Statement statement = database->prepare(sql);

@@ -70,6 +70,12 @@ EntityDescription &EntityDescription::followingLinks()
     return *this;
 }
 
+EntityDescription &EntityDescription::keptInOrderOf(std::string_view attribute)
+{
+    orderingNumber = attribute;
+    return *this;
+}
+
 EntityDescription &EntityDescription::substringIndexed(std::string_view attribute)
 {
     indexedText = attribute;

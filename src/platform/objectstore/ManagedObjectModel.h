@@ -66,6 +66,9 @@ public:
     EntityDescription &derived();
     /// Its objects count as updated also when something is linked to them, or unlinked, from the other end.
     EntityDescription &followingLinks();
+    /// Related objects of it come by that number, equal ones as they were made. Row numbers cannot tell an
+    /// order for long: an undone deletion makes rows in any.
+    EntityDescription &keptInOrderOf(std::string_view attribute);
     /// Keeps an index of one text attribute for "contains, case and diacritics ignored".
     EntityDescription &substringIndexed(std::string_view attribute);
 
@@ -76,6 +79,8 @@ public:
     const std::vector<IndexDescription> &indexes() const { return indexList; }
     bool isDerived() const { return isDerivedEntity; }
     bool followsLinks() const { return followsLinksOfEntity; }
+    /// Empty where the order tells nothing.
+    std::string_view orderAttribute() const { return orderingNumber; }
     /// Empty without such an index.
     std::string_view substringAttribute() const { return indexedText; }
     ObjectPtr makeObject() const { return factory(); }
@@ -103,6 +108,7 @@ private:
     Factory factory;
     bool isDerivedEntity = false;
     bool followsLinksOfEntity = false;
+    std::string_view orderingNumber;
     std::string_view indexedText;
 };
 

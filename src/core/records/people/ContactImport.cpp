@@ -118,31 +118,35 @@ CompanyPtr ContactImport::companyNamed(const QString &title)
     return company;
 }
 
-static void own(const auto &detail, const ContactPtr &owner)
+static void own(const auto &detail, const ContactPtr &owner, int place)
 {
     detail->setContact(owner);
+    detail->setPosition(place);
 }
 
-static void own(const auto &detail, const CompanyPtr &owner)
+static void own(const auto &detail, const CompanyPtr &owner, int place)
 {
     detail->setCompany(owner);
+    detail->setPosition(place);
 }
 
+/// The owner has none of them yet.
 template <typename Owner>
 void ContactImport::addDetails(const std::shared_ptr<Owner> &owner, const CNContact &contact)
 {
     ManagedObjectContext &context = mainContext();
+    int position = 0;
     for (const auto &[label, number] : contact.phoneNumbers) {
         const auto phone = context.insert<EntityPhone>();
         phone->setNumber(oneLine(number));
         phone->setType(phoneTypeWith(label));
-        own(phone, owner);
+        own(phone, owner, ++position);
     }
     for (const auto &[label, mail] : contact.emailAddresses) {
         const auto email = context.insert<EntityEmail>();
         email->setMail(oneLine(mail));
         email->setType(emailTypeWith(label));
-        own(email, owner);
+        own(email, owner, ++position);
     }
     for (const auto &[label, place] : contact.postalAddresses) {
         const auto address = context.insert<EntityAddress>();
@@ -153,13 +157,13 @@ void ContactImport::addDetails(const std::shared_ptr<Owner> &owner, const CNCont
         address->setZip(oneLine(place.postalCode));
         address->setCountry(oneLine(place.country));
         address->setAddressType(addressTypeWith(label));
-        own(address, owner);
+        own(address, owner, ++position);
     }
     for (const auto &[label, text] : contact.urlAddresses) {
         const auto url = context.insert<EntityURL>();
         url->setUrl(oneLine(text));
         url->setType(urlsTypeWith(label));
-        own(url, owner);
+        own(url, owner, ++position);
     }
 }
 

@@ -36,18 +36,24 @@ void setOwner(auto &detail, const CompanyPtr &owner)
     detail.setCompany(owner);
 }
 
-/// Writes the rows that hold something; `write` puts the values of a form row into a stored one.
+/// Writes the rows that hold something; `write` puts the values of a form row into a stored one. New ones
+/// come behind those that are there.
 template <typename Entity, typename Rows, typename Owner, typename Writer>
 void storeRows(const Rows &rows, const std::vector<std::shared_ptr<Entity>> &stored, const Owner &owner,
                Writer write)
 {
     std::unordered_set<ManagedObject *> kept;
+    int last = 0;
+    for (const std::shared_ptr<Entity> &detail : stored)
+        last = std::max(last, detail->position().value_or(0));
     for (const auto &row : rows) {
         if (row.isEmpty())
             continue;
         auto detail = std::static_pointer_cast<Entity>(row.entity());
-        if (!detail || !detail->context() || detail->isDeleted())
+        if (!detail || !detail->context() || detail->isDeleted()) {
             detail = mainContext().insert<Entity>();
+            detail->setPosition(++last);
+        }
         write(*detail, row);
         setOwner(*detail, owner);
         kept.insert(detail.get());

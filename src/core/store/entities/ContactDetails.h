@@ -18,6 +18,7 @@ public:
     static constexpr std::string_view entityName = "EntityPhone";
     static constexpr auto attributeTable = std::to_array<AttributeDescription>({
         {"number", AttributeType::String},
+        {"position", AttributeType::Integer},
     });
     static constexpr auto relationshipTable = std::to_array<RelationshipDescription>({
         {"type", Cardinality::ToOne, "EntityPhoneType", "phone"},
@@ -29,6 +30,7 @@ public:
     static FetchRequest fetchRequest() { return FetchRequest(entityName); }
 
     MANAGED_TEXT(number, setNumber)
+    MANAGED_INTEGER(position, setPosition)
     MANAGED_TO_ONE(EntityPhoneType, type, setType)
     MANAGED_TO_ONE(EntityContacts, contact, setContact)
     MANAGED_TO_ONE(EntityCompany, company, setCompany)
@@ -41,6 +43,7 @@ public:
     static constexpr std::string_view entityName = "EntityEmail";
     static constexpr auto attributeTable = std::to_array<AttributeDescription>({
         {"mail", AttributeType::String},
+        {"position", AttributeType::Integer},
     });
     static constexpr auto relationshipTable = std::to_array<RelationshipDescription>({
         {"type", Cardinality::ToOne, "EntityEmailType", "email"},
@@ -52,6 +55,7 @@ public:
     static FetchRequest fetchRequest() { return FetchRequest(entityName); }
 
     MANAGED_TEXT(mail, setMail)
+    MANAGED_INTEGER(position, setPosition)
     MANAGED_TO_ONE(EntityEmailType, type, setType)
     MANAGED_TO_ONE(EntityContacts, contact, setContact)
     MANAGED_TO_ONE(EntityCompany, company, setCompany)
@@ -64,6 +68,7 @@ public:
     static constexpr std::string_view entityName = "EntityURL";
     static constexpr auto attributeTable = std::to_array<AttributeDescription>({
         {"url", AttributeType::String},
+        {"position", AttributeType::Integer},
     });
     static constexpr auto relationshipTable = std::to_array<RelationshipDescription>({
         {"type", Cardinality::ToOne, "EntityURLType", "url"},
@@ -75,6 +80,7 @@ public:
     static FetchRequest fetchRequest() { return FetchRequest(entityName); }
 
     MANAGED_TEXT(url, setUrl)
+    MANAGED_INTEGER(position, setPosition)
     MANAGED_TO_ONE(EntityURLType, type, setType)
     MANAGED_TO_ONE(EntityContacts, contact, setContact)
     MANAGED_TO_ONE(EntityCompany, company, setCompany)
@@ -92,6 +98,7 @@ public:
         {"state", AttributeType::String},
         {"zip", AttributeType::String},
         {"country", AttributeType::String},
+        {"position", AttributeType::Integer},
     });
     static constexpr auto relationshipTable = std::to_array<RelationshipDescription>({
         {"addressType", Cardinality::ToOne, "EntityAddressType", "address"},
@@ -108,6 +115,7 @@ public:
     MANAGED_TEXT(state, setState)
     MANAGED_TEXT(zip, setZip)
     MANAGED_TEXT(country, setCountry)
+    MANAGED_INTEGER(position, setPosition)
     MANAGED_TO_ONE(EntityAddressType, addressType, setAddressType)
     MANAGED_TO_ONE(EntityContacts, contact, setContact)
     MANAGED_TO_ONE(EntityCompany, company, setCompany)

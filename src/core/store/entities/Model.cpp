@@ -5,7 +5,7 @@
 namespace {
 
 /// Grows with every column, entity or index that is added.
-constexpr int modelVersion = 8;
+constexpr int modelVersion = 9;
 
 template <typename Entity>
 EntityDescription describe()
@@ -75,7 +75,9 @@ EntityDescription describeTask()
 template <typename Entity>
 EntityDescription describeDetail(std::string_view contactIndex, std::string_view companyIndex)
 {
-    return describe<Entity>().indexedBy({{contactIndex, "\"contact\""}, {companyIndex, "\"company\""}});
+    return describe<Entity>()
+        .keptInOrderOf("position")
+        .indexedBy({{contactIndex, "\"contact\""}, {companyIndex, "\"company\""}});
 }
 
 std::vector<EntityDescription> describeEntities()

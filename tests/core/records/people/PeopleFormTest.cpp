@@ -113,6 +113,33 @@ TEST_F(PeopleForms, AlwaysHaveAFreeEntryOfAnotherType)
     EXPECT_EQ(numbersOf(*form.contact()), QStringList{u"34"_qs});
 }
 
+TEST_F(PeopleForms, TheOrderOfEntriesOutlivesAnUndo)
+{
+    QStringList numbers;
+    ContactForm form;
+    form.setText(Row::FirstName, u"Ann"_qs);
+    for (int number = 0; number < 8; ++number) {
+        numbers.append(QString::number(number));
+        form.items(Row::Phones)->setText(number, 0, numbers.last());
+    }
+    ASSERT_TRUE(form.save());
+    const ContactPtr ann = form.contact();
+    EXPECT_EQ(numbersOf(*ann), numbers);
+    context().deleteObject(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    EXPECT_FALSE(context().undo());
+    const auto back = context().fetchFirst<EntityContacts>(EntityContacts::fetchRequest());
+    ASSERT_TRUE(back);
+    EXPECT_EQ(numbersOf(*back), numbers);
+    ContactForm again(back);
+    again.items(Row::Phones)->remove(2);
+    again.items(Row::Phones)->setText(7, 0, u"8"_qs);
+    numbers.removeAt(2);
+    numbers.append(u"8"_qs);
+    ASSERT_TRUE(again.save());
+    EXPECT_EQ(numbersOf(*back), numbers);
+}
+
 TEST_F(PeopleForms, ChooseClearAndLink)
 {
     for (const QString &title : {u"Works"_qs, u"Atelier"_qs})
