@@ -95,6 +95,12 @@ void MarkedRows::markShown(bool isWanted)
     }
 }
 
+bool MarkedRows::canMarkShown() const
+{
+    return std::ranges::any_of(
+        shown, [this](const Row &row) { return !row.isHeading() && !fixed.contains(row.key); });
+}
+
 bool MarkedRows::areAllShownMarked() const
 {
     bool isAny = false;

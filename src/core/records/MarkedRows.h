@@ -59,6 +59,8 @@ public:
     void markShown(bool isWanted);
     /// Whether there are shown rows that can be marked, and all of them are.
     bool areAllShownMarked() const;
+    /// Whether there is one among them that can be.
+    bool canMarkShown() const;
 
 private:
     struct Ordered

@@ -148,6 +148,11 @@ TEST_F(ImportTest, AnAddressBookIsImportedAndTakenBack)
         << "ticked as already there";
     pressLine(1);
     EXPECT_TRUE(table().isMarked(1)) << "and no press changes that";
+    EXPECT_TRUE(find<QPushButton>(*importWindow(), "buttonMarkAll").isEnabled());
+    QTest::keyClicks(&find<QLineEdit>(*importWindow(), "fieldSearch"), u"ann"_s);
+    EXPECT_FALSE(find<QPushButton>(*importWindow(), "buttonMarkAll").isEnabled())
+        << "there is nothing to mark";
+    find<QLineEdit>(*importWindow(), "fieldSearch").clear();
     QTest::keyClicks(&find<QLineEdit>(*importWindow(), "fieldSearch"), u"kAY"_s);
     EXPECT_EQ(lines(), QStringList(u"Bob Kay"_s)) << "without letters";
     QTest::keyClick(&find<QLineEdit>(*importWindow(), "fieldSearch"), Qt::Key_Down);

@@ -361,10 +361,8 @@ void ImportContactWindowController::showCounts()
 {
     const std::size_t marked = contacts.list().marked().size();
     const bool areAllMarked = contacts.list().areAllShownMarked();
-    const bool canMark = std::ranges::any_of(contacts.list().rows(),
-                                             [](const MarkedRows::Row &row) { return !row.isHeading(); });
     buttonMarkAll->setText(localized(areAllMarked ? u"Unmark all"_s : u"Mark all"_s));
-    buttonMarkAll->setEnabled(canMark);
+    buttonMarkAll->setEnabled(contacts.list().canMarkShown());
     buttonSave->setEnabled(marked > 0 && !contacts.isReading() && !isSaving);
     QStringList sentences;
     if (contacts.list().entryCount() > 0)
