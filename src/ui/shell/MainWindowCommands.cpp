@@ -404,6 +404,7 @@ void MainWindowController::redo()
 void MainWindowController::stepBack(OptionalError (ManagedObjectContext::*step)())
 {
     const BusyCursor busy;
+    const bool hasKeys = screen && screen->isAncestorOf(mainWindow->focusWidget());
     std::vector<ObjectPtr> touched;
     {
         const Observation seen = NotificationCenter::defaultCenter().addObserver(
@@ -419,6 +420,9 @@ void MainWindowController::stepBack(OptionalError (ManagedObjectContext::*step)(
         return;
     screen->updateRows();
     screen->selectRecords(touched);
+    // The list may be another one than before.
+    if (hasKeys && !screen->isAncestorOf(mainWindow->focusWidget()))
+        screen->setFocus(Qt::OtherFocusReason);
 }
 
 void MainWindowController::toggleFullScreen()
