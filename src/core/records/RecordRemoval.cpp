@@ -81,19 +81,34 @@ QString RecordRemoval::inWords(const std::vector<ObjectPtr> &records)
     return some.isEmpty() ? countInWords(records) : countInWords(records) + u": "_s + some;
 }
 
-/// Tasks outlive their project, unless they go with it; nothing else that is deleted here has any.
+/// What was linked to the records that go, and does not go with them: tasks of projects and people, people of
+/// companies.
 static QString whatStays(const std::vector<ObjectPtr> &records)
 {
     const std::set<ObjectPtr> gone(records.begin(), records.end());
-    qint64 tasks = 0;
+    const auto countStaying = [&gone](const auto &linked) {
+        return std::ranges::count_if(linked, [&gone](const auto &one) { return !gone.contains(one); });
+    };
+    qint64 ofProjects = 0;
+    qint64 ofPeople = 0;
+    qint64 employees = 0;
     for (const ObjectPtr &record : records) {
-        if (const auto project = std::dynamic_pointer_cast<EntityProject>(record)) {
-            const auto &its = project->task();
-            tasks += std::count_if(its.begin(), its.end(),
-                                   [&gone](const TaskPtr &one) { return !gone.count(one); });
-        }
+        if (const auto project = std::dynamic_pointer_cast<EntityProject>(record))
+            ofProjects += countStaying(project->task());
+        else if (const auto person = std::dynamic_pointer_cast<EntityContacts>(record))
+            ofPeople += countStaying(person->task());
+        else if (const auto company = std::dynamic_pointer_cast<EntityCompany>(record))
+            employees += countStaying(company->contact());
     }
-    return tasks == 0 ? QString() : u'\n' + localizedCount(u"%1 tasks stay, without a project."_s, tasks);
+    QString lines;
+    const auto tell = [&lines](qint64 count, const QString &sentence) {
+        if (count > 0)
+            lines += u'\n' + localizedCount(sentence, count);
+    };
+    tell(ofProjects, u"%1 tasks stay, without a project."_s);
+    tell(ofPeople, u"%1 tasks stay, without a delegate."_s);
+    tell(employees, u"%1 people stay, without a company."_s);
+    return lines;
 }
 
 bool RecordRemoval::isWanted(const std::vector<ObjectPtr> &records)

@@ -503,6 +503,23 @@ TEST_F(PeopleTest, WhatIsTypedStaysWhileOthersChangeTheRest)
     EXPECT_EQ(ann->phone().size(), 2u);
 }
 
+TEST_F(PeopleTest, WhoDeletesReadsWhatStaysWithoutThem)
+{
+    ann->setCompany(works);
+    bob->setCompany(works);
+    const TaskPtr task = add(u"call"_s);
+    task->setDelegateToUser(ann);
+    save();
+    const ScriptedAlerts no({Alert::secondButton, Alert::secondButton});
+    go(SidebarItem::People);
+    run(ActionId::Delete);
+    go(SidebarItem::Companies);
+    run(ActionId::Delete);
+    ASSERT_EQ(no.asked().size(), 2u);
+    EXPECT_EQ(no.asked()[0].informativeText, u"“Ann Lee”\n1 task stays, without a delegate."_s);
+    EXPECT_EQ(no.asked()[1].informativeText, u"“Works”\n2 people stay, without a company."_s);
+}
+
 // Groups
 
 TEST_F(PeopleTest, AGroupShowsItsMembersAndFollowsThem)
