@@ -3,7 +3,10 @@
 #include "foundation/DateFormatter.h"
 #include "foundation/Localization.h"
 #include "store/entities/MainContext.h"
+#include "store/entities/Model.h"
 #include "store/queries/DBWorker.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 // What most rows of most records answer.
 
@@ -149,8 +152,52 @@ QByteArray FormModel::encodedDraft() const
     draft.entity = QString::fromUtf8(entity().data(), static_cast<qsizetype>(entity().size()));
     draft.record = DBWorker::getIdFromObject(record());
     draft.isOfSample = DBWorker::isSample();
+    draft.values.insert(noted);
     addToDraft(draft);
     return draft.encoded();
+}
+
+/// As a draft calls it, apart from the rows.
+static QString nameInDraft(std::string_view relationship)
+{
+    return u"Belonging "_s +
+           QString::fromUtf8(relationship.data(), static_cast<qsizetype>(relationship.size()));
+}
+
+void FormModel::noteBelongings()
+{
+    if (isGone())
+        return;
+    noted.clear();
+    for (const std::string_view relationship : belongings()) {
+        QStringList uris;
+        for (const ObjectPtr &one : record()->relatedObjects(relationship))
+            uris.append(DBWorker::getIdFromObject(one));
+        if (!uris.isEmpty())
+            noted.insert(nameInDraft(relationship), uris.join(u' '));
+    }
+}
+
+std::vector<ObjectPtr> FormModel::belongingsLeft(std::string_view relationship) const
+{
+    const EntityDescription &own = organiserModel().requireEntity(entity());
+    const std::string inverse(own.relationship(relationship)->inverse);
+    std::vector<ObjectPtr> left;
+    for (const QString &uri : noted.value(nameInDraft(relationship)).split(u' ', Qt::SkipEmptyParts)) {
+        const ObjectPtr one = DBWorker::getObjectFromId(uri);
+        const int column = one ? one->entity().columnOf(inverse) : -1;
+        if (one && (column < 0 || !one->related(column)))
+            left.push_back(one);
+    }
+    return left;
+}
+
+void FormModel::giveBelongings(ManagedObject &record) const
+{
+    for (const std::string_view relationship : belongings()) {
+        for (const ObjectPtr &one : belongingsLeft(relationship))
+            record.addRelated(relationship, one);
+    }
 }
 
 void FormModel::resume(const RecordDraft &draft)
@@ -164,6 +211,11 @@ void FormModel::resume(const RecordDraft &draft)
             resumeRowSince(row.id, value, draft.formerValues.value(row.name));
         else
             resumeRow(row.id, value);
+    }
+    for (const std::string_view relationship : isThere ? std::vector<std::string_view>() : belongings()) {
+        const QString name = nameInDraft(relationship);
+        if (draft.values.contains(name))
+            noted.insert(name, draft.values.value(name));
     }
     takeFromDraft(draft);
 }

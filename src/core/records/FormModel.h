@@ -226,12 +226,27 @@ public:
     /// Adds what stands in no row to a draft that says something, and takes it from there.
     virtual void addToDraft(RecordDraft &) const {}
     virtual void takeFromDraft(const RecordDraft &) {}
+    /// Notes what belongs to the stored record and stands in no row, so that a draft has it. To be called
+    /// when an edit begins, and when the record has changed.
+    void noteBelongings();
     /// Puts in what an earlier form was left with. In a record that is still there, rows that were not edited
     /// stay as they are.
     void resume(const RecordDraft &draft);
 
 protected:
+    /// The relationships to many that stand in no row: tasks of a contact, for example. A record that is
+    /// deleted elsewhere while it is edited, and stored anew, has what they held.
+    virtual std::vector<std::string_view> belongings() const { return {}; }
+    /// What belonged to the record that a draft was left of, and belongs to no other since.
+    std::vector<ObjectPtr> belongingsLeft(std::string_view relationship) const;
+    /// Gives all of that to a record that was stored anew.
+    void giveBelongings(ManagedObject &record) const;
+
     /// What becomes of URIs between blanks that one side has changed from `former` to `mine` and another one
     /// to `present`: what each has added and taken out holds.
     static QString mergedUris(const QString &mine, const QString &former, const QString &present);
+
+private:
+    /// Their URIs by relationship, with blanks between them.
+    QMap<QString, QString> noted;
 };

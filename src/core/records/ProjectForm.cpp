@@ -396,6 +396,8 @@ bool ProjectForm::save()
     // Tasks come and go beside the form.
     if (values.project())
         values.task = values.project()->task();
+    for (const ObjectPtr &one : values.project() ? std::vector<ObjectPtr>() : belongingsLeft("task"))
+        values.task.push_back(std::static_pointer_cast<EntityTask>(one));
     const bool isSaved = ProjectManager::saveProjectTemp(values);
     isNewRow = !isSaved && values.project() && (isNewRow || !base.project());
     isUncommitted = !isSaved && values.project() && !differ(values, MVProject(values.project()));

@@ -48,6 +48,7 @@ public:
     void giveUp() override;
     void rollback() override;
     void followRow() override;
+    std::vector<std::string_view> belongings() const override { return {"task"}; }
     QString formerText(int row) const override { return textOf(base, row); }
     QString kept(int row) const override { return keptOf(values, row); }
     QString formerlyKept(int row) const override { return keptOf(base, row); }

@@ -205,6 +205,7 @@ void RecordPane::recordChanged()
         Q_EMIT recordRemoved();
     } else if (isEditing()) {
         model->followRow();
+        model->noteBelongings();
         if (model->allowsEditing())
             return statusChanged();
         handOver();
@@ -240,6 +241,7 @@ void RecordPane::setEditMode()
 
 void RecordPane::beginEdit()
 {
+    model->noteBelongings();
     view->setEditing(true);
     statusChanged();
     modeChanged();

@@ -6,11 +6,13 @@
 #include "widgets/Animations.h"
 #include "widgets/FormScroll.h"
 #include "widgets/KeyTip.h"
+#include "widgets/TextLabel.h"
 #include "widgets/Theme.h"
 #include "widgets/WindowPlace.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -34,6 +36,10 @@ RecordWindow::RecordWindow(const QString &name, const QString &title, std::uniqu
     auto *body = new QWidget;
     auto *inside = new QVBoxLayout(body);
     inside->setContentsMargins(formMargin, formMargin, formMargin, 0);
+    labelReason = makeTextLabel({}, Theme::FontRole::Body, Theme::secondaryText);
+    labelReason->setObjectName(u"labelReason"_s);
+    labelReason->hide();
+    inside->addWidget(labelReason);
     inside->addWidget(view);
     inside->addStretch(1);
     auto *column = new QVBoxLayout(this);
@@ -83,6 +89,14 @@ void RecordWindow::resume(const QString &file, const RecordDraft &draft)
 {
     keeper.adopt(file);
     model->resume(draft);
+}
+
+void RecordWindow::tell(const QString &sentence)
+{
+    labelReason->setText(sentence);
+    labelReason->show();
+    setAccessibleDescription(sentence);
+    growToForm();
 }
 
 void RecordWindow::showWindow()

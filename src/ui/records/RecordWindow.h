@@ -10,6 +10,7 @@
 #include <memory>
 
 class FormView;
+class QLabel;
 class QPushButton;
 
 /// The window for a new record: its form, "Save" and "Close". It grows with its rows, asks before typed words
@@ -32,6 +33,8 @@ public:
     FormModel &form() { return *model; }
     /// Begins with the words that an earlier form was left with.
     void resume(const QString &file, const RecordDraft &draft);
+    /// Says above the form why the window is there, which nobody has asked for.
+    void tell(const QString &sentence);
     /// Shows the window, or brings it to the front as it is.
     void showWindow();
 
@@ -61,6 +64,7 @@ private:
     std::unique_ptr<FormModel> model;
     DraftKeeper keeper;
     FormView *view;
+    QLabel *labelReason = nullptr;
     QPushButton *buttonSave = nullptr;
     QTimer growth;
     bool isClosingAgreed = false;

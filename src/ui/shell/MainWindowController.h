@@ -134,9 +134,9 @@ private:
     void tasksDropped(const QModelIndex &index, const std::vector<TaskPtr> &tasks);
     /// False if it has to wait, since the user stays with what is typed elsewhere.
     bool openDraft(const Drafts::Found &found);
-    void openAsNewTask(const Drafts::Found &found);
+    RecordWindow *openAsNewTask(const Drafts::Found &found);
     bool openDraft(const QString &file, const RecordDraft &draft);
-    void openAsNew(const RecordKind &kind, const QString &file, const RecordDraft &draft);
+    RecordWindow *openAsNew(const RecordKind &kind, const QString &file, const RecordDraft &draft);
     void openLeftText(const QString &file);
     void didRemoveRow(const QModelIndex &index);
     void show(TabsViewController *newScreen);

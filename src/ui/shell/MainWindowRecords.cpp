@@ -204,30 +204,40 @@ bool MainWindowController::openDraft(const QString &file, const RecordDraft &dra
     return true;
 }
 
-void MainWindowController::openAsNew(const RecordKind &kind, const QString &file, const RecordDraft &draft)
+RecordWindow *MainWindowController::openAsNew(const RecordKind &kind, const QString &file,
+                                              const RecordDraft &draft)
 {
     RecordWindow *const window = kind.makeWindow(mainWindow.get());
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resume(file, draft);
     window->showWindow();
+    return window;
 }
 
-/// What was typed for a record that is no more.
+/// What was typed for a record that is no more, or can only be read now.
 void MainWindowController::openLeftText(const QString &file)
 {
-    if (const auto found = Drafts::read(file))
-        return openAsNewTask(*found);
-    const auto draft = Drafts::readRecord(file);
+    const auto found = Drafts::read(file);
+    const auto draft = found ? std::nullopt : Drafts::readRecord(file);
     const auto kind = draft ? Screens::kindOf(draft->entity.toStdString()) : std::nullopt;
-    if (kind)
-        openAsNew(*kind, file, *draft);
+    RecordWindow *const window = found  ? openAsNewTask(*found)
+                                 : kind ? openAsNew(*kind, file, *draft)
+                                        : nullptr;
+    if (!window)
+        return;
+    const bool isThere =
+        found ? found->draft.task() != nullptr : DBWorker::getObjectFromId(draft->record) != nullptr;
+    window->tell(localized(
+        isThere ? u"This can only be read now. “Save” keeps what you typed, as a new one."_s
+                : u"This was deleted while you edited it. “Save” makes it anew, with what you typed."_s));
 }
 
-void MainWindowController::openAsNewTask(const Drafts::Found &found)
+RecordWindow *MainWindowController::openAsNewTask(const Drafts::Found &found)
 {
     auto *window = new WindowNewTask(found, mainWindow.get());
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->showWindow();
+    return window;
 }
 
 void MainWindowController::openDrafts()

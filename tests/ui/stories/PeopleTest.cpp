@@ -520,6 +520,31 @@ TEST_F(PeopleTest, WhoDeletesReadsWhatStaysWithoutThem)
     EXPECT_EQ(no.asked()[1].informativeText, u"“Works”\n2 people stay, without a company."_s);
 }
 
+TEST_F(PeopleTest, WhoIsDeletedElsewhereWhileEditedIsOfferedAnewWithAWordWhy)
+{
+    const TaskPtr task = add(u"call"_s);
+    task->setDelegateToUser(ann);
+    save();
+    go(SidebarItem::People);
+    edit();
+    QTest::keyClicks(&find<QLineEdit>(pane(), "textFieldName"), u"e"_s);
+    context().deleteObject(ann);
+    save();
+    settle();
+    auto *anew = window().findChild<RecordWindow *>(u"WindowNewContacts"_s);
+    ASSERT_TRUE(anew && anew->isVisible());
+    EXPECT_TRUE(find<QLabel>(*anew, "labelReason").isVisible());
+    EXPECT_TRUE(
+        find<QLabel>(*anew, "labelReason").text().startsWith(u"This was deleted while you edited it."_s));
+    press(*anew, "buttonSave");
+    ASSERT_TRUE(task->delegateToUser());
+    EXPECT_EQ(task->delegateToUser()->fullName(), u"Anne Lee"_s);
+    pressAdd();
+    auto *next = window().findChild<RecordWindow *>(u"WindowNewContacts"_s);
+    EXPECT_FALSE(find<QLabel>(*next, "labelReason").isVisible());
+    press(*next, "buttonClose");
+}
+
 // Groups
 
 TEST_F(PeopleTest, AGroupShowsItsMembersAndFollowsThem)

@@ -47,6 +47,7 @@ protected:
     void writeValues() override;
     void storeItems() override { detailItems.storeFor(row); }
     bool isLinks(int number) const override { return number == Contacts; }
+    std::vector<std::string_view> belongings() const override { return {"task", "note", "contactGroup"}; }
 
 private:
     CompanyPtr row;

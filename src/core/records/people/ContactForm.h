@@ -64,6 +64,7 @@ protected:
     void writeValues() override;
     void storeItems() override { detailItems.storeFor(row); }
     bool isLinks(int number) const override { return number == Projects; }
+    std::vector<std::string_view> belongings() const override { return {"task", "note"}; }
 
 private:
     void followName();

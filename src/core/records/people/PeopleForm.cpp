@@ -215,6 +215,7 @@ MissingField PeopleForm::clickButtonSave()
     RecordsTransaction transaction(stepName(isNew));
     if (isNew) {
         insertRow();
+        giveBelongings(*record());
         isNewRow = true;
     }
     writeValues();

@@ -3,6 +3,7 @@
 #include "CoreTest.h"
 
 #include "records/FormItems.h"
+#include "records/ProjectForm.h"
 #include "records/people/CompanyForm.h"
 #include "records/people/ContactForm.h"
 #include "support/FullDisk.h"
@@ -346,6 +347,71 @@ TEST_F(PeopleForms, KeepTheGroupsOfAContactWhoIsDeletedElsewhere)
         EXPECT_EQ(choir->contacts(), std::vector<ContactPtr>({saved.contact()}));
         EXPECT_TRUE(rowers->contacts().empty()) << "she had left it";
     }
+}
+
+TEST_F(PeopleForms, OneStoredAnewHasTheTasksAndNotesThatNobodyElseTook)
+{
+    const auto task = [this](const QString &title) {
+        const auto made = context().insert<EntityTask>();
+        made->setTitle(title);
+        return made;
+    };
+    const TaskPtr kept = task(u"kept"_qs);
+    const TaskPtr given = task(u"given to another"_qs);
+    const TaskPtr later = task(u"came during the edit"_qs);
+    const ContactPtr ann = contact(u"Ann"_qs, {});
+    const ContactPtr bob = contact(u"Bob"_qs, {});
+    const auto note = context().insert<EntityNote>();
+    note->setContact(ann);
+    kept->setDelegateToUser(ann);
+    given->setDelegateToUser(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    ContactForm edited(ann);
+    edited.noteBelongings();
+    edited.setText(ContactForm::FirstName, u"Anna"_qs);
+    later->setDelegateToUser(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    edited.followRow();
+    edited.noteBelongings();
+    context().deleteObject(ann);
+    ASSERT_FALSE(DBWorker::saveContext());
+    edited.noteBelongings();
+    given->setDelegateToUser(bob);
+    ASSERT_FALSE(DBWorker::saveContext());
+    const auto draft = RecordDraft::decoded(edited.encodedDraft());
+    ASSERT_TRUE(draft);
+    ContactForm resumed;
+    resumed.resume(*draft);
+    // A crash comes between.
+    const auto again = RecordDraft::decoded(resumed.encodedDraft());
+    ASSERT_TRUE(again);
+    ContactForm second;
+    second.resume(*again);
+    ASSERT_EQ(second.clickButtonSave(), MissingField::None);
+    const ContactPtr anna = second.contact();
+    EXPECT_EQ(kept->delegateToUser(), anna);
+    EXPECT_EQ(later->delegateToUser(), anna);
+    EXPECT_EQ(given->delegateToUser(), bob);
+    EXPECT_EQ(note->contact(), anna);
+    EXPECT_FALSE(context().undo());
+    EXPECT_EQ(kept->delegateToUser(), nullptr) << "one step";
+
+    const auto house = context().insert<EntityProject>();
+    house->setTitle(u"House"_qs);
+    kept->setProject(house);
+    ASSERT_FALSE(DBWorker::saveContext());
+    ProjectForm project(house);
+    project.noteBelongings();
+    project.setText(project.rows().front().id, u"Home"_qs);
+    context().deleteObject(house);
+    ASSERT_FALSE(DBWorker::saveContext());
+    const auto left = RecordDraft::decoded(project.encodedDraft());
+    ASSERT_TRUE(left);
+    ProjectForm anew;
+    anew.resume(*left);
+    ASSERT_TRUE(anew.save());
+    ASSERT_TRUE(kept->project());
+    EXPECT_EQ(kept->project()->title(), u"Home"_qs);
 }
 
 TEST_F(PeopleForms, ResumeADraftWithWhatCameMeanwhile)
