@@ -91,7 +91,9 @@ struct CNContact
     QStringList groups = {};
     /// The bytes of a picture as they came, of whatever format.
     QByteArray imageData = {};
-    /// It has a picture that lies where it could not be read from.
+    /// Where the picture is, if that is somewhere on the web, from where nothing is fetched.
+    QString imageAddress = {};
+    /// It has a picture that could not be read.
     bool isImageMissing = false;
     /// It stands for an organization rather than for a person.
     bool isOrganization = false;

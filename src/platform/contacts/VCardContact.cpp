@@ -173,7 +173,9 @@ void takeImage(CNContact &contact, const VCardAttribute &attribute)
         contact.imageData = contentOfFile(QUrl(attribute.text()).toLocalFile());
     else if (!raw.contains(':'))
         contact.imageData = attribute.isBase64() ? attribute.bytes() : QByteArray::fromBase64(raw);
-    contact.isImageMissing = contact.imageData.isEmpty();
+    else
+        contact.imageAddress = oneLine(attribute.text());
+    contact.isImageMissing = contact.imageData.isEmpty() && contact.imageAddress.isEmpty();
 }
 
 /// Whether a part of a name behind a comma is a title: "PhD", "Jr.", "M.A.". Two letters that can be a given

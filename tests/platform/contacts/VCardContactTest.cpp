@@ -195,12 +195,15 @@ TEST(VCardContactTest, FindsItsPictureWhereverItLies)
         EXPECT_EQ(contact.imageData, bytes) << line.constData();
         EXPECT_FALSE(contact.isImageMissing);
     }
-    for (const char *line : {"PHOTO;VALUE=uri:https://b.org/face.png", "PHOTO:file:///nowhere/face.png",
-                             "PHOTO:file:///dev/zero", "PHOTO:data:image/png", "PHOTO;ENCODING=b:!"}) {
+    for (const char *line : {"PHOTO:file:///nowhere/face.png", "PHOTO:file:///dev/zero",
+                             "PHOTO:data:image/png", "PHOTO;ENCODING=b:!"}) {
         const CNContact contact = read(QByteArray("FN:a\r\n") + line);
         EXPECT_TRUE(contact.imageData.isEmpty() && contact.isImageMissing) << line;
     }
     EXPECT_FALSE(read("FN:a\r\nPHOTO:").isImageMissing);
+    const CNContact linked = read("FN:a\r\nPHOTO;VALUE=uri:https://b.org/face.png");
+    EXPECT_EQ(linked.imageAddress, u"https://b.org/face.png"_qs);
+    EXPECT_FALSE(linked.isImageMissing);
 }
 
 } // namespace

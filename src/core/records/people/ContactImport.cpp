@@ -227,6 +227,8 @@ template <typename Owner>
 void ContactImport::addPicture(const std::shared_ptr<Owner> &owner, const QString &name,
                                const CNContact &contact)
 {
+    if (contact.imageData.isEmpty() && !contact.imageAddress.isEmpty())
+        account.withPictureOnWeb.append(name);
     if (contact.imageData.isEmpty() && !contact.isImageMissing)
         return;
     const QByteArray png = contact.imageData.isEmpty() ? QByteArray() : pngOf(contact.imageData);
@@ -284,6 +286,8 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
         keep(u"Birthday"_s, contact.unreadBirthday, account.unreadBirthdays);
     if (!hasCategory && !contact.jobTitle.isEmpty())
         keep(u"Job Title"_s, oneLine(contact.jobTitle), account.otherJobTitles);
+    if (contact.imageData.isEmpty() && !contact.imageAddress.isEmpty())
+        words.append(localized(u"Picture"_s) + u": "_s + contact.imageAddress);
     QStringList others;
     for (const auto &one : contact.otherWords)
         if (!isLink(contact, one))

@@ -42,6 +42,7 @@ QStringList ContactImportAccount::sentences() const
                 .arg(someOf(namesakes)));
     tell(refused, u"%1 could not be imported: %2"_s);
     tell(withoutPicture, u"%1 came without a picture, since that is none or cannot be read: %2."_s);
+    tell(withPictureOnWeb, u"%1 have a picture on the web, whose address stands in a note: %2."_s);
     tell(withoutYear, u"%1 birthdays without a year stand in notes: %2."_s);
     tell(unreadBirthdays, u"%1 birthdays cannot be read and stand in notes: %2."_s);
     tell(otherJobTitles, u"%1 job titles are none of those that there are and stand in notes: %2."_s);

@@ -27,6 +27,8 @@ struct ContactImportAccount
     QStringList refused;
     /// The names of those whose picture was none, or could not be had or kept.
     QStringList withoutPicture;
+    /// The names of those whose picture is on the web; its address stands in a note.
+    QStringList withPictureOnWeb;
     /// The names of those of whom something stands in a note, since no field holds it: a birthday without a
     /// year, words in place of a birthday, a job title that is no category.
     QStringList withoutYear;

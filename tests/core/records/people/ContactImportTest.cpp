@@ -408,10 +408,13 @@ TEST_F(ImportingContacts, NamesEachPictureAndSaysWhichAreNone)
     text += card("N:;Bob;;;\r\nPHOTO;ENCODING=b:" + QByteArray("<svg/>").toBase64());
     text += card("N:;Cid;;;\r\nPHOTO;VALUE=uri:https://b.org/c.png") + card("N:;Dan;;;\r\nBDAY:--0517");
     const ContactImportAccount account = importAll(text);
-    EXPECT_EQ(account.withoutPicture, (QStringList{u"Bob"_qs, u"Cid"_qs}));
+    EXPECT_EQ(account.withoutPicture, QStringList(u"Bob"_qs));
+    EXPECT_EQ(account.withPictureOnWeb, QStringList(u"Cid"_qs));
+    ASSERT_EQ(contact(u"Cid"_qs, u""_qs)->note().size(), 1u);
+    EXPECT_EQ(contact(u"Cid"_qs, u""_qs)->note().front()->detail(), u"Picture: https://b.org/c.png"_qs);
     EXPECT_EQ(account.withoutYear, QStringList(u"Dan"_qs));
     EXPECT_EQ(contact(u"Dan"_qs, u""_qs)->birthday(), std::nullopt);
-    EXPECT_EQ(account.sentences().size(), 3) << qPrintable(account.sentences().join(u'\n'));
+    EXPECT_EQ(account.sentences().size(), 4) << qPrintable(account.sentences().join(u'\n'));
     QSet<QString> names;
     for (int number = 0; number < 5; ++number) {
         const ContactPtr ann = contact(u"Ann%1"_qs.arg(number), u""_qs);
