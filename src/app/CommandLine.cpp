@@ -2,6 +2,9 @@
 
 #include "store/AppDelegate.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -10,8 +13,10 @@
 namespace {
 
 constexpr const char *usage =
-    "Usage: morvane [option]\n"
+    "Usage: morvane [option] [file...]\n"
     "Tasks, projects, contacts and calendars in one place.\n"
+    "\n"
+    "Of a file (.vcf, .ics, .csv), the window offers what can be imported.\n"
     "\n"
     "  -h, --help     say this and end\n"
     "  -v, --version  say the version and end\n"
@@ -88,20 +93,55 @@ std::optional<int> CommandLine::answer(int argc, char *argv[])
     return std::nullopt;
 }
 
+namespace {
+
+/// What an argument is, without a look at the others.
+enum class Kind { OfQt, OfQtWithValue, File, Unknown };
+
+Kind kindOf(std::string_view argument)
+{
+    if (isOneOf(optionsOfQtWithValue, argument))
+        return Kind::OfQtWithValue;
+    if (isOneOf(optionsOfQt, argument) || beginsWithOneOf(optionsOfQtWithValue, argument))
+        return Kind::OfQt;
+    return argument.starts_with('-') || argument.empty() ? Kind::Unknown : Kind::File;
+}
+
+} // namespace
+
 std::optional<int> CommandLine::refuse(int argc, char *argv[])
 {
     for (int place = 1; place < argc; ++place) {
-        const std::string_view argument = argv[place];
-        if (isOneOf(optionsOfQtWithValue, argument)) {
-            if (++place == argc) {
-                std::fprintf(stderr, "morvane: \"%s\" needs a value. See \"morvane --help\".\n",
-                             argv[argc - 1]);
-                return 2;
-            }
-        } else if (!isOneOf(optionsOfQt, argument) && !beginsWithOneOf(optionsOfQtWithValue, argument)) {
+        switch (kindOf(argv[place])) {
+        case Kind::OfQt:
+            break;
+        case Kind::OfQtWithValue:
+            if (++place < argc)
+                break;
+            std::fprintf(stderr, "morvane: \"%s\" needs a value. See \"morvane --help\".\n", argv[argc - 1]);
+            return 2;
+        case Kind::File:
+            if (QFileInfo(QFile::decodeName(argv[place])).isFile())
+                break;
+            std::fprintf(stderr, "morvane: there is no file \"%s\". See \"morvane --help\".\n", argv[place]);
+            return 2;
+        case Kind::Unknown:
             std::fprintf(stderr, "morvane: unknown argument \"%s\". See \"morvane --help\".\n", argv[place]);
             return 2;
         }
     }
     return std::nullopt;
+}
+
+QStringList CommandLine::files(int argc, char *argv[])
+{
+    QStringList paths;
+    for (int place = 1; place < argc; ++place) {
+        const Kind kind = kindOf(argv[place]);
+        if (kind == Kind::OfQtWithValue)
+            ++place;
+        else if (kind == Kind::File)
+            paths.append(QFileInfo(QFile::decodeName(argv[place])).absoluteFilePath());
+    }
+    return paths;
 }

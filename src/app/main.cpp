@@ -20,9 +20,11 @@ int main(int argc, char *argv[])
     // Qt looks only once, at the start, whether assistive technology is there; it may come later.
     if (!qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"))
         qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+    // Qt takes its own arguments out.
+    const QStringList files = CommandLine::files(argc, argv);
     QApplication application(argc, argv);
     SingleInstance instance;
-    if (!instance.isFirst() && instance.activateOther())
+    if (!instance.isFirst() && instance.activateOther(files))
         return 0;
     if (!instance.isFirst()) {
         std::fputs("morvane: it is running already, but does not answer.\n", stderr);
@@ -37,5 +39,7 @@ int main(int argc, char *argv[])
     ApplicationLife life(delegate, &instance);
     delegate.applicationWillFinishLaunching();
     delegate.applicationDidFinishLaunching();
+    if (!files.isEmpty())
+        life.openFiles(files);
     return QApplication::exec();
 }

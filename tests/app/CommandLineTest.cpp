@@ -53,6 +53,8 @@ TEST(CommandLineTest, AnswersWithoutOpeningTheProgram)
         EXPECT_EQ(unknown.error, u"morvane: unknown argument \"--helq\". See \"morvane --help\".\n"_qs);
         EXPECT_TRUE(unknown.left.isEmpty()) << qPrintable(unknown.left.join(u' '));
     }
+    EXPECT_EQ(run({u"nowhere.vcf"_qs}, u"none"_qs).error,
+              u"morvane: there is no file \"nowhere.vcf\". See \"morvane --help\".\n"_qs);
     const Answer unfinished = run({u"-reverse"_qs, u"-style"_qs}, u"none"_qs);
     EXPECT_EQ(unfinished.code, 2);
     EXPECT_EQ(unfinished.error, u"morvane: \"-style\" needs a value. See \"morvane --help\".\n"_qs);

@@ -43,6 +43,8 @@ public:
     virtual void closeStartWindow() {}
     /// Shows the user guide.
     virtual void openHelp() {}
+    /// Offers what is in files of records. False while there is no window to do so.
+    virtual bool openFiles(const QStringList &) { return false; }
 };
 
 /// The root of the running program: owner of the two store stacks and of what the screens share.
@@ -109,6 +111,8 @@ public:
     /// Another store is in use: screens and badge follow.
     void changeDataBase();
     void openHelp();
+    /// Offers what is in files of records. False while there is no window to do so.
+    bool openFiles(const QStringList &paths) { return shell && shell->openFiles(paths); }
     /// Does what an activation does, when the main loop comes round.
     void activateSoon();
 

@@ -24,6 +24,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void activated();
+    /// Files are to be opened, by their paths.
+    void filesWanted(const QStringList &paths);
     /// One of the actions of the desktop file was chosen, by its name.
     void actionActivated(const QString &name);
 };

@@ -32,6 +32,10 @@ ApplicationLife::ApplicationLife(AppDelegate &appDelegate, SingleInstance *singl
         connect(instance, &SingleInstance::activated, this, &ApplicationLife::reopen);
     if (instance)
         connect(instance, &SingleInstance::actionActivated, this, &ApplicationLife::act);
+    if (instance)
+        connect(instance, &SingleInstance::filesWanted, this, &ApplicationLife::openFiles);
+    openingTimer.setInterval(Waiting::lookInterval);
+    connect(&openingTimer, &QTimer::timeout, this, &ApplicationLife::openWaitingFiles);
 }
 
 ApplicationLife::~ApplicationLife()
@@ -102,6 +106,20 @@ void ApplicationLife::act(const QString &name)
                                                  NewTaskRequest::today(Clock::now()));
     else if (name == QStringLiteral("user-guide"))
         delegate.openHelp();
+}
+
+void ApplicationLife::openFiles(const QStringList &paths)
+{
+    filesToOpen += paths;
+    openingTimer.start();
+}
+
+void ApplicationLife::openWaitingFiles()
+{
+    if (!wasPainted || Waiting::isForUser() || !delegate.openFiles(filesToOpen))
+        return;
+    openingTimer.stop();
+    filesToOpen.clear();
 }
 
 void ApplicationLife::quit()

@@ -3,6 +3,8 @@
 #include "store/AppDelegate.h"
 
 #include <QObject>
+#include <QStringList>
+#include <QTimer>
 
 class SingleInstance;
 
@@ -25,6 +27,8 @@ public:
     bool isPainted() const { return wasPainted; }
     /// The user has let the program use the calendars: it begins to, as at an activation.
     void calendarsWereAllowed();
+    /// Offers what is in files of records, as soon as a window is there and no question stands.
+    void openFiles(const QStringList &paths);
     /// Saves and ends the program, unless something is to stay open.
     void quit();
     /// The same by the wish of the system, which does not wait for an answer of the user.
@@ -40,6 +44,7 @@ private:
     void startUserNotifications();
     void reopen();
     void act(const QString &name);
+    void openWaitingFiles();
 
     AppDelegate &delegate;
     SingleInstance *instance;
@@ -47,4 +52,6 @@ private:
     bool isActive = false;
     bool isQuitting = false;
     bool isForced = false;
+    QStringList filesToOpen;
+    QTimer openingTimer;
 };

@@ -207,6 +207,15 @@ void Shell::openHelp()
         HelpWindow::showPage(HelpPages::contents);
 }
 
+/// As if they had been dropped on the window.
+bool Shell::openFiles(const QStringList &paths)
+{
+    if (!controller || !controller->window()->isVisible())
+        return false;
+    Q_EMIT controller->window()->filesDropped(paths);
+    return true;
+}
+
 bool Shell::commitEditing()
 {
     if (QWidget *focused = QApplication::focusWidget())

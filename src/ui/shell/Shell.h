@@ -29,6 +29,7 @@ public:
     void changeDataBase() override;
     void closeStartWindow() override;
     void openHelp() override;
+    bool openFiles(const QStringList &paths) override;
     QString helpPage() const;
 
     MainWindowController *mainWindow() const { return controller.get(); }

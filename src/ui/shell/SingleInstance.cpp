@@ -68,15 +68,33 @@ void SingleInstance::listen()
     server->listen(socketPath);
     connect(server, &QLocalServer::newConnection, this, [this] {
         QLocalSocket *other = server->nextPendingConnection();
-        connect(other, &QLocalSocket::disconnected, other, &QObject::deleteLater);
-        other->write("1");
-        other->flush();
+        const auto received = std::make_shared<QByteArray>();
+        const auto take = [received, other] {
+            if (other->bytesAvailable() > 0)
+                received->append(other->readAll());
+        };
+        connect(other, &QLocalSocket::readyRead, this, take);
+        connect(other, &QLocalSocket::disconnected, this, [this, other, received, take] {
+            take();
+            other->deleteLater();
+            // Paths can hold everything but this byte.
+            const QStringList files = QString::fromUtf8(*received).split(u'\0', Qt::SkipEmptyParts);
+            if (!files.isEmpty())
+                Q_EMIT filesWanted(files);
+        });
+        // Who has waited in vain is gone, and an answer to them would drop what they have said.
+        other->waitForReadyRead(1);
+        take();
+        if (other->state() == QLocalSocket::ConnectedState) {
+            other->write("1");
+            other->flush();
+        }
         Q_EMIT activated();
     });
 }
 
 /// One that was killed, or is closing, still takes the connection, and shows no window any more.
-bool SingleInstance::activateOther()
+bool SingleInstance::activateOther(const QStringList &files)
 {
     constexpr unsigned pause = 50;
     QElapsedTimer timer;
@@ -85,6 +103,8 @@ bool SingleInstance::activateOther()
         QLocalSocket socket;
         socket.connectToServer(socketPath);
         if (socket.waitForConnected(patience)) {
+            socket.write(files.join(u'\0').toUtf8());
+            socket.flush();
             const bool isAnswered = socket.waitForReadyRead(patience);
             if (isAnswered || socket.state() == QLocalSocket::ConnectedState)
                 return true;
@@ -103,6 +123,7 @@ void SingleInstance::registerOnBus()
         return;
     auto *object = new ApplicationBusObject(this);
     connect(object, &ApplicationBusObject::activated, this, &SingleInstance::activated);
+    connect(object, &ApplicationBusObject::filesWanted, this, &SingleInstance::filesWanted);
     connect(object, &ApplicationBusObject::actionActivated, this, &SingleInstance::actionActivated);
     // The object first, so that nobody who sees the name finds nothing behind it.
     bus.registerObject(ApplicationBusObject::path(), object, QDBusConnection::ExportScriptableSlots);

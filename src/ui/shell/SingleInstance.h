@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QStringList>
 
 #include <memory>
 
@@ -20,15 +21,17 @@ public:
 
     /// Whether nobody else runs on this data.
     bool isFirst() const { return first; }
-    /// Asks the running one to show its window. False if it does not answer, or goes meanwhile: this one is
-    /// the first then.
-    bool activateOther();
+    /// Asks the running one to show its window, and to open files, by their full paths. False if it does not
+    /// answer, or goes meanwhile: this one is the first then.
+    bool activateOther(const QStringList &files = {});
     /// Takes the program's name on the message bus, if there is one.
     void registerOnBus();
 
 Q_SIGNALS:
     /// Somebody wants to see the window.
     void activated();
+    /// Somebody wants files opened, by their full paths.
+    void filesWanted(const QStringList &paths);
     /// Somebody wants an action of the desktop file, by its name.
     void actionActivated(const QString &name);
 

@@ -65,8 +65,14 @@ TEST(SingleInstanceTest, ASecondStartShowsTheWindowOfTheFirst)
     QSignalSpy activated(&first, &SingleInstance::activated);
     SingleInstance second;
     EXPECT_FALSE(second.isFirst());
+    QSignalSpy files(&first, &SingleInstance::filesWanted);
     EXPECT_TRUE(second.activateOther());
     EXPECT_TRUE(activated.wait());
+    const QStringList paths = {u"/home/ann/a b.vcf"_s, u"/home/ann/größe\n2.ics"_s};
+    EXPECT_TRUE(second.activateOther(paths));
+    ASSERT_TRUE(files.wait());
+    ASSERT_EQ(files.count(), 1) << "none come with a start that names none";
+    EXPECT_EQ(files.front().front().toStringList(), paths);
 }
 
 TEST(SingleInstanceTest, AStartWhileTheFirstIsEndingTakesItsPlace)
