@@ -40,21 +40,22 @@ public:
     /// Ends the program that runs, and starts that of a home: 0 or 1.
     void turnTo(int home)
     {
-        end();
-        qputenv("XDG_DATA_HOME", homes[home].path().toUtf8());
-        running = std::make_unique<AppDelegate>();
-        running->applicationWillFinishLaunching();
-        running->applicationDidFinishLaunching();
+        begin(home);
         settle();
     }
-    /// Starts the program of a home while the folder is away.
-    void turnToAlone(int home)
+    /// Starts the program of a home, and leaves at once.
+    void begin(int home)
     {
         end();
         qputenv("XDG_DATA_HOME", homes[home].path().toUtf8());
         running = std::make_unique<AppDelegate>();
         running->applicationWillFinishLaunching();
         running->applicationDidFinishLaunching();
+    }
+    /// Starts the program of a home while the folder is away.
+    void turnToAlone(int home)
+    {
+        begin(home);
         EXPECT_EQ(running->replication(), nullptr);
     }
     /// Waits until nothing is under way between the home and the folder.
