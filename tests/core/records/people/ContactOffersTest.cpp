@@ -148,7 +148,8 @@ TEST_F(OfferedContacts, FollowTheKeysAndAreFiveAtMost)
     ContactForm form;
     for (const QString &typed : {u"An"_qs, u"Ann"_qs})
         form.setText(Row::FirstName, typed);
-    EXPECT_TRUE(comesTrue([&] { return offered(form).size() == 5; }));
+    EXPECT_TRUE(comesTrue([&] { return offered(form).size() == 5 && shelf->questions >= 3; }));
+    wait();
     EXPECT_EQ(shelf->questions, 3) << "each book is asked once after the last key";
     form.setText(Row::FirstName, u"Ann3"_qs);
     EXPECT_EQ(offered(form), QStringList(u"Ann3 Lee"_qs)) << "who has no such name goes at once";
