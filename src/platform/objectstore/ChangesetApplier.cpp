@@ -3,8 +3,12 @@
 #include "objectstore/SqlText.h"
 #include "objectstore/SubstringIndex.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 #include <sqlite3.h>
 
+#include <map>
 #include <memory>
 
 namespace {
@@ -279,20 +283,26 @@ bool ChangesetApplier::deleteMarked()
     });
 }
 
-/// A row that came back may name one that has gone since.
+/// A row that came back may name one that has gone since. Thousands of rows are asked in one go.
 bool ChangesetApplier::clearDanglingReferences()
 {
+    std::map<const EntityDescription *, QJsonArray> rows;
     for (const AppliedChange &change : applied) {
-        for (const RelationshipDescription &relationship : change.entity->relationships()) {
-            if (relationship.cardinality != Cardinality::ToOne || change.kind == AppliedChange::Kind::Deleted)
+        if (change.kind != AppliedChange::Kind::Deleted)
+            rows[change.entity].append(change.identifier);
+    }
+    for (const auto &[entity, identifiers] : rows) {
+        const QString asked = QString::fromUtf8(QJsonDocument(identifiers).toJson(QJsonDocument::Compact));
+        for (const RelationshipDescription &relationship : entity->relationships()) {
+            if (relationship.cardinality != Cardinality::ToOne)
                 continue;
-            const QByteArray name(relationship.name.data(), static_cast<qsizetype>(relationship.name.size()));
-            const QByteArray destination = objectModel.destinationOf(relationship).table();
+            const QByteArray name = quoted(relationship.name);
             sqlite::Statement statement =
-                database.prepare("UPDATE " + quoted(change.entity->table()) + " SET " + quoted(name) +
-                                 " = NULL WHERE \"id\" = ? AND " + quoted(name) + " IS NOT NULL AND " +
-                                 quoted(name) + " NOT IN (SELECT \"id\" FROM " + quoted(destination) + ')');
-            if (!statement.bind(change.identifier).run())
+                database.prepare("UPDATE " + quoted(entity->table()) + " SET " + name +
+                                 " = NULL WHERE \"id\" IN (SELECT value FROM json_each(?)) AND " + name +
+                                 " IS NOT NULL AND " + name + " NOT IN (SELECT \"id\" FROM " +
+                                 quoted(objectModel.destinationOf(relationship).table()) + ')');
+            if (!statement.bind(asked).run())
                 return false;
         }
     }
