@@ -38,6 +38,7 @@ RecordWindow::RecordWindow(const QString &name, const QString &title, std::uniqu
     inside->setContentsMargins(formMargin, formMargin, formMargin, 0);
     labelReason = makeTextLabel({}, Theme::FontRole::Body, Theme::secondaryText);
     labelReason->setObjectName(u"labelReason"_s);
+    labelReason->setContentsMargins(Theme::unit, 0, Theme::unit, formMargin);
     labelReason->hide();
     inside->addWidget(labelReason);
     inside->addWidget(view);
