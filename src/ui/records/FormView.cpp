@@ -406,6 +406,13 @@ void FormView::focusTitle()
         firstField->setFocus();
 }
 
+void FormView::focusEmptyText()
+{
+    const auto empty = std::ranges::find_if(
+        texts, [](const GrowingTextField *field) { return field->toPlainText().isEmpty(); });
+    empty == texts.end() ? focusTitle() : (*empty)->setFocus();
+}
+
 void FormView::setEditing(bool isNowEditing)
 {
     editing = isNowEditing;

@@ -41,6 +41,8 @@ public:
     void refresh();
     /// Puts the keys into the first row.
     void focusTitle();
+    /// The keys go to the first text that is empty, or to the title.
+    void focusEmptyText();
 
 Q_SIGNALS:
     void changed();

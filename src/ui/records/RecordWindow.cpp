@@ -92,6 +92,11 @@ void RecordWindow::resume(const QString &file, const RecordDraft &draft)
     model->resume(draft);
 }
 
+void RecordWindow::beginInEmptyText()
+{
+    view->focusEmptyText();
+}
+
 void RecordWindow::tell(const QString &sentence)
 {
     labelReason->setText(sentence);

@@ -33,6 +33,8 @@ public:
     FormModel &form() { return *model; }
     /// Begins with the words that an earlier form was left with.
     void resume(const QString &file, const RecordDraft &draft);
+    /// Begins in the first text that is empty, where the title is given already.
+    void beginInEmptyText();
     /// Says above the form why the window is there, which nobody has asked for.
     void tell(const QString &sentence);
     /// Shows the window, or brings it to the front as it is.

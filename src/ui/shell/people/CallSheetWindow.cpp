@@ -7,8 +7,10 @@
 #include "records/FormView.h"
 #include "records/OpenLink.h"
 #include "records/RecordWindow.h"
+#include "records/ShellAlerts.h"
 #include "records/Waiting.h"
 #include "records/people/NoteForm.h"
+#include "store/entities/MainContext.h"
 #include "store/state/NotificationNames.h"
 #include "widgets/Appearance.h"
 #include "widgets/CheckButton.h"
@@ -239,6 +241,7 @@ void CallSheetWindow::offerNote(const TaskPtr &call)
     window->setAttribute(Qt::WA_DeleteOnClose);
     connect(window, &QObject::destroyed, &soon, [this] { soon.start(0); });
     window->showWindow();
+    window->beginInEmptyText();
 }
 
 /// The notes that are being written go with the sheet, so they ask as well.
@@ -253,7 +256,12 @@ void CallSheetWindow::closeEvent(QCloseEvent *event)
 
 void CallSheetWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape)
+    // A call that was ticked by mistake is not on the sheet any more.
+    if (event->matches(QKeySequence::Undo))
+        ShellAlerts::presentError(mainContext().undo());
+    else if (event->matches(QKeySequence::Redo))
+        ShellAlerts::presentError(mainContext().redo());
+    else if (event->key() == Qt::Key_Escape)
         close();
     else
         QWidget::keyPressEvent(event);
