@@ -27,6 +27,7 @@ protected:
     QByteArray exported(const QString &name, const QStringList &filters, const std::vector<int> &answers = {})
     {
         const ScriptedAlerts alerts({answers.begin(), answers.end()});
+        EXPECT_TRUE(QTest::qWaitFor([this] { return controller().currentScreen()->canExport(); }));
         run(ActionId::Export);
         auto *dialog = window().findChild<QFileDialog *>();
         if (!dialog)
