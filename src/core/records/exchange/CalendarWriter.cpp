@@ -106,9 +106,12 @@ QByteArray CalendarWriter::textOf(const EntityProject &project)
     component.setValue("X-MORVANE-KIND", "PROJECT");
     if (const CategoryPtr category = project.category())
         TaskComponents::putCategories(component, category->title(), {});
-    for (const ContactPtr &person : project.delegateToUser())
-        if (person)
-            TaskComponents::putText(component, "CONTACT", personname::written(*person));
+    for (const ContactPtr &person : project.delegateToUser()) {
+        if (!person)
+            continue;
+        TaskComponents::putText(component, "CONTACT", person->fullName());
+        TaskComponents::putText(component, "X-MORVANE-PERSON", personname::written(*person));
+    }
     QByteArray text = textOfComponent(component);
     for (const TaskPtr &task : project.task())
         if (task)

@@ -300,9 +300,12 @@ void RecordImporter::takeProject(const CalendarFile::Object &object)
     const auto task = ImportedTask::of(object);
     const ObjectPtr present = mainContext().object(EntityProject::entityName, identifier);
     QStringList people;
-    for (const IcalComponent *component : object.calendar.children())
-        for (const ContentLine *line : component->lines("CONTACT"))
+    for (const IcalComponent *component : object.calendar.children()) {
+        // Those of other programs, and of former versions, have names for people only.
+        const auto own = component->lines("X-MORVANE-PERSON");
+        for (const ContentLine *line : own.empty() ? component->lines("CONTACT") : own)
             people.append(IcalText::decoded(line->value()).simplified());
+    }
     if (!present) {
         if (task)
             addProject(identifier, *task, people);
