@@ -92,13 +92,16 @@ static QString whatStays(const std::vector<ObjectPtr> &records)
     qint64 ofProjects = 0;
     qint64 ofPeople = 0;
     qint64 employees = 0;
+    qint64 ofCompanies = 0;
     for (const ObjectPtr &record : records) {
         if (const auto project = std::dynamic_pointer_cast<EntityProject>(record))
             ofProjects += countStaying(project->task());
         else if (const auto person = std::dynamic_pointer_cast<EntityContacts>(record))
             ofPeople += countStaying(person->task());
-        else if (const auto company = std::dynamic_pointer_cast<EntityCompany>(record))
+        else if (const auto company = std::dynamic_pointer_cast<EntityCompany>(record)) {
             employees += countStaying(company->contact());
+            ofCompanies += countStaying(company->task());
+        }
     }
     QString lines;
     const auto tell = [&lines](qint64 count, const QString &sentence) {
@@ -107,6 +110,7 @@ static QString whatStays(const std::vector<ObjectPtr> &records)
     };
     tell(ofProjects, u"%1 tasks stay, without a project."_s);
     tell(ofPeople, u"%1 tasks stay, without a delegate."_s);
+    tell(ofCompanies, u"%1 tasks stay, without a company."_s);
     tell(employees, u"%1 people stay, without a company."_s);
     return lines;
 }

@@ -509,6 +509,7 @@ TEST_F(PeopleTest, WhoDeletesReadsWhatStaysWithoutThem)
     bob->setCompany(works);
     const TaskPtr task = add(u"call"_s);
     task->setDelegateToUser(ann);
+    task->setCompany(works);
     save();
     const ScriptedAlerts no({Alert::secondButton, Alert::secondButton});
     go(SidebarItem::People);
@@ -517,7 +518,8 @@ TEST_F(PeopleTest, WhoDeletesReadsWhatStaysWithoutThem)
     run(ActionId::Delete);
     ASSERT_EQ(no.asked().size(), 2u);
     EXPECT_EQ(no.asked()[0].informativeText, u"“Ann Lee”\n1 task stays, without a delegate."_s);
-    EXPECT_EQ(no.asked()[1].informativeText, u"“Works”\n2 people stay, without a company."_s);
+    EXPECT_EQ(no.asked()[1].informativeText,
+              u"“Works”\n1 task stays, without a company.\n2 people stay, without a company."_s);
 }
 
 TEST_F(PeopleTest, WhoIsDeletedElsewhereWhileEditedIsOfferedAnewWithAWordWhy)
