@@ -64,6 +64,8 @@ struct CNNote
     /// Any number of lines.
     QString text;
     OptionalDate created;
+    /// The title of the company that it is about, too.
+    QString company = {};
     bool operator==(const CNNote &) const = default;
 };
 

@@ -97,14 +97,29 @@ QString RecordExport::wordsOnWhatIsLeftOut(ExportFormat format, std::string_view
         return {};
     const std::unordered_set<RowId> written(rows.begin(), rows.end());
     int pictures = 0;
-    mainContext().visit(FetchRequest(entityName), {"photoName"}, [&](const RowReader &row) {
-        pictures += !row.text(0).isEmpty() && written.contains(row.rowId()) ? 1 : 0;
+    std::unordered_set<QString> people;
+    mainContext().visit(FetchRequest(entityName), {"photoName", "id"}, [&](const RowReader &row) {
+        if (!written.contains(row.rowId()))
+            return;
+        pictures += row.text(0).isEmpty() ? 0 : 1;
+        people.insert(row.text(1));
     });
-    return pictures == 0
-               ? QString()
-               : localizedCount(
-                     u"%1 pictures have no place in a table and were left out. A file of vCards has them."_s,
-                     pictures);
+    QStringList sentences;
+    if (pictures > 0)
+        sentences.append(localizedCount(
+            u"%1 pictures have no place in a table and were left out. A file of vCards has them."_s,
+            pictures));
+    QHash<QString, int> notes;
+    mainContext().visit(EntityNote::fetchRequest(), {"contact"}, [&](const RowReader &row) {
+        if (people.contains(row.text(0)))
+            ++notes[row.text(0)];
+    });
+    const auto several = std::ranges::count_if(notes, [](int count) { return count > 1; });
+    if (several > 0)
+        sentences.append(localizedCount(
+            u"%1 people have several notes, which a table joins to one. A file of vCards keeps them apart."_s,
+            several));
+    return sentences.join(u'\n');
 }
 
 OptionalError RecordExport::write(QIODevice &device, ExportFormat format, std::string_view entityName,

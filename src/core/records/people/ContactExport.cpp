@@ -88,7 +88,6 @@ CNContact ContactExport::made(const EntityCompany &company) const
     values.organizationName = company.title();
     values.isOrganization = true;
     values.note = company.details();
-    values.groups = groupsOf(company);
     takeDetails(values, company);
     return values;
 }

@@ -305,18 +305,21 @@ QStringList ContactImport::wordsWithoutField(const CNContact &contact, const QSt
     return words;
 }
 
-static void addNote(const ContactPtr &person, const CNNote &values)
+void ContactImport::addNote(const ContactPtr &person, const CNNote &values)
 {
     const auto note = mainContext().insert<EntityNote>();
     note->setTitle(values.title);
     note->setDetail(values.text);
     note->setCreationDate(values.created);
     note->setContact(person);
+    if (const QString company = oneLine(values.company); !company.isEmpty())
+        note->setCompany(companyNamed(company));
 }
 
 /// The notes of a card, and a note of what no field holds. They may have come before the card, as parts of a
 /// file of their own.
-static void addNotes(const ContactPtr &person, const CNContact &card, const QStringList &wordsWithoutField)
+void ContactImport::addNotes(const ContactPtr &person, const CNContact &card,
+                             const QStringList &wordsWithoutField)
 {
     const QString words = wordsWithoutField.join(u'\n');
     const QString all = card.notes.empty() ? words : words + u'\n' + card.note;

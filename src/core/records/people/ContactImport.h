@@ -55,6 +55,8 @@ public:
 
 private:
     CompanyPtr companyNamed(const QString &title);
+    void addNote(const ContactPtr &person, const CNNote &values);
+    void addNotes(const ContactPtr &person, const CNContact &card, const QStringList &wordsWithoutField);
     template <typename Owner>
     void addDetails(const std::shared_ptr<Owner> &owner, const CNContact &contact);
     template <typename Owner>

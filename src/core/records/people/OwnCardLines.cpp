@@ -3,6 +3,7 @@
 #include "eventkit/UtcDateTime.h"
 #include "records/people/ContactTable.h"
 #include "records/people/NoteWords.h"
+#include "store/entities/EntityCompany.h"
 #include "store/entities/EntityProject.h"
 #include "store/entities/SmallEntities.h"
 
@@ -13,16 +14,16 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 const QByteArray projectLine = QByteArrayLiteral("X-MORVANE-PROJECT");
-/// When it was made, its title and its text.
+/// When it was made, its title, its text, and the company that it is about, which former versions left out.
 const QByteArray noteLine = QByteArrayLiteral("X-MORVANE-NOTE");
 
 /// Absent for a line that is not as it is written here.
 std::optional<CNNote> noteOf(const VCardAttribute &attribute)
 {
     const QStringList parts = attribute.components();
-    if (parts.size() != 3)
+    if (parts.size() != 3 && parts.size() != 4)
         return std::nullopt;
-    CNNote note{parts[1], parts[2], UtcDateTime::date(parts[0])};
+    CNNote note{parts[1], parts[2], UtcDateTime::date(parts[0]), parts.value(3)};
     return note.created || parts[0].isEmpty() ? std::optional(note) : std::nullopt;
 }
 
@@ -48,8 +49,10 @@ std::vector<VCardWriter::OwnLine> owncardlines::of(const EntityContacts &contact
     std::ranges::sort(lines, {}, [](const auto &line) { return line.parts.front(); });
     for (const auto &note : notewords::inOrder(contact)) {
         const OptionalDate made = note->creationDate();
-        lines.push_back(
-            {noteLine, {made ? UtcDateTime::string(*made) : u""_s, note->title(), note->detail()}});
+        const CompanyPtr company = note->company();
+        lines.push_back({noteLine,
+                         {made ? UtcDateTime::string(*made) : u""_s, note->title(), note->detail(),
+                          company ? company->title() : QString()}});
     }
     return lines;
 }

@@ -564,7 +564,8 @@ TEST_F(ImportingContacts, BringsBackProjectsAndEachNote)
         QStringList told;
         for (const auto &note : contact.note())
             told.append(note->title() + u'|' + note->detail() + u'|' +
-                        (note->creationDate() ? UtcDateTime::string(*note->creationDate()) : u"-"_qs));
+                        (note->creationDate() ? UtcDateTime::string(*note->creationDate()) : u"-"_qs) +
+                        (note->company() ? u'|' + note->company()->title() : QString()));
         told.sort();
         return told;
     };
@@ -608,6 +609,14 @@ TEST_F(ImportingContacts, BringsBackProjectsAndEachNote)
         addNote(u"Tea, black"_qs, {});
         addNote(u"Tea, black"_qs, u"Green\n\nX-MORVANE-NOTE:no"_qs);
         addNote(u"Some day"_qs, u"Rows"_qs);
+        const auto works = context().insert<EntityCompany>();
+        works->setTitle(u"Works; \"old\""_qs);
+        addNote(u"With the works"_qs, u"Offer"_qs);
+        ann->note().back()->setCompany(works);
+        // A list by rules says nothing of its companies.
+        const auto list = context().insert<EntityContactGroup>();
+        list->setTitle(u"Bakers"_qs);
+        list->addRelated("companies", works);
         for (const QString &title : {u"Boat"_qs, u"House; \"old\", front"_qs}) {
             const auto project = context().insert<EntityProject>();
             project->setTitle(title);
@@ -620,6 +629,14 @@ TEST_F(ImportingContacts, BringsBackProjectsAndEachNote)
         file.open(QIODevice::ReadWrite);
         ASSERT_FALSE(
             RecordExport::write(file, ExportFormat::VCard, EntityContacts::entityName, {ann->rowId()}));
+        EXPECT_TRUE(ContactExport().contactOf(*works).groups.isEmpty());
+        const auto leftOut = [&](ExportFormat format) {
+            return RecordExport::wordsOnWhatIsLeftOut(format, EntityContacts::entityName, {ann->rowId()});
+        };
+        EXPECT_EQ(leftOut(ExportFormat::VCard), QString());
+        EXPECT_EQ(leftOut(ExportFormat::Csv),
+                  u"1 person has several notes, which a table joins to one. A file "
+                  u"of vCards keeps them apart."_qs);
         const QString asOne = ContactExport().contactOf(*ann).note;
         file.seek(0);
         EXPECT_EQ(contactFrom(*VCardReader(file).next()).note, asOne) << "what others read";
