@@ -114,6 +114,33 @@ void ExchangeRound::listOwn()
         if (file.open(QIODevice::ReadOnly) && !sealed.isFit(file.read(Sealer::headLength())))
             unfit.push_back(one);
     }
+    // A name alone says nothing: somebody can have copied a file under another one.
+    for (auto one = ownNumbers.rbegin(); one != ownNumbers.rend() && !lastOwn; ++one) {
+        const Dot dot{own, *one};
+        QFile file(folder.pathOf(dot));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray bytes = file.readAll();
+        auto content = sealed.opened(bytes, sealName(dot));
+        auto save = content ? ChangeFile::fromBytes(*content) : Result<ChangeFile>(content.error());
+        const bool isOwn = save && save->dot == dot;
+        if (isOwn || (!content && Sealer::isSealed(bytes)))
+            greatestOwn = std::max(greatestOwn, *one);
+        else if (!std::ranges::binary_search(unfit, *one))
+            unfit.insert(std::ranges::lower_bound(unfit, *one), *one);
+        if (isOwn && *one <= number)
+            lastOwn = Replica::Outgoing{*one, *content};
+    }
+}
+
+std::optional<QByteArray> ExchangeRound::contentOf(const ReplicaFolder &folder, const SealingStatus &sealed,
+                                                   const Dot &dot)
+{
+    QFile file(folder.pathOf(dot));
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    auto content = sealed.opened(file.readAll(), sealName(dot));
+    return content ? std::optional(*content) : std::nullopt;
 }
 
 Result<ChangeFile> ExchangeRound::saveIn(const QByteArray &bytes, const Dot &dot)

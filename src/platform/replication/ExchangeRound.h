@@ -76,7 +76,13 @@ struct ExchangeRound
     SealingStatus sealed = {};
     std::vector<qint64> written = {};
     std::vector<qint64> ownNumbers = {};
-    /// Own files that are open in a sealed folder, sealed in an open one, or sealed with a former key.
+    /// The last of them that is what its name says, apart from those that this device has not written yet,
+    /// and what is in it.
+    std::optional<Replica::Outgoing> lastOwn = {};
+    /// The greatest of those that are, or that cannot be opened without a key.
+    qint64 greatestOwn = 0;
+    /// Own files that are no such saves, that are open in a sealed folder, sealed in an open one, or sealed
+    /// with a former key.
     std::vector<qint64> unfit = {};
     std::vector<ChangeFile> files = {};
     std::vector<FileProblem> problems = {};
@@ -93,6 +99,10 @@ struct ExchangeRound
     qint64 clearable = 0;
 
     void run();
+
+    /// What is in the file of a save, opened; absent without one that can be.
+    static std::optional<QByteArray> contentOf(const ReplicaFolder &folder, const SealingStatus &sealed,
+                                               const Dot &dot);
 
 private:
     struct Found

@@ -1,6 +1,7 @@
 #include "replication/Replica.h"
 
 #include "replication/ForeignWrites.h"
+#include "replication/FormerSaves.h"
 #include "replication/ReplicaBooks.h"
 #include "replication/RowLedger.h"
 
@@ -116,15 +117,17 @@ qint64 Replica::lastOutgoing() const
     return database.queryInteger("SELECT MAX(number) FROM ObjectStoreOutgoing");
 }
 
-OptionalError Replica::startAs(const QByteArray &machine)
+OptionalError Replica::startAs(const QByteArray &machine, std::optional<qint64> lastOut)
 {
     if (auto error = database.execute("ATTACH ':memory:' AS emptyStore"))
         return error;
     const Identity former{own, clock, known, removedAt, clearedUpTo, toldOf};
     OptionalError error = database.execute("BEGIN IMMEDIATE");
     const bool hasBegun = !error;
-    if (!error)
-        error = writeStart(machine);
+    if (!error) {
+        FormerSaves saves(database, lastOut);
+        error = writeStart(machine, saves);
+    }
     if (!error)
         error = database.execute("COMMIT");
     if (error) {
@@ -143,8 +146,11 @@ OptionalError Replica::startAs(const QByteArray &machine)
 }
 
 /// Into the open transaction.
-OptionalError Replica::writeStart(const QByteArray &machine)
+OptionalError Replica::writeStart(const QByteArray &machine, FormerSaves &former)
 {
+    if (auto error = former.take())
+        return error;
+    former.lower(known);
     own = {newDevice(), 1};
     clearedUpTo = 0;
     removedAt = 0;
@@ -152,10 +158,7 @@ OptionalError Replica::writeStart(const QByteArray &machine)
     toldOf.reset();
     OptionalError error = foreignwrites::forget(database);
     if (!error)
-        error = bookResult(database,
-                           database.prepare("UPDATE ObjectStoreReplicas SET machine = NULL").run() &&
-                               // What a former device did not send yet is in the rows, and goes with them.
-                               database.prepare("DELETE FROM ObjectStoreOutgoing").run());
+        error = bookResult(database, database.prepare("UPDATE ObjectStoreReplicas SET machine = NULL").run());
     // A stamp before all others: whoever has changed a row since wins against a mere copy.
     const Stamp stamp{1, own.device};
     for (const EntityDescription &entity : model.entities()) {
@@ -178,7 +181,25 @@ OptionalError Replica::writeStart(const QByteArray &machine)
         error = hasManyRows() ? standFirstSaveInSnapshot() : addPresentRows(stamp);
     known.add(own.device, own.number);
     clock = std::max(clock, stamp.time);
+    if (!error)
+        error = addFormerSaves(former);
     return error ? error : writeOwn();
+}
+
+/// With their own stamps: what was changed in a row that the others have is newer there, too.
+OptionalError Replica::addFormerSaves(FormerSaves &former)
+{
+    auto saves = former.renamed(own.device, own.number);
+    if (!saves)
+        return saves.error();
+    for (const ChangeFile &file : *saves) {
+        if (auto error = addOutgoing(file))
+            return error;
+        own = file.dot;
+        clock = std::max(clock, file.time);
+    }
+    known.add(own.device, own.number);
+    return std::nullopt;
 }
 
 /// More than that go into a snapshot rather than into a save.
@@ -237,14 +258,14 @@ OptionalError Replica::writeOwn(qint64 number, qint64 time, const VersionVector 
     return bookResult(database, statement.bind(QString::fromUtf8(own.device)).run());
 }
 
-OptionalError Replica::becomeAnother()
+OptionalError Replica::becomeAnother(std::optional<qint64> lastOut)
 {
     sqlite::Statement machineOfOwn =
         database.prepare("SELECT machine FROM ObjectStoreReplicas WHERE device = ?");
     const bool isThere = machineOfOwn.bind(QString::fromUtf8(own.device)).step();
     const QByteArray machine = isThere ? machineOfOwn.text(0).toUtf8() : QByteArray();
     machineOfOwn.reset();
-    return startAs(machine);
+    return startAs(machine, lastOut);
 }
 
 std::vector<Device> Replica::devices() const

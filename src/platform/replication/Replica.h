@@ -14,6 +14,7 @@ struct sqlite3_session;
 
 namespace replication {
 
+class FormerSaves;
 class RowLedger;
 
 /// A device that takes part, as far as this one knows.
@@ -155,7 +156,9 @@ public:
 
     /// Another device uses the number of this one: it goes on under a new one, and the former counts as
     /// another.
-    OptionalError becomeAnother();
+    /// \param lastOut the last save that is out as this one has it; absent if all are that were sent. What it
+    /// has saved since goes out under the new number.
+    OptionalError becomeAnother(std::optional<qint64> lastOut = {});
 
     /// A reference to a row that has gone, in a row that is there.
     struct Orphan
@@ -191,8 +194,9 @@ private:
     bool isKnown(const ChangeFile &file) const { return known.of(file.dot.device) >= file.dot.number; }
     Replica(ManagedObjectContext &replicated, QString deviceName);
     OptionalError load(const QByteArray &machine);
-    OptionalError startAs(const QByteArray &machine);
-    OptionalError writeStart(const QByteArray &machine);
+    OptionalError startAs(const QByteArray &machine, std::optional<qint64> lastOut = {});
+    OptionalError writeStart(const QByteArray &machine, FormerSaves &former);
+    OptionalError addFormerSaves(FormerSaves &former);
     OptionalError addPresentRows(const Stamp &stamp);
     bool hasManyRows() const;
     OptionalError standFirstSaveInSnapshot();

@@ -171,12 +171,12 @@ void ReplicaExchange::finishRound(ExchangeRound &round)
 void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
 {
     const std::vector<qint64> &numbers = round.ownNumbers;
-    qint64 last = numbers.empty() ? round.ownCovered : std::max(numbers.back(), round.ownCovered);
+    qint64 last = std::max(round.greatestOwn, round.ownCovered);
     for (const ChangeFile &file : round.files)
         last = std::max(last, file.seen.of(replica.device()));
-    if (last > replica.number()) {
+    if (last > replica.number() || (round.lastOwn && !isKnown(*round.lastOwn))) {
         // After a failure the next look that comes by itself tries again.
-        if (const auto error = replica.becomeAnother())
+        if (const auto error = replica.becomeAnother(lastKept(numbers)))
             Log::line(error->message);
         else
             wantsAnother = true;
@@ -195,6 +195,27 @@ void ReplicaExchange::checkOwnFiles(const ExchangeRound &round)
         if (const auto error = replica.markUnsent(number))
             Log::line(error->message);
     }
+}
+
+/// Whether a file of this device holds what it has saved under that number.
+bool ReplicaExchange::isKnown(const Replica::Outgoing &file) const
+{
+    const auto saved = replica.sent(file.number);
+    return !saved || *saved == file.bytes;
+}
+
+/// The last own save that is in the folder as this device has it, or the last that was cleared.
+qint64 ReplicaExchange::lastKept(const std::vector<qint64> &numbers) const
+{
+    for (qint64 number = replica.number(); number > replica.cleared(); --number) {
+        const auto saved = replica.sent(number);
+        const auto there = std::ranges::binary_search(numbers, number)
+                               ? ExchangeRound::contentOf(folder, sealed, {replica.device(), number})
+                               : std::nullopt;
+        if (saved && there && *saved == *there)
+            return number;
+    }
+    return replica.cleared();
 }
 
 /// What was there at the look before, or was written since, is to be there still. Otherwise the folder is

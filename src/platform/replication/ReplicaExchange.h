@@ -69,6 +69,8 @@ public:
 private:
     void startRound();
     void finishRound(ExchangeRound &round);
+    bool isKnown(const Replica::Outgoing &file) const;
+    qint64 lastKept(const std::vector<qint64> &numbers) const;
     void noteLost(const std::vector<qint64> &unfit, qint64 upTo);
     void takeInSome();
     void checkOwnFiles(const ExchangeRound &round);

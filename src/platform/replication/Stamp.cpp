@@ -47,6 +47,17 @@ void VersionVector::add(const VersionVector &other)
         add(device, number);
 }
 
+void VersionVector::lower(const DeviceId &device, qint64 number)
+{
+    const auto found = numbers.find(device);
+    if (found == numbers.end() || found->second <= number)
+        return;
+    if (number > 0)
+        found->second = number;
+    else
+        numbers.erase(found);
+}
+
 bool VersionVector::covers(const VersionVector &other) const
 {
     return std::ranges::all_of(other.numbers,

@@ -48,6 +48,8 @@ public:
     /// Knows from now on the saves of a device up to a number.
     void add(const DeviceId &device, qint64 number);
     void add(const VersionVector &other);
+    /// Knows the saves of a device up to a number at most.
+    void lower(const DeviceId &device, qint64 number);
     bool covers(const VersionVector &other) const;
     bool isEmpty() const { return numbers.empty(); }
     const std::map<DeviceId, qint64> &entries() const { return numbers; }

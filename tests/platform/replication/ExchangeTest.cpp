@@ -328,6 +328,89 @@ TEST_F(ExchangeTest, WhatLosesStaysInTheHistoryOfBoth)
     }
 }
 
+/// The store is put back from a copy, and worked in while the folder is not there: under its numbers the
+/// others have other saves.
+TEST_F(ExchangeTest, AStoreThatWasPutBackAndWorkedInAloneGoesOnAsAnother)
+{
+    const LogCapture log;
+    const auto rename = [](Device &device, const char *from, const char *to) {
+        const auto book = device.library().find(from);
+        ASSERT_TRUE(book) << from;
+        book->setTitle(QString::fromUtf8(to));
+        device.library().save();
+    };
+    const QTemporaryDir elsewhere;
+    for (const auto &[isAlone, saves] : {std::pair(true, 1), {true, 5}, {false, 1}, {false, 5}}) {
+        SCOPED_TRACE(::testing::Message() << isAlone << ' ' << saves);
+        const QString round = u"%1 %2 "_qs.arg(isAlone).arg(saves);
+        const auto titled = [&round](const char *title) {
+            return (round + QString::fromUtf8(title)).toUtf8();
+        };
+        one.save({round + u"Momo"_qs, round + u"Emma"_qs});
+        ASSERT_TRUE(waitFor([&] { return other.has(titled("Emma")); }));
+        one.stop();
+        const QString store = one.library().path();
+        const QString copy = elsewhere.filePath(round + u"copy"_qs);
+        ASSERT_TRUE(QFile::copy(store, copy));
+        one.start();
+        one.save({round + u"Two"_qs, round + u"Three"_qs});
+        ASSERT_TRUE(
+            waitFor([&] { return other.has(titled("Three")) && one.exchange().health().unsent == 0; }));
+        one.stop();
+        for (const char *ending : {"", "-wal", "-shm"})
+            QFile::remove(store + QString::fromUtf8(ending));
+        ASSERT_TRUE(QFile::copy(copy, store));
+        isAlone ? one.startAlone() : one.startIn(elsewhere.filePath(round + u"folder"_qs));
+        rename(one, titled("Emma"), titled("Emma anew"));
+        for (int save = 1; save < saves; ++save) {
+            one.library().book(titled("Alone") + QByteArray::number(save));
+            one.library().save();
+        }
+        if (!isAlone) {
+            one.look();
+            ASSERT_TRUE(waitFor([&] { return one.exchange().health().unsent == 0; }));
+        }
+        one.stop();
+        one.startIn(shared.path());
+        EXPECT_TRUE(waitFor([&] {
+            return one.has(titled("Two")) && one.has(titled("Three")) && other.has(titled("Emma anew")) &&
+                   (saves == 1 || other.has(titled("Alone") + QByteArray::number(saves - 1)));
+        }));
+        rename(other, titled("Two"), titled("Two anew"));
+        rename(one, titled("Three"), titled("Three anew"));
+        one.look();
+        other.look();
+        EXPECT_TRUE(waitFor([&] { return one.has(titled("Two anew")) && other.has(titled("Three anew")); }));
+        EXPECT_EQ(one.library().dump(), other.library().dump());
+    }
+}
+
+/// A copy of a file under another name is no save, and what was not sent when a device became another is
+/// not lost.
+TEST_F(ExchangeTest, AFileUnderAnotherNameCutsNobodyOff)
+{
+    const LogCapture log;
+    one.save({u"Momo"_qs, u"Emma"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("Emma") && filesOf(one).size() == 2; }));
+    one.library().find("Emma")->setTitle(u"Emma anew"_qs);
+    one.library().save();
+    one.library().book("Unsent");
+    one.library().save();
+    const QString first = path(one, filesOf(one).front());
+    one.stop();
+    const QString foreign = QString(first).replace(u"0000000001"_qs, u"0000000012"_qs);
+    ASSERT_NE(foreign, first);
+    ASSERT_TRUE(QFile::copy(first, foreign));
+    one.start();
+    one.save({u"Two"_qs});
+    EXPECT_TRUE(
+        waitFor([this] { return other.has("Emma anew") && other.has("Unsent") && other.has("Two"); }));
+    QFile::remove(foreign);
+    one.save({u"Three"_qs});
+    EXPECT_TRUE(waitFor([this] { return other.has("Three"); }));
+    EXPECT_EQ(one.library().dump(), other.library().dump());
+}
+
 #ifdef MORVANE_SEALING_LIBRARY
 
 namespace {
