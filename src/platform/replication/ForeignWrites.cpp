@@ -129,6 +129,8 @@ public:
                (wasThere ? (isThere ? update(former) : insert(former)) : remove());
     }
     bool isGone() const { return !isThere; }
+    const QByteArray &tableName() const { return table->table; }
+    const QString &key() const { return id; }
     bool turnForth() { return isThere ? (wasThere ? update(now) : insert(now)) : remove(); }
 
 private:
@@ -252,6 +254,83 @@ private:
     int wasOn = 0;
 };
 
+/// What a connection that enforces foreign keys would have done: names of rows that are not there go, here as
+/// on the other devices.
+class References
+{
+public:
+    References(sqlite::Database &connection, const ManagedObjectModel &ofModel)
+        : database(connection)
+        , model(ofModel)
+    {}
+
+    bool settle(const std::vector<WrittenRow> &rows)
+    {
+        return std::ranges::all_of(rows, [this](const WrittenRow &row) {
+            const EntityDescription *entity = model.entityOfTable(row.tableName().toStdString());
+            if (entity->table() != row.tableName())
+                return row.isGone() || settlePair(row);
+            return row.isGone() ? forgetNamesOf(*entity, row.key()) : settleNamesIn(*entity, row.key());
+        });
+    }
+
+private:
+    bool run(const QByteArray &sql, const QString &key) { return database.prepare(sql).bind(key).run(); }
+    static QByteArray isMissing(const QByteArray &column, const QByteArray &table)
+    {
+        return column + " NOT IN (SELECT \"id\" FROM " + quoted(table) + ')';
+    }
+    bool forgetNamesOf(const EntityDescription &gone, const QString &id)
+    {
+        for (const EntityDescription &holder : model.entities()) {
+            for (const RelationshipDescription &one : holder.relationships()) {
+                const bool isTarget = &model.destinationOf(one) == &gone;
+                const QByteArray name = quoted(one.name);
+                if (one.cardinality == Cardinality::ToOne && isTarget &&
+                    !run("UPDATE " + quoted(holder.table()) + " SET " + name + " = NULL WHERE " + name +
+                             " = ?",
+                         id))
+                    return false;
+                if (one.cardinality != Cardinality::ToManyOwningJoin)
+                    continue;
+                const QByteArray pairs = "DELETE FROM " + quoted(model.joinTable(holder, one).table);
+                if ((isTarget && !run(pairs + " WHERE target = ?", id)) ||
+                    (&holder == &gone && !run(pairs + " WHERE source = ?", id)))
+                    return false;
+            }
+        }
+        return true;
+    }
+    bool settleNamesIn(const EntityDescription &entity, const QString &id)
+    {
+        return std::ranges::all_of(entity.relationships(), [&](const RelationshipDescription &one) {
+            const QByteArray name = quoted(one.name);
+            return one.cardinality != Cardinality::ToOne ||
+                   run("UPDATE " + quoted(entity.table()) + " SET " + name + " = NULL WHERE \"id\" = ? AND " +
+                           name + " IS NOT NULL AND " + isMissing(name, model.destinationOf(one).table()),
+                       id);
+        });
+    }
+    bool settlePair(const WrittenRow &row)
+    {
+        for (const EntityDescription &holder : model.entities()) {
+            for (const RelationshipDescription &one : holder.relationships()) {
+                if (one.cardinality == Cardinality::ToManyOwningJoin &&
+                    model.joinTable(holder, one).table == row.tableName())
+                    return run("DELETE FROM " + quoted(row.tableName()) +
+                                   " WHERE source || '/' || target = ? AND (" +
+                                   isMissing("source", holder.table()) + " OR " +
+                                   isMissing("target", model.destinationOf(one).table()) + ')',
+                               row.key());
+            }
+        }
+        return true;
+    }
+
+    sqlite::Database &database;
+    const ManagedObjectModel &model;
+};
+
 /// With the session seeing the second half only.
 bool turnBackAndForth(sqlite::Database &database, const ManagedObjectModel &model, sqlite3_session &session)
 {
@@ -271,7 +350,8 @@ bool turnBackAndForth(sqlite::Database &database, const ManagedObjectModel &mode
         std::partition(rows.begin(), rows.end(), [](const WrittenRow &one) { return one.isGone(); });
     sqlite3session_enable(&session, 1);
     return std::ranges::all_of(rows.begin(), coming, &WrittenRow::turnForth) &&
-           std::ranges::all_of(coming, rows.end(), &WrittenRow::turnForth);
+           std::ranges::all_of(coming, rows.end(), &WrittenRow::turnForth) &&
+           References(database, model).settle(rows);
 }
 
 } // namespace

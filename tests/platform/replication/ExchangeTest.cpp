@@ -56,6 +56,41 @@ TEST_F(ExchangeTest, WhatOtherProgramsWriteIntoTheStoreArrivesToo)
     EXPECT_EQ(one.library().ask(u"SELECT COUNT(*) FROM ObjectStoreFormer"_qs), QStringList(u"0"_qs));
 }
 
+/// Most tools do not enforce foreign keys.
+TEST_F(ExchangeTest, NamesOfRowsThatOtherProgramsTookAwayGoOnAllDevices)
+{
+    const auto emma = one.library().book("Emma");
+    emma->setAuthor(one.library().author("Austen"));
+    const auto red = one.library()->insert<Label>();
+    emma->setLabels({red});
+    const auto shelf = one.library()->insert<Shelf>();
+    emma->setShelf(shelf);
+    one.library().save();
+    one.save({u"Momo"_qs});
+    ASSERT_TRUE(waitFor([this] { return other.has("Momo"); }));
+    one.library().elsewhere("DELETE FROM Author; DELETE FROM Shelf; DELETE FROM Label;"
+                            "INSERT INTO Book (id, title, author) VALUES ('lost', 'Lost', 'nobody');"
+                            "INSERT INTO Book_labels (source, target) VALUES ('lost', 'nothing')");
+    one.look();
+    EXPECT_TRUE(waitFor([this] { return other.has("Lost"); }));
+    EXPECT_TRUE(waitFor([this] { return one.library().dump() == other.library().dump(); }));
+    for (Device *device : {&one, &other}) {
+        EXPECT_EQ(device->library().ask(u"PRAGMA foreign_key_check"_qs), QStringList());
+        EXPECT_EQ(device->library().ask(
+                      u"SELECT COUNT(*) FROM Book WHERE author IS NOT NULL OR shelf IS NOT NULL"_qs),
+                  QStringList(u"0"_qs));
+        EXPECT_EQ(device->library().ask(u"SELECT COUNT(*) FROM Book_labels"_qs), QStringList(u"0"_qs));
+    }
+    other.library().find("Lost")->setPages(9);
+    other.library().save();
+    one.library().find("Emma")->setPages(8);
+    one.library().save();
+    one.look();
+    other.look();
+    EXPECT_TRUE(waitFor([this] { return one.library().dump() == other.library().dump(); }));
+    EXPECT_EQ(one.library().find("Lost")->pages(), 9);
+}
+
 TEST_F(ExchangeTest, WhatWasSavedWhileTheFolderWasAwayArrivesWhenItIsBack)
 {
     one.save({u"Momo"_qs, u"Emma"_qs, u"Kim"_qs});
