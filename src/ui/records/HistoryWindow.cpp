@@ -145,7 +145,7 @@ void HistoryWindow::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Escape)
         close();
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        button ? button->click() : restore();
+        button ? button->click() : marked < 0 ? mark(table->currentIndex().row()) : restore();
     else
         QWidget::keyPressEvent(event);
 }

@@ -91,6 +91,23 @@ TEST_F(HistoryTest, AFormerValueOfATaskComesBackByItsRulesAndGoesAgain)
     EXPECT_EQ(task->title(), u"Call the new bank"_s);
 }
 
+TEST_F(HistoryTest, TheKeysBringAValueBack)
+{
+    const TaskPtr task = add(u"Call the bank"_s);
+    at(10, ChangeAuthor::User, [&] { task->setTitle(u"Call the new bank"_s); });
+    showList(SidebarItem::Inbox);
+    clickRow(0);
+    HistoryWindow &history = open();
+    const auto row = static_cast<int>(lines(history).indexOf(u"Title: Call the bank → Call the new bank"_s));
+    ASSERT_GE(row, 0);
+    list(history).setCurrentIndex(list(history).model()->index(row, 0));
+    QTest::keyClick(&list(history), Qt::Key_Return);
+    EXPECT_TRUE(find<QPushButton>(history, "buttonRestore").isEnabled()) << "the first one marks";
+    EXPECT_EQ(task->title(), u"Call the new bank"_s);
+    QTest::keyClick(&list(history), Qt::Key_Return);
+    EXPECT_EQ(task->title(), u"Call the bank"_s);
+}
+
 TEST_F(HistoryTest, TagsRulesAndTypesAreToldAndComeBack)
 {
     const TaskPtr task = add(u"Run"_s, [](MVTask &copy) {
