@@ -155,6 +155,8 @@ void StartWindow::showWindow(const QWidget *behind)
         adjustSize();
         const QRect free = (behind ? behind->screen() : screen())->availableGeometry();
         move(free.center() - rect().center());
+        // Return does not choose what was chosen the last time.
+        started->setFocus();
     }
     winId();
     windowHandle()->setTransientParent(behind ? behind->windowHandle() : nullptr);
