@@ -1,7 +1,7 @@
 # What the project needs of Debian, by what it is needed for. Sourced by ./run and ./check.
 
 build_packages=(g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev libicu-dev libsqlite3-dev
-    libical-dev libecal2.0-dev libebook1.2-dev libsodium-dev libgl-dev libxcb1-dev)
+    libical-dev libecal2.0-dev libebook1.2-dev libsodium-dev libzstd-dev libgl-dev libxcb1-dev)
 run_packages=(libqt6svg6 qt6-translations-l10n fonts-inter fonts-dejavu-core fonts-noto-color-emoji evolution-data-server)
 test_packages=(lld libgtest-dev libgmock-dev libbenchmark-dev qt6-base-private-dev sqlite3 dbus dconf-gsettings-backend khal xvfb
     at-spi2-core)

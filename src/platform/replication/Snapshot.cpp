@@ -17,6 +17,7 @@
 #include <QtEndian>
 
 #include <sqlite3.h>
+#include <zstd.h>
 
 #include <algorithm>
 
@@ -25,13 +26,15 @@ namespace replication::snapshot {
 namespace {
 
 const QByteArray fileMark = "MVSNAPSH";
-constexpr int snapshotFormat = 1;
+/// Zstandard frames, RFC 8878. The parts of the first format, which can still be read, are zlib streams.
+constexpr int snapshotFormat = 2;
+constexpr int zlibFormat = 1;
 constexpr qsizetype partSize = 4'000'000;
 constexpr qsizetype lengthSize = 4;
 constexpr qsizetype partDigest = 32;
 /// More than the parts that are written can become.
 constexpr quint32 largestPart = 2 * partSize;
-/// The quickest one: what is saved beyond that takes many times as long.
+/// A quick one: what is saved beyond that takes many times as long.
 constexpr int compressionLevel = 1;
 
 /// The keys of the head.
@@ -42,6 +45,29 @@ enum { Format, Schema, Device, Number, Seen, Parts, Size };
 Error failure(const QString &why)
 {
     return {QStringLiteral("snapshot"), 0, why};
+}
+
+/// Empty if there is no memory for it.
+QByteArray compressed(const QByteArray &bytes)
+{
+    QByteArray frame(static_cast<qsizetype>(ZSTD_compressBound(static_cast<size_t>(bytes.size()))),
+                     Qt::Uninitialized);
+    const size_t size = ZSTD_compress(frame.data(), static_cast<size_t>(frame.size()), bytes.constData(),
+                                      static_cast<size_t>(bytes.size()), compressionLevel);
+    frame.truncate(ZSTD_isError(size) ? 0 : static_cast<qsizetype>(size));
+    return frame;
+}
+
+/// What was compressed to a part; empty if it cannot be one.
+QByteArray uncompressed(const QByteArray &part, int format)
+{
+    if (format == zlibFormat)
+        return qUncompress(part);
+    QByteArray bytes(partSize, Qt::Uninitialized);
+    const size_t size = ZSTD_decompress(bytes.data(), static_cast<size_t>(bytes.size()), part.constData(),
+                                        static_cast<size_t>(part.size()));
+    bytes.truncate(ZSTD_isError(size) ? 0 : static_cast<qsizetype>(size));
+    return bytes;
 }
 
 QString partName(const QString &name, int part)
@@ -137,6 +163,7 @@ private:
 struct HeadWithParts
 {
     SnapshotHead head;
+    int format = 0;
     int parts = 0;
 };
 
@@ -157,9 +184,10 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
     if (parser.error.c != QCborError::NoError)
         return failure(QStringLiteral("It is damaged"));
     const QCborMap map = value.toMap();
-    if (wholeNumber(map.value(headkey::Format)) != snapshotFormat)
-        return failure(QStringLiteral("It was written by another version of the program"));
     HeadWithParts found;
+    found.format = static_cast<int>(wholeNumber(map.value(headkey::Format)));
+    if (found.format != snapshotFormat && found.format != zlibFormat)
+        return failure(QStringLiteral("It was written by another version of the program"));
     found.head.schema = static_cast<int>(wholeNumber(map.value(headkey::Schema)));
     found.head.dot = {map.value(headkey::Device).toString().toUtf8(),
                       wholeNumber(map.value(headkey::Number))};
@@ -178,7 +206,7 @@ Result<HeadWithParts> headOf(QFile &file, PartReader &reader)
 constexpr int partsAtOnce = 4;
 
 /// The next parts of the database, in their order.
-Result<std::vector<QByteArray>> unpackParts(PartReader &reader, int first, int count)
+Result<std::vector<QByteArray>> unpackParts(PartReader &reader, int format, int first, int count)
 {
     std::vector<PartReader::Packed> parts;
     for (int number = first; number < first + count; ++number) {
@@ -190,10 +218,10 @@ Result<std::vector<QByteArray>> unpackParts(PartReader &reader, int first, int c
     std::vector<Result<QByteArray>> contents(parts.size(), Result<QByteArray>(QByteArray()));
     QThreadPool threads;
     for (size_t place = 0; place < parts.size(); ++place) {
-        threads.start([&reader, &part = parts[place], &content = contents[place]] {
+        threads.start([&reader, format, &part = parts[place], &content = contents[place]] {
             content = reader.opened(part);
             if (content)
-                content = qUncompress(*content);
+                content = uncompressed(*content, format);
         });
     }
     threads.waitForDone();
@@ -341,7 +369,10 @@ OptionalError pack(const SnapshotHead &head, const QString &databasePath, const 
     PartWriter parts(rest, sealer, name);
     int count = 0;
     while (!database.atEnd()) {
-        if (auto error = parts.write(++count, qCompress(database.read(partSize), compressionLevel)))
+        const QByteArray part = compressed(database.read(partSize));
+        if (part.isEmpty())
+            return failure(QStringLiteral("There is not enough memory"));
+        if (auto error = parts.write(++count, part))
             return error;
     }
     QSaveFile file(path);
@@ -388,7 +419,8 @@ Result<SnapshotHead> unpack(const QString &path, const SealingStatus &sealed, co
             database.remove();
     });
     for (int first = 1; first <= found->parts; first += partsAtOnce) {
-        auto contents = unpackParts(reader, first, std::min(partsAtOnce, found->parts - first + 1));
+        auto contents =
+            unpackParts(reader, found->format, first, std::min(partsAtOnce, found->parts - first + 1));
         if (!contents)
             return contents.error();
         for (const QByteArray &content : *contents) {

@@ -1,5 +1,9 @@
 #include "ExchangeFixture.h"
 
+#include <QCborMap>
+#include <QCryptographicHash>
+#include <QtEndian>
+
 // Snapshots take the place of saves.
 
 namespace {
@@ -25,6 +29,26 @@ protected:
         EXPECT_TRUE(waitFor([this] { return one.library().dump() == other.library().dump(); }));
         for (Device *device : {&one, &other})
             EXPECT_EQ(device->library().ask(u"PRAGMA foreign_key_check"_qs), QStringList());
+    }
+    /// A snapshot as the first format had it: parts of zlib.
+    static QByteArray inFirstFormat(const QString &path, const QString &database)
+    {
+        auto head = replication::snapshot::unpack(path, {}, QString(), database);
+        EXPECT_TRUE(head.hasValue());
+        const auto part = [](const QByteArray &content) {
+            QByteArray length(4, '\0');
+            qToBigEndian(quint32(content.size()), length.data());
+            return length + QCryptographicHash::hash(content, QCryptographicHash::Sha256) + content;
+        };
+        const QByteArray rows = part(qCompress(contents(database), 1));
+        const QCborMap map{{0, 1},
+                           {1, head->schema},
+                           {2, QString::fromUtf8(head->dot.device)},
+                           {3, head->dot.number},
+                           {4, QString::fromUtf8(head->seen.text())},
+                           {5, 1},
+                           {6, rows.size()}};
+        return "MVSNAPSH" + part(QCborValue(map).toCbor()) + rows;
     }
     const QStringList six = {u"A"_qs, u"B"_qs, u"C"_qs, u"D"_qs, u"E"_qs, u"F"_qs};
 };
@@ -124,6 +148,32 @@ TEST_F(SnapshotExchangeTest, ADamagedOneIsToldOfAndLosesNothing)
     ASSERT_TRUE(QFile::remove(pathOfSnapshot(one)));
     one.look();
     EXPECT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1; }));
+}
+
+TEST_F(SnapshotExchangeTest, OneOfTheFirstFormatIsReadAndOneOfALaterIsLeft)
+{
+    one.save(six);
+    ASSERT_TRUE(waitFor([this] { return snapshotsOf(one).size() == 1 && saveCountOf(one) == 1; }));
+    const QString file = pathOfSnapshot(one);
+    one.stop();
+    const QByteArray former = inFirstFormat(file, shared.filePath(u"rows"_qs));
+    ASSERT_TRUE(QFile::remove(shared.filePath(u"rows"_qs)));
+    QByteArray later = former;
+    constexpr qsizetype beginOfHead = 8 + 4 + 32; // The mark, the length, the digest.
+    ASSERT_EQ(later.at(beginOfHead + 2), 1);
+    later[beginOfHead + 2] = 3;
+    const qsizetype length = qFromBigEndian<quint32>(later.constData() + 8);
+    later.replace(12, 32,
+                  QCryptographicHash::hash(later.mid(beginOfHead, length), QCryptographicHash::Sha256));
+    write(file, later);
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.exchange().health().problems.size() == 1; }));
+    EXPECT_FALSE(other.has("A"));
+    other.stop();
+    write(file, former);
+    other.start();
+    EXPECT_TRUE(waitFor([this] { return other.has("A") && other.has("F"); }));
+    expectEqual();
 }
 
 TEST_F(SnapshotExchangeTest, AStoreThatWasPutBackIsAnotherDeviceThoughItsSavesAreCleared)
