@@ -236,6 +236,8 @@ Result<std::vector<AppliedChange>> RowMerge::finish()
 
 bool RowMerge::settle(const RowKey &key)
 {
+    if (!entityOf(key))
+        return true; // The books of a damaged snapshot can name any table.
     if (isPair(key)) {
         const auto ends = endsOf(key);
         const bool isWanted = isAlive(key) && isAlive(ends[0]) && isAlive(ends[1]);

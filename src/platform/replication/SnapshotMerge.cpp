@@ -9,6 +9,9 @@ namespace replication {
 
 namespace {
 
+/// From so many rows on it is quicker to make an index at once than row by row, or to take it over.
+constexpr qint64 manyRows = 5000;
+
 /// Of an answer, as a condition on the table and identifier of another.
 const QByteArray isNotKnown = "NOT EXISTS (SELECT 1 FROM temp.KnownToBoth known WHERE known.tbl = ";
 
@@ -51,7 +54,8 @@ Result<std::vector<AppliedChange>> SnapshotMerge::run()
         merge.settleLater(key);
     auto applied = merge.finish();
     // The books of a damaged one can name rows that it does not have.
-    if (applied && database.prepare("PRAGMA main.foreign_key_check").step())
+    const bool isOfBooks = !open.empty() || !differing.empty();
+    if (applied && isOfBooks && database.prepare("PRAGMA main.foreign_key_check").step())
         return Error{QStringLiteral("snapshot"), 0, QStringLiteral("It is damaged")};
     return applied;
 }
@@ -97,14 +101,16 @@ bool SnapshotMerge::findKnown()
                    open);
 }
 
-/// Whether nothing of a table is known here, not even a row that has gone, and the columns are the same.
+/// Whether a table with many rows comes of which nothing is known here, not even a row that has gone, and the
+/// columns are the same.
 bool SnapshotMerge::comesWhole(const QByteArray &table)
 {
     const auto [place, isNew] = whole.try_emplace(table, false);
     if (!isNew)
         return place->second;
     sqlite::Statement known = database.prepare("SELECT 1 FROM temp.KnownToBoth WHERE tbl = ? LIMIT 1");
-    place->second = columnsOf(database, "main", table) == columnsOf(database, "arriving", table) &&
+    place->second = database.queryInteger("SELECT COUNT(*) FROM arriving." + quoted(table)) >= manyRows &&
+                    columnsOf(database, "main", table) == columnsOf(database, "arriving", table) &&
                     !database.prepare("SELECT 1 FROM main." + quoted(table) + " LIMIT 1").step() &&
                     !known.bind(QString::fromUtf8(table)).step();
     return place->second;
@@ -114,14 +120,13 @@ bool SnapshotMerge::comesWhole(const QByteArray &table)
 /// whole table stays on it.
 bool SnapshotMerge::takeOffIndexes()
 {
-    constexpr qint64 many = 5000;
     QByteArray removal;
     for (const EntityDescription &entity : model.entities()) {
         const QByteArray table = entity.table();
         const auto rowsIn = [&](const char *schema) {
             return database.queryInteger("SELECT COUNT(*) FROM " + QByteArray(schema) + '.' + quoted(table));
         };
-        if (entity.isDerived() || rowsIn("arriving") < many + 2 * rowsIn("main"))
+        if (entity.isDerived() || rowsIn("arriving") < manyRows + 2 * rowsIn("main"))
             continue;
         sqlite::Statement own = database.prepare(
             "SELECT mine.name, mine.sql FROM main.sqlite_master mine WHERE mine.type = 'index' AND "
