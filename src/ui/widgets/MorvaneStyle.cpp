@@ -11,9 +11,11 @@
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QPainter>
+#include <QPushButton>
 #include <QStyleOption>
 #include <QTextEdit>
 
@@ -299,4 +301,26 @@ void MorvaneStyle::polish(QWidget *widget)
     // The lines stay clear of the corners.
     if (isPopUpList(widget))
         widget->setContentsMargins(1, Theme::unit / 2, 1, Theme::unit / 2);
+    if (qobject_cast<QPushButton *>(widget))
+        widget->installEventFilter(this);
+}
+
+void MorvaneStyle::unpolish(QWidget *widget)
+{
+    widget->removeEventFilter(this);
+    QProxyStyle::unpolish(widget);
+}
+
+bool MorvaneStyle::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *button = event->type() == QEvent::KeyPress ? qobject_cast<QPushButton *>(watched) : nullptr;
+    if (!button || button->autoDefault() || button->isDefault() || !button->isEnabled())
+        return QProxyStyle::eventFilter(watched, event);
+    const auto *press = static_cast<QKeyEvent *>(event);
+    const bool isReturn = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
+    if (!isReturn || (press->modifiers() & ~Qt::KeypadModifier))
+        return QProxyStyle::eventFilter(watched, event);
+    if (!press->isAutoRepeat())
+        button->click();
+    return true;
 }

@@ -28,7 +28,11 @@ public:
                          const QWidget *widget) const override;
     QIcon standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const override;
     void polish(QWidget *widget) override;
+    void unpolish(QWidget *widget) override;
     using QProxyStyle::polish;
+    using QProxyStyle::unpolish;
+    /// Return presses the button that has the keyboard, in windows as in dialogs.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
     /// The ring around what has the keyboard, for controls that draw themselves.
     static void drawFocusRing(QPainter &painter, const QRectF &around, qreal radius, const QColor &colour);

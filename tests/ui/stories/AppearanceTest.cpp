@@ -96,6 +96,10 @@ TEST_F(AppearanceTest, ThePreferencesFitOntoALowScreenAndAllOfThemCanBeReached)
     const QRect widest(find<QWidget>(settings, "radioButtonSchemeDark").mapTo(&settings, QPoint()),
                        find<QWidget>(settings, "radioButtonSchemeDark").size());
     EXPECT_LE(widest.right(), settings.width());
+    QTest::keyClick(&button, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(settings.findChild<QWidget *>(u"DevicesWindow"_s), nullptr);
+    QTest::keyClick(&button, Qt::Key_Return);
+    EXPECT_NE(settings.findChild<QWidget *>(u"DevicesWindow"_s), nullptr);
 }
 
 TEST_F(AppearanceTest, WhatTheDesktopWantedLastIsTheFirstPictureOfTheNextStart)
