@@ -207,6 +207,27 @@ TEST_F(DevicesTest, ThePassphraseIsChangedAndTheSealingEnded)
     EXPECT_TRUE(find<QLabel>(devices, "labelSealing").text().startsWith(u"The folder is open"_s));
 }
 
+TEST_F(DevicesTest, TheWindowGrowsWithWhatItSaysUnlessTheUserChoseItsSize)
+{
+    const auto &bar = *devices.findChild<FormScroll *>()->verticalScrollBar();
+    const auto comes = [&](int number) {
+        arrive(number, u"Device %1"_s.arg(number), Seconds(3.0 * 86400));
+        AppDelegate::shared()->replication()->look();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return rows().size() == number + 1; }));
+        QCoreApplication::processEvents();
+    };
+    QCoreApplication::processEvents();
+    ASSERT_EQ(bar.maximum(), 0);
+    const int before = devices.height();
+    comes(1);
+    EXPECT_EQ(bar.maximum(), 0);
+    EXPECT_GT(devices.height(), before);
+    const QSize chosen(devices.width() + 10, before);
+    devices.resize(chosen);
+    comes(2);
+    EXPECT_EQ(devices.size(), chosen);
+}
+
 TEST_F(DevicesTest, ThirtyDevicesAreScrolledReadOutAndRemoved)
 {
     const Reader reader;

@@ -149,7 +149,7 @@ DevicesWindow::DevicesWindow(QWidget *parent)
     fitIntoScreen();
 }
 
-/// As large as it needs to be, but for some room around it.
+/// As large as it needs to be, but for some room around it; what is on the screen only grows.
 void DevicesWindow::fitIntoScreen()
 {
     constexpr double mostOfWidth = 0.95;
@@ -162,7 +162,9 @@ void DevicesWindow::fitIntoScreen()
     const int aroundTexts = 8 * Theme::unit + Theme::scrollBarWidth;
     const int width = std::min(std::max(body.minimumSizeHint().width(), textWidth() + aroundTexts),
                                int(room.width() * mostOfWidth));
-    resize(width, std::min(body.heightForWidth(width), int(room.height() * mostOfHeight)));
+    const QSize wanted(width, std::min(body.heightForWidth(width), int(room.height() * mostOfHeight)));
+    fitted = isVisible() ? wanted.expandedTo(size()) : wanted;
+    resize(fitted);
 }
 
 void DevicesWindow::open(QWidget *parent)
@@ -200,6 +202,9 @@ void DevicesWindow::refresh()
     setLines(*devices, health.devices);
     setLines(*problems, health.problems);
     problemCard->setVisible(!health.problems.empty());
+    // What the user made of the size stays.
+    if (isVisible() && size() == fitted)
+        fitIntoScreen();
 }
 
 void DevicesWindow::setLines(QWidget &list, const std::vector<DeviceHealth::Line> &lines)
@@ -217,6 +222,7 @@ void DevicesWindow::setLines(QWidget &list, const std::vector<DeviceHealth::Line
         auto *row = new DeviceRow(isOwn ? Theme::FontRole::BodyStrong : Theme::FontRole::Body);
         connect(row, &DeviceRow::removeWanted, this, &DevicesWindow::removeDevice);
         rows.addWidget(row);
+        row->show();
     }
     for (int place = 0; place < rows.count(); ++place)
         static_cast<DeviceRow *>(rows.itemAt(place)->widget())->setLine(lines[size_t(place)]);

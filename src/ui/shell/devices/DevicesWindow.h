@@ -36,6 +36,8 @@ private:
     void endSealing();
     void removeDevice(const DeviceHealth::Line &line);
 
+    /// The size that it gave itself.
+    QSize fitted;
     FormScroll *scroll;
     QLabel *folder;
     QLabel *hint;
